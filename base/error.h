@@ -1,0 +1,71 @@
+// Numbered errors: the only exceptions that leave the library.
+//
+// An error is a number, a description for a person and, where text was read, the place
+// in that text. A failure that has a cause keeps the cause's number and words.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <exception>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zrqrybld {
+
+/// The library's own error numbers.
+enum QueryBuilderErrorEnum : std::int32_t {
+  ErrorInvalidResFile = 40000,        ///< a language file cannot be read
+  ErrorInvalidCellReference = 40001,  ///< a grid cell that does not exist
+  ErrorParsingText = 40002,           ///< SQL or criteria text cannot be read
+  ErrorLoadingQuery = 40003,          ///< a query file cannot be loaded
+  ErrorAddingTable = 40004,           ///< a table cannot be added to the diagram
+  ErrorInvalidPropertyValue = 40005,  ///< a property refuses the value
+};
+
+/// Numbers that the library shares with the data access layers it talks to.
+enum CommonErrorEnum : std::int32_t {
+  ErrorTypeMismatch = 13,          ///< a value cannot be read as the type asked for
+  ErrorNoSuchItem = 9,             ///< no such position or key
+  ErrorObjectRemoved = 91,         ///< the object was removed from its collection
+  ErrorDuplicateKey = 457,         ///< the key is already in use
+  ErrorConnectionFailed = 3706,    ///< no provider, or the provider cannot open the source
+  ErrorConnectionClosed = 3704,    ///< the operation needs an open connection
+  ErrorConnectionOpen = 3705,      ///< the operation needs a closed connection
+  ErrorSchemaNotSupported = 3251,  ///< the provider has no such schema
+};
+
+/// A numbered error with a description.
+class Error : public std::exception {
+ public:
+  Error(std::int32_t number, std::string description, std::optional<std::size_t> offset = std::nullopt)
+      : number_(number), description_(std::move(description)), offset_(offset) {}
+
+  /// The error's number: a `QueryBuilderErrorEnum`, a `CommonErrorEnum` or a provider's own.
+  std::int32_t Number() const { return number_; }
+
+  /// A sentence for a person, in UTF-8.
+  const std::string& Description() const { return description_; }
+
+  /// Where in the text that was read the failure lies, in bytes from 0; none when no text was read.
+  std::optional<std::size_t> Offset() const { return offset_; }
+
+  const char* what() const noexcept override { return description_.c_str(); }
+
+ private:
+  std::int32_t number_;
+  std::string description_;
+  std::optional<std::size_t> offset_;
+};
+
+/// The description of a failure with a cause: `sentence`, CR LF, "[", `number`, "] ", `description`.
+std::string WrapDescription(std::string_view sentence, std::int32_t number, std::string_view description);
+
+/// An error with `number` whose description wraps `cause`. A standard exception counts as number 0.
+Error WrapError(std::int32_t number, std::string_view sentence, const std::exception& cause);
+
+[[noreturn]] void ThrowDuplicateKey(std::string_view key);
+[[noreturn]] void ThrowNoSuchItem();
+[[noreturn]] void ThrowObjectRemoved();
+
+}  // namespace zrqrybld

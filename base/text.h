@@ -1,0 +1,90 @@
+// Text helpers: Unicode case folding, trimming, splitting outside quotes and brackets, and the one
+// text form of numbers. All text is UTF-8; bytes that are no UTF-8 pass through unchanged.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zrqrybld {
+
+/// `text` with every character replaced by its Unicode simple case folding. Two texts are equal
+/// "without regard to case" when their foldings are equal.
+std::string FoldCase(std::string_view text);
+
+/// Whether the two texts are equal without regard to case.
+bool EqualsNoCase(std::string_view a, std::string_view b);
+
+/// Whether `text` begins with `prefix` without regard to case. Only for prefixes in ASCII.
+bool StartsWithNoCase(std::string_view text, std::string_view prefix);
+
+/// The position of the first `needle` in `text` at or after `from` without regard to the case of
+/// ASCII letters; `npos` when there is none.
+std::size_t FindNoCase(std::string_view text, std::string_view needle, std::size_t from = 0);
+
+/// Every occurrence of `from` replaced by `to`, without regard to the case of ASCII letters.
+std::string ReplaceNoCase(std::string_view text, std::string_view from, std::string_view to);
+
+/// Every occurrence of `from` replaced by `to`, exactly.
+std::string ReplaceAll(std::string_view text, std::string_view from, std::string_view to);
+
+/// ASCII letters in upper case, everything else unchanged: for keywords, never for names.
+std::string UpperAscii(std::string_view text);
+
+/// The text without blanks (U+0020) at both ends.
+std::string_view Trim(std::string_view text);
+
+/// The text without blanks, tabs and line ends at both ends.
+std::string_view TrimWhite(std::string_view text);
+
+/// The pieces of `text` between occurrences of `separator`. An empty separator gives one piece.
+std::vector<std::string_view> Split(std::string_view text, std::string_view separator);
+
+/// Like `Split`, but a separator inside "...", '...', `...`, [...] or (...) does not count. An
+/// opening character that is never closed is ordinary text.
+std::vector<std::string_view> SplitOutsideQuotes(std::string_view text, std::string_view separator);
+
+/// The number of Unicode characters in `text`; a byte that is no UTF-8 counts as one.
+std::size_t CharacterCount(std::string_view text);
+
+/// The longest prefix of at most `count` characters.
+std::string_view FirstCharacters(std::string_view text, std::size_t count);
+
+/// Decodes the character at `*position` and moves the position behind it. Bytes that are no UTF-8
+/// yield U+FFFD, one at a time.
+char32_t DecodeUtf8(std::string_view text, std::size_t& position);
+
+/// Appends one character.
+void AppendUtf8(std::string& text, char32_t character);
+
+/// The shortest decimal text that reads back as the same number, without exponent for magnitudes
+/// from 1e-5 up to 1e15; no locale.
+std::string NumberText(double value);
+
+/// The number that the whole of `text` (blanks around it allowed) writes in decimal form, with or
+/// without sign, point and exponent; none when it is no number.
+std::optional<double> ParseNumber(std::string_view text);
+
+/// The number that `text` begins with, 0 when it begins with none. Blanks in front are skipped.
+double LeadingNumber(std::string_view text);
+
+/// Hash and equality that let string-keyed tables be searched with views.
+struct StringHash {
+  using is_transparent = void;
+  std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>{}(text); }
+};
+
+/// Whether the character is a letter or digit of ASCII, "_" or any character beyond ASCII.
+constexpr bool IsWordByte(char c) {
+  const auto u = static_cast<unsigned char>(c);
+  return (u >= '0' && u <= '9') || (u >= 'A' && u <= 'Z') || (u >= 'a' && u <= 'z') || u == '_' || u >= 0x80;
+}
+constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+constexpr bool IsWhite(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\f' || c == '\v'; }
+constexpr char UpperAscii(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+
+}  // namespace zrqrybld

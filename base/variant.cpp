@@ -1,0 +1,156 @@
+#include "base/variant.h"
+
+#include <cmath>
+#include <cstdio>
+
+#include "base/error.h"
+#include "base/text.h"
+
+namespace zrqrybld {
+namespace {
+
+// Days since 1899-12-30 as text, by the proleptic Gregorian calendar.
+std::string DateText(DateValue date) {
+  constexpr std::int64_t kDaysFrom0000To1899 = 693899;  // 0000-03-01 to 1899-12-30
+  constexpr double kFurthest = 3'000'000;
+  if (!(std::fabs(date.days) < kFurthest)) return {};
+  const auto seconds = static_cast<std::int64_t>(std::llround(date.days * 86400));
+  std::int64_t day = seconds / 86400;
+  std::int64_t rest = seconds % 86400;
+  if (rest < 0) {
+    --day;
+    rest += 86400;
+  }
+  const std::int64_t z = day + kDaysFrom0000To1899;
+  const std::int64_t era = (z >= 0 ? z : z - 146096) / 146097;
+  const std::int64_t dayOfEra = z - era * 146097;
+  const std::int64_t yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+  const std::int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+  const std::int64_t shifted = (5 * dayOfYear + 2) / 153;
+  const auto dayOfMonth = static_cast<int>(dayOfYear - (153 * shifted + 2) / 5 + 1);
+  const auto month = static_cast<int>(shifted < 10 ? shifted + 3 : shifted - 9);
+  const auto year = static_cast<int>(yearOfEra + era * 400 + (month <= 2 ? 1 : 0));
+  char buffer[64];
+  const int length =
+      std::snprintf(buffer, sizeof buffer, "%04d-%02d-%02d %02d:%02d:%02d", year, month, dayOfMonth,
+                    static_cast<int>(rest / 3600), static_cast<int>(rest / 60 % 60), static_cast<int>(rest % 60));
+  return {buffer, static_cast<std::size_t>(length)};
+}
+
+[[noreturn]] void ThrowTypeMismatch() {
+  throw Error(ErrorTypeMismatch, "The value is not of the kind that is needed here.");
+}
+
+}  // namespace
+
+bool Variant::IsNumeric() const {
+  const VariantType type = Type();
+  return type >= VariantType::Boolean && type <= VariantType::Date;
+}
+
+bool Variant::IsBlank() const {
+  if (const std::string* text = StringIf()) return text->empty();
+  return Type() <= VariantType::Missing;
+}
+
+std::string Variant::Text() const {
+  switch (Type()) {
+    case VariantType::Boolean:
+      return std::get<bool>(value_) ? "True" : "False";
+    case VariantType::Int16:
+      return std::to_string(std::get<std::int16_t>(value_));
+    case VariantType::Int32:
+      return std::to_string(std::get<std::int32_t>(value_));
+    case VariantType::Int64:
+      return std::to_string(std::get<std::int64_t>(value_));
+    case VariantType::Single: {
+      // The shortest text of the single, not of the double that holds it: 0.1, not 0.10000000149.
+      char buffer[64];
+      const int length = std::snprintf(buffer, sizeof buffer, "%.9g", static_cast<double>(std::get<float>(value_)));
+      for (int digits = 1; digits <= 9; ++digits) {
+        char shorter[64];
+        const int n =
+            std::snprintf(shorter, sizeof shorter, "%.*g", digits, static_cast<double>(std::get<float>(value_)));
+        const std::optional<double> back = ParseNumber({shorter, static_cast<std::size_t>(n)});
+        if (back && static_cast<float>(*back) == std::get<float>(value_)) return NumberText(*back);
+      }
+      return {buffer, static_cast<std::size_t>(length)};
+    }
+    case VariantType::Double:
+      return NumberText(std::get<double>(value_));
+    case VariantType::Date:
+      return DateText(std::get<DateValue>(value_));
+    case VariantType::String:
+      return std::get<std::string>(value_);
+    default:
+      return {};
+  }
+}
+
+std::optional<double> Variant::Number() const {
+  switch (Type()) {
+    case VariantType::Boolean:
+      return std::get<bool>(value_) ? -1.0 : 0.0;
+    case VariantType::Int16:
+      return std::get<std::int16_t>(value_);
+    case VariantType::Int32:
+      return std::get<std::int32_t>(value_);
+    case VariantType::Int64:
+      return static_cast<double>(std::get<std::int64_t>(value_));
+    case VariantType::Single:
+      return static_cast<double>(std::get<float>(value_));
+    case VariantType::Double:
+      return std::get<double>(value_);
+    case VariantType::Date:
+      return std::get<DateValue>(value_).days;
+    case VariantType::String:
+      return ParseNumber(std::get<std::string>(value_));
+    default:
+      return std::nullopt;
+  }
+}
+
+std::int32_t Variant::ToInt32() const {
+  const std::optional<double> number = Number();
+  if (!number) ThrowTypeMismatch();
+  const double rounded = std::nearbyint(*number);
+  if (!(rounded >= -2147483648.0 && rounded <= 2147483647.0)) ThrowTypeMismatch();
+  return static_cast<std::int32_t>(rounded);
+}
+
+bool Variant::ToBoolean() const {
+  if (const auto* truth = std::get_if<bool>(&value_)) return *truth;
+  if (const std::string* text = StringIf()) {
+    if (EqualsNoCase(*text, "True")) return true;
+    if (EqualsNoCase(*text, "False")) return false;
+  }
+  if (const std::optional<double> number = Number()) return *number != 0;
+  ThrowTypeMismatch();
+}
+
+Ref<Object> Variant::ToObject() const {
+  const auto* object = std::get_if<Ref<Object>>(&value_);
+  return object ? *object : nullptr;
+}
+
+bool operator==(const Variant& a, const Variant& b) {
+  if (a.IsNumeric() && b.IsNumeric()) {
+    if (a.Type() == VariantType::Int64 && b.Type() == VariantType::Int64) {
+      return std::get<std::int64_t>(a.value_) == std::get<std::int64_t>(b.value_);
+    }
+    return a.Number() == b.Number();
+  }
+  if (a.Type() != b.Type()) return false;
+  switch (a.Type()) {
+    case VariantType::String:
+      return std::get<std::string>(a.value_) == std::get<std::string>(b.value_);
+    case VariantType::Object:
+      return std::get<Ref<Object>>(a.value_) == std::get<Ref<Object>>(b.value_);
+    case VariantType::Array:
+      return std::get<std::vector<Variant>>(a.value_) == std::get<std::vector<Variant>>(b.value_);
+    default:
+      return true;
+  }
+}
+
+}  // namespace zrqrybld

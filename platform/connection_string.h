@@ -1,0 +1,36 @@
+// ConnectionString: the `Key=Value;...` text that names a data source, taken apart.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace zrqrybld {
+
+/// Keys are compared without regard to case. A value may stand in double or single quotes or in
+/// braces, and then holds anything; the closing character doubled stands for itself.
+class ConnectionString {
+ public:
+  ConnectionString() = default;
+  /// Reads any text; parts without "=" are kept as keys without value.
+  explicit ConnectionString(std::string_view text);
+
+  /// The value of the first part with this key; none when there is no such part.
+  std::optional<std::string> Get(std::string_view key) const;
+
+  /// The parts in their order, values without quotes.
+  const std::vector<std::pair<std::string, std::string>>& Parts() const { return parts_; }
+
+  /// The text without passwords (`PWD`, `Password` and the like), for logs and messages.
+  std::string WithoutPassword() const;
+
+  /// The value as it is written in a connection string: in quotes when it needs them.
+  static std::string QuoteValue(std::string_view value);
+
+ private:
+  std::vector<std::pair<std::string, std::string>> parts_;
+};
+
+}  // namespace zrqrybld

@@ -1,0 +1,42 @@
+// Dialogs that the core asks for. The core prepares every text and takes the answer; the window is
+// the toolkit's.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zrqrybld {
+
+enum class MessageIcon : std::uint8_t { Information, Exclamation, Critical };
+
+/// The table picker. An ampersand in a caption marks the access key.
+struct TablesDialog {
+  std::string caption;
+  std::string tablesTab;
+  std::string viewsTab;
+  std::string addButton;
+  std::string closeButton;
+  std::vector<std::string> tables;
+  std::vector<std::string> views;
+  /// Adds these tables or views to the query. Tells the user about failures itself.
+  std::function<void(const std::vector<std::string>& names)> add;
+};
+
+class Dialogs {
+ public:
+  Dialogs() = default;
+  Dialogs(const Dialogs&) = delete;
+  Dialogs& operator=(const Dialogs&) = delete;
+  virtual ~Dialogs() = default;
+
+  /// Shows a message and waits until the user has closed it.
+  virtual void ShowMessage(std::string_view text, MessageIcon icon) = 0;
+
+  /// Lets the user pick tables until the dialog is closed.
+  virtual void ShowTables(const TablesDialog& dialog) = 0;
+};
+
+}  // namespace zrqrybld

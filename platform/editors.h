@@ -1,0 +1,29 @@
+// Native text widgets behind narrow interfaces. Caret, input methods and clipboard are the
+// toolkit's own and are never rewritten here.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "base/event.h"
+
+namespace zrqrybld {
+
+/// A text of many lines, such as the SQL pane's. Lines end in CR LF towards the core.
+class TextArea {
+ public:
+  TextArea() = default;
+  TextArea(const TextArea&) = delete;
+  TextArea& operator=(const TextArea&) = delete;
+  virtual ~TextArea() = default;
+
+  virtual std::string Text() const = 0;
+  /// Replaces the text. Caret and scroll position stay as near as the new text allows.
+  virtual void SetText(std::string_view text) = 0;
+  virtual void SetReadOnly(bool readOnly) = 0;
+
+  /// The user has changed the text. Not raised by `SetText`.
+  Event<> Edited;
+};
+
+}  // namespace zrqrybld

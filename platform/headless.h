@@ -1,0 +1,143 @@
+// The headless toolkit: every platform interface without a window.
+//
+// A server, a script or a test uses the whole library through it. Surfaces remember what they were
+// asked for; dialogs are answered by handlers or, without one, closed at once and recorded.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/canvas.h"
+#include "platform/editors.h"
+#include "platform/property_store.h"
+#include "platform/surface.h"
+#include "platform/toolkit.h"
+
+namespace zrqrybld {
+
+/// Text of fixed width: 7 pixels a character, lines of 16 pixels.
+class HeadlessMetrics final : public TextMetrics {
+ public:
+  Pixels TextWidth(std::string_view text, const Font& font) const override;
+  Pixels LineHeight(const Font& font) const override;
+};
+
+/// A surface of 800 by 600 pixels, unless told otherwise, with 15 twips a pixel.
+class HeadlessSurface final : public Surface {
+ public:
+  PixelSize ViewSize() const override { return size_; }
+  ScreenScale Scale() const override { return {}; }
+  const TextMetrics& Metrics() const override { return metrics_; }
+  void Invalidate(const PixelRect& area) override { invalid_ = invalid_.Union(area); }
+  void SetScrollBar(Orientation orientation, const ScrollState& state) override;
+  void SetCursor(Cursor cursor) override { cursor_ = cursor; }
+  void SetCapture(bool captured) override { captured_ = captured; }
+  void SetFocus() override {}
+  void DragText(std::string_view text) override { draggedText_ = text; }
+
+  /// Changes the size. The control on it is not told: call its `OnResize`.
+  void SetViewSize(PixelSize size) { size_ = size; }
+  /// What was invalidated since the last call.
+  PixelRect TakeInvalid() { return std::exchange(invalid_, {}); }
+  const ScrollState& ScrollBar(Orientation orientation) const;
+  Cursor CurrentCursor() const { return cursor_; }
+  bool IsCaptured() const { return captured_; }
+  const std::string& DraggedText() const { return draggedText_; }
+
+ private:
+  HeadlessMetrics metrics_;
+  PixelSize size_{800_px, 600_px};
+  PixelRect invalid_{};
+  ScrollState horizontal_;
+  ScrollState vertical_;
+  Cursor cursor_ = Cursor::Arrow;
+  bool captured_ = false;
+  std::string draggedText_;
+};
+
+/// A text area that is only its text.
+class HeadlessTextArea final : public TextArea {
+ public:
+  std::string Text() const override { return text_; }
+  void SetText(std::string_view text) override { text_ = text; }
+  void SetReadOnly(bool readOnly) override { readOnly_ = readOnly; }
+
+  bool IsReadOnly() const { return readOnly_; }
+  /// Changes the text as a user would.
+  void Type(std::string_view text) {
+    text_ = text;
+    Edited.Raise();
+  }
+
+ private:
+  std::string text_;
+  bool readOnly_ = false;
+};
+
+/// Dialogs that a handler answers; all messages are recorded.
+class HeadlessDialogs final : public Dialogs {
+ public:
+  struct Message {
+    std::string text;
+    MessageIcon icon;
+  };
+  void ShowMessage(std::string_view text, MessageIcon icon) override { messages.push_back({std::string(text), icon}); }
+  void ShowTables(const TablesDialog& dialog) override {
+    if (onShowTables) onShowTables(dialog);
+  }
+
+  std::vector<Message> messages;
+  std::function<void(const TablesDialog&)> onShowTables;
+};
+
+class HeadlessToolkit final : public Toolkit {
+ public:
+  HeadlessDialogs& GetDialogs() override { return dialogs_; }
+  void SetBusyPointer(bool busy) override { busyDepth_ += busy ? 1 : -1; }
+  bool IsBusyPointer() const { return busyDepth_ > 0; }
+
+ private:
+  HeadlessDialogs dialogs_;
+  int busyDepth_ = 0;
+};
+
+/// A property store in memory.
+class MemoryPropertyStore final : public PropertyStore {
+ public:
+  Variant Read(std::string_view key, const Variant& defaultValue) const override;
+  void Write(std::string_view key, const Variant& value, const Variant& defaultValue) override;
+  void Write(std::string_view key, const Variant& value) override;
+
+  const std::map<std::string, Variant, std::less<>>& Values() const { return values_; }
+
+ private:
+  std::map<std::string, Variant, std::less<>> values_;
+};
+
+/// Writes one line of text for every call, for instance "fill 0,0 10x20 Box".
+class RecordingCanvas final : public Canvas {
+ public:
+  const std::vector<std::string>& Lines() const { return lines_; }
+  /// All lines, each ended by a line feed.
+  std::string Text() const;
+
+  void FillRect(const PixelRect& rect, const Ink& ink, Pixels radius = {}) override;
+  void StrokeRect(const PixelRect& rect, const Ink& ink, Pixels width, Pixels radius = {}) override;
+  void DrawPolyline(std::span<const PixelPoint> points, const Ink& ink, Pixels width, Pixels radius = {}) override;
+  void FillPolygon(std::span<const PixelPoint> points, const Ink& ink) override;
+  void DrawText(const PixelRect& rect, std::string_view text, const TextStyle& style) override;
+  void DrawImage(const PixelRect& rect, const Image& image) override;
+  void DrawPart(ThemedPart part, const PixelRect& rect, const PartState& state) override;
+
+ protected:
+  void PushClip(const PixelRect& rect) override;
+  void PopClip() override;
+
+ private:
+  std::vector<std::string> lines_;
+};
+
+}  // namespace zrqrybld

@@ -1,0 +1,40 @@
+#include "platform/provider.h"
+
+#include "base/error.h"
+#include "base/text.h"
+
+namespace zrqrybld {
+
+Provider& ProviderList::Choose(const ConnectionString& connectionString) const {
+  const std::optional<std::string> name = connectionString.Get("Provider");
+  for (auto provider = providers_.rbegin(); provider != providers_.rend(); ++provider) {
+    if (name ? EqualsNoCase((*provider)->Name(), *name) : (*provider)->Accepts(connectionString)) return **provider;
+  }
+  throw Error(ErrorConnectionFailed,
+              name ? "There is no provider named \"" + *name + "\"." : "No provider knows this connection string.");
+}
+
+void ProviderConnection::SetConnectionString(std::string value) {
+  if (session_) throw Error(ErrorConnectionOpen, "The connection string cannot change while the connection is open.");
+  connectionString_ = std::move(value);
+}
+
+void ProviderConnection::SetProperty(std::string_view, const Variant&) {}
+
+void ProviderConnection::Open(std::string_view user, std::string_view password) {
+  if (session_) throw Error(ErrorConnectionOpen, "The connection is open already.");
+  const zrqrybld::ConnectionString parsed(connectionString_);
+  session_ = providers_->Choose(parsed).Open(parsed, user, password);
+}
+
+void ProviderConnection::Close() {
+  if (!session_) throw Error(ErrorConnectionClosed, "The connection is closed.");
+  session_.reset();
+}
+
+std::unique_ptr<RowSet> ProviderConnection::OpenSchema(SchemaKind kind, const SchemaRestrictions& restrictions) {
+  if (!session_) throw Error(ErrorConnectionClosed, "The connection is closed.");
+  return session_->OpenSchema(kind, restrictions);
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,80 @@
+// Providers of data sources, and the connection that picks one by its connection string.
+//
+// An adapter implements Provider and Session; the application registers it with its toolkit. The
+// core knows no database.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/connection_string.h"
+#include "platform/database.h"
+
+namespace zrqrybld {
+
+/// One open data source. Destroying it closes the source.
+class Session {
+ public:
+  Session() = default;
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+  virtual ~Session() = default;
+
+  /// See `Connection::OpenSchema`.
+  virtual std::unique_ptr<RowSet> OpenSchema(SchemaKind kind, const SchemaRestrictions& restrictions) = 0;
+};
+
+/// One way to reach data sources, for instance an embedded database library.
+class Provider {
+ public:
+  Provider() = default;
+  Provider(const Provider&) = delete;
+  Provider& operator=(const Provider&) = delete;
+  virtual ~Provider() = default;
+
+  /// The value of `Provider=` that chooses this provider, in any letter case.
+  virtual std::string_view Name() const = 0;
+
+  /// Whether a connection string without `Provider=` is for this provider.
+  virtual bool Accepts(const ConnectionString& connectionString) const = 0;
+
+  /// Opens the source. Errors carry the provider's own number and words, never a password.
+  virtual std::unique_ptr<Session> Open(const ConnectionString& connectionString, std::string_view user,
+                                        std::string_view password) = 0;
+};
+
+/// The providers that an application has registered.
+class ProviderList {
+ public:
+  /// Adds a provider; of two with one name the later is used.
+  void Register(std::shared_ptr<Provider> provider) { providers_.push_back(std::move(provider)); }
+
+  /// The provider for the string; error 3706 when there is none.
+  Provider& Choose(const ConnectionString& connectionString) const;
+
+ private:
+  std::vector<std::shared_ptr<Provider>> providers_;
+};
+
+/// The connection that the library makes itself: empty until it gets a connection string.
+class ProviderConnection final : public Connection {
+ public:
+  explicit ProviderConnection(std::shared_ptr<const ProviderList> providers) : providers_(std::move(providers)) {}
+
+  std::string ConnectionString() const override { return connectionString_; }
+  void SetConnectionString(std::string value) override;
+  void SetProperty(std::string_view name, const Variant& value) override;
+  void Open(std::string_view user, std::string_view password) override;
+  void Close() override;
+  ConnectionStateEnum State() const override { return session_ ? ConnectionOpened : ConnectionClosed; }
+  std::unique_ptr<RowSet> OpenSchema(SchemaKind kind, const SchemaRestrictions& restrictions) override;
+
+ private:
+  std::shared_ptr<const ProviderList> providers_;
+  std::string connectionString_;
+  std::unique_ptr<Session> session_;
+};
+
+}  // namespace zrqrybld

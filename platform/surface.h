@@ -1,0 +1,76 @@
+// Surface: the window area a control lives in, as the control sees it.
+//
+// Every control has one from the start: a headless one until an adapter attaches a real window.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "base/units.h"
+#include "platform/font.h"
+
+namespace zrqrybld {
+
+enum class Orientation : std::uint8_t { Horizontal, Vertical };
+
+/// A scroll bar. All numbers are pixels; `value` runs from 0 to `maximum`.
+struct ScrollState {
+  int value = 0;
+  int maximum = 0;  ///< 0: nothing to scroll
+  int page = 0;     ///< how much is visible
+  int step = 0;     ///< one click on an arrow
+  friend bool operator==(const ScrollState&, const ScrollState&) = default;
+};
+
+enum class Cursor : std::uint8_t {
+  Arrow,
+  Wait,
+  Move,
+  SizeHorizontal,
+  SizeVertical,
+  SizeDiagonalDown,  ///< top left to bottom right
+  SizeDiagonalUp,    ///< bottom left to top right
+  ColumnSplit,
+  NoDrop,
+  Join,  ///< over a place where a join may end
+};
+
+class Surface {
+ public:
+  Surface() = default;
+  Surface(const Surface&) = delete;
+  Surface& operator=(const Surface&) = delete;
+  virtual ~Surface() = default;
+
+  /// The size of the visible area, without scroll bars.
+  virtual PixelSize ViewSize() const = 0;
+
+  /// The screen's factors between pixels and twips.
+  virtual ScreenScale Scale() const = 0;
+
+  /// Measures text as this surface draws it.
+  virtual const TextMetrics& Metrics() const = 0;
+
+  /// Asks for a repaint of the area, soon.
+  virtual void Invalidate(const PixelRect& area) = 0;
+
+  /// Asks for a repaint of everything, soon.
+  void InvalidateAll() { Invalidate({{}, {}, ViewSize().width, ViewSize().height}); }
+
+  /// Shows the scroll bar as given; hides it when there is nothing to scroll.
+  virtual void SetScrollBar(Orientation orientation, const ScrollState& state) = 0;
+
+  virtual void SetCursor(Cursor cursor) = 0;
+
+  /// Takes or gives back all mouse events, also those outside the surface.
+  virtual void SetCapture(bool captured) = 0;
+
+  /// Asks for the keyboard.
+  virtual void SetFocus() = 0;
+
+  /// Offers a text to be dropped elsewhere; returns when the drag has ended.
+  virtual void DragText(std::string_view text) = 0;
+};
+
+}  // namespace zrqrybld

@@ -1,0 +1,42 @@
+// Toolkit: the services of the outside that are shared by a whole designer.
+#pragma once
+
+#include <memory>
+
+#include "platform/dialogs.h"
+#include "platform/provider.h"
+
+namespace zrqrybld {
+
+class Toolkit {
+ public:
+  Toolkit() = default;
+  Toolkit(const Toolkit&) = delete;
+  Toolkit& operator=(const Toolkit&) = delete;
+  virtual ~Toolkit() = default;
+
+  virtual Dialogs& GetDialogs() = 0;
+
+  /// Shows the hourglass over the whole application, or the usual pointer again. Calls nest.
+  virtual void SetBusyPointer(bool busy) = 0;
+
+  /// The data source providers that the application has registered.
+  const std::shared_ptr<ProviderList>& Providers() const { return providers_; }
+
+ private:
+  std::shared_ptr<ProviderList> providers_ = std::make_shared<ProviderList>();
+};
+
+/// Shows the hourglass while it lives.
+class [[nodiscard]] BusyPointer {
+ public:
+  explicit BusyPointer(Toolkit& toolkit) : toolkit_(toolkit) { toolkit_.SetBusyPointer(true); }
+  BusyPointer(const BusyPointer&) = delete;
+  BusyPointer& operator=(const BusyPointer&) = delete;
+  ~BusyPointer() { toolkit_.SetBusyPointer(false); }
+
+ private:
+  Toolkit& toolkit_;
+};
+
+}  // namespace zrqrybld
