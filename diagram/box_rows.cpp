@@ -1,0 +1,67 @@
+#include "diagram/box_rows.h"
+
+namespace zrqrybld {
+
+void BoxRow::Changed() const {
+  if (list_ && list_->onChanged) list_->onChanged();
+}
+
+void BoxRow::SetText(std::string text) {
+  text_ = std::move(text);
+  Changed();
+}
+
+void BoxRow::SetKey(std::string key) {
+  if (list_) list_->rows_.Rekey(index_, key);
+  key_ = std::move(key);
+}
+
+void BoxRow::SetChecked(bool checked) {
+  if (checked_ == checked) return;
+  checked_ = checked;
+  Changed();
+  if (list_ && list_->onChecked) list_->onChecked(RefTo(*this));
+}
+
+void BoxRow::SetBold(bool bold) {
+  bold_ = bold;
+  Changed();
+}
+
+void BoxRow::SetForeColor(Color color) {
+  foreColor_ = color;
+  Changed();
+}
+
+void BoxRow::SetSmallIcon(Variant icon) {
+  smallIcon_ = std::move(icon);
+  Changed();
+}
+
+void BoxRow::SetToolTipText(std::string text) { toolTipText_ = std::move(text); }
+
+Ref<BoxRow> BoxRows::Add(std::string text, std::string key) {
+  const Ref<BoxRow> row(new BoxRow(this, std::move(text), std::move(key)));
+  rows_.Insert(row, row->key_);
+  row->index_ = rows_.Count();
+  if (onChanged) onChanged();
+  return row;
+}
+
+void BoxRows::Detach() {
+  for (std::size_t i = 1; i <= rows_.Count(); ++i) (*rows_.At(i))->list_ = nullptr;
+}
+
+void BoxRows::Clear() {
+  Detach();
+  rows_.Clear();
+  if (onChanged) onChanged();
+}
+
+void BoxRows::RemoveAt(std::size_t position) {
+  rows_.RemoveAt(position)->list_ = nullptr;
+  for (std::size_t i = position; i <= rows_.Count(); ++i) (*rows_.At(i))->index_ = i;
+  if (onChanged) onChanged();
+}
+
+}  // namespace zrqrybld

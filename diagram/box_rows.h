@@ -1,0 +1,92 @@
+// The rows inside an entity box: one a column, with check box, text, icon and tool tip.
+//
+// They are the one home of these facts; `qbEntityItem` is a thin face over a row. A row tells its
+// list when it changes, the list tells its box.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "base/keyed_list.h"
+#include "base/object.h"
+#include "base/units.h"
+#include "base/variant.h"
+
+namespace zrqrybld {
+
+class BoxRows;
+
+class BoxRow final : public Object {
+ public:
+  std::string_view TypeName() const override { return "BoxRow"; }
+
+  /// The row's position in its list, from 1; it shifts when a row before it is removed.
+  std::size_t Index() const { return index_; }
+
+  const std::string& Text() const { return text_; }
+  void SetText(std::string text);
+  const std::string& Key() const { return key_; }
+  /// Error 457 when another row of the list has the key.
+  void SetKey(std::string key);
+  bool Checked() const { return checked_; }
+  void SetChecked(bool checked);
+  bool Bold() const { return bold_; }
+  void SetBold(bool bold);
+  /// The text's colour; system colour 8 (window text) at first.
+  Color ForeColor() const { return foreColor_; }
+  void SetForeColor(Color color);
+  const Variant& SmallIcon() const { return smallIcon_; }
+  void SetSmallIcon(Variant icon);
+  const std::string& ToolTipText() const { return toolTipText_; }
+  void SetToolTipText(std::string text);
+
+ private:
+  friend class BoxRows;
+  BoxRow(BoxRows* list, std::string text, std::string key)
+      : list_(list), text_(std::move(text)), key_(std::move(key)) {}
+  void Changed() const;
+
+  BoxRows* list_;  // none once the row was removed
+  std::size_t index_ = 0;
+  std::string text_;
+  std::string key_;
+  bool checked_ = false;
+  bool bold_ = false;
+  Color foreColor_ = Color::System(8);
+  Variant smallIcon_;
+  std::string toolTipText_;
+};
+
+class BoxRows {
+ public:
+  BoxRows() = default;
+  BoxRows(const BoxRows&) = delete;
+  BoxRows& operator=(const BoxRows&) = delete;
+  ~BoxRows() { Detach(); }
+
+  /// Adds a row at the end. Error 457 when the key is in use.
+  Ref<BoxRow> Add(std::string text, std::string key);
+  void Clear();
+  void RemoveAt(std::size_t position);
+  std::size_t Count() const { return rows_.Count(); }
+  /// The row at a position from 1, or nothing.
+  Ref<BoxRow> At(std::size_t position) const {
+    const Ref<BoxRow>* row = rows_.At(position);
+    return row ? *row : nullptr;
+  }
+
+  /// The rows look different now.
+  std::function<void()> onChanged;
+  /// A row was ticked or unticked.
+  std::function<void(const Ref<BoxRow>&)> onChecked;
+
+ private:
+  friend class BoxRow;
+  void Detach();
+
+  KeyedList<Ref<BoxRow>> rows_;
+};
+
+}  // namespace zrqrybld

@@ -1,0 +1,115 @@
+#include "diagram/entities.h"
+
+#include <optional>
+
+#include "base/error.h"
+#include "diagram/relationships.h"
+#include "host/query_context.h"
+
+namespace zrqrybld {
+
+Ref<qbEntity> qbEntities::Add(const std::string& key) {
+  bool cancel = false;
+  BeforeAdd.Raise(key, cancel);
+  if (cancel) return nullptr;
+  if (!view_) ThrowObjectRemoved();
+  if (items_.HasExactly(key)) ThrowDuplicateKey(key);
+
+  const Ref<QueryContext> context = view_->Context();
+  std::optional<BusyPointer> busy;
+  if (context) busy.emplace(context->GetToolkit());
+  const StepScope step(context, "Add table");
+
+  const Ref<qbEntityList> box = view_->LoadBox();
+  const auto relationships = std::make_shared<qbRelationships>(view_);
+  const std::shared_ptr<EntityOwner> owner(shared_from_this(), this);
+  const Ref<qbEntity> entity(new qbEntity(box, owner, relationships));
+  relationships->SetParentEntity(entity);
+  box->SetEntity(entity);
+  entity->SetCaption(key);
+  entity->SetTagVariant(key);
+  entity->SetShowMinimizeButton(view_->EntityMinimizeButton());
+  items_.Insert(entity, key);
+  view_->ShowBox(box);
+
+  EntityAdd.Raise(key);
+  if (context) {
+    context->RaiseInfo(InfoTableAdded, Ref<Object>(entity));
+    context->EntitiesChanged();
+    context->QueryChanged();
+  }
+  return entity;
+}
+
+// Joins that start here, then joins of others that end here.
+void qbEntities::RemoveJoinsOf(const Ref<qbEntity>& entity) {
+  entity->Relationships()->Clear();
+  for (std::size_t i = 1; i <= items_.Count(); ++i) {
+    const Ref<qbEntity> other = *items_.At(i);
+    for (std::int32_t j = 1; j <= other->Relationships()->Count();) {
+      if (other->Relationships()->Item(j)->Target() == entity) {
+        other->Relationships()->Remove(j);
+      } else {
+        ++j;
+      }
+    }
+  }
+}
+
+void qbEntities::Remove(const Variant& index) {
+  const Ref<qbEntity> entity = Item(index);
+  if (!entity || !view_) return;
+  const Ref<QueryContext> context = view_->Context();
+  const std::string key = entity->Caption();
+  const StepScope step(context, "Remove table");
+
+  RemoveJoinsOf(entity);
+  if (view_->SelectedObject() == entity) view_->DropSelection();
+  const std::size_t position = PositionOf(*entity);
+  if (position == items_.kNone) return;  // a handler has removed it meanwhile
+  const Ref<qbEntityList> box = entity->EntityBox();
+  entity->Relationships()->Detach();
+  entity->Detach();
+  items_.RemoveAt(position);
+  view_->UnloadBox(box);
+
+  EntityRemove.Raise(key);
+  if (context) {
+    context->EntityRemoved(key);
+    context->EntitiesChanged();
+    context->QueryChanged();
+  }
+}
+
+void qbEntities::Detach() {
+  view_ = nullptr;
+  for (std::size_t i = 1; i <= items_.Count(); ++i) {
+    const Ref<qbEntity>& entity = *items_.At(i);
+    entity->Relationships()->Detach();
+    entity->Detach();
+  }
+  items_.Clear();
+}
+
+std::size_t qbEntities::PositionOf(const qbEntity& entity) const {
+  for (std::size_t i = 1; i <= items_.Count(); ++i) {
+    if (items_.At(i)->get() == &entity) return i;
+  }
+  return items_.kNone;
+}
+
+void qbEntities::Rename(qbEntity& entity, const std::string& caption) {
+  const std::string before = entity.Caption();
+  if (before == caption) return;
+  items_.Rekey(PositionOf(entity), caption);
+  entity.EntityBox()->SetCaption(caption);
+  if (!view_) return;
+  if (const Ref<QueryContext> context = view_->Context()) {
+    const StepScope step(context, "Rename table");
+    context->EntityRenamed(before, caption);
+    context->EntitiesChanged();
+    context->QueryChanged();
+  }
+}
+
+}  // namespace zrqrybld

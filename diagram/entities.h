@@ -1,0 +1,67 @@
+// qbEntities: the tables of the diagram, by position from 1 or by caption.
+//
+// Owned by the pane that shows them.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "base/collection.h"
+#include "base/event.h"
+#include "base/object.h"
+#include "diagram/diagram_view.h"
+#include "diagram/entity.h"
+
+namespace zrqrybld {
+
+class qbEntities final : public Object, private EntityOwner {
+ public:
+  /// `view` shows the entities; it must outlive the collection or be taken away by `Detach`.
+  explicit qbEntities(DiagramView* view) : view_(view) {}
+  std::string_view TypeName() const override { return "qbEntities"; }
+
+  /// An entity has been added under this key.
+  Event<const std::string&> EntityAdd;
+  /// The entity with this key has been removed.
+  Event<const std::string&> EntityRemove;
+  /// An entity is about to be added; the second argument set to true prevents it.
+  Event<const std::string&, bool&> BeforeAdd;
+
+  /// Adds an entity with the caption `key`. Nothing when a handler of `BeforeAdd` cancels it; error 457
+  /// when another entity has the caption.
+  Ref<qbEntity> Add(const std::string& key);
+
+  std::int32_t Count() const { return static_cast<std::int32_t>(items_.Count()); }
+
+  /// The entity at a position from 1 or with this caption, or nothing.
+  Ref<qbEntity> Item(const Variant& index) const { return ItemOrNothing(items_, index); }
+
+  /// Removes an entity with its columns and all joins at it. A missing one is no error.
+  void Remove(const Variant& index);
+
+  // --- For the model, the pane and the hub
+  // ----------------------------------------------------------------------------
+
+  /// The entity with exactly this caption, or nothing.
+  Ref<qbEntity> FindExactly(std::string_view caption) const {
+    return items_.HasExactly(caption) ? *items_.Find(caption) : nullptr;
+  }
+
+  /// Gives the entity's box the size that fits its columns.
+  void Fit(const qbEntity& entity) {
+    if (view_) view_->FitBox(entity.EntityBox());
+  }
+
+  /// The pane goes away: removes all entities without a word.
+  void Detach();
+
+ private:
+  std::size_t PositionOf(const qbEntity& entity) const override;
+  void Rename(qbEntity& entity, const std::string& caption) override;
+  void RemoveJoinsOf(const Ref<qbEntity>& entity);
+
+  DiagramView* view_;
+  KeyedList<Ref<qbEntity>> items_;
+};
+
+}  // namespace zrqrybld

@@ -1,0 +1,68 @@
+#include "diagram/entity.h"
+
+#include "base/error.h"
+
+namespace zrqrybld {
+
+qbEntity::qbEntity(Ref<qbEntityList> box, std::weak_ptr<EntityOwner> owner, Ref<qbRelationships> relationships)
+    : box_(std::move(box)), owner_(std::move(owner)), relationships_(std::move(relationships)) {
+  items_->SetRows(&box_->Rows());
+}
+
+qbEntityList& qbEntity::Box() const {
+  if (!box_) ThrowObjectRemoved();
+  return *box_;
+}
+
+void qbEntity::Detach() {
+  items_->DetachRows();
+  box_->SetEntity(nullptr);
+  box_ = nullptr;
+  owner_.reset();
+}
+
+void qbEntity::SetCaption(const std::string& caption) {
+  qbEntityList& box = Box();
+  const auto owner = owner_.lock();
+  if (owner && !box.Caption().empty()) {
+    owner->Rename(*this, caption);
+  } else {
+    box.SetCaption(caption);
+  }
+}
+
+void qbEntity::SetHeight(float twips) {
+  TwipsRect bounds = Box().Bounds();
+  bounds.height = Twips(static_cast<double>(twips));
+  Box().SetBounds(bounds);
+}
+
+void qbEntity::SetLeft(float twips) {
+  TwipsRect bounds = Box().Bounds();
+  bounds.left = Twips(static_cast<double>(twips));
+  Box().SetBounds(bounds);
+}
+
+void qbEntity::SetTop(float twips) {
+  TwipsRect bounds = Box().Bounds();
+  bounds.top = Twips(static_cast<double>(twips));
+  Box().SetBounds(bounds);
+}
+
+void qbEntity::SetWidth(float twips) {
+  TwipsRect bounds = Box().Bounds();
+  bounds.width = Twips(static_cast<double>(twips));
+  Box().SetBounds(bounds);
+}
+
+std::int32_t qbEntity::Index() const {
+  const auto owner = owner_.lock();
+  if (!owner) ThrowObjectRemoved();
+  return static_cast<std::int32_t>(owner->PositionOf(*this));
+}
+
+Ref<qbEntityItem> qbEntity::SelectedItem() const {
+  return items_->Item(static_cast<std::int32_t>(Box().SelectedRow()));
+}
+
+}  // namespace zrqrybld

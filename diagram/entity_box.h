@@ -1,0 +1,144 @@
+// qbEntityList: the box that shows one entity: a caption bar and a list of rows.
+//
+// The one home of an entity's caption, place and look. The pane owns it, paints it and gives it the
+// user's input; the model tells it what happened through `Notify`.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "base/event.h"
+#include "base/object.h"
+#include "base/units.h"
+#include "base/variant.h"
+#include "diagram/box_rows.h"
+#include "platform/canvas.h"
+
+namespace zrqrybld {
+
+/// The sizes that follow from the font, the same for all boxes of a pane.
+struct BoxMetrics {
+  Pixels captionHeight = 26_px;
+  Pixels rowHeight = 21_px;
+  ScreenScale scale;
+  Font font;
+  Font captionFont;
+};
+
+/// The colours that all boxes of a pane share.
+struct BoxColors {
+  Color text = Color::System(8);
+  Color frame = Color::System(15);
+};
+
+/// What is under a point of a box.
+enum class BoxPart : std::uint8_t { Nothing, Caption, MinimizeButton, CheckBox, Row, ScrollBar };
+
+struct BoxHit {
+  BoxPart part = BoxPart::Nothing;
+  std::size_t row = 0;  ///< from 1; 0 when no row is hit
+};
+
+class qbEntityList final : public Object {
+ public:
+  explicit qbEntityList(const BoxMetrics& metrics);
+  std::string_view TypeName() const override { return "qbEntityList"; }
+
+  // --- What the entity forwards here --------------------------------------------------------------------------------
+
+  const std::string& Caption() const { return caption_; }
+  void SetCaption(std::string caption);
+  const Ref<Image>& CaptionIcon() const { return captionIcon_; }
+  void SetCaptionIcon(Ref<Image> icon);
+  Color CaptionIconMaskColor() const { return captionIconMaskColor_; }
+  void SetCaptionIconMaskColor(Color color);
+  bool UseCaptionIconMaskColor() const { return useCaptionIconMaskColor_; }
+  void SetUseCaptionIconMaskColor(bool use);
+  Color BackColor() const { return backColor_; }
+  void SetBackColor(Color color);
+  bool ShowMinimizeButton() const { return showMinimizeButton_; }
+  void SetShowMinimizeButton(bool show);
+
+  /// Place and size on the pane's surface, in twips. A size below the caption bar's is raised to it.
+  const TwipsRect& Bounds() const { return bounds_; }
+  void SetBounds(const TwipsRect& bounds);
+
+  // --- Rows
+  // -----------------------------------------------------------------------------------------------------------
+
+  BoxRows& Rows() { return rows_; }
+  const BoxRows& Rows() const { return rows_; }
+  /// The row that is current in the list, from 1; 0 for none.
+  std::size_t SelectedRow() const { return selectedRow_; }
+  void SetSelectedRow(std::size_t row);
+  /// The first row that is visible, from 1.
+  std::size_t FirstVisibleRow() const { return firstRow_; }
+  /// How many rows fit, at least 0.
+  std::size_t VisibleRowCount() const;
+  /// Scrolls so that `row` becomes the first visible one, as far as the list is long.
+  void ScrollTo(std::size_t row);
+
+  // --- Geometry, in twips on the pane's surface
+  // -----------------------------------------------------------------------
+
+  /// The place of a row; rows that are scrolled away lie outside the box.
+  TwipsRect ItemBounds(std::size_t row) const;
+  /// Whether the row is inside the visible part of the list.
+  bool IsRowVisible(std::size_t row) const;
+  /// What is at this point.
+  BoxHit HitTest(TwipsPoint point) const;
+  /// The size at which everything is visible, with at most `maximumRows` rows.
+  TwipsSize FittingSize(const TextMetrics& text, std::size_t maximumRows) const;
+
+  /// Another font or screen.
+  void SetMetrics(const BoxMetrics& metrics);
+  void SetColors(const BoxColors& colors) { colors_ = colors; }
+
+  /// Draws the box with its top left corner at `origin`.
+  void Paint(Canvas& canvas, const PixelRect& place, bool active, const BoxHit& hover) const;
+
+  // --- Messages
+  // -------------------------------------------------------------------------------------------------------
+
+  /// Passes on a message of the model: "move", "relationshipadd", "relationshipchange",
+  /// "relationshipremove". Any other message is ignored.
+  void Notify(std::string_view message, const Variant& argument);
+
+  Event<> Move;
+  /// The relationship that was added, changed or removed at this end.
+  Event<const Ref<Object>&> RelationshipAdd;
+  Event<const Ref<Object>&> RelationshipChange;
+  Event<const Ref<Object>&> RelationshipRemove;
+  /// A row was ticked or unticked, by the user or by program.
+  Event<const Ref<BoxRow>&> ItemChecked;
+  /// The box looks different now.
+  Event<> Changed;
+
+  /// The entity that the box shows.
+  void SetEntity(const Ref<Object>& entity) { entity_ = entity; }
+  Ref<Object> Entity() const { return entity_.lock(); }
+
+ private:
+  PixelRect RowRect(const PixelRect& place, std::size_t row) const;
+  PixelRect CheckBoxRect(const PixelRect& row) const;
+  void PaintCaption(Canvas& canvas, const PixelRect& place, bool active) const;
+  void PaintRow(Canvas& canvas, const PixelRect& rect, const BoxRow& row, bool selected, bool hover) const;
+  void PaintScrollMark(Canvas& canvas, const PixelRect& place) const;
+
+  BoxMetrics metrics_;
+  BoxColors colors_;
+  std::string caption_;
+  Ref<Image> captionIcon_;
+  Color captionIconMaskColor_;
+  bool useCaptionIconMaskColor_ = false;
+  Color backColor_ = Color::System(5);
+  bool showMinimizeButton_ = true;
+  TwipsRect bounds_;
+  BoxRows rows_;
+  std::size_t selectedRow_ = 0;
+  std::size_t firstRow_ = 1;
+  WeakRef<Object> entity_;
+};
+
+}  // namespace zrqrybld

@@ -1,0 +1,46 @@
+#include "diagram/entity_items.h"
+
+#include "base/error.h"
+#include "base/text.h"
+
+namespace zrqrybld {
+
+BoxRows& qbEntityItems::Rows() const {
+  if (!rows_) ThrowObjectRemoved();
+  return *rows_;
+}
+
+Ref<qbEntityItem> qbEntityItems::Add(std::string text, std::string key) {
+  const Ref<qbEntityItem> item(new qbEntityItem(&items_, Rows().Add(std::move(text), key)));
+  items_.Insert(item, key);
+  return item;
+}
+
+void qbEntityItems::Clear() {
+  Rows().Clear();
+  for (std::size_t i = 1; i <= items_.Count(); ++i) (*items_.At(i))->Detach();
+  items_.Clear();
+}
+
+Ref<qbEntityItem> qbEntityItems::FindByText(std::string_view text, bool caseSensitive) const {
+  for (std::size_t i = 1; i <= items_.Count(); ++i) {
+    const Ref<qbEntityItem>& item = *items_.At(i);
+    if (caseSensitive ? item->Text() == text : EqualsNoCase(item->Text(), text)) return item;
+  }
+  return nullptr;
+}
+
+void qbEntityItems::Remove(const Variant& index) {
+  BoxRows& rows = Rows();
+  const std::size_t position = RequirePosition(items_, index);
+  const Ref<qbEntityItem> item = items_.RemoveAt(position);
+  item->Detach();
+  rows.RemoveAt(position);
+}
+
+void qbEntityItems::DetachRows() {
+  for (std::size_t i = 1; i <= items_.Count(); ++i) (*items_.At(i))->Detach();
+  rows_ = nullptr;
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,49 @@
+// qbEntityItems: the columns of one entity, in the order and under the keys of the rows of its box.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "base/collection.h"
+#include "base/object.h"
+#include "diagram/entity_item.h"
+
+namespace zrqrybld {
+
+class qbEntityItems final : public Object {
+ public:
+  std::string_view TypeName() const override { return "qbEntityItems"; }
+  ~qbEntityItems() override { DetachRows(); }
+
+  /// Adds a column at the end, and its row in the box. Error 457 when the key is in use.
+  Ref<qbEntityItem> Add(std::string text = {}, std::string key = {});
+
+  /// Removes all columns.
+  void Clear();
+
+  std::int32_t Count() const { return static_cast<std::int32_t>(items_.Count()); }
+
+  /// The first column with this text, or nothing.
+  Ref<qbEntityItem> FindByText(std::string_view text, bool caseSensitive = false) const;
+
+  /// The column at a position from 1 or under a key, or nothing.
+  Ref<qbEntityItem> Item(const Variant& index) const { return ItemOrNothing(items_, index); }
+
+  /// Removes a column by position or key. Error 9 when there is none.
+  void Remove(const Variant& index);
+
+  // --- For the model ------------------------------------------------------------------------------------------------
+
+  /// The rows of the box that shows the entity.
+  void SetRows(BoxRows* rows) { rows_ = rows; }
+  /// The entity leaves the diagram: its columns lose their rows.
+  void DetachRows();
+
+ private:
+  BoxRows& Rows() const;
+
+  KeyedList<Ref<qbEntityItem>> items_;
+  BoxRows* rows_ = nullptr;
+};
+
+}  // namespace zrqrybld

@@ -1,0 +1,68 @@
+#include "diagram/icons.h"
+
+#include <algorithm>
+#include <array>
+
+namespace zrqrybld {
+namespace {
+
+// Draws in a square of 16 by 16 units.
+class IconPen {
+ public:
+  IconPen(Canvas& canvas, const PixelRect& rect, const Ink& ink) : canvas_(canvas), ink_(ink) {
+    const Pixels side = std::min(rect.width, rect.height);
+    unit_ = side / 16;
+    origin_ = {rect.CenterX() - side / 2, rect.CenterY() - side / 2};
+  }
+
+  void Line(double x1, double y1, double x2, double y2) const {
+    const std::array<PixelPoint, 2> points{At(x1, y1), At(x2, y2)};
+    canvas_.DrawPolyline(points, ink_, Stroke());
+  }
+  void Frame(double x, double y, double width, double height, double radius) const {
+    canvas_.StrokeRect(Area(x, y, width, height), ink_, Stroke(), unit_ * radius);
+  }
+  void Fill(double x, double y, double width, double height) const {
+    canvas_.FillRect(Area(x, y, width, height), ink_);
+  }
+
+ private:
+  PixelPoint At(double x, double y) const { return {origin_.x + unit_ * x, origin_.y + unit_ * y}; }
+  PixelRect Area(double x, double y, double width, double height) const {
+    return {origin_.x + unit_ * x, origin_.y + unit_ * y, unit_ * width, unit_ * height};
+  }
+  Pixels Stroke() const { return std::max(unit_ * 1.2, 1_px); }
+
+  Canvas& canvas_;
+  const Ink& ink_;
+  Pixels unit_;
+  PixelPoint origin_{};
+};
+
+}  // namespace
+
+void DrawIcon(Canvas& canvas, Icon icon, const PixelRect& rect, const Ink& ink) {
+  const IconPen pen(canvas, rect, ink);
+  switch (icon) {
+    case Icon::Table:
+      pen.Frame(1.5, 2.5, 13, 11, 1.5);
+      pen.Fill(2, 3, 12, 3);
+      pen.Line(6, 6, 6, 13);
+      pen.Line(2, 9.5, 14, 9.5);
+      break;
+    case Icon::View:
+      pen.Frame(1.5, 2.5, 13, 11, 1.5);
+      pen.Line(2, 6, 14, 6);
+      pen.Line(5, 9, 11, 9);
+      pen.Line(5, 11, 9, 11);
+      break;
+    case Icon::Key:
+      pen.Frame(1.5, 5, 6, 6, 3);
+      pen.Line(7.5, 8, 14.5, 8);
+      pen.Line(11, 8, 11, 11);
+      pen.Line(14, 8, 14, 11);
+      break;
+  }
+}
+
+}  // namespace zrqrybld

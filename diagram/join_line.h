@@ -1,0 +1,59 @@
+// qbLine: the line that draws one join between the rows of its two boxes.
+//
+// Owned by its relationship; the pane paints it and asks it whether it is hit. It is routed again
+// the next time it is needed after one of its boxes has moved.
+#pragma once
+
+#include <vector>
+
+#include "base/object.h"
+#include "diagram/entity_box.h"
+#include "diagram/relationship.h"
+#include "platform/canvas.h"
+
+namespace zrqrybld {
+
+class qbLine final : public Object {
+ public:
+  qbLine(const Ref<qbRelationship>& relationship, const Ref<qbEntityList>& source, const Ref<qbEntityList>& target)
+      : relationship_(relationship), source_(source), target_(target) {}
+  std::string_view TypeName() const override { return "qbLine"; }
+
+  Ref<qbRelationship> Relationship() const { return relationship_.lock(); }
+
+  /// Whether the line ends at this box.
+  bool EndsAt(const qbEntityList& box) const { return source_.lock().get() == &box || target_.lock().get() == &box; }
+
+  bool Selected() const { return selected_; }
+  void SetSelected(bool selected) { selected_ = selected; }
+
+  /// A box has moved, or the join has changed.
+  void Invalidate() { points_.clear(); }
+
+  /// The bends, in pixels on the surface; none while the join is not complete.
+  const std::vector<PixelPoint>& Points(const ScreenScale& scale) const;
+
+  /// Whether the point lies within 6 pixels of the line.
+  bool HitTest(PixelPoint point, const ScreenScale& scale) const;
+
+  /// Draws the line, moved by `offset`.
+  void Paint(Canvas& canvas, const ScreenScale& scale, PixelPoint offset, bool hover) const;
+
+ private:
+  struct End {
+    PixelRect box;
+    Pixels y;
+    bool atRow;
+  };
+  static End EndAt(const qbEntityList& box, std::size_t row, const ScreenScale& scale);
+
+  WeakRef<qbRelationship> relationship_;
+  WeakRef<qbEntityList> source_;
+  WeakRef<qbEntityList> target_;
+  bool selected_ = false;
+  mutable std::vector<PixelPoint> points_;
+  mutable bool sourceAtRow_ = true;
+  mutable bool targetAtRow_ = true;
+};
+
+}  // namespace zrqrybld

@@ -1,0 +1,71 @@
+#include "diagram/relationship.h"
+
+#include "base/error.h"
+#include "diagram/entity.h"
+
+namespace zrqrybld {
+
+std::int32_t qbRelationship::Index() const {
+  const auto owner = owner_.lock();
+  if (!owner) ThrowObjectRemoved();
+  return static_cast<std::int32_t>(owner->PositionOf(*this));
+}
+
+// The line goes to another row now, and listeners learn of the change. While the other end is not
+// set there is no line to move yet.
+void qbRelationship::NotifyEnd(const Ref<qbEntity>& end) {
+  if (!end || !end->EntityBox() || sourceItemIndex_.IsEmpty() || targetItemIndex_.IsEmpty()) return;
+  const Ref<qbEntityList> box = end->EntityBox();
+  box->Notify("move", std::int32_t{1});
+  box->Notify("relationshipchange", Ref<Object>(RefTo(*this)));
+}
+
+void qbRelationship::SetSourceItemIndex(Variant index) {
+  sourceItemIndex_ = std::move(index);
+  NotifyEnd(Source());
+}
+
+void qbRelationship::SetTargetItemIndex(Variant index) {
+  targetItemIndex_ = std::move(index);
+  NotifyEnd(Target());
+}
+
+void qbRelationship::RedrawEnds() {
+  const Ref<qbEntity> source = Source();
+  if (source && source->EntityBox()) source->EntityBox()->Notify("move", std::int32_t{1});
+}
+
+void qbRelationship::SetLeftIndicator(RelationshipIndicatorStyle style) {
+  leftIndicator_ = style;
+  RedrawEnds();
+}
+
+void qbRelationship::SetRightIndicator(RelationshipIndicatorStyle style) {
+  rightIndicator_ = style;
+  RedrawEnds();
+}
+
+Ref<qbEntityItem> qbRelationship::SourceItem() const {
+  const Ref<qbEntity> source = Source();
+  return source ? source->Items()->Item(sourceItemIndex_) : nullptr;
+}
+
+Ref<qbEntityItem> qbRelationship::TargetItem() const {
+  const Ref<qbEntity> target = Target();
+  return target ? target->Items()->Item(targetItemIndex_) : nullptr;
+}
+
+std::int32_t qbRelationship::Kind() const {
+  const std::optional<double> number = itemData_.Number();
+  if (!number || !(*number >= 0 && *number < 65536)) return 0;
+  return static_cast<std::int32_t>(*number) & (JoinAllOfTarget | JoinAllOfSource);
+}
+
+void qbRelationship::Detach() {
+  source_.reset();
+  target_.reset();
+  owner_.reset();
+  line_ = nullptr;
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,110 @@
+// qbRelationship: one join between a column of one entity and a column of another.
+//
+// Held by the `Relationships` of its source; it owns the line that draws it.
+#pragma once
+
+#include <cstdint>
+
+#include "base/object.h"
+#include "base/variant.h"
+#include "platform/image.h"
+
+namespace zrqrybld {
+
+class qbEntity;
+class qbEntityItem;
+class qbLine;
+class qbRelationship;
+
+/// Whether an end of a join line shows a picture.
+enum RelationshipIndicatorStyle : std::int32_t { IndicatorNone = 0, IndicatorImage = 1 };
+
+/// Bits of `qbRelationship::ItemData`.
+enum JoinKindFlag : std::int32_t {
+  JoinAllOfTarget = 1,  ///< all rows of the target's table
+  JoinAllOfSource = 2,  ///< all rows of the source's table
+};
+
+/// What a relationship asks of the collection that holds it.
+class RelationshipOwner {
+ public:
+  RelationshipOwner() = default;
+  RelationshipOwner(const RelationshipOwner&) = delete;
+  RelationshipOwner& operator=(const RelationshipOwner&) = delete;
+  virtual ~RelationshipOwner() = default;
+
+  /// The relationship's position, from 1.
+  virtual std::size_t PositionOf(const qbRelationship& relationship) const = 0;
+};
+
+/// Once the relationship was removed, `ItemData` and the item indexes stay readable, `Source` and
+/// `Target` are nothing, and `Index` is error 91.
+class qbRelationship final : public Object {
+ public:
+  std::string_view TypeName() const override { return "qbRelationship"; }
+
+  /// The position in the source's `Relationships`, from 1; searched at each call.
+  std::int32_t Index() const;
+
+  /// The kind of join: `JoinKindFlag` bits; Empty counts as 0.
+  const Variant& ItemData() const { return itemData_; }
+  void SetItemData(Variant value) { itemData_ = std::move(value); }
+
+  const Ref<Image>& LeftPicture() const { return leftPicture_; }
+  void SetLeftPicture(Ref<Image> picture) { leftPicture_ = std::move(picture); }
+
+  /// The entity where the join starts.
+  Ref<qbEntity> Source() const { return source_.lock(); }
+  /// The joined column of `Source`: its position from 1, or its key. Empty until set.
+  const Variant& SourceItemIndex() const { return sourceItemIndex_; }
+  void SetSourceItemIndex(Variant index);
+
+  /// The entity where the join ends.
+  Ref<qbEntity> Target() const { return target_.lock(); }
+  /// The joined column of `Target`: its position from 1, or its key. Empty until set.
+  const Variant& TargetItemIndex() const { return targetItemIndex_; }
+  void SetTargetItemIndex(Variant index);
+
+  RelationshipIndicatorStyle LeftIndicator() const { return leftIndicator_; }
+  void SetLeftIndicator(RelationshipIndicatorStyle style);
+  RelationshipIndicatorStyle RightIndicator() const { return rightIndicator_; }
+  void SetRightIndicator(RelationshipIndicatorStyle style);
+
+  const Ref<Image>& RightPicture() const { return rightPicture_; }
+  void SetRightPicture(Ref<Image> picture) { rightPicture_ = std::move(picture); }
+
+  // --- For the model and the pane
+  // -------------------------------------------------------------------------------------
+
+  /// The joined columns; nothing when the index is not set or names none.
+  Ref<qbEntityItem> SourceItem() const;
+  Ref<qbEntityItem> TargetItem() const;
+
+  /// `ItemData` as `JoinKindFlag` bits; 0 when it holds no number.
+  std::int32_t Kind() const;
+
+  /// The line that draws the join; nothing once it was removed.
+  const Ref<qbLine>& Line() const { return line_; }
+
+ private:
+  friend class qbRelationships;
+  qbRelationship(const Ref<qbEntity>& source, const Ref<qbEntity>& target, std::weak_ptr<RelationshipOwner> owner)
+      : source_(source), target_(target), owner_(std::move(owner)) {}
+  void Detach();
+  void NotifyEnd(const Ref<qbEntity>& end);
+  void RedrawEnds();
+
+  WeakRef<qbEntity> source_;
+  WeakRef<qbEntity> target_;
+  std::weak_ptr<RelationshipOwner> owner_;
+  Ref<qbLine> line_;
+  Variant itemData_;
+  Variant sourceItemIndex_;
+  Variant targetItemIndex_;
+  RelationshipIndicatorStyle leftIndicator_ = IndicatorNone;
+  RelationshipIndicatorStyle rightIndicator_ = IndicatorNone;
+  Ref<Image> leftPicture_;
+  Ref<Image> rightPicture_;
+};
+
+}  // namespace zrqrybld

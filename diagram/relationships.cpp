@@ -1,0 +1,63 @@
+#include "diagram/relationships.h"
+
+#include "base/error.h"
+#include "diagram/entity.h"
+
+namespace zrqrybld {
+
+Ref<qbRelationship> qbRelationships::Add(const Ref<qbEntity>& target) {
+  const Ref<qbEntity> source = parent_.lock();
+  if (!view_ || !source || !target || !target->EntityBox()) ThrowObjectRemoved();
+  // The list shares this collection's life, so it may serve as the owner's handle.
+  const std::shared_ptr<RelationshipOwner> owner(shared_from_this(), this);
+  const Ref<qbRelationship> relationship(new qbRelationship(source, target, owner));
+  relationship->line_ = view_->LoadLine(relationship, source->EntityBox(), target->EntityBox());
+  items_.Insert(relationship);
+  source->EntityBox()->Notify("relationshipadd", Ref<Object>(relationship));
+  return relationship;
+}
+
+void qbRelationships::Clear() {
+  while (Count() > 0) Remove(1);
+}
+
+bool qbRelationships::Exists(const Ref<qbEntity>& entity1, const Ref<qbEntity>& entity2, const Variant& index1,
+                             const Variant& index2) const {
+  const auto drawnFrom = [&](const Ref<qbEntity>& from, const Ref<qbEntity>& to) {
+    if (!from || !to) return false;
+    const qbRelationships& joins = *from->Relationships();
+    for (std::size_t i = 1; i <= joins.items_.Count(); ++i) {
+      const qbRelationship& join = **joins.items_.At(i);
+      if (join.Target() != to) continue;
+      const Variant& a = join.SourceItemIndex();
+      const Variant& b = join.TargetItemIndex();
+      if ((a == index1 && b == index2) || (b == index1 && a == index2)) return true;
+    }
+    return false;
+  };
+  return drawnFrom(entity1, entity2) || drawnFrom(entity2, entity1);
+}
+
+void qbRelationships::Remove(const Variant& index) {
+  const Ref<qbRelationship> relationship = Item(index);
+  const Ref<qbEntity> source = parent_.lock();
+  if (view_) {
+    if (view_->SelectedObject() == relationship) view_->DropSelection();
+    view_->UnloadLine(relationship->Line());
+  }
+  // A handler of the selection's end may have removed it already.
+  const std::size_t position = PositionOf(*relationship);
+  if (position == items_.kNone) return;
+  items_.RemoveAt(position);
+  relationship->Detach();
+  if (source && source->EntityBox()) source->EntityBox()->Notify("relationshipremove", Ref<Object>(relationship));
+}
+
+std::size_t qbRelationships::PositionOf(const qbRelationship& relationship) const {
+  for (std::size_t i = 1; i <= items_.Count(); ++i) {
+    if (items_.At(i)->get() == &relationship) return i;
+  }
+  return items_.kNone;
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,51 @@
+#include "diagram/routing.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace zrqrybld {
+namespace {
+
+Pixels Distance(Pixels a, Pixels b) { return Pixels(std::fabs((a - b).Value())); }
+
+Pixels DistanceToSegment(PixelPoint p, PixelPoint a, PixelPoint b) {
+  const double dx = (b.x - a.x).Value();
+  const double dy = (b.y - a.y).Value();
+  const double length2 = dx * dx + dy * dy;
+  const double along = length2 == 0 ? 0 : (((p.x - a.x).Value() * dx + (p.y - a.y).Value() * dy) / length2);
+  const double t = std::clamp(along, 0.0, 1.0);
+  return Pixels(std::hypot((p.x - a.x).Value() - t * dx, (p.y - a.y).Value() - t * dy));
+}
+
+}  // namespace
+
+std::vector<PixelPoint> RouteLine(const LineEnd& from, const LineEnd& to, Pixels stub) {
+  const auto path = [&](Pixels start, Pixels middle, Pixels end) {
+    return std::vector<PixelPoint>{{start, from.y}, {middle, from.y}, {middle, to.y}, {end, to.y}};
+  };
+  // Room between the boxes: straight across, with the bend half-way.
+  if (to.box.left - from.box.Right() >= stub * 2) {
+    return path(from.box.Right(), (from.box.Right() + to.box.left) / 2, to.box.left);
+  }
+  if (from.box.left - to.box.Right() >= stub * 2) {
+    return path(from.box.left, (from.box.left + to.box.Right()) / 2, to.box.Right());
+  }
+  // Boxes above one another: both ends on the side that makes the shorter way.
+  const Pixels right = std::max(from.box.Right(), to.box.Right()) + stub;
+  const Pixels left = std::min(from.box.left, to.box.left) - stub;
+  const Pixels byRight = Distance(right, from.box.Right()) + Distance(right, to.box.Right());
+  const Pixels byLeft = Distance(left, from.box.left) + Distance(left, to.box.left);
+  if (byLeft < byRight && left >= 0_px) return path(from.box.left, left, to.box.left);
+  return path(from.box.Right(), right, to.box.Right());
+}
+
+Pixels DistanceToLine(PixelPoint point, const std::vector<PixelPoint>& line) {
+  Pixels nearest(std::numeric_limits<double>::infinity());
+  for (std::size_t i = 1; i < line.size(); ++i) {
+    nearest = std::min(nearest, DistanceToSegment(point, line[i - 1], line[i]));
+  }
+  return nearest;
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,24 @@
+// How a join line runs between two boxes. Pure.
+#pragma once
+
+#include <vector>
+
+#include "base/units.h"
+
+namespace zrqrybld {
+
+/// One end of a line: the box, and the height at which the line leaves it.
+struct LineEnd {
+  PixelRect box;
+  Pixels y;
+};
+
+/// The bends of an orthogonal line from the first end to the second, both ends included: four points.
+/// The line leaves each box to the left or right, whichever makes it shortest, and keeps `stub` away
+/// from both boxes before it turns.
+std::vector<PixelPoint> RouteLine(const LineEnd& from, const LineEnd& to, Pixels stub);
+
+/// The distance of a point from a line.
+Pixels DistanceToLine(PixelPoint point, const std::vector<PixelPoint>& line);
+
+}  // namespace zrqrybld

@@ -1,0 +1,25 @@
+#include "diagram/source_names.h"
+
+namespace zrqrybld {
+namespace {
+
+std::string Fact(const qbEntity& entity, std::string_view field) {
+  return entity.Properties()->FindText(std::string(kSchemaFactPrefix) + std::string(field)).value_or("");
+}
+
+}  // namespace
+
+std::vector<Identifier> WrittenName(const qbEntity& entity, const NameRules& rules) {
+  std::string tag = entity.TagVariant().Text();
+  if (tag == Fact(entity, "TABLE_NAME")) return {Identifier(std::move(tag))};
+  return SplitName(tag, rules);
+}
+
+std::vector<Identifier> SourceName(const qbEntity& entity, const NameRules& rules) {
+  std::vector<Identifier> parts = WrittenName(entity, rules);
+  std::string schema = Fact(entity, "TABLE_SCHEMA");
+  if (parts.size() == 1 && !schema.empty()) parts.insert(parts.begin(), Identifier(std::move(schema)));
+  return parts;
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,22 @@
+// What an entity's table is called in the data source.
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "diagram/entity.h"
+#include "sql/names.h"
+
+namespace zrqrybld {
+
+/// Properties with this prefix and a field's name hold what the source told about the table.
+inline constexpr std::string_view kSchemaFactPrefix = "_ADO_SCHEMA_";
+
+/// The parts of the name as the entity's `TagVariant` gives it. A name that the source knows whole is
+/// one part, even when it holds the schema separator.
+std::vector<Identifier> WrittenName(const qbEntity& entity, const NameRules& rules);
+
+/// As `WrittenName`, with the schema in front that the source told when the name has none.
+std::vector<Identifier> SourceName(const qbEntity& entity, const NameRules& rules);
+
+}  // namespace zrqrybld

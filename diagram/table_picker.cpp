@@ -1,0 +1,176 @@
+#include "diagram/table_picker.h"
+
+#include <map>
+#include <optional>
+
+#include "base/error.h"
+#include "base/text.h"
+#include "diagram/auto_joins.h"
+#include "diagram/source_names.h"
+#include "host/connection_info.h"
+#include "platform/schema_fields.h"
+#include "sql/source_rules.h"
+
+namespace zrqrybld {
+namespace {
+
+std::string QualifiedText(const std::string& schema, const std::string& name, const NameRules& rules) {
+  if (schema.empty() || rules.schemaSeparator.empty()) return name;
+  return schema + rules.schemaSeparator + name;
+}
+
+// Two parts are schema and table; of more, the last two count and the one before is the catalog.
+SchemaRestrictions RestrictionsFor(const std::vector<Identifier>& parts) {
+  SchemaRestrictions restrictions;
+  const auto part = [&](std::size_t fromEnd) -> std::optional<std::string> {
+    if (parts.size() <= fromEnd || parts[parts.size() - 1 - fromEnd].Empty()) return std::nullopt;
+    return parts[parts.size() - 1 - fromEnd].Name();
+  };
+  restrictions.table = part(0);
+  restrictions.schema = part(1);
+  restrictions.catalog = part(2);
+  return restrictions;
+}
+
+}  // namespace
+
+// The first copy keeps its separators; later copies lose them, so that a number can follow.
+std::string TablePicker::FreshKey(const std::string& tableName) const {
+  const std::string name = IsTextSource(*context_) ? ReplaceAll(tableName, ".", "_") : tableName;
+  const Ref<qbEntities> entities = context_->Entities();
+  if (!entities->Item(name)) return name;
+  const std::optional<std::string> separator = context_->Properties()->FindText("SCHEMA_SEPARATOR");
+  const std::string stem = separator ? ReplaceAll(name, *separator, "_") : name;
+  for (int copy = 1;; ++copy) {
+    std::string key = stem + std::to_string(copy);
+    if (!entities->Item(key)) return key;
+  }
+}
+
+Ref<qbEntity> TablePicker::AddTable(const std::string& tableName) {
+  const Ref<qbEntities> entities = context_->Entities();
+  if (!entities) return nullptr;
+  const StepScope step(context_, "Add table " + tableName);
+  const StateScope state(*context_, InfoRetrieveTableInfo);
+  const BusyPointer busy(context_->GetToolkit());
+  try {
+    const Ref<qbEntity> entity = entities->Add(FreshKey(tableName));
+    if (!entity || !context_->IsConnected()) return entity;
+    entity->SetTagVariant(tableName);
+    entity->Items()->Add("*", "*");
+    context_->RaiseInfo(InfoRetrieveTableInfo, Ref<Object>(entity));
+    FillFromSource(*entity, tableName);
+    entities->Fit(*entity);
+    return entity;
+  } catch (const std::exception& cause) {
+    throw WrapError(ErrorAddingTable, "An error occured while adding table " + tableName + ".", cause);
+  }
+}
+
+void TablePicker::FillFromSource(qbEntity& entity, const std::string& tableName) {
+  const SchemaRestrictions table = FindTable(entity, tableName);
+  AddColumns(entity, table);
+  MarkPrimaryKeys(entity, table);
+}
+
+// A name whose parts name no table may itself hold the separator: it is then tried whole.
+SchemaRestrictions TablePicker::FindTable(qbEntity& entity, const std::string& tableName) {
+  const std::vector<Identifier> parts = SplitName(tableName, CurrentNameRules(*context_));
+  SchemaRestrictions table = RestrictionsFor(parts);
+  auto rows = context_->Connection()->OpenSchema(SchemaKind::Tables, table);
+  if (rows->Eof() && parts.size() > 1) {
+    SchemaRestrictions whole;
+    whole.table = tableName;
+    rows = context_->Connection()->OpenSchema(SchemaKind::Tables, whole);
+    if (!rows->Eof()) table = whole;
+  }
+  if (rows->Eof()) return table;
+  for (std::size_t i = 0; i < rows->FieldCount(); ++i) {
+    entity.Properties()->Set(std::string(kSchemaFactPrefix) + std::string(rows->FieldName(i)), rows->Value(i));
+  }
+  return table;
+}
+
+void TablePicker::AddColumns(qbEntity& entity, const SchemaRestrictions& table) {
+  struct Column {
+    std::string name;
+    std::int32_t type;
+    bool isLong;
+  };
+  std::map<std::int32_t, Column> columns;
+  const bool byOrdinal = context_->RetrieveFieldOrder() == FieldOrderOrdinal;
+  const auto rows = context_->Connection()->OpenSchema(SchemaKind::Columns, table);
+  for (; !rows->Eof(); rows->MoveNext()) {
+    const auto next = static_cast<std::int32_t>(columns.size()) + 1;
+    const Variant ordinal = rows->Value("ORDINAL_POSITION");
+    const std::int32_t position = byOrdinal && !ordinal.IsNull() ? ordinal.ToInt32() : next;
+    const Variant flags = rows->Value("COLUMN_FLAGS");
+    const std::int32_t bits = flags.IsBlank() ? 0 : flags.ToInt32();
+    const bool added = columns
+                           .try_emplace(position, Column{rows->Text("COLUMN_NAME"), rows->Value("DATA_TYPE").ToInt32(),
+                                                         (bits & ColumnLong) != 0})
+                           .second;
+    if (!added) ThrowDuplicateKey("fld" + std::to_string(position));
+  }
+  for (std::int32_t position = 1; position <= static_cast<std::int32_t>(columns.size()); ++position) {
+    // Positions with gaps are a fault of the source that must not go unnoticed.
+    const auto column = columns.find(position);
+    if (column == columns.end()) ThrowNoSuchItem();
+    const Ref<qbEntityItem> item = entity.Items()->Add(column->second.name, column->second.name);
+    item->Properties()->Add(column->second.type, "data_type");
+    item->Properties()->Add(column->second.isLong, "is_long");
+  }
+}
+
+void TablePicker::MarkPrimaryKeys(qbEntity& entity, const SchemaRestrictions& table) {
+  try {
+    const auto rows = context_->Connection()->OpenSchema(SchemaKind::PrimaryKeys, table);
+    for (; !rows->Eof(); rows->MoveNext()) {
+      if (const Ref<qbEntityItem> item = entity.Items()->Item(rows->Text("COLUMN_NAME"))) item->SetBold(true);
+    }
+  } catch (const Error& error) {
+    if (error.Number() != ErrorSchemaNotSupported) throw;
+  }
+}
+
+TableLists TablePicker::ListTables() {
+  TableLists lists;
+  const NameRules rules = CurrentNameRules(*context_);
+  const auto rows = context_->Connection()->OpenSchema(SchemaKind::Tables);
+  for (; !rows->Eof(); rows->MoveNext()) {
+    const std::string type = UpperAscii(rows->Text("TABLE_TYPE"));
+    std::string text = QualifiedText(rows->Text("TABLE_SCHEMA"), rows->Text("TABLE_NAME"), rules);
+    if (type == "TABLE") lists.tables.push_back(std::move(text));
+    if (type == "VIEW") lists.views.push_back(std::move(text));
+  }
+  return lists;
+}
+
+void TablePicker::ShowTables() {
+  TableLists lists = ListTables();
+  TablesDialog dialog;
+  dialog.caption = context_->GetLanguageString(LanguageTableCaption);
+  dialog.tablesTab = context_->GetLanguageString(LanguageTableTables);
+  dialog.viewsTab = context_->GetLanguageString(LanguageTableViews);
+  dialog.addButton = context_->GetLanguageString(LanguageTableAddButton);
+  dialog.closeButton = context_->GetLanguageString(LanguageTableCloseButton);
+  dialog.tables = std::move(lists.tables);
+  dialog.views = std::move(lists.views);
+  dialog.add = [this](const std::vector<std::string>& names) {
+    try {
+      AddSelectedTables(names);
+    } catch (const Error& error) {
+      context_->GetToolkit().GetDialogs().ShowMessage(error.Description(), MessageIcon::Critical);
+    }
+  };
+  context_->GetToolkit().GetDialogs().ShowTables(dialog);
+}
+
+void TablePicker::AddSelectedTables(const std::vector<std::string>& names) {
+  const StepScope step(context_, "Add tables");
+  const StateScope state(*context_, InfoAddTables);
+  for (const std::string& name : names) AddTable(name);
+  RefreshRelationships(context_);
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,49 @@
+// TablePicker: the one place where a table of the data source becomes an entity of the diagram.
+//
+// The hub makes one for each use. It talks to the connection and the diagram through the context.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "base/object.h"
+#include "diagram/entities.h"
+#include "host/query_context.h"
+
+namespace zrqrybld {
+
+/// The tables and views of the data source, as the picker lists them: with the schema in front where
+/// the source has schemas.
+struct TableLists {
+  std::vector<std::string> tables;
+  std::vector<std::string> views;
+};
+
+class TablePicker {
+ public:
+  explicit TablePicker(Ref<QueryContext> context) : context_(std::move(context)) {}
+
+  /// Adds the table as an entity: the "*" item, its columns, primary keys in bold, the source's facts in
+  /// `Properties`. On a closed connection, or for a table that the source does not have, an entity
+  /// without columns. Draws no joins. Nothing when a handler of `BeforeAdd` cancels or no diagram is
+  /// linked; error 40004 when the source fails.
+  Ref<qbEntity> AddTable(const std::string& tableName);
+
+  /// Asks the source for its tables and views. Errors are the source's own.
+  TableLists ListTables();
+
+  /// Lets the user pick tables until the dialog is closed.
+  void ShowTables();
+
+ private:
+  std::string FreshKey(const std::string& tableName) const;
+  void FillFromSource(qbEntity& entity, const std::string& tableName);
+  SchemaRestrictions FindTable(qbEntity& entity, const std::string& tableName);
+  void AddColumns(qbEntity& entity, const SchemaRestrictions& table);
+  void MarkPrimaryKeys(qbEntity& entity, const SchemaRestrictions& table);
+  void AddSelectedTables(const std::vector<std::string>& names);
+
+  Ref<QueryContext> context_;
+};
+
+}  // namespace zrqrybld

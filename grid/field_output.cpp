@@ -1,0 +1,107 @@
+// SetFieldOutput: the one way by which a field gets into the grid or out of it, and how the grid and
+// the boxes keep each other's ticks.
+#include "base/scoped_value.h"
+#include "diagram/entities.h"
+#include "grid/grid_columns.h"
+#include "grid/grid_pane.h"
+
+namespace zrqrybld {
+
+std::int32_t qbGridPane::SetFieldOutput(const std::string& fieldName, bool checked, const std::string& tableName,
+                                        const FieldOutputOptions& options) {
+  if (busy_) return 0;
+  const StepScope step(context_.lock(), checked ? "Add query column" : "Remove query column");
+  std::int32_t row = 0;
+  {
+    const ScopedValue busy(busy_, true);
+    if (checked) {
+      if (!options.skipSearch) row = TickRows(fieldName, tableName);
+      if (row == 0) row = FillNewRow(fieldName, tableName, options.before);
+    } else {
+      UntickRows(fieldName, tableName);
+    }
+    PushToDiagram(fieldName, tableName, checked);
+  }
+  ReportChange();
+  return row;
+}
+
+bool qbGridPane::IsRowOf(const zrGridRow& row, const std::string& table, const std::string& field) const {
+  const std::string* rowTable = row.ValueAt(kColumnTable).StringIf();
+  const std::string* rowColumn = row.ValueAt(kColumnColumn).StringIf();
+  return rowTable && rowColumn && *rowTable == table && *rowColumn == field;
+}
+
+// The first row of the field outputs it from now on; 0 when it has no row.
+std::int32_t qbGridPane::TickRows(const std::string& fieldName, const std::string& tableName) {
+  for (std::int32_t i = 1; i <= RowCount(); ++i) {
+    if (!IsRowOf(RowAt(i), tableName, fieldName)) continue;
+    RowAt(i).SetValue("output", true);
+    return i;
+  }
+  return 0;
+}
+
+// All rows of the field stop to output it; those that say nothing else go.
+void qbGridPane::UntickRows(const std::string& fieldName, const std::string& tableName) {
+  for (std::int32_t i = RowCount(); i >= 1; --i) {
+    zrGridRow& row = RowAt(i);
+    if (!IsRowOf(row, tableName, fieldName)) continue;
+    if (HasContent(row)) {
+      row.SetValue("output", false);
+    } else {
+      grdPane_->Rows()->Remove(i);
+    }
+  }
+  EnsureEmptyLastRow();
+}
+
+std::int32_t qbGridPane::FirstEmptyRow() const {
+  for (std::int32_t i = 1; i <= RowCount(); ++i) {
+    if (IsEmptyRow(RowAt(i))) return i;
+  }
+  return 0;
+}
+
+std::int32_t qbGridPane::FillNewRow(const std::string& fieldName, const std::string& tableName, std::int32_t before) {
+  std::int32_t position = before;
+  if (before > 0) {
+    grdPane_->Rows()->Add({}, before);
+  } else {
+    position = FirstEmptyRow();
+    if (position == 0) {
+      AddEmptyRow();
+      position = RowCount();
+    }
+  }
+  zrGridRow& row = RowAt(position);
+  row.SetMaxLen("alias", AliasMaxLen());
+  row.SetValue("table", tableName);
+  row.SetValue("column", fieldName);
+  row.SetValue("output", true);
+  if (showGroupBy_) SetRowGroupBy(row);
+  EnsureEmptyLastRow();
+  return position;
+}
+
+void qbGridPane::PushToDiagram(const std::string& fieldName, const std::string& tableName, bool checked) {
+  const Ref<qbEntities> entities = Entities();
+  const Ref<qbEntity> entity = entities ? entities->FindExactly(tableName) : nullptr;
+  if (!entity) return;
+  // A column's key is its name; an item that was given another text is found by that.
+  Ref<qbEntityItem> item = entity->Items()->Item(fieldName);
+  if (!item || item->Text() != fieldName) item = entity->Items()->FindByText(fieldName, true);
+  if (item) item->SetChecked(checked);
+}
+
+bool qbGridPane::IsOutputElsewhere(const zrGridRow& row) const {
+  const std::string table = Text(row, kColumnTable);
+  const std::string field = Text(row, kColumnColumn);
+  for (std::int32_t i = 1; i <= RowCount(); ++i) {
+    const zrGridRow& other = RowAt(i);
+    if (&other != &row && other.ValueAt(kColumnOutput) == Variant(true) && IsRowOf(other, table, field)) return true;
+  }
+  return false;
+}
+
+}  // namespace zrqrybld

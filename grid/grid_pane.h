@@ -1,0 +1,152 @@
+// qbGridPane: the pane that shows the query as a table, one row a query column.
+//
+// Everything it shows lives in one grid control whose columns have fixed keys; the statement is
+// generated from these rows. The pane writes no SQL: after each change it tells its context.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/event.h"
+#include "base/object.h"
+#include "grid/grid.h"
+#include "host/query_context.h"
+
+namespace zrqrybld {
+
+/// How date literals are written.
+enum DateFormatEnum : std::int32_t {
+  DateFormatNative = 0,          ///< as `DateFormat` says
+  DateFormatEscapeSequence = 1,  ///< { d '...' } and the like
+};
+
+class qbGridPane final : public Object {
+ public:
+  static Ref<qbGridPane> Create();
+  ~qbGridPane() override = default;
+  std::string_view TypeName() const override { return "qbGridPane"; }
+
+  // --- Events, in interface order
+  // -------------------------------------------------------------------------------------
+
+  Event<> DblClick;
+  /// The right button is released over a cell: row and column, from 1.
+  Event<std::int32_t, std::int32_t> ShowContextMenu;
+  Event<std::int32_t, std::int32_t> RowColChange;
+  Event<std::int32_t, std::int32_t> AfterChange;
+
+  // --- Properties and methods, in interface order
+  // ---------------------------------------------------------------------
+
+  /// The current column, from 1; 0 when no cell is current.
+  std::int16_t Column() const { return static_cast<std::int16_t>(grdPane_->Column()); }
+  std::int32_t ColumnCount() const { return grdPane_->Columns()->Count(); }
+  /// Hides or shows a column by position from 1 or key. Error 9 when there is none.
+  void HideColumn(const Variant& columnIndex) { grdPane_->Columns()->Item(columnIndex)->SetHidden(true); }
+  void ShowColumn(const Variant& columnIndex) { grdPane_->Columns()->Item(columnIndex)->SetHidden(false); }
+  /// Whether only items of the list can be chosen as column or table.
+  bool LockColumns() const { return IsLocked("column"); }
+  void SetLockColumns(bool lock) { SetLock("column", lock); }
+  bool LockTables() const { return IsLocked("table"); }
+  void SetLockTables(bool lock) { SetLock("table", lock); }
+  /// The hub that the pane is linked to, or nothing.
+  Ref<qbQueryBuilder> QueryBuilder() const;
+  /// Refills the list of tables and removes the rows of tables that are not in the diagram any more.
+  void RefreshTables();
+  /// The current row, from 1; 0 when no cell is current.
+  std::int16_t Row() const { return static_cast<std::int16_t>(grdPane_->Row()); }
+  std::int32_t RowCount() const { return grdPane_->Rows()->Count(); }
+  /// Sets the row's group-by choice. Error 9 when there is no such row.
+  void SetGroupByFunction(std::int32_t rowIndex, const qbDBFunction& function);
+  /// A cell's value; a missing row or column means the current one. Error 40001 when either is not above 0.
+  Variant Value(const Variant& row = Variant::Missing(), const Variant& column = Variant::Missing()) const;
+  void SetValue(const Variant& row, const Variant& column, Variant value);
+
+  /// How dates are written with `DateFormatNative`; "dd-mmm-yyyy" at first.
+  const std::string& DateFormat() const { return dateFormat_; }
+  void SetDateFormat(std::string format) { dateFormat_ = std::move(format); }
+  /// Whether the query groups, and the group-by column is shown; True at first.
+  bool ShowGroupBy() const { return showGroupBy_; }
+  void SetShowGroupBy(bool show);
+  const zrqrybld::Font& Font() const { return grdPane_->Font(); }
+  void SetFont(const zrqrybld::Font& font) { grdPane_->SetFont(font); }
+  DateFormatEnum DateFormatStyle() const { return dateFormatStyle_; }
+  void SetDateFormatStyle(DateFormatEnum style) { dateFormatStyle_ = style; }
+
+  // --- For the hub
+  // ----------------------------------------------------------------------------------------------------
+
+  void SetContext(const Ref<QueryContext>& context);
+
+  /// The grid control, for the adapter that shows it.
+  const Ref<zrGrid>& Grid() const { return grdPane_; }
+
+  struct FieldOutputOptions {
+    bool skipSearch = false;  ///< adds a row even when the field has one
+    std::int32_t before = 0;  ///< the row to insert before; 0 takes the first empty row
+  };
+  /// Puts a field into the grid, or takes it out. Returns the row it stands in; 0 when it has none.
+  std::int32_t SetFieldOutput(const std::string& fieldName, bool checked, const std::string& tableName,
+                              const FieldOutputOptions& options);
+  std::int32_t SetFieldOutput(const std::string& fieldName, bool checked, const std::string& tableName) {
+    return SetFieldOutput(fieldName, checked, tableName, {});
+  }
+
+  /// Reads the captions of the columns again.
+  void ApplyGridCaptions();
+  /// Gives every row's alias the longest length that the hub allows.
+  void ApplyAliasMaxLen();
+  /// 1 + the number of sorted rows other than `row` (0 for none).
+  std::int16_t NextSortOrder(std::int32_t row = 0) const;
+  /// Refills the list of tables.
+  void RefreshTableList();
+  /// A table has left the diagram: its rows go with it.
+  void RemoveRowsOf(const std::string& tableName);
+  /// A table has got another caption: its rows follow silently.
+  void RenameTable(const std::string& before, const std::string& after);
+  /// Empties the grid: the initial empty rows are back.
+  void ResetRows();
+
+ private:
+  qbGridPane() = default;
+  void CreateColumns();
+  bool IsLocked(std::string_view key) const;
+  void SetLock(std::string_view key, bool lock);
+  void ApplyShowGroupBy();
+  std::int16_t AliasMaxLen() const;
+  Ref<qbEntities> Entities() const;
+
+  zrGridRow& RowAt(std::int32_t row) const { return grdPane_->Rows()->At(static_cast<std::size_t>(row)); }
+  std::string Text(const zrGridRow& row, std::size_t column) const { return row.ValueAt(column).Text(); }
+  bool IsEmptyRow(const zrGridRow& row) const;
+  bool HasContent(const zrGridRow& row) const;
+  bool IsRowOf(const zrGridRow& row, const std::string& table, const std::string& field) const;
+  std::int32_t FirstEmptyRow() const;
+  void AddEmptyRow();
+  void EnsureEmptyLastRow();
+  void SetRowGroupBy(zrGridRow& row);
+  void CloseSortGaps();
+
+  std::int32_t TickRows(const std::string& fieldName, const std::string& tableName);
+  void UntickRows(const std::string& fieldName, const std::string& tableName);
+  std::int32_t FillNewRow(const std::string& fieldName, const std::string& tableName, std::int32_t before);
+  void PushToDiagram(const std::string& fieldName, const std::string& tableName, bool checked);
+  bool IsOutputElsewhere(const zrGridRow& row) const;
+
+  void CellChanged(std::int32_t row, std::int32_t column);
+  void RowsAboutToGo(std::int32_t first, std::int32_t last);
+  void ReportChange();
+
+  WeakRef<QueryContext> context_;
+  Ref<zrGrid> grdPane_;
+  std::vector<EventConnection> links_;
+  std::string dateFormat_ = "dd-mmm-yyyy";
+  DateFormatEnum dateFormatStyle_ = DateFormatNative;
+  bool showGroupBy_ = true;
+  float groupByWidth_ = 0;  // the width to bring back; 0 until the column is first hidden
+  bool busy_ = false;       // the pane itself is changing cells or pushing a change to the diagram
+};
+
+}  // namespace zrqrybld

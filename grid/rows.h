@@ -1,0 +1,122 @@
+// zrGridRows: the rows of a grid, by position from 1 or by key, and their cells.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "base/collection.h"
+#include "base/object.h"
+#include "base/variant.h"
+
+namespace zrqrybld {
+
+class zrGridRow;
+class zrGridRows;
+
+/// What rows ask of the grid they stand in.
+class RowOwner {
+ public:
+  RowOwner() = default;
+  RowOwner(const RowOwner&) = delete;
+  RowOwner& operator=(const RowOwner&) = delete;
+  virtual ~RowOwner() = default;
+
+  /// The position of a column by key or number. Error 9 when there is none.
+  virtual std::size_t ColumnPosition(const Variant& column) const = 0;
+  virtual bool IsCheckBoxColumn(std::size_t column) const = 0;
+  /// Whether the cell may change; asks whoever listens.
+  virtual bool BeforeCellChange(std::size_t row, std::size_t column) = 0;
+  virtual void AfterCellChange(std::size_t row, std::size_t column) = 0;
+  /// Rows were added, moved or removed.
+  virtual void RowsChanged() = 0;
+};
+
+/// One row. A cell has a value and a tag; both are Empty until set. Columns are named by position from
+/// 1 or by key; one that does not exist is error 9.
+class zrGridRow final : public Object {
+ public:
+  std::string_view TypeName() const override { return "zrGridRow"; }
+
+  /// The position among the rows, from 1; 0 once the row was removed.
+  std::int32_t Index() const { return static_cast<std::int32_t>(index_); }
+
+  /// The longest text that the cell's editor takes, in characters; 0 means any.
+  std::int32_t MaxLen(const Variant& column) const;
+  void SetMaxLen(const Variant& column, std::int32_t characters);
+
+  const Variant& Value(const Variant& column) const;
+  /// Does nothing when the value is the same. In a check-box column the value must be a Boolean, the text
+  /// "True" or "False", or a number; anything else is error 40005. A listener may prevent the change.
+  void SetValue(const Variant& column, Variant value);
+
+  const Variant& TagVariant(const Variant& column) const;
+  void SetTagVariant(const Variant& column, Variant tag);
+
+  const std::string& Key() const { return key_; }
+  /// Error 457 when another row has the key.
+  void SetKey(std::string key);
+
+  /// A locked row is not edited in place.
+  bool Locked() const { return locked_; }
+  void SetLocked(bool locked) { locked_ = locked; }
+
+  // --- For the grid and its owner
+  // -------------------------------------------------------------------------------------
+
+  /// The cell at a column position from 1; Empty beyond the cells that were set.
+  const Variant& ValueAt(std::size_t column) const;
+  const Variant& TagAt(std::size_t column) const;
+
+ private:
+  friend class zrGridRows;
+  struct Cell {
+    Variant value;
+    Variant tag;
+    std::int32_t maxLen = 0;
+  };
+  zrGridRow(zrGridRows* list, std::string key) : list_(list), key_(std::move(key)) {}
+  std::size_t Position(const Variant& column) const;
+  Cell& CellAt(std::size_t column);
+
+  zrGridRows* list_;  // none once the row was removed
+  std::size_t index_ = 0;
+  std::string key_;
+  bool locked_ = false;
+  std::vector<Cell> cells_;
+};
+
+class zrGridRows final : public Object {
+ public:
+  explicit zrGridRows(RowOwner* owner) : owner_(owner) {}
+  ~zrGridRows() override { DetachRows(); }
+  std::string_view TypeName() const override { return "zrGridRows"; }
+
+  /// Adds a row at the end, or before or after another (position or key). Error 457 when the key is in
+  /// use, 9 when the neighbour does not exist.
+  Ref<zrGridRow> Add(std::string key = {}, const Variant& before = Variant::Missing(),
+                     const Variant& after = Variant::Missing());
+  void Clear();
+  std::int32_t Count() const { return static_cast<std::int32_t>(items_.Count()); }
+  /// The row at a position from 1 or under a key. Error 9 when there is none.
+  Ref<zrGridRow> Item(const Variant& index) const { return *items_.At(RequirePosition(items_, index)); }
+  /// Moves the row at position `from` so that it stands at `to`. Error 9 when one does not exist.
+  void Move(std::int32_t from, std::int32_t to);
+  /// Removes a row by position or key. Error 9 when there is none.
+  void Remove(const Variant& index);
+
+  /// The row at a position that exists.
+  zrGridRow& At(std::size_t position) const { return **items_.At(position); }
+  /// The grid goes away.
+  void Detach() { owner_ = nullptr; }
+
+ private:
+  friend class zrGridRow;
+  void Renumber(std::size_t from);
+  void DetachRows();
+
+  RowOwner* owner_;
+  KeyedList<Ref<zrGridRow>> items_;
+};
+
+}  // namespace zrqrybld

@@ -1,0 +1,19 @@
+#include "grid/sort_order.h"
+
+#include <algorithm>
+#include <cstddef>
+
+namespace zrqrybld {
+
+std::vector<std::int32_t> CloseSortGaps(std::span<const std::int32_t> orders) {
+  std::vector<std::size_t> sorted;
+  for (std::size_t i = 0; i < orders.size(); ++i) {
+    if (orders[i] != 0) sorted.push_back(i);
+  }
+  std::ranges::stable_sort(sorted, {}, [&](std::size_t i) { return orders[i]; });
+  std::vector<std::int32_t> closed(orders.size(), 0);
+  for (std::size_t rank = 0; rank < sorted.size(); ++rank) closed[sorted[rank]] = static_cast<std::int32_t>(rank) + 1;
+  return closed;
+}
+
+}  // namespace zrqrybld

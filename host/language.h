@@ -1,0 +1,70 @@
+// Language strings: every caption that the designer shows, by number.
+//
+// The application replaces texts one by one or all at once from a file; a number without a text of
+// its own shows the built-in English one.
+#pragma once
+
+#include <cstdint>
+#include <istream>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+namespace zrqrybld {
+
+/// The numbers of the captions.
+enum LanguageIDEnum : std::int32_t {
+  LanguageGridColumn = 0,
+  LanguageGridAlias = 1,
+  LanguageGridTable = 2,
+  LanguageGridSortType = 3,
+  LanguageGridSortOrder = 4,
+  LanguageGridGroupBy = 5,
+  LanguageGridCriteria = 6,
+  LanguageGridOr = 7,
+  LanguageGridOutput = 8,
+  LanguageTableCaption = 100,
+  LanguageTableTables = 101,
+  LanguageTableViews = 102,
+  LanguageTableAddButton = 103,
+  LanguageTableCloseButton = 104,
+  LanguageJoinCaption = 200,
+  LanguageJoinFrameCaption = 201,
+  LanguageJoinTable1 = 202,
+  LanguageJoinTable2 = 203,
+  LanguageJoinAcceptButton = 204,
+  LanguageJoinCancelButton = 205,
+  LanguageExprBuildCaption = 300,
+  LanguageExprBuildGridParamName = 301,
+  LanguageExprBuildGridParamValue = 302,
+  LanguageExprBuildAcceptButton = 303,
+  LanguageExprBuildCancelButton = 304,
+  LanguageExprBuildToolTipClearExpr = 305,
+  LanguageExprBuildToolTipInsert = 306,
+  LanguageZoomExprCaption = 400,
+  LanguageZoomExprAcceptButton = 401,
+  LanguageZoomExprCancelButton = 402,
+};
+
+/// The built-in text of a caption; "" for a number that has none. An ampersand marks the access key.
+std::string_view DefaultLanguageString(std::int32_t id);
+
+class LanguageTable {
+ public:
+  /// The text under the number, or the built-in one when there is none or it is empty.
+  std::string Get(std::int32_t id) const;
+
+  /// Replaces the text under the number; "" brings the built-in text back.
+  void Set(std::int32_t id, std::string text);
+
+  /// Drops every text, then reads `id=text` lines; empty lines and lines that begin with "'" are
+  /// skipped. Error 40000 at the first line that is neither, at a number that is no 16-bit integer and
+  /// at a number that comes twice; texts read before stay.
+  void Load(const std::string& path);
+  void Load(std::istream& input);
+
+ private:
+  std::unordered_map<std::int32_t, std::string> texts_;
+};
+
+}  // namespace zrqrybld

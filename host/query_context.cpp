@@ -1,0 +1,49 @@
+#include "host/query_context.h"
+
+#include "base/text.h"
+
+namespace zrqrybld {
+
+QueryContext::QueryContext(std::shared_ptr<Toolkit> toolkit) : toolkit_(std::move(toolkit)) {
+  properties_->Add(std::int16_t{0}, "_QBDSFLAGS");
+  FillCatalogs(*keywords_, *operators_, *functions_, *quotedIdentifiers_);
+}
+
+Ref<zrqrybld::Connection> QueryContext::Connection() {
+  if (!connection_) connection_ = std::make_shared<ProviderConnection>(toolkit_->Providers());
+  return connection_;
+}
+
+std::shared_ptr<const std::unordered_set<std::string>> QueryContext::ReservedWords() const {
+  const std::uint64_t revision = keywords_->Revision() + functions_->Revision();
+  if (reservedWords_ && reservedWordsRevision_ == revision) return reservedWords_;
+  auto words = std::make_shared<std::unordered_set<std::string>>();
+  const auto addNames = [&words](const auto& catalog) {
+    for (std::int32_t i = 1; i <= catalog.Count(); ++i) words->insert(FoldCase(catalog.Item(i)->Name()));
+  };
+  addNames(*keywords_);
+  addNames(*functions_);
+  reservedWords_ = std::move(words);
+  reservedWordsRevision_ = revision;
+  return reservedWords_;
+}
+
+void QueryContext::RaiseInfo(QueryBuilderInfoEnum info, Variant parameters) { Info.Raise(info, parameters); }
+
+void QueryContext::BeginStep(std::string_view) { ++stepDepth_; }
+
+void QueryContext::EndStep() {
+  if (--stepDepth_ > 0 || !changed_) return;
+  changed_ = false;
+  if (state_ == InfoDone) RefreshStatement();
+}
+
+void QueryContext::QueryChanged() {
+  if (stepDepth_ > 0) {
+    changed_ = true;
+  } else if (state_ == InfoDone) {
+    RefreshStatement();
+  }
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,218 @@
+// QueryContext: what the panes share, and whom they tell.
+//
+// The hub derives from it. A pane holds a weak link to its context; through it the pane reaches the
+// catalogs, the connection, the language strings and the model in use, and reports what has
+// happened in it. Reports are direct calls that the hub overrides, never subscriptions to a public
+// event, so that public events come exactly where their stated order puts them.
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "base/event.h"
+#include "base/object.h"
+#include "base/variant.h"
+#include "host/catalogs.h"
+#include "host/data_types.h"
+#include "host/language.h"
+#include "host/properties.h"
+#include "platform/database.h"
+#include "platform/toolkit.h"
+
+namespace zrqrybld {
+
+class qbEntities;
+class qbEntity;
+class qbQueryBuilder;
+class qbRelationship;
+struct QuerySnapshot;
+
+/// What the designer is busy with, and what the event `Info` reports.
+enum QueryBuilderInfoEnum : std::int32_t {
+  InfoDone = 0,
+  InfoRetrieveConnectionInfo = 1,
+  InfoTableAdded = 2,
+  InfoRelationshipAdded = 3,
+  InfoRetrieveTableInfo = 4,
+  InfoSavingQuery = 5,
+  InfoLoadingQuery = 6,
+  InfoTableRemoved = 7,
+  InfoAddTables = 8,
+  InfoParsingSQL = 9,
+  InfoSavingDetail = 10,
+};
+
+/// The order in which a table's columns are listed.
+enum FieldOrderEnum : std::int32_t {
+  FieldOrderDefault = 0,  ///< as the provider returns them
+  FieldOrderOrdinal = 1,  ///< by their ordinal position
+};
+
+/// A table of the data source with its columns, as far as they were read on connecting.
+struct SourceTable {
+  std::string name;
+  std::vector<std::string> columns;
+};
+
+class QueryContext : public Object {
+ public:
+  // --- What is shared ---------------------------------------------------------------------------------------------
+
+  Toolkit& GetToolkit() const { return *toolkit_; }
+
+  /// The hub itself, for a pane's `QueryBuilder`.
+  virtual Ref<qbQueryBuilder> Hub() = 0;
+
+  /// The connection; an empty one is made on first use.
+  Ref<zrqrybld::Connection> Connection();
+  bool IsConnected() const { return connection_ && connection_->IsOpen(); }
+
+  /// Facts about the data source and whatever the application keeps here; always holds "_QBDSFLAGS".
+  const Ref<qbProperties>& Properties() const { return properties_; }
+  /// The data source's types.
+  const Ref<qbDataTypes>& DataTypes() const { return dataTypes_; }
+  /// The functions, aggregates and grouping choices that the designer offers.
+  const Ref<qbDBFunctions>& DBFunctions() const { return functions_; }
+  const Ref<qbDBKeywords>& DBKeywords() const { return keywords_; }
+  const Ref<qbDBOperators>& DBOperators() const { return operators_; }
+  /// Texts whose presence in a name forces it into quotes.
+  const Ref<StringCollection>& QuotedIdentifiers() const { return quotedIdentifiers_; }
+
+  /// The words with a meaning in SQL, case-folded: the names of keywords and functions.
+  std::shared_ptr<const std::unordered_set<std::string>> ReservedWords() const;
+
+  /// The caption with this number; never an error.
+  std::string GetLanguageString(std::int32_t id) const { return language_.Get(id); }
+
+  /// The longest alias in characters; 0 means no limit.
+  virtual std::int16_t AliasMaxLen() const = 0;
+  virtual FieldOrderEnum RetrieveFieldOrder() const = 0;
+
+  /// The diagram's tables; nothing when no diagram is linked.
+  virtual Ref<qbEntities> Entities() const = 0;
+
+  /// The grid's date format; the default one when no grid is linked.
+  virtual std::string DateFormat() const = 0;
+
+  /// The designed query as it is now.
+  virtual QuerySnapshot Snapshot() const = 0;
+
+  // --- State, progress, steps ---------------------------------------------------------------------------------------
+
+  /// What the designer is busy with; `InfoDone` when idle.
+  QueryBuilderInfoEnum state() const { return state_; }
+  void SetState(QueryBuilderInfoEnum value) { state_ = value; }
+
+  /// Progress: what happened, and the thing it happened to. Both may be changed by a handler.
+  Event<QueryBuilderInfoEnum&, Variant&> Info;
+  void RaiseInfo(QueryBuilderInfoEnum info, Variant parameters = {});
+
+  /// Begins a named step of the user's or the application's; steps nest, and the outermost one counts.
+  void BeginStep(std::string_view name);
+  void EndStep();
+
+  // --- Whom the panes tell
+  // --------------------------------------------------------------------------------------------
+
+  /// Something that the statement depends on has changed. The statement is written once, at the end of
+  /// the outermost step; not while the designer is busy.
+  void QueryChanged();
+
+  /// A column was ticked or unticked in its box.
+  virtual void ItemChecked(const std::string& entityCaption, const std::string& itemText, bool checked) = 0;
+  /// An entity has left the diagram.
+  virtual void EntityRemoved(const std::string& caption) = 0;
+  /// An entity has got another caption.
+  virtual void EntityRenamed(const std::string& oldCaption, const std::string& newCaption) = 0;
+  /// The set of entities or their captions have changed.
+  virtual void EntitiesChanged() = 0;
+  /// The diagram was emptied.
+  virtual void DiagramCleared() = 0;
+  /// The user has double-clicked a join.
+  virtual void RelationshipActivated(const Ref<qbRelationship>& relationship) = 0;
+
+  // --- For connection handling
+  // ------------------------------------------------------------------------------------------
+
+  /// The tables that were read on connecting; empty when they were not asked for.
+  std::vector<SourceTable>& SourceTables() { return sourceTables_; }
+
+ protected:
+  explicit QueryContext(std::shared_ptr<Toolkit> toolkit);
+
+  /// Writes the statement anew.
+  virtual void RefreshStatement() = 0;
+
+  LanguageTable& Language() { return language_; }
+  void StoreConnection(Ref<zrqrybld::Connection> connection) { connection_ = std::move(connection); }
+
+ private:
+  std::shared_ptr<Toolkit> toolkit_;
+  Ref<zrqrybld::Connection> connection_;
+  Ref<qbProperties> properties_ = std::make_shared<qbProperties>();
+  Ref<qbDataTypes> dataTypes_ = std::make_shared<qbDataTypes>();
+  Ref<qbDBFunctions> functions_ = std::make_shared<qbDBFunctions>();
+  Ref<qbDBKeywords> keywords_ = std::make_shared<qbDBKeywords>();
+  Ref<qbDBOperators> operators_ = std::make_shared<qbDBOperators>();
+  Ref<StringCollection> quotedIdentifiers_ = std::make_shared<StringCollection>();
+  LanguageTable language_;
+  std::vector<SourceTable> sourceTables_;
+  // Made anew when a catalog has changed: every generated statement asks for them.
+  mutable std::shared_ptr<const std::unordered_set<std::string>> reservedWords_;
+  mutable std::uint64_t reservedWordsRevision_ = 0;
+  QueryBuilderInfoEnum state_ = InfoDone;
+  int stepDepth_ = 0;
+  bool changed_ = false;
+};
+
+/// A named step for the length of a scope.
+class [[nodiscard]] StepScope {
+ public:
+  StepScope(Ref<QueryContext> context, std::string_view name) : context_(std::move(context)) {
+    if (context_) context_->BeginStep(name);
+  }
+  StepScope(const StepScope&) = delete;
+  StepScope& operator=(const StepScope&) = delete;
+  ~StepScope() noexcept(false) {
+    if (!context_) return;
+    if (std::uncaught_exceptions() == exceptions_) {
+      context_->EndStep();
+      return;
+    }
+    try {
+      context_->EndStep();
+    } catch (const std::exception&) {
+      // The step ends because of an error; that error goes on, not one from writing the statement.
+    }
+  }
+
+ private:
+  Ref<QueryContext> context_;
+  int exceptions_ = std::uncaught_exceptions();
+};
+
+/// Says what the designer is busy with for the length of a scope. Only the outermost operation sets the
+/// state, and it sets it back, also when an error ends it.
+class [[nodiscard]] StateScope {
+ public:
+  StateScope(QueryContext& context, QueryBuilderInfoEnum value)
+      : context_(context), outermost_(context.state() == InfoDone) {
+    if (outermost_) context_.SetState(value);
+  }
+  StateScope(const StateScope&) = delete;
+  StateScope& operator=(const StateScope&) = delete;
+  ~StateScope() {
+    if (outermost_) context_.SetState(InfoDone);
+  }
+
+ private:
+  QueryContext& context_;
+  bool outermost_;
+};
+
+}  // namespace zrqrybld

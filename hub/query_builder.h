@@ -1,0 +1,140 @@
+// qbQueryBuilder: the hub of a query designer.
+//
+// It owns what the panes share and the options of the query, links the panes and keeps them in step,
+// and offers the operations that act on the whole query. It draws nothing itself.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "diagram/diagram_pane.h"
+#include "grid/grid_pane.h"
+#include "host/query_context.h"
+#include "platform/property_store.h"
+#include "sql/sql_pane.h"
+
+namespace zrqrybld {
+
+class qbQueryBuilder final : public QueryContext {
+ public:
+  /// A hub on the services of `toolkit`; without one it is headless.
+  static Ref<qbQueryBuilder> Create(std::shared_ptr<Toolkit> toolkit = nullptr);
+  ~qbQueryBuilder() override;
+  std::string_view TypeName() const override { return "qbQueryBuilder"; }
+
+  // --- Public members, in interface order
+  // -----------------------------------------------------------------------------
+
+  /// Adds a table of the data source to the diagram; quotes around its name are taken off. It draws no
+  /// joins: call `RefreshAutoJoins` after the last table. Nothing when a listener prevents it or no diagram
+  /// is linked; error 40004 when the source fails.
+  Ref<qbEntity> AddTable(const std::string& tableName);
+
+  /// Whether a double-click on a join opens its properties.
+  bool AllowJoinProperties() const { return allowJoinProperties_; }
+  void SetAllowJoinProperties(bool allow) { allowJoinProperties_ = allow; }
+
+  /// Opens the connection and asks the source how it writes SQL. An open connection is closed first. No
+  /// error leaves it: see `LastError`.
+  void Connect(const std::string& connectionString);
+
+  /// Why the last `Connect` failed; none when it succeeded.
+  const std::optional<Error>& LastError() const { return lastError_; }
+
+  /// Puts another connection into use. An open one is asked at once how its source writes SQL.
+  void SetConnection(const Ref<zrqrybld::Connection>& connection);
+
+  Ref<qbDiagramPane> DiagramPane() const { return diagramPane_; }
+  void SetDiagramPane(const Ref<qbDiagramPane>& pane);
+
+  /// Closes the connection. Error 3704 when it is not open.
+  void Disconnect() { Connection()->Close(); }
+
+  /// Whether connecting also reads the tables and columns of the whole source.
+  bool GetTablesOnConnect() const { return getTablesOnConnect_; }
+  void SetGetTablesOnConnect(bool get) { getTablesOnConnect_ = get; }
+
+  Ref<qbGridPane> GridPane() const { return gridPane_; }
+  void SetGridPane(const Ref<qbGridPane>& pane);
+
+  /// Replaces all captions by those of a language file. Always False, also on success: a failure is error
+  /// 40000.
+  bool LoadLanguageFile(const std::string& path);
+
+  /// Draws the joins that the source's foreign keys name between the tables of the diagram.
+  void RefreshAutoJoins();
+
+  /// Replaces one caption; "" brings the built-in text back.
+  void SetLanguageString(std::int32_t id, const std::string& newValue);
+
+  /// Lets the user pick tables of the source.
+  void ShowTables();
+
+  Ref<qbSQLPane> SQLPane() const { return sqlPane_; }
+  void SetSQLPane(const Ref<qbSQLPane>& pane);
+
+  bool ConnectOnLoad() const { return connectOnLoad_; }
+  void SetConnectOnLoad(bool connect) { connectOnLoad_ = connect; }
+
+  /// SELECT DISTINCT.
+  bool DistinctRecords() const { return distinctRecords_; }
+  void SetDistinctRecords(bool distinct);
+
+  /// The row limit: "", a number, or a number up to 100 followed by "%". Anything else is error 40005 and
+  /// changes nothing.
+  const std::string& SelectTopRecords() const { return selectTopRecords_; }
+  void SetSelectTopRecords(const std::string& value);
+
+  FieldOrderEnum RetrieveFieldOrder() const override { return retrieveFieldOrder_; }
+  void SetRetrieveFieldOrder(FieldOrderEnum order) { retrieveFieldOrder_ = order; }
+
+  bool SaveLoadEntityItems() const { return saveLoadEntityItems_; }
+  void SetSaveLoadEntityItems(bool save) { saveLoadEntityItems_ = save; }
+
+  bool SaveConnectionString() const { return saveConnectionString_; }
+  void SetSaveConnectionString(bool save) { saveConnectionString_ = save; }
+
+  /// The longest alias in characters; 0 means no limit.
+  std::int16_t AliasMaxLen() const override { return aliasMaxLen_; }
+  void SetAliasMaxLen(std::int16_t characters);
+
+  // --- What the panes ask and tell
+  // ------------------------------------------------------------------------------------
+
+  Ref<qbQueryBuilder> Hub() override { return RefTo(*this); }
+  Ref<qbEntities> Entities() const override { return diagramPane_ ? diagramPane_->Entities() : nullptr; }
+  std::string DateFormat() const override;
+  QuerySnapshot Snapshot() const override;
+
+  void ItemChecked(const std::string& entityCaption, const std::string& itemText, bool checked) override;
+  void EntityRemoved(const std::string& caption) override;
+  void EntityRenamed(const std::string& oldCaption, const std::string& newCaption) override;
+  void EntitiesChanged() override;
+  void DiagramCleared() override;
+  void RelationshipActivated(const Ref<qbRelationship>& relationship) override;
+
+ protected:
+  void RefreshStatement() override;
+
+ private:
+  explicit qbQueryBuilder(std::shared_ptr<Toolkit> toolkit) : QueryContext(std::move(toolkit)) {}
+  void RetrieveInfo();
+
+  Ref<qbDiagramPane> diagramPane_;
+  Ref<qbGridPane> gridPane_;
+  Ref<qbSQLPane> sqlPane_;
+  std::optional<Error> lastError_;
+  bool allowJoinProperties_ = false;
+  bool connectOnLoad_ = true;
+  bool distinctRecords_ = false;
+  std::string selectTopRecords_;
+  bool getTablesOnConnect_ = false;
+  FieldOrderEnum retrieveFieldOrder_ = FieldOrderDefault;
+  bool saveLoadEntityItems_ = false;
+  bool saveConnectionString_ = false;
+  std::int16_t aliasMaxLen_ = 0;
+};
+
+}  // namespace zrqrybld

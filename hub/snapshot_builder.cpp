@@ -1,0 +1,92 @@
+#include "hub/snapshot_builder.h"
+
+#include <unordered_map>
+
+#include "base/text.h"
+#include "diagram/relationships.h"
+#include "diagram/source_names.h"
+#include "grid/grid_columns.h"
+#include "sql/source_rules.h"
+
+namespace zrqrybld {
+namespace {
+
+using TablePositions = std::unordered_map<std::string, std::size_t>;
+
+void TakeTables(QuerySnapshot& snapshot, TablePositions& positions, const qbEntities& entities) {
+  for (std::int32_t i = 1; i <= entities.Count(); ++i) {
+    const qbEntity& entity = *entities.Item(i);
+    SnapshotTable table;
+    table.caption = Identifier(entity.Caption());
+    table.name = WrittenName(entity, snapshot.names);
+    table.aliased = entity.Caption() != entity.TagVariant().Text();
+    positions.emplace(entity.Caption(), snapshot.tables.size());
+    snapshot.tables.push_back(std::move(table));
+  }
+}
+
+std::optional<Identifier> ColumnOf(const Ref<qbEntityItem>& item) {
+  if (!item || item->Text() == "*") return std::nullopt;
+  return Identifier(item->Text());
+}
+
+void TakeJoins(QuerySnapshot& snapshot, const TablePositions& positions, const qbEntities& entities) {
+  for (std::int32_t i = 1; i <= entities.Count(); ++i) {
+    const qbRelationships& joins = *entities.Item(i)->Relationships();
+    for (std::int32_t j = 1; j <= joins.Count(); ++j) {
+      const qbRelationship& join = *joins.Item(j);
+      const Ref<qbEntity> target = join.Target();
+      if (!target) continue;
+      snapshot.joins.push_back({static_cast<std::size_t>(i - 1), positions.at(target->Caption()),
+                                ColumnOf(join.SourceItem()), ColumnOf(join.TargetItem()), join.Kind()});
+    }
+  }
+}
+
+// The aggregate's syntax; grouping choices have none, and neither does a text that names no choice.
+std::string AggregateOf(const std::string& groupBy, const qbDBFunctions& functions) {
+  for (const std::string_view grouping : {"GROUP BY", "WHERE", "EXPRESSION", ""}) {
+    if (EqualsNoCase(groupBy, grouping)) return {};
+  }
+  const Ref<qbDBFunction> function = functions.FindGroupBy(groupBy);
+  return function ? function->Syntax() : std::string();
+}
+
+void TakeRows(QuerySnapshot& snapshot, const TablePositions& positions, const qbGridPane& grid,
+              const qbDBFunctions& functions) {
+  const zrGridRows& rows = *grid.Grid()->Rows();
+  for (std::int32_t i = 1; i <= rows.Count(); ++i) {
+    const zrGridRow& cells = rows.At(static_cast<std::size_t>(i));
+    if (cells.ValueAt(kColumnColumn).IsBlank()) continue;
+    SnapshotRow row;
+    row.column = cells.ValueAt(kColumnColumn).Text();
+    row.alias = Identifier(cells.ValueAt(kColumnAlias).Text());
+    const auto table = positions.find(cells.ValueAt(kColumnTable).Text());
+    if (table != positions.end()) row.table = table->second;
+    row.output = cells.ValueAt(kColumnOutput) == Variant(true);
+    row.sortType = cells.ValueAt(kColumnSortType).Text();
+    row.sortOrder = cells.ValueAt(kColumnSortOrder).Text();
+    row.groupBy = cells.ValueAt(kColumnGroupBy).Text();
+    if (snapshot.groupByMode) row.aggregate = AggregateOf(row.groupBy, functions);
+    snapshot.rows.push_back(std::move(row));
+  }
+}
+
+}  // namespace
+
+QuerySnapshot TakeSnapshot(const QueryContext& context, const qbEntities* entities, const qbGridPane* grid) {
+  QuerySnapshot snapshot;
+  snapshot.names = CurrentNameRules(context);
+  TablePositions positions;
+  if (entities) {
+    TakeTables(snapshot, positions, *entities);
+    TakeJoins(snapshot, positions, *entities);
+  }
+  if (grid) {
+    snapshot.groupByMode = grid->ShowGroupBy();
+    TakeRows(snapshot, positions, *grid, *context.DBFunctions());
+  }
+  return snapshot;
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,14 @@
+// Takes the designed query out of the diagram and the grid as plain data.
+#pragma once
+
+#include "diagram/entities.h"
+#include "grid/grid_pane.h"
+#include "host/query_context.h"
+#include "sql/query_snapshot.h"
+
+namespace zrqrybld {
+
+/// The tables, joins and rows as they are now. A pane that is not there counts as empty.
+QuerySnapshot TakeSnapshot(const QueryContext& context, const qbEntities* entities, const qbGridPane* grid);
+
+}  // namespace zrqrybld

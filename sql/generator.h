@@ -1,0 +1,29 @@
+// The generator: a designed query as SELECT text in one dialect.
+//
+// Pure: a snapshot goes in, text comes out. Lines end in CR LF; every item of a clause stands on a
+// line of its own, indented by one TAB.
+#pragma once
+
+#include <string>
+
+#include "sql/dialect.h"
+#include "sql/query_snapshot.h"
+
+namespace zrqrybld {
+
+struct GeneratedSql {
+  std::string text;
+  /// Whether some table other than the first is joined to none before it.
+  bool cartesian = false;
+};
+
+/// Conditions that are added to the statement as they stand, without parentheses.
+struct ExtraConditions {
+  std::string orExpression;
+  std::string andExpression;
+};
+
+/// Writes the statement. Takes time in the number of tables, joins and rows and the length of the text.
+GeneratedSql GenerateSelect(const QuerySnapshot& query, const Dialect& dialect, const ExtraConditions& extra = {});
+
+}  // namespace zrqrybld

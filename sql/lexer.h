@@ -1,0 +1,57 @@
+// The lexer: SQL text as tokens with their places. The whole library reads SQL through it.
+//
+// It never fails: what is not finished is a token that says so, and what has no meaning is a token
+// of one character. White space lies between tokens; comments are tokens.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace zrqrybld {
+
+enum class TokenKind : std::uint8_t {
+  Word,              ///< a keyword or a plain name
+  QuotedIdentifier,  ///< "name", [name] or `name`
+  String,            ///< 'text', with N, X or B before it where it has one
+  Date,              ///< #1/31/2020#
+  Number,            ///< 12, 1.5e-3, 0x1F
+  Operator,          ///< <>, ||, (, ), ",", ;, {, ... and any other sign
+  Parameter,         ///< ?PARAM(...)
+  Comment,           ///< -- to the end of the line, or /* ... */
+};
+
+/// A token: `length` bytes from `offset` of the text.
+struct Token {
+  TokenKind kind;
+  bool unfinished = false;  ///< its end is missing; it runs to the end of the text
+  std::size_t offset;
+  std::size_t length;
+};
+
+class Lexer {
+ public:
+  /// The text must outlive the lexer.
+  explicit Lexer(std::string_view text) : text_(text) {}
+
+  /// Reads the next token. Returns false at the end of the text.
+  bool Next(Token& token);
+
+ private:
+  void Take(Token& token, TokenKind kind, std::size_t end);
+  void TakeQuoted(Token& token, TokenKind kind, std::size_t open, char closing);
+  std::size_t EndOfNumber() const;
+  std::size_t EndOfDate() const;
+
+  std::string_view text_;
+  std::size_t at_ = 0;
+};
+
+/// All tokens of a text.
+std::vector<Token> Tokenize(std::string_view text);
+
+/// Whether the word, in any letter case, has a meaning in the SELECT statements of our dialects.
+bool IsSqlKeyword(std::string_view word);
+
+}  // namespace zrqrybld
