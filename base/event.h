@@ -57,38 +57,38 @@ class Event {
   EventConnection Connect(Listener listener) {
     auto alive = std::make_shared<bool>(true);
     EventConnection connection{std::weak_ptr<bool>(alive)};
-    state_->slots.push_back(std::make_shared<Slot>(std::move(alive), std::move(listener)));
+    state_->entries.push_back(std::make_shared<Entry>(std::move(alive), std::move(listener)));
     return connection;
   }
 
   /// Calls every listener that is connected now and still connected when its turn comes.
   void Raise(Args... args) const {
     const std::shared_ptr<State> state = state_;  // survives the owner of this event
-    if (state->slots.empty()) return;
+    if (state->entries.empty()) return;
     const Sweeper sweeper(*state);
-    const std::size_t count = state->slots.size();
+    const std::size_t count = state->entries.size();
     for (std::size_t i = 0; i < count; ++i) {
-      const std::shared_ptr<Slot> slot = state->slots[i];
-      if (*slot->alive) slot->listener(args...);
+      const std::shared_ptr<Entry> entry = state->entries[i];
+      if (*entry->alive) entry->listener(args...);
     }
   }
 
   /// Whether anybody listens.
   bool HasListeners() const {
-    return std::ranges::any_of(state_->slots, [](const auto& slot) { return *slot->alive; });
+    return std::ranges::any_of(state_->entries, [](const auto& entry) { return *entry->alive; });
   }
 
  private:
-  struct Slot {
-    Slot(std::shared_ptr<bool> isAlive, Listener call) : alive(std::move(isAlive)), listener(std::move(call)) {}
+  struct Entry {
+    Entry(std::shared_ptr<bool> isAlive, Listener call) : alive(std::move(isAlive)), listener(std::move(call)) {}
     std::shared_ptr<bool> alive;
     Listener listener;
   };
   struct State {
-    std::vector<std::shared_ptr<Slot>> slots;
+    std::vector<std::shared_ptr<Entry>> entries;
     int raising = 0;
   };
-  // Removes dead slots, but only when no raise is walking the list by index.
+  // Removes dead entries, but only when no raise is walking the list by index.
   class Sweeper {
    public:
     explicit Sweeper(State& state) : state_(state) { ++state_.raising; }
@@ -96,7 +96,7 @@ class Event {
     Sweeper& operator=(const Sweeper&) = delete;
     ~Sweeper() {
       if (--state_.raising == 0) {
-        std::erase_if(state_.slots, [](const auto& slot) { return !*slot->alive; });
+        std::erase_if(state_.entries, [](const auto& entry) { return !*entry->alive; });
       }
     }
 
