@@ -1,0 +1,48 @@
+// QtCanvas: draws on a QPainter in the colours of a theme.
+//
+// Rectangles and straight lines are put on the device's own pixels, so that they are crisp at every
+// screen scale. Themed parts are one call of the style each.
+#pragma once
+
+#include <QStyle>
+
+#include "adapters/qt/qt_metrics.h"
+#include "adapters/qt/theme.h"
+#include "platform/canvas.h"
+
+class QPainter;
+class QWidget;
+
+namespace zrqrybld {
+
+class QtCanvas final : public Canvas {
+ public:
+  /// All arguments must outlive the canvas. `widget` gives the style; nullptr means the application's.
+  QtCanvas(QPainter& painter, const Theme& theme, const QtMetrics& metrics, const QWidget* widget = nullptr);
+
+  void FillRect(const PixelRect& rect, const Ink& ink, Pixels radius = {}) override;
+  void StrokeRect(const PixelRect& rect, const Ink& ink, Pixels width, Pixels radius = {}) override;
+  void DrawPolyline(std::span<const PixelPoint> points, const Ink& ink, Pixels width, Pixels radius = {}) override;
+  void FillPolygon(std::span<const PixelPoint> points, const Ink& ink) override;
+  void DrawText(const PixelRect& rect, std::string_view text, const TextStyle& style) override;
+  void DrawImage(const PixelRect& rect, const Image& image) override;
+  void DrawPart(ThemedPart part, const PixelRect& rect, const PartState& state) override;
+
+ protected:
+  void PushClip(const PixelRect& rect) override;
+  void PopClip() override;
+
+ private:
+  QRectF OnDevicePixels(const PixelRect& rect) const;
+  void FillAligned(const QRectF& area, const QColor& color);
+  qreal LineCenter(qreal coordinate, qreal width) const;
+
+  QPainter& painter_;
+  const Theme& theme_;
+  const QtMetrics& metrics_;
+  const QWidget* widget_;
+  const QStyle& style_;
+  qreal ratio_;  // device pixels of one logical pixel
+};
+
+}  // namespace zrqrybld
