@@ -1,0 +1,273 @@
+#include "adapters/qt/control_widget.h"
+
+#include <QContextMenuEvent>
+#include <QDrag>
+#include <QHelpEvent>
+#include <QMimeData>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QScrollBar>
+#include <QToolTip>
+
+#include "adapters/qt/qt_canvas.h"
+#include "adapters/qt/qt_geometry.h"
+#include "adapters/qt/qt_input.h"
+#include "adapters/qt/qt_text.h"
+
+namespace zrqrybld {
+namespace {
+
+bool IsTab(int key) { return key == Qt::Key_Tab || key == Qt::Key_Backtab; }
+
+}  // namespace
+
+ControlWidget::ControlWidget(Ref<Control> control, QWidget* parent)
+    : QAbstractScrollArea(parent), theme_(palette()), metrics_(font()) {
+  setFrameShape(QFrame::NoFrame);
+  setFocusPolicy(Qt::StrongFocus);
+  viewport()->setMouseTracking(true);
+  viewport()->setAutoFillBackground(false);
+  connect(verticalScrollBar(), &QScrollBar::valueChanged, this,
+          [this](int value) { Scrolled(Orientation::Vertical, value); });
+  connect(horizontalScrollBar(), &QScrollBar::valueChanged, this,
+          [this](int value) { Scrolled(Orientation::Horizontal, value); });
+  SetControl(std::move(control));
+}
+
+ControlWidget::~ControlWidget() { SetControl(nullptr); }
+
+void ControlWidget::SetControl(Ref<Control> control) {
+  if (control == control_) return;
+  if (const Ref<Control> old = std::exchange(control_, nullptr)) {
+    SetCapture(false);
+    // Another widget may have taken the control over in the meantime.
+    if (&old->GetSurface() == this) boundary_.Run([&] { old->AttachSurface(nullptr); });
+    scrollStates_ = {};
+    ApplyScrollBars();
+    viewport()->unsetCursor();
+  }
+  control_ = std::move(control);
+  Tell([this](Control& current) { current.AttachSurface(this); });
+  viewport()->update();
+}
+
+// Calls the control, which a call may also take out of this widget: it stays alive until the call is over.
+template <class Call>
+void ControlWidget::Tell(Call&& call) {
+  const Ref<Control> control = control_;
+  if (control) boundary_.Run([&] { call(*control); });
+}
+
+// --- The surface -----------------------------------------------------------------------------------------------------
+
+PixelSize ControlWidget::ViewSize() const { return {Pixels(viewport()->width()), Pixels(viewport()->height())}; }
+
+void ControlWidget::Invalidate(const PixelRect& area) {
+  // One pixel more: an antialiased edge may reach into its neighbour.
+  viewport()->update(ToQRectF(area).toAlignedRect().adjusted(-1, -1, 1, 1));
+}
+
+void ControlWidget::SetScrollBar(Orientation orientation, const ScrollState& state) {
+  scrollStates_[static_cast<std::size_t>(orientation)] = state;
+  ApplyScrollBars();
+}
+
+// A bar that appears or goes changes the visible size, the control hears of that and may set the bars anew while this
+// runs: the newest wish is then applied in another round.
+void ControlWidget::ApplyScrollBars() {
+  if (applyingScrollBars_) return;
+  applyingScrollBars_ = true;
+  constexpr int kMostRounds = 8;  // a control that never comes to rest must not hang the application
+  std::array<ScrollState, 2> applied;
+  int round = 0;
+  do {
+    applied = scrollStates_;
+    for (const Orientation orientation : {Orientation::Horizontal, Orientation::Vertical}) {
+      const ScrollState& state = applied[static_cast<std::size_t>(orientation)];
+      QScrollBar& bar = orientation == Orientation::Vertical ? *verticalScrollBar() : *horizontalScrollBar();
+      bar.setPageStep(state.page);
+      bar.setSingleStep(state.step);
+      bar.setRange(0, state.maximum);
+      bar.setValue(state.value);
+    }
+  } while (applied != scrollStates_ && ++round < kMostRounds);
+  applyingScrollBars_ = false;
+}
+
+void ControlWidget::Scrolled(Orientation orientation, int value) {
+  if (applyingScrollBars_) return;
+  scrollStates_[static_cast<std::size_t>(orientation)].value = value;
+  Tell([=](Control& control) { control.OnScroll(orientation, value); });
+}
+
+void ControlWidget::SetCursor(Cursor cursor) { viewport()->setCursor(ToCursorShape(cursor)); }
+
+void ControlWidget::SetCapture(bool captured) {
+  const bool has = QWidget::mouseGrabber() == viewport();
+  if (captured && !has && isVisible()) viewport()->grabMouse();
+  if (!captured && has) viewport()->releaseMouse();
+}
+
+void ControlWidget::SetFocus() { setFocus(Qt::OtherFocusReason); }
+
+void ControlWidget::DragText(std::string_view text) {
+  const QString dragged = ToQString(text);
+  if (dragHandler_) {
+    dragHandler_(dragged);
+    return;
+  }
+  SetCapture(false);             // the drag needs the mouse for itself
+  auto* drag = new QDrag(this);  // Qt deletes it after the drag
+  auto* mime = new QMimeData;
+  mime->setText(dragged);
+  drag->setMimeData(mime);
+  drag->exec(Qt::CopyAction);
+}
+
+void ControlWidget::scrollContentsBy(int, int) {}  // the control moves its contents itself
+
+// --- Painting --------------------------------------------------------------------------------------------------------
+
+void ControlWidget::paintEvent(QPaintEvent* event) {
+  QPainter painter(viewport());
+  const QRect dirty = event->rect();
+  painter.fillRect(dirty, theme_.Of(ColorRole::Surface));
+  QtCanvas canvas(painter, theme_, metrics_, this);
+  Tell([&](const Control& control) { control.Paint(canvas, ToPixelRect(dirty)); });
+}
+
+void ControlWidget::resizeEvent(QResizeEvent*) {
+  Tell([](Control& control) { control.OnResize(); });
+}
+
+void ControlWidget::changeEvent(QEvent* event) {
+  QAbstractScrollArea::changeEvent(event);
+  switch (event->type()) {
+    case QEvent::PaletteChange:
+    case QEvent::StyleChange:
+    case QEvent::FontChange:
+      theme_ = Theme(palette());
+      metrics_.SetBaseFont(font());
+      Tell([this](Control& control) {
+        if (&control.GetSurface() == this) control.AttachSurface(this);  // fonts are others now
+      });
+      viewport()->update();
+      break;
+    default:
+      break;
+  }
+}
+
+// --- Mouse -----------------------------------------------------------------------------------------------------------
+
+void ControlWidget::mousePressEvent(QMouseEvent* event) {
+  const MouseEvent mouse = ToMouseEvent(*event);
+  if (mouse.button != ButtonNone) Tell([&](Control& control) { control.OnMouseDown(mouse); });
+}
+
+void ControlWidget::mouseMoveEvent(QMouseEvent* event) {
+  const MouseEvent mouse = ToMouseEvent(*event);
+  Tell([&](Control& control) { control.OnMouseMove(mouse); });
+}
+
+void ControlWidget::mouseReleaseEvent(QMouseEvent* event) {
+  const MouseEvent mouse = ToMouseEvent(*event);
+  if (mouse.button != ButtonNone) Tell([&](Control& control) { control.OnMouseUp(mouse); });
+}
+
+void ControlWidget::mouseDoubleClickEvent(QMouseEvent* event) {
+  const MouseEvent mouse = ToMouseEvent(*event);
+  if (mouse.button != ButtonNone) Tell([&](Control& control) { control.OnDoubleClick(mouse); });
+}
+
+void ControlWidget::wheelEvent(QWheelEvent* event) {
+  const WheelEvent wheel = ToWheelEvent(*event, metrics_.LineHeight({}).Value());
+  event->accept();
+  Tell([&](Control& control) { control.OnWheel(wheel); });
+}
+
+// The scroll area would swallow it; it belongs to the application, which shows the menu.
+void ControlWidget::contextMenuEvent(QContextMenuEvent* event) { event->ignore(); }
+
+bool ControlWidget::viewportEvent(QEvent* event) {
+  switch (event->type()) {
+    case QEvent::ToolTip: {
+      const auto& help = static_cast<const QHelpEvent&>(*event);
+      ShowToolTip(help.pos(), help.globalPos());
+      return true;
+    }
+    case QEvent::Leave:
+      Tell([](Control& control) { control.OnMouseLeave(); });
+      break;
+    default:
+      break;
+  }
+  return QAbstractScrollArea::viewportEvent(event);
+}
+
+void ControlWidget::ShowToolTip(const QPoint& position, const QPoint& globalPosition) {
+  QString text;
+  Tell([&](const Control& control) { text = ToQString(control.ToolTipAt(ToPixelPoint(position))); });
+  if (text.isEmpty()) {
+    QToolTip::hideText();
+    return;
+  }
+  // A name such as "<b>" is a name, not markup.
+  QToolTip::showText(globalPosition, Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text, viewport());
+}
+
+// --- Keyboard and focus ----------------------------------------------------------------------------------------------
+
+bool ControlWidget::OfferKey(QKeyEvent& event) {
+  const KeyEvent key = ToKeyEvent(event);
+  bool used = false;
+  Tell([&](Control& control) { used = control.OnKeyDown(key); });
+  event.setAccepted(used);
+  return used;
+}
+
+// Qt moves the focus with Tab before it asks for the key: the control is asked first.
+bool ControlWidget::event(QEvent* event) {
+  if (event->type() == QEvent::KeyPress) {
+    auto& key = static_cast<QKeyEvent&>(*event);
+    if (IsTab(key.key())) {
+      if (OfferKey(key)) return true;
+      key.accept();  // an ignored key would move the focus once more in the parent
+    }
+  }
+  return QAbstractScrollArea::event(event);
+}
+
+// Not the base: it would scroll with the arrow keys that the control did not want.
+void ControlWidget::keyPressEvent(QKeyEvent* event) {
+  if (IsTab(event->key())) {
+    event->ignore();  // was offered in `event`
+  } else {
+    OfferKey(*event);
+  }
+}
+
+void ControlWidget::keyReleaseEvent(QKeyEvent* event) {
+  event->ignore();
+  if (event->isAutoRepeat()) return;  // the key is still held
+  const KeyEvent key = ToKeyEvent(*event);
+  Tell([&](Control& control) { control.OnKeyUp(key); });
+}
+
+void ControlWidget::focusInEvent(QFocusEvent* event) {
+  if (event->reason() == Qt::PopupFocusReason) return;
+  Tell([](Control& control) { control.OnFocusChanged(true); });
+}
+
+// A menu over the control borrows the keyboard; the control stays the one that works.
+void ControlWidget::focusOutEvent(QFocusEvent* event) {
+  if (event->reason() == Qt::PopupFocusReason) return;
+  Tell([](Control& control) { control.OnFocusChanged(false); });
+}
+
+void ControlWidget::hideEvent(QHideEvent* event) {
+  SetCapture(false);
+  QAbstractScrollArea::hideEvent(event);
+}
+
+}  // namespace zrqrybld

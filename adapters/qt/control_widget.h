@@ -1,0 +1,92 @@
+// ControlWidget: the window of one core control.
+//
+// It keeps the control alive, hands it what the user does, paints it and is its surface. It only
+// translates; every rule is the control's. A control that is destroyed or taken out leaves an empty
+// widget; a widget that is destroyed leaves the control on its headless surface.
+#pragma once
+
+#include <QAbstractScrollArea>
+#include <array>
+#include <functional>
+
+#include "adapters/qt/event_boundary.h"
+#include "adapters/qt/qt_metrics.h"
+#include "adapters/qt/theme.h"
+#include "platform/control.h"
+#include "platform/surface.h"
+
+namespace zrqrybld {
+
+class ControlWidget : public QAbstractScrollArea, public Surface {
+  Q_OBJECT
+
+ public:
+  /// Offers a text to be dropped elsewhere and returns when the drag has ended.
+  using DragHandler = std::function<void(const QString& text)>;
+
+  explicit ControlWidget(Ref<Control> control = nullptr, QWidget* parent = nullptr);
+  ~ControlWidget() override;
+
+  /// The control that lives here; may be nothing.
+  const Ref<Control>& GetControl() const { return control_; }
+  /// Puts another control here, or none. The one before moves to its headless surface.
+  void SetControl(Ref<Control> control);
+
+  /// The colours in use; they follow the widget's palette.
+  const Theme& GetTheme() const { return theme_; }
+
+  /// Failures of the control go here instead of into a warning.
+  void SetErrorHandler(ErrorHandler handler) { boundary_.SetHandler(std::move(handler)); }
+
+  /// Replaces the real drag and drop, for tests and for applications with their own.
+  void SetDragHandler(DragHandler handler) { dragHandler_ = std::move(handler); }
+
+  /// The surface, as the control sees it.
+  PixelSize ViewSize() const override;
+  /// 96 logical pixels make an inch on every screen; Qt scales them itself.
+  ScreenScale Scale() const override { return {}; }
+  const TextMetrics& Metrics() const override { return metrics_; }
+  void Invalidate(const PixelRect& area) override;
+  void SetScrollBar(Orientation orientation, const ScrollState& state) override;
+  void SetCursor(Cursor cursor) override;
+  void SetCapture(bool captured) override;
+  void SetFocus() override;
+  void DragText(std::string_view text) override;
+
+ protected:
+  bool event(QEvent* event) override;
+  bool viewportEvent(QEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  void scrollContentsBy(int dx, int dy) override;
+
+ private:
+  template <class Call>
+  void Tell(Call&& call);
+  bool OfferKey(QKeyEvent& event);
+  void ShowToolTip(const QPoint& position, const QPoint& globalPosition);
+  void ApplyScrollBars();
+  void Scrolled(Orientation orientation, int value);
+
+  Ref<Control> control_;
+  Theme theme_;
+  QtMetrics metrics_;
+  EventBoundary boundary_;
+  DragHandler dragHandler_;
+  std::array<ScrollState, 2> scrollStates_;  // as the control wants them, by orientation
+  bool applyingScrollBars_ = false;
+};
+
+}  // namespace zrqrybld
