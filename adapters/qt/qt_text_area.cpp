@@ -1,0 +1,291 @@
+#include "adapters/qt/qt_text_area.h"
+
+#include <QFontDatabase>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QScopedValueRollback>
+#include <QScrollBar>
+#include <QTextBlock>
+#include <QTextLayout>
+#include <algorithm>
+#include <utility>
+
+#include "adapters/qt/qt_text.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr int kTabCharacters = 4;
+constexpr int kMarginPadding = 8;
+constexpr int kFewestDigits = 2;  // the margin of a short text does not jump at line 10
+
+QString FixedFamily() {
+  const QString preferred = QStringLiteral("DejaVu Sans Mono");
+  return QFontDatabase::hasFamily(preferred) ? preferred : QFontDatabase::systemFont(QFontDatabase::FixedFont).family();
+}
+
+// The text as the document holds it: lines end in LF only.
+QString ToDocumentText(std::string_view text) {
+  QString lines = ToQString(text);
+  lines.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+  lines.replace(QLatin1Char('\r'), QLatin1Char('\n'));
+  return lines;
+}
+
+// Moves `position` behind the next character of the line and returns its size in `Text()`: a lone half of a surrogate
+// pair is written as U+FFFD, and a line separator, which Shift+Enter makes, as CR LF.
+std::size_t NextSize(QStringView line, qsizetype& position) {
+  const QChar c = line[position++];
+  if (c.isHighSurrogate() && position < line.size() && line[position].isLowSurrogate()) {
+    ++position;
+    return 4;
+  }
+  if (c == QChar::LineSeparator) return 2;
+  return c.unicode() < 0x80 ? 1 : c.unicode() < 0x800 ? 2 : 3;
+}
+
+std::size_t SizeOf(QStringView line) {
+  std::size_t bytes = 0;
+  for (qsizetype position = 0; position < line.size();) bytes += NextSize(line, position);
+  return bytes;
+}
+
+// A place in a line, in bytes of `Text()` and in units of Qt. It only moves on, so that a long line is walked once.
+struct LinePlace {
+  std::size_t bytes = 0;
+  qsizetype units = 0;
+
+  // Moves to `target`; a byte inside a character counts all of it.
+  void MoveTo(QStringView line, std::size_t target) {
+    while (bytes < target && units < line.size()) bytes += NextSize(line, units);
+  }
+};
+
+QTextCharFormat ToFormat(const TextSpan& span, const Theme& theme) {
+  QTextCharFormat format;
+  format.setForeground(theme.Of(span.role));
+  if (span.bold) format.setFontWeight(QFont::Bold);
+  if (span.role == ColorRole::Error) {
+    format.setUnderlineStyle(QTextCharFormat::WaveUnderline);
+    format.setUnderlineColor(theme.Of(ColorRole::Error));
+  }
+  return format;
+}
+
+}  // namespace
+
+// The line numbers at the left.
+class QtTextArea::Margin final : public QWidget {
+ public:
+  explicit Margin(QtTextArea& area) : QWidget(&area), area_(area) {}
+
+ protected:
+  void paintEvent(QPaintEvent* event) override { area_.PaintMargin(*event); }
+  void wheelEvent(QWheelEvent* event) override { area_.wheelEvent(event); }
+
+ private:
+  QtTextArea& area_;
+};
+
+QtTextArea::QtTextArea(QWidget* parent) : QPlainTextEdit(parent), theme_(palette()) {
+  setLineWrapMode(NoWrap);
+  setFrameShape(NoFrame);
+  margin_ = new Margin(*this);
+  UpdateFont();
+  connect(document(), &QTextDocument::contentsChanged, this, &QtTextArea::OnContentsChanged);
+  connect(this, &QPlainTextEdit::blockCountChanged, this, &QtTextArea::PlaceMargin);
+  connect(this, &QPlainTextEdit::updateRequest, this, [this](const QRect& area, int dy) {
+    if (dy != 0) {
+      margin_->scroll(0, dy);
+    } else {
+      margin_->update(0, area.y(), margin_->width(), area.height());
+    }
+  });
+  connect(this, &QPlainTextEdit::cursorPositionChanged, this, [this] {
+    MarkCurrentLine();
+    margin_->update();
+  });
+}
+
+// --- The text --------------------------------------------------------------------------------------------------------
+
+std::string QtTextArea::Text() const {
+  // Not `toPlainText`: that turns no-break spaces, which a literal may hold, into blanks.
+  QString text = document()->toRawText();
+  text.replace(QChar::ParagraphSeparator, QStringLiteral("\r\n"));
+  text.replace(QChar::LineSeparator, QStringLiteral("\r\n"));
+  return ToUtf8(text);
+}
+
+void QtTextArea::SetText(std::string_view text) {
+  const QString wanted = ToDocumentText(text);
+  QString current = document()->toRawText();
+  current.replace(QChar::ParagraphSeparator, QLatin1Char('\n'));
+  if (current == wanted) return;
+
+  const int line = textCursor().blockNumber();
+  const int column = textCursor().positionInBlock();
+  const int horizontal = horizontalScrollBar()->value();
+  const int vertical = verticalScrollBar()->value();
+  {
+    const QScopedValueRollback guard(settingText_, true);
+    setPlainText(wanted);
+  }
+  const QTextBlock block = document()->findBlockByNumber(std::min(line, blockCount() - 1));
+  QTextCursor caret(block);
+  caret.setPosition(block.position() + std::min(column, block.length() - 1));
+  setTextCursor(caret);
+  horizontalScrollBar()->setValue(horizontal);
+  verticalScrollBar()->setValue(vertical);
+}
+
+void QtTextArea::SetReadOnly(bool readOnly) {
+  setReadOnly(readOnly);
+  // A caret shows where the keyboard would copy from, and lets the arrow keys walk.
+  if (readOnly) setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  MarkCurrentLine();
+}
+
+void QtTextArea::OnContentsChanged() {
+  Highlight();
+  if (!settingText_) boundary_.Run([this] { Edited.Raise(); });
+}
+
+// --- Colours ---------------------------------------------------------------------------------------------------------
+
+void QtTextArea::SetHighlighter(Highlighter highlighter) {
+  highlighter_ = std::move(highlighter);
+  Highlight();
+}
+
+// The whole text is looked at anew, because one character can open or close a comment over many lines; but only lines
+// whose looks change are laid out again.
+void QtTextArea::Highlight() {
+  std::vector<TextSpan> spans;
+  if (highlighter_) {
+    boundary_.Run([&] {
+      const std::string text = Text();
+      spans = highlighter_(text);
+    });
+  }
+  std::ranges::stable_sort(spans, {}, &TextSpan::start);
+
+  constexpr std::size_t kLineEnd = 2;  // CR LF
+  std::size_t lineStart = 0;
+  std::size_t first = 0;  // spans before this one end before the line
+  for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
+    const QString line = block.text();
+    const std::size_t lineEnd = lineStart + SizeOf(line);
+    QList<QTextLayout::FormatRange> formats;
+    LinePlace place;
+    while (first < spans.size() && spans[first].start + spans[first].length <= lineStart) ++first;
+    for (std::size_t i = first; i < spans.size() && spans[i].start < lineEnd; ++i) {
+      const std::size_t from = std::max(spans[i].start, lineStart) - lineStart;
+      const std::size_t to = std::min(spans[i].start + spans[i].length, lineEnd) - lineStart;
+      if (spans[i].start + spans[i].length <= lineStart || from >= to) continue;
+      place.MoveTo(line, from);
+      LinePlace end = place;
+      end.MoveTo(line, to);
+      formats.push_back(
+          {static_cast<int>(place.units), static_cast<int>(end.units - place.units), ToFormat(spans[i], theme_)});
+    }
+    QTextLayout& layout = *block.layout();
+    // While an input method composes, the line holds its marks; the text is coloured when it is done.
+    if (layout.preeditAreaText().isEmpty() && layout.formats() != formats) {
+      layout.setFormats(formats);
+      document()->markContentsDirty(block.position(), block.length());
+    }
+    lineStart = lineEnd + kLineEnd;
+  }
+}
+
+void QtTextArea::MarkCurrentLine() {
+  QList<QTextEdit::ExtraSelection> selections;
+  if (hasFocus() && !isReadOnly()) {
+    QTextEdit::ExtraSelection line;
+    line.format.setBackground(theme_.Of(ColorRole::RowAlternate));
+    line.format.setProperty(QTextFormat::FullWidthSelection, true);
+    line.cursor = textCursor();
+    line.cursor.clearSelection();
+    selections.push_back(line);
+  }
+  setExtraSelections(selections);
+}
+
+void QtTextArea::UpdateFont() {
+  if (updatingFont_) return;
+  const QScopedValueRollback guard(updatingFont_, true);
+  QFont fixed = font();
+  fixed.setFamilies({FixedFamily()});
+  fixed.setStyleHint(QFont::Monospace);
+  setFont(fixed);
+  setTabStopDistance(kTabCharacters * QFontMetricsF(fixed).horizontalAdvance(QLatin1Char(' ')));
+  PlaceMargin();
+}
+
+void QtTextArea::changeEvent(QEvent* event) {
+  QPlainTextEdit::changeEvent(event);
+  if (!margin_) return;  // still being made
+  switch (event->type()) {
+    case QEvent::FontChange:
+      UpdateFont();
+      break;
+    case QEvent::PaletteChange:
+    case QEvent::StyleChange:
+      theme_ = Theme(palette());
+      Highlight();
+      MarkCurrentLine();
+      margin_->update();
+      break;
+    default:
+      break;
+  }
+}
+
+void QtTextArea::focusInEvent(QFocusEvent* event) {
+  QPlainTextEdit::focusInEvent(event);
+  MarkCurrentLine();
+}
+
+void QtTextArea::focusOutEvent(QFocusEvent* event) {
+  QPlainTextEdit::focusOutEvent(event);
+  MarkCurrentLine();
+}
+
+// --- The margin ------------------------------------------------------------------------------------------------------
+
+int QtTextArea::MarginWidth() const {
+  const auto digits = std::max<qsizetype>(QString::number(blockCount()).size(), kFewestDigits);
+  return 2 * kMarginPadding + static_cast<int>(digits) * fontMetrics().horizontalAdvance(QLatin1Char('9'));
+}
+
+void QtTextArea::PlaceMargin() {
+  const int width = MarginWidth();
+  setViewportMargins(width, 0, 0, 0);
+  const QRect inside = contentsRect();
+  margin_->setGeometry(inside.left(), inside.top(), width, viewport()->height());
+}
+
+void QtTextArea::resizeEvent(QResizeEvent* event) {
+  QPlainTextEdit::resizeEvent(event);
+  PlaceMargin();
+}
+
+void QtTextArea::PaintMargin(QPaintEvent& event) {
+  QPainter painter(margin_);
+  painter.fillRect(event.rect(), theme_.Of(ColorRole::Surface));
+  painter.setFont(font());
+  const int current = hasFocus() ? textCursor().blockNumber() : -1;
+  QTextBlock block = firstVisibleBlock();
+  qreal top = blockBoundingGeometry(block).translated(contentOffset()).top();
+  while (block.isValid() && top <= event.rect().bottom()) {
+    const qreal height = blockBoundingRect(block).height();
+    painter.setPen(theme_.Of(block.blockNumber() == current ? ColorRole::Text : ColorRole::QuietText));
+    painter.drawText(QRectF(0, top, margin_->width() - kMarginPadding, height), Qt::AlignRight | Qt::AlignVCenter,
+                     QString::number(block.blockNumber() + 1));
+    top += height;
+    block = block.next();
+  }
+}
+
+}  // namespace zrqrybld

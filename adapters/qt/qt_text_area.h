@@ -1,0 +1,78 @@
+// QtTextArea: a text of many lines with line numbers and, when a highlighter is set, coloured words.
+//
+// Caret, selection, clipboard, undo and input methods are Qt's own.
+#pragma once
+
+#include <QPlainTextEdit>
+#include <cstddef>
+#include <functional>
+#include <string_view>
+#include <vector>
+
+#include "adapters/qt/event_boundary.h"
+#include "adapters/qt/theme.h"
+#include "platform/editors.h"
+
+namespace zrqrybld {
+
+/// A piece of a text and how it looks. `start` and `length` count bytes of the UTF-8 text. A piece in
+/// the `Error` role is underlined as well, so that it is seen without colour.
+struct TextSpan {
+  std::size_t start = 0;
+  std::size_t length = 0;
+  ColorRole role = ColorRole::Text;
+  bool bold = false;
+};
+
+class QtTextArea : public QPlainTextEdit, public TextArea {
+  Q_OBJECT
+
+ public:
+  /// Takes a whole text, its lines ending in CR LF, and says how its pieces look. Pieces may span
+  /// lines; where two overlap, the later one wins.
+  using Highlighter = std::function<std::vector<TextSpan>(std::string_view text)>;
+
+  explicit QtTextArea(QWidget* parent = nullptr);
+
+  /// The text with lines ending in CR LF.
+  std::string Text() const override;
+  /// Takes lines ending in CR LF, CR or LF. A text that is there already changes nothing at all, not
+  /// even the selection or the undo list.
+  void SetText(std::string_view text) override;
+  void SetReadOnly(bool readOnly) override;
+
+  /// Colours the text from now on; an empty function stops that.
+  void SetHighlighter(Highlighter highlighter);
+
+  /// Failures of listeners and of the highlighter go here instead of into a warning.
+  void SetErrorHandler(ErrorHandler handler) { boundary_.SetHandler(std::move(handler)); }
+
+  /// The colours in use; they follow the widget's palette.
+  const Theme& GetTheme() const { return theme_; }
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
+
+ private:
+  class Margin;
+
+  void OnContentsChanged();
+  void Highlight();
+  void MarkCurrentLine();
+  void UpdateFont();
+  int MarginWidth() const;
+  void PlaceMargin();
+  void PaintMargin(QPaintEvent& event);
+
+  Theme theme_;
+  Highlighter highlighter_;
+  EventBoundary boundary_;
+  Margin* margin_ = nullptr;
+  bool settingText_ = false;
+  bool updatingFont_ = false;
+};
+
+}  // namespace zrqrybld
