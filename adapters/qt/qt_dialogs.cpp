@@ -1,0 +1,47 @@
+#include "adapters/qt/qt_dialogs.h"
+
+#include <QApplication>
+#include <QMessageBox>
+
+#include "adapters/qt/qt_text.h"
+#include "adapters/qt/tables_window.h"
+
+namespace zrqrybld {
+namespace {
+
+QMessageBox::Icon ToQtIcon(MessageIcon icon) {
+  switch (icon) {
+    case MessageIcon::Exclamation:
+      return QMessageBox::Warning;
+    case MessageIcon::Critical:
+      return QMessageBox::Critical;
+    case MessageIcon::Information:
+      break;
+  }
+  return QMessageBox::Information;
+}
+
+}  // namespace
+
+// A message that comes while a dialog is open belongs over that dialog.
+QWidget* QtDialogs::ParentForDialog() const {
+  if (QWidget* modal = QApplication::activeModalWidget()) return modal;
+  return parent_ ? parent_.data() : QApplication::activeWindow();
+}
+
+void QtDialogs::ShowMessage(std::string_view text, MessageIcon icon) {
+  QMessageBox box(ToQtIcon(icon), QGuiApplication::applicationDisplayName(), ToQString(text), QMessageBox::Ok,
+                  ParentForDialog());
+  box.setTextFormat(Qt::PlainText);  // a name such as "<b>" is a name, not markup
+  box.exec();
+}
+
+void QtDialogs::ShowTables(const TablesDialog& dialog) {
+  TablesWindow window(dialog, ParentForDialog());
+  window.SetErrorHandler(errorHandler_ ? errorHandler_ : [this](const std::exception& error) {
+    ShowMessage(error.what(), MessageIcon::Critical);
+  });
+  window.exec();
+}
+
+}  // namespace zrqrybld

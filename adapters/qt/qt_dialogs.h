@@ -1,0 +1,33 @@
+// QtDialogs: the core's dialogs as Qt windows. Both return when the user has closed them.
+#pragma once
+
+#include <QPointer>
+#include <QWidget>
+
+#include "adapters/qt/event_boundary.h"
+#include "platform/dialogs.h"
+
+namespace zrqrybld {
+
+class QtDialogs final : public Dialogs {
+ public:
+  /// `parent` is the window over which dialogs appear; the active window when it is nothing.
+  explicit QtDialogs(QWidget* parent = nullptr) : parent_(parent) {}
+
+  /// The window over which dialogs appear.
+  void SetParent(QWidget* parent) { parent_ = parent; }
+
+  /// Failures while tables are added go here instead of into a message.
+  void SetErrorHandler(ErrorHandler handler) { errorHandler_ = std::move(handler); }
+
+  void ShowMessage(std::string_view text, MessageIcon icon) override;
+  void ShowTables(const TablesDialog& dialog) override;
+
+ private:
+  QWidget* ParentForDialog() const;
+
+  QPointer<QWidget> parent_;
+  ErrorHandler errorHandler_;
+};
+
+}  // namespace zrqrybld
