@@ -59,6 +59,7 @@ enum class ThemedPart : std::uint8_t {
   FocusRectangle,
 };
 
+/// How a themed part is drawn.
 struct PartState {
   bool checked = false;
   bool hover = false;
@@ -69,12 +70,14 @@ struct PartState {
 
 enum class TextAlignment : std::uint8_t { Left, Center, Right };
 
+/// How a line of text is drawn.
 struct TextStyle {
   Ink ink = ColorRole::Text;
   Font font = {};
   TextAlignment alignment = TextAlignment::Left;
 };
 
+/// Draws in pixels from the top left corner of the control.
 class Canvas {
  public:
   Canvas() = default;

@@ -13,6 +13,7 @@
 
 namespace zrqrybld {
 
+/// Base of the panes, the grid and everything else that is painted.
 class Control : public Object {
  public:
   Control();
@@ -28,6 +29,7 @@ class Control : public Object {
   /// Draws everything that touches `dirty`. Raises nothing and changes nothing.
   virtual void Paint(Canvas& canvas, const PixelRect& dirty) const = 0;
 
+  /// What the user or the window did. The control that has no use for it ignores it.
   virtual void OnResize() {}
   virtual void OnMouseDown(const MouseEvent&) {}
   virtual void OnMouseMove(const MouseEvent&) {}

@@ -102,6 +102,7 @@ class Connection : public Object {
   /// Closes the connection. Error 3704 when it is not open.
   virtual void Close() = 0;
 
+  /// Whether the source is open now.
   virtual ConnectionStateEnum State() const = 0;
   bool IsOpen() const { return State() == ConnectionOpened; }
 

@@ -25,6 +25,7 @@ struct TablesDialog {
   std::function<void(const std::vector<std::string>& names)> add;
 };
 
+/// The windows that stop the user until they are answered.
 class Dialogs {
  public:
   Dialogs() = default;

@@ -17,6 +17,7 @@ class TextArea {
   TextArea& operator=(const TextArea&) = delete;
   virtual ~TextArea() = default;
 
+  /// The whole text, lines ended by CR LF.
   virtual std::string Text() const = 0;
   /// Replaces the text. Caret and scroll position stay as near as the new text allows.
   virtual void SetText(std::string_view text) = 0;

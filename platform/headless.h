@@ -65,6 +65,7 @@ class HeadlessTextArea final : public TextArea {
   void SetText(std::string_view text) override { text_ = text; }
   void SetReadOnly(bool readOnly) override { readOnly_ = readOnly; }
 
+  /// Whether the user could change the text.
   bool IsReadOnly() const { return readOnly_; }
   /// Changes the text as a user would.
   void Type(std::string_view text) {
@@ -80,6 +81,7 @@ class HeadlessTextArea final : public TextArea {
 /// Dialogs that a handler answers; all messages are recorded.
 class HeadlessDialogs final : public Dialogs {
  public:
+  /// A message that was shown.
   struct Message {
     std::string text;
     MessageIcon icon;
@@ -93,10 +95,12 @@ class HeadlessDialogs final : public Dialogs {
   std::function<void(const TablesDialog&)> onShowTables;
 };
 
+/// The toolkit of a designer without a window.
 class HeadlessToolkit final : public Toolkit {
  public:
   HeadlessDialogs& GetDialogs() override { return dialogs_; }
   void SetBusyPointer(bool busy) override { busyDepth_ += busy ? 1 : -1; }
+  /// Whether the hourglass is on.
   bool IsBusyPointer() const { return busyDepth_ > 0; }
 
  private:
@@ -111,6 +115,7 @@ class MemoryPropertyStore final : public PropertyStore {
   void Write(std::string_view key, const Variant& value, const Variant& defaultValue) override;
   void Write(std::string_view key, const Variant& value) override;
 
+  /// Everything stored, by key.
   const std::map<std::string, Variant, std::less<>>& Values() const { return values_; }
 
  private:
@@ -120,6 +125,7 @@ class MemoryPropertyStore final : public PropertyStore {
 /// Writes one line of text for every call, for instance "fill 0,0 10x20 Box".
 class RecordingCanvas final : public Canvas {
  public:
+  /// The calls so far, one line each.
   const std::vector<std::string>& Lines() const { return lines_; }
   /// All lines, each ended by a line feed.
   std::string Text() const;

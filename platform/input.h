@@ -14,12 +14,14 @@ enum MouseButton : std::int32_t { ButtonNone = 0, ButtonLeft = 1, ButtonRight = 
 /// Modifier keys held, as bits.
 enum ShiftMask : std::int32_t { ShiftNone = 0, ShiftShift = 1, ShiftCtrl = 2, ShiftAlt = 4 };
 
+/// A button going down or up, a double click, or the pointer moving.
 struct MouseEvent {
   std::int32_t button = ButtonNone;  ///< the button that went down or up; all held ones while moving
   std::int32_t shift = ShiftNone;    ///< `ShiftMask` bits
   PixelPoint position;               ///< from the control's top left corner
 };
 
+/// A turn of the wheel or a scroll by touch.
 struct WheelEvent {
   std::int32_t shift = ShiftNone;
   PixelPoint position;
@@ -49,6 +51,7 @@ enum KeyCode : std::int32_t {
   KeyCodeF4 = 115,
 };
 
+/// A key going down or up.
 struct KeyEvent {
   std::int32_t keyCode = 0;
   std::int32_t shift = ShiftNone;

@@ -36,6 +36,7 @@ enum class Cursor : std::uint8_t {
   Join,  ///< over a place where a join may end
 };
 
+/// What a control may ask of its window area; all lengths in pixels of the surface.
 class Surface {
  public:
   Surface() = default;
@@ -61,6 +62,7 @@ class Surface {
   /// Shows the scroll bar as given; hides it when there is nothing to scroll.
   virtual void SetScrollBar(Orientation orientation, const ScrollState& state) = 0;
 
+  /// Shows this pointer while it is over the surface.
   virtual void SetCursor(Cursor cursor) = 0;
 
   /// Takes or gives back all mouse events, also those outside the surface.

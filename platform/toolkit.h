@@ -8,6 +8,7 @@
 
 namespace zrqrybld {
 
+/// One for a designer; it outlives the hub that uses it.
 class Toolkit {
  public:
   Toolkit() = default;
@@ -15,6 +16,7 @@ class Toolkit {
   Toolkit& operator=(const Toolkit&) = delete;
   virtual ~Toolkit() = default;
 
+  /// The windows that ask or tell the user something.
   virtual Dialogs& GetDialogs() = 0;
 
   /// Shows the hourglass over the whole application, or the usual pointer again. Calls nest.
