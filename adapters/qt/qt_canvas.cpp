@@ -181,6 +181,11 @@ void QtCanvas::DrawImage(const PixelRect& rect, const Image& image) {
 
 void QtCanvas::DrawPart(ThemedPart part, const PixelRect& rect, const PartState& state) {
   if (rect.Empty()) return;
+  if (part == ThemedPart::FocusRectangle) {
+    // Not the style's mark: some styles draw it so faintly that the focus is hard to find.
+    StrokeRect(rect, ColorRole::Focus, 2_px, 3_px);
+    return;
+  }
   const QRectF area = OnDevicePixels(rect);
   const QRect place = area.toRect();
   const PainterScope scope(painter_, area);
@@ -191,6 +196,9 @@ void QtCanvas::DrawPart(ThemedPart part, const PixelRect& rect, const PartState&
       const int side = std::min(place.width(), place.height());
       Prepare(option, {place.center().x() - (side - 1) / 2, place.center().y() - (side - 1) / 2, side, side}, state,
               theme_);
+      // Styles derive the outline from the window's colour by darkening it: on a dark ground it would be lost.
+      constexpr int kOutlineFactor = 140;
+      option.palette.setColor(QPalette::Window, theme_.Of(ColorRole::QuietText).lighter(kOutlineFactor));
       option.state |= state.checked ? QStyle::State_On : QStyle::State_Off;
       style_.drawPrimitive(QStyle::PE_IndicatorCheckBox, &option, &painter_, widget_);
       break;
@@ -222,14 +230,8 @@ void QtCanvas::DrawPart(ThemedPart part, const PixelRect& rect, const PartState&
       style_.drawComplexControl(QStyle::CC_ToolButton, &option, &painter_, widget_);
       break;
     }
-    case ThemedPart::FocusRectangle: {
-      QStyleOptionFocusRect option;
-      Prepare(option, place, state, theme_);
-      option.state |= QStyle::State_KeyboardFocusChange | QStyle::State_HasFocus;
-      option.backgroundColor = theme_.Of(ColorRole::Box);
-      style_.drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter_, widget_);
+    case ThemedPart::FocusRectangle:
       break;
-    }
   }
 }
 

@@ -1,7 +1,7 @@
 // QtCanvas: draws on a QPainter in the colours of a theme.
 //
 // Rectangles and straight lines are put on the device's own pixels, so that they are crisp at every
-// screen scale. Themed parts are one call of the style each.
+// screen scale. Themed parts are one call of the style each, but for the focus rectangle.
 #pragma once
 
 #include <QStyle>

@@ -279,11 +279,10 @@ void QtTextArea::PaintMargin(QPaintEvent& event) {
   QTextBlock block = firstVisibleBlock();
   qreal top = blockBoundingGeometry(block).translated(contentOffset()).top();
   while (block.isValid() && top <= event.rect().bottom()) {
-    const qreal height = blockBoundingRect(block).height();
     painter.setPen(theme_.Of(block.blockNumber() == current ? ColorRole::Text : ColorRole::QuietText));
-    painter.drawText(QRectF(0, top, margin_->width() - kMarginPadding, height), Qt::AlignRight | Qt::AlignVCenter,
-                     QString::number(block.blockNumber() + 1));
-    top += height;
+    painter.drawText(QRectF(0, top, margin_->width() - kMarginPadding, fontMetrics().height()),
+                     Qt::AlignRight | Qt::AlignTop, QString::number(block.blockNumber() + 1));
+    top += blockBoundingRect(block).height();
     block = block.next();
   }
 }

@@ -1,7 +1,6 @@
 #include "adapters/qt/tables_window.h"
 
 #include <QCoreApplication>
-#include <QDialogButtonBox>
 #include <QHBoxLayout>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
@@ -12,6 +11,7 @@
 #include <QPushButton>
 #include <QSortFilterProxyModel>
 #include <QStringListModel>
+#include <QStyledItemDelegate>
 #include <QTabWidget>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -22,6 +22,16 @@
 namespace zrqrybld {
 namespace {
 
+// Rows with some air.
+class RowDelegate final : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+  QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    constexpr int kAir = 8;
+    return QStyledItemDelegate::sizeHint(option, index) + QSize(0, kAir);
+  }
+};
+
 // A list that says why it is empty.
 class NameList final : public QListView {
  public:
@@ -30,7 +40,7 @@ class NameList final : public QListView {
     setEditTriggers(NoEditTriggers);
     setUniformItemSizes(true);  // ten thousand names are not measured one by one
     setTextElideMode(Qt::ElideMiddle);
-    setAlternatingRowColors(false);
+    setItemDelegate(new RowDelegate(this));
   }
 
  protected:

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace zrqrybld {
 namespace {
@@ -9,6 +10,10 @@ namespace {
 constexpr ColorRole kGrounds[] = {ColorRole::Surface,         ColorRole::Box,      ColorRole::CaptionActive,
                                   ColorRole::CaptionInactive, ColorRole::RowHover, ColorRole::RowSelected,
                                   ColorRole::RowAlternate};
+
+// Frames and grid lines separate these and no others; to keep apart from a caption, too, they would have to be loud.
+constexpr ColorRole kFrameGrounds[] = {ColorRole::Surface, ColorRole::Box};
+constexpr ColorRole kGridLineGrounds[] = {ColorRole::Box, ColorRole::RowAlternate};
 
 // How far a ground is moved from the box's colour. `highlight`: towards the highlight colour, else towards the text.
 struct GroundTint {
@@ -35,7 +40,7 @@ constexpr OwnColor kOwnColors[] = {
     {ColorRole::Error, 0xc0261f, 0xff8a80, Theme::kTextContrast},
     {ColorRole::Warning, 0x8a5a00, 0xe0b050, Theme::kTextContrast},
     {ColorRole::Keyword, 0x1d4ed8, 0x82b1ff, Theme::kTextContrast},
-    {ColorRole::Literal, 0x9a3412, 0xf0a875, Theme::kTextContrast},
+    {ColorRole::Literal, 0x8e2aa0, 0xdca8f0, Theme::kTextContrast},
     {ColorRole::Comment, 0x4b7353, 0x8fbf98, Theme::kTextContrast},
 };
 
@@ -109,7 +114,12 @@ QColor Legible(const QColor& color, std::span<const QColor> grounds, double cont
 
 }  // namespace
 
-std::span<const ColorRole> Theme::Grounds() { return kGrounds; }
+std::span<const ColorRole> Theme::GroundsOf(ColorRole ink) {
+  if (std::ranges::find(kGrounds, ink) != std::end(kGrounds)) return {};
+  if (ink == ColorRole::BoxFrame) return kFrameGrounds;
+  if (ink == ColorRole::GridLine) return kGridLineGrounds;
+  return kGrounds;
+}
 
 double Theme::Contrast(const QColor& a, const QColor& b) {
   const auto [low, high] = std::minmax({Luminance(a), Luminance(b)});
@@ -132,35 +142,30 @@ Theme::Theme(const QPalette& palette) : palette_(palette), partPalette_(palette)
     Set(tint.role, Ground(box, tint.highlight ? highlight : extreme, tint.amount, extreme));
   }
 
-  std::array<QColor, std::size(kGrounds)> grounds;
-  std::ranges::transform(kGrounds, grounds.begin(), [this](ColorRole role) { return Of(role); });
-  const auto setText = [&](ColorRole role, const QColor& color) {
-    Set(role, Legible(color, grounds, kTextContrast, extreme));
-  };
-  const auto setLine = [&](ColorRole role, const QColor& color) {
-    Set(role, Legible(color, grounds, kLineContrast, extreme));
+  const auto setInk = [&](ColorRole role, const QColor& color, double contrast) {
+    std::vector<QColor> grounds;
+    for (const ColorRole ground : GroundsOf(role)) grounds.push_back(Of(ground));
+    Set(role, Legible(color, grounds, contrast, extreme));
   };
 
   // More than the least for what is read most, where the ground allows it; styles shade their headers a little, too.
   constexpr double kBodyContrast = 7;
-  Set(ColorRole::Text, Legible(paletteText, grounds, kBodyContrast, extreme));
+  setInk(ColorRole::Text, paletteText, kBodyContrast);
   const QColor text = Of(ColorRole::Text);
   for (const ColorRole role : {ColorRole::CaptionActiveText, ColorRole::CaptionInactiveText, ColorRole::RowSelectedText,
                                ColorRole::Identifier}) {
     Set(role, text);
   }
-  setText(ColorRole::QuietText, Blend(text, box, 0.35));
-  setText(ColorRole::SurfaceText, Blend(text, box, 0.35));
-  setText(ColorRole::Disabled, Blend(text, box, 0.5));
+  setInk(ColorRole::QuietText, Blend(text, box, 0.35), kTextContrast);
+  setInk(ColorRole::SurfaceText, Blend(text, box, 0.35), kTextContrast);
+  setInk(ColorRole::Disabled, Blend(text, box, 0.5), kTextContrast);
 
-  setLine(ColorRole::BoxFrame, Blend(box, extreme, 0.3));
-  setLine(ColorRole::GridLine, Blend(box, extreme, 0.2));
-  setLine(ColorRole::JoinHover, Blend(highlight, extreme, 0.15));
-  setLine(ColorRole::JoinSelected, highlight);
-  setLine(ColorRole::Focus, highlight);
-  for (const OwnColor& own : kOwnColors) {
-    Set(own.role, Legible(QColor(dark_ ? own.dark : own.light), grounds, own.contrast, extreme));
-  }
+  setInk(ColorRole::BoxFrame, Blend(box, extreme, 0.3), kLineContrast);
+  setInk(ColorRole::GridLine, Blend(box, extreme, 0.2), kLineContrast);
+  setInk(ColorRole::JoinHover, Blend(highlight, extreme, 0.15), kLineContrast);
+  setInk(ColorRole::JoinSelected, highlight, kLineContrast);
+  setInk(ColorRole::Focus, highlight, kLineContrast);
+  for (const OwnColor& own : kOwnColors) setInk(own.role, QColor(dark_ ? own.dark : own.light), own.contrast);
 
   for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
     partPalette_.setColor(group, QPalette::Button, Of(ColorRole::CaptionInactive));

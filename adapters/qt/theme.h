@@ -38,8 +38,8 @@ class Theme {
   /// The palette for parts that a style draws, in the colours of this theme.
   const QPalette& PartPalette() const { return partPalette_; }
 
-  /// The roles that are grounds: text and lines of any other role may stand on them.
-  static std::span<const ColorRole> Grounds();
+  /// The roles that a text or a line of the role may stand on. Grounds themselves stand on nothing.
+  static std::span<const ColorRole> GroundsOf(ColorRole ink);
 
   /// The contrast of two opaque colours, 1 (equal) to 21 (black and white).
   static double Contrast(const QColor& a, const QColor& b);

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QImage>
 #include <QPainter>
+#include <algorithm>
 
 #include "adapters/qt/qt_canvas.h"
 #include "adapters/qt/theme.h"
@@ -28,11 +29,13 @@ constexpr ColorRole kLines[] = {ColorRole::BoxFrame,     ColorRole::GridLine, Co
                                 ColorRole::JoinSelected, ColorRole::KeyIcon,  ColorRole::Focus};
 
 // A palette that Qt's rules cannot make legible must not stop the designer from being so.
-TEST(Theme, EveryInkIsLegibleOnEveryGroundWhateverThePalette) {
+// A palette that Qt's rules cannot make legible must not stop the designer from being so.
+TEST(Theme, EveryInkIsLegibleOnItsGroundsWhateverThePalette) {
   for (const auto& [name, palette] : TestPalettes()) {
     const Theme theme(palette);
     const auto check = [&](ColorRole ink, double least) {
-      for (const ColorRole ground : Theme::Grounds()) {
+      ASSERT_FALSE(Theme::GroundsOf(ink).empty());
+      for (const ColorRole ground : Theme::GroundsOf(ink)) {
         EXPECT_GE(Theme::Contrast(theme.Of(ink), theme.Of(ground)), least)
             << name << ": ink " << static_cast<int>(ink) << " on ground " << static_cast<int>(ground);
       }
@@ -43,8 +46,33 @@ TEST(Theme, EveryInkIsLegibleOnEveryGroundWhateverThePalette) {
 }
 
 TEST(Theme, EveryRoleIsAGroundATextOrALine) {
-  EXPECT_EQ(Theme::Grounds().size() + std::size(kTexts) + std::size(kLines),
-            static_cast<std::size_t>(ColorRole::Identifier) + 1);
+  std::size_t grounds = 0;
+  for (int role = 0; role <= static_cast<int>(ColorRole::Identifier); ++role) {
+    if (Theme::GroundsOf(static_cast<ColorRole>(role)).empty()) ++grounds;
+  }
+  EXPECT_EQ(grounds + std::size(kTexts) + std::size(kLines), static_cast<std::size_t>(ColorRole::Identifier) + 1);
+}
+
+// The style mixes the outline itself, so it is measured where it is painted.
+TEST(Theme, AnEmptyCheckBoxIsSeenOnEveryRow) {
+  for (const auto& [name, palette] : TestPalettes()) {
+    const Theme theme(palette);
+    const QtMetrics metrics(QApplication::font());
+    for (const ColorRole ground : {ColorRole::Box, ColorRole::RowHover, ColorRole::RowSelected}) {
+      QImage image(30, 30, QImage::Format_RGB32);
+      {
+        QPainter painter(&image);
+        QtCanvas canvas(painter, theme, metrics);
+        canvas.FillRect({0_px, 0_px, 30_px, 30_px}, ground);
+        canvas.DrawPart(ThemedPart::CheckBox, {7_px, 7_px, 16_px, 16_px}, {});
+      }
+      double strongest = 1;
+      for (int x = 5; x < 12; ++x) {
+        strongest = std::max(strongest, Theme::Contrast(image.pixelColor(x, 15), theme.Of(ground)));
+      }
+      EXPECT_GE(strongest, 3.0) << name << " ground " << static_cast<int>(ground);
+    }
+  }
 }
 
 TEST(Theme, ContrastIsMeasuredAsByTheUsualFormula) {
