@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <functional>
+#include <iterator>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -57,6 +58,8 @@ class Event {
   EventConnection Connect(Listener listener) {
     auto alive = std::make_shared<bool>(true);
     EventConnection connection{std::weak_ptr<bool>(alive)};
+    // Before the list grows: listeners come and go on events that are never raised, too.
+    if (state_->raising == 0 && state_->entries.size() == state_->entries.capacity()) state_->Sweep();
     state_->entries.push_back(std::make_shared<Entry>(std::move(alive), std::move(listener)));
     return connection;
   }
@@ -87,17 +90,25 @@ class Event {
   struct State {
     std::vector<std::shared_ptr<Entry>> entries;
     int raising = 0;
+
+    // Removes dead entries. What their listeners hold is destroyed when the list is whole again: a
+    // destructor may use the event.
+    void Sweep() {
+      const auto dead =
+          std::stable_partition(entries.begin(), entries.end(), [](const auto& entry) { return *entry->alive; });
+      const std::vector<std::shared_ptr<Entry>> gone(std::make_move_iterator(dead),
+                                                     std::make_move_iterator(entries.end()));
+      entries.erase(dead, entries.end());
+    }
   };
-  // Removes dead entries, but only when no raise is walking the list by index.
+  // Sweeps, but only when no raise is walking the list by index.
   class Sweeper {
    public:
     explicit Sweeper(State& state) : state_(state) { ++state_.raising; }
     Sweeper(const Sweeper&) = delete;
     Sweeper& operator=(const Sweeper&) = delete;
     ~Sweeper() {
-      if (--state_.raising == 0) {
-        std::erase_if(state_.entries, [](const auto& entry) { return !*entry->alive; });
-      }
+      if (--state_.raising == 0) state_.Sweep();
     }
 
    private:
