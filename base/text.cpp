@@ -41,10 +41,9 @@ bool EqualsAsciiNoCase(std::string_view a, std::string_view b) {
   return std::ranges::equal(a, b, {}, FoldAscii, FoldAscii);
 }
 
-constexpr char ClosingPartner(char opening) {
+// What ends a text that `opening` begins, or no character when it begins none.
+constexpr char ClosingQuote(char opening) {
   switch (opening) {
-    case '(':
-      return ')';
     case '[':
       return ']';
     case '"':
@@ -150,31 +149,61 @@ std::vector<std::string_view> Split(std::string_view text, std::string_view sepa
   return pieces;
 }
 
-std::vector<std::string_view> SplitOutsideQuotes(std::string_view text, std::string_view separator) {
-  std::vector<std::string_view> pieces;
-  if (separator.empty()) return {text};
-  std::size_t start = 0;
-  std::size_t depth = 0;
+namespace {
+
+// The position behind the quoted text that begins at `start`, 0 when it is never closed.
+std::size_t QuotedEnd(std::string_view text, std::size_t start) {
+  const char closing = ClosingQuote(text[start]);
+  for (std::size_t i = start + 1; i < text.size(); ++i) {
+    if (text[i] != closing) continue;
+    if (i + 1 >= text.size() || text[i + 1] != closing) return i + 1;
+    ++i;  // doubled, it stands for itself
+  }
+  return 0;
+}
+
+// For every position at which a quoted or bracketed text begins the position behind it, otherwise 0.
+std::vector<std::size_t> FindEnclosures(std::string_view text) {
+  std::vector<std::size_t> behind(text.size());
+  std::vector<std::size_t> open;
+  std::string unclosed;  // quotes known to have no end: looked for once, not again and again
   for (std::size_t i = 0; i < text.size();) {
     const char c = text[i];
-    const char closing = ClosingPartner(c);
-    if (c == '(' && (depth > 0 || text.find(')', i) != std::string_view::npos)) {
-      ++depth;
-    } else if (c == ')' && depth > 0) {
-      --depth;
-    } else if (closing != '\0' && c != '(') {
-      const std::size_t end = text.find(closing, i + 1);
-      if (end != std::string_view::npos) {
-        i = end + 1;
+    if (ClosingQuote(c) != '\0' && unclosed.find(c) == std::string::npos) {
+      behind[i] = QuotedEnd(text, i);
+      if (behind[i] != 0) {
+        i = behind[i];
         continue;
       }
-    } else if (depth == 0 && text.substr(i).starts_with(separator)) {
+      unclosed += c;
+    } else if (c == '(') {
+      open.push_back(i);
+    } else if (c == ')' && !open.empty()) {
+      behind[open.back()] = i + 1;
+      open.pop_back();
+    }
+    ++i;
+  }
+  return behind;
+}
+
+}  // namespace
+
+std::vector<std::string_view> SplitOutsideQuotes(std::string_view text, std::string_view separator) {
+  if (separator.empty() || text.find_first_of("\"'`[(") == std::string_view::npos) return Split(text, separator);
+  const std::vector<std::size_t> behind = FindEnclosures(text);
+  std::vector<std::string_view> pieces;
+  std::size_t start = 0;
+  for (std::size_t i = 0; i < text.size();) {
+    if (behind[i] != 0) {
+      i = behind[i];
+    } else if (text.substr(i).starts_with(separator)) {
       pieces.push_back(text.substr(start, i - start));
       i += separator.size();
       start = i;
-      continue;
+    } else {
+      ++i;
     }
-    ++i;
   }
   pieces.push_back(text.substr(start));
   return pieces;

@@ -44,8 +44,9 @@ std::string_view TrimWhite(std::string_view text);
 /// The pieces of `text` between occurrences of `separator`. An empty separator gives one piece.
 std::vector<std::string_view> Split(std::string_view text, std::string_view separator);
 
-/// Like `Split`, but a separator inside "...", '...', `...`, [...] or (...) does not count. An
-/// opening character that is never closed is ordinary text.
+/// Like `Split`, but a separator inside "...", '...', `...`, [...] or (...) does not count. Inside
+/// quotes and square brackets the closing character doubled stands for itself. An opening character
+/// that is never closed is ordinary text.
 std::vector<std::string_view> SplitOutsideQuotes(std::string_view text, std::string_view separator);
 
 /// The number of Unicode characters in `text`; a byte that is no UTF-8 counts as one.
@@ -66,7 +67,7 @@ void AppendUtf8(std::string& text, char32_t character);
 std::string NumberText(double value);
 
 /// The number that the whole of `text` (blanks around it allowed) writes in decimal form, with or
-/// without sign, point and exponent; none when it is no number.
+/// without sign, point and exponent; none when it is no number or none that a double can hold.
 std::optional<double> ParseNumber(std::string_view text);
 
 /// The number that `text` begins with, 0 when it begins with none. Blanks in front are skipped.
