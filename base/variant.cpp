@@ -1,7 +1,9 @@
 #include "base/variant.h"
 
+#include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <iterator>
 
 #include "base/error.h"
 #include "base/text.h"
@@ -66,15 +68,10 @@ std::string Variant::Text() const {
     case VariantType::Single: {
       // The shortest text of the single, not of the double that holds it: 0.1, not 0.10000000149.
       char buffer[64];
-      const int length = std::snprintf(buffer, sizeof buffer, "%.9g", static_cast<double>(std::get<float>(value_)));
-      for (int digits = 1; digits <= 9; ++digits) {
-        char shorter[64];
-        const int n =
-            std::snprintf(shorter, sizeof shorter, "%.*g", digits, static_cast<double>(std::get<float>(value_)));
-        const std::optional<double> back = ParseNumber({shorter, static_cast<std::size_t>(n)});
-        if (back && static_cast<float>(*back) == std::get<float>(value_)) return NumberText(*back);
-      }
-      return {buffer, static_cast<std::size_t>(length)};
+      const auto result = std::to_chars(std::begin(buffer), std::end(buffer), std::get<float>(value_));
+      const std::string_view shortest(buffer, result.ptr);
+      const std::optional<double> number = ParseNumber(shortest);
+      return number ? NumberText(*number) : std::string(shortest);
     }
     case VariantType::Double:
       return NumberText(std::get<double>(value_));
@@ -133,11 +130,19 @@ Ref<Object> Variant::ToObject() const {
   return object ? *object : nullptr;
 }
 
+// A double cannot tell large neighbouring integers apart, so the number is turned into an integer, not the other way.
+bool Variant::IsInteger(const Variant& number, std::int64_t integer) {
+  if (const auto* other = std::get_if<std::int64_t>(&number.value_)) return *other == integer;
+  constexpr double kBehindLargest = 9223372036854775808.0;
+  const double value = number.Number().value_or(kBehindLargest);
+  return value >= -kBehindLargest && value < kBehindLargest && std::trunc(value) == value &&
+         static_cast<std::int64_t>(value) == integer;
+}
+
 bool operator==(const Variant& a, const Variant& b) {
   if (a.IsNumeric() && b.IsNumeric()) {
-    if (a.Type() == VariantType::Int64 && b.Type() == VariantType::Int64) {
-      return std::get<std::int64_t>(a.value_) == std::get<std::int64_t>(b.value_);
-    }
+    if (const auto* integer = std::get_if<std::int64_t>(&a.value_)) return Variant::IsInteger(b, *integer);
+    if (const auto* integer = std::get_if<std::int64_t>(&b.value_)) return Variant::IsInteger(a, *integer);
     return a.Number() == b.Number();
   }
   if (a.Type() != b.Type()) return false;

@@ -52,6 +52,7 @@ class Variant {
   Variant(std::string value) : value_(std::move(value)) {}
   Variant(std::string_view value) : value_(std::string(value)) {}
   Variant(const char* value) : value_(std::string(value)) {}
+  Variant(const void*) = delete;  ///< any other pointer would silently become True
   Variant(Ref<Object> value) : value_(std::move(value)) {}
   Variant(std::vector<Variant> value) : value_(std::move(value)) {}
 
@@ -101,6 +102,7 @@ class Variant {
                                float, double, DateValue, std::string, Ref<Object>, std::vector<Variant>>;
   explicit Variant(Storage value) : value_(std::move(value)) {}
   bool IsNumeric() const;
+  static bool IsInteger(const Variant& number, std::int64_t integer);
 
   Storage value_;
 };
