@@ -7,28 +7,37 @@
 namespace zrqrybld {
 namespace {
 
-constexpr std::string_view kPasswordKeys[] = {"PWD", "Password", "Passwd", "Jet OLEDB:Database Password"};
+// How the names of password parts end; many have more in front, such as "Jet OLEDB:Database Password".
+constexpr std::string_view kPasswordEndings[] = {"pwd", "password", "passwd"};
 
 bool IsPasswordKey(std::string_view key) {
-  return std::ranges::any_of(kPasswordKeys, [key](std::string_view known) { return EqualsNoCase(key, known); });
+  return std::ranges::any_of(kPasswordEndings, [key](std::string_view ending) {
+    return key.size() >= ending.size() && EqualsNoCase(key.substr(key.size() - ending.size()), ending);
+  });
 }
 
 constexpr char ClosingQuote(char opening) { return opening == '{' ? '}' : opening; }
 
-// Reads a quoted value at `position` (on its opening character) and leaves the position behind it.
-std::string ReadQuoted(std::string_view text, std::size_t& position) {
-  const char closing = ClosingQuote(text[position++]);
+// Reads a quoted value at `position` (on its opening character) and leaves the position behind it. Nothing is read
+// when the quotation is never closed: taking all the rest would hide a password in the value.
+std::optional<std::string> ReadQuoted(std::string_view text, std::size_t& position) {
+  const char closing = ClosingQuote(text[position]);
   std::string value;
-  while (position < text.size()) {
-    const char c = text[position++];
-    if (c == closing) {
-      if (position >= text.size() || text[position] != closing) break;
-      ++position;
+  for (std::size_t i = position + 1; i < text.size(); ++i) {
+    if (text[i] == closing) {
+      if (i + 1 >= text.size() || text[i + 1] != closing) {
+        position = i + 1;
+        return value;
+      }
+      ++i;
     }
-    value += c;
+    value += text[i];
   }
-  return value;
+  return std::nullopt;
 }
+
+// How deep connection strings are looked for inside values. Two layers exist in practice.
+constexpr int kDeepest = 8;
 
 }  // namespace
 
@@ -42,14 +51,13 @@ ConnectionString::ConnectionString(std::string_view text) {
     if (position < text.size() && text[position] == '=') {
       ++position;
       while (position < text.size() && IsWhite(text[position])) ++position;
+      std::optional<std::string> quoted;
       if (position < text.size() && (text[position] == '"' || text[position] == '\'' || text[position] == '{')) {
-        value = ReadQuoted(text, position);
-        position = std::min(text.find(';', position), text.size());
-      } else {
-        const std::size_t end = std::min(text.find(';', position), text.size());
-        value = TrimWhite(text.substr(position, end - position));
-        position = end;
+        quoted = ReadQuoted(text, position);
       }
+      const std::size_t end = std::min(text.find(';', position), text.size());
+      value = quoted ? *std::move(quoted) : TrimWhite(text.substr(position, end - position));
+      position = end;
     }
     if (!key.empty()) parts_.emplace_back(std::move(key), std::move(value));
     ++position;  // the ";"
@@ -62,20 +70,31 @@ std::optional<std::string> ConnectionString::Get(std::string_view key) const {
   return part->second;
 }
 
-std::string ConnectionString::WithoutPassword() const {
+std::string ConnectionString::WithoutPassword() const { return WithoutPassword(kDeepest).first; }
+
+std::pair<std::string, bool> ConnectionString::WithoutPassword(int layers) const {
   std::string text;
+  bool removed = false;
   for (const auto& [key, value] : parts_) {
-    if (IsPasswordKey(key)) continue;
+    if (IsPasswordKey(key)) {
+      removed = true;
+      continue;
+    }
     if (!text.empty()) text += ';';
     text += key;
     text += '=';
-    text += QuoteValue(value);
+    // A value may be a connection string itself, passed on to a second layer with its own password.
+    auto [inner, innerRemoved] =
+        layers > 0 ? ConnectionString(value).WithoutPassword(layers - 1) : std::pair{std::string(), false};
+    text += QuoteValue(innerRemoved ? inner : value);
+    removed |= innerRemoved;
   }
-  return text;
+  return {text, removed};
 }
 
 std::string ConnectionString::QuoteValue(std::string_view value) {
-  const bool plain = value.find_first_of(";\"'{}=") == std::string_view::npos && Trim(value).size() == value.size();
+  const bool plain =
+      value.find_first_of(";\"'{}=") == std::string_view::npos && TrimWhite(value).size() == value.size();
   if (plain) return std::string(value);
   return '"' + ReplaceAll(value, "\"", "\"\"") + '"';
 }

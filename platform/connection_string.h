@@ -10,7 +10,8 @@
 namespace zrqrybld {
 
 /// Keys are compared without regard to case. A value may stand in double or single quotes or in
-/// braces, and then holds anything; the closing character doubled stands for itself.
+/// braces, and then holds anything; the closing character doubled stands for itself. An opening one
+/// that is never closed is ordinary text.
 class ConnectionString {
  public:
   ConnectionString() = default;
@@ -23,13 +24,17 @@ class ConnectionString {
   /// The parts in their order, values without quotes.
   const std::vector<std::pair<std::string, std::string>>& Parts() const { return parts_; }
 
-  /// The text without passwords (`PWD`, `Password` and the like), for logs and messages.
+  /// The text without passwords (`PWD`, `Password` and every key that ends so), for logs and messages.
+  /// Also those of a connection string that stands inside a value.
   std::string WithoutPassword() const;
 
   /// The value as it is written in a connection string: in quotes when it needs them.
   static std::string QuoteValue(std::string_view value);
 
  private:
+  /// The text without passwords down to so many layers, and whether there were any.
+  std::pair<std::string, bool> WithoutPassword(int layers) const;
+
   std::vector<std::pair<std::string, std::string>> parts_;
 };
 

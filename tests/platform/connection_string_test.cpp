@@ -1,0 +1,49 @@
+#include "platform/connection_string.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "base/text.h"
+#include "tests/data_table.h"
+
+namespace zrqrybld {
+namespace {
+
+std::string Describe(const ConnectionString& parsed) {
+  std::string text;
+  for (const auto& [key, value] : parsed.Parts()) text += (text.empty() ? "" : "¦") + key + "=" + value;
+  return text;
+}
+
+TEST(ConnectionString, ReadsAnyTextAndLosesPasswords) {
+  for (const test::Row& row : test::ReadRows("connection_strings.txt")) {
+    SCOPED_TRACE(row.place + " " + row[0]);
+    const ConnectionString parsed(row[0]);
+    EXPECT_EQ(Trim(Describe(parsed)), row[1]);
+    EXPECT_EQ(parsed.WithoutPassword(), row[2]);
+    EXPECT_EQ(parsed.WithoutPassword().find("s3cret"), std::string::npos);
+  }
+}
+
+TEST(ConnectionString, KeysHaveNoCaseAndTheFirstWins) {
+  const ConnectionString parsed("Data Source=a;DATA SOURCE=b;empty");
+  EXPECT_EQ(parsed.Get("data source"), "a");
+  EXPECT_EQ(parsed.Get("Empty"), "");
+  EXPECT_EQ(parsed.Get("Data"), std::nullopt);
+}
+
+TEST(ConnectionString, EveryQuotedValueReadsBackAsItself) {
+  constexpr std::string_view kCharacters = "ab \t\r\n;='\"{}[]";
+  std::mt19937 random(5);
+  for (int i = 0; i < 20'000; ++i) {
+    std::string value;
+    for (std::size_t length = random() % 6; length > 0; --length) value += kCharacters[random() % kCharacters.size()];
+    const ConnectionString parsed("A=" + ConnectionString::QuoteValue(value) + ";B=1");
+    ASSERT_EQ(parsed.Get("A"), value) << ConnectionString::QuoteValue(value);
+    ASSERT_EQ(parsed.Get("B"), "1") << ConnectionString::QuoteValue(value);
+  }
+}
+
+}  // namespace
+}  // namespace zrqrybld
