@@ -1,0 +1,153 @@
+#include "base/keyed_list.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <random>
+
+namespace zrqrybld {
+namespace {
+
+TEST(KeyedList, FindsExactlyFirstThenWithoutCase) {
+  KeyedList<int> list;
+  list.Insert(1, "Orders");
+  list.Insert(2, "ORDERS");
+  list.Insert(3, "orders", 1);
+  EXPECT_EQ(*list.Find("Orders"), 1);
+  EXPECT_EQ(*list.Find("ORDERS"), 2);
+  EXPECT_EQ(*list.Find("oRDERS"), 3);  // of several the first in order
+  list.Move(1, 3);
+  EXPECT_EQ(*list.Find("oRDERS"), 1);
+  EXPECT_EQ(list.PositionOf("orders"), 3u);
+  EXPECT_FALSE(list.HasExactly("oRDERS"));
+  list.Insert(4, "Größe");
+  EXPECT_EQ(*list.Find("GRÖẞE"), 4);
+  EXPECT_EQ(list.Find(""), nullptr);
+}
+
+TEST(KeyedList, RefusesExactDuplicatesAndStaysAsItWas) {
+  KeyedList<int> list;
+  list.Insert(1, "a");
+  list.Insert(2);
+  list.Insert(3);  // any number without key
+  for (const auto& attempt :
+       {std::function<void()>([&] { list.Insert(4, "a"); }), std::function<void()>([&] { list.Rekey(2, "a"); })}) {
+    try {
+      attempt();
+      ADD_FAILURE() << "a duplicate key was taken";
+    } catch (const Error& error) {
+      EXPECT_EQ(error.Number(), ErrorDuplicateKey);
+    }
+  }
+  EXPECT_EQ(list.Count(), 3u);
+  EXPECT_EQ(*list.Find("a"), 1);
+  EXPECT_EQ(list.KeyAt(2), "");
+}
+
+TEST(KeyedList, RekeysInPlace) {
+  KeyedList<int> list;
+  int& item = list.Insert(1, "a");
+  list.Rekey(1, "A");  // only the case
+  EXPECT_EQ(list.Find("a"), &item);
+  EXPECT_FALSE(list.HasExactly("a"));
+  list.Rekey(1, "b");
+  EXPECT_EQ(list.Find("a"), nullptr);
+  EXPECT_EQ(list.Find("B"), &item);  // the item has not moved in memory
+  list.Rekey(1, "");
+  EXPECT_EQ(list.Find("b"), nullptr);
+  list.Insert(2, "b");
+}
+
+TEST(KeyedList, PositionsOutsideYieldNothing) {
+  KeyedList<int> list;
+  EXPECT_EQ(list.At(0), nullptr);
+  EXPECT_EQ(list.At(1), nullptr);
+  EXPECT_EQ(list.KeyAt(1), "");
+  list.Insert(7, "k", 99);  // behind the end appends
+  EXPECT_EQ(*list.At(1), 7);
+  EXPECT_EQ(list.At(2), nullptr);
+  list.Clear();
+  EXPECT_EQ(list.Find("k"), nullptr);
+  KeyedList<std::unique_ptr<int>> movable;
+  movable.Insert(std::make_unique<int>(5), "p");
+  EXPECT_EQ(*movable.RemoveAt(1), 5);
+}
+
+// Thousands of random operations, compared with the plainest list that could do the same.
+TEST(KeyedList, BehavesLikeAPlainList) {
+  struct Plain {
+    int value;
+    std::string key;
+  };
+  constexpr std::string_view kKeys[] = {"", "a", "A", "b", "B", "ß", "ẞ", "c"};
+  std::mt19937 random(3);
+  const auto below = [&random](std::size_t n) { return static_cast<std::size_t>(random()) % n; };
+  KeyedList<int> list;
+  std::vector<Plain> plain;
+  const auto inUse = [&plain](std::string_view key) {
+    return !key.empty() && std::ranges::count(plain, key, &Plain::key) > 0;
+  };
+  for (int step = 0; step < 20'000; ++step) {
+    const std::string key(kKeys[below(std::size(kKeys))]);
+    const std::size_t count = plain.size();
+    const auto at = [&plain](std::size_t position) {
+      return plain.begin() + static_cast<std::ptrdiff_t>(position - 1);
+    };
+    switch (below(count > 12 ? 6 : 5)) {
+      case 0:
+      case 1: {
+        const std::size_t position = below(count + 2);  // 0 appends
+        if (inUse(key)) {
+          ASSERT_THROW(list.Insert(step, key, position), Error);
+        } else {
+          list.Insert(step, key, position);
+          plain.insert(position == 0 ? plain.end() : at(position), {step, key});
+        }
+        break;
+      }
+      case 2:
+        if (count > 0) {
+          const std::size_t position = 1 + below(count);
+          if (at(position)->key != key && inUse(key)) {
+            ASSERT_THROW(list.Rekey(position, key), Error);
+          } else {
+            list.Rekey(position, key);
+            at(position)->key = key;
+          }
+        }
+        break;
+      case 3:
+        if (count > 0) {
+          const std::size_t from = 1 + below(count);
+          const std::size_t to = 1 + below(count);
+          list.Move(from, to);
+          const Plain moved = *at(from);
+          plain.erase(at(from));
+          plain.insert(at(to), moved);
+        }
+        break;
+      default:
+        if (count > 0) {
+          const std::size_t position = 1 + below(count);
+          ASSERT_EQ(list.RemoveAt(position), at(position)->value);
+          plain.erase(at(position));
+        }
+    }
+    ASSERT_EQ(list.Count(), plain.size());
+    for (std::size_t i = 1; i <= plain.size(); ++i) {
+      ASSERT_EQ(*list.At(i), at(i)->value);
+      ASSERT_EQ(list.KeyAt(i), at(i)->key);
+    }
+    for (const std::string_view wanted : kKeys) {
+      auto found = std::ranges::find(plain, wanted, &Plain::key);
+      if (found == plain.end()) {
+        found = std::ranges::find_if(plain, [&](const Plain& p) { return EqualsNoCase(p.key, wanted); });
+      }
+      const bool exists = !wanted.empty() && found != plain.end();
+      ASSERT_EQ(list.PositionOf(wanted), exists ? static_cast<std::size_t>(found - plain.begin()) + 1 : 0);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace zrqrybld

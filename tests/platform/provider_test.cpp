@@ -1,0 +1,123 @@
+#include "platform/provider.h"
+
+#include <gtest/gtest.h>
+
+#include "base/error.h"
+#include "platform/headless.h"
+#include "platform/schema_fields.h"
+#include "platform/table_row_set.h"
+
+namespace zrqrybld {
+namespace {
+
+class FakeSession final : public Session {
+ public:
+  std::unique_ptr<RowSet> OpenSchema(SchemaKind, const SchemaRestrictions&) override {
+    return std::make_unique<TableRowSet>(
+        kLiteralFields, std::vector<std::vector<Variant>>{{"QUOTE_PREFIX", "[", Variant::Null(), 1}, {"B", "", "", 2}});
+  }
+};
+
+class FakeProvider final : public Provider {
+ public:
+  FakeProvider(std::string name, std::string key) : name_(std::move(name)), key_(std::move(key)) {}
+  std::string_view Name() const override { return name_; }
+  bool Accepts(const ConnectionString& text) const override { return text.Get(key_).has_value(); }
+  std::unique_ptr<Session> Open(const ConnectionString& text, std::string_view, std::string_view) override {
+    if (text.Get("Fail")) throw Error(77, "refused");
+    return std::make_unique<FakeSession>();
+  }
+
+ private:
+  std::string name_;
+  std::string key_;
+};
+
+std::int32_t NumberOf(const std::function<void()>& action) {
+  try {
+    action();
+  } catch (const Error& error) {
+    return error.Number();
+  }
+  return 0;
+}
+
+TEST(Provider, IsChosenByNameElseByWhatItAccepts) {
+  ProviderList providers;
+  const auto file = std::make_shared<FakeProvider>("File", "Data Source");
+  const auto server = std::make_shared<FakeProvider>("Server", "DSN");
+  const auto newer = std::make_shared<FakeProvider>("SERVER", "DSN");
+  for (const auto& provider : {file, server, newer}) providers.Register(provider);
+  const auto choose = [&](const char* text) { return &providers.Choose(ConnectionString(text)); };
+  EXPECT_EQ(choose("Data Source=x"), file.get());
+  EXPECT_EQ(choose("DSN=x"), newer.get());
+  EXPECT_EQ(choose("Provider=file;DSN=x"), file.get());
+  EXPECT_EQ(choose("Provider=Server"), newer.get());
+  EXPECT_EQ(NumberOf([&] { choose("Provider=None;DSN=x"); }), ErrorConnectionFailed);
+  EXPECT_EQ(NumberOf([&] { choose(""); }), ErrorConnectionFailed);
+}
+
+TEST(Provider, ConnectionKeepsItsState) {
+  const auto providers = std::make_shared<ProviderList>();
+  providers->Register(std::make_shared<FakeProvider>("File", "Data Source"));
+  ProviderConnection connection(providers);
+  const auto schema = [&] { connection.OpenSchema(SchemaKind::Literals, {}); };
+  EXPECT_EQ(NumberOf([&] { connection.Close(); }), ErrorConnectionClosed);
+  EXPECT_EQ(NumberOf(schema), ErrorConnectionClosed);
+  connection.SetConnectionString("Data Source=x;Fail");
+  EXPECT_EQ(NumberOf([&] { connection.Open("", ""); }), 77);
+  EXPECT_FALSE(connection.IsOpen());
+  connection.SetConnectionString("Data Source=x");
+  connection.Open("", "");
+  EXPECT_TRUE(connection.IsOpen());
+  EXPECT_EQ(NumberOf([&] { connection.Open("", ""); }), ErrorConnectionOpen);
+  EXPECT_EQ(NumberOf([&] { connection.SetConnectionString("other"); }), ErrorConnectionOpen);
+  EXPECT_EQ(connection.ConnectionString(), "Data Source=x");
+  EXPECT_EQ(NumberOf(schema), 0);
+  connection.Close();
+  EXPECT_EQ(NumberOf(schema), ErrorConnectionClosed);
+}
+
+TEST(RowSet, FindsFieldsWithoutCaseAndEnds) {
+  const std::unique_ptr<RowSet> rows = FakeSession().OpenSchema(SchemaKind::Literals, {});
+  EXPECT_EQ(rows->Text("literalname"), "QUOTE_PREFIX");
+  EXPECT_TRUE(rows->Value("InvalidChars").IsNull());
+  EXPECT_EQ(rows->Text("InvalidChars"), "");
+  EXPECT_EQ(NumberOf([&] { rows->Value("nothing"); }), ErrorNoSuchItem);
+  rows->MoveNext();
+  EXPECT_EQ(rows->Text("LiteralName"), "B");
+  rows->MoveNext();
+  rows->MoveNext();
+  EXPECT_TRUE(rows->Eof());
+  const std::unique_ptr<RowSet> closed = FakeSession().OpenSchema(SchemaKind::Literals, {});
+  closed->Close();
+  EXPECT_TRUE(closed->Eof());
+}
+
+TEST(Headless, StoresOnlyWhatDiffersFromItsDefault) {
+  MemoryPropertyStore store;
+  store.Write("a", 5, 1);
+  EXPECT_EQ(store.Read("a", 1), Variant(5));
+  store.Write("a", 1.0, 1);  // the default again, in another kind: the old value must not stay
+  EXPECT_TRUE(store.Values().empty());
+  EXPECT_EQ(store.Read("a", 9), Variant(9));
+}
+
+TEST(Headless, RecordsDrawingInOrderWithItsClips) {
+  RecordingCanvas canvas;
+  Font bold;
+  bold.bold = true;
+  const PixelRect rect{1_px, 2_px, 30_px, 4.5_px};
+  {
+    const ClipScope clip(canvas, rect);
+    canvas.FillRect(rect, ColorRole::Identifier);
+    canvas.DrawText(rect, "a \"b\"", {.ink = Color::Rgb(1, 0, 0), .font = bold});
+  }
+  canvas.DrawPart(ThemedPart::FocusRectangle, rect, {.checked = true, .disabled = true});
+  EXPECT_EQ(canvas.Text(),
+            "clip 1,2 30x4.5\nfill 1,2 30x4.5 Identifier\ntext 1,2 30x4.5 color1 bold \"a \"b\"\"\nunclip\n"
+            "part FocusRectangle 1,2 30x4.5 checked disabled\n");
+}
+
+}  // namespace
+}  // namespace zrqrybld
