@@ -88,9 +88,11 @@ bool StartsWithNoCase(std::string_view text, std::string_view prefix) {
 
 std::size_t FindNoCase(std::string_view text, std::string_view needle, std::size_t from) {
   if (from > text.size()) return std::string_view::npos;
-  const auto found = std::ranges::search(text.substr(from), needle, {}, FoldAscii, FoldAscii);
-  if (found.empty() && !needle.empty()) return std::string_view::npos;
-  return from + static_cast<std::size_t>(found.begin() - (text.begin() + static_cast<std::ptrdiff_t>(from)));
+  const std::string_view rest = text.substr(from);
+  const auto found = std::search(rest.begin(), rest.end(), needle.begin(), needle.end(),
+                                 [](char a, char b) { return FoldAscii(a) == FoldAscii(b); });
+  if (found == rest.end() && !needle.empty()) return std::string_view::npos;
+  return from + static_cast<std::size_t>(found - rest.begin());
 }
 
 namespace {
