@@ -11,7 +11,7 @@ namespace {
 
 constexpr Pixels kGap = 16_px;
 constexpr Pixels kRowStep = 2_px;
-constexpr Pixels kMargin = 16_px;
+constexpr Pixels kMargin = 12_px;  // around the surface, so that no box sticks to the edge of the window
 constexpr int kScrollStep = 24;
 constexpr std::size_t kMostFittedRows = 14;
 
@@ -38,8 +38,7 @@ void qbDiagramPane::Clear() {
   if (context) context->DiagramCleared();
 }
 
-// --- Boxes and lines
-// ------------------------------------------------------------------------------------------------------
+// --- Boxes and lines ---
 
 BoxMetrics qbDiagramPane::CurrentBoxMetrics() const {
   const TextMetrics& text = GetSurface().Metrics();
@@ -129,7 +128,7 @@ TwipsPoint qbDiagramPane::PlaceFor(const qbEntityList& box) const {
     if (loaded.box.get() != &box) others.push_back(loaded.box->Bounds());
   }
   const ScreenScale scale = GetSurface().Scale();
-  const PlacementRules rules{scale.TwipsX(GetSurface().ViewSize().width),
+  const PlacementRules rules{scale.TwipsX(GetSurface().ViewSize().width - kMargin * 2),
                              scale.TwipsY(Pixels(vertical_.maximum + vertical_.page)), scale.TwipsX(kGap),
                              scale.TwipsY(kRowStep)};
   return FindPlace({box.Bounds().width, box.Bounds().height}, others, rules);
@@ -178,8 +177,7 @@ void qbDiagramPane::JoinRemoved() {
   if (const Ref<QueryContext> context = Context()) context->QueryChanged();
 }
 
-// --- Selection
-// --------------------------------------------------------------------------------------------------------------
+// --- Selection ---
 
 void qbDiagramPane::SelectObject(const Ref<Object>& object) {
   if (object == selected_) return;
@@ -209,8 +207,7 @@ void qbDiagramPane::RaiseToTop(const Ref<qbEntityList>& box) {
   if (at != stacking_.end()) std::rotate(at, at + 1, stacking_.end());
 }
 
-// --- Appearance
-// -------------------------------------------------------------------------------------------------------------
+// --- Appearance ---
 
 void qbDiagramPane::ApplyAppearance() {
   const BoxMetrics metrics = CurrentBoxMetrics();
@@ -254,10 +251,11 @@ void qbDiagramPane::SetEntityFrameColor(Color color) {
 
 void qbDiagramPane::OnSurfaceChanged() { ApplyAppearance(); }
 
-// --- Scrolling
-// --------------------------------------------------------------------------------------------------------------
+// --- Scrolling ---
 
-PixelPoint qbDiagramPane::ScrollOffset() const { return {Pixels(horizontal_.value), Pixels(vertical_.value)}; }
+PixelPoint qbDiagramPane::ScrollOffset() const {
+  return {Pixels(horizontal_.value) - kMargin, Pixels(vertical_.value) - kMargin};
+}
 
 PixelRect qbDiagramPane::PlaceOf(const qbEntityList& box) const {
   const PixelPoint offset = ScrollOffset();
@@ -268,8 +266,8 @@ PixelSize qbDiagramPane::ExtentOfBoxes() const {
   PixelSize extent{};
   for (const LoadedBox& loaded : boxes_) {
     const PixelRect place = GetSurface().Scale().ToPixels(loaded.box->Bounds());
-    extent.width = std::max(extent.width, place.Right() + kMargin);
-    extent.height = std::max(extent.height, place.Bottom() + kMargin);
+    extent.width = std::max(extent.width, place.Right() + kMargin * 2);
+    extent.height = std::max(extent.height, place.Bottom() + kMargin * 2);
   }
   return extent;
 }

@@ -30,8 +30,7 @@ class qbDiagramPane final : public Control, private DiagramView {
   ~qbDiagramPane() override;
   std::string_view TypeName() const override { return "qbDiagramPane"; }
 
-  // --- Events, in interface order
-  // -------------------------------------------------------------------------------------
+  // --- Events, in interface order ---
 
   /// An entity or relationship becomes the selected object.
   Event<const Ref<Object>&> ObjectActivate;
@@ -61,8 +60,7 @@ class qbDiagramPane final : public Control, private DiagramView {
   Event<std::int32_t&, std::int32_t> KeyDown;
   Event<std::int32_t&, std::int32_t> KeyUp;
 
-  // --- Properties and methods, in interface order
-  // -----------------------------------------------------------------------
+  // --- Properties and methods, in interface order ---
 
   /// Removes every entity; the grid is emptied and the statement written anew.
   void Clear();
@@ -102,15 +100,13 @@ class qbDiagramPane final : public Control, private DiagramView {
   void SelectObject(const Ref<Object>& object);
   void DropSelection() override;
 
-  // --- For the hub
-  // ------------------------------------------------------------------------------------------------------
+  // --- For the hub ---
 
   /// Links the pane to what the designer shares, or to nothing.
   void SetContext(const Ref<QueryContext>& context) { context_ = context; }
   Ref<QueryContext> Context() const override { return context_.lock(); }
 
-  // --- Window events
-  // ------------------------------------------------------------------------------------------------------
+  // --- Window events ---
 
   void Paint(Canvas& canvas, const PixelRect& dirty) const override;
   void OnResize() override;

@@ -39,8 +39,7 @@ class qbEntities final : public Object, private EntityOwner {
   /// Removes an entity with its columns and all joins at it. A missing one is no error.
   void Remove(const Variant& index);
 
-  // --- For the model, the pane and the hub
-  // ----------------------------------------------------------------------------
+  // --- For the model, the pane and the hub ---
 
   /// The entity with exactly this caption, or nothing.
   Ref<qbEntity> FindExactly(std::string_view caption) const {

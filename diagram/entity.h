@@ -86,8 +86,7 @@ class qbEntity final : public Object {
   bool ShowMinimizeButton() const { return Box().ShowMinimizeButton(); }
   void SetShowMinimizeButton(bool show) { Box().SetShowMinimizeButton(show); }
 
-  // --- For the model and the pane
-  // -------------------------------------------------------------------------------------
+  // --- For the model and the pane ---
 
   /// The box; nothing once the entity was removed.
   const Ref<qbEntityList>& EntityBox() const { return box_; }

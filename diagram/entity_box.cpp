@@ -157,8 +157,7 @@ void qbEntityList::Notify(std::string_view message, const Variant& argument) {
   }
 }
 
-// --- Painting
-// -----------------------------------------------------------------------------------------------------------
+// --- Painting ---
 
 void qbEntityList::Paint(Canvas& canvas, const PixelRect& place, bool active, const BoxHit& hover) const {
   canvas.FillRect(place, backColor_, kRadius);

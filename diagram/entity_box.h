@@ -45,7 +45,7 @@ class qbEntityList final : public Object {
   explicit qbEntityList(const BoxMetrics& metrics);
   std::string_view TypeName() const override { return "qbEntityList"; }
 
-  // --- What the entity forwards here --------------------------------------------------------------------------------
+  // --- What the entity forwards here ---
 
   const std::string& Caption() const { return caption_; }
   void SetCaption(std::string caption);
@@ -64,8 +64,7 @@ class qbEntityList final : public Object {
   const TwipsRect& Bounds() const { return bounds_; }
   void SetBounds(const TwipsRect& bounds);
 
-  // --- Rows
-  // -----------------------------------------------------------------------------------------------------------
+  // --- Rows ---
 
   BoxRows& Rows() { return rows_; }
   const BoxRows& Rows() const { return rows_; }
@@ -79,8 +78,7 @@ class qbEntityList final : public Object {
   /// Scrolls so that `row` becomes the first visible one, as far as the list is long.
   void ScrollTo(std::size_t row);
 
-  // --- Geometry, in twips on the pane's surface
-  // -----------------------------------------------------------------------
+  // --- Geometry, in twips on the pane's surface ---
 
   /// The place of a row; rows that are scrolled away lie outside the box.
   TwipsRect ItemBounds(std::size_t row) const;
@@ -98,8 +96,7 @@ class qbEntityList final : public Object {
   /// Draws the box with its top left corner at `origin`.
   void Paint(Canvas& canvas, const PixelRect& place, bool active, const BoxHit& hover) const;
 
-  // --- Messages
-  // -------------------------------------------------------------------------------------------------------
+  // --- Messages ---
 
   /// Passes on a message of the model: "move", "relationshipadd", "relationshipchange",
   /// "relationshipremove". Any other message is ignored.

@@ -32,7 +32,7 @@ class qbEntityItems final : public Object {
   /// Removes a column by position or key. Error 9 when there is none.
   void Remove(const Variant& index);
 
-  // --- For the model ------------------------------------------------------------------------------------------------
+  // --- For the model ---
 
   /// The rows of the box that shows the entity.
   void SetRows(BoxRows* rows) { rows_ = rows; }

@@ -31,7 +31,7 @@ class IconPen {
   PixelRect Area(double x, double y, double width, double height) const {
     return {origin_.x + unit_ * x, origin_.y + unit_ * y, unit_ * width, unit_ * height};
   }
-  Pixels Stroke() const { return std::max(unit_ * 1.2, 1_px); }
+  Pixels Stroke() const { return std::max(unit_ * 1.5, 1_px); }
 
   Canvas& canvas_;
   const Ink& ink_;
@@ -57,10 +57,10 @@ void DrawIcon(Canvas& canvas, Icon icon, const PixelRect& rect, const Ink& ink) 
       pen.Line(5, 11, 9, 11);
       break;
     case Icon::Key:
-      pen.Frame(1.5, 5, 6, 6, 3);
-      pen.Line(7.5, 8, 14.5, 8);
-      pen.Line(11, 8, 11, 11);
-      pen.Line(14, 8, 14, 11);
+      pen.Frame(0.5, 4, 8, 8, 4);
+      pen.Line(8, 8, 15.5, 8);
+      pen.Line(12, 8, 12, 11.5);
+      pen.Line(15, 8, 15, 12);
       break;
   }
 }

@@ -73,8 +73,7 @@ class qbRelationship final : public Object {
   const Ref<Image>& RightPicture() const { return rightPicture_; }
   void SetRightPicture(Ref<Image> picture) { rightPicture_ = std::move(picture); }
 
-  // --- For the model and the pane
-  // -------------------------------------------------------------------------------------
+  // --- For the model and the pane ---
 
   /// The joined columns; nothing when the index is not set or names none.
   Ref<qbEntityItem> SourceItem() const;

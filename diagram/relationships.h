@@ -37,7 +37,7 @@ class qbRelationships final : public Object, private RelationshipOwner {
   /// Removes the join at a position from 1. Error 9 when there is none.
   void Remove(const Variant& index);
 
-  // --- For the model ------------------------------------------------------------------------------------------------
+  // --- For the model ---
 
   void SetParentEntity(const Ref<qbEntity>& entity) { parent_ = entity; }
   /// The entity leaves the diagram.

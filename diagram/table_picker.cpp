@@ -68,28 +68,28 @@ Ref<qbEntity> TablePicker::AddTable(const std::string& tableName) {
 }
 
 void TablePicker::FillFromSource(qbEntity& entity, const std::string& tableName) {
-  const SchemaRestrictions table = FindTable(entity, tableName);
-  AddColumns(entity, table);
-  MarkPrimaryKeys(entity, table);
+  const FoundTable table = FindTable(tableName);
+  for (std::size_t i = 0; !table.row->Eof() && i < table.row->FieldCount(); ++i) {
+    entity.Properties()->Set(std::string(kSchemaFactPrefix) + std::string(table.row->FieldName(i)),
+                             table.row->Value(i));
+  }
+  AddColumns(entity, table.restrictions);
+  MarkPrimaryKeys(entity, table.restrictions);
 }
 
 // A name whose parts name no table may itself hold the separator: it is then tried whole.
-SchemaRestrictions TablePicker::FindTable(qbEntity& entity, const std::string& tableName) {
+TablePicker::FoundTable TablePicker::FindTable(const std::string& tableName) {
   const std::vector<Identifier> parts = SplitName(tableName, CurrentNameRules(*context_));
-  SchemaRestrictions table = RestrictionsFor(parts);
-  auto rows = context_->Connection()->OpenSchema(SchemaKind::Tables, table);
-  if (rows->Eof() && parts.size() > 1) {
-    SchemaRestrictions whole;
-    whole.table = tableName;
-    rows = context_->Connection()->OpenSchema(SchemaKind::Tables, whole);
-    if (!rows->Eof()) table = whole;
-  }
-  if (rows->Eof()) return table;
-  for (std::size_t i = 0; i < rows->FieldCount(); ++i) {
-    entity.Properties()->Set(std::string(kSchemaFactPrefix) + std::string(rows->FieldName(i)), rows->Value(i));
-  }
-  return table;
+  FoundTable found{RestrictionsFor(parts), nullptr};
+  found.row = context_->Connection()->OpenSchema(SchemaKind::Tables, found.restrictions);
+  if (!found.row->Eof() || parts.size() == 1) return found;
+  FoundTable whole;
+  whole.restrictions.table = tableName;
+  whole.row = context_->Connection()->OpenSchema(SchemaKind::Tables, whole.restrictions);
+  return whole.row->Eof() ? std::move(found) : std::move(whole);
 }
+
+bool TablePicker::HasTable(const std::string& tableName) { return !FindTable(tableName).row->Eof(); }
 
 void TablePicker::AddColumns(qbEntity& entity, const SchemaRestrictions& table) {
   struct Column {

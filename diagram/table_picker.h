@@ -3,6 +3,7 @@
 // The hub makes one for each use. It talks to the connection and the diagram through the context.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,9 @@ class TablePicker {
   /// linked; error 40004 when the source fails.
   Ref<qbEntity> AddTable(const std::string& tableName);
 
+  /// Whether the source has a table or view with this name. Errors are the source's own.
+  bool HasTable(const std::string& tableName);
+
   /// Asks the source for its tables and views. Errors are the source's own.
   TableLists ListTables();
 
@@ -38,7 +42,12 @@ class TablePicker {
  private:
   std::string FreshKey(const std::string& tableName) const;
   void FillFromSource(qbEntity& entity, const std::string& tableName);
-  SchemaRestrictions FindTable(qbEntity& entity, const std::string& tableName);
+  // The table's row of the tables schema and how to ask for it; the row set is at its end when there is none.
+  struct FoundTable {
+    SchemaRestrictions restrictions;
+    std::unique_ptr<RowSet> row;
+  };
+  FoundTable FindTable(const std::string& tableName);
   void AddColumns(qbEntity& entity, const SchemaRestrictions& table);
   void MarkPrimaryKeys(qbEntity& entity, const SchemaRestrictions& table);
   void AddSelectedTables(const std::vector<std::string>& names);

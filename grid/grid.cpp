@@ -67,8 +67,7 @@ std::string zrGrid::CellText(std::size_t row, std::size_t column) const {
   return rows_->At(row).ValueAt(column).Text();
 }
 
-// --- What columns and rows report
-// -------------------------------------------------------------------------------------------
+// --- What columns and rows report ---
 
 void zrGrid::ColumnsChanged() {
   if (currentColumn_ > static_cast<std::size_t>(columns_->Count())) MakeCurrent(0, 0);
@@ -95,8 +94,7 @@ void zrGrid::RowsChanged() {
   Redraw();
 }
 
-// --- Current cell and selected rows
-// -----------------------------------------------------------------------------------------
+// --- Current cell and selected rows ---
 
 PixelRect zrGrid::GetRowColumnXY(std::int32_t row, const Variant& column) const {
   if (row < 1 || row > rows_->Count()) ThrowNoSuchItem();
@@ -106,6 +104,18 @@ PixelRect zrGrid::GetRowColumnXY(std::int32_t row, const Variant& column) const 
 void zrGrid::GotoRowCol(std::int32_t row, const Variant& column) {
   if (row < 1 || row > rows_->Count()) ThrowNoSuchItem();
   MakeCurrent(static_cast<std::size_t>(row), columns_->PositionOf(column));
+}
+
+void zrGrid::FitColumn(const Variant& column, float least) {
+  const std::size_t position = columns_->PositionOf(column);
+  const TextMetrics& text = GetSurface().Metrics();
+  Pixels width = text.TextWidth(columns_->At(position).Caption(), font_);
+  const GridLayout::Range rows = Layout().VisibleRows(GetSurface().ViewSize().height);
+  for (std::size_t row = rows.first; row <= rows.last; ++row) {
+    if (!IsCheckBoxColumn(position)) width = std::max(width, text.TextWidth(CellText(row, position), font_));
+  }
+  const Twips fitting = GetSurface().Scale().TwipsX(Pixels(std::ceil(width.Value())) + kGridTextPadding * 2 + 2_px);
+  columns_->At(position).SetWidth(std::max(static_cast<float>(fitting.Value()), least));
 }
 
 void zrGrid::MakeCurrent(std::size_t row, std::size_t column) {
@@ -145,8 +155,7 @@ void zrGrid::DeleteSelectedRows() {
   Redraw();
 }
 
-// --- Scrolling
-// --------------------------------------------------------------------------------------------------------------
+// --- Scrolling ---
 
 void zrGrid::UpdateScrollBars() {
   const GridLayout layout = Layout();

@@ -22,8 +22,7 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   ~zrGrid() override;
   std::string_view TypeName() const override { return "zrGrid"; }
 
-  // --- Events
-  // ---------------------------------------------------------------------------------------------------------
+  // --- Events ---
 
   /// A cell's value was changed: row and column, from 1.
   Event<std::int32_t, std::int32_t> AfterChange;
@@ -41,8 +40,7 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   /// Another cell is current; row and column are 0 when there is none.
   Event<std::int32_t, std::int32_t> RowColChange;
 
-  // --- Properties
-  // -----------------------------------------------------------------------------------------------------
+  // --- Properties ---
 
   const zrqrybld::Font& Font() const { return font_; }
   void SetFont(const zrqrybld::Font& font);
@@ -62,8 +60,7 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   bool AutoRedraw() const { return autoRedraw_; }
   void SetAutoRedraw(bool redraw);
 
-  // --- Methods
-  // --------------------------------------------------------------------------------------------------------
+  // --- Methods ---
 
   /// What is under a point of the control.
   GridHit GetRowColumnIndex(PixelPoint point) const { return Layout().HitTest(point); }
@@ -71,14 +68,16 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   PixelRect GetRowColumnXY(std::int32_t row, const Variant& column) const;
   /// Makes a cell current and scrolls it into view. Error 9 when there is no such cell.
   void GotoRowCol(std::int32_t row, const Variant& column);
+  /// Makes a column wide enough for its caption and the texts of the rows that are visible; never narrower than
+  /// `least`, in twips. Error 9 when there is no such column.
+  void FitColumn(const Variant& column, float least);
   /// Repaints everything.
   void Refresh();
 
   /// The text that a cell shows.
   std::string CellText(std::size_t row, std::size_t column) const;
 
-  // --- Window events
-  // --------------------------------------------------------------------------------------------------
+  // --- Window events ---
 
   void Paint(Canvas& canvas, const PixelRect& dirty) const override;
   void OnResize() override;

@@ -8,7 +8,6 @@ namespace zrqrybld {
 namespace {
 
 constexpr Pixels kNarrowest = 16_px;
-constexpr Pixels kTextPadding = 6_px;
 
 }  // namespace
 
@@ -143,7 +142,7 @@ std::string zrGrid::ToolTipAt(PixelPoint point) const {
   const GridHit hit = layout.HitTest(point);
   if (hit.part != GridPart::Cell || columns_->At(hit.column).Style() == GridColumnCheckBox) return {};
   const std::string text = CellText(hit.row, hit.column);
-  const Pixels room = layout.CellRect(hit.row, hit.column).width - kTextPadding * 2;
+  const Pixels room = layout.CellRect(hit.row, hit.column).width - kGridTextPadding * 2;
   return GetSurface().Metrics().TextWidth(text, font_) > room ? text : std::string();
 }
 

@@ -10,6 +10,9 @@
 
 namespace zrqrybld {
 
+/// Kept free on both sides of a cell's text.
+inline constexpr Pixels kGridTextPadding = 6_px;
+
 /// What is under a point of a grid.
 enum class GridPart : std::uint8_t { Nothing, Corner, ColumnHeader, ColumnEdge, RowHeader, Cell };
 

@@ -4,7 +4,6 @@
 namespace zrqrybld {
 namespace {
 
-constexpr Pixels kTextPadding = 6_px;
 constexpr Pixels kCheckBox = 15_px;
 
 }  // namespace
@@ -38,7 +37,7 @@ void zrGrid::PaintHeaders(Canvas& canvas, const GridLayout& layout, PixelSize vi
       const PixelRect rect = layout.ColumnHeaderRect(column);
       if (rect.Empty()) continue;
       canvas.DrawPart(ThemedPart::ColumnHeader, rect, {});
-      canvas.DrawText(rect.Inset(kTextPadding, {}), columns_->At(column).Caption(), {ColorRole::Text, font_});
+      canvas.DrawText(rect.Inset(kGridTextPadding, {}), columns_->At(column).Caption(), {ColorRole::Text, font_});
     }
   }
   {
@@ -66,7 +65,7 @@ void zrGrid::PaintCell(Canvas& canvas, const PixelRect& rect, std::size_t row, s
                     {rect.CenterX() - kCheckBox / 2, rect.CenterY() - kCheckBox / 2, kCheckBox, kCheckBox},
                     {.checked = value == Variant(true)});
   } else {
-    canvas.DrawText(rect.Inset(kTextPadding, {}), CellText(row, column), {ink, font_});
+    canvas.DrawText(rect.Inset(kGridTextPadding, {}), CellText(row, column), {ink, font_});
   }
   if (current) canvas.StrokeRect(rect, focused_ ? ColorRole::Focus : ColorRole::GridLine, focused_ ? 2_px : 1_px);
 }

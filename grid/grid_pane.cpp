@@ -56,8 +56,7 @@ void qbGridPane::CreateColumns() {
       [this](std::int32_t row, std::int32_t column) { RowColChange.Raise(row, column); }));
 }
 
-// --- Link to the hub
-// --------------------------------------------------------------------------------------------------------
+// --- Link to the hub ---
 
 void qbGridPane::SetContext(const Ref<QueryContext>& context) {
   context_ = context;
@@ -109,8 +108,7 @@ void qbGridPane::SetLock(std::string_view key, bool lock) {
   grdPane_->Columns()->Item(key)->SetStyle(lock ? GridColumnComboList : GridColumnCombo);
 }
 
-// --- Cells
-// ------------------------------------------------------------------------------------------------------------------
+// --- Cells ---
 
 Variant qbGridPane::Value(const Variant& row, const Variant& column) const {
   const std::int32_t rowIndex = row.IsMissing() ? grdPane_->Row() : row.ToInt32();
@@ -156,8 +154,7 @@ void qbGridPane::ResetRows() {
   grdPane_->SetAutoRedraw(true);
 }
 
-// --- Sorting and grouping
-// ---------------------------------------------------------------------------------------------------
+// --- Sorting and grouping ---
 
 std::int16_t qbGridPane::NextSortOrder(std::int32_t row) const {
   std::int16_t next = 1;
@@ -207,8 +204,7 @@ void qbGridPane::SetRowGroupBy(zrGridRow& row) {
   row.SetValue("group_by", showGroupBy_ ? all ? "Count" : "Group By" : "");
 }
 
-// --- Tables
-// -----------------------------------------------------------------------------------------------------------------
+// --- Tables ---
 
 void qbGridPane::RefreshTableList() {
   const Ref<zrGridComboItems>& list = grdPane_->Columns()->Item("table")->ComboItems();
@@ -245,8 +241,7 @@ void qbGridPane::RenameTable(const std::string& before, const std::string& after
   }
 }
 
-// --- Cells that the user or the application has changed
-// -----------------------------------------------------------------------
+// --- Cells that the user or the application has changed ---
 
 void qbGridPane::CellChanged(std::int32_t row, std::int32_t column) {
   if (busy_) return;

@@ -28,8 +28,7 @@ class qbGridPane final : public Object {
   ~qbGridPane() override = default;
   std::string_view TypeName() const override { return "qbGridPane"; }
 
-  // --- Events, in interface order
-  // -------------------------------------------------------------------------------------
+  // --- Events, in interface order ---
 
   Event<> DblClick;
   /// The right button is released over a cell: row and column, from 1.
@@ -37,8 +36,7 @@ class qbGridPane final : public Object {
   Event<std::int32_t, std::int32_t> RowColChange;
   Event<std::int32_t, std::int32_t> AfterChange;
 
-  // --- Properties and methods, in interface order
-  // ---------------------------------------------------------------------
+  // --- Properties and methods, in interface order ---
 
   /// The current column, from 1; 0 when no cell is current.
   std::int16_t Column() const { return static_cast<std::int16_t>(grdPane_->Column()); }
@@ -75,8 +73,7 @@ class qbGridPane final : public Object {
   DateFormatEnum DateFormatStyle() const { return dateFormatStyle_; }
   void SetDateFormatStyle(DateFormatEnum style) { dateFormatStyle_ = style; }
 
-  // --- For the hub
-  // ----------------------------------------------------------------------------------------------------
+  // --- For the hub ---
 
   void SetContext(const Ref<QueryContext>& context);
 

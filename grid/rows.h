@@ -61,8 +61,7 @@ class zrGridRow final : public Object {
   bool Locked() const { return locked_; }
   void SetLocked(bool locked) { locked_ = locked; }
 
-  // --- For the grid and its owner
-  // -------------------------------------------------------------------------------------
+  // --- For the grid and its owner ---
 
   /// The cell at a column position from 1; Empty beyond the cells that were set.
   const Variant& ValueAt(std::size_t column) const;

@@ -61,7 +61,7 @@ struct SourceTable {
 
 class QueryContext : public Object {
  public:
-  // --- What is shared ---------------------------------------------------------------------------------------------
+  // --- What is shared ---
 
   Toolkit& GetToolkit() const { return *toolkit_; }
 
@@ -102,7 +102,7 @@ class QueryContext : public Object {
   /// The designed query as it is now.
   virtual QuerySnapshot Snapshot() const = 0;
 
-  // --- State, progress, steps ---------------------------------------------------------------------------------------
+  // --- State, progress, steps ---
 
   /// What the designer is busy with; `InfoDone` when idle.
   QueryBuilderInfoEnum state() const { return state_; }
@@ -116,8 +116,7 @@ class QueryContext : public Object {
   void BeginStep(std::string_view name);
   void EndStep();
 
-  // --- Whom the panes tell
-  // --------------------------------------------------------------------------------------------
+  // --- Whom the panes tell ---
 
   /// Something that the statement depends on has changed. The statement is written once, at the end of
   /// the outermost step; not while the designer is busy.
@@ -136,8 +135,7 @@ class QueryContext : public Object {
   /// The user has double-clicked a join.
   virtual void RelationshipActivated(const Ref<qbRelationship>& relationship) = 0;
 
-  // --- For connection handling
-  // ------------------------------------------------------------------------------------------
+  // --- For connection handling ---
 
   /// The tables that were read on connecting; empty when they were not asked for.
   std::vector<SourceTable>& SourceTables() { return sourceTables_; }

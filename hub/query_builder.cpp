@@ -18,8 +18,7 @@ Ref<qbQueryBuilder> qbQueryBuilder::Create(std::shared_ptr<Toolkit> toolkit) {
 
 qbQueryBuilder::~qbQueryBuilder() = default;
 
-// --- Connection
-// -------------------------------------------------------------------------------------------------------------
+// --- Connection ---
 
 void qbQueryBuilder::Connect(const std::string& connectionString) {
   const BusyPointer busy(GetToolkit());
@@ -48,11 +47,14 @@ void qbQueryBuilder::RetrieveInfo() {
   QueryChanged();  // names may be quoted in another way now
 }
 
-// --- Tables and joins
-// -------------------------------------------------------------------------------------------------------
+// --- Tables and joins ---
 
 Ref<qbEntity> qbQueryBuilder::AddTable(const std::string& tableName) {
   return TablePicker(RefTo(*this)).AddTable(RemoveIdentifierQuotes(tableName, CurrentNameRules(*this)));
+}
+
+bool qbQueryBuilder::HasTable(const std::string& tableName) {
+  return TablePicker(RefTo(*this)).HasTable(RemoveIdentifierQuotes(tableName, CurrentNameRules(*this)));
 }
 
 void qbQueryBuilder::ShowTables() {
@@ -62,8 +64,7 @@ void qbQueryBuilder::ShowTables() {
 
 void qbQueryBuilder::RefreshAutoJoins() { RefreshRelationships(RefTo(*this)); }
 
-// --- Options
-// ----------------------------------------------------------------------------------------------------------------
+// --- Options ---
 
 void qbQueryBuilder::SetDistinctRecords(bool distinct) {
   if (distinct == distinctRecords_) return;
@@ -107,8 +108,7 @@ void qbQueryBuilder::SetLanguageString(std::int32_t id, const std::string& newVa
   if (gridPane_) gridPane_->ApplyGridCaptions();
 }
 
-// --- Panes
-// ------------------------------------------------------------------------------------------------------------------
+// --- Panes ---
 
 void qbQueryBuilder::SetDiagramPane(const Ref<qbDiagramPane>& pane) {
   if (diagramPane_ && diagramPane_ != pane) diagramPane_->SetContext(nullptr);
@@ -142,8 +142,7 @@ void qbQueryBuilder::RefreshStatement() {
   if (sqlPane_) sqlPane_->Refresh();
 }
 
-// --- What the panes tell
-// ------------------------------------------------------------------------------------------------------
+// --- What the panes tell ---
 
 void qbQueryBuilder::ItemChecked(const std::string& entityCaption, const std::string& itemText, bool checked) {
   if (gridPane_) gridPane_->SetFieldOutput(itemText, checked, entityCaption);

@@ -24,8 +24,7 @@ class qbQueryBuilder final : public QueryContext {
   ~qbQueryBuilder() override;
   std::string_view TypeName() const override { return "qbQueryBuilder"; }
 
-  // --- Public members, in interface order
-  // -----------------------------------------------------------------------------
+  // --- Public members, in interface order ---
 
   /// Adds a table of the data source to the diagram; quotes around its name are taken off. It draws no
   /// joins: call `RefreshAutoJoins` after the last table. Nothing when a listener prevents it or no diagram
@@ -100,8 +99,13 @@ class qbQueryBuilder final : public QueryContext {
   std::int16_t AliasMaxLen() const override { return aliasMaxLen_; }
   void SetAliasMaxLen(std::int16_t characters);
 
-  // --- What the panes ask and tell
-  // ------------------------------------------------------------------------------------
+  // --- For host applications ---
+
+  /// Whether the source has a table or view with this name, quotes taken off. Error 3704 when the connection is
+  /// closed, otherwise the source's own errors.
+  bool HasTable(const std::string& tableName);
+
+  // --- What the panes ask and tell ---
 
   Ref<qbQueryBuilder> Hub() override { return RefTo(*this); }
   Ref<qbEntities> Entities() const override { return diagramPane_ ? diagramPane_->Entities() : nullptr; }

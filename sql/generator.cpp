@@ -41,7 +41,7 @@ class Generator {
   }
 
  private:
-  // --- Names ------------------------------------------------------------------------------------------------------
+  // --- Names ---
 
   // What stands before "." and a column.
   SqlText TableTerm(const SnapshotTable& table) const {
@@ -71,7 +71,7 @@ class Generator {
 
   std::string_view TemplateOf(const SnapshotRow& row) const { return row.aggregate.empty() ? kField : row.aggregate; }
 
-  // --- FROM and joins ---------------------------------------------------------------------------------------------
+  // --- FROM and joins ---
 
   void WriteTableList() {
     for (std::size_t table = 0; table < query_.tables.size(); ++table) {
@@ -140,7 +140,7 @@ class Generator {
     return text;
   }
 
-  // --- SELECT, ORDER BY, GROUP BY ---------------------------------------------------------------------------------
+  // --- SELECT, ORDER BY, GROUP BY ---
 
   // Each row's "@field" replaces every "@field" in the whole text so far. What holds none any more is
   // finished and never looked at again, so the work grows with the text, not with rows times text.
@@ -192,7 +192,7 @@ class Generator {
     }
   }
 
-  // --- Head and assembly ------------------------------------------------------------------------------------------
+  // --- Head and assembly ---
 
   void WriteLimit() {
     if (query_.distinct) head_ += "DISTINCT ";

@@ -44,8 +44,7 @@ class qbSQLPane final : public Object {
   /// The hub that the pane is linked to, or nothing.
   Ref<qbQueryBuilder> QueryBuilder() const;
 
-  // --- For the hub and the adapter
-  // ------------------------------------------------------------------------------------
+  // --- For the hub and the adapter ---
 
   void SetContext(const Ref<QueryContext>& context) { context_ = context; }
 

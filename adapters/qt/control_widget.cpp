@@ -58,9 +58,15 @@ void ControlWidget::Tell(Call&& call) {
   if (control) boundary_.Run([&] { call(*control); });
 }
 
-// --- The surface -----------------------------------------------------------------------------------------------------
+// --- The surface ---
 
-PixelSize ControlWidget::ViewSize() const { return {Pixels(viewport()->width()), Pixels(viewport()->height())}; }
+// A widget that no layout has placed yet has a size that means nothing; tables added before the window is shown
+// would be piled up in it.
+PixelSize ControlWidget::ViewSize() const {
+  constexpr PixelSize kBeforeLayout{800_px, 600_px};
+  if (!wasShown_) return kBeforeLayout;
+  return {Pixels(viewport()->width()), Pixels(viewport()->height())};
+}
 
 void ControlWidget::Invalidate(const PixelRect& area) {
   // One pixel more: an antialiased edge may reach into its neighbour.
@@ -126,7 +132,7 @@ void ControlWidget::DragText(std::string_view text) {
 
 void ControlWidget::scrollContentsBy(int, int) {}  // the control moves its contents itself
 
-// --- Painting --------------------------------------------------------------------------------------------------------
+// --- Painting ---
 
 void ControlWidget::paintEvent(QPaintEvent* event) {
   QPainter painter(viewport());
@@ -158,7 +164,7 @@ void ControlWidget::changeEvent(QEvent* event) {
   }
 }
 
-// --- Mouse -----------------------------------------------------------------------------------------------------------
+// --- Mouse ---
 
 void ControlWidget::mousePressEvent(QMouseEvent* event) {
   const MouseEvent mouse = ToMouseEvent(*event);
@@ -216,7 +222,7 @@ void ControlWidget::ShowToolTip(const QPoint& position, const QPoint& globalPosi
   QToolTip::showText(globalPosition, Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text, viewport());
 }
 
-// --- Keyboard and focus ----------------------------------------------------------------------------------------------
+// --- Keyboard and focus ---
 
 bool ControlWidget::OfferKey(QKeyEvent& event) {
   const KeyEvent key = ToKeyEvent(event);
@@ -263,6 +269,13 @@ void ControlWidget::focusInEvent(QFocusEvent* event) {
 void ControlWidget::focusOutEvent(QFocusEvent* event) {
   if (event->reason() == Qt::PopupFocusReason) return;
   Tell([](Control& control) { control.OnFocusChanged(false); });
+}
+
+void ControlWidget::showEvent(QShowEvent* event) {
+  QAbstractScrollArea::showEvent(event);
+  if (wasShown_) return;
+  wasShown_ = true;
+  Tell([](Control& control) { control.OnResize(); });
 }
 
 void ControlWidget::hideEvent(QHideEvent* event) {

@@ -68,6 +68,7 @@ class ControlWidget : public QAbstractScrollArea, public Surface {
   void keyReleaseEvent(QKeyEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
+  void showEvent(QShowEvent* event) override;
   void hideEvent(QHideEvent* event) override;
   void changeEvent(QEvent* event) override;
   void scrollContentsBy(int dx, int dy) override;
@@ -87,6 +88,7 @@ class ControlWidget : public QAbstractScrollArea, public Surface {
   DragHandler dragHandler_;
   std::array<ScrollState, 2> scrollStates_;  // as the control wants them, by orientation
   bool applyingScrollBars_ = false;
+  bool wasShown_ = false;
 };
 
 }  // namespace zrqrybld

@@ -107,7 +107,7 @@ QtTextArea::QtTextArea(QWidget* parent) : QPlainTextEdit(parent), theme_(palette
   });
 }
 
-// --- The text --------------------------------------------------------------------------------------------------------
+// --- The text ---
 
 std::string QtTextArea::Text() const {
   // Not `toPlainText`: that turns no-break spaces, which a literal may hold, into blanks.
@@ -151,7 +151,7 @@ void QtTextArea::OnContentsChanged() {
   if (!settingText_) boundary_.Run([this] { Edited.Raise(); });
 }
 
-// --- Colours ---------------------------------------------------------------------------------------------------------
+// --- Colours ---
 
 void QtTextArea::SetHighlighter(Highlighter highlighter) {
   highlighter_ = std::move(highlighter);
@@ -252,7 +252,7 @@ void QtTextArea::focusOutEvent(QFocusEvent* event) {
   MarkCurrentLine();
 }
 
-// --- The margin ------------------------------------------------------------------------------------------------------
+// --- The margin ---
 
 int QtTextArea::MarginWidth() const {
   const auto digits = std::max<qsizetype>(QString::number(blockCount()).size(), kFewestDigits);

@@ -161,7 +161,8 @@ Theme::Theme(const QPalette& palette) : palette_(palette), partPalette_(palette)
   setInk(ColorRole::Disabled, Blend(text, box, 0.5), kTextContrast);
 
   setInk(ColorRole::BoxFrame, Blend(box, extreme, 0.3), kLineContrast);
-  setInk(ColorRole::GridLine, Blend(box, extreme, 0.2), kLineContrast);
+  // Grid lines are decoration: headers, text and every other row's shade tell the cells apart.
+  setInk(ColorRole::GridLine, Blend(box, extreme, 0.13), kDecorationContrast);
   setInk(ColorRole::JoinHover, Blend(highlight, extreme, 0.15), kLineContrast);
   setInk(ColorRole::JoinSelected, highlight, kLineContrast);
   setInk(ColorRole::Focus, highlight, kLineContrast);

@@ -20,6 +20,8 @@ class Theme {
   /// The least contrast of text, and of lines, to what they stand on.
   static constexpr double kTextContrast = 4.5;
   static constexpr double kLineContrast = 3.0;
+  /// For lines that only make a picture calmer to read.
+  static constexpr double kDecorationContrast = 1.25;
 
   explicit Theme(const QPalette& palette);
 

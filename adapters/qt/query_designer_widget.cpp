@@ -1,0 +1,58 @@
+#include "adapters/qt/query_designer_widget.h"
+
+#include "adapters/qt/sql_highlighter.h"
+
+namespace zrqrybld {
+namespace {
+
+// How the panes share the height at first.
+constexpr int kDiagramShare = 46;
+constexpr int kGridShare = 28;
+constexpr int kSqlShare = 26;
+
+}  // namespace
+
+QueryDesignerWidget::QueryDesignerWidget(QWidget* parent)
+    : QSplitter(Qt::Vertical, parent),
+      toolkit_(std::make_shared<QtToolkit>(this)),
+      hub_(qbQueryBuilder::Create(toolkit_)),
+      diagram_(new ControlWidget(nullptr, this)),
+      grid_(new ControlWidget(nullptr, this)),
+      sql_(new QtTextArea(this)) {
+  const Ref<qbDiagramPane> diagram = qbDiagramPane::Create();
+  const Ref<qbGridPane> grid = qbGridPane::Create();
+  const Ref<qbSQLPane> sql = qbSQLPane::Create();
+  hub_->SetDiagramPane(diagram);
+  hub_->SetGridPane(grid);
+  hub_->SetSQLPane(sql);
+  diagram_->SetControl(diagram);
+  grid_->SetControl(grid->Grid());
+  sql_->SetHighlighter(HighlightSql);
+  sql->AttachTextArea(sql_);
+
+  for (QWidget* pane : {static_cast<QWidget*>(diagram_), static_cast<QWidget*>(grid_), static_cast<QWidget*>(sql_)}) {
+    addWidget(pane);
+    setCollapsible(indexOf(pane), false);
+    pane->setMinimumHeight(72);
+  }
+  setStretchFactor(0, kDiagramShare);
+  setStretchFactor(1, kGridShare);
+  setStretchFactor(2, kSqlShare);
+  setSizes({kDiagramShare * 8, kGridShare * 8, kSqlShare * 8});
+  setHandleWidth(6);
+
+  // An error from a pane is a message for its user, not a lost exception.
+  const auto show = [this](const std::exception& error) {
+    toolkit_->GetDialogs().ShowMessage(error.what(), MessageIcon::Critical);
+  };
+  diagram_->SetErrorHandler(show);
+  grid_->SetErrorHandler(show);
+  sql_->SetErrorHandler(show);
+}
+
+QueryDesignerWidget::~QueryDesignerWidget() {
+  // The application may keep the panes; this widget's text area goes away.
+  if (const Ref<qbSQLPane> sql = hub_->SQLPane()) sql->AttachTextArea(nullptr);
+}
+
+}  // namespace zrqrybld

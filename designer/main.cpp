@@ -1,0 +1,61 @@
+// The designer: a window for people, and a script's tool with --print-sql and --screenshot.
+#include <QApplication>
+#include <QTextStream>
+#include <QTimer>
+
+#include "designer/main_window.h"
+#include "designer/options.h"
+
+namespace {
+
+using zrqrybld::DesignerOptions;
+using zrqrybld::MainWindow;
+
+// Does what the command line asks for; returns what went wrong.
+QStringList Prepare(MainWindow& window, const DesignerOptions& options) {
+  QStringList errors;
+  if (!options.syntax.isEmpty()) window.SetSyntax(options.syntax);
+  if (!options.database.isEmpty()) {
+    if (const QString error = window.OpenDatabase(options.database); !error.isEmpty()) return {error};
+  } else if (!options.tables.isEmpty()) {
+    return {"--add-table needs a database: give its file."};
+  }
+  if (!options.tables.isEmpty()) errors += window.AddTables(options.tables);
+  for (const QString& tick : options.ticks) {
+    if (const QString error = window.TickColumn(tick); !error.isEmpty()) errors += error;
+  }
+  return errors;
+}
+
+int RunScript(MainWindow& window, const DesignerOptions& options) {
+  const QStringList errors = Prepare(window, options);
+  for (const QString& error : errors) QTextStream(stderr) << "zrqrybld-designer: " << error << '\n';
+  if (!errors.isEmpty()) return 1;
+  if (options.printSql) QTextStream(stdout) << window.Statement() << '\n';
+  if (!options.screenshot.isEmpty()) {
+    window.show();
+    QCoreApplication::processEvents();
+    if (!window.grab().save(options.screenshot)) {
+      QTextStream(stderr) << "zrqrybld-designer: the picture cannot be written to " << options.screenshot << '\n';
+      return 1;
+    }
+  }
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  QApplication application(argc, argv);
+  QApplication::setApplicationName("zrqrybld-designer");
+  QApplication::setApplicationDisplayName("Query Designer");
+  QApplication::setApplicationVersion(ZRQRYBLD_VERSION);
+  const DesignerOptions options = zrqrybld::ReadCommandLine(QApplication::arguments());
+  MainWindow window;
+  if (options.IsScript()) return RunScript(window, options);
+  window.show();
+  QTimer::singleShot(0, &window, [&] {
+    for (const QString& error : Prepare(window, options)) window.ShowError(error);
+  });
+  return QApplication::exec();
+}

@@ -1,0 +1,185 @@
+#include "designer/main_window.h"
+
+#include <QAction>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QStatusBar>
+#include <QToolBar>
+
+#include "adapters/qt/qt_text.h"
+#include "adapters/sqlite/sqlite_provider.h"
+#include "platform/connection_string.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr float kNameColumnWidth = 2400;  // twips
+
+}  // namespace
+
+MainWindow::MainWindow() : designer_(new QueryDesignerWidget(this)) {
+  setWindowTitle("Query Designer");
+  setCentralWidget(designer_);
+  resize(1120, 780);
+
+  qbQueryBuilder& hub = designer_->QueryBuilder();
+  hub.GetToolkit().Providers()->Register(std::make_shared<SqliteProvider>());
+  hub.SetAllowJoinProperties(true);
+  // A plain tick means a plain column; grouping is a choice.
+  hub.GridPane()->SetShowGroupBy(false);
+  hub.GridPane()->SetDateFormat("yyyy-mm-dd");
+  WidenColumns();
+
+  MakeMenus();
+  MakeToolBar();
+  source_ = new QLabel(this);
+  statusBar()->addPermanentWidget(source_);
+  links_.push_back(hub.SQLPane()->SQLChanged.Connect([this] { UpdateState(); }));
+  hub.SQLPane()->Refresh();
+  UpdateState();
+}
+
+// Names are long and captions differ by language: no caption is cut off where a little width shows it.
+void MainWindow::WidenColumns() {
+  zrGrid& grid = *designer_->QueryBuilder().GridPane()->Grid();
+  for (std::int32_t i = 1; i <= grid.Columns()->Count(); ++i) {
+    const Ref<zrGridColumn> column = grid.Columns()->Item(i);
+    const bool holdsNames = column->Key() == "column" || column->Key() == "table";
+    if (column->Width() > 0) grid.FitColumn(i, holdsNames ? kNameColumnWidth : column->Width());
+  }
+}
+
+void MainWindow::MakeMenus() {
+  QMenu* file = menuBar()->addMenu(tr("&File"));
+  file->addAction(tr("&Open Database..."), QKeySequence::Open, this, &MainWindow::AskForDatabase);
+  file->addSeparator();
+  file->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
+
+  QMenu* query = menuBar()->addMenu(tr("&Query"));
+  addTables_ = query->addAction(tr("&Add Tables..."), QKeySequence(Qt::Key_F7), this, &MainWindow::PickTables);
+  clear_ = query->addAction(tr("&Clear"), this, [this] { designer_->QueryBuilder().DiagramPane()->Clear(); });
+
+  QMenu* help = menuBar()->addMenu(tr("&Help"));
+  help->addAction(tr("&About"), this, [this] {
+    QMessageBox::about(this, tr("About the Query Designer"),
+                       tr("Query Designer %1\nA visual designer of SELECT statements, built on zrQryBld.")
+                           .arg(QCoreApplication::applicationVersion()));
+  });
+}
+
+void MainWindow::MakeToolBar() {
+  QToolBar* bar = addToolBar(tr("Query"));
+  bar->setMovable(false);
+  bar->addAction(addTables_);
+  bar->addSeparator();
+  auto* label = new QLabel(tr("Dialect: "), bar);
+  bar->addWidget(label);
+  syntax_ = new QComboBox(bar);
+  syntax_->setAccessibleName(tr("Dialect"));
+  for (const Dialect& dialect : AllDialects()) syntax_->addItem(ToQString(dialect.name));
+  bar->addWidget(syntax_);
+  connect(syntax_, &QComboBox::currentIndexChanged, this, &MainWindow::SyntaxChosen);
+}
+
+QString MainWindow::Guarded(const std::function<void()>& command) {
+  try {
+    command();
+  } catch (const std::exception& error) {
+    return ToQString(error.what());
+  }
+  return {};
+}
+
+void MainWindow::ShowError(const QString& message) { QMessageBox::critical(this, windowTitle(), message); }
+
+// --- Database ---
+
+void MainWindow::AskForDatabase() {
+  const QString file = QFileDialog::getOpenFileName(this, tr("Open Database"), {},
+                                                    tr("SQLite databases (*.db *.sqlite *.sqlite3);;All files (*)"));
+  if (file.isEmpty()) return;
+  if (const QString error = OpenDatabase(file); !error.isEmpty()) ShowError(error);
+}
+
+QString MainWindow::OpenDatabase(const QString& file) {
+  qbQueryBuilder& hub = designer_->QueryBuilder();
+  const std::string text = "Provider=SQLite;Data Source=" + ConnectionString::QuoteValue(ToUtf8(file));
+  // A file that cannot be opened must not cost the user the query at hand: try it aside first.
+  auto connection = std::make_shared<ProviderConnection>(hub.GetToolkit().Providers());
+  const QString error = Guarded([&] {
+    connection->SetConnectionString(text);
+    connection->Open({}, {});
+  });
+  if (!error.isEmpty()) return error;
+  return Guarded([&] {
+    hub.DiagramPane()->Clear();
+    hub.SetConnection(connection);
+    source_->setText(QFileInfo(file).fileName());
+    setWindowTitle(tr("%1 - Query Designer").arg(QFileInfo(file).fileName()));
+    statusBar()->showMessage(tr("Opened %1").arg(file));
+    UpdateState();
+  });
+}
+
+void MainWindow::UpdateState() {
+  const qbQueryBuilder& hub = designer_->QueryBuilder();
+  addTables_->setEnabled(hub.IsConnected());
+  clear_->setEnabled(hub.Entities()->Count() > 0);
+}
+
+// --- Query ---
+
+void MainWindow::PickTables() {
+  const QString error = Guarded([this] { designer_->QueryBuilder().ShowTables(); });
+  if (!error.isEmpty()) ShowError(error);
+}
+
+QStringList MainWindow::AddTables(const QStringList& names) {
+  qbQueryBuilder& hub = designer_->QueryBuilder();
+  QStringList errors;
+  for (const QString& name : names) {
+    const std::int32_t before = hub.Entities()->Count();
+    const QString error = Guarded([&] {
+      if (!hub.HasTable(ToUtf8(name))) {
+        errors += tr("There is no table or view named \"%1\".").arg(name);
+        return;
+      }
+      hub.AddTable(ToUtf8(name));
+    });
+    if (error.isEmpty()) continue;
+    errors += error;
+    while (hub.Entities()->Count() > before) hub.Entities()->Remove(hub.Entities()->Count());  // half-made
+  }
+  if (const QString error = Guarded([&] { hub.RefreshAutoJoins(); }); !error.isEmpty()) errors += error;
+  return errors;
+}
+
+QString MainWindow::TickColumn(const QString& name) {
+  qbQueryBuilder& hub = designer_->QueryBuilder();
+  const std::string text = ToUtf8(name);
+  const std::size_t dot = text.rfind('.');
+  const std::string table = dot == std::string::npos ? std::string() : text.substr(0, dot);
+  const Ref<qbEntity> entity = hub.Entities()->Item(table);
+  if (!entity) return tr("\"%1\" names no table of the diagram; write TABLE.COLUMN.").arg(name);
+  const Ref<qbEntityItem> item = entity->Items()->Item(text.substr(dot + 1));
+  if (!item) return tr("The table \"%1\" has no column \"%2\".").arg(ToQString(table), ToQString(text.substr(dot + 1)));
+  return Guarded([&] { item->SetChecked(true); });
+}
+
+void MainWindow::SetSyntax(const QString& name) {
+  syntax_->setCurrentIndex(syntax_->findText(name, Qt::MatchFixedString));
+}
+
+void MainWindow::SyntaxChosen(int index) {
+  const Ref<qbSQLPane> pane = designer_->QueryBuilder().SQLPane();
+  pane->SetSQLSyntax(static_cast<SQLSyntaxEnum>(index));
+  if (const QString error = Guarded([&] { pane->Refresh(); }); !error.isEmpty()) ShowError(error);
+}
+
+QString MainWindow::Statement() const {
+  return ToQString(designer_->QueryBuilder().SQLPane()->SQLStatement()).replace("\r\n", "\n");
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,57 @@
+// MainWindow: the desktop application around the query designer.
+#pragma once
+
+#include <QComboBox>
+#include <QLabel>
+#include <QMainWindow>
+#include <functional>
+
+#include "adapters/qt/query_designer_widget.h"
+
+namespace zrqrybld {
+
+class MainWindow : public QMainWindow {
+  Q_OBJECT
+
+ public:
+  MainWindow();
+
+  /// Opens a database and forgets the query designed so far. Returns an error message, empty on success;
+  /// the query stays when the database cannot be opened.
+  QString OpenDatabase(const QString& file);
+
+  /// Adds tables and draws their joins. Returns messages about those that could not be added.
+  QStringList AddTables(const QStringList& names);
+
+  /// Ticks a column, given as TABLE.COLUMN. Returns an error message, empty on success.
+  QString TickColumn(const QString& name);
+
+  /// Chooses a dialect that exists.
+  void SetSyntax(const QString& name);
+
+  /// The statement, with line feeds.
+  QString Statement() const;
+
+  /// Shows a message to the user.
+  void ShowError(const QString& message);
+
+ private:
+  void MakeMenus();
+  void MakeToolBar();
+  void AskForDatabase();
+  void PickTables();
+  void SyntaxChosen(int index);
+  void WidenColumns();
+  void UpdateState();
+  /// Runs a command; an error becomes its message.
+  QString Guarded(const std::function<void()>& command);
+
+  QueryDesignerWidget* designer_;
+  QComboBox* syntax_ = nullptr;
+  QLabel* source_ = nullptr;
+  QAction* addTables_ = nullptr;
+  QAction* clear_ = nullptr;
+  std::vector<EventConnection> links_;
+};
+
+}  // namespace zrqrybld

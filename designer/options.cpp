@@ -1,0 +1,56 @@
+#include "designer/options.h"
+
+#include <QCommandLineParser>
+#include <QTextStream>
+#include <cstdlib>
+
+#include "adapters/qt/qt_text.h"
+#include "sql/dialect.h"
+
+namespace zrqrybld {
+namespace {
+
+[[noreturn]] void EndWithUsageError(const QString& message) {
+  QTextStream(stderr) << "zrqrybld-designer: " << message << "\nTry --help.\n";
+  std::exit(2);
+}
+
+}  // namespace
+
+DesignerOptions ReadCommandLine(const QStringList& arguments) {
+  QStringList dialects;
+  for (const Dialect& dialect : AllDialects()) dialects += ToQString(dialect.name);
+
+  QCommandLineParser parser;
+  parser.setApplicationDescription("Designs SELECT statements over a database.");
+  parser.addHelpOption();
+  parser.addVersionOption();
+  parser.addPositionalArgument("file", "The SQLite database to open.", "[file]");
+  const QCommandLineOption database("db", "The SQLite database to open.", "FILE");
+  const QCommandLineOption table("add-table", "Add a table or view; may be given several times.", "NAME");
+  const QCommandLineOption tick("tick", "Tick a column; may be given several times.", "TABLE.COLUMN");
+  const QCommandLineOption syntax("syntax", "Write the statement in this dialect: " + dialects.join(", ") + ".",
+                                  "NAME");
+  const QCommandLineOption print("print-sql", "Print the statement and end.");
+  const QCommandLineOption screenshot("screenshot", "Save a picture of the window and end.", "FILE");
+  parser.addOptions({database, table, tick, syntax, print, screenshot});
+  if (!parser.parse(arguments)) EndWithUsageError(parser.errorText());
+  if (parser.isSet("help")) parser.showHelp(0);
+  if (parser.isSet("version")) parser.showVersion();
+
+  const QStringList files = parser.positionalArguments();
+  if (files.size() + parser.values(database).size() > 1) EndWithUsageError("more than one database");
+  DesignerOptions options;
+  options.database = files.isEmpty() ? parser.value(database) : files.first();
+  options.tables = parser.values(table);
+  options.ticks = parser.values(tick);
+  options.syntax = parser.value(syntax);
+  options.printSql = parser.isSet(print);
+  options.screenshot = parser.value(screenshot);
+  if (!options.syntax.isEmpty() && !FindDialect(ToUtf8(options.syntax))) {
+    EndWithUsageError("there is no dialect \"" + options.syntax + "\"; known are " + dialects.join(", "));
+  }
+  return options;
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,25 @@
+// What the designer was asked to do on the command line.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace zrqrybld {
+
+struct DesignerOptions {
+  QString database;
+  QStringList tables;  ///< to add, in this order
+  QStringList ticks;   ///< TABLE.COLUMN, in this order
+  QString syntax;      ///< a dialect's name; empty for the first one
+  bool printSql = false;
+  QString screenshot;  ///< the picture file; empty for none
+
+  /// Whether the designer does its work and ends, without waiting for a user.
+  bool IsScript() const { return printSql || !screenshot.isEmpty(); }
+};
+
+/// Reads the command line. With --help or --version it prints them and ends the program; a wrong option
+/// ends it with status 2 and a message.
+DesignerOptions ReadCommandLine(const QStringList& arguments);
+
+}  // namespace zrqrybld
