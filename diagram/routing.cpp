@@ -7,6 +7,8 @@
 namespace zrqrybld {
 namespace {
 
+constexpr Pixels kLeastGap = 8_px;
+
 Pixels Distance(Pixels a, Pixels b) { return Pixels(std::fabs((a - b).Value())); }
 
 Pixels DistanceToSegment(PixelPoint p, PixelPoint a, PixelPoint b) {
@@ -24,11 +26,11 @@ std::vector<PixelPoint> RouteLine(const LineEnd& from, const LineEnd& to, Pixels
   const auto path = [&](Pixels start, Pixels middle, Pixels end) {
     return std::vector<PixelPoint>{{start, from.y}, {middle, from.y}, {middle, to.y}, {end, to.y}};
   };
-  // Room between the boxes: straight across, with the bend half-way.
-  if (to.box.left - from.box.Right() >= stub * 2) {
+  // Room between the boxes, however little: across, with the bend half-way.
+  if (to.box.left - from.box.Right() >= kLeastGap) {
     return path(from.box.Right(), (from.box.Right() + to.box.left) / 2, to.box.left);
   }
-  if (from.box.left - to.box.Right() >= stub * 2) {
+  if (from.box.left - to.box.Right() >= kLeastGap) {
     return path(from.box.left, (from.box.left + to.box.Right()) / 2, to.box.Right());
   }
   // Boxes above one another: both ends on the side that makes the shorter way.

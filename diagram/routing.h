@@ -14,8 +14,8 @@ struct LineEnd {
 };
 
 /// The bends of an orthogonal line from the first end to the second, both ends included: four points.
-/// The line leaves each box to the left or right, whichever makes it shortest, and keeps `stub` away
-/// from both boxes before it turns.
+/// The line runs through the gap between boxes that stand side by side. Beside boxes that stand one
+/// above the other it runs on the side that makes it shorter, `stub` away from both.
 std::vector<PixelPoint> RouteLine(const LineEnd& from, const LineEnd& to, Pixels stub);
 
 /// The distance of a point from a line.
