@@ -26,6 +26,7 @@ enum OLEDropModeEnum : std::int32_t { OLEDropNone = 0, OLEDropManual = 1 };
 
 class qbDiagramPane final : public Control, private DiagramView {
  public:
+  /// An empty pane, linked to no hub and shown in no window.
   static Ref<qbDiagramPane> Create();
   ~qbDiagramPane() override;
   std::string_view TypeName() const override { return "qbDiagramPane"; }

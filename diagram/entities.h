@@ -31,6 +31,7 @@ class qbEntities final : public Object, private EntityOwner {
   /// when another entity has the caption.
   Ref<qbEntity> Add(const std::string& key);
 
+  /// How many there are; positions run from 1 to it, in the order of adding.
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.Count()); }
 
   /// The entity at a position from 1 or with this caption, or nothing.

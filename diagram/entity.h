@@ -77,12 +77,16 @@ class qbEntity final : public Object {
   const Variant& TagVariant() const { return tagVariant_; }
   void SetTagVariant(Variant value) { tagVariant_ = std::move(value); }
 
+  /// The colour behind the rows; the pane's `EntityBackColor` at first.
   Color BackColor() const { return Box().BackColor(); }
   void SetBackColor(Color color) { Box().SetBackColor(color); }
+  /// The colour that is to be transparent in `CaptionIcon`, and whether there is one (False at first). Only kept:
+  /// pictures bring their own transparency.
   Color CaptionIconMaskColor() const { return Box().CaptionIconMaskColor(); }
   void SetCaptionIconMaskColor(Color color) { Box().SetCaptionIconMaskColor(color); }
   bool UseCaptionIconMaskColor() const { return Box().UseCaptionIconMaskColor(); }
   void SetUseCaptionIconMaskColor(bool use) { Box().SetUseCaptionIconMaskColor(use); }
+  /// Whether the caption bar offers to minimise the box; the pane's `EntityMinimizeButton` at first.
   bool ShowMinimizeButton() const { return Box().ShowMinimizeButton(); }
   void SetShowMinimizeButton(bool show) { Box().SetShowMinimizeButton(show); }
 

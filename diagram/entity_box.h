@@ -40,6 +40,7 @@ struct BoxHit {
   std::size_t row = 0;  ///< from 1; 0 when no row is hit
 };
 
+/// Every change that can be seen raises `Changed`, or `Move` when lines must be routed anew.
 class qbEntityList final : public Object {
  public:
   explicit qbEntityList(const BoxMetrics& metrics);
@@ -47,16 +48,21 @@ class qbEntityList final : public Object {
 
   // --- What the entity forwards here ---
 
+  /// The text of the caption bar; stored as it is, the collection of entities keeps it unique.
   const std::string& Caption() const { return caption_; }
   void SetCaption(std::string caption);
+  /// The picture in the caption bar; nothing shows the usual one.
   const Ref<Image>& CaptionIcon() const { return captionIcon_; }
   void SetCaptionIcon(Ref<Image> icon);
+  /// The colour that is to be transparent in the picture, and whether there is one; only kept.
   Color CaptionIconMaskColor() const { return captionIconMaskColor_; }
   void SetCaptionIconMaskColor(Color color);
   bool UseCaptionIconMaskColor() const { return useCaptionIconMaskColor_; }
   void SetUseCaptionIconMaskColor(bool use);
+  /// The colour behind the rows; system colour 5 (window background) at first.
   Color BackColor() const { return backColor_; }
   void SetBackColor(Color color);
+  /// Whether the caption bar offers to minimise the box; True at first.
   bool ShowMinimizeButton() const { return showMinimizeButton_; }
   void SetShowMinimizeButton(bool show);
 
@@ -66,6 +72,7 @@ class qbEntityList final : public Object {
 
   // --- Rows ---
 
+  /// The rows, which live as long as the box.
   BoxRows& Rows() { return rows_; }
   const BoxRows& Rows() const { return rows_; }
   /// The row that is current in the list, from 1; 0 for none.
@@ -102,6 +109,7 @@ class qbEntityList final : public Object {
   /// "relationshipremove". Any other message is ignored.
   void Notify(std::string_view message, const Variant& argument);
 
+  /// The box has another place, size, font or first visible row: its lines must be routed anew.
   Event<> Move;
   /// The relationship that was added, changed or removed at this end.
   Event<const Ref<Object>&> RelationshipAdd;

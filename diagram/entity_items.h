@@ -21,6 +21,7 @@ class qbEntityItems final : public Object {
   /// Removes all columns.
   void Clear();
 
+  /// How many there are; positions run from 1 to it, in the order of the rows.
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.Count()); }
 
   /// The first column with this text, or nothing.

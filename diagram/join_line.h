@@ -19,11 +19,13 @@ class qbLine final : public Object {
       : relationship_(relationship), source_(source), target_(target) {}
   std::string_view TypeName() const override { return "qbLine"; }
 
+  /// The join that the line draws; nothing once it was removed.
   Ref<qbRelationship> Relationship() const { return relationship_.lock(); }
 
   /// Whether the line ends at this box.
   bool EndsAt(const qbEntityList& box) const { return source_.lock().get() == &box || target_.lock().get() == &box; }
 
+  /// Whether the line is drawn as the selected object; only the look, the pane knows what is selected.
   bool Selected() const { return selected_; }
   void SetSelected(bool selected) { selected_ = selected; }
 

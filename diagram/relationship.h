@@ -50,6 +50,7 @@ class qbRelationship final : public Object {
   const Variant& ItemData() const { return itemData_; }
   void SetItemData(Variant value) { itemData_ = std::move(value); }
 
+  /// A picture for the source's end. Only kept: the line draws its own end marks, from the kind of join.
   const Ref<Image>& LeftPicture() const { return leftPicture_; }
   void SetLeftPicture(Ref<Image> picture) { leftPicture_ = std::move(picture); }
 
@@ -65,11 +66,13 @@ class qbRelationship final : public Object {
   const Variant& TargetItemIndex() const { return targetItemIndex_; }
   void SetTargetItemIndex(Variant index);
 
+  /// Whether the source's end (left) and the target's (right) bear a mark; none at first. Setting one redraws the line.
   RelationshipIndicatorStyle LeftIndicator() const { return leftIndicator_; }
   void SetLeftIndicator(RelationshipIndicatorStyle style);
   RelationshipIndicatorStyle RightIndicator() const { return rightIndicator_; }
   void SetRightIndicator(RelationshipIndicatorStyle style);
 
+  /// A picture for the target's end. Only kept: the line draws its own end marks, from the kind of join.
   const Ref<Image>& RightPicture() const { return rightPicture_; }
   void SetRightPicture(Ref<Image> picture) { rightPicture_ = std::move(picture); }
 

@@ -24,6 +24,7 @@ class qbRelationships final : public Object, private RelationshipOwner {
   /// Removes all joins that start here.
   void Clear();
 
+  /// How many there are; positions run from 1 to it, in the order of adding.
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.Count()); }
 
   /// Whether a join between column `index1` of `entity1` and column `index2` of `entity2` is in the
@@ -39,6 +40,7 @@ class qbRelationships final : public Object, private RelationshipOwner {
 
   // --- For the model ---
 
+  /// The entity that the joins start at; held weakly.
   void SetParentEntity(const Ref<qbEntity>& entity) { parent_ = entity; }
   /// The entity leaves the diagram.
   void Detach() {

@@ -33,6 +33,7 @@ class ColumnOwner {
   virtual void ColumnsChanged() = 0;
 };
 
+/// One column of a grid. It stays readable once it was removed, and changes nothing on the screen any more.
 class zrGridColumn final : public Object {
  public:
   std::string_view TypeName() const override { return "zrGridColumn"; }
@@ -47,6 +48,7 @@ class zrGridColumn final : public Object {
   /// The position in the collection, from 1; 0 once the column was removed.
   std::int32_t Index() const { return static_cast<std::int32_t>(index_); }
 
+  /// The key among the columns; "" for none.
   const std::string& Key() const { return key_; }
   /// Error 457 when another column has the key.
   void SetKey(std::string key);
@@ -55,6 +57,7 @@ class zrGridColumn final : public Object {
   float Width() const { return width_; }
   void SetWidth(float twips);
 
+  /// The text of the header.
   const std::string& Caption() const { return caption_; }
   void SetCaption(std::string caption);
 
@@ -84,6 +87,7 @@ class zrGridColumn final : public Object {
   Ref<zrGridComboItems> comboItems_;
 };
 
+/// Columns stand in the order of adding; removing one moves the later ones up by a position.
 class zrGridColumns final : public Object {
  public:
   explicit zrGridColumns(ColumnOwner* owner) : owner_(owner) {}

@@ -33,6 +33,7 @@ class zrGridComboItem final : public Object {
   std::string key_;
 };
 
+/// The choices of one column in the order of its list, by position from 1 or by key.
 class zrGridComboItems final : public Object {
  public:
   std::string_view TypeName() const override { return "zrGridComboItems"; }

@@ -18,6 +18,7 @@ namespace zrqrybld {
 
 class zrGrid final : public Control, private ColumnOwner, private RowOwner {
  public:
+  /// A grid without columns and rows, shown in no window.
   static Ref<zrGrid> Create();
   ~zrGrid() override;
   std::string_view TypeName() const override { return "zrGrid"; }
@@ -42,10 +43,13 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
 
   // --- Properties ---
 
+  /// The font of headers and cells; the height of the rows follows it. An empty one is that of the surroundings.
   const zrqrybld::Font& Font() const { return font_; }
   void SetFont(const zrqrybld::Font& font);
+  /// Whether the user may drag the edges of the column headers; True at first.
   bool AllowColumnResize() const { return allowColumnResize_; }
   void SetAllowColumnResize(bool allow) { allowColumnResize_ = allow; }
+  /// Whether the user may add and delete rows; True at first.
   bool AllowRowInsert() const { return allowRowInsert_; }
   void SetAllowRowInsert(bool allow) { allowRowInsert_ = allow; }
 

@@ -24,12 +24,14 @@ enum DateFormatEnum : std::int32_t {
 
 class qbGridPane final : public Object {
  public:
+  /// A pane with its columns and the first empty rows, linked to no hub.
   static Ref<qbGridPane> Create();
   ~qbGridPane() override = default;
   std::string_view TypeName() const override { return "qbGridPane"; }
 
   // --- Events, in interface order ---
 
+  /// A double click anywhere in the grid.
   Event<> DblClick;
   /// The right button is released over a cell: row and column, from 1.
   Event<std::int32_t, std::int32_t> ShowContextMenu;
@@ -75,6 +77,8 @@ class qbGridPane final : public Object {
 
   // --- For the hub ---
 
+  /// Links the pane to what the designer shares, or to nothing: captions, alias lengths and the list of tables
+  /// follow at once, the rows stay.
   void SetContext(const Ref<QueryContext>& context);
 
   /// The grid control, for the adapter that shows it.

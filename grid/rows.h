@@ -45,14 +45,17 @@ class zrGridRow final : public Object {
   std::int32_t MaxLen(const Variant& column) const;
   void SetMaxLen(const Variant& column, std::int32_t characters);
 
+  /// What the cell shows and the statement is made from. Error 91 once the row was removed.
   const Variant& Value(const Variant& column) const;
   /// Does nothing when the value is the same. In a check-box column the value must be a Boolean, the text
   /// "True" or "False", or a number; anything else is error 40005. A listener may prevent the change.
   void SetValue(const Variant& column, Variant value);
 
+  /// A value beside the one shown; no listener hears of a change. Error 91 once the row was removed.
   const Variant& TagVariant(const Variant& column) const;
   void SetTagVariant(const Variant& column, Variant tag);
 
+  /// The key among the rows; "" for none.
   const std::string& Key() const { return key_; }
   /// Error 457 when another row has the key.
   void SetKey(std::string key);
@@ -85,6 +88,7 @@ class zrGridRow final : public Object {
   std::vector<Cell> cells_;
 };
 
+/// Rows stand in the order shown; adding, moving or removing one renumbers those after it.
 class zrGridRows final : public Object {
  public:
   explicit zrGridRows(RowOwner* owner) : owner_(owner) {}

@@ -116,6 +116,7 @@ class qbDBKeyword final : public CatalogEntry<qbDBKeyword> {
   using CatalogEntry::CatalogEntry;
 };
 
+/// The words that mean something in SQL, in the order of adding; names are found in any letter case.
 class qbDBKeywords final : public Catalog<qbDBKeyword> {
  public:
   std::string_view TypeName() const override { return "qbDBKeywords"; }
@@ -155,6 +156,7 @@ class qbDBOperator final : public CatalogEntry<qbDBOperator> {
   std::int32_t flags_ = 0;
 };
 
+/// The operators that the expression tools offer, in the order of adding.
 class qbDBOperators final : public Catalog<qbDBOperator> {
  public:
   std::string_view TypeName() const override { return "qbDBOperators"; }
@@ -206,6 +208,7 @@ class qbDBFunction final : public CatalogEntry<qbDBFunction> {
   std::int32_t flags_ = 0;
 };
 
+/// The functions that the expression tools offer, and among them the choices of the grid's group-by column.
 class qbDBFunctions final : public Catalog<qbDBFunction> {
  public:
   std::string_view TypeName() const override { return "qbDBFunctions"; }

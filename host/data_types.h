@@ -29,6 +29,7 @@ class qbDataType final : public Object {
   qbDataType() = default;
 };
 
+/// The types of the data source, by position from 1 or by name; connecting fills it anew.
 class qbDataTypes final : public Object {
  public:
   std::string_view TypeName() const override { return "qbDataTypes"; }

@@ -35,6 +35,7 @@ class qbProperty final : public Object {
   Variant value_;
 };
 
+/// Pairs in the order of adding, by position from 1 or by key in any letter case.
 class qbProperties final : public Object {
  public:
   std::string_view TypeName() const override { return "qbProperties"; }
@@ -44,6 +45,7 @@ class qbProperties final : public Object {
   Ref<qbProperty> Add(Variant value = {}, std::string_view key = {}, const Variant& before = Variant::Missing(),
                       const Variant& after = Variant::Missing());
 
+  /// Removes all pairs, also those that the library has put there.
   void Clear() { items_.Clear(); }
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.Count()); }
 

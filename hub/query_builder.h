@@ -45,6 +45,8 @@ class qbQueryBuilder final : public QueryContext {
   /// Puts another connection into use. An open one is asked at once how its source writes SQL.
   void SetConnection(const Ref<zrqrybld::Connection>& connection);
 
+  /// The pane of tables and joins, or nothing. Linking another lets go of the one before; its tables are in use
+  /// at once.
   Ref<qbDiagramPane> DiagramPane() const { return diagramPane_; }
   void SetDiagramPane(const Ref<qbDiagramPane>& pane);
 
@@ -55,6 +57,7 @@ class qbQueryBuilder final : public QueryContext {
   bool GetTablesOnConnect() const { return getTablesOnConnect_; }
   void SetGetTablesOnConnect(bool get) { getTablesOnConnect_ = get; }
 
+  /// The pane of query columns, or nothing. Linking another lets go of the one before.
   Ref<qbGridPane> GridPane() const { return gridPane_; }
   void SetGridPane(const Ref<qbGridPane>& pane);
 
@@ -71,9 +74,12 @@ class qbQueryBuilder final : public QueryContext {
   /// Lets the user pick tables of the source.
   void ShowTables();
 
+  /// The pane of the statement, or nothing. Linking another lets go of the one before; its text follows at the
+  /// next change of the query.
   Ref<qbSQLPane> SQLPane() const { return sqlPane_; }
   void SetSQLPane(const Ref<qbSQLPane>& pane);
 
+  /// Whether loading a query also connects with the connection string saved in it; True at first.
   bool ConnectOnLoad() const { return connectOnLoad_; }
   void SetConnectOnLoad(bool connect) { connectOnLoad_ = connect; }
 
@@ -87,11 +93,14 @@ class qbQueryBuilder final : public QueryContext {
   void SetSelectTopRecords(const std::string& value);
 
   FieldOrderEnum RetrieveFieldOrder() const override { return retrieveFieldOrder_; }
+  /// The order of the columns of tables that are added from now on; those in the diagram keep theirs.
   void SetRetrieveFieldOrder(FieldOrderEnum order) { retrieveFieldOrder_ = order; }
 
+  /// Whether a saved query carries the columns of its tables; False at first.
   bool SaveLoadEntityItems() const { return saveLoadEntityItems_; }
   void SetSaveLoadEntityItems(bool save) { saveLoadEntityItems_ = save; }
 
+  /// Whether a saved query carries the connection string; False at first.
   bool SaveConnectionString() const { return saveConnectionString_; }
   void SetSaveConnectionString(bool save) { saveConnectionString_ = save; }
 

@@ -17,6 +17,7 @@ namespace zrqrybld {
 
 class qbSQLPane final : public Object {
  public:
+  /// A pane with an empty text, in the generic dialect, linked to no hub.
   static Ref<qbSQLPane> Create();
   std::string_view TypeName() const override { return "qbSQLPane"; }
 
@@ -46,6 +47,7 @@ class qbSQLPane final : public Object {
 
   // --- For the hub and the adapter ---
 
+  /// Links the pane to what the designer shares, or to nothing; the text follows at the next `Refresh`.
   void SetContext(const Ref<QueryContext>& context) { context_ = context; }
 
   /// Shows the text in a window. nullptr takes it out again; the text stays. The area must outlive the
