@@ -1,0 +1,159 @@
+#include "sql/generator.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "base/text.h"
+#include "tests/data_table.h"
+#include "tests/error_of.h"
+#include "tests/sql/name_rules.h"
+
+namespace zrqrybld {
+namespace {
+
+// A dialect that only this test knows: the generator must need nothing but its row of data.
+constexpr Dialect kSixth = {
+    .syntax = static_cast<SQLSyntaxEnum>(5),
+    .name = "Sixth",
+    .joins = Dialect::Joins::Clauses,
+    .fromParentheses = Dialect::FromParentheses::Nested,
+    .joinWords = {"", "RIGHT OUTER ", "LEFT OUTER ", "FULL "},
+    .comparison = {" == ", " == ", " == ", " == "},
+    .afterCondition = {"!", "", "", ""},
+    .hasFullJoin = true,
+    .limit = Dialect::Limit::From,
+    .limitBefore = "LIMIT ",
+    .limitAfter = ";",
+    .limitTakesPercent = true,
+    .selectSeparator = " & ",
+    .fromSeparator = " CROSS",
+    .open = "<",
+    .close = ">",
+    .tableAlias = ": ",
+};
+
+std::string Cut(std::string& text, std::string_view separator) {
+  const std::size_t at = text.find(separator);
+  std::string piece = text.substr(0, at);
+  text = at == std::string::npos ? "" : text.substr(at + separator.size());
+  return std::string(Trim(piece));
+}
+
+// tables: "caption" or "caption=name", several by ", ".   joins: "A.x=B.y:kind", several by ", ".
+// rows: one a line, cells between ";": table (none for an expression; "-" in front: no output), column,
+// alias, sort type, sort number, group-by choice.
+QuerySnapshot DesignOf(const test::Record& record) {
+  const auto text = [&](std::string_view name) { return record.Has(name) ? record[name] : std::string(); };
+  QuerySnapshot query;
+  query.names = test::RulesOf("brackets");
+  query.groupByMode = record.Has("group");
+  query.distinct = record.Has("distinct");
+  query.top = text("top");
+  for (std::string tables = text("tables"); !tables.empty();) {
+    std::string name = Cut(tables, ", ");
+    const std::string caption = Cut(name, "=");
+    const bool aliased = !name.empty();
+    query.tables.push_back({Identifier(caption), SplitName(aliased ? name : caption, query.names), aliased});
+  }
+  const auto tableAt = [&](const std::string& caption) {
+    const auto found = std::ranges::find(query.tables, Identifier(caption), &SnapshotTable::caption);
+    return static_cast<std::size_t>(found - query.tables.begin());
+  };
+  for (std::string joins = text("joins"); !joins.empty();) {
+    std::string kind = Cut(joins, ", ");
+    std::string target = Cut(kind, ":");
+    const std::string source = Cut(target, "=");
+    const auto split = [&](const std::string& end, std::size_t& table, std::optional<Identifier>& column) {
+      table = tableAt(end.substr(0, end.rfind('.')));
+      column = Identifier(end.substr(end.rfind('.') + 1));
+    };
+    SnapshotJoin join;
+    split(source, join.source, join.sourceColumn);
+    split(target, join.target, join.targetColumn);
+    join.kind = kind.empty() ? 0 : std::stoi(kind);
+    query.joins.push_back(join);
+  }
+  for (std::string rows = text("rows"); !rows.empty();) {
+    std::string cells = Cut(rows, "\r\n");
+    std::string table = Cut(cells, ";");
+    SnapshotRow row;
+    row.output = !table.starts_with('-');
+    if (!row.output) table.erase(0, 1);
+    if (!table.empty()) row.table = tableAt(table);
+    row.column = Cut(cells, ";");
+    row.alias = Identifier(Cut(cells, ";"));
+    row.sortType = Cut(cells, ";");
+    row.sortOrder = Cut(cells, ";");
+    row.groupBy = Cut(cells, ";");
+    if (row.groupBy == "Count") row.aggregate = "COUNT(@field)";
+    if (row.groupBy == "Sum Both") row.aggregate = "SUM(@FIELD + @field)";
+    query.rows.push_back(row);
+  }
+  return query;
+}
+
+TEST(Generator, WritesEachDesignInItsDialects) {
+  for (const test::Record& record : test::ReadRecords("generate.txt")) {
+    const QuerySnapshot query = DesignOf(record);
+    ExtraConditions extra;
+    if (record.Has("and")) extra.andExpression = record["and"];
+    if (record.Has("or")) extra.orExpression = record["or"];
+    int texts = 0;
+    const auto check = [&](const Dialect& dialect) {
+      if (!record.Has(dialect.name)) return;
+      SCOPED_TRACE(record.place + " " + std::string(dialect.name));
+      ++texts;
+      const GeneratedSql sql = GenerateSelect(query, dialect, extra);
+      EXPECT_EQ(sql.text, record[dialect.name]);
+      EXPECT_EQ(sql.cartesian, record.Has("cartesian"));
+    };
+    for (const Dialect& dialect : AllDialects()) check(dialect);
+    check(kSixth);
+    EXPECT_GT(texts, 0) << record.place;
+  }
+}
+
+TEST(Generator, DoublingExpressionsEndInAnErrorNotInAllMemory) {
+  QuerySnapshot query;
+  query.rows.resize(64);
+  for (SnapshotRow& row : query.rows) {
+    row.column = "@field + @field";
+    row.output = true;
+  }
+  EXPECT_NE(test::ErrorOf([&] { GenerateSelect(query, AllDialects()[0]); }), 0);
+}
+
+TEST(Generator, TakesTimeInTheLengthOfItsText) {
+  QuerySnapshot query;
+  query.names = test::RulesOf("brackets");
+  query.tables.resize(300, {Identifier("T"), {Identifier("T")}, false});
+  for (std::size_t i = 0; i < 20'000; ++i) {
+    query.rows.push_back({"c" + std::to_string(i), Identifier(), i % 300, true, "", std::to_string(i + 1), "", ""});
+  }
+  const std::string text = GenerateSelect(query, DialectFor(SQLSyntaxMSSQL)).text;
+  EXPECT_TRUE(text.ends_with("\tT.c19999"));
+}
+
+TEST(Dialects, AreFoundByNumberAndName) {
+  ASSERT_EQ(AllDialects().size(), 5u);
+  for (std::size_t i = 0; i < AllDialects().size(); ++i) {
+    const Dialect& dialect = AllDialects()[i];
+    EXPECT_EQ(static_cast<std::size_t>(dialect.syntax), i);
+    EXPECT_EQ(&DialectFor(dialect.syntax), &dialect);
+    EXPECT_EQ(FindDialect(UpperAscii(dialect.name)), &dialect);
+    // Where joins are clauses each kind has its word; where they are conditions one side carries a mark.
+    const bool clauses = dialect.joins == Dialect::Joins::Clauses;
+    EXPECT_EQ(clauses, dialect.hasFullJoin);
+    EXPECT_EQ(clauses, !dialect.joinWords[JoinAllOfBoth].empty());
+    const auto marked = [&](JoinTypeEnum type) {
+      return std::string(dialect.comparison[type]) + std::string(dialect.afterCondition[type]);
+    };
+    EXPECT_EQ(clauses, marked(JoinAllOfThis) == marked(JoinAllOfEarlier));
+  }
+  EXPECT_EQ(&DialectFor(static_cast<SQLSyntaxEnum>(99)), &AllDialects()[0]);
+  EXPECT_EQ(FindDialect("mysql"), nullptr);
+}
+
+}  // namespace
+}  // namespace zrqrybld
