@@ -1,0 +1,91 @@
+#include "tests/flow/headless_designer.h"
+
+#include <stdexcept>
+
+#include "adapters/sqlite/sqlite_provider.h"
+#include "base/text.h"
+#include "diagram/relationships.h"
+
+namespace zrqrybld::test {
+
+HeadlessDesigner::HeadlessDesigner() : hub_(qbQueryBuilder::Create()) {
+  hub_->SetDiagramPane(qbDiagramPane::Create());
+  hub_->SetGridPane(qbGridPane::Create());
+  hub_->SetSQLPane(qbSQLPane::Create());
+  hub_->GridPane()->SetShowGroupBy(false);
+  hub_->GetToolkit().Providers()->Register(std::make_shared<SqliteProvider>());
+  hub_->Connect("Provider=SQLite;Data Source=" ZRQRYBLD_SAMPLE_DB);
+  if (hub_->LastError()) throw std::runtime_error(hub_->LastError()->what());
+}
+
+void HeadlessDesigner::AddTables(const std::vector<std::string>& names) {
+  for (const std::string& name : names) hub_->AddTable(name);
+  hub_->RefreshAutoJoins();
+}
+
+void HeadlessDesigner::SetTick(const std::string& caption, const std::string& column, bool ticked) {
+  const Ref<qbEntity> entity = Entities().Item(caption);
+  const Ref<qbEntityItem> item = entity ? entity->Items()->Item(column) : nullptr;
+  if (!item) throw std::runtime_error("no column " + caption + "." + column);
+  item->SetChecked(ticked);
+}
+
+Ref<qbRelationship> HeadlessDesigner::Join(const std::string& source, const std::string& sourceColumn,
+                                           const std::string& target, const std::string& targetColumn) {
+  const Ref<qbEntity> from = Entities().Item(source);
+  const Ref<qbEntity> to = Entities().Item(target);
+  const Ref<qbRelationship> join = from->Relationships()->Add(to);
+  join->SetSourceItemIndex(from->Items()->Item(sourceColumn)->Index());
+  join->SetTargetItemIndex(to->Items()->Item(targetColumn)->Index());
+  return join;
+}
+
+std::int32_t HeadlessDesigner::RowOf(const std::string& caption, const std::string& column) const {
+  const qbGridPane& grid = *hub_->GridPane();
+  for (std::int32_t row = 1; row <= grid.RowCount(); ++row) {
+    if (grid.Value(row, "table").Text() == caption && grid.Value(row, "column").Text() == column) return row;
+  }
+  throw std::runtime_error("no row of " + caption + "." + column);
+}
+
+void HeadlessDesigner::Sort(const std::string& caption, const std::string& column, const std::string& type, int order) {
+  const std::int32_t row = RowOf(caption, column);
+  hub_->GridPane()->SetValue(row, "sort_type", type);
+  hub_->GridPane()->SetValue(row, "sort_order", std::to_string(order));
+}
+
+std::string HeadlessDesigner::Statement(SQLSyntaxEnum syntax) {
+  hub_->SQLPane()->SetSQLSyntax(syntax);
+  hub_->SQLPane()->Refresh();
+  return ReplaceAll(hub_->SQLPane()->SQLStatement(), "\r\n", "\n");
+}
+
+std::string ForSqlite(const std::string& statement, SQLSyntaxEnum syntax) {
+  std::string sql = statement;
+  std::string limit;
+  // Takes out what begins with `before` and ends behind `after`; what stands between is the limit.
+  const auto takeLimit = [&](std::string_view before, std::string_view after) {
+    const std::size_t start = sql.find(before);
+    if (start == std::string::npos) return;
+    const std::size_t number = start + before.size();
+    const std::size_t end = sql.find(after, number);
+    limit = "\nLIMIT " + sql.substr(number, end - number);
+    sql.erase(start, end + after.size() - start);
+  };
+  if (syntax == SQLSyntaxOpenSQL) {
+    takeLimit("\n\tUP TO ", " ROWS");
+    const std::size_t from = sql.find("\nFROM ");
+    std::string columns = sql.substr(0, from);
+    const std::size_t first = columns.find("\n\t");  // the list begins here; every item stands on a line of its own
+    for (std::size_t at = columns.find(" \n\t", first + 1); at != std::string::npos;
+         at = columns.find(" \n\t", at + 3)) {
+      columns.insert(at, ",");
+    }
+    sql = columns + sql.substr(from);
+  } else {
+    takeLimit("TOP ", " ");
+  }
+  return sql + limit;
+}
+
+}  // namespace zrqrybld::test
