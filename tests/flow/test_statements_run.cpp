@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -143,6 +144,7 @@ TEST(TickedColumns, UntickingLeavesTheStatementOfTheOthers) {
   designer.Tick("Order", "Freight");
   EXPECT_NE(designer.Statement(SQLSyntaxMSSQL), before);
   designer.SetTick("Order", "Freight", false);
+  EXPECT_THROW(designer.RowOf("Order", "Freight"), std::runtime_error) << "its row is still in the grid";
   EXPECT_EQ(designer.Statement(SQLSyntaxMSSQL), before);
 }
 
