@@ -26,11 +26,17 @@ std::vector<PixelPoint> RouteLine(const LineEnd& from, const LineEnd& to, Pixels
   const auto path = [&](Pixels start, Pixels middle, Pixels end) {
     return std::vector<PixelPoint>{{start, from.y}, {middle, from.y}, {middle, to.y}, {end, to.y}};
   };
-  // Room between the boxes, however little: across, with the bend half-way.
-  if (to.box.left - from.box.Right() >= kLeastGap) {
+  // Boxes side by side: across the gap, with the bend half-way. Boxes that overlap in height have no other way, however
+  // small the gap: a way around would lead through one of them.
+  const bool level = from.box.top < to.box.Bottom() && to.box.top < from.box.Bottom();
+  const auto standBeside = [level](const PixelRect& left, const PixelRect& right) {
+    const Pixels gap = right.left - left.Right();
+    return gap >= kLeastGap || (level && gap >= 0_px);
+  };
+  if (standBeside(from.box, to.box)) {
     return path(from.box.Right(), (from.box.Right() + to.box.left) / 2, to.box.left);
   }
-  if (from.box.left - to.box.Right() >= kLeastGap) {
+  if (standBeside(to.box, from.box)) {
     return path(from.box.left, (from.box.left + to.box.Right()) / 2, to.box.Right());
   }
   // Boxes above one another: both ends on the side that makes the shorter way.

@@ -1,0 +1,112 @@
+// Placement and routing against the plainest code that says the same.
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "diagram/placement.h"
+#include "diagram/routing.h"
+
+namespace zrqrybld {
+namespace {
+
+// The rule word by word: every row, every box.
+TwipsPoint PlainScan(TwipsSize size, const std::vector<TwipsRect>& boxes, const PlacementRules& rules) {
+  for (Twips y; y <= rules.lowestRow; y += rules.rowStep) {
+    for (Twips x; x <= rules.surfaceWidth - size.width;) {
+      const TwipsRect place{x, y, size.width, size.height};
+      const auto inTheWay = std::ranges::find_if(boxes, [&](const TwipsRect& box) { return box.Overlaps(place); });
+      if (inTheWay == boxes.end()) return {x, y};
+      x = inTheWay->Right() + rules.gap;
+    }
+  }
+  return {};
+}
+
+TEST(Placement, AnswersAsThePlainScan) {
+  std::mt19937 random(4);
+  const auto upTo = [&random](unsigned n) { return Twips(static_cast<double>(random() % (n + 1))); };
+  int placedElsewhere = 0;
+  for (int run = 0; run < 3000; ++run) {
+    const PlacementRules rules{upTo(9000), upTo(6000), upTo(300), Twips(1.0 + static_cast<double>(random() % 90))};
+    const bool onGrid = run % 2 == 0;  // edges that touch exactly
+    const auto length = [&](unsigned n) { return onGrid ? upTo(n / 240) * 240 : upTo(n); };
+    std::vector<TwipsRect> boxes;
+    for (std::size_t n = random() % 15; n > 0; --n) {
+      boxes.push_back({length(8000) - 500_twips, length(6000) - 300_twips, length(3000), length(3000)});
+    }
+    const TwipsSize size{length(3000) + 1_twips, length(3000) + 1_twips};
+    const TwipsPoint place = FindPlace(size, boxes, rules);
+    ASSERT_EQ(place, PlainScan(size, boxes, rules)) << run;
+    placedElsewhere += place == TwipsPoint{} ? 0 : 1;
+  }
+  EXPECT_GT(placedElsewhere, 500);
+}
+
+TEST(Placement, GoesRightThenBelowThenOnTop) {
+  const TwipsSize size{1000_twips, 500_twips};
+  const PlacementRules rules{2300_twips, 1200_twips, 240_twips, 30_twips};
+  std::vector<TwipsRect> boxes;
+  for (const TwipsPoint expected : {TwipsPoint{}, TwipsPoint{1240_twips, 0_twips}, TwipsPoint{0_twips, 510_twips},
+                                    TwipsPoint{1240_twips, 510_twips}, TwipsPoint{0_twips, 1020_twips}}) {
+    const TwipsPoint place = FindPlace(size, boxes, rules);
+    EXPECT_EQ(place, expected);
+    boxes.push_back({place.x, place.y, size.width, size.height});
+  }
+  boxes.push_back({1240_twips, 1020_twips, 1000_twips, 500_twips});
+  EXPECT_EQ(FindPlace(size, boxes, rules), TwipsPoint{});  // nothing is free
+}
+
+// Whether a piece of the line runs through the inside of the box.
+bool RunsThrough(const std::vector<PixelPoint>& line, const PixelRect& box) {
+  for (std::size_t i = 1; i < line.size(); ++i) {
+    const PixelRect piece{std::min(line[i - 1].x, line[i].x), std::min(line[i - 1].y, line[i].y),
+                          Pixels(std::fabs((line[i].x - line[i - 1].x).Value())),
+                          Pixels(std::fabs((line[i].y - line[i - 1].y).Value()))};
+    if (piece.left < box.Right() && box.left < piece.Right() && piece.top < box.Bottom() && box.top < piece.Bottom()) {
+      return true;
+    }
+    const bool level = piece.height == 0_px && piece.top > box.top && piece.top < box.Bottom();
+    if (level && piece.left < box.Right() && box.left < piece.Right()) return true;
+    const bool upright = piece.width == 0_px && piece.left > box.left && piece.left < box.Right();
+    if (upright && piece.top < box.Bottom() && box.top < piece.Bottom()) return true;
+  }
+  return false;
+}
+
+TEST(Routing, EndsAtTheBoxesAndRunsAroundThem) {
+  std::mt19937 random(6);
+  const auto upTo = [&random](unsigned n) { return Pixels(static_cast<double>(random() % (n + 1))); };
+  for (int run = 0; run < 20'000; ++run) {
+    const auto box = [&] { return PixelRect{upTo(400), upTo(400), 60_px + upTo(120), 40_px + upTo(120)}; };
+    const PixelRect a = box();
+    const PixelRect b = run % 7 == 0 ? a : box();
+    const auto height = [&](const PixelRect& rect) { return rect.top + 1_px + upTo(38); };
+    const LineEnd from{a, height(a)};
+    const LineEnd to{b, height(b)};
+    const std::vector<PixelPoint> line = RouteLine(from, to, 14_px);
+    ASSERT_GE(line.size(), 2u);
+    const auto atEdge = [](PixelPoint p, const LineEnd& end) {
+      return p.y == end.y && (p.x == end.box.left || p.x == end.box.Right());
+    };
+    ASSERT_TRUE(atEdge(line.front(), from)) << run;
+    ASSERT_TRUE(atEdge(line.back(), to)) << run;
+    for (std::size_t i = 1; i < line.size(); ++i) {
+      ASSERT_TRUE(line[i].x == line[i - 1].x || line[i].y == line[i - 1].y) << run;
+    }
+    if (a.Overlaps(b)) continue;  // then no way around may exist
+    ASSERT_FALSE(RunsThrough(line, a)) << run;
+    ASSERT_FALSE(RunsThrough(line, b)) << run;
+  }
+}
+
+TEST(Routing, MeasuresTheDistanceToTheNearestPiece) {
+  const std::vector<PixelPoint> line{{0_px, 0_px}, {10_px, 0_px}, {10_px, 20_px}};
+  EXPECT_EQ(DistanceToLine({5_px, 3_px}, line), 3_px);
+  EXPECT_EQ(DistanceToLine({14_px, 10_px}, line), 4_px);
+  EXPECT_EQ(DistanceToLine({-3_px, -4_px}, line), 5_px);
+  EXPECT_EQ(DistanceToLine({10_px, 20_px}, line), 0_px);
+  EXPECT_GT(DistanceToLine({0_px, 0_px}, {}), 1'000'000_px);
+}
+
+}  // namespace
+}  // namespace zrqrybld
