@@ -56,12 +56,14 @@ void BoxRows::Clear() {
   Detach();
   rows_.Clear();
   if (onChanged) onChanged();
+  if (onRemoved) onRemoved();
 }
 
 void BoxRows::RemoveAt(std::size_t position) {
   rows_.RemoveAt(position)->list_ = nullptr;
   for (std::size_t i = position; i <= rows_.Count(); ++i) (*rows_.At(i))->index_ = i;
   if (onChanged) onChanged();
+  if (onRemoved) onRemoved();
 }
 
 }  // namespace zrqrybld

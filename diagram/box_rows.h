@@ -79,6 +79,8 @@ class BoxRows {
 
   /// The rows look different now.
   std::function<void()> onChanged;
+  /// Rows were removed; those behind them stand elsewhere now.
+  std::function<void()> onRemoved;
   /// A row was ticked or unticked.
   std::function<void(const Ref<BoxRow>&)> onChecked;
 

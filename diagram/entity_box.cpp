@@ -29,6 +29,10 @@ qbEntityList::qbEntityList(const BoxMetrics& metrics) : metrics_(metrics) {
   bounds_.width = metrics.scale.TwipsX(kDefaultWidth);
   bounds_.height = metrics.scale.TwipsY(kDefaultHeight);
   rows_.onChanged = [this] { Changed.Raise(); };
+  rows_.onRemoved = [this] {
+    ScrollTo(firstRow_);  // a list that became shorter must not stay scrolled past its end
+    Move.Raise();
+  };
   rows_.onChecked = [this](const Ref<BoxRow>& row) { ItemChecked.Raise(row); };
 }
 
