@@ -24,7 +24,7 @@ void qbEntity::Detach() {
 void qbEntity::SetCaption(const std::string& caption) {
   qbEntityList& box = Box();
   const auto owner = owner_.lock();
-  if (owner && !box.Caption().empty()) {
+  if (owner && owner->PositionOf(*this) != 0) {
     owner->Rename(*this, caption);
   } else {
     box.SetCaption(caption);

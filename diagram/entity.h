@@ -26,7 +26,7 @@ class EntityOwner {
   EntityOwner& operator=(const EntityOwner&) = delete;
   virtual ~EntityOwner() = default;
 
-  /// The entity's position, from 1.
+  /// The entity's position, from 1; 0 before it is added.
   virtual std::size_t PositionOf(const qbEntity& entity) const = 0;
   /// Gives the entity another key and caption, in place. Error 457 when another entity has it.
   virtual void Rename(qbEntity& entity, const std::string& caption) = 0;
