@@ -40,6 +40,7 @@ void qbEntityItems::Remove(const Variant& index) {
 
 void qbEntityItems::DetachRows() {
   for (std::size_t i = 1; i <= items_.Count(); ++i) (*items_.At(i))->Detach();
+  items_.Clear();
   rows_ = nullptr;
 }
 

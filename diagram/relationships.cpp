@@ -41,16 +41,21 @@ bool qbRelationships::Exists(const Ref<qbEntity>& entity1, const Ref<qbEntity>& 
 void qbRelationships::Remove(const Variant& index) {
   const Ref<qbRelationship> relationship = Item(index);
   const Ref<qbEntity> source = parent_.lock();
-  if (view_) {
-    if (view_->SelectedObject() == relationship) view_->DropSelection();
-    view_->UnloadLine(relationship->Line());
-  }
-  // A handler of the selection's end may have removed it already.
+  if (view_ && view_->SelectedObject() == relationship) view_->DropSelection();
+  // A listener of the selection's end may have removed it already, or the whole entity.
   const std::size_t position = PositionOf(*relationship);
   if (position == items_.kNone) return;
+  if (view_) view_->UnloadLine(relationship->Line());
   items_.RemoveAt(position);
   relationship->Detach();
   if (source && source->EntityBox()) source->EntityBox()->Notify("relationshipremove", Ref<Object>(relationship));
+}
+
+void qbRelationships::Detach() {
+  for (std::size_t i = 1; i <= items_.Count(); ++i) (*items_.At(i))->Detach();
+  items_.Clear();
+  parent_.reset();
+  view_ = nullptr;
 }
 
 std::size_t qbRelationships::PositionOf(const qbRelationship& relationship) const {

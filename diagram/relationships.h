@@ -43,10 +43,7 @@ class qbRelationships final : public Object, private RelationshipOwner {
   /// The entity that the joins start at; held weakly.
   void SetParentEntity(const Ref<qbEntity>& entity) { parent_ = entity; }
   /// The entity leaves the diagram.
-  void Detach() {
-    parent_.reset();
-    view_ = nullptr;
-  }
+  void Detach();
 
  private:
   std::size_t PositionOf(const qbRelationship& relationship) const override;
