@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/scoped_value.h"
 #include "diagram/placement.h"
 
 namespace zrqrybld {
@@ -34,7 +35,12 @@ Ref<qbQueryBuilder> qbDiagramPane::QueryBuilder() const {
 void qbDiagramPane::Clear() {
   const Ref<QueryContext> context = Context();
   const StepScope step(context, "Clear");
-  while (entities_->Count() > 0) entities_->Remove(entities_->Count());
+  // What listeners add meanwhile stays: waiting for an empty diagram could take forever.
+  std::vector<Ref<qbEntity>> all;
+  for (std::int32_t i = entities_->Count(); i >= 1; --i) all.push_back(entities_->Item(i));
+  for (const Ref<qbEntity>& entity : all) {
+    if (entity->EntityBox()) entities_->Remove(entity->Index());
+  }
   if (context) context->DiagramCleared();
 }
 
@@ -157,11 +163,11 @@ void qbDiagramPane::BoxRowChecked(const qbEntityList& box, const Ref<BoxRow>& ro
   if (!item) return;
   const Ref<QueryContext> context = Context();
   const StepScope step(context, row->Checked() ? "Tick column" : "Untick column");
-  const std::string caption = box.Caption();
-  const std::string text = row->Text();
   const bool checked = row->Checked();
   EntityItemCheck.Raise(entity, item);
-  if (context) context->ItemChecked(caption, text, checked);
+  // A listener may have renamed or removed the entity; one that ticked the row again has reported that already.
+  if (!context || !entity->EntityBox() || row->Checked() != checked) return;
+  context->ItemChecked(entity->Caption(), row->Text(), checked);
 }
 
 void qbDiagramPane::JoinChanged(const Ref<Object>& relationship) {
@@ -179,10 +185,17 @@ void qbDiagramPane::JoinRemoved() {
 
 // --- Selection ---
 
+bool qbDiagramPane::IsInDiagram(const Ref<Object>& object) {
+  if (const auto entity = std::dynamic_pointer_cast<qbEntity>(object)) return entity->EntityBox() != nullptr;
+  const auto join = std::dynamic_pointer_cast<qbRelationship>(object);
+  return join && join->Line();
+}
+
 void qbDiagramPane::SelectObject(const Ref<Object>& object) {
   if (object == selected_) return;
   DropSelection();
-  if (!object) return;
+  // A listener has selected another object meanwhile, or removed this one.
+  if ((selected_ && selected_ != leaving_) || !IsInDiagram(object)) return;
   selected_ = object;
   if (const auto join = std::dynamic_pointer_cast<qbRelationship>(object)) {
     if (join->Line()) join->Line()->SetSelected(true);
@@ -191,9 +204,11 @@ void qbDiagramPane::SelectObject(const Ref<Object>& object) {
   ObjectActivate.Raise(object);
 }
 
+// A listener that is told of the end may itself end it, by removing the object or by selecting another.
 void qbDiagramPane::DropSelection() {
-  if (!selected_) return;
+  if (!selected_ || selected_ == leaving_) return;
   const Ref<Object> object = selected_;
+  const ScopedValue leaving(leaving_, object);
   if (const auto join = std::dynamic_pointer_cast<qbRelationship>(object)) {
     if (join->Line()) join->Line()->SetSelected(false);
   }

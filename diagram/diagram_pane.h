@@ -97,7 +97,8 @@ class qbDiagramPane final : public Control, private DiagramView {
   bool EntityMinimizeButton() const override { return entityMinimizeButton_; }
   void SetEntityMinimizeButton(bool show) { entityMinimizeButton_ = show; }
 
-  /// Makes an entity or relationship of this pane the selected object; nothing drops the selection.
+  /// Makes an entity or relationship of this pane the selected object; nothing, or what was removed from the
+  /// diagram, drops the selection.
   void SelectObject(const Ref<Object>& object);
   void DropSelection() override;
 
@@ -179,6 +180,7 @@ class qbDiagramPane final : public Control, private DiagramView {
   void ScrollBy(Orientation orientation, int delta);
   PaneHit HitTest(PixelPoint point) const;
   static Ref<qbEntity> EntityOf(const qbEntityList& box);
+  static bool IsInDiagram(const Ref<Object>& object);
   void RaiseToTop(const Ref<qbEntityList>& box);
 
   void PressBox(const PaneHit& hit, const MouseEvent& event);
@@ -195,6 +197,7 @@ class qbDiagramPane final : public Control, private DiagramView {
   std::vector<Ref<qbEntityList>> stacking_;  // from the bottom to the top
   std::vector<Ref<qbLine>> lines_;
   Ref<Object> selected_;
+  Ref<Object> leaving_;  // the object whose listeners are being told that it is not selected any more
   Gesture gesture_;
   PaneHit hover_;
   bool focused_ = false;

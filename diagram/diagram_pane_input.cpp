@@ -236,7 +236,7 @@ bool qbDiagramPane::DeleteSelected() {
   if (cancel) return true;
   DropSelection();
   if (const auto entity = std::dynamic_pointer_cast<qbEntity>(object)) {
-    if (entity->EntityBox()) entities_->Remove(entity->Caption());
+    if (entity->EntityBox()) entities_->Remove(entity->Index());
   } else if (const auto join = std::dynamic_pointer_cast<qbRelationship>(object)) {
     if (const Ref<qbEntity> source = join->Source()) source->Relationships()->Remove(join->Index());
   }

@@ -65,9 +65,11 @@ void qbEntities::Remove(const Variant& index) {
 
   RemoveJoinsOf(entity);
   if (view_->SelectedObject() == entity) view_->DropSelection();
+  RemoveJoinsOf(entity);  // which a listener of the selection's end has drawn
   const std::size_t position = PositionOf(*entity);
   if (position == items_.kNone) return;  // a handler has removed it meanwhile
   const Ref<qbEntityList> box = entity->EntityBox();
+  const std::string caption = entity->Caption();  // a listener may have renamed it
   entity->Relationships()->Detach();
   entity->Detach();
   items_.RemoveAt(position);
@@ -75,7 +77,7 @@ void qbEntities::Remove(const Variant& index) {
 
   EntityRemove.Raise(key);
   if (context) {
-    context->EntityRemoved(key);
+    context->EntityRemoved(caption);
     context->EntitiesChanged();
     context->QueryChanged();
   }

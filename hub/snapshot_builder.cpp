@@ -36,7 +36,7 @@ void TakeJoins(QuerySnapshot& snapshot, const TablePositions& positions, const q
     for (std::int32_t j = 1; j <= joins.Count(); ++j) {
       const qbRelationship& join = *joins.Item(j);
       const Ref<qbEntity> target = join.Target();
-      if (!target) continue;
+      if (!target || !target->EntityBox()) continue;
       snapshot.joins.push_back({static_cast<std::size_t>(i - 1), positions.at(target->Caption()),
                                 ColumnOf(join.SourceItem()), ColumnOf(join.TargetItem()), join.Kind()});
     }
