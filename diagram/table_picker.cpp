@@ -89,7 +89,11 @@ TablePicker::FoundTable TablePicker::FindTable(const std::string& tableName) {
   return whole.row->Eof() ? std::move(found) : std::move(whole);
 }
 
-bool TablePicker::HasTable(const std::string& tableName) { return !FindTable(tableName).row->Eof(); }
+// An empty name restricts nothing: every table would answer to it.
+bool TablePicker::HasTable(const std::string& tableName) {
+  const FoundTable found = FindTable(tableName);
+  return found.restrictions.table && !found.row->Eof();
+}
 
 void TablePicker::AddColumns(qbEntity& entity, const SchemaRestrictions& table) {
   struct Column {
