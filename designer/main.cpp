@@ -33,6 +33,8 @@ int RunScript(MainWindow& window, const DesignerOptions& options) {
   if (!errors.isEmpty()) return 1;
   if (options.printSql) QTextStream(stdout) << window.Statement() << '\n';
   if (!options.screenshot.isEmpty()) {
+    // Laid out and painted as if shown, without a window that flashes up on the user's screen.
+    window.setAttribute(Qt::WA_DontShowOnScreen);
     window.show();
     QCoreApplication::processEvents();
     if (!window.grab().save(options.screenshot)) {

@@ -1,0 +1,151 @@
+// The designer as a script's tool: what it prints, where, and with which status it ends.
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QTemporaryDir>
+#include <set>
+#include <string>
+
+#include "base/text.h"
+#include "tests/data_table.h"
+
+namespace zrqrybld {
+namespace {
+
+struct Outcome {
+  int status;
+  std::string output;
+  std::string errors;
+};
+
+Outcome RunDesigner(const QStringList& arguments) {
+  QProcess process;
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  environment.insert("QT_QPA_PLATFORM", "offscreen");
+  environment.insert("QT_LOGGING_RULES", "default.warning=false");  // remarks of the platform plugin
+  process.setProcessEnvironment(environment);
+  process.start(ZRQRYBLD_DESIGNER, arguments);
+  if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit) {
+    ADD_FAILURE() << "it did not end by itself: " << arguments.join(' ').toStdString();
+    process.kill();
+    process.waitForFinished();
+    return {-1, {}, {}};
+  }
+  return {process.exitCode(), process.readAllStandardOutput().toStdString(),
+          process.readAllStandardError().toStdString()};
+}
+
+QStringList Lines(const std::string& text) {
+  return QString::fromStdString(ReplaceAll(text, "\r\n", "\n")).split('\n', Qt::SkipEmptyParts);
+}
+
+QStringList Sample(const QStringList& more) { return QStringList{"--db", ZRQRYBLD_SAMPLE_DB} + more; }
+
+TEST(DesignerCommandLine, PrintsTheStatement) {
+  std::set<std::string> dialects;
+  for (const test::Record& record : test::ReadRecords("designer_statements.txt")) {
+    SCOPED_TRACE(record.place);
+    QStringList arguments = Sample({"--syntax", QString::fromStdString(record["syntax"]), "--print-sql"});
+    for (const QString& table : Lines(record["tables"])) arguments << "--add-table" << table;
+    for (const QString& tick : Lines(record["ticks"])) arguments << "--tick" << tick;
+    const Outcome outcome = RunDesigner(arguments);
+    EXPECT_EQ(outcome.output, ReplaceAll(record["statement"], "\r\n", "\n") + "\n");
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.status, 0);
+    dialects.insert(UpperAscii(record["syntax"]));
+  }
+  EXPECT_EQ(dialects.size(), 5u) << "a dialect has no case";
+}
+
+TEST(DesignerCommandLine, TakesTheDatabaseAlsoWithoutItsOption) {
+  const Outcome outcome = RunDesigner({ZRQRYBLD_SAMPLE_DB, "--add-table", "Categories", "--print-sql"});
+  EXPECT_EQ(outcome.output, "SELECT \nFROM \nCategories\n\n");
+  EXPECT_EQ(outcome.status, 0);
+}
+
+TEST(DesignerCommandLine, WrongOptionsEndItWithTwoAndOtherFailuresWithOne) {
+  const QTemporaryDir files;
+  const QString text = QDir(files.path()).filePath("text.db");
+  QFile file(text);
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.write("This is a text, and longer than the head of a database file would be: so it is read as one and refused.");
+  file.close();
+
+  const struct {
+    QStringList arguments;
+    int status;
+    std::string message;  // a part of it
+  } cases[] = {
+      {{"--colour", "red"}, 2, "colour"},
+      {{"--add-table"}, 2, "add-table"},
+      {{"--syntax", "Klingon", "--print-sql"}, 2, "there is no dialect \"Klingon\"; known are Generic, MSSQL"},
+      {{"--db", "a.db", "b.db", "--print-sql"}, 2, "more than one database"},
+      {{"a.db", "b.db"}, 2, "more than one database"},
+      {{"--add-table", "Customers", "--print-sql"}, 1, "--add-table needs a database"},
+      {{"--db", "/nowhere/at all.db", "--print-sql"}, 1, "/nowhere/at all.db"},
+      {{"--db", text, "--print-sql"}, 1, "not a database"},
+      {{"--db", files.path(), "--print-sql"}, 1, files.path().toStdString()},
+      {Sample({"--add-table", "Nowhere", "--print-sql"}), 1, "There is no table or view named \"Nowhere\"."},
+      {Sample({"--add-table", "", "--print-sql"}), 1, "There is no table or view named \"\"."},
+      {Sample({"--add-table", "Customers", "--tick", "Customers.Nothing", "--print-sql"}), 1,
+       "The table \"Customers\" has no column \"Nothing\"."},
+      {Sample({"--tick", "Customers.City", "--print-sql"}), 1, "\"Customers.City\" names no table of the diagram"},
+      {Sample({"--screenshot", "/nowhere/picture.png"}), 1, "the picture cannot be written to /nowhere/picture.png"},
+      {Sample({"--screenshot", QDir(files.path()).filePath("picture.unknown")}), 1, "picture.unknown"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.arguments.join(' ').toStdString());
+    const Outcome outcome = RunDesigner(c.arguments);
+    EXPECT_EQ(outcome.status, c.status);
+    EXPECT_EQ(outcome.output, "") << "a failure must leave nothing for the next program to read";
+    EXPECT_NE(outcome.errors.find(c.message), std::string::npos) << outcome.errors;
+    EXPECT_TRUE(outcome.errors.starts_with("zrqrybld-designer: ")) << outcome.errors;
+  }
+}
+
+TEST(DesignerCommandLine, NamesAllWrongNamesAtOnce) {
+  const Outcome outcome = RunDesigner(Sample({"--add-table", "One", "--add-table", "Two", "--print-sql"}));
+  EXPECT_EQ(outcome.errors,
+            "zrqrybld-designer: There is no table or view named \"One\".\n"
+            "zrqrybld-designer: There is no table or view named \"Two\".\n");
+  EXPECT_EQ(outcome.status, 1);
+}
+
+TEST(DesignerCommandLine, SavesAPictureOfTheWindow) {
+  const QTemporaryDir files;
+  const auto picture = [&](const char* name, const QStringList& more) {
+    const QString path = QDir(files.path()).filePath(name);
+    const Outcome outcome = RunDesigner(Sample(more + QStringList{"--screenshot", path}));
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.status, 0);
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly) && file.read(8) == QByteArray("\x89PNG\r\n\x1a\n")) << name;
+    return QImage(path);
+  };
+  const QStringList query{"--add-table", "Customers", "--add-table", "Order"};
+  const QImage tables = picture("tables.png", query);
+  const QImage ticked = picture("ticked.png", query + QStringList{"--tick", "Customers.City"});
+  EXPECT_GE(tables.width(), 800);
+  EXPECT_GE(tables.height(), 600);
+  EXPECT_NE(ticked, tables) << "the tick is not to be seen";
+  // The text fits while the pane for it does: the picture shows a laid-out window, not one that is about to be.
+  EXPECT_EQ(picture("again.png", query), tables) << "the same query gives another picture";
+}
+
+TEST(DesignerCommandLine, TellsItsOptionsAndItsVersion) {
+  const Outcome help = RunDesigner({"--help"});
+  EXPECT_EQ(help.status, 0);
+  for (const char* option : {"--db", "--add-table", "--tick", "--syntax", "--print-sql", "--screenshot"}) {
+    EXPECT_NE(help.output.find(option), std::string::npos) << option;
+  }
+  const Outcome version = RunDesigner({"--version"});
+  EXPECT_EQ(version.status, 0);
+  EXPECT_NE(version.output.find(ZRQRYBLD_VERSION), std::string::npos) << version.output;
+}
+
+}  // namespace
+}  // namespace zrqrybld
