@@ -62,11 +62,13 @@ void zrGrid::OnMouseUp(const MouseEvent& event) {
 void zrGrid::OnDoubleClick(const MouseEvent& event) {
   const GridHit hit = Layout().HitTest(event.position);
   // The second click of two on a check box is a click of its own.
-  if (hit.part == GridPart::Cell) ToggleCheckBox(hit.row, hit.column);
+  if (hit.part == GridPart::Cell && event.button == ButtonLeft) ToggleCheckBox(hit.row, hit.column);
   DblClick.Raise();
 }
 
 void zrGrid::ToggleCheckBox(std::size_t row, std::size_t column) {
+  // A listener of RowColChange may have taken the row away.
+  if (row > static_cast<std::size_t>(rows_->Count()) || column > static_cast<std::size_t>(columns_->Count())) return;
   zrGridRow& target = rows_->At(row);
   if (!IsCheckBoxColumn(column) || target.Locked()) return;
   target.SetValue(static_cast<std::int32_t>(column), target.ValueAt(column) != Variant(true));
