@@ -64,7 +64,9 @@ void zrGridColumns::Clear() {
     (*items_.At(i))->list_ = nullptr;
     (*items_.At(i))->index_ = 0;
   }
-  items_.Clear();
+  for (; items_.Count() > 0; items_.RemoveAt(items_.Count())) {
+    if (owner_) owner_->ColumnRemoved(items_.Count());
+  }
   if (owner_) owner_->ColumnsChanged();
 }
 
@@ -74,7 +76,9 @@ void zrGridColumns::Remove(const Variant& index) {
   column->list_ = nullptr;
   column->index_ = 0;
   for (std::size_t i = position; i <= items_.Count(); ++i) (*items_.At(i))->index_ = i;
-  if (owner_) owner_->ColumnsChanged();
+  if (!owner_) return;
+  owner_->ColumnRemoved(position);
+  owner_->ColumnsChanged();
 }
 
 }  // namespace zrqrybld

@@ -31,6 +31,8 @@ class ColumnOwner {
 
   /// A column looks different or has another width now.
   virtual void ColumnsChanged() = 0;
+  /// The column at this position has left; those behind it have moved up.
+  virtual void ColumnRemoved(std::size_t position) = 0;
 };
 
 /// One column of a grid. It stays readable once it was removed, and changes nothing on the screen any more.

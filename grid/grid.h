@@ -117,6 +117,7 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   zrGrid() = default;
 
   void ColumnsChanged() override;
+  void ColumnRemoved(std::size_t position) override { rows_->DropColumn(position); }
   std::size_t ColumnPosition(const Variant& column) const override { return columns_->PositionOf(column); }
   bool IsCheckBoxColumn(std::size_t column) const override {
     return columns_->At(column).Style() == GridColumnCheckBox;

@@ -114,6 +114,13 @@ void zrGridRows::Remove(const Variant& index) {
   if (owner_) owner_->RowsChanged();
 }
 
+void zrGridRows::DropColumn(std::size_t position) {
+  for (std::size_t i = 1; i <= items_.Count(); ++i) {
+    auto& cells = (*items_.At(i))->cells_;
+    if (position <= cells.size()) cells.erase(cells.begin() + static_cast<std::ptrdiff_t>(position - 1));
+  }
+}
+
 void zrGridRows::Renumber(std::size_t from) {
   for (std::size_t i = from; i <= items_.Count(); ++i) (*items_.At(i))->index_ = i;
 }

@@ -110,6 +110,8 @@ class zrGridRows final : public Object {
 
   /// The row at a position that exists.
   zrGridRow& At(std::size_t position) const { return **items_.At(position); }
+  /// A column has left: its cells go, those behind them move up.
+  void DropColumn(std::size_t position);
   /// The grid goes away.
   void Detach() { owner_ = nullptr; }
 
