@@ -45,6 +45,7 @@ std::int32_t qbGridPane::TickRows(const std::string& fieldName, const std::strin
 // All rows of the field stop to output it; those that say nothing else go.
 void qbGridPane::UntickRows(const std::string& fieldName, const std::string& tableName) {
   for (std::int32_t i = RowCount(); i >= 1; --i) {
+    if (i > RowCount()) continue;  // a listener of RowColChange has removed rows, too
     zrGridRow& row = RowAt(i);
     if (!IsRowOf(row, tableName, fieldName)) continue;
     if (HasContent(row)) {
@@ -94,12 +95,10 @@ void qbGridPane::PushToDiagram(const std::string& fieldName, const std::string& 
   if (item) item->SetChecked(checked);
 }
 
-bool qbGridPane::IsOutputElsewhere(const zrGridRow& row) const {
-  const std::string table = Text(row, kColumnTable);
-  const std::string field = Text(row, kColumnColumn);
+bool qbGridPane::IsOutput(const Field& field) const {
   for (std::int32_t i = 1; i <= RowCount(); ++i) {
-    const zrGridRow& other = RowAt(i);
-    if (&other != &row && other.ValueAt(kColumnOutput) == Variant(true) && IsRowOf(other, table, field)) return true;
+    const zrGridRow& row = RowAt(i);
+    if (row.ValueAt(kColumnOutput) == Variant(true) && IsRowOf(row, field.table, field.name)) return true;
   }
   return false;
 }

@@ -5,7 +5,6 @@
 #include "base/scoped_value.h"
 #include "base/text.h"
 #include "diagram/entities.h"
-#include "grid/grid_columns.h"
 #include "grid/sort_order.h"
 
 namespace zrqrybld {
@@ -42,6 +41,9 @@ void qbGridPane::CreateColumns() {
   ApplyShowGroupBy();
   links_.push_back(
       grdPane_->AfterChange.Connect([this](std::int32_t row, std::int32_t column) { CellChanged(row, column); }));
+  links_.push_back(grdPane_->BeforeChange.Connect([this](std::int32_t row, std::int32_t, bool&) {
+    if (!busy_) before_ = FieldOf(RowAt(row));
+  }));
   links_.push_back(grdPane_->BeforeDelete.Connect(
       [this](std::int32_t first, std::int32_t last, bool&) { RowsAboutToGo(first, last); }));
   links_.push_back(grdPane_->AfterDelete.Connect([this](std::int32_t, std::int32_t) {
@@ -218,6 +220,7 @@ void qbGridPane::RefreshTables() {
   if (!entities) return;
   RefreshTableList();
   for (std::int32_t i = RowCount(); i >= 1; --i) {
+    if (i > RowCount()) continue;  // a listener of RowColChange has removed rows, too
     const std::string table = Text(RowAt(i), kColumnTable);
     if (!table.empty() && !entities->FindExactly(table)) grdPane_->Rows()->Remove(i);
   }
@@ -228,7 +231,7 @@ void qbGridPane::RefreshTables() {
 
 void qbGridPane::RemoveRowsOf(const std::string& tableName) {
   for (std::int32_t i = RowCount(); i >= 1; --i) {
-    if (Text(RowAt(i), kColumnTable) == tableName) grdPane_->Rows()->Remove(i);
+    if (i <= RowCount() && Text(RowAt(i), kColumnTable) == tableName) grdPane_->Rows()->Remove(i);
   }
   CloseSortGaps();
   EnsureEmptyLastRow();
@@ -248,14 +251,18 @@ void qbGridPane::CellChanged(std::int32_t row, std::int32_t column) {
   const StepScope step(context_.lock(), "Change cell");
   {
     const ScopedValue busy(busy_, true);
-    zrGridRow& changed = RowAt(row);
     if (column == kColumnColumn || column == kColumnTable) {
-      SetRowGroupBy(changed);
+      SetRowGroupBy(RowAt(row));
       EnsureEmptyLastRow();
     }
     if (column == kColumnOutput || column == kColumnColumn || column == kColumnTable) {
-      const bool output = changed.ValueAt(kColumnOutput) == Variant(true);
-      PushToDiagram(Text(changed, kColumnColumn), Text(changed, kColumnTable), output || IsOutputElsewhere(changed));
+      // A row that names another field gives up the old one; its box stays ticked while another row outputs it.
+      const Field left = before_;
+      const Field now = FieldOf(RowAt(row));
+      const bool leftOutput = IsOutput(left);
+      const bool nowOutput = IsOutput(now);
+      PushToDiagram(left.name, left.table, leftOutput);
+      PushToDiagram(now.name, now.table, nowOutput);
     }
     AfterChange.Raise(row, column);
   }
@@ -269,7 +276,8 @@ void qbGridPane::RowsAboutToGo(std::int32_t first, std::int32_t last) {
     zrGridRow& row = RowAt(i);
     if (row.ValueAt(kColumnOutput) != Variant(true)) continue;
     row.SetValue("output", false);
-    if (!IsOutputElsewhere(row)) PushToDiagram(Text(row, kColumnColumn), Text(row, kColumnTable), false);
+    const Field field = FieldOf(row);
+    if (!IsOutput(field)) PushToDiagram(field.name, field.table, false);
   }
 }
 

@@ -12,6 +12,7 @@
 #include "base/event.h"
 #include "base/object.h"
 #include "grid/grid.h"
+#include "grid/grid_columns.h"
 #include "host/query_context.h"
 
 namespace zrqrybld {
@@ -111,6 +112,11 @@ class qbGridPane final : public Object {
   void ResetRows();
 
  private:
+  struct Field {
+    std::string table;
+    std::string name;
+  };
+
   qbGridPane() = default;
   void CreateColumns();
   bool IsLocked(std::string_view key) const;
@@ -134,8 +140,10 @@ class qbGridPane final : public Object {
   void UntickRows(const std::string& fieldName, const std::string& tableName);
   std::int32_t FillNewRow(const std::string& fieldName, const std::string& tableName, std::int32_t before);
   void PushToDiagram(const std::string& fieldName, const std::string& tableName, bool checked);
-  bool IsOutputElsewhere(const zrGridRow& row) const;
+  // Whether any row outputs the field.
+  bool IsOutput(const Field& field) const;
 
+  Field FieldOf(const zrGridRow& row) const { return {Text(row, kColumnTable), Text(row, kColumnColumn)}; }
   void CellChanged(std::int32_t row, std::int32_t column);
   void RowsAboutToGo(std::int32_t first, std::int32_t last);
   void ReportChange();
@@ -147,6 +155,7 @@ class qbGridPane final : public Object {
   DateFormatEnum dateFormatStyle_ = DateFormatNative;
   bool showGroupBy_ = true;
   float groupByWidth_ = 0;  // the width to bring back; 0 until the column is first hidden
+  Field before_;            // what the row named before the change that is going on
   bool busy_ = false;       // the pane itself is changing cells or pushing a change to the diagram
 };
 
