@@ -68,6 +68,7 @@ Ref<qbEntity> TablePicker::AddTable(const std::string& tableName) {
 }
 
 void TablePicker::FillFromSource(qbEntity& entity, const std::string& tableName) {
+  if (tableName.empty()) return;  // to a source that means any table
   const FoundTable table = FindTable(tableName);
   for (std::size_t i = 0; !table.row->Eof() && i < table.row->FieldCount(); ++i) {
     entity.Properties()->Set(std::string(kSchemaFactPrefix) + std::string(table.row->FieldName(i)),
@@ -81,18 +82,19 @@ void TablePicker::FillFromSource(qbEntity& entity, const std::string& tableName)
 TablePicker::FoundTable TablePicker::FindTable(const std::string& tableName) {
   const std::vector<Identifier> parts = SplitName(tableName, CurrentNameRules(*context_));
   FoundTable found{RestrictionsFor(parts), nullptr};
-  found.row = context_->Connection()->OpenSchema(SchemaKind::Tables, found.restrictions);
-  if (!found.row->Eof() || parts.size() == 1) return found;
+  const bool namesTable = found.restrictions.table.has_value();
+  if (namesTable) {
+    found.row = context_->Connection()->OpenSchema(SchemaKind::Tables, found.restrictions);
+    if (!found.row->Eof() || parts.size() == 1) return found;
+  }
   FoundTable whole;
   whole.restrictions.table = tableName;
   whole.row = context_->Connection()->OpenSchema(SchemaKind::Tables, whole.restrictions);
-  return whole.row->Eof() ? std::move(found) : std::move(whole);
+  return namesTable && whole.row->Eof() ? std::move(found) : std::move(whole);
 }
 
-// An empty name restricts nothing: every table would answer to it.
 bool TablePicker::HasTable(const std::string& tableName) {
-  const FoundTable found = FindTable(tableName);
-  return found.restrictions.table && !found.row->Eof();
+  return !tableName.empty() && !FindTable(tableName).row->Eof();
 }
 
 void TablePicker::AddColumns(qbEntity& entity, const SchemaRestrictions& table) {
