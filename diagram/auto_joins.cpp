@@ -2,6 +2,7 @@
 
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "base/error.h"
 #include "base/text.h"
@@ -12,21 +13,26 @@
 namespace zrqrybld {
 namespace {
 
+// An entity and its place in the diagram when the pass begins: listeners may change the diagram meanwhile.
+struct Candidate {
+  Ref<qbEntity> entity;
+  std::int32_t position;
+};
+
 // The entities of the diagram by the table they show.
 class EntitiesByTable {
  public:
-  EntitiesByTable(const qbEntities& entities, const NameRules& rules) {
-    for (std::int32_t i = 1; i <= entities.Count(); ++i) {
-      const Ref<qbEntity> entity = entities.Item(i);
-      const std::vector<Identifier> name = SourceName(*entity, rules);
+  EntitiesByTable(const std::vector<Candidate>& candidates, const NameRules& rules) {
+    for (const Candidate& candidate : candidates) {
+      const std::vector<Identifier> name = SourceName(*candidate.entity, rules);
       const std::string schema = name.size() > 1 ? name[name.size() - 2].Name() : std::string();
-      byTable_[Key(schema, name.back().Name())].push_back(i);
+      byTable_[Key(schema, name.back().Name())].push_back(candidate);
     }
   }
 
-  // Positions in the diagram, ascending.
-  const std::vector<std::int32_t>& Find(std::string_view schema, std::string_view table) const {
-    static const std::vector<std::int32_t> kNone;
+  // In the order of the diagram.
+  const std::vector<Candidate>& Find(std::string_view schema, std::string_view table) const {
+    static const std::vector<Candidate> kNone;
     const auto found = byTable_.find(Key(schema, table));
     return found == byTable_.end() ? kNone : found->second;
   }
@@ -35,7 +41,7 @@ class EntitiesByTable {
   static std::string Key(std::string_view schema, std::string_view table) {
     return FoldCase(schema) + '\n' + FoldCase(table);
   }
-  std::unordered_map<std::string, std::vector<std::int32_t>> byTable_;
+  std::unordered_map<std::string, std::vector<Candidate>> byTable_;
 };
 
 void Join(QueryContext& context, const Ref<qbEntity>& child, const Ref<qbEntity>& parent,
@@ -52,10 +58,11 @@ void Join(QueryContext& context, const Ref<qbEntity>& child, const Ref<qbEntity>
   context.RaiseInfo(InfoRelationshipAdded, Ref<Object>(join));
 }
 
-void JoinToParents(const Ref<QueryContext>& context, const Ref<qbEntities>& entities, const NameRules& rules,
-                   const EntitiesByTable& byTable, std::int32_t childPosition) {
-  const Ref<qbEntity> child = entities->Item(childPosition);
-  const std::vector<Identifier> name = SourceName(*child, rules);
+// An entity that a listener has removed has no items left to join.
+void JoinToParents(const Ref<QueryContext>& context, const NameRules& rules, const EntitiesByTable& byTable,
+                   const Candidate& child) {
+  const std::vector<Identifier> name = SourceName(*child.entity, rules);
+  if (name.back().Empty()) return;  // to a source that means any table
   SchemaRestrictions table;
   table.table = name.back().Name();
   if (name.size() > 1) table.schema = name[name.size() - 2].Name();
@@ -65,9 +72,9 @@ void JoinToParents(const Ref<QueryContext>& context, const Ref<qbEntities>& enti
     const std::string parentTable = rows->Text("PK_TABLE_NAME");
     const bool referencesItself = EqualsNoCase(parentTable, rows->Text("FK_TABLE_NAME")) &&
                                   EqualsNoCase(parentSchema, rows->Text("FK_TABLE_SCHEMA"));
-    for (const std::int32_t parentPosition : byTable.Find(parentSchema, parentTable)) {
-      if (referencesItself && parentPosition <= childPosition) continue;
-      Join(*context, child, entities->Item(parentPosition), rows->Text("FK_COLUMN_NAME"), rows->Text("PK_COLUMN_NAME"));
+    for (const Candidate& parent : byTable.Find(parentSchema, parentTable)) {
+      if (referencesItself && parent.position <= child.position) continue;
+      Join(*context, child.entity, parent.entity, rows->Text("FK_COLUMN_NAME"), rows->Text("PK_COLUMN_NAME"));
     }
   }
 }
@@ -79,9 +86,11 @@ void RefreshRelationships(const Ref<QueryContext>& context) {
   if (!entities || !context->IsConnected()) return;
   const StepScope step(context, "Automatic joins");
   const NameRules rules = CurrentNameRules(*context);
-  const EntitiesByTable byTable(*entities, rules);
+  std::vector<Candidate> candidates;
+  for (std::int32_t i = 1; i <= entities->Count(); ++i) candidates.push_back({entities->Item(i), i});
+  const EntitiesByTable byTable(candidates, rules);
   try {
-    for (std::int32_t i = 1; i <= entities->Count(); ++i) JoinToParents(context, entities, rules, byTable, i);
+    for (const Candidate& child : candidates) JoinToParents(context, rules, byTable, child);
   } catch (const Error& error) {
     if (error.Number() != ErrorSchemaNotSupported) throw;
   }
