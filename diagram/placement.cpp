@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <optional>
+#include <set>
 #include <vector>
 
 namespace zrqrybld {
@@ -36,14 +38,20 @@ TwipsPoint FindPlace(TwipsSize size, std::span<const TwipsRect> boxes, const Pla
   std::ranges::sort(rows);
   rows.erase(std::ranges::unique(rows).begin(), rows.end());
 
+  // The rows go down, so each box enters the row once, at its top, and leaves it once, at its bottom.
+  std::vector<std::size_t> byTop(boxes.size());
+  std::iota(byTop.begin(), byTop.end(), 0u);
+  std::ranges::sort(byTop, {}, [&](std::size_t box) { return boxes[box].top; });
+  std::size_t next = 0;
+  std::set<std::size_t> current;  // positions, because the order of the boxes decides
   std::vector<TwipsRect> inRow;
   for (const double row : rows) {
     const Twips y = rules.rowStep * row;
     if (y > rules.lowestRow) break;
+    for (; next < byTop.size() && boxes[byTop[next]].top < y + size.height; ++next) current.insert(byTop[next]);
+    std::erase_if(current, [&](std::size_t box) { return boxes[box].Bottom() <= y; });
     inRow.clear();
-    for (const TwipsRect& box : boxes) {
-      if (box.top < y + size.height && box.Bottom() > y) inRow.push_back(box);
-    }
+    for (const std::size_t box : current) inRow.push_back(boxes[box]);
     if (const std::optional<Twips> x = FreePlaceInRow(y, size, inRow, rules)) return {*x, y};
   }
   return {};
