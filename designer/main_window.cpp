@@ -138,6 +138,7 @@ void MainWindow::PickTables() {
 
 QStringList MainWindow::AddTables(const QStringList& names) {
   qbQueryBuilder& hub = designer_->QueryBuilder();
+  const StepScope step(hub.Hub(), "Add tables");  // one statement at the end, not one for each table
   QStringList errors;
   for (const QString& name : names) {
     const std::int32_t before = hub.Entities()->Count();

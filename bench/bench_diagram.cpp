@@ -1,0 +1,69 @@
+// What a user does in the diagram: add tables, tick a column, look at it.
+#include <benchmark/benchmark.h>
+
+#include "bench/counting_canvas.h"
+#include "bench/designer.h"
+#include "diagram/relationships.h"
+
+namespace zrqrybld::bench {
+namespace {
+
+// One table of so many columns into an empty diagram.
+void AddTable(benchmark::State& state) {
+  const Ref<qbQueryBuilder> hub = MakeDesigner(static_cast<int>(state.range(0)));
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(hub->AddTable("T0"));
+    state.PauseTiming();
+    hub->Entities()->Remove(1);
+    state.ResumeTiming();
+  }
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(AddTable)->Arg(50)->Arg(500)->Arg(5000);
+
+// So many tables of ten columns one after another, and their joins.
+void AddManyTables(benchmark::State& state) {
+  const auto count = static_cast<int>(state.range(0));
+  for (auto _ : state) {
+    const Ref<qbQueryBuilder> hub = MakeDesigner(10);
+    AddTables(*hub, count);
+    if (hub->Entities()->Item(count)->Relationships()->Count() != 1) state.SkipWithError("no join");
+  }
+  state.SetItemsProcessed(state.iterations() * count);
+}
+BENCHMARK(AddManyTables)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMillisecond);
+
+// A column ticked and unticked again while so many are ticked; each of the two writes the statement anew.
+void Tick(benchmark::State& state) {
+  constexpr int kColumns = 100;
+  const auto ticked = static_cast<int>(state.range(0));
+  const Ref<qbQueryBuilder> hub = MakeDesigner(kColumns);
+  AddTables(*hub, ticked / kColumns + 2);
+  {
+    const StepScope step(hub, "Tick");
+    for (int i = 0; i < ticked; ++i) {
+      hub->Entities()->Item(i / kColumns + 1)->Items()->Item(ColumnName(i % kColumns))->SetChecked(true);
+    }
+  }
+  const Ref<qbEntityItem> item = hub->Entities()->Item(hub->Entities()->Count())->Items()->Item(ColumnName(7));
+  for (auto _ : state) {
+    item->SetChecked(true);
+    item->SetChecked(false);
+  }
+  if (hub->GridPane()->RowCount() < ticked) state.SkipWithError("the columns are not in the grid");
+}
+BENCHMARK(Tick)->Arg(0)->Arg(30)->Arg(300)->Arg(3000);
+
+// Everything that can be seen of so many boxes with joins; "calls" are those of the canvas.
+void Paint(benchmark::State& state) {
+  const Ref<qbQueryBuilder> hub = MakeDesigner(12);
+  AddTables(*hub, static_cast<int>(state.range(0)));
+  CountingCanvas canvas;
+  const PixelSize size = hub->DiagramPane()->GetSurface().ViewSize();
+  for (auto _ : state) hub->DiagramPane()->Paint(canvas, {{}, {}, size.width, size.height});
+  state.counters["calls"] = benchmark::Counter(static_cast<double>(canvas.Calls()), benchmark::Counter::kAvgIterations);
+}
+BENCHMARK(Paint)->Arg(5)->Arg(50)->Arg(500);
+
+}  // namespace
+}  // namespace zrqrybld::bench

@@ -1,0 +1,68 @@
+// Writing the statement: from plain data, and with the data taken out of the diagram and the grid.
+#include <benchmark/benchmark.h>
+
+#include "bench/designer.h"
+#include "sql/generator.h"
+
+namespace zrqrybld::bench {
+namespace {
+
+// A chain of tables, and the rows spread over them; one row in ten is sorted.
+QuerySnapshot MakeSnapshot(int tables, int rows) {
+  QuerySnapshot query;
+  query.names.quotePrefix = query.names.quoteSuffix = "\"";
+  query.names.quotedIdentifiers = {" ", "-"};
+  for (int t = 0; t < tables; ++t) {
+    query.tables.push_back({Identifier(TableName(t)), {Identifier(TableName(t))}, false});
+    if (t == 0) continue;
+    const auto index = static_cast<std::size_t>(t);
+    query.joins.push_back({index, index - 1, Identifier(ColumnName(1)), Identifier(ColumnName(0)), 0});
+  }
+  for (int r = 0; r < rows; ++r) {
+    SnapshotRow row;
+    row.column = ColumnName(r / tables);
+    row.table = static_cast<std::size_t>(r % tables);
+    row.output = true;
+    if (r % 10 == 0) {
+      row.sortType = "Ascending";
+      row.sortOrder = std::to_string(r / 10 + 1);
+    }
+    query.rows.push_back(row);
+  }
+  return query;
+}
+
+void Generate(benchmark::State& state, SQLSyntaxEnum syntax) {
+  const QuerySnapshot query = MakeSnapshot(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
+  std::size_t length = 0;
+  for (auto _ : state) {
+    const GeneratedSql sql = GenerateSelect(query, DialectFor(syntax));
+    length = sql.text.size();
+    benchmark::DoNotOptimize(sql.text.data());
+  }
+  state.SetItemsProcessed(state.iterations() * state.range(1));
+  state.counters["characters"] = static_cast<double>(length);
+}
+BENCHMARK_CAPTURE(Generate, MSSQL, SQLSyntaxMSSQL)->Args({10, 30})->Args({100, 300})->Args({1000, 10000});
+BENCHMARK_CAPTURE(Generate, Oracle, SQLSyntaxOracle)->Args({10, 30})->Args({100, 300})->Args({1000, 10000});
+
+// What each change in the designer costs: the data is taken anew from the panes.
+void Refresh(benchmark::State& state) {
+  const auto tables = static_cast<int>(state.range(0));
+  const auto rows = static_cast<int>(state.range(1));
+  const Ref<qbQueryBuilder> hub = MakeDesigner(rows / tables + 1);
+  AddTables(*hub, tables);
+  {
+    const StepScope step(hub, "Tick");  // one statement at the end, not one for each tick
+    for (int r = 0; r < rows; ++r) {
+      hub->Entities()->Item(r % tables + 1)->Items()->Item(ColumnName(r / tables))->SetChecked(true);
+    }
+  }
+  for (auto _ : state) hub->SQLPane()->Refresh();
+  state.SetItemsProcessed(state.iterations() * rows);
+  if (hub->SQLPane()->SQLStatement().size() < static_cast<std::size_t>(rows) * 5) state.SkipWithError("no statement");
+}
+BENCHMARK(Refresh)->Args({10, 30})->Args({100, 300})->Args({1000, 10000});
+
+}  // namespace
+}  // namespace zrqrybld::bench
