@@ -42,20 +42,6 @@ TEST(Placement, AnswersAsThePlainScan) {
   EXPECT_GT(placedElsewhere, 500);
 }
 
-TEST(Placement, GoesRightThenBelowThenOnTop) {
-  const TwipsSize size{1000_twips, 500_twips};
-  const PlacementRules rules{2300_twips, 1200_twips, 240_twips, 30_twips};
-  std::vector<TwipsRect> boxes;
-  for (const TwipsPoint expected : {TwipsPoint{}, TwipsPoint{1240_twips, 0_twips}, TwipsPoint{0_twips, 510_twips},
-                                    TwipsPoint{1240_twips, 510_twips}, TwipsPoint{0_twips, 1020_twips}}) {
-    const TwipsPoint place = FindPlace(size, boxes, rules);
-    EXPECT_EQ(place, expected);
-    boxes.push_back({place.x, place.y, size.width, size.height});
-  }
-  boxes.push_back({1240_twips, 1020_twips, 1000_twips, 500_twips});
-  EXPECT_EQ(FindPlace(size, boxes, rules), TwipsPoint{});  // nothing is free
-}
-
 // Whether a piece of the line runs through the inside of the box.
 bool RunsThrough(const std::vector<PixelPoint>& line, const PixelRect& box) {
   for (std::size_t i = 1; i < line.size(); ++i) {
@@ -97,15 +83,6 @@ TEST(Routing, EndsAtTheBoxesAndRunsAroundThem) {
     ASSERT_FALSE(RunsThrough(line, a)) << run;
     ASSERT_FALSE(RunsThrough(line, b)) << run;
   }
-}
-
-TEST(Routing, MeasuresTheDistanceToTheNearestPiece) {
-  const std::vector<PixelPoint> line{{0_px, 0_px}, {10_px, 0_px}, {10_px, 20_px}};
-  EXPECT_EQ(DistanceToLine({5_px, 3_px}, line), 3_px);
-  EXPECT_EQ(DistanceToLine({14_px, 10_px}, line), 4_px);
-  EXPECT_EQ(DistanceToLine({-3_px, -4_px}, line), 5_px);
-  EXPECT_EQ(DistanceToLine({10_px, 20_px}, line), 0_px);
-  EXPECT_GT(DistanceToLine({0_px, 0_px}, {}), 1'000'000_px);
 }
 
 }  // namespace

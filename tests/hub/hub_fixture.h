@@ -15,9 +15,8 @@
 
 namespace zrqrybld::test {
 
-class HubTest : public testing::Test {
- protected:
-  HubTest() {
+struct Designer {
+  Designer() {
     hub->SetDiagramPane(diagram);
     hub->SetGridPane(grid);
     hub->SetSQLPane(sql);
@@ -102,5 +101,7 @@ class HubTest : public testing::Test {
   Ref<qbGridPane> grid = qbGridPane::Create();
   Ref<qbSQLPane> sql = qbSQLPane::Create();
 };
+
+class HubTest : public testing::Test, protected Designer {};
 
 }  // namespace zrqrybld::test

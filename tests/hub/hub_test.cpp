@@ -27,58 +27,7 @@ class Hub : public test::HubTest {
 };
 using test::ErrorOf;
 
-TEST_F(Hub, TheRowLimitIsANumberOrAPercentage) {
-  for (const test::Row& row : test::ReadRows("row_limits.txt")) {
-    SCOPED_TRACE(row.place);
-    hub->SetSelectTopRecords("7");
-    const std::int32_t error = ErrorOf([&] { hub->SetSelectTopRecords(row[0]); });
-    EXPECT_EQ(error, row[1] == "-" ? ErrorInvalidPropertyValue : 0);
-    EXPECT_EQ(hub->SelectTopRecords(), row[1] == "-" ? "7" : row[1]);
-  }
-}
-
 // --- Adding tables ---
-
-TEST_F(Hub, AddTableReportsEachStepAndEndsIdle) {
-  Use();
-  Record();
-  std::string order;
-  const auto added = diagram->Entities()->EntityAdd.Connect([&](const std::string& key) { infos += "add:" + key; });
-  EXPECT_EQ(Changes([&] {
-              const Ref<qbEntity> entity = hub->AddTable("Orders");
-              EXPECT_EQ(Items(*entity), "* OrderID! CustomerID Total");
-              EXPECT_EQ(entity->TagVariant(), Variant("Orders"));
-              EXPECT_EQ(entity->Properties()->FindText("_ADO_SCHEMA_TABLE_TYPE"), "TABLE");
-              EXPECT_EQ(*entity->Items()->Item("Total")->Properties()->Find("data_type"), Variant(3));
-              EXPECT_EQ(*entity->Items()->Item("Total")->Properties()->Find("is_long"), Variant(false));
-            }),
-            1);
-  EXPECT_EQ(infos, "add:Orders 2:Orders/4 4:Orders/4");
-  EXPECT_EQ(hub->state(), InfoDone);
-  EXPECT_FALSE(toolkit->IsBusyPointer());
-  infos.clear();
-  EXPECT_EQ(Changes([&] { diagram->Entities()->Remove("Orders"); }), 1);
-  EXPECT_EQ(infos, "7:Orders/0");
-}
-
-TEST_F(Hub, AFailingSourceIsError40004AndLeavesTheHubIdle) {
-  Use();
-  source->failures[SchemaKind::Columns] = 1234;
-  try {
-    hub->AddTable("Orders");
-    ADD_FAILURE() << "no error";
-  } catch (const Error& error) {
-    EXPECT_EQ(error.Number(), ErrorAddingTable);
-    EXPECT_EQ(error.Description(), "An error occured while adding table Orders.\r\n[1234] no schema");
-  }
-  EXPECT_EQ(hub->state(), InfoDone);
-  EXPECT_FALSE(toolkit->IsBusyPointer());
-  EXPECT_EQ(Captions(), "Orders");  // half made, it stays
-  source->failures = {{SchemaKind::PrimaryKeys, ErrorSchemaNotSupported}};
-  EXPECT_EQ(Items(*hub->AddTable("Orders")), "* OrderID CustomerID Total");
-  source->failures = {{SchemaKind::PrimaryKeys, 7}};
-  EXPECT_EQ(ErrorOf([&] { hub->AddTable("Orders"); }), ErrorAddingTable);
-}
 
 TEST_F(Hub, WithoutConnectionOrDiagramATableIsBareOrNothing) {
   EXPECT_EQ(hub->AddTable("Orders")->Items()->Count(), 0);
@@ -87,90 +36,6 @@ TEST_F(Hub, WithoutConnectionOrDiagramATableIsBareOrNothing) {
   EXPECT_EQ(hub->AddTable("Orders"), nullptr);
   hub->SetDiagramPane(nullptr);
   EXPECT_EQ(hub->AddTable("Orders"), nullptr);
-}
-
-TEST_F(Hub, EachCopyOfATableGetsAKeyOfItsOwn) {
-  Use();
-  for (int i = 0; i < 3; ++i) hub->AddTable("Orders");
-  EXPECT_EQ(Captions(), "Orders Orders1 Orders2");
-  EXPECT_EQ(diagram->Entities()->Item(3)->TagVariant(), Variant("Orders"));
-  diagram->Entities()->Remove("Orders1");
-  hub->AddTable("orders");
-  EXPECT_EQ(Captions(), "Orders Orders2 orders1");
-  diagram->Clear();
-  source->Literal("SCHEMA_SEPARATOR", ".");
-  source->Table("Orders", {"a", "b"}, "dbo");
-  Use();
-  for (int i = 0; i < 3; ++i) hub->AddTable("dbo.Orders");
-  EXPECT_EQ(Captions(), "dbo.Orders dbo_Orders1 dbo_Orders2");
-  EXPECT_EQ(Items(*diagram->Entities()->Item(2)), "* a b");
-  Tick("dbo_Orders1", "a");
-  EXPECT_TRUE(Sql().ends_with("FROM dbo.Orders,dbo.Orders AS dbo_Orders1,dbo.Orders AS dbo_Orders2")) << Sql();
-}
-
-TEST_F(Hub, NamesMayBeQuotedAndMayHoldTheSeparator) {
-  source->Literal("SCHEMA_SEPARATOR", ".");
-  source->Literal("QUOTE_PREFIX", "[");
-  source->Table("Order Details", {"x"}, "dbo");
-  source->Table("my.table", {"y"});
-  Use();
-  EXPECT_EQ(Items(*hub->AddTable("[dbo].[Order Details]")), "* x");
-  const Ref<qbEntity> dotted = hub->AddTable("\"my.table\"");
-  EXPECT_EQ(dotted->Caption(), "my.table");
-  EXPECT_EQ(Items(*dotted), "* y");
-  Tick("my.table", "y");
-  EXPECT_EQ(Sql(), "SELECT [my.table].yFROM dbo.[Order Details],[my.table]");
-  EXPECT_TRUE(hub->HasTable("dbo.Order Details"));
-  EXPECT_TRUE(hub->HasTable("[my.table]"));
-  for (const char* missing : {"dbo.Orders", "nothing", "", "dbo.", "[]", "."}) {
-    EXPECT_FALSE(hub->HasTable(missing)) << missing;
-    EXPECT_EQ(Items(*hub->AddTable(missing)), "*") << missing;
-  }
-}
-
-TEST_F(Hub, ColumnsStandAsTheSourceListsThemOrByPosition) {
-  struct {
-    const char* positions;  // of columns a, b, c; "-" is Null
-    const char* byOrdinal;  // "" is error 40004
-  } const cases[] = {{"123", "* a b c"}, {"312", "* b c a"}, {"---", "* a b c"}, {"12-", "* a b c"},
-                     {"124", ""},        {"112", ""},        {"023", ""},        {"-31", ""}};
-  Use();
-  for (const auto& test : cases) {
-    SCOPED_TRACE(test.positions);
-    source->Forget(SchemaKind::Columns);
-    for (int i = 0; i < 3; ++i) {
-      const char digit = test.positions[i];
-      source->Column("Orders", std::string(1, static_cast<char>('a' + i)),
-                     digit == '-' ? Variant::Null() : Variant(digit - '0'));
-    }
-    hub->SetRetrieveFieldOrder(FieldOrderDefault);
-    EXPECT_EQ(Items(*hub->AddTable("Orders")), "* a b c");
-    hub->SetRetrieveFieldOrder(FieldOrderOrdinal);
-    std::string items;
-    const std::int32_t error = ErrorOf([&] { items = Items(*hub->AddTable("Orders")); });
-    EXPECT_EQ(items, test.byOrdinal);
-    EXPECT_EQ(error, items.empty() ? ErrorAddingTable : 0);
-  }
-  source->Column("Blob", "long", 1, "", DataTypeCode::LongVarBinary, ColumnLong | ColumnNullable);
-  hub->SetRetrieveFieldOrder(FieldOrderDefault);
-  EXPECT_EQ(*hub->AddTable("Blob")->Items()->Item("long")->Properties()->Find("is_long"), Variant(true));
-}
-
-TEST_F(Hub, ATextSourceHasDotsInItsNamesAndBracketsAsQuotes) {
-  source->Literal("SCHEMA_SEPARATOR", ".");
-  source->Literal("QUOTE_PREFIX", "`");
-  source->Literal("QUOTE_SUFFIX", "`");
-  source->Table("data.csv", {"a"});
-  source->SetConnectionString("provider=msdasql;DRIVER=x;fil=text;");
-  Use();
-  EXPECT_EQ(*hub->Properties()->Find("_QBDSFLAGS"), Variant(1));
-  EXPECT_EQ(Items(*hub->AddTable("data.csv")), "* a");
-  hub->AddTable("[data.csv]");
-  EXPECT_EQ(Captions(), "data_csv data_csv1");
-  EXPECT_TRUE(Sql().ends_with("FROM [data.csv] AS data_csv,[data.csv] AS data_csv1")) << Sql();
-  source->SetConnectionString("x");
-  Use();
-  EXPECT_EQ(*hub->Properties()->Find("_QBDSFLAGS"), Variant(0));
 }
 
 TEST_F(Hub, ThePickerListsTablesAndViewsAndAddsWhatIsPicked) {
@@ -265,51 +130,6 @@ TEST_F(Hub, ConnectThrowsNothingAndRemembersWhy) {
 
 // --- Automatic joins ---
 
-TEST_F(Hub, AutomaticJoinsFollowTheForeignKeysOnce) {
-  Use();
-  for (const char* table : {"Customers", "Orders"}) hub->AddTable(table);
-  EXPECT_EQ(Joins(), "");  // adding draws none
-  Record();
-  EXPECT_EQ(Changes([&] { hub->RefreshAutoJoins(); }), 1);
-  EXPECT_EQ(infos, "3:join/0");
-  EXPECT_EQ(Joins(), "Orders.CustomerID>Customers.CustomerID");
-  EXPECT_EQ(diagram->Entities()->Item("Orders")->Relationships()->Item(1)->SourceItemIndex(), Variant(3));
-  EXPECT_EQ(source->Asked("27.Orders"), 1);
-  EXPECT_EQ(source->Asked("27.Customers"), 1);
-  EXPECT_EQ(Changes([&] { hub->RefreshAutoJoins(); }), 0);
-  EXPECT_EQ(Joins(), "Orders.CustomerID>Customers.CustomerID");
-  source->failures = {{SchemaKind::ForeignKeys, ErrorSchemaNotSupported}};
-  hub->RefreshAutoJoins();
-  source->failures = {{SchemaKind::ForeignKeys, 9999}};
-  EXPECT_EQ(ErrorOf([&] { hub->RefreshAutoJoins(); }), 9999);
-  source->Close();
-  hub->RefreshAutoJoins();
-}
-
-TEST_F(Hub, AutomaticJoinsKnowSchemasCompositeKeysAndSelfReferences) {
-  source->Literal("SCHEMA_SEPARATOR", ".");
-  source->Table("Orders", {"id", "at"}, "a");
-  source->Table("Lines", {"id", "at", "no"}, "a");
-  source->ForeignKey("Lines", "id", "Orders", "id", "a", "a");
-  source->ForeignKey("Lines", "at", "Orders", "at", "a", "a");
-  source->ForeignKey("Lines", "no", "Orders", "OrderID", "a", "");
-  source->ForeignKey("Lines", "no", "Orders", "no such column", "a", "a");
-  source->Table("Staff", {"id", "boss"});
-  source->ForeignKey("Staff", "boss", "Staff", "id");
-  Use();
-  for (const char* table : {"Orders", "a.Lines", "a.Orders"}) hub->AddTable(table);
-  hub->RefreshAutoJoins();
-  EXPECT_EQ(Joins(), "a.Lines.id>a.Orders.id a.Lines.at>a.Orders.at a.Lines.no>Orders.OrderID");
-  EXPECT_EQ(source->Asked("27.a.Lines"), 1);
-  diagram->Clear();
-  hub->AddTable("Staff");
-  hub->RefreshAutoJoins();
-  EXPECT_EQ(Joins(), "");  // never from a box to itself
-  hub->AddTable("Staff");
-  for (int i = 0; i < 2; ++i) hub->RefreshAutoJoins();
-  EXPECT_EQ(Joins(), "Staff.boss>Staff1.id");  // the later copy is the parent
-}
-
 TEST_F(Hub, AListenerMayRemoveTablesWhileJoinsAreDrawn) {
   Use();
   for (const char* table : {"Orders", "Customers", "Customers", "Orders"}) hub->AddTable(table);
@@ -321,58 +141,6 @@ TEST_F(Hub, AListenerMayRemoveTablesWhileJoinsAreDrawn) {
 }
 
 // --- One statement for one action ---
-
-TEST_F(Hub, EachActionOfTheUserWritesTheStatementOnce) {
-  Use();
-  for (const char* table : {"Orders", "Customers"}) hub->AddTable(table);
-  const Ref<qbEntity> orders = diagram->Entities()->Item("Orders");
-  const Ref<qbEntity> customers = diagram->Entities()->Item("Customers");
-  struct {
-    const char* name;
-    std::function<void()> action;
-    int changes;
-  } const actions[] = {
-      {"tick", [&] { Tick("Orders", "Total"); }, 1},
-      {"tick what is ticked", [&] { Tick("Orders", "Total"); }, 0},
-      {"joins", [&] { hub->RefreshAutoJoins(); }, 1},
-      {"kind alone", [&] { orders->Relationships()->Item(1)->SetItemData(2); }, 0},
-      {"remove join", [&] { orders->Relationships()->Remove(1); }, 1},
-      {"first index", [&] { orders->Relationships()->Add(customers)->SetTargetItemIndex(2); }, 0},
-      {"second index", [&] { orders->Relationships()->Item(1)->SetSourceItemIndex(3); }, 1},
-      {"alias", [&] { Set(1, "alias", "t"); }, 1},
-      {"same alias", [&] { Set(1, "alias", "t"); }, 0},
-      {"output off", [&] { Set(1, "output", false); }, 1},
-      {"output on", [&] { Set(1, "output", "True"); }, 1},
-      {"group", [&] { grid->SetShowGroupBy(true); }, 1},
-      {"no group", [&] { grid->SetShowGroupBy(false); }, 1},
-      {"limit", [&] { hub->SetSelectTopRecords("5"); }, 1},
-      {"same limit", [&] { hub->SetSelectTopRecords(" 5 "); }, 0},
-      {"distinct", [&] { hub->SetDistinctRecords(true); }, 1},
-      {"dialect alone", [&] { sql->SetSQLSyntax(SQLSyntaxOracle); }, 0},
-      {"refresh", [&] { sql->Refresh(); }, 1},
-      {"rename", [&] { customers->SetCaption("c"); }, 1},
-      {"more conditions", [&] { EXPECT_TRUE(sql->AddWhereClause("", "x").ends_with("AND \r\n\tx")); }, 0},
-      {"remove table", [&] { diagram->Entities()->Remove("c"); }, 1},
-      {"untick", [&] { Tick("Orders", "Total", false); }, 1},
-      {"clear", [&] { diagram->Clear(); }, 1},
-      {"typed", [&] { sql->SetSQLStatement("SELECT 1"); }, 1},
-  };
-  for (const auto& test : actions) EXPECT_EQ(Changes(test.action), test.changes) << test.name;
-}
-
-TEST_F(Hub, TheStatementRestsWhileTheHubIsBusy) {
-  Use();
-  hub->AddTable("Orders");
-  hub->SetState(InfoLoadingQuery);
-  EXPECT_EQ(Changes([&] { Tick("Orders", "Total"); }), 0);
-  EXPECT_EQ(sql->AddWhereClause("a"), "");
-  sql->Refresh();
-  EXPECT_EQ(sql->SQLStatement(), "");
-  hub->SetState(InfoDone);
-  sql->Refresh();
-  EXPECT_EQ(Sql(), "SELECT Orders.TotalFROM Orders");
-  EXPECT_FALSE(sql->Cartesian());
-}
 
 // --- Panes ---
 
@@ -440,20 +208,6 @@ TEST_F(Hub, LanguageFilesReplaceCaptionsLineByLine) {
   hub->SetLanguageString(LanguageGridAlias, "");
   EXPECT_EQ(caption("alias"), "Alias");
   EXPECT_EQ(hub->GetLanguageString(-5), "");
-}
-
-TEST_F(Hub, NamesOfCatalogsAreReservedAsLongAsTheyStandThere) {
-  Use();
-  source->Table("T", {"Avg", "Zebra"});
-  hub->AddTable("T");
-  Tick("T", "Avg");
-  Tick("T", "Zebra");
-  EXPECT_EQ(Sql(), "SELECT T.[Avg], T.ZebraFROM T");
-  hub->DBFunctions()->Remove("AVG");
-  hub->DBKeywords()->Add("zebra");
-  hub->QuotedIdentifiers()->Add("T");
-  sql->Refresh();
-  EXPECT_EQ(Sql(), "SELECT [T].Avg, [T].[Zebra]FROM [T]");
 }
 
 }  // namespace

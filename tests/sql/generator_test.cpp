@@ -124,17 +124,6 @@ TEST(Generator, DoublingExpressionsEndInAnErrorNotInAllMemory) {
   EXPECT_NE(test::ErrorOf([&] { GenerateSelect(query, AllDialects()[0]); }), 0);
 }
 
-TEST(Generator, TakesTimeInTheLengthOfItsText) {
-  QuerySnapshot query;
-  query.names = test::RulesOf("brackets");
-  query.tables.resize(300, {Identifier("T"), {Identifier("T")}, false});
-  for (std::size_t i = 0; i < 20'000; ++i) {
-    query.rows.push_back({"c" + std::to_string(i), Identifier(), i % 300, true, "", std::to_string(i + 1), "", ""});
-  }
-  const std::string text = GenerateSelect(query, DialectFor(SQLSyntaxMSSQL)).text;
-  EXPECT_TRUE(text.ends_with("\tT.c19999"));
-}
-
 TEST(Dialects, AreFoundByNumberAndName) {
   ASSERT_EQ(AllDialects().size(), 5u);
   for (std::size_t i = 0; i < AllDialects().size(); ++i) {

@@ -57,12 +57,5 @@ TEST(Lexer, CoversAnyBytes) {
   }
 }
 
-TEST(Lexer, KnowsTheWordsOfItsDialects) {
-  for (const char* word : {"select", "Where", "ROWNUM", "up", "rows", "WITH", "all", "percent"}) {
-    EXPECT_TRUE(IsSqlKeyword(word)) << word;
-  }
-  for (const char* word : {"", "orders", "selec", "selects", "count"}) EXPECT_FALSE(IsSqlKeyword(word)) << word;
-}
-
 }  // namespace
 }  // namespace zrqrybld

@@ -56,11 +56,5 @@ TEST(Names, AnyNameMakesTheRoundTrip) {
   }
 }
 
-TEST(Names, TheClosingQuoteIsTheOpeningOnesPartner) {
-  EXPECT_EQ(ClosingQuote("["), "]");
-  EXPECT_EQ(ClosingQuote("\""), "\"");
-  EXPECT_EQ(ClosingQuote("`"), "`");
-}
-
 }  // namespace
 }  // namespace zrqrybld
