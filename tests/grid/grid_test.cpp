@@ -290,16 +290,5 @@ TEST_F(Grid, AColumnIsSizedByItsEdge) {
   EXPECT_EQ(width(), 900);
 }
 
-TEST_F(Grid, TheRightButtonAsksForAMenuOverACellOnly) {
-  std::string heard;
-  const auto link = grid->ShowContextMenu.Connect([&](std::int32_t row, std::int32_t column) {
-    heard += std::to_string(row) + "," + std::to_string(column) + " ";
-  });
-  Press(OnCell(3, "d"), ShiftNone, ButtonRight);
-  Press(OnRowHeader(3), ShiftNone, ButtonRight);
-  Press(OnCell(3, "d"));
-  EXPECT_EQ(heard, "3,4 ");
-}
-
 }  // namespace
 }  // namespace zrqrybld

@@ -116,9 +116,9 @@ TEST(Generator, WritesEachDesignInItsDialects) {
 
 TEST(Generator, DoublingExpressionsEndInAnErrorNotInAllMemory) {
   QuerySnapshot query;
-  query.rows.resize(64);
+  query.rows.resize(8);
   for (SnapshotRow& row : query.rows) {
-    row.column = "@field + @field";
+    for (int i = 0; i < 50; ++i) row.column += "@field+";
     row.output = true;
   }
   EXPECT_NE(test::ErrorOf([&] { GenerateSelect(query, AllDialects()[0]); }), 0);
