@@ -26,6 +26,27 @@ struct TablesDialog {
 };
 
 /// The windows that stop the user until they are answered.
+/// The properties of a join.
+struct JoinDialog {
+  std::string caption;
+  std::string frame;
+  std::string allOfTable1;  ///< the text of the first check box
+  std::string allOfTable2;  ///< the text of the second one
+  std::string acceptButton;
+  std::string cancelButton;
+  /// What is chosen; set before the dialog opens, and by the user.
+  bool table1Checked = false;
+  bool table2Checked = false;
+};
+
+/// The prompt that builds a connection string.
+struct ConnectionDialog {
+  /// The data sources configured on this machine, by name.
+  std::vector<std::string> dataSources;
+  /// Tries a connection string; returns the driver's message, "" when it connects.
+  std::function<std::string(const std::string& connectionString)> test;
+};
+
 class Dialogs {
  public:
   Dialogs() = default;
@@ -38,6 +59,13 @@ class Dialogs {
 
   /// Lets the user pick tables until the dialog is closed.
   virtual void ShowTables(const TablesDialog& dialog) = 0;
+
+  /// Lets the user edit a join. Returns whether it was accepted; the window cannot be closed otherwise than by its
+  /// two buttons.
+  virtual bool ShowJoinProperties(JoinDialog& dialog) = 0;
+
+  /// Lets the user build a connection string. "" when cancelled.
+  virtual std::string ShowConnectionPrompt(const ConnectionDialog& dialog) = 0;
 };
 
 }  // namespace zrqrybld

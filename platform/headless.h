@@ -91,8 +91,15 @@ class HeadlessDialogs final : public Dialogs {
     if (onShowTables) onShowTables(dialog);
   }
 
+  bool ShowJoinProperties(JoinDialog& dialog) override { return onShowJoinProperties && onShowJoinProperties(dialog); }
+  std::string ShowConnectionPrompt(const ConnectionDialog& dialog) override {
+    return onShowConnectionPrompt ? onShowConnectionPrompt(dialog) : std::string();
+  }
+
   std::vector<Message> messages;
   std::function<void(const TablesDialog&)> onShowTables;
+  std::function<bool(JoinDialog&)> onShowJoinProperties;
+  std::function<std::string(const ConnectionDialog&)> onShowConnectionPrompt;
 };
 
 /// The toolkit of a designer without a window.
