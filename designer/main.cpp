@@ -14,6 +14,9 @@ using zrqrybld::MainWindow;
 // Does what the command line asks for; returns what went wrong.
 QStringList Prepare(MainWindow& window, const DesignerOptions& options) {
   QStringList errors;
+  if (!options.language.isEmpty()) {
+    if (const QString error = window.LoadLanguage(options.language); !error.isEmpty()) errors += error;
+  }
   if (!options.syntax.isEmpty()) window.SetSyntax(options.syntax);
   if (!options.database.isEmpty()) {
     if (const QString error = window.OpenDatabase(options.database); !error.isEmpty()) return {error};

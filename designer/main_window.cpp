@@ -169,6 +169,12 @@ QString MainWindow::TickColumn(const QString& name) {
   return Guarded([&] { item->SetChecked(true); });
 }
 
+QString MainWindow::LoadLanguage(const QString& file) {
+  const QString error = Guarded([&] { designer_->QueryBuilder().LoadLanguageFile(ToUtf8(file)); });
+  WidenColumns();
+  return error.isEmpty() ? error : tr("%1\n%2").arg(error, file);
+}
+
 void MainWindow::SetSyntax(const QString& name) {
   syntax_->setCurrentIndex(syntax_->findText(name, Qt::MatchFixedString));
 }

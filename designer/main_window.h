@@ -26,6 +26,9 @@ class MainWindow : public QMainWindow {
   /// Ticks a column, given as TABLE.COLUMN. Returns an error message, empty on success.
   QString TickColumn(const QString& name);
 
+  /// Takes the captions from a language file. Returns an error message, empty on success.
+  QString LoadLanguage(const QString& file);
+
   /// Chooses a dialect that exists.
   void SetSyntax(const QString& name);
 

@@ -31,9 +31,10 @@ DesignerOptions ReadCommandLine(const QStringList& arguments) {
   const QCommandLineOption tick("tick", "Tick a column; may be given several times.", "TABLE.COLUMN");
   const QCommandLineOption syntax("syntax", "Write the statement in this dialect: " + dialects.join(", ") + ".",
                                   "NAME");
+  const QCommandLineOption language("language", "Take the captions from this language file.", "FILE");
   const QCommandLineOption print("print-sql", "Print the statement and end.");
   const QCommandLineOption screenshot("screenshot", "Save a picture of the window and end.", "FILE");
-  parser.addOptions({database, table, tick, syntax, print, screenshot});
+  parser.addOptions({database, table, tick, syntax, language, print, screenshot});
   if (!parser.parse(arguments)) EndWithUsageError(parser.errorText());
   if (parser.isSet("help")) parser.showHelp(0);
   if (parser.isSet("version")) parser.showVersion();
@@ -44,6 +45,7 @@ DesignerOptions ReadCommandLine(const QStringList& arguments) {
   options.database = files.isEmpty() ? parser.value(database) : files.first();
   options.tables = parser.values(table);
   options.ticks = parser.values(tick);
+  options.language = parser.value(language);
   options.syntax = parser.value(syntax);
   options.printSql = parser.isSet(print);
   options.screenshot = parser.value(screenshot);

@@ -10,6 +10,7 @@ struct DesignerOptions {
   QString database;
   QStringList tables;  ///< to add, in this order
   QStringList ticks;   ///< TABLE.COLUMN, in this order
+  QString language;    ///< a language file; empty for the built-in captions
   QString syntax;      ///< a dialect's name; empty for the first one
   bool printSql = false;
   QString screenshot;  ///< the picture file; empty for none

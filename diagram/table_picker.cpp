@@ -48,23 +48,29 @@ std::string TablePicker::FreshKey(const std::string& tableName) const {
 }
 
 Ref<qbEntity> TablePicker::AddTable(const std::string& tableName) {
-  const Ref<qbEntities> entities = context_->Entities();
-  if (!entities) return nullptr;
-  const StepScope step(context_, "Add table " + tableName);
-  const StateScope state(*context_, InfoRetrieveTableInfo);
+  if (!context_->Entities()) return nullptr;
+  Ref<qbEntity> entity;
   const BusyPointer busy(context_->GetToolkit());
-  try {
-    const Ref<qbEntity> entity = entities->Add(FreshKey(tableName));
-    if (!entity || !context_->IsConnected()) return entity;
-    entity->SetTagVariant(tableName);
-    entity->Items()->Add("*", "*");
-    context_->RaiseInfo(InfoRetrieveTableInfo, Ref<Object>(entity));
-    FillFromSource(*entity, tableName);
-    entities->Fit(*entity);
-    return entity;
-  } catch (const std::exception& cause) {
-    throw WrapError(ErrorAddingTable, "An error occured while adding table " + tableName + ".", cause);
-  }
+  context_->RunOperation("Add table " + tableName, InfoRetrieveTableInfo, [&] {
+    try {
+      entity = MakeEntity(tableName);
+    } catch (const std::exception& cause) {
+      throw WrapError(ErrorAddingTable, "An error occured while adding table " + tableName + ".", cause);
+    }
+  });
+  return entity;
+}
+
+Ref<qbEntity> TablePicker::MakeEntity(const std::string& tableName) {
+  const Ref<qbEntities> entities = context_->Entities();
+  const Ref<qbEntity> entity = entities->Add(FreshKey(tableName));
+  if (!entity || !context_->IsConnected()) return entity;
+  entity->SetTagVariant(tableName);
+  entity->Items()->Add("*", "*");
+  context_->RaiseInfo(InfoRetrieveTableInfo, Ref<Object>(entity));
+  FillFromSource(*entity, tableName);
+  entities->Fit(*entity);
+  return entity;
 }
 
 void TablePicker::FillFromSource(qbEntity& entity, const std::string& tableName) {
@@ -173,10 +179,11 @@ void TablePicker::ShowTables() {
 }
 
 void TablePicker::AddSelectedTables(const std::vector<std::string>& names) {
-  const StepScope step(context_, "Add tables");
-  const StateScope state(*context_, InfoAddTables);
-  for (const std::string& name : names) AddTable(name);
-  RefreshRelationships(context_);
+  context_->RunOperation("Add tables", InfoAddTables, [&] {
+    context_->RaiseInfo(InfoAddTables, static_cast<std::int32_t>(names.size()));
+    for (const std::string& name : names) AddTable(name);
+    RefreshRelationships(context_);
+  });
 }
 
 }  // namespace zrqrybld

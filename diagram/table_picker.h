@@ -40,6 +40,7 @@ class TablePicker {
   void ShowTables();
 
  private:
+  Ref<qbEntity> MakeEntity(const std::string& tableName);
   std::string FreshKey(const std::string& tableName) const;
   void FillFromSource(qbEntity& entity, const std::string& tableName);
   // The table's row of the tables schema and how to ask for it; the row set is at its end when there is none.

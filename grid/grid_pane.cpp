@@ -237,10 +237,22 @@ void qbGridPane::RemoveRowsOf(const std::string& tableName) {
   EnsureEmptyLastRow();
 }
 
-void qbGridPane::RenameTable(const std::string& before, const std::string& after) {
+void qbGridPane::RenameTable(const std::string& before, const std::string& after,
+                             const std::function<std::string(std::string_view)>& rewrite) {
   const ScopedValue busy(busy_, true);
+  const Ref<qbEntities> entities = Entities();
   for (std::int32_t i = 1; i <= RowCount(); ++i) {
-    if (Text(RowAt(i), kColumnTable) == before) RowAt(i).SetValue("table", after);
+    zrGridRow& row = RowAt(i);
+    if (Text(row, kColumnTable) == before) row.SetValue("table", after);
+    const auto rewriteCell = [&](std::size_t column) {
+      const std::string* text = row.ValueAt(column).StringIf();
+      if (text && !text->empty()) row.SetValue(static_cast<std::int32_t>(column), rewrite(*text));
+    };
+    const bool isExpression = !entities || !entities->FindExactly(Text(row, kColumnTable));
+    if (isExpression) rewriteCell(kColumnColumn);
+    for (std::size_t column = kColumnCriteria; column <= static_cast<std::size_t>(ColumnCount()); ++column) {
+      rewriteCell(column);
+    }
   }
 }
 

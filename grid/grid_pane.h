@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -106,8 +107,10 @@ class qbGridPane final : public Object {
   void RefreshTableList();
   /// A table has left the diagram: its rows go with it.
   void RemoveRowsOf(const std::string& tableName);
-  /// A table has got another caption: its rows follow silently.
-  void RenameTable(const std::string& before, const std::string& after);
+  /// A table has got another caption: its rows follow silently. `rewrite` renames it inside a text that was typed: an
+  /// expression or a criterion.
+  void RenameTable(const std::string& before, const std::string& after,
+                   const std::function<std::string(std::string_view)>& rewrite);
   /// Empties the grid: the initial empty rows are back.
   void ResetRows();
 

@@ -98,14 +98,16 @@ bool IsTextSource(const QueryContext& context) {
 
 void RetrieveConnectionInfo(QueryContext& context, bool withTables) {
   if (!context.IsConnected()) return;
-  const StateScope state(context, InfoRetrieveConnectionInfo);
-  ForgetEarlierSource(context);
-  Trapped([&] { ReadLiterals(context); });
-  if (withTables) Trapped([&] { ReadTables(context); });
-  Trapped([&] { RecogniseTextSource(context); });
-  context.RaiseInfo(InfoRetrieveConnectionInfo,
-                    ConnectionString(context.Connection()->ConnectionString()).WithoutPassword());
-  Trapped([&] { ReadTypes(context); });
+  context.RunOperation("Connect", InfoRetrieveConnectionInfo, [&] {
+    ForgetEarlierSource(context);
+    Trapped([&] { ReadLiterals(context); });
+    if (withTables) Trapped([&] { ReadTables(context); });
+    Trapped([&] { RecogniseTextSource(context); });
+    context.RaiseInfo(InfoRetrieveConnectionInfo,
+                      ConnectionString(context.Connection()->ConnectionString()).WithoutPassword());
+    Trapped([&] { ReadTypes(context); });
+    context.QueryChanged();  // names may be quoted in another way now
+  });
 }
 
 }  // namespace zrqrybld

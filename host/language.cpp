@@ -3,6 +3,8 @@
 #include <cmath>
 #include <fstream>
 #include <optional>
+#include <utility>
+#include <vector>
 
 #include "base/error.h"
 #include "base/text.h"
@@ -47,6 +49,13 @@ constexpr DefaultText kDefaults[] = {
     {LanguageZoomExprCancelButton, "&Cancel"},
 };
 
+// A caption is a line; a file with longer ones is none of ours.
+constexpr std::size_t kLongestLine = 64 * 1024;
+
+[[noreturn]] void ThrowInvalidFile() {
+  throw Error(ErrorInvalidResFile, "An error occured while loading the language file.");
+}
+
 // An id is a whole number of 16 bits; blanks around it do not matter.
 std::optional<std::int32_t> ReadId(std::string_view text) {
   const std::optional<double> number = ParseNumber(TrimWhite(text));
@@ -74,27 +83,28 @@ void LanguageTable::Load(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) {
     texts_.clear();
-    throw Error(ErrorInvalidResFile, "An error occured while loading the language file.");
+    ThrowInvalidFile();
   }
   Load(file);
 }
 
 void LanguageTable::Load(std::istream& input) {
   texts_.clear();
-  std::string line;
-  while (std::getline(input, line)) {
-    if (line.ends_with('\r')) line.pop_back();
-    if (line.starts_with("\xEF\xBB\xBF")) line.erase(0, 3);
+  std::vector<char> buffer(kLongestLine);
+  bool first = true;
+  while (input.getline(buffer.data(), static_cast<std::streamsize>(buffer.size())) || input.gcount() > 0) {
+    if (input.fail() && !input.eof()) ThrowInvalidFile();  // a line beyond the longest
+    std::string_view line(buffer.data());
+    if (std::exchange(first, false) && line.starts_with("\xEF\xBB\xBF")) line.remove_prefix(3);
+    if (line.ends_with('\r')) line.remove_suffix(1);
     const std::string_view trimmed = Trim(line);
     if (trimmed.empty() || trimmed.front() == '\'') continue;
     const std::size_t equals = line.find('=');
     const std::optional<std::int32_t> id =
-        equals == std::string::npos ? std::nullopt : ReadId(std::string_view(line).substr(0, equals));
-    if (!id || !texts_.try_emplace(*id, line.substr(equals + 1)).second) {
-      throw Error(ErrorInvalidResFile, "An error occured while loading the language file.");
-    }
+        equals == std::string_view::npos ? std::nullopt : ReadId(line.substr(0, equals));
+    if (!id || !texts_.try_emplace(*id, line.substr(equals + 1)).second) ThrowInvalidFile();
   }
-  if (input.bad()) throw Error(ErrorInvalidResFile, "An error occured while loading the language file.");
+  if (input.bad()) ThrowInvalidFile();
 }
 
 }  // namespace zrqrybld

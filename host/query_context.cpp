@@ -30,6 +30,23 @@ std::shared_ptr<const std::unordered_set<std::string>> QueryContext::ReservedWor
 
 void QueryContext::RaiseInfo(QueryBuilderInfoEnum info, Variant parameters) { Info.Raise(info, parameters); }
 
+void QueryContext::RunOperation(std::string_view stepName, QueryBuilderInfoEnum operation,
+                                const std::function<void()>& work) {
+  const bool outermost = state_ == InfoDone;
+  const auto run = [&] {
+    const StepScope step(RefTo(*this), stepName);
+    const StateScope state(*this, operation);
+    work();
+  };
+  try {
+    run();
+  } catch (...) {
+    if (outermost) RaiseInfo(InfoDone, static_cast<std::int32_t>(operation));
+    throw;
+  }
+  if (outermost) RaiseInfo(InfoDone, static_cast<std::int32_t>(operation));
+}
+
 void QueryContext::BeginStep(std::string_view) { ++stepDepth_; }
 
 void QueryContext::EndStep() {

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -111,6 +112,10 @@ class QueryContext : public Object {
   /// Progress: what happened, and the thing it happened to. Both may be changed by a handler.
   Event<QueryBuilderInfoEnum&, Variant&> Info;
   void RaiseInfo(QueryBuilderInfoEnum info, Variant parameters = {});
+
+  /// Runs a long operation as a step, with `state` at `operation`. The outermost one ends with `Info`: `InfoDone` and
+  /// the operation's number, after `state` is back and the statement is written; on errors too.
+  void RunOperation(std::string_view stepName, QueryBuilderInfoEnum operation, const std::function<void()>& work);
 
   /// Begins a named step of the user's or the application's; steps nest, and the outermost one counts.
   void BeginStep(std::string_view name);

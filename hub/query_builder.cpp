@@ -2,11 +2,13 @@
 
 #include "base/text.h"
 #include "diagram/auto_joins.h"
+#include "diagram/join_properties.h"
 #include "diagram/table_picker.h"
 #include "host/connection_info.h"
 #include "hub/snapshot_builder.h"
 #include "platform/headless.h"
 #include "sql/names.h"
+#include "sql/rename.h"
 #include "sql/source_rules.h"
 
 namespace zrqrybld {
@@ -18,7 +20,38 @@ Ref<qbQueryBuilder> qbQueryBuilder::Create(std::shared_ptr<Toolkit> toolkit) {
 
 qbQueryBuilder::~qbQueryBuilder() = default;
 
+void qbQueryBuilder::AboutBox() {
+  GetToolkit().GetDialogs().ShowMessage("zrQryBld\r\nAn embeddable visual designer of SQL queries.",
+                                        MessageIcon::Information);
+}
+
 // --- Connection ---
+
+void qbQueryBuilder::Connect(Variant& connectionString) {
+  if (connectionString.IsMissing()) {
+    connectionString = PromptForConnection();
+    if (connectionString.Text().empty()) return;
+  }
+  Connect(connectionString.Text());
+}
+
+// The message of the driver, "" when the source can be opened. The connection in use is left alone.
+std::string qbQueryBuilder::TryConnection(const std::string& connectionString) const {
+  try {
+    ProviderConnection connection(GetToolkit().Providers());
+    connection.SetConnectionString(connectionString);
+    connection.Open({}, {});
+    return {};
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+}
+
+std::string qbQueryBuilder::PromptForConnection() {
+  ConnectionDialog dialog;
+  dialog.test = [this](const std::string& connectionString) { return TryConnection(connectionString); };
+  return GetToolkit().GetDialogs().ShowConnectionPrompt(dialog);
+}
 
 void qbQueryBuilder::Connect(const std::string& connectionString) {
   const BusyPointer busy(GetToolkit());
@@ -29,7 +62,7 @@ void qbQueryBuilder::Connect(const std::string& connectionString) {
     connection->SetConnectionString(connectionString);
     connection->SetProperty("Prompt", static_cast<std::int32_t>(PromptComplete));
     connection->Open({}, {});
-    RetrieveInfo();
+    RetrieveConnectionInfo(*this, getTablesOnConnect_);
   } catch (const Error& error) {
     lastError_ = error;
   } catch (const std::exception& error) {
@@ -39,12 +72,7 @@ void qbQueryBuilder::Connect(const std::string& connectionString) {
 
 void qbQueryBuilder::SetConnection(const Ref<zrqrybld::Connection>& connection) {
   StoreConnection(connection);
-  if (IsConnected()) RetrieveInfo();
-}
-
-void qbQueryBuilder::RetrieveInfo() {
-  RetrieveConnectionInfo(*this, getTablesOnConnect_);
-  QueryChanged();  // names may be quoted in another way now
+  if (IsConnected()) RetrieveConnectionInfo(*this, getTablesOnConnect_);
 }
 
 // --- Tables and joins ---
@@ -62,35 +90,17 @@ void qbQueryBuilder::ShowTables() {
   if (sqlPane_) sqlPane_->Refresh();
 }
 
+bool qbQueryBuilder::ShowJoinProperties(const Ref<qbRelationship>& relationship) {
+  if (!relationship) return false;
+  const StepScope step(RefTo(*this), "Edit join");
+  if (!EditJoin(*this, *relationship)) return false;
+  QueryChanged();
+  return true;
+}
+
 void qbQueryBuilder::RefreshAutoJoins() { RefreshRelationships(RefTo(*this)); }
 
-// --- Options ---
-
-void qbQueryBuilder::SetDistinctRecords(bool distinct) {
-  if (distinct == distinctRecords_) return;
-  distinctRecords_ = distinct;
-  QueryChanged();
-}
-
-void qbQueryBuilder::SetSelectTopRecords(const std::string& value) {
-  std::string stored(Trim(value));
-  if (!stored.empty() && !ParseNumber(value)) {
-    // The percent sign must be the very last character; blanks before it are dropped.
-    const double percentage = LeadingNumber(ReplaceAll(value, " ", ""));
-    const std::string digits = NumberText(percentage);
-    const bool valid = value.ends_with('%') && percentage <= 100;
-    if (!valid) throw Error(ErrorInvalidPropertyValue, "Invalid Property Value.");
-    stored = digits + "%";
-  }
-  if (stored == selectTopRecords_) return;
-  selectTopRecords_ = stored;
-  QueryChanged();
-}
-
-void qbQueryBuilder::SetAliasMaxLen(std::int16_t characters) {
-  aliasMaxLen_ = characters;
-  if (gridPane_) gridPane_->ApplyAliasMaxLen();
-}
+// --- Captions ---
 
 bool qbQueryBuilder::LoadLanguageFile(const std::string& path) {
   try {
@@ -154,7 +164,10 @@ void qbQueryBuilder::EntityRemoved(const std::string& caption) {
 }
 
 void qbQueryBuilder::EntityRenamed(const std::string& oldCaption, const std::string& newCaption) {
-  if (gridPane_) gridPane_->RenameTable(oldCaption, newCaption);
+  if (!gridPane_) return;
+  const NameRules rules = CurrentNameRules(*this);
+  gridPane_->RenameTable(oldCaption, newCaption,
+                         [&](std::string_view text) { return RenameQualifier(text, oldCaption, newCaption, rules); });
 }
 
 void qbQueryBuilder::EntitiesChanged() {
@@ -166,6 +179,27 @@ void qbQueryBuilder::DiagramCleared() {
   QueryChanged();
 }
 
-void qbQueryBuilder::RelationshipActivated(const Ref<qbRelationship>&) {}
+void qbQueryBuilder::RelationshipActivated(const Ref<qbRelationship>& relationship) {
+  if (allowJoinProperties_) ShowJoinProperties(relationship);
+}
+
+// --- Names ---
+
+void qbQueryBuilder::QueryDataSource(std::vector<DataSourceQuestion>& questions) const {
+  constexpr std::string_view kReservedWord = "IS_RESERVEDWORD:";
+  for (DataSourceQuestion& question : questions) {
+    const std::string_view text = question.question;
+    if (StartsWithNoCase(text, kReservedWord)) {
+      question.answer = ReservedWords()->contains(FoldCase(text.substr(kReservedWord.size())));
+    } else if (text == "QUOTE_PREFIX" || text == "QUOTE_SUFFIX") {
+      const std::optional<NameQuotes> quotes = SourceQuotes(*this);
+      question.answer = !quotes ? "\"" : text == "QUOTE_PREFIX" ? quotes->prefix : quotes->suffix;
+    }
+  }
+}
+
+std::string qbQueryBuilder::QuoteIdentifier(const std::string& name) const {
+  return QuoteWhenNeeded(Identifier(name), CurrentNameRules(*this)).Text();
+}
 
 }  // namespace zrqrybld

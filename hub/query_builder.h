@@ -24,6 +24,19 @@ class qbQueryBuilder final : public QueryContext {
   ~qbQueryBuilder() override;
   std::string_view TypeName() const override { return "qbQueryBuilder"; }
 
+  // --- For the form that stores the control's design-time properties ---
+
+  /// A property was set: its key. The container marks it as changed.
+  Event<std::string_view> PropertyChanged;
+  /// The control is placed on a form for the first time.
+  void InitProperties();
+  /// Takes the options from a stored form. A missing key has the default of stored forms, which for
+  /// "GetTablesOnConnect" and "SaveConnectionString" is True, other than that of a newly placed control. A value of
+  /// the wrong kind counts as missing.
+  void ReadProperties(const PropertyStore& store);
+  /// Stores the options; those equal to the default of stored forms are left out, except "AllowJoinProperties".
+  void WriteProperties(PropertyStore& store) const;
+
   // --- Public members, in interface order ---
 
   /// Adds a table of the data source to the diagram; quotes around its name are taken off. It draws no
@@ -33,10 +46,15 @@ class qbQueryBuilder final : public QueryContext {
 
   /// Whether a double-click on a join opens its properties.
   bool AllowJoinProperties() const { return allowJoinProperties_; }
-  void SetAllowJoinProperties(bool allow) { allowJoinProperties_ = allow; }
+  void SetAllowJoinProperties(bool allow) { Store(allowJoinProperties_, allow, "AllowJoinProperties"); }
 
-  /// Opens the connection and asks the source how it writes SQL. An open connection is closed first. No
-  /// error leaves it: see `LastError`.
+  /// Shows what this library is.
+  void AboutBox();
+
+  /// Opens the connection and asks the source how it writes SQL. An open connection is closed first. When the argument
+  /// is Missing, the user builds a connection string, which is written back; "" when cancelled, and nothing is changed
+  /// then. No error leaves it: see `LastError`.
+  void Connect(Variant& connectionString);
   void Connect(const std::string& connectionString);
 
   /// Why the last `Connect` failed; none when it succeeded.
@@ -55,7 +73,7 @@ class qbQueryBuilder final : public QueryContext {
 
   /// Whether connecting also reads the tables and columns of the whole source.
   bool GetTablesOnConnect() const { return getTablesOnConnect_; }
-  void SetGetTablesOnConnect(bool get) { getTablesOnConnect_ = get; }
+  void SetGetTablesOnConnect(bool get) { Store(getTablesOnConnect_, get, "GetTablesOnConnect"); }
 
   /// The pane of query columns, or nothing. Linking another lets go of the one before.
   Ref<qbGridPane> GridPane() const { return gridPane_; }
@@ -64,6 +82,9 @@ class qbQueryBuilder final : public QueryContext {
   /// Replaces all captions by those of a language file. Always False, also on success: a failure is error
   /// 40000.
   bool LoadLanguageFile(const std::string& path);
+
+  /// Lets the user edit the kind of a join. Returns whether it was accepted; `ItemData` holds the kind then.
+  bool ShowJoinProperties(const Ref<qbRelationship>& relationship);
 
   /// Draws the joins that the source's foreign keys name between the tables of the diagram.
   void RefreshAutoJoins();
@@ -81,7 +102,7 @@ class qbQueryBuilder final : public QueryContext {
 
   /// Whether loading a query also connects with the connection string saved in it; True at first.
   bool ConnectOnLoad() const { return connectOnLoad_; }
-  void SetConnectOnLoad(bool connect) { connectOnLoad_ = connect; }
+  void SetConnectOnLoad(bool connect) { Store(connectOnLoad_, connect, "ConnectOnLoad"); }
 
   /// SELECT DISTINCT.
   bool DistinctRecords() const { return distinctRecords_; }
@@ -94,15 +115,15 @@ class qbQueryBuilder final : public QueryContext {
 
   FieldOrderEnum RetrieveFieldOrder() const override { return retrieveFieldOrder_; }
   /// The order of the columns of tables that are added from now on; those in the diagram keep theirs.
-  void SetRetrieveFieldOrder(FieldOrderEnum order) { retrieveFieldOrder_ = order; }
+  void SetRetrieveFieldOrder(FieldOrderEnum order) { Store(retrieveFieldOrder_, order, "RetrieveFieldOrder"); }
 
   /// Whether a saved query carries the columns of its tables; False at first.
   bool SaveLoadEntityItems() const { return saveLoadEntityItems_; }
-  void SetSaveLoadEntityItems(bool save) { saveLoadEntityItems_ = save; }
+  void SetSaveLoadEntityItems(bool save) { Store(saveLoadEntityItems_, save, "SaveLoadEntityItems"); }
 
   /// Whether a saved query carries the connection string; False at first.
   bool SaveConnectionString() const { return saveConnectionString_; }
-  void SetSaveConnectionString(bool save) { saveConnectionString_ = save; }
+  void SetSaveConnectionString(bool save) { Store(saveConnectionString_, save, "SaveConnectionString"); }
 
   /// The longest alias in characters; 0 means no limit.
   std::int16_t AliasMaxLen() const override { return aliasMaxLen_; }
@@ -113,6 +134,18 @@ class qbQueryBuilder final : public QueryContext {
   /// Whether the source has a table or view with this name, quotes taken off. Error 3704 when the connection is
   /// closed, otherwise the source's own errors.
   bool HasTable(const std::string& tableName);
+
+  /// A question about the data source and its answer, Empty when it has none.
+  struct DataSourceQuestion {
+    std::string question;  ///< "IS_RESERVEDWORD:" and a word, "QUOTE_PREFIX" or "QUOTE_SUFFIX"
+    Variant answer;
+  };
+  /// Fills in the answers. A reserved word is answered with a Boolean, a quote with the source's own or, without a
+  /// source, the double quote. Other questions stay unanswered.
+  void QueryDataSource(std::vector<DataSourceQuestion>& questions) const;
+
+  /// The name as it stands in SQL text: in quotes when it needs them.
+  std::string QuoteIdentifier(const std::string& name) const;
 
   // --- What the panes ask and tell ---
 
@@ -133,7 +166,14 @@ class qbQueryBuilder final : public QueryContext {
 
  private:
   explicit qbQueryBuilder(std::shared_ptr<Toolkit> toolkit) : QueryContext(std::move(toolkit)) {}
-  void RetrieveInfo();
+  std::string PromptForConnection();
+  std::string TryConnection(const std::string& connectionString) const;
+
+  template <class T>
+  void Store(T& option, const T& value, std::string_view key) {
+    option = value;
+    PropertyChanged.Raise(key);
+  }
 
   Ref<qbDiagramPane> diagramPane_;
   Ref<qbGridPane> gridPane_;

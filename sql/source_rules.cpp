@@ -4,25 +4,37 @@
 
 namespace zrqrybld {
 
+namespace {
+
+// The text under the key; none when it is missing or empty.
+std::optional<std::string> Known(const QueryContext& context, std::string_view key) {
+  std::optional<std::string> text = context.Properties()->FindText(key);
+  return text && !text->empty() ? text : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<NameQuotes> SourceQuotes(const QueryContext& context) {
+  const std::optional<std::string> both = Known(context, "QUOTE");
+  const std::optional<std::string> prefix = Known(context, "QUOTE_PREFIX");
+  if (!prefix && !both) return std::nullopt;
+  NameQuotes quotes{prefix ? *prefix : *both, {}};
+  quotes.suffix = Known(context, "QUOTE_SUFFIX").value_or(ClosingQuote(quotes.prefix));
+  return quotes;
+}
+
 NameRules CurrentNameRules(const QueryContext& context) {
-  const qbProperties& properties = *context.Properties();
   NameRules rules;
-  // A source may tell one quote for both sides, each side, or only the opening one.
-  const auto known = [&](std::string_view key) {
-    std::optional<std::string> text = properties.FindText(key);
-    return text && !text->empty() ? text : std::nullopt;
-  };
-  const std::optional<std::string> both = known("QUOTE");
-  if (const auto prefix = known("QUOTE_PREFIX"); prefix || both) {
-    rules.quotePrefix = prefix ? *prefix : *both;
-    rules.quoteSuffix = known("QUOTE_SUFFIX").value_or(ClosingQuote(rules.quotePrefix));
+  if (std::optional<NameQuotes> quotes = SourceQuotes(context)) {
+    rules.quotePrefix = std::move(quotes->prefix);
+    rules.quoteSuffix = std::move(quotes->suffix);
   }
-  if (!IsTextSource(context)) rules.schemaSeparator = known("SCHEMA_SEPARATOR").value_or("");
+  if (!IsTextSource(context)) rules.schemaSeparator = Known(context, "SCHEMA_SEPARATOR").value_or("");
   for (std::int32_t i = 1; i <= context.QuotedIdentifiers()->Count(); ++i) {
     rules.quotedIdentifiers.push_back(context.QuotedIdentifiers()->Item(i));
   }
-  rules.invalidTableCharacters = known("INVALID_TABLE_CHARS").value_or("");
-  rules.invalidTableStartingCharacters = known("INVALID_TABLE_STARTING_CHARS").value_or("");
+  rules.invalidTableCharacters = Known(context, "INVALID_TABLE_CHARS").value_or("");
+  rules.invalidTableStartingCharacters = Known(context, "INVALID_TABLE_STARTING_CHARS").value_or("");
   rules.reservedWords = context.ReservedWords();
   return rules;
 }

@@ -1,0 +1,50 @@
+#include "diagram/join_properties.h"
+
+#include "base/text.h"
+#include "diagram/entity.h"
+
+namespace zrqrybld {
+
+std::string DescribeJoin(const std::string& source, const std::string& target, std::int32_t kind) {
+  switch (kind & (JoinAllOfTarget | JoinAllOfSource)) {
+    case JoinAllOfTarget:
+      return "All rows from " + target + ", and the matching rows from " + source + ".";
+    case JoinAllOfSource:
+      return "All rows from " + source + ", and the matching rows from " + target + ".";
+    case JoinAllOfTarget | JoinAllOfSource:
+      return "All rows from " + source + " and all rows from " + target + ", put together where they match.";
+    default:
+      return "Only rows that match in both " + source + " and " + target + ".";
+  }
+}
+
+void SetJoinKind(qbRelationship& relationship, std::int32_t kind) {
+  relationship.SetItemData(kind);
+  relationship.SetRightIndicator((kind & JoinAllOfTarget) != 0 ? IndicatorImage : IndicatorNone);
+  relationship.SetLeftIndicator((kind & JoinAllOfSource) != 0 ? IndicatorImage : IndicatorNone);
+}
+
+bool EditJoin(QueryContext& context, qbRelationship& relationship) {
+  const Ref<qbEntity> source = relationship.Source();
+  const Ref<qbEntity> target = relationship.Target();
+  if (!source || !target) return false;
+  const auto text = [&](LanguageIDEnum id) {
+    const std::string withTarget = ReplaceNoCase(context.GetLanguageString(id), "%TABLE1%", target->Caption());
+    return ReplaceNoCase(withTarget, "%TABLE2%", source->Caption());
+  };
+  JoinDialog dialog;
+  dialog.caption = text(LanguageJoinCaption);
+  dialog.frame = text(LanguageJoinFrameCaption);
+  dialog.allOfTable1 = text(LanguageJoinTable1);
+  dialog.allOfTable2 = text(LanguageJoinTable2);
+  dialog.acceptButton = text(LanguageJoinAcceptButton);
+  dialog.cancelButton = text(LanguageJoinCancelButton);
+  dialog.table1Checked = (relationship.Kind() & JoinAllOfTarget) != 0;
+  dialog.table2Checked = (relationship.Kind() & JoinAllOfSource) != 0;
+  if (!context.GetToolkit().GetDialogs().ShowJoinProperties(dialog)) return false;
+  SetJoinKind(relationship,
+              (dialog.table1Checked ? JoinAllOfTarget : 0) | (dialog.table2Checked ? JoinAllOfSource : 0));
+  return true;
+}
+
+}  // namespace zrqrybld

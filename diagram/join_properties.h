@@ -1,0 +1,21 @@
+// The join properties dialog: its texts, and what they say about a choice. The window is the toolkit's.
+#pragma once
+
+#include <string>
+
+#include "diagram/relationship.h"
+#include "host/query_context.h"
+
+namespace zrqrybld {
+
+/// What a join of this kind returns, in words: "All rows from Orders, and the matching rows from Customers."
+std::string DescribeJoin(const std::string& source, const std::string& target, std::int32_t kind);
+
+/// Lets the user edit the join's kind. Returns whether it was accepted; the kind and the signs at the line's ends are
+/// set then.
+bool EditJoin(QueryContext& context, qbRelationship& relationship);
+
+/// Sets the kind of a join (`JoinKindFlag` bits) and the signs at its line's ends.
+void SetJoinKind(qbRelationship& relationship, std::int32_t kind);
+
+}  // namespace zrqrybld

@@ -1,0 +1,16 @@
+// Renaming a table inside texts that somebody typed. Pure.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "sql/names.h"
+
+namespace zrqrybld {
+
+/// The text with the table `before` renamed to `after` wherever it qualifies a column ("before.column"),
+/// quoted or not, in any letter case. Literals, comments and columns of the same name are left alone.
+std::string RenameQualifier(std::string_view text, std::string_view before, std::string_view after,
+                            const NameRules& rules);
+
+}  // namespace zrqrybld
