@@ -25,8 +25,7 @@ struct TablesDialog {
   std::function<void(const std::vector<std::string>& names)> add;
 };
 
-/// The windows that stop the user until they are answered.
-/// The properties of a join.
+/// The properties of a join. An ampersand in a caption marks the access key, but not one in a table's name.
 struct JoinDialog {
   std::string caption;
   std::string frame;
@@ -37,6 +36,13 @@ struct JoinDialog {
   /// What is chosen; set before the dialog opens, and by the user.
   bool table1Checked = false;
   bool table2Checked = false;
+  /// The tables' names, as the two texts hold them.
+  std::string table1 = {};
+  std::string table2 = {};
+  /// Says in words which rows a choice returns. Without it the window says nothing.
+  std::function<std::string(bool all1, bool all2)> describe = {};
+  /// Why a choice cannot be had, "" when it can. Without it every choice can be had.
+  std::function<std::string(bool all1, bool all2)> warning = {};
 };
 
 /// The prompt that builds a connection string.
@@ -47,6 +53,7 @@ struct ConnectionDialog {
   std::function<std::string(const std::string& connectionString)> test;
 };
 
+/// The windows that stop the user until they are answered.
 class Dialogs {
  public:
   Dialogs() = default;

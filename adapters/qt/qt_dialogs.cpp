@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QMessageBox>
 
+#include "adapters/qt/connection_window.h"
+#include "adapters/qt/join_window.h"
 #include "adapters/qt/qt_text.h"
 #include "adapters/qt/tables_window.h"
 
@@ -42,6 +44,19 @@ void QtDialogs::ShowTables(const TablesDialog& dialog) {
     ShowMessage(error.what(), MessageIcon::Critical);
   });
   window.exec();
+}
+
+bool QtDialogs::ShowJoinProperties(JoinDialog& dialog) {
+  JoinWindow window(dialog, ParentForDialog());
+  if (window.exec() != QDialog::Accepted) return false;
+  dialog.table1Checked = window.Table1Checked();
+  dialog.table2Checked = window.Table2Checked();
+  return true;
+}
+
+std::string QtDialogs::ShowConnectionPrompt(const ConnectionDialog& dialog) {
+  ConnectionWindow window(dialog, ParentForDialog());
+  return window.exec() == QDialog::Accepted ? window.Text() : std::string();
 }
 
 }  // namespace zrqrybld

@@ -1,4 +1,4 @@
-// QtDialogs: the core's dialogs as Qt windows. Both return when the user has closed them.
+// QtDialogs: the core's dialogs as Qt windows. Each returns when the user has closed it.
 #pragma once
 
 #include <QPointer>
@@ -22,6 +22,8 @@ class QtDialogs final : public Dialogs {
 
   void ShowMessage(std::string_view text, MessageIcon icon) override;
   void ShowTables(const TablesDialog& dialog) override;
+  bool ShowJoinProperties(JoinDialog& dialog) override;
+  std::string ShowConnectionPrompt(const ConnectionDialog& dialog) override;
 
  private:
   QWidget* ParentForDialog() const;

@@ -1,72 +1,21 @@
 #include "adapters/qt/tables_window.h"
 
-#include <QCoreApplication>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QItemSelectionModel>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QListView>
-#include <QPainter>
 #include <QPushButton>
 #include <QSortFilterProxyModel>
 #include <QStringListModel>
-#include <QStyledItemDelegate>
 #include <QTabWidget>
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "adapters/qt/name_list.h"
 #include "adapters/qt/qt_text.h"
-#include "adapters/qt/theme.h"
 
 namespace zrqrybld {
-namespace {
-
-// Rows with some air.
-class RowDelegate final : public QStyledItemDelegate {
- public:
-  using QStyledItemDelegate::QStyledItemDelegate;
-  QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
-    constexpr int kAir = 8;
-    return QStyledItemDelegate::sizeHint(option, index) + QSize(0, kAir);
-  }
-};
-
-// A list that says why it is empty.
-class NameList final : public QListView {
- public:
-  explicit NameList(QString emptyText) : emptyText_(std::move(emptyText)) {
-    setSelectionMode(ExtendedSelection);
-    setEditTriggers(NoEditTriggers);
-    setUniformItemSizes(true);  // ten thousand names are not measured one by one
-    setTextElideMode(Qt::ElideMiddle);
-    setItemDelegate(new RowDelegate(this));
-  }
-
- protected:
-  void paintEvent(QPaintEvent* event) override {
-    QListView::paintEvent(event);
-    if (model() && model()->rowCount() > 0) return;
-    const auto* filtered = qobject_cast<const QSortFilterProxyModel*>(model());
-    const bool filteredOut = filtered && filtered->sourceModel() && filtered->sourceModel()->rowCount() > 0;
-    QPainter painter(viewport());
-    painter.setPen(Theme(palette()).Of(ColorRole::QuietText));
-    painter.drawText(viewport()->rect().adjusted(16, 16, -16, -16), Qt::AlignCenter | Qt::TextWordWrap,
-                     filteredOut ? TablesWindow::tr("No name contains this text.") : emptyText_);
-  }
-
- private:
-  QString emptyText_;
-};
-
-QStringList ToQStringList(const std::vector<std::string>& names) {
-  QStringList list;
-  list.reserve(static_cast<qsizetype>(names.size()));
-  std::ranges::transform(names, std::back_inserter(list), [](const std::string& name) { return ToQString(name); });
-  return list;
-}
-
-}  // namespace
 
 TablesWindow::TablesWindow(const TablesDialog& dialog, QWidget* parent) : QDialog(parent), dialog_(dialog) {
   setWindowTitle(ToQString(dialog_.caption));
@@ -192,21 +141,9 @@ void TablesWindow::ShowCounts() {
   addAndClose_->setEnabled(selected > 0);
 }
 
-// From the filter, the keys that walk a list walk the list.
 bool TablesWindow::eventFilter(QObject* watched, QEvent* event) {
-  if (watched == filter_ && event->type() == QEvent::KeyPress) {
-    const int key = static_cast<QKeyEvent*>(event)->key();
-    if (key == Qt::Key_Down || key == Qt::Key_Up || key == Qt::Key_PageDown || key == Qt::Key_PageUp) {
-      QListView* list = CurrentPage().list;
-      list->setFocus();
-      if (!list->selectionModel()->hasSelection() && list->model()->rowCount() > 0) {
-        list->setCurrentIndex(list->model()->index(0, 0));
-        return true;
-      }
-      QCoreApplication::sendEvent(list, event);
-      return true;
-    }
-  }
+  if (watched == filter_ && event->type() == QEvent::KeyPress && CurrentPage().list->WalkFromFilter(*event))
+    return true;
   return QDialog::eventFilter(watched, event);
 }
 

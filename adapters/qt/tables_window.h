@@ -11,12 +11,13 @@
 
 class QLabel;
 class QLineEdit;
-class QListView;
 class QPushButton;
 class QSortFilterProxyModel;
 class QTabWidget;
 
 namespace zrqrybld {
+
+class NameList;
 
 class TablesWindow : public QDialog {
   Q_OBJECT
@@ -35,7 +36,7 @@ class TablesWindow : public QDialog {
   struct Page {
     const std::vector<std::string>* names;
     QSortFilterProxyModel* filtered;
-    QListView* list;
+    NameList* list;
     QString caption;
   };
 

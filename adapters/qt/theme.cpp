@@ -126,6 +126,13 @@ double Theme::Contrast(const QColor& a, const QColor& b) {
   return (high + 0.05) / (low + 0.05);
 }
 
+Theme Theme::ForWindow(const QPalette& palette) {
+  QPalette window = palette;
+  window.setColor(QPalette::Active, QPalette::Base, palette.color(QPalette::Active, QPalette::Window));
+  window.setColor(QPalette::Active, QPalette::Text, palette.color(QPalette::Active, QPalette::WindowText));
+  return Theme(window);
+}
+
 Theme::Theme(const QPalette& palette) : palette_(palette), partPalette_(palette) {
   const QColor box = palette.color(QPalette::Active, QPalette::Base);
   const QColor window = palette.color(QPalette::Active, QPalette::Window);

@@ -25,6 +25,9 @@ class Theme {
 
   explicit Theme(const QPalette& palette);
 
+  /// The theme for what stands on a window's own ground: there `Box` is the window's colour.
+  static Theme ForWindow(const QPalette& palette);
+
   /// The colour of a role.
   QColor Of(ColorRole role) const { return colors_[static_cast<std::size_t>(role)]; }
 

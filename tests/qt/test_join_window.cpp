@@ -1,0 +1,198 @@
+#include <gtest/gtest.h>
+
+#include <QtTest/qtestspontaneevent.h>
+#include <QApplication>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QLabel>
+#include <QPushButton>
+#include <QTest>
+#include <QWindow>
+
+#include "adapters/qt/join_window.h"
+#include "adapters/qt/mark.h"
+#include "adapters/qt/qt_text.h"
+#include "adapters/qt/qt_toolkit.h"
+#include "adapters/qt/theme.h"
+#include "tests/qt/modal.h"
+#include "tests/qt/pictures.h"
+
+namespace zrqrybld {
+namespace {
+
+JoinDialog Dialog(const std::string& table1 = "Orders", const std::string& table2 = "Customers") {
+  return {.caption = "Join Properties",
+          .frame = "Include rows",
+          .allOfTable1 = "Include all rows from " + table1,
+          .allOfTable2 = "Include all rows from " + table2,
+          .acceptButton = "&Accept",
+          .cancelButton = "&Cancel",
+          .table1 = table1,
+          .table2 = table2,
+          .describe =
+              [=](bool all1, bool all2) {
+                if (all1 && all2) return "All rows from " + table1 + " and all rows from " + table2 + ".";
+                if (all1) return "All rows from " + table1 + ", and the matching rows from " + table2 + ".";
+                if (all2) return "All rows from " + table2 + ", and the matching rows from " + table1 + ".";
+                return "Only rows that match in both " + table1 + " and " + table2 + ".";
+              },
+          .warning =
+              [](bool all1, bool all2) {
+                return std::string(all1 && all2
+                                       ? "This dialect cannot return all rows of both tables; the join is written "
+                                         "without the rows that match nothing."
+                                       : "");
+              }};
+}
+
+class JoinWindowTest : public testing::Test {
+ protected:
+  void Open(const JoinDialog& dialog) {
+    window = std::make_unique<JoinWindow>(dialog);
+    window->show();
+    QApplication::setActiveWindow(window.get());
+    const QList<QCheckBox*> checks = window->findChildren<QCheckBox*>();
+    ASSERT_EQ(checks.size(), 2);
+    check1 = checks[0];
+    check2 = checks[1];
+  }
+  bool Says(const char* text) {
+    for (const QLabel* label : window->findChildren<QLabel*>()) {
+      if (label->isVisible() && label->text().contains(QString::fromUtf8(text))) return true;
+    }
+    return false;
+  }
+
+  std::unique_ptr<JoinWindow> window;
+  QCheckBox* check1 = nullptr;
+  QCheckBox* check2 = nullptr;
+};
+
+// What a key does to the modal window, and what its caller then finds.
+TEST(JoinDialogs, OnlyAnAcceptedChoiceComesBack) {
+  struct Case {
+    const char* name;
+    Qt::Key key;
+    Qt::KeyboardModifiers modifiers;
+    bool accepted;
+  };
+  const Case cases[] = {
+      {"Enter", Qt::Key_Return, Qt::NoModifier, true},
+      {"access key of Accept", Qt::Key_A, Qt::AltModifier, true},
+      {"Esc", Qt::Key_Escape, Qt::NoModifier, false},
+      {"access key of Cancel", Qt::Key_C, Qt::AltModifier, false},
+  };
+  for (const Case& test : cases) {
+    SCOPED_TRACE(test.name);
+    QtToolkit toolkit;
+    JoinDialog dialog = Dialog();
+    dialog.table1Checked = true;
+    WhenOpen<JoinWindow>([&](JoinWindow& window) {
+      EXPECT_EQ(window.windowTitle(), QStringLiteral("Join Properties"));
+      EXPECT_TRUE(window.Table1Checked());
+      for (QCheckBox* check : window.findChildren<QCheckBox*>()) QTest::keyClick(check, Qt::Key_Space);
+      QTest::keyClick(&window, test.key, test.modifiers);
+    });
+    EXPECT_EQ(toolkit.GetDialogs().ShowJoinProperties(dialog), test.accepted);
+    EXPECT_EQ(dialog.table1Checked, !test.accepted);
+    EXPECT_EQ(dialog.table2Checked, test.accepted);
+  }
+}
+
+TEST_F(JoinWindowTest, TheFrameCannotCloseItButCodeCan) {
+  Open(Dialog());
+  EXPECT_FALSE(window->windowFlags().testFlag(Qt::WindowCloseButtonHint));
+  QCloseEvent fromFrame;
+  QSpontaneKeyEvent::setSpontaneous(&fromFrame);
+  QApplication::instance()->notify(window->windowHandle(), &fromFrame);
+  EXPECT_FALSE(fromFrame.isAccepted());
+  EXPECT_TRUE(window->isVisible());
+  EXPECT_TRUE(window->close());
+  EXPECT_EQ(window->result(), QDialog::Rejected);
+}
+
+TEST_F(JoinWindowTest, SentenceAndWarningFollowTheChoice) {
+  Open(Dialog());
+  const QSize size = window->size();
+  const auto* mark = window->findChild<Mark*>();
+  EXPECT_TRUE(Says("Only rows that match in both"));
+  QTest::keyClick(check1, Qt::Key_Space);
+  EXPECT_TRUE(Says("All rows from Orders, and the matching rows from Customers."));
+  EXPECT_FALSE(Says("dialect"));
+  EXPECT_EQ(mark->Shown(), Mark::Kind::None);
+  QTest::mouseClick(check2, Qt::LeftButton, Qt::NoModifier, QPoint(8, check2->height() / 2));
+  EXPECT_TRUE(Says("All rows from Orders and all rows from Customers."));
+  EXPECT_TRUE(Says("This dialect cannot"));
+  EXPECT_EQ(mark->Shown(), Mark::Kind::Warning);
+  QApplication::processEvents();
+  EXPECT_EQ(window->size(), size) << "nothing moves under the pointer";
+}
+
+TEST_F(JoinWindowTest, AFailureToDescribeAChoiceLeavesItToBeMade) {
+  JoinDialog dialog = Dialog();
+  dialog.describe = [](bool, bool) -> std::string { throw std::runtime_error("no words"); };
+  const QtMessageHandler before = qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+  Open(dialog);
+  QTest::keyClick(check1, Qt::Key_Space);
+  qInstallMessageHandler(before);
+  EXPECT_TRUE(window->Table1Checked());
+}
+
+TEST_F(JoinWindowTest, AnAmpersandInATablesNameIsNoAccessKey) {
+  Open(Dialog("R&D", "A & B"));
+  EXPECT_EQ(check1->text(), QStringLiteral("Include all rows from R&&D"));
+  EXPECT_EQ(check2->text(), QStringLiteral("Include all rows from A && B"));
+  EXPECT_TRUE(Says("R&D"));
+  JoinDialog escaped = Dialog("R&D", "B");
+  escaped.allOfTable1 = "All of R&&D";
+  Open(escaped);
+  EXPECT_EQ(check1->text(), QStringLiteral("All of R&&D"));
+}
+
+TEST_F(JoinWindowTest, LongNamesWidenItOnlySoFarAndAreToldInFull) {
+  std::string name = "Größe<b>";
+  for (int i = 0; i < 40; ++i) name += "_of_everything";
+  Open(Dialog(name, "B"));
+  EXPECT_LE(window->width(), window->fontMetrics().averageCharWidth() * 84 + 48);
+  EXPECT_EQ(check1->accessibleName(), ToQString("Include all rows from " + name));
+  EXPECT_TRUE(check1->toolTip().contains(ToQString(name).toHtmlEscaped()));
+  EXPECT_TRUE(check2->toolTip().isEmpty());
+  for (const QLabel* label : window->findChildren<QLabel*>()) {
+    EXPECT_LE(label->heightForWidth(label->width()), label->height()) << ToUtf8(label->text());
+  }
+  KeepPicture(Paint(*window), "join-long-names");
+}
+
+// The part of the picture that is filled is the part that is returned, at every scale and in every colour scheme.
+TEST_F(JoinWindowTest, ThePictureFillsWhatIsReturned) {
+  for (const auto& [name, palette] : TestPalettes()) {
+    const ScopedPalette scoped(palette);
+    const Theme theme(palette);
+    for (const int scale : {1, 2}) {
+      for (int choice = 0; choice < 4; ++choice) {
+        SCOPED_TRACE(name + " choice " + std::to_string(choice) + " scale " + std::to_string(scale));
+        JoinDialog dialog = Dialog();
+        dialog.table1Checked = (choice & 1) != 0;
+        dialog.table2Checked = (choice & 2) != 0;
+        Open(dialog);
+        auto* picture = window->findChild<QWidget*>(QStringLiteral("picture"));
+        ASSERT_NE(picture, nullptr);
+        const QImage image = Paint(*picture, scale);
+        const int line = picture->fontMetrics().height();
+        const QPoint middle(picture->width() / 2, picture->height() - 12 - 2 * line);
+        const auto filled = [&](int offset) {
+          return image.pixelColor((middle + QPoint(offset, 0)) * scale) == theme.Of(ColorRole::JoinSelected);
+        };
+        EXPECT_TRUE(filled(0)) << "what matches is always returned";
+        EXPECT_EQ(filled(-2 * line), dialog.table1Checked);
+        EXPECT_EQ(filled(2 * line), dialog.table2Checked);
+        EXPECT_FALSE(filled(-4 * line)) << "outside the circles";
+        const std::string file = "join-" + name + "-" + std::to_string(100 * scale) + "-" + std::to_string(choice);
+        if (name == "light" || name == "dark") KeepPicture(Paint(*window, scale), file);
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace zrqrybld
