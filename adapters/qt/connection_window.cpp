@@ -270,7 +270,7 @@ QWidget* ConnectionWindow::MakeDataSourcePage() {
 QWidget* ConnectionWindow::MakeTextPage() {
   text_ = new QPlainTextEdit;
   text_->setPlaceholderText(
-      tr("For example\nDriver={PostgreSQL Unicode};Server=localhost;Database=store;UID=...;PWD=..."));
+      tr("For example\nDriver={PostgreSQL Unicode};\nServer=localhost;\nDatabase=store;\nUID=...;PWD=..."));
   text_->setTabChangesFocus(true);
   text_->setInputMethodHints(Qt::ImhSensitiveData | Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase);
   text_->installEventFilter(this);

@@ -21,7 +21,7 @@ namespace zrqrybld {
 namespace {
 
 // How wide the texts are, and may become for the sake of long names, in characters.
-constexpr int kTextWidth = 52;
+constexpr int kTextWidth = 60;
 constexpr int kMostTextWidth = 84;
 
 // The text of a check box, in which a table's name marks no access key.
@@ -88,7 +88,7 @@ class JoinPicture final : public QWidget {
   static constexpr int kAir = 12;
   static constexpr int kGap = 8;
 
-  int Radius() const { return fontMetrics().height() * 2; }
+  int Radius() const { return fontMetrics().height() * 9 / 4; }
 
   std::array<QString, 2> names_;
   std::array<bool, 2> all_{};
@@ -129,7 +129,7 @@ void JoinPicture::paintEvent(QPaintEvent*) {
     const QString name = fontMetrics().elidedText(names_[i], Qt::ElideMiddle, static_cast<int>(nameWidth));
     const double wanted = fontMetrics().horizontalAdvance(name) + 1.0;
     // Centred over the circle's own part, as far as the name of the other table leaves room.
-    const double own = centers[i].x() + (left ? -1 : 1) * offset * 0.5;
+    const double own = middle.x() + (left ? -1 : 1) * radius;
     const double least = left ? kAir : middle.x() + kGap;
     const double x = std::clamp(own - wanted / 2, least, std::max(least, least + nameWidth - wanted));
     painter.drawText(QRectF(x, kAir, wanted, fontMetrics().height()), Qt::AlignCenter | Qt::TextSingleLine, name);
@@ -171,7 +171,7 @@ JoinWindow::JoinWindow(const JoinDialog& dialog, QWidget* parent)
   layout->addWidget(group);
   layout->addWidget(sentence_);
   layout->addWidget(picture_);
-  if (dialog_.warning) layout->addWidget(MakeWarning());
+  if (AnyAnswer(dialog_.warning)) layout->addWidget(MakeWarning());
   layout->addSpacing(4);
   layout->addLayout(buttons);
 
@@ -196,6 +196,7 @@ JoinWindow::JoinWindow(const JoinDialog& dialog, QWidget* parent)
         std::max(TallestAnswer(*warning_, dialog_.warning, textWidth), warningMark_->sizeHint().height()));
   }
   all1_->setFocus();
+  ApplyColors();
   ShowChoice();
 }
 
@@ -223,6 +224,12 @@ QString JoinWindow::Ask(const std::function<std::string(bool, bool)>& question, 
   return answer;
 }
 
+bool JoinWindow::AnyAnswer(const std::function<std::string(bool, bool)>& question) const {
+  return !(Ask(question, false, false) + Ask(question, false, true) + Ask(question, true, false) +
+           Ask(question, true, true))
+              .isEmpty();
+}
+
 int JoinWindow::TallestAnswer(QLabel& label, const std::function<std::string(bool, bool)>& question, int width) const {
   int height = 0;
   for (const bool all1 : {false, true}) {
@@ -245,6 +252,19 @@ void JoinWindow::ShowChoice() {
   warning_->setText(Breakable(warning, warning_->fontMetrics(), warning_->width()));
   warning_->setAccessibleName(warning);
   warningMark_->Show(warning.isEmpty() ? Mark::Kind::None : Mark::Kind::Warning);
+}
+
+// The style derives the outline of a check box by darkening the window's colour: on a dark ground it would be lost.
+void JoinWindow::ApplyColors() {
+  constexpr int kOutlineFactor = 140;
+  QPalette boxes;
+  boxes.setColor(QPalette::Window, Theme::ForWindow(palette()).Of(ColorRole::QuietText).lighter(kOutlineFactor));
+  for (QCheckBox* box : {all1_, all2_}) box->setPalette(boxes);
+}
+
+void JoinWindow::changeEvent(QEvent* event) {
+  QDialog::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange && all2_) ApplyColors();
 }
 
 // A close from the window frame decides nothing, so it is refused; a close from code is a cancel.

@@ -29,21 +29,24 @@ class JoinWindow : public QDialog {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void changeEvent(QEvent* event) override;
 
  private:
   QWidget* MakeWarning();
   void ShowChoice();
+  void ApplyColors();
   /// What the core says to a choice.
   QString Ask(const std::function<std::string(bool, bool)>& question, bool all1, bool all2) const;
+  bool AnyAnswer(const std::function<std::string(bool, bool)>& question) const;
   /// The height that the longest answer needs in the label.
   int TallestAnswer(QLabel& label, const std::function<std::string(bool, bool)>& question, int width) const;
 
   JoinDialog dialog_;
   EventBoundary boundary_;
-  QCheckBox* all1_;
-  QCheckBox* all2_;
-  QLabel* sentence_;
-  JoinPicture* picture_;
+  QCheckBox* all1_ = nullptr;
+  QCheckBox* all2_ = nullptr;
+  QLabel* sentence_ = nullptr;
+  JoinPicture* picture_ = nullptr;
   Mark* warningMark_ = nullptr;
   QLabel* warning_ = nullptr;
 };

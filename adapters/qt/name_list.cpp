@@ -12,13 +12,23 @@
 namespace zrqrybld {
 namespace {
 
-// Rows with some air.
+// Rows with some air. A chosen one is legible in every palette, whatever its highlight colours.
 class RowDelegate final : public QStyledItemDelegate {
  public:
   using QStyledItemDelegate::QStyledItemDelegate;
   QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
     constexpr int kAir = 8;
     return QStyledItemDelegate::sizeHint(option, index) + QSize(0, kAir);
+  }
+
+ protected:
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+    QStyledItemDelegate::initStyleOption(option, index);
+    const Theme theme(option->palette);
+    for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive}) {
+      option->palette.setColor(group, QPalette::Highlight, theme.Of(ColorRole::RowSelected));
+      option->palette.setColor(group, QPalette::HighlightedText, theme.Of(ColorRole::RowSelectedText));
+    }
   }
 };
 

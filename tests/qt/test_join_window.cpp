@@ -8,6 +8,7 @@
 #include <QPushButton>
 #include <QTest>
 #include <QWindow>
+#include <algorithm>
 
 #include "adapters/qt/join_window.h"
 #include "adapters/qt/mark.h"
@@ -163,6 +164,33 @@ TEST_F(JoinWindowTest, LongNamesWidenItOnlySoFarAndAreToldInFull) {
   KeepPicture(Paint(*window), "join-long-names");
 }
 
+TEST_F(JoinWindowTest, ADialectThatCanWriteEverythingLeavesNoRoomForWarnings) {
+  Open(Dialog());
+  const int height = window->height();
+  JoinDialog dialog = Dialog();
+  dialog.warning = [](bool, bool) { return std::string(); };
+  Open(dialog);
+  EXPECT_LT(window->height(), height);
+  EXPECT_EQ(window->findChild<Mark*>(), nullptr);
+}
+
+// The style mixes the outline itself, so it is measured where it is painted.
+TEST_F(JoinWindowTest, AnEmptyCheckBoxIsSeenInEveryColourScheme) {
+  for (const auto& [name, palette] : TestPalettes()) {
+    const ScopedPalette scoped(palette);
+    Open(Dialog());
+    check2->setFocus();
+    const QImage image = Paint(*window);
+    const QPoint at = check1->mapTo(window.get(), QPoint(0, check1->height() / 2));
+    double strongest = 1;
+    for (int x = -2; x < 6; ++x) {
+      strongest = std::max(strongest,
+                           Theme::Contrast(image.pixelColor(at + QPoint(x, 0)), image.pixelColor(at - QPoint(4, 0))));
+    }
+    EXPECT_GE(strongest, 3.0) << name;
+  }
+}
+
 // The part of the picture that is filled is the part that is returned, at every scale and in every colour scheme.
 TEST_F(JoinWindowTest, ThePictureFillsWhatIsReturned) {
   for (const auto& [name, palette] : TestPalettes()) {
@@ -179,7 +207,7 @@ TEST_F(JoinWindowTest, ThePictureFillsWhatIsReturned) {
         ASSERT_NE(picture, nullptr);
         const QImage image = Paint(*picture, scale);
         const int line = picture->fontMetrics().height();
-        const QPoint middle(picture->width() / 2, picture->height() - 12 - 2 * line);
+        const QPoint middle(picture->width() / 2, picture->height() - 12 - 9 * line / 4);
         const auto filled = [&](int offset) {
           return image.pixelColor((middle + QPoint(offset, 0)) * scale) == theme.Of(ColorRole::JoinSelected);
         };
