@@ -10,12 +10,6 @@ namespace {
 // How the names of password parts end; many have more in front, such as "Jet OLEDB:Database Password".
 constexpr std::string_view kPasswordEndings[] = {"pwd", "password", "passwd"};
 
-bool IsPasswordKey(std::string_view key) {
-  return std::ranges::any_of(kPasswordEndings, [key](std::string_view ending) {
-    return key.size() >= ending.size() && EqualsNoCase(key.substr(key.size() - ending.size()), ending);
-  });
-}
-
 constexpr char ClosingQuote(char opening) { return opening == '{' ? '}' : opening; }
 
 // Reads a quoted value at `position` (on its opening character) and leaves the position behind it. Nothing is read
@@ -68,6 +62,12 @@ std::optional<std::string> ConnectionString::Get(std::string_view key) const {
   const auto part = std::ranges::find_if(parts_, [key](const auto& p) { return EqualsNoCase(p.first, key); });
   if (part == parts_.end()) return std::nullopt;
   return part->second;
+}
+
+bool ConnectionString::IsPasswordKey(std::string_view key) {
+  return std::ranges::any_of(kPasswordEndings, [key](std::string_view ending) {
+    return key.size() >= ending.size() && EqualsNoCase(key.substr(key.size() - ending.size()), ending);
+  });
 }
 
 std::string ConnectionString::WithoutPassword() const { return WithoutPassword(kDeepest).first; }

@@ -24,9 +24,12 @@ class ConnectionString {
   /// The parts in their order, values without quotes.
   const std::vector<std::pair<std::string, std::string>>& Parts() const { return parts_; }
 
-  /// The text without passwords (`PWD`, `Password` and every key that ends so), for logs and messages.
+  /// The text without passwords (see `IsPasswordKey`), for logs and messages.
   /// Also those of a connection string that stands inside a value.
   std::string WithoutPassword() const;
+
+  /// Whether the key names a password: `PWD`, `Password` and every key that ends so.
+  static bool IsPasswordKey(std::string_view key);
 
   /// The value as it is written in a connection string: in quotes when it needs them.
   static std::string QuoteValue(std::string_view value);

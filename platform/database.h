@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/object.h"
 #include "base/variant.h"
@@ -109,6 +110,10 @@ class Connection : public Object {
   /// The rows of a schema. Errors: 3704 when closed, 3251 when the provider does not have this kind,
   /// the provider's own otherwise.
   virtual std::unique_ptr<RowSet> OpenSchema(SchemaKind kind, const SchemaRestrictions& restrictions = {}) = 0;
+
+  /// The words that the source itself reserves, in any letter case and order; none when it does not tell. Names
+  /// equal to one of them need quotes. Error 3704 when closed.
+  virtual std::vector<std::string> Keywords() { return {}; }
 };
 
 }  // namespace zrqrybld

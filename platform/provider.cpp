@@ -14,6 +14,14 @@ Provider& ProviderList::Choose(const ConnectionString& connectionString) const {
               name ? "There is no provider named \"" + *name + "\"." : "No provider knows this connection string.");
 }
 
+std::vector<DataSourceName> ProviderList::DataSources() const {
+  std::vector<DataSourceName> all;
+  for (const std::shared_ptr<Provider>& provider : providers_) {
+    for (DataSourceName& source : provider->DataSources()) all.push_back(std::move(source));
+  }
+  return all;
+}
+
 void ProviderConnection::SetConnectionString(std::string value) {
   if (session_) throw Error(ErrorConnectionOpen, "The connection string cannot change while the connection is open.");
   connectionString_ = std::move(value);
@@ -35,6 +43,11 @@ void ProviderConnection::Close() {
 std::unique_ptr<RowSet> ProviderConnection::OpenSchema(SchemaKind kind, const SchemaRestrictions& restrictions) {
   if (!session_) throw Error(ErrorConnectionClosed, "The connection is closed.");
   return session_->OpenSchema(kind, restrictions);
+}
+
+std::vector<std::string> ProviderConnection::Keywords() {
+  if (!session_) throw Error(ErrorConnectionClosed, "The connection is closed.");
+  return session_->Keywords();
 }
 
 }  // namespace zrqrybld

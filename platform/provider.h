@@ -24,6 +24,15 @@ class Session {
 
   /// See `Connection::OpenSchema`.
   virtual std::unique_ptr<RowSet> OpenSchema(SchemaKind kind, const SchemaRestrictions& restrictions) = 0;
+
+  /// See `Connection::Keywords`.
+  virtual std::vector<std::string> Keywords() const { return {}; }
+};
+
+/// A data source that is configured on the machine.
+struct DataSourceName {
+  std::string name;
+  std::string driver;  ///< what reaches it, by the driver's own name
 };
 
 /// One way to reach data sources, for instance an embedded database library.
@@ -43,6 +52,10 @@ class Provider {
   /// Opens the source. Errors carry the provider's own number and words, never a password.
   virtual std::unique_ptr<Session> Open(const ConnectionString& connectionString, std::string_view user,
                                         std::string_view password) = 0;
+
+  /// The data sources that are configured for this provider on the machine; none for a provider that has no such
+  /// configuration, or whose configuration cannot be read.
+  virtual std::vector<DataSourceName> DataSources() { return {}; }
 };
 
 /// The providers that an application has registered.
@@ -53,6 +66,9 @@ class ProviderList {
 
   /// The provider for the string; error 3706 when there is none.
   Provider& Choose(const ConnectionString& connectionString) const;
+
+  /// The configured data sources of all providers, in the order of registration.
+  std::vector<DataSourceName> DataSources() const;
 
  private:
   std::vector<std::shared_ptr<Provider>> providers_;
@@ -70,6 +86,7 @@ class ProviderConnection final : public Connection {
   void Close() override;
   ConnectionStateEnum State() const override { return session_ ? ConnectionOpened : ConnectionClosed; }
   std::unique_ptr<RowSet> OpenSchema(SchemaKind kind, const SchemaRestrictions& restrictions) override;
+  std::vector<std::string> Keywords() override;
 
  private:
   std::shared_ptr<const ProviderList> providers_;

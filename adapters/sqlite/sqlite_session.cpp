@@ -145,6 +145,18 @@ std::unique_ptr<RowSet> SqliteSession::OpenSchema(SchemaKind kind, const SchemaR
   throw Error(ErrorSchemaNotSupported, "SQLite has no such schema.");
 }
 
+std::vector<std::string> SqliteSession::Keywords() const {
+  std::vector<std::string> words;
+  for (int i = 0; i < sqlite3_keyword_count(); ++i) {
+    const char* word = nullptr;
+    int length = 0;
+    if (sqlite3_keyword_name(i, &word, &length) == SQLITE_OK) {
+      words.emplace_back(word, static_cast<std::size_t>(length));
+    }
+  }
+  return words;
+}
+
 // One query serves the whole source, but it fails as a whole when a single view refers to a table that is
 // gone or a virtual table needs a module that is not there. Then the tables are read one by one.
 SqliteSession::Rows SqliteSession::ReadSkippingBroken(Reader reader, const TableName& table) const {

@@ -17,6 +17,7 @@ class SqliteSession final : public Session {
   explicit SqliteSession(DatabaseHandle database) : database_(std::move(database)) {}
 
   std::unique_ptr<RowSet> OpenSchema(SchemaKind kind, const SchemaRestrictions& restrictions) override;
+  std::vector<std::string> Keywords() const override;
 
  private:
   using Rows = std::vector<std::vector<Variant>>;

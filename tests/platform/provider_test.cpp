@@ -16,6 +16,7 @@ class FakeSession final : public Session {
     return std::make_unique<TableRowSet>(
         kLiteralFields, std::vector<std::vector<Variant>>{{"QUOTE_PREFIX", "[", Variant::Null(), 1}, {"B", "", "", 2}});
   }
+  std::vector<std::string> Keywords() const override { return {"PRAGMA"}; }
 };
 
 class FakeProvider final : public Provider {
@@ -27,6 +28,7 @@ class FakeProvider final : public Provider {
     if (text.Get("Fail")) throw Error(77, "refused");
     return std::make_unique<FakeSession>();
   }
+  std::vector<DataSourceName> DataSources() override { return {{"a source", name_}}; }
 
  private:
   std::string name_;
@@ -57,6 +59,14 @@ TEST(Provider, IsChosenByNameElseByWhatItAccepts) {
   EXPECT_EQ(NumberOf([&] { choose(""); }), ErrorConnectionFailed);
 }
 
+TEST(Provider, DataSourcesOfAllAreListedInTheOrderOfRegistration) {
+  ProviderList providers;
+  for (const char* name : {"File", "Server"}) providers.Register(std::make_shared<FakeProvider>(name, "DSN"));
+  std::string drivers;
+  for (const DataSourceName& source : providers.DataSources()) drivers += source.driver + " ";
+  EXPECT_EQ(drivers, "File Server ");
+}
+
 TEST(Provider, ConnectionKeepsItsState) {
   const auto providers = std::make_shared<ProviderList>();
   providers->Register(std::make_shared<FakeProvider>("File", "Data Source"));
@@ -74,8 +84,10 @@ TEST(Provider, ConnectionKeepsItsState) {
   EXPECT_EQ(NumberOf([&] { connection.SetConnectionString("other"); }), ErrorConnectionOpen);
   EXPECT_EQ(connection.ConnectionString(), "Data Source=x");
   EXPECT_EQ(NumberOf(schema), 0);
+  EXPECT_EQ(connection.Keywords(), std::vector<std::string>{"PRAGMA"});
   connection.Close();
   EXPECT_EQ(NumberOf(schema), ErrorConnectionClosed);
+  EXPECT_EQ(NumberOf([&] { connection.Keywords(); }), ErrorConnectionClosed);
 }
 
 TEST(RowSet, FindsFieldsWithoutCaseAndEnds) {

@@ -583,6 +583,14 @@ TEST(SqliteSession, ADatabaseLockedByAWriterIsReportedNotShownAsEmpty) {
   EXPECT_EQ(Ask(*session, SchemaKind::Columns, kColumn, Table("u")), "u|1|a\n");
 }
 
+TEST(SqliteSession, TellsTheWordsThatItReserves) {
+  const DatabaseFile file("");
+  const std::vector<std::string> words = OpenPath(file.Path())->Keywords();
+  for (const char* word : {"SELECT", "GLOB", "PRAGMA"}) {
+    EXPECT_NE(std::ranges::find(words, word), words.end()) << word;
+  }
+}
+
 TEST(SqliteSession, IsReachedThroughAConnection) {
   const DatabaseFile file("CREATE TABLE t (a)", "semi;colon.db");
   auto providers = std::make_shared<ProviderList>();
