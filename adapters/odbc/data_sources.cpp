@@ -4,15 +4,15 @@
 
 #include "adapters/odbc/odbc_handle.h"
 #include "adapters/odbc/odbc_provider.h"
-#include "adapters/odbc/odbc_text.h"
 #include "base/text.h"
 
 namespace zrqrybld {
 namespace {
 
-std::string TextOf(const std::u16string& buffer) {
-  return odbc::ToUtf8(std::u16string_view(buffer).substr(0, buffer.find(u'\0')));
-}
+// The functions for bytes: the names come as they stand in the configuration, which is UTF-8. Those for UTF-16 make
+// one character of each byte.
+std::string TextOf(const std::string& buffer) { return buffer.substr(0, buffer.find('\0')); }
+SQLCHAR* Bytes(std::string& buffer) { return reinterpret_cast<SQLCHAR*>(buffer.data()); }
 
 }  // namespace
 
@@ -20,12 +20,12 @@ std::vector<DataSourceName> OdbcProvider::DataSources() {
   const odbc::Environment environment;
   std::vector<DataSourceName> sources;
   for (SQLUSMALLINT direction = SQL_FETCH_FIRST;; direction = SQL_FETCH_NEXT) {
-    std::u16string name(1024, u'\0');
-    std::u16string driver(4096, u'\0');
+    std::string name(1024, '\0');
+    std::string driver(4096, '\0');
     SQLSMALLINT length = 0;
     const SQLRETURN result =
-        SQLDataSourcesW(environment.Get(), direction, odbc::Wide(name), static_cast<SQLSMALLINT>(name.size() - 1),
-                        &length, odbc::Wide(driver), static_cast<SQLSMALLINT>(driver.size() - 1), &length);
+        SQLDataSources(environment.Get(), direction, Bytes(name), static_cast<SQLSMALLINT>(name.size() - 1), &length,
+                       Bytes(driver), static_cast<SQLSMALLINT>(driver.size() - 1), &length);
     if (!SQL_SUCCEEDED(result)) return sources;
     DataSourceName source{TextOf(name), TextOf(driver)};
     // One of the user hides one of the system with the same name.

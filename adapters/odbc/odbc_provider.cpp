@@ -151,6 +151,9 @@ void CheckFile(const std::string& name) {
   if (!std::ifstream(path, std::ios::binary)) {
     ThrowCannotOpen(name, errno != 0 ? std::generic_category().message(errno) : "it cannot be read");
   }
+  // The driver would show any other file as a database without tables.
+  const std::string beginning = ReadBeginning(path);
+  if (!beginning.empty() && !beginning.starts_with("SQLite format 3")) ThrowCannotOpen(name, "it is not a database");
 }
 
 // The driver makes a file that is missing, unless it is told not to.

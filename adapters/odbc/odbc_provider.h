@@ -52,7 +52,8 @@ class OdbcProvider final : public Provider {
   std::unique_ptr<Session> Open(const ConnectionString& connectionString, std::string_view user,
                                 std::string_view password) override;
 
-  /// The data sources of this user and of the system. Error 3706 when the driver manager cannot be used.
+  /// The data sources of this user and of the system. Error 3706 when the driver manager cannot be used. unixODBC
+  /// lists those with names beyond ASCII, but does not find them when they are opened.
   std::vector<DataSourceName> DataSources() override;
 };
 
