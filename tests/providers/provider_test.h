@@ -1,0 +1,29 @@
+// What all tests of providers have in common: a source, or the reason why there is none.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <iostream>
+#include <string>
+#include <string_view>
+
+#include "tests/providers/sources.h"
+
+namespace zrqrybld::test {
+
+/// A test of one source. Where it cannot be had the test is skipped and says so, and in CI it fails.
+class ProviderTest : public testing::TestWithParam<std::string> {
+ protected:
+  void SetUp() override {
+    source_ = &GetSource(GetParam());
+    if (source_->missing.empty()) return;
+    const char* ci = std::getenv("CI");
+    if (ci && std::string_view(ci) == "true") FAIL() << source_->name << ": " << source_->missing;
+    GTEST_SKIP() << "No " << source_->name << ": " << source_->missing;
+  }
+
+  const Source* source_ = nullptr;
+};
+
+}  // namespace zrqrybld::test
