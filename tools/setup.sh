@@ -10,6 +10,7 @@ packages_build="
   ccache           ccache
   pkg-config       pkg-config
   libsqlite3-dev   -
+  unixodbc-dev     -
   qt6-base-dev     -
   libgl-dev        -
   fonts-dejavu-core -
@@ -18,6 +19,13 @@ packages_test="$packages_build
   python3          python3
   libgtest-dev     -
   libbenchmark-dev -
+  unixodbc         isql
+  odbcinst         odbcinst
+  libsqliteodbc    -
+  odbc-postgresql  -
+  odbc-mariadb     -
+  postgresql       -
+  mariadb-server   mariadbd
   xvfb             Xvfb
   xdotool          xdotool
   matchbox-window-manager matchbox-window-manager
@@ -67,15 +75,27 @@ need_packages() {
   say "Installing:$missing"
   local log
   log=$(mktemp)
-  if ! { $root env DEBIAN_FRONTEND=noninteractive apt-get -q update &&
-         $root env DEBIAN_FRONTEND=noninteractive apt-get -q install -y --no-install-recommends $missing
-       } >"$log" 2>&1 </dev/null; then
+  if ! install_quietly "$root" $missing >"$log" 2>&1 </dev/null; then
     tail -n 40 "$log" >&2
     rm -f "$log"
     die "the packages could not be installed:$missing"
   fi
   rm -f "$log"
 }
+
+# Usage: install_quietly ROOT PACKAGE... A package may start the server it brings; that is prevented, because the
+# tests start their own and nobody has asked for another one.
+install_quietly() (
+  root=$1 policy=/usr/sbin/policy-rc.d
+  shift
+  if [ ! -e $policy ]; then
+    trap '$root rm -f $policy' EXIT
+    printf '#!/bin/sh\nexit 101\n' | $root tee $policy >/dev/null
+    $root chmod +x $policy
+  fi
+  $root env DEBIAN_FRONTEND=noninteractive apt-get -q update &&
+    $root env DEBIAN_FRONTEND=noninteractive apt-get -q install -y --no-install-recommends "$@"
+)
 
 # Usage: quietly LOG COMMAND... Shows the log only when the command fails.
 quietly() {
