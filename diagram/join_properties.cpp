@@ -41,9 +41,20 @@ bool EditJoin(QueryContext& context, qbRelationship& relationship) {
   dialog.cancelButton = text(LanguageJoinCancelButton);
   dialog.table1Checked = (relationship.Kind() & JoinAllOfTarget) != 0;
   dialog.table2Checked = (relationship.Kind() & JoinAllOfSource) != 0;
+  dialog.table1 = target->Caption();
+  dialog.table2 = source->Caption();
+  const auto kindOf = [](bool all1, bool all2) { return (all1 ? JoinAllOfTarget : 0) | (all2 ? JoinAllOfSource : 0); };
+  dialog.describe = [&](bool all1, bool all2) {
+    return DescribeJoin(source->Caption(), target->Caption(), kindOf(all1, all2));
+  };
+  dialog.warning = [&](bool all1, bool all2) {
+    return all1 && all2 && !context.HasFullJoin()
+               ? std::string(
+                     "The SQL dialect in use cannot keep all rows of both tables; only matching rows come back.")
+               : std::string();
+  };
   if (!context.GetToolkit().GetDialogs().ShowJoinProperties(dialog)) return false;
-  SetJoinKind(relationship,
-              (dialog.table1Checked ? JoinAllOfTarget : 0) | (dialog.table2Checked ? JoinAllOfSource : 0));
+  SetJoinKind(relationship, kindOf(dialog.table1Checked, dialog.table2Checked));
   return true;
 }
 

@@ -33,6 +33,7 @@ void ForgetEarlierSource(QueryContext& context) {
   properties.Add(std::int16_t{0}, "_QBDSFLAGS");
   context.DataTypes()->Clear();
   context.SourceTables().clear();
+  context.SetSourceWords({});
 }
 
 void ReadLiterals(QueryContext& context) {
@@ -101,6 +102,7 @@ void RetrieveConnectionInfo(QueryContext& context, bool withTables) {
   context.RunOperation("Connect", InfoRetrieveConnectionInfo, [&] {
     ForgetEarlierSource(context);
     Trapped([&] { ReadLiterals(context); });
+    Trapped([&] { context.SetSourceWords(context.Connection()->Keywords()); });
     if (withTables) Trapped([&] { ReadTables(context); });
     Trapped([&] { RecogniseTextSource(context); });
     context.RaiseInfo(InfoRetrieveConnectionInfo,

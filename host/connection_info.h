@@ -15,8 +15,8 @@ enum DataSourceFlag : std::int16_t {
 bool IsTextSource(const QueryContext& context);
 
 /// Fills `Properties` with the source's literals, `DataTypes` with its types and, when `withTables`,
-/// `SourceTables`. What was there from an earlier connection is removed first. A schema that the
-/// source does not have leaves its entries absent. Does nothing on a closed connection.
+/// `SourceTables`; its reserved words become ours. What was there from an earlier connection is removed first. A schema
+/// that the source does not have leaves its entries absent. Does nothing on a closed connection.
 void RetrieveConnectionInfo(QueryContext& context, bool withTables);
 
 }  // namespace zrqrybld

@@ -17,7 +17,7 @@ Ref<zrqrybld::Connection> QueryContext::Connection() {
 std::shared_ptr<const std::unordered_set<std::string>> QueryContext::ReservedWords() const {
   const std::uint64_t revision = keywords_->Revision() + functions_->Revision();
   if (reservedWords_ && reservedWordsRevision_ == revision) return reservedWords_;
-  auto words = std::make_shared<std::unordered_set<std::string>>();
+  auto words = std::make_shared<std::unordered_set<std::string>>(sourceWords_);
   const auto addNames = [&words](const auto& catalog) {
     for (std::int32_t i = 1; i <= catalog.Count(); ++i) words->insert(FoldCase(catalog.Item(i)->Name()));
   };
@@ -26,6 +26,12 @@ std::shared_ptr<const std::unordered_set<std::string>> QueryContext::ReservedWor
   reservedWords_ = std::move(words);
   reservedWordsRevision_ = revision;
   return reservedWords_;
+}
+
+void QueryContext::SetSourceWords(const std::vector<std::string>& words) {
+  sourceWords_.clear();
+  for (const std::string& word : words) sourceWords_.insert(FoldCase(word));
+  reservedWords_ = nullptr;
 }
 
 void QueryContext::RaiseInfo(QueryBuilderInfoEnum info, Variant parameters) { Info.Raise(info, parameters); }

@@ -84,7 +84,7 @@ class QueryContext : public Object {
   /// Texts whose presence in a name forces it into quotes.
   const Ref<StringCollection>& QuotedIdentifiers() const { return quotedIdentifiers_; }
 
-  /// The words with a meaning in SQL, case-folded: the names of keywords and functions.
+  /// The words with a meaning in SQL, case-folded: the names of keywords and functions, and what the source reserves.
   std::shared_ptr<const std::unordered_set<std::string>> ReservedWords() const;
 
   /// The caption with this number; never an error.
@@ -96,6 +96,9 @@ class QueryContext : public Object {
 
   /// The diagram's tables; nothing when no diagram is linked.
   virtual Ref<qbEntities> Entities() const = 0;
+
+  /// Whether the dialect in use can say "all rows of both tables".
+  virtual bool HasFullJoin() const = 0;
 
   /// The grid's date format; the default one when no grid is linked.
   virtual std::string DateFormat() const = 0;
@@ -144,6 +147,8 @@ class QueryContext : public Object {
 
   /// The tables that were read on connecting; empty when they were not asked for.
   std::vector<SourceTable>& SourceTables() { return sourceTables_; }
+  /// Replaces the words that the source itself reserves.
+  void SetSourceWords(const std::vector<std::string>& words);
 
  protected:
   explicit QueryContext(std::shared_ptr<Toolkit> toolkit);
@@ -165,6 +170,7 @@ class QueryContext : public Object {
   Ref<StringCollection> quotedIdentifiers_ = std::make_shared<StringCollection>();
   LanguageTable language_;
   std::vector<SourceTable> sourceTables_;
+  std::unordered_set<std::string> sourceWords_;  // case-folded
   // Made anew when a catalog has changed: every generated statement asks for them.
   mutable std::shared_ptr<const std::unordered_set<std::string>> reservedWords_;
   mutable std::uint64_t reservedWordsRevision_ = 0;

@@ -49,6 +49,9 @@ std::string qbQueryBuilder::TryConnection(const std::string& connectionString) c
 
 std::string qbQueryBuilder::PromptForConnection() {
   ConnectionDialog dialog;
+  for (DataSourceName& source : GetToolkit().Providers()->DataSources()) {
+    dialog.dataSources.push_back(std::move(source.name));
+  }
   dialog.test = [this](const std::string& connectionString) { return TryConnection(connectionString); };
   return GetToolkit().GetDialogs().ShowConnectionPrompt(dialog);
 }
@@ -138,6 +141,8 @@ void qbQueryBuilder::SetSQLPane(const Ref<qbSQLPane>& pane) {
   sqlPane_ = pane;
   if (pane) pane->SetContext(RefTo(*this));
 }
+
+bool qbQueryBuilder::HasFullJoin() const { return !sqlPane_ || DialectFor(sqlPane_->SQLSyntax()).hasFullJoin; }
 
 std::string qbQueryBuilder::DateFormat() const { return gridPane_ ? gridPane_->DateFormat() : "dd-mmm-yyyy"; }
 

@@ -151,6 +151,7 @@ class qbQueryBuilder final : public QueryContext {
 
   Ref<qbQueryBuilder> Hub() override { return RefTo(*this); }
   Ref<qbEntities> Entities() const override { return diagramPane_ ? diagramPane_->Entities() : nullptr; }
+  bool HasFullJoin() const override;
   std::string DateFormat() const override;
   QuerySnapshot Snapshot() const override;
 
