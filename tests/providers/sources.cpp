@@ -113,14 +113,19 @@ Source Make(const std::string& name) {
   if (name == "SqliteOdbc") {
     const std::string string = "Driver={SQLite3};Database=" + SqliteFile();
     const auto run = [string](const std::string& sql) { return OdbcExecutor(string).Query(sql); };
-    return {name, string, {KeyNumberedByColumns, BlobTypeNotListed, NamesInFirstPlane}, {}, QuerySqlite, run};
+    return {name,
+            string,
+            {KeyNumberedByColumns, BlobTypeNotListed, NamesInFirstPlane, ImpliedPairsLeftOut, GeneratedColumnsMissing},
+            {},
+            QuerySqlite,
+            run};
   }
   if (name == "PostgreSql") {
     return MakeServer(name, "ZRQRYBLD_TEST_POSTGRESQL", kPostgreSqlWords, "",
                       {SchemaIsPublic, CatalogIsDatabase, CaseMatters});
   }
   return MakeServer(name, "ZRQRYBLD_TEST_MARIADB", kMariaDbWords, "SET sql_mode = 'ANSI_QUOTES'",
-                    {SchemaIsDatabase, KeyNumberedByColumns, NamesInFirstPlane});
+                    {SchemaIsDatabase, KeyNumberedByColumns, NamesInFirstPlane, ReferencesNameColumns});
 }
 
 }  // namespace

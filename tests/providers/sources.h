@@ -13,14 +13,17 @@ namespace zrqrybld::test {
 
 /// Where a driver or a server tells something else than the others.
 enum class Difference {
-  SchemaIsPublic,        ///< tables stand in the schema "public"
-  SchemaIsDatabase,      ///< tables stand in the schema "zr_test", the database's name
-  CatalogIsDatabase,     ///< the catalog is "zr_test"
-  KeyNumberedByColumns,  ///< the columns of a primary key are numbered by their places in the table
-  CaseMatters,           ///< a table is not found in other letter case
-  WritableTold,          ///< the flag of writable columns is set
-  NamesInFirstPlane,     ///< a name with characters beyond U+FFFF is never found
-  BlobTypeNotListed,     ///< the code of a blob's column is not among the provider's types
+  SchemaIsPublic,           ///< tables stand in the schema "public"
+  SchemaIsDatabase,         ///< tables stand in the schema "zr_test", the database's name
+  CatalogIsDatabase,        ///< the catalog is "zr_test"
+  KeyNumberedByColumns,     ///< the columns of a primary key are numbered by their places in the table
+  ImpliedPairsLeftOut,      ///< references of several columns that do not name the parent's are not told
+  ReferencesNameColumns,    ///< a reference must name the parent's columns
+  GeneratedColumnsMissing,  ///< generated columns are not told
+  CaseMatters,              ///< a table is not found in other letter case
+  WritableTold,             ///< the flag of writable columns is set
+  NamesInFirstPlane,        ///< a name with characters beyond U+FFFF is never found
+  BlobTypeNotListed,        ///< the code of a blob's column is not among the provider's types
 };
 
 struct Source {

@@ -236,6 +236,15 @@ TEST_P(ProviderSchema, TheTypeOfEveryColumnIsAmongTheProvidersTypes) {
   EXPECT_EQ(unknown, Has(Difference::BlobTypeNotListed) ? "Blob " : "");
 }
 
+TEST_P(ProviderSchema, GeneratedColumnsAreColumns) {
+  source_->query(
+      R"(CREATE TABLE "Doubled" ("a" INTEGER, "b" INTEGER GENERATED ALWAYS AS ("a" * 2) STORED, "c" INTEGER))");
+  const std::string columns =
+      Ask(*session_, SchemaKind::Columns, {"ORDINAL_POSITION", "COLUMN_NAME"}, Table("Doubled"));
+  source_->query(R"(DROP TABLE "Doubled")");
+  EXPECT_EQ(columns, Has(Difference::GeneratedColumnsMissing) ? "1|a\n2|c\n" : "1|a\n2|b\n3|c\n");
+}
+
 // --- Keys ---
 
 TEST_P(ProviderSchema, PrimaryKeysNameTheirColumnsByThePlaceInTheKey) {
@@ -274,6 +283,16 @@ TEST_P(ProviderSchema, TwoReferencesToOneParentStayApart) {
   const std::string keys = Ask(*session_, SchemaKind::ForeignKeys, {"ORDINAL", "FK_COLUMN_NAME"}, Table("Twice"));
   source_->query(R"(DROP TABLE "Twice")");
   EXPECT_TRUE(keys == "1|a\n2|b\n1|c\n2|d\n" || keys == "1|c\n2|d\n1|a\n2|b\n") << keys;
+}
+
+TEST_P(ProviderSchema, AReferenceWithoutColumnsIsToThePrimaryKeyOrLeftOut) {
+  const std::string reference = Has(Difference::ReferencesNameColumns) ? R"(("OrderID", "Line No"))" : "";
+  source_->query(R"(CREATE TABLE "Pair" ("a" INTEGER, "b" INTEGER,
+                    FOREIGN KEY ("a", "b") REFERENCES "Order Details")" +
+                 reference + ")");
+  const std::string keys = Ask(*session_, SchemaKind::ForeignKeys, {"FK_COLUMN_NAME", "PK_COLUMN_NAME"}, Table("Pair"));
+  source_->query(R"(DROP TABLE "Pair")");
+  EXPECT_EQ(keys, Has(Difference::ImpliedPairsLeftOut) ? "" : "a|OrderID\nb|Line No\n");
 }
 
 // --- Names are exact ---
