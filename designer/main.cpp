@@ -52,6 +52,7 @@ int RunScript(MainWindow& window, const DesignerOptions& options) {
 
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
+  QApplication::setOrganizationName("zrqrybld");  // where its settings are kept
   QApplication::setApplicationName("zrqrybld-designer");
   QApplication::setApplicationDisplayName("Query Designer");
   QApplication::setApplicationVersion(ZRQRYBLD_VERSION);

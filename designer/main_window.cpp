@@ -7,7 +7,9 @@
 #include <QMessageBox>
 #include <QStatusBar>
 #include <QToolBar>
+#include <optional>
 
+#include "adapters/qt/connection_choice.h"
 #include "adapters/qt/qt_text.h"
 #include "adapters/sqlite/sqlite_provider.h"
 #include "platform/connection_string.h"
@@ -16,6 +18,22 @@ namespace zrqrybld {
 namespace {
 
 constexpr float kNameColumnWidth = 2400;  // twips
+
+// The data sources that the prompt offers by name: those of every provider that knows any. SQLite has files only.
+std::vector<std::string> ConfiguredDataSources() { return {}; }
+
+// What a source is called in the window: its file, its name or its place. Passwords are taken out first, also those
+// inside a value.
+QString SourceName(const std::string& connectionString) {
+  const ConnectionString parts(ConnectionString(connectionString).WithoutPassword());
+  for (const char* key : {"Data Source", "DSN", "Database", "DBQ", "Server", "Driver", "Provider"}) {
+    const std::optional<std::string> value = parts.Get(key);
+    if (!value || value->empty()) continue;
+    const QString fileName = QFileInfo(ToQString(*value)).fileName();
+    return fileName.isEmpty() ? ToQString(*value) : fileName;
+  }
+  return MainWindow::tr("a data source");
+}
 
 }  // namespace
 
@@ -35,6 +53,7 @@ MainWindow::MainWindow() : designer_(new QueryDesignerWidget(this)) {
   MakeMenus();
   MakeToolBar();
   source_ = new QLabel(this);
+  source_->setTextFormat(Qt::PlainText);  // a file's name is no markup
   statusBar()->addPermanentWidget(source_);
   links_.push_back(hub.SQLPane()->SQLChanged.Connect([this] { UpdateState(); }));
   hub.SQLPane()->Refresh();
@@ -54,6 +73,8 @@ void MainWindow::WidenColumns() {
 void MainWindow::MakeMenus() {
   QMenu* file = menuBar()->addMenu(tr("&File"));
   file->addAction(tr("&Open Database..."), QKeySequence::Open, this, &MainWindow::AskForDatabase);
+  file->addAction(tr("&Connect..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O), this,
+                  &MainWindow::AskForConnection);
   file->addSeparator();
   file->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
 
@@ -104,21 +125,41 @@ void MainWindow::AskForDatabase() {
 }
 
 QString MainWindow::OpenDatabase(const QString& file) {
+  return OpenConnection(BuildConnectionString({.way = ConnectionWay::SqliteFile, .file = ToUtf8(file)}));
+}
+
+void MainWindow::AskForConnection() {
+  ConnectionDialog dialog;
+  dialog.dataSources = ConfiguredDataSources();
+  dialog.test = [this](const std::string& connectionString) {
+    return ToUtf8(Guarded([&] { TryConnection(connectionString); }));
+  };
+  const std::string chosen = designer_->QueryBuilder().GetToolkit().GetDialogs().ShowConnectionPrompt(dialog);
+  if (chosen.empty()) return;
+  if (const QString error = OpenConnection(chosen); !error.isEmpty()) ShowError(error);
+}
+
+std::shared_ptr<ProviderConnection> MainWindow::TryConnection(const std::string& connectionString) const {
+  auto connection = std::make_shared<ProviderConnection>(designer_->QueryBuilder().GetToolkit().Providers());
+  connection->SetConnectionString(connectionString);
+  connection->Open({}, {});
+  return connection;
+}
+
+QString MainWindow::OpenConnection(const std::string& connectionString) {
   qbQueryBuilder& hub = designer_->QueryBuilder();
-  const std::string text = "Provider=SQLite;Data Source=" + ConnectionString::QuoteValue(ToUtf8(file));
-  // A file that cannot be opened must not cost the user the query at hand: try it aside first.
-  auto connection = std::make_shared<ProviderConnection>(hub.GetToolkit().Providers());
-  const QString error = Guarded([&] {
-    connection->SetConnectionString(text);
-    connection->Open({}, {});
-  });
+  const BusyPointer busy(hub.GetToolkit());
+  // A source that cannot be opened must not cost the user the query at hand: try it aside first.
+  std::shared_ptr<ProviderConnection> connection;
+  const QString error = Guarded([&] { connection = TryConnection(connectionString); });
   if (!error.isEmpty()) return error;
   return Guarded([&] {
     hub.DiagramPane()->Clear();
     hub.SetConnection(connection);
-    source_->setText(QFileInfo(file).fileName());
-    setWindowTitle(tr("%1 - Query Designer").arg(QFileInfo(file).fileName()));
-    statusBar()->showMessage(tr("Opened %1").arg(file));
+    const QString name = SourceName(connectionString);
+    source_->setText(name);
+    setWindowTitle(tr("%1 - Query Designer").arg(name));
+    statusBar()->showMessage(tr("Connected to %1").arg(name));
     UpdateState();
   });
 }

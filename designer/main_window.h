@@ -5,8 +5,11 @@
 #include <QLabel>
 #include <QMainWindow>
 #include <functional>
+#include <memory>
+#include <string>
 
 #include "adapters/qt/query_designer_widget.h"
+#include "platform/provider.h"
 
 namespace zrqrybld {
 
@@ -16,8 +19,11 @@ class MainWindow : public QMainWindow {
  public:
   MainWindow();
 
-  /// Opens a database and forgets the query designed so far. Returns an error message, empty on success;
-  /// the query stays when the database cannot be opened.
+  /// Opens a data source and forgets the query designed so far. Returns an error message, empty on success;
+  /// the query stays when the source cannot be opened.
+  QString OpenConnection(const std::string& connectionString);
+
+  /// Opens a SQLite database, as above.
   QString OpenDatabase(const QString& file);
 
   /// Adds tables and draws their joins. Returns messages about those that could not be added.
@@ -42,12 +48,14 @@ class MainWindow : public QMainWindow {
   void MakeMenus();
   void MakeToolBar();
   void AskForDatabase();
+  void AskForConnection();
+  std::shared_ptr<ProviderConnection> TryConnection(const std::string& connectionString) const;
   void PickTables();
   void SyntaxChosen(int index);
   void WidenColumns();
   void UpdateState();
   /// Runs a command; an error becomes its message.
-  QString Guarded(const std::function<void()>& command);
+  static QString Guarded(const std::function<void()>& command);
 
   QueryDesignerWidget* designer_;
   QComboBox* syntax_ = nullptr;
