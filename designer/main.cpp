@@ -18,10 +18,12 @@ QStringList Prepare(MainWindow& window, const DesignerOptions& options) {
     if (const QString error = window.LoadLanguage(options.language); !error.isEmpty()) errors += error;
   }
   if (!options.syntax.isEmpty()) window.SetSyntax(options.syntax);
-  if (!options.database.isEmpty()) {
-    if (const QString error = window.OpenDatabase(options.database); !error.isEmpty()) return {error};
+  if (!options.database.isEmpty() || !options.connection.isEmpty()) {
+    const QString error = options.connection.isEmpty() ? window.OpenDatabase(options.database)
+                                                       : window.OpenConnection(options.connection.toStdString());
+    if (!error.isEmpty()) return {error};
   } else if (!options.tables.isEmpty()) {
-    return {"--add-table needs a database: give its file."};
+    return {"--add-table needs a database: give its file, or --connect."};
   }
   if (!options.tables.isEmpty()) errors += window.AddTables(options.tables);
   for (const QString& tick : options.ticks) {

@@ -13,14 +13,14 @@
 #include "adapters/qt/qt_text.h"
 #include "adapters/sqlite/sqlite_provider.h"
 #include "platform/connection_string.h"
+#if ZRQRYBLD_HAS_ODBC
+#include "adapters/odbc/odbc_provider.h"
+#endif
 
 namespace zrqrybld {
 namespace {
 
 constexpr float kNameColumnWidth = 2400;  // twips
-
-// The data sources that the prompt offers by name: those of every provider that knows any. SQLite has files only.
-std::vector<std::string> ConfiguredDataSources() { return {}; }
 
 // What a source is called in the window: its file, its name or its place. Passwords are taken out first, also those
 // inside a value.
@@ -44,6 +44,9 @@ MainWindow::MainWindow() : designer_(new QueryDesignerWidget(this)) {
 
   qbQueryBuilder& hub = designer_->QueryBuilder();
   hub.GetToolkit().Providers()->Register(std::make_shared<SqliteProvider>());
+#if ZRQRYBLD_HAS_ODBC
+  hub.GetToolkit().Providers()->Register(std::make_shared<OdbcProvider>());
+#endif
   hub.SetAllowJoinProperties(true);
   // A plain tick means a plain column; grouping is a choice.
   hub.GridPane()->SetShowGroupBy(false);
@@ -129,12 +132,7 @@ QString MainWindow::OpenDatabase(const QString& file) {
 }
 
 void MainWindow::AskForConnection() {
-  ConnectionDialog dialog;
-  dialog.dataSources = ConfiguredDataSources();
-  dialog.test = [this](const std::string& connectionString) {
-    return ToUtf8(Guarded([&] { TryConnection(connectionString); }));
-  };
-  const std::string chosen = designer_->QueryBuilder().GetToolkit().GetDialogs().ShowConnectionPrompt(dialog);
+  const std::string chosen = designer_->QueryBuilder().PromptForConnection();
   if (chosen.empty()) return;
   if (const QString error = OpenConnection(chosen); !error.isEmpty()) ShowError(error);
 }

@@ -27,6 +27,7 @@ DesignerOptions ReadCommandLine(const QStringList& arguments) {
   parser.addVersionOption();
   parser.addPositionalArgument("file", "The SQLite database to open.", "[file]");
   const QCommandLineOption database("db", "The SQLite database to open.", "FILE");
+  const QCommandLineOption connect("connect", "Connect with this connection string, for instance DSN=name.", "STRING");
   const QCommandLineOption table("add-table", "Add a table or view; may be given several times.", "NAME");
   const QCommandLineOption tick("tick", "Tick a column; may be given several times.", "TABLE.COLUMN");
   const QCommandLineOption syntax("syntax", "Write the statement in this dialect: " + dialects.join(", ") + ".",
@@ -34,15 +35,17 @@ DesignerOptions ReadCommandLine(const QStringList& arguments) {
   const QCommandLineOption language("language", "Take the captions from this language file.", "FILE");
   const QCommandLineOption print("print-sql", "Print the statement and end.");
   const QCommandLineOption screenshot("screenshot", "Save a picture of the window and end.", "FILE");
-  parser.addOptions({database, table, tick, syntax, language, print, screenshot});
+  parser.addOptions({database, connect, table, tick, syntax, language, print, screenshot});
   if (!parser.parse(arguments)) EndWithUsageError(parser.errorText());
   if (parser.isSet("help")) parser.showHelp(0);
   if (parser.isSet("version")) parser.showVersion();
 
   const QStringList files = parser.positionalArguments();
-  if (files.size() + parser.values(database).size() > 1) EndWithUsageError("more than one database");
+  if (files.size() + parser.values(database).size() + parser.values(connect).size() > 1)
+    EndWithUsageError("more than one database");
   DesignerOptions options;
   options.database = files.isEmpty() ? parser.value(database) : files.first();
+  options.connection = parser.value(connect);
   options.tables = parser.values(table);
   options.ticks = parser.values(tick);
   options.language = parser.value(language);

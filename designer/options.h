@@ -8,6 +8,7 @@ namespace zrqrybld {
 
 struct DesignerOptions {
   QString database;
+  QString connection;  ///< a connection string, instead of a database file
   QStringList tables;  ///< to add, in this order
   QStringList ticks;   ///< TABLE.COLUMN, in this order
   QString language;    ///< a language file; empty for the built-in captions

@@ -135,6 +135,10 @@ class qbQueryBuilder final : public QueryContext {
   /// closed, otherwise the source's own errors.
   bool HasTable(const std::string& tableName);
 
+  /// Lets the user build a connection string, with the data sources of all providers to choose from. "" when cancelled.
+  /// Nothing is connected.
+  std::string PromptForConnection();
+
   /// A question about the data source and its answer, Empty when it has none.
   struct DataSourceQuestion {
     std::string question;  ///< "IS_RESERVEDWORD:" and a word, "QUOTE_PREFIX" or "QUOTE_SUFFIX"
@@ -167,7 +171,6 @@ class qbQueryBuilder final : public QueryContext {
 
  private:
   explicit qbQueryBuilder(std::shared_ptr<Toolkit> toolkit) : QueryContext(std::move(toolkit)) {}
-  std::string PromptForConnection();
   std::string TryConnection(const std::string& connectionString) const;
 
   template <class T>
