@@ -50,11 +50,6 @@ void PrintKinds(bool rows) {
 }  // namespace
 }  // namespace zrqrybld
 
-// SQLite's driver keeps some memory for good with every connection. Nothing of ours is left out: the names are those
-// of the driver's own functions.
-extern "C" const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions() { return "leak:libsqlite3odbc"; }
-
 int main(int argc, char** argv) {
   for (int i = 1; i < argc; ++i) {
     if (std::strcmp(argv[i], "--print-kinds") == 0 || std::strcmp(argv[i], "--print-rows") == 0) {
