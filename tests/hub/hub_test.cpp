@@ -57,7 +57,7 @@ TEST_F(Hub, ThePickerListsTablesAndViewsAndAddsWhatIsPicked) {
   hub->ShowTables();
   EXPECT_EQ(Joins(), "Orders.CustomerID>Customers.CustomerID");
   EXPECT_EQ(Captions(), "Customers Orders dbo.v Orders1");
-  EXPECT_TRUE(infos.starts_with("2:Customers/8 4:Customers/8 2:Orders/8")) << infos;
+  EXPECT_TRUE(infos.starts_with("8:3/8 2:Customers/8 4:Customers/8 2:Orders/8")) << infos;
   ASSERT_EQ(dialogs.messages.size(), 1u);
   EXPECT_EQ(dialogs.messages[0].text, "An error occured while adding table Orders.\r\n[5] no schema");
   EXPECT_EQ(hub->state(), InfoDone);
@@ -79,7 +79,7 @@ TEST_F(Hub, ConnectingTwiceLeavesTheFactsOfTheSecondSource) {
   Record();
   for (int i = 0; i < 2; ++i) {
     Use();
-    EXPECT_EQ(infos, "1:Fake=1/1");  // no password
+    EXPECT_EQ(infos, "1:Fake=1/1 0:1/0");  // no password
     infos.clear();
     EXPECT_EQ(hub->Properties()->Count(), 5);
     EXPECT_EQ(*hub->Properties()->Find("_QBDSFLAGS"), Variant(0));
