@@ -38,6 +38,11 @@ void BoxRow::SetSmallIcon(Variant icon) {
   Changed();
 }
 
+void BoxRow::SetKind(TypeKind kind) {
+  kind_ = kind;
+  Changed();
+}
+
 void BoxRow::SetToolTipText(std::string text) { toolTipText_ = std::move(text); }
 
 Ref<BoxRow> BoxRows::Add(std::string text, std::string key) {

@@ -18,6 +18,9 @@ namespace zrqrybld {
 
 class BoxRows;
 
+/// What a column holds, as far as its row shows it.
+enum class TypeKind : std::uint8_t { None, Number, Text, Date, YesNo, Binary, Other };
+
 class BoxRow final : public Object {
  public:
   std::string_view TypeName() const override { return "BoxRow"; }
@@ -39,6 +42,9 @@ class BoxRow final : public Object {
   void SetForeColor(Color color);
   const Variant& SmallIcon() const { return smallIcon_; }
   void SetSmallIcon(Variant icon);
+  /// What the column holds; shown as a small icon.
+  TypeKind Kind() const { return kind_; }
+  void SetKind(TypeKind kind);
   const std::string& ToolTipText() const { return toolTipText_; }
   void SetToolTipText(std::string text);
 
@@ -56,6 +62,7 @@ class BoxRow final : public Object {
   bool bold_ = false;
   Color foreColor_ = Color::System(8);
   Variant smallIcon_;
+  TypeKind kind_ = TypeKind::None;
   std::string toolTipText_;
 };
 

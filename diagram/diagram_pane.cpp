@@ -3,8 +3,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 #include "base/scoped_value.h"
+#include "base/text.h"
 #include "diagram/placement.h"
 
 namespace zrqrybld {
@@ -12,8 +14,6 @@ namespace {
 
 constexpr Pixels kGap = 16_px;
 constexpr Pixels kRowStep = 2_px;
-constexpr Pixels kMargin = 12_px;  // around the surface, so that no box sticks to the edge of the window
-constexpr int kScrollStep = 24;
 constexpr std::size_t kMostFittedRows = 14;
 
 }  // namespace
@@ -70,7 +70,10 @@ Ref<qbEntityList> qbDiagramPane::LoadBox() {
   qbEntityList* const self = box.get();
   LoadedBox loaded{box, {}};
   loaded.links.push_back(box->Move.Connect([this, self] { BoxMoved(*self); }));
-  loaded.links.push_back(box->Changed.Connect([this] { Refresh(); }));
+  loaded.links.push_back(box->Changed.Connect([this] {
+    rowMarksStale_ = true;
+    Refresh();
+  }));
   loaded.links.push_back(box->ItemChecked.Connect([this, self](const Ref<BoxRow>& row) { BoxRowChecked(*self, row); }));
   loaded.links.push_back(box->RelationshipAdd.Connect([this](const Ref<Object>&) { Refresh(); }));
   loaded.links.push_back(box->RelationshipChange.Connect([this](const Ref<Object>& join) { JoinChanged(join); }));
@@ -86,11 +89,10 @@ void qbDiagramPane::ShowBox(const Ref<qbEntityList>& box) {
 }
 
 void qbDiagramPane::UnloadBox(const Ref<qbEntityList>& box) {
-  if (const auto* moving = std::get_if<MovingBox>(&gesture_); moving && moving->box == box) {
-    gesture_ = NoGesture{};
-    GetSurface().SetCapture(false);
-  }
+  // A gesture may hold this box as its own or as its target.
+  EndGesture();
   if (hover_.box == box) hover_ = {};
+  rowMarksStale_ = true;
   std::erase_if(boxes_, [&](const LoadedBox& loaded) { return loaded.box == box; });
   std::erase(stacking_, box);
   UpdateScrollBars();
@@ -99,11 +101,21 @@ void qbDiagramPane::UnloadBox(const Ref<qbEntityList>& box) {
 
 Ref<qbLine> qbDiagramPane::LoadLine(const Ref<qbRelationship>& relationship, const Ref<qbEntityList>& source,
                                     const Ref<qbEntityList>& target) {
-  return lines_.emplace_back(std::make_shared<qbLine>(relationship, source, target));
+  rowMarksStale_ = true;
+  // Lines between the same two boxes run side by side: each takes the first lane that is free.
+  int lane = 0;
+  const auto taken = [&] {
+    return std::ranges::any_of(lines_, [&](const Ref<qbLine>& line) {
+      return line->Lane() == lane && line->EndsAt(*source) && line->EndsAt(*target);
+    });
+  };
+  while (taken()) ++lane;
+  return lines_.emplace_back(std::make_shared<qbLine>(relationship, source, target, lane));
 }
 
 void qbDiagramPane::UnloadLine(const Ref<qbLine>& line) {
   if (hover_.line == line) hover_ = {};
+  rowMarksStale_ = true;
   std::erase(lines_, line);
   Refresh();
 }
@@ -134,8 +146,8 @@ TwipsPoint qbDiagramPane::PlaceFor(const qbEntityList& box) const {
     if (loaded.box.get() != &box) others.push_back(loaded.box->Bounds());
   }
   const ScreenScale scale = GetSurface().Scale();
-  const PlacementRules rules{scale.TwipsX(GetSurface().ViewSize().width - kMargin * 2),
-                             scale.TwipsY(Pixels(vertical_.maximum + vertical_.page)), scale.TwipsX(kGap),
+  const PlacementRules rules{scale.TwipsX(GetSurface().ViewSize().width / zoom_ - kSurfaceMargin * 2),
+                             scale.TwipsY(Pixels(vertical_.maximum + vertical_.page) / zoom_), scale.TwipsX(kGap),
                              scale.TwipsY(kRowStep)};
   return FindPlace({box.Bounds().width, box.Bounds().height}, others, rules);
 }
@@ -174,6 +186,7 @@ void qbDiagramPane::JoinChanged(const Ref<Object>& relationship) {
   if (const auto join = std::dynamic_pointer_cast<qbRelationship>(relationship); join && join->Line()) {
     join->Line()->Invalidate();
   }
+  rowMarksStale_ = true;
   Refresh();
   if (const Ref<QueryContext> context = Context()) context->QueryChanged();
 }
@@ -197,6 +210,7 @@ void qbDiagramPane::SelectObject(const Ref<Object>& object) {
   // A listener has selected another object meanwhile, or removed this one.
   if ((selected_ && selected_ != leaving_) || !IsInDiagram(object)) return;
   selected_ = object;
+  rowMarksStale_ = true;
   if (const auto join = std::dynamic_pointer_cast<qbRelationship>(object)) {
     if (join->Line()) join->Line()->SetSelected(true);
   }
@@ -209,6 +223,7 @@ void qbDiagramPane::DropSelection() {
   if (!selected_ || selected_ == leaving_) return;
   const Ref<Object> object = selected_;
   const ScopedValue leaving(leaving_, object);
+  rowMarksStale_ = true;
   if (const auto join = std::dynamic_pointer_cast<qbRelationship>(object)) {
     if (join->Line()) join->Line()->SetSelected(false);
   }
@@ -224,6 +239,12 @@ void qbDiagramPane::RaiseToTop(const Ref<qbEntityList>& box) {
 
 // --- Appearance ---
 
+void qbDiagramPane::AboutBox() {
+  if (const Ref<QueryContext> context = Context()) {
+    context->GetToolkit().GetDialogs().ShowMessage("zrQryBld\r\nThe diagram of a query.", MessageIcon::Information);
+  }
+}
+
 void qbDiagramPane::ApplyAppearance() {
   const BoxMetrics metrics = CurrentBoxMetrics();
   for (const LoadedBox& loaded : boxes_) {
@@ -235,87 +256,95 @@ void qbDiagramPane::ApplyAppearance() {
 }
 
 void qbDiagramPane::SetEntityFont(const Font& font) {
-  entityFont_ = font;
+  Store(entityFont_, font, "EntityFont");
   ApplyAppearance();
 }
 
 void qbDiagramPane::SetEntityForeColor(Color color) {
-  entityForeColor_ = color;
+  Store(entityForeColor_, color, "EntityForeColor");
   ApplyAppearance();
 }
 
 void qbDiagramPane::SetEntityBackColor(Color color) {
-  entityBackColor_ = color;
+  Store(entityBackColor_, color, "EntityBackColor");
   ApplyAppearance();
 }
 
 void qbDiagramPane::SetBackColor(Color color) {
-  backColor_ = color;
+  Store(backColor_, color, "BackColor");
   Refresh();
 }
 
 void qbDiagramPane::SetEntityCaptionFont(const Font& font) {
-  entityCaptionFont_ = font;
+  Store(entityCaptionFont_, font, "EntityCaptionFont");
   ApplyAppearance();
 }
 
 void qbDiagramPane::SetEntityFrameColor(Color color) {
-  entityFrameColor_ = color;
+  Store(entityFrameColor_, color, "EntityFrameColor");
   ApplyAppearance();
+}
+
+void qbDiagramPane::SetMinimized(const qbEntity& entity, bool minimized) {
+  if (entity.EntityBox()) entity.EntityBox()->SetMinimized(minimized);
 }
 
 void qbDiagramPane::OnSurfaceChanged() { ApplyAppearance(); }
 
-// --- Scrolling ---
+// --- Stored properties ---
 
-PixelPoint qbDiagramPane::ScrollOffset() const {
-  return {Pixels(horizontal_.value) - kMargin, Pixels(vertical_.value) - kMargin};
+namespace {
+
+// A colour is stored as its 32 bits; the largest do not fit a signed 32-bit number.
+Variant ToVariant(Color color) { return static_cast<std::int64_t>(color.value); }
+
+Color ReadColor(const PropertyStore& store, std::string_view key, Color defaultColor) {
+  const std::optional<double> number = store.Read(key, ToVariant(defaultColor)).Number();
+  if (!number || *number < -2147483648.0 || *number > 4294967295.0) return defaultColor;
+  return {static_cast<std::uint32_t>(static_cast<std::int64_t>(*number))};
 }
 
-PixelRect qbDiagramPane::PlaceOf(const qbEntityList& box) const {
-  const PixelPoint offset = ScrollOffset();
-  return GetSurface().Scale().ToPixels(box.Bounds()).Moved(-offset.x, -offset.y);
+// A font is stored as one text: family, size in points, "bold" and "italic", with ";" between them.
+Variant ToVariant(const Font& font) {
+  return font.family + ";" + NumberText(font.points) + (font.bold ? ";bold" : "") + (font.italic ? ";italic" : "");
 }
 
-PixelSize qbDiagramPane::ExtentOfBoxes() const {
-  PixelSize extent{};
-  for (const LoadedBox& loaded : boxes_) {
-    const PixelRect place = GetSurface().Scale().ToPixels(loaded.box->Bounds());
-    extent.width = std::max(extent.width, place.Right() + kMargin * 2);
-    extent.height = std::max(extent.height, place.Bottom() + kMargin * 2);
-  }
-  return extent;
+Font ReadFont(const PropertyStore& store, std::string_view key) {
+  Font font;
+  const std::string text = store.Read(key, "").Text();
+  const std::vector<std::string_view> parts = Split(text, ";");
+  font.family = parts[0];
+  if (parts.size() > 1) font.points = std::clamp(ParseNumber(parts[1]).value_or(0), 0.0, 200.0);
+  font.bold = std::ranges::find(parts, "bold") != parts.end();
+  font.italic = std::ranges::find(parts, "italic") != parts.end();
+  return font;
 }
 
-void qbDiagramPane::UpdateScrollBars() {
-  const PixelSize view = GetSurface().ViewSize();
-  const PixelSize extent = ExtentOfBoxes();
-  const auto update = [&](Orientation orientation, ScrollState& bar, Pixels visible, Pixels whole) {
-    bar.page = static_cast<int>(visible.Value());
-    bar.step = kScrollStep;
-    bar.maximum = std::max(0, static_cast<int>(std::ceil((whole - visible).Value())));
-    bar.value = std::clamp(bar.value, 0, bar.maximum);
-    GetSurface().SetScrollBar(orientation, bar);
-  };
-  update(Orientation::Horizontal, horizontal_, view.width, extent.width);
-  update(Orientation::Vertical, vertical_, view.height, extent.height);
+}  // namespace
+
+void qbDiagramPane::ReadProperties(const PropertyStore& store) {
+  const Variant minimize = store.Read("EntityMinimizeButton", true);
+  entityMinimizeButton_ = minimize.Number() ? *minimize.Number() != 0 : !EqualsNoCase(minimize.Text(), "False");
+  const std::optional<double> drop = store.Read("OLEDropMode", 0).Number();
+  oleDropMode_ = drop && *drop == 1 ? OLEDropManual : OLEDropNone;
+  entityBackColor_ = ReadColor(store, "EntityBackColor", Color::System(5));
+  entityForeColor_ = ReadColor(store, "EntityForeColor", Color::System(8));
+  entityFrameColor_ = ReadColor(store, "EntityFrameColor", Color::System(15));
+  backColor_ = ReadColor(store, "BackColor", Color::System(12));
+  entityFont_ = ReadFont(store, "EntityFont");
+  entityCaptionFont_ = ReadFont(store, "EntityCaptionFont");
+  ApplyAppearance();
 }
 
-void qbDiagramPane::OnResize() {
-  UpdateScrollBars();
-  Refresh();
-}
-
-void qbDiagramPane::OnScroll(Orientation orientation, int value) {
-  ScrollState& bar = orientation == Orientation::Horizontal ? horizontal_ : vertical_;
-  bar.value = std::clamp(value, 0, bar.maximum);
-  Refresh();
-}
-
-void qbDiagramPane::ScrollBy(Orientation orientation, int delta) {
-  ScrollState& bar = orientation == Orientation::Horizontal ? horizontal_ : vertical_;
-  OnScroll(orientation, bar.value + delta);
-  GetSurface().SetScrollBar(orientation, bar);
+void qbDiagramPane::WriteProperties(PropertyStore& store) const {
+  store.Write("EntityMinimizeButton", entityMinimizeButton_, true);
+  store.Write("OLEDropMode", static_cast<std::int32_t>(oleDropMode_), 0);
+  store.Write("EntityBackColor", ToVariant(entityBackColor_));
+  store.Write("EntityForeColor", ToVariant(entityForeColor_));
+  store.Write("EntityFrameColor", ToVariant(entityFrameColor_));
+  store.Write("BackColor", ToVariant(backColor_));
+  store.Write("EntityFont", ToVariant(entityFont_));
+  store.Write("EntityCaptionFont", ToVariant(entityCaptionFont_));
 }
 
 }  // namespace zrqrybld

@@ -4,8 +4,10 @@
 // model asks for. The hub links it to the other panes; it also works alone.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <string>
+#include <unordered_set>
 #include <variant>
 #include <vector>
 
@@ -20,6 +22,9 @@
 #include "platform/property_store.h"
 
 namespace zrqrybld {
+
+/// The surface begins this far inside the pane, so that no box sticks to the edge of the window.
+inline constexpr Pixels kSurfaceMargin = 12_px;
 
 /// Whether a pane takes drops from outside.
 enum OLEDropModeEnum : std::int32_t { OLEDropNone = 0, OLEDropManual = 1 };
@@ -61,7 +66,20 @@ class qbDiagramPane final : public Control, private DiagramView {
   Event<std::int32_t&, std::int32_t> KeyDown;
   Event<std::int32_t&, std::int32_t> KeyUp;
 
+  /// A key that types something on the pane: its Unicode character, which a handler may change.
+  Event<char32_t&> KeyPress;
+  /// Texts are dragged over the surface, or dropped on it, while `OLEDropMode` is Manual: the text, the effect (which a
+  /// handler may set to 0 to refuse), `MouseButton` and `ShiftMask` bits, the place in pixels.
+  Event<const std::string&, std::int32_t&, std::int32_t, std::int32_t, float, float> OLEDragOver;
+  Event<const std::string&, std::int32_t&, std::int32_t, std::int32_t, float, float> OLEDragDrop;
+  /// A context menu is about to be shown for an entity, a relationship or, with nothing, the surface. A handler may add
+  /// and remove entries; an empty menu is not shown.
+  Event<const Ref<Object>&, Menu&> BeforeContextMenu;
+
   // --- Properties and methods, in interface order ---
+
+  /// Shows what this control is.
+  void AboutBox();
 
   /// Removes every entity; the grid is emptied and the statement written anew.
   void Clear();
@@ -95,7 +113,40 @@ class qbDiagramPane final : public Control, private DiagramView {
   void SetEntityFrameColor(Color color);
   /// Whether entities that are added from now on show a minimise button.
   bool EntityMinimizeButton() const override { return entityMinimizeButton_; }
-  void SetEntityMinimizeButton(bool show) { entityMinimizeButton_ = show; }
+  void SetEntityMinimizeButton(bool show) { Store(entityMinimizeButton_, show, "EntityMinimizeButton"); }
+
+  /// Whether texts may be dropped on the surface.
+  OLEDropModeEnum OLEDropMode() const { return oleDropMode_; }
+  void SetOLEDropMode(OLEDropModeEnum mode) { Store(oleDropMode_, mode, "OLEDropMode"); }
+
+  // --- Stored properties ---
+
+  /// A property was set: its key. The container marks it as changed.
+  Event<std::string_view> PropertyChanged;
+  /// Takes the properties from a stored form; a missing key has its default, and a value of the wrong kind counts as
+  /// missing.
+  void ReadProperties(const PropertyStore& store);
+  void WriteProperties(PropertyStore& store) const;
+
+  // --- The view ---
+
+  /// How much the diagram is enlarged: 0.25 to 4, 1 at first. Places and sizes of boxes do not depend on it.
+  double Zoom() const { return zoom_; }
+  /// Enlarges about a point of the pane, which stays where it is; values beyond the limits count as the limit.
+  void SetZoom(double zoom, PixelPoint about);
+  /// Zooms out, at most to the smallest size, until all boxes are visible; never beyond 100 %.
+  void ZoomToFit();
+  /// Lays the boxes out along their joins.
+  void Arrange();
+  /// The whole diagram as an SVG picture, without any window.
+  std::string PictureSvg() const;
+  /// The size of the whole diagram in pixels at 100 %, its margin included.
+  PixelSize PictureSize() const;
+  /// Draws the whole diagram at 100 % with its top left corner at (0, 0).
+  void PaintPicture(Canvas& canvas) const;
+
+  /// Minimises or restores an entity's box.
+  void SetMinimized(const qbEntity& entity, bool minimized);
 
   /// Makes an entity or relationship of this pane the selected object; nothing, or what was removed from the
   /// diagram, drops the selection.
@@ -117,6 +168,7 @@ class qbDiagramPane final : public Control, private DiagramView {
   void OnMouseUp(const MouseEvent& event) override;
   void OnDoubleClick(const MouseEvent& event) override;
   void OnMouseLeave() override;
+  void OnTick() override;
   void OnWheel(const WheelEvent& event) override;
   void OnScroll(Orientation orientation, int value) override;
   bool OnKeyDown(const KeyEvent& event) override;
@@ -132,12 +184,36 @@ class qbDiagramPane final : public Control, private DiagramView {
   struct NoGesture {};
   struct MovingBox {
     Ref<qbEntityList> box;
-    PixelPoint grip;  // from the box's corner to the pointer
+    PixelPoint grip;   // from the box's corner to the pointer, on the surface
+    PixelPoint start;  // the pointer at first
     TwipsRect before;
     bool moving = false;
-    PixelPoint start;
   };
-  using Gesture = std::variant<NoGesture, MovingBox>;
+  struct ResizingBox {
+    Ref<qbEntityList> box;
+    std::uint8_t edges;
+    PixelPoint start;  // on the surface
+    TwipsRect before;
+  };
+  struct DraggingRow {
+    Ref<qbEntityList> box;
+    std::size_t row;
+    PixelPoint start;
+    PixelPoint pointer;
+    bool dragging = false;
+    Ref<qbEntityList> target;  // the box under the pointer with a row where the join may end
+    std::size_t targetRow = 0;
+  };
+  struct ScrollingList {
+    Ref<qbEntityList> box;
+    Twips grip;  // from the scroll mark's top to the pointer
+  };
+  struct Panning {
+    PixelPoint start;
+    int horizontal;
+    int vertical;
+  };
+  using Gesture = std::variant<NoGesture, MovingBox, ResizingBox, DraggingRow, ScrollingList, Panning>;
 
   // What the pane keeps for each box: its links live as long as the box is loaded.
   struct LoadedBox {
@@ -166,30 +242,73 @@ class qbDiagramPane final : public Control, private DiagramView {
   void ApplyAppearance();
   TwipsPoint PlaceFor(const qbEntityList& box) const;
   bool CoversAnother(const qbEntityList& box) const;
+  template <class T>
+  void Store(T& property, const T& value, std::string_view key) {
+    property = value;
+    PropertyChanged.Raise(key);
+  }
   void BoxMoved(const qbEntityList& box);
   void RouteLinesAt(const qbEntityList& box);
   void BoxRowChecked(const qbEntityList& box, const Ref<BoxRow>& row);
   void JoinChanged(const Ref<Object>& relationship);
   void JoinRemoved();
 
-  PixelPoint ScrollOffset() const;
-  PixelPoint ToSurface(PixelPoint point) const { return point + ScrollOffset(); }
+  // The view: a point of the surface, in pixels at 100 %, stands at `Origin() + point * zoom` of the pane.
+  PixelPoint Origin() const;
+  PixelPoint ToSurface(PixelPoint point) const;
+  PixelRect ToPane(const PixelRect& onSurface) const;
   PixelRect PlaceOf(const qbEntityList& box) const;
   PixelSize ExtentOfBoxes() const;
   void UpdateScrollBars();
   void ScrollBy(Orientation orientation, int delta);
+  void ScrollIntoView(const PixelRect& onSurface);
   PaneHit HitTest(PixelPoint point) const;
   static Ref<qbEntity> EntityOf(const qbEntityList& box);
   static bool IsInDiagram(const Ref<Object>& object);
   void RaiseToTop(const Ref<qbEntityList>& box);
 
+  void PaintDiagram(Canvas& canvas, const PixelRect& visible, bool withState) const;
+  void PaintRubberLine(Canvas& canvas) const;
+  void UpdateRowMarks() const;
+
   void PressBox(const PaneHit& hit, const MouseEvent& event);
-  void DragBox(MovingBox& gesture, const MouseEvent& event);
+  void PressRow(const PaneHit& hit, const MouseEvent& event, const Ref<qbEntity>& entity);
+  void Drag(MovingBox& gesture, const MouseEvent& event);
+  void Drag(ResizingBox& gesture, const MouseEvent& event);
+  void Drag(DraggingRow& gesture, const MouseEvent& event);
+  void Drag(ScrollingList& gesture, const MouseEvent& event);
+  void Drag(Panning& gesture, const MouseEvent& event);
+  void Drag(NoGesture&, const MouseEvent&) {}
+  void Drop(const MovingBox& gesture, const MouseEvent& event);
+  void Drop(const DraggingRow& gesture);
+  void BeginGesture(Gesture gesture);
+  void EndGesture();
+  bool CancelGesture();
+  void AimAt(DraggingRow& gesture, PixelPoint point);
+  void AddJoin(const Ref<qbEntity>& source, std::size_t sourceRow, const Ref<qbEntity>& target, std::size_t targetRow,
+               bool onlyOnce);
   void SetHover(const PaneHit& hit);
+  Cursor CursorFor(const PaneHit& hit) const;
+
+  bool OnPlainKey(std::int32_t keyCode);
+  bool OnControlKey(std::int32_t keyCode, const KeyEvent& event);
   bool MoveSelectedBox(std::int32_t keyCode);
+  bool ResizeSelectedBox(std::int32_t keyCode);
+  bool GoToRow(std::size_t row);
   bool MoveCurrentRow(int delta);
   bool ToggleCurrentRow();
+  bool SelectNext(int direction);
+  bool EnterSelected();
+  bool TypeAhead(std::string_view text);
   bool DeleteSelected();
+  Ref<qbEntity> SelectedEntity() const { return std::dynamic_pointer_cast<qbEntity>(selected_); }
+  Ref<qbRelationship> SelectedJoin() const { return std::dynamic_pointer_cast<qbRelationship>(selected_); }
+
+  void ShowContextMenu(const Ref<Object>& object, PixelPoint at);
+  Menu MenuForSurface();
+  Menu MenuForBox(const Ref<qbEntity>& entity);
+  Menu MenuForJoin(const Ref<qbRelationship>& join);
+  void CheckAll(const Ref<qbEntity>& entity, bool checked, bool onlyKeys);
 
   WeakRef<QueryContext> context_;
   Ref<qbEntities> entities_;
@@ -203,8 +322,19 @@ class qbDiagramPane final : public Control, private DiagramView {
   bool focused_ = false;
   ScrollState horizontal_;
   ScrollState vertical_;
+  double zoom_ = 1;
+  bool spaceHeld_ = false;  // Space pans while it is held, and ticks when it is let go
+  bool spaceWasUsed_ = false;
+  int resizeStep_ = 0;  // grows while the key is held
+  std::string typedAhead_;
+  std::chrono::steady_clock::time_point typedAheadAt_;
+  // Rows with a join, and those of the selected join; made anew when the joins have changed.
+  mutable std::unordered_set<const BoxRow*> joinedRows_;
+  mutable std::unordered_set<const BoxRow*> markedRows_;
+  mutable bool rowMarksStale_ = true;
 
   bool entityMinimizeButton_ = true;
+  OLEDropModeEnum oleDropMode_ = OLEDropNone;
   Color entityBackColor_ = Color::System(5);
   Color entityForeColor_ = Color::System(8);
   Color entityFrameColor_ = Color::System(15);

@@ -1,31 +1,99 @@
-// The pane's picture: surface, lines, boxes.
+// The pane's picture: surface, lines, boxes, the line of a join that is being drawn.
+#include <array>
+
 #include "diagram/diagram_pane.h"
 
 namespace zrqrybld {
+namespace {
+
+constexpr Pixels kLineReach = 16_px;  // how far a line's ends and bends reach beyond its points
+
+PixelRect AreaOf(const std::vector<PixelPoint>& points) {
+  PixelRect area{points.front().x, points.front().y, 1_px, 1_px};
+  for (const PixelPoint& point : points) area = area.Union({point.x, point.y, 1_px, 1_px});
+  return area.Inset(-kLineReach);
+}
+
+}  // namespace
 
 void qbDiagramPane::Paint(Canvas& canvas, const PixelRect& dirty) const {
   const PixelSize view = GetSurface().ViewSize();
-  const Ink surface = backColor_ == Color::System(12) ? Ink(ColorRole::Surface) : Ink(backColor_);
-  canvas.FillRect({{}, {}, view.width, view.height}, surface);
+  canvas.FillRect({{}, {}, view.width, view.height},
+                  backColor_ == Color::System(12) ? Ink(ColorRole::Surface) : Ink(backColor_));
   if (stacking_.empty()) {
-    canvas.DrawText({{}, {}, view.width, view.height}, "Add tables to begin: Query \xE2\x96\xB8 Add Tables",
+    canvas.DrawText({{}, {}, view.width, view.height}, "Add tables to begin: press F7",
                     {ColorRole::SurfaceText, {}, TextAlignment::Center});
     return;
   }
+  const PixelPoint corner = ToSurface({dirty.left, dirty.top});
+  const ViewScope scope(canvas, Origin(), zoom_);
+  PaintDiagram(canvas, {corner.x, corner.y, dirty.width / zoom_, dirty.height / zoom_}, true);
+  PaintRubberLine(canvas);
+}
+
+// Everything that touches `visible`, a part of the surface; with what is selected and pointed at, or without.
+void qbDiagramPane::PaintDiagram(Canvas& canvas, const PixelRect& visible, bool withState) const {
   const ScreenScale scale = GetSurface().Scale();
-  const PixelPoint offset = PixelPoint{} - ScrollOffset();
-  // Lines run under the boxes, the selected one on top of the others.
-  const auto paintLine = [&](const Ref<qbLine>& line) { line->Paint(canvas, scale, offset, line == hover_.line); };
+  UpdateRowMarks();
+  const auto paintLine = [&](const Ref<qbLine>& line) {
+    const std::vector<PixelPoint>& points = line->Points(scale);
+    if (points.empty() || !AreaOf(points).Overlaps(visible)) return;
+    line->Paint(canvas, scale, withState && line->Selected(), withState && line == hover_.line);
+  };
+  // Lines run under the boxes, the selected one on top of everything.
   for (const Ref<qbLine>& line : lines_) {
-    if (!line->Selected()) paintLine(line);
+    if (!withState || !line->Selected()) paintLine(line);
   }
+  const auto* drag = std::get_if<DraggingRow>(&gesture_);
   for (const Ref<qbEntityList>& box : stacking_) {
-    const PixelRect place = PlaceOf(*box);
-    if (!place.Overlaps(dirty)) continue;
-    box->Paint(canvas, place, selected_ && box->Entity() == selected_, box == hover_.box ? hover_.part : BoxHit{});
+    const PixelRect place = scale.ToPixels(box->Bounds());
+    if (!place.Overlaps(visible)) continue;
+    BoxLook look;
+    look.joined = &joinedRows_;
+    if (withState) {
+      look.active = selected_ && box->Entity() == selected_;
+      look.focused = focused_;
+      if (box == hover_.box) look.hover = hover_.part;
+      if (drag && drag->dragging && drag->target == box) look.dropRow = drag->targetRow;
+      look.marked = &markedRows_;
+    }
+    box->Paint(canvas, place, look);
   }
   for (const Ref<qbLine>& line : lines_) {
-    if (line->Selected()) paintLine(line);
+    if (withState && line->Selected()) paintLine(line);
+  }
+}
+
+// From the edge of the row that is dragged to the pointer, or to the row where the join would end.
+void qbDiagramPane::PaintRubberLine(Canvas& canvas) const {
+  const auto* drag = std::get_if<DraggingRow>(&gesture_);
+  if (!drag || !drag->dragging) return;
+  const ScreenScale scale = GetSurface().Scale();
+  const PixelRect box = scale.ToPixels(drag->box->Bounds());
+  const PixelPoint pointer = ToSurface(drag->pointer);
+  const bool toRight = pointer.x >= box.CenterX();
+  const std::array<PixelPoint, 2> line{PixelPoint{toRight ? box.Right() : box.left, drag->box->LineY(drag->row)},
+                                       pointer};
+  canvas.DrawPolyline(line, drag->target ? ColorRole::JoinSelected : ColorRole::Join, 2_px);
+  canvas.FillRect({pointer.x - 3_px, pointer.y - 3_px, 6_px, 6_px},
+                  drag->target ? ColorRole::JoinSelected : ColorRole::Join, 3_px);
+}
+
+void qbDiagramPane::UpdateRowMarks() const {
+  if (!rowMarksStale_) return;
+  rowMarksStale_ = false;
+  joinedRows_.clear();
+  markedRows_.clear();
+  for (const Ref<qbLine>& line : lines_) {
+    const Ref<qbRelationship> join = line->Relationship();
+    if (!join) continue;
+    for (const auto& [entity, item] :
+         {std::pair{join->Source(), join->SourceItem()}, {join->Target(), join->TargetItem()}}) {
+      if (!entity || !item || !entity->EntityBox()) continue;
+      const BoxRow* row = entity->EntityBox()->Rows().At(static_cast<std::size_t>(item->Index())).get();
+      joinedRows_.insert(row);
+      if (line->Selected()) markedRows_.insert(row);
+    }
   }
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/text.h"
 #include "diagram/icons.h"
 
 namespace zrqrybld {
@@ -20,15 +21,19 @@ constexpr Pixels kIconGap = 6_px;
 constexpr Pixels kCheckBox = 15_px;
 constexpr Pixels kScrollMark = 4_px;
 
-// A row's text begins here, from the box's left edge.
-constexpr Pixels kTextLeft = kPadding + kCheckBox + kIconGap;
+// The edges where a box is resized reach this far to both sides of its frame.
+constexpr Pixels kEdgeOutside = 3_px;
+constexpr Pixels kEdgeInside = 3_px;
 
 }  // namespace
 
 qbEntityList::qbEntityList(const BoxMetrics& metrics) : metrics_(metrics) {
   bounds_.width = metrics.scale.TwipsX(kDefaultWidth);
   bounds_.height = metrics.scale.TwipsY(kDefaultHeight);
-  rows_.onChanged = [this] { Changed.Raise(); };
+  rows_.onChanged = [this] {
+    hasKinds_ = hasKinds_ || (rows_.Count() > 0 && rows_.At(rows_.Count())->Kind() != TypeKind::None);
+    Changed.Raise();
+  };
   rows_.onRemoved = [this] {
     ScrollTo(firstRow_);  // a list that became shorter must not stay scrolled past its end
     Move.Raise();
@@ -69,11 +74,18 @@ void qbEntityList::SetShowMinimizeButton(bool show) {
 void qbEntityList::SetBounds(const TwipsRect& bounds) {
   const TwipsRect before = bounds_;
   bounds_ = bounds;
-  bounds_.height = std::max(bounds.height, metrics_.scale.TwipsY(metrics_.captionHeight + kFrame * 2));
+  const Twips caption = metrics_.scale.TwipsY(metrics_.captionHeight + kFrame * 2);
+  if (minimized_ && bounds.height > caption && bounds.height != before.height) minimized_ = false;  // made higher
+  bounds_.height = minimized_ ? caption : std::max(bounds.height, caption);
   bounds_.width = std::max(bounds.width, metrics_.scale.TwipsX(metrics_.captionHeight * 2));
   if (bounds_ == before) return;
   ScrollTo(firstRow_);
   Move.Raise();
+}
+
+void qbEntityList::SetIsView(bool isView) {
+  isView_ = isView;
+  Changed.Raise();
 }
 
 void qbEntityList::SetMetrics(const BoxMetrics& metrics) {
@@ -92,13 +104,44 @@ std::size_t qbEntityList::VisibleRowCount() const {
   return static_cast<std::size_t>(std::max(0.0, std::floor(room / metrics_.rowHeight)));
 }
 
-void qbEntityList::ScrollTo(std::size_t row) {
+std::size_t qbEntityList::LastFirstRow() const {
   const std::size_t visible = VisibleRowCount();
-  const std::size_t last = rows_.Count() > visible ? rows_.Count() - visible + 1 : 1;
-  const std::size_t first = std::clamp<std::size_t>(row, 1, last);
+  return rows_.Count() > visible ? rows_.Count() - visible + 1 : 1;
+}
+
+void qbEntityList::ScrollTo(std::size_t row) {
+  const std::size_t first = std::clamp<std::size_t>(row, 1, LastFirstRow());
   if (first == firstRow_) return;
   firstRow_ = first;
   Move.Raise();
+}
+
+std::size_t qbEntityList::FirstRowAt(Twips y) const {
+  const Pixels track = metrics_.rowHeight * static_cast<double>(VisibleRowCount());
+  if (track <= 0_px) return 1;
+  const Pixels down = metrics_.scale.PixelsY(y - bounds_.top) - kFrame - metrics_.captionHeight;
+  const double row = std::round(down / track * static_cast<double>(rows_.Count()));
+  return static_cast<std::size_t>(std::clamp(row, 0.0, static_cast<double>(rows_.Count()))) + 1;
+}
+
+std::size_t qbEntityList::FindRow(std::string_view text, std::size_t after) const {
+  const std::size_t count = rows_.Count();
+  const std::string wanted = FoldCase(text);
+  for (std::size_t step = 1; step <= count; ++step) {
+    const std::size_t row = (after + step - 1) % count + 1;
+    if (FoldCase(rows_.At(row)->Text()).starts_with(wanted)) return row;
+  }
+  return 0;
+}
+
+void qbEntityList::SetMinimized(bool minimized) {
+  if (minimized == minimized_) return;
+  TwipsRect bounds = bounds_;
+  if (minimized) restoredHeight_ = bounds.height;
+  bounds.height = minimized ? Twips() : restoredHeight_;
+  minimized_ = minimized;
+  SetBounds(bounds);
+  Changed.Raise();
 }
 
 PixelRect qbEntityList::RowRect(const PixelRect& place, std::size_t row) const {
@@ -119,12 +162,28 @@ bool qbEntityList::IsRowVisible(std::size_t row) const {
   return row >= firstRow_ && row < firstRow_ + VisibleRowCount() && row <= rows_.Count();
 }
 
+Pixels qbEntityList::LineY(std::size_t row) const {
+  const PixelRect place = metrics_.scale.ToPixels(bounds_);
+  if (!IsRowVisible(row)) return place.top + kFrame + metrics_.captionHeight / 2;
+  return RowRect(place, row).CenterY();
+}
+
 BoxHit qbEntityList::HitTest(TwipsPoint point) const {
-  if (!bounds_.Contains(point)) return {};
   const PixelPoint at = metrics_.scale.ToPixels(point);
   const PixelRect place = metrics_.scale.ToPixels(bounds_);
+  if (!place.Inset(-kEdgeOutside).Contains(at)) return {};
+  std::uint8_t edges = 0;
+  if (at.x < place.left + kEdgeInside) edges |= EdgeLeft;
+  if (at.x >= place.Right() - kEdgeInside) edges |= EdgeRight;
+  if (!minimized_ && at.y < place.top + kEdgeInside) edges |= EdgeTop;
+  if (!minimized_ && at.y >= place.Bottom() - kEdgeInside) edges |= EdgeBottom;
+  if (ScrollMarkRect(place).Inset(-3_px, 0_px).Contains(at) && (edges & (EdgeTop | EdgeBottom)) == 0 &&
+      at.x < place.Right() - 1_px) {
+    return {BoxPart::ScrollBar};
+  }
+  if (edges != 0) return {BoxPart::Edge, 0, edges};
   const Pixels down = at.y - place.top - kFrame - metrics_.captionHeight;
-  if (down < 0_px) return {BoxPart::Caption};
+  if (down < 0_px) return {MinimizeRect(place).Contains(at) ? BoxPart::MinimizeButton : BoxPart::Caption};
   const auto row = firstRow_ + static_cast<std::size_t>(down / metrics_.rowHeight);
   if (!IsRowVisible(row)) return {BoxPart::Nothing};
   const PixelRect check = CheckBoxRect(RowRect(place, row)).Inset(-4_px, -4_px);
@@ -134,16 +193,19 @@ BoxHit qbEntityList::HitTest(TwipsPoint point) const {
 TwipsSize qbEntityList::FittingSize(const TextMetrics& text, std::size_t maximumRows) const {
   Font bold = metrics_.captionFont;
   bold.bold = true;
-  Pixels width = text.TextWidth(caption_, bold) + kPadding * 2 + kIcon + kIconGap;
+  const Pixels button = showMinimizeButton_ ? kIcon + kIconGap : 0_px;
+  Pixels width = text.TextWidth(caption_, bold) + kPadding * 2 + kIcon + kIconGap + button;
+  const Pixels textLeft = kPadding + kCheckBox + kIconGap + (hasKinds_ ? kIcon + kIconGap : 0_px);
+  const Pixels joinMark = kIcon + kIconGap;
   for (std::size_t i = 1; i <= rows_.Count(); ++i) {
     const Ref<BoxRow> row = rows_.At(i);
     Font font = metrics_.font;
     font.bold = row->Bold();
     const Pixels key = row->Bold() ? kIcon + kIconGap : 0_px;
-    width = std::max(width, kTextLeft + text.TextWidth(row->Text(), font) + key + kPadding);
+    width = std::max(width, textLeft + text.TextWidth(row->Text(), font) + key + joinMark + kPadding);
   }
   width = std::clamp(width + kFrame * 2 + kScrollMark, kNarrowest, kWidest);
-  const auto rows = static_cast<double>(std::min(rows_.Count(), maximumRows));
+  const auto rows = static_cast<double>(std::clamp<std::size_t>(rows_.Count(), 1, maximumRows));
   const Pixels height = metrics_.captionHeight + metrics_.rowHeight * rows + kFrame * 2 + 2_px;
   return {metrics_.scale.TwipsX(Pixels(std::ceil(width.Value()))),
           metrics_.scale.TwipsY(Pixels(std::ceil(height.Value())))};
@@ -163,72 +225,98 @@ void qbEntityList::Notify(std::string_view message, const Variant& argument) {
 
 // --- Painting ---
 
-void qbEntityList::Paint(Canvas& canvas, const PixelRect& place, bool active, const BoxHit& hover) const {
+void qbEntityList::Paint(Canvas& canvas, const PixelRect& place, const BoxLook& look) const {
   canvas.FillRect(place, backColor_, kRadius);
-  PaintCaption(canvas, place, active);
-  {
+  PaintCaption(canvas, place, look);
+  if (!minimized_) {
     const PixelRect list{place.left + kFrame, place.top + kFrame + metrics_.captionHeight, place.width - kFrame * 2,
                          place.height - metrics_.captionHeight - kFrame * 2};
     const ClipScope clip(canvas, list);
-    const std::size_t end = std::min(rows_.Count(), firstRow_ + VisibleRowCount() - 1);
-    for (std::size_t i = firstRow_; i <= end; ++i) {
-      PaintRow(canvas, RowRect(place, i), *rows_.At(i), active && i == selectedRow_, i == hover.row);
-    }
+    const std::size_t end = std::min(rows_.Count() + 1, firstRow_ + VisibleRowCount());
+    for (std::size_t i = firstRow_; i < end; ++i) PaintRow(canvas, RowRect(place, i), *rows_.At(i), look);
   }
-  PaintScrollMark(canvas, place);
-  canvas.StrokeRect(place, active ? Ink(ColorRole::CaptionActive) : Ink(ColorRole::BoxFrame), kFrame, kRadius);
+  canvas.FillRect(ScrollMarkRect(place), ColorRole::BoxFrame, kScrollMark / 2);
+  const bool strong = look.active && look.focused;
+  const Ink frame = strong                               ? Ink(ColorRole::Focus)
+                    : look.active                        ? Ink(ColorRole::JoinSelected)
+                    : colors_.frame == Color::System(15) ? Ink(ColorRole::BoxFrame)
+                                                         : Ink(colors_.frame);
+  canvas.StrokeRect(place, frame, strong ? 2_px : kFrame, kRadius);
 }
 
-void qbEntityList::PaintCaption(Canvas& canvas, const PixelRect& place, bool active) const {
+PixelRect qbEntityList::MinimizeRect(const PixelRect& place) const {
+  if (!showMinimizeButton_) return {};
+  return {place.Right() - kPadding - kIcon - 2_px, place.top + kFrame, kIcon + 8_px, metrics_.captionHeight};
+}
+
+// Which part of a long list is visible: a thin mark at the right edge, nothing when all of it is.
+PixelRect qbEntityList::ScrollMarkRect(const PixelRect& place) const {
+  const std::size_t visible = VisibleRowCount();
+  const auto count = static_cast<double>(rows_.Count());
+  if (minimized_ || visible == 0 || rows_.Count() <= visible) return {};
+  const Pixels track = metrics_.rowHeight * static_cast<double>(visible);
+  const Pixels top = place.top + kFrame + metrics_.captionHeight + track * (static_cast<double>(firstRow_ - 1) / count);
+  return {place.Right() - kFrame - kScrollMark - 2_px, top, kScrollMark,
+          track * (static_cast<double>(visible) / count)};
+}
+
+void qbEntityList::PaintCaption(Canvas& canvas, const PixelRect& place, const BoxLook& look) const {
   const PixelRect bar{place.left, place.top, place.width, metrics_.captionHeight + kFrame};
-  const Ink ink = active ? ColorRole::CaptionActiveText : ColorRole::CaptionInactiveText;
-  const Ink fill = active ? ColorRole::CaptionActive : ColorRole::CaptionInactive;
-  // Rounded above, straight below: the lower half covers the lower corners.
+  const Ink ink = look.active ? ColorRole::CaptionActiveText : ColorRole::CaptionInactiveText;
+  const Ink fill = look.active ? ColorRole::CaptionActive : ColorRole::CaptionInactive;
   canvas.FillRect(bar, fill, kRadius);
-  canvas.FillRect({bar.left, bar.CenterY(), bar.width, bar.height / 2}, fill);
+  // Rounded above, straight below: the lower half covers the lower corners.
+  if (!minimized_) canvas.FillRect({bar.left, bar.CenterY(), bar.width, bar.height / 2}, fill);
   const PixelRect icon{bar.left + kPadding, bar.CenterY() - kIcon / 2, kIcon, kIcon};
   if (captionIcon_) {
     canvas.DrawImage(icon, *captionIcon_);
   } else {
-    DrawIcon(canvas, Icon::Table, icon, ink);
+    DrawIcon(canvas, isView_ ? Icon::View : Icon::Table, icon, ink);
+  }
+  const PixelRect button = MinimizeRect(place);
+  if (!button.Empty()) {
+    const PixelRect sign{button.CenterX() - kIcon / 2, bar.CenterY() - kIcon / 2, kIcon, kIcon};
+    if (look.hover.part == BoxPart::MinimizeButton) canvas.FillRect(sign.Inset(-2_px), ColorRole::RowHover, 3_px);
+    DrawIcon(canvas, minimized_ ? Icon::Restore : Icon::Minimize, sign, ink);
   }
   Font font = metrics_.captionFont;
   font.bold = true;
   const Pixels left = icon.Right() + kIconGap;
-  canvas.DrawText({left, bar.top, bar.Right() - kPadding - left, bar.height}, caption_, {ink, font});
+  const Pixels right = button.Empty() ? bar.Right() - kPadding : button.left;
+  canvas.DrawText({left, bar.top, right - left, bar.height}, caption_, {ink, font});
 }
 
-void qbEntityList::PaintRow(Canvas& canvas, const PixelRect& rect, const BoxRow& row, bool selected, bool hover) const {
-  if (selected) {
+void qbEntityList::PaintRow(Canvas& canvas, const PixelRect& rect, const BoxRow& row, const BoxLook& look) const {
+  const bool selected = look.active && row.Index() == selectedRow_;
+  const bool hover = row.Index() == look.hover.row;
+  const bool marked = look.marked && look.marked->contains(&row);
+  if (selected || marked || row.Index() == look.dropRow) {
     canvas.FillRect(rect, ColorRole::RowSelected);
   } else if (hover) {
     canvas.FillRect(rect, ColorRole::RowHover);
   }
+  if (row.Index() == look.dropRow) canvas.StrokeRect(rect, ColorRole::JoinSelected, 2_px);
   const Color custom = row.ForeColor() == Color::System(8) ? colors_.text : row.ForeColor();
   const Ink ink = selected ? Ink(ColorRole::RowSelectedText) : Ink(custom);
   canvas.DrawPart(ThemedPart::CheckBox, CheckBoxRect(rect), {.checked = row.Checked(), .hover = hover});
-  Font font = metrics_.font;
-  font.bold = row.Bold();
-  Pixels right = rect.Right() - kPadding;
+  Pixels left = rect.left + kPadding + kCheckBox + kIconGap;
+  if (hasKinds_) {
+    DrawTypeIcon(canvas, row.Kind(), {left, rect.CenterY() - kIcon / 2, kIcon, kIcon}, ColorRole::QuietText);
+    left += kIcon + kIconGap;
+  }
+  Pixels right = rect.Right() - kPadding - kScrollMark;
   if (row.Bold()) {
-    DrawIcon(canvas, Icon::Key, {right - kIcon, rect.CenterY() - kIcon / 2, kIcon, kIcon},
-             selected ? ink : Ink(ColorRole::KeyIcon));
+    DrawIcon(canvas, Icon::Key, {right - kIcon, rect.CenterY() - kIcon / 2, kIcon, kIcon}, ColorRole::KeyIcon);
     right -= kIcon + kIconGap;
   }
-  const Pixels left = rect.left + kTextLeft;
+  if (look.joined && look.joined->contains(&row)) {
+    DrawIcon(canvas, Icon::Joined, {right - kIcon, rect.CenterY() - kIcon / 2, kIcon, kIcon},
+             marked ? ColorRole::JoinSelected : ColorRole::Join);
+    right -= kIcon + kIconGap;
+  }
+  Font font = metrics_.font;
+  font.bold = row.Bold();
   canvas.DrawText({left, rect.top, right - left, rect.height}, row.Text(), {ink, font});
-}
-
-// A thin mark at the right edge shows which part of a long list is visible.
-void qbEntityList::PaintScrollMark(Canvas& canvas, const PixelRect& place) const {
-  const std::size_t visible = VisibleRowCount();
-  const auto count = static_cast<double>(rows_.Count());
-  if (visible == 0 || rows_.Count() <= visible) return;
-  const Pixels track = metrics_.rowHeight * static_cast<double>(visible);
-  const Pixels top = place.top + kFrame + metrics_.captionHeight + track * (static_cast<double>(firstRow_ - 1) / count);
-  canvas.FillRect(
-      {place.Right() - kFrame - kScrollMark, top, kScrollMark - 1_px, track * (static_cast<double>(visible) / count)},
-      ColorRole::BoxFrame, kScrollMark / 2);
 }
 
 }  // namespace zrqrybld

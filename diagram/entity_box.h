@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 
 #include "base/event.h"
 #include "base/object.h"
@@ -33,11 +34,26 @@ struct BoxColors {
 };
 
 /// What is under a point of a box.
-enum class BoxPart : std::uint8_t { Nothing, Caption, MinimizeButton, CheckBox, Row, ScrollBar };
+enum class BoxPart : std::uint8_t { Nothing, Caption, MinimizeButton, CheckBox, Row, ScrollBar, Edge };
+
+/// The edges of a box, as bits; a corner is two of them.
+enum BoxEdge : std::uint8_t { EdgeLeft = 1, EdgeTop = 2, EdgeRight = 4, EdgeBottom = 8 };
 
 struct BoxHit {
   BoxPart part = BoxPart::Nothing;
-  std::size_t row = 0;  ///< from 1; 0 when no row is hit
+  std::size_t row = 0;     ///< from 1; 0 when no row is hit
+  std::uint8_t edges = 0;  ///< `BoxEdge` bits
+  friend bool operator==(const BoxHit&, const BoxHit&) = default;
+};
+
+/// How the pane wants a box drawn besides what the box knows itself.
+struct BoxLook {
+  bool active = false;                                   ///< the selected object
+  bool focused = false;                                  ///< and the pane has the keyboard
+  BoxHit hover = {};                                     ///< what the pointer is over
+  std::size_t dropRow = 0;                               ///< a row where a join may end now, from 1
+  const std::unordered_set<const BoxRow*>* joined = {};  ///< rows that take part in a join
+  const std::unordered_set<const BoxRow*>* marked = {};  ///< rows of the selected join
 };
 
 /// Every change that can be seen raises `Changed`, or `Move` when lines must be routed anew.
@@ -85,6 +101,23 @@ class qbEntityList final : public Object {
   /// Scrolls so that `row` becomes the first visible one, as far as the list is long.
   void ScrollTo(std::size_t row);
 
+  /// How far the list can be scrolled: the largest first visible row, from 1.
+  std::size_t LastFirstRow() const;
+  /// The first visible row at which the scroll mark's top would stand at this height on the surface.
+  std::size_t FirstRowAt(Twips y) const;
+  /// The row that begins with `text` in any letter case, looked for behind `after` and then from the top; 0 for none.
+  std::size_t FindRow(std::string_view text, std::size_t after) const;
+
+  /// Whether the box shows a view: another icon in its caption bar.
+  bool IsView() const { return isView_; }
+  void SetIsView(bool isView);
+
+  // --- Minimising ---
+
+  bool Minimized() const { return minimized_; }
+  /// A minimised box shows its caption bar only; its height comes back when it is restored.
+  void SetMinimized(bool minimized);
+
   // --- Geometry, in twips on the pane's surface ---
 
   /// The place of a row; rows that are scrolled away lie outside the box.
@@ -100,8 +133,11 @@ class qbEntityList final : public Object {
   void SetMetrics(const BoxMetrics& metrics);
   void SetColors(const BoxColors& colors) { colors_ = colors; }
 
-  /// Draws the box with its top left corner at `origin`.
-  void Paint(Canvas& canvas, const PixelRect& place, bool active, const BoxHit& hover) const;
+  /// Where a line that belongs to the row ends: the row's middle, or the caption's when it is not visible.
+  Pixels LineY(std::size_t row) const;
+
+  /// Draws the box into `place`.
+  void Paint(Canvas& canvas, const PixelRect& place, const BoxLook& look) const;
 
   // --- Messages ---
 
@@ -127,9 +163,10 @@ class qbEntityList final : public Object {
  private:
   PixelRect RowRect(const PixelRect& place, std::size_t row) const;
   PixelRect CheckBoxRect(const PixelRect& row) const;
-  void PaintCaption(Canvas& canvas, const PixelRect& place, bool active) const;
-  void PaintRow(Canvas& canvas, const PixelRect& rect, const BoxRow& row, bool selected, bool hover) const;
-  void PaintScrollMark(Canvas& canvas, const PixelRect& place) const;
+  PixelRect MinimizeRect(const PixelRect& place) const;
+  PixelRect ScrollMarkRect(const PixelRect& place) const;
+  void PaintCaption(Canvas& canvas, const PixelRect& place, const BoxLook& look) const;
+  void PaintRow(Canvas& canvas, const PixelRect& rect, const BoxRow& row, const BoxLook& look) const;
 
   BoxMetrics metrics_;
   BoxColors colors_;
@@ -140,6 +177,10 @@ class qbEntityList final : public Object {
   Color backColor_ = Color::System(5);
   bool showMinimizeButton_ = true;
   TwipsRect bounds_;
+  bool isView_ = false;
+  bool hasKinds_ = false;  // some row has shown what it holds: all rows keep room for the icon
+  bool minimized_ = false;
+  Twips restoredHeight_;  // while minimised
   BoxRows rows_;
   std::size_t selectedRow_ = 0;
   std::size_t firstRow_ = 1;

@@ -56,12 +56,61 @@ void DrawIcon(Canvas& canvas, Icon icon, const PixelRect& rect, const Ink& ink) 
       pen.Line(5, 9, 11, 9);
       pen.Line(5, 11, 9, 11);
       break;
+    case Icon::Joined:
+      pen.Line(2, 8, 14, 8);
+      pen.Fill(1, 5.5, 5, 5);
+      pen.Fill(10, 5.5, 5, 5);
+      break;
+    case Icon::Minimize:
+      pen.Line(4, 10, 8, 6);
+      pen.Line(8, 6, 12, 10);
+      break;
+    case Icon::Restore:
+      pen.Line(4, 6, 8, 10);
+      pen.Line(8, 10, 12, 6);
+      break;
     case Icon::Key:
       pen.Frame(0.5, 4, 8, 8, 4);
       pen.Line(8, 8, 15.5, 8);
       pen.Line(12, 8, 12, 11.5);
       pen.Line(15, 8, 15, 12);
       break;
+  }
+}
+
+void DrawTypeIcon(Canvas& canvas, TypeKind kind, const PixelRect& rect, const Ink& ink) {
+  const IconPen pen(canvas, rect, ink);
+  switch (kind) {
+    case TypeKind::None:
+      return;
+    case TypeKind::Number:  // a number sign
+      pen.Line(6.5, 3, 4.5, 13);
+      pen.Line(11.5, 3, 9.5, 13);
+      pen.Line(3, 6.3, 13.5, 6.3);
+      pen.Line(2.5, 9.8, 13, 9.8);
+      return;
+    case TypeKind::Text:  // a capital A
+      pen.Line(3.5, 13, 8, 3);
+      pen.Line(8, 3, 12.5, 13);
+      pen.Line(5.2, 9.5, 10.8, 9.5);
+      return;
+    case TypeKind::Date:  // a calendar sheet
+      pen.Frame(2.5, 3.5, 11, 10, 1.5);
+      pen.Line(3, 7, 13, 7);
+      pen.Line(5.5, 2, 5.5, 5);
+      pen.Line(10.5, 2, 10.5, 5);
+      return;
+    case TypeKind::YesNo:  // a tick
+      pen.Line(3, 8.5, 6.5, 12);
+      pen.Line(6.5, 12, 13, 4.5);
+      return;
+    case TypeKind::Binary:  // two blocks
+      pen.Frame(2.5, 4, 5, 8, 1);
+      pen.Frame(8.5, 4, 5, 8, 1);
+      return;
+    case TypeKind::Other:
+      pen.Frame(4, 4, 8, 8, 4);
+      return;
   }
 }
 

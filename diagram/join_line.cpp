@@ -10,6 +10,7 @@ namespace zrqrybld {
 namespace {
 
 constexpr Pixels kStub = 14_px;
+constexpr Pixels kLaneWidth = 6_px;
 constexpr Pixels kHitDistance = 6_px;
 constexpr Pixels kBend = 5_px;
 constexpr Pixels kEndMark = 4_px;
@@ -35,15 +36,6 @@ void DrawTie(Canvas& canvas, PixelPoint end, bool boxIsRight, bool atRow, const 
 
 }  // namespace
 
-// A line ends at its row; at the caption when the row is scrolled away.
-qbLine::End qbLine::EndAt(const qbEntityList& box, std::size_t row, const ScreenScale& scale) {
-  const PixelRect place = scale.ToPixels(box.Bounds());
-  const bool visible = box.IsRowVisible(row);
-  const PixelRect target =
-      visible ? scale.ToPixels(box.ItemBounds(row)) : PixelRect{place.left, place.top, place.width, 26_px};
-  return {place, target.CenterY(), visible};
-}
-
 const std::vector<PixelPoint>& qbLine::Points(const ScreenScale& scale) const {
   if (!points_.empty()) return points_;
   const Ref<qbRelationship> join = Relationship();
@@ -53,11 +45,12 @@ const std::vector<PixelPoint>& qbLine::Points(const ScreenScale& scale) const {
   const Ref<qbEntityItem> sourceItem = join->SourceItem();
   const Ref<qbEntityItem> targetItem = join->TargetItem();
   if (!sourceItem || !targetItem) return points_;
-  const End from = EndAt(*source, static_cast<std::size_t>(sourceItem->Index()), scale);
-  const End to = EndAt(*target, static_cast<std::size_t>(targetItem->Index()), scale);
-  sourceAtRow_ = from.atRow;
-  targetAtRow_ = to.atRow;
-  points_ = RouteLine({from.box, from.y}, {to.box, to.y}, kStub);
+  const auto sourceRow = static_cast<std::size_t>(sourceItem->Index());
+  const auto targetRow = static_cast<std::size_t>(targetItem->Index());
+  sourceAtRow_ = source->IsRowVisible(sourceRow);
+  targetAtRow_ = target->IsRowVisible(targetRow);
+  points_ = RouteLine({scale.ToPixels(source->Bounds()), source->LineY(sourceRow)},
+                      {scale.ToPixels(target->Bounds()), target->LineY(targetRow)}, {kStub, kLaneWidth * lane_});
   return points_;
 }
 
@@ -65,12 +58,11 @@ bool qbLine::HitTest(PixelPoint point, const ScreenScale& scale) const {
   return DistanceToLine(point, Points(scale)) <= kHitDistance;
 }
 
-void qbLine::Paint(Canvas& canvas, const ScreenScale& scale, PixelPoint offset, bool hover) const {
-  std::vector<PixelPoint> points = Points(scale);
+void qbLine::Paint(Canvas& canvas, const ScreenScale& scale, bool selected, bool hover) const {
+  const std::vector<PixelPoint>& points = Points(scale);
   if (points.empty()) return;
-  for (PixelPoint& point : points) point = point + offset;
-  const Ink ink = selected_ ? ColorRole::JoinSelected : hover ? ColorRole::JoinHover : ColorRole::Join;
-  canvas.DrawPolyline(points, ink, selected_ ? 2.5_px : 1.5_px, kBend);
+  const Ink ink = selected ? ColorRole::JoinSelected : hover ? ColorRole::JoinHover : ColorRole::Join;
+  canvas.DrawPolyline(points, ink, selected ? 2.5_px : hover ? 2_px : 1.5_px, kBend);
   const Ref<qbRelationship> join = Relationship();
   const std::int32_t kind = join ? join->Kind() : 0;
   const PixelPoint first = points.front();

@@ -15,8 +15,10 @@ namespace zrqrybld {
 
 class qbLine final : public Object {
  public:
-  qbLine(const Ref<qbRelationship>& relationship, const Ref<qbEntityList>& source, const Ref<qbEntityList>& target)
-      : relationship_(relationship), source_(source), target_(target) {}
+  /// `lane` tells lines between the same two boxes apart: 0 for the first.
+  qbLine(const Ref<qbRelationship>& relationship, const Ref<qbEntityList>& source, const Ref<qbEntityList>& target,
+         int lane)
+      : relationship_(relationship), source_(source), target_(target), lane_(lane) {}
   std::string_view TypeName() const override { return "qbLine"; }
 
   /// The join that the line draws; nothing once it was removed.
@@ -26,6 +28,7 @@ class qbLine final : public Object {
   bool EndsAt(const qbEntityList& box) const { return source_.lock().get() == &box || target_.lock().get() == &box; }
 
   /// Whether the line is drawn as the selected object; only the look, the pane knows what is selected.
+  int Lane() const { return lane_; }
   bool Selected() const { return selected_; }
   void SetSelected(bool selected) { selected_ = selected; }
 
@@ -38,20 +41,14 @@ class qbLine final : public Object {
   /// Whether the point lies within 6 pixels of the line.
   bool HitTest(PixelPoint point, const ScreenScale& scale) const;
 
-  /// Draws the line, moved by `offset`.
-  void Paint(Canvas& canvas, const ScreenScale& scale, PixelPoint offset, bool hover) const;
+  /// Draws the line.
+  void Paint(Canvas& canvas, const ScreenScale& scale, bool selected, bool hover) const;
 
  private:
-  struct End {
-    PixelRect box;
-    Pixels y;
-    bool atRow;
-  };
-  static End EndAt(const qbEntityList& box, std::size_t row, const ScreenScale& scale);
-
   WeakRef<qbRelationship> relationship_;
   WeakRef<qbEntityList> source_;
   WeakRef<qbEntityList> target_;
+  int lane_;
   bool selected_ = false;
   mutable std::vector<PixelPoint> points_;
   mutable bool sourceAtRow_ = true;

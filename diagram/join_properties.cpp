@@ -18,6 +18,14 @@ std::string DescribeJoin(const std::string& source, const std::string& target, s
   }
 }
 
+std::string DescribeEnds(const qbRelationship& relationship) {
+  const auto end = [](const Ref<qbEntity>& entity, const Ref<qbEntityItem>& item) {
+    return (entity ? entity->Caption() : std::string()) + (item ? "." + item->Text() : std::string());
+  };
+  return end(relationship.Source(), relationship.SourceItem()) + " = " +
+         end(relationship.Target(), relationship.TargetItem());
+}
+
 void SetJoinKind(qbRelationship& relationship, std::int32_t kind) {
   relationship.SetItemData(kind);
   relationship.SetRightIndicator((kind & JoinAllOfTarget) != 0 ? IndicatorImage : IndicatorNone);

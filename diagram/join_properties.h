@@ -11,6 +11,9 @@ namespace zrqrybld {
 /// What a join of this kind returns, in words: "All rows from Orders, and the matching rows from Customers."
 std::string DescribeJoin(const std::string& source, const std::string& target, std::int32_t kind);
 
+/// The two ends of a join, in words: "Order.CustomerID = Customers.CustomerID". Captions alone for columns not set.
+std::string DescribeEnds(const qbRelationship& relationship);
+
 /// Lets the user edit the join's kind. Returns whether it was accepted; the kind and the signs at the line's ends are
 /// set then.
 bool EditJoin(QueryContext& context, qbRelationship& relationship);

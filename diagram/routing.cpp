@@ -22,7 +22,7 @@ Pixels DistanceToSegment(PixelPoint p, PixelPoint a, PixelPoint b) {
 
 }  // namespace
 
-std::vector<PixelPoint> RouteLine(const LineEnd& from, const LineEnd& to, Pixels stub) {
+std::vector<PixelPoint> RouteLine(const LineEnd& from, const LineEnd& to, const LineSpace& space) {
   const auto path = [&](Pixels start, Pixels middle, Pixels end) {
     return std::vector<PixelPoint>{{start, from.y}, {middle, from.y}, {middle, to.y}, {end, to.y}};
   };
@@ -33,15 +33,17 @@ std::vector<PixelPoint> RouteLine(const LineEnd& from, const LineEnd& to, Pixels
     const Pixels gap = right.left - left.Right();
     return gap >= kLeastGap || (level && gap >= 0_px);
   };
-  if (standBeside(from.box, to.box)) {
-    return path(from.box.Right(), (from.box.Right() + to.box.left) / 2, to.box.left);
+  // Lanes stay inside the gap.
+  const auto across = [&](Pixels left, Pixels right) {
+    const Pixels room = std::max((right - left) / 2 - kLeastGap / 2, 0_px);
+    const double turns = room > 0_px ? std::fmod(space.lane / room, 2.0) : 0;
+    return (left + right) / 2 + room * (turns > 1 ? turns - 2 : turns);
+  };
   }
-  if (standBeside(to.box, from.box)) {
-    return path(from.box.left, (from.box.left + to.box.Right()) / 2, to.box.Right());
-  }
-  // Boxes above one another: both ends on the side that makes the shorter way.
-  const Pixels right = std::max(from.box.Right(), to.box.Right()) + stub;
-  const Pixels left = std::min(from.box.left, to.box.left) - stub;
+  // Boxes above one another, or one box: both ends on the side that makes the shorter way.
+  const Pixels away = space.stub + space.lane;
+  const Pixels right = std::max(from.box.Right(), to.box.Right()) + away;
+  const Pixels left = std::min(from.box.left, to.box.left) - away;
   const Pixels byRight = Distance(right, from.box.Right()) + Distance(right, to.box.Right());
   const Pixels byLeft = Distance(left, from.box.left) + Distance(left, to.box.left);
   if (byLeft < byRight && left >= 0_px) return path(from.box.left, left, to.box.left);

@@ -19,6 +19,43 @@ std::string QualifiedText(const std::string& schema, const std::string& name, co
   return schema + rules.schemaSeparator + name;
 }
 
+TypeKind KindOfType(std::int32_t code) {
+  switch (static_cast<DataTypeCode>(code)) {
+    case DataTypeCode::SmallInt:
+    case DataTypeCode::Integer:
+    case DataTypeCode::Single:
+    case DataTypeCode::Double:
+    case DataTypeCode::Currency:
+    case DataTypeCode::TinyInt:
+    case DataTypeCode::UnsignedTinyInt:
+    case DataTypeCode::BigInt:
+    case DataTypeCode::Numeric:
+      return TypeKind::Number;
+    case DataTypeCode::Char:
+    case DataTypeCode::WChar:
+    case DataTypeCode::VarChar:
+    case DataTypeCode::LongVarChar:
+    case DataTypeCode::VarWChar:
+    case DataTypeCode::LongVarWChar:
+      return TypeKind::Text;
+    case DataTypeCode::Date:
+    case DataTypeCode::FileTime:
+    case DataTypeCode::DbDate:
+    case DataTypeCode::DbTime:
+    case DataTypeCode::DbTimeStamp:
+      return TypeKind::Date;
+    case DataTypeCode::Boolean:
+      return TypeKind::YesNo;
+    case DataTypeCode::Binary:
+    case DataTypeCode::VarBinary:
+    case DataTypeCode::LongVarBinary:
+      return TypeKind::Binary;
+    case DataTypeCode::Guid:
+      return TypeKind::Other;
+  }
+  return TypeKind::Other;
+}
+
 // Two parts are schema and table; of more, the last two count and the one before is the catalog.
 SchemaRestrictions RestrictionsFor(const std::vector<Identifier>& parts) {
   SchemaRestrictions restrictions;
@@ -69,6 +106,8 @@ Ref<qbEntity> TablePicker::MakeEntity(const std::string& tableName) {
   entity->Items()->Add("*", "*");
   context_->RaiseInfo(InfoRetrieveTableInfo, Ref<Object>(entity));
   FillFromSource(*entity, tableName);
+  entity->EntityBox()->SetIsView(
+      EqualsNoCase(entity->Properties()->FindText(std::string(kSchemaFactPrefix) + "TABLE_TYPE").value_or(""), "VIEW"));
   entities->Fit(*entity);
   return entity;
 }
@@ -131,6 +170,9 @@ void TablePicker::AddColumns(qbEntity& entity, const SchemaRestrictions& table) 
     const Ref<qbEntityItem> item = entity.Items()->Add(column->second.name, column->second.name);
     item->Properties()->Add(column->second.type, "data_type");
     item->Properties()->Add(column->second.isLong, "is_long");
+    item->SetKind(KindOfType(column->second.type));
+    const Ref<qbDataType> type = context_->DataTypes()->FindByIndicatorLong(column->second.type, column->second.isLong);
+    if (type) item->SetToolTipText(column->second.name + ": " + type->Name);
   }
 }
 

@@ -140,6 +140,8 @@ class QueryContext : public Object {
   virtual void EntitiesChanged() = 0;
   /// The diagram was emptied.
   virtual void DiagramCleared() = 0;
+  /// The user asks for the table picker.
+  virtual void RequestTables() = 0;
   /// The user has double-clicked a join.
   virtual void RelationshipActivated(const Ref<qbRelationship>& relationship) = 0;
 

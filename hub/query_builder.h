@@ -164,6 +164,7 @@ class qbQueryBuilder final : public QueryContext {
   void EntityRenamed(const std::string& oldCaption, const std::string& newCaption) override;
   void EntitiesChanged() override;
   void DiagramCleared() override;
+  void RequestTables() override { ShowTables(); }
   void RelationshipActivated(const Ref<qbRelationship>& relationship) override;
 
  protected:

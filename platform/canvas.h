@@ -108,8 +108,11 @@ class Canvas {
 
  protected:
   friend class ClipScope;
+  friend class ViewScope;
   virtual void PushClip(const PixelRect& rect) = 0;
   virtual void PopClip() = 0;
+  virtual void PushView(PixelPoint origin, double zoom) = 0;
+  virtual void PopView() = 0;
 };
 
 /// Limits all drawing to a rectangle (within the limits in force) while it lives.
@@ -119,6 +122,18 @@ class [[nodiscard]] ClipScope {
   ClipScope(const ClipScope&) = delete;
   ClipScope& operator=(const ClipScope&) = delete;
   ~ClipScope() { canvas_.PopClip(); }
+
+ private:
+  Canvas& canvas_;
+};
+
+/// Draws everything enlarged by a factor and moved, while it lives: the point (0, 0) comes to stand at `origin`.
+class [[nodiscard]] ViewScope {
+ public:
+  ViewScope(Canvas& canvas, PixelPoint origin, double zoom) : canvas_(canvas) { canvas_.PushView(origin, zoom); }
+  ViewScope(const ViewScope&) = delete;
+  ViewScope& operator=(const ViewScope&) = delete;
+  ~ViewScope() { canvas_.PopView(); }
 
  private:
   Canvas& canvas_;

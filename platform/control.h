@@ -36,6 +36,8 @@ class Control : public Object {
   virtual void OnMouseUp(const MouseEvent&) {}
   virtual void OnDoubleClick(const MouseEvent&) {}
   virtual void OnMouseLeave() {}
+  /// Time has passed while the surface ticks.
+  virtual void OnTick() {}
   virtual void OnWheel(const WheelEvent&) {}
   virtual void OnFocusChanged(bool /*focused*/) {}
 

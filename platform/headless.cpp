@@ -132,4 +132,10 @@ void RecordingCanvas::PushClip(const PixelRect& rect) { lines_.push_back("clip "
 
 void RecordingCanvas::PopClip() { lines_.emplace_back("unclip"); }
 
+void RecordingCanvas::PushView(PixelPoint origin, double zoom) {
+  lines_.push_back("view " + Describe(origin) + " " + NumberText(zoom));
+}
+
+void RecordingCanvas::PopView() { lines_.emplace_back("unview"); }
+
 }  // namespace zrqrybld

@@ -36,6 +36,8 @@ class HeadlessSurface final : public Surface {
   void SetCursor(Cursor cursor) override { cursor_ = cursor; }
   void SetCapture(bool captured) override { captured_ = captured; }
   void SetFocus() override {}
+  void ShowMenu(const Menu& menu, PixelPoint) override { menu_ = menu; }
+  void SetTicking(bool ticking) override { ticking_ = ticking; }
   void DragText(std::string_view text) override { draggedText_ = text; }
 
   /// Changes the size. The control on it is not told: call its `OnResize`.
@@ -43,6 +45,9 @@ class HeadlessSurface final : public Surface {
   /// What was invalidated since the last call.
   PixelRect TakeInvalid() { return std::exchange(invalid_, {}); }
   const ScrollState& ScrollBar(Orientation orientation) const;
+  /// The menu shown last.
+  const Menu& LastMenu() const { return menu_; }
+  bool IsTicking() const { return ticking_; }
   Cursor CurrentCursor() const { return cursor_; }
   bool IsCaptured() const { return captured_; }
   const std::string& DraggedText() const { return draggedText_; }
@@ -55,6 +60,8 @@ class HeadlessSurface final : public Surface {
   ScrollState vertical_;
   Cursor cursor_ = Cursor::Arrow;
   bool captured_ = false;
+  Menu menu_;
+  bool ticking_ = false;
   std::string draggedText_;
 };
 
@@ -148,6 +155,8 @@ class RecordingCanvas final : public Canvas {
  protected:
   void PushClip(const PixelRect& rect) override;
   void PopClip() override;
+  void PushView(PixelPoint origin, double zoom) override;
+  void PopView() override;
 
  private:
   std::vector<std::string> lines_;

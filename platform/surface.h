@@ -9,6 +9,7 @@
 
 #include "base/units.h"
 #include "platform/font.h"
+#include "platform/menu.h"
 
 namespace zrqrybld {
 
@@ -70,6 +71,12 @@ class Surface {
 
   /// Asks for the keyboard.
   virtual void SetFocus() = 0;
+
+  /// Shows a menu at this place; returns when it is closed and the chosen entry's action has run.
+  virtual void ShowMenu(const Menu& menu, PixelPoint at) = 0;
+
+  /// Asks for calls of `Control::OnTick`, about twenty a second, or for no more of them.
+  virtual void SetTicking(bool ticking) = 0;
 
   /// Offers a text to be dropped elsewhere; returns when the drag has ended.
   virtual void DragText(std::string_view text) = 0;

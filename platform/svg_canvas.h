@@ -32,6 +32,8 @@ class SvgCanvas final : public Canvas {
  protected:
   void PushClip(const PixelRect& rect) override;
   void PopClip() override;
+  void PushView(PixelPoint origin, double zoom) override;
+  void PopView() override;
 
  private:
   std::string ColorOf(const Ink& ink) const;
@@ -39,7 +41,7 @@ class SvgCanvas final : public Canvas {
   PixelSize size_;
   Colors colors_;
   std::string body_;
-  int clips_ = 0;
+  int clips_ = 0;  // how many clip paths were made: their names
 };
 
 }  // namespace zrqrybld

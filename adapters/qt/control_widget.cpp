@@ -3,15 +3,18 @@
 #include <QContextMenuEvent>
 #include <QDrag>
 #include <QHelpEvent>
+#include <QMenu>
 #include <QMimeData>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <QTimer>
 #include <QToolTip>
 
 #include "adapters/qt/qt_canvas.h"
 #include "adapters/qt/qt_geometry.h"
 #include "adapters/qt/qt_input.h"
+#include "adapters/qt/qt_menu.h"
 #include "adapters/qt/qt_text.h"
 
 namespace zrqrybld {
@@ -115,6 +118,26 @@ void ControlWidget::SetCapture(bool captured) {
 }
 
 void ControlWidget::SetFocus() { setFocus(Qt::OtherFocusReason); }
+
+void ControlWidget::ShowMenu(const Menu& menu, PixelPoint at) {
+  QMenu window(this);
+  FillMenu(window, menu, boundary_);
+  window.exec(viewport()->mapToGlobal(ToQPointF(at).toPoint()));
+}
+
+void ControlWidget::SetTicking(bool ticking) {
+  constexpr int kTickMilliseconds = 50;
+  if (!ticks_) {
+    if (!ticking) return;
+    ticks_ = new QTimer(this);
+    connect(ticks_, &QTimer::timeout, this, [this] { Tell([](Control& control) { control.OnTick(); }); });
+  }
+  if (ticking) {
+    if (!ticks_->isActive()) ticks_->start(kTickMilliseconds);
+  } else {
+    ticks_->stop();
+  }
+}
 
 void ControlWidget::DragText(std::string_view text) {
   const QString dragged = ToQString(text);

@@ -15,6 +15,8 @@
 #include "platform/control.h"
 #include "platform/surface.h"
 
+class QTimer;
+
 namespace zrqrybld {
 
 class ControlWidget : public QAbstractScrollArea, public Surface {
@@ -51,6 +53,8 @@ class ControlWidget : public QAbstractScrollArea, public Surface {
   void SetCursor(Cursor cursor) override;
   void SetCapture(bool captured) override;
   void SetFocus() override;
+  void ShowMenu(const Menu& menu, PixelPoint at) override;
+  void SetTicking(bool ticking) override;
   void DragText(std::string_view text) override;
 
  protected:
@@ -86,6 +90,7 @@ class ControlWidget : public QAbstractScrollArea, public Surface {
   QtMetrics metrics_;
   EventBoundary boundary_;
   DragHandler dragHandler_;
+  QTimer* ticks_ = nullptr;                  // made on first use
   std::array<ScrollState, 2> scrollStates_;  // as the control wants them, by orientation
   bool applyingScrollBars_ = false;
   bool wasShown_ = false;

@@ -242,4 +242,18 @@ void QtCanvas::PushClip(const PixelRect& rect) {
 
 void QtCanvas::PopClip() { painter_.restore(); }
 
+void QtCanvas::PushView(PixelPoint origin, double zoom) {
+  painter_.save();
+  ratios_.push_back(ratio_);
+  painter_.translate(std::round(origin.x.Value() * ratio_) / ratio_, std::round(origin.y.Value() * ratio_) / ratio_);
+  painter_.scale(zoom, zoom);
+  ratio_ *= zoom;
+}
+
+void QtCanvas::PopView() {
+  ratio_ = ratios_.back();
+  ratios_.pop_back();
+  painter_.restore();
+}
+
 }  // namespace zrqrybld

@@ -4,6 +4,8 @@
 // screen scale. Themed parts are one call of the style each, but for the focus rectangle.
 #pragma once
 
+#include <vector>
+
 #include <QStyle>
 
 #include "adapters/qt/qt_metrics.h"
@@ -31,6 +33,8 @@ class QtCanvas final : public Canvas {
  protected:
   void PushClip(const PixelRect& rect) override;
   void PopClip() override;
+  void PushView(PixelPoint origin, double zoom) override;
+  void PopView() override;
 
  private:
   QRectF OnDevicePixels(const PixelRect& rect) const;
@@ -42,7 +46,8 @@ class QtCanvas final : public Canvas {
   const QtMetrics& metrics_;
   const QWidget* widget_;
   const QStyle& style_;
-  qreal ratio_;  // device pixels of one logical pixel
+  qreal ratio_;                // device pixels to one of ours
+  std::vector<qreal> ratios_;  // those outside the present view
 };
 
 }  // namespace zrqrybld

@@ -1,0 +1,261 @@
+// The pane's keyboard.
+#include <algorithm>
+
+#include "base/text.h"
+#include "diagram/diagram_pane.h"
+#include "diagram/relationships.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr std::int32_t kKeyPlus = 107;
+constexpr std::int32_t kKeyMinus = 109;
+constexpr std::int32_t kKeyMenu = 93;
+constexpr std::int32_t kKeyF10 = 121;
+constexpr double kZoomKeyStep = 1.25;
+constexpr auto kTypeAheadPause = std::chrono::seconds(1);
+constexpr int kResizeFirstStep = 4;
+constexpr int kResizeLargestStep = 48;
+
+bool IsArrow(std::int32_t keyCode) { return keyCode >= KeyCodeLeft && keyCode <= KeyCodeDown; }
+
+}  // namespace
+
+bool qbDiagramPane::OnKeyDown(const KeyEvent& event) {
+  std::int32_t keyCode = event.keyCode;
+  KeyDown.Raise(keyCode, event.shift);
+  if (IsArrow(keyCode) && event.shift == (ShiftShift | ShiftAlt)) {
+    const bool vertical = keyCode == KeyCodeUp || keyCode == KeyCodeDown;
+    const int sign = keyCode == KeyCodeLeft || keyCode == KeyCodeUp ? -1 : 1;
+    ScrollBy(vertical ? Orientation::Vertical : Orientation::Horizontal,
+             sign * (vertical ? vertical_.step : horizontal_.step));
+    return true;
+  }
+  if (IsArrow(keyCode) && event.shift == ShiftAlt) return MoveSelectedBox(keyCode);
+  if (IsArrow(keyCode) && event.shift == (ShiftCtrl | ShiftShift)) return ResizeSelectedBox(keyCode);
+  if (keyCode == KeyCodeTab && (event.shift == ShiftNone || event.shift == ShiftShift)) {
+    return SelectNext(event.shift == ShiftShift ? -1 : 1);
+  }
+  if ((keyCode == kKeyF10 && event.shift == ShiftShift) || (keyCode == kKeyMenu && event.shift == ShiftNone)) {
+    ShowContextMenu(selected_, {kSurfaceMargin, kSurfaceMargin});
+    return true;
+  }
+  if ((event.shift & ShiftCtrl) != 0) return OnControlKey(keyCode, event);
+  if (event.shift == ShiftNone && OnPlainKey(keyCode)) return true;
+  const bool types = !event.text.empty() && static_cast<unsigned char>(event.text.front()) > ' ' && keyCode != 0 &&
+                     (event.shift & ShiftAlt) == 0;
+  if (!types) return false;
+  std::size_t at = 0;
+  char32_t character = DecodeUtf8(event.text, at);
+  KeyPress.Raise(character);
+  if (character == 0) return true;
+  std::string text;
+  AppendUtf8(text, character);
+  return TypeAhead(text);
+}
+
+bool qbDiagramPane::OnPlainKey(std::int32_t keyCode) {
+  const Ref<qbEntity> entity = SelectedEntity();
+  const auto page = entity ? static_cast<int>(std::max<std::size_t>(entity->EntityBox()->VisibleRowCount(), 1)) : 1;
+  switch (keyCode) {
+    case KeyCodeUp:
+      return MoveCurrentRow(-1);
+    case KeyCodeDown:
+      return MoveCurrentRow(1);
+    case KeyCodePageUp:
+      return MoveCurrentRow(-page);
+    case KeyCodePageDown:
+      return MoveCurrentRow(page);
+    case KeyCodeHome:
+      return GoToRow(1);
+    case KeyCodeEnd:
+      return entity && GoToRow(entity->EntityBox()->Rows().Count());
+    case KeyCodeSpace:
+      if (!spaceHeld_) spaceWasUsed_ = false;
+      spaceHeld_ = true;  // ticks when it is let go, unless it has panned meanwhile
+      return true;
+    case KeyCodeEnter:
+      return EnterSelected();
+    case KeyCodeDelete:
+      return DeleteSelected();
+    case KeyCodeEscape:
+      if (CancelGesture()) return true;
+      if (!selected_) return false;
+      DropSelection();
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool qbDiagramPane::OnControlKey(std::int32_t keyCode, const KeyEvent& event) {
+  const PixelSize view = GetSurface().ViewSize();
+  const PixelPoint middle{view.width / 2, view.height / 2};
+  if (keyCode == kKeyPlus || event.text == "+" || event.text == "=") {
+    SetZoom(zoom_ * kZoomKeyStep, middle);
+    return true;
+  }
+  if (keyCode == kKeyMinus || event.text == "-") {
+    SetZoom(zoom_ / kZoomKeyStep, middle);
+    return true;
+  }
+  if (keyCode == '0') {
+    SetZoom(1, middle);
+    return true;
+  }
+  return false;
+}
+
+void qbDiagramPane::OnKeyUp(const KeyEvent& event) {
+  std::int32_t keyCode = event.keyCode;
+  KeyUp.Raise(keyCode, event.shift);
+  if (IsArrow(keyCode)) resizeStep_ = 0;
+  if (keyCode == KeyCodeSpace && spaceHeld_) {
+    spaceHeld_ = false;
+    if (!spaceWasUsed_) ToggleCurrentRow();
+  }
+}
+
+void qbDiagramPane::OnFocusChanged(bool focused) {
+  focused_ = focused;
+  if (!focused) {
+    spaceHeld_ = false;
+    CancelGesture();
+  }
+  Refresh();
+}
+
+// One step of the scroll bar in that direction; the box stays on the surface.
+bool qbDiagramPane::MoveSelectedBox(std::int32_t keyCode) {
+  const Ref<qbEntity> entity = SelectedEntity();
+  if (!entity) return false;
+  const StepScope step(Context(), "Move table");
+  const ScreenScale scale = GetSurface().Scale();
+  TwipsRect bounds = entity->EntityBox()->Bounds();
+  const Twips stepX = scale.TwipsX(Pixels(horizontal_.step));
+  const Twips stepY = scale.TwipsY(Pixels(vertical_.step));
+  if (keyCode == KeyCodeLeft) bounds.left = std::max(bounds.left - stepX, Twips{});
+  if (keyCode == KeyCodeRight) bounds.left += stepX;
+  if (keyCode == KeyCodeUp) bounds.top = std::max(bounds.top - stepY, Twips{});
+  if (keyCode == KeyCodeDown) bounds.top += stepY;
+  entity->EntityBox()->SetBounds(bounds);
+  ScrollIntoView(scale.ToPixels(bounds));
+  return true;
+}
+
+// The step grows while the key is held.
+bool qbDiagramPane::ResizeSelectedBox(std::int32_t keyCode) {
+  const Ref<qbEntity> entity = SelectedEntity();
+  if (!entity) return false;
+  const StepScope step(Context(), "Resize table");
+  resizeStep_ = std::clamp(resizeStep_ * 5 / 4 + 1, kResizeFirstStep, kResizeLargestStep);
+  const ScreenScale scale = GetSurface().Scale();
+  PixelRect place = scale.ToPixels(entity->EntityBox()->Bounds());
+  const auto by = Pixels(resizeStep_);
+  if (keyCode == KeyCodeLeft) place.width -= by;
+  if (keyCode == KeyCodeRight) place.width += by;
+  if (keyCode == KeyCodeUp) place.height -= by;
+  if (keyCode == KeyCodeDown) place.height += by;
+  entity->EntityBox()->SetBounds(scale.ToTwips(place));
+  return true;
+}
+
+bool qbDiagramPane::GoToRow(std::size_t row) {
+  const Ref<qbEntity> entity = SelectedEntity();
+  if (!entity || entity->EntityBox()->Rows().Count() == 0) return false;
+  qbEntityList& box = *entity->EntityBox();
+  row = std::clamp<std::size_t>(row, 1, box.Rows().Count());
+  box.SetSelectedRow(row);
+  if (row < box.FirstVisibleRow()) box.ScrollTo(row);
+  const std::size_t visible = std::max<std::size_t>(box.VisibleRowCount(), 1);
+  if (row >= box.FirstVisibleRow() + visible) box.ScrollTo(row - visible + 1);
+  if (box.IsRowVisible(row)) ScrollIntoView(GetSurface().Scale().ToPixels(box.ItemBounds(row)));
+  return true;
+}
+
+bool qbDiagramPane::MoveCurrentRow(int delta) {
+  const Ref<qbEntity> entity = SelectedEntity();
+  if (!entity) return false;
+  const auto row = static_cast<std::int64_t>(entity->EntityBox()->SelectedRow()) + delta;
+  return GoToRow(static_cast<std::size_t>(std::max<std::int64_t>(row, 1)));
+}
+
+bool qbDiagramPane::ToggleCurrentRow() {
+  const Ref<qbEntity> entity = SelectedEntity();
+  const Ref<qbEntityItem> item = entity ? entity->SelectedItem() : nullptr;
+  if (!item) return false;
+  item->SetChecked(!item->Checked());
+  return true;
+}
+
+// Boxes in their order, then joins; behind the last one the key goes on to the window.
+bool qbDiagramPane::SelectNext(int direction) {
+  std::vector<Ref<Object>> objects;
+  for (std::int32_t i = 1; i <= entities_->Count(); ++i) objects.push_back(entities_->Item(i));
+  for (const Ref<qbLine>& line : lines_) {
+    if (const Ref<qbRelationship> join = line->Relationship()) objects.push_back(join);
+  }
+  const auto at = std::ranges::find(objects, selected_);
+  std::ptrdiff_t next = 0;
+  if (at != objects.end()) {
+    next = at - objects.begin() + direction;
+  } else if (direction < 0) {
+    next = static_cast<std::ptrdiff_t>(objects.size()) - 1;
+  }
+  if (next < 0 || next >= static_cast<std::ptrdiff_t>(objects.size())) {
+    DropSelection();
+    return false;
+  }
+  SelectObject(objects[static_cast<std::size_t>(next)]);
+  if (const Ref<qbEntity> entity = SelectedEntity()) {
+    RaiseToTop(entity->EntityBox());
+    ScrollIntoView(GetSurface().Scale().ToPixels(entity->EntityBox()->Bounds()));
+  }
+  return true;
+}
+
+// Into a box: its first row becomes current. A join shows its properties.
+bool qbDiagramPane::EnterSelected() {
+  if (const Ref<qbRelationship> join = SelectedJoin()) {
+    const Ref<QueryContext> context = Context();
+    if (context) context->RelationshipActivated(join);
+    return true;
+  }
+  const Ref<qbEntity> entity = SelectedEntity();
+  return entity && entity->EntityBox()->SelectedRow() == 0 && GoToRow(1);
+}
+
+// What is typed within a second is one word.
+bool qbDiagramPane::TypeAhead(std::string_view text) {
+  const Ref<qbEntity> entity = SelectedEntity();
+  if (!entity) return false;
+  const auto now = std::chrono::steady_clock::now();
+  if (now - typedAheadAt_ > kTypeAheadPause) typedAhead_.clear();
+  typedAheadAt_ = now;
+  const bool begins = typedAhead_.empty();
+  typedAhead_ += text;
+  const qbEntityList& box = *entity->EntityBox();
+  // The first letter goes on to the next match, further ones stay on a row that still matches.
+  const std::size_t after = begins || box.SelectedRow() == 0 ? box.SelectedRow() : box.SelectedRow() - 1;
+  const std::size_t row = box.FindRow(typedAhead_, after);
+  if (row != 0) GoToRow(row);
+  return true;
+}
+
+bool qbDiagramPane::DeleteSelected() {
+  const Ref<Object> object = selected_;
+  if (!object) return false;
+  bool cancel = false;
+  BeforeDeleteObject.Raise(object, cancel);
+  if (cancel) return true;
+  DropSelection();
+  if (const auto entity = std::dynamic_pointer_cast<qbEntity>(object)) {
+    if (entity->EntityBox()) entities_->Remove(entity->Index());
+  } else if (const auto join = std::dynamic_pointer_cast<qbRelationship>(object)) {
+    const StepScope step(Context(), "Delete join");
+    if (const Ref<qbEntity> source = join->Source()) source->Relationships()->Remove(join->Index());
+  }
+  return true;
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,423 @@
+// The pane's mouse: pressing, dragging, dropping, pointing.
+#include <algorithm>
+#include <cmath>
+
+#include "diagram/diagram_pane.h"
+#include "diagram/join_properties.h"
+#include "diagram/relationships.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr Pixels kDragDistance = 4_px;
+constexpr Pixels kAutoScrollZone = 20_px;
+constexpr int kAutoScrollStep = 16;
+constexpr Pixels kSmallestBox = 96_px;
+
+float X(const MouseEvent& event) { return static_cast<float>(event.position.x.Value()); }
+float Y(const MouseEvent& event) { return static_cast<float>(event.position.y.Value()); }
+
+bool IsFar(PixelPoint a, PixelPoint b) {
+  return std::hypot((a.x - b.x).Value(), (a.y - b.y).Value()) >= kDragDistance.Value();
+}
+
+bool IsAllColumns(const qbEntityList& box, std::size_t row) {
+  const Ref<BoxRow> hit = box.Rows().At(row);
+  return !hit || hit->Text() == "*";
+}
+
+}  // namespace
+
+qbDiagramPane::PaneHit qbDiagramPane::HitTest(PixelPoint point) const {
+  const ScreenScale scale = GetSurface().Scale();
+  const PixelPoint onSurface = ToSurface(point);
+  const TwipsPoint twips = scale.ToTwips(onSurface);
+  PaneHit edge;
+  for (auto box = stacking_.rbegin(); box != stacking_.rend(); ++box) {
+    const BoxHit part = (*box)->HitTest(twips);
+    if ((*box)->Bounds().Contains(twips)) return {*box, part, nullptr};
+    // The outer half of an edge counts only where no box lies under it.
+    if (part.part == BoxPart::Edge && !edge.box) edge = {*box, part, nullptr};
+  }
+  for (auto line = lines_.rbegin(); line != lines_.rend(); ++line) {
+    if ((*line)->HitTest(onSurface, scale)) return {nullptr, {}, *line};
+  }
+  return edge;
+}
+
+// --- Pressing ---
+
+void qbDiagramPane::OnMouseDown(const MouseEvent& event) {
+  GetSurface().SetFocus();
+  if (event.button == ButtonMiddle || (event.button == ButtonLeft && spaceHeld_)) {
+    spaceWasUsed_ = true;
+    BeginGesture(Panning{event.position, horizontal_.value, vertical_.value});
+    return;
+  }
+  const PaneHit hit = HitTest(event.position);
+  if (hit.box) {
+    PressBox(hit, event);
+  } else if (hit.line) {
+    SelectObject(hit.line->Relationship());
+  } else {
+    DropSelection();
+    MouseDown.Raise(event.button, event.shift, X(event), Y(event));
+    if (event.button == ButtonLeft) Click.Raise();
+  }
+}
+
+void qbDiagramPane::PressBox(const PaneHit& hit, const MouseEvent& event) {
+  const Ref<qbEntity> entity = EntityOf(*hit.box);
+  if (!entity) return;
+  RaiseToTop(hit.box);
+  SelectObject(entity);
+  ObjectMouseDown.Raise(event.button, event.shift, X(event), Y(event), entity);
+  if (!hit.box->Entity()) return;  // a handler has removed it
+  EntityClick.Raise(entity);
+  if (!hit.box->Entity() || event.button != ButtonLeft) return;
+  const PixelPoint onSurface = ToSurface(event.position);
+  const ScreenScale scale = GetSurface().Scale();
+  switch (hit.part.part) {
+    case BoxPart::Caption: {
+      const PixelRect place = scale.ToPixels(hit.box->Bounds());
+      BeginGesture(
+          MovingBox{hit.box, onSurface - PixelPoint{place.left, place.top}, event.position, hit.box->Bounds(), false});
+      return;
+    }
+    case BoxPart::Edge:
+      BeginGesture(ResizingBox{hit.box, hit.part.edges, onSurface, hit.box->Bounds()});
+      return;
+    case BoxPart::MinimizeButton:
+      hit.box->SetMinimized(!hit.box->Minimized());
+      return;
+    case BoxPart::ScrollBar:
+      BeginGesture(ScrollingList{hit.box, {}});
+      Drag(std::get<ScrollingList>(gesture_), event);
+      return;
+    case BoxPart::CheckBox:
+    case BoxPart::Row:
+      PressRow(hit, event, entity);
+      return;
+    case BoxPart::Nothing:
+      return;
+  }
+}
+
+void qbDiagramPane::PressRow(const PaneHit& hit, const MouseEvent& event, const Ref<qbEntity>& entity) {
+  const Ref<BoxRow> row = hit.box->Rows().At(hit.part.row);
+  if (!row) return;
+  hit.box->SetSelectedRow(hit.part.row);
+  EntityItemClick.Raise(entity, entity->Items()->Item(static_cast<std::int32_t>(hit.part.row)));
+  if (!hit.box->Entity()) return;
+  if (hit.part.part == BoxPart::CheckBox) {
+    row->SetChecked(!row->Checked());
+  } else {
+    BeginGesture(DraggingRow{hit.box, hit.part.row, event.position, event.position, false, nullptr, 0});
+  }
+}
+
+void qbDiagramPane::BeginGesture(Gesture gesture) {
+  gesture_ = std::move(gesture);
+  GetSurface().SetCapture(true);
+}
+
+void qbDiagramPane::EndGesture() {
+  if (std::holds_alternative<NoGesture>(gesture_)) return;
+  gesture_ = NoGesture{};
+  GetSurface().SetTicking(false);
+  GetSurface().SetCapture(false);
+  GetSurface().SetCursor(Cursor::Arrow);
+  Refresh();
+}
+
+// What the gesture has changed so far is taken back. Returns whether there was one.
+bool qbDiagramPane::CancelGesture() {
+  if (std::holds_alternative<NoGesture>(gesture_)) return false;
+  if (const auto* moving = std::get_if<MovingBox>(&gesture_)) moving->box->SetBounds(moving->before);
+  if (const auto* resizing = std::get_if<ResizingBox>(&gesture_)) resizing->box->SetBounds(resizing->before);
+  EndGesture();
+  return true;
+}
+
+// --- Dragging ---
+
+void qbDiagramPane::OnMouseMove(const MouseEvent& event) {
+  if (!std::holds_alternative<NoGesture>(gesture_)) {
+    std::visit([&](auto& gesture) { Drag(gesture, event); }, gesture_);
+    return;
+  }
+  const PaneHit hit = HitTest(event.position);
+  SetHover(hit);
+  if (hit.box) {
+    if (const Ref<qbEntity> entity = EntityOf(*hit.box)) {
+      ObjectMouseMove.Raise(event.button, event.shift, X(event), Y(event), entity);
+    }
+  } else {
+    MouseMove.Raise(event.button, event.shift, X(event), Y(event));
+  }
+}
+
+void qbDiagramPane::Drag(MovingBox& gesture, const MouseEvent& event) {
+  if (!gesture.moving && !IsFar(event.position, gesture.start)) return;
+  gesture.moving = true;
+  GetSurface().SetTicking(true);
+  const PixelPoint corner = ToSurface(event.position) - gesture.grip;
+  const TwipsPoint place = GetSurface().Scale().ToTwips(PixelPoint{std::max(corner.x, 0_px), std::max(corner.y, 0_px)});
+  TwipsRect bounds = gesture.box->Bounds();
+  bounds.left = place.x;
+  bounds.top = place.y;
+  const Ref<qbEntityList> box = gesture.box;
+  const std::size_t row = box->SelectedRow();
+  // Over another box the drop would draw a join, where there is a row for it to end at.
+  const TwipsPoint at = GetSurface().Scale().ToTwips(ToSurface(event.position));
+  const auto under = std::ranges::find_if(stacking_.rbegin(), stacking_.rend(), [&](const auto& other) {
+    return other != box && other->Bounds().Contains(at);
+  });
+  const bool overBox = under != stacking_.rend() && row != 0;
+  const bool overRow = overBox && (*under)->HitTest(at).row != 0;
+  GetSurface().SetCursor(overRow ? Cursor::Join : overBox ? Cursor::NoDrop : Cursor::Move);
+  box->SetBounds(bounds);
+}
+
+void qbDiagramPane::Drag(ResizingBox& gesture, const MouseEvent& event) {
+  const ScreenScale scale = GetSurface().Scale();
+  const PixelPoint moved = ToSurface(event.position) - gesture.start;
+  PixelRect place = scale.ToPixels(gesture.before);
+  const Pixels lowest = CurrentBoxMetrics().captionHeight + CurrentBoxMetrics().rowHeight;
+  if ((gesture.edges & EdgeRight) != 0) place.width = std::max(place.width + moved.x, kSmallestBox);
+  if ((gesture.edges & EdgeBottom) != 0) place.height = std::max(place.height + moved.y, lowest);
+  if ((gesture.edges & EdgeLeft) != 0) {
+    const Pixels right = place.Right();
+    place.left = std::clamp(place.left + moved.x, 0_px, std::max(right - kSmallestBox, 0_px));
+    place.width = right - place.left;
+  }
+  if ((gesture.edges & EdgeTop) != 0) {
+    const Pixels bottom = place.Bottom();
+    place.top = std::clamp(place.top + moved.y, 0_px, std::max(bottom - lowest, 0_px));
+    place.height = bottom - place.top;
+  }
+  gesture.box->SetBounds(scale.ToTwips(place));
+}
+
+void qbDiagramPane::Drag(DraggingRow& gesture, const MouseEvent& event) {
+  gesture.pointer = event.position;
+  if (!gesture.dragging) {
+    if (!IsFar(event.position, gesture.start)) return;
+    gesture.dragging = true;
+    GetSurface().SetTicking(true);
+  }
+  const PixelSize view = GetSurface().ViewSize();
+  const PixelRect inside{-kAutoScrollZone, -kAutoScrollZone, view.width + kAutoScrollZone * 2,
+                         view.height + kAutoScrollZone * 2};
+  if (!inside.Contains(event.position)) {
+    // The row leaves the diagram: from here on it is a text for whoever takes it.
+    const std::string text = gesture.box->Caption() + "." + gesture.box->Rows().At(gesture.row)->Text();
+    EndGesture();
+    GetSurface().DragText(text);
+    return;
+  }
+  AimAt(gesture, event.position);
+}
+
+void qbDiagramPane::AimAt(DraggingRow& gesture, PixelPoint point) {
+  const PaneHit hit = HitTest(point);
+  const bool illegal = IsAllColumns(*gesture.box, gesture.row) ||
+                       (hit.box && (hit.box == gesture.box || IsAllColumns(*hit.box, hit.part.row)));
+  const bool legal = !illegal && hit.box && hit.part.row != 0;
+  gesture.target = legal ? hit.box : nullptr;
+  gesture.targetRow = legal ? hit.part.row : 0;
+  // The no-drop sign only over what can be no target, not on the way there.
+  GetSurface().SetCursor(legal ? Cursor::Join : hit.box && illegal ? Cursor::NoDrop : Cursor::Arrow);
+  Refresh();
+}
+
+void qbDiagramPane::Drag(ScrollingList& gesture, const MouseEvent& event) {
+  gesture.box->ScrollTo(gesture.box->FirstRowAt(GetSurface().Scale().TwipsY(ToSurface(event.position).y)));
+}
+
+void qbDiagramPane::Drag(Panning& gesture, const MouseEvent& event) {
+  GetSurface().SetCursor(Cursor::Move);
+  const PixelPoint moved = event.position - gesture.start;
+  OnScroll(Orientation::Horizontal, gesture.horizontal - static_cast<int>(moved.x.Value()));
+  OnScroll(Orientation::Vertical, gesture.vertical - static_cast<int>(moved.y.Value()));
+  UpdateScrollBars();
+}
+
+// Near the edges of the pane the surface scrolls by itself, and near those of a box its list does.
+void qbDiagramPane::OnTick() {
+  auto* row = std::get_if<DraggingRow>(&gesture_);
+  if (!row) return;
+  const PixelPoint at = row->pointer;
+  const PixelSize view = GetSurface().ViewSize();
+  if (at.x < kAutoScrollZone) ScrollBy(Orientation::Horizontal, -kAutoScrollStep);
+  if (at.x > view.width - kAutoScrollZone) ScrollBy(Orientation::Horizontal, kAutoScrollStep);
+  if (at.y < kAutoScrollZone) ScrollBy(Orientation::Vertical, -kAutoScrollStep);
+  if (at.y > view.height - kAutoScrollZone) ScrollBy(Orientation::Vertical, kAutoScrollStep);
+  const PaneHit hit = HitTest(at);
+  if (hit.box && hit.box != row->box) {
+    const PixelRect place = PlaceOf(*hit.box);
+    const std::size_t first = hit.box->FirstVisibleRow();
+    const Pixels listTop = place.top + CurrentBoxMetrics().captionHeight * zoom_;
+    if (at.y > place.Bottom() - kAutoScrollZone) hit.box->ScrollTo(first + 1);
+    if (at.y > listTop && at.y < listTop + kAutoScrollZone && first > 1) hit.box->ScrollTo(first - 1);
+  }
+  AimAt(*row, at);
+}
+
+// --- Dropping ---
+
+void qbDiagramPane::OnMouseUp(const MouseEvent& event) {
+  const Gesture gesture = gesture_;
+  EndGesture();
+  if (const auto* moving = std::get_if<MovingBox>(&gesture)) Drop(*moving, event);
+  if (const auto* row = std::get_if<DraggingRow>(&gesture)) Drop(*row);
+  const PaneHit hit = HitTest(event.position);
+  if (event.button == ButtonRight) {
+    const Ref<Object> object = hit.box ? hit.box->Entity() : hit.line ? Ref<Object>(hit.line->Relationship()) : nullptr;
+    ShowContextMenu(object, event.position);
+    return;
+  }
+  if (hit.box) {
+    if (const Ref<qbEntity> entity = EntityOf(*hit.box)) {
+      ObjectMouseUp.Raise(event.button, event.shift, X(event), Y(event), entity);
+    }
+  } else if (!hit.line) {
+    MouseUp.Raise(event.button, event.shift, X(event), Y(event));
+  }
+}
+
+// A box that is dropped on a row of another box draws a join from its own current row, and goes back to where it was.
+void qbDiagramPane::Drop(const MovingBox& gesture, const MouseEvent& event) {
+  if (!gesture.moving) return;
+  const TwipsPoint at = GetSurface().Scale().ToTwips(ToSurface(event.position));
+  const Ref<qbEntity> source = EntityOf(*gesture.box);
+  const std::size_t sourceRow = gesture.box->SelectedRow();
+  if (!source || IsAllColumns(*gesture.box, sourceRow)) return;
+  for (auto other = stacking_.rbegin(); other != stacking_.rend(); ++other) {
+    if (*other == gesture.box || !(*other)->Bounds().Contains(at)) continue;
+    const std::size_t row = (*other)->HitTest(at).row;
+    if (IsAllColumns(**other, row)) return;
+    const Ref<qbEntity> target = EntityOf(**other);
+    gesture.box->SetBounds(gesture.before);
+    if (target) AddJoin(source, sourceRow, target, row, false);
+    return;
+  }
+}
+
+void qbDiagramPane::Drop(const DraggingRow& gesture) {
+  if (!gesture.dragging || !gesture.target) return;
+  const Ref<qbEntity> source = EntityOf(*gesture.box);
+  const Ref<qbEntity> target = EntityOf(*gesture.target);
+  if (source && target) AddJoin(source, gesture.row, target, gesture.targetRow, true);
+}
+
+void qbDiagramPane::AddJoin(const Ref<qbEntity>& source, std::size_t sourceRow, const Ref<qbEntity>& target,
+                            std::size_t targetRow, bool onlyOnce) {
+  const auto from = static_cast<std::int32_t>(sourceRow);
+  const auto to = static_cast<std::int32_t>(targetRow);
+  if (onlyOnce && source->Relationships()->Exists(source, target, from, to)) return;
+  const Ref<QueryContext> context = Context();
+  const StepScope step(context, "Add join");
+  const Ref<qbRelationship> join = source->Relationships()->Add(target);
+  join->SetSourceItemIndex(from);
+  join->SetTargetItemIndex(to);
+  SelectObject(join);
+  if (context) context->RaiseInfo(InfoRelationshipAdded, Ref<Object>(join));
+}
+
+// --- Double click, pointing, wheel ---
+
+void qbDiagramPane::OnDoubleClick(const MouseEvent& event) {
+  const PaneHit hit = HitTest(event.position);
+  if (hit.box) {
+    const Ref<qbEntity> entity = EntityOf(*hit.box);
+    if (!entity) return;
+    EntityDblClick.Raise(entity);
+    if (!hit.box->Entity()) return;
+    // The second click of two on a check box is a click of its own.
+    if (hit.part.part == BoxPart::CheckBox || hit.part.part == BoxPart::MinimizeButton) PressBox(hit, event);
+    if (hit.part.part == BoxPart::Caption || hit.part.part == BoxPart::Edge) {
+      EndGesture();
+      hit.box->SetMinimized(false);
+      TwipsRect bounds = hit.box->Bounds();
+      const TwipsSize size = hit.box->FittingSize(GetSurface().Metrics(), hit.box->Rows().Count());
+      hit.box->SetBounds({bounds.left, bounds.top, size.width, size.height});
+    }
+    return;
+  }
+  if (!hit.line) {
+    DblClick.Raise();
+    return;
+  }
+  const Ref<qbRelationship> join = hit.line->Relationship();
+  SelectObject(join);
+  DblClick.Raise();
+  const Ref<QueryContext> context = Context();
+  if (context && join && selected_ == join) context->RelationshipActivated(join);
+}
+
+void qbDiagramPane::OnMouseLeave() { SetHover({}); }
+
+Cursor qbDiagramPane::CursorFor(const PaneHit& hit) const {
+  if (!hit.box) return Cursor::Arrow;
+  if (hit.part.part == BoxPart::Caption) return Cursor::Move;
+  switch (hit.part.edges) {
+    case 0:
+      return Cursor::Arrow;
+    case EdgeLeft:
+    case EdgeRight:
+      return Cursor::SizeHorizontal;
+    case EdgeTop:
+    case EdgeBottom:
+      return Cursor::SizeVertical;
+    case EdgeLeft | EdgeTop:
+    case EdgeRight | EdgeBottom:
+      return Cursor::SizeDiagonalDown;
+    default:
+      return Cursor::SizeDiagonalUp;
+  }
+}
+
+void qbDiagramPane::SetHover(const PaneHit& hit) {
+  GetSurface().SetCursor(CursorFor(hit));
+  if (hit.box == hover_.box && hit.line == hover_.line && hit.part == hover_.part) return;
+  hover_ = hit;
+  Refresh();
+}
+
+void qbDiagramPane::OnWheel(const WheelEvent& event) {
+  if ((event.shift & ShiftCtrl) != 0) {
+    constexpr double kZoomStep = 1.1;
+    SetZoom(zoom_ * std::pow(kZoomStep, -event.linesY / 3), event.position);
+    return;
+  }
+  const PaneHit hit = HitTest(event.position);
+  // A list that is longer than its box scrolls itself; otherwise the surface does.
+  if (hit.box && event.shift == ShiftNone && hit.box->LastFirstRow() > 1) {
+    const double first = static_cast<double>(hit.box->FirstVisibleRow()) + std::round(event.linesY);
+    hit.box->ScrollTo(static_cast<std::size_t>(std::max(1.0, first)));
+    return;
+  }
+  const bool sideways = (event.shift & ShiftShift) != 0;
+  const double x = sideways ? event.linesX + event.linesY : event.linesX;
+  const double y = sideways ? 0 : event.linesY;
+  if (x != 0) ScrollBy(Orientation::Horizontal, static_cast<int>(x * horizontal_.step));
+  if (y != 0) ScrollBy(Orientation::Vertical, static_cast<int>(y * vertical_.step));
+}
+
+std::string qbDiagramPane::ToolTipAt(PixelPoint point) const {
+  const PaneHit hit = HitTest(point);
+  if (hit.line) {
+    const Ref<qbRelationship> join = hit.line->Relationship();
+    return join ? DescribeEnds(*join) + "\n" +
+                      DescribeJoin(join->Source()->Caption(), join->Target()->Caption(), join->Kind())
+                : std::string();
+  }
+  if (!hit.box) return {};
+  if (hit.part.part == BoxPart::Caption) return hit.box->Caption();
+  const Ref<BoxRow> row = hit.box->Rows().At(hit.part.row);
+  if (!row) return {};
+  return row->ToolTipText().empty() ? row->Text() : row->ToolTipText();
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,25 @@
+// Menus that the core puts together; the toolkit shows them.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace zrqrybld {
+
+/// One line of a menu. An entry with `entries` opens another menu; one without a text is a separator.
+struct MenuEntry {
+  std::string text;      ///< an ampersand marks the access key
+  std::string shortcut;  ///< shown at the right, for instance "Del"
+  std::function<void()> action = {};
+  bool enabled = true;
+  bool checked = false;
+  std::vector<MenuEntry> entries = {};
+
+  static MenuEntry Separator() { return {}; }
+  bool IsSeparator() const { return text.empty(); }
+};
+
+using Menu = std::vector<MenuEntry>;
+
+}  // namespace zrqrybld
