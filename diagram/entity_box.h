@@ -114,6 +114,7 @@ class qbEntityList final : public Object {
 
   // --- Minimising ---
 
+  /// Whether only the caption bar is shown.
   bool Minimized() const { return minimized_; }
   /// A minimised box shows its caption bar only; its height comes back when it is restored.
   void SetMinimized(bool minimized);

@@ -47,11 +47,11 @@ class qbEntityItem final : public Object {
   const Variant& SmallIcon() const { return Row().SmallIcon(); }
   void SetSmallIcon(Variant icon) { Row().SetSmallIcon(std::move(icon)); }
 
-  /// What the row's tool tip says; "" shows the text.
   /// What the column holds; the table picker sets it from the column's type.
   TypeKind Kind() const { return Row().Kind(); }
   void SetKind(TypeKind kind) { Row().SetKind(kind); }
 
+  /// What the row's tool tip says; "" shows the text.
   const std::string& ToolTipText() const { return Row().ToolTipText(); }
   void SetToolTipText(std::string text) { Row().SetToolTipText(std::move(text)); }
 

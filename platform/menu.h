@@ -14,9 +14,11 @@ struct MenuEntry {
   std::function<void()> action = {};
   bool enabled = true;
   bool checked = false;
-  std::vector<MenuEntry> entries = {};
+  std::vector<MenuEntry> entries = {};  ///< of another menu that opens beside this one
 
+  /// A line between groups of entries.
   static MenuEntry Separator() { return {}; }
+  /// Whether this is a line between groups.
   bool IsSeparator() const { return text.empty(); }
 };
 
