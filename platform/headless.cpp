@@ -6,8 +6,8 @@
 
 namespace zrqrybld {
 
-Pixels HeadlessMetrics::TextWidth(std::string_view text, const Font&) const {
-  return Pixels(7.0 * static_cast<double>(CharacterCount(text)));
+Pixels HeadlessMetrics::TextWidth(std::string_view text, const Font& font) const {
+  return Pixels((font.bold ? 8.0 : 7.0) * static_cast<double>(CharacterCount(text)));
 }
 
 Pixels HeadlessMetrics::LineHeight(const Font&) const { return 16_px; }

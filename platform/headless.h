@@ -18,7 +18,7 @@
 
 namespace zrqrybld {
 
-/// Text of fixed width: 7 pixels a character, lines of 16 pixels.
+/// Text of fixed width: 7 pixels a character, 8 when bold; lines of 16 pixels.
 class HeadlessMetrics final : public TextMetrics {
  public:
   Pixels TextWidth(std::string_view text, const Font& font) const override;

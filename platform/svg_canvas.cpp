@@ -42,6 +42,7 @@ constexpr std::array<std::string_view, 27> kLightColors = {
 static_assert(kLightColors.size() == static_cast<std::size_t>(ColorRole::Identifier) + 1);
 
 constexpr double kFontPixels = 12;
+constexpr double kBaseline = 4.2;  // below the middle of a line; not every viewer can centre a text itself
 
 // The system colours that the library itself uses, as roles.
 ColorRole RoleOfSystemColor(std::uint32_t number) {
@@ -180,8 +181,8 @@ void SvgCanvas::DrawText(const PixelRect& rect, std::string_view text, const Tex
   const bool right = style.alignment == TextAlignment::Right;
   const Pixels x = left ? rect.left : right ? rect.Right() : rect.CenterX();
   PushClip(rect);
-  body_ += "<text" + Attribute("x", x.Value()) + Attribute("y", rect.CenterY().Value()) +
-           " dominant-baseline=\"central\" fill=\"" + ColorOf(style.ink) + "\"";
+  body_ += "<text" + Attribute("x", x.Value()) + Attribute("y", rect.CenterY().Value() + kBaseline) + " fill=\"" +
+           ColorOf(style.ink) + "\"";
   if (!left) body_ += right ? " text-anchor=\"end\"" : " text-anchor=\"middle\"";
   if (style.font.bold) body_ += " font-weight=\"bold\"";
   if (style.font.italic) body_ += " font-style=\"italic\"";
