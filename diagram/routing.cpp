@@ -39,6 +39,11 @@ std::vector<PixelPoint> RouteLine(const LineEnd& from, const LineEnd& to, const 
     const double turns = room > 0_px ? std::fmod(space.lane / room, 2.0) : 0;
     return (left + right) / 2 + room * (turns > 1 ? turns - 2 : turns);
   };
+  if (standBeside(from.box, to.box)) {
+    return path(from.box.Right(), across(from.box.Right(), to.box.left), to.box.left);
+  }
+  if (standBeside(to.box, from.box)) {
+    return path(from.box.left, across(to.box.Right(), from.box.left), to.box.Right());
   }
   // Boxes above one another, or one box: both ends on the side that makes the shorter way.
   const Pixels away = space.stub + space.lane;

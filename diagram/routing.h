@@ -15,8 +15,8 @@ struct LineEnd {
 
 /// The room around a line.
 struct LineSpace {
-  Pixels stub;    ///< how far it keeps away from its boxes beside them
-  Pixels lane{};  ///< how far it is moved aside, so that lines between the same boxes do not run on one another
+  Pixels stub;       ///< how far it keeps away from its boxes beside them
+  Pixels lane = {};  ///< how far it is moved aside, so that lines between the same boxes do not run on one another
 };
 
 /// The bends of an orthogonal line from the first end to the second, both ends included: four points.
