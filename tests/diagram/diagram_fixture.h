@@ -62,7 +62,12 @@ class DiagramTest : public testing::Test {
     pane->OnMouseDown({button, ShiftNone, at});
     pane->OnMouseUp({button, ShiftNone, at});
   }
-  bool Press(std::int32_t key, std::int32_t shift = ShiftNone) { return pane->OnKeyDown({key, shift}); }
+  // A key that goes down and up again; whether the pane used it.
+  bool Press(std::int32_t key, std::int32_t shift = ShiftNone) {
+    const bool used = pane->OnKeyDown({key, shift});
+    pane->OnKeyUp({key, shift});
+    return used;
+  }
 
   Ref<qbDiagramPane> pane = qbDiagramPane::Create();
 };
