@@ -168,6 +168,8 @@ class qbDiagramPane final : public Control, private DiagramView {
   void OnMouseUp(const MouseEvent& event) override;
   void OnDoubleClick(const MouseEvent& event) override;
   void OnMouseLeave() override;
+  bool OnDragOver(const std::string& text, const MouseEvent& event) override;
+  void OnDrop(const std::string& text, const MouseEvent& event) override;
   void OnTick() override;
   void OnWheel(const WheelEvent& event) override;
   void OnScroll(Orientation orientation, int value) override;

@@ -325,6 +325,18 @@ void qbDiagramPane::AddJoin(const Ref<qbEntity>& source, std::size_t sourceRow, 
   if (context) context->RaiseInfo(InfoRelationshipAdded, Ref<Object>(join));
 }
 
+bool qbDiagramPane::OnDragOver(const std::string& text, const MouseEvent& event) {
+  if (oleDropMode_ != OLEDropManual) return false;
+  std::int32_t effect = 1;
+  OLEDragOver.Raise(text, effect, event.button, event.shift, X(event), Y(event));
+  return effect != 0;
+}
+
+void qbDiagramPane::OnDrop(const std::string& text, const MouseEvent& event) {
+  std::int32_t effect = 1;
+  if (oleDropMode_ == OLEDropManual) OLEDragDrop.Raise(text, effect, event.button, event.shift, X(event), Y(event));
+}
+
 // --- Double click, pointing, wheel ---
 
 void qbDiagramPane::OnDoubleClick(const MouseEvent& event) {

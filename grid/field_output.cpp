@@ -95,6 +95,20 @@ void qbGridPane::PushToDiagram(const std::string& fieldName, const std::string& 
   if (item) item->SetChecked(checked);
 }
 
+// What stands behind the last "." is the field, what stands before it the table; it goes in above the row it was
+// dropped on. A text that is no field of the diagram is left alone.
+void qbGridPane::DropField(const std::string& text, PixelPoint at) {
+  const std::size_t dot = text.rfind('.');
+  const Ref<qbEntities> entities = Entities();
+  if (dot == std::string::npos || !entities) return;
+  const Ref<qbEntity> entity = entities->Item(text.substr(0, dot));
+  const Ref<qbEntityItem> item = entity ? entity->Items()->Item(text.substr(dot + 1)) : nullptr;
+  if (!item) return;
+  const GridHit hit = grdPane_->GetRowColumnIndex({1_px, at.y});
+  const bool onRow = hit.row != 0 && !IsEmptyRow(RowAt(static_cast<std::int32_t>(hit.row)));
+  SetFieldOutput(item->Text(), true, entity->Caption(), {false, onRow ? static_cast<std::int32_t>(hit.row) : 0});
+}
+
 bool qbGridPane::IsOutput(const Field& field) const {
   for (std::int32_t i = 1; i <= RowCount(); ++i) {
     const zrGridRow& row = RowAt(i);

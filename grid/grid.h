@@ -25,6 +25,12 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
 
   // --- Events ---
 
+  /// A text is dragged over the grid: the text, the effect (which a listener sets to allow the drop), `MouseButton` and
+  /// `ShiftMask` bits, the place in pixels.
+  Event<const std::string&, std::int32_t&, std::int32_t, std::int32_t, float, float> OLEDragOver;
+  /// A text is dropped on the grid.
+  Event<const std::string&, std::int32_t&, std::int32_t, std::int32_t, float, float> OLEDragDrop;
+
   /// A cell's value was changed: row and column, from 1.
   Event<std::int32_t, std::int32_t> AfterChange;
   /// A cell's value is about to change; the last argument set to true prevents it.
@@ -92,6 +98,9 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   void OnWheel(const WheelEvent& event) override;
   void OnScroll(Orientation orientation, int value) override;
   bool OnKeyDown(const KeyEvent& event) override;
+  bool OnDragOver(const std::string& text, const MouseEvent& event) override;
+  void OnDragLeave() override;
+  void OnDrop(const std::string& text, const MouseEvent& event) override;
   void OnFocusChanged(bool focused) override;
   std::string ToolTipAt(PixelPoint point) const override;
 
@@ -149,6 +158,7 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   std::size_t currentRow_ = 0;
   std::size_t currentColumn_ = 0;
   RowRange selection_;
+  std::size_t dropRow_ = 0;  // where a drop would insert: before this row; 0 while nothing is dragged over
   Gesture gesture_;
   ScrollState horizontal_;
   ScrollState vertical_;

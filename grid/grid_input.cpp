@@ -132,6 +132,33 @@ bool zrGrid::MoveCurrent(std::int32_t keyCode) {
   return true;
 }
 
+// The row before which a drop at this place inserts: behind the last one when it lies below all rows.
+static std::size_t DropRowAt(const GridLayout& layout, PixelPoint point, std::size_t count) {
+  const GridHit hit = layout.HitTest({layout.RowHeaderWidth() / 2, point.y});
+  return hit.row != 0 ? hit.row : point.y < layout.HeaderHeight() ? 1 : count + 1;
+}
+
+bool zrGrid::OnDragOver(const std::string& text, const MouseEvent& event) {
+  std::int32_t effect = 0;
+  OLEDragOver.Raise(text, effect, event.button, event.shift, static_cast<float>(event.position.x.Value()),
+                    static_cast<float>(event.position.y.Value()));
+  dropRow_ = effect != 0 ? DropRowAt(Layout(), event.position, static_cast<std::size_t>(rows_->Count())) : 0;
+  Redraw();
+  return effect != 0;
+}
+
+void zrGrid::OnDragLeave() {
+  dropRow_ = 0;
+  Redraw();
+}
+
+void zrGrid::OnDrop(const std::string& text, const MouseEvent& event) {
+  OnDragLeave();
+  std::int32_t effect = 1;
+  OLEDragDrop.Raise(text, effect, event.button, event.shift, static_cast<float>(event.position.x.Value()),
+                    static_cast<float>(event.position.y.Value()));
+}
+
 void zrGrid::OnFocusChanged(bool focused) {
   focused_ = focused;
   if (focused && currentRow_ == 0) MoveCurrent(KeyCodeDown);  // so that the keyboard has a place to start from

@@ -1,4 +1,6 @@
 // The grid's picture. Only visible cells are drawn.
+#include <algorithm>
+
 #include "grid/grid.h"
 
 namespace zrqrybld {
@@ -25,6 +27,11 @@ void zrGrid::Paint(Canvas& canvas, const PixelRect& dirty) const {
     }
   }
   PaintHeaders(canvas, layout, view);
+  if (dropRow_ != 0) {
+    // The bar where a drop would insert.
+    const PixelRect row = layout.RowHeaderRect(dropRow_);
+    canvas.FillRect({0_px, std::max(row.top, layout.HeaderHeight()) - 1_px, view.width, 3_px}, ColorRole::Focus);
+  }
 }
 
 void zrGrid::PaintHeaders(Canvas& canvas, const GridLayout& layout, PixelSize view) const {

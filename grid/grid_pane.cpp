@@ -51,6 +51,14 @@ void qbGridPane::CreateColumns() {
     EnsureEmptyLastRow();
     ReportChange();
   }));
+  links_.push_back(grdPane_->OLEDragOver.Connect(
+      [](const std::string& text, std::int32_t& effect, std::int32_t, std::int32_t, float, float) {
+        if (text.find('.') != std::string::npos) effect = 1;
+      }));
+  links_.push_back(grdPane_->OLEDragDrop.Connect(
+      [this](const std::string& text, std::int32_t&, std::int32_t, std::int32_t, float x, float y) {
+        DropField(text, {Pixels(static_cast<double>(x)), Pixels(static_cast<double>(y))});
+      }));
   links_.push_back(grdPane_->DblClick.Connect([this] { DblClick.Raise(); }));
   links_.push_back(grdPane_->ShowContextMenu.Connect(
       [this](std::int32_t row, std::int32_t column) { ShowContextMenu.Raise(row, column); }));

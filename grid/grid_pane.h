@@ -147,6 +147,7 @@ class qbGridPane final : public Object {
   bool IsOutput(const Field& field) const;
 
   Field FieldOf(const zrGridRow& row) const { return {Text(row, kColumnTable), Text(row, kColumnColumn)}; }
+  void DropField(const std::string& text, PixelPoint at);
   void CellChanged(std::int32_t row, std::int32_t column);
   void RowsAboutToGo(std::int32_t first, std::int32_t last);
   void ReportChange();

@@ -36,6 +36,12 @@ class Control : public Object {
   virtual void OnMouseUp(const MouseEvent&) {}
   virtual void OnDoubleClick(const MouseEvent&) {}
   virtual void OnMouseLeave() {}
+  /// A text is dragged over the control. Returns whether it may be dropped here.
+  virtual bool OnDragOver(const std::string& /*text*/, const MouseEvent&) { return false; }
+  /// The drag has left the control, or was given up.
+  virtual void OnDragLeave() {}
+  /// A text is dropped where `OnDragOver` has allowed it.
+  virtual void OnDrop(const std::string& /*text*/, const MouseEvent&) {}
   /// Time has passed while the surface ticks.
   virtual void OnTick() {}
   virtual void OnWheel(const WheelEvent&) {}

@@ -28,6 +28,7 @@ ControlWidget::ControlWidget(Ref<Control> control, QWidget* parent)
     : QAbstractScrollArea(parent), theme_(palette()), metrics_(font()) {
   setFrameShape(QFrame::NoFrame);
   setFocusPolicy(Qt::StrongFocus);
+  setAcceptDrops(true);
   viewport()->setMouseTracking(true);
   viewport()->setAutoFillBackground(false);
   connect(verticalScrollBar(), &QScrollBar::valueChanged, this,
@@ -268,6 +269,38 @@ bool ControlWidget::event(QEvent* event) {
 }
 
 // Not the base: it would scroll with the arrow keys that the control did not want.
+// A drag is a mouse without a button that went down here.
+static MouseEvent ToMouseEvent(const QDropEvent& event) {
+  return {ButtonLeft, ToShift(event.modifiers()), {Pixels(event.position().x()), Pixels(event.position().y())}};
+}
+
+void ControlWidget::dragEnterEvent(QDragEnterEvent* event) { dragMoveEvent(event); }
+
+void ControlWidget::dragMoveEvent(QDragMoveEvent* event) {
+  bool allowed = false;
+  if (event->mimeData()->hasText()) {
+    const std::string text = ToUtf8(event->mimeData()->text());
+    Tell([&](Control& control) { allowed = control.OnDragOver(text, ToMouseEvent(*event)); });
+  }
+  // Entering is always accepted: a place further inside may take what the edge does not.
+  if (allowed || event->type() == QEvent::DragEnter) {
+    event->acceptProposedAction();
+  } else {
+    event->ignore();
+  }
+}
+
+void ControlWidget::dragLeaveEvent(QDragLeaveEvent* event) {
+  event->accept();
+  Tell([](Control& control) { control.OnDragLeave(); });
+}
+
+void ControlWidget::dropEvent(QDropEvent* event) {
+  const std::string text = ToUtf8(event->mimeData()->text());
+  Tell([&](Control& control) { control.OnDrop(text, ToMouseEvent(*event)); });
+  event->acceptProposedAction();
+}
+
 void ControlWidget::keyPressEvent(QKeyEvent* event) {
   if (IsTab(event->key())) {
     event->ignore();  // was offered in `event`
