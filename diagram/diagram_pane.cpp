@@ -300,7 +300,7 @@ Variant ToVariant(Color color) { return static_cast<std::int64_t>(color.value); 
 
 Color ReadColor(const PropertyStore& store, std::string_view key, Color defaultColor) {
   const std::optional<double> number = store.Read(key, ToVariant(defaultColor)).Number();
-  if (!number || *number < -2147483648.0 || *number > 4294967295.0) return defaultColor;
+  if (!number || !(*number >= -2147483648.0 && *number <= 4294967295.0)) return defaultColor;
   return {static_cast<std::uint32_t>(static_cast<std::int64_t>(*number))};
 }
 
@@ -312,11 +312,19 @@ Variant ToVariant(const Font& font) {
 Font ReadFont(const PropertyStore& store, std::string_view key) {
   Font font;
   const std::string text = store.Read(key, "").Text();
-  const std::vector<std::string_view> parts = Split(text, ";");
-  font.family = parts[0];
-  if (parts.size() > 1) font.points = std::clamp(ParseNumber(parts[1]).value_or(0), 0.0, 200.0);
-  font.bold = std::ranges::find(parts, "bold") != parts.end();
-  font.italic = std::ranges::find(parts, "italic") != parts.end();
+  std::string_view rest = text;
+  const auto take = [&rest](std::string_view end) {
+    if (!rest.ends_with(end)) return false;
+    rest.remove_suffix(end.size());
+    return true;
+  };
+  // From the end: the family may hold anything.
+  font.italic = take(";italic");
+  font.bold = take(";bold");
+  const std::size_t last = rest.rfind(';');
+  const std::optional<double> points = last < rest.size() ? ParseNumber(rest.substr(last + 1)) : std::nullopt;
+  if (points) font.points = std::clamp(*points, 0.0, 200.0);
+  font.family = points ? rest.substr(0, last) : rest;
   return font;
 }
 
