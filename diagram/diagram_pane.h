@@ -307,6 +307,7 @@ class qbDiagramPane final : public Control, private DiagramView {
   Ref<qbRelationship> SelectedJoin() const { return std::dynamic_pointer_cast<qbRelationship>(selected_); }
 
   void ShowContextMenu(const Ref<Object>& object, PixelPoint at);
+  PixelPoint MenuPlaceOfSelection() const;
   Menu MenuForSurface();
   Menu MenuForBox(const Ref<qbEntity>& entity);
   Menu MenuForJoin(const Ref<qbRelationship>& join);

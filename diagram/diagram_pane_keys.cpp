@@ -37,7 +37,7 @@ bool qbDiagramPane::OnKeyDown(const KeyEvent& event) {
     return SelectNext(event.shift == ShiftShift ? -1 : 1);
   }
   if ((keyCode == kKeyF10 && event.shift == ShiftShift) || (keyCode == kKeyMenu && event.shift == ShiftNone)) {
-    ShowContextMenu(selected_, {kSurfaceMargin, kSurfaceMargin});
+    ShowContextMenu(selected_, MenuPlaceOfSelection());
     return true;
   }
   if ((event.shift & ShiftCtrl) != 0) return OnControlKey(keyCode, event);

@@ -1,12 +1,37 @@
 // The pane's context menus. A host application may change each before it is shown.
+#include <algorithm>
+
+#include "base/text.h"
 #include "diagram/diagram_pane.h"
 #include "diagram/join_properties.h"
 #include "diagram/relationships.h"
 
 namespace zrqrybld {
+namespace {
+
+// A name inside a menu's text: its ampersands mark no access key.
+std::string InMenu(const std::string& name) { return ReplaceAll(name, "&", "&&"); }
+
+}  // namespace
+
+// Below the selected box's caption, on the selected line's middle, as far as they can be seen.
+PixelPoint qbDiagramPane::MenuPlaceOfSelection() const {
+  PixelRect place{kSurfaceMargin, kSurfaceMargin, {}, {}};
+  if (const Ref<qbEntity> entity = SelectedEntity(); entity && entity->EntityBox()) {
+    place = PlaceOf(*entity->EntityBox());
+    place.top += CurrentBoxMetrics().captionHeight * zoom_;
+  } else if (const Ref<qbRelationship> join = SelectedJoin(); join && join->Line()) {
+    const std::vector<PixelPoint>& points = join->Line()->Points(GetSurface().Scale());
+    if (points.size() > 2) place = ToPane({points[1].x, (points[1].y + points[2].y) / 2, {}, {}});
+  }
+  const PixelSize view = GetSurface().ViewSize();
+  return {std::clamp(place.left, 0_px, std::max(view.width, 0_px)),
+          std::clamp(place.top, 0_px, std::max(view.height, 0_px))};
+}
 
 void qbDiagramPane::ShowContextMenu(const Ref<Object>& object, PixelPoint at) {
   SelectObject(object);
+  if (object && selected_ != object) return;  // a listener has removed it or selected another
   Menu menu;
   if (const auto entity = std::dynamic_pointer_cast<qbEntity>(object)) {
     menu = MenuForBox(entity);
@@ -62,8 +87,8 @@ Menu qbDiagramPane::MenuForJoin(const Ref<qbRelationship>& join) {
   };
   return {
       kind(0, "&Matching Rows Only"),
-      kind(JoinAllOfSource, "All Rows from &" + source->Caption()),
-      kind(JoinAllOfTarget, "All Rows from &" + target->Caption()),
+      kind(JoinAllOfSource, "All Rows from &" + InMenu(source->Caption())),
+      kind(JoinAllOfTarget, "All Rows from &" + InMenu(target->Caption())),
       kind(JoinAllOfSource | JoinAllOfTarget, "All Rows from &Both"),
       MenuEntry::Separator(),
       {"&Properties...", "Enter", [context, join] { context->RelationshipActivated(join); }, context != nullptr},

@@ -272,18 +272,13 @@ void qbDiagramPane::OnMouseUp(const MouseEvent& event) {
   if (const auto* moving = std::get_if<MovingBox>(&gesture)) Drop(*moving, event);
   if (const auto* row = std::get_if<DraggingRow>(&gesture)) Drop(*row);
   const PaneHit hit = HitTest(event.position);
-  if (event.button == ButtonRight) {
-    const Ref<Object> object = hit.box ? hit.box->Entity() : hit.line ? Ref<Object>(hit.line->Relationship()) : nullptr;
-    ShowContextMenu(object, event.position);
-    return;
-  }
+  const Ref<Object> object = hit.box ? hit.box->Entity() : hit.line ? Ref<Object>(hit.line->Relationship()) : nullptr;
   if (hit.box) {
-    if (const Ref<qbEntity> entity = EntityOf(*hit.box)) {
-      ObjectMouseUp.Raise(event.button, event.shift, X(event), Y(event), entity);
-    }
+    if (object) ObjectMouseUp.Raise(event.button, event.shift, X(event), Y(event), object);
   } else if (!hit.line) {
     MouseUp.Raise(event.button, event.shift, X(event), Y(event));
   }
+  if (event.button == ButtonRight) ShowContextMenu(object, event.position);
 }
 
 // A box that is dropped on a row of another box draws a join from its own current row, and goes back to where it was.
