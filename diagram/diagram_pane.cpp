@@ -210,6 +210,7 @@ void qbDiagramPane::SelectObject(const Ref<Object>& object) {
   // A listener has selected another object meanwhile, or removed this one.
   if ((selected_ && selected_ != leaving_) || !IsInDiagram(object)) return;
   selected_ = object;
+  typedAhead_.clear();
   rowMarksStale_ = true;
   if (const auto join = std::dynamic_pointer_cast<qbRelationship>(object)) {
     if (join->Line()) join->Line()->SetSelected(true);

@@ -45,13 +45,13 @@ bool qbDiagramPane::OnKeyDown(const KeyEvent& event) {
   const bool types = !event.text.empty() && static_cast<unsigned char>(event.text.front()) > ' ' && keyCode != 0 &&
                      (event.shift & ShiftAlt) == 0;
   if (!types) return false;
-  std::size_t at = 0;
-  char32_t character = DecodeUtf8(event.text, at);
-  KeyPress.Raise(character);
-  if (character == 0) return true;
-  std::string text;
-  AppendUtf8(text, character);
-  return TypeAhead(text);
+  std::string text;  // an input method may give several characters at once
+  for (std::size_t at = 0; at < event.text.size();) {
+    char32_t character = DecodeUtf8(event.text, at);
+    KeyPress.Raise(character);
+    if (character != 0) AppendUtf8(text, character);
+  }
+  return text.empty() || TypeAhead(text);
 }
 
 bool qbDiagramPane::OnPlainKey(std::int32_t keyCode) {
