@@ -189,6 +189,7 @@ class qbDiagramPane final : public Control, private DiagramView {
     PixelPoint grip;   // from the box's corner to the pointer, on the surface
     PixelPoint start;  // the pointer at first
     TwipsRect before;
+    PixelPoint pointer;
     bool moving = false;
   };
   struct ResizingBox {
@@ -199,12 +200,12 @@ class qbDiagramPane final : public Control, private DiagramView {
   };
   struct DraggingRow {
     Ref<qbEntityList> box;
-    std::size_t row;
+    Ref<BoxRow> row;  // the row itself: others may come and go meanwhile
     PixelPoint start;
     PixelPoint pointer;
     bool dragging = false;
     Ref<qbEntityList> target;  // the box under the pointer with a row where the join may end
-    std::size_t targetRow = 0;
+    Ref<BoxRow> targetRow;
   };
   struct ScrollingList {
     Ref<qbEntityList> box;
@@ -283,9 +284,11 @@ class qbDiagramPane final : public Control, private DiagramView {
   void Drag(NoGesture&, const MouseEvent&) {}
   void Drop(const MovingBox& gesture, const MouseEvent& event);
   void Drop(const DraggingRow& gesture);
-  void BeginGesture(Gesture gesture);
+  PixelSize SmallestBox() const;
+  void BeginGesture(Gesture gesture, std::int32_t button);
   void EndGesture();
   bool CancelGesture();
+  void ScrollNearEdges(PixelPoint point);
   void AimAt(DraggingRow& gesture, PixelPoint point);
   void AddJoin(const Ref<qbEntity>& source, std::size_t sourceRow, const Ref<qbEntity>& target, std::size_t targetRow,
                bool onlyOnce);
@@ -321,6 +324,7 @@ class qbDiagramPane final : public Control, private DiagramView {
   Ref<Object> selected_;
   Ref<Object> leaving_;  // the object whose listeners are being told that it is not selected any more
   Gesture gesture_;
+  std::int32_t gestureButton_ = ButtonNone;  // the button that holds it; others neither end nor replace it
   PaneHit hover_;
   bool focused_ = false;
   ScrollState horizontal_;

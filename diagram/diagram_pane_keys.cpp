@@ -1,5 +1,6 @@
 // The pane's keyboard.
 #include <algorithm>
+#include <utility>
 
 #include "base/text.h"
 #include "diagram/diagram_pane.h"
@@ -71,7 +72,7 @@ bool qbDiagramPane::OnPlainKey(std::int32_t keyCode) {
     case KeyCodeEnd:
       return entity && GoToRow(entity->EntityBox()->Rows().Count());
     case KeyCodeSpace:
-      if (!spaceHeld_) spaceWasUsed_ = false;
+      if (!spaceHeld_) spaceWasUsed_ = !std::holds_alternative<NoGesture>(gesture_);
       spaceHeld_ = true;  // ticks when it is let go, unless it has panned meanwhile
       return true;
     case KeyCodeEnter:
@@ -109,11 +110,10 @@ bool qbDiagramPane::OnControlKey(std::int32_t keyCode, const KeyEvent& event) {
 void qbDiagramPane::OnKeyUp(const KeyEvent& event) {
   std::int32_t keyCode = event.keyCode;
   KeyUp.Raise(keyCode, event.shift);
-  if (IsArrow(keyCode)) resizeStep_ = 0;
-  if (keyCode == KeyCodeSpace && spaceHeld_) {
-    spaceHeld_ = false;
-    if (!spaceWasUsed_) ToggleCurrentRow();
-  }
+  if (IsArrow(event.keyCode)) resizeStep_ = 0;
+  // A listener may take the key from the row, not from the hand that lets it go.
+  if (event.keyCode != KeyCodeSpace || !std::exchange(spaceHeld_, false)) return;
+  if (keyCode == KeyCodeSpace && !spaceWasUsed_) ToggleCurrentRow();
 }
 
 void qbDiagramPane::OnFocusChanged(bool focused) {
@@ -152,11 +152,15 @@ bool qbDiagramPane::ResizeSelectedBox(std::int32_t keyCode) {
   const ScreenScale scale = GetSurface().Scale();
   PixelRect place = scale.ToPixels(entity->EntityBox()->Bounds());
   const auto by = Pixels(resizeStep_);
-  if (keyCode == KeyCodeLeft) place.width -= by;
+  const auto [narrowest, lowest] = SmallestBox();
+  if (keyCode == KeyCodeLeft) place.width = std::min(place.width, std::max(place.width - by, narrowest));
   if (keyCode == KeyCodeRight) place.width += by;
-  if (keyCode == KeyCodeUp) place.height -= by;
-  if (keyCode == KeyCodeDown) place.height += by;
-  entity->EntityBox()->SetBounds(scale.ToTwips(place));
+  const Ref<qbEntityList> box = entity->EntityBox();
+  if (!box->Minimized()) {
+    if (keyCode == KeyCodeUp) place.height = std::min(place.height, std::max(place.height - by, lowest));
+    if (keyCode == KeyCodeDown) place.height += by;
+  }
+  box->SetBounds(scale.ToTwips(place));
   return true;
 }
 

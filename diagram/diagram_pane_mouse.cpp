@@ -12,7 +12,8 @@ namespace {
 constexpr Pixels kDragDistance = 4_px;
 constexpr Pixels kAutoScrollZone = 20_px;
 constexpr int kAutoScrollStep = 16;
-constexpr Pixels kSmallestBox = 96_px;
+constexpr Pixels kNarrowestBox = 96_px;
+constexpr Pixels kLineReach = 6_px;  // how far beside a line it is hit, at any zoom
 
 float X(const MouseEvent& event) { return static_cast<float>(event.position.x.Value()); }
 float Y(const MouseEvent& event) { return static_cast<float>(event.position.y.Value()); }
@@ -49,9 +50,13 @@ qbDiagramPane::PaneHit qbDiagramPane::HitTest(PixelPoint point) const {
 
 void qbDiagramPane::OnMouseDown(const MouseEvent& event) {
   GetSurface().SetFocus();
+  if (!std::holds_alternative<NoGesture>(gesture_)) {
+    if (event.button != gestureButton_) return;
+    EndGesture();  // its release went elsewhere
+  }
   if (event.button == ButtonMiddle || (event.button == ButtonLeft && spaceHeld_)) {
     spaceWasUsed_ = true;
-    BeginGesture(Panning{event.position, horizontal_.value, vertical_.value});
+    BeginGesture(Panning{event.position, horizontal_.value, vertical_.value}, event.button);
     return;
   }
   const PaneHit hit = HitTest(event.position);
@@ -80,19 +85,19 @@ void qbDiagramPane::PressBox(const PaneHit& hit, const MouseEvent& event) {
   switch (hit.part.part) {
     case BoxPart::Caption: {
       const PixelRect place = scale.ToPixels(hit.box->Bounds());
-      BeginGesture(
-          MovingBox{hit.box, onSurface - PixelPoint{place.left, place.top}, event.position, hit.box->Bounds(), false});
+      BeginGesture(MovingBox{hit.box, onSurface - PixelPoint{place.left, place.top}, event.position, hit.box->Bounds(),
+                             event.position, false},
+                   event.button);
       return;
     }
     case BoxPart::Edge:
-      BeginGesture(ResizingBox{hit.box, hit.part.edges, onSurface, hit.box->Bounds()});
+      BeginGesture(ResizingBox{hit.box, hit.part.edges, onSurface, hit.box->Bounds()}, event.button);
       return;
     case BoxPart::MinimizeButton:
       hit.box->SetMinimized(!hit.box->Minimized());
       return;
     case BoxPart::ScrollBar:
-      BeginGesture(ScrollingList{hit.box, {}});
-      Drag(std::get<ScrollingList>(gesture_), event);
+      BeginGesture(ScrollingList{hit.box, scale.TwipsY(onSurface.y) - hit.box->ScrollMarkTop()}, event.button);
       return;
     case BoxPart::CheckBox:
     case BoxPart::Row:
@@ -112,12 +117,13 @@ void qbDiagramPane::PressRow(const PaneHit& hit, const MouseEvent& event, const 
   if (hit.part.part == BoxPart::CheckBox) {
     row->SetChecked(!row->Checked());
   } else {
-    BeginGesture(DraggingRow{hit.box, hit.part.row, event.position, event.position, false, nullptr, 0});
+    BeginGesture(DraggingRow{hit.box, row, event.position, event.position, false, nullptr, nullptr}, event.button);
   }
 }
 
-void qbDiagramPane::BeginGesture(Gesture gesture) {
+void qbDiagramPane::BeginGesture(Gesture gesture, std::int32_t button) {
   gesture_ = std::move(gesture);
+  gestureButton_ = button;
   GetSurface().SetCapture(true);
 }
 
@@ -160,6 +166,7 @@ void qbDiagramPane::OnMouseMove(const MouseEvent& event) {
 void qbDiagramPane::Drag(MovingBox& gesture, const MouseEvent& event) {
   if (!gesture.moving && !IsFar(event.position, gesture.start)) return;
   gesture.moving = true;
+  gesture.pointer = event.position;
   GetSurface().SetTicking(true);
   const PixelPoint corner = ToSurface(event.position) - gesture.grip;
   const TwipsPoint place = GetSurface().Scale().ToTwips(PixelPoint{std::max(corner.x, 0_px), std::max(corner.y, 0_px)});
@@ -179,16 +186,22 @@ void qbDiagramPane::Drag(MovingBox& gesture, const MouseEvent& event) {
   box->SetBounds(bounds);
 }
 
+// What a user can make of a box: its caption can be read, and one row be seen.
+PixelSize qbDiagramPane::SmallestBox() const {
+  const BoxMetrics metrics = CurrentBoxMetrics();
+  return {kNarrowestBox, metrics.captionHeight + metrics.rowHeight};
+}
+
 void qbDiagramPane::Drag(ResizingBox& gesture, const MouseEvent& event) {
   const ScreenScale scale = GetSurface().Scale();
   const PixelPoint moved = ToSurface(event.position) - gesture.start;
   PixelRect place = scale.ToPixels(gesture.before);
-  const Pixels lowest = CurrentBoxMetrics().captionHeight + CurrentBoxMetrics().rowHeight;
-  if ((gesture.edges & EdgeRight) != 0) place.width = std::max(place.width + moved.x, kSmallestBox);
+  const auto [narrowest, lowest] = SmallestBox();
+  if ((gesture.edges & EdgeRight) != 0) place.width = std::max(place.width + moved.x, narrowest);
   if ((gesture.edges & EdgeBottom) != 0) place.height = std::max(place.height + moved.y, lowest);
   if ((gesture.edges & EdgeLeft) != 0) {
     const Pixels right = place.Right();
-    place.left = std::clamp(place.left + moved.x, 0_px, std::max(right - kSmallestBox, 0_px));
+    place.left = std::clamp(place.left + moved.x, 0_px, std::max(right - narrowest, 0_px));
     place.width = right - place.left;
   }
   if ((gesture.edges & EdgeTop) != 0) {
@@ -196,7 +209,10 @@ void qbDiagramPane::Drag(ResizingBox& gesture, const MouseEvent& event) {
     place.top = std::clamp(place.top + moved.y, 0_px, std::max(bottom - lowest, 0_px));
     place.height = bottom - place.top;
   }
-  gesture.box->SetBounds(scale.ToTwips(place));
+  TwipsRect bounds = scale.ToTwips(place);
+  if ((gesture.edges & (EdgeTop | EdgeBottom)) == 0) bounds.height = gesture.before.height;  // to the last bit
+  const Ref<qbEntityList> box = gesture.box;
+  box->SetBounds(bounds);
 }
 
 void qbDiagramPane::Drag(DraggingRow& gesture, const MouseEvent& event) {
@@ -211,9 +227,10 @@ void qbDiagramPane::Drag(DraggingRow& gesture, const MouseEvent& event) {
                          view.height + kAutoScrollZone * 2};
   if (!inside.Contains(event.position)) {
     // The row leaves the diagram: from here on it is a text for whoever takes it.
-    const std::string text = gesture.box->Caption() + "." + gesture.box->Rows().At(gesture.row)->Text();
+    const bool isThere = gesture.box->PositionOf(gesture.row) != 0;
+    const std::string text = gesture.box->Caption() + "." + gesture.row->Text();
     EndGesture();
-    GetSurface().DragText(text);
+    if (isThere) GetSurface().DragText(text);
     return;
   }
   AimAt(gesture, event.position);
@@ -221,18 +238,19 @@ void qbDiagramPane::Drag(DraggingRow& gesture, const MouseEvent& event) {
 
 void qbDiagramPane::AimAt(DraggingRow& gesture, PixelPoint point) {
   const PaneHit hit = HitTest(point);
-  const bool illegal = IsAllColumns(*gesture.box, gesture.row) ||
+  const bool illegal = IsAllColumns(*gesture.box, gesture.box->PositionOf(gesture.row)) ||
                        (hit.box && (hit.box == gesture.box || IsAllColumns(*hit.box, hit.part.row)));
   const bool legal = !illegal && hit.box && hit.part.row != 0;
   gesture.target = legal ? hit.box : nullptr;
-  gesture.targetRow = legal ? hit.part.row : 0;
+  gesture.targetRow = legal ? hit.box->Rows().At(hit.part.row) : nullptr;
   // The no-drop sign only over what can be no target, not on the way there.
   GetSurface().SetCursor(legal ? Cursor::Join : hit.box && illegal ? Cursor::NoDrop : Cursor::Arrow);
   Refresh();
 }
 
 void qbDiagramPane::Drag(ScrollingList& gesture, const MouseEvent& event) {
-  gesture.box->ScrollTo(gesture.box->FirstRowAt(GetSurface().Scale().TwipsY(ToSurface(event.position).y)));
+  const Ref<qbEntityList> box = gesture.box;
+  box->ScrollTo(box->FirstRowAt(GetSurface().Scale().TwipsY(ToSurface(event.position).y) - gesture.grip));
 }
 
 void qbDiagramPane::Drag(Panning& gesture, const MouseEvent& event) {
@@ -243,23 +261,34 @@ void qbDiagramPane::Drag(Panning& gesture, const MouseEvent& event) {
   UpdateScrollBars();
 }
 
-// Near the edges of the pane the surface scrolls by itself, and near those of a box its list does.
-void qbDiagramPane::OnTick() {
-  auto* row = std::get_if<DraggingRow>(&gesture_);
-  if (!row) return;
-  const PixelPoint at = row->pointer;
+void qbDiagramPane::ScrollNearEdges(PixelPoint at) {
   const PixelSize view = GetSurface().ViewSize();
   if (at.x < kAutoScrollZone) ScrollBy(Orientation::Horizontal, -kAutoScrollStep);
   if (at.x > view.width - kAutoScrollZone) ScrollBy(Orientation::Horizontal, kAutoScrollStep);
   if (at.y < kAutoScrollZone) ScrollBy(Orientation::Vertical, -kAutoScrollStep);
   if (at.y > view.height - kAutoScrollZone) ScrollBy(Orientation::Vertical, kAutoScrollStep);
+}
+
+// Near the edges of the pane the surface scrolls by itself, and near those of a box its list does.
+void qbDiagramPane::OnTick() {
+  if (auto* moving = std::get_if<MovingBox>(&gesture_); moving && moving->moving) {
+    const PixelPoint at = moving->pointer;
+    ScrollNearEdges(at);
+    Drag(*moving, {gestureButton_, ShiftNone, at});  // the box stays under the pointer
+    return;
+  }
+  auto* row = std::get_if<DraggingRow>(&gesture_);
+  if (!row || !row->dragging) return;
+  const PixelPoint at = row->pointer;
+  ScrollNearEdges(at);
   const PaneHit hit = HitTest(at);
   if (hit.box && hit.box != row->box) {
     const PixelRect place = PlaceOf(*hit.box);
     const std::size_t first = hit.box->FirstVisibleRow();
     const Pixels listTop = place.top + CurrentBoxMetrics().captionHeight * zoom_;
-    if (at.y > place.Bottom() - kAutoScrollZone) hit.box->ScrollTo(first + 1);
-    if (at.y > listTop && at.y < listTop + kAutoScrollZone && first > 1) hit.box->ScrollTo(first - 1);
+    const Pixels zone = std::min(kAutoScrollZone, (place.Bottom() - listTop) / 3);  // they never meet
+    if (at.y > place.Bottom() - zone) hit.box->ScrollTo(first + 1);
+    if (at.y > listTop && at.y < listTop + zone && first > 1) hit.box->ScrollTo(first - 1);
   }
   AimAt(*row, at);
 }
@@ -267,6 +296,8 @@ void qbDiagramPane::OnTick() {
 // --- Dropping ---
 
 void qbDiagramPane::OnMouseUp(const MouseEvent& event) {
+  if (!std::holds_alternative<NoGesture>(gesture_) && event.button != gestureButton_) return;
+  if (auto* row = std::get_if<DraggingRow>(&gesture_); row && row->dragging) AimAt(*row, event.position);
   const Gesture gesture = gesture_;
   EndGesture();
   if (const auto* moving = std::get_if<MovingBox>(&gesture)) Drop(*moving, event);
@@ -300,10 +331,12 @@ void qbDiagramPane::Drop(const MovingBox& gesture, const MouseEvent& event) {
 }
 
 void qbDiagramPane::Drop(const DraggingRow& gesture) {
-  if (!gesture.dragging || !gesture.target) return;
+  const std::size_t row = gesture.box->PositionOf(gesture.row);
+  const std::size_t targetRow = gesture.target ? gesture.target->PositionOf(gesture.targetRow) : 0;
+  if (!gesture.dragging || row == 0 || targetRow == 0) return;
   const Ref<qbEntity> source = EntityOf(*gesture.box);
   const Ref<qbEntity> target = EntityOf(*gesture.target);
-  if (source && target) AddJoin(source, gesture.row, target, gesture.targetRow, true);
+  if (source && target) AddJoin(source, row, target, targetRow, true);
 }
 
 void qbDiagramPane::AddJoin(const Ref<qbEntity>& source, std::size_t sourceRow, const Ref<qbEntity>& target,
@@ -335,6 +368,10 @@ void qbDiagramPane::OnDrop(const std::string& text, const MouseEvent& event) {
 // --- Double click, pointing, wheel ---
 
 void qbDiagramPane::OnDoubleClick(const MouseEvent& event) {
+  if (event.button != ButtonLeft || spaceHeld_) {
+    OnMouseDown(event);  // two quick presses that pan or open menus are two presses
+    return;
+  }
   const PaneHit hit = HitTest(event.position);
   if (hit.box) {
     const Ref<qbEntity> entity = EntityOf(*hit.box);

@@ -54,7 +54,7 @@ void qbDiagramPane::PaintDiagram(Canvas& canvas, const PixelRect& visible, bool 
       look.active = selected_ && box->Entity() == selected_;
       look.focused = focused_;
       if (box == hover_.box) look.hover = hover_.part;
-      if (drag && drag->dragging && drag->target == box) look.dropRow = drag->targetRow;
+      if (drag && drag->dragging && drag->target == box) look.dropRow = box->PositionOf(drag->targetRow);
       look.marked = &markedRows_;
     }
     box->Paint(canvas, place, look);
@@ -72,8 +72,8 @@ void qbDiagramPane::PaintRubberLine(Canvas& canvas) const {
   const PixelRect box = scale.ToPixels(drag->box->Bounds());
   const PixelPoint pointer = ToSurface(drag->pointer);
   const bool toRight = pointer.x >= box.CenterX();
-  const std::array<PixelPoint, 2> line{PixelPoint{toRight ? box.Right() : box.left, drag->box->LineY(drag->row)},
-                                       pointer};
+  const std::array<PixelPoint, 2> line{
+      PixelPoint{toRight ? box.Right() : box.left, drag->box->LineY(drag->box->PositionOf(drag->row))}, pointer};
   canvas.DrawPolyline(line, drag->target ? ColorRole::JoinSelected : ColorRole::Join, 2_px);
   canvas.FillRect({pointer.x - 3_px, pointer.y - 3_px, 6_px, 6_px},
                   drag->target ? ColorRole::JoinSelected : ColorRole::Join, 3_px);

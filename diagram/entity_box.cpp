@@ -95,7 +95,7 @@ void qbEntityList::SetMetrics(const BoxMetrics& metrics) {
 }
 
 void qbEntityList::SetSelectedRow(std::size_t row) {
-  selectedRow_ = row <= rows_.Count() ? row : 0;
+  selectedRow_ = rows_.At(row);
   Changed.Raise();
 }
 
@@ -114,6 +114,10 @@ void qbEntityList::ScrollTo(std::size_t row) {
   if (first == firstRow_) return;
   firstRow_ = first;
   Move.Raise();
+}
+
+Twips qbEntityList::ScrollMarkTop() const {
+  return metrics_.scale.TwipsY(ScrollMarkRect(metrics_.scale.ToPixels(bounds_)).top);
 }
 
 std::size_t qbEntityList::FirstRowAt(Twips y) const {
@@ -205,7 +209,8 @@ TwipsSize qbEntityList::FittingSize(const TextMetrics& text, std::size_t maximum
     width = std::max(width, textLeft + text.TextWidth(row->Text(), font) + key + joinMark + kPadding);
   }
   width = std::clamp(width + kFrame * 2 + kScrollMark, kNarrowest, kWidest);
-  const auto rows = static_cast<double>(std::clamp<std::size_t>(rows_.Count(), 1, maximumRows));
+  const auto rows =
+      static_cast<double>(std::clamp<std::size_t>(rows_.Count(), 1, std::max<std::size_t>(maximumRows, 1)));
   const Pixels height = metrics_.captionHeight + metrics_.rowHeight * rows + kFrame * 2 + 2_px;
   return {metrics_.scale.TwipsX(Pixels(std::ceil(width.Value()))),
           metrics_.scale.TwipsY(Pixels(std::ceil(height.Value())))};
@@ -287,7 +292,7 @@ void qbEntityList::PaintCaption(Canvas& canvas, const PixelRect& place, const Bo
 }
 
 void qbEntityList::PaintRow(Canvas& canvas, const PixelRect& rect, const BoxRow& row, const BoxLook& look) const {
-  const bool selected = look.active && row.Index() == selectedRow_;
+  const bool selected = look.active && &row == selectedRow_.get();
   const bool hover = row.Index() == look.hover.row;
   const bool marked = look.marked && look.marked->contains(&row);
   if (selected || marked || row.Index() == look.dropRow) {

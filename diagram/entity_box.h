@@ -92,8 +92,12 @@ class qbEntityList final : public Object {
   BoxRows& Rows() { return rows_; }
   const BoxRows& Rows() const { return rows_; }
   /// The row that is current in the list, from 1; 0 for none.
-  std::size_t SelectedRow() const { return selectedRow_; }
+  std::size_t SelectedRow() const { return PositionOf(selectedRow_); }
   void SetSelectedRow(std::size_t row);
+  /// Where the row stands now, from 1; 0 for nothing and for a row that was removed.
+  std::size_t PositionOf(const Ref<BoxRow>& row) const {
+    return row && rows_.At(row->Index()) == row ? row->Index() : 0;
+  }
   /// The first row that is visible, from 1.
   std::size_t FirstVisibleRow() const { return firstRow_; }
   /// How many rows fit, at least 0.
@@ -103,6 +107,8 @@ class qbEntityList final : public Object {
 
   /// How far the list can be scrolled: the largest first visible row, from 1.
   std::size_t LastFirstRow() const;
+  /// Where the scroll mark begins on the surface.
+  Twips ScrollMarkTop() const;
   /// The first visible row at which the scroll mark's top would stand at this height on the surface.
   std::size_t FirstRowAt(Twips y) const;
   /// The row that begins with `text` in any letter case, looked for behind `after` and then from the top; 0 for none.
@@ -183,7 +189,7 @@ class qbEntityList final : public Object {
   bool minimized_ = false;
   Twips restoredHeight_;  // while minimised
   BoxRows rows_;
-  std::size_t selectedRow_ = 0;
+  Ref<BoxRow> selectedRow_;  // the row itself: it moves when rows before it go
   std::size_t firstRow_ = 1;
   WeakRef<Object> entity_;
 };
