@@ -105,9 +105,8 @@ Ref<qbLine> qbDiagramPane::LoadLine(const Ref<qbRelationship>& relationship, con
   // Lines between the same two boxes run side by side: each takes the first lane that is free.
   int lane = 0;
   const auto taken = [&] {
-    return std::ranges::any_of(lines_, [&](const Ref<qbLine>& line) {
-      return line->Lane() == lane && line->EndsAt(*source) && line->EndsAt(*target);
-    });
+    return std::ranges::any_of(
+        lines_, [&](const Ref<qbLine>& line) { return line->Lane() == lane && line->Joins(*source, *target); });
   };
   while (taken()) ++lane;
   return lines_.emplace_back(std::make_shared<qbLine>(relationship, source, target, lane));

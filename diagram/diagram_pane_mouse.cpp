@@ -40,10 +40,15 @@ qbDiagramPane::PaneHit qbDiagramPane::HitTest(PixelPoint point) const {
     // The outer half of an edge counts only where no box lies under it.
     if (part.part == BoxPart::Edge && !edge.box) edge = {*box, part, nullptr};
   }
-  for (auto line = lines_.rbegin(); line != lines_.rend(); ++line) {
-    if ((*line)->HitTest(onSurface, scale)) return {nullptr, {}, *line};
+  Ref<qbLine> nearest;
+  Pixels reach = kLineReach / zoom_;
+  for (const Ref<qbLine>& line : lines_) {
+    const Pixels distance = line->DistanceTo(onSurface, scale);
+    if (distance > reach) continue;
+    reach = distance;  // of two that are as near, the upper one
+    nearest = line;
   }
-  return edge;
+  return nearest ? PaneHit{nullptr, {}, nearest} : edge;
 }
 
 // --- Pressing ---

@@ -11,7 +11,8 @@ namespace {
 
 constexpr Pixels kStub = 14_px;
 constexpr Pixels kLaneWidth = 6_px;
-constexpr Pixels kHitDistance = 6_px;
+constexpr Pixels kCaptionLane = 4_px;
+constexpr std::array<double, 5> kCaptionLanes = {0, 1, -1, 2, -2};
 constexpr Pixels kBend = 5_px;
 constexpr Pixels kEndMark = 4_px;
 constexpr Pixels kArrow = 8_px;
@@ -49,13 +50,16 @@ const std::vector<PixelPoint>& qbLine::Points(const ScreenScale& scale) const {
   const auto targetRow = static_cast<std::size_t>(targetItem->Index());
   sourceAtRow_ = source->IsRowVisible(sourceRow);
   targetAtRow_ = target->IsRowVisible(targetRow);
-  points_ = RouteLine({scale.ToPixels(source->Bounds()), source->LineY(sourceRow)},
-                      {scale.ToPixels(target->Bounds()), target->LineY(targetRow)}, {kStub, kLaneWidth * lane_});
+  // Lines whose rows are out of sight all end at the caption: there their lanes keep them apart.
+  const Pixels aside = kCaptionLane * kCaptionLanes[static_cast<std::size_t>(lane_) % kCaptionLanes.size()];
+  points_ = RouteLine({scale.ToPixels(source->Bounds()), source->LineY(sourceRow) + (sourceAtRow_ ? 0_px : aside)},
+                      {scale.ToPixels(target->Bounds()), target->LineY(targetRow) + (targetAtRow_ ? 0_px : aside)},
+                      {kStub, kLaneWidth * lane_});
   return points_;
 }
 
-bool qbLine::HitTest(PixelPoint point, const ScreenScale& scale) const {
-  return DistanceToLine(point, Points(scale)) <= kHitDistance;
+Pixels qbLine::DistanceTo(PixelPoint point, const ScreenScale& scale) const {
+  return DistanceToLine(point, Points(scale));
 }
 
 void qbLine::Paint(Canvas& canvas, const ScreenScale& scale, bool selected, bool hover) const {

@@ -27,8 +27,15 @@ class qbLine final : public Object {
   /// Whether the line ends at this box.
   bool EndsAt(const qbEntityList& box) const { return source_.lock().get() == &box || target_.lock().get() == &box; }
 
-  /// Whether the line is drawn as the selected object; only the look, the pane knows what is selected.
+  /// Whether the line joins these two boxes, in whichever direction.
+  bool Joins(const qbEntityList& one, const qbEntityList& other) const {
+    const Ref<qbEntityList> source = source_.lock();
+    const Ref<qbEntityList> target = target_.lock();
+    return (source.get() == &one && target.get() == &other) || (source.get() == &other && target.get() == &one);
+  }
   int Lane() const { return lane_; }
+
+  /// Whether the line is drawn as the selected object; only the look, the pane knows what is selected.
   bool Selected() const { return selected_; }
   void SetSelected(bool selected) { selected_ = selected; }
 
@@ -38,8 +45,8 @@ class qbLine final : public Object {
   /// The bends, in pixels on the surface; none while the join is not complete.
   const std::vector<PixelPoint>& Points(const ScreenScale& scale) const;
 
-  /// Whether the point lies within 6 pixels of the line.
-  bool HitTest(PixelPoint point, const ScreenScale& scale) const;
+  /// How far the point lies from the line; infinitely far while the join is not complete.
+  Pixels DistanceTo(PixelPoint point, const ScreenScale& scale) const;
 
   /// Draws the line.
   void Paint(Canvas& canvas, const ScreenScale& scale, bool selected, bool hover) const;
