@@ -36,7 +36,10 @@ class HeadlessSurface final : public Surface {
   void SetCursor(Cursor cursor) override { cursor_ = cursor; }
   void SetCapture(bool captured) override { captured_ = captured; }
   void SetFocus() override {}
-  void ShowMenu(const Menu& menu, PixelPoint) override { menu_ = menu; }
+  void ShowMenu(const Menu& menu, PixelPoint at) override {
+    menu_ = menu;
+    menuPlace_ = at;
+  }
   void SetTicking(bool ticking) override { ticking_ = ticking; }
   void DragText(std::string_view text) override { draggedText_ = text; }
 
@@ -47,6 +50,7 @@ class HeadlessSurface final : public Surface {
   const ScrollState& ScrollBar(Orientation orientation) const;
   /// The menu shown last.
   const Menu& LastMenu() const { return menu_; }
+  PixelPoint MenuPlace() const { return menuPlace_; }
   bool IsTicking() const { return ticking_; }
   Cursor CurrentCursor() const { return cursor_; }
   bool IsCaptured() const { return captured_; }
@@ -61,6 +65,7 @@ class HeadlessSurface final : public Surface {
   Cursor cursor_ = Cursor::Arrow;
   bool captured_ = false;
   Menu menu_;
+  PixelPoint menuPlace_{};
   bool ticking_ = false;
   std::string draggedText_;
 };

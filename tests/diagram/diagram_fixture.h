@@ -23,6 +23,12 @@ class DiagramTest : public testing::Test {
     pane->Entities()->Fit(*entity);
     return entity;
   }
+  /// The names c1, c2, ... of so many columns.
+  static std::vector<std::string> Columns(int count) {
+    std::vector<std::string> names;
+    for (int i = 1; i <= count; ++i) names.push_back("c" + std::to_string(i));
+    return names;
+  }
   static Ref<qbRelationship> Join(const Ref<qbEntity>& source, std::int32_t sourceItem, const Ref<qbEntity>& target,
                                   std::int32_t targetItem) {
     const Ref<qbRelationship> join = source->Relationships()->Add(target);
@@ -44,23 +50,52 @@ class DiagramTest : public testing::Test {
     pane->Paint(canvas, {-100'000_px, -100'000_px, 200'000_px, 200'000_px});
     return canvas.Lines();
   }
-  /// A place of the unscrolled pane; the surface begins 12 pixels inside it.
-  static PixelPoint OnPane(TwipsPoint place) { return ScreenScale{}.ToPixels(place) + PixelPoint{12_px, 12_px}; }
-  static PixelPoint OnCaption(const qbEntity& entity) {
-    const TwipsRect box = entity.EntityBox()->Bounds();
-    return OnPane({box.left, box.top}) + PixelPoint{20_px, 8_px};
+  /// Where a place of the surface, in pixels at 100 %, is seen now: the surface begins 12 pixels inside the pane.
+  PixelPoint OnPane(PixelPoint surface) const {
+    const auto seen = [&](Pixels at, Orientation orientation) {
+      return (at + 12_px) * pane->Zoom() - Pixels(Surface().ScrollBar(orientation).value);
+    };
+    return {seen(surface.x, Orientation::Horizontal), seen(surface.y, Orientation::Vertical)};
   }
-  static PixelPoint OnRow(const qbEntity& entity, std::size_t row) {
-    const TwipsRect place = entity.EntityBox()->ItemBounds(row);
-    return OnPane({place.CenterX(), place.CenterY()});
+  /// The box on the surface, in pixels at 100 %.
+  static PixelRect Place(const qbEntity& entity) { return ScreenScale{}.ToPixels(entity.EntityBox()->Bounds()); }
+  static PixelRect PlaceOfRow(const qbEntity& entity, std::size_t row) {
+    return ScreenScale{}.ToPixels(entity.EntityBox()->ItemBounds(row));
   }
-  static PixelPoint OnCheckBox(const qbEntity& entity, std::size_t row) {
-    const TwipsRect place = entity.EntityBox()->ItemBounds(row);
-    return OnPane({place.left, place.CenterY()}) + PixelPoint{15_px, 0_px};
+  PixelPoint OnCaption(const qbEntity& entity) const {
+    return OnPane({Place(entity).left + 20_px, Place(entity).top + 8_px});
+  }
+  PixelPoint OnRow(const qbEntity& entity, std::size_t row) const {
+    return OnPane({PlaceOfRow(entity, row).CenterX(), PlaceOfRow(entity, row).CenterY()});
+  }
+  PixelPoint OnCheckBox(const qbEntity& entity, std::size_t row) const {
+    return OnPane({PlaceOfRow(entity, row).left + 15_px, PlaceOfRow(entity, row).CenterY()});
+  }
+  /// The middle of a join's line.
+  PixelPoint OnLine(const qbRelationship& join) const {
+    const std::vector<PixelPoint>& points = join.Line()->Points(ScreenScale{});
+    return OnPane({(points[1].x + points[2].x) / 2, (points[1].y + points[2].y) / 2});
+  }
+  const HeadlessSurface& Surface() const { return static_cast<const HeadlessSurface&>(pane->GetSurface()); }
+
+  /// Moves a scroll bar as a user does: the window shows it there, and tells the pane.
+  void Scroll(Orientation orientation, int value) {
+    ScrollState bar = Surface().ScrollBar(orientation);
+    bar.value = std::clamp(value, 0, bar.maximum);
+    pane->GetSurface().SetScrollBar(orientation, bar);
+    pane->OnScroll(orientation, bar.value);
+  }
+  void Down(PixelPoint at, std::int32_t button = ButtonLeft) { pane->OnMouseDown({button, ShiftNone, at}); }
+  void Move(PixelPoint at, std::int32_t button = ButtonLeft) { pane->OnMouseMove({button, ShiftNone, at}); }
+  void Up(PixelPoint at, std::int32_t button = ButtonLeft) { pane->OnMouseUp({button, ShiftNone, at}); }
+  void Drag(PixelPoint from, PixelPoint to, std::int32_t button = ButtonLeft) {
+    Down(from, button);
+    Move(to, button);
+    Up(to, button);
   }
   void Click(PixelPoint at, std::int32_t button = ButtonLeft) {
-    pane->OnMouseDown({button, ShiftNone, at});
-    pane->OnMouseUp({button, ShiftNone, at});
+    Down(at, button);
+    Up(at, button);
   }
   // A key that goes down and up again; whether the pane used it.
   bool Press(std::int32_t key, std::int32_t shift = ShiftNone) {

@@ -4,15 +4,7 @@
 namespace zrqrybld {
 namespace {
 
-class DiagramPane : public test::DiagramTest {
- protected:
-  // The middle of a join's line.
-  PixelPoint OnLine(const qbRelationship& join) const {
-    const std::vector<PixelPoint>& points = join.Line()->Points(ScreenScale{});
-    return PixelPoint{(points[1].x + points[2].x) / 2, (points[1].y + points[2].y) / 2} + PixelPoint{12_px, 12_px};
-  }
-  const HeadlessSurface& Surface() const { return static_cast<const HeadlessSurface&>(pane->GetSurface()); }
-};
+class DiagramPane : public test::DiagramTest {};
 
 TEST_F(DiagramPane, AClickOnTheCheckBoxTicksTheColumn) {
   const Ref<qbEntity> a = Add("a");

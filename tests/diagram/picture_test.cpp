@@ -1,0 +1,235 @@
+// Arranging boxes, and pictures of the diagram.
+#include <chrono>
+#include <random>
+
+#include "base/text.h"
+#include "diagram/arrange.h"
+#include "tests/diagram/diagram_fixture.h"
+
+namespace zrqrybld {
+namespace {
+
+// --- Arranging ---
+
+constexpr ArrangeRules kRules{800_twips, 400_twips, 20'000_twips};
+
+// A graph of a kind: "chain", "star", "clique", "forest", "random", "none".
+std::vector<BoxLink> LinksOf(std::string_view kind, std::size_t count, std::mt19937& random) {
+  std::vector<BoxLink> links;
+  for (std::size_t i = 1; i < count; ++i) {
+    if (kind == "chain") links.push_back({i - 1, i});
+    if (kind == "star") links.push_back({i, 0});
+    if (kind == "forest" && random() % 5 != 0) links.push_back({i, random() % i});
+    if (kind == "random") links.push_back({random() % count, random() % count});  // loops and doubles too
+    for (std::size_t j = 0; kind == "clique" && j < i; ++j) links.push_back({i, j});
+  }
+  return links;
+}
+
+std::vector<TwipsSize> SizesFor(std::size_t count, std::mt19937& random) {
+  std::vector<TwipsSize> sizes;
+  const auto length = [&] { return Twips(500.0 + static_cast<double>(random() % 4000)); };
+  for (std::size_t i = 0; i < count; ++i) sizes.push_back({length(), length()});
+  return sizes;
+}
+
+TEST(Arrange, BoxesDoNotTouchAndJoinedOnesStandInNeighbouringColumns) {
+  std::mt19937 random(2);
+  for (const char* kind : {"none", "chain", "star", "clique", "forest", "random"}) {
+    for (const std::size_t count :
+         {std::size_t{1}, std::size_t{2}, std::size_t{7}, std::size_t{60}, std::size_t{1000}}) {
+      if (count == 1000 && std::string_view(kind) == "clique") continue;  // half a million joins
+      SCOPED_TRACE(testing::Message() << kind << " " << count);
+      const std::vector<TwipsSize> sizes = SizesFor(count, random);
+      const std::vector<BoxLink> links = LinksOf(kind, count, random);
+      const std::vector<TwipsPoint> places = ArrangeBoxes(sizes, links, kRules);
+      ASSERT_EQ(places.size(), count);
+      ASSERT_EQ(places, ArrangeBoxes(sizes, links, kRules));  // the same again
+      const auto placeOf = [&](std::size_t i) {
+        return TwipsRect{places[i].x, places[i].y, sizes[i].width, sizes[i].height};
+      };
+      for (std::size_t i = 0; i < count; ++i) {
+        ASSERT_GE(places[i].x, 0_twips);
+        ASSERT_GE(places[i].y, 0_twips);
+        const TwipsRect around{places[i].x, places[i].y, sizes[i].width + kRules.columnGap,
+                               sizes[i].height + kRules.rowGap};
+        for (std::size_t j = 0; j < i; ++j) {
+          const TwipsRect other{places[j].x, places[j].y, sizes[j].width + kRules.columnGap,
+                                sizes[j].height + kRules.rowGap};
+          ASSERT_FALSE(around.Overlaps(other)) << i << " " << j;
+        }
+      }
+      // Between two joined boxes in different columns no third column begins.
+      for (const BoxLink& link : links) {
+        const auto [left, right] = std::minmax(places[link.from].x, places[link.to].x);
+        for (std::size_t i = 0; i < count && count <= 60; ++i) {
+          const bool between = places[i].x > left && places[i].x < right;
+          const TwipsRect band = placeOf(link.from).Union(placeOf(link.to));
+          ASSERT_FALSE(between && band.Overlaps(placeOf(i)) && std::string_view(kind) != "none") << i;
+        }
+      }
+    }
+  }
+  EXPECT_TRUE(ArrangeBoxes({}, {}, kRules).empty());
+}
+
+// Ten times the boxes may cost ten times the time and some more, not a hundred times.
+TEST(Arrange, TakesTimeThatGrowsWithBoxesAndJoins) {
+  std::mt19937 random(2);
+  for (const char* kind : {"none", "chain", "star", "forest", "random"}) {
+    const auto seconds = [&](std::size_t count) {
+      const std::vector<TwipsSize> sizes = SizesFor(count, random);
+      const std::vector<BoxLink> links = LinksOf(kind, count, random);
+      const auto begin = std::chrono::steady_clock::now();
+      ArrangeBoxes(sizes, links, kRules);
+      return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    };
+    // A machine that does other things at the same time may spoil a measurement, not all of them.
+    bool fast = false;
+    for (int attempt = 0; attempt < 10 && !fast; ++attempt) fast = seconds(20'000) < 40 * seconds(2'000);
+    EXPECT_TRUE(fast) << kind;
+  }
+}
+
+// --- Pictures ---
+
+// A reader of just so much XML: elements closed in order, attributes quoted, nothing but legal characters. Returns what
+// is wrong, "" when nothing is, and collects the texts between the tags.
+std::string WrongWith(std::string_view xml, std::vector<std::string>& texts) {
+  for (std::size_t i = 0; i < xml.size();) {
+    const std::size_t at = i;
+    const char32_t c = DecodeUtf8(xml, i);
+    if (c == 0xFFFD && xml.substr(at, 3) != "\xEF\xBF\xBD") return "no UTF-8 at " + std::to_string(at);
+    if ((c < 0x20 && c != '\n') || c == 0xFFFE || c == 0xFFFF) return "character at " + std::to_string(at);
+  }
+  const auto plain = [](std::string_view text, std::string& result) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+      if (text[i] == '<' || text[i] == '"') return false;
+      if (text[i] != '&') {
+        result += text[i];
+        continue;
+      }
+      bool known = false;
+      for (const auto& [name, sign] : {std::pair{"&amp;", '&'}, {"&lt;", '<'}, {"&gt;", '>'}, {"&quot;", '"'}}) {
+        if (!text.substr(i).starts_with(name)) continue;
+        known = true;
+        result += sign;
+        i += std::string_view(name).size() - 1;
+        break;
+      }
+      if (!known) return false;
+    }
+    return true;
+  };
+  if (!xml.starts_with("<?xml ")) return "no declaration";
+  std::size_t at = xml.find("?>") + 2;
+  std::vector<std::string> open;
+  while (at < xml.size()) {
+    const std::size_t tag = std::min(xml.find('<', at), xml.size());
+    std::string text;
+    if (!plain(xml.substr(at, tag - at), text)) return "text at " + std::to_string(at);
+    if (text != "\n" && !text.empty()) texts.push_back(text);
+    if (tag == xml.size()) break;
+    const std::size_t end = xml.find('>', tag);
+    if (end == std::string_view::npos) return "unfinished tag";
+    std::string_view body = xml.substr(tag + 1, end - tag - 1);
+    at = end + 1;
+    if (body.starts_with('/')) {
+      if (open.empty() || open.back() != body.substr(1)) return "closing tag at " + std::to_string(tag);
+      open.pop_back();
+      continue;
+    }
+    const bool closed = body.ends_with('/');
+    if (closed) body.remove_suffix(1);
+    const std::size_t name = std::min(body.find(' '), body.size());
+    if (!closed) open.emplace_back(body.substr(0, name));
+    for (std::size_t i = name; i < body.size();) {
+      const std::size_t begin = body.find("=\"", i);
+      const std::size_t stop = begin == std::string_view::npos ? begin : body.find('"', begin + 2);
+      std::string ignored;
+      if (body[i] != ' ' || stop == std::string_view::npos ||
+          !plain(body.substr(begin + 2, stop - begin - 2), ignored)) {
+        return "attributes at " + std::to_string(tag);
+      }
+      i = stop + 1;
+    }
+  }
+  return open.empty() ? "" : "not closed: " + open.back();
+}
+
+TEST(XmlReader, FindsWhatIsWrong) {
+  std::vector<std::string> texts;
+  EXPECT_EQ(WrongWith("<?xml ?>\n<a b=\"1\">x &lt; y<c/></a>\n", texts), "");
+  EXPECT_EQ(texts, std::vector<std::string>{"x < y"});
+  for (const char* bad : {"<a></a>", "<?xml ?><a>", "<?xml ?><a></b>", "<?xml ?><a b=1/>", "<?xml ?><a>&x;</a>",
+                          "<?xml ?><a>\x01</a>", "<?xml ?><a>\xFF</a>", "<?xml ?><a b=\"<\"/>", "<?xml ?><a>&</a>"}) {
+    EXPECT_NE(WrongWith(bad, texts), "") << bad;
+  }
+}
+
+class Picture : public test::DiagramTest {};
+
+TEST_F(Picture, IsWellFormedAndShowsEveryNameWhateverItHolds) {
+  const std::vector<std::pair<std::string, std::string>> names = {
+      {"a<b>&c", "a<b>&c"},
+      {"\"quoted'", "\"quoted'"},
+      {"</text><script>", "</text><script>"},
+      {"]]>", "]]>"},
+      {"&amp;", "&amp;"},
+      {"tab\tline\r\nend", "tablineend"},
+      {"\x01\x1F bell", " bell"},
+      {"\xFF\xC0", "\xEF\xBF\xBD\xEF\xBF\xBD"},
+      {"\xED\xA0\x80", "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD"},
+      {"\xEF\xBF\xBE-", "-"},
+      {"Äпф😀", "Äпф😀"},
+      {std::string("nul\0!", 5), "nul!"},
+  };
+  pane->SetEntityFont({"\"<&\x02", 9, false, true});
+  for (const auto& [name, shown] : names) Add(name, {name});
+  Join(pane->Entities()->Item(1), 2, pane->Entities()->Item(2), 2);
+  std::vector<std::string> texts;
+  EXPECT_EQ(WrongWith(pane->PictureSvg(), texts), "");
+  std::vector<std::string> expected;
+  for (const auto& [name, shown] : names) expected.insert(expected.end(), {shown, "*", shown});
+  EXPECT_EQ(texts, expected);
+  pane->Clear();
+  EXPECT_EQ(WrongWith(pane->PictureSvg(), texts), "");
+}
+
+// Neither selection nor zoom nor scrolling is in the picture; all boxes and lines are.
+TEST_F(Picture, HoldsTheSameBoxesAndLinesAsTheCanvas) {
+  for (int i = 0; i < 12; ++i) Add("t" + std::to_string(i), Columns(i * 2));
+  for (int i = 1; i < 12; ++i) {
+    Join(pane->Entities()->Item(i), 1, pane->Entities()->Item(i + 1), 2)->SetItemData(i % 4);
+  }
+  const std::string plain = pane->PictureSvg();
+  RecordingCanvas canvas;
+  pane->PaintPicture(canvas);
+  std::vector<std::string> recorded;
+  for (const std::string& line : canvas.Lines()) {
+    if (line.starts_with("line ") && line.ends_with(" Join 1.5"))
+      recorded.push_back(line.substr(5, line.find(' ', 5) - 5));
+    if (line.starts_with("frame ") && line.ends_with(" BoxFrame")) recorded.push_back("box");
+  }
+  EXPECT_EQ(std::ranges::count(recorded, "box"), 12);
+  EXPECT_EQ(recorded.size(), 12u + 11u);
+  std::vector<std::string> drawn;
+  for (const std::string_view line : Split(plain, "\n")) {
+    if (line.starts_with("<path d=\"M") && line.ends_with("stroke=\"#64748b\" stroke-width=\"1.5\"/>")) {
+      std::string point(line.substr(10, line.find('L') - 10));
+      std::ranges::replace(point, ' ', ',');
+      drawn.push_back(point);
+    }
+    if (line.starts_with("<rect") && line.find("fill=\"none\" stroke=\"#8c949e\"") != line.npos)
+      drawn.emplace_back("box");
+  }
+  EXPECT_EQ(drawn, recorded);
+  pane->SelectObject(pane->Entities()->Item(3));
+  pane->SetZoom(0.5, {});
+  Scroll(Orientation::Vertical, 30);
+  Move(OnRow(*pane->Entities()->Item(4), 1), ButtonNone);
+  EXPECT_EQ(pane->PictureSvg(), plain);
+}
+
+}  // namespace
+}  // namespace zrqrybld

@@ -1,0 +1,492 @@
+// The diagram's view and keyboard: zoom, selection by keys, lines, menus, stored properties.
+#include <cmath>
+#include <random>
+
+#include "diagram/routing.h"
+#include "tests/diagram/diagram_fixture.h"
+
+namespace zrqrybld {
+namespace {
+
+class View : public test::DiagramTest {
+ protected:
+  int Scrolled(Orientation orientation) const { return Surface().ScrollBar(orientation).value; }
+  PixelPoint Unseen(PixelPoint onPane) const {
+    return {(onPane.x + Pixels(Scrolled(Orientation::Horizontal))) / pane->Zoom() - 12_px,
+            (onPane.y + Pixels(Scrolled(Orientation::Vertical))) / pane->Zoom() - 12_px};
+  }
+  // So many boxes in rows of ten that do not touch.
+  std::vector<Ref<qbEntity>> AddMany(int count) {
+    std::vector<Ref<qbEntity>> boxes;
+    for (int i = 0; i < count; ++i) {
+      boxes.push_back(Add("t" + std::to_string(i), Columns(i % 25)));
+      boxes.back()->SetLeft(static_cast<float>(15 * 300 * (i % 10)));
+      boxes.back()->SetTop(static_cast<float>(15 * 400 * (i / 10)));
+    }
+    return boxes;
+  }
+};
+
+// --- Zoom ---
+
+TEST_F(View, ZoomKeepsThePointUnderThePointer) {
+  AddMany(60);
+  std::mt19937 random(3);
+  const auto upTo = [&random](double n) { return static_cast<double>(random() % 1001) / 1000 * n; };
+  int held = 0;
+  for (int run = 0; run < 2000; ++run) {
+    if (run % 10 == 0) {
+      Scroll(Orientation::Horizontal, static_cast<int>(upTo(9000)));
+      Scroll(Orientation::Vertical, static_cast<int>(upTo(9000)));
+    }
+    const PixelPoint at{Pixels(upTo(800)), Pixels(upTo(600))};
+    const PixelPoint before = Unseen(at);
+    if (run % 2 == 0) {
+      pane->OnWheel({ShiftCtrl, at, 0, upTo(16) - 8});
+    } else {
+      pane->SetZoom(upTo(5), at);
+    }
+    ASSERT_GE(pane->Zoom(), 0.25);
+    ASSERT_LE(pane->Zoom(), 4);
+    const PixelPoint after = OnPane(before);
+    const auto stays = [&](Orientation orientation, Pixels was, Pixels is) {
+      const ScrollState& bar = Surface().ScrollBar(orientation);
+      ASSERT_GE(bar.value, 0);
+      ASSERT_LE(bar.value, bar.maximum);
+      if (bar.value == 0 || bar.value == bar.maximum) return;  // it cannot scroll as far
+      ASSERT_NEAR(was.Value(), is.Value(), 0.51) << run;
+      ++held;
+    };
+    stays(Orientation::Horizontal, at.x, after.x);
+    stays(Orientation::Vertical, at.y, after.y);
+  }
+  EXPECT_GT(held, 1000);
+  for (const double bad : {-1.0, 0.0, std::nan("")}) {
+    pane->SetZoom(bad, {});
+    EXPECT_EQ(pane->Zoom(), 0.25);
+  }
+  pane->SetZoom(HUGE_VAL, {});
+  EXPECT_EQ(pane->Zoom(), 4);
+  // The keys zoom about the middle.
+  pane->SetZoom(1, {});
+  Scroll(Orientation::Horizontal, 500);
+  const PixelPoint middle{400_px, 300_px};
+  const PixelPoint held2 = Unseen(middle);
+  for (const auto& [key, text, zoom] : std::vector<std::tuple<std::int32_t, const char*, double>>{
+           {187, "+", 1.25}, {107, "", 1.5625}, {189, "-", 1.25}, {109, "", 1}, {187, "=", 1.25}, {'0', "0", 1}}) {
+    EXPECT_TRUE(pane->OnKeyDown({key, ShiftCtrl, text}));
+    EXPECT_DOUBLE_EQ(pane->Zoom(), zoom);
+    EXPECT_NEAR(OnPane(held2).x.Value(), 400, 2);
+  }
+}
+
+TEST_F(View, WhatIsSeenIsWhatIsHitAtAnyZoomAndScroll) {
+  const std::vector<Ref<qbEntity>> boxes = AddMany(60);
+  std::mt19937 random(5);
+  const auto below = [&random](std::size_t n) { return static_cast<int>(random() % n); };
+  for (int run = 0; run < 1000; ++run) {
+    pane->SetZoom(0.25 + below(376) / 100.0, {});
+    Scroll(Orientation::Horizontal, below(12000));
+    Scroll(Orientation::Vertical, below(8000));
+    const qbEntity& entity = *boxes[static_cast<std::size_t>(below(boxes.size()))];
+    qbEntityList& box = *entity.EntityBox();
+    box.ScrollTo(static_cast<std::size_t>(below(30)));
+    const auto row =
+        box.FirstVisibleRow() + static_cast<std::size_t>(below(std::min(box.Rows().Count(), box.VisibleRowCount())));
+    const Ref<qbEntityItem> item = entity.Items()->Item(static_cast<std::int32_t>(row));
+    const bool before = item->Checked();
+    Click(OnCheckBox(entity, row));
+    ASSERT_NE(item->Checked(), before) << run;
+    Click(OnRow(entity, row));
+    ASSERT_EQ(entity.SelectedItem(), item) << run;
+    ASSERT_EQ(pane->ToolTipAt(OnCaption(entity)), entity.Caption()) << run;
+  }
+}
+
+TEST_F(View, FitShowsEveryBoxAndNeverEnlarges) {
+  Add("a");
+  pane->SetZoom(2, {});
+  pane->ZoomToFit();
+  EXPECT_EQ(pane->Zoom(), 1);
+  const std::vector<Ref<qbEntity>> boxes = AddMany(20);
+  Scroll(Orientation::Horizontal, 700);
+  pane->ZoomToFit();
+  EXPECT_LT(pane->Zoom(), 1);
+  for (const Ref<qbEntity>& box : boxes) {
+    const PixelPoint corner = OnPane({Place(*box).Right(), Place(*box).Bottom()});
+    EXPECT_LE(corner.x, 800_px);
+    EXPECT_LE(corner.y, 600_px);
+  }
+  EXPECT_EQ(Scrolled(Orientation::Horizontal), 0);
+}
+
+TEST_F(View, ScrollBarsFollowTheExtentHoweverItChanges) {
+  std::mt19937 random(9);
+  const auto below = [&random](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+  for (int run = 0; run < 600; ++run) {
+    const std::int32_t count = pane->Entities()->Count();
+    const Ref<qbEntity> any = pane->Entities()->Item(1 + below(std::max(count, 1)));
+    if (!any || (below(4) == 0 && count < 12)) {
+      Add("t" + std::to_string(run));
+    } else if (below(6) == 0) {
+      pane->Entities()->Remove(any->Index());
+    } else if (below(6) == 0) {
+      pane->SetMinimized(*any, below(2) == 0);
+    } else {
+      any->SetLeft(static_cast<float>(15 * below(3000)));
+      any->SetHeight(static_cast<float>(15 * below(3000)));
+    }
+    if (below(9) == 0) pane->SetZoom(below(5), {});
+    PixelPoint corner{};
+    for (std::int32_t i = 1; i <= pane->Entities()->Count(); ++i) {
+      const PixelRect place = Place(*pane->Entities()->Item(i));
+      corner = {std::max(corner.x, place.Right() + 24_px), std::max(corner.y, place.Bottom() + 24_px)};
+    }
+    const auto maximum = [&](Pixels whole, Pixels visible) {
+      return std::max(0, static_cast<int>(std::ceil((whole * pane->Zoom() - visible).Value())));
+    };
+    ASSERT_EQ(Surface().ScrollBar(Orientation::Horizontal).maximum, maximum(corner.x, 800_px)) << run;
+    ASSERT_EQ(Surface().ScrollBar(Orientation::Vertical).maximum, maximum(corner.y, 600_px)) << run;
+  }
+}
+
+// --- Keys ---
+
+TEST_F(View, TypingFindsAColumnInAnyLetterCaseAndScript) {
+  const Ref<qbEntity> a = Add("a", {"Order", "Orange", "Ähre", "Äpfel", "заказ", "Straße", "o"});
+  pane->SelectObject(a);
+  const auto type = [&](const std::string& text) { return pane->OnKeyDown({'A', ShiftNone, text}); };
+  const auto typed = [&](const std::vector<std::string>& keys) {
+    pane->SelectObject(nullptr);
+    pane->SelectObject(a);
+    a->EntityBox()->SetSelectedRow(1);
+    for (const std::string& key : keys) EXPECT_TRUE(type(key));
+    return a->SelectedItem()->Text();
+  };
+  EXPECT_EQ(typed({"o", "R", "a"}), "Orange");
+  EXPECT_EQ(typed({"ä", "P"}), "Äpfel");
+  EXPECT_EQ(typed({"З", "а"}), "заказ");
+  EXPECT_EQ(typed({"STR"}), "Straße");  // an input method gives several characters at once
+  EXPECT_EQ(typed({"z"}), "*");         // nothing begins so: the current row stays
+  // A listener may change what is typed, or take it away.
+  std::u32string heard;
+  auto link = pane->KeyPress.Connect([&](char32_t& character) {
+    heard += character;
+    character = character == U'x' ? U'ä' : character == U'q' ? U'\0' : character;
+  });
+  EXPECT_EQ(typed({"x"}), "Ähre");
+  EXPECT_EQ(typed({"q"}), "*");
+  EXPECT_EQ(heard, U"xq");
+  EXPECT_FALSE(pane->OnKeyDown({'C', ShiftCtrl, "c"}));
+  EXPECT_FALSE(pane->OnKeyDown({'C', ShiftAlt, "c"}));
+  EXPECT_EQ(heard, U"xq");
+  pane->SelectObject(nullptr);
+  EXPECT_FALSE(type("o"));
+}
+
+TEST_F(View, TabGoesThroughBoxesThenJoinsThenOut) {
+  const Ref<qbEntity> a = Add("a");
+  const Ref<qbEntity> b = Add("b");
+  b->SetLeft(15 * 4000);
+  const Ref<qbRelationship> join = Join(b, 2, a, 2);
+  const std::vector<Ref<Object>> order{a, b, join};
+  for (const Ref<Object>& next : order) {
+    EXPECT_TRUE(Press(KeyCodeTab));
+    EXPECT_EQ(pane->SelectedObject(), next);
+    EXPECT_TRUE(next != b || OnCaption(*b).x < 800_px);  // it is scrolled into view
+  }
+  EXPECT_FALSE(Press(KeyCodeTab));
+  EXPECT_EQ(pane->SelectedObject(), nullptr);
+  for (auto next = order.rbegin(); next != order.rend(); ++next) {
+    EXPECT_TRUE(Press(KeyCodeTab, ShiftShift));
+    EXPECT_EQ(pane->SelectedObject(), *next);
+  }
+  EXPECT_FALSE(Press(KeyCodeTab, ShiftShift));
+  // Enter goes into the box; Escape drops the selection, then it is the window's.
+  pane->SelectObject(a);
+  EXPECT_TRUE(Press(KeyCodeEnter));
+  EXPECT_EQ(a->EntityBox()->SelectedRow(), 1u);
+  EXPECT_FALSE(Press(KeyCodeEnter));
+  EXPECT_TRUE(Press(KeyCodeEscape));
+  EXPECT_EQ(pane->SelectedObject(), nullptr);
+  EXPECT_FALSE(Press(KeyCodeEscape));
+}
+
+TEST_F(View, TheStepOfResizingGrowsWhileTheKeyIsHeld) {
+  const Ref<qbEntity> a = Add("a");
+  constexpr std::int32_t kShift = ShiftCtrl | ShiftShift;
+  EXPECT_FALSE(pane->OnKeyDown({KeyCodeRight, kShift}));
+  pane->SelectObject(a);
+  const auto step = [&](std::int32_t key) {
+    const PixelRect before = Place(*a);
+    EXPECT_TRUE(pane->OnKeyDown({key, kShift}));
+    return std::pair((Place(*a).width - before.width).Value(), (Place(*a).height - before.height).Value());
+  };
+  double last = 0;
+  for (int i = 0; i < 20; ++i) {
+    const double width = step(KeyCodeRight).first;
+    EXPECT_GE(width, std::max(last, 4.0));
+    last = width;
+  }
+  EXPECT_EQ(last, 48);
+  pane->OnKeyUp({KeyCodeRight});
+  EXPECT_EQ(step(KeyCodeDown), std::pair(0.0, 4.0));
+  // However long it is held, the box keeps the smallest size that the mouse can give.
+  for (int i = 0; i < 60; ++i) {
+    pane->OnKeyDown({KeyCodeLeft, kShift});
+    pane->OnKeyDown({KeyCodeUp, kShift});
+  }
+  EXPECT_EQ(Place(*a), (PixelRect{0_px, 0_px, 96_px, 47_px}));
+}
+
+// --- Lines ---
+
+TEST_F(View, LinesBetweenTheSameBoxesDoNotLieOnOneAnother) {
+  const Ref<qbEntity> a = Add("a", Columns(30));
+  const Ref<qbEntity> b = Add("b", Columns(30));
+  std::vector<Ref<qbRelationship>> joins;
+  for (std::int32_t i = 0; i < 4; ++i) joins.push_back(Join(i % 2 == 0 ? a : b, 2 + i, i % 2 == 0 ? b : a, 5 - i));
+  const struct {
+    const char* what;
+    float left, top;
+    bool minimised;
+    std::size_t first;
+  } cases[] = {{"side by side", 300, 0, false, 1},   {"close", 160, 40, false, 1},   {"below", 20, 500, false, 1},
+               {"scrolled away", 300, 0, false, 10}, {"minimised", 300, 0, true, 1}, {"level", 300, 0, true, 10}};
+  for (const auto& one : cases) {
+    b->SetLeft(one.left * 15);
+    b->SetTop(one.top * 15);
+    for (const Ref<qbEntity>& entity : {a, b}) {
+      pane->SetMinimized(*entity, one.minimised);
+      entity->EntityBox()->ScrollTo(one.first);
+    }
+    for (std::size_t i = 0; i < joins.size(); ++i) {
+      for (std::size_t j = 0; j < i; ++j) {
+        // Somewhere each is at least two pixels away from the other.
+        const auto apart = [&](const qbRelationship& line, const qbRelationship& other) {
+          return std::ranges::any_of(line.Line()->Points({}), [&](PixelPoint point) {
+            return DistanceToLine(point, other.Line()->Points({})) >= 2_px;
+          });
+        };
+        EXPECT_TRUE(apart(*joins[i], *joins[j])) << one.what << i << j;
+      }
+    }
+  }
+}
+
+TEST_F(View, AJoinOfATableWithItselfIsALoopThatOtherJoinsDoNotMove) {
+  const Ref<qbEntity> a = Add("a", {"id", "parent"});
+  const Ref<qbRelationship> loop = Join(a, 2, a, 3);
+  const auto pointsOf = [](const qbRelationship& join) { return join.Line()->Points({}); };
+  const std::vector<PixelPoint> points = pointsOf(*loop);
+  const Pixels right = Place(*a).Right();
+  EXPECT_EQ(points.front(), (PixelPoint{right, PlaceOfRow(*a, 2).CenterY()}));
+  EXPECT_EQ(points.back(), (PixelPoint{right, PlaceOfRow(*a, 3).CenterY()}));
+  EXPECT_GT(points[1].x, right + 8_px);
+  Click(OnLine(*loop));
+  EXPECT_EQ(pane->SelectedObject(), loop);
+  a->Relationships()->Clear();
+  const Ref<qbEntity> b = Add("b");
+  b->SetLeft(15 * 500);
+  Join(a, 2, b, 2);
+  EXPECT_EQ(pointsOf(*Join(a, 2, a, 3)), points);
+}
+
+TEST_F(View, ALineIsHitFivePixelsAsideAtAnyZoomAndTheNearestWins) {
+  const Ref<qbEntity> a = Add("a");
+  const Ref<qbEntity> b = Add("b");
+  b->SetLeft(15 * 600);
+  b->SetTop(15 * 300);
+  const Ref<qbRelationship> one = Join(a, 2, b, 2);
+  const Ref<qbRelationship> two = Join(a, 3, b, 3);  // in the next lane, a few pixels to the right
+  for (const double zoom : {0.25, 0.5, 1.0, 2.0, 4.0}) {
+    pane->SetZoom(zoom, {});
+    const auto selectedAt = [&](const qbRelationship& join, Pixels aside) {
+      pane->SelectObject(nullptr);
+      Click(OnLine(join) + PixelPoint{aside, 0_px});
+      return pane->SelectedObject();
+    };
+    EXPECT_EQ(selectedAt(*one, -5_px), one) << zoom;
+    EXPECT_EQ(selectedAt(*one, 0_px), one) << zoom;
+    EXPECT_EQ(selectedAt(*two, 0_px), two) << zoom;
+    EXPECT_EQ(selectedAt(*two, 5_px), two) << zoom;
+    EXPECT_EQ(selectedAt(*two, 9_px), nullptr) << zoom;
+  }
+}
+
+// --- Menus ---
+
+TEST_F(View, MenusOfferWhatFitsAndDoIt) {
+  const Ref<qbEntity> a = Add("a & b", {"id", "name"});
+  const Ref<qbEntity> b = Add("b");
+  b->SetLeft(15 * 400);
+  a->Items()->Item(2)->SetBold(true);
+  const Ref<qbRelationship> join = Join(a, 2, b, 3);
+  const auto menuAt = [&](PixelPoint at) {
+    Click(at, ButtonRight);
+    std::string text;
+    for (const MenuEntry& entry : Surface().LastMenu()) {
+      text += entry.IsSeparator()
+                  ? "|"
+                  : (entry.enabled ? "" : "-") + std::string(entry.checked ? "!" : "") + entry.text + ";";
+    }
+    return text;
+  };
+  const auto choose = [&](PixelPoint at, std::string_view begin) {
+    Click(at, ButtonRight);
+    const Menu menu = Surface().LastMenu();
+    const auto entry = std::ranges::find_if(menu, [&](const MenuEntry& one) { return one.text.starts_with(begin); });
+    ASSERT_TRUE(entry != menu.end() && entry->enabled) << begin;
+    entry->action();
+  };
+  const PixelPoint empty{790_px, 590_px};
+  EXPECT_EQ(menuAt(empty), "-&Add Tables...;|A&rrange;&Fit to Window;-&100 %;");
+  EXPECT_EQ(menuAt(OnCaption(*a)),
+            "Tick &All Columns;Tick &Key Columns;&Untick All Columns;|&Minimise;&Fit to Columns;|&Remove;");
+  // An ampersand in a name is no access key.
+  EXPECT_EQ(
+      menuAt(OnLine(*join)),
+      "!&Matching Rows Only;All Rows from &a && b;All Rows from &b;All Rows from &Both;|-&Properties...;&Delete;");
+  EXPECT_EQ(pane->SelectedObject(), join);
+  const auto ticks = [&] {
+    std::string text;
+    for (std::int32_t i = 1; i <= 3; ++i) text += a->Items()->Item(i)->Checked() ? "x" : "-";
+    return text;
+  };
+  choose(OnCaption(*a), "Tick &Key");
+  EXPECT_EQ(ticks(), "-x-");
+  choose(OnCaption(*a), "Tick &All");
+  EXPECT_EQ(ticks(), "-xx");  // all columns, one by one
+  a->Items()->Item(1)->SetChecked(true);
+  choose(OnCaption(*a), "&Untick");
+  EXPECT_EQ(ticks(), "---");
+  choose(OnCaption(*a), "&Minimise");
+  EXPECT_TRUE(a->EntityBox()->Minimized());
+  choose(OnCaption(*a), "R&estore");
+  EXPECT_FALSE(a->EntityBox()->Minimized());
+  a->SetWidth(15 * 380);
+  choose(OnCaption(*a), "&Fit to Col");
+  EXPECT_LT(a->Width(), 15 * 380);
+  for (const auto& [text, kind, left, right] :
+       std::vector<std::tuple<const char*, int, int, int>>{{"All Rows from &a", 2, 1, 0},
+                                                           {"All Rows from &b", 1, 0, 1},
+                                                           {"All Rows from &B", 3, 1, 1},
+                                                           {"&Match", 0, 0, 0}}) {
+    choose(OnLine(*join), text);
+    EXPECT_EQ(std::tuple(join->Kind(), join->LeftIndicator(), join->RightIndicator()), std::tuple(kind, left, right))
+        << text;
+  }
+  pane->SetZoom(2, {});
+  choose(empty, "&100");
+  EXPECT_EQ(pane->Zoom(), 1);
+  b->SetLeft(0);
+  choose(empty, "A&rrange");
+  EXPECT_GT(b->Left(), a->Width());
+  choose(OnLine(*join), "&Delete");
+  EXPECT_EQ(a->Relationships()->Count(), 0);
+  choose(OnCaption(*b), "&Remove");
+  EXPECT_EQ(Captions(), "a & b");
+}
+
+TEST_F(View, AListenerChangesTheMenuAndAnEmptyOneIsNotShown) {
+  const Ref<qbEntity> a = Add("a");
+  a->SetTop(15 * 200);
+  Ref<Object> asked;
+  int called = 0;
+  auto link = pane->BeforeContextMenu.Connect([&](const Ref<Object>& object, Menu& menu) {
+    asked = object;
+    menu.erase(menu.begin());
+    menu.push_back({"Mine", "", [&] { ++called; }});
+  });
+  Click(OnRow(*a, 2), ButtonRight);
+  EXPECT_EQ(asked, a);
+  EXPECT_EQ(Surface().LastMenu().front().text, "Tick &Key Columns");
+  Surface().LastMenu().back().action();
+  EXPECT_EQ(called, 1);
+  for (const auto& [key, shift] : {std::pair{93, 0}, std::pair{121, 1}}) {
+    asked = nullptr;
+    EXPECT_TRUE(Press(key, shift));
+    EXPECT_EQ(asked, a);
+    // By key it opens at the selected object.
+    EXPECT_TRUE(Place(*a).Moved(12_px, 12_px).Contains(Surface().MenuPlace()));
+  }
+  link = pane->BeforeContextMenu.Connect([&](const Ref<Object>&, Menu& menu) { menu.clear(); });
+  pane->GetSurface().ShowMenu({}, {});
+  Click(OnCaption(*a), ButtonRight);
+  Click({790_px, 590_px}, ButtonRight);
+  EXPECT_EQ(Surface().MenuPlace(), PixelPoint{});
+  // What goes when it is selected has no menu.
+  link = pane->ObjectActivate.Connect([&](const Ref<Object>&) { pane->Clear(); });
+  Click(OnCaption(*a), ButtonRight);
+  EXPECT_EQ(Captions(), "");
+}
+
+// --- Stored properties ---
+
+TEST_F(View, PropertiesMakeTheRoundTrip) {
+  MemoryPropertyStore store;
+  pane->WriteProperties(store);
+  EXPECT_FALSE(store.Values().contains("EntityMinimizeButton"));
+  EXPECT_FALSE(store.Values().contains("OLEDropMode"));
+  EXPECT_EQ(store.Read("BackColor", 0), Variant(std::int64_t{0x8000000C}));
+  EXPECT_EQ(store.Values().size(), 6u);  // colours and fonts always
+  std::string changed;
+  const auto link = pane->PropertyChanged.Connect([&](std::string_view key) { changed += std::string(key) + " "; });
+  pane->SetEntityMinimizeButton(false);
+  pane->SetOLEDropMode(OLEDropManual);
+  pane->SetEntityBackColor(Color::Rgb(255, 254, 253));
+  pane->SetEntityForeColor(Color::System(18));
+  pane->SetEntityFrameColor(Color::Rgb(0, 0, 0));
+  pane->SetBackColor({0xFFFFFFFF});
+  EXPECT_EQ(changed, "EntityMinimizeButton OLEDropMode EntityBackColor EntityForeColor EntityFrameColor BackColor ");
+  for (const Font& font :
+       {Font{"Sans; bold;3", 10.5, true, false}, Font{"", 0, false, true}, Font{"bold", 8, false, false},
+        Font{"Ünï", 200, true, true}, Font{"a;italic", 1, false, false}}) {
+    pane->SetEntityFont(font);
+    pane->SetEntityCaptionFont(font);
+    MemoryPropertyStore written;
+    pane->WriteProperties(written);
+    const Ref<qbDiagramPane> other = qbDiagramPane::Create();
+    other->ReadProperties(written);
+    EXPECT_EQ(other->EntityFont(), font) << font.family;
+    EXPECT_EQ(other->EntityCaptionFont(), font) << font.family;
+    EXPECT_FALSE(other->EntityMinimizeButton());
+    EXPECT_EQ(other->OLEDropMode(), OLEDropManual);
+    EXPECT_EQ(other->EntityBackColor(), pane->EntityBackColor());
+    EXPECT_EQ(other->EntityForeColor(), pane->EntityForeColor());
+    EXPECT_EQ(other->EntityFrameColor(), pane->EntityFrameColor());
+    EXPECT_EQ(other->BackColor(), pane->BackColor());
+  }
+}
+
+TEST_F(View, StoredValuesOfTheWrongKindAreTheDefaults) {
+  const Ref<qbEntity> a = Add("a");
+  for (const Variant& value :
+       {Variant(), Variant::Null(), Variant::Missing(), Variant("x"), Variant(1e300), Variant(-1e300),
+        Variant(std::nan("")), Variant(Ref<Object>(a)), Variant(std::vector<Variant>{1}), Variant("\xFF;-5;bold")}) {
+    MemoryPropertyStore store;
+    for (const char* key : {"OLEDropMode", "EntityBackColor", "EntityForeColor", "EntityFrameColor", "BackColor"}) {
+      store.Write(key, value);
+    }
+    store.Write("EntityFont", value);
+    pane->SetOLEDropMode(OLEDropManual);
+    pane->ReadProperties(store);
+    EXPECT_EQ(pane->OLEDropMode(), OLEDropNone) << value.Text();
+    EXPECT_EQ(pane->EntityBackColor(), Color::System(5)) << value.Text();
+    EXPECT_EQ(pane->EntityForeColor(), Color::System(8));
+    EXPECT_EQ(pane->EntityFrameColor(), Color::System(15));
+    EXPECT_EQ(pane->BackColor(), Color::System(12));
+    EXPECT_GE(pane->EntityFont().points, 0);
+    Drawn();
+  }
+  MemoryPropertyStore store;
+  for (const auto& [value, shown] : std::vector<std::pair<Variant, bool>>{
+           {0, false}, {-1, true}, {"false", false}, {"x", true}, {Variant::Null(), true}, {Ref<Object>(a), true}}) {
+    store.Write("EntityMinimizeButton", value);
+    pane->ReadProperties(store);
+    EXPECT_EQ(pane->EntityMinimizeButton(), shown) << value.Text();
+  }
+}
+
+}  // namespace
+}  // namespace zrqrybld
