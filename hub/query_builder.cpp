@@ -171,8 +171,13 @@ void qbQueryBuilder::EntityRemoved(const std::string& caption) {
 void qbQueryBuilder::EntityRenamed(const std::string& oldCaption, const std::string& newCaption) {
   if (!gridPane_) return;
   const NameRules rules = CurrentNameRules(*this);
+  // As the statement names it: a table under its own name by its schema and name, otherwise by its caption.
+  const Ref<qbEntity> entity = Entities() ? Entities()->Item(newCaption) : nullptr;
+  const bool ownName = entity && entity->TagVariant().Text() == newCaption;
+  const SqlText after =
+      ownName ? RenderQualified(SplitName(newCaption, rules), rules) : QuoteWhenNeeded(Identifier(newCaption), rules);
   gridPane_->RenameTable(oldCaption, newCaption,
-                         [&](std::string_view text) { return RenameQualifier(text, oldCaption, newCaption, rules); });
+                         [&](std::string_view text) { return RenameQualifier(text, oldCaption, after, rules); });
 }
 
 void qbQueryBuilder::EntitiesChanged() {

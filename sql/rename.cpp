@@ -11,7 +11,9 @@ namespace {
 class Renamer {
  public:
   Renamer(std::string_view text, std::string_view before, const NameRules& rules)
-      : text_(text), tokens_(Tokenize(text)), before_(SplitName(before, rules)) {}
+      : text_(text), tokens_(Tokenize(text)), before_{{Identifier(std::string(before))}, SplitName(before, rules)} {
+    std::erase_if(tokens_, [](const Token& token) { return token.kind == TokenKind::Comment; });
+  }
 
   std::string Run(const std::string& replacement) const {
     std::string result;
@@ -49,24 +51,27 @@ class Renamer {
   // not the table's: it is a column, or a table of another schema.
   std::size_t EndOfQualifier(std::size_t i) const {
     if (i > 0 && IsDot(i - 1)) return i;
-    std::size_t at = i;
-    for (std::size_t part = 0; part < before_.size(); ++part) {
-      if (part > 0 && !IsDot(at++)) return i;
-      if (!IsName(at++, before_[part])) return i;
+    for (const std::vector<Identifier>& parts : before_) {
+      const std::size_t end = i + parts.size() * 2 - 1;
+      bool isTable = IsDot(end);
+      for (std::size_t part = 0; isTable && part < parts.size(); ++part) {
+        isTable = IsName(i + part * 2, parts[part]) && IsDot(i + part * 2 + 1);
+      }
+      if (isTable) return end;
     }
-    return IsDot(at) ? at : i;
+    return i;
   }
 
   std::string_view text_;
   std::vector<Token> tokens_;
-  std::vector<Identifier> before_;
+  std::vector<std::vector<Identifier>> before_;  // as one name, and as schema and table
 };
 
 }  // namespace
 
-std::string RenameQualifier(std::string_view text, std::string_view before, std::string_view after,
+std::string RenameQualifier(std::string_view text, std::string_view before, const SqlText& after,
                             const NameRules& rules) {
-  return Renamer(text, before, rules).Run(QuoteWhenNeeded(Identifier(std::string(after)), rules).Text());
+  return Renamer(text, before, rules).Run(after.Text());
 }
 
 }  // namespace zrqrybld

@@ -8,9 +8,10 @@
 
 namespace zrqrybld {
 
-/// The text with the table `before` renamed to `after` wherever it qualifies a column ("before.column"),
-/// quoted or not, in any letter case. Literals, comments and columns of the same name are left alone.
-std::string RenameQualifier(std::string_view text, std::string_view before, std::string_view after,
+/// The text with the table `before` replaced by `after` wherever it qualifies a column ("before.column"), quoted or
+/// not, in any letter case. `before` is one name, or a schema and a table. Literals, comments and columns of the same
+/// name are left alone.
+std::string RenameQualifier(std::string_view text, std::string_view before, const SqlText& after,
                             const NameRules& rules);
 
 }  // namespace zrqrybld
