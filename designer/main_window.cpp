@@ -21,6 +21,7 @@ namespace zrqrybld {
 namespace {
 
 constexpr float kNameColumnWidth = 2400;  // twips
+constexpr double kZoomStep = 1.25;
 
 // What a source is called in the window: its file, its name or its place. Passwords are taken out first, also those
 // inside a value.
@@ -84,6 +85,20 @@ void MainWindow::MakeMenus() {
   QMenu* query = menuBar()->addMenu(tr("&Query"));
   addTables_ = query->addAction(tr("&Add Tables..."), QKeySequence(Qt::Key_F7), this, &MainWindow::PickTables);
   clear_ = query->addAction(tr("&Clear"), this, [this] { designer_->QueryBuilder().DiagramPane()->Clear(); });
+
+  const auto diagram = [this]() -> qbDiagramPane& { return *designer_->QueryBuilder().DiagramPane(); };
+  const auto zoomBy = [this, diagram](double factor) {
+    const PixelSize view = designer_->DiagramView().ViewSize();
+    diagram().SetZoom(diagram().Zoom() * factor, {view.width / 2, view.height / 2});
+  };
+  QMenu* view = menuBar()->addMenu(tr("&View"));
+  view->addAction(tr("A&rrange Tables"), this, [diagram] { diagram().Arrange(); });
+  view->addAction(tr("&Fit Diagram"), this, [diagram] { diagram().ZoomToFit(); });
+  view->addSeparator();
+  view->addAction(tr("Zoom &In"), QKeySequence::ZoomIn, this, [zoomBy] { zoomBy(kZoomStep); });
+  view->addAction(tr("Zoom &Out"), QKeySequence::ZoomOut, this, [zoomBy] { zoomBy(1 / kZoomStep); });
+  view->addAction(tr("&Actual Size"), QKeySequence(Qt::CTRL | Qt::Key_0), this,
+                  [zoomBy, diagram] { zoomBy(1 / diagram().Zoom()); });
 
   QMenu* help = menuBar()->addMenu(tr("&Help"));
   help->addAction(tr("&About"), this, [this] {
