@@ -36,7 +36,7 @@ TwipsPoint FindPlace(TwipsSize size, std::span<const TwipsRect> boxes, const Pla
     rows.push_back(std::max(0.0, std::floor(below) + 1));
   }
   std::ranges::sort(rows);
-  rows.erase(std::ranges::unique(rows).begin(), rows.end());
+  rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
 
   // The rows go down, so each box enters the row once, at its top, and leaves it once, at its bottom.
   std::vector<std::size_t> byTop(boxes.size());

@@ -194,8 +194,11 @@ TableLists TablePicker::ListTables() {
   for (; !rows->Eof(); rows->MoveNext()) {
     const std::string type = UpperAscii(rows->Text("TABLE_TYPE"));
     std::string text = QualifiedText(rows->Text("TABLE_SCHEMA"), rows->Text("TABLE_NAME"), rules);
-    if (type == "TABLE") lists.tables.push_back(std::move(text));
-    if (type == "VIEW") lists.views.push_back(std::move(text));
+    if (type == "TABLE") {
+      lists.tables.push_back(std::move(text));
+    } else if (type == "VIEW") {
+      lists.views.push_back(std::move(text));
+    }
   }
   return lists;
 }
