@@ -10,7 +10,7 @@ BoxRows& qbEntityItems::Rows() const {
   return *rows_;
 }
 
-Ref<qbEntityItem> qbEntityItems::Add(std::string text, std::string key) {
+Ref<qbEntityItem> qbEntityItems::Add(std::string text, const std::string& key) {
   const Ref<qbEntityItem> item(new qbEntityItem(&items_, Rows().Add(std::move(text), key)));
   items_.Insert(item, key);
   return item;

@@ -16,7 +16,7 @@ class qbEntityItems final : public Object {
   ~qbEntityItems() override { DetachRows(); }
 
   /// Adds a column at the end, and its row in the box. Error 457 when the key is in use.
-  Ref<qbEntityItem> Add(std::string text = {}, std::string key = {});
+  Ref<qbEntityItem> Add(std::string text = {}, const std::string& key = {});
 
   /// Removes all columns.
   void Clear();

@@ -51,7 +51,7 @@ void zrGridColumn::SetAlignment(std::int16_t alignment) {
   Changed();
 }
 
-Ref<zrGridColumn> zrGridColumns::Add(std::string key, std::string caption) {
+Ref<zrGridColumn> zrGridColumns::Add(const std::string& key, std::string caption) {
   const Ref<zrGridColumn> column(new zrGridColumn(this, key, std::move(caption)));
   items_.Insert(column, key);
   column->index_ = items_.Count();

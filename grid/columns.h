@@ -97,7 +97,7 @@ class zrGridColumns final : public Object {
   std::string_view TypeName() const override { return "zrGridColumns"; }
 
   /// Adds a column at the end. Error 457 when the key is in use.
-  Ref<zrGridColumn> Add(std::string key = {}, std::string caption = {});
+  Ref<zrGridColumn> Add(const std::string& key = {}, std::string caption = {});
   void Clear();
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.Count()); }
   /// The column at a position from 1 or under a key. Error 9 when there is none.

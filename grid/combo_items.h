@@ -39,7 +39,7 @@ class zrGridComboItems final : public Object {
   std::string_view TypeName() const override { return "zrGridComboItems"; }
 
   /// Adds a choice at the end. Error 457 when the key is in use.
-  Ref<zrGridComboItem> Add(std::string text, Variant tag = {}, std::string key = {}) {
+  Ref<zrGridComboItem> Add(std::string text, Variant tag = {}, const std::string& key = {}) {
     const Ref<zrGridComboItem> item(new zrGridComboItem(std::move(text), std::move(tag), key));
     return items_.Insert(item, key);
   }

@@ -75,7 +75,7 @@ void zrGridRow::SetKey(std::string key) {
   key_ = std::move(key);
 }
 
-Ref<zrGridRow> zrGridRows::Add(std::string key, const Variant& before, const Variant& after) {
+Ref<zrGridRow> zrGridRows::Add(const std::string& key, const Variant& before, const Variant& after) {
   const std::size_t place = PlaceFor(items_, before, after);
   const Ref<zrGridRow> row(new zrGridRow(this, key));
   items_.Insert(row, key, place);

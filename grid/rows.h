@@ -97,7 +97,7 @@ class zrGridRows final : public Object {
 
   /// Adds a row at the end, or before or after another (position or key). Error 457 when the key is in
   /// use, 9 when the neighbour does not exist.
-  Ref<zrGridRow> Add(std::string key = {}, const Variant& before = Variant::Missing(),
+  Ref<zrGridRow> Add(const std::string& key = {}, const Variant& before = Variant::Missing(),
                      const Variant& after = Variant::Missing());
   void Clear();
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.Count()); }
