@@ -22,6 +22,8 @@ class CountingCanvas final : public Canvas {
  protected:
   void PushClip(const PixelRect&) override { ++calls_; }
   void PopClip() override { ++calls_; }
+  void PushView(PixelPoint, double) override { ++calls_; }
+  void PopView() override { ++calls_; }
 
  private:
   std::size_t calls_ = 0;
