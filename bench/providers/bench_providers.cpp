@@ -96,8 +96,8 @@ void Register(const std::string& name, const std::string& connectionString) {
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
-  const std::filesystem::path file =
-      std::filesystem::temp_directory_path() / ("zrqrybld_scale_" + std::to_string(std::rand()) + ".db");
+  const std::filesystem::path file = std::filesystem::temp_directory_path() / "zrqrybld_scale.db";
+  std::filesystem::remove(file);  // an earlier run may have been stopped before its end
   const std::string sqliteByOdbc = "Driver=SQLite3;Database=" + file.string();
   zrqrybld::MakeTables(sqliteByOdbc);
   zrqrybld::Register("sqlite", "Provider=SQLite;Data Source=" + file.string());
