@@ -79,6 +79,11 @@ Ref<qbEntityList> qbDiagramPane::LoadBox() {
   loaded.links.push_back(box->RelationshipChange.Connect([this](const Ref<Object>& join) { JoinChanged(join); }));
   loaded.links.push_back(box->RelationshipRemove.Connect([this](const Ref<Object>&) { JoinRemoved(); }));
   boxes_.push_back(std::move(loaded));
+  BoxFacts& facts = facts_[self];
+  facts.right = box->Bounds().Right();
+  facts.bottom = box->Bounds().Bottom();
+  rights_.insert(facts.right.Value());
+  bottoms_.insert(facts.bottom.Value());
   return box;
 }
 
@@ -94,6 +99,11 @@ void qbDiagramPane::UnloadBox(const Ref<qbEntityList>& box) {
   if (hover_.box == box) hover_ = {};
   rowMarksStale_ = true;
   std::erase_if(boxes_, [&](const LoadedBox& loaded) { return loaded.box == box; });
+  if (const auto facts = facts_.find(box.get()); facts != facts_.end()) {
+    rights_.erase(rights_.find(facts->second.right.Value()));
+    bottoms_.erase(bottoms_.find(facts->second.bottom.Value()));
+    facts_.erase(facts);
+  }
   std::erase(stacking_, box);
   UpdateScrollBars();
   Refresh();
@@ -103,18 +113,28 @@ Ref<qbLine> qbDiagramPane::LoadLine(const Ref<qbRelationship>& relationship, con
                                     const Ref<qbEntityList>& target) {
   rowMarksStale_ = true;
   // Lines between the same two boxes run side by side: each takes the first lane that is free.
+  std::vector<Ref<qbLine>>& atSource = facts_[source.get()].lines;
   int lane = 0;
   const auto taken = [&] {
-    return std::ranges::any_of(
-        lines_, [&](const Ref<qbLine>& line) { return line->Lane() == lane && line->Joins(*source, *target); });
+    return std::ranges::any_of(atSource, [&](const Ref<qbLine>& line) {
+      const Ref<qbEntityList> other = line->SourceBox() == source ? line->TargetBox() : line->SourceBox();
+      return line->Lane() == lane && other == target;
+    });
   };
   while (taken()) ++lane;
-  return lines_.emplace_back(std::make_shared<qbLine>(relationship, source, target, lane));
+  const Ref<qbLine> line = lines_.emplace_back(std::make_shared<qbLine>(relationship, source, target, lane));
+  atSource.push_back(line);
+  const auto atTarget = facts_.find(target.get());
+  if (target != source && atTarget != facts_.end()) atTarget->second.lines.push_back(line);
+  return line;
 }
 
 void qbDiagramPane::UnloadLine(const Ref<qbLine>& line) {
   if (hover_.line == line) hover_ = {};
   rowMarksStale_ = true;
+  for (const Ref<qbEntityList>& box : {line->SourceBox(), line->TargetBox()}) {
+    if (const auto facts = facts_.find(box.get()); facts != facts_.end()) std::erase(facts->second.lines, line);
+  }
   std::erase(lines_, line);
   Refresh();
 }
@@ -152,15 +172,22 @@ TwipsPoint qbDiagramPane::PlaceFor(const qbEntityList& box) const {
 }
 
 void qbDiagramPane::BoxMoved(const qbEntityList& box) {
-  RouteLinesAt(box);
+  for (const Ref<qbLine>& line : facts_[&box].lines) line->Invalidate();
+  RememberReach(box);
   UpdateScrollBars();
   Refresh();
 }
 
-void qbDiagramPane::RouteLinesAt(const qbEntityList& box) {
-  for (const Ref<qbLine>& line : lines_) {
-    if (line->EndsAt(box)) line->Invalidate();
-  }
+void qbDiagramPane::RememberReach(const qbEntityList& box) {
+  BoxFacts& facts = facts_[&box];
+  const auto replace = [](std::multiset<double>& reached, Twips& before, Twips now) {
+    if (before == now) return;
+    reached.erase(reached.find(before.Value()));
+    reached.insert(now.Value());
+    before = now;
+  };
+  replace(rights_, facts.right, box.Bounds().Right());
+  replace(bottoms_, facts.bottom, box.Bounds().Bottom());
 }
 
 Ref<qbEntity> qbDiagramPane::EntityOf(const qbEntityList& box) {

@@ -6,7 +6,9 @@
 
 #include <chrono>
 #include <cstdint>
+#include <set>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <variant>
 #include <vector>
@@ -224,6 +226,13 @@ class qbDiagramPane final : public Control, private DiagramView {
     std::vector<EventConnection> links;
   };
 
+  // What the pane knows of a box without asking all others.
+  struct BoxFacts {
+    std::vector<Ref<qbLine>> lines;
+    Twips right;  // as it stands in `rights_`
+    Twips bottom;
+  };
+
   // What lies under a point of the pane.
   struct PaneHit {
     Ref<qbEntityList> box;
@@ -251,7 +260,7 @@ class qbDiagramPane final : public Control, private DiagramView {
     PropertyChanged.Raise(key);
   }
   void BoxMoved(const qbEntityList& box);
-  void RouteLinesAt(const qbEntityList& box);
+  void RememberReach(const qbEntityList& box);
   void BoxRowChecked(const qbEntityList& box, const Ref<BoxRow>& row);
   void JoinChanged(const Ref<Object>& relationship);
   void JoinRemoved();
@@ -321,6 +330,9 @@ class qbDiagramPane final : public Control, private DiagramView {
   std::vector<LoadedBox> boxes_;             // in order of loading: placement depends on it
   std::vector<Ref<qbEntityList>> stacking_;  // from the bottom to the top
   std::vector<Ref<qbLine>> lines_;
+  std::unordered_map<const qbEntityList*, BoxFacts> facts_;
+  std::multiset<double> rights_;  // how far each box reaches, in twips: the last is how far the diagram does
+  std::multiset<double> bottoms_;
   Ref<Object> selected_;
   Ref<Object> leaving_;  // the object whose listeners are being told that it is not selected any more
   Gesture gesture_;

@@ -41,13 +41,10 @@ PixelRect qbDiagramPane::PlaceOf(const qbEntityList& box) const {
 }
 
 PixelSize qbDiagramPane::ExtentOfBoxes() const {
-  PixelSize extent{};
-  for (const LoadedBox& loaded : boxes_) {
-    const PixelRect place = GetSurface().Scale().ToPixels(loaded.box->Bounds());
-    extent.width = std::max(extent.width, place.Right() + kSurfaceMargin * 2);
-    extent.height = std::max(extent.height, place.Bottom() + kSurfaceMargin * 2);
-  }
-  return extent;
+  if (rights_.empty()) return {};
+  const ScreenScale scale = GetSurface().Scale();
+  const auto reach = [](Pixels edge) { return std::max(edge + kSurfaceMargin * 2, 0_px); };
+  return {reach(scale.PixelsX(Twips(*rights_.rbegin()))), reach(scale.PixelsY(Twips(*bottoms_.rbegin())))};
 }
 
 // --- Scrolling ---

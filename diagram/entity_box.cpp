@@ -20,6 +20,7 @@ constexpr Pixels kIcon = 14_px;
 constexpr Pixels kIconGap = 6_px;
 constexpr Pixels kCheckBox = 15_px;
 constexpr Pixels kScrollMark = 4_px;
+constexpr Twips kFarthest = 1'000'000'000_twips;
 
 // The edges where a box is resized reach this far to both sides of its frame.
 constexpr Pixels kEdgeOutside = 3_px;
@@ -71,8 +72,14 @@ void qbEntityList::SetShowMinimizeButton(bool show) {
   Changed.Raise();
 }
 
-void qbEntityList::SetBounds(const TwipsRect& bounds) {
+void qbEntityList::SetBounds(const TwipsRect& wanted) {
   const TwipsRect before = bounds_;
+  // An application may give any number: what is none changes nothing, and all of them fit a scroll bar.
+  const auto sane = [](Twips value, Twips old) {
+    return std::isfinite(value.Value()) ? std::clamp(value, -kFarthest, kFarthest) : old;
+  };
+  const TwipsRect bounds{sane(wanted.left, before.left), sane(wanted.top, before.top), sane(wanted.width, before.width),
+                         sane(wanted.height, before.height)};
   bounds_ = bounds;
   const Twips caption = metrics_.scale.TwipsY(metrics_.captionHeight + kFrame * 2);
   if (minimized_ && bounds.height > caption && bounds.height != before.height) minimized_ = false;  // made higher

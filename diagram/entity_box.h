@@ -84,7 +84,7 @@ class qbEntityList final : public Object {
 
   /// Place and size on the pane's surface, in twips. A size below the caption bar's is raised to it.
   const TwipsRect& Bounds() const { return bounds_; }
-  void SetBounds(const TwipsRect& bounds);
+  void SetBounds(const TwipsRect& wanted);
 
   // --- Rows ---
 

@@ -24,15 +24,9 @@ class qbLine final : public Object {
   /// The join that the line draws; nothing once it was removed.
   Ref<qbRelationship> Relationship() const { return relationship_.lock(); }
 
-  /// Whether the line ends at this box.
-  bool EndsAt(const qbEntityList& box) const { return source_.lock().get() == &box || target_.lock().get() == &box; }
-
-  /// Whether the line joins these two boxes, in whichever direction.
-  bool Joins(const qbEntityList& one, const qbEntityList& other) const {
-    const Ref<qbEntityList> source = source_.lock();
-    const Ref<qbEntityList> target = target_.lock();
-    return (source.get() == &one && target.get() == &other) || (source.get() == &other && target.get() == &one);
-  }
+  /// The boxes at its ends; nothing once they are gone.
+  Ref<qbEntityList> SourceBox() const { return source_.lock(); }
+  Ref<qbEntityList> TargetBox() const { return target_.lock(); }
   int Lane() const { return lane_; }
 
   /// Whether the line is drawn as the selected object; only the look, the pane knows what is selected.

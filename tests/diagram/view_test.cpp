@@ -150,6 +150,27 @@ TEST_F(View, ScrollBarsFollowTheExtentHoweverItChanges) {
   }
 }
 
+TEST_F(View, ABoxThatIsSentAnywhereCanStillBeReached) {
+  const Ref<qbEntity> a = Add("a");
+  const PixelRect before = Place(*a);
+  for (const float bad : {std::nanf(""), HUGE_VALF, -HUGE_VALF}) {
+    a->SetLeft(bad);
+    a->SetTop(bad);
+    a->SetWidth(bad);
+    a->SetHeight(bad);
+    EXPECT_EQ(Place(*a), before) << bad;
+  }
+  for (const float far : {1e30F, -1e30F}) {
+    a->SetLeft(far);
+    pane->SetZoom(4, {});
+    EXPECT_EQ(Surface().ScrollBar(Orientation::Horizontal).maximum > 1'000'000, far > 0);
+    Add("b" + std::to_string(far));
+    Drawn();
+    pane->Arrange();
+    EXPECT_EQ(Place(*a).left, 0_px);
+  }
+}
+
 // --- Keys ---
 
 TEST_F(View, TypingFindsAColumnInAnyLetterCaseAndScript) {
