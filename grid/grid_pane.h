@@ -14,15 +14,10 @@
 #include "base/object.h"
 #include "grid/grid.h"
 #include "grid/grid_columns.h"
+#include "host/date_format.h"
 #include "host/query_context.h"
 
 namespace zrqrybld {
-
-/// How date literals are written.
-enum DateFormatEnum : std::int32_t {
-  DateFormatNative = 0,          ///< as `DateFormat` says
-  DateFormatEscapeSequence = 1,  ///< { d '...' } and the like
-};
 
 class qbGridPane final : public Object {
  public:

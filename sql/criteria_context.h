@@ -1,0 +1,34 @@
+// What the criteria formatter knows about a column and its source.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "host/date_format.h"
+
+namespace zrqrybld {
+
+/// What a criterion is read by: the facts about its column, and how the source writes values.
+struct CriteriaContext {
+  /// The column's type, a `DataTypeCode`; 0 when it is not known, as for an expression.
+  std::int32_t dataType = 0;
+  bool isLong = false;
+  /// What stands around a literal of the type; "" for the usual: single quotes, or nothing around a number.
+  std::string prefix = {};
+  std::string suffix = {};
+  /// The row's aggregate, as "COUNT(@field)"; "" for none. What counts or adds up is compared with numbers.
+  std::string aggregate = {};
+  DateFormatEnum dateFormatStyle = DateFormatNative;
+  std::string dateFormat = "dd-mmm-yyyy";
+  /// Written for LIKE; read as well as LIKE itself.
+  std::string likeOperator = "LIKE";
+  /// What the source writes before a quoted name; tells whether "text" in double quotes is one.
+  std::string quotePrefix = "[";
+  /// Whether a name, given by its parts, is a column of the diagram. Without it every name in quotes or with a "."
+  /// is taken for one, and so is a plain word where the type has none.
+  std::function<bool(const std::vector<std::string>& parts)> isColumn = {};
+};
+
+}  // namespace zrqrybld

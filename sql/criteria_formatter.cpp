@@ -1,0 +1,366 @@
+#include "sql/criteria_formatter.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "base/error.h"
+#include "base/text.h"
+#include "sql/criteria_tokens.h"
+#include "sql/criteria_values.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr std::size_t kNone = CriterionTokens::kNone;
+constexpr std::size_t kLongestResult = 64u << 20;
+
+// An operator as it may be typed, and as it is written. The lexer reads some as two signs.
+struct Comparison {
+  std::string_view typed;
+  std::string_view written;
+};
+constexpr Comparison kComparisons[] = {{"=", "="},   {"<", "<"},   {">", ">"},   {"<>", "<>"}, {"!=", "<>"},
+                                       {"^=", "<>"}, {"<=", "<="}, {">=", ">="}, {"=<", "<="}, {"=>", ">="},
+                                       {"==", "="},  {"!<", "!<"}, {"!>", "!>"}};
+constexpr std::string_view kQuantifiers[] = {"ALL", "ANY", "SOME"};
+constexpr std::string_view kStates[] = {"NULL", "TRUE", "FALSE", "UNKNOWN"};
+
+std::string_view WrittenComparison(std::string_view typed) {
+  const auto* entry = std::ranges::find(kComparisons, typed, &Comparison::typed);
+  return entry == std::end(kComparisons) ? std::string_view() : entry->written;
+}
+
+// Reads a criterion and writes it: in its normal form, as a condition on a field, or from a condition back.
+class CriterionReader {
+ public:
+  // A criterion. With `field` the result is a condition.
+  CriterionReader(std::string_view text, const CriteriaContext& context, std::string_view field = {})
+      : context_(context),
+        field_(field),
+        tokens_(text, CriterionValues::LiteralWord(context), CriterionValues::TakesHashDates(context)),
+        values_(tokens_, context) {}
+
+  // A condition, whose left sides are asked for and left out.
+  CriterionReader(std::string_view condition, const CriteriaContext& context,
+                  const std::function<bool(std::string_view)>& isField)
+      : context_(context), isField_(&isField), tokens_(condition, {}, false), values_(tokens_, context) {}
+
+  std::string Run() && {
+    if (tokens_.Count() > 0) ReadTerms(tokens_.Count());
+    return std::move(result_);
+  }
+
+ private:
+  // --- What stands where ---
+
+  void SkipComments() {
+    while (at_ < tokens_.Count() && tokens_[at_].kind == TokenKind::Comment) {
+      tokens_.RequireFinished(at_, at_ + 1);
+      ++at_;
+    }
+  }
+  bool AtWord(std::string_view word) const { return tokens_.IsWord(at_, word); }
+  bool AtEnd(std::size_t end) const { return at_ >= end || AtWord("AND") || AtWord("OR"); }
+
+  // The number of tokens that an operator takes here, and how it is written; 0 for none.
+  std::size_t ComparisonAt(std::size_t at, std::string_view& written) const {
+    if (at >= tokens_.Count() || tokens_[at].kind != TokenKind::Operator || tokens_.IsApostrophe(at)) return 0;
+    for (const std::size_t length : {std::size_t{2}, std::size_t{1}}) {
+      if (length == 2 && !(tokens_.Adjoins(at + 1) && tokens_[at + 1].kind == TokenKind::Operator)) continue;
+      written = WrittenComparison(tokens_.Slice(at, at + length));
+      if (!written.empty()) return length;
+    }
+    return 0;
+  }
+
+  // The number of tokens of LIKE, or of what is written for it; 0 for none.
+  std::size_t LikeAt(std::size_t at) const {
+    std::size_t count = 0;
+    for (const Token& word : likeWords_) {
+      const std::string_view text = std::string_view(context_.likeOperator).substr(word.offset, word.length);
+      if (at + count >= tokens_.Count() || !EqualsNoCase(tokens_.Text(at + count), text)) {
+        return tokens_.IsWord(at, "LIKE") ? 1 : 0;
+      }
+      ++count;
+    }
+    return count != 0 ? count : tokens_.IsWord(at, "LIKE") ? 1 : 0;
+  }
+
+  // Whether a list, a query or a marker follows IN; "In Flames" is a text.
+  bool InAt(std::size_t at) const {
+    return tokens_.IsWord(at, "IN") &&
+           (tokens_.Is(at + 1, '(') || (at + 1 < tokens_.Count() && tokens_[at + 1].kind == TokenKind::Parameter));
+  }
+
+  bool StateAt(std::size_t at) const {
+    return at < tokens_.Count() && std::ranges::any_of(kStates, [&](auto word) { return tokens_.IsWord(at, word); });
+  }
+
+  bool IsQuery(std::size_t parenthesis) const {
+    return tokens_.Is(parenthesis, '(') &&
+           (tokens_.IsWord(parenthesis + 1, "SELECT") || tokens_.IsWord(parenthesis + 1, "WITH"));
+  }
+
+  // The end of the value that begins here: AND, OR, a comma of the list, ESCAPE of a pattern, or `end`.
+  std::size_t EndOfValue(std::size_t end, bool inList = false, bool inPattern = false) const {
+    std::size_t at = at_;
+    while (at < end) {
+      if (tokens_.IsWord(at, "AND") || tokens_.IsWord(at, "OR")) break;
+      if (inList && tokens_.Is(at, ',')) break;
+      if (inPattern && tokens_.IsWord(at, "ESCAPE") && at + 1 < end && tokens_[at + 1].kind == TokenKind::String) break;
+      at = tokens_.After(at);
+    }
+    return std::min(at, end);
+  }
+
+  [[noreturn]] void Fail(std::string_view message) const {
+    ThrowCriterionError(tokens_.All(), tokens_.Offset(at_), message);
+  }
+
+  // --- Writing ---
+
+  void Put(std::string_view text) {
+    result_ += text;
+    if (result_.size() > kLongestResult) Fail("The condition grows beyond all bounds.");
+  }
+
+  // What every predicate begins with: the field, or nothing in a criterion.
+  void PutField() {
+    if (field_.empty()) return;
+    Put(field_);
+    Put(" ");
+  }
+
+  // Writes the value from here to `end` and goes behind it.
+  void PutValue(std::size_t end, bool pattern = false) {
+    SkipComments();
+    if (at_ >= end) Fail("A value is missing here.");
+    std::string_view sign;
+    for (std::size_t at = at_; at < end; at = tokens_.After(at)) {
+      if (ComparisonAt(at, sign) == 0) continue;
+      if (at == at_) Fail("A value is missing here.");
+      at_ = at;
+      Fail("The column itself is compared here: nothing else can stand before this.");
+    }
+    if (isField_) {
+      Put(tokens_.Kept(at_, end));
+    } else {
+      Put(pattern ? values_.WritePattern(at_, end) : values_.Write(at_, end));
+    }
+    at_ = end;
+  }
+
+  void PutKept(std::size_t end) {
+    Put(tokens_.Kept(at_, end));
+    at_ = end;
+  }
+
+  // --- The grammar ---
+
+  void ReadTerms(std::size_t end) {
+    for (;;) {
+      ReadTerm(end);
+      SkipComments();
+      if (at_ >= end) return;
+      if (!AtEnd(end)) Fail("AND or OR is missing here.");
+      Put(AtWord("AND") ? " AND " : " OR ");
+      ++at_;
+    }
+  }
+
+  void ReadTerm(std::size_t end) {
+    SkipComments();
+    // NOT that belongs to the operator behind it, or to NULL, stays with it.
+    while (AtWord("NOT") && !(LikeAt(at_ + 1) != 0 || InAt(at_ + 1) || tokens_.IsWord(at_ + 1, "BETWEEN") ||
+                              (!isField_ && tokens_.IsWord(at_ + 1, "NULL")))) {
+      Put("NOT ");
+      ++at_;
+      SkipComments();
+    }
+    if (AtEnd(end)) Fail("A condition is missing here.");
+    if (IsGroup(end)) {
+      const std::size_t closing = tokens_.Partner(at_);
+      Put("(");
+      ++at_;
+      ReadTerms(closing);
+      Put(")");
+      at_ = closing + 1;
+    } else if (AtWord("EXISTS") && IsQuery(at_ + 1)) {
+      if (isField_) Fail("This is no condition on the column.");
+      Put("EXISTS ");
+      ++at_;
+      PutKept(tokens_.After(at_));
+    } else {
+      if (isField_) ReadLeftSide(end);
+      PutField();
+      ReadPredicate(end);
+    }
+  }
+
+  // Whether parentheses hold conditions: a whole term, and no query.
+  bool IsGroup(std::size_t end) const {
+    if (!tokens_.Is(at_, '(') || IsQuery(at_)) return false;
+    std::size_t behind = tokens_.After(at_);
+    while (behind < end && tokens_[behind].kind == TokenKind::Comment) ++behind;
+    return behind >= end || tokens_.IsWord(behind, "AND") || tokens_.IsWord(behind, "OR");
+  }
+
+  void ReadLeftSide(std::size_t end) {
+    std::size_t at = at_;
+    std::string_view sign;
+    while (at < end && ComparisonAt(at, sign) == 0 && LikeAt(at) == 0 && !InAt(at) && !tokens_.IsWord(at, "BETWEEN") &&
+           !tokens_.IsWord(at, "IS") && !tokens_.IsWord(at, "NOT")) {
+      at = tokens_.After(at);
+    }
+    if (at >= end || !(*isField_)(tokens_.Kept(at_, at))) Fail("This is no condition on the column.");
+    at_ = at;
+  }
+
+  void ReadPredicate(std::size_t end) {
+    std::string_view written;
+    if (const std::size_t length = ComparisonAt(at_, written); length != 0) {
+      at_ += length;
+      ReadComparison(written, end);
+      return;
+    }
+    const bool negated = AtWord("NOT");
+    const std::size_t at = negated ? at_ + 1 : at_;
+    if (tokens_.IsWord(at, "NULL") && at + 1 >= EndOfValue(end)) {
+      Put(negated ? "IS NOT NULL" : "IS NULL");
+      at_ = at + 1;
+    } else if (AtWord("IS") && (StateAt(at_ + 1) || (tokens_.IsWord(at_ + 1, "NOT") && StateAt(at_ + 2)))) {
+      ReadState();
+    } else if (const std::size_t length = LikeAt(at); length != 0) {
+      at_ = at + length;
+      ReadLike(negated, end);
+    } else if (InAt(at)) {
+      at_ = at + 1;
+      ReadIn(negated);
+    } else if (tokens_.IsWord(at, "BETWEEN")) {
+      at_ = at + 1;
+      ReadBetween(negated, end);
+    } else {
+      if (isField_) Fail("This is no condition on the column.");
+      Put("= ");
+      PutValue(EndOfValue(end));
+    }
+  }
+
+  void ReadComparison(std::string_view written, std::size_t end) {
+    Put(written);
+    Put(" ");
+    SkipComments();
+    for (const std::string_view word : kQuantifiers) {
+      if (!AtWord(word) || !IsQuery(at_ + 1)) continue;
+      Put(word);
+      Put(" ");
+      ++at_;
+      PutKept(tokens_.After(at_));
+      return;
+    }
+    PutValue(EndOfValue(end));
+  }
+
+  void ReadState() {
+    Put("IS ");
+    ++at_;
+    if (AtWord("NOT")) {
+      Put("NOT ");
+      ++at_;
+    }
+    Put(UpperAscii(tokens_.Text(at_)));
+    ++at_;
+  }
+
+  void ReadLike(bool negated, std::size_t end) {
+    if (negated) Put("NOT ");
+    Put(likeWords_.empty() ? std::string_view("LIKE") : std::string_view(context_.likeOperator));
+    Put(" ");
+    PutValue(EndOfValue(end, false, true), true);
+    if (at_ >= end || !AtWord("ESCAPE")) return;
+    Put(" ESCAPE ");
+    ++at_;
+    PutKept(at_ + 1);
+  }
+
+  void ReadIn(bool negated) {
+    Put(negated ? "NOT IN " : "IN ");
+    if (!tokens_.Is(at_, '(') || IsQuery(at_)) {
+      PutKept(tokens_.After(at_));
+      return;
+    }
+    const std::size_t closing = tokens_.Partner(at_);
+    Put("(");
+    ++at_;
+    for (;;) {
+      PutValue(EndOfValue(closing, true));
+      if (at_ >= closing) break;
+      if (!tokens_.Is(at_, ',')) Fail("A comma is missing here.");
+      Put(", ");
+      ++at_;
+    }
+    Put(")");
+    ++at_;
+  }
+
+  void ReadBetween(bool negated, std::size_t end) {
+    Put(negated ? "NOT BETWEEN " : "BETWEEN ");
+    PutValue(EndOfValue(end));
+    if (at_ >= end || !AtWord("AND")) Fail("AND and the second value are missing here.");
+    Put(" AND ");
+    ++at_;
+    PutValue(EndOfValue(end));
+  }
+
+  const CriteriaContext& context_;
+  std::string_view field_;
+  const std::function<bool(std::string_view)>* isField_ = nullptr;
+  CriterionTokens tokens_;
+  CriterionValues values_;
+  std::vector<Token> likeWords_ = Tokenize(context_.likeOperator);
+  std::size_t at_ = 0;
+  std::string result_;
+};
+
+// Whether an operator before the field, or behind it, would tear it apart.
+bool IsCondition(std::string_view field) {
+  constexpr std::string_view kWords[] = {"AND", "BETWEEN", "IN", "IS", "LIKE", "NOT", "OR"};
+  int depth = 0;
+  for (const Token& token : Tokenize(field)) {
+    const std::string_view text = field.substr(token.offset, token.length);
+    if (token.kind == TokenKind::Operator) {
+      if (text == "(") ++depth;
+      if (text == ")") --depth;
+      if (depth == 0 && !WrittenComparison(text).empty()) return true;
+    } else if (token.kind == TokenKind::Word && depth == 0) {
+      const std::string word = UpperAscii(text);
+      if (std::ranges::find(kWords, std::string_view(word)) != std::end(kWords)) return true;
+    }
+  }
+  return false;
+}
+
+}  // namespace
+
+std::string FormatCriterion(std::string_view text, const CriteriaContext& context) {
+  return CriterionReader(text, context).Run();
+}
+
+std::string FormatCondition(std::string_view field, std::string_view text, const CriteriaContext& context) {
+  if (IsCondition(field)) return CriterionReader(text, context, "(" + std::string(field) + ")").Run();
+  return CriterionReader(text, context, field).Run();
+}
+
+std::optional<std::string> CriterionOf(std::string_view condition,
+                                       const std::function<bool(std::string_view left)>& isField,
+                                       const std::string& likeOperator) {
+  CriteriaContext context;
+  context.likeOperator = likeOperator;
+  try {
+    return CriterionReader(condition, context, isField).Run();
+  } catch (const Error&) {
+    return std::nullopt;
+  }
+}
+
+}  // namespace zrqrybld

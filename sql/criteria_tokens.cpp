@@ -1,0 +1,145 @@
+#include "sql/criteria_tokens.h"
+
+#include <algorithm>
+
+#include "base/error.h"
+#include "base/text.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr std::size_t kDeepest = 200;
+
+constexpr std::string_view kLiteralWords[] = {"DATE", "TIME", "TIMESTAMP", "INTERVAL", "E"};
+
+}  // namespace
+
+void ThrowCriterionError(std::string_view text, std::size_t offset, std::string_view message) {
+  const std::size_t character = CharacterCount(text.substr(0, offset)) + 1;
+  throw Error(ErrorParsingText, std::string(message) + " (character " + std::to_string(character) + ")", offset);
+}
+
+bool IsLiteralWord(std::string_view word) {
+  return std::ranges::find(kLiteralWords, std::string_view(UpperAscii(word))) != std::end(kLiteralWords);
+}
+
+CriterionTokens::CriterionTokens(std::string_view text, std::string_view literalWord, bool hashDates) : text_(text) {
+  Read(literalWord, hashDates);
+  FindPartners();
+}
+
+void CriterionTokens::Read(std::string_view literalWord, bool hashDates) {
+  std::size_t base = 0;  // where the lexer's text begins
+  Lexer lexer(text_);
+  const auto add = [&](Token token) {
+    tokens_.push_back(token);
+    base = token.offset + token.length;
+    lexer = Lexer(text_.substr(base));
+  };
+  for (Token token; lexer.Next(token);) {
+    token.offset += base;
+    const char first = text_[token.offset];
+    if ((first == '\'' || first == '"') && !tokens_.empty() &&
+        tokens_.back().offset + tokens_.back().length == token.offset) {
+      const TokenKind before = tokens_.back().kind;
+      const std::string_view word = Text(tokens_.size() - 1);
+      const bool begins = IsSqlKeyword(word) || IsLiteralWord(word) || EqualsNoCase(word, literalWord);
+      if (before == TokenKind::Number || (before == TokenKind::Word && !begins)) {
+        add({TokenKind::Operator, true, token.offset, 1});
+        continue;
+      }
+    }
+    if (hashDates && first == '#' && token.kind != TokenKind::Date) {
+      const std::size_t end = text_.find('#', token.offset + 1);
+      if (end != std::string_view::npos) {
+        add({TokenKind::Date, false, token.offset, end + 1 - token.offset});
+        continue;
+      }
+    }
+    tokens_.push_back(token);
+  }
+}
+
+void CriterionTokens::FindPartners() {
+  partners_.assign(tokens_.size(), kNone);
+  struct Opening {
+    std::size_t index;
+    char closing;  // 'E' for END
+    bool hasWhen = false;
+  };
+  std::vector<Opening> open;
+  for (std::size_t i = 0; i < tokens_.size(); ++i) {
+    if (tokens_[i].kind == TokenKind::Word) {
+      // Without WHEN, CASE is a word like others; so is END without CASE.
+      const bool inCase = !open.empty() && open.back().closing == 'E';
+      if (EqualsNoCase(Text(i), "CASE")) {
+        open.push_back({i, 'E'});
+      } else if (inCase && EqualsNoCase(Text(i), "WHEN")) {
+        open.back().hasWhen = true;
+      } else if (inCase && open.back().hasWhen && EqualsNoCase(Text(i), "END")) {
+        partners_[open.back().index] = i;
+        open.pop_back();
+      }
+    } else if (Is(i, '(') || Is(i, '{')) {
+      open.push_back({i, Is(i, '(') ? ')' : '}'});
+    } else if (Is(i, ')') || Is(i, '}')) {
+      while (!open.empty() && open.back().closing == 'E') open.pop_back();
+      if (open.empty() || open.back().closing != text_[tokens_[i].offset]) {
+        ThrowCriterionError(text_, tokens_[i].offset, "Nothing is open that this closes.");
+      }
+      partners_[open.back().index] = i;
+      open.pop_back();
+    }
+    if (open.size() > kDeepest) ThrowCriterionError(text_, tokens_[i].offset, "This lies within too much else.");
+  }
+  for (const Opening& opening : open) {
+    if (opening.closing != 'E') ThrowCriterionError(text_, tokens_[opening.index].offset, "This is never closed.");
+  }
+}
+
+std::string_view CriterionTokens::Slice(std::size_t from, std::size_t to) const {
+  if (from >= to) return {};
+  const std::size_t begin = tokens_[from].offset;
+  return text_.substr(begin, tokens_[to - 1].offset + tokens_[to - 1].length - begin);
+}
+
+bool CriterionTokens::Is(std::size_t index, char sign) const {
+  return index < Count() && tokens_[index].kind == TokenKind::Operator && tokens_[index].length == 1 &&
+         text_[tokens_[index].offset] == sign;
+}
+
+bool CriterionTokens::IsWord(std::size_t index, std::string_view word) const {
+  return index < Count() && tokens_[index].kind == TokenKind::Word && EqualsNoCase(Text(index), word);
+}
+
+bool CriterionTokens::Adjoins(std::size_t index) const {
+  return index > 0 && index < Count() && tokens_[index - 1].offset + tokens_[index - 1].length == tokens_[index].offset;
+}
+
+bool CriterionTokens::IsApostrophe(std::size_t index) const {
+  return tokens_[index].kind == TokenKind::Operator && tokens_[index].unfinished;
+}
+
+std::string CriterionTokens::Kept(std::size_t from, std::size_t to) const {
+  RequireFinished(from, to);
+  std::string text;
+  std::size_t end = 0;  // of the token written last
+  for (std::size_t i = from; i < to; ++i) {
+    if (tokens_[i].kind == TokenKind::Comment) continue;
+    if (IsApostrophe(i)) ThrowCriterionError(text_, tokens_[i].offset, "What this quote begins is never closed.");
+    if (!text.empty() && end != tokens_[i].offset) text += ' ';
+    text += Text(i);
+    end = tokens_[i].offset + tokens_[i].length;
+  }
+  return text;
+}
+
+void CriterionTokens::RequireFinished(std::size_t from, std::size_t to) const {
+  for (std::size_t i = from; i < to; ++i) {
+    if (tokens_[i].unfinished && !IsApostrophe(i)) {
+      ThrowCriterionError(text_, tokens_[i].offset, "What begins here is never closed.");
+    }
+  }
+}
+
+}  // namespace zrqrybld

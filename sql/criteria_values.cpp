@@ -1,0 +1,399 @@
+#include "sql/criteria_values.h"
+
+#include <algorithm>
+#include <iterator>
+#include <span>
+#include <vector>
+
+#include "base/text.h"
+#include "platform/schema_fields.h"
+#include "sql/date_literal.h"
+
+namespace zrqrybld {
+namespace {
+
+// Functions that are called without parentheses.
+constexpr std::string_view kBareFunctions[] = {
+    "CURRENT_DATE",   "CURRENT_TIME", "CURRENT_TIMESTAMP", "CURRENT_USER", "LOCALTIME",
+    "LOCALTIMESTAMP", "ROWNUM",       "SESSION_USER",      "SYSDATE",      "SYSTIMESTAMP"};
+
+// What follows "{" in an escape: dates, times and functions.
+constexpr std::string_view kEscapes[] = {"d", "t", "ts", "fn"};
+
+// Aggregates that give a number, whatever they are taken of, by how their names begin.
+constexpr std::string_view kNumericAggregates[] = {"COUNT", "SUM", "AVG", "STD", "VAR"};
+
+struct BooleanWord {
+  std::string_view word;
+  std::string_view written;
+};
+constexpr BooleanWord kBooleanWords[] = {{"TRUE", "True"},   {"YES", "True"}, {"ON", "True"},
+                                         {"FALSE", "False"}, {"NO", "False"}, {"OFF", "False"}};
+
+bool IsOneOf(std::string_view word, std::span<const std::string_view> words) {
+  return std::ranges::any_of(words, [word](std::string_view other) { return EqualsNoCase(word, other); });
+}
+
+bool IsHex(char c) { return IsDigit(c) || (UpperAscii(c) >= 'A' && UpperAscii(c) <= 'F'); }
+
+// A name's text without its quotes.
+std::string Bare(std::string_view name) {
+  if (name.size() < 2 || (name[0] != '"' && name[0] != '[' && name[0] != '`')) return std::string(name);
+  const char closing = name.back();
+  return ReplaceAll(name.substr(1, name.size() - 2), std::string(2, closing), std::string(1, closing));
+}
+
+bool IsDay(std::int32_t type) {
+  return type == static_cast<std::int32_t>(DataTypeCode::Date) ||
+         type == static_cast<std::int32_t>(DataTypeCode::DbDate);
+}
+
+}  // namespace
+
+// --- Types ---
+
+CriterionValues::CriterionValues(const CriterionTokens& tokens, const CriteriaContext& context)
+    : tokens_(tokens), context_(context), kind_(KindOf(context)) {}
+
+CriterionValues::Kind CriterionValues::KindOf(const CriteriaContext& context) {
+  for (const std::string_view name : kNumericAggregates) {
+    if (StartsWithNoCase(context.aggregate, name)) return Kind::Number;
+  }
+  switch (context.dataType) {
+    case 8:  // text of an automation interface
+    case 129:
+    case 130:
+    case 200:
+    case 201:
+    case 202:
+    case 203:
+      return Kind::Text;
+    case 2:
+    case 3:
+    case 4:
+    case 5:
+    case 6:
+    case 14:  // a decimal number of an automation interface
+    case 16:
+    case 17:
+    case 18:  // the unsigned whole numbers
+    case 19:
+    case 20:
+    case 21:
+    case 131:
+    case 139:  // a number of any length
+      return Kind::Number;
+    case 11:
+      return Kind::Boolean;
+    case 7:
+    case 64:
+    case 133:
+    case 134:
+    case 135:
+      return Kind::Date;
+    case 72:
+      return Kind::Guid;
+    case 128:
+    case 204:
+    case 205:
+      return Kind::Binary;
+    default:
+      return context.isLong || !context.prefix.empty() ? Kind::Text : Kind::Unknown;
+  }
+}
+
+bool CriterionValues::TakesHashDates(const CriteriaContext& context) { return KindOf(context) == Kind::Date; }
+
+std::string CriterionValues::LiteralWord(const CriteriaContext& context) {
+  const std::string& prefix = context.prefix;
+  return !prefix.empty() && prefix.back() == '\'' ? prefix.substr(0, prefix.size() - 1) : std::string();
+}
+
+// --- Expressions ---
+
+bool CriterionValues::IsQuery(std::size_t parenthesis) const {
+  return tokens_.IsWord(parenthesis + 1, "SELECT") || tokens_.IsWord(parenthesis + 1, "WITH");
+}
+
+// What a host puts a value in for: ?, :name. (@name is a word.)
+bool CriterionValues::IsPlaceholder(std::size_t at) const {
+  return tokens_.Is(at, '?') ||
+         (tokens_.Is(at, ':') && tokens_.Adjoins(at + 1) && tokens_[at + 1].kind == TokenKind::Word);
+}
+
+// A name with its dots, or a call. Returns the token behind it.
+std::size_t CriterionValues::ReadName(Kind kind, std::size_t at, std::size_t to, Expression& expression) const {
+  const std::size_t first = at;
+  std::vector<std::string> parts;
+  bool quoted = false;
+  for (;;) {
+    quoted = quoted || tokens_[at].kind == TokenKind::QuotedIdentifier;
+    parts.push_back(Bare(tokens_.Text(at)));
+    ++at;
+    // "Dr. Smith" is no name: the point joins only what it touches.
+    if (at + 1 >= to || !tokens_.Is(at, '.') || !tokens_.Adjoins(at) || !tokens_.Adjoins(at + 1)) break;
+    const TokenKind next = tokens_[at + 1].kind;
+    if (next != TokenKind::Word && next != TokenKind::QuotedIdentifier) break;
+    ++at;
+  }
+  const std::string_view word = tokens_.Text(first);
+  const bool plain = parts.size() == 1 && !quoted;
+  if (at < to && tokens_.Is(at, '(') && (tokens_.Adjoins(at) || (kind != Kind::Text && kind != Kind::Unknown))) {
+    expression.hasSql = true;
+    return tokens_.After(at);
+  }
+  if (plain && at < to && tokens_[at].kind == TokenKind::String &&
+      (IsLiteralWord(word) || (tokens_.Adjoins(at) && EqualsNoCase(word, LiteralWord(context_))))) {
+    expression.hasSql = true;
+    return at + 1;
+  }
+  bool known = false;
+  if (plain) {
+    const bool truth = EqualsNoCase(word, "TRUE") || EqualsNoCase(word, "FALSE");
+    if (EqualsNoCase(word, "NULL") || word.starts_with('@') || IsOneOf(word, kBareFunctions)) {
+      known = true;
+    } else if (kind != Kind::Text && truth) {
+      return at;
+    } else if (kind == Kind::Text || kind == Kind::Unknown || IsSqlKeyword(word)) {
+      known = false;
+    } else {
+      known = !context_.isColumn || context_.isColumn(parts);
+    }
+  } else if (parts.size() == 1 && word.front() != '"') {
+    known = true;  // brackets and accents quote nothing but names
+  } else {
+    const bool isName = parts.size() > 1 || context_.quotePrefix == "\"";
+    known = isName && (!context_.isColumn || context_.isColumn(parts));
+  }
+  if (known) {
+    expression.hasSql = true;
+  } else if (expression.unknown == CriterionTokens::kNone) {
+    expression.unknown = first;
+  }
+  return at;
+}
+
+// An operand without its signs. Returns the token behind it; `to` and not valid when there is none.
+std::size_t CriterionValues::ReadOperand(Kind kind, std::size_t at, std::size_t to, Expression& expression) const {
+  switch (tokens_[at].kind) {
+    case TokenKind::Number:
+      return at + 1;
+    case TokenKind::String:
+    case TokenKind::Date:
+    case TokenKind::Parameter:
+      expression.hasSql = true;
+      return at + 1;
+    case TokenKind::Word:
+    case TokenKind::QuotedIdentifier:
+      if (tokens_.Partner(at) != CriterionTokens::kNone) break;  // CASE to END
+      return ReadName(kind, at, to, expression);
+    default:
+      break;
+  }
+  bool whole = tokens_.Partner(at) != CriterionTokens::kNone;
+  if (tokens_.Is(at, '{')) whole = at + 1 < to && IsOneOf(tokens_.Text(at + 1), kEscapes);
+  if (whole || IsPlaceholder(at)) {
+    expression.hasSql = true;
+    return whole ? tokens_.After(at) : at + (tokens_.Is(at, '?') ? 1 : 2);
+  }
+  expression.valid = false;
+  return to;
+}
+
+// What joins two operands, or follows one. Returns the token behind it; the same when it is none.
+std::size_t CriterionValues::ReadOperator(std::size_t at, std::size_t to) const {
+  constexpr std::string_view kSigns = "+-*/%&|^";
+  if (tokens_[at].kind != TokenKind::Operator || tokens_.IsApostrophe(at)) return at;
+  const std::string_view sign = tokens_.Text(at);
+  if (sign == "||" || (sign.size() == 1 && kSigns.find(sign[0]) != std::string_view::npos)) return at + 1;
+  return std::min(at, to);
+}
+
+CriterionValues::Expression CriterionValues::Examine(Kind kind, std::size_t from, std::size_t to) const {
+  Expression expression;
+  bool expectsOperand = true;
+  for (std::size_t at = from; at < to && expression.valid;) {
+    if (tokens_[at].kind == TokenKind::Comment) {
+      ++at;
+    } else if (expectsOperand && tokens_.Is(at, '(') && !IsQuery(at)) {
+      ++at;
+    } else if (expectsOperand && (tokens_.Is(at, '+') || tokens_.Is(at, '-') || tokens_.Is(at, '~'))) {
+      ++at;
+    } else if (expectsOperand) {
+      at = ReadOperand(kind, at, to, expression);
+      expectsOperand = false;
+    } else if (tokens_.Is(at, ')')) {
+      ++at;
+    } else if (tokens_.IsWord(at, "COLLATE") && at + 1 < to) {
+      at += 2;
+    } else if (tokens_.Is(at, ':') && tokens_.Is(at + 1, ':') && at + 2 < to) {
+      at += 3;  // ::type
+      if (at < to && tokens_.Is(at, '(')) at = tokens_.After(at);
+    } else {
+      const std::size_t next = ReadOperator(at, to);
+      expression.valid = next > at;
+      expectsOperand = true;
+      at = next;
+    }
+  }
+  expression.valid = expression.valid && !expectsOperand;
+  return expression;
+}
+
+// Whether the value stands as it is. Figures alone are SQL only where the type has numbers.
+bool CriterionValues::IsSql(Kind kind, std::size_t from, std::size_t to) const {
+  const Expression expression = Examine(kind, from, to);
+  const bool takesFigures = kind == Kind::Number || kind == Kind::Boolean || kind == Kind::Unknown;
+  return expression.valid && expression.unknown == CriterionTokens::kNone && (takesFigures || expression.hasSql);
+}
+
+// --- Literals ---
+
+void CriterionValues::Refuse(std::size_t at, std::string_view what) const {
+  ThrowCriterionError(tokens_.All(), tokens_.Offset(at), what);
+}
+
+std::string CriterionValues::Literal(std::string_view value, bool usualQuotes) const {
+  const bool usual = usualQuotes || context_.prefix.empty();
+  const std::string prefix = usual ? "'" : context_.prefix;
+  const std::string suffix = usual || context_.suffix.empty() ? std::string(1, prefix.back()) : context_.suffix;
+  std::string text = prefix;
+  if (prefix.back() == '\'' || prefix.back() == '"') {
+    text += ReplaceAll(value, prefix.substr(prefix.size() - 1), std::string(2, prefix.back()));
+  } else {
+    text += value;
+  }
+  return text + suffix;
+}
+
+std::string CriterionValues::WriteText(std::size_t from, std::size_t to, bool pattern) const {
+  tokens_.RequireFinished(from, to);
+  const std::string_view bare = tokens_.Slice(from, to);
+  const bool inDoubleQuotes = to == from + 1 && tokens_[from].kind == TokenKind::QuotedIdentifier && bare[0] == '"';
+  return Literal(inDoubleQuotes ? Bare(bare) : std::string(bare), pattern && kind_ != Kind::Text);
+}
+
+// Writes a bare date, or one between "#" or in an escape, in the chosen form. False when it is none of these.
+bool CriterionValues::WriteDate(std::size_t from, std::size_t to, std::string& text) const {
+  std::string_view bare = tokens_.Slice(from, to);
+  const bool hash = to == from + 1 && tokens_[from].kind == TokenKind::Date;
+  const bool escape = tokens_.Is(from, '{') && tokens_.After(from) == to && to == from + 4 &&
+                      tokens_[from + 2].kind == TokenKind::String && tokens_[from + 1].kind == TokenKind::Word;
+  if (hash) bare = bare.substr(1, bare.size() - 2);
+  if (escape) {
+    const std::string_view quoted = tokens_.Text(from + 2);
+    if (tokens_[from + 2].unfinished || quoted.size() < 2) return false;
+    bare = quoted.substr(1, quoted.size() - 2);
+  }
+  DateTime value;
+  switch (ReadDateTime(bare, context_.dateFormat, hash, value)) {
+    case DateReading::Ambiguous:
+      Refuse(from, "This can be two dates. Write it as 2020-01-31 or with the month's name.");
+    case DateReading::NoDate:
+      if (hash) Refuse(from, "This is no date.");
+      return false;
+    case DateReading::Read:
+      break;
+  }
+  const bool isTime = context_.dataType == static_cast<std::int32_t>(DataTypeCode::DbTime);
+  if (!value.hasDate && !isTime) Refuse(from, "This has no date.");
+  if (context_.dateFormatStyle == DateFormatEscapeSequence) {
+    // A part that was typed is never dropped: what a form has no place for takes the one that has it.
+    if (isTime && !value.hasDate) {
+      text = "{ t '" + FormatDateTime(value, "hh:nn:ss") + "' }";
+    } else if (IsDay(context_.dataType) && !value.hasTime) {
+      text = "{ d '" + FormatDateTime(value, "yyyy-mm-dd") + "' }";
+    } else {
+      text = "{ ts '" + FormatDateTime(value, "yyyy-mm-dd hh:nn:ss") + "' }";
+    }
+    return true;
+  }
+  const bool fits = !value.hasTime || FormatHasTime(context_.dateFormat);
+  if ((!fits || !value.hasDate) && context_.prefix.find('(') != std::string::npos) {
+    Refuse(from, "This does not fit the date format, by which the source reads dates.");
+  }
+  std::string written;
+  if (value.hasDate) written = FormatDateTime(value, context_.dateFormat);
+  if (!value.hasDate || !fits) {
+    written += (written.empty() ? "" : " ") + FormatDateTime(value, "hh:nn:ss");
+  }
+  text = Literal(written);
+  return true;
+}
+
+bool CriterionValues::WriteGuid(std::string_view bare, std::string& text) const {
+  std::string_view digits = bare;
+  if (digits.starts_with('{') && digits.ends_with('}')) digits = digits.substr(1, digits.size() - 2);
+  if (digits.size() != 36) return false;
+  for (std::size_t i = 0; i < digits.size(); ++i) {
+    const bool dash = i == 8 || i == 13 || i == 18 || i == 23;
+    if (dash ? digits[i] != '-' : !IsHex(digits[i])) return false;
+  }
+  text = Literal(bare);
+  return true;
+}
+
+bool CriterionValues::WriteBinary(std::string_view bare, std::string& text) const {
+  if (context_.prefix.empty() || bare.size() % 2 != 0 || !std::ranges::all_of(bare, IsHex)) return false;
+  text = Literal(bare);
+  return true;
+}
+
+// --- Values ---
+
+std::string CriterionValues::Write(std::size_t from, std::size_t to) const {
+  std::string text;
+  std::size_t last = to;
+  while (tokens_[last - 1].kind == TokenKind::Comment) --last;
+  const std::string_view bare = tokens_.Slice(from, last);
+  switch (kind_) {
+    case Kind::Boolean:
+    case Kind::Unknown:
+      for (const BooleanWord& entry : kBooleanWords) {
+        const bool truth = entry.word == "TRUE" || entry.word == "FALSE";
+        if ((kind_ == Kind::Boolean || truth) && EqualsNoCase(bare, entry.word)) return std::string(entry.written);
+      }
+      // A date is no subtraction of figures.
+      if (DateTime date; last > from + 1 && ReadDateTime(bare, context_.dateFormat, true, date) == DateReading::Read) {
+        return WriteText(from, to, false);
+      }
+      break;
+    case Kind::Date:
+      if (WriteDate(from, last, text)) return text;
+      break;
+    case Kind::Guid:
+      if (WriteGuid(bare, text)) return text;
+      break;
+    case Kind::Binary:
+      if (WriteBinary(bare, text)) return text;
+      if (last == from + 1 && StartsWithNoCase(bare, "0x")) return std::string(bare);
+      break;
+    case Kind::Text:
+    case Kind::Number:
+      break;
+  }
+  if (IsSql(kind_, from, to)) return tokens_.Kept(from, to);
+  if (kind_ == Kind::Text || kind_ == Kind::Unknown) return WriteText(from, to, false);
+
+  tokens_.RequireFinished(from, to);
+  const Expression expression = Examine(kind_, from, to);
+  const std::size_t at = expression.valid && expression.unknown != CriterionTokens::kNone ? expression.unknown : from;
+  switch (kind_) {
+    case Kind::Date:
+      Refuse(at, "This is no date.");
+    case Kind::Boolean:
+      Refuse(at, "This is neither true nor false, nor a column of the query.");
+    case Kind::Guid:
+    case Kind::Binary:
+      Refuse(at, "This is no value of the column's type.");
+    default:
+      Refuse(at, "This is no number, nor a column of the query.");
+  }
+}
+
+std::string CriterionValues::WritePattern(std::size_t from, std::size_t to) const {
+  if (IsSql(Kind::Text, from, to)) return tokens_.Kept(from, to);
+  return WriteText(from, to, true);
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,62 @@
+// The values of a criterion: which are SQL already, and how the others become literals of the column's type.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "sql/criteria_context.h"
+#include "sql/criteria_tokens.h"
+
+namespace zrqrybld {
+
+class CriterionValues {
+ public:
+  /// Both must outlive this.
+  CriterionValues(const CriterionTokens& tokens, const CriteriaContext& context);
+
+  /// Whether text between two "#" is a date for this column.
+  static bool TakesHashDates(const CriteriaContext& context);
+  /// The word before the opening quote of the column's literals, as N in N'text'; "" for none.
+  static std::string LiteralWord(const CriteriaContext& context);
+
+  /// The value that the tokens write, at least one. Error 40002 when the type has no such value.
+  std::string Write(std::size_t from, std::size_t to) const;
+
+  /// The same for a pattern, which is text whatever the column's type.
+  std::string WritePattern(std::size_t from, std::size_t to) const;
+
+ private:
+  /// What the bare values of a type are.
+  enum class Kind : std::uint8_t { Unknown, Text, Number, Boolean, Date, Guid, Binary };
+
+  /// What a run of tokens is made of, when it is read as an expression.
+  struct Expression {
+    bool valid = true;                             // operands and operators alternate
+    bool hasSql = false;                           // something that only SQL has: a literal in quotes, a name, a call
+    std::size_t unknown = CriterionTokens::kNone;  // the first plain word, or name that is no column
+  };
+
+  static Kind KindOf(const CriteriaContext& context);
+  bool IsSql(Kind kind, std::size_t from, std::size_t to) const;
+  Expression Examine(Kind kind, std::size_t from, std::size_t to) const;
+  std::size_t ReadOperand(Kind kind, std::size_t at, std::size_t to, Expression& expression) const;
+  std::size_t ReadName(Kind kind, std::size_t at, std::size_t to, Expression& expression) const;
+  std::size_t ReadOperator(std::size_t at, std::size_t to) const;
+  bool IsPlaceholder(std::size_t at) const;
+  bool IsQuery(std::size_t parenthesis) const;
+
+  std::string WriteText(std::size_t from, std::size_t to, bool pattern) const;
+  bool WriteDate(std::size_t from, std::size_t to, std::string& text) const;
+  bool WriteGuid(std::string_view bare, std::string& text) const;
+  bool WriteBinary(std::string_view bare, std::string& text) const;
+  std::string Literal(std::string_view value, bool usualQuotes = false) const;
+  [[noreturn]] void Refuse(std::size_t at, std::string_view what) const;
+
+  const CriterionTokens& tokens_;
+  const CriteriaContext& context_;
+  Kind kind_;
+};
+
+}  // namespace zrqrybld
