@@ -88,6 +88,10 @@ class Variant {
   /// The handle held; nothing when this is no object.
   Ref<Object> ToObject() const;
 
+  /// The date or the 64-bit integer held; nullptr when this is none.
+  const DateValue* DateIf() const { return std::get_if<DateValue>(&value_); }
+  const std::int64_t* Int64If() const { return std::get_if<std::int64_t>(&value_); }
+
   /// The elements held; none when this is no array.
   const std::vector<Variant>* ArrayIf() const { return std::get_if<std::vector<Variant>>(&value_); }
 

@@ -1,0 +1,187 @@
+// The members of connections, fonts and the toolkit.
+#include <cmath>
+
+#include "automation/binding.h"
+#include "automation/classes.h"
+#include "automation/row_set_object.h"
+#include "automation/toolkit_object.h"
+
+namespace zrqrybld {
+
+ZRQRYBLD_PUBLIC_AS(ConnectionDialogObject, "ConnectionDialog");
+ZRQRYBLD_PUBLIC_AS(JoinDialogObject, "JoinDialog");
+ZRQRYBLD_PUBLIC_AS(TablesDialogObject, "TablesDialog");
+ZRQRYBLD_PUBLIC(ToolkitMessage);
+ZRQRYBLD_PUBLIC(ToolkitMessages);
+
+constexpr std::int32_t kErrorNoCurrentRow = 3021;
+
+std::string FieldObject::Name() const { return std::string(rows_->Rows().FieldName(index_)); }
+
+Variant FieldObject::Value() const {
+  if (rows_->Eof()) throw Error(kErrorNoCurrentRow, "There is no current row.");
+  return rows_->Rows().Value(index_);
+}
+
+Ref<FieldObject> RowSetObject::Fields(const Variant& index) {
+  std::optional<std::size_t> found;
+  if (const std::string* name = index.StringIf()) {
+    found = rows_->FindField(*name);
+  } else if (const auto number = Convert<std::int32_t>::From(index); number >= 0 && number < FieldCount()) {
+    found = static_cast<std::size_t>(number);
+  }
+  if (!found) ThrowNoSuchItem();
+  return std::make_shared<FieldObject>(RefTo(*this), *found);
+}
+
+namespace {
+
+// --- Connection ---
+
+void Open(Connection& connection, const std::optional<std::string>& connectionString, const std::string& user,
+          const std::string& password) {
+  if (connectionString) connection.SetConnectionString(*connectionString);
+  connection.Open(user, password);
+}
+
+// Restrictions as they stand in the data access layer's array: catalog, schema, table; for foreign keys those of the
+// referencing table stand behind those of the referenced one. Empty and "" mean any.
+Ref<RowSetObject> OpenSchema(Connection& connection, std::int32_t kind, const Variant& restrictions) {
+  SchemaRestrictions wanted;
+  if (!restrictions.IsMissing()) {
+    const std::vector<Variant> given = Convert<std::vector<Variant>>::From(restrictions);
+    const std::size_t first = kind == static_cast<std::int32_t>(SchemaKind::ForeignKeys) && given.size() > 3 ? 3 : 0;
+    const auto at = [&](std::size_t place) -> std::optional<std::string> {
+      if (first + place >= given.size() || given[first + place].IsBlank()) return std::nullopt;
+      return Convert<std::string>::From(given[first + place]);
+    };
+    wanted = {at(0), at(1), at(2)};
+  }
+  return std::make_shared<RowSetObject>(connection.OpenSchema(static_cast<SchemaKind>(kind), wanted));
+}
+
+constexpr Member kConnection[] = {
+    ReadWrite<Connection, &Connection::ConnectionString, &Connection::SetConnectionString>("ConnectionString"),
+    Method<Connection, &Open>("Open", "[ConnectionString], [UserID], [Password]"),
+    Method<Connection, &Connection::Close>("Close"),
+    ReadOnly<Connection, &Connection::State>("State"),
+    Method<Connection, &OpenSchema>("OpenSchema", "Kind, [Restrictions]"),
+};
+
+constexpr Member kRowSet[] = {
+    ReadOnly<RowSetObject, &RowSetObject::Eof>("EOF"),
+    ReadOnly<RowSetObject, &RowSetObject::FieldCount>("FieldCount"),
+    ReadOnly<RowSetObject, &RowSetObject::Fields>("Fields", "Index"),
+    Method<RowSetObject, &RowSetObject::MoveNext>("MoveNext"),
+    Method<RowSetObject, &RowSetObject::Close>("Close"),
+};
+
+constexpr Member kField[] = {
+    ReadOnly<FieldObject, &FieldObject::Name>("Name"),
+    ReadOnly<FieldObject, &FieldObject::Value>("Value"),
+};
+
+// --- Fonts and pictures ---
+
+constexpr Member kFont[] = {
+    ReadWrite<FontObject, &FontObject::Name, &FontObject::SetName>("Name"),
+    ReadWrite<FontObject, &FontObject::Size, &FontObject::SetSize>("Size"),
+    ReadWrite<FontObject, &FontObject::Bold, &FontObject::SetBold>("Bold"),
+    ReadWrite<FontObject, &FontObject::Italic, &FontObject::SetItalic>("Italic"),
+};
+
+std::int32_t ImageWidth(const Image& image) { return image.Width(); }
+std::int32_t ImageHeight(const Image& image) { return image.Height(); }
+
+constexpr Member kImage[] = {
+    ReadOnly<Image, &ImageWidth>("Width"),
+    ReadOnly<Image, &ImageHeight>("Height"),
+};
+
+// --- The toolkit ---
+
+constexpr std::int32_t kLargestImage = 4096;
+
+Ref<Image> CreateImage(ToolkitObject&, std::int32_t width, std::int32_t height, const std::vector<Variant>& pixels) {
+  const bool sane = width > 0 && height > 0 && width <= kLargestImage && height <= kLargestImage;
+  if (!sane || pixels.size() != static_cast<std::size_t>(width) * static_cast<std::size_t>(height)) {
+    throw Error(ErrorInvalidPropertyValue, "Invalid Property Value.");
+  }
+  std::vector<std::uint32_t> values;
+  values.reserve(pixels.size());
+  for (const Variant& pixel : pixels) values.push_back(Convert<Color>::From(pixel).value);
+  return std::make_shared<Image>(width, height, std::move(values));
+}
+
+constexpr Member kToolkit[] = {
+    ReadOnly<ToolkitObject, &ToolkitObject::Messages>("Messages"),
+    Method<ToolkitObject, &CreateImage>("CreateImage", "Width, Height, Pixels"),
+    Raised<ToolkitObject, &ToolkitObject::MessageBox>("MessageBox", "Text, Icon"),
+    Raised<ToolkitObject, &ToolkitObject::ShowTables>("ShowTables", "Dialog"),
+    Raised<ToolkitObject, &ToolkitObject::JoinProperties>("JoinProperties", "Dialog"),
+    Raised<ToolkitObject, &ToolkitObject::ConnectionPrompt>("ConnectionPrompt", "Dialog"),
+};
+
+constexpr Member kMessages[] = {
+    Method<ToolkitMessages, &ToolkitMessages::Clear>("Clear"),
+    ReadOnly<ToolkitMessages, &ToolkitMessages::Count>("Count"),
+    ReadOnly<ToolkitMessages, &ToolkitMessages::Item>("Item", "Index"),
+};
+
+constexpr Member kMessage[] = {
+    ReadOnly<ToolkitMessage, &ToolkitMessage::Kind>("Kind"),
+    ReadOnly<ToolkitMessage, &ToolkitMessage::Text>("Text"),
+    ReadOnly<ToolkitMessage, &ToolkitMessage::Icon>("Icon"),
+};
+
+using Tables = TablesDialogObject;
+constexpr Member kTablesDialog[] = {
+    ReadOnly<Tables, &Tables::Caption>("Caption"),
+    ReadOnly<Tables, &Tables::Tables>("Tables"),
+    ReadOnly<Tables, &Tables::Views>("Views"),
+    Method<Tables, &Tables::Add>("Add", "Names"),
+};
+
+using Join = JoinDialogObject;
+constexpr Member kJoinDialog[] = {
+    ReadOnly<Join, &Join::Caption>("Caption"),
+    ReadOnly<Join, &Join::Frame>("Frame"),
+    ReadOnly<Join, &Join::Table1Text>("Table1Text"),
+    ReadOnly<Join, &Join::Table2Text>("Table2Text"),
+    ReadWrite<Join, &Join::Table1Checked, &Join::SetTable1Checked>("Table1Checked"),
+    ReadWrite<Join, &Join::Table2Checked, &Join::SetTable2Checked>("Table2Checked"),
+    ReadOnly<Join, &Join::Description>("Description"),
+    ReadOnly<Join, &Join::Warning>("Warning"),
+    ReadWrite<Join, &Join::Accepted, &Join::SetAccepted>("Accepted"),
+};
+
+using Prompt = ConnectionDialogObject;
+constexpr Member kConnectionDialog[] = {
+    ReadOnly<Prompt, &Prompt::DataSources>("DataSources"),
+    Method<Prompt, &Prompt::Test>("Test", "ConnectionString"),
+    ReadWrite<Prompt, &Prompt::ConnectionString, &Prompt::SetConnectionString>("ConnectionString"),
+};
+
+Ref<Object> MakeConnection() {
+  return std::make_shared<ProviderConnection>(ToolkitObject::Instance()->Services()->Providers());
+}
+
+const ClassInfo kClasses[] = {
+    {"Connection", kConnection, "ConnectionString", &MakeConnection},
+    {"RowSet", kRowSet, "Fields"},
+    {"Field", kField, "Value"},
+    {"Font", kFont, "Name", [] { return Ref<Object>(std::make_shared<FontObject>()); }},
+    {"Image", kImage, ""},
+    {"Toolkit", kToolkit, "", [] { return Ref<Object>(ToolkitObject::Instance()); }},
+    {"ToolkitMessages", kMessages, "Item"},
+    {"ToolkitMessage", kMessage, "Text"},
+    {"TablesDialog", kTablesDialog, ""},
+    {"JoinDialog", kJoinDialog, ""},
+    {"ConnectionDialog", kConnectionDialog, "ConnectionString"},
+};
+
+}  // namespace
+
+std::span<const ClassInfo> PlatformClasses() { return kClasses; }
+
+}  // namespace zrqrybld

@@ -1,0 +1,100 @@
+#include "automation/toolkit_object.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr std::size_t kMessagesKept = 1000;
+
+// Shows nothing: hands every dialog to whoever listens.
+class ScriptedDialogs final : public Dialogs {
+ public:
+  explicit ScriptedDialogs(ToolkitObject& owner) : owner_(owner) {}
+
+  void ShowMessage(std::string_view text, MessageIcon icon) override {
+    const std::string message(text);
+    const auto picture = static_cast<std::int32_t>(icon);
+    Record("MessageBox", message, picture);
+    owner_.MessageBox.Raise(message, picture);
+  }
+
+  void ShowTables(const TablesDialog& dialog) override {
+    Record("ShowTables", dialog.caption);
+    const Shown shown(std::make_shared<TablesDialogObject>(dialog));
+    owner_.ShowTables.Raise(shown.object);
+  }
+
+  bool ShowJoinProperties(JoinDialog& dialog) override {
+    Record("JoinProperties", dialog.caption);
+    const Shown shown(std::make_shared<JoinDialogObject>(dialog));
+    owner_.JoinProperties.Raise(shown.object);
+    return shown.object->Accepted();
+  }
+
+  std::string ShowConnectionPrompt(const ConnectionDialog& dialog) override {
+    Record("ConnectionPrompt", "");
+    const Shown shown(std::make_shared<ConnectionDialogObject>(dialog));
+    owner_.ConnectionPrompt.Raise(shown.object);
+    return shown.object->ConnectionString();
+  }
+
+ private:
+  // Takes the dialog away from its object when it is answered, also by an error.
+  template <class T>
+  struct Shown {
+    explicit Shown(Ref<T> dialog) : object(std::move(dialog)) {}
+    Shown(const Shown&) = delete;
+    Shown& operator=(const Shown&) = delete;
+    ~Shown() { object->Close(); }
+    const Ref<T> object;
+  };
+
+  void Record(std::string kind, std::string text, std::int32_t icon = 0) {
+    owner_.Messages()->Add(std::make_shared<ToolkitMessage>(std::move(kind), std::move(text), icon));
+  }
+
+  ToolkitObject& owner_;
+};
+
+class ScriptedToolkit final : public Toolkit {
+ public:
+  explicit ScriptedToolkit(ToolkitObject& owner) : dialogs_(owner) {}
+  Dialogs& GetDialogs() override { return dialogs_; }
+  void SetBusyPointer(bool) override {}
+
+ private:
+  ScriptedDialogs dialogs_;
+};
+
+}  // namespace
+
+void ToolkitMessages::Add(Ref<ToolkitMessage> message) {
+  items_.push_back(std::move(message));
+  if (items_.size() > kMessagesKept) items_.pop_front();
+}
+
+Ref<ToolkitMessage> ToolkitMessages::Item(std::int32_t position) const {
+  if (position < 1 || position > Count()) ThrowNoSuchItem();
+  return items_[static_cast<std::size_t>(position - 1)];
+}
+
+std::string JoinDialogObject::Description() const {
+  const JoinDialog& dialog = Shown();
+  return dialog.describe ? dialog.describe(dialog.table1Checked, dialog.table2Checked) : std::string();
+}
+
+std::string JoinDialogObject::Warning() const {
+  const JoinDialog& dialog = Shown();
+  return dialog.warning ? dialog.warning(dialog.table1Checked, dialog.table2Checked) : std::string();
+}
+
+ToolkitObject::ToolkitObject() : services_(std::make_shared<ScriptedToolkit>(*this)) {
+  RegisterProviders(*services_->Providers());
+}
+
+const Ref<ToolkitObject>& ToolkitObject::Instance() {
+  // Never destroyed: objects that a caller has not released may use it until the process ends.
+  static const auto* const instance = new Ref<ToolkitObject>(new ToolkitObject());
+  return *instance;
+}
+
+}  // namespace zrqrybld

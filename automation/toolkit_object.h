@@ -1,0 +1,156 @@
+// The toolkit of automated designers: no window; dialogs and messages are answered by event handlers.
+//
+// One toolkit serves all objects that a process makes by name. What nobody answers is cancelled, and
+// everything that was shown is recorded in `Messages`.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "base/error.h"
+#include "base/event.h"
+#include "base/object.h"
+#include "platform/toolkit.h"
+
+namespace zrqrybld {
+
+/// One thing that was shown to the user.
+class ToolkitMessage final : public Object {
+ public:
+  ToolkitMessage(std::string kind, std::string text, std::int32_t icon)
+      : kind_(std::move(kind)), text_(std::move(text)), icon_(icon) {}
+  std::string_view TypeName() const override { return "ToolkitMessage"; }
+
+  /// "MessageBox", "ShowTables", "JoinProperties" or "ConnectionPrompt".
+  const std::string& Kind() const { return kind_; }
+  /// The message, or the dialog's caption.
+  const std::string& Text() const { return text_; }
+  /// The picture beside a message: 0 information, 1 exclamation, 2 critical.
+  std::int32_t Icon() const { return icon_; }
+
+ private:
+  std::string kind_;
+  std::string text_;
+  std::int32_t icon_;
+};
+
+/// What was shown, oldest first, by position from 1; the last 1,000.
+class ToolkitMessages final : public Object {
+ public:
+  std::string_view TypeName() const override { return "ToolkitMessages"; }
+  void Add(Ref<ToolkitMessage> message);
+  void Clear() { items_.clear(); }
+  std::int32_t Count() const { return static_cast<std::int32_t>(items_.size()); }
+  /// Error 9 when there is none.
+  Ref<ToolkitMessage> Item(std::int32_t position) const;
+
+ private:
+  std::deque<Ref<ToolkitMessage>> items_;
+};
+
+/// A dialog while it is shown: its handler reads what it shows and answers. Used later, every member is error 91.
+template <class Dialog>
+class DialogObject : public Object {
+ public:
+  explicit DialogObject(Dialog& dialog) : dialog_(&dialog) {}
+  /// The dialog is answered.
+  void Close() { dialog_ = nullptr; }
+
+ protected:
+  Dialog& Shown() const {
+    if (!dialog_) throw Error(ErrorObjectRemoved, "The dialog is not shown any more.");
+    return *dialog_;
+  }
+
+ private:
+  Dialog* dialog_;
+};
+
+/// The table picker.
+class TablesDialogObject final : public DialogObject<const TablesDialog> {
+ public:
+  using DialogObject::DialogObject;
+  std::string_view TypeName() const override { return "TablesDialog"; }
+  const std::string& Caption() const { return Shown().caption; }
+  const std::vector<std::string>& Tables() const { return Shown().tables; }
+  const std::vector<std::string>& Views() const { return Shown().views; }
+  /// Adds one or several tables, as the add button does.
+  void Add(const std::vector<std::string>& names) { Shown().add(names); }
+};
+
+/// The properties of a join. Accepted only when the handler says so.
+class JoinDialogObject final : public DialogObject<JoinDialog> {
+ public:
+  using DialogObject::DialogObject;
+  std::string_view TypeName() const override { return "JoinDialog"; }
+  const std::string& Caption() const { return Shown().caption; }
+  const std::string& Frame() const { return Shown().frame; }
+  /// The texts of the two check boxes.
+  const std::string& Table1Text() const { return Shown().allOfTable1; }
+  const std::string& Table2Text() const { return Shown().allOfTable2; }
+  bool Table1Checked() const { return Shown().table1Checked; }
+  void SetTable1Checked(bool checked) { Shown().table1Checked = checked; }
+  bool Table2Checked() const { return Shown().table2Checked; }
+  void SetTable2Checked(bool checked) { Shown().table2Checked = checked; }
+  /// What the choice returns, in words; "" when the dialog says nothing.
+  std::string Description() const;
+  /// Why the choice cannot be had in the dialect; "" when it can.
+  std::string Warning() const;
+  bool Accepted() const { return accepted_; }
+  void SetAccepted(bool accepted) { accepted_ = accepted; }
+
+ private:
+  bool accepted_ = false;
+};
+
+/// The prompt that builds a connection string.
+class ConnectionDialogObject final : public DialogObject<const ConnectionDialog> {
+ public:
+  using DialogObject::DialogObject;
+  std::string_view TypeName() const override { return "ConnectionDialog"; }
+  /// The data sources that are configured on this machine.
+  const std::vector<std::string>& DataSources() const { return Shown().dataSources; }
+  /// Tries a connection string; the driver's message, "" when it connects.
+  std::string Test(const std::string& connectionString) { return Shown().test(connectionString); }
+  /// The answer; "" cancels.
+  const std::string& ConnectionString() const { return connectionString_; }
+  void SetConnectionString(std::string value) { connectionString_ = std::move(value); }
+
+ private:
+  std::string connectionString_;
+};
+
+/// The toolkit as scripts see it.
+class ToolkitObject final : public Object {
+ public:
+  /// The one toolkit of the process.
+  static const Ref<ToolkitObject>& Instance();
+  std::string_view TypeName() const override { return "Toolkit"; }
+
+  /// A message: its text and picture (see `ToolkitMessage::Icon`).
+  Event<const std::string&, std::int32_t> MessageBox;
+  Event<const Ref<TablesDialogObject>&> ShowTables;
+  Event<const Ref<JoinDialogObject>&> JoinProperties;
+  Event<const Ref<ConnectionDialogObject>&> ConnectionPrompt;
+
+  const Ref<ToolkitMessages>& Messages() const { return messages_; }
+
+  /// What designers are made with.
+  const std::shared_ptr<Toolkit>& Services() const { return services_; }
+
+ private:
+  ToolkitObject();
+
+  Ref<ToolkitMessages> messages_ = std::make_shared<ToolkitMessages>();
+  std::shared_ptr<Toolkit> services_;
+};
+
+/// Registers the data source providers that this build of the library has: defined beside the adapters, which this
+/// room does not know.
+void RegisterProviders(ProviderList& providers);
+
+}  // namespace zrqrybld

@@ -1,0 +1,164 @@
+// zrqrybld.h: the library for callers that are not C++.
+//
+// Objects are handles, values are small tagged structs, texts are UTF-8. Every function returns 0, or the number of
+// an error whose description `zrq_last_error` tells. A bad handle, an unknown name or a value of the wrong kind is
+// such an error; nothing a caller passes by handle, name or value ends the process.
+//
+// One thread at a time may use the library, as with any set of controls.
+//
+// Stability: functions, numbers and the layout of structs stay as they are within ZRQ_ABI; what is added goes to
+// the end. `zrq_abi` tells what a loaded library has.
+#pragma once
+
+#include <stddef.h>
+#include <stdint.h>
+
+#if defined(_WIN32)
+#define ZRQ_API __declspec(dllexport)
+#else
+#define ZRQ_API __attribute__((visibility("default")))
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#define ZRQ_ABI 1
+
+// An object. 0 is nothing. Each handle that a function returns, and each that a value holds that a function fills in,
+// is counted and must be released once. Handles of one object are equal.
+typedef uint64_t zrq_handle;
+
+// What a value holds.
+enum {
+  ZRQ_EMPTY = 0,    // never set; as a handle: nothing
+  ZRQ_NULL = 1,     // a database null
+  ZRQ_MISSING = 2,  // an argument that is not given
+  ZRQ_BOOLEAN = 3,  // integer: 0 or 1
+  ZRQ_INT16 = 4,
+  ZRQ_INT32 = 5,
+  ZRQ_INT64 = 6,
+  ZRQ_SINGLE = 7,
+  ZRQ_DOUBLE = 8,
+  ZRQ_DATE = 9,  // number: days since 30 December 1899
+  ZRQ_STRING = 10,
+  ZRQ_OBJECT = 11,
+  ZRQ_ARRAY = 12
+};
+
+// A value. `text.data` holds `length` bytes and, when the library filled it in, a 0 behind them.
+typedef struct zrq_value {
+  int32_t type;
+  int32_t reserved;  // 0
+  union {
+    int64_t integer;  // ZRQ_BOOLEAN, ZRQ_INT16, ZRQ_INT32, ZRQ_INT64
+    double number;    // ZRQ_SINGLE, ZRQ_DOUBLE, ZRQ_DATE
+    zrq_handle object;
+    struct {
+      const char* data;
+      size_t length;
+    } text;
+    struct {
+      const struct zrq_value* items;
+      size_t count;
+    } array;
+  } as;
+} zrq_value;
+
+// What can be done with a member, as bits.
+enum { ZRQ_GET = 1, ZRQ_LET = 2, ZRQ_SET = 4, ZRQ_CALL = 8, ZRQ_EVENT = 16 };
+
+// One argument of a member.
+typedef struct zrq_argument {
+  const char* name;
+  const char* type;
+  int32_t optional;
+  int32_t by_reference;
+} zrq_argument;
+
+// One member of a class. The texts live as long as the library is loaded.
+typedef struct zrq_member {
+  const char* name;
+  const char* type;  // of the property or the result; "" for none
+  int32_t kinds;     // ZRQ_GET | ...
+  int32_t is_default;
+  const zrq_argument* arguments;
+  size_t argument_count;
+} zrq_member;
+
+// The interface's version: ZRQ_ABI of the library that is loaded.
+ZRQ_API int32_t zrq_abi(void);
+
+// The product's version, for instance "2.1.220".
+ZRQ_API const char* zrq_version(void);
+
+// --- Objects ---
+
+// Makes an object of a public class, without any window. Error 429 when there is no such class or none can be made.
+ZRQ_API int32_t zrq_create(const char* class_name, zrq_handle* object);
+
+// Counts a handle once more, and once less. The object ends with its last handle, unless another object holds it.
+ZRQ_API int32_t zrq_retain(zrq_handle object);
+ZRQ_API int32_t zrq_release(zrq_handle object);
+
+// The class of an object; the text lives as long as the library is loaded.
+ZRQ_API int32_t zrq_class(zrq_handle object, const char** class_name);
+
+// --- Members; names in any letter case, "" is the default member ---
+
+// Reads a property. The result must be cleared with `zrq_clear`.
+ZRQ_API int32_t zrq_get(zrq_handle object, const char* name, const zrq_value* arguments, size_t count,
+                        zrq_value* result);
+
+// Writes a property.
+ZRQ_API int32_t zrq_let(zrq_handle object, const char* name, const zrq_value* arguments, size_t count,
+                        const zrq_value* value);
+
+// Calls a method. By-reference arguments are replaced by what the method wrote into them, when `written` is given: it
+// takes `count` values, ZRQ_MISSING for arguments that are not by reference, all to be cleared. `result` may be NULL.
+ZRQ_API int32_t zrq_call(zrq_handle object, const char* name, const zrq_value* arguments, size_t count,
+                         zrq_value* result, zrq_value* written);
+
+// --- Events ---
+
+// Receives an event. To write a by-reference argument, call `zrq_write` with its position before returning. The
+// arguments live until the handler returns.
+typedef void (*zrq_handler)(void* context, const zrq_value* arguments, size_t count);
+
+// Told once when a subscription has ended, whichever way.
+typedef void (*zrq_ended)(void* context);
+
+// Listens to an event until unsubscribed or until the object ends. `ended` may be NULL.
+ZRQ_API int32_t zrq_subscribe(zrq_handle object, const char* event, zrq_handler handler, zrq_ended ended, void* context,
+                              uint64_t* subscription);
+
+// Stops listening; a subscription that has ended is no error.
+ZRQ_API int32_t zrq_unsubscribe(uint64_t subscription);
+
+// Inside a handler: replaces the by-reference argument at a position from 0. Error 5 anywhere else.
+ZRQ_API int32_t zrq_write(size_t argument, const zrq_value* value);
+
+// --- Values ---
+
+// Frees what the library put into a value and makes it empty.
+ZRQ_API void zrq_clear(zrq_value* value);
+
+// --- Errors ---
+
+// The last error of this thread; 0 and "" when the last call succeeded. The text lives until the next call.
+ZRQ_API int32_t zrq_last_error(const char** description);
+
+// --- What there is ---
+
+// The name of a public class by number from 0; NULL behind the last one.
+ZRQ_API const char* zrq_class_at(size_t index);
+
+// A member of a class by number from 0, in interface order. Error 9 behind the last one, 429 for no such class.
+ZRQ_API int32_t zrq_member_at(const char* class_name, size_t index, zrq_member* member);
+
+// A named number by number from 0: its enumeration, name and value. Error 9 behind the last one.
+ZRQ_API int32_t zrq_constant_at(size_t index, const char** enumeration, const char** name, int32_t* value);
+
+#ifdef __cplusplus
+}
+#endif

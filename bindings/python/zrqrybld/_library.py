@@ -1,0 +1,104 @@
+"""The shared library and its C interface."""
+
+import ctypes
+import ctypes.util
+import os
+from ctypes import POINTER, byref, c_char_p, c_double, c_int32, c_int64, c_size_t, c_uint64, c_void_p, py_object
+from pathlib import Path
+
+ABI = 1
+
+# What a value holds.
+EMPTY, NULL, MISSING, BOOLEAN, INT16, INT32, INT64, SINGLE, DOUBLE, DATE, STRING, OBJECT, ARRAY = range(13)
+
+# What can be done with a member.
+GET, LET, SET, CALL, EVENT = 1, 2, 4, 8, 16
+
+
+class Value(ctypes.Structure):
+    """One value of any kind."""
+
+
+class _Text(ctypes.Structure):
+    _fields_ = [("data", c_void_p), ("length", c_size_t)]
+
+
+class _Array(ctypes.Structure):
+    _fields_ = [("items", POINTER(Value)), ("count", c_size_t)]
+
+
+class _Content(ctypes.Union):
+    _fields_ = [("integer", c_int64), ("number", c_double), ("object", c_uint64), ("text", _Text), ("array", _Array)]
+
+
+Value._anonymous_ = ("content",)
+Value._fields_ = [("type", c_int32), ("reserved", c_int32), ("content", _Content)]
+
+
+class Argument(ctypes.Structure):
+    _fields_ = [("name", c_char_p), ("type", c_char_p), ("optional", c_int32), ("by_reference", c_int32)]
+
+
+class MemberRecord(ctypes.Structure):
+    _fields_ = [("name", c_char_p), ("type", c_char_p), ("kinds", c_int32), ("is_default", c_int32),
+                ("arguments", POINTER(Argument)), ("argument_count", c_size_t)]
+
+
+# Called with the interpreter's lock held, like every function of the library: see `load`.
+Handler = ctypes.PYFUNCTYPE(None, c_void_p, POINTER(Value), c_size_t)
+Ended = ctypes.PYFUNCTYPE(None, c_void_p)
+
+
+def _candidates():
+    """Where the library may be, the best guess first."""
+    if named := os.environ.get("ZRQRYBLD_LIBRARY"):
+        yield named
+        return
+    name = "libzrQryBld.so"
+    here = Path(__file__).resolve().parent
+    yield str(here / name)
+    for build in ("release", "run", "dev"):  # a source tree
+        yield str(here.parents[2] / "build" / build / name)
+    yield name
+
+
+def load():
+    """Loads the library. The interpreter's lock is held during calls: the library serves one thread at a time."""
+    failures = []
+    for path in _candidates():
+        if os.sep in path and not os.path.exists(path):
+            failures.append(f"{path}: no such file")
+            continue
+        try:
+            library = ctypes.PyDLL(path)
+            break
+        except OSError as error:
+            failures.append(str(error))
+    else:
+        raise ImportError("The zrQryBld library was not found; set ZRQRYBLD_LIBRARY to libzrQryBld.so.\n  "
+                          + "\n  ".join(failures))
+    signatures = {
+        "zrq_create": [c_char_p, POINTER(c_uint64)],
+        "zrq_retain": [c_uint64],
+        "zrq_release": [c_uint64],
+        "zrq_class": [c_uint64, POINTER(c_char_p)],
+        "zrq_get": [c_uint64, c_char_p, POINTER(Value), c_size_t, POINTER(Value)],
+        "zrq_let": [c_uint64, c_char_p, POINTER(Value), c_size_t, POINTER(Value)],
+        "zrq_call": [c_uint64, c_char_p, POINTER(Value), c_size_t, POINTER(Value), POINTER(Value)],
+        "zrq_subscribe": [c_uint64, c_char_p, Handler, Ended, c_void_p, POINTER(c_uint64)],
+        "zrq_unsubscribe": [c_uint64],
+        "zrq_write": [c_size_t, POINTER(Value)],
+        "zrq_last_error": [POINTER(c_char_p)],
+        "zrq_member_at": [c_char_p, c_size_t, POINTER(MemberRecord)],
+        "zrq_constant_at": [c_size_t, POINTER(c_char_p), POINTER(c_char_p), POINTER(c_int32)],
+        "zrq_abi": [],
+    }
+    for name, arguments in signatures.items():
+        function = getattr(library, name)
+        function.argtypes, function.restype = arguments, c_int32
+    library.zrq_clear.argtypes, library.zrq_clear.restype = [POINTER(Value)], None
+    library.zrq_version.argtypes, library.zrq_version.restype = [], c_char_p
+    library.zrq_class_at.argtypes, library.zrq_class_at.restype = [c_size_t], c_char_p
+    if library.zrq_abi() != ABI:
+        raise ImportError(f"{path} speaks version {library.zrq_abi()} of the interface, this package version {ABI}.")
+    return library
