@@ -1,29 +1,43 @@
 #include "sql/lexer.h"
 
 #include <algorithm>
-#include <iterator>
-#include <string>
+#include <array>
 
 #include "base/text.h"
 
 namespace zrqrybld {
 namespace {
 
-constexpr std::string_view kLongOperators[] = {"<=", ">=", "<>", "!=", "!<", "!>", "||", "*=", "=*"};
-
-// In ascending order, for binary search.
-constexpr std::string_view kKeywords[] = {
-    "ALL",   "AND",     "ANY",      "AS",          "ASC",    "BETWEEN", "BY",     "CASE",      "CAST",
-    "CROSS", "DESC",    "DISTINCT", "DISTINCTROW", "ELSE",   "END",     "ESCAPE", "EXCEPT",    "EXISTS",
-    "FALSE", "FROM",    "FULL",     "GROUP",       "HAVING", "IN",      "INNER",  "INTERSECT", "IS",
-    "JOIN",  "LEFT",    "LIKE",     "NATURAL",     "NOT",    "NULL",    "ON",     "OR",        "ORDER",
-    "OUTER", "PERCENT", "RIGHT",    "ROWNUM",      "ROWS",   "SELECT",  "SOME",   "THEN",      "TO",
-    "TOP",   "TRUE",    "UNION",    "UP",          "USING",  "WHEN",    "WHERE",  "WITH"};
-static_assert(std::ranges::is_sorted(kKeywords));
+// The signs of two characters.
+constexpr bool IsLongOperator(char first, char second) {
+  switch (first) {
+    case '<':
+      return second == '=' || second == '>' || second == '<';
+    case '>':
+      return second == '=' || second == '>';
+    case '!':
+      return second == '=' || second == '<' || second == '>';
+    case '=':
+      return second == '*' || second == '=';
+    case '*':
+      return second == '=';
+    case '|':
+      return second == '|';
+    case ':':
+      return second == ':';
+    default:
+      return false;
+  }
+}
 
 // Part of a word after its first character.
 constexpr bool IsWordTail(char c) { return IsWordByte(c) || c == '$' || c == '#' || c == '@'; }
 constexpr bool IsWordHead(char c) { return (IsWordByte(c) && !IsDigit(c)) || c == '@' || c == '#'; }
+constexpr auto kWordTails = [] {
+  std::array<bool, 256> tails{};
+  for (std::size_t i = 0; i < tails.size(); ++i) tails[i] = IsWordTail(static_cast<char>(i));
+  return tails;
+}();
 
 constexpr bool IsHexDigit(char c) { return IsDigit(c) || (UpperAscii(c) >= 'A' && UpperAscii(c) <= 'F'); }
 
@@ -82,39 +96,55 @@ std::size_t Lexer::EndOfDate() const {
   return end != std::string_view::npos && text_[end] == '#' ? end + 1 : std::string_view::npos;
 }
 
+void Lexer::TakeWord(Token& token) {
+  std::size_t end = at_ + 1;
+  while (end < text_.size() && kWordTails[static_cast<unsigned char>(text_[end])]) ++end;
+  const std::string_view word = text_.substr(at_, end - at_);
+  if (word.size() == 1 && end < text_.size() && text_[end] == '\'' &&
+      std::string_view("NXB").find(UpperAscii(word[0])) != std::string_view::npos) {
+    return TakeQuoted(token, TokenKind::String, end, '\'');
+  }
+  Take(token, TokenKind::Word, end);
+  token.keyword = KeywordOf(word);
+}
+
+void Lexer::TakeOperator(Token& token) {
+  const bool isLong = at_ + 1 < text_.size() && IsLongOperator(text_[at_], text_[at_ + 1]);
+  Take(token, TokenKind::Operator, at_ + (isLong ? 2 : 1));
+}
+
 bool Lexer::Next(Token& token) {
   while (at_ < text_.size() && IsWhite(text_[at_])) ++at_;
   if (at_ >= text_.size()) return false;
+  token.keyword = Keyword::None;
   const char c = text_[at_];
-  const std::string_view rest = text_.substr(at_);
-
-  if (rest.starts_with("--")) {
-    Take(token, TokenKind::Comment, std::min(text_.find_first_of("\r\n", at_), text_.size()));
-  } else if (rest.starts_with("/*")) {
-    const std::size_t end = text_.find("*/", at_ + 2);
-    Take(token, TokenKind::Comment, end == std::string_view::npos ? end : end + 2);
+  const char next = at_ + 1 < text_.size() ? text_[at_ + 1] : '\0';
+  if (c != '#' && IsWordHead(c)) {
+    TakeWord(token);
+  } else if (IsDigit(c) || (c == '.' && IsDigit(next))) {
+    Take(token, TokenKind::Number, EndOfNumber());
   } else if (c == '\'') {
     TakeQuoted(token, TokenKind::String, at_, '\'');
   } else if (c == '"' || c == '`' || c == '[') {
     TakeQuoted(token, TokenKind::QuotedIdentifier, at_, c == '[' ? ']' : c);
-  } else if (rest.size() > 1 && rest[1] == '\'' &&
-             std::string_view("NXB").find(UpperAscii(c)) != std::string_view::npos) {
-    TakeQuoted(token, TokenKind::String, at_ + 1, '\'');
-  } else if (StartsWithNoCase(rest, "?PARAM")) {
+  } else if (c == '-' && next == '-') {
+    Take(token, TokenKind::Comment, std::min(text_.find_first_of("\r\n", at_), text_.size()));
+  } else if (c == '/' && next == '*') {
+    const std::size_t end = text_.find("*/", at_ + 2);
+    Take(token, TokenKind::Comment, end == std::string_view::npos ? end : end + 2);
+  } else if (c == '?' && StartsWithNoCase(text_.substr(at_), "?PARAM")) {
     // A marker ends at the first ")" behind it; without one the word alone is the token.
     const std::size_t close = text_.find(')', at_);
     Take(token, TokenKind::Parameter, close == std::string_view::npos ? at_ + 6 : close + 1);
-  } else if (IsDigit(c) || (c == '.' && rest.size() > 1 && IsDigit(rest[1]))) {
-    Take(token, TokenKind::Number, EndOfNumber());
-  } else if (const std::size_t date = c == '#' ? EndOfDate() : std::string_view::npos; date != std::string_view::npos) {
-    Take(token, TokenKind::Date, date);
-  } else if (IsWordHead(c)) {
-    std::size_t end = at_ + 1;
-    while (end < text_.size() && IsWordTail(text_[end])) ++end;
-    Take(token, TokenKind::Word, end);
+  } else if (c == '#') {
+    const std::size_t date = EndOfDate();
+    if (date != std::string_view::npos) {
+      Take(token, TokenKind::Date, date);
+    } else {
+      TakeWord(token);
+    }
   } else {
-    const bool isLong = std::ranges::find(kLongOperators, rest.substr(0, 2)) != std::end(kLongOperators);
-    Take(token, TokenKind::Operator, at_ + (isLong ? 2 : 1));
+    TakeOperator(token);
   }
   return true;
 }
@@ -124,10 +154,6 @@ std::vector<Token> Tokenize(std::string_view text) {
   Lexer lexer(text);
   for (Token token; lexer.Next(token);) tokens.push_back(token);
   return tokens;
-}
-
-bool IsSqlKeyword(std::string_view word) {
-  return std::ranges::binary_search(kKeywords, std::string_view(UpperAscii(word)));
 }
 
 }  // namespace zrqrybld

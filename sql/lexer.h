@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "sql/keywords.h"
+
 namespace zrqrybld {
 
 enum class TokenKind : std::uint8_t {
@@ -24,10 +26,11 @@ enum class TokenKind : std::uint8_t {
 
 /// A token: `length` bytes from `offset` of the text.
 struct Token {
-  TokenKind kind;
+  TokenKind kind = TokenKind::Operator;
   bool unfinished = false;  ///< its end is missing; it runs to the end of the text
-  std::size_t offset;
-  std::size_t length;
+  Keyword keyword = Keyword::None;
+  std::size_t offset = 0;
+  std::size_t length = 0;
 };
 
 class Lexer {
@@ -38,9 +41,15 @@ class Lexer {
   /// Reads the next token. Returns false at the end of the text.
   bool Next(Token& token);
 
+  /// Where the next token is looked for, in bytes from 0. Going back to an earlier place reads on from there.
+  std::size_t Position() const { return at_; }
+  void SetPosition(std::size_t position) { at_ = position; }
+
  private:
   void Take(Token& token, TokenKind kind, std::size_t end);
   void TakeQuoted(Token& token, TokenKind kind, std::size_t open, char closing);
+  void TakeWord(Token& token);
+  void TakeOperator(Token& token);
   std::size_t EndOfNumber() const;
   std::size_t EndOfDate() const;
 
@@ -50,8 +59,5 @@ class Lexer {
 
 /// All tokens of a text.
 std::vector<Token> Tokenize(std::string_view text);
-
-/// Whether the word, in any letter case, has a meaning in the SELECT statements of our dialects.
-bool IsSqlKeyword(std::string_view word);
 
 }  // namespace zrqrybld

@@ -11,7 +11,7 @@ std::optional<ColorRole> RoleOf(const Token& token, std::string_view text) {
   if (token.unfinished) return ColorRole::Error;
   switch (token.kind) {
     case TokenKind::Word:
-      if (IsSqlKeyword(text.substr(token.offset, token.length))) return ColorRole::Keyword;
+      if (token.keyword != Keyword::None) return ColorRole::Keyword;
       return std::nullopt;
     case TokenKind::QuotedIdentifier:
       return ColorRole::Identifier;
