@@ -7,7 +7,7 @@
 namespace zrqrybld {
 namespace {
 
-std::optional<ColorRole> RoleOf(const Token& token, std::string_view text) {
+std::optional<ColorRole> RoleOf(const Token& token) {
   if (token.unfinished) return ColorRole::Error;
   switch (token.kind) {
     case TokenKind::Word:
@@ -34,7 +34,7 @@ std::vector<TextSpan> HighlightSql(std::string_view text) {
   std::vector<TextSpan> spans;
   Lexer lexer(text);
   for (Token token; lexer.Next(token);) {
-    if (const std::optional<ColorRole> role = RoleOf(token, text)) {
+    if (const std::optional<ColorRole> role = RoleOf(token)) {
       spans.push_back({token.offset, token.length, *role, *role == ColorRole::Keyword});
     }
   }

@@ -1,0 +1,398 @@
+#include "sql/statement_parser.h"
+
+#include "base/text.h"
+#include "sql/expression_parser.h"
+#include "sql/token_reader.h"
+
+namespace zrqrybld {
+namespace {
+
+/// How deep tables may be nested in parentheses.
+constexpr int kDeepestTables = 4000;
+
+// What no designer of one SELECT can show, by the word that begins it.
+bool IsBeyondDesigner(Keyword keyword) {
+  switch (keyword) {
+    case Keyword::Connect:
+    case Keyword::Except:
+    case Keyword::Fetch:
+    case Keyword::For:
+    case Keyword::Intersect:
+    case Keyword::Into:
+    case Keyword::Minus:
+    case Keyword::Offset:
+    case Keyword::Option:
+    case Keyword::Start:
+    case Keyword::Union:
+    case Keyword::Window:
+    case Keyword::With:
+      return true;
+    default:
+      return false;
+  }
+}
+
+class Parser {
+ public:
+  Parser(SelectStatement& statement, const ParseOptions& options)
+      : statement_(statement), options_(options), reader_(statement.text), expressions_(reader_, statement.arena) {}
+
+  void Run() {
+    RefuseWhatCannotBeShown();
+    reader_.Expect(Keyword::Select);
+    ParseHead();
+    if (!reader_.Is(Keyword::From)) ParseSelectList();
+    RefuseWhatCannotBeShown();
+    reader_.Expect(Keyword::From);
+    if (!AtClauseEnd()) statement_.from = ParseTables();
+    if (reader_.Take(Keyword::Where)) statement_.where = expressions_.ParseExpression();
+    if (TakeBy(Keyword::Group)) statement_.groupBy = ParseOrderItems(false);
+    if (reader_.Take(Keyword::Having)) statement_.having = expressions_.ParseExpression();
+    if (TakeBy(Keyword::Order)) statement_.orderBy = ParseOrderItems(true);
+    ParseLimit();
+    reader_.TakeSign(';');
+    if (reader_.AtEnd()) return;
+    RefuseWhatCannotBeShown();
+    reader_.FailExpected("the end of the statement");
+  }
+
+ private:
+  void RefuseWhatCannotBeShown() {
+    if (!IsBeyondDesigner(reader_.Current().keyword)) return;
+    reader_.Refuse(reader_.Offset(),
+                   std::string(NameOf(reader_.Current().keyword)) + " cannot be shown in the designer.");
+  }
+
+  template <class T>
+  T* Make() {
+    return statement_.arena.Make<T>();
+  }
+
+  // --- SELECT ---
+
+  void ParseHead() {
+    for (;;) {
+      if (reader_.Is(Keyword::Distinct) || reader_.Is(Keyword::Distinctrow)) {
+        reader_.Advance();
+        if (reader_.Is(Keyword::On)) reader_.Refuse(reader_.Offset(), "DISTINCT ON cannot be shown in the designer.");
+        statement_.distinct = true;
+      } else if (reader_.Is(Keyword::All)) {
+        reader_.Advance();
+      } else if (IsTop()) {
+        ParseTop();
+      } else {
+        return;
+      }
+    }
+  }
+
+  // TOP is a row limit when a number follows; otherwise it is a name.
+  bool IsTop() const {
+    if (!reader_.Is(Keyword::Top) || !statement_.top.empty()) return false;
+    const Token next = reader_.Peek();
+    return next.kind == TokenKind::Number || next.kind == TokenKind::Parameter || reader_.NextIsSign('(') ||
+           reader_.NextIsSign(':') || reader_.NextIsSign('?') || statement_.text.substr(next.offset, 1) == "@";
+  }
+
+  void ParseTop() {
+    reader_.Advance();
+    const bool inParentheses = reader_.TakeSign('(');
+    ParseLimitNumber();
+    if (inParentheses) reader_.ExpectSign(')');
+    if (reader_.Is(Keyword::Percent) && !reader_.NextIsSign(',') && reader_.Peek().keyword != Keyword::From) {
+      reader_.Advance();
+      statement_.topPercent = true;
+    }
+    if (reader_.Is(Keyword::With)) reader_.Refuse(reader_.Offset(), "WITH TIES cannot be shown in the designer.");
+  }
+
+  void ParseLimitNumber() {
+    if (!reader_.Is(TokenKind::Number)) reader_.FailExpected("a number");
+    statement_.top = reader_.CurrentText();
+    reader_.Advance();
+  }
+
+  void ParseSelectList() {
+    SelectItem** end = &statement_.items;
+    do {
+      auto* item = Make<SelectItem>();
+      item->expression = expressions_.ParseSelected();
+      if (item->expression->kind != ExpressionKind::Star) item->alias = ParseAlias(true);
+      *end = item;
+      end = &item->next;
+    } while (reader_.TakeSign(','));
+    if (!reader_.Is(Keyword::From) && !IsBeyondDesigner(reader_.Current().keyword)) {
+      reader_.FailExpected("an operator, an alias, \",\" or FROM");
+    }
+  }
+
+  // With or without AS. A text in quotes names a column, never a table.
+  std::string_view ParseAlias(bool textAllowed) {
+    const auto isText = [&] { return textAllowed && reader_.Is(TokenKind::String); };
+    const std::size_t start = reader_.Offset();
+    if (reader_.Take(Keyword::As)) {
+      const std::size_t name = reader_.Offset();
+      if (!reader_.Is(TokenKind::Word) && !reader_.Is(TokenKind::QuotedIdentifier) && !isText()) {
+        reader_.FailExpected("an alias");
+      }
+      reader_.Advance();
+      return reader_.TextFrom(name);
+    }
+    const bool isName = reader_.Is(TokenKind::QuotedIdentifier) ||
+                        (reader_.Is(TokenKind::Word) && reader_.Current().keyword == Keyword::None);
+    if (!isName && !isText()) return {};
+    reader_.Advance();
+    return reader_.TextFrom(start);
+  }
+
+  // --- FROM ---
+
+  bool AtClauseEnd() const {
+    const Keyword keyword = reader_.Current().keyword;
+    return reader_.AtEnd() || reader_.IsSign(';') || keyword == Keyword::Where || keyword == Keyword::Group ||
+           keyword == Keyword::Having || keyword == Keyword::Order || keyword == Keyword::Limit;
+  }
+
+  FromItem* ParseTables() {
+    FromItem* first = nullptr;
+    FromItem** end = &first;
+    do {
+      *end = ParseJoined();
+      end = &(*end)->next;
+    } while (reader_.TakeSign(','));
+    if (!AtClauseEnd() && !IsBeyondDesigner(reader_.Current().keyword)) {
+      RefuseTableClause();
+      reader_.FailExpected("a join, \",\", WHERE or the end of the statement");
+    }
+    RefuseWhatCannotBeShown();
+    return first;
+  }
+
+  // What may stand behind a table elsewhere.
+  void RefuseTableClause() {
+    for (const std::string_view word : {"PIVOT", "UNPIVOT", "TABLESAMPLE", "APPLY", "LATERAL", "MODEL"}) {
+      if (reader_.IsWord(word))
+        reader_.Refuse(reader_.Offset(), std::string(word) + " cannot be shown in the designer.");
+    }
+  }
+
+  // A table and what is joined to it.
+  FromItem* ParseJoined() {
+    FromItem* item = ParseTable();
+    ParseJoins(item);
+    return item;
+  }
+
+  FromItem* ParseTable() {
+    if (reader_.IsSign('(')) return ParseTablesInParentheses();
+    if (reader_.IsSign('{')) return ParseJoinEscape();
+    auto* item = Make<FromItem>();
+    const std::size_t start = reader_.Offset();
+    RefuseTableClause();
+    item->table = expressions_.ParseName("a table");
+    if (reader_.IsSign('(')) reader_.Refuse(start, "A function in FROM cannot be shown in the designer.");
+    RefuseTableClause();
+    item->alias = ParseAlias(false);
+    if (!item->alias.empty() && reader_.IsSign('(')) {
+      reader_.Refuse(reader_.Offset(), "Names for the columns of a table cannot be shown in the designer.");
+    }
+    if (reader_.Is(Keyword::With))
+      reader_.Refuse(reader_.Offset(), "Hints for a table cannot be shown in the designer.");
+    return item;
+  }
+
+  // Joined tables in parentheses; commas in there join without a condition.
+  FromItem* ParseTablesInParentheses() {
+    const std::size_t start = reader_.Offset();
+    const Keyword next = reader_.Peek().keyword;
+    if (next == Keyword::Select || next == Keyword::With) {
+      reader_.Refuse(start, "A query in FROM cannot be shown in the designer.");
+    }
+    if (++depth_ > kDeepestTables) {
+      reader_.Refuse(start,
+                     "The tables are nested too deeply: more than " + std::to_string(kDeepestTables) + " levels.");
+    }
+    reader_.Advance();
+    FromItem* item = ParseJoined();
+    while (reader_.IsSign(',')) {
+      JoinStep* step = AddStep(item, reader_.CurrentText());
+      reader_.Advance();
+      step->word = JoinWord::Cross;
+      step->right = ParseJoined();
+    }
+    const bool leftOpen = options_.openParenthesesInFrom && AtClauseEnd();
+    if (!leftOpen && !reader_.TakeSign(')')) reader_.FailExpected("a join, \",\" or \")\"");
+    --depth_;
+    if (reader_.Is(Keyword::As) || reader_.Is(TokenKind::QuotedIdentifier) ||
+        (reader_.Is(TokenKind::Word) && reader_.Current().keyword == Keyword::None)) {
+      reader_.Refuse(reader_.Offset(), "A name for joined tables cannot be shown in the designer.");
+    }
+    return item;
+  }
+
+  // { oj tables }
+  FromItem* ParseJoinEscape() {
+    reader_.Advance();
+    if (!reader_.IsWord("OJ")) reader_.FailExpected("OJ");
+    reader_.Advance();
+    FromItem* item = ParseJoined();
+    reader_.ExpectSign('}');
+    return item;
+  }
+
+  // The steps behind those that the item has already.
+  JoinStep* AddStep(FromItem* item, std::string_view place) {
+    auto* step = Make<JoinStep>();
+    step->place = place;
+    if (item->lastJoin) {
+      item->lastJoin->next = step;
+    } else {
+      item->joins = step;
+    }
+    item->lastJoin = step;
+    return step;
+  }
+
+  static bool IsJoinWord(Keyword keyword) {
+    switch (keyword) {
+      case Keyword::Cross:
+      case Keyword::Full:
+      case Keyword::Inner:
+      case Keyword::Join:
+      case Keyword::Left:
+      case Keyword::Natural:
+      case Keyword::Outer:
+      case Keyword::Right:
+        return true;
+      default:
+        return false;
+    }
+  }
+
+  void ParseJoins(FromItem* item) {
+    while (IsJoinWord(reader_.Current().keyword)) {
+      JoinStep* step = AddStep(item, reader_.CurrentText());
+      ParseJoinWords(*step);
+      step->right = ParseTable();
+      // The conditions of joins in a row may all stand behind the last: A JOIN B JOIN C ON ... ON ...
+      if (TakesCondition(*step) && IsJoinWord(reader_.Current().keyword)) {
+        if (++depth_ > kDeepestTables)
+          reader_.Refuse(reader_.Offset(), "There are too many joins without a condition.");
+        ParseJoins(step->right);
+        --depth_;
+      }
+      ParseJoinCondition(*step);
+    }
+  }
+
+  static bool TakesCondition(const JoinStep& step) { return step.word != JoinWord::Cross && !step.natural; }
+
+  // The words may come in any order: LEFT OUTER JOIN, OUTER LEFT JOIN.
+  void ParseJoinWords(JoinStep& step) {
+    Keyword kind = Keyword::None;
+    bool outer = false;
+    for (; !reader_.Is(Keyword::Join); reader_.Advance()) {
+      const Keyword word = reader_.Current().keyword;
+      if (word == Keyword::Outer) {
+        outer = true;
+      } else if (word == Keyword::Natural) {
+        step.natural = true;
+      } else if (IsJoinWord(word) && kind == Keyword::None) {
+        kind = word;
+      } else {
+        reader_.FailExpected("JOIN");
+      }
+    }
+    const bool keepsRows = kind == Keyword::Left || kind == Keyword::Right || kind == Keyword::Full;
+    if (outer && !keepsRows) reader_.FailExpected("LEFT, RIGHT or FULL");
+    reader_.Advance();
+    step.word = kind == Keyword::Left    ? JoinWord::Left
+                : kind == Keyword::Right ? JoinWord::Right
+                : kind == Keyword::Full  ? JoinWord::Full
+                : kind == Keyword::Cross ? JoinWord::Cross
+                                         : JoinWord::Inner;
+  }
+
+  void ParseJoinCondition(JoinStep& step) {
+    if (!TakesCondition(step)) return;
+    if (reader_.Take(Keyword::On)) {
+      step.on = expressions_.ParseExpression();
+    } else if (reader_.Take(Keyword::Using)) {
+      ParseUsing(step);
+    } else if (step.word == JoinWord::Inner) {
+      step.word = JoinWord::Cross;
+    } else {
+      RefuseTableClause();
+      reader_.FailExpected("ON or USING");
+    }
+  }
+
+  void ParseUsing(JoinStep& step) {
+    reader_.ExpectSign('(');
+    NameItem** end = &step.columns;
+    do {
+      const std::size_t start = reader_.Offset();
+      if (!reader_.Is(TokenKind::Word) && !reader_.Is(TokenKind::QuotedIdentifier)) reader_.FailExpected("a column");
+      reader_.Advance();
+      *end = Make<NameItem>();
+      (*end)->name = reader_.TextFrom(start);
+      end = &(*end)->next;
+    } while (reader_.TakeSign(','));
+    reader_.ExpectSign(')');
+  }
+
+  // --- GROUP BY, ORDER BY and what comes last ---
+
+  bool TakeBy(Keyword keyword) {
+    if (!reader_.Take(keyword)) return false;
+    reader_.Expect(Keyword::By);
+    return true;
+  }
+
+  OrderItem* ParseOrderItems(bool sorted) {
+    OrderItem* first = nullptr;
+    OrderItem** end = &first;
+    do {
+      auto* item = Make<OrderItem>();
+      item->expression = expressions_.ParseExpression();
+      if (sorted && !reader_.Take(Keyword::Asc)) item->descending = reader_.Take(Keyword::Desc);
+      *end = item;
+      end = &item->next;
+    } while (reader_.TakeSign(','));
+    if (reader_.IsWord("NULLS"))
+      reader_.Refuse(reader_.Offset(), "NULLS FIRST and NULLS LAST cannot be shown in the designer.");
+    return first;
+  }
+
+  // LIMIT says the same as TOP.
+  void ParseLimit() {
+    if (!reader_.Is(Keyword::Limit)) return;
+    if (!statement_.top.empty()) reader_.Refuse(reader_.Offset(), "There is a row limit already.");
+    reader_.Advance();
+    ParseLimitNumber();
+    if (reader_.IsSign(',')) reader_.Refuse(reader_.Offset(), "An offset cannot be shown in the designer.");
+  }
+
+  SelectStatement& statement_;
+  const ParseOptions& options_;
+  TokenReader reader_;
+  ExpressionParser expressions_;
+  int depth_ = 0;
+};
+
+}  // namespace
+
+SelectStatement ParseSelect(std::string_view text, const ParseOptions& options) {
+  SelectStatement statement(text);
+  Parser(statement, options).Run();
+  return statement;
+}
+
+Expression* ParseExpressionText(std::string_view text, SyntaxArena& arena) {
+  TokenReader reader(text);
+  Expression* expression = ExpressionParser(reader, arena).ParseExpression();
+  if (!reader.AtEnd()) reader.FailExpected("an operator or the end of the text");
+  return expression;
+}
+
+}  // namespace zrqrybld

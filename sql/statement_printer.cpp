@@ -1,0 +1,232 @@
+#include "sql/statement_printer.h"
+
+#include <algorithm>
+
+#include "base/text.h"
+#include "sql/lexer.h"
+
+namespace zrqrybld {
+namespace {
+
+void AppendOnOneLine(std::string& text, std::string_view written) {
+  // Most texts are one word.
+  const auto isPlain = [](char c) { return IsWordByte(c) || c == '.'; };
+  if (std::ranges::all_of(written, isPlain)) {
+    text += written;
+    return;
+  }
+  Lexer lexer(written);
+  std::size_t end = 0;
+  bool first = true;
+  for (Token token; lexer.Next(token);) {
+    if (token.kind == TokenKind::Comment) continue;
+    if (!first && token.offset != end) text += ' ';
+    text.append(written, token.offset, token.length);
+    end = token.offset + token.length;
+    first = false;
+  }
+}
+
+void AppendUpper(std::string& text, std::string_view word) {
+  for (const char c : word) text += UpperAscii(c);
+}
+
+class Printer {
+ public:
+  explicit Printer(std::string& text) : text_(text) {}
+
+  void Print(const Expression& e) {
+    switch (e.kind) {
+      case ExpressionKind::Column:
+        AppendOnOneLine(text_, e.text);
+        if (e.optional) text_ += " (+)";
+        return;
+      case ExpressionKind::Star:
+      case ExpressionKind::Literal:
+      case ExpressionKind::Sign:
+      case ExpressionKind::Opaque:
+      case ExpressionKind::Subquery:
+        return AppendOnOneLine(text_, e.text);
+      case ExpressionKind::Chain:
+        return PrintChain(e);
+      case ExpressionKind::Call:
+        AppendOnOneLine(text_, e.name);
+        text_ += e.negated ? "(DISTINCT " : "(";
+        PrintList(e.first, ", ");
+        text_ += ')';
+        return;
+      case ExpressionKind::Case:
+        text_ += "CASE ";
+        PrintWords(e);
+        text_ += " END";
+        return;
+      case ExpressionKind::Row:
+      case ExpressionKind::Parentheses:
+        text_ += '(';
+        PrintList(e.first, ", ");
+        text_ += ')';
+        return;
+      case ExpressionKind::Exists:
+        text_ += "EXISTS ";
+        return Print(*e.first);
+      case ExpressionKind::Not:
+        text_ += "NOT ";
+        return Print(*e.first);
+      case ExpressionKind::And:
+        return PrintList(e.first, " AND ");
+      case ExpressionKind::Or:
+        return PrintList(e.first, " OR ");
+      default:
+        return PrintPredicate(e);
+    }
+  }
+
+  void Print(const SelectStatement& statement) {
+    text_ += "SELECT ";
+    if (statement.distinct) text_ += "DISTINCT ";
+    if (!statement.top.empty()) {
+      text_ += "TOP ";
+      text_ += statement.top;
+      text_ += statement.topPercent ? " PERCENT " : " ";
+    }
+    for (const SelectItem* item = statement.items; item; item = item->next) {
+      if (item != statement.items) text_ += ", ";
+      Print(*item->expression);
+      if (item->alias.empty()) continue;
+      text_ += " AS ";
+      text_ += item->alias;
+    }
+    if (statement.items) text_ += ' ';
+    text_ += "FROM";
+    for (const FromItem* item = statement.from; item; item = item->next) {
+      text_ += item == statement.from ? " " : ", ";
+      Print(*item);
+    }
+    PrintClause(" WHERE ", statement.where);
+    PrintClause(" GROUP BY ", statement.groupBy);
+    PrintClause(" HAVING ", statement.having);
+    PrintClause(" ORDER BY ", statement.orderBy);
+  }
+
+ private:
+  void PrintList(const Expression* first, std::string_view separator) {
+    for (const Expression* e = first; e; e = e->next) {
+      if (e != first) text_ += separator;
+      Print(*e);
+    }
+  }
+
+  // A sign in front of an operand stands close to it, but two never touch: "--" begins a comment.
+  void PrintChain(const Expression& chain) {
+    bool operandCame = false;
+    bool afterPrefix = false;
+    for (const Expression* e = chain.first; e; e = e->next) {
+      const bool isSign = e->kind == ExpressionKind::Sign;
+      const bool isCast = e->kind == ExpressionKind::Opaque && e->text.starts_with("::");
+      if (e != chain.first && !isCast && (!afterPrefix || isSign)) text_ += ' ';
+      Print(*e);
+      afterPrefix = isSign && !operandCame;
+      operandCame = !isSign;
+    }
+  }
+
+  void PrintWords(const Expression& e) {
+    for (const Expression* piece = e.first; piece; piece = piece->next) {
+      if (piece != e.first) text_ += ' ';
+      if (piece->kind == ExpressionKind::Sign) {
+        AppendUpper(text_, piece->text);
+      } else {
+        Print(*piece);
+      }
+    }
+  }
+
+  void PrintPredicate(const Expression& e) {
+    Print(*e.first);
+    const Expression* second = e.first->next;
+    if (e.kind == ExpressionKind::IsNull) {
+      text_ += e.negated ? " IS NOT NULL" : " IS NULL";
+      return;
+    }
+    text_ += e.negated ? " NOT " : " ";
+    if (e.kind == ExpressionKind::Between) {
+      text_ += "BETWEEN ";
+      Print(*second);
+      text_ += " AND ";
+      Print(*second->next);
+      return;
+    }
+    if (e.kind == ExpressionKind::In) {
+      text_ += "IN";
+    } else {
+      AppendUpper(text_, e.name);
+    }
+    text_ += ' ';
+    PrintList(second, " ");
+  }
+
+  void Print(const FromItem& item) {
+    AppendOnOneLine(text_, item.table);
+    if (!item.alias.empty()) {
+      text_ += " AS ";
+      text_ += item.alias;
+    }
+    for (const JoinStep* step = item.joins; step; step = step->next) {
+      static constexpr std::string_view kWords[] = {" INNER JOIN ", " RIGHT JOIN ", " LEFT JOIN ", " FULL JOIN ",
+                                                    " CROSS JOIN "};
+      if (step->natural) text_ += " NATURAL";
+      text_ += kWords[static_cast<std::size_t>(step->word)];
+      const bool nested = step->right->joins != nullptr;
+      if (nested) text_ += '(';
+      Print(*step->right);
+      if (nested) text_ += ')';
+      PrintClause(" ON ", step->on);
+      for (const NameItem* column = step->columns; column; column = column->next) {
+        text_ += column == step->columns ? " USING (" : ", ";
+        text_ += column->name;
+      }
+      if (step->columns) text_ += ')';
+    }
+  }
+
+  void PrintClause(std::string_view words, const Expression* expression) {
+    if (!expression) return;
+    text_ += words;
+    Print(*expression);
+  }
+
+  void PrintClause(std::string_view words, const OrderItem* items) {
+    for (const OrderItem* item = items; item; item = item->next) {
+      text_ += item == items ? words : ", ";
+      Print(*item->expression);
+      if (item->descending) text_ += " DESC";
+    }
+  }
+
+  std::string& text_;
+};
+
+}  // namespace
+
+std::string PrintStatement(const SelectStatement& statement) {
+  std::string text;
+  text.reserve(statement.text.size() + 32);
+  Printer(text).Print(statement);
+  return text;
+}
+
+std::string PrintExpression(const Expression* expression) {
+  std::string text;
+  if (expression) AppendExpression(text, *expression);
+  return text;
+}
+
+void AppendExpression(std::string& text, const Expression& expression) { Printer(text).Print(expression); }
+
+std::string OnOneLine(std::string_view text) {
+  std::string result;
+  AppendOnOneLine(result, text);
+  return result;
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,23 @@
+// The printer: a syntax tree as text again. Names and literals stay as they were written; what stands between them is
+// made uniform: keywords in upper case, one blank between words, no comments.
+#pragma once
+
+#include <string>
+
+#include "sql/select_statement.h"
+
+namespace zrqrybld {
+
+/// The statement on one line. Tables that are joined first stand in parentheses; a row limit stands behind SELECT.
+std::string PrintStatement(const SelectStatement& statement);
+
+/// The expression on one line; nothing prints as "".
+std::string PrintExpression(const Expression* expression);
+
+/// Appends the expression to `text`.
+void AppendExpression(std::string& text, const Expression& expression);
+
+/// The text with white space and comments outside of literals and quoted names turned into one blank each.
+std::string OnOneLine(std::string_view text);
+
+}  // namespace zrqrybld

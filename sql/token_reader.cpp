@@ -1,0 +1,73 @@
+#include "sql/token_reader.h"
+
+#include "base/text.h"
+#include "sql/syntax_error.h"
+
+namespace zrqrybld {
+namespace {
+
+std::string Quoted(std::string_view text) {
+  constexpr std::size_t kLongest = 40;
+  const bool tooLong = CharacterCount(text) > kLongest;
+  return '"' + std::string(tooLong ? FirstCharacters(text, kLongest) : text) + (tooLong ? "...\"" : "\"");
+}
+
+}  // namespace
+
+bool TokenReader::IsWord(std::string_view word) const {
+  return token_.kind == TokenKind::Word && EqualsNoCase(CurrentText(), word);
+}
+
+void TokenReader::Expect(Keyword keyword) {
+  if (!Take(keyword)) FailExpected(NameOf(keyword));
+}
+
+void TokenReader::ExpectSign(char sign) {
+  if (!TakeSign(sign)) FailExpected(std::string{'"', sign, '"'});
+}
+
+Token TokenReader::Peek() const {
+  Lexer ahead = lexer_;
+  Token token;
+  do {
+    if (!ahead.Next(token)) return Token{.offset = text_.size()};
+  } while (token.kind == TokenKind::Comment);
+  return token;
+}
+
+bool TokenReader::NextIsSign(char sign) const {
+  const Token next = Peek();
+  return next.kind == TokenKind::Operator && next.length == 1 && text_[next.offset] == sign;
+}
+
+void TokenReader::SkipTo(char closing) {
+  const char opening = closing == ')' ? '(' : '{';
+  for (std::size_t depth = 0; !AtEnd(); Advance()) {
+    if (IsSign(opening)) ++depth;
+    if (!IsSign(closing)) continue;
+    if (depth == 0) return;
+    --depth;
+  }
+  FailExpected(std::string{'"', closing, '"'});
+}
+
+void TokenReader::FailExpected(std::string_view expected) const {
+  std::string message(expected);
+  message[0] = UpperAscii(message[0]);
+  message +=
+      AtEnd() ? " is expected at the end of the text." : " is expected instead of " + Quoted(CurrentText()) + '.';
+  throw SyntaxError(text_, token_.offset, std::move(message), std::string(expected));
+}
+
+void TokenReader::Refuse(std::size_t offset, std::string message) const {
+  throw SyntaxError(text_, offset, std::move(message));
+}
+
+void TokenReader::FailUnfinished() const {
+  const char* what = token_.kind == TokenKind::Comment  ? "This comment is never closed."
+                     : token_.kind == TokenKind::String ? "This text is never closed."
+                                                        : "This quoted name is never closed.";
+  Refuse(token_.offset, what);
+}
+
+}  // namespace zrqrybld
