@@ -80,6 +80,9 @@ enum class Keyword : std::uint8_t {
 /// The keyword that the word is, in any letter case; `Keyword::None` when it is none.
 Keyword KeywordOf(std::string_view word);
 
+/// Whether the word, in any letter case, is a keyword.
+inline bool IsSqlKeyword(std::string_view word) { return KeywordOf(word) != Keyword::None; }
+
 /// The keyword in upper case; "" for `Keyword::None`.
 std::string_view NameOf(Keyword keyword);
 
