@@ -28,9 +28,9 @@ enum class TokenKind : std::uint8_t {
 struct Token {
   TokenKind kind = TokenKind::Operator;
   bool unfinished = false;  ///< its end is missing; it runs to the end of the text
-  Keyword keyword = Keyword::None;
   std::size_t offset = 0;
   std::size_t length = 0;
+  Keyword keyword = Keyword::None;  ///< of a word
 };
 
 class Lexer {
