@@ -263,7 +263,8 @@ Expression* ExpressionParser::ParsePostfix() {
     reader_.Advance();
   };
   if (reader_.Is(TokenKind::Operator)) {
-    if (reader_.CurrentText() != "::") return nullptr;
+    if (!reader_.IsSign(':') || !reader_.NextIsSign(':')) return nullptr;  // a::type
+    reader_.Advance();
     reader_.Advance();
     ParseName("a type");
     if (reader_.IsSign('(')) skipParentheses();

@@ -23,8 +23,6 @@ constexpr bool IsLongOperator(char first, char second) {
       return second == '=';
     case '|':
       return second == '|';
-    case ':':
-      return second == ':';
     default:
       return false;
   }
