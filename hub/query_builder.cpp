@@ -150,6 +150,7 @@ QuerySnapshot qbQueryBuilder::Snapshot() const {
   QuerySnapshot snapshot = TakeSnapshot(*this, Entities().get(), gridPane_.get());
   snapshot.distinct = distinctRecords_;
   snapshot.top = selectTopRecords_;
+  if (sqlPane_) snapshot.criteria.likeOperator = sqlPane_->LikeOperator();
   return snapshot;
 }
 

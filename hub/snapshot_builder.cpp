@@ -52,8 +52,38 @@ std::string AggregateOf(const std::string& groupBy, const qbDBFunctions& functio
   return function ? function->Syntax() : std::string();
 }
 
-void TakeRows(QuerySnapshot& snapshot, const TablePositions& positions, const qbGridPane& grid,
-              const qbDBFunctions& functions) {
+std::vector<std::string> CriteriaOf(const zrGridRow& cells, std::size_t lastColumn) {
+  std::vector<std::string> criteria;
+  for (std::size_t column = lastColumn; column >= kColumnCriteria; --column) {
+    const Variant& cell = cells.ValueAt(column);
+    if (criteria.empty() && cell.IsBlank()) continue;  // behind the last filled one
+    if (criteria.empty()) criteria.resize(column - kColumnCriteria + 1);
+    criteria[column - kColumnCriteria] = cell.Text();
+  }
+  return criteria;
+}
+
+// What the source says of the column's type, and how the type's literals are written.
+SnapshotType TypeOf(const qbEntity& entity, const std::string& column, const qbDataTypes& types) {
+  SnapshotType type;
+  const Ref<qbEntityItem> item = entity.Items()->Item(column);
+  if (!item) return type;
+  if (const Variant* code = item->Properties()->Find("data_type")) {
+    type.code = static_cast<std::int32_t>(code->Number().value_or(0));
+  }
+  if (const Variant* isLong = item->Properties()->Find("is_long")) type.isLong = *isLong == Variant(true);
+  Ref<qbDataType> dataType = types.FindByIndicatorLong(type.code, type.isLong);
+  if (!dataType) dataType = types.FindByIndicator(type.code);
+  if (dataType) {
+    type.prefix = dataType->PrefixLetters;
+    type.suffix = dataType->SuffixLetters;
+  }
+  return type;
+}
+
+void TakeRows(QuerySnapshot& snapshot, const TablePositions& positions, const qbEntities* entities,
+              const qbGridPane& grid, const QueryContext& context) {
+  const auto lastColumn = static_cast<std::size_t>(grid.ColumnCount());
   const zrGridRows& rows = *grid.Grid()->Rows();
   for (std::int32_t i = 1; i <= rows.Count(); ++i) {
     const zrGridRow& cells = rows.At(static_cast<std::size_t>(i));
@@ -67,7 +97,12 @@ void TakeRows(QuerySnapshot& snapshot, const TablePositions& positions, const qb
     row.sortType = cells.ValueAt(kColumnSortType).Text();
     row.sortOrder = cells.ValueAt(kColumnSortOrder).Text();
     row.groupBy = cells.ValueAt(kColumnGroupBy).Text();
-    if (snapshot.groupByMode) row.aggregate = AggregateOf(row.groupBy, functions);
+    if (snapshot.groupByMode) row.aggregate = AggregateOf(row.groupBy, *context.DBFunctions());
+    row.criteria = CriteriaOf(cells, lastColumn);
+    if (row.table && !row.criteria.empty()) {
+      const qbEntity& entity = *entities->Item(static_cast<std::int32_t>(*row.table) + 1);
+      row.type = TypeOf(entity, row.column, *context.DataTypes());
+    }
     snapshot.rows.push_back(std::move(row));
   }
 }
@@ -84,7 +119,9 @@ QuerySnapshot TakeSnapshot(const QueryContext& context, const qbEntities* entiti
   }
   if (grid) {
     snapshot.groupByMode = grid->ShowGroupBy();
-    TakeRows(snapshot, positions, *grid, *context.DBFunctions());
+    snapshot.criteria.dateFormatStyle = grid->DateFormatStyle();
+    snapshot.criteria.dateFormat = grid->DateFormat();
+    TakeRows(snapshot, positions, entities, *grid, context);
   }
   return snapshot;
 }

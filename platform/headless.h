@@ -76,9 +76,12 @@ class HeadlessTextArea final : public TextArea {
   std::string Text() const override { return text_; }
   void SetText(std::string_view text) override { text_ = text; }
   void SetReadOnly(bool readOnly) override { readOnly_ = readOnly; }
+  void SetRemarks(const std::vector<std::string>& remarks) override { remarks_ = remarks; }
 
   /// Whether the user could change the text.
   bool IsReadOnly() const { return readOnly_; }
+  /// What is shown beside the text.
+  const std::vector<std::string>& Remarks() const { return remarks_; }
   /// Changes the text as a user would.
   void Type(std::string_view text) {
     text_ = text;
@@ -88,6 +91,7 @@ class HeadlessTextArea final : public TextArea {
  private:
   std::string text_;
   bool readOnly_ = false;
+  std::vector<std::string> remarks_;
 };
 
 /// Dialogs that a handler answers; all messages are recorded.

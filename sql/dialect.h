@@ -8,6 +8,8 @@
 #include <span>
 #include <string_view>
 
+#include "sql/joins.h"
+
 namespace zrqrybld {
 
 /// The SQL dialects, as the SQL pane's `SQLSyntax` names them.
@@ -17,14 +19,6 @@ enum SQLSyntaxEnum : std::int32_t {
   SQLSyntaxOracle = 2,
   SQLSyntaxAccess = 3,
   SQLSyntaxOpenSQL = 4,
-};
-
-/// The kind of a join as a table's entry in FROM sees it.
-enum JoinTypeEnum : std::uint8_t {
-  JoinInner = 0,
-  JoinAllOfThis = 1,     ///< all rows of the table that the entry adds
-  JoinAllOfEarlier = 2,  ///< all rows of the tables before it
-  JoinAllOfBoth = 3,
 };
 
 struct Dialect {

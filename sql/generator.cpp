@@ -1,11 +1,11 @@
 #include "sql/generator.h"
 
 #include <algorithm>
-#include <cmath>
-#include <map>
+#include <unordered_map>
 
 #include "base/error.h"
 #include "base/text.h"
+#include "sql/criteria_formatter.h"
 #include "sql/join_list.h"
 
 namespace zrqrybld {
@@ -13,18 +13,25 @@ namespace {
 
 constexpr std::string_view kField = "@field";
 constexpr std::string_view kItem = "\r\n\t";
+constexpr std::string_view kAnd = " AND \r\n\t\t";
 
 // Replacing "@field" in expressions that themselves hold "@field" can double the text with every row.
 constexpr std::size_t kLongestSelectList = 64u << 20;
 
 class Generator {
  public:
-  Generator(const QuerySnapshot& query, const Dialect& dialect) : query_(query), dialect_(dialect) {
+  Generator(const QuerySnapshot& query, const Dialect& dialect) : query_(query), dialect_(dialect), context_(query.criteria) {
+    context_.quotePrefix = query.names.quotePrefix;
     tableTerms_.reserve(query.tables.size());
-    for (const SnapshotTable& table : query.tables) tableTerms_.push_back(TableTerm(table).Text());
+    positions_.reserve(query.tables.size());
+    for (const SnapshotTable& table : query.tables) {
+      positions_.emplace(table.caption.Name(), tableTerms_.size());
+      tableTerms_.push_back(TableTerm(table).Text());
+    }
   }
 
   GeneratedSql Run(const ExtraConditions& extra) {
+    result_.joins = BuildJoinList(query_);
     if (dialect_.joins == Dialect::Joins::Clauses) {
       WriteJoinClauses();
     } else {
@@ -33,11 +40,13 @@ class Generator {
     }
     WriteSelectList();
     WriteOrderBy();
+    WriteCriteria();
     WriteGroupBy();
     WriteLimit();
     WriteExtraCondition(" AND ", extra.andExpression);
     WriteExtraCondition(" OR ", extra.orExpression);
-    return {Assemble(), cartesian_};
+    result_.text = Assemble();
+    return std::move(result_);
   }
 
  private:
@@ -55,13 +64,13 @@ class Generator {
     return RenderQualified(table.name, query_.names).Text() + std::string(dialect_.tableAlias) + tableTerms_[index];
   }
 
-  std::string FieldTerm(std::size_t table, const Identifier& column) const {
-    return tableTerms_[table] + "." + QuoteWhenNeeded(column, query_.names).Text();
+  std::string FieldTerm(std::size_t table, const std::string& column) const {
+    return tableTerms_[table] + "." + QuoteWhenNeeded(Identifier(column), query_.names).Text();
   }
 
   // A row's column by its qualified name; an expression row as it was typed.
   std::string FieldTerm(const SnapshotRow& row) const {
-    return row.table ? FieldTerm(*row.table, Identifier(row.column)) : row.column;
+    return row.table ? FieldTerm(*row.table, row.column) : row.column;
   }
 
   // What replaces "@field" in a row's template.
@@ -70,6 +79,11 @@ class Generator {
   }
 
   std::string_view TemplateOf(const SnapshotRow& row) const { return row.aggregate.empty() ? kField : row.aggregate; }
+
+  // The row's term in the select list, without its alias.
+  std::string SelectTerm(const SnapshotRow& row) const {
+    return ReplaceNoCase(TemplateOf(row), kField, TemplateOperand(row));
+  }
 
   // --- FROM and joins ---
 
@@ -82,62 +96,65 @@ class Generator {
   }
 
   void WriteJoinConditions() {
-    const std::vector<JoinEntry> entries = BuildJoinList(query_);
-    for (const JoinEntry& entry : entries) {
-      if (entry.conditions.empty()) {
-        if (&entry != &entries.front()) cartesian_ = true;
+    for (const qbJoin& entry : result_.joins) {
+      const qbJoinTables& conditions = entry.JoinTables();
+      if (conditions.Empty()) {
+        NoteUnjoined(entry);
         continue;
       }
       joinConditions_ += joinConditions_.empty() ? "" : " AND ";
       joinConditions_ += kItem;
       if (joinConditions_.size() == kItem.size()) joinConditions_ += '(';
-      for (const JoinCondition& condition : entry.conditions) {
-        if (&condition != &entry.conditions.front()) joinConditions_ += " AND ";
-        joinConditions_ += ConditionText(condition);
-      }
+      AppendConditions(joinConditions_, conditions, " AND ");
     }
     if (!joinConditions_.empty()) joinConditions_ += ')';
   }
 
   void WriteJoinClauses() {
-    const std::vector<JoinEntry> entries = BuildJoinList(query_);
-    for (const JoinEntry& entry : entries) {
-      const bool last = &entry == &entries.back();
-      if (entry.conditions.empty()) {
-        if (&entry != &entries.front()) cartesian_ = true;
-        WriteUnjoinedTable(entry, entries.size());
+    const qbJoins& joins = result_.joins;
+    for (const qbJoin& entry : joins) {
+      const qbJoinTables& conditions = entry.JoinTables();
+      if (conditions.Empty()) {
+        NoteUnjoined(entry);
+        WriteUnjoinedTable(entry);
         continue;
       }
       from_ += kItem;
-      from_ += dialect_.joinWords[entry.conditions.front().type];
+      from_ += dialect_.joinWords[conditions.At(1).JoinType];
       from_ += "JOIN ";
-      from_ += FromTerm(entry.table);
+      from_ += FromTerm(positions_.at(entry.Caption()));
       from_ += " ON ";
-      for (const JoinCondition& condition : entry.conditions) {
-        if (&condition != &entry.conditions.front()) from_ += " AND \r\n\t\t";
-        from_ += ConditionText(condition);
-      }
+      AppendConditions(from_, conditions, kAnd);
+      const bool last = &entry == &*std::prev(joins.end());
       if (dialect_.fromParentheses == Dialect::FromParentheses::Nested && !last) from_ += ')';
     }
     if (dialect_.fromParentheses == Dialect::FromParentheses::Whole && !from_.empty()) from_ += dialect_.close;
   }
 
+  void NoteUnjoined(const qbJoin& entry) {
+    if (&entry != &*result_.joins.begin()) result_.cartesian = true;
+  }
+
   // Every table without a condition opens the parentheses anew, not only the first.
-  void WriteUnjoinedTable(const JoinEntry& entry, std::size_t count) {
+  void WriteUnjoinedTable(const qbJoin& entry) {
     const bool first = from_.empty();
+    const auto count = static_cast<std::size_t>(result_.joins.Count());
     if (!first) from_ += dialect_.fromSeparator;
     from_ += kItem;
     if (first && dialect_.fromParentheses == Dialect::FromParentheses::Whole) from_ += dialect_.open;
     if (dialect_.fromParentheses == Dialect::FromParentheses::Nested && count > 2) from_.append(count - 2, '(');
-    from_ += FromTerm(entry.table);
+    from_ += FromTerm(positions_.at(entry.Caption()));
   }
 
-  std::string ConditionText(const JoinCondition& condition) const {
-    std::string text = FieldTerm(condition.leftTable, condition.leftColumn);
-    text += dialect_.comparison[condition.type];
-    text += FieldTerm(condition.rightTable, condition.rightColumn);
-    text += dialect_.afterCondition[condition.type];
-    return text;
+  void AppendConditions(std::string& text, const qbJoinTables& conditions, std::string_view separator) const {
+    for (std::size_t i = 1; i <= static_cast<std::size_t>(conditions.Count()); ++i) {
+      const qbJoinTable& condition = conditions.At(i);
+      if (i > 1) text += separator;
+      text += FieldTerm(positions_.at(condition.LeftTable), condition.LeftField);
+      text += dialect_.comparison[condition.JoinType];
+      text += FieldTerm(positions_.at(condition.RightTable), condition.RightField);
+      text += dialect_.afterCondition[condition.JoinType];
+    }
   }
 
   // --- SELECT, ORDER BY, GROUP BY ---
@@ -153,7 +170,7 @@ class Generator {
       first = false;
       pending += kItem;
       pending += TemplateOf(row);
-      pending = ReplaceNoCase(pending, kField, TemplateOperand(row));
+      pending = Filled(pending, TemplateOperand(row));
       if (!row.alias.Empty()) {
         pending += " AS ";
         pending += QuoteWhenNeeded(row.alias, query_.names).Text();
@@ -161,23 +178,27 @@ class Generator {
       const std::size_t unfinished = std::min(FindNoCase(pending, kField), pending.size());
       select_.append(pending, 0, unfinished);
       pending.erase(0, unfinished);
-      if (select_.size() + pending.size() > kLongestSelectList) {
-        throw Error(ErrorParsingText, "The select list grows beyond all bounds: its expressions hold \"@field\".");
-      }
     }
     select_ += pending;
   }
 
-  void WriteOrderBy() {
-    std::map<double, const SnapshotRow*> sorted;  // by sort number; of two equal numbers the later row counts
-    for (const SnapshotRow& row : query_.rows) {
-      const std::optional<double> number = ParseNumber(row.sortOrder);
-      if (number && *number >= 0.5) sorted[std::nearbyint(*number)] = &row;
+  std::string Filled(const std::string& text, const std::string& operand) const {
+    std::size_t size = select_.size() + text.size();
+    for (std::size_t at = FindNoCase(text, kField); at < text.size();
+         at = FindNoCase(text, kField, at + kField.size())) {
+      size += operand.size();
     }
-    for (const auto& [number, row] : sorted) {
+    if (size > kLongestSelectList) {
+      throw Error(ErrorParsingText, "The select list grows beyond all bounds: its expressions hold \"@field\".");
+    }
+    return ReplaceNoCase(text, kField, operand);
+  }
+
+  void WriteOrderBy() {
+    for (const SnapshotRow* row : SortedRows(query_)) {
       order_ += order_.empty() ? "\r\nORDER BY " : ", ";
       order_ += kItem;
-      order_ += row->groupBy.empty() ? FieldTerm(*row) : ReplaceNoCase(TemplateOf(*row), kField, TemplateOperand(*row));
+      order_ += row->groupBy.empty() ? FieldTerm(*row) : SelectTerm(*row);
       if (EqualsNoCase(row->sortType, "DESCENDING")) order_ += " DESC";
     }
   }
@@ -190,6 +211,77 @@ class Generator {
       group_ += kItem;
       group_ += FieldTerm(row);
     }
+  }
+
+  // --- WHERE and HAVING ---
+
+  // The cells of one column are joined by AND, the columns by OR.
+  void WriteCriteria() {
+    std::size_t columns = 0;
+    for (const SnapshotRow& row : query_.rows) columns = std::max(columns, row.criteria.size());
+    for (std::size_t column = 0; column < columns; ++column) {
+      std::string where;
+      std::string having;
+      for (const SnapshotRow& row : query_.rows) {
+        if (row.column.empty() || column >= row.criteria.size() || Trim(row.criteria[column]).empty()) continue;
+        std::string& group = row.ChoosesGroups() ? having : where;
+        if (!group.empty()) group += kAnd;
+        group += dialect_.open;
+        group += ConditionOf(row, row.criteria[column]);
+        group += dialect_.close;
+      }
+      if (!having.empty()) {
+        having_ += having_.empty() ? "\r\nHAVING " : " OR ";
+        AppendGroup(having_, having);
+      }
+      if (!where.empty()) {
+        where_ += !where_.empty() ? std::string_view(" OR ") : WordBeforeCriteria();
+        AppendGroup(where_, where);
+      }
+    }
+    if (!where_.empty() && !joinConditions_.empty()) where_ += ')';
+  }
+
+  // Beside join conditions the criteria stand in parentheses of their own.
+  std::string_view WordBeforeCriteria() const {
+    if (dialect_.joins == Dialect::Joins::Clauses) return "\r\nWHERE ";
+    return joinConditions_.empty() ? "WHERE " : " AND (";
+  }
+
+  void AppendGroup(std::string& text, const std::string& group) const {
+    text += kItem;
+    text += dialect_.open;
+    text += group;
+    text += dialect_.close;
+  }
+
+  std::string ConditionOf(const SnapshotRow& row, const std::string& cell) {
+    if (!row.table) {
+      // A condition that was typed as an expression is true or false by itself.
+      if (EndsWithNoCase(cell, "TRUE")) return std::string(Trim(row.column));
+      if (EndsWithNoCase(cell, "FALSE")) return "NOT " + std::string(Trim(row.column));
+    }
+    const std::string field = row.aggregate.empty() ? FieldTerm(row) : SelectTerm(row);
+    try {
+      return FormatCondition(field, cell, ContextOf(row));
+    } catch (const Error& error) {
+      // Not a text that can be read: it stays as it was typed, for the statement must not lose it.
+      result_.unreadable.push_back({static_cast<std::size_t>(&row - query_.rows.data()), cell, error.Description()});
+      return field + " " + cell;
+    }
+  }
+
+  const CriteriaContext& ContextOf(const SnapshotRow& row) {
+    context_.dataType = row.type.code;
+    context_.isLong = row.type.isLong;
+    context_.prefix = row.type.prefix;
+    context_.suffix = row.type.suffix;
+    context_.aggregate = row.aggregate;
+    return context_;
+  }
+
+  static bool EndsWithNoCase(std::string_view text, std::string_view end) {
+    return text.size() >= end.size() && EqualsNoCase(text.substr(text.size() - end.size()), end);
   }
 
   // --- Head and assembly ---
@@ -231,19 +323,22 @@ class Generator {
       text += "\r\n";
       if (!joinConditions_.empty()) text += "WHERE" + joinConditions_;
     }
-    text += where_ + group_ + order_;
+    text += where_ + group_ + having_ + order_;
     return ReplaceAll(text, "\r\n\r\n", "\r\n");
   }
 
   const QuerySnapshot& query_;
   const Dialect& dialect_;
   std::vector<std::string> tableTerms_;
-  bool cartesian_ = false;
+  std::unordered_map<std::string_view, std::size_t> positions_;  // of the tables by their captions
+  CriteriaContext context_;                                      // of the criterion that is being written
+  GeneratedSql result_;
   std::string head_;
   std::string select_;
   std::string from_;
   std::string joinConditions_;
   std::string where_;
+  std::string having_;
   std::string group_;
   std::string order_;
 };

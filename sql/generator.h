@@ -5,16 +5,28 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "sql/dialect.h"
+#include "sql/joins.h"
 #include "sql/query_snapshot.h"
 
 namespace zrqrybld {
+
+/// A criterion that cannot be read; the statement holds it as it was typed.
+struct UnreadableCriterion {
+  std::size_t row;  ///< the position in `QuerySnapshot::rows`, from 0
+  std::string text;
+  std::string reason;
+};
 
 struct GeneratedSql {
   std::string text;
   /// Whether some table other than the first is joined to none before it.
   bool cartesian = false;
+  /// The tables as they stand in FROM.
+  qbJoins joins;
+  std::vector<UnreadableCriterion> unreadable;
 };
 
 /// Conditions that are added to the statement as they stand, without parentheses.

@@ -1,23 +1,17 @@
 #include "sql/join_list.h"
 
-#include <string>
-#include <unordered_set>
+#include <vector>
 
 namespace zrqrybld {
 namespace {
 
-constexpr std::size_t kNone = static_cast<std::size_t>(-1);
-
-bool IsUsable(const SnapshotJoin& join) { return join.sourceColumn && join.targetColumn && join.source != join.target; }
-
-// The tables as a linked list (inserting behind any one is a matter of two links), and the order in
-// which joins were met. Relative order never changes once two tables are in the list.
+// Places the tables and remembers in which order the joins were met.
 class Walk {
  public:
-  explicit Walk(const QuerySnapshot& query)
+  Walk(const QuerySnapshot& query, qbJoins& joins)
       : query_(query),
-        next_(query.tables.size(), kNone),
-        listed_(query.tables.size()),
+        joins_(joins),
+        entries_(query.tables.size()),
         taken_(query.joins.size()),
         joinsOf_(query.tables.size()) {
     for (std::size_t j = 0; j < query.joins.size(); ++j) {
@@ -26,15 +20,15 @@ class Walk {
     for (std::size_t j = 0; j < query.joins.size(); ++j) {
       if (IsUsable(query.joins[j])) joinsOf_[query.joins[j].target].push_back(j);
     }
-    for (std::size_t table = 0; table < query.tables.size(); ++table) Start(table);
+    for (std::size_t table = 0; table < query.tables.size(); ++table) {
+      if (!entries_[table]) Follow(table);
+    }
   }
 
-  std::vector<std::size_t> Order() const {
-    std::vector<std::size_t> order;
-    for (std::size_t table = first_; table != kNone; table = next_[table]) order.push_back(table);
-    return order;
-  }
-  const std::vector<std::size_t>& Joins() const { return met_; }
+  /// The entry of each table.
+  const std::vector<qbJoin*>& Entries() const { return entries_; }
+  /// The usable joins in the order in which they were met.
+  const std::vector<std::size_t>& Met() const { return met_; }
 
  private:
   struct Visit {
@@ -42,12 +36,14 @@ class Walk {
     std::size_t nextJoin;
   };
 
-  void Start(std::size_t table) {
-    if (listed_[table]) return;
-    Place(table, last_);
-    last_ = table;
+  void Place(std::size_t table, std::string_view after) {
+    entries_[table] = &joins_.Add(query_.tables[table].caption.Name(), {}, after);
+  }
+
+  void Follow(std::size_t start) {
+    Place(start, {});
     // An explicit stack: a chain of ten thousand tables must not exhaust the program's own.
-    std::vector<Visit> stack{{table, 0}};
+    std::vector<Visit> stack{{start, 0}};
     while (!stack.empty()) {
       Visit& visit = stack.back();
       if (visit.nextJoin == joinsOf_[visit.table].size()) {
@@ -57,8 +53,8 @@ class Walk {
       const std::size_t j = joinsOf_[visit.table][visit.nextJoin];
       const SnapshotJoin& join = query_.joins[j];
       const std::size_t other = join.source == visit.table ? join.target : join.source;
-      if (!listed_[other]) {
-        Place(other, visit.table);
+      if (!entries_[other]) {
+        Place(other, entries_[visit.table]->Caption());
         stack.push_back({other, 0});  // comes back to this join afterwards
         continue;
       }
@@ -70,25 +66,12 @@ class Walk {
     }
   }
 
-  void Place(std::size_t table, std::size_t after) {
-    listed_[table] = true;
-    if (after == kNone) {
-      first_ = table;
-      return;
-    }
-    next_[table] = next_[after];
-    next_[after] = table;
-    if (after == last_) last_ = table;
-  }
-
   const QuerySnapshot& query_;
-  std::vector<std::size_t> next_;
-  std::vector<bool> listed_;
+  qbJoins& joins_;
+  std::vector<qbJoin*> entries_;
   std::vector<bool> taken_;
   std::vector<std::vector<std::size_t>> joinsOf_;  // own joins first, then those that end here
   std::vector<std::size_t> met_;
-  std::size_t first_ = kNone;
-  std::size_t last_ = kNone;
 };
 
 // "All rows" stays with the same table when a join is seen from its other end.
@@ -98,33 +81,31 @@ JoinTypeEnum TypeSeenFrom(const SnapshotJoin& join, bool fromTarget) {
   return static_cast<JoinTypeEnum>((allOfThis ? JoinAllOfThis : 0) | (allOfOther ? JoinAllOfEarlier : 0));
 }
 
-std::string KeyOf(const JoinCondition& condition) {
-  return std::to_string(condition.leftTable) + '\n' + condition.leftColumn.Name() + '\n' +
-         std::to_string(condition.rightTable) + '\n' + condition.rightColumn.Name();
-}
-
 }  // namespace
 
-std::vector<JoinEntry> BuildJoinList(const QuerySnapshot& query) {
-  const Walk walk(query);
-  std::vector<JoinEntry> entries;
-  std::vector<std::size_t> placeOf(query.tables.size());
-  for (const std::size_t table : walk.Order()) {
-    placeOf[table] = entries.size();
-    entries.push_back({table, {}});
-  }
-  std::unordered_set<std::string> written;  // the same condition is never written twice
-  for (const std::size_t j : walk.Joins()) {
+bool IsUsable(const SnapshotJoin& join) { return join.sourceColumn && join.targetColumn && join.source != join.target; }
+
+qbJoins BuildJoinList(const QuerySnapshot& query) {
+  qbJoins joins;
+  const Walk walk(query, joins);
+  std::unordered_map<const qbJoin*, std::size_t> places;
+  for (const qbJoin& entry : joins) places.emplace(&entry, places.size());
+
+  for (const std::size_t j : walk.Met()) {
     const SnapshotJoin& join = query.joins[j];
-    const bool fromTarget = placeOf[join.target] > placeOf[join.source];
-    JoinCondition condition{fromTarget ? join.target : join.source,
-                            fromTarget ? *join.targetColumn : *join.sourceColumn,
-                            fromTarget ? join.source : join.target,
-                            fromTarget ? *join.sourceColumn : *join.targetColumn, TypeSeenFrom(join, fromTarget)};
-    if (!written.insert(KeyOf(condition)).second) continue;
-    entries[placeOf[condition.leftTable]].conditions.push_back(std::move(condition));
+    qbJoin& source = *walk.Entries()[join.source];
+    qbJoin& target = *walk.Entries()[join.target];
+    const bool fromTarget = places.at(&target) > places.at(&source);
+    qbJoin& later = fromTarget ? target : source;
+    const qbJoin& earlier = fromTarget ? source : target;
+    qbJoinTables& conditions = later.JoinTables();
+    const std::int32_t before = conditions.Count();
+    qbJoinTable& condition =
+        conditions.Add(later.Caption(), (fromTarget ? join.targetColumn : join.sourceColumn)->Name(), earlier.Caption(),
+                       (fromTarget ? join.sourceColumn : join.targetColumn)->Name());
+    if (conditions.Count() > before) condition.JoinType = TypeSeenFrom(join, fromTarget);  // the first one counts
   }
-  return entries;
+  return joins;
 }
 
 }  // namespace zrqrybld

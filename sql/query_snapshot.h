@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "sql/criteria_context.h"
 #include "sql/names.h"
 #include "sql/sql_text.h"
 
@@ -37,6 +38,17 @@ struct SnapshotJoin {
   friend bool operator==(const SnapshotJoin&, const SnapshotJoin&) = default;
 };
 
+/// What the data source says of a column's type.
+struct SnapshotType {
+  /// The access layer's code; 0 when it is not known, as for expressions.
+  std::int32_t code = 0;
+  bool isLong = false;
+  /// What stands before and after a literal.
+  std::string prefix;
+  std::string suffix;
+  friend bool operator==(const SnapshotType&, const SnapshotType&) = default;
+};
+
 /// One row of the grid.
 struct SnapshotRow {
   /// A column's name, "*", or an expression when `table` is none.
@@ -48,8 +60,16 @@ struct SnapshotRow {
   std::string sortType;
   std::string sortOrder;
   std::string groupBy;
-  /// The aggregate's syntax with "@field" in it; empty for grouping choices and outside group-by mode.
+  /// The aggregate's syntax with "@field" in it; empty for grouping choices, for a text that names no choice, and
+  /// outside group-by mode.
   std::string aggregate;
+  /// The cells of the criteria columns in their order; columns behind the last filled one may be left out.
+  std::vector<std::string> criteria;
+  /// How literals of the column are written; known only where there are criteria.
+  SnapshotType type;
+
+  /// Whether the criteria choose groups (HAVING); otherwise they choose rows (WHERE).
+  bool ChoosesGroups() const;
   friend bool operator==(const SnapshotRow&, const SnapshotRow&) = default;
 };
 
@@ -63,6 +83,12 @@ struct QuerySnapshot {
   /// "", a number or a number followed by "%".
   std::string top;
   NameRules names;
+  /// How criteria are read and values written; what depends on the column comes from its row.
+  CriteriaContext criteria;
 };
+
+/// The rows that are sorted by, in their order. Of several with one sort number the last one counts; a sort number that
+/// is no number, or rounds to none from 1, does not.
+std::vector<const SnapshotRow*> SortedRows(const QuerySnapshot& query);
 
 }  // namespace zrqrybld

@@ -1,12 +1,20 @@
 #include "sql/sql_pane.h"
 
+#include "base/text.h"
 #include "platform/headless.h"
 #include "sql/generator.h"
 #include "sql/query_snapshot.h"
 
 namespace zrqrybld {
+namespace {
 
-qbSQLPane::qbSQLPane() : headless_(std::make_unique<HeadlessTextArea>()), textArea_(headless_.get()) {}
+constexpr std::string_view kLike = "LIKE";
+
+}  // namespace
+
+qbSQLPane::qbSQLPane() : headless_(std::make_unique<HeadlessTextArea>()), textArea_(headless_.get()) {
+  ListenToTextArea();
+}
 
 Ref<qbSQLPane> qbSQLPane::Create() { return Ref<qbSQLPane>(new qbSQLPane()); }
 
@@ -15,12 +23,35 @@ Ref<qbQueryBuilder> qbSQLPane::QueryBuilder() const {
   return context ? context->Hub() : nullptr;
 }
 
+// --- The text area ---
+
 void qbSQLPane::AttachTextArea(TextArea* area) {
   const std::string text = textArea_->Text();
   textArea_ = area ? area : headless_.get();
   textArea_->SetText(text);
-  edited_ = textArea_->Edited.Connect([this] { SQLChanged.Raise(); });
+  textArea_->SetReadOnly(locked_);
+  ShowRemarks();
+  ListenToTextArea();
 }
+
+void qbSQLPane::ListenToTextArea() {
+  links_.clear();
+  links_.push_back(textArea_->Edited.Connect([this] { SQLChanged.Raise(); }));
+  links_.push_back(
+      textArea_->KeyDown.Connect([this](std::int32_t& keyCode, std::int32_t shift) { KeyDown.Raise(keyCode, shift); }));
+  links_.push_back(
+      textArea_->KeyUp.Connect([this](std::int32_t& keyCode, std::int32_t shift) { KeyUp.Raise(keyCode, shift); }));
+  links_.push_back(textArea_->KeyPress.Connect([this](char32_t& character) { KeyPress.Raise(character); }));
+}
+
+void qbSQLPane::ShowRemarks() {
+  std::vector<std::string> remarks;
+  remarks.reserve(diagnostics_.size());
+  for (const SQLDiagnostic& diagnostic : diagnostics_) remarks.push_back(diagnostic.text);
+  textArea_->SetRemarks(remarks);
+}
+
+// --- Properties ---
 
 void qbSQLPane::SetSQLStatement(const std::string& text) {
   if (text == textArea_->Text()) return;
@@ -28,15 +59,61 @@ void qbSQLPane::SetSQLStatement(const std::string& text) {
   SQLChanged.Raise();
 }
 
+void qbSQLPane::SetSQLSyntax(SQLSyntaxEnum syntax) {
+  syntax_ = syntax;
+  PropertyChanged.Raise("SQLSyntax");
+}
+
+void qbSQLPane::SetLikeOperator(const std::string& word) {
+  likeOperator_ = Trim(word).empty() ? kLike : word;
+  PropertyChanged.Raise("LikeOperator");
+}
+
+void qbSQLPane::SetLocked(bool locked) {
+  locked_ = locked;
+  textArea_->SetReadOnly(locked);
+  PropertyChanged.Raise("Locked");
+}
+
+void qbSQLPane::ReadProperties(const PropertyStore& store) {
+  const std::optional<double> syntax = store.Read("SQLSyntax", static_cast<std::int32_t>(SQLSyntaxGeneric)).Number();
+  syntax_ = SQLSyntaxGeneric;
+  for (const Dialect& dialect : AllDialects()) {
+    if (syntax && *syntax == static_cast<double>(dialect.syntax)) syntax_ = dialect.syntax;
+  }
+  const Variant locked = store.Read("Locked", false);
+  locked_ = locked.Number() ? *locked.Number() != 0 : EqualsNoCase(locked.Text(), "True");
+  textArea_->SetReadOnly(locked_);
+  const std::string like = store.Read("LikeOperator", kLike).Text();
+  likeOperator_ = Trim(like).empty() ? std::string(kLike) : like;
+}
+
+void qbSQLPane::WriteProperties(PropertyStore& store) const {
+  store.Write("SQLSyntax", static_cast<std::int32_t>(syntax_), static_cast<std::int32_t>(SQLSyntaxGeneric));
+  store.Write("Locked", locked_, false);
+  store.Write("LikeOperator", likeOperator_, kLike);
+}
+
+// --- The statement ---
+
 std::string qbSQLPane::Generate(const std::string& orExpression, const std::string& andExpression) {
   const Ref<QueryContext> context = context_.lock();
   if (!context || context->state() != InfoDone) return {};
-  GeneratedSql generated = GenerateSelect(context->Snapshot(), DialectFor(syntax_), {orExpression, andExpression});
+  const QuerySnapshot query = context->Snapshot();
+  const Dialect& dialect = DialectFor(syntax_);
+  GeneratedSql generated = GenerateSelect(query, dialect, {orExpression, andExpression});
+  diagnostics_ = Diagnose(query, dialect, generated);
   cartesian_ = generated.cartesian;
+  joins_ = std::move(generated.joins);
   return std::move(generated.text);
 }
 
-void qbSQLPane::Refresh() { SetSQLStatement(Generate({}, {})); }
+void qbSQLPane::Refresh() {
+  const std::string text = Generate({}, {});
+  if (text.empty()) diagnostics_.clear();  // nothing was generated
+  ShowRemarks();
+  SetSQLStatement(text);
+}
 
 std::string qbSQLPane::AddWhereClause(const std::string& orExpression, const std::string& andExpression) {
   return Generate(orExpression, andExpression);

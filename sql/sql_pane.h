@@ -6,12 +6,17 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "base/event.h"
 #include "base/object.h"
 #include "host/query_context.h"
 #include "platform/editors.h"
+#include "platform/property_store.h"
+#include "sql/diagnostics.h"
 #include "sql/dialect.h"
+#include "sql/joins.h"
 
 namespace zrqrybld {
 
@@ -21,8 +26,19 @@ class qbSQLPane final : public Object {
   static Ref<qbSQLPane> Create();
   std::string_view TypeName() const override { return "qbSQLPane"; }
 
+  // --- Events ---
+
   /// The text of the statement has changed.
   Event<> SQLChanged;
+  /// A key in the text, before it acts: `KeyCode` (0 takes the key away from the text), `ShiftMask` bits.
+  Event<std::int32_t&, std::int32_t> KeyDown;
+  Event<std::int32_t&, std::int32_t> KeyUp;
+  /// A key that types something into the text: its Unicode character, which a handler may change; 0 types nothing.
+  Event<char32_t&> KeyPress;
+  /// A property was set: its key. The container marks it as changed.
+  Event<std::string_view> PropertyChanged;
+
+  // --- Properties and methods ---
 
   /// Generates the statement anew and shows it. While the designer is busy the text becomes empty.
   void Refresh();
@@ -34,9 +50,24 @@ class qbSQLPane final : public Object {
   /// Whether the statement generated last holds a table that is joined to none before it.
   bool Cartesian() const { return cartesian_; }
 
+  /// What there is to say about the statement generated last; empty while there is none.
+  const std::vector<SQLDiagnostic>& Diagnostics() const { return diagnostics_; }
+
+  /// The tables of the statement generated last, as they stand in FROM.
+  const qbJoins& Joins() const { return joins_; }
+
+  /// The word that criteria are written with where they compare with a pattern; "LIKE" at first, and again when it is
+  /// set to "". The text follows at the next `Refresh`.
+  const std::string& LikeOperator() const { return likeOperator_; }
+  void SetLikeOperator(const std::string& word);
+
+  /// Whether the user can only read the text; False at first. `Refresh` and `SetSQLStatement` write it all the same.
+  bool Locked() const { return locked_; }
+  void SetLocked(bool locked);
+
   /// The dialect; the text follows at the next `Refresh`.
   SQLSyntaxEnum SQLSyntax() const { return syntax_; }
-  void SetSQLSyntax(SQLSyntaxEnum syntax) { syntax_ = syntax; }
+  void SetSQLSyntax(SQLSyntaxEnum syntax);
 
   /// The text shown, with CR LF line ends. Setting it parses nothing.
   std::string SQLStatement() const { return textArea_->Text(); }
@@ -44,6 +75,13 @@ class qbSQLPane final : public Object {
 
   /// The hub that the pane is linked to, or nothing.
   Ref<qbQueryBuilder> QueryBuilder() const;
+
+  // --- For the form that stores the control's design-time properties ---
+
+  /// Takes the options from a stored form; a missing key, or a value of the wrong kind, has the value of a new pane.
+  void ReadProperties(const PropertyStore& store);
+  /// Stores the options; those with the value of a new pane are left out.
+  void WriteProperties(PropertyStore& store) const;
 
   // --- For the hub and the adapter ---
 
@@ -57,13 +95,19 @@ class qbSQLPane final : public Object {
  private:
   qbSQLPane();
   std::string Generate(const std::string& orExpression, const std::string& andExpression);
+  void ListenToTextArea();
+  void ShowRemarks();
 
   WeakRef<QueryContext> context_;
   std::unique_ptr<TextArea> headless_;
   TextArea* textArea_;
-  EventConnection edited_;
+  std::vector<EventConnection> links_;  // to the text area
   SQLSyntaxEnum syntax_ = SQLSyntaxGeneric;
+  std::string likeOperator_ = "LIKE";
+  bool locked_ = false;
   bool cartesian_ = false;
+  qbJoins joins_;
+  std::vector<SQLDiagnostic> diagnostics_;
 };
 
 }  // namespace zrqrybld

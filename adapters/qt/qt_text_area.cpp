@@ -3,6 +3,7 @@
 #include <QFontDatabase>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QPolygonF>
 #include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QTextBlock>
@@ -17,6 +18,7 @@ namespace {
 
 constexpr int kTabCharacters = 4;
 constexpr int kMarginPadding = 8;
+constexpr int kRemarkPadding = 3;
 constexpr int kFewestDigits = 2;  // the margin of a short text does not jump at line 10
 
 QString FixedFamily() {
@@ -87,13 +89,61 @@ class QtTextArea::Margin final : public QWidget {
   QtTextArea& area_;
 };
 
+// One line below the text for what there is to say about it; hidden while there is nothing.
+class QtTextArea::RemarkLine final : public QWidget {
+ public:
+  explicit RemarkLine(QtTextArea& area) : QWidget(&area), area_(area) { hide(); }
+
+  void SetRemarks(const std::vector<std::string>& remarks) {
+    remarks_.clear();
+    for (const std::string& remark : remarks) remarks_.push_back(ToQString(remark));
+    setToolTip(remarks_.join(QLatin1Char('\n')).toHtmlEscaped().replace(QLatin1Char('\n'), QStringLiteral("<br>")));
+    setAccessibleName(remarks_.join(QLatin1Char(' ')));
+    setVisible(!remarks_.isEmpty());
+    update();
+  }
+  int Height() const { return remarks_.isEmpty() ? 0 : fontMetrics().height() + 2 * kRemarkPadding; }
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    const Theme& theme = area_.GetTheme();
+    QPainter painter(this);
+    painter.fillRect(rect(), theme.Of(ColorRole::Surface));
+    const int size = fontMetrics().ascent();
+    const QRectF sign(kMarginPadding, (height() - size) / 2.0, size, size);
+    PaintSign(painter, sign, theme);
+    const int left = static_cast<int>(sign.right()) + kMarginPadding;
+    QString more;
+    if (remarks_.size() > 1) more = tr("   + %1 more").arg(remarks_.size() - 1);
+    const int room = width() - left - kMarginPadding - fontMetrics().horizontalAdvance(more);
+    painter.setPen(theme.Of(ColorRole::QuietText));
+    painter.drawText(QRect(left, 0, width() - left, height()), Qt::AlignVCenter | Qt::TextSingleLine,
+                     fontMetrics().elidedText(remarks_.value(0), Qt::ElideRight, room) + more);
+  }
+
+ private:
+  // A triangle with an exclamation mark.
+  static void PaintSign(QPainter& painter, const QRectF& place, const Theme& theme) {
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(theme.Of(ColorRole::Warning), 1.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.drawPolygon(QPolygonF{QPointF(place.center().x(), place.top()), place.bottomRight(), place.bottomLeft()});
+    const qreal x = place.center().x();
+    painter.drawLine(QPointF(x, place.top() + place.height() * 0.40), QPointF(x, place.top() + place.height() * 0.65));
+    painter.drawPoint(QPointF(x, place.top() + place.height() * 0.84));
+  }
+
+  QtTextArea& area_;
+  QStringList remarks_;
+};
+
 QtTextArea::QtTextArea(QWidget* parent) : QPlainTextEdit(parent), theme_(palette()) {
   setLineWrapMode(NoWrap);
   setFrameShape(NoFrame);
   margin_ = new Margin(*this);
+  remarks_ = new RemarkLine(*this);
   UpdateFont();
   connect(document(), &QTextDocument::contentsChanged, this, &QtTextArea::OnContentsChanged);
-  connect(this, &QPlainTextEdit::blockCountChanged, this, &QtTextArea::PlaceMargin);
+  connect(this, &QPlainTextEdit::blockCountChanged, this, &QtTextArea::PlaceMargins);
   connect(this, &QPlainTextEdit::updateRequest, this, [this](const QRect& area, int dy) {
     if (dy != 0) {
       margin_->scroll(0, dy);
@@ -220,7 +270,7 @@ void QtTextArea::UpdateFont() {
   fixed.setStyleHint(QFont::Monospace);
   setFont(fixed);
   setTabStopDistance(kTabCharacters * QFontMetricsF(fixed).horizontalAdvance(QLatin1Char(' ')));
-  PlaceMargin();
+  PlaceMargins();
 }
 
 void QtTextArea::changeEvent(QEvent* event) {
@@ -259,16 +309,23 @@ int QtTextArea::MarginWidth() const {
   return 2 * kMarginPadding + static_cast<int>(digits) * fontMetrics().horizontalAdvance(QLatin1Char('9'));
 }
 
-void QtTextArea::PlaceMargin() {
+void QtTextArea::PlaceMargins() {
   const int width = MarginWidth();
-  setViewportMargins(width, 0, 0, 0);
+  const int below = remarks_->Height();
+  setViewportMargins(width, 0, 0, below);
   const QRect inside = contentsRect();
   margin_->setGeometry(inside.left(), inside.top(), width, viewport()->height());
+  remarks_->setGeometry(inside.left(), inside.bottom() + 1 - below, inside.width(), below);
+}
+
+void QtTextArea::SetRemarks(const std::vector<std::string>& remarks) {
+  remarks_->SetRemarks(remarks);
+  PlaceMargins();
 }
 
 void QtTextArea::resizeEvent(QResizeEvent* event) {
   QPlainTextEdit::resizeEvent(event);
-  PlaceMargin();
+  PlaceMargins();
 }
 
 void QtTextArea::PaintMargin(QPaintEvent& event) {

@@ -40,6 +40,8 @@ class QtTextArea : public QPlainTextEdit, public TextArea {
   /// even the selection or the undo list.
   void SetText(std::string_view text) override;
   void SetReadOnly(bool readOnly) override;
+  /// Shows the first sentence on a line below the text and says how many more there are; the line's tool tip has all.
+  void SetRemarks(const std::vector<std::string>& remarks) override;
 
   /// Colours the text from now on; an empty function stops that.
   void SetHighlighter(Highlighter highlighter);
@@ -58,19 +60,21 @@ class QtTextArea : public QPlainTextEdit, public TextArea {
 
  private:
   class Margin;
+  class RemarkLine;
 
   void OnContentsChanged();
   void Highlight();
   void MarkCurrentLine();
   void UpdateFont();
   int MarginWidth() const;
-  void PlaceMargin();
+  void PlaceMargins();
   void PaintMargin(QPaintEvent& event);
 
   Theme theme_;
   Highlighter highlighter_;
   EventBoundary boundary_;
   Margin* margin_ = nullptr;
+  RemarkLine* remarks_ = nullptr;
   bool settingText_ = false;
   bool updatingFont_ = false;
 };

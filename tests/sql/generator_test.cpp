@@ -1,4 +1,5 @@
 #include "sql/generator.h"
+#include "sql/diagnostics.h"
 
 #include <gtest/gtest.h>
 
@@ -42,7 +43,7 @@ std::string Cut(std::string& text, std::string_view separator) {
 
 // tables: "caption" or "caption=name", several by ", ".   joins: "A.x=B.y:kind", several by ", ".
 // rows: one a line, cells between ";": table (none for an expression; "-" in front: no output), column,
-// alias, sort type, sort number, group-by choice.
+// alias, sort type, sort number, group-by choice, and the criteria cells.
 QuerySnapshot DesignOf(const test::Record& record) {
   const auto text = [&](std::string_view name) { return record.Has(name) ? record[name] : std::string(); };
   QuerySnapshot query;
@@ -66,7 +67,7 @@ QuerySnapshot DesignOf(const test::Record& record) {
     const std::string source = Cut(target, "=");
     const auto split = [&](const std::string& end, std::size_t& table, std::optional<Identifier>& column) {
       table = tableAt(end.substr(0, end.rfind('.')));
-      column = Identifier(end.substr(end.rfind('.') + 1));
+      if (!end.ends_with('.')) column = Identifier(end.substr(end.rfind('.') + 1));
     };
     SnapshotJoin join;
     split(source, join.source, join.sourceColumn);
@@ -86,6 +87,7 @@ QuerySnapshot DesignOf(const test::Record& record) {
     row.sortType = Cut(cells, ";");
     row.sortOrder = Cut(cells, ";");
     row.groupBy = Cut(cells, ";");
+    while (!cells.empty()) row.criteria.push_back(Cut(cells, ";"));
     if (row.groupBy == "Count") row.aggregate = "COUNT(@field)";
     if (row.groupBy == "Sum Both") row.aggregate = "SUM(@FIELD + @field)";
     query.rows.push_back(row);
@@ -122,6 +124,20 @@ TEST(Generator, DoublingExpressionsEndInAnErrorNotInAllMemory) {
     row.output = true;
   }
   EXPECT_NE(test::ErrorOf([&] { GenerateSelect(query, AllDialects()[0]); }), 0);
+}
+
+TEST(Diagnostics, SayWhatTheStatementCannotSay) {
+  for (const test::Record& record : test::ReadRecords("diagnostics.txt")) {
+    SCOPED_TRACE(record.place);
+    const QuerySnapshot query = DesignOf(record);
+    const Dialect& dialect = *FindDialect(record.Has("dialect") ? record["dialect"] : "MSSQL");
+    std::string said;
+    for (const SQLDiagnostic& diagnostic : Diagnose(query, dialect, GenerateSelect(query, dialect))) {
+      said += (said.empty() ? "" : "\r\n") + std::to_string(diagnostic.kind) + " " + diagnostic.object;
+      EXPECT_TRUE(diagnostic.text.starts_with(diagnostic.object)) << diagnostic.text;
+    }
+    EXPECT_EQ(said.empty() ? "Nothing" : said, record["says"]);
+  }
 }
 
 TEST(Dialects, AreFoundByNumberAndName) {

@@ -2,11 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <numeric>
 #include <random>
+#include <set>
 
 #include "base/text.h"
 #include "tests/data_table.h"
+#include "tests/error_of.h"
 
 namespace zrqrybld {
 namespace {
@@ -35,12 +36,12 @@ QuerySnapshot DesignOf(std::string_view tables, std::string_view joins) {
 
 std::string Described(const QuerySnapshot& query) {
   std::string text;
-  for (const JoinEntry& entry : BuildJoinList(query)) {
-    text += (text.empty() ? "" : "; ") + query.tables[entry.table].caption.Name();
-    for (const JoinCondition& condition : entry.conditions) {
-      text += " " + query.tables[condition.leftTable].caption.Name() + "." + condition.leftColumn.Name() + "=" +
-              query.tables[condition.rightTable].caption.Name() + "." + condition.rightColumn.Name() + ":" +
-              std::to_string(condition.type);
+  for (const qbJoin& entry : BuildJoinList(query)) {
+    text += (text.empty() ? "" : "; ") + entry.Caption();
+    for (std::int32_t i = 1; i <= entry.JoinTables().Count(); ++i) {
+      const qbJoinTable& condition = entry.JoinTables().Item(i);
+      text += " " + condition.LeftTable + "." + condition.LeftField + "=" + condition.RightTable + "." +
+              condition.RightField + ":" + std::to_string(condition.JoinType);
     }
   }
   return text;
@@ -53,13 +54,18 @@ TEST(JoinList, OrdersTablesAndGivesConditionsToTheLater) {
   }
 }
 
+QuerySnapshot TablesWithoutJoins(std::size_t count) {
+  QuerySnapshot query;
+  for (std::size_t t = 0; t < count; ++t) query.tables.push_back({Identifier(std::to_string(t)), {}, false});
+  return query;
+}
+
 // Every table stands once; every usable join stands once, at the later of its tables.
 TEST(JoinList, KeepsEveryTableAndEveryJoin) {
   std::mt19937 random(2);
   for (int run = 0; run < 300; ++run) {
-    QuerySnapshot query;
-    query.tables.resize(1 + random() % 9);
-    std::size_t usable = 0;
+    QuerySnapshot query = TablesWithoutJoins(1 + random() % 9);
+    std::int32_t usable = 0;
     for (std::size_t j = random() % 14; j > 0; --j) {
       SnapshotJoin join{random() % query.tables.size(), random() % query.tables.size(),
                         Identifier("s" + std::to_string(j)), std::nullopt, static_cast<int>(random() % 4)};
@@ -67,32 +73,57 @@ TEST(JoinList, KeepsEveryTableAndEveryJoin) {
       usable += join.targetColumn && join.source != join.target ? 1 : 0;
       query.joins.push_back(join);
     }
-    std::vector<bool> placed(query.tables.size());
-    std::size_t conditions = 0;
-    for (const JoinEntry& entry : BuildJoinList(query)) {
-      ASSERT_FALSE(placed[entry.table]);
-      for (const JoinCondition& condition : entry.conditions) {
-        ASSERT_EQ(condition.leftTable, entry.table);
-        ASSERT_TRUE(placed[condition.rightTable]);
+    std::set<std::string> placed;
+    std::int32_t conditions = 0;
+    for (const qbJoin& entry : BuildJoinList(query)) {
+      ASSERT_FALSE(placed.contains(entry.Caption()));
+      for (std::int32_t i = 1; i <= entry.JoinTables().Count(); ++i) {
+        ASSERT_EQ(entry.JoinTables().Item(i).LeftTable, entry.Caption());
+        ASSERT_TRUE(placed.contains(entry.JoinTables().Item(i).RightTable));
         ++conditions;
       }
-      placed[entry.table] = true;
+      placed.insert(entry.Caption());
     }
-    ASSERT_EQ(std::accumulate(placed.begin(), placed.end(), std::size_t{0}), query.tables.size());
+    ASSERT_EQ(placed.size(), query.tables.size());
     ASSERT_EQ(conditions, usable);
   }
 }
 
 TEST(JoinList, FollowsALongChainWithoutDeepCalls) {
-  QuerySnapshot query;
-  query.tables.resize(10'000);
+  QuerySnapshot query = TablesWithoutJoins(10'000);
   for (std::size_t i = 0; i + 1 < query.tables.size(); ++i) {
     query.joins.push_back({i + 1, i, Identifier("a"), Identifier("b"), 2});
   }
-  const std::vector<JoinEntry> entries = BuildJoinList(query);
-  ASSERT_EQ(entries.size(), query.tables.size());
-  EXPECT_EQ(entries.back().table, 9'999u);
-  EXPECT_EQ(entries.back().conditions.front().type, JoinAllOfThis);
+  const qbJoins joins = BuildJoinList(query);
+  ASSERT_EQ(joins.Count(), 10'000);
+  EXPECT_EQ(std::prev(joins.end())->Caption(), "9999");
+  EXPECT_EQ(std::prev(joins.end())->JoinTables().At(1).JoinType, JoinAllOfThis);
+}
+
+TEST(JoinList, AddingBesideAnotherMovesAnEntryAndKeepsItsConditions) {
+  qbJoins joins;
+  const auto order = [&joins] {
+    std::string captions;
+    for (const qbJoin& entry : joins) captions += entry.Caption();
+    return captions;
+  };
+  for (const char* caption : {"a", "b", "c"}) joins.Add(caption);
+  joins.Add("d", "a");
+  joins.Add("e", {}, "a");
+  EXPECT_EQ(order(), "daebc");
+  joins.Add("c", "d").JoinTables().Add("c", "x", "d", "y");
+  joins.Add("c");
+  joins.Add("c", {}, "c");
+  EXPECT_EQ(order(), "cdaeb");
+  EXPECT_EQ(joins.Item(1).JoinTables().Item("[c].[x] = [d].[y]").RightField, "y");
+  EXPECT_EQ(&joins.Item("c").JoinTables().Add("c", "x", "d", "y"), &joins.Item(1).JoinTables().Item(1));
+  joins.Item("c").JoinTables().Remove(1);
+  EXPECT_TRUE(joins.Item("c").JoinTables().Empty());
+  joins.Remove("a");
+  EXPECT_EQ(order(), "cdeb");
+  for (const Variant& missing : {Variant("a"), Variant(0), Variant(5)}) {
+    EXPECT_EQ(test::ErrorOf([&] { joins.Item(missing); }), ErrorNoSuchItem);
+  }
 }
 
 }  // namespace

@@ -1,0 +1,264 @@
+#include "sql/diagnostics.h"
+
+#include <algorithm>
+#include <set>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "base/text.h"
+#include "sql/join_list.h"
+#include "sql/lexer.h"
+
+namespace zrqrybld {
+namespace {
+
+// Whether a criterion can hold for a missing value: it asks for NULL somewhere.
+bool AcceptsNull(std::string_view criterion) {
+  bool afterIs = false;
+  Lexer lexer(criterion);
+  for (Token token; lexer.Next(token);) {
+    const std::string_view word = criterion.substr(token.offset, token.length);
+    if (token.kind == TokenKind::Word && EqualsNoCase(word, "NULL") && afterIs) return true;
+    afterIs = token.kind == TokenKind::Word && EqualsNoCase(word, "IS");
+  }
+  return EqualsNoCase(Trim(criterion), "NULL");
+}
+
+class Diagnosis {
+ public:
+  Diagnosis(const QuerySnapshot& query, const Dialect& dialect, const GeneratedSql& generated)
+      : query_(query), dialect_(dialect), generated_(generated), sorted_(SortedRows(query)) {}
+
+  std::vector<SQLDiagnostic> Run() {
+    Tables();
+    Joins();
+    Rows();
+    Grouping();
+    Sorting();
+    OuterJoins();
+    RowLimit();
+    return std::move(found_);
+  }
+
+ private:
+  void Say(SQLDiagnosticEnum kind, std::string object, std::string_view text) {
+    std::string sentence = object;
+    sentence += text;
+    found_.push_back({kind, std::move(object), std::move(sentence)});
+  }
+
+  const std::string& CaptionOf(std::size_t table) const { return query_.tables[table].caption.Name(); }
+  std::string NameOf(const SnapshotRow& row) const {
+    return row.table ? CaptionOf(*row.table) + "." + row.column : row.column;
+  }
+  static bool HasCriteria(const SnapshotRow& row) {
+    return !row.column.empty() &&
+           std::ranges::any_of(row.criteria, [](const std::string& cell) { return !Trim(cell).empty(); });
+  }
+  static bool IsOutput(const SnapshotRow& row) { return row.output && !row.column.empty(); }
+  bool IsSorted(const SnapshotRow& row) const { return std::ranges::binary_search(sortedPlaces_, &row); }
+
+  // --- Tables and joins ---
+
+  void Tables() {
+    const bool nested = dialect_.fromParentheses == Dialect::FromParentheses::Nested && generated_.joins.Count() > 2;
+    for (const qbJoin& entry : generated_.joins) {
+      const bool first = &entry == &*generated_.joins.begin();
+      if (entry.JoinTables().Empty() && !first) {
+        Say(DiagnosticTableNotJoined, entry.Caption(),
+            " is joined to no table before it: each of its rows meets all others.");
+        if (nested) Say(DiagnosticParentheses, entry.Caption(), " stands behind parentheses that are never closed.");
+      }
+      if (HasMixedKinds(entry)) {
+        Say(DiagnosticMixedJoins, entry.Caption(), " has joins of several kinds, which one statement cannot say.");
+      }
+    }
+  }
+
+  // A JOIN clause has one word for all its conditions; conditions in a list of tables have a mark each, and only those
+  // to the same table must agree.
+  bool HasMixedKinds(const qbJoin& entry) const {
+    const bool clauses = dialect_.joins == Dialect::Joins::Clauses;
+    std::unordered_map<std::string_view, JoinTypeEnum> kinds;
+    for (std::size_t i = 1; i <= static_cast<std::size_t>(entry.JoinTables().Count()); ++i) {
+      const qbJoinTable& condition = entry.JoinTables().At(i);
+      const std::string_view key = clauses ? std::string_view() : std::string_view(condition.RightTable);
+      if (kinds.emplace(key, condition.JoinType).first->second != condition.JoinType) return true;
+    }
+    return false;
+  }
+
+  void Joins() {
+    for (const SnapshotJoin& join : query_.joins) {
+      if (join.source == join.target) {
+        Say(DiagnosticJoinToItself, CaptionOf(join.source),
+            " is joined to itself, which is not written: add the table a second time and join the two.");
+      } else if (!IsUsable(join)) {
+        Say(DiagnosticIncompleteJoin, CaptionOf(join.source) + " - " + CaptionOf(join.target),
+            ": the join names no column, so it is not written.");
+      } else if (join.kind == JoinAllOfBoth && !dialect_.hasFullJoin) {
+        Say(DiagnosticFullJoin,
+            CaptionOf(join.source) + "." + join.sourceColumn->Name() + " = " + CaptionOf(join.target) + "." +
+                join.targetColumn->Name(),
+            ": this dialect cannot keep all rows of both tables; only rows that match are returned.");
+      }
+    }
+  }
+
+  // --- Rows ---
+
+  void Rows() {
+    std::unordered_set<std::string> names;  // case-folded
+    for (const SnapshotRow& row : query_.rows) {
+      if (!IsOutput(row)) continue;
+      const bool plain = row.table && row.column != "*" && row.aggregate.empty();
+      const std::string& name = row.alias.Empty() && plain ? row.column : row.alias.Name();
+      if (!name.empty() && !names.insert(FoldCase(name)).second) {
+        Say(DiagnosticDuplicateName, name, " is the name of more than one column of the result.");
+      }
+    }
+    for (const UnreadableCriterion& criterion : generated_.unreadable) {
+      Say(DiagnosticUnreadableCriterion, NameOf(query_.rows[criterion.row]),
+          ": the criterion " + criterion.text + " cannot be read: " + criterion.reason);
+    }
+  }
+
+  // --- Grouping ---
+
+  void Grouping() {
+    for (const SnapshotRow* row : sorted_) sortedPlaces_.push_back(row);
+    std::ranges::sort(sortedPlaces_);
+    const auto says = [](const SnapshotRow& row, std::string_view choice) { return EqualsNoCase(row.groupBy, choice); };
+    const auto groups = [&](const SnapshotRow& row) { return !row.aggregate.empty() || says(row, "GROUP BY"); };
+    const bool grouped = query_.groupByMode && std::ranges::any_of(query_.rows, groups);
+    for (const SnapshotRow& row : query_.rows) {
+      if (row.column.empty()) continue;
+      const bool known = groups(row) || row.groupBy.empty() || says(row, "WHERE") || says(row, "EXPRESSION");
+      const bool shown = row.output || IsSorted(row);
+      if (query_.groupByMode && !known) {
+        Say(DiagnosticUnknownFunction, NameOf(row), ": there is no function " + row.groupBy + ".");
+      } else if (grouped && shown && !groups(row) && !(says(row, "EXPRESSION") && !row.table)) {
+        Say(DiagnosticNotGrouped, NameOf(row), " is neither grouped nor aggregated.");
+      }
+      if (!query_.groupByMode && row.ChoosesGroups() && HasCriteria(row)) {
+        Say(DiagnosticNothingToGroup, NameOf(row), ": its criterion is for groups, but the query does not group.");
+      }
+      CheckAllColumns(row);
+    }
+  }
+
+  void CheckAllColumns(const SnapshotRow& row) {
+    if (row.column != "*" || !row.table) return;
+    const bool counted = StartsWithNoCase(row.aggregate, "COUNT");
+    const bool single =
+        !row.aggregate.empty() || EqualsNoCase(row.groupBy, "GROUP BY") || IsSorted(row) || HasCriteria(row);
+    if (single && !counted) Say(DiagnosticAllColumns, NameOf(row), " stands where only a single column can.");
+  }
+
+  // --- Sorting ---
+
+  void Sorting() {
+    std::set<std::pair<std::size_t, std::string_view>> selected;  // tables from 1, expressions under 0
+    const auto key = [](const SnapshotRow& row) {
+      return std::pair<std::size_t, std::string_view>(row.table ? *row.table + 1 : 0, row.column);
+    };
+    for (const SnapshotRow& row : query_.rows) {
+      if (IsOutput(row)) selected.insert(key(row));
+    }
+    for (const SnapshotRow& row : query_.rows) {
+      const std::optional<double> number = row.sortOrder.empty() ? std::nullopt : ParseNumber(row.sortOrder);
+      if (number && *number >= 0.5 && !IsSorted(row)) {
+        Say(DiagnosticSameSortOrder, NameOf(row), ": another column has the same place in the sort order.");
+      }
+      if (query_.distinct && IsSorted(row) && !selected.contains(key(row)) &&
+          !selected.contains({key(row).first, "*"})) {
+        Say(DiagnosticSortNotSelected, NameOf(row), " is sorted by, but it is not among the distinct columns.");
+      }
+    }
+  }
+
+  // --- Criteria on what an outer join may leave empty ---
+
+  void OuterJoins() {
+    const std::vector<bool> optional = OptionalTables();
+    std::size_t columns = 0;                                  // criteria columns with a condition for rows
+    std::vector<std::size_t> refusing(query_.tables.size());  // how many of them refuse the table's missing rows
+    std::vector<std::size_t> counted(query_.tables.size());   // the last of them, from 1
+    std::vector<const SnapshotRow*> rowOf(query_.tables.size());
+    std::size_t widest = 0;
+    for (const SnapshotRow& row : query_.rows) widest = std::max(widest, row.criteria.size());
+    for (std::size_t column = 0; column < widest; ++column) {
+      bool any = false;
+      for (const SnapshotRow& row : query_.rows) {
+        if (row.column.empty() || row.ChoosesGroups() || column >= row.criteria.size()) continue;
+        if (Trim(row.criteria[column]).empty()) continue;
+        any = true;
+        if (!row.table || !optional[*row.table] || AcceptsNull(row.criteria[column])) continue;
+        if (std::exchange(counted[*row.table], column + 1) == column + 1) continue;
+        ++refusing[*row.table];
+        if (!rowOf[*row.table]) rowOf[*row.table] = &row;
+      }
+      columns += any ? 1 : 0;
+    }
+    for (std::size_t table = 0; table < refusing.size(); ++table) {
+      if (!rowOf[table] || refusing[table] < columns) continue;
+      Say(DiagnosticOuterJoinUndone, NameOf(*rowOf[table]),
+          ": the criterion drops the rows without a partner, so that the outer join returns what an inner one does.");
+    }
+  }
+
+  // The tables whose columns are empty in rows that only an outer join returns.
+  std::vector<bool> OptionalTables() const {
+    std::unordered_map<std::string_view, std::size_t> positions;
+    for (std::size_t table = 0; table < query_.tables.size(); ++table) positions.emplace(CaptionOf(table), table);
+    std::vector<bool> optional(query_.tables.size());
+    std::vector<std::size_t> earlier;  // not optional yet
+    for (const qbJoin& entry : generated_.joins) {
+      const std::size_t table = positions.at(entry.Caption());
+      const JoinTypeEnum type = entry.JoinTables().Empty() ? JoinInner : entry.JoinTables().At(1).JoinType;
+      if (type == JoinAllOfThis || (type == JoinAllOfBoth && dialect_.hasFullJoin)) {
+        for (const std::size_t before : earlier) optional[before] = true;
+        earlier.clear();
+      }
+      if (type == JoinAllOfEarlier || (type == JoinAllOfBoth && dialect_.hasFullJoin)) {
+        optional[table] = true;
+      } else {
+        earlier.push_back(table);
+      }
+    }
+    return optional;
+  }
+
+  // --- The row limit ---
+
+  void RowLimit() {
+    if (query_.top.empty()) return;
+    if (!dialect_.limitTakesPercent && query_.top.find('%') != std::string::npos) {
+      Say(DiagnosticLimitWritten, query_.top, ": this dialect has no percentages.");
+    }
+    if (dialect_.limit != Dialect::Limit::Condition) return;
+    if (!sorted_.empty()) Say(DiagnosticLimitWritten, query_.top, ": the rows are counted before they are sorted.");
+    const bool joined = std::ranges::any_of(generated_.joins, [](const qbJoin& e) { return !e.JoinTables().Empty(); });
+    const bool alternatives = std::ranges::any_of(query_.rows, [](const SnapshotRow& row) {
+      return !row.column.empty() && !row.ChoosesGroups() && row.criteria.size() > 1;
+    });
+    if (alternatives && !joined) {
+      Say(DiagnosticLimitWritten, query_.top, ": the limit holds for the last of the alternative criteria only.");
+    }
+  }
+
+  const QuerySnapshot& query_;
+  const Dialect& dialect_;
+  const GeneratedSql& generated_;
+  const std::vector<const SnapshotRow*> sorted_;
+  std::vector<const SnapshotRow*> sortedPlaces_;  // the same, by address
+  std::vector<SQLDiagnostic> found_;
+};
+
+}  // namespace
+
+std::vector<SQLDiagnostic> Diagnose(const QuerySnapshot& query, const Dialect& dialect, const GeneratedSql& generated) {
+  return Diagnosis(query, dialect, generated).Run();
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,101 @@
+// The join list: the tables of FROM in their order, each with the conditions that join it to those before it.
+//
+// Private to the generator, which builds it anew for each statement; the SQL pane keeps the last one.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <list>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "base/keyed_list.h"
+#include "base/variant.h"
+
+namespace zrqrybld {
+
+/// The kind of a join as a table's entry in FROM sees it.
+enum JoinTypeEnum : std::uint8_t {
+  JoinInner = 0,
+  JoinAllOfThis = 1,     ///< all rows of the table that the entry adds
+  JoinAllOfEarlier = 2,  ///< all rows of the tables before it
+  JoinAllOfBoth = 3,
+};
+
+/// One condition; the left table is the one whose entry holds it. Tables are named by their captions.
+struct qbJoinTable {
+  std::string LeftTable;
+  std::string LeftField;
+  std::string RightTable;
+  std::string RightField;
+  JoinTypeEnum JoinType = JoinInner;
+};
+
+/// The conditions of one table, in the order of adding.
+class qbJoinTables {
+ public:
+  /// Adds an inner condition, or returns the one with the same four names: no condition is written twice.
+  qbJoinTable& Add(std::string leftTable, std::string leftField, std::string rightTable, std::string rightField);
+  void Clear() { items_.Clear(); }
+  std::int32_t Count() const { return static_cast<std::int32_t>(items_.Count()); }
+  /// The condition at a position from 1, or under its key "[table].[field] = [table].[field]". Error 9 when there is
+  /// none.
+  const qbJoinTable& Item(const Variant& index) const;
+  /// Removes a condition by position or key. Error 9 when there is none.
+  void Remove(const Variant& index);
+
+  /// Whether there is no condition.
+  bool Empty() const { return items_.Empty(); }
+  /// The condition at a position that exists, from 1.
+  const qbJoinTable& At(std::size_t position) const { return *items_.At(position); }
+
+ private:
+  KeyedList<qbJoinTable> items_;
+};
+
+/// One table of FROM.
+class qbJoin {
+ public:
+  explicit qbJoin(std::string caption) : caption_(std::move(caption)) {}
+  /// The table's caption, by which the list finds the entry.
+  const std::string& Caption() const { return caption_; }
+  const qbJoinTables& JoinTables() const { return conditions_; }
+  qbJoinTables& JoinTables() { return conditions_; }
+
+ private:
+  std::string caption_;
+  qbJoinTables conditions_;
+};
+
+/// The tables in the order of FROM. Adding, moving and finding by caption take constant time.
+class qbJoins {
+ public:
+  qbJoins() = default;
+  qbJoins(qbJoins&&) = default;
+  qbJoins& operator=(qbJoins&&) = default;
+
+  /// The entry of a table, made when there is none: at the end, or beside the entry with the given caption. An entry
+  /// that is there moves to that place. Error 9 when no entry has the caption given.
+  qbJoin& Add(const std::string& caption, std::string_view before = {}, std::string_view after = {});
+  void Clear();
+  std::int32_t Count() const { return static_cast<std::int32_t>(items_.size()); }
+  /// The entry at a position from 1 (found by counting) or of a caption, exactly. Error 9 when there is none.
+  qbJoin& Item(const Variant& index) { return *Require(index); }
+  /// Removes an entry by position or caption. Error 9 when there is none.
+  void Remove(const Variant& index);
+
+  /// The entries in the order of FROM.
+  auto begin() const { return items_.begin(); }
+  /// Behind the last entry.
+  auto end() const { return items_.end(); }
+
+ private:
+  using Place = std::list<qbJoin>::iterator;
+  Place Require(const Variant& index);
+
+  std::list<qbJoin> items_;
+  std::unordered_map<std::string_view, Place> places_;  // by the captions that the entries hold
+};
+
+}  // namespace zrqrybld

@@ -1,0 +1,31 @@
+#include "sql/query_snapshot.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "base/text.h"
+
+namespace zrqrybld {
+
+bool SnapshotRow::ChoosesGroups() const {
+  return !groupBy.empty() && !EqualsNoCase(groupBy, "GROUP BY") && !EqualsNoCase(groupBy, "WHERE");
+}
+
+std::vector<const SnapshotRow*> SortedRows(const QuerySnapshot& query) {
+  std::vector<std::pair<double, const SnapshotRow*>> numbered;
+  for (const SnapshotRow& row : query.rows) {
+    if (row.sortOrder.empty()) continue;
+    const std::optional<double> number = ParseNumber(row.sortOrder);
+    if (number && *number >= 0.5) numbered.emplace_back(std::nearbyint(*number), &row);
+  }
+  std::ranges::stable_sort(numbered, {}, &std::pair<double, const SnapshotRow*>::first);
+  std::vector<const SnapshotRow*> rows;
+  for (std::size_t i = 0; i < numbered.size(); ++i) {
+    const bool replaced = i + 1 < numbered.size() && numbered[i + 1].first == numbered[i].first;
+    if (!replaced) rows.push_back(numbered[i].second);
+  }
+  return rows;
+}
+
+}  // namespace zrqrybld
