@@ -1,0 +1,96 @@
+// The SQL pane in a whole designer: what of grid and options reaches the statement, remarks, keys, stored options.
+#include "tests/hub/hub_fixture.h"
+
+namespace zrqrybld {
+namespace {
+
+class SqlPane : public test::HubTest {
+ protected:
+  void SetUp() override {
+    Use();
+    hub->AddTable("Orders");
+    sql->SetSQLSyntax(SQLSyntaxMSSQL);
+    sql->AttachTextArea(&area);
+  }
+  void TearDown() override { sql->AttachTextArea(nullptr); }
+
+  HeadlessTextArea area;
+};
+
+TEST_F(SqlPane, CriteriaAreWrittenByTheColumnsTypeAndTheOptions) {
+  Tick("Orders", "Total");
+  Item("Orders", "Total")->Properties()->Set("data_type", 133);
+  Item("Orders", "Total")->Properties()->Set("is_long", true);
+  hub->DataTypes()->Clear();
+  hub->DataTypes()->Add("short", 133, "<", ">");
+  hub->DataTypes()->Add("long", 133, "{", "}")->IsLong = true;
+  grid->SetDateFormat("yyyy.mm.dd");
+  Set(1, "criteria", "31 Jan 2020");
+  Set(1, "or3", "like a");
+  sql->SetLikeOperator("ILIKE");
+  sql->Refresh();
+  EXPECT_EQ(Sql(), "SELECT Orders.TotalFROM OrdersWHERE ((Orders.Total = {2020.01.31})) OR ((Orders.Total ILIKE 'a'))");
+  // A condition in one statement is not one in the pane's.
+  EXPECT_NE(sql->AddWhereClause("x = 1").find(" OR \r\n\tx = 1"), std::string::npos);
+  EXPECT_EQ(Sql().find("x = 1"), std::string::npos);
+}
+
+TEST_F(SqlPane, RemarksFollowTheStatement) {
+  Tick("Orders", "Total");
+  EXPECT_TRUE(area.Remarks().empty());
+  hub->AddTable("Customers");
+  ASSERT_EQ(sql->Diagnostics().size(), 1u);
+  EXPECT_EQ(sql->Diagnostics()[0].kind, DiagnosticTableNotJoined);
+  EXPECT_EQ(area.Remarks(), std::vector<std::string>{sql->Diagnostics()[0].text});
+  EXPECT_TRUE(sql->Cartesian());
+  EXPECT_EQ(sql->Joins().Count(), 2);
+  hub->RefreshAutoJoins();
+  EXPECT_TRUE(area.Remarks().empty());
+}
+
+TEST_F(SqlPane, KeysComeToTheApplicationBeforeTheText) {
+  std::string heard;
+  const auto down = sql->KeyDown.Connect([&](std::int32_t& key, std::int32_t shift) {
+    heard += "down " + std::to_string(key) + "/" + std::to_string(shift) + " ";
+    key = 0;
+  });
+  const auto up = sql->KeyUp.Connect([&](std::int32_t&, std::int32_t) { heard += "up "; });
+  const auto press = sql->KeyPress.Connect([&](char32_t& character) { character = U'x'; });
+  std::int32_t key = KeyCodeDelete;
+  area.KeyDown.Raise(key, ShiftCtrl);
+  EXPECT_EQ(key, 0);
+  area.KeyUp.Raise(key, 0);
+  char32_t typed = U'y';
+  area.KeyPress.Raise(typed);
+  EXPECT_EQ(typed, U'x');
+  EXPECT_EQ(heard, "down 46/2 up ");
+}
+
+TEST_F(SqlPane, OptionsAreMarkedStoredAndReadBack) {
+  std::string marked;
+  const auto link = sql->PropertyChanged.Connect([&](std::string_view key) { marked += std::string(key) + " "; });
+  MemoryPropertyStore store;
+  qbSQLPane::Create()->WriteProperties(store);
+  EXPECT_TRUE(store.Values().empty());
+  sql->SetSQLSyntax(SQLSyntaxOracle);
+  sql->SetLocked(true);
+  sql->SetLikeOperator("REGEXP");
+  EXPECT_EQ(marked, "SQLSyntax Locked LikeOperator ");
+  sql->WriteProperties(store);
+  const Ref<qbSQLPane> other = qbSQLPane::Create();
+  other->ReadProperties(store);
+  other->AttachTextArea(&area);
+  EXPECT_TRUE(other->SQLSyntax() == SQLSyntaxOracle && other->Locked() && area.IsReadOnly());
+  EXPECT_EQ(other->LikeOperator(), "REGEXP");
+  other->SetSQLStatement("a\r\nb");  // locked for the user only
+  EXPECT_EQ(area.Text(), "a\r\nb");
+  store.Write("SQLSyntax", 99);
+  store.Write("Locked", Variant("no"));
+  store.Write("LikeOperator", " ");
+  other->ReadProperties(store);
+  EXPECT_TRUE(other->SQLSyntax() == SQLSyntaxGeneric && !other->Locked() && other->LikeOperator() == "LIKE");
+  other->AttachTextArea(nullptr);
+}
+
+}  // namespace
+}  // namespace zrqrybld
