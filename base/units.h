@@ -68,6 +68,7 @@ struct Rect {
 
   constexpr L Right() const { return left + width; }
   constexpr L Bottom() const { return top + height; }
+  constexpr Point<L> TopLeft() const { return {left, top}; }
   constexpr L CenterX() const { return left + width / 2; }
   constexpr L CenterY() const { return top + height / 2; }
   constexpr bool Empty() const { return width <= L() || height <= L(); }

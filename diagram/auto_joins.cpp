@@ -1,10 +1,11 @@
 #include "diagram/auto_joins.h"
 
+#include <algorithm>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
-#include "base/error.h"
 #include "base/text.h"
 #include "diagram/relationships.h"
 #include "diagram/source_names.h"
@@ -19,28 +20,28 @@ struct Candidate {
   std::int32_t position;
 };
 
+SourceTableName TableOf(const qbEntity& entity, const NameRules& rules) {
+  const std::vector<Identifier> name = SourceName(entity, rules);
+  return {name.size() > 1 ? name[name.size() - 2].Name() : std::string(), name.back().Name()};
+}
+
 // The entities of the diagram by the table they show.
 class EntitiesByTable {
  public:
   EntitiesByTable(const std::vector<Candidate>& candidates, const NameRules& rules) {
     for (const Candidate& candidate : candidates) {
-      const std::vector<Identifier> name = SourceName(*candidate.entity, rules);
-      const std::string schema = name.size() > 1 ? name[name.size() - 2].Name() : std::string();
-      byTable_[Key(schema, name.back().Name())].push_back(candidate);
+      byTable_[FoldedName(TableOf(*candidate.entity, rules))].push_back(candidate);
     }
   }
 
   // In the order of the diagram.
-  const std::vector<Candidate>& Find(std::string_view schema, std::string_view table) const {
+  const std::vector<Candidate>& Find(const SourceTableName& table) const {
     static const std::vector<Candidate> kNone;
-    const auto found = byTable_.find(Key(schema, table));
+    const auto found = byTable_.find(FoldedName(table));
     return found == byTable_.end() ? kNone : found->second;
   }
 
  private:
-  static std::string Key(std::string_view schema, std::string_view table) {
-    return FoldCase(schema) + '\n' + FoldCase(table);
-  }
   std::unordered_map<std::string, std::vector<Candidate>> byTable_;
 };
 
@@ -61,20 +62,15 @@ void Join(QueryContext& context, const Ref<qbEntity>& child, const Ref<qbEntity>
 // An entity that a listener has removed has no items left to join.
 void JoinToParents(const Ref<QueryContext>& context, const NameRules& rules, const EntitiesByTable& byTable,
                    const Candidate& child) {
-  const std::vector<Identifier> name = SourceName(*child.entity, rules);
-  if (name.back().Empty()) return;  // to a source that means any table
-  SchemaRestrictions table;
-  table.table = name.back().Name();
-  if (name.size() > 1) table.schema = name[name.size() - 2].Name();
-  const auto rows = context->Connection()->OpenSchema(SchemaKind::ForeignKeys, table);
-  for (; !rows->Eof(); rows->MoveNext()) {
-    const std::string parentSchema = rows->Text("PK_TABLE_SCHEMA");
-    const std::string parentTable = rows->Text("PK_TABLE_NAME");
-    const bool referencesItself = EqualsNoCase(parentTable, rows->Text("FK_TABLE_NAME")) &&
-                                  EqualsNoCase(parentSchema, rows->Text("FK_TABLE_SCHEMA"));
-    for (const Candidate& parent : byTable.Find(parentSchema, parentTable)) {
+  const SourceTableName table = TableOf(*child.entity, rules);
+  if (table.table.empty()) return;  // to a source that means any table
+  // A copy: a listener may connect to another source, which forgets the answers.
+  const std::vector<ForeignKeyPair> pairs = context->ForeignKeys().Of(*context->Connection(), table);
+  for (const ForeignKeyPair& pair : pairs) {
+    const bool referencesItself = FoldedName(pair.parent) == FoldedName(pair.child);
+    for (const Candidate& parent : byTable.Find(pair.parent)) {
       if (referencesItself && parent.position <= child.position) continue;
-      Join(*context, child.entity, parent.entity, rows->Text("FK_COLUMN_NAME"), rows->Text("PK_COLUMN_NAME"));
+      Join(*context, child.entity, parent.entity, pair.childColumn, pair.parentColumn);
     }
   }
 }
@@ -89,11 +85,27 @@ void RefreshRelationships(const Ref<QueryContext>& context) {
   std::vector<Candidate> candidates;
   for (std::int32_t i = 1; i <= entities->Count(); ++i) candidates.push_back({entities->Item(i), i});
   const EntitiesByTable byTable(candidates, rules);
-  try {
-    for (const Candidate& child : candidates) JoinToParents(context, rules, byTable, child);
-  } catch (const Error& error) {
-    if (error.Number() != ErrorSchemaNotSupported) throw;
+  for (const Candidate& child : candidates) JoinToParents(context, rules, byTable, child);
+}
+
+std::vector<std::string> RelatedTables(QueryContext& context, const qbEntity& entity) {
+  const Ref<qbEntities> entities = context.Entities();
+  if (!entities || !context.IsConnected()) return {};
+  const NameRules rules = CurrentNameRules(context);
+  const SourceTableName table = TableOf(entity, rules);
+  if (table.table.empty()) return {};
+  std::vector<SourceTableName> related;
+  Connection& connection = *context.Connection();
+  for (const ForeignKeyPair& pair : context.ForeignKeys().Of(connection, table)) related.push_back(pair.parent);
+  for (const ForeignKeyPair& pair : context.ForeignKeys().To(connection, table)) related.push_back(pair.child);
+  std::unordered_set<std::string> known;
+  for (std::int32_t i = 1; i <= entities->Count(); ++i) known.insert(FoldedName(TableOf(*entities->Item(i), rules)));
+  std::vector<std::string> names;
+  for (const SourceTableName& one : related) {
+    if (known.insert(FoldedName(one)).second) names.push_back(QualifiedText(one.schema, one.table, rules));
   }
+  std::ranges::sort(names);
+  return names;
 }
 
 }  // namespace zrqrybld

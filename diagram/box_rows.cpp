@@ -34,12 +34,19 @@ void BoxRow::SetForeColor(Color color) {
 }
 
 void BoxRow::SetSmallIcon(Variant icon) {
+  if (list_ && list_->images_ && !icon.IsBlank() && !list_->images_->Item(icon)) return;
   smallIcon_ = std::move(icon);
+  if (list_ && !smallIcon_.IsBlank()) list_->haveIcons_ = true;
   Changed();
+}
+
+Ref<Image> BoxRow::Picture() const {
+  return list_ && list_->images_ && !smallIcon_.IsBlank() ? list_->images_->Item(smallIcon_) : nullptr;
 }
 
 void BoxRow::SetKind(TypeKind kind) {
   kind_ = kind;
+  if (list_ && kind != TypeKind::None) list_->haveIcons_ = true;
   Changed();
 }
 

@@ -13,6 +13,7 @@
 #include "base/object.h"
 #include "base/units.h"
 #include "base/variant.h"
+#include "platform/image.h"
 
 namespace zrqrybld {
 
@@ -40,8 +41,11 @@ class BoxRow final : public Object {
   /// The text's colour; system colour 8 (window text) at first.
   Color ForeColor() const { return foreColor_; }
   void SetForeColor(Color color);
+  /// An index or key into the list's pictures. One that they do not have is ignored; without pictures it is kept.
   const Variant& SmallIcon() const { return smallIcon_; }
   void SetSmallIcon(Variant icon);
+  /// The picture that `SmallIcon` names, or nothing.
+  Ref<Image> Picture() const;
   /// What the column holds; shown as a small icon.
   TypeKind Kind() const { return kind_; }
   void SetKind(TypeKind kind);
@@ -84,6 +88,12 @@ class BoxRows {
     return row ? *row : nullptr;
   }
 
+  /// The pictures that the rows' `SmallIcon` values name; nothing at first.
+  const Ref<ImageList>& Images() const { return images_; }
+  void SetImages(Ref<ImageList> images) { images_ = std::move(images); }
+  /// Whether some row has shown an icon: all rows keep room for one then.
+  bool HaveIcons() const { return haveIcons_; }
+
   /// The rows look different now.
   std::function<void()> onChanged;
   /// Rows were removed; those behind them stand elsewhere now.
@@ -96,6 +106,8 @@ class BoxRows {
   void Detach();
 
   KeyedList<Ref<BoxRow>> rows_;
+  Ref<ImageList> images_;
+  bool haveIcons_ = false;
 };
 
 }  // namespace zrqrybld

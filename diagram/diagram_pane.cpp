@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <utility>
 
 #include "base/scoped_value.h"
 #include "base/text.h"
@@ -61,6 +62,7 @@ Ref<qbEntityList> qbDiagramPane::LoadBox() {
   const auto box = std::make_shared<qbEntityList>(CurrentBoxMetrics());
   box->SetColors({entityForeColor_, entityFrameColor_});
   box->SetBackColor(entityBackColor_);
+  box->SetImages(itemsImageList_);
   TwipsRect bounds = box->Bounds();
   const TwipsPoint place = PlaceFor(*box);
   bounds.left = place.x;
@@ -97,6 +99,8 @@ void qbDiagramPane::UnloadBox(const Ref<qbEntityList>& box) {
   // A gesture may hold this box as its own or as its target.
   EndGesture();
   if (hover_.box == box) hover_ = {};
+  if (keyJoin_ && keyJoin_->box == box) keyJoin_.reset();
+  std::erase_if(alsoSelected_, [](const Ref<qbEntity>& entity) { return !entity->EntityBox(); });
   rowMarksStale_ = true;
   std::erase_if(boxes_, [&](const LoadedBox& loaded) { return loaded.box == box; });
   if (const auto facts = facts_.find(box.get()); facts != facts_.end()) {
@@ -231,7 +235,10 @@ bool qbDiagramPane::IsInDiagram(const Ref<Object>& object) {
 }
 
 void qbDiagramPane::SelectObject(const Ref<Object>& object) {
-  if (object == selected_) return;
+  if (object == selected_) {
+    if (!std::exchange(alsoSelected_, {}).empty()) Refresh();
+    return;
+  }
   DropSelection();
   // A listener has selected another object meanwhile, or removed this one.
   if ((selected_ && selected_ != leaving_) || !IsInDiagram(object)) return;
@@ -248,6 +255,7 @@ void qbDiagramPane::SelectObject(const Ref<Object>& object) {
 // A listener that is told of the end may itself end it, by removing the object or by selecting another.
 void qbDiagramPane::DropSelection() {
   if (!selected_ || selected_ == leaving_) return;
+  alsoSelected_.clear();
   const Ref<Object> object = selected_;
   const ScopedValue leaving(leaving_, object);
   rowMarksStale_ = true;
@@ -257,6 +265,54 @@ void qbDiagramPane::DropSelection() {
   Refresh();
   ObjectDeactivate.Raise(object);
   if (selected_ == object) selected_ = nullptr;
+}
+
+bool qbDiagramPane::IsSelected(const Ref<Object>& object) const {
+  return object && (object == selected_ || std::ranges::find(alsoSelected_, object) != alsoSelected_.end());
+}
+
+std::vector<Ref<qbEntity>> qbDiagramPane::SelectedEntities() const {
+  std::vector<Ref<qbEntity>> entities;
+  if (const Ref<qbEntity> first = SelectedEntity()) entities.push_back(first);
+  entities.insert(entities.end(), alsoSelected_.begin(), alsoSelected_.end());
+  return entities;
+}
+
+// The first of the group becomes the selected object; listeners hear of that one.
+void qbDiagramPane::SelectGroup(std::vector<Ref<qbEntity>> group) {
+  if (group.empty()) return DropSelection();
+  const Ref<qbEntity> first = group.front();
+  SelectObject(first);
+  if (selected_ != first) return;  // a listener has decided otherwise
+  group.erase(group.begin());
+  std::erase_if(group, [](const Ref<qbEntity>& entity) { return !entity->EntityBox(); });
+  alsoSelected_ = std::move(group);
+  Refresh();
+}
+
+void qbDiagramPane::SelectAlso(const Ref<qbEntity>& entity) {
+  std::vector<Ref<qbEntity>> group = SelectedEntities();
+  std::erase(group, entity);
+  group.insert(group.begin(), entity);
+  SelectGroup(std::move(group));
+}
+
+void qbDiagramPane::ToggleSelected(const Ref<qbEntity>& entity) {
+  if (!IsSelected(entity)) return SelectAlso(entity);
+  std::vector<Ref<qbEntity>> group = SelectedEntities();
+  std::erase(group, entity);
+  SelectGroup(std::move(group));
+}
+
+void qbDiagramPane::SelectAll() {
+  std::vector<Ref<qbEntity>> group = {SelectedEntity()};
+  for (std::int32_t i = 1; i <= entities_->Count(); ++i) group.push_back(entities_->Item(i));
+  if (!group.front()) {
+    group.erase(group.begin());
+  } else {
+    group.erase(std::find(group.begin() + 1, group.end(), group.front()));
+  }
+  SelectGroup(std::move(group));
 }
 
 void qbDiagramPane::RaiseToTop(const Ref<qbEntityList>& box) {
@@ -279,6 +335,12 @@ void qbDiagramPane::ApplyAppearance() {
     loaded.box->SetBackColor(entityBackColor_);
     loaded.box->SetMetrics(metrics);
   }
+  Refresh();
+}
+
+void qbDiagramPane::SetItemsImageList(Ref<ImageList> images) {
+  itemsImageList_ = std::move(images);
+  for (const LoadedBox& loaded : boxes_) loaded.box->SetImages(itemsImageList_);
   Refresh();
 }
 

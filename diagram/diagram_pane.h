@@ -6,10 +6,12 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -21,12 +23,16 @@
 #include "diagram/join_line.h"
 #include "host/query_context.h"
 #include "platform/control.h"
+#include "platform/image.h"
 #include "platform/property_store.h"
 
 namespace zrqrybld {
 
 /// The surface begins this far inside the pane, so that no box sticks to the edge of the window.
 inline constexpr Pixels kSurfaceMargin = 12_px;
+
+/// What `OLEDragOver` says a drag is doing.
+enum DragOverStateEnum : std::int32_t { DragEnter = 0, DragLeave = 1, DragOver = 2 };
 
 /// Whether a pane takes drops from outside.
 enum OLEDropModeEnum : std::int32_t { OLEDropNone = 0, OLEDropManual = 1 };
@@ -71,11 +77,12 @@ class qbDiagramPane final : public Control, private DiagramView {
   /// A key that types something on the pane: its Unicode character, which a handler may change.
   Event<char32_t&> KeyPress;
   /// Texts are dragged over the surface, or dropped on it, while `OLEDropMode` is Manual: the text, the effect (which a
-  /// handler may set to 0 to refuse), `MouseButton` and `ShiftMask` bits, the place in pixels.
-  Event<const std::string&, std::int32_t&, std::int32_t, std::int32_t, float, float> OLEDragOver;
+  /// handler may set to 0 to refuse), `MouseButton` and `ShiftMask` bits, the place in pixels; for a drag over the
+  /// surface also a `DragOverStateEnum`.
+  Event<const std::string&, std::int32_t&, std::int32_t, std::int32_t, float, float, std::int32_t> OLEDragOver;
   Event<const std::string&, std::int32_t&, std::int32_t, std::int32_t, float, float> OLEDragDrop;
-  /// A context menu is about to be shown for an entity, a relationship or, with nothing, the surface. A handler may add
-  /// and remove entries; an empty menu is not shown.
+  /// A context menu is about to be shown for an entity, one of its items (the entity is then the `SelectedObject`), a
+  /// relationship or, with nothing, the surface. A handler may add and remove entries; an empty menu is not shown.
   Event<const Ref<Object>&, Menu&> BeforeContextMenu;
 
   // --- Properties and methods, in interface order ---
@@ -88,6 +95,10 @@ class qbDiagramPane final : public Control, private DiagramView {
 
   /// The tables of the diagram.
   const Ref<qbEntities>& Entities() const { return entities_; }
+
+  /// The pictures that the items' `SmallIcon` values name; nothing at first.
+  const Ref<ImageList>& ItemsImageList() const { return itemsImageList_; }
+  void SetItemsImageList(Ref<ImageList> images);
 
   /// Repaints the pane.
   void Refresh() { GetSurface().InvalidateAll(); }
@@ -146,6 +157,14 @@ class qbDiagramPane final : public Control, private DiagramView {
   PixelSize PictureSize() const;
   /// Draws the whole diagram at 100 % with its top left corner at (0, 0).
   void PaintPicture(Canvas& canvas) const;
+  /// Writes the whole diagram as a picture: as SVG when the path (in UTF-8) ends with ".svg" in any letter case,
+  /// without any window; otherwise as PNG. Error 75 when it cannot be written.
+  void SavePicture(const std::string& path) const;
+  /// Lets the user choose where to save the picture; a failure is a message. Nothing happens while the pane is not
+  /// linked.
+  void AskToSavePicture();
+  /// Puts a picture of the whole diagram on the clipboard. Returns whether there is one.
+  bool CopyPicture() const;
 
   /// Minimises or restores an entity's box.
   void SetMinimized(const qbEntity& entity, bool minimized);
@@ -154,6 +173,17 @@ class qbDiagramPane final : public Control, private DiagramView {
   /// diagram, drops the selection.
   void SelectObject(const Ref<Object>& object);
   void DropSelection() override;
+  /// Selects all entities; the `SelectedObject` stays when it is one of them, otherwise the first becomes it.
+  void SelectAll();
+  /// All entities that are selected, the `SelectedObject` first: the user moves and deletes them together. None while a
+  /// relationship is selected.
+  std::vector<Ref<qbEntity>> SelectedEntities() const;
+
+  /// Begins a join at the current column of the selected entity, by keyboard: the user goes to a column of another box
+  /// and presses Enter. Returns whether there is a column where a join may begin.
+  bool BeginKeyJoin();
+  /// Lets the user give the entity another caption. Nothing happens while the pane is not linked.
+  void AskForAlias(const Ref<qbEntity>& entity);
 
   // --- For the hub ---
 
@@ -171,6 +201,7 @@ class qbDiagramPane final : public Control, private DiagramView {
   void OnDoubleClick(const MouseEvent& event) override;
   void OnMouseLeave() override;
   bool OnDragOver(const std::string& text, const MouseEvent& event) override;
+  void OnDragLeave() override;
   void OnDrop(const std::string& text, const MouseEvent& event) override;
   void OnTick() override;
   void OnWheel(const WheelEvent& event) override;
@@ -191,6 +222,7 @@ class qbDiagramPane final : public Control, private DiagramView {
     PixelPoint grip;   // from the box's corner to the pointer, on the surface
     PixelPoint start;  // the pointer at first
     TwipsRect before;
+    std::vector<std::pair<Ref<qbEntityList>, TwipsRect>> others;  // which move along, and where they stood
     PixelPoint pointer;
     bool moving = false;
   };
@@ -218,7 +250,18 @@ class qbDiagramPane final : public Control, private DiagramView {
     int horizontal;
     int vertical;
   };
-  using Gesture = std::variant<NoGesture, MovingBox, ResizingBox, DraggingRow, ScrollingList, Panning>;
+  struct Framing {
+    PixelPoint start;  // on the surface
+    PixelPoint pointer;
+    bool framing = false;
+  };
+  using Gesture = std::variant<NoGesture, MovingBox, ResizingBox, DraggingRow, ScrollingList, Panning, Framing>;
+
+  // Where a join begins that is drawn by keyboard.
+  struct KeyJoin {
+    Ref<qbEntityList> box;
+    Ref<BoxRow> row;
+  };
 
   // What the pane keeps for each box: its links live as long as the box is loaded.
   struct LoadedBox {
@@ -281,18 +324,25 @@ class qbDiagramPane final : public Control, private DiagramView {
 
   void PaintDiagram(Canvas& canvas, const PixelRect& visible, bool withState) const;
   void PaintRubberLine(Canvas& canvas) const;
+  void PaintKeyJoin(Canvas& canvas) const;
+  void PaintHint(Canvas& canvas, const std::string& text) const;
   void UpdateRowMarks() const;
 
   void PressBox(const PaneHit& hit, const MouseEvent& event);
   void PressRow(const PaneHit& hit, const MouseEvent& event, const Ref<qbEntity>& entity);
+  void PressCaption(const PaneHit& hit, const MouseEvent& event);
   void Drag(MovingBox& gesture, const MouseEvent& event);
   void Drag(ResizingBox& gesture, const MouseEvent& event);
   void Drag(DraggingRow& gesture, const MouseEvent& event);
   void Drag(ScrollingList& gesture, const MouseEvent& event);
   void Drag(Panning& gesture, const MouseEvent& event);
+  void Drag(Framing& gesture, const MouseEvent& event);
   void Drag(NoGesture&, const MouseEvent&) {}
   void Drop(const MovingBox& gesture, const MouseEvent& event);
   void Drop(const DraggingRow& gesture);
+  void Drop(const Framing& gesture);
+  Cursor CursorWhileMoving(const MovingBox& gesture, PixelPoint at) const;
+  static PixelRect Frame(const Framing& gesture, PixelPoint corner);
   PixelSize SmallestBox() const;
   void BeginGesture(Gesture gesture, std::int32_t button);
   void EndGesture();
@@ -313,17 +363,28 @@ class qbDiagramPane final : public Control, private DiagramView {
   bool ToggleCurrentRow();
   bool SelectNext(int direction);
   bool EnterSelected();
+  bool EndKeyJoin();
+  bool IsKeyJoinTarget() const;
+  bool RequestTables();
   bool TypeAhead(std::string_view text);
   bool DeleteSelected();
+  bool IsSelected(const Ref<Object>& object) const;
+  void SelectAlso(const Ref<qbEntity>& entity);
+  void ToggleSelected(const Ref<qbEntity>& entity);
+  void SelectGroup(std::vector<Ref<qbEntity>> group);
   Ref<qbEntity> SelectedEntity() const { return std::dynamic_pointer_cast<qbEntity>(selected_); }
   Ref<qbRelationship> SelectedJoin() const { return std::dynamic_pointer_cast<qbRelationship>(selected_); }
 
-  void ShowContextMenu(const Ref<Object>& object, PixelPoint at);
+  void ShowContextMenu(const Ref<Object>& object, std::size_t row, PixelPoint at);
   PixelPoint MenuPlaceOfSelection() const;
   Menu MenuForSurface();
   Menu MenuForBox(const Ref<qbEntity>& entity);
   Menu MenuForJoin(const Ref<qbRelationship>& join);
+  Menu MenuForColumn(const Ref<qbEntity>& entity, const Ref<qbEntityItem>& item);
+  MenuEntry RelatedTo(const Ref<qbEntity>& entity);
+  MenuEntry KindsOf(const Ref<qbRelationship>& join);
   void CheckAll(const Ref<qbEntity>& entity, bool checked, bool onlyKeys);
+  void ReverseJoin(const Ref<qbRelationship>& join);
 
   WeakRef<QueryContext> context_;
   Ref<qbEntities> entities_;
@@ -334,6 +395,10 @@ class qbDiagramPane final : public Control, private DiagramView {
   std::multiset<double> rights_;  // how far each box reaches, in twips: the last is how far the diagram does
   std::multiset<double> bottoms_;
   Ref<Object> selected_;
+  std::vector<Ref<qbEntity>> alsoSelected_;  // besides `selected_`, which is an entity then
+  std::optional<KeyJoin> keyJoin_;
+  std::optional<std::string> draggedOver_;  // the text of a drag from outside that is over the pane
+  PixelPoint dragPlace_{};
   Ref<Object> leaving_;  // the object whose listeners are being told that it is not selected any more
   Gesture gesture_;
   std::int32_t gestureButton_ = ButtonNone;  // the button that holds it; others neither end nor replace it
@@ -360,6 +425,7 @@ class qbDiagramPane final : public Control, private DiagramView {
   Color backColor_ = Color::System(12);
   Font entityFont_;
   Font entityCaptionFont_;
+  Ref<ImageList> itemsImageList_;
 };
 
 }  // namespace zrqrybld

@@ -12,6 +12,7 @@ namespace {
 constexpr std::int32_t kKeyPlus = 107;
 constexpr std::int32_t kKeyMinus = 109;
 constexpr std::int32_t kKeyMenu = 93;
+constexpr std::int32_t kKeyF7 = 118;
 constexpr std::int32_t kKeyF10 = 121;
 constexpr double kZoomKeyStep = 1.25;
 constexpr auto kTypeAheadPause = std::chrono::seconds(1);
@@ -34,11 +35,18 @@ bool qbDiagramPane::OnKeyDown(const KeyEvent& event) {
   }
   if (IsArrow(keyCode) && event.shift == ShiftAlt) return MoveSelectedBox(keyCode);
   if (IsArrow(keyCode) && event.shift == (ShiftCtrl | ShiftShift)) return ResizeSelectedBox(keyCode);
+  if (keyCode == KeyCodeSpace && event.shift == ShiftShift) {
+    const Ref<qbEntity> entity = SelectedEntity();
+    if (entity) entity->EntityBox()->SetMinimized(!entity->EntityBox()->Minimized());
+    return entity != nullptr;
+  }
   if (keyCode == KeyCodeTab && (event.shift == ShiftNone || event.shift == ShiftShift)) {
     return SelectNext(event.shift == ShiftShift ? -1 : 1);
   }
   if ((keyCode == kKeyF10 && event.shift == ShiftShift) || (keyCode == kKeyMenu && event.shift == ShiftNone)) {
-    ShowContextMenu(selected_, MenuPlaceOfSelection());
+    const Ref<qbEntity> entity = SelectedEntity();
+    const std::size_t row = entity ? entity->EntityBox()->SelectedRow() : 0;
+    ShowContextMenu(selected_, row != 0 && entity->EntityBox()->IsRowVisible(row) ? row : 0, MenuPlaceOfSelection());
     return true;
   }
   if ((event.shift & ShiftCtrl) != 0) return OnControlKey(keyCode, event);
@@ -79,8 +87,14 @@ bool qbDiagramPane::OnPlainKey(std::int32_t keyCode) {
       return EnterSelected();
     case KeyCodeDelete:
       return DeleteSelected();
+    case KeyCodeInsert:
+    case kKeyF7:
+      return RequestTables();
+    case KeyCodeF2:
+      if (entity) AskForAlias(entity);
+      return entity != nullptr;
     case KeyCodeEscape:
-      if (CancelGesture()) return true;
+      if (CancelGesture() || EndKeyJoin()) return true;
       if (!selected_) return false;
       DropSelection();
       return true;
@@ -100,11 +114,28 @@ bool qbDiagramPane::OnControlKey(std::int32_t keyCode, const KeyEvent& event) {
     SetZoom(zoom_ / kZoomKeyStep, middle);
     return true;
   }
-  if (keyCode == '0') {
-    SetZoom(1, middle);
-    return true;
+  if (event.shift != ShiftCtrl) return false;
+  switch (keyCode) {
+    case '0':
+      SetZoom(1, middle);
+      return true;
+    case 'A':
+      SelectAll();
+      return true;
+    case 'C':
+      return CopyPicture();
+    case 'J':
+      return keyJoin_ ? EnterSelected() : BeginKeyJoin();
+    default:
+      return false;
   }
-  return false;
+}
+
+bool qbDiagramPane::RequestTables() {
+  const Ref<QueryContext> context = Context();
+  if (!context || !context->IsConnected()) return false;
+  context->RequestTables();
+  return true;
 }
 
 void qbDiagramPane::OnKeyUp(const KeyEvent& event) {
@@ -129,17 +160,23 @@ void qbDiagramPane::OnFocusChanged(bool focused) {
 bool qbDiagramPane::MoveSelectedBox(std::int32_t keyCode) {
   const Ref<qbEntity> entity = SelectedEntity();
   if (!entity) return false;
-  const StepScope step(Context(), "Move table");
+  const StepScope step(Context(), "Move tables");
   const ScreenScale scale = GetSurface().Scale();
-  TwipsRect bounds = entity->EntityBox()->Bounds();
-  const Twips stepX = scale.TwipsX(Pixels(horizontal_.step));
-  const Twips stepY = scale.TwipsY(Pixels(vertical_.step));
-  if (keyCode == KeyCodeLeft) bounds.left = std::max(bounds.left - stepX, Twips{});
-  if (keyCode == KeyCodeRight) bounds.left += stepX;
-  if (keyCode == KeyCodeUp) bounds.top = std::max(bounds.top - stepY, Twips{});
-  if (keyCode == KeyCodeDown) bounds.top += stepY;
-  entity->EntityBox()->SetBounds(bounds);
-  ScrollIntoView(scale.ToPixels(bounds));
+  TwipsPoint by;
+  if (keyCode == KeyCodeLeft) by.x = -scale.TwipsX(Pixels(horizontal_.step));
+  if (keyCode == KeyCodeRight) by.x = scale.TwipsX(Pixels(horizontal_.step));
+  if (keyCode == KeyCodeUp) by.y = -scale.TwipsY(Pixels(vertical_.step));
+  if (keyCode == KeyCodeDown) by.y = scale.TwipsY(Pixels(vertical_.step));
+  const std::vector<Ref<qbEntity>> group = SelectedEntities();
+  for (const Ref<qbEntity>& one : group) {
+    const TwipsRect& bounds = one->EntityBox()->Bounds();
+    by = {std::max(by.x, std::min(-bounds.left, Twips{})), std::max(by.y, std::min(-bounds.top, Twips{}))};
+  }
+  for (const Ref<qbEntity>& one : group) {
+    const TwipsRect& bounds = one->EntityBox()->Bounds();
+    one->EntityBox()->SetBounds(bounds.Moved(by.x, by.y));
+  }
+  ScrollIntoView(scale.ToPixels(entity->EntityBox()->Bounds()));
   return true;
 }
 
@@ -220,6 +257,14 @@ bool qbDiagramPane::SelectNext(int direction) {
 
 // Into a box: its first row becomes current. A join shows its properties.
 bool qbDiagramPane::EnterSelected() {
+  if (keyJoin_) {
+    if (!IsKeyJoinTarget()) return true;
+    const Ref<qbEntity> source = EntityOf(*keyJoin_->box);
+    const std::size_t row = keyJoin_->box->PositionOf(keyJoin_->row);
+    EndKeyJoin();
+    if (source && row != 0) AddJoin(source, row, SelectedEntity(), SelectedEntity()->EntityBox()->SelectedRow(), true);
+    return true;
+  }
   if (const Ref<qbRelationship> join = SelectedJoin()) {
     const Ref<QueryContext> context = Context();
     if (context) context->RelationshipActivated(join);
@@ -227,6 +272,32 @@ bool qbDiagramPane::EnterSelected() {
   }
   const Ref<qbEntity> entity = SelectedEntity();
   return entity && entity->EntityBox()->SelectedRow() == 0 && GoToRow(1);
+}
+
+// --- A join by keyboard ---
+
+bool qbDiagramPane::BeginKeyJoin() {
+  const Ref<qbEntity> entity = SelectedEntity();
+  const Ref<BoxRow> row = entity ? entity->EntityBox()->Rows().At(entity->EntityBox()->SelectedRow()) : nullptr;
+  if (!row || row->Text() == "*") return false;
+  keyJoin_ = KeyJoin{entity->EntityBox(), row};
+  Refresh();
+  return true;
+}
+
+// Returns whether there was one.
+bool qbDiagramPane::EndKeyJoin() {
+  if (!keyJoin_) return false;
+  keyJoin_.reset();
+  Refresh();
+  return true;
+}
+
+bool qbDiagramPane::IsKeyJoinTarget() const {
+  const Ref<qbEntity> target = SelectedEntity();
+  if (!target || target->EntityBox() == keyJoin_->box) return false;
+  const Ref<BoxRow> row = target->EntityBox()->Rows().At(target->EntityBox()->SelectedRow());
+  return row && row->Text() != "*";
 }
 
 // What is typed within a second is one word.
@@ -246,18 +317,24 @@ bool qbDiagramPane::TypeAhead(std::string_view text) {
   return true;
 }
 
+// Listeners are asked about each; what they keep stays selected when it is the selected object.
 bool qbDiagramPane::DeleteSelected() {
-  const Ref<Object> object = selected_;
-  if (!object) return false;
-  bool cancel = false;
-  BeforeDeleteObject.Raise(object, cancel);
-  if (cancel) return true;
-  DropSelection();
-  if (const auto entity = std::dynamic_pointer_cast<qbEntity>(object)) {
-    if (entity->EntityBox()) entities_->Remove(entity->Index());
-  } else if (const auto join = std::dynamic_pointer_cast<qbRelationship>(object)) {
-    const StepScope step(Context(), "Delete join");
-    if (const Ref<qbEntity> source = join->Source()) source->Relationships()->Remove(join->Index());
+  if (!selected_) return false;
+  std::vector<Ref<Object>> objects{selected_};
+  objects.insert(objects.end(), alsoSelected_.begin(), alsoSelected_.end());
+  std::erase_if(objects, [this](const Ref<Object>& object) {
+    bool cancel = false;
+    BeforeDeleteObject.Raise(object, cancel);
+    return cancel;
+  });
+  const StepScope step(Context(), "Delete");
+  for (const Ref<Object>& object : objects) {
+    if (object == selected_) DropSelection();
+    if (const auto entity = std::dynamic_pointer_cast<qbEntity>(object)) {
+      if (entity->EntityBox()) entities_->Remove(entity->Index());
+    } else if (const auto join = std::dynamic_pointer_cast<qbRelationship>(object)) {
+      if (const Ref<qbEntity> source = join->Source()) source->Relationships()->Remove(join->Index());
+    }
   }
   return true;
 }

@@ -1,10 +1,13 @@
 // The pane's context menus. A host application may change each before it is shown.
 #include <algorithm>
 
+#include "base/error.h"
 #include "base/text.h"
+#include "diagram/auto_joins.h"
 #include "diagram/diagram_pane.h"
 #include "diagram/join_properties.h"
 #include "diagram/relationships.h"
+#include "diagram/table_picker.h"
 
 namespace zrqrybld {
 namespace {
@@ -29,18 +32,26 @@ PixelPoint qbDiagramPane::MenuPlaceOfSelection() const {
           std::clamp(place.top, 0_px, std::max(view.height, 0_px))};
 }
 
-void qbDiagramPane::ShowContextMenu(const Ref<Object>& object, PixelPoint at) {
-  SelectObject(object);
-  if (object && selected_ != object) return;  // a listener has removed it or selected another
+// `row` is the box's row that is meant, 0 for the whole box.
+void qbDiagramPane::ShowContextMenu(const Ref<Object>& object, std::size_t row, PixelPoint at) {
+  if (!IsSelected(object)) SelectObject(object);  // a group stays selected
+  if (object && !IsSelected(object)) return;      // a listener has removed it or selected another
+  Ref<Object> shown = object;
   Menu menu;
   if (const auto entity = std::dynamic_pointer_cast<qbEntity>(object)) {
-    menu = MenuForBox(entity);
+    if (const Ref<qbEntityItem> item = entity->Items()->Item(static_cast<std::int32_t>(row))) {
+      entity->EntityBox()->SetSelectedRow(row);
+      shown = item;
+      menu = MenuForColumn(entity, item);
+    } else {
+      menu = MenuForBox(entity);
+    }
   } else if (const auto join = std::dynamic_pointer_cast<qbRelationship>(object)) {
     menu = MenuForJoin(join);
   } else {
     menu = MenuForSurface();
   }
-  BeforeContextMenu.Raise(object, menu);
+  BeforeContextMenu.Raise(shown, menu);
   if (!menu.empty()) GetSurface().ShowMenu(menu, at);
 }
 
@@ -48,32 +59,101 @@ Menu qbDiagramPane::MenuForSurface() {
   const Ref<QueryContext> context = Context();
   const bool any = entities_->Count() > 0;
   return {
-      {"&Add Tables...", "F7", [context] { context->RequestTables(); }, context && context->IsConnected()},
+      {"&Add Tables...", "F7", [this] { RequestTables(); }, context && context->IsConnected()},
       MenuEntry::Separator(),
       {"A&rrange", "", [this] { Arrange(); }, any},
       {"&Fit to Window", "", [this] { ZoomToFit(); }, any},
       {"&100 %", "Ctrl+0", [this] { SetZoom(1, {}); }, zoom_ != 1},
+      MenuEntry::Separator(),
+      {"&Select All", "Ctrl+A", [this] { SelectAll(); }, any},
+      {"&Copy Picture", "Ctrl+C", [this] { CopyPicture(); }, any},
+      {"Sa&ve Picture...", "", [this] { AskToSavePicture(); }, any && context},
   };
 }
 
 Menu qbDiagramPane::MenuForBox(const Ref<qbEntity>& entity) {
   const Ref<qbEntityList> box = entity->EntityBox();
   const bool minimized = box->Minimized();
+  const bool several = !alsoSelected_.empty();
   return {
+      {"A&lias...", "F2", [this, entity] { AskForAlias(entity); }, Context() != nullptr},
+      MenuEntry::Separator(),
       {"Tick &All Columns", "", [this, entity] { CheckAll(entity, true, false); }},
       {"Tick &Key Columns", "", [this, entity] { CheckAll(entity, true, true); }},
       {"&Untick All Columns", "", [this, entity] { CheckAll(entity, false, false); }},
       MenuEntry::Separator(),
-      {minimized ? "R&estore" : "&Minimise", "", [box, minimized] { box->SetMinimized(!minimized); }},
+      RelatedTo(entity),
+      MenuEntry::Separator(),
+      {minimized ? "R&estore" : "&Minimise", "Shift+Space", [box, minimized] { box->SetMinimized(!minimized); }},
       {"&Fit to Columns", "", [this, box] { FitBox(box); }, !minimized},
       MenuEntry::Separator(),
-      {"&Remove", "Del", [this] { DeleteSelected(); }},
+      {several ? "&Remove Selected Tables" : "&Remove", "Del", [this] { DeleteSelected(); }},
   };
 }
 
-Menu qbDiagramPane::MenuForJoin(const Ref<qbRelationship>& join) {
-  const Ref<qbEntity> source = join->Source();
-  const Ref<qbEntity> target = join->Target();
+// The tables that the source's foreign keys link to this one, each with its joins.
+MenuEntry qbDiagramPane::RelatedTo(const Ref<qbEntity>& entity) {
+  constexpr std::size_t kMost = 30;
+  MenuEntry related{"Add Re&lated Tables", ""};
+  const Ref<QueryContext> context = Context();
+  std::vector<std::string> names;
+  try {
+    if (context) names = RelatedTables(*context, *entity);
+  } catch (const Error&) {
+    // A source that cannot tell leaves the rest of the menu as it is.
+  }
+  for (std::size_t i = 0; i < std::min(names.size(), kMost); ++i) {
+    related.entries.push_back(
+        {InMenu(names[i]), "", [context, name = names[i]] { TablePicker(context).AddTables({name}); }});
+  }
+  if (names.size() > 1) {
+    related.entries.push_back(MenuEntry::Separator());
+    related.entries.push_back({"&All of Them", "", [context, names] { TablePicker(context).AddTables(names); }});
+  }
+  related.enabled = !names.empty();
+  return related;
+}
+
+// What the grid can be told of a column; the box's own menu stands below.
+Menu qbDiagramPane::MenuForColumn(const Ref<qbEntity>& entity, const Ref<qbEntityItem>& item) {
+  const Ref<QueryContext> context = Context();
+  const std::string table = entity->Caption();
+  const std::string column = item->Text();
+  const std::optional<ColumnUse> use = context ? context->UseOfColumn(table, column) : std::nullopt;
+  const bool all = column == "*";
+  MenuEntry sort{"&Sort", "", {}, use && !all};
+  for (const auto& [text, type] :
+       {std::pair{"&Ascending", "Ascending"}, {"&Descending", "Descending"}, {"&Unsorted", ""}}) {
+    sort.entries.push_back({text, "", [=] { context->SortByColumn(table, column, type); }, true,
+                            use && EqualsNoCase(use->sortType, type)});
+  }
+  MenuEntry group{"&Group or Aggregate", "", {}, use.has_value()};
+  for (std::int32_t i = 1; use && i <= context->DBFunctions()->Count(); ++i) {
+    const Ref<qbDBFunction> function = context->DBFunctions()->Item(i);
+    if ((function->Flags() & 1) == 0) continue;
+    group.entries.push_back({InMenu(function->DisplayText()), "",
+                             [=, name = function->Name()] { context->GroupColumn(table, column, name); }, true,
+                             EqualsNoCase(use->groupBy, function->DisplayText())});
+  }
+  return {
+      {"&Output", "Space",
+       [entity, column] {
+         const Ref<qbEntityItem> now = entity->Items()->FindByText(column, true);
+         if (now) now->SetChecked(!now->Checked());
+       },
+       true, item->Checked()},
+      std::move(sort),
+      std::move(group),
+      {"Add &Criterion", "", [=] { context->GoToCriterion(table, column); }, use && !all},
+      MenuEntry::Separator(),
+      {"&Join from Here", "Ctrl+J", [this] { BeginKeyJoin(); }, !all},
+      MenuEntry::Separator(),
+      {"&Table", "", {}, true, false, MenuForBox(entity)},
+  };
+}
+
+// Only the kinds that the dialect can write, and the one that the join has.
+MenuEntry qbDiagramPane::KindsOf(const Ref<qbRelationship>& join) {
   const Ref<QueryContext> context = Context();
   const auto kind = [&](std::int32_t value, const std::string& text) {
     return MenuEntry{text, "",
@@ -85,15 +165,60 @@ Menu qbDiagramPane::MenuForJoin(const Ref<qbRelationship>& join) {
                      },
                      true, join->Kind() == value};
   };
+  MenuEntry kinds{"&Kind", ""};
+  kinds.entries = {kind(0, "&Matching Rows Only"),
+                   kind(JoinAllOfSource, "All Rows from &" + InMenu(join->Source()->Caption())),
+                   kind(JoinAllOfTarget, "All Rows from &" + InMenu(join->Target()->Caption()))};
+  const bool hasFull = !context || context->HasFullJoin();
+  MenuEntry full = kind(JoinAllOfSource | JoinAllOfTarget, "All Rows from &Both");
+  full.enabled = hasFull;
+  if (hasFull || full.checked) kinds.entries.push_back(std::move(full));
+  return kinds;
+}
+
+Menu qbDiagramPane::MenuForJoin(const Ref<qbRelationship>& join) {
+  const Ref<QueryContext> context = Context();
   return {
-      kind(0, "&Matching Rows Only"),
-      kind(JoinAllOfSource, "All Rows from &" + InMenu(source->Caption())),
-      kind(JoinAllOfTarget, "All Rows from &" + InMenu(target->Caption())),
-      kind(JoinAllOfSource | JoinAllOfTarget, "All Rows from &Both"),
+      KindsOf(join),
+      {"&Properties...", "Enter", [context, join] { context->RelationshipActivated(join); },
+       context && context->CanEditJoins()},
+      {"&Reverse", "", [this, join] { ReverseJoin(join); }},
       MenuEntry::Separator(),
-      {"&Properties...", "Enter", [context, join] { context->RelationshipActivated(join); }, context != nullptr},
       {"&Delete", "Del", [this] { DeleteSelected(); }},
   };
+}
+
+// The join begins at the other end from now on. It returns the same rows; each end keeps its mark and its picture.
+void qbDiagramPane::ReverseJoin(const Ref<qbRelationship>& join) {
+  const Ref<qbEntity> source = join->Source();
+  const Ref<qbEntity> target = join->Target();
+  if (!source || !target) return;
+  const Ref<QueryContext> context = Context();
+  const StepScope step(context, "Reverse join");
+  const std::int32_t kind = join->Kind();
+  source->Relationships()->Remove(join->Index());
+  if (!source->EntityBox() || !target->EntityBox()) return;  // a listener has removed one
+  const Ref<qbRelationship> reversed = target->Relationships()->Add(source);
+  reversed->SetLeftPicture(join->RightPicture());
+  reversed->SetRightPicture(join->LeftPicture());
+  reversed->SetSourceItemIndex(join->TargetItemIndex());
+  reversed->SetTargetItemIndex(join->SourceItemIndex());
+  SetJoinKind(*reversed, ((kind & JoinAllOfSource) != 0 ? JoinAllOfTarget : 0) |
+                             ((kind & JoinAllOfTarget) != 0 ? JoinAllOfSource : 0));
+  SelectObject(reversed);
+}
+
+void qbDiagramPane::AskForAlias(const Ref<qbEntity>& entity) {
+  const Ref<QueryContext> context = Context();
+  if (!context || !entity->EntityBox()) return;
+  TextDialog dialog{"Alias", "&Name of the table in this query:", entity->Caption()};
+  dialog.problem = [this, entity](const std::string& text) -> std::string {
+    if (text.find_first_not_of(' ') == std::string::npos) return "A table needs a name.";
+    const Ref<qbEntity> other = entities_->Item(text);
+    return other && other != entity ? "Another table of this query has this name." : "";
+  };
+  const std::optional<std::string> name = context->GetToolkit().GetDialogs().ShowTextPrompt(dialog);
+  if (name && entity->EntityBox() && dialog.problem(*name).empty()) entity->SetCaption(*name);
 }
 
 void qbDiagramPane::CheckAll(const Ref<qbEntity>& entity, bool checked, bool onlyKeys) {

@@ -59,6 +59,7 @@ void qbDiagramPane::OnMouseDown(const MouseEvent& event) {
     if (event.button != gestureButton_) return;
     EndGesture();  // its release went elsewhere
   }
+  EndKeyJoin();
   if (event.button == ButtonMiddle || (event.button == ButtonLeft && spaceHeld_)) {
     spaceWasUsed_ = true;
     BeginGesture(Panning{event.position, horizontal_.value, vertical_.value}, event.button);
@@ -70,31 +71,38 @@ void qbDiagramPane::OnMouseDown(const MouseEvent& event) {
   } else if (hit.line) {
     SelectObject(hit.line->Relationship());
   } else {
-    DropSelection();
+    if ((event.shift & ShiftCtrl) == 0) DropSelection();
     MouseDown.Raise(event.button, event.shift, X(event), Y(event));
-    if (event.button == ButtonLeft) Click.Raise();
+    if (event.button != ButtonLeft) return;
+    // The mouse is captured only when it has moved: a listener may have opened a window.
+    gesture_ = Framing{ToSurface(event.position), event.position};
+    gestureButton_ = event.button;
+    Click.Raise();
   }
 }
 
 void qbDiagramPane::PressBox(const PaneHit& hit, const MouseEvent& event) {
   const Ref<qbEntity> entity = EntityOf(*hit.box);
   if (!entity) return;
+  const bool toggles = event.button == ButtonLeft && (event.shift & ShiftCtrl) != 0;
   RaiseToTop(hit.box);
-  SelectObject(entity);
+  if (toggles) {
+    ToggleSelected(entity);
+  } else if (IsSelected(entity)) {
+    SelectAlso(entity);  // the others stay, so that all of them can be moved
+  } else {
+    SelectObject(entity);
+  }
   ObjectMouseDown.Raise(event.button, event.shift, X(event), Y(event), entity);
   if (!hit.box->Entity()) return;  // a handler has removed it
   EntityClick.Raise(entity);
-  if (!hit.box->Entity() || event.button != ButtonLeft) return;
+  if (!hit.box->Entity() || event.button != ButtonLeft || toggles) return;
   const PixelPoint onSurface = ToSurface(event.position);
   const ScreenScale scale = GetSurface().Scale();
   switch (hit.part.part) {
-    case BoxPart::Caption: {
-      const PixelRect place = scale.ToPixels(hit.box->Bounds());
-      BeginGesture(MovingBox{hit.box, onSurface - PixelPoint{place.left, place.top}, event.position, hit.box->Bounds(),
-                             event.position, false},
-                   event.button);
+    case BoxPart::Caption:
+      PressCaption(hit, event);
       return;
-    }
     case BoxPart::Edge:
       BeginGesture(ResizingBox{hit.box, hit.part.edges, onSurface, hit.box->Bounds()}, event.button);
       return;
@@ -111,6 +119,22 @@ void qbDiagramPane::PressBox(const PaneHit& hit, const MouseEvent& event) {
     case BoxPart::Nothing:
       return;
   }
+}
+
+void qbDiagramPane::PressCaption(const PaneHit& hit, const MouseEvent& event) {
+  const PixelRect place = GetSurface().Scale().ToPixels(hit.box->Bounds());
+  MovingBox gesture{hit.box,
+                    ToSurface(event.position) - PixelPoint{place.left, place.top},
+                    event.position,
+                    hit.box->Bounds(),
+                    {},
+                    event.position,
+                    false};
+  for (const Ref<qbEntity>& entity : SelectedEntities()) {
+    const Ref<qbEntityList>& box = entity->EntityBox();
+    if (box != hit.box) gesture.others.emplace_back(box, box->Bounds());
+  }
+  BeginGesture(std::move(gesture), event.button);
 }
 
 void qbDiagramPane::PressRow(const PaneHit& hit, const MouseEvent& event, const Ref<qbEntity>& entity) {
@@ -144,7 +168,11 @@ void qbDiagramPane::EndGesture() {
 // What the gesture has changed so far is taken back. Returns whether there was one.
 bool qbDiagramPane::CancelGesture() {
   if (std::holds_alternative<NoGesture>(gesture_)) return false;
-  if (const auto* moving = std::get_if<MovingBox>(&gesture_)) moving->box->SetBounds(moving->before);
+  if (const auto* moving = std::get_if<MovingBox>(&gesture_)) {
+    const MovingBox taken = *moving;
+    taken.box->SetBounds(taken.before);
+    for (const auto& [box, before] : taken.others) box->SetBounds(before);
+  }
   if (const auto* resizing = std::get_if<ResizingBox>(&gesture_)) resizing->box->SetBounds(resizing->before);
   EndGesture();
   return true;
@@ -173,22 +201,29 @@ void qbDiagramPane::Drag(MovingBox& gesture, const MouseEvent& event) {
   gesture.moving = true;
   gesture.pointer = event.position;
   GetSurface().SetTicking(true);
-  const PixelPoint corner = ToSurface(event.position) - gesture.grip;
-  const TwipsPoint place = GetSurface().Scale().ToTwips(PixelPoint{std::max(corner.x, 0_px), std::max(corner.y, 0_px)});
-  TwipsRect bounds = gesture.box->Bounds();
-  bounds.left = place.x;
-  bounds.top = place.y;
-  const Ref<qbEntityList> box = gesture.box;
-  const std::size_t row = box->SelectedRow();
-  // Over another box the drop would draw a join, where there is a row for it to end at.
-  const TwipsPoint at = GetSurface().Scale().ToTwips(ToSurface(event.position));
+  GetSurface().SetCursor(CursorWhileMoving(gesture, event.position));
+  const TwipsPoint corner = GetSurface().Scale().ToTwips(ToSurface(event.position) - gesture.grip);
+  TwipsPoint by = corner - TwipsPoint{gesture.before.left, gesture.before.top};
+  // The group keeps its shape and stays on the surface.
+  by = {std::max(by.x, -gesture.before.left), std::max(by.y, -gesture.before.top)};
+  for (const auto& [box, before] : gesture.others) by = {std::max(by.x, -before.left), std::max(by.y, -before.top)};
+  std::vector<std::pair<Ref<qbEntityList>, TwipsRect>> boxes = gesture.others;
+  boxes.emplace_back(gesture.box, gesture.before);
+  for (const auto& [box, before] : boxes) {
+    const TwipsRect now = box->Bounds();
+    box->SetBounds({before.left + by.x, before.top + by.y, now.width, now.height});
+  }
+}
+
+// Over another box the drop would draw a join, where there is a row for it to end at. A group is only moved.
+Cursor qbDiagramPane::CursorWhileMoving(const MovingBox& gesture, PixelPoint pointer) const {
+  if (gesture.box->SelectedRow() == 0 || !gesture.others.empty()) return Cursor::Move;
+  const TwipsPoint at = GetSurface().Scale().ToTwips(ToSurface(pointer));
   const auto under = std::ranges::find_if(stacking_.rbegin(), stacking_.rend(), [&](const auto& other) {
-    return other != box && other->Bounds().Contains(at);
+    return other != gesture.box && other->Bounds().Contains(at);
   });
-  const bool overBox = under != stacking_.rend() && row != 0;
-  const bool overRow = overBox && (*under)->HitTest(at).row != 0;
-  GetSurface().SetCursor(overRow ? Cursor::Join : overBox ? Cursor::NoDrop : Cursor::Move);
-  box->SetBounds(bounds);
+  if (under == stacking_.rend()) return Cursor::Move;
+  return (*under)->HitTest(at).row != 0 ? Cursor::Join : Cursor::NoDrop;
 }
 
 // What a user can make of a box: its caption can be read, and one row be seen.
@@ -266,6 +301,37 @@ void qbDiagramPane::Drag(Panning& gesture, const MouseEvent& event) {
   UpdateScrollBars();
 }
 
+// The frame selects the boxes that it touches; where it began is a place of the surface, whatever is scrolled
+// meanwhile.
+void qbDiagramPane::Drag(Framing& gesture, const MouseEvent& event) {
+  if ((event.button & gestureButton_) == 0) return EndGesture();  // its release went elsewhere
+  gesture.pointer = event.position;
+  if (!gesture.framing && IsFar(event.position, ToPane({gesture.start.x, gesture.start.y, {}, {}}).TopLeft())) {
+    gesture.framing = true;
+    GetSurface().SetCapture(true);
+    GetSurface().SetTicking(true);
+  }
+  if (gesture.framing) Refresh();
+  MouseMove.Raise(event.button, event.shift, X(event), Y(event));
+}
+
+PixelRect qbDiagramPane::Frame(const Framing& gesture, PixelPoint corner) {
+  const auto [left, right] = std::minmax(gesture.start.x, corner.x);
+  const auto [top, bottom] = std::minmax(gesture.start.y, corner.y);
+  return {left, top, right - left, bottom - top};
+}
+
+void qbDiagramPane::Drop(const Framing& gesture) {
+  if (!gesture.framing) return;
+  const TwipsRect frame = GetSurface().Scale().ToTwips(Frame(gesture, ToSurface(gesture.pointer)));
+  std::vector<Ref<qbEntity>> group = SelectedEntities();
+  for (const LoadedBox& loaded : boxes_) {
+    const Ref<qbEntity> entity = EntityOf(*loaded.box);
+    if (entity && loaded.box->Bounds().Overlaps(frame) && !IsSelected(entity)) group.push_back(entity);
+  }
+  SelectGroup(std::move(group));
+}
+
 void qbDiagramPane::ScrollNearEdges(PixelPoint at) {
   const PixelSize view = GetSurface().ViewSize();
   if (at.x < kAutoScrollZone) ScrollBy(Orientation::Horizontal, -kAutoScrollStep);
@@ -280,6 +346,10 @@ void qbDiagramPane::OnTick() {
     const PixelPoint at = moving->pointer;
     ScrollNearEdges(at);
     Drag(*moving, {gestureButton_, ShiftNone, at});  // the box stays under the pointer
+    return;
+  }
+  if (const auto* frame = std::get_if<Framing>(&gesture_)) {
+    ScrollNearEdges(frame->pointer);
     return;
   }
   auto* row = std::get_if<DraggingRow>(&gesture_);
@@ -307,6 +377,7 @@ void qbDiagramPane::OnMouseUp(const MouseEvent& event) {
   EndGesture();
   if (const auto* moving = std::get_if<MovingBox>(&gesture)) Drop(*moving, event);
   if (const auto* row = std::get_if<DraggingRow>(&gesture)) Drop(*row);
+  if (const auto* frame = std::get_if<Framing>(&gesture)) Drop(*frame);
   const PaneHit hit = HitTest(event.position);
   const Ref<Object> object = hit.box ? hit.box->Entity() : hit.line ? Ref<Object>(hit.line->Relationship()) : nullptr;
   if (hit.box) {
@@ -314,12 +385,14 @@ void qbDiagramPane::OnMouseUp(const MouseEvent& event) {
   } else if (!hit.line) {
     MouseUp.Raise(event.button, event.shift, X(event), Y(event));
   }
-  if (event.button == ButtonRight) ShowContextMenu(object, event.position);
+  if (event.button == ButtonRight) ShowContextMenu(object, hit.part.row, event.position);
 }
 
 // A box that is dropped on a row of another box draws a join from its own current row, and goes back to where it was.
 void qbDiagramPane::Drop(const MovingBox& gesture, const MouseEvent& event) {
-  if (!gesture.moving) return;
+  if (!gesture.moving && (event.shift & ShiftCtrl) == 0)
+    SelectObject(gesture.box->Entity());  // a click: this one alone
+  if (!gesture.moving || !gesture.others.empty()) return;
   const TwipsPoint at = GetSurface().Scale().ToTwips(ToSurface(event.position));
   const Ref<qbEntity> source = EntityOf(*gesture.box);
   const std::size_t sourceRow = gesture.box->SelectedRow();
@@ -361,11 +434,23 @@ void qbDiagramPane::AddJoin(const Ref<qbEntity>& source, std::size_t sourceRow, 
 bool qbDiagramPane::OnDragOver(const std::string& text, const MouseEvent& event) {
   if (oleDropMode_ != OLEDropManual) return false;
   std::int32_t effect = 1;
-  OLEDragOver.Raise(text, effect, event.button, event.shift, X(event), Y(event));
+  const DragOverStateEnum state = draggedOver_ ? DragOver : DragEnter;
+  draggedOver_ = text;
+  dragPlace_ = event.position;
+  OLEDragOver.Raise(text, effect, event.button, event.shift, X(event), Y(event), state);
   return effect != 0;
 }
 
+void qbDiagramPane::OnDragLeave() {
+  const std::optional<std::string> text = std::exchange(draggedOver_, std::nullopt);
+  if (!text || oleDropMode_ != OLEDropManual) return;
+  std::int32_t effect = 0;
+  const MouseEvent event{ButtonNone, ShiftNone, dragPlace_};
+  OLEDragOver.Raise(*text, effect, event.button, event.shift, X(event), Y(event), DragLeave);
+}
+
 void qbDiagramPane::OnDrop(const std::string& text, const MouseEvent& event) {
+  draggedOver_.reset();
   std::int32_t effect = 1;
   if (oleDropMode_ == OLEDropManual) OLEDragDrop.Raise(text, effect, event.button, event.shift, X(event), Y(event));
 }

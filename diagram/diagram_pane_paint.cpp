@@ -26,9 +26,16 @@ void qbDiagramPane::Paint(Canvas& canvas, const PixelRect& dirty) const {
     return;
   }
   const PixelPoint corner = ToSurface({dirty.left, dirty.top});
-  const ViewScope scope(canvas, Origin(), zoom_);
-  PaintDiagram(canvas, {corner.x, corner.y, dirty.width / zoom_, dirty.height / zoom_}, true);
-  PaintRubberLine(canvas);
+  {
+    const ViewScope scope(canvas, Origin(), zoom_);
+    PaintDiagram(canvas, {corner.x, corner.y, dirty.width / zoom_, dirty.height / zoom_}, true);
+    PaintRubberLine(canvas);
+    PaintKeyJoin(canvas);
+  }
+  if (keyJoin_) {
+    PaintHint(canvas, "Join " + keyJoin_->box->Caption() + "." + keyJoin_->row->Text() +
+                          ": go to a column of another table and press Enter. Esc cancels.");
+  }
 }
 
 // Everything that touches `visible`, a part of the surface; with what is selected and pointed at, or without.
@@ -45,14 +52,18 @@ void qbDiagramPane::PaintDiagram(Canvas& canvas, const PixelRect& visible, bool 
     if (!withState || !line->Selected()) paintLine(line);
   }
   const auto* drag = std::get_if<DraggingRow>(&gesture_);
+  const auto* framing = std::get_if<Framing>(&gesture_);
+  if (framing && !framing->framing) framing = nullptr;
+  const PixelRect frame = framing ? Frame(*framing, ToSurface(framing->pointer)) : PixelRect{};
   for (const Ref<qbEntityList>& box : stacking_) {
     const PixelRect place = scale.ToPixels(box->Bounds());
     if (!place.Overlaps(visible)) continue;
     BoxLook look;
     look.joined = &joinedRows_;
     if (withState) {
-      look.active = selected_ && box->Entity() == selected_;
-      look.focused = focused_;
+      const Ref<Object> entity = box->Entity();
+      look.active = IsSelected(entity) || (framing && frame.Overlaps(place));
+      look.focused = focused_ && entity == selected_;
       if (box == hover_.box) look.hover = hover_.part;
       if (drag && drag->dragging && drag->target == box) look.dropRow = box->PositionOf(drag->targetRow);
       look.marked = &markedRows_;
@@ -62,6 +73,7 @@ void qbDiagramPane::PaintDiagram(Canvas& canvas, const PixelRect& visible, bool 
   for (const Ref<qbLine>& line : lines_) {
     if (withState && line->Selected()) paintLine(line);
   }
+  if (withState && framing) canvas.StrokeRect(frame, ColorRole::Focus, 1_px);
 }
 
 // From the edge of the row that is dragged to the pointer, or to the row where the join would end.
@@ -77,6 +89,34 @@ void qbDiagramPane::PaintRubberLine(Canvas& canvas) const {
   canvas.DrawPolyline(line, drag->target ? ColorRole::JoinSelected : ColorRole::Join, 2_px);
   canvas.FillRect({pointer.x - 3_px, pointer.y - 3_px, 6_px, 6_px},
                   drag->target ? ColorRole::JoinSelected : ColorRole::Join, 3_px);
+}
+
+// From the row where the join begins to the current row of the selected box, while that may be its end.
+void qbDiagramPane::PaintKeyJoin(Canvas& canvas) const {
+  if (!keyJoin_) return;
+  const ScreenScale scale = GetSurface().Scale();
+  const PixelRect from = scale.ToPixels(keyJoin_->box->Bounds());
+  const Pixels y = keyJoin_->box->LineY(keyJoin_->box->PositionOf(keyJoin_->row));
+  canvas.StrokeRect(from.Inset(-3_px), ColorRole::JoinSelected, 1_px, 6_px);
+  if (!IsKeyJoinTarget()) return;
+  const qbEntityList& target = *SelectedEntity()->EntityBox();
+  const PixelRect to = scale.ToPixels(target.Bounds());
+  const bool toRight = to.CenterX() >= from.CenterX();
+  const std::array<PixelPoint, 2> line{PixelPoint{toRight ? from.Right() : from.left, y},
+                                       PixelPoint{toRight ? to.left : to.Right(), target.LineY(target.SelectedRow())}};
+  canvas.DrawPolyline(line, ColorRole::JoinSelected, 2_px);
+}
+
+// A line of text at the lower edge that says what the keys do now.
+void qbDiagramPane::PaintHint(Canvas& canvas, const std::string& text) const {
+  const PixelSize view = GetSurface().ViewSize();
+  const TextMetrics& metrics = GetSurface().Metrics();
+  const PixelSize size{metrics.TextWidth(text, {}) + 24_px, metrics.LineHeight({}) + 12_px};
+  const PixelRect place{12_px, view.height - size.height - 12_px, std::min(size.width, view.width - 24_px),
+                        size.height};
+  canvas.FillRect(place, ColorRole::Box, 4_px);
+  canvas.StrokeRect(place, ColorRole::BoxFrame, 1_px, 4_px);
+  canvas.DrawText(place.Inset(12_px, 0_px), text, {ColorRole::Text});
 }
 
 void qbDiagramPane::UpdateRowMarks() const {

@@ -1,8 +1,13 @@
 // The pane's view: scrolling, zoom, arranging, pictures.
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
+#include <fstream>
 #include <map>
+#include <string>
 
+#include "base/error.h"
+#include "base/text.h"
 #include "diagram/arrange.h"
 #include "diagram/diagram_pane.h"
 #include "diagram/relationships.h"
@@ -163,6 +168,35 @@ std::string qbDiagramPane::PictureSvg() const {
   SvgCanvas canvas(PictureSize());
   PaintPicture(canvas);
   return canvas.Picture();
+}
+
+void qbDiagramPane::SavePicture(const std::string& path) const {
+  if (!FoldCase(path).ends_with(".svg")) {
+    GetSurface().SavePng({PictureSize(), [this](Canvas& canvas) { PaintPicture(canvas); }}, path);
+    return;
+  }
+  std::ofstream file(std::filesystem::path(std::u8string(path.begin(), path.end())), std::ios::binary);
+  file << PictureSvg();
+  file.close();
+  if (!file) throw Error(ErrorFileNotWritten, "The picture cannot be written to " + path + ".");
+}
+
+void qbDiagramPane::AskToSavePicture() {
+  const Ref<QueryContext> context = Context();
+  if (!context) return;
+  Dialogs& dialogs = context->GetToolkit().GetDialogs();
+  const std::string path =
+      dialogs.ShowSaveFile({"Save Picture", "diagram", {{"PNG pictures", "png"}, {"SVG pictures", "svg"}}});
+  if (path.empty()) return;
+  try {
+    SavePicture(path);
+  } catch (const Error& error) {
+    dialogs.ShowMessage(error.Description(), MessageIcon::Critical);
+  }
+}
+
+bool qbDiagramPane::CopyPicture() const {
+  return GetSurface().CopyPicture({PictureSize(), [this](Canvas& canvas) { PaintPicture(canvas); }});
 }
 
 }  // namespace zrqrybld

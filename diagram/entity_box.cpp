@@ -31,10 +31,7 @@ constexpr Pixels kEdgeInside = 3_px;
 qbEntityList::qbEntityList(const BoxMetrics& metrics) : metrics_(metrics) {
   bounds_.width = metrics.scale.TwipsX(kDefaultWidth);
   bounds_.height = metrics.scale.TwipsY(kDefaultHeight);
-  rows_.onChanged = [this] {
-    hasKinds_ = hasKinds_ || (rows_.Count() > 0 && rows_.At(rows_.Count())->Kind() != TypeKind::None);
-    Changed.Raise();
-  };
+  rows_.onChanged = [this] { Changed.Raise(); };
   rows_.onRemoved = [this] {
     ScrollTo(firstRow_);  // a list that became shorter must not stay scrolled past its end
     Move.Raise();
@@ -206,7 +203,7 @@ TwipsSize qbEntityList::FittingSize(const TextMetrics& text, std::size_t maximum
   bold.bold = true;
   const Pixels button = showMinimizeButton_ ? kIcon + kIconGap : 0_px;
   Pixels width = text.TextWidth(caption_, bold) + kPadding * 2 + kIcon + kIconGap + button;
-  const Pixels textLeft = kPadding + kCheckBox + kIconGap + (hasKinds_ ? kIcon + kIconGap : 0_px);
+  const Pixels textLeft = kPadding + kCheckBox + kIconGap + (rows_.HaveIcons() ? kIcon + kIconGap : 0_px);
   const Pixels joinMark = kIcon + kIconGap;
   for (std::size_t i = 1; i <= rows_.Count(); ++i) {
     const Ref<BoxRow> row = rows_.At(i);
@@ -312,8 +309,13 @@ void qbEntityList::PaintRow(Canvas& canvas, const PixelRect& rect, const BoxRow&
   const Ink ink = selected ? Ink(ColorRole::RowSelectedText) : Ink(custom);
   canvas.DrawPart(ThemedPart::CheckBox, CheckBoxRect(rect), {.checked = row.Checked(), .hover = hover});
   Pixels left = rect.left + kPadding + kCheckBox + kIconGap;
-  if (hasKinds_) {
-    DrawTypeIcon(canvas, row.Kind(), {left, rect.CenterY() - kIcon / 2, kIcon, kIcon}, ColorRole::QuietText);
+  if (rows_.HaveIcons()) {
+    const PixelRect icon{left, rect.CenterY() - kIcon / 2, kIcon, kIcon};
+    if (const Ref<Image> picture = row.Picture()) {
+      canvas.DrawImage(icon, *picture);
+    } else {
+      DrawTypeIcon(canvas, row.Kind(), icon, ColorRole::QuietText);
+    }
     left += kIcon + kIconGap;
   }
   Pixels right = rect.Right() - kPadding - kScrollMark;

@@ -139,6 +139,8 @@ class qbEntityList final : public Object {
   /// Another font or screen.
   void SetMetrics(const BoxMetrics& metrics);
   void SetColors(const BoxColors& colors) { colors_ = colors; }
+  /// The pictures that the rows' `SmallIcon` values name.
+  void SetImages(const Ref<ImageList>& images) { rows_.SetImages(images); }
 
   /// Where a line that belongs to the row ends: the row's middle, or the caption's when it is not visible.
   Pixels LineY(std::size_t row) const;
@@ -185,7 +187,6 @@ class qbEntityList final : public Object {
   bool showMinimizeButton_ = true;
   TwipsRect bounds_;
   bool isView_ = false;
-  bool hasKinds_ = false;  // some row has shown what it holds: all rows keep room for the icon
   bool minimized_ = false;
   Twips restoredHeight_;  // while minimised
   BoxRows rows_;

@@ -43,7 +43,8 @@ class qbEntityItem final : public Object {
   zrqrybld::Color Color() const { return Row().ForeColor(); }
   void SetColor(zrqrybld::Color color) { Row().SetForeColor(color); }
 
-  /// An index or key into the pane's image list; one that it does not have shows nothing.
+  /// An index or key into the pane's `ItemsImageList`; one that it does not have is ignored. While the pane has no list
+  /// the value is kept and shows nothing.
   const Variant& SmallIcon() const { return Row().SmallIcon(); }
   void SetSmallIcon(Variant icon) { Row().SetSmallIcon(std::move(icon)); }
 

@@ -9,6 +9,11 @@ std::string Fact(const qbEntity& entity, std::string_view field) {
 
 }  // namespace
 
+std::string QualifiedText(const std::string& schema, const std::string& name, const NameRules& rules) {
+  if (schema.empty() || rules.schemaSeparator.empty()) return name;
+  return schema + rules.schemaSeparator + name;
+}
+
 std::vector<Identifier> WrittenName(const qbEntity& entity, const NameRules& rules) {
   std::string tag = entity.TagVariant().Text();
   if (tag == Fact(entity, "TABLE_NAME")) return {Identifier(std::move(tag))};

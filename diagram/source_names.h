@@ -1,6 +1,7 @@
 // What an entity's table is called in the data source.
 #pragma once
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -11,6 +12,9 @@ namespace zrqrybld {
 
 /// Properties with this prefix and a field's name hold what the source told about the table.
 inline constexpr std::string_view kSchemaFactPrefix = "_ADO_SCHEMA_";
+
+/// A table's name with the schema in front, as lists show it; the name alone where the source has no schemas.
+std::string QualifiedText(const std::string& schema, const std::string& name, const NameRules& rules);
 
 /// The parts of the name as the entity's `TagVariant` gives it. A name that the source knows whole is
 /// one part, even when it holds the schema separator.

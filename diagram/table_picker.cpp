@@ -14,11 +14,6 @@
 namespace zrqrybld {
 namespace {
 
-std::string QualifiedText(const std::string& schema, const std::string& name, const NameRules& rules) {
-  if (schema.empty() || rules.schemaSeparator.empty()) return name;
-  return schema + rules.schemaSeparator + name;
-}
-
 TypeKind KindOfType(std::int32_t code) {
   switch (static_cast<DataTypeCode>(code)) {
     case DataTypeCode::SmallInt:
@@ -215,7 +210,7 @@ void TablePicker::ShowTables() {
   dialog.views = std::move(lists.views);
   dialog.add = [this](const std::vector<std::string>& names) {
     try {
-      AddSelectedTables(names);
+      AddTables(names);
     } catch (const Error& error) {
       context_->GetToolkit().GetDialogs().ShowMessage(error.Description(), MessageIcon::Critical);
     }
@@ -223,7 +218,7 @@ void TablePicker::ShowTables() {
   context_->GetToolkit().GetDialogs().ShowTables(dialog);
 }
 
-void TablePicker::AddSelectedTables(const std::vector<std::string>& names) {
+void TablePicker::AddTables(const std::vector<std::string>& names) {
   context_->RunOperation("Add tables", InfoAddTables, [&] {
     context_->RaiseInfo(InfoAddTables, static_cast<std::int32_t>(names.size()));
     for (const std::string& name : names) AddTable(name);

@@ -30,6 +30,10 @@ class TablePicker {
   /// linked; error 40004 when the source fails.
   Ref<qbEntity> AddTable(const std::string& tableName);
 
+  /// Adds several tables and draws the joins that the source's foreign keys name. Errors as above; the tables before
+  /// the one that failed stay.
+  void AddTables(const std::vector<std::string>& names);
+
   /// Whether the source has a table or view with this name. Errors are the source's own.
   bool HasTable(const std::string& tableName);
 
@@ -51,7 +55,6 @@ class TablePicker {
   FoundTable FindTable(const std::string& tableName);
   void AddColumns(qbEntity& entity, const SchemaRestrictions& table);
   void MarkPrimaryKeys(qbEntity& entity, const SchemaRestrictions& table);
-  void AddSelectedTables(const std::vector<std::string>& names);
 
   Ref<QueryContext> context_;
 };

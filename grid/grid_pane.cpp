@@ -175,6 +175,18 @@ std::int16_t qbGridPane::NextSortOrder(std::int32_t row) const {
   return next;
 }
 
+void qbGridPane::SortRow(std::int32_t row, const std::string& type) {
+  const Ref<zrGridRow> item = grdPane_->Rows()->Item(row);
+  const StepScope step(context_.lock(), "Sort");
+  item->SetValue("sort_type", type);
+  if (type.empty()) {
+    item->SetValue("sort_order", "");
+    CloseSortGaps();
+  } else if (SortOrderOf(*item) == 0) {
+    item->SetValue("sort_order", std::to_string(NextSortOrder(row)));
+  }
+}
+
 void qbGridPane::CloseSortGaps() {
   std::vector<std::int32_t> orders;
   for (std::int32_t i = 1; i <= RowCount(); ++i) orders.push_back(SortOrderOf(RowAt(i)));

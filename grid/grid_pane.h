@@ -98,6 +98,9 @@ class qbGridPane final : public Object {
   void ApplyAliasMaxLen();
   /// 1 + the number of sorted rows other than `row` (0 for none).
   std::int16_t NextSortOrder(std::int32_t row = 0) const;
+  /// Sorts by a row ("Ascending", "Descending") behind those that are sorted already, or no more (""). Error 9 when
+  /// there is no such row.
+  void SortRow(std::int32_t row, const std::string& type);
   /// Refills the list of tables.
   void RefreshTableList();
   /// A table has left the diagram: its rows go with it.

@@ -33,6 +33,7 @@ void ForgetEarlierSource(QueryContext& context) {
   properties.Add(std::int16_t{0}, "_QBDSFLAGS");
   context.DataTypes()->Clear();
   context.SourceTables().clear();
+  context.ForeignKeys().Clear();
   context.SetSourceWords({});
 }
 

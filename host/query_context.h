@@ -10,6 +10,7 @@
 #include <exception>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -20,6 +21,7 @@
 #include "base/variant.h"
 #include "host/catalogs.h"
 #include "host/data_types.h"
+#include "host/foreign_keys.h"
 #include "host/language.h"
 #include "host/properties.h"
 #include "platform/database.h"
@@ -52,6 +54,12 @@ enum QueryBuilderInfoEnum : std::int32_t {
 enum FieldOrderEnum : std::int32_t {
   FieldOrderDefault = 0,  ///< as the provider returns them
   FieldOrderOrdinal = 1,  ///< by their ordinal position
+};
+
+/// What the grid says about a column of the diagram.
+struct ColumnUse {
+  std::string sortType;  ///< the text of its "sort_type" cell
+  std::string groupBy;   ///< the text of its "group_by" cell
 };
 
 /// A table of the data source with its columns, as far as they were read on connecting.
@@ -106,6 +114,18 @@ class QueryContext : public Object {
   /// The designed query as it is now.
   virtual QuerySnapshot Snapshot() const = 0;
 
+  /// What the grid says about a column; empty texts when it has no row there, nothing when no grid is linked.
+  virtual std::optional<ColumnUse> UseOfColumn(const std::string& entityCaption, const std::string& column) const = 0;
+  /// Sorts by the column ("Ascending" or "Descending"), or no more (""). The column gets a row where it has none.
+  virtual void SortByColumn(const std::string& entityCaption, const std::string& column, const std::string& type) = 0;
+  /// Groups by the column or aggregates it: one of the grouping choices by name. The query groups from then on.
+  virtual void GroupColumn(const std::string& entityCaption, const std::string& column, const std::string& choice) = 0;
+  /// Takes the user to the cell where the column's criterion is typed.
+  virtual void GoToCriterion(const std::string& entityCaption, const std::string& column) = 0;
+
+  /// Whether the properties of a join may be shown.
+  virtual bool CanEditJoins() const = 0;
+
   // --- State, progress, steps ---
 
   /// What the designer is busy with; `InfoDone` when idle.
@@ -149,6 +169,8 @@ class QueryContext : public Object {
 
   /// The tables that were read on connecting; empty when they were not asked for.
   std::vector<SourceTable>& SourceTables() { return sourceTables_; }
+  /// What the source has told about its foreign keys since it was connected.
+  zrqrybld::ForeignKeys& ForeignKeys() { return foreignKeys_; }
   /// Replaces the words that the source itself reserves.
   void SetSourceWords(const std::vector<std::string>& words);
 
@@ -159,7 +181,10 @@ class QueryContext : public Object {
   virtual void RefreshStatement() = 0;
 
   LanguageTable& Language() { return language_; }
-  void StoreConnection(Ref<zrqrybld::Connection> connection) { connection_ = std::move(connection); }
+  void StoreConnection(Ref<zrqrybld::Connection> connection) {
+    connection_ = std::move(connection);
+    foreignKeys_.Clear();
+  }
 
  private:
   std::shared_ptr<Toolkit> toolkit_;
@@ -172,6 +197,7 @@ class QueryContext : public Object {
   Ref<StringCollection> quotedIdentifiers_ = std::make_shared<StringCollection>();
   LanguageTable language_;
   std::vector<SourceTable> sourceTables_;
+  zrqrybld::ForeignKeys foreignKeys_;
   std::unordered_set<std::string> sourceWords_;  // case-folded
   // Made anew when a catalog has changed: every generated statement asks for them.
   mutable std::shared_ptr<const std::unordered_set<std::string>> reservedWords_;

@@ -158,6 +158,11 @@ class qbQueryBuilder final : public QueryContext {
   bool HasFullJoin() const override;
   std::string DateFormat() const override;
   QuerySnapshot Snapshot() const override;
+  std::optional<ColumnUse> UseOfColumn(const std::string& entityCaption, const std::string& column) const override;
+  void SortByColumn(const std::string& entityCaption, const std::string& column, const std::string& type) override;
+  void GroupColumn(const std::string& entityCaption, const std::string& column, const std::string& choice) override;
+  void GoToCriterion(const std::string& entityCaption, const std::string& column) override;
+  bool CanEditJoins() const override { return allowJoinProperties_; }
 
   void ItemChecked(const std::string& entityCaption, const std::string& itemText, bool checked) override;
   void EntityRemoved(const std::string& caption) override;
@@ -172,6 +177,8 @@ class qbQueryBuilder final : public QueryContext {
 
  private:
   explicit qbQueryBuilder(std::shared_ptr<Toolkit> toolkit) : QueryContext(std::move(toolkit)) {}
+  std::int32_t RowOfColumn(const std::string& entityCaption, const std::string& column) const;
+  std::int32_t MakeRowOfColumn(const std::string& entityCaption, const std::string& column, bool output);
   std::string TryConnection(const std::string& connectionString) const;
 
   template <class T>

@@ -114,6 +114,10 @@ class Connection : public Object {
   /// The words that the source itself reserves, in any letter case and order; none when it does not tell. Names
   /// equal to one of them need quotes. Error 3704 when closed.
   virtual std::vector<std::string> Keywords() { return {}; }
+
+  /// Whether the rows of this schema for the whole source come by one question, so that one for each table would only
+  /// take longer.
+  virtual bool KnowsWholeSource(SchemaKind) const { return false; }
 };
 
 }  // namespace zrqrybld

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -53,6 +54,28 @@ struct ConnectionDialog {
   std::function<std::string(const std::string& connectionString)> test;
 };
 
+/// A kind of file: what it is called, and how its names end, without the dot.
+struct FileKind {
+  std::string name;
+  std::string extension;
+};
+
+/// Where to save a file.
+struct SaveFileDialog {
+  std::string caption;
+  std::string fileName;         ///< suggested, without an extension
+  std::vector<FileKind> kinds;  ///< the first one is suggested
+};
+
+/// A line of text to be typed.
+struct TextDialog {
+  std::string caption;
+  std::string label;  ///< an ampersand marks the access key
+  std::string text;   ///< at first
+  /// Why a text cannot be taken, "" when it can. Without it every text can.
+  std::function<std::string(const std::string& text)> problem = {};
+};
+
 /// The windows that stop the user until they are answered.
 class Dialogs {
  public:
@@ -73,6 +96,13 @@ class Dialogs {
 
   /// Lets the user build a connection string. "" when cancelled.
   virtual std::string ShowConnectionPrompt(const ConnectionDialog& dialog) = 0;
+
+  /// Asks where to save a file. Returns its path in UTF-8, with the extension of the kind that was chosen when the user
+  /// has typed none; "" when cancelled. Whether a file may be replaced has been asked.
+  virtual std::string ShowSaveFile(const SaveFileDialog& dialog) = 0;
+
+  /// Lets the user type a text that has no problem. None when cancelled.
+  virtual std::optional<std::string> ShowTextPrompt(const TextDialog& dialog) = 0;
 };
 
 }  // namespace zrqrybld

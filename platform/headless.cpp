@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "base/error.h"
 #include "base/text.h"
 
 namespace zrqrybld {
@@ -18,6 +19,10 @@ void HeadlessSurface::SetScrollBar(Orientation orientation, const ScrollState& s
 
 const ScrollState& HeadlessSurface::ScrollBar(Orientation orientation) const {
   return orientation == Orientation::Horizontal ? horizontal_ : vertical_;
+}
+
+void HeadlessSurface::SavePng(const Picture&, const std::string& path) {
+  throw Error(ErrorFileNotWritten, "Without a window no PNG picture can be drawn: " + path);
 }
 
 Variant MemoryPropertyStore::Read(std::string_view key, const Variant& defaultValue) const {

@@ -42,6 +42,11 @@ class HeadlessSurface final : public Surface {
   }
   void SetTicking(bool ticking) override { ticking_ = ticking; }
   void DragText(std::string_view text) override { draggedText_ = text; }
+  bool CopyPicture(const Picture& picture) override {
+    copied_ = picture;
+    return true;
+  }
+  void SavePng(const Picture& picture, const std::string& path) override;
 
   /// Changes the size. The control on it is not told: call its `OnResize`.
   void SetViewSize(PixelSize size) { size_ = size; }
@@ -55,6 +60,8 @@ class HeadlessSurface final : public Surface {
   Cursor CurrentCursor() const { return cursor_; }
   bool IsCaptured() const { return captured_; }
   const std::string& DraggedText() const { return draggedText_; }
+  /// The picture that was copied last; one without `paint` when none was.
+  const Picture& CopiedPicture() const { return copied_; }
 
  private:
   HeadlessMetrics metrics_;
@@ -68,6 +75,7 @@ class HeadlessSurface final : public Surface {
   PixelPoint menuPlace_{};
   bool ticking_ = false;
   std::string draggedText_;
+  Picture copied_;
 };
 
 /// A text area that is only its text.
@@ -111,11 +119,19 @@ class HeadlessDialogs final : public Dialogs {
   std::string ShowConnectionPrompt(const ConnectionDialog& dialog) override {
     return onShowConnectionPrompt ? onShowConnectionPrompt(dialog) : std::string();
   }
+  std::string ShowSaveFile(const SaveFileDialog& dialog) override {
+    return onShowSaveFile ? onShowSaveFile(dialog) : std::string();
+  }
+  std::optional<std::string> ShowTextPrompt(const TextDialog& dialog) override {
+    return onShowTextPrompt ? onShowTextPrompt(dialog) : std::nullopt;
+  }
 
   std::vector<Message> messages;
   std::function<void(const TablesDialog&)> onShowTables;
   std::function<bool(JoinDialog&)> onShowJoinProperties;
   std::function<std::string(const ConnectionDialog&)> onShowConnectionPrompt;
+  std::function<std::string(const SaveFileDialog&)> onShowSaveFile;
+  std::function<std::optional<std::string>(const TextDialog&)> onShowTextPrompt;
 };
 
 /// The toolkit of a designer without a window.

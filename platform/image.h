@@ -1,9 +1,11 @@
-// Image: a picture that an application hands to the library, as plain pixels.
+// Image: a picture that an application hands to the library, as plain pixels. ImageList: several of them.
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
+#include "base/collection.h"
 #include "base/object.h"
 
 namespace zrqrybld {
@@ -25,6 +27,21 @@ class Image final : public Object {
   int width_;
   int height_;
   std::vector<std::uint32_t> pixels_;
+};
+
+/// Pictures by position from 1 or by key.
+class ImageList final : public Object {
+ public:
+  std::string_view TypeName() const override { return "ImageList"; }
+
+  /// Adds a picture at the end. Error 457 when the key is in use.
+  void Add(Ref<Image> image, const std::string& key = {}) { images_.Insert(std::move(image), key); }
+  std::int32_t Count() const { return static_cast<std::int32_t>(images_.Count()); }
+  /// The picture at a position from 1 or under a key, or nothing.
+  Ref<Image> Item(const Variant& index) const { return ItemOrNothing(images_, index); }
+
+ private:
+  KeyedList<Ref<Image>> images_;
 };
 
 }  // namespace zrqrybld

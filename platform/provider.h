@@ -27,6 +27,9 @@ class Session {
 
   /// See `Connection::Keywords`.
   virtual std::vector<std::string> Keywords() const { return {}; }
+
+  /// See `Connection::KnowsWholeSource`.
+  virtual bool KnowsWholeSource(SchemaKind) const { return false; }
 };
 
 /// A data source that is configured on the machine.
@@ -87,6 +90,7 @@ class ProviderConnection final : public Connection {
   ConnectionStateEnum State() const override { return session_ ? ConnectionOpened : ConnectionClosed; }
   std::unique_ptr<RowSet> OpenSchema(SchemaKind kind, const SchemaRestrictions& restrictions) override;
   std::vector<std::string> Keywords() override;
+  bool KnowsWholeSource(SchemaKind kind) const override { return session_ && session_->KnowsWholeSource(kind); }
 
  private:
   std::shared_ptr<const ProviderList> providers_;

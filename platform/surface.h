@@ -10,6 +10,7 @@
 #include "base/units.h"
 #include "platform/font.h"
 #include "platform/menu.h"
+#include "platform/picture.h"
 
 namespace zrqrybld {
 
@@ -80,6 +81,12 @@ class Surface {
 
   /// Offers a text to be dropped elsewhere; returns when the drag has ended.
   virtual void DragText(std::string_view text) = 0;
+
+  /// Puts the picture on the clipboard. Returns whether there is one.
+  virtual bool CopyPicture(const Picture& picture) = 0;
+
+  /// Writes the picture as a PNG file. Error 75 when the file cannot be written, or no window system can draw it.
+  virtual void SavePng(const Picture& picture, const std::string& path) = 0;
 };
 
 }  // namespace zrqrybld

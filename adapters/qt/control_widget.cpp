@@ -1,8 +1,11 @@
 #include "adapters/qt/control_widget.h"
 
+#include <QClipboard>
 #include <QContextMenuEvent>
 #include <QDrag>
+#include <QGuiApplication>
 #include <QHelpEvent>
+#include <QImageWriter>
 #include <QMenu>
 #include <QMimeData>
 #include <QPaintEvent>
@@ -15,7 +18,9 @@
 #include "adapters/qt/qt_geometry.h"
 #include "adapters/qt/qt_input.h"
 #include "adapters/qt/qt_menu.h"
+#include "adapters/qt/qt_picture.h"
 #include "adapters/qt/qt_text.h"
+#include "base/error.h"
 
 namespace zrqrybld {
 namespace {
@@ -152,6 +157,20 @@ void ControlWidget::DragText(std::string_view text) {
   mime->setText(dragged);
   drag->setMimeData(mime);
   drag->exec(Qt::CopyAction);
+}
+
+bool ControlWidget::CopyPicture(const Picture& picture) {
+  QImage image = DrawToImage(picture, theme_, metrics_, this);
+  if (image.isNull()) return false;
+  image.setDevicePixelRatio(1);  // programs that paste it count its own pixels
+  QGuiApplication::clipboard()->setImage(image);
+  return true;
+}
+
+void ControlWidget::SavePng(const Picture& picture, const std::string& path) {
+  QImageWriter writer(ToQString(path), "PNG");
+  if (writer.write(DrawToImage(picture, theme_, metrics_, this))) return;
+  throw Error(ErrorFileNotWritten, ToUtf8(tr("%1 cannot be written: %2").arg(ToQString(path), writer.errorString())));
 }
 
 void ControlWidget::scrollContentsBy(int, int) {}  // the control moves its contents itself

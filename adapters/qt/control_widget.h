@@ -56,6 +56,8 @@ class ControlWidget : public QAbstractScrollArea, public Surface {
   void ShowMenu(const Menu& menu, PixelPoint at) override;
   void SetTicking(bool ticking) override;
   void DragText(std::string_view text) override;
+  bool CopyPicture(const Picture& picture) override;
+  void SavePng(const Picture& picture, const std::string& path) override;
 
  protected:
   bool event(QEvent* event) override;

@@ -1,12 +1,14 @@
 #include "adapters/qt/qt_dialogs.h"
 
 #include <QApplication>
+#include <QFileDialog>
 #include <QMessageBox>
 
 #include "adapters/qt/connection_window.h"
 #include "adapters/qt/join_window.h"
 #include "adapters/qt/qt_text.h"
 #include "adapters/qt/tables_window.h"
+#include "adapters/qt/text_window.h"
 
 namespace zrqrybld {
 namespace {
@@ -57,6 +59,29 @@ bool QtDialogs::ShowJoinProperties(JoinDialog& dialog) {
 std::string QtDialogs::ShowConnectionPrompt(const ConnectionDialog& dialog) {
   ConnectionWindow window(dialog, ParentForDialog());
   return window.exec() == QDialog::Accepted ? window.Text() : std::string();
+}
+
+std::string QtDialogs::ShowSaveFile(const SaveFileDialog& dialog) {
+  QFileDialog window(ParentForDialog(), ToQString(dialog.caption));
+  window.setAcceptMode(QFileDialog::AcceptSave);
+  QStringList filters;
+  for (const FileKind& kind : dialog.kinds) filters += ToQString(kind.name + " (*." + kind.extension + ")");
+  window.setNameFilters(filters);
+  // An extension that is typed chooses the kind by itself; this one is for names without.
+  const auto useExtension = [&](const QString& filter) {
+    const qsizetype at = filters.indexOf(filter);
+    if (at >= 0) window.setDefaultSuffix(ToQString(dialog.kinds[static_cast<std::size_t>(at)].extension));
+  };
+  QObject::connect(&window, &QFileDialog::filterSelected, &window, useExtension);
+  useExtension(filters.value(0));
+  window.selectFile(ToQString(dialog.fileName));
+  return window.exec() == QDialog::Accepted ? ToUtf8(window.selectedFiles().value(0)) : std::string();
+}
+
+std::optional<std::string> QtDialogs::ShowTextPrompt(const TextDialog& dialog) {
+  TextWindow window(dialog, ParentForDialog());
+  if (window.exec() != QDialog::Accepted) return std::nullopt;
+  return window.Text();
 }
 
 }  // namespace zrqrybld

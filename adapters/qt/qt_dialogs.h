@@ -24,6 +24,8 @@ class QtDialogs final : public Dialogs {
   void ShowTables(const TablesDialog& dialog) override;
   bool ShowJoinProperties(JoinDialog& dialog) override;
   std::string ShowConnectionPrompt(const ConnectionDialog& dialog) override;
+  std::string ShowSaveFile(const SaveFileDialog& dialog) override;
+  std::optional<std::string> ShowTextPrompt(const TextDialog& dialog) override;
 
  private:
   QWidget* ParentForDialog() const;

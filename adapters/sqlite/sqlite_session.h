@@ -18,6 +18,7 @@ class SqliteSession final : public Session {
 
   std::unique_ptr<RowSet> OpenSchema(SchemaKind kind, const SchemaRestrictions& restrictions) override;
   std::vector<std::string> Keywords() const override;
+  bool KnowsWholeSource(SchemaKind) const override { return true; }
 
  private:
   using Rows = std::vector<std::vector<Variant>>;

@@ -61,9 +61,13 @@ class DesignerWindow : public testing::Test {
 
   /// Where a point of the diagram's surface is seen in its window.
   QPoint InView(TwipsPoint point) {
-    const ScreenScale scale;
-    const PixelPoint pixels = scale.ToPixels(point);
-    return QPoint(qRound(pixels.x.Value()), qRound(pixels.y.Value())) + SurfaceCorner();
+    const PixelPoint pixels = ScreenScale{}.ToPixels(point);
+    const double zoom = Hub().DiagramPane()->Zoom();
+    const auto seen = [&](Pixels at, const QScrollBar* bar) {
+      return qRound(((at + kSurfaceMargin) * zoom).Value()) - bar->value();
+    };
+    ControlWidget& view = Designer().DiagramView();
+    return {seen(pixels.x, view.horizontalScrollBar()), seen(pixels.y, view.verticalScrollBar())};
   }
 
   /// The middle of a row's check box.
@@ -123,25 +127,6 @@ class DesignerWindow : public testing::Test {
   }
 
   MainWindow window;
-
- private:
-  // Where the surface's corner is seen: found by looking for the first box, so that no margin is written down here.
-  QPoint SurfaceCorner() {
-    const qbDiagramPane& pane = *Hub().DiagramPane();
-    const ScreenScale scale;
-    const Ref<qbEntity> entity = Hub().Entities()->Item(1);
-    const PixelRect bounds = scale.ToPixels(entity->EntityBox()->Bounds());
-    const auto captionAt = [&](int x, int y) { return pane.ToolTipAt({Pixels(x), Pixels(y)}) == entity->Caption(); };
-    for (int y = 0; y < Diagram()->height(); ++y) {
-      for (int x = 0; x < Diagram()->width(); x += 10) {
-        if (!captionAt(x, y)) continue;
-        while (x > 0 && captionAt(x - 1, y)) --x;
-        return QPoint(x, y) - QPoint(qRound(bounds.left.Value()), qRound(bounds.top.Value()));
-      }
-    }
-    ADD_FAILURE() << "the first box is not to be seen";
-    return {};
-  }
 };
 
 }  // namespace zrqrybld::test

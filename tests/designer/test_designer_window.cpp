@@ -50,16 +50,6 @@ TEST_F(DesignerWindow, ClicksOnCheckBoxesOfThreeTablesMakeTheStatementOfTheirRow
   EXPECT_EQ(Statement().find("OrderDate"), std::string::npos);
 }
 
-TEST_F(DesignerWindow, TwoQuickClicksOnACheckBoxTickAndUntick) {
-  OpenSampleWith({"Customers"});
-  const QPoint box = CheckBox("Customers", "City");
-  Click(box);
-  EXPECT_EQ(GridRows(), "Customers.City");
-  QTest::mouseDClick(Diagram(), Qt::LeftButton, {}, box);
-  EXPECT_FALSE(Item("Customers", "City")->Checked());
-  EXPECT_EQ(GridRows(), "");
-}
-
 TEST_F(DesignerWindow, AClickOnTheGridsOutputUnticksTheColumn) {
   OpenSampleWith({"Customers"});
   Click(CheckBox("Customers", "City"));
@@ -172,50 +162,6 @@ TEST_F(DesignerWindow, TheTablePickerAddsTablesWithTheirJoins) {
   EXPECT_TRUE(Item("Order Lines", "LineNo")->Bold()) << "a part of the primary key";
   Click(CheckBox("Order Lines", "Quantity"));
   EXPECT_EQ(RowCount(Statement()), "2970");
-}
-
-TEST_F(DesignerWindow, DeleteTakesTheSelectedBoxWithItsRowsAndJoins) {
-  OpenSampleWith({"Customers", "Order", "Order Lines"});
-  Click(CheckBox("Customers", "City"));
-  Click(CheckBox("Order", "OrderDate"));
-  Click(CheckBox("Order Lines", "Quantity"));
-  Click(Caption("Order"));
-  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Delete);
-  EXPECT_FALSE(Hub().Entities()->Item("Order"));
-  EXPECT_EQ(GridRows(), "Customers.City Order Lines.Quantity");
-  EXPECT_EQ(Statement(),
-            "SELECT \n\tCustomers.City, \n\t\"Order Lines\".Quantity\nFROM \nCustomers,\n\"Order Lines\"\n");
-  EXPECT_TRUE(Hub().SQLPane()->Cartesian());
-}
-
-TEST_F(DesignerWindow, DeleteTakesTheJoinWhoseLineWasClicked) {
-  OpenSampleWith({"Customers", "Order"});
-  Click(CheckBox("Customers", "City"));
-  const ScreenScale scale;
-  const std::vector<PixelPoint> path = Hub().Entities()->Item("Order")->Relationships()->Item(1)->Line()->Points(scale);
-  // A place on the line that no box covers.
-  bool selected = false;
-  for (std::size_t i = 1; i < path.size() && !selected; ++i) {
-    const PixelPoint middle{(path[i - 1].x + path[i].x) / 2, (path[i - 1].y + path[i].y) / 2};
-    Click(InView(scale.ToTwips(middle)));
-    selected = std::dynamic_pointer_cast<qbRelationship>(Hub().DiagramPane()->SelectedObject()) != nullptr;
-  }
-  ASSERT_TRUE(selected);
-  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Delete);
-  EXPECT_EQ(Hub().Entities()->Item("Order")->Relationships()->Count(), 0);
-  EXPECT_EQ(Hub().Entities()->Count(), 2);
-  EXPECT_EQ(Statement(), "SELECT \n\tCustomers.City\nFROM \nCustomers,\n\"Order\"\n");
-}
-
-TEST_F(DesignerWindow, TheKeyboardTicksTheRowThatItWalkedTo) {
-  OpenSampleWith({"Customers"});
-  Click(RowText("Customers", "ContactName"));
-  EXPECT_EQ(GridRows(), "") << "a click on the name only selects";
-  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
-  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
-  EXPECT_EQ(GridRows(), "Customers.City");
-  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
-  EXPECT_EQ(GridRows(), "");
 }
 
 // --- What goes wrong ---
