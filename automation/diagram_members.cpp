@@ -47,7 +47,7 @@ constexpr Member kPane[] = {
     Raised<Pane, &Pane::KeyDown>("KeyDown", "KeyCode, Shift"),
     Raised<Pane, &Pane::KeyUp>("KeyUp", "KeyCode, Shift"),
     Raised<Pane, &Pane::KeyPress>("KeyPress", "KeyAscii"),
-    Raised<Pane, &Pane::OLEDragOver>("OLEDragOver", "Data, Effect, Button, Shift, x, y"),
+    Raised<Pane, &Pane::OLEDragOver>("OLEDragOver", "Data, Effect, Button, Shift, x, y, state"),
     Raised<Pane, &Pane::OLEDragDrop>("OLEDragDrop", "Data, Effect, Button, Shift, x, y"),
     // Beyond the members above: the view, and what a host without a form needs.
     ReadWrite<Pane, &Pane::Zoom, &SetZoom>("Zoom"),
@@ -56,6 +56,8 @@ constexpr Member kPane[] = {
     Method<Pane, &SelectObject>("SelectObject", "object"),
     Method<Pane, &SetMinimized>("SetMinimized", "Entity, Minimized"),
     Method<Pane, &Pane::PictureSvg>("PictureSvg"),
+    Method<Pane, &Pane::SavePicture>("SavePicture", "Path"),
+    Method<Pane, &Pane::SelectAll>("SelectAll"),
     Method<Pane, &ReadFrom>("ReadProperties", "Bag"),
     Method<Pane, &WriteTo>("WriteProperties", "Bag"),
 };

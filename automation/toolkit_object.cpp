@@ -37,6 +37,16 @@ class ScriptedDialogs final : public Dialogs {
     return shown.object->ConnectionString();
   }
 
+  // Scripts save and rename by members of their own: these two are only recorded.
+  std::string ShowSaveFile(const SaveFileDialog& dialog) override {
+    Record("SaveFile", dialog.caption);
+    return {};
+  }
+  std::optional<std::string> ShowTextPrompt(const TextDialog& dialog) override {
+    Record("TextPrompt", dialog.caption);
+    return std::nullopt;
+  }
+
  private:
   // Takes the dialog away from its object when it is answered, also by an error.
   template <class T>

@@ -68,6 +68,7 @@ class EveryMember(unittest.TestCase):
         "LoadLanguageFile": (str(DATA.parent.parent / "samples/languages/german.txt"),), "OpenSchema": (20,),
         "QuoteIdentifier": ("a b",), "Remove": (1,), "SetLanguageString": (1, "x"), "Test": ("x",),
         "ReadProperty": ("x",), "WriteProperty": ("x", 1), "CreateImage": (1, 1, [0]),
+        "SavePicture": (os.path.join(tempfile.gettempdir(), "diagram.svg"),),
     }
     INDEX = {"qbGridPane.Value": (1, 1), "zrGridRow.Value": (1,), "TagVariant": (1,), "Item": (1,), "Fields": (0,)}
 
