@@ -8,13 +8,13 @@
 
 namespace zrqrybld::bench {
 
-inline Ref<qbQueryBuilder> MakeDesigner(int columnsOfATable) {
+inline Ref<qbQueryBuilder> MakeDesigner(int columnsOfATable, int listedTables = 0) {
   const Ref<qbQueryBuilder> hub = qbQueryBuilder::Create();
   hub->SetDiagramPane(qbDiagramPane::Create());
   hub->SetGridPane(qbGridPane::Create());
   hub->SetSQLPane(qbSQLPane::Create());
   hub->GridPane()->SetShowGroupBy(false);
-  hub->SetConnection(std::make_shared<MadeUpSource>(columnsOfATable));
+  hub->SetConnection(std::make_shared<MadeUpSource>(columnsOfATable, listedTables));
   return hub;
 }
 

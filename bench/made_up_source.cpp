@@ -36,7 +36,8 @@ std::unique_ptr<RowSet> MadeUpSource::OpenSchema(SchemaKind kind, const SchemaRe
   std::vector<std::vector<Variant>> rows;
   switch (kind) {
     case SchemaKind::Tables:
-      rows.push_back({null, null, table, "TABLE", null});
+      if (!table.empty()) rows.push_back({null, null, table, "TABLE", null});
+      for (int t = 0; table.empty() && t < tables_; ++t) rows.push_back({null, null, TableName(t), "TABLE", null});
       return std::make_unique<Rows>(kTableFields, std::move(rows));
     case SchemaKind::Columns:
       for (int i = 0; i < columns_; ++i) {

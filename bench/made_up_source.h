@@ -11,7 +11,8 @@ namespace zrqrybld::bench {
 
 class MadeUpSource final : public Connection {
  public:
-  explicit MadeUpSource(int columns) : columns_(columns) {}
+  /// It answers for any table, and lists the first `tables`.
+  explicit MadeUpSource(int columns, int tables = 0) : columns_(columns), tables_(tables) {}
 
   std::string ConnectionString() const override { return "Provider=MadeUp"; }
   void SetConnectionString(std::string) override {}
@@ -23,6 +24,7 @@ class MadeUpSource final : public Connection {
 
  private:
   int columns_;
+  int tables_;
 };
 
 /// The name of the column at a position from 0: C0 is the primary key, C1 refers to the table before.
