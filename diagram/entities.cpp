@@ -83,6 +83,12 @@ void qbEntities::Remove(const Variant& index) {
   }
 }
 
+void qbEntities::Arrange(const std::vector<Ref<qbEntity>>& order) {
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    if (*items_.At(i + 1) != order[i]) items_.Move(items_.PositionOf(order[i]->Caption()), i + 1);
+  }
+}
+
 void qbEntities::Detach() {
   view_ = nullptr;
   for (std::size_t i = 1; i <= items_.Count(); ++i) {

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "base/collection.h"
 #include "base/event.h"
@@ -51,6 +52,9 @@ class qbEntities final : public Object, private EntityOwner {
   void Fit(const qbEntity& entity) {
     if (view_) view_->FitBox(entity.EntityBox());
   }
+
+  /// Puts the entities into this order, which is that of the tables in the statement. All of them must be named.
+  void Arrange(const std::vector<Ref<qbEntity>>& order);
 
   /// The pane goes away: removes all entities without a word.
   void Detach();

@@ -1,7 +1,6 @@
 #include "diagram/table_picker.h"
 
 #include <map>
-#include <optional>
 
 #include "base/error.h"
 #include "base/text.h"
@@ -137,13 +136,15 @@ bool TablePicker::HasTable(const std::string& tableName) {
   return !tableName.empty() && !FindTable(tableName).row->Eof();
 }
 
-void TablePicker::AddColumns(qbEntity& entity, const SchemaRestrictions& table) {
-  struct Column {
-    std::string name;
-    std::int32_t type;
-    bool isLong;
-  };
-  std::map<std::int32_t, Column> columns;
+std::optional<std::vector<SourceColumn>> TablePicker::ReadColumns(const std::string& tableName) {
+  if (tableName.empty()) return std::nullopt;
+  const FoundTable table = FindTable(tableName);
+  if (table.row->Eof()) return std::nullopt;
+  return ReadColumns(table.restrictions);
+}
+
+std::vector<SourceColumn> TablePicker::ReadColumns(const SchemaRestrictions& table) {
+  std::map<std::int32_t, SourceColumn> columns;
   const bool byOrdinal = context_->RetrieveFieldOrder() == FieldOrderOrdinal;
   const auto rows = context_->Connection()->OpenSchema(SchemaKind::Columns, table);
   for (; !rows->Eof(); rows->MoveNext()) {
@@ -152,22 +153,27 @@ void TablePicker::AddColumns(qbEntity& entity, const SchemaRestrictions& table) 
     const std::int32_t position = byOrdinal && !ordinal.IsNull() ? ordinal.ToInt32() : next;
     const Variant flags = rows->Value("COLUMN_FLAGS");
     const std::int32_t bits = flags.IsBlank() ? 0 : flags.ToInt32();
-    const bool added = columns
-                           .try_emplace(position, Column{rows->Text("COLUMN_NAME"), rows->Value("DATA_TYPE").ToInt32(),
-                                                         (bits & ColumnLong) != 0})
-                           .second;
+    SourceColumn column{rows->Text("COLUMN_NAME"), rows->Value("DATA_TYPE").ToInt32(), (bits & ColumnLong) != 0};
+    const bool added = columns.try_emplace(position, std::move(column)).second;
     if (!added) ThrowDuplicateKey("fld" + std::to_string(position));
   }
-  for (std::int32_t position = 1; position <= static_cast<std::int32_t>(columns.size()); ++position) {
+  std::vector<SourceColumn> inOrder;
+  for (auto& [position, column] : columns) {
     // Positions with gaps are a fault of the source that must not go unnoticed.
-    const auto column = columns.find(position);
-    if (column == columns.end()) ThrowNoSuchItem();
-    const Ref<qbEntityItem> item = entity.Items()->Add(column->second.name, column->second.name);
-    item->Properties()->Add(column->second.type, "data_type");
-    item->Properties()->Add(column->second.isLong, "is_long");
-    item->SetKind(KindOfType(column->second.type));
-    const Ref<qbDataType> type = context_->DataTypes()->FindByIndicatorLong(column->second.type, column->second.isLong);
-    if (type) item->SetToolTipText(column->second.name + ": " + type->Name);
+    if (position != static_cast<std::int32_t>(inOrder.size()) + 1) ThrowNoSuchItem();
+    inOrder.push_back(std::move(column));
+  }
+  return inOrder;
+}
+
+void TablePicker::AddColumns(qbEntity& entity, const SchemaRestrictions& table) {
+  for (const SourceColumn& column : ReadColumns(table)) {
+    const Ref<qbEntityItem> item = entity.Items()->Add(column.name, column.name);
+    item->Properties()->Add(column.type, "data_type");
+    item->Properties()->Add(column.isLong, "is_long");
+    item->SetKind(KindOfType(column.type));
+    const Ref<qbDataType> type = context_->DataTypes()->FindByIndicatorLong(column.type, column.isLong);
+    if (type) item->SetToolTipText(column.name + ": " + type->Name);
   }
 }
 

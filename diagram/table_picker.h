@@ -3,7 +3,9 @@
 // The hub makes one for each use. It talks to the connection and the diagram through the context.
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +20,13 @@ namespace zrqrybld {
 struct TableLists {
   std::vector<std::string> tables;
   std::vector<std::string> views;
+};
+
+/// A column as the data source describes it.
+struct SourceColumn {
+  std::string name;
+  std::int32_t type = 0;  ///< a `DataTypeCode`
+  bool isLong = false;
 };
 
 class TablePicker {
@@ -37,6 +46,9 @@ class TablePicker {
   /// Whether the source has a table or view with this name. Errors are the source's own.
   bool HasTable(const std::string& tableName);
 
+  /// The columns of a table in their order; none when the source has no such table. Errors are the source's own.
+  std::optional<std::vector<SourceColumn>> ReadColumns(const std::string& tableName);
+
   /// Asks the source for its tables and views. Errors are the source's own.
   TableLists ListTables();
 
@@ -53,6 +65,7 @@ class TablePicker {
     std::unique_ptr<RowSet> row;
   };
   FoundTable FindTable(const std::string& tableName);
+  std::vector<SourceColumn> ReadColumns(const SchemaRestrictions& table);
   void AddColumns(qbEntity& entity, const SchemaRestrictions& table);
   void MarkPrimaryKeys(qbEntity& entity, const SchemaRestrictions& table);
 

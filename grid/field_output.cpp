@@ -85,6 +85,54 @@ std::int32_t qbGridPane::FillNewRow(const std::string& fieldName, const std::str
   return position;
 }
 
+void qbGridPane::AddRows(const std::vector<RowContent>& rows) {
+  const StepScope step(context_.lock(), "Add query columns");
+  {
+    const ScopedValue busy(busy_, true);
+    grdPane_->SetAutoRedraw(false);
+    std::int32_t position = FirstEmptyRow();
+    for (const RowContent& content : rows) {
+      if (position == 0 || position > RowCount()) {
+        AddEmptyRow();
+        position = RowCount();
+      }
+      SetCells(RowAt(position), content);
+      ++position;
+    }
+    EnsureEmptyLastRow();
+    grdPane_->SetAutoRedraw(true);
+    for (const RowContent& content : rows) {
+      if (content.output) PushToDiagram(content.column, content.table, true);
+    }
+  }
+  ReportChange();
+}
+
+void qbGridPane::SetCells(zrGridRow& row, const RowContent& content) {
+  const auto set = [&row](std::int32_t column, const std::string& text) {
+    if (!text.empty()) row.SetValue(column, text);
+  };
+  row.SetMaxLen("alias", AliasMaxLen());
+  set(kColumnTable, content.table);
+  set(kColumnColumn, content.column);
+  set(kColumnAlias, content.alias);
+  row.SetValue(static_cast<std::int32_t>(kColumnOutput), content.output);
+  set(kColumnSortType, content.sortType);
+  set(kColumnSortOrder, content.sortOrder);
+  if (!content.groupBy.empty()) {
+    const Ref<QueryContext> context = context_.lock();
+    const Ref<qbDBFunction> function = context ? context->DBFunctions()->FindGroupBy(content.groupBy) : nullptr;
+    if (function) {
+      SetGroupByFunction(row.Index(), *function);
+    } else {
+      set(kColumnGroupBy, content.groupBy);
+    }
+  }
+  for (std::size_t i = 0; i < content.criteria.size(); ++i) {
+    set(kColumnCriteria + static_cast<std::int32_t>(i), content.criteria[i]);
+  }
+}
+
 void qbGridPane::PushToDiagram(const std::string& fieldName, const std::string& tableName, bool checked) {
   const Ref<qbEntities> entities = Entities();
   const Ref<qbEntity> entity = entities ? entities->FindExactly(tableName) : nullptr;

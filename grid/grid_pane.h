@@ -92,6 +92,20 @@ class qbGridPane final : public Object {
     return SetFieldOutput(fieldName, checked, tableName, {});
   }
 
+  /// The cells of a row as a statement says them.
+  struct RowContent {
+    std::string column;
+    std::string alias;
+    std::string table;
+    bool output = false;
+    std::string sortType;
+    std::string sortOrder;
+    std::string groupBy;
+    std::vector<std::string> criteria;  ///< from "criteria" on
+  };
+  /// Puts rows in from the first empty row on. The cells are taken as they are; what is output is ticked in its box.
+  void AddRows(const std::vector<RowContent>& rows);
+
   /// Reads the captions of the columns again.
   void ApplyGridCaptions();
   /// Gives every row's alias the longest length that the hub allows.
@@ -139,6 +153,7 @@ class qbGridPane final : public Object {
 
   std::int32_t TickRows(const std::string& fieldName, const std::string& tableName);
   void UntickRows(const std::string& fieldName, const std::string& tableName);
+  void SetCells(zrGridRow& row, const RowContent& content);
   std::int32_t FillNewRow(const std::string& fieldName, const std::string& tableName, std::int32_t before);
   void PushToDiagram(const std::string& fieldName, const std::string& tableName, bool checked);
   // Whether any row outputs the field.

@@ -126,6 +126,10 @@ class QueryContext : public Object {
   /// Whether the properties of a join may be shown.
   virtual bool CanEditJoins() const = 0;
 
+  /// Makes the query what the statement says. SyntaxError for a text that cannot be read or shown: nothing has changed
+  /// then. Errors of the data source while tables are added leave what was done.
+  virtual void LoadStatement(const std::string& sql) = 0;
+
   // --- State, progress, steps ---
 
   /// What the designer is busy with; `InfoDone` when idle.

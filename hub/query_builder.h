@@ -158,6 +158,7 @@ class qbQueryBuilder final : public QueryContext {
   bool HasFullJoin() const override;
   std::string DateFormat() const override;
   QuerySnapshot Snapshot() const override;
+  void LoadStatement(const std::string& sql) override;
   std::optional<ColumnUse> UseOfColumn(const std::string& entityCaption, const std::string& column) const override;
   void SortByColumn(const std::string& entityCaption, const std::string& column, const std::string& type) override;
   void GroupColumn(const std::string& entityCaption, const std::string& column, const std::string& choice) override;

@@ -63,24 +63,6 @@ std::vector<std::string> CriteriaOf(const zrGridRow& cells, std::size_t lastColu
   return criteria;
 }
 
-// What the source says of the column's type, and how the type's literals are written.
-SnapshotType TypeOf(const qbEntity& entity, const std::string& column, const qbDataTypes& types) {
-  SnapshotType type;
-  const Ref<qbEntityItem> item = entity.Items()->Item(column);
-  if (!item) return type;
-  if (const Variant* code = item->Properties()->Find("data_type")) {
-    type.code = static_cast<std::int32_t>(code->Number().value_or(0));
-  }
-  if (const Variant* isLong = item->Properties()->Find("is_long")) type.isLong = *isLong == Variant(true);
-  Ref<qbDataType> dataType = types.FindByIndicatorLong(type.code, type.isLong);
-  if (!dataType) dataType = types.FindByIndicator(type.code);
-  if (dataType) {
-    type.prefix = dataType->PrefixLetters;
-    type.suffix = dataType->SuffixLetters;
-  }
-  return type;
-}
-
 void TakeRows(QuerySnapshot& snapshot, const TablePositions& positions, const qbEntities* entities,
               const qbGridPane& grid, const QueryContext& context) {
   const auto lastColumn = static_cast<std::size_t>(grid.ColumnCount());
@@ -101,13 +83,32 @@ void TakeRows(QuerySnapshot& snapshot, const TablePositions& positions, const qb
     row.criteria = CriteriaOf(cells, lastColumn);
     if (row.table && !row.criteria.empty()) {
       const qbEntity& entity = *entities->Item(static_cast<std::int32_t>(*row.table) + 1);
-      row.type = TypeOf(entity, row.column, *context.DataTypes());
+      row.type = TypeOfColumn(entity, row.column, *context.DataTypes());
     }
     snapshot.rows.push_back(std::move(row));
   }
 }
 
 }  // namespace
+
+SnapshotType DescribeType(std::int32_t code, bool isLong, const qbDataTypes& types) {
+  SnapshotType type{code, isLong, {}, {}};
+  Ref<qbDataType> dataType = types.FindByIndicatorLong(code, isLong);
+  if (!dataType) dataType = types.FindByIndicator(code);
+  if (!dataType) return type;
+  type.prefix = dataType->PrefixLetters;
+  type.suffix = dataType->SuffixLetters;
+  return type;
+}
+
+SnapshotType TypeOfColumn(const qbEntity& entity, const std::string& column, const qbDataTypes& types) {
+  const Ref<qbEntityItem> item = entity.Items()->Item(column);
+  if (!item) return {};
+  const Variant* code = item->Properties()->Find("data_type");
+  const Variant* isLong = item->Properties()->Find("is_long");
+  return DescribeType(code ? static_cast<std::int32_t>(code->Number().value_or(0)) : 0,
+                      isLong && *isLong == Variant(true), types);
+}
 
 QuerySnapshot TakeSnapshot(const QueryContext& context, const qbEntities* entities, const qbGridPane* grid) {
   QuerySnapshot snapshot;

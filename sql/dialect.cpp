@@ -107,6 +107,7 @@ constexpr Dialect kDialects[] = {
         .open = "( ",
         .close = " )",
         .tableAlias = " AS ",
+        .canBeParsed = false,
     },
 };
 

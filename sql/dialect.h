@@ -52,6 +52,8 @@ struct Dialect {
   std::string_view close;
   /// Between a table and its alias in FROM.
   std::string_view tableAlias;
+  /// Whether its statements can be read back.
+  bool canBeParsed = true;
 };
 
 /// All dialects, in the order of their numbers.

@@ -20,13 +20,14 @@ constexpr std::size_t kLongestSelectList = 64u << 20;
 
 class Generator {
  public:
-  Generator(const QuerySnapshot& query, const Dialect& dialect) : query_(query), dialect_(dialect), context_(query.criteria) {
+  Generator(const QuerySnapshot& query, const Dialect& dialect)
+      : query_(query), dialect_(dialect), context_(query.criteria) {
     context_.quotePrefix = query.names.quotePrefix;
     tableTerms_.reserve(query.tables.size());
     positions_.reserve(query.tables.size());
     for (const SnapshotTable& table : query.tables) {
       positions_.emplace(table.caption.Name(), tableTerms_.size());
-      tableTerms_.push_back(TableTerm(table).Text());
+      tableTerms_.push_back(TableTerm(table, query.names).Text());
     }
   }
 
@@ -51,11 +52,6 @@ class Generator {
 
  private:
   // --- Names ---
-
-  // What stands before "." and a column.
-  SqlText TableTerm(const SnapshotTable& table) const {
-    return table.aliased ? QuoteWhenNeeded(table.caption, query_.names) : RenderQualified(table.name, query_.names);
-  }
 
   // What stands in FROM.
   std::string FromTerm(std::size_t index) const {

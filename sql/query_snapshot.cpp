@@ -12,6 +12,14 @@ bool SnapshotRow::ChoosesGroups() const {
   return !groupBy.empty() && !EqualsNoCase(groupBy, "GROUP BY") && !EqualsNoCase(groupBy, "WHERE");
 }
 
+SqlText TableTerm(const SnapshotTable& table, const NameRules& rules) {
+  return table.aliased ? QuoteWhenNeeded(table.caption, rules) : RenderQualified(table.name, rules);
+}
+
+std::string FieldTerm(const SnapshotTable& table, const std::string& column, const NameRules& rules) {
+  return TableTerm(table, rules).Text() + "." + QuoteWhenNeeded(Identifier(column), rules).Text();
+}
+
 std::vector<const SnapshotRow*> SortedRows(const QuerySnapshot& query) {
   std::vector<std::pair<double, const SnapshotRow*>> numbered;
   for (const SnapshotRow& row : query.rows) {

@@ -87,6 +87,12 @@ struct QuerySnapshot {
   CriteriaContext criteria;
 };
 
+/// What stands before "." and a column of the table: its caption when it has one of its own, otherwise its name.
+SqlText TableTerm(const SnapshotTable& table, const NameRules& rules);
+
+/// A column of the table by its qualified name.
+std::string FieldTerm(const SnapshotTable& table, const std::string& column, const NameRules& rules);
+
 /// The rows that are sorted by, in their order. Of several with one sort number the last one counts; a sort number that
 /// is no number, or rounds to none from 1, does not.
 std::vector<const SnapshotRow*> SortedRows(const QuerySnapshot& query);

@@ -1,5 +1,7 @@
 #include "sql/sql_pane.h"
 
+#include "base/error.h"
+#include "base/scoped_value.h"
 #include "base/text.h"
 #include "platform/headless.h"
 #include "sql/generator.h"
@@ -98,7 +100,7 @@ void qbSQLPane::WriteProperties(PropertyStore& store) const {
 
 std::string qbSQLPane::Generate(const std::string& orExpression, const std::string& andExpression) {
   const Ref<QueryContext> context = context_.lock();
-  if (!context || context->state() != InfoDone) return {};
+  if (busy_ || !context || context->state() != InfoDone) return {};
   const QuerySnapshot query = context->Snapshot();
   const Dialect& dialect = DialectFor(syntax_);
   GeneratedSql generated = GenerateSelect(query, dialect, {orExpression, andExpression});
@@ -117,6 +119,25 @@ void qbSQLPane::Refresh() {
 
 std::string qbSQLPane::AddWhereClause(const std::string& orExpression, const std::string& andExpression) {
   return Generate(orExpression, andExpression);
+}
+
+bool qbSQLPane::ParseSQLStatement(const std::string& sql) {
+  const Ref<QueryContext> context = context_.lock();
+  if (!context || !DialectFor(syntax_).canBeParsed) {
+    throw Error(ErrorParsingText, "Parsing not support for the selected SQL Syntax.");
+  }
+  context->SetState(InfoParsingSQL);
+  try {
+    const ScopedValue busy(busy_, true);
+    context->RaiseInfo(InfoParsingSQL, sql);
+    context->LoadStatement(sql);
+  } catch (const std::exception& cause) {
+    throw WrapError(ErrorParsingText, "An error occured while parsing the text.", cause);
+  }
+  context->SetState(InfoDone);
+  Refresh();
+  context->RaiseInfo(InfoDone, static_cast<std::int32_t>(InfoParsingSQL));
+  return true;
 }
 
 }  // namespace zrqrybld

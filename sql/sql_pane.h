@@ -47,6 +47,11 @@ class qbSQLPane final : public Object {
   /// does not change. "" while the designer is busy.
   std::string AddWhereClause(const std::string& orExpression = {}, const std::string& andExpression = {});
 
+  /// Makes the designer's query what the statement says, and then writes the statement anew. True when that was done.
+  /// Error 40002 otherwise, with the place in the text when it cannot be read; nothing has changed then, but the
+  /// designer's `state` stays `InfoParsingSQL`. Also without a hub, and for a dialect whose statements are not read.
+  bool ParseSQLStatement(const std::string& sql);
+
   /// Whether the statement generated last holds a table that is joined to none before it.
   bool Cartesian() const { return cartesian_; }
 
@@ -105,6 +110,7 @@ class qbSQLPane final : public Object {
   SQLSyntaxEnum syntax_ = SQLSyntaxGeneric;
   std::string likeOperator_ = "LIKE";
   bool locked_ = false;
+  bool busy_ = false;  // a statement is being parsed
   bool cartesian_ = false;
   qbJoins joins_;
   std::vector<SQLDiagnostic> diagnostics_;

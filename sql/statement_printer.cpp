@@ -31,11 +31,19 @@ void AppendUpper(std::string& text, std::string_view word) {
   for (const char c : word) text += UpperAscii(c);
 }
 
+std::string_view UsualSign(std::string_view sign) {
+  if (sign == "!=") return "<>";
+  if (sign == "==") return "=";
+  return sign;
+}
+
 class Printer {
  public:
-  explicit Printer(std::string& text) : text_(text) {}
+  explicit Printer(std::string& text, const Substitution* substitution = nullptr)
+      : text_(text), substitution_(substitution) {}
 
   void Print(const Expression& e) {
+    if (substitution_ && (*substitution_)(e, text_)) return;
     switch (e.kind) {
       case ExpressionKind::Column:
         AppendOnOneLine(text_, e.text);
@@ -159,7 +167,7 @@ class Printer {
     if (e.kind == ExpressionKind::In) {
       text_ += "IN";
     } else {
-      AppendUpper(text_, e.name);
+      AppendUpper(text_, substitution_ ? UsualSign(e.name) : e.name);
     }
     text_ += ' ';
     PrintList(second, " ");
@@ -204,6 +212,7 @@ class Printer {
   }
 
   std::string& text_;
+  const Substitution* substitution_;
 };
 
 }  // namespace
@@ -217,11 +226,15 @@ std::string PrintStatement(const SelectStatement& statement) {
 
 std::string PrintExpression(const Expression* expression) {
   std::string text;
-  if (expression) AppendExpression(text, *expression);
+  if (expression) Printer(text).Print(*expression);
   return text;
 }
 
-void AppendExpression(std::string& text, const Expression& expression) { Printer(text).Print(expression); }
+std::string PrintExpression(const Expression& expression, const Substitution& substitution) {
+  std::string text;
+  Printer(text, &substitution).Print(expression);
+  return text;
+}
 
 std::string OnOneLine(std::string_view text) {
   std::string result;

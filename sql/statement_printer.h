@@ -2,6 +2,7 @@
 // made uniform: keywords in upper case, one blank between words, no comments.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "sql/select_statement.h"
@@ -14,8 +15,11 @@ std::string PrintStatement(const SelectStatement& statement);
 /// The expression on one line; nothing prints as "".
 std::string PrintExpression(const Expression* expression);
 
-/// Appends the expression to `text`.
-void AppendExpression(std::string& text, const Expression& expression);
+/// Writes an expression in another way: appends it to the text and answers true, or answers false.
+using Substitution = std::function<bool(const Expression& expression, std::string& text)>;
+
+/// The expression on one line, with parts of it written in another way; signs of one meaning are written alike.
+std::string PrintExpression(const Expression& expression, const Substitution& substitution);
 
 /// The text with white space and comments outside of literals and quoted names turned into one blank each.
 std::string OnOneLine(std::string_view text);

@@ -1,0 +1,291 @@
+#include "sql/join_form.h"
+
+#include <algorithm>
+#include <iterator>
+#include <numeric>
+#include <unordered_map>
+
+#include "sql/dialect.h"
+#include "sql/join_list.h"
+
+namespace zrqrybld {
+namespace {
+
+std::string SideText(std::size_t table, const std::string& column) {
+  return std::to_string(table) + '.' + std::to_string(column.size()) + ':' + column;
+}
+
+// The same text whichever side stands first.
+std::string PairText(const JoinPair& pair) {
+  std::string a = SideText(pair.left, pair.leftColumn);
+  std::string b = SideText(pair.right, pair.rightColumn);
+  if (b < a) std::swap(a, b);
+  return a + '=' + b;
+}
+
+std::vector<std::size_t> TablesOf(std::span<const JoinPair> conditions) {
+  std::vector<std::size_t> tables;
+  for (const JoinPair& pair : conditions) {
+    tables.push_back(pair.left);
+    tables.push_back(pair.right);
+  }
+  return tables;
+}
+
+template <class T>
+void Append(std::vector<T>& to, std::vector<T>& from) {
+  if (to.size() < from.size()) std::swap(to, from);
+  to.insert(to.end(), std::make_move_iterator(from.begin()), std::make_move_iterator(from.end()));
+  from.clear();
+}
+
+// Sorted, each once, with "," between.
+std::string Joined(std::vector<std::string>& texts) {
+  std::ranges::sort(texts);
+  texts.erase(std::unique(texts.begin(), texts.end()), texts.end());
+  std::string result;
+  for (const std::string& text : texts) result += text + ',';
+  return result;
+}
+
+}  // namespace
+
+JoinForms::JoinForms(std::size_t tables) : groupOf_(tables) {
+  std::iota(groupOf_.begin(), groupOf_.end(), 0);
+  for (std::size_t table = 0; table < tables; ++table) {
+    forms_.push_back({table, {}});
+    groups_.push_back({{std::to_string(table)}, {}, {}});
+  }
+}
+
+std::size_t JoinForms::GroupOf(std::size_t table) {
+  while (groupOf_[table] != table) {
+    groupOf_[table] = groupOf_[groupOf_[table]];
+    table = groupOf_[table];
+  }
+  return table;
+}
+
+void JoinForms::Merge(std::size_t into, std::size_t group) {
+  Append(groups_[into].tables, groups_[group].tables);
+  Append(groups_[into].conditions, groups_[group].conditions);
+  groupOf_[group] = into;
+}
+
+void JoinForms::AddConditions(std::size_t group, std::span<const JoinPair> conditions) {
+  for (const JoinPair& pair : conditions) {
+    groups_[group].conditions.push_back(PairText(pair));
+    groups_[group].touched.push_back(pair.left);
+    groups_[group].touched.push_back(pair.right);
+  }
+}
+
+// A condition is asked of these tables: they are there in every row, and so are those that bring them in. Tables of
+// another form are left alone.
+void JoinForms::Require(Form form, std::span<const std::size_t> tables) {
+  FormParts& parts = forms_[form];
+  if (parts.groups.empty()) return;
+  std::vector<std::size_t> pending(tables.begin(), tables.end());
+  while (!pending.empty()) {
+    const std::size_t group = GroupOf(pending.back());
+    pending.pop_back();
+    const auto found = std::ranges::find(parts.groups, group);
+    if (found == parts.groups.end()) continue;
+    *found = parts.groups.back();
+    parts.groups.pop_back();
+    const std::vector<std::size_t> touched = std::move(groups_[group].touched);
+    pending.insert(pending.end(), touched.begin(), touched.end());
+    Merge(parts.core, group);
+  }
+}
+
+JoinForms::Form JoinForms::Inner(Form a, Form b, std::span<const JoinPair> conditions) {
+  Merge(forms_[a].core, forms_[b].core);
+  Append(forms_[a].groups, forms_[b].groups);
+  Filter(a, conditions);
+  return a;
+}
+
+void JoinForms::Filter(Form form, std::span<const JoinPair> conditions) {
+  for (const JoinPair& pair : conditions) groups_[forms_[form].core].conditions.push_back(PairText(pair));
+  Require(form, TablesOf(conditions));
+}
+
+JoinForms::Form JoinForms::Left(Form a, Form b, std::span<const JoinPair> conditions) {
+  Require(b, TablesOf(conditions));
+  const std::size_t group = forms_[b].core;
+  AddConditions(group, conditions);
+  Append(forms_[a].groups, forms_[b].groups);
+  forms_[a].groups.push_back(group);
+  return a;
+}
+
+// Nothing can be told about its parts from outside.
+JoinForms::Form JoinForms::Full(Form a, Form b, std::span<const JoinPair> conditions) {
+  std::string first = Text(a);
+  std::string second = Text(b);
+  if (second < first) std::swap(first, second);
+  std::vector<std::string> texts;
+  for (const JoinPair& pair : conditions) texts.push_back(PairText(pair));
+  const std::size_t core = forms_[a].core;
+  const std::vector<std::size_t> optional = [&] {
+    Append(forms_[a].groups, forms_[b].groups);
+    return std::move(forms_[a].groups);
+  }();
+  for (const std::size_t group : optional) Merge(core, GroupOf(group));
+  Merge(core, forms_[b].core);
+  groups_[core].tables = {"FULL{" + first + '|' + second + '|' + Joined(texts) + '}'};
+  groups_[core].conditions.clear();
+  forms_[a].groups.clear();
+  return a;
+}
+
+std::string JoinForms::TextOf(Group& group) const { return Joined(group.tables) + '/' + Joined(group.conditions); }
+
+std::string JoinForms::Text(Form form) {
+  std::vector<std::string> groups;
+  for (const std::size_t group : forms_[form].groups) groups.push_back(TextOf(groups_[group]));
+  return TextOf(groups_[forms_[form].core]) + '{' + Joined(groups) + '}';
+}
+
+// --- The generated text ---
+
+namespace {
+
+struct Entry {
+  std::size_t table;
+  std::vector<JoinPair> conditions;
+  std::vector<JoinTypeEnum> types;
+};
+
+// The query with its tables in another order; only tables and joins.
+QuerySnapshot Arranged(const QuerySnapshot& query, std::span<const std::size_t> order) {
+  QuerySnapshot arranged;
+  std::vector<std::size_t> placeOf(order.size());
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    placeOf[order[i]] = i;
+    arranged.tables.push_back(query.tables[order[i]]);
+  }
+  arranged.joins = query.joins;
+  for (SnapshotJoin& join : arranged.joins) {
+    join.source = placeOf[join.source];
+    join.target = placeOf[join.target];
+  }
+  return arranged;
+}
+
+std::vector<Entry> EntriesOf(const QuerySnapshot& query, std::span<const std::size_t> order) {
+  std::unordered_map<std::string_view, std::size_t> positions;
+  for (std::size_t i = 0; i < query.tables.size(); ++i) positions.emplace(query.tables[i].caption.Name(), i);
+  std::vector<Entry> entries;
+  const qbJoins joins = BuildJoinList(Arranged(query, order));
+  for (const qbJoin& join : joins) {
+    Entry& entry = entries.emplace_back(Entry{positions.at(join.Caption()), {}, {}});
+    const qbJoinTables& conditions = join.JoinTables();
+    for (std::size_t i = 1; i <= static_cast<std::size_t>(conditions.Count()); ++i) {
+      const qbJoinTable& c = conditions.At(i);
+      entry.conditions.push_back({positions.at(c.LeftTable), c.LeftField, positions.at(c.RightTable), c.RightField});
+      entry.types.push_back(c.JoinType);
+    }
+  }
+  return entries;
+}
+
+// One JOIN after the other; a table without a condition begins a new item of the list.
+std::string MeaningOfClauses(JoinForms& forms, const std::vector<Entry>& entries) {
+  std::optional<JoinForms::Form> all, item;
+  const auto endItem = [&] {
+    if (item) all = all ? forms.Inner(*all, *item, {}) : *item;
+  };
+  for (const Entry& entry : entries) {
+    const JoinForms::Form table = forms.Table(entry.table);
+    if (entry.conditions.empty()) {
+      endItem();
+      item = table;
+      continue;
+    }
+    switch (entry.types.front()) {
+      case JoinInner:
+        item = forms.Inner(*item, table, entry.conditions);
+        break;
+      case JoinAllOfEarlier:
+        item = forms.Left(*item, table, entry.conditions);
+        break;
+      case JoinAllOfThis:
+        item = forms.Left(table, *item, entry.conditions);
+        break;
+      case JoinAllOfBoth:
+        item = forms.Full(*item, table, entry.conditions);
+        break;
+    }
+  }
+  endItem();
+  return all ? forms.Text(*all) : std::string();
+}
+
+// Conditions in WHERE: the marked table of each may be missing. The marked conditions bring their table in, all others
+// are asked of the whole.
+std::string MeaningOfMarks(JoinForms& forms, std::size_t tables, const std::vector<Entry>& entries) {
+  std::vector<std::vector<JoinPair>> bringIn(tables);
+  std::vector<JoinPair> others;
+  for (const Entry& entry : entries) {
+    for (std::size_t i = 0; i < entry.conditions.size(); ++i) {
+      const JoinPair& pair = entry.conditions[i];
+      if (entry.types[i] == JoinAllOfEarlier) {
+        bringIn[pair.left].push_back(pair);
+      } else if (entry.types[i] == JoinAllOfThis) {
+        bringIn[pair.right].push_back(pair);
+      } else {
+        others.push_back(pair);
+      }
+    }
+  }
+  return forms.MeaningOfMarks(bringIn, others);
+}
+
+}  // namespace
+
+std::string JoinForms::MeaningOfMarks(const std::vector<std::vector<JoinPair>>& bringIn,
+                                      std::span<const JoinPair> others) {
+  std::optional<Form> all;
+  std::vector<std::size_t> waiting;
+  std::vector<bool> present(bringIn.size());
+  for (std::size_t table = 0; table < bringIn.size(); ++table) {
+    if (!bringIn[table].empty()) {
+      waiting.push_back(table);
+      continue;
+    }
+    all = all ? Inner(*all, table, {}) : table;
+    present[table] = true;
+  }
+  while (!waiting.empty()) {
+    const auto isReady = [&](std::size_t table) {
+      return std::ranges::all_of(
+          bringIn[table], [&](const JoinPair& pair) { return present[pair.left == table ? pair.right : pair.left]; });
+    };
+    const auto ready = std::ranges::find_if(waiting, isReady);
+    if (ready == waiting.end() || !all) return {};  // each waits for another
+    all = Left(*all, *ready, bringIn[*ready]);
+    present[*ready] = true;
+    waiting.erase(ready);
+  }
+  if (!all) return {};
+  Filter(*all, others);
+  return Text(*all);
+}
+
+std::vector<std::size_t> GeneratedOrder(const QuerySnapshot& query, std::span<const std::size_t> order) {
+  std::vector<std::size_t> tables;
+  for (const Entry& entry : EntriesOf(query, order)) tables.push_back(entry.table);
+  return tables;
+}
+
+std::string MeaningOfGeneratedJoins(const QuerySnapshot& query, std::span<const std::size_t> order,
+                                    const Dialect& dialect) {
+  JoinForms forms(query.tables.size());
+  const std::vector<Entry> entries = EntriesOf(query, order);
+  return dialect.joins == Dialect::Joins::Clauses ? MeaningOfClauses(forms, entries)
+                                                  : MeaningOfMarks(forms, query.tables.size(), entries);
+}
+
+}  // namespace zrqrybld

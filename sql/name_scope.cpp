@@ -1,0 +1,166 @@
+#include "sql/name_scope.h"
+
+#include <algorithm>
+#include <array>
+
+#include "base/text.h"
+#include "sql/lexer.h"
+#include "sql/syntax_error.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr std::array<std::string_view, 10> kPseudoColumns = {
+    "CURRENT_DATE", "CURRENT_TIME", "CURRENT_TIMESTAMP", "CURRENT_USER", "LEVEL",
+    "ROWNUM",       "SYSDATE",      "SYSTIMESTAMP",      "USER",         "SESSION_USER"};
+
+std::string Quoted(std::string_view name) { return '"' + std::string(name) + '"'; }
+
+// The parts with "." between, as one name.
+std::string WholeName(const std::vector<Identifier>& parts) {
+  std::string name;
+  for (const Identifier& part : parts) name += (name.empty() ? "" : ".") + part.Name();
+  return name;
+}
+
+}  // namespace
+
+std::string PlainName(std::string_view written) {
+  if (written.size() < 2 || std::string_view("\"[`'").find(written.front()) == std::string_view::npos) {
+    return std::string(written);
+  }
+  const std::string closing(1, written.back());
+  return ReplaceAll(written.substr(1, written.size() - 2), closing + closing, closing);
+}
+
+std::vector<Identifier> NameParts(std::string_view written) {
+  std::vector<Identifier> parts;
+  Lexer lexer(written);
+  bool partCame = false;
+  for (Token token; lexer.Next(token);) {
+    if (token.kind == TokenKind::Comment) continue;
+    if (token.kind == TokenKind::Operator) {
+      if (!partCame) parts.emplace_back();  // a part was left out
+      partCame = false;
+      continue;
+    }
+    parts.emplace_back(PlainName(written.substr(token.offset, token.length)));
+    partCame = true;
+  }
+  return parts;
+}
+
+bool NameScope::IsPseudoColumn(std::string_view name) {
+  return std::ranges::any_of(kPseudoColumns, [name](std::string_view pseudo) { return EqualsNoCase(pseudo, name); });
+}
+
+void NameScope::Refuse(std::string_view part, std::string message) const {
+  throw SyntaxError(text_, OffsetOf(part), std::move(message));
+}
+
+// --- Tables ---
+
+std::size_t NameScope::AddTable(const FromItem& item) {
+  const WrittenTable written{NameParts(item.table), Identifier(PlainName(item.alias))};
+  std::optional<SnapshotTable> table = source_.AddTable(written);
+  if (!table) Refuse(item.table, "There is no table " + Quoted(WholeName(written.parts)) + ".");
+  const std::size_t index = tables_.size();
+  const std::string& caption = table->caption.Name();
+  if (!byCaption_.emplace(FoldCase(caption), index).second) {
+    Refuse(item.alias.empty() ? item.table : item.alias, "The table name " + Quoted(caption) + " is used twice.");
+  }
+  if (written.alias.Empty()) {
+    const auto [known, added] = byLastPart_.emplace(FoldCase(written.parts.back().Name()), index);
+    if (!added) known->second = kAmbiguous;
+  }
+  tables_.push_back(std::move(*table));
+  return index;
+}
+
+std::optional<std::size_t> NameScope::FindTable(std::string_view qualifier) const {
+  const std::vector<Identifier> parts = NameParts(qualifier);
+  if (parts.empty()) return std::nullopt;
+  if (const auto found = byCaption_.find(FoldCase(WholeName(parts))); found != byCaption_.end()) return found->second;
+  const auto found = byLastPart_.find(FoldCase(parts.back().Name()));
+  if (found == byLastPart_.end()) return std::nullopt;
+  if (parts.size() == 1 || found->second == kAmbiguous) return found->second;
+  // A longer qualifier must end as the table's name does.
+  const std::vector<Identifier>& name = tables_[found->second].name;
+  for (std::size_t i = 1; i <= std::min(parts.size(), name.size()); ++i) {
+    if (!EqualsNoCase(parts[parts.size() - i].Name(), name[name.size() - i].Name())) return std::nullopt;
+  }
+  return found->second;
+}
+
+std::size_t NameScope::RequireTable(std::string_view qualifier, std::string_view place) const {
+  const std::optional<std::size_t> table = FindTable(qualifier);
+  if (!table) Refuse(place, "There is no table " + Quoted(WholeName(NameParts(qualifier))) + " in FROM.");
+  if (*table == kAmbiguous) Refuse(place, "More than one table in FROM is called " + std::string(qualifier) + ".");
+  return *table;
+}
+
+// --- Columns ---
+
+std::vector<std::size_t> NameScope::TablesWith(const std::string& name) const {
+  std::vector<std::size_t> having, open;
+  for (std::size_t table = 0; table < tables_.size(); ++table) {
+    if (!source_.KnowsColumns(table)) {
+      open.push_back(table);
+    } else if (source_.FindColumn(table, name)) {
+      having.push_back(table);
+    }
+  }
+  return having.empty() ? open : having;
+}
+
+std::optional<BoundColumn> NameScope::Find(const Expression& column) const {
+  const std::string name = PlainName(column.name);
+  const std::string_view qualifier = column.Qualifier();
+  if (!qualifier.empty()) {
+    const std::size_t table = RequireTable(qualifier, column.text);
+    std::optional<std::string> found = source_.FindColumn(table, name);
+    if (!found && !source_.KnowsColumns(table)) found = name;
+    if (!found) {
+      Refuse(column.text,
+             "The table " + Quoted(tables_[table].caption.Name()) + " has no column " + Quoted(name) + ".");
+    }
+    return BoundColumn{table, std::move(*found)};
+  }
+  if (const BoundColumn* unified = FindUnified(name)) return *unified;
+  const std::vector<std::size_t> tables = TablesWith(name);
+  if (tables.empty()) return std::nullopt;
+  if (tables.size() > 1) {
+    std::string candidates;
+    for (const std::size_t table : tables) {
+      candidates += (candidates.empty() ? "" : ", ") + tables_[table].caption.Name() + "." + name;
+    }
+    Refuse(column.text, "The column " + Quoted(name) + " may be one of several: " + candidates + ".");
+  }
+  return BoundColumn{tables[0], source_.FindColumn(tables[0], name).value_or(name)};
+}
+
+std::optional<BoundColumn> NameScope::TryFind(const Expression& column) const {
+  try {
+    return Find(column);
+  } catch (const SyntaxError&) {
+    return std::nullopt;
+  }
+}
+
+BoundColumn NameScope::Require(const Expression& column) const {
+  std::optional<BoundColumn> found = Find(column);
+  if (!found) Refuse(column.text, "No table in FROM has a column " + Quoted(PlainName(column.name)) + ".");
+  return std::move(*found);
+}
+
+void NameScope::Unify(const std::string& name, const BoundColumn& column) {
+  unified_.insert_or_assign(FoldCase(name), column);
+}
+
+const BoundColumn* NameScope::FindUnified(std::string_view name) const {
+  if (unified_.empty()) return nullptr;
+  const auto found = unified_.find(FoldCase(name));
+  return found == unified_.end() ? nullptr : &found->second;
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,392 @@
+#include "sql/statement_binder.h"
+
+#include <numeric>
+
+#include "base/text.h"
+#include "sql/criteria_binder.h"
+#include "sql/field_terms.h"
+#include "sql/from_binder.h"
+#include "sql/join_form.h"
+#include "sql/keywords.h"
+
+namespace zrqrybld {
+namespace {
+
+// The number that "ROWNUM <= n" and its like limit the rows to; none for every other condition.
+std::optional<std::string> RowLimitOf(const Expression& e) {
+  if (e.kind != ExpressionKind::Comparison || e.negated || !EqualsNoCase(e.first->text, NameOf(Keyword::Rownum))) {
+    return std::nullopt;
+  }
+  const Expression& number = *e.first->next;
+  if (number.kind != ExpressionKind::Literal || !IsDigit(number.text.front())) return std::nullopt;
+  if (e.name == "<=") return OnOneLine(number.text);
+  if (e.name == "=" && number.text == "1") return std::string("1");
+  return std::nullopt;
+}
+
+bool IsAggregate(const SnapshotRow& row) { return !row.aggregate.empty(); }
+
+class Binder {
+ public:
+  Binder(const SelectStatement& statement, NameScope& scope, const BindOptions& options)
+      : statement_(statement),
+        scope_(scope),
+        options_(options),
+        fields_(scope, options.names, *options.functions),
+        rows_(query_.rows) {}
+
+  // With joins from WHERE where that means the same, otherwise with those conditions as criteria.
+  QuerySnapshot Run() {
+    query_.tables = scope_.Tables();
+    query_.names = options_.names;
+    query_.criteria = options_.criteria;
+    query_.distinct = statement_.distinct;
+    BindTop();
+    BindFrom();
+    FindGrouping();
+    BindSelectList();
+    BindGroupBy();
+    BindConditions();
+    BindOrderBy();
+    return std::move(query_);
+  }
+
+ private:
+  // --- SELECT ---
+
+  void SetTop(const std::string& text, std::string_view place) {
+    if (!query_.top.empty()) scope_.Refuse(place, "There is a row limit already.");
+    const bool percent = text.ends_with('%');
+    const std::optional<double> number = ParseNumber(text.substr(0, text.size() - (percent ? 1 : 0)));
+    const bool whole = text.find_first_not_of("0123456789%") == std::string::npos;
+    if (!number || !whole || text.size() > 9 || (percent && *number > 100)) {
+      scope_.Refuse(place, "The row limit is to be a whole number, or a percentage up to 100.");
+    }
+    query_.top = text;
+  }
+
+  void BindTop() {
+    if (statement_.top.empty()) return;
+    SetTop(std::string(statement_.top) + (statement_.topPercent ? "%" : ""), statement_.top);
+  }
+
+  // "@field" in an expression would be replaced when the statement is written.
+  std::string ExpressionText(const Expression& expression) const {
+    std::string text = fields_.Written(expression);
+    if (FindNoCase(text, "@field") != std::string::npos) {
+      scope_.Refuse(expression.text, "\"@field\" stands for a column of the grid and cannot be part of an expression.");
+    }
+    return text;
+  }
+
+  // A column, an aggregate or an expression. A name that no table has is an expression only when it is known to mean
+  // something by itself.
+  RowField FieldOf(const Expression& expression) const {
+    if (std::optional<RowField> aggregate = fields_.AggregateOf(expression)) return *aggregate;
+    if (std::optional<RowField> column = fields_.ColumnOf(expression)) return *column;
+    const Expression& inner = *StripParentheses(&expression);
+    if (inner.kind == ExpressionKind::Column && !NameScope::IsPseudoColumn(inner.text)) scope_.Require(inner);
+    return {std::nullopt, ExpressionText(expression), {}, {}};
+  }
+
+  void BindSelectList() {
+    for (const SelectItem* item = statement_.items; item; item = item->next) {
+      const Expression& e = *item->expression;
+      if (e.kind == ExpressionKind::Star) {
+        BindStar(e);
+        continue;
+      }
+      const RowField field = FieldOf(e);
+      const std::size_t row = AddOutput(field, KeyOf(e));
+      rows_[row].alias = Identifier(PlainName(item->alias));
+      outputs_.push_back({row, &e, rows_[row].alias.Name()});
+      if (!item->alias.empty()) aliases_.emplace(FoldCase(rows_[row].alias.Name()), row);
+    }
+  }
+
+  // Groups by the field when GROUP BY names it; the first row of the field does so.
+  std::size_t AddOutput(const RowField& field, const std::string& key) {
+    const std::size_t row = rows_.Add(field);
+    rows_[row].output = true;
+    if (!query_.groupByMode || IsAggregate(rows_[row])) return row;
+    const auto grouping = grouping_.find(key);
+    const bool groups = grouping != grouping_.end() && !grouping->second.placed;
+    if (groups) grouping->second.placed = true;
+    rows_[row].groupBy = groups ? kGroupByText : kExpressionText;
+    return row;
+  }
+
+  // A row "*" for each table; where joined columns are one, each column by itself.
+  void BindStar(const Expression& star) {
+    if (star.text != "*") return AddStar(scope_.RequireTable(star.Qualifier(), star.text));
+    if (scope_.Tables().empty()) scope_.Refuse(star.text, "\"*\" needs a table.");
+    if (!scope_.HasUnified()) {
+      for (std::size_t table = 0; table < scope_.Tables().size(); ++table) AddStar(table);
+      return;
+    }
+    for (std::size_t table = 0; table < scope_.Tables().size(); ++table) {
+      if (!scope_.Source().KnowsColumns(table))
+        scope_.Refuse(star.text, "The columns that \"*\" stands for are not known.");
+    }
+    for (const BoundColumn& column : from_.columns) {
+      const RowField field{column.table, column.column, {}, {}};
+      outputs_.push_back({AddOutput(field, fields_.TermOf(field)), nullptr, column.column});
+    }
+  }
+
+  void AddStar(std::size_t table) {
+    const std::size_t row = rows_.Add({table, "*", {}, {}});
+    rows_[row].output = true;
+    outputs_.push_back({row, nullptr, {}});
+  }
+
+  // --- FROM ---
+
+  void BindFrom() {
+    BoundFrom bound = FromBinder(statement_, scope_, *options_.dialect).Bind(true);
+    if (!Take(bound)) {
+      bound = FromBinder(statement_, scope_, *options_.dialect).Bind(false);
+      if (!Take(bound)) {
+        scope_.Refuse(bound.firstOuter,
+                      "These joins cannot be shown in the designer: it would write them in an order "
+                      "that gives other rows.");
+      }
+    }
+    from_ = std::move(bound);
+  }
+
+  // Whether the generated text means what the statement says. A dialect without "all rows of both" keeps it in the
+  // diagram alone.
+  bool Take(const BoundFrom& bound) {
+    for (std::size_t attempt = 0;; ++attempt) {
+      query_.joins = bound.joins;
+      const std::vector<std::size_t> order = Arrange(attempt);
+      if (order.size() != query_.tables.size()) return false;
+      if (bound.firstOuter.empty() || (bound.hasFull && !options_.dialect->hasFullJoin)) return true;
+      if (MeaningOfGeneratedJoins(query_, order, *options_.dialect) == bound.meaning) return true;
+      if (order.empty()) return false;
+    }
+  }
+
+  std::vector<std::size_t> Arrange(std::size_t attempt) {
+    if (options_.arrange) return options_.arrange(query_, attempt);
+    std::vector<std::size_t> order(attempt == 0 ? query_.tables.size() : 0);
+    std::iota(order.begin(), order.end(), 0);
+    return order;
+  }
+
+  // --- GROUP BY ---
+
+  // What a grouping expression is known by.
+  std::string KeyOf(const Expression& e) const { return fields_.Normalized(*StripParentheses(&e)); }
+
+  const SelectItem* ItemAt(const Expression& position) const {
+    std::optional<double> number = ParseNumber(position.text);
+    const SelectItem* item = number && *number >= 1 ? statement_.items : nullptr;
+    for (; item && *number > 1; item = item->next, --*number) {
+      if (item->expression->kind == ExpressionKind::Star) return nullptr;
+    }
+    return item && item->expression->kind != ExpressionKind::Star ? item : nullptr;
+  }
+
+  const SelectItem* ItemNamed(std::string_view alias) const {
+    for (const SelectItem* item = statement_.items; item; item = item->next) {
+      if (!item->alias.empty() && EqualsNoCase(PlainName(item->alias), alias)) return item;
+    }
+    return nullptr;
+  }
+
+  // A position or an alias stands for the item of the select list.
+  const Expression& GroupedBy(const Expression& e) const {
+    if (e.kind == ExpressionKind::Literal && IsDigit(e.text.front())) {
+      const SelectItem* item = ItemAt(e);
+      if (!item) scope_.Refuse(e.text, "The select list has no column at this position.");
+      return *item->expression;
+    }
+    const Expression& inner = *StripParentheses(&e);
+    if (inner.kind == ExpressionKind::Column && inner.Qualifier().empty()) {
+      const SelectItem* item = ItemNamed(PlainName(inner.name));
+      if (item && !scope_.TryFind(inner)) return *item->expression;
+    }
+    return e;
+  }
+
+  void FindGrouping() {
+    for (const OrderItem* item = statement_.groupBy; item; item = item->next) {
+      const Expression& e = GroupedBy(*item->expression);
+      const std::string key = KeyOf(e);
+      if (grouping_.emplace(key, Grouping{&e, false}).second) groupingOrder_.push_back(key);
+    }
+    query_.groupByMode = statement_.groupBy || statement_.having;
+    for (const SelectItem* item = statement_.items; item && !query_.groupByMode; item = item->next) {
+      query_.groupByMode = fields_.AggregateOf(*item->expression).has_value();
+    }
+    for (const OrderItem* item = statement_.orderBy; item && !query_.groupByMode; item = item->next) {
+      query_.groupByMode = fields_.AggregateOf(*item->expression).has_value();
+    }
+  }
+
+  // What the select list does not show.
+  void BindGroupBy() {
+    for (const std::string& key : groupingOrder_) {
+      Grouping& grouping = grouping_.at(key);
+      if (grouping.placed) continue;
+      RowField field = FieldOf(*grouping.expression);
+      if (!field.aggregate.empty()) field = {std::nullopt, ExpressionText(*grouping.expression), {}, {}};
+      rows_[rows_.Add(field)].groupBy = kGroupByText;
+    }
+  }
+
+  // --- WHERE and HAVING ---
+
+  void BindConditions() {
+    CriteriaContext context = options_.criteria;
+    context.quotePrefix = options_.names.quotePrefix;
+    CriteriaBinder criteria(scope_, fields_, rows_, {query_.groupByMode, options_.criteriaColumns, std::move(context)});
+    criteria.isAlias = [this](std::string_view name) { return aliases_.contains(FoldCase(name)); };
+    criteria.Place(WhereAlternatives(), false);
+    if (!statement_.having) return;
+    criteria.Place(Fitting(CriteriaBinder::AlternativesOf(*statement_.having), *statement_.having), true);
+  }
+
+  // One alternative when there are more than the grid has columns.
+  std::vector<CriteriaTerms> Fitting(std::vector<CriteriaTerms> alternatives, const Expression& whole) const {
+    if (alternatives.size() <= options_.criteriaColumns) return alternatives;
+    return {{&whole}};
+  }
+
+  std::vector<CriteriaTerms> WhereAlternatives() {
+    std::vector<const Expression*> terms = std::move(from_.where);
+    std::erase_if(terms, [this](const Expression* term) {
+      const std::optional<std::string> limit = RowLimitOf(*term);
+      if (limit && query_.top.empty()) SetTop(*limit, term->text);
+      return limit.has_value();
+    });
+    const bool takesLimit = options_.dialect->limit == Dialect::Limit::Condition && query_.top.empty();
+    if (terms.size() == 1 && from_.conditions.empty()) {
+      std::vector<CriteriaTerms> alternatives = CriteriaBinder::AlternativesOf(*terms[0], from_.whereHadJoins);
+      if (takesLimit && alternatives.size() > 1 && TakeLimit(alternatives.back())) return alternatives;
+      // A limit would be written behind the last alternative and count for that one alone.
+      const bool limitsLastOnly = options_.dialect->limit == Dialect::Limit::Condition && !query_.top.empty();
+      if (limitsLastOnly && query_.joins.empty() && alternatives.size() > 1) return {{terms[0]}};
+      return Fitting(std::move(alternatives), *terms[0]);
+    }
+    terms.insert(terms.begin(), from_.conditions.begin(), from_.conditions.end());
+    if (terms.empty()) return {};
+    return {terms};
+  }
+
+  // The generator writes a limit behind the last alternative, as if it stood for all.
+  bool TakeLimit(CriteriaTerms& terms) {
+    if (terms.size() < 2) return false;
+    const std::optional<std::string> limit = RowLimitOf(*terms.back());
+    if (!limit) return false;
+    SetTop(*limit, terms.back()->text);
+    terms.pop_back();
+    if (terms.size() > 1) return true;
+    std::vector<CriteriaTerms> inner = CriteriaBinder::AlternativesOf(*terms[0]);
+    if (inner.size() == 1) terms = std::move(inner.front());
+    return true;
+  }
+
+  // --- ORDER BY ---
+
+  struct Output {
+    std::size_t row;
+    const Expression* expression;  // none for "*"
+    std::string alias;             // or the column's name, where "*" stands for columns
+  };
+
+  void BindOrderBy() {
+    int order = 0;
+    for (const OrderItem* item = statement_.orderBy; item; item = item->next) {
+      const std::size_t row = RowToSort(*item->expression);
+      if (!rows_[row].sortOrder.empty()) continue;  // sorting by the same once more changes nothing
+      rows_[row].sortOrder = std::to_string(++order);
+      rows_[row].sortType = item->descending ? "Descending" : "Ascending";
+    }
+  }
+
+  std::size_t RowToSort(const Expression& e) {
+    if (e.kind == ExpressionKind::Literal && IsDigit(e.text.front())) return RowAt(e);
+    const Expression& inner = *StripParentheses(&e);
+    if (inner.kind == ExpressionKind::Column && inner.Qualifier().empty()) {
+      const std::string name = PlainName(inner.name);
+      if (const auto alias = aliases_.find(FoldCase(name)); alias != aliases_.end()) return alias->second;
+      if (const std::optional<std::size_t> row = OutputNamed(name)) return *row;
+    }
+    const RowField field = FieldOf(e);
+    const auto suits = [&](const SnapshotRow& row) { return field.table || row.criteria.empty(); };
+    if (const std::optional<std::size_t> row = rows_.FindAny(field, suits)) return *row;
+    const std::size_t row = rows_.Add(field);
+    if (query_.groupByMode && field.groupBy.empty()) rows_[row].groupBy = kExpressionText;
+    return row;
+  }
+
+  // The one column of the select list with this name.
+  std::optional<std::size_t> OutputNamed(const std::string& name) const {
+    std::optional<std::size_t> found;
+    for (const Output& output : outputs_) {
+      if (!output.expression || output.expression->kind != ExpressionKind::Column || !output.alias.empty() ||
+          !EqualsNoCase(PlainName(output.expression->name), name)) {
+        continue;
+      }
+      if (found) return std::nullopt;
+      found = output.row;
+    }
+    return found;
+  }
+
+  // The row of a column of the result, by its position from 1.
+  std::size_t RowAt(const Expression& position) {
+    double left = ParseNumber(position.text).value_or(0);
+    for (const Output& output : outputs_) {
+      if (left < 1) break;
+      const SnapshotRow& row = rows_[output.row];
+      if (row.column != "*" || output.expression) {
+        if (left == 1) return output.row;
+        left -= 1;
+        continue;
+      }
+      if (!scope_.Source().KnowsColumns(*row.table)) {
+        scope_.Refuse(position.text, "The columns that \"*\" stands for are not known.");
+      }
+      const std::vector<std::string> columns = scope_.Source().Columns(*row.table);
+      if (left <= static_cast<double>(columns.size())) {
+        const RowField field{row.table, columns[static_cast<std::size_t>(left) - 1], {}, {}};
+        const std::size_t added = rows_.Add(field);
+        if (query_.groupByMode) rows_[added].groupBy = kExpressionText;
+        return added;
+      }
+      left -= static_cast<double>(columns.size());
+    }
+    scope_.Refuse(position.text, "The select list has no column at this position.");
+  }
+
+  struct Grouping {
+    const Expression* expression;
+    bool placed;  // a row of the select list groups by it
+  };
+
+  const SelectStatement& statement_;
+  NameScope& scope_;
+  const BindOptions& options_;
+  QuerySnapshot query_;
+  FieldTerms fields_;
+  QueryRows rows_;
+  BoundFrom from_;
+  std::vector<Output> outputs_;
+  std::unordered_map<std::string, std::size_t> aliases_;  // case-folded; the row
+  std::unordered_map<std::string, Grouping> grouping_;
+  std::vector<std::string> groupingOrder_;
+};
+
+}  // namespace
+
+QuerySnapshot BindStatement(const SelectStatement& statement, QuerySource& source, const BindOptions& options) {
+  NameScope scope(statement.text, source);
+  AddTables(statement, scope);
+  return Binder(statement, scope, options).Run();
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,159 @@
+#include "sql/statement_parser.h"
+#include "tests/data_table.h"
+#include "tests/hub/hub_fixture.h"
+
+namespace zrqrybld {
+namespace {
+
+class ParseTest : public test::HubTest {
+ protected:
+  void Parse(const std::string& statement) const { sql->ParseSQLStatement(statement); }
+
+  std::string Options() const {
+    std::string text = hub->DistinctRecords() ? "distinct " : "";
+    text += hub->SelectTopRecords() + (grid->ShowGroupBy() ? "grouped" : "");
+    return text;
+  }
+
+  // As `Joins`, with kinds and marks.
+  std::string Kinds() const {
+    std::string text;
+    for (std::int32_t i = 1; i <= diagram->Entities()->Count(); ++i) {
+      const qbRelationships& joins = *diagram->Entities()->Item(i)->Relationships();
+      for (std::int32_t j = 1; j <= joins.Count(); ++j) {
+        const qbRelationship& join = *joins.Item(j);
+        const bool left = join.LeftIndicator() == IndicatorImage;
+        const bool right = join.RightIndicator() == IndicatorImage;
+        text += (text.empty() ? "" : " ") + join.Source()->Caption() + "." + join.SourceItem()->Text() + ">" +
+                join.Target()->Caption() + "." + join.TargetItem()->Text() + " " + join.ItemData().Text() +
+                (left && right ? " both"
+                 : left        ? " left"
+                 : right       ? " right"
+                               : "");
+      }
+    }
+    return text;
+  }
+
+  // A column of the grid: the cells of the rows in use with " / " between, criteria columns with " ~ ".
+  std::string Cells(const std::vector<std::string>& keys) const {
+    std::string text;
+    for (std::int32_t row = 1; row <= grid->RowCount(); ++row) {
+      if (Cell(row, "column").empty()) continue;
+      if (row > 1) text += "/ ";
+      for (const std::string& key : keys) {
+        if (Cell(row, key).empty()) continue;
+        text += (text.ends_with("/ ") || text.empty() ? "" : "~ ") + Cell(row, key) + " ";
+      }
+    }
+    while (text.ends_with(' ') || text.ends_with('/')) text.pop_back();
+    return text;
+  }
+};
+
+TEST_F(ParseTest, MakesTheDesignerSayWhatTheStatementSays) {
+  for (const test::Record& record : test::ReadRecords("parsed.txt")) {
+    SCOPED_TRACE(record.place);
+    const Designer fresh;
+    static_cast<Designer&>(*this) = fresh;
+    Use();
+    sql->SetSQLSyntax(record.Has("syntax") ? FindDialect(record["syntax"])->syntax : SQLSyntaxMSSQL);
+    if (record.Has("before")) Parse(record["before"]);
+    std::string error;
+    try {
+      Parse(record["sql"]);
+    } catch (const Error& failure) {
+      EXPECT_EQ(failure.Number(), ErrorParsingText);
+      error = failure.Description();
+      const std::size_t cause = error.find("[40002] ");
+      error = cause == std::string::npos ? error : error.substr(cause + 8);
+      EXPECT_EQ(hub->state(), InfoParsingSQL);
+      EXPECT_EQ(Captions(), "") << "an error changes nothing";
+    }
+    EXPECT_EQ(error, record.Has("error") ? record["error"] : "");
+    const std::pair<const char*, std::string> actual[] = {
+        {"options", Options()}, {"tables", Captions()},          {"joins", Kinds()},
+        {"rows", Rows()},       {"groups", Cells({"group_by"})}, {"criteria", Cells({"criteria", "or1", "or2", "or3"})},
+        {"statement", Sql()},
+    };
+    for (const auto& [name, text] : actual) {
+      if (!record.Has(name)) continue;
+      EXPECT_EQ(text, record[name]) << name;
+    }
+  }
+}
+
+TEST_F(ParseTest, EntitiesAndJoinsThatStayAreTheSameObjects) {
+  Use();
+  sql->SetSQLSyntax(SQLSyntaxMSSQL);
+  const std::string statement =
+      "SELECT Name FROM Customers INNER JOIN Orders ON Customers.CustomerID = Orders.CustomerID";
+  Parse(statement);
+  const Ref<qbEntity> customers = diagram->Entities()->Item("Customers");
+  const Ref<qbRelationship> join = customers->Relationships()->Item(1);
+  customers->SetLeft(4500);
+  const std::string text = sql->SQLStatement();
+  Parse(statement);
+  EXPECT_EQ(diagram->Entities()->Item("Customers"), customers);
+  EXPECT_EQ(customers->Relationships()->Item(1), join);
+  EXPECT_EQ(customers->Left(), 4500);
+  EXPECT_EQ(sql->SQLStatement(), text);
+  EXPECT_TRUE(Item("Customers", "Name")->Checked());
+  Parse("SELECT Total FROM Orders o");
+  EXPECT_EQ(Captions(), "o");
+  EXPECT_FALSE(customers->EntityBox());
+}
+
+TEST_F(ParseTest, AFailureChangesNothingAndLeavesTheState) {
+  Use();
+  sql->SetSQLSyntax(SQLSyntaxMSSQL);
+  Parse("SELECT TOP 3 Name FROM Customers");
+  const std::string text = sql->SQLStatement();
+  std::vector<std::string> infos;
+  const auto link = hub->Info.Connect([&](QueryBuilderInfoEnum& info, Variant& parameters) {
+    infos.push_back(std::to_string(info) + " " + parameters.Text());
+  });
+  try {
+    Parse("SELECT Total\r\nFROM Orders WHERE");
+    FAIL() << "it was read";
+  } catch (const Error& error) {
+    EXPECT_EQ(
+        error.Description(),
+        "An error occured while parsing the text.\r\n[40002] Line 2, column 18: An expression is expected at the end "
+        "of the text.");
+    EXPECT_EQ(error.Offset(), 31u);
+  }
+  EXPECT_EQ(hub->state(), InfoParsingSQL);
+  EXPECT_EQ(sql->SQLStatement(), text);
+  EXPECT_EQ(Options(), "3");
+  EXPECT_EQ(Rows(), "Customers.Name");
+  Parse("SELECT Total FROM Orders");
+  EXPECT_EQ(hub->state(), InfoDone);
+  EXPECT_EQ(infos.front(), "9 SELECT Total\r\nFROM Orders WHERE");
+  EXPECT_EQ(infos.back(), "0 9");
+
+  sql->SetSQLSyntax(SQLSyntaxOpenSQL);
+  const std::string before = sql->SQLStatement();
+  try {
+    Parse("SELECT Name FROM Customers");
+    FAIL() << "it was read";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.Description(), "Parsing not support for the selected SQL Syntax.");
+  }
+  EXPECT_EQ(hub->state(), InfoDone);
+  EXPECT_EQ(sql->SQLStatement(), before);
+}
+
+TEST_F(ParseTest, WithoutASourceTheColumnsAreThoseThatTheStatementNames) {
+  sql->SetSQLSyntax(SQLSyntaxMSSQL);
+  const std::string statement = "SELECT a.x FROM t AS a LEFT JOIN s.u ON s.u.i = a.i WHERE u.y > 5";
+  Parse(statement);
+  EXPECT_EQ(Kinds(), "a.i>s.u.i 2 left");
+  EXPECT_EQ(Rows(), "a.x -s.u.y");
+  const std::string text = sql->SQLStatement();
+  Parse(text);
+  EXPECT_EQ(sql->SQLStatement(), text);
+}
+
+}  // namespace
+}  // namespace zrqrybld
