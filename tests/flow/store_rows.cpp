@@ -22,25 +22,6 @@ Cell CellOf(sqlite3_stmt* statement, int column) {
   }
 }
 
-// The columns of the next table that must equal columns of tables joined already.
-struct Condition {
-  std::size_t ownColumn;
-  std::size_t table;
-  std::size_t column;
-};
-
-std::vector<Condition> ConditionsOf(const std::vector<const StoredTable*>& tables, const Design& design,
-                                    std::size_t table, const std::vector<bool>& joined) {
-  std::vector<Condition> conditions;
-  for (const Design::Join& join : design.joins) {
-    const std::size_t left = tables[join.left]->ColumnAt(join.leftColumn);
-    const std::size_t right = tables[join.right]->ColumnAt(join.rightColumn);
-    if (join.left == table && joined[join.right]) conditions.push_back({left, join.right, right});
-    if (join.right == table && joined[join.left]) conditions.push_back({right, join.left, left});
-  }
-  return conditions;
-}
-
 }  // namespace
 
 std::string ToText(const Row& row) {
@@ -181,60 +162,6 @@ bool IsConnected(const Design& design) {
     }
   }
   return std::ranges::all_of(reached, [](bool value) { return value; });
-}
-
-std::optional<std::vector<Row>> Evaluate(Store& store, const Design& design, std::size_t most) {
-  std::vector<const StoredTable*> tables;
-  for (const Design::Table& table : design.tables) tables.push_back(&store.Table(table.name));
-
-  // The rows made so far, each as a row position in every table.
-  std::vector<std::vector<std::size_t>> combinations{std::vector<std::size_t>(tables.size(), 0)};
-  std::vector<bool> joined(tables.size(), false);
-  for (std::size_t round = 0; round < tables.size(); ++round) {
-    // A table that hangs together with those before it, so that no product of all rows arises on the way.
-    std::size_t next = tables.size();
-    std::vector<Condition> conditions;
-    for (std::size_t t = 0; t < tables.size() && conditions.empty(); ++t) {
-      if (joined[t]) continue;
-      if (next == tables.size()) next = t;
-      conditions = ConditionsOf(tables, design, t, joined);
-      if (!conditions.empty()) next = t;
-    }
-    joined[next] = true;
-    std::vector<std::size_t> columns;
-    for (const Condition& condition : conditions) columns.push_back(condition.ownColumn);
-    const auto& index = store.Index(design.tables[next].name, columns);
-
-    std::vector<std::vector<std::size_t>> longer;
-    for (const std::vector<std::size_t>& combination : combinations) {
-      Row wanted;
-      for (const Condition& condition : conditions) {
-        wanted.push_back(tables[condition.table]->rows[combination[condition.table]][condition.column]);
-      }
-      const auto found = index.find(wanted);
-      if (found == index.end()) continue;
-      for (const std::size_t position : found->second) {
-        if (longer.size() == most) return std::nullopt;
-        longer.push_back(combination);
-        longer.back()[next] = position;
-      }
-    }
-    combinations = std::move(longer);
-  }
-
-  std::vector<Row> rows;
-  for (const std::vector<std::size_t>& combination : combinations) {
-    Row& row = rows.emplace_back();
-    for (const Design::Field& field : design.fields) {
-      const Row& stored = tables[field.table]->rows[combination[field.table]];
-      if (field.column == "*") {
-        row.insert(row.end(), stored.begin(), stored.end());
-      } else {
-        row.push_back(stored[tables[field.table]->ColumnAt(field.column)]);
-      }
-    }
-  }
-  return rows;
 }
 
 }  // namespace zrqrybld::test

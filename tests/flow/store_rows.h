@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -74,26 +75,39 @@ struct ForeignKeyColumn {
 };
 const std::vector<ForeignKeyColumn>& StoreForeignKeys();
 
+/// A condition on a column, as it is typed and as a function that knows no SQL; none for "unknown".
+struct Criterion {
+  std::string text;
+  std::function<std::optional<bool>(const Cell&)> holds;
+};
+
 /// A query, said in positions from 0.
 struct Design {
   struct Table {
     std::string caption;
     std::string name;
   };
+  /// `left` is the end that the join is drawn from; bit 1 of `kind` keeps all rows of `right`, bit 2 those of `left`.
   struct Join {
     std::size_t left;
     std::string leftColumn;
     std::size_t right;
     std::string rightColumn;
+    int kind = 0;
   };
   struct Field {
     std::size_t table;
     std::string column;  ///< "*" stands for all columns
-    friend bool operator==(const Field&, const Field&) = default;
+    bool output = true;
+    std::string group = {};  ///< "", "Group By", "Where", "Count", "Sum", "Min" or "Max"
+    int sort = 0;            ///< the place in the sort order, negative when it descends; 0 for none
+    /// By the position of the criteria column.
+    std::map<std::size_t, Criterion> criteria = {};
   };
   std::vector<Table> tables;
   std::vector<Join> joins;
   std::vector<Field> fields;
+  bool distinct = false;
 };
 
 /// Tables with the captions that they get in a diagram: a number follows the name of a later copy.
@@ -106,7 +120,13 @@ std::vector<Design::Join> JoinsByForeignKeys(const std::vector<Design::Table>& t
 /// Whether every table hangs together with the first.
 bool IsConnected(const Design& design);
 
-/// The rows of the design with inner joins, in no order; nothing when there are more than `most`, also on the way.
+/// Whether every table is joined to those before it by joins of one kind, so that one statement can say it.
+bool HasOneKindATable(const Design& design);
+
+/// Below zero, zero or above as `a` stands before `b`, is equal or stands behind. Neither is Null.
+int Compare(const Cell& a, const Cell& b);
+
+/// The rows of the design, sorted as it says (Null first); nothing when there are more than `most`, also on the way.
 std::optional<std::vector<Row>> Evaluate(Store& store, const Design& design, std::size_t most = 200000);
 
 }  // namespace zrqrybld::test

@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "diagram/relationships.h"
 #include "tests/flow/headless_designer.h"
 #include "tests/flow/store_rows.h"
 
@@ -22,7 +21,6 @@ using test::ToText;
 
 constexpr SQLSyntaxEnum kAllSyntaxes[] = {SQLSyntaxGeneric, SQLSyntaxMSSQL, SQLSyntaxOracle, SQLSyntaxAccess,
                                           SQLSyntaxOpenSQL};
-constexpr SQLSyntaxEnum kJoinClauses[] = {SQLSyntaxMSSQL, SQLSyntaxAccess, SQLSyntaxOpenSQL};
 
 std::vector<Row> Sorted(std::vector<Row> rows) {
   std::ranges::sort(rows);
@@ -161,63 +159,6 @@ TEST(JoinsByHand, AViewJoinsATable) {
   for (const SQLSyntaxEnum syntax : kAllSyntaxes) {
     const std::string statement = designer.Statement(syntax);
     ExpectSameRows(Sorted(store.Run(ForSqlite(statement, syntax))), expected, statement);
-  }
-}
-
-// "All rows" keeps the rows of its own table that have no partner, whichever end the join was drawn from and whichever
-// table stands first in the diagram.
-TEST(OuterJoins, KeepTheRowsWithoutPartnerOfTheRightTable) {
-  Store store;
-  // What each end keeps, from the tables alone.
-  std::vector<Row> inner, lonelyEmployees, lonelyOrders;
-  {
-    Design design;
-    design.tables = test::WithCaptions({"Order", "Employees"});
-    design.joins = test::JoinsByForeignKeys(design.tables);
-    design.fields = {{0, "OrderID"}, {1, "EmployeeID"}};
-    inner = test::Evaluate(store, design).value();
-    const test::StoredTable& orders = store.Table("Order");
-    for (const Row& row : orders.rows) {
-      if (row[orders.ColumnAt("EmployeeID")].index() == 0)
-        lonelyOrders.push_back({row[orders.ColumnAt("OrderID")], {}});
-    }
-    const test::StoredTable& employees = store.Table("Employees");
-    for (const Row& row : employees.rows) {
-      const test::Cell& id = row[employees.ColumnAt("EmployeeID")];
-      const auto sold = [&](const Row& pair) { return pair[1] == id; };
-      if (std::ranges::none_of(inner, sold)) lonelyEmployees.push_back({{}, id});
-    }
-  }
-  ASSERT_FALSE(lonelyOrders.empty());
-  ASSERT_FALSE(lonelyEmployees.empty());
-
-  for (const bool orderFirst : {true, false}) {
-    for (const bool drawnFromOrder : {true, false}) {
-      for (const int kind : {0, 1, 2, 3}) {
-        SCOPED_TRACE(testing::Message() << "order first " << orderFirst << ", drawn from it " << drawnFromOrder
-                                        << ", kind " << kind);
-        HeadlessDesigner designer;
-        // Without the automatic join, so that the one drawn here is the only one.
-        for (const char* table : {orderFirst ? "Order" : "Employees", orderFirst ? "Employees" : "Order"}) {
-          designer.Hub().AddTable(table);
-        }
-        designer.Tick("Order", "OrderID");
-        designer.Tick("Employees", "EmployeeID");
-        const char* source = drawnFromOrder ? "Order" : "Employees";
-        const char* target = drawnFromOrder ? "Employees" : "Order";
-        designer.Join(source, "EmployeeID", target, "EmployeeID")->SetItemData(kind);
-
-        std::vector<Row> expected = inner;
-        const int allOrders = drawnFromOrder ? JoinAllOfSource : JoinAllOfTarget;
-        const int allEmployees = drawnFromOrder ? JoinAllOfTarget : JoinAllOfSource;
-        if ((kind & allOrders) != 0) expected.insert(expected.end(), lonelyOrders.begin(), lonelyOrders.end());
-        if ((kind & allEmployees) != 0) expected.insert(expected.end(), lonelyEmployees.begin(), lonelyEmployees.end());
-        for (const SQLSyntaxEnum syntax : kJoinClauses) {
-          const std::string statement = designer.Statement(syntax);
-          ExpectSameRows(Sorted(store.Run(ForSqlite(statement, syntax))), Sorted(expected), statement);
-        }
-      }
-    }
   }
 }
 
