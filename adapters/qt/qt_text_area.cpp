@@ -1,6 +1,9 @@
 #include "adapters/qt/qt_text_area.h"
 
+#include <QContextMenuEvent>
 #include <QFontDatabase>
+#include <QKeyEvent>
+#include <QMenu>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPolygonF>
@@ -9,14 +12,19 @@
 #include <QTextBlock>
 #include <QTextLayout>
 #include <algorithm>
+#include <memory>
 #include <utility>
 
+#include "adapters/qt/find_bar.h"
+#include "adapters/qt/qt_input.h"
 #include "adapters/qt/qt_text.h"
+#include "base/text.h"
 
 namespace zrqrybld {
 namespace {
 
 constexpr int kTabCharacters = 4;
+constexpr std::size_t kLineEnd = 2;  // CR LF in `Text()`
 constexpr int kMarginPadding = 8;
 constexpr int kRemarkPadding = 3;
 constexpr int kFewestDigits = 2;  // the margin of a short text does not jump at line 10
@@ -141,6 +149,10 @@ QtTextArea::QtTextArea(QWidget* parent) : QPlainTextEdit(parent), theme_(palette
   setFrameShape(NoFrame);
   margin_ = new Margin(*this);
   remarks_ = new RemarkLine(*this);
+  find_ = new FindBar(*this, [this] {
+    PlaceMargins();
+    MarkText();
+  });
   UpdateFont();
   connect(document(), &QTextDocument::contentsChanged, this, &QtTextArea::OnContentsChanged);
   connect(this, &QPlainTextEdit::blockCountChanged, this, &QtTextArea::PlaceMargins);
@@ -152,7 +164,7 @@ QtTextArea::QtTextArea(QWidget* parent) : QPlainTextEdit(parent), theme_(palette
     }
   });
   connect(this, &QPlainTextEdit::cursorPositionChanged, this, [this] {
-    MarkCurrentLine();
+    MarkText();
     margin_->update();
   });
 }
@@ -193,11 +205,12 @@ void QtTextArea::SetReadOnly(bool readOnly) {
   setReadOnly(readOnly);
   // A caret shows where the keyboard would copy from, and lets the arrow keys walk.
   if (readOnly) setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-  MarkCurrentLine();
+  MarkText();
 }
 
 void QtTextArea::OnContentsChanged() {
   Highlight();
+  find_->Refresh();
   if (!settingText_) boundary_.Run([this] { Edited.Raise(); });
 }
 
@@ -220,7 +233,6 @@ void QtTextArea::Highlight() {
   }
   std::ranges::stable_sort(spans, {}, &TextSpan::start);
 
-  constexpr std::size_t kLineEnd = 2;  // CR LF
   std::size_t lineStart = 0;
   std::size_t first = 0;  // spans before this one end before the line
   for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
@@ -249,18 +261,131 @@ void QtTextArea::Highlight() {
   }
 }
 
-void QtTextArea::MarkCurrentLine() {
-  QList<QTextEdit::ExtraSelection> selections;
+void QtTextArea::MarkText() {
+  QList<QTextEdit::ExtraSelection> marks;
   if (hasFocus() && !isReadOnly()) {
     QTextEdit::ExtraSelection line;
     line.format.setBackground(theme_.Of(ColorRole::RowAlternate));
     line.format.setProperty(QTextFormat::FullWidthSelection, true);
     line.cursor = textCursor();
     line.cursor.clearSelection();
-    selections.push_back(line);
+    marks.push_back(line);
   }
-  setExtraSelections(selections);
+  marks += find_->Marks(theme_);
+  if (bracketFinder_ && hasFocus()) boundary_.Run([&] { MarkBrackets(marks); });
+  setExtraSelections(marks);
 }
+
+// --- Brackets ---
+
+void QtTextArea::SetBracketFinder(BracketFinder finder) {
+  bracketFinder_ = std::move(finder);
+  MarkText();
+}
+
+void QtTextArea::MarkBrackets(QList<QTextEdit::ExtraSelection>& marks) const {
+  const int caret = textCursor().position();
+  for (const int position : {caret, caret - 1}) {
+    const QChar sign = position < 0 ? QChar() : document()->characterAt(position);
+    if (sign.isNull() || !QStringView(u"(){}").contains(sign)) continue;
+    const auto pair = bracketFinder_(Text(), OffsetOf(position));
+    if (!pair) continue;
+    for (const int place : {position, PositionOf(pair->second)}) {
+      QTextEdit::ExtraSelection mark;
+      mark.cursor = QTextCursor(document());
+      mark.cursor.setPosition(place);
+      mark.cursor.setPosition(place + 1, QTextCursor::KeepAnchor);
+      mark.format.setBackground(theme_.Of(ColorRole::RowHover));
+      mark.format.setForeground(theme_.Of(ColorRole::Keyword));
+      mark.format.setUnderlineStyle(QTextCharFormat::SingleUnderline);
+      marks.push_back(mark);
+    }
+    return;
+  }
+}
+
+// The place in `Text()` of a position in the document.
+std::size_t QtTextArea::OffsetOf(int position) const {
+  std::size_t offset = 0;
+  const QTextBlock last = document()->findBlock(position);
+  for (QTextBlock block = document()->begin(); block != last; block = block.next()) {
+    offset += SizeOf(block.text()) + kLineEnd;
+  }
+  const QString line = last.text();
+  return offset + SizeOf(QStringView(line).left(position - last.position()));
+}
+
+int QtTextArea::PositionOf(std::size_t offset) const {
+  for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
+    const QString line = block.text();
+    const std::size_t size = SizeOf(line) + kLineEnd;
+    if (offset < size) {
+      LinePlace place;
+      place.MoveTo(line, offset);
+      return block.position() + static_cast<int>(place.units);
+    }
+    offset -= size;
+  }
+  return 0;
+}
+
+// --- Keys ---
+
+// Whether the text may have the key.
+bool QtTextArea::OfferKey(const QKeyEvent& event) {
+  const KeyEvent key = ToKeyEvent(event);
+  std::int32_t keyCode = key.keyCode;
+  if (keyCode == 0) return true;
+  boundary_.Run([&] { KeyDown.Raise(keyCode, key.shift); });
+  return keyCode != 0;
+}
+
+bool QtTextArea::Find(const QKeyEvent& event) {
+  if (event.matches(QKeySequence::Find)) {
+    find_->Open();
+  } else if (event.matches(QKeySequence::FindNext) || event.matches(QKeySequence::FindPrevious)) {
+    find_->Go(event.matches(QKeySequence::FindNext));
+  } else {
+    return false;
+  }
+  return true;
+}
+
+void QtTextArea::keyPressEvent(QKeyEvent* event) {
+  if (!OfferKey(*event) || Find(*event)) {
+    event->accept();
+    return;
+  }
+  const std::string typed = ToKeyEvent(*event).text;
+  std::string text;
+  for (std::size_t at = 0; at < typed.size();) {
+    char32_t character = DecodeUtf8(typed, at);
+    boundary_.Run([&] { KeyPress.Raise(character); });
+    if (character != 0) AppendUtf8(text, character);
+  }
+  if (text == typed) {
+    QPlainTextEdit::keyPressEvent(event);
+    return;
+  }
+  event->accept();
+  if (!text.empty() && !isReadOnly()) insertPlainText(ToQString(text));
+}
+
+void QtTextArea::keyReleaseEvent(QKeyEvent* event) {
+  const KeyEvent key = ToKeyEvent(*event);
+  std::int32_t keyCode = key.keyCode;
+  if (keyCode != 0 && !event->isAutoRepeat()) boundary_.Run([&] { KeyUp.Raise(keyCode, key.shift); });
+  QPlainTextEdit::keyReleaseEvent(event);
+}
+
+void QtTextArea::contextMenuEvent(QContextMenuEvent* event) {
+  const std::unique_ptr<QMenu> menu(createStandardContextMenu());
+  menu->addSeparator();
+  menu->addAction(tr("Find\u2026"), QKeySequence::Find, find_, [this] { find_->Open(); });
+  menu->exec(event->globalPos());
+}
+
+// --- Font and colours ---
 
 void QtTextArea::UpdateFont() {
   if (updatingFont_) return;
@@ -275,7 +400,7 @@ void QtTextArea::UpdateFont() {
 
 void QtTextArea::changeEvent(QEvent* event) {
   QPlainTextEdit::changeEvent(event);
-  if (!margin_) return;  // still being made
+  if (!find_) return;  // still being made
   switch (event->type()) {
     case QEvent::FontChange:
       UpdateFont();
@@ -284,7 +409,7 @@ void QtTextArea::changeEvent(QEvent* event) {
     case QEvent::StyleChange:
       theme_ = Theme(palette());
       Highlight();
-      MarkCurrentLine();
+      MarkText();
       margin_->update();
       break;
     default:
@@ -294,12 +419,12 @@ void QtTextArea::changeEvent(QEvent* event) {
 
 void QtTextArea::focusInEvent(QFocusEvent* event) {
   QPlainTextEdit::focusInEvent(event);
-  MarkCurrentLine();
+  MarkText();
 }
 
 void QtTextArea::focusOutEvent(QFocusEvent* event) {
   QPlainTextEdit::focusOutEvent(event);
-  MarkCurrentLine();
+  MarkText();
 }
 
 // --- The margin ---
@@ -311,11 +436,14 @@ int QtTextArea::MarginWidth() const {
 
 void QtTextArea::PlaceMargins() {
   const int width = MarginWidth();
-  const int below = remarks_->Height();
+  const int remarks = remarks_->Height();
+  const int find = find_->isHidden() ? 0 : find_->sizeHint().height();
+  const int below = remarks + find;
   setViewportMargins(width, 0, 0, below);
   const QRect inside = contentsRect();
   margin_->setGeometry(inside.left(), inside.top(), width, viewport()->height());
-  remarks_->setGeometry(inside.left(), inside.bottom() + 1 - below, inside.width(), below);
+  find_->setGeometry(inside.left(), inside.bottom() + 1 - below, inside.width(), find);
+  remarks_->setGeometry(inside.left(), inside.bottom() + 1 - remarks, inside.width(), remarks);
 }
 
 void QtTextArea::SetRemarks(const std::vector<std::string>& remarks) {

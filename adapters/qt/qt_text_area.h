@@ -1,4 +1,5 @@
-// QtTextArea: a text of many lines with line numbers and, when a highlighter is set, coloured words.
+// QtTextArea: a text of many lines with line numbers, a bar to find words in it (Ctrl+F, F3) and, when they are set,
+// coloured words and matching brackets.
 //
 // Caret, selection, clipboard, undo and input methods are Qt's own.
 #pragma once
@@ -6,7 +7,9 @@
 #include <QPlainTextEdit>
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "adapters/qt/event_boundary.h"
@@ -23,6 +26,8 @@ struct TextSpan {
   ColorRole role = ColorRole::Text;
   bool bold = false;
 };
+
+class FindBar;
 
 class QtTextArea : public QPlainTextEdit, public TextArea {
   Q_OBJECT
@@ -46,6 +51,12 @@ class QtTextArea : public QPlainTextEdit, public TextArea {
   /// Colours the text from now on; an empty function stops that.
   void SetHighlighter(Highlighter highlighter);
 
+  /// Takes a whole text and the place of a bracket in it, in bytes; gives that place and its partner's.
+  using BracketFinder =
+      std::function<std::optional<std::pair<std::size_t, std::size_t>>(std::string_view text, std::size_t offset)>;
+  /// Marks the bracket beside the caret and its partner from now on; an empty function stops that.
+  void SetBracketFinder(BracketFinder finder);
+
   /// Failures of listeners and of the highlighter go here instead of into a warning.
   void SetErrorHandler(ErrorHandler handler) { boundary_.SetHandler(std::move(handler)); }
 
@@ -57,6 +68,9 @@ class QtTextArea : public QPlainTextEdit, public TextArea {
   void changeEvent(QEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
 
  private:
   class Margin;
@@ -64,7 +78,12 @@ class QtTextArea : public QPlainTextEdit, public TextArea {
 
   void OnContentsChanged();
   void Highlight();
-  void MarkCurrentLine();
+  void MarkText();
+  void MarkBrackets(QList<QTextEdit::ExtraSelection>& marks) const;
+  std::size_t OffsetOf(int position) const;
+  int PositionOf(std::size_t offset) const;
+  bool OfferKey(const QKeyEvent& event);
+  bool Find(const QKeyEvent& event);
   void UpdateFont();
   int MarginWidth() const;
   void PlaceMargins();
@@ -72,9 +91,11 @@ class QtTextArea : public QPlainTextEdit, public TextArea {
 
   Theme theme_;
   Highlighter highlighter_;
+  BracketFinder bracketFinder_;
   EventBoundary boundary_;
   Margin* margin_ = nullptr;
   RemarkLine* remarks_ = nullptr;
+  FindBar* find_ = nullptr;
   bool settingText_ = false;
   bool updatingFont_ = false;
 };

@@ -1,6 +1,7 @@
 #include "adapters/qt/query_designer_widget.h"
 
 #include "adapters/qt/sql_highlighter.h"
+#include "sql/brackets.h"
 
 namespace zrqrybld {
 namespace {
@@ -28,6 +29,7 @@ QueryDesignerWidget::QueryDesignerWidget(QWidget* parent)
   diagram_->SetControl(diagram);
   grid_->SetControl(grid->Grid());
   sql_->SetHighlighter(HighlightSql);
+  sql_->SetBracketFinder(MatchingBrackets);
   sql->AttachTextArea(sql_);
 
   for (QWidget* pane : {static_cast<QWidget*>(diagram_), static_cast<QWidget*>(grid_), static_cast<QWidget*>(sql_)}) {

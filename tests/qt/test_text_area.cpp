@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QLineEdit>
 #include <QScrollBar>
 #include <QTest>
 #include <QTextBlock>
@@ -9,6 +10,7 @@
 
 #include "adapters/qt/qt_text.h"
 #include "adapters/qt/qt_text_area.h"
+#include "sql/brackets.h"
 #include "tests/qt/palettes.h"
 
 namespace zrqrybld {
@@ -191,6 +193,92 @@ TEST(QtTextArea, TheMarginGrowsWithTheNumberOfLines) {
   EXPECT_GT(narrow, 0);
   area.SetText(std::string(1500, '\n'));
   EXPECT_GT(area.viewport()->x(), narrow);
+}
+
+// The marks that stand in the text beside the current line: "from-to" each.
+std::string Marks(const QtTextArea& area) {
+  std::string marks;
+  for (const QTextEdit::ExtraSelection& mark : area.extraSelections()) {
+    if (!mark.cursor.hasSelection()) continue;
+    marks += (marks.empty() ? "" : " ") + std::to_string(mark.cursor.selectionStart()) + "-" +
+             std::to_string(mark.cursor.selectionEnd());
+  }
+  return marks;
+}
+
+TEST(QtTextArea, TheBracketBesideTheCaretAndItsPartnerAreMarked) {
+  QtTextArea area;
+  area.SetBracketFinder(MatchingBrackets);
+  area.SetText("(ä,\r\n '(', f(x))");
+  area.show();
+  area.setFocus();
+  QApplication::setActiveWindow(&area);
+  const struct {
+    int caret;
+    const char* marks;
+  } cases[] = {{0, "0-1 14-15"}, {1, "0-1 14-15"}, {15, "14-15 0-1"}, {11, "11-12 13-14"}, {6, ""}, {9, ""}};
+  for (const auto& [caret, marks] : cases) {
+    QTextCursor cursor = area.textCursor();
+    cursor.setPosition(caret);
+    area.setTextCursor(cursor);
+    EXPECT_EQ(Marks(area), marks) << caret;
+  }
+}
+
+TEST(QtTextArea, CtrlFFindsForwardsAndBackwardsAndEscGoesBack) {
+  QtTextArea area;
+  area.SetText("ab x\r\nAB y\r\nab");
+  area.show();
+  area.setFocus();
+  QApplication::setActiveWindow(&area);
+  QTest::keyClick(&area, Qt::Key_F, Qt::ControlModifier);
+  auto* word = area.findChild<QLineEdit*>();
+  ASSERT_TRUE(word && word->isVisible() && word->hasFocus());
+  QTest::keyClicks(word, "ab");
+  const auto here = [&] { return area.textCursor().selectionStart(); };
+  EXPECT_EQ(Marks(area), "0-2 5-7 10-12");
+  EXPECT_EQ(here(), 0);
+  for (const auto& [shift, place] :
+       std::vector<std::pair<bool, int>>{{false, 5}, {false, 10}, {false, 0}, {true, 10}}) {
+    QTest::keyClick(word, Qt::Key_Return, shift ? Qt::ShiftModifier : Qt::NoModifier);
+    EXPECT_EQ(here(), place);
+  }
+  area.SetText("ab");  // the marks follow the text
+  EXPECT_EQ(Marks(area), "0-2");
+  QTest::keyClick(word, Qt::Key_Escape);
+  EXPECT_TRUE(area.hasFocus() && !word->isVisible());
+  EXPECT_EQ(Marks(area), "");
+  EXPECT_EQ(area.Text(), "ab");
+}
+
+TEST(QtTextArea, ListenersTakeAndChangeKeys) {
+  QtTextArea area;
+  std::string heard;
+  const auto down = area.KeyDown.Connect([&](std::int32_t& key, std::int32_t shift) {
+    heard += std::to_string(key) + "/" + std::to_string(shift) + " ";
+    if (key == 'X') key = 0;
+  });
+  const auto up =
+      area.KeyUp.Connect([&](std::int32_t& key, std::int32_t) { heard += "up " + std::to_string(key) + " "; });
+  const auto press = area.KeyPress.Connect([](char32_t& character) {
+    if (character == U'a') character = U'ä';
+    if (character == U'b') character = 0;
+  });
+  QTest::keyClicks(&area, "abc");
+  EXPECT_EQ(heard, "65/0 up 65 66/0 up 66 67/0 up 67 ");
+  QTest::keyClick(&area, Qt::Key_X);
+  EXPECT_EQ(area.Text(), "äc");
+}
+
+TEST(QtTextArea, RemarksStandBelowTheTextWhileThereAreAny) {
+  QtTextArea area;
+  area.resize(300, 200);
+  area.show();
+  const int before = area.viewport()->height();
+  area.SetRemarks({"One <is> said.", "Another."});
+  EXPECT_LT(area.viewport()->height(), before);
+  area.SetRemarks({});
+  EXPECT_EQ(area.viewport()->height(), before);
 }
 
 }  // namespace
