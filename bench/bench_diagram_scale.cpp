@@ -1,9 +1,4 @@
 // What one action in a diagram costs while the diagram grows: so many boxes of twenty columns, as many joins.
-//
-// A program of its own unless bench/CMakeLists.txt collects bench_*.cpp:
-//   find_package(benchmark REQUIRED)
-//   add_executable(bench_diagram_scale bench_diagram_scale.cpp)
-//   target_link_libraries(bench_diagram_scale PRIVATE zrQryBld::core benchmark::benchmark_main)
 #include <benchmark/benchmark.h>
 
 #include <cmath>
@@ -11,32 +6,13 @@
 #include <string>
 #include <vector>
 
+#include "bench/counting_canvas.h"
 #include "diagram/diagram_pane.h"
 #include "diagram/relationships.h"
 #include "platform/headless.h"
 
-namespace zrqrybld {
+namespace zrqrybld::bench {
 namespace {
-
-// Counts what it is asked to draw.
-class ScaleCanvas final : public Canvas {
- public:
-  std::size_t boxes = 0;
-  std::size_t calls = 0;
-  void FillRect(const PixelRect&, const Ink&, Pixels) override { ++calls; }
-  void StrokeRect(const PixelRect&, const Ink&, Pixels, Pixels) override { ++calls; }
-  void DrawPolyline(std::span<const PixelPoint>, const Ink&, Pixels, Pixels) override { ++calls; }
-  void FillPolygon(std::span<const PixelPoint>, const Ink&) override { ++calls; }
-  void DrawText(const PixelRect&, std::string_view, const TextStyle&) override { ++calls; }
-  void DrawImage(const PixelRect&, const Image&) override { ++calls; }
-  void DrawPart(ThemedPart, const PixelRect&, const PartState&) override { ++calls; }
-
- protected:
-  void PushClip(const PixelRect&) override { ++boxes; }  // one for each box's list
-  void PopClip() override {}
-  void PushView(PixelPoint, double) override {}
-  void PopView() override {}
-};
 
 constexpr int kColumns = 20;
 constexpr PixelPoint kDistance{170_px, 350_px};  // from one box to the next
@@ -110,6 +86,22 @@ void SelectABox(benchmark::State& state) {
   for (auto _ : state) pane->SelectObject(pane->Entities()->Item(1 + ++next % pane->Entities()->Count()));
 }
 
+// The box with the most joins goes and comes back with them.
+void DeleteABoxWithItsJoins(benchmark::State& state) {
+  const auto count = static_cast<int>(state.range(0));
+  const Ref<qbDiagramPane> pane = MakeDiagram(count);
+  for (auto _ : state) {
+    const Ref<qbEntity> box = AddBox(*pane, "new");
+    for (int i = 0; i < 10; ++i) {
+      const Ref<qbRelationship> join = pane->Entities()->Item(1 + i * count / 10)->Relationships()->Add(box);
+      join->SetSourceItemIndex(2);
+      join->SetTargetItemIndex(3 + i);
+    }
+    pane->SelectObject(box);
+    pane->OnKeyDown({KeyCodeDelete});
+  }
+}
+
 void PointAtSomething(benchmark::State& state) {
   const Ref<qbDiagramPane> pane = MakeDiagram(static_cast<int>(state.range(0)));
   std::mt19937 random(2);
@@ -119,10 +111,9 @@ void PointAtSomething(benchmark::State& state) {
 
 void PaintTheWindow(benchmark::State& state) {
   const Ref<qbDiagramPane> pane = MakeDiagram(static_cast<int>(state.range(0)));
-  ScaleCanvas canvas;
+  CountingCanvas canvas;
   for (auto _ : state) pane->Paint(canvas, {{}, {}, 1600_px, 1050_px});
-  state.counters["boxes"] = benchmark::Counter(static_cast<double>(canvas.boxes), benchmark::Counter::kAvgIterations);
-  state.counters["calls"] = benchmark::Counter(static_cast<double>(canvas.calls), benchmark::Counter::kAvgIterations);
+  state.counters["calls"] = benchmark::Counter(static_cast<double>(canvas.Calls()), benchmark::Counter::kAvgIterations);
 }
 
 // Everything moves: here the whole diagram counts.
@@ -141,9 +132,10 @@ BENCHMARK(DrawAndRemoveAJoin)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMi
 BENCHMARK(MoveABox)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(MoveTheLastBox)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(SelectABox)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(DeleteABoxWithItsJoins)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(PointAtSomething)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(PaintTheWindow)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(ArrangeTheDiagram)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
-}  // namespace zrqrybld
+}  // namespace zrqrybld::bench

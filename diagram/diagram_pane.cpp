@@ -118,18 +118,19 @@ Ref<qbLine> qbDiagramPane::LoadLine(const Ref<qbRelationship>& relationship, con
   rowMarksStale_ = true;
   // Lines between the same two boxes run side by side: each takes the first lane that is free.
   std::vector<Ref<qbLine>>& atSource = facts_[source.get()].lines;
+  const auto targetFacts = facts_.find(target.get());
+  const bool fewerAtTarget = targetFacts != facts_.end() && targetFacts->second.lines.size() < atSource.size();
+  std::set<int> taken;
+  for (const Ref<qbLine>& line : fewerAtTarget ? targetFacts->second.lines : atSource) {
+    const bool same = (line->SourceBox() == source && line->TargetBox() == target) ||
+                      (line->SourceBox() == target && line->TargetBox() == source);
+    if (same) taken.insert(line->Lane());
+  }
   int lane = 0;
-  const auto taken = [&] {
-    return std::ranges::any_of(atSource, [&](const Ref<qbLine>& line) {
-      const Ref<qbEntityList> other = line->SourceBox() == source ? line->TargetBox() : line->SourceBox();
-      return line->Lane() == lane && other == target;
-    });
-  };
-  while (taken()) ++lane;
+  while (taken.contains(lane)) ++lane;
   const Ref<qbLine> line = lines_.emplace_back(std::make_shared<qbLine>(relationship, source, target, lane));
   atSource.push_back(line);
-  const auto atTarget = facts_.find(target.get());
-  if (target != source && atTarget != facts_.end()) atTarget->second.lines.push_back(line);
+  if (target != source && targetFacts != facts_.end()) targetFacts->second.lines.push_back(line);
   return line;
 }
 
@@ -214,11 +215,27 @@ void qbDiagramPane::BoxRowChecked(const qbEntityList& box, const Ref<BoxRow>& ro
 
 void qbDiagramPane::JoinChanged(const Ref<Object>& relationship) {
   if (const auto join = std::dynamic_pointer_cast<qbRelationship>(relationship); join && join->Line()) {
+    KeepApart(*join->Line());
     join->Line()->Invalidate();
   }
   rowMarksStale_ = true;
   Refresh();
   if (const Ref<QueryContext> context = Context()) context->QueryChanged();
+}
+
+// Lines of the same two rows lie beside one another: each takes the first place that is free.
+void qbDiagramPane::KeepApart(qbLine& line) {
+  const auto source = facts_.find(line.SourceBox().get());
+  const auto target = facts_.find(line.TargetBox().get());
+  if (source == facts_.end() || target == facts_.end()) return;
+  const bool fewerAtSource = source->second.lines.size() <= target->second.lines.size();
+  std::set<int> taken;
+  for (const Ref<qbLine>& other : (fewerAtSource ? source : target)->second.lines) {
+    if (other.get() != &line && line.IsTwinOf(*other)) taken.insert(other->Twin());
+  }
+  int twin = 0;
+  while (taken.contains(twin)) ++twin;
+  line.SetTwin(twin);
 }
 
 void qbDiagramPane::JoinRemoved() {

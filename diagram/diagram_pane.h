@@ -307,6 +307,7 @@ class qbDiagramPane final : public Control, private DiagramView {
   void BoxRowChecked(const qbEntityList& box, const Ref<BoxRow>& row);
   void JoinChanged(const Ref<Object>& relationship);
   void JoinRemoved();
+  void KeepApart(qbLine& line);
 
   // The view: a point of the surface, in pixels at 100 %, stands at `Origin() + point * zoom` of the pane.
   PixelPoint Origin() const;

@@ -543,9 +543,10 @@ std::string qbDiagramPane::ToolTipAt(PixelPoint point) const {
   const PaneHit hit = HitTest(point);
   if (hit.line) {
     const Ref<qbRelationship> join = hit.line->Relationship();
-    return join ? DescribeEnds(*join) + "\n" +
-                      DescribeJoin(join->Source()->Caption(), join->Target()->Caption(), join->Kind())
-                : std::string();
+    if (!join) return {};
+    return DescribeEnds(*join) + "\n" +
+           DescribeJoin(join->Source()->Caption(), join->Target()->Caption(), join->Kind()) +
+           (hit.line->JoinsDifferentTypes() ? "\nThe two columns hold different types of data." : "");
   }
   if (!hit.box) return {};
   if (hit.part.part == BoxPart::Caption) return hit.box->Caption();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 #include "diagram/entity_item.h"
 #include "diagram/routing.h"
@@ -16,6 +17,13 @@ constexpr std::array<double, 5> kCaptionLanes = {0, 1, -1, 2, -2};
 constexpr Pixels kBend = 5_px;
 constexpr Pixels kEndMark = 4_px;
 constexpr Pixels kArrow = 8_px;
+constexpr Pixels kPicture = 14_px;
+// How far the ends of lines of the same two rows lie apart: inside the row's height, above and below by turns.
+constexpr std::array<double, 5> kTwinOffsets = {0, 5, -5, 9, -9};
+// The sign of a join's kind: two circles that overlap, those rows filled that come back.
+constexpr Pixels kCircle = 5_px;   // radius
+constexpr Pixels kOverlap = 3_px;  // from each circle's middle to that of the sign
+constexpr Pixels kSignAir = 3_px;
 
 // All rows of the table at this end: an arrow that points into its box.
 void DrawArrow(Canvas& canvas, PixelPoint tip, bool pointsRight, const Ink& ink) {
@@ -23,6 +31,34 @@ void DrawArrow(Canvas& canvas, PixelPoint tip, bool pointsRight, const Ink& ink)
   const std::array<PixelPoint, 3> triangle{tip, PixelPoint{tip.x + back, tip.y - kArrow / 2},
                                            PixelPoint{tip.x + back, tip.y + kArrow / 2}};
   canvas.FillPolygon(triangle, ink);
+}
+
+// The picture that the application has given to this end, beside its box.
+void DrawEndPicture(Canvas& canvas, PixelPoint end, bool boxIsRight, const Image& picture) {
+  canvas.DrawImage({boxIsRight ? end.x - kPicture : end.x, end.y - kPicture / 2, kPicture, kPicture}, picture);
+}
+
+void FillCircle(Canvas& canvas, PixelPoint middle, Pixels radius, const Ink& ink) {
+  canvas.FillRect({middle.x - radius, middle.y - radius, radius * 2, radius * 2}, ink, radius);
+}
+
+void StrokeCircle(Canvas& canvas, PixelPoint middle, Pixels radius, const Ink& ink) {
+  canvas.StrokeRect({middle.x - radius, middle.y - radius, radius * 2, radius * 2}, ink, 1_px, radius);
+}
+
+// What two circles share whose middles lie `kOverlap` to the left and to the right.
+std::vector<PixelPoint> Lens(PixelPoint middle) {
+  constexpr int kSteps = 6;
+  const double half = std::acos(kOverlap / kCircle);
+  std::vector<PixelPoint> points;
+  for (const double side : {1.0, -1.0}) {
+    for (int i = 0; i <= kSteps; ++i) {
+      const double angle = half * (2.0 * i / kSteps - 1);
+      points.push_back(
+          {middle.x + (kCircle * std::cos(angle) - kOverlap) * side, middle.y + kCircle * std::sin(angle) * side});
+    }
+  }
+  return points;
 }
 
 // A small square ties the line to its row; it is hollow when the row is scrolled away.
@@ -36,6 +72,29 @@ void DrawTie(Canvas& canvas, PixelPoint end, bool boxIsRight, bool atRow, const 
 }
 
 }  // namespace
+
+void qbLine::SetTwin(int twin) {
+  if (twin == twin_) return;
+  twin_ = twin;
+  Invalidate();
+}
+
+bool qbLine::IsTwinOf(const qbLine& other) const {
+  const Ref<qbRelationship> one = Relationship();
+  const Ref<qbRelationship> two = other.Relationship();
+  if (!one || !two || one == two) return false;
+  const Ref<qbEntityItem> ends[] = {one->SourceItem(), one->TargetItem(), two->SourceItem(), two->TargetItem()};
+  if (!ends[0] || !ends[1]) return false;
+  return (ends[0] == ends[2] && ends[1] == ends[3]) || (ends[0] == ends[3] && ends[1] == ends[2]);
+}
+
+bool qbLine::JoinsDifferentTypes() const {
+  const Ref<qbRelationship> join = Relationship();
+  const Ref<qbEntityItem> source = join ? join->SourceItem() : nullptr;
+  const Ref<qbEntityItem> target = join ? join->TargetItem() : nullptr;
+  if (!source || !target || source->Kind() == TypeKind::None || target->Kind() == TypeKind::None) return false;
+  return source->Kind() != target->Kind();
+}
 
 const std::vector<PixelPoint>& qbLine::Points(const ScreenScale& scale) const {
   if (!points_.empty()) return points_;
@@ -52,8 +111,9 @@ const std::vector<PixelPoint>& qbLine::Points(const ScreenScale& scale) const {
   targetAtRow_ = target->IsRowVisible(targetRow);
   // Lines whose rows are out of sight all end at the caption: there their lanes keep them apart.
   const Pixels aside = kCaptionLane * kCaptionLanes[static_cast<std::size_t>(lane_) % kCaptionLanes.size()];
-  points_ = RouteLine({scale.ToPixels(source->Bounds()), source->LineY(sourceRow) + (sourceAtRow_ ? 0_px : aside)},
-                      {scale.ToPixels(target->Bounds()), target->LineY(targetRow) + (targetAtRow_ ? 0_px : aside)},
+  const Pixels apart = Pixels(kTwinOffsets[static_cast<std::size_t>(twin_) % kTwinOffsets.size()]);
+  points_ = RouteLine({scale.ToPixels(source->Bounds()), source->LineY(sourceRow) + (sourceAtRow_ ? apart : aside)},
+                      {scale.ToPixels(target->Bounds()), target->LineY(targetRow) + (targetAtRow_ ? apart : aside)},
                       {kStub, kLaneWidth * lane_});
   return points_;
 }
@@ -73,15 +133,52 @@ void qbLine::Paint(Canvas& canvas, const ScreenScale& scale, bool selected, bool
   const PixelPoint last = points.back();
   const bool sourceIsRight = points[1].x < first.x;
   const bool targetIsRight = points[points.size() - 2].x < last.x;
-  if ((kind & JoinAllOfSource) != 0) {
-    DrawArrow(canvas, first, sourceIsRight, ink);
-  } else {
-    DrawTie(canvas, first, sourceIsRight, sourceAtRow_, ink);
-  }
-  if ((kind & JoinAllOfTarget) != 0) {
-    DrawArrow(canvas, last, targetIsRight, ink);
-  } else {
-    DrawTie(canvas, last, targetIsRight, targetAtRow_, ink);
+  const auto paintEnd = [&](PixelPoint end, bool boxIsRight, bool all, bool atRow, const Ref<Image>& picture) {
+    if (picture) {
+      DrawEndPicture(canvas, end, boxIsRight, *picture);
+    } else if (all) {
+      DrawArrow(canvas, end, boxIsRight, ink);
+    } else {
+      DrawTie(canvas, end, boxIsRight, atRow, ink);
+    }
+  };
+  const auto pictureAt = [](RelationshipIndicatorStyle style, const Ref<Image>& picture) {
+    return style == IndicatorImage ? picture : nullptr;
+  };
+  paintEnd(first, sourceIsRight, (kind & JoinAllOfSource) != 0, sourceAtRow_,
+           join ? pictureAt(join->LeftIndicator(), join->LeftPicture()) : nullptr);
+  paintEnd(last, targetIsRight, (kind & JoinAllOfTarget) != 0, targetAtRow_,
+           join ? pictureAt(join->RightIndicator(), join->RightPicture()) : nullptr);
+  PaintSign(canvas, kind, ink);
+}
+
+// In the middle of the line, on a ground of its own: the circle of the table that stands further left is the left one.
+// Columns of different types have a sign of inequality behind it.
+void qbLine::PaintSign(Canvas& canvas, std::int32_t kind, const Ink& ink) const {
+  const PixelPoint a = points_[points_.size() / 2 - 1];
+  const PixelPoint b = points_[points_.size() / 2];
+  const bool differs = JoinsDifferentTypes();
+  const Pixels warning = differs ? kCircle * 2 + kSignAir : 0_px;
+  const Pixels width = (kOverlap + kCircle + kSignAir) * 2 + warning;
+  const PixelRect ground{(a.x + b.x) / 2 - width / 2, (a.y + b.y) / 2 - kCircle - kSignAir, width,
+                         (kCircle + kSignAir) * 2};
+  canvas.FillRect(ground, ColorRole::Surface, kCircle + kSignAir);
+  const PixelPoint middle{ground.left + kSignAir + kCircle + kOverlap, ground.CenterY()};
+  const PixelPoint left{middle.x - kOverlap, middle.y};
+  const PixelPoint right{middle.x + kOverlap, middle.y};
+  const bool sourceIsLeft = points_.front().x <= points_.back().x;
+  if ((kind & (sourceIsLeft ? JoinAllOfSource : JoinAllOfTarget)) != 0) FillCircle(canvas, left, kCircle, ink);
+  if ((kind & (sourceIsLeft ? JoinAllOfTarget : JoinAllOfSource)) != 0) FillCircle(canvas, right, kCircle, ink);
+  canvas.FillPolygon(Lens(middle), ink);
+  StrokeCircle(canvas, left, kCircle, ink);
+  StrokeCircle(canvas, right, kCircle, ink);
+  if (!differs) return;
+  const PixelPoint unequal{ground.Right() - kSignAir - kCircle, middle.y};
+  for (const auto& [x1, y1, x2, y2] :
+       {std::array{-4.0, -2.0, 4.0, -2.0}, {-4.0, 2.0, 4.0, 2.0}, {3.0, -5.0, -3.0, 5.0}}) {
+    const std::array<PixelPoint, 2> stroke{PixelPoint{unequal.x + Pixels(x1), unequal.y + Pixels(y1)},
+                                           PixelPoint{unequal.x + Pixels(x2), unequal.y + Pixels(y2)}};
+    canvas.DrawPolyline(stroke, ColorRole::Warning, 1.5_px);
   }
 }
 

@@ -29,6 +29,14 @@ class qbLine final : public Object {
   Ref<qbEntityList> TargetBox() const { return target_.lock(); }
   int Lane() const { return lane_; }
 
+  /// Tells joins of the same two rows apart: 0 for the first. Their lines end a little above and below one another.
+  int Twin() const { return twin_; }
+  void SetTwin(int twin);
+  /// Whether both joins tie the same two rows, whichever way round.
+  bool IsTwinOf(const qbLine& other) const;
+  /// Whether the two columns are known to hold different kinds of data.
+  bool JoinsDifferentTypes() const;
+
   /// Whether the line is drawn as the selected object; only the look, the pane knows what is selected.
   bool Selected() const { return selected_; }
   void SetSelected(bool selected) { selected_ = selected; }
@@ -46,10 +54,13 @@ class qbLine final : public Object {
   void Paint(Canvas& canvas, const ScreenScale& scale, bool selected, bool hover) const;
 
  private:
+  void PaintSign(Canvas& canvas, std::int32_t kind, const Ink& ink) const;
+
   WeakRef<qbRelationship> relationship_;
   WeakRef<qbEntityList> source_;
   WeakRef<qbEntityList> target_;
   int lane_;
+  int twin_ = 0;
   bool selected_ = false;
   mutable std::vector<PixelPoint> points_;
   mutable bool sourceAtRow_ = true;

@@ -50,7 +50,8 @@ class qbRelationship final : public Object {
   const Variant& ItemData() const { return itemData_; }
   void SetItemData(Variant value) { itemData_ = std::move(value); }
 
-  /// A picture for the source's end. Only kept: the line draws its own end marks, from the kind of join.
+  /// A picture for the source's end, shown while `LeftIndicator` is `IndicatorImage`. Without one the line draws its
+  /// own marks, from the kind of join.
   const Ref<Image>& LeftPicture() const { return leftPicture_; }
   void SetLeftPicture(Ref<Image> picture) { leftPicture_ = std::move(picture); }
 
@@ -72,7 +73,7 @@ class qbRelationship final : public Object {
   RelationshipIndicatorStyle RightIndicator() const { return rightIndicator_; }
   void SetRightIndicator(RelationshipIndicatorStyle style);
 
-  /// A picture for the target's end. Only kept: the line draws its own end marks, from the kind of join.
+  /// A picture for the target's end, as above.
   const Ref<Image>& RightPicture() const { return rightPicture_; }
   void SetRightPicture(Ref<Image> picture) { rightPicture_ = std::move(picture); }
 

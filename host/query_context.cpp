@@ -1,5 +1,7 @@
 #include "host/query_context.h"
 
+#include <utility>
+
 #include "base/text.h"
 
 namespace zrqrybld {
@@ -56,9 +58,17 @@ void QueryContext::RunOperation(std::string_view stepName, QueryBuilderInfoEnum 
 void QueryContext::BeginStep(std::string_view) { ++stepDepth_; }
 
 void QueryContext::EndStep() {
-  if (--stepDepth_ > 0 || !changed_) return;
-  changed_ = false;
-  if (state_ == InfoDone) RefreshStatement();
+  if (--stepDepth_ > 0) return;
+  if (std::exchange(entitiesChanged_, false)) RefreshTableList();
+  if (std::exchange(changed_, false) && state_ == InfoDone) RefreshStatement();
+}
+
+void QueryContext::EntitiesChanged() {
+  if (stepDepth_ > 0) {
+    entitiesChanged_ = true;
+  } else {
+    RefreshTableList();
+  }
 }
 
 void QueryContext::QueryChanged() {

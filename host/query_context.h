@@ -154,14 +154,16 @@ class QueryContext : public Object {
   /// the outermost step; not while the designer is busy.
   void QueryChanged();
 
+  /// The set of entities or their captions have changed. The list of tables follows once, at the end of the outermost
+  /// step.
+  void EntitiesChanged();
+
   /// A column was ticked or unticked in its box.
   virtual void ItemChecked(const std::string& entityCaption, const std::string& itemText, bool checked) = 0;
   /// An entity has left the diagram.
   virtual void EntityRemoved(const std::string& caption) = 0;
   /// An entity has got another caption.
   virtual void EntityRenamed(const std::string& oldCaption, const std::string& newCaption) = 0;
-  /// The set of entities or their captions have changed.
-  virtual void EntitiesChanged() = 0;
   /// The diagram was emptied.
   virtual void DiagramCleared() = 0;
   /// The user asks for the table picker.
@@ -183,6 +185,9 @@ class QueryContext : public Object {
 
   /// Writes the statement anew.
   virtual void RefreshStatement() = 0;
+
+  /// Fills the list of tables anew.
+  virtual void RefreshTableList() = 0;
 
   LanguageTable& Language() { return language_; }
   void StoreConnection(Ref<zrqrybld::Connection> connection) {
@@ -209,6 +214,7 @@ class QueryContext : public Object {
   QueryBuilderInfoEnum state_ = InfoDone;
   int stepDepth_ = 0;
   bool changed_ = false;
+  bool entitiesChanged_ = false;
 };
 
 /// A named step for the length of a scope.

@@ -181,7 +181,7 @@ void qbQueryBuilder::EntityRenamed(const std::string& oldCaption, const std::str
                          [&](std::string_view text) { return RenameQualifier(text, oldCaption, after, rules); });
 }
 
-void qbQueryBuilder::EntitiesChanged() {
+void qbQueryBuilder::RefreshTableList() {
   if (gridPane_) gridPane_->RefreshTableList();
 }
 

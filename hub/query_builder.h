@@ -168,13 +168,13 @@ class qbQueryBuilder final : public QueryContext {
   void ItemChecked(const std::string& entityCaption, const std::string& itemText, bool checked) override;
   void EntityRemoved(const std::string& caption) override;
   void EntityRenamed(const std::string& oldCaption, const std::string& newCaption) override;
-  void EntitiesChanged() override;
   void DiagramCleared() override;
   void RequestTables() override { ShowTables(); }
   void RelationshipActivated(const Ref<qbRelationship>& relationship) override;
 
  protected:
   void RefreshStatement() override;
+  void RefreshTableList() override;
 
  private:
   explicit qbQueryBuilder(std::shared_ptr<Toolkit> toolkit) : QueryContext(std::move(toolkit)) {}

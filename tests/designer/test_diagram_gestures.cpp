@@ -10,6 +10,7 @@
 #include "base/text.h"
 #include "tests/data_table.h"
 #include "tests/designer/designer_window_test.h"
+#include "tests/qt/pictures.h"
 
 namespace zrqrybld {
 namespace {
@@ -88,6 +89,7 @@ class DiagramGestures : public test::DesignerWindow {
     const std::string what = step.substr(0, blank);
     std::string rest = blank < step.size() ? step.substr(blank + 1) : "";
     if (what == "choose") return Choose(QString::fromStdString(rest));
+    if (what == "picture") return KeepPictures(rest);
     const Qt::KeyboardModifiers modifiers = Modifiers(rest);
     if (what == "key" || what == "hold" || what == "let") {
       const QKeyCombination key = QKeySequence(QString::fromStdString(rest))[0];
@@ -148,6 +150,7 @@ class DiagramGestures : public test::DesignerWindow {
       for (QAction* action : menu->actions()) {
         if (!action->isEnabled() || !action->text().remove(QLatin1Char('&')).startsWith(wanted)) continue;
         menu->setActiveAction(action);
+        KeepPicture(Paint(*menu), "menu-" + test::Utf8(wanted.simplified().remove(QLatin1Char(' '))));
         if (menu->isVisible()) QTest::keyClick(menu, Qt::Key_Return);
         return;
       }
@@ -156,6 +159,17 @@ class DiagramGestures : public test::DesignerWindow {
     });
     timer.start(20);
     QTest::mouseClick(Diagram(), Qt::RightButton, {}, pointer_);
+  }
+
+  void KeepPictures(const std::string& name) {
+    for (const auto& [scheme, palette] : TestPalettes()) {
+      if (scheme != "light" && scheme != "dark") continue;
+      const ScopedPalette scoped(palette);
+      for (const int scale : {1, 2}) {
+        KeepPicture(Paint(Designer().DiagramView(), scale),
+                    "diagram-" + name + "-" + scheme + "-" + std::to_string(scale));
+      }
+    }
   }
 
   // --- What can be seen ---

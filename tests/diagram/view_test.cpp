@@ -269,6 +269,7 @@ TEST_F(View, LinesBetweenTheSameBoxesDoNotLieOnOneAnother) {
   const Ref<qbEntity> b = Add("b", Columns(30));
   std::vector<Ref<qbRelationship>> joins;
   for (std::int32_t i = 0; i < 4; ++i) joins.push_back(Join(i % 2 == 0 ? a : b, 2 + i, i % 2 == 0 ? b : a, 5 - i));
+  for (const bool fromA : {true, false}) joins.push_back(fromA ? Join(a, 9, b, 9) : Join(b, 9, a, 9));  // the same rows
   const struct {
     const char* what;
     float left, top;
