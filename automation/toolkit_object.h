@@ -79,7 +79,7 @@ class TablesDialogObject final : public DialogObject<const TablesDialog> {
   const std::vector<std::string>& Tables() const { return Shown().tables; }
   const std::vector<std::string>& Views() const { return Shown().views; }
   /// Adds one or several tables, as the add button does.
-  void Add(const std::vector<std::string>& names) { Shown().add(names); }
+  void Add(const std::vector<std::string>& names) { Shown().add(names, {}); }
 };
 
 /// The properties of a join. Accepted only when the handler says so.

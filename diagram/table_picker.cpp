@@ -214,20 +214,37 @@ void TablePicker::ShowTables() {
   dialog.closeButton = context_->GetLanguageString(LanguageTableCloseButton);
   dialog.tables = std::move(lists.tables);
   dialog.views = std::move(lists.views);
-  dialog.add = [this](const std::vector<std::string>& names) {
+  dialog.add = [this](const std::vector<std::string>& names, const TablesDialog::Progress& progress) {
+    std::size_t added = 0;
     try {
-      AddTables(names);
+      AddTables(names, [&](std::size_t count) {
+        added = count;
+        if (progress) progress(count);
+      });
     } catch (const Error& error) {
       context_->GetToolkit().GetDialogs().ShowMessage(error.Description(), MessageIcon::Critical);
     }
+    return added;
   };
   context_->GetToolkit().GetDialogs().ShowTables(dialog);
 }
 
-void TablePicker::AddTables(const std::vector<std::string>& names) {
+void TablePicker::AddTables(const std::vector<std::string>& names, const TablesDialog::Progress& progress) {
   context_->RunOperation("Add tables", InfoAddTables, [&] {
     context_->RaiseInfo(InfoAddTables, static_cast<std::int32_t>(names.size()));
-    for (const std::string& name : names) AddTable(name);
+    try {
+      for (std::size_t i = 0; i < names.size(); ++i) {
+        AddTable(names[i]);
+        if (progress) progress(i + 1);
+      }
+    } catch (const Error&) {
+      try {
+        RefreshRelationships(context_);
+      } catch (const Error&) {
+        // The first failure is the one to tell.
+      }
+      throw;
+    }
     RefreshRelationships(context_);
   });
 }

@@ -40,8 +40,8 @@ class TablePicker {
   Ref<qbEntity> AddTable(const std::string& tableName);
 
   /// Adds several tables and draws the joins that the source's foreign keys name. Errors as above; the tables before
-  /// the one that failed stay.
-  void AddTables(const std::vector<std::string>& names);
+  /// the one that failed stay, with their joins. `progress` hears of each that was added.
+  void AddTables(const std::vector<std::string>& names, const TablesDialog::Progress& progress = {});
 
   /// Whether the source has a table or view with this name. Errors are the source's own.
   bool HasTable(const std::string& tableName);

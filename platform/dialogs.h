@@ -2,6 +2,7 @@
 // the toolkit's.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -22,8 +23,11 @@ struct TablesDialog {
   std::string closeButton;
   std::vector<std::string> tables;
   std::vector<std::string> views;
-  /// Adds these tables or views to the query. Tells the user about failures itself.
-  std::function<void(const std::vector<std::string>& names)> add;
+  /// Told while several are added: how many are there already.
+  using Progress = std::function<void(std::size_t added)>;
+  /// Adds these tables or views to the query and returns how many were added. Tells the user about failures itself;
+  /// `progress` may be empty.
+  std::function<std::size_t(const std::vector<std::string>& names, const Progress& progress)> add;
 };
 
 /// The properties of a join. An ampersand in a caption marks the access key, but not one in a table's name.

@@ -1,5 +1,6 @@
 #include "adapters/qt/tables_window.h"
 
+#include <QElapsedTimer>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QItemSelectionModel>
@@ -115,14 +116,25 @@ void TablesWindow::Filter(const QString& text) {
 bool TablesWindow::AddSelected() {
   const std::vector<std::string> names = SelectedNames();
   if (names.empty() || !dialog_.add) return false;
-  const bool added = boundary_.Run([&] { dialog_.add(names); });
-  if (added) {
-    lastAction_ = names.size() == 1 ? tr("%1 was added.").arg(ToQString(names.front()))
-                                    : tr("%1 were added.").arg(static_cast<qulonglong>(names.size()));
-    ShowCounts();
-    filter_->selectAll();  // the next table's name replaces the text
-  }
-  return added;
+  std::size_t added = 0;
+  QElapsedTimer shown;
+  shown.start();
+  const bool ran = boundary_.Run([&] {
+    added = dialog_.add(names, [&](std::size_t count) {
+      constexpr int kMilliseconds = 100;
+      if (count == names.size() || shown.elapsed() < kMilliseconds) return;
+      shown.restart();
+      counts_->setText(tr("Adding %1 of %2...").arg(count + 1).arg(names.size()));
+      counts_->repaint();  // the diagram behind it follows when all are there
+    });
+  });
+  if (!ran) return false;
+  lastAction_ = added < names.size() ? tr("%1 of %2 were added.").arg(added).arg(names.size())
+                : added == 1         ? tr("%1 was added.").arg(ToQString(names.front()))
+                                     : tr("%1 were added.").arg(added);
+  ShowCounts();
+  filter_->selectAll();  // the next table's name replaces the text
+  return added == names.size();
 }
 
 void TablesWindow::ShowCounts() {

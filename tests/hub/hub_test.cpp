@@ -50,9 +50,9 @@ TEST_F(Hub, ThePickerListsTablesAndViewsAndAddsWhatIsPicked) {
     EXPECT_EQ(dialog.tables, (std::vector<std::string>{"Customers", "Orders"}));
     EXPECT_EQ(dialog.views, std::vector<std::string>{"dbo.v"});
     EXPECT_EQ(dialog.tablesTab, "&Tables");
-    EXPECT_EQ(Changes([&] { dialog.add({"Customers", "Orders", "dbo.v"}); }), 1);
+    EXPECT_EQ(Changes([&] { dialog.add({"Customers", "Orders", "dbo.v"}, {}); }), 1);
     source->failures[SchemaKind::Columns] = 5;
-    dialog.add({"Orders"});
+    dialog.add({"Orders"}, {});
   };
   hub->ShowTables();
   EXPECT_EQ(Joins(), "Orders.CustomerID>Customers.CustomerID");

@@ -31,7 +31,11 @@ class TablesWindowTest : public testing::Test {
             .closeButton = "&Close",
             .tables = {"Customers", "Order Details", "Orders", "Größen"},
             .views = {"Order Totals"},
-            .add = [this](const Names& names) { added.push_back(names); }};
+            .add = [this](const Names& names, const TablesDialog::Progress& progress) {
+              for (std::size_t i = 1; i <= names.size(); ++i) progress(i);
+              added.push_back(names);
+              return names.size() - (names.size() > 3 ? 1 : 0);  // of many, the last one fails
+            }};
   }
   void Open(const TablesDialog& dialog) {
     window = std::make_unique<TablesWindow>(dialog);
@@ -82,6 +86,12 @@ TEST_F(TablesWindowTest, SeveralAreAddedInTheOrderOfTheList) {
                     list->visualRect(list->model()->index(1, 0)).center());
   Button("&Add")->click();
   EXPECT_EQ(added, (std::vector<Names>{{"Customers", "Orders", "Größen"}}));
+  EXPECT_TRUE(Counts().contains(QStringLiteral("3 were added"))) << ToUtf8(Counts());
+  list->selectAll();
+  Button("Add an&d Close")->click();
+  EXPECT_TRUE(Counts().contains(QStringLiteral("3 of 4 were added"))) << ToUtf8(Counts());
+  EXPECT_TRUE(window->isVisible()) << "a failure is to be seen";
+  added.pop_back();
 
   QTest::keyClick(list, Qt::Key_Home);
   QTest::keyClick(list, Qt::Key_Return);
@@ -108,7 +118,9 @@ TEST_F(TablesWindowTest, AccessKeysReachTabsAndButtons) {
 
 TEST_F(TablesWindowTest, AFailureWhileAddingKeepsTheWindowOpen) {
   TablesDialog dialog = Dialog();
-  dialog.add = [](const Names&) { throw std::runtime_error("no such table"); };
+  dialog.add = [](const Names&, const TablesDialog::Progress&) -> std::size_t {
+    throw std::runtime_error("no such table");
+  };
   Open(dialog);
   std::string failure;
   window->SetErrorHandler([&](const std::exception& error) { failure = error.what(); });
@@ -192,7 +204,10 @@ TEST(QtDialogs, ShowTablesReturnsWhenTheWindowIsClosed) {
                                    .closeButton = "&Close",
                                    .tables = {"a", "b"},
                                    .views = {},
-                                   .add = [&](const Names& names) { added = names; }});
+                                   .add = [&](const Names& names, const TablesDialog::Progress&) {
+                                     added = names;
+                                     return names.size();
+                                   }});
   EXPECT_EQ(added, Names{"b"});
 }
 
