@@ -452,11 +452,11 @@ void qbDiagramPane::ReadProperties(const PropertyStore& store) {
 
 void qbDiagramPane::WriteProperties(PropertyStore& store) const {
   store.Write("EntityMinimizeButton", entityMinimizeButton_, true);
-  store.Write("OLEDropMode", static_cast<std::int32_t>(oleDropMode_), 0);
   store.Write("EntityBackColor", ToVariant(entityBackColor_));
   store.Write("EntityForeColor", ToVariant(entityForeColor_));
   store.Write("EntityFrameColor", ToVariant(entityFrameColor_));
   store.Write("BackColor", ToVariant(backColor_));
+  store.Write("OLEDropMode", static_cast<std::int32_t>(oleDropMode_), 0);
   store.Write("EntityFont", ToVariant(entityFont_));
   store.Write("EntityCaptionFont", ToVariant(entityCaptionFont_));
 }
