@@ -62,40 +62,6 @@ TEST_F(DesignerWindow, AClickOnTheGridsOutputUnticksTheColumn) {
   EXPECT_EQ(Statement().find("City"), std::string::npos);
 }
 
-TEST_F(DesignerWindow, ABoxFollowsItsCaptionAndTheLineFollowsTheBox) {
-  OpenSampleWith({"Customers", "Order"});
-  ASSERT_EQ(Hub().Entities()->Item("Order")->Relationships()->Count(), 1);
-  const qbLine& line = *Hub().Entities()->Item("Order")->Relationships()->Item(1)->Line();
-  const ScreenScale scale;
-  const TwipsRect before = Box("Order").Bounds();
-  const std::vector<PixelPoint> pathBefore = line.Points(scale);
-  const QImage pictureBefore = Diagram()->grab().toImage();
-  const QPoint from = Caption("Order");
-  const QPoint way(140, 60);
-
-  QTest::mousePress(Diagram(), Qt::LeftButton, {}, from);
-  for (int step = 1; step <= 5; ++step) QTest::mouseMove(Diagram(), from + way * step / 5);
-  QTest::qWait(1);
-  QTest::mouseRelease(Diagram(), Qt::LeftButton, {}, from + way);
-
-  const TwipsRect after = Box("Order").Bounds();
-  EXPECT_EQ(after.left - before.left, scale.TwipsX(Pixels(way.x())));
-  EXPECT_EQ(after.top - before.top, scale.TwipsY(Pixels(way.y())));
-  EXPECT_EQ(after.width, before.width);
-  const std::vector<PixelPoint> path = line.Points(scale);
-  ASSERT_GE(path.size(), 2u);
-  // The end at the box that stayed is where it was; the other has moved with its box.
-  EXPECT_EQ(path.back().y, pathBefore.back().y);
-  EXPECT_EQ(path.front().y, pathBefore.front().y + Pixels(way.y()));
-  EXPECT_NE(Diagram()->grab().toImage(), pictureBefore);
-
-  // The drag is over: the box does not stick to the pointer, and its columns still react where they are now.
-  QTest::mouseMove(Diagram(), from);
-  EXPECT_EQ(Box("Order").Bounds(), after);
-  Click(CheckBox("Order", "Freight"));
-  EXPECT_EQ(GridRows(), "Order.Freight");
-}
-
 TEST_F(DesignerWindow, TheDialectBoxRewritesTheStatement) {
   OpenSampleWith({"Customers", "Order", "Order Lines"});
   Click(CheckBox("Customers", "City"));

@@ -33,32 +33,6 @@ TEST_F(DiagramPane, AClickOnTheCheckBoxTicksTheColumn) {
   EXPECT_EQ(a->SelectedItem()->Text(), "id");  // the row under the pointer, for its menu
 }
 
-TEST_F(DiagramPane, ABoxIsDraggedByItsCaptionAndStaysOnTheSurface) {
-  const Ref<qbEntity> a = Add("a");
-  const PixelPoint start = OnCaption(*a);
-  const auto drag = [&](PixelPoint by) { pane->OnMouseMove({ButtonLeft, ShiftNone, start + by}); };
-  pane->OnMouseDown({ButtonLeft, ShiftNone, start});
-  EXPECT_TRUE(Surface().IsCaptured());
-  drag({2_px, 2_px});
-  EXPECT_EQ(a->Left(), 0);  // a trembling hand moves nothing
-  drag({100_px, 40_px});
-  EXPECT_EQ(a->Left(), 1500);
-  EXPECT_EQ(a->Top(), 600);
-  drag({-500_px, -500_px});
-  EXPECT_EQ(a->Left(), 0);
-  EXPECT_EQ(a->Top(), 0);
-  drag({20_px, 0_px});
-  pane->OnMouseUp({ButtonLeft, ShiftNone, start + PixelPoint{20_px, 0_px}});
-  EXPECT_FALSE(Surface().IsCaptured());
-  drag({300_px, 300_px});
-  EXPECT_EQ(a->Left(), 300);
-  // The box may go while it is being dragged.
-  pane->OnMouseDown({ButtonLeft, ShiftNone, OnCaption(*a)});
-  pane->Clear();
-  EXPECT_FALSE(Surface().IsCaptured());
-  drag({50_px, 50_px});
-}
-
 TEST_F(DiagramPane, SelectsBoxesAndJoinsOneAtATime) {
   const Ref<qbEntity> a = Add("a");
   const Ref<qbEntity> b = Add("b");
