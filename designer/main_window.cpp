@@ -99,6 +99,9 @@ void MainWindow::MakeMenus() {
   view->addAction(tr("Zoom &Out"), QKeySequence::ZoomOut, this, [zoomBy] { zoomBy(1 / kZoomStep); });
   view->addAction(tr("&Actual Size"), QKeySequence(Qt::CTRL | Qt::Key_0), this,
                   [zoomBy, diagram] { zoomBy(1 / diagram().Zoom()); });
+  view->addSeparator();
+  view->addAction(tr("&Copy Diagram as Picture"), this, [diagram] { diagram().CopyPicture(); });
+  view->addAction(tr("&Save Diagram as Picture..."), this, [diagram] { diagram().AskToSavePicture(); });
 
   QMenu* help = menuBar()->addMenu(tr("&Help"));
   help->addAction(tr("&About"), this, [this] {
