@@ -13,7 +13,7 @@ namespace {
 constexpr Pixels kStub = 14_px;
 constexpr Pixels kLaneWidth = 6_px;
 constexpr Pixels kCaptionLane = 4_px;
-constexpr std::array<double, 5> kCaptionLanes = {0, 1, -1, 2, -2};
+constexpr std::array<double, 7> kCaptionLanes = {0, 1, -1, 2, -2, 3, -3};
 constexpr Pixels kBend = 5_px;
 constexpr Pixels kEndMark = 4_px;
 constexpr Pixels kArrow = 8_px;
@@ -24,6 +24,7 @@ constexpr std::array<double, 5> kTwinOffsets = {0, 5, -5, 9, -9};
 constexpr Pixels kCircle = 5_px;   // radius
 constexpr Pixels kOverlap = 3_px;  // from each circle's middle to that of the sign
 constexpr Pixels kSignAir = 3_px;
+constexpr Pixels kSignRoom = 12_px;  // beside it, to each box
 
 // All rows of the table at this end: an arrow that points into its box.
 void DrawArrow(Canvas& canvas, PixelPoint tip, bool pointsRight, const Ink& ink) {
@@ -59,6 +60,26 @@ std::vector<PixelPoint> Lens(PixelPoint middle) {
     }
   }
   return points;
+}
+
+// The sign of a join's kind: what is filled comes back.
+void DrawKind(Canvas& canvas, PixelPoint middle, bool allOfLeft, bool allOfRight, const Ink& ink) {
+  const PixelPoint left{middle.x - kOverlap, middle.y};
+  const PixelPoint right{middle.x + kOverlap, middle.y};
+  if (allOfLeft) FillCircle(canvas, left, kCircle, ink);
+  if (allOfRight) FillCircle(canvas, right, kCircle, ink);
+  canvas.FillPolygon(Lens(middle), ink);
+  StrokeCircle(canvas, left, kCircle, ink);
+  StrokeCircle(canvas, right, kCircle, ink);
+}
+
+void DrawInequality(Canvas& canvas, PixelPoint middle) {
+  for (const auto& [x1, y1, x2, y2] :
+       {std::array{-4.0, -2.0, 4.0, -2.0}, {-4.0, 2.0, 4.0, 2.0}, {3.0, -5.0, -3.0, 5.0}}) {
+    const std::array<PixelPoint, 2> stroke{PixelPoint{middle.x + Pixels(x1), middle.y + Pixels(y1)},
+                                           PixelPoint{middle.x + Pixels(x2), middle.y + Pixels(y2)}};
+    canvas.DrawPolyline(stroke, ColorRole::Warning, 1.5_px);
+  }
 }
 
 // A small square ties the line to its row; it is hollow when the row is scrolled away.
@@ -153,33 +174,27 @@ void qbLine::Paint(Canvas& canvas, const ScreenScale& scale, bool selected, bool
 }
 
 // In the middle of the line, on a ground of its own: the circle of the table that stands further left is the left one.
-// Columns of different types have a sign of inequality behind it.
+// Columns of different types have a sign of inequality behind it. In a narrow gap there is no room for circles: there
+// the ends alone tell the kind.
 void qbLine::PaintSign(Canvas& canvas, std::int32_t kind, const Ink& ink) const {
-  const PixelPoint a = points_[points_.size() / 2 - 1];
-  const PixelPoint b = points_[points_.size() / 2];
+  const std::size_t bend = points_.size() / 2;
+  const PixelPoint a = points_[bend - 1];
+  const PixelPoint b = points_[bend];
+  const auto beside = [](PixelPoint end, PixelPoint at) { return Pixels(std::fabs((at.x - end.x).Value())); };
+  const bool roomy = std::min(beside(points_.front(), a), beside(points_.back(), b)) >= kSignRoom;
   const bool differs = JoinsDifferentTypes();
-  const Pixels warning = differs ? kCircle * 2 + kSignAir : 0_px;
-  const Pixels width = (kOverlap + kCircle + kSignAir) * 2 + warning;
+  if (!roomy && !differs) return;
+  const Pixels circles = roomy ? (kOverlap + kCircle) * 2 + kSignAir : 0_px;
+  const Pixels width = circles + kSignAir + (differs ? kCircle * 2 + kSignAir : 0_px);
   const PixelRect ground{(a.x + b.x) / 2 - width / 2, (a.y + b.y) / 2 - kCircle - kSignAir, width,
                          (kCircle + kSignAir) * 2};
   canvas.FillRect(ground, ColorRole::Surface, kCircle + kSignAir);
-  const PixelPoint middle{ground.left + kSignAir + kCircle + kOverlap, ground.CenterY()};
-  const PixelPoint left{middle.x - kOverlap, middle.y};
-  const PixelPoint right{middle.x + kOverlap, middle.y};
   const bool sourceIsLeft = points_.front().x <= points_.back().x;
-  if ((kind & (sourceIsLeft ? JoinAllOfSource : JoinAllOfTarget)) != 0) FillCircle(canvas, left, kCircle, ink);
-  if ((kind & (sourceIsLeft ? JoinAllOfTarget : JoinAllOfSource)) != 0) FillCircle(canvas, right, kCircle, ink);
-  canvas.FillPolygon(Lens(middle), ink);
-  StrokeCircle(canvas, left, kCircle, ink);
-  StrokeCircle(canvas, right, kCircle, ink);
-  if (!differs) return;
-  const PixelPoint unequal{ground.Right() - kSignAir - kCircle, middle.y};
-  for (const auto& [x1, y1, x2, y2] :
-       {std::array{-4.0, -2.0, 4.0, -2.0}, {-4.0, 2.0, 4.0, 2.0}, {3.0, -5.0, -3.0, 5.0}}) {
-    const std::array<PixelPoint, 2> stroke{PixelPoint{unequal.x + Pixels(x1), unequal.y + Pixels(y1)},
-                                           PixelPoint{unequal.x + Pixels(x2), unequal.y + Pixels(y2)}};
-    canvas.DrawPolyline(stroke, ColorRole::Warning, 1.5_px);
-  }
+  const bool allOfLeft = (kind & (sourceIsLeft ? JoinAllOfSource : JoinAllOfTarget)) != 0;
+  const bool allOfRight = (kind & (sourceIsLeft ? JoinAllOfTarget : JoinAllOfSource)) != 0;
+  const Pixels middle = ground.left + kSignAir + kCircle + kOverlap;
+  if (roomy) DrawKind(canvas, {middle, ground.CenterY()}, allOfLeft, allOfRight, ink);
+  if (differs) DrawInequality(canvas, {ground.Right() - kSignAir - kCircle, ground.CenterY()});
 }
 
 }  // namespace zrqrybld
