@@ -76,7 +76,7 @@ Menu qbDiagramPane::MenuForBox(const Ref<qbEntity>& entity) {
   const bool minimized = box->Minimized();
   const bool several = !alsoSelected_.empty();
   return {
-      {"A&lias...", "F2", [this, entity] { AskForAlias(entity); }, Context() != nullptr},
+      {"Alia&s...", "F2", [this, entity] { AskForAlias(entity); }, Context() != nullptr},
       MenuEntry::Separator(),
       {"Tick &All Columns", "", [this, entity] { CheckAll(entity, true, false); }},
       {"Tick &Key Columns", "", [this, entity] { CheckAll(entity, true, true); }},
