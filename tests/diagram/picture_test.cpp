@@ -1,5 +1,7 @@
 // Arranging boxes, and pictures of the diagram.
 #include <chrono>
+#include <filesystem>
+#include <fstream>
 #include <random>
 
 #include "base/text.h"
@@ -194,6 +196,44 @@ TEST_F(Picture, IsWellFormedAndShowsEveryNameWhateverItHolds) {
   EXPECT_EQ(texts, expected);
   pane->Clear();
   EXPECT_EQ(WrongWith(pane->PictureSvg(), texts), "");
+}
+
+TEST_F(Picture, OfTheApplicationStandsWhereItIsNamed) {
+  const Ref<qbEntity> a = Add("a");
+  const Ref<qbEntity> b = Add("b");
+  const auto images = std::make_shared<ImageList>();
+  images->Add(std::make_shared<Image>(1, 1, std::vector<std::uint32_t>{1}), "one");
+  pane->SetItemsImageList(images);
+  const auto drawn = [&] {
+    return std::ranges::count_if(Drawn(), [](const auto& l) { return l.starts_with("image "); });
+  };
+  for (const auto& [icon, kept, count] : std::vector<std::tuple<Variant, Variant, int>>{
+           {"two", {}, 0}, {"ONE", "ONE", 1}, {2, "ONE", 1}, {1, 1, 1}, {{}, {}, 0}}) {
+    a->Items()->Item(2)->SetSmallIcon(icon);
+    EXPECT_EQ(a->Items()->Item(2)->SmallIcon(), kept) << icon.Text();
+    EXPECT_EQ(drawn(), count) << icon.Text();
+  }
+  const Ref<qbRelationship> join = Join(a, 2, b, 2);
+  join->SetLeftPicture(images->Item(1));
+  EXPECT_EQ(drawn(), 0);
+  join->SetLeftIndicator(IndicatorImage);
+  EXPECT_EQ(drawn(), 1);
+}
+
+TEST_F(Picture, IsSavedAndCopied) {
+  Add("a");
+  const std::string path = testing::TempDir() + "ä diagram.SVG";
+  pane->SavePicture(path);
+  std::ifstream file(std::filesystem::path(std::u8string(path.begin(), path.end())), std::ios::binary);
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), pane->PictureSvg());
+  for (const char* bad : {"/nowhere/a.svg", "a.png"}) {
+    EXPECT_EQ(test::ErrorOf([&] { pane->SavePicture(bad); }), ErrorFileNotWritten) << bad;
+  }
+  EXPECT_TRUE(pane->CopyPicture());
+  RecordingCanvas copied, whole;
+  Surface().CopiedPicture().paint(copied);
+  pane->PaintPicture(whole);
+  EXPECT_EQ(copied.Text(), whole.Text());
 }
 
 // Neither selection nor zoom nor scrolling is in the picture; all boxes and lines are.
