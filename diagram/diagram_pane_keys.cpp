@@ -327,7 +327,9 @@ bool qbDiagramPane::DeleteSelected() {
     BeforeDeleteObject.Raise(object, cancel);
     return cancel;
   });
-  const StepScope step(Context(), "Delete");
+  const StepScope step(Context(), SelectedJoin()          ? "Delete join"
+                                  : alsoSelected_.empty() ? "Remove table"
+                                                          : "Remove tables");
   for (const Ref<Object>& object : objects) {
     if (object == selected_) DropSelection();
     if (const auto entity = std::dynamic_pointer_cast<qbEntity>(object)) {
