@@ -50,6 +50,12 @@ void BoxRow::SetKind(TypeKind kind) {
   Changed();
 }
 
+void BoxRow::SetNote(ColumnNote note) {
+  if (note == note_) return;
+  note_ = std::move(note);
+  Changed();
+}
+
 void BoxRow::SetToolTipText(std::string text) { toolTipText_ = std::move(text); }
 
 Ref<BoxRow> BoxRows::Add(std::string text, std::string key) {

@@ -22,6 +22,15 @@ class BoxRows;
 /// What a column holds, as far as its row shows it.
 enum class TypeKind : std::uint8_t { None, Number, Text, Date, YesNo, Binary, Other };
 
+/// What the query does with a column, as its row shows it.
+struct ColumnNote {
+  int sort = 0;           ///< 1 ascending, -1 descending, 0 not sorted
+  std::string order;      ///< the column's place among the sorted ones
+  std::string aggregate;  ///< how it is grouped; "" when the query does not group
+  bool filtered = false;  ///< it has criteria
+  friend bool operator==(const ColumnNote&, const ColumnNote&) = default;
+};
+
 class BoxRow final : public Object {
  public:
   std::string_view TypeName() const override { return "BoxRow"; }
@@ -49,6 +58,9 @@ class BoxRow final : public Object {
   /// What the column holds; shown as a small icon.
   TypeKind Kind() const { return kind_; }
   void SetKind(TypeKind kind);
+  /// What the query does with the column; the hub sets it from the grid.
+  const ColumnNote& Note() const { return note_; }
+  void SetNote(ColumnNote note);
   const std::string& ToolTipText() const { return toolTipText_; }
   void SetToolTipText(std::string text);
 
@@ -67,6 +79,7 @@ class BoxRow final : public Object {
   Color foreColor_ = Color::System(8);
   Variant smallIcon_;
   TypeKind kind_ = TypeKind::None;
+  ColumnNote note_;
   std::string toolTipText_;
 };
 

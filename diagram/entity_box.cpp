@@ -295,6 +295,32 @@ void qbEntityList::PaintCaption(Canvas& canvas, const PixelRect& place, const Bo
   canvas.DrawText({left, bar.top, right - left, bar.height}, caption_, {ink, font});
 }
 
+// What the query does with the column, at the right end of `rect`. Returns where it begins.
+Pixels qbEntityList::PaintNote(Canvas& canvas, const PixelRect& rect, const ColumnNote& note, const Ink& ink) const {
+  constexpr Pixels kOrder = 16_px;
+  constexpr Pixels kAggregate = 48_px;
+  Pixels right = rect.Right();
+  const auto take = [&](Pixels width) {
+    right -= width;
+    return PixelRect{right, rect.top, width, rect.height};
+  };
+  if (note.filtered) {
+    DrawIcon(canvas, Icon::Filter, take(kIcon).Inset(0_px, (rect.height - kIcon) / 2), ink);
+    right -= kIconGap / 2;
+  }
+  if (note.sort != 0) {
+    if (!note.order.empty()) canvas.DrawText(take(kOrder), note.order, {ink, metrics_.font});
+    DrawIcon(canvas, note.sort > 0 ? Icon::Ascending : Icon::Descending,
+             take(kIcon).Inset(0_px, (rect.height - kIcon) / 2), ink);
+    right -= kIconGap / 2;
+  }
+  if (!note.aggregate.empty()) {
+    canvas.DrawText(take(kAggregate), note.aggregate, {ink, metrics_.font, TextAlignment::Right});
+    right -= kIconGap;
+  }
+  return right;
+}
+
 void qbEntityList::PaintRow(Canvas& canvas, const PixelRect& rect, const BoxRow& row, const BoxLook& look) const {
   const bool selected = look.active && &row == selectedRow_.get();
   const bool hover = row.Index() == look.hover.row;
@@ -327,6 +353,10 @@ void qbEntityList::PaintRow(Canvas& canvas, const PixelRect& rect, const BoxRow&
     DrawIcon(canvas, Icon::Joined, {right - kIcon, rect.CenterY() - kIcon / 2, kIcon, kIcon},
              marked ? ColorRole::JoinSelected : ColorRole::Join);
     right -= kIcon + kIconGap;
+  }
+  if (row.Note() != ColumnNote{}) {
+    right = PaintNote(canvas, {left, rect.top, right - left, rect.height}, row.Note(),
+                      selected ? ink : Ink(ColorRole::QuietText));
   }
   Font font = metrics_.font;
   font.bold = row.Bold();

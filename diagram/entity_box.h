@@ -175,6 +175,7 @@ class qbEntityList final : public Object {
   PixelRect MinimizeRect(const PixelRect& place) const;
   PixelRect ScrollMarkRect(const PixelRect& place) const;
   void PaintCaption(Canvas& canvas, const PixelRect& place, const BoxLook& look) const;
+  Pixels PaintNote(Canvas& canvas, const PixelRect& rect, const ColumnNote& note, const Ink& ink) const;
   void PaintRow(Canvas& canvas, const PixelRect& rect, const BoxRow& row, const BoxLook& look) const;
 
   BoxMetrics metrics_;

@@ -61,6 +61,24 @@ void DrawIcon(Canvas& canvas, Icon icon, const PixelRect& rect, const Ink& ink) 
       pen.Fill(1, 5.5, 5, 5);
       pen.Fill(10, 5.5, 5, 5);
       break;
+    case Icon::Ascending:
+      pen.Line(8, 3.5, 8, 13);
+      pen.Line(4.5, 7, 8, 3.5);
+      pen.Line(8, 3.5, 11.5, 7);
+      break;
+    case Icon::Descending:
+      pen.Line(8, 3, 8, 12.5);
+      pen.Line(4.5, 9, 8, 12.5);
+      pen.Line(8, 12.5, 11.5, 9);
+      break;
+    case Icon::Filter:
+      pen.Line(2.5, 3.5, 13.5, 3.5);
+      pen.Line(2.5, 3.5, 6.7, 8.5);
+      pen.Line(13.5, 3.5, 9.3, 8.5);
+      pen.Line(6.7, 8.5, 6.7, 13.5);
+      pen.Line(9.3, 8.5, 9.3, 11.5);
+      pen.Line(6.7, 13.5, 9.3, 11.5);
+      break;
     case Icon::Minimize:
       pen.Line(4, 10, 8, 6);
       pen.Line(8, 6, 12, 10);

@@ -11,6 +11,9 @@ enum class Icon : std::uint8_t {
   View,
   Key,
   Joined,
+  Ascending,
+  Descending,
+  Filter,
   Minimize,
   Restore,
 };

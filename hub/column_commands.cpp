@@ -1,4 +1,8 @@
 // What the diagram's menu of a column does in the grid.
+#include <unordered_map>
+#include <utility>
+
+#include "base/text.h"
 #include "grid/grid_columns.h"
 #include "hub/query_builder.h"
 
@@ -62,6 +66,48 @@ void qbQueryBuilder::GoToCriterion(const std::string& entityCaption, const std::
   if (row == 0) return;
   gridPane_->Grid()->GotoRowCol(row, "criteria");
   gridPane_->Grid()->GetSurface().SetFocus();
+}
+
+namespace {
+
+// What a row of the grid says about its column, besides what its other rows have said.
+void AddTo(ColumnNote& note, const zrGridRow& row, bool grouped) {
+  const auto text = [&row](std::size_t column) { return row.ValueAt(column).Text(); };
+  const std::string sort = text(kColumnSortType);
+  if (EqualsNoCase(sort, "Ascending") || EqualsNoCase(sort, "Descending")) {
+    note.sort = EqualsNoCase(sort, "Ascending") ? 1 : -1;
+    note.order = text(kColumnSortOrder);
+  }
+  if (grouped) note.aggregate = text(kColumnGroupBy);
+  for (const std::size_t column : {kColumnCriteria, kColumnOr1, kColumnOr2, kColumnOr3}) {
+    note.filtered = note.filtered || !row.ValueAt(column).IsBlank();
+  }
+}
+
+}  // namespace
+
+// The boxes show what the grid does with their columns.
+void qbQueryBuilder::NoteColumns() {
+  std::unordered_map<Ref<BoxRow>, ColumnNote> notes;
+  const Ref<qbEntities> entities = Entities();
+  const std::int32_t count = entities && gridPane_ ? gridPane_->RowCount() : 0;
+  for (std::int32_t i = 1; i <= count; ++i) {
+    const zrGridRow& row = gridPane_->Grid()->Rows()->At(static_cast<std::size_t>(i));
+    const std::string* table = row.ValueAt(kColumnTable).StringIf();
+    const std::string* column = row.ValueAt(kColumnColumn).StringIf();
+    const Ref<qbEntity> entity = table && column && !table->empty() ? entities->FindExactly(*table) : nullptr;
+    const Ref<qbEntityItem> item = entity ? entity->Items()->Item(*column) : nullptr;
+    const Ref<BoxRow> shown = item ? entity->EntityBox()->Rows().At(static_cast<std::size_t>(item->Index())) : nullptr;
+    if (shown) AddTo(notes[shown], row, gridPane_->ShowGroupBy());
+  }
+  for (const WeakRef<BoxRow>& before : std::exchange(noted_, {})) {
+    const Ref<BoxRow> row = before.lock();
+    if (row && !notes.contains(row)) row->SetNote({});
+  }
+  for (auto& [row, note] : notes) {
+    if (note != ColumnNote{}) noted_.push_back(row);
+    row->SetNote(std::move(note));
+  }
 }
 
 }  // namespace zrqrybld

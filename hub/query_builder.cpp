@@ -156,6 +156,7 @@ QuerySnapshot qbQueryBuilder::Snapshot() const {
 
 void qbQueryBuilder::RefreshStatement() {
   if (sqlPane_) sqlPane_->Refresh();
+  NoteColumns();
 }
 
 // --- What the panes tell ---

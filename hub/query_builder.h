@@ -178,6 +178,7 @@ class qbQueryBuilder final : public QueryContext {
 
  private:
   explicit qbQueryBuilder(std::shared_ptr<Toolkit> toolkit) : QueryContext(std::move(toolkit)) {}
+  void NoteColumns();
   std::int32_t RowOfColumn(const std::string& entityCaption, const std::string& column) const;
   std::int32_t MakeRowOfColumn(const std::string& entityCaption, const std::string& column, bool output);
   std::string TryConnection(const std::string& connectionString) const;
@@ -192,6 +193,7 @@ class qbQueryBuilder final : public QueryContext {
   Ref<qbGridPane> gridPane_;
   Ref<qbSQLPane> sqlPane_;
   std::optional<Error> lastError_;
+  std::vector<WeakRef<BoxRow>> noted_;  // rows of boxes that show what the grid does with them
   bool allowJoinProperties_ = false;
   bool connectOnLoad_ = true;
   bool distinctRecords_ = false;

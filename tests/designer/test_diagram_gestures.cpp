@@ -20,6 +20,7 @@ class DiagramGestures : public test::DesignerWindow {
   void Begin() {
     Hub().DiagramPane()->Clear();
     Hub().DiagramPane()->SetZoom(1, {});
+    Grid().SetShowGroupBy(false);
     ASSERT_EQ(test::Utf8(window.AddTables({"Customers", "Order", "Order Lines"}).join("; ")), "");
     Designer().DiagramView().setFocus();
     heard_.clear();
@@ -199,12 +200,30 @@ class DiagramGestures : public test::DesignerWindow {
     return text;
   }
 
-  // The answer to "joins", "selected", "grid", "tables", "zoom", "scrolled", "cursor", "heard", "dragged", "statement",
-  // "copied" or "Order: left", "top", "width", "height", "first" (in pixels; the first visible row).
+  // What the boxes show of the grid, for instance "Order.Freight<1 Sum?": descending as the first, summed, with
+  // criteria.
+  std::string Notes() {
+    std::string text;
+    for (std::int32_t i = 1; i <= Hub().Entities()->Count(); ++i) {
+      const qbEntityList& box = *Hub().Entities()->Item(i)->EntityBox();
+      for (std::size_t row = 1; row <= box.Rows().Count(); ++row) {
+        const ColumnNote& note = box.Rows().At(row)->Note();
+        if (note == ColumnNote{}) continue;
+        text += (text.empty() ? "" : " ") + box.Caption() + "." + box.Rows().At(row)->Text();
+        if (note.sort != 0) text += (note.sort > 0 ? ">" : "<") + note.order;
+        text += (note.aggregate.empty() ? "" : " ") + note.aggregate + (note.filtered ? "?" : "");
+      }
+    }
+    return text;
+  }
+
+  // The answer to "joins", "notes", "selected", "grid", "tables", "zoom", "scrolled", "cursor", "heard", "dragged",
+  // "statement", "copied" or "Order: left", "top", "width", "height", "first" (in pixels; the first visible row).
   std::string Answer(const std::string& question) {
     const qbDiagramPane& pane = *Hub().DiagramPane();
     ControlWidget& view = Designer().DiagramView();
     if (question == "joins") return Joins();
+    if (question == "notes") return Notes();
     if (question == "selected") return Selected();
     if (question == "grid") return GridRows();
     if (question == "zoom") return std::to_string(std::lround(pane.Zoom() * 100));
