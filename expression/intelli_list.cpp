@@ -23,22 +23,22 @@ bool IsWritten(const SuggestionList& list) {
 
 }  // namespace
 
-Ref<qbIntelliList> qbIntelliList::Create(const Ref<QueryContext>& context, std::shared_ptr<SchemaCache> facts,
-                                         EditedText kind) {
-  return Ref<qbIntelliList>(new qbIntelliList(context, std::move(facts), kind));
+Ref<qbIntelliList> qbIntelliList::Create(const Ref<QueryContext>& context, EditedText kind) {
+  return Ref<qbIntelliList>(new qbIntelliList(context, kind));
 }
 
 void qbIntelliList::Prepare() {
-  if (context_.lock()) facts_->Refresh();
+  if (const Ref<QueryContext> context = context_.lock()) context->Schema()->Refresh();
 }
 
 SuggestionList qbIntelliList::Ask(std::string_view text, std::size_t caret) {
   const Ref<QueryContext> context = context_.lock();
   if (!context) return {};
-  facts_->Refresh();
+  const std::shared_ptr<SchemaCache> facts = context->Schema();
+  facts->Refresh();
   const Vocabulary words = ReadVocabulary(*context);
   const NameRules names = CurrentNameRules(*context);
-  return Suggest({text, caret, kind_, *facts_, words, names});
+  return Suggest({text, caret, kind_, *facts, words, names});
 }
 
 void qbIntelliList::OnTyped(std::string_view text, std::size_t caret, bool inserted) {

@@ -19,7 +19,6 @@
 namespace zrqrybld {
 
 class QueryContext;
-class SchemaCache;
 
 /// A piece of text that takes the place of another; ranges count bytes, those of the fields in the new piece.
 struct TextReplacement {
@@ -32,8 +31,7 @@ struct TextReplacement {
 class qbIntelliList final : public Object {
  public:
   /// A list for texts of one kind, closed. It knows nothing once the context is gone.
-  static Ref<qbIntelliList> Create(const Ref<QueryContext>& context, std::shared_ptr<SchemaCache> facts,
-                                   EditedText kind);
+  static Ref<qbIntelliList> Create(const Ref<QueryContext>& context, EditedText kind);
   std::string_view TypeName() const override { return "qbIntelliList"; }
 
   /// The list was opened, closed or filled anew, or another entry stands out.
@@ -64,14 +62,12 @@ class qbIntelliList final : public Object {
   std::size_t From() const { return list_.from; }
 
  private:
-  qbIntelliList(const Ref<QueryContext>& context, std::shared_ptr<SchemaCache> facts, EditedText kind)
-      : context_(context), facts_(std::move(facts)), kind_(kind) {}
+  qbIntelliList(const Ref<QueryContext>& context, EditedText kind) : context_(context), kind_(kind) {}
   SuggestionList Ask(std::string_view text, std::size_t caret);
   void Show(SuggestionList list, std::ptrdiff_t selected);
   bool MoveTo(std::ptrdiff_t index);
 
   WeakRef<QueryContext> context_;
-  std::shared_ptr<SchemaCache> facts_;
   EditedText kind_;
   SuggestionList list_;
   std::ptrdiff_t selected_ = -1;

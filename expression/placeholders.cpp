@@ -44,17 +44,4 @@ TextTemplate ReadTemplate(std::string_view syntax) {
   return result;
 }
 
-std::string FillTemplate(const TextTemplate& pattern, const std::vector<std::string>& values) {
-  std::string text;
-  std::size_t done = 0;
-  for (std::size_t i = 0; i < pattern.fields.size(); ++i) {
-    const TextRange& field = pattern.fields[i];
-    const bool filled = i < values.size() && !values[i].empty();
-    text += pattern.text.substr(done, field.start - done);
-    text += filled ? values[i] : pattern.text.substr(field.start, field.length);
-    done = field.start + field.length;
-  }
-  return text + pattern.text.substr(done);
-}
-
 }  // namespace zrqrybld

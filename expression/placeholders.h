@@ -25,8 +25,4 @@ struct TextTemplate {
 /// placeholder.
 TextTemplate ReadTemplate(std::string_view syntax);
 
-/// The template's text with values put into its fields, in their order; a field whose value is empty or missing stays
-/// as it is.
-std::string FillTemplate(const TextTemplate& pattern, const std::vector<std::string>& values);
-
 }  // namespace zrqrybld

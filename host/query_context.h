@@ -33,6 +33,7 @@ class qbEntities;
 class qbEntity;
 class qbQueryBuilder;
 class qbRelationship;
+class SchemaCache;
 struct QuerySnapshot;
 
 /// What the designer is busy with, and what the event `Info` reports.
@@ -129,6 +130,9 @@ class QueryContext : public Object {
   /// Makes the query what the statement says. SyntaxError for a text that cannot be read or shown: nothing has changed
   /// then. Errors of the data source while tables are added leave what was done.
   virtual void LoadStatement(const std::string& sql) = 0;
+
+  /// What the expression tools know of the source; never nothing.
+  virtual std::shared_ptr<SchemaCache> Schema() = 0;
 
   // --- State, progress, steps ---
 

@@ -154,6 +154,11 @@ QuerySnapshot qbQueryBuilder::Snapshot() const {
   return snapshot;
 }
 
+std::shared_ptr<SchemaCache> qbQueryBuilder::Schema() {
+  if (!schema_) schema_ = std::make_shared<SchemaCache>(*this);
+  return schema_;
+}
+
 void qbQueryBuilder::RefreshStatement() {
   if (sqlPane_) sqlPane_->Refresh();
   NoteColumns();

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "diagram/diagram_pane.h"
+#include "expression/schema_cache.h"
 #include "grid/grid_pane.h"
 #include "host/query_context.h"
 #include "platform/property_store.h"
@@ -159,6 +160,7 @@ class qbQueryBuilder final : public QueryContext {
   std::string DateFormat() const override;
   QuerySnapshot Snapshot() const override;
   void LoadStatement(const std::string& sql) override;
+  std::shared_ptr<SchemaCache> Schema() override;
   std::optional<ColumnUse> UseOfColumn(const std::string& entityCaption, const std::string& column) const override;
   void SortByColumn(const std::string& entityCaption, const std::string& column, const std::string& type) override;
   void GroupColumn(const std::string& entityCaption, const std::string& column, const std::string& choice) override;
@@ -192,6 +194,7 @@ class qbQueryBuilder final : public QueryContext {
   Ref<qbDiagramPane> diagramPane_;
   Ref<qbGridPane> gridPane_;
   Ref<qbSQLPane> sqlPane_;
+  std::shared_ptr<SchemaCache> schema_;
   std::optional<Error> lastError_;
   std::vector<WeakRef<BoxRow>> noted_;  // rows of boxes that show what the grid does with them
   bool allowJoinProperties_ = false;

@@ -429,7 +429,14 @@ void QtTextArea::focusOutEvent(QFocusEvent* event) {
 
 // --- The margin ---
 
+void QtTextArea::SetLineNumbers(bool shown) {
+  lineNumbers_ = shown;
+  margin_->setVisible(shown);
+  PlaceMargins();
+}
+
 int QtTextArea::MarginWidth() const {
+  if (!lineNumbers_) return 0;
   const auto digits = std::max<qsizetype>(QString::number(blockCount()).size(), kFewestDigits);
   return 2 * kMarginPadding + static_cast<int>(digits) * fontMetrics().horizontalAdvance(QLatin1Char('9'));
 }

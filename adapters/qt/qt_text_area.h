@@ -57,6 +57,12 @@ class QtTextArea : public QPlainTextEdit, public TextArea {
   /// Marks the bracket beside the caret and its partner from now on; an empty function stops that.
   void SetBracketFinder(BracketFinder finder);
 
+  /// Asks the highlighter again: what it says depends on more than the text.
+  void Rehighlight() { Highlight(); }
+
+  /// Whether the lines are numbered; they are at first.
+  void SetLineNumbers(bool shown);
+
   /// Failures of listeners and of the highlighter go here instead of into a warning.
   void SetErrorHandler(ErrorHandler handler) { boundary_.SetHandler(std::move(handler)); }
 
@@ -96,6 +102,7 @@ class QtTextArea : public QPlainTextEdit, public TextArea {
   Margin* margin_ = nullptr;
   RemarkLine* remarks_ = nullptr;
   FindBar* find_ = nullptr;
+  bool lineNumbers_ = true;
   bool settingText_ = false;
   bool updatingFont_ = false;
 };

@@ -1,5 +1,6 @@
 #include "adapters/qt/query_designer_widget.h"
 
+#include "adapters/qt/predictive_text.h"
 #include "adapters/qt/sql_highlighter.h"
 #include "sql/brackets.h"
 
@@ -31,6 +32,7 @@ QueryDesignerWidget::QueryDesignerWidget(QWidget* parent)
   sql_->SetHighlighter(HighlightSql);
   sql_->SetBracketFinder(MatchingBrackets);
   sql->AttachTextArea(sql_);
+  new PredictiveText(*sql_, qbIntelliList::Create(hub_, EditedText::Statement));  // the text area owns it
 
   for (QWidget* pane : {static_cast<QWidget*>(diagram_), static_cast<QWidget*>(grid_), static_cast<QWidget*>(sql_)}) {
     addWidget(pane);

@@ -8,33 +8,15 @@
 #include "base/text.h"
 #include "expression/intelli_list.h"
 #include "expression/schema_cache.h"
-#include "hub/query_builder.h"
 #include "sql/source_rules.h"
 #include "tests/data_table.h"
-#include "tests/fakes/fake_connection.h"
+#include "tests/expression/known_source.h"
 
 namespace zrqrybld::test {
 namespace {
 
-class SuggestionsTest : public testing::Test {
+class SuggestionsTest : public testing::Test, protected KnownSource {
  protected:
-  SuggestionsTest() {
-    source->Table("Customers", {"CustomerID", "Company Name", "City"});
-    source->Table("Orders", {"OrderID", "CustomerID", "Order", "Total"});
-    source->Table("Order Details", {"OrderID", "Line", "Quantity"});
-    source->Table("Shipments", {"ShipID", "OrderID", "Line"});
-    source->Table("Targets", {"Year", "Goal"}, "sales");
-    source->Table("BigOrders", {"OrderID", "Total"}, "", "VIEW");
-    source->ForeignKey("Orders", "CustomerID", "Customers", "CustomerID");
-    source->ForeignKey("Order Details", "OrderID", "Orders", "OrderID");
-    source->ForeignKey("Shipments", "OrderID", "Order Details", "OrderID");
-    source->ForeignKey("Shipments", "Line", "Order Details", "Line");
-    source->Literal("SCHEMA_SEPARATOR", ".");
-    source->Open("", "");
-    hub->SetDiagramPane(diagram);
-    hub->SetConnection(source);
-  }
-
   // What is written for each suggestion at the "^" of the text. A kind in lower case: Orders stands in the diagram.
   std::vector<std::string> Inserts(char kind, std::string text) {
     const std::size_t caret = text.find('^');
@@ -54,10 +36,6 @@ class SuggestionsTest : public testing::Test {
     }
     return inserts;
   }
-
-  Ref<FakeConnection> source = std::make_shared<FakeConnection>();
-  Ref<qbQueryBuilder> hub = qbQueryBuilder::Create();
-  Ref<qbDiagramPane> diagram = qbDiagramPane::Create();
 };
 
 TEST_F(SuggestionsTest, FitThePlace) {
@@ -82,8 +60,7 @@ TEST_F(SuggestionsTest, FitThePlace) {
 // The source is asked for its tables when an editor gets the keyboard, and for a table when it is used for the first
 // time; nothing else is asked while one types, also when the source fails.
 TEST_F(SuggestionsTest, AskTheSourceOnce) {
-  const auto facts = std::make_shared<SchemaCache>(*hub);
-  const Ref<qbIntelliList> list = qbIntelliList::Create(hub, facts, EditedText::Statement);
+  const Ref<qbIntelliList> list = qbIntelliList::Create(hub, EditedText::Statement);
   const auto asked = [&](const auto& action) {
     source->asked.clear();
     action();
@@ -152,8 +129,7 @@ class TypedText {
 TEST_F(SuggestionsTest, FollowTheKeys) {
   for (const Row& row : ReadRows("typing.txt")) {
     SCOPED_TRACE(row.place + ": " + row[0] + " " + row[1]);
-    const Ref<qbIntelliList> list =
-        qbIntelliList::Create(hub, std::make_shared<SchemaCache>(*hub), EditedText::Statement);
+    const Ref<qbIntelliList> list = qbIntelliList::Create(hub, EditedText::Statement);
     TypedText text(list, row[0]);
     for (std::size_t at = 0; at < row[1].size();) {
       const std::size_t end = row[1][at] == '{' ? row[1].find('}', at) : at;
