@@ -32,7 +32,7 @@ void qbSQLPane::AttachTextArea(TextArea* area) {
   textArea_ = area ? area : headless_.get();
   textArea_->SetText(text);
   textArea_->SetReadOnly(locked_);
-  ShowRemarks();
+  textArea_->SetRemarks(Remarks());
   ListenToTextArea();
 }
 
@@ -46,11 +46,11 @@ void qbSQLPane::ListenToTextArea() {
   links_.push_back(textArea_->KeyPress.Connect([this](char32_t& character) { KeyPress.Raise(character); }));
 }
 
-void qbSQLPane::ShowRemarks() {
+std::vector<std::string> qbSQLPane::Remarks() const {
   std::vector<std::string> remarks;
   remarks.reserve(diagnostics_.size());
   for (const SQLDiagnostic& diagnostic : diagnostics_) remarks.push_back(diagnostic.text);
-  textArea_->SetRemarks(remarks);
+  return remarks;
 }
 
 // --- Properties ---
@@ -113,7 +113,7 @@ std::string qbSQLPane::Generate(const std::string& orExpression, const std::stri
 void qbSQLPane::Refresh() {
   const std::string text = Generate({}, {});
   if (text.empty()) diagnostics_.clear();  // nothing was generated
-  ShowRemarks();
+  textArea_->SetRemarks(Remarks());
   SetSQLStatement(text);
 }
 

@@ -58,6 +58,9 @@ class qbSQLPane final : public Object {
   /// What there is to say about the statement generated last; empty while there is none.
   const std::vector<SQLDiagnostic>& Diagnostics() const { return diagnostics_; }
 
+  /// The sentences of these, for a person.
+  std::vector<std::string> Remarks() const;
+
   /// The tables of the statement generated last, as they stand in FROM.
   const qbJoins& Joins() const { return joins_; }
 
@@ -101,7 +104,6 @@ class qbSQLPane final : public Object {
   qbSQLPane();
   std::string Generate(const std::string& orExpression, const std::string& andExpression);
   void ListenToTextArea();
-  void ShowRemarks();
 
   WeakRef<QueryContext> context_;
   std::unique_ptr<TextArea> headless_;

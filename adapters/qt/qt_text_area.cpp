@@ -1,5 +1,6 @@
 #include "adapters/qt/qt_text_area.h"
 
+#include <QApplication>
 #include <QContextMenuEvent>
 #include <QFontDatabase>
 #include <QKeyEvent>
@@ -153,6 +154,12 @@ QtTextArea::QtTextArea(QWidget* parent) : QPlainTextEdit(parent), theme_(palette
     PlaceMargins();
     MarkText();
   });
+  // What is said about the text is not in the text's fixed font.
+  QFont plain = QApplication::font();
+  plain.setFamilies(plain.families());  // otherwise the text's family would be handed down
+  plain.setStyleHint(QFont::AnyStyle);
+  remarks_->setFont(plain);
+  find_->setFont(plain);
   UpdateFont();
   connect(document(), &QTextDocument::contentsChanged, this, &QtTextArea::OnContentsChanged);
   connect(this, &QPlainTextEdit::blockCountChanged, this, &QtTextArea::PlaceMargins);
