@@ -27,7 +27,7 @@ enum QueryBuilderErrorEnum : std::int32_t {
 enum CommonErrorEnum : std::int32_t {
   ErrorTypeMismatch = 13,          ///< a value cannot be read as the type asked for
   ErrorNoSuchItem = 9,             ///< no such position or key
-  ErrorFileNotWritten = 75,        ///< a file cannot be written
+  ErrorFileAccess = 75,            ///< a file cannot be read or written
   ErrorObjectRemoved = 91,         ///< the object was removed from its collection
   ErrorDuplicateKey = 457,         ///< the key is already in use
   ErrorConnectionFailed = 3706,    ///< no provider, or the provider cannot open the source

@@ -178,7 +178,7 @@ void qbDiagramPane::SavePicture(const std::string& path) const {
   std::ofstream file(std::filesystem::path(std::u8string(path.begin(), path.end())), std::ios::binary);
   file << PictureSvg();
   file.close();
-  if (!file) throw Error(ErrorFileNotWritten, "The picture cannot be written to " + path + ".");
+  if (!file) throw Error(ErrorFileAccess, "The picture cannot be written to " + path + ".");
 }
 
 void qbDiagramPane::AskToSavePicture() {

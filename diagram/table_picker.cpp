@@ -13,6 +13,21 @@
 namespace zrqrybld {
 namespace {
 
+// Two parts are schema and table; of more, the last two count and the one before is the catalog.
+SchemaRestrictions RestrictionsFor(const std::vector<Identifier>& parts) {
+  SchemaRestrictions restrictions;
+  const auto part = [&](std::size_t fromEnd) -> std::optional<std::string> {
+    if (parts.size() <= fromEnd || parts[parts.size() - 1 - fromEnd].Empty()) return std::nullopt;
+    return parts[parts.size() - 1 - fromEnd].Name();
+  };
+  restrictions.table = part(0);
+  restrictions.schema = part(1);
+  restrictions.catalog = part(2);
+  return restrictions;
+}
+
+}  // namespace
+
 TypeKind KindOfType(std::int32_t code) {
   switch (static_cast<DataTypeCode>(code)) {
     case DataTypeCode::SmallInt:
@@ -49,21 +64,6 @@ TypeKind KindOfType(std::int32_t code) {
   }
   return TypeKind::Other;
 }
-
-// Two parts are schema and table; of more, the last two count and the one before is the catalog.
-SchemaRestrictions RestrictionsFor(const std::vector<Identifier>& parts) {
-  SchemaRestrictions restrictions;
-  const auto part = [&](std::size_t fromEnd) -> std::optional<std::string> {
-    if (parts.size() <= fromEnd || parts[parts.size() - 1 - fromEnd].Empty()) return std::nullopt;
-    return parts[parts.size() - 1 - fromEnd].Name();
-  };
-  restrictions.table = part(0);
-  restrictions.schema = part(1);
-  restrictions.catalog = part(2);
-  return restrictions;
-}
-
-}  // namespace
 
 // The first copy keeps its separators; later copies lose them, so that a number can follow.
 std::string TablePicker::FreshKey(const std::string& tableName) const {

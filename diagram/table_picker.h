@@ -29,6 +29,9 @@ struct SourceColumn {
   bool isLong = false;
 };
 
+/// What a column of this type shows in its box; `code` is a `DataTypeCode`.
+TypeKind KindOfType(std::int32_t code);
+
 class TablePicker {
  public:
   explicit TablePicker(Ref<QueryContext> context) : context_(std::move(context)) {}

@@ -123,6 +123,15 @@ class qbGridPane final : public Object {
   /// expression or a criterion.
   void RenameTable(const std::string& before, const std::string& after,
                    const std::function<std::string(std::string_view)>& rewrite);
+  /// A cell of a saved query: its row and column from 1, and its text.
+  struct LoadedCell {
+    std::int32_t row;
+    std::size_t column;
+    std::string text;
+  };
+  /// Replaces all rows by those of a saved query, without the rules of editing. One empty row follows them, and the
+  /// boxes are ticked as the rows output. Error 40005 for an "output" that is no truth.
+  void LoadRows(const std::vector<LoadedCell>& cells);
   /// Empties the grid: the initial empty rows are back.
   void ResetRows();
 
@@ -151,6 +160,8 @@ class qbGridPane final : public Object {
   void SetRowGroupBy(zrGridRow& row);
   void CloseSortGaps();
 
+  void LoadCell(const LoadedCell& cell);
+  void TickOutputs();
   std::int32_t TickRows(const std::string& fieldName, const std::string& tableName);
   void UntickRows(const std::string& fieldName, const std::string& tableName);
   void SetCells(zrGridRow& row, const RowContent& content);

@@ -80,9 +80,21 @@ class qbQueryBuilder final : public QueryContext {
   Ref<qbGridPane> GridPane() const { return gridPane_; }
   void SetGridPane(const Ref<qbGridPane>& pane);
 
+  /// Reads a saved query, a file or with `fileIsData` its text, into what is there: nothing is cleared. Names the
+  /// file's statement and connection string in the two results, where given; with `returnParametersOnly` that is all.
+  /// True, or False when the saved connection cannot be opened (see `LastError`). Error 40003 when the query cannot be
+  /// read; what was read until then stays.
+  bool LoadQuery(const std::string& filename, bool fileIsData = false, bool returnParametersOnly = false,
+                 std::string* sqlStatement = nullptr, std::string* connectionString = nullptr);
+
   /// Replaces all captions by those of a language file. Always False, also on success: a failure is error
   /// 40000.
   bool LoadLanguageFile(const std::string& path);
+
+  /// Saves the query to a file, which is replaced whole or not at all, or with `returnData` as text into `filename`.
+  /// Always False, also on success: a failure is error 75 with the system's reason.
+  bool SaveQuery(std::string& filename, bool returnData = false);
+  bool SaveQuery(const std::string& filename);
 
   /// Lets the user edit the kind of a join. Returns whether it was accepted; `ItemData` holds the kind then.
   bool ShowJoinProperties(const Ref<qbRelationship>& relationship);
@@ -125,6 +137,10 @@ class qbQueryBuilder final : public QueryContext {
   /// Whether a saved query carries the connection string; False at first.
   bool SaveConnectionString() const { return saveConnectionString_; }
   void SetSaveConnectionString(bool save) { Store(saveConnectionString_, save, "SaveConnectionString"); }
+
+  /// Whether a saved connection string keeps its passwords; False at first. This is not stored with the options.
+  bool SavePassword() const { return savePassword_; }
+  void SetSavePassword(bool save) { savePassword_ = save; }
 
   /// The longest alias in characters; 0 means no limit.
   std::int16_t AliasMaxLen() const override { return aliasMaxLen_; }
@@ -205,6 +221,7 @@ class qbQueryBuilder final : public QueryContext {
   FieldOrderEnum retrieveFieldOrder_ = FieldOrderDefault;
   bool saveLoadEntityItems_ = false;
   bool saveConnectionString_ = false;
+  bool savePassword_ = false;
   std::int16_t aliasMaxLen_ = 0;
 };
 

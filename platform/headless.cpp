@@ -22,7 +22,7 @@ const ScrollState& HeadlessSurface::ScrollBar(Orientation orientation) const {
 }
 
 void HeadlessSurface::SavePng(const Picture&, const std::string& path) {
-  throw Error(ErrorFileNotWritten, "Without a window no PNG picture can be drawn: " + path);
+  throw Error(ErrorFileAccess, "Without a window no PNG picture can be drawn: " + path);
 }
 
 Variant MemoryPropertyStore::Read(std::string_view key, const Variant& defaultValue) const {

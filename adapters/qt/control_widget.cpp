@@ -170,7 +170,7 @@ bool ControlWidget::CopyPicture(const Picture& picture) {
 void ControlWidget::SavePng(const Picture& picture, const std::string& path) {
   QImageWriter writer(ToQString(path), "PNG");
   if (writer.write(DrawToImage(picture, theme_, metrics_, this))) return;
-  throw Error(ErrorFileNotWritten, ToUtf8(tr("%1 cannot be written: %2").arg(ToQString(path), writer.errorString())));
+  throw Error(ErrorFileAccess, ToUtf8(tr("%1 cannot be written: %2").arg(ToQString(path), writer.errorString())));
 }
 
 void ControlWidget::scrollContentsBy(int, int) {}  // the control moves its contents itself

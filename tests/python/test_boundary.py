@@ -66,6 +66,7 @@ class EveryMember(unittest.TestCase):
         "FindByIndicator": (3,), "FindByIndicatorLong": (3, False), "FindByText": ("orderid",),
         "GetLanguageString": (1,), "HasTable": ("Order",), "HideColumn": (1,), "ShowColumn": (1,),
         "LoadLanguageFile": (str(DATA.parent.parent / "samples/languages/german.txt"),), "OpenSchema": (20,),
+        "LoadQuery": ("Version=1", True), "SaveQuery": ("", True),
         "QuoteIdentifier": ("a b",), "Remove": (1,), "SetLanguageString": (1, "x"), "Test": ("x",),
         "ReadProperty": ("x",), "WriteProperty": ("x", 1), "CreateImage": (1, 1, [0]),
         "SavePicture": (os.path.join(tempfile.gettempdir(), "diagram.svg"),),

@@ -1,0 +1,71 @@
+// Rows as a saved query holds them: set as they are, without the rules of editing.
+#include <string>
+#include <unordered_set>
+
+#include "base/scoped_value.h"
+#include "diagram/entities.h"
+#include "grid/grid_columns.h"
+#include "grid/grid_pane.h"
+
+namespace zrqrybld {
+namespace {
+
+std::string FieldKey(const std::string& table, const std::string& column) {
+  return std::to_string(table.size()) + ":" + table + column;
+}
+
+}  // namespace
+
+void qbGridPane::LoadRows(const std::vector<LoadedCell>& cells) {
+  const StepScope step(context_.lock(), "Load rows");
+  const ScopedValue busy(busy_, true);
+  grdPane_->SetAutoRedraw(false);
+  grdPane_->Rows()->Clear();
+  try {
+    for (const LoadedCell& cell : cells) {
+      while (RowCount() < cell.row) AddEmptyRow();
+      LoadCell(cell);
+    }
+  } catch (...) {
+    grdPane_->SetAutoRedraw(true);
+    throw;
+  }
+  EnsureEmptyLastRow();
+  TickOutputs();
+  grdPane_->SetAutoRedraw(true);
+  ReportChange();
+}
+
+void qbGridPane::LoadCell(const LoadedCell& cell) {
+  const auto column = static_cast<std::int32_t>(cell.column);
+  if (cell.column == kColumnGroupBy) {
+    const Ref<QueryContext> context = context_.lock();
+    if (const Ref<qbDBFunction> choice = context ? context->DBFunctions()->FindGroupBy(cell.text) : nullptr) {
+      SetGroupByFunction(cell.row, *choice);
+      return;
+    }
+  }
+  // A check box makes a Boolean of the text.
+  RowAt(cell.row).SetValue(column, cell.text);
+}
+
+// Every item of the diagram is ticked when a row outputs it, and only then.
+void qbGridPane::TickOutputs() {
+  std::unordered_set<std::string> outputs;
+  for (std::int32_t i = 1; i <= RowCount(); ++i) {
+    const zrGridRow& row = RowAt(i);
+    if (row.ValueAt(kColumnOutput) == Variant(true)) {
+      outputs.insert(FieldKey(Text(row, kColumnTable), Text(row, kColumnColumn)));
+    }
+  }
+  const Ref<qbEntities> entities = Entities();
+  for (std::int32_t i = 1; entities && i <= entities->Count(); ++i) {
+    const Ref<qbEntity> entity = entities->Item(i);
+    for (std::int32_t j = 1; j <= entity->Items()->Count(); ++j) {
+      const Ref<qbEntityItem> item = entity->Items()->Item(j);
+      item->SetChecked(outputs.contains(FieldKey(entity->Caption(), item->Text())));
+    }
+  }
+}
+
+}  // namespace zrqrybld

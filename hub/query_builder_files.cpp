@@ -1,0 +1,46 @@
+// The query's way into a file and back.
+#include "base/error.h"
+#include "base/file.h"
+#include "hub/query_builder.h"
+#include "hub/query_file_reader.h"
+#include "hub/query_file_writer.h"
+
+namespace zrqrybld {
+
+bool qbQueryBuilder::SaveQuery(std::string& filename, bool returnData) {
+  RunOperation("Save query", InfoSavingQuery, [&] {
+    RaiseInfo(InfoSavingQuery, returnData ? std::string() : filename);
+    std::string text = QueryFileWriter(*this).Write();
+    if (returnData) {
+      filename = std::move(text);
+    } else {
+      WriteWholeFile(filename, text + "\r\n");
+    }
+  });
+  return false;
+}
+
+bool qbQueryBuilder::SaveQuery(const std::string& filename) {
+  std::string name = filename;
+  return SaveQuery(name);
+}
+
+bool qbQueryBuilder::LoadQuery(const std::string& filename, bool fileIsData, bool returnParametersOnly,
+                               std::string* sqlStatement, std::string* connectionString) {
+  bool complete = false;
+  RunOperation("Load query", InfoLoadingQuery, [&] {
+    QueryFileReader reader(*this, returnParametersOnly);
+    try {
+      RaiseInfo(InfoLoadingQuery, fileIsData ? std::string() : filename);
+      complete = reader.Read(fileIsData ? filename : ReadWholeFile(filename, kLargestQueryFile));
+    } catch (const std::exception& cause) {
+      throw WrapError(ErrorLoadingQuery, "An error occured while loading the query.", cause);
+    }
+    if (sqlStatement) *sqlStatement = reader.Found().sqlStatement;
+    if (connectionString) *connectionString = reader.Found().connectionString;
+    if (complete && !returnParametersOnly) QueryChanged();
+  });
+  return complete;
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,268 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <sstream>
+
+#include "base/file.h"
+#include "tests/data_table.h"
+#include "tests/hub/hub_fixture.h"
+
+namespace zrqrybld {
+namespace {
+
+using test::Designer;
+using test::ErrorOf;
+
+std::string Saved(const Designer& designer) {
+  std::string text;
+  EXPECT_FALSE(designer.hub->SaveQuery(text, true));
+  return text;
+}
+
+// What a file makes of the line breaks in a value.
+std::string OneLine(const std::string& text) {
+  return ReplaceAll(ReplaceAll(ReplaceAll(text, "\r\n", " "), "\r", " "), "\n", " ");
+}
+
+// A folder of its own for each test, gone at its end.
+class QueryFiles : public testing::Test {
+ protected:
+  QueryFiles()
+      : folder_(std::filesystem::temp_directory_path() / ("zrqrybld-" + std::to_string(std::random_device()()))) {
+    std::filesystem::create_directory(folder_);
+  }
+  ~QueryFiles() override { std::filesystem::remove_all(folder_); }
+  std::string Path(const char* name) const { return (folder_ / name).string(); }
+
+  std::filesystem::path folder_;
+};
+
+std::string Tables(const Designer& designer) {
+  std::string text;
+  for (std::int32_t i = 1; i <= designer.diagram->Entities()->Count(); ++i) {
+    text += (i > 1 ? " " : "") + designer.diagram->Entities()->Item(i)->Caption();
+  }
+  return text;
+}
+
+TEST(QueryFile, HostileAndOddTextsAreReadOrRefusedWithTheirLine) {
+  for (const test::Record& record : test::ReadRecords("query_files.txt")) {
+    SCOPED_TRACE(record.place + ": " + record["what"]);
+    Designer designer;
+    designer.Use();
+    std::string error = "-";
+    try {
+      EXPECT_TRUE(designer.hub->LoadQuery(record["text"], true));
+    } catch (const Error& caught) {
+      EXPECT_EQ(caught.Number(), ErrorLoadingQuery);
+      const std::string sentence = "An error occured while loading the query.\r\n";
+      ASSERT_TRUE(caught.Description().starts_with(sentence));
+      error = caught.Description().substr(sentence.size());
+    }
+    // Of errors that others word, the number and the line.
+    const std::string& expected = record["error"];
+    const std::size_t words = expected.find("] (line");
+    if (words != std::string::npos && error.find(" (line") != std::string::npos) {
+      error = error.substr(0, error.find(']')) + "]" + error.substr(error.rfind(" (line"));
+    }
+    EXPECT_EQ(error, expected);
+    EXPECT_EQ(std::string(Trim(Tables(designer) + " / " + designer.Rows() + " / " + designer.Joins())),
+              std::string(Trim(ReplaceAll(record["holds"], "/ /", "/  /"))));
+    EXPECT_EQ(designer.hub->state(), InfoDone);
+    EXPECT_TRUE(designer.LastRowIsEmpty());
+  }
+}
+
+class RandomDesign {
+ public:
+  RandomDesign(Designer& designer, std::uint32_t seed) : designer_(designer), random_(seed) {}
+
+  void Make() {
+    qbQueryBuilder& hub = *designer_.hub;
+    hub.SetSaveLoadEntityItems(Chance(2));
+    hub.SetSaveConnectionString(Chance(3));
+    designer_.grid->SetShowGroupBy(Chance(2));
+    for (std::size_t n = random_() % 6; n > 0; --n) {
+      const Ref<qbEntity> entity = hub.AddTable(Chance(2)   ? "Orders"
+                                                : Chance(2) ? "Customers"
+                                                            : Text() + std::to_string(n));
+      if (Chance(3)) entity->SetCaption(Text() + std::to_string(n));
+      if (Chance(3)) entity->SetLeft(static_cast<float>(random_() % 90000) / 7);
+      if (Chance(4)) entity->Properties()->Set("key " + Text(), Text());
+      if (Chance(3) && entity->Items()->Count() > 1) entity->Items()->Item(2)->SetChecked(true);
+    }
+    const Ref<qbEntities> entities = designer_.diagram->Entities();
+    for (std::size_t n = random_() % 4; n > 0 && entities->Count() > 0; --n) {
+      const Ref<qbRelationship> join = AnyEntity()->Relationships()->Add(AnyEntity());
+      join->SetItemData(static_cast<std::int32_t>(random_() % 4));
+      join->SetSourceItemIndex(static_cast<std::int32_t>(random_() % 3));
+      if (Chance(2)) join->SetTargetItemIndex("CustomerID");
+      if (Chance(2)) join->SetRightIndicator(IndicatorImage);
+    }
+    constexpr std::string_view kKeys[] = {"column",     "alias",    "table",    "sort_type",
+                                          "sort_order", "group_by", "criteria", "or2"};
+    for (std::size_t n = random_() % 12; n > 0; --n) {
+      const auto row = static_cast<std::int32_t>(1 + random_() % static_cast<std::size_t>(designer_.grid->RowCount()));
+      designer_.Set(row, std::string(kKeys[random_() % std::size(kKeys)]), Text());
+    }
+    designer_.grid->SetDateFormat(Text());
+    hub.SetSelectTopRecords(Chance(2) ? "" : Chance(2) ? "25" : "5%");
+    hub.SetDistinctRecords(Chance(2));
+    designer_.sql->SetSQLSyntax(static_cast<SQLSyntaxEnum>(random_() % 5));
+    designer_.sql->Refresh();
+  }
+
+ private:
+  bool Chance(unsigned oneIn) { return random_() % oneIn == 0; }
+  Ref<qbEntity> AnyEntity() {
+    const Ref<qbEntities> entities = designer_.diagram->Entities();
+    return entities->Item(static_cast<std::int32_t>(1 + random_() % static_cast<std::size_t>(entities->Count())));
+  }
+  std::string Text() {
+    constexpr std::string_view kPieces[] = {"a",  "Ä",    "=",          ",", " ", "  b", "\n",
+                                            "\t", "\xC3", "End Entity", "'", "]", "1",   "x.y"};
+    std::string text;
+    for (std::size_t n = 1 + random_() % 3; n > 0; --n) text += kPieces[random_() % std::size(kPieces)];
+    return text;
+  }
+
+  Designer& designer_;
+  std::mt19937 random_;
+};
+
+// Through text and through a file, connected or not: what was loaded is saved byte for byte as it was.
+TEST_F(QueryFiles, RandomDesignsMakeTheRoundTrip) {
+  for (std::uint32_t seed = 1; seed <= 400; ++seed) {
+    SCOPED_TRACE(seed);
+    Designer designer;
+    designer.Use();
+    RandomDesign(designer, seed).Make();
+    const std::string text = Saved(designer);
+    designer.hub->SaveQuery(Path("query"));
+    ASSERT_EQ(ReadWholeFile(Path("query"), 1 << 20), text + "\r\n");
+    for (const bool file : {false, true}) {
+      Designer loaded;
+      loaded.Use();
+      loaded.hub->SetConnectOnLoad(false);
+      loaded.hub->SetSaveLoadEntityItems(designer.hub->SaveLoadEntityItems());
+      loaded.hub->SetSaveConnectionString(designer.hub->SaveConnectionString());
+      std::string statement;
+      ASSERT_TRUE(loaded.hub->LoadQuery(file ? Path("query") : text, !file, false, &statement));
+      ASSERT_EQ(Saved(loaded), text);
+      ASSERT_EQ(loaded.Rows(), OneLine(designer.Rows()));
+      ASSERT_EQ(statement, OneLine(designer.sql->SQLStatement()));
+    }
+  }
+}
+
+TEST(QueryFile, TheFileOfTheFirstReleaseIsLoadedForEver) {
+  const std::string path = std::string(ZRQRYBLD_TEST_DATA) + "/first_release.zrq";
+  Designer designer;
+  designer.Use();
+  designer.hub->SetSaveLoadEntityItems(true);
+  designer.hub->SetSaveConnectionString(true);
+  designer.hub->SetConnectOnLoad(false);
+  std::string statement, connection;
+  ASSERT_TRUE(designer.hub->LoadQuery(path, false, false, &statement, &connection));
+  EXPECT_EQ(connection, "Fake=1");
+  EXPECT_EQ(Tables(designer), "Customers O");
+  EXPECT_EQ(designer.Rows(), "Customers.Name O.Total:1");
+  EXPECT_EQ(designer.Joins(), "O.CustomerID>Customers.CustomerID");
+  EXPECT_EQ(designer.diagram->Entities()->Item("O")->Relationships()->Item(1)->Kind(), JoinAllOfSource);
+  EXPECT_EQ(designer.diagram->Entities()->Item("O")->Left(), 3600);
+  EXPECT_TRUE(designer.Item("Customers", "Name")->Checked());
+  EXPECT_FALSE(designer.Item("Customers", "CustomerID")->Checked());
+  EXPECT_EQ(designer.grid->DateFormat(), "yyyy-mm-dd");
+  EXPECT_EQ(designer.hub->SelectTopRecords(), "25%");
+  EXPECT_TRUE(designer.hub->DistinctRecords());
+  EXPECT_EQ(designer.sql->SQLSyntax(), SQLSyntaxMSSQL);
+  EXPECT_NE(statement.find("RIGHT JOIN Orders AS O ON"), std::string::npos);
+  // The statement is written anew, so it may change with the generator.
+  const std::string again = Saved(designer);
+  EXPECT_TRUE(ReadWholeFile(path, 1 << 20).starts_with(again.substr(0, again.find("    SQLStatement="))));
+}
+
+TEST(QueryFile, TheConnectionIsMadeAsTheHostWants) {
+  const std::string text =
+      "ConnectionString=Nothing=1\r\nBegin Entity\r\nTagVariant=Orders\r\nEnd Entity\r\nBegin SQLData\r\n"
+      "SQLStatement=SELECT a=b\r\nEnd SQLData";
+  const struct {
+    bool connect, parametersOnly, result;
+    std::int32_t tables;
+    const char* statement;
+  } kCases[] = {{true, false, false, 0, ""},
+                {false, false, true, 1, "SELECT a=b"},
+                {true, true, true, 0, "SELECT a=b"},
+                {false, true, true, 0, "SELECT a=b"}};
+  for (const auto& c : kCases) {
+    Designer designer;
+    designer.hub->SetConnectOnLoad(c.connect);
+    std::string statement, connection;
+    std::vector<int> infos;
+    const auto link = designer.hub->Info.Connect([&](QueryBuilderInfoEnum& info, Variant&) {
+      if (info != InfoTableAdded && info != InfoRetrieveTableInfo) infos.push_back(info);
+    });
+    const int changes = designer.Changes(
+        [&] { EXPECT_EQ(designer.hub->LoadQuery(text, true, c.parametersOnly, &statement, &connection), c.result); });
+    EXPECT_EQ(designer.diagram->Entities()->Count(), c.tables);
+    EXPECT_EQ(statement, c.statement);
+    EXPECT_EQ(connection, "Nothing=1");
+    EXPECT_EQ(infos, (std::vector<int>{InfoLoadingQuery, InfoDone}));
+    EXPECT_EQ(changes, c.tables);
+  }
+  Designer designer;
+  designer.Use();
+  designer.hub->SetSaveConnectionString(true);
+  EXPECT_EQ(Saved(designer).find("secret"), std::string::npos);
+  designer.hub->SetSavePassword(true);
+  EXPECT_NE(Saved(designer).find("ConnectionString=Fake=1;PWD=secret\r\n"), std::string::npos);
+}
+
+TEST_F(QueryFiles, AFailingWriteLeavesTheOldFileAndSaysWhy) {
+  const Designer designer;
+  const std::string path = Path("query");
+  WriteWholeFile(path, "old");
+  std::filesystem::permissions(path, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+  designer.hub->SaveQuery(path);
+  EXPECT_EQ(ReadWholeFile(path, 1 << 20), Saved(designer) + "\r\n");
+  EXPECT_EQ(std::filesystem::status(path).permissions(),
+            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+  std::filesystem::create_symlink(path, Path("link"));
+  WriteWholeFile(Path("link"), "through the link");
+  EXPECT_TRUE(std::filesystem::is_symlink(Path("link")));
+  EXPECT_EQ(ReadWholeFile(path, 100), "through the link");
+  for (const std::string& bad : {folder_.string(), Path("no/such/folder"), std::string("/dev/full")}) {
+    if (bad == "/dev/full" && !std::filesystem::exists(bad)) continue;
+    try {
+      designer.hub->SaveQuery(bad);
+      ADD_FAILURE() << bad;
+    } catch (const Error& error) {
+      EXPECT_EQ(error.Number(), ErrorFileAccess);
+      EXPECT_TRUE(error.Description().starts_with("Cannot write " + bad + ": ")) << error.Description();
+      EXPECT_EQ(error.Description().find("unknown"), std::string::npos) << error.Description();
+    }
+    EXPECT_EQ(designer.hub->state(), InfoDone);
+  }
+  EXPECT_THROW(ReadWholeFile(path, 3), Error);
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_), {}), 2) << "a file was left behind";
+}
+
+// Time and memory stay bounded whatever is in the file.
+TEST(QueryFile, HalfAMillionLinesAreReadInAMoment) {
+  std::string text = "Begin Entity\n";
+  for (int i = 0; i < 500'000; ++i) text += "Key" + std::to_string(i) + "=v\n";
+  text += "TagVariant=Orders\nEnd Entity\n";
+  Designer designer;
+  const auto begin = std::chrono::steady_clock::now();
+  EXPECT_TRUE(designer.hub->LoadQuery(text, true));
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
+  EXPECT_EQ(designer.diagram->Entities()->Count(), 1);
+  EXPECT_THROW(designer.hub->LoadQuery(std::string("/dev/zero")), Error);
+}
+
+}  // namespace
+}  // namespace zrqrybld
