@@ -10,6 +10,24 @@ namespace {
 using Hub = qbQueryBuilder;
 
 void ConnectTo(Hub& hub, Variant& connectionString) { hub.Connect(connectionString); }
+bool IsTrue(const Variant& argument) { return !argument.IsMissing() && argument.ToBoolean(); }
+
+bool SaveQueryTo(Hub& hub, Variant& filename, const Variant& returnData) {
+  std::string text = filename.Text();
+  const bool result = hub.SaveQuery(text, IsTrue(returnData));
+  filename = std::move(text);
+  return result;
+}
+
+bool LoadQueryFrom(Hub& hub, const std::string& filename, const Variant& fileIsData, const Variant& parametersOnly,
+                   Variant& sqlStatement, Variant& connectionString) {
+  std::string statement, connection;
+  const bool result = hub.LoadQuery(filename, IsTrue(fileIsData), IsTrue(parametersOnly), &statement, &connection);
+  sqlStatement = std::move(statement);
+  connectionString = std::move(connection);
+  return result;
+}
+
 std::string LastErrorText(const Hub& hub) { return hub.LastError() ? hub.LastError()->Description() : std::string(); }
 
 template <class Control>
@@ -36,11 +54,14 @@ constexpr Member kQueryBuilder[] = {
     ReadWrite<Hub, &Hub::GetTablesOnConnect, &Hub::SetGetTablesOnConnect>("GetTablesOnConnect"),
     ReadWrite<Hub, &Hub::GridPane, &Hub::SetGridPane>("GridPane"),
     Method<Hub, &Hub::LoadLanguageFile>("LoadLanguageFile", "Path"),
+    Method<Hub, &LoadQueryFrom>("LoadQuery",
+                                "Filename, [FileIsData], [ReturnParametersOnly], [SQLStatement], [ConnectionString]"),
     ReadOnly<Hub, &Hub::QuotedIdentifiers>("QuotedIdentifiers"),
     Method<Hub, &Hub::ShowJoinProperties>("ShowJoinProperties", "Relationship"),
     ReadOnly<Hub, &Hub::Properties>("Properties"),
     Method<Hub, &Hub::RefreshAutoJoins>("RefreshAutoJoins"),
     ReadOnly<Hub, &Hub::state>("state"),
+    Method<Hub, &SaveQueryTo>("SaveQuery", "Filename, [ReturnData]"),
     Method<Hub, &Hub::SetLanguageString>("SetLanguageString", "ID, NewValue"),
     Method<Hub, &Hub::ShowTables>("ShowTables"),
     ReadWrite<Hub, &Hub::SQLPane, &Hub::SetSQLPane>("SQLPane"),
@@ -56,6 +77,7 @@ constexpr Member kQueryBuilder[] = {
     Method<Hub, &Hub::GetLanguageString>("GetLanguageString", "ID"),
     Method<Hub, &Hub::HasTable>("HasTable", "TableName"),
     ReadOnly<Hub, &LastErrorText>("LastErrorText"),
+    ReadWrite<Hub, &Hub::SavePassword, &Hub::SetSavePassword>("SavePassword"),
     Method<Hub, &Hub::QuoteIdentifier>("QuoteIdentifier", "Name"),
     Method<Hub, &Hub::InitProperties>("InitProperties"),
     Method<Hub, &ReadFrom<Hub>>("ReadProperties", "Bag"),

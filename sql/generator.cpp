@@ -219,11 +219,13 @@ class Generator {
       std::string where;
       std::string having;
       for (const SnapshotRow& row : query_.rows) {
-        if (row.column.empty() || column >= row.criteria.size() || Trim(row.criteria[column]).empty()) continue;
+        if (row.column.empty() || column >= row.criteria.size()) continue;
+        const std::string condition = ConditionOf(row, row.criteria[column]);
+        if (condition.empty()) continue;  // a blank cell, or one with nothing but a comment
         std::string& group = row.ChoosesGroups() ? having : where;
         if (!group.empty()) group += kAnd;
         group += dialect_.open;
-        group += ConditionOf(row, row.criteria[column]);
+        group += condition;
         group += dialect_.close;
       }
       if (!having.empty()) {
