@@ -136,7 +136,7 @@ class RandomDesign {
 
 // Through text and through a file, connected or not: what was loaded is saved byte for byte as it was.
 TEST_F(QueryFiles, RandomDesignsMakeTheRoundTrip) {
-  for (std::uint32_t seed = 1; seed <= 400; ++seed) {
+  for (std::uint32_t seed = 1; seed <= 200; ++seed) {
     SCOPED_TRACE(seed);
     Designer designer;
     designer.Use();
