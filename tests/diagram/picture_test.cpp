@@ -227,7 +227,7 @@ TEST_F(Picture, IsSavedAndCopied) {
   std::ifstream file(std::filesystem::path(std::u8string(path.begin(), path.end())), std::ios::binary);
   EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), pane->PictureSvg());
   for (const char* bad : {"/nowhere/a.svg", "a.png"}) {
-    EXPECT_EQ(test::ErrorOf([&] { pane->SavePicture(bad); }), ErrorFileNotWritten) << bad;
+    EXPECT_EQ(test::ErrorOf([&] { pane->SavePicture(bad); }), ErrorFileAccess) << bad;
   }
   EXPECT_TRUE(pane->CopyPicture());
   RecordingCanvas copied, whole;
