@@ -10,8 +10,10 @@ using Pane = qbGridPane;
 void SetGroupBy(Pane& pane, std::int32_t row, const qbDBFunction& function) { pane.SetGroupByFunction(row, function); }
 
 constexpr Member kPane[] = {
+    Method<Pane, &Pane::AboutBox>("AboutBox"),
     ReadOnly<Pane, &Pane::Column>("Column"),
     ReadOnly<Pane, &Pane::ColumnCount>("ColumnCount"),
+    Method<Pane, &Pane::FinishEdit>("FinishEdit"),
     Method<Pane, &Pane::HideColumn>("HideColumn", "ColumnIndex"),
     Method<Pane, &Pane::ShowColumn>("ShowColumn", "ColumnIndex"),
     ReadWrite<Pane, &Pane::LockColumns, &Pane::SetLockColumns>("LockColumns"),
@@ -21,15 +23,22 @@ constexpr Member kPane[] = {
     ReadOnly<Pane, &Pane::Row>("Row"),
     ReadOnly<Pane, &Pane::RowCount>("RowCount"),
     Method<Pane, &SetGroupBy>("SetGroupByFunction", "RowIndex, DBFunction"),
+    Method<Pane, &Pane::ShowExpressionBuilder>("ShowExpressionBuilder"),
+    Method<Pane, &Pane::ShowExpressionZoom>("ShowExpressionZoom"),
     ReadWrite<Pane, &Pane::Value, &Pane::SetValue>("Value", "[Row], [Column]"),
     ReadWrite<Pane, &Pane::DateFormat, &Pane::SetDateFormat>("DateFormat"),
     ReadWrite<Pane, &Pane::ShowGroupBy, &Pane::SetShowGroupBy>("ShowGroupBy"),
     FontProperty<Pane, &Pane::Font, &Pane::SetFont>("Font"),
     ReadWrite<Pane, &Pane::DateFormatStyle, &Pane::SetDateFormatStyle>("DateFormatStyle"),
+    ReadWrite<Pane, &Pane::CustomContextMenu, &Pane::SetCustomContextMenu>("CustomContextMenu"),
+    Raised<Pane, &Pane::AfterEditExpressionFormat>(
+        "AfterEditExpressionFormat",
+        "Row, Column, TableName, FieldName, DataType, IsLong, PrefixCharacters, SuffixCharacters, Expression, Cancel"),
     Raised<Pane, &Pane::DblClick>("DblClick"),
     Raised<Pane, &Pane::ShowContextMenu>("ShowContextMenu", "Row, Column"),
     Raised<Pane, &Pane::RowColChange>("RowColChange", "Row, Column"),
     Raised<Pane, &Pane::AfterChange>("AfterChange", "Row, Column"),
+    Raised<Pane, &Pane::AfterEdit>("AfterEdit", "Row, Column"),
     ReadOnly<Pane, &Pane::Grid>("Grid"),
 };
 

@@ -9,6 +9,7 @@
 namespace zrqrybld {
 
 ZRQRYBLD_PUBLIC_AS(ConnectionDialogObject, "ConnectionDialog");
+ZRQRYBLD_PUBLIC_AS(ExpressionDialogObject, "ExpressionDialog");
 ZRQRYBLD_PUBLIC_AS(JoinDialogObject, "JoinDialog");
 ZRQRYBLD_PUBLIC_AS(TablesDialogObject, "TablesDialog");
 ZRQRYBLD_PUBLIC(ToolkitMessage);
@@ -120,6 +121,7 @@ constexpr Member kToolkit[] = {
     Raised<ToolkitObject, &ToolkitObject::ShowTables>("ShowTables", "Dialog"),
     Raised<ToolkitObject, &ToolkitObject::JoinProperties>("JoinProperties", "Dialog"),
     Raised<ToolkitObject, &ToolkitObject::ConnectionPrompt>("ConnectionPrompt", "Dialog"),
+    Raised<ToolkitObject, &ToolkitObject::Expression>("Expression", "Dialog"),
 };
 
 constexpr Member kMessages[] = {
@@ -155,6 +157,13 @@ constexpr Member kJoinDialog[] = {
     ReadWrite<Join, &Join::Accepted, &Join::SetAccepted>("Accepted"),
 };
 
+using ExpressionWindow = ExpressionDialogObject;
+constexpr Member kExpressionDialog[] = {
+    ReadOnly<ExpressionWindow, &ExpressionWindow::Caption>("Caption"),
+    ReadWrite<ExpressionWindow, &ExpressionWindow::Text, &ExpressionWindow::SetText>("Text"),
+    ReadWrite<ExpressionWindow, &ExpressionWindow::Accepted, &ExpressionWindow::SetAccepted>("Accepted"),
+};
+
 using Prompt = ConnectionDialogObject;
 constexpr Member kConnectionDialog[] = {
     ReadOnly<Prompt, &Prompt::DataSources>("DataSources"),
@@ -178,6 +187,7 @@ const ClassInfo kClasses[] = {
     {"TablesDialog", kTablesDialog, ""},
     {"JoinDialog", kJoinDialog, ""},
     {"ConnectionDialog", kConnectionDialog, "ConnectionString"},
+    {"ExpressionDialog", kExpressionDialog, "Text"},
 };
 
 }  // namespace

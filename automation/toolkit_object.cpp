@@ -17,6 +17,8 @@ class ScriptedDialogs final : public Dialogs {
     owner_.MessageBox.Raise(message, picture);
   }
 
+  void ShowMessageSoon(std::string_view text, MessageIcon icon) override { ShowMessage(text, icon); }
+
   void ShowTables(const TablesDialog& dialog) override {
     Record("ShowTables", dialog.caption);
     const Shown shown(std::make_shared<TablesDialogObject>(dialog));
@@ -27,6 +29,13 @@ class ScriptedDialogs final : public Dialogs {
     Record("JoinProperties", dialog.caption);
     const Shown shown(std::make_shared<JoinDialogObject>(dialog));
     owner_.JoinProperties.Raise(shown.object);
+    return shown.object->Accepted();
+  }
+
+  bool ShowExpression(ExpressionDialog& dialog) override {
+    Record("Expression", dialog.text);
+    const Shown shown(std::make_shared<ExpressionDialogObject>(dialog));
+    owner_.Expression.Raise(shown.object);
     return shown.object->Accepted();
   }
 

@@ -124,6 +124,23 @@ class ConnectionDialogObject final : public DialogObject<const ConnectionDialog>
   std::string connectionString_;
 };
 
+/// The window for a long expression.
+class ExpressionDialogObject final : public DialogObject<ExpressionDialog> {
+ public:
+  using DialogObject::DialogObject;
+  std::string_view TypeName() const override { return "ExpressionDialog"; }
+  const std::string& Caption() const { return Shown().caption; }
+  /// The expression, which the answer may replace.
+  const std::string& Text() const { return Shown().text; }
+  void SetText(std::string text) { Shown().text = std::move(text); }
+  /// Whether the answer counts; False at first.
+  bool Accepted() const { return accepted_; }
+  void SetAccepted(bool accepted) { accepted_ = accepted; }
+
+ private:
+  bool accepted_ = false;
+};
+
 /// The toolkit as scripts see it.
 class ToolkitObject final : public Object {
  public:
@@ -136,6 +153,7 @@ class ToolkitObject final : public Object {
   Event<const Ref<TablesDialogObject>&> ShowTables;
   Event<const Ref<JoinDialogObject>&> JoinProperties;
   Event<const Ref<ConnectionDialogObject>&> ConnectionPrompt;
+  Event<const Ref<ExpressionDialogObject>&> Expression;
 
   const Ref<ToolkitMessages>& Messages() const { return messages_; }
 

@@ -89,6 +89,16 @@ class KeyedList {
     return std::move(node->value);
   }
 
+  /// Removes every item for which `unwanted` returns true, in one pass; it is asked once for each.
+  template <class Predicate>
+  void RemoveIf(Predicate unwanted) {
+    const auto kept = std::stable_partition(nodes_.begin(), nodes_.end(),
+                                            [&](const std::unique_ptr<Node>& node) { return !unwanted(node->value); });
+    for (auto node = kept; node != nodes_.end(); ++node) RemoveFromIndex(node->get());
+    nodes_.erase(kept, nodes_.end());
+    Renumber(1);
+  }
+
   /// Moves the item at `from` so that it stands at `to`. Both positions must exist.
   void Move(std::size_t from, std::size_t to) {
     if (from == to) return;

@@ -9,6 +9,7 @@
 #include "base/scoped_value.h"
 #include "base/text.h"
 #include "diagram/placement.h"
+#include "platform/stored_values.h"
 
 namespace zrqrybld {
 namespace {
@@ -410,35 +411,10 @@ Color ReadColor(const PropertyStore& store, std::string_view key, Color defaultC
   return {static_cast<std::uint32_t>(static_cast<std::int64_t>(*number))};
 }
 
-// A font is stored as one text: family, size in points, "bold" and "italic", with ";" between them.
-Variant ToVariant(const Font& font) {
-  return font.family + ";" + NumberText(font.points) + (font.bold ? ";bold" : "") + (font.italic ? ";italic" : "");
-}
-
-Font ReadFont(const PropertyStore& store, std::string_view key) {
-  Font font;
-  const std::string text = store.Read(key, "").Text();
-  std::string_view rest = text;
-  const auto take = [&rest](std::string_view end) {
-    if (!rest.ends_with(end)) return false;
-    rest.remove_suffix(end.size());
-    return true;
-  };
-  // From the end: the family may hold anything.
-  font.italic = take(";italic");
-  font.bold = take(";bold");
-  const std::size_t last = rest.rfind(';');
-  const std::optional<double> points = last < rest.size() ? ParseNumber(rest.substr(last + 1)) : std::nullopt;
-  if (points) font.points = std::clamp(*points, 0.0, 200.0);
-  font.family = points ? rest.substr(0, last) : rest;
-  return font;
-}
-
 }  // namespace
 
 void qbDiagramPane::ReadProperties(const PropertyStore& store) {
-  const Variant minimize = store.Read("EntityMinimizeButton", true);
-  entityMinimizeButton_ = minimize.Number() ? *minimize.Number() != 0 : !EqualsNoCase(minimize.Text(), "False");
+  entityMinimizeButton_ = ReadBoolean(store, "EntityMinimizeButton", true);
   const std::optional<double> drop = store.Read("OLEDropMode", 0).Number();
   oleDropMode_ = drop && *drop == 1 ? OLEDropManual : OLEDropNone;
   entityBackColor_ = ReadColor(store, "EntityBackColor", Color::System(5));

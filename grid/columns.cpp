@@ -46,6 +46,11 @@ void zrGridColumn::SetStyle(std::int16_t style) {
   Changed();
 }
 
+void zrGridColumn::SetDisplayAttribute(std::int16_t attribute) {
+  displayAttribute_ = attribute;
+  Changed();
+}
+
 void zrGridColumn::SetAlignment(std::int16_t alignment) {
   alignment_ = alignment;
   Changed();

@@ -19,6 +19,9 @@ enum GridColumnStyle : std::int16_t {
   GridColumnComboList = 4,  ///< one of a list
 };
 
+/// The display attribute of a column whose header bears a check box that states, and sets, all its cells.
+inline constexpr std::int16_t kCheckedHeader = 37;
+
 class zrGridColumn;
 
 /// What columns ask of the grid they stand in.
@@ -67,7 +70,11 @@ class zrGridColumn final : public Object {
   std::int16_t Style() const { return style_; }
   void SetStyle(std::int16_t style);
 
-  /// How the text stands in its cells.
+  /// How the column is shown besides its style: 0, or `kCheckedHeader`.
+  std::int16_t DisplayAttribute() const { return displayAttribute_; }
+  void SetDisplayAttribute(std::int16_t attribute);
+
+  /// How the text stands in its cells: 0 left, 1 right, 2 centred. Other values count as 0.
   std::int16_t Alignment() const { return alignment_; }
   void SetAlignment(std::int16_t alignment);
 
@@ -85,6 +92,7 @@ class zrGridColumn final : public Object {
   float shownWidth_ = 0;
   bool hidden_ = false;
   std::int16_t style_ = GridColumnText;
+  std::int16_t displayAttribute_ = 0;
   std::int16_t alignment_ = 0;
   Ref<zrGridComboItems> comboItems_;
 };

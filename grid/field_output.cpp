@@ -1,70 +1,116 @@
 // SetFieldOutput: the one way by which a field gets into the grid or out of it, and how the grid and
 // the boxes keep each other's ticks.
+#include <algorithm>
+
 #include "base/scoped_value.h"
+#include "base/text.h"
 #include "diagram/entities.h"
+#include "grid/field_names.h"
 #include "grid/grid_columns.h"
 #include "grid/grid_pane.h"
 
 namespace zrqrybld {
+namespace {
+
+std::string FieldKey(const std::string& table, const std::string& name) { return table + '\0' + name; }
+
+}  // namespace
 
 std::int32_t qbGridPane::SetFieldOutput(const std::string& fieldName, bool checked, const std::string& tableName,
                                         const FieldOutputOptions& options) {
   if (busy_) return 0;
   const StepScope step(context_.lock(), checked ? "Add query column" : "Remove query column");
+  const Field field{tableName, fieldName};
   std::int32_t row = 0;
   {
     const ScopedValue busy(busy_, true);
     if (checked) {
-      if (!options.skipSearch) row = TickRows(fieldName, tableName);
-      if (row == 0) row = FillNewRow(fieldName, tableName, options.before);
+      if (!options.skipSearch) row = TickRows(field);
+      if (row == 0) row = FillNewRow(field, options.before);
     } else {
-      UntickRows(fieldName, tableName);
+      UntickRows(field);
     }
-    PushToDiagram(fieldName, tableName, checked);
+    PushToDiagram(field, checked);
   }
   ReportChange();
   return row;
 }
 
-bool qbGridPane::IsRowOf(const zrGridRow& row, const std::string& table, const std::string& field) const {
+// --- The rows of a field ---
+
+bool qbGridPane::IsRowOf(const zrGridRow& row, const Field& field) const {
   const std::string* rowTable = row.ValueAt(kColumnTable).StringIf();
   const std::string* rowColumn = row.ValueAt(kColumnColumn).StringIf();
-  return rowTable && rowColumn && *rowTable == table && *rowColumn == field;
+  return rowTable && rowColumn && *rowTable == field.table && *rowColumn == field.name;
+}
+
+// A row that names another field, or none, from now on. What it named before stays noted until it is looked up.
+void qbGridPane::NoteRow(const zrGridRow& row) {
+  if (IsEmptyRow(row)) emptyFrom_ = std::min(emptyFrom_, row.Index());
+  const std::string* table = row.ValueAt(kColumnTable).StringIf();
+  const std::string* column = row.ValueAt(kColumnColumn).StringIf();
+  if (!table || !column || column->empty()) return;
+  constexpr std::size_t kSlack = 64;
+  if (rowsByField_.size() > 2 * static_cast<std::size_t>(RowCount()) + kSlack) {
+    std::erase_if(rowsByField_, [](const auto& entry) {
+      return std::ranges::all_of(entry.second, [](const WeakRef<Object>& noted) { return noted.expired(); });
+    });
+  }
+  rowsByField_[FieldKey(*table, *column)].push_back(RowAt(row.Index()).weak_from_this());
+}
+
+// The rows that name the field, in their order.
+std::vector<Ref<zrGridRow>> qbGridPane::RowsOf(const Field& field) const {
+  std::vector<Ref<zrGridRow>> rows;
+  const auto noted = rowsByField_.find(FieldKey(field.table, field.name));
+  if (noted == rowsByField_.end()) return rows;
+  for (const WeakRef<Object>& entry : noted->second) {
+    const auto row = std::static_pointer_cast<zrGridRow>(entry.lock());
+    if (row && row->Index() != 0 && IsRowOf(*row, field)) rows.push_back(row);
+  }
+  std::ranges::sort(rows, {}, [](const Ref<zrGridRow>& row) { return row->Index(); });
+  rows.erase(std::ranges::unique(rows).begin(), rows.end());
+  if (rows.empty()) {
+    rowsByField_.erase(noted);
+  } else {
+    noted->second.assign(rows.begin(), rows.end());
+  }
+  return rows;
 }
 
 // The first row of the field outputs it from now on; 0 when it has no row.
-std::int32_t qbGridPane::TickRows(const std::string& fieldName, const std::string& tableName) {
-  for (std::int32_t i = 1; i <= RowCount(); ++i) {
-    if (!IsRowOf(RowAt(i), tableName, fieldName)) continue;
-    RowAt(i).SetValue("output", true);
-    return i;
-  }
-  return 0;
+std::int32_t qbGridPane::TickRows(const Field& field) {
+  const std::vector<Ref<zrGridRow>> rows = RowsOf(field);
+  if (rows.empty()) return 0;
+  rows.front()->SetValue("output", true);
+  return rows.front()->Index();
 }
 
 // All rows of the field stop to output it; those that say nothing else go.
-void qbGridPane::UntickRows(const std::string& fieldName, const std::string& tableName) {
-  for (std::int32_t i = RowCount(); i >= 1; --i) {
-    if (i > RowCount()) continue;  // a listener of RowColChange has removed rows, too
-    zrGridRow& row = RowAt(i);
-    if (!IsRowOf(row, tableName, fieldName)) continue;
-    if (HasContent(row)) {
-      row.SetValue("output", false);
+void qbGridPane::UntickRows(const Field& field) {
+  const std::vector<Ref<zrGridRow>> rows = RowsOf(field);
+  for (auto row = rows.rbegin(); row != rows.rend(); ++row) {
+    if ((*row)->Index() == 0) continue;  // a listener of RowColChange has removed it
+    if (HasContent(**row)) {
+      (*row)->SetValue("output", false);
     } else {
-      grdPane_->Rows()->Remove(i);
+      grdPane_->Rows()->Remove((*row)->Index());
     }
   }
   EnsureEmptyLastRow();
 }
 
-std::int32_t qbGridPane::FirstEmptyRow() const {
-  for (std::int32_t i = 1; i <= RowCount(); ++i) {
-    if (IsEmptyRow(RowAt(i))) return i;
-  }
-  return 0;
+bool qbGridPane::IsOutput(const Field& field) const {
+  return std::ranges::any_of(RowsOf(field),
+                             [](const Ref<zrGridRow>& row) { return row->ValueAt(kColumnOutput) == Variant(true); });
 }
 
-std::int32_t qbGridPane::FillNewRow(const std::string& fieldName, const std::string& tableName, std::int32_t before) {
+std::int32_t qbGridPane::FirstEmptyRow() {
+  while (emptyFrom_ <= RowCount() && !IsEmptyRow(RowAt(emptyFrom_))) ++emptyFrom_;
+  return emptyFrom_ <= RowCount() ? emptyFrom_ : 0;
+}
+
+std::int32_t qbGridPane::FillNewRow(const Field& field, std::int32_t before) {
   std::int32_t position = before;
   if (before > 0) {
     grdPane_->Rows()->Add({}, before);
@@ -75,14 +121,14 @@ std::int32_t qbGridPane::FillNewRow(const std::string& fieldName, const std::str
       position = RowCount();
     }
   }
-  zrGridRow& row = RowAt(position);
-  row.SetMaxLen("alias", AliasMaxLen());
-  row.SetValue("table", tableName);
-  row.SetValue("column", fieldName);
-  row.SetValue("output", true);
-  if (showGroupBy_) SetRowGroupBy(row);
+  const Ref<zrGridRow> row = grdPane_->Rows()->Item(position);
+  row->SetMaxLen("alias", AliasMaxLen());
+  row->SetValue("table", field.table);
+  row->SetValue("column", field.name);
+  row->SetValue("output", true);
+  if (showGroupBy_) SetRowGroupBy(*row);
   EnsureEmptyLastRow();
-  return position;
+  return row->Index();
 }
 
 void qbGridPane::AddRows(const std::vector<RowContent>& rows) {
@@ -102,7 +148,7 @@ void qbGridPane::AddRows(const std::vector<RowContent>& rows) {
     EnsureEmptyLastRow();
     grdPane_->SetAutoRedraw(true);
     for (const RowContent& content : rows) {
-      if (content.output) PushToDiagram(content.column, content.table, true);
+      if (content.output) PushToDiagram({content.table, content.column}, true);
     }
   }
   ReportChange();
@@ -133,36 +179,34 @@ void qbGridPane::SetCells(zrGridRow& row, const RowContent& content) {
   }
 }
 
-void qbGridPane::PushToDiagram(const std::string& fieldName, const std::string& tableName, bool checked) {
+// --- The diagram ---
+
+void qbGridPane::PushToDiagram(const Field& field, bool checked) {
   const Ref<qbEntities> entities = Entities();
-  const Ref<qbEntity> entity = entities ? entities->FindExactly(tableName) : nullptr;
-  if (!entity) return;
-  // A column's key is its name; an item that was given another text is found by that.
-  Ref<qbEntityItem> item = entity->Items()->Item(fieldName);
-  if (!item || item->Text() != fieldName) item = entity->Items()->FindByText(fieldName, true);
+  const Ref<qbEntity> entity = entities ? entities->FindExactly(field.table) : nullptr;
+  const Ref<qbEntityItem> item = entity ? FindItemExactly(*entity, field.name) : nullptr;
   if (item) item->SetChecked(checked);
 }
 
 // What stands behind the last "." is the field, what stands before it the table; it goes in above the row it was
 // dropped on. A text that is no field of the diagram is left alone.
 void qbGridPane::DropField(const std::string& text, PixelPoint at) {
-  const std::size_t dot = text.rfind('.');
+  const Ref<QueryContext> context = context_.lock();
   const Ref<qbEntities> entities = Entities();
+  const std::size_t dot = text.rfind('.');
   if (dot == std::string::npos || !entities) return;
-  const Ref<qbEntity> entity = entities->Item(text.substr(0, dot));
+  const std::string table = text.substr(0, dot);
+  Ref<qbEntity> entity = entities->Item(table);
+  if (!entity) {
+    // Written with points where the source has another separator.
+    const Variant* separator = context->Properties()->Find("SCHEMA_SEPARATOR");
+    if (separator && !separator->Text().empty()) entity = entities->Item(ReplaceAll(table, ".", separator->Text()));
+  }
   const Ref<qbEntityItem> item = entity ? entity->Items()->Item(text.substr(dot + 1)) : nullptr;
   if (!item) return;
   const GridHit hit = grdPane_->GetRowColumnIndex({1_px, at.y});
   const bool onRow = hit.row != 0 && !IsEmptyRow(RowAt(static_cast<std::int32_t>(hit.row)));
   SetFieldOutput(item->Text(), true, entity->Caption(), {false, onRow ? static_cast<std::int32_t>(hit.row) : 0});
-}
-
-bool qbGridPane::IsOutput(const Field& field) const {
-  for (std::int32_t i = 1; i <= RowCount(); ++i) {
-    const zrGridRow& row = RowAt(i);
-    if (row.ValueAt(kColumnOutput) == Variant(true) && IsRowOf(row, field.table, field.name)) return true;
-  }
-  return false;
 }
 
 }  // namespace zrqrybld

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/error.h"
+#include "platform/stored_values.h"
 
 namespace zrqrybld {
 namespace {
@@ -24,14 +25,46 @@ Ref<zrGrid> zrGrid::Create() {
 }
 
 zrGrid::~zrGrid() {
+  if (cboList_) cboList_->AttachSurface(nullptr);
   columns_->Detach();
   rows_->Detach();
 }
 
 void zrGrid::SetFont(const zrqrybld::Font& font) {
   font_ = font;
+  if (txtText_) txtText_->SetFont(font);
+  if (cboList_) cboList_->SetFont(font);
   UpdateScrollBars();
+  PlaceEditor();
   Redraw();
+}
+
+void zrGrid::SetEmptyText(std::string text) {
+  emptyText_ = std::move(text);
+  Redraw();
+}
+
+// The editors belong to the surface that has made them.
+void zrGrid::OnSurfaceChanged() {
+  CommitEdit();
+  txtLinks_.clear();
+  txtText_.reset();
+  if (cboList_) cboList_->AttachSurface(&GetSurface());
+  gesture_ = NoGesture{};
+  UpdateScrollBars();
+}
+
+void zrGrid::ReadProperties(const PropertyStore& store) {
+  allowColumnResize_ = ReadBoolean(store, "AllowColumnResize", true);
+  allowRowInsert_ = ReadBoolean(store, "AllowRowInsert", true);
+  SetFont(ReadFont(store, "Font"));
+  Refresh();
+}
+
+void zrGrid::WriteProperties(PropertyStore& store) const {
+  store.Write("AllowColumnResize", allowColumnResize_, true);
+  store.Write("AllowRowInsert", allowRowInsert_, true);
+  store.Write("Font", ToVariant(font_));
 }
 
 void zrGrid::SetAutoRedraw(bool redraw) {
@@ -70,8 +103,11 @@ std::string zrGrid::CellText(std::size_t row, std::size_t column) const {
 // --- What columns and rows report ---
 
 void zrGrid::ColumnsChanged() {
+  if (edit_ && edit_->column->Index() == 0) CancelEdit();
+  if (edit_ && edit_->column->Width() <= 0) CommitEdit();
   if (currentColumn_ > static_cast<std::size_t>(columns_->Count())) MakeCurrent(0, 0);
   if (autoRedraw_) UpdateScrollBars();
+  PlaceEditor();
   Redraw();
 }
 
@@ -86,12 +122,34 @@ void zrGrid::AfterCellChange(std::size_t row, std::size_t column) {
   AfterChange.Raise(static_cast<std::int32_t>(row), static_cast<std::int32_t>(column));
 }
 
-void zrGrid::RowsChanged() {
+// The current row stays current wherever it goes; when it is gone, the one that has its place is.
+void zrGrid::RowsChanged(std::size_t from) {
   const auto count = static_cast<std::size_t>(rows_->Count());
   selection_ = {};
-  if (currentRow_ > count) MakeCurrent(count, count == 0 ? 0 : currentColumn_);
+  if (edit_ && edit_->row->Index() == 0) CancelEdit();
+  RowsShifted.Raise(static_cast<std::int32_t>(from));
+  if (currentRow_ >= from) {
+    const Ref<Object> current = current_.lock();
+    const auto index = current ? static_cast<std::size_t>(static_cast<const zrGridRow&>(*current).Index()) : 0;
+    const std::size_t row = std::min(index != 0 ? index : currentRow_, static_cast<std::size_t>(rows_->Count()));
+    if (row != currentRow_) MakeCurrent(row, row == 0 ? 0 : currentColumn_);
+    if (index == 0 && currentRow_ != 0 && currentRow_ <= count) current_ = rows_->At(currentRow_).weak_from_this();
+  }
   if (autoRedraw_) UpdateScrollBars();
+  PlaceEditor();
   Redraw();
+}
+
+// Listeners hear of the end also when an error ends it.
+void zrGrid::InBatch(const std::function<void()>& work) {
+  Batch.Raise(true);
+  try {
+    work();
+  } catch (...) {
+    Batch.Raise(false);
+    throw;
+  }
+  Batch.Raise(false);
 }
 
 // --- Current cell and selected rows ---
@@ -120,6 +178,8 @@ void zrGrid::FitColumn(const Variant& column, float least) {
 
 void zrGrid::MakeCurrent(std::size_t row, std::size_t column) {
   if (row == 0 || column == 0) row = column = 0;
+  if (row != currentRow_ || column != currentColumn_) CommitEdit();
+  if (row > static_cast<std::size_t>(rows_->Count())) return;  // a listener of the edit has taken it away
   if (row != 0) {
     const PixelPoint offset = Layout().OffsetToShow(row, column, GetSurface().ViewSize());
     OnScroll(Orientation::Horizontal, static_cast<int>(offset.x.Value()));
@@ -129,30 +189,70 @@ void zrGrid::MakeCurrent(std::size_t row, std::size_t column) {
   if (row == currentRow_ && column == currentColumn_) return;
   currentRow_ = row;
   currentColumn_ = column;
+  current_ = row == 0 ? std::weak_ptr<Object>() : rows_->At(row).weak_from_this();
   Redraw();
   RowColChange.Raise(Row(), Column());
 }
 
-void zrGrid::SelectRows(std::size_t row, bool extend) {
-  if (extend && selection_.first != 0) {
-    selection_ = {std::min(selection_.first, row), std::max(selection_.last, row)};
-  } else {
-    selection_ = {row, row};
-  }
+void zrGrid::SelectRows(std::size_t first, std::size_t last) {
+  last = std::min(last, static_cast<std::size_t>(rows_->Count()));
+  selection_ = first == 0 || first > last ? RowRange{} : RowRange{first, last};
   Redraw();
 }
 
 void zrGrid::DeleteSelectedRows() {
+  CommitEdit();
   const RowRange range = selection_;
+  if (!allowRowInsert_ || range.first == 0) return;
   bool cancel = false;
   BeforeDelete.Raise(static_cast<std::int32_t>(range.first), static_cast<std::int32_t>(range.last), cancel);
   if (cancel) return;
-  const auto last = std::min(range.last, static_cast<std::size_t>(rows_->Count()));
-  for (std::size_t row = last; row >= range.first; --row) rows_->Remove(static_cast<std::int32_t>(row));
+  rows_->RemoveIf([&](const zrGridRow& row) { return range.Contains(static_cast<std::size_t>(row.Index())); });
   if (rows_->Count() == 0) rows_->Add();
   selection_ = {};
   AfterDelete.Raise(static_cast<std::int32_t>(range.first), static_cast<std::int32_t>(range.last));
   Redraw();
+}
+
+void zrGrid::InsertRows() {
+  CommitEdit();
+  const RowRange range = selection_;
+  if (!allowRowInsert_ || range.first == 0) return;
+  bool cancel = false;
+  BeforeInsert.Raise(static_cast<std::int32_t>(range.first), static_cast<std::int32_t>(range.last), cancel);
+  if (cancel) return;
+  const auto place = static_cast<std::int32_t>(std::min(range.first, static_cast<std::size_t>(rows_->Count()) + 1));
+  for (std::size_t i = 0; i < range.Count(); ++i) {
+    rows_->Add({}, place <= rows_->Count() ? Variant(place) : Variant::Missing());
+  }
+  SelectRows(range.first, range.last);
+  AfterInsert.Raise(static_cast<std::int32_t>(range.first), static_cast<std::int32_t>(range.last));
+  Redraw();
+}
+
+bool zrGrid::MoveRows(int direction) {
+  CommitEdit();
+  const RowRange range = selection_.first != 0 ? selection_ : RowRange{currentRow_, currentRow_};
+  if (range.first == 0) return false;
+  return MoveRange(range, direction < 0 ? range.first - 1 : range.last + 2);
+}
+
+// Moves rows to stand before the row that has this number now.
+bool zrGrid::MoveRange(RowRange range, std::size_t before) {
+  const auto count = static_cast<std::size_t>(rows_->Count());
+  const bool stays = before >= range.first && before <= range.last + 1;
+  if (!allowRowInsert_ || stays || before < 1 || before > count + 1 || range.last > count) return false;
+  const std::size_t target = before < range.first ? before : before - range.Count();
+  const bool selected = selection_.first != 0;
+  for (std::size_t i = 0; i < range.Count(); ++i) {
+    const std::size_t from = before < range.first ? range.first + i : range.first;
+    const std::size_t to = before < range.first ? before + i : before - 1;
+    rows_->Move(static_cast<std::int32_t>(from), static_cast<std::int32_t>(to));
+  }
+  if (selected) SelectRows(target, target + range.Count() - 1);
+  AfterMove.Raise(static_cast<std::int32_t>(range.first), static_cast<std::int32_t>(range.last),
+                  static_cast<std::int32_t>(target));
+  return true;
 }
 
 // --- Scrolling ---
@@ -174,6 +274,7 @@ void zrGrid::UpdateScrollBars() {
 
 void zrGrid::OnResize() {
   UpdateScrollBars();
+  PlaceEditor();
   Redraw();
 }
 
@@ -181,6 +282,7 @@ void zrGrid::OnScroll(Orientation orientation, int value) {
   ScrollState& bar = orientation == Orientation::Horizontal ? horizontal_ : vertical_;
   const int clamped = std::clamp(value, 0, bar.maximum);
   if (clamped == bar.value) return;
+  CommitEdit();  // the cell may leave the view
   bar.value = clamped;
   Redraw();
 }

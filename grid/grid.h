@@ -4,15 +4,22 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
+#include <vector>
 
 #include "base/event.h"
 #include "base/object.h"
 #include "grid/columns.h"
 #include "grid/grid_layout.h"
 #include "grid/rows.h"
+#include "grid/simple_combo.h"
 #include "platform/control.h"
+#include "platform/property_store.h"
 
 namespace zrqrybld {
 
@@ -35,17 +42,41 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   Event<std::int32_t, std::int32_t> AfterChange;
   /// A cell's value is about to change; the last argument set to true prevents it.
   Event<std::int32_t, std::int32_t, bool&> BeforeChange;
+  /// An editor is about to open on a cell: the time to fill the cell's list.
+  Event<std::int32_t, std::int32_t> BeforeEdit;
+  /// An edit in place was committed, exactly once however it ended; not when Esc gave it up.
+  Event<std::int32_t, std::int32_t> AfterEdit;
   /// The rows from the first to the last are about to be deleted; the last argument set to true keeps them.
   Event<std::int32_t, std::int32_t, bool&> BeforeDelete;
   /// The rows were deleted.
   Event<std::int32_t, std::int32_t> AfterDelete;
+  /// As many rows as are selected are about to be inserted before the first; the last argument set to true prevents it.
+  Event<std::int32_t, std::int32_t, bool&> BeforeInsert;
+  /// The rows from the first to the last are new.
+  Event<std::int32_t, std::int32_t> AfterInsert;
   /// A mouse button is released: `MouseButton`, `ShiftMask` bits, place in pixels.
   Event<std::int32_t, std::int32_t, float, float> MouseUp;
-  /// The right button is released over a cell.
+  /// The right button is released over a cell, or the menu key pressed on it.
   Event<std::int32_t, std::int32_t> ShowContextMenu;
+  /// A double click on the grid or on one of its editors.
   Event<> DblClick;
   /// Another cell is current; row and column are 0 when there is none.
   Event<std::int32_t, std::int32_t> RowColChange;
+  /// The list of the combo editor is about to open; the last argument set to true keeps it closed.
+  Event<std::int32_t, std::int32_t, bool&> BeforeDropDown;
+
+  // --- Events for the pane that owns the grid ---
+
+  /// The user has moved rows: the first and the last place they stood at, and the place of the first now.
+  Event<std::int32_t, std::int32_t, std::int32_t> AfterMove;
+  /// Rows were added, moved or removed, by the user or by program; those before this one are untouched.
+  Event<std::int32_t> RowsShifted;
+  /// Many cells are going to change at one stroke (true), or have changed (false).
+  Event<bool> Batch;
+  /// A larger editor is asked for by Shift+F2.
+  Event<> ZoomWanted;
+  /// A context menu is asked for: what lies under the place, and the place in pixels.
+  Event<const GridHit&, PixelPoint> MenuWanted;
 
   // --- Properties ---
 
@@ -63,12 +94,26 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   std::int32_t Column() const { return static_cast<std::int32_t>(currentColumn_); }
   /// The current row, from 1; 0 when no cell is current.
   std::int32_t Row() const { return static_cast<std::int32_t>(currentRow_); }
+  /// The columns, and the rows with their cells.
   const Ref<zrGridColumns>& Columns() const { return columns_; }
   const Ref<zrGridRows>& Rows() const { return rows_; }
+  /// The native window that holds the control; 0 without one.
+  std::uintptr_t hwnd() const { return GetSurface().WindowHandle(); }
 
   /// While False, changes do not repaint.
   bool AutoRedraw() const { return autoRedraw_; }
   void SetAutoRedraw(bool redraw);
+  /// Whether the application shows its own context menus, and none is offered here; False at first.
+  bool CustomContextMenu() const { return customContextMenu_; }
+  void SetCustomContextMenu(bool custom) { customContextMenu_ = custom; }
+
+  /// What is shown while no cell holds anything.
+  const std::string& EmptyText() const { return emptyText_; }
+  void SetEmptyText(std::string text);
+
+  /// Takes "AllowColumnResize", "AllowRowInsert" and "Font" from a stored form; missing ones have their default.
+  void ReadProperties(const PropertyStore& store);
+  void WriteProperties(PropertyStore& store) const;
 
   // --- Methods ---
 
@@ -87,11 +132,47 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   /// The text that a cell shows.
   std::string CellText(std::size_t row, std::size_t column) const;
 
+  // --- Editing, rows and clipboard ---
+
+  /// Opens the editor of the current cell. False when it has none: no current cell, a check box, a locked row.
+  bool EditCell() { return OpenEditor(); }
+  /// Whether an editor is open.
+  bool IsEditing() const { return edit_.has_value(); }
+  /// Ends the edit: the text is written into the cell, `AfterEdit` is raised. Nothing when no editor is open.
+  void CommitEdit();
+  /// Ends the edit: the cell is as it was, nothing is raised.
+  void CancelEdit();
+
+  /// The rows that are selected by their headers; none when first is 0.
+  struct RowRange {
+    std::size_t first = 0;
+    std::size_t last = 0;
+    bool Contains(std::size_t row) const { return first != 0 && row >= first && row <= last; }
+    std::size_t Count() const { return first == 0 ? 0 : last - first + 1; }
+  };
+  const RowRange& Selection() const { return selection_; }
+  /// Selects rows; a last one before the first selects none. Rows that do not exist are left out.
+  void SelectRows(std::size_t first, std::size_t last);
+  /// What the keys Delete and Insert do to the selected rows. Nothing without a selection, or while `AllowRowInsert` is
+  /// False.
+  void DeleteSelectedRows();
+  void InsertRows();
+  /// Moves the selected rows, else the current one, up (-1) or down (1) by one. False when they cannot go there.
+  bool MoveRows(int direction);
+
+  /// The selected rows, else the current cell, as text: cells between TABs, rows between CR LF. Cells that hold TABs,
+  /// line ends or quotes stand in quotes.
+  std::string CopyText() const;
+  /// Writes such a text into the cells from the first selected row's first cell, else from the current cell, each as an
+  /// edit; rows are added as needed. A cell that does not take its text stays as it is.
+  void PasteText(std::string_view text);
+
   // --- Window events ---
 
   void Paint(Canvas& canvas, const PixelRect& dirty) const override;
   void OnResize() override;
   void OnMouseDown(const MouseEvent& event) override;
+  void OnMouseLeave() override;
   void OnMouseMove(const MouseEvent& event) override;
   void OnMouseUp(const MouseEvent& event) override;
   void OnDoubleClick(const MouseEvent& event) override;
@@ -105,7 +186,7 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   std::string ToolTipAt(PixelPoint point) const override;
 
  protected:
-  void OnSurfaceChanged() override { UpdateScrollBars(); }
+  void OnSurfaceChanged() override;
 
  private:
   // What the pointer is doing while a button is held.
@@ -114,13 +195,19 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
     std::size_t column;
     Pixels grip;  // from the column's right edge to the pointer
   };
-  using Gesture = std::variant<NoGesture, SizingColumn>;
+  struct MovingRows {
+    PixelPoint from;
+    std::size_t grip;      // the row that was pressed
+    bool started = false;  // the pointer has left the place where it was pressed
+  };
+  using Gesture = std::variant<NoGesture, SizingColumn, MovingRows>;
 
-  // The rows that are selected by their headers; none when first is 0.
-  struct RowRange {
-    std::size_t first = 0;
-    std::size_t last = 0;
-    bool Contains(std::size_t row) const { return first != 0 && row >= first && row <= last; }
+  // An editor is open on a cell.
+  struct EditSession {
+    Ref<zrGridRow> row;
+    Ref<zrGridColumn> column;
+    std::string text;  // of the cell before the edit
+    bool isCombo;
   };
 
   zrGrid() = default;
@@ -133,20 +220,52 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   }
   bool BeforeCellChange(std::size_t row, std::size_t column) override;
   void AfterCellChange(std::size_t row, std::size_t column) override;
-  void RowsChanged() override;
+  void RowsChanged(std::size_t from) override;
+  void CellLooksChanged() override { Redraw(); }
 
   GridLayout Layout() const;
   void UpdateScrollBars();
   void Redraw();
   void MakeCurrent(std::size_t row, std::size_t column);
-  void SelectRows(std::size_t row, bool extend);
-  void DeleteSelectedRows();
   void ToggleCheckBox(std::size_t row, std::size_t column);
-  bool MoveCurrent(std::int32_t keyCode);
   std::size_t NextShownColumn(std::size_t from, int direction) const;
+  bool MoveCurrent(std::int32_t keyCode);
+  bool MoveToNextCell(int direction);
+  bool JumpKey(const KeyEvent& event);
+  bool CommandKey(const KeyEvent& event);
+  bool SelectionKey(const KeyEvent& event);
+  bool TypingKey(const KeyEvent& event);
+  bool MoveRange(RowRange range, std::size_t before);
+
+  void PressHeader(const GridHit& hit, const MouseEvent& event);
+  void PressRowHeader(std::size_t row, const MouseEvent& event);
+  void PressCell(const GridHit& hit, const MouseEvent& event);
+  void DragRows(MovingRows& moving, PixelPoint to);
+  void OfferMenu(const GridHit& hit, PixelPoint at);
+
+  void InBatch(const std::function<void()>& work);
+  void PasteLine(zrGridRow& row, std::size_t firstColumn, const std::vector<std::string>& line);
+  void PasteCell(zrGridRow& row, std::size_t column, const std::string& text);
+  bool OpenEditor(const std::string* typed = nullptr);
+  void ShowTextBox();
+  void ShowCombo();
+  void PlaceEditor();
+  void WriteBack(const EditSession& session, const std::string& text);
+  void CloseEditor();
+  bool EditorKey(const KeyEvent& event);
+  TextEditor& TextBox();
+  zrSimpleCombo& Combo();
+
+  enum class CheckState : std::uint8_t { None, Off, On, Mixed };
+  CheckState StateOfColumn(std::size_t column) const;
+  void CheckColumn(std::size_t column);
+  PixelRect HeaderCheckBox(const PixelRect& header) const;
 
   void PaintHeaders(Canvas& canvas, const GridLayout& layout, PixelSize view) const;
+  void PaintColumnHeader(Canvas& canvas, const PixelRect& rect, std::size_t column) const;
   void PaintCell(Canvas& canvas, const PixelRect& rect, std::size_t row, std::size_t column) const;
+  void PaintHint(Canvas& canvas, const GridLayout& layout, PixelSize view) const;
+  bool HoldsNothing() const;
 
   Ref<zrGridColumns> columns_;
   Ref<zrGridRows> rows_;
@@ -155,11 +274,21 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   bool allowRowInsert_ = true;
   bool autoRedraw_ = true;
   bool focused_ = false;
+  bool customContextMenu_ = false;
+  std::string emptyText_;
   std::size_t currentRow_ = 0;
   std::size_t currentColumn_ = 0;
+  WeakRef<Object> current_;  // the current row: it stays current when rows before it come and go
   RowRange selection_;
-  std::size_t dropRow_ = 0;  // where a drop would insert: before this row; 0 while nothing is dragged over
+  std::size_t anchor_ = 0;       // the row from which the selection is extended
+  std::size_t dropRow_ = 0;      // where a drop would insert: before this row; 0 while nothing is dragged over
+  std::size_t hoverHeader_ = 0;  // the column whose header is under the pointer
   Gesture gesture_;
+  std::optional<EditSession> edit_;
+  std::shared_ptr<TextEditor> txtText_;  // made on first use, anew on another surface
+  std::vector<EventConnection> txtLinks_;
+  Ref<zrSimpleCombo> cboList_;  // made on first use
+  std::vector<EventConnection> cboLinks_;
   ScrollState horizontal_;
   ScrollState vertical_;
 };

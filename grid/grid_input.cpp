@@ -1,111 +1,143 @@
-// The grid's mouse and keyboard.
+// The grid's keyboard.
 #include <algorithm>
-#include <cmath>
 
 #include "grid/grid.h"
 
 namespace zrqrybld {
 namespace {
 
-constexpr Pixels kNarrowest = 16_px;
+// Keys that `KeyCode` has no name for.
+constexpr std::int32_t kKeyMenu = 93;
+constexpr std::int32_t kKeyF10 = KeyCodeF1 + 9;
 
 }  // namespace
 
-void zrGrid::OnMouseDown(const MouseEvent& event) {
-  GetSurface().SetFocus();
-  const GridLayout layout = Layout();
-  const GridHit hit = layout.HitTest(event.position);
-  switch (hit.part) {
-    case GridPart::ColumnEdge:
-      if (!allowColumnResize_ || event.button != ButtonLeft) return;
-      gesture_ = SizingColumn{hit.column, event.position.x - layout.ColumnHeaderRect(hit.column).Right()};
-      GetSurface().SetCapture(true);
-      return;
-    case GridPart::RowHeader:
-      SelectRows(hit.row, (event.shift & ShiftShift) != 0);
-      return;
-    case GridPart::Cell:
-      selection_ = {};
-      MakeCurrent(hit.row, hit.column);
-      if (event.button == ButtonLeft) ToggleCheckBox(hit.row, hit.column);
-      Redraw();
-      return;
-    default:
-      return;
-  }
-}
-
-void zrGrid::OnMouseMove(const MouseEvent& event) {
-  if (const auto* sizing = std::get_if<SizingColumn>(&gesture_)) {
-    const Pixels left = Layout().ColumnHeaderRect(sizing->column).left;
-    const Pixels width = std::max(event.position.x - sizing->grip - left, kNarrowest);
-    columns_->At(sizing->column).SetWidth(static_cast<float>(GetSurface().Scale().TwipsX(width).Value()));
-    return;
-  }
-  const bool edge = allowColumnResize_ && Layout().HitTest(event.position).part == GridPart::ColumnEdge;
-  GetSurface().SetCursor(edge ? Cursor::ColumnSplit : Cursor::Arrow);
-}
-
-void zrGrid::OnMouseUp(const MouseEvent& event) {
-  if (std::holds_alternative<SizingColumn>(gesture_)) {
-    gesture_ = NoGesture{};
-    GetSurface().SetCapture(false);
-  }
-  MouseUp.Raise(event.button, event.shift, static_cast<float>(event.position.x.Value()),
-                static_cast<float>(event.position.y.Value()));
-  const GridHit hit = Layout().HitTest(event.position);
-  if (event.button == ButtonRight && hit.part == GridPart::Cell) {
-    ShowContextMenu.Raise(static_cast<std::int32_t>(hit.row), static_cast<std::int32_t>(hit.column));
-  }
-}
-
-void zrGrid::OnDoubleClick(const MouseEvent& event) {
-  const GridHit hit = Layout().HitTest(event.position);
-  // The second click of two on a check box is a click of its own.
-  if (hit.part == GridPart::Cell && event.button == ButtonLeft) ToggleCheckBox(hit.row, hit.column);
-  DblClick.Raise();
-}
-
-void zrGrid::ToggleCheckBox(std::size_t row, std::size_t column) {
-  // A listener of RowColChange may have taken the row away.
-  if (row > static_cast<std::size_t>(rows_->Count()) || column > static_cast<std::size_t>(columns_->Count())) return;
-  zrGridRow& target = rows_->At(row);
-  if (!IsCheckBoxColumn(column) || target.Locked()) return;
-  target.SetValue(static_cast<std::int32_t>(column), target.ValueAt(column) != Variant(true));
-}
-
-void zrGrid::OnWheel(const WheelEvent& event) {
-  const bool sideways = (event.shift & ShiftShift) != 0;
-  const double x = sideways ? event.linesX + event.linesY : event.linesX;
-  const double y = sideways ? 0 : event.linesY;
-  OnScroll(Orientation::Horizontal, horizontal_.value + static_cast<int>(std::round(x * horizontal_.step)));
-  OnScroll(Orientation::Vertical, vertical_.value + static_cast<int>(std::round(y * vertical_.step)));
-  UpdateScrollBars();
-}
-
 bool zrGrid::OnKeyDown(const KeyEvent& event) {
-  if (event.shift != ShiftNone) return false;
+  if (edit_)
+    return edit_->isCombo && edit_->column->Style() == GridColumnComboList ? cboList_->OnKeyDown(event) : false;
+  return SelectionKey(event) || CommandKey(event) || JumpKey(event) || TypingKey(event);
+}
+
+// Keys that act on the current cell or the selected rows.
+bool zrGrid::CommandKey(const KeyEvent& event) {
+  const bool plain = event.shift == ShiftNone;
+  const bool menuKey = (plain && event.keyCode == kKeyMenu) || (event.shift == ShiftShift && event.keyCode == kKeyF10);
+  if (menuKey) {
+    if (currentRow_ == 0) return false;
+    const PixelRect cell = GetRowColumnXY(Row(), Column());
+    OfferMenu({GridPart::Cell, currentRow_, currentColumn_}, {cell.left, cell.Bottom()});
+    return true;
+  }
+  if (event.keyCode == KeyCodeTab) return MoveToNextCell(event.shift == ShiftShift ? -1 : 1);
+  if (event.shift == ShiftCtrl && event.keyCode == 'C') {
+    GetSurface().SetClipboardText(CopyText());
+    return true;
+  }
+  if (event.shift == ShiftCtrl && event.keyCode == 'V') {
+    PasteText(GetSurface().ClipboardText());
+    return true;
+  }
+  if (event.shift == ShiftShift && event.keyCode == KeyCodeF2) {
+    ZoomWanted.Raise();
+    return true;
+  }
+  if (!plain) return false;
   switch (event.keyCode) {
-    case KeyCodeLeft:
-    case KeyCodeUp:
-    case KeyCodeRight:
-    case KeyCodeDown:
-      return MoveCurrent(event.keyCode);
+    case KeyCodeF2:
+      return OpenEditor();
+    case KeyCodeF4:
+      if (!OpenEditor()) return false;
+      if (edit_ && edit_->isCombo) cboList_->OnKeyDown(event);
+      return true;
     case KeyCodeEnter:
-      return MoveCurrent(KeyCodeRight);
+      return MoveToNextCell(1);
     case KeyCodeSpace:
-      if (currentRow_ == 0) return false;
+      if (currentRow_ == 0 || !IsCheckBoxColumn(currentColumn_)) return false;
       ToggleCheckBox(currentRow_, currentColumn_);
       return true;
     case KeyCodeDelete:
       if (!allowRowInsert_ || selection_.first == 0) return false;
       DeleteSelectedRows();
       return true;
+    case KeyCodeInsert:
+      if (!allowRowInsert_ || selection_.first == 0) return false;
+      InsertRows();
+      return true;
     default:
       return false;
   }
 }
 
+// Shift with the space bar or the arrows selects rows; Alt moves them.
+bool zrGrid::SelectionKey(const KeyEvent& event) {
+  const bool vertical = event.keyCode == KeyCodeUp || event.keyCode == KeyCodeDown;
+  const int direction = event.keyCode == KeyCodeUp ? -1 : 1;
+  if (event.shift == ShiftAlt && vertical) return MoveRows(direction);
+  if (event.keyCode == KeyCodeEscape && event.shift == ShiftNone && selection_.first != 0) {
+    SelectRows(0, 0);
+    return true;
+  }
+  if (event.shift != ShiftShift || currentRow_ == 0) return false;
+  if (event.keyCode == KeyCodeSpace) {
+    anchor_ = currentRow_;
+    SelectRows(currentRow_, currentRow_);
+    return true;
+  }
+  if (!vertical) return false;
+  if (selection_.first == 0) anchor_ = currentRow_;
+  MoveCurrent(event.keyCode);
+  SelectRows(std::min(anchor_, currentRow_), std::max(anchor_, currentRow_));
+  return true;
+}
+
+// The arrows, and keys that go further.
+bool zrGrid::JumpKey(const KeyEvent& event) {
+  const bool ctrl = event.shift == ShiftCtrl;
+  if (event.shift != ShiftNone && !ctrl) return false;
+  switch (event.keyCode) {
+    case KeyCodeLeft:
+    case KeyCodeUp:
+    case KeyCodeRight:
+    case KeyCodeDown:
+      return !ctrl && MoveCurrent(event.keyCode);
+    default:
+      break;
+  }
+  const auto count = static_cast<std::size_t>(rows_->Count());
+  if (count == 0 || columns_->Count() == 0 || currentRow_ == 0) return false;
+  const auto page = static_cast<std::size_t>(std::max(1, vertical_.page / std::max(1, vertical_.step) - 1));
+  const std::size_t first = NextShownColumn(0, 1);
+  const std::size_t last = NextShownColumn(static_cast<std::size_t>(columns_->Count()) + 1, -1);
+  switch (event.keyCode) {
+    case KeyCodeHome:
+      MakeCurrent(ctrl ? 1 : currentRow_, first);
+      return true;
+    case KeyCodeEnd:
+      MakeCurrent(ctrl ? count : currentRow_, last);
+      return true;
+    case KeyCodePageUp:
+      MakeCurrent(currentRow_ > page ? currentRow_ - page : 1, currentColumn_);
+      return !ctrl;
+    case KeyCodePageDown:
+      MakeCurrent(std::min(currentRow_ + page, count), currentColumn_);
+      return !ctrl;
+    default:
+      return false;
+  }
+}
+
+// What types something replaces the cell's text; the backspace key empties it.
+bool zrGrid::TypingKey(const KeyEvent& event) {
+  const bool empties = event.keyCode == KeyCodeBack && event.shift == ShiftNone;
+  if (event.text.empty() && !empties) return false;
+  if (currentRow_ == 0 && !MoveCurrent(KeyCodeDown)) return false;
+  const std::string typed = empties ? std::string() : event.text;
+  return OpenEditor(&typed);
+}
+
+// --- Moving the current cell ---
+
+// The next column with a width, or `from` when there is none.
 std::size_t zrGrid::NextShownColumn(std::size_t from, int direction) const {
   const auto count = static_cast<std::int64_t>(columns_->Count());
   for (std::int64_t column = static_cast<std::int64_t>(from) + direction; column >= 1 && column <= count;
@@ -132,47 +164,28 @@ bool zrGrid::MoveCurrent(std::int32_t keyCode) {
   return true;
 }
 
-// The row before which a drop at this place inserts: behind the last one when it lies below all rows.
-static std::size_t DropRowAt(const GridLayout& layout, PixelPoint point, std::size_t count) {
-  const GridHit hit = layout.HitTest({layout.RowHeaderWidth() / 2, point.y});
-  return hit.row != 0 ? hit.row : point.y < layout.HeaderHeight() ? 1 : count + 1;
-}
-
-bool zrGrid::OnDragOver(const std::string& text, const MouseEvent& event) {
-  std::int32_t effect = 0;
-  OLEDragOver.Raise(text, effect, event.button, event.shift, static_cast<float>(event.position.x.Value()),
-                    static_cast<float>(event.position.y.Value()));
-  dropRow_ = effect != 0 ? DropRowAt(Layout(), event.position, static_cast<std::size_t>(rows_->Count())) : 0;
-  Redraw();
-  return effect != 0;
-}
-
-void zrGrid::OnDragLeave() {
-  dropRow_ = 0;
-  Redraw();
-}
-
-void zrGrid::OnDrop(const std::string& text, const MouseEvent& event) {
-  OnDragLeave();
-  std::int32_t effect = 1;
-  OLEDragDrop.Raise(text, effect, event.button, event.shift, static_cast<float>(event.position.x.Value()),
-                    static_cast<float>(event.position.y.Value()));
+// The next cell of the row, behind its end the first one of the next row; backwards alike. False at the grid's ends.
+bool zrGrid::MoveToNextCell(int direction) {
+  if (currentRow_ == 0) return MoveCurrent(KeyCodeDown);
+  const auto count = static_cast<std::size_t>(rows_->Count());
+  const std::size_t column = NextShownColumn(currentColumn_, direction);
+  if (column != currentColumn_) {
+    MakeCurrent(currentRow_, column);
+    return true;
+  }
+  if (direction < 0 ? currentRow_ <= 1 : currentRow_ >= count) return false;
+  MakeCurrent(
+      direction < 0 ? currentRow_ - 1 : currentRow_ + 1,
+      direction < 0 ? NextShownColumn(static_cast<std::size_t>(columns_->Count()) + 1, -1) : NextShownColumn(0, 1));
+  return true;
 }
 
 void zrGrid::OnFocusChanged(bool focused) {
   focused_ = focused;
-  if (focused && currentRow_ == 0) MoveCurrent(KeyCodeDown);  // so that the keyboard has a place to start from
+  // A combo whose text box is hidden leaves the keyboard to the grid.
+  const bool editsHere = edit_ && edit_->isCombo && cboList_->HideEdit();
+  if (!focused && editsHere) CommitEdit();
   Redraw();
-}
-
-// Text that does not fit its cell is shown whole.
-std::string zrGrid::ToolTipAt(PixelPoint point) const {
-  const GridLayout layout = Layout();
-  const GridHit hit = layout.HitTest(point);
-  if (hit.part != GridPart::Cell || columns_->At(hit.column).Style() == GridColumnCheckBox) return {};
-  const std::string text = CellText(hit.row, hit.column);
-  const Pixels room = layout.CellRect(hit.row, hit.column).width - kGridTextPadding * 2;
-  return GetSurface().Metrics().TextWidth(text, font_) > room ? text : std::string();
 }
 
 }  // namespace zrqrybld

@@ -1,11 +1,15 @@
 // The grid pane's columns, captions, options, and what it does when tables or cells change.
 #include "grid/grid_pane.h"
 
+#include <algorithm>
+#include <optional>
+
 #include "base/error.h"
 #include "base/scoped_value.h"
 #include "base/text.h"
 #include "diagram/entities.h"
 #include "grid/sort_order.h"
+#include "platform/stored_values.h"
 
 namespace zrqrybld {
 namespace {
@@ -38,32 +42,44 @@ void qbGridPane::CreateColumns() {
   for (const char* text : {"Ascending", "Descending", "Unsorted"}) {
     grdPane_->Columns()->Item("sort_type")->ComboItems()->Add(text);
   }
+  grdPane_->Columns()->Item("output")->SetDisplayAttribute(kCheckedHeader);
+  grdPane_->SetEmptyText("Tick columns in the diagram, drag them here, or type their names.");
   ApplyShowGroupBy();
-  links_.push_back(
-      grdPane_->AfterChange.Connect([this](std::int32_t row, std::int32_t column) { CellChanged(row, column); }));
-  links_.push_back(grdPane_->BeforeChange.Connect([this](std::int32_t row, std::int32_t, bool&) {
-    if (!busy_) before_ = FieldOf(RowAt(row));
-  }));
-  links_.push_back(grdPane_->BeforeDelete.Connect(
-      [this](std::int32_t first, std::int32_t last, bool&) { RowsAboutToGo(first, last); }));
-  links_.push_back(grdPane_->AfterDelete.Connect([this](std::int32_t, std::int32_t) {
-    CloseSortGaps();
+  ConnectGrid();
+}
+
+void qbGridPane::ConnectGrid() {
+  const auto listen = [this](auto& event, auto listener) { links_.push_back(event.Connect(listener)); };
+  zrGrid& grid = *grdPane_;
+  listen(grid.AfterChange, [this](std::int32_t row, std::int32_t column) { CellChanged(row, column); });
+  listen(grid.BeforeChange, [this](std::int32_t row, std::int32_t column, bool&) {
+    if (busy_) return;
+    before_ = FieldOf(RowAt(row));
+    change_ = Change{RowAt(row).weak_from_this(), column, Text(RowAt(row), static_cast<std::size_t>(column))};
+  });
+  listen(grid.BeforeEdit, [this](std::int32_t row, std::int32_t column) { RefillLists(row, column); });
+  listen(grid.AfterEdit, [this](std::int32_t row, std::int32_t column) { GridEdited(row, column); });
+  listen(grid.BeforeDelete, [this](std::int32_t first, std::int32_t last, bool&) { RowsAboutToGo(first, last); });
+  listen(grid.AfterDelete, [this](std::int32_t, std::int32_t) { RowsMoved(); });
+  listen(grid.AfterMove, [this](std::int32_t, std::int32_t, std::int32_t) { RowsMoved(); });
+  listen(grid.AfterInsert, [this](std::int32_t first, std::int32_t last) {
+    for (std::int32_t i = first; i <= last && i <= RowCount(); ++i) RowAt(i).SetMaxLen("alias", AliasMaxLen());
     EnsureEmptyLastRow();
-    ReportChange();
-  }));
-  links_.push_back(grdPane_->OLEDragOver.Connect(
-      [](const std::string& text, std::int32_t& effect, std::int32_t, std::int32_t, float, float) {
-        if (text.find('.') != std::string::npos) effect = 1;
-      }));
-  links_.push_back(grdPane_->OLEDragDrop.Connect(
-      [this](const std::string& text, std::int32_t&, std::int32_t, std::int32_t, float x, float y) {
-        DropField(text, {Pixels(static_cast<double>(x)), Pixels(static_cast<double>(y))});
-      }));
-  links_.push_back(grdPane_->DblClick.Connect([this] { DblClick.Raise(); }));
-  links_.push_back(grdPane_->ShowContextMenu.Connect(
-      [this](std::int32_t row, std::int32_t column) { ShowContextMenu.Raise(row, column); }));
-  links_.push_back(grdPane_->RowColChange.Connect(
-      [this](std::int32_t row, std::int32_t column) { RowColChange.Raise(row, column); }));
+  });
+  listen(grid.RowsShifted, [this](std::int32_t from) { emptyFrom_ = std::min(emptyFrom_, from); });
+  listen(grid.Batch, [this](bool begins) { BatchChanged(begins); });
+  listen(grid.OLEDragOver, [](const std::string& text, std::int32_t& effect, std::int32_t, std::int32_t, float, float) {
+    if (text.find('.') != std::string::npos) effect = 1;
+  });
+  listen(grid.OLEDragDrop,
+         [this](const std::string& text, std::int32_t&, std::int32_t, std::int32_t, float x, float y) {
+           DropField(text, {Pixels(static_cast<double>(x)), Pixels(static_cast<double>(y))});
+         });
+  listen(grid.DblClick, [this] { DblClick.Raise(); });
+  listen(grid.ShowContextMenu, [this](std::int32_t row, std::int32_t column) { ShowContextMenu.Raise(row, column); });
+  listen(grid.MenuWanted, [this](const GridHit& hit, PixelPoint at) { ShowMenu(hit, at); });
+  listen(grid.ZoomWanted, [this] { ShowExpressionZoom(); });
+  listen(grid.RowColChange, [this](std::int32_t row, std::int32_t column) { CurrentCellChanged(row, column); });
 }
 
 // --- Link to the hub ---
@@ -90,6 +106,55 @@ std::int16_t qbGridPane::AliasMaxLen() const {
   const Ref<QueryContext> context = context_.lock();
   return context ? context->AliasMaxLen() : std::int16_t{0};
 }
+
+void qbGridPane::AboutBox() {
+  if (const Ref<QueryContext> context = context_.lock()) {
+    context->GetToolkit().GetDialogs().ShowMessage("zrQryBld\r\nThe columns of a query.", MessageIcon::Information);
+  }
+}
+
+// --- Properties ---
+
+void qbGridPane::SetDateFormat(std::string format) {
+  dateFormat_ = std::move(format);
+  PropertyChanged.Raise("DateFormat");
+}
+
+void qbGridPane::SetDateFormatStyle(DateFormatEnum style) {
+  dateFormatStyle_ = style;
+  PropertyChanged.Raise("DateFormatStyle");
+}
+
+void qbGridPane::SetFont(const zrqrybld::Font& font) {
+  grdPane_->SetFont(font);
+  PropertyChanged.Raise("Font");
+}
+
+void qbGridPane::SetCustomContextMenu(bool custom) {
+  grdPane_->SetCustomContextMenu(custom);
+  PropertyChanged.Raise("CustomContextMenu");
+}
+
+void qbGridPane::ReadProperties(const PropertyStore& store) {
+  dateFormat_ = store.Read("DateFormat", "dd-mmm-yyyy").Text();
+  const std::optional<double> style = store.Read("DateFormatStyle", 0).Number();
+  dateFormatStyle_ = style && *style == 1 ? DateFormatEscapeSequence : DateFormatNative;
+  showGroupBy_ = ReadBoolean(store, "ShowGroupBy", true);
+  grdPane_->SetCustomContextMenu(ReadBoolean(store, "CustomContextMenu", false));
+  grdPane_->SetFont(ReadFont(store, "Font"));
+  ApplyShowGroupBy();
+  ReportChange();
+}
+
+void qbGridPane::WriteProperties(PropertyStore& store) const {
+  store.Write("DateFormat", dateFormat_, "dd-mmm-yyyy");
+  store.Write("DateFormatStyle", static_cast<std::int32_t>(dateFormatStyle_), 0);
+  store.Write("ShowGroupBy", showGroupBy_, true);
+  store.Write("CustomContextMenu", CustomContextMenu(), false);
+  store.Write("Font", ToVariant(Font()));
+}
+
+// --- Captions and lengths ---
 
 void qbGridPane::ReportChange() {
   if (const Ref<QueryContext> context = context_.lock()) context->QueryChanged();
@@ -160,6 +225,7 @@ void qbGridPane::EnsureEmptyLastRow() {
 void qbGridPane::ResetRows() {
   grdPane_->SetAutoRedraw(false);
   grdPane_->Rows()->Clear();
+  rowsByField_.clear();
   for (int i = 0; i < kInitialRows; ++i) AddEmptyRow();
   grdPane_->SetAutoRedraw(true);
 }
@@ -187,21 +253,34 @@ void qbGridPane::SortRow(std::int32_t row, const std::string& type) {
   }
 }
 
-void qbGridPane::CloseSortGaps() {
+// The sort number of each row; 0 for those without.
+std::vector<std::int32_t> qbGridPane::SortOrders() const {
   std::vector<std::int32_t> orders;
+  orders.reserve(static_cast<std::size_t>(RowCount()));
   for (std::int32_t i = 1; i <= RowCount(); ++i) orders.push_back(SortOrderOf(RowAt(i)));
-  const std::vector<std::int32_t> closed = zrqrybld::CloseSortGaps(orders);
+  return orders;
+}
+
+void qbGridPane::WriteSortOrders(const std::vector<std::int32_t>& orders) {
   const ScopedValue busy(busy_, true);
-  for (std::int32_t i = 1; i <= RowCount(); ++i) {
-    const std::int32_t order = closed[static_cast<std::size_t>(i - 1)];
-    if (order != 0) RowAt(i).SetValue("sort_order", std::to_string(order));
+  for (std::int32_t i = 1; i <= RowCount() && static_cast<std::size_t>(i) <= orders.size(); ++i) {
+    const std::int32_t order = orders[static_cast<std::size_t>(i - 1)];
+    const Variant& cell = RowAt(i).ValueAt(kColumnSortOrder);
+    if (order != 0) {
+      RowAt(i).SetValue("sort_order", std::to_string(order));
+    } else if (!cell.IsBlank()) {
+      RowAt(i).SetValue("sort_order", "");
+    }
   }
 }
+
+void qbGridPane::CloseSortGaps() { WriteSortOrders(zrqrybld::CloseSortGaps(SortOrders())); }
 
 void qbGridPane::SetShowGroupBy(bool show) {
   if (show == showGroupBy_) return;
   showGroupBy_ = show;
   ApplyShowGroupBy();
+  PropertyChanged.Raise("ShowGroupBy");
   ReportChange();
 }
 
@@ -228,31 +307,37 @@ void qbGridPane::SetRowGroupBy(zrGridRow& row) {
 
 // --- Tables ---
 
+// What stands at its place already stays: a table more costs a look at the others, not a list made anew.
 void qbGridPane::RefreshTableList() {
-  const Ref<zrGridComboItems>& list = grdPane_->Columns()->Item("table")->ComboItems();
-  list->Clear();
+  zrGridComboItems& list = *grdPane_->Columns()->Item("table")->ComboItems();
   const Ref<qbEntities> entities = Entities();
-  for (std::int32_t i = 1; entities && i <= entities->Count(); ++i) list->Add(entities->Item(i)->Caption());
+  const std::int32_t count = entities ? entities->Count() : 0;
+  std::int32_t same = 0;
+  while (same < count && same < list.Count() && list.Item(same + 1)->Text() == entities->Item(same + 1)->Caption()) {
+    ++same;
+  }
+  while (list.Count() > same) list.Remove(list.Count());
+  for (std::int32_t i = same + 1; i <= count; ++i) list.Add(entities->Item(i)->Caption());
 }
 
 void qbGridPane::RefreshTables() {
   const Ref<qbEntities> entities = Entities();
   if (!entities) return;
   RefreshTableList();
-  for (std::int32_t i = RowCount(); i >= 1; --i) {
-    if (i > RowCount()) continue;  // a listener of RowColChange has removed rows, too
-    const std::string table = Text(RowAt(i), kColumnTable);
-    if (!table.empty() && !entities->FindExactly(table)) grdPane_->Rows()->Remove(i);
-  }
+  grdPane_->Rows()->RemoveIf([&](const zrGridRow& row) {
+    const std::string table = Text(row, kColumnTable);
+    return !table.empty() && !entities->FindExactly(table);
+  });
   CloseSortGaps();
   EnsureEmptyLastRow();
   ReportChange();
 }
 
 void qbGridPane::RemoveRowsOf(const std::string& tableName) {
-  for (std::int32_t i = RowCount(); i >= 1; --i) {
-    if (i <= RowCount() && Text(RowAt(i), kColumnTable) == tableName) grdPane_->Rows()->Remove(i);
-  }
+  grdPane_->Rows()->RemoveIf([&](const zrGridRow& row) {
+    const std::string* table = row.ValueAt(kColumnTable).StringIf();
+    return table && *table == tableName;
+  });
   CloseSortGaps();
   EnsureEmptyLastRow();
 }
@@ -273,43 +358,6 @@ void qbGridPane::RenameTable(const std::string& before, const std::string& after
     for (std::size_t column = kColumnCriteria; column <= static_cast<std::size_t>(ColumnCount()); ++column) {
       rewriteCell(column);
     }
-  }
-}
-
-// --- Cells that the user or the application has changed ---
-
-void qbGridPane::CellChanged(std::int32_t row, std::int32_t column) {
-  if (busy_) return;
-  const StepScope step(context_.lock(), "Change cell");
-  {
-    const ScopedValue busy(busy_, true);
-    if (column == kColumnColumn || column == kColumnTable) {
-      SetRowGroupBy(RowAt(row));
-      EnsureEmptyLastRow();
-    }
-    if (column == kColumnOutput || column == kColumnColumn || column == kColumnTable) {
-      // A row that names another field gives up the old one; its box stays ticked while another row outputs it.
-      const Field left = before_;
-      const Field now = FieldOf(RowAt(row));
-      const bool leftOutput = IsOutput(left);
-      const bool nowOutput = IsOutput(now);
-      PushToDiagram(left.name, left.table, leftOutput);
-      PushToDiagram(now.name, now.table, nowOutput);
-    }
-    AfterChange.Raise(row, column);
-  }
-  ReportChange();
-}
-
-// A field's box is unticked only when its last output goes.
-void qbGridPane::RowsAboutToGo(std::int32_t first, std::int32_t last) {
-  const ScopedValue busy(busy_, true);
-  for (std::int32_t i = first; i <= last && i <= RowCount(); ++i) {
-    zrGridRow& row = RowAt(i);
-    if (row.ValueAt(kColumnOutput) != Variant(true)) continue;
-    row.SetValue("output", false);
-    const Field field = FieldOf(row);
-    if (!IsOutput(field)) PushToDiagram(field.name, field.table, false);
   }
 }
 

@@ -8,6 +8,8 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "base/event.h"
@@ -16,6 +18,8 @@
 #include "grid/grid_columns.h"
 #include "host/date_format.h"
 #include "host/query_context.h"
+#include "platform/menu.h"
+#include "platform/property_store.h"
 
 namespace zrqrybld {
 
@@ -28,18 +32,36 @@ class qbGridPane final : public Object {
 
   // --- Events, in interface order ---
 
+  /// A criterion was typed and is about to be brought into its normal form: row, column, table, field, type code (0 for
+  /// an expression), long flag, the characters around a literal of the type, the typed text and, last, whether to take
+  /// it as the listener leaves it. Changes of the text count.
+  Event<std::int32_t, std::int32_t, const std::string&, const std::string&, std::int32_t, bool, const std::string&,
+        const std::string&, std::string&, bool&>
+      AfterEditExpressionFormat;
   /// A double click anywhere in the grid.
   Event<> DblClick;
   /// The right button is released over a cell: row and column, from 1.
   Event<std::int32_t, std::int32_t> ShowContextMenu;
+  /// Another cell is current; both are 0 when there is none.
   Event<std::int32_t, std::int32_t> RowColChange;
+  /// A cell was changed, by the user or by program, and its row and the diagram agree with it again.
   Event<std::int32_t, std::int32_t> AfterChange;
+  /// An edit in a cell is complete; the statement is written next.
+  Event<std::int32_t, std::int32_t> AfterEdit;
+  /// The grid's own context menu is about to be shown for a row (0 for none) and a column (0 for a row header). A
+  /// handler may add and remove entries; an empty menu is not shown.
+  Event<std::int32_t, std::int32_t, Menu&> BeforeContextMenu;
 
   // --- Properties and methods, in interface order ---
 
+  /// Shows what this control is.
+  void AboutBox();
   /// The current column, from 1; 0 when no cell is current.
   std::int16_t Column() const { return static_cast<std::int16_t>(grdPane_->Column()); }
   std::int32_t ColumnCount() const { return grdPane_->Columns()->Count(); }
+  /// Completes the edit of the current cell: an open editor is committed; without one, the cell's value is treated as
+  /// just typed. Nothing without a current cell.
+  void FinishEdit();
   /// Hides or shows a column by position from 1 or key. Error 9 when there is none.
   void HideColumn(const Variant& columnIndex) { grdPane_->Columns()->Item(columnIndex)->SetHidden(true); }
   void ShowColumn(const Variant& columnIndex) { grdPane_->Columns()->Item(columnIndex)->SetHidden(false); }
@@ -57,20 +79,36 @@ class qbGridPane final : public Object {
   std::int32_t RowCount() const { return grdPane_->Rows()->Count(); }
   /// Sets the row's group-by choice. Error 9 when there is no such row.
   void SetGroupByFunction(std::int32_t rowIndex, const qbDBFunction& function);
+  /// Open the expression builder, or a larger editor, on the current cell; an answer other than "cancel" is an edit of
+  /// the cell. Nothing without a current cell or a hub.
+  void ShowExpressionBuilder() { EditInWindow(true); }
+  void ShowExpressionZoom() { EditInWindow(false); }
   /// A cell's value; a missing row or column means the current one. Error 40001 when either is not above 0.
   Variant Value(const Variant& row = Variant::Missing(), const Variant& column = Variant::Missing()) const;
   void SetValue(const Variant& row, const Variant& column, Variant value);
 
   /// How dates are written with `DateFormatNative`; "dd-mmm-yyyy" at first.
   const std::string& DateFormat() const { return dateFormat_; }
-  void SetDateFormat(std::string format) { dateFormat_ = std::move(format); }
+  void SetDateFormat(std::string format);
   /// Whether the query groups, and the group-by column is shown; True at first.
   bool ShowGroupBy() const { return showGroupBy_; }
   void SetShowGroupBy(bool show);
   const zrqrybld::Font& Font() const { return grdPane_->Font(); }
-  void SetFont(const zrqrybld::Font& font) { grdPane_->SetFont(font); }
+  void SetFont(const zrqrybld::Font& font);
   DateFormatEnum DateFormatStyle() const { return dateFormatStyle_; }
-  void SetDateFormatStyle(DateFormatEnum style) { dateFormatStyle_ = style; }
+  void SetDateFormatStyle(DateFormatEnum style);
+  /// Whether the application shows its own context menus; False at first.
+  bool CustomContextMenu() const { return grdPane_->CustomContextMenu(); }
+  void SetCustomContextMenu(bool custom);
+
+  // --- Stored properties ---
+
+  /// A property was set: its key. The container marks it as changed.
+  Event<std::string_view> PropertyChanged;
+  /// Takes the properties from a stored form; a missing key has its default, and a value of the wrong kind counts as
+  /// missing.
+  void ReadProperties(const PropertyStore& store);
+  void WriteProperties(PropertyStore& store) const;
 
   // --- For the hub ---
 
@@ -140,9 +178,16 @@ class qbGridPane final : public Object {
     std::string table;
     std::string name;
   };
+  // What a cell held before its latest change.
+  struct Change {
+    WeakRef<Object> row;
+    std::int32_t column;
+    std::string text;
+  };
 
   qbGridPane() = default;
   void CreateColumns();
+  void ConnectGrid();
   bool IsLocked(std::string_view key) const;
   void SetLock(std::string_view key, bool lock);
   void ApplyShowGroupBy();
@@ -153,28 +198,65 @@ class qbGridPane final : public Object {
   std::string Text(const zrGridRow& row, std::size_t column) const { return row.ValueAt(column).Text(); }
   bool IsEmptyRow(const zrGridRow& row) const;
   bool HasContent(const zrGridRow& row) const;
-  bool IsRowOf(const zrGridRow& row, const std::string& table, const std::string& field) const;
-  std::int32_t FirstEmptyRow() const;
   void AddEmptyRow();
   void EnsureEmptyLastRow();
   void SetRowGroupBy(zrGridRow& row);
+  std::vector<std::int32_t> SortOrders() const;
+  void WriteSortOrders(const std::vector<std::int32_t>& orders);
   void CloseSortGaps();
 
-  void LoadCell(const LoadedCell& cell);
-  void TickOutputs();
-  std::int32_t TickRows(const std::string& fieldName, const std::string& tableName);
-  void UntickRows(const std::string& fieldName, const std::string& tableName);
-  void SetCells(zrGridRow& row, const RowContent& content);
-  std::int32_t FillNewRow(const std::string& fieldName, const std::string& tableName, std::int32_t before);
-  void PushToDiagram(const std::string& fieldName, const std::string& tableName, bool checked);
-  // Whether any row outputs the field.
-  bool IsOutput(const Field& field) const;
+  // --- Fields in and out (field_output.cpp) ---
 
   Field FieldOf(const zrGridRow& row) const { return {Text(row, kColumnTable), Text(row, kColumnColumn)}; }
+  bool IsRowOf(const zrGridRow& row, const Field& field) const;
+  std::vector<Ref<zrGridRow>> RowsOf(const Field& field) const;
+  void NoteRow(const zrGridRow& row);
+  std::int32_t FirstEmptyRow();
+  std::int32_t TickRows(const Field& field);
+  void UntickRows(const Field& field);
+  std::int32_t FillNewRow(const Field& field, std::int32_t before);
+  void SetCells(zrGridRow& row, const RowContent& content);
+  void LoadCell(const LoadedCell& cell);
+  void TickOutputs();
+  void PushToDiagram(const Field& field, bool checked);
+  // Whether any row outputs the field.
+  bool IsOutput(const Field& field) const;
   void DropField(const std::string& text, PixelPoint at);
+
+  // --- Changes and edits (cell_changes.cpp, cell_edits.cpp) ---
+
   void CellChanged(std::int32_t row, std::int32_t column);
+  void RespellField(zrGridRow& row, std::int32_t column);
   void RowsAboutToGo(std::int32_t first, std::int32_t last);
+  void RowsMoved();
+  void CurrentCellChanged(std::int32_t row, std::int32_t column);
+  void RefillLists(std::int32_t row, std::int32_t column);
+  void FillColumnList(zrGridComboItems& list, const zrGridRow& row) const;
+  void FillGroupByList(zrGridComboItems& list, const zrGridRow& row) const;
+  void FillSortOrderList(zrGridComboItems& list, std::int32_t row) const;
+  void GridEdited(std::int32_t row, std::int32_t column);
+  void ProcessEdit(std::int32_t row, std::int32_t column, const std::string& before);
+  void ColumnEdited(zrGridRow& row);
+  void TableEdited(zrGridRow& row);
+  void GroupByEdited(zrGridRow& row, const std::string& before);
+  void SortTypeEdited(zrGridRow& row, const std::string& before);
+  void SortOrderEdited(zrGridRow& row, const std::string& before);
+  void SetSortOrder(const zrGridRow& row, std::int32_t order);
+  void CriterionEdited(zrGridRow& row, std::int32_t column);
+  void Complain(zrGridRow& row, std::int32_t column, const std::string& text, MessageIcon icon);
+  void EditInWindow(bool builder);
+  void SetCellAsEdit(std::int32_t row, std::int32_t column, const std::string& text);
+  void BatchChanged(bool begins);
   void ReportChange();
+
+  // --- Context menu (grid_menu.cpp) ---
+
+  void ShowMenu(const GridHit& hit, PixelPoint at);
+  void AddRowEntries(Menu& menu);
+  void AddCellEntries(Menu& menu);
+  Menu ColumnEntries(std::size_t column);
+  void ClearCell();
+  void SetColumnShown(std::int32_t column, bool show);
 
   WeakRef<QueryContext> context_;
   Ref<zrGrid> grdPane_;
@@ -184,7 +266,14 @@ class qbGridPane final : public Object {
   bool showGroupBy_ = true;
   float groupByWidth_ = 0;  // the width to bring back; 0 until the column is first hidden
   Field before_;            // what the row named before the change that is going on
-  bool busy_ = false;       // the pane itself is changing cells or pushing a change to the diagram
+  std::optional<Change> change_;
+  std::string currentText_;  // of the current cell, as it was when it became current
+  bool busy_ = false;        // the pane itself is changing cells or pushing a change to the diagram
+  bool complained_ = false;  // in the change of many cells that is going on
+  std::vector<Ref<QueryContext>> batches_;
+  // The rows of each field. Entries are only added; what is out of date is dropped when it is met.
+  mutable std::unordered_map<std::string, std::vector<WeakRef<Object>>> rowsByField_;
+  std::int32_t emptyFrom_ = 1;  // no row before this one is empty
 };
 
 }  // namespace zrqrybld

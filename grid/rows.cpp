@@ -41,6 +41,19 @@ const Variant& zrGridRow::TagAt(std::size_t column) const {
   return column <= cells_.size() ? cells_[column - 1].tag : EmptyCell();
 }
 
+const std::string& zrGridRow::HintAt(std::size_t column) const {
+  static const std::string kNone;
+  return column <= cells_.size() && cells_[column - 1].hint ? *cells_[column - 1].hint : kNone;
+}
+
+const std::string& zrGridRow::Hint(const Variant& column) const { return HintAt(Position(column)); }
+
+void zrGridRow::SetHint(const Variant& column, std::string text) {
+  std::unique_ptr<std::string>& hint = CellAt(Position(column)).hint;
+  hint = text.empty() ? nullptr : std::make_unique<std::string>(std::move(text));
+  list_->owner_->CellLooksChanged();
+}
+
 std::int32_t zrGridRow::MaxLen(const Variant& column) const {
   const std::size_t position = Position(column);
   return position <= cells_.size() ? cells_[position - 1].maxLen : 0;
@@ -62,7 +75,9 @@ void zrGridRow::SetValue(const Variant& column, Variant value) {
   }
   const Ref<Object> alive = shared_from_this();  // a listener may remove the row
   if (!owner.BeforeCellChange(index_, position) || !list_) return;
-  CellAt(position).value = std::move(value);
+  Cell& cell = CellAt(position);
+  cell.value = std::move(value);
+  cell.hint.reset();
   owner.AfterCellChange(index_, position);
 }
 
@@ -80,7 +95,7 @@ Ref<zrGridRow> zrGridRows::Add(const std::string& key, const Variant& before, co
   const Ref<zrGridRow> row(new zrGridRow(this, key));
   items_.Insert(row, key, place);
   Renumber(place);
-  if (owner_) owner_->RowsChanged();
+  if (owner_) owner_->RowsChanged(place);
   return row;
 }
 
@@ -94,7 +109,7 @@ void zrGridRows::DetachRows() {
 void zrGridRows::Clear() {
   DetachRows();
   items_.Clear();
-  if (owner_) owner_->RowsChanged();
+  if (owner_) owner_->RowsChanged(1);
 }
 
 void zrGridRows::Move(std::int32_t from, std::int32_t to) {
@@ -102,7 +117,7 @@ void zrGridRows::Move(std::int32_t from, std::int32_t to) {
   const std::size_t target = RequirePosition(items_, to);
   items_.Move(source, target);
   Renumber(std::min(source, target));
-  if (owner_) owner_->RowsChanged();
+  if (owner_) owner_->RowsChanged(std::min(source, target));
 }
 
 void zrGridRows::Remove(const Variant& index) {
@@ -111,7 +126,21 @@ void zrGridRows::Remove(const Variant& index) {
   row->list_ = nullptr;
   row->index_ = 0;
   Renumber(position);
-  if (owner_) owner_->RowsChanged();
+  if (owner_) owner_->RowsChanged(position);
+}
+
+void zrGridRows::RemoveIf(const std::function<bool(const zrGridRow&)>& unwanted) {
+  std::size_t first = 0;
+  items_.RemoveIf([&](const Ref<zrGridRow>& row) {
+    if (!unwanted(*row)) return false;
+    if (first == 0 || row->index_ < first) first = row->index_;
+    row->list_ = nullptr;
+    row->index_ = 0;
+    return true;
+  });
+  if (first == 0) return;
+  Renumber(first);
+  if (owner_) owner_->RowsChanged(first);
 }
 
 void zrGridRows::DropColumn(std::size_t position) {

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -28,8 +30,10 @@ class RowOwner {
   /// Whether the cell may change; asks whoever listens.
   virtual bool BeforeCellChange(std::size_t row, std::size_t column) = 0;
   virtual void AfterCellChange(std::size_t row, std::size_t column) = 0;
-  /// Rows were added, moved or removed.
-  virtual void RowsChanged() = 0;
+  /// Rows were added, moved or removed; those before the position `from` are untouched.
+  virtual void RowsChanged(std::size_t from) = 0;
+  /// A cell looks different; its value is the same.
+  virtual void CellLooksChanged() = 0;
 };
 
 /// One row. A cell has a value and a tag; both are Empty until set. Columns are named by position from
@@ -55,6 +59,10 @@ class zrGridRow final : public Object {
   const Variant& TagVariant(const Variant& column) const;
   void SetTagVariant(const Variant& column, Variant tag);
 
+  /// What is wrong with the cell's text, shown beside it; "" for nothing. The next change of the value takes it away.
+  const std::string& Hint(const Variant& column) const;
+  void SetHint(const Variant& column, std::string text);
+
   /// The key among the rows; "" for none.
   const std::string& Key() const { return key_; }
   /// Error 457 when another row has the key.
@@ -69,6 +77,7 @@ class zrGridRow final : public Object {
   /// The cell at a column position from 1; Empty beyond the cells that were set.
   const Variant& ValueAt(std::size_t column) const;
   const Variant& TagAt(std::size_t column) const;
+  const std::string& HintAt(std::size_t column) const;
 
  private:
   friend class zrGridRows;
@@ -76,6 +85,7 @@ class zrGridRow final : public Object {
     Variant value;
     Variant tag;
     std::int32_t maxLen = 0;
+    std::unique_ptr<std::string> hint;  // seldom there
   };
   zrGridRow(zrGridRows* list, std::string key) : list_(list), key_(std::move(key)) {}
   std::size_t Position(const Variant& column) const;
@@ -107,6 +117,8 @@ class zrGridRows final : public Object {
   void Move(std::int32_t from, std::int32_t to);
   /// Removes a row by position or key. Error 9 when there is none.
   void Remove(const Variant& index);
+  /// Removes all rows of which `unwanted` says so, in one pass.
+  void RemoveIf(const std::function<bool(const zrGridRow&)>& unwanted);
 
   /// The row at a position that exists.
   zrGridRow& At(std::size_t position) const { return **items_.At(position); }

@@ -16,4 +16,18 @@ std::vector<std::int32_t> CloseSortGaps(std::span<const std::int32_t> orders) {
   return closed;
 }
 
+std::vector<std::int32_t> PlaceSortOrder(std::span<const std::int32_t> orders, std::size_t row, std::int32_t wished) {
+  std::vector<std::int32_t> others(orders.begin(), orders.end());
+  others[row] = 0;
+  others = CloseSortGaps(others);
+  if (wished <= 0) return others;
+  const auto sorted = static_cast<std::int32_t>(std::ranges::count_if(others, [](std::int32_t n) { return n != 0; }));
+  const std::int32_t place = std::min(wished, sorted + 1);
+  for (std::int32_t& order : others) {
+    if (order >= place) ++order;
+  }
+  others[row] = place;
+  return others;
+}
+
 }  // namespace zrqrybld

@@ -3,6 +3,7 @@
 
 #include "base/text.h"
 #include "hub/query_builder.h"
+#include "platform/stored_values.h"
 
 namespace zrqrybld {
 namespace {
@@ -15,15 +16,6 @@ std::optional<std::string> RowLimit(const std::string& value) {
   const double percentage = LeadingNumber(ReplaceAll(value, " ", ""));
   if (!value.ends_with('%') || percentage > 100) return std::nullopt;
   return NumberText(percentage) + "%";
-}
-
-// A stored value of the wrong kind counts as missing: a form may come from anywhere.
-bool ReadBoolean(const PropertyStore& store, std::string_view key, bool defaultValue) {
-  try {
-    return store.Read(key, defaultValue).ToBoolean();
-  } catch (const Error&) {
-    return defaultValue;
-  }
 }
 
 std::int32_t ReadInteger(const PropertyStore& store, std::string_view key, std::int32_t smallest,

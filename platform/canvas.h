@@ -62,6 +62,7 @@ enum class ThemedPart : std::uint8_t {
 /// How a themed part is drawn.
 struct PartState {
   bool checked = false;
+  bool mixed = false;  ///< of a check box: partly checked
   bool hover = false;
   bool pressed = false;
   bool disabled = false;

@@ -80,6 +80,24 @@ struct TextDialog {
   std::function<std::string(const std::string& text)> problem = {};
 };
 
+/// A group of pieces that an expression can be put together from.
+struct ExpressionGroup {
+  struct Part {
+    std::string text;    ///< what the list shows
+    std::string insert;  ///< what goes into the expression
+    std::string hint;    ///< what it is for; "" for nothing
+  };
+  std::string name;
+  std::vector<Part> parts;
+};
+
+/// The window for an expression that is too long for its cell.
+struct ExpressionDialog {
+  std::string caption;                 ///< of the cell's column
+  std::string text;                    ///< the expression; set before the window opens, and by the user
+  std::vector<ExpressionGroup> parts;  ///< what can be inserted; without any the window is only a larger editor
+};
+
 /// The windows that stop the user until they are answered.
 class Dialogs {
  public:
@@ -91,12 +109,19 @@ class Dialogs {
   /// Shows a message and waits until the user has closed it.
   virtual void ShowMessage(std::string_view text, MessageIcon icon) = 0;
 
+  /// Shows such a message as soon as no mouse button is held, and returns at once: for messages about what the user has
+  /// just left, while the next thing may be under the hand already.
+  virtual void ShowMessageSoon(std::string_view text, MessageIcon icon) = 0;
+
   /// Lets the user pick tables until the dialog is closed.
   virtual void ShowTables(const TablesDialog& dialog) = 0;
 
   /// Lets the user edit a join. Returns whether it was accepted; the window cannot be closed otherwise than by its
   /// two buttons.
   virtual bool ShowJoinProperties(JoinDialog& dialog) = 0;
+
+  /// Lets the user edit an expression. Returns whether it was accepted.
+  virtual bool ShowExpression(ExpressionDialog& dialog) = 0;
 
   /// Lets the user build a connection string. "" when cancelled.
   virtual std::string ShowConnectionPrompt(const ConnectionDialog& dialog) = 0;

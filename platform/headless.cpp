@@ -25,6 +25,12 @@ void HeadlessSurface::SavePng(const Picture&, const std::string& path) {
   throw Error(ErrorFileAccess, "Without a window no PNG picture can be drawn: " + path);
 }
 
+std::shared_ptr<PopupList> HeadlessSurface::MakePopupList() {
+  auto list = std::make_shared<HeadlessPopupList>();
+  popup_ = list;
+  return list;
+}
+
 Variant MemoryPropertyStore::Read(std::string_view key, const Variant& defaultValue) const {
   const auto found = values_.find(key);
   return found == values_.end() ? defaultValue : found->second;
@@ -129,7 +135,7 @@ void RecordingCanvas::DrawImage(const PixelRect& rect, const Image& image) {
 
 void RecordingCanvas::DrawPart(ThemedPart part, const PixelRect& rect, const PartState& state) {
   lines_.push_back("part " + std::string(kPartNames[static_cast<std::size_t>(part)]) + " " + Describe(rect) +
-                   (state.checked ? " checked" : "") + (state.hover ? " hover" : "") +
+                   (state.checked ? " checked" : "") + (state.mixed ? " mixed" : "") + (state.hover ? " hover" : "") +
                    (state.pressed ? " pressed" : "") + (state.disabled ? " disabled" : ""));
 }
 

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "platform/canvas.h"
-#include "platform/editors.h"
+#include "platform/headless_editors.h"
 #include "platform/property_store.h"
 #include "platform/surface.h"
 #include "platform/toolkit.h"
@@ -35,7 +35,7 @@ class HeadlessSurface final : public Surface {
   void SetScrollBar(Orientation orientation, const ScrollState& state) override;
   void SetCursor(Cursor cursor) override { cursor_ = cursor; }
   void SetCapture(bool captured) override { captured_ = captured; }
-  void SetFocus() override {}
+  void SetFocus() override { focus_->Move(nullptr); }
   void ShowMenu(const Menu& menu, PixelPoint at) override {
     menu_ = menu;
     menuPlace_ = at;
@@ -47,6 +47,11 @@ class HeadlessSurface final : public Surface {
     return true;
   }
   void SavePng(const Picture& picture, const std::string& path) override;
+  std::shared_ptr<TextEditor> MakeTextEditor() override { return std::make_shared<HeadlessTextEditor>(focus_); }
+  std::shared_ptr<PopupList> MakePopupList() override;
+  std::string ClipboardText() const override { return clipboard_; }
+  void SetClipboardText(std::string_view text) override { clipboard_ = text; }
+  std::uintptr_t WindowHandle() const override { return 0; }
 
   /// Changes the size. The control on it is not told: call its `OnResize`.
   void SetViewSize(PixelSize size) { size_ = size; }
@@ -62,6 +67,10 @@ class HeadlessSurface final : public Surface {
   const std::string& DraggedText() const { return draggedText_; }
   /// The picture that was copied last; one without `paint` when none was.
   const Picture& CopiedPicture() const { return copied_; }
+  /// The editor that has the keyboard; nothing when it is the surface's own.
+  HeadlessTextEditor* FocusedEditor() const { return focus_->Editor(); }
+  /// The list that was made last, while it lives.
+  std::shared_ptr<HeadlessPopupList> LastPopupList() const { return popup_.lock(); }
 
  private:
   HeadlessMetrics metrics_;
@@ -76,6 +85,9 @@ class HeadlessSurface final : public Surface {
   bool ticking_ = false;
   std::string draggedText_;
   Picture copied_;
+  std::shared_ptr<HeadlessFocus> focus_ = std::make_shared<HeadlessFocus>();
+  std::weak_ptr<HeadlessPopupList> popup_;
+  std::string clipboard_;
 };
 
 /// A text area that is only its text.
@@ -111,11 +123,13 @@ class HeadlessDialogs final : public Dialogs {
     MessageIcon icon;
   };
   void ShowMessage(std::string_view text, MessageIcon icon) override { messages.push_back({std::string(text), icon}); }
+  void ShowMessageSoon(std::string_view text, MessageIcon icon) override { ShowMessage(text, icon); }
   void ShowTables(const TablesDialog& dialog) override {
     if (onShowTables) onShowTables(dialog);
   }
 
   bool ShowJoinProperties(JoinDialog& dialog) override { return onShowJoinProperties && onShowJoinProperties(dialog); }
+  bool ShowExpression(ExpressionDialog& dialog) override { return onShowExpression && onShowExpression(dialog); }
   std::string ShowConnectionPrompt(const ConnectionDialog& dialog) override {
     return onShowConnectionPrompt ? onShowConnectionPrompt(dialog) : std::string();
   }
@@ -129,6 +143,7 @@ class HeadlessDialogs final : public Dialogs {
   std::vector<Message> messages;
   std::function<void(const TablesDialog&)> onShowTables;
   std::function<bool(JoinDialog&)> onShowJoinProperties;
+  std::function<bool(ExpressionDialog&)> onShowExpression;
   std::function<std::string(const ConnectionDialog&)> onShowConnectionPrompt;
   std::function<std::string(const SaveFileDialog&)> onShowSaveFile;
   std::function<std::optional<std::string>(const TextDialog&)> onShowTextPrompt;

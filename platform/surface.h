@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,9 @@
 #include "platform/picture.h"
 
 namespace zrqrybld {
+
+class PopupList;
+class TextEditor;
 
 enum class Orientation : std::uint8_t { Horizontal, Vertical };
 
@@ -87,6 +91,19 @@ class Surface {
 
   /// Writes the picture as a PNG file. Error 75 when the file cannot be written, or no window system can draw it.
   virtual void SavePng(const Picture& picture, const std::string& path) = 0;
+
+  /// A line of text to be edited on this surface, hidden at first. It may outlive the surface, and does nothing then.
+  virtual std::shared_ptr<TextEditor> MakeTextEditor() = 0;
+
+  /// A list that opens on this surface. It may outlive the surface, and does nothing then.
+  virtual std::shared_ptr<PopupList> MakePopupList() = 0;
+
+  /// The text on the clipboard; "" when there is none.
+  virtual std::string ClipboardText() const = 0;
+  virtual void SetClipboardText(std::string_view text) = 0;
+
+  /// The window system's handle of the window that holds the surface; 0 without a window.
+  virtual std::uintptr_t WindowHandle() const = 0;
 };
 
 }  // namespace zrqrybld

@@ -15,6 +15,7 @@
 #include <QToolTip>
 
 #include "adapters/qt/qt_canvas.h"
+#include "adapters/qt/qt_editors.h"
 #include "adapters/qt/qt_geometry.h"
 #include "adapters/qt/qt_input.h"
 #include "adapters/qt/qt_menu.h"
@@ -172,6 +173,20 @@ void ControlWidget::SavePng(const Picture& picture, const std::string& path) {
   if (writer.write(DrawToImage(picture, theme_, metrics_, this))) return;
   throw Error(ErrorFileAccess, ToUtf8(tr("%1 cannot be written: %2").arg(ToQString(path), writer.errorString())));
 }
+
+std::shared_ptr<TextEditor> ControlWidget::MakeTextEditor() {
+  return std::make_shared<QtTextEditor>(EditorWindow{viewport(), &metrics_, &boundary_});
+}
+
+std::shared_ptr<PopupList> ControlWidget::MakePopupList() {
+  return std::make_shared<QtPopupList>(EditorWindow{viewport(), &metrics_, &boundary_});
+}
+
+std::string ControlWidget::ClipboardText() const { return ToUtf8(QGuiApplication::clipboard()->text()); }
+
+void ControlWidget::SetClipboardText(std::string_view text) { QGuiApplication::clipboard()->setText(ToQString(text)); }
+
+std::uintptr_t ControlWidget::WindowHandle() const { return static_cast<std::uintptr_t>(effectiveWinId()); }
 
 void ControlWidget::scrollContentsBy(int, int) {}  // the control moves its contents itself
 

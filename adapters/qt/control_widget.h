@@ -7,7 +7,11 @@
 
 #include <QAbstractScrollArea>
 #include <array>
+#include <cstdint>
 #include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
 
 #include "adapters/qt/event_boundary.h"
 #include "adapters/qt/qt_metrics.h"
@@ -58,6 +62,11 @@ class ControlWidget : public QAbstractScrollArea, public Surface {
   void DragText(std::string_view text) override;
   bool CopyPicture(const Picture& picture) override;
   void SavePng(const Picture& picture, const std::string& path) override;
+  std::shared_ptr<TextEditor> MakeTextEditor() override;
+  std::shared_ptr<PopupList> MakePopupList() override;
+  std::string ClipboardText() const override;
+  void SetClipboardText(std::string_view text) override;
+  std::uintptr_t WindowHandle() const override;
 
  protected:
   bool event(QEvent* event) override;

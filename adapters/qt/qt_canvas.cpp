@@ -199,7 +199,7 @@ void QtCanvas::DrawPart(ThemedPart part, const PixelRect& rect, const PartState&
       // Styles derive the outline from the window's colour by darkening it: on a dark ground it would be lost.
       constexpr int kOutlineFactor = 140;
       option.palette.setColor(QPalette::Window, theme_.Of(ColorRole::QuietText).lighter(kOutlineFactor));
-      option.state |= state.checked ? QStyle::State_On : QStyle::State_Off;
+      option.state |= state.mixed ? QStyle::State_NoChange : state.checked ? QStyle::State_On : QStyle::State_Off;
       style_.drawPrimitive(QStyle::PE_IndicatorCheckBox, &option, &painter_, widget_);
       break;
     }

@@ -3,8 +3,10 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QTimer>
 
 #include "adapters/qt/connection_window.h"
+#include "adapters/qt/expression_window.h"
 #include "adapters/qt/join_window.h"
 #include "adapters/qt/qt_text.h"
 #include "adapters/qt/tables_window.h"
@@ -40,6 +42,20 @@ void QtDialogs::ShowMessage(std::string_view text, MessageIcon icon) {
   box.exec();
 }
 
+void QtDialogs::ShowMessageSoon(std::string_view text, MessageIcon icon) {
+  QTimer::singleShot(0, &soon_, [this, text = std::string(text), icon] { ShowWhenReleased(text, icon); });
+}
+
+// A window that opens while a button is held would keep the release from the widget that was pressed.
+void QtDialogs::ShowWhenReleased(const std::string& text, MessageIcon icon) {
+  if (QGuiApplication::mouseButtons() == Qt::NoButton) {
+    ShowMessage(text, icon);
+    return;
+  }
+  constexpr int kWaitMilliseconds = 15;
+  QTimer::singleShot(kWaitMilliseconds, &soon_, [this, text, icon] { ShowWhenReleased(text, icon); });
+}
+
 void QtDialogs::ShowTables(const TablesDialog& dialog) {
   TablesWindow window(dialog, ParentForDialog());
   window.SetErrorHandler(errorHandler_ ? errorHandler_ : [this](const std::exception& error) {
@@ -53,6 +69,13 @@ bool QtDialogs::ShowJoinProperties(JoinDialog& dialog) {
   if (window.exec() != QDialog::Accepted) return false;
   dialog.table1Checked = window.Table1Checked();
   dialog.table2Checked = window.Table2Checked();
+  return true;
+}
+
+bool QtDialogs::ShowExpression(ExpressionDialog& dialog) {
+  ExpressionWindow window(dialog, ParentForDialog());
+  if (window.exec() != QDialog::Accepted) return false;
+  dialog.text = window.Text();
   return true;
 }
 

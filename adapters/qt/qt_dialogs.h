@@ -1,6 +1,7 @@
 // QtDialogs: the core's dialogs as Qt windows. Each returns when the user has closed it.
 #pragma once
 
+#include <QObject>
 #include <QPointer>
 #include <QWidget>
 
@@ -21,8 +22,10 @@ class QtDialogs final : public Dialogs {
   void SetErrorHandler(ErrorHandler handler) { errorHandler_ = std::move(handler); }
 
   void ShowMessage(std::string_view text, MessageIcon icon) override;
+  void ShowMessageSoon(std::string_view text, MessageIcon icon) override;
   void ShowTables(const TablesDialog& dialog) override;
   bool ShowJoinProperties(JoinDialog& dialog) override;
+  bool ShowExpression(ExpressionDialog& dialog) override;
   std::string ShowConnectionPrompt(const ConnectionDialog& dialog) override;
   std::string ShowSaveFile(const SaveFileDialog& dialog) override;
   std::optional<std::string> ShowTextPrompt(const TextDialog& dialog) override;
@@ -30,7 +33,10 @@ class QtDialogs final : public Dialogs {
  private:
   QWidget* ParentForDialog() const;
 
+  void ShowWhenReleased(const std::string& text, MessageIcon icon);
+
   QPointer<QWidget> parent_;
+  QObject soon_;  // messages to be shown soon go with this object
   ErrorHandler errorHandler_;
 };
 

@@ -1,0 +1,282 @@
+// What the grid pane does after a cell was edited in place, by its column.
+#include <algorithm>
+
+#include "base/error.h"
+#include "base/scoped_value.h"
+#include "base/text.h"
+#include "diagram/entities.h"
+#include "grid/expression_parts.h"
+#include "grid/field_names.h"
+#include "grid/grid_pane.h"
+#include "grid/sort_order.h"
+#include "sql/criteria_formatter.h"
+#include "sql/source_rules.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr std::string_view kNotInList = "You have to select an item in the list.";
+
+// The sort type that a typed text means, by its first letters; none when it means none.
+std::optional<std::string> ReadSortType(std::string_view typed) {
+  const std::string_view text = TrimWhite(typed);
+  if (text.empty()) return std::string();
+  for (const std::string_view type : {"Ascending", "Descending", "Unsorted"}) {
+    if (StartsWithNoCase(type, text)) return std::string(type);
+  }
+  return std::nullopt;
+}
+
+// What a criterion's formatter is told about the column.
+struct ColumnType {
+  std::int32_t code = 0;
+  bool isLong = false;
+};
+
+ColumnType TypeOf(const qbEntityItem& item) {
+  ColumnType type;
+  const qbProperties& facts = *item.Properties();
+  if (const Variant* code = facts.Find("data_type"); code && code->Number()) type.code = code->ToInt32();
+  if (const Variant* isLong = facts.Find("is_long")) {
+    type.isLong = isLong->Number() ? *isLong->Number() != 0 : EqualsNoCase(isLong->Text(), "True");
+  }
+  return type;
+}
+
+}  // namespace
+
+void qbGridPane::FinishEdit() {
+  if (grdPane_->IsEditing()) {
+    grdPane_->CommitEdit();
+    return;
+  }
+  const std::int32_t row = grdPane_->Row();
+  const std::int32_t column = grdPane_->Column();
+  if (row <= 0 || column <= 0) return;
+  const StepScope step(context_.lock(), "Edit cell");
+  complained_ = false;
+  ProcessEdit(row, column, currentText_);
+  AfterEdit.Raise(row, column);
+  ReportChange();
+}
+
+// An edit that has changed nothing is complete as it stands.
+void qbGridPane::GridEdited(std::int32_t row, std::int32_t column) {
+  const std::optional<Change> change = std::exchange(change_, std::nullopt);
+  const bool changed = change && change->column == column && change->row.lock().get() == &RowAt(row);
+  if (changed) ProcessEdit(row, column, change->text);
+  change_.reset();
+  AfterEdit.Raise(row, column);
+  if (changed) ReportChange();
+}
+
+void qbGridPane::ProcessEdit(std::int32_t row, std::int32_t column, const std::string& before) {
+  const Ref<zrGridRow> cells = grdPane_->Rows()->Item(row);
+  switch (column) {
+    case kColumnColumn:
+      ColumnEdited(*cells);
+      break;
+    case kColumnTable:
+      TableEdited(*cells);
+      break;
+    case kColumnSortType:
+      SortTypeEdited(*cells, before);
+      break;
+    case kColumnSortOrder:
+      SortOrderEdited(*cells, before);
+      break;
+    case kColumnGroupBy:
+      GroupByEdited(*cells, before);
+      break;
+    default:
+      if (column >= kColumnCriteria) CriterionEdited(*cells, column);
+      break;
+  }
+  if (row == grdPane_->Row() && column == grdPane_->Column() && cells->Index() != 0) {
+    currentText_ = Text(*cells, static_cast<std::size_t>(column));
+  }
+}
+
+// --- Column and table ---
+
+void qbGridPane::ColumnEdited(zrGridRow& row) {
+  const Ref<QueryContext> context = context_.lock();
+  const Ref<qbEntities> entities = Entities();
+  if (!context || !entities || row.ValueAt(kColumnColumn).IsBlank()) return;
+  const Field typed = FieldOf(row);
+  const NameRules rules = CurrentNameRules(*context);
+  const Ref<qbEntity> entity = entities->FindExactly(typed.table);
+  if (entity && !FindItemExactly(*entity, typed.name) && entity->Items()->Count() > 1) {
+    const bool isName = std::ranges::all_of(typed.name, [](char c) { return IsWordByte(c) || c == ' '; });
+    if (isName) {
+      row.SetHint("column", typed.table + " has no column \"" + typed.name + "\".");
+    } else {
+      row.SetValue("table", "");  // an expression stands for itself, not for a column of the table
+    }
+  }
+  if (typed.table.empty()) {
+    if (const std::optional<FieldName> field = FindOnlyField(*entities, typed.name, rules)) {
+      row.SetValue("table", field->table);
+    }
+  }
+  // A column that is named in an empty row is wanted in the result.
+  if (row.ValueAt(kColumnOutput).IsEmpty()) row.SetValue("output", true);
+}
+
+void qbGridPane::TableEdited(zrGridRow& row) {
+  const Ref<qbEntities> entities = Entities();
+  const std::string typed = Text(row, kColumnTable);
+  if (!entities || typed.empty() || entities->FindExactly(typed)) return;
+  row.SetValue("table", "");
+  Complain(row, kColumnTable, std::string(kNotInList), MessageIcon::Exclamation);
+  row.SetHint("table", "The diagram has no table \"" + typed + "\".");
+}
+
+// --- Grouping ---
+
+// A choice is found by what the list shows, then by its name, and takes its text and tag from there.
+void qbGridPane::GroupByEdited(zrGridRow& row, const std::string& before) {
+  const std::string typed(TrimWhite(Text(row, kColumnGroupBy)));
+  const ScopedValue busy(busy_, true);
+  if (typed.empty()) {
+    row.SetTagVariant("group_by", "");
+    row.SetValue("group_by", "");
+    return;
+  }
+  const Ref<QueryContext> context = context_.lock();
+  const bool isAll = Text(row, kColumnColumn) == "*";
+  if (isAll && EqualsNoCase(typed, "Count")) {
+    row.SetTagVariant("group_by", "COUNT(@field)");
+    row.SetValue("group_by", "Count");
+    return;
+  }
+  const Ref<qbDBFunction> function = context && !isAll ? context->DBFunctions()->FindGroupBy(typed) : nullptr;
+  if (function) {
+    SetGroupByFunction(row.Index(), *function);
+    return;
+  }
+  // A tag without its text would group by something that is not shown.
+  row.SetValue("group_by", before);
+  row.SetHint("group_by", "\"" + typed + "\" is no grouping of this column.");
+}
+
+// --- Sorting ---
+
+void qbGridPane::SortTypeEdited(zrGridRow& row, const std::string& before) {
+  const std::optional<std::string> type = ReadSortType(Text(row, kColumnSortType));
+  const ScopedValue busy(busy_, true);
+  row.SetValue("sort_type", type ? *type : before);
+  if (!type) {
+    row.SetHint("sort_type", std::string(kNotInList));
+    return;
+  }
+  if (type->empty() || *type == "Unsorted") {
+    SetSortOrder(row, 0);
+  } else if (row.ValueAt(kColumnSortOrder).IsBlank()) {
+    SetSortOrder(row, NextSortOrder(row.Index()));
+  }
+}
+
+// Numbers above the number of sorted rows are the last place; what is no place at all restores the old text.
+void qbGridPane::SortOrderEdited(zrGridRow& row, const std::string& before) {
+  const std::string typed(TrimWhite(Text(row, kColumnSortOrder)));
+  const ScopedValue busy(busy_, true);
+  if (typed.empty()) {
+    row.SetValue("sort_type", "");
+    SetSortOrder(row, 0);
+    return;
+  }
+  const std::optional<double> number = ParseNumber(typed);
+  if (!number || *number < 1) {
+    row.SetValue("sort_order", before);
+    row.SetHint("sort_order", "\"" + typed + "\" is no place in the sort order.");
+    return;
+  }
+  const std::string type = Text(row, kColumnSortType);
+  if (type.empty() || EqualsNoCase(type, "UNSORTED")) row.SetValue("sort_type", "Ascending");
+  SetSortOrder(row, static_cast<std::int32_t>(std::min(*number, static_cast<double>(RowCount()))));
+}
+
+// The run stays 1 to N: the others make room, or close up.
+void qbGridPane::SetSortOrder(const zrGridRow& row, std::int32_t order) {
+  WriteSortOrders(PlaceSortOrder(SortOrders(), static_cast<std::size_t>(row.Index() - 1), order));
+}
+
+// --- Criteria ---
+
+void qbGridPane::CriterionEdited(zrGridRow& row, std::int32_t column) {
+  const Ref<QueryContext> context = context_.lock();
+  if (!context) return;
+  const Field field = FieldOf(row);
+  const Ref<qbEntities> entities = Entities();
+  const Ref<qbEntity> entity = entities ? entities->FindExactly(field.table) : nullptr;
+  const Ref<qbEntityItem> item = entity ? FindItemExactly(*entity, field.name) : nullptr;
+  const ColumnType type = item ? TypeOf(*item) : ColumnType{};
+  const Ref<qbDataType> known = context->DataTypes()->FindByIndicatorLong(type.code, type.isLong);
+
+  CriteriaContext rules;
+  rules.dataType = type.code;
+  rules.isLong = type.isLong;
+  if (known) rules.prefix = known->PrefixLetters;
+  if (known) rules.suffix = known->SuffixLetters;
+  std::string expression = Text(row, static_cast<std::size_t>(column));
+  bool cancel = false;
+  AfterEditExpressionFormat.Raise(row.Index(), column, field.table, field.name, type.code, type.isLong, rules.prefix,
+                                  rules.suffix, expression, cancel);
+  if (row.Index() == 0) return;  // a listener has removed it
+  const NameRules names = CurrentNameRules(*context);
+  rules.aggregate = row.TagAt(kColumnGroupBy).Text();
+  rules.dateFormatStyle = dateFormatStyle_;
+  rules.dateFormat = dateFormat_;
+  rules.quotePrefix = names.quotePrefix;
+  if (entities) {
+    rules.isColumn = [&](const std::vector<std::string>& parts) {
+      std::string text;
+      for (const std::string& part : parts) text += (text.empty() ? "" : ".") + part;
+      return FindQualifiedField(*entities, text, names) || FindOnlyField(*entities, text, names);
+    };
+  }
+  const ScopedValue busy(busy_, true);
+  try {
+    if (!cancel) expression = Trim(FormatCriterion(expression, rules));
+    row.SetValue(column, expression);
+  } catch (const Error& error) {
+    row.SetValue(column, expression);  // as it was typed, or as the listener has left it
+    Complain(row, column, error.Description(), MessageIcon::Critical);
+  }
+}
+
+// Tells the user once in a change of many cells; a hint stays beside every cell.
+void qbGridPane::Complain(zrGridRow& row, std::int32_t column, const std::string& text, MessageIcon icon) {
+  row.SetHint(column, text);
+  const Ref<QueryContext> context = context_.lock();
+  if (!context || std::exchange(complained_, true)) return;
+  context->GetToolkit().GetDialogs().ShowMessageSoon(text, icon);
+}
+
+// --- Larger editors ---
+
+void qbGridPane::EditInWindow(bool builder) {
+  const Ref<QueryContext> context = context_.lock();
+  grdPane_->CommitEdit();
+  const std::int32_t row = grdPane_->Row();
+  const std::int32_t column = grdPane_->Column();
+  if (!context || row <= 0 || column <= 0 || column == kColumnOutput) return;
+  const Ref<zrGridRow> cells = grdPane_->Rows()->Item(row);
+  if (cells->Locked()) return;
+  ExpressionDialog dialog;
+  dialog.caption = grdPane_->Columns()->Item(column)->Caption();
+  dialog.text = Text(*cells, static_cast<std::size_t>(column));
+  if (builder) dialog.parts = ExpressionParts(*context);
+  if (!context->GetToolkit().GetDialogs().ShowExpression(dialog) || cells->Index() == 0) return;
+  SetCellAsEdit(cells->Index(), column, dialog.text);
+}
+
+void qbGridPane::SetCellAsEdit(std::int32_t row, std::int32_t column, const std::string& text) {
+  const StepScope step(context_.lock(), "Edit cell");
+  complained_ = false;
+  RowAt(row).SetValue(column, text);
+  GridEdited(row, column);
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,172 @@
+// The grid's editing in place. An edit ends once: the session is taken out first, and only then is the cell written, so
+// that whatever happens on the way (the focus moving, a message) finds no edit any more.
+#include "base/text.h"
+#include "grid/grid.h"
+
+namespace zrqrybld {
+namespace {
+
+// Between the cell's edge and its editor: the cell's mark as the current one stays visible.
+constexpr Pixels kEditorInset = 2_px;
+
+}  // namespace
+
+TextEditor& zrGrid::TextBox() {
+  if (txtText_) return *txtText_;
+  txtText_ = GetSurface().MakeTextEditor();
+  txtText_->SetFont(font_);
+  txtLinks_.push_back(
+      txtText_->KeyDown.Connect([this](const KeyEvent& key, bool& kept) { kept = kept || EditorKey(key); }));
+  txtLinks_.push_back(txtText_->FocusLost.Connect([this] { CommitEdit(); }));
+  txtLinks_.push_back(txtText_->DblClick.Connect([this] { DblClick.Raise(); }));
+  return *txtText_;
+}
+
+zrSimpleCombo& zrGrid::Combo() {
+  if (cboList_) return *cboList_;
+  cboList_ = zrSimpleCombo::Create();
+  cboList_->AttachSurface(&GetSurface());
+  cboList_->SetFont(font_);
+  cboLinks_.push_back(cboList_->KeyDown.Connect([this](std::int32_t& keyCode, std::int32_t shift) {
+    if (EditorKey({keyCode, shift})) keyCode = 0;
+  }));
+  cboLinks_.push_back(cboList_->FocusLost.Connect([this] { CommitEdit(); }));
+  cboLinks_.push_back(cboList_->Picked.Connect([this] { CommitEdit(); }));
+  cboLinks_.push_back(cboList_->DblClick.Connect([this] { DblClick.Raise(); }));
+  cboLinks_.push_back(
+      cboList_->BeforeDropDown.Connect([this](bool& cancel) { BeforeDropDown.Raise(Row(), Column(), cancel); }));
+  return *cboList_;
+}
+
+// `typed` replaces the cell's text, as if it had been typed into the editor.
+bool zrGrid::OpenEditor(const std::string* typed) {
+  if (edit_ || currentRow_ == 0) return false;
+  const Ref<zrGridRow> row = rows_->Item(Row());
+  const Ref<zrGridColumn> column = columns_->Item(Column());
+  const auto editable = [&] {
+    return !edit_ && row->Index() == Row() && column->Index() == Column() && !row->Locked() && column->Width() > 0 &&
+           column->Style() != GridColumnCheckBox;
+  };
+  if (!editable()) return false;
+  BeforeEdit.Raise(Row(), Column());
+  if (!editable()) return false;  // a listener has changed what is to be edited
+  const bool isCombo = column->Style() == GridColumnCombo || column->Style() == GridColumnComboList;
+  edit_ = EditSession{row, column, CellText(currentRow_, currentColumn_), isCombo};
+  if (isCombo) {
+    ShowCombo();
+    if (typed && edit_) cboList_->TypeOver(*typed);
+  } else {
+    ShowTextBox();
+    if (typed && edit_) txtText_->SetSelText(*typed);
+  }
+  Redraw();
+  return true;
+}
+
+void zrGrid::ShowTextBox() {
+  TextEditor& editor = TextBox();
+  editor.SetMaxLength(edit_->row->MaxLen(edit_->column->Index()));
+  editor.SetText(edit_->text);
+  PlaceEditor();
+  editor.SetVisible(true);
+  editor.Select(0, static_cast<std::int32_t>(CharacterCount(edit_->text)));
+  editor.SetFocus();
+}
+
+void zrGrid::ShowCombo() {
+  zrSimpleCombo& combo = Combo();
+  combo.Clear();
+  const zrGridComboItems& items = *edit_->column->ComboItems();
+  for (std::int32_t i = 1; i <= items.Count(); ++i) combo.AddItem(items.Item(i)->Text());
+  combo.SetMaxLength(edit_->row->MaxLen(edit_->column->Index()));
+  combo.SetHideEdit(edit_->column->Style() == GridColumnComboList);
+  combo.SetText(edit_->text);
+  PlaceEditor();
+  combo.Show();
+}
+
+void zrGrid::PlaceEditor() {
+  if (!edit_ || edit_->row->Index() == 0 || edit_->column->Index() == 0) return;
+  const PixelRect cell = GetRowColumnXY(edit_->row->Index(), edit_->column->Index());
+  const PixelRect inside = cell.Inset(kEditorInset, kEditorInset);
+  if (edit_->isCombo) {
+    cboList_->SetBounds(inside);
+  } else {
+    txtText_->SetBounds(inside);
+  }
+}
+
+// Gives the keyboard back to the grid, unless it has gone elsewhere already.
+void zrGrid::CloseEditor() {
+  const bool hasFocus = (txtText_ && txtText_->HasFocus()) || (cboList_ && cboList_->HasFocus());
+  if (hasFocus) GetSurface().SetFocus();
+  if (txtText_) txtText_->SetVisible(false);
+  if (cboList_) cboList_->Hide();
+  Redraw();
+}
+
+void zrGrid::CommitEdit() {
+  if (!edit_) return;
+  const Ref<Object> alive = shared_from_this();  // a listener may let go of the grid
+  const EditSession session = std::move(*edit_);
+  edit_.reset();
+  const std::string text = session.isCombo ? cboList_->Text() : txtText_->Text();
+  CloseEditor();
+  if (session.row->Index() == 0 || session.column->Index() == 0) return;
+  InBatch([&] {
+    if (text != session.text) WriteBack(session, text);
+    if (session.row->Index() != 0) AfterEdit.Raise(session.row->Index(), session.column->Index());
+  });
+}
+
+// A choice of the list brings its tag along.
+void zrGrid::WriteBack(const EditSession& session, const std::string& text) {
+  const zrGridComboItems& items = *session.column->ComboItems();
+  for (std::int32_t i = 1; session.isCombo && i <= items.Count(); ++i) {
+    const Ref<zrGridComboItem> item = items.Item(i);
+    if (item->Text() != text) continue;
+    if (!item->Tag().IsEmpty()) session.row->SetTagVariant(session.column->Index(), item->Tag());
+    break;
+  }
+  session.row->SetValue(session.column->Index(), text);
+}
+
+void zrGrid::CancelEdit() {
+  if (!edit_) return;
+  edit_.reset();
+  CloseEditor();
+}
+
+// A key in an open editor that its combo has not used. Returns whether it is kept from the editor.
+bool zrGrid::EditorKey(const KeyEvent& event) {
+  if (!edit_) return false;
+  const bool plain = event.shift == ShiftNone;
+  switch (event.keyCode) {
+    case KeyCodeEscape:
+      CancelEdit();
+      return true;
+    case KeyCodeF2:
+      if (event.shift != ShiftShift) return false;
+      CommitEdit();
+      ZoomWanted.Raise();
+      return true;
+    case KeyCodeEnter:
+      if (!plain) return false;
+      CommitEdit();
+      MoveToNextCell(1);
+      return true;
+    case KeyCodeTab:
+      CommitEdit();
+      return MoveToNextCell(event.shift == ShiftShift ? -1 : 1);
+    case KeyCodeUp:
+    case KeyCodeDown:
+      if (!plain || edit_->isCombo) return false;
+      CommitEdit();
+      MoveCurrent(event.keyCode);
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace zrqrybld
