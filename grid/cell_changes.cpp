@@ -90,6 +90,7 @@ void qbGridPane::CurrentCellChanged(std::int32_t row, std::int32_t column) {
 void qbGridPane::BatchChanged(bool begins) {
   if (begins) {
     complained_ = false;
+    change_.reset();
     batches_.push_back(context_.lock());
     if (batches_.back()) batches_.back()->BeginStep("Edit cells");
     return;

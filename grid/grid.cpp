@@ -103,6 +103,7 @@ std::string zrGrid::CellText(std::size_t row, std::size_t column) const {
 // --- What columns and rows report ---
 
 void zrGrid::ColumnsChanged() {
+  headerState_.reset();
   if (edit_ && edit_->column->Index() == 0) CancelEdit();
   if (edit_ && edit_->column->Width() <= 0) CommitEdit();
   if (currentColumn_ > static_cast<std::size_t>(columns_->Count())) MakeCurrent(0, 0);
@@ -118,6 +119,7 @@ bool zrGrid::BeforeCellChange(std::size_t row, std::size_t column) {
 }
 
 void zrGrid::AfterCellChange(std::size_t row, std::size_t column) {
+  headerState_.reset();
   Redraw();
   AfterChange.Raise(static_cast<std::int32_t>(row), static_cast<std::int32_t>(column));
 }
@@ -126,6 +128,7 @@ void zrGrid::AfterCellChange(std::size_t row, std::size_t column) {
 void zrGrid::RowsChanged(std::size_t from) {
   const auto count = static_cast<std::size_t>(rows_->Count());
   selection_ = {};
+  headerState_.reset();
   if (edit_ && edit_->row->Index() == 0) CancelEdit();
   RowsShifted.Raise(static_cast<std::int32_t>(from));
   if (currentRow_ >= from) {

@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -257,6 +258,7 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   zrSimpleCombo& Combo();
 
   enum class CheckState : std::uint8_t { None, Off, On, Mixed };
+  CheckState CountChecks(std::size_t column) const;
   CheckState StateOfColumn(std::size_t column) const;
   void CheckColumn(std::size_t column);
   PixelRect HeaderCheckBox(const PixelRect& header) const;
@@ -289,6 +291,8 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   std::vector<EventConnection> txtLinks_;
   Ref<zrSimpleCombo> cboList_;  // made on first use
   std::vector<EventConnection> cboLinks_;
+  // What the checked header of a column shows, as counted last; nothing when a cell has changed since.
+  mutable std::optional<std::pair<std::size_t, CheckState>> headerState_;
   ScrollState horizontal_;
   ScrollState vertical_;
 };

@@ -178,7 +178,7 @@ void zrGrid::ToggleCheckBox(std::size_t row, std::size_t column) {
 // --- A header that stands for its cells ---
 
 // Cells that were never set do not count.
-zrGrid::CheckState zrGrid::StateOfColumn(std::size_t column) const {
+zrGrid::CheckState zrGrid::CountChecks(std::size_t column) const {
   CheckState state = CheckState::None;
   for (std::size_t row = 1; row <= static_cast<std::size_t>(rows_->Count()); ++row) {
     const Variant& value = rows_->At(row).ValueAt(column);
@@ -188,6 +188,11 @@ zrGrid::CheckState zrGrid::StateOfColumn(std::size_t column) const {
     if (state != cell) return CheckState::Mixed;
   }
   return state;
+}
+
+zrGrid::CheckState zrGrid::StateOfColumn(std::size_t column) const {
+  if (!headerState_ || headerState_->first != column) headerState_ = {column, CountChecks(column)};
+  return headerState_->second;
 }
 
 // Checks all cells, or none when all are checked.

@@ -33,7 +33,7 @@ bool IsTab(int key) { return key == Qt::Key_Tab || key == Qt::Key_Backtab; }
 ControlWidget::ControlWidget(Ref<Control> control, QWidget* parent)
     : QAbstractScrollArea(parent), theme_(palette()), metrics_(font()) {
   setFrameShape(QFrame::NoFrame);
-  setFocusPolicy(Qt::StrongFocus);
+  setFocusPolicy(Qt::TabFocus);  // on a click the control asks for the focus where it wants it
   setAcceptDrops(true);
   viewport()->setMouseTracking(true);
   viewport()->setAutoFillBackground(false);

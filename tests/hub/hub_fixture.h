@@ -52,6 +52,18 @@ struct Designer {
     }
     return text;
   }
+  /// The ticked columns of all boxes: "table.column".
+  std::string Ticked() const {
+    std::string text;
+    for (std::int32_t i = 1; i <= diagram->Entities()->Count(); ++i) {
+      const Ref<qbEntity> entity = diagram->Entities()->Item(i);
+      for (std::int32_t j = 1; j <= entity->Items()->Count(); ++j) {
+        if (!entity->Items()->Item(j)->Checked()) continue;
+        text += (text.empty() ? "" : " ") + entity->Caption() + "." + entity->Items()->Item(j)->Text();
+      }
+    }
+    return text;
+  }
   bool LastRowIsEmpty() const {
     const std::int32_t last = grid->RowCount();
     return last > 0 && Cell(last, "table").empty() && Cell(last, "column").empty();

@@ -1,5 +1,5 @@
-// Scenarios that stand in tests/data/designer.txt: what a user or an application does, and what the designer
-// holds after each step.
+// Scenarios that stand in tests/data/designer.txt and grid_edits.txt: what a user or an application does, and what the
+// designer holds after each step.
 #include <map>
 #include <stdexcept>
 
@@ -19,6 +19,7 @@ class Script : public test::Designer {
       infos_ += (infos_.empty() ? "" : " ") + std::to_string(info) + ":" + (entity ? entity->Caption() : thing.Text()) +
                 "/" + std::to_string(hub->state());
     });
+    editLink_ = grid->AfterEdit.Connect([this](std::int32_t, std::int32_t) { ++edits_; });
     Use();
   }
 
@@ -26,6 +27,8 @@ class Script : public test::Designer {
   void Run(const test::Row& row) {
     infos_.clear();
     error_.clear();
+    edits_ = 0;
+    toolkit->GetDialogs().messages.clear();
     changes_ = Changes([&] {
       try {
         Words words;
@@ -67,6 +70,31 @@ class Script : public test::Designer {
   void PressHeader(const std::string& row, std::int32_t shift) {
     const PixelRect cell = grid->Grid()->GetRowColumnXY(std::stoi(row), 1);
     grid->Grid()->OnMouseDown({ButtonLeft, shift, {2_px, cell.CenterY()}});
+  }
+
+  HeadlessSurface& Surface() { return static_cast<HeadlessSurface&>(grid->Grid()->GetSurface()); }
+  void Open(const std::string& row, const std::string& column) {
+    grid->Grid()->GotoRowCol(std::stoi(row), column);
+    ASSERT_TRUE(grid->Grid()->EditCell());
+  }
+  // "Entry", or "Menu/Entry" of one that opens beside it.
+  void RunMenu(const Menu& menu, std::string_view path) {
+    for (const MenuEntry& entry : menu) {
+      const std::string text = ReplaceAll(ReplaceAll(entry.text, "&", ""), "...", "");
+      if (text == path && entry.enabled) return entry.action();
+      if (path.starts_with(text + "/")) return RunMenu(entry.entries, path.substr(text.size() + 1));
+    }
+    ADD_FAILURE() << "no entry " << path;
+  }
+  void Handle(const std::string& what) {
+    links_.push_back(grid->AfterEditExpressionFormat.Connect(
+        [this, what](std::int32_t, std::int32_t, const std::string& table, const std::string& field, std::int32_t type,
+                     bool isLong, const std::string&, const std::string&, std::string& text, bool& cancel) {
+          formatted_ = table + "." + field + " " + std::to_string(type) + " " + Variant(isLong).Text() + " " + text;
+          text += what == "keep" ? "!" : "0";
+          cancel = what == "keep";
+        }));
+    if (links_.size() > 1) links_.erase(links_.begin());
   }
 
   void Act(const Words& w) {
@@ -112,6 +140,33 @@ class Script : public test::Designer {
          [&] {
            PressHeader(w[1], ShiftNone), PressHeader(w[2], ShiftShift), grid->Grid()->OnKeyDown({KeyCodeDelete, 0});
          }},
+        {"edit",
+         [&] {
+           Open(w[1], w[2]);
+           Surface().FocusedEditor()->Type(OrNone(w[3]));
+           grid->Grid()->CommitEdit();
+         }},
+        {"choices",
+         [&] {
+           Open(w[1], w[2]);
+           grid->Grid()->CancelEdit();
+         }},
+        {"goto", [&] { grid->Grid()->GotoRowCol(std::stoi(w[1]), w[2]); }},
+        {"paste", [&] { grid->Grid()->PasteText(w[1]); }},
+        {"menu",
+         [&] {
+           grid->Grid()->GotoRowCol(std::stoi(w[1]), w[2]);
+           grid->Grid()->OnKeyDown({KeyCodeF1 + 9, ShiftShift});
+           RunMenu(Surface().LastMenu(), w[3]);
+         }},
+        {"answer",
+         [&] {
+           toolkit->GetDialogs().onShowExpression = [text = w[1]](ExpressionDialog& dialog) {
+             dialog.text = text;
+             return true;
+           };
+         }},
+        {"handler", [&] { Handle(w[1]); }},
         {"group", [&] { grid->SetShowGroupBy(w[1] == "on"); }},
         {"width", [&] { grid->Grid()->Columns()->Item(w[1])->SetWidth(std::stof(w[2])); }},
         {"function", [&] { grid->SetGroupByFunction(std::stoi(w[1]), *hub->DBFunctions()->Find(w[2])); }},
@@ -159,22 +214,21 @@ class Script : public test::Designer {
         {"cartesian", [&] { return Variant(sql->Cartesian()).Text(); }},
         {"ticked", [&] { return Ticked(); }},
         {"groups", [&] { return Groups(); }},
-        {"list", [&] { return TableList(); }},
+        {"list", [&] { return List(of.empty() ? "table" : of); }},
+        {"edits", [&] { return std::to_string(edits_); }},
+        {"formatted", [&] { return formatted_; }},
+        {"hint", [&] { return grid->Grid()->Rows()->Item(std::stoi(of))->Hint(of.substr(of.find(' ') + 1)); }},
+        {"messages",
+         [&] {
+           std::string all;
+           for (const auto& message : toolkit->GetDialogs().messages) all += message.text;
+           return all;
+         }},
+        {"icon", [&] { return std::to_string(static_cast<int>(toolkit->GetDialogs().messages.at(0).icon)); }},
     };
     return answers.at(name.substr(0, colon))();
   }
 
-  std::string Ticked() const {
-    std::string text;
-    for (std::int32_t i = 1; i <= diagram->Entities()->Count(); ++i) {
-      const Ref<qbEntity> entity = diagram->Entities()->Item(i);
-      for (std::int32_t j = 1; j <= entity->Items()->Count(); ++j) {
-        if (!entity->Items()->Item(j)->Checked()) continue;
-        text += (text.empty() ? "" : " ") + entity->Caption() + "." + entity->Items()->Item(j)->Text();
-      }
-    }
-    return text;
-  }
   // The grouping of the first three rows: text/tag.
   std::string Groups() const {
     std::string text;
@@ -183,14 +237,18 @@ class Script : public test::Designer {
     }
     return text;
   }
-  std::string TableList() const {
+  std::string List(const std::string& column) const {
     std::string text;
-    const Ref<zrGridComboItems>& list = grid->Grid()->Columns()->Item("table")->ComboItems();
+    const Ref<zrGridComboItems>& list = grid->Grid()->Columns()->Item(column)->ComboItems();
     for (std::int32_t i = 1; i <= list->Count(); ++i) text += (i > 1 ? " " : "") + list->Item(i)->Text();
     return text;
   }
 
   EventConnection link_;
+  EventConnection editLink_;
+  std::vector<EventConnection> links_;
+  std::string formatted_;
+  int edits_ = 0;
   std::string infos_;
   std::string error_;
   std::string where_;
@@ -198,9 +256,11 @@ class Script : public test::Designer {
   std::int32_t row_ = 0;
 };
 
-TEST(Designer, DoesWhatItsScriptsSay) {
+class Scripts : public testing::TestWithParam<const char*> {};
+
+TEST_P(Scripts, DoWhatTheySay) {
   std::unique_ptr<Script> script;
-  for (const test::Row& row : test::ReadRows("designer.txt")) {
+  for (const test::Row& row : test::ReadRows(GetParam())) {
     SCOPED_TRACE(row.place + " " + row[0]);
     if (row[0].starts_with("---")) {
       script = std::make_unique<Script>();
@@ -210,6 +270,7 @@ TEST(Designer, DoesWhatItsScriptsSay) {
     if (testing::Test::HasFatalFailure()) return;
   }
 }
+INSTANTIATE_TEST_SUITE_P(Designer, Scripts, testing::Values("designer.txt", "grid_edits.txt"));
 
 }  // namespace
 }  // namespace zrqrybld

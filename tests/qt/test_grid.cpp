@@ -1,0 +1,262 @@
+// The grid in a window, under real mouse and key events: the scenarios of tests/data/grid_gestures.txt.
+#include <QAbstractItemView>
+#include <QClipboard>
+#include <QLineEdit>
+#include <QMenu>
+#include <QTest>
+#include <QTimer>
+#include <QWheelEvent>
+#include <map>
+
+#include "adapters/qt/control_widget.h"
+#include "adapters/qt/qt_text.h"
+#include "tests/data_table.h"
+#include "tests/hub/hub_fixture.h"
+#include "tests/qt/pictures.h"
+
+namespace zrqrybld {
+namespace {
+
+using Words = std::vector<std::string>;
+
+class GridWindow : public test::Designer {
+ public:
+  GridWindow() {
+    Use();
+    for (const char* table : {"Orders", "Customers"}) hub->AddTable(table);
+    other_.setGeometry(0, 320, 900, 30);
+    view.setGeometry(0, 0, 900, 320);
+    window.resize(900, 350);
+    window.show();
+    QApplication::setActiveWindow(&window);
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+    view.setFocus();
+    const auto log = [this](const char* name, auto& event) {
+      links_.push_back(event.Connect([this, name](std::int32_t row, std::int32_t column, auto&&...) {
+        Note(name + std::to_string(row) + "," + std::to_string(column));
+      }));
+    };
+    zrGrid& control = *grid->Grid();
+    log("r", control.RowColChange);
+    log("e", control.BeforeEdit);
+    log("a", control.AfterEdit);
+    log("c", grid->AfterChange);
+    log("m", control.ShowContextMenu);
+    log("D", control.AfterDelete);
+    log("I", control.AfterInsert);
+    log("d", control.BeforeDropDown);
+    links_.push_back(control.AfterMove.Connect([this](std::int32_t first, std::int32_t last, std::int32_t to) {
+      Note("M" + std::to_string(first) + "," + std::to_string(last) + "," + std::to_string(to));
+    }));
+    links_.push_back(control.DblClick.Connect([this] { Note("x"); }));
+    links_.push_back(control.MouseUp.Connect([this](std::int32_t, std::int32_t, float, float) { Note("u"); }));
+  }
+
+  // The first cell is an action, the others are checks "name=text".
+  void Run(const test::Row& row) {
+    log_.clear();
+    menu_.clear();
+    toolkit->GetDialogs().messages.clear();
+    changes_ = Changes([&] {
+      Words words;
+      for (const std::string_view word : Split(row[0], " ")) words.emplace_back(word);
+      Act(words);
+      QApplication::processEvents();
+    });
+    for (std::size_t i = 1; i < row.cells.size(); ++i) {
+      const std::size_t equals = row[i].find('=');
+      EXPECT_EQ(Ask(row[i].substr(0, equals)), row[i].substr(equals + 1)) << row[i];
+    }
+  }
+
+  QWidget window;
+  ControlWidget view{grid->Grid(), &window};
+
+ private:
+  void Note(const std::string& entry) { log_ += (log_.empty() ? "" : " ") + entry; }
+  QPoint At(PixelPoint point) const { return {static_cast<int>(point.x.Value()), static_cast<int>(point.y.Value())}; }
+  QPoint Cell(const std::string& row, const std::string& column) const {
+    const PixelRect cell = grid->Grid()->GetRowColumnXY(std::stoi(row), column);
+    return At({cell.CenterX(), cell.CenterY()});
+  }
+  QPoint Header(const std::string& row) const { return {8, Cell(row, "column").y()}; }
+  QPoint HeaderOf(const char* column, Pixels PixelRect::*) const;
+  QLineEdit* Editor() const { return qobject_cast<QLineEdit*>(QApplication::focusWidget()); }
+  // The widget at the place, as a click would find it.
+  void Click(QPoint place, Qt::MouseButton button = Qt::LeftButton, Qt::KeyboardModifiers shift = {}) {
+    QTest::mouseClick(view.viewport(), button, shift, place);
+  }
+  void Drag(QPoint from, QPoint to) {
+    QTest::mouseMove(view.viewport(), from);
+    QTest::mousePress(view.viewport(), Qt::LeftButton, {}, from);
+    for (int step = 1; step <= 4; ++step) {
+      const QPointF at = QPointF(from) + (QPointF(to) - QPointF(from)) * step / 4.0;
+      QMouseEvent move(QEvent::MouseMove, at, view.viewport()->mapToGlobal(at), Qt::NoButton, Qt::LeftButton, {});
+      QApplication::sendEvent(view.viewport(), &move);
+    }
+    QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, to);
+  }
+  void Press(const std::string& name) {
+    const QKeySequence keys(ToQString(name));
+    QTest::keyClick(QApplication::focusWidget(), keys[0].key(), keys[0].keyboardModifiers());
+  }
+  // A menu runs its own loop: it is read and closed from a timer.
+  void WithMenu(const std::function<void()>& open) {
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [this] {
+      auto* shown = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+      if (!shown) return;
+      menu_ = ToUtf8(shown->actions().first()->text().remove(QLatin1Char('&')).section(QLatin1Char('\t'), 0, 0));
+      shown->close();
+    });
+    timer.start(5);
+    open();
+  }
+  QAbstractItemView* Popup() const {
+    for (QAbstractItemView* list : view.findChildren<QAbstractItemView*>(QStringLiteral("popupList"))) {
+      if (list->isVisible()) return list;
+    }
+    return nullptr;
+  }
+
+  void Act(const Words& w) {
+    zrGrid& control = *grid->Grid();
+    const auto edge = [&](int by) {
+      const PixelRect cell = control.GetRowColumnXY(1, w[1]);
+      const QPoint from = At({cell.Right() - 2_px, 8_px});
+      QTest::mouseMove(view.viewport(), from);
+      if (by != 0) Drag(from, from + QPoint(by, 0));
+      QTest::mouseMove(view.viewport(), At({control.GetRowColumnXY(1, w[1]).Right() - 2_px, 8_px}));
+    };
+    const std::map<std::string, std::function<void()>> actions = {
+        {"click", [&] { Click(Cell(w[1], w[2])); }},
+        {"rclick", [&] { WithMenu([&] { Click(Cell(w[1], w[2]), Qt::RightButton); }); }},
+        {"dclick",
+         [&] {
+           Click(Cell(w[1], w[2]));
+           QWidget* under = window.childAt(Cell(w[1], w[2]));
+           QTest::mouseDClick(under, Qt::LeftButton, {}, under->mapFrom(&window, Cell(w[1], w[2])));
+         }},
+        {"header", [&] { Click(Header(w[1]), Qt::LeftButton, w.size() > 2 ? Qt::ShiftModifier : Qt::NoModifier); }},
+        {"drag", [&] { Drag(Header(w[1]), Header(w[2]) + QPoint(0, std::stoi(w[1]) < std::stoi(w[2]) ? -3 : -3)); }},
+        {"edge", [&] { edge(std::stoi(w[2])); }},
+        {"allbox",
+         [&] {
+           const PixelRect cell = control.GetRowColumnXY(1, "output");
+           Click(At({cell.left + 12_px, 12_px}));
+         }},
+        {"button",
+         [&] {
+           const PixelRect cell = control.GetRowColumnXY(control.Row(), control.Column());
+           Click(At({cell.Right() - 8_px, cell.CenterY()}));
+         }},
+        {"keys", [&] { QTest::keyClicks(QApplication::focusWidget(), ToQString(w[1])); }},
+        {"key",
+         [&] {
+           if (w[1] == "Menu") {
+             WithMenu([&] { Press(w[1]); });
+           } else {
+             Press(w[1]);
+           }
+         }},
+        {"wheel",
+         [&] {
+           QWheelEvent wheel({50, 50}, {50, 50}, {}, {0, -120 * std::stoi(w[1])}, Qt::NoButton, {}, Qt::NoScrollPhase,
+                             false);
+           QApplication::sendEvent(view.viewport(), &wheel);
+         }},
+        {"pick",
+         [&] {
+           QAbstractItemView* list = Popup();
+           ASSERT_TRUE(list);
+           const auto found = list->model()->match(list->model()->index(0, 0), Qt::DisplayRole, ToQString(w[1]));
+           ASSERT_FALSE(found.isEmpty());
+           QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(found.first()).center());
+         }},
+        {"leave", [&] { other_.setFocus(); }},
+        {"tick", [&] { Tick(w[1].substr(0, w[1].find('.')), w[1].substr(w[1].find('.') + 1)); }},
+        {"clipboard", [&] { QApplication::clipboard()->setText(ToQString(w[1])); }},
+        {"lock", [&] { grid->SetLockTables(true); }},
+        {"norows", [&] { control.SetAllowRowInsert(false); }},
+        {"nosize", [&] { control.SetAllowColumnResize(false); }},
+        {"custom", [&] { grid->SetCustomContextMenu(true); }},
+        {"refuse",
+         [&] {
+           links_.push_back(
+               control.BeforeDropDown.Connect([](std::int32_t, std::int32_t, bool& cancel) { cancel = true; }));
+         }},
+    };
+    actions.at(w[0])();
+  }
+
+  std::string Ask(const std::string& name) {
+    const std::size_t colon = name.find(':');
+    const std::string of = colon == std::string::npos ? "" : name.substr(colon + 1);
+    const zrGrid& control = *grid->Grid();
+    const std::map<std::string, std::function<std::string()>> answers = {
+        {"log", [&] { return log_; }},
+        {"menu", [&] { return menu_; }},
+        {"changes", [&] { return std::to_string(changes_); }},
+        {"rows", [&] { return Rows(); }},
+        {"sql", [&] { return Sql(); }},
+        {"count", [&] { return std::to_string(grid->RowCount()); }},
+        {"current", [&] { return std::to_string(control.Row()) + "," + std::to_string(control.Column()); }},
+        {"selection",
+         [&] { return std::to_string(control.Selection().first) + "-" + std::to_string(control.Selection().last); }},
+        {"cell", [&] { return Designer::Cell(std::stoi(of), of.substr(of.find(' ') + 1)); }},
+        {"hint", [&] { return control.Rows()->Item(std::stoi(of))->Hint(of.substr(of.find(' ') + 1)); }},
+        {"width", [&] { return Variant(control.Columns()->Item(of)->Width()).Text(); }},
+        {"focus",
+         [&] {
+           const QWidget* focus = QApplication::focusWidget();
+           return std::string(focus == &view ? "grid" : focus == &other_ ? "other" : Editor() ? "text" : "nowhere");
+         }},
+        {"editor", [&] { return std::string(control.IsEditing() ? "combo" : ""); }},
+        {"text", [&] { return Editor() ? ToUtf8(Editor()->text()) : "no editor"; }},
+        {"selected", [&] { return Editor() ? ToUtf8(Editor()->selectedText()) : "no editor"; }},
+        {"cursor", [&] { return std::to_string(view.viewport()->cursor().shape()); }},
+        {"ticked", [&] { return Ticked(); }},
+        {"popup", [&] { return PopupTexts(); }},
+        {"highlighted", [&] { return Popup() ? ToUtf8(Popup()->currentIndex().data().toString()) : ""; }},
+        {"messages",
+         [&] {
+           std::string all;
+           for (const auto& message : toolkit->GetDialogs().messages) all += message.text;
+           return all;
+         }},
+    };
+    return answers.at(name.substr(0, colon))();
+  }
+
+  std::string PopupTexts() const {
+    std::string texts;
+    const QAbstractItemView* list = Popup();
+    for (int i = 0; list && i < list->model()->rowCount(); ++i) {
+      texts += (i > 0 ? " " : "") + ToUtf8(list->model()->index(i, 0).data().toString());
+    }
+    return texts;
+  }
+
+  QLineEdit other_{&window};
+  std::vector<EventConnection> links_;
+  std::string log_;
+  std::string menu_;
+  int changes_ = 0;
+};
+
+TEST(QtGrid, DoesWhatItsGesturesSay) {
+  std::unique_ptr<GridWindow> grid;
+  for (const test::Row& row : test::ReadRows("grid_gestures.txt")) {
+    SCOPED_TRACE(row.place + " " + row[0]);
+    if (row[0].starts_with("---")) {
+      grid.reset();  // only one window is active at a time
+      grid = std::make_unique<GridWindow>();
+    } else {
+      grid->Run(row);
+    }
+    if (testing::Test::HasFatalFailure()) return;
+  }
+}
+
+}  // namespace
+}  // namespace zrqrybld
