@@ -27,22 +27,6 @@ std::optional<std::string> ReadSortType(std::string_view typed) {
   return std::nullopt;
 }
 
-// What a criterion's formatter is told about the column.
-struct ColumnType {
-  std::int32_t code = 0;
-  bool isLong = false;
-};
-
-ColumnType TypeOf(const qbEntityItem& item) {
-  ColumnType type;
-  const qbProperties& facts = *item.Properties();
-  if (const Variant* code = facts.Find("data_type"); code && code->Number()) type.code = code->ToInt32();
-  if (const Variant* isLong = facts.Find("is_long")) {
-    type.isLong = isLong->Number() ? *isLong->Number() != 0 : EqualsNoCase(isLong->Text(), "True");
-  }
-  return type;
-}
-
 }  // namespace
 
 void qbGridPane::FinishEdit() {
@@ -210,24 +194,20 @@ void qbGridPane::CriterionEdited(zrGridRow& row, std::int32_t column) {
   const Field field = FieldOf(row);
   const Ref<qbEntities> entities = Entities();
   const Ref<qbEntity> entity = entities ? entities->FindExactly(field.table) : nullptr;
-  const Ref<qbEntityItem> item = entity ? FindItemExactly(*entity, field.name) : nullptr;
-  const ColumnType type = item ? TypeOf(*item) : ColumnType{};
-  const Ref<qbDataType> known = context->DataTypes()->FindByIndicatorLong(type.code, type.isLong);
-
-  CriteriaContext rules;
-  rules.dataType = type.code;
-  rules.isLong = type.isLong;
-  if (known) rules.prefix = known->PrefixLetters;
-  if (known) rules.suffix = known->SuffixLetters;
+  const SnapshotType type = entity ? TypeOfColumn(*entity, field.name, *context->DataTypes()) : SnapshotType{};
   std::string expression = Text(row, static_cast<std::size_t>(column));
   bool cancel = false;
-  AfterEditExpressionFormat.Raise(row.Index(), column, field.table, field.name, type.code, type.isLong, rules.prefix,
-                                  rules.suffix, expression, cancel);
+  AfterEditExpressionFormat.Raise(row.Index(), column, field.table, field.name, type.code, type.isLong, type.prefix,
+                                  type.suffix, expression, cancel);
   if (row.Index() == 0) return;  // a listener has removed it
+
   const NameRules names = CurrentNameRules(*context);
+  CriteriaContext rules = context->Snapshot().criteria;
+  rules.dataType = type.code;
+  rules.isLong = type.isLong;
+  rules.prefix = type.prefix;
+  rules.suffix = type.suffix;
   rules.aggregate = row.TagAt(kColumnGroupBy).Text();
-  rules.dateFormatStyle = dateFormatStyle_;
-  rules.dateFormat = dateFormat_;
   rules.quotePrefix = names.quotePrefix;
   if (entities) {
     rules.isColumn = [&](const std::vector<std::string>& parts) {

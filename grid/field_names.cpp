@@ -52,4 +52,23 @@ std::optional<FieldName> FindOnlyField(const qbEntities& entities, std::string_v
   return found;
 }
 
+SnapshotType DescribeType(std::int32_t code, bool isLong, const qbDataTypes& types) {
+  SnapshotType type{code, isLong, {}, {}};
+  Ref<qbDataType> dataType = types.FindByIndicatorLong(code, isLong);
+  if (!dataType) dataType = types.FindByIndicator(code);
+  if (!dataType) return type;
+  type.prefix = dataType->PrefixLetters;
+  type.suffix = dataType->SuffixLetters;
+  return type;
+}
+
+SnapshotType TypeOfColumn(const qbEntity& entity, const std::string& column, const qbDataTypes& types) {
+  const Ref<qbEntityItem> item = entity.Items()->Item(column);
+  if (!item) return {};
+  const Variant* code = item->Properties()->Find("data_type");
+  const Variant* isLong = item->Properties()->Find("is_long");
+  return DescribeType(code ? static_cast<std::int32_t>(code->Number().value_or(0)) : 0,
+                      isLong && *isLong == Variant(true), types);
+}
+
 }  // namespace zrqrybld

@@ -6,7 +6,9 @@
 #include <string_view>
 
 #include "diagram/entities.h"
+#include "host/data_types.h"
 #include "sql/names.h"
+#include "sql/query_snapshot.h"
 
 namespace zrqrybld {
 
@@ -31,5 +33,11 @@ std::optional<FieldName> FindQualifiedField(const qbEntities& entities, std::str
 
 /// The field of the only table that has a column of this name; none when there are several or none.
 std::optional<FieldName> FindOnlyField(const qbEntities& entities, std::string_view text, const NameRules& rules);
+
+/// What a type code says of a column, and how literals of the type are written.
+SnapshotType DescribeType(std::int32_t code, bool isLong, const qbDataTypes& types);
+
+/// The type of an entity's column; nothing is known of one that it does not have.
+SnapshotType TypeOfColumn(const qbEntity& entity, const std::string& column, const qbDataTypes& types);
 
 }  // namespace zrqrybld

@@ -33,6 +33,8 @@ void zrGrid::PasteText(std::string_view text) {
         if (!allowRowInsert_) return;
         rows_->Add();
         place = static_cast<std::size_t>(rows_->Count());
+        AfterInsert.Raise(rows_->Count(), rows_->Count());
+        if (place > static_cast<std::size_t>(rows_->Count())) return;  // a listener has removed it
       }
       const Ref<zrGridRow> row = rows_->Item(static_cast<std::int32_t>(place));
       PasteLine(*row, firstColumn, line);

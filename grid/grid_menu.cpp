@@ -5,6 +5,8 @@ namespace zrqrybld {
 
 void qbGridPane::ShowMenu(const GridHit& hit, PixelPoint at) {
   grdPane_->CommitEdit();
+  // The menu is about what is under it: rows that are selected elsewhere are not meant.
+  if (hit.part == GridPart::Cell && !grdPane_->Selection().Contains(hit.row)) grdPane_->SelectRows(0, 0);
   Menu menu;
   const bool isHeader = hit.part == GridPart::ColumnHeader || hit.part == GridPart::ColumnEdge;
   if (hit.part == GridPart::Cell || hit.part == GridPart::RowHeader) AddRowEntries(menu);

@@ -12,6 +12,7 @@
 #include "diagram/relationships.h"
 #include "diagram/source_names.h"
 #include "diagram/table_picker.h"
+#include "grid/field_names.h"
 #include "hub/query_builder.h"
 #include "hub/snapshot_builder.h"
 #include "sql/from_binder.h"

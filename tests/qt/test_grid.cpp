@@ -5,7 +5,6 @@
 #include <QMenu>
 #include <QTest>
 #include <QTimer>
-#include <QWheelEvent>
 #include <map>
 
 #include "adapters/qt/control_widget.h"
@@ -80,7 +79,11 @@ class GridWindow : public test::Designer {
     return At({cell.CenterX(), cell.CenterY()});
   }
   QPoint Header(const std::string& row) const { return {8, Cell(row, "column").y()}; }
-  QPoint HeaderOf(const char* column, Pixels PixelRect::*) const;
+  // Without a window manager a menu that closes leaves no window active.
+  QWidget* Focus() {
+    if (!QApplication::focusWidget()) QApplication::setActiveWindow(&window);
+    return QApplication::focusWidget();
+  }
   QLineEdit* Editor() const { return qobject_cast<QLineEdit*>(QApplication::focusWidget()); }
   // The widget at the place, as a click would find it.
   void Click(QPoint place, Qt::MouseButton button = Qt::LeftButton, Qt::KeyboardModifiers shift = {}) {
@@ -98,7 +101,7 @@ class GridWindow : public test::Designer {
   }
   void Press(const std::string& name) {
     const QKeySequence keys(ToQString(name));
-    QTest::keyClick(QApplication::focusWidget(), keys[0].key(), keys[0].keyboardModifiers());
+    QTest::keyClick(Focus(), keys[0].key(), keys[0].keyboardModifiers());
   }
   // A menu runs its own loop: it is read and closed from a timer.
   void WithMenu(const std::function<void()>& open) {
@@ -138,7 +141,7 @@ class GridWindow : public test::Designer {
            QTest::mouseDClick(under, Qt::LeftButton, {}, under->mapFrom(&window, Cell(w[1], w[2])));
          }},
         {"header", [&] { Click(Header(w[1]), Qt::LeftButton, w.size() > 2 ? Qt::ShiftModifier : Qt::NoModifier); }},
-        {"drag", [&] { Drag(Header(w[1]), Header(w[2]) + QPoint(0, std::stoi(w[1]) < std::stoi(w[2]) ? -3 : -3)); }},
+        {"drag", [&] { Drag(Header(w[1]), Header(w[2])); }},
         {"edge", [&] { edge(std::stoi(w[2])); }},
         {"allbox",
          [&] {
@@ -150,7 +153,11 @@ class GridWindow : public test::Designer {
            const PixelRect cell = control.GetRowColumnXY(control.Row(), control.Column());
            Click(At({cell.Right() - 8_px, cell.CenterY()}));
          }},
-        {"keys", [&] { QTest::keyClicks(QApplication::focusWidget(), ToQString(w[1])); }},
+        {"keys",
+         [&] {
+           // One by one: the first may move the focus into an editor.
+           for (const char key : w[1]) QTest::keyClick(Focus(), key);
+         }},
         {"key",
          [&] {
            if (w[1] == "Menu") {
@@ -158,12 +165,6 @@ class GridWindow : public test::Designer {
            } else {
              Press(w[1]);
            }
-         }},
-        {"wheel",
-         [&] {
-           QWheelEvent wheel({50, 50}, {50, 50}, {}, {0, -120 * std::stoi(w[1])}, Qt::NoButton, {}, Qt::NoScrollPhase,
-                             false);
-           QApplication::sendEvent(view.viewport(), &wheel);
          }},
         {"pick",
          [&] {
