@@ -140,4 +140,19 @@ bool qbSQLPane::ParseSQLStatement(const std::string& sql) {
   return true;
 }
 
+// --- Parameters ---
+
+std::string qbSQLPane::ParseParameters() {
+  const ScannedStatement scanned = ScanParameters(SQLStatement(), context_.lock());
+  std::vector<std::string> values;
+  for (std::int32_t i = 1; i <= scanned.parameters->Count(); ++i) {
+    const Ref<qbParameter> parameter = scanned.parameters->Item(i);
+    bool cancel = false;
+    ParseParameter.Raise(parameter, cancel);
+    if (cancel) return {};
+    values.push_back((parameter->Value.IsBlank() ? parameter->Default : parameter->Value).Text());
+  }
+  return PutInValues(scanned.text, values);
+}
+
 }  // namespace zrqrybld

@@ -17,6 +17,7 @@
 #include "sql/diagnostics.h"
 #include "sql/dialect.h"
 #include "sql/joins.h"
+#include "sql/parameters.h"
 
 namespace zrqrybld {
 
@@ -35,6 +36,9 @@ class qbSQLPane final : public Object {
   Event<std::int32_t&, std::int32_t> KeyUp;
   /// A key that types something into the text: its Unicode character, which a handler may change; 0 types nothing.
   Event<char32_t&> KeyPress;
+  /// A marker of `ParseParameters` wants its value: set the parameter's `Value`, or the second argument to true to
+  /// stop.
+  Event<const Ref<qbParameter>&, bool&> ParseParameter;
   /// A property was set: its key. The container marks it as changed.
   Event<std::string_view> PropertyChanged;
 
@@ -63,6 +67,10 @@ class qbSQLPane final : public Object {
 
   /// The tables of the statement generated last, as they stand in FROM.
   const qbJoins& Joins() const { return joins_; }
+
+  /// The statement with a value in the place of every ?PARAM marker: `ParseParameter` is raised for each, in their
+  /// order, and a parameter without a value takes its default. No quotes are added. "" when a handler stops it.
+  std::string ParseParameters();
 
   /// The word that criteria are written with where they compare with a pattern; "LIKE" at first, and again when it is
   /// set to "". The text follows at the next `Refresh`.

@@ -1,0 +1,138 @@
+#include "sql/parameters.h"
+
+#include <charconv>
+
+#include "base/error.h"
+#include "base/text.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr std::string_view kMarker = "?PARAM";
+constexpr std::string_view kPlaceholder = "?param:";
+constexpr std::size_t kLongestText = 64u << 20;
+constexpr std::size_t kMostNested = 1000;  // each costs a pass over the text
+
+std::string PlaceholderOf(std::size_t number) { return std::string(kPlaceholder) + std::to_string(number) + "?"; }
+
+// The signs of which one is dropped at either end of a prompt.
+bool IsQuote(char c) { return c == '\'' || c == '"' || c == '['; }
+
+void RequireBounded(const std::string& text) {
+  if (text.size() > kLongestText) {
+    throw Error(ErrorParsingText, "The statement grows beyond all bounds: its parameters hold parameters.");
+  }
+}
+
+// One pass over the text, for values that bring in no placeholders.
+std::string PutInAtOnce(const std::string& text, const std::vector<std::string>& values) {
+  std::string result;
+  std::size_t done = 0;
+  for (std::size_t at = 0; (at = text.find(kPlaceholder, at)) != std::string::npos;) {
+    const char* const digits = text.data() + at + kPlaceholder.size();
+    std::size_t number = 0;
+    const auto [end, error] = std::from_chars(digits, text.data() + text.size(), number);
+    const bool plain = error == std::errc() && *digits != '0' && end != text.data() + text.size() && *end == '?';
+    if (!plain || number > values.size()) {
+      at += kPlaceholder.size();
+      continue;
+    }
+    result.append(text, done, at - done);
+    result += values[number - 1];
+    RequireBounded(result);
+    at = done = static_cast<std::size_t>(end - text.data()) + 1;
+  }
+  return result.append(text, done);
+}
+
+}  // namespace
+
+// --- Parameters ---
+
+std::string qbParameter::FormatPrompt() const {
+  std::string_view text = Prompt;
+  const Ref<QueryContext> context = context_.lock();
+  const std::int32_t quotes = context ? context->QuotedIdentifiers()->Count() : 0;
+  if (!text.empty() && IsQuote(text.front())) {
+    text.remove_prefix(1);
+  } else {
+    for (std::int32_t i = 1; i <= quotes; ++i) {
+      const std::string quote = context->QuotedIdentifiers()->Item(i);
+      if (!quote.empty() && text.starts_with(quote)) text.remove_prefix(quote.size());
+    }
+  }
+  // "[" and not "]" ends a prompt here: the closing bracket is dropped only as one of the hub's texts.
+  if (!text.empty() && IsQuote(text.back())) {
+    text.remove_suffix(1);
+  } else {
+    for (std::int32_t i = 1; i <= quotes; ++i) {
+      const std::string quote = context->QuotedIdentifiers()->Item(i);
+      if (!quote.empty() && text.ends_with(quote)) text.remove_suffix(quote.size());
+    }
+  }
+  return std::string(text);
+}
+
+Ref<qbQueryBuilder> qbParameters::QueryBuilder() const {
+  const Ref<QueryContext> context = context_.lock();
+  return context ? context->Hub() : nullptr;
+}
+
+void qbParameters::AddFromMarker(std::string_view arguments) {
+  const Ref<qbParameter> parameter(new qbParameter(context_));
+  const std::vector<std::string_view> pieces = SplitOutsideQuotes(arguments, ",");
+  const auto piece = [&pieces](std::size_t index) { return std::string(Trim(pieces[index])); };
+  parameter->Prompt = piece(0);
+  if (pieces.size() > 1) parameter->Default = piece(1);
+  if (pieces.size() > 2) parameter->Name = piece(2);
+  if (pieces.size() > 3) {
+    parameter->DataType = piece(3);
+    const Ref<QueryContext> context = context_.lock();
+    for (std::int32_t i = 1; context && i <= context->DataTypes()->Count(); ++i) {
+      const Ref<qbDataType> type = context->DataTypes()->Item(i);
+      if (!EqualsNoCase(type->Name, parameter->DataType.Text())) continue;
+      parameter->QuotePrefix = type->PrefixLetters;
+      parameter->QuoteSuffix = type->SuffixLetters;
+      break;
+    }
+  }
+  items_.Insert(parameter, "param:" + std::to_string(items_.Count() + 1));
+}
+
+// --- The text ---
+
+ScannedStatement ScanParameters(std::string_view text, const Ref<QueryContext>& context) {
+  ScannedStatement result{std::make_shared<qbParameters>(context), {}};
+  std::size_t done = 0;
+  std::size_t at = 0;
+  while ((at = FindNoCase(text, kMarker, at)) != std::string_view::npos) {
+    const std::size_t closing = text.find(')', at);
+    if (closing == std::string_view::npos) break;
+    const std::size_t opening = text.substr(0, closing).find('(', at);
+    if (opening == std::string_view::npos) {
+      ++at;
+      continue;
+    }
+    result.parameters->AddFromMarker(text.substr(opening + 1, closing - opening - 1));
+    result.text += text.substr(done, at - done);
+    result.text += PlaceholderOf(static_cast<std::size_t>(result.parameters->Count()));
+    at = done = closing + 1;
+  }
+  result.text += text.substr(done);
+  return result;
+}
+
+std::string PutInValues(std::string text, const std::vector<std::string>& values) {
+  bool nested = false;
+  for (const std::string& value : values) nested = nested || value.find(kPlaceholder) != std::string::npos;
+  if (!nested) return PutInAtOnce(text, values);
+  if (values.size() > kMostNested)
+    throw Error(ErrorParsingText, "There are too many parameters for values that hold parameters.");
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    text = ReplaceAll(text, PlaceholderOf(i + 1), values[i]);
+    RequireBounded(text);
+  }
+  return text;
+}
+
+}  // namespace zrqrybld
