@@ -22,8 +22,12 @@ QStringList Prepare(MainWindow& window, const DesignerOptions& options) {
     const QString error = options.connection.isEmpty() ? window.OpenDatabase(options.database)
                                                        : window.OpenConnection(options.connection.toStdString());
     if (!error.isEmpty()) return {error};
-  } else if (!options.tables.isEmpty()) {
+  } else if (!options.tables.isEmpty() && options.query.isEmpty()) {
     return {"--add-table needs a database: give its file, or --connect."};
+  }
+  if (!options.query.isEmpty()) {
+    if (const QString error = window.Document().Open(options.query); !error.isEmpty()) return {error};
+    if (!options.syntax.isEmpty()) window.SetSyntax(options.syntax);
   }
   if (!options.tables.isEmpty()) errors += window.AddTables(options.tables);
   for (const QString& tick : options.ticks) {
@@ -36,6 +40,12 @@ int RunScript(MainWindow& window, const DesignerOptions& options) {
   const QStringList errors = Prepare(window, options);
   for (const QString& error : errors) QTextStream(stderr) << "zrqrybld-designer: " << error << '\n';
   if (!errors.isEmpty()) return 1;
+  if (!options.save.isEmpty()) {
+    if (const QString error = window.Document().SaveAs(options.save); !error.isEmpty()) {
+      QTextStream(stderr) << "zrqrybld-designer: " << error << '\n';
+      return 1;
+    }
+  }
   if (options.printSql) QTextStream(stdout) << window.Statement() << '\n';
   if (!options.screenshot.isEmpty()) {
     // Laid out and painted as if shown, without a window that flashes up on the user's screen.

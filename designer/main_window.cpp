@@ -1,12 +1,16 @@
 #include "designer/main_window.h"
 
 #include <QAction>
+#include <QCloseEvent>
+#include <QDropEvent>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QStatusBar>
 #include <QToolBar>
+#include <QUrl>
 #include <optional>
 
 #include "adapters/qt/connection_choice.h"
@@ -54,14 +58,31 @@ MainWindow::MainWindow() : designer_(new QueryDesignerWidget(this)) {
   hub.GridPane()->SetDateFormat("yyyy-mm-dd");
   WidenColumns();
 
+  MakeDocument();
   MakeMenus();
   MakeToolBar();
+  setAcceptDrops(true);
   source_ = new QLabel(this);
   source_->setTextFormat(Qt::PlainText);  // a file's name is no markup
   statusBar()->addPermanentWidget(source_);
   links_.push_back(hub.SQLPane()->SQLChanged.Connect([this] { UpdateState(); }));
   hub.SQLPane()->Refresh();
+  document_->MarkUnmodified();
   UpdateState();
+}
+
+void MainWindow::MakeDocument() {
+  document_ = std::make_unique<QueryDocument>(
+      this, designer_->QueryBuilder(),
+      QueryDocument::Window{
+          [this](const std::string& connectionString) { return TryConnection(connectionString); },
+          [this](const std::shared_ptr<ProviderConnection>& connection) { UseConnection(connection); },
+          [this] {
+            const QSignalBlocker blocker(syntax_);
+            syntax_->setCurrentIndex(designer_->QueryBuilder().SQLPane()->SQLSyntax());
+            UpdateTitle();
+            UpdateState();
+          }});
 }
 
 // Names are long and captions differ by language: no caption is cut off where a little width shows it.
@@ -76,7 +97,9 @@ void MainWindow::WidenColumns() {
 
 void MainWindow::MakeMenus() {
   QMenu* file = menuBar()->addMenu(tr("&File"));
-  file->addAction(tr("&Open Database..."), QKeySequence::Open, this, &MainWindow::AskForDatabase);
+  document_->FillMenu(*file);
+  file->addSeparator();
+  file->addAction(tr("Open &Database..."), QKeySequence(Qt::CTRL | Qt::Key_D), this, &MainWindow::AskForDatabase);
   file->addAction(tr("&Connect..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O), this,
                   &MainWindow::AskForConnection);
   file->addSeparator();
@@ -141,8 +164,18 @@ void MainWindow::ShowError(const QString& message) { QMessageBox::critical(this,
 void MainWindow::AskForDatabase() {
   const QString file = QFileDialog::getOpenFileName(this, tr("Open Database"), {},
                                                     tr("SQLite databases (*.db *.sqlite *.sqlite3);;All files (*)"));
-  if (file.isEmpty()) return;
-  if (const QString error = OpenDatabase(file); !error.isEmpty()) ShowError(error);
+  if (!file.isEmpty()) OpenDropped(file);
+}
+
+// A query or a database, with the question about unsaved changes.
+void MainWindow::OpenDropped(const QString& file) {
+  QString error;
+  if (QueryDocument::IsQueryFile(file)) {
+    if (document_->MaySetAside()) error = document_->Open(file);
+  } else {
+    error = Connect(BuildConnectionString({.way = ConnectionWay::SqliteFile, .file = ToUtf8(file)}), true);
+  }
+  if (!error.isEmpty()) ShowError(error);
 }
 
 QString MainWindow::OpenDatabase(const QString& file) {
@@ -152,7 +185,7 @@ QString MainWindow::OpenDatabase(const QString& file) {
 void MainWindow::AskForConnection() {
   const std::string chosen = designer_->QueryBuilder().PromptForConnection();
   if (chosen.empty()) return;
-  if (const QString error = OpenConnection(chosen); !error.isEmpty()) ShowError(error);
+  if (const QString error = Connect(chosen, true); !error.isEmpty()) ShowError(error);
 }
 
 std::shared_ptr<ProviderConnection> MainWindow::TryConnection(const std::string& connectionString) const {
@@ -162,22 +195,49 @@ std::shared_ptr<ProviderConnection> MainWindow::TryConnection(const std::string&
   return connection;
 }
 
-QString MainWindow::OpenConnection(const std::string& connectionString) {
-  qbQueryBuilder& hub = designer_->QueryBuilder();
-  const BusyPointer busy(hub.GetToolkit());
+QString MainWindow::OpenConnection(const std::string& connectionString) { return Connect(connectionString, false); }
+
+QString MainWindow::Connect(const std::string& connectionString, bool mayAsk) {
+  const BusyPointer busy(designer_->QueryBuilder().GetToolkit());
   // A source that cannot be opened must not cost the user the query at hand: try it aside first.
   std::shared_ptr<ProviderConnection> connection;
   const QString error = Guarded([&] { connection = TryConnection(connectionString); });
   if (!error.isEmpty()) return error;
+  if (mayAsk && !document_->MaySetAside()) return {};
   return Guarded([&] {
-    hub.DiagramPane()->Clear();
-    hub.SetConnection(connection);
-    const QString name = SourceName(connectionString);
-    source_->setText(name);
-    setWindowTitle(tr("%1 - Query Designer").arg(name));
-    statusBar()->showMessage(tr("Connected to %1").arg(name));
-    UpdateState();
+    UseConnection(connection);
+    document_->Reset();
+    statusBar()->showMessage(tr("Connected to %1").arg(sourceName_));
   });
+}
+
+void MainWindow::UseConnection(const std::shared_ptr<ProviderConnection>& connection) {
+  qbQueryBuilder& hub = designer_->QueryBuilder();
+  hub.DiagramPane()->Clear();
+  hub.SetConnection(connection);
+  sourceName_ = SourceName(connection->ConnectionString());
+  source_->setText(sourceName_);
+}
+
+void MainWindow::UpdateTitle() {
+  QStringList parts;
+  for (const QString& part : {document_->Name(), sourceName_, QString("Query Designer")}) {
+    if (!part.isEmpty()) parts += part;
+  }
+  setWindowTitle(parts.join(" - "));
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) { event->setAccepted(document_->MaySetAside()); }
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+  if (event->mimeData()->urls().size() == 1 && event->mimeData()->urls().first().isLocalFile()) {
+    event->acceptProposedAction();
+  }
+}
+
+void MainWindow::dropEvent(QDropEvent* event) {
+  event->acceptProposedAction();
+  OpenDropped(event->mimeData()->urls().first().toLocalFile());
 }
 
 void MainWindow::UpdateState() {

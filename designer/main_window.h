@@ -9,6 +9,7 @@
 #include <string>
 
 #include "adapters/qt/query_designer_widget.h"
+#include "designer/query_document.h"
 #include "platform/provider.h"
 
 namespace zrqrybld {
@@ -22,6 +23,9 @@ class MainWindow : public QMainWindow {
   /// Opens a data source and forgets the query designed so far. Returns an error message, empty on success;
   /// the query stays when the source cannot be opened.
   QString OpenConnection(const std::string& connectionString);
+
+  /// The query as a file.
+  QueryDocument& Document() { return *document_; }
 
   /// Opens a SQLite database, as above.
   QString OpenDatabase(const QString& file);
@@ -44,12 +48,22 @@ class MainWindow : public QMainWindow {
   /// Shows a message to the user.
   void ShowError(const QString& message);
 
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+
  private:
+  void MakeDocument();
   void MakeMenus();
   void MakeToolBar();
   void AskForDatabase();
   void AskForConnection();
   std::shared_ptr<ProviderConnection> TryConnection(const std::string& connectionString) const;
+  QString Connect(const std::string& connectionString, bool mayAsk);
+  void UseConnection(const std::shared_ptr<ProviderConnection>& connection);
+  void OpenDropped(const QString& file);
+  void UpdateTitle();
   void PickTables();
   void SyntaxChosen(int index);
   void WidenColumns();
@@ -58,6 +72,8 @@ class MainWindow : public QMainWindow {
   static QString Guarded(const std::function<void()>& command);
 
   QueryDesignerWidget* designer_;
+  std::unique_ptr<QueryDocument> document_;
+  QString sourceName_;
   QComboBox* syntax_ = nullptr;
   QLabel* source_ = nullptr;
   QAction* addTables_ = nullptr;

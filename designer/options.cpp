@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "adapters/qt/qt_text.h"
+#include "designer/query_document.h"
 #include "sql/dialect.h"
 
 namespace zrqrybld {
@@ -25,7 +26,7 @@ DesignerOptions ReadCommandLine(const QStringList& arguments) {
   parser.setApplicationDescription("Designs SELECT statements over a database.");
   parser.addHelpOption();
   parser.addVersionOption();
-  parser.addPositionalArgument("file", "The SQLite database to open.", "[file]");
+  parser.addPositionalArgument("file", "The query (*.zrq) or the SQLite database to open.", "[file]");
   const QCommandLineOption database("db", "The SQLite database to open.", "FILE");
   const QCommandLineOption connect("connect", "Connect with this connection string, for instance DSN=name.", "STRING");
   const QCommandLineOption table("add-table", "Add a table or view; may be given several times.", "NAME");
@@ -33,18 +34,22 @@ DesignerOptions ReadCommandLine(const QStringList& arguments) {
   const QCommandLineOption syntax("syntax", "Write the statement in this dialect: " + dialects.join(", ") + ".",
                                   "NAME");
   const QCommandLineOption language("language", "Take the captions from this language file.", "FILE");
+  const QCommandLineOption save("save", "Save the query to this file and end.", "FILE");
   const QCommandLineOption print("print-sql", "Print the statement and end.");
   const QCommandLineOption screenshot("screenshot", "Save a picture of the window and end.", "FILE");
-  parser.addOptions({database, connect, table, tick, syntax, language, print, screenshot});
+  parser.addOptions({database, connect, table, tick, syntax, language, save, print, screenshot});
   if (!parser.parse(arguments)) EndWithUsageError(parser.errorText());
   if (parser.isSet("help")) parser.showHelp(0);
   if (parser.isSet("version")) parser.showVersion();
 
   const QStringList files = parser.positionalArguments();
-  if (files.size() + parser.values(database).size() + parser.values(connect).size() > 1)
+  const bool hasQuery = !files.isEmpty() && QueryDocument::IsQueryFile(files.first());
+  if (files.size() - (hasQuery ? 1 : 0) + parser.values(database).size() + parser.values(connect).size() > 1)
     EndWithUsageError("more than one database");
   DesignerOptions options;
-  options.database = files.isEmpty() ? parser.value(database) : files.first();
+  if (hasQuery) options.query = files.first();
+  options.database = files.isEmpty() || hasQuery ? parser.value(database) : files.first();
+  options.save = parser.value(save);
   options.connection = parser.value(connect);
   options.tables = parser.values(table);
   options.ticks = parser.values(tick);

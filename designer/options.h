@@ -7,6 +7,8 @@
 namespace zrqrybld {
 
 struct DesignerOptions {
+  QString query;  ///< a query file, which brings its own connection
+  QString save;   ///< the file to save the query to; empty for none
   QString database;
   QString connection;  ///< a connection string, instead of a database file
   QStringList tables;  ///< to add, in this order
@@ -17,7 +19,7 @@ struct DesignerOptions {
   QString screenshot;  ///< the picture file; empty for none
 
   /// Whether the designer does its work and ends, without waiting for a user.
-  bool IsScript() const { return printSql || !screenshot.isEmpty(); }
+  bool IsScript() const { return printSql || !save.isEmpty() || !screenshot.isEmpty(); }
 };
 
 /// Reads the command line. With --help or --version it prints them and ends the program; a wrong option

@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QLabel>
+#include <QMessageBox>
 #include <QSettings>
 #include <QStatusBar>
 #include <QTest>
+#include <QTimer>
 
 #include "adapters/qt/connection_window.h"
 #include "adapters/qt/qt_text.h"
@@ -48,6 +51,11 @@ TEST_F(MainWindowTest, ThePromptConnectsToWhatWasGiven) {
   DesignAQuery();
   WhenOpen<ConnectionWindow>([&](ConnectionWindow& prompt) {
     QTest::keyClicks(QApplication::focusWidget(), ToQString(second.Path()));
+    QTimer::singleShot(200, [] {
+      auto* question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+      ASSERT_NE(question, nullptr) << "the query was not saved";
+      question->button(QMessageBox::Discard)->click();
+    });
     QTest::keyClick(&prompt, Qt::Key_Return);
   });
   QTest::keyClick(&window, Qt::Key_O, Qt::ControlModifier | Qt::ShiftModifier);

@@ -1,0 +1,228 @@
+#include "designer/query_document.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMenu>
+#include <QMessageBox>
+#include <QSettings>
+#include <utility>
+
+#include "adapters/qt/qt_text.h"
+#include "base/error.h"
+#include "base/file.h"
+#include "hub/query_file_reader.h"
+#include "platform/connection_string.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr int kMostRecent = 8;
+constexpr const char* kRecentKey = "recentQueries";
+constexpr const char* kSuffix = "zrq";
+
+QString FileFilter() { return QueryDocument::tr("Queries (*.zrq);;All files (*)"); }
+
+}  // namespace
+
+QueryDocument::QueryDocument(QWidget* parent, qbQueryBuilder& hub, Window window)
+    : parent_(parent), hub_(hub), window_(std::move(window)) {
+  hub_.SetSaveConnectionString(true);
+  MarkUnmodified();
+}
+
+bool QueryDocument::IsQueryFile(const QString& file) {
+  return QFileInfo(file).suffix().compare(kSuffix, Qt::CaseInsensitive) == 0;
+}
+
+QString QueryDocument::Name() const { return QFileInfo(file_).fileName(); }
+
+void QueryDocument::FillMenu(QMenu& menu) {
+  menu.addAction(tr("&New Query"), QKeySequence::New, parent_, [this] { New(); });
+  menu.addAction(tr("&Open Query..."), QKeySequence::Open, parent_, [this] { AskAndOpen(); });
+  QMenu* recent = menu.addMenu(tr("Open &Recent"));
+  QObject::connect(recent, &QMenu::aboutToShow, parent_, [this, recent] { FillRecent(*recent); });
+  menu.addAction(tr("&Save"), QKeySequence::Save, parent_, [this] { Save(); });
+  menu.addAction(tr("Save &As..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S), parent_, [this] { AskAndSave(); });
+}
+
+// --- What is on the screen ---
+
+std::string QueryDocument::Text() const {
+  std::string text;
+  hub_.SaveQuery(text, true);
+  return text;
+}
+
+void QueryDocument::Clear() {
+  const StepScope step(hub_.Hub(), "Clear");
+  hub_.DiagramPane()->Clear();
+  hub_.GridPane()->ResetRows();
+  hub_.SetSelectTopRecords("");
+  hub_.SetDistinctRecords(false);
+  hub_.QueryChanged();
+}
+
+void QueryDocument::Reset() {
+  Clear();
+  file_.clear();
+  MarkUnmodified();
+  window_.changed();
+}
+
+void QueryDocument::Load(const std::string& text) {
+  Clear();
+  // The connection was opened before: one that fails must not end the load half-way.
+  hub_.SetConnectOnLoad(false);
+  hub_.LoadQuery(text, true);
+}
+
+bool QueryDocument::MaySetAside() {
+  if (!IsModified()) return true;
+  QMessageBox box(QMessageBox::Question, QCoreApplication::applicationName(),
+                  tr("Save the changes to %1?").arg(file_.isEmpty() ? tr("the query") : Name()),
+                  QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, parent_);
+  box.setTextFormat(Qt::PlainText);
+  box.setDefaultButton(QMessageBox::Save);
+  box.setInformativeText(tr("They are lost if you do not save them."));
+  switch (box.exec()) {
+    case QMessageBox::Save:
+      return Save();
+    case QMessageBox::Discard:
+      return true;
+    default:
+      return false;
+  }
+}
+
+// --- Opening ---
+
+void QueryDocument::New() {
+  if (MaySetAside()) Reset();
+}
+
+void QueryDocument::AskAndOpen(const QString& file) {
+  if (!MaySetAside()) return;
+  const QString chosen =
+      file.isEmpty() ? QFileDialog::getOpenFileName(parent_, tr("Open Query"), QFileInfo(file_).path(), FileFilter())
+                     : file;
+  if (chosen.isEmpty()) return;
+  QString remark;
+  const QString error = Open(chosen, &remark);
+  if (!error.isEmpty()) QMessageBox::critical(parent_, QCoreApplication::applicationName(), error);
+  if (!remark.isEmpty()) QMessageBox::information(parent_, QCoreApplication::applicationName(), remark);
+}
+
+// The connection in use serves where the saved one cannot be opened: files move between machines, databases do not.
+std::shared_ptr<ProviderConnection> QueryDocument::TryConnection(const std::string& connectionString, QString* remark) {
+  if (connectionString.empty()) return nullptr;
+  try {
+    return window_.tryConnection(connectionString);
+  } catch (const std::exception& error) {
+    if (!hub_.IsConnected()) throw;
+    if (remark) {
+      *remark = tr("The saved connection cannot be opened, so the query uses the one in use: %1")
+                    .arg(ToQString(error.what()));
+    }
+    return nullptr;
+  }
+}
+
+QString QueryDocument::Open(const QString& file, QString* remark) {
+  const std::string before = Text();
+  const Ref<Connection> connectionBefore = hub_.Connection();
+  bool replaced = false;
+  try {
+    const std::string text = ReadWholeFile(ToUtf8(file), kLargestQueryFile);
+    std::string connectionString;
+    hub_.LoadQuery(text, true, true, nullptr, &connectionString);
+    const std::shared_ptr<ProviderConnection> connection = TryConnection(connectionString, remark);
+    replaced = true;
+    Clear();
+    if (connection) window_.useConnection(connection);
+    Load(text);
+  } catch (const std::exception& error) {
+    const QString message = tr("%1 cannot be opened: %2").arg(QDir::toNativeSeparators(file), ToQString(error.what()));
+    if (replaced) {
+      hub_.SetConnection(connectionBefore);
+      Load(before);
+      window_.changed();
+    }
+    return message;
+  }
+  file_ = QFileInfo(file).absoluteFilePath();
+  MarkUnmodified();
+  Remember(file_);
+  window_.changed();
+  return {};
+}
+
+// --- Saving ---
+
+bool QueryDocument::Save() {
+  if (file_.isEmpty()) return AskAndSave();
+  AskAboutPassword();
+  const QString error = SaveAs(file_);
+  if (!error.isEmpty()) QMessageBox::critical(parent_, QCoreApplication::applicationName(), error);
+  return error.isEmpty();
+}
+
+bool QueryDocument::AskAndSave() {
+  QFileDialog dialog(parent_, tr("Save Query"), QFileInfo(file_).path(), FileFilter());
+  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  dialog.setDefaultSuffix(kSuffix);
+  dialog.selectFile(file_.isEmpty() ? tr("query") + "." + kSuffix : Name());
+  if (dialog.exec() != QDialog::Accepted) return false;
+  AskAboutPassword();
+  const QString error = SaveAs(dialog.selectedFiles().first());
+  if (!error.isEmpty()) QMessageBox::critical(parent_, QCoreApplication::applicationName(), error);
+  return error.isEmpty();
+}
+
+// A password goes into a file only when the user says so, once for each connection.
+void QueryDocument::AskAboutPassword() {
+  const std::string connectionString = hub_.Connection()->ConnectionString();
+  if (ConnectionString(connectionString).WithoutPassword() == connectionString) return;
+  if (std::exchange(askedAboutPassword_, connectionString) == connectionString) return;
+  const auto answer = QMessageBox::question(
+      parent_, QCoreApplication::applicationName(),
+      tr("Save the connection's password in the file? Everybody who can read the file can read it there."),
+      QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
+  hub_.SetSavePassword(answer == QMessageBox::Yes);
+}
+
+QString QueryDocument::SaveAs(const QString& file) {
+  try {
+    hub_.SaveQuery(static_cast<const std::string&>(ToUtf8(QFileInfo(file).absoluteFilePath())));
+  } catch (const std::exception& error) {
+    return ToQString(error.what());
+  }
+  file_ = QFileInfo(file).absoluteFilePath();
+  MarkUnmodified();
+  Remember(file_);
+  window_.changed();
+  return {};
+}
+
+// --- Recent files ---
+
+void QueryDocument::Remember(const QString& file) {
+  QSettings settings;
+  QStringList files = settings.value(kRecentKey).toStringList();
+  files.removeAll(file);
+  files.prepend(file);
+  while (files.size() > kMostRecent) files.removeLast();
+  settings.setValue(kRecentKey, files);
+}
+
+void QueryDocument::FillRecent(QMenu& menu) {
+  menu.clear();
+  const QStringList files = QSettings().value(kRecentKey).toStringList();
+  for (const QString& file : files) {
+    if (!QFileInfo::exists(file)) continue;
+    menu.addAction(QDir::toNativeSeparators(file).replace("&", "&&"), parent_, [this, file] { AskAndOpen(file); });
+  }
+  if (menu.isEmpty()) menu.addAction(tr("No recent queries"))->setEnabled(false);
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,84 @@
+// QueryDocument: the query as a file: new, open, save, recent files, and the question about unsaved changes.
+//
+// It belongs to the main window. A query that cannot be opened or saved costs the user nothing: the one on the
+// screen stays.
+#pragma once
+
+#include <QCoreApplication>
+#include <QString>
+#include <QStringList>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "hub/query_builder.h"
+#include "platform/provider.h"
+
+class QMenu;
+class QWidget;
+
+namespace zrqrybld {
+
+class QueryDocument {
+  Q_DECLARE_TR_FUNCTIONS(QueryDocument)
+
+ public:
+  /// What the window does for its document.
+  struct Window {
+    /// Opens a source aside; an exception when that fails.
+    std::function<std::shared_ptr<ProviderConnection>(const std::string& connectionString)> tryConnection;
+    /// Another source is in use.
+    std::function<void(const std::shared_ptr<ProviderConnection>& connection)> useConnection;
+    /// The document has another name, or the query was replaced.
+    std::function<void()> changed;
+  };
+
+  /// Both must outlive the document.
+  QueryDocument(QWidget* parent, qbQueryBuilder& hub, Window window);
+
+  /// Adds the commands to the menu.
+  void FillMenu(QMenu& menu);
+
+  /// The file's name without its folder; "" for a query that was never saved.
+  QString Name() const;
+  /// Whether the query is another than the saved one.
+  bool IsModified() const { return Text() != saved_; }
+  /// Takes the query as it is now for unmodified, as after opening a database.
+  void MarkUnmodified() { saved_ = Text(); }
+
+  /// Asks what to do with unsaved changes. False when the user wants to go on with the query.
+  bool MaySetAside();
+
+  /// Empties the designer, without a question.
+  void Reset();
+  /// Opens a query file in the place of the query, without a question about that. Returns an error message, empty on
+  /// success. `remark` receives what the user should know then, if anything.
+  QString Open(const QString& file, QString* remark = nullptr);
+  /// Saves the query, which has that name from then on. Returns an error message, empty on success.
+  QString SaveAs(const QString& file);
+
+  /// Whether the file's name is that of a query file.
+  static bool IsQueryFile(const QString& file);
+
+ private:
+  void New();
+  void AskAndOpen(const QString& file = {});
+  std::shared_ptr<ProviderConnection> TryConnection(const std::string& connectionString, QString* remark);
+  bool Save();
+  bool AskAndSave();
+  void AskAboutPassword();
+  void Load(const std::string& text);
+  std::string Text() const;
+  void Clear();
+  void Remember(const QString& file);
+  void FillRecent(QMenu& menu);
+
+  QWidget* parent_;
+  qbQueryBuilder& hub_;
+  Window window_;
+  QString file_;
+  std::string saved_;
+  std::string askedAboutPassword_;  // the connection string that the user was asked about last
+};
+
+}  // namespace zrqrybld

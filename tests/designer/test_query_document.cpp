@@ -1,0 +1,107 @@
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QFile>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <stdexcept>
+
+#include "tests/designer/designer_window_test.h"
+#include "tests/qt/modal.h"
+
+namespace zrqrybld {
+namespace {
+
+class QueryDocumentTest : public test::DesignerWindow {
+ protected:
+  void SetUp() override {
+    QSettings::setDefaultFormat(QSettings::IniFormat);
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, folder.path());
+    OpenSampleWith({"Order", "Customers"});
+    ASSERT_EQ(window.TickColumn("Customers.City"), QString());
+    statement = Statement();
+  }
+  QAction& CommandFor(QKeySequence::StandardKey key) {
+    for (QAction* action : window.findChildren<QAction*>()) {
+      if (action->shortcut() == QKeySequence(key)) return *action;
+    }
+    throw std::runtime_error("no such command");
+  }
+  QString File(const char* name) const { return folder.filePath(name); }
+  // Asks for a new query and answers the question about unsaved changes.
+  void NewAndAnswer(QMessageBox::StandardButton answer) {
+    bool asked = false;
+    WhenOpen<QMessageBox>([&](QMessageBox& box) {
+      asked = true;
+      box.button(answer)->click();
+    });
+    CommandFor(QKeySequence::New)
+        .trigger();  // a key would be lost: no window is active behind a question off the screen
+    EXPECT_TRUE(asked);
+  }
+
+  QTemporaryDir folder;
+  std::string statement;
+};
+
+TEST_F(QueryDocumentTest, ASavedQueryComesBackWithItsSource) {
+  ASSERT_EQ(window.Document().SaveAs(File("a.zrq")), QString());
+  EXPECT_FALSE(window.Document().IsModified());
+  EXPECT_TRUE(window.windowTitle().startsWith("a.zrq"));
+  CommandFor(QKeySequence::New).trigger();
+  EXPECT_EQ(Hub().Entities()->Count(), 0);
+  MainWindow other;
+  ASSERT_EQ(other.Document().Open(File("a.zrq")), QString());
+  EXPECT_EQ(test::Utf8(other.Statement()), statement);
+  EXPECT_FALSE(other.Document().IsModified());
+  EXPECT_TRUE(other.windowTitle().contains("store.db"));
+}
+
+TEST_F(QueryDocumentTest, UnsavedChangesAreAskedFor) {
+  EXPECT_TRUE(window.Document().IsModified());
+  NewAndAnswer(QMessageBox::Cancel);
+  EXPECT_EQ(Statement(), statement);
+  NewAndAnswer(QMessageBox::Discard);
+  EXPECT_NE(Statement(), statement);
+  ASSERT_EQ(window.TickColumn("Customers.City").isEmpty(), false);
+
+  ASSERT_EQ(window.AddTables({"Order"}), QStringList());
+  ASSERT_EQ(window.Document().SaveAs(File("b.zrq")), QString());
+  Hub().Entities()->Item("Order")->SetLeft(4000);  // the statement says nothing of it
+  NewAndAnswer(QMessageBox::Save);
+  EXPECT_EQ(Hub().Entities()->Count(), 0);
+  ASSERT_EQ(window.Document().Open(File("b.zrq")), QString());
+  EXPECT_EQ(Hub().Entities()->Item("Order")->Left(), 4000);
+}
+
+TEST_F(QueryDocumentTest, WhatCannotBeOpenedOrSavedCostsNothing) {
+  QFile broken(File("broken.zrq"));
+  ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
+  broken.write("Begin Entity\r\nTagVariant=Products\r\nEnd Entity\r\nBegin GridData\r\nx,1=1\r\nEnd GridData\r\n");
+  broken.close();
+  QFile elsewhere(File("elsewhere.zrq"));
+  ASSERT_TRUE(elsewhere.open(QIODevice::WriteOnly));
+  elsewhere.write(
+      "ConnectionString=Provider=SQLite;Data Source=/nowhere.db\r\nBegin Entity\r\nTagVariant=Products\r\nEnd "
+      "Entity\r\n");
+  elsewhere.close();
+  for (const char* file : {"broken.zrq", "missing.zrq"}) {
+    EXPECT_NE(window.Document().Open(File(file)), QString());
+    EXPECT_EQ(Statement(), statement);
+    EXPECT_TRUE(Hub().IsConnected());
+  }
+  EXPECT_NE(window.Document().SaveAs(File("no/such/folder.zrq")), QString());
+  EXPECT_TRUE(window.Document().IsModified());
+  // A source that has moved: the one in use serves, and the user is told; without one the query stays closed.
+  QString remark;
+  EXPECT_EQ(window.Document().Open(File("elsewhere.zrq"), &remark), QString());
+  EXPECT_NE(remark, QString());
+  EXPECT_GT(Hub().Entities()->Item("Products")->Items()->Count(), 1);
+  MainWindow unconnected;
+  EXPECT_NE(unconnected.Document().Open(File("elsewhere.zrq")), QString());
+}
+
+}  // namespace
+}  // namespace zrqrybld
