@@ -2,7 +2,9 @@
 // toolkit's own and are never rewritten here.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,6 +14,12 @@
 #include "platform/input.h"
 
 namespace zrqrybld {
+
+/// Something that the user can do with a text, offered as a button beside it.
+struct TextCommand {
+  std::string caption;
+  std::function<void()> run;
+};
 
 /// A text of many lines, such as the SQL pane's. Lines end in CR LF towards the core.
 class TextArea {
@@ -29,8 +37,16 @@ class TextArea {
   /// Sentences about the text, shown beside it without disturbing; an empty list takes them away.
   virtual void SetRemarks(const std::vector<std::string>& remarks) = 0;
 
+  /// Underlines a piece of the text as faulty, in bytes of `Text()`, and brings it into view; a length of 0 takes the
+  /// mark away. So does every change of the text.
+  virtual void SetFault(std::size_t offset, std::size_t length) = 0;
+  /// The buttons beside the text, in place of those before; an empty list takes them away.
+  virtual void SetCommands(std::vector<TextCommand> commands) = 0;
+
   /// The user has changed the text. Not raised by `SetText`.
   Event<> Edited;
+  /// The user has left the text for another part of the window.
+  Event<> Left;
   /// A key goes down, before it acts: `KeyCode` (0 takes the key away from the text), `ShiftMask` bits.
   Event<std::int32_t&, std::int32_t> KeyDown;
   Event<std::int32_t&, std::int32_t> KeyUp;

@@ -102,6 +102,14 @@ class HeadlessTextArea final : public TextArea {
   bool IsReadOnly() const { return readOnly_; }
   /// What is shown beside the text.
   const std::vector<std::string>& Remarks() const { return remarks_; }
+  void SetFault(std::size_t offset, std::size_t length) override {
+    fault_ = length == 0 ? std::string() : text_.substr(offset, length);
+  }
+  void SetCommands(std::vector<TextCommand> commands) override { commands_ = std::move(commands); }
+
+  /// The piece that is underlined; "" for none.
+  const std::string& Fault() const { return fault_; }
+  const std::vector<TextCommand>& Commands() const { return commands_; }
   /// Changes the text as a user would.
   void Type(std::string_view text) {
     text_ = text;
@@ -112,6 +120,8 @@ class HeadlessTextArea final : public TextArea {
   std::string text_;
   bool readOnly_ = false;
   std::vector<std::string> remarks_;
+  std::string fault_;
+  std::vector<TextCommand> commands_;
 };
 
 /// Dialogs that a handler answers; all messages are recorded.

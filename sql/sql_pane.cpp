@@ -4,7 +4,9 @@
 #include "base/scoped_value.h"
 #include "base/text.h"
 #include "platform/headless.h"
+#include "platform/input.h"
 #include "sql/generator.h"
+#include "sql/lexer.h"
 #include "sql/query_snapshot.h"
 
 namespace zrqrybld {
@@ -38,9 +40,14 @@ void qbSQLPane::AttachTextArea(TextArea* area) {
 
 void qbSQLPane::ListenToTextArea() {
   links_.clear();
-  links_.push_back(textArea_->Edited.Connect([this] { SQLChanged.Raise(); }));
-  links_.push_back(
-      textArea_->KeyDown.Connect([this](std::int32_t& keyCode, std::int32_t shift) { KeyDown.Raise(keyCode, shift); }));
+  links_.push_back(textArea_->Edited.Connect([this] { TextEdited(); }));
+  links_.push_back(textArea_->Left.Connect([this] { ApplyEditedText(); }));
+  links_.push_back(textArea_->KeyDown.Connect([this](std::int32_t& keyCode, std::int32_t shift) {
+    KeyDown.Raise(keyCode, shift);
+    if (keyCode != KeyCodeEnter || shift != ShiftCtrl) return;
+    keyCode = 0;
+    ApplyEditedText();
+  }));
   links_.push_back(
       textArea_->KeyUp.Connect([this](std::int32_t& keyCode, std::int32_t shift) { KeyUp.Raise(keyCode, shift); }));
   links_.push_back(textArea_->KeyPress.Connect([this](char32_t& character) { KeyPress.Raise(character); }));
@@ -51,6 +58,67 @@ std::vector<std::string> qbSQLPane::Remarks() const {
   remarks.reserve(diagnostics_.size());
   for (const SQLDiagnostic& diagnostic : diagnostics_) remarks.push_back(diagnostic.text);
   return remarks;
+}
+
+// What is typed and not applied comes before what there is to say about the designer's statement.
+void qbSQLPane::ShowRemarks() {
+  std::vector<std::string> remarks;
+  std::vector<TextCommand> commands;
+  if (edited_) {
+    remarks.push_back(failure_.empty() ? "Edited, not applied. Ctrl+Enter applies the text." : failure_);
+    commands.push_back({"Apply", [this] { ApplyEditedText(); }});
+    commands.push_back({"Revert", [this] { RevertEditedText(); }});
+  } else {
+    remarks = Remarks();
+  }
+  textArea_->SetRemarks(remarks);
+  textArea_->SetCommands(std::move(commands));
+}
+
+// --- What the user types ---
+
+void qbSQLPane::TextEdited() {
+  failure_.clear();
+  textArea_->SetFault(0, 0);
+  SetEdited(true);
+  SQLChanged.Raise();
+}
+
+void qbSQLPane::SetEdited(bool edited) {
+  const bool changed = edited != edited_;
+  edited_ = edited;
+  ShowRemarks();
+  if (changed) EditedChanged.Raise();
+}
+
+bool qbSQLPane::ApplyEditedText() {
+  if (!edited_ || busy_) return !edited_;
+  const Ref<QueryContext> context = context_.lock();
+  if (!context) return false;
+  try {
+    return ParseSQLStatement(textArea_->Text());
+  } catch (const Error& error) {
+    context->SetState(InfoDone);
+    ShowFailure(error);
+  } catch (const std::exception& error) {
+    context->SetState(InfoDone);
+    ShowFailure(Error(ErrorParsingText, error.what()));
+  }
+  return false;
+}
+
+// The cause, without the sentence that it is wrapped in, and the word where it lies.
+void qbSQLPane::ShowFailure(const Error& failure) {
+  const std::string& description = failure.Description();
+  const std::size_t cause = description.find("] ");
+  failure_ = cause == std::string::npos ? description : description.substr(cause + 2);
+  ShowRemarks();
+  if (!failure.Offset()) return;
+  const std::string text = textArea_->Text();
+  Lexer lexer(text);
+  Token faulty;
+  for (Token token; lexer.Next(token) && token.offset <= *failure.Offset();) faulty = token;
+  textArea_->SetFault(faulty.offset, faulty.length);
 }
 
 // --- Properties ---
@@ -113,7 +181,9 @@ std::string qbSQLPane::Generate(const std::string& orExpression, const std::stri
 void qbSQLPane::Refresh() {
   const std::string text = Generate({}, {});
   if (text.empty()) diagnostics_.clear();  // nothing was generated
-  textArea_->SetRemarks(Remarks());
+  failure_.clear();
+  textArea_->SetFault(0, 0);
+  SetEdited(false);
   SetSQLStatement(text);
 }
 

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/error.h"
 #include "base/event.h"
 #include "base/object.h"
 #include "host/query_context.h"
@@ -41,6 +42,8 @@ class qbSQLPane final : public Object {
   Event<const Ref<qbParameter>&, bool&> ParseParameter;
   /// A property was set: its key. The container marks it as changed.
   Event<std::string_view> PropertyChanged;
+  /// `IsEdited` has changed.
+  Event<> EditedChanged;
 
   // --- Properties and methods ---
 
@@ -55,6 +58,14 @@ class qbSQLPane final : public Object {
   /// Error 40002 otherwise, with the place in the text when it cannot be read; nothing has changed then, but the
   /// designer's `state` stays `InfoParsingSQL`. Also without a hub, and for a dialect whose statements are not read.
   bool ParseSQLStatement(const std::string& sql);
+
+  /// Whether the user has changed the text and the designer has not taken it over.
+  bool IsEdited() const { return edited_; }
+  /// Makes the designer's query what the user has typed. When that fails, the text stays as it is, with its fault
+  /// underlined and said beside it. True when nothing is left to apply. Ctrl+Enter and leaving the text do this, too.
+  bool ApplyEditedText();
+  /// Brings the designer's own text back.
+  void RevertEditedText() { Refresh(); }
 
   /// Whether the statement generated last holds a table that is joined to none before it.
   bool Cartesian() const { return cartesian_; }
@@ -112,6 +123,10 @@ class qbSQLPane final : public Object {
   qbSQLPane();
   std::string Generate(const std::string& orExpression, const std::string& andExpression);
   void ListenToTextArea();
+  void ShowRemarks();
+  void TextEdited();
+  void SetEdited(bool edited);
+  void ShowFailure(const Error& failure);
 
   WeakRef<QueryContext> context_;
   std::unique_ptr<TextArea> headless_;
@@ -120,7 +135,9 @@ class qbSQLPane final : public Object {
   SQLSyntaxEnum syntax_ = SQLSyntaxGeneric;
   std::string likeOperator_ = "LIKE";
   bool locked_ = false;
-  bool busy_ = false;  // a statement is being parsed
+  bool busy_ = false;    // a statement is being parsed
+  bool edited_ = false;  // the text is the user's
+  std::string failure_;  // why it could not be applied
   bool cartesian_ = false;
   qbJoins joins_;
   std::vector<SQLDiagnostic> diagnostics_;

@@ -8,6 +8,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPolygonF>
+#include <QPushButton>
 #include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QTextBlock>
@@ -111,7 +112,25 @@ class QtTextArea::RemarkLine final : public QWidget {
     setVisible(!remarks_.isEmpty());
     update();
   }
-  int Height() const { return remarks_.isEmpty() ? 0 : fontMetrics().height() + 2 * kRemarkPadding; }
+  void SetCommands(std::vector<TextCommand> commands) {
+    for (QPushButton* button : buttons_) button->deleteLater();  // it may be the one that is pressed
+    buttons_.clear();
+    for (TextCommand& command : commands) {
+      auto* button = new QPushButton(ToQString(command.caption), this);
+      button->setFocusPolicy(Qt::NoFocus);  // pressing it does not leave the text
+      button->setFont(area_.parentWidget() ? area_.parentWidget()->font() : QApplication::font());
+      connect(button, &QPushButton::clicked, this,
+              [this, run = std::move(command.run)] { area_.boundary_.Run([&run] { run(); }); });
+      button->show();
+      buttons_.push_back(button);
+    }
+    PlaceButtons();
+  }
+  int Height() const {
+    int height = remarks_.isEmpty() ? 0 : fontMetrics().height() + 2 * kRemarkPadding;
+    for (const QPushButton* button : buttons_) height = std::max(height, button->sizeHint().height());
+    return height;
+  }
 
  protected:
   void paintEvent(QPaintEvent*) override {
@@ -124,13 +143,22 @@ class QtTextArea::RemarkLine final : public QWidget {
     const int left = static_cast<int>(sign.right()) + kMarginPadding;
     QString more;
     if (remarks_.size() > 1) more = tr("   + %1 more").arg(remarks_.size() - 1);
-    const int room = width() - left - kMarginPadding - fontMetrics().horizontalAdvance(more);
+    const int room = buttonsLeft_ - left - kMarginPadding - fontMetrics().horizontalAdvance(more);
     painter.setPen(theme.Of(ColorRole::QuietText));
     painter.drawText(QRect(left, 0, width() - left, height()), Qt::AlignVCenter | Qt::TextSingleLine,
                      fontMetrics().elidedText(remarks_.value(0), Qt::ElideRight, room) + more);
   }
+  void resizeEvent(QResizeEvent*) override { PlaceButtons(); }
 
  private:
+  void PlaceButtons() {
+    buttonsLeft_ = width();
+    for (auto button = buttons_.rbegin(); button != buttons_.rend(); ++button) {
+      buttonsLeft_ -= (*button)->sizeHint().width();
+      (*button)->setGeometry(buttonsLeft_, 0, (*button)->sizeHint().width(), height());
+    }
+  }
+
   // A triangle with an exclamation mark.
   static void PaintSign(QPainter& painter, const QRectF& place, const Theme& theme) {
     painter.setRenderHint(QPainter::Antialiasing);
@@ -143,6 +171,8 @@ class QtTextArea::RemarkLine final : public QWidget {
 
   QtTextArea& area_;
   QStringList remarks_;
+  std::vector<QPushButton*> buttons_;
+  int buttonsLeft_ = 0;
 };
 
 QtTextArea::QtTextArea(QWidget* parent) : QPlainTextEdit(parent), theme_(palette()) {
@@ -215,7 +245,26 @@ void QtTextArea::SetReadOnly(bool readOnly) {
   MarkText();
 }
 
+void QtTextArea::SetFault(std::size_t offset, std::size_t length) {
+  if (fault_.start == offset && fault_.length == length) return;
+  fault_ = {offset, length, ColorRole::Error, false};
+  Highlight();
+  if (length == 0) return;
+  QTextCursor place(document());
+  place.setPosition(PositionOf(offset));
+  const QTextCursor caret = textCursor();
+  setTextCursor(place);
+  ensureCursorVisible();
+  if (caret.hasSelection()) setTextCursor(caret);
+}
+
+void QtTextArea::SetCommands(std::vector<TextCommand> commands) {
+  remarks_->SetCommands(std::move(commands));
+  PlaceMargins();
+}
+
 void QtTextArea::OnContentsChanged() {
+  fault_ = {};
   Highlight();
   find_->Refresh();
   if (!settingText_) boundary_.Run([this] { Edited.Raise(); });
@@ -238,6 +287,7 @@ void QtTextArea::Highlight() {
       spans = highlighter_(text);
     });
   }
+  if (fault_.length != 0) spans.push_back(fault_);
   std::ranges::stable_sort(spans, {}, &TextSpan::start);
 
   std::size_t lineStart = 0;
@@ -429,9 +479,16 @@ void QtTextArea::focusInEvent(QFocusEvent* event) {
   MarkText();
 }
 
+// A menu, another window or a dialog is not another part of the window.
 void QtTextArea::focusOutEvent(QFocusEvent* event) {
   QPlainTextEdit::focusOutEvent(event);
   MarkText();
+  const Qt::FocusReason reason = event->reason();
+  if (reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason || reason == Qt::MenuBarFocusReason)
+    return;
+  const QWidget* next = QApplication::focusWidget();
+  if (next && isAncestorOf(next)) return;  // the bar for finding words
+  boundary_.Run([this] { Left.Raise(); });
 }
 
 // --- The margin ---

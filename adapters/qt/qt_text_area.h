@@ -48,6 +48,10 @@ class QtTextArea : public QPlainTextEdit, public TextArea {
   /// Shows the first sentence on a line below the text and says how many more there are; the line's tool tip has all.
   void SetRemarks(const std::vector<std::string>& remarks) override;
 
+  void SetFault(std::size_t offset, std::size_t length) override;
+  /// The buttons stand at the right end of the line with the remarks.
+  void SetCommands(std::vector<TextCommand> commands) override;
+
   /// Colours the text from now on; an empty function stops that.
   void SetHighlighter(Highlighter highlighter);
 
@@ -98,6 +102,7 @@ class QtTextArea : public QPlainTextEdit, public TextArea {
   Theme theme_;
   Highlighter highlighter_;
   BracketFinder bracketFinder_;
+  TextSpan fault_;  // of length 0 for none
   EventBoundary boundary_;
   Margin* margin_ = nullptr;
   RemarkLine* remarks_ = nullptr;
