@@ -1,0 +1,25 @@
+// Any bytes: the tokens and the white space between them are the text.
+#include <cstdlib>
+
+#include "base/text.h"
+#include "sql/lexer.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace zrqrybld;
+  const std::string_view text(reinterpret_cast<const char*>(data), size);
+  std::size_t at = 0;
+  const auto skipWhite = [&](std::size_t end) {
+    for (; at < end; ++at) {
+      if (!IsWhite(text[at])) std::abort();
+    }
+  };
+  Lexer lexer(text);
+  for (Token token; lexer.Next(token);) {
+    if (token.length == 0 || token.offset < at) std::abort();
+    skipWhite(token.offset);
+    at = token.offset + token.length;
+    if (at > size || (token.unfinished && at != size)) std::abort();
+  }
+  skipWhite(size);
+  return 0;
+}
