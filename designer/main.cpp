@@ -29,6 +29,9 @@ QStringList Prepare(MainWindow& window, const DesignerOptions& options) {
     if (const QString error = window.Document().Open(options.query); !error.isEmpty()) return {error};
     if (!options.syntax.isEmpty()) window.SetSyntax(options.syntax);
   }
+  if (!options.parseSql.isEmpty()) {
+    if (const QString error = window.ParseFile(options.parseSql); !error.isEmpty()) return errors + QStringList{error};
+  }
   if (!options.tables.isEmpty()) errors += window.AddTables(options.tables);
   for (const QString& tick : options.ticks) {
     if (const QString error = window.TickColumn(tick); !error.isEmpty()) errors += error;

@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QCloseEvent>
 #include <QDropEvent>
+#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMenuBar>
@@ -284,6 +285,21 @@ QString MainWindow::TickColumn(const QString& name) {
   const Ref<qbEntityItem> item = entity->Items()->Item(text.substr(dot + 1));
   if (!item) return tr("The table \"%1\" has no column \"%2\".").arg(ToQString(table), ToQString(text.substr(dot + 1)));
   return Guarded([&] { item->SetChecked(true); });
+}
+
+QString MainWindow::ParseFile(const QString& file) {
+  QFile statement(file);
+  if (!statement.open(QIODevice::ReadOnly)) return tr("The statement cannot be read: %1").arg(file);
+  const std::string sql = statement.readAll().toStdString();
+  return Guarded([&] {
+    const Ref<qbSQLPane> pane = designer_->QueryBuilder().SQLPane();
+    try {
+      pane->ParseSQLStatement(sql);
+    } catch (const Error&) {
+      designer_->QueryBuilder().SetState(InfoDone);
+      throw;
+    }
+  });
 }
 
 QString MainWindow::LoadLanguage(const QString& file) {

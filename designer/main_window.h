@@ -36,6 +36,9 @@ class MainWindow : public QMainWindow {
   /// Ticks a column, given as TABLE.COLUMN. Returns an error message, empty on success.
   QString TickColumn(const QString& name);
 
+  /// Makes the query that of the statement in a file. Returns an error message, empty on success.
+  QString ParseFile(const QString& file);
+
   /// Takes the captions from a language file. Returns an error message, empty on success.
   QString LoadLanguage(const QString& file);
 

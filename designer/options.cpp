@@ -34,10 +34,11 @@ DesignerOptions ReadCommandLine(const QStringList& arguments) {
   const QCommandLineOption syntax("syntax", "Write the statement in this dialect: " + dialects.join(", ") + ".",
                                   "NAME");
   const QCommandLineOption language("language", "Take the captions from this language file.", "FILE");
+  const QCommandLineOption parse("parse-sql", "Begin with the query of the statement in this file.", "FILE");
   const QCommandLineOption save("save", "Save the query to this file and end.", "FILE");
   const QCommandLineOption print("print-sql", "Print the statement and end.");
   const QCommandLineOption screenshot("screenshot", "Save a picture of the window and end.", "FILE");
-  parser.addOptions({database, connect, table, tick, syntax, language, save, print, screenshot});
+  parser.addOptions({database, connect, table, tick, syntax, language, parse, save, print, screenshot});
   if (!parser.parse(arguments)) EndWithUsageError(parser.errorText());
   if (parser.isSet("help")) parser.showHelp(0);
   if (parser.isSet("version")) parser.showVersion();
@@ -55,6 +56,7 @@ DesignerOptions ReadCommandLine(const QStringList& arguments) {
   options.ticks = parser.values(tick);
   options.language = parser.value(language);
   options.syntax = parser.value(syntax);
+  options.parseSql = parser.value(parse);
   options.printSql = parser.isSet(print);
   options.screenshot = parser.value(screenshot);
   if (!options.syntax.isEmpty() && !FindDialect(ToUtf8(options.syntax))) {

@@ -136,10 +136,26 @@ TEST(DesignerCommandLine, SavesAPictureOfTheWindow) {
   EXPECT_EQ(picture("again.png", query), tables) << "the same query gives another picture";
 }
 
+TEST(DesignerCommandLine, BeginsWithTheStatementOfAFile) {
+  QTemporaryDir folder;
+  const QString path = folder.filePath("query.sql");
+  const auto outcomeOf = [&](const QByteArray& sql) {
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(sql) == sql.size());
+    file.close();
+    return RunDesigner(Sample({"--parse-sql", path, "--print-sql"}));
+  };
+  EXPECT_NE(outcomeOf("select City c from Customers").output.find("Customers.City AS c"), std::string::npos);
+  const Outcome refused = outcomeOf("select Citty from Customers");
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_NE(refused.errors.find("Line 1, column 8"), std::string::npos) << refused.errors;
+}
+
 TEST(DesignerCommandLine, TellsItsOptionsAndItsVersion) {
   const Outcome help = RunDesigner({"--help"});
   EXPECT_EQ(help.status, 0);
-  for (const char* option : {"--db", "--add-table", "--tick", "--syntax", "--print-sql", "--screenshot"}) {
+  for (const char* option :
+       {"--db", "--add-table", "--tick", "--syntax", "--parse-sql", "--print-sql", "--screenshot"}) {
     EXPECT_NE(help.output.find(option), std::string::npos) << option;
   }
   const Outcome version = RunDesigner({"--version"});
