@@ -127,7 +127,7 @@ std::optional<RowField> CriteriaBinder::OperandField(const Expression& operand, 
   if (e.kind == ExpressionKind::Column) {
     if (std::optional<RowField> column = fields_.ColumnOf(e)) return column;
     const bool isText = e.text.starts_with('"');
-    if (!isText && !NameScope::IsPseudoColumn(e.text) && !isAlias(PlainName(e.text))) scope_.Require(e);
+    if (!isText && !NameScope::IsPseudoColumn(e.name) && !isAlias(PlainName(e.text))) scope_.Require(e);
     return std::nullopt;
   }
   RowField expression{std::nullopt, fields_.Written(e), {}, {}};

@@ -88,6 +88,7 @@ constexpr Dialect kDialects[] = {
         .open = "(",
         .close = ")",
         .tableAlias = " AS ",
+        .doubleQuotesAreTexts = true,
     },
     {
         .syntax = SQLSyntaxOpenSQL,

@@ -52,6 +52,8 @@ struct Dialect {
   std::string_view close;
   /// Between a table and its alias in FROM.
   std::string_view tableAlias;
+  /// Whether a text in double quotes is a literal where it names no column.
+  bool doubleQuotesAreTexts = false;
   /// Whether its statements can be read back.
   bool canBeParsed = true;
 };

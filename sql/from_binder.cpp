@@ -229,23 +229,18 @@ void FromBinder::AddSharedColumns(std::vector<JoinPair>& pairs, const Side& left
   }
 }
 
-// The shared columns come first and once.
+// A shared column stands once, where its first table has it.
 void FromBinder::JoinColumns(Side& left, const Side& right, const std::vector<JoinPair>& shared, bool isRight) const {
-  std::vector<BoundColumn> columns;
   for (const JoinPair& pair : shared) {
-    columns.push_back(isRight ? BoundColumn{pair.right, pair.rightColumn} : BoundColumn{pair.left, pair.leftColumn});
+    const BoundColumn joined{pair.left, pair.leftColumn};
+    if (isRight) std::ranges::replace(left.columns, joined, BoundColumn{pair.right, pair.rightColumn});
   }
-  const auto addOthers = [&](const std::vector<BoundColumn>& from) {
-    for (const BoundColumn& column : from) {
-      const bool isShared = std::ranges::any_of(shared, [&](const JoinPair& pair) {
-        return column == BoundColumn{pair.left, pair.leftColumn} || column == BoundColumn{pair.right, pair.rightColumn};
-      });
-      if (!isShared) columns.push_back(column);
-    }
-  };
-  addOthers(left.columns);
-  addOthers(right.columns);
-  left.columns = std::move(columns);
+  for (const BoundColumn& column : right.columns) {
+    const bool isShared = std::ranges::any_of(shared, [&](const JoinPair& pair) {
+      return column == BoundColumn{pair.right, pair.rightColumn};
+    });
+    if (!isShared) left.columns.push_back(column);
+  }
 }
 
 // The columns of two tables that a term compares; none for every other condition.

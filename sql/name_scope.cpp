@@ -10,8 +10,8 @@
 namespace zrqrybld {
 namespace {
 
-constexpr std::array<std::string_view, 10> kPseudoColumns = {
-    "CURRENT_DATE", "CURRENT_TIME", "CURRENT_TIMESTAMP", "CURRENT_USER", "LEVEL",
+constexpr std::array<std::string_view, 11> kPseudoColumns = {
+    "CURRENT_DATE", "CURRENT_TIME", "CURRENT_TIMESTAMP", "CURRENT_USER", "LEVEL",       "ROWID",
     "ROWNUM",       "SYSDATE",      "SYSTIMESTAMP",      "USER",         "SESSION_USER"};
 
 std::string Quoted(std::string_view name) { return '"' + std::string(name) + '"'; }

@@ -102,6 +102,7 @@ struct SelectItem {
 struct OrderItem {
   Expression* expression = nullptr;
   bool descending = false;
+  std::string_view nulls;  ///< NULLS FIRST or NULLS LAST, as written; "" for neither
   OrderItem* next = nullptr;
 };
 

@@ -85,7 +85,9 @@ class Binder {
     if (std::optional<RowField> aggregate = fields_.AggregateOf(expression)) return *aggregate;
     if (std::optional<RowField> column = fields_.ColumnOf(expression)) return *column;
     const Expression& inner = *StripParentheses(&expression);
-    if (inner.kind == ExpressionKind::Column && !NameScope::IsPseudoColumn(inner.text)) scope_.Require(inner);
+    const bool isText = options_.dialect->doubleQuotesAreTexts && inner.text.starts_with('"');
+    if (inner.kind == ExpressionKind::Column && !isText && !NameScope::IsPseudoColumn(inner.name))
+      scope_.Require(inner);
     return {std::nullopt, ExpressionText(expression), {}, {}};
   }
 
@@ -300,11 +302,37 @@ class Binder {
   void BindOrderBy() {
     int order = 0;
     for (const OrderItem* item = statement_.orderBy; item; item = item->next) {
+      if (!item->nulls.empty()) {
+        AddSort(SortedAsWritten(*item), false, ++order);
+        continue;
+      }
       const std::size_t row = RowToSort(*item->expression);
       if (!rows_[row].sortOrder.empty()) continue;  // sorting by the same once more changes nothing
-      rows_[row].sortOrder = std::to_string(++order);
-      rows_[row].sortType = item->descending ? "Descending" : "Ascending";
+      AddSort(row, item->descending, ++order);
     }
+  }
+
+  void AddSort(std::size_t row, bool descending, int order) {
+    rows_[row].sortOrder = std::to_string(order);
+    rows_[row].sortType = descending ? "Descending" : "Ascending";
+  }
+
+  // The grid has no word for where Nulls stand: the whole term is an expression, which is written without any other.
+  std::size_t SortedAsWritten(const OrderItem& item) {
+    std::string term = fields_.Normalized(SortedBy(*item.expression));
+    term += (item.descending ? " DESC " : " ") + OnOneLine(item.nulls);
+    const std::size_t row = rows_.Add({std::nullopt, std::move(term), {}, {}});
+    if (query_.groupByMode) rows_[row].groupBy = kExpressionText;
+    return row;
+  }
+
+  // A position or an alias stands for the item of the select list.
+  const Expression& SortedBy(const Expression& e) const {
+    if (e.kind == ExpressionKind::Column && e.Qualifier().empty()) {
+      const SelectItem* item = ItemNamed(PlainName(e.name));
+      return item ? *item->expression : e;
+    }
+    return GroupedBy(e);
   }
 
   std::size_t RowToSort(const Expression& e) {

@@ -356,12 +356,19 @@ class Parser {
       auto* item = Make<OrderItem>();
       item->expression = expressions_.ParseExpression();
       if (sorted && !reader_.Take(Keyword::Asc)) item->descending = reader_.Take(Keyword::Desc);
+      if (sorted && reader_.IsWord("NULLS")) item->nulls = ParseNulls();
       *end = item;
       end = &item->next;
     } while (reader_.TakeSign(','));
-    if (reader_.IsWord("NULLS"))
-      reader_.Refuse(reader_.Offset(), "NULLS FIRST and NULLS LAST cannot be shown in the designer.");
     return first;
+  }
+
+  std::string_view ParseNulls() {
+    const std::size_t start = reader_.Offset();
+    reader_.Advance();
+    if (!reader_.IsWord("FIRST") && !reader_.IsWord("LAST")) reader_.FailExpected("FIRST or LAST");
+    reader_.Advance();
+    return reader_.TextFrom(start);
   }
 
   // LIMIT says the same as TOP.

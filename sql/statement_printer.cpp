@@ -208,6 +208,9 @@ class Printer {
       text_ += item == items ? words : ", ";
       Print(*item->expression);
       if (item->descending) text_ += " DESC";
+      if (item->nulls.empty()) continue;
+      text_ += ' ';
+      AppendOnOneLine(text_, item->nulls);
     }
   }
 
