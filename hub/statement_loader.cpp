@@ -101,8 +101,9 @@ class Loader final : public QuerySource {
   bool KnowsColumns(std::size_t table) const override {
     const Ref<qbEntity>& entity = tables_[table].entity;
     if (!entity) return !tables_[table].columns.empty();
+    // Without a source the boxes show no more columns than statements have named.
     const qbEntityItems& items = *entity->Items();
-    return items.Count() > 1 || (items.Count() == 1 && items.Item(1)->Text() != "*");
+    return hub_.IsConnected() && (items.Count() > 1 || (items.Count() == 1 && items.Item(1)->Text() != "*"));
   }
 
   std::optional<std::string> FindColumn(std::size_t table, const std::string& name) const override {

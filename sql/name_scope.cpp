@@ -104,10 +104,10 @@ std::size_t NameScope::RequireTable(std::string_view qualifier, std::string_view
 std::vector<std::size_t> NameScope::TablesWith(const std::string& name) const {
   std::vector<std::size_t> having, open;
   for (std::size_t table = 0; table < tables_.size(); ++table) {
-    if (!source_.KnowsColumns(table)) {
-      open.push_back(table);
-    } else if (source_.FindColumn(table, name)) {
+    if (source_.FindColumn(table, name)) {
       having.push_back(table);
+    } else if (!source_.KnowsColumns(table)) {
+      open.push_back(table);
     }
   }
   return having.empty() ? open : having;
