@@ -171,6 +171,7 @@ void zrGrid::FitColumn(const Variant& column, float least) {
   const std::size_t position = columns_->PositionOf(column);
   const TextMetrics& text = GetSurface().Metrics();
   Pixels width = text.TextWidth(columns_->At(position).Caption(), font_);
+  if (columns_->At(position).DisplayAttribute() == kCheckedHeader) width += HeaderCheckBox({}).Right();
   const GridLayout::Range rows = Layout().VisibleRows(GetSurface().ViewSize().height);
   for (std::size_t row = rows.first; row <= rows.last; ++row) {
     if (!IsCheckBoxColumn(position)) width = std::max(width, text.TextWidth(CellText(row, position), font_));
