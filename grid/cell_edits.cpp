@@ -5,7 +5,7 @@
 #include "base/scoped_value.h"
 #include "base/text.h"
 #include "diagram/entities.h"
-#include "grid/expression_parts.h"
+#include "expression/expression_builder.h"
 #include "grid/field_names.h"
 #include "grid/grid_pane.h"
 #include "grid/sort_order.h"
@@ -188,21 +188,14 @@ void qbGridPane::SetSortOrder(const zrGridRow& row, std::int32_t order) {
 
 // --- Criteria ---
 
-void qbGridPane::CriterionEdited(zrGridRow& row, std::int32_t column) {
-  const Ref<QueryContext> context = context_.lock();
-  if (!context) return;
+// How a criterion of the row is read and written.
+CriteriaContext qbGridPane::CriteriaRules(const QueryContext& context, const zrGridRow& row) const {
   const Field field = FieldOf(row);
   const Ref<qbEntities> entities = Entities();
   const Ref<qbEntity> entity = entities ? entities->FindExactly(field.table) : nullptr;
-  const SnapshotType type = entity ? TypeOfColumn(*entity, field.name, *context->DataTypes()) : SnapshotType{};
-  std::string expression = Text(row, static_cast<std::size_t>(column));
-  bool cancel = false;
-  AfterEditExpressionFormat.Raise(row.Index(), column, field.table, field.name, type.code, type.isLong, type.prefix,
-                                  type.suffix, expression, cancel);
-  if (row.Index() == 0) return;  // a listener has removed it
-
-  const NameRules names = CurrentNameRules(*context);
-  CriteriaContext rules = context->Snapshot().criteria;
+  const SnapshotType type = entity ? TypeOfColumn(*entity, field.name, *context.DataTypes()) : SnapshotType{};
+  const NameRules names = CurrentNameRules(context);
+  CriteriaContext rules = context.Snapshot().criteria;
   rules.dataType = type.code;
   rules.isLong = type.isLong;
   rules.prefix = type.prefix;
@@ -210,12 +203,26 @@ void qbGridPane::CriterionEdited(zrGridRow& row, std::int32_t column) {
   rules.aggregate = row.TagAt(kColumnGroupBy).Text();
   rules.quotePrefix = names.quotePrefix;
   if (entities) {
-    rules.isColumn = [&](const std::vector<std::string>& parts) {
+    rules.isColumn = [entities, names](const std::vector<std::string>& parts) {
       std::string text;
       for (const std::string& part : parts) text += (text.empty() ? "" : ".") + part;
       return FindQualifiedField(*entities, text, names) || FindOnlyField(*entities, text, names);
     };
   }
+  return rules;
+}
+
+void qbGridPane::CriterionEdited(zrGridRow& row, std::int32_t column) {
+  const Ref<QueryContext> context = context_.lock();
+  if (!context) return;
+  const Field field = FieldOf(row);
+  CriteriaContext rules = CriteriaRules(*context, row);
+  std::string expression = Text(row, static_cast<std::size_t>(column));
+  bool cancel = false;
+  AfterEditExpressionFormat.Raise(row.Index(), column, field.table, field.name, rules.dataType, rules.isLong,
+                                  rules.prefix, rules.suffix, expression, cancel);
+  if (row.Index() == 0) return;  // a listener has removed it
+  rules.aggregate = row.TagAt(kColumnGroupBy).Text();
   const ScopedValue busy(busy_, true);
   try {
     if (!cancel) expression = Trim(FormatCriterion(expression, rules));
@@ -244,10 +251,15 @@ void qbGridPane::EditInWindow(bool builder) {
   if (!context || row <= 0 || column <= 0 || column == kColumnOutput) return;
   const Ref<zrGridRow> cells = grdPane_->Rows()->Item(row);
   if (cells->Locked()) return;
-  ExpressionDialog dialog;
-  dialog.caption = grdPane_->Columns()->Item(column)->Caption();
-  dialog.text = Text(*cells, static_cast<std::size_t>(column));
-  if (builder) dialog.parts = ExpressionParts(*context);
+  const EditedText kind = column >= kColumnCriteria ? EditedText::Criterion : EditedText::Expression;
+  const Ref<frmExpressionZoom> form = builder ? Ref<frmExpressionZoom>(frmExpressionBuilder::Create(context, kind))
+                                              : frmExpressionZoom::Create(context, kind);
+  if (kind == EditedText::Criterion) {
+    form->SetReader([rules = CriteriaRules(*context, *cells)](std::string_view text) { FormatCriterion(text, rules); });
+  } else if (column != kColumnColumn) {
+    form->SetReader([](std::string_view) {});  // a name, or a choice
+  }
+  ExpressionDialog dialog{form->Caption(), Text(*cells, static_cast<std::size_t>(column)), form};
   if (!context->GetToolkit().GetDialogs().ShowExpression(dialog) || cells->Index() == 0) return;
   SetCellAsEdit(cells->Index(), column, dialog.text);
 }

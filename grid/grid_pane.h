@@ -20,6 +20,7 @@
 #include "host/query_context.h"
 #include "platform/menu.h"
 #include "platform/property_store.h"
+#include "sql/criteria_context.h"
 
 namespace zrqrybld {
 
@@ -242,6 +243,7 @@ class qbGridPane final : public Object {
   void SortTypeEdited(zrGridRow& row, const std::string& before);
   void SortOrderEdited(zrGridRow& row, const std::string& before);
   void SetSortOrder(const zrGridRow& row, std::int32_t order);
+  CriteriaContext CriteriaRules(const QueryContext& context, const zrGridRow& row) const;
   void CriterionEdited(zrGridRow& row, std::int32_t column);
   void Complain(zrGridRow& row, std::int32_t column, const std::string& text, MessageIcon icon);
   void EditInWindow(bool builder);

@@ -5,12 +5,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace zrqrybld {
+
+class frmExpressionZoom;
 
 enum class MessageIcon : std::uint8_t { Information, Exclamation, Critical };
 
@@ -80,22 +83,13 @@ struct TextDialog {
   std::function<std::string(const std::string& text)> problem = {};
 };
 
-/// A group of pieces that an expression can be put together from.
-struct ExpressionGroup {
-  struct Part {
-    std::string text;    ///< what the list shows
-    std::string insert;  ///< what goes into the expression
-    std::string hint;    ///< what it is for; "" for nothing
-  };
-  std::string name;
-  std::vector<Part> parts;
-};
-
 /// The window for an expression that is too long for its cell.
 struct ExpressionDialog {
-  std::string caption;                 ///< of the cell's column
-  std::string text;                    ///< the expression; set before the window opens, and by the user
-  std::vector<ExpressionGroup> parts;  ///< what can be inserted; without any the window is only a larger editor
+  std::string caption;
+  std::string text;  ///< the expression; set before the window opens, and by the user
+  /// What the window shows beside the text, and helps with; one that builds expressions has pieces to insert. Never
+  /// nothing.
+  std::shared_ptr<frmExpressionZoom> form = {};
 };
 
 /// The windows that stop the user until they are answered.

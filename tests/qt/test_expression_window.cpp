@@ -1,0 +1,101 @@
+// The expression builder's and the zoom's window, by real events.
+#include <gtest/gtest.h>
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QTest>
+#include <QToolButton>
+
+#include "adapters/qt/expression_window.h"
+#include "adapters/qt/qt_text.h"
+#include "adapters/qt/qt_text_area.h"
+#include "tests/expression/known_source.h"
+#include "tests/qt/pictures.h"
+
+namespace zrqrybld {
+namespace {
+
+class ExpressionWindowTest : public testing::Test, protected test::KnownSource {
+ protected:
+  ExpressionWindowTest() {
+    hub->AddTable("Orders");
+    hub->AddTable("Customers");
+  }
+
+  // The window on a text, open; the builder or the zoom.
+  std::unique_ptr<ExpressionWindow> Open(bool builder, std::string text) {
+    const Ref<frmExpressionZoom> form =
+        builder ? Ref<frmExpressionZoom>(frmExpressionBuilder::Create(hub, EditedText::Expression))
+                : frmExpressionZoom::Create(hub, EditedText::Expression);
+    auto window = std::make_unique<ExpressionWindow>(ExpressionDialog{form->Caption(), std::move(text), form});
+    window->show();
+    QApplication::setActiveWindow(window.get());
+    window->Editor().setFocus();
+    return window;
+  }
+
+  static QToolButton* Tool(const QWidget& window, const QString& toolTip) {
+    for (QToolButton* button : window.findChildren<QToolButton*>()) {
+      if (button->toolTip() == toolTip) return button;
+    }
+    return nullptr;
+  }
+};
+
+// Search, Enter: the piece goes into the text, with the values of its parameters; the rest is stepped through.
+TEST_F(ExpressionWindowTest, BuildsAnExpression) {
+  const auto window = Open(true, "");
+  auto* search = window->findChild<QLineEdit*>();
+  QTest::keyClicks(search, "between");
+  window->findChild<QTableWidget*>()->item(0, 1)->setText("1");
+  QTest::keyClicks(&window->Editor(), "(Total ");
+  QTest::mouseClick(Tool(*window, "Insert Keyword/Function/Operator"), Qt::LeftButton);
+  EXPECT_EQ(window->Text(), "(Total BETWEEN 1 AND @Expression2");
+  QTest::keyClicks(&window->Editor(), "2");
+  QTest::keyClick(&window->Editor(), Qt::Key_Tab);
+  EXPECT_FALSE(window->findChild<QLabel*>(QStringLiteral("message"))->text().isEmpty());  // the parenthesis is open
+  QTest::keyClicks(&window->Editor(), ")");
+  EXPECT_TRUE(window->findChild<QLabel*>(QStringLiteral("message"))->text().isEmpty());
+  EXPECT_EQ(window->Text(), "(Total BETWEEN 1 AND 2)");
+
+  search->clear();
+  QTest::keyClicks(search, "orders total");
+  QTest::mouseClick(Tool(*window, "Clear Expression"), Qt::LeftButton);
+  QTest::keyClick(search, Qt::Key_Return);
+  EXPECT_EQ(window->Text(), "Orders.Total");
+  QTest::keyClick(&window->Editor(), Qt::Key_Return, Qt::ControlModifier);
+  EXPECT_EQ(window->result(), QDialog::Accepted);
+}
+
+TEST_F(ExpressionWindowTest, SpeaksTheLanguageTable) {
+  hub->SetLanguageString(LanguageExprBuildCaption, "Ausdruck bauen");
+  hub->SetLanguageString(LanguageZoomExprAcceptButton, "&Gut");
+  EXPECT_EQ(Open(true, "")->windowTitle(), "Ausdruck bauen");
+  const auto zoom = Open(false, "1");
+  EXPECT_EQ(zoom->findChild<QPushButton*>()->text(), "&Gut");
+  QTest::keyClick(zoom.get(), Qt::Key_Escape);
+  EXPECT_EQ(zoom->result(), QDialog::Rejected);
+}
+
+// Esc closes the list of suggestions first, then the window.
+TEST_F(ExpressionWindowTest, LooksRightAndClosesInOrder) {
+  for (const NamedPalette& named : TestPalettes()) {
+    const ScopedPalette scoped(named.palette);
+    const auto window = Open(true, "COUNT(DISTINCT Orders.CustomerID) * Orders.Total + ");
+    QTest::keyClicks(window->findChild<QLineEdit*>(), "sum");
+    QTest::keyClicks(&window->Editor(), "to)");
+    KeepPicture(Paint(*window), "expression-builder-" + named.name);
+    QTest::keyClicks(&window->Editor(), " t");
+    QTest::keyClick(&window->Editor(), Qt::Key_Escape);
+    EXPECT_TRUE(window->isVisible());
+    QTest::keyClick(&window->Editor(), Qt::Key_Escape);
+    EXPECT_FALSE(window->isVisible());
+    const auto zoom = Open(false, "Orders.Total * 2");
+    KeepPicture(Paint(*zoom), "expression-zoom-" + named.name);
+  }
+}
+
+}  // namespace
+}  // namespace zrqrybld
