@@ -18,6 +18,7 @@ constexpr Member kPane[] = {
     Method<Pane, &Pane::AboutBox>("AboutBox"),
     Method<Pane, &Pane::Clear>("Clear"),
     ReadOnly<Pane, &Pane::Entities>("Entities"),
+    ReadWrite<Pane, &Pane::ItemsImageList, &Pane::SetItemsImageList>("ItemsImageList"),
     ReadWrite<Pane, &Pane::OLEDropMode, &Pane::SetOLEDropMode>("OLEDropMode"),
     Method<Pane, &Pane::Refresh>("Refresh"),
     ReadOnly<Pane, &Pane::SelectedObject>("SelectedObject"),

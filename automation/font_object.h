@@ -28,11 +28,13 @@ class FontObject final : public Object {
     font_.points = points;
     Stored();
   }
+  /// Whether the letters are heavy.
   bool Bold() const { return font_.bold; }
   void SetBold(bool bold) {
     font_.bold = bold;
     Stored();
   }
+  /// Whether the letters slant.
   bool Italic() const { return font_.italic; }
   void SetItalic(bool italic) {
     font_.italic = italic;

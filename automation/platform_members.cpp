@@ -99,19 +99,16 @@ constexpr Member kImage[] = {
     ReadOnly<Image, &ImageHeight>("Height"),
 };
 
+constexpr Member kImageList[] = {
+    Method<ImageList, &ImageList::Add>("Add", "Picture, [Key]"),
+    ReadOnly<ImageList, &ImageList::Count>("Count"),
+    ReadOnly<ImageList, &ImageList::Item>("Item", "Index"),
+};
+
 // --- The toolkit ---
 
-constexpr std::int32_t kLargestImage = 4096;
-
 Ref<Image> CreateImage(ToolkitObject&, std::int32_t width, std::int32_t height, const std::vector<Variant>& pixels) {
-  const bool sane = width > 0 && height > 0 && width <= kLargestImage && height <= kLargestImage;
-  if (!sane || pixels.size() != static_cast<std::size_t>(width) * static_cast<std::size_t>(height)) {
-    throw Error(ErrorInvalidPropertyValue, "Invalid Property Value.");
-  }
-  std::vector<std::uint32_t> values;
-  values.reserve(pixels.size());
-  for (const Variant& pixel : pixels) values.push_back(Convert<Color>::From(pixel).value);
-  return std::make_shared<Image>(width, height, std::move(values));
+  return ToolkitObject::CreateImage(width, height, pixels);
 }
 
 constexpr Member kToolkit[] = {
@@ -181,6 +178,7 @@ const ClassInfo kClasses[] = {
     {"Field", kField, "Value"},
     {"Font", kFont, "Name", [] { return Ref<Object>(std::make_shared<FontObject>()); }},
     {"Image", kImage, ""},
+    {"ImageList", kImageList, "Item", [] { return Ref<Object>(std::make_shared<ImageList>()); }},
     {"Toolkit", kToolkit, "", [] { return Ref<Object>(ToolkitObject::Instance()); }},
     {"ToolkitMessages", kMessages, "Item"},
     {"ToolkitMessage", kMessage, "Text"},

@@ -11,6 +11,7 @@
 #include "host/language.h"
 #include "hub/query_builder.h"
 #include "hub/utility.h"
+#include "sql/parameters.h"
 #include "sql/sql_pane.h"
 
 namespace zrqrybld {
@@ -28,6 +29,7 @@ inline constexpr std::string_view kPublicName{};
 ZRQRYBLD_PUBLIC(Object);
 ZRQRYBLD_PUBLIC(Connection);
 ZRQRYBLD_PUBLIC(Image);
+ZRQRYBLD_PUBLIC(ImageList);
 ZRQRYBLD_PUBLIC(StringCollection);
 ZRQRYBLD_PUBLIC(qbDBFunction);
 ZRQRYBLD_PUBLIC(qbDBFunctions);
@@ -43,6 +45,8 @@ ZRQRYBLD_PUBLIC(qbEntity);
 ZRQRYBLD_PUBLIC(qbEntityItem);
 ZRQRYBLD_PUBLIC(qbEntityItems);
 ZRQRYBLD_PUBLIC(qbGridPane);
+ZRQRYBLD_PUBLIC(qbParameter);
+ZRQRYBLD_PUBLIC(qbParameters);
 ZRQRYBLD_PUBLIC(qbProperties);
 ZRQRYBLD_PUBLIC(qbProperty);
 ZRQRYBLD_PUBLIC(qbQueryBuilder);

@@ -17,6 +17,7 @@ class FieldObject final : public Object {
  public:
   FieldObject(Ref<RowSetObject> rows, std::size_t index) : rows_(std::move(rows)), index_(index) {}
   std::string_view TypeName() const override { return "Field"; }
+  /// As the source spells it.
   std::string Name() const;
   /// Of the row that is current when it is asked. Null where the source has none; error 3021 at the end of the rows.
   Variant Value() const;
@@ -32,9 +33,13 @@ class RowSetObject final : public Object {
  public:
   explicit RowSetObject(std::unique_ptr<RowSet> rows) : rows_(std::move(rows)) {}
   std::string_view TypeName() const override { return "RowSet"; }
+  /// Whether there is no current row any more.
   bool Eof() const { return rows_->Eof(); }
+  /// Goes to the next row. Does nothing at the end.
   void MoveNext() { rows_->MoveNext(); }
+  /// Frees the rows; `EOF` is True from then on.
   void Close() { rows_->Close(); }
+  /// The number of fields of a row.
   std::int32_t FieldCount() const { return static_cast<std::int32_t>(rows_->FieldCount()); }
   /// A field by name or by number from 0. Error 9 when there is none.
   Ref<FieldObject> Fields(const Variant& index);

@@ -1,4 +1,4 @@
-// The members of the SQL pane.
+// The members of the SQL pane and of run-time parameters.
 #include "automation/binding.h"
 #include "automation/classes.h"
 
@@ -12,6 +12,8 @@ constexpr Member kPane[] = {
     ReadOnly<Pane, &Pane::Cartesian>("Cartesian"),
     ReadWrite<Pane, &Pane::LikeOperator, &Pane::SetLikeOperator>("LikeOperator"),
     ReadWrite<Pane, &Pane::Locked, &Pane::SetLocked>("Locked"),
+    Method<Pane, &Pane::ParseParameters>("ParseParameters"),
+    Method<Pane, &Pane::ParseSQLStatement>("ParseSQLStatement", "SQL"),
     ReadOnly<Pane, &Pane::QueryBuilder>("QueryBuilder"),
     Method<Pane, &Pane::Refresh>("Refresh"),
     ReadWrite<Pane, &Pane::SQLStatement, &Pane::SetSQLStatement>("SQLStatement"),
@@ -20,12 +22,34 @@ constexpr Member kPane[] = {
     Raised<Pane, &Pane::KeyUp>("KeyUp", "KeyCode, Shift"),
     Raised<Pane, &Pane::KeyDown>("KeyDown", "KeyCode, Shift"),
     Raised<Pane, &Pane::KeyPress>("KeyPress", "KeyAscii"),
+    Raised<Pane, &Pane::ParseParameter>("ParseParameter", "Parameter, Cancel"),
     // Beyond the members above: what there is to say about the statement.
     ReadOnly<Pane, &Pane::Remarks>("Remarks"),
 };
 
+constexpr Member kParameters[] = {
+    Method<qbParameters, &qbParameters::Clear>("Clear"),
+    ReadOnly<qbParameters, &qbParameters::Count>("Count"),
+    ReadOnly<qbParameters, &qbParameters::Item>("Item", "Index"),
+    Method<qbParameters, &qbParameters::Remove>("Remove", "Index"),
+    ReadOnly<qbParameters, &qbParameters::QueryBuilder>("QueryBuilder"),
+};
+
+constexpr Member kParameter[] = {
+    Field<qbParameter, &qbParameter::Prompt>("Prompt"),
+    Field<qbParameter, &qbParameter::Default>("Default"),
+    Field<qbParameter, &qbParameter::Value>("Value"),
+    Field<qbParameter, &qbParameter::Name>("Name"),
+    Field<qbParameter, &qbParameter::DataType>("DataType"),
+    Field<qbParameter, &qbParameter::QuotePrefix>("QuotePrefix"),
+    Field<qbParameter, &qbParameter::QuoteSuffix>("QuoteSuffix"),
+    Method<qbParameter, &qbParameter::FormatPrompt>("FormatPrompt"),
+};
+
 const ClassInfo kClasses[] = {
     {"qbSQLPane", kPane, "", [] { return Ref<Object>(Pane::Create()); }},
+    {"qbParameters", kParameters, "Item", [] { return Ref<Object>(std::make_shared<qbParameters>(nullptr)); }},
+    {"qbParameter", kParameter, ""},
 };
 
 }  // namespace

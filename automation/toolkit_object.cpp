@@ -1,9 +1,12 @@
 #include "automation/toolkit_object.h"
 
+#include "automation/convert.h"
+
 namespace zrqrybld {
 namespace {
 
 constexpr std::size_t kMessagesKept = 1000;
+constexpr std::int32_t kLargestImage = 4096;  // pixels a side
 
 // Shows nothing: hands every dialog to whoever listens.
 class ScriptedDialogs final : public Dialogs {
@@ -104,6 +107,17 @@ std::string JoinDialogObject::Description() const {
 std::string JoinDialogObject::Warning() const {
   const JoinDialog& dialog = Shown();
   return dialog.warning ? dialog.warning(dialog.table1Checked, dialog.table2Checked) : std::string();
+}
+
+Ref<Image> ToolkitObject::CreateImage(std::int32_t width, std::int32_t height, const std::vector<Variant>& pixels) {
+  const bool sane = width > 0 && height > 0 && width <= kLargestImage && height <= kLargestImage;
+  if (!sane || pixels.size() != static_cast<std::size_t>(width) * static_cast<std::size_t>(height)) {
+    throw Error(ErrorInvalidPropertyValue, "Invalid Property Value.");
+  }
+  std::vector<std::uint32_t> values;
+  values.reserve(pixels.size());
+  for (const Variant& pixel : pixels) values.push_back(Convert<Color>::From(pixel).value);
+  return std::make_shared<Image>(width, height, std::move(values));
 }
 
 ToolkitObject::ToolkitObject() : services_(std::make_shared<ScriptedToolkit>(*this)) {

@@ -14,6 +14,8 @@
 #include "base/error.h"
 #include "base/event.h"
 #include "base/object.h"
+#include "base/variant.h"
+#include "platform/image.h"
 #include "platform/toolkit.h"
 
 namespace zrqrybld {
@@ -25,7 +27,7 @@ class ToolkitMessage final : public Object {
       : kind_(std::move(kind)), text_(std::move(text)), icon_(icon) {}
   std::string_view TypeName() const override { return "ToolkitMessage"; }
 
-  /// "MessageBox", "ShowTables", "JoinProperties", "ConnectionPrompt", "SaveFile" or "TextPrompt".
+  /// "MessageBox", "ShowTables", "JoinProperties", "ConnectionPrompt", "Expression", "SaveFile" or "TextPrompt".
   const std::string& Kind() const { return kind_; }
   /// The message, or the dialog's caption.
   const std::string& Text() const { return text_; }
@@ -43,9 +45,11 @@ class ToolkitMessages final : public Object {
  public:
   std::string_view TypeName() const override { return "ToolkitMessages"; }
   void Add(Ref<ToolkitMessage> message);
+  /// Forgets all of them.
   void Clear() { items_.clear(); }
+  /// How many there are.
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.size()); }
-  /// Error 9 when there is none.
+  /// The message at a position from 1. Error 9 when there is none.
   Ref<ToolkitMessage> Item(std::int32_t position) const;
 
  private:
@@ -75,7 +79,9 @@ class TablesDialogObject final : public DialogObject<const TablesDialog> {
  public:
   using DialogObject::DialogObject;
   std::string_view TypeName() const override { return "TablesDialog"; }
+  /// The title of the window.
   const std::string& Caption() const { return Shown().caption; }
+  /// The names that can be picked.
   const std::vector<std::string>& Tables() const { return Shown().tables; }
   const std::vector<std::string>& Views() const { return Shown().views; }
   /// Adds one or several tables, as the add button does.
@@ -87,11 +93,14 @@ class JoinDialogObject final : public DialogObject<JoinDialog> {
  public:
   using DialogObject::DialogObject;
   std::string_view TypeName() const override { return "JoinDialog"; }
+  /// The title of the window.
   const std::string& Caption() const { return Shown().caption; }
+  /// The title of the frame around the two check boxes.
   const std::string& Frame() const { return Shown().frame; }
   /// The texts of the two check boxes.
   const std::string& Table1Text() const { return Shown().allOfTable1; }
   const std::string& Table2Text() const { return Shown().allOfTable2; }
+  /// What is chosen: all rows of the first table, all rows of the second.
   bool Table1Checked() const { return Shown().table1Checked; }
   void SetTable1Checked(bool checked) { Shown().table1Checked = checked; }
   bool Table2Checked() const { return Shown().table2Checked; }
@@ -100,6 +109,7 @@ class JoinDialogObject final : public DialogObject<JoinDialog> {
   std::string Description() const;
   /// Why the choice cannot be had in the dialect; "" when it can.
   std::string Warning() const;
+  /// The answer; False cancels.
   bool Accepted() const { return accepted_; }
   void SetAccepted(bool accepted) { accepted_ = accepted; }
 
@@ -129,6 +139,7 @@ class ExpressionDialogObject final : public DialogObject<ExpressionDialog> {
  public:
   using DialogObject::DialogObject;
   std::string_view TypeName() const override { return "ExpressionDialog"; }
+  /// The caption of the cell's column.
   const std::string& Caption() const { return Shown().caption; }
   /// The expression, which the answer may replace.
   const std::string& Text() const { return Shown().text; }
@@ -150,11 +161,18 @@ class ToolkitObject final : public Object {
 
   /// A message: its text and picture (see `ToolkitMessage::Icon`).
   Event<const std::string&, std::int32_t> MessageBox;
+  /// The table picker, a join's properties, the prompt for a connection string: the dialog, which the handler answers.
   Event<const Ref<TablesDialogObject>&> ShowTables;
   Event<const Ref<JoinDialogObject>&> JoinProperties;
   Event<const Ref<ConnectionDialogObject>&> ConnectionPrompt;
+  /// The window for a long expression: the dialog, which the handler answers.
   Event<const Ref<ExpressionDialogObject>&> Expression;
 
+  /// A picture for icons: its size in pixels, at most 4,096 each, and the pixels row by row from the top, each
+  /// 0xAARRGGBB. Error 40005 when the number of pixels is another.
+  static Ref<Image> CreateImage(std::int32_t width, std::int32_t height, const std::vector<Variant>& pixels);
+
+  /// What was shown so far.
   const Ref<ToolkitMessages>& Messages() const { return messages_; }
 
   /// What designers are made with.

@@ -25,11 +25,13 @@ class CatalogEntry;
 template <class Entry>
 class Catalog : public Object {
  public:
+  /// Removes all entries.
   void Clear() {
     for (std::size_t i = 1; i <= items_.Count(); ++i) (*items_.At(i))->catalog_ = nullptr;
     items_.Clear();
     ++revision_;
   }
+  /// How many there are; positions run from 1 to it.
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.Count()); }
 
   /// The entry at a position from 1 or with this name. Error 9 when there is none.

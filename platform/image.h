@@ -36,6 +36,7 @@ class ImageList final : public Object {
 
   /// Adds a picture at the end. Error 457 when the key is in use.
   void Add(Ref<Image> image, const std::string& key = {}) { images_.Insert(std::move(image), key); }
+  /// How many there are; positions run from 1 to it.
   std::int32_t Count() const { return static_cast<std::int32_t>(images_.Count()); }
   /// The picture at a position from 1 or under a key, or nothing.
   Ref<Image> Item(const Variant& index) const { return ItemOrNothing(images_, index); }

@@ -65,7 +65,7 @@ class EveryMember(unittest.TestCase):
         "AddTable": ("Products",), "Connect": (f"Data Source={STORE}",), "Exists": ("x",), "Find": ("Average",),
         "FindByIndicator": (3,), "FindByIndicatorLong": (3, False), "FindByText": ("orderid",),
         "GetLanguageString": (1,), "HasTable": ("Order",), "HideColumn": (1,), "ShowColumn": (1,),
-        "LoadLanguageFile": (str(DATA.parent.parent / "samples/languages/german.txt"),), "OpenSchema": (20,),
+        "LoadLanguageFile": (str(DATA.parent.parent / "samples/languages/german.txt"),), "OpenSchema": (20,), "ParseSQLStatement": ("SELECT City FROM Customers",),
         "LoadQuery": ("Version=1", True), "SaveQuery": ("", True),
         "QuoteIdentifier": ("a b",), "Remove": (1,), "SetLanguageString": (1, "x"), "Test": ("x",),
         "ReadProperty": ("x",), "WriteProperty": ("x", 1), "CreateImage": (1, 1, [0]),
@@ -216,6 +216,21 @@ class Events(unittest.TestCase):
         finally:
             sys.unraisablehook = hook
         self.assertIn(ZeroDivisionError, failures)
+
+    def test_parameters_are_asked_for(self):
+        qb, asked = designer(), []
+        sql = qb.SQLPane
+        sql.SQLStatement = "SELECT ?PARAM('How many',1,n,3), ?PARAM(who,'x')"
+
+        def answer(parameter, cancel):
+            asked.append((parameter.FormatPrompt(), parameter.Name, parameter.Default))
+            parameter.Value = None if len(asked) > 1 else 7
+            cancel.value = len(asked) > 2
+
+        sql.on("ParseParameter", answer)
+        self.assertEqual(sql.ParseParameters(), "SELECT 7, 'x'")
+        self.assertEqual(asked, [("How many", "n", "1"), ("who", "", "'x'")])
+        self.assertEqual(sql.ParseParameters(), "")
 
     def test_a_handler_ends_with_its_object_or_subscription(self):
         before = len(zrqrybld._handlers)
