@@ -417,9 +417,13 @@ Expression* ExpressionParser::ParseCase() {
 
 // --- Names ---
 
+// A keyword before a "." is a name; "#" before a figure begins none, for it may be half of a date.
 bool ExpressionParser::IsNamePart() const {
-  return reader_.Is(TokenKind::QuotedIdentifier) ||
-         (reader_.Is(TokenKind::Word) && !IsReserved(reader_.Current().keyword));
+  if (reader_.Is(TokenKind::QuotedIdentifier)) return true;
+  if (!reader_.Is(TokenKind::Word)) return false;
+  const std::string_view word = reader_.CurrentText();
+  if (word[0] == '#' && (word.size() == 1 || IsDigit(word[1]))) return false;
+  return !IsReserved(reader_.Current().keyword) || reader_.NextIsSign('.');
 }
 
 std::string_view ExpressionParser::ParseName(std::string_view what) {
