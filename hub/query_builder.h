@@ -192,7 +192,7 @@ class qbQueryBuilder final : public QueryContext {
 
  protected:
   void RefreshStatement() override;
-  void RefreshTableList() override;
+  void RefreshTableList(std::int32_t from) override;
 
  private:
   explicit qbQueryBuilder(std::shared_ptr<Toolkit> toolkit) : QueryContext(std::move(toolkit)) {}
