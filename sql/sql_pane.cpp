@@ -78,9 +78,12 @@ void qbSQLPane::ShowRemarks() {
 // --- What the user types ---
 
 void qbSQLPane::TextEdited() {
-  failure_.clear();
-  textArea_->SetFault(0, 0);
-  SetEdited(true);
+  // What stands beside the text changes with the first key only.
+  if (!edited_ || !failure_.empty()) {
+    failure_.clear();
+    textArea_->SetFault(0, 0);
+    SetEdited(true);
+  }
   SQLChanged.Raise();
 }
 
