@@ -68,6 +68,7 @@ class MainWindow : public QMainWindow {
   void OpenDropped(const QString& file);
   void UpdateTitle();
   void PickTables();
+  void AskForParameters();
   void SyntaxChosen(int index);
   void WidenColumns();
   void UpdateState();

@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -210,11 +211,14 @@ class qbDiagramPane final : public Control, private DiagramView {
   void OnKeyUp(const KeyEvent& event) override;
   void OnFocusChanged(bool focused) override;
   std::string ToolTipAt(PixelPoint point) const override;
+  AccessibleTree* Accessible() override;
 
  protected:
   void OnSurfaceChanged() override;
 
  private:
+  friend class DiagramAccess;
+
   // What the pointer is doing while a button is held.
   struct NoGesture {};
   struct MovingBox {
@@ -408,6 +412,7 @@ class qbDiagramPane final : public Control, private DiagramView {
   mutable std::unordered_set<const BoxRow*> joinedRows_;
   mutable std::unordered_set<const BoxRow*> markedRows_;
   mutable bool rowMarksStale_ = true;
+  std::unique_ptr<AccessibleTree> access_;  // made when it is asked for
 
   bool entityMinimizeButton_ = true;
   OLEDropModeEnum oleDropMode_ = OLEDropNone;
