@@ -2,6 +2,7 @@
 #include <array>
 
 #include "diagram/diagram_pane.h"
+#include "diagram/source_names.h"
 
 namespace zrqrybld {
 namespace {
@@ -53,6 +54,7 @@ void qbDiagramPane::PaintDiagram(Canvas& canvas, const PixelRect& visible, bool 
     if (!place.Overlaps(visible)) continue;
     BoxLook look;
     look.joined = &joinedRows_;
+    if (const Ref<qbEntity> entity = EntityOf(*box)) look.schemaBytes = SchemaBytesOf(*entity);
     if (withState) {
       const Ref<Object> entity = box->Entity();
       look.active = IsSelected(entity) || (framing && frame.Overlaps(place));

@@ -292,7 +292,11 @@ void qbEntityList::PaintCaption(Canvas& canvas, const PixelRect& place, const Bo
   font.bold = true;
   const Pixels left = icon.Right() + kIconGap;
   const Pixels right = button.Empty() ? bar.Right() - kPadding : button.left;
-  canvas.DrawText({left, bar.top, right - left, bar.height}, caption_, {ink, font});
+  TextStyle style{ink, font};
+  style.quietBytes = look.schemaBytes;
+  style.quietInk =
+      look.active ? ink : Ink(ColorRole::QuietText);  // on the strong colour only the weight tells it apart
+  canvas.DrawText({left, bar.top, right - left, bar.height}, caption_, style);
 }
 
 // What the query does with the column, at the right end of `rect`. Returns where it begins.

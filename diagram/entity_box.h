@@ -54,6 +54,7 @@ struct BoxLook {
   std::size_t dropRow = 0;                               ///< a row where a join may end now, from 1
   const std::unordered_set<const BoxRow*>* joined = {};  ///< rows that take part in a join
   const std::unordered_set<const BoxRow*>* marked = {};  ///< rows of the selected join
+  std::size_t schemaBytes = 0;                           ///< so much of the caption is the table's schema
 };
 
 /// Every change that can be seen raises `Changed`, or `Move` when lines must be routed anew.

@@ -14,6 +14,7 @@ namespace zrqrybld {
 void qbGridPane::CellChanged(std::int32_t row, std::int32_t column) {
   const bool namesField = column == kColumnColumn || column == kColumnTable;
   if (namesField) NoteRow(RowAt(row));
+  if (column == kColumnSortType || column == kColumnSortOrder) NoteSorted(RowAt(row));
   if (busy_) return;
   const Ref<zrGridRow> cells = grdPane_->Rows()->Item(row);
   const StepScope step(context_.lock(), "Change cell");

@@ -8,7 +8,6 @@
 #include "expression/expression_builder.h"
 #include "grid/field_names.h"
 #include "grid/grid_pane.h"
-#include "grid/sort_order.h"
 #include "sql/criteria_formatter.h"
 #include "sql/source_rules.h"
 
@@ -181,11 +180,6 @@ void qbGridPane::SortOrderEdited(zrGridRow& row, const std::string& before) {
   SetSortOrder(row, static_cast<std::int32_t>(std::min(*number, static_cast<double>(RowCount()))));
 }
 
-// The run stays 1 to N: the others make room, or close up.
-void qbGridPane::SetSortOrder(const zrGridRow& row, std::int32_t order) {
-  WriteSortOrders(PlaceSortOrder(SortOrders(), static_cast<std::size_t>(row.Index() - 1), order));
-}
-
 // --- Criteria ---
 
 // How a criterion of the row is read and written.
@@ -195,7 +189,7 @@ CriteriaContext qbGridPane::CriteriaRules(const QueryContext& context, const zrG
   const Ref<qbEntity> entity = entities ? entities->FindExactly(field.table) : nullptr;
   const SnapshotType type = entity ? TypeOfColumn(*entity, field.name, *context.DataTypes()) : SnapshotType{};
   const NameRules names = CurrentNameRules(context);
-  CriteriaContext rules = context.Snapshot().criteria;
+  CriteriaContext rules = context.CriteriaRules();
   rules.dataType = type.code;
   rules.isLong = type.isLong;
   rules.prefix = type.prefix;

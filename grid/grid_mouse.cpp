@@ -223,7 +223,7 @@ bool zrGrid::OnDragOver(const std::string& text, const MouseEvent& event) {
   std::int32_t effect = 0;
   OLEDragOver.Raise(text, effect, event.button, event.shift, static_cast<float>(event.position.x.Value()),
                     static_cast<float>(event.position.y.Value()));
-  dropRow_ = effect != 0 ? DropRowAt(Layout(), event.position, static_cast<std::size_t>(rows_->Count())) : 0;
+  dropRow_ = effect != 0 ? Layout().HitTest({1_px, event.position.y}).row : 0;
   Redraw();
   return effect != 0;
 }

@@ -202,8 +202,9 @@ class qbGridPane final : public Object {
   void AddEmptyRow();
   void EnsureEmptyLastRow();
   void SetRowGroupBy(zrGridRow& row);
-  std::vector<std::int32_t> SortOrders() const;
-  void WriteSortOrders(const std::vector<std::int32_t>& orders);
+  void NoteSorted(const zrGridRow& row);
+  std::vector<Ref<zrGridRow>> SortedRows() const;
+  void WriteSortOrders(const std::vector<Ref<zrGridRow>>& rows, const std::vector<std::int32_t>& orders);
   void CloseSortGaps();
 
   // --- Fields in and out (field_output.cpp) ---
@@ -222,6 +223,8 @@ class qbGridPane final : public Object {
   void PushToDiagram(const Field& field, bool checked);
   // Whether any row outputs the field.
   bool IsOutput(const Field& field) const;
+  Field FieldIn(const std::string& text) const;
+  static bool IsFieldText(const std::string& text);
   void DropField(const std::string& text, PixelPoint at);
 
   // --- Changes and edits (cell_changes.cpp, cell_edits.cpp) ---
@@ -242,7 +245,7 @@ class qbGridPane final : public Object {
   void GroupByEdited(zrGridRow& row, const std::string& before);
   void SortTypeEdited(zrGridRow& row, const std::string& before);
   void SortOrderEdited(zrGridRow& row, const std::string& before);
-  void SetSortOrder(const zrGridRow& row, std::int32_t order);
+  void SetSortOrder(zrGridRow& row, std::int32_t order);
   CriteriaContext CriteriaRules(const QueryContext& context, const zrGridRow& row) const;
   void CriterionEdited(zrGridRow& row, std::int32_t column);
   void Complain(zrGridRow& row, std::int32_t column, const std::string& text, MessageIcon icon);
@@ -275,7 +278,8 @@ class qbGridPane final : public Object {
   std::vector<Ref<QueryContext>> batches_;
   // The rows of each field. Entries are only added; what is out of date is dropped when it is met.
   mutable std::unordered_map<std::string, std::vector<WeakRef<Object>>> rowsByField_;
-  std::int32_t emptyFrom_ = 1;  // no row before this one is empty
+  mutable std::vector<WeakRef<Object>> sortedRows_;  // with a sort type or number; out of date as those
+  std::int32_t emptyFrom_ = 1;                       // no row before this one is empty
 };
 
 }  // namespace zrqrybld

@@ -34,6 +34,7 @@ class qbEntity;
 class qbQueryBuilder;
 class qbRelationship;
 class SchemaCache;
+struct CriteriaContext;
 struct QuerySnapshot;
 
 /// What the designer is busy with, and what the event `Info` reports.
@@ -111,6 +112,9 @@ class QueryContext : public Object {
 
   /// The grid's date format; the default one when no grid is linked.
   virtual std::string DateFormat() const = 0;
+
+  /// How criteria are read and values written; what depends on a column is left open.
+  virtual CriteriaContext CriteriaRules() const = 0;
 
   /// The designed query as it is now.
   virtual QuerySnapshot Snapshot() const = 0;

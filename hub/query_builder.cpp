@@ -146,11 +146,21 @@ bool qbQueryBuilder::HasFullJoin() const { return !sqlPane_ || DialectFor(sqlPan
 
 std::string qbQueryBuilder::DateFormat() const { return gridPane_ ? gridPane_->DateFormat() : "dd-mmm-yyyy"; }
 
+CriteriaContext qbQueryBuilder::CriteriaRules() const {
+  CriteriaContext rules;
+  if (gridPane_) {
+    rules.dateFormatStyle = gridPane_->DateFormatStyle();
+    rules.dateFormat = gridPane_->DateFormat();
+  }
+  if (sqlPane_) rules.likeOperator = sqlPane_->LikeOperator();
+  return rules;
+}
+
 QuerySnapshot qbQueryBuilder::Snapshot() const {
   QuerySnapshot snapshot = TakeSnapshot(*this, Entities().get(), gridPane_.get());
   snapshot.distinct = distinctRecords_;
   snapshot.top = selectTopRecords_;
-  if (sqlPane_) snapshot.criteria.likeOperator = sqlPane_->LikeOperator();
+  snapshot.criteria = CriteriaRules();
   return snapshot;
 }
 

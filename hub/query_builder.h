@@ -178,6 +178,7 @@ class qbQueryBuilder final : public QueryContext {
   Ref<qbEntities> Entities() const override { return diagramPane_ ? diagramPane_->Entities() : nullptr; }
   bool HasFullJoin() const override;
   std::string DateFormat() const override;
+  CriteriaContext CriteriaRules() const override;
   QuerySnapshot Snapshot() const override;
   void LoadStatement(const std::string& sql) override;
   std::shared_ptr<SchemaCache> Schema() override;
