@@ -26,8 +26,8 @@ QString OneLine(std::string_view text) {
 
 // As spreadsheets write and read it.
 QString InCell(const QString& text) {
-  const bool plain = std::none_of(text.begin(), text.end(),
-                                  [](QChar c) { return c == '\t' || c == '\n' || c == '\r' || c == '"'; });
+  const bool plain =
+      std::none_of(text.begin(), text.end(), [](QChar c) { return c == '\t' || c == '\n' || c == '\r' || c == '"'; });
   return plain ? text : '"' + QString(text).replace('"', QLatin1String("\"\"")) + '"';
 }
 
@@ -85,8 +85,8 @@ QVariant ResultModel::data(const QModelIndex& index, int role) const {
              (cut && value.kind != ValueKind::Binary ? QStringLiteral("\u2026") : QString()) + "</span>";
     }
     case Qt::TextAlignmentRole:
-      return QVariant(value.kind == ValueKind::Number ? Qt::AlignRight | Qt::AlignVCenter
-                                                      : Qt::AlignLeading | Qt::AlignVCenter);
+      return static_cast<int>(value.kind == ValueKind::Number ? Qt::AlignRight | Qt::AlignVCenter
+                                                              : Qt::AlignLeading | Qt::AlignVCenter);
     case Qt::ForegroundRole:
       return isNull || value.kind == ValueKind::Binary ? QVariant(quiet_) : QVariant();
     default:
@@ -96,7 +96,7 @@ QVariant ResultModel::data(const QModelIndex& index, int role) const {
 
 QVariant ResultModel::headerData(int section, Qt::Orientation orientation, int role) const {
   if (role == Qt::TextAlignmentRole && orientation == Qt::Horizontal) {
-    return QVariant(Qt::AlignLeading | Qt::AlignVCenter);
+    return static_cast<int>(Qt::AlignLeading | Qt::AlignVCenter);
   }
   if (role != Qt::DisplayRole) return {};
   if (orientation == Qt::Vertical) return section + 1;

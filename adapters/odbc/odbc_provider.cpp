@@ -17,7 +17,8 @@ bool OdbcProvider::Accepts(const ConnectionString& connectionString) const {
 
 std::unique_ptr<Session> OdbcProvider::Open(const ConnectionString& connectionString, std::string_view user,
                                             std::string_view password) {
-  odbc::DriverSource source = odbc::MakeDriverSource(connectionString, user, password, odbc::Purpose::Catalogue);
+  odbc::DriverSource source =
+      odbc::MakeDriverSource(connectionString, user, password, odbc::Purpose::Catalogue, DataSources());
   return std::make_unique<odbc::OdbcSession>(source.text, std::move(source.secrets));
 }
 

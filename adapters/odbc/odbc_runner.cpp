@@ -6,6 +6,7 @@
 
 #include "adapters/odbc/driver_source.h"
 #include "adapters/odbc/odbc_handle.h"
+#include "adapters/odbc/odbc_provider.h"
 #include "adapters/odbc/odbc_text.h"
 #include "adapters/odbc/odbc_types.h"
 #include "adapters/run/source_sql.h"
@@ -168,7 +169,8 @@ class OdbcRunner final : public QueryRunner {
 }  // namespace odbc
 
 std::unique_ptr<QueryRunner> OpenOdbcRunner(const ConnectionString& connectionString) {
-  return std::make_unique<odbc::OdbcRunner>(odbc::MakeDriverSource(connectionString, {}, {}, odbc::Purpose::Rows));
+  return std::make_unique<odbc::OdbcRunner>(
+      odbc::MakeDriverSource(connectionString, {}, {}, odbc::Purpose::Rows, OdbcProvider().DataSources()));
 }
 
 }  // namespace zrqrybld
