@@ -24,6 +24,7 @@
 #include "designer/key_list.h"
 #include "designer/recent_connections.h"
 #include "designer/window_memory.h"
+#include "hub/parameter_form.h"
 #include "platform/connection_string.h"
 #if ZRQRYBLD_HAS_ODBC
 #include "adapters/odbc/odbc_provider.h"
@@ -123,6 +124,7 @@ void MainWindow::MakeMenus() {
 
   QMenu* query = menuBar()->addMenu(tr("&Query"));
   addTables_ = query->addAction(tr("&Add Tables..."), QKeySequence(Qt::Key_F7), this, &MainWindow::PickTables);
+  query->addAction(tr("&Parameters..."), this, &MainWindow::AskForParameters);
   clear_ = query->addAction(tr("&Clear"), this, [this] { designer_->QueryBuilder().DiagramPane()->Clear(); });
   query->addSeparator();
   query->addAction(tr("&Run Preview"), QKeySequence(Qt::Key_F5), this, &MainWindow::RunPreview);
@@ -327,6 +329,21 @@ void MainWindow::UpdateState() {
 
 void MainWindow::PickTables() {
   const QString error = Guarded([this] { designer_->QueryBuilder().ShowTables(); });
+  if (!error.isEmpty()) ShowError(error);
+}
+
+void MainWindow::AskForParameters() {
+  const QString error = Guarded([this] {
+    qbQueryBuilder& hub = designer_->QueryBuilder();
+    const std::string sql = hub.SQLPane()->SQLStatement();
+    const std::optional<std::vector<ParameterValue>> values = AskParameters(hub, sql);
+    if (values && values->empty()) {
+      QMessageBox::information(this, windowTitle(),
+                               tr("This statement has no parameters.\n\nA criterion such as\n"
+                                  "    >= ?PARAM(From which day, 2020-01-01, FromDay, date)\n"
+                                  "asks for its value: prompt, default, name and data type."));
+    }
+  });
   if (!error.isEmpty()) ShowError(error);
 }
 

@@ -90,6 +90,7 @@ class MainWindow : public QMainWindow {
   /// Says in the status line what has happened last.
   void ShowHappened(const QString& text);
   void PickTables();
+  void AskForParameters();
   void SyntaxChosen(int index);
   void WidenColumns();
   void UpdateState();

@@ -72,6 +72,7 @@ PreviewPane::PreviewPane(QWidget* parent)
   MakeTable();
   layout->addWidget(table_, 1);
   table_->hide();
+  layout->addStretch();  // keeps a message at the top while it stands alone
 
   model_->SetWant([this] {
     if (!job_) return;

@@ -5,6 +5,7 @@
 #include "adapters/qt/qt_text.h"
 #include "adapters/sqlite/sqlite_runner.h"
 #include "base/error.h"
+#include "hub/parameter_form.h"
 #include "platform/connection_string.h"
 #include "sql/lexer.h"
 #if ZRQRYBLD_HAS_ODBC
@@ -36,10 +37,10 @@ bool QueryPreview::Run() {
     return false;
   }
   try {
-    bool cancelled = false;
     shown_ = hub.SQLPane()->SQLStatement();
-    sent_ = AskedStatement(cancelled);
-    if (cancelled) return false;
+    const auto values = AskParameters(hub, shown_);
+    if (!values) return false;
+    sent_ = PutInLiterals(shown_, *values, LiteralRulesOf(hub));
     pane_.Run(RunnerFor(*hub.GetToolkit().Providers(), hub.Connection()->ConnectionString()), sent_,
               DialectFor(hub.SQLPane()->SQLSyntax()));
   } catch (const std::exception& error) {
@@ -47,11 +48,6 @@ bool QueryPreview::Run() {
     return false;
   }
   return true;
-}
-
-std::string QueryPreview::AskedStatement(bool& cancelled) {
-  cancelled = false;
-  return shown_;
 }
 
 // Up to the first parameter the two statements are the same, and so are their places.

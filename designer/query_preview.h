@@ -26,7 +26,6 @@ class QueryPreview {
   void SourceChanged() { pane_.Clear(); }
 
  private:
-  std::string AskedStatement(bool& cancelled);
   void Underline(std::size_t offset);
 
   QueryDesignerWidget& designer_;

@@ -6,8 +6,8 @@
 
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -21,6 +21,7 @@
 #include "diagram/entities.h"
 #include "diagram/entity_box.h"
 #include "diagram/join_line.h"
+#include "diagram/placement.h"
 #include "host/query_context.h"
 #include "platform/control.h"
 #include "platform/image.h"
@@ -210,11 +211,14 @@ class qbDiagramPane final : public Control, private DiagramView {
   void OnKeyUp(const KeyEvent& event) override;
   void OnFocusChanged(bool focused) override;
   std::string ToolTipAt(PixelPoint point) const override;
+  AccessibleTree* Accessible() override;
 
  protected:
   void OnSurfaceChanged() override;
 
  private:
+  friend class DiagramAccess;
+
   // What the pointer is doing while a button is held.
   struct NoGesture {};
   struct MovingBox {
@@ -263,17 +267,11 @@ class qbDiagramPane final : public Control, private DiagramView {
     Ref<BoxRow> row;
   };
 
-  // What the pane keeps for each box: its links live as long as the box is loaded.
+  // What the pane keeps for each box while it is loaded.
   struct LoadedBox {
-    Ref<qbEntityList> box;
     std::vector<EventConnection> links;
-  };
-
-  // What the pane knows of a box without asking all others.
-  struct BoxFacts {
     std::vector<Ref<qbLine>> lines;
-    Twips right;  // as it stands in `rights_`
-    Twips bottom;
+    PlacedBoxes::Id place = 0;
   };
 
   // What lies under a point of the pane.
@@ -291,19 +289,18 @@ class qbDiagramPane final : public Control, private DiagramView {
   Ref<qbLine> LoadLine(const Ref<qbRelationship>& relationship, const Ref<qbEntityList>& source,
                        const Ref<qbEntityList>& target) override;
   void UnloadLine(const Ref<qbLine>& line) override;
+  std::vector<Ref<qbLine>> LinesAt(const qbEntityList& box) const override;
   void FitBox(const Ref<qbEntityList>& box) override;
 
   BoxMetrics CurrentBoxMetrics() const;
   void ApplyAppearance();
-  TwipsPoint PlaceFor(const qbEntityList& box) const;
-  bool CoversAnother(const qbEntityList& box) const;
+  PlacementRules RulesOfPlacement() const;
   template <class T>
   void Store(T& property, const T& value, std::string_view key) {
     property = value;
     PropertyChanged.Raise(key);
   }
   void BoxMoved(const qbEntityList& box);
-  void RememberReach(const qbEntityList& box);
   void BoxRowChecked(const qbEntityList& box, const Ref<BoxRow>& row);
   void JoinChanged(const Ref<Object>& relationship);
   void JoinRemoved();
@@ -389,12 +386,10 @@ class qbDiagramPane final : public Control, private DiagramView {
 
   WeakRef<QueryContext> context_;
   Ref<qbEntities> entities_;
-  std::vector<LoadedBox> boxes_;             // in order of loading: placement depends on it
+  std::unordered_map<const qbEntityList*, LoadedBox> boxes_;
+  PlacedBoxes places_;
   std::vector<Ref<qbEntityList>> stacking_;  // from the bottom to the top
   std::vector<Ref<qbLine>> lines_;
-  std::unordered_map<const qbEntityList*, BoxFacts> facts_;
-  std::multiset<double> rights_;  // how far each box reaches, in twips: the last is how far the diagram does
-  std::multiset<double> bottoms_;
   Ref<Object> selected_;
   std::vector<Ref<qbEntity>> alsoSelected_;  // besides `selected_`, which is an entity then
   std::optional<KeyJoin> keyJoin_;
@@ -417,6 +412,7 @@ class qbDiagramPane final : public Control, private DiagramView {
   mutable std::unordered_set<const BoxRow*> joinedRows_;
   mutable std::unordered_set<const BoxRow*> markedRows_;
   mutable bool rowMarksStale_ = true;
+  std::unique_ptr<AccessibleTree> access_;  // made when it is asked for
 
   bool entityMinimizeButton_ = true;
   OLEDropModeEnum oleDropMode_ = OLEDropNone;

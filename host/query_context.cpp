@@ -1,5 +1,6 @@
 #include "host/query_context.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/text.h"
@@ -59,15 +60,15 @@ void QueryContext::BeginStep(std::string_view) { ++stepDepth_; }
 
 void QueryContext::EndStep() {
   if (--stepDepth_ > 0) return;
-  if (std::exchange(entitiesChanged_, false)) RefreshTableList();
+  if (const auto from = std::exchange(entitiesChangedFrom_, std::nullopt)) RefreshTableList(*from);
   if (std::exchange(changed_, false) && state_ == InfoDone) RefreshStatement();
 }
 
-void QueryContext::EntitiesChanged() {
+void QueryContext::EntitiesChanged(std::int32_t from) {
   if (stepDepth_ > 0) {
-    entitiesChanged_ = true;
+    entitiesChangedFrom_ = std::min(from, entitiesChangedFrom_.value_or(from));
   } else {
-    RefreshTableList();
+    RefreshTableList(from);
   }
 }
 

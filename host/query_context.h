@@ -158,9 +158,9 @@ class QueryContext : public Object {
   /// the outermost step; not while the designer is busy.
   void QueryChanged();
 
-  /// The set of entities or their captions have changed. The list of tables follows once, at the end of the outermost
-  /// step.
-  void EntitiesChanged();
+  /// The set of entities, their order or their captions have changed, from this position on. The list of tables follows
+  /// once, at the end of the outermost step.
+  void EntitiesChanged(std::int32_t from);
 
   /// A column was ticked or unticked in its box.
   virtual void ItemChecked(const std::string& entityCaption, const std::string& itemText, bool checked) = 0;
@@ -190,8 +190,8 @@ class QueryContext : public Object {
   /// Writes the statement anew.
   virtual void RefreshStatement() = 0;
 
-  /// Fills the list of tables anew.
-  virtual void RefreshTableList() = 0;
+  /// Fills the list of tables anew; what stands before the position is as it was.
+  virtual void RefreshTableList(std::int32_t from) = 0;
 
   LanguageTable& Language() { return language_; }
   void StoreConnection(Ref<zrqrybld::Connection> connection) {
@@ -218,7 +218,7 @@ class QueryContext : public Object {
   QueryBuilderInfoEnum state_ = InfoDone;
   int stepDepth_ = 0;
   bool changed_ = false;
-  bool entitiesChanged_ = false;
+  std::optional<std::int32_t> entitiesChangedFrom_;
 };
 
 /// A named step for the length of a scope.

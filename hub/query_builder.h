@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_map>
 
 #include "diagram/diagram_pane.h"
 #include "expression/schema_cache.h"
@@ -168,6 +169,9 @@ class qbQueryBuilder final : public QueryContext {
   /// The name as it stands in SQL text: in quotes when it needs them.
   std::string QuoteIdentifier(const std::string& name) const;
 
+  /// The values that were given for parameters last, by name or prompt, case-folded; see hub/parameter_form.h.
+  std::unordered_map<std::string, std::string>& RememberedValues() { return rememberedValues_; }
+
   // --- What the panes ask and tell ---
 
   Ref<qbQueryBuilder> Hub() override { return RefTo(*this); }
@@ -192,7 +196,7 @@ class qbQueryBuilder final : public QueryContext {
 
  protected:
   void RefreshStatement() override;
-  void RefreshTableList() override;
+  void RefreshTableList(std::int32_t from) override;
 
  private:
   explicit qbQueryBuilder(std::shared_ptr<Toolkit> toolkit) : QueryContext(std::move(toolkit)) {}
@@ -212,6 +216,7 @@ class qbQueryBuilder final : public QueryContext {
   Ref<qbSQLPane> sqlPane_;
   std::shared_ptr<SchemaCache> schema_;
   std::optional<Error> lastError_;
+  std::unordered_map<std::string, std::string> rememberedValues_;
   std::vector<WeakRef<BoxRow>> noted_;  // rows of boxes that show what the grid does with them
   bool allowJoinProperties_ = false;
   bool connectOnLoad_ = true;

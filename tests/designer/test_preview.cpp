@@ -50,7 +50,10 @@ class Preview : public test::DesignerWindow {
     Designer().SqlView().selectAll();
     Designer().SqlView().insertPlainText(sql);
   }
-  void PressF5() { QTest::keyClick(&window, Qt::Key_F5); }
+  void PressF5() {
+    QApplication::setActiveWindow(&window);  // behind a dialog off the screen none is
+    QTest::keyClick(&window, Qt::Key_F5);
+  }
   bool Ends() {
     return QTest::qWaitFor([&] { return !Pane().IsRunning(); }, 10000);
   }
@@ -136,6 +139,22 @@ TEST_F(Preview, SaysWhyNothingIsRun) {
   ASSERT_TRUE(Ends());
   EXPECT_TRUE(Pane().Failure().contains("does not know TOP")) << Utf8(Pane().Failure());
   EXPECT_EQ(Faulty(), "TOP");
+}
+
+TEST_F(Preview, ParametersAreAskedForFirst) {
+  OpenSampleWith({"Employees"});
+  window.SetSyntax("MSSQL");
+  Type("SELECT LastName FROM Employees WHERE EmployeeID = ?PARAM(Who, 3, Id, integer) AND nofunc() = 1");
+  WithDialog([&] { PressF5(); }, [](QDialog& dialog) { dialog.reject(); });
+  EXPECT_FALSE(Pane().IsRunning() || !Pane().Failure().isEmpty()) << "cancelled";
+  WithDialog([&] { PressF5(); }, [](QDialog& dialog) { dialog.accept(); });
+  ASSERT_TRUE(Ends());
+  EXPECT_TRUE(Pane().Failure().contains("nofunc")) << Utf8(Pane().Failure());
+  EXPECT_EQ(Faulty(), "") << "the place behind a value is another one in the text";
+  Type("SELECT LastName FROM Employees WHERE EmployeeID = ?PARAM(Who, 3, Id, integer)");
+  WithDialog([&] { PressF5(); }, [](QDialog& dialog) { dialog.accept(); });
+  ASSERT_TRUE(Ends());
+  EXPECT_EQ(Pane().Rows().RowsHeld(), 1u) << Utf8(Pane().Failure());
 }
 
 TEST_F(Preview, TheWindowNeverWaits) {
