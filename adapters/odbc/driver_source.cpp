@@ -9,7 +9,9 @@
 #include <span>
 #include <system_error>
 #include <utility>
+#include <vector>
 
+#include "adapters/odbc/data_sources.h"
 #include "base/error.h"
 #include "base/text.h"
 
@@ -177,7 +179,7 @@ bool NamesSource(const ConnectionString& connectionString) {
 }
 
 DriverSource MakeDriverSource(const ConnectionString& connectionString, std::string_view user,
-                              std::string_view password, Purpose purpose, const std::vector<DataSourceName>& sources) {
+                              std::string_view password, Purpose purpose) {
   Parts parts = DriverParts(connectionString, user, password);
   const bool namesSource =
       std::ranges::any_of(kSourceKeys, [&](std::string_view key) { return Find(parts, key).has_value(); });
@@ -186,6 +188,7 @@ DriverSource MakeDriverSource(const ConnectionString& connectionString, std::str
                 "The connection string names no data source (DSN=...) and no driver (Driver={...}).");
   }
   Secrets secrets = SecretsOf(parts);
+  const std::vector<DataSourceName> sources = ConfiguredSources();
   if (DriverHasName(parts, sources, "sqlite")) PrepareForSqlite(parts);
   if (purpose == Purpose::Rows &&
       (DriverHasName(parts, sources, "postgre") || DriverHasName(parts, sources, "psqlodbc"))) {

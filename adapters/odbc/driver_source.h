@@ -4,11 +4,9 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "adapters/odbc/odbc_handle.h"
 #include "platform/connection_string.h"
-#include "platform/provider.h"
 
 namespace zrqrybld::odbc {
 
@@ -23,9 +21,9 @@ struct DriverSource {
   Secrets secrets;
 };
 
-/// The string in the driver's own terms; `sources` are the configured data sources. `user` and `password` take the
+/// The string in the driver's own terms. `user` and `password` take the
 /// place of those of the string. Error 3706 when it names no source, or a file of SQLite that cannot be read.
 DriverSource MakeDriverSource(const ConnectionString& connectionString, std::string_view user,
-                              std::string_view password, Purpose purpose, const std::vector<DataSourceName>& sources);
+                              std::string_view password, Purpose purpose);
 
 }  // namespace zrqrybld::odbc

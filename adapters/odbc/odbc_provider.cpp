@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "adapters/odbc/data_sources.h"
 #include "adapters/odbc/driver_source.h"
 #include "adapters/odbc/odbc_session.h"
 #include "base/text.h"
@@ -17,9 +18,10 @@ bool OdbcProvider::Accepts(const ConnectionString& connectionString) const {
 
 std::unique_ptr<Session> OdbcProvider::Open(const ConnectionString& connectionString, std::string_view user,
                                             std::string_view password) {
-  odbc::DriverSource source =
-      odbc::MakeDriverSource(connectionString, user, password, odbc::Purpose::Catalogue, DataSources());
+  odbc::DriverSource source = odbc::MakeDriverSource(connectionString, user, password, odbc::Purpose::Catalogue);
   return std::make_unique<odbc::OdbcSession>(source.text, std::move(source.secrets));
 }
+
+std::vector<DataSourceName> OdbcProvider::DataSources() { return odbc::ConfiguredSources(); }
 
 }  // namespace zrqrybld

@@ -6,7 +6,6 @@
 
 #include "adapters/odbc/driver_source.h"
 #include "adapters/odbc/odbc_handle.h"
-#include "adapters/odbc/odbc_provider.h"
 #include "adapters/odbc/odbc_text.h"
 #include "adapters/odbc/odbc_types.h"
 #include "adapters/run/source_sql.h"
@@ -158,8 +157,7 @@ class OdbcRunner final : public QueryRunner {
 }  // namespace odbc
 
 std::unique_ptr<QueryRunner> OpenOdbcRunner(const ConnectionString& connectionString) {
-  return std::make_unique<odbc::OdbcRunner>(
-      odbc::MakeDriverSource(connectionString, {}, {}, odbc::Purpose::Rows, OdbcProvider().DataSources()));
+  return std::make_unique<odbc::OdbcRunner>(odbc::MakeDriverSource(connectionString, {}, {}, odbc::Purpose::Rows));
 }
 
 }  // namespace zrqrybld
