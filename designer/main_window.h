@@ -59,6 +59,7 @@ class MainWindow : public QMainWindow {
  private:
   void MakeDocument();
   void MakeMenus();
+  void MakeEditMenu();
   void MakeToolBar();
   void AskForDatabase();
   void AskForConnection();
@@ -71,6 +72,8 @@ class MainWindow : public QMainWindow {
   void SyntaxChosen(int index);
   void WidenColumns();
   void UpdateState();
+  void UpdateHistory();
+  void ShowSyntax();
   /// Runs a command; an error becomes its message.
   static QString Guarded(const std::function<void()>& command);
 
@@ -79,6 +82,8 @@ class MainWindow : public QMainWindow {
   QString sourceName_;
   QComboBox* syntax_ = nullptr;
   QLabel* source_ = nullptr;
+  QAction* undo_ = nullptr;
+  QAction* redo_ = nullptr;
   QAction* addTables_ = nullptr;
   QAction* clear_ = nullptr;
   std::vector<EventConnection> links_;

@@ -190,6 +190,9 @@ class qbDiagramPane final : public Control, private DiagramView {
   /// Links the pane to what the designer shares, or to nothing.
   void SetContext(const Ref<QueryContext>& context) { context_ = context; }
   Ref<QueryContext> Context() const override { return context_.lock(); }
+  /// Makes the diagram, which is as `now` says, what `then` says. The selection stays where its object does;
+  /// `ObjectDeactivate` is raised at the end where it went.
+  void Restore(const DiagramState& now, const DiagramState& then);
 
   // --- Window events ---
 
@@ -215,6 +218,9 @@ class qbDiagramPane final : public Control, private DiagramView {
   void OnSurfaceChanged() override;
 
  private:
+  // A box with the place that it had.
+  using BoxPlace = std::pair<Ref<qbEntityList>, TwipsRect>;
+
   // What the pointer is doing while a button is held.
   struct NoGesture {};
   struct MovingBox {
@@ -222,7 +228,7 @@ class qbDiagramPane final : public Control, private DiagramView {
     PixelPoint grip;   // from the box's corner to the pointer, on the surface
     PixelPoint start;  // the pointer at first
     TwipsRect before;
-    std::vector<std::pair<Ref<qbEntityList>, TwipsRect>> others;  // which move along, and where they stood
+    std::vector<BoxPlace> others;  // which move along, and where they stood
     PixelPoint pointer;
     bool moving = false;
   };
@@ -322,6 +328,9 @@ class qbDiagramPane final : public Control, private DiagramView {
   static Ref<qbEntity> EntityOf(const qbEntityList& box);
   static bool IsInDiagram(const Ref<Object>& object);
   void RaiseToTop(const Ref<qbEntityList>& box);
+  void Minimize(qbEntityList& box, bool minimized);
+  void FitToRows(const Ref<qbEntityList>& box);
+  void RecordPlaces(const StepName& name, const std::vector<BoxPlace>& before);
 
   void PaintDiagram(Canvas& canvas, const PixelRect& visible, bool withState) const;
   void PaintRubberLine(Canvas& canvas) const;
@@ -340,6 +349,7 @@ class qbDiagramPane final : public Control, private DiagramView {
   void Drag(Framing& gesture, const MouseEvent& event);
   void Drag(NoGesture&, const MouseEvent&) {}
   void Drop(const MovingBox& gesture, const MouseEvent& event);
+  bool DropOnRow(const MovingBox& gesture, const MouseEvent& event);
   void Drop(const DraggingRow& gesture);
   void Drop(const Framing& gesture);
   Cursor CursorWhileMoving(const MovingBox& gesture, PixelPoint at) const;

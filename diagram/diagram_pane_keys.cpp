@@ -37,7 +37,7 @@ bool qbDiagramPane::OnKeyDown(const KeyEvent& event) {
   if (IsArrow(keyCode) && event.shift == (ShiftCtrl | ShiftShift)) return ResizeSelectedBox(keyCode);
   if (keyCode == KeyCodeSpace && event.shift == ShiftShift) {
     const Ref<qbEntity> entity = SelectedEntity();
-    if (entity) entity->EntityBox()->SetMinimized(!entity->EntityBox()->Minimized());
+    if (entity) Minimize(*entity->EntityBox(), !entity->EntityBox()->Minimized());
     return entity != nullptr;
   }
   if (keyCode == KeyCodeTab && (event.shift == ShiftNone || event.shift == ShiftShift)) {
@@ -160,7 +160,7 @@ void qbDiagramPane::OnFocusChanged(bool focused) {
 bool qbDiagramPane::MoveSelectedBox(std::int32_t keyCode) {
   const Ref<qbEntity> entity = SelectedEntity();
   if (!entity) return false;
-  const StepScope step(Context(), "Move tables");
+  const StepScope step(Context(), kStepNudgeTables);
   const ScreenScale scale = GetSurface().Scale();
   TwipsPoint by;
   if (keyCode == KeyCodeLeft) by.x = -scale.TwipsX(Pixels(horizontal_.step));
@@ -184,7 +184,7 @@ bool qbDiagramPane::MoveSelectedBox(std::int32_t keyCode) {
 bool qbDiagramPane::ResizeSelectedBox(std::int32_t keyCode) {
   const Ref<qbEntity> entity = SelectedEntity();
   if (!entity) return false;
-  const StepScope step(Context(), "Resize table");
+  const StepScope step(Context(), kStepStretchTable, entity->Caption());
   resizeStep_ = std::clamp(resizeStep_ * 5 / 4 + 1, kResizeFirstStep, kResizeLargestStep);
   const ScreenScale scale = GetSurface().Scale();
   PixelRect place = scale.ToPixels(entity->EntityBox()->Bounds());
@@ -327,9 +327,12 @@ bool qbDiagramPane::DeleteSelected() {
     BeforeDeleteObject.Raise(object, cancel);
     return cancel;
   });
-  const StepScope step(Context(), SelectedJoin()          ? "Delete join"
-                                  : alsoSelected_.empty() ? "Remove table"
-                                                          : "Remove tables");
+  const Ref<qbEntity> one = SelectedEntity();
+  const StepScope step(Context(),
+                       !one                    ? kStepDeleteJoin
+                       : alsoSelected_.empty() ? kStepRemoveTable
+                                               : kStepRemoveTables,
+                       one && one->EntityBox() ? one->Caption() : std::string());
   for (const Ref<Object>& object : objects) {
     if (object == selected_) DropSelection();
     if (const auto entity = std::dynamic_pointer_cast<qbEntity>(object)) {

@@ -124,7 +124,7 @@ void qbDiagramPane::ZoomToFit() {
 // --- Arranging ---
 
 void qbDiagramPane::Arrange() {
-  const StepScope step(Context(), "Arrange");
+  const StepScope step(Context(), kStepArrange);
   std::map<const qbEntityList*, std::size_t> positions;
   std::vector<TwipsSize> sizes;
   for (const LoadedBox& loaded : boxes_) {

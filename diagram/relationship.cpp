@@ -1,6 +1,7 @@
 #include "diagram/relationship.h"
 
 #include "base/error.h"
+#include "diagram/diagram_state.h"
 #include "diagram/entity.h"
 
 namespace zrqrybld {
@@ -59,6 +60,27 @@ std::int32_t qbRelationship::Kind() const {
   const std::optional<double> number = itemData_.Number();
   if (!number || !(*number >= 0 && *number < 65536)) return 0;
   return static_cast<std::int32_t>(*number) & (JoinAllOfTarget | JoinAllOfSource);
+}
+
+JoinFacts qbRelationship::Facts() const {
+  return {itemData_, sourceItemIndex_, targetItemIndex_, leftIndicator_, rightIndicator_, leftPicture_, rightPicture_};
+}
+
+const std::shared_ptr<JoinIdentity>& qbRelationship::Identity() {
+  if (!identity_) identity_ = std::make_shared<JoinIdentity>(JoinIdentity{std::weak_ptr(RefTo(*this))});
+  return identity_;
+}
+
+void qbRelationship::Restore(const JoinFacts& facts) {
+  if (facts == Facts()) return;
+  itemData_ = facts.itemData;
+  sourceItemIndex_ = facts.sourceItemIndex;
+  targetItemIndex_ = facts.targetItemIndex;
+  leftIndicator_ = facts.leftIndicator;
+  rightIndicator_ = facts.rightIndicator;
+  leftPicture_ = facts.leftPicture;
+  rightPicture_ = facts.rightPicture;
+  NotifyEnd(Source());
 }
 
 void qbRelationship::Detach() {

@@ -84,6 +84,11 @@ void qbSQLPane::TextEdited() {
   SQLChanged.Raise();
 }
 
+void qbSQLPane::ShowTyped(const std::string& text) {
+  textArea_->SetText(text);
+  TextEdited();
+}
+
 void qbSQLPane::SetEdited(bool edited) {
   const bool changed = edited != edited_;
   edited_ = edited;
@@ -196,16 +201,19 @@ bool qbSQLPane::ParseSQLStatement(const std::string& sql) {
   if (!context || !DialectFor(syntax_).canBeParsed) {
     throw Error(ErrorParsingText, "Parsing not support for the selected SQL Syntax.");
   }
-  context->SetState(InfoParsingSQL);
-  try {
-    const ScopedValue busy(busy_, true);
-    context->RaiseInfo(InfoParsingSQL, sql);
-    context->LoadStatement(sql);
-  } catch (const std::exception& cause) {
-    throw WrapError(ErrorParsingText, "An error occured while parsing the text.", cause);
+  {
+    const StepScope step(context, kStepApplyStatement);
+    context->SetState(InfoParsingSQL);
+    try {
+      const ScopedValue busy(busy_, true);
+      context->RaiseInfo(InfoParsingSQL, sql);
+      context->LoadStatement(sql);
+    } catch (const std::exception& cause) {
+      throw WrapError(ErrorParsingText, "An error occured while parsing the text.", cause);
+    }
+    context->SetState(InfoDone);
+    context->QueryChanged();
   }
-  context->SetState(InfoDone);
-  Refresh();
   context->RaiseInfo(InfoDone, static_cast<std::int32_t>(InfoParsingSQL));
   return true;
 }
