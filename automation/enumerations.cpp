@@ -43,6 +43,10 @@ constexpr EnumerationMember kLanguageID[] = {
     MEMBER(LanguageZoomExprCaption),
     MEMBER(LanguageZoomExprAcceptButton),
     MEMBER(LanguageZoomExprCancelButton),
+    MEMBER(LanguageParametersCaption),
+    MEMBER(LanguageParametersStatement),
+    MEMBER(LanguageParametersAcceptButton),
+    MEMBER(LanguageParametersCancelButton),
 };
 constexpr EnumerationMember kOLEDropMode[] = {MEMBER(OLEDropNone), MEMBER(OLEDropManual)};
 constexpr EnumerationMember kError[] = {MEMBER(ErrorInvalidResFile), MEMBER(ErrorInvalidCellReference),

@@ -49,7 +49,7 @@ class ScriptedDialogs final : public Dialogs {
     return shown.object->ConnectionString();
   }
 
-  // Scripts save and rename by members of their own: these two are only recorded.
+  // Scripts save, rename and put in values by members of their own: these are only recorded.
   std::string ShowSaveFile(const SaveFileDialog& dialog) override {
     Record("SaveFile", dialog.caption);
     return {};
@@ -57,6 +57,10 @@ class ScriptedDialogs final : public Dialogs {
   std::optional<std::string> ShowTextPrompt(const TextDialog& dialog) override {
     Record("TextPrompt", dialog.caption);
     return std::nullopt;
+  }
+  bool ShowParameters(ParametersDialog& dialog) override {
+    Record("Parameters", dialog.caption);
+    return false;
   }
 
  private:

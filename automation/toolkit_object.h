@@ -27,7 +27,8 @@ class ToolkitMessage final : public Object {
       : kind_(std::move(kind)), text_(std::move(text)), icon_(icon) {}
   std::string_view TypeName() const override { return "ToolkitMessage"; }
 
-  /// "MessageBox", "ShowTables", "JoinProperties", "ConnectionPrompt", "Expression", "SaveFile" or "TextPrompt".
+  /// "MessageBox", "ShowTables", "JoinProperties", "ConnectionPrompt", "Expression", "SaveFile", "TextPrompt" or
+  /// "Parameters".
   const std::string& Kind() const { return kind_; }
   /// The message, or the dialog's caption.
   const std::string& Text() const { return text_; }

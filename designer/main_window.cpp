@@ -17,6 +17,7 @@
 #include "adapters/qt/connection_choice.h"
 #include "adapters/qt/qt_text.h"
 #include "adapters/sqlite/sqlite_provider.h"
+#include "hub/parameter_form.h"
 #include "platform/connection_string.h"
 #if ZRQRYBLD_HAS_ODBC
 #include "adapters/odbc/odbc_provider.h"
@@ -109,6 +110,7 @@ void MainWindow::MakeMenus() {
 
   QMenu* query = menuBar()->addMenu(tr("&Query"));
   addTables_ = query->addAction(tr("&Add Tables..."), QKeySequence(Qt::Key_F7), this, &MainWindow::PickTables);
+  query->addAction(tr("&Parameters..."), this, &MainWindow::AskForParameters);
   clear_ = query->addAction(tr("&Clear"), this, [this] { designer_->QueryBuilder().DiagramPane()->Clear(); });
 
   const auto diagram = [this]() -> qbDiagramPane& { return *designer_->QueryBuilder().DiagramPane(); };
@@ -286,6 +288,21 @@ void MainWindow::UpdateState() {
 
 void MainWindow::PickTables() {
   const QString error = Guarded([this] { designer_->QueryBuilder().ShowTables(); });
+  if (!error.isEmpty()) ShowError(error);
+}
+
+void MainWindow::AskForParameters() {
+  const QString error = Guarded([this] {
+    qbQueryBuilder& hub = designer_->QueryBuilder();
+    const std::string sql = hub.SQLPane()->SQLStatement();
+    const std::optional<std::vector<ParameterValue>> values = AskParameters(hub, sql);
+    if (values && values->empty()) {
+      QMessageBox::information(this, windowTitle(),
+                               tr("This statement has no parameters.\n\nA criterion such as\n"
+                                  "    >= ?PARAM(From which day, 2020-01-01, FromDay, date)\n"
+                                  "asks for its value: prompt, default, name and data type."));
+    }
+  });
   if (!error.isEmpty()) ShowError(error);
 }
 

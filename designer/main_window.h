@@ -69,6 +69,7 @@ class MainWindow : public QMainWindow {
   void OpenDropped(const QString& file);
   void UpdateTitle();
   void PickTables();
+  void AskForParameters();
   void SyntaxChosen(int index);
   void WidenColumns();
   void UpdateState();

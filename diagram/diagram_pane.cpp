@@ -4,11 +4,11 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <set>
 #include <utility>
 
 #include "base/scoped_value.h"
 #include "base/text.h"
-#include "diagram/placement.h"
 #include "platform/stored_values.h"
 
 namespace zrqrybld {
@@ -65,13 +65,14 @@ Ref<qbEntityList> qbDiagramPane::LoadBox() {
   box->SetBackColor(entityBackColor_);
   box->SetImages(itemsImageList_);
   TwipsRect bounds = box->Bounds();
-  const TwipsPoint place = PlaceFor(*box);
+  const TwipsPoint place = places_.FindPlace({bounds.width, bounds.height}, RulesOfPlacement());
   bounds.left = place.x;
   bounds.top = place.y;
   box->SetBounds(bounds);
 
   qbEntityList* const self = box.get();
-  LoadedBox loaded{box, {}};
+  LoadedBox& loaded = boxes_[self];
+  loaded.place = places_.Add(box->Bounds());
   loaded.links.push_back(box->Move.Connect([this, self] { BoxMoved(*self); }));
   loaded.links.push_back(box->Changed.Connect([this] {
     rowMarksStale_ = true;
@@ -81,12 +82,6 @@ Ref<qbEntityList> qbDiagramPane::LoadBox() {
   loaded.links.push_back(box->RelationshipAdd.Connect([this](const Ref<Object>&) { Refresh(); }));
   loaded.links.push_back(box->RelationshipChange.Connect([this](const Ref<Object>& join) { JoinChanged(join); }));
   loaded.links.push_back(box->RelationshipRemove.Connect([this](const Ref<Object>&) { JoinRemoved(); }));
-  boxes_.push_back(std::move(loaded));
-  BoxFacts& facts = facts_[self];
-  facts.right = box->Bounds().Right();
-  facts.bottom = box->Bounds().Bottom();
-  rights_.insert(facts.right.Value());
-  bottoms_.insert(facts.bottom.Value());
   return box;
 }
 
@@ -103,11 +98,9 @@ void qbDiagramPane::UnloadBox(const Ref<qbEntityList>& box) {
   if (keyJoin_ && keyJoin_->box == box) keyJoin_.reset();
   std::erase_if(alsoSelected_, [](const Ref<qbEntity>& entity) { return !entity->EntityBox(); });
   rowMarksStale_ = true;
-  std::erase_if(boxes_, [&](const LoadedBox& loaded) { return loaded.box == box; });
-  if (const auto facts = facts_.find(box.get()); facts != facts_.end()) {
-    rights_.erase(rights_.find(facts->second.right.Value()));
-    bottoms_.erase(bottoms_.find(facts->second.bottom.Value()));
-    facts_.erase(facts);
+  if (const auto loaded = boxes_.find(box.get()); loaded != boxes_.end()) {
+    places_.Remove(loaded->second.place);
+    boxes_.erase(loaded);
   }
   std::erase(stacking_, box);
   UpdateScrollBars();
@@ -118,11 +111,10 @@ Ref<qbLine> qbDiagramPane::LoadLine(const Ref<qbRelationship>& relationship, con
                                     const Ref<qbEntityList>& target) {
   rowMarksStale_ = true;
   // Lines between the same two boxes run side by side: each takes the first lane that is free.
-  std::vector<Ref<qbLine>>& atSource = facts_[source.get()].lines;
-  const auto targetFacts = facts_.find(target.get());
-  const bool fewerAtTarget = targetFacts != facts_.end() && targetFacts->second.lines.size() < atSource.size();
+  std::vector<Ref<qbLine>>& atSource = boxes_[source.get()].lines;
+  std::vector<Ref<qbLine>>& atTarget = boxes_[target.get()].lines;
   std::set<int> taken;
-  for (const Ref<qbLine>& line : fewerAtTarget ? targetFacts->second.lines : atSource) {
+  for (const Ref<qbLine>& line : atTarget.size() < atSource.size() ? atTarget : atSource) {
     const bool same = (line->SourceBox() == source && line->TargetBox() == target) ||
                       (line->SourceBox() == target && line->TargetBox() == source);
     if (same) taken.insert(line->Lane());
@@ -131,7 +123,7 @@ Ref<qbLine> qbDiagramPane::LoadLine(const Ref<qbRelationship>& relationship, con
   while (taken.contains(lane)) ++lane;
   const Ref<qbLine> line = lines_.emplace_back(std::make_shared<qbLine>(relationship, source, target, lane));
   atSource.push_back(line);
-  if (target != source && targetFacts != facts_.end()) targetFacts->second.lines.push_back(line);
+  if (target != source) atTarget.push_back(line);
   return line;
 }
 
@@ -139,10 +131,15 @@ void qbDiagramPane::UnloadLine(const Ref<qbLine>& line) {
   if (hover_.line == line) hover_ = {};
   rowMarksStale_ = true;
   for (const Ref<qbEntityList>& box : {line->SourceBox(), line->TargetBox()}) {
-    if (const auto facts = facts_.find(box.get()); facts != facts_.end()) std::erase(facts->second.lines, line);
+    if (const auto loaded = boxes_.find(box.get()); loaded != boxes_.end()) std::erase(loaded->second.lines, line);
   }
   std::erase(lines_, line);
   Refresh();
+}
+
+std::vector<Ref<qbLine>> qbDiagramPane::LinesAt(const qbEntityList& box) const {
+  const auto loaded = boxes_.find(&box);
+  return loaded == boxes_.end() ? std::vector<Ref<qbLine>>() : loaded->second.lines;
 }
 
 void qbDiagramPane::FitBox(const Ref<qbEntityList>& box) {
@@ -151,8 +148,9 @@ void qbDiagramPane::FitBox(const Ref<qbEntityList>& box) {
   bounds.width = size.width;
   bounds.height = size.height;
   box->SetBounds(bounds);
-  if (!CoversAnother(*box)) return;
-  const TwipsPoint place = PlaceFor(*box);
+  const auto loaded = boxes_.find(box.get());
+  if (loaded == boxes_.end() || !places_.IsCovered(loaded->second.place)) return;
+  const TwipsPoint place = places_.FindPlace(size, RulesOfPlacement(), loaded->second.place);
   bounds.left = place.x;
   bounds.top = place.y;
   box->SetBounds(bounds);
@@ -167,42 +165,18 @@ void qbDiagramPane::FitToRows(const Ref<qbEntityList>& box) {
   box->SetBounds({bounds.left, bounds.top, size.width, size.height});
 }
 
-bool qbDiagramPane::CoversAnother(const qbEntityList& box) const {
-  return std::ranges::any_of(boxes_, [&](const LoadedBox& other) {
-    return other.box.get() != &box && other.box->Bounds().Overlaps(box.Bounds());
-  });
-}
-
-TwipsPoint qbDiagramPane::PlaceFor(const qbEntityList& box) const {
-  std::vector<TwipsRect> others;
-  others.reserve(boxes_.size());
-  for (const LoadedBox& loaded : boxes_) {
-    if (loaded.box.get() != &box) others.push_back(loaded.box->Bounds());
-  }
+PlacementRules qbDiagramPane::RulesOfPlacement() const {
   const ScreenScale scale = GetSurface().Scale();
-  const PlacementRules rules{scale.TwipsX(GetSurface().ViewSize().width / zoom_ - kSurfaceMargin * 2),
-                             scale.TwipsY(Pixels(vertical_.maximum + vertical_.page) / zoom_), scale.TwipsX(kGap),
-                             scale.TwipsY(kRowStep)};
-  return FindPlace({box.Bounds().width, box.Bounds().height}, others, rules);
+  return {scale.TwipsX(GetSurface().ViewSize().width / zoom_ - kSurfaceMargin * 2),
+          scale.TwipsY(Pixels(vertical_.maximum + vertical_.page) / zoom_), scale.TwipsX(kGap), scale.TwipsY(kRowStep)};
 }
 
 void qbDiagramPane::BoxMoved(const qbEntityList& box) {
-  for (const Ref<qbLine>& line : facts_[&box].lines) line->Invalidate();
-  RememberReach(box);
+  LoadedBox& loaded = boxes_[&box];
+  for (const Ref<qbLine>& line : loaded.lines) line->Invalidate();
+  places_.Move(loaded.place, box.Bounds());
   UpdateScrollBars();
   Refresh();
-}
-
-void qbDiagramPane::RememberReach(const qbEntityList& box) {
-  BoxFacts& facts = facts_[&box];
-  const auto replace = [](std::multiset<double>& reached, Twips& before, Twips now) {
-    if (before == now) return;
-    reached.erase(reached.find(before.Value()));
-    reached.insert(now.Value());
-    before = now;
-  };
-  replace(rights_, facts.right, box.Bounds().Right());
-  replace(bottoms_, facts.bottom, box.Bounds().Bottom());
 }
 
 Ref<qbEntity> qbDiagramPane::EntityOf(const qbEntityList& box) {
@@ -235,9 +209,9 @@ void qbDiagramPane::JoinChanged(const Ref<Object>& relationship) {
 
 // Lines of the same two rows lie beside one another: each takes the first place that is free.
 void qbDiagramPane::KeepApart(qbLine& line) {
-  const auto source = facts_.find(line.SourceBox().get());
-  const auto target = facts_.find(line.TargetBox().get());
-  if (source == facts_.end() || target == facts_.end()) return;
+  const auto source = boxes_.find(line.SourceBox().get());
+  const auto target = boxes_.find(line.TargetBox().get());
+  if (source == boxes_.end() || target == boxes_.end()) return;
   const bool fewerAtSource = source->second.lines.size() <= target->second.lines.size();
   std::set<int> taken;
   for (const Ref<qbLine>& other : (fewerAtSource ? source : target)->second.lines) {
@@ -357,17 +331,17 @@ void qbDiagramPane::AboutBox() {
 
 void qbDiagramPane::ApplyAppearance() {
   const BoxMetrics metrics = CurrentBoxMetrics();
-  for (const LoadedBox& loaded : boxes_) {
-    loaded.box->SetColors({entityForeColor_, entityFrameColor_});
-    loaded.box->SetBackColor(entityBackColor_);
-    loaded.box->SetMetrics(metrics);
+  for (const Ref<qbEntityList>& box : stacking_) {
+    box->SetColors({entityForeColor_, entityFrameColor_});
+    box->SetBackColor(entityBackColor_);
+    box->SetMetrics(metrics);
   }
   Refresh();
 }
 
 void qbDiagramPane::SetItemsImageList(Ref<ImageList> images) {
   itemsImageList_ = std::move(images);
-  for (const LoadedBox& loaded : boxes_) loaded.box->SetImages(itemsImageList_);
+  for (const Ref<qbEntityList>& box : stacking_) box->SetImages(itemsImageList_);
   Refresh();
 }
 

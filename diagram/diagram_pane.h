@@ -6,8 +6,8 @@
 
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -21,6 +21,7 @@
 #include "diagram/entities.h"
 #include "diagram/entity_box.h"
 #include "diagram/join_line.h"
+#include "diagram/placement.h"
 #include "host/query_context.h"
 #include "platform/control.h"
 #include "platform/image.h"
@@ -182,6 +183,9 @@ class qbDiagramPane final : public Control, private DiagramView {
   /// Begins a join at the current column of the selected entity, by keyboard: the user goes to a column of another box
   /// and presses Enter. Returns whether there is a column where a join may begin.
   bool BeginKeyJoin();
+  /// Lets the user look for a table or column by a part of its name; the next one behind the current one is selected.
+  /// Nothing happens while the pane is not linked.
+  void AskAndFind();
   /// Lets the user give the entity another caption. Nothing happens while the pane is not linked.
   void AskForAlias(const Ref<qbEntity>& entity);
 
@@ -213,11 +217,14 @@ class qbDiagramPane final : public Control, private DiagramView {
   void OnKeyUp(const KeyEvent& event) override;
   void OnFocusChanged(bool focused) override;
   std::string ToolTipAt(PixelPoint point) const override;
+  AccessibleTree* Accessible() override;
 
  protected:
   void OnSurfaceChanged() override;
 
  private:
+  friend class DiagramAccess;
+
   // A box with the place that it had.
   using BoxPlace = std::pair<Ref<qbEntityList>, TwipsRect>;
 
@@ -269,17 +276,11 @@ class qbDiagramPane final : public Control, private DiagramView {
     Ref<BoxRow> row;
   };
 
-  // What the pane keeps for each box: its links live as long as the box is loaded.
+  // What the pane keeps for each box while it is loaded.
   struct LoadedBox {
-    Ref<qbEntityList> box;
     std::vector<EventConnection> links;
-  };
-
-  // What the pane knows of a box without asking all others.
-  struct BoxFacts {
     std::vector<Ref<qbLine>> lines;
-    Twips right;  // as it stands in `rights_`
-    Twips bottom;
+    PlacedBoxes::Id place = 0;
   };
 
   // What lies under a point of the pane.
@@ -297,19 +298,18 @@ class qbDiagramPane final : public Control, private DiagramView {
   Ref<qbLine> LoadLine(const Ref<qbRelationship>& relationship, const Ref<qbEntityList>& source,
                        const Ref<qbEntityList>& target) override;
   void UnloadLine(const Ref<qbLine>& line) override;
+  std::vector<Ref<qbLine>> LinesAt(const qbEntityList& box) const override;
   void FitBox(const Ref<qbEntityList>& box) override;
 
   BoxMetrics CurrentBoxMetrics() const;
   void ApplyAppearance();
-  TwipsPoint PlaceFor(const qbEntityList& box) const;
-  bool CoversAnother(const qbEntityList& box) const;
+  PlacementRules RulesOfPlacement() const;
   template <class T>
   void Store(T& property, const T& value, std::string_view key) {
     property = value;
     PropertyChanged.Raise(key);
   }
   void BoxMoved(const qbEntityList& box);
-  void RememberReach(const qbEntityList& box);
   void BoxRowChecked(const qbEntityList& box, const Ref<BoxRow>& row);
   void JoinChanged(const Ref<Object>& relationship);
   void JoinRemoved();
@@ -378,6 +378,12 @@ class qbDiagramPane final : public Control, private DiagramView {
   bool IsKeyJoinTarget() const;
   bool RequestTables();
   bool TypeAhead(std::string_view text);
+  // A table and one of its rows; row 0 is its caption.
+  struct FoundPlace {
+    Ref<qbEntity> entity;
+    std::size_t row = 0;
+  };
+  FoundPlace FindName(const std::string& part) const;
   bool DeleteSelected();
   bool IsSelected(const Ref<Object>& object) const;
   void SelectAlso(const Ref<qbEntity>& entity);
@@ -399,12 +405,10 @@ class qbDiagramPane final : public Control, private DiagramView {
 
   WeakRef<QueryContext> context_;
   Ref<qbEntities> entities_;
-  std::vector<LoadedBox> boxes_;             // in order of loading: placement depends on it
+  std::unordered_map<const qbEntityList*, LoadedBox> boxes_;
+  PlacedBoxes places_;
   std::vector<Ref<qbEntityList>> stacking_;  // from the bottom to the top
   std::vector<Ref<qbLine>> lines_;
-  std::unordered_map<const qbEntityList*, BoxFacts> facts_;
-  std::multiset<double> rights_;  // how far each box reaches, in twips: the last is how far the diagram does
-  std::multiset<double> bottoms_;
   Ref<Object> selected_;
   std::vector<Ref<qbEntity>> alsoSelected_;  // besides `selected_`, which is an entity then
   std::optional<KeyJoin> keyJoin_;
@@ -422,11 +426,13 @@ class qbDiagramPane final : public Control, private DiagramView {
   bool spaceWasUsed_ = false;
   int resizeStep_ = 0;  // grows while the key is held
   std::string typedAhead_;
+  std::string sought_;  // by name, last
   std::chrono::steady_clock::time_point typedAheadAt_;
   // Rows with a join, and those of the selected join; made anew when the joins have changed.
   mutable std::unordered_set<const BoxRow*> joinedRows_;
   mutable std::unordered_set<const BoxRow*> markedRows_;
   mutable bool rowMarksStale_ = true;
+  std::unique_ptr<AccessibleTree> access_;  // made when it is asked for
 
   bool entityMinimizeButton_ = true;
   OLEDropModeEnum oleDropMode_ = OLEDropNone;

@@ -124,6 +124,9 @@ bool qbDiagramPane::OnControlKey(std::int32_t keyCode, const KeyEvent& event) {
       return true;
     case 'C':
       return CopyPicture();
+    case 'F':
+      AskAndFind();
+      return Context() != nullptr;
     case 'J':
       return keyJoin_ ? EnterSelected() : BeginKeyJoin();
     default:
@@ -315,6 +318,51 @@ bool qbDiagramPane::TypeAhead(std::string_view text) {
   const std::size_t row = box.FindRow(typedAhead_, after);
   if (row != 0) GoToRow(row);
   return true;
+}
+
+// --- Finding ---
+
+// The next caption or row behind the current one that holds the text in any letter case, from the beginning again
+// behind the last one.
+qbDiagramPane::FoundPlace qbDiagramPane::FindName(const std::string& part) const {
+  const std::string wanted = FoldCase(part);
+  const Ref<qbEntity> current = SelectedEntity();
+  const std::size_t currentRow = current ? current->EntityBox()->SelectedRow() : 0;
+  FoundPlace first;
+  bool behind = current == nullptr;
+  for (std::int32_t i = 1; i <= entities_->Count(); ++i) {
+    const Ref<qbEntity> entity = entities_->Item(i);
+    const BoxRows& rows = entity->EntityBox()->Rows();
+    for (std::size_t row = 0; row <= rows.Count(); ++row) {
+      const std::string& text = row == 0 ? entity->Caption() : rows.At(row)->Text();
+      if (FoldCase(text).find(wanted) != std::string::npos) {
+        if (behind) return {entity, row};
+        if (!first.entity) first = {entity, row};
+      }
+      behind = behind || (entity == current && row == currentRow);
+    }
+  }
+  return first;
+}
+
+void qbDiagramPane::AskAndFind() {
+  const Ref<QueryContext> context = Context();
+  if (!context) return;
+  TextDialog dialog{"Find", "&Part of the name of a table or column:", sought_};
+  dialog.problem = [this](const std::string& text) -> std::string {
+    if (text.empty()) return " ";
+    return FindName(text).entity ? "" : "No table or column of the diagram has this in its name.";
+  };
+  const std::optional<std::string> part = context->GetToolkit().GetDialogs().ShowTextPrompt(dialog);
+  if (!part || part->empty()) return;
+  sought_ = *part;
+  const FoundPlace found = FindName(sought_);
+  if (!found.entity) return;
+  SelectObject(found.entity);
+  if (SelectedEntity() != found.entity) return;  // a listener has decided otherwise
+  RaiseToTop(found.entity->EntityBox());
+  ScrollIntoView(GetSurface().Scale().ToPixels(found.entity->EntityBox()->Bounds()));
+  if (found.row != 0) GoToRow(found.row);
 }
 
 // Listeners are asked about each; what they keep stays selected when it is the selected object.

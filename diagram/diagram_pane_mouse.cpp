@@ -43,6 +43,7 @@ qbDiagramPane::PaneHit qbDiagramPane::HitTest(PixelPoint point) const {
   Ref<qbLine> nearest;
   Pixels reach = kLineReach / zoom_;
   for (const Ref<qbLine>& line : lines_) {
+    if (!line->Area(scale).Inset(-reach).Contains(onSurface)) continue;
     const Pixels distance = line->DistanceTo(onSurface, scale);
     if (distance > reach) continue;
     reach = distance;  // of two that are as near, the upper one
@@ -325,9 +326,9 @@ void qbDiagramPane::Drop(const Framing& gesture) {
   if (!gesture.framing) return;
   const TwipsRect frame = GetSurface().Scale().ToTwips(Frame(gesture, ToSurface(gesture.pointer)));
   std::vector<Ref<qbEntity>> group = SelectedEntities();
-  for (const LoadedBox& loaded : boxes_) {
-    const Ref<qbEntity> entity = EntityOf(*loaded.box);
-    if (entity && loaded.box->Bounds().Overlaps(frame) && !IsSelected(entity)) group.push_back(entity);
+  for (std::int32_t i = 1; i <= entities_->Count(); ++i) {
+    const Ref<qbEntity> entity = entities_->Item(i);
+    if (entity->EntityBox()->Bounds().Overlaps(frame) && !IsSelected(entity)) group.push_back(entity);
   }
   SelectGroup(std::move(group));
 }

@@ -8,12 +8,6 @@ namespace {
 
 constexpr Pixels kLineReach = 16_px;  // how far a line's ends and bends reach beyond its points
 
-PixelRect AreaOf(const std::vector<PixelPoint>& points) {
-  PixelRect area{points.front().x, points.front().y, 1_px, 1_px};
-  for (const PixelPoint& point : points) area = area.Union({point.x, point.y, 1_px, 1_px});
-  return area.Inset(-kLineReach);
-}
-
 }  // namespace
 
 void qbDiagramPane::Paint(Canvas& canvas, const PixelRect& dirty) const {
@@ -32,6 +26,11 @@ void qbDiagramPane::Paint(Canvas& canvas, const PixelRect& dirty) const {
     PaintRubberLine(canvas);
     PaintKeyJoin(canvas);
   }
+  // Without a selected object nothing else says where the keys go.
+  if (focused_ && !selected_) {
+    const PixelSize view = GetSurface().ViewSize();
+    canvas.StrokeRect({1_px, 1_px, view.width - 2_px, view.height - 2_px}, ColorRole::Focus, 2_px);
+  }
   if (keyJoin_) {
     PaintHint(canvas, "Join " + keyJoin_->box->Caption() + "." + keyJoin_->row->Text() +
                           ": go to a column of another table and press Enter. Esc cancels.");
@@ -43,8 +42,7 @@ void qbDiagramPane::PaintDiagram(Canvas& canvas, const PixelRect& visible, bool 
   const ScreenScale scale = GetSurface().Scale();
   UpdateRowMarks();
   const auto paintLine = [&](const Ref<qbLine>& line) {
-    const std::vector<PixelPoint>& points = line->Points(scale);
-    if (points.empty() || !AreaOf(points).Overlaps(visible)) return;
+    if (!line->Area(scale).Inset(-kLineReach).Overlaps(visible)) return;
     line->Paint(canvas, scale, withState && line->Selected(), withState && line == hover_.line);
   };
   // Lines run under the boxes, the selected one on top of everything.

@@ -3,8 +3,8 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
-#include <map>
 #include <string>
+#include <unordered_map>
 
 #include "base/error.h"
 #include "base/text.h"
@@ -46,10 +46,11 @@ PixelRect qbDiagramPane::PlaceOf(const qbEntityList& box) const {
 }
 
 PixelSize qbDiagramPane::ExtentOfBoxes() const {
-  if (rights_.empty()) return {};
+  const std::optional<TwipsPoint> reach = places_.Reach();
+  if (!reach) return {};
   const ScreenScale scale = GetSurface().Scale();
-  const auto reach = [](Pixels edge) { return std::max(edge + kSurfaceMargin * 2, 0_px); };
-  return {reach(scale.PixelsX(Twips(*rights_.rbegin()))), reach(scale.PixelsY(Twips(*bottoms_.rbegin())))};
+  const auto withMargin = [](Pixels edge) { return std::max(edge + kSurfaceMargin * 2, 0_px); };
+  return {withMargin(scale.PixelsX(reach->x)), withMargin(scale.PixelsY(reach->y))};
 }
 
 // --- Scrolling ---
@@ -125,11 +126,13 @@ void qbDiagramPane::ZoomToFit() {
 
 void qbDiagramPane::Arrange() {
   const StepScope step(Context(), kStepArrange);
-  std::map<const qbEntityList*, std::size_t> positions;
+  std::unordered_map<const qbEntityList*, std::size_t> positions;
+  std::vector<Ref<qbEntityList>> boxes;
   std::vector<TwipsSize> sizes;
-  for (const LoadedBox& loaded : boxes_) {
-    positions.emplace(loaded.box.get(), sizes.size());
-    sizes.push_back({loaded.box->Bounds().width, loaded.box->Bounds().height});
+  for (std::int32_t i = 1; i <= entities_->Count(); ++i) {
+    const Ref<qbEntityList>& box = boxes.emplace_back(entities_->Item(i)->EntityBox());
+    positions.emplace(box.get(), sizes.size());
+    sizes.push_back({box->Bounds().width, box->Bounds().height});
   }
   std::vector<BoxLink> links;
   for (std::int32_t i = 1; i <= entities_->Count(); ++i) {
@@ -143,8 +146,8 @@ void qbDiagramPane::Arrange() {
   const ArrangeRules rules{scale.TwipsX(kArrangeColumnGap), scale.TwipsY(kArrangeRowGap),
                            scale.TwipsX(GetSurface().ViewSize().width / zoom_ - kSurfaceMargin * 2)};
   const std::vector<TwipsPoint> places = ArrangeBoxes(sizes, links, rules);
-  for (std::size_t i = 0; i < boxes_.size(); ++i) {
-    boxes_[i].box->SetBounds({places[i].x, places[i].y, sizes[i].width, sizes[i].height});
+  for (std::size_t i = 0; i < boxes.size(); ++i) {
+    boxes[i]->SetBounds({places[i].x, places[i].y, sizes[i].width, sizes[i].height});
   }
 }
 

@@ -14,7 +14,7 @@
 #include "base/variant.h"
 #include "diagram/box_rows.h"
 #include "diagram/box_shape.h"
-#include "diagram/relationship.h"
+#include "diagram/join_facts.h"
 #include "host/properties.h"
 #include "platform/image.h"
 
@@ -28,11 +28,6 @@ struct EntityIdentity {
   std::uint64_t rowsSeen = UINT64_MAX;  ///< the revision of the box's rows that the last state shows
 };
 
-/// A join of the diagram, also while it is not there.
-struct JoinIdentity {
-  WeakRef<qbRelationship> live;  ///< nothing while it is removed
-};
-
 /// A column of a box, without its tick. Its bag of properties is the caller's and comes back as it is.
 struct ItemState {
   std::string text;
@@ -44,18 +39,6 @@ struct ItemState {
   std::string toolTip;
   Ref<qbProperties> properties;
   friend bool operator==(const ItemState&, const ItemState&) = default;
-};
-
-/// What a join says, besides its ends.
-struct JoinFacts {
-  Variant itemData;
-  Variant sourceItemIndex;
-  Variant targetItemIndex;
-  RelationshipIndicatorStyle leftIndicator = IndicatorNone;
-  RelationshipIndicatorStyle rightIndicator = IndicatorNone;
-  Ref<Image> leftPicture;
-  Ref<Image> rightPicture;
-  friend bool operator==(const JoinFacts&, const JoinFacts&) = default;
 };
 
 struct JoinState {
@@ -90,10 +73,6 @@ struct EntityState {
 
 /// The tables in their order.
 using DiagramState = std::vector<std::shared_ptr<const EntityState>>;
-
-/// The table as it is now: `before` itself when it is as it was. Without `withTicks` the ticks are those of `before`.
-std::shared_ptr<const EntityState> StateOf(qbEntity& entity, const std::shared_ptr<const EntityState>& before,
-                                           bool withTicks);
 
 /// How much memory the state takes that `other`, which may be nothing, does not share; roughly, in bytes.
 std::size_t SizeOf(const EntityState& state, const EntityState* other);

@@ -4,6 +4,8 @@
 // the model and the screen never disagree. The pane implements this; the model knows no pane.
 #pragma once
 
+#include <vector>
+
 #include "base/object.h"
 
 namespace zrqrybld {
@@ -30,6 +32,8 @@ class DiagramView {
   virtual Ref<qbLine> LoadLine(const Ref<qbRelationship>& relationship, const Ref<qbEntityList>& source,
                                const Ref<qbEntityList>& target) = 0;
   virtual void UnloadLine(const Ref<qbLine>& line) = 0;
+  /// The lines of all joins that start or end at the box.
+  virtual std::vector<Ref<qbLine>> LinesAt(const qbEntityList& box) const = 0;
 
   /// Gives the box the size that fits its rows; when it then covers another box, it is placed anew.
   virtual void FitBox(const Ref<qbEntityList>& box) = 0;

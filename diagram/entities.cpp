@@ -1,11 +1,15 @@
 #include "diagram/entities.h"
 
+#include <algorithm>
 #include <optional>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
+#include <vector>
 
 #include "base/error.h"
+#include "diagram/entity_state.h"
+#include "diagram/join_line.h"
 #include "diagram/relationships.h"
 #include "host/query_context.h"
 
@@ -27,7 +31,7 @@ Ref<qbEntity> qbEntities::Add(const std::string& key) {
   EntityAdd.Raise(key);
   if (context) {
     context->RaiseInfo(InfoTableAdded, Ref<Object>(entity));
-    context->EntitiesChanged();
+    context->EntitiesChanged(Count());
     context->QueryChanged();
   }
   return entity;
@@ -40,7 +44,7 @@ Ref<qbEntity> qbEntities::Make(const std::string& key) {
   const Ref<qbEntity> entity(new qbEntity(box, owner, relationships));
   relationships->SetParentEntity(entity);
   box->SetEntity(entity);
-  entity->SetCaption(key);
+  box->SetCaption(key);
   entity->SetTagVariant(key);
   entity->SetShowMinimizeButton(view_->EntityMinimizeButton());
   items_.Insert(entity, key);
@@ -48,18 +52,21 @@ Ref<qbEntity> qbEntities::Make(const std::string& key) {
   return entity;
 }
 
-// Joins that start here, then joins of others that end here.
+// Joins that start here, then joins of others that end here, in the order of the diagram. The view knows them without a
+// walk through all entities.
 void qbEntities::RemoveJoinsOf(const Ref<qbEntity>& entity) {
   entity->Relationships()->Clear();
-  for (std::size_t i = 1; i <= items_.Count(); ++i) {
-    const Ref<qbEntity> other = *items_.At(i);
-    for (std::int32_t j = 1; j <= other->Relationships()->Count();) {
-      if (other->Relationships()->Item(j)->Target() == entity) {
-        other->Relationships()->Remove(j);
-      } else {
-        ++j;
-      }
-    }
+  if (!view_ || !entity->EntityBox()) return;
+  std::vector<std::pair<std::pair<std::int32_t, std::int32_t>, Ref<qbRelationship>>> ending;
+  for (const Ref<qbLine>& line : view_->LinesAt(*entity->EntityBox())) {
+    const Ref<qbRelationship> join = line->Relationship();
+    const Ref<qbEntity> source = join ? join->Source() : nullptr;
+    if (source && source->EntityBox()) ending.push_back({{source->Index(), join->Index()}, join});
+  }
+  std::ranges::sort(ending, {}, [](const auto& one) { return one.first; });
+  for (const auto& [place, join] : ending) {
+    const Ref<qbEntity> source = join->Source();  // nothing when a listener has removed the join
+    if (source) source->Relationships()->Remove(join->Index());
   }
 }
 
@@ -72,15 +79,16 @@ void qbEntities::Remove(const Variant& index) {
 
   RemoveJoinsOf(entity);
   if (view_->SelectedObject() == entity) view_->DropSelection();
-  RemoveJoinsOf(entity);                            // which a listener of the selection's end has drawn
-  if (PositionOf(*entity) == items_.kNone) return;  // a handler has removed it meanwhile
-  const std::string caption = entity->Caption();    // a listener may have renamed it
+  RemoveJoinsOf(entity);  // which a listener of the selection's end has drawn
+  const std::size_t position = PositionOf(*entity);
+  if (position == items_.kNone) return;           // a handler has removed it meanwhile
+  const std::string caption = entity->Caption();  // a listener may have renamed it
   TakeOut(entity);
 
   EntityRemove.Raise(key);
   if (context) {
     context->EntityRemoved(caption);
-    context->EntitiesChanged();
+    context->EntitiesChanged(static_cast<std::int32_t>(position));
     context->QueryChanged();
   }
 }
@@ -138,12 +146,12 @@ void qbEntities::RenameTo(const DiagramState& then) {
       changing.emplace_back(entity, &state->facts.caption);
     }
   }
-  for (const auto& [entity, caption] : changing) {
-    items_.Rekey(PositionOf(*entity), "" + std::to_string(PositionOf(*entity)));
-  }
-  for (const auto& [entity, caption] : changing) {
-    items_.Rekey(PositionOf(*entity), *caption);
-    entity->EntityBox()->SetCaption(*caption);
+  std::vector<std::size_t> places;
+  for (const auto& [entity, caption] : changing) places.push_back(PositionOf(*entity));
+  for (const std::size_t place : places) items_.Rekey(place, "\x01" + std::to_string(place));
+  for (std::size_t i = 0; i < changing.size(); ++i) {
+    items_.Rekey(places[i], *changing[i].second);
+    changing[i].first->EntityBox()->SetCaption(*changing[i].second);
   }
 }
 
@@ -197,8 +205,15 @@ void qbEntities::Detach() {
 }
 
 std::size_t qbEntities::PositionOf(const qbEntity& entity) const {
+  const auto isAt = [&](std::size_t position) {
+    return position != items_.kNone && items_.At(position)->get() == &entity;
+  };
+  if (!entity.EntityBox()) return items_.kNone;
+  const std::string& caption = entity.EntityBox()->Caption();
+  if (const std::size_t position = items_.PositionOf(caption); isAt(position)) return position;
+  if (!caption.empty()) return items_.kNone;
   for (std::size_t i = 1; i <= items_.Count(); ++i) {
-    if (items_.At(i)->get() == &entity) return i;
+    if (isAt(i)) return i;  // an empty caption is no key
   }
   return items_.kNone;
 }
@@ -207,12 +222,13 @@ void qbEntities::Rename(qbEntity& entity, const std::string& caption) {
   const std::string before = entity.Caption();
   if (before == caption) return;
   const StepScope step(view_ ? view_->Context() : nullptr, kStepRenameTable, before);
-  items_.Rekey(PositionOf(entity), caption);
+  const std::size_t position = PositionOf(entity);
+  items_.Rekey(position, caption);
   entity.EntityBox()->SetCaption(caption);
   if (!view_) return;
   if (const Ref<QueryContext> context = view_->Context()) {
     context->EntityRenamed(before, caption);
-    context->EntitiesChanged();
+    context->EntitiesChanged(static_cast<std::int32_t>(position));
     context->QueryChanged();
   }
 }

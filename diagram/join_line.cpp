@@ -136,7 +136,14 @@ const std::vector<PixelPoint>& qbLine::Points(const ScreenScale& scale) const {
   points_ = RouteLine({scale.ToPixels(source->Bounds()), source->LineY(sourceRow) + (sourceAtRow_ ? apart : aside)},
                       {scale.ToPixels(target->Bounds()), target->LineY(targetRow) + (targetAtRow_ ? apart : aside)},
                       {kStub, kLaneWidth * lane_});
+  area_ = {points_.front().x, points_.front().y, 1_px, 1_px};
+  for (const PixelPoint& point : points_) area_ = area_.Union({point.x, point.y, 1_px, 1_px});
   return points_;
+}
+
+const PixelRect& qbLine::Area(const ScreenScale& scale) const {
+  static const PixelRect kNowhere{Pixels(-1e12), Pixels(-1e12), 0_px, 0_px};
+  return Points(scale).empty() ? kNowhere : area_;
 }
 
 Pixels qbLine::DistanceTo(PixelPoint point, const ScreenScale& scale) const {

@@ -47,6 +47,9 @@ class qbLine final : public Object {
   /// The bends, in pixels on the surface; none while the join is not complete.
   const std::vector<PixelPoint>& Points(const ScreenScale& scale) const;
 
+  /// The smallest rectangle that holds all bends; empty and far away while the join is not complete.
+  const PixelRect& Area(const ScreenScale& scale) const;
+
   /// How far the point lies from the line; infinitely far while the join is not complete.
   Pixels DistanceTo(PixelPoint point, const ScreenScale& scale) const;
 
@@ -63,6 +66,7 @@ class qbLine final : public Object {
   int twin_ = 0;
   bool selected_ = false;
   mutable std::vector<PixelPoint> points_;
+  mutable PixelRect area_;
   mutable bool sourceAtRow_ = true;
   mutable bool targetAtRow_ = true;
 };

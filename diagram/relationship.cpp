@@ -1,7 +1,6 @@
 #include "diagram/relationship.h"
 
 #include "base/error.h"
-#include "diagram/diagram_state.h"
 #include "diagram/entity.h"
 
 namespace zrqrybld {

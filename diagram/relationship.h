@@ -4,22 +4,19 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "base/object.h"
 #include "base/variant.h"
+#include "diagram/join_facts.h"
 #include "platform/image.h"
 
 namespace zrqrybld {
 
 class qbEntity;
 class qbEntityItem;
-struct JoinFacts;
-struct JoinIdentity;
 class qbLine;
 class qbRelationship;
-
-/// Whether an end of a join line shows a picture.
-enum RelationshipIndicatorStyle : std::int32_t { IndicatorNone = 0, IndicatorImage = 1 };
 
 /// Bits of `qbRelationship::ItemData`.
 enum JoinKindFlag : std::int32_t {

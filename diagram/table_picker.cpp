@@ -29,38 +29,20 @@ SchemaRestrictions RestrictionsFor(const std::vector<Identifier>& parts) {
 }  // namespace
 
 TypeKind KindOfType(std::int32_t code) {
-  switch (static_cast<DataTypeCode>(code)) {
-    case DataTypeCode::SmallInt:
-    case DataTypeCode::Integer:
-    case DataTypeCode::Single:
-    case DataTypeCode::Double:
-    case DataTypeCode::Currency:
-    case DataTypeCode::TinyInt:
-    case DataTypeCode::UnsignedTinyInt:
-    case DataTypeCode::BigInt:
-    case DataTypeCode::Numeric:
+  switch (ValueKindOf(code)) {
+    case ValueKind::Number:
       return TypeKind::Number;
-    case DataTypeCode::Char:
-    case DataTypeCode::WChar:
-    case DataTypeCode::VarChar:
-    case DataTypeCode::LongVarChar:
-    case DataTypeCode::VarWChar:
-    case DataTypeCode::LongVarWChar:
+    case ValueKind::Text:
       return TypeKind::Text;
-    case DataTypeCode::Date:
-    case DataTypeCode::FileTime:
-    case DataTypeCode::DbDate:
-    case DataTypeCode::DbTime:
-    case DataTypeCode::DbTimeStamp:
+    case ValueKind::Date:
       return TypeKind::Date;
-    case DataTypeCode::Boolean:
+    case ValueKind::Boolean:
       return TypeKind::YesNo;
-    case DataTypeCode::Binary:
-    case DataTypeCode::VarBinary:
-    case DataTypeCode::LongVarBinary:
+    case ValueKind::Binary:
       return TypeKind::Binary;
-    case DataTypeCode::Guid:
-      return TypeKind::Other;
+    case ValueKind::Guid:
+    case ValueKind::Unknown:
+      break;
   }
   return TypeKind::Other;
 }

@@ -188,11 +188,14 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   void OnDrop(const std::string& text, const MouseEvent& event) override;
   void OnFocusChanged(bool focused) override;
   std::string ToolTipAt(PixelPoint point) const override;
+  AccessibleTree* Accessible() override;
 
  protected:
   void OnSurfaceChanged() override;
 
  private:
+  friend class GridAccess;
+
   // What the pointer is doing while a button is held.
   struct NoGesture {};
   struct SizingColumn {
@@ -303,6 +306,7 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   mutable std::optional<std::pair<std::size_t, CheckState>> headerState_;
   ScrollState horizontal_;
   ScrollState vertical_;
+  std::unique_ptr<AccessibleTree> access_;  // made when it is asked for
 };
 
 }  // namespace zrqrybld

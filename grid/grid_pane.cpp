@@ -312,15 +312,17 @@ void qbGridPane::SetRowGroupBy(zrGridRow& row) {
 
 // --- Tables ---
 
-// What stands at its place already stays: a table more costs a look at the others, not a list made anew.
-void qbGridPane::RefreshTableList() {
+// What stands at its place already stays: a table more is one entry more, a table less one entry less.
+void qbGridPane::RefreshTableList(std::int32_t from) {
   zrGridComboItems& list = *grdPane_->Columns()->Item("table")->ComboItems();
   const Ref<qbEntities> entities = Entities();
   const std::int32_t count = entities ? entities->Count() : 0;
-  std::int32_t same = 0;
-  while (same < count && same < list.Count() && list.Item(same + 1)->Text() == entities->Item(same + 1)->Caption()) {
-    ++same;
-  }
+  std::int32_t same = std::min({from - 1, count, list.Count()});
+  const auto isSame = [&](std::int32_t entry) {
+    return same < count && entry <= list.Count() && list.Item(entry)->Text() == entities->Item(same + 1)->Caption();
+  };
+  if (!isSame(same + 1) && isSame(same + 2)) list.Remove(same + 1);
+  while (isSame(same + 1)) ++same;
   while (list.Count() > same) list.Remove(list.Count());
   for (std::int32_t i = same + 1; i <= count; ++i) list.Add(entities->Item(i)->Caption());
 }

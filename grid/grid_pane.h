@@ -154,8 +154,8 @@ class qbGridPane final : public Object {
   /// Sorts by a row ("Ascending", "Descending") behind those that are sorted already, or no more (""). Error 9 when
   /// there is no such row.
   void SortRow(std::int32_t row, const std::string& type);
-  /// Refills the list of tables.
-  void RefreshTableList();
+  /// Refills the list of tables; what stands before this position is as it was.
+  void RefreshTableList(std::int32_t from = 1);
   /// A table has left the diagram: its rows go with it.
   void RemoveRowsOf(const std::string& tableName);
   /// A table has got another caption: its rows follow silently. `rewrite` renames it inside a text that was typed: an

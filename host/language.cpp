@@ -47,6 +47,10 @@ constexpr DefaultText kDefaults[] = {
     {LanguageZoomExprCaption, "Zoom Expression"},
     {LanguageZoomExprAcceptButton, "&Accept"},
     {LanguageZoomExprCancelButton, "&Cancel"},
+    {LanguageParametersCaption, "Query Parameters"},
+    {LanguageParametersStatement, "&Statement with these values"},
+    {LanguageParametersAcceptButton, "&Accept"},
+    {LanguageParametersCancelButton, "&Cancel"},
 };
 
 // A caption is a line; a file with longer ones is none of ours.

@@ -44,6 +44,10 @@ enum LanguageIDEnum : std::int32_t {
   LanguageZoomExprCaption = 400,
   LanguageZoomExprAcceptButton = 401,
   LanguageZoomExprCancelButton = 402,
+  LanguageParametersCaption = 500,
+  LanguageParametersStatement = 501,
+  LanguageParametersAcceptButton = 502,
+  LanguageParametersCancelButton = 503,
 };
 
 /// The built-in text of a caption; "" for a number that has none. An ampersand marks the access key.

@@ -1,5 +1,6 @@
 #include "host/query_context.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/error.h"
@@ -69,16 +70,16 @@ void QueryContext::EndStep() {
   const ScopedValue ending(stepEnding_, true);
   const bool writes = std::exchange(changed_, false) && state_ == InfoDone;
   StepMade(step_, writes);
-  if (std::exchange(entitiesChanged_, false)) RefreshTableList();
+  if (const auto from = std::exchange(entitiesChangedFrom_, std::nullopt)) RefreshTableList(*from);
   if (writes) RefreshStatement();
   if (state_ == InfoDone) StepEnded();
 }
 
-void QueryContext::EntitiesChanged() {
+void QueryContext::EntitiesChanged(std::int32_t from) {
   if (stepDepth_ > 0) {
-    entitiesChanged_ = true;
+    entitiesChangedFrom_ = std::min(from, entitiesChangedFrom_.value_or(from));
   } else {
-    RefreshTableList();
+    RefreshTableList(from);
   }
 }
 

@@ -162,9 +162,9 @@ class QueryContext : public Object {
   /// the outermost step; not while the designer is busy. Without a step the change is one by itself.
   void QueryChanged();
 
-  /// The set of entities or their captions have changed. The list of tables follows once, at the end of the outermost
-  /// step.
-  void EntitiesChanged();
+  /// The set of entities, their order or their captions have changed, from this position on. The list of tables follows
+  /// once, at the end of the outermost step.
+  void EntitiesChanged(std::int32_t from);
 
   /// A column was ticked or unticked in its box.
   virtual void ItemChecked(const std::string& entityCaption, const std::string& itemText, bool checked) = 0;
@@ -194,8 +194,8 @@ class QueryContext : public Object {
   /// Writes the statement anew.
   virtual void RefreshStatement() = 0;
 
-  /// Fills the list of tables anew.
-  virtual void RefreshTableList() = 0;
+  /// Fills the list of tables anew; what stands before the position is as it was.
+  virtual void RefreshTableList(std::int32_t from) = 0;
 
   // --- Steps, for whoever remembers them ---
 
@@ -236,7 +236,7 @@ class QueryContext : public Object {
   bool stepEnding_ = false;
   StepLabel step_;
   bool changed_ = false;
-  bool entitiesChanged_ = false;
+  std::optional<std::int32_t> entitiesChangedFrom_;
 };
 
 /// A named step for the length of a scope.

@@ -127,7 +127,7 @@ void qbQueryBuilder::SetDiagramPane(const Ref<qbDiagramPane>& pane) {
   if (diagramPane_ && diagramPane_ != pane) diagramPane_->SetContext(nullptr);
   diagramPane_ = pane;
   if (pane) pane->SetContext(RefTo(*this));
-  EntitiesChanged();
+  EntitiesChanged(1);
   RememberAll();
 }
 
@@ -191,8 +191,8 @@ void qbQueryBuilder::EntityRenamed(const std::string& oldCaption, const std::str
                          [&](std::string_view text) { return RenameQualifier(text, oldCaption, after, rules); });
 }
 
-void qbQueryBuilder::RefreshTableList() {
-  if (gridPane_) gridPane_->RefreshTableList();
+void qbQueryBuilder::RefreshTableList(std::int32_t from) {
+  if (gridPane_) gridPane_->RefreshTableList(from);
 }
 
 void qbQueryBuilder::DiagramCleared() {

@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_map>
 
 #include "diagram/diagram_pane.h"
 #include "expression/schema_cache.h"
@@ -192,6 +193,9 @@ class qbQueryBuilder final : public QueryContext {
   /// The name as it stands in SQL text: in quotes when it needs them.
   std::string QuoteIdentifier(const std::string& name) const;
 
+  /// The values that were given for parameters last, by name or prompt, case-folded; see hub/parameter_form.h.
+  std::unordered_map<std::string, std::string>& RememberedValues() { return rememberedValues_; }
+
   // --- What the panes ask and tell ---
 
   Ref<qbQueryBuilder> Hub() override { return RefTo(*this); }
@@ -216,7 +220,7 @@ class qbQueryBuilder final : public QueryContext {
 
  protected:
   void RefreshStatement() override;
-  void RefreshTableList() override;
+  void RefreshTableList(std::int32_t from) override;
   void StepBegins(const StepLabel& step) override;
   void StepMade(const StepLabel& step, bool writes) override;
   void StepEnded() override;
@@ -248,9 +252,10 @@ class qbQueryBuilder final : public QueryContext {
   std::shared_ptr<SchemaCache> schema_;
   std::optional<Error> lastError_;
   History history_;
-  bool historyChanged_ = false;         // and nobody was told yet
-  bool travelling_ = false;             // a step is being undone or redone
-  std::optional<std::string> typed_;    // what was typed and not applied when the step began
+  bool historyChanged_ = false;       // and nobody was told yet
+  bool travelling_ = false;           // a step is being undone or redone
+  std::optional<std::string> typed_;  // what was typed and not applied when the step began
+  std::unordered_map<std::string, std::string> rememberedValues_;
   std::vector<WeakRef<BoxRow>> noted_;  // rows of boxes that show what the grid does with them
   bool allowJoinProperties_ = false;
   bool connectOnLoad_ = true;

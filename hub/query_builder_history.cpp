@@ -122,7 +122,7 @@ void qbQueryBuilder::Restore(const Design& now, const Design& then) {
     gridPane_->ApplyAliasMaxLen();
   }
   if (now.options != then.options) RestoreOptions(then.options);
-  EntitiesChanged();
+  EntitiesChanged(1);
   QueryChanged();
 }
 

@@ -383,7 +383,7 @@ class Loader final : public QuerySource {
     for (const std::size_t table : order_) order.push_back(tables_[table].entity);
     if (order.size() != static_cast<std::size_t>(entities_->Count())) return;  // listeners have added others
     entities_->Arrange(order);
-    hub_.EntitiesChanged();
+    hub_.EntitiesChanged(1);
   }
 
   // A table whose columns are not known gets those that the statement names.

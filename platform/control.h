@@ -7,6 +7,7 @@
 #include <string>
 
 #include "base/object.h"
+#include "platform/accessible.h"
 #include "platform/canvas.h"
 #include "platform/input.h"
 #include "platform/surface.h"
@@ -56,6 +57,9 @@ class Control : public Object {
 
   /// The tool tip for this place; "" for none.
   virtual std::string ToolTipAt(PixelPoint) const { return {}; }
+
+  /// What the control tells assistive technology; nothing when there is nothing to say but that it is there.
+  virtual AccessibleTree* Accessible() { return nullptr; }
 
  protected:
   /// The surface was changed: fonts and factors may differ.

@@ -92,6 +92,28 @@ struct ExpressionDialog {
   std::shared_ptr<frmExpressionZoom> form = {};
 };
 
+/// One value that a statement wants before it runs.
+struct ParameterField {
+  std::string prompt;         ///< what is asked for; an ampersand is one
+  std::string typeName;       ///< what fits, in words; "" when anything does
+  std::int32_t dataType = 0;  ///< the `DataTypeCode`, which chooses the editor; 0 for any text
+  std::string fallback;       ///< taken when the value is left blank; "" for none
+  std::string value;          ///< set before the dialog opens, and by the user
+};
+
+/// The values of a statement's parameters. An ampersand in a caption marks the access key.
+struct ParametersDialog {
+  std::string caption;
+  std::string statementLabel;
+  std::string acceptButton;
+  std::string cancelButton;
+  std::vector<ParameterField> fields;
+  /// Why a value of a field, counted from 0, cannot be taken, as a sentence; "" when it can.
+  std::function<std::string(std::size_t field, const std::string& value)> problem;
+  /// The statement with values of all fields in place; those that cannot be taken leave their markers.
+  std::function<std::string(const std::vector<std::string>& values)> statement;
+};
+
 /// The windows that stop the user until they are answered.
 class Dialogs {
  public:
@@ -126,6 +148,9 @@ class Dialogs {
 
   /// Lets the user type a text that has no problem. None when cancelled.
   virtual std::optional<std::string> ShowTextPrompt(const TextDialog& dialog) = 0;
+
+  /// Lets the user give values that have no problem. Returns whether they were accepted.
+  virtual bool ShowParameters(ParametersDialog& dialog) = 0;
 };
 
 }  // namespace zrqrybld

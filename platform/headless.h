@@ -149,6 +149,7 @@ class HeadlessDialogs final : public Dialogs {
   std::optional<std::string> ShowTextPrompt(const TextDialog& dialog) override {
     return onShowTextPrompt ? onShowTextPrompt(dialog) : std::nullopt;
   }
+  bool ShowParameters(ParametersDialog& dialog) override { return onShowParameters && onShowParameters(dialog); }
 
   std::vector<Message> messages;
   std::function<void(const TablesDialog&)> onShowTables;
@@ -157,6 +158,7 @@ class HeadlessDialogs final : public Dialogs {
   std::function<std::string(const ConnectionDialog&)> onShowConnectionPrompt;
   std::function<std::string(const SaveFileDialog&)> onShowSaveFile;
   std::function<std::optional<std::string>(const TextDialog&)> onShowTextPrompt;
+  std::function<bool(ParametersDialog&)> onShowParameters;
 };
 
 /// The toolkit of a designer without a window.

@@ -60,6 +60,55 @@ enum class DataTypeCode : std::int32_t {
   LongVarBinary = 205,
 };
 
+/// What the values of a type are.
+enum class ValueKind : std::uint8_t { Unknown, Text, Number, Boolean, Date, Guid, Binary };
+
+/// The kind of a type code; `Unknown` for a code that is none of those known. Dates, times of day and both together
+/// are one kind.
+constexpr ValueKind ValueKindOf(std::int32_t code) {
+  switch (code) {
+    case 8:  // text of an automation interface
+    case 129:
+    case 130:
+    case 200:
+    case 201:
+    case 202:
+    case 203:
+      return ValueKind::Text;
+    case 2:
+    case 3:
+    case 4:
+    case 5:
+    case 6:
+    case 14:  // a decimal number of an automation interface
+    case 16:
+    case 17:
+    case 18:  // the unsigned whole numbers
+    case 19:
+    case 20:
+    case 21:
+    case 131:
+    case 139:  // a number of any length
+      return ValueKind::Number;
+    case 11:
+      return ValueKind::Boolean;
+    case 7:
+    case 64:
+    case 133:
+    case 134:
+    case 135:
+      return ValueKind::Date;
+    case 72:
+      return ValueKind::Guid;
+    case 128:
+    case 204:
+    case 205:
+      return ValueKind::Binary;
+    default:
+      return ValueKind::Unknown;
+  }
+}
+
 /// Bits of a column's `COLUMN_FLAGS`.
 enum ColumnFlag : std::int32_t {
   ColumnWritable = 0x04,

@@ -2,12 +2,13 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 #include <span>
 #include <vector>
 
 #include "base/text.h"
-#include "platform/schema_fields.h"
 #include "sql/date_literal.h"
+#include "sql/literals.h"
 
 namespace zrqrybld {
 namespace {
@@ -34,18 +35,11 @@ bool IsOneOf(std::string_view word, std::span<const std::string_view> words) {
   return std::ranges::any_of(words, [word](std::string_view other) { return EqualsNoCase(word, other); });
 }
 
-bool IsHex(char c) { return IsDigit(c) || (UpperAscii(c) >= 'A' && UpperAscii(c) <= 'F'); }
-
 // A name's text without its quotes.
 std::string Bare(std::string_view name) {
   if (name.size() < 2 || (name[0] != '"' && name[0] != '[' && name[0] != '`')) return std::string(name);
   const char closing = name.back();
   return ReplaceAll(name.substr(1, name.size() - 2), std::string(2, closing), std::string(1, closing));
-}
-
-bool IsDay(std::int32_t type) {
-  return type == static_cast<std::int32_t>(DataTypeCode::Date) ||
-         type == static_cast<std::int32_t>(DataTypeCode::DbDate);
 }
 
 }  // namespace
@@ -59,47 +53,9 @@ CriterionValues::Kind CriterionValues::KindOf(const CriteriaContext& context) {
   for (const std::string_view name : kNumericAggregates) {
     if (StartsWithNoCase(context.aggregate, name)) return Kind::Number;
   }
-  switch (context.dataType) {
-    case 8:  // text of an automation interface
-    case 129:
-    case 130:
-    case 200:
-    case 201:
-    case 202:
-    case 203:
-      return Kind::Text;
-    case 2:
-    case 3:
-    case 4:
-    case 5:
-    case 6:
-    case 14:  // a decimal number of an automation interface
-    case 16:
-    case 17:
-    case 18:  // the unsigned whole numbers
-    case 19:
-    case 20:
-    case 21:
-    case 131:
-    case 139:  // a number of any length
-      return Kind::Number;
-    case 11:
-      return Kind::Boolean;
-    case 7:
-    case 64:
-    case 133:
-    case 134:
-    case 135:
-      return Kind::Date;
-    case 72:
-      return Kind::Guid;
-    case 128:
-    case 204:
-    case 205:
-      return Kind::Binary;
-    default:
-      return context.isLong || !context.prefix.empty() ? Kind::Text : Kind::Unknown;
-  }
+  const Kind kind = ValueKindOf(context.dataType);
+  if (kind != Kind::Unknown) return kind;
+  return context.isLong || !context.prefix.empty() ? Kind::Text : Kind::Unknown;
 }
 
 bool CriterionValues::TakesHashDates(const CriteriaContext& context) { return KindOf(context) == Kind::Date; }
@@ -253,24 +209,11 @@ void CriterionValues::Refuse(std::size_t at, std::string_view what) const {
   ThrowCriterionError(tokens_.All(), tokens_.Offset(at), what);
 }
 
-std::string CriterionValues::Literal(std::string_view value, bool usualQuotes) const {
-  const bool usual = usualQuotes || context_.prefix.empty();
-  const std::string prefix = usual ? "'" : context_.prefix;
-  const std::string suffix = usual || context_.suffix.empty() ? std::string(1, prefix.back()) : context_.suffix;
-  std::string text = prefix;
-  if (prefix.back() == '\'' || prefix.back() == '"') {
-    text += ReplaceAll(value, prefix.substr(prefix.size() - 1), std::string(2, prefix.back()));
-  } else {
-    text += value;
-  }
-  return text + suffix;
-}
-
 std::string CriterionValues::WriteText(std::size_t from, std::size_t to, bool pattern) const {
   tokens_.RequireFinished(from, to);
   const std::string_view bare = tokens_.Slice(from, to);
   const bool inDoubleQuotes = to == from + 1 && tokens_[from].kind == TokenKind::QuotedIdentifier && bare[0] == '"';
-  return Literal(inDoubleQuotes ? Bare(bare) : std::string(bare), pattern && kind_ != Kind::Text);
+  return TextLiteral(inDoubleQuotes ? Bare(bare) : std::string(bare), context_, pattern && kind_ != Kind::Text);
 }
 
 // Writes a bare date, or one between "#" or in an escape, in the chosen form. False when it is none of these.
@@ -295,47 +238,10 @@ bool CriterionValues::WriteDate(std::size_t from, std::size_t to, std::string& t
     case DateReading::Read:
       break;
   }
-  const bool isTime = context_.dataType == static_cast<std::int32_t>(DataTypeCode::DbTime);
-  if (!value.hasDate && !isTime) Refuse(from, "This has no date.");
-  if (context_.dateFormatStyle == DateFormatEscapeSequence) {
-    // A part that was typed is never dropped: what a form has no place for takes the one that has it.
-    if (isTime && !value.hasDate) {
-      text = "{ t '" + FormatDateTime(value, "hh:nn:ss") + "' }";
-    } else if (IsDay(context_.dataType) && !value.hasTime) {
-      text = "{ d '" + FormatDateTime(value, "yyyy-mm-dd") + "' }";
-    } else {
-      text = "{ ts '" + FormatDateTime(value, "yyyy-mm-dd hh:nn:ss") + "' }";
-    }
-    return true;
-  }
-  const bool fits = !value.hasTime || FormatHasTime(context_.dateFormat);
-  if ((!fits || !value.hasDate) && context_.prefix.find('(') != std::string::npos) {
-    Refuse(from, "This does not fit the date format, by which the source reads dates.");
-  }
-  std::string written;
-  if (value.hasDate) written = FormatDateTime(value, context_.dateFormat);
-  if (!value.hasDate || !fits) {
-    written += (written.empty() ? "" : " ") + FormatDateTime(value, "hh:nn:ss");
-  }
-  text = Literal(written);
-  return true;
-}
-
-bool CriterionValues::WriteGuid(std::string_view bare, std::string& text) const {
-  std::string_view digits = bare;
-  if (digits.starts_with('{') && digits.ends_with('}')) digits = digits.substr(1, digits.size() - 2);
-  if (digits.size() != 36) return false;
-  for (std::size_t i = 0; i < digits.size(); ++i) {
-    const bool dash = i == 8 || i == 13 || i == 18 || i == 23;
-    if (dash ? digits[i] != '-' : !IsHex(digits[i])) return false;
-  }
-  text = Literal(bare);
-  return true;
-}
-
-bool CriterionValues::WriteBinary(std::string_view bare, std::string& text) const {
-  if (context_.prefix.empty() || bare.size() % 2 != 0 || !std::ranges::all_of(bare, IsHex)) return false;
-  text = Literal(bare);
+  if (!value.hasDate && !IsTimeOfDay(context_)) Refuse(from, "This has no date.");
+  const std::optional<std::string> literal = DateLiteral(value, context_);
+  if (!literal) Refuse(from, "This does not fit the date format, by which the source reads dates.");
+  text = *literal;
   return true;
 }
 
@@ -362,10 +268,10 @@ std::string CriterionValues::Write(std::size_t from, std::size_t to) const {
       if (WriteDate(from, last, text)) return text;
       break;
     case Kind::Guid:
-      if (WriteGuid(bare, text)) return text;
+      if (IsGuid(bare)) return TextLiteral(bare, context_);
       break;
     case Kind::Binary:
-      if (WriteBinary(bare, text)) return text;
+      if (!context_.prefix.empty() && IsHexBytes(bare)) return TextLiteral(bare, context_);
       if (last == from + 1 && StartsWithNoCase(bare, "0x")) return std::string(bare);
       break;
     case Kind::Text:

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/schema_fields.h"
 #include "sql/criteria_context.h"
 #include "sql/criteria_tokens.h"
 
@@ -28,8 +29,7 @@ class CriterionValues {
   std::string WritePattern(std::size_t from, std::size_t to) const;
 
  private:
-  /// What the bare values of a type are.
-  enum class Kind : std::uint8_t { Unknown, Text, Number, Boolean, Date, Guid, Binary };
+  using Kind = ValueKind;
 
   /// What a run of tokens is made of, when it is read as an expression.
   struct Expression {
@@ -49,9 +49,6 @@ class CriterionValues {
 
   std::string WriteText(std::size_t from, std::size_t to, bool pattern) const;
   bool WriteDate(std::size_t from, std::size_t to, std::string& text) const;
-  bool WriteGuid(std::string_view bare, std::string& text) const;
-  bool WriteBinary(std::string_view bare, std::string& text) const;
-  std::string Literal(std::string_view value, bool usualQuotes = false) const;
   [[noreturn]] void Refuse(std::size_t at, std::string_view what) const;
 
   const CriterionTokens& tokens_;

@@ -49,6 +49,8 @@ constexpr Dialect kDialects[] = {
         .open = "(",
         .close = ")",
         .tableAlias = " AS ",
+        .yes = "1",
+        .no = "0",
     },
     {
         .syntax = SQLSyntaxOracle,
@@ -69,6 +71,8 @@ constexpr Dialect kDialects[] = {
         .open = "(",
         .close = ")",
         .tableAlias = " ",
+        .yes = "1",
+        .no = "0",
     },
     {
         .syntax = SQLSyntaxAccess,
@@ -88,6 +92,7 @@ constexpr Dialect kDialects[] = {
         .open = "(",
         .close = ")",
         .tableAlias = " AS ",
+        .dateQuote = "#",
         .doubleQuotesAreTexts = true,
     },
     {
@@ -108,6 +113,8 @@ constexpr Dialect kDialects[] = {
         .open = "( ",
         .close = " )",
         .tableAlias = " AS ",
+        .yes = "'X'",
+        .no = "' '",
         .canBeParsed = false,
     },
 };

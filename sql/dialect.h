@@ -52,6 +52,10 @@ struct Dialect {
   std::string_view close;
   /// Between a table and its alias in FROM.
   std::string_view tableAlias;
+  /// The literals of the truth values, and what stands around a date where the source tells nothing.
+  std::string_view yes = "True";
+  std::string_view no = "False";
+  std::string_view dateQuote = "'";
   /// Whether a text in double quotes is a literal where it names no column.
   bool doubleQuotesAreTexts = false;
   /// Whether its statements can be read back.

@@ -102,7 +102,7 @@ void qbParameters::AddFromMarker(std::string_view arguments) {
 // --- The text ---
 
 ScannedStatement ScanParameters(std::string_view text, const Ref<QueryContext>& context) {
-  ScannedStatement result{std::make_shared<qbParameters>(context), {}};
+  ScannedStatement result{std::make_shared<qbParameters>(context), {}, {}};
   std::size_t done = 0;
   std::size_t at = 0;
   while ((at = FindNoCase(text, kMarker, at)) != std::string_view::npos) {
@@ -115,6 +115,7 @@ ScannedStatement ScanParameters(std::string_view text, const Ref<QueryContext>& 
     }
     result.parameters->AddFromMarker(text.substr(opening + 1, closing - opening - 1));
     result.text += text.substr(done, at - done);
+    result.markers.push_back({at, closing + 1 - at});
     result.text += PlaceholderOf(static_cast<std::size_t>(result.parameters->Count()));
     at = done = closing + 1;
   }

@@ -6,6 +6,7 @@
 // Arguments may be missing from the right; commas inside quotes and brackets do not separate them.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -71,10 +72,17 @@ class qbParameters final : public Object {
   KeyedList<Ref<qbParameter>> items_;
 };
 
+/// Where a marker stands in a text: `length` bytes from `offset`.
+struct MarkerPlace {
+  std::size_t offset = 0;
+  std::size_t length = 0;
+};
+
 /// A statement taken apart: its parameters, and its text with "?param:n?" in the place of each marker.
 struct ScannedStatement {
   Ref<qbParameters> parameters;
   std::string text;
+  std::vector<MarkerPlace> markers;  ///< in the text that was scanned
 };
 
 /// Finds all markers of a text. A "?PARAM" without parentheses behind it stays as it stands.

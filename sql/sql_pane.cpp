@@ -80,7 +80,7 @@ void qbSQLPane::ShowRemarks() {
 void qbSQLPane::TextEdited() {
   failure_.clear();
   textArea_->SetFault(0, 0);
-  SetEdited(true);
+  SetEdited(textArea_->Text() != written_);  // what is typed back, or undone in the editor, leaves nothing to apply
   SQLChanged.Raise();
 }
 
@@ -189,6 +189,7 @@ void qbSQLPane::Refresh() {
   failure_.clear();
   textArea_->SetFault(0, 0);
   SetEdited(false);
+  written_ = text;
   SetSQLStatement(text);
 }
 

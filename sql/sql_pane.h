@@ -140,6 +140,7 @@ class qbSQLPane final : public Object {
   bool locked_ = false;
   bool busy_ = false;    // a statement is being parsed
   bool edited_ = false;  // the text is the user's
+  std::string written_;  // the text as it was generated last
   std::string failure_;  // why it could not be applied
   bool cartesian_ = false;
   qbJoins joins_;

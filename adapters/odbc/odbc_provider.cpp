@@ -1,189 +1,24 @@
 #include "adapters/odbc/odbc_provider.h"
 
-#include <algorithm>
-#include <cerrno>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <optional>
-#include <span>
 #include <string>
-#include <system_error>
 #include <utility>
 
-#include "adapters/odbc/odbc_handle.h"
+#include "adapters/odbc/driver_source.h"
 #include "adapters/odbc/odbc_session.h"
-#include "base/error.h"
 #include "base/text.h"
 
 namespace zrqrybld {
-namespace {
-
-using Parts = std::vector<std::pair<std::string, std::string>>;
-
-constexpr std::string_view kSourceKeys[] = {"DSN", "Driver", "FileDSN"};
-constexpr std::string_view kUserKeys[] = {"UID", "User", "Username", "User ID"};
-
-// What this way of access is told in other words, and what only the layer above the driver understands.
-constexpr std::pair<std::string_view, std::string_view> kOtherWords[] = {
-    {"Data Source", "DSN"}, {"User ID", "UID"}, {"Password", "PWD"}, {"Initial Catalog", "Database"}};
-constexpr std::string_view kNotForTheDriver[] = {"Provider", "Persist Security Info", "Mode", "Extended Properties"};
-
-// Further parts whose values no message may show.
-constexpr std::string_view kSecretEndings[] = {"token", "secret", "passphrase", "accesskey", "apikey"};
-
-bool EndsWithNoCase(std::string_view text, std::string_view ending) {
-  return text.size() >= ending.size() && EqualsNoCase(text.substr(text.size() - ending.size()), ending);
-}
-
-bool IsOneOf(std::string_view key, std::span<const std::string_view> keys) {
-  return std::ranges::any_of(keys, [key](std::string_view other) { return EqualsNoCase(key, other); });
-}
-
-std::optional<std::string> Find(const Parts& parts, std::string_view key) {
-  const auto part = std::ranges::find_if(parts, [key](const auto& p) { return EqualsNoCase(p.first, key); });
-  if (part == parts.end()) return std::nullopt;
-  return part->second;
-}
-
-void Remove(Parts& parts, std::span<const std::string_view> keys) {
-  std::erase_if(parts, [keys](const auto& part) { return IsOneOf(part.first, keys); });
-}
-
-// The parts as the driver takes them.
-Parts DriverParts(const ConnectionString& connectionString, std::string_view user, std::string_view password) {
-  Parts parts;
-  const bool throughLayer = connectionString.Get("Provider").has_value();
-  for (const auto& [key, value] : connectionString.Parts()) {
-    if (!throughLayer) {
-      parts.emplace_back(key, value);
-      continue;
-    }
-    if (IsOneOf(key, kNotForTheDriver)) continue;
-    const auto* word =
-        std::ranges::find_if(kOtherWords, [&](const auto& pair) { return EqualsNoCase(key, pair.first); });
-    parts.emplace_back(word != std::end(kOtherWords) ? std::string(word->second) : key, value);
-  }
-  if (throughLayer) {
-    const ConnectionString inner(connectionString.Get("Extended Properties").value_or(""));
-    for (const auto& part : inner.Parts()) {
-      if (!Find(parts, part.first)) parts.push_back(part);
-    }
-  }
-  if (!user.empty()) {
-    Remove(parts, kUserKeys);
-    parts.emplace_back("UID", user);
-  }
-  if (!password.empty()) {
-    std::erase_if(parts, [](const auto& part) { return ConnectionString::IsPasswordKey(part.first); });
-    parts.emplace_back("PWD", password);
-  }
-  return parts;
-}
-
-// Only what needs braces gets them: not every driver takes them off. Passwords are safer in them, because some
-// drivers decode what stands without.
-std::string WriteValue(std::string_view key, const std::string& value) {
-  const bool isWord = std::ranges::all_of(value, IsWordByte);
-  const bool plain =
-      value.find(';') == std::string::npos && !value.starts_with('{') && Trim(value).size() == value.size();
-  const bool braces = EqualsNoCase(key, "Driver") || (ConnectionString::IsPasswordKey(key) ? !isWord : !plain);
-  return braces ? "{" + ReplaceAll(value, "}", "}}") + "}" : value;
-}
-
-std::string WriteParts(const Parts& parts) {
-  std::string text;
-  for (const auto& [key, value] : parts) text += key + "=" + WriteValue(key, value) + ";";
-  return text;
-}
-
-odbc::Secrets SecretsOf(const Parts& parts) {
-  odbc::Secrets secrets;
-  for (const auto& [key, value] : parts) {
-    const bool secret = ConnectionString::IsPasswordKey(key) ||
-                        std::ranges::any_of(kSecretEndings, [&](auto ending) { return EndsWithNoCase(key, ending); });
-    if (secret) secrets.Add(value);
-  }
-  return secrets;
-}
-
-// --- Files of SQLite ---
-
-std::string ReadBeginning(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::string text(4096, '\0');
-  file.read(text.data(), static_cast<std::streamsize>(text.size()));
-  text.resize(static_cast<std::size_t>(file.gcount()));
-  return text;
-}
-
-std::filesystem::path PathOf(std::string_view utf8) {
-  return {std::u8string(reinterpret_cast<const char8_t*>(utf8.data()), utf8.size())};
-}
-
-// Whether the driver is one for SQLite, as far as can be seen without connecting.
-bool IsForSqlite(const Parts& parts, const std::vector<DataSourceName>& sources) {
-  constexpr std::string_view kName = "sqlite";
-  const auto holdsName = [&](const std::string& text) { return FindNoCase(text, kName) != std::string::npos; };
-  if (const auto driver = Find(parts, "Driver")) return holdsName(*driver);
-  if (const auto file = Find(parts, "FileDSN")) return holdsName(ReadBeginning(PathOf(*file)));
-  const std::optional<std::string> name = Find(parts, "DSN");
-  return name && std::ranges::any_of(sources, [&](const DataSourceName& source) {
-           return EqualsNoCase(source.name, *name) && holdsName(source.driver);
-         });
-}
-
-[[noreturn]] void ThrowCannotOpen(std::string_view file, std::string_view reason) {
-  throw Error(ErrorConnectionFailed,
-              "The database file \"" + std::string(file) + "\" cannot be opened: " + std::string(reason) + ".");
-}
-
-// The driver opens any file at once and says little about one that cannot be read.
-void CheckFile(const std::string& name) {
-  if (name.find(';') != std::string::npos) ThrowCannotOpen(name, "the driver cannot be given a name with a semicolon");
-  std::error_code failure;
-  const std::filesystem::path path = PathOf(name);
-  const std::filesystem::file_status status = std::filesystem::status(path, failure);
-  if (status.type() == std::filesystem::file_type::not_found) ThrowCannotOpen(name, "there is no such file");
-  if (failure) ThrowCannotOpen(name, failure.message());
-  if (status.type() != std::filesystem::file_type::regular) ThrowCannotOpen(name, "it is no ordinary file");
-  errno = 0;
-  if (!std::ifstream(path, std::ios::binary)) {
-    ThrowCannotOpen(name, errno != 0 ? std::generic_category().message(errno) : "it cannot be read");
-  }
-  // The driver would show any other file as a database without tables.
-  const std::string beginning = ReadBeginning(path);
-  if (!beginning.empty() && !beginning.starts_with("SQLite format 3")) ThrowCannotOpen(name, "it is not a database");
-}
-
-// The driver makes a file that is missing, unless it is told not to.
-void PrepareForSqlite(Parts& parts) {
-  constexpr std::string_view kNoCreate[] = {"NoCreat"};
-  Remove(parts, kNoCreate);
-  parts.emplace_back("NoCreat", "1");
-  if (const auto file = Find(parts, "Database"); file && !file->empty()) CheckFile(*file);
-}
-
-}  // namespace
 
 bool OdbcProvider::Accepts(const ConnectionString& connectionString) const {
   const std::optional<std::string> provider = connectionString.Get("Provider");
-  return (!provider || EqualsNoCase(*provider, Name())) &&
-         std::ranges::any_of(kSourceKeys, [&](std::string_view key) { return connectionString.Get(key).has_value(); });
+  return (!provider || EqualsNoCase(*provider, Name())) && odbc::NamesSource(connectionString);
 }
 
 std::unique_ptr<Session> OdbcProvider::Open(const ConnectionString& connectionString, std::string_view user,
                                             std::string_view password) {
-  Parts parts = DriverParts(connectionString, user, password);
-  const bool namesSource =
-      std::ranges::any_of(kSourceKeys, [&](std::string_view key) { return Find(parts, key).has_value(); });
-  if (!namesSource) {
-    throw Error(ErrorConnectionFailed,
-                "The connection string names no data source (DSN=...) and no driver (Driver={...}).");
-  }
-  odbc::Secrets secrets = SecretsOf(parts);
-  if (IsForSqlite(parts, DataSources())) PrepareForSqlite(parts);
-  return std::make_unique<odbc::OdbcSession>(WriteParts(parts), std::move(secrets));
+  odbc::DriverSource source = odbc::MakeDriverSource(connectionString, user, password, odbc::Purpose::Catalogue);
+  return std::make_unique<odbc::OdbcSession>(source.text, std::move(source.secrets));
 }
 
 }  // namespace zrqrybld

@@ -14,6 +14,7 @@
 #include <QTimer>
 #include <QToolTip>
 
+#include "adapters/qt/access_events.h"
 #include "adapters/qt/qt_canvas.h"
 #include "adapters/qt/qt_editors.h"
 #include "adapters/qt/qt_geometry.h"
@@ -28,10 +29,19 @@ namespace {
 
 bool IsTab(int key) { return key == Qt::Key_Tab || key == Qt::Key_Backtab; }
 
+// What an editor edits: the current cell by its headers, otherwise the current object by its name.
+std::string NameOfEdit(const AccessibleTree& tree) {
+  const AccessibleId current = tree.Current();
+  const auto cell = tree.PlaceOf(current);
+  if (!cell) return tree.Describe(current).name;
+  return tree.Describe(tree.ColumnHeader(cell->column)).name + ", " + tree.Describe(tree.RowHeader(cell->row)).name;
+}
+
 }  // namespace
 
 ControlWidget::ControlWidget(Ref<Control> control, QWidget* parent)
     : QAbstractScrollArea(parent), theme_(palette()), metrics_(font()) {
+  ControlAccess::Install();
   setFrameShape(QFrame::NoFrame);
   setFocusPolicy(Qt::TabFocus);  // on a click the control asks for the focus where it wants it
   setAcceptDrops(true);
@@ -81,6 +91,7 @@ PixelSize ControlWidget::ViewSize() const {
 void ControlWidget::Invalidate(const PixelRect& area) {
   // One pixel more: an antialiased edge may reach into its neighbour.
   viewport()->update(ToQRectF(area).toAlignedRect().adjusted(-1, -1, 1, 1));
+  UpdateAccessSoon();
 }
 
 void ControlWidget::SetScrollBar(Orientation orientation, const ScrollState& state) {
@@ -175,7 +186,10 @@ void ControlWidget::SavePng(const Picture& picture, const std::string& path) {
 }
 
 std::shared_ptr<TextEditor> ControlWidget::MakeTextEditor() {
-  return std::make_shared<QtTextEditor>(EditorWindow{viewport(), &metrics_, &boundary_});
+  return std::make_shared<QtTextEditor>(EditorWindow{viewport(), &metrics_, &boundary_, [this] {
+                                                       const AccessibleTree* tree = AccessTree();
+                                                       return tree ? ToQString(NameOfEdit(*tree)) : QString();
+                                                     }});
 }
 
 std::shared_ptr<PopupList> ControlWidget::MakePopupList() {
@@ -189,6 +203,41 @@ void ControlWidget::SetClipboardText(std::string_view text) { QGuiApplication::c
 std::uintptr_t ControlWidget::WindowHandle() const { return static_cast<std::uintptr_t>(effectiveWinId()); }
 
 void ControlWidget::scrollContentsBy(int, int) {}  // the control moves its contents itself
+
+// --- Assistive technology ---
+
+QRect ControlWidget::ToScreen(const PixelRect& onSurface) const {
+  const QRect place = ToQRectF(onSurface).toAlignedRect();
+  return {viewport()->mapToGlobal(place.topLeft()), place.size()};
+}
+
+PixelPoint ControlWidget::FromScreen(const QPoint& onScreen) const {
+  return ToPixelPoint(viewport()->mapFromGlobal(onScreen));
+}
+
+void ControlWidget::PerformAccess(const AccessibleId& id, AccessibleAction action) {
+  const auto perform = [this, id, action] {
+    Tell([&](Control& control) {
+      if (AccessibleTree* tree = control.Accessible()) tree->Perform(id, action);
+    });
+  };
+  const bool mayWait = action == AccessibleAction::Press || action == AccessibleAction::ShowMenu;
+  if (mayWait) {
+    QTimer::singleShot(0, this, perform);
+  } else {
+    perform();
+  }
+}
+
+// Whatever changes what is said is seen, too, and has been announced by `Invalidate`.
+void ControlWidget::UpdateAccessSoon() {
+  if (updatingAccess_ || !AccessIsHeard()) return;
+  updatingAccess_ = true;
+  QTimer::singleShot(0, this, [this] {
+    updatingAccess_ = false;
+    ControlAccess::Update(*this);
+  });
+}
 
 // --- Painting ---
 
@@ -353,6 +402,7 @@ void ControlWidget::keyReleaseEvent(QKeyEvent* event) {
 void ControlWidget::focusInEvent(QFocusEvent* event) {
   if (event->reason() == Qt::PopupFocusReason) return;
   Tell([](Control& control) { control.OnFocusChanged(true); });
+  UpdateAccessSoon();
 }
 
 // A menu over the control borrows the keyboard; the control stays the one that works.

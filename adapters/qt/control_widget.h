@@ -13,6 +13,7 @@
 #include <string>
 #include <string_view>
 
+#include "adapters/qt/control_access.h"
 #include "adapters/qt/event_boundary.h"
 #include "adapters/qt/qt_metrics.h"
 #include "adapters/qt/theme.h"
@@ -23,7 +24,7 @@ class QTimer;
 
 namespace zrqrybld {
 
-class ControlWidget : public QAbstractScrollArea, public Surface {
+class ControlWidget : public QAbstractScrollArea, public Surface, public AccessHost {
   Q_OBJECT
 
  public:
@@ -68,6 +69,13 @@ class ControlWidget : public QAbstractScrollArea, public Surface {
   void SetClipboardText(std::string_view text) override;
   std::uintptr_t WindowHandle() const override;
 
+  /// What assistive technology asks for.
+  AccessibleTree* AccessTree() const override { return control_ ? control_->Accessible() : nullptr; }
+  QRect ToScreen(const PixelRect& onSurface) const override;
+  PixelPoint FromScreen(const QPoint& onScreen) const override;
+  void PerformAccess(const AccessibleId& id, AccessibleAction action) override;
+  QWidget* EditorParent() const override { return viewport(); }
+
  protected:
   bool event(QEvent* event) override;
   bool viewportEvent(QEvent* event) override;
@@ -99,6 +107,7 @@ class ControlWidget : public QAbstractScrollArea, public Surface {
   void ShowToolTip(const QPoint& position, const QPoint& globalPosition);
   void ApplyScrollBars();
   void Scrolled(Orientation orientation, int value);
+  void UpdateAccessSoon();
 
   Ref<Control> control_;
   Theme theme_;
@@ -109,6 +118,7 @@ class ControlWidget : public QAbstractScrollArea, public Surface {
   std::array<ScrollState, 2> scrollStates_;  // as the control wants them, by orientation
   bool applyingScrollBars_ = false;
   bool wasShown_ = false;
+  bool updatingAccess_ = false;  // will be told soon
 };
 
 }  // namespace zrqrybld

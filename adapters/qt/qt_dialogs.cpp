@@ -8,6 +8,7 @@
 #include "adapters/qt/connection_window.h"
 #include "adapters/qt/expression_window.h"
 #include "adapters/qt/join_window.h"
+#include "adapters/qt/parameters_window.h"
 #include "adapters/qt/qt_text.h"
 #include "adapters/qt/tables_window.h"
 #include "adapters/qt/text_window.h"
@@ -105,6 +106,14 @@ std::optional<std::string> QtDialogs::ShowTextPrompt(const TextDialog& dialog) {
   TextWindow window(dialog, ParentForDialog());
   if (window.exec() != QDialog::Accepted) return std::nullopt;
   return window.Text();
+}
+
+bool QtDialogs::ShowParameters(ParametersDialog& dialog) {
+  ParametersWindow window(dialog, ParentForDialog());
+  if (window.exec() != QDialog::Accepted) return false;
+  const std::vector<std::string> values = window.Values();
+  for (std::size_t i = 0; i < values.size(); ++i) dialog.fields[i].value = values[i];
+  return true;
 }
 
 }  // namespace zrqrybld

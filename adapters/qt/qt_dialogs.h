@@ -29,6 +29,7 @@ class QtDialogs final : public Dialogs {
   std::string ShowConnectionPrompt(const ConnectionDialog& dialog) override;
   std::string ShowSaveFile(const SaveFileDialog& dialog) override;
   std::optional<std::string> ShowTextPrompt(const TextDialog& dialog) override;
+  bool ShowParameters(ParametersDialog& dialog) override;
 
  private:
   QWidget* ParentForDialog() const;

@@ -112,7 +112,9 @@ void QtTextEditor::SetBounds(const PixelRect& bounds) {
 }
 
 void QtTextEditor::SetVisible(bool visible) {
-  if (line_) line_->setVisible(visible);
+  if (!line_) return;
+  if (visible && window_.viewport && window_.name) line_->setAccessibleName(window_.name());
+  line_->setVisible(visible);
 }
 
 void QtTextEditor::SetFont(const Font& font) {

@@ -6,6 +6,7 @@
 #include <QListView>
 #include <QPointer>
 #include <QWidget>
+#include <functional>
 #include <memory>
 
 #include "adapters/qt/event_boundary.h"
@@ -19,6 +20,7 @@ struct EditorWindow {
   QPointer<QWidget> viewport;
   const QtMetrics* metrics;
   const EventBoundary* boundary;
+  std::function<QString()> name = {};  ///< what assistive technology calls an editor that opens now
 };
 
 /// A line edit inside a control's window. The window may go away first.

@@ -17,6 +17,7 @@
 #include <memory>
 #include <utility>
 
+#include "adapters/qt/announcer.h"
 #include "adapters/qt/find_bar.h"
 #include "adapters/qt/qt_input.h"
 #include "adapters/qt/qt_text.h"
@@ -178,6 +179,7 @@ class QtTextArea::RemarkLine final : public QWidget {
 QtTextArea::QtTextArea(QWidget* parent) : QPlainTextEdit(parent), theme_(palette()) {
   setLineWrapMode(NoWrap);
   setFrameShape(NoFrame);
+  announcer_ = new Announcer(this);
   margin_ = new Margin(*this);
   remarks_ = new RemarkLine(*this);
   find_ = new FindBar(*this, [this] {
@@ -520,6 +522,10 @@ void QtTextArea::PlaceMargins() {
 void QtTextArea::SetRemarks(const std::vector<std::string>& remarks) {
   remarks_->SetRemarks(remarks);
   PlaceMargins();
+  const QString said = remarks_->accessibleName();
+  if (said == accessibleDescription()) return;
+  setAccessibleDescription(said);  // errors belong to the text, wherever they stand
+  if (hasFocus() && !remarks.empty()) announcer_->Say(ToQString(remarks.front()));
 }
 
 void QtTextArea::resizeEvent(QResizeEvent* event) {

@@ -27,6 +27,7 @@ struct TextSpan {
   bool bold = false;
 };
 
+class Announcer;
 class FindBar;
 
 class QtTextArea : public QPlainTextEdit, public TextArea {
@@ -104,6 +105,7 @@ class QtTextArea : public QPlainTextEdit, public TextArea {
   BracketFinder bracketFinder_;
   TextSpan fault_;  // of length 0 for none
   EventBoundary boundary_;
+  Announcer* announcer_ = nullptr;
   Margin* margin_ = nullptr;
   RemarkLine* remarks_ = nullptr;
   FindBar* find_ = nullptr;

@@ -1,5 +1,6 @@
 #include "adapters/qt/query_designer_widget.h"
 
+#include "adapters/qt/change_announcer.h"
 #include "adapters/qt/predictive_text.h"
 #include "adapters/qt/sql_highlighter.h"
 #include "sql/brackets.h"
@@ -45,6 +46,9 @@ QueryDesignerWidget::QueryDesignerWidget(QWidget* parent)
   setSizes({kDiagramShare * 8, kGridShare * 8, kSqlShare * 8});
   setHandleWidth(6);
 
+  announcer_ = new ChangeAnnouncer(*hub_, this);
+  sql_->setAccessibleName(tr("SQL statement"));
+
   // An error from a pane is a message for its user, not a lost exception.
   const auto show = [this](const std::exception& error) {
     toolkit_->GetDialogs().ShowMessage(error.what(), MessageIcon::Critical);
@@ -55,6 +59,7 @@ QueryDesignerWidget::QueryDesignerWidget(QWidget* parent)
 }
 
 QueryDesignerWidget::~QueryDesignerWidget() {
+  delete announcer_;  // it listens to the hub
   // The application may keep the panes; this widget's text area goes away.
   if (const Ref<qbSQLPane> sql = hub_->SQLPane()) sql->AttachTextArea(nullptr);
 }

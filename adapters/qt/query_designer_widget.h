@@ -15,6 +15,8 @@
 
 namespace zrqrybld {
 
+class ChangeAnnouncer;
+
 class QueryDesignerWidget : public QSplitter {
   Q_OBJECT
 
@@ -36,6 +38,7 @@ class QueryDesignerWidget : public QSplitter {
   ControlWidget* diagram_;
   ControlWidget* grid_;
   QtTextArea* sql_;
+  ChangeAnnouncer* announcer_;
 };
 
 }  // namespace zrqrybld

@@ -28,6 +28,8 @@ class Statement {
   /// Binds parameter `index`, from 1: the text, or null when there is none. `value` must outlive the statement.
   void Bind(int index, const std::optional<std::string>& value);
 
+  sqlite3_stmt* Get() const { return statement_.get(); }
+
   /// Goes to the next row; false after the last. SQLite's error when it fails.
   bool Step();
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "hub/parameter_form.h"
 #include "tests/data_table.h"
 #include "tests/hub/hub_fixture.h"
 
@@ -66,6 +67,59 @@ TEST(Parameters, QuotesComeFromTheSourcesType) {
   designer.hub->DataTypes()->Add("Date", 133, "'", "'");
   const Ref<qbParameter> parameter = ScanParameters("?PARAM(a,,,date)", designer.hub).parameters->Item(1);
   EXPECT_EQ(parameter->QuotePrefix + parameter->QuoteSuffix, "''");
+}
+
+TEST(Parameters, ValuesStayValues) {
+  for (const test::Row& row : test::ReadRows("parameter_values.txt")) {
+    SCOPED_TRACE(row.place);
+    Designer designer;
+    designer.hub->DataTypes()->Add("ByTheSource", 129, "<", ">");
+    designer.grid->SetDateFormat("yyyy-mm-dd");
+    designer.sql->SetSQLSyntax(FindDialect(row[0])->syntax);
+    designer.toolkit->GetDialogs().onShowParameters = [&](ParametersDialog& dialog) {
+      const std::vector<std::string_view> values = Split(row[2], ";");
+      for (std::size_t i = 0; i < dialog.fields.size(); ++i) dialog.fields[i].value = values.at(i);
+      return true;
+    };
+    std::string result;
+    try {
+      const auto values = AskParameters(*designer.hub, row[1]);
+      result = PutInLiterals(row[1], values.value(), LiteralRulesOf(*designer.hub));
+    } catch (const Error& error) {
+      result = "!" + error.Description();
+    }
+    EXPECT_EQ(result, row[3]);
+  }
+}
+
+TEST(Parameters, TheDialogBeginsWithWhatWasGivenLast) {
+  Designer designer;
+  constexpr std::string_view kSql = "?PARAM([From], 2020-01-01, Start, date) ?PARAM(n & m,,,int)";
+  EXPECT_TRUE(AskParameters(*designer.hub, "SELECT 1").value().empty()) << "without a question";
+  EXPECT_FALSE(AskParameters(*designer.hub, kSql)) << "nobody answers";
+
+  std::string seen;
+  designer.toolkit->GetDialogs().onShowParameters = [&](ParametersDialog& dialog) {
+    seen = dialog.caption;
+    for (const ParameterField& field : dialog.fields) {
+      seen += "/" + field.prompt + "|" + field.typeName + "|" + field.fallback + "|" + field.value;
+    }
+    seen += "/" + dialog.problem(1, "x") + dialog.problem(0, "");
+    seen += "/" + dialog.statement({"", "x"});
+    dialog.fields[0].value = "2 Feb 2020";
+    dialog.fields[1].value = "5";
+    return true;
+  };
+  EXPECT_TRUE(AskParameters(*designer.hub, kSql));
+  EXPECT_EQ(seen,
+            "Query Parameters/From]|date|2020-01-01|2020-01-01/n & m|whole number||/This is no number./"
+            "'01-Jan-2020' ?PARAM(n & m,,,int)");
+  designer.toolkit->GetDialogs().onShowParameters = [&](ParametersDialog& dialog) {
+    seen = dialog.fields.at(0).value;
+    return true;
+  };
+  EXPECT_TRUE(AskParameters(*designer.hub, "?PARAM(x, 1, START)"));
+  EXPECT_EQ(seen, "2 Feb 2020");
 }
 
 }  // namespace

@@ -1,0 +1,130 @@
+#include "adapters/sqlite/sqlite_runner.h"
+
+#include <atomic>
+#include <optional>
+#include <utility>
+
+#include "adapters/sqlite/sqlite_database.h"
+#include "base/error.h"
+#include "base/text.h"
+
+namespace zrqrybld {
+namespace sqlite {
+namespace {
+
+constexpr int kStepsBetweenChecks = 4000;  // of SQLite's virtual machine: well below a millisecond
+
+// Whether texts in a column of this declared type are points in time: SQLite has no type of its own for them.
+bool HoldsDates(const char* declaration) {
+  return declaration != nullptr &&
+         (FindNoCase(declaration, "DATE") != std::string::npos || FindNoCase(declaration, "TIME") != std::string::npos);
+}
+
+class SqliteRunner final : public QueryRunner {
+ public:
+  explicit SqliteRunner(DatabaseHandle database) : database_(std::move(database)) {
+    Statement(database_.get(), "PRAGMA query_only = 1").Step();
+    // Asked while a statement runs, so that a stop also counts when it comes before the first step.
+    sqlite3_progress_handler(
+        database_.get(), kStepsBetweenChecks,
+        [](void* stopped) { return static_cast<const std::atomic<bool>*>(stopped)->load() ? 1 : 0; }, &stopped_);
+  }
+
+  bool Fetch(std::size_t most, std::vector<ResultRow>& rows) override {
+    for (std::size_t i = 0; i < most; ++i) {
+      if (!Guarded([this] { return statement_->Step(); })) return false;
+      ResultRow& row = rows.emplace_back();
+      row.reserve(dates_.size());
+      for (std::size_t column = 0; column < dates_.size(); ++column) row.push_back(ValueAt(column));
+    }
+    return true;
+  }
+
+  void Stop() override {
+    stopped_ = true;
+    sqlite3_interrupt(database_.get());
+  }
+
+  std::string SourceName() const override { return "SQLite"; }
+
+ private:
+  std::vector<std::string> Start(std::string_view sql) override {
+    Guarded([&] {
+      try {
+        statement_.emplace(database_.get(), sql);
+      } catch (const Error& error) {
+        throw Error(error.Number(), error.Description(), PlaceOfLastError());
+      }
+    });
+    sqlite3_stmt* handle = statement_->Get();
+    const int count = sqlite3_column_count(handle);
+    if (count == 0 || sqlite3_stmt_readonly(handle) == 0) throw Error(SQLITE_READONLY, "Only a SELECT is run.");
+    if (sqlite3_bind_parameter_count(handle) > 0) {
+      throw Error(SQLITE_MISUSE, "The statement has parameters that nobody has given a value.");
+    }
+    std::vector<std::string> names;
+    for (int column = 0; column < count; ++column) {
+      names.emplace_back(sqlite3_column_name(handle, column));
+      dates_.push_back(HoldsDates(sqlite3_column_decltype(handle, column)));
+    }
+    return names;
+  }
+
+  std::optional<std::size_t> PlaceOfLastError() const {
+#if SQLITE_VERSION_NUMBER >= 3038000
+    const int offset = sqlite3_error_offset(database_.get());
+    if (offset >= 0) return static_cast<std::size_t>(offset);
+#endif
+    return std::nullopt;
+  }
+
+  ResultValue ValueAt(std::size_t index) const {
+    sqlite3_stmt* handle = statement_->Get();
+    const int column = static_cast<int>(index);
+    switch (sqlite3_column_type(handle, column)) {
+      case SQLITE_NULL:
+        return {};
+      case SQLITE_BLOB: {
+        const auto* bytes = static_cast<const char*>(sqlite3_column_blob(handle, column));
+        const auto size = static_cast<std::size_t>(sqlite3_column_bytes(handle, column));
+        return BinaryValue({bytes, bytes != nullptr ? size : 0}, static_cast<std::int64_t>(size));
+      }
+      case SQLITE_TEXT:
+        return TextValue(dates_[index] ? ValueKind::Date : ValueKind::Text, TextAt(column));
+      default:
+        return TextValue(ValueKind::Number, TextAt(column));
+    }
+  }
+
+  std::string_view TextAt(int column) const {
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement_->Get(), column));
+    if (text == nullptr) throw Error(SQLITE_NOMEM, "out of memory");
+    return {text, static_cast<std::size_t>(sqlite3_column_bytes(statement_->Get(), column))};
+  }
+
+  // A failure after a stop is the stop.
+  template <class Work>
+  auto Guarded(Work work) -> decltype(work()) {
+    if (stopped_) throw QueryStopped();
+    try {
+      return work();
+    } catch (const Error&) {
+      if (stopped_) throw QueryStopped();
+      throw;
+    }
+  }
+
+  DatabaseHandle database_;
+  std::optional<Statement> statement_;  // goes before the database
+  std::vector<bool> dates_;             // by column
+  std::atomic<bool> stopped_ = false;
+};
+
+}  // namespace
+}  // namespace sqlite
+
+std::unique_ptr<QueryRunner> OpenSqliteRunner(const ConnectionString& connectionString) {
+  return std::make_unique<sqlite::SqliteRunner>(sqlite::OpenDatabase(connectionString));
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,38 @@
+// DiagramAccess: what the diagram pane tells assistive technology.
+//
+// Below the pane stand its boxes in their order and then its joins, as the Tab key goes through them; below a box stand
+// its rows. An id's object is the entity or the relationship, its part the row.
+#pragma once
+
+#include "diagram/diagram_pane.h"
+#include "platform/accessible.h"
+
+namespace zrqrybld {
+
+class DiagramAccess final : public AccessibleTree {
+ public:
+  /// `pane` owns this.
+  explicit DiagramAccess(qbDiagramPane& pane) : pane_(pane) {}
+
+  bool Contains(const AccessibleId& id) const override;
+  std::size_t ChildCount(const AccessibleId& id) const override;
+  AccessibleId ChildAt(const AccessibleId& id, std::size_t index) const override;
+  AccessibleId ParentOf(const AccessibleId& id) const override;
+  std::optional<std::size_t> IndexOf(const AccessibleId& id) const override;
+  AccessibleInfo Describe(const AccessibleId& id) const override;
+  AccessibleId ObjectAt(PixelPoint point) const override;
+  AccessibleId Current() const override;
+  bool Perform(const AccessibleId& id, AccessibleAction action) override;
+
+ private:
+  AccessibleInfo DescribePane() const;
+  AccessibleInfo DescribeBox(const Ref<qbEntity>& entity) const;
+  AccessibleInfo DescribeRow(const qbEntityList& box, const Ref<BoxRow>& row) const;
+  AccessibleInfo DescribeJoin(const Ref<qbRelationship>& join) const;
+  std::string FactsOf(const BoxRow& row) const;
+  bool IsSeen(const PixelRect& onPane) const;
+
+  qbDiagramPane& pane_;
+};
+
+}  // namespace zrqrybld

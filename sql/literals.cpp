@@ -1,0 +1,75 @@
+#include "sql/literals.h"
+
+#include <algorithm>
+
+#include "base/text.h"
+#include "platform/schema_fields.h"
+
+namespace zrqrybld {
+namespace {
+
+bool IsHex(char c) { return IsDigit(c) || (UpperAscii(c) >= 'A' && UpperAscii(c) <= 'F'); }
+
+bool IsDay(const CriteriaContext& context) {
+  return context.dataType == static_cast<std::int32_t>(DataTypeCode::Date) ||
+         context.dataType == static_cast<std::int32_t>(DataTypeCode::DbDate);
+}
+
+// Whether the format has a place for everything that the value has.
+bool Fits(const DateTime& value, const CriteriaContext& context) {
+  return value.hasDate && (!value.hasTime || FormatHasTime(context.dateFormat));
+}
+
+// A part that was given is never dropped: what a form has no place for takes the one that has it.
+std::string EscapeSequence(const DateTime& value, const CriteriaContext& context) {
+  if (IsTimeOfDay(context) && !value.hasDate) return "{ t '" + FormatDateTime(value, "hh:nn:ss") + "' }";
+  if (IsDay(context) && !value.hasTime) return "{ d '" + FormatDateTime(value, "yyyy-mm-dd") + "' }";
+  return "{ ts '" + FormatDateTime(value, "yyyy-mm-dd hh:nn:ss") + "' }";
+}
+
+}  // namespace
+
+std::string TextLiteral(std::string_view value, const CriteriaContext& context, bool usualQuotes) {
+  const bool usual = usualQuotes || context.prefix.empty();
+  const std::string prefix = usual ? "'" : context.prefix;
+  const std::string suffix = usual || context.suffix.empty() ? std::string(1, prefix.back()) : context.suffix;
+  std::string text = prefix;
+  if (prefix.back() == '\'' || prefix.back() == '"') {
+    text += ReplaceAll(value, prefix.substr(prefix.size() - 1), std::string(2, prefix.back()));
+  } else {
+    text += value;
+  }
+  return text + suffix;
+}
+
+std::string DateText(const DateTime& value, const CriteriaContext& context) {
+  std::string text;
+  if (value.hasDate) text = FormatDateTime(value, context.dateFormat);
+  if (!Fits(value, context)) text += (text.empty() ? "" : " ") + FormatDateTime(value, "hh:nn:ss");
+  return text;
+}
+
+std::optional<std::string> DateLiteral(const DateTime& value, const CriteriaContext& context) {
+  if (context.dateFormatStyle == DateFormatEscapeSequence) return EscapeSequence(value, context);
+  const bool hasFormat = context.prefix.find('(') != std::string::npos;
+  if (hasFormat && !Fits(value, context)) return std::nullopt;
+  return TextLiteral(DateText(value, context), context);
+}
+
+bool IsTimeOfDay(const CriteriaContext& context) {
+  return context.dataType == static_cast<std::int32_t>(DataTypeCode::DbTime);
+}
+
+bool IsGuid(std::string_view text) {
+  if (text.starts_with('{') && text.ends_with('}')) text = text.substr(1, text.size() - 2);
+  if (text.size() != 36) return false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool dash = i == 8 || i == 13 || i == 18 || i == 23;
+    if (dash ? text[i] != '-' : !IsHex(text[i])) return false;
+  }
+  return true;
+}
+
+bool IsHexBytes(std::string_view text) { return text.size() % 2 == 0 && std::ranges::all_of(text, IsHex); }
+
+}  // namespace zrqrybld

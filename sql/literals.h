@@ -1,0 +1,36 @@
+// Values as literals of a type: what criteria and parameters have in common.
+//
+// Pure. The context says how the source writes values of the type, and by which format dates.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "sql/criteria_context.h"
+#include "sql/date_literal.h"
+
+namespace zrqrybld {
+
+/// The text between the type's quotes, or with `usualQuotes`, and for a type that has none, between single ones. Quotes
+/// inside are doubled.
+std::string TextLiteral(std::string_view value, const CriteriaContext& context, bool usualQuotes = false);
+
+/// What stands between the quotes of a date literal: the value by the context's date format. A time that the format has
+/// no place for stands behind it: a part that was given is never dropped.
+std::string DateText(const DateTime& value, const CriteriaContext& context);
+
+/// The literal of a date in the context's style. None when the value has more or less than the source's own way of
+/// reading dates, as in TO_DATE('...','format'), has a place for.
+std::optional<std::string> DateLiteral(const DateTime& value, const CriteriaContext& context);
+
+/// Whether values of the type are times of day without a date.
+bool IsTimeOfDay(const CriteriaContext& context);
+
+/// Whether the text is a GUID, with or without braces.
+bool IsGuid(std::string_view text);
+
+/// Whether the text is bytes by two hexadecimal figures each.
+bool IsHexBytes(std::string_view text);
+
+}  // namespace zrqrybld
