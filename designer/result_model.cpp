@@ -72,7 +72,7 @@ int ResultModel::columnCount(const QModelIndex& parent) const {
 QVariant ResultModel::data(const QModelIndex& index, int role) const {
   if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
   const ResultValue& value = rows_[static_cast<std::size_t>(index.row())][static_cast<std::size_t>(index.column())];
-  const bool isNull = value.kind == ValueKind::Null;
+  const bool isNull = value.kind == ResultKind::Null;
   switch (role) {
     case Qt::DisplayRole:
       return isNull ? QStringLiteral("NULL") : OneLine(value.text);
@@ -82,13 +82,13 @@ QVariant ResultModel::data(const QModelIndex& index, int role) const {
       const bool cut = value.cut || shown.size() < value.text.size();
       // As it stands, also where it looks like markup.
       return "<span style='white-space:pre-wrap'>" + ToQString(shown).toHtmlEscaped() +
-             (cut && value.kind != ValueKind::Binary ? QStringLiteral("\u2026") : QString()) + "</span>";
+             (cut && value.kind != ResultKind::Binary ? QStringLiteral("\u2026") : QString()) + "</span>";
     }
     case Qt::TextAlignmentRole:
-      return QVariant(value.kind == ValueKind::Number ? Qt::AlignRight | Qt::AlignVCenter
+      return QVariant(value.kind == ResultKind::Number ? Qt::AlignRight | Qt::AlignVCenter
                                                       : Qt::AlignLeading | Qt::AlignVCenter);
     case Qt::ForegroundRole:
-      return isNull || value.kind == ValueKind::Binary ? QVariant(quiet_) : QVariant();
+      return isNull || value.kind == ResultKind::Binary ? QVariant(quiet_) : QVariant();
     default:
       return {};
   }

@@ -46,10 +46,10 @@ bool DiagramAccess::Contains(const AccessibleId& id) const {
   if (id.IsControl()) return true;
   if (const Ref<qbEntity> entity = EntityIn(id)) {
     const Ref<qbEntityList>& box = entity->EntityBox();
-    return box && pane_.facts_.contains(box.get()) && (!id.part || box->PositionOf(RowIn(id)) != 0);
+    return box && pane_.boxes_.contains(box.get()) && (!id.part || box->PositionOf(RowIn(id)) != 0);
   }
   const Ref<qbRelationship> join = JoinIn(id);
-  return join && join->Line() && pane_.facts_.contains(join->Line()->SourceBox().get());
+  return join && join->Line() && pane_.boxes_.contains(join->Line()->SourceBox().get());
 }
 
 std::size_t DiagramAccess::ChildCount(const AccessibleId& id) const {

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "adapters/odbc/odbc_handle.h"
-#include "adapters/odbc/odbc_provider.h"
 #include "base/text.h"
 
 namespace zrqrybld {
@@ -16,7 +15,7 @@ SQLCHAR* Bytes(std::string& buffer) { return reinterpret_cast<SQLCHAR*>(buffer.d
 
 }  // namespace
 
-std::vector<DataSourceName> OdbcProvider::DataSources() {
+std::vector<DataSourceName> odbc::ConfiguredSources() {
   const odbc::Environment environment;
   std::vector<DataSourceName> sources;
   for (SQLUSMALLINT direction = SQL_FETCH_FIRST;; direction = SQL_FETCH_NEXT) {
@@ -37,7 +36,7 @@ std::vector<DataSourceName> OdbcProvider::DataSources() {
 
 std::vector<std::string> OdbcDataSources(const std::optional<std::string>& driverName) {
   std::vector<std::string> names;
-  for (DataSourceName& source : OdbcProvider().DataSources()) {
+  for (DataSourceName& source : odbc::ConfiguredSources()) {
     if (driverName && !driverName->empty() && !EqualsNoCase(source.driver, *driverName)) continue;
     names.push_back(std::move(source.name));
   }

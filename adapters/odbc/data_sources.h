@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/provider.h"
+
 namespace zrqrybld {
 
 /// The names of the data sources of this user and of the system, each once, in the driver manager's order; with a
@@ -12,4 +14,11 @@ namespace zrqrybld {
 /// 3706 when the driver manager cannot be used.
 std::vector<std::string> OdbcDataSources(const std::optional<std::string>& driverName = std::nullopt);
 
+namespace odbc {
+
+/// The same sources with their drivers. unixODBC lists those with names beyond ASCII, but does not find them when they
+/// are opened. Error 3706 when the driver manager cannot be used.
+std::vector<DataSourceName> ConfiguredSources();
+
+}  // namespace odbc
 }  // namespace zrqrybld

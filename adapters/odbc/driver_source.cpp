@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "adapters/odbc/odbc_provider.h"
+#include "adapters/odbc/data_sources.h"
 #include "base/error.h"
 #include "base/text.h"
 
@@ -188,7 +188,7 @@ DriverSource MakeDriverSource(const ConnectionString& connectionString, std::str
                 "The connection string names no data source (DSN=...) and no driver (Driver={...}).");
   }
   Secrets secrets = SecretsOf(parts);
-  const std::vector<DataSourceName> sources = OdbcProvider().DataSources();
+  const std::vector<DataSourceName> sources = ConfiguredSources();
   if (DriverHasName(parts, sources, "sqlite")) PrepareForSqlite(parts);
   if (purpose == Purpose::Rows &&
       (DriverHasName(parts, sources, "postgre") || DriverHasName(parts, sources, "psqlodbc"))) {

@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "adapters/odbc/data_sources.h"
 #include "adapters/odbc/driver_source.h"
 #include "adapters/odbc/odbc_session.h"
 #include "base/text.h"
@@ -20,5 +21,7 @@ std::unique_ptr<Session> OdbcProvider::Open(const ConnectionString& connectionSt
   odbc::DriverSource source = odbc::MakeDriverSource(connectionString, user, password, odbc::Purpose::Catalogue);
   return std::make_unique<odbc::OdbcSession>(source.text, std::move(source.secrets));
 }
+
+std::vector<DataSourceName> OdbcProvider::DataSources() { return odbc::ConfiguredSources(); }
 
 }  // namespace zrqrybld

@@ -34,7 +34,7 @@ constexpr Preparation kPreparations[] = {
     {SourceFamily::Oracle, "SET TRANSACTION READ ONLY"},
 };
 
-ValueKind KindOf(DataTypeCode code) {
+ResultKind KindOf(DataTypeCode code) {
   switch (code) {
     case DataTypeCode::TinyInt:
     case DataTypeCode::UnsignedTinyInt:
@@ -44,17 +44,17 @@ ValueKind KindOf(DataTypeCode code) {
     case DataTypeCode::Single:
     case DataTypeCode::Double:
     case DataTypeCode::Numeric:
-      return ValueKind::Number;
+      return ResultKind::Number;
     case DataTypeCode::DbDate:
     case DataTypeCode::DbTime:
     case DataTypeCode::DbTimeStamp:
-      return ValueKind::Date;
+      return ResultKind::Date;
     case DataTypeCode::Binary:
     case DataTypeCode::VarBinary:
     case DataTypeCode::LongVarBinary:
-      return ValueKind::Binary;
+      return ResultKind::Binary;
     default:
-      return ValueKind::Text;
+      return ResultKind::Text;
   }
 }
 
@@ -137,7 +137,7 @@ class OdbcRunner final : public QueryRunner {
   ResultValue ValueAt(std::size_t index) {
     const auto column = static_cast<SQLUSMALLINT>(index + 1);
     SQLLEN length = SQL_NULL_DATA;  // of the whole value, in bytes
-    if (kinds_[index] == ValueKind::Binary) {
+    if (kinds_[index] == ResultKind::Binary) {
       char beginning[kShownBytes] = {};
       Check(SQLGetData(statement_->Get(), column, SQL_C_BINARY, beginning, sizeof beginning, &length));
       if (length == SQL_NULL_DATA) return {};
@@ -159,7 +159,7 @@ class OdbcRunner final : public QueryRunner {
   DriverConnection connection_;
   std::string name_;
   std::optional<Statement> statement_;
-  std::vector<ValueKind> kinds_;  // by column
+  std::vector<ResultKind> kinds_;  // by column
   std::u16string buffer_ = std::u16string(kLongestText / 2, u'\0');
   std::atomic<bool> stopped_ = false;
 };

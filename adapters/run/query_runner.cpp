@@ -20,7 +20,7 @@ std::vector<std::string> QueryRunner::Execute(std::string_view sql, const Dialec
   }
 }
 
-ResultValue TextValue(ValueKind kind, std::string_view text, bool cut) {
+ResultValue TextValue(ResultKind kind, std::string_view text, bool cut) {
   constexpr unsigned char kContinuation = 0x80;  // the first two bits of a character's further bytes
   if (text.size() > QueryRunner::kLongestText) {
     std::size_t end = QueryRunner::kLongestText;
@@ -42,7 +42,7 @@ ResultValue BinaryValue(std::string_view beginning, std::int64_t size) {
     text += {kHex[byte >> 4], kHex[byte & 15]};
   }
   if (cut) text += "\u2026";
-  return {ValueKind::Binary, cut, std::move(text)};
+  return {ResultKind::Binary, cut, std::move(text)};
 }
 
 }  // namespace zrqrybld

@@ -19,11 +19,11 @@
 namespace zrqrybld {
 
 /// What a value is, as far as it is shown in another way.
-enum class ValueKind : std::uint8_t { Null, Text, Number, Date, Binary };
+enum class ResultKind : std::uint8_t { Null, Text, Number, Date, Binary };
 
 /// One value of a row.
 struct ResultValue {
-  ValueKind kind = ValueKind::Null;
+  ResultKind kind = ResultKind::Null;
   bool cut = false;  ///< the text is only the beginning
   std::string text;  ///< UTF-8; of binary data its size and its first bytes; "" for null
 };
@@ -71,7 +71,7 @@ class QueryRunner {
 };
 
 /// The value of a text; what is longer than `QueryRunner::kLongestText` is cut behind a whole character.
-ResultValue TextValue(ValueKind kind, std::string_view text, bool cut = false);
+ResultValue TextValue(ResultKind kind, std::string_view text, bool cut = false);
 
 /// The value of binary data: its first bytes in hexadecimal digits and its size. -1 for a size that nobody knows.
 ResultValue BinaryValue(std::string_view beginning, std::int64_t size);

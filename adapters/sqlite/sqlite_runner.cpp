@@ -90,9 +90,9 @@ class SqliteRunner final : public QueryRunner {
         return BinaryValue({bytes, bytes != nullptr ? size : 0}, static_cast<std::int64_t>(size));
       }
       case SQLITE_TEXT:
-        return TextValue(dates_[index] ? ValueKind::Date : ValueKind::Text, TextAt(column));
+        return TextValue(dates_[index] ? ResultKind::Date : ResultKind::Text, TextAt(column));
       default:
-        return TextValue(ValueKind::Number, TextAt(column));
+        return TextValue(ResultKind::Number, TextAt(column));
     }
   }
 

@@ -57,7 +57,7 @@ TEST(SqliteRunner, TellsItsOwnPlacesAndRefusesWhatIsNotARead) {
   std::vector<ResultRow> rows;
   EXPECT_FALSE(runner->Fetch(5, rows));
   EXPECT_EQ(rows.at(0).at(0).text, "0 bytes");
-  EXPECT_EQ(rows.at(0).at(1).kind, ValueKind::Date);
+  EXPECT_EQ(rows.at(0).at(1).kind, ResultKind::Date);
   runner->Stop();
   EXPECT_THROW(runner->Fetch(5, rows), QueryStopped);
 }
