@@ -87,6 +87,16 @@ void qbEntityList::SetBounds(const TwipsRect& wanted) {
   Move.Raise();
 }
 
+void qbEntityList::SetShape(const BoxShape& shape) {
+  if (shape == Shape()) return;
+  bounds_ = shape.bounds;
+  minimized_ = shape.minimized;
+  restoredHeight_ = shape.restoredHeight;
+  ScrollTo(firstRow_);
+  Changed.Raise();
+  Move.Raise();
+}
+
 void qbEntityList::SetIsView(bool isView) {
   isView_ = isView;
   Changed.Raise();

@@ -14,6 +14,7 @@
 #include "base/units.h"
 #include "base/variant.h"
 #include "diagram/box_rows.h"
+#include "diagram/box_shape.h"
 #include "platform/canvas.h"
 
 namespace zrqrybld {
@@ -125,6 +126,10 @@ class qbEntityList final : public Object {
   bool Minimized() const { return minimized_; }
   /// A minimised box shows its caption bar only; its height comes back when it is restored.
   void SetMinimized(bool minimized);
+
+  /// All of its place at once.
+  BoxShape Shape() const { return {bounds_, minimized_, restoredHeight_}; }
+  void SetShape(const BoxShape& shape);
 
   // --- Geometry, in twips on the pane's surface ---
 

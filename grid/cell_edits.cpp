@@ -36,7 +36,7 @@ void qbGridPane::FinishEdit() {
   const std::int32_t row = grdPane_->Row();
   const std::int32_t column = grdPane_->Column();
   if (row <= 0 || column <= 0) return;
-  const StepScope step(context_.lock(), "Edit cell");
+  const StepScope step(context_.lock(), kStepEditCell, CaptionOf(column));
   complained_ = false;
   ProcessEdit(row, column, currentText_);
   AfterEdit.Raise(row, column);
@@ -259,7 +259,7 @@ void qbGridPane::EditInWindow(bool builder) {
 }
 
 void qbGridPane::SetCellAsEdit(std::int32_t row, std::int32_t column, const std::string& text) {
-  const StepScope step(context_.lock(), "Edit cell");
+  const StepScope step(context_.lock(), kStepEditCell, CaptionOf(column));
   complained_ = false;
   RowAt(row).SetValue(column, text);
   GridEdited(row, column);

@@ -21,7 +21,7 @@ std::string FieldKey(const std::string& table, const std::string& name) { return
 std::int32_t qbGridPane::SetFieldOutput(const std::string& fieldName, bool checked, const std::string& tableName,
                                         const FieldOutputOptions& options) {
   if (busy_) return 0;
-  const StepScope step(context_.lock(), checked ? "Add query column" : "Remove query column");
+  const StepScope step(context_.lock(), checked ? kStepAddColumn : kStepRemoveColumn, fieldName);
   const Field field{tableName, fieldName};
   std::int32_t row = 0;
   {
@@ -134,7 +134,7 @@ std::int32_t qbGridPane::FillNewRow(const Field& field, std::int32_t before) {
 }
 
 void qbGridPane::AddRows(const std::vector<RowContent>& rows) {
-  const StepScope step(context_.lock(), "Add query columns");
+  const StepScope step(context_.lock(), kStepAddColumns);
   {
     const ScopedValue busy(busy_, true);
     grdPane_->SetAutoRedraw(false);

@@ -198,7 +198,7 @@ zrGrid::CheckState zrGrid::StateOfColumn(std::size_t column) const {
 // Checks all cells, or none when all are checked.
 void zrGrid::CheckColumn(std::size_t column) {
   const bool check = StateOfColumn(column) != CheckState::On;
-  InBatch([&] {
+  InBatch(GridWork::EditCells, [&] {
     for (std::size_t row = static_cast<std::size_t>(rows_->Count()); row >= 1; --row) {
       if (row > static_cast<std::size_t>(rows_->Count())) continue;  // a listener has removed rows
       zrGridRow& target = rows_->At(row);

@@ -68,7 +68,7 @@ void qbGridPane::ConnectGrid() {
     EnsureEmptyLastRow();
   });
   listen(grid.RowsShifted, [this](std::int32_t from) { emptyFrom_ = std::min(emptyFrom_, from); });
-  listen(grid.Batch, [this](bool begins) { BatchChanged(begins); });
+  listen(grid.Batch, [this](GridWork kind, bool begins) { BatchChanged(kind, begins); });
   listen(grid.OLEDragOver, [](const std::string& text, std::int32_t& effect, std::int32_t, std::int32_t, float, float) {
     if (IsFieldText(text)) effect = 1;
   });
@@ -266,7 +266,7 @@ std::int16_t qbGridPane::NextSortOrder(std::int32_t row) const {
 
 void qbGridPane::SortRow(std::int32_t row, const std::string& type) {
   const Ref<zrGridRow> item = grdPane_->Rows()->Item(row);
-  const StepScope step(context_.lock(), "Sort");
+  const StepScope step(context_.lock(), kStepSort, Text(*item, kColumnColumn));
   item->SetValue("sort_type", type);
   if (type.empty()) {
     item->SetValue("sort_order", "");
@@ -310,13 +310,14 @@ void qbGridPane::SetSortOrder(zrGridRow& row, std::int32_t order) {
 
 void qbGridPane::SetShowGroupBy(bool show) {
   if (show == showGroupBy_) return;
+  const StepScope step(context_.lock(), kStepGrouping);
   showGroupBy_ = show;
   ApplyShowGroupBy();
   PropertyChanged.Raise("ShowGroupBy");
   ReportChange();
 }
 
-void qbGridPane::ApplyShowGroupBy() {
+void qbGridPane::ShowGroupByColumn() {
   const Ref<zrGridColumn> column = grdPane_->Columns()->Item("group_by");
   if (showGroupBy_) {
     column->SetWidth(groupByWidth_ > 0 ? groupByWidth_ : kGroupByWidth);
@@ -324,6 +325,10 @@ void qbGridPane::ApplyShowGroupBy() {
     if (column->Width() > 0) groupByWidth_ = column->Width();
     column->SetWidth(0);
   }
+}
+
+void qbGridPane::ApplyShowGroupBy() {
+  ShowGroupByColumn();
   const ScopedValue busy(busy_, true);
   for (std::int32_t i = 1; i <= RowCount(); ++i) SetRowGroupBy(RowAt(i));
 }

@@ -171,6 +171,10 @@ class qbGridPane final : public Object {
   /// Replaces all rows by those of a saved query, without the rules of editing. One empty row follows them, and the
   /// boxes are ticked as the rows output. Error 40005 for an "output" that is no truth.
   void LoadRows(const std::vector<LoadedCell>& cells);
+  /// Makes the rows, which are as `now` says, what `then` says, without the rules of editing.
+  void Restore(const std::vector<SharedRowContent>& now, const std::vector<SharedRowContent>& then);
+  /// Shows or hides the grouping column without touching the rows, which hold what belongs to it already.
+  void RestoreShowGroupBy(bool show);
   /// Empties the grid: the initial empty rows are back.
   void ResetRows();
 
@@ -192,6 +196,8 @@ class qbGridPane final : public Object {
   bool IsLocked(std::string_view key) const;
   void SetLock(std::string_view key, bool lock);
   void ApplyShowGroupBy();
+  void ShowGroupByColumn();
+  std::string CaptionOf(std::int32_t column) const;
   std::int16_t AliasMaxLen() const;
   Ref<qbEntities> Entities() const;
 
@@ -251,7 +257,7 @@ class qbGridPane final : public Object {
   void Complain(zrGridRow& row, std::int32_t column, const std::string& text, MessageIcon icon);
   void EditInWindow(bool builder);
   void SetCellAsEdit(std::int32_t row, std::int32_t column, const std::string& text);
-  void BatchChanged(bool begins);
+  void BatchChanged(GridWork kind, bool begins);
   void ReportChange();
 
   // --- Context menu (grid_menu.cpp) ---

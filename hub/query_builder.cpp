@@ -95,7 +95,7 @@ void qbQueryBuilder::ShowTables() {
 
 bool qbQueryBuilder::ShowJoinProperties(const Ref<qbRelationship>& relationship) {
   if (!relationship) return false;
-  const StepScope step(RefTo(*this), "Edit join");
+  const StepScope step(RefTo(*this), kStepEditJoin);
   if (!EditJoin(*this, *relationship)) return false;
   QueryChanged();
   return true;
@@ -128,18 +128,21 @@ void qbQueryBuilder::SetDiagramPane(const Ref<qbDiagramPane>& pane) {
   diagramPane_ = pane;
   if (pane) pane->SetContext(RefTo(*this));
   EntitiesChanged(1);
+  RememberAll();
 }
 
 void qbQueryBuilder::SetGridPane(const Ref<qbGridPane>& pane) {
   if (gridPane_ && gridPane_ != pane) gridPane_->SetContext(nullptr);
   gridPane_ = pane;
   if (pane) pane->SetContext(RefTo(*this));
+  RememberAll();
 }
 
 void qbQueryBuilder::SetSQLPane(const Ref<qbSQLPane>& pane) {
   if (sqlPane_ && sqlPane_ != pane) sqlPane_->SetContext(nullptr);
   sqlPane_ = pane;
   if (pane) pane->SetContext(RefTo(*this));
+  RememberAll();
 }
 
 bool qbQueryBuilder::HasFullJoin() const { return !sqlPane_ || DialectFor(sqlPane_->SQLSyntax()).hasFullJoin; }
@@ -170,7 +173,8 @@ std::shared_ptr<SchemaCache> qbQueryBuilder::Schema() {
 }
 
 void qbQueryBuilder::RefreshStatement() {
-  if (sqlPane_) sqlPane_->Refresh();
+  const bool keepsTyped = travelling_ && sqlPane_ && sqlPane_->IsEdited();  // typed text is never undone
+  if (sqlPane_ && !keepsTyped) sqlPane_->Refresh();
   NoteColumns();
 }
 
