@@ -1,6 +1,7 @@
 #include "designer/main_window.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QCloseEvent>
 #include <QDropEvent>
 #include <QFile>
@@ -12,11 +13,13 @@
 #include <QStatusBar>
 #include <QToolBar>
 #include <QUrl>
+#include <algorithm>
 #include <optional>
 
 #include "adapters/qt/connection_choice.h"
 #include "adapters/qt/qt_text.h"
 #include "adapters/sqlite/sqlite_provider.h"
+#include "designer/appearance.h"
 #include "hub/parameter_form.h"
 #include "platform/connection_string.h"
 #if ZRQRYBLD_HAS_ODBC
@@ -93,7 +96,12 @@ void MainWindow::WidenColumns() {
   for (std::int32_t i = 1; i <= grid.Columns()->Count(); ++i) {
     const Ref<zrGridColumn> column = grid.Columns()->Item(i);
     const bool holdsNames = column->Key() == "column" || column->Key() == "table";
-    if (column->Width() > 0) grid.FitColumn(i, holdsNames ? kNameColumnWidth : column->Width());
+    float least = holdsNames ? kNameColumnWidth : column->Width();
+    if (column->Key() == "sort_type") {
+      const Pixels longest = designer_->GridView().Metrics().TextWidth("Descending", {}) + kGridTextPadding * 3;
+      least = std::max(least, static_cast<float>(ScreenScale{}.TwipsX(longest).Value()));
+    }
+    if (column->Width() > 0) grid.FitColumn(i, least);
   }
 }
 
@@ -129,12 +137,28 @@ void MainWindow::MakeMenus() {
   view->addAction(tr("&Copy Diagram as Picture"), this, [diagram] { diagram().CopyPicture(); });
   view->addAction(tr("&Save Diagram as Picture..."), this, [diagram] { diagram().AskToSavePicture(); });
 
+  view->addSeparator();
+  MakeThemeMenu(*view->addMenu(tr("&Theme")));
+
   QMenu* help = menuBar()->addMenu(tr("&Help"));
   help->addAction(tr("&About"), this, [this] {
     QMessageBox::about(this, tr("About the Query Designer"),
                        tr("Query Designer %1\nA visual designer of SELECT statements, built on zrQryBld.")
                            .arg(QCoreApplication::applicationVersion()));
   });
+}
+
+void MainWindow::MakeThemeMenu(QMenu& menu) {
+  auto* group = new QActionGroup(&menu);
+  for (const AppearanceName& name : AllAppearances()) {
+    QAction* action = menu.addAction(tr(name.text), this, [appearance = name.appearance] {
+      StoreAppearance(appearance);
+      SetAppearance(appearance);
+    });
+    action->setCheckable(true);
+    action->setChecked(name.appearance == StoredAppearance());
+    group->addAction(action);
+  }
 }
 
 void MainWindow::MakeToolBar() {

@@ -59,6 +59,7 @@ class MainWindow : public QMainWindow {
  private:
   void MakeDocument();
   void MakeMenus();
+  void MakeThemeMenu(QMenu& menu);
   void MakeToolBar();
   void AskForDatabase();
   void AskForConnection();

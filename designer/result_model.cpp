@@ -26,8 +26,8 @@ QString OneLine(std::string_view text) {
 
 // As spreadsheets write and read it.
 QString InCell(const QString& text) {
-  const bool plain = std::none_of(text.begin(), text.end(),
-                                  [](QChar c) { return c == '\t' || c == '\n' || c == '\r' || c == '"'; });
+  const bool plain =
+      std::none_of(text.begin(), text.end(), [](QChar c) { return c == '\t' || c == '\n' || c == '\r' || c == '"'; });
   return plain ? text : '"' + QString(text).replace('"', QLatin1String("\"\"")) + '"';
 }
 
@@ -86,7 +86,7 @@ QVariant ResultModel::data(const QModelIndex& index, int role) const {
     }
     case Qt::TextAlignmentRole:
       return QVariant(value.kind == ResultKind::Number ? Qt::AlignRight | Qt::AlignVCenter
-                                                      : Qt::AlignLeading | Qt::AlignVCenter);
+                                                       : Qt::AlignLeading | Qt::AlignVCenter);
     case Qt::ForegroundRole:
       return isNull || value.kind == ResultKind::Binary ? QVariant(quiet_) : QVariant();
     default:
