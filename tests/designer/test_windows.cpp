@@ -85,6 +85,7 @@ class Windows : public DesignerWindow {
         {"zoom", [this] { Grid().ShowExpressionZoom(); }},
         {"connect", [this] { Hub().PromptForConnection(); }},
         {"parameters", [this] { Command("Parameters...")->trigger(); }},
+        {"keys", [this] { Command("Keys")->trigger(); }},
         {"about", [this] { Command("About")->trigger(); }},
         {"message", [this] { window.ShowError("The database cannot be opened:\nit is no database."); }},
     };
