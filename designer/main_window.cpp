@@ -1,6 +1,7 @@
 #include "designer/main_window.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QCloseEvent>
 #include <QDir>
 #include <QDropEvent>
@@ -16,11 +17,14 @@
 #include <QStatusBar>
 #include <QToolBar>
 #include <QUrl>
+#include <algorithm>
+#include <optional>
 
 #include "adapters/qt/connection_choice.h"
 #include "adapters/qt/qt_text.h"
 #include "adapters/sqlite/sqlite_provider.h"
 #include "base/text.h"
+#include "designer/appearance.h"
 #include "designer/key_list.h"
 #include "designer/recent_connections.h"
 #include "designer/window_memory.h"
@@ -105,7 +109,12 @@ void MainWindow::WidenColumns() {
   for (std::int32_t i = 1; i <= grid.Columns()->Count(); ++i) {
     const Ref<zrGridColumn> column = grid.Columns()->Item(i);
     const bool holdsNames = column->Key() == "column" || column->Key() == "table";
-    if (column->Width() > 0) grid.FitColumn(i, holdsNames ? kNameColumnWidth : column->Width());
+    float least = holdsNames ? kNameColumnWidth : column->Width();
+    if (column->Key() == "sort_type") {
+      const Pixels longest = designer_->GridView().Metrics().TextWidth("Descending", {}) + kGridTextPadding * 3;
+      least = std::max(least, static_cast<float>(ScreenScale{}.TwipsX(longest).Value()));
+    }
+    if (column->Width() > 0) grid.FitColumn(i, least);
   }
 }
 
@@ -153,6 +162,9 @@ void MainWindow::MakeMenus() {
   view->addAction(tr("&Copy Diagram as Picture"), this, [diagram] { diagram().CopyPicture(); });
   view->addAction(tr("&Save Diagram as Picture..."), this, [diagram] { diagram().AskToSavePicture(); });
 
+  view->addSeparator();
+  MakeThemeMenu(*view->addMenu(tr("&Theme")));
+
   QMenu* help = menuBar()->addMenu(tr("&Help"));
   help->addAction(tr("&Keys"), QKeySequence(Qt::Key_F1), this, &MainWindow::ShowKeys);
   help->addAction(tr("&About"), this, &MainWindow::ShowAbout);
@@ -190,6 +202,19 @@ void MainWindow::ShowSyntax() {
   if (!syntax_) return;
   const QSignalBlocker blocker(syntax_);
   syntax_->setCurrentIndex(designer_->QueryBuilder().SQLPane()->SQLSyntax());
+}
+
+void MainWindow::MakeThemeMenu(QMenu& menu) {
+  auto* group = new QActionGroup(&menu);
+  for (const AppearanceName& name : AllAppearances()) {
+    QAction* action = menu.addAction(tr(name.text), this, [appearance = name.appearance] {
+      StoreAppearance(appearance);
+      SetAppearance(appearance);
+    });
+    action->setCheckable(true);
+    action->setChecked(name.appearance == StoredAppearance());
+    group->addAction(action);
+  }
 }
 
 void MainWindow::MakeToolBar() {
