@@ -20,7 +20,6 @@
 #include "adapters/qt/connection_choice.h"
 #include "adapters/qt/qt_text.h"
 #include "adapters/sqlite/sqlite_provider.h"
-#include "base/text.h"
 #include "designer/key_list.h"
 #include "designer/recent_connections.h"
 #include "designer/window_memory.h"
@@ -97,7 +96,8 @@ void MainWindow::MakeDocument() {
             UpdateTitle();
             UpdateState();
             if (recovery_) recovery_->Keep();
-          }});
+          },
+          [this](const QString& text) { ShowHappened(text); }});
 }
 
 // Names are long and captions differ by language: no caption is cut off where a little width shows it.
@@ -459,7 +459,8 @@ bool MainWindow::Recover(Recovery::Lost& lost) {
   std::shared_ptr<ProviderConnection> connection;
   if (unreadable.isEmpty() && !connectionString.empty()) {
     connection = OpenAsking(connectionString, false, &remark);
-    const bool isFile = FindNoCase(connectionString, "Data Source=") != std::string::npos;
+    // Another password than none helps with servers only.
+    const bool isFile = SqliteProvider().Accepts(ConnectionString(connectionString));
     if (!connection && !isFile) connection = OpenAsking(connectionString, true, &remark);
   }
   const QString error = unreadable.isEmpty() ? document_->Recover(lost.Work(), connection) : unreadable;

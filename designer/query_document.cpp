@@ -212,6 +212,7 @@ QString QueryDocument::Open(const QString& file, QString* remark) {
   MarkUnmodified();
   Remember(file_);
   window_.changed();
+  window_.happened(tr("Opened %1").arg(QDir::toNativeSeparators(file_)));
   return {};
 }
 
@@ -259,6 +260,7 @@ QString QueryDocument::SaveAs(const QString& file) {
   MarkUnmodified();
   Remember(file_);
   window_.changed();
+  window_.happened(tr("Saved %1").arg(QDir::toNativeSeparators(file_)));
   return {};
 }
 
