@@ -91,8 +91,7 @@ void MainWindow::MakeDocument() {
           [this](const std::string& connectionString) { return TryConnection(connectionString); },
           [this](const std::shared_ptr<ProviderConnection>& connection) { UseConnection(connection); },
           [this] {
-            const QSignalBlocker blocker(syntax_);
-            syntax_->setCurrentIndex(designer_->QueryBuilder().SQLPane()->SQLSyntax());
+            ShowSyntax();
             UpdateTitle();
             UpdateState();
             if (recovery_) recovery_->Keep();
@@ -121,6 +120,8 @@ void MainWindow::MakeMenus() {
   connect(recent, &QMenu::aboutToShow, this, [this, recent] { FillRecentConnections(*recent); });
   file->addSeparator();
   file->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
+
+  MakeEditMenu();
 
   QMenu* query = menuBar()->addMenu(tr("&Query"));
   addTables_ = query->addAction(tr("&Add Tables..."), QKeySequence(Qt::Key_F7), this, &MainWindow::PickTables);
@@ -155,6 +156,40 @@ void MainWindow::MakeMenus() {
   QMenu* help = menuBar()->addMenu(tr("&Help"));
   help->addAction(tr("&Keys"), QKeySequence(Qt::Key_F1), this, &MainWindow::ShowKeys);
   help->addAction(tr("&About"), this, &MainWindow::ShowAbout);
+}
+
+// An editor that is open takes the same keys for itself first.
+void MainWindow::MakeEditMenu() {
+  qbQueryBuilder& hub = designer_->QueryBuilder();
+  QMenu* edit = menuBar()->addMenu(tr("&Edit"));
+  const auto travel = [this](bool (qbQueryBuilder::*way)()) {
+    const QString error = Guarded([&] { (designer_->QueryBuilder().*way)(); });
+    if (!error.isEmpty()) ShowError(error);
+  };
+  undo_ = edit->addAction(tr("&Undo"), this, [travel] { travel(&qbQueryBuilder::Undo); });
+  undo_->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Z));
+  redo_ = edit->addAction(tr("&Redo"), this, [travel] { travel(&qbQueryBuilder::Redo); });
+  redo_->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
+  links_.push_back(hub.HistoryChanged.Connect([this] { UpdateHistory(); }));
+  UpdateHistory();
+}
+
+void MainWindow::UpdateHistory() {
+  const qbQueryBuilder& hub = designer_->QueryBuilder();
+  const auto show = [](QAction& action, const QString& what, const std::string& step) {
+    action.setEnabled(!step.empty());
+    action.setText(step.empty() ? what : what + QLatin1Char(' ') + ToQString(step).replace("&", "&&"));
+  };
+  show(*undo_, tr("&Undo"), hub.CanUndo() ? hub.UndoText() : std::string());
+  show(*redo_, tr("&Redo"), hub.CanRedo() ? hub.RedoText() : std::string());
+  ShowSyntax();
+}
+
+// The box follows a dialect that a query or a step brings along.
+void MainWindow::ShowSyntax() {
+  if (!syntax_) return;
+  const QSignalBlocker blocker(syntax_);
+  syntax_->setCurrentIndex(designer_->QueryBuilder().SQLPane()->SQLSyntax());
 }
 
 void MainWindow::MakeToolBar() {
@@ -349,7 +384,9 @@ void MainWindow::AskForParameters() {
 
 QStringList MainWindow::AddTables(const QStringList& names) {
   qbQueryBuilder& hub = designer_->QueryBuilder();
-  const StepScope step(hub.Hub(), "Add tables");  // one statement at the end, not one for each table
+  // One step and one statement at the end, not one for each table.
+  const StepScope step(hub.Hub(), names.size() == 1 ? kStepAddTable : kStepAddTables,
+                       names.size() == 1 ? ToUtf8(names.front()) : std::string());
   QStringList errors;
   for (const QString& name : names) {
     const std::int32_t before = hub.Entities()->Count();
@@ -406,9 +443,13 @@ void MainWindow::SetSyntax(const QString& name) {
 }
 
 void MainWindow::SyntaxChosen(int index) {
-  const Ref<qbSQLPane> pane = designer_->QueryBuilder().SQLPane();
-  pane->SetSQLSyntax(static_cast<SQLSyntaxEnum>(index));
-  if (const QString error = Guarded([&] { pane->Refresh(); }); !error.isEmpty()) ShowError(error);
+  qbQueryBuilder& hub = designer_->QueryBuilder();
+  const QString error = Guarded([&] {
+    const StepScope step(hub.Hub(), kStepDialect);
+    hub.SQLPane()->SetSQLSyntax(static_cast<SQLSyntaxEnum>(index));
+    hub.QueryChanged();
+  });
+  if (!error.isEmpty()) ShowError(error);
 }
 
 QString MainWindow::Statement() const {

@@ -72,6 +72,7 @@ class MainWindow : public QMainWindow {
  private:
   void MakeDocument();
   void MakeMenus();
+  void MakeEditMenu();
   void MakeToolBar();
   void AskForDatabase();
   void AskForConnection();
@@ -94,6 +95,8 @@ class MainWindow : public QMainWindow {
   void SyntaxChosen(int index);
   void WidenColumns();
   void UpdateState();
+  void UpdateHistory();
+  void ShowSyntax();
   /// Runs a command; an error becomes its message.
   static QString Guarded(const std::function<void()>& command);
 
@@ -106,6 +109,8 @@ class MainWindow : public QMainWindow {
   QString sourceName_;
   QComboBox* syntax_ = nullptr;
   QLabel* source_ = nullptr;
+  QAction* undo_ = nullptr;
+  QAction* redo_ = nullptr;
   QAction* addTables_ = nullptr;
   QAction* clear_ = nullptr;
   QAction* showPreview_ = nullptr;

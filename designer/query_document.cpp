@@ -56,7 +56,7 @@ std::string QueryDocument::Text() const {
 }
 
 void QueryDocument::Clear() {
-  const StepScope step(hub_.Hub(), "Clear");
+  const StepScope step(hub_.Hub(), kStepClear);
   hub_.DiagramPane()->Clear();
   hub_.GridPane()->ResetRows();
   hub_.SetSelectTopRecords("");
@@ -67,6 +67,7 @@ void QueryDocument::Clear() {
 void QueryDocument::Reset() {
   Clear();
   file_.clear();
+  hub_.ClearHistory();
   MarkUnmodified();
   window_.changed();
 }
@@ -209,6 +210,7 @@ QString QueryDocument::Open(const QString& file, QString* remark) {
     return message;
   }
   file_ = QFileInfo(file).absoluteFilePath();
+  hub_.ClearHistory();  // another document, perhaps of another source
   MarkUnmodified();
   Remember(file_);
   window_.changed();
