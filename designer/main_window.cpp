@@ -162,15 +162,24 @@ void MainWindow::MakeMenus() {
 void MainWindow::MakeEditMenu() {
   qbQueryBuilder& hub = designer_->QueryBuilder();
   QMenu* edit = menuBar()->addMenu(tr("&Edit"));
-  const auto travel = [this](bool (qbQueryBuilder::*way)()) {
+  const auto travel = [this](bool (qbQueryBuilder::*way)(), const QString& done, const std::string& step) {
     const QString error = Guarded([&] { (designer_->QueryBuilder().*way)(); });
     if (!error.isEmpty()) ShowError(error);
+    if (error.isEmpty()) ShowHappened(done.arg(ToQString(step)));
   };
-  undo_ = edit->addAction(tr("&Undo"), this, [travel] { travel(&qbQueryBuilder::Undo); });
+  undo_ = edit->addAction(tr("&Undo"), this, [this, travel] {
+    travel(&qbQueryBuilder::Undo, tr("Undone: %1"), designer_->QueryBuilder().UndoText());
+  });
   undo_->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Z));
-  redo_ = edit->addAction(tr("&Redo"), this, [travel] { travel(&qbQueryBuilder::Redo); });
+  redo_ = edit->addAction(tr("&Redo"), this, [this, travel] {
+    travel(&qbQueryBuilder::Redo, tr("Done again: %1"), designer_->QueryBuilder().RedoText());
+  });
   redo_->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
-  links_.push_back(hub.HistoryChanged.Connect([this] { UpdateHistory(); }));
+  links_.push_back(hub.HistoryChanged.Connect([this] {
+    UpdateHistory();
+    if (designer_->QueryBuilder().CanUndo()) ShowHappened(ToQString(designer_->QueryBuilder().UndoText()));
+    if (recovery_) recovery_->Changed();
+  }));
   UpdateHistory();
 }
 

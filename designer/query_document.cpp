@@ -149,6 +149,7 @@ QString QueryDocument::Recover(const KeptWork& work, const std::shared_ptr<Provi
     return ToQString(error.what());
   }
   file_ = work.file;
+  hub_.ClearHistory();
   saved_.clear();
   window_.changed();
   return {};
