@@ -88,7 +88,7 @@ void Begin(MainWindow& window, const DesignerOptions& options, const QElapsedTim
   if (!options.measureStart) return;
   QCoreApplication::processEvents();  // painted
   QTextStream(stdout) << "usable after " << sinceStart.elapsed() << " ms, " << ResidentKib() << " KiB resident\n";
-  QCoreApplication::quit();
+  QCoreApplication::exit();  // not quit: nobody is there to be asked about unsaved changes
 }
 
 }  // namespace

@@ -23,7 +23,6 @@
 #include "adapters/qt/connection_choice.h"
 #include "adapters/qt/qt_text.h"
 #include "adapters/sqlite/sqlite_provider.h"
-#include "base/text.h"
 #include "designer/appearance.h"
 #include "designer/key_list.h"
 #include "designer/recent_connections.h"
@@ -100,7 +99,8 @@ void MainWindow::MakeDocument() {
             UpdateTitle();
             UpdateState();
             if (recovery_) recovery_->Keep();
-          }});
+          },
+          [this](const QString& text) { ShowHappened(text); }});
 }
 
 // Names are long and captions differ by language: no caption is cut off where a little width shows it.
@@ -174,15 +174,24 @@ void MainWindow::MakeMenus() {
 void MainWindow::MakeEditMenu() {
   qbQueryBuilder& hub = designer_->QueryBuilder();
   QMenu* edit = menuBar()->addMenu(tr("&Edit"));
-  const auto travel = [this](bool (qbQueryBuilder::*way)()) {
+  const auto travel = [this](bool (qbQueryBuilder::*way)(), const QString& done, const std::string& step) {
     const QString error = Guarded([&] { (designer_->QueryBuilder().*way)(); });
     if (!error.isEmpty()) ShowError(error);
+    if (error.isEmpty()) ShowHappened(done.arg(ToQString(step)));
   };
-  undo_ = edit->addAction(tr("&Undo"), this, [travel] { travel(&qbQueryBuilder::Undo); });
+  undo_ = edit->addAction(tr("&Undo"), this, [this, travel] {
+    travel(&qbQueryBuilder::Undo, tr("Undone: %1"), designer_->QueryBuilder().UndoText());
+  });
   undo_->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Z));
-  redo_ = edit->addAction(tr("&Redo"), this, [travel] { travel(&qbQueryBuilder::Redo); });
+  redo_ = edit->addAction(tr("&Redo"), this, [this, travel] {
+    travel(&qbQueryBuilder::Redo, tr("Done again: %1"), designer_->QueryBuilder().RedoText());
+  });
   redo_->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
-  links_.push_back(hub.HistoryChanged.Connect([this] { UpdateHistory(); }));
+  links_.push_back(hub.HistoryChanged.Connect([this] {
+    UpdateHistory();
+    if (designer_->QueryBuilder().CanUndo()) ShowHappened(ToQString(designer_->QueryBuilder().UndoText()));
+    if (recovery_) recovery_->Changed();
+  }));
   UpdateHistory();
 }
 
@@ -525,7 +534,8 @@ bool MainWindow::Recover(Recovery::Lost& lost) {
   std::shared_ptr<ProviderConnection> connection;
   if (unreadable.isEmpty() && !connectionString.empty()) {
     connection = OpenAsking(connectionString, false, &remark);
-    const bool isFile = FindNoCase(connectionString, "Data Source=") != std::string::npos;
+    // Another password than none helps with servers only.
+    const bool isFile = SqliteProvider().Accepts(ConnectionString(connectionString));
     if (!connection && !isFile) connection = OpenAsking(connectionString, true, &remark);
   }
   const QString error = unreadable.isEmpty() ? document_->Recover(lost.Work(), connection) : unreadable;
