@@ -30,15 +30,6 @@ bool LoadQueryFrom(Hub& hub, const std::string& filename, const Variant& fileIsD
 
 std::string LastErrorText(const Hub& hub) { return hub.LastError() ? hub.LastError()->Description() : std::string(); }
 
-template <class Control>
-void ReadFrom(Control& control, const PropertyBag& bag) {
-  control.ReadProperties(bag.Store());
-}
-template <class Control>
-void WriteTo(Control& control, PropertyBag& bag) {
-  control.WriteProperties(bag.Store());
-}
-
 constexpr Member kQueryBuilder[] = {
     Method<Hub, &Hub::AddTable>("AddTable", "TableName"),
     ReadWrite<Hub, &Hub::AllowJoinProperties, &Hub::SetAllowJoinProperties>("AllowJoinProperties"),
@@ -78,6 +69,7 @@ constexpr Member kQueryBuilder[] = {
     Method<Hub, &Hub::HasTable>("HasTable", "TableName"),
     ReadOnly<Hub, &LastErrorText>("LastErrorText"),
     ReadWrite<Hub, &Hub::SavePassword, &Hub::SetSavePassword>("SavePassword"),
+    Method<Hub, &Hub::AskParameters>("AskParameters", "SQL"),
     Method<Hub, &Hub::QuoteIdentifier>("QuoteIdentifier", "Name"),
     Method<Hub, &Hub::InitProperties>("InitProperties"),
     Method<Hub, &ReadFrom<Hub>>("ReadProperties", "Bag"),
