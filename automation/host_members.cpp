@@ -30,6 +30,8 @@ bool LoadQueryFrom(Hub& hub, const std::string& filename, const Variant& fileIsD
 
 std::string LastErrorText(const Hub& hub) { return hub.LastError() ? hub.LastError()->Description() : std::string(); }
 
+void BeginNamedStep(Hub& hub, const std::string& name) { hub.BeginStep(name); }
+
 constexpr Member kQueryBuilder[] = {
     Method<Hub, &Hub::AddTable>("AddTable", "TableName"),
     ReadWrite<Hub, &Hub::AllowJoinProperties, &Hub::SetAllowJoinProperties>("AllowJoinProperties"),
@@ -71,6 +73,16 @@ constexpr Member kQueryBuilder[] = {
     ReadWrite<Hub, &Hub::SavePassword, &Hub::SetSavePassword>("SavePassword"),
     Method<Hub, &Hub::AskParameters>("AskParameters", "SQL"),
     Method<Hub, &Hub::QuoteIdentifier>("QuoteIdentifier", "Name"),
+    Method<Hub, &Hub::Undo>("Undo"),
+    Method<Hub, &Hub::Redo>("Redo"),
+    ReadOnly<Hub, &Hub::CanUndo>("CanUndo"),
+    ReadOnly<Hub, &Hub::CanRedo>("CanRedo"),
+    ReadOnly<Hub, &Hub::UndoText>("UndoText"),
+    ReadOnly<Hub, &Hub::RedoText>("RedoText"),
+    Method<Hub, &Hub::ClearHistory>("ClearHistory"),
+    Method<Hub, &BeginNamedStep>("BeginStep", "Name"),
+    Method<Hub, &Hub::EndStep>("EndStep"),
+    Raised<Hub, &Hub::HistoryChanged>("HistoryChanged"),
     Method<Hub, &Hub::InitProperties>("InitProperties"),
     Method<Hub, &ReadFrom<Hub>>("ReadProperties", "Bag"),
     Method<Hub, &WriteTo<Hub>>("WriteProperties", "Bag"),

@@ -25,6 +25,7 @@ enum QueryBuilderErrorEnum : std::int32_t {
 
 /// Numbers that the library shares with the data access layers it talks to.
 enum CommonErrorEnum : std::int32_t {
+  ErrorInvalidCall = 5,            ///< the call makes no sense now
   ErrorTypeMismatch = 13,          ///< a value cannot be read as the type asked for
   ErrorNoSuchItem = 9,             ///< no such position or key
   ErrorFileAccess = 75,            ///< a file cannot be read or written

@@ -1,7 +1,11 @@
 // The designer: a window for people, and a script's tool with --print-sql and --screenshot.
 #include <QApplication>
+#include <QElapsedTimer>
+#include <QFile>
 #include <QTextStream>
 #include <QTimer>
+#include <chrono>
+#include <cstdlib>
 
 #include "designer/main_window.h"
 #include "designer/options.h"
@@ -10,6 +14,8 @@ namespace {
 
 using zrqrybld::DesignerOptions;
 using zrqrybld::MainWindow;
+
+constexpr std::chrono::milliseconds kPatienceAtEnd{1000};
 
 // Does what the command line asks for; returns what went wrong.
 QStringList Prepare(MainWindow& window, const DesignerOptions& options) {
@@ -63,9 +69,32 @@ int RunScript(MainWindow& window, const DesignerOptions& options) {
   return 0;
 }
 
+// The memory in use, where the system tells it.
+qint64 ResidentKib() {
+  QFile file("/proc/self/status");
+  if (!file.open(QIODevice::ReadOnly)) return 0;
+  for (const QByteArray& line : file.readAll().split('\n')) {
+    if (line.startsWith("VmRSS:")) return line.mid(6).trimmed().split(' ').first().toLongLong();
+  }
+  return 0;
+}
+
+void Begin(MainWindow& window, const DesignerOptions& options, const QElapsedTimer& sinceStart) {
+  const bool recovered = !options.measureStart && window.OfferLostWork();
+  if (!recovered) {
+    for (const QString& error : Prepare(window, options)) window.ShowError(error);
+  }
+  if (!options.measureStart) return;
+  QCoreApplication::processEvents();  // painted
+  QTextStream(stdout) << "usable after " << sinceStart.elapsed() << " ms, " << ResidentKib() << " KiB resident\n";
+  QCoreApplication::quit();
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  QElapsedTimer sinceStart;
+  sinceStart.start();
   QApplication application(argc, argv);
   QApplication::setOrganizationName("zrqrybld");  // where its settings are kept
   QApplication::setApplicationName("zrqrybld-designer");
@@ -74,9 +103,11 @@ int main(int argc, char** argv) {
   const DesignerOptions options = zrqrybld::ReadCommandLine(QApplication::arguments());
   MainWindow window;
   if (options.IsScript()) return RunScript(window, options);
+  window.BeginSession();
   window.show();
-  QTimer::singleShot(0, &window, [&] {
-    for (const QString& error : Prepare(window, options)) window.ShowError(error);
-  });
-  return QApplication::exec();
+  QTimer::singleShot(0, &window, [&] { Begin(window, options, sinceStart); });
+  const int status = QApplication::exec();
+  // A source that does not answer must not keep the program alive; everything else is done by now.
+  if (!zrqrybld::PreviewJob::WaitForAll(kPatienceAtEnd)) std::_Exit(status);
+  return status;
 }

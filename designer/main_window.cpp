@@ -2,21 +2,28 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QDir>
 #include <QDropEvent>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QInputDialog>
+#include <QLocale>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPushButton>
 #include <QStatusBar>
 #include <QToolBar>
 #include <QUrl>
-#include <optional>
 
 #include "adapters/qt/connection_choice.h"
 #include "adapters/qt/qt_text.h"
 #include "adapters/sqlite/sqlite_provider.h"
+#include "base/text.h"
+#include "designer/key_list.h"
+#include "designer/recent_connections.h"
+#include "designer/window_memory.h"
 #include "hub/parameter_form.h"
 #include "platform/connection_string.h"
 #if ZRQRYBLD_HAS_ODBC
@@ -28,25 +35,24 @@ namespace {
 
 constexpr float kNameColumnWidth = 2400;  // twips
 constexpr double kZoomStep = 1.25;
-
-// What a source is called in the window: its file, its name or its place. Passwords are taken out first, also those
-// inside a value.
-QString SourceName(const std::string& connectionString) {
-  const ConnectionString parts(ConnectionString(connectionString).WithoutPassword());
-  for (const char* key : {"Data Source", "DSN", "Database", "DBQ", "Server", "Driver", "Provider"}) {
-    const std::optional<std::string> value = parts.Get(key);
-    if (!value || value->empty()) continue;
-    const QString fileName = QFileInfo(ToQString(*value)).fileName();
-    return fileName.isEmpty() ? ToQString(*value) : fileName;
-  }
-  return MainWindow::tr("a data source");
-}
+constexpr int kDesignerShare = 500;  // pixels, of a window of usual height
+constexpr int kPreviewShare = 200;
+constexpr int kLeastPreview = 96;
 
 }  // namespace
 
-MainWindow::MainWindow() : designer_(new QueryDesignerWidget(this)) {
+MainWindow::MainWindow()
+    : panes_(new QSplitter(Qt::Vertical, this)), designer_(new QueryDesignerWidget), preview_(new PreviewPane) {
   setWindowTitle("Query Designer");
-  setCentralWidget(designer_);
+  panes_->addWidget(designer_);
+  panes_->addWidget(preview_);
+  panes_->setChildrenCollapsible(false);
+  panes_->setHandleWidth(6);
+  panes_->setSizes({kDesignerShare, kPreviewShare});
+  panes_->setStretchFactor(0, 1);
+  preview_->setMinimumHeight(kLeastPreview);
+  preview_->hide();
+  setCentralWidget(panes_);
   resize(1120, 780);
 
   qbQueryBuilder& hub = designer_->QueryBuilder();
@@ -61,13 +67,19 @@ MainWindow::MainWindow() : designer_(new QueryDesignerWidget(this)) {
   WidenColumns();
 
   MakeDocument();
+  query_ = std::make_unique<QueryPreview>(*designer_, *preview_);
+  connect(preview_, &PreviewPane::Finished, this, &MainWindow::ShowHappened);
+  connect(preview_, &PreviewPane::RunWanted, this, &MainWindow::RunPreview);
   MakeMenus();
   MakeToolBar();
   setAcceptDrops(true);
   source_ = new QLabel(this);
   source_->setTextFormat(Qt::PlainText);  // a file's name is no markup
   statusBar()->addPermanentWidget(source_);
-  links_.push_back(hub.SQLPane()->SQLChanged.Connect([this] { UpdateState(); }));
+  links_.push_back(hub.SQLPane()->SQLChanged.Connect([this] {
+    UpdateState();
+    if (recovery_) recovery_->Changed();
+  }));
   hub.SQLPane()->Refresh();
   document_->MarkUnmodified();
   UpdateState();
@@ -80,10 +92,10 @@ void MainWindow::MakeDocument() {
           [this](const std::string& connectionString) { return TryConnection(connectionString); },
           [this](const std::shared_ptr<ProviderConnection>& connection) { UseConnection(connection); },
           [this] {
-            const QSignalBlocker blocker(syntax_);
-            syntax_->setCurrentIndex(designer_->QueryBuilder().SQLPane()->SQLSyntax());
+            ShowSyntax();
             UpdateTitle();
             UpdateState();
+            if (recovery_) recovery_->Keep();
           }});
 }
 
@@ -104,13 +116,20 @@ void MainWindow::MakeMenus() {
   file->addAction(tr("Open &Database..."), QKeySequence(Qt::CTRL | Qt::Key_D), this, &MainWindow::AskForDatabase);
   file->addAction(tr("&Connect..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O), this,
                   &MainWindow::AskForConnection);
+  QMenu* recent = file->addMenu(tr("Connect to R&ecent"));
+  connect(recent, &QMenu::aboutToShow, this, [this, recent] { FillRecentConnections(*recent); });
   file->addSeparator();
   file->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
+
+  MakeEditMenu();
 
   QMenu* query = menuBar()->addMenu(tr("&Query"));
   addTables_ = query->addAction(tr("&Add Tables..."), QKeySequence(Qt::Key_F7), this, &MainWindow::PickTables);
   query->addAction(tr("&Parameters..."), this, &MainWindow::AskForParameters);
   clear_ = query->addAction(tr("&Clear"), this, [this] { designer_->QueryBuilder().DiagramPane()->Clear(); });
+  query->addSeparator();
+  query->addAction(tr("&Run Preview"), QKeySequence(Qt::Key_F5), this, &MainWindow::RunPreview);
+  query->addAction(tr("&Stop Preview"), QKeySequence(Qt::SHIFT | Qt::Key_F5), preview_, &PreviewPane::Stop);
 
   const auto diagram = [this]() -> qbDiagramPane& { return *designer_->QueryBuilder().DiagramPane(); };
   const auto zoomBy = [this, diagram](double factor) {
@@ -126,15 +145,51 @@ void MainWindow::MakeMenus() {
   view->addAction(tr("&Actual Size"), QKeySequence(Qt::CTRL | Qt::Key_0), this,
                   [zoomBy, diagram] { zoomBy(1 / diagram().Zoom()); });
   view->addSeparator();
+  showPreview_ = view->addAction(tr("&Result Preview"));
+  showPreview_->setCheckable(true);
+  connect(showPreview_, &QAction::toggled, preview_, &QWidget::setVisible);
+  connect(preview_, &PreviewPane::CloseWanted, showPreview_, [this] { showPreview_->setChecked(false); });
+  view->addSeparator();
   view->addAction(tr("&Copy Diagram as Picture"), this, [diagram] { diagram().CopyPicture(); });
   view->addAction(tr("&Save Diagram as Picture..."), this, [diagram] { diagram().AskToSavePicture(); });
 
   QMenu* help = menuBar()->addMenu(tr("&Help"));
-  help->addAction(tr("&About"), this, [this] {
-    QMessageBox::about(this, tr("About the Query Designer"),
-                       tr("Query Designer %1\nA visual designer of SELECT statements, built on zrQryBld.")
-                           .arg(QCoreApplication::applicationVersion()));
-  });
+  help->addAction(tr("&Keys"), QKeySequence(Qt::Key_F1), this, &MainWindow::ShowKeys);
+  help->addAction(tr("&About"), this, &MainWindow::ShowAbout);
+}
+
+// An editor that is open takes the same keys for itself first.
+void MainWindow::MakeEditMenu() {
+  qbQueryBuilder& hub = designer_->QueryBuilder();
+  QMenu* edit = menuBar()->addMenu(tr("&Edit"));
+  const auto travel = [this](bool (qbQueryBuilder::*way)()) {
+    const QString error = Guarded([&] { (designer_->QueryBuilder().*way)(); });
+    if (!error.isEmpty()) ShowError(error);
+  };
+  undo_ = edit->addAction(tr("&Undo"), this, [travel] { travel(&qbQueryBuilder::Undo); });
+  undo_->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Z));
+  redo_ = edit->addAction(tr("&Redo"), this, [travel] { travel(&qbQueryBuilder::Redo); });
+  redo_->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
+  links_.push_back(hub.HistoryChanged.Connect([this] { UpdateHistory(); }));
+  UpdateHistory();
+}
+
+void MainWindow::UpdateHistory() {
+  const qbQueryBuilder& hub = designer_->QueryBuilder();
+  const auto show = [](QAction& action, const QString& what, const std::string& step) {
+    action.setEnabled(!step.empty());
+    action.setText(step.empty() ? what : what + QLatin1Char(' ') + ToQString(step).replace("&", "&&"));
+  };
+  show(*undo_, tr("&Undo"), hub.CanUndo() ? hub.UndoText() : std::string());
+  show(*redo_, tr("&Redo"), hub.CanRedo() ? hub.RedoText() : std::string());
+  ShowSyntax();
+}
+
+// The box follows a dialect that a query or a step brings along.
+void MainWindow::ShowSyntax() {
+  if (!syntax_) return;
+  const QSignalBlocker blocker(syntax_);
+  syntax_->setCurrentIndex(designer_->QueryBuilder().SQLPane()->SQLSyntax());
 }
 
 void MainWindow::MakeToolBar() {
@@ -191,6 +246,47 @@ void MainWindow::AskForConnection() {
   if (const QString error = Connect(chosen, true); !error.isEmpty()) ShowError(error);
 }
 
+void MainWindow::FillRecentConnections(QMenu& menu) {
+  menu.clear();
+  for (const RecentConnection& recent : RecentConnections()) {
+    menu.addAction(SourceTitle(recent.text).replace("&", "&&"), this, [this, recent] {
+      QString error;
+      const std::shared_ptr<ProviderConnection> connection = OpenAsking(recent.text, recent.asksPassword, &error);
+      if (connection) error = ConnectTo(connection, true);
+      if (!error.isEmpty()) ShowError(error);
+    });
+  }
+  if (menu.isEmpty()) menu.addAction(tr("No recent connections"))->setEnabled(false);
+}
+
+// Passwords are not kept, so the user may have to type one. Nothing when the source cannot be opened, with the reason
+// unless the user has cancelled.
+std::shared_ptr<ProviderConnection> MainWindow::OpenAsking(std::string connectionString, bool askFirst,
+                                                           QString* error) {
+  const std::string kept = connectionString;
+  bool ask = askFirst;
+  QString reason;
+  while (true) {
+    if (ask) {
+      bool given = false;
+      const QString label = reason.isEmpty() ? QString() : reason + "\n\n";
+      const QString password = QInputDialog::getText(
+          this, tr("Password"), label + tr("Password for %1:").arg(SourceTitle(kept)), QLineEdit::Password, {}, &given);
+      if (!given) return nullptr;
+      connectionString = WithPassword(kept, ToUtf8(password));
+    }
+    std::shared_ptr<ProviderConnection> connection;
+    reason = Guarded([&] {
+      const BusyPointer busy(designer_->QueryBuilder().GetToolkit());
+      connection = TryConnection(connectionString);
+    });
+    if (connection) return connection;
+    *error = reason;
+    if (!askFirst) return nullptr;
+    error->clear();
+  }
+}
+
 std::shared_ptr<ProviderConnection> MainWindow::TryConnection(const std::string& connectionString) const {
   auto connection = std::make_shared<ProviderConnection>(designer_->QueryBuilder().GetToolkit().Providers());
   connection->SetConnectionString(connectionString);
@@ -206,11 +302,15 @@ QString MainWindow::Connect(const std::string& connectionString, bool mayAsk) {
   std::shared_ptr<ProviderConnection> connection;
   const QString error = Guarded([&] { connection = TryConnection(connectionString); });
   if (!error.isEmpty()) return error;
+  return ConnectTo(connection, mayAsk);
+}
+
+QString MainWindow::ConnectTo(const std::shared_ptr<ProviderConnection>& connection, bool mayAsk) {
   if (mayAsk && !document_->MaySetAside()) return {};
   return Guarded([&] {
     UseConnection(connection);
     document_->Reset();
-    statusBar()->showMessage(tr("Connected to %1").arg(sourceName_));
+    ShowHappened(tr("Connected to %1").arg(sourceName_));
   });
 }
 
@@ -218,8 +318,10 @@ void MainWindow::UseConnection(const std::shared_ptr<ProviderConnection>& connec
   qbQueryBuilder& hub = designer_->QueryBuilder();
   hub.DiagramPane()->Clear();
   hub.SetConnection(connection);
+  query_->SourceChanged();
   sourceName_ = SourceName(connection->ConnectionString());
   source_->setText(sourceName_);
+  if (recovery_) RememberConnection(connection->ConnectionString());
 }
 
 void MainWindow::UpdateTitle() {
@@ -230,7 +332,16 @@ void MainWindow::UpdateTitle() {
   setWindowTitle(parts.join(" - "));
 }
 
-void MainWindow::closeEvent(QCloseEvent* event) { event->setAccepted(document_->MaySetAside()); }
+void MainWindow::closeEvent(QCloseEvent* event) {
+  event->setAccepted(document_->MaySetAside());
+  if (!event->isAccepted()) return;
+  preview_->Clear();
+  if (!recovery_) return;
+  recovery_.reset();
+  StoreLayout({*this, *panes_, *designer_});
+}
+
+void MainWindow::ShowHappened(const QString& text) { statusBar()->showMessage(text); }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
   if (event->mimeData()->urls().size() == 1 && event->mimeData()->urls().first().isLocalFile()) {
@@ -273,7 +384,9 @@ void MainWindow::AskForParameters() {
 
 QStringList MainWindow::AddTables(const QStringList& names) {
   qbQueryBuilder& hub = designer_->QueryBuilder();
-  const StepScope step(hub.Hub(), "Add tables");  // one statement at the end, not one for each table
+  // One step and one statement at the end, not one for each table.
+  const StepScope step(hub.Hub(), names.size() == 1 ? kStepAddTable : kStepAddTables,
+                       names.size() == 1 ? ToUtf8(names.front()) : std::string());
   QStringList errors;
   for (const QString& name : names) {
     const std::int32_t before = hub.Entities()->Count();
@@ -330,13 +443,100 @@ void MainWindow::SetSyntax(const QString& name) {
 }
 
 void MainWindow::SyntaxChosen(int index) {
-  const Ref<qbSQLPane> pane = designer_->QueryBuilder().SQLPane();
-  pane->SetSQLSyntax(static_cast<SQLSyntaxEnum>(index));
-  if (const QString error = Guarded([&] { pane->Refresh(); }); !error.isEmpty()) ShowError(error);
+  qbQueryBuilder& hub = designer_->QueryBuilder();
+  const QString error = Guarded([&] {
+    const StepScope step(hub.Hub(), kStepDialect);
+    hub.SQLPane()->SetSQLSyntax(static_cast<SQLSyntaxEnum>(index));
+    hub.QueryChanged();
+  });
+  if (!error.isEmpty()) ShowError(error);
 }
 
 QString MainWindow::Statement() const {
   return ToQString(designer_->QueryBuilder().SQLPane()->SQLStatement()).replace("\r\n", "\n");
+}
+
+// --- Result preview ---
+
+void MainWindow::RunPreview() {
+  showPreview_->setChecked(true);
+  if (const QString error = Guarded([this] { query_->Run(); }); !error.isEmpty()) ShowError(error);
+}
+
+// --- From start to start ---
+
+void MainWindow::BeginSession() {
+  if (recovery_) return;
+  RestoreLayout({*this, *panes_, *designer_});
+  recovery_ = std::make_unique<Recovery>([this] { return document_->UnsavedWork(); }, nullptr);
+  connect(recovery_.get(), &Recovery::Failed, this, [this](const QString& folder) {
+    ShowHappened(tr("Unsaved work cannot be kept in %1").arg(QDir::toNativeSeparators(folder)));
+  });
+  recovery_->Start();
+}
+
+bool MainWindow::OfferLostWork() {
+  std::optional<Recovery::Lost> lost = Recovery::FindLost();
+  if (!lost) return false;
+  const QString name = lost->Work().file.isEmpty() ? tr("A query that was never saved") : lost->Work().file;
+  QMessageBox box(QMessageBox::Question, QCoreApplication::applicationName(),
+                  tr("The designer has ended unexpectedly with unsaved work. Bring it back?"), QMessageBox::NoButton,
+                  this);
+  box.setTextFormat(Qt::PlainText);
+  box.setInformativeText(tr("%1, changed on %2.").arg(name, QLocale().toString(lost->Time(), QLocale::ShortFormat)));
+  const QAbstractButton* recover = box.addButton(tr("&Bring Back"), QMessageBox::AcceptRole);
+  const QAbstractButton* discard = box.addButton(tr("&Delete It"), QMessageBox::DestructiveRole);
+  box.setEscapeButton(box.addButton(tr("Ask &Later"), QMessageBox::RejectRole));
+  box.exec();
+  if (box.clickedButton() == discard) lost->Discard();
+  return box.clickedButton() == recover && Recover(*lost);
+}
+
+bool MainWindow::Recover(Recovery::Lost& lost) {
+  std::string connectionString;
+  QString remark;
+  const QString unreadable =
+      Guarded([&] { designer_->QueryBuilder().LoadQuery(lost.Work().query, true, true, nullptr, &connectionString); });
+  std::shared_ptr<ProviderConnection> connection;
+  if (unreadable.isEmpty() && !connectionString.empty()) {
+    connection = OpenAsking(connectionString, false, &remark);
+    const bool isFile = FindNoCase(connectionString, "Data Source=") != std::string::npos;
+    if (!connection && !isFile) connection = OpenAsking(connectionString, true, &remark);
+  }
+  const QString error = unreadable.isEmpty() ? document_->Recover(lost.Work(), connection) : unreadable;
+  if (!error.isEmpty()) {
+    ShowError(error);
+    return false;
+  }
+  if (!lost.Work().typed.empty()) {
+    designer_->SqlView().selectAll();
+    designer_->SqlView().insertPlainText(ToQString(lost.Work().typed).replace("\r\n", "\n"));
+  }
+  if (recovery_) recovery_->Keep();
+  lost.Discard();
+  ShowHappened(tr("Unsaved work is back"));
+  if (!connection && !connectionString.empty()) {
+    QMessageBox::information(this, windowTitle(),
+                             tr("The query is back without its source, which cannot be opened. Save it, connect, and "
+                                "open it again to go on with its tables."));
+  }
+  return true;
+}
+
+// --- Help ---
+
+void MainWindow::ShowKeys() {
+  KeyList list(this);
+  list.exec();
+}
+
+void MainWindow::ShowAbout() {
+  QMessageBox::about(this, tr("About the Query Designer"),
+                     tr("<h3>Query Designer %1</h3>"
+                        "<p>A visual designer of SELECT statements, built on zrQryBld.</p>"
+                        "<p>The preview runs them read-only; nothing is ever written to a source.</p>"
+                        "<p>With Qt %2. MIT licence.</p>")
+                         .arg(QCoreApplication::applicationVersion().toHtmlEscaped(), qVersion()));
 }
 
 }  // namespace zrqrybld

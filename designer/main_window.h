@@ -4,12 +4,16 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QMainWindow>
+#include <QSplitter>
 #include <functional>
 #include <memory>
 #include <string>
 
 #include "adapters/qt/query_designer_widget.h"
+#include "designer/preview_pane.h"
 #include "designer/query_document.h"
+#include "designer/query_preview.h"
+#include "designer/recovery.h"
 #include "platform/provider.h"
 
 namespace zrqrybld {
@@ -51,6 +55,15 @@ class MainWindow : public QMainWindow {
   /// Shows a message to the user.
   void ShowError(const QString& message);
 
+  /// Begins to work for a user: takes the window's last layout, and keeps unsaved work from now on. A window that does
+  /// the work of a script remembers nothing.
+  void BeginSession();
+  /// Offers work that an earlier designer has lost. Whether it is now the query of this one.
+  bool OfferLostWork();
+
+  /// The pane with the query's rows; hidden until they are asked for.
+  PreviewPane& Preview() { return *preview_; }
+
  protected:
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
@@ -59,29 +72,48 @@ class MainWindow : public QMainWindow {
  private:
   void MakeDocument();
   void MakeMenus();
+  void MakeEditMenu();
   void MakeToolBar();
   void AskForDatabase();
   void AskForConnection();
+  void FillRecentConnections(QMenu& menu);
+  std::shared_ptr<ProviderConnection> OpenAsking(std::string connectionString, bool askFirst, QString* error);
+  QString ConnectTo(const std::shared_ptr<ProviderConnection>& connection, bool mayAsk);
   std::shared_ptr<ProviderConnection> TryConnection(const std::string& connectionString) const;
   QString Connect(const std::string& connectionString, bool mayAsk);
   void UseConnection(const std::shared_ptr<ProviderConnection>& connection);
   void OpenDropped(const QString& file);
   void UpdateTitle();
+  void RunPreview();
+  void ShowAbout();
+  void ShowKeys();
+  bool Recover(Recovery::Lost& lost);
+  /// Says in the status line what has happened last.
+  void ShowHappened(const QString& text);
   void PickTables();
   void AskForParameters();
   void SyntaxChosen(int index);
   void WidenColumns();
   void UpdateState();
+  void UpdateHistory();
+  void ShowSyntax();
   /// Runs a command; an error becomes its message.
   static QString Guarded(const std::function<void()>& command);
 
+  QSplitter* panes_;
   QueryDesignerWidget* designer_;
+  PreviewPane* preview_;
   std::unique_ptr<QueryDocument> document_;
+  std::unique_ptr<QueryPreview> query_;
+  std::unique_ptr<Recovery> recovery_;  // while the designer works for a user
   QString sourceName_;
   QComboBox* syntax_ = nullptr;
   QLabel* source_ = nullptr;
+  QAction* undo_ = nullptr;
+  QAction* redo_ = nullptr;
   QAction* addTables_ = nullptr;
   QAction* clear_ = nullptr;
+  QAction* showPreview_ = nullptr;
   std::vector<EventConnection> links_;
 };
 

@@ -38,7 +38,8 @@ DesignerOptions ReadCommandLine(const QStringList& arguments) {
   const QCommandLineOption save("save", "Save the query to this file and end.", "FILE");
   const QCommandLineOption print("print-sql", "Print the statement and end.");
   const QCommandLineOption screenshot("screenshot", "Save a picture of the window and end.", "FILE");
-  parser.addOptions({database, connect, table, tick, syntax, language, parse, save, print, screenshot});
+  const QCommandLineOption measure("measure-start", "Say how long it took until the window could be used, and end.");
+  parser.addOptions({database, connect, table, tick, syntax, language, parse, save, print, screenshot, measure});
   if (!parser.parse(arguments)) EndWithUsageError(parser.errorText());
   if (parser.isSet("help")) parser.showHelp(0);
   if (parser.isSet("version")) parser.showVersion();
@@ -58,6 +59,7 @@ DesignerOptions ReadCommandLine(const QStringList& arguments) {
   options.syntax = parser.value(syntax);
   options.parseSql = parser.value(parse);
   options.printSql = parser.isSet(print);
+  options.measureStart = parser.isSet(measure);
   options.screenshot = parser.value(screenshot);
   if (!options.syntax.isEmpty() && !FindDialect(ToUtf8(options.syntax))) {
     EndWithUsageError("there is no dialect \"" + options.syntax + "\"; known are " + dialects.join(", "));

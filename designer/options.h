@@ -17,7 +17,8 @@ struct DesignerOptions {
   QString syntax;      ///< a dialect's name; empty for the first one
   QString parseSql;    ///< a file with a statement to begin with; empty for none
   bool printSql = false;
-  QString screenshot;  ///< the picture file; empty for none
+  bool measureStart = false;  ///< say how long the start took and end
+  QString screenshot;         ///< the picture file; empty for none
 
   /// Whether the designer does its work and ends, without waiting for a user.
   bool IsScript() const { return printSql || !save.isEmpty() || !screenshot.isEmpty(); }

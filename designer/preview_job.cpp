@@ -108,9 +108,9 @@ void PreviewJob::Start(void (*work)(const std::shared_ptr<Shared>&), const std::
   Threads& threads = AllThreads();
   threads.Count(1);
   try {
-    std::thread([work, shared, &threads]() mutable {
-      work(shared);
-      shared.reset();
+    std::thread([work, owned = shared, &threads]() mutable {
+      work(owned);
+      owned.reset();
       threads.Count(-1);
     }).detach();
   } catch (...) {

@@ -20,11 +20,11 @@ namespace zrqrybld {
 struct PreviewNews {
   enum class Kind { Columns, Rows, Failed, Closed };
   Kind kind = Kind::Rows;
-  std::vector<std::string> columns;   ///< of Columns, which comes once and first
-  std::vector<ResultRow> rows;        ///< of Rows
-  bool more = false;                  ///< of Rows: there may be further ones, see `FetchMore`
-  std::string message;                ///< of Failed, the last news
-  std::optional<std::size_t> offset;  ///< of Failed: where in the statement, when that is known
+  std::vector<std::string> columns = {};   ///< of Columns, which comes once and first
+  std::vector<ResultRow> rows = {};        ///< of Rows
+  bool more = false;                       ///< of Rows: there may be further ones, see `FetchMore`
+  std::string message = {};                ///< of Failed, the last news
+  std::optional<std::size_t> offset = {};  ///< of Failed: where in the statement, when that is known
 };
 
 class PreviewJob {

@@ -11,6 +11,7 @@
 #include "adapters/qt/qt_text.h"
 #include "base/error.h"
 #include "base/file.h"
+#include "designer/recent_connections.h"
 #include "hub/query_file_reader.h"
 #include "platform/connection_string.h"
 
@@ -55,7 +56,7 @@ std::string QueryDocument::Text() const {
 }
 
 void QueryDocument::Clear() {
-  const StepScope step(hub_.Hub(), "Clear");
+  const StepScope step(hub_.Hub(), kStepClear);
   hub_.DiagramPane()->Clear();
   hub_.GridPane()->ResetRows();
   hub_.SetSelectTopRecords("");
@@ -66,6 +67,7 @@ void QueryDocument::Clear() {
 void QueryDocument::Reset() {
   Clear();
   file_.clear();
+  hub_.ClearHistory();
   MarkUnmodified();
   window_.changed();
 }
@@ -93,6 +95,63 @@ bool QueryDocument::MaySetAside() {
     default:
       return false;
   }
+}
+
+// --- What a crash would cost ---
+
+namespace {
+
+// Options for what is kept in case of a crash, put back at the end.
+class KeepingOptions {
+ public:
+  explicit KeepingOptions(qbQueryBuilder& hub)
+      : hub_(hub),
+        items_(hub.SaveLoadEntityItems()),
+        password_(hub.SavePassword()),
+        connection_(hub.SaveConnectionString()) {
+    hub_.SetSaveLoadEntityItems(true);  // the source may not be there when the work is wanted
+    hub_.SetSavePassword(false);
+    if (MayHoldSecret(hub_.Connection()->ConnectionString())) hub_.SetSaveConnectionString(false);
+  }
+  KeepingOptions(const KeepingOptions&) = delete;
+  KeepingOptions& operator=(const KeepingOptions&) = delete;
+  ~KeepingOptions() {
+    hub_.SetSaveLoadEntityItems(items_);
+    hub_.SetSavePassword(password_);
+    hub_.SetSaveConnectionString(connection_);
+  }
+
+ private:
+  qbQueryBuilder& hub_;
+  bool items_;
+  bool password_;
+  bool connection_;
+};
+
+}  // namespace
+
+std::optional<KeptWork> QueryDocument::UnsavedWork() const {
+  const Ref<qbSQLPane> sql = hub_.SQLPane();
+  std::string typed = sql->IsEdited() ? sql->SQLStatement() : std::string();
+  if (typed.empty() && !IsModified()) return std::nullopt;
+  const KeepingOptions options(hub_);
+  return KeptWork{file_, Text(), std::move(typed)};
+}
+
+QString QueryDocument::Recover(const KeptWork& work, const std::shared_ptr<ProviderConnection>& connection) {
+  try {
+    const KeepingOptions options(hub_);
+    Clear();
+    if (connection) window_.useConnection(connection);
+    Load(work.query);
+  } catch (const std::exception& error) {
+    Reset();
+    return ToQString(error.what());
+  }
+  file_ = work.file;
+  saved_.clear();
+  window_.changed();
+  return {};
 }
 
 // --- Opening ---
@@ -151,6 +210,7 @@ QString QueryDocument::Open(const QString& file, QString* remark) {
     return message;
   }
   file_ = QFileInfo(file).absoluteFilePath();
+  hub_.ClearHistory();  // another document, perhaps of another source
   MarkUnmodified();
   Remember(file_);
   window_.changed();

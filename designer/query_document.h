@@ -9,8 +9,10 @@
 #include <QStringList>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
+#include "designer/recovery.h"
 #include "hub/query_builder.h"
 #include "platform/provider.h"
 
@@ -56,6 +58,13 @@ class QueryDocument {
   QString Open(const QString& file, QString* remark = nullptr);
   /// Saves the query, which has that name from then on. Returns an error message, empty on success.
   QString SaveAs(const QString& file);
+
+  /// What a crash would cost the user; nothing when nothing is unsaved. Without a password.
+  std::optional<KeptWork> UnsavedWork() const;
+  /// Shows work that was kept, in the place of the query; it counts as unsaved. `connection` is its source, or nothing:
+  /// then its tables have the columns that were kept with it. Returns an error message, empty on success; typed text is
+  /// the caller's to bring back.
+  QString Recover(const KeptWork& work, const std::shared_ptr<ProviderConnection>& connection);
 
   /// Whether the file's name is that of a query file.
   static bool IsQueryFile(const QString& file);

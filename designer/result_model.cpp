@@ -26,8 +26,8 @@ QString OneLine(std::string_view text) {
 
 // As spreadsheets write and read it.
 QString InCell(const QString& text) {
-  const bool plain = std::none_of(text.begin(), text.end(),
-                                  [](QChar c) { return c == '\t' || c == '\n' || c == '\r' || c == '"'; });
+  const bool plain =
+      std::none_of(text.begin(), text.end(), [](QChar c) { return c == '\t' || c == '\n' || c == '\r' || c == '"'; });
   return plain ? text : '"' + QString(text).replace('"', QLatin1String("\"\"")) + '"';
 }
 
@@ -41,6 +41,7 @@ void ResultModel::Begin(const std::vector<std::string>& columns) {
   std::ranges::transform(columns, std::back_inserter(names_), ToQString);
   rows_.clear();
   rows_.shrink_to_fit();
+  numbers_.clear();
   bytes_ = 0;
   more_ = false;
   asked_ = false;
@@ -51,6 +52,7 @@ void ResultModel::Append(std::vector<ResultRow> rows, bool more) {
   asked_ = false;
   more_ = more;
   if (rows.empty()) return;
+  if (rows_.empty()) FindNumbers(rows);
   const int first = static_cast<int>(rows_.size());
   beginInsertRows({}, first, first + static_cast<int>(rows.size()) - 1);
   for (ResultRow& row : rows) {
@@ -59,6 +61,16 @@ void ResultModel::Append(std::vector<ResultRow> rows, bool more) {
     rows_.push_back(std::move(row));
   }
   endInsertRows();
+}
+
+// A column of numbers has its name above them.
+void ResultModel::FindNumbers(const std::vector<ResultRow>& rows) {
+  numbers_.assign(names_.size(), false);
+  for (std::size_t column = 0; column < names_.size(); ++column) {
+    const auto value =
+        std::ranges::find_if(rows, [column](const ResultRow& row) { return row[column].kind != ResultKind::Null; });
+    numbers_[column] = value != rows.end() && (*value)[column].kind == ResultKind::Number;
+  }
 }
 
 int ResultModel::rowCount(const QModelIndex& parent) const {
@@ -85,8 +97,8 @@ QVariant ResultModel::data(const QModelIndex& index, int role) const {
              (cut && value.kind != ResultKind::Binary ? QStringLiteral("\u2026") : QString()) + "</span>";
     }
     case Qt::TextAlignmentRole:
-      return QVariant(value.kind == ResultKind::Number ? Qt::AlignRight | Qt::AlignVCenter
-                                                      : Qt::AlignLeading | Qt::AlignVCenter);
+      return static_cast<int>(value.kind == ResultKind::Number ? Qt::AlignRight | Qt::AlignVCenter
+                                                              : Qt::AlignLeading | Qt::AlignVCenter);
     case Qt::ForegroundRole:
       return isNull || value.kind == ResultKind::Binary ? QVariant(quiet_) : QVariant();
     default:
@@ -96,7 +108,9 @@ QVariant ResultModel::data(const QModelIndex& index, int role) const {
 
 QVariant ResultModel::headerData(int section, Qt::Orientation orientation, int role) const {
   if (role == Qt::TextAlignmentRole && orientation == Qt::Horizontal) {
-    return QVariant(Qt::AlignLeading | Qt::AlignVCenter);
+    const auto column = static_cast<std::size_t>(section);
+    const bool number = column < numbers_.size() && numbers_[column];
+    return static_cast<int>(number ? Qt::AlignRight | Qt::AlignVCenter : Qt::AlignLeading | Qt::AlignVCenter);
   }
   if (role != Qt::DisplayRole) return {};
   if (orientation == Qt::Vertical) return section + 1;

@@ -54,7 +54,10 @@ class ResultModel : public QAbstractTableModel {
   void fetchMore(const QModelIndex& parent) override;
 
  private:
+  void FindNumbers(const std::vector<ResultRow>& rows);
+
   std::vector<QString> names_;
+  std::vector<bool> numbers_;  // by column, from the first rows
   std::vector<ResultRow> rows_;
   std::size_t bytes_ = 0;
   bool more_ = false;

@@ -80,7 +80,7 @@ void JoinToParents(const Ref<QueryContext>& context, const NameRules& rules, con
 void RefreshRelationships(const Ref<QueryContext>& context) {
   const Ref<qbEntities> entities = context->Entities();
   if (!entities || !context->IsConnected()) return;
-  const StepScope step(context, "Automatic joins");
+  const StepScope step(context, kStepAutomaticJoins);
   const NameRules rules = CurrentNameRules(*context);
   std::vector<Candidate> candidates;
   for (std::int32_t i = 1; i <= entities->Count(); ++i) candidates.push_back({entities->Item(i), i});

@@ -3,7 +3,7 @@
 namespace zrqrybld {
 
 void BoxRow::Changed() const {
-  if (list_ && list_->onChanged) list_->onChanged();
+  if (list_) list_->Changed();
 }
 
 void BoxRow::SetText(std::string text) {
@@ -14,6 +14,7 @@ void BoxRow::SetText(std::string text) {
 void BoxRow::SetKey(std::string key) {
   if (list_) list_->rows_.Rekey(index_, key);
   key_ = std::move(key);
+  if (list_) ++list_->revision_;
 }
 
 void BoxRow::SetChecked(bool checked) {
@@ -53,16 +54,34 @@ void BoxRow::SetKind(TypeKind kind) {
 void BoxRow::SetNote(ColumnNote note) {
   if (note == note_) return;
   note_ = std::move(note);
-  Changed();
+  if (list_ && list_->onChanged) list_->onChanged();
 }
 
-void BoxRow::SetToolTipText(std::string text) { toolTipText_ = std::move(text); }
+void BoxRow::SetToolTipText(std::string text) {
+  toolTipText_ = std::move(text);
+  if (list_) ++list_->revision_;
+}
+
+void BoxRows::Changed() {
+  ++revision_;
+  if (onChanged) onChanged();
+}
+
+void BoxRows::SetTicks(const std::vector<bool>& ticks) {
+  bool changed = false;
+  for (std::size_t i = 0; i < ticks.size() && i < Count(); ++i) {
+    BoxRow& row = **rows_.At(i + 1);
+    changed = changed || row.checked_ != ticks[i];
+    row.checked_ = ticks[i];
+  }
+  if (changed) Changed();
+}
 
 Ref<BoxRow> BoxRows::Add(std::string text, std::string key) {
   const Ref<BoxRow> row(new BoxRow(this, std::move(text), std::move(key)));
   rows_.Insert(row, row->key_);
   row->index_ = rows_.Count();
-  if (onChanged) onChanged();
+  Changed();
   return row;
 }
 
@@ -73,14 +92,14 @@ void BoxRows::Detach() {
 void BoxRows::Clear() {
   Detach();
   rows_.Clear();
-  if (onChanged) onChanged();
+  Changed();
   if (onRemoved) onRemoved();
 }
 
 void BoxRows::RemoveAt(std::size_t position) {
   rows_.RemoveAt(position)->list_ = nullptr;
   for (std::size_t i = position; i <= rows_.Count(); ++i) (*rows_.At(i))->index_ = i;
-  if (onChanged) onChanged();
+  Changed();
   if (onRemoved) onRemoved();
 }
 

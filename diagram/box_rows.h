@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "base/keyed_list.h"
 #include "base/object.h"
@@ -101,6 +102,12 @@ class BoxRows {
     return row ? *row : nullptr;
   }
 
+  /// Ticks or unticks the rows, one value a row, without a word about each.
+  void SetTicks(const std::vector<bool>& ticks);
+
+  /// Another number after each change of what the rows say, in any of them; their notes are left out.
+  std::uint64_t Revision() const { return revision_; }
+
   /// The pictures that the rows' `SmallIcon` values name; nothing at first.
   const Ref<ImageList>& Images() const { return images_; }
   void SetImages(Ref<ImageList> images) { images_ = std::move(images); }
@@ -117,7 +124,9 @@ class BoxRows {
  private:
   friend class BoxRow;
   void Detach();
+  void Changed();
 
+  std::uint64_t revision_ = 0;
   KeyedList<Ref<BoxRow>> rows_;
   Ref<ImageList> images_;
   bool haveIcons_ = false;

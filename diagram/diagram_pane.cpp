@@ -36,7 +36,7 @@ Ref<qbQueryBuilder> qbDiagramPane::QueryBuilder() const {
 
 void qbDiagramPane::Clear() {
   const Ref<QueryContext> context = Context();
-  const StepScope step(context, "Clear");
+  const StepScope step(context, kStepClear);
   // What listeners add meanwhile stays: waiting for an empty diagram could take forever.
   std::vector<Ref<qbEntity>> all;
   for (std::int32_t i = entities_->Count(); i >= 1; --i) all.push_back(entities_->Item(i));
@@ -156,6 +156,15 @@ void qbDiagramPane::FitBox(const Ref<qbEntityList>& box) {
   box->SetBounds(bounds);
 }
 
+// All rows are visible then; the box stays where it is.
+void qbDiagramPane::FitToRows(const Ref<qbEntityList>& box) {
+  const StepScope step(Context(), kStepResizeTable, box->Caption());
+  box->SetMinimized(false);
+  const TwipsRect bounds = box->Bounds();
+  const TwipsSize size = box->FittingSize(GetSurface().Metrics(), box->Rows().Count());
+  box->SetBounds({bounds.left, bounds.top, size.width, size.height});
+}
+
 PlacementRules qbDiagramPane::RulesOfPlacement() const {
   const ScreenScale scale = GetSurface().Scale();
   return {scale.TwipsX(GetSurface().ViewSize().width / zoom_ - kSurfaceMargin * 2),
@@ -180,7 +189,7 @@ void qbDiagramPane::BoxRowChecked(const qbEntityList& box, const Ref<BoxRow>& ro
   const Ref<qbEntityItem> item = entity->Items()->Item(static_cast<std::int32_t>(row->Index()));
   if (!item) return;
   const Ref<QueryContext> context = Context();
-  const StepScope step(context, row->Checked() ? "Tick column" : "Untick column");
+  const StepScope step(context, row->Checked() ? kStepTick : kStepUntick, box.Caption() + "." + row->Text());
   const bool checked = row->Checked();
   EntityItemCheck.Raise(entity, item);
   // A listener may have renamed or removed the entity; one that ticked the row again has reported that already.
@@ -367,7 +376,41 @@ void qbDiagramPane::SetEntityFrameColor(Color color) {
 }
 
 void qbDiagramPane::SetMinimized(const qbEntity& entity, bool minimized) {
-  if (entity.EntityBox()) entity.EntityBox()->SetMinimized(minimized);
+  if (entity.EntityBox()) Minimize(*entity.EntityBox(), minimized);
+}
+
+void qbDiagramPane::Minimize(qbEntityList& box, bool minimized) {
+  const StepScope step(Context(), minimized ? kStepMinimizeTable : kStepRestoreTable, box.Caption());
+  box.SetMinimized(minimized);
+}
+
+// --- What undo restores ---
+
+void qbDiagramPane::Restore(const DiagramState& now, const DiagramState& then) {
+  CancelGesture();
+  EndKeyJoin();
+  // Nobody is told of the selection's end while the diagram is half-way.
+  const Ref<Object> selected = std::exchange(selected_, nullptr);
+  entities_->Restore(now, then);
+  rowMarksStale_ = true;
+  Refresh();
+  if (IsInDiagram(selected)) {
+    selected_ = selected;
+  } else if (selected) {
+    alsoSelected_.clear();
+    ObjectDeactivate.Raise(selected);
+  }
+}
+
+// Boxes that a gesture has moved or sized by and by: what it did is one step.
+void qbDiagramPane::RecordPlaces(const StepName& name, const std::vector<BoxPlace>& before) {
+  std::vector<BoxPlace> now;
+  for (const auto& [box, bounds] : before) {
+    now.emplace_back(box, box->Bounds());
+    box->SetBounds(bounds);
+  }
+  const StepScope step(Context(), name, before.front().first->Caption());
+  for (const auto& [box, bounds] : now) box->SetBounds(bounds);
 }
 
 void qbDiagramPane::OnSurfaceChanged() { ApplyAppearance(); }

@@ -180,6 +180,9 @@ class qbDiagramPane final : public Control, private DiagramView {
   /// Begins a join at the current column of the selected entity, by keyboard: the user goes to a column of another box
   /// and presses Enter. Returns whether there is a column where a join may begin.
   bool BeginKeyJoin();
+  /// Lets the user look for a table or column by a part of its name; the next one behind the current one is selected.
+  /// Nothing happens while the pane is not linked.
+  void AskAndFind();
   /// Lets the user give the entity another caption. Nothing happens while the pane is not linked.
   void AskForAlias(const Ref<qbEntity>& entity);
 
@@ -188,6 +191,9 @@ class qbDiagramPane final : public Control, private DiagramView {
   /// Links the pane to what the designer shares, or to nothing.
   void SetContext(const Ref<QueryContext>& context) { context_ = context; }
   Ref<QueryContext> Context() const override { return context_.lock(); }
+  /// Makes the diagram, which is as `now` says, what `then` says. The selection stays where its object does;
+  /// `ObjectDeactivate` is raised at the end where it went.
+  void Restore(const DiagramState& now, const DiagramState& then);
 
   // --- Window events ---
 
@@ -216,6 +222,9 @@ class qbDiagramPane final : public Control, private DiagramView {
  private:
   friend class DiagramAccess;
 
+  // A box with the place that it had.
+  using BoxPlace = std::pair<Ref<qbEntityList>, TwipsRect>;
+
   // What the pointer is doing while a button is held.
   struct NoGesture {};
   struct MovingBox {
@@ -223,7 +232,7 @@ class qbDiagramPane final : public Control, private DiagramView {
     PixelPoint grip;   // from the box's corner to the pointer, on the surface
     PixelPoint start;  // the pointer at first
     TwipsRect before;
-    std::vector<std::pair<Ref<qbEntityList>, TwipsRect>> others;  // which move along, and where they stood
+    std::vector<BoxPlace> others;  // which move along, and where they stood
     PixelPoint pointer;
     bool moving = false;
   };
@@ -316,6 +325,9 @@ class qbDiagramPane final : public Control, private DiagramView {
   static Ref<qbEntity> EntityOf(const qbEntityList& box);
   static bool IsInDiagram(const Ref<Object>& object);
   void RaiseToTop(const Ref<qbEntityList>& box);
+  void Minimize(qbEntityList& box, bool minimized);
+  void FitToRows(const Ref<qbEntityList>& box);
+  void RecordPlaces(const StepName& name, const std::vector<BoxPlace>& before);
 
   void PaintDiagram(Canvas& canvas, const PixelRect& visible, bool withState) const;
   void PaintRubberLine(Canvas& canvas) const;
@@ -334,6 +346,7 @@ class qbDiagramPane final : public Control, private DiagramView {
   void Drag(Framing& gesture, const MouseEvent& event);
   void Drag(NoGesture&, const MouseEvent&) {}
   void Drop(const MovingBox& gesture, const MouseEvent& event);
+  bool DropOnRow(const MovingBox& gesture, const MouseEvent& event);
   void Drop(const DraggingRow& gesture);
   void Drop(const Framing& gesture);
   Cursor CursorWhileMoving(const MovingBox& gesture, PixelPoint at) const;
@@ -362,6 +375,12 @@ class qbDiagramPane final : public Control, private DiagramView {
   bool IsKeyJoinTarget() const;
   bool RequestTables();
   bool TypeAhead(std::string_view text);
+  // A table and one of its rows; row 0 is its caption.
+  struct FoundPlace {
+    Ref<qbEntity> entity;
+    std::size_t row = 0;
+  };
+  FoundPlace FindName(const std::string& part) const;
   bool DeleteSelected();
   bool IsSelected(const Ref<Object>& object) const;
   void SelectAlso(const Ref<qbEntity>& entity);
@@ -404,6 +423,7 @@ class qbDiagramPane final : public Control, private DiagramView {
   bool spaceWasUsed_ = false;
   int resizeStep_ = 0;  // grows while the key is held
   std::string typedAhead_;
+  std::string sought_;  // by name, last
   std::chrono::steady_clock::time_point typedAheadAt_;
   // Rows with a join, and those of the selected join; made anew when the joins have changed.
   mutable std::unordered_set<const BoxRow*> joinedRows_;

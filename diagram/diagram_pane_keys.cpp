@@ -37,7 +37,7 @@ bool qbDiagramPane::OnKeyDown(const KeyEvent& event) {
   if (IsArrow(keyCode) && event.shift == (ShiftCtrl | ShiftShift)) return ResizeSelectedBox(keyCode);
   if (keyCode == KeyCodeSpace && event.shift == ShiftShift) {
     const Ref<qbEntity> entity = SelectedEntity();
-    if (entity) entity->EntityBox()->SetMinimized(!entity->EntityBox()->Minimized());
+    if (entity) Minimize(*entity->EntityBox(), !entity->EntityBox()->Minimized());
     return entity != nullptr;
   }
   if (keyCode == KeyCodeTab && (event.shift == ShiftNone || event.shift == ShiftShift)) {
@@ -124,6 +124,9 @@ bool qbDiagramPane::OnControlKey(std::int32_t keyCode, const KeyEvent& event) {
       return true;
     case 'C':
       return CopyPicture();
+    case 'F':
+      AskAndFind();
+      return Context() != nullptr;
     case 'J':
       return keyJoin_ ? EnterSelected() : BeginKeyJoin();
     default:
@@ -160,7 +163,7 @@ void qbDiagramPane::OnFocusChanged(bool focused) {
 bool qbDiagramPane::MoveSelectedBox(std::int32_t keyCode) {
   const Ref<qbEntity> entity = SelectedEntity();
   if (!entity) return false;
-  const StepScope step(Context(), "Move tables");
+  const StepScope step(Context(), kStepNudgeTables);
   const ScreenScale scale = GetSurface().Scale();
   TwipsPoint by;
   if (keyCode == KeyCodeLeft) by.x = -scale.TwipsX(Pixels(horizontal_.step));
@@ -184,7 +187,7 @@ bool qbDiagramPane::MoveSelectedBox(std::int32_t keyCode) {
 bool qbDiagramPane::ResizeSelectedBox(std::int32_t keyCode) {
   const Ref<qbEntity> entity = SelectedEntity();
   if (!entity) return false;
-  const StepScope step(Context(), "Resize table");
+  const StepScope step(Context(), kStepStretchTable, entity->Caption());
   resizeStep_ = std::clamp(resizeStep_ * 5 / 4 + 1, kResizeFirstStep, kResizeLargestStep);
   const ScreenScale scale = GetSurface().Scale();
   PixelRect place = scale.ToPixels(entity->EntityBox()->Bounds());
@@ -317,6 +320,51 @@ bool qbDiagramPane::TypeAhead(std::string_view text) {
   return true;
 }
 
+// --- Finding ---
+
+// The next caption or row behind the current one that holds the text in any letter case, from the beginning again
+// behind the last one.
+qbDiagramPane::FoundPlace qbDiagramPane::FindName(const std::string& part) const {
+  const std::string wanted = FoldCase(part);
+  const Ref<qbEntity> current = SelectedEntity();
+  const std::size_t currentRow = current ? current->EntityBox()->SelectedRow() : 0;
+  FoundPlace first;
+  bool behind = current == nullptr;
+  for (std::int32_t i = 1; i <= entities_->Count(); ++i) {
+    const Ref<qbEntity> entity = entities_->Item(i);
+    const BoxRows& rows = entity->EntityBox()->Rows();
+    for (std::size_t row = 0; row <= rows.Count(); ++row) {
+      const std::string& text = row == 0 ? entity->Caption() : rows.At(row)->Text();
+      if (FoldCase(text).find(wanted) != std::string::npos) {
+        if (behind) return {entity, row};
+        if (!first.entity) first = {entity, row};
+      }
+      behind = behind || (entity == current && row == currentRow);
+    }
+  }
+  return first;
+}
+
+void qbDiagramPane::AskAndFind() {
+  const Ref<QueryContext> context = Context();
+  if (!context) return;
+  TextDialog dialog{"Find", "&Part of the name of a table or column:", sought_};
+  dialog.problem = [this](const std::string& text) -> std::string {
+    if (text.empty()) return " ";
+    return FindName(text).entity ? "" : "No table or column of the diagram has this in its name.";
+  };
+  const std::optional<std::string> part = context->GetToolkit().GetDialogs().ShowTextPrompt(dialog);
+  if (!part || part->empty()) return;
+  sought_ = *part;
+  const FoundPlace found = FindName(sought_);
+  if (!found.entity) return;
+  SelectObject(found.entity);
+  if (SelectedEntity() != found.entity) return;  // a listener has decided otherwise
+  RaiseToTop(found.entity->EntityBox());
+  ScrollIntoView(GetSurface().Scale().ToPixels(found.entity->EntityBox()->Bounds()));
+  if (found.row != 0) GoToRow(found.row);
+}
+
 // Listeners are asked about each; what they keep stays selected when it is the selected object.
 bool qbDiagramPane::DeleteSelected() {
   if (!selected_) return false;
@@ -327,9 +375,12 @@ bool qbDiagramPane::DeleteSelected() {
     BeforeDeleteObject.Raise(object, cancel);
     return cancel;
   });
-  const StepScope step(Context(), SelectedJoin()          ? "Delete join"
-                                  : alsoSelected_.empty() ? "Remove table"
-                                                          : "Remove tables");
+  const Ref<qbEntity> one = SelectedEntity();
+  const StepScope step(Context(),
+                       !one                    ? kStepDeleteJoin
+                       : alsoSelected_.empty() ? kStepRemoveTable
+                                               : kStepRemoveTables,
+                       one && one->EntityBox() ? one->Caption() : std::string());
   for (const Ref<Object>& object : objects) {
     if (object == selected_) DropSelection();
     if (const auto entity = std::dynamic_pointer_cast<qbEntity>(object)) {

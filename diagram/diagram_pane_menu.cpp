@@ -84,8 +84,13 @@ Menu qbDiagramPane::MenuForBox(const Ref<qbEntity>& entity) {
       MenuEntry::Separator(),
       RelatedTo(entity),
       MenuEntry::Separator(),
-      {minimized ? "R&estore" : "&Minimise", "Shift+Space", [box, minimized] { box->SetMinimized(!minimized); }},
-      {"&Fit to Columns", "", [this, box] { FitBox(box); }, !minimized},
+      {minimized ? "R&estore" : "&Minimise", "Shift+Space", [this, box, minimized] { Minimize(*box, !minimized); }},
+      {"&Fit to Columns", "",
+       [this, box] {
+         const StepScope step(Context(), kStepResizeTable, box->Caption());
+         FitBox(box);
+       },
+       !minimized},
       MenuEntry::Separator(),
       {several ? "&Remove Selected Tables" : "&Remove", "Del", [this] { DeleteSelected(); }},
   };
@@ -159,7 +164,7 @@ MenuEntry qbDiagramPane::KindsOf(const Ref<qbRelationship>& join) {
     return MenuEntry{text, "",
                      [this, join, value] {
                        const Ref<QueryContext> hub = Context();
-                       const StepScope step(hub, "Edit join");
+                       const StepScope step(hub, kStepEditJoin);
                        SetJoinKind(*join, value);
                        if (hub) hub->QueryChanged();
                      },
@@ -194,7 +199,7 @@ void qbDiagramPane::ReverseJoin(const Ref<qbRelationship>& join) {
   const Ref<qbEntity> target = join->Target();
   if (!source || !target) return;
   const Ref<QueryContext> context = Context();
-  const StepScope step(context, "Reverse join");
+  const StepScope step(context, kStepReverseJoin);
   const std::int32_t kind = join->Kind();
   source->Relationships()->Remove(join->Index());
   if (!source->EntityBox() || !target->EntityBox()) return;  // a listener has removed one
@@ -222,7 +227,8 @@ void qbDiagramPane::AskForAlias(const Ref<qbEntity>& entity) {
 }
 
 void qbDiagramPane::CheckAll(const Ref<qbEntity>& entity, bool checked, bool onlyKeys) {
-  const StepScope step(Context(), checked ? "Tick columns" : "Untick columns");
+  if (!entity->EntityBox()) return;  // a listener of the menu has removed it
+  const StepScope step(Context(), checked ? kStepTickColumns : kStepUntickColumns, entity->Caption());
   for (std::int32_t i = 1; i <= entity->Items()->Count(); ++i) {
     const Ref<qbEntityItem> item = entity->Items()->Item(i);
     if (item->Text() == "*" && checked) continue;  // all columns are ticked one by one

@@ -108,7 +108,7 @@ void qbDiagramPane::PressBox(const PaneHit& hit, const MouseEvent& event) {
       BeginGesture(ResizingBox{hit.box, hit.part.edges, onSurface, hit.box->Bounds()}, event.button);
       return;
     case BoxPart::MinimizeButton:
-      hit.box->SetMinimized(!hit.box->Minimized());
+      Minimize(*hit.box, !hit.box->Minimized());
       return;
     case BoxPart::ScrollBar:
       BeginGesture(ScrollingList{hit.box, scale.TwipsY(onSurface.y) - hit.box->ScrollMarkTop()}, event.button);
@@ -377,6 +377,9 @@ void qbDiagramPane::OnMouseUp(const MouseEvent& event) {
   const Gesture gesture = gesture_;
   EndGesture();
   if (const auto* moving = std::get_if<MovingBox>(&gesture)) Drop(*moving, event);
+  if (const auto* resizing = std::get_if<ResizingBox>(&gesture)) {
+    RecordPlaces(kStepResizeTable, {{resizing->box, resizing->before}});
+  }
   if (const auto* row = std::get_if<DraggingRow>(&gesture)) Drop(*row);
   if (const auto* frame = std::get_if<Framing>(&gesture)) Drop(*frame);
   const PaneHit hit = HitTest(event.position);
@@ -393,20 +396,29 @@ void qbDiagramPane::OnMouseUp(const MouseEvent& event) {
 void qbDiagramPane::Drop(const MovingBox& gesture, const MouseEvent& event) {
   if (!gesture.moving && (event.shift & ShiftCtrl) == 0)
     SelectObject(gesture.box->Entity());  // a click: this one alone
-  if (!gesture.moving || !gesture.others.empty()) return;
+  if (!gesture.moving || DropOnRow(gesture, event)) return;
+  std::vector<BoxPlace> before = gesture.others;
+  before.insert(before.begin(), {gesture.box, gesture.before});
+  RecordPlaces(kStepMoveTables, before);
+}
+
+// Whether that was the row of another box.
+bool qbDiagramPane::DropOnRow(const MovingBox& gesture, const MouseEvent& event) {
+  if (!gesture.others.empty()) return false;
   const TwipsPoint at = GetSurface().Scale().ToTwips(ToSurface(event.position));
   const Ref<qbEntity> source = EntityOf(*gesture.box);
   const std::size_t sourceRow = gesture.box->SelectedRow();
-  if (!source || IsAllColumns(*gesture.box, sourceRow)) return;
-  for (auto other = stacking_.rbegin(); other != stacking_.rend(); ++other) {
-    if (*other == gesture.box || !(*other)->Bounds().Contains(at)) continue;
-    const std::size_t row = (*other)->HitTest(at).row;
-    if (IsAllColumns(**other, row)) return;
-    const Ref<qbEntity> target = EntityOf(**other);
-    gesture.box->SetBounds(gesture.before);
-    if (target) AddJoin(source, sourceRow, target, row, false);
-    return;
-  }
+  if (!source || IsAllColumns(*gesture.box, sourceRow)) return false;
+  const auto under = std::ranges::find_if(stacking_.rbegin(), stacking_.rend(), [&](const auto& other) {
+    return other != gesture.box && other->Bounds().Contains(at);
+  });
+  if (under == stacking_.rend()) return false;
+  const Ref<qbEntityList> other = *under;
+  const std::size_t row = other->HitTest(at).row;
+  if (IsAllColumns(*other, row)) return false;
+  gesture.box->SetBounds(gesture.before);
+  if (const Ref<qbEntity> target = EntityOf(*other)) AddJoin(source, sourceRow, target, row, false);
+  return true;
 }
 
 void qbDiagramPane::Drop(const DraggingRow& gesture) {
@@ -424,7 +436,7 @@ void qbDiagramPane::AddJoin(const Ref<qbEntity>& source, std::size_t sourceRow, 
   const auto to = static_cast<std::int32_t>(targetRow);
   if (onlyOnce && source->Relationships()->Exists(source, target, from, to)) return;
   const Ref<QueryContext> context = Context();
-  const StepScope step(context, "Add join");
+  const StepScope step(context, kStepAddJoin);
   const Ref<qbRelationship> join = source->Relationships()->Add(target);
   join->SetSourceItemIndex(from);
   join->SetTargetItemIndex(to);
@@ -473,10 +485,7 @@ void qbDiagramPane::OnDoubleClick(const MouseEvent& event) {
     if (hit.part.part == BoxPart::CheckBox || hit.part.part == BoxPart::MinimizeButton) PressBox(hit, event);
     if (hit.part.part == BoxPart::Caption || hit.part.part == BoxPart::Edge) {
       EndGesture();
-      hit.box->SetMinimized(false);
-      TwipsRect bounds = hit.box->Bounds();
-      const TwipsSize size = hit.box->FittingSize(GetSurface().Metrics(), hit.box->Rows().Count());
-      hit.box->SetBounds({bounds.left, bounds.top, size.width, size.height});
+      FitToRows(hit.box);
     }
     return;
   }

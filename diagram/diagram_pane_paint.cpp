@@ -2,6 +2,7 @@
 #include <array>
 
 #include "diagram/diagram_pane.h"
+#include "diagram/source_names.h"
 
 namespace zrqrybld {
 namespace {
@@ -25,6 +26,11 @@ void qbDiagramPane::Paint(Canvas& canvas, const PixelRect& dirty) const {
     PaintDiagram(canvas, {corner.x, corner.y, dirty.width / zoom_, dirty.height / zoom_}, true);
     PaintRubberLine(canvas);
     PaintKeyJoin(canvas);
+  }
+  // Without a selected object nothing else says where the keys go.
+  if (focused_ && !selected_) {
+    const PixelSize view = GetSurface().ViewSize();
+    canvas.StrokeRect({1_px, 1_px, view.width - 2_px, view.height - 2_px}, ColorRole::Focus, 2_px);
   }
   if (keyJoin_) {
     PaintHint(canvas, "Join " + keyJoin_->box->Caption() + "." + keyJoin_->row->Text() +
@@ -53,6 +59,7 @@ void qbDiagramPane::PaintDiagram(Canvas& canvas, const PixelRect& visible, bool 
     if (!place.Overlaps(visible)) continue;
     BoxLook look;
     look.joined = &joinedRows_;
+    if (const Ref<qbEntity> entity = EntityOf(*box)) look.schemaBytes = SchemaBytesOf(*entity);
     if (withState) {
       const Ref<Object> entity = box->Entity();
       look.active = IsSelected(entity) || (framing && frame.Overlaps(place));

@@ -125,7 +125,7 @@ void qbDiagramPane::ZoomToFit() {
 // --- Arranging ---
 
 void qbDiagramPane::Arrange() {
-  const StepScope step(Context(), "Arrange");
+  const StepScope step(Context(), kStepArrange);
   std::unordered_map<const qbEntityList*, std::size_t> positions;
   std::vector<Ref<qbEntityList>> boxes;
   std::vector<TwipsSize> sizes;

@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <optional>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
 #include "base/error.h"
+#include "diagram/entity_state.h"
 #include "diagram/join_line.h"
 #include "diagram/relationships.h"
 #include "host/query_context.h"
@@ -22,8 +25,19 @@ Ref<qbEntity> qbEntities::Add(const std::string& key) {
   const Ref<QueryContext> context = view_->Context();
   std::optional<BusyPointer> busy;
   if (context) busy.emplace(context->GetToolkit());
-  const StepScope step(context, "Add table");
+  const StepScope step(context, kStepAddTable, key);
+  const Ref<qbEntity> entity = Make(key);
 
+  EntityAdd.Raise(key);
+  if (context) {
+    context->RaiseInfo(InfoTableAdded, Ref<Object>(entity));
+    context->EntitiesChanged(Count());
+    context->QueryChanged();
+  }
+  return entity;
+}
+
+Ref<qbEntity> qbEntities::Make(const std::string& key) {
   const Ref<qbEntityList> box = view_->LoadBox();
   const auto relationships = std::make_shared<qbRelationships>(view_);
   const std::shared_ptr<EntityOwner> owner(shared_from_this(), this);
@@ -35,13 +49,6 @@ Ref<qbEntity> qbEntities::Add(const std::string& key) {
   entity->SetShowMinimizeButton(view_->EntityMinimizeButton());
   items_.Insert(entity, key);
   view_->ShowBox(box);
-
-  EntityAdd.Raise(key);
-  if (context) {
-    context->RaiseInfo(InfoTableAdded, Ref<Object>(entity));
-    context->EntitiesChanged(Count());
-    context->QueryChanged();
-  }
   return entity;
 }
 
@@ -68,25 +75,116 @@ void qbEntities::Remove(const Variant& index) {
   if (!entity || !view_) return;
   const Ref<QueryContext> context = view_->Context();
   const std::string key = entity->Caption();
-  const StepScope step(context, "Remove table");
+  const StepScope step(context, kStepRemoveTable, key);
 
   RemoveJoinsOf(entity);
   if (view_->SelectedObject() == entity) view_->DropSelection();
   RemoveJoinsOf(entity);  // which a listener of the selection's end has drawn
   const std::size_t position = PositionOf(*entity);
-  if (position == items_.kNone) return;  // a handler has removed it meanwhile
-  const Ref<qbEntityList> box = entity->EntityBox();
+  if (position == items_.kNone) return;           // a handler has removed it meanwhile
   const std::string caption = entity->Caption();  // a listener may have renamed it
-  entity->Relationships()->Detach();
-  entity->Detach();
-  items_.RemoveAt(position);
-  view_->UnloadBox(box);
+  TakeOut(entity);
 
   EntityRemove.Raise(key);
   if (context) {
     context->EntityRemoved(caption);
     context->EntitiesChanged(static_cast<std::int32_t>(position));
     context->QueryChanged();
+  }
+}
+
+void qbEntities::TakeOut(const Ref<qbEntity>& entity) {
+  const std::size_t position = PositionOf(*entity);
+  const Ref<qbEntityList> box = entity->EntityBox();
+  entity->Relationships()->Detach();
+  entity->Detach();
+  items_.RemoveAt(position);
+  view_->UnloadBox(box);
+}
+
+// --- What undo remembers ---
+
+DiagramState qbEntities::State(const DiagramState& before, bool withTicks) const {
+  DiagramState state;
+  state.reserve(items_.Count());
+  std::unordered_map<const EntityIdentity*, const std::shared_ptr<const EntityState>*> known;
+  const auto knownAs = [&](const EntityIdentity* identity) -> std::shared_ptr<const EntityState> {
+    const std::size_t place = state.size();
+    if (place < before.size() && before[place]->identity.get() == identity) return before[place];
+    if (known.empty()) {  // only when the order has changed
+      for (const auto& one : before) known.emplace(one->identity.get(), &one);
+    }
+    const auto found = known.find(identity);
+    return found == known.end() ? nullptr : *found->second;
+  };
+  for (std::size_t i = 1; i <= items_.Count(); ++i) {
+    qbEntity& entity = **items_.At(i);
+    state.push_back(StateOf(entity, knownAs(entity.Identity().get()), withTicks));
+  }
+  return state;
+}
+
+void qbEntities::RemoveOthers(const DiagramState& staying) {
+  std::unordered_map<const EntityIdentity*, const EntityState*> wanted;
+  for (const auto& state : staying) wanted.emplace(state->identity.get(), state.get());
+  std::vector<Ref<qbEntity>> leaving;
+  for (std::size_t i = 1; i <= items_.Count(); ++i) {
+    const Ref<qbEntity>& entity = *items_.At(i);
+    const auto found = wanted.find(entity->Identity().get());
+    if (found == wanted.end()) leaving.push_back(entity);
+    entity->Relationships()->Drop(found == wanted.end() ? std::vector<JoinState>() : found->second->joins);
+  }
+  for (const Ref<qbEntity>& entity : leaving) TakeOut(entity);
+}
+
+// Tables may exchange their captions, so those that change first take one that nobody has.
+void qbEntities::RenameTo(const DiagramState& then) {
+  std::vector<std::pair<Ref<qbEntity>, const std::string*>> changing;
+  for (const auto& state : then) {
+    const Ref<qbEntity> entity = state->identity->live.lock();
+    if (entity && entity->EntityBox() && entity->Caption() != state->facts.caption) {
+      changing.emplace_back(entity, &state->facts.caption);
+    }
+  }
+  std::vector<std::size_t> places;
+  for (const auto& [entity, caption] : changing) places.push_back(PositionOf(*entity));
+  for (const std::size_t place : places) items_.Rekey(place, "\x01" + std::to_string(place));
+  for (std::size_t i = 0; i < changing.size(); ++i) {
+    items_.Rekey(places[i], *changing[i].second);
+    changing[i].first->EntityBox()->SetCaption(*changing[i].second);
+  }
+}
+
+// The table as it was when it was removed, as another object.
+Ref<qbEntity> qbEntities::Return(const EntityState& state) {
+  const Ref<qbEntity> entity = Make(state.facts.caption);
+  entity->identity_ = state.identity;
+  state.identity->live = entity;
+  state.identity->rowsSeen = UINT64_MAX;
+  return entity;
+}
+
+void qbEntities::Restore(const DiagramState& now, const DiagramState& then) {
+  if (!view_) ThrowObjectRemoved();
+  std::unordered_set<const EntityState*> unchanged;
+  for (const auto& state : now) unchanged.insert(state.get());
+  RemoveOthers(then);
+  RenameTo(then);
+  std::vector<Ref<qbEntity>> order;
+  for (const auto& state : then) {
+    const Ref<qbEntity> live = state->identity->live.lock();
+    order.push_back(live && live->EntityBox() ? live : Return(*state));
+  }
+  Arrange(order);
+  for (std::size_t i = 0; i < then.size(); ++i) {
+    if (unchanged.contains(then[i].get())) continue;
+    order[i]->Items()->Restore(*then[i]->items);
+    order[i]->EntityBox()->Rows().SetTicks(then[i]->ticks);
+    order[i]->Restore(then[i]->facts);
+  }
+  // When all columns are there.
+  for (std::size_t i = 0; i < then.size(); ++i) {
+    if (!unchanged.contains(then[i].get())) order[i]->Relationships()->Restore(then[i]->joins);
   }
 }
 
@@ -123,12 +221,12 @@ std::size_t qbEntities::PositionOf(const qbEntity& entity) const {
 void qbEntities::Rename(qbEntity& entity, const std::string& caption) {
   const std::string before = entity.Caption();
   if (before == caption) return;
+  const StepScope step(view_ ? view_->Context() : nullptr, kStepRenameTable, before);
   const std::size_t position = PositionOf(entity);
   items_.Rekey(position, caption);
   entity.EntityBox()->SetCaption(caption);
   if (!view_) return;
   if (const Ref<QueryContext> context = view_->Context()) {
-    const StepScope step(context, "Rename table");
     context->EntityRenamed(before, caption);
     context->EntitiesChanged(static_cast<std::int32_t>(position));
     context->QueryChanged();

@@ -56,6 +56,12 @@ class qbEntities final : public Object, private EntityOwner {
   /// Puts the entities into this order, which is that of the tables in the statement. All of them must be named.
   void Arrange(const std::vector<Ref<qbEntity>>& order);
 
+  /// What the tables and joins are now, sharing what is as it was in `before`; see `StateOf` for the ticks.
+  DiagramState State(const DiagramState& before, bool withTicks) const;
+  /// Makes the tables and joins, which are as `now` says, what `then` says. No listener is asked or told, and nothing
+  /// is looked up in the data source.
+  void Restore(const DiagramState& now, const DiagramState& then);
+
   /// The pane goes away: removes all entities without a word.
   void Detach();
 
@@ -63,6 +69,11 @@ class qbEntities final : public Object, private EntityOwner {
   std::size_t PositionOf(const qbEntity& entity) const override;
   void Rename(qbEntity& entity, const std::string& caption) override;
   void RemoveJoinsOf(const Ref<qbEntity>& entity);
+  Ref<qbEntity> Make(const std::string& key);
+  void TakeOut(const Ref<qbEntity>& entity);
+  void RemoveOthers(const DiagramState& staying);
+  void RenameTo(const DiagramState& then);
+  Ref<qbEntity> Return(const EntityState& state);
 
   DiagramView* view_;
   KeyedList<Ref<qbEntity>> items_;

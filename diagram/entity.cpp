@@ -21,6 +21,42 @@ void qbEntity::Detach() {
   owner_.reset();
 }
 
+EntityFacts qbEntity::Facts() const {
+  const qbEntityList& box = Box();
+  return {box.Caption(),
+          tagVariant_,
+          box.Shape(),
+          box.IsView(),
+          box.CaptionIcon(),
+          box.CaptionIconMaskColor(),
+          box.UseCaptionIconMaskColor(),
+          box.BackColor(),
+          box.ShowMinimizeButton(),
+          properties_};
+}
+
+const std::shared_ptr<EntityIdentity>& qbEntity::Identity() {
+  if (!identity_) {
+    identity_ = std::make_shared<EntityIdentity>();
+    identity_->live = RefTo(*this);
+  }
+  return identity_;
+}
+
+// All but the caption, which is a key of the collection.
+void qbEntity::Restore(const EntityFacts& facts) {
+  qbEntityList& box = Box();
+  tagVariant_ = facts.tag;
+  properties_ = facts.properties;
+  box.SetIsView(facts.isView);
+  box.SetCaptionIcon(facts.captionIcon);
+  box.SetCaptionIconMaskColor(facts.iconMaskColor);
+  box.SetUseCaptionIconMaskColor(facts.useIconMaskColor);
+  box.SetBackColor(facts.backColor);
+  box.SetShowMinimizeButton(facts.showMinimizeButton);
+  box.SetShape(facts.shape);
+}
+
 void qbEntity::SetCaption(const std::string& caption) {
   qbEntityList& box = Box();
   const auto owner = owner_.lock();

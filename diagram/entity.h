@@ -9,6 +9,7 @@
 #include "base/object.h"
 #include "base/units.h"
 #include "base/variant.h"
+#include "diagram/diagram_state.h"
 #include "diagram/entity_box.h"
 #include "diagram/entity_items.h"
 #include "host/properties.h"
@@ -92,6 +93,11 @@ class qbEntity final : public Object {
 
   // --- For the model and the pane ---
 
+  /// How it looks and what it is, besides its columns and joins.
+  EntityFacts Facts() const;
+  /// What stands for the table also when it was removed; never nothing.
+  const std::shared_ptr<EntityIdentity>& Identity();
+
   /// The box; nothing once the entity was removed.
   const Ref<qbEntityList>& EntityBox() const { return box_; }
 
@@ -99,6 +105,7 @@ class qbEntity final : public Object {
   friend class qbEntities;
   qbEntity(Ref<qbEntityList> box, std::weak_ptr<EntityOwner> owner, Ref<qbRelationships> relationships);
   qbEntityList& Box() const;
+  void Restore(const EntityFacts& facts);
   void Detach();
 
   Ref<qbEntityList> box_;
@@ -107,6 +114,7 @@ class qbEntity final : public Object {
   Ref<qbRelationships> relationships_;
   Ref<qbProperties> properties_ = std::make_shared<qbProperties>();
   Variant tagVariant_;
+  std::shared_ptr<EntityIdentity> identity_;
 };
 
 }  // namespace zrqrybld

@@ -87,6 +87,16 @@ void qbEntityList::SetBounds(const TwipsRect& wanted) {
   Move.Raise();
 }
 
+void qbEntityList::SetShape(const BoxShape& shape) {
+  if (shape == Shape()) return;
+  bounds_ = shape.bounds;
+  minimized_ = shape.minimized;
+  restoredHeight_ = shape.restoredHeight;
+  ScrollTo(firstRow_);
+  Changed.Raise();
+  Move.Raise();
+}
+
 void qbEntityList::SetIsView(bool isView) {
   isView_ = isView;
   Changed.Raise();
@@ -292,7 +302,11 @@ void qbEntityList::PaintCaption(Canvas& canvas, const PixelRect& place, const Bo
   font.bold = true;
   const Pixels left = icon.Right() + kIconGap;
   const Pixels right = button.Empty() ? bar.Right() - kPadding : button.left;
-  canvas.DrawText({left, bar.top, right - left, bar.height}, caption_, {ink, font});
+  TextStyle style{ink, font};
+  style.quietBytes = look.schemaBytes;
+  style.quietInk =
+      look.active ? ink : Ink(ColorRole::QuietText);  // on the strong colour only the weight tells it apart
+  canvas.DrawText({left, bar.top, right - left, bar.height}, caption_, style);
 }
 
 // What the query does with the column, at the right end of `rect`. Returns where it begins.

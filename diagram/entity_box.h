@@ -14,6 +14,7 @@
 #include "base/units.h"
 #include "base/variant.h"
 #include "diagram/box_rows.h"
+#include "diagram/box_shape.h"
 #include "platform/canvas.h"
 
 namespace zrqrybld {
@@ -54,6 +55,7 @@ struct BoxLook {
   std::size_t dropRow = 0;                               ///< a row where a join may end now, from 1
   const std::unordered_set<const BoxRow*>* joined = {};  ///< rows that take part in a join
   const std::unordered_set<const BoxRow*>* marked = {};  ///< rows of the selected join
+  std::size_t schemaBytes = 0;                           ///< so much of the caption is the table's schema
 };
 
 /// Every change that can be seen raises `Changed`, or `Move` when lines must be routed anew.
@@ -124,6 +126,10 @@ class qbEntityList final : public Object {
   bool Minimized() const { return minimized_; }
   /// A minimised box shows its caption bar only; its height comes back when it is restored.
   void SetMinimized(bool minimized);
+
+  /// All of its place at once.
+  BoxShape Shape() const { return {bounds_, minimized_, restoredHeight_}; }
+  void SetShape(const BoxShape& shape);
 
   // --- Geometry, in twips on the pane's surface ---
 

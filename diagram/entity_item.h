@@ -8,6 +8,7 @@
 #include "base/units.h"
 #include "base/variant.h"
 #include "diagram/box_rows.h"
+#include "diagram/diagram_state.h"
 #include "host/properties.h"
 
 namespace zrqrybld {
@@ -56,8 +57,14 @@ class qbEntityItem final : public Object {
   const std::string& ToolTipText() const { return Row().ToolTipText(); }
   void SetToolTipText(std::string text) { Row().SetToolTipText(std::move(text)); }
 
+  // --- For the model ---
+
+  /// All but its tick, as a value.
+  ItemState State() const;
+
  private:
   friend class qbEntityItems;
+  void Restore(const ItemState& state);
   qbEntityItem(KeyedList<Ref<qbEntityItem>>* list, Ref<BoxRow> row) : list_(list), row_(std::move(row)) {}
   BoxRow& Row() const;
   void Detach() {

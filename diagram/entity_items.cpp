@@ -38,6 +38,13 @@ void qbEntityItems::Remove(const Variant& index) {
   rows.RemoveAt(position);
 }
 
+void qbEntityItems::Restore(const std::vector<ItemState>& items) {
+  std::size_t same = 0;
+  while (same < items.size() && same < items_.Count() && (*items_.At(same + 1))->State() == items[same]) ++same;
+  while (items_.Count() > same) Remove(Count());
+  for (std::size_t i = same; i < items.size(); ++i) Add(items[i].text, items[i].key)->Restore(items[i]);
+}
+
 void qbEntityItems::DetachRows() {
   for (std::size_t i = 1; i <= items_.Count(); ++i) (*items_.At(i))->Detach();
   items_.Clear();

@@ -61,6 +61,27 @@ std::int32_t qbRelationship::Kind() const {
   return static_cast<std::int32_t>(*number) & (JoinAllOfTarget | JoinAllOfSource);
 }
 
+JoinFacts qbRelationship::Facts() const {
+  return {itemData_, sourceItemIndex_, targetItemIndex_, leftIndicator_, rightIndicator_, leftPicture_, rightPicture_};
+}
+
+const std::shared_ptr<JoinIdentity>& qbRelationship::Identity() {
+  if (!identity_) identity_ = std::make_shared<JoinIdentity>(JoinIdentity{std::weak_ptr(RefTo(*this))});
+  return identity_;
+}
+
+void qbRelationship::Restore(const JoinFacts& facts) {
+  if (facts == Facts()) return;
+  itemData_ = facts.itemData;
+  sourceItemIndex_ = facts.sourceItemIndex;
+  targetItemIndex_ = facts.targetItemIndex;
+  leftIndicator_ = facts.leftIndicator;
+  rightIndicator_ = facts.rightIndicator;
+  leftPicture_ = facts.leftPicture;
+  rightPicture_ = facts.rightPicture;
+  NotifyEnd(Source());
+}
+
 void qbRelationship::Detach() {
   source_.reset();
   target_.reset();

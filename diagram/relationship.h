@@ -4,9 +4,11 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "base/object.h"
 #include "base/variant.h"
+#include "diagram/join_facts.h"
 #include "platform/image.h"
 
 namespace zrqrybld {
@@ -15,9 +17,6 @@ class qbEntity;
 class qbEntityItem;
 class qbLine;
 class qbRelationship;
-
-/// Whether an end of a join line shows a picture.
-enum RelationshipIndicatorStyle : std::int32_t { IndicatorNone = 0, IndicatorImage = 1 };
 
 /// Bits of `qbRelationship::ItemData`.
 enum JoinKindFlag : std::int32_t {
@@ -86,6 +85,11 @@ class qbRelationship final : public Object {
   /// `ItemData` as `JoinKindFlag` bits; 0 when it holds no number.
   std::int32_t Kind() const;
 
+  /// What the join says, besides its ends.
+  JoinFacts Facts() const;
+  /// What stands for the join also when it was removed; never nothing.
+  const std::shared_ptr<JoinIdentity>& Identity();
+
   /// The line that draws the join; nothing once it was removed.
   const Ref<qbLine>& Line() const { return line_; }
 
@@ -94,6 +98,7 @@ class qbRelationship final : public Object {
   qbRelationship(const Ref<qbEntity>& source, const Ref<qbEntity>& target, std::weak_ptr<RelationshipOwner> owner)
       : source_(source), target_(target), owner_(std::move(owner)) {}
   void Detach();
+  void Restore(const JoinFacts& facts);
   void NotifyEnd(const Ref<qbEntity>& end);
   void RedrawEnds();
 
@@ -108,6 +113,7 @@ class qbRelationship final : public Object {
   RelationshipIndicatorStyle rightIndicator_ = IndicatorNone;
   Ref<Image> leftPicture_;
   Ref<Image> rightPicture_;
+  std::shared_ptr<JoinIdentity> identity_;
 };
 
 }  // namespace zrqrybld

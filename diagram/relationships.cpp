@@ -1,5 +1,7 @@
 #include "diagram/relationships.h"
 
+#include <unordered_set>
+
 #include "base/error.h"
 #include "diagram/entity.h"
 
@@ -8,13 +10,45 @@ namespace zrqrybld {
 Ref<qbRelationship> qbRelationships::Add(const Ref<qbEntity>& target) {
   const Ref<qbEntity> source = parent_.lock();
   if (!view_ || !source || !target || !target->EntityBox()) ThrowObjectRemoved();
+  const Ref<qbRelationship> relationship = Make(source, target);
+  items_.Insert(relationship);
+  source->EntityBox()->Notify("relationshipadd", Ref<Object>(relationship));
+  return relationship;
+}
+
+Ref<qbRelationship> qbRelationships::Make(const Ref<qbEntity>& source, const Ref<qbEntity>& target) {
   // The list shares this collection's life, so it may serve as the owner's handle.
   const std::shared_ptr<RelationshipOwner> owner(shared_from_this(), this);
   const Ref<qbRelationship> relationship(new qbRelationship(source, target, owner));
   relationship->line_ = view_->LoadLine(relationship, source->EntityBox(), target->EntityBox());
-  items_.Insert(relationship);
-  source->EntityBox()->Notify("relationshipadd", Ref<Object>(relationship));
   return relationship;
+}
+
+void qbRelationships::Drop(const std::vector<JoinState>& staying) {
+  std::unordered_set<const JoinIdentity*> kept;
+  for (const JoinState& join : staying) kept.insert(join.identity.get());
+  for (std::int32_t i = Count(); i >= 1; --i) {
+    if (!kept.contains(Item(i)->Identity().get())) Remove(i);
+  }
+}
+
+void qbRelationships::Restore(const std::vector<JoinState>& joins) {
+  const Ref<qbEntity> source = parent_.lock();
+  if (!view_ || !source) ThrowObjectRemoved();
+  items_.Clear();
+  for (const JoinState& state : joins) {
+    Ref<qbRelationship> join = state.identity->live.lock();
+    const bool isThere = join && join->Line();
+    if (!isThere) {
+      const Ref<qbEntity> target = state.target->live.lock();
+      if (!target || !target->EntityBox()) continue;
+      join = Make(source, target);
+      join->identity_ = state.identity;
+      state.identity->live = join;
+    }
+    items_.Insert(join);
+    join->Restore(state.facts);
+  }
 }
 
 void qbRelationships::Clear() {

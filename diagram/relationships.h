@@ -3,9 +3,11 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "base/collection.h"
 #include "base/object.h"
+#include "diagram/diagram_state.h"
 #include "diagram/diagram_view.h"
 #include "diagram/relationship.h"
 
@@ -40,6 +42,9 @@ class qbRelationships final : public Object, private RelationshipOwner {
 
   // --- For the model ---
 
+  /// Removes the joins that are not among these; makes the joins these. Their targets are in the diagram.
+  void Drop(const std::vector<JoinState>& staying);
+  void Restore(const std::vector<JoinState>& joins);
   /// The entity that the joins start at; held weakly.
   void SetParentEntity(const Ref<qbEntity>& entity) { parent_ = entity; }
   /// The entity leaves the diagram.
@@ -47,6 +52,7 @@ class qbRelationships final : public Object, private RelationshipOwner {
 
  private:
   std::size_t PositionOf(const qbRelationship& relationship) const override;
+  Ref<qbRelationship> Make(const Ref<qbEntity>& source, const Ref<qbEntity>& target);
 
   DiagramView* view_;
   WeakRef<qbEntity> parent_;

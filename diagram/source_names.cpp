@@ -27,4 +27,14 @@ std::vector<Identifier> SourceName(const qbEntity& entity, const NameRules& rule
   return parts;
 }
 
+std::size_t SchemaBytesOf(const qbEntity& entity) {
+  const std::string schema = Fact(entity, "TABLE_SCHEMA");
+  if (schema.empty()) return 0;
+  const std::string name = Fact(entity, "TABLE_NAME");
+  const std::string caption = entity.Caption();
+  if (!caption.ends_with(name) || caption.size() <= name.size() + schema.size()) return 0;
+  const std::size_t bytes = caption.size() - name.size();
+  return caption.substr(0, bytes).find(schema) == std::string::npos ? 0 : bytes;
+}
+
 }  // namespace zrqrybld

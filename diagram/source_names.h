@@ -23,4 +23,8 @@ std::vector<Identifier> WrittenName(const qbEntity& entity, const NameRules& rul
 /// As `WrittenName`, with the schema in front that the source told when the name has none.
 std::vector<Identifier> SourceName(const qbEntity& entity, const NameRules& rules);
 
+/// How many bytes at the beginning of the caption say the table's schema, its separator included; 0 where the caption
+/// is not the name that the source knows.
+std::size_t SchemaBytesOf(const qbEntity& entity);
+
 }  // namespace zrqrybld

@@ -64,13 +64,16 @@ Ref<qbEntity> TablePicker::AddTable(const std::string& tableName) {
   if (!context_->Entities()) return nullptr;
   Ref<qbEntity> entity;
   const BusyPointer busy(context_->GetToolkit());
-  context_->RunOperation("Add table " + tableName, InfoRetrieveTableInfo, [&] {
-    try {
-      entity = MakeEntity(tableName);
-    } catch (const std::exception& cause) {
-      throw WrapError(ErrorAddingTable, "An error occured while adding table " + tableName + ".", cause);
-    }
-  });
+  context_->RunOperation(
+      kStepAddTable, InfoRetrieveTableInfo,
+      [&] {
+        try {
+          entity = MakeEntity(tableName);
+        } catch (const std::exception& cause) {
+          throw WrapError(ErrorAddingTable, "An error occured while adding table " + tableName + ".", cause);
+        }
+      },
+      tableName);
   return entity;
 }
 
@@ -212,7 +215,8 @@ void TablePicker::ShowTables() {
 }
 
 void TablePicker::AddTables(const std::vector<std::string>& names, const TablesDialog::Progress& progress) {
-  context_->RunOperation("Add tables", InfoAddTables, [&] {
+  const bool one = names.size() == 1;
+  const auto add = [&] {
     context_->RaiseInfo(InfoAddTables, static_cast<std::int32_t>(names.size()));
     try {
       for (std::size_t i = 0; i < names.size(); ++i) {
@@ -228,7 +232,8 @@ void TablePicker::AddTables(const std::vector<std::string>& names, const TablesD
       throw;
     }
     RefreshRelationships(context_);
-  });
+  };
+  context_->RunOperation(one ? kStepAddTable : kStepAddTables, InfoAddTables, add, one ? names.front() : std::string());
 }
 
 }  // namespace zrqrybld

@@ -14,9 +14,10 @@ namespace zrqrybld {
 void qbGridPane::CellChanged(std::int32_t row, std::int32_t column) {
   const bool namesField = column == kColumnColumn || column == kColumnTable;
   if (namesField) NoteRow(RowAt(row));
+  if (column == kColumnSortType || column == kColumnSortOrder) NoteSorted(RowAt(row));
   if (busy_) return;
   const Ref<zrGridRow> cells = grdPane_->Rows()->Item(row);
-  const StepScope step(context_.lock(), "Change cell");
+  const StepScope step(context_.lock(), kStepEditCell, CaptionOf(column));
   {
     const ScopedValue busy(busy_, true);
     if (namesField) {
@@ -86,13 +87,20 @@ void qbGridPane::CurrentCellChanged(std::int32_t row, std::int32_t column) {
   RowColChange.Raise(row, column);
 }
 
-// Many cells change at one stroke: one step, one statement.
-void qbGridPane::BatchChanged(bool begins) {
+std::string qbGridPane::CaptionOf(std::int32_t column) const {
+  return column > 0 ? grdPane_->Columns()->Item(column)->Caption() : std::string();
+}
+
+// What the user does at one stroke: one step, one statement.
+void qbGridPane::BatchChanged(GridWork kind, bool begins) {
+  static constexpr StepName kNames[] = {kStepEditCell,   kStepEditCells,  kStepPaste,
+                                        kStepInsertRows, kStepDeleteRows, kStepMoveRows};
   if (begins) {
     complained_ = false;
     change_.reset();
     batches_.push_back(context_.lock());
-    if (batches_.back()) batches_.back()->BeginStep("Edit cells");
+    if (batches_.back())
+      batches_.back()->BeginStep(kNames[static_cast<std::size_t>(kind)], CaptionOf(grdPane_->Column()));
     return;
   }
   if (batches_.empty()) return;

@@ -8,7 +8,6 @@
 #include "expression/expression_builder.h"
 #include "grid/field_names.h"
 #include "grid/grid_pane.h"
-#include "grid/sort_order.h"
 #include "sql/criteria_formatter.h"
 #include "sql/source_rules.h"
 
@@ -37,7 +36,7 @@ void qbGridPane::FinishEdit() {
   const std::int32_t row = grdPane_->Row();
   const std::int32_t column = grdPane_->Column();
   if (row <= 0 || column <= 0) return;
-  const StepScope step(context_.lock(), "Edit cell");
+  const StepScope step(context_.lock(), kStepEditCell, CaptionOf(column));
   complained_ = false;
   ProcessEdit(row, column, currentText_);
   AfterEdit.Raise(row, column);
@@ -181,11 +180,6 @@ void qbGridPane::SortOrderEdited(zrGridRow& row, const std::string& before) {
   SetSortOrder(row, static_cast<std::int32_t>(std::min(*number, static_cast<double>(RowCount()))));
 }
 
-// The run stays 1 to N: the others make room, or close up.
-void qbGridPane::SetSortOrder(const zrGridRow& row, std::int32_t order) {
-  WriteSortOrders(PlaceSortOrder(SortOrders(), static_cast<std::size_t>(row.Index() - 1), order));
-}
-
 // --- Criteria ---
 
 // How a criterion of the row is read and written.
@@ -195,7 +189,7 @@ CriteriaContext qbGridPane::CriteriaRules(const QueryContext& context, const zrG
   const Ref<qbEntity> entity = entities ? entities->FindExactly(field.table) : nullptr;
   const SnapshotType type = entity ? TypeOfColumn(*entity, field.name, *context.DataTypes()) : SnapshotType{};
   const NameRules names = CurrentNameRules(context);
-  CriteriaContext rules = context.Snapshot().criteria;
+  CriteriaContext rules = context.CriteriaRules();
   rules.dataType = type.code;
   rules.isLong = type.isLong;
   rules.prefix = type.prefix;
@@ -272,7 +266,7 @@ void qbGridPane::EditInWindow(bool builder) {
 }
 
 void qbGridPane::SetCellAsEdit(std::int32_t row, std::int32_t column, const std::string& text) {
-  const StepScope step(context_.lock(), "Edit cell");
+  const StepScope step(context_.lock(), kStepEditCell, CaptionOf(column));
   complained_ = false;
   RowAt(row).SetValue(column, text);
   GridEdited(row, column);

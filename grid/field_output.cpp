@@ -1,6 +1,7 @@
 // SetFieldOutput: the one way by which a field gets into the grid or out of it, and how the grid and
 // the boxes keep each other's ticks.
 #include <algorithm>
+#include <optional>
 
 #include "base/scoped_value.h"
 #include "base/text.h"
@@ -8,6 +9,7 @@
 #include "grid/field_names.h"
 #include "grid/grid_columns.h"
 #include "grid/grid_pane.h"
+#include "sql/source_rules.h"
 
 namespace zrqrybld {
 namespace {
@@ -19,7 +21,7 @@ std::string FieldKey(const std::string& table, const std::string& name) { return
 std::int32_t qbGridPane::SetFieldOutput(const std::string& fieldName, bool checked, const std::string& tableName,
                                         const FieldOutputOptions& options) {
   if (busy_) return 0;
-  const StepScope step(context_.lock(), checked ? "Add query column" : "Remove query column");
+  const StepScope step(context_.lock(), checked ? kStepAddColumn : kStepRemoveColumn, fieldName);
   const Field field{tableName, fieldName};
   std::int32_t row = 0;
   {
@@ -132,12 +134,14 @@ std::int32_t qbGridPane::FillNewRow(const Field& field, std::int32_t before) {
 }
 
 void qbGridPane::AddRows(const std::vector<RowContent>& rows) {
-  const StepScope step(context_.lock(), "Add query columns");
+  const StepScope step(context_.lock(), kStepAddColumns);
   {
     const ScopedValue busy(busy_, true);
     grdPane_->SetAutoRedraw(false);
     std::int32_t position = FirstEmptyRow();
     for (const RowContent& content : rows) {
+      // Filled rows may stand between the empty ones.
+      while (position != 0 && position <= RowCount() && !IsEmptyRow(RowAt(position))) ++position;
       if (position == 0 || position > RowCount()) {
         AddEmptyRow();
         position = RowCount();
@@ -188,25 +192,40 @@ void qbGridPane::PushToDiagram(const Field& field, bool checked) {
   if (item) item->SetChecked(checked);
 }
 
-// What stands behind the last "." is the field, what stands before it the table; it goes in above the row it was
-// dropped on. A text that is no field of the diagram is left alone.
-void qbGridPane::DropField(const std::string& text, PixelPoint at) {
+// A field of the diagram is found however it is written. Of any other text, what stands behind the last "." is the
+// field, and what stands before it the table, its parts joined by the source's separator.
+qbGridPane::Field qbGridPane::FieldIn(const std::string& text) const {
   const Ref<QueryContext> context = context_.lock();
   const Ref<qbEntities> entities = Entities();
   const std::size_t dot = text.rfind('.');
-  if (dot == std::string::npos || !entities) return;
-  const std::string table = text.substr(0, dot);
-  Ref<qbEntity> entity = entities->Item(table);
-  if (!entity) {
-    // Written with points where the source has another separator.
-    const Variant* separator = context->Properties()->Find("SCHEMA_SEPARATOR");
-    if (separator && !separator->Text().empty()) entity = entities->Item(ReplaceAll(table, ".", separator->Text()));
+  Field field{dot == std::string::npos ? "" : text.substr(0, dot), text.substr(dot == std::string::npos ? 0 : dot + 1)};
+  if (!entities) return field;
+  const NameRules rules = CurrentNameRules(*context);
+  std::optional<FieldName> known = FindQualifiedField(*entities, text, rules);
+  if (!known && dot == std::string::npos) known = FindOnlyField(*entities, text, rules);
+  if (known) return {known->table, known->column};
+  const std::optional<std::string> separator = context->Properties()->FindText("SCHEMA_SEPARATOR");
+  if (separator && !separator->empty() && !entities->Item(field.table)) {
+    field.table = ReplaceAll(field.table, ".", *separator);
   }
-  const Ref<qbEntityItem> item = entity ? entity->Items()->Item(text.substr(dot + 1)) : nullptr;
-  if (!item) return;
+  if (const Ref<qbEntity> entity = entities->Item(field.table)) {
+    const Ref<qbEntityItem> item = entity->Items()->Item(field.name);
+    return {entity->Caption(), item ? item->Text() : field.name};
+  }
+  return field;
+}
+
+bool qbGridPane::IsFieldText(const std::string& text) {
+  return text.find_first_of("\r\n") == std::string::npos && !TrimWhite(text).empty() && !text.ends_with('.');
+}
+
+// The field goes in above the row it was dropped on.
+void qbGridPane::DropField(const std::string& text, PixelPoint at) {
+  const std::string trimmed(TrimWhite(text));
+  if (!IsFieldText(trimmed)) return;
+  const Field field = FieldIn(trimmed);
   const GridHit hit = grdPane_->GetRowColumnIndex({1_px, at.y});
-  const bool onRow = hit.row != 0 && !IsEmptyRow(RowAt(static_cast<std::int32_t>(hit.row)));
-  SetFieldOutput(item->Text(), true, entity->Caption(), {false, onRow ? static_cast<std::int32_t>(hit.row) : 0});
+  SetFieldOutput(field.name, true, field.table, {false, static_cast<std::int32_t>(hit.row)});
 }
 
 }  // namespace zrqrybld

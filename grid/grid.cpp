@@ -145,15 +145,15 @@ void zrGrid::RowsChanged(std::size_t from) {
 }
 
 // Listeners hear of the end also when an error ends it.
-void zrGrid::InBatch(const std::function<void()>& work) {
-  Batch.Raise(true);
+void zrGrid::InBatch(GridWork kind, const std::function<void()>& work) {
+  Batch.Raise(kind, true);
   try {
     work();
   } catch (...) {
-    Batch.Raise(false);
+    Batch.Raise(kind, false);
     throw;
   }
-  Batch.Raise(false);
+  Batch.Raise(kind, false);
 }
 
 // --- Current cell and selected rows ---
@@ -209,6 +209,10 @@ void zrGrid::DeleteSelectedRows() {
   CommitEdit();
   const RowRange range = selection_;
   if (!allowRowInsert_ || range.first == 0) return;
+  InBatch(GridWork::DeleteRows, [&] { DeleteRange(range); });
+}
+
+void zrGrid::DeleteRange(RowRange range) {
   bool cancel = false;
   BeforeDelete.Raise(static_cast<std::int32_t>(range.first), static_cast<std::int32_t>(range.last), cancel);
   if (cancel) return;
@@ -223,6 +227,10 @@ void zrGrid::InsertRows() {
   CommitEdit();
   const RowRange range = selection_;
   if (!allowRowInsert_ || range.first == 0) return;
+  InBatch(GridWork::InsertRows, [&] { InsertRange(range); });
+}
+
+void zrGrid::InsertRange(RowRange range) {
   bool cancel = false;
   BeforeInsert.Raise(static_cast<std::int32_t>(range.first), static_cast<std::int32_t>(range.last), cancel);
   if (cancel) return;
@@ -249,14 +257,16 @@ bool zrGrid::MoveRange(RowRange range, std::size_t before) {
   if (!allowRowInsert_ || stays || before < 1 || before > count + 1 || range.last > count) return false;
   const std::size_t target = before < range.first ? before : before - range.Count();
   const bool selected = selection_.first != 0;
-  for (std::size_t i = 0; i < range.Count(); ++i) {
-    const std::size_t from = before < range.first ? range.first + i : range.first;
-    const std::size_t to = before < range.first ? before + i : before - 1;
-    rows_->Move(static_cast<std::int32_t>(from), static_cast<std::int32_t>(to));
-  }
-  if (selected) SelectRows(target, target + range.Count() - 1);
-  AfterMove.Raise(static_cast<std::int32_t>(range.first), static_cast<std::int32_t>(range.last),
-                  static_cast<std::int32_t>(target));
+  InBatch(GridWork::MoveRows, [&] {
+    for (std::size_t i = 0; i < range.Count(); ++i) {
+      const std::size_t from = before < range.first ? range.first + i : range.first;
+      const std::size_t to = before < range.first ? before + i : before - 1;
+      rows_->Move(static_cast<std::int32_t>(from), static_cast<std::int32_t>(to));
+    }
+    if (selected) SelectRows(target, target + range.Count() - 1);
+    AfterMove.Raise(static_cast<std::int32_t>(range.first), static_cast<std::int32_t>(range.last),
+                    static_cast<std::int32_t>(target));
+  });
   return true;
 }
 

@@ -25,6 +25,9 @@
 
 namespace zrqrybld {
 
+/// What the user does to cells or rows at one stroke.
+enum class GridWork : std::uint8_t { EditCell, EditCells, Paste, InsertRows, DeleteRows, MoveRows };
+
 class zrGrid final : public Control, private ColumnOwner, private RowOwner {
  public:
   /// A grid without columns and rows, shown in no window.
@@ -73,8 +76,8 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   Event<std::int32_t, std::int32_t, std::int32_t> AfterMove;
   /// Rows were added, moved or removed, by the user or by program; those before this one are untouched.
   Event<std::int32_t> RowsShifted;
-  /// Many cells are going to change at one stroke (true), or have changed (false).
-  Event<bool> Batch;
+  /// The user's work on cells or rows begins (true), or has ended (false).
+  Event<GridWork, bool> Batch;
   /// A larger editor is asked for by Shift+F2.
   Event<> ZoomWanted;
   /// A context menu is asked for: what lies under the place, and the place in pixels.
@@ -230,7 +233,10 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   bool BeforeCellChange(std::size_t row, std::size_t column) override;
   void AfterCellChange(std::size_t row, std::size_t column) override;
   void RowsChanged(std::size_t from) override;
-  void CellLooksChanged() override { Redraw(); }
+  void CellLooksChanged() override {
+    headerState_.reset();
+    Redraw();
+  }
 
   GridLayout Layout() const;
   void UpdateScrollBars();
@@ -245,6 +251,8 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   bool SelectionKey(const KeyEvent& event);
   bool TypingKey(const KeyEvent& event);
   bool MoveRange(RowRange range, std::size_t before);
+  void DeleteRange(RowRange range);
+  void InsertRange(RowRange range);
 
   void PressHeader(const GridHit& hit, const MouseEvent& event);
   void PressRowHeader(std::size_t row, const MouseEvent& event);
@@ -252,7 +260,7 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   void DragRows(MovingRows& moving, PixelPoint to);
   void OfferMenu(const GridHit& hit, PixelPoint at);
 
-  void InBatch(const std::function<void()>& work);
+  void InBatch(GridWork kind, const std::function<void()>& work);
   void PasteLine(zrGridRow& row, std::size_t firstColumn, const std::vector<std::string>& line);
   void PasteCell(zrGridRow& row, std::size_t column, const std::string& text);
   bool OpenEditor(const std::string* typed = nullptr);

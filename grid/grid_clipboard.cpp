@@ -26,7 +26,7 @@ void zrGrid::PasteText(std::string_view text) {
   const std::size_t firstColumn = selection_.first != 0 ? 1 : currentColumn_;
   if (firstRow == 0 || text.empty()) return;
   const Ref<Object> alive = shared_from_this();
-  InBatch([&] {
+  InBatch(GridWork::Paste, [&] {
     std::size_t place = firstRow;
     for (const std::vector<std::string>& line : ReadTabText(text)) {
       if (place > static_cast<std::size_t>(rows_->Count())) {

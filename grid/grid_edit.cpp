@@ -144,7 +144,7 @@ void zrGrid::CommitEdit() {
   const std::string text = session.isCombo ? cboList_->Text() : txtText_->Text();
   CloseEditor();
   if (session.row->Index() == 0 || session.column->Index() == 0) return;
-  InBatch([&] {
+  InBatch(GridWork::EditCell, [&] {
     if (text != session.text) WriteBack(session, text);
     if (session.row->Index() != 0) AfterEdit.Raise(session.row->Index(), session.column->Index());
   });

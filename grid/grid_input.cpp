@@ -23,7 +23,10 @@ bool zrGrid::CommandKey(const KeyEvent& event) {
   const bool plain = event.shift == ShiftNone;
   const bool menuKey = (plain && event.keyCode == kKeyMenu) || (event.shift == ShiftShift && event.keyCode == kKeyF10);
   if (menuKey) {
-    if (currentRow_ == 0) return false;
+    if (currentRow_ == 0) {
+      OfferMenu({}, {0_px, Layout().HeaderHeight()});
+      return true;
+    }
     const PixelRect cell = GetRowColumnXY(Row(), Column());
     OfferMenu({GridPart::Cell, currentRow_, currentColumn_}, {cell.left, cell.Bottom()});
     return true;

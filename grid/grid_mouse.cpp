@@ -198,7 +198,7 @@ zrGrid::CheckState zrGrid::StateOfColumn(std::size_t column) const {
 // Checks all cells, or none when all are checked.
 void zrGrid::CheckColumn(std::size_t column) {
   const bool check = StateOfColumn(column) != CheckState::On;
-  InBatch([&] {
+  InBatch(GridWork::EditCells, [&] {
     for (std::size_t row = static_cast<std::size_t>(rows_->Count()); row >= 1; --row) {
       if (row > static_cast<std::size_t>(rows_->Count())) continue;  // a listener has removed rows
       zrGridRow& target = rows_->At(row);
@@ -226,7 +226,7 @@ bool zrGrid::OnDragOver(const std::string& text, const MouseEvent& event) {
   dragPlace_ = event.position;
   OLEDragOver.Raise(text, effect, event.button, event.shift, static_cast<float>(event.position.x.Value()),
                     static_cast<float>(event.position.y.Value()), state);
-  dropRow_ = effect != 0 ? DropRowAt(Layout(), event.position, static_cast<std::size_t>(rows_->Count())) : 0;
+  dropRow_ = effect != 0 ? Layout().HitTest({1_px, event.position.y}).row : 0;
   Redraw();
   return effect != 0;
 }

@@ -16,6 +16,7 @@ namespace {
 
 constexpr int kInitialRows = 7;
 constexpr float kGroupByWidth = 1200;
+constexpr const char* kDateFormat = "dd-mmm-yyyy";
 
 std::int32_t SortOrderOf(const zrGridRow& row) {
   const std::optional<double> number = ParseNumber(row.ValueAt(kColumnSortOrder).Text());
@@ -67,9 +68,9 @@ void qbGridPane::ConnectGrid() {
     EnsureEmptyLastRow();
   });
   listen(grid.RowsShifted, [this](std::int32_t from) { emptyFrom_ = std::min(emptyFrom_, from); });
-  listen(grid.Batch, [this](bool begins) { BatchChanged(begins); });
+  listen(grid.Batch, [this](GridWork kind, bool begins) { BatchChanged(kind, begins); });
   listen(grid.OLEDragOver, [](const std::string& text, std::int32_t& effect, auto&&...) {
-    if (text.find('.') != std::string::npos) effect = 1;
+    if (IsFieldText(text)) effect = 1;
   });
   listen(grid.OLEDragDrop,
          [this](const std::string& text, std::int32_t&, std::int32_t, std::int32_t, float x, float y) {
@@ -138,7 +139,8 @@ void qbGridPane::SetCustomContextMenu(bool custom) {
 }
 
 void qbGridPane::ReadProperties(const PropertyStore& store) {
-  dateFormat_ = store.Read("DateFormat", "dd-mmm-yyyy").Text();
+  const Variant dateFormat = store.Read("DateFormat", kDateFormat);
+  dateFormat_ = dateFormat.IsString() ? dateFormat.Text() : kDateFormat;
   const std::optional<double> style = store.Read("DateFormatStyle", 0).Number();
   dateFormatStyle_ = style && *style == 1 ? DateFormatEscapeSequence : DateFormatNative;
   showGroupBy_ = ReadBoolean(store, "ShowGroupBy", true);
@@ -149,7 +151,7 @@ void qbGridPane::ReadProperties(const PropertyStore& store) {
 }
 
 void qbGridPane::WriteProperties(PropertyStore& store) const {
-  store.Write("DateFormat", dateFormat_, "dd-mmm-yyyy");
+  store.Write("DateFormat", dateFormat_, kDateFormat);
   store.Write("DateFormatStyle", static_cast<std::int32_t>(dateFormatStyle_), 0);
   store.Write("ShowGroupBy", showGroupBy_, true);
   store.Write("CustomContextMenu", CustomContextMenu(), false);
@@ -228,24 +230,45 @@ void qbGridPane::ResetRows() {
   grdPane_->SetAutoRedraw(false);
   grdPane_->Rows()->Clear();
   rowsByField_.clear();
+  sortedRows_.clear();
   for (int i = 0; i < kInitialRows; ++i) AddEmptyRow();
   grdPane_->SetAutoRedraw(true);
 }
 
 // --- Sorting and grouping ---
 
+void qbGridPane::NoteSorted(const zrGridRow& row) {
+  constexpr std::size_t kSlack = 64;
+  if (sortedRows_.size() > 2 * static_cast<std::size_t>(RowCount()) + kSlack) SortedRows();
+  sortedRows_.push_back(RowAt(row.Index()).weak_from_this());
+}
+
+// The rows with a sort type or a number, in their order: what is not sorted costs nothing.
+std::vector<Ref<zrGridRow>> qbGridPane::SortedRows() const {
+  std::vector<Ref<zrGridRow>> rows;
+  for (const WeakRef<Object>& noted : sortedRows_) {
+    const auto row = std::static_pointer_cast<zrGridRow>(noted.lock());
+    if (!row || row->Index() == 0) continue;
+    if (!row->ValueAt(kColumnSortType).IsBlank() || !row->ValueAt(kColumnSortOrder).IsBlank()) rows.push_back(row);
+  }
+  std::ranges::sort(rows, {}, [](const Ref<zrGridRow>& row) { return row->Index(); });
+  rows.erase(std::ranges::unique(rows).begin(), rows.end());
+  sortedRows_.assign(rows.begin(), rows.end());
+  return rows;
+}
+
 std::int16_t qbGridPane::NextSortOrder(std::int32_t row) const {
   std::int16_t next = 1;
-  for (std::int32_t i = 1; i <= RowCount(); ++i) {
-    const std::string type = Text(RowAt(i), kColumnSortType);
-    if (i != row && !type.empty() && !EqualsNoCase(type, "UNSORTED")) ++next;
+  for (const Ref<zrGridRow>& sorted : SortedRows()) {
+    const std::string type = Text(*sorted, kColumnSortType);
+    if (sorted->Index() != row && !type.empty() && !EqualsNoCase(type, "UNSORTED")) ++next;
   }
   return next;
 }
 
 void qbGridPane::SortRow(std::int32_t row, const std::string& type) {
   const Ref<zrGridRow> item = grdPane_->Rows()->Item(row);
-  const StepScope step(context_.lock(), "Sort");
+  const StepScope step(context_.lock(), kStepSort, Text(*item, kColumnColumn));
   item->SetValue("sort_type", type);
   if (type.empty()) {
     item->SetValue("sort_order", "");
@@ -255,38 +278,48 @@ void qbGridPane::SortRow(std::int32_t row, const std::string& type) {
   }
 }
 
-// The sort number of each row; 0 for those without.
-std::vector<std::int32_t> qbGridPane::SortOrders() const {
-  std::vector<std::int32_t> orders;
-  orders.reserve(static_cast<std::size_t>(RowCount()));
-  for (std::int32_t i = 1; i <= RowCount(); ++i) orders.push_back(SortOrderOf(RowAt(i)));
-  return orders;
-}
-
-void qbGridPane::WriteSortOrders(const std::vector<std::int32_t>& orders) {
+void qbGridPane::WriteSortOrders(const std::vector<Ref<zrGridRow>>& rows, const std::vector<std::int32_t>& orders) {
   const ScopedValue busy(busy_, true);
-  for (std::int32_t i = 1; i <= RowCount() && static_cast<std::size_t>(i) <= orders.size(); ++i) {
-    const std::int32_t order = orders[static_cast<std::size_t>(i - 1)];
-    const Variant& cell = RowAt(i).ValueAt(kColumnSortOrder);
-    if (order != 0) {
-      RowAt(i).SetValue("sort_order", std::to_string(order));
-    } else if (!cell.IsBlank()) {
-      RowAt(i).SetValue("sort_order", "");
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    if (orders[i] != 0) {
+      rows[i]->SetValue("sort_order", std::to_string(orders[i]));
+    } else if (!rows[i]->ValueAt(kColumnSortOrder).IsBlank()) {
+      rows[i]->SetValue("sort_order", "");
     }
   }
 }
 
-void qbGridPane::CloseSortGaps() { WriteSortOrders(zrqrybld::CloseSortGaps(SortOrders())); }
+void qbGridPane::CloseSortGaps() {
+  const std::vector<Ref<zrGridRow>> rows = SortedRows();
+  std::vector<std::int32_t> orders;
+  for (const Ref<zrGridRow>& row : rows) orders.push_back(SortOrderOf(*row));
+  WriteSortOrders(rows, zrqrybld::CloseSortGaps(orders));
+}
+
+// The run stays 1 to N: the others make room, or close up.
+void qbGridPane::SetSortOrder(zrGridRow& row, std::int32_t order) {
+  std::vector<Ref<zrGridRow>> rows = SortedRows();
+  const Ref<zrGridRow> self = grdPane_->Rows()->Item(row.Index());
+  auto at = std::ranges::find(rows, self);
+  if (at == rows.end()) {
+    at = std::ranges::find_if(rows, [&](const Ref<zrGridRow>& other) { return other->Index() > row.Index(); });
+    at = rows.insert(at, self);
+  }
+  std::vector<std::int32_t> orders;
+  for (const Ref<zrGridRow>& sorted : rows) orders.push_back(SortOrderOf(*sorted));
+  WriteSortOrders(rows, PlaceSortOrder(orders, static_cast<std::size_t>(at - rows.begin()), order));
+}
 
 void qbGridPane::SetShowGroupBy(bool show) {
   if (show == showGroupBy_) return;
+  const StepScope step(context_.lock(), kStepGrouping);
   showGroupBy_ = show;
   ApplyShowGroupBy();
   PropertyChanged.Raise("ShowGroupBy");
   ReportChange();
 }
 
-void qbGridPane::ApplyShowGroupBy() {
+void qbGridPane::ShowGroupByColumn() {
   const Ref<zrGridColumn> column = grdPane_->Columns()->Item("group_by");
   if (showGroupBy_) {
     column->SetWidth(groupByWidth_ > 0 ? groupByWidth_ : kGroupByWidth);
@@ -294,6 +327,10 @@ void qbGridPane::ApplyShowGroupBy() {
     if (column->Width() > 0) groupByWidth_ = column->Width();
     column->SetWidth(0);
   }
+}
+
+void qbGridPane::ApplyShowGroupBy() {
+  ShowGroupByColumn();
   const ScopedValue busy(busy_, true);
   for (std::int32_t i = 1; i <= RowCount(); ++i) SetRowGroupBy(RowAt(i));
 }

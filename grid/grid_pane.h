@@ -171,6 +171,10 @@ class qbGridPane final : public Object {
   /// Replaces all rows by those of a saved query, without the rules of editing. One empty row follows them, and the
   /// boxes are ticked as the rows output. Error 40005 for an "output" that is no truth.
   void LoadRows(const std::vector<LoadedCell>& cells);
+  /// Makes the rows, which are as `now` says, what `then` says, without the rules of editing.
+  void Restore(const std::vector<SharedRowContent>& now, const std::vector<SharedRowContent>& then);
+  /// Shows or hides the grouping column without touching the rows, which hold what belongs to it already.
+  void RestoreShowGroupBy(bool show);
   /// Empties the grid: the initial empty rows are back.
   void ResetRows();
 
@@ -192,6 +196,8 @@ class qbGridPane final : public Object {
   bool IsLocked(std::string_view key) const;
   void SetLock(std::string_view key, bool lock);
   void ApplyShowGroupBy();
+  void ShowGroupByColumn();
+  std::string CaptionOf(std::int32_t column) const;
   std::int16_t AliasMaxLen() const;
   Ref<qbEntities> Entities() const;
 
@@ -202,8 +208,9 @@ class qbGridPane final : public Object {
   void AddEmptyRow();
   void EnsureEmptyLastRow();
   void SetRowGroupBy(zrGridRow& row);
-  std::vector<std::int32_t> SortOrders() const;
-  void WriteSortOrders(const std::vector<std::int32_t>& orders);
+  void NoteSorted(const zrGridRow& row);
+  std::vector<Ref<zrGridRow>> SortedRows() const;
+  void WriteSortOrders(const std::vector<Ref<zrGridRow>>& rows, const std::vector<std::int32_t>& orders);
   void CloseSortGaps();
 
   // --- Fields in and out (field_output.cpp) ---
@@ -222,6 +229,8 @@ class qbGridPane final : public Object {
   void PushToDiagram(const Field& field, bool checked);
   // Whether any row outputs the field.
   bool IsOutput(const Field& field) const;
+  Field FieldIn(const std::string& text) const;
+  static bool IsFieldText(const std::string& text);
   void DropField(const std::string& text, PixelPoint at);
 
   // --- Changes and edits (cell_changes.cpp, cell_edits.cpp) ---
@@ -242,14 +251,14 @@ class qbGridPane final : public Object {
   void GroupByEdited(zrGridRow& row, const std::string& before);
   void SortTypeEdited(zrGridRow& row, const std::string& before);
   void SortOrderEdited(zrGridRow& row, const std::string& before);
-  void SetSortOrder(const zrGridRow& row, std::int32_t order);
+  void SetSortOrder(zrGridRow& row, std::int32_t order);
   CriteriaContext CriteriaRules(const QueryContext& context, const zrGridRow& row) const;
   void CriterionEdited(zrGridRow& row, std::int32_t column);
   void Complain(zrGridRow& row, std::int32_t column, const std::string& text, MessageIcon icon);
   static Ref<qbIntelliList> SuggestionsFor(const WeakRef<QueryContext>& link, std::int32_t column);
   void EditInWindow(bool builder);
   void SetCellAsEdit(std::int32_t row, std::int32_t column, const std::string& text);
-  void BatchChanged(bool begins);
+  void BatchChanged(GridWork kind, bool begins);
   void ReportChange();
 
   // --- Context menu (grid_menu.cpp) ---
@@ -276,7 +285,8 @@ class qbGridPane final : public Object {
   std::vector<Ref<QueryContext>> batches_;
   // The rows of each field. Entries are only added; what is out of date is dropped when it is met.
   mutable std::unordered_map<std::string, std::vector<WeakRef<Object>>> rowsByField_;
-  std::int32_t emptyFrom_ = 1;  // no row before this one is empty
+  mutable std::vector<WeakRef<Object>> sortedRows_;  // with a sort type or number; out of date as those
+  std::int32_t emptyFrom_ = 1;                       // no row before this one is empty
 };
 
 }  // namespace zrqrybld

@@ -1,4 +1,5 @@
 // Rows as a saved query holds them: set as they are, without the rules of editing.
+#include <algorithm>
 #include <string>
 #include <unordered_set>
 
@@ -17,7 +18,7 @@ std::string FieldKey(const std::string& table, const std::string& column) {
 }  // namespace
 
 void qbGridPane::LoadRows(const std::vector<LoadedCell>& cells) {
-  const StepScope step(context_.lock(), "Load rows");
+  const StepScope step(context_.lock(), kStepLoadQuery);
   const ScopedValue busy(busy_, true);
   grdPane_->SetAutoRedraw(false);
   grdPane_->Rows()->Clear();
@@ -47,6 +48,30 @@ void qbGridPane::LoadCell(const LoadedCell& cell) {
   }
   // A check box makes a Boolean of the text.
   RowAt(cell.row).SetValue(column, cell.text);
+}
+
+void qbGridPane::Restore(const std::vector<SharedRowContent>& now, const std::vector<SharedRowContent>& then) {
+  std::size_t same = 0;
+  const std::size_t shorter = std::min(now.size(), then.size());
+  while (same < shorter && now[same] == then[same]) ++same;
+  std::size_t behind = 0;
+  while (behind < shorter - same && now[now.size() - 1 - behind] == then[then.size() - 1 - behind]) ++behind;
+  const auto begin = then.begin() + static_cast<std::ptrdiff_t>(same);
+  const auto end = then.end() - static_cast<std::ptrdiff_t>(behind);
+  if (begin == end && now.size() == then.size()) return;
+  const ScopedValue busy(busy_, true);
+  grdPane_->Rows()->Restore(same + 1, now.size() - same - behind, {begin, end});
+  emptyFrom_ = std::min(emptyFrom_, static_cast<std::int32_t>(same) + 1);
+  for (std::size_t i = same + 1; i <= then.size() - behind; ++i) NoteRow(RowAt(static_cast<std::int32_t>(i)));
+  currentText_ =
+      grdPane_->Row() == 0 ? std::string() : Text(RowAt(grdPane_->Row()), static_cast<std::size_t>(grdPane_->Column()));
+}
+
+void qbGridPane::RestoreShowGroupBy(bool show) {
+  if (show == showGroupBy_) return;
+  showGroupBy_ = show;
+  ShowGroupByColumn();
+  PropertyChanged.Raise("ShowGroupBy");
 }
 
 // Every item of the diagram is ticked when a row outputs it, and only then.

@@ -13,6 +13,11 @@ const Variant& EmptyCell() {
   return kEmpty;
 }
 
+const std::string& NoText() {
+  static const std::string kNone;
+  return kNone;
+}
+
 Variant AsCheckBoxValue(const Variant& value) {
   try {
     return value.ToBoolean();
@@ -23,44 +28,70 @@ Variant AsCheckBoxValue(const Variant& value) {
 
 }  // namespace
 
+zrGridRow::zrGridRow(zrGridRows* list, std::string key) : list_(list) {
+  if (key.empty()) return;
+  content_ = std::make_shared<RowContent>();
+  content_->key = std::move(key);
+}
+
 std::size_t zrGridRow::Position(const Variant& column) const {
   if (!list_ || !list_->owner_) ThrowObjectRemoved();
   return list_->owner_->ColumnPosition(column);
 }
 
-zrGridRow::Cell& zrGridRow::CellAt(std::size_t column) {
-  if (cells_.size() < column) cells_.resize(column);
-  return cells_[column - 1];
+// What the row holds, to be changed: a copy when it is remembered elsewhere.
+RowContent& zrGridRow::Changing() {
+  if (!content_) {
+    content_ = std::make_shared<RowContent>();
+  } else if (content_.use_count() > 1) {
+    content_ = std::make_shared<RowContent>(*content_);
+  }
+  if (list_) list_->Touch(index_ - 1, static_cast<std::size_t>(list_->Count()) - index_);
+  return *content_;
+}
+
+GridCell& zrGridRow::CellAt(std::size_t column) {
+  RowContent& content = Changing();
+  if (content.cells.size() < column) content.cells.resize(column);
+  return content.cells[column - 1];
+}
+
+const GridCell* zrGridRow::CellIf(std::size_t column) const {
+  return content_ && column <= content_->cells.size() ? &content_->cells[column - 1] : nullptr;
 }
 
 const Variant& zrGridRow::ValueAt(std::size_t column) const {
-  return column <= cells_.size() ? cells_[column - 1].value : EmptyCell();
+  const GridCell* cell = CellIf(column);
+  return cell ? cell->value : EmptyCell();
 }
 
 const Variant& zrGridRow::TagAt(std::size_t column) const {
-  return column <= cells_.size() ? cells_[column - 1].tag : EmptyCell();
+  const GridCell* cell = CellIf(column);
+  return cell ? cell->tag : EmptyCell();
 }
 
 const std::string& zrGridRow::HintAt(std::size_t column) const {
-  static const std::string kNone;
-  return column <= cells_.size() && cells_[column - 1].hint ? *cells_[column - 1].hint : kNone;
+  const GridCell* cell = CellIf(column);
+  return cell && cell->hint ? *cell->hint : NoText();
 }
 
 const std::string& zrGridRow::Hint(const Variant& column) const { return HintAt(Position(column)); }
 
 void zrGridRow::SetHint(const Variant& column, std::string text) {
-  std::unique_ptr<std::string>& hint = CellAt(Position(column)).hint;
-  hint = text.empty() ? nullptr : std::make_unique<std::string>(std::move(text));
+  const std::size_t position = Position(column);
+  CellAt(position).hint = text.empty() ? nullptr : std::make_shared<const std::string>(std::move(text));
   list_->owner_->CellLooksChanged();
 }
 
 std::int32_t zrGridRow::MaxLen(const Variant& column) const {
-  const std::size_t position = Position(column);
-  return position <= cells_.size() ? cells_[position - 1].maxLen : 0;
+  const GridCell* cell = CellIf(Position(column));
+  return cell ? cell->maxLen : 0;
 }
 
 void zrGridRow::SetMaxLen(const Variant& column, std::int32_t characters) {
-  CellAt(Position(column)).maxLen = characters;
+  const std::size_t position = Position(column);
+  const GridCell* cell = CellIf(position);
+  if ((cell ? cell->maxLen : 0) != characters) CellAt(position).maxLen = characters;
 }
 
 const Variant& zrGridRow::Value(const Variant& column) const { return ValueAt(Position(column)); }
@@ -75,7 +106,7 @@ void zrGridRow::SetValue(const Variant& column, Variant value) {
   }
   const Ref<Object> alive = shared_from_this();  // a listener may remove the row
   if (!owner.BeforeCellChange(index_, position) || !list_) return;
-  Cell& cell = CellAt(position);
+  GridCell& cell = CellAt(position);
   cell.value = std::move(value);
   cell.hint.reset();
   owner.AfterCellChange(index_, position);
@@ -85,9 +116,11 @@ const Variant& zrGridRow::TagVariant(const Variant& column) const { return TagAt
 
 void zrGridRow::SetTagVariant(const Variant& column, Variant tag) { CellAt(Position(column)).tag = std::move(tag); }
 
+const std::string& zrGridRow::Key() const { return content_ ? content_->key : NoText(); }
+
 void zrGridRow::SetKey(std::string key) {
   if (list_) list_->items_.Rekey(index_, key);
-  key_ = std::move(key);
+  Changing().key = std::move(key);
 }
 
 Ref<zrGridRow> zrGridRows::Add(const std::string& key, const Variant& before, const Variant& after) {
@@ -95,6 +128,7 @@ Ref<zrGridRow> zrGridRows::Add(const std::string& key, const Variant& before, co
   const Ref<zrGridRow> row(new zrGridRow(this, key));
   items_.Insert(row, key, place);
   Renumber(place);
+  Touch(static_cast<std::size_t>(row->Index()) - 1, items_.Count() - static_cast<std::size_t>(row->Index()));
   if (owner_) owner_->RowsChanged(place);
   return row;
 }
@@ -109,6 +143,7 @@ void zrGridRows::DetachRows() {
 void zrGridRows::Clear() {
   DetachRows();
   items_.Clear();
+  Touch(0, 0);
   if (owner_) owner_->RowsChanged(1);
 }
 
@@ -117,6 +152,7 @@ void zrGridRows::Move(std::int32_t from, std::int32_t to) {
   const std::size_t target = RequirePosition(items_, to);
   items_.Move(source, target);
   Renumber(std::min(source, target));
+  Touch(std::min(source, target) - 1, items_.Count() - std::max(source, target));
   if (owner_) owner_->RowsChanged(std::min(source, target));
 }
 
@@ -126,28 +162,96 @@ void zrGridRows::Remove(const Variant& index) {
   row->list_ = nullptr;
   row->index_ = 0;
   Renumber(position);
+  Touch(position - 1, items_.Count() - (position - 1));
   if (owner_) owner_->RowsChanged(position);
 }
 
 void zrGridRows::RemoveIf(const std::function<bool(const zrGridRow&)>& unwanted) {
   std::size_t first = 0;
+  std::size_t last = 0;
+  std::size_t removed = 0;
   items_.RemoveIf([&](const Ref<zrGridRow>& row) {
     if (!unwanted(*row)) return false;
     if (first == 0 || row->index_ < first) first = row->index_;
+    last = std::max(last, row->index_);
+    ++removed;
     row->list_ = nullptr;
     row->index_ = 0;
     return true;
   });
   if (first == 0) return;
   Renumber(first);
+  Touch(first - 1, items_.Count() + removed - last);
   if (owner_) owner_->RowsChanged(first);
 }
 
 void zrGridRows::DropColumn(std::size_t position) {
   for (std::size_t i = 1; i <= items_.Count(); ++i) {
-    auto& cells = (*items_.At(i))->cells_;
-    if (position <= cells.size()) cells.erase(cells.begin() + static_cast<std::ptrdiff_t>(position - 1));
+    zrGridRow& row = **items_.At(i);
+    if (!row.CellIf(position)) continue;
+    std::vector<GridCell>& cells = row.Changing().cells;
+    cells.erase(cells.begin() + static_cast<std::ptrdiff_t>(position - 1));
   }
+}
+
+// --- What undo remembers ---
+
+void zrGridRows::Touch(std::size_t before, std::size_t behind) {
+  untouched_.before = std::min(untouched_.before, before);
+  untouched_.behind = std::min(untouched_.behind, behind);
+}
+
+void zrGridRows::Remembered() { untouched_ = {items_.Count(), items_.Count()}; }
+
+void zrGridRows::Restore(std::size_t first, std::size_t count, const std::vector<SharedRowContent>& contents) {
+  const auto keyOf = [](const SharedRowContent& content) { return content ? content->key : std::string(); };
+  std::size_t same = 0;
+  while (same < std::min(count, contents.size()) && (*items_.At(first + same))->Key() == keyOf(contents[same])) ++same;
+  for (std::size_t i = 0; i < same; ++i) {
+    (*items_.At(first + i))->content_ = std::const_pointer_cast<RowContent>(contents[i]);
+  }
+  for (std::size_t i = count; i > same; --i) {
+    const Ref<zrGridRow> row = items_.RemoveAt(first + i - 1);
+    row->list_ = nullptr;
+    row->index_ = 0;
+  }
+  for (std::size_t i = same; i < contents.size(); ++i) {
+    const Ref<zrGridRow> row(new zrGridRow(this, {}));
+    row->content_ = std::const_pointer_cast<RowContent>(contents[i]);
+    items_.Insert(row, keyOf(contents[i]), first + i);
+  }
+  Renumber(first);
+  Touch(first - 1, items_.Count() - (first - 1) - contents.size());
+  if (!owner_) return;
+  owner_->CellLooksChanged();
+  if (same != count || same != contents.size()) owner_->RowsChanged(first + same);
+}
+
+bool SaysTheSame(const SharedRowContent& a, const SharedRowContent& b) {
+  if (a == b) return true;
+  static const RowContent kEmpty;
+  const RowContent& one = a ? *a : kEmpty;
+  const RowContent& other = b ? *b : kEmpty;
+  if (one.key != other.key || one.locked != other.locked) return false;
+  static const GridCell kNone;
+  for (std::size_t i = 0; i < std::max(one.cells.size(), other.cells.size()); ++i) {
+    const GridCell& cell = i < one.cells.size() ? one.cells[i] : kNone;
+    const GridCell& with = i < other.cells.size() ? other.cells[i] : kNone;
+    const bool blank = cell.value.IsBlank() && with.value.IsBlank();
+    if ((!blank && cell.value != with.value) || cell.tag != with.tag) return false;
+  }
+  return true;
+}
+
+std::size_t SizeOf(const SharedRowContent& content) {
+  std::size_t bytes = sizeof(SharedRowContent);
+  if (!content) return bytes;
+  bytes += sizeof(RowContent);
+  for (const GridCell& cell : content->cells) {
+    const std::string* text = cell.value.StringIf();
+    bytes += sizeof(GridCell) + (text ? text->size() : 0);
+  }
+  return bytes;
 }
 
 void zrGridRows::Renumber(std::size_t from) {

@@ -16,6 +16,28 @@ namespace zrqrybld {
 class zrGridRow;
 class zrGridRows;
 
+/// A cell of a row.
+struct GridCell {
+  Variant value;
+  Variant tag;
+  std::int32_t maxLen = 0;
+  std::shared_ptr<const std::string> hint;  ///< seldom there
+};
+
+/// What a row holds. Undo remembers it: as long as others share it, a change makes a copy.
+struct RowContent {
+  std::vector<GridCell> cells;
+  std::string key;
+  bool locked = false;
+};
+/// Nothing is an empty row.
+using SharedRowContent = std::shared_ptr<const RowContent>;
+
+/// Whether the two rows say the same: values and tags, key, lock.
+bool SaysTheSame(const SharedRowContent& a, const SharedRowContent& b);
+/// How much memory it takes, roughly, in bytes.
+std::size_t SizeOf(const SharedRowContent& content);
+
 /// What rows ask of the grid they stand in.
 class RowOwner {
  public:
@@ -64,13 +86,15 @@ class zrGridRow final : public Object {
   void SetHint(const Variant& column, std::string text);
 
   /// The key among the rows; "" for none.
-  const std::string& Key() const { return key_; }
+  const std::string& Key() const;
   /// Error 457 when another row has the key.
   void SetKey(std::string key);
 
   /// A locked row is not edited in place.
-  bool Locked() const { return locked_; }
-  void SetLocked(bool locked) { locked_ = locked; }
+  bool Locked() const { return content_ && content_->locked; }
+  void SetLocked(bool locked) {
+    if (locked != Locked()) Changing().locked = locked;
+  }
 
   // --- For the grid and its owner ---
 
@@ -78,24 +102,20 @@ class zrGridRow final : public Object {
   const Variant& ValueAt(std::size_t column) const;
   const Variant& TagAt(std::size_t column) const;
   const std::string& HintAt(std::size_t column) const;
+  /// All that the row holds.
+  SharedRowContent Content() const { return content_; }
 
  private:
   friend class zrGridRows;
-  struct Cell {
-    Variant value;
-    Variant tag;
-    std::int32_t maxLen = 0;
-    std::unique_ptr<std::string> hint;  // seldom there
-  };
-  zrGridRow(zrGridRows* list, std::string key) : list_(list), key_(std::move(key)) {}
+  zrGridRow(zrGridRows* list, std::string key);
   std::size_t Position(const Variant& column) const;
-  Cell& CellAt(std::size_t column);
+  const GridCell* CellIf(std::size_t column) const;
+  RowContent& Changing();
+  GridCell& CellAt(std::size_t column);
 
   zrGridRows* list_;  // none once the row was removed
   std::size_t index_ = 0;
-  std::string key_;
-  bool locked_ = false;
-  std::vector<Cell> cells_;
+  std::shared_ptr<RowContent> content_;  // none while the row is empty
 };
 
 /// Rows stand in the order shown; adding, moving or removing one renumbers those after it.
@@ -122,6 +142,19 @@ class zrGridRows final : public Object {
 
   /// The row at a position that exists.
   zrGridRow& At(std::size_t position) const { return **items_.At(position); }
+  /// Which rows may be others, or hold something else, than when they were last remembered: all but so many at the
+  /// beginning and at the end.
+  struct Untouched {
+    std::size_t before = 0;
+    std::size_t behind = 0;
+  };
+  const Untouched& SinceRemembered() const { return untouched_; }
+  /// All rows are remembered as they are now.
+  void Remembered();
+  /// Replaces `count` rows from the position `first` on by rows that hold this. Rows stay the same objects as far as
+  /// their keys allow; no listener is asked or told about a cell.
+  void Restore(std::size_t first, std::size_t count, const std::vector<SharedRowContent>& contents);
+
   /// A column has left: its cells go, those behind them move up.
   void DropColumn(std::size_t position);
   /// The grid goes away.
@@ -131,8 +164,10 @@ class zrGridRows final : public Object {
   friend class zrGridRow;
   void Renumber(std::size_t from);
   void DetachRows();
+  void Touch(std::size_t before, std::size_t behind);
 
   RowOwner* owner_;
+  Untouched untouched_;
   KeyedList<Ref<zrGridRow>> items_;
 };
 

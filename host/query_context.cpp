@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/error.h"
+#include "base/scoped_value.h"
 #include "base/text.h"
 
 namespace zrqrybld {
@@ -39,11 +41,11 @@ void QueryContext::SetSourceWords(const std::vector<std::string>& words) {
 
 void QueryContext::RaiseInfo(QueryBuilderInfoEnum info, Variant parameters) { Info.Raise(info, parameters); }
 
-void QueryContext::RunOperation(std::string_view stepName, QueryBuilderInfoEnum operation,
-                                const std::function<void()>& work) {
+void QueryContext::RunOperation(const StepName& stepName, QueryBuilderInfoEnum operation,
+                                const std::function<void()>& work, const std::string& about) {
   const bool outermost = state_ == InfoDone;
   const auto run = [&] {
-    const StepScope step(RefTo(*this), stepName);
+    const StepScope step(RefTo(*this), stepName, about);
     const StateScope state(*this, operation);
     work();
   };
@@ -56,12 +58,21 @@ void QueryContext::RunOperation(std::string_view stepName, QueryBuilderInfoEnum 
   if (outermost) RaiseInfo(InfoDone, static_cast<std::int32_t>(operation));
 }
 
-void QueryContext::BeginStep(std::string_view) { ++stepDepth_; }
+void QueryContext::BeginStep(const StepName& name, const std::string& about) {
+  if (stepDepth_++ > 0) return;
+  step_ = StepLabel(name, about);
+  StepBegins(step_);
+}
 
 void QueryContext::EndStep() {
+  if (stepDepth_ == 0) throw Error(ErrorInvalidCall, "No step has begun.");
   if (--stepDepth_ > 0) return;
+  const ScopedValue ending(stepEnding_, true);
+  const bool writes = std::exchange(changed_, false) && state_ == InfoDone;
+  StepMade(step_, writes);
   if (const auto from = std::exchange(entitiesChangedFrom_, std::nullopt)) RefreshTableList(*from);
-  if (std::exchange(changed_, false) && state_ == InfoDone) RefreshStatement();
+  if (writes) RefreshStatement();
+  if (state_ == InfoDone) StepEnded();
 }
 
 void QueryContext::EntitiesChanged(std::int32_t from) {
@@ -75,9 +86,13 @@ void QueryContext::EntitiesChanged(std::int32_t from) {
 void QueryContext::QueryChanged() {
   if (stepDepth_ > 0) {
     changed_ = true;
-  } else if (state_ == InfoDone) {
-    RefreshStatement();
+    return;
   }
+  const ScopedValue ending(stepEnding_, true);
+  StepMade(StepLabel(kStepChange, {}), state_ == InfoDone);
+  if (state_ != InfoDone) return;
+  RefreshStatement();
+  StepEnded();
 }
 
 }  // namespace zrqrybld

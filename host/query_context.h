@@ -24,6 +24,7 @@
 #include "host/foreign_keys.h"
 #include "host/language.h"
 #include "host/properties.h"
+#include "host/step_names.h"
 #include "platform/database.h"
 #include "platform/toolkit.h"
 
@@ -34,6 +35,7 @@ class qbEntity;
 class qbQueryBuilder;
 class qbRelationship;
 class SchemaCache;
+struct CriteriaContext;
 struct QuerySnapshot;
 
 /// What the designer is busy with, and what the event `Info` reports.
@@ -112,6 +114,9 @@ class QueryContext : public Object {
   /// The grid's date format; the default one when no grid is linked.
   virtual std::string DateFormat() const = 0;
 
+  /// How criteria are read and values written; what depends on a column is left open.
+  virtual CriteriaContext CriteriaRules() const = 0;
+
   /// The designed query as it is now.
   virtual QuerySnapshot Snapshot() const = 0;
 
@@ -146,16 +151,19 @@ class QueryContext : public Object {
 
   /// Runs a long operation as a step, with `state` at `operation`. The outermost one ends with `Info`: `InfoDone` and
   /// the operation's number, after `state` is back and the statement is written; on errors too.
-  void RunOperation(std::string_view stepName, QueryBuilderInfoEnum operation, const std::function<void()>& work);
+  void RunOperation(const StepName& step, QueryBuilderInfoEnum operation, const std::function<void()>& work,
+                    const std::string& about = {});
 
-  /// Begins a named step of the user's or the application's; steps nest, and the outermost one counts.
-  void BeginStep(std::string_view name);
+  /// Begins a step of the user's or the application's, which can be undone as a whole. Steps nest, and the outermost
+  /// one counts. `about` is what the step is about, for its name.
+  void BeginStep(const StepName& name, const std::string& about = {});
+  /// Ends it. Error 5 when none has begun.
   void EndStep();
 
   // --- Whom the panes tell ---
 
   /// Something that the statement depends on has changed. The statement is written once, at the end of
-  /// the outermost step; not while the designer is busy.
+  /// the outermost step; not while the designer is busy. Without a step the change is one by itself.
   void QueryChanged();
 
   /// The set of entities, their order or their captions have changed, from this position on. The list of tables follows
@@ -193,6 +201,18 @@ class QueryContext : public Object {
   /// Fills the list of tables anew; what stands before the position is as it was.
   virtual void RefreshTableList(std::int32_t from) = 0;
 
+  // --- Steps, for whoever remembers them ---
+
+  /// The outermost step begins.
+  virtual void StepBegins(const StepLabel&) {}
+  /// Its changes are complete; the statement is written next, when `writes` says so.
+  virtual void StepMade(const StepLabel&, [[maybe_unused]] bool writes) {}
+  /// The statement is written, too, and the designer is idle.
+  virtual void StepEnded() {}
+
+  /// Whether a step is going on, or what it has changed is being told.
+  bool InStep() const { return stepDepth_ > 0 || stepEnding_; }
+
   LanguageTable& Language() { return language_; }
   void StoreConnection(Ref<zrqrybld::Connection> connection) {
     connection_ = std::move(connection);
@@ -217,6 +237,8 @@ class QueryContext : public Object {
   mutable std::uint64_t reservedWordsRevision_ = 0;
   QueryBuilderInfoEnum state_ = InfoDone;
   int stepDepth_ = 0;
+  bool stepEnding_ = false;
+  StepLabel step_;
   bool changed_ = false;
   std::optional<std::int32_t> entitiesChangedFrom_;
 };
@@ -224,8 +246,9 @@ class QueryContext : public Object {
 /// A named step for the length of a scope.
 class [[nodiscard]] StepScope {
  public:
-  StepScope(Ref<QueryContext> context, std::string_view name) : context_(std::move(context)) {
-    if (context_) context_->BeginStep(name);
+  StepScope(Ref<QueryContext> context, const StepName& name, const std::string& about = {})
+      : context_(std::move(context)) {
+    if (context_) context_->BeginStep(name, about);
   }
   StepScope(const StepScope&) = delete;
   StepScope& operator=(const StepScope&) = delete;

@@ -41,7 +41,7 @@ std::optional<ColumnUse> qbQueryBuilder::UseOfColumn(const std::string& entityCa
 void qbQueryBuilder::SortByColumn(const std::string& entityCaption, const std::string& column,
                                   const std::string& type) {
   if (!gridPane_) return;
-  const StepScope step(RefTo(*this), "Sort");
+  const StepScope step(RefTo(*this), kStepSort, column);
   const std::int32_t row =
       type.empty() ? RowOfColumn(entityCaption, column) : MakeRowOfColumn(entityCaption, column, false);
   if (row == 0) return;
@@ -52,7 +52,7 @@ void qbQueryBuilder::GroupColumn(const std::string& entityCaption, const std::st
                                  const std::string& choice) {
   const Ref<qbDBFunction> function = DBFunctions()->FindByName(choice);
   if (!gridPane_ || !function) return;
-  const StepScope step(RefTo(*this), "Group");
+  const StepScope step(RefTo(*this), kStepGroup, column);
   gridPane_->SetShowGroupBy(true);
   if (const std::int32_t row = MakeRowOfColumn(entityCaption, column, true)) {
     gridPane_->SetGroupByFunction(row, *function);
@@ -61,7 +61,7 @@ void qbQueryBuilder::GroupColumn(const std::string& entityCaption, const std::st
 
 void qbQueryBuilder::GoToCriterion(const std::string& entityCaption, const std::string& column) {
   if (!gridPane_) return;
-  const StepScope step(RefTo(*this), "Add criterion");
+  const StepScope step(RefTo(*this), kStepAddCriterion, column);
   const std::int32_t row = MakeRowOfColumn(entityCaption, column, false);
   if (row == 0) return;
   gridPane_->Grid()->GotoRowCol(row, "criteria");

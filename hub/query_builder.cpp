@@ -95,7 +95,7 @@ void qbQueryBuilder::ShowTables() {
 
 bool qbQueryBuilder::ShowJoinProperties(const Ref<qbRelationship>& relationship) {
   if (!relationship) return false;
-  const StepScope step(RefTo(*this), "Edit join");
+  const StepScope step(RefTo(*this), kStepEditJoin);
   if (!EditJoin(*this, *relationship)) return false;
   QueryChanged();
   return true;
@@ -128,29 +128,42 @@ void qbQueryBuilder::SetDiagramPane(const Ref<qbDiagramPane>& pane) {
   diagramPane_ = pane;
   if (pane) pane->SetContext(RefTo(*this));
   EntitiesChanged(1);
+  RememberAll();
 }
 
 void qbQueryBuilder::SetGridPane(const Ref<qbGridPane>& pane) {
   if (gridPane_ && gridPane_ != pane) gridPane_->SetContext(nullptr);
   gridPane_ = pane;
   if (pane) pane->SetContext(RefTo(*this));
+  RememberAll();
 }
 
 void qbQueryBuilder::SetSQLPane(const Ref<qbSQLPane>& pane) {
   if (sqlPane_ && sqlPane_ != pane) sqlPane_->SetContext(nullptr);
   sqlPane_ = pane;
   if (pane) pane->SetContext(RefTo(*this));
+  RememberAll();
 }
 
 bool qbQueryBuilder::HasFullJoin() const { return !sqlPane_ || DialectFor(sqlPane_->SQLSyntax()).hasFullJoin; }
 
 std::string qbQueryBuilder::DateFormat() const { return gridPane_ ? gridPane_->DateFormat() : "dd-mmm-yyyy"; }
 
+CriteriaContext qbQueryBuilder::CriteriaRules() const {
+  CriteriaContext rules;
+  if (gridPane_) {
+    rules.dateFormatStyle = gridPane_->DateFormatStyle();
+    rules.dateFormat = gridPane_->DateFormat();
+  }
+  if (sqlPane_) rules.likeOperator = sqlPane_->LikeOperator();
+  return rules;
+}
+
 QuerySnapshot qbQueryBuilder::Snapshot() const {
   QuerySnapshot snapshot = TakeSnapshot(*this, Entities().get(), gridPane_.get());
   snapshot.distinct = distinctRecords_;
   snapshot.top = selectTopRecords_;
-  if (sqlPane_) snapshot.criteria.likeOperator = sqlPane_->LikeOperator();
+  snapshot.criteria = CriteriaRules();
   return snapshot;
 }
 
@@ -160,7 +173,8 @@ std::shared_ptr<SchemaCache> qbQueryBuilder::Schema() {
 }
 
 void qbQueryBuilder::RefreshStatement() {
-  if (sqlPane_) sqlPane_->Refresh();
+  const bool keepsTyped = travelling_ && sqlPane_ && sqlPane_->IsEdited();  // typed text is never undone
+  if (sqlPane_ && !keepsTyped) sqlPane_->Refresh();
   NoteColumns();
 }
 

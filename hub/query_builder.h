@@ -14,6 +14,7 @@
 #include "expression/schema_cache.h"
 #include "grid/grid_pane.h"
 #include "host/query_context.h"
+#include "hub/history.h"
 #include "platform/property_store.h"
 #include "sql/sql_pane.h"
 
@@ -147,6 +148,29 @@ class qbQueryBuilder final : public QueryContext {
   std::int16_t AliasMaxLen() const override { return aliasMaxLen_; }
   void SetAliasMaxLen(std::int16_t characters);
 
+  // --- Undo ---
+
+  /// Takes the last step back: what the user, or the application between `BeginStep` and `EndStep`, has changed in the
+  /// diagram, the grid and the options of the query. Selection, scrolling and zoom are no steps. The data source is not
+  /// asked, and no listener of the diagram or the grid is asked or told, but of a selected object that goes; the
+  /// statement is written once. A statement that was typed and not applied stays, and one that the step has written
+  /// over comes back. False when there is no step. Error 5 while a step is going on or being told of, as in most
+  /// events.
+  bool Undo() { return Travel(true); }
+  /// Makes the step again that was undone last; as `Undo`.
+  bool Redo() { return Travel(false); }
+  bool CanUndo() const { return history_.Last() != nullptr; }
+  bool CanRedo() const { return history_.Next() != nullptr; }
+  /// What would be undone, or redone, for a menu: "Add table Orders". "" when there is nothing.
+  std::string UndoText() const { return TextOf(history_.Last()); }
+  std::string RedoText() const { return TextOf(history_.Next()); }
+  /// What can be undone or redone is something else now. The statement is written already.
+  Event<> HistoryChanged;
+  /// Forgets all steps, as after opening a document. Error 5 while a step is going on.
+  void ClearHistory();
+  /// The steps themselves: how many, how large, and by which clock.
+  History& Steps() { return history_; }
+
   // --- For host applications ---
 
   /// Whether the source has a table or view with this name, quotes taken off. Error 3704 when the connection is
@@ -182,6 +206,7 @@ class qbQueryBuilder final : public QueryContext {
   Ref<qbEntities> Entities() const override { return diagramPane_ ? diagramPane_->Entities() : nullptr; }
   bool HasFullJoin() const override;
   std::string DateFormat() const override;
+  CriteriaContext CriteriaRules() const override;
   QuerySnapshot Snapshot() const override;
   void LoadStatement(const std::string& sql) override;
   std::shared_ptr<SchemaCache> Schema() override;
@@ -201,6 +226,9 @@ class qbQueryBuilder final : public QueryContext {
  protected:
   void RefreshStatement() override;
   void RefreshTableList(std::int32_t from) override;
+  void StepBegins(const StepLabel& step) override;
+  void StepMade(const StepLabel& step, bool writes) override;
+  void StepEnded() override;
 
  private:
   explicit qbQueryBuilder(std::shared_ptr<Toolkit> toolkit) : QueryContext(std::move(toolkit)) {}
@@ -208,6 +236,14 @@ class qbQueryBuilder final : public QueryContext {
   std::int32_t RowOfColumn(const std::string& entityCaption, const std::string& column) const;
   std::int32_t MakeRowOfColumn(const std::string& entityCaption, const std::string& column, bool output);
   std::string TryConnection(const std::string& connectionString) const;
+  DesignOptions CurrentOptions() const;
+  DesignChange CurrentChange() const;
+  void RememberAll();
+  bool Travel(bool back);
+  void EndStepless();
+  void Restore(const Design& now, const Design& then);
+  void RestoreOptions(const DesignOptions& options);
+  std::string TextOf(const History::Step* step) const;
 
   template <class T>
   void Store(T& option, const T& value, std::string_view key) {
@@ -220,6 +256,10 @@ class qbQueryBuilder final : public QueryContext {
   Ref<qbSQLPane> sqlPane_;
   std::shared_ptr<SchemaCache> schema_;
   std::optional<Error> lastError_;
+  History history_;
+  bool historyChanged_ = false;       // and nobody was told yet
+  bool travelling_ = false;           // a step is being undone or redone
+  std::optional<std::string> typed_;  // what was typed and not applied when the step began
   std::unordered_map<std::string, std::string> rememberedValues_;
   std::vector<WeakRef<BoxRow>> noted_;  // rows of boxes that show what the grid does with them
   bool allowJoinProperties_ = false;

@@ -28,7 +28,7 @@ bool qbQueryBuilder::SaveQuery(const std::string& filename) {
 bool qbQueryBuilder::LoadQuery(const std::string& filename, bool fileIsData, bool returnParametersOnly,
                                std::string* sqlStatement, std::string* connectionString) {
   bool complete = false;
-  RunOperation("Load query", InfoLoadingQuery, [&] {
+  RunOperation(kStepLoadQuery, InfoLoadingQuery, [&] {
     QueryFileReader reader(*this, returnParametersOnly);
     try {
       RaiseInfo(InfoLoadingQuery, fileIsData ? std::string() : filename);

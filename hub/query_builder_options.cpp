@@ -29,6 +29,7 @@ std::int32_t ReadInteger(const PropertyStore& store, std::string_view key, std::
 // --- Options ---
 
 void qbQueryBuilder::SetDistinctRecords(bool distinct) {
+  const StepScope step(RefTo(*this), kStepDistinct);
   const bool changed = distinct != distinctRecords_;
   Store(distinctRecords_, distinct, "DistinctRecords");
   if (changed) QueryChanged();
@@ -37,6 +38,7 @@ void qbQueryBuilder::SetDistinctRecords(bool distinct) {
 void qbQueryBuilder::SetSelectTopRecords(const std::string& value) {
   const std::optional<std::string> limit = RowLimit(value);
   if (!limit) throw Error(ErrorInvalidPropertyValue, "Invalid Property Value.");
+  const StepScope step(RefTo(*this), kStepRowLimit);
   const bool changed = *limit != selectTopRecords_;
   Store(selectTopRecords_, *limit, "SelectTopRecords");
   if (changed) QueryChanged();

@@ -1,6 +1,8 @@
 #include "hub/query_file_writer.h"
 
 #include <functional>
+#include <unordered_set>
+#include <vector>
 
 #include "base/text.h"
 #include "diagram/relationships.h"
@@ -31,6 +33,7 @@ void ForEachEntity(qbQueryBuilder& hub, const std::function<void(const Ref<qbEnt
 
 std::string QueryFileWriter::Write() {
   text_.clear();
+  FindCaptions();
   Marker("Version=" + std::string(kQueryFileVersion));
   if (hub_.SaveConnectionString()) {
     const std::string connection = hub_.Connection()->ConnectionString();
@@ -56,6 +59,33 @@ std::string QueryFileWriter::Write() {
   WriteSQL();
   text_.resize(text_.size() - 2);
   return std::move(text_);
+}
+
+// On one line two captions may be the same: the later one gets a number there, for a file names tables by them.
+void QueryFileWriter::FindCaptions() {
+  std::unordered_set<std::string> taken;
+  std::vector<std::string> broken;
+  ForEachEntity(hub_, [&](const Ref<qbEntity>& entity) {
+    const std::string caption = entity->Caption();
+    if (caption.find_first_of("\r\n") == std::string::npos) {
+      taken.insert(caption);
+    } else {
+      broken.push_back(caption);
+    }
+  });
+  captions_.clear();
+  for (const std::string& caption : broken) {
+    std::string line;
+    AppendOnOneLine(line, caption);
+    std::string unique = line;
+    for (int number = 2; !taken.insert(unique).second; ++number) unique = line + " " + std::to_string(number);
+    captions_.emplace(caption, unique);
+  }
+}
+
+const std::string& QueryFileWriter::InFile(const std::string& caption) const {
+  const auto found = captions_.find(caption);
+  return found == captions_.end() ? caption : found->second;
 }
 
 // --- Lines ---
@@ -91,7 +121,7 @@ void QueryFileWriter::WriteEntity(const Ref<qbEntity>& entity) {
   Announce(entity);
   if (!entity->EntityBox()) return;  // a listener has removed it
   Marker("Begin Entity");
-  Line("Caption", entity->Caption());
+  Line("Caption", InFile(entity->Caption()));
   Line("TagVariant", entity->TagVariant().Text());
   Number("Top", entity->Top());
   Number("Left", entity->Left());
@@ -104,7 +134,7 @@ void QueryFileWriter::WriteEntity(const Ref<qbEntity>& entity) {
 void QueryFileWriter::WriteItem(const std::string& caption, const Ref<qbEntityItem>& item) {
   Announce(item);
   Marker("Begin EntityItem");
-  Line("EntityIndex", caption);
+  Line("EntityIndex", InFile(caption));
   Line("Bold", BooleanText(item->Bold()));
   Line("Checked", BooleanText(item->Checked()));
   Number("Color", static_cast<std::int32_t>(item->Color().value));  // signed, as applications give it
@@ -126,9 +156,9 @@ void QueryFileWriter::WriteRelationship(const Ref<qbRelationship>& relationship)
   Line("ItemData", relationship->ItemData().Text());
   Number("LeftIndicator", relationship->LeftIndicator());
   Number("RightIndicator", relationship->RightIndicator());
-  Line("Source", source->Caption());
+  Line("Source", InFile(source->Caption()));
   Line("SourceItemIndex", relationship->SourceItemIndex().Text());
-  Line("Target", target->Caption());
+  Line("Target", InFile(target->Caption()));
   Line("TargetItemIndex", relationship->TargetItemIndex().Text());
   Marker("End Relationship");
 }
@@ -157,7 +187,10 @@ void QueryFileWriter::WriteGrid() {
       const zrGridRow& cells = grid.Rows()->At(static_cast<std::size_t>(row));
       for (std::size_t column = 1; column <= keys.size(); ++column) {
         const Variant& value = cells.ValueAt(column);
-        if (!value.IsBlank()) Line(keys[column - 1] + "," + std::to_string(row), value.Text());
+        if (value.IsBlank()) continue;
+        const std::string text = value.Text();
+        const bool isCaption = column == kColumnTable;
+        Line(keys[column - 1] + "," + std::to_string(row), isCaption ? InFile(text) : text);
       }
     }
   }

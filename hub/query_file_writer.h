@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "hub/query_builder.h"
 
@@ -20,6 +21,8 @@ class QueryFileWriter {
   std::string Write();
 
  private:
+  void FindCaptions();
+  const std::string& InFile(const std::string& caption) const;
   void WriteEntity(const Ref<qbEntity>& entity);
   void WriteItem(const std::string& caption, const Ref<qbEntityItem>& item);
   void WriteRelationship(const Ref<qbRelationship>& relationship);
@@ -34,6 +37,7 @@ class QueryFileWriter {
   void Announce(Ref<Object> object) { hub_.RaiseInfo(InfoSavingDetail, Variant(std::move(object))); }
 
   qbQueryBuilder& hub_;
+  std::unordered_map<std::string, std::string> captions_;  // those with line breaks, as the file has them
   std::string text_;
 };
 

@@ -102,8 +102,6 @@ QuerySnapshot TakeSnapshot(const QueryContext& context, const qbEntities* entiti
   }
   if (grid) {
     snapshot.groupByMode = grid->ShowGroupBy();
-    snapshot.criteria.dateFormatStyle = grid->DateFormatStyle();
-    snapshot.criteria.dateFormat = grid->DateFormat();
     TakeRows(snapshot, positions, entities, *grid, context);
   }
   return snapshot;

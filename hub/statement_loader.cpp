@@ -305,7 +305,7 @@ class Loader final : public QuerySource {
   // --- Changing the designer ---
 
   void Apply(const QuerySnapshot& query) {
-    const StepScope step(RefTo(hub_), "Parse statement");
+    const StepScope step(RefTo(hub_), kStepApplyStatement);
     const Ref<qbGridPane> grid = hub_.GridPane();
     if (grid) grid->ResetRows();
     hub_.SetDistinctRecords(query.distinct);

@@ -76,6 +76,9 @@ struct TextStyle {
   Ink ink = ColorRole::Text;
   Font font = {};
   TextAlignment alignment = TextAlignment::Left;
+  /// So many bytes at the beginning of a text that stands left are drawn in `quietInk`, and never bold.
+  std::size_t quietBytes = 0;
+  Ink quietInk = ColorRole::QuietText;
 };
 
 /// Draws in pixels from the top left corner of the control.

@@ -124,8 +124,10 @@ void RecordingCanvas::FillPolygon(std::span<const PixelPoint> points, const Ink&
 }
 
 void RecordingCanvas::DrawText(const PixelRect& rect, std::string_view text, const TextStyle& style) {
-  lines_.push_back("text " + Describe(rect) + " " + Describe(style.ink) + (style.font.bold ? " bold \"" : " \"") +
-                   std::string(text) + "\"");
+  const std::string quiet =
+      style.quietBytes == 0 ? "" : " quiet " + std::to_string(style.quietBytes) + " " + Describe(style.quietInk);
+  lines_.push_back("text " + Describe(rect) + " " + Describe(style.ink) + (style.font.bold ? " bold" : "") + quiet +
+                   " \"" + std::string(text) + "\"");
 }
 
 void RecordingCanvas::DrawImage(const PixelRect& rect, const Image& image) {

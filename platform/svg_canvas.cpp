@@ -187,7 +187,13 @@ void SvgCanvas::DrawText(const PixelRect& rect, std::string_view text, const Tex
   if (style.font.bold) body_ += " font-weight=\"bold\"";
   if (style.font.italic) body_ += " font-style=\"italic\"";
   if (!style.font.family.empty()) body_ += " font-family=\"" + Escaped(style.font.family) + "\"";
-  body_ += " xml:space=\"preserve\">" + Escaped(text) + "</text>\n";
+  body_ += " xml:space=\"preserve\">";
+  if (style.quietBytes > 0) {
+    body_ += "<tspan font-weight=\"normal\" fill=\"" + ColorOf(style.quietInk) + "\">" +
+             Escaped(text.substr(0, style.quietBytes)) + "</tspan>";
+    text.remove_prefix(std::min(style.quietBytes, text.size()));
+  }
+  body_ += Escaped(text) + "</text>\n";
   PopClip();
 }
 

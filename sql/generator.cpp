@@ -7,6 +7,7 @@
 #include "base/text.h"
 #include "sql/criteria_formatter.h"
 #include "sql/join_list.h"
+#include "sql/keywords.h"
 
 namespace zrqrybld {
 namespace {
@@ -27,7 +28,9 @@ class Generator {
     positions_.reserve(query.tables.size());
     for (const SnapshotTable& table : query.tables) {
       positions_.emplace(table.caption.Name(), tableTerms_.size());
-      tableTerms_.push_back(TableTerm(table, query.names).Text());
+      // Without AS before it, an alias that is any keyword would be taken for one.
+      const bool bare = table.aliased && dialect.tableAlias == " " && IsSqlKeyword(table.caption.Name());
+      tableTerms_.push_back((bare ? Quote(table.caption, query.names) : TableTerm(table, query.names)).Text());
     }
   }
 

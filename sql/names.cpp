@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/text.h"
+#include "sql/keywords.h"
 
 namespace zrqrybld {
 namespace {
@@ -70,6 +71,7 @@ bool NeedsQuotes(std::string_view name, const NameRules& rules) {
       })) {
     return true;
   }
+  if (IsReserved(KeywordOf(name))) return true;
   return rules.reservedWords && rules.reservedWords->contains(FoldCase(name));
 }
 

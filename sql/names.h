@@ -32,8 +32,8 @@ struct NameRules {
 /// The closing partner of an opening quote text: "]" for "[", otherwise the same.
 std::string ClosingQuote(std::string_view quotePrefix);
 
-/// Whether the name is written in quotes: reserved words, names that hold a forcing or an invalid
-/// character, and whatever is no plain identifier. "*" never is.
+/// Whether the name is written in quotes: reserved words and those that begin or end a clause in every dialect, names
+/// that hold a forcing or an invalid character, and whatever is no plain identifier. "*" never is.
 bool NeedsQuotes(std::string_view name, const NameRules& rules);
 
 /// The name as SQL text, in quotes where it needs them; closing quotes inside are doubled.

@@ -206,6 +206,12 @@ std::vector<Token> EnclosingTokens(std::string_view sql, const std::vector<Marke
   return enclosing;
 }
 
+std::string WithBlanksFor(std::string text, std::string_view signs) {
+  std::ranges::replace_if(
+      text, [signs](char c) { return signs.find(c) != std::string_view::npos; }, ' ');
+  return text;
+}
+
 // The bare value with what would end the token around it taken out or doubled.
 std::string Inside(const Token& token, std::string_view statement, const std::string& bare) {
   const auto doubled = [&](char c) { return ReplaceAll(bare, std::string(1, c), std::string(2, c)); };
@@ -215,9 +221,9 @@ std::string Inside(const Token& token, std::string_view statement, const std::st
     case TokenKind::QuotedIdentifier:
       return doubled(statement[token.offset] == '[' ? ']' : statement[token.offset]);
     case TokenKind::Date:
-      return ReplaceAll(bare, "#", "");
+      return WithBlanksFor(bare, "#\r\n");
     default:  // a comment
-      return ReplaceAll(ReplaceAll(ReplaceAll(bare, "\r", " "), "\n", " "), "*/", "* /");
+      return WithBlanksFor(bare, "*/\r\n");
   }
 }
 
@@ -226,10 +232,10 @@ bool IsEnclosed(const Token& token) {
          token.kind == TokenKind::Date || token.kind == TokenKind::Comment;
 }
 
-// Two words, or two signs that would begin a comment, want a blank between them.
+// Two words, figures on both sides of a point, quotes, or signs that would begin a comment want a blank between them.
 bool WouldMerge(char before, char after) {
-  return (IsWordByte(before) && IsWordByte(after)) || (before == '-' && after == '-') ||
-         (before == '\'' && after == '\'');
+  const auto isWord = [](char c) { return IsWordByte(c) || c == '@' || c == '#' || c == '$' || c == '.'; };
+  return (isWord(before) && isWord(after)) || (before == '-' && after == '-') || (before == '\'' && after == '\'');
 }
 
 void AppendApart(std::string& text, std::string_view piece) {

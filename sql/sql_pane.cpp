@@ -78,10 +78,20 @@ void qbSQLPane::ShowRemarks() {
 // --- What the user types ---
 
 void qbSQLPane::TextEdited() {
-  failure_.clear();
-  textArea_->SetFault(0, 0);
-  SetEdited(true);
+  // What is typed back, or undone in the editor, leaves nothing to apply.
+  const bool edited = textArea_->Text() != written_;
+  // What stands beside the text changes with few keys only.
+  if (edited != edited_ || !failure_.empty()) {
+    failure_.clear();
+    textArea_->SetFault(0, 0);
+    SetEdited(edited);
+  }
   SQLChanged.Raise();
+}
+
+void qbSQLPane::ShowTyped(const std::string& text) {
+  textArea_->SetText(text);
+  TextEdited();
 }
 
 void qbSQLPane::SetEdited(bool edited) {
@@ -184,6 +194,7 @@ void qbSQLPane::Refresh() {
   failure_.clear();
   textArea_->SetFault(0, 0);
   SetEdited(false);
+  written_ = text;
   SetSQLStatement(text);
 }
 
@@ -197,16 +208,19 @@ bool qbSQLPane::ParseSQLStatement(const std::string& sql) {
   if (!DialectFor(syntax_).canBeParsed) {
     throw Error(ErrorParsingText, "Parsing not support for the selected SQL Syntax.");
   }
-  context->SetState(InfoParsingSQL);
-  try {
-    const ScopedValue busy(busy_, true);
-    context->RaiseInfo(InfoParsingSQL, sql);
-    context->LoadStatement(sql);
-  } catch (const std::exception& cause) {
-    throw WrapError(ErrorParsingText, "An error occured while parsing the text.", cause);
+  {
+    const StepScope step(context, kStepApplyStatement);
+    context->SetState(InfoParsingSQL);
+    try {
+      const ScopedValue busy(busy_, true);
+      context->RaiseInfo(InfoParsingSQL, sql);
+      context->LoadStatement(sql);
+    } catch (const std::exception& cause) {
+      throw WrapError(ErrorParsingText, "An error occured while parsing the text.", cause);
+    }
+    context->SetState(InfoDone);
+    context->QueryChanged();
   }
-  context->SetState(InfoDone);
-  Refresh();
   context->RaiseInfo(InfoDone, static_cast<std::int32_t>(InfoParsingSQL));
   return true;
 }

@@ -115,6 +115,9 @@ class qbSQLPane final : public Object {
   /// Links the pane to what the designer shares, or to nothing; the text follows at the next `Refresh`.
   void SetContext(const Ref<QueryContext>& context) { context_ = context; }
 
+  /// Shows a text as one that the user has typed and not applied.
+  void ShowTyped(const std::string& text);
+
   /// Shows the text in a window. nullptr takes it out again; the text stays. The area must outlive the
   /// pane or be taken out first.
   void AttachTextArea(TextArea* area);
@@ -137,6 +140,7 @@ class qbSQLPane final : public Object {
   bool locked_ = false;
   bool busy_ = false;    // a statement is being parsed
   bool edited_ = false;  // the text is the user's
+  std::string written_;  // the text as it was generated last
   std::string failure_;  // why it could not be applied
   bool cartesian_ = false;
   Ref<qbJoins> joins_ = std::make_shared<qbJoins>();

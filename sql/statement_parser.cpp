@@ -188,7 +188,7 @@ class Parser {
     if (reader_.IsSign('{')) return ParseJoinEscape();
     auto* item = Make<FromItem>();
     const std::size_t start = reader_.Offset();
-    RefuseTableClause();
+    if (reader_.IsWord("LATERAL")) RefuseTableClause();  // the other words may name a table
     item->table = expressions_.ParseName("a table");
     if (reader_.IsSign('(')) reader_.Refuse(start, "A function in FROM cannot be shown in the designer.");
     RefuseTableClause();

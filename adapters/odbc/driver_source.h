@@ -21,8 +21,8 @@ struct DriverSource {
   Secrets secrets;
 };
 
-/// The string in the driver's own terms. `user` and `password` take the place of those of the string. Error 3706 when
-/// it names no source, or a file of SQLite that cannot be read.
+/// The string in the driver's own terms. `user` and `password` take the
+/// place of those of the string. Error 3706 when it names no source, or a file of SQLite that cannot be read.
 DriverSource MakeDriverSource(const ConnectionString& connectionString, std::string_view user,
                               std::string_view password, Purpose purpose);
 

@@ -35,23 +35,12 @@ constexpr Preparation kPreparations[] = {
 };
 
 ResultKind KindOf(DataTypeCode code) {
-  switch (code) {
-    case DataTypeCode::TinyInt:
-    case DataTypeCode::UnsignedTinyInt:
-    case DataTypeCode::SmallInt:
-    case DataTypeCode::Integer:
-    case DataTypeCode::BigInt:
-    case DataTypeCode::Single:
-    case DataTypeCode::Double:
-    case DataTypeCode::Numeric:
+  switch (ValueKindOf(static_cast<std::int32_t>(code))) {
+    case ValueKind::Number:
       return ResultKind::Number;
-    case DataTypeCode::DbDate:
-    case DataTypeCode::DbTime:
-    case DataTypeCode::DbTimeStamp:
+    case ValueKind::Date:
       return ResultKind::Date;
-    case DataTypeCode::Binary:
-    case DataTypeCode::VarBinary:
-    case DataTypeCode::LongVarBinary:
+    case ValueKind::Binary:
       return ResultKind::Binary;
     default:
       return ResultKind::Text;

@@ -161,6 +161,16 @@ void QtCanvas::FillPolygon(std::span<const PixelPoint> points, const Ink& ink) {
 
 void QtCanvas::DrawText(const PixelRect& rect, std::string_view text, const TextStyle& style) {
   if (rect.Empty() || text.empty()) return;
+  if (style.quietBytes > 0 && style.quietBytes < text.size()) {
+    TextStyle quiet{style.quietInk, style.font};
+    quiet.font.bold = false;
+    const std::string_view lead = text.substr(0, style.quietBytes);
+    const Pixels width(std::min(metrics_.MetricsOf(quiet.font).horizontalAdvance(ToQString(lead)), rect.width.Value()));
+    DrawText({rect.left, rect.top, width, rect.height}, lead, quiet);
+    DrawText({rect.left + width, rect.top, rect.width - width, rect.height}, text.substr(style.quietBytes),
+             {style.ink, style.font});
+    return;
+  }
   constexpr qreal kSlack = 0.01;  // a text measured to fit exactly must not be elided for a rounding error
   const QString fitting =
       metrics_.MetricsOf(style.font).elidedText(ToQString(text), Qt::ElideRight, rect.width.Value() + kSlack);

@@ -101,8 +101,8 @@ class DiagramGestures : public test::DesignerWindow {
     } else if (what == "wheel") {
       const std::size_t next = rest.find(' ');
       Wheel(std::stoi(rest), rest.substr(next + 1), modifiers);
-    } else if (what == "drop") {
-      Drop(rest);
+    } else if (what == "drop" || what == "over") {
+      Drop(rest, what == "drop");
     } else {
       Mouse(what, rest, modifiers);
     }
@@ -131,13 +131,22 @@ class DiagramGestures : public test::DesignerWindow {
     QApplication::sendEvent(Diagram(), &event);
   }
 
-  void Drop(const std::string& text) {
+  // A text comes from outside, and is dropped or carried away again.
+  void Drop(const std::string& text, bool dropped) {
     QMimeData mime;
     mime.setText(QString::fromStdString(text));
     QDragEnterEvent enter(pointer_, Qt::CopyAction, &mime, Qt::LeftButton, {});
     QApplication::sendEvent(Diagram(), &enter);
-    QDropEvent drop(pointer_, Qt::CopyAction, &mime, Qt::LeftButton, {});
-    QApplication::sendEvent(Diagram(), &drop);
+    if (dropped) {
+      QDropEvent drop(pointer_, Qt::CopyAction, &mime, Qt::LeftButton, {});
+      QApplication::sendEvent(Diagram(), &drop);
+    } else {
+      QDragMoveEvent move(pointer_ + QPoint(3, 0), Qt::CopyAction, &mime, Qt::LeftButton, {});
+      QApplication::sendEvent(Diagram(), &move);
+      QDragLeaveEvent leave;
+      QApplication::sendEvent(Diagram(), &leave);
+      QApplication::sendEvent(Diagram(), &leave);  // told once only
+    }
   }
 
   // Opens the context menu where the pointer is and goes through it by keys: "Sort > Ascending".

@@ -1,4 +1,8 @@
 // The grid pane in a designer: fields in and out, sorting, grouping, tables that come and go.
+#include <algorithm>
+#include <random>
+#include <set>
+
 #include "grid/sort_order.h"
 #include "tests/hub/hub_fixture.h"
 
@@ -24,6 +28,115 @@ TEST(SortOrder, GapsAndDuplicatesClose) {
                                                                             {{2147483647, 5}, {2, 1}}}) {
     EXPECT_EQ(CloseSortGaps(before), after);
   }
+}
+
+// Whatever is edited in whatever order: exactly the rows that are sorted have a number, and the numbers are 1 to N.
+TEST_F(GridPane, SortNumbersStayTheRunWhateverIsEdited) {
+  std::mt19937 random(3);
+  const auto below = [&random](std::int32_t n) {
+    return static_cast<std::int32_t>(random() % static_cast<unsigned>(n));
+  };
+  const auto edit = [&](std::int32_t row, const char* column, const char* text) {
+    grid->Grid()->GotoRowCol(row, column);
+    ASSERT_TRUE(grid->Grid()->EditCell());
+    static_cast<HeadlessSurface&>(grid->Grid()->GetSurface()).FocusedEditor()->Type(text);
+    grid->Grid()->CommitEdit();
+  };
+  constexpr const char* kTypes[] = {"Ascending", "d", "asc", "Unsorted", "", "nonsense"};
+  constexpr const char* kOrders[] = {"1", "2", "3", "99", "0", "-1", "2.0", "x", "", " 4 "};
+  std::size_t most = 0;
+  for (int step = 0; step < 1500; ++step) {
+    const std::int32_t row = 1 + below(std::min(grid->RowCount(), 9));
+    const auto rows = static_cast<std::size_t>(row);
+    switch (below(9)) {
+      case 0:
+      case 1:
+        edit(row, "sort_type", kTypes[below(6)]);
+        break;
+      case 2:
+      case 3:
+        edit(row, "sort_order", kOrders[below(10)]);
+        break;
+      case 4:
+        grid->Grid()->SelectRows(rows, rows);
+        if (below(4) == 0) grid->Grid()->DeleteSelectedRows();
+        break;
+      case 5:
+        grid->Grid()->SelectRows(rows, rows + static_cast<std::size_t>(below(2)));
+        grid->Grid()->MoveRows(below(2) == 0 ? 1 : -1);
+        break;
+      case 6:
+        grid->SetFieldOutput("c" + std::to_string(below(9)), below(3) > 0, "Orders");
+        break;
+      case 7:
+        grid->SortRow(row, below(3) > 0 ? "Descending" : "");
+        break;
+      default:
+        if (below(50) == 0) grid->RemoveRowsOf("Orders");
+    }
+    std::vector<int> numbers;
+    for (std::int32_t i = 1; i <= grid->RowCount(); ++i) {
+      const std::string type = Cell(i, "sort_type");
+      ASSERT_EQ(type == "Ascending" || type == "Descending", !Cell(i, "sort_order").empty()) << step << " " << Rows();
+      if (!Cell(i, "sort_order").empty()) numbers.push_back(std::stoi(Cell(i, "sort_order")));
+    }
+    std::ranges::sort(numbers);
+    for (std::size_t i = 0; i < numbers.size(); ++i) ASSERT_EQ(numbers[i], static_cast<int>(i) + 1) << step << Rows();
+    ASSERT_EQ(grid->NextSortOrder(), static_cast<int>(numbers.size()) + 1) << step;
+    most = std::max(most, numbers.size());
+  }
+  EXPECT_GT(most, 5U);
+}
+
+// --- Stored properties ---
+
+// What is written is read back, key by key; what is missing or of the wrong kind is the default.
+template <class Control>
+void ExpectStored(const Ref<Control>& changed, const Ref<Control>& other, const std::set<std::string>& keys) {
+  const auto written = [](const Control& control) {
+    MemoryPropertyStore store;
+    control.WriteProperties(store);
+    return store.Values();
+  };
+  MemoryPropertyStore all;
+  changed->WriteProperties(all);
+  std::set<std::string> stored;
+  for (const auto& [key, value] : all.Values()) stored.insert(key);
+  EXPECT_EQ(stored, keys);
+  const auto fresh = written(*other);
+  other->ReadProperties(all);
+  EXPECT_EQ(written(*other), all.Values());
+  for (const Variant& bad : {Variant(), Variant::Null(), Variant::Missing(), Variant(Ref<Object>(changed))}) {
+    MemoryPropertyStore store;
+    for (const std::string& key : keys) store.Write(key, bad);
+    other->ReadProperties(all);
+    other->ReadProperties(store);
+    EXPECT_EQ(written(*other), fresh);
+  }
+}
+
+TEST_F(GridPane, StoredPropertiesMakeTheRoundTrip) {
+  const Font font{"Some Sans", 11, true, false};
+  std::string told;
+  const auto link = grid->PropertyChanged.Connect([&](std::string_view key) { told += std::string(key) + " "; });
+  grid->SetDateFormat("yyyy/mm/dd");
+  grid->SetDateFormatStyle(DateFormatEscapeSequence);
+  grid->SetShowGroupBy(true);
+  grid->SetShowGroupBy(false);
+  grid->SetCustomContextMenu(true);
+  grid->SetFont(font);
+  EXPECT_EQ(told, "DateFormat DateFormatStyle ShowGroupBy ShowGroupBy CustomContextMenu Font ");
+  const Ref<qbGridPane> pane = qbGridPane::Create();
+  ExpectStored(grid, pane, {"DateFormat", "DateFormatStyle", "ShowGroupBy", "CustomContextMenu", "Font"});
+  EXPECT_EQ(pane->Grid()->Columns()->Item("group_by")->Width(), 1200);  // the last one read was the default: it groups
+  const Ref<zrGrid> control = zrGrid::Create();
+  control->SetAllowColumnResize(false);
+  control->SetAllowRowInsert(false);
+  control->SetFont(font);
+  ExpectStored(control, zrGrid::Create(), {"AllowColumnResize", "AllowRowInsert", "Font"});
+  const Ref<zrSimpleCombo> combo = zrSimpleCombo::Create();
+  combo->SetHideEdit(true);
+  ExpectStored(combo, zrSimpleCombo::Create(), {"HideEdit"});
 }
 
 TEST_F(GridPane, ValueReadsTheCurrentCellOrNamesTheError) {

@@ -159,6 +159,20 @@ TEST_F(QueryFiles, RandomDesignsMakeTheRoundTrip) {
   }
 }
 
+TEST(QueryFile, CaptionsThatDifferInTheirLineBreaksStayApart) {
+  Designer designer;
+  designer.Use();
+  for (const char* caption : {"a b", "a\nb", "a\r\nb"}) designer.hub->AddTable("Orders")->SetCaption(caption);
+  designer.diagram->Entities()->Item(2)->Relationships()->Add(designer.diagram->Entities()->Item(3));
+  designer.Set(1, "table", "a\nb");
+  Designer loaded;
+  loaded.Use();
+  loaded.hub->LoadQuery(Saved(designer), true);
+  EXPECT_EQ(Tables(loaded), "a b a b 2 a b 3");
+  EXPECT_EQ(loaded.Cell(1, "table"), "a b 2");
+  EXPECT_EQ(loaded.diagram->Entities()->Item(2)->Relationships()->Item(1)->Target()->Caption(), "a b 3");
+}
+
 TEST(QueryFile, TheFileOfTheFirstReleaseIsLoadedForEver) {
   const std::string path = std::string(ZRQRYBLD_TEST_DATA) + "/first_release.zrq";
   Designer designer;

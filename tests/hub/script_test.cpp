@@ -151,6 +151,21 @@ class Script : public test::Designer {
            Open(w[1], w[2]);
            grid->Grid()->CancelEdit();
          }},
+        {"drop",
+         [&] {
+           const PixelRect row = grid->Grid()->GetRowColumnXY(std::stoi(w[1]), 1);
+           const MouseEvent at{ButtonLeft, ShiftNone, {200_px, row.CenterY()}};
+           taken_ = grid->Grid()->OnDragOver(w[2], at);
+           if (taken_) grid->Grid()->OnDrop(w[2], at);
+         }},
+        {"rows",
+         [&] {
+           std::vector<qbGridPane::RowContent> rows;
+           for (auto name = w.begin() + 1; name != w.end(); ++name) {
+             rows.push_back({Split2(*name).second, "", Split2(*name).first, true, "", "", "", {}});
+           }
+           grid->AddRows(rows);
+         }},
         {"goto", [&] { grid->Grid()->GotoRowCol(std::stoi(w[1]), w[2]); }},
         {"paste", [&] { grid->Grid()->PasteText(w[1]); }},
         {"menu",
@@ -215,6 +230,7 @@ class Script : public test::Designer {
         {"ticked", [&] { return Ticked(); }},
         {"groups", [&] { return Groups(); }},
         {"list", [&] { return List(of.empty() ? "table" : of); }},
+        {"taken", [&] { return Variant(taken_).Text(); }},
         {"edits", [&] { return std::to_string(edits_); }},
         {"formatted", [&] { return formatted_; }},
         {"hint", [&] { return grid->Grid()->Rows()->Item(std::stoi(of))->Hint(of.substr(of.find(' ') + 1)); }},
@@ -254,6 +270,7 @@ class Script : public test::Designer {
   std::string where_;
   int changes_ = 0;
   std::int32_t row_ = 0;
+  bool taken_ = false;
 };
 
 class Scripts : public testing::TestWithParam<const char*> {};

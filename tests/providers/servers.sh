@@ -9,7 +9,8 @@
 # machine runs anyway are not touched.
 #
 # The command finds the connection strings in ZRQRYBLD_TEST_POSTGRESQL and ZRQRYBLD_TEST_MARIADB. Where a
-# server cannot be had, the variable is not set and ZRQRYBLD_TEST_..._MISSING says why.
+# server cannot be had, the variable is not set and ZRQRYBLD_TEST_..._MISSING says why. ZRQRYBLD_TEST_..._PROCESS is the
+# server's process: a test that has the servers to itself may stop one.
 set -uo pipefail
 
 folder=$(mktemp -d "${TMPDIR:-/tmp}/zrqrybld-servers-XXXXXX") || exit 1
@@ -104,7 +105,7 @@ start_postgresql() {
         -c "CREATE ROLE locked LOGIN PASSWORD 'right'" -c 'CREATE DATABASE zr_test' >>"$log" 2>&1 ||
         { cat "$log" >&2; return 1; }
       ZRQRYBLD_TEST_POSTGRESQL="Driver={PostgreSQL Unicode};Server=127.0.0.1;Port=$port;Database=zr_test;UID=tester"
-      export ZRQRYBLD_TEST_POSTGRESQL
+      export ZRQRYBLD_TEST_POSTGRESQL ZRQRYBLD_TEST_POSTGRESQL_PROCESS=$process
       return 0
     fi
     kill -QUIT "$process" 2>/dev/null
@@ -143,7 +144,7 @@ start_mariadb() {
           CREATE USER locked@'%' IDENTIFIED BY 'right'; CREATE USER locked@localhost IDENTIFIED BY 'right'" \
         >>"$log" 2>&1 || { cat "$log" >&2; return 1; }
       ZRQRYBLD_TEST_MARIADB="Driver={MariaDB Unicode};Server=127.0.0.1;Port=$port;Database=zr_test;UID=tester"
-      export ZRQRYBLD_TEST_MARIADB
+      export ZRQRYBLD_TEST_MARIADB ZRQRYBLD_TEST_MARIADB_PROCESS=$process
       return 0
     fi
     kill -QUIT "$process" 2>/dev/null

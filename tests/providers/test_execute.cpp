@@ -6,10 +6,12 @@
 #include <string>
 #include <vector>
 
+#include "base/text.h"
 #include "diagram/relationships.h"
 #include "diagram/table_picker.h"
 #include "hub/query_builder.h"
 #include "platform/headless.h"
+#include "tests/data_table.h"
 #include "tests/providers/provider_test.h"
 
 namespace zrqrybld {
@@ -140,6 +142,34 @@ TEST_P(ProviderStatement, NamesWithEveryKindOfQuoteAreWrittenSoThatTheSourceRead
   Tick(child, "x\"y'z`w");
   Tick(parent, "x\"y'z`w");
   EXPECT_EQ(Run(), "2|1\n") << sql_->SQLStatement();
+}
+
+// What the formatter makes of a criterion for each type is read by the source, and chooses the rows that are meant.
+TEST_P(ProviderStatement, CriteriaOfEveryTypeChooseTheRowsThatAreMeant) {
+  const std::string blob = source_->name == "PostgreSql" ? R"('\x1FE4')" : "X'1FE4'";
+  source_->query(
+      R"(INSERT INTO "Kinds" VALUES (10, 1, 5, 1.5, 12.345, 'abcde', 'O''Brien', 'long "text"', )" + blob +
+      R"(, '2020-01-31', '10:30:00', '2020-01-31 10:15:00', TRUE), (20, 2, 9000000000, 2.5, -1, 'x', 'Müller & Söhne',
+         'a text', NULL, '2021-06-01', '23:59:59', '2021-06-01 00:00:00', FALSE),
+         (-1, 3, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL))");
+  grid_->SetDateFormat("yyyy-mm-dd");
+  const Ref<qbEntity> kinds = Add("Kinds");
+  for (const test::Row& row : test::ReadRows("criteria_run.txt")) {
+    SCOPED_TRACE(row.place + " " + row[0] + " " + row[1]);
+    grid_->ResetRows();
+    grid_->SetFieldOutput("Int", true, kinds->Caption());
+    grid_->SetFieldOutput(row[0], true, kinds->Caption());
+    const std::int32_t criterion = row[0] == "Int" ? 1 : 2;
+    grid_->Grid()->GotoRowCol(criterion, "criteria");
+    grid_->SetValue(criterion, "criteria", row[1]);
+    grid_->FinishEdit();
+    grid_->SetValue(2, "output", false);
+    std::string rows;
+    for (const std::string_view line : Split(Run(), "\n"))
+      rows += (rows.empty() || line.empty() ? "" : " ") + std::string(line);
+    EXPECT_EQ(rows, row[2]) << sql_->SQLStatement();
+  }
+  source_->query(R"(DELETE FROM "Kinds")");
 }
 
 TEST_P(ProviderStatement, ATableDroppedAfterTheListingIsAddedWithoutColumns) {

@@ -1,10 +1,14 @@
 // The grid in a window, under real mouse and key events: the scenarios of tests/data/grid_gestures.txt.
 #include <QAbstractItemView>
 #include <QClipboard>
+#include <QDropEvent>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMimeData>
+#include <QScrollBar>
 #include <QTest>
 #include <QTimer>
+#include <QWheelEvent>
 #include <map>
 
 #include "adapters/qt/control_widget.h"
@@ -122,6 +126,37 @@ class GridWindow : public test::Designer {
     return nullptr;
   }
 
+  // A text from outside over a row: it stays there, is dropped or carried away.
+  void DragText(const std::string& what, const std::string& row, const std::string& text) {
+    QMimeData mime;
+    mime.setText(ToQString(text));
+    const QPoint at = Cell(row, "alias");
+    QDragEnterEvent enter(at, Qt::CopyAction, &mime, Qt::LeftButton, {});
+    QApplication::sendEvent(view.viewport(), &enter);
+    QDragMoveEvent move(at, Qt::CopyAction, &mime, Qt::LeftButton, {});
+    QApplication::sendEvent(view.viewport(), &move);
+    QDropEvent drop(at, Qt::CopyAction, &mime, Qt::LeftButton, {});
+    QDragLeaveEvent leave;
+    if (what == "drop") QApplication::sendEvent(view.viewport(), &drop);
+    if (what == "away") QApplication::sendEvent(view.viewport(), &leave);
+  }
+  void Wheel(int notches) {
+    const QPoint at = view.viewport()->rect().center();
+    QWheelEvent event(at, view.viewport()->mapToGlobal(at), {}, {0, -120 * notches}, Qt::NoButton, {},
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(view.viewport(), &event);
+  }
+  // The row above which the insertion bar is drawn; 0 without one.
+  int BarRow() const {
+    RecordingCanvas canvas;
+    grid->Grid()->Paint(canvas, {0_px, 0_px, 900_px, 320_px});
+    for (const std::string& line : canvas.Lines()) {
+      if (!line.starts_with("fill 0,") || !line.ends_with("x3 Focus")) continue;
+      return static_cast<int>(grid->Grid()->GetRowColumnIndex({1_px, Pixels(std::stod(line.substr(7)) + 3)}).row);
+    }
+    return 0;
+  }
+
   void Act(const Words& w) {
     zrGrid& control = *grid->Grid();
     const auto edge = [&](int by) {
@@ -175,6 +210,14 @@ class GridWindow : public test::Designer {
            QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(found.first()).center());
          }},
         {"leave", [&] { other_.setFocus(); }},
+        {"over", [&] { DragText(w[0], w[1], w[2]); }},
+        {"drop", [&] { DragText(w[0], w[1], w[2]); }},
+        {"away", [&] { DragText(w[0], w[1], w[2]); }},
+        {"wheel", [&] { Wheel(std::stoi(w[1])); }},
+        {"more",
+         [&] {
+           for (int i = std::stoi(w[1]); i > 0; --i) control.Rows()->Add();
+         }},
         {"tick", [&] { Tick(w[1].substr(0, w[1].find('.')), w[1].substr(w[1].find('.') + 1)); }},
         {"clipboard", [&] { QApplication::clipboard()->setText(ToQString(w[1])); }},
         {"lock", [&] { grid->SetLockTables(true); }},
@@ -217,6 +260,16 @@ class GridWindow : public test::Designer {
         {"selected", [&] { return Editor() ? ToUtf8(Editor()->selectedText()) : "no editor"; }},
         {"cursor", [&] { return std::to_string(view.viewport()->cursor().shape()); }},
         {"ticked", [&] { return Ticked(); }},
+        {"bar", [&] { return std::to_string(BarRow()); }},
+        // Whether the open editor stands inside its cell, wherever that is now.
+        {"incell",
+         [&] {
+           const PixelRect cell = control.GetRowColumnXY(control.Row(), control.Column());
+           const QPoint corner = Editor() ? Editor()->mapTo(view.viewport(), QPoint(0, 0)) : QPoint(-999, -999);
+           const double down = corner.y() - cell.top.Value();
+           return std::string(down >= 0 && down < 4 && corner.x() >= cell.left.Value() ? "yes" : "no");
+         }},
+        {"top", [&] { return Variant(static_cast<double>(view.verticalScrollBar()->value() > 0)).Text(); }},
         {"popup", [&] { return PopupTexts(); }},
         // Whether an open list stands over the cell that is edited.
         {"covers",

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QTest>
 #include <QTextBlock>
@@ -10,8 +11,9 @@
 
 #include "adapters/qt/qt_text.h"
 #include "adapters/qt/qt_text_area.h"
+#include "adapters/qt/query_designer_widget.h"
 #include "sql/brackets.h"
-#include "tests/qt/palettes.h"
+#include "tests/qt/pictures.h"
 
 namespace zrqrybld {
 namespace {
@@ -279,6 +281,23 @@ TEST(QtTextArea, RemarksStandBelowTheTextWhileThereAreAny) {
   EXPECT_LT(area.viewport()->height(), before);
   area.SetRemarks({});
   EXPECT_EQ(area.viewport()->height(), before);
+}
+
+// What is typed, and what is wrong with it, is seen in every palette; kept to be looked at.
+TEST(QtTextArea, TypedStatementsLookLikeWhatTheyAre) {
+  for (const NamedPalette& named : TestPalettes()) {
+    const ScopedPalette palette(named.palette);
+    QueryDesignerWidget designer;
+    designer.resize(760, 560);
+    designer.show();
+    QtTextArea& area = designer.SqlView();
+    QTest::keyClicks(&area, QStringLiteral("SELECT a, b FROM t WHERE a = 'x' AND (b > 5"));
+    ASSERT_EQ(area.findChildren<QPushButton*>().size(), 2) << "to apply and to revert, and not anew with every key";
+    KeepPicture(Paint(area), "sql-edited-" + named.name);
+    area.findChildren<QPushButton*>().front()->click();
+    EXPECT_TRUE(designer.QueryBuilder().SQLPane()->IsEdited()) << "it cannot be applied";
+    KeepPicture(Paint(area), "sql-fault-" + named.name);
+  }
 }
 
 }  // namespace

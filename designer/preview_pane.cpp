@@ -1,0 +1,343 @@
+#include "designer/preview_pane.h"
+
+#include <QAccessible>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QEvent>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLocale>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QTableView>
+#include <QToolButton>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <utility>
+
+#include "adapters/qt/mark.h"
+#include "adapters/qt/qt_text.h"
+#include "adapters/qt/theme.h"
+#include "designer/result_model.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr int kSpacing = 8;
+constexpr int kMessageLines = 3;
+constexpr int kWidestColumn = 32;  // in average characters
+constexpr int kRowAir = 6;         // pixels around a row's text
+constexpr int kRowsMeasured = 100;
+
+QString Duration(qint64 milliseconds) {
+  if (milliseconds < 1000) return PreviewPane::tr("%1 ms").arg(milliseconds);
+  return PreviewPane::tr("%1 s").arg(QLocale::c().toString(static_cast<double>(milliseconds) / 1000, 'f', 1));
+}
+
+}  // namespace
+
+PreviewPane::PreviewPane(QWidget* parent)
+    : QWidget(parent),
+      model_(new ResultModel(this)),
+      table_(new QTableView),
+      empty_(new QLabel),
+      failure_(new QWidget) {
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(0);
+  layout->addWidget(MakeBar());
+
+  mark_ = new Mark;
+  message_ = new QPlainTextEdit;
+  message_->setReadOnly(true);
+  message_->setFrameShape(QFrame::NoFrame);
+  message_->setTabChangesFocus(true);
+  message_->setFixedHeight(fontMetrics().lineSpacing() * kMessageLines + kSpacing);
+  message_->setAccessibleName(tr("Why there are no rows"));
+  auto* line = new QHBoxLayout(failure_);
+  line->setContentsMargins(kSpacing, kSpacing / 2, kSpacing, kSpacing / 2);
+  line->setSpacing(kSpacing);
+  line->addWidget(mark_, 0, Qt::AlignTop);
+  line->addWidget(message_, 1);
+  layout->addWidget(failure_);
+  failure_->hide();
+
+  empty_->setText(tr("F5 runs the query and shows its first rows here. Nothing is written to the source."));
+  empty_->setAlignment(Qt::AlignCenter);
+  empty_->setWordWrap(true);
+  layout->addWidget(empty_, 1);
+  MakeTable();
+  layout->addWidget(table_, 1);
+  table_->hide();
+  layout->addStretch();  // keeps a message at the top while it stands alone
+
+  model_->SetWant([this] {
+    if (!job_) return;
+    job_->FetchMore();
+    SetRunning(true);
+  });
+  tick_.setInterval(100);
+  connect(&tick_, &QTimer::timeout, this, &PreviewPane::ShowSummary);
+  SetRunning(false);
+  ApplyColors();
+}
+
+PreviewPane::~PreviewPane() = default;
+
+// --- Its parts ---
+
+QWidget* PreviewPane::MakeBar() {
+  const auto button = [](const QString& text, const QString& tip) {
+    auto* made = new QToolButton;
+    made->setText(text);
+    made->setToolTip(tip);
+    made->setAutoRaise(true);
+    return made;
+  };
+  run_ = button(tr("Run"), tr("Run the query (F5)"));
+  stop_ = button(tr("Stop"), tr("Stop the statement (Shift+F5)"));
+  auto* close = button(tr("Hide"), tr("Hide the result preview"));
+  summary_ = new QLabel;
+  summary_->setTextFormat(Qt::PlainText);
+  summary_->setAccessibleName(tr("State of the result preview"));
+  summary_->setMinimumWidth(1);  // a narrow window cuts it off rather than growing
+  connect(run_, &QToolButton::clicked, this, &PreviewPane::RunWanted);
+  connect(stop_, &QToolButton::clicked, this, &PreviewPane::Stop);
+  connect(close, &QToolButton::clicked, this, &PreviewPane::CloseWanted);
+
+  auto* bar = new QWidget;
+  auto* layout = new QHBoxLayout(bar);
+  layout->setContentsMargins(kSpacing / 2, 2, kSpacing / 2, 2);
+  layout->setSpacing(kSpacing / 2);
+  layout->addWidget(run_);
+  layout->addWidget(stop_);
+  layout->addSpacing(kSpacing / 2);
+  layout->addWidget(summary_, 1);
+  layout->addWidget(close);
+  return bar;
+}
+
+void PreviewPane::MakeTable() {
+  table_->setModel(model_);
+  table_->setAccessibleName(tr("Result preview"));
+  table_->setFrameShape(QFrame::NoFrame);
+  table_->setWordWrap(false);
+  table_->setTextElideMode(Qt::ElideRight);
+  table_->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+  table_->setSelectionMode(QAbstractItemView::ExtendedSelection);
+  table_->setTabKeyNavigation(false);
+  table_->setCornerButtonEnabled(true);
+  table_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  table_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kRowAir);
+  table_->horizontalHeader()->setHighlightSections(false);
+  table_->setContextMenuPolicy(Qt::CustomContextMenu);
+  connect(table_, &QWidget::customContextMenuRequested, this, &PreviewPane::ShowMenu);
+  table_->installEventFilter(this);
+}
+
+// --- Running ---
+
+void PreviewPane::Run(PreviewJob::Open open, std::string sql, const Dialect& dialect) {
+  Clear();
+  clock_.start();
+  SetRunning(true);
+  job_ = std::make_unique<PreviewJob>(std::move(open), std::move(sql), dialect,
+                                      [this](PreviewNews news) { Receive(std::move(news)); });
+}
+
+void PreviewPane::Stop() {
+  if (!job_ || (!running_ && !model_->HasMore())) return;
+  job_.reset();
+  if (model_->RowsHeld() == 0) took_ = clock_.elapsed();
+  ended_ = tr("stopped");
+  model_->End();
+  SetRunning(false);
+  Q_EMIT Finished(Summary());
+}
+
+void PreviewPane::Clear() {
+  job_.reset();
+  model_->Begin({});
+  took_ = 0;
+  ended_.clear();
+  stale_ = false;
+  message_->clear();
+  failure_->hide();
+  table_->hide();
+  empty_->show();
+  SetRunning(false);
+}
+
+void PreviewPane::ShowFailure(const QString& message) {
+  Clear();
+  Fail(message);
+}
+
+void PreviewPane::MarkStale() {
+  if (stale_ || table_->isHidden()) return;
+  stale_ = true;
+  ShowSummary();
+}
+
+void PreviewPane::Receive(PreviewNews news) {
+  switch (news.kind) {
+    case PreviewNews::Kind::Columns:
+      model_->Begin(news.columns);
+      took_ = clock_.elapsed();
+      empty_->hide();
+      table_->show();
+      break;
+    case PreviewNews::Kind::Rows:
+      ShowRows(news);
+      break;
+    case PreviewNews::Kind::Failed:
+      model_->End();
+      Fail(ToQString(news.message));
+      if (news.offset) Q_EMIT Refused(*news.offset);
+      break;
+    case PreviewNews::Kind::Closed:
+      ended_ = tr("the source was let go after a while; F5 reads anew");
+      model_->End();
+      ShowSummary();
+      break;
+  }
+}
+
+void PreviewPane::ShowRows(PreviewNews& news) {
+  const bool first = running_ && model_->RowsHeld() == 0;
+  model_->Append(std::move(news.rows), news.more);
+  if (first) {
+    took_ = clock_.elapsed();
+    FitColumns();
+  }
+  if (model_->IsFull()) {
+    ended_ = tr("the preview holds no more");
+    model_->End();
+  }
+  if (!model_->HasMore()) job_.reset();  // the source is let go
+  SetRunning(false);
+  Q_EMIT Finished(Summary());
+}
+
+void PreviewPane::Fail(const QString& message) {
+  job_.reset();
+  message_->setPlainText(message.trimmed());
+  mark_->Show(Mark::Kind::Error);
+  failure_->show();
+  if (table_->isHidden()) empty_->hide();
+  ended_ = model_->RowsHeld() > 0 ? tr("then the source has failed") : QString();
+  SetRunning(false);
+  QAccessibleEvent announcement(message_, QAccessible::Alert);
+  QAccessible::updateAccessibility(&announcement);
+  Q_EMIT Finished(Summary());
+}
+
+void PreviewPane::SetRunning(bool running) {
+  running_ = running;
+  stop_->setEnabled(running_);
+  if (running_) {
+    tick_.start();
+  } else {
+    tick_.stop();
+  }
+  ShowSummary();
+}
+
+// --- What is said ---
+
+QString PreviewPane::Summary() const { return summary_->text(); }
+QString PreviewPane::Failure() const { return failure_->isHidden() ? QString() : message_->toPlainText(); }
+
+QString PreviewPane::RowsText() const {
+  if (model_->RowsHeld() == 0 && !ended_.isEmpty()) return tr("Stopped after %1").arg(Duration(took_));
+  if (table_->isHidden()) return {};
+  const auto count = static_cast<qlonglong>(model_->RowsHeld());
+  QString text = count == 0   ? tr("No rows")
+                 : count == 1 ? tr("1 row")
+                              : tr("%1 rows").arg(QLocale::c().toString(count));
+  text = tr("%1 in %2").arg(text, Duration(took_));
+  if (model_->HasMore() && !running_) text += tr(", more while scrolling");
+  if (!ended_.isEmpty()) text += tr("; %1").arg(ended_);
+  return stale_ ? tr("%1 (the statement has changed since)").arg(text) : text;
+}
+
+void PreviewPane::ShowSummary() {
+  if (running_ && model_->RowsHeld() == 0) {
+    summary_->setText(tr("Running for %1 s").arg(clock_.elapsed() / 1000));
+  } else if (running_) {
+    summary_->setText(tr("%1, reading on").arg(RowsText()));
+  } else if (!Failure().isEmpty() && table_->isHidden()) {
+    summary_->setText(tr("The statement was not run"));
+  } else {
+    summary_->setText(RowsText());
+  }
+}
+
+void PreviewPane::FitColumns() {
+  table_->horizontalHeader()->setResizeContentsPrecision(kRowsMeasured);
+  table_->resizeColumnsToContents();
+  const int widest = fontMetrics().averageCharWidth() * kWidestColumn;
+  for (int column = 0; column < model_->columnCount(); ++column) {
+    table_->setColumnWidth(column, std::min(table_->columnWidth(column) + kSpacing, widest));
+  }
+}
+
+// --- Copying ---
+
+void PreviewPane::Copy(bool withNames) {
+  const QItemSelection selection = table_->selectionModel()->selection();
+  if (!selection.isEmpty()) QGuiApplication::clipboard()->setText(model_->SelectedText(selection, withNames));
+}
+
+void PreviewPane::ShowMenu(const QPoint& place) {
+  QMenu menu;
+  const bool any = table_->selectionModel()->hasSelection();
+  menu.addAction(tr("&Copy"), QKeySequence::Copy, this, [this] { Copy(false); })->setEnabled(any);
+  menu.addAction(tr("Copy with Column &Names"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C), this,
+                 [this] { Copy(true); })
+      ->setEnabled(any);
+  menu.addAction(tr("Select &All"), QKeySequence::SelectAll, table_, &QTableView::selectAll)
+      ->setEnabled(model_->RowsHeld() > 0);
+  menu.exec(table_->viewport()->mapToGlobal(place));
+}
+
+bool PreviewPane::eventFilter(QObject* watched, QEvent* event) {
+  if (watched != table_ || event->type() != QEvent::KeyPress) return QWidget::eventFilter(watched, event);
+  const auto* key = static_cast<QKeyEvent*>(event);
+  const bool shifted = key->modifiers() == (Qt::ControlModifier | Qt::ShiftModifier);
+  if (key->matches(QKeySequence::Copy) || (shifted && key->key() == Qt::Key_C)) {
+    Copy(shifted);
+    return true;
+  }
+  if (key->key() == Qt::Key_Escape && running_) {
+    Stop();
+    return true;
+  }
+  return QWidget::eventFilter(watched, event);
+}
+
+// --- Looks ---
+
+void PreviewPane::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange && summary_) ApplyColors();
+}
+
+void PreviewPane::ApplyColors() {
+  const Theme theme(palette());
+  const Theme onWindow = Theme::ForWindow(palette());
+  model_->SetQuietColor(theme.Of(ColorRole::QuietText));
+  table_->viewport()->update();
+  QPalette quiet;
+  quiet.setColor(QPalette::WindowText, onWindow.Of(ColorRole::QuietText));
+  empty_->setPalette(quiet);
+  QPalette message;
+  message.setColor(QPalette::Base, palette().color(QPalette::Window));
+  message.setColor(QPalette::Text, onWindow.Of(ColorRole::Error));
+  message_->setPalette(message);
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,97 @@
+// PreviewPane: runs the designed statement and shows its rows, or why there are none.
+//
+// It knows neither the designer nor its source: whoever owns it hands over a statement and a way to open the source.
+#pragma once
+
+#include <QElapsedTimer>
+#include <QTimer>
+#include <QWidget>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "designer/preview_job.h"
+
+class QLabel;
+class QPlainTextEdit;
+class QTableView;
+class QToolButton;
+
+namespace zrqrybld {
+
+class Mark;
+class ResultModel;
+
+class PreviewPane : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit PreviewPane(QWidget* parent = nullptr);
+  ~PreviewPane() override;
+
+  /// Runs a statement in the place of the one before, which is stopped. Returns at once.
+  void Run(PreviewJob::Open open, std::string sql, const Dialect& dialect);
+  /// Ends what runs, or what has further rows; the rows read so far stay. Returns at once.
+  void Stop();
+  /// Shows nothing any more, and ends what runs.
+  void Clear();
+  /// Shows why a statement is not run at all.
+  void ShowFailure(const QString& message);
+  /// The statement is another now: the rows are still shown, but not as its rows.
+  void MarkStale();
+
+  bool IsRunning() const { return running_; }
+  const ResultModel& Rows() const { return *model_; }
+  QTableView& Table() const { return *table_; }
+  /// What is said above the rows.
+  QString Summary() const;
+  /// Why there are no rows; "" when nothing has failed.
+  QString Failure() const;
+
+ Q_SIGNALS:
+  /// The statement has ended, with rows or without: what to say about it.
+  void Finished(const QString& summary);
+  /// The statement was refused at this place, in bytes.
+  void Refused(quint64 offset);
+  /// The user asks to run the statement.
+  void RunWanted();
+  /// The user does not want to see the pane.
+  void CloseWanted();
+
+ protected:
+  void changeEvent(QEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  QWidget* MakeBar();
+  void MakeTable();
+  void Receive(PreviewNews news);
+  void ShowRows(PreviewNews& news);
+  void Fail(const QString& message);
+  void SetRunning(bool running);
+  void ShowSummary();
+  QString RowsText() const;
+  void FitColumns();
+  void Copy(bool withNames);
+  void ShowMenu(const QPoint& place);
+  void ApplyColors();
+
+  std::unique_ptr<PreviewJob> job_;
+  ResultModel* model_;
+  QTableView* table_;
+  QLabel* empty_;
+  QWidget* failure_;
+  Mark* mark_;
+  QPlainTextEdit* message_;
+  QLabel* summary_ = nullptr;
+  QToolButton* run_;
+  QToolButton* stop_;
+  QTimer tick_;  // while something runs
+  QElapsedTimer clock_;
+  qint64 took_ = 0;  // milliseconds to the first rows
+  QString ended_;    // how it ended, when not by its last row
+  bool running_ = false;
+  bool stale_ = false;
+};
+
+}  // namespace zrqrybld

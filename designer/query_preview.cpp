@@ -1,0 +1,64 @@
+#include "designer/query_preview.h"
+
+#include <algorithm>
+
+#include "adapters/qt/qt_text.h"
+#include "adapters/sqlite/sqlite_runner.h"
+#include "base/error.h"
+#include "hub/parameter_form.h"
+#include "platform/connection_string.h"
+#include "sql/lexer.h"
+#if ZRQRYBLD_HAS_ODBC
+#include "adapters/odbc/odbc_runner.h"
+#endif
+
+namespace zrqrybld {
+
+PreviewJob::Open RunnerFor(const ProviderList& providers, const std::string& connectionString) {
+  const ConnectionString parsed(connectionString);
+  const std::string_view name = providers.Choose(parsed).Name();
+  if (name == "SQLite") return [parsed] { return OpenSqliteRunner(parsed); };
+#if ZRQRYBLD_HAS_ODBC
+  if (name == "MSDASQL") return [parsed] { return OpenOdbcRunner(parsed); };
+#endif
+  throw Error(ErrorConnectionFailed, "This source cannot be asked for rows.");
+}
+
+QueryPreview::QueryPreview(QueryDesignerWidget& designer, PreviewPane& pane) : designer_(designer), pane_(pane) {
+  links_.push_back(designer_.QueryBuilder().SQLPane()->SQLChanged.Connect([this] { pane_.MarkStale(); }));
+  QObject::connect(&pane_, &PreviewPane::Refused, &pane_, [this](quint64 offset) { Underline(offset); });
+}
+
+bool QueryPreview::Run() {
+  qbQueryBuilder& hub = designer_.QueryBuilder();
+  if (!hub.SQLPane()->ApplyEditedText()) return false;
+  if (!hub.IsConnected()) {
+    pane_.ShowFailure(tr("There is no data source to run the query on. Open one in the File menu."));
+    return false;
+  }
+  try {
+    shown_ = hub.SQLPane()->SQLStatement();
+    const auto values = AskParameters(hub, shown_);
+    if (!values) return false;
+    sent_ = PutInLiterals(shown_, *values, LiteralRulesOf(hub));
+    pane_.Run(RunnerFor(*hub.GetToolkit().Providers(), hub.Connection()->ConnectionString()), sent_,
+              DialectFor(hub.SQLPane()->SQLSyntax()));
+  } catch (const std::exception& error) {
+    pane_.ShowFailure(ToQString(error.what()));
+    return false;
+  }
+  return true;
+}
+
+// Up to the first parameter the two statements are the same, and so are their places.
+void QueryPreview::Underline(std::size_t offset) {
+  if (designer_.QueryBuilder().SQLPane()->SQLStatement() != shown_) return;
+  const auto common = static_cast<std::size_t>(std::ranges::mismatch(shown_, sent_).in1 - shown_.begin());
+  if (offset >= common && shown_ != sent_) return;
+  Lexer lexer(shown_);
+  Token faulty;  // the last one where the statement ends too early
+  for (Token token; lexer.Next(token) && token.offset <= offset;) faulty = token;
+  designer_.SqlView().SetFault(faulty.offset, faulty.length);
+}
+
+}  // namespace zrqrybld

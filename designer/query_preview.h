@@ -1,0 +1,42 @@
+// QueryPreview: joins the designer to the pane that shows its query's rows: what is run, on which source, and where an
+// error lies in the statement.
+#pragma once
+
+#include <QCoreApplication>
+#include <string>
+#include <vector>
+
+#include "adapters/qt/query_designer_widget.h"
+#include "designer/preview_pane.h"
+
+namespace zrqrybld {
+
+class QueryPreview {
+  Q_DECLARE_TR_FUNCTIONS(QueryPreview)
+
+ public:
+  /// Both must outlive it.
+  QueryPreview(QueryDesignerWidget& designer, PreviewPane& pane);
+
+  /// Applies what was typed, asks for the values of parameters, and runs the statement on the source in use, read-only.
+  /// Text that cannot be applied is told where it stands, and nothing is run. False when nothing was run; the pane
+  /// tells why, unless the text itself does or the user has cancelled.
+  bool Run();
+  /// Another source is in use, or none: nothing of the earlier one is shown or goes on.
+  void SourceChanged() { pane_.Clear(); }
+
+ private:
+  void Underline(std::size_t offset);
+
+  QueryDesignerWidget& designer_;
+  PreviewPane& pane_;
+  std::string shown_;  // the statement as it stood in its pane when it was run
+  std::string sent_;   // the same with the values of its parameters
+  std::vector<EventConnection> links_;
+};
+
+/// Opens the source of a connection string for running a statement, by the provider that serves it. Thread-safe. Error
+/// 3706 when there is no such provider, or it cannot run statements.
+PreviewJob::Open RunnerFor(const ProviderList& providers, const std::string& connectionString);
+
+}  // namespace zrqrybld

@@ -1,0 +1,34 @@
+// The data sources that the designer was connected to, kept in the application's settings. Never a password.
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <string>
+
+namespace zrqrybld {
+
+struct RecentConnection {
+  std::string text;           ///< the connection string without its passwords
+  bool asksPassword = false;  ///< it had one, so the user has to be asked again
+};
+
+/// The last ones, the newest first.
+QList<RecentConnection> RecentConnections();
+
+/// Whether the string may hold another secret than a password, such as a token, also in a string within it.
+bool MayHoldSecret(const std::string& connectionString);
+
+/// Puts a source in front of the others. One that may hold a secret is not kept at all.
+void RememberConnection(const std::string& connectionString);
+
+/// The string with a password that the user has typed.
+std::string WithPassword(const std::string& connectionString, const std::string& password);
+
+/// What a source is called in the window: its file, its name or its place. Passwords are taken out first, also those
+/// inside a value. A general name when the string tells none.
+QString SourceName(const std::string& connectionString);
+
+/// The same with what tells two sources of one name apart, for a menu: the file's folder, or the server.
+QString SourceTitle(const std::string& connectionString);
+
+}  // namespace zrqrybld

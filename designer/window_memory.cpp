@@ -1,0 +1,55 @@
+#include "designer/window_memory.h"
+
+#include <QMainWindow>
+#include <QSettings>
+#include <QSplitter>
+#include <cmath>
+
+#include "adapters/qt/qt_text.h"
+#include "adapters/qt/query_designer_widget.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr auto kGeometryKey = "window/geometry";
+constexpr auto kPanesKey = "window/panes";
+constexpr auto kDesignerKey = "window/designer";
+constexpr auto kZoomKey = "diagram/zoom";
+constexpr auto kColumnsGroup = "gridColumns";
+constexpr float kNarrowest = 150;  // twips; a column that cannot be seen is of no use
+constexpr float kWidest = 30000;
+
+void ForEachColumn(const QueryDesignerWidget& designer, const auto& work) {
+  const zrGrid& grid = *designer.QueryBuilder().GridPane()->Grid();
+  for (std::int32_t i = 1; i <= grid.Columns()->Count(); ++i) work(*grid.Columns()->Item(i));
+}
+
+}  // namespace
+
+void StoreLayout(const RememberedWindow& remembered) {
+  QSettings settings;
+  settings.setValue(kGeometryKey, remembered.window.saveGeometry());
+  settings.setValue(kPanesKey, remembered.panes.saveState());
+  settings.setValue(kDesignerKey, remembered.designer.saveState());
+  settings.setValue(kZoomKey, remembered.designer.QueryBuilder().DiagramPane()->Zoom());
+  settings.beginGroup(kColumnsGroup);
+  ForEachColumn(remembered.designer, [&](const zrGridColumn& column) {
+    if (!column.Hidden()) settings.setValue(ToQString(column.Key()), column.Width());
+  });
+}
+
+void RestoreLayout(const RememberedWindow& remembered) {
+  QSettings settings;
+  remembered.window.restoreGeometry(settings.value(kGeometryKey).toByteArray());
+  remembered.panes.restoreState(settings.value(kPanesKey).toByteArray());
+  remembered.designer.restoreState(settings.value(kDesignerKey).toByteArray());
+  const double zoom = settings.value(kZoomKey, 1.0).toDouble();
+  if (std::isfinite(zoom) && zoom > 0) remembered.designer.QueryBuilder().DiagramPane()->SetZoom(zoom, {});
+  settings.beginGroup(kColumnsGroup);
+  ForEachColumn(remembered.designer, [&](zrGridColumn& column) {
+    const float width = settings.value(ToQString(column.Key())).toFloat();
+    if (!column.Hidden() && width >= kNarrowest && width <= kWidest) column.SetWidth(width);
+  });
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,26 @@
+// What the window remembers of itself from one start to the next: its place, how the panes share it, the widths of the
+// grid's columns and the zoom. It is kept in the application's settings.
+#pragma once
+
+class QMainWindow;
+class QSplitter;
+
+namespace zrqrybld {
+
+class QueryDesignerWidget;
+
+/// The parts that are remembered.
+struct RememberedWindow {
+  QMainWindow& window;
+  QSplitter& panes;  ///< the designer and what stands below it
+  QueryDesignerWidget& designer;
+};
+
+/// Keeps the layout as it is now.
+void StoreLayout(const RememberedWindow& remembered);
+
+/// Takes the layout kept last. What is missing or damaged stays as it is; a place that is on no screen any more is
+/// moved onto one.
+void RestoreLayout(const RememberedWindow& remembered);
+
+}  // namespace zrqrybld

@@ -1,0 +1,70 @@
+#include "diagram/entity_state.h"
+
+#include <string_view>
+#include <unordered_set>
+
+#include "diagram/entity.h"
+#include "diagram/relationships.h"
+
+namespace zrqrybld {
+namespace {
+
+using Items = std::shared_ptr<const std::vector<ItemState>>;
+
+Items ItemsOf(const qbEntityItems& items, const Items& before) {
+  auto now = std::make_shared<std::vector<ItemState>>();
+  now->reserve(static_cast<std::size_t>(items.Count()));
+  for (std::int32_t i = 1; i <= items.Count(); ++i) now->push_back(items.Item(i)->State());
+  return before && *before == *now ? before : now;
+}
+
+std::vector<bool> TicksOf(const BoxRows& rows) {
+  std::vector<bool> ticks(rows.Count());
+  for (std::size_t i = 0; i < ticks.size(); ++i) ticks[i] = rows.At(i + 1)->Checked();
+  return ticks;
+}
+
+// The ticks as they were, on columns of which some have come or gone.
+std::vector<bool> CarriedTicks(const EntityState& before, const std::vector<ItemState>& items) {
+  std::unordered_set<std::string_view> ticked;
+  for (std::size_t i = 0; i < before.ticks.size(); ++i) {
+    if (before.ticks[i]) ticked.insert((*before.items)[i].text);
+  }
+  std::vector<bool> ticks;
+  for (const ItemState& item : items) ticks.push_back(ticked.contains(item.text));
+  return ticks;
+}
+
+std::vector<JoinState> JoinsOf(const qbRelationships& relationships) {
+  std::vector<JoinState> joins;
+  for (std::int32_t i = 1; i <= relationships.Count(); ++i) {
+    const Ref<qbRelationship> join = relationships.Item(i);
+    const Ref<qbEntity> target = join->Target();
+    if (target) joins.push_back({join->Identity(), target->Identity(), join->Facts()});
+  }
+  return joins;
+}
+
+}  // namespace
+
+std::shared_ptr<const EntityState> StateOf(qbEntity& entity, const std::shared_ptr<const EntityState>& before,
+                                           bool withTicks) {
+  const BoxRows& rows = entity.EntityBox()->Rows();
+  EntityState now;
+  now.identity = entity.Identity();
+  now.facts = entity.Facts();
+  now.joins = JoinsOf(*entity.Relationships());
+  const bool sameRows = before && now.identity->rowsSeen == rows.Revision();
+  now.items = sameRows ? before->items : ItemsOf(*entity.Items(), before ? before->items : nullptr);
+  if (before && (sameRows || !withTicks)) {
+    now.ticks = before->items == now.items ? before->ticks : CarriedTicks(*before, *now.items);
+  } else {
+    now.ticks = TicksOf(rows);
+  }
+  if (withTicks) now.identity->rowsSeen = rows.Revision();
+  const bool same = before && before->facts == now.facts && before->items == now.items && before->ticks == now.ticks &&
+                    before->joins == now.joins;
+  return same ? before : std::make_shared<const EntityState>(std::move(now));
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,20 @@
+// Any bytes as a language file: it is read, or it fails with the error of such files.
+#include <cstdlib>
+#include <sstream>
+#include <string>
+
+#include "base/error.h"
+#include "host/language.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace zrqrybld;
+  LanguageTable table;
+  std::istringstream file(std::string(reinterpret_cast<const char*>(data), size));
+  try {
+    table.Load(file);
+  } catch (const Error& error) {
+    if (error.Number() != ErrorInvalidResFile) std::abort();
+  }
+  if (table.Get(LanguageTableCaption).empty()) std::abort();
+  return 0;
+}

@@ -1,0 +1,151 @@
+// Undo and redo: when the design is looked at, and how it is brought back.
+#include "base/error.h"
+#include "base/scoped_value.h"
+#include "base/text.h"
+#include "hub/query_builder.h"
+
+namespace zrqrybld {
+
+// --- The design as it is ---
+
+DesignOptions qbQueryBuilder::CurrentOptions() const {
+  DesignOptions options;
+  options.distinct = distinctRecords_;
+  options.top = selectTopRecords_;
+  if (gridPane_) {
+    options.showGroupBy = gridPane_->ShowGroupBy();
+    options.dateFormat = gridPane_->DateFormat();
+    options.dateFormatStyle = gridPane_->DateFormatStyle();
+  }
+  if (sqlPane_) {
+    options.syntax = sqlPane_->SQLSyntax();
+    options.likeOperator = sqlPane_->LikeOperator();
+    options.locked = sqlPane_->Locked();
+  }
+  return options;
+}
+
+DesignChange qbQueryBuilder::CurrentChange() const {
+  DesignChange change;
+  if (const Ref<qbEntities> entities = Entities()) change.entities = entities->State(history_.Known().entities, true);
+  change.options = CurrentOptions();
+  if (!gridPane_) return change;
+  const zrGridRows& rows = *gridPane_->Grid()->Rows();
+  const auto count = static_cast<std::size_t>(rows.Count());
+  change.untouchedRows = rows.SinceRemembered();
+  change.untouchedRows.before = std::min(change.untouchedRows.before, count);
+  change.untouchedRows.behind = std::min(change.untouchedRows.behind, count - change.untouchedRows.before);
+  for (std::size_t i = change.untouchedRows.before + 1; i <= count - change.untouchedRows.behind; ++i) {
+    change.rows.push_back(rows.At(i).Content());
+  }
+  return change;
+}
+
+// Another pane: what could be undone in the one before is of no use in it.
+void qbQueryBuilder::RememberAll() {
+  Design design;
+  if (const Ref<qbEntities> entities = Entities()) design.entities = entities->State({}, true);
+  if (gridPane_) {
+    zrGridRows& rows = *gridPane_->Grid()->Rows();
+    for (std::size_t i = 1; i <= static_cast<std::size_t>(rows.Count()); ++i) {
+      design.rows.push_back(rows.At(i).Content());
+    }
+    rows.Remembered();
+  }
+  design.options = CurrentOptions();
+  const bool hadSteps = CanUndo() || CanRedo();
+  history_.Forget(std::move(design));
+  if (hadSteps) HistoryChanged.Raise();
+}
+
+void qbQueryBuilder::ClearHistory() {
+  if (InStep()) throw Error(ErrorInvalidCall, "The history cannot be cleared while the query is being changed.");
+  RememberAll();
+}
+
+// --- Steps ---
+
+// What the application has set outside of any step, such as the place of a box or the dialect, is no part of the step
+// that begins. Ticks and cells have changed already when their step begins.
+void qbQueryBuilder::StepBegins(const StepLabel& step) {
+  typed_.reset();
+  if (sqlPane_ && sqlPane_->IsEdited() && step.id != kStepApplyStatement.id) typed_ = sqlPane_->SQLStatement();
+  const Ref<qbEntities> entities = Entities();
+  history_.Adopt(entities ? entities->State(history_.Known().entities, false) : DiagramState(), CurrentOptions());
+}
+
+void qbQueryBuilder::StepMade(const StepLabel& step, bool writes) {
+  std::optional<std::string> typed = std::exchange(typed_, std::nullopt);
+  if (!writes) typed.reset();
+  historyChanged_ |= history_.Record(step, CurrentChange(), std::move(typed));
+  if (gridPane_) gridPane_->Grid()->Rows()->Remembered();
+}
+
+void qbQueryBuilder::StepEnded() {
+  if (std::exchange(historyChanged_, false)) HistoryChanged.Raise();
+}
+
+// --- Undo and redo ---
+
+bool qbQueryBuilder::Travel(bool back) {
+  if (InStep() || travelling_ || (state() != InfoDone && state() != InfoParsingSQL)) {
+    throw Error(ErrorInvalidCall, "The query is being changed; steps cannot be undone or redone before that is done.");
+  }
+  const ScopedValue travelling(travelling_, true);
+  SetState(InfoDone);  // a statement that could not be read has left it
+  if (gridPane_) gridPane_->Grid()->CommitEdit();
+  EndStepless();
+  const History::Step* step = back ? history_.Last() : history_.Next();
+  if (!step) return false;
+  const std::optional<std::string> typed = back ? step->typed : std::nullopt;
+  {
+    const StepScope scope(RefTo(*this), kStepChange);
+    const Design now = history_.Known();
+    const Design then = history_.Travel(back);
+    historyChanged_ = true;
+    Restore(now, then);
+  }
+  if (typed && sqlPane_ && !sqlPane_->IsEdited()) sqlPane_->ShowTyped(*typed);
+  return true;
+}
+
+// What was changed without any step is one, before others are undone.
+void qbQueryBuilder::EndStepless() {
+  BeginStep(kStepChange);
+  EndStep();
+}
+
+void qbQueryBuilder::Restore(const Design& now, const Design& then) {
+  if (diagramPane_) diagramPane_->Restore(now.entities, then.entities);
+  if (gridPane_) {
+    gridPane_->Restore(now.rows, then.rows);
+    gridPane_->ApplyAliasMaxLen();
+  }
+  if (now.options != then.options) RestoreOptions(then.options);
+  EntitiesChanged(1);
+  QueryChanged();
+}
+
+void qbQueryBuilder::RestoreOptions(const DesignOptions& options) {
+  if (options.distinct != distinctRecords_) Store(distinctRecords_, options.distinct, "DistinctRecords");
+  if (options.top != selectTopRecords_) Store(selectTopRecords_, options.top, "SelectTopRecords");
+  if (gridPane_) {
+    gridPane_->RestoreShowGroupBy(options.showGroupBy);
+    if (options.dateFormat != gridPane_->DateFormat()) gridPane_->SetDateFormat(options.dateFormat);
+    if (options.dateFormatStyle != gridPane_->DateFormatStyle()) gridPane_->SetDateFormatStyle(options.dateFormatStyle);
+  }
+  if (sqlPane_) {
+    if (options.syntax != sqlPane_->SQLSyntax()) sqlPane_->SetSQLSyntax(options.syntax);
+    if (options.likeOperator != sqlPane_->LikeOperator()) sqlPane_->SetLikeOperator(options.likeOperator);
+    if (options.locked != sqlPane_->Locked()) sqlPane_->SetLocked(options.locked);
+  }
+}
+
+std::string qbQueryBuilder::TextOf(const History::Step* step) const {
+  if (!step) return {};
+  std::string text = step->label.id != 0 ? GetLanguageString(step->label.id) : std::string();
+  if (text.empty()) text = step->label.text;
+  return std::string(TrimWhite(ReplaceNoCase(text, "%NAME%", step->label.about)));
+}
+
+}  // namespace zrqrybld

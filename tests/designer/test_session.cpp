@@ -1,0 +1,196 @@
+// From one start to the next: what the window remembers, what it must not, and work that survives a crash.
+#include <signal.h>
+
+#include <QAction>
+#include <QDir>
+#include <QFile>
+#include <QInputDialog>
+#include <QLineEdit>
+#include <QMenu>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QPushButton>
+#include <QSettings>
+#include <QTableView>
+#include <QTemporaryDir>
+#include <QTreeWidget>
+
+#include "base/text.h"
+#include "designer/key_list.h"
+#include "designer/recent_connections.h"
+#include "tests/designer/designer_window_test.h"
+#include "tests/qt/modal.h"
+
+namespace zrqrybld {
+namespace {
+
+using test::Utf8;
+
+// Settings and data of this test's own, in the place where the designer itself would keep them.
+class Session : public testing::Test {
+ protected:
+  Session() {
+    QCoreApplication::setOrganizationName("zrqrybld");
+    QCoreApplication::setApplicationName("zrqrybld-designer");
+    qputenv("XDG_DATA_HOME", folder.filePath("data").toUtf8());
+    QSettings::setDefaultFormat(QSettings::IniFormat);
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, folder.filePath("config"));
+  }
+  ~Session() override { qunsetenv("XDG_DATA_HOME"); }
+
+  // Everything that was kept on the disk.
+  std::string Kept() const {
+    QSettings().sync();
+    std::string text;
+    for (QDir at : {QDir(folder.filePath("config") + "/zrqrybld"), QDir(Recovery::Folder())}) {
+      for (const QString& name : at.entryList(QDir::Files)) {
+        QFile file(at.filePath(name));
+        if (file.open(QIODevice::ReadOnly)) text += file.readAll().toStdString();
+      }
+    }
+    return text;
+  }
+  static QStringList RecoveryFiles() { return QDir(Recovery::Folder()).entryList({"*.recovery"}, QDir::Files); }
+  static qbQueryBuilder& Hub(MainWindow& window) { return window.findChild<QueryDesignerWidget*>()->QueryBuilder(); }
+
+  QTemporaryDir folder;
+};
+
+TEST_F(Session, TheWindowComesBackAsItWasLeft) {
+  const auto column = [](MainWindow& window) { return Hub(window).GridPane()->Grid()->Columns()->Item("alias"); };
+  QSize left;
+  {
+    MainWindow window;
+    window.BeginSession();
+    window.show();
+    window.resize(900, 640);
+    Hub(window).DiagramPane()->SetZoom(1.5, {});
+    column(window)->SetWidth(3000);
+    left = window.size();
+    window.close();
+  }
+  {
+    MainWindow script;  // remembers nothing, and keeps nothing
+    EXPECT_EQ(Hub(script).DiagramPane()->Zoom(), 1);
+    script.close();
+  }
+  QSettings().setValue("window/panes", "no state of a splitter");
+  MainWindow window;
+  window.BeginSession();
+  window.show();
+  EXPECT_EQ(window.size(), left);
+  EXPECT_EQ(Hub(window).DiagramPane()->Zoom(), 1.5);
+  EXPECT_EQ(column(window)->Width(), 3000);
+}
+
+TEST_F(Session, NoSecretIsEverKept) {
+  const std::string source = "Provider=SQLite;Data Source=" ZRQRYBLD_SAMPLE_DB;
+  for (const char* secret : {";PWD=s3cret", ";Password='s3cret'", ";Extended Properties=\"X=1;PWD=s3cret\"",
+                             ";Access Token=s3cret", ";Extended Properties=\"api_key=s3cret\""}) {
+    RememberConnection(source + secret);
+    MainWindow window;
+    window.BeginSession();
+    ASSERT_EQ(window.OpenConnection(source + secret), QString());
+    window.AddTables({"Customers"});
+    Hub(window).SetSavePassword(true);  // as far as the query's own file is concerned
+    ASSERT_TRUE(QTest::qWaitFor([] { return RecoveryFiles().size() == 1; }));
+    EXPECT_NE(Kept().find("Customers"), std::string::npos);
+    EXPECT_EQ(Kept().find("s3cret"), std::string::npos) << Kept();
+  }
+  EXPECT_EQ(RecoveryFiles().size(), 0) << "removed at a clean end";
+  ASSERT_EQ(RecentConnections().size(), 2);
+  EXPECT_TRUE(RecentConnections()[0].asksPassword);
+
+  // The user is asked for it again.
+  MainWindow window;
+  window.show();
+  QAction* first = nullptr;
+  for (QMenu* menu : window.findChildren<QMenu*>()) {
+    if (!menu->title().startsWith("Connect to R")) continue;
+    Q_EMIT menu->aboutToShow();
+    first = menu->actions().first();
+  }
+  ASSERT_TRUE(first);
+  WhenOpen<QInputDialog>([](QInputDialog& dialog) {
+    EXPECT_EQ(dialog.textEchoMode(), QLineEdit::Password);
+    dialog.setTextValue("s3;cret");
+    dialog.accept();
+  });
+  first->trigger();
+  EXPECT_TRUE(Hub(window).IsConnected());
+  EXPECT_NE(Hub(window).Connection()->ConnectionString().find("PWD=\"s3;cret\""), std::string::npos);
+}
+
+TEST_F(Session, WorkSurvivesAKillAndGoesWhenItIsSafe) {
+  QProcess process;
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  environment.insert("QT_QPA_PLATFORM", "offscreen");
+  environment.insert("XDG_CONFIG_HOME", folder.filePath("other config"));
+  process.setProcessEnvironment(environment);
+  process.start(ZRQRYBLD_DESIGNER, {ZRQRYBLD_SAMPLE_DB, "--add-table", "Customers", "--tick", "Customers.City"});
+  ASSERT_TRUE(QTest::qWaitFor([] { return RecoveryFiles().size() == 1; }, 15000));
+  EXPECT_FALSE(Recovery::FindLost()) << "it still runs";
+  kill(static_cast<pid_t>(process.processId()), SIGKILL);
+  process.waitForFinished();
+
+  MainWindow window;
+  window.BeginSession();
+  window.show();
+  const auto answer = [&](const char* button) {
+    WhenOpen<QMessageBox>([button](QMessageBox& box) {
+      for (QAbstractButton* offered : box.buttons()) {
+        if (offered->text().remove('&') == button) offered->click();
+      }
+    });
+    return window.OfferLostWork();
+  };
+  EXPECT_FALSE(answer("Ask Later"));
+  EXPECT_TRUE(answer("Bring Back"));
+  EXPECT_NE(Utf8(window.Statement()).find("Customers.City"), std::string::npos);
+  EXPECT_TRUE(Hub(window).IsConnected());
+  EXPECT_TRUE(window.Document().IsModified());
+  EXPECT_EQ(RecoveryFiles().size(), 1) << "now this window's";
+  EXPECT_FALSE(window.OfferLostWork());
+  ASSERT_EQ(window.Document().SaveAs(folder.filePath("saved.zrq")), QString());
+  EXPECT_EQ(RecoveryFiles().size(), 0);
+
+  // What is typed and not applied is work, too; and so is a query whose source is gone.
+  auto& text = window.findChild<QueryDesignerWidget*>()->SqlView();
+  text.setFocus();
+  text.selectAll();
+  text.insertPlainText("SELECT half a statem");
+  ASSERT_TRUE(QTest::qWaitFor([] { return RecoveryFiles().size() == 1; }));
+  const QString kept = QDir(Recovery::Folder()).filePath(RecoveryFiles().first());
+  QFile file(kept);
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+  const QByteArray bytes = file.readAll().replace("store.db", "gone.db");
+  window.findChild<QueryDesignerWidget*>()->QueryBuilder().SQLPane()->RevertEditedText();
+  QFile lost(QDir(Recovery::Folder()).filePath("1.recovery"));
+  ASSERT_TRUE(lost.open(QIODevice::WriteOnly) && lost.write(bytes) == bytes.size());
+  lost.close();
+  QTimer::singleShot(500, [] {
+    if (auto* remark = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) remark->accept();
+  });
+  EXPECT_TRUE(answer("Bring Back"));
+  EXPECT_TRUE(Hub(window).SQLPane()->IsEdited());
+  EXPECT_EQ(Hub(window).SQLPane()->SQLStatement(), "SELECT half a statem");
+  EXPECT_GT(Hub(window).Entities()->Item("Customers")->Items()->Count(), 3) << "with its columns";
+}
+
+TEST(KeyList, IsFiltered) {
+  KeyList list;
+  list.show();
+  auto* tree = list.findChild<QTreeWidget*>();
+  const auto shown = [&] {
+    int count = 0;
+    for (QTreeWidgetItemIterator it(tree, QTreeWidgetItemIterator::NotHidden); *it; ++it)
+      count += (*it)->parent() != nullptr;
+    return count;
+  };
+  EXPECT_GT(shown(), 30);
+  list.findChild<QLineEdit*>()->setText("ctrl+space");
+  EXPECT_EQ(shown(), 1);
+}
+
+}  // namespace
+}  // namespace zrqrybld
