@@ -149,6 +149,7 @@ QString QueryDocument::Recover(const KeptWork& work, const std::shared_ptr<Provi
     return ToQString(error.what());
   }
   file_ = work.file;
+  hub_.ClearHistory();
   saved_.clear();
   window_.changed();
   return {};
@@ -205,6 +206,7 @@ QString QueryDocument::Open(const QString& file, QString* remark) {
     if (replaced) {
       hub_.SetConnection(connectionBefore);
       Load(before);
+      hub_.ClearHistory();  // its last steps are those of the opening that failed
       window_.changed();
     }
     return message;
@@ -214,6 +216,7 @@ QString QueryDocument::Open(const QString& file, QString* remark) {
   MarkUnmodified();
   Remember(file_);
   window_.changed();
+  window_.happened(tr("Opened %1").arg(QDir::toNativeSeparators(file_)));
   return {};
 }
 
@@ -261,6 +264,7 @@ QString QueryDocument::SaveAs(const QString& file) {
   MarkUnmodified();
   Remember(file_);
   window_.changed();
+  window_.happened(tr("Saved %1").arg(QDir::toNativeSeparators(file_)));
   return {};
 }
 

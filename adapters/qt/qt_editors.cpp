@@ -21,6 +21,8 @@ constexpr int kNoMaxLength = 32767;  // Qt's own
 
 }  // namespace
 
+QRect EditorWindow::Place(const PixelRect& onSurface) const { return ToViewport(*viewport, onSurface).toAlignedRect(); }
+
 // The line edit tells its owner what happens; an owner that was destroyed is told nothing.
 class QtTextEditor::Line final : public QLineEdit {
  public:
@@ -40,14 +42,21 @@ class QtTextEditor::Line final : public QLineEdit {
         event->type() == QEvent::KeyPress && ToKeyCode(static_cast<const QKeyEvent&>(*event).key()) == KeyCodeTab;
     if (isTab && Offer(static_cast<QKeyEvent&>(*event))) return true;
     // The line edit's own commands (undo, copy, ...) and what the grid does with keys go before the window's shortcuts.
-    if (event->type() == QEvent::ShortcutOverride && ToKeyCode(static_cast<QKeyEvent&>(*event).key()) == KeyCodeF4) {
-      event->accept();
-      return true;
+    if (event->type() == QEvent::ShortcutOverride) {
+      const auto& key = static_cast<const QKeyEvent&>(*event);
+      if (ToKeyCode(key.key()) == KeyCodeF4 || IsUndoKey(key) || IsRedoKey(key)) {
+        event->accept();
+        return true;
+      }
     }
     return QLineEdit::event(event);
   }
   void keyPressEvent(QKeyEvent* event) override {
     if (ToKeyCode(event->key()) != KeyCodeTab && Offer(*event)) return;
+    if (IsRedoKey(*event)) {
+      redo();
+      return;
+    }
     QLineEdit::keyPressEvent(event);
   }
   void keyReleaseEvent(QKeyEvent* event) override {
@@ -109,7 +118,7 @@ QtTextEditor::~QtTextEditor() {
 }
 
 void QtTextEditor::SetBounds(const PixelRect& bounds) {
-  if (line_) line_->setGeometry(ToQRectF(bounds).toAlignedRect());
+  if (line_ && window_.viewport) line_->setGeometry(window_.Place(bounds));
 }
 
 void QtTextEditor::SetVisible(bool visible) {
@@ -208,7 +217,7 @@ void QtPopupList::Open(const PixelRect& owner, std::vector<ListEntry> entries, s
 
 // As wide as its texts need, at least as wide as its owner, and on the screen.
 void QtPopupList::Place(const PixelRect& owner) {
-  const QRect place = ToQRectF(owner).toAlignedRect();
+  const QRect place = window_.Place(owner);
   const int rows = std::min(view_->model()->rowCount(), kMostRowsShown);
   const int frame = 2 * view_->frameWidth();
   const int height = rows * std::max(view_->sizeHintForRow(0), 1) + frame;
@@ -225,9 +234,10 @@ void QtPopupList::Place(const PixelRect& owner) {
   const QScreen* screen = window_.viewport->screen();
   const QRect room = screen ? screen->availableGeometry() : QRect(QPoint(), size);
   QPoint corner = window_.viewport->mapToGlobal(place.bottomLeft() + QPoint(0, 1));
+  if (window_.viewport->isRightToLeft()) corner.rx() += place.width() - size.width();
   if (corner.y() + size.height() > room.bottom() + 1) {
-    const QPoint above = window_.viewport->mapToGlobal(place.topLeft()) - QPoint(0, size.height());
-    if (above.y() >= room.top()) corner = above;
+    const int above = window_.viewport->mapToGlobal(place.topLeft()).y() - size.height();
+    if (above >= room.top()) corner.setY(above);
   }
   corner.setX(std::max(room.left(), std::min(corner.x(), room.right() + 1 - size.width())));
   view_->setGeometry(QRect(corner, size));
