@@ -177,6 +177,8 @@ class EveryMember(unittest.TestCase):
     def use(self, type_name, obj, member, objects):
         if f"{type_name}.{member.name}" in ("Connection.ConnectionString", "Connection.Open"):
             obj.Close()
+        if member.name == "EndStep":
+            obj.BeginStep("A step")
         arguments = self.arguments(type_name, member, objects)
         if member.kind == "event":
             obj.on(member.name, lambda *_: None).off()
