@@ -44,6 +44,14 @@ thread_local LastError lastError;
 // The event that is being handled, innermost last: `zrq_write` writes into it.
 thread_local std::vector<std::span<Variant>> handling;
 
+// An event is being handled, until the handler returns or throws.
+struct Handling {
+  explicit Handling(std::span<Variant> arguments) { handling.push_back(arguments); }
+  Handling(const Handling&) = delete;
+  Handling& operator=(const Handling&) = delete;
+  ~Handling() { handling.pop_back(); }
+};
+
 // --- Values
 // ------------------------------------------------------------------------------------------------------------
 
@@ -265,9 +273,8 @@ class Listener {
   }
   void Call(std::span<Variant> arguments) const {
     const OwnedValues values(arguments);
-    handling.push_back(arguments);
+    const Handling scope(arguments);
     handler_(context_, values.Data(), arguments.size());
-    handling.pop_back();
   }
 
  private:

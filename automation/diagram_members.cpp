@@ -10,9 +10,8 @@ using Pane = qbDiagramPane;
 
 void SetZoom(Pane& pane, double zoom) { pane.SetZoom(zoom, {}); }
 void SelectObject(Pane& pane, const Ref<Object>& object) { pane.SelectObject(object); }
+void AskForAlias(Pane& pane, qbEntity& entity) { pane.AskForAlias(RefTo(entity)); }
 void SetMinimized(Pane& pane, const qbEntity& entity, bool minimized) { pane.SetMinimized(entity, minimized); }
-void ReadFrom(Pane& pane, const PropertyBag& bag) { pane.ReadProperties(bag.Store()); }
-void WriteTo(Pane& pane, PropertyBag& bag) { pane.WriteProperties(bag.Store()); }
 
 constexpr Member kPane[] = {
     Method<Pane, &Pane::AboutBox>("AboutBox"),
@@ -58,9 +57,11 @@ constexpr Member kPane[] = {
     Method<Pane, &SetMinimized>("SetMinimized", "Entity, Minimized"),
     Method<Pane, &Pane::PictureSvg>("PictureSvg"),
     Method<Pane, &Pane::SavePicture>("SavePicture", "Path"),
+    Method<Pane, &Pane::AskToSavePicture>("AskToSavePicture"),
+    Method<Pane, &AskForAlias>("AskForAlias", "Entity"),
     Method<Pane, &Pane::SelectAll>("SelectAll"),
-    Method<Pane, &ReadFrom>("ReadProperties", "Bag"),
-    Method<Pane, &WriteTo>("WriteProperties", "Bag"),
+    Method<Pane, &ReadFrom<Pane>>("ReadProperties", "Bag"),
+    Method<Pane, &WriteTo<Pane>>("WriteProperties", "Bag"),
 };
 
 constexpr Member kEntities[] = {

@@ -12,6 +12,8 @@ namespace {
 constexpr EnumerationMember kConnectionState[] = {MEMBER(ConnectionClosed), MEMBER(ConnectionOpened)};
 constexpr EnumerationMember kDateFormat[] = {MEMBER(DateFormatNative), MEMBER(DateFormatEscapeSequence)};
 constexpr EnumerationMember kFieldOrder[] = {MEMBER(FieldOrderDefault), MEMBER(FieldOrderOrdinal)};
+constexpr EnumerationMember kJoinType[] = {MEMBER(JoinInner), MEMBER(JoinAllOfThis), MEMBER(JoinAllOfEarlier),
+                                           MEMBER(JoinAllOfBoth)};
 constexpr EnumerationMember kLanguageID[] = {
     MEMBER(LanguageGridColumn),
     MEMBER(LanguageGridAlias),
@@ -75,6 +77,7 @@ constexpr Enumeration kEnumerations[] = {
     {kPublicName<ConnectionStateEnum>, kConnectionState},
     {kPublicName<DateFormatEnum>, kDateFormat},
     {kPublicName<FieldOrderEnum>, kFieldOrder},
+    {kPublicName<JoinTypeEnum>, kJoinType},
     {kPublicName<LanguageIDEnum>, kLanguageID},
     {kPublicName<OLEDropModeEnum>, kOLEDropMode},
     {kPublicName<QueryBuilderErrorEnum>, kError},

@@ -1,6 +1,7 @@
 // The members of the grid pane and the grid control under it.
 #include "automation/binding.h"
 #include "automation/classes.h"
+#include "automation/property_bag.h"
 
 namespace zrqrybld {
 namespace {
@@ -39,13 +40,85 @@ constexpr Member kPane[] = {
     Raised<Pane, &Pane::RowColChange>("RowColChange", "Row, Column"),
     Raised<Pane, &Pane::AfterChange>("AfterChange", "Row, Column"),
     Raised<Pane, &Pane::AfterEdit>("AfterEdit", "Row, Column"),
+    // Beyond the members above: the grid under the pane, and what a host without a form needs.
     ReadOnly<Pane, &Pane::Grid>("Grid"),
+    Method<Pane, &ReadFrom<Pane>>("ReadProperties", "Bag"),
+    Method<Pane, &WriteTo<Pane>>("WriteProperties", "Bag"),
 };
 
+// Places are in pixels, as in the events of the mouse.
+void GetRowColumnIndex(const zrGrid& grid, float x, float y, std::int32_t& row, std::int32_t& column) {
+  const GridHit hit = grid.GetRowColumnIndex({Pixels(static_cast<double>(x)), Pixels(static_cast<double>(y))});
+  row = static_cast<std::int32_t>(hit.row);
+  column = static_cast<std::int32_t>(hit.column);
+}
+void GetRowColumnXY(const zrGrid& grid, std::int32_t row, const Variant& column, float& x, float& y) {
+  const PixelRect cell = grid.GetRowColumnXY(row, column);
+  x = static_cast<float>(cell.left.Value());
+  y = static_cast<float>(cell.top.Value());
+}
+
 constexpr Member kGrid[] = {
-    Raised<zrGrid, &zrGrid::AfterChange>("AfterChange", "Row, Column"),
+    FontProperty<zrGrid, &zrGrid::Font, &zrGrid::SetFont>("Font"),
+    ReadWrite<zrGrid, &zrGrid::AllowColumnResize, &zrGrid::SetAllowColumnResize>("AllowColumnResize"),
+    ReadWrite<zrGrid, &zrGrid::AllowRowInsert, &zrGrid::SetAllowRowInsert>("AllowRowInsert"),
+    ReadOnly<zrGrid, &zrGrid::Column>("Column"),
     ReadOnly<zrGrid, &zrGrid::Columns>("Columns"),
+    ReadOnly<zrGrid, &zrGrid::Row>("Row"),
     ReadOnly<zrGrid, &zrGrid::Rows>("Rows"),
+    ReadOnly<zrGrid, &zrGrid::hwnd>("hwnd"),
+    ReadWrite<zrGrid, &zrGrid::AutoRedraw, &zrGrid::SetAutoRedraw>("AutoRedraw"),
+    ReadWrite<zrGrid, &zrGrid::CustomContextMenu, &zrGrid::SetCustomContextMenu>("CustomContextMenu"),
+    Method<zrGrid, &GetRowColumnIndex>("GetRowColumnIndex", "X, Y, Row, Column"),
+    Method<zrGrid, &GetRowColumnXY>("GetRowColumnXY", "Row, Column, X, Y"),
+    Method<zrGrid, &zrGrid::GotoRowCol>("GotoRowCol", "Row, Column"),
+    Method<zrGrid, &zrGrid::Refresh>("Refresh"),
+    Raised<zrGrid, &zrGrid::OLEDragOver>("OLEDragOver", "Data, Effect, Button, Shift, X, Y, State"),
+    Raised<zrGrid, &zrGrid::OLEDragDrop>("OLEDragDrop", "Data, Effect, Button, Shift, X, Y"),
+    Raised<zrGrid, &zrGrid::AfterChange>("AfterChange", "Row, Column"),
+    Raised<zrGrid, &zrGrid::BeforeChange>("BeforeChange", "Row, Column, Cancel"),
+    Raised<zrGrid, &zrGrid::BeforeEdit>("BeforeEdit", "Row, Column"),
+    Raised<zrGrid, &zrGrid::AfterEdit>("AfterEdit", "Row, Column"),
+    Raised<zrGrid, &zrGrid::BeforeDelete>("BeforeDelete", "FirstRow, LastRow, Cancel"),
+    Raised<zrGrid, &zrGrid::AfterDelete>("AfterDelete", "FirstRow, LastRow"),
+    Raised<zrGrid, &zrGrid::BeforeInsert>("BeforeInsert", "FirstRow, LastRow, Cancel"),
+    Raised<zrGrid, &zrGrid::AfterInsert>("AfterInsert", "FirstRow, LastRow"),
+    Raised<zrGrid, &zrGrid::MouseUp>("MouseUp", "Button, Shift, X, Y"),
+    Raised<zrGrid, &zrGrid::ShowContextMenu>("ShowContextMenu", "Row, Column"),
+    Raised<zrGrid, &zrGrid::DblClick>("DblClick"),
+    Raised<zrGrid, &zrGrid::RowColChange>("RowColChange", "Row, Column"),
+    Raised<zrGrid, &zrGrid::BeforeDropDown>("BeforeDropDown", "Row, Column, Cancel"),
+    Method<zrGrid, &ReadFrom<zrGrid>>("ReadProperties", "Bag"),
+    Method<zrGrid, &WriteTo<zrGrid>>("WriteProperties", "Bag"),
+};
+
+using Combo = zrSimpleCombo;
+constexpr Member kCombo[] = {
+    Method<Combo, &Combo::AboutBox>("AboutBox"),
+    Method<Combo, &Combo::AddItem>("AddItem", "Item"),
+    Method<Combo, &Combo::Clear>("Clear"),
+    ReadOnly<Combo, &Combo::hwnd>("hwnd"),
+    ReadWrite<Combo, &Combo::ListIndex, &Combo::SetListIndex>("ListIndex"),
+    ReadWrite<Combo, &Combo::Text, &Combo::SetText>("Text"),
+    ReadOnly<Combo, &Combo::TextBoxHandle>("TextBoxHandle"),
+    ReadWrite<Combo, &Combo::SelStart, &Combo::SetSelStart>("SelStart"),
+    ReadWrite<Combo, &Combo::SelLength, &Combo::SetSelLength>("SelLength"),
+    ReadWrite<Combo, &Combo::SelText, &Combo::SetSelText>("SelText"),
+    FontProperty<Combo, &Combo::Font, &Combo::SetFont>("Font"),
+    ReadWrite<Combo, &Combo::MaxLength, &Combo::SetMaxLength>("MaxLength"),
+    ReadWrite<Combo, &Combo::HideEdit, &Combo::SetHideEdit>("HideEdit"),
+    Raised<Combo, &Combo::BeforeDropDown>("BeforeDropDown", "Cancel"),
+    Raised<Combo, &Combo::Click>("Click"),
+    Raised<Combo, &Combo::Change>("Change"),
+    Raised<Combo, &Combo::KeyDown>("KeyDown", "KeyCode, Shift"),
+    Raised<Combo, &Combo::KeyPress>("KeyPress", "KeyAscii"),
+    Raised<Combo, &Combo::KeyUp>("KeyUp", "KeyCode, Shift"),
+    Raised<Combo, &Combo::DblClick>("DblClick"),
+    Raised<Combo, &Combo::MouseDown>("MouseDown", "Button, Shift, X, Y"),
+    Raised<Combo, &Combo::MouseMove>("MouseMove", "Button, Shift, X, Y"),
+    Raised<Combo, &Combo::MouseUp>("MouseUp", "Button, Shift, X, Y"),
+    Method<Combo, &ReadFrom<Combo>>("ReadProperties", "Bag"),
+    Method<Combo, &WriteTo<Combo>>("WriteProperties", "Bag"),
 };
 
 constexpr Member kColumns[] = {
@@ -86,18 +159,23 @@ constexpr Member kRows[] = {
     Method<zrGridRows, &zrGridRows::Clear>("Clear"),
     ReadOnly<zrGridRows, &zrGridRows::Count>("Count"),
     ReadOnly<zrGridRows, &zrGridRows::Item>("Item", "Index"),
+    Method<zrGridRows, &zrGridRows::Move>("Move", "From, To"),
     Method<zrGridRows, &zrGridRows::Remove>("Remove", "Index"),
 };
 
 constexpr Member kRow[] = {
+    ReadOnly<zrGridRow, &zrGridRow::Index>("Index"),
+    ReadWrite<zrGridRow, &zrGridRow::MaxLen, &zrGridRow::SetMaxLen>("MaxLen", "Column"),
     ReadWrite<zrGridRow, &zrGridRow::Value, &zrGridRow::SetValue>("Value", "Column"),
     ReadWrite<zrGridRow, &zrGridRow::TagVariant, &zrGridRow::SetTagVariant>("TagVariant", "Column"),
-    ReadOnly<zrGridRow, &zrGridRow::Index>("Index"),
+    ReadWrite<zrGridRow, &zrGridRow::Key, &zrGridRow::SetKey>("Key"),
+    ReadWrite<zrGridRow, &zrGridRow::Locked, &zrGridRow::SetLocked>("Locked"),
 };
 
 const ClassInfo kClasses[] = {
     {"qbGridPane", kPane, "", [] { return Ref<Object>(Pane::Create()); }},
     {"zrGrid", kGrid, "", [] { return Ref<Object>(zrGrid::Create()); }},
+    {"zrSimpleCombo", kCombo, "Text", [] { return Ref<Object>(zrSimpleCombo::Create()); }},
     {"zrGridColumns", kColumns, "Item"},
     {"zrGridColumn", kColumn, "Caption"},
     {"zrGridComboItems", kComboItems, "Item"},

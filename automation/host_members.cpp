@@ -32,15 +32,6 @@ std::string LastErrorText(const Hub& hub) { return hub.LastError() ? hub.LastErr
 
 void BeginNamedStep(Hub& hub, const std::string& name) { hub.BeginStep(name); }
 
-template <class Control>
-void ReadFrom(Control& control, const PropertyBag& bag) {
-  control.ReadProperties(bag.Store());
-}
-template <class Control>
-void WriteTo(Control& control, PropertyBag& bag) {
-  control.WriteProperties(bag.Store());
-}
-
 constexpr Member kQueryBuilder[] = {
     Method<Hub, &Hub::AddTable>("AddTable", "TableName"),
     ReadWrite<Hub, &Hub::AllowJoinProperties, &Hub::SetAllowJoinProperties>("AllowJoinProperties"),
@@ -80,6 +71,7 @@ constexpr Member kQueryBuilder[] = {
     Method<Hub, &Hub::HasTable>("HasTable", "TableName"),
     ReadOnly<Hub, &LastErrorText>("LastErrorText"),
     ReadWrite<Hub, &Hub::SavePassword, &Hub::SetSavePassword>("SavePassword"),
+    Method<Hub, &Hub::AskParameters>("AskParameters", "SQL"),
     Method<Hub, &Hub::QuoteIdentifier>("QuoteIdentifier", "Name"),
     Method<Hub, &Hub::Undo>("Undo"),
     Method<Hub, &Hub::Redo>("Redo"),

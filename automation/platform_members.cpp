@@ -11,7 +11,10 @@ namespace zrqrybld {
 ZRQRYBLD_PUBLIC_AS(ConnectionDialogObject, "ConnectionDialog");
 ZRQRYBLD_PUBLIC_AS(ExpressionDialogObject, "ExpressionDialog");
 ZRQRYBLD_PUBLIC_AS(JoinDialogObject, "JoinDialog");
+ZRQRYBLD_PUBLIC_AS(ParametersDialogObject, "ParametersDialog");
+ZRQRYBLD_PUBLIC_AS(SaveFileDialogObject, "SaveFileDialog");
 ZRQRYBLD_PUBLIC_AS(TablesDialogObject, "TablesDialog");
+ZRQRYBLD_PUBLIC_AS(TextDialogObject, "TextDialog");
 ZRQRYBLD_PUBLIC(ToolkitMessage);
 ZRQRYBLD_PUBLIC(ToolkitMessages);
 
@@ -119,6 +122,9 @@ constexpr Member kToolkit[] = {
     Raised<ToolkitObject, &ToolkitObject::JoinProperties>("JoinProperties", "Dialog"),
     Raised<ToolkitObject, &ToolkitObject::ConnectionPrompt>("ConnectionPrompt", "Dialog"),
     Raised<ToolkitObject, &ToolkitObject::Expression>("Expression", "Dialog"),
+    Raised<ToolkitObject, &ToolkitObject::SaveFile>("SaveFile", "Dialog"),
+    Raised<ToolkitObject, &ToolkitObject::TextPrompt>("TextPrompt", "Dialog"),
+    Raised<ToolkitObject, &ToolkitObject::Parameters>("Parameters", "Dialog"),
 };
 
 constexpr Member kMessages[] = {
@@ -168,6 +174,34 @@ constexpr Member kConnectionDialog[] = {
     ReadWrite<Prompt, &Prompt::ConnectionString, &Prompt::SetConnectionString>("ConnectionString"),
 };
 
+using FilePrompt = SaveFileDialogObject;
+constexpr Member kSaveFileDialog[] = {
+    ReadOnly<FilePrompt, &FilePrompt::Caption>("Caption"),
+    ReadOnly<FilePrompt, &FilePrompt::FileName>("FileName"),
+    ReadOnly<FilePrompt, &FilePrompt::Extensions>("Extensions"),
+    ReadWrite<FilePrompt, &FilePrompt::Path, &FilePrompt::SetPath>("Path"),
+};
+
+using Line = TextDialogObject;
+constexpr Member kTextDialog[] = {
+    ReadOnly<Line, &Line::Caption>("Caption"),
+    ReadOnly<Line, &Line::Label>("Label"),
+    ReadWrite<Line, &Line::Text, &Line::SetText>("Text"),
+    ReadOnly<Line, &Line::Problem>("Problem"),
+    ReadWrite<Line, &Line::Accepted, &Line::SetAccepted>("Accepted"),
+};
+
+using Values = ParametersDialogObject;
+constexpr Member kParametersDialog[] = {
+    ReadOnly<Values, &Values::Caption>("Caption"),
+    ReadOnly<Values, &Values::Prompts>("Prompts"),
+    ReadOnly<Values, &Values::Types>("Types"),
+    ReadWrite<Values, &Values::Value, &Values::SetValue>("Value", "Position"),
+    ReadOnly<Values, &Values::Problem>("Problem"),
+    ReadOnly<Values, &Values::Statement>("Statement"),
+    ReadWrite<Values, &Values::Accepted, &Values::SetAccepted>("Accepted"),
+};
+
 Ref<Object> MakeConnection() {
   return std::make_shared<ProviderConnection>(ToolkitObject::Instance()->Services()->Providers());
 }
@@ -186,6 +220,9 @@ const ClassInfo kClasses[] = {
     {"JoinDialog", kJoinDialog, ""},
     {"ConnectionDialog", kConnectionDialog, "ConnectionString"},
     {"ExpressionDialog", kExpressionDialog, "Text"},
+    {"SaveFileDialog", kSaveFileDialog, "Path"},
+    {"TextDialog", kTextDialog, "Text"},
+    {"ParametersDialog", kParametersDialog, "Value"},
 };
 
 }  // namespace

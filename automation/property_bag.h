@@ -42,4 +42,14 @@ class PropertyBag final : public Object {
 
 ZRQRYBLD_PUBLIC(PropertyBag);
 
+/// What the stored properties' two members of a control do with a bag.
+template <class Control>
+void ReadFrom(Control& control, const PropertyBag& bag) {
+  control.ReadProperties(bag.Store());
+}
+template <class Control>
+void WriteTo(Control& control, PropertyBag& bag) {
+  control.WriteProperties(bag.Store());
+}
+
 }  // namespace zrqrybld

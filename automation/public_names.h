@@ -11,6 +11,7 @@
 #include "host/language.h"
 #include "hub/query_builder.h"
 #include "hub/utility.h"
+#include "sql/joins.h"
 #include "sql/parameters.h"
 #include "sql/sql_pane.h"
 
@@ -45,6 +46,10 @@ ZRQRYBLD_PUBLIC(qbEntity);
 ZRQRYBLD_PUBLIC(qbEntityItem);
 ZRQRYBLD_PUBLIC(qbEntityItems);
 ZRQRYBLD_PUBLIC(qbGridPane);
+ZRQRYBLD_PUBLIC(qbJoin);
+ZRQRYBLD_PUBLIC(qbJoinTable);
+ZRQRYBLD_PUBLIC(qbJoinTables);
+ZRQRYBLD_PUBLIC(qbJoins);
 ZRQRYBLD_PUBLIC(qbParameter);
 ZRQRYBLD_PUBLIC(qbParameters);
 ZRQRYBLD_PUBLIC(qbProperties);
@@ -61,9 +66,11 @@ ZRQRYBLD_PUBLIC(zrGridComboItem);
 ZRQRYBLD_PUBLIC(zrGridComboItems);
 ZRQRYBLD_PUBLIC(zrGridRow);
 ZRQRYBLD_PUBLIC(zrGridRows);
+ZRQRYBLD_PUBLIC(zrSimpleCombo);
 ZRQRYBLD_PUBLIC(ConnectionStateEnum);
 ZRQRYBLD_PUBLIC(DateFormatEnum);
 ZRQRYBLD_PUBLIC(FieldOrderEnum);
+ZRQRYBLD_PUBLIC(JoinTypeEnum);
 ZRQRYBLD_PUBLIC(LanguageIDEnum);
 ZRQRYBLD_PUBLIC(OLEDropModeEnum);
 ZRQRYBLD_PUBLIC(QueryBuilderErrorEnum);

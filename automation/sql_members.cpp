@@ -1,6 +1,7 @@
 // The members of the SQL pane and of run-time parameters.
 #include "automation/binding.h"
 #include "automation/classes.h"
+#include "automation/property_bag.h"
 
 namespace zrqrybld {
 namespace {
@@ -23,8 +24,40 @@ constexpr Member kPane[] = {
     Raised<Pane, &Pane::KeyDown>("KeyDown", "KeyCode, Shift"),
     Raised<Pane, &Pane::KeyPress>("KeyPress", "KeyAscii"),
     Raised<Pane, &Pane::ParseParameter>("ParseParameter", "Parameter, Cancel"),
-    // Beyond the members above: what there is to say about the statement.
+    // Beyond the members above: what there is to say about the statement, and what a host without a form needs.
     ReadOnly<Pane, &Pane::Remarks>("Remarks"),
+    ReadOnly<Pane, &Pane::Joins>("Joins"),
+    Method<Pane, &ReadFrom<Pane>>("ReadProperties", "Bag"),
+    Method<Pane, &WriteTo<Pane>>("WriteProperties", "Bag"),
+};
+
+constexpr Member kJoins[] = {
+    Method<qbJoins, &qbJoins::Add>("Add", "Caption, [Before], [After]"),
+    Method<qbJoins, &qbJoins::Clear>("Clear"),
+    ReadOnly<qbJoins, &qbJoins::Count>("Count"),
+    ReadOnly<qbJoins, &qbJoins::Item>("Item", "Index"),
+    Method<qbJoins, &qbJoins::Remove>("Remove", "Index"),
+};
+
+constexpr Member kJoin[] = {
+    ReadOnly<qbJoin, &qbJoin::Caption>("Caption"),
+    ReadOnly<qbJoin, &qbJoin::JoinTables>("JoinTables"),
+};
+
+constexpr Member kJoinTables[] = {
+    Method<qbJoinTables, &qbJoinTables::Add>("Add", "LeftTable, LeftField, RightTable, RightField"),
+    Method<qbJoinTables, &qbJoinTables::Clear>("Clear"),
+    ReadOnly<qbJoinTables, &qbJoinTables::Count>("Count"),
+    ReadOnly<qbJoinTables, &qbJoinTables::Item>("Item", "Index"),
+    Method<qbJoinTables, &qbJoinTables::Remove>("Remove", "Index"),
+};
+
+constexpr Member kJoinTable[] = {
+    Field<qbJoinTable, &qbJoinTable::LeftTable>("LeftTable"),
+    Field<qbJoinTable, &qbJoinTable::LeftField>("LeftField"),
+    Field<qbJoinTable, &qbJoinTable::RightTable>("RightTable"),
+    Field<qbJoinTable, &qbJoinTable::RightField>("RightField"),
+    Field<qbJoinTable, &qbJoinTable::JoinType>("JoinType"),
 };
 
 constexpr Member kParameters[] = {
@@ -48,6 +81,10 @@ constexpr Member kParameter[] = {
 
 const ClassInfo kClasses[] = {
     {"qbSQLPane", kPane, "", [] { return Ref<Object>(Pane::Create()); }},
+    {"qbJoins", kJoins, "Item", [] { return Ref<Object>(std::make_shared<qbJoins>()); }},
+    {"qbJoin", kJoin, "Caption"},
+    {"qbJoinTables", kJoinTables, "Item"},
+    {"qbJoinTable", kJoinTable, ""},
     {"qbParameters", kParameters, "Item", [] { return Ref<Object>(std::make_shared<qbParameters>(nullptr)); }},
     {"qbParameter", kParameter, ""},
 };

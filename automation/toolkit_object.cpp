@@ -49,18 +49,26 @@ class ScriptedDialogs final : public Dialogs {
     return shown.object->ConnectionString();
   }
 
-  // Scripts save, rename and put in values by members of their own: these are only recorded.
   std::string ShowSaveFile(const SaveFileDialog& dialog) override {
     Record("SaveFile", dialog.caption);
-    return {};
+    const Shown shown(std::make_shared<SaveFileDialogObject>(dialog));
+    owner_.SaveFile.Raise(shown.object);
+    return shown.object->FullPath();
   }
+
   std::optional<std::string> ShowTextPrompt(const TextDialog& dialog) override {
     Record("TextPrompt", dialog.caption);
-    return std::nullopt;
+    const Shown shown(std::make_shared<TextDialogObject>(dialog));
+    owner_.TextPrompt.Raise(shown.object);
+    if (!shown.object->Accepted() || !shown.object->Problem().empty()) return std::nullopt;
+    return shown.object->Text();
   }
+
   bool ShowParameters(ParametersDialog& dialog) override {
     Record("Parameters", dialog.caption);
-    return false;
+    const Shown shown(std::make_shared<ParametersDialogObject>(dialog));
+    owner_.Parameters.Raise(shown.object);
+    return shown.object->Accepted() && shown.object->Problem().empty();
   }
 
  private:
@@ -112,6 +120,54 @@ std::string JoinDialogObject::Warning() const {
   const JoinDialog& dialog = Shown();
   return dialog.warning ? dialog.warning(dialog.table1Checked, dialog.table2Checked) : std::string();
 }
+
+std::vector<std::string> SaveFileDialogObject::Extensions() const {
+  std::vector<std::string> extensions;
+  for (const FileKind& kind : Shown().kinds) extensions.push_back(kind.extension);
+  return extensions;
+}
+
+std::string SaveFileDialogObject::FullPath() const {
+  const std::string_view name = std::string_view(path_).substr(path_.find_last_of("/\\") + 1);
+  if (name.empty() || name.find('.') != std::string_view::npos || Shown().kinds.empty()) return path_;
+  return path_ + "." + Shown().kinds.front().extension;
+}
+
+std::vector<std::string> ParametersDialogObject::Prompts() const {
+  std::vector<std::string> prompts;
+  for (const ParameterField& field : Shown().fields) prompts.push_back(field.prompt);
+  return prompts;
+}
+
+std::vector<std::string> ParametersDialogObject::Types() const {
+  std::vector<std::string> types;
+  for (const ParameterField& field : Shown().fields) types.push_back(field.typeName);
+  return types;
+}
+
+std::string& ParametersDialogObject::Field(std::int32_t position) const {
+  std::vector<ParameterField>& fields = Shown().fields;
+  if (position < 1 || position > static_cast<std::int32_t>(fields.size())) ThrowNoSuchItem();
+  return fields[static_cast<std::size_t>(position - 1)].value;
+}
+
+std::string ParametersDialogObject::Problem() const {
+  const ParametersDialog& dialog = Shown();
+  for (std::size_t i = 0; i < dialog.fields.size() && dialog.problem; ++i) {
+    const std::string problem = dialog.problem(i, dialog.fields[i].value);
+    if (!problem.empty()) return dialog.fields[i].prompt + ": " + problem;
+  }
+  return {};
+}
+
+std::string ParametersDialogObject::Statement() const {
+  const ParametersDialog& dialog = Shown();
+  std::vector<std::string> values;
+  for (const ParameterField& field : dialog.fields) values.push_back(field.value);
+  return dialog.statement ? dialog.statement(values) : std::string();
+}
+
+std::string TextDialogObject::Problem() const { return Shown().problem ? Shown().problem(text_) : std::string(); }
 
 Ref<Image> ToolkitObject::CreateImage(std::int32_t width, std::int32_t height, const std::vector<Variant>& pixels) {
   const bool sane = width > 0 && height > 0 && width <= kLargestImage && height <= kLargestImage;

@@ -153,6 +153,76 @@ class ExpressionDialogObject final : public DialogObject<ExpressionDialog> {
   bool accepted_ = false;
 };
 
+/// Where to save a file.
+class SaveFileDialogObject final : public DialogObject<const SaveFileDialog> {
+ public:
+  using DialogObject::DialogObject;
+  std::string_view TypeName() const override { return "SaveFileDialog"; }
+  /// The title of the window.
+  const std::string& Caption() const { return Shown().caption; }
+  /// The name that is suggested, without an extension.
+  const std::string& FileName() const { return Shown().fileName; }
+  /// The extensions that can be chosen, without the dot; the first one is suggested.
+  std::vector<std::string> Extensions() const;
+  /// The answer; "" cancels. A name without an extension gets the suggested one.
+  const std::string& Path() const { return path_; }
+  void SetPath(std::string path) { path_ = std::move(path); }
+  /// The answer with its extension.
+  std::string FullPath() const;
+
+ private:
+  std::string path_;
+};
+
+/// A line of text to be typed. Accepted only when the handler says so, and when the text has no problem.
+class TextDialogObject final : public DialogObject<const TextDialog> {
+ public:
+  explicit TextDialogObject(const TextDialog& dialog) : DialogObject(dialog), text_(dialog.text) {}
+  std::string_view TypeName() const override { return "TextDialog"; }
+  /// The title of the window, and what stands before the text.
+  const std::string& Caption() const { return Shown().caption; }
+  const std::string& Label() const { return Shown().label; }
+  /// The text, which the answer may replace.
+  const std::string& Text() const { return text_; }
+  void SetText(std::string text) { text_ = std::move(text); }
+  /// Why the text cannot be taken as it is now; "" when it can.
+  std::string Problem() const;
+  /// Whether the answer counts; False at first.
+  bool Accepted() const { return accepted_; }
+  void SetAccepted(bool accepted) { accepted_ = accepted; }
+
+ private:
+  std::string text_;
+  bool accepted_ = false;
+};
+
+/// The values of a statement's parameters. Accepted only when the handler says so, and when no value has a problem.
+class ParametersDialogObject final : public DialogObject<ParametersDialog> {
+ public:
+  using DialogObject::DialogObject;
+  std::string_view TypeName() const override { return "ParametersDialog"; }
+  /// The title of the window.
+  const std::string& Caption() const { return Shown().caption; }
+  /// What is asked for, one text a value.
+  std::vector<std::string> Prompts() const;
+  /// What fits, in words, one text a value; "" where anything does.
+  std::vector<std::string> Types() const;
+  /// A value by its position from 1, which the answer may replace. Error 9 when there is none.
+  const std::string& Value(std::int32_t position) const { return Field(position); }
+  void SetValue(std::int32_t position, std::string value) { Field(position) = std::move(value); }
+  /// Why the values cannot be taken as they are now; "" when they can.
+  std::string Problem() const;
+  /// The statement with the values in place; those that cannot be taken leave their markers.
+  std::string Statement() const;
+  /// Whether the answer counts; False at first.
+  bool Accepted() const { return accepted_; }
+  void SetAccepted(bool accepted) { accepted_ = accepted; }
+
+ private:
+  std::string& Field(std::int32_t position) const;
+  bool accepted_ = false;
+};
+
 /// The toolkit as scripts see it.
 class ToolkitObject final : public Object {
  public:
@@ -168,6 +238,11 @@ class ToolkitObject final : public Object {
   Event<const Ref<ConnectionDialogObject>&> ConnectionPrompt;
   /// The window for a long expression: the dialog, which the handler answers.
   Event<const Ref<ExpressionDialogObject>&> Expression;
+  /// Where to save a file, and a line of text to be typed: the dialog, which the handler answers.
+  Event<const Ref<SaveFileDialogObject>&> SaveFile;
+  Event<const Ref<TextDialogObject>&> TextPrompt;
+  /// The values of a statement's parameters: the dialog, which the handler answers.
+  Event<const Ref<ParametersDialogObject>&> Parameters;
 
   /// A picture for icons: its size in pixels, at most 4,096 each, and the pixels row by row from the top, each
   /// 0xAARRGGBB. Error 40005 when the number of pixels is another.

@@ -32,9 +32,6 @@ namespace zrqrybld {
 /// The surface begins this far inside the pane, so that no box sticks to the edge of the window.
 inline constexpr Pixels kSurfaceMargin = 12_px;
 
-/// What `OLEDragOver` says a drag is doing.
-enum DragOverStateEnum : std::int32_t { DragEnter = 0, DragLeave = 1, DragOver = 2 };
-
 /// Whether a pane takes drops from outside.
 enum OLEDropModeEnum : std::int32_t { OLEDropNone = 0, OLEDropManual = 1 };
 

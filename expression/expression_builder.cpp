@@ -6,6 +6,7 @@
 #include "base/error.h"
 #include "base/text.h"
 #include "expression/schema_cache.h"
+#include "sql/query_snapshot.h"
 #include "sql/source_rules.h"
 
 namespace zrqrybld {
@@ -42,7 +43,8 @@ void frmExpressionBuilder::AddTables() {
 }
 
 void frmExpressionBuilder::AddWords() {
-  const Vocabulary words = ReadVocabulary(*Context());
+  Vocabulary words = ReadVocabulary(*Context());
+  AddMarkers(words, QueryMarkers(Context()->Snapshot()));
   const auto add = [this](std::string name, const std::vector<VocabularyWord>& entries, const auto& fits) {
     Group group{std::move(name), {}};
     for (const VocabularyWord& entry : entries) {

@@ -5,6 +5,8 @@
 
 #include "base/text.h"
 #include "expression/schema_cache.h"
+#include "sql/parameters.h"
+#include "sql/query_snapshot.h"
 #include "sql/source_rules.h"
 
 namespace zrqrybld {
@@ -28,7 +30,10 @@ Ref<qbIntelliList> qbIntelliList::Create(const Ref<QueryContext>& context, Edite
 }
 
 void qbIntelliList::Prepare() {
-  if (const Ref<QueryContext> context = context_.lock()) context->Schema()->Refresh();
+  const Ref<QueryContext> context = context_.lock();
+  if (!context) return;
+  context->Schema()->Refresh();
+  markers_ = QueryMarkers(context->Snapshot());
 }
 
 SuggestionList qbIntelliList::Ask(std::string_view text, std::size_t caret) {
@@ -36,7 +41,11 @@ SuggestionList qbIntelliList::Ask(std::string_view text, std::size_t caret) {
   if (!context) return {};
   const std::shared_ptr<SchemaCache> facts = context->Schema();
   facts->Refresh();
-  const Vocabulary words = ReadVocabulary(*context);
+  Vocabulary words = ReadVocabulary(*context);
+  AddMarkers(words, markers_);
+  // A marker that the caret stands in is not complete.
+  AddMarkers(words, ParameterMarkers(text.substr(0, caret)));
+  AddMarkers(words, ParameterMarkers(text.substr(caret)));
   const NameRules names = CurrentNameRules(*context);
   return Suggest({text, caret, kind_, *facts, words, names});
 }
@@ -49,7 +58,9 @@ void qbIntelliList::OnTyped(std::string_view text, std::size_t caret, bool inser
     Close();
     return;
   }
-  const bool select = !list.mayBeName || list.typed.size() >= kSureOfAWord;
+  // A condition may hold a value as it is typed, without quotes: nothing is taken there without being chosen.
+  const bool mayBeValue = kind_ == EditedText::Criterion && !list.member;
+  const bool select = !mayBeValue && (!list.mayBeName || list.typed.size() >= kSureOfAWord);
   Show(std::move(list), select ? 0 : -1);
 }
 
@@ -97,6 +108,12 @@ bool qbIntelliList::OnKeyDown(const KeyEvent& event) {
     default:
       return false;
   }
+}
+
+std::vector<ListEntry> qbIntelliList::Entries() const {
+  std::vector<ListEntry> entries;
+  for (const Suggestion& item : list_.items) entries.push_back({item.label, item.detail, item.kind});
+  return entries;
 }
 
 void qbIntelliList::Accept(std::ptrdiff_t index) {

@@ -56,6 +56,8 @@ class qbIntelliList final : public Object {
   /// Whether there is something to show, and what: the best first.
   bool IsOpen() const { return !list_.items.empty(); }
   const std::vector<Suggestion>& Items() const { return list_.items; }
+  /// The same as a toolkit's list shows it.
+  std::vector<ListEntry> Entries() const;
   /// The entry that stands out, from 0; -1 for none: Enter then belongs to the editor.
   std::ptrdiff_t Selected() const { return selected_; }
   /// Where the text begins that an entry replaces, in bytes: the list stands there.
@@ -69,6 +71,7 @@ class qbIntelliList final : public Object {
 
   WeakRef<QueryContext> context_;
   EditedText kind_;
+  std::vector<std::string> markers_;  // of the parameters that the query has
   SuggestionList list_;
   std::ptrdiff_t selected_ = -1;
 };

@@ -8,6 +8,8 @@
 #include "base/text.h"
 #include "diagram/source_names.h"
 #include "platform/schema_fields.h"
+#include "sql/parameters.h"
+#include "sql/query_snapshot.h"
 #include "sql/source_rules.h"
 
 namespace zrqrybld {
@@ -54,6 +56,27 @@ Vocabulary ReadVocabulary(const QueryContext& context) {
   }
   words.fullJoin = context.HasFullJoin();
   return words;
+}
+
+std::vector<std::string> QueryMarkers(const QuerySnapshot& query) {
+  std::vector<std::string> markers;
+  const auto take = [&markers](const std::string& text) {
+    for (std::string& marker : ParameterMarkers(text)) markers.push_back(std::move(marker));
+  };
+  for (const SnapshotRow& row : query.rows) {
+    take(row.column);
+    for (const std::string& criterion : row.criteria) take(criterion);
+  }
+  return markers;
+}
+
+void AddMarkers(Vocabulary& words, const std::vector<std::string>& markers) {
+  std::size_t place = 0;
+  for (const std::string& marker : markers) {
+    if (std::ranges::find(words.parameters, marker, &VocabularyWord::name) != words.parameters.end()) continue;
+    words.parameters.insert(words.parameters.begin() + static_cast<std::ptrdiff_t>(place++),
+                            {marker, marker, "In use", false, false});
+  }
 }
 
 // --- The source's tables ---

@@ -19,6 +19,12 @@ namespace zrqrybld {
 /// The words of the catalogs as they are now.
 Vocabulary ReadVocabulary(const QueryContext& context);
 
+/// The ?PARAM markers of a designed query, as they are written there.
+std::vector<std::string> QueryMarkers(const QuerySnapshot& query);
+
+/// Puts parameters that are in use before the marker's pattern, each once.
+void AddMarkers(Vocabulary& words, const std::vector<std::string>& markers);
+
 class SchemaCache final : public SourceFacts {
  public:
   /// The context must outlive the cache.

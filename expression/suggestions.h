@@ -12,11 +12,12 @@
 #include "expression/caret_scope.h"
 #include "expression/source_facts.h"
 #include "expression/vocabulary.h"
+#include "platform/list_entry.h"
 #include "sql/names.h"
 
 namespace zrqrybld {
 
-enum class SuggestionKind : std::uint8_t { Column, ColumnPair, Table, View, Function, Operator, Keyword, Parameter };
+using SuggestionKind = EntryKind;
 
 struct Suggestion {
   SuggestionKind kind = SuggestionKind::Keyword;

@@ -235,7 +235,14 @@ void qbGridPane::Complain(zrGridRow& row, std::int32_t column, const std::string
   context->GetToolkit().GetDialogs().ShowMessageSoon(text, icon);
 }
 
-// --- Larger editors ---
+// --- Predictive text and larger editors ---
+
+// Nothing for cells that hold names and choices.
+Ref<qbIntelliList> qbGridPane::SuggestionsFor(const WeakRef<QueryContext>& link, std::int32_t column) {
+  const Ref<QueryContext> context = link.lock();
+  if (!context || (column != kColumnColumn && column < kColumnCriteria)) return nullptr;
+  return qbIntelliList::Create(context, column == kColumnColumn ? EditedText::Expression : EditedText::Criterion);
+}
 
 void qbGridPane::EditInWindow(bool builder) {
   const Ref<QueryContext> context = context_.lock();

@@ -25,6 +25,7 @@ Ref<zrGrid> zrGrid::Create() {
 }
 
 zrGrid::~zrGrid() {
+  suggestions_.reset();
   if (cboList_) cboList_->AttachSurface(nullptr);
   columns_->Detach();
   rows_->Detach();

@@ -15,6 +15,7 @@
 
 #include "base/event.h"
 #include "base/object.h"
+#include "grid/cell_suggestions.h"
 #include "grid/columns.h"
 #include "grid/grid_layout.h"
 #include "grid/rows.h"
@@ -37,8 +38,8 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   // --- Events ---
 
   /// A text is dragged over the grid: the text, the effect (which a listener sets to allow the drop), `MouseButton` and
-  /// `ShiftMask` bits, the place in pixels.
-  Event<const std::string&, std::int32_t&, std::int32_t, std::int32_t, float, float> OLEDragOver;
+  /// `ShiftMask` bits, the place in pixels, a `DragOverStateEnum`.
+  Event<const std::string&, std::int32_t&, std::int32_t, std::int32_t, float, float, std::int32_t> OLEDragOver;
   /// A text is dropped on the grid.
   Event<const std::string&, std::int32_t&, std::int32_t, std::int32_t, float, float> OLEDragDrop;
 
@@ -137,6 +138,10 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   std::string CellText(std::size_t row, std::size_t column) const;
 
   // --- Editing, rows and clipboard ---
+
+  /// What helps with the text of a cell that is about to be edited, by its column; nothing for none.
+  using SuggestionSource = std::function<Ref<qbIntelliList>(std::int32_t column)>;
+  void SetSuggestionSource(SuggestionSource source) { suggestionSource_ = std::move(source); }
 
   /// Opens the editor of the current cell. False when it has none: no current cell, a check box, a locked row.
   bool EditCell() { return OpenEditor(); }
@@ -259,6 +264,7 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   void PasteLine(zrGridRow& row, std::size_t firstColumn, const std::vector<std::string>& line);
   void PasteCell(zrGridRow& row, std::size_t column, const std::string& text);
   bool OpenEditor(const std::string* typed = nullptr);
+  void Suggest();
   void ShowTextBox();
   void ShowCombo();
   void PlaceEditor();
@@ -293,8 +299,10 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   std::size_t currentColumn_ = 0;
   WeakRef<Object> current_;  // the current row: it stays current when rows before it come and go
   RowRange selection_;
-  std::size_t anchor_ = 0;       // the row from which the selection is extended
-  std::size_t dropRow_ = 0;      // where a drop would insert: before this row; 0 while nothing is dragged over
+  std::size_t anchor_ = 0;              // the row from which the selection is extended
+  std::size_t dropRow_ = 0;             // where a drop would insert: before this row; 0 while nothing is dragged over
+  std::optional<std::string> dragged_;  // what is dragged over the grid, and where it was last
+  PixelPoint dragPlace_{};
   std::size_t hoverHeader_ = 0;  // the column whose header is under the pointer
   Gesture gesture_;
   std::optional<EditSession> edit_;
@@ -302,6 +310,8 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   std::vector<EventConnection> txtLinks_;
   Ref<zrSimpleCombo> cboList_;  // made on first use
   std::vector<EventConnection> cboLinks_;
+  SuggestionSource suggestionSource_;
+  std::unique_ptr<CellSuggestions> suggestions_;  // of the edit, when there are any
   // What the checked header of a column shows, as counted last; nothing when a cell has changed since.
   mutable std::optional<std::pair<std::size_t, CheckState>> headerState_;
   ScrollState horizontal_;

@@ -15,8 +15,9 @@ TextEditor& zrGrid::TextBox() {
   if (txtText_) return *txtText_;
   txtText_ = GetSurface().MakeTextEditor();
   txtText_->SetFont(font_);
-  txtLinks_.push_back(
-      txtText_->KeyDown.Connect([this](const KeyEvent& key, bool& kept) { kept = kept || EditorKey(key); }));
+  txtLinks_.push_back(txtText_->KeyDown.Connect([this](const KeyEvent& key, bool& kept) {
+    kept = kept || (suggestions_ && suggestions_->OnKeyDown(key)) || EditorKey(key);
+  }));
   txtLinks_.push_back(txtText_->FocusLost.Connect([this] { CommitEdit(); }));
   txtLinks_.push_back(txtText_->DblClick.Connect([this] { DblClick.Raise(); }));
   return *txtText_;
@@ -30,11 +31,15 @@ zrSimpleCombo& zrGrid::Combo() {
   cboLinks_.push_back(cboList_->KeyDown.Connect([this](std::int32_t& keyCode, std::int32_t shift) {
     if (EditorKey({keyCode, shift})) keyCode = 0;
   }));
+  cboLinks_.push_back(cboList_->KeyOffered.Connect(
+      [this](const KeyEvent& key, bool& kept) { kept = kept || (suggestions_ && suggestions_->OnKeyDown(key)); }));
   cboLinks_.push_back(cboList_->FocusLost.Connect([this] { CommitEdit(); }));
   cboLinks_.push_back(cboList_->Picked.Connect([this] { CommitEdit(); }));
   cboLinks_.push_back(cboList_->DblClick.Connect([this] { DblClick.Raise(); }));
-  cboLinks_.push_back(
-      cboList_->BeforeDropDown.Connect([this](bool& cancel) { BeforeDropDown.Raise(Row(), Column(), cancel); }));
+  cboLinks_.push_back(cboList_->BeforeDropDown.Connect([this](bool& cancel) {
+    BeforeDropDown.Raise(Row(), Column(), cancel);
+    if (!cancel && suggestions_) suggestions_->Close();
+  }));
   return *cboList_;
 }
 
@@ -54,13 +59,37 @@ bool zrGrid::OpenEditor(const std::string* typed) {
   edit_ = EditSession{row, column, CellText(currentRow_, currentColumn_), isCombo};
   if (isCombo) {
     ShowCombo();
-    if (typed && edit_) cboList_->TypeOver(*typed);
   } else {
     ShowTextBox();
-    if (typed && edit_) txtText_->SetSelText(*typed);
+  }
+  if (edit_) Suggest();
+  if (typed && edit_) {
+    if (suggestions_) suggestions_->OnKeyDown({0, ShiftNone, *typed});
+    if (isCombo) {
+      cboList_->TypeOver(*typed);
+    } else {
+      txtText_->SetSelText(*typed);
+    }
   }
   Redraw();
   return true;
+}
+
+// A cell whose text can only be chosen needs no help with it.
+void zrGrid::Suggest() {
+  const bool isList = edit_->column->Style() == GridColumnComboList;
+  const Ref<qbIntelliList> list = suggestionSource_ && !isList ? suggestionSource_(Column()) : nullptr;
+  if (edit_->isCombo) cboList_->SetAssisted(list != nullptr);
+  if (!list) return;
+  const bool isCombo = edit_->isCombo;
+  suggestions_ = std::make_unique<CellSuggestions>(
+      CellSuggestions::Cell{GetSurface(), isCombo ? cboList_->TextBox() : TextBox(), font_,
+                            [this, isCombo] { return isCombo && cboList_->IsListOpen(); },
+                            [this, isCombo] {
+                              if (isCombo) cboList_->CloseList();
+                            }},
+      list);
+  PlaceEditor();
 }
 
 void zrGrid::ShowTextBox() {
@@ -94,10 +123,12 @@ void zrGrid::PlaceEditor() {
   } else {
     txtText_->SetBounds(inside);
   }
+  if (suggestions_) suggestions_->SetBounds(cell);
 }
 
 // Gives the keyboard back to the grid, unless it has gone elsewhere already.
 void zrGrid::CloseEditor() {
+  suggestions_.reset();
   const bool hasFocus = (txtText_ && txtText_->HasFocus()) || (cboList_ && cboList_->HasFocus());
   if (hasFocus) GetSurface().SetFocus();
   if (txtText_) txtText_->SetVisible(false);

@@ -221,8 +221,11 @@ void zrGrid::OnWheel(const WheelEvent& event) {
 
 bool zrGrid::OnDragOver(const std::string& text, const MouseEvent& event) {
   std::int32_t effect = 0;
+  const DragOverStateEnum state = dragged_ ? DragOver : DragEnter;
+  dragged_ = text;
+  dragPlace_ = event.position;
   OLEDragOver.Raise(text, effect, event.button, event.shift, static_cast<float>(event.position.x.Value()),
-                    static_cast<float>(event.position.y.Value()));
+                    static_cast<float>(event.position.y.Value()), state);
   dropRow_ = effect != 0 ? Layout().HitTest({1_px, event.position.y}).row : 0;
   Redraw();
   return effect != 0;
@@ -231,9 +234,15 @@ bool zrGrid::OnDragOver(const std::string& text, const MouseEvent& event) {
 void zrGrid::OnDragLeave() {
   dropRow_ = 0;
   Redraw();
+  const std::optional<std::string> text = std::exchange(dragged_, std::nullopt);
+  if (!text) return;
+  std::int32_t effect = 0;
+  OLEDragOver.Raise(*text, effect, ButtonNone, ShiftNone, static_cast<float>(dragPlace_.x.Value()),
+                    static_cast<float>(dragPlace_.y.Value()), DragLeave);
 }
 
 void zrGrid::OnDrop(const std::string& text, const MouseEvent& event) {
+  dragged_.reset();
   OnDragLeave();
   CommitEdit();
   std::int32_t effect = 1;

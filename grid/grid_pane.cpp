@@ -69,7 +69,7 @@ void qbGridPane::ConnectGrid() {
   });
   listen(grid.RowsShifted, [this](std::int32_t from) { emptyFrom_ = std::min(emptyFrom_, from); });
   listen(grid.Batch, [this](GridWork kind, bool begins) { BatchChanged(kind, begins); });
-  listen(grid.OLEDragOver, [](const std::string& text, std::int32_t& effect, std::int32_t, std::int32_t, float, float) {
+  listen(grid.OLEDragOver, [](const std::string& text, std::int32_t& effect, auto&&...) {
     if (IsFieldText(text)) effect = 1;
   });
   listen(grid.OLEDragDrop,
@@ -87,6 +87,8 @@ void qbGridPane::ConnectGrid() {
 
 void qbGridPane::SetContext(const Ref<QueryContext>& context) {
   context_ = context;
+  // The grid may live longer than the pane: it knows the context only.
+  grdPane_->SetSuggestionSource([link = context_](std::int32_t column) { return SuggestionsFor(link, column); });
   if (!context) return;
   ApplyGridCaptions();
   ApplyAliasMaxLen();

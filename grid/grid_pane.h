@@ -255,6 +255,7 @@ class qbGridPane final : public Object {
   CriteriaContext CriteriaRules(const QueryContext& context, const zrGridRow& row) const;
   void CriterionEdited(zrGridRow& row, std::int32_t column);
   void Complain(zrGridRow& row, std::int32_t column, const std::string& text, MessageIcon icon);
+  static Ref<qbIntelliList> SuggestionsFor(const WeakRef<QueryContext>& link, std::int32_t column);
   void EditInWindow(bool builder);
   void SetCellAsEdit(std::int32_t row, std::int32_t column, const std::string& text);
   void BatchChanged(GridWork kind, bool begins);

@@ -71,7 +71,13 @@ void zrSimpleCombo::TextChanged() {
   const std::string text = Text();
   const auto found = std::ranges::find(items_, text);
   listIndex_ = found == items_.end() ? -1 : static_cast<std::int32_t>(found - items_.begin());
-  if (!setting_ && visible_) ShowMatches(text, false);
+  if (!setting_ && visible_) {
+    if (assisted_ && !AnyBeginsWith(text)) {
+      CloseList();
+    } else {
+      ShowMatches(text, false);
+    }
+  }
   Change.Raise();
 }
 
@@ -192,6 +198,9 @@ bool zrSimpleCombo::OnKeyDown(const KeyEvent& event) {
 
 // Returns whether the key is kept from the text box.
 bool zrSimpleCombo::TextBoxKey(const KeyEvent& event) {
+  bool kept = false;
+  KeyOffered.Raise(event, kept);
+  if (kept) return true;
   const bool plain = event.shift == ShiftNone;
   const bool opens = (plain && event.keyCode == KeyCodeF4) ||
                      (event.shift == ShiftAlt && (event.keyCode == KeyCodeDown || event.keyCode == KeyCodeUp));
@@ -263,14 +272,14 @@ void zrSimpleCombo::ShowMatches(std::string_view filter, bool highlightFirst) {
     }
   }
   const std::string wanted = FoldCase(filter);
-  std::vector<std::string> texts;
+  std::vector<ListEntry> texts;
   shown_.clear();
   std::int32_t highlighted = -1;
   for (std::size_t i = 0; i < items_.size(); ++i) {
     if (!wanted.empty() && FoldCase(items_[i]).find(wanted) == std::string::npos) continue;
     if (static_cast<std::int32_t>(i) == listIndex_) highlighted = static_cast<std::int32_t>(texts.size());
     shown_.push_back(static_cast<std::int32_t>(i));
-    texts.push_back(items_[i]);
+    texts.push_back({items_[i]});
   }
   if (texts.empty()) {
     CloseList();
@@ -280,7 +289,15 @@ void zrSimpleCombo::ShowMatches(std::string_view filter, bool highlightFirst) {
     cboList_ = GetSurface().MakePopupList();
     links_.push_back(cboList_->Chosen.Connect([this](std::int32_t index) { Pick(index); }));
   }
-  cboList_->Open(Bounds(), texts, highlightFirst ? 0 : highlighted);
+  cboList_->Open(Bounds(), std::move(texts), highlightFirst ? 0 : highlighted);
+}
+
+bool zrSimpleCombo::AnyBeginsWith(std::string_view text) const {
+  const std::string wanted = FoldCase(text);
+  return std::ranges::any_of(items_, [&wanted](const std::string& item) {
+    const std::string folded = FoldCase(item);
+    return folded.starts_with(wanted) || folded.substr(folded.rfind('.') + 1).starts_with(wanted);
+  });
 }
 
 void zrSimpleCombo::CloseList() {

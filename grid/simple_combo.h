@@ -86,6 +86,8 @@ class zrSimpleCombo final : public Control {
 
   // --- For the control whose cells it edits ---
 
+  /// A key in the text box, before the combo acts on it; the last argument set to true keeps it from both.
+  Event<const KeyEvent&, bool&> KeyOffered;
   /// The user has taken an item of the open list, be it the one that was chosen before.
   Event<> Picked;
   /// The keyboard has left the text box.
@@ -100,6 +102,11 @@ class zrSimpleCombo final : public Control {
   /// Whether it or its text box has the keyboard; a hidden text box leaves it to the owner of the surface.
   bool HasFocus() const { return txtCombo_ && txtCombo_->HasFocus(); }
   bool IsListOpen() const { return cboList_ && cboList_->IsOpen(); }
+  void CloseList();
+  /// Whether something else helps with what is typed: the list then opens by itself only while an item, or the last
+  /// name in it, begins with the text. False at first.
+  void SetAssisted(bool assisted) { assisted_ = assisted; }
+  TextEditor& TextBox();
   /// Types into the text box as a user would who has selected all of it.
   void TypeOver(const std::string& text);
 
@@ -115,7 +122,6 @@ class zrSimpleCombo final : public Control {
  private:
   zrSimpleCombo() = default;
 
-  TextEditor& TextBox();
   PixelRect ButtonRect() const;
   void PlaceTextBox();
   void TextChanged();
@@ -124,7 +130,7 @@ class zrSimpleCombo final : public Control {
   void ToggleList();
   void OpenList();
   void ShowMatches(std::string_view filter, bool highlightFirst);
-  void CloseList();
+  bool AnyBeginsWith(std::string_view text) const;
   void Choose(std::int32_t index);
   void Pick(std::int32_t shownIndex);
   bool StepInList(std::int32_t by);
@@ -142,6 +148,7 @@ class zrSimpleCombo final : public Control {
   PixelRect bounds_{};
   std::int32_t maxLength_ = 0;
   bool hideEdit_ = false;
+  bool assisted_ = false;
   bool visible_ = false;
   bool pressed_ = false;
   bool choosing_ = false;  // a choice is being copied into the text box

@@ -115,6 +115,11 @@ std::optional<std::vector<ParameterValue>> AskParameters(qbQueryBuilder& hub, st
   return ParameterForm(hub, sql).Ask();
 }
 
+std::string qbQueryBuilder::AskParameters(const std::string& sql) {
+  const auto values = zrqrybld::AskParameters(*this, sql);
+  return values ? PutInLiterals(sql, *values, LiteralRulesOf(*this)) : std::string();
+}
+
 LiteralRules LiteralRulesOf(const qbQueryBuilder& hub) {
   LiteralRules rules;
   if (const Ref<qbGridPane> grid = hub.GridPane()) {

@@ -193,6 +193,10 @@ class qbQueryBuilder final : public QueryContext {
   /// The name as it stands in SQL text: in quotes when it needs them.
   std::string QuoteIdentifier(const std::string& name) const;
 
+  /// The statement with a value in the place of every ?PARAM marker, as literals of the dialect: the user is asked for
+  /// them in one dialog. "" when it is cancelled; errors as for `zrqrybld::AskParameters`.
+  std::string AskParameters(const std::string& sql);
+
   /// The values that were given for parameters last, by name or prompt, case-folded; see hub/parameter_form.h.
   std::unordered_map<std::string, std::string>& RememberedValues() { return rememberedValues_; }
 

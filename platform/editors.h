@@ -12,6 +12,7 @@
 #include "base/event.h"
 #include "platform/font.h"
 #include "platform/input.h"
+#include "platform/list_entry.h"
 
 namespace zrqrybld {
 
@@ -110,8 +111,8 @@ class PopupList {
   PopupList& operator=(const PopupList&) = delete;
   virtual ~PopupList() = default;
 
-  /// Opens below the rectangle (above it where there is no room), or shows other texts while it is open.
-  virtual void Open(const PixelRect& owner, const std::vector<std::string>& texts, std::int32_t highlighted) = 0;
+  /// Opens below the rectangle (above it where there is no room), or shows other entries while it is open.
+  virtual void Open(const PixelRect& owner, std::vector<ListEntry> entries, std::int32_t highlighted) = 0;
   virtual void Close() = 0;
   virtual bool IsOpen() const = 0;
   /// The text that stands out, which Enter would take.

@@ -78,9 +78,10 @@ class HeadlessTextEditor final : public TextEditor {
 /// A list without a window.
 class HeadlessPopupList final : public PopupList {
  public:
-  void Open(const PixelRect& owner, const std::vector<std::string>& texts, std::int32_t highlighted) override {
+  void Open(const PixelRect& owner, std::vector<ListEntry> entries, std::int32_t highlighted) override {
     owner_ = owner;
-    texts_ = texts;
+    texts_.clear();
+    for (ListEntry& entry : entries) texts_.push_back(std::move(entry.text));
     highlighted_ = highlighted;
     open_ = true;
   }

@@ -34,8 +34,11 @@ class ImageList final : public Object {
  public:
   std::string_view TypeName() const override { return "ImageList"; }
 
-  /// Adds a picture at the end. Error 457 when the key is in use.
-  void Add(Ref<Image> image, const std::string& key = {}) { images_.Insert(std::move(image), key); }
+  /// Adds a picture at the end. Error 457 when the key is in use, 91 for nothing.
+  void Add(Ref<Image> image, const std::string& key = {}) {
+    if (!image) throw Error(ErrorObjectRemoved, "A picture is wanted, nothing is given.");
+    images_.Insert(std::move(image), key);
+  }
   /// How many there are; positions run from 1 to it.
   std::int32_t Count() const { return static_cast<std::int32_t>(images_.Count()); }
   /// The picture at a position from 1 or under a key, or nothing.

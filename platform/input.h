@@ -14,6 +14,9 @@ enum MouseButton : std::int32_t { ButtonNone = 0, ButtonLeft = 1, ButtonRight = 
 /// Modifier keys held, as bits.
 enum ShiftMask : std::int32_t { ShiftNone = 0, ShiftShift = 1, ShiftCtrl = 2, ShiftAlt = 4 };
 
+/// What a control says that a drag over it is doing.
+enum DragOverStateEnum : std::int32_t { DragEnter = 0, DragLeave = 1, DragOver = 2 };
+
 /// A button going down or up, a double click, or the pointer moving.
 struct MouseEvent {
   std::int32_t button = ButtonNone;  ///< the button that went down or up; all held ones while moving

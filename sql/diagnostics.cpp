@@ -61,16 +61,16 @@ class Diagnosis {
   // --- Tables and joins ---
 
   void Tables() {
-    const bool nested = dialect_.fromParentheses == Dialect::FromParentheses::Nested && generated_.joins.Count() > 2;
-    for (const qbJoin& entry : generated_.joins) {
-      const bool first = &entry == &*generated_.joins.begin();
-      if (entry.JoinTables().Empty() && !first) {
-        Say(DiagnosticTableNotJoined, entry.Caption(),
+    const bool nested = dialect_.fromParentheses == Dialect::FromParentheses::Nested && generated_.joins->Count() > 2;
+    for (const Ref<qbJoin>& entry : *generated_.joins) {
+      const bool first = entry == *generated_.joins->begin();
+      if (entry->JoinTables()->Empty() && !first) {
+        Say(DiagnosticTableNotJoined, entry->Caption(),
             " is joined to no table before it: each of its rows meets all others.");
-        if (nested) Say(DiagnosticParentheses, entry.Caption(), " stands behind parentheses that are never closed.");
+        if (nested) Say(DiagnosticParentheses, entry->Caption(), " stands behind parentheses that are never closed.");
       }
-      if (HasMixedKinds(entry)) {
-        Say(DiagnosticMixedJoins, entry.Caption(), " has joins of several kinds, which one statement cannot say.");
+      if (HasMixedKinds(*entry)) {
+        Say(DiagnosticMixedJoins, entry->Caption(), " has joins of several kinds, which one statement cannot say.");
       }
     }
   }
@@ -80,8 +80,8 @@ class Diagnosis {
   bool HasMixedKinds(const qbJoin& entry) const {
     const bool clauses = dialect_.joins == Dialect::Joins::Clauses;
     std::unordered_map<std::string_view, JoinTypeEnum> kinds;
-    for (std::size_t i = 1; i <= static_cast<std::size_t>(entry.JoinTables().Count()); ++i) {
-      const qbJoinTable& condition = entry.JoinTables().At(i);
+    for (std::size_t i = 1; i <= static_cast<std::size_t>(entry.JoinTables()->Count()); ++i) {
+      const qbJoinTable& condition = entry.JoinTables()->At(i);
       const std::string_view key = clauses ? std::string_view() : std::string_view(condition.RightTable);
       if (kinds.emplace(key, condition.JoinType).first->second != condition.JoinType) return true;
     }
@@ -213,9 +213,9 @@ class Diagnosis {
     for (std::size_t table = 0; table < query_.tables.size(); ++table) positions.emplace(CaptionOf(table), table);
     std::vector<bool> optional(query_.tables.size());
     std::vector<std::size_t> earlier;  // not optional yet
-    for (const qbJoin& entry : generated_.joins) {
-      const std::size_t table = positions.at(entry.Caption());
-      const JoinTypeEnum type = entry.JoinTables().Empty() ? JoinInner : entry.JoinTables().At(1).JoinType;
+    for (const Ref<qbJoin>& entry : *generated_.joins) {
+      const std::size_t table = positions.at(entry->Caption());
+      const JoinTypeEnum type = entry->JoinTables()->Empty() ? JoinInner : entry->JoinTables()->At(1).JoinType;
       if (type == JoinAllOfThis || (type == JoinAllOfBoth && dialect_.hasFullJoin)) {
         for (const std::size_t before : earlier) optional[before] = true;
         earlier.clear();
@@ -238,7 +238,8 @@ class Diagnosis {
     }
     if (dialect_.limit != Dialect::Limit::Condition) return;
     if (!sorted_.empty()) Say(DiagnosticLimitWritten, query_.top, ": the rows are counted before they are sorted.");
-    const bool joined = std::ranges::any_of(generated_.joins, [](const qbJoin& e) { return !e.JoinTables().Empty(); });
+    const bool joined =
+        std::ranges::any_of(*generated_.joins, [](const Ref<qbJoin>& e) { return !e->JoinTables()->Empty(); });
     const bool alternatives = std::ranges::any_of(query_.rows, [](const SnapshotRow& row) {
       return !row.column.empty() && !row.ChoosesGroups() && row.criteria.size() > 1;
     });

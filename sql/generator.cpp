@@ -95,10 +95,10 @@ class Generator {
   }
 
   void WriteJoinConditions() {
-    for (const qbJoin& entry : result_.joins) {
-      const qbJoinTables& conditions = entry.JoinTables();
+    for (const Ref<qbJoin>& entry : *result_.joins) {
+      const qbJoinTables& conditions = *entry->JoinTables();
       if (conditions.Empty()) {
-        NoteUnjoined(entry);
+        NoteUnjoined(*entry);
         continue;
       }
       joinConditions_ += joinConditions_.empty() ? "" : " AND ";
@@ -110,34 +110,34 @@ class Generator {
   }
 
   void WriteJoinClauses() {
-    const qbJoins& joins = result_.joins;
-    for (const qbJoin& entry : joins) {
-      const qbJoinTables& conditions = entry.JoinTables();
+    const qbJoins& joins = *result_.joins;
+    for (const Ref<qbJoin>& entry : joins) {
+      const qbJoinTables& conditions = *entry->JoinTables();
       if (conditions.Empty()) {
-        NoteUnjoined(entry);
-        WriteUnjoinedTable(entry);
+        NoteUnjoined(*entry);
+        WriteUnjoinedTable(*entry);
         continue;
       }
       from_ += kItem;
       from_ += dialect_.joinWords[conditions.At(1).JoinType];
       from_ += "JOIN ";
-      from_ += FromTerm(positions_.at(entry.Caption()));
+      from_ += FromTerm(positions_.at(entry->Caption()));
       from_ += " ON ";
       AppendConditions(from_, conditions, kAnd);
-      const bool last = &entry == &*std::prev(joins.end());
+      const bool last = entry == *std::prev(joins.end());
       if (dialect_.fromParentheses == Dialect::FromParentheses::Nested && !last) from_ += ')';
     }
     if (dialect_.fromParentheses == Dialect::FromParentheses::Whole && !from_.empty()) from_ += dialect_.close;
   }
 
   void NoteUnjoined(const qbJoin& entry) {
-    if (&entry != &*result_.joins.begin()) result_.cartesian = true;
+    if (&entry != result_.joins->begin()->get()) result_.cartesian = true;
   }
 
   // Every table without a condition opens the parentheses anew, not only the first.
   void WriteUnjoinedTable(const qbJoin& entry) {
     const bool first = from_.empty();
-    const auto count = static_cast<std::size_t>(result_.joins.Count());
+    const auto count = static_cast<std::size_t>(result_.joins->Count());
     if (!first) from_ += dialect_.fromSeparator;
     from_ += kItem;
     if (first && dialect_.fromParentheses == Dialect::FromParentheses::Whole) from_ += dialect_.open;

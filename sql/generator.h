@@ -24,8 +24,8 @@ struct GeneratedSql {
   std::string text;
   /// Whether some table other than the first is joined to none before it.
   bool cartesian = false;
-  /// The tables as they stand in FROM.
-  qbJoins joins;
+  /// The tables as they stand in FROM; never nothing.
+  Ref<qbJoins> joins;
   std::vector<UnreadableCriterion> unreadable;
 };
 

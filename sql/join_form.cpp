@@ -178,10 +178,10 @@ std::vector<Entry> EntriesOf(const QuerySnapshot& query, std::span<const std::si
   std::unordered_map<std::string_view, std::size_t> positions;
   for (std::size_t i = 0; i < query.tables.size(); ++i) positions.emplace(query.tables[i].caption.Name(), i);
   std::vector<Entry> entries;
-  const qbJoins joins = BuildJoinList(Arranged(query, order));
-  for (const qbJoin& join : joins) {
-    Entry& entry = entries.emplace_back(Entry{positions.at(join.Caption()), {}, {}});
-    const qbJoinTables& conditions = join.JoinTables();
+  const Ref<qbJoins> joins = BuildJoinList(Arranged(query, order));
+  for (const Ref<qbJoin>& join : *joins) {
+    Entry& entry = entries.emplace_back(Entry{positions.at(join->Caption()), {}, {}});
+    const qbJoinTables& conditions = *join->JoinTables();
     for (std::size_t i = 1; i <= static_cast<std::size_t>(conditions.Count()); ++i) {
       const qbJoinTable& c = conditions.At(i);
       entry.conditions.push_back({positions.at(c.LeftTable), c.LeftField, positions.at(c.RightTable), c.RightField});

@@ -37,7 +37,7 @@ class Walk {
   };
 
   void Place(std::size_t table, std::string_view after) {
-    entries_[table] = &joins_.Add(query_.tables[table].caption.Name(), {}, after);
+    entries_[table] = joins_.Add(query_.tables[table].caption.Name(), {}, after).get();
   }
 
   void Follow(std::size_t start) {
@@ -85,11 +85,11 @@ JoinTypeEnum TypeSeenFrom(const SnapshotJoin& join, bool fromTarget) {
 
 bool IsUsable(const SnapshotJoin& join) { return join.sourceColumn && join.targetColumn && join.source != join.target; }
 
-qbJoins BuildJoinList(const QuerySnapshot& query) {
-  qbJoins joins;
-  const Walk walk(query, joins);
+Ref<qbJoins> BuildJoinList(const QuerySnapshot& query) {
+  const Ref<qbJoins> joins = std::make_shared<qbJoins>();
+  const Walk walk(query, *joins);
   std::unordered_map<const qbJoin*, std::size_t> places;
-  for (const qbJoin& entry : joins) places.emplace(&entry, places.size());
+  for (const Ref<qbJoin>& entry : *joins) places.emplace(entry.get(), places.size());
 
   for (const std::size_t j : walk.Met()) {
     const SnapshotJoin& join = query.joins[j];
@@ -98,12 +98,12 @@ qbJoins BuildJoinList(const QuerySnapshot& query) {
     const bool fromTarget = places.at(&target) > places.at(&source);
     qbJoin& later = fromTarget ? target : source;
     const qbJoin& earlier = fromTarget ? source : target;
-    qbJoinTables& conditions = later.JoinTables();
+    qbJoinTables& conditions = *later.JoinTables();
     const std::int32_t before = conditions.Count();
-    qbJoinTable& condition =
+    const Ref<qbJoinTable> condition =
         conditions.Add(later.Caption(), (fromTarget ? join.targetColumn : join.sourceColumn)->Name(), earlier.Caption(),
                        (fromTarget ? join.sourceColumn : join.targetColumn)->Name());
-    if (conditions.Count() > before) condition.JoinType = TypeSeenFrom(join, fromTarget);  // the first one counts
+    if (conditions.Count() > before) condition->JoinType = TypeSeenFrom(join, fromTarget);  // the first one counts
   }
   return joins;
 }

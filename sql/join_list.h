@@ -13,6 +13,6 @@ bool IsUsable(const SnapshotJoin& join);
 /// Orders all tables. Each table's joins are followed depth first, its own before those that end at
 /// it, and a table that is met is placed immediately behind the one it was met from. Incomplete
 /// joins and joins from a table to itself connect nothing. Takes time in the number of tables and joins.
-qbJoins BuildJoinList(const QuerySnapshot& query);
+Ref<qbJoins> BuildJoinList(const QuerySnapshot& query);
 
 }  // namespace zrqrybld

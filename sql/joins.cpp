@@ -9,14 +9,16 @@ namespace zrqrybld {
 
 // --- Conditions ---
 
-qbJoinTable& qbJoinTables::Add(std::string leftTable, std::string leftField, std::string rightTable,
-                               std::string rightField) {
+Ref<qbJoinTable> qbJoinTables::Add(std::string leftTable, std::string leftField, std::string rightTable,
+                                   std::string rightField) {
   const std::string key = "[" + leftTable + "].[" + leftField + "] = [" + rightTable + "].[" + rightField + "]";
   if (items_.HasExactly(key)) return *items_.Find(key);
-  return items_.Insert({std::move(leftTable), std::move(leftField), std::move(rightTable), std::move(rightField)}, key);
+  return items_.Insert(std::make_shared<qbJoinTable>(std::move(leftTable), std::move(leftField), std::move(rightTable),
+                                                     std::move(rightField)),
+                       key);
 }
 
-const qbJoinTable& qbJoinTables::Item(const Variant& index) const { return *items_.At(RequirePosition(items_, index)); }
+Ref<qbJoinTable> qbJoinTables::Item(const Variant& index) const { return *items_.At(RequirePosition(items_, index)); }
 
 void qbJoinTables::Remove(const Variant& index) { items_.RemoveAt(RequirePosition(items_, index)); }
 
@@ -33,7 +35,7 @@ qbJoins::Place qbJoins::Require(const Variant& index) {
   ThrowNoSuchItem();
 }
 
-qbJoin& qbJoins::Add(const std::string& caption, std::string_view before, std::string_view after) {
+Ref<qbJoin> qbJoins::Add(const std::string& caption, std::string_view before, std::string_view after) {
   Place place = items_.end();
   if (!before.empty()) {
     place = Require(std::string(before));
@@ -42,8 +44,8 @@ qbJoin& qbJoins::Add(const std::string& caption, std::string_view before, std::s
   }
   const auto known = places_.find(caption);
   if (known == places_.end()) {
-    place = items_.emplace(place, caption);
-    places_.emplace(place->Caption(), place);
+    place = items_.insert(place, std::make_shared<qbJoin>(caption));
+    places_.emplace((*place)->Caption(), place);
     return *place;
   }
   const bool moves = (!before.empty() || !after.empty()) && place != known->second;
@@ -58,7 +60,7 @@ void qbJoins::Clear() {
 
 void qbJoins::Remove(const Variant& index) {
   const Place place = Require(index);
-  places_.erase(place->Caption());
+  places_.erase((*place)->Caption());
   items_.erase(place);
 }
 

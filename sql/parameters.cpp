@@ -1,6 +1,8 @@
 #include "sql/parameters.h"
 
 #include <charconv>
+#include <optional>
+#include <unordered_set>
 
 #include "base/error.h"
 #include "base/text.h"
@@ -14,6 +16,25 @@ constexpr std::size_t kLongestText = 64u << 20;
 constexpr std::size_t kMostNested = 1000;  // each costs a pass over the text
 
 std::string PlaceholderOf(std::size_t number) { return std::string(kPlaceholder) + std::to_string(number) + "?"; }
+
+// A marker's place in a text: from the first byte up to its closing parenthesis.
+struct Marker {
+  std::size_t start;
+  std::size_t opening;
+  std::size_t closing;
+};
+
+// The first marker from `at` on. A "?PARAM" without parentheses behind it is none.
+std::optional<Marker> FindMarker(std::string_view text, std::size_t at) {
+  while ((at = FindNoCase(text, kMarker, at)) != std::string_view::npos) {
+    const std::size_t closing = text.find(')', at);
+    if (closing == std::string_view::npos) break;
+    const std::size_t opening = text.substr(0, closing).find('(', at);
+    if (opening != std::string_view::npos) return Marker{at, opening, closing};
+    at = closing;  // none of those before it has one either
+  }
+  return std::nullopt;
+}
 
 // The signs of which one is dropped at either end of a prompt.
 bool IsQuote(char c) { return c == '\'' || c == '"' || c == '['; }
@@ -104,23 +125,27 @@ void qbParameters::AddFromMarker(std::string_view arguments) {
 ScannedStatement ScanParameters(std::string_view text, const Ref<QueryContext>& context) {
   ScannedStatement result{std::make_shared<qbParameters>(context), {}, {}};
   std::size_t done = 0;
-  std::size_t at = 0;
-  while ((at = FindNoCase(text, kMarker, at)) != std::string_view::npos) {
-    const std::size_t closing = text.find(')', at);
-    if (closing == std::string_view::npos) break;
-    const std::size_t opening = text.substr(0, closing).find('(', at);
-    if (opening == std::string_view::npos) {
-      ++at;
-      continue;
-    }
-    result.parameters->AddFromMarker(text.substr(opening + 1, closing - opening - 1));
-    result.text += text.substr(done, at - done);
-    result.markers.push_back({at, closing + 1 - at});
+  while (const std::optional<Marker> marker = FindMarker(text, done)) {
+    result.parameters->AddFromMarker(text.substr(marker->opening + 1, marker->closing - marker->opening - 1));
+    result.text += text.substr(done, marker->start - done);
+    result.markers.push_back({marker->start, marker->closing + 1 - marker->start});
     result.text += PlaceholderOf(static_cast<std::size_t>(result.parameters->Count()));
-    at = done = closing + 1;
+    done = marker->closing + 1;
   }
   result.text += text.substr(done);
   return result;
+}
+
+std::vector<std::string> ParameterMarkers(std::string_view text) {
+  std::vector<std::string> markers;
+  std::unordered_set<std::string_view> known;
+  std::size_t done = 0;
+  while (const std::optional<Marker> marker = FindMarker(text, done)) {
+    done = marker->closing + 1;
+    const std::string_view written = text.substr(marker->start, done - marker->start);
+    if (known.insert(written).second) markers.emplace_back(written);
+  }
+  return markers;
 }
 
 std::string PutInValues(std::string text, const std::vector<std::string>& values) {

@@ -88,6 +88,9 @@ struct ScannedStatement {
 /// Finds all markers of a text. A "?PARAM" without parentheses behind it stays as it stands.
 ScannedStatement ScanParameters(std::string_view text, const Ref<QueryContext>& context);
 
+/// The markers of a text as they are written, each once, in their order.
+std::vector<std::string> ParameterMarkers(std::string_view text);
+
 /// The text with every "?param:n?" replaced by the n-th value, from the first to the last: what a value brings in is
 /// replaced by those behind it. Error 40002 when the text grows beyond 64 MB by this.
 std::string PutInValues(std::string text, const std::vector<std::string>& values);

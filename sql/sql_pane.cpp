@@ -207,7 +207,8 @@ std::string qbSQLPane::AddWhereClause(const std::string& orExpression, const std
 
 bool qbSQLPane::ParseSQLStatement(const std::string& sql) {
   const Ref<QueryContext> context = context_.lock();
-  if (!context || !DialectFor(syntax_).canBeParsed) {
+  if (!context) throw Error(ErrorParsingText, "The SQL pane is not linked to a query builder.");
+  if (!DialectFor(syntax_).canBeParsed) {
     throw Error(ErrorParsingText, "Parsing not support for the selected SQL Syntax.");
   }
   {

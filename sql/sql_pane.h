@@ -76,8 +76,8 @@ class qbSQLPane final : public Object {
   /// The sentences of these, for a person.
   std::vector<std::string> Remarks() const;
 
-  /// The tables of the statement generated last, as they stand in FROM.
-  const qbJoins& Joins() const { return joins_; }
+  /// The tables of the statement generated last, as they stand in FROM; the next statement has a list of its own.
+  const Ref<qbJoins>& Joins() const { return joins_; }
 
   /// The statement with a value in the place of every ?PARAM marker: `ParseParameter` is raised for each, in their
   /// order, and a parameter without a value takes its default. No quotes are added. "" when a handler stops it.
@@ -143,7 +143,7 @@ class qbSQLPane final : public Object {
   std::string written_;  // the text as it was generated last
   std::string failure_;  // why it could not be applied
   bool cartesian_ = false;
-  qbJoins joins_;
+  Ref<qbJoins> joins_ = std::make_shared<qbJoins>();
   std::vector<SQLDiagnostic> diagnostics_;
 };
 

@@ -1,5 +1,7 @@
 #include "adapters/qt/expression_window.h"
 
+#include <QApplication>
+#include <QDropEvent>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -25,12 +27,16 @@ namespace {
 constexpr int kGroupRole = Qt::UserRole;
 constexpr int kPartRole = Qt::UserRole + 1;
 constexpr int kInsertRole = Qt::UserRole + 2;
+constexpr QLatin1String kPieceFormat("application/x-zrqrybld-piece");
 
 }  // namespace
 
+// Other programs get the text; the window's own editor inserts the chosen piece, which the dragged one is.
 QMimeData* PartsTree::mimeData(const QList<QTreeWidgetItem*>& items) const {
   auto* dragged = new QMimeData;
-  if (!items.isEmpty()) dragged->setText(items.front()->data(0, kInsertRole).toString());
+  if (items.isEmpty()) return dragged;
+  dragged->setText(ToQString(ReadTemplate(ToUtf8(items.front()->data(0, kInsertRole).toString())).text));
+  dragged->setData(kPieceFormat, {});
   return dragged;
 }
 
@@ -79,6 +85,7 @@ QWidget* ExpressionWindow::MakeEditor(const ExpressionDialog& dialog) {
   editor_->setLineWrapMode(QPlainTextEdit::WidgetWidth);
   editor_->setAccessibleName(ToQString(dialog.caption));
   editor_->installEventFilter(this);
+  editor_->viewport()->installEventFilter(this);
   editor_->SetText(dialog.text);
   editor_->moveCursor(QTextCursor::End);
   // What cannot be read is marked on top of the words' colours.
@@ -160,8 +167,25 @@ void ExpressionWindow::changeEvent(QEvent* event) {
   if (event->type() == QEvent::PaletteChange && message_) ApplyColors();
 }
 
+// A piece that is dropped is inserted where it falls, as the button inserts it at the caret.
+bool ExpressionWindow::DropPiece(const QDropEvent& drop) {
+  if (!drop.mimeData()->hasFormat(kPieceFormat)) return false;
+  QDragLeaveEvent leave;  // the text area takes its mark of the place away
+  QApplication::sendEvent(editor_->viewport(), &leave);
+  editor_->setTextCursor(editor_->cursorForPosition(drop.position().toPoint()));
+  Insert();
+  return true;
+}
+
 // Ctrl+Enter accepts, as Enter writes a line end.
 bool ExpressionWindow::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::Drop && watched == editor_->viewport()) {
+    auto& drop = static_cast<QDropEvent&>(*event);
+    if (DropPiece(drop)) {
+      drop.acceptProposedAction();
+      return true;
+    }
+  }
   if (event->type() == QEvent::KeyPress) {
     const auto& key = static_cast<const QKeyEvent&>(*event);
     const bool isEnter = key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
@@ -309,8 +333,8 @@ void ExpressionWindow::ShowChosen() {
 // In place of what is selected in the editor.
 void ExpressionWindow::Insert() {
   if (!builder_ || !builder_->HasChosen()) return;
-  const auto [from, to] = predictive_->Selection();
-  predictive_->Write(builder_->Insertion(editor_->Text(), from, to));
+  const TextRange selected = predictive_->Selection();
+  predictive_->Write(builder_->Insertion(editor_->Text(), selected.start, selected.start + selected.length));
   editor_->setFocus();
 }
 

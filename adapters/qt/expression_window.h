@@ -54,6 +54,7 @@ class ExpressionWindow : public QDialog {
   void Search(const QString& wanted);
   void ShowChosen();
   void Insert();
+  bool DropPiece(const QDropEvent& drop);
   void Check();
   void ApplyColors();
 

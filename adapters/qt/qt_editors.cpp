@@ -4,9 +4,10 @@
 #include <QMouseEvent>
 #include <QScreen>
 #include <QScrollBar>
-#include <QStringListModel>
 #include <algorithm>
+#include <utility>
 
+#include "adapters/qt/list_entries.h"
 #include "adapters/qt/qt_geometry.h"
 #include "adapters/qt/qt_input.h"
 #include "adapters/qt/qt_text.h"
@@ -189,7 +190,8 @@ QtPopupList::QtPopupList(const EditorWindow& window) : window_(window), view_(ne
   view_->setEditTriggers(QAbstractItemView::NoEditTriggers);
   view_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   view_->setMouseTracking(true);
-  view_->setModel(new QStringListModel(view_));
+  view_->setModel(new EntryModel(view_));
+  view_->setItemDelegate(new EntryDelegate(view_));
   QObject::connect(view_, &QListView::entered, view_, [this](const QModelIndex& index) { Highlight(index.row()); });
   QObject::connect(view_, &QListView::clicked, view_, [this](const QModelIndex& index) {
     if (window_.viewport) window_.boundary->Run([&] { Chosen.Raise(index.row()); });
@@ -203,10 +205,10 @@ QtPopupList::~QtPopupList() {
   view_->deleteLater();
 }
 
-void QtPopupList::Open(const PixelRect& owner, const std::vector<std::string>& texts, std::int32_t highlighted) {
+void QtPopupList::Open(const PixelRect& owner, std::vector<ListEntry> entries, std::int32_t highlighted) {
   if (!view_ || !window_.viewport) return;
-  static_cast<QStringListModel*>(view_->model())->setStringList(ToQStringList(texts));
-  view_->setFont(window_.viewport->font());
+  static_cast<EntryModel*>(view_->model())->SetEntries(std::move(entries));
+  view_->setFont(window_.metrics->ToQFont({}));
   Place(owner);
   view_->show();
   view_->raise();
@@ -225,7 +227,7 @@ void QtPopupList::Place(const PixelRect& owner) {
   for (int row = 0; row < std::min(view_->model()->rowCount(), kMeasured); ++row) {
     width = std::max(width, view_->sizeHintForIndex(view_->model()->index(row, 0)).width());
   }
-  constexpr int kWidest = 480;
+  constexpr int kWidest = 560;
   const bool scrolls = view_->model()->rowCount() > kMostRowsShown;
   width += frame + (scrolls ? view_->verticalScrollBar()->sizeHint().width() : 0);
   const QSize size(std::max(place.width(), std::min(width, kWidest)), height);

@@ -58,7 +58,7 @@ class QtPopupList final : public PopupList {
   explicit QtPopupList(const EditorWindow& window);
   ~QtPopupList() override;
 
-  void Open(const PixelRect& owner, const std::vector<std::string>& texts, std::int32_t highlighted) override;
+  void Open(const PixelRect& owner, std::vector<ListEntry> entries, std::int32_t highlighted) override;
   void Close() override;
   bool IsOpen() const override;
   std::int32_t Highlighted() const override;

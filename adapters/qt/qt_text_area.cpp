@@ -373,7 +373,6 @@ void QtTextArea::MarkBrackets(QList<QTextEdit::ExtraSelection>& marks) const {
   }
 }
 
-// The place in `Text()` of a position in the document.
 std::size_t QtTextArea::OffsetOf(int position) const {
   std::size_t offset = 0;
   const QTextBlock last = document()->findBlock(position);
@@ -395,7 +394,7 @@ int QtTextArea::PositionOf(std::size_t offset) const {
     }
     offset -= size;
   }
-  return 0;
+  return document()->characterCount() - 1;
 }
 
 // --- Keys ---

@@ -71,6 +71,14 @@ class QtTextArea : public QPlainTextEdit, public TextArea {
   /// Failures of listeners and of the highlighter go here instead of into a warning.
   void SetErrorHandler(ErrorHandler handler) { boundary_.SetHandler(std::move(handler)); }
 
+  /// Where calls out of Qt's events run: failures go to the error handler.
+  const EventBoundary& Boundary() const { return boundary_; }
+
+  /// The place in `Text()`, in bytes, of a position in the document, and the position of such a place; a byte inside a
+  /// character counts all of it, and one behind the text is at its end.
+  std::size_t OffsetOf(int position) const;
+  int PositionOf(std::size_t offset) const;
+
   /// The colours in use; they follow the widget's palette.
   const Theme& GetTheme() const { return theme_; }
 
@@ -92,8 +100,6 @@ class QtTextArea : public QPlainTextEdit, public TextArea {
   void Highlight();
   void MarkText();
   void MarkBrackets(QList<QTextEdit::ExtraSelection>& marks) const;
-  std::size_t OffsetOf(int position) const;
-  int PositionOf(std::size_t offset) const;
   bool OfferKey(const QKeyEvent& event);
   bool Find(const QKeyEvent& event);
   void UpdateFont();

@@ -6,7 +6,7 @@
 #include <map>
 
 #include "base/text.h"
-#include "expression/intelli_list.h"
+#include "expression/predictive_typing.h"
 #include "expression/schema_cache.h"
 #include "sql/source_rules.h"
 #include "tests/data_table.h"
@@ -80,60 +80,90 @@ TEST_F(SuggestionsTest, AskTheSourceOnce) {
   EXPECT_EQ(std::ranges::count(list->Items(), SuggestionKind::Column, &Suggestion::kind), 0);
 }
 
+// The parameters of the designed query are offered, and those of the text itself; a half-written one is none.
+TEST_F(SuggestionsTest, OfferParametersInUse) {
+  const Ref<qbGridPane> grid = qbGridPane::Create();
+  hub->SetGridPane(grid);
+  grid->SetValue(1, "column", "1 + ?PARAM('Year',2024)");
+  grid->SetValue(1, "criteria", "> ?param(x) OR < ?PARAM('Year',2024)");
+  const Ref<qbIntelliList> list = qbIntelliList::Create(hub, EditedText::Criterion);
+  list->Prepare();
+  const std::string text = "?PARAM(y) + ?PARAM(";
+  list->OnTyped(text + " ?)", text.size() + 2, true);
+  std::string offered;
+  for (const Suggestion& item : list->Items()) offered += item.label + " ";
+  EXPECT_EQ(offered, "?PARAM(y) ?PARAM('Year',2024) ?param(x) ?PARAM ");
+}
+
 // --- Typing ---
 
-// An editor that is only a text and a caret.
-class TypedText {
+// An editor that is only a text and a selection.
+class TypedText final : private SuggestedText {
  public:
-  TypedText(const Ref<qbIntelliList>& list, std::string text) : list_(list), text_(std::move(text)) {
-    caret_ = text_.find('^');
-    text_.erase(caret_, 1);
-    list_->Prepare();
-    accepted_ = list_->Accepted.Connect([this](const TextReplacement& taken) {
-      text_.replace(taken.from, taken.to - taken.from, taken.text.text);
-      caret_ = taken.from + taken.text.text.size();
-    });
+  TypedText(const Ref<qbIntelliList>& list, std::string text) : text_(std::move(text)), typing_(*this, list) {
+    selection_.start = text_.find('^');
+    text_.erase(selection_.start, 1);
+    list->Prepare();
   }
 
   void Press(std::string_view key) {
     static const std::map<std::string_view, std::int32_t> kKeys = {
         {"Down", KeyCodeDown},   {"Up", KeyCodeUp},   {"PgDn", KeyCodePageDown}, {"Esc", KeyCodeEscape},
         {"Enter", KeyCodeEnter}, {"Tab", KeyCodeTab}, {"Back", KeyCodeBack},     {"Space", KeyCodeSpace}};
+    static const std::map<std::int32_t, std::string> kTypes = {
+        {KeyCodeEnter, "\n"}, {KeyCodeTab, "\t"}, {KeyCodeSpace, " "}};
+    const auto named = kKeys.find(key);
     if (key == "Ctrl+Space") {
-      list_->Open(text_, caret_);
-    } else if (const auto named = kKeys.find(key); named == kKeys.end()) {
-      Type(key);
-    } else if (!list_->OnKeyDown({named->second})) {
-      if (named->second == KeyCodeEnter) Type("\n");
-      if (named->second == KeyCodeSpace) Type(" ");
-      if (named->second == KeyCodeBack) text_.erase(--caret_, 1);
-      if (named->second == KeyCodeBack) list_->OnTyped(text_, caret_, false);
+      typing_.OnKeyDown({KeyCodeSpace, ShiftCtrl});
+    } else if (named == kKeys.end()) {
+      typing_.OnKeyDown({0, ShiftNone, std::string(key)});
+      Type(std::string(key));
+    } else if (!typing_.OnKeyDown({named->second})) {
+      if (const auto typed = kTypes.find(named->second); typed != kTypes.end()) {
+        Type(typed->second);
+      } else if (named->second == KeyCodeBack) {
+        Replace({selection_.start - 1, 1}, "");
+        typing_.OnEdited(false);
+      }
     }
   }
 
-  std::string Text() const { return text_.substr(0, caret_) + "^" + text_.substr(caret_); }
-
- private:
-  void Type(std::string_view text) {
-    text_.insert(caret_, text);
-    caret_ += text.size();
-    list_->OnTyped(text_, caret_, true);
+  // With "^" at the caret, or "[[" and "]]" around what is selected.
+  std::string Marked() const {
+    const std::size_t end = selection_.start + selection_.length;
+    const bool caret = selection_.length == 0;
+    return text_.substr(0, selection_.start) + (caret ? "^" : "[[") +
+           text_.substr(selection_.start, selection_.length) + (caret ? "" : "]]") + text_.substr(end);
   }
 
-  Ref<qbIntelliList> list_;
+ private:
+  std::string Text() const override { return text_; }
+  TextRange Selection() const override { return selection_; }
+  void Select(TextRange part) override { selection_ = part; }
+  void Replace(TextRange part, const std::string& text) override {
+    text_.replace(part.start, part.length, text);
+    selection_ = {part.start + text.size(), 0};
+  }
+  void ShowList(const qbIntelliList&) override {}
+  void Type(const std::string& text) {
+    Replace(selection_, text);
+    typing_.OnEdited(true);
+    typing_.OnCaretMoved();
+  }
+
   std::string text_;
-  std::size_t caret_ = 0;
-  EventConnection accepted_;
+  TextRange selection_;
+  PredictiveTyping typing_;
 };
 
 TEST_F(SuggestionsTest, FollowTheKeys) {
-  for (const Row& row : ReadRows("typing.txt")) {
+  const auto type = [this](const Row& row, const std::string& shownFirst, const std::string& text) {
     SCOPED_TRACE(row.place + ": " + row[0] + " " + row[1]);
     const Ref<qbIntelliList> list = qbIntelliList::Create(hub, EditedText::Statement);
-    TypedText text(list, row[0]);
+    TypedText editor(list, row[0]);
     for (std::size_t at = 0; at < row[1].size();) {
       const std::size_t end = row[1][at] == '{' ? row[1].find('}', at) : at;
-      text.Press(end == at ? row[1].substr(at, 1) : row[1].substr(at + 1, end - at - 1));
+      editor.Press(end == at ? row[1].substr(at, 1) : row[1].substr(at + 1, end - at - 1));
       at = end + 1;
     }
     std::string shown = list->IsOpen() ? "" : "closed";
@@ -141,9 +171,11 @@ TEST_F(SuggestionsTest, FollowTheKeys) {
       const std::string mark = list->Selected() == static_cast<std::ptrdiff_t>(i) ? "*" : "";
       shown += (i > 0 ? " " : "") + mark + list->Items()[i].insert + mark;
     }
-    EXPECT_TRUE(shown.starts_with(row[2])) << shown;
-    EXPECT_EQ(text.Text(), row[3]);
-  }
+    EXPECT_TRUE(shown.starts_with(shownFirst)) << shown;
+    EXPECT_EQ(editor.Marked(), text);
+  };
+  for (const Row& row : ReadRows("typing.txt")) type(row, row[2], row[3]);
+  for (const Row& row : ReadRows("typing_fields.txt")) type(row, "", row[2]);
 }
 
 }  // namespace

@@ -43,7 +43,7 @@ TEST_F(SqlPane, RemarksFollowTheStatement) {
   EXPECT_EQ(sql->Diagnostics()[0].kind, DiagnosticTableNotJoined);
   EXPECT_EQ(area.Remarks(), std::vector<std::string>{sql->Diagnostics()[0].text});
   EXPECT_TRUE(sql->Cartesian());
-  EXPECT_EQ(sql->Joins().Count(), 2);
+  EXPECT_EQ(sql->Joins()->Count(), 2);
   hub->RefreshAutoJoins();
   EXPECT_TRUE(area.Remarks().empty());
 }

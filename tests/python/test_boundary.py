@@ -60,98 +60,171 @@ class Tables(unittest.TestCase):
 class EveryMember(unittest.TestCase):
     """Reads, writes, calls and listens to all members of one object of each class."""
 
-    # What a method takes; one that is not here is called without arguments.
+    # What a member takes; one that is not here is called without arguments.
     ARGUMENTS = {
         "AddTable": ("Products",), "Connect": (f"Data Source={STORE}",), "Exists": ("x",), "Find": ("Average",),
-        "FindByIndicator": (3,), "FindByIndicatorLong": (3, False), "FindByText": ("orderid",),
-        "GetLanguageString": (1,), "BeginStep": ("A step",), "HasTable": ("Order",), "HideColumn": (1,), "ShowColumn": (1,),
-        "LoadLanguageFile": (str(DATA.parent.parent / "samples/languages/german.txt"),), "OpenSchema": (20,), "ParseSQLStatement": ("SELECT City FROM Customers",),
-        "LoadQuery": ("Version=1", True), "SaveQuery": ("", True),
-        "QuoteIdentifier": ("a b",), "Remove": (1,), "SetLanguageString": (1, "x"), "Test": ("x",),
-        "ReadProperty": ("x",), "WriteProperty": ("x", 1), "CreateImage": (1, 1, [0]),
-        "SavePicture": (os.path.join(tempfile.gettempdir(), "diagram.svg"),),
+        "FindByIndicator": (3,), "FindByIndicatorLong": (3, False), "FindByText": ("orderid",), "Fields": (0,),
+        "GetLanguageString": (1,), "BeginStep": ("A step",), "HasTable": ("Order",), "HideColumn": (1,), "ShowColumn": (1,), "Item": (1,),
+        "LoadLanguageFile": (str(DATA.parent.parent / "samples/languages/german.txt"),), "OpenSchema": (20,),
+        "ParseSQLStatement": ("SELECT City FROM Customers",), "LoadQuery": ("Version=1", True), "MaxLen": (1,),
+        "SaveQuery": ("", True), "QuoteIdentifier": ("a b",), "Remove": (1,), "SetLanguageString": (1, "x"),
+        "Test": ("x",), "ReadProperty": ("x",), "WriteProperty": ("x", 1), "CreateImage": (1, 1, [0]), "Move": (1, 2),
+        "SavePicture": (os.path.join(tempfile.gettempdir(), "diagram.svg"),), "TagVariant": (1,), "AddItem": ("x",),
+        "GetRowColumnIndex": (50.0, 50.0, 0, 0), "GetRowColumnXY": (1, 1, 0.0, 0.0), "GotoRowCol": (1, 2),
+        "qbGridPane.Value": (1, 1), "ParametersDialog.Value": (1,), "AskParameters": ("SELECT 1",),
+        "zrGridRow.Value": (1,), "qbEntity.TagVariant": (), "zrGridColumns.Remove": (11,),
+        "TablesDialog.Add": (["Products"],), "qbJoinTables.Add": ("a", "x", "b", "y"),
     }
-    INDEX = {"qbGridPane.Value": (1, 1), "zrGridRow.Value": (1,), "TagVariant": (1,), "Item": (1,), "Fields": (0,)}
+    # What raises the event that brings a dialog.
+    DIALOGS = {
+        "TablesDialog": ("ShowTables", lambda qb, found: qb.ShowTables()),
+        "JoinDialog": ("JoinProperties", lambda qb, found: qb.ShowJoinProperties(found["qbRelationship"])),
+        "ConnectionDialog": ("ConnectionPrompt", lambda qb, found: qb.Connect(Ref(None))),
+        "ExpressionDialog": ("Expression", lambda qb, found: qb.GridPane.ShowExpressionZoom()),
+        "SaveFileDialog": ("SaveFile", lambda qb, found: qb.DiagramPane.AskToSavePicture()),
+        "ParametersDialog": ("Parameters", lambda qb, found: qb.AskParameters("SELECT ?PARAM(Year,2024)")),
+        "TextDialog": ("TextPrompt", lambda qb, found: qb.DiagramPane.AskForAlias(found["qbEntity"])),
+    }
+
+    ANSWER_FALSE = {"qbQueryBuilder.ShowJoinProperties", "qbRelationships.Exists"}  # about nothing
 
     def arguments(self, type_name, member, objects):
-        qb = objects["qbQueryBuilder"]
         special = {
             "qbQueryBuilder.ShowJoinProperties": lambda: (objects["qbRelationship"],),
-            "qbUtility.RemoveQuotedIdentifiers": lambda: (qb, '"a"'),
-            "qbGridPane.SetGroupByFunction": lambda: (1, qb.DBFunctions["SUM"]),
+            "qbUtility.RemoveQuotedIdentifiers": lambda: (objects["qbQueryBuilder"], '"a"'),
+            "qbGridPane.SetGroupByFunction": lambda: (1, objects["qbQueryBuilder"].DBFunctions["SUM"]),
             "qbRelationships.Add": lambda: (objects["qbEntity"],),
             "qbRelationships.Exists": lambda: (objects["qbEntity"], objects["qbEntity"], 2, 2),
             "qbDiagramPane.SelectObject": lambda: (objects["qbEntity"],),
+            "qbDiagramPane.AskForAlias": lambda: (objects["qbEntity"],),
             "qbDiagramPane.SetMinimized": lambda: (objects["qbEntity"], True),
+            "ImageList.Add": lambda: (objects["Image"],),
         }.get(f"{type_name}.{member.name}")
         if special:
             return special()
-        if member.name in ("ReadProperties", "WriteProperties"):
-            return (create("PropertyBag"),)
-        if member.name == "Add" and member.arguments and not member.arguments[0].optional:
-            return ("added",)
         if not member.arguments:
             return ()
+        if member.name in ("ReadProperties", "WriteProperties"):
+            return (create("PropertyBag"),)
         qualified = f"{type_name}.{member.name}"
-        return self.ARGUMENTS.get(member.name) or self.INDEX.get(qualified) or self.INDEX.get(member.name, ())
+        if qualified in self.ARGUMENTS:
+            return self.ARGUMENTS[qualified]
+        if member.name == "Add" and not member.arguments[0].optional:
+            return ("added",)
+        return self.ARGUMENTS.get(member.name, ())
 
     @staticmethod
     def objects():
+        """An object of every class that has objects of its own, in a designer of their own."""
         qb = designer()
-        entity = qb.DiagramPane.Entities["Order"]
-        bag = qb.Properties
-        grid = qb.GridPane.Grid
-        rows = qb.Connection.OpenSchema(20)
+        entity, grid, bag, rows = qb.DiagramPane.Entities["Order"], qb.GridPane.Grid, qb.Properties, qb.Connection.OpenSchema(20)
+        grid.GotoRowCol(1, 1)
         toolkit.clear()
+        qb.AboutBox()
+        image, images, parameters = toolkit.CreateImage(1, 1, [0]), create("ImageList"), []
+        images.Add(image)
+        qb.SQLPane.SQLStatement = "SELECT ?PARAM(a)"
+        qb.SQLPane.on("ParseParameter", lambda parameter, cancel: parameters.append(parameter))
+        qb.SQLPane.ParseParameters()
+        joins = create("qbJoins")
+        joins.Add("a").JoinTables.Add("a", "x", "b", "y")
+        combo = create("zrSimpleCombo")
+        combo.AddItem("x")
         found = [qb, bag, bag[1], qb.DBFunctions, qb.DBFunctions[1], qb.DBKeywords, qb.DBKeywords[1], qb.DBOperators,
                  qb.DBOperators[1], qb.DataTypes, qb.DataTypes[1], qb.QuotedIdentifiers, qb.DiagramPane,
                  qb.DiagramPane.Entities, entity, entity.Items, entity.Items[2], entity.Relationships,
                  entity.Relationships[1], qb.GridPane, grid, grid.Rows, grid.Rows[1], grid.Columns, grid.Columns[1],
-                 grid.Columns["sort_type"].ComboItems, grid.Columns["sort_type"].ComboItems[1], qb.SQLPane,
-                 create("qbUtility"), create("PropertyBag"), qb.Connection, rows, rows.Fields(0),
-                 qb.DiagramPane.EntityFont, toolkit.CreateImage(1, 1, [0])]
+                 grid.Columns["sort_type"].ComboItems, grid.Columns["sort_type"].ComboItems[1], qb.SQLPane, combo,
+                 create("qbUtility"), create("PropertyBag"), qb.Connection, rows, rows.Fields(0), image, images, joins,
+                 joins[1], joins[1].JoinTables, joins[1].JoinTables[1], create("qbParameters"), parameters[0],
+                 qb.DiagramPane.EntityFont, toolkit._object, toolkit.Messages, toolkit.Messages[1]]
         return {zrqrybld.type_name(obj): obj for obj in found}
 
+    def with_object(self, type_name, use):
+        """Calls `use` with an object of the class and those beside it."""
+        objects = self.objects()  # of its own: a member may empty or close what others need
+        if type_name not in self.DIALOGS:
+            return use(objects[type_name], objects)
+        event, raise_it = self.DIALOGS[type_name]
+        used, failures = [], []
+
+        def handler(dialog):
+            used.append(dialog)
+            try:
+                use(dialog, objects)
+            except Exception as failure:  # would only be reported
+                failures.append(failure)
+
+        answer = toolkit.on(event, handler)
+        raise_it(objects["qbQueryBuilder"], objects)
+        answer.off()
+        self.assertTrue(used)
+        if failures:
+            raise failures[0]
+
+    def test_every_class_is_here(self):
+        without_parameters = {"qbParameters"}  # made here; one of a statement is never handed out
+        self.assertEqual(set(zrqrybld.classes()), set(self.objects()) | set(self.DIALOGS) | without_parameters)
+
     def test_right(self):
-        for type_name in self.objects():
+        for type_name in zrqrybld.classes():
             for member in members(type_name):
+                if type_name == "qbParameters" and member.name in ("Item", "Remove"):
+                    continue  # always empty for a script
                 with self.subTest(member=f"{type_name}.{member.name}"):
-                    objects = self.objects()  # of its own: a member may empty or close what others need
-                    obj = objects[type_name]
-                    if f"{type_name}.{member.name}" in ("Connection.ConnectionString", "Connection.Open"):
-                        obj.Close()
-                    arguments = self.arguments(type_name, member, objects)
-                    if member.kind == "event":
-                        obj.on(member.name, lambda *_: None).off()
-                    elif member.kind == "method":
-                        getattr(obj, member.name)(*arguments)
-                    else:
-                        value = obj.get(member.name, *arguments)
-                        if {"let", "set"} & set(member.access):
-                            obj.let(member.name, value, *arguments)
-                            if member.type != "Font":  # a new object at each reading
-                                self.assertEqual(obj.get(member.name, *arguments), value)
+                    self.with_object(type_name, lambda obj, objects: self.use(type_name, obj, member, objects))
+
+    def use(self, type_name, obj, member, objects):
+        if f"{type_name}.{member.name}" in ("Connection.ConnectionString", "Connection.Open"):
+            obj.Close()
+        if member.name == "EndStep":
+            obj.BeginStep("A step")
+        arguments = self.arguments(type_name, member, objects)
+        if member.kind == "event":
+            obj.on(member.name, lambda *_: None).off()
+        elif member.kind == "method":
+            getattr(obj, member.name)(*arguments)
+        else:
+            value = obj.get(member.name, *arguments)
+            if {"let", "set"} & set(member.access):
+                obj.let(member.name, value, *arguments)
+                if member.type != "Font":  # a new object at each reading
+                    self.assertEqual(obj.get(member.name, *arguments), value)
 
     def test_wrong(self):
-        objects = self.objects()
-        for type_name, obj in objects.items():
-            for member in members(type_name):
-                with self.subTest(member=f"{type_name}.{member.name}"):
-                    if member.kind == "event":
-                        for misuse in (lambda: getattr(obj, member.name), lambda: obj.let(member.name, 1)):
-                            self.assertRaisesNumber(438, misuse)
-                        continue
-                    too_many = [1] * (len(member.arguments) + 1)
-                    self.assertRaisesNumber(450, lambda: obj.get(member.name, *too_many) if member.kind == "property"
-                                            else getattr(obj, member.name)(*too_many))
-                    if not {"let", "set"} & set(member.access):
-                        self.assertRaisesNumber(438, lambda: obj.let(member.name, 1))
-                    elif member.type not in ("Variant",):
-                        given = self.arguments(type_name, member, objects)
-                        self.assertRaisesNumber(13, lambda: obj.let(member.name, toolkit._object, *given))
-                    self.assertRaisesNumber(438, lambda: obj.on(member.name, print))
-                    if member.arguments and not member.arguments[0].optional:
-                        self.assertRaisesNumber(449, lambda: getattr(obj, member.name)())
+        for type_name in zrqrybld.classes():
+            self.with_object(type_name, lambda obj, objects: [self.misuse(type_name, obj, member, objects)
+                                                              for member in members(type_name)])
+
+    def misuse(self, type_name, obj, member, objects):
+        with self.subTest(member=f"{type_name}.{member.name}"):
+            if member.kind == "event":
+                for misuse in (lambda: getattr(obj, member.name), lambda: obj.let(member.name, 1)):
+                    self.assertRaisesNumber(438, misuse)
+                return
+            too_many = [1] * (len(member.arguments) + 1)
+            self.assertRaisesNumber(450, lambda: obj.get(member.name, *too_many) if member.kind == "property"
+                                    else getattr(obj, member.name)(*too_many))
+            if not {"let", "set"} & set(member.access):
+                self.assertRaisesNumber(438, lambda: obj.let(member.name, 1))
+            elif member.type != "Variant":
+                given = self.arguments(type_name, member, objects)
+                self.assertRaisesNumber(13, lambda: obj.let(member.name, toolkit._object, *given))
+            self.assertRaisesNumber(438, lambda: obj.on(member.name, print))
+            if member.arguments and not member.arguments[0].optional:
+                self.assertRaisesNumber(449, lambda: getattr(obj, member.name)())
+            # Nothing where an object is wanted, or one of a wrong class, is an error or has no effect; it ends nothing.
+            given = list(self.arguments(type_name, member, objects))
+            for place, argument in enumerate(member.arguments[:len(given)]):
+                if argument.type not in zrqrybld.classes():
+                    continue
+                given[place] = create("qbProperties")
+                self.assertRaisesNumber(13, lambda: getattr(obj, member.name)(*given))
+                given[place] = None
+                if f"{type_name}.{member.name}" in self.ANSWER_FALSE:
+                    self.assertFalse(getattr(obj, member.name)(*given))
+                else:
+                    self.assertRaisesNumber(91, lambda: getattr(obj, member.name)(*given))
 
     def assertRaisesNumber(self, number, call):
         with self.assertRaises(Error) as caught:
@@ -265,6 +338,42 @@ class Events(unittest.TestCase):
         with self.assertRaises(Error) as caught:
             print(kept[0].Caption)
         self.assertEqual(caught.exception.number, 91)
+
+
+    def test_questions_of_the_panes_are_answered(self):
+        qb, problems = designer(), []
+        entity, target = qb.DiagramPane.Entities["Order"], Path(tempfile.mkdtemp()) / "picture.svg"
+
+        def answered(event, answer, ask):
+            subscription = toolkit.on(event, answer)
+            result = ask()
+            subscription.off()
+            return result
+
+        def rename(dialog, name):
+            dialog.Text, dialog.Accepted = name, True
+            problems.append(dialog.Problem)
+
+        def give(dialog, value):
+            dialog.Value[1], dialog.Accepted = value, True
+            problems.append(dialog.Problem)
+
+        answered("SaveFile", lambda dialog: setattr(dialog, "Path", str(target)), qb.DiagramPane.AskToSavePicture)
+        self.assertIn("Customers", target.read_text())
+        toolkit.clear()
+        answered("SaveFile", lambda dialog: setattr(dialog, "Path", str(target.with_suffix(""))), qb.DiagramPane.AskToSavePicture)
+        self.assertIn("picture.png", toolkit.messages[1].Text)  # the suggested kind, which needs a window
+        for name, taken in (("Customers", "Order"), ("o", "o")):
+            answered("TextPrompt", lambda dialog: rename(dialog, name), lambda: qb.DiagramPane.AskForAlias(entity))
+            self.assertEqual(entity.Caption, taken)
+        for value, statement in (("x", ""), ("7", "SELECT 7")):
+            self.assertEqual(answered("Parameters", lambda dialog: give(dialog, value),
+                                      lambda: qb.AskParameters("SELECT ?PARAM(Year,1,,INTEGER)")), statement)
+        self.assertEqual([bool(problem) for problem in problems], [True, False] * 2, problems)
+        self.assertEqual(qb.AskParameters("SELECT ?PARAM(a)"), "")  # nobody answers
+        with self.assertRaises(Error) as caught:
+            create("qbSQLPane").ParseSQLStatement("SELECT 1")
+        self.assertIn("not linked", caught.exception.description)
 
 
 class Steps(unittest.TestCase):

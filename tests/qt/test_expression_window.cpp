@@ -1,12 +1,15 @@
 // The expression builder's and the zoom's window, by real events.
 #include <gtest/gtest.h>
 
+#include <QDropEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QPushButton>
 #include <QTableWidget>
 #include <QTest>
 #include <QToolButton>
+#include <QTreeWidget>
 
 #include "adapters/qt/expression_window.h"
 #include "adapters/qt/qt_text.h"
@@ -67,6 +70,27 @@ TEST_F(ExpressionWindowTest, BuildsAnExpression) {
   EXPECT_EQ(window->Text(), "Orders.Total");
   QTest::keyClick(&window->Editor(), Qt::Key_Return, Qt::ControlModifier);
   EXPECT_EQ(window->result(), QDialog::Accepted);
+}
+
+// A piece that is dragged from the tree goes where it is dropped, as the button inserts it; elsewhere it is plain text.
+TEST_F(ExpressionWindowTest, TakesPiecesThatAreDropped) {
+  const auto window = Open(true, "1 + 2");
+  QTest::keyClicks(window->findChild<QLineEdit*>(), "param");
+  auto* tree = window->findChild<QTreeWidget*>();
+  const std::unique_ptr<QMimeData> dragged(tree->model()->mimeData({tree->currentIndex()}));
+  EXPECT_EQ(dragged->text(), "?PARAM(@Prompt,@Default,@Name,@DataType)");
+  window->findChild<QTableWidget*>()->item(0, 1)->setText("'Year'");
+  QTextCursor place = window->Editor().textCursor();
+  place.setPosition(3);
+  const QPoint at = window->Editor().cursorRect(place).center();
+  QWidget* target = window->Editor().viewport();
+  QDragEnterEvent enter(at, Qt::CopyAction, dragged.get(), Qt::LeftButton, {});
+  QApplication::sendEvent(target, &enter);
+  EXPECT_TRUE(enter.isAccepted());
+  QDropEvent drop(QPointF(at), Qt::CopyAction, dragged.get(), Qt::LeftButton, {});
+  QApplication::sendEvent(target, &drop);
+  EXPECT_EQ(window->Text(), "1 + ?PARAM('Year',@Default,@Name,@DataType) 2");
+  EXPECT_EQ(window->Editor().textCursor().selectedText(), "@Default");
 }
 
 TEST_F(ExpressionWindowTest, SpeaksTheLanguageTable) {

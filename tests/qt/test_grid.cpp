@@ -271,6 +271,16 @@ class GridWindow : public test::Designer {
          }},
         {"top", [&] { return Variant(static_cast<double>(view.verticalScrollBar()->value() > 0)).Text(); }},
         {"popup", [&] { return PopupTexts(); }},
+        // Whether an open list stands over the cell that is edited.
+        {"covers",
+         [&] {
+           constexpr Pixels kFrame = 3_px;  // around the text
+           const PixelRect cell = control.GetRowColumnXY(control.Row(), control.Column()).Inset(kFrame, kFrame);
+           if (!Popup()) return std::string("no list");
+           const QRect shown(view.viewport()->mapToGlobal(At({cell.left, cell.top})),
+                             view.viewport()->mapToGlobal(At({cell.Right() - 1_px, cell.Bottom() - 1_px})));
+           return std::string(Popup()->geometry().intersects(shown) ? "yes" : "no");
+         }},
         {"highlighted", [&] { return Popup() ? ToUtf8(Popup()->currentIndex().data().toString()) : ""; }},
         {"messages",
          [&] {

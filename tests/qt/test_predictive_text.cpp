@@ -1,6 +1,7 @@
 // Predictive text by real key events.
 #include <gtest/gtest.h>
 
+#include <QListView>
 #include <QTest>
 #include <map>
 
@@ -58,6 +59,8 @@ class PredictiveTextTest : public testing::Test, protected test::KnownSource {
     return ToUtf8(text);
   }
 
+  QListView& Popup() { return *area.findChild<QListView*>(QStringLiteral("popupList")); }
+
   QtTextArea area;
   Ref<qbIntelliList> list = qbIntelliList::Create(hub, EditedText::Statement);
   PredictiveText* predictive = new PredictiveText(area, list);
@@ -68,7 +71,7 @@ TEST_F(PredictiveTextTest, FollowsTheKeys) {
     SCOPED_TRACE(row.place);
     Type(row[0], row[1]);
     EXPECT_EQ(Text(), row[3]);
-    EXPECT_EQ(predictive->Popup().isVisible(), row[2] != "closed");
+    EXPECT_EQ(Popup().isVisible(), row[2] != "closed");
     list->Close();
   }
 }
@@ -88,7 +91,7 @@ TEST_F(PredictiveTextTest, StepsThroughFields) {
 // A click takes an entry, one undo takes it back; a text set by program opens nothing, and neither does reading only.
 TEST_F(PredictiveTextTest, TakesClicksAndLeavesTheRestAlone) {
   Type("SELECT ^ FROM Orders", "t");
-  const SuggestionPopup& popup = predictive->Popup();
+  const QListView& popup = Popup();
   QTest::mouseClick(popup.viewport(), Qt::LeftButton, {}, popup.visualRect(popup.model()->index(0, 0)).center());
   EXPECT_EQ(Text(), "SELECT Total^ FROM Orders");
   area.undo();
@@ -109,8 +112,8 @@ TEST_F(PredictiveTextTest, IsReadableInEveryPalette) {
     end.movePosition(QTextCursor::End);
     area.setTextCursor(end);
     QTest::keyClick(&area, Qt::Key_Space, Qt::ControlModifier);
-    ASSERT_TRUE(predictive->Popup().isVisible());
-    KeepPicture(Paint(const_cast<SuggestionPopup&>(predictive->Popup())), "suggestions-" + named.name);
+    ASSERT_TRUE(Popup().isVisible());
+    KeepPicture(Paint(Popup()), "suggestions-" + named.name);
     KeepPicture(Paint(area), "suggestions-area-" + named.name);
     list->Close();
   }

@@ -36,10 +36,11 @@ QuerySnapshot DesignOf(std::string_view tables, std::string_view joins) {
 
 std::string Described(const QuerySnapshot& query) {
   std::string text;
-  for (const qbJoin& entry : BuildJoinList(query)) {
-    text += (text.empty() ? "" : "; ") + entry.Caption();
-    for (std::int32_t i = 1; i <= entry.JoinTables().Count(); ++i) {
-      const qbJoinTable& condition = entry.JoinTables().Item(i);
+  const Ref<qbJoins> joins = BuildJoinList(query);
+  for (const Ref<qbJoin>& entry : *joins) {
+    text += (text.empty() ? "" : "; ") + entry->Caption();
+    for (std::int32_t i = 1; i <= entry->JoinTables()->Count(); ++i) {
+      const qbJoinTable& condition = *entry->JoinTables()->Item(i);
       text += " " + condition.LeftTable + "." + condition.LeftField + "=" + condition.RightTable + "." +
               condition.RightField + ":" + std::to_string(condition.JoinType);
     }
@@ -75,14 +76,15 @@ TEST(JoinList, KeepsEveryTableAndEveryJoin) {
     }
     std::set<std::string> placed;
     std::int32_t conditions = 0;
-    for (const qbJoin& entry : BuildJoinList(query)) {
-      ASSERT_FALSE(placed.contains(entry.Caption()));
-      for (std::int32_t i = 1; i <= entry.JoinTables().Count(); ++i) {
-        ASSERT_EQ(entry.JoinTables().Item(i).LeftTable, entry.Caption());
-        ASSERT_TRUE(placed.contains(entry.JoinTables().Item(i).RightTable));
+    const Ref<qbJoins> joins = BuildJoinList(query);
+    for (const Ref<qbJoin>& entry : *joins) {
+      ASSERT_FALSE(placed.contains(entry->Caption()));
+      for (std::int32_t i = 1; i <= entry->JoinTables()->Count(); ++i) {
+        ASSERT_EQ(entry->JoinTables()->Item(i)->LeftTable, entry->Caption());
+        ASSERT_TRUE(placed.contains(entry->JoinTables()->Item(i)->RightTable));
         ++conditions;
       }
-      placed.insert(entry.Caption());
+      placed.insert(entry->Caption());
     }
     ASSERT_EQ(placed.size(), query.tables.size());
     ASSERT_EQ(conditions, usable);
@@ -94,31 +96,31 @@ TEST(JoinList, FollowsALongChainWithoutDeepCalls) {
   for (std::size_t i = 0; i + 1 < query.tables.size(); ++i) {
     query.joins.push_back({i + 1, i, Identifier("a"), Identifier("b"), 2});
   }
-  const qbJoins joins = BuildJoinList(query);
-  ASSERT_EQ(joins.Count(), 10'000);
-  EXPECT_EQ(std::prev(joins.end())->Caption(), "9999");
-  EXPECT_EQ(std::prev(joins.end())->JoinTables().At(1).JoinType, JoinAllOfThis);
+  const Ref<qbJoins> joins = BuildJoinList(query);
+  ASSERT_EQ(joins->Count(), 10'000);
+  EXPECT_EQ((*std::prev(joins->end()))->Caption(), "9999");
+  EXPECT_EQ((*std::prev(joins->end()))->JoinTables()->At(1).JoinType, JoinAllOfThis);
 }
 
 TEST(JoinList, AddingBesideAnotherMovesAnEntryAndKeepsItsConditions) {
   qbJoins joins;
   const auto order = [&joins] {
     std::string captions;
-    for (const qbJoin& entry : joins) captions += entry.Caption();
+    for (const Ref<qbJoin>& entry : joins) captions += entry->Caption();
     return captions;
   };
   for (const char* caption : {"a", "b", "c"}) joins.Add(caption);
   joins.Add("d", "a");
   joins.Add("e", {}, "a");
   EXPECT_EQ(order(), "daebc");
-  joins.Add("c", "d").JoinTables().Add("c", "x", "d", "y");
+  joins.Add("c", "d")->JoinTables()->Add("c", "x", "d", "y");
   joins.Add("c");
   joins.Add("c", {}, "c");
   EXPECT_EQ(order(), "cdaeb");
-  EXPECT_EQ(joins.Item(1).JoinTables().Item("[c].[x] = [d].[y]").RightField, "y");
-  EXPECT_EQ(&joins.Item("c").JoinTables().Add("c", "x", "d", "y"), &joins.Item(1).JoinTables().Item(1));
-  joins.Item("c").JoinTables().Remove(1);
-  EXPECT_TRUE(joins.Item("c").JoinTables().Empty());
+  EXPECT_EQ(joins.Item(1)->JoinTables()->Item("[c].[x] = [d].[y]")->RightField, "y");
+  EXPECT_EQ(joins.Item("c")->JoinTables()->Add("c", "x", "d", "y"), joins.Item(1)->JoinTables()->Item(1));
+  joins.Item("c")->JoinTables()->Remove(1);
+  EXPECT_TRUE(joins.Item("c")->JoinTables()->Empty());
   joins.Remove("a");
   EXPECT_EQ(order(), "cdeb");
   for (const Variant& missing : {Variant("a"), Variant(0), Variant(5)}) {

@@ -483,8 +483,8 @@ class Subscription:
 class _Toolkit:
     """Answers dialogs and message boxes.
 
-    `toolkit.on("MessageBox", handler)` hears messages; "ShowTables", "JoinProperties" and "ConnectionPrompt" answer
-    the dialog they get. Without a handler a dialog is cancelled. `toolkit.messages` lists what was shown.
+    `toolkit.on("MessageBox", handler)` hears messages; "ShowTables", "JoinProperties", "ConnectionPrompt", "Expression",
+    "SaveFile", "TextPrompt" and "Parameters" answer the dialog they get. Without a handler a dialog is cancelled. `toolkit.messages` lists what was shown.
     """
 
     def __init__(self):
