@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstdlib>
 
+#include "designer/appearance.h"
 #include "designer/main_window.h"
 #include "designer/options.h"
 
@@ -87,7 +88,7 @@ void Begin(MainWindow& window, const DesignerOptions& options, const QElapsedTim
   if (!options.measureStart) return;
   QCoreApplication::processEvents();  // painted
   QTextStream(stdout) << "usable after " << sinceStart.elapsed() << " ms, " << ResidentKib() << " KiB resident\n";
-  QCoreApplication::quit();
+  QCoreApplication::exit();  // not quit: nobody is there to be asked about unsaved changes
 }
 
 }  // namespace
@@ -101,6 +102,10 @@ int main(int argc, char** argv) {
   QApplication::setApplicationDisplayName("Query Designer");
   QApplication::setApplicationVersion(ZRQRYBLD_VERSION);
   const DesignerOptions options = zrqrybld::ReadCommandLine(QApplication::arguments());
+  // A script's picture does not depend on who runs it.
+  zrqrybld::SetAppearance(!options.theme.isEmpty() ? zrqrybld::FindAppearance(options.theme)
+                          : options.IsScript()     ? zrqrybld::Appearance::System
+                                                   : zrqrybld::StoredAppearance());
   MainWindow window;
   if (options.IsScript()) return RunScript(window, options);
   window.BeginSession();

@@ -1,6 +1,7 @@
 #include "designer/main_window.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QCloseEvent>
 #include <QDir>
 #include <QDropEvent>
@@ -16,11 +17,13 @@
 #include <QStatusBar>
 #include <QToolBar>
 #include <QUrl>
+#include <algorithm>
+#include <optional>
 
 #include "adapters/qt/connection_choice.h"
 #include "adapters/qt/qt_text.h"
 #include "adapters/sqlite/sqlite_provider.h"
-#include "base/text.h"
+#include "designer/appearance.h"
 #include "designer/key_list.h"
 #include "designer/recent_connections.h"
 #include "designer/window_memory.h"
@@ -96,7 +99,8 @@ void MainWindow::MakeDocument() {
             UpdateTitle();
             UpdateState();
             if (recovery_) recovery_->Keep();
-          }});
+          },
+          [this](const QString& text) { ShowHappened(text); }});
 }
 
 // Names are long and captions differ by language: no caption is cut off where a little width shows it.
@@ -105,7 +109,12 @@ void MainWindow::WidenColumns() {
   for (std::int32_t i = 1; i <= grid.Columns()->Count(); ++i) {
     const Ref<zrGridColumn> column = grid.Columns()->Item(i);
     const bool holdsNames = column->Key() == "column" || column->Key() == "table";
-    if (column->Width() > 0) grid.FitColumn(i, holdsNames ? kNameColumnWidth : column->Width());
+    float least = holdsNames ? kNameColumnWidth : column->Width();
+    if (column->Key() == "sort_type") {
+      const Pixels longest = designer_->GridView().Metrics().TextWidth("Descending", {}) + kGridTextPadding * 3;
+      least = std::max(least, static_cast<float>(ScreenScale{}.TwipsX(longest).Value()));
+    }
+    if (column->Width() > 0) grid.FitColumn(i, least);
   }
 }
 
@@ -153,6 +162,9 @@ void MainWindow::MakeMenus() {
   view->addAction(tr("&Copy Diagram as Picture"), this, [diagram] { diagram().CopyPicture(); });
   view->addAction(tr("&Save Diagram as Picture..."), this, [diagram] { diagram().AskToSavePicture(); });
 
+  view->addSeparator();
+  MakeThemeMenu(*view->addMenu(tr("&Theme")));
+
   QMenu* help = menuBar()->addMenu(tr("&Help"));
   help->addAction(tr("&Keys"), QKeySequence(Qt::Key_F1), this, &MainWindow::ShowKeys);
   help->addAction(tr("&About"), this, &MainWindow::ShowAbout);
@@ -162,15 +174,24 @@ void MainWindow::MakeMenus() {
 void MainWindow::MakeEditMenu() {
   qbQueryBuilder& hub = designer_->QueryBuilder();
   QMenu* edit = menuBar()->addMenu(tr("&Edit"));
-  const auto travel = [this](bool (qbQueryBuilder::*way)()) {
+  const auto travel = [this](bool (qbQueryBuilder::*way)(), const QString& done, const std::string& step) {
     const QString error = Guarded([&] { (designer_->QueryBuilder().*way)(); });
     if (!error.isEmpty()) ShowError(error);
+    if (error.isEmpty()) ShowHappened(done.arg(ToQString(step)));
   };
-  undo_ = edit->addAction(tr("&Undo"), this, [travel] { travel(&qbQueryBuilder::Undo); });
+  undo_ = edit->addAction(tr("&Undo"), this, [this, travel] {
+    travel(&qbQueryBuilder::Undo, tr("Undone: %1"), designer_->QueryBuilder().UndoText());
+  });
   undo_->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Z));
-  redo_ = edit->addAction(tr("&Redo"), this, [travel] { travel(&qbQueryBuilder::Redo); });
+  redo_ = edit->addAction(tr("&Redo"), this, [this, travel] {
+    travel(&qbQueryBuilder::Redo, tr("Done again: %1"), designer_->QueryBuilder().RedoText());
+  });
   redo_->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
-  links_.push_back(hub.HistoryChanged.Connect([this] { UpdateHistory(); }));
+  links_.push_back(hub.HistoryChanged.Connect([this] {
+    UpdateHistory();
+    if (designer_->QueryBuilder().CanUndo()) ShowHappened(ToQString(designer_->QueryBuilder().UndoText()));
+    if (recovery_) recovery_->Changed();
+  }));
   UpdateHistory();
 }
 
@@ -190,6 +211,19 @@ void MainWindow::ShowSyntax() {
   if (!syntax_) return;
   const QSignalBlocker blocker(syntax_);
   syntax_->setCurrentIndex(designer_->QueryBuilder().SQLPane()->SQLSyntax());
+}
+
+void MainWindow::MakeThemeMenu(QMenu& menu) {
+  auto* group = new QActionGroup(&menu);
+  for (const AppearanceName& name : AllAppearances()) {
+    QAction* action = menu.addAction(tr(name.text), this, [appearance = name.appearance] {
+      StoreAppearance(appearance);
+      SetAppearance(appearance);
+    });
+    action->setCheckable(true);
+    action->setChecked(name.appearance == StoredAppearance());
+    group->addAction(action);
+  }
 }
 
 void MainWindow::MakeToolBar() {
@@ -500,7 +534,8 @@ bool MainWindow::Recover(Recovery::Lost& lost) {
   std::shared_ptr<ProviderConnection> connection;
   if (unreadable.isEmpty() && !connectionString.empty()) {
     connection = OpenAsking(connectionString, false, &remark);
-    const bool isFile = FindNoCase(connectionString, "Data Source=") != std::string::npos;
+    // Another password than none helps with servers only.
+    const bool isFile = SqliteProvider().Accepts(ConnectionString(connectionString));
     if (!connection && !isFile) connection = OpenAsking(connectionString, true, &remark);
   }
   const QString error = unreadable.isEmpty() ? document_->Recover(lost.Work(), connection) : unreadable;

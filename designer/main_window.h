@@ -73,6 +73,7 @@ class MainWindow : public QMainWindow {
   void MakeDocument();
   void MakeMenus();
   void MakeEditMenu();
+  void MakeThemeMenu(QMenu& menu);
   void MakeToolBar();
   void AskForDatabase();
   void AskForConnection();

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "adapters/qt/qt_text.h"
+#include "designer/appearance.h"
 #include "designer/query_document.h"
 #include "sql/dialect.h"
 
@@ -34,12 +35,15 @@ DesignerOptions ReadCommandLine(const QStringList& arguments) {
   const QCommandLineOption syntax("syntax", "Write the statement in this dialect: " + dialects.join(", ") + ".",
                                   "NAME");
   const QCommandLineOption language("language", "Take the captions from this language file.", "FILE");
+  QStringList themes;
+  for (const AppearanceName& theme : AllAppearances()) themes += theme.key;
+  const QCommandLineOption theme("theme", "Look like this: " + themes.join(", ") + ".", "NAME");
   const QCommandLineOption parse("parse-sql", "Begin with the query of the statement in this file.", "FILE");
   const QCommandLineOption save("save", "Save the query to this file and end.", "FILE");
   const QCommandLineOption print("print-sql", "Print the statement and end.");
   const QCommandLineOption screenshot("screenshot", "Save a picture of the window and end.", "FILE");
   const QCommandLineOption measure("measure-start", "Say how long it took until the window could be used, and end.");
-  parser.addOptions({database, connect, table, tick, syntax, language, parse, save, print, screenshot, measure});
+  parser.addOptions({database, connect, table, tick, syntax, language, theme, parse, save, print, screenshot, measure});
   if (!parser.parse(arguments)) EndWithUsageError(parser.errorText());
   if (parser.isSet("help")) parser.showHelp(0);
   if (parser.isSet("version")) parser.showVersion();
@@ -57,12 +61,16 @@ DesignerOptions ReadCommandLine(const QStringList& arguments) {
   options.ticks = parser.values(tick);
   options.language = parser.value(language);
   options.syntax = parser.value(syntax);
+  options.theme = parser.value(theme);
   options.parseSql = parser.value(parse);
   options.printSql = parser.isSet(print);
   options.measureStart = parser.isSet(measure);
   options.screenshot = parser.value(screenshot);
   if (!options.syntax.isEmpty() && !FindDialect(ToUtf8(options.syntax))) {
     EndWithUsageError("there is no dialect \"" + options.syntax + "\"; known are " + dialects.join(", "));
+  }
+  if (!options.theme.isEmpty() && !themes.contains(options.theme)) {
+    EndWithUsageError("there is no theme \"" + options.theme + "\"; known are " + themes.join(", "));
   }
   return options;
 }

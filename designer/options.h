@@ -15,6 +15,7 @@ struct DesignerOptions {
   QStringList ticks;   ///< TABLE.COLUMN, in this order
   QString language;    ///< a language file; empty for the built-in captions
   QString syntax;      ///< a dialect's name; empty for the first one
+  QString theme;       ///< a theme's key; empty for the one chosen last
   QString parseSql;    ///< a file with a statement to begin with; empty for none
   bool printSql = false;
   bool measureStart = false;  ///< say how long the start took and end

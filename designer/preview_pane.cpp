@@ -55,13 +55,15 @@ PreviewPane::PreviewPane(QWidget* parent)
   message_->setReadOnly(true);
   message_->setFrameShape(QFrame::NoFrame);
   message_->setTabChangesFocus(true);
+  message_->document()->setDocumentMargin(0);
   message_->setFixedHeight(fontMetrics().lineSpacing() * kMessageLines + kSpacing);
   message_->setAccessibleName(tr("Why there are no rows"));
   auto* line = new QHBoxLayout(failure_);
   line->setContentsMargins(kSpacing, kSpacing / 2, kSpacing, kSpacing / 2);
   line->setSpacing(kSpacing);
   line->addWidget(mark_, 0, Qt::AlignTop);
-  line->addWidget(message_, 1);
+  line->addWidget(message_, 1, Qt::AlignTop);
+  failure_->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
   layout->addWidget(failure_);
   failure_->hide();
 
@@ -270,7 +272,7 @@ void PreviewPane::ShowSummary() {
   } else if (running_) {
     summary_->setText(tr("%1, reading on").arg(RowsText()));
   } else if (!Failure().isEmpty() && table_->isHidden()) {
-    summary_->setText(tr("The statement was not run"));
+    summary_->setText(tr("No rows, because of an error"));
   } else {
     summary_->setText(RowsText());
   }

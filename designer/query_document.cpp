@@ -149,6 +149,7 @@ QString QueryDocument::Recover(const KeptWork& work, const std::shared_ptr<Provi
     return ToQString(error.what());
   }
   file_ = work.file;
+  hub_.ClearHistory();
   saved_.clear();
   window_.changed();
   return {};
@@ -214,6 +215,7 @@ QString QueryDocument::Open(const QString& file, QString* remark) {
   MarkUnmodified();
   Remember(file_);
   window_.changed();
+  window_.happened(tr("Opened %1").arg(QDir::toNativeSeparators(file_)));
   return {};
 }
 
@@ -261,6 +263,7 @@ QString QueryDocument::SaveAs(const QString& file) {
   MarkUnmodified();
   Remember(file_);
   window_.changed();
+  window_.happened(tr("Saved %1").arg(QDir::toNativeSeparators(file_)));
   return {};
 }
 

@@ -33,6 +33,8 @@ class QueryDocument {
     std::function<void(const std::shared_ptr<ProviderConnection>& connection)> useConnection;
     /// The document has another name, or the query was replaced.
     std::function<void()> changed;
+    /// Something was done that the user may like to read.
+    std::function<void(const QString& text)> happened;
   };
 
   /// Both must outlive the document.

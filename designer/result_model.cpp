@@ -98,7 +98,7 @@ QVariant ResultModel::data(const QModelIndex& index, int role) const {
     }
     case Qt::TextAlignmentRole:
       return static_cast<int>(value.kind == ResultKind::Number ? Qt::AlignRight | Qt::AlignVCenter
-                                                              : Qt::AlignLeading | Qt::AlignVCenter);
+                                                               : Qt::AlignLeading | Qt::AlignVCenter);
     case Qt::ForegroundRole:
       return isNull || value.kind == ResultKind::Binary ? QVariant(quiet_) : QVariant();
     default:

@@ -29,7 +29,8 @@ void ForEachColumn(const QueryDesignerWidget& designer, const auto& work) {
 void StoreLayout(const RememberedWindow& remembered) {
   QSettings settings;
   settings.setValue(kGeometryKey, remembered.window.saveGeometry());
-  settings.setValue(kPanesKey, remembered.panes.saveState());
+  // A pane that is hidden would come back without a height.
+  if (remembered.panes.widget(1)->isVisible()) settings.setValue(kPanesKey, remembered.panes.saveState());
   settings.setValue(kDesignerKey, remembered.designer.saveState());
   settings.setValue(kZoomKey, remembered.designer.QueryBuilder().DiagramPane()->Zoom());
   settings.beginGroup(kColumnsGroup);

@@ -29,7 +29,6 @@ void qbDiagramPane::Paint(Canvas& canvas, const PixelRect& dirty) const {
   }
   // Without a selected object nothing else says where the keys go.
   if (focused_ && !selected_) {
-    const PixelSize view = GetSurface().ViewSize();
     canvas.StrokeRect({1_px, 1_px, view.width - 2_px, view.height - 2_px}, ColorRole::Focus, 2_px);
   }
   if (keyJoin_) {

@@ -23,6 +23,7 @@
 #include "adapters/qt/qt_picture.h"
 #include "adapters/qt/qt_text.h"
 #include "base/error.h"
+#include "platform/mirrored_canvas.h"
 
 namespace zrqrybld {
 namespace {
@@ -90,7 +91,7 @@ PixelSize ControlWidget::ViewSize() const {
 
 void ControlWidget::Invalidate(const PixelRect& area) {
   // One pixel more: an antialiased edge may reach into its neighbour.
-  viewport()->update(ToQRectF(area).toAlignedRect().adjusted(-1, -1, 1, 1));
+  viewport()->update(ToViewport(*viewport(), area).toAlignedRect().adjusted(-1, -1, 1, 1));
   UpdateAccessSoon();
 }
 
@@ -127,7 +128,14 @@ void ControlWidget::Scrolled(Orientation orientation, int value) {
   Tell([=](Control& control) { control.OnScroll(orientation, value); });
 }
 
-void ControlWidget::SetCursor(Cursor cursor) { viewport()->setCursor(ToCursorShape(cursor)); }
+void ControlWidget::SetCursor(Cursor cursor) {
+  if (isRightToLeft() && cursor == Cursor::SizeDiagonalDown) {
+    cursor = Cursor::SizeDiagonalUp;
+  } else if (isRightToLeft() && cursor == Cursor::SizeDiagonalUp) {
+    cursor = Cursor::SizeDiagonalDown;
+  }
+  viewport()->setCursor(ToCursorShape(cursor));
+}
 
 void ControlWidget::SetCapture(bool captured) {
   const bool has = QWidget::mouseGrabber() == viewport();
@@ -140,7 +148,7 @@ void ControlWidget::SetFocus() { setFocus(Qt::OtherFocusReason); }
 void ControlWidget::ShowMenu(const Menu& menu, PixelPoint at) {
   QMenu window(this);
   FillMenu(window, menu, boundary_);
-  window.exec(viewport()->mapToGlobal(ToQPointF(at).toPoint()));
+  window.exec(viewport()->mapToGlobal(ToQPointF(ToSurface(*viewport(), at)).toPoint()));
 }
 
 void ControlWidget::SetTicking(bool ticking) {
@@ -207,12 +215,12 @@ void ControlWidget::scrollContentsBy(int, int) {}  // the control moves its cont
 // --- Assistive technology ---
 
 QRect ControlWidget::ToScreen(const PixelRect& onSurface) const {
-  const QRect place = ToQRectF(onSurface).toAlignedRect();
+  const QRect place = ToViewport(*viewport(), onSurface).toAlignedRect();
   return {viewport()->mapToGlobal(place.topLeft()), place.size()};
 }
 
 PixelPoint ControlWidget::FromScreen(const QPoint& onScreen) const {
-  return ToPixelPoint(viewport()->mapFromGlobal(onScreen));
+  return ToSurface(*viewport(), ToPixelPoint(viewport()->mapFromGlobal(onScreen)));
 }
 
 void ControlWidget::PerformAccess(const AccessibleId& id, AccessibleAction action) {
@@ -246,7 +254,15 @@ void ControlWidget::paintEvent(QPaintEvent* event) {
   const QRect dirty = event->rect();
   painter.fillRect(dirty, theme_.Of(ColorRole::Surface));
   QtCanvas canvas(painter, theme_, metrics_, this);
-  Tell([&](const Control& control) { control.Paint(canvas, ToPixelRect(dirty)); });
+  const Pixels width(viewport()->width());
+  MirroredCanvas mirrored(canvas, width);
+  Tell([&](const Control& control) {
+    if (isRightToLeft()) {
+      control.Paint(mirrored, MirroredAt(width, ToPixelRect(dirty)));
+    } else {
+      control.Paint(canvas, ToPixelRect(dirty));
+    }
+  });
 }
 
 void ControlWidget::resizeEvent(QResizeEvent*) {
@@ -259,6 +275,7 @@ void ControlWidget::changeEvent(QEvent* event) {
     case QEvent::PaletteChange:
     case QEvent::StyleChange:
     case QEvent::FontChange:
+    case QEvent::LayoutDirectionChange:
       theme_ = Theme(palette());
       metrics_.SetBaseFont(font());
       Tell([this](Control& control) {
@@ -273,28 +290,35 @@ void ControlWidget::changeEvent(QEvent* event) {
 
 // --- Mouse ---
 
+MouseEvent ControlWidget::OnSurface(MouseEvent mouse) const {
+  mouse.position = ToSurface(*viewport(), mouse.position);
+  return mouse;
+}
+
 void ControlWidget::mousePressEvent(QMouseEvent* event) {
-  const MouseEvent mouse = ToMouseEvent(*event);
+  const MouseEvent mouse = OnSurface(ToMouseEvent(*event));
   if (mouse.button != ButtonNone) Tell([&](Control& control) { control.OnMouseDown(mouse); });
 }
 
 void ControlWidget::mouseMoveEvent(QMouseEvent* event) {
-  const MouseEvent mouse = ToMouseEvent(*event);
+  const MouseEvent mouse = OnSurface(ToMouseEvent(*event));
   Tell([&](Control& control) { control.OnMouseMove(mouse); });
 }
 
 void ControlWidget::mouseReleaseEvent(QMouseEvent* event) {
-  const MouseEvent mouse = ToMouseEvent(*event);
+  const MouseEvent mouse = OnSurface(ToMouseEvent(*event));
   if (mouse.button != ButtonNone) Tell([&](Control& control) { control.OnMouseUp(mouse); });
 }
 
 void ControlWidget::mouseDoubleClickEvent(QMouseEvent* event) {
-  const MouseEvent mouse = ToMouseEvent(*event);
+  const MouseEvent mouse = OnSurface(ToMouseEvent(*event));
   if (mouse.button != ButtonNone) Tell([&](Control& control) { control.OnDoubleClick(mouse); });
 }
 
 void ControlWidget::wheelEvent(QWheelEvent* event) {
-  const WheelEvent wheel = ToWheelEvent(*event, metrics_.LineHeight({}).Value());
+  WheelEvent wheel = ToWheelEvent(*event, metrics_.LineHeight({}).Value());
+  wheel.position = ToSurface(*viewport(), wheel.position);
+  if (isRightToLeft()) wheel.linesX = -wheel.linesX;
   event->accept();
   Tell([&](Control& control) { control.OnWheel(wheel); });
 }
@@ -320,7 +344,9 @@ bool ControlWidget::viewportEvent(QEvent* event) {
 
 void ControlWidget::ShowToolTip(const QPoint& position, const QPoint& globalPosition) {
   QString text;
-  Tell([&](const Control& control) { text = ToQString(control.ToolTipAt(ToPixelPoint(position))); });
+  Tell([&](const Control& control) {
+    text = ToQString(control.ToolTipAt(ToSurface(*viewport(), ToPixelPoint(position))));
+  });
   if (text.isEmpty()) {
     QToolTip::hideText();
     return;
@@ -331,8 +357,19 @@ void ControlWidget::ShowToolTip(const QPoint& position, const QPoint& globalPosi
 
 // --- Keyboard and focus ---
 
+// In a mirror the arrows to the left and right change places, too.
+KeyEvent ControlWidget::OnSurface(KeyEvent key) const {
+  if (!isRightToLeft()) return key;
+  if (key.keyCode == KeyCodeLeft) {
+    key.keyCode = KeyCodeRight;
+  } else if (key.keyCode == KeyCodeRight) {
+    key.keyCode = KeyCodeLeft;
+  }
+  return key;
+}
+
 bool ControlWidget::OfferKey(QKeyEvent& event) {
-  const KeyEvent key = ToKeyEvent(event);
+  const KeyEvent key = OnSurface(ToKeyEvent(event));
   bool used = false;
   Tell([&](Control& control) { used = control.OnKeyDown(key); });
   event.setAccepted(used);
@@ -363,7 +400,7 @@ void ControlWidget::dragMoveEvent(QDragMoveEvent* event) {
   bool allowed = false;
   if (event->mimeData()->hasText()) {
     const std::string text = ToUtf8(event->mimeData()->text());
-    Tell([&](Control& control) { allowed = control.OnDragOver(text, ToMouseEvent(*event)); });
+    Tell([&](Control& control) { allowed = control.OnDragOver(text, OnSurface(ToMouseEvent(*event))); });
   }
   // Entering is always accepted: a place further inside may take what the edge does not.
   if (allowed || event->type() == QEvent::DragEnter) {
@@ -380,7 +417,7 @@ void ControlWidget::dragLeaveEvent(QDragLeaveEvent* event) {
 
 void ControlWidget::dropEvent(QDropEvent* event) {
   const std::string text = ToUtf8(event->mimeData()->text());
-  Tell([&](Control& control) { control.OnDrop(text, ToMouseEvent(*event)); });
+  Tell([&](Control& control) { control.OnDrop(text, OnSurface(ToMouseEvent(*event))); });
   event->acceptProposedAction();
 }
 
@@ -395,7 +432,7 @@ void ControlWidget::keyPressEvent(QKeyEvent* event) {
 void ControlWidget::keyReleaseEvent(QKeyEvent* event) {
   event->ignore();
   if (event->isAutoRepeat()) return;  // the key is still held
-  const KeyEvent key = ToKeyEvent(*event);
+  const KeyEvent key = OnSurface(ToKeyEvent(*event));
   Tell([&](Control& control) { control.OnKeyUp(key); });
 }
 

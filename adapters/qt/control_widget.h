@@ -2,7 +2,8 @@
 //
 // It keeps the control alive, hands it what the user does, paints it and is its surface. It only
 // translates; every rule is the control's. A control that is destroyed or taken out leaves an empty
-// widget; a widget that is destroyed leaves the control on its headless surface.
+// widget; a widget that is destroyed leaves the control on its headless surface. In a layout from right to left the
+// control is seen in a mirror and knows nothing of it.
 #pragma once
 
 #include <QAbstractScrollArea>
@@ -103,6 +104,8 @@ class ControlWidget : public QAbstractScrollArea, public Surface, public AccessH
  private:
   template <class Call>
   void Tell(Call&& call);
+  MouseEvent OnSurface(MouseEvent mouse) const;
+  KeyEvent OnSurface(KeyEvent key) const;
   bool OfferKey(QKeyEvent& event);
   void ShowToolTip(const QPoint& position, const QPoint& globalPosition);
   void ApplyScrollBars();

@@ -147,6 +147,12 @@ void ExpressionWindow::ApplyColors() {
   QPalette colors = palette();
   colors.setColor(QPalette::WindowText, Theme::ForWindow(palette()).Of(ColorRole::Error));
   message_->setPalette(colors);
+  if (!parts_) return;
+  const QBrush quiet = Theme(palette()).Of(ColorRole::QuietText);
+  for (int g = 0; g < parts_->topLevelItemCount(); ++g) {
+    QTreeWidgetItem& group = *parts_->topLevelItem(g);
+    for (int p = 0; p < group.childCount(); ++p) group.child(p)->setForeground(1, quiet);
+  }
 }
 
 void ExpressionWindow::changeEvent(QEvent* event) {
@@ -252,7 +258,6 @@ void ExpressionWindow::FillTree() {
       item->setData(0, kGroupRole, static_cast<qulonglong>(g));
       item->setData(0, kPartRole, static_cast<qulonglong>(p));
       item->setData(0, kInsertRole, ToQString(part.insert));
-      item->setForeground(1, Theme(palette()).Of(ColorRole::QuietText));
     }
     items.push_back(group);
   }

@@ -4,8 +4,10 @@
 #include <QCalendarWidget>
 #include <QComboBox>
 #include <QDate>
+#include <QEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QIconEngine>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -30,33 +32,60 @@ constexpr int kCharacters = 44;      // of an editor
 constexpr int kMostFieldsShown = 8;  // more are scrolled
 constexpr int kStatementLines = 9;
 
-QLabel* QuietLabel(const QString& text) {
-  auto* label = new QLabel(text);
-  label->setTextFormat(Qt::PlainText);
-  QPalette palette = label->palette();
-  palette.setColor(QPalette::WindowText, Theme::ForWindow(palette).Of(ColorRole::QuietText));
-  label->setPalette(palette);
-  return label;
-}
-
-// A page of a calendar, in the colour of the text.
-QIcon CalendarIcon(const QPalette& palette) {
-  constexpr int kSide = 64;
-  QPixmap picture(kSide, kSide);
-  picture.fill(Qt::transparent);
-  QPainter painter(&picture);
-  painter.setRenderHint(QPainter::Antialiasing);
-  const QColor ink = palette.color(QPalette::Text);
-  painter.setPen(QPen(ink, 5));
-  painter.drawRoundedRect(QRectF(8, 12, 48, 44), 5, 5);
-  painter.fillRect(QRectF(8, 14, 48, 12), ink);
-  painter.drawLine(QPointF(20, 5), QPointF(20, 14));
-  painter.drawLine(QPointF(44, 5), QPointF(44, 14));
-  for (const int y : {33, 44}) {
-    for (const int x : {17, 29, 41}) painter.fillRect(QRectF(x, y, 6, 5), ink);
+// In a quieter tone, which follows the palette.
+class QuietLabel final : public QLabel {
+ public:
+  explicit QuietLabel(const QString& text) : QLabel(text) {
+    setTextFormat(Qt::PlainText);
+    Recolor();
   }
-  return picture;
-}
+
+ protected:
+  void changeEvent(QEvent* event) override {
+    QLabel::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) Recolor();
+  }
+
+ private:
+  void Recolor() {
+    const QColor quiet = Theme::ForWindow(QApplication::palette()).Of(ColorRole::QuietText);
+    if (palette().color(QPalette::WindowText) == quiet) return;
+    QPalette own;  // with this colour alone, so that the others still follow
+    own.setColor(QPalette::WindowText, quiet);
+    setPalette(own);
+  }
+};
+
+// A page of a calendar, in the colour that text has when it is painted.
+class CalendarIcon final : public QIconEngine {
+ public:
+  void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
+    constexpr qreal kSide = 64;
+    const QPalette::ColorGroup group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
+    const QColor ink = QApplication::palette().color(group, QPalette::Text);
+    painter->save();
+    painter->translate(rect.topLeft());
+    painter->scale(rect.width() / kSide, rect.height() / kSide);
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(QPen(ink, 5));
+    painter->drawRoundedRect(QRectF(8, 12, 48, 44), 5, 5);
+    painter->fillRect(QRectF(8, 14, 48, 12), ink);
+    painter->drawLine(QPointF(20, 5), QPointF(20, 14));
+    painter->drawLine(QPointF(44, 5), QPointF(44, 14));
+    for (const int y : {33, 44}) {
+      for (const int x : {17, 29, 41}) painter->fillRect(QRectF(x, y, 6, 5), ink);
+    }
+    painter->restore();
+  }
+  QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+    QPixmap picture(size);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    paint(&painter, QRect(QPoint(), size), mode, state);
+    return picture;
+  }
+  QIconEngine* clone() const override { return new CalendarIcon(*this); }
+};
 
 }  // namespace
 
@@ -131,7 +160,7 @@ QWidget* ParametersWindow::MakeForm() {
     const int row = static_cast<int>(editors_.size()) - 1;
     form->addWidget(label, row, 0);
     form->addWidget(editor.Widget(), row, 1);
-    form->addWidget(QuietLabel(ToQString(field.typeName)), row, 2);
+    form->addWidget(new QuietLabel(ToQString(field.typeName)), row, 2);
   }
   auto* area = new QScrollArea;
   area->setFrameShape(QFrame::NoFrame);
@@ -175,7 +204,7 @@ ParametersWindow::Editor ParametersWindow::MakeEditor(const ParameterField& fiel
 
 // A date can be typed in any form that criteria take; the calendar writes one that cannot be misread.
 void ParametersWindow::AddCalendar(QLineEdit& line) {
-  QAction* open = line.addAction(CalendarIcon(palette()), QLineEdit::TrailingPosition);
+  QAction* open = line.addAction(QIcon(new CalendarIcon), QLineEdit::TrailingPosition);
   open->setToolTip(tr("Choose from a calendar (Alt+Down)"));
   open->setShortcut(Qt::ALT | Qt::Key_Down);
   open->setShortcutContext(Qt::WidgetShortcut);

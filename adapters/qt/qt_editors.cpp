@@ -20,6 +20,8 @@ constexpr int kNoMaxLength = 32767;  // Qt's own
 
 }  // namespace
 
+QRect EditorWindow::Place(const PixelRect& onSurface) const { return ToViewport(*viewport, onSurface).toAlignedRect(); }
+
 // The line edit tells its owner what happens; an owner that was destroyed is told nothing.
 class QtTextEditor::Line final : public QLineEdit {
  public:
@@ -108,7 +110,7 @@ QtTextEditor::~QtTextEditor() {
 }
 
 void QtTextEditor::SetBounds(const PixelRect& bounds) {
-  if (line_) line_->setGeometry(ToQRectF(bounds).toAlignedRect());
+  if (line_ && window_.viewport) line_->setGeometry(window_.Place(bounds));
 }
 
 void QtTextEditor::SetVisible(bool visible) {
@@ -206,7 +208,7 @@ void QtPopupList::Open(const PixelRect& owner, const std::vector<std::string>& t
 
 // As wide as its texts need, at least as wide as its owner, and on the screen.
 void QtPopupList::Place(const PixelRect& owner) {
-  const QRect place = ToQRectF(owner).toAlignedRect();
+  const QRect place = window_.Place(owner);
   const int rows = std::min(view_->model()->rowCount(), kMostRowsShown);
   const int frame = 2 * view_->frameWidth();
   const int height = rows * std::max(view_->sizeHintForRow(0), 1) + frame;
@@ -223,9 +225,10 @@ void QtPopupList::Place(const PixelRect& owner) {
   const QScreen* screen = window_.viewport->screen();
   const QRect room = screen ? screen->availableGeometry() : QRect(QPoint(), size);
   QPoint corner = window_.viewport->mapToGlobal(place.bottomLeft() + QPoint(0, 1));
+  if (window_.viewport->isRightToLeft()) corner.rx() += place.width() - size.width();
   if (corner.y() + size.height() > room.bottom() + 1) {
-    const QPoint above = window_.viewport->mapToGlobal(place.topLeft()) - QPoint(0, size.height());
-    if (above.y() >= room.top()) corner = above;
+    const int above = window_.viewport->mapToGlobal(place.topLeft()).y() - size.height();
+    if (above >= room.top()) corner.setY(above);
   }
   corner.setX(std::max(room.left(), std::min(corner.x(), room.right() + 1 - size.width())));
   view_->setGeometry(QRect(corner, size));

@@ -21,6 +21,9 @@ struct EditorWindow {
   const QtMetrics* metrics;
   const EventBoundary* boundary;
   std::function<QString()> name = {};  ///< what assistive technology calls an editor that opens now
+
+  /// A place on the control's surface as one of the viewport.
+  QRect Place(const PixelRect& onSurface) const;
 };
 
 /// A line edit inside a control's window. The window may go away first.

@@ -4,8 +4,10 @@
 #include <QPointF>
 #include <QRect>
 #include <QRectF>
+#include <QWidget>
 
 #include "base/units.h"
+#include "platform/mirrored_canvas.h"
 
 namespace zrqrybld {
 
@@ -23,6 +25,14 @@ inline QRectF ToQRectF(const PixelRect& r) {
 /// The rectangle in the library's type.
 inline PixelRect ToPixelRect(const QRectF& r) {
   return {Pixels(r.x()), Pixels(r.y()), Pixels(r.width()), Pixels(r.height())};
+}
+
+/// A place of a control's surface in the widget that shows it: from right to left the surface is seen in a mirror.
+inline QRectF ToViewport(const QWidget& viewport, const PixelRect& onSurface) {
+  return ToQRectF(viewport.isRightToLeft() ? MirroredAt(Pixels(viewport.width()), onSurface) : onSurface);
+}
+inline PixelPoint ToSurface(const QWidget& viewport, PixelPoint inViewport) {
+  return viewport.isRightToLeft() ? PixelPoint{Pixels(viewport.width()) - inViewport.x, inViewport.y} : inViewport;
 }
 
 }  // namespace zrqrybld

@@ -178,6 +178,7 @@ class QtTextArea::RemarkLine final : public QWidget {
 
 QtTextArea::QtTextArea(QWidget* parent) : QPlainTextEdit(parent), theme_(palette()) {
   setLineWrapMode(NoWrap);
+  setLayoutDirection(Qt::LeftToRight);  // SQL is written from left to right everywhere
   setFrameShape(NoFrame);
   announcer_ = new Announcer(this);
   margin_ = new Margin(*this);

@@ -11,6 +11,7 @@
 #include <QProcessEnvironment>
 #include <QPushButton>
 #include <QSettings>
+#include <QStatusBar>
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTreeWidget>
@@ -81,6 +82,22 @@ TEST_F(Session, TheWindowComesBackAsItWasLeft) {
   EXPECT_EQ(window.size(), left);
   EXPECT_EQ(Hub(window).DiagramPane()->Zoom(), 1.5);
   EXPECT_EQ(column(window)->Width(), 3000);
+}
+
+TEST_F(Session, TheStatusLineSaysWhatHappenedLast) {
+  MainWindow window;
+  const auto said = [&] { return Utf8(window.statusBar()->currentMessage()); };
+  window.OpenDatabase(ZRQRYBLD_SAMPLE_DB);
+  EXPECT_EQ(said(), "Connected to store.db");
+  window.AddTables({"Customers"});
+  const std::string step = said();
+  EXPECT_NE(step.find("Customers"), std::string::npos) << step;
+  for (QAction* action : window.findChildren<QAction*>()) {
+    if (action->shortcut() == QKeySequence(Qt::CTRL | Qt::Key_Z)) action->trigger();
+  }
+  EXPECT_EQ(said(), "Undone: " + step);
+  ASSERT_EQ(window.Document().SaveAs(folder.filePath("said.zrq")), QString());
+  EXPECT_NE(said().find("said.zrq"), std::string::npos);
 }
 
 TEST_F(Session, NoSecretIsEverKept) {

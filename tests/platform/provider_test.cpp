@@ -4,6 +4,7 @@
 
 #include "base/error.h"
 #include "platform/headless.h"
+#include "platform/mirrored_canvas.h"
 #include "platform/schema_fields.h"
 #include "platform/table_row_set.h"
 
@@ -129,6 +130,28 @@ TEST(Headless, RecordsDrawingInOrderWithItsClips) {
   EXPECT_EQ(canvas.Text(),
             "clip 1,2 30x4.5\nfill 1,2 30x4.5 Identifier\ntext 1,2 30x4.5 color1 bold \"a \"b\"\"\nunclip\n"
             "part FocusRectangle 1,2 30x4.5 checked disabled\n");
+}
+
+// A place and its mirror add up to the width, also inside a view that is moved and enlarged.
+TEST(MirroredCanvas, TurnsPlacesRoundAndTextsNot) {
+  RecordingCanvas plain;
+  MirroredCanvas mirrored(plain, 100_px);
+  const PixelPoint line[] = {{0_px, 1_px}, {30_px, 1_px}};
+  mirrored.DrawPolyline(line, ColorRole::Join, 1_px);
+  {
+    const ViewScope view(mirrored, {10_px, 0_px}, 2);  // 5 to 25 is seen from 20 to 60, in the mirror from 40 to 80
+    mirrored.DrawText({5_px, 0_px, 20_px, 4_px}, "ab", {});
+  }
+  mirrored.FillRect({5_px, 0_px, 20_px, 4_px}, ColorRole::Box);
+  RecordingCanvas expected;
+  const PixelPoint there[] = {{100_px, 1_px}, {70_px, 1_px}};
+  expected.DrawPolyline(there, ColorRole::Join, 1_px);
+  {
+    const ViewScope view(expected, {10_px, 0_px}, 2);
+    expected.DrawText({15_px, 0_px, 20_px, 4_px}, "ab", {.alignment = TextAlignment::Right});
+  }
+  expected.FillRect({75_px, 0_px, 20_px, 4_px}, ColorRole::Box);
+  EXPECT_EQ(plain.Text(), expected.Text());
 }
 
 }  // namespace

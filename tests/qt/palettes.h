@@ -1,11 +1,45 @@
 // The palettes that the tests paint with: usual ones and ones that leave little room.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <QPalette>
 #include <string>
 #include <vector>
 
+#include "adapters/qt/theme.h"
+
 namespace zrqrybld {
+
+inline constexpr ColorRole kTexts[] = {ColorRole::SurfaceText,
+                                       ColorRole::CaptionActiveText,
+                                       ColorRole::CaptionInactiveText,
+                                       ColorRole::Text,
+                                       ColorRole::QuietText,
+                                       ColorRole::RowSelectedText,
+                                       ColorRole::Disabled,
+                                       ColorRole::Error,
+                                       ColorRole::Warning,
+                                       ColorRole::Keyword,
+                                       ColorRole::Literal,
+                                       ColorRole::Comment,
+                                       ColorRole::Identifier};
+inline constexpr ColorRole kLines[] = {ColorRole::BoxFrame,  ColorRole::GridLine,     ColorRole::Join,
+                                       ColorRole::JoinHover, ColorRole::JoinSelected, ColorRole::KeyIcon,
+                                       ColorRole::Focus};
+
+/// Every ink of a theme is legible on every ground that it may stand on.
+inline void ExpectLegible(const Theme& theme, const std::string& name) {
+  const auto check = [&](ColorRole ink, double least) {
+    ASSERT_FALSE(Theme::GroundsOf(ink).empty());
+    for (const ColorRole ground : Theme::GroundsOf(ink)) {
+      EXPECT_GE(Theme::Contrast(theme.Of(ink), theme.Of(ground)), least)
+          << name << ": ink " << static_cast<int>(ink) << " on ground " << static_cast<int>(ground);
+    }
+  };
+  for (const ColorRole ink : kTexts) check(ink, 4.5);
+  for (const ColorRole ink : kLines) check(ink, ink == ColorRole::GridLine ? 1.25 : 3.0);
+}
 
 struct NamedPalette {
   std::string name;

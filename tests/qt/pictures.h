@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFileInfo>
 #include <QImage>
 #include <QWidget>
 
@@ -39,7 +40,7 @@ inline QImage Paint(QWidget& widget, double scale = 1) {
 /// Keeps a picture under a name such as "join-dark-200".
 inline void KeepPicture(const QImage& image, const std::string& name) {
   const QDir folder(QStringLiteral(ZRQRYBLD_PICTURES));
-  EXPECT_TRUE(folder.mkpath(QStringLiteral(".")));
+  EXPECT_TRUE(QFileInfo(folder.filePath(QString::fromStdString(name))).dir().mkpath(QStringLiteral(".")));
   EXPECT_TRUE(image.save(folder.filePath(QString::fromStdString(name + ".png"))));
 }
 
