@@ -206,6 +206,7 @@ QString QueryDocument::Open(const QString& file, QString* remark) {
     if (replaced) {
       hub_.SetConnection(connectionBefore);
       Load(before);
+      hub_.ClearHistory();  // its last steps are those of the opening that failed
       window_.changed();
     }
     return message;

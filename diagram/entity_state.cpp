@@ -45,10 +45,29 @@ std::vector<JoinState> JoinsOf(const qbRelationships& relationships) {
   return joins;
 }
 
+// Whether the table is as it was, without making anything: most tables are, in most steps.
+bool IsAsBefore(qbEntity& entity, const EntityState& before) {
+  const qbEntityList& box = *entity.EntityBox();
+  const EntityFacts& facts = before.facts;
+  const bool same = entity.Identity()->rowsSeen == box.Rows().Revision() && box.Caption() == facts.caption &&
+                    box.Shape() == facts.shape && entity.TagVariant() == facts.tag && box.IsView() == facts.isView &&
+                    box.CaptionIcon() == facts.captionIcon && box.CaptionIconMaskColor() == facts.iconMaskColor &&
+                    box.UseCaptionIconMaskColor() == facts.useIconMaskColor && box.BackColor() == facts.backColor &&
+                    box.ShowMinimizeButton() == facts.showMinimizeButton && entity.Properties() == facts.properties;
+  const qbRelationships& joins = *entity.Relationships();
+  if (!same || static_cast<std::size_t>(joins.Count()) != before.joins.size()) return false;
+  for (std::size_t i = 0; i < before.joins.size(); ++i) {
+    const Ref<qbRelationship> join = joins.Item(static_cast<std::int32_t>(i) + 1);
+    if (join->Identity() != before.joins[i].identity || join->Facts() != before.joins[i].facts) return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 std::shared_ptr<const EntityState> StateOf(qbEntity& entity, const std::shared_ptr<const EntityState>& before,
                                            bool withTicks) {
+  if (before && IsAsBefore(entity, *before)) return before;
   const BoxRows& rows = entity.EntityBox()->Rows();
   EntityState now;
   now.identity = entity.Identity();

@@ -13,6 +13,7 @@ namespace zrqrybld {
 namespace {
 
 constexpr std::string_view kLike = "LIKE";
+constexpr std::int32_t kKeyF5 = KeyCodeF1 + 4;
 
 }  // namespace
 
@@ -44,7 +45,9 @@ void qbSQLPane::ListenToTextArea() {
   links_.push_back(textArea_->Left.Connect([this] { ApplyEditedText(); }));
   links_.push_back(textArea_->KeyDown.Connect([this](std::int32_t& keyCode, std::int32_t shift) {
     KeyDown.Raise(keyCode, shift);
-    if (keyCode != KeyCodeEnter || shift != ShiftCtrl) return;
+    const bool applies =
+        (keyCode == KeyCodeEnter && shift == ShiftCtrl) || (keyCode == kKeyF5 && shift == ShiftNone && edited_);
+    if (!applies) return;
     keyCode = 0;
     ApplyEditedText();
   }));

@@ -62,7 +62,7 @@ class qbSQLPane final : public Object {
   /// Whether the user has changed the text and the designer has not taken it over.
   bool IsEdited() const { return edited_; }
   /// Makes the designer's query what the user has typed. When that fails, the text stays as it is, with its fault
-  /// underlined and said beside it. True when nothing is left to apply. Ctrl+Enter and leaving the text do this, too.
+  /// underlined and said beside it. True when nothing is left to apply. Ctrl+Enter, F5 and leaving the text do this, too.
   bool ApplyEditedText();
   /// Brings the designer's own text back.
   void RevertEditedText() { Refresh(); }

@@ -41,14 +41,21 @@ class QtTextEditor::Line final : public QLineEdit {
         event->type() == QEvent::KeyPress && ToKeyCode(static_cast<const QKeyEvent&>(*event).key()) == KeyCodeTab;
     if (isTab && Offer(static_cast<QKeyEvent&>(*event))) return true;
     // The line edit's own commands (undo, copy, ...) and what the grid does with keys go before the window's shortcuts.
-    if (event->type() == QEvent::ShortcutOverride && ToKeyCode(static_cast<QKeyEvent&>(*event).key()) == KeyCodeF4) {
-      event->accept();
-      return true;
+    if (event->type() == QEvent::ShortcutOverride) {
+      const auto& key = static_cast<const QKeyEvent&>(*event);
+      if (ToKeyCode(key.key()) == KeyCodeF4 || IsUndoKey(key) || IsRedoKey(key)) {
+        event->accept();
+        return true;
+      }
     }
     return QLineEdit::event(event);
   }
   void keyPressEvent(QKeyEvent* event) override {
     if (ToKeyCode(event->key()) != KeyCodeTab && Offer(*event)) return;
+    if (IsRedoKey(*event)) {
+      redo();
+      return;
+    }
     QLineEdit::keyPressEvent(event);
   }
   void keyReleaseEvent(QKeyEvent* event) override {

@@ -95,6 +95,14 @@ KeyEvent ToKeyEvent(const QKeyEvent& event) {
   return key;
 }
 
+bool IsUndoKey(const QKeyEvent& event) { return event.key() == Qt::Key_Z && ToShift(event.modifiers()) == ShiftCtrl; }
+
+bool IsRedoKey(const QKeyEvent& event) {
+  const std::int32_t shift = ToShift(event.modifiers());
+  return (event.key() == Qt::Key_Y && shift == ShiftCtrl) ||
+         (event.key() == Qt::Key_Z && shift == (ShiftCtrl | ShiftShift));
+}
+
 MouseEvent ToMouseEvent(const QMouseEvent& event) {
   const bool moving = event.type() == QEvent::MouseMove;
   return {ToButtons(moving ? event.buttons() : Qt::MouseButtons(event.button())), ToShift(event.modifiers()),

@@ -22,6 +22,10 @@ std::int32_t ToButtons(Qt::MouseButtons buttons);
 /// What a key event means: its code, its modifiers and the text it types.
 KeyEvent ToKeyEvent(const QKeyEvent& event);
 
+/// Ctrl+Z; Ctrl+Y or Ctrl+Shift+Z, on every platform.
+bool IsUndoKey(const QKeyEvent& event);
+bool IsRedoKey(const QKeyEvent& event);
+
 /// A button that went down or up, or, while the mouse moves, all that are held.
 MouseEvent ToMouseEvent(const QMouseEvent& event);
 

@@ -74,6 +74,15 @@ struct LinePlace {
   }
 };
 
+// The menu key is turned into a wish for the menu by the platform; Shift+F10 is on Windows only.
+bool OpensMenu([[maybe_unused]] const QKeyEvent& event) {
+#ifdef Q_OS_WIN
+  return false;
+#else
+  return event.key() == Qt::Key_F10 && ToShift(event.modifiers()) == ShiftShift;
+#endif
+}
+
 QTextCharFormat ToFormat(const TextSpan& span, const Theme& theme) {
   QTextCharFormat format;
   format.setForeground(theme.Of(span.role));
@@ -411,8 +420,34 @@ bool QtTextArea::Find(const QKeyEvent& event) {
   return true;
 }
 
+// Undo is the text's own as long as there is typing to undo; after that it is the window's.
+bool QtTextArea::event(QEvent* event) {
+  if (event->type() == QEvent::ShortcutOverride) {
+    const auto& key = static_cast<const QKeyEvent&>(*event);
+    const bool isUndo = IsUndoKey(key);
+    if (isUndo || IsRedoKey(key)) {
+      const bool own = !isReadOnly() && (isUndo ? document()->isUndoAvailable() : document()->isRedoAvailable());
+      event->setAccepted(own);
+      return true;
+    }
+  }
+  return QPlainTextEdit::event(event);
+}
+
 void QtTextArea::keyPressEvent(QKeyEvent* event) {
   if (!OfferKey(*event) || Find(*event)) {
+    event->accept();
+    return;
+  }
+  if (IsRedoKey(*event)) {
+    redo();
+    event->accept();
+    return;
+  }
+  if (OpensMenu(*event)) {
+    QContextMenuEvent wanted(QContextMenuEvent::Keyboard, cursorRect().bottomLeft(),
+                             viewport()->mapToGlobal(cursorRect().bottomLeft()));
+    contextMenuEvent(&wanted);
     event->accept();
     return;
   }

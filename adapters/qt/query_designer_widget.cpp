@@ -1,5 +1,10 @@
 #include "adapters/qt/query_designer_widget.h"
 
+#include <QApplication>
+#include <QShortcut>
+#include <algorithm>
+#include <array>
+
 #include "adapters/qt/change_announcer.h"
 #include "adapters/qt/predictive_text.h"
 #include "adapters/qt/sql_highlighter.h"
@@ -46,6 +51,14 @@ QueryDesignerWidget::QueryDesignerWidget(QWidget* parent)
   setSizes({kDiagramShare * 8, kGridShare * 8, kSqlShare * 8});
   setHandleWidth(6);
 
+  const auto onKey = [this](const QKeySequence& key, int direction) {
+    auto* shortcut = new QShortcut(key, this);
+    shortcut->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(shortcut, &QShortcut::activated, this, [this, direction] { FocusPane(direction); });
+  };
+  onKey(QKeySequence(Qt::Key_F6), 1);
+  onKey(QKeySequence(Qt::SHIFT | Qt::Key_F6), -1);
+
   announcer_ = new ChangeAnnouncer(*hub_, this);
   sql_->setAccessibleName(tr("SQL statement"));
 
@@ -56,6 +69,16 @@ QueryDesignerWidget::QueryDesignerWidget(QWidget* parent)
   diagram_->SetErrorHandler(show);
   grid_->SetErrorHandler(show);
   sql_->SetErrorHandler(show);
+}
+
+void QueryDesignerWidget::FocusPane(int direction) {
+  const std::array<QWidget*, 3> panes{diagram_, grid_, sql_};
+  const QWidget* focused = QApplication::focusWidget();
+  const auto holdsFocus = [focused](const QWidget* pane) { return pane == focused || pane->isAncestorOf(focused); };
+  const auto at = std::ranges::find_if(panes, holdsFocus) - panes.begin();
+  const auto count = std::ssize(panes);
+  const auto next = at == count ? (direction > 0 ? 0 : count - 1) : (at + direction + count) % count;
+  panes[static_cast<std::size_t>(next)]->setFocus(Qt::TabFocusReason);
 }
 
 QueryDesignerWidget::~QueryDesignerWidget() {

@@ -27,6 +27,10 @@ class QueryDesignerWidget : public QSplitter {
   /// The hub: options, connection, tables. Register the data source providers at its toolkit first.
   qbQueryBuilder& QueryBuilder() const { return *hub_; }
 
+  /// Gives the keyboard to the next pane (1) or the one before (-1): diagram, grid, statement, and round again. F6 and
+  /// Shift+F6 do this.
+  void FocusPane(int direction);
+
   /// The panes' windows.
   ControlWidget& DiagramView() const { return *diagram_; }
   ControlWidget& GridView() const { return *grid_; }

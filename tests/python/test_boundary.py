@@ -64,7 +64,7 @@ class EveryMember(unittest.TestCase):
     ARGUMENTS = {
         "AddTable": ("Products",), "Connect": (f"Data Source={STORE}",), "Exists": ("x",), "Find": ("Average",),
         "FindByIndicator": (3,), "FindByIndicatorLong": (3, False), "FindByText": ("orderid",),
-        "GetLanguageString": (1,), "HasTable": ("Order",), "HideColumn": (1,), "ShowColumn": (1,),
+        "GetLanguageString": (1,), "BeginStep": ("A step",), "HasTable": ("Order",), "HideColumn": (1,), "ShowColumn": (1,),
         "LoadLanguageFile": (str(DATA.parent.parent / "samples/languages/german.txt"),), "OpenSchema": (20,), "ParseSQLStatement": ("SELECT City FROM Customers",),
         "LoadQuery": ("Version=1", True), "SaveQuery": ("", True),
         "QuoteIdentifier": ("a b",), "Remove": (1,), "SetLanguageString": (1, "x"), "Test": ("x",),
@@ -265,6 +265,28 @@ class Events(unittest.TestCase):
         with self.assertRaises(Error) as caught:
             print(kept[0].Caption)
         self.assertEqual(caught.exception.number, 91)
+
+
+class Steps(unittest.TestCase):
+    def test_what_a_script_does_is_undone_by_name(self):
+        qb = designer()
+        text = qb.SQLPane.SQLStatement
+        heard = []
+        subscription = qb.on("HistoryChanged", lambda: heard.append(qb.UndoText))
+        qb.BeginStep("Two columns")
+        for column in ("CustomerID", "OrderDate"):
+            qb.DiagramPane.Entities["Order"].Items[column].Checked = True
+        with self.assertRaises(Error) as refused:
+            qb.Undo()
+        self.assertEqual(refused.exception.number, 5)
+        qb.EndStep()
+        self.assertEqual((qb.UndoText, qb.RedoText, qb.CanRedo), ("Two columns", "", False))
+        self.assertTrue(qb.Undo())
+        self.assertEqual((qb.SQLPane.SQLStatement, qb.RedoText), (text, "Two columns"))
+        self.assertTrue(qb.Redo())
+        self.assertIn("OrderDate", qb.SQLPane.SQLStatement)
+        self.assertEqual(heard, ["Two columns", "Tick Order.OrderID", "Two columns"])
+        del subscription
 
 
 class Handles(unittest.TestCase):

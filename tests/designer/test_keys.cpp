@@ -1,0 +1,212 @@
+// Every key of the designer by real key events, line by line of tests/data/keys.txt.
+#include <QListView>
+#include <QMenu>
+#include <QWheelEvent>
+#include <sstream>
+
+#include "adapters/qt/find_bar.h"
+#include "tests/data_table.h"
+#include "tests/designer/designer_window_test.h"
+
+namespace zrqrybld {
+namespace {
+
+class Keys : public test::DesignerWindow {
+ protected:
+  void Prepare() {
+    OpenSampleWith({"Customers", "Order", "Order Lines"});
+    ASSERT_EQ(window.TickColumn("Customers.City"), QString());
+    ASSERT_EQ(window.TickColumn("Order.OrderID"), QString());
+    before_ = Box("Customers").Bounds();
+  }
+  void Focus(const std::string& pane) {
+    QWidget* const view = pane == "diagram" ? static_cast<QWidget*>(&Designer().DiagramView())
+                          : pane == "grid"  ? static_cast<QWidget*>(&Designer().GridView())
+                                            : static_cast<QWidget*>(&Designer().SqlView());
+    view->setFocus(Qt::TabFocusReason);
+  }
+
+  /// Presses the keys one by one, also while a menu or a dialog runs its own loop. Returns the state at the moment to
+  /// look.
+  std::string Press(const std::string& keys) {
+    std::istringstream stream(keys);
+    for (std::string key; stream >> key;) keys_.push_back(key);
+    const auto send = [this](auto& self) -> void {
+      if (keys_.empty()) return;
+      QTimer::singleShot(0, &window, [this, &self] { self(self); });
+      const std::string key = keys_.front();
+      keys_.erase(keys_.begin());
+      Send(key);
+      ++sent_;
+    };
+    const auto count = keys_.size();
+    send(send);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return sent_ == count && !QApplication::activeModalWidget(); }));
+    return seen_.empty() ? State() : seen_;
+  }
+
+  std::string State();
+
+ private:
+  static QWidget* Target() {
+    if (QWidget* popup = QApplication::activePopupWidget()) return popup;
+    if (QWidget* modal = QApplication::activeModalWidget()) return modal->focusWidget() ? modal->focusWidget() : modal;
+    return QApplication::focusWidget();
+  }
+  void Send(const std::string& key);
+  std::string MenuPlace(const QMenu& menu);
+
+  std::vector<std::string> keys_;
+  std::size_t sent_ = 0;
+  std::string seen_;
+  TwipsRect before_;
+};
+
+void Keys::Send(const std::string& key) {
+  const auto rest = [&](std::string_view prefix) { return QString::fromStdString(key.substr(prefix.size())); };
+  QWidget* const target = Target();
+  ASSERT_TRUE(target) << key;
+  const QPoint middle = Diagram()->rect().center();
+  if (key == "?") {
+    QTest::qWait(1);
+    seen_ = State();
+  } else if (key.starts_with("type:")) {
+    QTest::keyClicks(target, rest("type:").replace('_', ' '));
+  } else if (key.starts_with("press:")) {
+    QTest::keyPress(target, Qt::Key_Space);
+  } else if (key.starts_with("release:")) {
+    QTest::keyRelease(target, Qt::Key_Space);
+  } else if (key.starts_with("wheel:")) {
+    const auto held = key == "wheel:Ctrl" ? Qt::ControlModifier : Qt::ShiftModifier;
+    const int turn = key == "wheel:Ctrl" ? 120 : -120;
+    QWheelEvent wheel(middle, Diagram()->mapToGlobal(middle), {}, {0, turn}, Qt::NoButton, held, Qt::NoScrollPhase,
+                      false);
+    QApplication::sendEvent(Diagram(), &wheel);
+  } else if (key.starts_with("drag:")) {
+    const QStringList way = rest("drag:").split(',');
+    QTest::mousePress(Diagram(), Qt::LeftButton, {}, middle);
+    QTest::mouseMove(Diagram(), middle + QPoint(way[0].toInt(), way[1].toInt()));
+    QTest::mouseRelease(Diagram(), Qt::LeftButton, {}, middle + QPoint(way[0].toInt(), way[1].toInt()));
+  } else {
+    const QKeyCombination keys = QKeySequence::fromString(QString::fromStdString(key))[0];
+    ASSERT_NE(keys.key(), Qt::Key_unknown) << key;
+    const bool back = keys.key() == Qt::Key_Tab && keys.keyboardModifiers() == Qt::ShiftModifier;
+    QTest::keyClick(target, back ? Qt::Key_Backtab : keys.key(), keys.keyboardModifiers());
+  }
+}
+
+// What of the design the menu was opened at.
+std::string Keys::MenuPlace(const QMenu& menu) {
+  if (const auto table = std::dynamic_pointer_cast<qbEntity>(Hub().DiagramPane()->SelectedObject())) {
+    const PixelRect box = ScreenScale{}.ToPixels(table->EntityBox()->Bounds());
+    const QPoint at = Diagram()->mapFromGlobal(menu.pos());
+    const QRectF place(box.left.Value(), box.top.Value(), box.width.Value() + 30, box.height.Value() + 30);
+    if (place.contains(at)) return "table";
+  }
+  const zrGrid& grid = *Grid().Grid();
+  if (grid.Row() == 0) return "nothing";
+  const PixelRect cell = grid.GetRowColumnXY(grid.Row(), grid.Column());
+  const QPoint at = Designer().GridView().viewport()->mapFromGlobal(menu.pos());
+  return std::abs(at.x() - cell.left.Value()) < 3 && std::abs(at.y() - cell.Bottom().Value()) < 3 ? "cell"
+                                                                                                  : "elsewhere";
+}
+
+std::string Keys::State() {
+  std::ostringstream state;
+  const auto say = [&](const char* what, const auto& value) { state << what << "=" << value << ";\n"; };
+  const QWidget* focus = QApplication::focusWidget();
+  const auto holds = [&](const QWidget& pane) { return focus && (&pane == focus || pane.isAncestorOf(focus)); };
+  say("pane", holds(Designer().DiagramView()) ? "diagram"
+              : holds(Designer().GridView())  ? "grid"
+              : holds(Designer().SqlView())   ? "sql"
+                                              : "none");
+  say("editing", Grid().Grid()->IsEditing() ? "yes" : "no");
+  const qbDiagramPane& diagram = *Hub().DiagramPane();
+  const auto table = std::dynamic_pointer_cast<qbEntity>(diagram.SelectedObject());
+  say("selected", table ? table->Caption() : diagram.SelectedObject() ? "join" : "-");
+  say("row", table && table->SelectedItem() ? table->SelectedItem()->Text() : "-");
+  std::string tables;
+  std::int32_t joins = 0, kind = 0;
+  for (std::int32_t i = 1; i <= Hub().Entities()->Count(); ++i) {
+    const Ref<qbEntity> one = Hub().Entities()->Item(i);
+    tables += (tables.empty() ? "" : " ") + one->Caption();
+    joins += one->Relationships()->Count();
+    for (std::int32_t j = 1; j <= one->Relationships()->Count(); ++j) kind |= one->Relationships()->Item(j)->Kind();
+  }
+  say("tables", tables);
+  say("joins", joins);
+  say("kind", kind == 0 ? "0" : "not 0");
+  if (const Ref<qbEntity> customers = Hub().Entities()->Item("Customers")) {
+    const TwipsRect now = customers->EntityBox()->Bounds();
+    const auto pixels = [](Twips to, Twips from) { return qRound((to - from).Value() / 15); };
+    state << "moved=" << pixels(now.left, before_.left) << "," << pixels(now.top, before_.top) << ";\n";
+    state << "sized=" << pixels(now.width, before_.width) << "," << pixels(now.height, before_.height) << ";\n";
+  }
+  say("zoom", std::round(diagram.Zoom() * 100) / 100);
+  const ControlWidget& view = Designer().DiagramView();
+  say("scroll", view.horizontalScrollBar()->value() > 0 || view.verticalScrollBar()->value() > 0 ? "yes" : "no");
+  say("grid", GridRows());
+  const zrGrid& grid = *Grid().Grid();
+  say("cell", std::to_string(grid.Row()) + "," +
+                  (grid.Column() == 0 ? std::string() : grid.Columns()->Item(grid.Column())->Key()));
+  say("alias", Grid().Value(1, "alias").Text());
+  say("undo", Hub().UndoText());
+  say("redo", Hub().RedoText());
+  say("edited", Hub().SQLPane()->IsEdited() ? "yes" : "no");
+  say("find", Designer().SqlView().findChild<FindBar*>()->isVisible() ? "open" : "closed");
+  if (const auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget())) {
+    say("menu", test::Utf8(menu->actions().value(0)->text().remove('&').section('\t', 0, 0)));
+    say("at", MenuPlace(*menu));
+  }
+  if (const QWidget* modal = QApplication::activeModalWidget()) {
+    say("dialog", test::Utf8(modal->windowTitle()));
+  }
+  bool list = false, suggestions = false;
+  for (const auto* one : window.findChildren<QListView*>()) {
+    (Designer().SqlView().isAncestorOf(one) ? suggestions : list) |= one->isVisible();
+  }
+  say("list", list ? "open" : "closed");
+  say("suggestions", suggestions ? "open" : "closed");
+  return state.str();
+}
+
+// A window a line: what one line leaves behind cannot help another.
+class KeyTable : public Keys, public testing::WithParamInterface<std::size_t> {};
+
+const std::vector<test::Row>& Table() {
+  static const std::vector<test::Row> kRows = test::ReadRows("keys.txt");
+  return kRows;
+}
+
+TEST_P(KeyTable, DoesWhatItSays) {
+  const test::Row& row = Table()[GetParam()];
+  SCOPED_TRACE(row.place + ": " + row[0] + ", " + row[1]);
+  Prepare();
+  Focus(row[0]);
+  const std::string state = "\n" + Press(row[1]);
+  std::istringstream parts(row[2]);
+  for (std::string part; std::getline(parts, part, ';');) {
+    part.erase(0, part.find_first_not_of(' '));
+    EXPECT_NE(state.find("\n" + part + ";"), std::string::npos) << part << state;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Line, KeyTable, testing::Range(std::size_t{0}, Table().size()));
+
+// Each pane looks different when it has the keyboard, with and without something that is current in it.
+TEST_F(Keys, FocusIsAlwaysVisible) {
+  Prepare();
+  for (const char* pane : {"diagram", "grid", "sql"}) {
+    for (const char* keys : {"", "Down Tab"}) {
+      Focus(pane);
+      if (std::string_view(pane) != "sql" && *keys != '\0') Press(keys);
+      QWidget* view = QApplication::focusWidget();
+      const QImage with = view->grab().toImage();
+      Focus(std::string_view(pane) == "grid" ? "diagram" : "grid");
+      EXPECT_NE(with, view->grab().toImage()) << pane << " " << keys;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace zrqrybld
