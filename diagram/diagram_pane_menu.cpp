@@ -129,7 +129,7 @@ Menu qbDiagramPane::MenuForColumn(const Ref<qbEntity>& entity, const Ref<qbEntit
   MenuEntry sort{"&Sort", "", {}, use && !all};
   for (const auto& [text, type] :
        {std::pair{"&Ascending", "Ascending"}, {"&Descending", "Descending"}, {"&Unsorted", ""}}) {
-    sort.entries.push_back({text, "", [=] { context->SortByColumn(table, column, type); }, true,
+    sort.entries.push_back({text, "", [=, type = type] { context->SortByColumn(table, column, type); }, true,
                             use && EqualsNoCase(use->sortType, type)});
   }
   MenuEntry group{"&Group or Aggregate", "", {}, use.has_value()};

@@ -29,8 +29,7 @@ void qbDiagramPane::Paint(Canvas& canvas, const PixelRect& dirty) const {
   }
   // Without a selected object nothing else says where the keys go.
   if (focused_ && !selected_) {
-    const PixelSize size = GetSurface().ViewSize();
-    canvas.StrokeRect({1_px, 1_px, size.width - 2_px, size.height - 2_px}, ColorRole::Focus, 2_px);
+    canvas.StrokeRect({1_px, 1_px, view.width - 2_px, view.height - 2_px}, ColorRole::Focus, 2_px);
   }
   if (keyJoin_) {
     PaintHint(canvas, "Join " + keyJoin_->box->Caption() + "." + keyJoin_->row->Text() +

@@ -71,7 +71,7 @@ std::vector<Ref<zrGridRow>> qbGridPane::RowsOf(const Field& field) const {
     if (row && row->Index() != 0 && IsRowOf(*row, field)) rows.push_back(row);
   }
   std::ranges::sort(rows, {}, [](const Ref<zrGridRow>& row) { return row->Index(); });
-  rows.erase(std::ranges::unique(rows).begin(), rows.end());
+  rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
   if (rows.empty()) {
     rowsByField_.erase(noted);
   } else {

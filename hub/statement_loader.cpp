@@ -162,23 +162,27 @@ class Loader final : public QuerySource {
       byTable[FoldCase(SourceName(*entities_->Item(i), rules_).back().Name())].push_back(i);
     }
     std::unordered_set<const qbEntity*> claimed;
-    const auto claim = [&](PlannedTable& table, bool anyCaption) {
+    enum class Called : std::uint8_t { Exactly, Alike, Anything };
+    const auto claim = [&](PlannedTable& table, Called called) {
+      if (table.entity) return;
       const auto found = byTable.find(FoldCase(table.written.parts.back().Name()));
       if (found == byTable.end()) return;
       for (const std::int32_t position : found->second) {
         const Ref<qbEntity> entity = entities_->Item(position);
-        if (claimed.contains(entity.get()) || (!anyCaption && !IsCalled(*entity, table))) continue;
+        if (claimed.contains(entity.get())) continue;
+        if (called == Called::Exactly && entity->Caption() != table.caption) continue;
+        if (called == Called::Alike && !IsCalled(*entity, table)) continue;
         if (!IsSameTable(SourceName(*entity, rules_), table.written.parts)) continue;
         claimed.insert(entity.get());
         table.entity = entity;
         table.position = position;
-        if (IsCalled(*entity, table)) table.caption = entity->Caption();
+        // An alias is kept as it is written; a table's own name is spelt as in the diagram.
+        if (table.written.alias.Empty() && IsCalled(*entity, table)) table.caption = entity->Caption();
         return;
       }
     };
-    for (PlannedTable& table : tables_) claim(table, false);
-    for (PlannedTable& table : tables_) {
-      if (!table.entity) claim(table, true);
+    for (const Called called : {Called::Exactly, Called::Alike, Called::Anything}) {
+      for (PlannedTable& table : tables_) claim(table, called);
     }
   }
 

@@ -228,7 +228,7 @@ bool IsException(const qbSQLPane& pane) {
 
 TEST(RoundTrip, AStatementReadBackIsTheDesignItWasMadeFrom) {
   const char* more = std::getenv("ZRQRYBLD_ROUND_TRIPS");  // how many designs; the usual number keeps the test short
-  const unsigned designs = more ? static_cast<unsigned>(std::atoi(more)) : 400;
+  const unsigned designs = more ? static_cast<unsigned>(std::atoi(more)) : 2000;
   HeadlessDesigner designer, fresh;
   std::map<std::string, int> compared;
   for (unsigned seed = 1; seed <= designs; ++seed) {
