@@ -10,6 +10,7 @@ import re
 import shutil
 import subprocess
 import sys
+import tempfile
 import time
 
 SKIPPED = 77
@@ -69,6 +70,7 @@ def walk(bus):
     if not diagram:
         return "there is no diagram"
     # Qt's versions differ in what they call a picture.
+    wait_for(lambda: len(bus.children(*diagram)) == 3)  # the window is there before its tables are
     boxes = [re.sub("^(image|graphic) ", "", bus.line(*box)) for box in bus.children(*diagram)]
     if boxes != ['list "Customers"', 'list "Order"', '"join Order.CustomerID = Customers.CustomerID"']:
         return f"the diagram holds {boxes}"
@@ -92,7 +94,9 @@ def main():
     if not launcher or not shutil.which("gdbus") or "DBUS_SESSION_BUS_ADDRESS" not in os.environ:
         print("skipped: there is no accessibility bus", file=sys.stderr)
         return SKIPPED
-    environment = dict(os.environ, QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", QT_ACCESSIBILITY="1")
+    home = tempfile.TemporaryDirectory()  # no settings, and nothing to recover
+    own = {name: home.name for name in ("HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME")}
+    environment = dict(os.environ, QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", QT_ACCESSIBILITY="1", **own)
     processes = [subprocess.Popen([launcher, "--launch-immediately"], stderr=subprocess.DEVNULL)]
     try:
         ask = ("--session", "--dest", "org.a11y.Bus", "--object-path", "/org/a11y/bus", "--method", "org.a11y.Bus.GetAddress")
@@ -107,6 +111,7 @@ def main():
         for process in reversed(processes):
             process.terminate()
             process.wait()
+        home.cleanup()
     print(wrong or "ok")
     return 1 if wrong else 0
 
