@@ -273,9 +273,9 @@ TEST_F(DiagramGestures, DoWhatTheTableSays) {
   std::vector<EventConnection> links;
   links.push_back(
       pane.OLEDragOver.Connect([&](const std::string&, std::int32_t&, auto, auto, auto, auto, std::int32_t state) {
-        heard_ += "over" + std::to_string(state) + " ";
+        heard_ += (heard_.empty() ? "over" : " over") + std::to_string(state);
       }));
-  links.push_back(pane.OLEDragDrop.Connect([&](const std::string& text, auto&&...) { heard_ += "drop " + text; }));
+  links.push_back(pane.OLEDragDrop.Connect([&](const std::string& text, auto&&...) { heard_ += " drop " + text; }));
   Designer().DiagramView().SetDragHandler([&](const QString& text) { heard_ += "drag " + test::Utf8(text); });
   for (const test::Row& row : test::ReadRows("diagram_gestures.txt")) {
     SCOPED_TRACE(row.place + " " + row[0]);

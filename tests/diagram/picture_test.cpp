@@ -220,6 +220,28 @@ TEST_F(Picture, OfTheApplicationStandsWhereItIsNamed) {
   EXPECT_EQ(drawn(), 1);
 }
 
+TEST_F(Picture, WritesTheSchemaOfACaptionInAQuieterTone) {
+  for (const auto& [caption, schema, name, quiet] :
+       std::vector<std::tuple<const char*, const char*, const char*, int>>{{"dbo.Orders", "dbo", "Orders", 4},
+                                                                           {"db.dbo.Orders", "dbo", "Orders", 7},
+                                                                           {"Orders", "dbo", "Orders", 0},
+                                                                           {"o", "dbo", "Orders", 0},
+                                                                           {"x.Orders", "dbo", "Orders", 0},
+                                                                           {"a.b", "", "a.b", 0}}) {
+    pane->Clear();
+    const Ref<qbEntity> entity = Add(caption);
+    entity->Properties()->Set("_ADO_SCHEMA_TABLE_SCHEMA", schema);
+    entity->Properties()->Set("_ADO_SCHEMA_TABLE_NAME", name);
+    const std::string text = " \"" + std::string(caption) + "\"";
+    const std::vector<std::string> lines = Drawn();
+    const auto line = std::ranges::find_if(lines, [&](const std::string& one) { return one.ends_with(text); });
+    ASSERT_NE(line, lines.end()) << caption;
+    const std::string expected =
+        quiet == 0 ? " bold" + text : " bold quiet " + std::to_string(quiet) + " QuietText" + text;
+    EXPECT_TRUE(line->ends_with(expected)) << *line;
+  }
+}
+
 TEST_F(Picture, IsSavedAndCopied) {
   Add("a");
   const std::string path = testing::TempDir() + "ä diagram.SVG";

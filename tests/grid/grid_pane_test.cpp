@@ -1,10 +1,10 @@
 // The grid pane in a designer: fields in and out, sorting, grouping, tables that come and go.
 #include <algorithm>
 #include <random>
-#include <set>
 
 #include "grid/sort_order.h"
 #include "tests/hub/hub_fixture.h"
+#include "tests/stored_properties.h"
 
 namespace zrqrybld {
 namespace {
@@ -90,31 +90,6 @@ TEST_F(GridPane, SortNumbersStayTheRunWhateverIsEdited) {
 
 // --- Stored properties ---
 
-// What is written is read back, key by key; what is missing or of the wrong kind is the default.
-template <class Control>
-void ExpectStored(const Ref<Control>& changed, const Ref<Control>& other, const std::set<std::string>& keys) {
-  const auto written = [](const Control& control) {
-    MemoryPropertyStore store;
-    control.WriteProperties(store);
-    return store.Values();
-  };
-  MemoryPropertyStore all;
-  changed->WriteProperties(all);
-  std::set<std::string> stored;
-  for (const auto& [key, value] : all.Values()) stored.insert(key);
-  EXPECT_EQ(stored, keys);
-  const auto fresh = written(*other);
-  other->ReadProperties(all);
-  EXPECT_EQ(written(*other), all.Values());
-  for (const Variant& bad : {Variant(), Variant::Null(), Variant::Missing(), Variant(Ref<Object>(changed))}) {
-    MemoryPropertyStore store;
-    for (const std::string& key : keys) store.Write(key, bad);
-    other->ReadProperties(all);
-    other->ReadProperties(store);
-    EXPECT_EQ(written(*other), fresh);
-  }
-}
-
 TEST_F(GridPane, StoredPropertiesMakeTheRoundTrip) {
   const Font font{"Some Sans", 11, true, false};
   std::string told;
@@ -127,16 +102,16 @@ TEST_F(GridPane, StoredPropertiesMakeTheRoundTrip) {
   grid->SetFont(font);
   EXPECT_EQ(told, "DateFormat DateFormatStyle ShowGroupBy ShowGroupBy CustomContextMenu Font ");
   const Ref<qbGridPane> pane = qbGridPane::Create();
-  ExpectStored(grid, pane, {"DateFormat", "DateFormatStyle", "ShowGroupBy", "CustomContextMenu", "Font"});
+  test::ExpectStored(grid, pane, {"DateFormat", "DateFormatStyle", "ShowGroupBy", "CustomContextMenu", "Font"});
   EXPECT_EQ(pane->Grid()->Columns()->Item("group_by")->Width(), 1200);  // the last one read was the default: it groups
   const Ref<zrGrid> control = zrGrid::Create();
   control->SetAllowColumnResize(false);
   control->SetAllowRowInsert(false);
   control->SetFont(font);
-  ExpectStored(control, zrGrid::Create(), {"AllowColumnResize", "AllowRowInsert", "Font"});
+  test::ExpectStored(control, zrGrid::Create(), {"AllowColumnResize", "AllowRowInsert", "Font"});
   const Ref<zrSimpleCombo> combo = zrSimpleCombo::Create();
   combo->SetHideEdit(true);
-  ExpectStored(combo, zrSimpleCombo::Create(), {"HideEdit"});
+  test::ExpectStored(combo, zrSimpleCombo::Create(), {"HideEdit"});
 }
 
 TEST_F(GridPane, ValueReadsTheCurrentCellOrNamesTheError) {
