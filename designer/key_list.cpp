@@ -18,6 +18,8 @@ struct Key {
 constexpr Key kKeys[] = {
     {QT_TRANSLATE_NOOP("KeyList", "Everywhere"), "F5", QT_TRANSLATE_NOOP("KeyList", "run the query and show its rows")},
     {"", "Shift+F5", QT_TRANSLATE_NOOP("KeyList", "stop the statement that runs")},
+    {"", "Ctrl+R", QT_TRANSLATE_NOOP("KeyList", "go to the rows")},
+    {"", "F6 · Shift+F6", QT_TRANSLATE_NOOP("KeyList", "next pane · the one before")},
     {"", "F7", QT_TRANSLATE_NOOP("KeyList", "add tables")},
     {"", "Ctrl+N · Ctrl+O · Ctrl+S · Ctrl+Shift+S", QT_TRANSLATE_NOOP("KeyList", "new query · open · save · save as")},
     {"", "Ctrl+D · Ctrl+Shift+O", QT_TRANSLATE_NOOP("KeyList", "open a database · connect to a source")},
@@ -37,6 +39,7 @@ constexpr Key kKeys[] = {
     {"", "Alt+arrows · Ctrl+Shift+arrows", QT_TRANSLATE_NOOP("KeyList", "move the box · resize it")},
     {"", "Shift+Space", QT_TRANSLATE_NOOP("KeyList", "minimise or restore the box")},
     {"", "Shift+Alt+arrows", QT_TRANSLATE_NOOP("KeyList", "scroll")},
+    {"", "Ctrl+F", QT_TRANSLATE_NOOP("KeyList", "find a table or column")},
     {"", "Ctrl+A · Ctrl+C", QT_TRANSLATE_NOOP("KeyList", "select all boxes · copy a picture")},
     {"", "Esc", QT_TRANSLATE_NOOP("KeyList", "take back a drag or a join, drop the selection")},
     {QT_TRANSLATE_NOOP("KeyList", "Grid"), "F2, letters", QT_TRANSLATE_NOOP("KeyList", "edit the cell")},

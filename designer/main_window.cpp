@@ -73,6 +73,7 @@ MainWindow::MainWindow()
   query_ = std::make_unique<QueryPreview>(*designer_, *preview_);
   connect(preview_, &PreviewPane::Finished, this, &MainWindow::ShowHappened);
   connect(preview_, &PreviewPane::RunWanted, this, &MainWindow::RunPreview);
+  connect(preview_, &PreviewPane::LeaveWanted, designer_, &QueryDesignerWidget::FocusPane);
   MakeMenus();
   MakeToolBar();
   setAcceptDrops(true);
@@ -139,6 +140,10 @@ void MainWindow::MakeMenus() {
   query->addSeparator();
   query->addAction(tr("&Run Preview"), QKeySequence(Qt::Key_F5), this, &MainWindow::RunPreview);
   query->addAction(tr("&Stop Preview"), QKeySequence(Qt::SHIFT | Qt::Key_F5), preview_, &PreviewPane::Stop);
+  query->addAction(tr("&Go to the Rows"), QKeySequence(Qt::CTRL | Qt::Key_R), this, [this] {
+    showPreview_->setChecked(true);
+    preview_->TakeFocus();
+  });
 
   const auto diagram = [this]() -> qbDiagramPane& { return *designer_->QueryBuilder().DiagramPane(); };
   const auto zoomBy = [this, diagram](double factor) {

@@ -12,6 +12,7 @@
 #include <QLocale>
 #include <QMenu>
 #include <QPlainTextEdit>
+#include <QShortcut>
 #include <QTableView>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -81,6 +82,12 @@ PreviewPane::PreviewPane(QWidget* parent)
     job_->FetchMore();
     SetRunning(true);
   });
+  for (const auto& [key, direction] :
+       {std::pair(QKeySequence(Qt::Key_F6), 1), {QKeySequence(Qt::SHIFT | Qt::Key_F6), -1}}) {
+    auto* leave = new QShortcut(key, this);
+    leave->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(leave, &QShortcut::activated, this, [this, step = direction] { Q_EMIT LeaveWanted(step); });
+  }
   tick_.setInterval(100);
   connect(&tick_, &QTimer::timeout, this, &PreviewPane::ShowSummary);
   SetRunning(false);
@@ -176,6 +183,11 @@ void PreviewPane::Clear() {
 void PreviewPane::ShowFailure(const QString& message) {
   Clear();
   Fail(message);
+}
+
+void PreviewPane::TakeFocus() {
+  QWidget* const target = table_->isHidden() ? static_cast<QWidget*>(run_) : table_;
+  target->setFocus(Qt::ShortcutFocusReason);
 }
 
 void PreviewPane::MarkStale() {

@@ -37,6 +37,8 @@ class PreviewPane : public QWidget {
   void Clear();
   /// Shows why a statement is not run at all.
   void ShowFailure(const QString& message);
+  /// Gives the keyboard to the rows, or to what brings them.
+  void TakeFocus();
   /// The statement is another now: the rows are still shown, but not as its rows.
   void MarkStale();
 
@@ -57,6 +59,8 @@ class PreviewPane : public QWidget {
   void RunWanted();
   /// The user does not want to see the pane.
   void CloseWanted();
+  /// The keyboard is to go to the next pane (1) or to the one before (-1).
+  void LeaveWanted(int direction);
 
  protected:
   void changeEvent(QEvent* event) override;
