@@ -159,6 +159,7 @@ class qbQueryBuilder final : public QueryContext {
   bool Undo() { return Travel(true); }
   /// Makes the step again that was undone last; as `Undo`.
   bool Redo() { return Travel(false); }
+  /// Whether there is a step to undo, or to redo.
   bool CanUndo() const { return history_.Last() != nullptr; }
   bool CanRedo() const { return history_.Next() != nullptr; }
   /// What would be undone, or redone, for a menu: "Add table Orders". "" when there is nothing.

@@ -29,11 +29,13 @@ class Keys : public test::DesignerWindow {
   /// Presses the keys one by one, also while a menu or a dialog runs its own loop. Returns the state at the moment to
   /// look.
   std::string Press(const std::string& keys) {
+    seen_.clear();
+    sent_ = 0;
     std::istringstream stream(keys);
     for (std::string key; stream >> key;) keys_.push_back(key);
     const auto send = [this](auto& self) -> void {
       if (keys_.empty()) return;
-      QTimer::singleShot(0, &window, [this, &self] { self(self); });
+      QTimer::singleShot(kPause, &window, [this, &self] { self(self); });
       const std::string key = keys_.front();
       keys_.erase(keys_.begin());
       Send(key);
@@ -56,6 +58,7 @@ class Keys : public test::DesignerWindow {
   void Send(const std::string& key);
   std::string MenuPlace(const QMenu& menu);
 
+  static constexpr int kPause = 20;  // milliseconds: a dialog that has opened gets the keyboard
   std::vector<std::string> keys_;
   std::size_t sent_ = 0;
   std::string seen_;
@@ -68,7 +71,6 @@ void Keys::Send(const std::string& key) {
   ASSERT_TRUE(target) << key;
   const QPoint middle = Diagram()->rect().center();
   if (key == "?") {
-    QTest::qWait(1);
     seen_ = State();
   } else if (key.starts_with("type:")) {
     QTest::keyClicks(target, rest("type:").replace('_', ' '));
