@@ -3,6 +3,7 @@
 #include <QDialogButtonBox>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QScrollBar>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -104,7 +105,10 @@ KeyList::KeyList(QWidget* parent) : QDialog(parent) {
   tree->setItemsExpandable(false);
   tree->setRootIsDecorated(false);
   FillTree(*tree);
+  tree->header()->setStretchLastSection(false);
   tree->resizeColumnToContents(0);
+  tree->resizeColumnToContents(1);
+  const int lineWidth = tree->header()->length();
   tree->header()->setStretchLastSection(true);
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
   auto* layout = new QVBoxLayout(this);
@@ -113,7 +117,11 @@ KeyList::KeyList(QWidget* parent) : QDialog(parent) {
   layout->addWidget(buttons);
   connect(filter, &QLineEdit::textChanged, tree, [tree](const QString& text) { Filter(*tree, text); });
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-  resize(fontMetrics().averageCharWidth() * 90, fontMetrics().height() * 28);
+  // Wide enough for every line.
+  const QMargins margins = layout->contentsMargins();
+  const int width = lineWidth + 2 * tree->frameWidth() + tree->verticalScrollBar()->sizeHint().width() +
+                    margins.left() + margins.right();
+  resize(width, fontMetrics().height() * 28);
 }
 
 }  // namespace zrqrybld
