@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/text.h"
+#include "platform/schema_fields.h"
 #include "sql/date_literal.h"
 #include "sql/literals.h"
 
@@ -30,6 +31,17 @@ struct BooleanWord {
 };
 constexpr BooleanWord kBooleanWords[] = {{"TRUE", "True"},   {"YES", "True"}, {"ON", "True"},
                                          {"FALSE", "False"}, {"NO", "False"}, {"OFF", "False"}};
+
+std::string_view BooleanLiteral(std::string_view text) {
+  const auto* entry =
+      std::ranges::find_if(kBooleanWords, [text](const BooleanWord& row) { return EqualsNoCase(row.word, text); });
+  return entry != std::end(kBooleanWords) ? entry->written : std::string_view();
+}
+
+// A server without booleans keeps them in its smallest number.
+bool MayBeTruth(const CriteriaContext& context) {
+  return context.dataType == static_cast<std::int32_t>(DataTypeCode::TinyInt) && context.aggregate.empty();
+}
 
 bool IsOneOf(std::string_view word, std::span<const std::string_view> words) {
   return std::ranges::any_of(words, [word](std::string_view other) { return EqualsNoCase(word, other); });
@@ -255,9 +267,9 @@ std::string CriterionValues::Write(std::size_t from, std::size_t to) const {
   switch (kind_) {
     case Kind::Boolean:
     case Kind::Unknown:
-      for (const BooleanWord& entry : kBooleanWords) {
-        const bool truth = entry.word == "TRUE" || entry.word == "FALSE";
-        if ((kind_ == Kind::Boolean || truth) && EqualsNoCase(bare, entry.word)) return std::string(entry.written);
+      if (const std::string_view truth = BooleanLiteral(bare);
+          !truth.empty() && (kind_ == Kind::Boolean || EqualsNoCase(bare, truth))) {
+        return std::string(truth);
       }
       // A date is no subtraction of figures.
       if (DateTime date; last > from + 1 && ReadDateTime(bare, context_.dateFormat, true, date) == DateReading::Read) {
@@ -271,11 +283,18 @@ std::string CriterionValues::Write(std::size_t from, std::size_t to) const {
       if (IsGuid(bare)) return TextLiteral(bare, context_);
       break;
     case Kind::Binary:
-      if (!context_.prefix.empty() && IsHexBytes(bare)) return TextLiteral(bare, context_);
+      if (!context_.prefix.empty()) {
+        const std::string_view figures = StartsWithNoCase(bare, "0x") ? bare.substr(2) : bare;
+        if (!figures.empty() && IsHexBytes(figures)) return TextLiteral(figures, context_);
+      }
       if (last == from + 1 && StartsWithNoCase(bare, "0x")) return std::string(bare);
       break;
-    case Kind::Text:
     case Kind::Number:
+      if (const std::string_view truth = BooleanLiteral(bare); !truth.empty() && MayBeTruth(context_)) {
+        return std::string(truth);
+      }
+      break;
+    case Kind::Text:
       break;
   }
   if (IsSql(kind_, from, to)) return tokens_.Kept(from, to);

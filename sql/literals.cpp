@@ -32,7 +32,9 @@ std::string EscapeSequence(const DateTime& value, const CriteriaContext& context
 std::string TextLiteral(std::string_view value, const CriteriaContext& context, bool usualQuotes) {
   const bool usual = usualQuotes || context.prefix.empty();
   const std::string prefix = usual ? "'" : context.prefix;
-  const std::string suffix = usual || context.suffix.empty() ? std::string(1, prefix.back()) : context.suffix;
+  // What begins with a quote ends with it; figures need no end.
+  const std::string closing = EqualsNoCase(prefix, "0x") ? "" : prefix.substr(prefix.size() - 1);
+  const std::string suffix = usual || context.suffix.empty() ? closing : context.suffix;
   std::string text = prefix;
   if (prefix.back() == '\'' || prefix.back() == '"') {
     text += ReplaceAll(value, prefix.substr(prefix.size() - 1), std::string(2, prefix.back()));

@@ -74,6 +74,14 @@ constexpr TypeWord kTypeWords[] = {
 constexpr std::string_view kSystemSchemas[] = {"information_schema", "pg_catalog", "pg_toast", "sys", "mysql",
                                                "performance_schema"};
 
+// How servers read bytes from hexadecimal figures, where their drivers tell only the quotes, or a number's prefix.
+struct ByteQuotes {
+  std::string_view server;  // within its name
+  std::string_view prefix;
+  std::string_view suffix = "'";
+};
+constexpr ByteQuotes kByteQuotes[] = {{"postgresql", R"('\x)"}, {"mariadb", "X'"}, {"mysql", "X'"}, {"sqlite", "X'"}};
+
 constexpr std::string_view kUpperLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZ";
 constexpr std::string_view kLowerLetters = "abcdefghijklmnopqrstuvwxyz";
 
@@ -89,7 +97,11 @@ OdbcSession::OdbcSession(const std::string& connectionString, Secrets secrets)
   facts_.identifierCase = connection_.InfoShort(SQL_IDENTIFIER_CASE);
   facts_.hasCatalogs = UpperAscii(connection_.InfoText(SQL_CATALOG_NAME)) == "Y";
   facts_.hasSchemas = connection_.InfoNumber(SQL_SCHEMA_USAGE) != 0;
-  facts_.isSqlite = FindNoCase(connection_.InfoText(SQL_DBMS_NAME), "sqlite") != std::string::npos;
+  const std::string server = connection_.InfoText(SQL_DBMS_NAME);
+  facts_.isSqlite = FindNoCase(server, "sqlite") != std::string::npos;
+  for (const ByteQuotes& quotes : kByteQuotes) {
+    if (FindNoCase(server, quotes.server) != std::string::npos) facts_.byteQuotes.emplace(quotes.prefix, quotes.suffix);
+  }
 }
 
 std::unique_ptr<RowSet> OdbcSession::OpenSchema(SchemaKind kind, const SchemaRestrictions& restrictions) {
@@ -439,8 +451,16 @@ OdbcSession::Rows OdbcSession::ReadProviderTypes() const {
   while (answer.Next()) {
     const TypeFacts& type = FactsOf(answer.Integer(Type).value_or(SQL_WVARCHAR));
     const DataTypeCode code = CodeOf(type, answer.Integer(Unsigned).value_or(SQL_FALSE) == SQL_TRUE);
+    const bool ownQuotes = facts_.byteQuotes && ValueKindOf(static_cast<std::int32_t>(code)) == ValueKind::Binary;
+    const auto prefix = ownQuotes ? facts_.byteQuotes->first : answer.Text(Prefix);
+    const auto suffix = ownQuotes ? facts_.byteQuotes->second : answer.Text(Suffix);
     rows.push_back({answer.Text(Name).value_or(""), static_cast<std::int32_t>(code), OrNull(answer.Integer(Size)),
-                    OrNull(answer.Text(Prefix)), OrNull(answer.Text(Suffix)), type.isLong});
+                    OrNull(prefix), OrNull(suffix), type.isLong});
+  }
+  // The type that one driver gives to a blob's column, but does not list.
+  if (facts_.isSqlite) {
+    rows.push_back({"blob", static_cast<std::int32_t>(DataTypeCode::Binary), Variant::Null(),
+                    OrNull(facts_.byteQuotes->first), OrNull(facts_.byteQuotes->second), false});
   }
   return rows;
 }

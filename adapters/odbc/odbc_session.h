@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "adapters/odbc/odbc_handle.h"
@@ -32,6 +33,8 @@ class OdbcSession final : public Session {
     bool hasCatalogs = false;
     bool hasSchemas = false;
     bool isSqlite = false;
+    // What bytes stand between; none when it is what the driver tells.
+    std::optional<std::pair<std::string, std::string>> byteQuotes;
   };
 
   // Where tables are looked for, in the driver's own terms. None means anywhere.

@@ -113,12 +113,8 @@ Source Make(const std::string& name) {
   if (name == "SqliteOdbc") {
     const std::string string = "Driver={SQLite3};Database=" + SqliteFile();
     const auto run = [string](const std::string& sql) { return OdbcExecutor(string).Query(sql); };
-    return {name,
-            string,
-            {KeyNumberedByColumns, BlobTypeNotListed, NamesInFirstPlane, ImpliedPairsLeftOut, GeneratedColumnsMissing},
-            {},
-            QuerySqlite,
-            run};
+    return {name, string,      {KeyNumberedByColumns, NamesInFirstPlane, ImpliedPairsLeftOut, GeneratedColumnsMissing},
+            {},   QuerySqlite, run};
   }
   if (name == "PostgreSql") {
     return MakeServer(name, "ZRQRYBLD_TEST_POSTGRESQL", kPostgreSqlWords, "",

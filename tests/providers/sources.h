@@ -23,7 +23,6 @@ enum class Difference {
   CaseMatters,              ///< a table is not found in other letter case
   WritableTold,             ///< the flag of writable columns is set
   NamesInFirstPlane,        ///< a name with characters beyond U+FFFF is never found
-  BlobTypeNotListed,        ///< the code of a blob's column is not among the provider's types
 };
 
 struct Source {

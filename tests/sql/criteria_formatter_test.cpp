@@ -46,6 +46,10 @@ CriteriaContext ContextOf(const std::string& type) {
       {"bool", {.dataType = 11}},
       {"guid", {.dataType = 72, .prefix = "'", .suffix = "'"}},
       {"binary", {.dataType = 204, .prefix = "X'", .suffix = "'"}},
+      {"bytea", {.dataType = 205, .isLong = true, .prefix = "'\\x", .suffix = "'"}},
+      {"figures", {.dataType = 204, .prefix = "0x"}},
+      {"bytes", {.dataType = 204}},
+      {"tiny", {.dataType = 16}},
       {"count", {.dataType = 200, .aggregate = "COUNT(@field)"}},
       {"max", {.dataType = 200, .aggregate = "MAX(@field)"}},
   };
