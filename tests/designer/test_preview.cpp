@@ -236,7 +236,10 @@ INSTANTIATE_TEST_SUITE_P(All, PreviewOnServers,
 TEST_P(PreviewOnServers, AServerThatHangsOrDiesIsNoneOfTheWindowsTrouble) {
   const std::string source = qgetenv(GetParam().variable).toStdString();
   const int process = qEnvironmentVariableIntValue((std::string(GetParam().variable) + "_PROCESS").c_str());
-  if (source.empty() || process <= 0) GTEST_SKIP() << "no server";
+  if (source.empty() || process <= 0) {
+    ASSERT_NE(qgetenv("CI"), "true") << "no server";
+    GTEST_SKIP() << "no server";
+  }
   Heartbeat heartbeat;
   RunDirectly("SELECT 1 AS a, NULL AS b", source);
   ASSERT_TRUE(Ends());
