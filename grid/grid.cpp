@@ -297,8 +297,8 @@ void zrGrid::OnScroll(Orientation orientation, int value) {
   ScrollState& bar = orientation == Orientation::Horizontal ? horizontal_ : vertical_;
   const int clamped = std::clamp(value, 0, bar.maximum);
   if (clamped == bar.value) return;
-  CommitEdit();  // the cell may leave the view
   bar.value = clamped;
+  PlaceEditor();
   Redraw();
 }
 

@@ -268,6 +268,7 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   void ShowTextBox();
   void ShowCombo();
   void PlaceEditor();
+  void ShowEditedCell();
   void WriteBack(const EditSession& session, const std::string& text);
   void CloseEditor();
   bool EditorKey(const KeyEvent& event);

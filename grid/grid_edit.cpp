@@ -18,6 +18,7 @@ TextEditor& zrGrid::TextBox() {
   txtLinks_.push_back(txtText_->KeyDown.Connect([this](const KeyEvent& key, bool& kept) {
     kept = kept || (suggestions_ && suggestions_->OnKeyDown(key)) || EditorKey(key);
   }));
+  txtLinks_.push_back(txtText_->Changed.Connect([this] { ShowEditedCell(); }));
   txtLinks_.push_back(txtText_->FocusLost.Connect([this] { CommitEdit(); }));
   txtLinks_.push_back(txtText_->DblClick.Connect([this] { DblClick.Raise(); }));
   return *txtText_;
@@ -33,6 +34,7 @@ zrSimpleCombo& zrGrid::Combo() {
   }));
   cboLinks_.push_back(cboList_->KeyOffered.Connect(
       [this](const KeyEvent& key, bool& kept) { kept = kept || (suggestions_ && suggestions_->OnKeyDown(key)); }));
+  cboLinks_.push_back(cboList_->Change.Connect([this] { ShowEditedCell(); }));
   cboLinks_.push_back(cboList_->FocusLost.Connect([this] { CommitEdit(); }));
   cboLinks_.push_back(cboList_->Picked.Connect([this] { CommitEdit(); }));
   cboLinks_.push_back(cboList_->DblClick.Connect([this] { DblClick.Raise(); }));
@@ -114,16 +116,24 @@ void zrGrid::ShowCombo() {
   combo.Show();
 }
 
+// An editor whose cell is scrolled under the headers waits outside the window: hidden it would lose the keyboard.
 void zrGrid::PlaceEditor() {
   if (!edit_ || edit_->row->Index() == 0 || edit_->column->Index() == 0) return;
+  const GridLayout layout = Layout();
   const PixelRect cell = GetRowColumnXY(edit_->row->Index(), edit_->column->Index());
-  const PixelRect inside = cell.Inset(kEditorInset, kEditorInset);
+  PixelRect inside = cell.Inset(kEditorInset, kEditorInset);
+  if (cell.top < layout.HeaderHeight() || cell.left < layout.RowHeaderWidth()) inside.top = -cell.height * 2;
   if (edit_->isCombo) {
     cboList_->SetBounds(inside);
   } else {
     txtText_->SetBounds(inside);
   }
   if (suggestions_) suggestions_->SetBounds(cell);
+}
+
+// What is typed into a cell that was scrolled away brings it back.
+void zrGrid::ShowEditedCell() {
+  if (edit_) MakeCurrent(currentRow_, currentColumn_);
 }
 
 // Gives the keyboard back to the grid, unless it has gone elsewhere already.

@@ -142,7 +142,7 @@ class qbGridPane final : public Object {
     std::string groupBy;
     std::vector<std::string> criteria;  ///< from "criteria" on
   };
-  /// Puts rows in from the first empty row on. The cells are taken as they are; what is output is ticked in its box.
+  /// Puts rows into the empty ones, then behind the last. The cells are taken as they are; what is output is ticked in its box.
   void AddRows(const std::vector<RowContent>& rows);
 
   /// Reads the captions of the columns again.

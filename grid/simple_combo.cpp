@@ -134,7 +134,9 @@ PixelRect zrSimpleCombo::ButtonRect() const {
   return {bounds.Right() - width, bounds.top, width, bounds.height};
 }
 
+// An open list would stay behind.
 void zrSimpleCombo::SetBounds(const PixelRect& bounds) {
+  if (bounds != bounds_) CloseList();
   bounds_ = bounds;
   PlaceTextBox();
   GetSurface().Invalidate(Bounds());

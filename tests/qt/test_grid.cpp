@@ -5,6 +5,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
+#include <QPainter>
 #include <QScrollBar>
 #include <QTest>
 #include <QTimer>
@@ -15,6 +16,7 @@
 #include "adapters/qt/qt_text.h"
 #include "tests/data_table.h"
 #include "tests/hub/hub_fixture.h"
+#include "tests/qt/palettes.h"
 #include "tests/qt/pictures.h"
 
 namespace zrqrybld {
@@ -157,6 +159,21 @@ class GridWindow : public test::Designer {
     return 0;
   }
 
+  // What is seen, light and dark, at 100 and 200 %, the open list where it stands.
+  void KeepPictures(const std::string& name) {
+    for (const auto& [scheme, palette] : TestPalettes()) {
+      if (scheme != "light" && scheme != "dark") continue;
+      const ScopedPalette scoped(palette);
+      for (const int scale : {1, 2}) {
+        QImage image = Paint(window, scale);
+        if (QWidget* list = Popup() ? Popup()->window() : nullptr; list && list != &window) {
+          QPainter(&image).drawImage(window.mapFromGlobal(list->mapToGlobal(QPoint(0, 0))), Paint(*list, scale));
+        }
+        KeepPicture(image, "grid-" + name + "-" + scheme + "-" + std::to_string(scale));
+      }
+    }
+  }
+
   void Act(const Words& w) {
     zrGrid& control = *grid->Grid();
     const auto edge = [&](int by) {
@@ -213,6 +230,7 @@ class GridWindow : public test::Designer {
         {"over", [&] { DragText(w[0], w[1], w[2]); }},
         {"drop", [&] { DragText(w[0], w[1], w[2]); }},
         {"away", [&] { DragText(w[0], w[1], w[2]); }},
+        {"picture", [&] { KeepPictures(w[1]); }},
         {"wheel", [&] { Wheel(std::stoi(w[1])); }},
         {"more",
          [&] {
