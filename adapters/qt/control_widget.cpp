@@ -272,7 +272,10 @@ void ControlWidget::resizeEvent(QResizeEvent*) {
 void ControlWidget::changeEvent(QEvent* event) {
   QAbstractScrollArea::changeEvent(event);
   switch (event->type()) {
-    case QEvent::PaletteChange:
+    case QEvent::PaletteChange:  // colours are asked for when painting: an open editor stays open
+      theme_ = Theme(palette());
+      viewport()->update();
+      break;
     case QEvent::StyleChange:
     case QEvent::FontChange:
     case QEvent::LayoutDirectionChange:
