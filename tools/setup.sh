@@ -29,6 +29,9 @@ packages_test="$packages_build
   xvfb             Xvfb
   xdotool          xdotool
   matchbox-window-manager matchbox-window-manager
+  at-spi2-core     -
+  dbus-daemon      dbus-run-session
+  libglib2.0-bin   gdbus
 "
 packages_core="
   g++              g++
