@@ -7,6 +7,7 @@
 #include <random>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "automation/zrqrybld.h"
@@ -15,7 +16,8 @@ extern "C" int32_t AbiSeenFromC(void);
 
 namespace {
 
-zrq_value Text(const std::string& text) {
+// The text must live as long as the value.
+zrq_value Text(std::string_view text) {
   zrq_value value{ZRQ_STRING, 0, {}};
   value.as.text = {text.data(), text.size()};
   return value;

@@ -164,8 +164,9 @@ TEST_P(ProviderStatement, CriteriaOfEveryTypeChooseTheRowsThatAreMeant) {
     grid_->SetValue(criterion, "criteria", row[1]);
     grid_->FinishEdit();
     grid_->SetValue(2, "output", false);
+    const std::string answer = Run();
     std::string rows;
-    for (const std::string_view line : Split(Run(), "\n"))
+    for (const std::string_view line : Split(answer, "\n"))
       rows += (rows.empty() || line.empty() ? "" : " ") + std::string(line);
     EXPECT_EQ(rows, row[2]) << sql_->SQLStatement();
   }
