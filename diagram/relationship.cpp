@@ -14,19 +14,19 @@ std::int32_t qbRelationship::Index() const {
 // The line goes to another row now, and listeners learn of the change. While the other end is not
 // set there is no line to move yet.
 void qbRelationship::NotifyEnd(const Ref<qbEntity>& end) {
-  if (!end || !end->EntityBox() || sourceItemIndex_.IsEmpty() || targetItemIndex_.IsEmpty()) return;
+  if (!end || !end->EntityBox() || facts_.sourceItemIndex.IsEmpty() || facts_.targetItemIndex.IsEmpty()) return;
   const Ref<qbEntityList> box = end->EntityBox();
   box->Notify("move", std::int32_t{1});
   box->Notify("relationshipchange", Ref<Object>(RefTo(*this)));
 }
 
 void qbRelationship::SetSourceItemIndex(Variant index) {
-  sourceItemIndex_ = std::move(index);
+  facts_.sourceItemIndex = std::move(index);
   NotifyEnd(Source());
 }
 
 void qbRelationship::SetTargetItemIndex(Variant index) {
-  targetItemIndex_ = std::move(index);
+  facts_.targetItemIndex = std::move(index);
   NotifyEnd(Target());
 }
 
@@ -36,33 +36,29 @@ void qbRelationship::RedrawEnds() {
 }
 
 void qbRelationship::SetLeftIndicator(RelationshipIndicatorStyle style) {
-  leftIndicator_ = style;
+  facts_.leftIndicator = style;
   RedrawEnds();
 }
 
 void qbRelationship::SetRightIndicator(RelationshipIndicatorStyle style) {
-  rightIndicator_ = style;
+  facts_.rightIndicator = style;
   RedrawEnds();
 }
 
 Ref<qbEntityItem> qbRelationship::SourceItem() const {
   const Ref<qbEntity> source = Source();
-  return source ? source->Items()->Item(sourceItemIndex_) : nullptr;
+  return source ? source->Items()->Item(facts_.sourceItemIndex) : nullptr;
 }
 
 Ref<qbEntityItem> qbRelationship::TargetItem() const {
   const Ref<qbEntity> target = Target();
-  return target ? target->Items()->Item(targetItemIndex_) : nullptr;
+  return target ? target->Items()->Item(facts_.targetItemIndex) : nullptr;
 }
 
 std::int32_t qbRelationship::Kind() const {
-  const std::optional<double> number = itemData_.Number();
+  const std::optional<double> number = facts_.itemData.Number();
   if (!number || !(*number >= 0 && *number < 65536)) return 0;
   return static_cast<std::int32_t>(*number) & (JoinAllOfTarget | JoinAllOfSource);
-}
-
-JoinFacts qbRelationship::Facts() const {
-  return {itemData_, sourceItemIndex_, targetItemIndex_, leftIndicator_, rightIndicator_, leftPicture_, rightPicture_};
 }
 
 const std::shared_ptr<JoinIdentity>& qbRelationship::Identity() {
@@ -72,13 +68,7 @@ const std::shared_ptr<JoinIdentity>& qbRelationship::Identity() {
 
 void qbRelationship::Restore(const JoinFacts& facts) {
   if (facts == Facts()) return;
-  itemData_ = facts.itemData;
-  sourceItemIndex_ = facts.sourceItemIndex;
-  targetItemIndex_ = facts.targetItemIndex;
-  leftIndicator_ = facts.leftIndicator;
-  rightIndicator_ = facts.rightIndicator;
-  leftPicture_ = facts.leftPicture;
-  rightPicture_ = facts.rightPicture;
+  facts_ = facts;
   NotifyEnd(Source());
 }
 

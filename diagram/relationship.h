@@ -46,35 +46,35 @@ class qbRelationship final : public Object {
   std::int32_t Index() const;
 
   /// The kind of join: `JoinKindFlag` bits; Empty counts as 0.
-  const Variant& ItemData() const { return itemData_; }
-  void SetItemData(Variant value) { itemData_ = std::move(value); }
+  const Variant& ItemData() const { return facts_.itemData; }
+  void SetItemData(Variant value) { facts_.itemData = std::move(value); }
 
   /// A picture for the source's end, shown while `LeftIndicator` is `IndicatorImage`. Without one the line draws its
   /// own marks, from the kind of join.
-  const Ref<Image>& LeftPicture() const { return leftPicture_; }
-  void SetLeftPicture(Ref<Image> picture) { leftPicture_ = std::move(picture); }
+  const Ref<Image>& LeftPicture() const { return facts_.leftPicture; }
+  void SetLeftPicture(Ref<Image> picture) { facts_.leftPicture = std::move(picture); }
 
   /// The entity where the join starts.
   Ref<qbEntity> Source() const { return source_.lock(); }
   /// The joined column of `Source`: its position from 1, or its key. Empty until set.
-  const Variant& SourceItemIndex() const { return sourceItemIndex_; }
+  const Variant& SourceItemIndex() const { return facts_.sourceItemIndex; }
   void SetSourceItemIndex(Variant index);
 
   /// The entity where the join ends.
   Ref<qbEntity> Target() const { return target_.lock(); }
   /// The joined column of `Target`: its position from 1, or its key. Empty until set.
-  const Variant& TargetItemIndex() const { return targetItemIndex_; }
+  const Variant& TargetItemIndex() const { return facts_.targetItemIndex; }
   void SetTargetItemIndex(Variant index);
 
   /// Whether the source's end (left) and the target's (right) bear a mark; none at first. Setting one redraws the line.
-  RelationshipIndicatorStyle LeftIndicator() const { return leftIndicator_; }
+  RelationshipIndicatorStyle LeftIndicator() const { return facts_.leftIndicator; }
   void SetLeftIndicator(RelationshipIndicatorStyle style);
-  RelationshipIndicatorStyle RightIndicator() const { return rightIndicator_; }
+  RelationshipIndicatorStyle RightIndicator() const { return facts_.rightIndicator; }
   void SetRightIndicator(RelationshipIndicatorStyle style);
 
   /// A picture for the target's end, as above.
-  const Ref<Image>& RightPicture() const { return rightPicture_; }
-  void SetRightPicture(Ref<Image> picture) { rightPicture_ = std::move(picture); }
+  const Ref<Image>& RightPicture() const { return facts_.rightPicture; }
+  void SetRightPicture(Ref<Image> picture) { facts_.rightPicture = std::move(picture); }
 
   // --- For the model and the pane ---
 
@@ -86,7 +86,7 @@ class qbRelationship final : public Object {
   std::int32_t Kind() const;
 
   /// What the join says, besides its ends.
-  JoinFacts Facts() const;
+  const JoinFacts& Facts() const { return facts_; }
   /// What stands for the join also when it was removed; never nothing.
   const std::shared_ptr<JoinIdentity>& Identity();
 
@@ -106,13 +106,7 @@ class qbRelationship final : public Object {
   WeakRef<qbEntity> target_;
   std::weak_ptr<RelationshipOwner> owner_;
   Ref<qbLine> line_;
-  Variant itemData_;
-  Variant sourceItemIndex_;
-  Variant targetItemIndex_;
-  RelationshipIndicatorStyle leftIndicator_ = IndicatorNone;
-  RelationshipIndicatorStyle rightIndicator_ = IndicatorNone;
-  Ref<Image> leftPicture_;
-  Ref<Image> rightPicture_;
+  JoinFacts facts_;
   std::shared_ptr<JoinIdentity> identity_;
 };
 
