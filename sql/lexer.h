@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -55,6 +56,21 @@ class Lexer {
 
   std::string_view text_;
   std::size_t at_ = 0;
+};
+
+/// Writes tokens of a text on one line: as they stand, with one blank for the white space and comments between them.
+class OneLine {
+ public:
+  /// Appends to `line`; both must outlive this.
+  OneLine(std::string_view text, std::string& line) : text_(text), line_(line) {}
+  /// Appends the token; comments are left out. Tokens come in their order.
+  void Add(const Token& token);
+
+ private:
+  std::string_view text_;
+  std::string& line_;
+  std::size_t end_ = 0;  // of the token added last
+  bool first_ = true;
 };
 
 /// All tokens of a text.

@@ -72,7 +72,7 @@ bool NeedsQuotes(std::string_view name, const NameRules& rules) {
     return true;
   }
   if (IsReserved(KeywordOf(name))) return true;
-  return rules.reservedWords && rules.reservedWords->contains(FoldCase(name));
+  return rules.reservedWords && rules.reservedWords->contains(name);
 }
 
 SqlText Quote(const Identifier& name, const NameRules& rules) {
