@@ -52,12 +52,12 @@ void PlayFile(std::string_view file) {
   std::unique_ptr<Scene> scene;
   for (const Row& row : ReadRows(file)) {
     SCOPED_TRACE(row.place + " " + row[0]);
-    if (row[0].starts_with("---")) {
+    const bool begins = row[0].starts_with("---");
+    if (begins || !scene) {
       scene.reset();  // before the next one begins: only one window is active at a time
       scene = std::make_unique<Scene>();
-    } else {
-      scene->Play(row);
     }
+    if (!begins) scene->Play(row);
     if (testing::Test::HasFatalFailure()) return;
   }
 }
