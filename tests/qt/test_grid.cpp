@@ -1,20 +1,18 @@
 // The grid in a window, under real mouse and key events: the scenarios of tests/data/grid_gestures.txt.
 #include <QAbstractItemView>
 #include <QClipboard>
-#include <QDropEvent>
 #include <QLineEdit>
 #include <QMenu>
-#include <QMimeData>
 #include <QPainter>
 #include <QScrollBar>
 #include <QTest>
 #include <QTimer>
-#include <QWheelEvent>
 
 #include "adapters/qt/control_widget.h"
 #include "adapters/qt/qt_text.h"
 #include "tests/hub/hub_fixture.h"
 #include "tests/player.h"
+#include "tests/qt/hands.h"
 #include "tests/qt/palettes.h"
 #include "tests/qt/pictures.h"
 
@@ -119,26 +117,8 @@ class GridWindow : public test::Player, public test::Designer {
     return nullptr;
   }
 
-  // A text from outside over a row: it stays there, is dropped or carried away.
-  void DragText(const std::string& what, const std::string& row, const std::string& text) {
-    QMimeData mime;
-    mime.setText(ToQString(text));
-    const QPoint at = Cell(row, "alias");
-    QDragEnterEvent enter(at, Qt::CopyAction, &mime, Qt::LeftButton, {});
-    QApplication::sendEvent(view.viewport(), &enter);
-    QDragMoveEvent move(at, Qt::CopyAction, &mime, Qt::LeftButton, {});
-    QApplication::sendEvent(view.viewport(), &move);
-    QDropEvent drop(at, Qt::CopyAction, &mime, Qt::LeftButton, {});
-    QDragLeaveEvent leave;
-    if (what == "drop") QApplication::sendEvent(view.viewport(), &drop);
-    if (what == "away") QApplication::sendEvent(view.viewport(), &leave);
-  }
-  void Wheel(int notches) {
-    const QPoint at = view.viewport()->rect().center();
-    QWheelEvent event(at, view.viewport()->mapToGlobal(at), {}, {0, -120 * notches}, Qt::NoButton, {},
-                      Qt::NoScrollPhase, false);
-    QApplication::sendEvent(view.viewport(), &event);
-  }
+  // A text from outside over a row.
+  void DragText(const Words& w, DragEnd end) { DragOnto(*view.viewport(), Cell(w[1], "alias"), ToQString(w[2]), end); }
   // The row above which the insertion bar is drawn; 0 without one.
   int BarRow() const {
     RecordingCanvas canvas;
@@ -214,11 +194,13 @@ class GridWindow : public test::Player, public test::Designer {
       QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(found.first()).center());
     };
     actions["leave"] = [this](auto&) { other_.setFocus(); };
-    actions["over"] = [this](const Words& w) { DragText(w[0], w[1], w[2]); };
-    actions["drop"] = [this](const Words& w) { DragText(w[0], w[1], w[2]); };
-    actions["away"] = [this](const Words& w) { DragText(w[0], w[1], w[2]); };
+    actions["over"] = [this](const Words& w) { DragText(w, DragEnd::Stays); };
+    actions["drop"] = [this](const Words& w) { DragText(w, DragEnd::Dropped); };
+    actions["away"] = [this](const Words& w) { DragText(w, DragEnd::CarriedAway); };
     actions["picture"] = [this](const Words& w) { KeepPictures(w[1]); };
-    actions["wheel"] = [this](const Words& w) { Wheel(std::stoi(w[1])); };
+    actions["wheel"] = [this](const Words& w) {
+      TurnWheel(*view.viewport(), view.viewport()->rect().center(), std::stoi(w[1]));
+    };
     actions["more"] = [this](const Words& w) {
       for (int i = std::stoi(w[1]); i > 0; --i) control.Rows()->Add();
     };
