@@ -62,7 +62,8 @@ class qbSQLPane final : public Object {
   /// Whether the user has changed the text and the designer has not taken it over.
   bool IsEdited() const { return edited_; }
   /// Makes the designer's query what the user has typed. When that fails, the text stays as it is, with its fault
-  /// underlined and said beside it. True when nothing is left to apply. Ctrl+Enter, F5 and leaving the text do this, too.
+  /// underlined and said beside it. True when nothing is left to apply. Ctrl+Enter, F5 and leaving the text do this,
+  /// too.
   bool ApplyEditedText();
   /// Brings the designer's own text back.
   void RevertEditedText() { Refresh(); }
@@ -77,7 +78,7 @@ class qbSQLPane final : public Object {
   std::vector<std::string> Remarks() const;
 
   /// The tables of the statement generated last, as they stand in FROM; the next statement has a list of its own.
-  const Ref<qbJoins>& Joins() const { return joins_; }
+  const Ref<qbJoins>& Joins() const;
 
   /// The statement with a value in the place of every ?PARAM marker: `ParseParameter` is raised for each, in their
   /// order, and a parameter without a value takes its default. No quotes are added. "" when a handler stops it.
@@ -143,7 +144,8 @@ class qbSQLPane final : public Object {
   std::string written_;  // the text as it was generated last
   std::string failure_;  // why it could not be applied
   bool cartesian_ = false;
-  Ref<qbJoins> joins_ = std::make_shared<qbJoins>();
+  QuerySnapshot generatedFrom_;  // the tables and joins of what was generated last
+  mutable Ref<qbJoins> joins_;   // of it; made when somebody asks
   std::vector<SQLDiagnostic> diagnostics_;
 };
 
