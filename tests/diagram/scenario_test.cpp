@@ -197,12 +197,34 @@ class DiagramScene : public test::Player, private test::DiagramHands {
     actions["zoom"] = [this](const Words& w) { pane->SetZoom(std::stod(w[1]), {}); };
     actions["hear"] = [this](const Words& w) { heard_ = {w.begin() + 1, w.end()}; };
     actions["refuse"] = [this](const Words& w) { refused_ = OrNone(w[1]); };
+    // A listener does something itself, in which "%" is the name of what it is told; "-" ends it.
+    actions["when"] = [this](const Words& w) {
+      const auto listener = [this, step = w[2]](const std::string& name) { Do(ReplaceAll(step, "%", name)); };
+      whens_.clear();
+      if (w[1] == "deselected") {
+        whens_.push_back(pane->ObjectDeactivate.Connect([=, this](const Ref<Object>& one) { listener(NameOf(one)); }));
+      } else if (w[1] == "adding") {
+        whens_.push_back(pane->Entities()->BeforeAdd.Connect([=](const std::string& key, bool&) { listener(key); }));
+      } else if (w[1] == "removed") {
+        whens_.push_back(pane->Entities()->EntityRemove.Connect([=](const std::string& key) { listener(key); }));
+      } else if (w[1] == "deleting") {
+        whens_.push_back(pane->BeforeDeleteObject.Connect([=, this](auto& one, bool&) { listener(NameOf(one)); }));
+      }
+    };
+    actions["once"] = [this](const Words& w) {
+      whens_.clear();
+      pane->Entities()->Add(w[1]);
+    };
+    actions["times"] = [this](const Words& w) {
+      for (int i = std::stoi(w[1]); i > 0; --i) Do(w[2]);
+    };
   }
 
   void KnowHands() {
     actions["down"] = [this](const Words& w) { Down(at_ = At(w[1]), ButtonOf(w, 2)); };
     actions["move"] = [this](const Words& w) { Move(at_ = At(w[1])); };
     actions["up"] = [this](const Words& w) { Up(at_ = At(w[1]), ButtonOf(w, 2)); };
+    actions["aim"] = [this](const Words& w) { at_ = At(w[1]); };
     actions["click"] = [this](const Words& w) { Click(at_ = At(w[1]), ButtonOf(w, 2)); };
     actions["drag"] = [this](const Words& w) {
       Down(at_ = At(w[1]), ButtonOf(w, 3));
@@ -261,6 +283,13 @@ class DiagramScene : public test::Player, private test::DiagramHands {
   void KnowQuestions() {
     answers["captions"] = [this](auto&) { return Captions(); };
     answers["joins"] = [this](auto&) { return Joins(); };
+    // "a b 2 5": whether a join of these columns is there, whichever collection is asked.
+    answers["exists"] = [this](const std::string& of) {
+      const std::vector<std::string_view> words = Split(of, " ");
+      const auto table = [&](std::size_t i) { return pane->Entities()->Item(std::string(words[i])); };
+      const auto column = [&](std::size_t i) { return Value(std::string(words[i])); };
+      return YesNo(Table("c")->Relationships()->Exists(table(0), table(1), column(2), column(3)));
+    };
     answers["ends"] = [this](const std::string& of) { return Ends(*JoinAt(of)); };
     answers["selected"] = [this](auto&) { return NameOf(pane->SelectedObject()); };
     answers["heard"] = [this](auto&) { return std::exchange(log_, ""); };
@@ -364,7 +393,7 @@ class DiagramScene : public test::Player, private test::DiagramHands {
            end(*join.Target(), join.TargetItemIndex(), points.back().y);
   }
 
-  std::vector<EventConnection> links_;
+  std::vector<EventConnection> links_, whens_;
   std::set<std::string, std::less<>> heard_;
   std::string log_;
   std::string refused_;

@@ -172,35 +172,6 @@ TEST_F(View, ABoxThatIsSentAnywhereCanStillBeReached) {
   }
 }
 
-// --- Keys ---
-
-TEST_F(View, TheStepOfResizingGrowsWhileTheKeyIsHeld) {
-  const Ref<qbEntity> a = Add("a");
-  constexpr std::int32_t kShift = ShiftCtrl | ShiftShift;
-  EXPECT_FALSE(pane->OnKeyDown({KeyCodeRight, kShift}));
-  pane->SelectObject(a);
-  const auto step = [&](std::int32_t key) {
-    const PixelRect before = Place(*a);
-    EXPECT_TRUE(pane->OnKeyDown({key, kShift}));
-    return std::pair((Place(*a).width - before.width).Value(), (Place(*a).height - before.height).Value());
-  };
-  double last = 0;
-  for (int i = 0; i < 20; ++i) {
-    const double width = step(KeyCodeRight).first;
-    EXPECT_GE(width, std::max(last, 4.0));
-    last = width;
-  }
-  EXPECT_EQ(last, 48);
-  pane->OnKeyUp({KeyCodeRight});
-  EXPECT_EQ(step(KeyCodeDown), std::pair(0.0, 4.0));
-  // However long it is held, the box keeps the smallest size that the mouse can give.
-  for (int i = 0; i < 60; ++i) {
-    pane->OnKeyDown({KeyCodeLeft, kShift});
-    pane->OnKeyDown({KeyCodeUp, kShift});
-  }
-  EXPECT_EQ(Place(*a), (PixelRect{0_px, 0_px, 96_px, 47_px}));
-}
-
 // --- Lines ---
 
 TEST_F(View, LinesBetweenTheSameBoxesDoNotLieOnOneAnother) {
@@ -234,46 +205,6 @@ TEST_F(View, LinesBetweenTheSameBoxesDoNotLieOnOneAnother) {
         EXPECT_TRUE(apart(*joins[i], *joins[j])) << one.what << i << j;
       }
     }
-  }
-}
-
-TEST_F(View, AJoinOfATableWithItselfIsALoopThatOtherJoinsDoNotMove) {
-  const Ref<qbEntity> a = Add("a", {"id", "parent"});
-  const Ref<qbRelationship> loop = Join(a, 2, a, 3);
-  const auto pointsOf = [](const qbRelationship& join) { return join.Line()->Points({}); };
-  const std::vector<PixelPoint> points = pointsOf(*loop);
-  const Pixels right = Place(*a).Right();
-  EXPECT_EQ(points.front(), (PixelPoint{right, PlaceOfRow(*a, 2).CenterY()}));
-  EXPECT_EQ(points.back(), (PixelPoint{right, PlaceOfRow(*a, 3).CenterY()}));
-  EXPECT_GT(points[1].x, right + 8_px);
-  Click(OnLine(*loop));
-  EXPECT_EQ(pane->SelectedObject(), loop);
-  a->Relationships()->Clear();
-  const Ref<qbEntity> b = Add("b");
-  b->SetLeft(15 * 500);
-  Join(a, 2, b, 2);
-  EXPECT_EQ(pointsOf(*Join(a, 2, a, 3)), points);
-}
-
-TEST_F(View, ALineIsHitFivePixelsAsideAtAnyZoomAndTheNearestWins) {
-  const Ref<qbEntity> a = Add("a");
-  const Ref<qbEntity> b = Add("b");
-  b->SetLeft(15 * 600);
-  b->SetTop(15 * 300);
-  const Ref<qbRelationship> one = Join(a, 2, b, 2);
-  const Ref<qbRelationship> two = Join(a, 3, b, 3);  // in the next lane, a few pixels to the right
-  for (const double zoom : {0.25, 0.5, 1.0, 2.0, 4.0}) {
-    pane->SetZoom(zoom, {});
-    const auto selectedAt = [&](const qbRelationship& join, Pixels aside) {
-      pane->SelectObject(nullptr);
-      Click(OnLine(join) + PixelPoint{aside, 0_px});
-      return pane->SelectedObject();
-    };
-    EXPECT_EQ(selectedAt(*one, -5_px), one) << zoom;
-    EXPECT_EQ(selectedAt(*one, 0_px), one) << zoom;
-    EXPECT_EQ(selectedAt(*two, 0_px), two) << zoom;
-    EXPECT_EQ(selectedAt(*two, 5_px), two) << zoom;
-    EXPECT_EQ(selectedAt(*two, 9_px), nullptr) << zoom;
   }
 }
 

@@ -24,26 +24,6 @@ class Undoing : public test::HubTest {
   std::chrono::steady_clock::time_point now;
 };
 
-TEST_F(Undoing, WhatListenersChangeBelongsToTheStepItHappensIn) {
-  const auto ticks = diagram->Entities()->EntityAdd.Connect([this](const std::string& key) {
-    if (key == "Orders") hub->SetDistinctRecords(true);
-  });
-  hub->AddTable("Orders");
-  EXPECT_EQ(hub->Steps().Count(), 1u);
-  hub->Undo();
-  EXPECT_FALSE(hub->DistinctRecords());
-  hub->Redo();
-  EXPECT_TRUE(hub->DistinctRecords());
-  // The statement is written when the step is over: what is changed then is a step of its own.
-  auto once = sql->SQLChanged.Connect([this] { hub->SetSelectTopRecords("5"); });
-  Tick("Orders", "Total");
-  once.Disconnect();
-  EXPECT_EQ(hub->UndoText(), "Row limit");
-  hub->Undo();
-  EXPECT_EQ(hub->UndoText(), "Tick Orders.Total");
-  EXPECT_EQ(Ticked(), "Orders.Total");
-}
-
 TEST_F(Undoing, IsRefusedWhileSomethingIsGoingOn) {
   hub->AddTable("Orders");
   std::vector<std::int32_t> errors;

@@ -116,18 +116,6 @@ TEST_F(Hub, ConnectThrowsNothingAndRemembersWhy) {
   EXPECT_EQ(ErrorOf([&] { fresh->Disconnect(); }), ErrorConnectionClosed);
 }
 
-// --- Automatic joins ---
-
-TEST_F(Hub, AListenerMayRemoveTablesWhileJoinsAreDrawn) {
-  Use();
-  for (const char* table : {"Orders", "Customers", "Customers", "Orders"}) hub->AddTable(table);
-  const auto link = hub->Info.Connect([&](QueryBuilderInfoEnum& info, Variant&) {
-    if (info == InfoRelationshipAdded) diagram->Entities()->Remove("Customers1");
-  });
-  hub->RefreshAutoJoins();
-  EXPECT_EQ(Joins(), "Orders.CustomerID>Customers.CustomerID Orders1.CustomerID>Customers.CustomerID");
-}
-
 // --- Panes ---
 
 TEST_F(Hub, WorksWithAnyPaneMissing) {

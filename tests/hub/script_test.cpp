@@ -127,6 +127,20 @@ class Script : public test::Player, public test::Designer {
   // Everything that makes a step, or must not.
   void KnowHistory() {
     const auto pixels = [](const std::string& text) { return Pixels(std::stod(text)); };
+    // A listener does something itself; "-" ends all.
+    actions["when"] = [this](const Words& w) {
+      const auto act = [this, step = w[2]](auto&&...) { Do(step); };
+      whens_.clear();
+      if (w[1] == "added") whens_.push_back(diagram->Entities()->EntityAdd.Connect(act));
+      if (w[1] == "checked") whens_.push_back(diagram->EntityItemCheck.Connect(act));
+      if (w[1] == "edited") whens_.push_back(grid->AfterChange.Connect(act));
+      if (w[1] == "moved") whens_.push_back(grid->RowColChange.Connect(act));
+      if (w[1] == "written") whens_.push_back(sql->SQLChanged.Connect(act));
+      if (w[1] != "joined") return;
+      whens_.push_back(hub->Info.Connect([act](QueryBuilderInfoEnum& info, Variant&) {
+        if (info == InfoRelationshipAdded) act();
+      }));
+    };
     actions["watch"] = [this](auto&) { watched_ = true; };
     actions["pass"] = [this](const Words& w) { now_ += std::chrono::milliseconds(std::stoi(w[1])); };
     actions["undo"] = [this](auto&) { done_ = hub->Undo(); };
@@ -281,6 +295,7 @@ class Script : public test::Player, public test::Designer {
       }
       grid->AddRows(rows);
     };
+    actions["resetrows"] = [this](auto&) { grid->ResetRows(); };
     actions["goto"] = [this](const Words& w) { grid->Grid()->GotoRowCol(std::stoi(w[1]), w[2]); };
     actions["paste"] = [this](const Words& w) { grid->Grid()->PasteText(w[1]); };
     actions["menu"] = [this](const Words& w) {
@@ -338,6 +353,7 @@ class Script : public test::Player, public test::Designer {
     answers["width"] = [this](const std::string& of) {
       return Variant(grid->Grid()->Columns()->Item(of)->Width()).Text();
     };
+    answers["distinct"] = [this](auto&) { return Variant(hub->DistinctRecords()).Text(); };
     answers["top"] = [this](auto&) { return hub->SelectTopRecords(); };
     answers["sql"] = [this](auto&) { return Sql(); };
     answers["where"] = [this](auto&) { return ReplaceAll(ReplaceAll(where_, "\r\n", ""), "\t", ""); };
@@ -377,7 +393,7 @@ class Script : public test::Player, public test::Designer {
   }
 
   EventConnection format_;
-  std::vector<EventConnection> links_;
+  std::vector<EventConnection> links_, whens_;
   std::string formatted_;
   int edits_ = 0;
   std::string infos_;
