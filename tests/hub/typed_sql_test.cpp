@@ -64,5 +64,31 @@ TEST_F(TypedSql, StaysWithItsFaultUnderlinedWhenItCannotBeRead) {
   EXPECT_FALSE(sql->IsEdited());
 }
 
+TEST_F(TypedSql, StaysWhenTheQueryIsChangedMeanwhile) {
+  const std::string own = sql->SQLStatement();
+  area.Type("select Name from Customers");
+  int changes = 0;
+  const auto link = sql->SQLChanged.Connect([&] { ++changes; });
+  Tick("Orders", "OrderID");
+  EXPECT_EQ(area.Text(), "select Name from Customers");
+  EXPECT_EQ(area.Remarks().at(0), "Edited, not applied. The query has changed meanwhile; Ctrl+Enter replaces it.");
+  EXPECT_EQ(changes, 1);
+  area.Type(own);
+  EXPECT_TRUE(sql->IsEdited()) << "the designer's own text is another one now";
+  area.Type("select");
+  area.Left.Raise();
+  Tick("Orders", "CustomerID");
+  EXPECT_EQ(area.Text(), "select");
+  EXPECT_TRUE(area.Remarks().at(0).starts_with("Line 1, column 7")) << area.Remarks().at(0);
+  area.Commands().at(1).run();
+  EXPECT_EQ(Sql(), "SELECT Orders.Total, Orders.OrderID, Orders.CustomerIDFROM Orders");
+  area.Type("select Name from Customers");
+  PressCtrlEnter();
+  EXPECT_EQ(Rows(), "Customers.Name");
+  EXPECT_FALSE(sql->IsEdited());
+  EXPECT_TRUE(hub->Undo());
+  EXPECT_EQ(Sql(), "SELECT Orders.Total, Orders.OrderID, Orders.CustomerIDFROM Orders") << "as before it was applied";
+}
+
 }  // namespace
 }  // namespace zrqrybld
