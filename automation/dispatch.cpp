@@ -32,7 +32,7 @@ const std::unordered_map<std::string, IndexedClass>& Index() {
       IndexedClass& indexed = classes[FoldCase(type.name)];
       indexed.type = &type;
       for (const Member& member : type.members) {
-        indexed.members.try_emplace(FoldCase(member.name), &member, ArgumentsOf(member));
+        indexed.members.try_emplace(FoldCase(member.name), IndexedClass::IndexedMember{&member, ArgumentsOf(member)});
       }
     }
     return classes;

@@ -13,6 +13,10 @@ namespace zrqrybld {
 template <class T>
 std::size_t PositionOf(const KeyedList<T>& list, const Variant& index) {
   if (const std::string* key = index.StringIf()) return list.PositionOf(*key);
+  if (const std::int32_t* position = index.Int32If()) {
+    return *position >= 1 && static_cast<std::size_t>(*position) <= list.Count() ? static_cast<std::size_t>(*position)
+                                                                                 : KeyedList<T>::kNone;
+  }
   const std::optional<double> number = index.Number();
   if (!number) return KeyedList<T>::kNone;
   const double position = std::nearbyint(*number);

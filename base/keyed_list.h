@@ -123,16 +123,17 @@ class KeyedList {
     T value;
     std::size_t position;
   };
-  using Bucket = std::vector<Node*>;  // nodes whose keys are equal without regard to case
 
+  // The one with exactly this key, otherwise the first of those that differ in case.
   Node* FindNode(std::string_view key) const {
-    if (key.empty()) return nullptr;
-    const auto bucket = index_.find(FoldCase(key));
-    if (bucket == index_.end()) return nullptr;
-    for (Node* node : bucket->second) {
+    if (key.empty() || index_.empty()) return nullptr;
+    Node* found = nullptr;
+    for (auto [alike, end] = index_.equal_range(key); alike != end; ++alike) {
+      Node* node = alike->second;
       if (node->key == key) return node;
+      if (!found || node->position < found->position) found = node;
     }
-    return *std::ranges::min_element(bucket->second, {}, &Node::position);
+    return found;
   }
 
   Node* FindExactly(std::string_view key) const {
@@ -141,14 +142,14 @@ class KeyedList {
   }
 
   void AddToIndex(Node* node) {
-    if (!node->key.empty()) index_[FoldCase(node->key)].push_back(node);
+    if (!node->key.empty()) index_.emplace(node->key, node);
   }
 
   void RemoveFromIndex(Node* node) {
     if (node->key.empty()) return;
-    const auto bucket = index_.find(FoldCase(node->key));
-    std::erase(bucket->second, node);
-    if (bucket->second.empty()) index_.erase(bucket);
+    auto place = index_.find(node->key);
+    while (place->second != node) ++place;
+    index_.erase(place);
   }
 
   void Renumber(std::size_t from) {
@@ -156,7 +157,7 @@ class KeyedList {
   }
 
   std::vector<std::unique_ptr<Node>> nodes_;
-  std::unordered_map<std::string, Bucket> index_;
+  std::unordered_multimap<std::string_view, Node*, HashNoCase, EqualNoCase> index_;  // the keys are the nodes'
 };
 
 }  // namespace zrqrybld

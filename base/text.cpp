@@ -33,8 +33,11 @@ char32_t FoldCharacter(char32_t c) {
 
 constexpr char FoldAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
+// Looks at every character: without an early end the compiler takes many at once.
 bool IsAscii(std::string_view text) {
-  return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+  unsigned char all = 0;
+  for (const char c : text) all |= static_cast<unsigned char>(c);
+  return all < 0x80;
 }
 
 bool EqualsAsciiNoCase(std::string_view a, std::string_view b) {
@@ -59,6 +62,11 @@ constexpr char ClosingQuote(char opening) {
 
 std::string FoldCase(std::string_view text) {
   std::string folded;
+  if (IsAscii(text)) {
+    folded = text;
+    for (char& c : folded) c = FoldAscii(c);
+    return folded;
+  }
   folded.reserve(text.size());
   for (std::size_t i = 0; i < text.size();) {
     if (static_cast<unsigned char>(text[i]) < 0x80) {
@@ -77,7 +85,16 @@ std::string FoldCase(std::string_view text) {
   return folded;
 }
 
+std::size_t HashNoCase::operator()(std::string_view text) const {
+  constexpr std::hash<std::string_view> kHash;
+  char folded[64];
+  if (text.size() > sizeof folded || !IsAscii(text)) return kHash(FoldCase(text));
+  std::ranges::transform(text, folded, FoldAscii);
+  return kHash({folded, text.size()});
+}
+
 bool EqualsNoCase(std::string_view a, std::string_view b) {
+  if (a == b) return true;
   if (IsAscii(a) && IsAscii(b)) return a.size() == b.size() && EqualsAsciiNoCase(a, b);
   return FoldCase(a) == FoldCase(b);
 }

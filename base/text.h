@@ -19,6 +19,16 @@ std::string FoldCase(std::string_view text);
 /// Whether the two texts are equal without regard to case.
 bool EqualsNoCase(std::string_view a, std::string_view b);
 
+/// For hashed containers whose keys are found without regard to case, by any text and without a copy of it.
+struct HashNoCase {
+  using is_transparent = void;
+  std::size_t operator()(std::string_view text) const;
+};
+struct EqualNoCase {
+  using is_transparent = void;
+  bool operator()(std::string_view a, std::string_view b) const { return EqualsNoCase(a, b); }
+};
+
 /// Whether `text` begins with `prefix` without regard to case. Only for prefixes in ASCII.
 bool StartsWithNoCase(std::string_view text, std::string_view prefix);
 

@@ -88,8 +88,9 @@ class Variant {
   /// The handle held; nothing when this is no object.
   Ref<Object> ToObject() const;
 
-  /// The date or the 64-bit integer held; nullptr when this is none.
+  /// The date, or the integer of this size, held; nullptr when this is none.
   const DateValue* DateIf() const { return std::get_if<DateValue>(&value_); }
+  const std::int32_t* Int32If() const { return std::get_if<std::int32_t>(&value_); }
   const std::int64_t* Int64If() const { return std::get_if<std::int64_t>(&value_); }
 
   /// The elements held; none when this is no array.

@@ -3,8 +3,16 @@
 namespace zrqrybld {
 namespace {
 
-std::string Fact(const qbEntity& entity, std::string_view field) {
-  return entity.Properties()->FindText(std::string(kSchemaFactPrefix) + std::string(field)).value_or("");
+constexpr std::string_view kTableName = "_ADO_SCHEMA_TABLE_NAME";
+constexpr std::string_view kTableSchema = "_ADO_SCHEMA_TABLE_SCHEMA";
+static_assert(kTableName.starts_with(kSchemaFactPrefix) && kTableSchema.starts_with(kSchemaFactPrefix));
+
+// What the source says of the table; "" when it does not.
+const std::string& Fact(const qbEntity& entity, std::string_view key) {
+  static const std::string kNothing;
+  const Variant* fact = entity.Properties()->Find(key);
+  const std::string* text = fact ? fact->StringIf() : nullptr;
+  return text ? *text : kNothing;
 }
 
 }  // namespace
@@ -16,21 +24,21 @@ std::string QualifiedText(const std::string& schema, const std::string& name, co
 
 std::vector<Identifier> WrittenName(const qbEntity& entity, const NameRules& rules) {
   std::string tag = entity.TagVariant().Text();
-  if (tag == Fact(entity, "TABLE_NAME")) return {Identifier(std::move(tag))};
+  if (tag == Fact(entity, kTableName)) return {Identifier(std::move(tag))};
   return SplitName(tag, rules);
 }
 
 std::vector<Identifier> SourceName(const qbEntity& entity, const NameRules& rules) {
   std::vector<Identifier> parts = WrittenName(entity, rules);
-  std::string schema = Fact(entity, "TABLE_SCHEMA");
-  if (parts.size() == 1 && !schema.empty()) parts.insert(parts.begin(), Identifier(std::move(schema)));
+  const std::string& schema = Fact(entity, kTableSchema);
+  if (parts.size() == 1 && !schema.empty()) parts.insert(parts.begin(), Identifier(schema));
   return parts;
 }
 
 std::size_t SchemaBytesOf(const qbEntity& entity) {
-  const std::string schema = Fact(entity, "TABLE_SCHEMA");
+  const std::string& schema = Fact(entity, kTableSchema);
   if (schema.empty()) return 0;
-  const std::string name = Fact(entity, "TABLE_NAME");
+  const std::string& name = Fact(entity, kTableName);
   const std::string caption = entity.Caption();
   if (!caption.ends_with(name) || caption.size() <= name.size() + schema.size()) return 0;
   const std::size_t bytes = caption.size() - name.size();

@@ -252,7 +252,7 @@ std::vector<Ref<zrGridRow>> qbGridPane::SortedRows() const {
     if (!row->ValueAt(kColumnSortType).IsBlank() || !row->ValueAt(kColumnSortOrder).IsBlank()) rows.push_back(row);
   }
   std::ranges::sort(rows, {}, [](const Ref<zrGridRow>& row) { return row->Index(); });
-  rows.erase(std::ranges::unique(rows).begin(), rows.end());
+  rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
   sortedRows_.assign(rows.begin(), rows.end());
   return rows;
 }

@@ -7,6 +7,7 @@
 #include <numeric>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 #include "base/text.h"
 #include "diagram/relationships.h"
@@ -16,6 +17,7 @@
 #include "hub/query_builder.h"
 #include "hub/snapshot_builder.h"
 #include "sql/from_binder.h"
+#include "sql/join_list.h"
 #include "sql/source_rules.h"
 #include "sql/statement_binder.h"
 #include "sql/statement_parser.h"
@@ -64,12 +66,11 @@ class Loader final : public QuerySource {
     const SelectStatement statement =
         ParseSelect(sql_, {.openParenthesesInFrom = dialect.fromParentheses == Dialect::FromParentheses::Nested});
     PlanTables(statement);
-    QuerySnapshot before = hub_.Snapshot();
     BindOptions options;
     options.dialect = &dialect;
     options.functions = hub_.DBFunctions().get();
     options.names = rules_;
-    options.criteria = std::move(before.criteria);
+    options.criteria = hub_.CriteriaRules();
     options.arrange = [&](QuerySnapshot& query, std::size_t attempt) { return Arrange(query, attempt, dialect); };
     const QuerySnapshot query = BindStatement(statement, *this, options);
     Apply(query);
@@ -157,25 +158,34 @@ class Loader final : public QuerySource {
       tables_.push_back(std::move(table));
     }
     if (!entities_) return;
-    std::unordered_map<std::string, std::vector<std::int32_t>> byTable;  // by the last part of the name, case-folded
-    for (std::int32_t i = 1; i <= entities_->Count(); ++i) {
-      byTable[FoldCase(SourceName(*entities_->Item(i), rules_).back().Name())].push_back(i);
+    constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+    struct Drawn {
+      Ref<qbEntity> entity;
+      std::vector<Identifier> name;
+      std::size_t nextAlike = kNone;  // the next whose name has the same last part
+      bool claimed = false;
+    };
+    std::vector<Drawn> drawn(static_cast<std::size_t>(entities_->Count()));
+    std::unordered_map<std::string_view, std::size_t, HashNoCase, EqualNoCase> firstOf;  // by the last part of the name
+    for (std::size_t i = drawn.size(); i-- > 0;) {
+      drawn[i].entity = entities_->Item(static_cast<std::int32_t>(i + 1));
+      drawn[i].name = SourceName(*drawn[i].entity, rules_);
+      const auto [first, added] = firstOf.emplace(drawn[i].name.back().Name(), i);
+      if (!added) drawn[i].nextAlike = std::exchange(first->second, i);
     }
-    std::unordered_set<const qbEntity*> claimed;
     enum class Called : std::uint8_t { Exactly, Alike, Anything };
     const auto claim = [&](PlannedTable& table, Called called) {
       if (table.entity) return;
-      const auto found = byTable.find(FoldCase(table.written.parts.back().Name()));
-      if (found == byTable.end()) return;
-      for (const std::int32_t position : found->second) {
-        const Ref<qbEntity> entity = entities_->Item(position);
-        if (claimed.contains(entity.get())) continue;
+      const auto found = firstOf.find(table.written.parts.back().Name());
+      for (std::size_t i = found == firstOf.end() ? kNone : found->second; i != kNone; i = drawn[i].nextAlike) {
+        const Ref<qbEntity>& entity = drawn[i].entity;
+        if (drawn[i].claimed) continue;
         if (called == Called::Exactly && entity->Caption() != table.caption) continue;
         if (called == Called::Alike && !IsCalled(*entity, table)) continue;
-        if (!IsSameTable(SourceName(*entity, rules_), table.written.parts)) continue;
-        claimed.insert(entity.get());
+        if (!IsSameTable(drawn[i].name, table.written.parts)) continue;
+        drawn[i].claimed = true;
         table.entity = entity;
-        table.position = position;
+        table.position = static_cast<std::int32_t>(i + 1);
         // An alias is kept as it is written; a table's own name is spelt as in the diagram.
         if (table.written.alias.Empty() && IsCalled(*entity, table)) table.caption = entity->Caption();
         return;
@@ -204,11 +214,13 @@ class Loader final : public QuerySource {
     Ref<qbRelationship> kept;  // nothing when it is still to be drawn
   };
 
-  static std::string KeyOf(std::size_t table1, const std::string& column1, std::size_t table2,
-                           const std::string& column2) {
-    const bool swap = table2 < table1;
-    return std::to_string(swap ? table2 : table1) + '\n' + (swap ? column2 : column1) + '\n' +
-           std::to_string(swap ? table1 : table2) + '\n' + (swap ? column1 : column2);
+  using JoinsByColumns = std::unordered_map<ColumnPair, std::size_t, HashColumnPair>;
+
+  // The same whichever end comes first.
+  static ColumnPair KeyOf(std::size_t table1, const std::string& column1, std::size_t table2,
+                          const std::string& column2) {
+    if (table2 < table1) return {table2, column2, table1, column1};
+    return {table1, column1, table2, column2};
   }
 
   // The order of tables and joins in the diagram, best first: the one it has when FROM is generated from it as the
@@ -237,7 +249,7 @@ class Loader final : public QuerySource {
   // The joins as the diagram will hold them: those that it has stay where they are and as they were drawn, new ones
   // follow in the order in which the statement names the tables as they were written.
   void ArrangeJoins(QuerySnapshot& query, const std::vector<std::size_t>& order, bool keepsDrawn) {
-    std::unordered_map<std::string, std::size_t> wanted;
+    JoinsByColumns wanted;
     for (std::size_t i = 0; i < query.joins.size(); ++i) {
       const SnapshotJoin& join = query.joins[i];
       wanted.emplace(KeyOf(join.source, join.sourceColumn->Name(), join.target, join.targetColumn->Name()), i);
@@ -281,8 +293,8 @@ class Loader final : public QuerySource {
     return order;
   }
 
-  void KeepDrawnJoins(const QuerySnapshot& query, const std::unordered_map<std::string, std::size_t>& wanted,
-                      std::vector<bool>& taken, std::vector<std::vector<PlannedJoin>>& bySource) const {
+  void KeepDrawnJoins(const QuerySnapshot& query, const JoinsByColumns& wanted, std::vector<bool>& taken,
+                      std::vector<std::vector<PlannedJoin>>& bySource) const {
     std::unordered_map<const qbEntity*, std::size_t> positions;
     for (std::size_t i = 0; i < tables_.size(); ++i) {
       if (tables_[i].entity) positions.emplace(tables_[i].entity.get(), i);

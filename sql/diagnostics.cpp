@@ -61,29 +61,27 @@ class Diagnosis {
   // --- Tables and joins ---
 
   void Tables() {
-    const bool nested = dialect_.fromParentheses == Dialect::FromParentheses::Nested && generated_.joins->Count() > 2;
-    for (const Ref<qbJoin>& entry : *generated_.joins) {
-      const bool first = entry == *generated_.joins->begin();
-      if (entry->JoinTables()->Empty() && !first) {
-        Say(DiagnosticTableNotJoined, entry->Caption(),
-            " is joined to no table before it: each of its rows meets all others.");
-        if (nested) Say(DiagnosticParentheses, entry->Caption(), " stands behind parentheses that are never closed.");
+    const bool nested = dialect_.fromParentheses == Dialect::FromParentheses::Nested && generated_.from.size() > 2;
+    for (const FromEntry& entry : generated_.from) {
+      const std::string& caption = CaptionOf(entry.table);
+      if (entry.conditions.empty() && &entry != &generated_.from.front()) {
+        Say(DiagnosticTableNotJoined, caption, " is joined to no table before it: each of its rows meets all others.");
+        if (nested) Say(DiagnosticParentheses, caption, " stands behind parentheses that are never closed.");
       }
-      if (HasMixedKinds(*entry)) {
-        Say(DiagnosticMixedJoins, entry->Caption(), " has joins of several kinds, which one statement cannot say.");
+      if (HasMixedKinds(entry)) {
+        Say(DiagnosticMixedJoins, caption, " has joins of several kinds, which one statement cannot say.");
       }
     }
   }
 
   // A JOIN clause has one word for all its conditions; conditions in a list of tables have a mark each, and only those
   // to the same table must agree.
-  bool HasMixedKinds(const qbJoin& entry) const {
+  bool HasMixedKinds(const FromEntry& entry) const {
+    if (entry.conditions.size() < 2) return false;
     const bool clauses = dialect_.joins == Dialect::Joins::Clauses;
-    std::unordered_map<std::string_view, JoinTypeEnum> kinds;
-    for (std::size_t i = 1; i <= static_cast<std::size_t>(entry.JoinTables()->Count()); ++i) {
-      const qbJoinTable& condition = entry.JoinTables()->At(i);
-      const std::string_view key = clauses ? std::string_view() : std::string_view(condition.RightTable);
-      if (kinds.emplace(key, condition.JoinType).first->second != condition.JoinType) return true;
+    std::unordered_map<std::size_t, JoinTypeEnum> kinds;
+    for (const FromCondition& condition : entry.conditions) {
+      if (kinds.emplace(clauses ? 0 : condition.right, condition.type).first->second != condition.type) return true;
     }
     return false;
   }
@@ -209,21 +207,18 @@ class Diagnosis {
 
   // The tables whose columns are empty in rows that only an outer join returns.
   std::vector<bool> OptionalTables() const {
-    std::unordered_map<std::string_view, std::size_t> positions;
-    for (std::size_t table = 0; table < query_.tables.size(); ++table) positions.emplace(CaptionOf(table), table);
     std::vector<bool> optional(query_.tables.size());
     std::vector<std::size_t> earlier;  // not optional yet
-    for (const Ref<qbJoin>& entry : *generated_.joins) {
-      const std::size_t table = positions.at(entry->Caption());
-      const JoinTypeEnum type = entry->JoinTables()->Empty() ? JoinInner : entry->JoinTables()->At(1).JoinType;
+    for (const FromEntry& entry : generated_.from) {
+      const JoinTypeEnum type = entry.conditions.empty() ? JoinInner : entry.conditions.front().type;
       if (type == JoinAllOfThis || (type == JoinAllOfBoth && dialect_.hasFullJoin)) {
         for (const std::size_t before : earlier) optional[before] = true;
         earlier.clear();
       }
       if (type == JoinAllOfEarlier || (type == JoinAllOfBoth && dialect_.hasFullJoin)) {
-        optional[table] = true;
+        optional[entry.table] = true;
       } else {
-        earlier.push_back(table);
+        earlier.push_back(entry.table);
       }
     }
     return optional;
@@ -238,8 +233,7 @@ class Diagnosis {
     }
     if (dialect_.limit != Dialect::Limit::Condition) return;
     if (!sorted_.empty()) Say(DiagnosticLimitWritten, query_.top, ": the rows are counted before they are sorted.");
-    const bool joined =
-        std::ranges::any_of(*generated_.joins, [](const Ref<qbJoin>& e) { return !e->JoinTables()->Empty(); });
+    const bool joined = std::ranges::any_of(generated_.from, [](const FromEntry& e) { return !e.conditions.empty(); });
     const bool alternatives = std::ranges::any_of(query_.rows, [](const SnapshotRow& row) {
       return !row.column.empty() && !row.ChoosesGroups() && row.criteria.size() > 1;
     });

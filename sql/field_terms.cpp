@@ -34,20 +34,7 @@ std::string KeyOf(const Expression& expression, const Expression* operand) {
 }  // namespace
 
 FieldTerms::FieldTerms(const NameScope& scope, const NameRules& rules, const qbDBFunctions& functions)
-    : scope_(scope), rules_(rules) {
-  constexpr std::int32_t kChoice = 1;
-  for (std::int32_t i = 1; i <= functions.Count(); ++i) {
-    const qbDBFunction& function = *functions.Item(i);
-    if ((function.Flags() & kChoice) == 0 || FindNoCase(function.Syntax(), kField) == std::string::npos) continue;
-    try {
-      SyntaxArena arena(512);
-      const Expression* syntax = ParseExpressionText(function.Syntax(), arena);
-      aggregates_.try_emplace(KeyOf(*syntax, OnlyOperand(*syntax)),
-                              Aggregate{function.DisplayText(), function.Syntax()});
-    } catch (const SyntaxError&) {
-      // A function of the application's that is no SQL as we know it is recognised in no statement.
-    }
-  }
+    : scope_(scope), rules_(rules), functions_(functions) {
   columns_ = [this](const Expression& e, std::string& text) {
     const Expression* column = StripParentheses(&e);
     if (column->kind != ExpressionKind::Column) return false;
@@ -56,6 +43,25 @@ FieldTerms::FieldTerms(const NameScope& scope, const NameRules& rules, const qbD
     text += ColumnTerm(found->table, found->column);
     return true;
   };
+}
+
+const FieldTerms::Aggregates& FieldTerms::KnownAggregates() const {
+  if (aggregates_) return *aggregates_;
+  aggregates_.emplace();
+  constexpr std::int32_t kChoice = 1;
+  for (std::int32_t i = 1; i <= functions_.Count(); ++i) {
+    const qbDBFunction& function = *functions_.Item(i);
+    if ((function.Flags() & kChoice) == 0 || FindNoCase(function.Syntax(), kField) == std::string::npos) continue;
+    try {
+      SyntaxArena arena(512);
+      const Expression* syntax = ParseExpressionText(function.Syntax(), arena);
+      aggregates_->try_emplace(KeyOf(*syntax, OnlyOperand(*syntax)),
+                               Aggregate{function.DisplayText(), function.Syntax()});
+    } catch (const SyntaxError&) {
+      // A function of the application's that is no SQL as we know it is recognised in no statement.
+    }
+  }
+  return *aggregates_;
 }
 
 std::string FieldTerms::ColumnTerm(std::size_t table, const std::string& column) const {
@@ -82,8 +88,8 @@ std::optional<RowField> FieldTerms::AggregateOf(const Expression& expression) co
   if (expression.kind != ExpressionKind::Call && expression.kind != ExpressionKind::Chain) return std::nullopt;
   const Expression* operand = OnlyOperand(expression);
   if (!operand || (operand->kind == ExpressionKind::Star && operand->text != "*")) return std::nullopt;
-  const auto found = aggregates_.find(KeyOf(expression, operand));
-  if (found == aggregates_.end() || scope_.Tables().empty()) return std::nullopt;
+  const auto found = KnownAggregates().find(KeyOf(expression, operand));
+  if (found == KnownAggregates().end() || scope_.Tables().empty()) return std::nullopt;
   RowField field{0, "*", found->second.text, found->second.syntax};
   if (operand->kind == ExpressionKind::Star) return field;
   std::optional<BoundColumn> column = scope_.Find(*operand);

@@ -39,12 +39,15 @@ class FieldTerms {
     std::string text;
     std::string syntax;
   };
+  using Aggregates = std::unordered_map<std::string, Aggregate>;  // by syntax, as `KeyOf` makes it alike
+  const Aggregates& KnownAggregates() const;
   const Expression* OnlyOperand(const Expression& expression) const;
   std::string ColumnTerm(std::size_t table, const std::string& column) const;
 
   const NameScope& scope_;
   const NameRules& rules_;
-  std::unordered_map<std::string, Aggregate> aggregates_;  // by syntax, as `KeyOf` makes it alike
+  const qbDBFunctions& functions_;
+  mutable std::optional<Aggregates> aggregates_;  // read when a statement first calls a function
   Substitution columns_;
 };
 

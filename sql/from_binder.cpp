@@ -16,6 +16,15 @@ bool SharesColumns(const FromItem& item) {
   return false;
 }
 
+bool IsOuter(JoinWord word) { return word != JoinWord::Inner && word != JoinWord::Cross; }
+
+bool HasOuterJoin(const FromItem& item) {
+  for (const JoinStep* step = item.joins; step; step = step->next) {
+    if (IsOuter(step->word) || HasOuterJoin(*step->right)) return true;
+  }
+  return false;
+}
+
 // Calls `visit` for each term of a condition whose terms are joined by AND, inside parentheses too.
 template <class Visit>
 void ForEachTerm(const Expression* condition, const Visit& visit) {
@@ -86,14 +95,17 @@ void AddTables(const SelectStatement& statement, NameScope& scope) {
 // --- FROM ---
 
 BoundFrom FromBinder::Bind(bool joinsFromWhere) {
-  for (const FromItem* item = statement_.from; item; item = item->next) sharesColumns_ |= SharesColumns(*item);
+  for (const FromItem* item = statement_.from; item; item = item->next) {
+    sharesColumns_ |= SharesColumns(*item);
+    hasOuterJoin_ |= HasOuterJoin(*item);
+  }
   forms_.emplace(scope_.Tables().size());
   std::optional<JoinForms::Form> all;
   std::size_t number = 0;
   for (const FromItem* item = statement_.from; item; item = item->next) {
     const Side side = BindItem(*item);
     itemOf_.resize(side.end, number++);
-    all = all ? forms_->Inner(*all, side.form, {}) : side.form;
+    if (hasOuterJoin_) all = all ? forms_->Inner(*all, side.form, {}) : side.form;
     bound_.columns.insert(bound_.columns.end(), side.columns.begin(), side.columns.end());
   }
   for (const Residual& residual : residuals_) {
@@ -140,6 +152,8 @@ void FromBinder::BindStep(Side& left, const JoinStep& step, std::size_t firstRes
     const bool isSwapped = right.Holds(pair.left);
     AddJoin(pair, isSwapped ? allOfRight : allOfLeft, isSwapped ? allOfLeft : allOfRight);
   }
+  left.end = right.end;
+  if (!hasOuterJoin_) return;
   switch (step.word) {
     case JoinWord::Inner:
     case JoinWord::Cross:
@@ -156,7 +170,6 @@ void FromBinder::BindStep(Side& left, const JoinStep& step, std::size_t firstRes
       bound_.hasFull = true;
       break;
   }
-  left.end = right.end;
 }
 
 // The pairs of columns of ON, USING or NATURAL. What else ON says is kept for WHERE; it has no place there when the
@@ -164,7 +177,7 @@ void FromBinder::BindStep(Side& left, const JoinStep& step, std::size_t firstRes
 std::vector<JoinPair> FromBinder::PairsOf(const Side& left, const Side& right, const JoinStep& step) {
   std::vector<JoinPair> pairs;
   if (step.natural || step.columns) AddSharedColumns(pairs, left, right, step);
-  const bool isInner = step.word == JoinWord::Inner || step.word == JoinWord::Cross;
+  const bool isInner = !IsOuter(step.word);
   if (step.on) {
     ForEachTerm(step.on, [&](const Expression& term) {
       if (HasMark(term)) scope_.Refuse(term.text, "The mark of an outer join has no place in ON.");

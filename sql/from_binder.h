@@ -90,6 +90,7 @@ class FromBinder {
   std::vector<JoinPair> whereJoins_;
   bool hasMarks_ = false;
   bool sharesColumns_ = false;
+  bool hasOuterJoin_ = false;              // otherwise any order of joins means the same, and the forms are left alone
   std::unordered_set<std::string> known_;  // the joins that were added
   BoundFrom bound_;
 };

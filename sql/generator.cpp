@@ -1,12 +1,10 @@
 #include "sql/generator.h"
 
 #include <algorithm>
-#include <unordered_map>
 
 #include "base/error.h"
 #include "base/text.h"
 #include "sql/criteria_formatter.h"
-#include "sql/join_list.h"
 #include "sql/keywords.h"
 
 namespace zrqrybld {
@@ -25,9 +23,7 @@ class Generator {
       : query_(query), dialect_(dialect), context_(query.criteria) {
     context_.quotePrefix = query.names.quotePrefix;
     tableTerms_.reserve(query.tables.size());
-    positions_.reserve(query.tables.size());
     for (const SnapshotTable& table : query.tables) {
-      positions_.emplace(table.caption.Name(), tableTerms_.size());
       // Without AS before it, an alias that is any keyword would be taken for one.
       const bool bare = table.aliased && dialect.tableAlias == " " && IsSqlKeyword(table.caption.Name());
       tableTerms_.push_back((bare ? Quote(table.caption, query.names) : TableTerm(table, query.names)).Text());
@@ -35,7 +31,7 @@ class Generator {
   }
 
   GeneratedSql Run(const ExtraConditions& extra) {
-    result_.joins = BuildJoinList(query_);
+    result_.from = PlaceTables(query_);
     if (dialect_.joins == Dialect::Joins::Clauses) {
       WriteJoinClauses();
     } else {
@@ -63,8 +59,8 @@ class Generator {
     return RenderQualified(table.name, query_.names).Text() + std::string(dialect_.tableAlias) + tableTerms_[index];
   }
 
-  std::string FieldTerm(std::size_t table, const std::string& column) const {
-    return tableTerms_[table] + "." + QuoteWhenNeeded(Identifier(column), query_.names).Text();
+  std::string FieldTerm(std::size_t table, std::string_view column) const {
+    return tableTerms_[table] + "." + QuoteWhenNeeded(Identifier(std::string(column)), query_.names).Text();
   }
 
   // A row's column by its qualified name; an expression row as it was typed.
@@ -95,64 +91,60 @@ class Generator {
   }
 
   void WriteJoinConditions() {
-    for (const Ref<qbJoin>& entry : *result_.joins) {
-      const qbJoinTables& conditions = *entry->JoinTables();
-      if (conditions.Empty()) {
-        NoteUnjoined(*entry);
+    for (const FromEntry& entry : result_.from) {
+      if (entry.conditions.empty()) {
+        NoteUnjoined(entry);
         continue;
       }
       joinConditions_ += joinConditions_.empty() ? "" : " AND ";
       joinConditions_ += kItem;
       if (joinConditions_.size() == kItem.size()) joinConditions_ += '(';
-      AppendConditions(joinConditions_, conditions, " AND ");
+      AppendConditions(joinConditions_, entry, " AND ");
     }
     if (!joinConditions_.empty()) joinConditions_ += ')';
   }
 
   void WriteJoinClauses() {
-    const qbJoins& joins = *result_.joins;
-    for (const Ref<qbJoin>& entry : joins) {
-      const qbJoinTables& conditions = *entry->JoinTables();
-      if (conditions.Empty()) {
-        NoteUnjoined(*entry);
-        WriteUnjoinedTable(*entry);
+    for (const FromEntry& entry : result_.from) {
+      if (entry.conditions.empty()) {
+        NoteUnjoined(entry);
+        WriteUnjoinedTable(entry);
         continue;
       }
       from_ += kItem;
-      from_ += dialect_.joinWords[conditions.At(1).JoinType];
+      from_ += dialect_.joinWords[entry.conditions.front().type];
       from_ += "JOIN ";
-      from_ += FromTerm(positions_.at(entry->Caption()));
+      from_ += FromTerm(entry.table);
       from_ += " ON ";
-      AppendConditions(from_, conditions, kAnd);
-      const bool last = entry == *std::prev(joins.end());
+      AppendConditions(from_, entry, kAnd);
+      const bool last = &entry == &result_.from.back();
       if (dialect_.fromParentheses == Dialect::FromParentheses::Nested && !last) from_ += ')';
     }
     if (dialect_.fromParentheses == Dialect::FromParentheses::Whole && !from_.empty()) from_ += dialect_.close;
   }
 
-  void NoteUnjoined(const qbJoin& entry) {
-    if (&entry != result_.joins->begin()->get()) result_.cartesian = true;
+  void NoteUnjoined(const FromEntry& entry) {
+    if (&entry != &result_.from.front()) result_.cartesian = true;
   }
 
   // Every table without a condition opens the parentheses anew, not only the first.
-  void WriteUnjoinedTable(const qbJoin& entry) {
+  void WriteUnjoinedTable(const FromEntry& entry) {
     const bool first = from_.empty();
-    const auto count = static_cast<std::size_t>(result_.joins->Count());
+    const std::size_t count = result_.from.size();
     if (!first) from_ += dialect_.fromSeparator;
     from_ += kItem;
     if (first && dialect_.fromParentheses == Dialect::FromParentheses::Whole) from_ += dialect_.open;
     if (dialect_.fromParentheses == Dialect::FromParentheses::Nested && count > 2) from_.append(count - 2, '(');
-    from_ += FromTerm(positions_.at(entry.Caption()));
+    from_ += FromTerm(entry.table);
   }
 
-  void AppendConditions(std::string& text, const qbJoinTables& conditions, std::string_view separator) const {
-    for (std::size_t i = 1; i <= static_cast<std::size_t>(conditions.Count()); ++i) {
-      const qbJoinTable& condition = conditions.At(i);
-      if (i > 1) text += separator;
-      text += FieldTerm(positions_.at(condition.LeftTable), condition.LeftField);
-      text += dialect_.comparison[condition.JoinType];
-      text += FieldTerm(positions_.at(condition.RightTable), condition.RightField);
-      text += dialect_.afterCondition[condition.JoinType];
+  void AppendConditions(std::string& text, const FromEntry& entry, std::string_view separator) const {
+    for (const FromCondition& condition : entry.conditions) {
+      if (&condition != &entry.conditions.front()) text += separator;
+      text += FieldTerm(entry.table, condition.leftColumn);
+      text += dialect_.comparison[condition.type];
+      text += FieldTerm(condition.right, condition.rightColumn);
+      text += dialect_.afterCondition[condition.type];
     }
   }
 
@@ -331,8 +323,7 @@ class Generator {
   const QuerySnapshot& query_;
   const Dialect& dialect_;
   std::vector<std::string> tableTerms_;
-  std::unordered_map<std::string_view, std::size_t> positions_;  // of the tables by their captions
-  CriteriaContext context_;                                      // of the criterion that is being written
+  CriteriaContext context_;  // of the criterion that is being written
   GeneratedSql result_;
   std::string head_;
   std::string select_;

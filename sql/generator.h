@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "sql/dialect.h"
-#include "sql/joins.h"
+#include "sql/join_list.h"
 #include "sql/query_snapshot.h"
 
 namespace zrqrybld {
@@ -24,8 +24,8 @@ struct GeneratedSql {
   std::string text;
   /// Whether some table other than the first is joined to none before it.
   bool cartesian = false;
-  /// The tables as they stand in FROM; never nothing.
-  Ref<qbJoins> joins;
+  /// The tables as they stand in FROM; valid as long as the query is.
+  std::vector<FromEntry> from;
   std::vector<UnreadableCriterion> unreadable;
 };
 

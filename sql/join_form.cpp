@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <iterator>
 #include <numeric>
-#include <unordered_map>
 
 #include "sql/dialect.h"
 #include "sql/join_list.h"
@@ -152,70 +151,37 @@ std::string JoinForms::Text(Form form) {
 
 namespace {
 
-struct Entry {
-  std::size_t table;
-  std::vector<JoinPair> conditions;
-  std::vector<JoinTypeEnum> types;
-};
-
-// The query with its tables in another order; only tables and joins.
-QuerySnapshot Arranged(const QuerySnapshot& query, std::span<const std::size_t> order) {
-  QuerySnapshot arranged;
-  std::vector<std::size_t> placeOf(order.size());
-  for (std::size_t i = 0; i < order.size(); ++i) {
-    placeOf[order[i]] = i;
-    arranged.tables.push_back(query.tables[order[i]]);
-  }
-  arranged.joins = query.joins;
-  for (SnapshotJoin& join : arranged.joins) {
-    join.source = placeOf[join.source];
-    join.target = placeOf[join.target];
-  }
-  return arranged;
-}
-
-std::vector<Entry> EntriesOf(const QuerySnapshot& query, std::span<const std::size_t> order) {
-  std::unordered_map<std::string_view, std::size_t> positions;
-  for (std::size_t i = 0; i < query.tables.size(); ++i) positions.emplace(query.tables[i].caption.Name(), i);
-  std::vector<Entry> entries;
-  const Ref<qbJoins> joins = BuildJoinList(Arranged(query, order));
-  for (const Ref<qbJoin>& join : *joins) {
-    Entry& entry = entries.emplace_back(Entry{positions.at(join->Caption()), {}, {}});
-    const qbJoinTables& conditions = *join->JoinTables();
-    for (std::size_t i = 1; i <= static_cast<std::size_t>(conditions.Count()); ++i) {
-      const qbJoinTable& c = conditions.At(i);
-      entry.conditions.push_back({positions.at(c.LeftTable), c.LeftField, positions.at(c.RightTable), c.RightField});
-      entry.types.push_back(c.JoinType);
-    }
-  }
-  return entries;
+JoinPair PairOf(const FromEntry& entry, const FromCondition& condition) {
+  return {entry.table, std::string(condition.leftColumn), condition.right, std::string(condition.rightColumn)};
 }
 
 // One JOIN after the other; a table without a condition begins a new item of the list.
-std::string MeaningOfClauses(JoinForms& forms, const std::vector<Entry>& entries) {
+std::string MeaningOfClauses(JoinForms& forms, const std::vector<FromEntry>& entries) {
   std::optional<JoinForms::Form> all, item;
   const auto endItem = [&] {
     if (item) all = all ? forms.Inner(*all, *item, {}) : *item;
   };
-  for (const Entry& entry : entries) {
+  for (const FromEntry& entry : entries) {
     const JoinForms::Form table = forms.Table(entry.table);
     if (entry.conditions.empty()) {
       endItem();
       item = table;
       continue;
     }
-    switch (entry.types.front()) {
+    std::vector<JoinPair> pairs;
+    for (const FromCondition& condition : entry.conditions) pairs.push_back(PairOf(entry, condition));
+    switch (entry.conditions.front().type) {
       case JoinInner:
-        item = forms.Inner(*item, table, entry.conditions);
+        item = forms.Inner(*item, table, pairs);
         break;
       case JoinAllOfEarlier:
-        item = forms.Left(*item, table, entry.conditions);
+        item = forms.Left(*item, table, pairs);
         break;
       case JoinAllOfThis:
-        item = forms.Left(table, *item, entry.conditions);
+        item = forms.Left(table, *item, pairs);
         break;
       case JoinAllOfBoth:
-        item = forms.Full(*item, table, entry.conditions);
+        item = forms.Full(*item, table, pairs);
         break;
     }
   }
@@ -225,18 +191,17 @@ std::string MeaningOfClauses(JoinForms& forms, const std::vector<Entry>& entries
 
 // Conditions in WHERE: the marked table of each may be missing. The marked conditions bring their table in, all others
 // are asked of the whole.
-std::string MeaningOfMarks(JoinForms& forms, std::size_t tables, const std::vector<Entry>& entries) {
+std::string MeaningOfMarks(JoinForms& forms, std::size_t tables, const std::vector<FromEntry>& entries) {
   std::vector<std::vector<JoinPair>> bringIn(tables);
   std::vector<JoinPair> others;
-  for (const Entry& entry : entries) {
-    for (std::size_t i = 0; i < entry.conditions.size(); ++i) {
-      const JoinPair& pair = entry.conditions[i];
-      if (entry.types[i] == JoinAllOfEarlier) {
-        bringIn[pair.left].push_back(pair);
-      } else if (entry.types[i] == JoinAllOfThis) {
-        bringIn[pair.right].push_back(pair);
+  for (const FromEntry& entry : entries) {
+    for (const FromCondition& condition : entry.conditions) {
+      if (condition.type == JoinAllOfEarlier) {
+        bringIn[entry.table].push_back(PairOf(entry, condition));
+      } else if (condition.type == JoinAllOfThis) {
+        bringIn[condition.right].push_back(PairOf(entry, condition));
       } else {
-        others.push_back(pair);
+        others.push_back(PairOf(entry, condition));
       }
     }
   }
@@ -276,14 +241,14 @@ std::string JoinForms::MeaningOfMarks(const std::vector<std::vector<JoinPair>>& 
 
 std::vector<std::size_t> GeneratedOrder(const QuerySnapshot& query, std::span<const std::size_t> order) {
   std::vector<std::size_t> tables;
-  for (const Entry& entry : EntriesOf(query, order)) tables.push_back(entry.table);
+  for (const FromEntry& entry : PlaceTables(query, order)) tables.push_back(entry.table);
   return tables;
 }
 
 std::string MeaningOfGeneratedJoins(const QuerySnapshot& query, std::span<const std::size_t> order,
                                     const Dialect& dialect) {
   JoinForms forms(query.tables.size());
-  const std::vector<Entry> entries = EntriesOf(query, order);
+  const std::vector<FromEntry> entries = PlaceTables(query, order);
   return dialect.joins == Dialect::Joins::Clauses ? MeaningOfClauses(forms, entries)
                                                   : MeaningOfMarks(forms, query.tables.size(), entries);
 }

@@ -1,6 +1,6 @@
 // The join list: the tables of FROM in their order, each with the conditions that join it to those before it.
 //
-// The generator builds it anew for each statement; the SQL pane keeps the last one.
+// The SQL pane has one for the statement that was generated last.
 #pragma once
 
 #include <cstddef>

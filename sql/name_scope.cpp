@@ -14,6 +14,14 @@ constexpr std::array<std::string_view, 11> kPseudoColumns = {
     "CURRENT_DATE", "CURRENT_TIME", "CURRENT_TIMESTAMP", "CURRENT_USER", "LEVEL",       "ROWID",
     "ROWNUM",       "SYSDATE",      "SYSTIMESTAMP",      "USER",         "SESSION_USER"};
 
+// A name that is written without quotes and without dots.
+bool IsOnePart(std::string_view written) {
+  const auto isPlain = [](char c) {
+    return IsDigit(c) || c == '_' || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+  };
+  return !written.empty() && !IsDigit(written.front()) && std::ranges::all_of(written, isPlain);
+}
+
 std::string Quoted(std::string_view name) { return '"' + std::string(name) + '"'; }
 
 // The parts with "." between, as one name.
@@ -35,6 +43,10 @@ std::string PlainName(std::string_view written) {
 
 std::vector<Identifier> NameParts(std::string_view written) {
   std::vector<Identifier> parts;
+  if (IsOnePart(written)) {
+    parts.emplace_back(std::string(written));
+    return parts;
+  }
   Lexer lexer(written);
   bool partCame = false;
   for (Token token; lexer.Next(token);) {
@@ -66,11 +78,11 @@ std::size_t NameScope::AddTable(const FromItem& item) {
   if (!table) Refuse(item.table, "There is no table " + Quoted(WholeName(written.parts)) + ".");
   const std::size_t index = tables_.size();
   const std::string& caption = table->caption.Name();
-  if (!byCaption_.emplace(FoldCase(caption), index).second) {
+  if (!byCaption_.emplace(caption, index).second) {
     Refuse(item.alias.empty() ? item.table : item.alias, "The table name " + Quoted(caption) + " is used twice.");
   }
   if (written.alias.Empty()) {
-    const auto [known, added] = byLastPart_.emplace(FoldCase(written.parts.back().Name()), index);
+    const auto [known, added] = byLastPart_.emplace(written.parts.back().Name(), index);
     if (!added) known->second = kAmbiguous;
   }
   tables_.push_back(std::move(*table));
@@ -78,10 +90,13 @@ std::size_t NameScope::AddTable(const FromItem& item) {
 }
 
 std::optional<std::size_t> NameScope::FindTable(std::string_view qualifier) const {
+  if (const auto found = byCaption_.find(qualifier); found != byCaption_.end() && IsOnePart(qualifier)) {
+    return found->second;
+  }
   const std::vector<Identifier> parts = NameParts(qualifier);
   if (parts.empty()) return std::nullopt;
-  if (const auto found = byCaption_.find(FoldCase(WholeName(parts))); found != byCaption_.end()) return found->second;
-  const auto found = byLastPart_.find(FoldCase(parts.back().Name()));
+  if (const auto found = byCaption_.find(WholeName(parts)); found != byCaption_.end()) return found->second;
+  const auto found = byLastPart_.find(parts.back().Name());
   if (found == byLastPart_.end()) return std::nullopt;
   if (parts.size() == 1 || found->second == kAmbiguous) return found->second;
   // A longer qualifier must end as the table's name does.
@@ -153,13 +168,10 @@ BoundColumn NameScope::Require(const Expression& column) const {
   return std::move(*found);
 }
 
-void NameScope::Unify(const std::string& name, const BoundColumn& column) {
-  unified_.insert_or_assign(FoldCase(name), column);
-}
+void NameScope::Unify(const std::string& name, const BoundColumn& column) { unified_.insert_or_assign(name, column); }
 
 const BoundColumn* NameScope::FindUnified(std::string_view name) const {
-  if (unified_.empty()) return nullptr;
-  const auto found = unified_.find(FoldCase(name));
+  const auto found = unified_.find(name);
   return found == unified_.end() ? nullptr : &found->second;
 }
 

@@ -10,6 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/text.h"
 #include "sql/query_snapshot.h"
 #include "sql/select_statement.h"
 
@@ -92,6 +93,8 @@ class NameScope {
   [[noreturn]] void Refuse(std::string_view part, std::string message) const;
 
  private:
+  template <class T>
+  using ByName = std::unordered_map<std::string, T, HashNoCase, EqualNoCase>;
   static constexpr std::size_t kAmbiguous = static_cast<std::size_t>(-1);
   std::optional<std::size_t> FindTable(std::string_view qualifier) const;
   std::vector<std::size_t> TablesWith(const std::string& name) const;
@@ -99,9 +102,9 @@ class NameScope {
   std::string_view text_;
   QuerySource& source_;
   std::vector<SnapshotTable> tables_;
-  std::unordered_map<std::string, std::size_t> byCaption_;   // case-folded
-  std::unordered_map<std::string, std::size_t> byLastPart_;  // of tables without alias; `kAmbiguous` for several
-  std::unordered_map<std::string, BoundColumn> unified_;
+  ByName<std::size_t> byCaption_;
+  ByName<std::size_t> byLastPart_;  // of tables without alias; `kAmbiguous` for several
+  ByName<BoundColumn> unified_;
 };
 
 }  // namespace zrqrybld

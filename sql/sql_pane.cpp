@@ -187,13 +187,20 @@ void qbSQLPane::WriteProperties(PropertyStore& store) const {
 std::string qbSQLPane::Generate(const std::string& orExpression, const std::string& andExpression) {
   const Ref<QueryContext> context = context_.lock();
   if (busy_ || !context || context->state() != InfoDone) return {};
-  const QuerySnapshot query = context->Snapshot();
+  QuerySnapshot query = context->Snapshot();
   const Dialect& dialect = DialectFor(syntax_);
   GeneratedSql generated = GenerateSelect(query, dialect, {orExpression, andExpression});
   diagnostics_ = Diagnose(query, dialect, generated);
   cartesian_ = generated.cartesian;
-  joins_ = std::move(generated.joins);
+  generatedFrom_.tables = std::move(query.tables);
+  generatedFrom_.joins = std::move(query.joins);
+  joins_.reset();
   return std::move(generated.text);
+}
+
+const Ref<qbJoins>& qbSQLPane::Joins() const {
+  if (!joins_) joins_ = BuildJoinList(generatedFrom_);
+  return joins_;
 }
 
 void qbSQLPane::Refresh() {

@@ -79,7 +79,7 @@ class qbSQLPane final : public Object {
   std::vector<std::string> Remarks() const;
 
   /// The tables of the statement generated last, as they stand in FROM; the next statement has a list of its own.
-  const Ref<qbJoins>& Joins() const { return joins_; }
+  const Ref<qbJoins>& Joins() const;
 
   /// The statement with a value in the place of every ?PARAM marker: `ParseParameter` is raised for each, in their
   /// order, and a parameter without a value takes its default. No quotes are added. "" when a handler stops it.
@@ -155,7 +155,8 @@ class qbSQLPane final : public Object {
   std::string written_;    // the text as it was generated last
   std::string failure_;    // why it could not be applied
   bool cartesian_ = false;
-  Ref<qbJoins> joins_ = std::make_shared<qbJoins>();
+  QuerySnapshot generatedFrom_;  // the tables and joins of what was generated last
+  mutable Ref<qbJoins> joins_;   // of it; made when somebody asks
   std::vector<SQLDiagnostic> diagnostics_;
 };
 

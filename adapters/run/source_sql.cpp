@@ -253,11 +253,12 @@ void RequireSpoken(std::string_view sql, const Dialect& dialect, std::string_vie
   for (const Construct& construct : kConstructs) {
     if (std::ranges::find(construct.known, family) != construct.known.end()) continue;
     const std::vector<std::string_view> words = Split(construct.words, " ");
-    const auto found = std::ranges::search(
-        tokens, words, [sql](const Token& token, std::string_view word) { return Matches(sql, token, word); });
-    if (found.empty()) continue;
+    const auto found =
+        std::search(tokens.begin(), tokens.end(), words.begin(), words.end(),
+                    [sql](const Token& token, std::string_view word) { return Matches(sql, token, word); });
+    if (found == tokens.end()) continue;
     Refuse(source + " does not know " + std::string(construct.what) + ". " + std::string(construct.advice),
-           found.front().offset);
+           found->offset);
   }
 }
 
