@@ -76,7 +76,7 @@ void qbQueryBuilder::StepBegins(const StepLabel& step) {
 
 void qbQueryBuilder::StepMade(const StepLabel& step, bool writes) {
   std::optional<std::string> typed = std::exchange(typed_, std::nullopt);
-  if (!writes) typed.reset();
+  if (!writes || (sqlPane_ && sqlPane_->KeepsTyped())) typed.reset();
   historyChanged_ |= history_.Record(step, CurrentChange(), std::move(typed));
   if (gridPane_) gridPane_->Grid()->Rows()->Remembered();
 }

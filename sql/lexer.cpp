@@ -34,6 +34,7 @@ constexpr bool IsWordHead(char c) { return (IsWordByte(c) && !IsDigit(c)) || c =
 constexpr auto kWordTails = [] {
   std::array<bool, 256> tails{};
   for (std::size_t i = 0; i < tails.size(); ++i) tails[i] = IsWordTail(static_cast<char>(i));
+  for (const std::size_t i : {0xC2, 0xE2, 0xE3, 0xEF}) tails[i] = false;  // a blank may begin with these
   return tails;
 }();
 
@@ -96,7 +97,10 @@ std::size_t Lexer::EndOfDate() const {
 
 void Lexer::TakeWord(Token& token) {
   std::size_t end = at_ + 1;
-  while (end < text_.size() && kWordTails[static_cast<unsigned char>(text_[end])]) ++end;
+  while (end < text_.size() && (kWordTails[static_cast<unsigned char>(text_[end])] ||
+                                (IsWordByte(text_[end]) && UnicodeBlankAt(text_, end) == 0))) {
+    ++end;
+  }
   const std::string_view word = text_.substr(at_, end - at_);
   if (word.size() == 1 && end < text_.size() && text_[end] == '\'' &&
       std::string_view("NXB").find(UpperAscii(word[0])) != std::string_view::npos) {
@@ -112,7 +116,11 @@ void Lexer::TakeOperator(Token& token) {
 }
 
 bool Lexer::Next(Token& token) {
-  while (at_ < text_.size() && IsWhite(text_[at_])) ++at_;
+  for (std::size_t blank = 1; blank != 0 && at_ < text_.size(); at_ += blank) {
+    blank = IsWhite(text_[at_])                                  ? 1
+            : kWordTails[static_cast<unsigned char>(text_[at_])] ? 0
+                                                                 : UnicodeBlankAt(text_, at_);
+  }
   if (at_ >= text_.size()) return false;
   token.keyword = Keyword::None;
   const char c = text_[at_];

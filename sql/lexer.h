@@ -25,6 +25,19 @@ enum class TokenKind : std::uint8_t {
   Comment,           ///< -- to the end of the line, or /* ... */
 };
 
+/// The bytes of the blank beyond ASCII that stands at `at`, as texts from web pages and word processors hold them
+/// (U+00A0, U+2000 to U+200B, U+202F, U+2060, U+3000, U+FEFF); 0 when none does. It lies between tokens as any other.
+constexpr std::size_t UnicodeBlankAt(std::string_view text, std::size_t at) {
+  constexpr std::string_view kLongest[] = {"\xE2\x80\xAF", "\xE2\x81\xA0", "\xE3\x80\x80", "\xEF\xBB\xBF"};
+  const std::string_view three = text.substr(at, 3);
+  if (three.starts_with("\xC2\xA0")) return 2;
+  for (const std::string_view blank : kLongest) {
+    if (three == blank) return 3;
+  }
+  const bool isSpace = three.size() == 3 && three.starts_with("\xE2\x80");
+  return isSpace && static_cast<unsigned char>(three[2]) <= 0x8B ? 3 : 0;
+}
+
 /// A token: `length` bytes from `offset` of the text.
 struct Token {
   TokenKind kind = TokenKind::Operator;
