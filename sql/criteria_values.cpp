@@ -86,9 +86,9 @@ bool CriterionValues::IsQuery(std::size_t parenthesis) const {
 }
 
 // What a host puts a value in for: ?, :name. (@name is a word.)
-bool CriterionValues::IsPlaceholder(std::size_t at) const {
+bool CriterionValues::IsPlaceholder(std::size_t at, std::size_t to) const {
   return tokens_.Is(at, '?') ||
-         (tokens_.Is(at, ':') && tokens_.Adjoins(at + 1) && tokens_[at + 1].kind == TokenKind::Word);
+         (tokens_.Is(at, ':') && at + 1 < to && tokens_.Adjoins(at + 1) && tokens_[at + 1].kind == TokenKind::Word);
 }
 
 // A name with its dots, or a call. Returns the token behind it.
@@ -166,7 +166,7 @@ std::size_t CriterionValues::ReadOperand(Kind kind, std::size_t at, std::size_t 
   }
   bool whole = tokens_.Partner(at) != CriterionTokens::kNone;
   if (tokens_.Is(at, '{')) whole = at + 1 < to && IsOneOf(tokens_.Text(at + 1), kEscapes);
-  if (whole || IsPlaceholder(at)) {
+  if (whole || IsPlaceholder(at, to)) {
     expression.hasSql = true;
     return whole ? tokens_.After(at) : at + (tokens_.Is(at, '?') ? 1 : 2);
   }

@@ -44,7 +44,7 @@ class CriterionValues {
   std::size_t ReadOperand(Kind kind, std::size_t at, std::size_t to, Expression& expression) const;
   std::size_t ReadName(Kind kind, std::size_t at, std::size_t to, Expression& expression) const;
   std::size_t ReadOperator(std::size_t at, std::size_t to) const;
-  bool IsPlaceholder(std::size_t at) const;
+  bool IsPlaceholder(std::size_t at, std::size_t to) const;
   bool IsQuery(std::size_t parenthesis) const;
 
   std::string WriteText(std::size_t from, std::size_t to, bool pattern) const;
