@@ -58,9 +58,12 @@ constexpr char ClosingQuote(char opening) {
 }  // namespace
 
 std::string FoldCase(std::string_view text) {
-  std::string folded;
+  std::size_t ascii = 0;
+  while (ascii < text.size() && static_cast<unsigned char>(text[ascii]) < 0x80) ++ascii;
+  std::string folded(text.substr(0, ascii));
+  for (char& c : folded) c = FoldAscii(c);
   folded.reserve(text.size());
-  for (std::size_t i = 0; i < text.size();) {
+  for (std::size_t i = ascii; i < text.size();) {
     if (static_cast<unsigned char>(text[i]) < 0x80) {
       folded += FoldAscii(text[i++]);
       continue;
@@ -89,6 +92,12 @@ bool StartsWithNoCase(std::string_view text, std::string_view prefix) {
 std::size_t FindNoCase(std::string_view text, std::string_view needle, std::size_t from) {
   if (from > text.size()) return std::string_view::npos;
   const std::string_view rest = text.substr(from);
+  if (!needle.empty() && UpperAscii(needle[0]) == FoldAscii(needle[0])) {  // no letter: found at once
+    for (std::size_t at = text.find(needle[0], from); at < text.size(); at = text.find(needle[0], at + 1)) {
+      if (StartsWithNoCase(text.substr(at), needle)) return at;
+    }
+    return std::string_view::npos;
+  }
   const auto found = std::search(rest.begin(), rest.end(), needle.begin(), needle.end(),
                                  [](char a, char b) { return FoldAscii(a) == FoldAscii(b); });
   if (found == rest.end() && !needle.empty()) return std::string_view::npos;
