@@ -90,7 +90,7 @@ bool qbQueryBuilder::HasTable(const std::string& tableName) {
 
 void qbQueryBuilder::ShowTables() {
   TablePicker(RefTo(*this)).ShowTables();
-  if (sqlPane_) sqlPane_->Refresh();
+  if (sqlPane_) sqlPane_->ShowChange();
 }
 
 bool qbQueryBuilder::ShowJoinProperties(const Ref<qbRelationship>& relationship) {
@@ -173,8 +173,7 @@ std::shared_ptr<SchemaCache> qbQueryBuilder::Schema() {
 }
 
 void qbQueryBuilder::RefreshStatement() {
-  const bool keepsTyped = travelling_ && sqlPane_ && sqlPane_->IsEdited();  // typed text is never undone
-  if (sqlPane_ && !keepsTyped) sqlPane_->Refresh();
+  if (sqlPane_) sqlPane_->ShowChange();
   NoteColumns();
 }
 
@@ -207,6 +206,7 @@ void qbQueryBuilder::RefreshTableList(std::int32_t from) {
 
 void qbQueryBuilder::DiagramCleared() {
   if (gridPane_) gridPane_->ResetRows();
+  if (sqlPane_) sqlPane_->QueryReplaced();
   QueryChanged();
 }
 
@@ -221,7 +221,7 @@ void qbQueryBuilder::QueryDataSource(std::vector<DataSourceQuestion>& questions)
   for (DataSourceQuestion& question : questions) {
     const std::string_view text = question.question;
     if (StartsWithNoCase(text, kReservedWord)) {
-      question.answer = ReservedWords()->contains(FoldCase(text.substr(kReservedWord.size())));
+      question.answer = ReservedWords()->contains(text.substr(kReservedWord.size()));
     } else if (text == "QUOTE_PREFIX" || text == "QUOTE_SUFFIX") {
       const std::optional<NameQuotes> quotes = SourceQuotes(*this);
       question.answer = !quotes ? "\"" : text == "QUOTE_PREFIX" ? quotes->prefix : quotes->suffix;

@@ -38,7 +38,9 @@ bool qbQueryBuilder::LoadQuery(const std::string& filename, bool fileIsData, boo
     }
     if (sqlStatement) *sqlStatement = reader.Found().sqlStatement;
     if (connectionString) *connectionString = reader.Found().connectionString;
-    if (complete && !returnParametersOnly) QueryChanged();
+    if (!complete || returnParametersOnly) return;
+    if (sqlPane_) sqlPane_->QueryReplaced();
+    QueryChanged();
   });
   return complete;
 }

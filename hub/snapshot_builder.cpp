@@ -12,9 +12,10 @@
 namespace zrqrybld {
 namespace {
 
-using TablePositions = std::unordered_map<std::string, std::size_t>;
+using TablePositions = std::unordered_map<std::string_view, std::size_t>;  // by the captions that the boxes hold
 
 void TakeTables(QuerySnapshot& snapshot, TablePositions& positions, const qbEntities& entities) {
+  snapshot.tables.reserve(static_cast<std::size_t>(entities.Count()));
   for (std::int32_t i = 1; i <= entities.Count(); ++i) {
     const qbEntity& entity = *entities.Item(i);
     SnapshotTable table;

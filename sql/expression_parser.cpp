@@ -317,6 +317,7 @@ Expression* ExpressionParser::ParseOperand() {
     case Keyword::Null:
     case Keyword::True:
     case Keyword::False:
+      if (reader_.NextIsSign('.')) break;  // a table that is called so
       return ParseLiteral();
     case Keyword::Interval:
       if (reader_.Peek().kind == TokenKind::String || reader_.Peek().kind == TokenKind::Number) return ParseInterval();

@@ -34,6 +34,7 @@ constexpr bool IsWordHead(char c) { return (IsWordByte(c) && !IsDigit(c)) || c =
 constexpr auto kWordTails = [] {
   std::array<bool, 256> tails{};
   for (std::size_t i = 0; i < tails.size(); ++i) tails[i] = IsWordTail(static_cast<char>(i));
+  for (const std::size_t i : {0xC2, 0xE2, 0xE3, 0xEF}) tails[i] = false;  // a blank may begin with these
   return tails;
 }();
 
@@ -96,7 +97,10 @@ std::size_t Lexer::EndOfDate() const {
 
 void Lexer::TakeWord(Token& token) {
   std::size_t end = at_ + 1;
-  while (end < text_.size() && kWordTails[static_cast<unsigned char>(text_[end])]) ++end;
+  while (end < text_.size() && (kWordTails[static_cast<unsigned char>(text_[end])] ||
+                                (IsWordByte(text_[end]) && UnicodeBlankAt(text_, end) == 0))) {
+    ++end;
+  }
   const std::string_view word = text_.substr(at_, end - at_);
   if (word.size() == 1 && end < text_.size() && text_[end] == '\'' &&
       std::string_view("NXB").find(UpperAscii(word[0])) != std::string_view::npos) {
@@ -112,7 +116,11 @@ void Lexer::TakeOperator(Token& token) {
 }
 
 bool Lexer::Next(Token& token) {
-  while (at_ < text_.size() && IsWhite(text_[at_])) ++at_;
+  for (std::size_t blank = 1; blank != 0 && at_ < text_.size(); at_ += blank) {
+    blank = IsWhite(text_[at_])                                  ? 1
+            : kWordTails[static_cast<unsigned char>(text_[at_])] ? 0
+                                                                 : UnicodeBlankAt(text_, at_);
+  }
   if (at_ >= text_.size()) return false;
   token.keyword = Keyword::None;
   const char c = text_[at_];
@@ -145,6 +153,25 @@ bool Lexer::Next(Token& token) {
     TakeOperator(token);
   }
   return true;
+}
+
+void OneLine::Add(const Token& token) {
+  if (token.kind == TokenKind::Comment) return;
+  if (!first_ && token.offset != end_) line_ += ' ';
+  first_ = false;
+  end_ = token.offset + token.length;
+  const std::string_view written = text_.substr(token.offset, token.length);
+  // With another "#" behind it, which stood on a line of its own, such a name would become a date.
+  const bool opensDate =
+      token.kind == TokenKind::Word && written.size() > 1 && written[0] == '#' && IsDigit(written[1]);
+  if (!opensDate) {
+    line_ += written;
+    return;
+  }
+  line_ += '[';
+  line_ += written;
+  line_ += ']';
+  end_ = std::string_view::npos;  // apart from a "]" that may follow
 }
 
 std::vector<Token> Tokenize(std::string_view text) {

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -23,6 +24,19 @@ enum class TokenKind : std::uint8_t {
   Parameter,         ///< ?PARAM(...)
   Comment,           ///< -- to the end of the line, or /* ... */
 };
+
+/// The bytes of the blank beyond ASCII that stands at `at`, as texts from web pages and word processors hold them
+/// (U+00A0, U+2000 to U+200B, U+202F, U+2060, U+3000, U+FEFF); 0 when none does. It lies between tokens as any other.
+constexpr std::size_t UnicodeBlankAt(std::string_view text, std::size_t at) {
+  constexpr std::string_view kLongest[] = {"\xE2\x80\xAF", "\xE2\x81\xA0", "\xE3\x80\x80", "\xEF\xBB\xBF"};
+  const std::string_view three = text.substr(at, 3);
+  if (three.starts_with("\xC2\xA0")) return 2;
+  for (const std::string_view blank : kLongest) {
+    if (three == blank) return 3;
+  }
+  const bool isSpace = three.size() == 3 && three.starts_with("\xE2\x80");
+  return isSpace && static_cast<unsigned char>(three[2]) <= 0x8B ? 3 : 0;
+}
 
 /// A token: `length` bytes from `offset` of the text.
 struct Token {
@@ -55,6 +69,21 @@ class Lexer {
 
   std::string_view text_;
   std::size_t at_ = 0;
+};
+
+/// Writes tokens of a text on one line: as they stand, with one blank for the white space and comments between them.
+class OneLine {
+ public:
+  /// Appends to `line`; both must outlive this.
+  OneLine(std::string_view text, std::string& line) : text_(text), line_(line) {}
+  /// Appends the token; comments are left out. Tokens come in their order.
+  void Add(const Token& token);
+
+ private:
+  std::string_view text_;
+  std::string& line_;
+  std::size_t end_ = 0;  // of the token added last
+  bool first_ = true;
 };
 
 /// All tokens of a text.

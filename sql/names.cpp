@@ -4,13 +4,23 @@
 
 #include "base/text.h"
 #include "sql/keywords.h"
+#include "sql/lexer.h"
 
 namespace zrqrybld {
 namespace {
 
-// Letters, digits (not first), "_" and everything beyond ASCII; "@" and "$" are left to the source.
+// Letters, digits (not first), "_" and everything beyond ASCII but blanks; "@" and "$" are left to the source.
 bool IsPlainIdentifier(std::string_view name) {
-  return !name.empty() && !IsDigit(name.front()) && std::ranges::all_of(name, IsWordByte);
+  if (name.empty() || IsDigit(name.front()) || !std::ranges::all_of(name, IsWordByte)) return false;
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    if (UnicodeBlankAt(name, i) != 0) return false;
+  }
+  return true;
+}
+
+// Words that would be read as values.
+bool IsValueWord(Keyword keyword) {
+  return keyword == Keyword::Null || keyword == Keyword::True || keyword == Keyword::False;
 }
 
 bool HoldsAnyOf(std::string_view name, std::string_view characters) {
@@ -71,8 +81,9 @@ bool NeedsQuotes(std::string_view name, const NameRules& rules) {
       })) {
     return true;
   }
-  if (IsReserved(KeywordOf(name))) return true;
-  return rules.reservedWords && rules.reservedWords->contains(FoldCase(name));
+  const Keyword keyword = KeywordOf(name);
+  if (IsReserved(keyword) || IsValueWord(keyword)) return true;
+  return rules.reservedWords && rules.reservedWords->contains(name);
 }
 
 SqlText Quote(const Identifier& name, const NameRules& rules) {

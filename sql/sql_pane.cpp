@@ -42,7 +42,9 @@ void qbSQLPane::AttachTextArea(TextArea* area) {
 void qbSQLPane::ListenToTextArea() {
   links_.clear();
   links_.push_back(textArea_->Edited.Connect([this] { TextEdited(); }));
-  links_.push_back(textArea_->Left.Connect([this] { ApplyEditedText(); }));
+  links_.push_back(textArea_->Left.Connect([this] {
+    if (failure_.empty()) ApplyEditedText();
+  }));
   links_.push_back(textArea_->KeyDown.Connect([this](std::int32_t& keyCode, std::int32_t shift) {
     KeyDown.Raise(keyCode, shift);
     const bool applies =
@@ -68,7 +70,9 @@ void qbSQLPane::ShowRemarks() {
   std::vector<std::string> remarks;
   std::vector<TextCommand> commands;
   if (edited_) {
-    remarks.push_back(failure_.empty() ? "Edited, not applied. Ctrl+Enter applies the text." : failure_);
+    const char* waits = outdated_ ? "Edited, not applied. The query has changed meanwhile; Ctrl+Enter replaces it."
+                                  : "Edited, not applied. Ctrl+Enter applies the text.";
+    remarks.push_back(failure_.empty() ? waits : failure_);
     commands.push_back({"Apply", [this] { ApplyEditedText(); }});
     commands.push_back({"Revert", [this] { RevertEditedText(); }});
   } else {
@@ -100,6 +104,7 @@ void qbSQLPane::ShowTyped(const std::string& text) {
 void qbSQLPane::SetEdited(bool edited) {
   const bool changed = edited != edited_;
   edited_ = edited;
+  outdated_ &= edited;
   ShowRemarks();
   if (changed) EditedChanged.Raise();
 }
@@ -202,10 +207,21 @@ void qbSQLPane::Refresh() {
   const std::string text = Generate({}, {});
   if (text.empty()) diagnostics_.clear();  // nothing was generated
   failure_.clear();
+  replaced_ = false;
   textArea_->SetFault(0, 0);
   SetEdited(false);
   written_ = text;
   SetSQLStatement(text);
+}
+
+void qbSQLPane::ShowChange() {
+  if (!KeepsTyped()) return Refresh();
+  std::string text = Generate({}, {});
+  if (text == written_) return;
+  written_ = std::move(text);
+  outdated_ = true;
+  ShowRemarks();
+  SQLChanged.Raise();
 }
 
 std::string qbSQLPane::AddWhereClause(const std::string& orExpression, const std::string& andExpression) {
@@ -228,6 +244,7 @@ bool qbSQLPane::ParseSQLStatement(const std::string& sql) {
     } catch (const std::exception& cause) {
       throw WrapError(ErrorParsingText, "An error occured while parsing the text.", cause);
     }
+    QueryReplaced();
     context->SetState(InfoDone);
     context->QueryChanged();
   }

@@ -30,7 +30,7 @@ class qbSQLPane final : public Object {
 
   // --- Events ---
 
-  /// The text of the statement has changed.
+  /// The text has changed, or the designer's own statement while the text is one that the user has typed.
   Event<> SQLChanged;
   /// A key in the text, before it acts: `KeyCode` (0 takes the key away from the text), `ShiftMask` bits.
   Event<std::int32_t&, std::int32_t> KeyDown;
@@ -47,7 +47,8 @@ class qbSQLPane final : public Object {
 
   // --- Properties and methods ---
 
-  /// Generates the statement anew and shows it. While the designer is busy the text becomes empty.
+  /// Generates the statement anew and shows it, also over text that the user has typed and not applied. While the
+  /// designer is busy the text becomes empty.
   void Refresh();
 
   /// The statement with two more conditions, each as it stands and each may be empty. The pane's own text
@@ -63,7 +64,7 @@ class qbSQLPane final : public Object {
   bool IsEdited() const { return edited_; }
   /// Makes the designer's query what the user has typed. When that fails, the text stays as it is, with its fault
   /// underlined and said beside it. True when nothing is left to apply. Ctrl+Enter, F5 and leaving the text do this,
-  /// too.
+  /// too; leaving does it once for what was typed.
   bool ApplyEditedText();
   /// Brings the designer's own text back.
   void RevertEditedText() { Refresh(); }
@@ -116,6 +117,14 @@ class qbSQLPane final : public Object {
   /// Links the pane to what the designer shares, or to nothing; the text follows at the next `Refresh`.
   void SetContext(const Ref<QueryContext>& context) { context_ = context; }
 
+  /// The query has changed: shows its statement. Text that the user has typed and not applied stays, unless the query
+  /// has been replaced.
+  void ShowChange();
+  /// The next change replaces the query: what the user has typed does not stay.
+  void QueryReplaced() { replaced_ = true; }
+  /// Whether the next change leaves the text that the user has typed.
+  bool KeepsTyped() const { return edited_ && !replaced_; }
+
   /// Shows a text as one that the user has typed and not applied.
   void ShowTyped(const std::string& text);
 
@@ -139,10 +148,12 @@ class qbSQLPane final : public Object {
   SQLSyntaxEnum syntax_ = SQLSyntaxGeneric;
   std::string likeOperator_ = "LIKE";
   bool locked_ = false;
-  bool busy_ = false;    // a statement is being parsed
-  bool edited_ = false;  // the text is the user's
-  std::string written_;  // the text as it was generated last
-  std::string failure_;  // why it could not be applied
+  bool busy_ = false;      // a statement is being parsed
+  bool edited_ = false;    // the text is the user's
+  bool outdated_ = false;  // the query has changed since
+  bool replaced_ = false;  // a query that the text says nothing about takes its place
+  std::string written_;    // the text as it was generated last
+  std::string failure_;    // why it could not be applied
   bool cartesian_ = false;
   QuerySnapshot generatedFrom_;  // the tables and joins of what was generated last
   mutable Ref<qbJoins> joins_;   // of it; made when somebody asks

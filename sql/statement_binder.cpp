@@ -12,16 +12,34 @@
 namespace zrqrybld {
 namespace {
 
-// The number that "ROWNUM <= n" and its like limit the rows to; none for every other condition.
+bool IsRowNumber(const Expression& e) { return EqualsNoCase(e.text, NameOf(Keyword::Rownum)); }
+bool IsFigure(const Expression& e) { return e.kind == ExpressionKind::Literal && IsDigit(e.text.front()); }
+
+// The number that "ROWNUM <= n" limits the rows to; none for every other condition.
 std::optional<std::string> RowLimitOf(const Expression& e) {
-  if (e.kind != ExpressionKind::Comparison || e.negated || !EqualsNoCase(e.first->text, NameOf(Keyword::Rownum))) {
+  if (e.kind != ExpressionKind::Comparison || e.negated || !IsRowNumber(*e.first) || !IsFigure(*e.first->next)) {
     return std::nullopt;
   }
-  const Expression& number = *e.first->next;
-  if (number.kind != ExpressionKind::Literal || !IsDigit(number.text.front())) return std::nullopt;
-  if (e.name == "<=") return OnOneLine(number.text);
-  if (e.name == "=" && number.text == "1") return std::string("1");
+  const std::string_view number = e.first->next->text;
+  if (e.name == "<=") return OnOneLine(number);
+  if (e.name == "=" && number == "1") return std::string("1");
   return std::nullopt;
+}
+
+// The same, however it is written: "n >= ROWNUM", "ROWNUM < n + 1", in one pair of parentheses. In two it is a
+// criterion.
+std::optional<std::string> AnyRowLimitOf(const Expression& term) {
+  const Expression& e = term.kind == ExpressionKind::Parentheses ? *term.first : term;
+  if (std::optional<std::string> limit = RowLimitOf(e)) return limit;
+  if (e.kind != ExpressionKind::Comparison || e.negated) return std::nullopt;
+  const bool isFirst = IsRowNumber(*e.first);
+  const Expression& number = isFirst ? *e.first->next : *e.first;
+  if (!IsFigure(number) || !(isFirst || IsRowNumber(*e.first->next))) return std::nullopt;
+  if (e.name == (isFirst ? "<=" : ">=")) return OnOneLine(number.text);
+  const bool isWhole = number.text.find_first_not_of("0123456789") == std::string_view::npos && number.text.size() <= 9;
+  const double next = isWhole ? ParseNumber(number.text).value_or(0) : 0;
+  if (e.name != (isFirst ? "<" : ">") || next < 1) return std::nullopt;
+  return std::to_string(static_cast<int>(next) - 1);
 }
 
 bool IsAggregate(const SnapshotRow& row) { return !row.aggregate.empty(); }
@@ -260,8 +278,8 @@ class Binder {
   std::vector<CriteriaTerms> WhereAlternatives() {
     std::vector<const Expression*> terms = std::move(from_.where);
     std::erase_if(terms, [this](const Expression* term) {
-      const std::optional<std::string> limit = RowLimitOf(*term);
-      if (limit && query_.top.empty()) SetTop(*limit, term->text);
+      const std::optional<std::string> limit = AnyRowLimitOf(*term);
+      if (limit) SetTop(*limit, term->text);
       return limit.has_value();
     });
     const bool takesLimit = options_.dialect->limit == Dialect::Limit::Condition && query_.top.empty();

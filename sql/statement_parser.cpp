@@ -15,7 +15,6 @@ bool IsBeyondDesigner(Keyword keyword) {
   switch (keyword) {
     case Keyword::Connect:
     case Keyword::Except:
-    case Keyword::Fetch:
     case Keyword::For:
     case Keyword::Intersect:
     case Keyword::Into:
@@ -44,7 +43,7 @@ class Parser {
     if (!reader_.Is(Keyword::From)) ParseSelectList();
     RefuseWhatCannotBeShown();
     reader_.Expect(Keyword::From);
-    if (!AtClauseEnd()) statement_.from = ParseTables();
+    if (!AtClauseEnd() || IsTableCalledAsLimit()) statement_.from = ParseTables();
     if (reader_.Take(Keyword::Where)) statement_.where = expressions_.ParseExpression();
     if (TakeBy(Keyword::Group)) statement_.groupBy = ParseOrderItems(false);
     if (reader_.Take(Keyword::Having)) statement_.having = expressions_.ParseExpression();
@@ -103,7 +102,7 @@ class Parser {
       reader_.Advance();
       statement_.topPercent = true;
     }
-    if (reader_.Is(Keyword::With)) reader_.Refuse(reader_.Offset(), "WITH TIES cannot be shown in the designer.");
+    RefuseTies();
   }
 
   void ParseLimitNumber() {
@@ -150,7 +149,16 @@ class Parser {
   bool AtClauseEnd() const {
     const Keyword keyword = reader_.Current().keyword;
     return reader_.AtEnd() || reader_.IsSign(';') || keyword == Keyword::Where || keyword == Keyword::Group ||
-           keyword == Keyword::Having || keyword == Keyword::Order || keyword == Keyword::Limit;
+           keyword == Keyword::Having || keyword == Keyword::Order || keyword == Keyword::Limit ||
+           keyword == Keyword::Fetch;
+  }
+
+  // These words are names, too; at the beginning of FROM only what follows tells.
+  bool IsTableCalledAsLimit() const {
+    const Token next = reader_.Peek();
+    if (reader_.Is(Keyword::Limit)) return next.kind != TokenKind::Number;
+    const std::string_view word = statement_.text.substr(next.offset, next.length);
+    return reader_.Is(Keyword::Fetch) && !EqualsNoCase(word, "FIRST") && !EqualsNoCase(word, "NEXT");
   }
 
   FromItem* ParseTables() {
@@ -366,18 +374,36 @@ class Parser {
   std::string_view ParseNulls() {
     const std::size_t start = reader_.Offset();
     reader_.Advance();
-    if (!reader_.IsWord("FIRST") && !reader_.IsWord("LAST")) reader_.FailExpected("FIRST or LAST");
-    reader_.Advance();
+    TakeWord("FIRST", "LAST");
     return reader_.TextFrom(start);
   }
 
-  // LIMIT says the same as TOP.
+  // LIMIT n and FETCH FIRST n ROWS ONLY say the same as TOP n.
   void ParseLimit() {
-    if (!reader_.Is(Keyword::Limit)) return;
+    const bool fetches = reader_.Is(Keyword::Fetch);
+    if (!fetches && !reader_.Is(Keyword::Limit)) return;
     if (!statement_.top.empty()) reader_.Refuse(reader_.Offset(), "There is a row limit already.");
     reader_.Advance();
+    if (fetches) TakeWord("FIRST", "NEXT");
     ParseLimitNumber();
     if (reader_.IsSign(',')) reader_.Refuse(reader_.Offset(), "An offset cannot be shown in the designer.");
+    if (!fetches) return;
+    statement_.topPercent = reader_.Take(Keyword::Percent);
+    TakeWord("ROWS", "ROW");
+    RefuseTies();
+    TakeWord("ONLY", "ONLY");
+  }
+
+  // One word or the other.
+  void TakeWord(std::string_view word, std::string_view other) {
+    if (!reader_.IsWord(word) && !reader_.IsWord(other)) {
+      reader_.FailExpected(word == other ? std::string(word) : std::string(word) + " or " + std::string(other));
+    }
+    reader_.Advance();
+  }
+
+  void RefuseTies() {
+    if (reader_.Is(Keyword::With)) reader_.Refuse(reader_.Offset(), "WITH TIES cannot be shown in the designer.");
   }
 
   SelectStatement& statement_;
