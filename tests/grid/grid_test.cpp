@@ -72,7 +72,11 @@ class GridScene : public test::Player {
     actions["nocolumns"] = [this](auto&) { grid_->Columns()->Clear(); };
     actions["column"] = [this](const Words& w) { grid_->Columns()->Add(w[1]); };
     actions["goto"] = [this](const Words& w) { grid_->GotoRowCol(std::stoi(w[1]), w[2]); };
-    actions["click"] = [this](const Words& w) { grid_->OnMouseDown(On(w)), grid_->OnMouseUp(On(w)); };
+    actions["click"] = [this](const Words& w) {
+      const MouseEvent at = On(w);  // the row may be gone when the button goes up
+      grid_->OnMouseDown(at);
+      grid_->OnMouseUp(at);
+    };
     actions["double"] = [this](const Words& w) { grid_->OnDoubleClick(On(w)); };
     actions["key"] = [this](const Words& w) {
       static const std::map<std::string_view, std::int32_t> kKeys = {{"Up", KeyCodeUp},       {"Down", KeyCodeDown},
