@@ -106,6 +106,12 @@ bool StartsWithNoCase(std::string_view text, std::string_view prefix) {
 std::size_t FindNoCase(std::string_view text, std::string_view needle, std::size_t from) {
   if (from > text.size()) return std::string_view::npos;
   const std::string_view rest = text.substr(from);
+  if (!needle.empty() && UpperAscii(needle[0]) == FoldAscii(needle[0])) {  // no letter: found at once
+    for (std::size_t at = text.find(needle[0], from); at < text.size(); at = text.find(needle[0], at + 1)) {
+      if (StartsWithNoCase(text.substr(at), needle)) return at;
+    }
+    return std::string_view::npos;
+  }
   const auto found = std::search(rest.begin(), rest.end(), needle.begin(), needle.end(),
                                  [](char a, char b) { return FoldAscii(a) == FoldAscii(b); });
   if (found == rest.end() && !needle.empty()) return std::string_view::npos;

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 namespace zrqrybld {
@@ -28,6 +29,9 @@ struct EqualNoCase {
   using is_transparent = void;
   bool operator()(std::string_view a, std::string_view b) const { return EqualsNoCase(a, b); }
 };
+
+/// Texts that are found without regard to case.
+using WordSet = std::unordered_set<std::string, HashNoCase, EqualNoCase>;
 
 /// Whether `text` begins with `prefix` without regard to case. Only for prefixes in ASCII.
 bool StartsWithNoCase(std::string_view text, std::string_view prefix);

@@ -140,22 +140,11 @@ bool Variant::IsInteger(const Variant& number, std::int64_t integer) {
 }
 
 bool operator==(const Variant& a, const Variant& b) {
-  if (a.IsNumeric() && b.IsNumeric()) {
-    if (const auto* integer = std::get_if<std::int64_t>(&a.value_)) return Variant::IsInteger(b, *integer);
-    if (const auto* integer = std::get_if<std::int64_t>(&b.value_)) return Variant::IsInteger(a, *integer);
-    return a.Number() == b.Number();
-  }
-  if (a.Type() != b.Type()) return false;
-  switch (a.Type()) {
-    case VariantType::String:
-      return std::get<std::string>(a.value_) == std::get<std::string>(b.value_);
-    case VariantType::Object:
-      return std::get<Ref<Object>>(a.value_) == std::get<Ref<Object>>(b.value_);
-    case VariantType::Array:
-      return std::get<std::vector<Variant>>(a.value_) == std::get<std::vector<Variant>>(b.value_);
-    default:
-      return true;
-  }
+  if (a.Type() == b.Type()) return a.value_ == b.value_;
+  if (!a.IsNumeric() || !b.IsNumeric()) return false;
+  if (const auto* integer = std::get_if<std::int64_t>(&a.value_)) return Variant::IsInteger(b, *integer);
+  if (const auto* integer = std::get_if<std::int64_t>(&b.value_)) return Variant::IsInteger(a, *integer);
+  return a.Number() == b.Number();
 }
 
 }  // namespace zrqrybld

@@ -101,8 +101,12 @@ class Variant {
   friend bool operator==(const Variant& a, const Variant& b);
 
  private:
-  struct NullTag {};
-  struct MissingTag {};
+  struct NullTag {
+    friend bool operator==(NullTag, NullTag) = default;
+  };
+  struct MissingTag {
+    friend bool operator==(MissingTag, MissingTag) = default;
+  };
   using Storage = std::variant<std::monostate, NullTag, MissingTag, bool, std::int16_t, std::int32_t, std::int64_t,
                                float, double, DateValue, std::string, Ref<Object>, std::vector<Variant>>;
   explicit Variant(Storage value) : value_(std::move(value)) {}

@@ -14,13 +14,13 @@ void BoxRow::SetText(std::string text) {
 void BoxRow::SetKey(std::string key) {
   if (list_) list_->rows_.Rekey(index_, key);
   key_ = std::move(key);
-  if (list_) ++list_->revision_;
+  if (list_) list_->Revised();
 }
 
 void BoxRow::SetChecked(bool checked) {
   if (checked_ == checked) return;
   checked_ = checked;
-  Changed();
+  if (list_) list_->TicksChanged();
   if (list_ && list_->onChecked) list_->onChecked(RefTo(*this));
 }
 
@@ -59,11 +59,21 @@ void BoxRow::SetNote(ColumnNote note) {
 
 void BoxRow::SetToolTipText(std::string text) {
   toolTipText_ = std::move(text);
-  if (list_) ++list_->revision_;
+  if (list_) list_->Revised();
+}
+
+void BoxRows::Revised() {
+  ++revision_;
+  if (onTouched) onTouched();
 }
 
 void BoxRows::Changed() {
-  ++revision_;
+  Revised();
+  if (onChanged) onChanged();
+}
+
+void BoxRows::TicksChanged() {
+  if (onTouched) onTouched();
   if (onChanged) onChanged();
 }
 
@@ -74,7 +84,7 @@ void BoxRows::SetTicks(const std::vector<bool>& ticks) {
     changed = changed || row.checked_ != ticks[i];
     row.checked_ = ticks[i];
   }
-  if (changed) Changed();
+  if (changed) TicksChanged();
 }
 
 Ref<BoxRow> BoxRows::Add(std::string text, std::string key) {

@@ -105,7 +105,7 @@ class BoxRows {
   /// Ticks or unticks the rows, one value a row, without a word about each.
   void SetTicks(const std::vector<bool>& ticks);
 
-  /// Another number after each change of what the rows say, in any of them; their notes are left out.
+  /// Another number after each change of what the rows say, in any of them; their ticks and notes are left out.
   std::uint64_t Revision() const { return revision_; }
 
   /// The pictures that the rows' `SmallIcon` values name; nothing at first.
@@ -114,6 +114,8 @@ class BoxRows {
   /// Whether some row has shown an icon: all rows keep room for one then.
   bool HaveIcons() const { return haveIcons_; }
 
+  /// The rows say something else now, or their ticks do; this comes first.
+  std::function<void()> onTouched;
   /// The rows look different now.
   std::function<void()> onChanged;
   /// Rows were removed; those behind them stand elsewhere now.
@@ -124,7 +126,9 @@ class BoxRows {
  private:
   friend class BoxRow;
   void Detach();
+  void Revised();
   void Changed();
+  void TicksChanged();
 
   std::uint64_t revision_ = 0;
   KeyedList<Ref<BoxRow>> rows_;

@@ -48,6 +48,12 @@ Ref<qbEntity> qbEntities::Make(const std::string& key) {
   entity->SetTagVariant(key);
   entity->SetShowMinimizeButton(view_->EntityMinimizeButton());
   items_.Insert(entity, key);
+  untouched_.Touch(items_.Count() - 1, 0);
+  box->onTouched = [list = WeakRef<qbEntities>(RefTo(*this)), touched = WeakRef<qbEntity>(entity)] {
+    const Ref<qbEntities> entities = list.lock();
+    const Ref<qbEntity> one = touched.lock();
+    if (entities && one) entities->Touch(*one);
+  };
   view_->ShowBox(box);
   return entity;
 }
@@ -99,25 +105,40 @@ void qbEntities::TakeOut(const Ref<qbEntity>& entity) {
   entity->Relationships()->Detach();
   entity->Detach();
   items_.RemoveAt(position);
+  untouched_.Touch(position - 1, items_.Count() - (position - 1));
   view_->UnloadBox(box);
 }
 
 // --- What undo remembers ---
 
-DiagramState qbEntities::State(const DiagramState& before, bool withTicks) const {
+void qbEntities::Touch(const qbEntity& entity) {
+  const std::size_t position = PositionOf(entity);
+  untouched_.Touch(position == items_.kNone ? 0 : position - 1,
+                   position == items_.kNone ? 0 : items_.Count() - position);
+}
+
+void qbEntities::Remembered() {
+  const Untouched untouched = untouched_.Within(items_.Count());
+  for (std::size_t i = untouched.before + 1; i <= items_.Count() - untouched.behind; ++i) {
+    (*items_.At(i))->EntityBox()->Remembered();
+  }
+  untouched_ = {items_.Count(), items_.Count()};
+}
+
+DiagramState qbEntities::State(const DiagramState& known, const Untouched& untouched, bool withTicks) const {
   DiagramState state;
-  state.reserve(items_.Count());
-  std::unordered_map<const EntityIdentity*, const std::shared_ptr<const EntityState>*> known;
+  const std::size_t end = known.size() - untouched.behind;
+  std::unordered_map<const EntityIdentity*, const std::shared_ptr<const EntityState>*> byIdentity;
   const auto knownAs = [&](const EntityIdentity* identity) -> std::shared_ptr<const EntityState> {
-    const std::size_t place = state.size();
-    if (place < before.size() && before[place]->identity.get() == identity) return before[place];
-    if (known.empty()) {  // only when the order has changed
-      for (const auto& one : before) known.emplace(one->identity.get(), &one);
+    const std::size_t place = untouched.before + state.size();
+    if (place < end && known[place]->identity.get() == identity) return known[place];
+    if (byIdentity.empty()) {  // only when the order has changed
+      for (std::size_t i = untouched.before; i < end; ++i) byIdentity.emplace(known[i]->identity.get(), &known[i]);
     }
-    const auto found = known.find(identity);
-    return found == known.end() ? nullptr : *found->second;
+    const auto found = byIdentity.find(identity);
+    return found == byIdentity.end() ? nullptr : *found->second;
   };
-  for (std::size_t i = 1; i <= items_.Count(); ++i) {
+  for (std::size_t i = untouched.before + 1; i <= items_.Count() - untouched.behind; ++i) {
     qbEntity& entity = **items_.At(i);
     state.push_back(StateOf(entity, knownAs(entity.Identity().get()), withTicks));
   }
@@ -190,7 +211,10 @@ void qbEntities::Restore(const DiagramState& now, const DiagramState& then) {
 
 void qbEntities::Arrange(const std::vector<Ref<qbEntity>>& order) {
   for (std::size_t i = 0; i < order.size(); ++i) {
-    if (*items_.At(i + 1) != order[i]) items_.Move(items_.PositionOf(order[i]->Caption()), i + 1);
+    if (*items_.At(i + 1) == order[i]) continue;
+    const std::size_t from = items_.PositionOf(order[i]->Caption());
+    items_.Move(from, i + 1);
+    untouched_.Touch(i, items_.Count() - from);
   }
 }
 
@@ -202,6 +226,7 @@ void qbEntities::Detach() {
     entity->Detach();
   }
   items_.Clear();
+  untouched_ = {};
 }
 
 std::size_t qbEntities::PositionOf(const qbEntity& entity) const {

@@ -10,6 +10,7 @@
 #include "base/collection.h"
 #include "base/event.h"
 #include "base/object.h"
+#include "base/untouched.h"
 #include "diagram/diagram_view.h"
 #include "diagram/entity.h"
 
@@ -56,8 +57,14 @@ class qbEntities final : public Object, private EntityOwner {
   /// Puts the entities into this order, which is that of the tables in the statement. All of them must be named.
   void Arrange(const std::vector<Ref<qbEntity>>& order);
 
-  /// What the tables and joins are now, sharing what is as it was in `before`; see `StateOf` for the ticks.
-  DiagramState State(const DiagramState& before, bool withTicks) const;
+  /// Which tables may be others, or other in what is theirs, than when they were last remembered. A join is its
+  /// source's.
+  const Untouched& SinceRemembered() const { return untouched_; }
+  /// All tables are remembered as they are now.
+  void Remembered();
+  /// What the tables between the untouched ones are now, sharing what is as it was in `known`, which names all tables
+  /// of then; see `StateOf` for the ticks. No more may be untouched than both lists have.
+  DiagramState State(const DiagramState& known, const Untouched& untouched, bool withTicks) const;
   /// Makes the tables and joins, which are as `now` says, what `then` says. No listener is asked or told, and nothing
   /// is looked up in the data source.
   void Restore(const DiagramState& now, const DiagramState& then);
@@ -70,12 +77,14 @@ class qbEntities final : public Object, private EntityOwner {
   void Rename(qbEntity& entity, const std::string& caption) override;
   void RemoveJoinsOf(const Ref<qbEntity>& entity);
   Ref<qbEntity> Make(const std::string& key);
+  void Touch(const qbEntity& entity);
   void TakeOut(const Ref<qbEntity>& entity);
   void RemoveOthers(const DiagramState& staying);
   void RenameTo(const DiagramState& then);
   Ref<qbEntity> Return(const EntityState& state);
 
   DiagramView* view_;
+  Untouched untouched_;
   KeyedList<Ref<qbEntity>> items_;
 };
 

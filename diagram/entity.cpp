@@ -17,6 +17,7 @@ qbEntityList& qbEntity::Box() const {
 void qbEntity::Detach() {
   items_->DetachRows();
   box_->SetEntity(nullptr);
+  box_->onTouched = nullptr;
   box_ = nullptr;
   owner_.reset();
 }
@@ -46,7 +47,7 @@ const std::shared_ptr<EntityIdentity>& qbEntity::Identity() {
 // All but the caption, which is a key of the collection.
 void qbEntity::Restore(const EntityFacts& facts) {
   qbEntityList& box = Box();
-  tagVariant_ = facts.tag;
+  SetTagVariant(facts.tag);
   properties_ = facts.properties;
   box.SetIsView(facts.isView);
   box.SetCaptionIcon(facts.captionIcon);
@@ -55,6 +56,11 @@ void qbEntity::Restore(const EntityFacts& facts) {
   box.SetBackColor(facts.backColor);
   box.SetShowMinimizeButton(facts.showMinimizeButton);
   box.SetShape(facts.shape);
+}
+
+void qbEntity::SetTagVariant(Variant value) {
+  tagVariant_ = std::move(value);
+  if (box_) box_->Touch();
 }
 
 void qbEntity::SetCaption(const std::string& caption) {

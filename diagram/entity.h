@@ -76,7 +76,7 @@ class qbEntity final : public Object {
 
   /// A value of the caller's; the table's name in the data source when the table picker made the entity.
   const Variant& TagVariant() const { return tagVariant_; }
-  void SetTagVariant(Variant value) { tagVariant_ = std::move(value); }
+  void SetTagVariant(Variant value);
 
   /// The colour behind the rows; the pane's `EntityBackColor` at first.
   Color BackColor() const { return Box().BackColor(); }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "base/text.h"
 #include "diagram/icons.h"
@@ -31,6 +32,7 @@ constexpr Pixels kEdgeInside = 3_px;
 qbEntityList::qbEntityList(const BoxMetrics& metrics) : metrics_(metrics) {
   bounds_.width = metrics.scale.TwipsX(kDefaultWidth);
   bounds_.height = metrics.scale.TwipsY(kDefaultHeight);
+  rows_.onTouched = [this] { Touch(); };
   rows_.onChanged = [this] { Changed.Raise(); };
   rows_.onRemoved = [this] {
     ScrollTo(firstRow_);  // a list that became shorter must not stay scrolled past its end
@@ -39,33 +41,43 @@ qbEntityList::qbEntityList(const BoxMetrics& metrics) : metrics_(metrics) {
   rows_.onChecked = [this](const Ref<BoxRow>& row) { ItemChecked.Raise(row); };
 }
 
+void qbEntityList::Touch() {
+  if (!std::exchange(touched_, true) && onTouched) onTouched();
+}
+
 void qbEntityList::SetCaption(std::string caption) {
   caption_ = std::move(caption);
+  Touch();
   Changed.Raise();
 }
 
 void qbEntityList::SetCaptionIcon(Ref<Image> icon) {
   captionIcon_ = std::move(icon);
+  Touch();
   Changed.Raise();
 }
 
 void qbEntityList::SetCaptionIconMaskColor(Color color) {
   captionIconMaskColor_ = color;
+  Touch();
   Changed.Raise();
 }
 
 void qbEntityList::SetUseCaptionIconMaskColor(bool use) {
   useCaptionIconMaskColor_ = use;
+  Touch();
   Changed.Raise();
 }
 
 void qbEntityList::SetBackColor(Color color) {
   backColor_ = color;
+  Touch();
   Changed.Raise();
 }
 
 void qbEntityList::SetShowMinimizeButton(bool show) {
   showMinimizeButton_ = show;
+  Touch();
   Changed.Raise();
 }
 
@@ -83,6 +95,7 @@ void qbEntityList::SetBounds(const TwipsRect& wanted) {
   bounds_.height = minimized_ ? caption : std::max(bounds.height, caption);
   bounds_.width = std::max(bounds.width, metrics_.scale.TwipsX(metrics_.captionHeight * 2));
   if (bounds_ == before) return;
+  Touch();
   ScrollTo(firstRow_);
   Move.Raise();
 }
@@ -92,6 +105,7 @@ void qbEntityList::SetShape(const BoxShape& shape) {
   bounds_ = shape.bounds;
   minimized_ = shape.minimized;
   restoredHeight_ = shape.restoredHeight;
+  Touch();
   ScrollTo(firstRow_);
   Changed.Raise();
   Move.Raise();
@@ -99,6 +113,7 @@ void qbEntityList::SetShape(const BoxShape& shape) {
 
 void qbEntityList::SetIsView(bool isView) {
   isView_ = isView;
+  Touch();
   Changed.Raise();
 }
 
@@ -158,6 +173,7 @@ void qbEntityList::SetMinimized(bool minimized) {
   if (minimized) restoredHeight_ = bounds.height;
   bounds.height = minimized ? Twips() : restoredHeight_;
   minimized_ = minimized;
+  Touch();
   SetBounds(bounds);
   Changed.Raise();
 }

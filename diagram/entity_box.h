@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -171,6 +172,15 @@ class qbEntityList final : public Object {
   /// The box looks different now.
   Event<> Changed;
 
+  // --- What undo remembers ---
+
+  /// The entity may be another than it was remembered: its box, its rows, its joins or what it keeps itself.
+  void Touch();
+  /// It is remembered as it is now.
+  void Remembered() { touched_ = false; }
+  /// The first such change since then; it comes before any event.
+  std::function<void()> onTouched;
+
   /// The entity that the box shows.
   void SetEntity(const Ref<Object>& entity) { entity_ = entity; }
   Ref<Object> Entity() const { return entity_.lock(); }
@@ -200,6 +210,7 @@ class qbEntityList final : public Object {
   Ref<BoxRow> selectedRow_;  // the row itself: it moves when rows before it go
   std::size_t firstRow_ = 1;
   WeakRef<Object> entity_;
+  bool touched_ = false;
 };
 
 }  // namespace zrqrybld

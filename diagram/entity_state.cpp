@@ -18,6 +18,14 @@ Items ItemsOf(const qbEntityItems& items, const Items& before) {
   return before && *before == *now ? before : now;
 }
 
+bool HasTicks(const BoxRows& rows, const std::vector<bool>& ticks) {
+  if (rows.Count() != ticks.size()) return false;
+  for (std::size_t i = 0; i < ticks.size(); ++i) {
+    if (rows.At(i + 1)->Checked() != ticks[i]) return false;
+  }
+  return true;
+}
+
 std::vector<bool> TicksOf(const BoxRows& rows) {
   std::vector<bool> ticks(rows.Count());
   for (std::size_t i = 0; i < ticks.size(); ++i) ticks[i] = rows.At(i + 1)->Checked();
@@ -46,7 +54,7 @@ std::vector<JoinState> JoinsOf(const qbRelationships& relationships) {
 }
 
 // Whether the table is as it was, without making anything: most tables are, in most steps.
-bool IsAsBefore(qbEntity& entity, const EntityState& before) {
+bool IsAsBefore(qbEntity& entity, const EntityState& before, bool withTicks) {
   const qbEntityList& box = *entity.EntityBox();
   const EntityFacts& facts = before.facts;
   const bool same = entity.Identity()->rowsSeen == box.Rows().Revision() && box.Caption() == facts.caption &&
@@ -56,6 +64,7 @@ bool IsAsBefore(qbEntity& entity, const EntityState& before) {
                     box.ShowMinimizeButton() == facts.showMinimizeButton && entity.Properties() == facts.properties;
   const qbRelationships& joins = *entity.Relationships();
   if (!same || static_cast<std::size_t>(joins.Count()) != before.joins.size()) return false;
+  if (withTicks && !HasTicks(box.Rows(), before.ticks)) return false;
   for (std::size_t i = 0; i < before.joins.size(); ++i) {
     const Ref<qbRelationship> join = joins.Item(static_cast<std::int32_t>(i) + 1);
     if (join->Identity() != before.joins[i].identity || join->Facts() != before.joins[i].facts) return false;
@@ -67,7 +76,7 @@ bool IsAsBefore(qbEntity& entity, const EntityState& before) {
 
 std::shared_ptr<const EntityState> StateOf(qbEntity& entity, const std::shared_ptr<const EntityState>& before,
                                            bool withTicks) {
-  if (before && IsAsBefore(entity, *before)) return before;
+  if (before && IsAsBefore(entity, *before, withTicks)) return before;
   const BoxRows& rows = entity.EntityBox()->Rows();
   EntityState now;
   now.identity = entity.Identity();
@@ -75,7 +84,7 @@ std::shared_ptr<const EntityState> StateOf(qbEntity& entity, const std::shared_p
   now.joins = JoinsOf(*entity.Relationships());
   const bool sameRows = before && now.identity->rowsSeen == rows.Revision();
   now.items = sameRows ? before->items : ItemsOf(*entity.Items(), before ? before->items : nullptr);
-  if (before && (sameRows || !withTicks)) {
+  if (before && !withTicks) {
     now.ticks = before->items == now.items ? before->ticks : CarriedTicks(*before, *now.items);
   } else {
     now.ticks = TicksOf(rows);

@@ -11,6 +11,13 @@ std::int32_t qbRelationship::Index() const {
   return static_cast<std::int32_t>(owner->PositionOf(*this));
 }
 
+// A join is remembered with the entity that it starts at.
+JoinFacts& qbRelationship::Changing() {
+  const Ref<qbEntity> source = Source();
+  if (source && source->EntityBox()) source->EntityBox()->Touch();
+  return facts_;
+}
+
 // The line goes to another row now, and listeners learn of the change. While the other end is not
 // set there is no line to move yet.
 void qbRelationship::NotifyEnd(const Ref<qbEntity>& end) {
@@ -21,12 +28,12 @@ void qbRelationship::NotifyEnd(const Ref<qbEntity>& end) {
 }
 
 void qbRelationship::SetSourceItemIndex(Variant index) {
-  facts_.sourceItemIndex = std::move(index);
+  Changing().sourceItemIndex = std::move(index);
   NotifyEnd(Source());
 }
 
 void qbRelationship::SetTargetItemIndex(Variant index) {
-  facts_.targetItemIndex = std::move(index);
+  Changing().targetItemIndex = std::move(index);
   NotifyEnd(Target());
 }
 
@@ -36,12 +43,12 @@ void qbRelationship::RedrawEnds() {
 }
 
 void qbRelationship::SetLeftIndicator(RelationshipIndicatorStyle style) {
-  facts_.leftIndicator = style;
+  Changing().leftIndicator = style;
   RedrawEnds();
 }
 
 void qbRelationship::SetRightIndicator(RelationshipIndicatorStyle style) {
-  facts_.rightIndicator = style;
+  Changing().rightIndicator = style;
   RedrawEnds();
 }
 
@@ -68,7 +75,7 @@ const std::shared_ptr<JoinIdentity>& qbRelationship::Identity() {
 
 void qbRelationship::Restore(const JoinFacts& facts) {
   if (facts == Facts()) return;
-  facts_ = facts;
+  Changing() = facts;
   NotifyEnd(Source());
 }
 

@@ -47,12 +47,12 @@ class qbRelationship final : public Object {
 
   /// The kind of join: `JoinKindFlag` bits; Empty counts as 0.
   const Variant& ItemData() const { return facts_.itemData; }
-  void SetItemData(Variant value) { facts_.itemData = std::move(value); }
+  void SetItemData(Variant value) { Changing().itemData = std::move(value); }
 
   /// A picture for the source's end, shown while `LeftIndicator` is `IndicatorImage`. Without one the line draws its
   /// own marks, from the kind of join.
   const Ref<Image>& LeftPicture() const { return facts_.leftPicture; }
-  void SetLeftPicture(Ref<Image> picture) { facts_.leftPicture = std::move(picture); }
+  void SetLeftPicture(Ref<Image> picture) { Changing().leftPicture = std::move(picture); }
 
   /// The entity where the join starts.
   Ref<qbEntity> Source() const { return source_.lock(); }
@@ -74,7 +74,7 @@ class qbRelationship final : public Object {
 
   /// A picture for the target's end, as above.
   const Ref<Image>& RightPicture() const { return facts_.rightPicture; }
-  void SetRightPicture(Ref<Image> picture) { facts_.rightPicture = std::move(picture); }
+  void SetRightPicture(Ref<Image> picture) { Changing().rightPicture = std::move(picture); }
 
   // --- For the model and the pane ---
 
@@ -98,6 +98,7 @@ class qbRelationship final : public Object {
   qbRelationship(const Ref<qbEntity>& source, const Ref<qbEntity>& target, std::weak_ptr<RelationshipOwner> owner)
       : source_(source), target_(target), owner_(std::move(owner)) {}
   void Detach();
+  JoinFacts& Changing();
   void Restore(const JoinFacts& facts);
   void NotifyEnd(const Ref<qbEntity>& end);
   void RedrawEnds();

@@ -1,6 +1,7 @@
 #include "diagram/relationships.h"
 
 #include <unordered_set>
+#include <utility>
 
 #include "base/error.h"
 #include "diagram/entity.h"
@@ -12,6 +13,7 @@ Ref<qbRelationship> qbRelationships::Add(const Ref<qbEntity>& target) {
   if (!view_ || !source || !target || !target->EntityBox()) ThrowObjectRemoved();
   const Ref<qbRelationship> relationship = Make(source, target);
   items_.Insert(relationship);
+  Touch();
   source->EntityBox()->Notify("relationshipadd", Ref<Object>(relationship));
   return relationship;
 }
@@ -22,6 +24,12 @@ Ref<qbRelationship> qbRelationships::Make(const Ref<qbEntity>& source, const Ref
   const Ref<qbRelationship> relationship(new qbRelationship(source, target, owner));
   relationship->line_ = view_->LoadLine(relationship, source->EntityBox(), target->EntityBox());
   return relationship;
+}
+
+// Joins are remembered with the entity that they start at.
+void qbRelationships::Touch() const {
+  const Ref<qbEntity> source = parent_.lock();
+  if (source && source->EntityBox()) source->EntityBox()->Touch();
 }
 
 void qbRelationships::Drop(const std::vector<JoinState>& staying) {
@@ -35,7 +43,8 @@ void qbRelationships::Drop(const std::vector<JoinState>& staying) {
 void qbRelationships::Restore(const std::vector<JoinState>& joins) {
   const Ref<qbEntity> source = parent_.lock();
   if (!view_ || !source) ThrowObjectRemoved();
-  items_.Clear();
+  const KeyedList<Ref<qbRelationship>> before = std::exchange(items_, {});  // they live on: most of them come back
+  Touch();
   for (const JoinState& state : joins) {
     Ref<qbRelationship> join = state.identity->live.lock();
     const bool isThere = join && join->Line();
@@ -81,6 +90,7 @@ void qbRelationships::Remove(const Variant& index) {
   if (position == items_.kNone) return;
   if (view_) view_->UnloadLine(relationship->Line());
   items_.RemoveAt(position);
+  Touch();
   relationship->Detach();
   if (source && source->EntityBox()) source->EntityBox()->Notify("relationshipremove", Ref<Object>(relationship));
 }

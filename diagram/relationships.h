@@ -53,6 +53,7 @@ class qbRelationships final : public Object, private RelationshipOwner {
  private:
   std::size_t PositionOf(const qbRelationship& relationship) const override;
   Ref<qbRelationship> Make(const Ref<qbEntity>& source, const Ref<qbEntity>& target);
+  void Touch() const;
 
   DiagramView* view_;
   WeakRef<qbEntity> parent_;

@@ -29,10 +29,13 @@ std::vector<Identifier> WrittenName(const qbEntity& entity, const NameRules& rul
 }
 
 std::vector<Identifier> SourceName(const qbEntity& entity, const NameRules& rules) {
-  std::vector<Identifier> parts = WrittenName(entity, rules);
+  return SourceName(entity, WrittenName(entity, rules));
+}
+
+std::vector<Identifier> SourceName(const qbEntity& entity, std::vector<Identifier> writtenName) {
   const std::string& schema = Fact(entity, kTableSchema);
-  if (parts.size() == 1 && !schema.empty()) parts.insert(parts.begin(), Identifier(schema));
-  return parts;
+  if (writtenName.size() == 1 && !schema.empty()) writtenName.insert(writtenName.begin(), Identifier(schema));
+  return writtenName;
 }
 
 std::size_t SchemaBytesOf(const qbEntity& entity) {

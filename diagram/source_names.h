@@ -20,8 +20,9 @@ std::string QualifiedText(const std::string& schema, const std::string& name, co
 /// one part, even when it holds the schema separator.
 std::vector<Identifier> WrittenName(const qbEntity& entity, const NameRules& rules);
 
-/// As `WrittenName`, with the schema in front that the source told when the name has none.
+/// The name with the schema in front that the source told when it has none: of the entity, or of a `WrittenName` of it.
 std::vector<Identifier> SourceName(const qbEntity& entity, const NameRules& rules);
+std::vector<Identifier> SourceName(const qbEntity& entity, std::vector<Identifier> writtenName);
 
 /// How many bytes at the beginning of the caption say the table's schema, its separator included; 0 where the caption
 /// is not the name that the source knows.

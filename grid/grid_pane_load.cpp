@@ -62,7 +62,11 @@ void qbGridPane::Restore(const std::vector<SharedRowContent>& now, const std::ve
   const ScopedValue busy(busy_, true);
   grdPane_->Rows()->Restore(same + 1, now.size() - same - behind, {begin, end});
   emptyFrom_ = std::min(emptyFrom_, static_cast<std::int32_t>(same) + 1);
-  for (std::size_t i = same + 1; i <= then.size() - behind; ++i) NoteRow(RowAt(static_cast<std::int32_t>(i)));
+  for (std::size_t i = same + 1; i <= then.size() - behind; ++i) {
+    const zrGridRow& row = RowAt(static_cast<std::int32_t>(i));
+    NoteRow(row);
+    if (!row.ValueAt(kColumnSortType).IsBlank() || !row.ValueAt(kColumnSortOrder).IsBlank()) NoteSorted(row);
+  }
   currentText_ =
       grdPane_->Row() == 0 ? std::string() : Text(RowAt(grdPane_->Row()), static_cast<std::size_t>(grdPane_->Column()));
 }

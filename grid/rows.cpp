@@ -46,7 +46,7 @@ RowContent& zrGridRow::Changing() {
   } else if (content_.use_count() > 1) {
     content_ = std::make_shared<RowContent>(*content_);
   }
-  if (list_) list_->Touch(index_ - 1, static_cast<std::size_t>(list_->Count()) - index_);
+  if (list_) list_->untouched_.Touch(index_ - 1, static_cast<std::size_t>(list_->Count()) - index_);
   return *content_;
 }
 
@@ -128,7 +128,7 @@ Ref<zrGridRow> zrGridRows::Add(const std::string& key, const Variant& before, co
   const Ref<zrGridRow> row(new zrGridRow(this, key));
   items_.Insert(row, key, place);
   Renumber(place);
-  Touch(static_cast<std::size_t>(row->Index()) - 1, items_.Count() - static_cast<std::size_t>(row->Index()));
+  untouched_.Touch(static_cast<std::size_t>(row->Index()) - 1, items_.Count() - static_cast<std::size_t>(row->Index()));
   if (owner_) owner_->RowsChanged(place);
   return row;
 }
@@ -143,7 +143,7 @@ void zrGridRows::DetachRows() {
 void zrGridRows::Clear() {
   DetachRows();
   items_.Clear();
-  Touch(0, 0);
+  untouched_.Touch(0, 0);
   if (owner_) owner_->RowsChanged(1);
 }
 
@@ -152,7 +152,7 @@ void zrGridRows::Move(std::int32_t from, std::int32_t to) {
   const std::size_t target = RequirePosition(items_, to);
   items_.Move(source, target);
   Renumber(std::min(source, target));
-  Touch(std::min(source, target) - 1, items_.Count() - std::max(source, target));
+  untouched_.Touch(std::min(source, target) - 1, items_.Count() - std::max(source, target));
   if (owner_) owner_->RowsChanged(std::min(source, target));
 }
 
@@ -162,7 +162,7 @@ void zrGridRows::Remove(const Variant& index) {
   row->list_ = nullptr;
   row->index_ = 0;
   Renumber(position);
-  Touch(position - 1, items_.Count() - (position - 1));
+  untouched_.Touch(position - 1, items_.Count() - (position - 1));
   if (owner_) owner_->RowsChanged(position);
 }
 
@@ -181,7 +181,7 @@ void zrGridRows::RemoveIf(const std::function<bool(const zrGridRow&)>& unwanted)
   });
   if (first == 0) return;
   Renumber(first);
-  Touch(first - 1, items_.Count() + removed - last);
+  untouched_.Touch(first - 1, items_.Count() + removed - last);
   if (owner_) owner_->RowsChanged(first);
 }
 
@@ -195,11 +195,6 @@ void zrGridRows::DropColumn(std::size_t position) {
 }
 
 // --- What undo remembers ---
-
-void zrGridRows::Touch(std::size_t before, std::size_t behind) {
-  untouched_.before = std::min(untouched_.before, before);
-  untouched_.behind = std::min(untouched_.behind, behind);
-}
 
 void zrGridRows::Remembered() { untouched_ = {items_.Count(), items_.Count()}; }
 
@@ -221,7 +216,7 @@ void zrGridRows::Restore(std::size_t first, std::size_t count, const std::vector
     items_.Insert(row, keyOf(contents[i]), first + i);
   }
   Renumber(first);
-  Touch(first - 1, items_.Count() - (first - 1) - contents.size());
+  untouched_.Touch(first - 1, items_.Count() - (first - 1) - contents.size());
   if (!owner_) return;
   owner_->CellLooksChanged();
   if (same != count || same != contents.size()) owner_->RowsChanged(first + same);

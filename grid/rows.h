@@ -9,6 +9,7 @@
 
 #include "base/collection.h"
 #include "base/object.h"
+#include "base/untouched.h"
 #include "base/variant.h"
 
 namespace zrqrybld {
@@ -142,12 +143,7 @@ class zrGridRows final : public Object {
 
   /// The row at a position that exists.
   zrGridRow& At(std::size_t position) const { return **items_.At(position); }
-  /// Which rows may be others, or hold something else, than when they were last remembered: all but so many at the
-  /// beginning and at the end.
-  struct Untouched {
-    std::size_t before = 0;
-    std::size_t behind = 0;
-  };
+  /// Which rows may be others, or hold something else, than when they were last remembered.
   const Untouched& SinceRemembered() const { return untouched_; }
   /// All rows are remembered as they are now.
   void Remembered();
@@ -164,7 +160,6 @@ class zrGridRows final : public Object {
   friend class zrGridRow;
   void Renumber(std::size_t from);
   void DetachRows();
-  void Touch(std::size_t before, std::size_t behind);
 
   RowOwner* owner_;
   Untouched untouched_;

@@ -19,12 +19,12 @@ Ref<zrqrybld::Connection> QueryContext::Connection() {
   return connection_;
 }
 
-std::shared_ptr<const std::unordered_set<std::string>> QueryContext::ReservedWords() const {
+std::shared_ptr<const WordSet> QueryContext::ReservedWords() const {
   const std::uint64_t revision = keywords_->Revision() + functions_->Revision();
   if (reservedWords_ && reservedWordsRevision_ == revision) return reservedWords_;
-  auto words = std::make_shared<std::unordered_set<std::string>>(sourceWords_);
+  auto words = std::make_shared<WordSet>(sourceWords_);
   const auto addNames = [&words](const auto& catalog) {
-    for (std::int32_t i = 1; i <= catalog.Count(); ++i) words->insert(FoldCase(catalog.Item(i)->Name()));
+    for (std::int32_t i = 1; i <= catalog.Count(); ++i) words->insert(catalog.Item(i)->Name());
   };
   addNames(*keywords_);
   addNames(*functions_);
@@ -34,8 +34,7 @@ std::shared_ptr<const std::unordered_set<std::string>> QueryContext::ReservedWor
 }
 
 void QueryContext::SetSourceWords(const std::vector<std::string>& words) {
-  sourceWords_.clear();
-  for (const std::string& word : words) sourceWords_.insert(FoldCase(word));
+  sourceWords_ = WordSet(words.begin(), words.end());
   reservedWords_ = nullptr;
 }
 

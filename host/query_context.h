@@ -13,7 +13,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
 #include "base/event.h"
@@ -96,7 +95,7 @@ class QueryContext : public Object {
   const Ref<StringCollection>& QuotedIdentifiers() const { return quotedIdentifiers_; }
 
   /// The words with a meaning in SQL, case-folded: the names of keywords and functions, and what the source reserves.
-  std::shared_ptr<const std::unordered_set<std::string>> ReservedWords() const;
+  std::shared_ptr<const WordSet> ReservedWords() const;
 
   /// The caption with this number; never an error.
   std::string GetLanguageString(std::int32_t id) const { return language_.Get(id); }
@@ -231,9 +230,9 @@ class QueryContext : public Object {
   LanguageTable language_;
   std::vector<SourceTable> sourceTables_;
   zrqrybld::ForeignKeys foreignKeys_;
-  std::unordered_set<std::string> sourceWords_;  // case-folded
+  WordSet sourceWords_;  // case-folded
   // Made anew when a catalog has changed: every generated statement asks for them.
-  mutable std::shared_ptr<const std::unordered_set<std::string>> reservedWords_;
+  mutable std::shared_ptr<const WordSet> reservedWords_;
   mutable std::uint64_t reservedWordsRevision_ = 0;
   QueryBuilderInfoEnum state_ = InfoDone;
   int stepDepth_ = 0;

@@ -1,4 +1,5 @@
 // What the diagram's menu of a column does in the grid.
+#include <algorithm>
 #include <unordered_map>
 #include <utility>
 
@@ -70,6 +71,14 @@ void qbQueryBuilder::GoToCriterion(const std::string& entityCaption, const std::
 
 namespace {
 
+constexpr std::size_t kNotedCriteria[] = {kColumnCriteria, kColumnOr1, kColumnOr2, kColumnOr3};
+
+// Most rows say nothing while the query does not group.
+bool SaysSomething(const zrGridRow& row, bool grouped) {
+  return grouped || !row.ValueAt(kColumnSortType).IsBlank() ||
+         std::ranges::any_of(kNotedCriteria, [&](std::size_t column) { return !row.ValueAt(column).IsBlank(); });
+}
+
 // What a row of the grid says about its column, besides what its other rows have said.
 void AddTo(ColumnNote& note, const zrGridRow& row, bool grouped) {
   const auto text = [&row](std::size_t column) { return row.ValueAt(column).Text(); };
@@ -79,7 +88,7 @@ void AddTo(ColumnNote& note, const zrGridRow& row, bool grouped) {
     note.order = text(kColumnSortOrder);
   }
   if (grouped) note.aggregate = text(kColumnGroupBy);
-  for (const std::size_t column : {kColumnCriteria, kColumnOr1, kColumnOr2, kColumnOr3}) {
+  for (const std::size_t column : kNotedCriteria) {
     note.filtered = note.filtered || !row.ValueAt(column).IsBlank();
   }
 }
@@ -91,14 +100,16 @@ void qbQueryBuilder::NoteColumns() {
   std::unordered_map<Ref<BoxRow>, ColumnNote> notes;
   const Ref<qbEntities> entities = Entities();
   const std::int32_t count = entities && gridPane_ ? gridPane_->RowCount() : 0;
+  const bool grouped = gridPane_ && gridPane_->ShowGroupBy();
   for (std::int32_t i = 1; i <= count; ++i) {
     const zrGridRow& row = gridPane_->Grid()->Rows()->At(static_cast<std::size_t>(i));
+    if (!SaysSomething(row, grouped)) continue;
     const std::string* table = row.ValueAt(kColumnTable).StringIf();
     const std::string* column = row.ValueAt(kColumnColumn).StringIf();
     const Ref<qbEntity> entity = table && column && !table->empty() ? entities->FindExactly(*table) : nullptr;
     const Ref<qbEntityItem> item = entity ? entity->Items()->Item(*column) : nullptr;
     const Ref<BoxRow> shown = item ? entity->EntityBox()->Rows().At(static_cast<std::size_t>(item->Index())) : nullptr;
-    if (shown) AddTo(notes[shown], row, gridPane_->ShowGroupBy());
+    if (shown) AddTo(notes[shown], row, grouped);
   }
   for (const WeakRef<BoxRow>& before : std::exchange(noted_, {})) {
     const Ref<BoxRow> row = before.lock();

@@ -40,8 +40,16 @@ bool IsSamePiece(const std::shared_ptr<const EntityState>& a, const std::shared_
 // Replaces a part of the list that is as long as `gone`.
 template <class T>
 void Replace(std::vector<T>& list, std::size_t first, const std::vector<T>& gone, const std::vector<T>& come) {
-  const auto place = list.erase(At(list, first), At(list, first + gone.size()));
-  list.insert(place, come.begin(), come.end());
+  const std::size_t both = std::min(gone.size(), come.size());
+  std::copy_n(come.begin(), both, At(list, first));
+  const auto place = list.erase(At(list, first + both), At(list, first + gone.size()));
+  list.insert(place, come.begin() + static_cast<std::ptrdiff_t>(both), come.end());
+}
+
+// What has become of the part of the list that is not untouched.
+template <class T>
+Splice<T> Between(std::vector<T>& known, const Untouched& untouched, std::vector<T> now) {
+  return {untouched.before, {At(known, untouched.before), At(known, known.size() - untouched.behind)}, std::move(now)};
 }
 
 template <class T>
@@ -141,12 +149,9 @@ std::size_t SizeOfStep(const History::Step& step) {
 bool History::Record(const StepLabel& label, DesignChange change, std::optional<std::string> typed) {
   Step step;
   step.label = label;
-  step.entities = {0, known_.entities, std::move(change.entities)};
+  step.entities = Between(known_.entities, change.untouchedEntities, std::move(change.entities));
   Trim(step.entities, IsSamePiece);
-  const std::size_t known = known_.rows.size();
-  const std::size_t before = std::min(change.untouchedRows.before, known);
-  const std::size_t behind = std::min(change.untouchedRows.behind, known - before);
-  step.rows = {before, {At(known_.rows, before), At(known_.rows, known - behind)}, std::move(change.rows)};
+  step.rows = Between(known_.rows, change.untouchedRows, std::move(change.rows));
   Trim(step.rows, SaysTheSame);
   if (change.options != known_.options) step.options.emplace(known_.options, change.options);
 
@@ -178,6 +183,9 @@ bool History::Merge(Step& step) {
   if (sameCell) {
     last.rows.after = std::move(step.rows.after);
     Trim(last.rows, SaysTheSame);
+  } else if (last.entities.first == step.entities.first && last.entities.after == step.entities.before) {
+    last.entities.after = std::move(step.entities.after);
+    Trim(last.entities, IsSamePiece);
   } else {
     DiagramState before = known_.entities;
     Apply(before, step.entities, true);
@@ -207,10 +215,11 @@ void History::Push(Step step) {
   }
 }
 
-void History::Adopt(const DiagramState& entities, const DesignOptions& options) {
-  known_.options = options;
-  for (std::size_t i = 0; i < entities.size() && i < known_.entities.size(); ++i) {
-    if (known_.entities[i]->identity == entities[i]->identity) known_.entities[i] = entities[i];
+void History::Adopt(std::size_t untouched, const DiagramState& entities, DesignOptions options) {
+  known_.options = std::move(options);
+  for (std::size_t i = 0; i < entities.size() && untouched + i < known_.entities.size(); ++i) {
+    auto& known = known_.entities[untouched + i];
+    if (known->identity == entities[i]->identity) known = entities[i];
   }
 }
 

@@ -43,10 +43,12 @@ struct Design {
   DesignOptions options;
 };
 
-/// The design now, as far as it may be another than the one that is known.
+/// The design now, as far as it may be another than the one that is known. No more is untouched than there is then
+/// and now.
 struct DesignChange {
-  DiagramState entities;
-  zrGridRows::Untouched untouchedRows;
+  Untouched untouchedEntities;
+  DiagramState entities;  ///< those between the untouched ones
+  Untouched untouchedRows;
   std::vector<SharedRowContent> rows;  ///< those between the untouched ones
   DesignOptions options;
 };
@@ -88,8 +90,8 @@ class History {
   /// work of the user's. What is typed into one cell within a second is one step.
   bool Record(const StepLabel& label, DesignChange change, std::optional<std::string> typed = std::nullopt);
   /// The tables and options have changed outside of any step: they are known as they are now, and no step is noted.
-  /// Tables that came or went are left to the next step.
-  void Adopt(const DiagramState& entities, const DesignOptions& options);
+  /// The tables are those behind the first `untouched` ones; what came or went is left to the next step.
+  void Adopt(std::size_t untouched, const DiagramState& entities, DesignOptions options);
   /// Forgets all steps; the design is this.
   void Forget(Design now);
 

@@ -221,7 +221,7 @@ void qbQueryBuilder::QueryDataSource(std::vector<DataSourceQuestion>& questions)
   for (DataSourceQuestion& question : questions) {
     const std::string_view text = question.question;
     if (StartsWithNoCase(text, kReservedWord)) {
-      question.answer = ReservedWords()->contains(FoldCase(text.substr(kReservedWord.size())));
+      question.answer = ReservedWords()->contains(text.substr(kReservedWord.size()));
     } else if (text == "QUOTE_PREFIX" || text == "QUOTE_SUFFIX") {
       const std::optional<NameQuotes> quotes = SourceQuotes(*this);
       question.answer = !quotes ? "\"" : text == "QUOTE_PREFIX" ? quotes->prefix : quotes->suffix;

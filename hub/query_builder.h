@@ -238,6 +238,7 @@ class qbQueryBuilder final : public QueryContext {
   std::int32_t MakeRowOfColumn(const std::string& entityCaption, const std::string& column, bool output);
   std::string TryConnection(const std::string& connectionString) const;
   DesignOptions CurrentOptions() const;
+  void TakeTables(DesignChange& change, bool withTicks) const;
   DesignChange CurrentChange() const;
   void RememberAll();
   bool Travel(bool back);

@@ -25,16 +25,24 @@ DesignOptions qbQueryBuilder::CurrentOptions() const {
   return options;
 }
 
+// Only what was touched is looked at: a step costs what it changes.
+void qbQueryBuilder::TakeTables(DesignChange& change, bool withTicks) const {
+  const Ref<qbEntities> entities = Entities();
+  if (!entities) return;
+  const DiagramState& known = history_.Known().entities;
+  const auto count = static_cast<std::size_t>(entities->Count());
+  change.untouchedEntities = entities->SinceRemembered().Within(std::min(count, known.size()));
+  change.entities = entities->State(known, change.untouchedEntities, withTicks);
+}
+
 DesignChange qbQueryBuilder::CurrentChange() const {
   DesignChange change;
-  if (const Ref<qbEntities> entities = Entities()) change.entities = entities->State(history_.Known().entities, true);
+  TakeTables(change, true);
   change.options = CurrentOptions();
   if (!gridPane_) return change;
   const zrGridRows& rows = *gridPane_->Grid()->Rows();
   const auto count = static_cast<std::size_t>(rows.Count());
-  change.untouchedRows = rows.SinceRemembered();
-  change.untouchedRows.before = std::min(change.untouchedRows.before, count);
-  change.untouchedRows.behind = std::min(change.untouchedRows.behind, count - change.untouchedRows.before);
+  change.untouchedRows = rows.SinceRemembered().Within(std::min(count, history_.Known().rows.size()));
   for (std::size_t i = change.untouchedRows.before + 1; i <= count - change.untouchedRows.behind; ++i) {
     change.rows.push_back(rows.At(i).Content());
   }
@@ -44,7 +52,10 @@ DesignChange qbQueryBuilder::CurrentChange() const {
 // Another pane: what could be undone in the one before is of no use in it.
 void qbQueryBuilder::RememberAll() {
   Design design;
-  if (const Ref<qbEntities> entities = Entities()) design.entities = entities->State({}, true);
+  if (const Ref<qbEntities> entities = Entities()) {
+    design.entities = entities->State({}, {}, true);
+    entities->Remembered();
+  }
   if (gridPane_) {
     zrGridRows& rows = *gridPane_->Grid()->Rows();
     for (std::size_t i = 1; i <= static_cast<std::size_t>(rows.Count()); ++i) {
@@ -70,14 +81,16 @@ void qbQueryBuilder::ClearHistory() {
 void qbQueryBuilder::StepBegins(const StepLabel& step) {
   typed_.reset();
   if (sqlPane_ && sqlPane_->IsEdited() && step.id != kStepApplyStatement.id) typed_ = sqlPane_->SQLStatement();
-  const Ref<qbEntities> entities = Entities();
-  history_.Adopt(entities ? entities->State(history_.Known().entities, false) : DiagramState(), CurrentOptions());
+  DesignChange change;
+  TakeTables(change, false);
+  history_.Adopt(change.untouchedEntities.before, change.entities, CurrentOptions());
 }
 
 void qbQueryBuilder::StepMade(const StepLabel& step, bool writes) {
   std::optional<std::string> typed = std::exchange(typed_, std::nullopt);
   if (!writes || (sqlPane_ && sqlPane_->KeepsTyped())) typed.reset();
   historyChanged_ |= history_.Record(step, CurrentChange(), std::move(typed));
+  if (const Ref<qbEntities> entities = Entities()) entities->Remembered();
   if (gridPane_) gridPane_->Grid()->Rows()->Remembered();
 }
 

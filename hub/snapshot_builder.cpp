@@ -12,9 +12,10 @@
 namespace zrqrybld {
 namespace {
 
-using TablePositions = std::unordered_map<std::string, std::size_t>;
+using TablePositions = std::unordered_map<std::string_view, std::size_t>;  // by the captions that the boxes hold
 
 void TakeTables(QuerySnapshot& snapshot, TablePositions& positions, const qbEntities& entities) {
+  snapshot.tables.reserve(static_cast<std::size_t>(entities.Count()));
   for (std::int32_t i = 1; i <= entities.Count(); ++i) {
     const qbEntity& entity = *entities.Item(i);
     SnapshotTable table;
@@ -68,10 +69,11 @@ void TakeRows(QuerySnapshot& snapshot, const TablePositions& positions, const qb
               const qbGridPane& grid, const QueryContext& context) {
   const auto lastColumn = static_cast<std::size_t>(grid.ColumnCount());
   const zrGridRows& rows = *grid.Grid()->Rows();
+  snapshot.rows.reserve(static_cast<std::size_t>(rows.Count()));
   for (std::int32_t i = 1; i <= rows.Count(); ++i) {
     const zrGridRow& cells = rows.At(static_cast<std::size_t>(i));
     if (cells.ValueAt(kColumnColumn).IsBlank()) continue;
-    SnapshotRow row;
+    SnapshotRow& row = snapshot.rows.emplace_back();
     row.column = cells.ValueAt(kColumnColumn).Text();
     row.alias = Identifier(cells.ValueAt(kColumnAlias).Text());
     const auto table = positions.find(cells.ValueAt(kColumnTable).Text());
@@ -86,7 +88,6 @@ void TakeRows(QuerySnapshot& snapshot, const TablePositions& positions, const qb
       const qbEntity& entity = *entities->Item(static_cast<std::int32_t>(*row.table) + 1);
       row.type = TypeOfColumn(entity, row.column, *context.DataTypes());
     }
-    snapshot.rows.push_back(std::move(row));
   }
 }
 

@@ -47,9 +47,10 @@ bool IsSameTable(const std::vector<Identifier>& a, const std::vector<Identifier>
 // A table of the statement and what it becomes.
 struct PlannedTable {
   WrittenTable written;
-  std::string name;      // as the source is asked for it
-  std::string caption;   // what it is called in the query
-  Ref<qbEntity> entity;  // of the diagram; nothing when it is still to be added
+  std::string name;                   // as the source is asked for it
+  std::string caption;                // what it is called in the query
+  Ref<qbEntity> entity;               // of the diagram; nothing when it is still to be added
+  std::vector<Identifier> drawnName;  // the entity's
   std::int32_t position = std::numeric_limits<std::int32_t>::max();  // of the entity in the diagram
   std::vector<SourceColumn> columns;                                 // of one that is to be added
   std::unordered_map<std::string, std::size_t> byFoldedName;         // of its columns, the first of each
@@ -83,7 +84,7 @@ class Loader final : public QuerySource {
     SnapshotTable result;
     result.caption = Identifier(table.caption);
     if (table.entity) {
-      result.name = WrittenName(*table.entity, rules_);
+      result.name = std::move(table.drawnName);
       result.aliased = table.caption != table.entity->TagVariant().Text();
       return result;
     }
@@ -161,7 +162,8 @@ class Loader final : public QuerySource {
     constexpr std::size_t kNone = static_cast<std::size_t>(-1);
     struct Drawn {
       Ref<qbEntity> entity;
-      std::vector<Identifier> name;
+      std::vector<Identifier> writtenName;
+      std::vector<Identifier> name;   // with its schema, where the source told it
       std::size_t nextAlike = kNone;  // the next whose name has the same last part
       bool claimed = false;
     };
@@ -169,7 +171,8 @@ class Loader final : public QuerySource {
     std::unordered_map<std::string_view, std::size_t, HashNoCase, EqualNoCase> firstOf;  // by the last part of the name
     for (std::size_t i = drawn.size(); i-- > 0;) {
       drawn[i].entity = entities_->Item(static_cast<std::int32_t>(i + 1));
-      drawn[i].name = SourceName(*drawn[i].entity, rules_);
+      drawn[i].writtenName = WrittenName(*drawn[i].entity, rules_);
+      drawn[i].name = SourceName(*drawn[i].entity, drawn[i].writtenName);
       const auto [first, added] = firstOf.emplace(drawn[i].name.back().Name(), i);
       if (!added) drawn[i].nextAlike = std::exchange(first->second, i);
     }
@@ -185,6 +188,7 @@ class Loader final : public QuerySource {
         if (!IsSameTable(drawn[i].name, table.written.parts)) continue;
         drawn[i].claimed = true;
         table.entity = entity;
+        table.drawnName = drawn[i].writtenName;
         table.position = static_cast<std::int32_t>(i + 1);
         // An alias is kept as it is written; a table's own name is spelt as in the diagram.
         if (table.written.alias.Empty() && IsCalled(*entity, table)) table.caption = entity->Caption();

@@ -4,6 +4,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "sql/date_literal.h"
 
 namespace zrqrybld {
 namespace {
@@ -14,6 +15,12 @@ constexpr std::string_view kLiteralWords[] = {"DATE", "TIME", "TIMESTAMP", "INTE
 
 }  // namespace
 
+bool IsHashDate(std::string_view written, const std::string& dateFormat) {
+  DateTime date;
+  return written.size() > 2 &&
+         ReadDateTime(written.substr(1, written.size() - 2), dateFormat, true, date) != DateReading::NoDate;
+}
+
 void ThrowCriterionError(std::string_view text, std::size_t offset, std::string_view message) {
   const std::size_t character = CharacterCount(text.substr(0, offset)) + 1;
   throw Error(ErrorParsingText, std::string(message) + " (character " + std::to_string(character) + ")", offset);
@@ -23,12 +30,13 @@ bool IsLiteralWord(std::string_view word) {
   return std::ranges::find(kLiteralWords, std::string_view(UpperAscii(word))) != std::end(kLiteralWords);
 }
 
-CriterionTokens::CriterionTokens(std::string_view text, std::string_view literalWord, bool hashDates) : text_(text) {
-  Read(literalWord, hashDates);
+CriterionTokens::CriterionTokens(std::string_view text, std::string_view literalWord, const std::string* dateFormat)
+    : text_(text) {
+  Read(literalWord, dateFormat);
   FindPartners();
 }
 
-void CriterionTokens::Read(std::string_view literalWord, bool hashDates) {
+void CriterionTokens::Read(std::string_view literalWord, const std::string* dateFormat) {
   std::size_t base = 0;  // where the lexer's text begins
   Lexer lexer(text_);
   const auto add = [&](Token token) {
@@ -49,9 +57,10 @@ void CriterionTokens::Read(std::string_view literalWord, bool hashDates) {
         continue;
       }
     }
-    if (hashDates && first == '#' && token.kind != TokenKind::Date) {
+    if (dateFormat && first == '#' && token.kind != TokenKind::Date) {
       const std::size_t end = text_.find('#', token.offset + 1);
-      if (end != std::string_view::npos) {
+      if (end != std::string_view::npos &&
+          IsHashDate(text_.substr(token.offset, end + 1 - token.offset), *dateFormat)) {
         add({TokenKind::Date, false, token.offset, end + 1 - token.offset});
         continue;
       }
@@ -123,13 +132,13 @@ bool CriterionTokens::IsApostrophe(std::size_t index) const {
 std::string CriterionTokens::Kept(std::size_t from, std::size_t to) const {
   RequireFinished(from, to);
   std::string text;
-  std::size_t end = 0;  // of the token written last
+  OneLine line(text_, text);
   for (std::size_t i = from; i < to; ++i) {
-    if (tokens_[i].kind == TokenKind::Comment) continue;
     if (IsApostrophe(i)) ThrowCriterionError(text_, tokens_[i].offset, "What this quote begins is never closed.");
-    if (!text.empty() && end != tokens_[i].offset) text += ' ';
-    text += Text(i);
-    end = tokens_[i].offset + tokens_[i].length;
+    if (tokens_[i].kind == TokenKind::Word && BeginsAsDate(Text(i))) {
+      ThrowCriterionError(text_, tokens_[i].offset, kBeginsAsDate);
+    }
+    line.Add(tokens_[i]);
   }
   return text;
 }

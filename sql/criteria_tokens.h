@@ -22,9 +22,9 @@ class CriterionTokens {
 
   /// Reads the whole text, which must outlive this. An apostrophe directly behind a word or a figure (O'Brien, 5'6") is
   /// a sign of its own, unless the word is a keyword or `literalWord`, which begins a literal as in N'text'. With
-  /// `hashDates` everything between two "#" is a date. Error 40002 for parentheses and braces without a partner, and
-  /// for more than 200 within each other.
-  CriterionTokens(std::string_view text, std::string_view literalWord, bool hashDates);
+  /// a `dateFormat` a date between two "#" is one however it is written. Error 40002 for parentheses and braces without
+  /// a partner, and for more than 200 within each other.
+  CriterionTokens(std::string_view text, std::string_view literalWord, const std::string* dateFormat);
 
   std::size_t Count() const { return tokens_.size(); }
   const Token& operator[](std::size_t index) const { return tokens_[index]; }
@@ -58,13 +58,16 @@ class CriterionTokens {
   void RequireFinished(std::size_t from, std::size_t to) const;
 
  private:
-  void Read(std::string_view literalWord, bool hashDates);
+  void Read(std::string_view literalWord, const std::string* dateFormat);
   void FindPartners();
 
   std::string_view text_;
   std::vector<Token> tokens_;
   std::vector<std::size_t> partners_;
 };
+
+/// Whether a text between two "#" is a date, if an ambiguous one: in any form that `ReadDateTime` takes.
+bool IsHashDate(std::string_view written, const std::string& dateFormat);
 
 /// Whether the word begins a literal when a text in quotes follows it, as in DATE '2020-01-31'.
 bool IsLiteralWord(std::string_view word);

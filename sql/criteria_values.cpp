@@ -70,7 +70,9 @@ CriterionValues::Kind CriterionValues::KindOf(const CriteriaContext& context) {
   return context.isLong || !context.prefix.empty() ? Kind::Text : Kind::Unknown;
 }
 
-bool CriterionValues::TakesHashDates(const CriteriaContext& context) { return KindOf(context) == Kind::Date; }
+const std::string* CriterionValues::HashDateFormat(const CriteriaContext& context) {
+  return KindOf(context) == Kind::Date ? &context.dateFormat : nullptr;
+}
 
 std::string CriterionValues::LiteralWord(const CriteriaContext& context) {
   const std::string& prefix = context.prefix;
@@ -84,9 +86,9 @@ bool CriterionValues::IsQuery(std::size_t parenthesis) const {
 }
 
 // What a host puts a value in for: ?, :name. (@name is a word.)
-bool CriterionValues::IsPlaceholder(std::size_t at) const {
+bool CriterionValues::IsPlaceholder(std::size_t at, std::size_t to) const {
   return tokens_.Is(at, '?') ||
-         (tokens_.Is(at, ':') && tokens_.Adjoins(at + 1) && tokens_[at + 1].kind == TokenKind::Word);
+         (tokens_.Is(at, ':') && at + 1 < to && tokens_.Adjoins(at + 1) && tokens_[at + 1].kind == TokenKind::Word);
 }
 
 // A name with its dots, or a call. Returns the token behind it.
@@ -146,8 +148,12 @@ std::size_t CriterionValues::ReadOperand(Kind kind, std::size_t at, std::size_t 
   switch (tokens_[at].kind) {
     case TokenKind::Number:
       return at + 1;
-    case TokenKind::String:
     case TokenKind::Date:
+      // What is no date would end the statement where it holds a comment or a quote.
+      if (!IsHashDate(tokens_.Text(at), context_.dateFormat)) break;
+      expression.hasSql = true;
+      return at + 1;
+    case TokenKind::String:
     case TokenKind::Parameter:
       expression.hasSql = true;
       return at + 1;
@@ -160,7 +166,7 @@ std::size_t CriterionValues::ReadOperand(Kind kind, std::size_t at, std::size_t 
   }
   bool whole = tokens_.Partner(at) != CriterionTokens::kNone;
   if (tokens_.Is(at, '{')) whole = at + 1 < to && IsOneOf(tokens_.Text(at + 1), kEscapes);
-  if (whole || IsPlaceholder(at)) {
+  if (whole || IsPlaceholder(at, to)) {
     expression.hasSql = true;
     return whole ? tokens_.After(at) : at + (tokens_.Is(at, '?') ? 1 : 2);
   }
@@ -180,6 +186,9 @@ std::size_t CriterionValues::ReadOperator(std::size_t at, std::size_t to) const 
 CriterionValues::Expression CriterionValues::Examine(Kind kind, std::size_t from, std::size_t to) const {
   Expression expression;
   bool expectsOperand = true;
+  const auto isName = [&](std::size_t at) {
+    return at < to && (tokens_[at].kind == TokenKind::Word || tokens_[at].kind == TokenKind::QuotedIdentifier);
+  };
   for (std::size_t at = from; at < to && expression.valid;) {
     if (tokens_[at].kind == TokenKind::Comment) {
       ++at;
@@ -192,9 +201,9 @@ CriterionValues::Expression CriterionValues::Examine(Kind kind, std::size_t from
       expectsOperand = false;
     } else if (tokens_.Is(at, ')')) {
       ++at;
-    } else if (tokens_.IsWord(at, "COLLATE") && at + 1 < to) {
+    } else if (tokens_.IsWord(at, "COLLATE") && isName(at + 1)) {
       at += 2;
-    } else if (tokens_.Is(at, ':') && tokens_.Is(at + 1, ':') && at + 2 < to) {
+    } else if (tokens_.Is(at, ':') && tokens_.Is(at + 1, ':') && isName(at + 2)) {
       at += 3;  // ::type
       if (at < to && tokens_.Is(at, '(')) at = tokens_.After(at);
     } else {

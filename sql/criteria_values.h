@@ -17,8 +17,8 @@ class CriterionValues {
   /// Both must outlive this.
   CriterionValues(const CriterionTokens& tokens, const CriteriaContext& context);
 
-  /// Whether text between two "#" is a date for this column.
-  static bool TakesHashDates(const CriteriaContext& context);
+  /// The format of the dates that may stand between two "#" for this column; nothing where they may not.
+  static const std::string* HashDateFormat(const CriteriaContext& context);
   /// The word before the opening quote of the column's literals, as N in N'text'; "" for none.
   static std::string LiteralWord(const CriteriaContext& context);
 
@@ -44,7 +44,7 @@ class CriterionValues {
   std::size_t ReadOperand(Kind kind, std::size_t at, std::size_t to, Expression& expression) const;
   std::size_t ReadName(Kind kind, std::size_t at, std::size_t to, Expression& expression) const;
   std::size_t ReadOperator(std::size_t at, std::size_t to) const;
-  bool IsPlaceholder(std::size_t at) const;
+  bool IsPlaceholder(std::size_t at, std::size_t to) const;
   bool IsQuery(std::size_t parenthesis) const;
 
   std::string WriteText(std::size_t from, std::size_t to, bool pattern) const;

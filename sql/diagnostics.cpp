@@ -160,16 +160,16 @@ class Diagnosis {
     const auto key = [](const SnapshotRow& row) {
       return std::pair<std::size_t, std::string_view>(row.table ? *row.table + 1 : 0, row.column);
     };
+    const bool asked = query_.distinct && !sorted_.empty();
     for (const SnapshotRow& row : query_.rows) {
-      if (IsOutput(row)) selected.insert(key(row));
+      if (asked && IsOutput(row)) selected.insert(key(row));
     }
     for (const SnapshotRow& row : query_.rows) {
       const std::optional<double> number = row.sortOrder.empty() ? std::nullopt : ParseNumber(row.sortOrder);
       if (number && *number >= 0.5 && !IsSorted(row)) {
         Say(DiagnosticSameSortOrder, NameOf(row), ": another column has the same place in the sort order.");
       }
-      if (query_.distinct && IsSorted(row) && !selected.contains(key(row)) &&
-          !selected.contains({key(row).first, "*"})) {
+      if (asked && IsSorted(row) && !selected.contains(key(row)) && !selected.contains({key(row).first, "*"})) {
         Say(DiagnosticSortNotSelected, NameOf(row), " is sorted by, but it is not among the distinct columns.");
       }
     }

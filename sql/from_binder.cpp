@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/text.h"
+#include "sql/join_list.h"
 
 namespace zrqrybld {
 namespace {
@@ -99,7 +100,7 @@ BoundFrom FromBinder::Bind(bool joinsFromWhere) {
     sharesColumns_ |= SharesColumns(*item);
     hasOuterJoin_ |= HasOuterJoin(*item);
   }
-  forms_.emplace(scope_.Tables().size());
+  forms_.emplace(hasOuterJoin_ ? scope_.Tables().size() : 0);
   std::optional<JoinForms::Form> all;
   std::size_t number = 0;
   for (const FromItem* item = statement_.from; item; item = item->next) {
@@ -126,7 +127,7 @@ BoundFrom FromBinder::Bind(bool joinsFromWhere) {
 
 FromBinder::Side FromBinder::BindItem(const FromItem& item) {
   const std::size_t table = nextTable_++;
-  Side side{forms_->Table(table), table, table + 1, {}};
+  Side side{table, table, table + 1, {}};
   if (sharesColumns_) {
     for (std::string& column : scope_.Source().Columns(table)) side.columns.push_back({table, std::move(column)});
   }
@@ -276,11 +277,14 @@ void FromBinder::AddJoin(const JoinPair& pair, bool allOfLeft, bool allOfRight) 
   const bool allOfSource = swap ? allOfRight : allOfLeft;
   const bool allOfTarget = swap ? allOfLeft : allOfRight;
   join.kind = (allOfTarget ? 1 : 0) | (allOfSource ? 2 : 0);
-  // A condition that is said twice is one join.
-  const std::string key = std::to_string(join.source) + ' ' + std::to_string(join.target) + ' ' +
-                          std::to_string(join.kind) + join.sourceColumn->Name() + '\n' + join.targetColumn->Name();
-  if (!known_.insert(key).second) return;
   bound_.joins.push_back(std::move(join));
+  const bool isNew = known_.insert(bound_.joins.size() - 1).second;
+  if (!isNew) bound_.joins.pop_back();  // a condition that is said twice is one join
+}
+
+std::size_t FromBinder::HashJoin::operator()(std::size_t place) const {
+  const SnapshotJoin& join = (*joins)[place];
+  return HashColumnPair()({join.source, join.sourceColumn->Name(), join.target, join.targetColumn->Name()});
 }
 
 // --- WHERE ---

@@ -43,6 +43,8 @@ class FromBinder {
  public:
   FromBinder(const SelectStatement& statement, NameScope& scope, const Dialect& dialect)
       : statement_(statement), scope_(scope), dialect_(dialect) {}
+  FromBinder(const FromBinder&) = delete;
+  FromBinder& operator=(const FromBinder&) = delete;
 
   /// Reads the joins; to be called once. SyntaxError for a column or a join that cannot be. With `joinsFromWhere`
   /// comparisons of columns in WHERE join tables that FROM only lists; those with the marks of outer joins always do.
@@ -90,9 +92,18 @@ class FromBinder {
   std::vector<JoinPair> whereJoins_;
   bool hasMarks_ = false;
   bool sharesColumns_ = false;
-  bool hasOuterJoin_ = false;              // otherwise any order of joins means the same, and the forms are left alone
-  std::unordered_set<std::string> known_;  // the joins that were added
+  bool hasOuterJoin_ = false;  // otherwise any order of joins means the same, and the forms are left alone
   BoundFrom bound_;
+  // By their places in `bound_.joins`.
+  struct HashJoin {
+    const std::vector<SnapshotJoin>* joins;
+    std::size_t operator()(std::size_t place) const;
+  };
+  struct EqualJoin {
+    const std::vector<SnapshotJoin>* joins;
+    bool operator()(std::size_t a, std::size_t b) const { return (*joins)[a] == (*joins)[b]; }
+  };
+  std::unordered_set<std::size_t, HashJoin, EqualJoin> known_{0, HashJoin{&bound_.joins}, EqualJoin{&bound_.joins}};
 };
 
 }  // namespace zrqrybld

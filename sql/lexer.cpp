@@ -155,6 +155,14 @@ bool Lexer::Next(Token& token) {
   return true;
 }
 
+void OneLine::Add(const Token& token) {
+  if (token.kind == TokenKind::Comment) return;
+  if (!first_ && token.offset != end_) line_ += ' ';
+  first_ = false;
+  end_ = token.offset + token.length;
+  line_ += text_.substr(token.offset, token.length);
+}
+
 std::vector<Token> Tokenize(std::string_view text) {
   std::vector<Token> tokens;
   Lexer lexer(text);

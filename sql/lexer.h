@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -68,6 +69,28 @@ class Lexer {
 
   std::string_view text_;
   std::size_t at_ = 0;
+};
+
+/// Whether a word begins as a date between "#" does. With the "#" of another line behind it on the same one, it would
+/// be one: such a name has to stand in quotes.
+constexpr bool BeginsAsDate(std::string_view word) {
+  return word.size() > 1 && word[0] == '#' && word[1] >= '0' && word[1] <= '9';
+}
+inline constexpr std::string_view kBeginsAsDate = "A name that begins with \"#\" and a figure has to stand in quotes.";
+
+/// Writes tokens of a text on one line: as they stand, with one blank for the white space and comments between them.
+class OneLine {
+ public:
+  /// Appends to `line`; both must outlive this.
+  OneLine(std::string_view text, std::string& line) : text_(text), line_(line) {}
+  /// Appends the token; comments are left out. Tokens come in their order.
+  void Add(const Token& token);
+
+ private:
+  std::string_view text_;
+  std::string& line_;
+  std::size_t end_ = 0;  // of the token added last
+  bool first_ = true;
 };
 
 /// All tokens of a text.

@@ -83,7 +83,7 @@ bool NeedsQuotes(std::string_view name, const NameRules& rules) {
   }
   const Keyword keyword = KeywordOf(name);
   if (IsReserved(keyword) || IsValueWord(keyword)) return true;
-  return rules.reservedWords && rules.reservedWords->contains(FoldCase(name));
+  return rules.reservedWords && rules.reservedWords->contains(name);
 }
 
 SqlText Quote(const Identifier& name, const NameRules& rules) {

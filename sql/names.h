@@ -7,9 +7,9 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
+#include "base/text.h"
 #include "sql/sql_text.h"
 
 namespace zrqrybld {
@@ -25,8 +25,8 @@ struct NameRules {
   /// Characters that a table name may not hold, and may not begin with, without quotes.
   std::string invalidTableCharacters;
   std::string invalidTableStartingCharacters;
-  /// Words with a meaning in SQL, case-folded.
-  std::shared_ptr<const std::unordered_set<std::string>> reservedWords;
+  /// Words with a meaning in SQL.
+  std::shared_ptr<const WordSet> reservedWords;
 };
 
 /// The closing partner of an opening quote text: "]" for "[", otherwise the same.

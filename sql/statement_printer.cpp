@@ -16,15 +16,8 @@ void AppendOnOneLine(std::string& text, std::string_view written) {
     return;
   }
   Lexer lexer(written);
-  std::size_t end = 0;
-  bool first = true;
-  for (Token token; lexer.Next(token);) {
-    if (token.kind == TokenKind::Comment) continue;
-    if (!first && token.offset != end) text += ' ';
-    text.append(written, token.offset, token.length);
-    end = token.offset + token.length;
-    first = false;
-  }
+  OneLine line(written, text);
+  for (Token token; lexer.Next(token);) line.Add(token);
 }
 
 void AppendUpper(std::string& text, std::string_view word) {
@@ -102,7 +95,7 @@ class Printer {
       Print(*item->expression);
       if (item->alias.empty()) continue;
       text_ += " AS ";
-      text_ += item->alias;
+      AppendOnOneLine(text_, item->alias);
     }
     if (statement.items) text_ += ' ';
     text_ += "FROM";
@@ -191,7 +184,7 @@ class Printer {
       PrintClause(" ON ", step->on);
       for (const NameItem* column = step->columns; column; column = column->next) {
         text_ += column == step->columns ? " USING (" : ", ";
-        text_ += column->name;
+        AppendOnOneLine(text_, column->name);
       }
       if (step->columns) text_ += ')';
     }

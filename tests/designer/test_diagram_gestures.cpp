@@ -1,15 +1,13 @@
 // The diagram by real mouse and key events: each row of the table is a user's way from three joined tables to what can
 // be seen afterwards.
 #include <QClipboard>
-#include <QDropEvent>
 #include <QMenu>
-#include <QMimeData>
-#include <QWheelEvent>
 #include <map>
 
 #include "base/text.h"
 #include "tests/data_table.h"
 #include "tests/designer/designer_window_test.h"
+#include "tests/qt/hands.h"
 #include "tests/qt/pictures.h"
 
 namespace zrqrybld {
@@ -100,9 +98,12 @@ class DiagramGestures : public test::DesignerWindow {
       QTest::keyClicks(&Designer().DiagramView(), QString::fromStdString(rest));
     } else if (what == "wheel") {
       const std::size_t next = rest.find(' ');
-      Wheel(std::stoi(rest), rest.substr(next + 1), modifiers);
+      TurnWheel(*Diagram(), pointer_ = At(rest.substr(next + 1)), std::stoi(rest), modifiers);
     } else if (what == "drop" || what == "over") {
-      Drop(rest, what == "drop");
+      const bool dropped = what == "drop";
+      DragOnto(*Diagram(), pointer_, QString::fromStdString(rest), dropped ? DragEnd::Dropped : DragEnd::CarriedAway);
+      QDragLeaveEvent again;  // which is told once only
+      if (!dropped) QApplication::sendEvent(Diagram(), &again);
     } else {
       Mouse(what, rest, modifiers);
     }
@@ -122,31 +123,6 @@ class DiagramGestures : public test::DesignerWindow {
     }
     if (what == "move") QTest::mouseMove(Diagram(), pointer_);
     if (what == "wait") QTest::qWait(300);
-  }
-
-  void Wheel(int notches, const std::string& place, Qt::KeyboardModifiers modifiers) {
-    pointer_ = At(place);
-    QWheelEvent event(pointer_, Diagram()->mapToGlobal(pointer_), {}, {0, -120 * notches}, Qt::NoButton, modifiers,
-                      Qt::NoScrollPhase, false);
-    QApplication::sendEvent(Diagram(), &event);
-  }
-
-  // A text comes from outside, and is dropped or carried away again.
-  void Drop(const std::string& text, bool dropped) {
-    QMimeData mime;
-    mime.setText(QString::fromStdString(text));
-    QDragEnterEvent enter(pointer_, Qt::CopyAction, &mime, Qt::LeftButton, {});
-    QApplication::sendEvent(Diagram(), &enter);
-    if (dropped) {
-      QDropEvent drop(pointer_, Qt::CopyAction, &mime, Qt::LeftButton, {});
-      QApplication::sendEvent(Diagram(), &drop);
-    } else {
-      QDragMoveEvent move(pointer_ + QPoint(3, 0), Qt::CopyAction, &mime, Qt::LeftButton, {});
-      QApplication::sendEvent(Diagram(), &move);
-      QDragLeaveEvent leave;
-      QApplication::sendEvent(Diagram(), &leave);
-      QApplication::sendEvent(Diagram(), &leave);  // told once only
-    }
   }
 
   // Opens the context menu where the pointer is and goes through it by keys: "Sort > Ascending".

@@ -1,12 +1,12 @@
 // Every key of the designer by real key events, line by line of tests/data/keys.txt.
 #include <QMenu>
-#include <QWheelEvent>
 #include <algorithm>
 #include <sstream>
 
 #include "adapters/qt/find_bar.h"
 #include "tests/data_table.h"
 #include "tests/designer/designer_window_test.h"
+#include "tests/qt/hands.h"
 
 namespace zrqrybld {
 namespace {
@@ -82,10 +82,7 @@ void Keys::Send(const std::string& key) {
     QTest::keyRelease(target, Qt::Key_Space);
   } else if (key.starts_with("wheel:")) {
     const auto held = key == "wheel:Ctrl" ? Qt::ControlModifier : Qt::ShiftModifier;
-    const int turn = key == "wheel:Ctrl" ? 120 : -120;
-    QWheelEvent wheel(middle, Diagram()->mapToGlobal(middle), {}, {0, turn}, Qt::NoButton, held, Qt::NoScrollPhase,
-                      false);
-    QApplication::sendEvent(Diagram(), &wheel);
+    TurnWheel(*Diagram(), middle, key == "wheel:Ctrl" ? -1 : 1, held);
   } else if (key.starts_with("drag:")) {
     const QStringList way = rest("drag:").split(',');
     QTest::mousePress(Diagram(), Qt::LeftButton, {}, middle);

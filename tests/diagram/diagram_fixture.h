@@ -13,8 +13,7 @@
 
 namespace zrqrybld::test {
 
-class DiagramTest : public testing::Test {
- protected:
+struct DiagramHands {
   /// An entity with the item "*" and these columns, its box as large as its rows need.
   Ref<qbEntity> Add(const std::string& caption, const std::vector<std::string>& columns = {"id", "name"}) {
     const Ref<qbEntity> entity = pane->Entities()->Add(caption);
@@ -35,6 +34,9 @@ class DiagramTest : public testing::Test {
     join->SetSourceItemIndex(sourceItem);
     join->SetTargetItemIndex(targetItem);
     return join;
+  }
+  PixelPoint OnMinimizeButton(const qbEntity& entity) const {
+    return OnPane({Place(entity).Right() - 16_px, Place(entity).top + 14_px});
   }
   /// The captions in order, "," between them.
   std::string Captions() const {
@@ -106,5 +108,7 @@ class DiagramTest : public testing::Test {
 
   Ref<qbDiagramPane> pane = qbDiagramPane::Create();
 };
+
+class DiagramTest : public testing::Test, protected DiagramHands {};
 
 }  // namespace zrqrybld::test

@@ -2,9 +2,7 @@
 #include <cmath>
 #include <random>
 
-#include "base/text.h"
 #include "diagram/routing.h"
-#include "tests/data_table.h"
 #include "tests/diagram/diagram_fixture.h"
 #include "tests/stored_properties.h"
 
@@ -174,95 +172,6 @@ TEST_F(View, ABoxThatIsSentAnywhereCanStillBeReached) {
   }
 }
 
-// --- Keys ---
-
-TEST_F(View, TypingFindsAColumnInAnyLetterCaseAndScript) {
-  const Ref<qbEntity> a = Add("a", {"Order", "Orange", "Ähre", "Äpfel", "заказ", "Straße", "o"});
-  pane->SelectObject(a);
-  const auto type = [&](const std::string& text) { return pane->OnKeyDown({'A', ShiftNone, text}); };
-  const auto typed = [&](const std::vector<std::string>& keys) {
-    pane->SelectObject(nullptr);
-    pane->SelectObject(a);
-    a->EntityBox()->SetSelectedRow(1);
-    for (const std::string& key : keys) EXPECT_TRUE(type(key));
-    return a->SelectedItem()->Text();
-  };
-  EXPECT_EQ(typed({"o", "R", "a"}), "Orange");
-  EXPECT_EQ(typed({"ä", "P"}), "Äpfel");
-  EXPECT_EQ(typed({"З", "а"}), "заказ");
-  EXPECT_EQ(typed({"STR"}), "Straße");  // an input method gives several characters at once
-  EXPECT_EQ(typed({"z"}), "*");         // nothing begins so: the current row stays
-  // A listener may change what is typed, or take it away.
-  std::u32string heard;
-  auto link = pane->KeyPress.Connect([&](char32_t& character) {
-    heard += character;
-    character = character == U'x' ? U'ä' : character == U'q' ? U'\0' : character;
-  });
-  EXPECT_EQ(typed({"x"}), "Ähre");
-  EXPECT_EQ(typed({"q"}), "*");
-  EXPECT_EQ(heard, U"xq");
-  EXPECT_FALSE(pane->OnKeyDown({'X', ShiftCtrl, "x"}));
-  EXPECT_FALSE(pane->OnKeyDown({'C', ShiftAlt, "c"}));
-  EXPECT_EQ(heard, U"xq");
-  pane->SelectObject(nullptr);
-  EXPECT_FALSE(type("o"));
-}
-
-TEST_F(View, TabGoesThroughBoxesThenJoinsThenOut) {
-  const Ref<qbEntity> a = Add("a");
-  const Ref<qbEntity> b = Add("b");
-  b->SetLeft(15 * 4000);
-  const Ref<qbRelationship> join = Join(b, 2, a, 2);
-  const std::vector<Ref<Object>> order{a, b, join};
-  for (const Ref<Object>& next : order) {
-    EXPECT_TRUE(Press(KeyCodeTab));
-    EXPECT_EQ(pane->SelectedObject(), next);
-    EXPECT_TRUE(next != b || OnCaption(*b).x < 800_px);  // it is scrolled into view
-  }
-  EXPECT_FALSE(Press(KeyCodeTab));
-  EXPECT_EQ(pane->SelectedObject(), nullptr);
-  for (auto next = order.rbegin(); next != order.rend(); ++next) {
-    EXPECT_TRUE(Press(KeyCodeTab, ShiftShift));
-    EXPECT_EQ(pane->SelectedObject(), *next);
-  }
-  EXPECT_FALSE(Press(KeyCodeTab, ShiftShift));
-  // Enter goes into the box; Escape drops the selection, then it is the window's.
-  pane->SelectObject(a);
-  EXPECT_TRUE(Press(KeyCodeEnter));
-  EXPECT_EQ(a->EntityBox()->SelectedRow(), 1u);
-  EXPECT_FALSE(Press(KeyCodeEnter));
-  EXPECT_TRUE(Press(KeyCodeEscape));
-  EXPECT_EQ(pane->SelectedObject(), nullptr);
-  EXPECT_FALSE(Press(KeyCodeEscape));
-}
-
-TEST_F(View, TheStepOfResizingGrowsWhileTheKeyIsHeld) {
-  const Ref<qbEntity> a = Add("a");
-  constexpr std::int32_t kShift = ShiftCtrl | ShiftShift;
-  EXPECT_FALSE(pane->OnKeyDown({KeyCodeRight, kShift}));
-  pane->SelectObject(a);
-  const auto step = [&](std::int32_t key) {
-    const PixelRect before = Place(*a);
-    EXPECT_TRUE(pane->OnKeyDown({key, kShift}));
-    return std::pair((Place(*a).width - before.width).Value(), (Place(*a).height - before.height).Value());
-  };
-  double last = 0;
-  for (int i = 0; i < 20; ++i) {
-    const double width = step(KeyCodeRight).first;
-    EXPECT_GE(width, std::max(last, 4.0));
-    last = width;
-  }
-  EXPECT_EQ(last, 48);
-  pane->OnKeyUp({KeyCodeRight});
-  EXPECT_EQ(step(KeyCodeDown), std::pair(0.0, 4.0));
-  // However long it is held, the box keeps the smallest size that the mouse can give.
-  for (int i = 0; i < 60; ++i) {
-    pane->OnKeyDown({KeyCodeLeft, kShift});
-    pane->OnKeyDown({KeyCodeUp, kShift});
-  }
-  EXPECT_EQ(Place(*a), (PixelRect{0_px, 0_px, 96_px, 47_px}));
-}
-
 // --- Lines ---
 
 TEST_F(View, LinesBetweenTheSameBoxesDoNotLieOnOneAnother) {
@@ -299,109 +208,7 @@ TEST_F(View, LinesBetweenTheSameBoxesDoNotLieOnOneAnother) {
   }
 }
 
-TEST_F(View, AJoinOfATableWithItselfIsALoopThatOtherJoinsDoNotMove) {
-  const Ref<qbEntity> a = Add("a", {"id", "parent"});
-  const Ref<qbRelationship> loop = Join(a, 2, a, 3);
-  const auto pointsOf = [](const qbRelationship& join) { return join.Line()->Points({}); };
-  const std::vector<PixelPoint> points = pointsOf(*loop);
-  const Pixels right = Place(*a).Right();
-  EXPECT_EQ(points.front(), (PixelPoint{right, PlaceOfRow(*a, 2).CenterY()}));
-  EXPECT_EQ(points.back(), (PixelPoint{right, PlaceOfRow(*a, 3).CenterY()}));
-  EXPECT_GT(points[1].x, right + 8_px);
-  Click(OnLine(*loop));
-  EXPECT_EQ(pane->SelectedObject(), loop);
-  a->Relationships()->Clear();
-  const Ref<qbEntity> b = Add("b");
-  b->SetLeft(15 * 500);
-  Join(a, 2, b, 2);
-  EXPECT_EQ(pointsOf(*Join(a, 2, a, 3)), points);
-}
-
-TEST_F(View, ALineIsHitFivePixelsAsideAtAnyZoomAndTheNearestWins) {
-  const Ref<qbEntity> a = Add("a");
-  const Ref<qbEntity> b = Add("b");
-  b->SetLeft(15 * 600);
-  b->SetTop(15 * 300);
-  const Ref<qbRelationship> one = Join(a, 2, b, 2);
-  const Ref<qbRelationship> two = Join(a, 3, b, 3);  // in the next lane, a few pixels to the right
-  for (const double zoom : {0.25, 0.5, 1.0, 2.0, 4.0}) {
-    pane->SetZoom(zoom, {});
-    const auto selectedAt = [&](const qbRelationship& join, Pixels aside) {
-      pane->SelectObject(nullptr);
-      Click(OnLine(join) + PixelPoint{aside, 0_px});
-      return pane->SelectedObject();
-    };
-    EXPECT_EQ(selectedAt(*one, -5_px), one) << zoom;
-    EXPECT_EQ(selectedAt(*one, 0_px), one) << zoom;
-    EXPECT_EQ(selectedAt(*two, 0_px), two) << zoom;
-    EXPECT_EQ(selectedAt(*two, 5_px), two) << zoom;
-    EXPECT_EQ(selectedAt(*two, 9_px), nullptr) << zoom;
-  }
-}
-
 // --- Menus ---
-
-// What a menu offers, in order: "-" is disabled, "!" checked, "|" a separator, "(...)" another menu.
-std::string Offered(const Menu& menu) {
-  std::string text;
-  for (const MenuEntry& entry : menu) {
-    text += entry.IsSeparator() ? "|" : (entry.enabled ? "" : "-") + std::string(entry.checked ? "!" : "") + entry.text;
-    if (!entry.entries.empty()) text += "(" + Offered(entry.entries) + ")";
-    text += ";";
-  }
-  return text;
-}
-
-TEST_F(View, MenusOfferWhatFitsAndDoIt) {
-  const Ref<qbEntity> a = Add("a & b", {"id", "name"});
-  const Ref<qbEntity> b = Add("b");
-  b->SetLeft(15 * 400);
-  a->Items()->Item(2)->SetBold(true);
-  Join(a, 2, b, 3);
-  const PixelPoint empty{790_px, 590_px};
-  const auto place = [&](const std::string& name) {
-    return name == "box"      ? OnCaption(*a)
-           : name == "column" ? OnRow(*a, 2)
-           : name == "all"    ? OnRow(*a, 1)
-           : name == "join"
-               ? OnLine(a->Relationships()->Count() > 0 ? *a->Relationships()->Item(1) : *b->Relationships()->Item(1))
-               : empty;
-  };
-  // All that can be seen of it: the ticks of a, whether it is minimised, the joins, the zoom, who is left.
-  const auto state = [&] {
-    std::string text;
-    for (std::int32_t i = 1; i <= a->Items()->Count(); ++i) text += a->Items()->Item(i)->Checked() ? "x" : "-";
-    text += a->EntityBox() && a->EntityBox()->Minimized() ? " low" : "";
-    for (const Ref<qbEntity>& entity : {a, b}) {
-      if (!entity->EntityBox()) continue;
-      for (std::int32_t i = 1; i <= entity->Relationships()->Count(); ++i) {
-        const qbRelationship& join = *entity->Relationships()->Item(i);
-        text += " " + std::string(entity == a ? "a" : "b") + join.SourceItemIndex().Text() + ">" +
-                join.TargetItemIndex().Text() + ":" + std::to_string(join.Kind()) +
-                (join.LeftIndicator() == IndicatorImage ? "L" : "") +
-                (join.RightIndicator() == IndicatorImage ? "R" : "");
-      }
-    }
-    text += pane->Zoom() == 1 ? "" : " zoomed";
-    return text + " of " + Captions();
-  };
-  for (const test::Row& row : test::ReadRows("diagram_menus.txt")) {
-    SCOPED_TRACE(row.place);
-    Click(place(row[0]), ButtonRight);
-    Menu menu = Surface().LastMenu();
-    if (row[1].empty()) {
-      EXPECT_EQ(Offered(menu), row[2]);
-      continue;
-    }
-    for (const std::string_view step : Split(row[1], ">")) {
-      const auto entry = std::ranges::find_if(menu, [&](const MenuEntry& one) { return one.text.starts_with(step); });
-      ASSERT_TRUE(entry != menu.end() && entry->enabled) << step;
-      if (entry->action) entry->action();
-      menu = Menu(entry->entries);
-    }
-    EXPECT_EQ(state(), row[2]);
-  }
-}
 
 TEST_F(View, AListenerChangesTheMenuAndAnEmptyOneIsNotShown) {
   const Ref<qbEntity> a = Add("a");
@@ -438,6 +245,15 @@ TEST_F(View, AListenerChangesTheMenuAndAnEmptyOneIsNotShown) {
 }
 
 // --- Stored properties ---
+
+TEST_F(View, NewBoxesLookAsThePaneSaysThen) {
+  pane->SetEntityBackColor(Color::Rgb(1, 2, 3));
+  pane->SetEntityMinimizeButton(false);
+  const Ref<qbEntity> a = Add("a");
+  pane->SetEntityMinimizeButton(true);
+  EXPECT_EQ(a->BackColor(), Color::Rgb(1, 2, 3));
+  EXPECT_FALSE(a->ShowMinimizeButton());
+}
 
 TEST_F(View, StoredPropertiesMakeTheRoundTrip) {
   MemoryPropertyStore store;

@@ -4,13 +4,13 @@
 #include <algorithm>
 #include <cstdlib>
 #include <map>
-#include <random>
 #include <set>
 
 #include "base/text.h"
 #include "diagram/relationships.h"
 #include "sql/diagnostics.h"
 #include "tests/flow/headless_designer.h"
+#include "tests/flow/random_designs.h"
 
 namespace zrqrybld {
 namespace {
@@ -19,19 +19,7 @@ using test::HeadlessDesigner;
 
 constexpr SQLSyntaxEnum kSyntaxes[] = {SQLSyntaxGeneric, SQLSyntaxMSSQL, SQLSyntaxOracle, SQLSyntaxAccess};
 
-class Chance {
- public:
-  explicit Chance(unsigned seed) : engine_(seed) {}
-  std::size_t Below(std::size_t end) { return engine_() % end; }
-  bool OneIn(std::size_t n) { return Below(n) == 0; }
-  template <class T>
-  const T& Of(const std::vector<T>& all) {
-    return all[Below(all.size())];
-  }
-
- private:
-  std::mt19937 engine_;
-};
+using test::Chance;
 
 // --- A design as a text: what two equal designs have in common ---
 
@@ -104,7 +92,7 @@ class Maker {
     qbQueryBuilder& hub = designer_.Hub();
     hub.DiagramPane()->Clear();
     hub.SetDistinctRecords(chance_.OneIn(4));
-    hub.SetSelectTopRecords(chance_.Of<std::string>({"", "", "7", "25%"}));
+    hub.SetSelectTopRecords(Any({"", "", "7", "25%"}));
     hub.GridPane()->SetShowGroupBy(false);
     AddTables();
     ChooseKinds(mayBeFull);
@@ -118,11 +106,11 @@ class Maker {
     static const std::vector<std::string> all = {"Customers", "Order",     "Order Lines", "Products", "Categories",
                                                  "Suppliers", "Employees", "Shipments",   "carriers", "Währungen"};
     std::vector<std::string> names;
-    for (std::size_t count = 1 + chance_.Below(5); names.size() < count;) names.push_back(chance_.Of(all));
+    for (std::size_t count = 1 + chance_.Below(5); names.size() < count;) names.push_back(Any(all));
     designer_.AddTables(names);
     static const std::vector<std::string> captions = {"o", "Customers x", "order", "a.b", "Größe", "x]y", "FROM"};
     for (std::int32_t i = 1; i <= designer_.Entities().Count(); ++i) {
-      const std::string& caption = chance_.Of(captions);
+      const std::string caption = Any(captions);
       if (chance_.OneIn(3) && !designer_.Entities().Item(caption)) designer_.Entities().Item(i)->SetCaption(caption);
     }
   }
@@ -162,10 +150,10 @@ class Maker {
       row.output = rows.empty() || !chance_.OneIn(4);
       const bool star = item.Text() == "*";
       if (row.output && !star && chance_.OneIn(3)) {
-        row.alias = chance_.Of<std::string>({"Total", "two words", "Größe", "select", "a\"b", "x]", "5th", "it's"});
+        row.alias = Any({"Total", "two words", "Größe", "select", "a\"b", "x]", "5th", "it's"});
       }
       if (!star && chance_.OneIn(3)) {
-        row.sortType = chance_.Of<std::string>({"Ascending", "Descending"});
+        row.sortType = Any({"Ascending", "Descending"});
         row.sortOrder = std::to_string(++sorted);
       }
       if (!star && chance_.OneIn(2)) AddCriteria(row, item.Kind());
@@ -186,7 +174,7 @@ class Maker {
     if (kind != TypeKind::Number && kind != TypeKind::Text) return;
     for (std::size_t column = chance_.Below(4); column < 4; column += 1 + chance_.Below(4)) {
       row.criteria.resize(column + 1);
-      row.criteria[column] = chance_.Of(kind == TypeKind::Number ? numbers : texts);
+      row.criteria[column] = Any(kind == TypeKind::Number ? numbers : texts);
     }
   }
 
@@ -194,17 +182,16 @@ class Maker {
     if (row.column == "*") {
       row.output = true;
     } else if (!row.output && !row.criteria.empty() && row.sortType.empty()) {
-      row.groupBy = chance_.Of<std::string>({"Where", "Expression", "Max"});
+      row.groupBy = Any({"Where", "Expression", "Max"});
     } else {
-      row.groupBy = chance_.Of<std::string>({"Group By", "Sum", "Count Distinct", "Min"});
+      row.groupBy = Any({"Group By", "Sum", "Count Distinct", "Min"});
     }
     if (first) row.groupBy = "Group By";
   }
 
   qbGridPane::RowContent Expression() {
     qbGridPane::RowContent row;
-    row.column =
-        chance_.Of<std::string>({"1 + 1", "UPPER('a, b')", "CASE WHEN 1 = 2 THEN 'x' ELSE 'y' END", "'O''Brien'"});
+    row.column = Any({"1 + 1", "UPPER('a, b')", "CASE WHEN 1 = 2 THEN 'x' ELSE 'y' END", "'O''Brien'"});
     row.output = !chance_.OneIn(3);
     if (grouped_) row.groupBy = row.output ? "Expression" : "Where";
     if (!row.output) {
@@ -213,6 +200,8 @@ class Maker {
     }
     return row;
   }
+
+  std::string Any(const std::vector<std::string>& all) { return all[chance_.Below(all.size())]; }
 
   HeadlessDesigner& designer_;
   Chance& chance_;

@@ -167,42 +167,5 @@ TEST_F(GridPane, AListenerOfAfterChangeMayChangeCells) {
   EXPECT_TRUE(Sql().starts_with("SELECT Orders.Total AS a1FROM")) << Sql();
 }
 
-TEST_F(GridPane, ListenersMayTakeTheTableAway) {
-  Tick("Orders", "Total");
-  {
-    const auto link = grid->AfterChange.Connect([&](std::int32_t, std::int32_t) { diagram->Clear(); });
-    Set(1, "alias", "x");
-    EXPECT_EQ(Rows(), "");
-  }
-  for (const bool clear : {false, true}) {
-    diagram->Clear();
-    hub->AddTable("Orders");
-    Tick("Orders", "Total");
-    const auto link = diagram->EntityItemCheck.Connect([&](const Ref<qbEntity>& entity, const Ref<qbEntityItem>&) {
-      if (clear) diagram->Clear();
-      if (!clear) entity->SetCaption("renamed");
-    });
-    Tick("Orders", "OrderID");
-    EXPECT_EQ(Rows(), clear ? "" : "renamed.Total renamed.OrderID");
-  }
-  // Rows that go while others are being removed.
-  hub->AddTable("Customers");
-  for (int i = 0; i < 12; ++i) grid->SetFieldOutput("c" + std::to_string(i), true, "Customers");
-  grid->Grid()->GotoRowCol(12, 1);
-  const auto link = grid->RowColChange.Connect([&](std::int32_t, std::int32_t) { grid->ResetRows(); });
-  diagram->Entities()->Remove("Customers");
-  EXPECT_EQ(Rows(), "");
-  EXPECT_TRUE(LastRowIsEmpty());
-}
-
-TEST_F(GridPane, AListenerMayTakeATickBack) {
-  const auto link = diagram->EntityItemCheck.Connect([&](const Ref<qbEntity>&, const Ref<qbEntityItem>& item) {
-    if (item->Checked()) item->SetChecked(false);
-  });
-  Tick("Orders", "Total");
-  EXPECT_FALSE(Item("Orders", "Total")->Checked());
-  EXPECT_EQ(Rows(), "");
-}
-
 }  // namespace
 }  // namespace zrqrybld

@@ -27,7 +27,6 @@ class Grid : public testing::Test {
     const PixelRect cell = grid->GetRowColumnXY(row, column);
     return {cell.CenterX(), cell.CenterY()};
   }
-  PixelPoint OnRowHeader(std::int32_t row) const { return {3_px, OnCell(row, "a").y}; }
   void Press(PixelPoint at, std::int32_t shift = ShiftNone, std::int32_t button = ButtonLeft) {
     grid->OnMouseDown({button, shift, at});
     grid->OnMouseUp({button, shift, at});
@@ -42,22 +41,6 @@ class Grid : public testing::Test {
 
   Ref<zrGrid> grid = zrGrid::Create();
 };
-
-TEST_F(Grid, HidingRemembersTheWidth) {
-  const Ref<zrGridColumn> a = grid->Columns()->Item("a");
-  a->SetWidth(500);
-  for (int i = 0; i < 2; ++i) a->SetHidden(true);  // hiding what is hidden forgets nothing
-  EXPECT_EQ(a->Width(), 0);
-  a->SetHidden(false);
-  EXPECT_EQ(a->Width(), 500);
-  a->SetWidth(-3);
-  EXPECT_EQ(a->Width(), 0);
-  a->SetHidden(true);
-  a->SetHidden(false);
-  EXPECT_EQ(a->Width(), 0);  // it had none to remember
-  a->SetWidth(70);
-  EXPECT_EQ(a->Width(), 70);
-}
 
 TEST_F(Grid, RowsAreRenumberedWhenTheyComeMoveAndGo) {
   const Ref<zrGridRows>& rows = grid->Rows();
@@ -239,54 +222,6 @@ TEST_F(Grid, AClickTicksACheckBoxUnlessTheRowIsLocked) {
   const auto link = grid->RowColChange.Connect([&](std::int32_t, std::int32_t) { grid->Rows()->Clear(); });
   Press(OnCell(5, "c"));
   EXPECT_EQ(Current(), "0,0");
-}
-
-TEST_F(Grid, DeletesTheSelectedRowsUnlessAListenerKeepsThem) {
-  std::string heard;
-  bool keep = true;
-  const auto before = grid->BeforeDelete.Connect([&](std::int32_t first, std::int32_t last, bool& cancel) {
-    heard += "?" + std::to_string(first) + std::to_string(last);
-    cancel = keep;
-  });
-  const auto after = grid->AfterDelete.Connect(
-      [&](std::int32_t first, std::int32_t last) { heard += "!" + std::to_string(first) + std::to_string(last); });
-  EXPECT_FALSE(Key(KeyCodeDelete));
-  Press(OnRowHeader(4));
-  Press(OnRowHeader(2), ShiftShift);
-  EXPECT_TRUE(Key(KeyCodeDelete));
-  EXPECT_EQ(std::exchange(heard, ""), "?24");
-  keep = false;
-  grid->SetAllowRowInsert(false);
-  EXPECT_FALSE(Key(KeyCodeDelete));
-  grid->SetAllowRowInsert(true);
-  EXPECT_TRUE(Key(KeyCodeDelete));
-  EXPECT_EQ(std::exchange(heard, ""), "?24!24");
-  EXPECT_EQ(Column("a"), "15");
-  EXPECT_FALSE(Key(KeyCodeDelete));  // nothing is selected any more
-  Press(OnRowHeader(1));
-  Press(OnRowHeader(2), ShiftShift);
-  Key(KeyCodeDelete);
-  EXPECT_EQ(grid->Rows()->Count(), 1);  // one empty row stays
-  EXPECT_EQ(Column("a"), "");
-}
-
-TEST_F(Grid, AColumnIsSizedByItsEdge) {
-  const PixelPoint edge{grid->GetRowColumnXY(1, "a").Right() - 2_px, 5_px};
-  const auto drag = [&](PixelPoint to) {
-    grid->OnMouseDown({ButtonLeft, ShiftNone, edge});
-    grid->OnMouseMove({ButtonLeft, ShiftNone, to});
-    grid->OnMouseUp({ButtonLeft, ShiftNone, to});
-  };
-  const auto width = [&] { return grid->Columns()->Item("a")->Width(); };
-  drag(edge + PixelPoint{40_px, 200_px});
-  EXPECT_EQ(width(), 900 + 40 * 15);
-  grid->Columns()->Item("a")->SetWidth(900);
-  drag(PixelPoint{-500_px, 5_px});
-  EXPECT_GT(width(), 0);  // a column cannot be dragged away
-  grid->SetAllowColumnResize(false);
-  grid->Columns()->Item("a")->SetWidth(900);
-  drag(edge + PixelPoint{40_px, 0_px});
-  EXPECT_EQ(width(), 900);
 }
 
 }  // namespace

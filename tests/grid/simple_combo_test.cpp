@@ -3,18 +3,13 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <map>
-
-#include "base/text.h"
 #include "platform/headless.h"
-#include "tests/data_table.h"
-#include "tests/error_of.h"
+#include "tests/player.h"
 
 namespace zrqrybld {
 namespace {
 
-class Combo {
+class Combo : public test::Player {
  public:
   Combo() {
     combo_->SetBounds({0_px, 0_px, 100_px, 20_px});
@@ -35,21 +30,15 @@ class Combo {
       if (key == '0') key = 0;
     }));
     links_.push_back(combo_->KeyPress.Connect([this](std::int32_t key) { Note("p" + std::to_string(key)); }));
-  }
-
-  void Run(const test::Row& row) {
-    log_.clear();
-    error_ = test::ErrorOf([&] { Act(Split(row[0], " ")); });
-    bool expectsError = false;
-    for (std::size_t i = 1; i < row.cells.size(); ++i) {
-      const std::size_t equals = row[i].find('=');
-      expectsError |= row[i].starts_with("error");
-      EXPECT_EQ(Ask(row[i].substr(0, equals)), row[i].substr(equals + 1)) << row[i];
-    }
-    EXPECT_TRUE(expectsError || error_ == 0) << error_;
+    KnowActions();
+    KnowAnswers();
   }
 
  private:
+  void Around(const std::function<void()>& act) override {
+    log_.clear();
+    act();
+  }
   void Note(const std::string& entry) { log_ += (log_.empty() ? "" : " ") + entry; }
   HeadlessSurface& Surface() { return static_cast<HeadlessSurface&>(combo_->GetSurface()); }
   void Mouse(Pixels x) { combo_->OnMouseDown({ButtonLeft, ShiftNone, {x, 10_px}}); }
@@ -64,72 +53,58 @@ class Combo {
     kept_ = combo_->OnKeyDown({key == keys.end() ? name[0] : key->second, ShiftNone, text});
   }
 
-  void Act(const std::vector<std::string_view>& words) {
-    const std::string word(words.size() > 1 ? words[1] : "");
-    const std::map<std::string_view, std::function<void()>> actions = {
-        {"items",
-         [&] {
-           for (std::size_t i = 1; i < words.size(); ++i) combo_->AddItem(std::string(words[i]));
-         }},
-        {"button", [&] { Mouse(95_px); }},
-        {"click", [&] { Mouse(20_px); }},
-        {"release",
-         [&] {
-           combo_->OnMouseUp({ButtonLeft, ShiftNone, {95_px, 10_px}});
-         }},
-        {"index", [&] { combo_->SetListIndex(std::stoi(word)); }},
-        {"text", [&] { combo_->SetText(word); }},
-        {"type", [&] { combo_->TypeOver(word); }},
-        {"typed",
-         [&] {
-           combo_->Show();
-           Surface().FocusedEditor()->Type(word);
-         }},
-        {"key", [&] { Press(word); }},
-        {"refuse", [&] { refuse_ = true; }},
-        {"allow", [&] { refuse_ = false; }},
-        {"hide", [&] { combo_->SetHideEdit(word == "yes"); }},
-        {"longest", [&] { combo_->SetMaxLength(std::stoi(word)); }},
-        {"clear", [&] { combo_->Clear(); }},
+  void KnowActions() {
+    actions["items"] = [this](const Words& w) {
+      for (std::size_t i = 1; i < w.size(); ++i) combo_->AddItem(w[i]);
     };
-    actions.at(words[0])();
+    actions["button"] = [this](auto&) { Mouse(95_px); };
+    actions["click"] = [this](auto&) { Mouse(20_px); };
+    actions["release"] = [this](auto&) { combo_->OnMouseUp({ButtonLeft, ShiftNone, {95_px, 10_px}}); };
+    actions["index"] = [this](const Words& w) { combo_->SetListIndex(std::stoi(w[1])); };
+    actions["text"] = [this](const Words& w) { combo_->SetText(w.size() > 1 ? w[1] : ""); };
+    actions["type"] = [this](const Words& w) { combo_->TypeOver(w[1]); };
+    actions["typed"] = [this](const Words& w) {
+      combo_->Show();
+      Surface().FocusedEditor()->Type(w.size() > 1 ? w[1] : "");
+    };
+    actions["key"] = [this](const Words& w) { Press(w[1]); };
+    actions["refuse"] = [this](auto&) { refuse_ = true; };
+    actions["allow"] = [this](auto&) { refuse_ = false; };
+    actions["hide"] = [this](const Words& w) { combo_->SetHideEdit(w[1] == "yes"); };
+    actions["longest"] = [this](const Words& w) { combo_->SetMaxLength(std::stoi(w[1])); };
+    actions["clear"] = [this](auto&) { combo_->Clear(); };
   }
 
-  std::string Ask(const std::string& name) {
-    const std::shared_ptr<HeadlessPopupList> list = combo_->IsListOpen() ? Surface().LastPopupList() : nullptr;
-    if (name == "log") return log_;
-    if (name == "error") return std::to_string(error_);
-    if (name == "text") return combo_->Text();
-    if (name == "index") return std::to_string(combo_->ListIndex());
-    if (name == "kept") return kept_ ? "yes" : "no";
-    if (name == "highlighted") return list->Texts().at(static_cast<std::size_t>(list->Highlighted()));
-    if (name == "pressed") {
+  void KnowAnswers() {
+    answers["log"] = [this](auto&) { return log_; };
+    answers["text"] = [this](auto&) { return combo_->Text(); };
+    answers["index"] = [this](auto&) { return std::to_string(combo_->ListIndex()); };
+    answers["kept"] = [this](auto&) { return std::string(kept_ ? "yes" : "no"); };
+    answers["highlighted"] = [this](auto&) {
+      const HeadlessPopupList& list = *Surface().LastPopupList();
+      return list.Texts().at(static_cast<std::size_t>(list.Highlighted()));
+    };
+    answers["pressed"] = [this](auto&) {
       RecordingCanvas canvas;
       combo_->Paint(canvas, combo_->Bounds());
-      return canvas.Text().find(" pressed") == std::string::npos ? "no" : "yes";
-    }
-    std::string texts;
-    if (list) {
-      for (const std::string& text : list->Texts()) texts += (texts.empty() ? "" : " ") + text;
-    }
-    return name == "list" ? texts : "no such question: " + name;
+      return std::string(canvas.Text().find(" pressed") == std::string::npos ? "no" : "yes");
+    };
+    answers["list"] = [this](auto&) {
+      std::string texts;
+      if (!combo_->IsListOpen()) return texts;
+      for (const std::string& text : Surface().LastPopupList()->Texts()) texts += (texts.empty() ? "" : " ") + text;
+      return texts;
+    };
   }
 
   Ref<zrSimpleCombo> combo_ = zrSimpleCombo::Create();
   std::vector<EventConnection> links_;
   std::string log_;
-  int error_ = 0;
   bool refuse_ = false;
   bool kept_ = false;
 };
 
-TEST(SimpleCombo, DoesWhatItsTableSays) {
-  Combo combo;
-  for (const test::Row& row : test::ReadRows("combo.txt")) {
-    SCOPED_TRACE(row.place + " " + row[0]);
-    combo.Run(row);
-  }
-}
+TEST(SimpleCombo, DoesWhatItsTableSays) { test::PlayFile<Combo>("combo.txt"); }
 
 }  // namespace
 }  // namespace zrqrybld

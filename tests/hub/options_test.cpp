@@ -88,19 +88,6 @@ TEST_F(HubOptions, StoredValuesOfTheWrongKindCountAsMissing) {
   }
 }
 
-TEST_F(HubOptions, TheRowLimitIsANumberOrAPercentageUpToAHundred) {
-  for (const auto& [text, stored] : std::vector<std::pair<const char*, const char*>>{
-           {"10", "10"}, {" 7 ", "7"}, {"50 %", "50%"}, {"100%", "100%"}, {"0.5%", "0.5%"}, {"", ""}, {"  ", ""}}) {
-    hub->SetSelectTopRecords(text);
-    EXPECT_EQ(hub->SelectTopRecords(), stored) << text;
-  }
-  hub->SetSelectTopRecords("10");
-  for (const char* bad : {"150%", "100.5%", "50x", "50% ", "x", "ten"}) {
-    EXPECT_EQ(test::ErrorOf([&] { hub->SetSelectTopRecords(bad); }), ErrorInvalidPropertyValue) << bad;
-    EXPECT_EQ(hub->SelectTopRecords(), "10");
-  }
-}
-
 // --- Join properties ---
 
 TEST_F(HubOptions, JoinPropertiesShowTheJoinAndTakeTheChoice) {
@@ -210,28 +197,6 @@ TEST_F(HubOptions, ConnectingWithoutATextAsksForOne) {
   EXPECT_FALSE(hub->LastError());
 }
 
-TEST_F(HubOptions, AnswersQuestionsAboutTheSource) {
-  const auto ask = [&](const char* question) {
-    std::vector<qbQueryBuilder::DataSourceQuestion> questions{{question, {}}};
-    hub->QueryDataSource(questions);
-    return questions[0].answer;
-  };
-  for (const auto& [question, answer] : std::vector<std::pair<const char*, Variant>>{{"IS_RESERVEDWORD:SELECT", true},
-                                                                                     {"IS_RESERVEDWORD:select", true},
-                                                                                     {"is_reservedword:Order", true},
-                                                                                     {"IS_RESERVEDWORD:Orders", false},
-                                                                                     {"IS_RESERVEDWORD:", false},
-                                                                                     {"QUOTE_PREFIX", "\""},
-                                                                                     {"QUOTE_SUFFIX", "\""},
-                                                                                     {"", Variant()},
-                                                                                     {"ANYTHING", Variant()}}) {
-    EXPECT_EQ(ask(question), answer) << question;
-  }
-  hub->Properties()->Add("[", "QUOTE_PREFIX");
-  EXPECT_EQ(ask("QUOTE_PREFIX"), Variant("["));
-  EXPECT_EQ(ask("QUOTE_SUFFIX"), Variant("]"));  // the partner of the prefix
-}
-
 // --- Progress ---
 
 TEST_F(HubOptions, OnlyTheOutermostOperationEndsAndItEndsOnErrorsToo) {
@@ -267,36 +232,6 @@ TEST_F(HubOptions, OnlyTheOutermostOperationEndsAndItEndsOnErrorsToo) {
     EXPECT_EQ(hub->state(), InfoLoadingQuery);
   });
   EXPECT_EQ(std::exchange(heard, ""), "0(6)@0 ");
-}
-
-// --- Renaming ---
-
-TEST_F(HubOptions, RenamingATableReachesExpressionsAndCriteria) {
-  hub->Properties()->Add(".", "SCHEMA_SEPARATOR");
-  const Ref<qbEntity> a = Add("dbo.Orders", {"x"});
-  Add("b", {"x"});
-  a->Items()->Item(2)->SetChecked(true);
-  grid->SetValue(1, "criteria", "> dbo.Orders.x + b.x");
-  grid->SetValue(1, "or1", "'dbo.Orders.x'");
-  grid->SetValue(2, "column", "dbo.Orders.x * 2");
-  int written = 0;
-  const auto link = sql->SQLChanged.Connect([&] { ++written; });
-  const auto cells = [&] {
-    std::string text = grid->Value(1, "table").Text();
-    for (const auto& [row, column] : {std::pair{1, "criteria"}, {1, "or1"}, {2, "column"}}) {
-      text += "|" + grid->Value(row, column).Text();
-    }
-    return text;
-  };
-  a->SetCaption("my orders");
-  EXPECT_EQ(cells(), "my orders|> [my orders].x + b.x|'dbo.Orders.x'|[my orders].x * 2");
-  EXPECT_EQ(written, 1);
-  EXPECT_TRUE(a->Items()->Item(2)->Checked());
-  EXPECT_EQ(test::ErrorOf([&] { a->SetCaption("b"); }), ErrorDuplicateKey);
-  EXPECT_EQ(cells(), "my orders|> [my orders].x + b.x|'dbo.Orders.x'|[my orders].x * 2");
-  // Under its own name the statement writes schema and table again, and so do the cells.
-  a->SetCaption("dbo.Orders");
-  EXPECT_EQ(cells(), "dbo.Orders|> dbo.Orders.x + b.x|'dbo.Orders.x'|dbo.Orders.x * 2");
 }
 
 }  // namespace

@@ -41,14 +41,6 @@ class QueryFiles : public testing::Test {
   std::filesystem::path folder_;
 };
 
-std::string Tables(const Designer& designer) {
-  std::string text;
-  for (std::int32_t i = 1; i <= designer.diagram->Entities()->Count(); ++i) {
-    text += (i > 1 ? " " : "") + designer.diagram->Entities()->Item(i)->Caption();
-  }
-  return text;
-}
-
 TEST(QueryFile, HostileAndOddTextsAreReadOrRefusedWithTheirLine) {
   for (const test::Record& record : test::ReadRecords("query_files.txt")) {
     SCOPED_TRACE(record.place + ": " + record["what"]);
@@ -70,7 +62,7 @@ TEST(QueryFile, HostileAndOddTextsAreReadOrRefusedWithTheirLine) {
       error = error.substr(0, error.find(']')) + "]" + error.substr(error.rfind(" (line"));
     }
     EXPECT_EQ(error, expected);
-    EXPECT_EQ(std::string(Trim(Tables(designer) + " / " + designer.Rows() + " / " + designer.Joins())),
+    EXPECT_EQ(std::string(Trim(designer.Captions() + " / " + designer.Rows() + " / " + designer.Joins())),
               std::string(Trim(ReplaceAll(record["holds"], "/ /", "/  /"))));
     EXPECT_EQ(designer.hub->state(), InfoDone);
     EXPECT_TRUE(designer.LastRowIsEmpty());
@@ -168,7 +160,7 @@ TEST(QueryFile, CaptionsThatDifferInTheirLineBreaksStayApart) {
   Designer loaded;
   loaded.Use();
   loaded.hub->LoadQuery(Saved(designer), true);
-  EXPECT_EQ(Tables(loaded), "a b a b 2 a b 3");
+  EXPECT_EQ(loaded.Captions(), "a b a b 2 a b 3");
   EXPECT_EQ(loaded.Cell(1, "table"), "a b 2");
   EXPECT_EQ(loaded.diagram->Entities()->Item(2)->Relationships()->Item(1)->Target()->Caption(), "a b 3");
 }
@@ -183,7 +175,7 @@ TEST(QueryFile, TheFileOfTheFirstReleaseIsLoadedForEver) {
   std::string statement, connection;
   ASSERT_TRUE(designer.hub->LoadQuery(path, false, false, &statement, &connection));
   EXPECT_EQ(connection, "Fake=1");
-  EXPECT_EQ(Tables(designer), "Customers O");
+  EXPECT_EQ(designer.Captions(), "Customers O");
   EXPECT_EQ(designer.Rows(), "Customers.Name O.Total:1");
   EXPECT_EQ(designer.Joins(), "O.CustomerID>Customers.CustomerID");
   EXPECT_EQ(designer.diagram->Entities()->Item("O")->Relationships()->Item(1)->Kind(), JoinAllOfSource);

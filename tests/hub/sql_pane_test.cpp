@@ -35,19 +35,6 @@ TEST_F(SqlPane, CriteriaAreWrittenByTheColumnsTypeAndTheOptions) {
   EXPECT_EQ(Sql().find("x = 1"), std::string::npos);
 }
 
-TEST_F(SqlPane, RemarksFollowTheStatement) {
-  Tick("Orders", "Total");
-  EXPECT_TRUE(area.Remarks().empty());
-  hub->AddTable("Customers");
-  ASSERT_EQ(sql->Diagnostics().size(), 1u);
-  EXPECT_EQ(sql->Diagnostics()[0].kind, DiagnosticTableNotJoined);
-  EXPECT_EQ(area.Remarks(), std::vector<std::string>{sql->Diagnostics()[0].text});
-  EXPECT_TRUE(sql->Cartesian());
-  EXPECT_EQ(sql->Joins()->Count(), 2);
-  hub->RefreshAutoJoins();
-  EXPECT_TRUE(area.Remarks().empty());
-}
-
 TEST_F(SqlPane, KeysComeToTheApplicationBeforeTheText) {
   std::string heard;
   const auto down = sql->KeyDown.Connect([&](std::int32_t& key, std::int32_t shift) {

@@ -12,6 +12,7 @@
 #include "base/error.h"
 #include "platform/schema_fields.h"
 #include "tests/providers/sources.h"
+#include "tests/schema_text.h"
 
 namespace zrqrybld {
 namespace {

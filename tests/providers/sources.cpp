@@ -113,15 +113,12 @@ Source Make(const std::string& name) {
   if (name == "SqliteOdbc") {
     const std::string string = "Driver={SQLite3};Database=" + SqliteFile();
     const auto run = [string](const std::string& sql) { return OdbcExecutor(string).Query(sql); };
-    return {name, string,      {KeyNumberedByColumns, NamesInFirstPlane, ImpliedPairsLeftOut, GeneratedColumnsMissing},
-            {},   QuerySqlite, run};
+    return {name, string, {}, {}, QuerySqlite, run};
   }
   if (name == "PostgreSql") {
-    return MakeServer(name, "ZRQRYBLD_TEST_POSTGRESQL", kPostgreSqlWords, "",
-                      {SchemaIsPublic, CatalogIsDatabase, CaseMatters});
+    return MakeServer(name, "ZRQRYBLD_TEST_POSTGRESQL", kPostgreSqlWords, "", {SchemaIsPublic, CatalogIsDatabase});
   }
-  return MakeServer(name, "ZRQRYBLD_TEST_MARIADB", kMariaDbWords, "SET sql_mode = 'ANSI_QUOTES'",
-                    {SchemaIsDatabase, KeyNumberedByColumns, NamesInFirstPlane, ReferencesNameColumns});
+  return MakeServer(name, "ZRQRYBLD_TEST_MARIADB", kMariaDbWords, "SET sql_mode = 'ANSI_QUOTES'", {SchemaIsDatabase});
 }
 
 }  // namespace
@@ -151,18 +148,6 @@ const Source& GetSource(const std::string& name) {
 void RegisterProviders(ProviderList& providers) {
   providers.Register(std::make_shared<SqliteProvider>());
   providers.Register(std::make_shared<OdbcProvider>());
-}
-
-std::string Dump(RowSet& rows, const std::vector<std::string_view>& fields) {
-  std::string text;
-  for (; !rows.Eof(); rows.MoveNext()) {
-    for (std::size_t i = 0; i < fields.size(); ++i) {
-      const Variant value = rows.Value(fields[i]);
-      text += (i > 0 ? "|" : "") + (value.IsNull() ? "NULL" : value.Text());
-    }
-    text += '\n';
-  }
-  return text;
 }
 
 }  // namespace zrqrybld::test

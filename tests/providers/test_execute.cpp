@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -13,21 +12,13 @@
 #include "platform/headless.h"
 #include "tests/data_table.h"
 #include "tests/providers/provider_test.h"
+#include "tests/schema_text.h"
 
 namespace zrqrybld {
 namespace {
 
 using test::Difference;
-
-std::string Sorted(const std::string& text) {
-  std::vector<std::string> lines;
-  std::istringstream stream(text);
-  for (std::string line; std::getline(stream, line);) lines.push_back(line);
-  std::ranges::sort(lines);
-  std::string sorted;
-  for (const std::string& line : lines) sorted += line + "\n";
-  return sorted;
-}
+using test::Sorted;
 
 class ProviderStatement : public test::ProviderTest {
  protected:

@@ -20,6 +20,7 @@
 #include "hub/query_builder.h"
 #include "platform/headless.h"
 #include "tests/providers/provider_test.h"
+#include "tests/schema_text.h"
 #include "tests/sqlite/database_file.h"
 
 namespace zrqrybld {

@@ -415,31 +415,6 @@ class Handles(unittest.TestCase):
                     except Error as error:
                         self.assertEqual(error.number, 91, error)
 
-    def test_a_made_up_handle_is_an_error(self):
-        lib, value, text = zrqrybld._lib, _library.Value(), _library.Value()
-        text.type, text.text.length = _library.STRING, 10**9
-        live = create("qbProperties")
-        released = ctypes.c_uint64()
-        lib.zrq_create(b"qbProperties", ctypes.byref(released))
-        lib.zrq_release(released)
-        for handle in (0, 1 << 40, 2**64 - 1, released.value):
-            for status in (lib.zrq_retain(handle), lib.zrq_release(handle), lib.zrq_get(handle, b"Count", None, 0, value),
-                           lib.zrq_let(handle, b"Count", None, 0, value), lib.zrq_call(handle, b"Clear", None, 0, value, None)):
-                self.assertEqual(status, 5)
-        name, handler = live._handle, zrqrybld._c_handle
-        bad_array = _library.Value()
-        bad_array.type, bad_array.array.count = _library.ARRAY, 3
-        unknown = _library.Value()
-        unknown.type = 77
-        for status in (lib.zrq_get(name, None, None, 0, value), lib.zrq_get(name, b"Item", None, 1, value),
-                       lib.zrq_get(name, b"Item", text, 1, value), lib.zrq_get(name, b"Item", bad_array, 1, value),
-                       lib.zrq_get(name, b"Item", unknown, 1, value), lib.zrq_create(b"qbProperties", None),
-                       lib.zrq_let(name, b"Count", None, 0, None), lib.zrq_write(0, value),
-                       lib.zrq_subscribe(name, b"x", handler, zrqrybld._c_ended, None, None)):
-            self.assertEqual(status, 5)
-        self.assertEqual(lib.zrq_unsubscribe(12345), 0)
-        self.assertEqual(lib.zrq_get(name, b"Count", None, 0, None), 0)  # a result that nobody wants
-
     def test_a_million_pairs_do_not_grow(self):
         lib, handle = zrqrybld._lib, ctypes.c_uint64()
 

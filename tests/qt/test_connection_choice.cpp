@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <map>
+
 #include "adapters/qt/connection_choice.h"
 #include "platform/connection_string.h"
+#include "tests/data_table.h"
 
 namespace zrqrybld {
 namespace {
@@ -10,29 +13,10 @@ using Way = ConnectionWay;
 using Parts = std::vector<std::pair<std::string, std::string>>;
 
 TEST(ConnectionChoice, MakesTheConnectionStringOfItsWay) {
-  struct Case {
-    ConnectionChoice choice;
-    std::string expected;
-  };
-  const Case cases[] = {
-      {{.way = Way::SqliteFile}, ""},
-      {{.way = Way::SqliteFile, .file = "  "}, ""},
-      {{.way = Way::SqliteFile, .file = "/data/a b.db"}, "Provider=SQLite;Data Source=/data/a b.db"},
-      {{.way = Way::SqliteFile, .file = " lead.db"}, "Provider=SQLite;Data Source=\" lead.db\""},
-      {{.way = Way::DataSource, .user = "ann", .password = "p"}, ""},
-      {{.way = Way::DataSource, .dataSource = "Sales"}, "DSN=Sales"},
-      {{.way = Way::DataSource, .dataSource = "Sales", .user = "ann"}, "DSN=Sales;UID=ann"},
-      {{.way = Way::DataSource, .dataSource = "Sales", .password = "p w"}, "DSN=Sales;PWD=p w"},
-      {{.way = Way::DataSource, .dataSource = "S", .user = "u", .password = "p;\""}, "DSN=S;UID=u;PWD=\"p;\"\"\""},
-      {{.way = Way::Text, .text = " \n"}, ""},
-      {{.way = Way::Text, .text = " DSN=a;PWD={b;c} \n"}, "DSN=a;PWD={b;c}"},
-      // What was given for another way stays out.
-      {{.way = Way::SqliteFile, .file = "x.db", .dataSource = "S", .password = "p", .text = "DSN=t"},
-       "Provider=SQLite;Data Source=x.db"},
-      {{.way = Way::DataSource, .file = "x.db", .text = "DSN=t"}, ""},
-      {{.way = Way::Text, .dataSource = "S", .password = "p", .text = "DSN=t"}, "DSN=t"},
-  };
-  for (const Case& test : cases) EXPECT_EQ(BuildConnectionString(test.choice), test.expected);
+  const std::map<std::string, Way> ways = {{"file", Way::SqliteFile}, {"source", Way::DataSource}, {"text", Way::Text}};
+  for (const test::Row& row : test::ReadRows("connection_choices.txt")) {
+    EXPECT_EQ(BuildConnectionString({ways.at(row[0]), row[1], row[2], row[3], row[4], row[5]}), row[6]) << row.place;
+  }
 }
 
 TEST(ConnectionChoice, NoValueBecomesAPartOfItsOwn) {

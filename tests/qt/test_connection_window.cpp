@@ -1,25 +1,19 @@
 #include <gtest/gtest.h>
 
-#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
 #include <QLabel>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QSettings>
 #include <QTabWidget>
 #include <QTemporaryDir>
-#include <QTest>
-#include <stdexcept>
 
-#include "adapters/qt/connection_window.h"
 #include "adapters/qt/name_list.h"
-#include "adapters/qt/qt_text.h"
 #include "adapters/qt/qt_toolkit.h"
 #include "adapters/qt/theme.h"
+#include "tests/qt/dialogs.h"
 #include "tests/qt/modal.h"
 #include "tests/qt/pictures.h"
 
@@ -33,10 +27,7 @@ void Log(QtMsgType, const QMessageLogContext&, const QString& message) { g_log +
 class ConnectionWindowTest : public testing::Test {
  protected:
   void SetUp() override {
-    QSettings::setDefaultFormat(QSettings::IniFormat);
-    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, folder.path());
-    QCoreApplication::setOrganizationName(QStringLiteral("zrQryBld"));
-    QCoreApplication::setApplicationName(QStringLiteral("test_qt"));
+    UseSettingsIn(folder.path());
     QSettings().clear();
     g_log.clear();
     messagesBefore = qInstallMessageHandler(Log);
@@ -46,7 +37,6 @@ class ConnectionWindowTest : public testing::Test {
   ConnectionDialog Dialog() {
     return {.dataSources = {"Archive", "Sales", "Sales (old)", "Größen"}, .test = [this](const std::string& given) {
               tested.push_back(given);
-              wasBusy = QGuiApplication::overrideCursor() != nullptr;
               return answer;
             }};
   }
@@ -92,11 +82,6 @@ class ConnectionWindowTest : public testing::Test {
     QFile stored(settings.fileName());
     return stored.open(QIODevice::ReadOnly) ? QString::fromUtf8(stored.readAll()) : QString();
   }
-  QStringList RecentShown() {
-    QStringList shown;
-    for (int i = 0; i < recent->count(); ++i) shown += recent->item(i)->text();
-    return shown;
-  }
   void ConnectTo(const QString& path) {
     Open();
     tabs->setCurrentIndex(0);
@@ -108,7 +93,6 @@ class ConnectionWindowTest : public testing::Test {
   QtMessageHandler messagesBefore = nullptr;
   std::vector<std::string> tested;
   std::string answer;
-  bool wasBusy = false;
   std::unique_ptr<ConnectionWindow> window;
   QTabWidget* tabs = nullptr;
   QLineEdit* file = nullptr;
@@ -123,84 +107,20 @@ class ConnectionWindowTest : public testing::Test {
 
 // --- Giving a connection ---
 
-TEST_F(ConnectionWindowTest, NothingCanBeTriedOrConnectedWhileNothingIsGiven) {
-  Open();
-  const auto enabled = [&] { return Button("&Connect")->isEnabled() && Button("&Test")->isEnabled(); };
-  const auto disabled = [&] { return !Button("&Connect")->isEnabled() && !Button("&Test")->isEnabled(); };
-  EXPECT_TRUE(disabled());
-  QTest::keyClicks(file, QStringLiteral("a.db"));
-  EXPECT_TRUE(enabled());
-  tabs->setCurrentIndex(1);
-  EXPECT_TRUE(disabled());
-  QTest::keyClicks(password, QStringLiteral("secret"));
-  EXPECT_TRUE(disabled()) << "a password alone is no data source";
-  QTest::keyClicks(filter, QStringLiteral("old"));
-  EXPECT_TRUE(enabled()) << "the first match is chosen";
-  QTest::keyClicks(filter, QStringLiteral("zzz"));
-  EXPECT_TRUE(disabled());
-  tabs->setCurrentIndex(2);
-  EXPECT_TRUE(disabled());
-  QTest::keyClicks(text, QStringLiteral("DSN=x"));
-  EXPECT_TRUE(enabled());
-}
-
-TEST_F(ConnectionWindowTest, EveryWayIsGivenByTheKeyboardAlone) {
-  struct Case {
-    const char* name;
-    std::function<void()> keys;
-    std::string expected;
-  };
-  const auto focused = [] { return QApplication::focusWidget(); };
-  const Case cases[] = {
-      {"file",
-       [&] {
-         QTest::keyClicks(focused(), QStringLiteral("/tmp/it's.db"));
-         QTest::keyClick(focused(), Qt::Key_Return);
-       },
-       "Provider=SQLite;Data Source=\"/tmp/it's.db\""},
-      {"data source",
-       [&] {
-         QTest::keyClick(focused(), Qt::Key_D, Qt::AltModifier);
-         QTest::keyClicks(focused(), QStringLiteral("sales"));
-         QTest::keyClick(focused(), Qt::Key_Down);
-         QTest::keyClick(focused(), Qt::Key_Tab);
-         QTest::keyClicks(focused(), QStringLiteral("ann"));
-         QTest::keyClick(focused(), Qt::Key_Tab);
-         QTest::keyClicks(focused(), QStringLiteral("x;DSN=y"));
-         QTest::keyClick(focused(), Qt::Key_Return);
-       },
-       "DSN=Sales (old);UID=ann;PWD=\"x;DSN=y\""},
-      {"text",
-       [&] {
-         QTest::keyClick(focused(), Qt::Key_G, Qt::AltModifier);
-         QTest::keyClicks(focused(), QStringLiteral("Server=a;"));
-         QTest::keyClick(focused(), Qt::Key_Return);
-         QTest::keyClicks(focused(), QStringLiteral("Database=b"));
-         QTest::keyClick(focused(), Qt::Key_Return, Qt::ControlModifier);
-       },
-       "Server=a;\nDatabase=b"},
-  };
-  for (const Case& test : cases) {
-    SCOPED_TRACE(test.name);
-    QSettings().clear();
+TEST_F(ConnectionWindowTest, OnlyWhatIsAcceptedIsGiven) {
+  for (const auto& [key, modifiers, given] :
+       {std::tuple{Qt::Key_Return, Qt::NoModifier, "Provider=SQLite;Data Source=a.db"},
+        std::tuple{Qt::Key_Escape, Qt::NoModifier, ""}, std::tuple{Qt::Key_A, Qt::AltModifier, ""}}) {
     QtToolkit toolkit;
-    WhenOpen<ConnectionWindow>([&](ConnectionWindow&) { test.keys(); });
-    EXPECT_EQ(toolkit.GetDialogs().ShowConnectionPrompt(Dialog()), test.expected);
-    EXPECT_EQ(tested.back(), test.expected);
-  }
-}
-
-TEST_F(ConnectionWindowTest, CancelGivesNothingWhateverWasTyped) {
-  for (const Qt::KeyboardModifiers modifiers : {Qt::NoModifier, Qt::AltModifier}) {
-    QtToolkit toolkit;
-    WhenOpen<ConnectionWindow>([&](ConnectionWindow& shown) {
+    tested.clear();
+    WhenOpen<ConnectionWindow>([&, k = key, m = modifiers](ConnectionWindow& shown) {
       QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("a.db"));
       EXPECT_EQ(shown.Text(), "Provider=SQLite;Data Source=a.db");
-      QTest::keyClick(&shown, modifiers == Qt::NoModifier ? Qt::Key_Escape : Qt::Key_A, modifiers);
+      QTest::keyClick(&shown, k, m);
     });
-    EXPECT_EQ(toolkit.GetDialogs().ShowConnectionPrompt(Dialog()), "");
+    EXPECT_EQ(toolkit.GetDialogs().ShowConnectionPrompt(Dialog()), given);
+    EXPECT_EQ(tested.empty(), *given == '\0');
   }
-  EXPECT_TRUE(tested.empty());
 }
 
 // A key that two visible things share reaches neither at once.
@@ -229,20 +149,6 @@ TEST_F(ConnectionWindowTest, AccessKeysAreUniqueOnEveryTab) {
   }
 }
 
-TEST_F(ConnectionWindowTest, TheFilterKeepsTheChosenSourceWhileItMatches) {
-  Open();
-  tabs->setCurrentIndex(1);
-  QTest::keyClicks(filter, QStringLiteral("sales"));
-  QTest::keyClick(filter, Qt::Key_Down);
-  EXPECT_EQ(window->Text(), "DSN=Sales (old)");
-  QTest::keyClick(filter, Qt::Key_Backspace);
-  EXPECT_EQ(window->Text(), "DSN=Sales (old)");
-  filter->clear();
-  EXPECT_EQ(window->Text(), "DSN=Sales (old)");
-  filter->setText(QStringLiteral("grö"));
-  EXPECT_EQ(window->Text(), "DSN=Größen");
-}
-
 TEST_F(ConnectionWindowTest, BrowsingPutsTheChosenFileIntoTheField) {
   const QString made = MakeFile(QStringLiteral("picked.db"));
   Open();
@@ -253,55 +159,6 @@ TEST_F(ConnectionWindowTest, BrowsingPutsTheChosenFileIntoTheField) {
   });
   Button("&Browse...")->click();
   EXPECT_EQ(file->text(), made);
-}
-
-// --- Testing ---
-
-TEST_F(ConnectionWindowTest, ATestShowsItsOutcomeInTheWindow) {
-  Open();
-  QTest::keyClicks(file, QStringLiteral("a.db"));
-  answer = "The database file \"a.db\" cannot be opened: there is no such file.";
-  QTest::keyClick(window.get(), Qt::Key_T, Qt::AltModifier);
-  ASSERT_TRUE(QTest::qWaitFor([&] { return !tested.empty(); }));
-  EXPECT_EQ(tested, (std::vector<std::string>{"Provider=SQLite;Data Source=a.db"}));
-  EXPECT_TRUE(wasBusy);
-  EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
-  EXPECT_EQ(ToUtf8(status->toPlainText()), answer) << "the driver's own words";
-  EXPECT_EQ(window->findChild<Mark*>()->Shown(), Mark::Kind::Error);
-  QTest::keyClicks(file, QStringLiteral("x"));
-  EXPECT_EQ(status->toPlainText(), QString()) << "that was another file";
-  answer.clear();
-  Button("&Test")->click();
-  EXPECT_EQ(status->toPlainText(), QStringLiteral("The connection works."));
-  EXPECT_EQ(window->findChild<Mark*>()->Shown(), Mark::Kind::Success);
-  EXPECT_TRUE(window->isVisible());
-}
-
-TEST_F(ConnectionWindowTest, AFailingConnectionKeepsWhatWasTyped) {
-  Open();
-  tabs->setCurrentIndex(2);
-  text->setPlainText(QStringLiteral("DSN=nowhere"));
-  answer = "Data source name not found";
-  Button("&Connect")->click();
-  EXPECT_TRUE(window->isVisible());
-  EXPECT_EQ(ToUtf8(status->toPlainText()), answer);
-  EXPECT_EQ(window->Text(), "DSN=nowhere");
-  answer.clear();
-  Button("&Test")->click();
-  Button("&Connect")->click();
-  EXPECT_FALSE(window->isVisible());
-  EXPECT_EQ(tested.size(), 2u) << "a test that has just worked is not run again";
-}
-
-TEST_F(ConnectionWindowTest, ATestThatThrowsIsAFailure) {
-  ConnectionDialog dialog = Dialog();
-  dialog.test = [](const std::string&) -> std::string { throw std::runtime_error("out of handles"); };
-  Open(dialog);
-  file->setText(QStringLiteral("a.db"));
-  Button("&Connect")->click();
-  EXPECT_TRUE(window->isVisible());
-  EXPECT_EQ(status->toPlainText(), QStringLiteral("out of handles"));
-  EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
 }
 
 TEST_F(ConnectionWindowTest, ALongMessageDoesNotGrowTheWindow) {
@@ -356,62 +213,6 @@ TEST_F(ConnectionWindowTest, APasswordIsNeitherShownNorLoggedNorStored) {
   EXPECT_FALSE(window->isVisible());
   check(QStringLiteral("s3cret3"));
   EXPECT_TRUE(Stored().contains(QStringLiteral("way="))) << "these settings are the ones that are written";
-}
-
-TEST_F(ConnectionWindowTest, RecentFilesAreTheLatestFirstAndLimited) {
-  QStringList expected;
-  for (int i = 0; i < ConnectionWindow::kRecentFiles + 2; ++i) {
-    const QString made = MakeFile(QStringLiteral("%1, größe & co.db").arg(i));
-    ConnectTo(made);
-    expected.prepend(made);
-  }
-  expected.resize(ConnectionWindow::kRecentFiles);
-  Open();
-  EXPECT_EQ(RecentShown(), expected);
-
-  ConnectTo(folder.path() + QStringLiteral("/./") + QFileInfo(expected[3]).fileName());
-  expected.move(3, 0);
-  Open();
-  EXPECT_EQ(RecentShown(), expected) << "a file taken again moves up";
-
-  answer = "not a database";
-  ConnectTo(MakeFile(QStringLiteral("bad.db")));
-  answer.clear();
-  Open();
-  EXPECT_EQ(RecentShown(), expected) << "a file that could not be opened is none";
-
-  QTest::keyClick(file, Qt::Key_R, Qt::AltModifier);
-  EXPECT_TRUE(recent->hasFocus());
-  QTest::keyClick(recent, Qt::Key_Home);
-  QTest::keyClick(recent, Qt::Key_Down);
-  EXPECT_EQ(file->text(), expected[1]);
-  QTest::keyClick(recent, Qt::Key_Delete);
-  expected.removeAt(1);
-  EXPECT_EQ(RecentShown(), expected);
-  Open();
-  EXPECT_EQ(RecentShown(), expected) << "forgotten for good";
-
-  const QPoint third = recent->visualItemRect(recent->item(2)).center();
-  QTest::mouseClick(recent->viewport(), Qt::LeftButton, Qt::NoModifier, third);
-  EXPECT_EQ(file->text(), expected[2]);
-  EXPECT_TRUE(window->isVisible());
-  QTest::mouseDClick(recent->viewport(), Qt::LeftButton, Qt::NoModifier, third);
-  EXPECT_FALSE(window->isVisible());
-  EXPECT_EQ(window->Text(), "Provider=SQLite;Data Source=" + ToUtf8(expected[2]));
-}
-
-TEST_F(ConnectionWindowTest, TheWayLastTakenComesFirst) {
-  Open();
-  EXPECT_EQ(tabs->currentIndex(), 0);
-  for (const int way : {1, 2, 0}) {
-    tabs->setCurrentIndex(way);
-    window->reject();
-    Open();
-    EXPECT_EQ(tabs->currentIndex(), way);
-  }
-  QSettings().setValue(QStringLiteral("ConnectionPrompt/way"), QStringLiteral("nonsense"));
-  Open();
-  EXPECT_EQ(tabs->currentIndex(), 0);
 }
 
 // --- Looks ---

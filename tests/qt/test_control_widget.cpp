@@ -12,7 +12,9 @@
 
 #include "adapters/qt/control_widget.h"
 #include "adapters/qt/qt_input.h"
+#include "adapters/qt/qt_text.h"
 #include "base/error.h"
+#include "tests/data_table.h"
 #include "tests/qt/palettes.h"
 #include "tests/qt/probe_control.h"
 
@@ -43,45 +45,13 @@ class ControlWidgetTest : public testing::Test {
 };
 
 TEST_F(ControlWidgetTest, KeysArriveWithTheirCodes) {
-  const struct {
-    Qt::Key key;
-    Qt::KeyboardModifiers modifiers;
-    const char* text;
-    const char* expected;
-  } cases[] = {
-      {Qt::Key_A, Qt::NoModifier, "a", "key 65 shift 0 \"a\""},
-      {Qt::Key_Z, Qt::ControlModifier, "\x1a", "key 90 shift 2 \"\""},
-      {Qt::Key_0, Qt::ControlModifier, "0", "key 48 shift 2 \"\""},
-      {Qt::Key_Q, Qt::ControlModifier | Qt::AltModifier, "@", "key 81 shift 6 \"@\""},
-      {Qt::Key_Odiaeresis, Qt::NoModifier, "ö", "key 0 shift 0 \"ö\""},
-      {Qt::Key_F, Qt::AltModifier, "f", "key 70 shift 4 \"\""},
-      {Qt::Key_Return, Qt::NoModifier, "\r", "key 13 shift 0 \"\""},
-      {Qt::Key_Enter, Qt::KeypadModifier, "\r", "key 13 shift 0 \"\""},
-      {Qt::Key_Escape, Qt::NoModifier, "\x1b", "key 27 shift 0 \"\""},
-      {Qt::Key_Space, Qt::NoModifier, " ", "key 32 shift 0 \" \""},
-      {Qt::Key_Backspace, Qt::NoModifier, "\b", "key 8 shift 0 \"\""},
-      {Qt::Key_Delete, Qt::NoModifier, "\x7f", "key 46 shift 0 \"\""},
-      {Qt::Key_Insert, Qt::NoModifier, "", "key 45 shift 0 \"\""},
-      {Qt::Key_PageUp, Qt::NoModifier, "", "key 33 shift 0 \"\""},
-      {Qt::Key_PageDown, Qt::NoModifier, "", "key 34 shift 0 \"\""},
-      {Qt::Key_End, Qt::NoModifier, "", "key 35 shift 0 \"\""},
-      {Qt::Key_Home, Qt::NoModifier, "", "key 36 shift 0 \"\""},
-      {Qt::Key_Left, Qt::AltModifier, "", "key 37 shift 4 \"\""},
-      {Qt::Key_Up, Qt::NoModifier, "", "key 38 shift 0 \"\""},
-      {Qt::Key_Right, Qt::ShiftModifier | Qt::ControlModifier, "", "key 39 shift 3 \"\""},
-      {Qt::Key_Down, Qt::NoModifier, "", "key 40 shift 0 \"\""},
-      {Qt::Key_Tab, Qt::NoModifier, "\t", "key 9 shift 0 \"\""},
-      {Qt::Key_Backtab, Qt::ShiftModifier, "", "key 9 shift 1 \"\""},
-      {Qt::Key_F1, Qt::NoModifier, "", "key 112 shift 0 \"\""},
-      {Qt::Key_F2, Qt::NoModifier, "", "key 113 shift 0 \"\""},
-      {Qt::Key_F4, Qt::NoModifier, "", "key 115 shift 0 \"\""},
-      {Qt::Key_F10, Qt::ShiftModifier, "", "key 121 shift 1 \"\""},
-  };
-  for (const auto& [key, modifiers, text, expected] : cases) {
-    QKeyEvent event(QEvent::KeyPress, key, modifiers, QString::fromUtf8(text));
+  for (const test::Row& row : test::ReadRows("widget_keys.txt")) {
+    SCOPED_TRACE(row.place);
+    const QKeyCombination key = QKeySequence(ToQString(row[0]))[0];
+    QKeyEvent event(QEvent::KeyPress, key.key(), key.keyboardModifiers(), ToQString(row[1]));
     QApplication::sendEvent(&widget, &event);
-    EXPECT_EQ(control->TakeLog(), Log{expected});
-    EXPECT_TRUE(event.isAccepted()) << expected;
+    EXPECT_EQ(control->TakeLog(), Log{"key " + row[2]});
+    EXPECT_TRUE(event.isAccepted());
   }
 }
 

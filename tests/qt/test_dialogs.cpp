@@ -1,20 +1,14 @@
 #include <gtest/gtest.h>
 
-#include <QApplication>
 #include <QElapsedTimer>
-#include <QLabel>
-#include <QLineEdit>
 #include <QListView>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTabWidget>
-#include <QTest>
 #include <QTimer>
-#include <stdexcept>
 
-#include "adapters/qt/qt_text.h"
 #include "adapters/qt/qt_toolkit.h"
-#include "adapters/qt/tables_window.h"
+#include "tests/qt/dialogs.h"
 
 namespace zrqrybld {
 namespace {
@@ -24,18 +18,7 @@ using Names = std::vector<std::string>;
 class TablesWindowTest : public testing::Test {
  protected:
   TablesDialog Dialog() {
-    return {.caption = "Tables",
-            .tablesTab = "&Tables",
-            .viewsTab = "&Views",
-            .addButton = "&Add",
-            .closeButton = "&Close",
-            .tables = {"Customers", "Order Details", "Orders", "Größen"},
-            .views = {"Order Totals"},
-            .add = [this](const Names& names, const TablesDialog::Progress& progress) {
-              for (std::size_t i = 1; i <= names.size(); ++i) progress(i);
-              added.push_back(names);
-              return names.size() - (names.size() > 3 ? 1 : 0);  // of many, the last one fails
-            }};
+    return TestTables([this](const Names& names) { added.push_back(names); });
   }
   void Open(const TablesDialog& dialog) {
     window = std::make_unique<TablesWindow>(dialog);
@@ -52,7 +35,6 @@ class TablesWindowTest : public testing::Test {
     }
     return nullptr;
   }
-  QString Counts() { return window->findChild<QLabel*>()->text(); }
 
   std::vector<Names> added;
   std::unique_ptr<TablesWindow> window;
@@ -60,75 +42,6 @@ class TablesWindowTest : public testing::Test {
   QTabWidget* tabs = nullptr;
   QListView* list = nullptr;
 };
-
-TEST_F(TablesWindowTest, AFewLettersAndEnterAddATableAndTheWindowStays) {
-  Open(Dialog());
-  EXPECT_FALSE(Button("&Add")->isEnabled()) << "nothing is chosen";
-  QTest::keyClicks(filter, QStringLiteral("DETA"));
-  EXPECT_EQ(list->model()->rowCount(), 1);
-  EXPECT_TRUE(Counts().startsWith(QStringLiteral("1 of 4"))) << ToUtf8(Counts());
-  QTest::keyClick(filter, Qt::Key_Return);
-  EXPECT_EQ(added, (std::vector<Names>{{"Order Details"}}));
-  EXPECT_TRUE(window->isVisible());
-  filter->insert(QStringLiteral("grö"));  // replaces the text, which is selected
-  QTest::keyClick(filter, Qt::Key_Return);
-  EXPECT_EQ(added.back(), Names{"Größen"});
-  QTest::keyClick(filter, Qt::Key_Escape);
-  EXPECT_FALSE(window->isVisible());
-}
-
-TEST_F(TablesWindowTest, SeveralAreAddedInTheOrderOfTheList) {
-  Open(Dialog());
-  QTest::keyClick(filter, Qt::Key_Down);  // into the list
-  EXPECT_TRUE(list->hasFocus());
-  list->selectAll();
-  QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::ControlModifier,
-                    list->visualRect(list->model()->index(1, 0)).center());
-  Button("&Add")->click();
-  EXPECT_EQ(added, (std::vector<Names>{{"Customers", "Orders", "Größen"}}));
-  EXPECT_TRUE(Counts().contains(QStringLiteral("3 were added"))) << ToUtf8(Counts());
-  list->selectAll();
-  Button("Add an&d Close")->click();
-  EXPECT_TRUE(Counts().contains(QStringLiteral("3 of 4 were added"))) << ToUtf8(Counts());
-  EXPECT_TRUE(window->isVisible()) << "a failure is to be seen";
-  added.pop_back();
-
-  QTest::keyClick(list, Qt::Key_Home);
-  QTest::keyClick(list, Qt::Key_Return);
-  EXPECT_EQ(added.size(), 2u) << "Enter in the list adds once";
-  EXPECT_EQ(added.back(), Names{"Customers"});
-
-  const QPoint third = list->visualRect(list->model()->index(2, 0)).center();
-  QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::NoModifier, third);
-  QTest::mouseDClick(list->viewport(), Qt::LeftButton, Qt::NoModifier, third);
-  EXPECT_EQ(added.size(), 3u);
-  EXPECT_EQ(added.back(), Names{"Orders"});
-}
-
-TEST_F(TablesWindowTest, AccessKeysReachTabsAndButtons) {
-  Open(Dialog());
-  QTest::keyClick(window.get(), Qt::Key_V, Qt::AltModifier);
-  EXPECT_EQ(tabs->currentIndex(), 1);
-  QTest::keyClicks(filter, QStringLiteral("total"));
-  QTest::keyClick(window.get(), Qt::Key_D, Qt::AltModifier);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !added.empty(); })) << "a button reached by its key is shown pressed first";
-  EXPECT_EQ(added, (std::vector<Names>{{"Order Totals"}})) << "the list under the chosen tab counts";
-  EXPECT_FALSE(window->isVisible()) << "add and close";
-}
-
-TEST_F(TablesWindowTest, AFailureWhileAddingKeepsTheWindowOpen) {
-  TablesDialog dialog = Dialog();
-  dialog.add = [](const Names&, const TablesDialog::Progress&) -> std::size_t {
-    throw std::runtime_error("no such table");
-  };
-  Open(dialog);
-  std::string failure;
-  window->SetErrorHandler([&](const std::exception& error) { failure = error.what(); });
-  QTest::keyClicks(filter, QStringLiteral("o"));
-  Button("Add an&d Close")->click();
-  EXPECT_EQ(failure, "no such table");
-  EXPECT_TRUE(window->isVisible());
-}
 
 TEST_F(TablesWindowTest, EmptyListsSayWhy) {
   TablesDialog dialog = Dialog();
@@ -193,22 +106,12 @@ TEST(QtDialogs, ShowTablesReturnsWhenTheWindowIsClosed) {
   QTimer::singleShot(0, [] {
     auto* window = qobject_cast<TablesWindow*>(QApplication::activeModalWidget());
     ASSERT_NE(window, nullptr);
-    QTest::keyClicks(window->findChild<QLineEdit*>(), QStringLiteral("b"));
+    QTest::keyClicks(window->findChild<QLineEdit*>(), QStringLiteral("orders"));
     QTest::keyClick(window, Qt::Key_Return);
     window->reject();
   });
-  toolkit.GetDialogs().ShowTables({.caption = "Tables",
-                                   .tablesTab = "&Tables",
-                                   .viewsTab = "&Views",
-                                   .addButton = "&Add",
-                                   .closeButton = "&Close",
-                                   .tables = {"a", "b"},
-                                   .views = {},
-                                   .add = [&](const Names& names, const TablesDialog::Progress&) {
-                                     added = names;
-                                     return names.size();
-                                   }});
-  EXPECT_EQ(added, Names{"b"});
+  toolkit.GetDialogs().ShowTables(TestTables([&](const Names& names) { added = names; }));
+  EXPECT_EQ(added, Names{"Orders"});
 }
 
 TEST(QtToolkit, TheBusyPointerNestsAndIsAlwaysTakenBack) {

@@ -1,10 +1,8 @@
 // The expression builder's and the zoom's window, by real events.
 #include <gtest/gtest.h>
 
-#include <QDropEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMimeData>
 #include <QPushButton>
 #include <QTableWidget>
 #include <QTest>
@@ -15,6 +13,7 @@
 #include "adapters/qt/qt_text.h"
 #include "adapters/qt/qt_text_area.h"
 #include "tests/expression/known_source.h"
+#include "tests/qt/hands.h"
 #include "tests/qt/pictures.h"
 
 namespace zrqrybld {
@@ -83,12 +82,7 @@ TEST_F(ExpressionWindowTest, TakesPiecesThatAreDropped) {
   QTextCursor place = window->Editor().textCursor();
   place.setPosition(3);
   const QPoint at = window->Editor().cursorRect(place).center();
-  QWidget* target = window->Editor().viewport();
-  QDragEnterEvent enter(at, Qt::CopyAction, dragged.get(), Qt::LeftButton, {});
-  QApplication::sendEvent(target, &enter);
-  EXPECT_TRUE(enter.isAccepted());
-  QDropEvent drop(QPointF(at), Qt::CopyAction, dragged.get(), Qt::LeftButton, {});
-  QApplication::sendEvent(target, &drop);
+  EXPECT_TRUE(DragOnto(*window->Editor().viewport(), at, *dragged, DragEnd::Dropped));
   EXPECT_EQ(window->Text(), "1 + ?PARAM('Year',@Default,@Name,@DataType) 2");
   EXPECT_EQ(window->Editor().textCursor().selectedText(), "@Default");
 }

@@ -1,50 +1,22 @@
 #include <gtest/gtest.h>
 
 #include <QtTest/qtestspontaneevent.h>
-#include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QLabel>
 #include <QPushButton>
-#include <QTest>
 #include <QWindow>
 #include <algorithm>
 
-#include "adapters/qt/join_window.h"
 #include "adapters/qt/mark.h"
-#include "adapters/qt/qt_text.h"
 #include "adapters/qt/qt_toolkit.h"
 #include "adapters/qt/theme.h"
+#include "tests/qt/dialogs.h"
 #include "tests/qt/modal.h"
 #include "tests/qt/pictures.h"
 
 namespace zrqrybld {
 namespace {
-
-JoinDialog Dialog(const std::string& table1 = "Orders", const std::string& table2 = "Customers") {
-  return {.caption = "Join Properties",
-          .frame = "Include rows",
-          .allOfTable1 = "Include all rows from " + table1,
-          .allOfTable2 = "Include all rows from " + table2,
-          .acceptButton = "&Accept",
-          .cancelButton = "&Cancel",
-          .table1 = table1,
-          .table2 = table2,
-          .describe =
-              [=](bool all1, bool all2) {
-                if (all1 && all2) return "All rows from " + table1 + " and all rows from " + table2 + ".";
-                if (all1) return "All rows from " + table1 + ", and the matching rows from " + table2 + ".";
-                if (all2) return "All rows from " + table2 + ", and the matching rows from " + table1 + ".";
-                return "Only rows that match in both " + table1 + " and " + table2 + ".";
-              },
-          .warning =
-              [](bool all1, bool all2) {
-                return std::string(all1 && all2
-                                       ? "This dialect cannot return all rows of both tables; the join is written "
-                                         "without the rows that match nothing."
-                                       : "");
-              }};
-}
 
 class JoinWindowTest : public testing::Test {
  protected:
@@ -86,7 +58,7 @@ TEST(JoinDialogs, OnlyAnAcceptedChoiceComesBack) {
   for (const Case& test : cases) {
     SCOPED_TRACE(test.name);
     QtToolkit toolkit;
-    JoinDialog dialog = Dialog();
+    JoinDialog dialog = TestJoin();
     dialog.table1Checked = true;
     WhenOpen<JoinWindow>([&](JoinWindow& window) {
       EXPECT_EQ(window.windowTitle(), QStringLiteral("Join Properties"));
@@ -101,7 +73,7 @@ TEST(JoinDialogs, OnlyAnAcceptedChoiceComesBack) {
 }
 
 TEST_F(JoinWindowTest, TheFrameCannotCloseItButCodeCan) {
-  Open(Dialog());
+  Open(TestJoin());
   EXPECT_FALSE(window->windowFlags().testFlag(Qt::WindowCloseButtonHint));
   QCloseEvent fromFrame;
   QSpontaneKeyEvent::setSpontaneous(&fromFrame);
@@ -112,25 +84,8 @@ TEST_F(JoinWindowTest, TheFrameCannotCloseItButCodeCan) {
   EXPECT_EQ(window->result(), QDialog::Rejected);
 }
 
-TEST_F(JoinWindowTest, SentenceAndWarningFollowTheChoice) {
-  Open(Dialog());
-  const QSize size = window->size();
-  const auto* mark = window->findChild<Mark*>();
-  EXPECT_TRUE(Says("Only rows that match in both"));
-  QTest::keyClick(check1, Qt::Key_Space);
-  EXPECT_TRUE(Says("All rows from Orders, and the matching rows from Customers."));
-  EXPECT_FALSE(Says("dialect"));
-  EXPECT_EQ(mark->Shown(), Mark::Kind::None);
-  QTest::mouseClick(check2, Qt::LeftButton, Qt::NoModifier, QPoint(8, check2->height() / 2));
-  EXPECT_TRUE(Says("All rows from Orders and all rows from Customers."));
-  EXPECT_TRUE(Says("This dialect cannot"));
-  EXPECT_EQ(mark->Shown(), Mark::Kind::Warning);
-  QApplication::processEvents();
-  EXPECT_EQ(window->size(), size) << "nothing moves under the pointer";
-}
-
 TEST_F(JoinWindowTest, AFailureToDescribeAChoiceLeavesItToBeMade) {
-  JoinDialog dialog = Dialog();
+  JoinDialog dialog = TestJoin();
   dialog.describe = [](bool, bool) -> std::string { throw std::runtime_error("no words"); };
   const QtMessageHandler before = qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
   Open(dialog);
@@ -140,11 +95,11 @@ TEST_F(JoinWindowTest, AFailureToDescribeAChoiceLeavesItToBeMade) {
 }
 
 TEST_F(JoinWindowTest, AnAmpersandInATablesNameIsNoAccessKey) {
-  Open(Dialog("R&D", "A & B"));
+  Open(TestJoin("R&D", "A & B"));
   EXPECT_EQ(check1->text(), QStringLiteral("Include all rows from R&&D"));
   EXPECT_EQ(check2->text(), QStringLiteral("Include all rows from A && B"));
   EXPECT_TRUE(Says("R&D"));
-  JoinDialog escaped = Dialog("R&D", "B");
+  JoinDialog escaped = TestJoin("R&D", "B");
   escaped.allOfTable1 = "All of R&&D";
   Open(escaped);
   EXPECT_EQ(check1->text(), QStringLiteral("All of R&&D"));
@@ -153,7 +108,7 @@ TEST_F(JoinWindowTest, AnAmpersandInATablesNameIsNoAccessKey) {
 TEST_F(JoinWindowTest, LongNamesWidenItOnlySoFarAndAreToldInFull) {
   std::string name = "Größe<b>";
   for (int i = 0; i < 40; ++i) name += "_of_everything";
-  Open(Dialog(name, "B"));
+  Open(TestJoin(name, "B"));
   EXPECT_LE(window->width(), window->fontMetrics().averageCharWidth() * 84 + 48);
   EXPECT_EQ(check1->accessibleName(), ToQString("Include all rows from " + name));
   EXPECT_TRUE(check1->toolTip().contains(ToQString(name).toHtmlEscaped()));
@@ -165,9 +120,9 @@ TEST_F(JoinWindowTest, LongNamesWidenItOnlySoFarAndAreToldInFull) {
 }
 
 TEST_F(JoinWindowTest, ADialectThatCanWriteEverythingLeavesNoRoomForWarnings) {
-  Open(Dialog());
+  Open(TestJoin());
   const int height = window->height();
-  JoinDialog dialog = Dialog();
+  JoinDialog dialog = TestJoin();
   dialog.warning = [](bool, bool) { return std::string(); };
   Open(dialog);
   EXPECT_LT(window->height(), height);
@@ -178,7 +133,7 @@ TEST_F(JoinWindowTest, ADialectThatCanWriteEverythingLeavesNoRoomForWarnings) {
 TEST_F(JoinWindowTest, AnEmptyCheckBoxIsSeenInEveryColourScheme) {
   for (const auto& [name, palette] : TestPalettes()) {
     const ScopedPalette scoped(palette);
-    Open(Dialog());
+    Open(TestJoin());
     check2->setFocus();
     const QImage image = Paint(*window);
     const QPoint at = check1->mapTo(window.get(), QPoint(0, check1->height() / 2));
@@ -199,7 +154,7 @@ TEST_F(JoinWindowTest, ThePictureFillsWhatIsReturned) {
     for (const int scale : {1, 2}) {
       for (int choice = 0; choice < 4; ++choice) {
         SCOPED_TRACE(name + " choice " + std::to_string(choice) + " scale " + std::to_string(scale));
-        JoinDialog dialog = Dialog();
+        JoinDialog dialog = TestJoin();
         dialog.table1Checked = (choice & 1) != 0;
         dialog.table2Checked = (choice & 2) != 0;
         Open(dialog);

@@ -13,6 +13,7 @@
 #include "adapters/qt/qt_text_area.h"
 #include "adapters/qt/query_designer_widget.h"
 #include "sql/brackets.h"
+#include "tests/player.h"
 #include "tests/qt/pictures.h"
 
 namespace zrqrybld {
@@ -24,7 +25,7 @@ std::string Colored(const QtTextArea& area, ColorRole role) {
   for (QTextBlock block = area.document()->begin(); block.isValid(); block = block.next()) {
     for (const QTextLayout::FormatRange& range : block.layout()->formats()) {
       if (range.format.foreground().color() != area.GetTheme().Of(role)) continue;
-      found += std::to_string(block.blockNumber()) + ":" + ToUtf8(block.text().mid(range.start, range.length)) + "|";
+      found += std::to_string(block.blockNumber()) + ":" + ToUtf8(block.text().mid(range.start, range.length)) + "¦";
     }
   }
   return found;
@@ -43,131 +44,108 @@ std::vector<TextSpan> FindCommentsAndSelects(std::string_view text) {
   return spans;
 }
 
-TEST(QtTextArea, TextComesBackAsItWasSet) {
-  const struct {
-    std::string set;
-    std::string expected;
-  } cases[] = {
-      {"", ""},
-      {"SELECT 1", "SELECT 1"},
-      {"a\r\nb\r\n", "a\r\nb\r\n"},
-      {"a\nb\rc\r\n\r\nd", "a\r\nb\r\nc\r\n\r\nd"},
-      {"\tx\t\ty", "\tx\t\ty"},
-      {"WHERE a = 'no\u00a0break'", "WHERE a = 'no\u00a0break'"},
-      {"-- Größe 数量 \U0001F600\r\n", "-- Größe 数量 \U0001F600\r\n"},
-  };
-  QtTextArea area;
-  for (const auto& [set, expected] : cases) {
-    area.SetText(set);
-    EXPECT_EQ(area.Text(), expected);
+// The marks that stand in the text beside the current line: "from-to" each.
+std::string Marks(const QtTextArea& area) {
+  std::string marks;
+  for (const QTextEdit::ExtraSelection& mark : area.extraSelections()) {
+    if (!mark.cursor.hasSelection()) continue;
+    marks += (marks.empty() ? "" : " ") + std::to_string(mark.cursor.selectionStart()) + "-" +
+             std::to_string(mark.cursor.selectionEnd());
   }
+  return marks;
 }
 
-TEST(QtTextArea, OnlyTheUserRaisesEdited) {
-  QtTextArea area;
-  area.SetHighlighter(FindCommentsAndSelects);
-  int edited = 0;
-  const EventConnection connection = area.Edited.Connect([&] { ++edited; });
-  area.SetText("SELECT a /* b */");
-  area.SetText("SELECT a /* c");
-  area.SetReadOnly(true);
-  area.SetReadOnly(false);
-  area.setPalette(TestPalettes()[1].palette);
-  EXPECT_EQ(edited, 0);
-  area.show();
-  QTest::keyClicks(&area, QStringLiteral("x"));
-  EXPECT_EQ(edited, 1);
-  QTest::keyClick(&area, Qt::Key_Z, Qt::ControlModifier);
-  EXPECT_EQ(edited, 2) << "undoing is editing";
-  area.SetReadOnly(true);
-  QTest::keyClicks(&area, QStringLiteral("x"));
-  EXPECT_EQ(edited, 2);
-}
-
-TEST(QtTextArea, CaretAndScrollPositionStayNearAcrossANewText) {
-  const auto lines = [](int count, const char* word) {
-    std::string text;
-    for (int i = 0; i < count; ++i) text += std::string(word) + " line " + std::to_string(i) + "\r\n";
-    return text;
-  };
-  QtTextArea area;
-  area.resize(300, 120);
-  area.show();
-  area.SetText(lines(100, "first"));
-  const auto putCaret = [&](int line, int column) {
-    QTextCursor caret(area.document()->findBlockByNumber(line));
-    caret.movePosition(QTextCursor::Right, QTextCursor::MoveAnchor, column);
-    area.setTextCursor(caret);
-  };
-  putCaret(40, 7);
-  area.verticalScrollBar()->setValue(30);  // the caret is not in sight, and must not be brought there
-  const struct {
-    std::string text;
-    int line, column, scroll;
-  } cases[] = {
-      {lines(100, "second"), 40, 7, 30},
-      {lines(100, ""), 40, 7, 30},
-      {lines(41, "a") + "b", 40, 7, 30},
-  };
-  for (const auto& [text, line, column, scroll] : cases) {
-    area.SetText(text);
-    EXPECT_EQ(area.textCursor().blockNumber(), line);
-    EXPECT_EQ(area.textCursor().positionInBlock(), column);
-    EXPECT_EQ(area.verticalScrollBar()->value(), scroll);
+class AreaScene : public test::Player {
+ public:
+  AreaScene() {
+    area_.SetHighlighter(FindCommentsAndSelects);
+    area_.SetBracketFinder(MatchingBrackets);
+    area_.resize(300, 120);
+    area_.show();
+    QApplication::setActiveWindow(&area_);
+    area_.setFocus();
+    links_.push_back(area_.Edited.Connect([this] { ++edited_; }));
+    links_.push_back(area_.KeyDown.Connect([this](std::int32_t& key, std::int32_t shift) {
+      Note(std::to_string(key) + "/" + std::to_string(shift));
+      if (refused_ && key == 'X') key = 0;
+    }));
+    links_.push_back(
+        area_.KeyUp.Connect([this](std::int32_t& key, std::int32_t) { Note("up " + std::to_string(key)); }));
+    links_.push_back(area_.KeyPress.Connect([this](char32_t& character) {
+      if (refused_ && character == U'a') character = U'ä';
+      if (refused_ && character == U'b') character = 0;
+    }));
+    KnowActions();
+    KnowAnswers();
   }
-  area.SetText("one\r\ntwo");
-  EXPECT_EQ(area.textCursor().blockNumber(), 1) << "the last line there is";
-  EXPECT_EQ(area.textCursor().positionInBlock(), 3) << "and its end";
-  EXPECT_EQ(area.verticalScrollBar()->value(), 0);
-}
 
-TEST(QtTextArea, TheSameTextChangesNothing) {
-  QtTextArea area;
-  area.show();
-  area.SetText("ab\r\ncd");
-  QTest::keyClicks(&area, QStringLiteral("x"));
-  area.selectAll();
-  area.SetText("xab\r\ncd");
-  EXPECT_TRUE(area.textCursor().hasSelection());
-  EXPECT_TRUE(area.document()->isUndoAvailable());
-}
-
-TEST(QtTextArea, ByteOffsetsFindTheirCharacters) {
-  QtTextArea area;
-  area.SetHighlighter(FindCommentsAndSelects);
-  const struct {
-    const char* text;
-    const char* keywords;
-    const char* comments;
-  } cases[] = {
-      {"SELECT a", "0:SELECT|", ""},
-      {"ö SELECT ä", "0:SELECT|", ""},
-      {"数\U0001F600量 SELECT /*\U0001F600*/ SELECT", "0:SELECT|0:SELECT|", "0:/*\U0001F600*/|"},
-      {"ü\r\nSELECT /* ä\r\n\r\nß */ SELECT", "1:SELECT|3:SELECT|", "1:/* ä|3:ß */|"},
-      {"SELECT\r\n/* never closed\r\nso", "0:SELECT|", "1:/* never closed|2:so|"},
-      {"", "", ""},
-  };
-  for (const auto& [text, keywords, comments] : cases) {
-    area.SetText(text);
-    EXPECT_EQ(Colored(area, ColorRole::Keyword), keywords) << text;
-    EXPECT_EQ(Colored(area, ColorRole::Comment), comments) << text;
+ private:
+  void Note(const std::string& entry) { heard_ += (heard_.empty() ? "" : " ") + entry; }
+  void PutCaret(int position) {
+    QTextCursor caret = area_.textCursor();
+    caret.setPosition(position);
+    area_.setTextCursor(caret);
   }
-}
+  QWidget& Focus() { return *(finding_ ? static_cast<QWidget*>(area_.findChild<QLineEdit*>()) : &area_); }
 
-TEST(QtTextArea, ColoursFollowTyping) {
-  QtTextArea area;
-  area.SetHighlighter(FindCommentsAndSelects);
-  area.show();
-  area.SetText("x\r\nSELECT y\r\n*/ z");
-  EXPECT_EQ(Colored(area, ColorRole::Comment), "");
-  QTest::keyClicks(&area, QStringLiteral("/*"));  // opens a comment over all three lines
-  EXPECT_EQ(Colored(area, ColorRole::Comment), "0:/*x|1:SELECT y|2:*/|");
-  QTest::keyClick(&area, Qt::Key_Return, Qt::ShiftModifier);  // a line break inside the line
-  EXPECT_EQ(area.Text(), "/*\r\nx\r\nSELECT y\r\n*/ z");
-  EXPECT_TRUE(Colored(area, ColorRole::Comment).ends_with("1:SELECT y|2:*/|"));
-  area.SetHighlighter(nullptr);
-  EXPECT_EQ(Colored(area, ColorRole::Comment), "");
-}
+  void KnowActions() {
+    actions["set"] = [this](const Words& w) { area_.SetText(OrNone(w[1])); };
+    // So many lines of a word and their number.
+    actions["lines"] = [this](const Words& w) {
+      std::string text;
+      for (int i = 0; i < std::stoi(w[1]); ++i) text += w[2] + " line " + std::to_string(i) + "\r\n";
+      area_.SetText(text + (w.size() > 3 ? w[3] : ""));
+    };
+    actions["readonly"] = [this](const Words& w) { area_.SetReadOnly(w[1] == "yes"); };
+    actions["dark"] = [this](auto&) { area_.setPalette(TestPalettes()[1].palette); };
+    actions["plain"] = [this](auto&) { area_.SetHighlighter(nullptr); };
+    actions["keys"] = [this](const Words& w) { QTest::keyClicks(&Focus(), ToQString(w[1])); };
+    actions["key"] = [this](const Words& w) {
+      const QKeyCombination key = QKeySequence(ToQString(w[1]))[0];
+      QTest::keyClick(&Focus(), key.key(), key.keyboardModifiers());
+    };
+    actions["caret"] = [this](const Words& w) { PutCaret(std::stoi(w[1])); };
+    actions["line"] = [this](const Words& w) {
+      PutCaret(area_.document()->findBlockByNumber(std::stoi(w[1])).position() + std::stoi(w[2]));
+    };
+    actions["scroll"] = [this](const Words& w) { area_.verticalScrollBar()->setValue(std::stoi(w[1])); };
+    actions["all"] = [this](auto&) { area_.selectAll(); };
+    actions["refuse"] = [this](auto&) { refused_ = true; };
+    // The keyboard is in the field of what is looked for.
+    actions["find"] = [this](const Words& w) { finding_ = w[1] == "yes"; };
+  }
+
+  void KnowAnswers() {
+    answers["text"] = [this](auto&) { return area_.Text(); };
+    answers["edited"] = [this](auto&) { return std::to_string(std::exchange(edited_, 0)); };
+    answers["heard"] = [this](auto&) { return std::exchange(heard_, ""); };
+    answers["keywords"] = [this](auto&) { return Colored(area_, ColorRole::Keyword); };
+    answers["comments"] = [this](auto&) { return Colored(area_, ColorRole::Comment); };
+    answers["marks"] = [this](auto&) { return Marks(area_); };
+    answers["selected"] = [this](auto&) { return ToUtf8(area_.textCursor().selectedText()); };
+    answers["from"] = [this](auto&) { return std::to_string(area_.textCursor().selectionStart()); };
+    answers["undoable"] = [this](auto&) { return Variant(area_.document()->isUndoAvailable()).Text(); };
+    answers["at"] = [this](auto&) {
+      const QTextCursor caret = area_.textCursor();
+      return std::to_string(caret.blockNumber()) + "," + std::to_string(caret.positionInBlock()) + " " +
+             std::to_string(area_.verticalScrollBar()->value());
+    };
+    answers["finder"] = [this](auto&) {
+      const auto* word = area_.findChild<QLineEdit*>();
+      return std::string(!word || !word->isVisible() ? "closed" : word->hasFocus() ? "open" : "left");
+    };
+    answers["focus"] = [this](auto&) { return Variant(area_.hasFocus()).Text(); };
+  }
+
+  QtTextArea area_;
+  std::vector<EventConnection> links_;
+  std::string heard_;
+  int edited_ = 0;
+  bool refused_ = false;
+  bool finding_ = false;
+};
+
+TEST(QtTextArea, DoesWhatItsScenariosSay) { test::PlayFile<AreaScene>("text_area.txt"); }
 
 TEST(QtTextArea, SpansThatAreWrongAndListenersThatFailDoNoHarm) {
   QtTextArea area;
@@ -177,7 +155,7 @@ TEST(QtTextArea, SpansThatAreWrongAndListenersThatFailDoNoHarm) {
     return std::vector<TextSpan>{{100, 5, ColorRole::Error, false}, {1, 1000, ColorRole::Error, false}, {2, 0}};
   });
   area.SetText("aöb\r\nc");
-  EXPECT_EQ(Colored(area, ColorRole::Error), "0:öb|1:c|");
+  EXPECT_EQ(Colored(area, ColorRole::Error), "0:öb¦1:c¦");
   area.SetHighlighter([](std::string_view) -> std::vector<TextSpan> { throw std::runtime_error("lexer"); });
   EXPECT_EQ(failures, 1);
   const EventConnection connection = area.Edited.Connect([] { throw std::runtime_error("listener"); });
@@ -195,81 +173,6 @@ TEST(QtTextArea, TheMarginGrowsWithTheNumberOfLines) {
   EXPECT_GT(narrow, 0);
   area.SetText(std::string(1500, '\n'));
   EXPECT_GT(area.viewport()->x(), narrow);
-}
-
-// The marks that stand in the text beside the current line: "from-to" each.
-std::string Marks(const QtTextArea& area) {
-  std::string marks;
-  for (const QTextEdit::ExtraSelection& mark : area.extraSelections()) {
-    if (!mark.cursor.hasSelection()) continue;
-    marks += (marks.empty() ? "" : " ") + std::to_string(mark.cursor.selectionStart()) + "-" +
-             std::to_string(mark.cursor.selectionEnd());
-  }
-  return marks;
-}
-
-TEST(QtTextArea, TheBracketBesideTheCaretAndItsPartnerAreMarked) {
-  QtTextArea area;
-  area.SetBracketFinder(MatchingBrackets);
-  area.SetText("(ä,\r\n '(', f(x))");
-  area.show();
-  area.setFocus();
-  QApplication::setActiveWindow(&area);
-  const struct {
-    int caret;
-    const char* marks;
-  } cases[] = {{0, "0-1 14-15"}, {1, "0-1 14-15"}, {15, "14-15 0-1"}, {11, "11-12 13-14"}, {6, ""}, {9, ""}};
-  for (const auto& [caret, marks] : cases) {
-    QTextCursor cursor = area.textCursor();
-    cursor.setPosition(caret);
-    area.setTextCursor(cursor);
-    EXPECT_EQ(Marks(area), marks) << caret;
-  }
-}
-
-TEST(QtTextArea, CtrlFFindsForwardsAndBackwardsAndEscGoesBack) {
-  QtTextArea area;
-  area.SetText("ab x\r\nAB y\r\nab");
-  area.show();
-  area.setFocus();
-  QApplication::setActiveWindow(&area);
-  QTest::keyClick(&area, Qt::Key_F, Qt::ControlModifier);
-  auto* word = area.findChild<QLineEdit*>();
-  ASSERT_TRUE(word && word->isVisible() && word->hasFocus());
-  QTest::keyClicks(word, "ab");
-  const auto here = [&] { return area.textCursor().selectionStart(); };
-  EXPECT_EQ(Marks(area), "0-2 5-7 10-12");
-  EXPECT_EQ(here(), 0);
-  for (const auto& [shift, place] :
-       std::vector<std::pair<bool, int>>{{false, 5}, {false, 10}, {false, 0}, {true, 10}}) {
-    QTest::keyClick(word, Qt::Key_Return, shift ? Qt::ShiftModifier : Qt::NoModifier);
-    EXPECT_EQ(here(), place);
-  }
-  area.SetText("ab");  // the marks follow the text
-  EXPECT_EQ(Marks(area), "0-2");
-  QTest::keyClick(word, Qt::Key_Escape);
-  EXPECT_TRUE(area.hasFocus() && !word->isVisible());
-  EXPECT_EQ(Marks(area), "");
-  EXPECT_EQ(area.Text(), "ab");
-}
-
-TEST(QtTextArea, ListenersTakeAndChangeKeys) {
-  QtTextArea area;
-  std::string heard;
-  const auto down = area.KeyDown.Connect([&](std::int32_t& key, std::int32_t shift) {
-    heard += std::to_string(key) + "/" + std::to_string(shift) + " ";
-    if (key == 'X') key = 0;
-  });
-  const auto up =
-      area.KeyUp.Connect([&](std::int32_t& key, std::int32_t) { heard += "up " + std::to_string(key) + " "; });
-  const auto press = area.KeyPress.Connect([](char32_t& character) {
-    if (character == U'a') character = U'ä';
-    if (character == U'b') character = 0;
-  });
-  QTest::keyClicks(&area, "abc");
-  EXPECT_EQ(heard, "65/0 up 65 66/0 up 66 67/0 up 67 ");
-  QTest::keyClick(&area, Qt::Key_X);
-  EXPECT_EQ(area.Text(), "äc");
 }
 
 TEST(QtTextArea, RemarksStandBelowTheTextWhileThereAreAny) {

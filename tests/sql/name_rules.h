@@ -15,8 +15,7 @@ namespace zrqrybld::test {
 inline NameRules RulesOf(std::string_view kind) {
   NameRules rules;
   rules.quotedIdentifiers = {"-", "*", "#", "$", " ", "."};
-  rules.reservedWords =
-      std::make_shared<const std::unordered_set<std::string>>(std::unordered_set<std::string>{"order", "count", "as"});
+  rules.reservedWords = std::make_shared<const WordSet>(WordSet{"order", "count", "as"});
   if (kind == "none") return rules;
   rules.schemaSeparator = ".";
   if (kind == "ansi" || kind == "picky") rules.quotePrefix = rules.quoteSuffix = "\"";

@@ -82,7 +82,7 @@ class DatabaseFile {
  public:
   explicit DatabaseFile(const std::string& script, const std::string& name = "test.db")
       : path_((folder_.Path() / name).string()) {
-    Execute(path_, script.empty() ? "PRAGMA user_version = 1" : script);
+    Execute(path_, "PRAGMA synchronous = OFF; " + (script.empty() ? "PRAGMA user_version = 1" : script));
   }
 
   const std::string& Path() const { return path_; }
