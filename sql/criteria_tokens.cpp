@@ -135,6 +135,9 @@ std::string CriterionTokens::Kept(std::size_t from, std::size_t to) const {
   OneLine line(text_, text);
   for (std::size_t i = from; i < to; ++i) {
     if (IsApostrophe(i)) ThrowCriterionError(text_, tokens_[i].offset, "What this quote begins is never closed.");
+    if (tokens_[i].kind == TokenKind::Word && BeginsAsDate(Text(i))) {
+      ThrowCriterionError(text_, tokens_[i].offset, kBeginsAsDate);
+    }
     line.Add(tokens_[i]);
   }
   return text;

@@ -418,12 +418,11 @@ Expression* ExpressionParser::ParseCase() {
 
 // --- Names ---
 
-// A keyword before a "." is a name; "#" before a figure begins none, for it may be half of a date.
+// A keyword before a "." is a name; "#" alone is none, for it may be half of a date.
 bool ExpressionParser::IsNamePart() const {
   if (reader_.Is(TokenKind::QuotedIdentifier)) return true;
   if (!reader_.Is(TokenKind::Word)) return false;
-  const std::string_view word = reader_.CurrentText();
-  if (word[0] == '#' && (word.size() == 1 || IsDigit(word[1]))) return false;
+  if (reader_.CurrentText() == "#") return false;
   return !IsReserved(reader_.Current().keyword) || reader_.NextIsSign('.');
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <numeric>
+#include <set>
 
 #include "sql/dialect.h"
 #include "sql/join_list.h"
@@ -243,6 +244,43 @@ std::vector<std::size_t> GeneratedOrder(const QuerySnapshot& query, std::span<co
   std::vector<std::size_t> tables;
   for (const FromEntry& entry : PlaceTables(query, order)) tables.push_back(entry.table);
   return tables;
+}
+
+std::vector<std::size_t> OrderFrom(std::size_t first, const QuerySnapshot& query) {
+  std::vector<std::vector<const SnapshotJoin*>> joinsOf(query.tables.size());
+  for (const SnapshotJoin& join : query.joins) {
+    joinsOf[join.source].push_back(&join);
+    joinsOf[join.target].push_back(&join);
+  }
+  std::vector<std::size_t> order;
+  std::vector<bool> stands(query.tables.size());
+  std::set<std::pair<int, std::size_t>> next;  // how soon, and which
+  const auto follow = [&](std::size_t begin) {
+    next.emplace(0, begin);
+    while (!next.empty()) {
+      const std::size_t table = next.extract(next.begin()).value().second;
+      if (stands[table]) continue;
+      stands[table] = true;
+      order.push_back(table);
+      for (const SnapshotJoin* join : joinsOf[table]) {
+        const std::size_t other = join->source == table ? join->target : join->source;
+        const int kind = join->source == table ? join->kind : Reversed(*join).kind;  // 1: all rows of the other
+        if (!stands[other]) next.emplace(kind, other);
+      }
+    }
+  };
+  follow(first);
+  for (std::size_t table = 0; table < query.tables.size(); ++table) {
+    if (!stands[table]) follow(table);
+  }
+  return order;
+}
+
+SnapshotJoin Reversed(SnapshotJoin join) {
+  std::swap(join.source, join.target);
+  std::swap(join.sourceColumn, join.targetColumn);
+  join.kind = ((join.kind & 1) << 1) | ((join.kind & 2) >> 1);
+  return join;
 }
 
 std::string MeaningOfGeneratedJoins(const QuerySnapshot& query, std::span<const std::size_t> order,

@@ -77,6 +77,14 @@ class JoinForms {
 /// `query.tables`; each once) and `query.joins` as they are.
 std::vector<std::size_t> GeneratedOrder(const QuerySnapshot& query, std::span<const std::size_t> order);
 
+/// An order of the tables of the query that begins with `first` and follows the joins: behind the tables that stand
+/// already come those that are always there with them, then those that keep all their rows, then those that may be
+/// missing. A table that is joined to none of these stands behind all that are.
+std::vector<std::size_t> OrderFrom(std::size_t first, const QuerySnapshot& query);
+
+/// The join seen from its other end.
+SnapshotJoin Reversed(SnapshotJoin join);
+
 /// What the joins of the query mean in the text that is generated for the dialect; "" when that text makes no sense.
 std::string MeaningOfGeneratedJoins(const QuerySnapshot& query, std::span<const std::size_t> order,
                                     const Dialect& dialect);

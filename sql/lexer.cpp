@@ -160,18 +160,7 @@ void OneLine::Add(const Token& token) {
   if (!first_ && token.offset != end_) line_ += ' ';
   first_ = false;
   end_ = token.offset + token.length;
-  const std::string_view written = text_.substr(token.offset, token.length);
-  // With another "#" behind it, which stood on a line of its own, such a name would become a date.
-  const bool opensDate =
-      token.kind == TokenKind::Word && written.size() > 1 && written[0] == '#' && IsDigit(written[1]);
-  if (!opensDate) {
-    line_ += written;
-    return;
-  }
-  line_ += '[';
-  line_ += written;
-  line_ += ']';
-  end_ = std::string_view::npos;  // apart from a "]" that may follow
+  line_ += text_.substr(token.offset, token.length);
 }
 
 std::vector<Token> Tokenize(std::string_view text) {

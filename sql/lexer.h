@@ -34,8 +34,8 @@ constexpr std::size_t UnicodeBlankAt(std::string_view text, std::size_t at) {
   for (const std::string_view blank : kLongest) {
     if (three == blank) return 3;
   }
-  const bool isSpace = three.size() == 3 && three.starts_with("\xE2\x80");
-  return isSpace && static_cast<unsigned char>(three[2]) <= 0x8B ? 3 : 0;
+  const bool isSpace = three.starts_with("\xE2\x80") && three >= "\xE2\x80\x80" && three <= "\xE2\x80\x8B";
+  return isSpace ? 3 : 0;
 }
 
 /// A token: `length` bytes from `offset` of the text.
@@ -70,6 +70,13 @@ class Lexer {
   std::string_view text_;
   std::size_t at_ = 0;
 };
+
+/// Whether a word begins as a date between "#" does. With the "#" of another line behind it on the same one, it would
+/// be one: such a name has to stand in quotes.
+constexpr bool BeginsAsDate(std::string_view word) {
+  return word.size() > 1 && word[0] == '#' && word[1] >= '0' && word[1] <= '9';
+}
+inline constexpr std::string_view kBeginsAsDate = "A name that begins with \"#\" and a figure has to stand in quotes.";
 
 /// Writes tokens of a text on one line: as they stand, with one blank for the white space and comments between them.
 class OneLine {

@@ -29,6 +29,8 @@ class TokenReader {
       if (!lexer_.Next(token_)) token_ = Token{.offset = text_.size()};
     } while (token_.kind == TokenKind::Comment && !token_.unfinished);
     if (token_.unfinished) FailUnfinished();
+    if (token_.kind == TokenKind::Word && BeginsAsDate(CurrentText()))
+      Refuse(token_.offset, std::string(kBeginsAsDate));
   }
 
   bool Is(TokenKind kind) const { return token_.kind == kind && token_.length != 0; }
