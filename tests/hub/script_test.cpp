@@ -174,7 +174,9 @@ class Script : public test::Player, public test::Designer {
     actions["deleterows"] = [this](const Words& w) { SelectRows(w), grid->Grid()->DeleteSelectedRows(); };
     actions["insertrows"] = [this](const Words& w) { SelectRows(w), grid->Grid()->InsertRows(); };
     actions["moverows"] = [this](const Words& w) { SelectRows(w), grid->Grid()->MoveRows(1); };
-    actions["sort"] = [this](const Words& w) { hub->SortByColumn(Split2(w[1]).first, Split2(w[1]).second, OrNone(w[2])); };
+    actions["sort"] = [this](const Words& w) {
+      hub->SortByColumn(Split2(w[1]).first, Split2(w[1]).second, OrNone(w[2]));
+    };
     actions["aggregate"] = [this](const Words& w) { hub->GroupColumn(Split2(w[1]).first, Split2(w[1]).second, w[2]); };
     actions["kindof"] = [this](const Words& w) {
       toolkit->GetDialogs().onShowJoinProperties = [&](JoinDialog& dialog) {
