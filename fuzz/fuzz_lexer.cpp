@@ -9,8 +9,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string_view text(reinterpret_cast<const char*>(data), size);
   std::size_t at = 0;
   const auto skipWhite = [&](std::size_t end) {
-    for (; at < end; ++at) {
-      if (!IsWhite(text[at])) std::abort();
+    while (at < end) {
+      const std::size_t blank = IsWhite(text[at]) ? 1 : UnicodeBlankAt(text, at);
+      if (blank == 0) std::abort();
+      at += blank;
     }
   };
   Lexer lexer(text);

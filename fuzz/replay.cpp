@@ -1,5 +1,5 @@
-// Runs the fuzz targets without a fuzzer, as a test: over the inputs that were kept, one folder a target, and over
-// every line of the tables of cases.
+// Runs the fuzz targets without a fuzzer, as a test: over the inputs that were kept, one folder and one file of seeds a
+// target, and over every line of the tables of cases.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -28,6 +28,17 @@ std::string TextOf(const std::filesystem::path& file) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
+// A line of seeds: "\xNN" is a byte.
+std::string Unescaped(const std::string& line) {
+  std::string text;
+  for (std::size_t i = 0; i < line.size(); ++i) {
+    const bool escaped = line[i] == '\\' && i + 3 < line.size();
+    text += escaped ? static_cast<char>(std::stoi(line.substr(i + 2, 2), nullptr, 16)) : line[i];
+    if (escaped) i += 3;
+  }
+  return text;
+}
+
 // A target aborts, or a sanitizer does, where something is wrong.
 std::size_t RunOn(const Target& target, const std::string& text) {
   EXPECT_EQ(target.run(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()), 0);
@@ -38,10 +49,13 @@ TEST(FuzzTargets, TakeWhatWasKeptAndEveryLineOfTheTables) {
   for (const Target& target : kTargets) {
     SCOPED_TRACE(target.name);
     std::size_t inputs = 0;
-    const std::filesystem::path kept = std::filesystem::path(ZRQRYBLD_KEPT_INPUTS) / target.name;
+    const std::filesystem::path folder(ZRQRYBLD_FUZZ_FOLDER);
+    const std::filesystem::path kept = folder / "kept" / target.name;
     if (std::filesystem::exists(kept)) {
       for (const auto& file : std::filesystem::directory_iterator(kept)) inputs += RunOn(target, TextOf(file.path()));
     }
+    std::ifstream seeds(folder / ("seeds_" + target.name + ".txt"));
+    for (std::string line; std::getline(seeds, line);) inputs += RunOn(target, Unescaped(line));
     for (const auto& file : std::filesystem::directory_iterator(ZRQRYBLD_TEST_DATA)) {
       std::ifstream lines(file.path());
       for (std::string line; std::getline(lines, line);) inputs += RunOn(target, line);

@@ -190,8 +190,8 @@ class Loader final : public QuerySource {
         table.entity = entity;
         table.drawnName = drawn[i].writtenName;
         table.position = static_cast<std::int32_t>(i + 1);
-        // An alias is kept as it is written; a table's own name is spelt as in the diagram.
-        if (table.written.alias.Empty() && IsCalled(*entity, table)) table.caption = entity->Caption();
+        // An alias is kept as it is written; a table's own name is spelt as the source does.
+        if (table.written.alias.Empty()) table.caption = entity->TagVariant().Text();
         return;
       }
     };

@@ -34,8 +34,8 @@ constexpr std::size_t UnicodeBlankAt(std::string_view text, std::size_t at) {
   for (const std::string_view blank : kLongest) {
     if (three == blank) return 3;
   }
-  const bool isSpace = three.size() == 3 && three.starts_with("\xE2\x80");
-  return isSpace && static_cast<unsigned char>(three[2]) <= 0x8B ? 3 : 0;
+  const bool isSpace = three.starts_with("\xE2\x80") && three >= "\xE2\x80\x80" && three <= "\xE2\x80\x8B";
+  return isSpace ? 3 : 0;
 }
 
 /// A token: `length` bytes from `offset` of the text.

@@ -24,12 +24,13 @@ void Player::Do(const std::string& step) {
 }
 
 void Player::Play(const Row& row) {
-  std::string failure;
+  std::string failure, description;
   Around([&] {
     try {
       for (const std::string_view step : Split(row[0], "; ")) Do(std::string(step));
     } catch (const Error& error) {
       failure = std::to_string(error.Number());
+      description = error.Description();
     }
   });
   std::string expected;
@@ -40,6 +41,8 @@ void Player::Play(const Row& row) {
     const std::size_t colon = name.find(':');
     if (name == "error") {
       expected = text;
+    } else if (name == "fails") {
+      EXPECT_EQ(description, text);
     } else {
       EXPECT_EQ(Find(answers, name.substr(0, colon))(colon == std::string::npos ? "" : name.substr(colon + 1)), text)
           << name;

@@ -2,7 +2,8 @@
 //
 // A row "--- title" begins a scenario. Every other row is what is done and, in its other cells, what holds afterwards:
 // checks "name=text". Several things are done with "; " between them; each is a word and what it needs, in which "~" is
-// a blank. A question may say what of: "cell:1 alias". A failure that no check "error=number" expects fails the test.
+// a blank. A question may say what of: "cell:1 alias". A failure that no check "error=number" expects fails the test;
+// "fails=text" is its description.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -39,6 +39,13 @@ packages_core="
   ninja-build      ninja
   libgtest-dev     -
 "
+packages_fuzz="
+  clang            clang++
+  libclang-rt-dev  -
+  cmake            cmake
+  ninja-build      ninja
+  python3          python3
+"
 packages_tidy="$packages_core
   clang-tidy       clang-tidy
 "

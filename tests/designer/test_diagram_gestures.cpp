@@ -89,6 +89,7 @@ class DiagramGestures : public test::DesignerWindow {
     std::string rest = blank < step.size() ? step.substr(blank + 1) : "";
     if (what == "choose") return Choose(QString::fromStdString(rest));
     if (what == "picture") return KeepPictures(rest);
+    if (what == "lose") return Designer().SqlView().setFocus();
     const Qt::KeyboardModifiers modifiers = Modifiers(rest);
     if (what == "key" || what == "hold" || what == "let") {
       const QKeyCombination key = QKeySequence(QString::fromStdString(rest))[0];

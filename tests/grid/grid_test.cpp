@@ -1,131 +1,121 @@
-// The grid control alone: columns, rows, layout, input.
+// The grid control alone: the scenarios of tests/data/grid_alone.txt, and the layout.
 #include "grid/grid.h"
 
 #include <gtest/gtest.h>
 
 #include <random>
 
+#include "base/text.h"
 #include "platform/headless.h"
-#include "tests/error_of.h"
+#include "tests/player.h"
 
 namespace zrqrybld {
 namespace {
 
-using test::ErrorOf;
+class GridScene : public test::Player {
+ public:
+  GridScene() {
+    for (const char* key : {"a", "b", "c", "d"}) grid_->Columns()->Add(key, key)->SetWidth(900);
+    grid_->Columns()->Item("b")->SetHidden(true);
+    grid_->Columns()->Item("c")->SetStyle(GridColumnCheckBox);
+    for (int i = 1; i <= 5; ++i) grid_->Rows()->Add()->SetValue("a", i);
+    const auto place = [this](std::int32_t row, std::int32_t column) {
+      return std::to_string(row) + "," + std::to_string(column) + Cell(row, column).Text();
+    };
+    links_.push_back(grid_->BeforeChange.Connect([=, this](std::int32_t row, std::int32_t column, bool& cancel) {
+      Note("?" + place(row, column));
+      cancel = refused_;
+      if (removing_) grid_->Rows()->Remove(row);
+    }));
+    links_.push_back(grid_->AfterChange.Connect(
+        [=, this](std::int32_t row, std::int32_t column) { Note("!" + place(row, column)); }));
+    links_.push_back(grid_->RowColChange.Connect([this](std::int32_t, std::int32_t) {
+      Note(Current());
+      if (clearing_) grid_->Rows()->Clear();
+    }));
+    KnowActions();
+    KnowAnswers();
+  }
 
-// Columns "a" (text), "b" (hidden), "c" (check box) and "d" (text) of 60 pixels, and rows of which each
-// holds its number in "a".
-class Grid : public testing::Test {
- protected:
-  Grid() {
-    for (const char* key : {"a", "b", "c", "d"}) grid->Columns()->Add(key, key)->SetWidth(900);
-    grid->Columns()->Item("b")->SetHidden(true);
-    grid->Columns()->Item("c")->SetStyle(GridColumnCheckBox);
-    for (int i = 1; i <= 5; ++i) grid->Rows()->Add()->SetValue("a", i);
+ private:
+  void Note(const std::string& entry) { heard_ += (heard_.empty() ? "" : " ") + entry; }
+  std::string Current() const { return std::to_string(grid_->Row()) + "," + std::to_string(grid_->Column()); }
+  Variant Cell(std::int32_t row, const Variant& column) const { return grid_->Rows()->Item(row)->Value(column); }
+  static Variant Value(const std::string& word) {
+    if (word == "null") return Variant::Null();
+    if (word == "empty") return {};
+    if (word == "yes") return true;
+    const std::optional<double> number = Variant(word).Number();
+    return number ? Variant(*number) : Variant(OrNone(word));
   }
-  PixelPoint OnCell(std::int32_t row, const char* column) const {
-    const PixelRect cell = grid->GetRowColumnXY(row, column);
-    return {cell.CenterX(), cell.CenterY()};
+  Ref<zrGridRow> Row(const std::string& name) const {
+    return name == "kept" ? kept_ : grid_->Rows()->Item(IsDigit(name[0]) ? Variant(std::stoi(name)) : Variant(name));
   }
-  void Press(PixelPoint at, std::int32_t shift = ShiftNone, std::int32_t button = ButtonLeft) {
-    grid->OnMouseDown({button, shift, at});
-    grid->OnMouseUp({button, shift, at});
+  MouseEvent On(const Words& w) const {
+    const PixelRect cell = grid_->GetRowColumnXY(std::stoi(w[1]), w[2]);
+    return {w.size() > 3 ? ButtonRight : ButtonLeft, ShiftNone, {cell.CenterX(), cell.CenterY()}};
   }
-  bool Key(std::int32_t key) { return grid->OnKeyDown({key, ShiftNone}); }
-  std::string Column(const char* key) const {
-    std::string text;
-    for (std::int32_t i = 1; i <= grid->Rows()->Count(); ++i) text += grid->Rows()->Item(i)->Value(key).Text();
-    return text;
-  }
-  std::string Current() const { return std::to_string(grid->Row()) + "," + std::to_string(grid->Column()); }
 
-  Ref<zrGrid> grid = zrGrid::Create();
+  void KnowActions() {
+    actions["set"] = [this](const Words& w) { Row(w[1])->SetValue(w[2], Value(w[3])); };
+    actions["tag"] = [this](const Words& w) { Row(w[1])->SetTagVariant(w[2], Value(w[3])); };
+    actions["keep"] = [this](const Words& w) { kept_ = Row(w[1]); };
+    actions["lock"] = [this](const Words& w) { Row(w[1])->SetLocked(true); };
+    actions["addrow"] = [this](const Words& w) { grid_->Rows()->Add(w[1], std::stoi(w[2]))->SetValue("a", w[1]); };
+    actions["addafter"] = [this](const Words& w) {
+      grid_->Rows()->Add({}, Variant::Missing(), w[1])->SetValue("a", w[2]);
+    };
+    actions["moverow"] = [this](const Words& w) { grid_->Rows()->Move(std::stoi(w[1]), std::stoi(w[2])); };
+    actions["norow"] = [this](const Words& w) { grid_->Rows()->Remove(Row(w[1])->Index()); };
+    actions["norows"] = [this](auto&) { grid_->Rows()->Clear(); };
+    actions["nocolumn"] = [this](const Words& w) { grid_->Columns()->Remove(w[1]); };
+    actions["nocolumns"] = [this](auto&) { grid_->Columns()->Clear(); };
+    actions["column"] = [this](const Words& w) { grid_->Columns()->Add(w[1]); };
+    actions["goto"] = [this](const Words& w) { grid_->GotoRowCol(std::stoi(w[1]), w[2]); };
+    actions["click"] = [this](const Words& w) {
+      const MouseEvent at = On(w);  // the row may be gone when the button goes up
+      grid_->OnMouseDown(at);
+      grid_->OnMouseUp(at);
+    };
+    actions["double"] = [this](const Words& w) { grid_->OnDoubleClick(On(w)); };
+    actions["key"] = [this](const Words& w) {
+      static const std::map<std::string_view, std::int32_t> kKeys = {{"Up", KeyCodeUp},       {"Down", KeyCodeDown},
+                                                                     {"Left", KeyCodeLeft},   {"Right", KeyCodeRight},
+                                                                     {"Enter", KeyCodeEnter}, {"Space", KeyCodeSpace}};
+      for (auto key = w.begin() + 1; key != w.end(); ++key) {
+        EXPECT_TRUE(grid_->OnKeyDown({kKeys.at(*key), ShiftNone})) << *key;
+      }
+    };
+    actions["refuse"] = [this](const Words& w) { refused_ = w[1] == "yes"; };
+    actions["removing"] = [this](auto&) { removing_ = true; };
+    actions["clearing"] = [this](auto&) { clearing_ = true; };
+  }
+
+  void KnowAnswers() {
+    answers["heard"] = [this](auto&) { return std::exchange(heard_, ""); };
+    answers["current"] = [this](auto&) { return Current(); };
+    answers["column"] = [this](const std::string& of) {
+      std::string text;
+      for (std::int32_t i = 1; i <= grid_->Rows()->Count(); ++i) text += Cell(i, of).Text();
+      return text;
+    };
+    answers["cell"] = [this](const std::string& of) { return Cell(of[0] - '0', of.substr(2)).Text(); };
+    answers["boolean"] = [this](const std::string& of) {
+      return Variant(Cell(of[0] - '0', of.substr(2)).Type() == VariantType::Boolean).Text();
+    };
+    answers["tag"] = [this](const std::string& of) { return Row(of.substr(0, 1))->TagVariant(of[2] - '0').Text(); };
+    answers["row"] = [this](const std::string& of) { return std::to_string(Row(of)->Index()); };
+    answers["place"] = [this](const std::string& of) { return std::to_string(grid_->Columns()->Item(of)->Index()); };
+  }
+
+  Ref<zrGrid> grid_ = zrGrid::Create();
+  std::vector<EventConnection> links_;
+  Ref<zrGridRow> kept_;
+  std::string heard_;
+  bool refused_ = false, removing_ = false, clearing_ = false;
 };
 
-TEST_F(Grid, RowsAreRenumberedWhenTheyComeMoveAndGo) {
-  const Ref<zrGridRows>& rows = grid->Rows();
-  const Ref<zrGridRow> third = rows->Item(3);
-  rows->Add("k", 3)->SetValue("a", "x");
-  EXPECT_EQ(third->Index(), 4);
-  rows->Add({}, Variant::Missing(), "k")->SetValue("a", "y");
-  EXPECT_EQ(Column("a"), "12xy345");
-  rows->Move(6, 1);
-  EXPECT_EQ(Column("a"), "412xy35");
-  EXPECT_EQ(rows->Item("k")->Index(), 4);
-  rows->Remove("k");
-  EXPECT_EQ(third->Index(), 5);
-  EXPECT_EQ(ErrorOf([&] { rows->Add("j", 99); }), ErrorNoSuchItem);
-  EXPECT_EQ(ErrorOf([&] { rows->Item("k"); }), ErrorNoSuchItem);
-  rows->Clear();
-  EXPECT_EQ(third->Index(), 0);
-  EXPECT_EQ(ErrorOf([&] { third->SetValue("a", 1); }), ErrorObjectRemoved);
-}
-
-TEST_F(Grid, CellsStayWithTheirColumns) {
-  const Ref<zrGridRow> row = grid->Rows()->Item(1);
-  row->SetValue("d", "last");
-  row->SetTagVariant("d", 7);
-  grid->Columns()->Remove("b");
-  EXPECT_EQ(row->Value("d"), Variant("last"));
-  EXPECT_EQ(row->TagVariant(3), Variant(7));
-  EXPECT_EQ(grid->Columns()->Item("d")->Index(), 3);
-  EXPECT_EQ(ErrorOf([&] { row->Value("b"); }), ErrorNoSuchItem);
-  grid->Columns()->Clear();
-  grid->Columns()->Add("n");
-  EXPECT_TRUE(row->Value("n").IsEmpty());
-}
-
-TEST_F(Grid, SettingAValueAsksThenStoresThenTells) {
-  std::string heard;
-  bool refuse = false;
-  const Ref<zrGridRow> row = grid->Rows()->Item(2);
-  const auto place = [](std::int32_t r, std::int32_t c) { return std::to_string(r) + "," + std::to_string(c); };
-  const auto before = grid->BeforeChange.Connect([&](std::int32_t r, std::int32_t c, bool& cancel) {
-    heard += "?" + place(r, c) + row->Value("d").Text();
-    cancel = refuse;
-  });
-  const auto after = grid->AfterChange.Connect(
-      [&](std::int32_t r, std::int32_t c) { heard += "!" + place(r, c) + row->Value("d").Text(); });
-  row->SetValue("d", "x");
-  EXPECT_EQ(std::exchange(heard, ""), "?2,4!2,4x");
-  row->SetValue(4, "x");
-  EXPECT_EQ(heard, "");
-  refuse = true;
-  row->SetValue("d", "y");
-  EXPECT_EQ(std::exchange(heard, ""), "?2,4x");
-  EXPECT_EQ(row->Value("d"), Variant("x"));
-  row->SetTagVariant("d", 1);
-  EXPECT_EQ(heard, "");
-  // A listener may remove the row.
-  refuse = false;
-  const auto remove = grid->BeforeChange.Connect([&](std::int32_t r, std::int32_t, bool&) { grid->Rows()->Remove(r); });
-  row->SetValue("d", "z");
-  EXPECT_EQ(row->Index(), 0);
-  EXPECT_EQ(heard.find('!'), std::string::npos);
-}
-
-TEST_F(Grid, ACheckBoxTakesTruthOnly) {
-  const Ref<zrGridRow> row = grid->Rows()->Item(1);
-  struct {
-    Variant value;
-    bool expected;
-  } const good[] = {{true, true}, {"FALSE", false}, {"true", true}, {0, false}, {-1, true}, {0.0, false}, {7, true}};
-  for (const auto& test : good) {
-    row->SetValue("c", test.value);
-    EXPECT_EQ(row->Value("c").Type(), VariantType::Boolean) << test.value.Text();
-    EXPECT_EQ(row->Value("c"), Variant(test.expected)) << test.value.Text();
-  }
-  for (const Variant& bad : {Variant("yes"), Variant(""), Variant("1 x"), Variant::Null(), Variant()}) {
-    try {
-      row->SetValue("c", bad);
-      ADD_FAILURE() << "taken: " << bad.Text();
-    } catch (const Error& error) {
-      EXPECT_EQ(error.Number(), ErrorInvalidPropertyValue);
-      EXPECT_EQ(error.Description(), "Invalid property value. Boolean value expected.");
-    }
-  }
-  EXPECT_EQ(row->Value("c"), Variant(true));
-}
+TEST(GridAlone, DoesWhatItsScenariosSay) { test::PlayFile<GridScene>("grid_alone.txt"); }
 
 // --- Layout ---
 
@@ -174,54 +164,6 @@ TEST(GridLayout, APointIsInTheCellThatIsDrawnThere) {
     const GridLayout::Range visible = layout.VisibleRows(view.height);
     ASSERT_TRUE(visible.first <= row && row <= visible.last);
   }
-}
-
-// --- Input ---
-
-TEST_F(Grid, ArrowsSkipHiddenColumnsAndStopAtTheEdges) {
-  EXPECT_EQ(Current(), "0,0");
-  struct {
-    std::int32_t key;
-    const char* expected;
-  } const steps[] = {{KeyCodeDown, "1,1"},  {KeyCodeRight, "1,3"}, {KeyCodeEnter, "1,4"},
-                     {KeyCodeRight, "1,4"}, {KeyCodeLeft, "1,3"},  {KeyCodeLeft, "1,1"},
-                     {KeyCodeLeft, "1,1"},  {KeyCodeUp, "1,1"},    {KeyCodeDown, "2,1"}};
-  for (const auto& step : steps) {
-    EXPECT_TRUE(Key(step.key));
-    EXPECT_EQ(Current(), step.expected);
-  }
-  for (int i = 0; i < 9; ++i) Key(KeyCodeDown);
-  EXPECT_EQ(Current(), "5,1");
-  EXPECT_EQ(ErrorOf([&] { grid->GotoRowCol(6, 1); }), ErrorNoSuchItem);
-  EXPECT_EQ(ErrorOf([&] { grid->GotoRowCol(1, "x"); }), ErrorNoSuchItem);
-  // The current cell goes with its row or column.
-  std::string heard;
-  const auto link = grid->RowColChange.Connect([&](std::int32_t, std::int32_t) { heard += Current() + " "; });
-  grid->Rows()->Remove(5);
-  grid->Columns()->Clear();
-  EXPECT_EQ(heard, "4,1 0,0 ");
-}
-
-TEST_F(Grid, AClickTicksACheckBoxUnlessTheRowIsLocked) {
-  const auto ticked = [&] { return grid->Rows()->Item(2)->Value("c") == Variant(true); };
-  Press(OnCell(2, "c"));
-  EXPECT_TRUE(ticked());
-  EXPECT_EQ(Current(), "2,3");
-  Press(OnCell(2, "c"), ShiftNone, ButtonRight);
-  EXPECT_TRUE(ticked());
-  grid->OnDoubleClick({ButtonRight, ShiftNone, OnCell(2, "c")});
-  EXPECT_TRUE(ticked());
-  grid->OnDoubleClick({ButtonLeft, ShiftNone, OnCell(2, "c")});
-  EXPECT_FALSE(ticked());
-  Key(KeyCodeSpace);
-  EXPECT_TRUE(ticked());
-  grid->Rows()->Item(2)->SetLocked(true);
-  Press(OnCell(2, "c"));
-  EXPECT_TRUE(ticked());
-  // A listener may remove what was clicked.
-  const auto link = grid->RowColChange.Connect([&](std::int32_t, std::int32_t) { grid->Rows()->Clear(); });
-  Press(OnCell(5, "c"));
-  EXPECT_EQ(Current(), "0,0");
 }
 
 }  // namespace

@@ -77,6 +77,8 @@ TEST_F(Undoing, AsksNeitherTheSourceNorListenersAndWritesTheStatementOnce) {
 TEST_F(Undoing, WhatTheApplicationSetsOutsideOfStepsStays) {
   hub->AddTable("Orders");
   hub->AddTable("Customers");
+  hub->RefreshAutoJoins();
+  const WeakRef<qbRelationship> join = diagram->Entities()->Item("Orders")->Relationships()->Item(1);
   Tick("Orders", "Total");
   diagram->Entities()->Item("Orders")->SetLeft(3000);
   sql->SetSQLSyntax(SQLSyntaxOracle);
@@ -87,6 +89,7 @@ TEST_F(Undoing, WhatTheApplicationSetsOutsideOfStepsStays) {
   EXPECT_EQ(diagram->Entities()->Item("Orders")->Left(), 3000);
   EXPECT_EQ(sql->SQLSyntax(), SQLSyntaxOracle);
   EXPECT_TRUE(Item("Customers", "Extra"));
+  EXPECT_FALSE(join.expired()) << "a join that stays is made anew, beside its old line";
   // Handles of what stays go on to work.
   const Ref<qbEntity> orders = diagram->Entities()->Item("Orders");
   const Ref<zrGridRow> row = grid->Grid()->Rows()->Item(1);

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -75,6 +76,20 @@ inline std::string QueryText(const std::string& path, const std::string& sql) { 
 inline std::string ReadFile(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+/// Runs the action without the superuser's right to read and write everything, while the folder has these permissions.
+template <class Action>
+void AsSomebodyElse(const std::filesystem::path& folder, unsigned permissions, const Action& action) {
+  std::filesystem::permissions(folder, std::filesystem::perms(permissions));
+  const bool isSuperuser = geteuid() == 0;
+  if (isSuperuser) {
+    ASSERT_EQ(seteuid(65534), 0);
+  }
+  action();
+  if (isSuperuser) {
+    ASSERT_EQ(seteuid(0), 0);
+  }
 }
 
 /// A database file that a script has made, in a folder of its own.
