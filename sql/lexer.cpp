@@ -28,6 +28,8 @@ constexpr bool IsLongOperator(char first, char second) {
   }
 }
 
+constexpr bool IsBeyondAscii(char c) { return static_cast<unsigned char>(c) >= 0x80; }
+
 // Part of a word after its first character.
 constexpr bool IsWordTail(char c) { return IsWordByte(c) || c == '$' || c == '#' || c == '@'; }
 constexpr bool IsWordHead(char c) { return (IsWordByte(c) && !IsDigit(c)) || c == '@' || c == '#'; }
@@ -98,7 +100,7 @@ std::size_t Lexer::EndOfDate() const {
 void Lexer::TakeWord(Token& token) {
   std::size_t end = at_ + 1;
   while (end < text_.size() && (kWordTails[static_cast<unsigned char>(text_[end])] ||
-                                (IsWordByte(text_[end]) && UnicodeBlankAt(text_, end) == 0))) {
+                                (IsBeyondAscii(text_[end]) && UnicodeBlankAt(text_, end) == 0))) {
     ++end;
   }
   const std::string_view word = text_.substr(at_, end - at_);
@@ -116,10 +118,10 @@ void Lexer::TakeOperator(Token& token) {
 }
 
 bool Lexer::Next(Token& token) {
-  for (std::size_t blank = 1; blank != 0 && at_ < text_.size(); at_ += blank) {
-    blank = IsWhite(text_[at_])                                  ? 1
-            : kWordTails[static_cast<unsigned char>(text_[at_])] ? 0
-                                                                 : UnicodeBlankAt(text_, at_);
+  while (at_ < text_.size()) {
+    const std::size_t blank = IsWhite(text_[at_]) ? 1 : IsBeyondAscii(text_[at_]) ? UnicodeBlankAt(text_, at_) : 0;
+    if (blank == 0) break;
+    at_ += blank;
   }
   if (at_ >= text_.size()) return false;
   token.keyword = Keyword::None;

@@ -550,8 +550,11 @@ void QtTextArea::PlaceMargins() {
   setViewportMargins(width, 0, 0, below);
   const QRect inside = contentsRect();
   margin_->setGeometry(inside.left(), inside.top(), width, viewport()->height());
-  find_->setGeometry(inside.left(), inside.bottom() + 1 - below, inside.width(), find);
-  remarks_->setGeometry(inside.left(), inside.bottom() + 1 - remarks, inside.width(), remarks);
+  // The scroll bars stand outside of the margins.
+  const int bottom = viewport()->geometry().bottom() + 1;
+  const int across = viewport()->geometry().right() + 1 - inside.left();
+  find_->setGeometry(inside.left(), bottom, across, find);
+  remarks_->setGeometry(inside.left(), bottom + find, across, remarks);
 }
 
 void QtTextArea::SetRemarks(const std::vector<std::string>& remarks) {

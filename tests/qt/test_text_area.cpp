@@ -200,6 +200,15 @@ TEST(QtTextArea, TypedStatementsLookLikeWhatTheyAre) {
     area.findChildren<QPushButton*>().front()->click();
     EXPECT_TRUE(designer.QueryBuilder().SQLPane()->IsEdited()) << "it cannot be applied";
     KeepPicture(Paint(area), "sql-fault-" + named.name);
+    area.insertPlainText(QString(500, QLatin1Char('x')) + QString(50, QLatin1Char('\n')));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return area.horizontalScrollBar()->isVisible(); }));
+    for (const QPushButton* button : area.findChildren<QPushButton*>()) {
+      const QRect place(button->mapTo(&area, QPoint()), button->size());
+      for (QScrollBar* bar : {area.horizontalScrollBar(), area.verticalScrollBar()}) {
+        const QRect covered(bar->mapTo(&area, QPoint()), bar->size());
+        EXPECT_FALSE(bar->isVisible() && covered.intersects(place)) << "a long text hides no button";
+      }
+    }
   }
 }
 
