@@ -11,7 +11,6 @@
 namespace zrqrybld {
 namespace {
 
-constexpr std::size_t kNone = CriterionTokens::kNone;
 constexpr std::size_t kLongestResult = 64u << 20;
 
 // An operator as it may be typed, and as it is written. The lexer reads some as two signs.

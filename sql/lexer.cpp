@@ -36,7 +36,7 @@ constexpr bool IsWordHead(char c) { return (IsWordByte(c) && !IsDigit(c)) || c =
 constexpr auto kWordTails = [] {
   std::array<bool, 256> tails{};
   for (std::size_t i = 0; i < tails.size(); ++i) tails[i] = IsWordTail(static_cast<char>(i));
-  for (const std::size_t i : {0xC2, 0xE2, 0xE3, 0xEF}) tails[i] = false;  // a blank may begin with these
+  for (const std::size_t i : {0xC2u, 0xE2u, 0xE3u, 0xEFu}) tails[i] = false;  // a blank may begin with these
   return tails;
 }();
 
@@ -97,6 +97,18 @@ std::size_t Lexer::EndOfDate() const {
   return end != std::string_view::npos && text_[end] == '#' ? end + 1 : std::string_view::npos;
 }
 
+// A marker ends at the first ")" behind its "("; without these the word alone is the token.
+std::size_t Lexer::EndOfMarker() {
+  const std::size_t word = at_ + std::string_view("?PARAM").size();
+  std::size_t open = word;
+  while (open < text_.size() && IsWhite(text_[open])) ++open;
+  if (open >= unclosedFrom_ || open == text_.size() || text_[open] != '(') return word;
+  const std::size_t close = text_.find(')', open);
+  if (close != std::string_view::npos) return close + 1;
+  unclosedFrom_ = open;  // many such markers must not search the rest of the text each
+  return word;
+}
+
 void Lexer::TakeWord(Token& token) {
   std::size_t end = at_ + 1;
   while (end < text_.size() && (kWordTails[static_cast<unsigned char>(text_[end])] ||
@@ -141,9 +153,7 @@ bool Lexer::Next(Token& token) {
     const std::size_t end = text_.find("*/", at_ + 2);
     Take(token, TokenKind::Comment, end == std::string_view::npos ? end : end + 2);
   } else if (c == '?' && StartsWithNoCase(text_.substr(at_), "?PARAM")) {
-    // A marker ends at the first ")" behind it; without one the word alone is the token.
-    const std::size_t close = text_.find(')', at_);
-    Take(token, TokenKind::Parameter, close == std::string_view::npos ? at_ + 6 : close + 1);
+    Take(token, TokenKind::Parameter, EndOfMarker());
   } else if (c == '#') {
     const std::size_t date = EndOfDate();
     if (date != std::string_view::npos) {

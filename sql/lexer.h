@@ -66,9 +66,11 @@ class Lexer {
   void TakeOperator(Token& token);
   std::size_t EndOfNumber() const;
   std::size_t EndOfDate() const;
+  std::size_t EndOfMarker();
 
   std::string_view text_;
   std::size_t at_ = 0;
+  std::size_t unclosedFrom_ = std::string_view::npos;  // no ")" stands there or behind it
 };
 
 /// Whether a word begins as a date between "#" does. With the "#" of another line behind it on the same one, it would
