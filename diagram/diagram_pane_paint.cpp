@@ -58,6 +58,7 @@ void qbDiagramPane::PaintDiagram(Canvas& canvas, const PixelRect& visible, bool 
     if (!place.Overlaps(visible)) continue;
     BoxLook look;
     look.joined = &joinedRows_;
+    look.text = &GetSurface().Metrics();
     if (const Ref<qbEntity> entity = EntityOf(*box)) look.schemaBytes = SchemaBytesOf(*entity);
     if (withState) {
       const Ref<Object> entity = box->Entity();

@@ -325,10 +325,17 @@ void qbEntityList::PaintCaption(Canvas& canvas, const PixelRect& place, const Bo
   canvas.DrawText({left, bar.top, right - left, bar.height}, caption_, style);
 }
 
-// What the query does with the column, at the right end of `rect`. Returns where it begins.
-Pixels qbEntityList::PaintNote(Canvas& canvas, const PixelRect& rect, const ColumnNote& note, const Ink& ink) const {
+// What the query does with the column, at the right end of `rect`. Signs are always seen, words only as far as the
+// column's name leaves room. Returns where the note begins.
+Pixels qbEntityList::PaintNote(Canvas& canvas, const PixelRect& rect, const ColumnNote& note, Pixels nameWidth,
+                               const Ink& ink) const {
   constexpr Pixels kOrder = 16_px;
   constexpr Pixels kAggregate = 48_px;
+  constexpr Pixels kShortestAggregate = 28_px;
+  const Pixels signs = (note.filtered ? kIcon + kIconGap / 2 : 0_px) + (note.sort != 0 ? kIcon + kIconGap / 2 : 0_px);
+  const Pixels words = rect.width - signs - nameWidth;
+  const bool showsOrder = note.sort != 0 && !note.order.empty() && words >= kOrder;
+  const Pixels aggregate = std::min(words - (showsOrder ? kOrder : 0_px) - kIconGap, kAggregate);
   Pixels right = rect.Right();
   const auto take = [&](Pixels width) {
     right -= width;
@@ -339,13 +346,13 @@ Pixels qbEntityList::PaintNote(Canvas& canvas, const PixelRect& rect, const Colu
     right -= kIconGap / 2;
   }
   if (note.sort != 0) {
-    if (!note.order.empty()) canvas.DrawText(take(kOrder), note.order, {ink, metrics_.font});
+    if (showsOrder) canvas.DrawText(take(kOrder), note.order, {ink, metrics_.font});
     DrawIcon(canvas, note.sort > 0 ? Icon::Ascending : Icon::Descending,
              take(kIcon).Inset(0_px, (rect.height - kIcon) / 2), ink);
     right -= kIconGap / 2;
   }
-  if (!note.aggregate.empty()) {
-    canvas.DrawText(take(kAggregate), note.aggregate, {ink, metrics_.font, TextAlignment::Right});
+  if (!note.aggregate.empty() && aggregate >= kShortestAggregate) {
+    canvas.DrawText(take(aggregate), note.aggregate, {ink, metrics_.font, TextAlignment::Right});
     right -= kIconGap;
   }
   return right;
@@ -384,12 +391,13 @@ void qbEntityList::PaintRow(Canvas& canvas, const PixelRect& rect, const BoxRow&
              marked ? ColorRole::JoinSelected : ColorRole::Join);
     right -= kIcon + kIconGap;
   }
-  if (row.Note() != ColumnNote{}) {
-    right = PaintNote(canvas, {left, rect.top, right - left, rect.height}, row.Note(),
-                      selected ? ink : Ink(ColorRole::QuietText));
-  }
   Font font = metrics_.font;
   font.bold = row.Bold();
+  if (row.Note() != ColumnNote{}) {
+    const Pixels nameWidth = look.text ? look.text->TextWidth(row.Text(), font) : 0_px;
+    right = PaintNote(canvas, {left, rect.top, right - left, rect.height}, row.Note(), nameWidth,
+                      selected ? ink : Ink(ColorRole::QuietText));
+  }
   canvas.DrawText({left, rect.top, right - left, rect.height}, row.Text(), {ink, font});
 }
 

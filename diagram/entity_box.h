@@ -57,6 +57,7 @@ struct BoxLook {
   const std::unordered_set<const BoxRow*>* joined = {};  ///< rows that take part in a join
   const std::unordered_set<const BoxRow*>* marked = {};  ///< rows of the selected join
   std::size_t schemaBytes = 0;                           ///< so much of the caption is the table's schema
+  const TextMetrics* text = nullptr;                     ///< keeps a column's name whole beside the words of its note
 };
 
 /// Every change that can be seen raises `Changed`, or `Move` when lines must be routed anew.
@@ -191,7 +192,8 @@ class qbEntityList final : public Object {
   PixelRect MinimizeRect(const PixelRect& place) const;
   PixelRect ScrollMarkRect(const PixelRect& place) const;
   void PaintCaption(Canvas& canvas, const PixelRect& place, const BoxLook& look) const;
-  Pixels PaintNote(Canvas& canvas, const PixelRect& rect, const ColumnNote& note, const Ink& ink) const;
+  Pixels PaintNote(Canvas& canvas, const PixelRect& rect, const ColumnNote& note, Pixels nameWidth,
+                   const Ink& ink) const;
   void PaintRow(Canvas& canvas, const PixelRect& rect, const BoxRow& row, const BoxLook& look) const;
 
   BoxMetrics metrics_;

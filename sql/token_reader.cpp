@@ -64,9 +64,10 @@ void TokenReader::Refuse(std::size_t offset, std::string message) const {
 }
 
 void TokenReader::FailUnfinished() const {
-  const char* what = token_.kind == TokenKind::Comment  ? "This comment is never closed."
-                     : token_.kind == TokenKind::String ? "This text is never closed."
-                                                        : "This quoted name is never closed.";
+  const char* what = token_.kind == TokenKind::Comment     ? "This comment is never closed."
+                     : token_.kind == TokenKind::String    ? "This text is never closed."
+                     : token_.kind == TokenKind::Parameter ? "This parameter is never closed."
+                                                           : "This quoted name is never closed.";
   Refuse(token_.offset, what);
 }
 

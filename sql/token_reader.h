@@ -28,7 +28,7 @@ class TokenReader {
     do {
       if (!lexer_.Next(token_)) token_ = Token{.offset = text_.size()};
     } while (token_.kind == TokenKind::Comment && !token_.unfinished);
-    if (token_.unfinished) FailUnfinished();
+    if (token_.unfinished || IsOpenMarker()) FailUnfinished();
     if (token_.kind == TokenKind::Word && BeginsAsDate(CurrentText()))
       Refuse(token_.offset, std::string(kBeginsAsDate));
   }
@@ -63,6 +63,8 @@ class TokenReader {
   [[noreturn]] void Refuse(std::size_t offset, std::string message) const;
 
  private:
+  // A marker whose "(" is never closed is the word alone; a ")" that is written behind it later would close it.
+  bool IsOpenMarker() const { return token_.kind == TokenKind::Parameter && token_.length == 6 && NextIsSign('('); }
   [[noreturn]] void FailUnfinished() const;
 
   std::string_view text_;
