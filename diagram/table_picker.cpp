@@ -102,14 +102,14 @@ void TablePicker::FillFromSource(qbEntity& entity, const std::string& tableName)
   MarkPrimaryKeys(entity, table.restrictions);
 }
 
-// A name whose parts name no table may itself hold the separator: it is then tried whole.
+// A name whose parts name no table may itself hold the separator or the quotes: it is then tried whole.
 TablePicker::FoundTable TablePicker::FindTable(const std::string& tableName) {
   const std::vector<Identifier> parts = SplitName(tableName, CurrentNameRules(*context_));
   FoundTable found{RestrictionsFor(parts), nullptr};
   const bool namesTable = found.restrictions.table.has_value();
   if (namesTable) {
     found.row = context_->Connection()->OpenSchema(SchemaKind::Tables, found.restrictions);
-    if (!found.row->Eof() || parts.size() == 1) return found;
+    if (!found.row->Eof() || (parts.size() == 1 && parts.front().Name() == tableName)) return found;
   }
   FoundTable whole;
   whole.restrictions.table = tableName;
@@ -143,10 +143,11 @@ std::vector<SourceColumn> TablePicker::ReadColumns(const SchemaRestrictions& tab
     if (!added) ThrowDuplicateKey("fld" + std::to_string(position));
   }
   std::vector<SourceColumn> inOrder;
+  std::int32_t expected = 0;
   for (auto& [position, column] : columns) {
     // Positions with gaps are a fault of the source that must not go unnoticed.
-    if (position != static_cast<std::int32_t>(inOrder.size()) + 1) ThrowNoSuchItem();
-    inOrder.push_back(std::move(column));
+    if (position != ++expected) ThrowNoSuchItem();
+    if (column.name != "*") inOrder.push_back(std::move(column));  // a row with "*" means all columns
   }
   return inOrder;
 }
@@ -218,13 +219,17 @@ void TablePicker::AddTables(const std::vector<std::string>& names, const TablesD
   const bool one = names.size() == 1;
   const auto add = [&] {
     context_->RaiseInfo(InfoAddTables, static_cast<std::int32_t>(names.size()));
+    const Ref<qbEntities> entities = context_->Entities();
+    std::int32_t whole = entities ? entities->Count() : 0;
     try {
       for (std::size_t i = 0; i < names.size(); ++i) {
         AddTable(names[i]);
+        if (entities) whole = entities->Count();
         if (progress) progress(i + 1);
       }
     } catch (const Error&) {
       try {
+        while (entities && entities->Count() > whole) entities->Remove(entities->Count());  // half a table is none
         RefreshRelationships(context_);
       } catch (const Error&) {
         // The first failure is the one to tell.

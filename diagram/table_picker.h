@@ -43,13 +43,14 @@ class TablePicker {
   Ref<qbEntity> AddTable(const std::string& tableName);
 
   /// Adds several tables and draws the joins that the source's foreign keys name. Errors as above; the tables before
-  /// the one that failed stay, with their joins. `progress` hears of each that was added.
+  /// the one that failed stay, with their joins; of that one nothing does. `progress` hears of each that was added.
   void AddTables(const std::vector<std::string>& names, const TablesDialog::Progress& progress = {});
 
   /// Whether the source has a table or view with this name. Errors are the source's own.
   bool HasTable(const std::string& tableName);
 
-  /// The columns of a table in their order; none when the source has no such table. Errors are the source's own.
+  /// The columns of a table in their order, without one called "*", which no grid row could tell from all columns; none
+  /// when the source has no such table. Errors are the source's own.
   std::optional<std::vector<SourceColumn>> ReadColumns(const std::string& tableName);
 
   /// Asks the source for its tables and views. Errors are the source's own.

@@ -133,12 +133,23 @@ std::string CriterionTokens::Kept(std::size_t from, std::size_t to) const {
   RequireFinished(from, to);
   std::string text;
   OneLine line(text_, text);
+  const auto add = [&](const Token& token) {
+    if (token.kind == TokenKind::Word && BeginsAsDate(text_.substr(token.offset, token.length))) {
+      ThrowCriterionError(text_, token.offset, kBeginsAsDate);
+    }
+    line.Add(token);
+  };
   for (std::size_t i = from; i < to; ++i) {
     if (IsApostrophe(i)) ThrowCriterionError(text_, tokens_[i].offset, "What this quote begins is never closed.");
-    if (tokens_[i].kind == TokenKind::Word && BeginsAsDate(Text(i))) {
-      ThrowCriterionError(text_, tokens_[i].offset, kBeginsAsDate);
+    if (tokens_[i].kind != TokenKind::Date) {
+      add(tokens_[i]);
+      continue;
     }
-    line.Add(tokens_[i]);
+    // A date that only the date format knows is words to whoever reads the statement, and keeps no more blanks.
+    for (Token part : Tokenize(Text(i))) {
+      part.offset += tokens_[i].offset;
+      add(part);
+    }
   }
   return text;
 }

@@ -1,6 +1,7 @@
 #include "sql/generator.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/error.h"
 #include "base/text.h"
@@ -150,8 +151,9 @@ class Generator {
 
   // --- SELECT, ORDER BY, GROUP BY ---
 
-  // Each row's "@field" replaces every "@field" in the whole text so far. What holds none any more is
-  // finished and never looked at again, so the work grows with the text, not with rows times text.
+  // Each row's term replaces every "@field" in the whole text so far. What holds none any more is finished and never
+  // looked at again, so the work grows with the text, not with rows times text. A name is no template, even when a
+  // table is called "@field".
   void WriteSelectList() {
     std::string pending;
     bool first = true;
@@ -162,6 +164,7 @@ class Generator {
       pending += kItem;
       pending += TemplateOf(row);
       pending = Filled(pending, TemplateOperand(row));
+      if (row.table) select_ += std::exchange(pending, {});
       if (!row.alias.Empty()) {
         pending += " AS ";
         pending += QuoteWhenNeeded(row.alias, query_.names).Text();

@@ -41,7 +41,7 @@ TEST_F(Hub, ThePickerListsTablesAndViewsAndAddsWhatIsPicked) {
   };
   hub->ShowTables();
   EXPECT_EQ(Joins(), "Orders.CustomerID>Customers.CustomerID");
-  EXPECT_EQ(Captions(), "Customers Orders dbo.v Orders1");
+  EXPECT_EQ(Captions(), "Customers Orders dbo.v");
   EXPECT_TRUE(infos.starts_with("8/8 2/8 4/8 2/8")) << infos;
   ASSERT_EQ(dialogs.messages.size(), 1u);
   EXPECT_EQ(dialogs.messages[0].text, "An error occured while adding table Orders.\r\n[5] no schema");
