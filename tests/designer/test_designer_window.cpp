@@ -1,4 +1,5 @@
 // The designer's window: the dialect, and what goes wrong. Gestures and keys are in files of their own.
+#include <QAction>
 #include <QComboBox>
 #include <QListView>
 #include <QTemporaryDir>
@@ -94,8 +95,13 @@ TEST_F(DesignerWindowFailures, AFileThatCannotBeOpenedIsAMessageAndTheQueryStays
 }
 
 TEST_F(DesignerWindowFailures, WrongNamesAreMessagesAndTheOthersAreAdded) {
+  const QList<QAction*> actions = window.findChildren<QAction*>();
+  const auto pick = std::ranges::find(actions, QKeySequence(Qt::Key_F7), &QAction::shortcut);
+  ASSERT_NE(pick, actions.end());
+  EXPECT_FALSE((*pick)->isEnabled()) << "there is nothing to pick from";
   EXPECT_EQ(window.AddTables({"Customers"}).size(), 1) << "without a database";
   OpenSample();
+  EXPECT_TRUE((*pick)->isEnabled());
   EXPECT_EQ(Utf8(window.AddTables({"Customers", "Nowhere", "", "Order"}).join("\n")),
             "There is no table or view named \"Nowhere\".\nThere is no table or view named \"\".");
   EXPECT_EQ(Hub().Entities()->Item("Order")->Relationships()->Count(), 1);
