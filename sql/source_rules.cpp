@@ -29,7 +29,9 @@ NameRules CurrentNameRules(const QueryContext& context) {
     rules.quotePrefix = std::move(quotes->prefix);
     rules.quoteSuffix = std::move(quotes->suffix);
   }
-  if (!IsTextSource(context)) rules.schemaSeparator = Known(context, "SCHEMA_SEPARATOR").value_or("");
+  if (!IsTextSource(context)) {
+    rules.schemaSeparator = Known(context, "SCHEMA_SEPARATOR").value_or(context.IsConnected() ? "" : ".");
+  }
   for (std::int32_t i = 1; i <= context.QuotedIdentifiers()->Count(); ++i) {
     rules.quotedIdentifiers.push_back(context.QuotedIdentifiers()->Item(i));
   }

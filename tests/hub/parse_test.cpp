@@ -151,6 +151,7 @@ TEST_F(ParseTest, WithoutASourceTheColumnsAreThoseThatTheStatementNames) {
   EXPECT_EQ(Kinds(), "a.i>s.u.i 2 left");
   EXPECT_EQ(Rows(), "a.x -s.u.Y -s.u.Y -.a.z GLOB 'z'");  // as it is spelled first
   const std::string text = sql->SQLStatement();
+  EXPECT_NE(text.find("LEFT JOIN s.u ON s.u.i = a.i"), std::string::npos) << text;
   Parse(text);
   EXPECT_EQ(sql->SQLStatement(), text);
 }
