@@ -133,23 +133,16 @@ std::string CriterionTokens::Kept(std::size_t from, std::size_t to) const {
   RequireFinished(from, to);
   std::string text;
   OneLine line(text_, text);
-  const auto add = [&](const Token& token) {
-    if (token.kind == TokenKind::Word && BeginsAsDate(text_.substr(token.offset, token.length))) {
-      ThrowCriterionError(text_, token.offset, kBeginsAsDate);
-    }
-    line.Add(token);
-  };
   for (std::size_t i = from; i < to; ++i) {
     if (IsApostrophe(i)) ThrowCriterionError(text_, tokens_[i].offset, "What this quote begins is never closed.");
-    if (tokens_[i].kind != TokenKind::Date) {
-      add(tokens_[i]);
-      continue;
+    if (tokens_[i].kind == TokenKind::Word && BeginsAsDate(Text(i))) {
+      ThrowCriterionError(text_, tokens_[i].offset, kBeginsAsDate);
     }
-    // A date that only the date format knows is words to whoever reads the statement, and keeps no more blanks.
-    for (Token part : Tokenize(Text(i))) {
-      part.offset += tokens_[i].offset;
-      add(part);
+    // Who reads the statement knows no date format, and would take the second "#" for the beginning of a date.
+    if (Token alone; tokens_[i].kind == TokenKind::Date && Lexer(Text(i)).Next(alone) && alone.kind != TokenKind::Date) {
+      ThrowCriterionError(text_, tokens_[i].offset, "In an expression a date is to begin with a figure: #2020-01-31#.");
     }
+    line.Add(tokens_[i]);
   }
   return text;
 }
