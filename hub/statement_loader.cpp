@@ -422,9 +422,10 @@ class Loader final : public QuerySource {
   }
 
   // A table whose columns are not known gets those that the statement names.
-  static Ref<qbEntityItem> ItemOf(const qbEntity& entity, const std::string& column) {
+  static std::int32_t ItemIndex(const qbEntity& entity, const std::string& column) {
     Ref<qbEntityItem> item = entity.Items()->Item(column);
-    return item ? item : entity.Items()->Add(column, column);
+    if (!item) item = entity.Items()->Add(column, column);
+    return item->Index();
   }
 
   void DrawJoins() {
@@ -439,8 +440,8 @@ class Loader final : public QuerySource {
         drawn->SetRightIndicator((join.kind & JoinAllOfTarget) != 0 ? IndicatorImage : IndicatorNone);
       }
       if (!isNew) continue;
-      drawn->SetSourceItemIndex(ItemOf(*source, join.sourceColumn)->Index());
-      drawn->SetTargetItemIndex(ItemOf(*target, join.targetColumn)->Index());
+      drawn->SetSourceItemIndex(ItemIndex(*source, join.sourceColumn));
+      drawn->SetTargetItemIndex(ItemIndex(*target, join.targetColumn));
       hub_.RaiseInfo(InfoRelationshipAdded, Ref<Object>(drawn));
     }
   }
@@ -450,10 +451,10 @@ class Loader final : public QuerySource {
     rows.reserve(query.rows.size());
     for (const SnapshotRow& row : query.rows) {
       qbGridPane::RowContent content;
-      const bool isColumn = row.table && entities_ && row.column != "*";
-      content.column = isColumn ? ItemOf(*tables_[*row.table].entity, row.column)->Text() : row.column;
+      content.column = row.column;
       content.alias = row.alias.Name();
       if (row.table) content.table = tables_[*row.table].caption;
+      if (row.table && entities_ && row.column != "*") ItemIndex(*tables_[*row.table].entity, row.column);
       content.output = row.output;
       content.sortType = row.sortType;
       content.sortOrder = row.sortOrder;

@@ -116,6 +116,7 @@ BoundFrom FromBinder::Bind(bool joinsFromWhere) {
     bound_.conditions.push_back(residual.condition);
   }
   BindWhere(joinsFromWhere);
+  RefuseMarksOutsideWhere();
   if (hasMarks_) {
     FinishMarks();
   } else if (all) {
@@ -191,6 +192,7 @@ std::vector<JoinPair> FromBinder::PairsOf(const Side& left, const Side& right, c
       if (pair && (isInner || linksSides)) {
         pairs.push_back(std::move(*pair));
       } else if (isInner) {
+        RequireClearNames(term);
         residuals_.push_back({&term, false});
       } else {
         scope_.Refuse(term.text,
@@ -201,6 +203,12 @@ std::vector<JoinPair> FromBinder::PairsOf(const Side& left, const Side& right, c
   }
   if (pairs.empty() && !isInner) scope_.Refuse(step.place, "An outer join needs columns to join.");
   return pairs;
+}
+
+// A name that only one of the tables joined here has may be one of several in WHERE.
+void FromBinder::RequireClearNames(const Expression& expression) const {
+  if (expression.kind == ExpressionKind::Column && expression.Qualifier().empty()) scope_.Find(expression);
+  for (const Expression* child = expression.first; child; child = child->next) RequireClearNames(*child);
 }
 
 // The one table of a side that has the column; what USING has joined before counts as one.
@@ -361,6 +369,13 @@ void FromBinder::FinishMarks() {
   forms_.emplace(scope_.Tables().size());
   bound_.meaning = forms_->MeaningOfMarks(bringIn_, whereJoins_);
   if (bound_.meaning.empty()) scope_.Refuse(bound_.firstOuter, "These outer joins wait for each other.");
+}
+
+void FromBinder::RefuseMarksOutsideWhere() const {
+  for (const SelectItem* item = statement_.items; item; item = item->next) RefuseMarks(*item->expression);
+  for (const OrderItem* item = statement_.groupBy; item; item = item->next) RefuseMarks(*item->expression);
+  if (statement_.having) RefuseMarks(*statement_.having);
+  for (const OrderItem* item = statement_.orderBy; item; item = item->next) RefuseMarks(*item->expression);
 }
 
 void FromBinder::RefuseMarks(const Expression& expression) const {

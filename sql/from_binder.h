@@ -69,6 +69,7 @@ class FromBinder {
   void BindStep(Side& left, const JoinStep& step, std::size_t firstResidual);
   std::vector<JoinPair> PairsOf(const Side& left, const Side& right, const JoinStep& step);
   void AddSharedColumns(std::vector<JoinPair>& pairs, const Side& left, const Side& right, const JoinStep& step);
+  void RequireClearNames(const Expression& expression) const;
   void JoinColumns(Side& left, const Side& right, const std::vector<JoinPair>& shared, bool isRight) const;
   std::optional<BoundColumn> ColumnIn(const Side& side, const std::string& name, std::string_view place);
   std::vector<std::string> SharedColumns(const Side& left, const Side& right, const JoinStep& step);
@@ -79,6 +80,7 @@ class FromBinder {
   bool IsWhereJoin(const Expression& condition, bool joinsFromWhere) const;
   void AddMarkedJoin(const Expression& condition);
   void FinishMarks();
+  void RefuseMarksOutsideWhere() const;
   void RefuseMarks(const Expression& expression) const;
 
   const SelectStatement& statement_;

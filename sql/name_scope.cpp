@@ -134,7 +134,7 @@ std::optional<BoundColumn> NameScope::Find(const Expression& column) const {
   if (!qualifier.empty()) {
     const std::size_t table = RequireTable(qualifier, column.text);
     std::optional<std::string> found = source_.FindColumn(table, name);
-    if (!found && !source_.KnowsColumns(table)) found = name;
+    if (!found && !source_.KnowsColumns(table)) found = FirstSpelling(table, name);
     if (!found) {
       Refuse(column.text,
              "The table " + Quoted(tables_[table].caption.Name()) + " has no column " + Quoted(name) + ".");
@@ -151,7 +151,13 @@ std::optional<BoundColumn> NameScope::Find(const Expression& column) const {
     }
     Refuse(column.text, "The column " + Quoted(name) + " may be one of several: " + candidates + ".");
   }
-  return BoundColumn{tables[0], source_.FindColumn(tables[0], name).value_or(name)};
+  std::optional<std::string> found = source_.FindColumn(tables[0], name);
+  return BoundColumn{tables[0], found ? std::move(*found) : FirstSpelling(tables[0], name)};
+}
+
+const std::string& NameScope::FirstSpelling(std::size_t table, const std::string& name) const {
+  if (spellings_.size() <= table) spellings_.resize(table + 1);
+  return spellings_[table].try_emplace(name, name).first->second;
 }
 
 std::optional<BoundColumn> NameScope::TryFind(const Expression& column) const {

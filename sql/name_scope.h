@@ -98,6 +98,8 @@ class NameScope {
   static constexpr std::size_t kAmbiguous = static_cast<std::size_t>(-1);
   std::optional<std::size_t> FindTable(std::string_view qualifier) const;
   std::vector<std::size_t> TablesWith(const std::string& name) const;
+  // Of a column that no source knows: as it is spelled where it is named first.
+  const std::string& FirstSpelling(std::size_t table, const std::string& name) const;
 
   std::string_view text_;
   QuerySource& source_;
@@ -105,6 +107,7 @@ class NameScope {
   ByName<std::size_t> byCaption_;
   ByName<std::size_t> byLastPart_;  // of tables without alias; `kAmbiguous` for several
   ByName<BoundColumn> unified_;
+  mutable std::vector<ByName<std::string>> spellings_;  // by table
 };
 
 }  // namespace zrqrybld

@@ -44,6 +44,11 @@ std::optional<std::string> AnyRowLimitOf(const Expression& term) {
 
 bool IsAggregate(const SnapshotRow& row) { return !row.aggregate.empty(); }
 
+// An expression of numbers alone.
+bool IsFigures(const SnapshotRow& row) {
+  return !row.table && row.column.find_first_not_of("0123456789.+-*/() ") == std::string::npos;
+}
+
 class Binder {
  public:
   Binder(const SelectStatement& statement, NameScope& scope, const BindOptions& options)
@@ -325,9 +330,16 @@ class Binder {
         continue;
       }
       const std::size_t row = RowToSort(*item->expression);
-      if (!rows_[row].sortOrder.empty()) continue;  // sorting by the same once more changes nothing
+      if (IsSorted(rows_[row])) continue;  // sorting by the same once more changes nothing
+      // Nor does sorting by a number of the select list, which would be written as if it were a position.
+      if (rows_[row].output && IsFigures(rows_[row])) continue;
       AddSort(row, item->descending, ++order);
     }
+  }
+
+  bool IsSorted(const SnapshotRow& row) const {
+    const RowField field{row.table, row.column, IsAggregate(row) ? row.groupBy : std::string(), {}};
+    return rows_.FindAny(field, [](const SnapshotRow& alike) { return !alike.sortOrder.empty(); }).has_value();
   }
 
   void AddSort(std::size_t row, bool descending, int order) {
@@ -400,6 +412,7 @@ class Binder {
       const std::vector<std::string> columns = scope_.Source().Columns(*row.table);
       if (left <= static_cast<double>(columns.size())) {
         const RowField field{row.table, columns[static_cast<std::size_t>(left) - 1], {}, {}};
+        if (const auto alike = rows_.FindAny(field, [](const SnapshotRow&) { return true; })) return *alike;
         const std::size_t added = rows_.Add(field);
         if (query_.groupByMode) rows_[added].groupBy = kExpressionText;
         return added;
