@@ -240,8 +240,7 @@ class CriterionReader {
       ReadBetween(negated, end);
     } else {
       if (isField_) Fail("This is no condition on the column.");
-      Put("= ");
-      PutValue(EndOfValue(end));
+      ReadComparison("=", end);
     }
   }
 

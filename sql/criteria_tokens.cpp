@@ -5,6 +5,7 @@
 #include "base/error.h"
 #include "base/text.h"
 #include "sql/date_literal.h"
+#include "sql/statement_printer.h"
 
 namespace zrqrybld {
 namespace {
@@ -17,7 +18,7 @@ constexpr std::string_view kLiteralWords[] = {"DATE", "TIME", "TIMESTAMP", "INTE
 
 bool IsHashDate(std::string_view written, const std::string& dateFormat) {
   DateTime date;
-  return written.size() > 2 &&
+  return written.size() > 2 && written.back() == '#' &&
          ReadDateTime(written.substr(1, written.size() - 2), dateFormat, true, date) != DateReading::NoDate;
 }
 
@@ -58,9 +59,10 @@ void CriterionTokens::Read(std::string_view literalWord, const std::string* date
       }
     }
     if (dateFormat && first == '#' && token.kind != TokenKind::Date) {
+      // As it will be kept: blanks of every kind become one, and what is no date before is none afterwards.
       const std::size_t end = text_.find('#', token.offset + 1);
       if (end != std::string_view::npos &&
-          IsHashDate(text_.substr(token.offset, end + 1 - token.offset), *dateFormat)) {
+          IsHashDate(OnOneLine(text_.substr(token.offset, end + 1 - token.offset)), *dateFormat)) {
         add({TokenKind::Date, false, token.offset, end + 1 - token.offset});
         continue;
       }
