@@ -141,7 +141,8 @@ std::string CriterionTokens::Kept(std::size_t from, std::size_t to) const {
       ThrowCriterionError(text_, tokens_[i].offset, kBeginsAsDate);
     }
     // Who reads the statement knows no date format, and would take the second "#" for the beginning of a date.
-    if (Token alone; tokens_[i].kind == TokenKind::Date && Lexer(Text(i)).Next(alone) && alone.kind != TokenKind::Date) {
+    if (Token alone;
+        tokens_[i].kind == TokenKind::Date && Lexer(Text(i)).Next(alone) && alone.kind != TokenKind::Date) {
       ThrowCriterionError(text_, tokens_[i].offset, "In an expression a date is to begin with a figure: #2020-01-31#.");
     }
     line.Add(tokens_[i]);

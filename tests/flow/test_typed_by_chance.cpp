@@ -163,7 +163,8 @@ class StatementByChance {
     if (kind == 1) return Column();
     if (kind == 2) return Value(depth - 1) + One({" + ", " - ", " * ", " || "}) + Value(depth - 1);
     if (kind == 3) return "coalesce(" + Value(depth - 1) + ", " + Value(depth - 1) + ")";
-    if (kind == 4) return "CASE WHEN " + Condition(1) + " THEN " + Value(depth - 1) + " ELSE " + Value(depth - 1) + " END";
+    if (kind == 4)
+      return "CASE WHEN " + Condition(1) + " THEN " + Value(depth - 1) + " ELSE " + Value(depth - 1) + " END";
     if (kind == 5) return "(" + Value(depth - 1) + ")";
     if (kind == 6) return One({"abs(", "length(", "-("}) + Column() + ")";
     return "CAST(" + Column() + One({" AS INTEGER)", " AS TEXT)"});
@@ -217,11 +218,13 @@ std::vector<std::string> Lines(const std::string& text, bool sorted) {
 
 // What the designer cannot show, and says.
 bool IsKnownRefusal(const std::string& message) {
-  const char* const known[] = {"can be shown in the designer", "cannot be shown in the designer", "may be one of several"};
+  const char* const known[] = {"can be shown in the designer", "cannot be shown in the designer",
+                               "may be one of several"};
   return std::ranges::any_of(known, [&](const char* part) { return message.find(part) != std::string::npos; });
 }
 
-// SQLite alone takes a comma in FROM for a join like others, so it reads a RIGHT or FULL JOIN behind one in another way.
+// SQLite alone takes a comma in FROM for a join like others, so it reads a RIGHT or FULL JOIN behind one in another
+// way.
 bool IsReadInAnotherWay(const std::string& statement) {
   const std::size_t from = statement.find("FROM");
   const std::string tables = statement.substr(from, statement.find("WHERE", from) - from);

@@ -146,7 +146,8 @@ TEST_F(ParseTest, AFailureChangesNothingAndLeavesTheState) {
 
 TEST_F(ParseTest, WithoutASourceTheColumnsAreThoseThatTheStatementNames) {
   sql->SetSQLSyntax(SQLSyntaxMSSQL);
-  const std::string statement = "SELECT a.x FROM t AS a LEFT JOIN s.u ON s.u.i = a.i WHERE u.Y > 5 AND u.y < 9 AND a.z GLOB 'z'";
+  const std::string statement =
+      "SELECT a.x FROM t AS a LEFT JOIN s.u ON s.u.i = a.i WHERE u.Y > 5 AND u.y < 9 AND a.z GLOB 'z'";
   Parse(statement);
   EXPECT_EQ(Kinds(), "a.i>s.u.i 2 left");
   EXPECT_EQ(Rows(), "a.x -s.u.Y -s.u.Y -.a.z GLOB 'z'");  // as it is spelled first
