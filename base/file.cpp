@@ -51,7 +51,7 @@ std::string ReadWholeFile(const std::string& path, std::size_t limit) {
   std::ifstream file(PathOf(path), std::ios::binary);
   if (!file) ThrowFailure(kWhat, path, LastReason());
   std::string text;
-  std::string chunk(64 * 1024, '\0');
+  std::string chunk(std::size_t{64} * 1024, '\0');
   while (file.read(chunk.data(), static_cast<std::streamsize>(chunk.size())) || file.gcount() > 0) {
     text.append(chunk, 0, static_cast<std::size_t>(file.gcount()));
     if (text.size() > limit) ThrowFailure(kWhat, path, "it is larger than " + std::to_string(limit >> 20) + " MB");

@@ -199,7 +199,7 @@ zrGrid::CheckState zrGrid::StateOfColumn(std::size_t column) const {
 void zrGrid::CheckColumn(std::size_t column) {
   const bool check = StateOfColumn(column) != CheckState::On;
   InBatch(GridWork::EditCells, [&] {
-    for (std::size_t row = static_cast<std::size_t>(rows_->Count()); row >= 1; --row) {
+    for (auto row = static_cast<std::size_t>(rows_->Count()); row >= 1; --row) {
       if (row > static_cast<std::size_t>(rows_->Count())) continue;  // a listener has removed rows
       zrGridRow& target = rows_->At(row);
       if (target.ValueAt(column).IsEmpty() || target.Locked()) continue;

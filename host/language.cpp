@@ -54,7 +54,7 @@ constexpr DefaultText kDefaults[] = {
 };
 
 // A caption is a line; a file with longer ones is none of ours.
-constexpr std::size_t kLongestLine = 64 * 1024;
+constexpr std::size_t kLongestLine = std::size_t{64} * 1024;
 
 [[noreturn]] void ThrowInvalidFile() {
   throw Error(ErrorInvalidResFile, "An error occured while loading the language file.");

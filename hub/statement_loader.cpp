@@ -159,7 +159,7 @@ class Loader final : public QuerySource {
       tables_.push_back(std::move(table));
     }
     if (!entities_) return;
-    constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+    constexpr auto kNone = static_cast<std::size_t>(-1);
     struct Drawn {
       Ref<qbEntity> entity;
       std::vector<Identifier> writtenName;

@@ -152,7 +152,8 @@ std::optional<BoundColumn> NameScope::Find(const Expression& column) const {
     Refuse(column.text, "The column " + Quoted(name) + " may be one of several: " + candidates + ".");
   }
   std::optional<std::string> found = source_.FindColumn(tables[0], name);
-  return BoundColumn{tables[0], found ? std::move(*found) : FirstSpelling(tables[0], name)};
+  if (!found) found = FirstSpelling(tables[0], name);
+  return BoundColumn{tables[0], std::move(*found)};
 }
 
 const std::string& NameScope::FirstSpelling(std::size_t table, const std::string& name) const {
