@@ -373,7 +373,11 @@ class Binder {
       if (const auto alias = aliases_.find(FoldCase(name)); alias != aliases_.end()) return alias->second;
       if (const std::optional<std::size_t> row = OutputNamed(name)) return *row;
     }
-    const RowField field = FieldOf(e);
+    return RowToSort(FieldOf(e));
+  }
+
+  // A row that the field has already, or a new one that is not output.
+  std::size_t RowToSort(const RowField& field) {
     const auto suits = [&](const SnapshotRow& row) { return field.table || row.criteria.empty(); };
     if (const std::optional<std::size_t> row = rows_.FindAny(field, suits)) return *row;
     const std::size_t row = rows_.Add(field);
@@ -411,11 +415,7 @@ class Binder {
       }
       const std::vector<std::string> columns = scope_.Source().Columns(*row.table);
       if (left <= static_cast<double>(columns.size())) {
-        const RowField field{row.table, columns[static_cast<std::size_t>(left) - 1], {}, {}};
-        if (const auto alike = rows_.FindAny(field, [](const SnapshotRow&) { return true; })) return *alike;
-        const std::size_t added = rows_.Add(field);
-        if (query_.groupByMode) rows_[added].groupBy = kExpressionText;
-        return added;
+        return RowToSort(RowField{row.table, columns[static_cast<std::size_t>(left) - 1], {}, {}});
       }
       left -= static_cast<double>(columns.size());
     }
