@@ -78,7 +78,6 @@ template <class R, class... A>
 struct Signature {
   using Result = R;
   using Indexes = std::index_sequence_for<A...>;
-  static constexpr std::size_t kCount = sizeof...(A);
   static constexpr std::array<ArgumentType, sizeof...(A)> kTypes{Argument<A>::kType...};
 
   /// Calls `function` on the object with the converted arguments, and converts what comes back.

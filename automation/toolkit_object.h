@@ -82,8 +82,9 @@ class TablesDialogObject final : public DialogObject<const TablesDialog> {
   std::string_view TypeName() const override { return "TablesDialog"; }
   /// The title of the window.
   const std::string& Caption() const { return Shown().caption; }
-  /// The names that can be picked.
+  /// The tables that can be picked.
   const std::vector<std::string>& Tables() const { return Shown().tables; }
+  /// The views that can be picked.
   const std::vector<std::string>& Views() const { return Shown().views; }
   /// Adds one or several tables, as the add button does.
   void Add(const std::vector<std::string>& names) { Shown().add(names, {}); }
@@ -98,12 +99,14 @@ class JoinDialogObject final : public DialogObject<JoinDialog> {
   const std::string& Caption() const { return Shown().caption; }
   /// The title of the frame around the two check boxes.
   const std::string& Frame() const { return Shown().frame; }
-  /// The texts of the two check boxes.
+  /// The text of the first check box.
   const std::string& Table1Text() const { return Shown().allOfTable1; }
+  /// The text of the second check box.
   const std::string& Table2Text() const { return Shown().allOfTable2; }
-  /// What is chosen: all rows of the first table, all rows of the second.
+  /// Whether all rows of the first table are chosen.
   bool Table1Checked() const { return Shown().table1Checked; }
   void SetTable1Checked(bool checked) { Shown().table1Checked = checked; }
+  /// Whether all rows of the second table are chosen.
   bool Table2Checked() const { return Shown().table2Checked; }
   void SetTable2Checked(bool checked) { Shown().table2Checked = checked; }
   /// What the choice returns, in words; "" when the dialog says nothing.
@@ -179,8 +182,9 @@ class TextDialogObject final : public DialogObject<const TextDialog> {
  public:
   explicit TextDialogObject(const TextDialog& dialog) : DialogObject(dialog), text_(dialog.text) {}
   std::string_view TypeName() const override { return "TextDialog"; }
-  /// The title of the window, and what stands before the text.
+  /// The title of the window.
   const std::string& Caption() const { return Shown().caption; }
+  /// What stands before the text.
   const std::string& Label() const { return Shown().label; }
   /// The text, which the answer may replace.
   const std::string& Text() const { return text_; }
@@ -232,14 +236,17 @@ class ToolkitObject final : public Object {
 
   /// A message: its text and picture (see `ToolkitMessage::Icon`).
   Event<const std::string&, std::int32_t> MessageBox;
-  /// The table picker, a join's properties, the prompt for a connection string: the dialog, which the handler answers.
+  /// The table picker: the dialog, which the handler answers.
   Event<const Ref<TablesDialogObject>&> ShowTables;
+  /// A join's properties: the dialog, which the handler answers.
   Event<const Ref<JoinDialogObject>&> JoinProperties;
+  /// The prompt for a connection string: the dialog, which the handler answers.
   Event<const Ref<ConnectionDialogObject>&> ConnectionPrompt;
   /// The window for a long expression: the dialog, which the handler answers.
   Event<const Ref<ExpressionDialogObject>&> Expression;
-  /// Where to save a file, and a line of text to be typed: the dialog, which the handler answers.
+  /// Where to save a file: the dialog, which the handler answers.
   Event<const Ref<SaveFileDialogObject>&> SaveFile;
+  /// A line of text to be typed: the dialog, which the handler answers.
   Event<const Ref<TextDialogObject>&> TextPrompt;
   /// The values of a statement's parameters: the dialog, which the handler answers.
   Event<const Ref<ParametersDialogObject>&> Parameters;

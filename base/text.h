@@ -87,12 +87,6 @@ std::optional<double> ParseNumber(std::string_view text);
 /// The number that `text` begins with, 0 when it begins with none. Blanks in front are skipped.
 double LeadingNumber(std::string_view text);
 
-/// Hash and equality that let string-keyed tables be searched with views.
-struct StringHash {
-  using is_transparent = void;
-  std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>{}(text); }
-};
-
 /// Whether the character is a letter or digit of ASCII, "_" or any character beyond ASCII.
 constexpr bool IsWordByte(char c) {
   const auto u = static_cast<unsigned char>(c);

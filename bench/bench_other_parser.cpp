@@ -7,12 +7,14 @@
 
 #include "bench/statements.h"
 #include "sql/statement_parser.h"
-#include "sql/statement_printer.h"
+#include "tests/print_statement.h"
 
 namespace zrqrybld::bench {
 namespace {
 
-void ReadAndPrintOurs(const std::string& sql) { benchmark::DoNotOptimize(PrintStatement(ParseSelect(sql)).data()); }
+void ReadAndPrintOurs(const std::string& sql) {
+  benchmark::DoNotOptimize(test::PrintStatement(ParseSelect(sql)).data());
+}
 
 void ReadAndPrintTheirs(const std::string& sql) {
   const PgQueryProtobufParseResult tree = pg_query_parse_protobuf(sql.c_str());

@@ -6,7 +6,7 @@
 #include "bench/designer.h"
 #include "bench/statements.h"
 #include "sql/statement_parser.h"
-#include "sql/statement_printer.h"
+#include "tests/print_statement.h"
 
 namespace zrqrybld::bench {
 namespace {
@@ -19,7 +19,7 @@ BENCHMARK_CAPTURE(Parse, short, kShortStatement);
 BENCHMARK_CAPTURE(Parse, long, kLongStatement);
 
 void ParseAndPrint(benchmark::State& state, std::string_view sql) {
-  for (auto _ : state) benchmark::DoNotOptimize(PrintStatement(ParseSelect(sql)).data());
+  for (auto _ : state) benchmark::DoNotOptimize(test::PrintStatement(ParseSelect(sql)).data());
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(sql.size()));
 }
 BENCHMARK_CAPTURE(ParseAndPrint, short, kShortStatement);
@@ -52,7 +52,7 @@ std::string Joins(std::int64_t count) {
 
 void ParseBySize(benchmark::State& state, std::string (*make)(std::int64_t)) {
   const std::string sql = make(state.range(0));
-  for (auto _ : state) benchmark::DoNotOptimize(PrintStatement(ParseSelect(sql)).data());
+  for (auto _ : state) benchmark::DoNotOptimize(test::PrintStatement(ParseSelect(sql)).data());
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(sql.size()));
   state.SetComplexityN(state.range(0));
 }

@@ -17,7 +17,6 @@ class JsonWriter {
   void EndArray() { End(']'); }
   void Text(std::string_view key, std::string_view value);
   void Number(std::string_view key, std::int64_t value) { Raw(key, std::to_string(value)); }
-  void Truth(std::string_view key, bool value) { Raw(key, value ? "true" : "false"); }
 
   /// What was written, ended by a line feed.
   std::string Take() { return std::move(text_) + '\n'; }

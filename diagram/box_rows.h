@@ -109,7 +109,6 @@ class BoxRows {
   std::uint64_t Revision() const { return revision_; }
 
   /// The pictures that the rows' `SmallIcon` values name; nothing at first.
-  const Ref<ImageList>& Images() const { return images_; }
   void SetImages(Ref<ImageList> images) { images_ = std::move(images); }
   /// Whether some row has shown an icon: all rows keep room for one then.
   bool HaveIcons() const { return haveIcons_; }

@@ -52,32 +52,39 @@ class qbDiagramPane final : public Control, private DiagramView {
   Event<> DblClick;
   /// Click on the empty surface.
   Event<> Click;
-  /// The mouse on the empty surface: `MouseButton`, `ShiftMask` bits, place in pixels.
+  /// A button is released on the empty surface: `MouseButton`, `ShiftMask` bits, place in pixels.
   Event<std::int32_t, std::int32_t, float, float> MouseUp;
+  /// A button is pressed on the empty surface; as `MouseUp`.
   Event<std::int32_t, std::int32_t, float, float> MouseDown;
+  /// The mouse moves over the empty surface; as `MouseUp`.
   Event<std::int32_t, std::int32_t, float, float> MouseMove;
-  /// The mouse over an entity's box: as above, and the entity.
+  /// The mouse moves over an entity's box: `MouseButton`, `ShiftMask` bits, place in pixels, and the entity.
   Event<std::int32_t, std::int32_t, float, float, const Ref<Object>&> ObjectMouseMove;
+  /// A button is pressed over an entity's box; as `ObjectMouseMove`.
   Event<std::int32_t, std::int32_t, float, float, const Ref<Object>&> ObjectMouseDown;
+  /// A button is released over an entity's box; as `ObjectMouseMove`.
   Event<std::int32_t, std::int32_t, float, float, const Ref<Object>&> ObjectMouseUp;
   /// A row of a box is clicked.
   Event<const Ref<qbEntity>&, const Ref<qbEntityItem>&> EntityItemClick;
   /// A column is ticked or unticked, by the user or by program.
   Event<const Ref<qbEntity>&, const Ref<qbEntityItem>&> EntityItemCheck;
+  /// A box is clicked.
   Event<const Ref<qbEntity>&> EntityClick;
+  /// A box is double-clicked.
   Event<const Ref<qbEntity>&> EntityDblClick;
   /// The Delete key is about to remove the selected object; the second argument set to true keeps it.
   Event<const Ref<Object>&, bool&> BeforeDeleteObject;
   /// A key on the pane, before the pane acts on it: `KeyCode` (0 makes the pane ignore it), `ShiftMask` bits.
   Event<std::int32_t&, std::int32_t> KeyDown;
+  /// A key is released on the pane: `KeyCode`, `ShiftMask` bits.
   Event<std::int32_t&, std::int32_t> KeyUp;
 
   /// A key that types something on the pane: its Unicode character, which a handler may change.
   Event<char32_t&> KeyPress;
-  /// Texts are dragged over the surface, or dropped on it, while `OLEDropMode` is Manual: the text, the effect (which a
-  /// handler may set to 0 to refuse), `MouseButton` and `ShiftMask` bits, the place in pixels; for a drag over the
-  /// surface also a `DragOverStateEnum`.
+  /// Texts are dragged over the surface while `OLEDropMode` is Manual: the text, the effect (which a
+  /// handler may set to 0 to refuse), `MouseButton` and `ShiftMask` bits, the place in pixels, a `DragOverStateEnum`.
   Event<const std::string&, std::int32_t&, std::int32_t, std::int32_t, float, float, std::int32_t> OLEDragOver;
+  /// Texts are dropped on the surface while `OLEDropMode` is Manual; as `OLEDragOver`, without the state.
   Event<const std::string&, std::int32_t&, std::int32_t, std::int32_t, float, float> OLEDragDrop;
   /// A context menu is about to be shown for an entity, one of its items (the entity is then the `SelectedObject`), a
   /// relationship or, with nothing, the surface. A handler may add and remove entries; an empty menu is not shown.
@@ -110,8 +117,10 @@ class qbDiagramPane final : public Control, private DiagramView {
   /// The font of the rows; an empty one is that of the surroundings.
   const Font& EntityFont() const { return entityFont_; }
   void SetEntityFont(const Font& font);
+  /// The colour of the rows' text.
   Color EntityForeColor() const { return entityForeColor_; }
   void SetEntityForeColor(Color color);
+  /// The colour behind the rows.
   Color EntityBackColor() const { return entityBackColor_; }
   void SetEntityBackColor(Color color);
   /// The colour of the surface; the default, system colour 12, follows the theme.
@@ -120,6 +129,7 @@ class qbDiagramPane final : public Control, private DiagramView {
   /// The font of the caption bars.
   const Font& EntityCaptionFont() const { return entityCaptionFont_; }
   void SetEntityCaptionFont(const Font& font);
+  /// The colour of the boxes' frames.
   Color EntityFrameColor() const { return entityFrameColor_; }
   void SetEntityFrameColor(Color color);
   /// Whether entities that are added from now on show a minimise button.
@@ -137,6 +147,7 @@ class qbDiagramPane final : public Control, private DiagramView {
   /// Takes the properties from a stored form; a missing key has its default, and a value of the wrong kind counts as
   /// missing.
   void ReadProperties(const PropertyStore& store);
+  /// Stores the properties; those with the value of a new pane are left out.
   void WriteProperties(PropertyStore& store) const;
 
   // --- The view ---
@@ -170,6 +181,7 @@ class qbDiagramPane final : public Control, private DiagramView {
   /// Makes an entity or relationship of this pane the selected object; nothing, or what was removed from the
   /// diagram, drops the selection.
   void SelectObject(const Ref<Object>& object);
+  /// Leaves nothing selected.
   void DropSelection() override;
   /// Selects all entities; the `SelectedObject` stays when it is one of them, otherwise the first becomes it.
   void SelectAll();

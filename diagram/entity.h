@@ -49,13 +49,16 @@ class qbEntity final : public Object {
   const Ref<Image>& CaptionIcon() const { return Box().CaptionIcon(); }
   void SetCaptionIcon(Ref<Image> icon) { Box().SetCaptionIcon(std::move(icon)); }
 
-  /// Place and size of the box on the surface, in twips.
+  /// The height of the box, in twips.
   float Height() const { return static_cast<float>(Box().Bounds().height.Value()); }
   void SetHeight(float twips);
+  /// The left edge of the box on the surface, in twips.
   float Left() const { return static_cast<float>(Box().Bounds().left.Value()); }
   void SetLeft(float twips);
+  /// The top edge of the box on the surface, in twips.
   float Top() const { return static_cast<float>(Box().Bounds().top.Value()); }
   void SetTop(float twips);
+  /// The width of the box, in twips.
   float Width() const { return static_cast<float>(Box().Bounds().width.Value()); }
   void SetWidth(float twips);
 
@@ -81,10 +84,11 @@ class qbEntity final : public Object {
   /// The colour behind the rows; the pane's `EntityBackColor` at first.
   Color BackColor() const { return Box().BackColor(); }
   void SetBackColor(Color color) { Box().SetBackColor(color); }
-  /// The colour that is to be transparent in `CaptionIcon`, and whether there is one (False at first). Only kept:
+  /// The colour that is to be transparent in `CaptionIcon`, when `UseCaptionIconMaskColor` says so. Only kept:
   /// pictures bring their own transparency.
   Color CaptionIconMaskColor() const { return Box().CaptionIconMaskColor(); }
   void SetCaptionIconMaskColor(Color color) { Box().SetCaptionIconMaskColor(color); }
+  /// Whether `CaptionIconMaskColor` counts; False at first. Only kept, as the colour.
   bool UseCaptionIconMaskColor() const { return Box().UseCaptionIconMaskColor(); }
   void SetUseCaptionIconMaskColor(bool use) { Box().SetUseCaptionIconMaskColor(use); }
   /// Whether the caption bar offers to minimise the box; the pane's `EntityMinimizeButton` at first.

@@ -66,9 +66,10 @@ class qbRelationship final : public Object {
   const Variant& TargetItemIndex() const { return facts_.targetItemIndex; }
   void SetTargetItemIndex(Variant index);
 
-  /// Whether the source's end (left) and the target's (right) bear a mark; none at first. Setting one redraws the line.
+  /// Whether the source's end bears a mark; none at first. Setting it redraws the line.
   RelationshipIndicatorStyle LeftIndicator() const { return facts_.leftIndicator; }
   void SetLeftIndicator(RelationshipIndicatorStyle style);
+  /// Whether the target's end bears a mark; none at first. Setting it redraws the line.
   RelationshipIndicatorStyle RightIndicator() const { return facts_.rightIndicator; }
   void SetRightIndicator(RelationshipIndicatorStyle style);
 

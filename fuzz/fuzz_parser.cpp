@@ -2,19 +2,19 @@
 #include <cstdlib>
 
 #include "sql/statement_parser.h"
-#include "sql/statement_printer.h"
 #include "sql/syntax_error.h"
+#include "tests/print_statement.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace zrqrybld;
   const std::string_view text(reinterpret_cast<const char*>(data), size);
   std::string printed;
   try {
-    printed = PrintStatement(ParseSelect(text, {.openParenthesesInFrom = size % 2 == 0}));
+    printed = test::PrintStatement(ParseSelect(text, {.openParenthesesInFrom = size % 2 == 0}));
   } catch (const SyntaxError& error) {
     if (!error.Offset() || *error.Offset() > size || error.Message().empty()) std::abort();
     return 0;
   }
-  if (PrintStatement(ParseSelect(printed)) != printed) std::abort();
+  if (test::PrintStatement(ParseSelect(printed)) != printed) std::abort();
   return 0;
 }

@@ -106,7 +106,9 @@ class zrGridColumns final : public Object {
 
   /// Adds a column at the end. Error 457 when the key is in use.
   Ref<zrGridColumn> Add(const std::string& key = {}, std::string caption = {});
+  /// Removes all columns, and the cells of all rows with them.
   void Clear();
+  /// How many there are; positions run from 1 to it.
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.Count()); }
   /// The column at a position from 1 or under a key. Error 9 when there is none.
   Ref<zrGridColumn> Item(const Variant& index) const { return *items_.At(RequirePosition(items_, index)); }

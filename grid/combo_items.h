@@ -18,8 +18,10 @@ class zrGridComboItem final : public Object {
   /// A value of the owner's; the grid stores it in the cell's tag when the choice is taken.
   const Variant& Tag() const { return tag_; }
   void SetTag(Variant tag) { tag_ = std::move(tag); }
+  /// What the list shows.
   const std::string& Text() const { return text_; }
   void SetText(std::string text) { text_ = std::move(text); }
+  /// The key as it was given or set; the list finds the choice by the one that it was added with. "" for none.
   const std::string& Key() const { return key_; }
   void SetKey(std::string key) { key_ = std::move(key); }
 
@@ -43,7 +45,9 @@ class zrGridComboItems final : public Object {
     const Ref<zrGridComboItem> item(new zrGridComboItem(std::move(text), std::move(tag), key));
     return items_.Insert(item, key);
   }
+  /// Removes all choices.
   void Clear() { items_.Clear(); }
+  /// How many there are; positions run from 1 to it.
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.Count()); }
   /// The choice at a position from 1 or under a key. Error 9 when there is none.
   Ref<zrGridComboItem> Item(const Variant& index) const { return *items_.At(RequirePosition(items_, index)); }

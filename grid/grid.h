@@ -99,8 +99,9 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   std::int32_t Column() const { return static_cast<std::int32_t>(currentColumn_); }
   /// The current row, from 1; 0 when no cell is current.
   std::int32_t Row() const { return static_cast<std::int32_t>(currentRow_); }
-  /// The columns, and the rows with their cells.
+  /// The columns.
   const Ref<zrGridColumns>& Columns() const { return columns_; }
+  /// The rows with their cells.
   const Ref<zrGridRows>& Rows() const { return rows_; }
   /// The native window that holds the control; 0 without one.
   std::uintptr_t hwnd() const { return GetSurface().WindowHandle(); }
@@ -118,6 +119,7 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
 
   /// Takes "AllowColumnResize", "AllowRowInsert" and "Font" from a stored form; missing ones have their default.
   void ReadProperties(const PropertyStore& store);
+  /// Stores "AllowColumnResize", "AllowRowInsert" and "Font"; those with their default are left out.
   void WriteProperties(PropertyStore& store) const;
 
   // --- Methods ---

@@ -59,16 +59,19 @@ class qbGridPane final : public Object {
   void AboutBox();
   /// The current column, from 1; 0 when no cell is current.
   std::int16_t Column() const { return static_cast<std::int16_t>(grdPane_->Column()); }
+  /// How many columns there are, hidden ones included.
   std::int32_t ColumnCount() const { return grdPane_->Columns()->Count(); }
   /// Completes the edit of the current cell: an open editor is committed; without one, the cell's value is treated as
   /// just typed. Nothing without a current cell.
   void FinishEdit();
-  /// Hides or shows a column by position from 1 or key. Error 9 when there is none.
+  /// Hides a column by position from 1 or key. Error 9 when there is none.
   void HideColumn(const Variant& columnIndex) { grdPane_->Columns()->Item(columnIndex)->SetHidden(true); }
+  /// Shows a hidden column by position from 1 or key, as wide as it was. Error 9 when there is none.
   void ShowColumn(const Variant& columnIndex) { grdPane_->Columns()->Item(columnIndex)->SetHidden(false); }
-  /// Whether only items of the list can be chosen as column or table.
+  /// Whether only columns of the list can be chosen.
   bool LockColumns() const { return IsLocked("column"); }
   void SetLockColumns(bool lock) { SetLock("column", lock); }
+  /// Whether only tables of the list can be chosen.
   bool LockTables() const { return IsLocked("table"); }
   void SetLockTables(bool lock) { SetLock("table", lock); }
   /// The hub that the pane is linked to, or nothing.
@@ -77,12 +80,15 @@ class qbGridPane final : public Object {
   void RefreshTables();
   /// The current row, from 1; 0 when no cell is current.
   std::int16_t Row() const { return static_cast<std::int16_t>(grdPane_->Row()); }
+  /// How many rows there are, empty ones included.
   std::int32_t RowCount() const { return grdPane_->Rows()->Count(); }
   /// Sets the row's group-by choice. Error 9 when there is no such row.
   void SetGroupByFunction(std::int32_t rowIndex, const qbDBFunction& function);
-  /// Open the expression builder, or a larger editor, on the current cell; an answer other than "cancel" is an edit of
+  /// Opens the expression builder on the current cell; an answer other than "cancel" is an edit of
   /// the cell. Nothing without a current cell or a hub.
   void ShowExpressionBuilder() { EditInWindow(true); }
+  /// Opens a larger editor on the current cell; an answer other than "cancel" is an edit of the cell. Nothing without a
+  /// current cell or a hub.
   void ShowExpressionZoom() { EditInWindow(false); }
   /// A cell's value; a missing row or column means the current one. Error 40001 when either is not above 0.
   Variant Value(const Variant& row = Variant::Missing(), const Variant& column = Variant::Missing()) const;
@@ -94,8 +100,10 @@ class qbGridPane final : public Object {
   /// Whether the query groups, and the group-by column is shown; True at first.
   bool ShowGroupBy() const { return showGroupBy_; }
   void SetShowGroupBy(bool show);
+  /// The font of the grid; an empty one is that of the surroundings.
   const zrqrybld::Font& Font() const { return grdPane_->Font(); }
   void SetFont(const zrqrybld::Font& font);
+  /// Whether dates are written by `DateFormat` or in the escape form; `DateFormatNative` at first.
   DateFormatEnum DateFormatStyle() const { return dateFormatStyle_; }
   void SetDateFormatStyle(DateFormatEnum style);
   /// Whether the application shows its own context menus; False at first.
@@ -109,6 +117,7 @@ class qbGridPane final : public Object {
   /// Takes the properties from a stored form; a missing key has its default, and a value of the wrong kind counts as
   /// missing.
   void ReadProperties(const PropertyStore& store);
+  /// Stores the properties; those with the value of a new pane are left out.
   void WriteProperties(PropertyStore& store) const;
 
   // --- For the hub ---
@@ -142,7 +151,8 @@ class qbGridPane final : public Object {
     std::string groupBy;
     std::vector<std::string> criteria;  ///< from "criteria" on
   };
-  /// Puts rows into the empty ones, then behind the last. The cells are taken as they are; what is output is ticked in its box.
+  /// Puts rows into the empty ones, then behind the last. The cells are taken as they are; what is output is ticked in
+  /// its box.
   void AddRows(const std::vector<RowContent>& rows);
 
   /// Reads the captions of the columns again.

@@ -130,7 +130,9 @@ class zrGridRows final : public Object {
   /// use, 9 when the neighbour does not exist.
   Ref<zrGridRow> Add(const std::string& key = {}, const Variant& before = Variant::Missing(),
                      const Variant& after = Variant::Missing());
+  /// Removes all rows.
   void Clear();
+  /// How many there are; positions run from 1 to it.
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.Count()); }
   /// The row at a position from 1 or under a key. Error 9 when there is none.
   Ref<zrGridRow> Item(const Variant& index) const { return *items_.At(RequirePosition(items_, index)); }

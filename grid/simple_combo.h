@@ -35,11 +35,15 @@ class zrSimpleCombo final : public Control {
   Event<std::int32_t&, std::int32_t> KeyDown;
   /// A key that types something: its Unicode character.
   Event<std::int32_t> KeyPress;
+  /// A key is released: `KeyCode`, `ShiftMask` bits.
   Event<std::int32_t, std::int32_t> KeyUp;
-  /// The mouse on the text box: `MouseButton`, `ShiftMask` bits, place in pixels from the text box's corner.
+  /// A double click on the text box.
   Event<> DblClick;
+  /// A button is pressed on the text box: `MouseButton`, `ShiftMask` bits, place in pixels from the text box's corner.
   Event<std::int32_t, std::int32_t, float, float> MouseDown;
+  /// The mouse moves over the text box; as `MouseDown`.
   Event<std::int32_t, std::int32_t, float, float> MouseMove;
+  /// A button is released on the text box; as `MouseDown`.
   Event<std::int32_t, std::int32_t, float, float> MouseUp;
 
   // --- Properties and methods ---
@@ -61,11 +65,13 @@ class zrSimpleCombo final : public Control {
   void SetText(std::string_view text);
   /// The native window that holds the text box; toolkits whose text boxes are no windows give that of the control.
   std::uintptr_t TextBoxHandle() const { return hwnd(); }
-  /// The selected characters of the text box, counted from 0.
+  /// Where the selected characters of the text box begin, or the caret stands, counted from 0; setting it selects none.
   std::int32_t SelStart() const { return txtCombo_ ? txtCombo_->SelStart() : 0; }
   void SetSelStart(std::int32_t start) { TextBox().Select(start, 0); }
+  /// How many characters of the text box are selected.
   std::int32_t SelLength() const { return txtCombo_ ? txtCombo_->SelLength() : 0; }
   void SetSelLength(std::int32_t length) { TextBox().Select(SelStart(), length); }
+  /// The selected characters; setting it types over them.
   std::string SelText() const { return txtCombo_ ? txtCombo_->SelText() : std::string(); }
   void SetSelText(std::string_view text) { TextBox().SetSelText(text); }
   /// The font of the text; an empty one is that of the surroundings.
@@ -80,8 +86,9 @@ class zrSimpleCombo final : public Control {
 
   /// A property was set: its key. The container marks it as changed.
   Event<std::string_view> PropertyChanged;
-  /// Takes `HideEdit` from a stored form, and stores it; False when it is missing.
+  /// Takes `HideEdit` from a stored form; False when it is missing.
   void ReadProperties(const PropertyStore& store);
+  /// Stores `HideEdit`; False is left out.
   void WriteProperties(PropertyStore& store) const { store.Write("HideEdit", hideEdit_, false); }
 
   // --- For the control whose cells it edits ---
@@ -96,8 +103,9 @@ class zrSimpleCombo final : public Control {
   /// The part of the surface it stands in, in pixels; without one it fills the surface.
   void SetBounds(const PixelRect& bounds);
   PixelRect Bounds() const;
-  /// Shows it with its text selected, or hides it and closes its list.
+  /// Shows it with its text selected.
   void Show();
+  /// Hides it and closes its list.
   void Hide();
   /// Whether it or its text box has the keyboard; a hidden text box leaves it to the owner of the surface.
   bool HasFocus() const { return txtCombo_ && txtCombo_->HasFocus(); }

@@ -85,12 +85,14 @@ class Catalog : public Object {
 template <class Entry>
 class CatalogEntry : public Object {
  public:
+  /// What the catalog finds the entry by, in any letter case.
   const std::string& Name() const { return name_; }
   /// Error 457 when another entry of the catalog has the name.
   void SetName(std::string name) {
     if (catalog_) catalog_->Rename(*this, name);
     name_ = std::move(name);
   }
+  /// What it is for, for a person; "" when nobody has said.
   const std::string& Description() const { return description_; }
   void SetDescription(std::string description) { description_ = std::move(description); }
 
@@ -243,10 +245,12 @@ class StringCollection final : public Object {
     items_.Insert(std::move(text));
     ++revision_;
   }
+  /// Removes all texts.
   void Clear() {
     items_.Clear();
     ++revision_;
   }
+  /// How many texts there are; positions run from 1 to it.
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.Count()); }
   /// The text at a position from 1. Error 9 when there is none.
   const std::string& Item(const Variant& index) const { return *items_.At(RequirePosition(items_, index)); }

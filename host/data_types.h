@@ -37,7 +37,9 @@ class qbDataTypes final : public Object {
   /// Adds a type at the end. Set `IsLong` on the returned item.
   Ref<qbDataType> Add(std::string name = {}, std::int32_t indicator = 0, std::string prefixLetters = {},
                       std::string suffixLetters = {});
+  /// Removes all types.
   void Clear() { items_.clear(); }
+  /// How many there are; positions run from 1 to it.
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.size()); }
 
   /// The first type with this code, or nothing.

@@ -47,6 +47,7 @@ class qbProperties final : public Object {
 
   /// Removes all pairs, also those that the library has put there.
   void Clear() { items_.Clear(); }
+  /// How many there are; positions run from 1 to it.
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.Count()); }
 
   /// Whether the key is in use, in any letter case.

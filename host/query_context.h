@@ -3,7 +3,7 @@
 // The hub derives from it. A pane holds a weak link to its context; through it the pane reaches the
 // catalogs, the connection, the language strings and the model in use, and reports what has
 // happened in it. Reports are direct calls that the hub overrides, never subscriptions to a public
-// event, so that public events come exactly where their stated order puts them.
+// event, so that public events come in one order, which the hub alone decides.
 #pragma once
 
 #include <cstdint>
@@ -89,7 +89,9 @@ class QueryContext : public Object {
   const Ref<qbDataTypes>& DataTypes() const { return dataTypes_; }
   /// The functions, aggregates and grouping choices that the designer offers.
   const Ref<qbDBFunctions>& DBFunctions() const { return functions_; }
+  /// The words with a meaning in SQL; names equal to one are quoted.
   const Ref<qbDBKeywords>& DBKeywords() const { return keywords_; }
+  /// The operators that the designer offers.
   const Ref<qbDBOperators>& DBOperators() const { return operators_; }
   /// Texts whose presence in a name forces it into quotes.
   const Ref<StringCollection>& QuotedIdentifiers() const { return quotedIdentifiers_; }

@@ -159,11 +159,13 @@ class qbQueryBuilder final : public QueryContext {
   bool Undo() { return Travel(true); }
   /// Makes the step again that was undone last; as `Undo`.
   bool Redo() { return Travel(false); }
-  /// Whether there is a step to undo, or to redo.
+  /// Whether there is a step to undo.
   bool CanUndo() const { return history_.Last() != nullptr; }
+  /// Whether there is a step to redo.
   bool CanRedo() const { return history_.Next() != nullptr; }
-  /// What would be undone, or redone, for a menu: "Add table Orders". "" when there is nothing.
+  /// What would be undone, for a menu: "Add table Orders". "" when there is nothing.
   std::string UndoText() const { return TextOf(history_.Last()); }
+  /// What would be redone, for a menu. "" when there is nothing.
   std::string RedoText() const { return TextOf(history_.Next()); }
   /// What can be undone or redone is something else now. The statement is written already.
   Event<> HistoryChanged;

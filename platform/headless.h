@@ -31,7 +31,7 @@ class HeadlessSurface final : public Surface {
   PixelSize ViewSize() const override { return size_; }
   ScreenScale Scale() const override { return {}; }
   const TextMetrics& Metrics() const override { return metrics_; }
-  void Invalidate(const PixelRect& area) override { invalid_ = invalid_.Union(area); }
+  void Invalidate(const PixelRect&) override {}
   void SetScrollBar(Orientation orientation, const ScrollState& state) override;
   void SetCursor(Cursor cursor) override { cursor_ = cursor; }
   void SetCapture(bool captured) override { captured_ = captured; }
@@ -55,8 +55,7 @@ class HeadlessSurface final : public Surface {
 
   /// Changes the size. The control on it is not told: call its `OnResize`.
   void SetViewSize(PixelSize size) { size_ = size; }
-  /// What was invalidated since the last call.
-  PixelRect TakeInvalid() { return std::exchange(invalid_, {}); }
+  /// What a scroll bar was told last.
   const ScrollState& ScrollBar(Orientation orientation) const;
   /// The menu shown last.
   const Menu& LastMenu() const { return menu_; }
@@ -75,7 +74,6 @@ class HeadlessSurface final : public Surface {
  private:
   HeadlessMetrics metrics_;
   PixelSize size_{800_px, 600_px};
-  PixelRect invalid_{};
   ScrollState horizontal_;
   ScrollState vertical_;
   Cursor cursor_ = Cursor::Arrow;
@@ -186,32 +184,6 @@ class MemoryPropertyStore final : public PropertyStore {
 
  private:
   std::map<std::string, Variant, std::less<>> values_;
-};
-
-/// Writes one line of text for every call, for instance "fill 0,0 10x20 Box".
-class RecordingCanvas final : public Canvas {
- public:
-  /// The calls so far, one line each.
-  const std::vector<std::string>& Lines() const { return lines_; }
-  /// All lines, each ended by a line feed.
-  std::string Text() const;
-
-  void FillRect(const PixelRect& rect, const Ink& ink, Pixels radius = {}) override;
-  void StrokeRect(const PixelRect& rect, const Ink& ink, Pixels width, Pixels radius = {}) override;
-  void DrawPolyline(std::span<const PixelPoint> points, const Ink& ink, Pixels width, Pixels radius = {}) override;
-  void FillPolygon(std::span<const PixelPoint> points, const Ink& ink) override;
-  void DrawText(const PixelRect& rect, std::string_view text, const TextStyle& style) override;
-  void DrawImage(const PixelRect& rect, const Image& image) override;
-  void DrawPart(ThemedPart part, const PixelRect& rect, const PartState& state) override;
-
- protected:
-  void PushClip(const PixelRect& rect) override;
-  void PopClip() override;
-  void PushView(PixelPoint origin, double zoom) override;
-  void PopView() override;
-
- private:
-  std::vector<std::string> lines_;
 };
 
 }  // namespace zrqrybld

@@ -19,8 +19,8 @@ class Image final : public Object {
   }
   std::string_view TypeName() const override { return "Image"; }
 
-  int Width() const { return width_; }    ///< in pixels
-  int Height() const { return height_; }  ///< in pixels
+  int Width() const { return width_; }    ///< the width in pixels
+  int Height() const { return height_; }  ///< the height in pixels
   const std::vector<std::uint32_t>& Pixels() const { return pixels_; }
 
  private:

@@ -34,6 +34,7 @@ class qbSQLPane final : public Object {
   Event<> SQLChanged;
   /// A key in the text, before it acts: `KeyCode` (0 takes the key away from the text), `ShiftMask` bits.
   Event<std::int32_t&, std::int32_t> KeyDown;
+  /// A key is released in the text: `KeyCode`, `ShiftMask` bits.
   Event<std::int32_t&, std::int32_t> KeyUp;
   /// A key that types something into the text: its Unicode character, which a handler may change; 0 types nothing.
   Event<char32_t&> KeyPress;

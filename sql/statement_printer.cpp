@@ -8,18 +8,6 @@
 namespace zrqrybld {
 namespace {
 
-void AppendOnOneLine(std::string& text, std::string_view written) {
-  // Most texts are one word.
-  const auto isPlain = [](char c) { return IsWordByte(c) || c == '.'; };
-  if (std::ranges::all_of(written, isPlain)) {
-    text += written;
-    return;
-  }
-  Lexer lexer(written);
-  OneLine line(written, text);
-  for (Token token; lexer.Next(token);) line.Add(token);
-}
-
 void AppendUpper(std::string& text, std::string_view word) {
   for (const char c : word) text += UpperAscii(c);
 }
@@ -82,33 +70,6 @@ class Printer {
     }
   }
 
-  void Print(const SelectStatement& statement) {
-    text_ += "SELECT ";
-    if (statement.distinct) text_ += "DISTINCT ";
-    if (!statement.top.empty()) {
-      text_ += "TOP ";
-      text_ += statement.top;
-      text_ += statement.topPercent ? " PERCENT " : " ";
-    }
-    for (const SelectItem* item = statement.items; item; item = item->next) {
-      if (item != statement.items) text_ += ", ";
-      Print(*item->expression);
-      if (item->alias.empty()) continue;
-      text_ += " AS ";
-      AppendOnOneLine(text_, item->alias);
-    }
-    if (statement.items) text_ += ' ';
-    text_ += "FROM";
-    for (const FromItem* item = statement.from; item; item = item->next) {
-      text_ += item == statement.from ? " " : ", ";
-      Print(*item);
-    }
-    PrintClause(" WHERE ", statement.where);
-    PrintClause(" GROUP BY ", statement.groupBy);
-    PrintClause(" HAVING ", statement.having);
-    PrintClause(" ORDER BY ", statement.orderBy);
-  }
-
  private:
   void PrintList(const Expression* first, std::string_view separator) {
     for (const Expression* e = first; e; e = e->next) {
@@ -166,70 +127,30 @@ class Printer {
     PrintList(second, " ");
   }
 
-  void Print(const FromItem& item) {
-    AppendOnOneLine(text_, item.table);
-    if (!item.alias.empty()) {
-      text_ += " AS ";
-      text_ += item.alias;
-    }
-    for (const JoinStep* step = item.joins; step; step = step->next) {
-      static constexpr std::string_view kWords[] = {" INNER JOIN ", " RIGHT JOIN ", " LEFT JOIN ", " FULL JOIN ",
-                                                    " CROSS JOIN "};
-      if (step->natural) text_ += " NATURAL";
-      text_ += kWords[static_cast<std::size_t>(step->word)];
-      const bool nested = step->right->joins != nullptr;
-      if (nested) text_ += '(';
-      Print(*step->right);
-      if (nested) text_ += ')';
-      PrintClause(" ON ", step->on);
-      for (const NameItem* column = step->columns; column; column = column->next) {
-        text_ += column == step->columns ? " USING (" : ", ";
-        AppendOnOneLine(text_, column->name);
-      }
-      if (step->columns) text_ += ')';
-    }
-  }
-
-  void PrintClause(std::string_view words, const Expression* expression) {
-    if (!expression) return;
-    text_ += words;
-    Print(*expression);
-  }
-
-  void PrintClause(std::string_view words, const OrderItem* items) {
-    for (const OrderItem* item = items; item; item = item->next) {
-      text_ += item == items ? words : ", ";
-      Print(*item->expression);
-      if (item->descending) text_ += " DESC";
-      if (item->nulls.empty()) continue;
-      text_ += ' ';
-      AppendOnOneLine(text_, item->nulls);
-    }
-  }
-
   std::string& text_;
   const Substitution* substitution_;
 };
 
 }  // namespace
 
-std::string PrintStatement(const SelectStatement& statement) {
-  std::string text;
-  text.reserve(statement.text.size() + 32);
-  Printer(text).Print(statement);
-  return text;
-}
-
-std::string PrintExpression(const Expression* expression) {
-  std::string text;
-  if (expression) Printer(text).Print(*expression);
-  return text;
-}
+void AppendExpression(std::string& text, const Expression& expression) { Printer(text).Print(expression); }
 
 std::string PrintExpression(const Expression& expression, const Substitution& substitution) {
   std::string text;
   Printer(text, &substitution).Print(expression);
   return text;
+}
+
+void AppendOnOneLine(std::string& text, std::string_view written) {
+  // Most texts are one word.
+  const auto isPlain = [](char c) { return IsWordByte(c) || c == '.'; };
+  if (std::ranges::all_of(written, isPlain)) {
+    text += written;
+    return;
+  }
+  Lexer lexer(written);
+  OneLine line(written, text);
+  for (Token token; lexer.Next(token);) line.Add(token);
 }
 
 std::string OnOneLine(std::string_view text) {

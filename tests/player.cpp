@@ -15,7 +15,77 @@ const auto& Find(const Map& map, const std::string& name) {
   return found->second;
 }
 
+constexpr std::string_view kTitleMark = "---";
+
+// Nobody plays the rows of a file that could not be read: `fault` says why.
+struct Scenario {
+  std::string name;
+  std::string place;
+  std::vector<Row> rows;
+  std::string fault;
+};
+
+class ScenarioTest final : public testing::Test {
+ public:
+  ScenarioTest(std::function<std::unique_ptr<Player>()> makePlayer, Scenario scenario)
+      : makePlayer_(std::move(makePlayer)), scenario_(std::move(scenario)) {}
+  void TestBody() override {
+    if (!scenario_.fault.empty()) FAIL() << scenario_.fault;
+    const std::unique_ptr<Player> player = makePlayer_();
+    for (const Row& row : scenario_.rows) {
+      SCOPED_TRACE(row.place + " " + row[0]);
+      player->Play(row);
+      if (HasFatalFailure()) return;
+    }
+  }
+
+ private:
+  std::function<std::unique_ptr<Player>()> makePlayer_;
+  Scenario scenario_;
+};
+
+// "A row dropped on a row" is the test ARowDroppedOnARow.
+std::string NameOf(std::string_view title) {
+  std::string name;
+  bool begins = true;
+  for (const char c : title) {
+    const bool counts = IsWordByte(c) && static_cast<unsigned char>(c) < 0x80;
+    if (counts) name += begins ? UpperAscii(c) : c;
+    begins = !counts;
+  }
+  return name;
+}
+
+std::vector<Scenario> ReadScenarios(const char* file) {
+  std::vector<Scenario> scenarios;
+  try {
+    for (Row& row : ReadRows(file)) {
+      if (row[0].starts_with(kTitleMark)) {
+        scenarios.push_back({NameOf(row[0].substr(kTitleMark.size())), row.place, {}, {}});
+      } else if (scenarios.empty()) {
+        throw std::runtime_error(row.place + ": a scenario begins with its title");
+      } else {
+        scenarios.back().rows.push_back(std::move(row));
+      }
+    }
+  } catch (const std::exception& error) {
+    scenarios = {{"CanBeRead", file, {}, error.what()}};
+  }
+  return scenarios;
+}
+
 }  // namespace
+
+bool RegisterScenarios(const char* suite, const char* file, std::function<std::unique_ptr<Player>()> makePlayer) {
+  for (Scenario& scenario : ReadScenarios(file)) {
+    const std::string name = scenario.name;
+    testing::RegisterTest(suite, name.c_str(), nullptr, nullptr, __FILE__, __LINE__,
+                          [makePlayer, scenario = std::move(scenario)]() -> testing::Test* {
+                            return new ScenarioTest(makePlayer, scenario);
+                          });
+  }
+  return true;
+}
 
 void Player::Do(const std::string& step) {
   Words words;

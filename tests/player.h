@@ -47,20 +47,13 @@ class Player {
   std::map<std::string, Answer, std::less<>> answers;
 };
 
-/// Plays every scenario of tests/data/`file`, each with a player of its own.
+/// Registers every scenario of tests/data/`file` as a test of its own, named by its title and played by a player of its
+/// own. For the initializer of a global: tests are registered before the first one runs.
+bool RegisterScenarios(const char* suite, const char* file, std::function<std::unique_ptr<Player>()> makePlayer);
+
 template <class Scene>
-void PlayFile(std::string_view file) {
-  std::unique_ptr<Scene> scene;
-  for (const Row& row : ReadRows(file)) {
-    SCOPED_TRACE(row.place + " " + row[0]);
-    const bool begins = row[0].starts_with("---");
-    if (begins || !scene) {
-      scene.reset();  // before the next one begins: only one window is active at a time
-      scene = std::make_unique<Scene>();
-    }
-    if (!begins) scene->Play(row);
-    if (testing::Test::HasFatalFailure()) return;
-  }
+bool RegisterScenarios(const char* suite, const char* file) {
+  return RegisterScenarios(suite, file, [] { return std::unique_ptr<Player>(std::make_unique<Scene>()); });
 }
 
 }  // namespace zrqrybld::test

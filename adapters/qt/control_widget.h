@@ -35,8 +35,6 @@ class ControlWidget : public QAbstractScrollArea, public Surface, public AccessH
   explicit ControlWidget(Ref<Control> control = nullptr, QWidget* parent = nullptr);
   ~ControlWidget() override;
 
-  /// The control that lives here; may be nothing.
-  const Ref<Control>& GetControl() const { return control_; }
   /// Puts another control here, or none. The one before moves to its headless surface.
   void SetControl(Ref<Control> control);
 

@@ -15,9 +15,6 @@ class QtDialogs final : public Dialogs {
   /// `parent` is the window over which dialogs appear; the active window when it is nothing.
   explicit QtDialogs(QWidget* parent = nullptr) : parent_(parent) {}
 
-  /// The window over which dialogs appear.
-  void SetParent(QWidget* parent) { parent_ = parent; }
-
   /// Failures while tables are added go here instead of into a message.
   void SetErrorHandler(ErrorHandler handler) { errorHandler_ = std::move(handler); }
 

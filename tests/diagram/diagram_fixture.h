@@ -10,6 +10,7 @@
 #include "diagram/relationships.h"
 #include "platform/headless.h"
 #include "tests/error_of.h"
+#include "tests/fakes/recording_canvas.h"
 
 namespace zrqrybld::test {
 

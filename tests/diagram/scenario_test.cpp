@@ -401,7 +401,7 @@ class DiagramScene : public test::Player, private test::DiagramHands {
   bool used_ = false;
 };
 
-TEST(Diagram, DoesWhatItsScenariosSay) { test::PlayFile<DiagramScene>("diagram.txt"); }
+[[maybe_unused]] const bool kScenarios = test::RegisterScenarios<DiagramScene>("DiagramScenario", "diagram.txt");
 
 }  // namespace
 }  // namespace zrqrybld

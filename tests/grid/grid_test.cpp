@@ -115,7 +115,7 @@ class GridScene : public test::Player {
   bool refused_ = false, removing_ = false, clearing_ = false;
 };
 
-TEST(GridAlone, DoesWhatItsScenariosSay) { test::PlayFile<GridScene>("grid_alone.txt"); }
+[[maybe_unused]] const bool kScenarios = test::RegisterScenarios<GridScene>("GridAloneScenario", "grid_alone.txt");
 
 // --- Layout ---
 

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/headless.h"
+#include "tests/fakes/recording_canvas.h"
 #include "tests/player.h"
 
 namespace zrqrybld {
@@ -104,7 +105,7 @@ class Combo : public test::Player {
   bool kept_ = false;
 };
 
-TEST(SimpleCombo, DoesWhatItsTableSays) { test::PlayFile<Combo>("combo.txt"); }
+[[maybe_unused]] const bool kScenarios = test::RegisterScenarios<Combo>("SimpleComboScenario", "combo.txt");
 
 }  // namespace
 }  // namespace zrqrybld

@@ -414,10 +414,10 @@ class Script : public test::Player, public test::Designer {
   HeadlessTextArea area_;
 };
 
-TEST(Designer, DoesWhatItsScenariosSay) { test::PlayFile<Script>("designer.txt"); }
-TEST(Designer, UndoesAsItsScenariosSay) { test::PlayFile<Script>("history.txt"); }
-TEST(Designer, TakesTypedStatementsAsItsScenariosSay) { test::PlayFile<Script>("typed_sql.txt"); }
-TEST(Designer, EditsItsGridAsItsScenariosSay) { test::PlayFile<Script>("grid_edits.txt"); }
+[[maybe_unused]] const bool kScenarios = test::RegisterScenarios<Script>("DesignerScenario", "designer.txt") &&
+                                         test::RegisterScenarios<Script>("HistoryScenario", "history.txt") &&
+                                         test::RegisterScenarios<Script>("TypedSqlScenario", "typed_sql.txt") &&
+                                         test::RegisterScenarios<Script>("GridEditScenario", "grid_edits.txt");
 
 }  // namespace
 }  // namespace zrqrybld

@@ -7,6 +7,7 @@
 #include "platform/mirrored_canvas.h"
 #include "platform/schema_fields.h"
 #include "platform/table_row_set.h"
+#include "tests/fakes/recording_canvas.h"
 
 namespace zrqrybld {
 namespace {

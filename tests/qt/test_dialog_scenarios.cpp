@@ -163,7 +163,7 @@ class DialogScene : public test::Player {
   bool wasBusy_ = false;
 };
 
-TEST(Dialogs, DoWhatTheirScenariosSay) { test::PlayFile<DialogScene>("dialogs.txt"); }
+[[maybe_unused]] const bool kScenarios = test::RegisterScenarios<DialogScene>("DialogScenario", "dialogs.txt");
 
 }  // namespace
 }  // namespace zrqrybld

@@ -10,6 +10,7 @@
 
 #include "adapters/qt/control_widget.h"
 #include "adapters/qt/qt_text.h"
+#include "tests/fakes/recording_canvas.h"
 #include "tests/hub/hub_fixture.h"
 #include "tests/player.h"
 #include "tests/qt/hands.h"
@@ -289,7 +290,7 @@ class GridWindow : public test::Player, public test::Designer {
   int changes_ = 0;
 };
 
-TEST(QtGrid, DoesWhatItsGesturesSay) { test::PlayFile<GridWindow>("grid_gestures.txt"); }
+[[maybe_unused]] const bool kScenarios = test::RegisterScenarios<GridWindow>("GridWindowScenario", "grid_gestures.txt");
 
 }  // namespace
 }  // namespace zrqrybld

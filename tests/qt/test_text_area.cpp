@@ -145,7 +145,7 @@ class AreaScene : public test::Player {
   bool finding_ = false;
 };
 
-TEST(QtTextArea, DoesWhatItsScenariosSay) { test::PlayFile<AreaScene>("text_area.txt"); }
+[[maybe_unused]] const bool kScenarios = test::RegisterScenarios<AreaScene>("TextAreaScenario", "text_area.txt");
 
 TEST(QtTextArea, SpansThatAreWrongAndListenersThatFailDoNoHarm) {
   QtTextArea area;

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "sql/statement_printer.h"
 #include "sql/syntax_error.h"
 #include "tests/data_table.h"
+#include "tests/print_statement.h"
 
 namespace zrqrybld {
 namespace {
@@ -18,7 +18,7 @@ std::string Repeated(std::string_view text, std::size_t count) {
 // The statement printed, or "! line:column message".
 std::string Printed(std::string_view sql, const ParseOptions& options = {}) {
   try {
-    return PrintStatement(ParseSelect(sql, options));
+    return test::PrintStatement(ParseSelect(sql, options));
   } catch (const SyntaxError& error) {
     EXPECT_EQ(error.Number(), ErrorParsingText);
     EXPECT_LE(error.Offset().value_or(sql.size() + 1), sql.size());
