@@ -160,7 +160,7 @@ Menu qbDiagramPane::MenuForColumn(const Ref<qbEntity>& entity, const Ref<qbEntit
 // Only the kinds that the dialect can write, and the one that the join has.
 MenuEntry qbDiagramPane::KindsOf(const Ref<qbRelationship>& join) {
   const Ref<QueryContext> context = Context();
-  const auto kind = [&](std::int32_t value, const std::string& text) {
+  const auto kind = [&](JoinKind value, const std::string& text) {
     return MenuEntry{text, "",
                      [this, join, value] {
                        const Ref<QueryContext> hub = Context();
@@ -171,11 +171,11 @@ MenuEntry qbDiagramPane::KindsOf(const Ref<qbRelationship>& join) {
                      true, join->Kind() == value};
   };
   MenuEntry kinds{"&Kind", ""};
-  kinds.entries = {kind(0, "&Matching Rows Only"),
-                   kind(JoinAllOfSource, "All Rows from &" + InMenu(join->Source()->Caption())),
-                   kind(JoinAllOfTarget, "All Rows from &" + InMenu(join->Target()->Caption()))};
+  kinds.entries = {kind({}, "&Matching Rows Only"),
+                   kind({.allOfSource = true}, "All Rows from &" + InMenu(join->Source()->Caption())),
+                   kind({.allOfTarget = true}, "All Rows from &" + InMenu(join->Target()->Caption()))};
   const bool hasFull = !context || context->HasFullJoin();
-  MenuEntry full = kind(JoinAllOfSource | JoinAllOfTarget, "All Rows from &Both");
+  MenuEntry full = kind({.allOfTarget = true, .allOfSource = true}, "All Rows from &Both");
   full.enabled = hasFull;
   if (hasFull || full.checked) kinds.entries.push_back(std::move(full));
   return kinds;
@@ -200,7 +200,7 @@ void qbDiagramPane::ReverseJoin(const Ref<qbRelationship>& join) {
   if (!source || !target) return;
   const Ref<QueryContext> context = Context();
   const StepScope step(context, kStepReverseJoin);
-  const std::int32_t kind = join->Kind();
+  const JoinKind kind = join->Kind();
   source->Relationships()->Remove(join->Index());
   if (!source->EntityBox() || !target->EntityBox()) return;  // a listener has removed one
   const Ref<qbRelationship> reversed = target->Relationships()->Add(source);
@@ -208,8 +208,7 @@ void qbDiagramPane::ReverseJoin(const Ref<qbRelationship>& join) {
   reversed->SetRightPicture(join->LeftPicture());
   reversed->SetSourceItemIndex(join->TargetItemIndex());
   reversed->SetTargetItemIndex(join->SourceItemIndex());
-  SetJoinKind(*reversed, ((kind & JoinAllOfSource) != 0 ? JoinAllOfTarget : 0) |
-                             ((kind & JoinAllOfTarget) != 0 ? JoinAllOfSource : 0));
+  SetJoinKind(*reversed, kind.Reversed());
   SelectObject(reversed);
 }
 

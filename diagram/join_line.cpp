@@ -156,7 +156,7 @@ void qbLine::Paint(Canvas& canvas, const ScreenScale& scale, bool selected, bool
   const Ink ink = selected ? ColorRole::JoinSelected : hover ? ColorRole::JoinHover : ColorRole::Join;
   canvas.DrawPolyline(points, ink, selected ? 2.5_px : hover ? 2_px : 1.5_px, kBend);
   const Ref<qbRelationship> join = Relationship();
-  const std::int32_t kind = join ? join->Kind() : 0;
+  const JoinKind kind = join ? join->Kind() : JoinKind();
   const PixelPoint first = points.front();
   const PixelPoint last = points.back();
   const bool sourceIsRight = points[1].x < first.x;
@@ -173,9 +173,9 @@ void qbLine::Paint(Canvas& canvas, const ScreenScale& scale, bool selected, bool
   const auto pictureAt = [](RelationshipIndicatorStyle style, const Ref<Image>& picture) {
     return style == IndicatorImage ? picture : nullptr;
   };
-  paintEnd(first, sourceIsRight, (kind & JoinAllOfSource) != 0, sourceAtRow_,
+  paintEnd(first, sourceIsRight, kind.allOfSource, sourceAtRow_,
            join ? pictureAt(join->LeftIndicator(), join->LeftPicture()) : nullptr);
-  paintEnd(last, targetIsRight, (kind & JoinAllOfTarget) != 0, targetAtRow_,
+  paintEnd(last, targetIsRight, kind.allOfTarget, targetAtRow_,
            join ? pictureAt(join->RightIndicator(), join->RightPicture()) : nullptr);
   PaintSign(canvas, kind, ink);
 }
@@ -183,7 +183,7 @@ void qbLine::Paint(Canvas& canvas, const ScreenScale& scale, bool selected, bool
 // In the middle of the line, on a ground of its own: the circle of the table that stands further left is the left one.
 // Columns of different types have a sign of inequality behind it. In a narrow gap there is no room for circles: there
 // the ends alone tell the kind.
-void qbLine::PaintSign(Canvas& canvas, std::int32_t kind, const Ink& ink) const {
+void qbLine::PaintSign(Canvas& canvas, JoinKind kind, const Ink& ink) const {
   const std::size_t bend = points_.size() / 2;
   const PixelPoint a = points_[bend - 1];
   const PixelPoint b = points_[bend];
@@ -197,8 +197,8 @@ void qbLine::PaintSign(Canvas& canvas, std::int32_t kind, const Ink& ink) const 
                          (kCircle + kSignAir) * 2};
   canvas.FillRect(ground, ColorRole::Surface, kCircle + kSignAir);
   const bool sourceIsLeft = points_.front().x <= points_.back().x;
-  const bool allOfLeft = (kind & (sourceIsLeft ? JoinAllOfSource : JoinAllOfTarget)) != 0;
-  const bool allOfRight = (kind & (sourceIsLeft ? JoinAllOfTarget : JoinAllOfSource)) != 0;
+  const bool allOfLeft = sourceIsLeft ? kind.allOfSource : kind.allOfTarget;
+  const bool allOfRight = sourceIsLeft ? kind.allOfTarget : kind.allOfSource;
   const Pixels middle = ground.left + kSignAir + kCircle + kOverlap;
   if (roomy) DrawKind(canvas, {middle, ground.CenterY()}, allOfLeft, allOfRight, ink);
   if (differs) DrawInequality(canvas, {ground.Right() - kSignAir - kCircle, ground.CenterY()});

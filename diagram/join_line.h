@@ -57,7 +57,7 @@ class qbLine final : public Object {
   void Paint(Canvas& canvas, const ScreenScale& scale, bool selected, bool hover) const;
 
  private:
-  void PaintSign(Canvas& canvas, std::int32_t kind, const Ink& ink) const;
+  void PaintSign(Canvas& canvas, JoinKind kind, const Ink& ink) const;
 
   WeakRef<qbRelationship> relationship_;
   WeakRef<qbEntityList> source_;

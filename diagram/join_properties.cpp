@@ -5,17 +5,13 @@
 
 namespace zrqrybld {
 
-std::string DescribeJoin(const std::string& source, const std::string& target, std::int32_t kind) {
-  switch (kind & (JoinAllOfTarget | JoinAllOfSource)) {
-    case JoinAllOfTarget:
-      return "All rows from " + target + ", and the matching rows from " + source + ".";
-    case JoinAllOfSource:
-      return "All rows from " + source + ", and the matching rows from " + target + ".";
-    case JoinAllOfTarget | JoinAllOfSource:
-      return "All rows from " + source + " and all rows from " + target + ", put together where they match.";
-    default:
-      return "Only rows that match in both " + source + " and " + target + ".";
+std::string DescribeJoin(const std::string& source, const std::string& target, JoinKind kind) {
+  if (kind.IsFull()) {
+    return "All rows from " + source + " and all rows from " + target + ", put together where they match.";
   }
+  if (kind.allOfTarget) return "All rows from " + target + ", and the matching rows from " + source + ".";
+  if (kind.allOfSource) return "All rows from " + source + ", and the matching rows from " + target + ".";
+  return "Only rows that match in both " + source + " and " + target + ".";
 }
 
 std::string DescribeEnds(const qbRelationship& relationship) {
@@ -26,10 +22,10 @@ std::string DescribeEnds(const qbRelationship& relationship) {
          end(relationship.Target(), relationship.TargetItem());
 }
 
-void SetJoinKind(qbRelationship& relationship, std::int32_t kind) {
-  relationship.SetItemData(kind);
-  relationship.SetRightIndicator((kind & JoinAllOfTarget) != 0 ? IndicatorImage : IndicatorNone);
-  relationship.SetLeftIndicator((kind & JoinAllOfSource) != 0 ? IndicatorImage : IndicatorNone);
+void SetJoinKind(qbRelationship& relationship, JoinKind kind) {
+  relationship.SetItemData(kind.Bits());
+  relationship.SetRightIndicator(kind.allOfTarget ? IndicatorImage : IndicatorNone);
+  relationship.SetLeftIndicator(kind.allOfSource ? IndicatorImage : IndicatorNone);
 }
 
 bool EditJoin(QueryContext& context, qbRelationship& relationship) {
@@ -47,13 +43,12 @@ bool EditJoin(QueryContext& context, qbRelationship& relationship) {
   dialog.allOfTable2 = text(LanguageJoinTable2);
   dialog.acceptButton = text(LanguageJoinAcceptButton);
   dialog.cancelButton = text(LanguageJoinCancelButton);
-  dialog.table1Checked = (relationship.Kind() & JoinAllOfTarget) != 0;
-  dialog.table2Checked = (relationship.Kind() & JoinAllOfSource) != 0;
+  dialog.table1Checked = relationship.Kind().allOfTarget;
+  dialog.table2Checked = relationship.Kind().allOfSource;
   dialog.table1 = target->Caption();
   dialog.table2 = source->Caption();
-  const auto kindOf = [](bool all1, bool all2) { return (all1 ? JoinAllOfTarget : 0) | (all2 ? JoinAllOfSource : 0); };
   dialog.describe = [&](bool all1, bool all2) {
-    return DescribeJoin(source->Caption(), target->Caption(), kindOf(all1, all2));
+    return DescribeJoin(source->Caption(), target->Caption(), {.allOfTarget = all1, .allOfSource = all2});
   };
   dialog.warning = [&](bool all1, bool all2) {
     return all1 && all2 && !context.HasFullJoin()
@@ -62,7 +57,7 @@ bool EditJoin(QueryContext& context, qbRelationship& relationship) {
                : std::string();
   };
   if (!context.GetToolkit().GetDialogs().ShowJoinProperties(dialog)) return false;
-  SetJoinKind(relationship, kindOf(dialog.table1Checked, dialog.table2Checked));
+  SetJoinKind(relationship, {.allOfTarget = dialog.table1Checked, .allOfSource = dialog.table2Checked});
   return true;
 }
 

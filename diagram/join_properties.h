@@ -9,7 +9,7 @@
 namespace zrqrybld {
 
 /// What a join of this kind returns, in words: "All rows from Orders, and the matching rows from Customers."
-std::string DescribeJoin(const std::string& source, const std::string& target, std::int32_t kind);
+std::string DescribeJoin(const std::string& source, const std::string& target, JoinKind kind);
 
 /// The two ends of a join, in words: "Order.CustomerID = Customers.CustomerID". Captions alone for columns not set.
 std::string DescribeEnds(const qbRelationship& relationship);
@@ -18,7 +18,7 @@ std::string DescribeEnds(const qbRelationship& relationship);
 /// set then.
 bool EditJoin(QueryContext& context, qbRelationship& relationship);
 
-/// Sets the kind of a join (`JoinKindFlag` bits) and the signs at its line's ends.
-void SetJoinKind(qbRelationship& relationship, std::int32_t kind);
+/// Sets the kind of a join and the signs at its line's ends.
+void SetJoinKind(qbRelationship& relationship, JoinKind kind);
 
 }  // namespace zrqrybld

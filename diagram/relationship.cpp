@@ -62,10 +62,10 @@ Ref<qbEntityItem> qbRelationship::TargetItem() const {
   return target ? target->Items()->Item(facts_.targetItemIndex) : nullptr;
 }
 
-std::int32_t qbRelationship::Kind() const {
+JoinKind qbRelationship::Kind() const {
   const std::optional<double> number = facts_.itemData.Number();
-  if (!number || !(*number >= 0 && *number < 65536)) return 0;
-  return static_cast<std::int32_t>(*number) & (JoinAllOfTarget | JoinAllOfSource);
+  if (!number || !(*number >= 0 && *number < 65536)) return {};
+  return JoinKind::FromBits(static_cast<std::int32_t>(*number));
 }
 
 const std::shared_ptr<JoinIdentity>& qbRelationship::Identity() {

@@ -10,6 +10,7 @@
 #include "base/variant.h"
 #include "diagram/join_facts.h"
 #include "platform/image.h"
+#include "sql/join_kind.h"
 
 namespace zrqrybld {
 
@@ -17,12 +18,6 @@ class qbEntity;
 class qbEntityItem;
 class qbLine;
 class qbRelationship;
-
-/// Bits of `qbRelationship::ItemData`.
-enum JoinKindFlag : std::int32_t {
-  JoinAllOfTarget = 1,  ///< all rows of the target's table
-  JoinAllOfSource = 2,  ///< all rows of the source's table
-};
 
 /// What a relationship asks of the collection that holds it.
 class RelationshipOwner {
@@ -83,8 +78,8 @@ class qbRelationship final : public Object {
   Ref<qbEntityItem> SourceItem() const;
   Ref<qbEntityItem> TargetItem() const;
 
-  /// `ItemData` as `JoinKindFlag` bits; 0 when it holds no number.
-  std::int32_t Kind() const;
+  /// What `ItemData` says; matching rows only when it holds no number.
+  JoinKind Kind() const;
 
   /// What the join says, besides its ends.
   const JoinFacts& Facts() const { return facts_; }

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "diagram/join_properties.h"
 #include "diagram/relationships.h"
 #include "diagram/source_names.h"
 #include "diagram/table_picker.h"
@@ -214,7 +215,7 @@ class Loader final : public QuerySource {
     std::size_t target;
     std::string sourceColumn;
     std::string targetColumn;
-    std::int32_t kind;
+    JoinKind kind;
     Ref<qbRelationship> kept;  // nothing when it is still to be drawn
   };
 
@@ -331,7 +332,7 @@ class Loader final : public QuerySource {
         if (found == wanted.end() || taken[found->second]) continue;
         taken[found->second] = true;
         const SnapshotJoin& join = query.joins[found->second];
-        const std::int32_t kind = join.source == i ? join.kind : Reversed(join).kind;
+        const JoinKind kind = join.source == i ? join.kind : join.kind.Reversed();
         bySource[i].push_back({i, target->second, from->Text(), to->Text(), kind, kept});
       }
     }
@@ -434,11 +435,7 @@ class Loader final : public QuerySource {
       const Ref<qbEntity>& target = tables_[join.target].entity;
       const bool isNew = !join.kept;
       const Ref<qbRelationship> drawn = isNew ? source->Relationships()->Add(target) : join.kept;
-      if (isNew || drawn->Kind() != join.kind) {
-        drawn->SetItemData(join.kind);
-        drawn->SetLeftIndicator((join.kind & JoinAllOfSource) != 0 ? IndicatorImage : IndicatorNone);
-        drawn->SetRightIndicator((join.kind & JoinAllOfTarget) != 0 ? IndicatorImage : IndicatorNone);
-      }
+      if (isNew || drawn->Kind() != join.kind) SetJoinKind(*drawn, join.kind);
       if (!isNew) continue;
       drawn->SetSourceItemIndex(ItemIndex(*source, join.sourceColumn));
       drawn->SetTargetItemIndex(ItemIndex(*target, join.targetColumn));

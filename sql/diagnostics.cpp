@@ -94,7 +94,7 @@ class Diagnosis {
       } else if (!IsUsable(join)) {
         Say(DiagnosticIncompleteJoin, CaptionOf(join.source) + " - " + CaptionOf(join.target),
             ": the join names no column, so it is not written.");
-      } else if (join.kind == JoinAllOfBoth && !dialect_.hasFullJoin) {
+      } else if (join.kind.IsFull() && !dialect_.hasFullJoin) {
         Say(DiagnosticFullJoin,
             CaptionOf(join.source) + "." + join.sourceColumn->Name() + " = " + CaptionOf(join.target) + "." +
                 join.targetColumn->Name(),

@@ -8,7 +8,7 @@
 #include <span>
 #include <string_view>
 
-#include "sql/joins.h"
+#include "sql/join_kind.h"
 
 namespace zrqrybld {
 

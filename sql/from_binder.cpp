@@ -282,9 +282,8 @@ void FromBinder::AddJoin(const JoinPair& pair, bool allOfLeft, bool allOfRight) 
   join.target = swap ? pair.left : pair.right;
   join.sourceColumn = Identifier(swap ? pair.rightColumn : pair.leftColumn);
   join.targetColumn = Identifier(swap ? pair.leftColumn : pair.rightColumn);
-  const bool allOfSource = swap ? allOfRight : allOfLeft;
-  const bool allOfTarget = swap ? allOfLeft : allOfRight;
-  join.kind = (allOfTarget ? 1 : 0) | (allOfSource ? 2 : 0);
+  const JoinKind fromLeft{.allOfTarget = allOfRight, .allOfSource = allOfLeft};
+  join.kind = swap ? fromLeft.Reversed() : fromLeft;
   bound_.joins.push_back(std::move(join));
   const bool isNew = known_.insert(bound_.joins.size() - 1).second;
   if (!isNew) bound_.joins.pop_back();  // a condition that is said twice is one join

@@ -264,8 +264,8 @@ std::vector<std::size_t> OrderFrom(std::size_t first, const QuerySnapshot& query
       order.push_back(table);
       for (const SnapshotJoin* join : joinsOf[table]) {
         const std::size_t other = join->source == table ? join->target : join->source;
-        const int kind = join->source == table ? join->kind : Reversed(*join).kind;  // 1: all rows of the other
-        if (!stands[other]) next.emplace(kind, other);
+        const JoinKind kind = join->source == table ? join->kind : join->kind.Reversed();
+        if (!stands[other]) next.emplace(kind.Bits(), other);  // those of which all rows come back last
       }
     }
   };
@@ -279,7 +279,7 @@ std::vector<std::size_t> OrderFrom(std::size_t first, const QuerySnapshot& query
 SnapshotJoin Reversed(SnapshotJoin join) {
   std::swap(join.source, join.target);
   std::swap(join.sourceColumn, join.targetColumn);
-  join.kind = ((join.kind & 1) << 1) | ((join.kind & 2) >> 1);
+  join.kind = join.kind.Reversed();
   return join;
 }
 

@@ -106,9 +106,7 @@ class Walk {
 
 // "All rows" stays with the same table when a join is seen from its other end.
 JoinTypeEnum TypeSeenFrom(const SnapshotJoin& join, bool fromTarget) {
-  const bool allOfThis = (join.kind & (fromTarget ? 1 : 2)) != 0;
-  const bool allOfOther = (join.kind & (fromTarget ? 2 : 1)) != 0;
-  return static_cast<JoinTypeEnum>((allOfThis ? JoinAllOfThis : 0) | (allOfOther ? JoinAllOfEarlier : 0));
+  return (fromTarget ? join.kind.Reversed() : join.kind).SeenFromSource();
 }
 
 }  // namespace

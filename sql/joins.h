@@ -14,16 +14,9 @@
 #include "base/keyed_list.h"
 #include "base/object.h"
 #include "base/variant.h"
+#include "sql/join_kind.h"
 
 namespace zrqrybld {
-
-/// The kind of a join as a table's entry in FROM sees it.
-enum JoinTypeEnum : std::uint8_t {
-  JoinInner = 0,
-  JoinAllOfThis = 1,     ///< all rows of the table that the entry adds
-  JoinAllOfEarlier = 2,  ///< all rows of the tables before it
-  JoinAllOfBoth = 3,
-};
 
 /// One condition; the left table is the one whose entry holds it. Tables are named by their captions.
 class qbJoinTable final : public Object {

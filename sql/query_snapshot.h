@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "sql/criteria_context.h"
+#include "sql/join_kind.h"
 #include "sql/names.h"
 #include "sql/sql_text.h"
 
@@ -33,8 +34,7 @@ struct SnapshotJoin {
   /// The joined columns; none when the join is not complete.
   std::optional<Identifier> sourceColumn;
   std::optional<Identifier> targetColumn;
-  /// Bit 1: all rows of the target; bit 2: all rows of the source.
-  int kind = 0;
+  JoinKind kind;
   friend bool operator==(const SnapshotJoin&, const SnapshotJoin&) = default;
 };
 

@@ -169,7 +169,7 @@ class DiagramGestures : public test::DesignerWindow {
         const qbRelationship& join = *joins.Item(j);
         text += (text.empty() ? "" : " ") + join.Source()->Caption() + "." + join.SourceItem()->Text() + ">" +
                 join.Target()->Caption() + "." + join.TargetItem()->Text() +
-                (join.Kind() != 0 ? ":" + std::to_string(join.Kind()) : "");
+                (join.Kind() != JoinKind() ? ":" + std::to_string(join.Kind().Bits()) : "");
       }
     }
     return text;

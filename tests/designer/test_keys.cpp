@@ -132,7 +132,8 @@ std::string Keys::State() {
     const Ref<qbEntity> one = Hub().Entities()->Item(i);
     tables += (tables.empty() ? "" : " ") + one->Caption();
     joins += one->Relationships()->Count();
-    for (std::int32_t j = 1; j <= one->Relationships()->Count(); ++j) kind |= one->Relationships()->Item(j)->Kind();
+    for (std::int32_t j = 1; j <= one->Relationships()->Count(); ++j)
+      kind |= one->Relationships()->Item(j)->Kind().Bits();
   }
   say("tables", tables);
   say("joins", joins);

@@ -362,7 +362,7 @@ class DiagramScene : public test::Player, private test::DiagramHands {
     };
     answers["tag"] = [this](const std::string& of) { return Table(of)->TagVariant().Text(); };
     answers["tip"] = [this](const std::string& of) { return pane->ToolTipAt(At(of)); };
-    answers["kind"] = [this](const std::string& of) { return std::to_string(JoinAt(of)->Kind()); };
+    answers["kind"] = [this](const std::string& of) { return std::to_string(JoinAt(of)->Kind().Bits()); };
   }
 
   // "a2>b3", and behind it the kind and the sides that are marked.
@@ -374,7 +374,7 @@ class DiagramScene : public test::Player, private test::DiagramHands {
         const qbRelationship& join = *entity->Relationships()->Item(j);
         text += (text.empty() ? "" : " ") + entity->Caption() + join.SourceItemIndex().Text() + ">" +
                 join.Target()->Caption() + join.TargetItemIndex().Text();
-        if (join.Kind() != 0) text += ":" + std::to_string(join.Kind());
+        if (join.Kind() != JoinKind()) text += ":" + std::to_string(join.Kind().Bits());
         text += join.LeftIndicator() == IndicatorImage ? "L" : "";
         text += join.RightIndicator() == IndicatorImage ? "R" : "";
       }

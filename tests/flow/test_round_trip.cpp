@@ -24,8 +24,8 @@ using test::Chance;
 // --- A design as a text: what two equal designs have in common ---
 
 std::string JoinText(const qbRelationship& join) {
-  std::string a = join.Source()->Caption() + "." + join.SourceItem()->Text() + ((join.Kind() & 2) != 0 ? "+" : "");
-  std::string b = join.Target()->Caption() + "." + join.TargetItem()->Text() + ((join.Kind() & 1) != 0 ? "+" : "");
+  std::string a = join.Source()->Caption() + "." + join.SourceItem()->Text() + (join.Kind().allOfSource ? "+" : "");
+  std::string b = join.Target()->Caption() + "." + join.TargetItem()->Text() + (join.Kind().allOfTarget ? "+" : "");
   if (b < a) std::swap(a, b);
   return a + " = " + b;
 }

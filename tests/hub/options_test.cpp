@@ -120,7 +120,7 @@ TEST_F(HubOptions, JoinPropertiesShowTheJoinAndTakeTheChoice) {
     EXPECT_EQ(seen.table1Checked, (before & 1) != 0);  // as it was before
     EXPECT_EQ(seen.table2Checked, (before & 2) != 0);
     if (accepted) before = next;
-    EXPECT_EQ(join->Kind(), before);
+    EXPECT_EQ(join->Kind().Bits(), before);
     EXPECT_EQ(join->RightIndicator(), (before & 1) != 0 ? IndicatorImage : IndicatorNone);
     EXPECT_EQ(join->LeftIndicator(), (before & 2) != 0 ? IndicatorImage : IndicatorNone);
     EXPECT_EQ(written, accepted ? 1 : 0) << next << sql->SQLStatement();

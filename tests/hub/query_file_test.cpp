@@ -178,7 +178,7 @@ TEST(QueryFile, TheFileOfTheFirstReleaseIsLoadedForEver) {
   EXPECT_EQ(designer.Captions(), "Customers O");
   EXPECT_EQ(designer.Rows(), "Customers.Name O.Total:1");
   EXPECT_EQ(designer.Joins(), "O.CustomerID>Customers.CustomerID");
-  EXPECT_EQ(designer.diagram->Entities()->Item("O")->Relationships()->Item(1)->Kind(), JoinAllOfSource);
+  EXPECT_EQ(designer.diagram->Entities()->Item("O")->Relationships()->Item(1)->Kind().Bits(), JoinAllOfSource);
   EXPECT_EQ(designer.diagram->Entities()->Item("O")->Left(), 3600);
   EXPECT_TRUE(designer.Item("Customers", "Name")->Checked());
   EXPECT_FALSE(designer.Item("Customers", "CustomerID")->Checked());

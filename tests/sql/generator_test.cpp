@@ -72,7 +72,7 @@ QuerySnapshot DesignOf(const test::Record& record) {
     SnapshotJoin join;
     split(source, join.source, join.sourceColumn);
     split(target, join.target, join.targetColumn);
-    join.kind = kind.empty() ? 0 : std::stoi(kind);
+    if (!kind.empty()) join.kind = JoinKind::FromBits(std::stoi(kind));
     query.joins.push_back(join);
   }
   for (std::string rows = text("rows"); !rows.empty();) {

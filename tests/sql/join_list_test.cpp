@@ -28,7 +28,7 @@ QuerySnapshot DesignOf(std::string_view tables, std::string_view joins) {
     const std::size_t colon = text.find(':');
     end(text.substr(0, equals), join.source, join.sourceColumn);
     end(text.substr(equals + 1, colon - equals - 1), join.target, join.targetColumn);
-    if (colon != std::string_view::npos) join.kind = text[colon + 1] - '0';
+    if (colon != std::string_view::npos) join.kind = JoinKind::FromBits(text[colon + 1] - '0');
     query.joins.push_back(join);
   }
   return query;
