@@ -46,6 +46,9 @@ packages_fuzz="
   ninja-build      ninja
   python3          python3
 "
+packages_format="
+  clang-format     clang-format
+"
 packages_tidy="$packages_core
   clang-tidy       clang-tidy
 "
