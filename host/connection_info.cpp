@@ -9,8 +9,8 @@
 namespace zrqrybld {
 namespace {
 
-constexpr std::string_view kLiteralKeys[] = {"SCHEMA_SEPARATOR", "LIKE_PERCENT", "LIKE_UNDERSCORE", "QUOTE",
-                                             "QUOTE_PREFIX",     "QUOTE_SUFFIX"};
+constexpr std::string_view kLiteralKeys[] = {"SCHEMA_SEPARATOR", "LIKE_PERCENT", "LIKE_UNDERSCORE",  "QUOTE",
+                                             "QUOTE_PREFIX",     "QUOTE_SUFFIX", kTextReadingLiteral};
 constexpr std::string_view kInvalidCharacters = "INVALID_TABLE_CHARS";
 constexpr std::string_view kInvalidStartingCharacters = "INVALID_TABLE_STARTING_CHARS";
 
@@ -96,6 +96,11 @@ bool IsTextSource(const QueryContext& context) {
   const Variant* flags = context.Properties()->Find("_QBDSFLAGS");
   const std::optional<double> number = flags ? flags->Number() : std::nullopt;
   return number && *number >= 0 && *number < 65536 && (static_cast<std::int32_t>(*number) & DataSourceIsText) != 0;
+}
+
+std::optional<TextReading> SourceReading(const QueryContext& context) {
+  const std::optional<std::string> words = context.Properties()->FindText(kTextReadingLiteral);
+  return words ? ReadingFromWords(*words) : std::nullopt;
 }
 
 void RetrieveConnectionInfo(QueryContext& context, bool withTables) {

@@ -2,7 +2,10 @@
 // its types.
 #pragma once
 
+#include <optional>
+
 #include "host/query_context.h"
+#include "platform/text_reading.h"
 
 namespace zrqrybld {
 
@@ -13,6 +16,9 @@ enum DataSourceFlag : std::int16_t {
 
 /// Whether the connected source is text files, by "_QBDSFLAGS".
 bool IsTextSource(const QueryContext& context);
+
+/// How the source reads literals, by the property `kTextReadingLiteral`; none when no source has told.
+std::optional<TextReading> SourceReading(const QueryContext& context);
 
 /// Fills `Properties` with the source's literals, `DataTypes` with its types and, when `withTables`,
 /// `SourceTables`; its reserved words become ours. What was there from an earlier connection is removed first. A schema

@@ -42,6 +42,7 @@ void QueryContext::RaiseInfo(QueryBuilderInfoEnum info, Variant parameters) { In
 
 void QueryContext::RunOperation(const StepName& stepName, QueryBuilderInfoEnum operation,
                                 const std::function<void()>& work, const std::string& about) {
+  TakeBackState();
   const bool outermost = state_ == InfoDone;
   const auto run = [&] {
     const StepScope step(RefTo(*this), stepName, about);
@@ -58,6 +59,7 @@ void QueryContext::RunOperation(const StepName& stepName, QueryBuilderInfoEnum o
 }
 
 void QueryContext::BeginStep(const StepName& name, const std::string& about) {
+  TakeBackState();
   if (stepDepth_++ > 0) return;
   step_ = StepLabel(name, about);
   StepBegins(step_);
@@ -83,6 +85,7 @@ void QueryContext::EntitiesChanged(std::int32_t from) {
 }
 
 void QueryContext::QueryChanged() {
+  TakeBackState();
   if (stepDepth_ > 0) {
     changed_ = true;
     return;

@@ -144,7 +144,16 @@ class QueryContext : public Object {
 
   /// What the designer is busy with; `InfoDone` when idle.
   QueryBuilderInfoEnum state() const { return state_; }
-  void SetState(QueryBuilderInfoEnum value) { state_ = value; }
+  void SetState(QueryBuilderInfoEnum value) {
+    state_ = value;
+    stateIsLeft_ = false;
+  }
+  /// The operation has failed: its state stays, for whoever asks, up to the next change.
+  void LeaveState() { stateIsLeft_ = true; }
+  /// Ends what a failed operation has left.
+  void TakeBackState() {
+    if (stateIsLeft_) SetState(InfoDone);
+  }
 
   /// Progress: what happened, and the thing it happened to. Both may be changed by a handler.
   Event<QueryBuilderInfoEnum&, Variant&> Info;
@@ -237,6 +246,7 @@ class QueryContext : public Object {
   mutable std::shared_ptr<const WordSet> reservedWords_;
   mutable std::uint64_t reservedWordsRevision_ = 0;
   QueryBuilderInfoEnum state_ = InfoDone;
+  bool stateIsLeft_ = false;
   int stepDepth_ = 0;
   bool stepEnding_ = false;
   StepLabel step_;

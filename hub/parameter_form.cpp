@@ -6,6 +6,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "host/connection_info.h"
 
 namespace zrqrybld {
 namespace {
@@ -26,6 +27,7 @@ class ParameterForm {
   void AddMarker(const qbParameter& parameter);
   ParameterValue ValueOf(std::size_t question, const std::string& typed) const;
   std::vector<ParameterValue> Values(const std::vector<std::string>& typed) const;
+  std::string Problem(std::size_t question, const std::string& typed) const;
   std::string Statement(const std::vector<std::string>& typed) const;
 
   qbQueryBuilder& hub_;
@@ -79,9 +81,23 @@ std::vector<ParameterValue> ParameterForm::Values(const std::vector<std::string>
   return values;
 }
 
+// Why the question's value cannot stand at one of its markers; the others are looked at when they are asked.
+std::string ParameterForm::Problem(std::size_t question, const std::string& typed) const {
+  std::vector<ParameterValue> values(ofMarker_.size());
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    values[i] = ValueOf(question, typed);
+    values[i].given = ofMarker_[i] == question;
+  }
+  for (const std::string& problem : ProblemsOf(sql_, values, rules_)) {
+    if (!problem.empty()) return problem;
+  }
+  return {};
+}
+
 std::string ParameterForm::Statement(const std::vector<std::string>& typed) const {
   std::vector<ParameterValue> values = Values(typed);
-  for (ParameterValue& value : values) value.given = ProblemOf(value, rules_).empty();
+  const std::vector<std::string> problems = ProblemsOf(sql_, values, rules_);
+  for (std::size_t i = 0; i < values.size(); ++i) values[i].given = problems[i].empty();
   return PutInLiterals(sql_, values, rules_);
 }
 
@@ -91,17 +107,16 @@ std::optional<std::vector<ParameterValue>> ParameterForm::Ask() {
   dialog_.statementLabel = hub_.GetLanguageString(LanguageParametersStatement);
   dialog_.acceptButton = hub_.GetLanguageString(LanguageParametersAcceptButton);
   dialog_.cancelButton = hub_.GetLanguageString(LanguageParametersCancelButton);
-  dialog_.problem = [this](std::size_t field, const std::string& value) {
-    return ProblemOf(ValueOf(field, value), rules_);
-  };
+  dialog_.problem = [this](std::size_t field, const std::string& value) { return Problem(field, value); };
   dialog_.statement = [this](const std::vector<std::string>& values) { return Statement(values); };
   if (!hub_.GetToolkit().GetDialogs().ShowParameters(dialog_)) return std::nullopt;
 
   std::vector<std::string> typed;
-  for (std::size_t i = 0; i < questions_.size(); ++i) {
-    typed.push_back(dialog_.fields[i].value);
-    const std::string problem = ProblemOf(ValueOf(i, typed[i]), rules_);
-    if (!problem.empty()) throw Error(ErrorInvalidPropertyValue, dialog_.fields[i].prompt + ": " + problem);
+  for (const ParameterField& field : dialog_.fields) typed.push_back(field.value);
+  const std::vector<std::string> problems = ProblemsOf(sql_, Values(typed), rules_);
+  for (std::size_t i = 0; i < problems.size(); ++i) {
+    const std::string& prompt = dialog_.fields[ofMarker_[i]].prompt;
+    if (!problems[i].empty()) throw Error(ErrorInvalidPropertyValue, prompt + ": " + problems[i]);
   }
   for (std::size_t i = 0; i < questions_.size(); ++i) {
     if (!questions_[i].key.empty()) hub_.RememberedValues().insert_or_assign(questions_[i].key, typed[i]);
@@ -127,6 +142,11 @@ LiteralRules LiteralRulesOf(const qbQueryBuilder& hub) {
     rules.dateFormatStyle = grid->DateFormatStyle();
   }
   if (const Ref<qbSQLPane> pane = hub.SQLPane()) rules.syntax = pane->SQLSyntax();
+  if (const std::optional<TextReading> reading = SourceReading(hub)) {
+    rules.readings.push_back(*reading);
+  } else if (hub.IsConnected()) {
+    rules.readings.assign(KnownReadings().begin(), KnownReadings().end());
+  }
   return rules;
 }
 

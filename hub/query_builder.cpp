@@ -156,6 +156,7 @@ CriteriaContext qbQueryBuilder::CriteriaRules() const {
     rules.dateFormat = gridPane_->DateFormat();
   }
   if (sqlPane_) rules.likeOperator = sqlPane_->LikeOperator();
+  rules.reading = SourceReading(*this);
   return rules;
 }
 
@@ -164,6 +165,7 @@ QuerySnapshot qbQueryBuilder::Snapshot() const {
   snapshot.distinct = distinctRecords_;
   snapshot.top = selectTopRecords_;
   snapshot.criteria = CriteriaRules();
+  snapshot.names.dialectWords = DialectWords();
   return snapshot;
 }
 
@@ -218,10 +220,13 @@ void qbQueryBuilder::RelationshipActivated(const Ref<qbRelationship>& relationsh
 
 void qbQueryBuilder::QueryDataSource(std::vector<DataSourceQuestion>& questions) const {
   constexpr std::string_view kReservedWord = "IS_RESERVEDWORD:";
+  NameRules names;
+  names.reservedWords = ReservedWords();
+  names.dialectWords = DialectWords();
   for (DataSourceQuestion& question : questions) {
     const std::string_view text = question.question;
     if (StartsWithNoCase(text, kReservedWord)) {
-      question.answer = ReservedWords()->contains(text.substr(kReservedWord.size()));
+      question.answer = IsReservedWord(text.substr(kReservedWord.size()), names);
     } else if (text == "QUOTE_PREFIX" || text == "QUOTE_SUFFIX") {
       const std::optional<NameQuotes> quotes = SourceQuotes(*this);
       question.answer = !quotes ? "\"" : text == "QUOTE_PREFIX" ? quotes->prefix : quotes->suffix;
@@ -230,7 +235,13 @@ void qbQueryBuilder::QueryDataSource(std::vector<DataSourceQuestion>& questions)
 }
 
 std::string qbQueryBuilder::QuoteIdentifier(const std::string& name) const {
-  return QuoteWhenNeeded(Identifier(name), CurrentNameRules(*this)).Text();
+  NameRules names = CurrentNameRules(*this);
+  names.dialectWords = DialectWords();
+  return QuoteWhenNeeded(Identifier(name), names).Text();
+}
+
+std::span<const std::string_view> qbQueryBuilder::DialectWords() const {
+  return sqlPane_ ? DialectFor(sqlPane_->SQLSyntax()).words : std::span<const std::string_view>();
 }
 
 }  // namespace zrqrybld

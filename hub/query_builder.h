@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <unordered_map>
 
@@ -104,6 +105,10 @@ class qbQueryBuilder final : public QueryContext {
   /// Draws the joins that the source's foreign keys name between the tables of the diagram.
   void RefreshAutoJoins();
 
+  /// Ends what an operation that failed has left behind: `state` is `InfoDone` again. The next change of the query, and
+  /// `Refresh` of the SQL pane, do so by themselves.
+  void CancelOperation() { TakeBackState(); }
+
   /// Replaces one caption; "" brings the built-in text back.
   void SetLanguageString(std::int32_t id, const std::string& newValue);
 
@@ -144,7 +149,8 @@ class qbQueryBuilder final : public QueryContext {
   bool SavePassword() const { return savePassword_; }
   void SetSavePassword(bool save) { savePassword_ = save; }
 
-  /// The longest alias in characters; 0 means no limit.
+  /// The longest alias in characters that is typed into the grid or written into the statement; 0 means no limit. What
+  /// is longer for another reason is cut in the statement, with a remark. Error 40005 for a negative number.
   std::int16_t AliasMaxLen() const override { return aliasMaxLen_; }
   void SetAliasMaxLen(std::int16_t characters);
 
@@ -235,6 +241,7 @@ class qbQueryBuilder final : public QueryContext {
 
  private:
   explicit qbQueryBuilder(std::shared_ptr<Toolkit> toolkit) : QueryContext(std::move(toolkit)) {}
+  std::span<const std::string_view> DialectWords() const;
   void NoteColumns();
   std::int32_t RowOfColumn(const std::string& entityCaption, const std::string& column) const;
   std::int32_t MakeRowOfColumn(const std::string& entityCaption, const std::string& column, bool output);

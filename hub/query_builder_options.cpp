@@ -1,6 +1,7 @@
 // The options of the query: their rules, and how a form stores them.
 #include <optional>
 
+#include "base/error.h"
 #include "base/text.h"
 #include "hub/query_builder.h"
 #include "platform/stored_values.h"
@@ -45,8 +46,11 @@ void qbQueryBuilder::SetSelectTopRecords(const std::string& value) {
 }
 
 void qbQueryBuilder::SetAliasMaxLen(std::int16_t characters) {
+  if (characters < 0) throw Error(ErrorInvalidPropertyValue, "Invalid Property Value.");
+  const bool changed = characters != aliasMaxLen_;
   Store(aliasMaxLen_, characters, "AliasMaxLen");
   if (gridPane_) gridPane_->ApplyAliasMaxLen();
+  if (changed) QueryChanged();
 }
 
 // --- Stored properties ---
@@ -67,7 +71,7 @@ void qbQueryBuilder::ReadProperties(const PropertyStore& store) {
       static_cast<FieldOrderEnum>(ReadInteger(store, "RetrieveFieldOrder", FieldOrderDefault, FieldOrderOrdinal));
   saveLoadEntityItems_ = ReadBoolean(store, "SaveLoadEntityItems", false);
   saveConnectionString_ = ReadBoolean(store, "SaveConnectionString", true);
-  aliasMaxLen_ = static_cast<std::int16_t>(ReadInteger(store, "AliasMaxLen", -32768, 32767));
+  aliasMaxLen_ = static_cast<std::int16_t>(ReadInteger(store, "AliasMaxLen", 0, 32767));
   if (gridPane_) gridPane_->ApplyAliasMaxLen();
   QueryChanged();
 }

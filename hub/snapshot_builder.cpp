@@ -65,6 +65,13 @@ std::vector<std::string> CriteriaOf(const zrGridRow& cells, std::size_t lastColu
   return criteria;
 }
 
+// As far as it may be written; 0 characters mean no limit.
+void TakeAlias(SnapshotRow& row, std::string alias, std::size_t longest) {
+  const bool cut = longest > 0 && CharacterCount(alias) > longest;
+  row.alias = cut ? Identifier(std::string(Trim(FirstCharacters(alias, longest)))) : Identifier(alias);
+  if (cut) row.uncutAlias = std::move(alias);
+}
+
 void TakeRows(QuerySnapshot& snapshot, const TablePositions& positions, const qbEntities* entities,
               const qbGridPane& grid, const QueryContext& context) {
   const auto lastColumn = static_cast<std::size_t>(grid.ColumnCount());
@@ -75,7 +82,7 @@ void TakeRows(QuerySnapshot& snapshot, const TablePositions& positions, const qb
     if (cells.ValueAt(kColumnColumn).IsBlank()) continue;
     SnapshotRow& row = snapshot.rows.emplace_back();
     row.column = cells.ValueAt(kColumnColumn).Text();
-    row.alias = Identifier(cells.ValueAt(kColumnAlias).Text());
+    TakeAlias(row, cells.ValueAt(kColumnAlias).Text(), static_cast<std::size_t>(context.AliasMaxLen()));
     const auto table = positions.find(cells.ValueAt(kColumnTable).Text());
     if (table != positions.end()) row.table = table->second;
     row.output = cells.ValueAt(kColumnOutput) == Variant(true);

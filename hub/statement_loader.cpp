@@ -19,9 +19,11 @@
 #include "hub/snapshot_builder.h"
 #include "sql/from_binder.h"
 #include "sql/join_list.h"
+#include "sql/source_lexer.h"
 #include "sql/source_rules.h"
 #include "sql/statement_binder.h"
 #include "sql/statement_parser.h"
+#include "sql/syntax_error.h"
 
 namespace zrqrybld {
 namespace {
@@ -65,6 +67,11 @@ class Loader final : public QuerySource {
   void Run() {
     const SQLSyntaxEnum syntax = hub_.SQLPane() ? hub_.SQLPane()->SQLSyntax() : SQLSyntaxGeneric;
     const Dialect& dialect = DialectFor(syntax);
+    const CriteriaContext criteria = hub_.CriteriaRules();
+    if (criteria.reading) {
+      const std::optional<std::size_t> otherwise = FirstReadOtherwise(sql_, *criteria.reading);
+      if (otherwise) throw SyntaxError(sql_, *otherwise, std::string(kReadsOtherwise));
+    }
     const SelectStatement statement =
         ParseSelect(sql_, {.openParenthesesInFrom = dialect.fromParentheses == Dialect::FromParentheses::Nested});
     PlanTables(statement);
@@ -72,7 +79,7 @@ class Loader final : public QuerySource {
     options.dialect = &dialect;
     options.functions = hub_.DBFunctions().get();
     options.names = rules_;
-    options.criteria = hub_.CriteriaRules();
+    options.criteria = criteria;
     options.arrange = [&](QuerySnapshot& query, std::size_t attempt) { return Arrange(query, attempt, dialect); };
     const QuerySnapshot query = BindStatement(statement, *this, options);
     Apply(query);

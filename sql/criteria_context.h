@@ -3,10 +3,12 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "host/date_format.h"
+#include "platform/text_reading.h"
 
 namespace zrqrybld {
 
@@ -26,6 +28,8 @@ struct CriteriaContext {
   std::string likeOperator = "LIKE";
   /// What the source writes before a quoted name; tells whether "text" in double quotes is one.
   std::string quotePrefix = "[";
+  /// How the source reads literals; none when nobody has told. Literals are then written as standard SQL has them.
+  std::optional<TextReading> reading = {};
   /// Whether a name, given by its parts, is a column of the diagram. Without it every name in quotes or with a "."
   /// is taken for one, and so is a plain word where the type has none.
   std::function<bool(const std::vector<std::string>& parts)> isColumn = {};

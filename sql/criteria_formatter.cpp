@@ -36,13 +36,13 @@ class CriterionReader {
   CriterionReader(std::string_view text, const CriteriaContext& context, std::string_view field = {})
       : context_(context),
         field_(field),
-        tokens_(text, CriterionValues::LiteralWord(context), CriterionValues::HashDateFormat(context)),
+        tokens_(text, CriterionValues::LiteralWord(context), CriterionValues::HashDateFormat(context), context),
         values_(tokens_, context) {}
 
   // A condition, whose left sides are asked for and left out.
   CriterionReader(std::string_view condition, const CriteriaContext& context,
                   const std::function<bool(std::string_view)>& isField)
-      : context_(context), isField_(&isField), tokens_(condition, {}, nullptr), values_(tokens_, context) {}
+      : context_(context), isField_(&isField), tokens_(condition, {}, nullptr, context), values_(tokens_, context) {}
 
   std::string Run() && {
     if (tokens_.Count() > 0) ReadTerms(tokens_.Count());

@@ -5,6 +5,8 @@
 #include "base/error.h"
 #include "base/text.h"
 #include "sql/date_literal.h"
+#include "sql/names.h"
+#include "sql/source_lexer.h"
 #include "sql/statement_printer.h"
 
 namespace zrqrybld {
@@ -31,8 +33,9 @@ bool IsLiteralWord(std::string_view word) {
   return std::ranges::find(kLiteralWords, std::string_view(UpperAscii(word))) != std::end(kLiteralWords);
 }
 
-CriterionTokens::CriterionTokens(std::string_view text, std::string_view literalWord, const std::string* dateFormat)
-    : text_(text) {
+CriterionTokens::CriterionTokens(std::string_view text, std::string_view literalWord, const std::string* dateFormat,
+                                 const CriteriaContext& context)
+    : text_(text), context_(context) {
   Read(literalWord, dateFormat);
   FindPartners();
 }
@@ -140,14 +143,34 @@ std::string CriterionTokens::Kept(std::size_t from, std::size_t to) const {
     if (tokens_[i].kind == TokenKind::Word && BeginsAsDate(Text(i))) {
       ThrowCriterionError(text_, tokens_[i].offset, kBeginsAsDate);
     }
+    const bool isText = tokens_[i].kind == TokenKind::String;
+    if (isText && context_.reading && !ReadsAlike(text_, tokens_[i], *context_.reading)) {
+      ThrowCriterionError(text_, tokens_[i].offset, kReadsOtherwise);
+    }
     // Who reads the statement knows no date format, and would take the second "#" for the beginning of a date.
     if (Token alone;
         tokens_[i].kind == TokenKind::Date && Lexer(Text(i)).Next(alone) && alone.kind != TokenKind::Date) {
       ThrowCriterionError(text_, tokens_[i].offset, "In an expression a date is to begin with a figure: #2020-01-31#.");
     }
-    line.Add(tokens_[i]);
+    line.Add(tokens_[i], Requoted(i, from));
   }
   return text;
+}
+
+// "[a]" and "`a`" in the quotes of a source that may not know these. A cell keeps them: there "a" may be a text. Behind
+// an operand it is the index of an array.
+std::string CriterionTokens::Requoted(std::size_t index, std::size_t from) const {
+  const std::string& quote = context_.quotePrefix;
+  const std::string_view text = Text(index);
+  const bool isForeign = tokens_[index].kind == TokenKind::QuotedIdentifier && text[0] != '"' && text[0] != quote[0] &&
+                         (quote == "\"" || (quote == "`" && text[0] == '['));
+  const bool behindOperand =
+      index > from && (Is(index - 1, ')') || tokens_[index - 1].kind == TokenKind::QuotedIdentifier ||
+                       (tokens_[index - 1].kind == TokenKind::Word && tokens_[index - 1].keyword == Keyword::None));
+  if (!isForeign || behindOperand || context_.isColumn) return std::string(text);
+  NameRules rules;
+  rules.quotePrefix = rules.quoteSuffix = quote;
+  return Quote(Identifier(RemoveIdentifierQuotes(text, rules)), rules).Text();
 }
 
 void CriterionTokens::RequireFinished(std::size_t from, std::size_t to) const {

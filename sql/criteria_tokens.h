@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "sql/criteria_context.h"
 #include "sql/lexer.h"
 
 namespace zrqrybld {
@@ -23,8 +24,10 @@ class CriterionTokens {
   /// Reads the whole text, which must outlive this. An apostrophe directly behind a word or a figure (O'Brien, 5'6") is
   /// a sign of its own, unless the word is a keyword or `literalWord`, which begins a literal as in N'text'. With
   /// a `dateFormat` a date between two "#" is one however it is written. Error 40002 for parentheses and braces without
-  /// a partner, and for more than 200 within each other.
-  CriterionTokens(std::string_view text, std::string_view literalWord, const std::string* dateFormat);
+  /// a partner, and for more than 200 within each other. The context, which must outlive this too, says how the source
+  /// quotes names and reads literals.
+  CriterionTokens(std::string_view text, std::string_view literalWord, const std::string* dateFormat,
+                  const CriteriaContext& context);
 
   std::size_t Count() const { return tokens_.size(); }
   const Token& operator[](std::size_t index) const { return tokens_[index]; }
@@ -50,8 +53,9 @@ class CriterionTokens {
   /// The token behind this one, or behind its partner.
   std::size_t After(std::size_t index) const { return (partners_[index] == kNone ? index : partners_[index]) + 1; }
 
-  /// The tokens as they stand, with one blank for white space and comments between them. Error 40002 for a text or a
-  /// name that is never closed.
+  /// The tokens as they stand, with one blank for white space and comments between them; where no columns are
+  /// known, names in brackets get the quotes of a source that has other ones. Error 40002 for a text or a
+  /// name that is never closed, or that the source reads otherwise.
   std::string Kept(std::size_t from, std::size_t to) const;
 
   /// Fails at the first text, name or comment of a range that is never closed.
@@ -60,8 +64,10 @@ class CriterionTokens {
  private:
   void Read(std::string_view literalWord, const std::string* dateFormat);
   void FindPartners();
+  std::string Requoted(std::size_t index, std::size_t from) const;
 
   std::string_view text_;
+  const CriteriaContext& context_;
   std::vector<Token> tokens_;
   std::vector<std::size_t> partners_;
 };

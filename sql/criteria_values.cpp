@@ -108,7 +108,9 @@ std::size_t CriterionValues::ReadName(Kind kind, std::size_t at, std::size_t to,
   }
   const std::string_view word = tokens_.Text(first);
   const bool plain = parts.size() == 1 && !quoted;
-  if (at < to && tokens_.Is(at, '(') && (tokens_.Adjoins(at) || (kind != Kind::Text && kind != Kind::Unknown))) {
+  const bool canBeCall = !plain || CanBeCalled(tokens_[first].keyword);
+  if (canBeCall && at < to && tokens_.Is(at, '(') &&
+      (tokens_.Adjoins(at) || (kind != Kind::Text && kind != Kind::Unknown))) {
     expression.hasSql = true;
     return tokens_.After(at);
   }

@@ -1,11 +1,13 @@
 #include "sql/diagnostics.h"
 
 #include <algorithm>
+#include <numeric>
 #include <set>
 #include <unordered_map>
 #include <unordered_set>
 
 #include "base/text.h"
+#include "sql/join_form.h"
 #include "sql/join_list.h"
 #include "sql/lexer.h"
 
@@ -101,6 +103,18 @@ class Diagnosis {
             ": this dialect cannot keep all rows of both tables; only rows that match are returned.");
       }
     }
+    WaitingJoins();
+  }
+
+  // Marks in WHERE can say what no order of joins can.
+  void WaitingJoins() {
+    const auto isOuter = [](const SnapshotJoin& join) { return join.kind != 0; };
+    const auto outer = std::ranges::find_if(query_.joins, isOuter);
+    if (dialect_.joins == Dialect::Joins::Clauses || outer == query_.joins.end()) return;
+    std::vector<std::size_t> order(query_.tables.size());
+    std::iota(order.begin(), order.end(), 0);
+    if (!MeaningOfGeneratedJoins(query_, order, dialect_).empty()) return;
+    Say(DiagnosticJoinsWait, CaptionOf(outer->source), " is in a circle of outer joins, which no source may take.");
   }
 
   // --- Rows ---
@@ -111,8 +125,17 @@ class Diagnosis {
       if (!IsOutput(row)) continue;
       const bool plain = row.table && row.column != "*" && row.aggregate.empty();
       const std::string& name = row.alias.Empty() && plain ? row.column : row.alias.Name();
+      if (IsAllColumns(row)) continue;
       if (!name.empty() && !names.insert(FoldCase(name)).second) {
         Say(DiagnosticDuplicateName, name, " is the name of more than one column of the result.");
+      }
+    }
+    for (const SnapshotRow& row : query_.rows) {
+      if (!IsOutput(row) || row.alias.Empty()) continue;
+      if (IsAllColumns(row)) {
+        Say(DiagnosticAliasWritten, NameOf(row), " stands for several columns, which cannot have one alias.");
+      } else if (!row.uncutAlias.empty()) {
+        Say(DiagnosticAliasWritten, NameOf(row), ": the alias " + row.uncutAlias + " is too long and was cut.");
       }
     }
     for (const UnreadableCriterion& criterion : generated_.unreadable) {

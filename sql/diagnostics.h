@@ -32,6 +32,8 @@ enum SQLDiagnosticEnum : std::int32_t {
   DiagnosticLimitWritten = 14,         ///< the row limit: it does not mean in this dialect what was asked for
   DiagnosticParentheses = 15,          ///< a table: the parentheses before it are never closed
   DiagnosticNothingToGroup = 16,       ///< a column: its criterion stands in HAVING although the query does not group
+  DiagnosticAliasWritten = 17,         ///< a column: its alias is cut, or left out because it is no single column
+  DiagnosticJoinsWait = 18,            ///< a table: outer joins bring in each of its tables only with another of them
 };
 
 /// One remark.

@@ -11,6 +11,10 @@ constexpr std::array<std::string_view, 4> kJoinWords = {"INNER ", "RIGHT ", "LEF
 constexpr std::array<std::string_view, 4> kEquals = {" = ", " = ", " = ", " = "};
 constexpr std::array<std::string_view, 4> kNothing = {"", "", "", ""};
 
+constexpr std::string_view kTopWords[] = {"TOP", "PERCENT"};
+constexpr std::string_view kOracleWords[] = {"ROWNUM"};
+constexpr std::string_view kOpenSqlWords[] = {"UP", "TO", "ROWS"};
+
 constexpr Dialect kDialects[] = {
     {
         .syntax = SQLSyntaxGeneric,
@@ -30,6 +34,7 @@ constexpr Dialect kDialects[] = {
         .open = "(",
         .close = ")",
         .tableAlias = " AS ",
+        .words = kTopWords,
     },
     {
         .syntax = SQLSyntaxMSSQL,
@@ -51,6 +56,7 @@ constexpr Dialect kDialects[] = {
         .tableAlias = " AS ",
         .yes = "1",
         .no = "0",
+        .words = kTopWords,
     },
     {
         .syntax = SQLSyntaxOracle,
@@ -73,6 +79,7 @@ constexpr Dialect kDialects[] = {
         .tableAlias = " ",
         .yes = "1",
         .no = "0",
+        .words = kOracleWords,
     },
     {
         .syntax = SQLSyntaxAccess,
@@ -94,6 +101,7 @@ constexpr Dialect kDialects[] = {
         .tableAlias = " AS ",
         .dateQuote = "#",
         .doubleQuotesAreTexts = true,
+        .words = kTopWords,
     },
     {
         .syntax = SQLSyntaxOpenSQL,
@@ -115,6 +123,7 @@ constexpr Dialect kDialects[] = {
         .tableAlias = " AS ",
         .yes = "'X'",
         .no = "' '",
+        .words = kOpenSqlWords,
         .canBeParsed = false,
     },
 };

@@ -58,6 +58,8 @@ struct Dialect {
   std::string_view dateQuote = "'";
   /// Whether a text in double quotes is a literal where it names no column.
   bool doubleQuotesAreTexts = false;
+  /// Words with a meaning in its statements alone, which are no names without quotes.
+  std::span<const std::string_view> words = {};
   /// Whether its statements can be read back.
   bool canBeParsed = true;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "base/text.h"
 
@@ -33,19 +34,25 @@ constexpr std::array<std::string_view, 3> kTrimWords = {"BOTH", "LEADING", "TRAI
 // One level of nesting for the length of a scope.
 class ExpressionParser::Level {
  public:
-  explicit Level(ExpressionParser& parser) : depth_(parser.depth_) {
-    if (++depth_ > kDeepest) {
-      parser.reader_.Refuse(parser.reader_.Offset(),
-                            "This is nested too deeply: more than " + std::to_string(kDeepest) + " levels.");
-    }
+  explicit Level(ExpressionParser& parser) : parser_(parser) {
+    parser.RequireDepth(++parser.depth_ > kDeepest, kDeepest);
+    parser.RequireDepth(++parser.calls_ > kDeepestCalls, kDeepestCalls);
   }
   Level(const Level&) = delete;
   Level& operator=(const Level&) = delete;
-  ~Level() { --depth_; }
+  ~Level() {
+    --parser_.depth_;
+    --parser_.calls_;
+  }
 
  private:
-  int& depth_;
+  ExpressionParser& parser_;
 };
+
+void ExpressionParser::RequireDepth(bool tooDeep, int levels) const {
+  if (!tooDeep) return;
+  reader_.Refuse(reader_.Offset(), "This is nested too deeply: more than " + std::to_string(levels) + " levels.");
+}
 
 Expression* ExpressionParser::Make(ExpressionKind kind, std::size_t start, Expression* first) {
   Expression* expression = arena_.Make<Expression>();
@@ -64,7 +71,7 @@ Expression* ExpressionParser::Close(Expression* expression, std::size_t start) {
 
 Expression* ExpressionParser::ParseExpression() {
   const Level level(*this);
-  const std::size_t start = reader_.Offset();
+  const std::size_t start = Start();
   Expression* first = ParseAnd();
   if (!reader_.Is(Keyword::Or)) return first;
   Expression* result = Make(ExpressionKind::Or, start, first);
@@ -74,7 +81,7 @@ Expression* ExpressionParser::ParseExpression() {
 }
 
 Expression* ExpressionParser::ParseAnd() {
-  const std::size_t start = reader_.Offset();
+  const std::size_t start = Start();
   Expression* first = ParseNot();
   if (!reader_.Is(Keyword::And)) return first;
   Expression* result = Make(ExpressionKind::And, start, first);
@@ -84,7 +91,7 @@ Expression* ExpressionParser::ParseAnd() {
 }
 
 Expression* ExpressionParser::ParseNot() {
-  if (!reader_.Is(Keyword::Not)) return ParsePredicate();
+  if (begun_ || !reader_.Is(Keyword::Not)) return ParsePredicate();
   const Level level(*this);
   const std::size_t start = reader_.Offset();
   reader_.Advance();
@@ -118,7 +125,7 @@ bool ExpressionParser::IsWordOperator() const {
 
 // Comparisons in a row (a = b = c) are read from the left; each costs a level, for the tree grows with it.
 Expression* ExpressionParser::ParsePredicate() {
-  const std::size_t start = reader_.Offset();
+  const std::size_t start = Start();
   const int depth = depth_;
   Expression* left = ParseChain();
   for (;; ++depth_) {
@@ -224,8 +231,8 @@ bool ExpressionParser::IsChainSign() const {
 }
 
 Expression* ExpressionParser::ParseChain() {
-  const std::size_t start = reader_.Offset();
-  const auto isPrefix = [&] { return reader_.IsSign('-') || reader_.IsSign('+') || reader_.IsSign('~'); };
+  const std::size_t start = Start();
+  const auto isPrefix = [&] { return !begun_ && (reader_.IsSign('-') || reader_.IsSign('+') || reader_.IsSign('~')); };
   const auto takeSign = [&] {
     const std::size_t sign = reader_.Offset();
     reader_.Advance();
@@ -288,6 +295,7 @@ Expression* ExpressionParser::ParsePostfix() {
 }
 
 Expression* ExpressionParser::ParseOperand() {
+  if (begun_) return std::exchange(begun_, nullptr);
   const Token& token = reader_.Current();
   if (reader_.AtEnd()) reader_.FailExpected("an expression");
   switch (token.kind) {
@@ -369,15 +377,36 @@ Expression* ExpressionParser::ParseInterval() {
   return Make(ExpressionKind::Literal, start);
 }
 
-// ( expression ), ( a, b ) or ( SELECT ... ).
+// ( expression ), ( a, b ) or ( SELECT ... ). Parentheses that begin together are read in a loop, from the inside: each
+// is the first operand of what the next one holds.
 Expression* ExpressionParser::ParseParentheses() {
-  const std::size_t start = reader_.Offset();
-  const Keyword next = reader_.Peek().keyword;
-  if (next == Keyword::Select || next == Keyword::With) return ParseSubquery(start);
-  reader_.Advance();
+  const auto isQuery = [this] {
+    const Keyword next = reader_.Peek().keyword;
+    return next == Keyword::Select || next == Keyword::With;
+  };
+  if (isQuery()) return ParseSubquery(reader_.Offset());
+  const std::size_t outside = open_.size();
+  for (; reader_.IsSign('(') && !isQuery(); reader_.Advance()) {
+    RequireDepth(++depth_ > kDeepest, kDeepest);
+    open_.push_back(reader_.Offset());
+  }
+  Expression* inside = nullptr;
+  while (open_.size() > outside) {
+    const std::size_t start = open_.back();
+    open_.pop_back();
+    inside = ParseInParentheses(start, inside);
+    begunAt_ = start;
+    --depth_;
+  }
+  return inside;
+}
+
+// Behind the "(" that stands at `start`, or behind the operand that is read already.
+Expression* ExpressionParser::ParseInParentheses(std::size_t start, Expression* begun) {
   Expression* result = Make(ExpressionKind::Row, start);
-  if (reader_.TakeSign(')')) return Close(result, start);
+  if (!begun && reader_.TakeSign(')')) return Close(result, start);
   List operands(result->first);
+  begun_ = begun;
   operands.Append(ParseExpression());
   if (!reader_.IsSign(',')) result->kind = ExpressionKind::Parentheses;
   while (reader_.TakeSign(',')) operands.Append(ParseExpression());

@@ -2,6 +2,8 @@
 // so that only what is nested in parentheses, calls and CASE costs depth.
 #pragma once
 
+#include <vector>
+
 #include "sql/select_statement.h"
 #include "sql/token_reader.h"
 
@@ -9,8 +11,10 @@ namespace zrqrybld {
 
 class ExpressionParser {
  public:
-  /// How deep expressions may be nested.
+  /// How deep expressions may be nested. Parentheses that begin together cost no stack; of everything else so many
+  /// levels fit into a thread with 512 kB.
   static constexpr int kDeepest = 1000;
+  static constexpr int kDeepestCalls = 250;
 
   ExpressionParser(TokenReader& reader, SyntaxArena& arena) : reader_(reader), arena_(arena) {}
 
@@ -27,6 +31,9 @@ class ExpressionParser {
   class Level;
 
   Expression* Make(ExpressionKind kind, std::size_t start, Expression* first = nullptr);
+  void RequireDepth(bool tooDeep, int levels) const;
+  // Where the expression begins that is read next.
+  std::size_t Start() const { return begun_ ? begunAt_ : reader_.Offset(); }
   Expression* Close(Expression* expression, std::size_t start);
 
   Expression* ParseAnd();
@@ -40,6 +47,7 @@ class ExpressionParser {
   Expression* ParsePostfix();
   Expression* ParseOperand();
   Expression* ParseParentheses();
+  Expression* ParseInParentheses(std::size_t start, Expression* begun);
   Expression* ParseNamed();
   Expression* ParseCall(std::size_t start, std::string_view name);
   Expression* ParseArgument();
@@ -55,6 +63,10 @@ class ExpressionParser {
   TokenReader& reader_;
   SyntaxArena& arena_;
   int depth_ = 0;
+  int calls_ = 0;
+  std::vector<std::size_t> open_;  // where the parentheses begin that are open in loops
+  Expression* begun_ = nullptr;    // the operand that the next expression begins with, read already
+  std::size_t begunAt_ = 0;
 };
 
 }  // namespace zrqrybld

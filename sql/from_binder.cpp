@@ -367,7 +367,6 @@ void FromBinder::FinishMarks() {
   }
   forms_.emplace(scope_.Tables().size());
   bound_.meaning = forms_->MeaningOfMarks(bringIn_, whereJoins_);
-  if (bound_.meaning.empty()) scope_.Refuse(bound_.firstOuter, "These outer joins wait for each other.");
 }
 
 void FromBinder::RefuseMarksOutsideWhere() const {

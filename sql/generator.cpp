@@ -7,6 +7,7 @@
 #include "base/text.h"
 #include "sql/criteria_formatter.h"
 #include "sql/keywords.h"
+#include "sql/lexer.h"
 
 namespace zrqrybld {
 namespace {
@@ -18,6 +19,23 @@ constexpr std::string_view kAnd = " AND \r\n\t\t";
 // Replacing "@field" in expressions that themselves hold "@field" can double the text with every row.
 constexpr std::size_t kLongestSelectList = 64u << 20;
 
+// Blank lines go where lines are put together. What is a blank line in a literal, a name or a comment belongs to that.
+std::string WithoutBlankLines(std::string text) {
+  constexpr std::string_view kBlankLine = "\r\n\r\n";
+  constexpr std::string_view kLineEnd = "\r\n";
+  if (text.find(kBlankLine) == std::string::npos) return text;
+  const std::string_view whole = text;
+  std::string result;
+  std::size_t done = 0;
+  Lexer lexer(whole);
+  for (Token token; lexer.Next(token) && !token.unfinished;) {
+    result += ReplaceAll(whole.substr(done, token.offset - done), kBlankLine, kLineEnd);
+    result += whole.substr(token.offset, token.length);
+    done = token.offset + token.length;
+  }
+  return result + ReplaceAll(whole.substr(done), kBlankLine, kLineEnd);
+}
+
 class Generator {
  public:
   Generator(const QuerySnapshot& query, const Dialect& dialect)
@@ -26,7 +44,9 @@ class Generator {
     tableTerms_.reserve(query.tables.size());
     for (const SnapshotTable& table : query.tables) {
       // Without AS before it, an alias that is any keyword would be taken for one.
-      const bool bare = table.aliased && dialect.tableAlias == " " && IsSqlKeyword(table.caption.Name());
+      const std::string& caption = table.caption.Name();
+      const bool isWord = IsSqlKeyword(caption) || BeginsTableClause(caption);
+      const bool bare = table.aliased && dialect.tableAlias == " " && isWord;
       tableTerms_.push_back((bare ? Quote(table.caption, query.names) : TableTerm(table, query.names)).Text());
     }
   }
@@ -165,7 +185,7 @@ class Generator {
       pending += TemplateOf(row);
       pending = Filled(pending, TemplateOperand(row));
       if (row.table) select_ += std::exchange(pending, {});
-      if (!row.alias.Empty()) {
+      if (!row.alias.Empty() && !IsAllColumns(row)) {
         pending += " AS ";
         pending += QuoteWhenNeeded(row.alias, query_.names).Text();
       }
@@ -320,7 +340,7 @@ class Generator {
       if (!joinConditions_.empty()) text += "WHERE" + joinConditions_;
     }
     text += where_ + group_ + having_ + order_;
-    return ReplaceAll(text, "\r\n\r\n", "\r\n");
+    return WithoutBlankLines(std::move(text));
   }
 
   const QuerySnapshot& query_;

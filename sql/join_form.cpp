@@ -4,6 +4,7 @@
 #include <iterator>
 #include <numeric>
 #include <set>
+#include <utility>
 
 #include "sql/dialect.h"
 #include "sql/join_list.h"
@@ -50,20 +51,27 @@ std::string Joined(std::vector<std::string>& texts) {
 
 }  // namespace
 
-JoinForms::JoinForms(std::size_t tables) : groupOf_(tables) {
+JoinForms::JoinForms(std::size_t tables) : groupOf_(tables), sideOf_(tables), optional_(tables) {
   std::iota(groupOf_.begin(), groupOf_.end(), 0);
+  std::iota(sideOf_.begin(), sideOf_.end(), 0);
   for (std::size_t table = 0; table < tables; ++table) {
     forms_.push_back({table, {}});
     groups_.push_back({{std::to_string(table)}, {}, {}});
   }
 }
 
-std::size_t JoinForms::GroupOf(std::size_t table) {
-  while (groupOf_[table] != table) {
-    groupOf_[table] = groupOf_[groupOf_[table]];
-    table = groupOf_[table];
+std::size_t JoinForms::RootOf(std::vector<std::size_t>& next, std::size_t table) {
+  while (next[table] != table) {
+    next[table] = next[next[table]];
+    table = next[table];
   }
   return table;
+}
+
+// The groups of both stand in the first.
+void JoinForms::Unite(Form a, Form b) {
+  Append(forms_[a].groups, forms_[b].groups);
+  sideOf_[RootOf(sideOf_, b)] = RootOf(sideOf_, a);
 }
 
 void JoinForms::Merge(std::size_t into, std::size_t group) {
@@ -83,16 +91,13 @@ void JoinForms::AddConditions(std::size_t group, std::span<const JoinPair> condi
 // A condition is asked of these tables: they are there in every row, and so are those that bring them in. Tables of
 // another form are left alone.
 void JoinForms::Require(Form form, std::span<const std::size_t> tables) {
-  FormParts& parts = forms_[form];
-  if (parts.groups.empty()) return;
+  const FormParts& parts = forms_[form];
   std::vector<std::size_t> pending(tables.begin(), tables.end());
   while (!pending.empty()) {
-    const std::size_t group = GroupOf(pending.back());
+    const std::size_t group = RootOf(groupOf_, pending.back());
     pending.pop_back();
-    const auto found = std::ranges::find(parts.groups, group);
-    if (found == parts.groups.end()) continue;
-    *found = parts.groups.back();
-    parts.groups.pop_back();
+    if (!optional_[group] || RootOf(sideOf_, group) != RootOf(sideOf_, form)) continue;
+    optional_[group] = false;
     const std::vector<std::size_t> touched = std::move(groups_[group].touched);
     pending.insert(pending.end(), touched.begin(), touched.end());
     Merge(parts.core, group);
@@ -101,7 +106,7 @@ void JoinForms::Require(Form form, std::span<const std::size_t> tables) {
 
 JoinForms::Form JoinForms::Inner(Form a, Form b, std::span<const JoinPair> conditions) {
   Merge(forms_[a].core, forms_[b].core);
-  Append(forms_[a].groups, forms_[b].groups);
+  Unite(a, b);
   Filter(a, conditions);
   return a;
 }
@@ -115,8 +120,9 @@ JoinForms::Form JoinForms::Left(Form a, Form b, std::span<const JoinPair> condit
   Require(b, TablesOf(conditions));
   const std::size_t group = forms_[b].core;
   AddConditions(group, conditions);
-  Append(forms_[a].groups, forms_[b].groups);
+  Unite(a, b);
   forms_[a].groups.push_back(group);
+  optional_[group] = true;
   return a;
 }
 
@@ -128,15 +134,15 @@ JoinForms::Form JoinForms::Full(Form a, Form b, std::span<const JoinPair> condit
   std::vector<std::string> texts;
   for (const JoinPair& pair : conditions) texts.push_back(PairText(pair));
   const std::size_t core = forms_[a].core;
-  const std::vector<std::size_t> optional = [&] {
-    Append(forms_[a].groups, forms_[b].groups);
-    return std::move(forms_[a].groups);
-  }();
-  for (const std::size_t group : optional) Merge(core, GroupOf(group));
+  Unite(a, b);
+  for (const std::size_t group : std::exchange(forms_[a].groups, {})) {
+    if (!optional_[group]) continue;
+    optional_[group] = false;
+    Merge(core, group);
+  }
   Merge(core, forms_[b].core);
   groups_[core].tables = {"FULL{" + first + '|' + second + '|' + Joined(texts) + '}'};
   groups_[core].conditions.clear();
-  forms_[a].groups.clear();
   return a;
 }
 
@@ -144,7 +150,9 @@ std::string JoinForms::TextOf(Group& group) const { return Joined(group.tables) 
 
 std::string JoinForms::Text(Form form) {
   std::vector<std::string> groups;
-  for (const std::size_t group : forms_[form].groups) groups.push_back(TextOf(groups_[group]));
+  for (const std::size_t group : forms_[form].groups) {
+    if (optional_[group]) groups.push_back(TextOf(groups_[group]));
+  }
   return TextOf(groups_[forms_[form].core]) + '{' + Joined(groups) + '}';
 }
 
@@ -214,28 +222,24 @@ std::string MeaningOfMarks(JoinForms& forms, std::size_t tables, const std::vect
 std::string JoinForms::MeaningOfMarks(const std::vector<std::vector<JoinPair>>& bringIn,
                                       std::span<const JoinPair> others) {
   std::optional<Form> all;
-  std::vector<std::size_t> waiting;
-  std::vector<bool> present(bringIn.size());
+  std::vector<std::size_t> missing(bringIn.size());               // conditions whose other table is not there yet
+  std::vector<std::vector<std::size_t>> waitFor(bringIn.size());  // by table: who has such a condition on it
+  std::vector<std::size_t> present;
   for (std::size_t table = 0; table < bringIn.size(); ++table) {
-    if (!bringIn[table].empty()) {
-      waiting.push_back(table);
-      continue;
-    }
+    for (const JoinPair& pair : bringIn[table]) waitFor[pair.left == table ? pair.right : pair.left].push_back(table);
+    missing[table] = bringIn[table].size();
+    if (missing[table] != 0) continue;
     all = all ? Inner(*all, table, {}) : table;
-    present[table] = true;
+    present.push_back(table);
   }
-  while (!waiting.empty()) {
-    const auto isReady = [&](std::size_t table) {
-      return std::ranges::all_of(
-          bringIn[table], [&](const JoinPair& pair) { return present[pair.left == table ? pair.right : pair.left]; });
-    };
-    const auto ready = std::ranges::find_if(waiting, isReady);
-    if (ready == waiting.end() || !all) return {};  // each waits for another
-    all = Left(*all, *ready, bringIn[*ready]);
-    present[*ready] = true;
-    waiting.erase(ready);
+  for (std::size_t i = 0; i < present.size(); ++i) {
+    for (const std::size_t table : waitFor[present[i]]) {
+      if (--missing[table] != 0) continue;
+      all = Left(*all, table, bringIn[table]);
+      present.push_back(table);
+    }
   }
-  if (!all) return {};
+  if (!all || present.size() < bringIn.size()) return {};  // each waits for another
   Filter(*all, others);
   return Text(*all);
 }

@@ -59,10 +59,11 @@ class JoinForms {
   };
   struct FormParts {
     std::size_t core;
-    std::vector<std::size_t> groups;  // those that may be missing; some have moved into the core since
+    std::vector<std::size_t> groups;  // those that may be missing, if they still are optional
   };
 
-  std::size_t GroupOf(std::size_t table);
+  static std::size_t RootOf(std::vector<std::size_t>& next, std::size_t table);
+  void Unite(Form a, Form b);
   void Merge(std::size_t into, std::size_t group);
   void AddConditions(std::size_t group, std::span<const JoinPair> conditions);
   void Require(Form form, std::span<const std::size_t> tables);
@@ -71,6 +72,8 @@ class JoinForms {
   std::vector<FormParts> forms_;      // by the form's first table
   std::vector<Group> groups_;         // by the group's first table
   std::vector<std::size_t> groupOf_;  // of each table: a group that was merged points on
+  std::vector<std::size_t> sideOf_;   // of each table, in the same way: the form that it stands in
+  std::vector<bool> optional_;        // by group: whether it may be missing
 };
 
 /// The tables of the query in the order in which FROM is generated when the diagram holds them in `order` (positions in

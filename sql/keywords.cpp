@@ -93,4 +93,30 @@ bool IsReserved(Keyword keyword) {
   }
 }
 
+bool BeginsTableClause(std::string_view word) {
+  constexpr std::string_view kWords[] = {"PIVOT", "UNPIVOT", "TABLESAMPLE", "APPLY", "LATERAL", "MODEL"};
+  return std::ranges::any_of(kWords, [word](std::string_view other) { return IsWord(word, other); });
+}
+
+bool CanBeCalled(Keyword keyword) {
+  switch (keyword) {
+    case Keyword::Left:
+    case Keyword::Right:
+      return true;
+    case Keyword::Exists:
+    case Keyword::False:
+    case Keyword::Null:
+    case Keyword::True:
+      return false;
+    default:
+      return !IsReserved(keyword);
+  }
+}
+
+bool IsReservedName(std::string_view word) {
+  const Keyword keyword = KeywordOf(word);
+  const bool isValue = keyword == Keyword::Null || keyword == Keyword::True || keyword == Keyword::False;
+  return IsReserved(keyword) || isValue || IsWord(word, "LATERAL");
+}
+
 }  // namespace zrqrybld

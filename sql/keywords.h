@@ -86,6 +86,15 @@ inline bool IsSqlKeyword(std::string_view word) { return KeywordOf(word) != Keyw
 /// The keyword in upper case; "" for `Keyword::None`.
 std::string_view NameOf(Keyword keyword);
 
+/// Whether the word, in any letter case, begins a clause behind a table that the designer cannot show.
+bool BeginsTableClause(std::string_view word);
+
+/// Whether the word can stand before the parenthesis of a call without quotes.
+bool CanBeCalled(Keyword keyword);
+
+/// Whether the word, in any letter case, has to stand in quotes as a name wherever it stands.
+bool IsReservedName(std::string_view word);
+
 /// Whether the word ends an expression or names a clause, so that it stands for no column and no alias without quotes.
 bool IsReserved(Keyword keyword);
 

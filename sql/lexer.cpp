@@ -167,12 +167,12 @@ bool Lexer::Next(Token& token) {
   return true;
 }
 
-void OneLine::Add(const Token& token) {
+void OneLine::Add(const Token& token, std::string_view instead) {
   if (token.kind == TokenKind::Comment) return;
   if (!first_ && token.offset != end_) line_ += ' ';
   first_ = false;
   end_ = token.offset + token.length;
-  line_ += text_.substr(token.offset, token.length);
+  line_ += instead;
 }
 
 std::vector<Token> Tokenize(std::string_view text) {

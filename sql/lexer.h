@@ -86,7 +86,9 @@ class OneLine {
   /// Appends to `line`; both must outlive this.
   OneLine(std::string_view text, std::string& line) : text_(text), line_(line) {}
   /// Appends the token; comments are left out. Tokens come in their order.
-  void Add(const Token& token);
+  void Add(const Token& token) { Add(token, text_.substr(token.offset, token.length)); }
+  /// Appends another text in the token's place.
+  void Add(const Token& token, std::string_view instead);
 
  private:
   std::string_view text_;

@@ -4,6 +4,7 @@
 
 #include "base/text.h"
 #include "platform/schema_fields.h"
+#include "sql/source_lexer.h"
 
 namespace zrqrybld {
 namespace {
@@ -31,17 +32,31 @@ std::string EscapeSequence(const DateTime& value, const CriteriaContext& context
 
 std::string TextLiteral(std::string_view value, const CriteriaContext& context, bool usualQuotes) {
   const bool usual = usualQuotes || context.prefix.empty();
-  const std::string prefix = usual ? "'" : context.prefix;
+  std::string prefix = usual ? "'" : context.prefix;
+  const bool escapes = value.find('\\') != std::string_view::npos && BackslashEscapes(prefix, context);
+  // Where the source has literals that mean the same in each of its modes, the text does not hang on the mode.
+  if (escapes && prefix == "'" && context.reading->escapeLiterals) prefix = "E'";
   // What begins with a quote ends with it; figures need no end.
   const std::string closing = EqualsNoCase(prefix, "0x") ? "" : prefix.substr(prefix.size() - 1);
   const std::string suffix = usual || context.suffix.empty() ? closing : context.suffix;
   std::string text = prefix;
   if (prefix.back() == '\'' || prefix.back() == '"') {
-    text += ReplaceAll(value, prefix.substr(prefix.size() - 1), std::string(2, prefix.back()));
+    const std::string doubled = ReplaceAll(value, prefix.substr(prefix.size() - 1), std::string(2, prefix.back()));
+    text += escapes ? ReplaceAll(doubled, "\\", "\\\\") : doubled;
   } else {
     text += value;
   }
   return text + suffix;
+}
+
+bool BackslashEscapes(std::string_view prefix, const CriteriaContext& context) {
+  if (!context.reading || prefix.empty()) return false;
+  SourceLexer lexer(prefix, *context.reading);
+  SourceToken token;
+  while (lexer.Next(token)) {
+    // The quote stands last.
+  }
+  return token.part == SourcePart::Text && token.escapes;
 }
 
 std::string DateText(const DateTime& value, const CriteriaContext& context) {

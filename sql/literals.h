@@ -13,8 +13,11 @@
 namespace zrqrybld {
 
 /// The text between the type's quotes, or with `usualQuotes`, and for a type that has none, between single ones. Quotes
-/// inside are doubled.
+/// inside are doubled, and so are backslashes where the source takes them for escapes.
 std::string TextLiteral(std::string_view value, const CriteriaContext& context, bool usualQuotes = false);
+
+/// Whether a backslash escapes in a literal that begins with the prefix, as the context's source reads it.
+bool BackslashEscapes(std::string_view prefix, const CriteriaContext& context);
 
 /// What stands between the quotes of a date literal: the value by the context's date format. A time that the format has
 /// no place for stands behind it: a part that was given is never dropped.

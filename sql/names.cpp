@@ -18,11 +18,6 @@ bool IsPlainIdentifier(std::string_view name) {
   return true;
 }
 
-// Words that would be read as values.
-bool IsValueWord(Keyword keyword) {
-  return keyword == Keyword::Null || keyword == Keyword::True || keyword == Keyword::False;
-}
-
 bool HoldsAnyOf(std::string_view name, std::string_view characters) {
   return !characters.empty() && name.find_first_of(characters) != std::string_view::npos;
 }
@@ -71,6 +66,11 @@ std::vector<QuotePair> KnownQuotes(const NameRules& rules) {
 
 std::string ClosingQuote(std::string_view quotePrefix) { return quotePrefix == "[" ? "]" : std::string(quotePrefix); }
 
+bool IsReservedWord(std::string_view name, const NameRules& rules) {
+  if (IsReservedName(name) || (rules.reservedWords && rules.reservedWords->contains(name))) return true;
+  return std::ranges::any_of(rules.dialectWords, [name](std::string_view word) { return EqualsNoCase(word, name); });
+}
+
 bool NeedsQuotes(std::string_view name, const NameRules& rules) {
   if (name == "*") return false;
   if (!IsPlainIdentifier(name)) return true;
@@ -81,9 +81,7 @@ bool NeedsQuotes(std::string_view name, const NameRules& rules) {
       })) {
     return true;
   }
-  const Keyword keyword = KeywordOf(name);
-  if (IsReserved(keyword) || IsValueWord(keyword)) return true;
-  return rules.reservedWords && rules.reservedWords->contains(name);
+  return IsReservedWord(name, rules);
 }
 
 SqlText Quote(const Identifier& name, const NameRules& rules) {

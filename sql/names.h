@@ -5,6 +5,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,10 +28,15 @@ struct NameRules {
   std::string invalidTableStartingCharacters;
   /// Words with a meaning in SQL.
   std::shared_ptr<const WordSet> reservedWords;
+  /// Words that the dialect itself writes.
+  std::span<const std::string_view> dialectWords;
 };
 
 /// The closing partner of an opening quote text: "]" for "[", otherwise the same.
 std::string ClosingQuote(std::string_view quotePrefix);
+
+/// Whether the name is a word with a meaning: of SQL, of the dialect, or a reserved one of the rules.
+bool IsReservedWord(std::string_view name, const NameRules& rules);
 
 /// Whether the name is written in quotes: reserved words and those that begin or end a clause in every dialect, names
 /// that hold a forcing or an invalid character, and whatever is no plain identifier. "*" never is.

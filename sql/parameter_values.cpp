@@ -8,9 +8,9 @@
 #include "base/error.h"
 #include "base/text.h"
 #include "platform/schema_fields.h"
-#include "sql/lexer.h"
 #include "sql/literals.h"
 #include "sql/parameters.h"
+#include "sql/value_places.h"
 
 namespace zrqrybld {
 namespace {
@@ -99,10 +99,18 @@ std::int32_t CodeOf(std::string_view name) {
 struct Written {
   std::string bare;
   std::string literal;
+  bool anyText = false;  // any characters may come
+  std::string standIn;   // the literal of such a value, written in the same way, that is harmless
 };
 
 Written WriteTextValue(std::string_view text, const CriteriaContext& context) {
-  return {std::string(text), TextLiteral(text, context)};
+  return {std::string(text), TextLiteral(text, context), false, {}};
+}
+
+Written WriteAnyText(std::string_view text, const CriteriaContext& context) {
+  if (text.find('\0') != std::string_view::npos) Refuse("A value cannot hold the character with the code 0.");
+  const std::string_view plain = text.find('\\') == std::string_view::npos ? "x" : "x\\x";
+  return {std::string(text), TextLiteral(text, context), true, TextLiteral(plain, context)};
 }
 
 Written WriteNumber(std::string_view text, std::int32_t code) {
@@ -112,14 +120,14 @@ Written WriteNumber(std::string_view text, std::int32_t code) {
   }
   if (text.starts_with('+')) text.remove_prefix(1);
   if (IsWhole(code) && text.find_first_of(".eE") != std::string_view::npos) Refuse("This is no whole number.");
-  return {std::string(text), std::string(text)};
+  return {std::string(text), std::string(text), false, {}};
 }
 
 Written WriteBoolean(std::string_view text, const Dialect& dialect) {
   const bool yes = IsOneOf(text, kYes);
   if (!yes && !IsOneOf(text, kNo)) Refuse("This is neither yes nor no.");
   const std::string word(yes ? dialect.yes : dialect.no);
-  return {word, word};
+  return {word, word, false, {}};
 }
 
 Written WriteDate(std::string_view text, const CriteriaContext& context) {
@@ -137,7 +145,7 @@ Written WriteDate(std::string_view text, const CriteriaContext& context) {
   if (!value.hasDate && !IsTimeOfDay(context)) Refuse("This has no date.");
   const std::optional<std::string> literal = DateLiteral(value, context);
   if (!literal) Refuse("This does not fit the date format, by which the source reads dates.");
-  return {DateText(value, context), *literal};
+  return {DateText(value, context), *literal, false, {}};
 }
 
 Written WriteBinary(std::string_view text, CriteriaContext context) {
@@ -153,24 +161,29 @@ Written WriteUntyped(std::string_view text, const CriteriaContext& context) {
   const bool plain =
       !figures.empty() && IsDigit(figures[0]) && (figures.size() == 1 || figures[0] != '0' || figures[1] == '.');
   if (plain && ParseNumber(text)) return WriteNumber(text, 0);
-  return WriteTextValue(TypedDefault(text), context);
+  return WriteAnyText(TypedDefault(text), context);
 }
 
-Written Write(const ParameterValue& value, const LiteralRules& rules) {
+CriteriaContext ContextOf(const ParameterValue& value, const LiteralRules& rules, const TextReading* reading) {
   CriteriaContext context;
+  if (reading) context.reading = *reading;
   context.dataType = value.type.code;
   context.isLong = value.type.isLong;
   context.prefix = value.type.prefix;
   context.suffix = value.type.suffix;
   context.dateFormat = rules.dateFormat;
   context.dateFormatStyle = rules.dateFormatStyle;
+  return context;
+}
+
+Written Write(const ParameterValue& value, CriteriaContext context, const LiteralRules& rules) {
   const Dialect& dialect = DialectFor(rules.syntax);
   const ValueKind kind = ValueKindOf(value.type.code);
   const std::string_view text = TrimWhite(value.text);
   if (text.empty() && kind != ValueKind::Text) Refuse("A value is needed.");
   switch (kind) {
     case ValueKind::Text:
-      return WriteTextValue(value.text, context);
+      return WriteAnyText(value.text, context);
     case ValueKind::Number:
       return WriteNumber(text, value.type.code);
     case ValueKind::Boolean:
@@ -191,56 +204,67 @@ Written Write(const ParameterValue& value, const LiteralRules& rules) {
 
 // --- The statement ---
 
-// The tokens that hold the markers; an operator where none does. The markers count as white space.
-std::vector<Token> EnclosingTokens(std::string_view sql, const std::vector<MarkerPlace>& markers) {
-  std::string text(sql);
-  for (const MarkerPlace& marker : markers) text.replace(marker.offset, marker.length, marker.length, ' ');
-  std::vector<Token> enclosing(markers.size());
-  std::size_t next = 0;
-  Lexer lexer(text);
-  for (Token token; next < enclosing.size() && lexer.Next(token);) {
-    for (; next < enclosing.size() && markers[next].offset < token.offset + token.length; ++next) {
-      if (markers[next].offset >= token.offset) enclosing[next] = token;
-    }
-  }
-  return enclosing;
-}
+constexpr std::string_view kReadInSeveralWays =
+    "The source has not told how it reads this: what is a value in one way of reading is none in another.";
 
-std::string WithBlanksFor(std::string text, std::string_view signs) {
-  std::ranges::replace_if(
-      text, [signs](char c) { return signs.find(c) != std::string_view::npos; }, ' ');
+// As it may stand in the statement; one that cannot be taken has a problem, and its marker stays.
+PlacedText TextOf(const ParameterValue& value, const LiteralRules& rules, const TextReading* reading,
+                  std::string& problem) {
+  PlacedText text;
+  text.given = value.given;
+  if (!value.given) return text;
+  try {
+    const CriteriaContext context = ContextOf(value, rules, reading);
+    Written written = Write(value, context, rules);
+    text.escapes = BackslashEscapes(written.literal.substr(0, written.literal.find_first_of("'\"") + 1), context);
+    text.anyText = written.anyText;
+    text.standIn = written.anyText ? written.standIn : written.literal;
+    text.bare = std::move(written.bare);
+    text.literal = std::move(written.literal);
+  } catch (const Error& error) {
+    text.given = false;
+    problem = error.Description();
+  }
   return text;
 }
 
-// The bare value with what would end the token around it taken out or doubled.
-std::string Inside(const Token& token, std::string_view statement, const std::string& bare) {
-  const auto doubled = [&](char c) { return ReplaceAll(bare, std::string(1, c), std::string(2, c)); };
-  switch (token.kind) {
-    case TokenKind::String:
-      return doubled('\'');
-    case TokenKind::QuotedIdentifier:
-      return doubled(statement[token.offset] == '[' ? ']' : statement[token.offset]);
-    case TokenKind::Date:
-      return WithBlanksFor(bare, "#\r\n");
-    default:  // a comment
-      return WithBlanksFor(bare, "*/\r\n");
+PlacedStatement PlaceFor(std::string_view sql, const std::vector<MarkerPlace>& markers,
+                         const std::vector<ParameterValue>& values, const LiteralRules& rules,
+                         const TextReading* reading) {
+  std::vector<std::string> problems(values.size());
+  std::vector<PlacedText> texts;
+  texts.reserve(values.size());
+  for (std::size_t i = 0; i < values.size(); ++i) texts.push_back(TextOf(values[i], rules, reading, problems[i]));
+  PlacedStatement placed = reading ? PlaceTexts(sql, markers, texts, *reading) : PlaceTexts(sql, markers, texts);
+  for (std::size_t i = 0; i < problems.size(); ++i) {
+    if (!values[i].given) placed.problems[i].clear();
+    if (!problems[i].empty()) placed.problems[i] = std::move(problems[i]);
   }
+  return placed;
 }
 
-bool IsEnclosed(const Token& token) {
-  return token.kind == TokenKind::String || token.kind == TokenKind::QuotedIdentifier ||
-         token.kind == TokenKind::Date || token.kind == TokenKind::Comment;
+// By a source that has not told how it reads only what every source reads alike is taken.
+PlacedStatement PlaceForAll(std::string_view sql, const std::vector<MarkerPlace>& markers,
+                            const std::vector<ParameterValue>& values, const LiteralRules& rules) {
+  PlacedStatement first = PlaceFor(sql, markers, values, rules, &rules.readings.front());
+  for (std::size_t reading = 1; reading < rules.readings.size(); ++reading) {
+    const PlacedStatement other = PlaceFor(sql, markers, values, rules, &rules.readings[reading]);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      const bool differs = values[i].given && (!other.problems[i].empty() || other.text != first.text);
+      if (differs && first.problems[i].empty()) first.problems[i] = kReadInSeveralWays;
+    }
+  }
+  return first;
 }
 
-// Two words, figures on both sides of a point, quotes, or signs that would begin a comment want a blank between them.
-bool WouldMerge(char before, char after) {
-  const auto isWord = [](char c) { return IsWordByte(c) || c == '@' || c == '#' || c == '$' || c == '.'; };
-  return (isWord(before) && isWord(after)) || (before == '-' && after == '-') || (before == '\'' && after == '\'');
-}
-
-void AppendApart(std::string& text, std::string_view piece) {
-  if (!text.empty() && !piece.empty() && WouldMerge(text.back(), piece.front())) text += ' ';
-  text += piece;
+PlacedStatement Place(std::string_view sql, const std::vector<ParameterValue>& values, const LiteralRules& rules) {
+  const std::vector<MarkerPlace> markers = ScanParameters(sql, nullptr).markers;
+  if (values.size() != markers.size()) {
+    Refuse("The statement has " + std::to_string(markers.size()) + " parameters, not " + std::to_string(values.size()) +
+           ".");
+  }
+  return rules.readings.empty() ? PlaceFor(sql, markers, values, rules, nullptr)
+                                : PlaceForAll(sql, markers, values, rules);
 }
 
 }  // namespace
@@ -294,45 +318,24 @@ std::string TypedDefault(std::string_view argument) {
 
 std::string ProblemOf(const ParameterValue& value, const LiteralRules& rules) {
   try {
-    Write(value, rules);
+    Write(value, ContextOf(value, rules, nullptr), rules);
     return {};
   } catch (const Error& error) {
     return error.Description();
   }
 }
 
+std::vector<std::string> ProblemsOf(std::string_view sql, const std::vector<ParameterValue>& values,
+                                    const LiteralRules& rules) {
+  return Place(sql, values, rules).problems;
+}
+
 std::string PutInLiterals(std::string_view sql, const std::vector<ParameterValue>& values, const LiteralRules& rules) {
-  const std::vector<MarkerPlace> markers = ScanParameters(sql, nullptr).markers;
-  if (values.size() != markers.size()) {
-    Refuse("The statement has " + std::to_string(markers.size()) + " parameters, not " + std::to_string(values.size()) +
-           ".");
+  PlacedStatement placed = Place(sql, values, rules);
+  for (const std::string& problem : placed.problems) {
+    if (!problem.empty()) Refuse(problem);
   }
-  const std::vector<Token> enclosing = EnclosingTokens(sql, markers);
-  std::string result;
-  std::size_t done = 0;
-  bool literal = false;  // what was written last
-  const auto copyUpTo = [&](std::size_t end) {
-    const std::string_view piece = sql.substr(done, end - done);
-    if (literal) {
-      AppendApart(result, piece);
-    } else {
-      result += piece;
-    }
-  };
-  for (std::size_t i = 0; i < values.size(); ++i) {
-    copyUpTo(markers[i].offset);
-    done = markers[i].offset + markers[i].length;
-    literal = values[i].given && !IsEnclosed(enclosing[i]);
-    if (literal) {
-      AppendApart(result, Write(values[i], rules).literal);
-    } else if (values[i].given) {
-      result += Inside(enclosing[i], sql, Write(values[i], rules).bare);
-    } else {
-      result += sql.substr(markers[i].offset, markers[i].length);
-    }
-  }
-  copyUpTo(sql.size());
-  return result;
+  return std::move(placed.text);
 }
 
 }  // namespace zrqrybld

@@ -22,11 +22,13 @@ struct ParameterValue {
   SnapshotType type = {};  ///< code 0: the value itself tells whether it is a number or a text
 };
 
-/// How literals are written.
+/// How literals are written. `readings` is how the source reads them: one when it has told; several when it has not,
+/// and then only what means the same in all of them is taken; none where there is no source.
 struct LiteralRules {
   DateFormatEnum dateFormatStyle = DateFormatNative;
   std::string dateFormat = "yyyy-mm-dd";
   SQLSyntaxEnum syntax = SQLSyntaxGeneric;
+  std::vector<TextReading> readings = {};
 };
 
 /// The type that the fourth argument of a marker names: one of the source's own by its name; otherwise a usual word
@@ -40,12 +42,16 @@ std::string_view TypeInWords(const SnapshotType& type);
 /// The default of a marker as a person would type it: without the quotes of a literal.
 std::string TypedDefault(std::string_view argument);
 
-/// Why the value cannot be taken, as a sentence; "" when it can.
+/// Why the value cannot be taken by any statement, as a sentence; "" when it can.
 std::string ProblemOf(const ParameterValue& value, const LiteralRules& rules);
+
+/// The same for each value where its marker stands; error 40005 for another number of values.
+std::vector<std::string> ProblemsOf(std::string_view sql, const std::vector<ParameterValue>& values,
+                                    const LiteralRules& rules);
 
 /// The statement with the literal of the n-th value in the place of its n-th marker, one value for each. A marker
 /// inside a literal, a quoted name or a comment gets the bare value, with what would end that doubled or taken out:
-/// LIKE '%?PARAM(Name)%'. Error 40005 with the sentence of `ProblemOf`, or for another number of values.
+/// LIKE '%?PARAM(Name)%'. Error 40005 with the first sentence of `ProblemsOf`, or for another number of values.
 std::string PutInLiterals(std::string_view sql, const std::vector<ParameterValue>& values, const LiteralRules& rules);
 
 }  // namespace zrqrybld

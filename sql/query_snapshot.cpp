@@ -20,6 +20,12 @@ std::string FieldTerm(const SnapshotTable& table, const std::string& column, con
   return TableTerm(table, rules).Text() + "." + QuoteWhenNeeded(Identifier(column), rules).Text();
 }
 
+bool IsAllColumns(const SnapshotRow& row) {
+  if (!row.aggregate.empty()) return false;
+  const std::string_view text = TrimWhite(row.column);
+  return text == "*" || (!row.table && text.ends_with(".*"));
+}
+
 std::vector<const SnapshotRow*> SortedRows(const QuerySnapshot& query) {
   std::vector<std::pair<double, const SnapshotRow*>> numbered;
   for (const SnapshotRow& row : query.rows) {

@@ -54,6 +54,8 @@ struct SnapshotRow {
   /// A column's name, "*", or an expression when `table` is none.
   std::string column;
   Identifier alias;
+  /// What was asked for, where the alias had to be cut; "" otherwise.
+  std::string uncutAlias;
   /// The position in `QuerySnapshot::tables`, from 0; none for an expression.
   std::optional<std::size_t> table;
   bool output = false;
@@ -92,6 +94,9 @@ SqlText TableTerm(const SnapshotTable& table, const NameRules& rules);
 
 /// A column of the table by its qualified name.
 std::string FieldTerm(const SnapshotTable& table, const std::string& column, const NameRules& rules);
+
+/// Whether the row's term stands for several columns, "*" or an expression that ends so.
+bool IsAllColumns(const SnapshotRow& row);
 
 /// The rows that are sorted by, in their order. Of several with one sort number the last one counts; a sort number that
 /// is no number, or rounds to none from 1, does not.

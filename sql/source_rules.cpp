@@ -1,5 +1,8 @@
 #include "sql/source_rules.h"
 
+#include <algorithm>
+
+#include "base/text.h"
 #include "host/connection_info.h"
 
 namespace zrqrybld {
@@ -10,6 +13,20 @@ namespace {
 std::optional<std::string> Known(const QueryContext& context, std::string_view key) {
   std::optional<std::string> text = context.Properties()->FindText(key);
   return text && !text->empty() ? text : std::nullopt;
+}
+
+// A name that holds anything but letters, figures and "_" is quoted without being asked for, so that only texts of
+// these are looked for in each name; those of one character all at once.
+void AddForcingTexts(NameRules& rules, const StringCollection& texts) {
+  for (std::int32_t i = 1; i <= texts.Count(); ++i) {
+    const std::string& text = texts.Item(i);
+    if (!std::ranges::all_of(text, IsWordByte)) continue;
+    if (text.size() == 1) {
+      rules.invalidTableCharacters += text;
+    } else {
+      rules.quotedIdentifiers.push_back(text);
+    }
+  }
 }
 
 }  // namespace
@@ -32,10 +49,8 @@ NameRules CurrentNameRules(const QueryContext& context) {
   if (!IsTextSource(context)) {
     rules.schemaSeparator = Known(context, "SCHEMA_SEPARATOR").value_or(context.IsConnected() ? "" : ".");
   }
-  for (std::int32_t i = 1; i <= context.QuotedIdentifiers()->Count(); ++i) {
-    rules.quotedIdentifiers.push_back(context.QuotedIdentifiers()->Item(i));
-  }
   rules.invalidTableCharacters = Known(context, "INVALID_TABLE_CHARS").value_or("");
+  AddForcingTexts(rules, *context.QuotedIdentifiers());
   rules.invalidTableStartingCharacters = Known(context, "INVALID_TABLE_STARTING_CHARS").value_or("");
   rules.reservedWords = context.ReservedWords();
   return rules;

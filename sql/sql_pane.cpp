@@ -186,7 +186,9 @@ void qbSQLPane::WriteProperties(PropertyStore& store) const {
 
 std::string qbSQLPane::Generate(const std::string& orExpression, const std::string& andExpression) {
   const Ref<QueryContext> context = context_.lock();
-  if (busy_ || !context || context->state() != InfoDone) return {};
+  if (busy_ || !context) return {};
+  context->TakeBackState();
+  if (context->state() != InfoDone) return {};
   QuerySnapshot query = context->Snapshot();
   const Dialect& dialect = DialectFor(syntax_);
   GeneratedSql generated = GenerateSelect(query, dialect, {orExpression, andExpression});
@@ -242,6 +244,7 @@ bool qbSQLPane::ParseSQLStatement(const std::string& sql) {
       context->RaiseInfo(InfoParsingSQL, sql);
       context->LoadStatement(sql);
     } catch (const std::exception& cause) {
+      context->LeaveState();
       throw WrapError(ErrorParsingText, "An error occured while parsing the text.", cause);
     }
     QueryReplaced();

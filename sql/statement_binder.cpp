@@ -1,5 +1,6 @@
 #include "sql/statement_binder.h"
 
+#include <cmath>
 #include <numeric>
 
 #include "base/text.h"
@@ -64,6 +65,7 @@ class Binder {
     query_.names = options_.names;
     query_.criteria = options_.criteria;
     query_.distinct = statement_.distinct;
+    IndexItems();
     BindTop();
     BindFrom();
     FindGrouping();
@@ -205,28 +207,32 @@ class Binder {
   // What a grouping expression is known by.
   std::string KeyOf(const Expression& e) const { return fields_.Normalized(*StripParentheses(&e)); }
 
-  const SelectItem* ItemAt(const Expression& position) const {
-    std::optional<double> number = ParseNumber(position.text);
-    const SelectItem* item = number && *number >= 1 ? statement_.items : nullptr;
-    for (; item && *number > 1; item = item->next, --*number) {
-      if (item->expression->kind == ExpressionKind::Star) return nullptr;
+  // The items of the select list by place, up to the first "*", and by alias; the first of each.
+  void IndexItems() {
+    bool counts = true;
+    for (const SelectItem* item = statement_.items; item; item = item->next) {
+      counts = counts && item->expression->kind != ExpressionKind::Star;
+      if (counts) itemsByPlace_.push_back(item);
+      if (!item->alias.empty()) itemsByAlias_.emplace(FoldCase(PlainName(item->alias)), item);
     }
-    return item && item->expression->kind != ExpressionKind::Star ? item : nullptr;
+  }
+
+  const SelectItem* ItemAt(const Expression& position) const {
+    const double place = ParseNumber(position.text).value_or(0);
+    if (place < 1 || place > static_cast<double>(itemsByPlace_.size()) || place != std::floor(place)) return nullptr;
+    return itemsByPlace_[static_cast<std::size_t>(place) - 1];
   }
 
   const SelectItem* ItemNamed(std::string_view alias) const {
-    for (const SelectItem* item = statement_.items; item; item = item->next) {
-      if (!item->alias.empty() && EqualsNoCase(PlainName(item->alias), alias)) return item;
-    }
-    return nullptr;
+    const auto found = itemsByAlias_.find(FoldCase(alias));
+    return found == itemsByAlias_.end() ? nullptr : found->second;
   }
 
-  // A position or an alias stands for the item of the select list.
+  // A position or an alias stands for the item of the select list; a number that is none for itself.
   const Expression& GroupedBy(const Expression& e) const {
     if (e.kind == ExpressionKind::Literal && IsDigit(e.text.front())) {
       const SelectItem* item = ItemAt(e);
-      if (!item) scope_.Refuse(e.text, "The select list has no column at this position.");
-      return *item->expression;
+      return item ? *item->expression : e;
     }
     const Expression& inner = *StripParentheses(&e);
     if (inner.kind == ExpressionKind::Column && inner.Qualifier().empty()) {
@@ -366,7 +372,11 @@ class Binder {
   }
 
   std::size_t RowToSort(const Expression& e) {
-    if (e.kind == ExpressionKind::Literal && IsDigit(e.text.front())) return RowAt(e);
+    if (e.kind == ExpressionKind::Literal && IsDigit(e.text.front())) {
+      // A number that is no position is written as it is read: who sorts by a constant sorts by nothing.
+      if (const std::optional<std::size_t> row = RowAt(e)) return *row;
+      return RowToSort(RowField{std::nullopt, ExpressionText(e), {}, {}});
+    }
     const Expression& inner = *StripParentheses(&e);
     if (inner.kind == ExpressionKind::Column && inner.Qualifier().empty()) {
       const std::string name = PlainName(inner.name);
@@ -399,8 +409,8 @@ class Binder {
     return found;
   }
 
-  // The row of a column of the result, by its position from 1.
-  std::size_t RowAt(const Expression& position) {
+  // The row of a column of the result, by its position from 1; none where there is no such column, or nobody knows.
+  std::optional<std::size_t> RowAt(const Expression& position) {
     double left = ParseNumber(position.text).value_or(0);
     for (const Output& output : outputs_) {
       if (left < 1) break;
@@ -410,16 +420,14 @@ class Binder {
         left -= 1;
         continue;
       }
-      if (!scope_.Source().KnowsColumns(*row.table)) {
-        scope_.Refuse(position.text, "The columns that \"*\" stands for are not known.");
-      }
+      if (!scope_.Source().KnowsColumns(*row.table)) return std::nullopt;
       const std::vector<std::string> columns = scope_.Source().Columns(*row.table);
       if (left <= static_cast<double>(columns.size())) {
         return RowToSort(RowField{row.table, columns[static_cast<std::size_t>(left) - 1], {}, {}});
       }
       left -= static_cast<double>(columns.size());
     }
-    scope_.Refuse(position.text, "The select list has no column at this position.");
+    return std::nullopt;
   }
 
   struct Grouping {
@@ -434,6 +442,8 @@ class Binder {
   FieldTerms fields_;
   QueryRows rows_;
   BoundFrom from_;
+  std::vector<const SelectItem*> itemsByPlace_;
+  std::unordered_map<std::string, const SelectItem*> itemsByAlias_;  // case-folded
   std::vector<Output> outputs_;
   std::unordered_map<std::string, std::size_t> aliases_;  // case-folded; the row
   std::unordered_map<std::string, Grouping> grouping_;

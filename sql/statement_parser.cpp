@@ -2,13 +2,15 @@
 
 #include "base/text.h"
 #include "sql/expression_parser.h"
+#include "sql/keywords.h"
 #include "sql/token_reader.h"
 
 namespace zrqrybld {
 namespace {
 
-/// How deep tables may be nested in parentheses.
+/// How deep tables may be nested in parentheses that begin together, and how deep otherwise, which costs stack.
 constexpr int kDeepestTables = 4000;
+constexpr int kDeepestCalls = 250;
 
 // What no designer of one SELECT can show, by the word that begins it.
 bool IsBeyondDesigner(Keyword keyword) {
@@ -75,7 +77,7 @@ class Parser {
         reader_.Advance();
         if (reader_.Is(Keyword::On)) reader_.Refuse(reader_.Offset(), "DISTINCT ON cannot be shown in the designer.");
         statement_.distinct = true;
-      } else if (reader_.Is(Keyword::All)) {
+      } else if (reader_.Is(Keyword::All) && !reader_.NextIsSign('.')) {
         reader_.Advance();
       } else if (IsTop()) {
         ParseTop();
@@ -98,7 +100,7 @@ class Parser {
     const bool inParentheses = reader_.TakeSign('(');
     ParseLimitNumber();
     if (inParentheses) reader_.ExpectSign(')');
-    if (reader_.Is(Keyword::Percent) && !reader_.NextIsSign(',') && reader_.Peek().keyword != Keyword::From) {
+    if (reader_.Is(Keyword::Percent) && !reader_.NextIsSign(',')) {
       reader_.Advance();
       statement_.topPercent = true;
     }
@@ -178,9 +180,8 @@ class Parser {
 
   // What may stand behind a table elsewhere.
   void RefuseTableClause() {
-    for (const std::string_view word : {"PIVOT", "UNPIVOT", "TABLESAMPLE", "APPLY", "LATERAL", "MODEL"}) {
-      if (reader_.IsWord(word))
-        reader_.Refuse(reader_.Offset(), std::string(word) + " cannot be shown in the designer.");
+    if (reader_.Is(TokenKind::Word) && BeginsTableClause(reader_.CurrentText())) {
+      reader_.Refuse(reader_.Offset(), UpperAscii(reader_.CurrentText()) + " cannot be shown in the designer.");
     }
   }
 
@@ -209,19 +210,32 @@ class Parser {
     return item;
   }
 
-  // Joined tables in parentheses; commas in there join without a condition.
+  void RequireDepth(int depth, int deepest) const {
+    if (depth <= deepest) return;
+    reader_.Refuse(reader_.Offset(),
+                   "The tables are nested too deeply: more than " + std::to_string(deepest) + " levels.");
+  }
+
+  // Parentheses that begin together are read in a loop, from the inside.
   FromItem* ParseTablesInParentheses() {
-    const std::size_t start = reader_.Offset();
-    const Keyword next = reader_.Peek().keyword;
-    if (next == Keyword::Select || next == Keyword::With) {
-      reader_.Refuse(start, "A query in FROM cannot be shown in the designer.");
+    RequireDepth(++calls_, kDeepestCalls);
+    int open = 0;
+    for (; reader_.IsSign('('); reader_.Advance()) {
+      const Keyword next = reader_.Peek().keyword;
+      if (next == Keyword::Select || next == Keyword::With) {
+        reader_.Refuse(reader_.Offset(), "A query in FROM cannot be shown in the designer.");
+      }
+      RequireDepth(++open, kDeepestTables);
     }
-    if (++depth_ > kDeepestTables) {
-      reader_.Refuse(start,
-                     "The tables are nested too deeply: more than " + std::to_string(kDeepestTables) + " levels.");
-    }
-    reader_.Advance();
-    FromItem* item = ParseJoined();
+    FromItem* item = ParseTable();
+    for (; open > 0; --open) ParseRestInParentheses(item);
+    --calls_;
+    return item;
+  }
+
+  // Joined tables behind the first, up to the ")"; commas in there join without a condition.
+  void ParseRestInParentheses(FromItem* item) {
+    ParseJoins(item);
     while (reader_.IsSign(',')) {
       JoinStep* step = AddStep(item, reader_.CurrentText());
       reader_.Advance();
@@ -230,12 +244,10 @@ class Parser {
     }
     const bool leftOpen = options_.openParenthesesInFrom && AtClauseEnd();
     if (!leftOpen && !reader_.TakeSign(')')) reader_.FailExpected("a join, \",\" or \")\"");
-    --depth_;
     if (reader_.Is(Keyword::As) || reader_.Is(TokenKind::QuotedIdentifier) ||
         (reader_.Is(TokenKind::Word) && reader_.Current().keyword == Keyword::None)) {
       reader_.Refuse(reader_.Offset(), "A name for joined tables cannot be shown in the designer.");
     }
-    return item;
   }
 
   // { oj tables }
@@ -284,10 +296,9 @@ class Parser {
       step->right = ParseTable();
       // The conditions of joins in a row may all stand behind the last: A JOIN B JOIN C ON ... ON ...
       if (TakesCondition(*step) && IsJoinWord(reader_.Current().keyword)) {
-        if (++depth_ > kDeepestTables)
-          reader_.Refuse(reader_.Offset(), "There are too many joins without a condition.");
+        RequireDepth(++calls_, kDeepestCalls);
         ParseJoins(step->right);
-        --depth_;
+        --calls_;
       }
       ParseJoinCondition(*step);
     }
@@ -410,7 +421,7 @@ class Parser {
   const ParseOptions& options_;
   TokenReader reader_;
   ExpressionParser expressions_;
-  int depth_ = 0;
+  int calls_ = 0;
 };
 
 }  // namespace

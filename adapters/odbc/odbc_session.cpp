@@ -102,6 +102,47 @@ OdbcSession::OdbcSession(const std::string& connectionString, Secrets secrets)
   for (const ByteQuotes& quotes : kByteQuotes) {
     if (FindNoCase(server, quotes.server) != std::string::npos) facts_.byteQuotes.emplace(quotes.prefix, quotes.suffix);
   }
+  facts_.reading = AskReading(server);
+  // The backslash before the bytes is an escape in one mode of a server; in these literals it is one in each.
+  const bool escapes = facts_.reading && facts_.reading->backslashEscapes && facts_.reading->escapeLiterals;
+  if (escapes && facts_.byteQuotes) facts_.byteQuotes->first = R"((E'\\x)";
+}
+
+// The first value of the answer; none when there is no answer.
+std::optional<std::string> OdbcSession::Ask(std::string_view question) const {
+  constexpr CatalogField kFields[] = {{1, FieldKind::Text}};
+  try {
+    const Statement statement(connection_);
+    std::u16string text = ToUtf16(question);
+    statement.Check(SQLExecDirectW(statement.Get(), Wide(text), static_cast<SQLINTEGER>(text.size())));
+    CatalogRows rows(statement, kFields);
+    return rows.Next() ? rows.Text(0) : std::nullopt;
+  } catch (const Error&) {
+    return std::nullopt;
+  }
+}
+
+// How the server reads literals in the mode that this connection is in. What does not answer is not known.
+std::optional<TextReading> OdbcSession::AskReading(std::string_view server) const {
+  std::optional<TextReading> reading = UsualReading(server);
+  if (!reading) return std::nullopt;
+  if (reading->escapeLiterals) {
+    const std::optional<std::string> standard = Ask("SHOW standard_conforming_strings");
+    if (!standard) return std::nullopt;
+    reading->backslashEscapes = !EqualsNoCase(*standard, "on");
+  }
+  if (reading->hashComments) {
+    const std::optional<std::string> mode = Ask("SELECT @@sql_mode");
+    if (!mode) return std::nullopt;
+    const auto has = [&](std::string_view word) {
+      const std::vector<std::string_view> words = Split(*mode, ",");
+      return std::ranges::find(words, word) != words.end();
+    };
+    reading->backslashEscapes = !has("NO_BACKSLASH_ESCAPES");
+    reading->doubleQuotesAreTexts = !has("ANSI_QUOTES");
+    reading->brackets = reading->bracketsEndAtFirst = has("MSSQL");
+  }
+  return reading;
 }
 
 std::unique_ptr<RowSet> OdbcSession::OpenSchema(SchemaKind kind, const SchemaRestrictions& restrictions) {
@@ -483,6 +524,7 @@ OdbcSession::Rows OdbcSession::MakeLiterals() const {
   if (facts_.identifierCase == SQL_IC_LOWER) folded = kUpperLetters;
   if (facts_.identifierCase == SQL_IC_UPPER) folded = kLowerLetters;
   rows.push_back({"TABLE_NAME", Variant::Null(), folded, ""});
+  if (facts_.reading) rows.push_back(row(kTextReadingLiteral, WordsOf(*facts_.reading)));
   return rows;
 }
 

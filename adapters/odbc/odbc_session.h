@@ -6,11 +6,13 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "adapters/odbc/odbc_handle.h"
 #include "platform/provider.h"
+#include "platform/text_reading.h"
 
 namespace zrqrybld::odbc {
 
@@ -35,6 +37,7 @@ class OdbcSession final : public Session {
     bool isSqlite = false;
     // What bytes stand between; none when it is what the driver tells.
     std::optional<std::pair<std::string, std::string>> byteQuotes;
+    std::optional<TextReading> reading;  // none when it is not known
   };
 
   // Where tables are looked for, in the driver's own terms. None means anywhere.
@@ -63,6 +66,8 @@ class OdbcSession final : public Session {
   };
 
   bool DatabaseIsSchema() const { return facts_.hasCatalogs && !facts_.hasSchemas; }
+  std::optional<std::string> Ask(std::string_view question) const;
+  std::optional<TextReading> AskReading(std::string_view server) const;
   std::optional<Scope> ScopeOf(const SchemaRestrictions& restrictions) const;
   std::string Pattern(std::string_view name) const;
   std::string TypeOf(const Table& table, const std::string& type) const;

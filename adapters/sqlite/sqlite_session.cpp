@@ -5,6 +5,7 @@
 #include "base/text.h"
 #include "platform/schema_fields.h"
 #include "platform/table_row_set.h"
+#include "platform/text_reading.h"
 
 namespace zrqrybld::sqlite {
 namespace {
@@ -106,12 +107,17 @@ void AppendColumns(const TableFacts& table, std::vector<std::vector<Variant>>& r
 }
 
 std::vector<std::vector<Variant>> MakeLiterals() {
-  const auto row = [](const char* name, const char* value) {
+  const auto row = [](std::string_view name, std::string_view value) {
     return std::vector<Variant>{name, value, Variant::Null(), Variant::Null()};
   };
   // A quoted name may hold and begin with any character, so no character is invalid in a table's name.
-  return {row("SCHEMA_SEPARATOR", "."), row("LIKE_PERCENT", "%"),  row("LIKE_UNDERSCORE", "_"),
-          row("QUOTE_PREFIX", "\""),    row("QUOTE_SUFFIX", "\""), {"TABLE_NAME", Variant::Null(), "", ""}};
+  return {row("SCHEMA_SEPARATOR", "."),
+          row("LIKE_PERCENT", "%"),
+          row("LIKE_UNDERSCORE", "_"),
+          row("QUOTE_PREFIX", "\""),
+          row("QUOTE_SUFFIX", "\""),
+          {"TABLE_NAME", Variant::Null(), "", ""},
+          row(kTextReadingLiteral, WordsOf(*UsualReading("SQLite")))};
 }
 
 bool IsGiven(const std::optional<std::string>& restriction) { return restriction && !restriction->empty(); }

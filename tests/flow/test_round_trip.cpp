@@ -232,9 +232,6 @@ TEST(RoundTrip, AStatementReadBackIsTheDesignItWasMadeFrom) {
       try {
         reader->Hub().SQLPane()->ParseSQLStatement(statement);
       } catch (const Error& error) {
-        reader->Hub().SetState(InfoDone);
-        // A circle of outer joins has no meaning in any dialect.
-        if (error.Description().ends_with("These outer joins wait for each other.")) break;
         ADD_FAILURE() << "seed " << seed << "\n" << statement << "\n" << error.Description();
         break;
       }

@@ -3,6 +3,7 @@
 
 #include "hub/query_builder.h"
 #include "tests/diagram/diagram_fixture.h"
+#include "tests/error_of.h"
 #include "tests/fakes/fake_connection.h"
 
 namespace zrqrybld {
@@ -55,13 +56,14 @@ TEST_F(HubOptions, EveryOptionIsMarkedStoredAndReadBack) {
   hub->SetRetrieveFieldOrder(FieldOrderOrdinal);
   hub->SetSaveLoadEntityItems(true);
   hub->SetSaveConnectionString(false);
-  hub->SetAliasMaxLen(-32768);
+  hub->SetAliasMaxLen(32767);
+  EXPECT_EQ(test::ErrorOf([&] { hub->SetAliasMaxLen(-1); }), ErrorInvalidPropertyValue);
   MemoryPropertyStore store;
   hub->WriteProperties(store);
   EXPECT_EQ(store.Values().size(), 9u);
   const Ref<qbQueryBuilder> other = qbQueryBuilder::Create();
   other->ReadProperties(store);
-  EXPECT_EQ(Options(*other), "101010 1 -32768 25%");
+  EXPECT_EQ(Options(*other), "101010 1 32767 25%");
   EXPECT_EQ(Options(*other), Options(*hub));
   EXPECT_EQ(marked,
             "AllowJoinProperties ConnectOnLoad DistinctRecords SelectTopRecords GetTablesOnConnect RetrieveFieldOrder "
@@ -80,7 +82,7 @@ TEST_F(HubOptions, StoredValuesOfTheWrongKindCountAsMissing) {
     EXPECT_EQ(Options(*hub), "010101 0 0 ") << value.Text();
   }
   MemoryPropertyStore store;
-  for (const double number : {1e300, -1e300, 70'000.0, std::nan("")}) {
+  for (const double number : {-1.0, 1e300, -1e300, 70'000.0, std::nan("")}) {
     store.Write("RetrieveFieldOrder", number);
     store.Write("AliasMaxLen", number);
     hub->ReadProperties(store);

@@ -75,6 +75,15 @@ TEST(Parameters, ValuesStayValues) {
     Designer designer;
     designer.hub->DataTypes()->Add("ByTheSource", 129, "<", ">");
     designer.grid->SetDateFormat("yyyy-mm-dd");
+    const std::string reading = row.cells.size() > 4 ? row[4] : "";
+    const std::optional<TextReading> usual = UsualReading(reading);
+    if (reading == "unknown") {
+      const auto source = std::make_shared<test::FakeConnection>();
+      source->Open({}, {});
+      designer.hub->SetConnection(source);
+    } else if (!reading.empty()) {
+      designer.hub->Properties()->Set(kTextReadingLiteral, usual ? WordsOf(*usual) : reading);
+    }
     designer.sql->SetSQLSyntax(FindDialect(row[0])->syntax);
     designer.toolkit->GetDialogs().onShowParameters = [&](ParametersDialog& dialog) {
       const std::vector<std::string_view> values = Split(row[2], ";");

@@ -1,5 +1,6 @@
 #include "sql/statement_parser.h"
 #include "tests/data_table.h"
+#include "tests/error_of.h"
 #include "tests/hub/hub_fixture.h"
 
 namespace zrqrybld {
@@ -33,6 +34,39 @@ class ParseTest : public test::HubTest {
       }
     }
     return text;
+  }
+
+  // A design in which a table's caption, a column and an alias have one name.
+  void NameEverything(const Dialect& dialect, const std::string& table, const std::string& name) {
+    const Designer fresh;
+    static_cast<Designer&>(*this) = fresh;
+    hub->DBKeywords()->Clear();
+    hub->DBFunctions()->Clear();
+    sql->SetSQLSyntax(dialect.syntax);
+    const Ref<qbEntity> entity = hub->AddTable(table);
+    const Ref<qbEntity> other = hub->AddTable("other");
+    entity->Items()->Add(name, name);
+    other->Items()->Add("c", "c");
+    entity->SetCaption(name);
+    const Ref<qbRelationship> join = other->Relationships()->Add(entity);
+    join->SetSourceItemIndex(1);
+    join->SetTargetItemIndex(1);
+    grid->SetFieldOutput(name, true, name);
+    grid->SetValue(1, "alias", name);
+    grid->SetValue(1, "criteria", "= 1");
+    grid->SetValue(1, "sort_order", "1");
+    sql->Refresh();
+  }
+
+  void ExpectReadBack(const std::string& name) {
+    const std::string text = sql->SQLStatement();
+    EXPECT_NE(text.find(name), std::string::npos);
+    try {
+      Parse(text);
+    } catch (const Error& error) {
+      ADD_FAILURE() << text << "\n" << error.Description();
+    }
+    EXPECT_EQ(sql->SQLStatement(), text);
   }
 
   // A column of the grid: the cells of the rows in use with " / " between, criteria columns with " ~ ".
@@ -142,6 +176,53 @@ TEST_F(ParseTest, AFailureChangesNothingAndLeavesTheState) {
   }
   EXPECT_EQ(hub->state(), InfoDone);
   EXPECT_EQ(sql->SQLStatement(), before);
+}
+
+TEST_F(ParseTest, WhatAFailureHasLeftEndsWithTheNextChange) {
+  Use();
+  sql->SetSQLSyntax(SQLSyntaxMSSQL);
+  Parse("SELECT Name FROM Customers");
+  const std::string text = sql->SQLStatement();
+  const std::function<void()> kChanges[] = {
+      [&] { sql->Refresh(); },
+      [&] { EXPECT_EQ(sql->AddWhereClause("", ""), text); },
+      [&] { hub->CancelOperation(); },
+      [&] { hub->AddTable("Orders"); },
+      [&] { Item("Customers", "CustomerID")->SetChecked(true); },
+      [&] { hub->SetDistinctRecords(true); },
+      [&] { hub->Undo(); },
+  };
+  for (const auto& change : kChanges) {
+    EXPECT_EQ(test::ErrorOf([&] { Parse("SELECT"); }), ErrorParsingText);
+    EXPECT_EQ(hub->state(), InfoParsingSQL);
+    change();
+    EXPECT_EQ(hub->state(), InfoDone);
+    EXPECT_FALSE(sql->SQLStatement().empty());
+  }
+}
+
+// Whatever a table, its copy, a column or an alias is called, the parser reads what the generator writes.
+TEST_F(ParseTest, EveryWordIsANameThatIsReadBack) {
+  constexpr std::string_view kWords =
+      "ALIKE ALL AND ANY APPLY AS ASC BETWEEN BOTH BY CASE CAST COLLATE CONNECT COUNT CROSS CURRENT_DATE DATE DATETIME "
+      "DESC "
+      "DISTINCT DISTINCTROW ELSE END ESCAPE EXCEPT EXISTS FALSE FETCH FILTER FIRST FOR FROM FULL GLOB GROUP HAVING "
+      "ILIKE IN "
+      "INNER INTERSECT INTERVAL INTO IS ISNULL JOIN LAST LATERAL LEADING LEFT LEVEL LIKE LIMIT MATCH MINUS MODEL "
+      "NATURAL "
+      "NEXT NOT NOTNULL NULL NULLS OFFSET OJ ON ONLY OPTION OR ORDER OUTER OVER PERCENT PIVOT REGEXP RIGHT RLIKE ROW "
+      "ROWNUM ROWS SELECT SEPARATOR SOME START SYSDATE TABLESAMPLE THEN TIES TIME TIMESTAMP TO TOP TRAILING TRUE UNION "
+      "UNPIVOT UP USER USING WHEN WHERE WINDOW WITH WITHIN";
+  for (const Dialect& dialect : AllDialects()) {
+    if (!dialect.canBeParsed) continue;
+    for (const std::string_view word : Split(kWords, " ")) {
+      const std::string name(word);
+      NameEverything(dialect, name, name);
+      ExpectReadBack(name);
+      NameEverything(dialect, "t", name);
+      ExpectReadBack(name);
+    }
+  }
 }
 
 TEST_F(ParseTest, WithoutASourceTheColumnsAreThoseThatTheStatementNames) {

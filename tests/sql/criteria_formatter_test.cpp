@@ -22,6 +22,8 @@ bool IsColumn(const std::vector<std::string>& parts) {
 }
 
 CriteriaContext ContextOf(const std::string& type) {
+  TextReading escaping = *UsualReading("PostgreSQL");
+  escaping.backslashEscapes = true;
   const std::pair<const char*, CriteriaContext> kContexts[] = {
       {"number", {.dataType = 3}},
       {"text", {.dataType = 200, .prefix = "'", .suffix = "'"}},
@@ -51,6 +53,8 @@ CriteriaContext ContextOf(const std::string& type) {
       {"bytes", {.dataType = 204}},
       {"tiny", {.dataType = 16}},
       {"count", {.dataType = 200, .aggregate = "COUNT(@field)"}},
+      {"mariadb", {.dataType = 200, .quotePrefix = "`", .reading = UsualReading("MariaDB")}},
+      {"escapes", {.dataType = 200, .prefix = "'", .suffix = "'", .reading = escaping}},
       {"max", {.dataType = 200, .aggregate = "MAX(@field)"}},
   };
   const auto* entry = std::ranges::find(kContexts, type, [](const auto& pair) { return std::string(pair.first); });
@@ -105,6 +109,9 @@ TEST(Criteria, BecomeConditionsOnTheirField) {
   };
   const CriteriaContext context = ContextOf("number");
   for (const auto& c : kCases) EXPECT_EQ(FormatCondition(c.field, c.cell, context), c.condition);
+  // Names in brackets get the source's quotes, an index keeps its own.
+  const CriteriaContext ansi{.dataType = 3, .quotePrefix = "\""};
+  EXPECT_EQ(FormatCondition("T.A", "[N] OR [a\"b]]] + f(x[1])", ansi), "T.A = \"N\" OR T.A = \"a\"\"b]\" + f(x[1])");
   EXPECT_THROW(
       FormatCondition(std::string(1 << 20, 'x'),
                       "1 OR 2" + std::string(400, ' ') + ReplaceAll(std::string(70, '#'), "#", " OR 3"), context),

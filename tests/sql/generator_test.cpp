@@ -43,7 +43,7 @@ std::string Cut(std::string& text, std::string_view separator) {
 
 // tables: "caption" or "caption=name", several by ", ".   joins: "A.x=B.y:kind", several by ", ".
 // rows: one a line, cells between ";": table (none for an expression; "-" in front: no output), column,
-// alias, sort type, sort number, group-by choice, and the criteria cells.
+// alias, sort type, sort number, group-by choice, and the criteria cells; "¶" is a blank line.
 QuerySnapshot DesignOf(const test::Record& record) {
   const auto text = [&](std::string_view name) { return record.Has(name) ? record[name] : std::string(); };
   QuerySnapshot query;
@@ -82,7 +82,7 @@ QuerySnapshot DesignOf(const test::Record& record) {
     row.output = !table.starts_with('-');
     if (!row.output) table.erase(0, 1);
     if (!table.empty()) row.table = tableAt(table);
-    row.column = Cut(cells, ";");
+    row.column = ReplaceAll(Cut(cells, ";"), "¶", "\r\n\r\n");
     row.alias = Identifier(Cut(cells, ";"));
     row.sortType = Cut(cells, ";");
     row.sortOrder = Cut(cells, ";");

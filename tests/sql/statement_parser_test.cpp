@@ -1,6 +1,7 @@
 #include "sql/statement_parser.h"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include "sql/syntax_error.h"
 #include "tests/data_table.h"
@@ -63,6 +64,32 @@ TEST(StatementParser, LongChainsAndDeepNestingEndWell) {
         "SELECT a FROM " + Repeated("(", 100'000), "SELECT a FROM t" + Repeated(" LEFT JOIN t", 100'000)}) {
     EXPECT_EQ(Printed(deep).front(), '!');
   }
+}
+
+// A host's thread may have little stack: what is deep is read in it or refused, and neither ends it.
+TEST(StatementParser, AThreadWithLittleStackReadsWhatIsDeep) {
+  pthread_attr_t little;
+  pthread_attr_init(&little);
+  pthread_attr_setstacksize(&little, 512 << 10);
+  pthread_t thread;
+  const auto work = [](void*) -> void* {
+    const std::string head = "SELECT a FROM t WHERE ";
+    EXPECT_EQ(Printed(head + Repeated("(", 990) + "a" + Repeated(" + 1)", 990)).front(), 'S');
+    for (const char* deep : {"(1 + ", "f(", "CASE WHEN ", "NOT ", "a IN (1, ", "-(", "(a, "}) {
+      for (const std::size_t levels : {100u, 240u, 990u}) {
+        const char* const closing = deep[0] == 'C' ? " THEN 1 END" : deep[0] == 'N' ? "" : ")";
+        Printed(head + Repeated(deep, levels) + "a" + Repeated(closing, levels));
+      }
+    }
+    std::string from = "SELECT a FROM " + Repeated("(", 990) + "T";
+    for (int i = 0; i < 990; ++i) from += " INNER JOIN U ON x = y)";
+    EXPECT_EQ(Printed(from).front(), 'S');
+    Printed("SELECT a FROM t" + Repeated(" LEFT JOIN (t", 990) + Repeated(" INNER JOIN u ON a = b) ON c = d", 990));
+    return nullptr;
+  };
+  ASSERT_EQ(pthread_create(&thread, &little, work, nullptr), 0);
+  pthread_join(thread, nullptr);
+  pthread_attr_destroy(&little);
 }
 
 }  // namespace
