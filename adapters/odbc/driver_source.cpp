@@ -1,6 +1,7 @@
 #include "adapters/odbc/driver_source.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
@@ -162,14 +163,37 @@ void PrepareForSqlite(Parts& parts) {
   if (const auto file = Find(parts, "Database"); file && !file->empty()) CheckFile(*file);
 }
 
-// --- Long answers ---
+// --- Rows ---
 
-// Its driver reads a whole answer into memory unless it is told to read piece by piece.
-void PrepareForPostgreSqlRows(Parts& parts) {
-  constexpr std::string_view kKeys[] = {"UseDeclareFetch", "Fetch"};
-  Remove(parts, kKeys);
-  parts.emplace_back("UseDeclareFetch", "1");
-  parts.emplace_back("Fetch", "500");
+// What a driver is told when rows are to be read: one statement at a time, and row by row where it can.
+struct RowsPart {
+  std::string_view key;
+  std::string_view value;
+};
+struct RowsDriver {
+  std::array<std::string_view, 2> names;  // one of which stands in the driver's name
+  std::array<RowsPart, 5> parts;
+};
+constexpr RowsDriver kRowsDrivers[] = {
+    // A cursor is made by hand: the driver's own would send the statement in one text with others.
+    {{"postgre", "psqlodbc"}, {{{"UseDeclareFetch", "0"}, {"UseServerSidePrepare", "1"}}}},
+    {{"maria", "maodbc"}, {{{"OPTION", "0"}, {"OPTIONS", "0"}, {"STREAMRS", "1"}, {"FORWARDONLY", "1"}}}},
+    {{"mysql", "myodbc"},
+     {{{"OPTION", "0"}, {"MULTI_STATEMENTS", "0"}, {"NO_SSPS", "0"}, {"NO_CACHE", "1"}, {"FORWARD_CURSOR", "1"}}}},
+    {{"sqlite", "sqlite"}, {{{"StepAPI", "1"}}}},
+};
+
+void PrepareForRows(Parts& parts, const std::vector<DataSourceName>& sources) {
+  for (const RowsDriver& driver : kRowsDrivers) {
+    const bool meant =
+        std::ranges::any_of(driver.names, [&](std::string_view name) { return DriverHasName(parts, sources, name); });
+    if (!meant) continue;
+    for (const auto& [key, value] : driver.parts) {
+      if (key.empty()) continue;
+      Remove(parts, {&key, 1});
+      parts.emplace_back(key, value);
+    }
+  }
 }
 
 }  // namespace
@@ -190,10 +214,7 @@ DriverSource MakeDriverSource(const ConnectionString& connectionString, std::str
   Secrets secrets = SecretsOf(parts);
   const std::vector<DataSourceName> sources = ConfiguredSources();
   if (DriverHasName(parts, sources, "sqlite")) PrepareForSqlite(parts);
-  if (purpose == Purpose::Rows &&
-      (DriverHasName(parts, sources, "postgre") || DriverHasName(parts, sources, "psqlodbc"))) {
-    PrepareForPostgreSqlRows(parts);
-  }
+  if (purpose == Purpose::Rows) PrepareForRows(parts, sources);
   return {WriteParts(parts), std::move(secrets)};
 }
 

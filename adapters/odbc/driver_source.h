@@ -13,7 +13,7 @@ namespace zrqrybld::odbc {
 /// Whether the string names a driver or a configured data source.
 bool NamesSource(const ConnectionString& connectionString);
 
-/// What a connection is for. Drivers that read whole answers into memory are told not to for `Rows`.
+/// What a connection is for. For `Rows` a driver is told to take one statement at a time and to read row by row.
 enum class Purpose : std::uint8_t { Catalogue, Rows };
 
 struct DriverSource {

@@ -7,28 +7,59 @@
 #include "base/error.h"
 
 namespace zrqrybld {
+namespace {
+
+// The beginning of a text, at most so many bytes and nothing of a character that does not fit.
+std::string_view WholeCharacters(std::string_view text, std::size_t most) {
+  if (text.size() <= most) return text;
+  constexpr unsigned char kContinuation = 0x80;  // the first two bits of a character's further bytes
+  while (most > 0 && (static_cast<unsigned char>(text[most]) & 0xC0) == kContinuation) --most;
+  return text.substr(0, most);
+}
+
+}  // namespace
 
 std::vector<std::string> QueryRunner::Execute(std::string_view sql, const Dialect& dialect) {
-  const std::string source = SourceName();
-  RequireOneSelect(sql, FamilyOf(source));
-  RequireSpoken(sql, dialect, source);
+  const SourceMode mode = Mode();
+  RequireOneSelect(sql, mode);
+  RequireSpoken(sql, dialect, SourceName());
   try {
-    return Start(sql);
+    return Start(StatementToSend(sql, mode));
   } catch (const Error& error) {
     if (error.Offset()) throw;
     throw Error(error.Number(), error.Description(), FindErrorPlace(error.Description(), sql));
   }
 }
 
-ResultValue TextValue(ResultKind kind, std::string_view text, bool cut) {
-  constexpr unsigned char kContinuation = 0x80;  // the first two bits of a character's further bytes
-  if (text.size() > QueryRunner::kLongestText) {
-    std::size_t end = QueryRunner::kLongestText;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == kContinuation) --end;
-    text = text.substr(0, end);
-    cut = true;
+bool QueryRunner::Fetch(std::size_t most, std::vector<ResultRow>& rows) {
+  std::size_t bytes = 0;
+  for (std::size_t i = 0; i < most && bytes < kBlockBytes; ++i) {
+    RowBuilder row;
+    if (!Next(row)) return false;
+    rows.push_back(row.Take());
+    bytes += BytesOf(rows.back());
   }
-  return {kind, cut, std::string(text)};
+  return true;
+}
+
+void RowBuilder::Add(ResultValue value) {
+  if (bytes_ > kLargeRow && value.text.size() > kShortText) {
+    value.text = std::string(WholeCharacters(value.text, kShortText));
+    value.cut = true;
+  }
+  bytes_ += value.text.size();
+  row_.push_back(std::move(value));
+}
+
+std::size_t BytesOf(const ResultRow& row) {
+  std::size_t bytes = sizeof row + row.capacity() * sizeof(ResultValue);
+  for (const ResultValue& value : row) bytes += value.text.capacity();
+  return bytes;
+}
+
+ResultValue TextValue(ResultKind kind, std::string_view text, bool cut) {
+  const std::string_view shown = WholeCharacters(text, QueryRunner::kLongestText);
+  return {kind, cut || shown.size() < text.size(), std::string(shown)};
 }
 
 ResultValue BinaryValue(std::string_view beginning, std::int64_t size) {

@@ -12,8 +12,10 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "adapters/run/source_mode.h"
 #include "sql/dialect.h"
 
 namespace zrqrybld {
@@ -36,12 +38,30 @@ class QueryStopped : public std::runtime_error {
   QueryStopped() : std::runtime_error("The statement was stopped.") {}
 };
 
+/// A row that is read, within bounds: the last values of a row that is too large are cut short.
+class RowBuilder {
+ public:
+  /// Beyond so many bytes a row's further values are cut to `kShortText` bytes.
+  static constexpr std::size_t kLargeRow = std::size_t{4} << 20;
+  static constexpr std::size_t kShortText = 64;
+
+  void Reserve(std::size_t columns) { row_.reserve(columns); }
+  void Add(ResultValue value);
+  ResultRow Take() { return std::move(row_); }
+
+ private:
+  ResultRow row_;
+  std::size_t bytes_ = 0;
+};
+
 class QueryRunner {
  public:
   /// The longest text that is held of one value, in bytes.
   static constexpr std::size_t kLongestText = 32768;
   /// Sources that cannot be read piece by piece are asked for so many rows and no more.
   static constexpr std::size_t kMostRows = 50'000;
+  /// `Fetch` ends early when the rows that it has appended hold so many bytes.
+  static constexpr std::size_t kBlockBytes = std::size_t{8} << 20;
 
   QueryRunner() = default;
   QueryRunner(const QueryRunner&) = delete;
@@ -53,9 +73,12 @@ class QueryRunner {
   /// the source's own error, with the place where the source tells it. `dialect` is the one that it is written in.
   std::vector<std::string> Execute(std::string_view sql, const Dialect& dialect);
 
-  /// Appends the next rows, at most `most`. False when these were the last ones. The source's error when it fails; the
-  /// rows until then are appended.
-  virtual bool Fetch(std::size_t most, std::vector<ResultRow>& rows) = 0;
+  /// Appends the next rows, at most `most`, fewer when they are large. False when these were the last ones. The
+  /// source's error when it fails; the rows until then are appended.
+  bool Fetch(std::size_t most, std::vector<ResultRow>& rows);
+
+  /// Whether there were further rows behind the last one that `Fetch` gave, which the source cannot give within bounds.
+  virtual bool WasCutOff() const { return false; }
 
   /// Ends what runs: `Execute` and `Fetch` then throw QueryStopped, as soon as the source lets them. It may wait for
   /// the source itself. A driver may miss it at the moment when the statement begins: call it again until it has
@@ -68,7 +91,16 @@ class QueryRunner {
  protected:
   /// Sends a statement that was looked at, and returns the names of its columns.
   virtual std::vector<std::string> Start(std::string_view sql) = 0;
+
+  /// Reads the next row's values into an empty row. False behind the last one.
+  virtual bool Next(RowBuilder& row) = 0;
+
+  /// How the session reads a text.
+  virtual SourceMode Mode() const { return ModeOf(SourceName()); }
 };
+
+/// The bytes that a row holds.
+std::size_t BytesOf(const ResultRow& row);
 
 /// The value of a text; what is longer than `QueryRunner::kLongestText` is cut behind a whole character.
 ResultValue TextValue(ResultKind kind, std::string_view text, bool cut = false);

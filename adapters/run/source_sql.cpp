@@ -5,183 +5,91 @@
 #include <optional>
 #include <span>
 #include <string>
-#include <utility>
 #include <vector>
 
-#include "base/error.h"
+#include "adapters/run/code_reader.h"
+#include "adapters/run/source_effects.h"
 #include "base/text.h"
 #include "sql/lexer.h"
 
 namespace zrqrybld {
 namespace {
 
-// --- How a server tells code from literals and comments ---
-
-struct Reading {
-  SourceFamily family;
-  bool backslashInLiterals = false;  // a backslash takes the meaning of the character behind it
-  bool escapeLiterals = false;       // as before, in E'...' only
-  bool hashComments = false;
-  bool blankAfterDashes = false;  // "--" begins a comment only in front of a blank
-  bool commentsNest = false;
-  bool commentsHoldCode = false;  // /*! ... */ is run
-  bool dollarLiterals = false;    // $tag$ ... $tag$
-  bool brackets = false;          // [name]
-  bool backticks = false;         // `name`
-};
-
-constexpr Reading kReadings[] = {
-    {.family = SourceFamily::Sqlite, .brackets = true, .backticks = true},
-    {.family = SourceFamily::PostgreSql, .escapeLiterals = true, .commentsNest = true, .dollarLiterals = true},
-    {.family = SourceFamily::MariaDb,
-     .backslashInLiterals = true,
-     .hashComments = true,
-     .blankAfterDashes = true,
-     .commentsHoldCode = true,
-     .backticks = true},
-    {.family = SourceFamily::SqlServer, .commentsNest = true, .brackets = true},
-    {.family = SourceFamily::Oracle},
-    {.family = SourceFamily::Access, .brackets = true, .backticks = true},
-};
-
-struct Piece {
-  std::size_t offset = 0;
-  std::string_view text;  // a word, one sign, or a literal or name with its quotes
-};
-
-// The words and signs of a text that a server would act on.
-class CodeReader {
- public:
-  CodeReader(std::string_view text, const Reading& reading) : text_(text), reading_(reading) {}
-
-  bool Next(Piece& piece) {
-    while (at_ < text_.size()) {
-      if (SkipWhiteOrComment()) continue;
-      const std::size_t start = at_;
-      if (SkipQuoted()) {
-        // It is one piece.
-      } else if (IsWordByte(text_[at_])) {
-        while (at_ < text_.size() && (IsWordByte(text_[at_]) || text_[at_] == '$')) ++at_;
-        const bool escape = reading_.escapeLiterals && EqualsNoCase(text_.substr(start, at_ - start), "E");
-        if (escape && Ahead("'")) SkipLiteral('\'', true);
-      } else {
-        ++at_;
-      }
-      piece = {start, text_.substr(start, at_ - start)};
-      return true;
-    }
-    return false;
-  }
-
- private:
-  bool Ahead(std::string_view word) const { return text_.substr(at_).starts_with(word); }
-
-  bool SkipWhiteOrComment() {
-    if (IsWhite(text_[at_])) {
-      ++at_;
-      return true;
-    }
-    const bool dashes = Ahead("--") && (!reading_.blankAfterDashes || at_ + 2 >= text_.size() ||
-                                        static_cast<unsigned char>(text_[at_ + 2]) <= ' ');
-    if (dashes || (reading_.hashComments && Ahead("#"))) {
-      at_ = std::min(text_.find('\n', at_), text_.size());
-      return true;
-    }
-    if (reading_.commentsHoldCode && (Ahead("/*!") || Ahead("/*M!"))) {
-      at_ = text_.find('!', at_) + 1;
-      while (at_ < text_.size() && IsDigit(text_[at_])) ++at_;
-      return true;
-    }
-    if (!Ahead("/*")) return false;
-    SkipComment();
-    return true;
-  }
-
-  void SkipComment() {
-    int depth = 0;
-    do {
-      if (Ahead("/*") && (depth == 0 || reading_.commentsNest)) {
-        ++depth;
-        at_ += 2;
-      } else if (Ahead("*/")) {
-        --depth;
-        at_ += 2;
-      } else {
-        ++at_;
-      }
-    } while (depth > 0 && at_ < text_.size());
-  }
-
-  bool SkipQuoted() {
-    const char c = text_[at_];
-    if (c == '\'' || c == '"') {
-      SkipLiteral(c, reading_.backslashInLiterals);
-    } else if (c == '`' && reading_.backticks) {
-      SkipLiteral(c, false);
-    } else if (c == '[' && reading_.brackets) {
-      SkipLiteral(']', false);
-    } else if (c == '$' && reading_.dollarLiterals) {
-      return SkipDollarLiteral();
-    } else {
-      return false;
-    }
-    return true;
-  }
-
-  // From the opening character to behind the closing one; doubled it stands for itself.
-  void SkipLiteral(char closing, bool backslash) {
-    for (++at_; at_ < text_.size(); ++at_) {
-      if (backslash && text_[at_] == '\\') {
-        ++at_;
-      } else if (text_[at_] == closing) {
-        if (at_ + 1 >= text_.size() || text_[at_ + 1] != closing) break;
-        ++at_;
-      }
-    }
-    at_ = std::min(at_ + 1, text_.size());
-  }
-
-  bool SkipDollarLiteral() {
-    std::size_t end = at_ + 1;
-    while (end < text_.size() && IsWordByte(text_[end])) ++end;
-    const bool parameter = end > at_ + 1 && IsDigit(text_[at_ + 1]);
-    if (end >= text_.size() || text_[end] != '$' || parameter) return false;
-    const std::string_view tag = text_.substr(at_, end + 1 - at_);
-    const std::size_t close = text_.find(tag, end + 1);
-    at_ = close == std::string_view::npos ? text_.size() : close + tag.size();
-    return true;
-  }
-
-  std::string_view text_;
-  const Reading& reading_;
-  std::size_t at_ = 0;
-};
-
-[[noreturn]] void Refuse(std::string reason, std::size_t offset) {
-  throw Error(ErrorParsingText, std::move(reason), offset);
+// A column may be called INTO: in front of it stands a table's name, and nothing between.
+bool IsMember(const Piece& name, const Piece& point, const Piece& piece) {
+  return point.text == "." && !name.text.empty() && !IsDigit(name.text.front()) &&
+         name.offset + name.text.size() == point.offset && point.offset + 1 == piece.offset;
 }
 
 void RequireOneSelectAs(std::string_view sql, const Reading& reading) {
   CodeReader reader(sql, reading);
+  EffectFinder effects(reading);
   Piece piece;
   bool any = reader.Next(piece);
   while (any && piece.text == "(") any = reader.Next(piece);
-  if (!any) Refuse("There is no statement to run.", 0);
-  if (!EqualsNoCase(piece.text, "SELECT")) Refuse("Only a SELECT statement is run.", piece.offset);
+  if (!any) RefuseStatement("There is no statement to run.", 0);
+  if (!EqualsNoCase(piece.text, "SELECT")) RefuseStatement("Only a SELECT statement is run.", piece.offset);
   bool atStart = true;  // of the select list
   bool ended = false;
   Piece before = piece;
-  for (; reader.Next(piece); before = piece) {
-    if (ended) Refuse("Only one statement is run.", piece.offset);
+  Piece beforeThat;
+  while (reader.Next(piece)) {
+    if (ended) RefuseStatement("Only one statement is run.", piece.offset);
     ended = piece.text == ";";
-    if (EqualsNoCase(piece.text, "INTO") && before.text != ".") {
-      Refuse("A SELECT with INTO writes, so it is not run.", piece.offset);
+    if (EqualsNoCase(piece.text, "INTO") && !IsMember(beforeThat, before, piece)) {
+      RefuseStatement("A SELECT with INTO writes, so it is not run.", piece.offset);
     }
+    effects.Add(piece);
     if (atStart && EqualsNoCase(piece.text, "FROM")) {
-      Refuse("The query has no column yet. Tick one in the diagram.", piece.offset);
+      RefuseStatement("The query has no column yet. Tick one in the diagram.", piece.offset);
     }
     atStart = atStart && (EqualsNoCase(piece.text, "DISTINCT") || EqualsNoCase(piece.text, "ALL"));
+    beforeThat = before;
+    before = piece;
   }
+}
+
+// What a server may take for another text than the one that is looked at.
+void RequireTransparent(std::string_view sql, const SourceMode& mode) {
+  if (const std::size_t zero = sql.find('\0'); zero != std::string_view::npos) {
+    RefuseStatement("The statement holds a zero character.", zero);
+  }
+  if (mode.unicode) return;
+  const auto beyond = std::ranges::find_if(sql, [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
+  if (beyond == sql.end()) return;
+  RefuseStatement("The connection's character set is not UTF-8: what this character becomes there cannot be told.",
+                  static_cast<std::size_t>(beyond - sql.begin()));
+}
+
+// --- Semicolons in another way ---
+
+// The inner text of a literal or name in which a backslash has the meaning of `escapes`.
+std::string WithEscapes(std::string_view inner, bool escapes, std::string_view semicolon) {
+  std::string text;
+  for (std::size_t at = 0; at < inner.size(); ++at) {
+    const bool escaped = escapes && inner[at] == '\\' && at + 1 < inner.size();
+    if (escaped) ++at;
+    if (inner[at] == ';') {
+      text += semicolon;
+    } else if (escaped || inner[at] == '\\') {
+      text += {'\\', inner[at]};
+    } else {
+      text += inner[at];
+    }
+  }
+  return text;
+}
+
+// A literal or name of PostgreSQL without a ";" in it; "" for one that cannot be written so.
+std::string WithoutSemicolon(std::string_view piece, bool backslashes) {
+  constexpr std::string_view kInLiteral = "\\073";
+  if (piece.front() == '\'') return "E" + WithEscapes(piece, backslashes, kInLiteral);
+  if (UpperAscii(piece.front()) == 'E' && piece[1] == '\'') return WithEscapes(piece, true, kInLiteral);
+  if (piece.front() == '"' && !backslashes) return "U&" + WithEscapes(piece, false, "\\003B");
+  if (piece.front() != '$') return {};
+  const std::size_t tag = piece.find('$', 1) + 1;
+  if (piece.size() < 2 * tag) return {};
+  return "E'" + ReplaceAll(WithEscapes(piece.substr(tag, piece.size() - 2 * tag), false, kInLiteral), "'", "''") + "'";
 }
 
 // --- What a dialect writes and a source does not know ---
@@ -225,21 +133,42 @@ bool Matches(std::string_view sql, const Token& token, std::string_view word) {
 
 }  // namespace
 
-SourceFamily FamilyOf(std::string_view sourceName) {
-  constexpr std::pair<std::string_view, SourceFamily> kNames[] = {
-      {"sqlite", SourceFamily::Sqlite}, {"postgres", SourceFamily::PostgreSql},  {"mariadb", SourceFamily::MariaDb},
-      {"mysql", SourceFamily::MariaDb}, {"sql server", SourceFamily::SqlServer}, {"oracle", SourceFamily::Oracle},
-      {"access", SourceFamily::Access}};
-  for (const auto& [name, family] : kNames) {
-    if (FindNoCase(sourceName, name) != std::string::npos) return family;
-  }
-  return SourceFamily::Other;
+void RequireOneSelect(std::string_view sql, const SourceMode& mode) {
+  RequireTransparent(sql, mode);
+  for (const Reading& reading : ReadingsOf(mode)) RequireOneSelectAs(sql, reading);
 }
 
-void RequireOneSelect(std::string_view sql, SourceFamily family) {
-  for (const Reading& reading : kReadings) {
-    if (family == SourceFamily::Other || family == reading.family) RequireOneSelectAs(sql, reading);
+std::string StatementToSend(std::string_view sql, const SourceMode& mode) {
+  const std::vector<Reading> readings = ReadingsOf(mode);
+  if (readings.size() != 1) return std::string(sql);
+  std::string sent(sql);
+  std::ranges::replace_if(
+      sent, [](char c) { return !IsWhite(c); }, ' ');
+  CodeReader reader(sql, readings.front());
+  for (Piece piece; reader.Next(piece);) {
+    if (piece.text != ";") sent.replace(piece.offset, piece.text.size(), piece.text);
   }
+  return sent;
+}
+
+std::string WithoutSemicolons(std::string_view sql, const SourceMode& mode) {
+  if (sql.find(';') == std::string_view::npos) return std::string(sql);
+  const std::vector<Reading> readings = ReadingsOf(mode);
+  std::string text;
+  std::size_t end = 0;  // of what is written
+  CodeReader reader(sql, readings.front());
+  for (Piece piece; reader.Next(piece);) {
+    if (piece.text.find(';') == std::string_view::npos) continue;
+    const std::string other =
+        piece.text == ";" || readings.size() != 1 ? "" : WithoutSemicolon(piece.text, readings.front().backslashes);
+    if (other.empty()) RefuseStatement("A semicolon cannot be sent from this place.", piece.offset);
+    text.append(sql.substr(end, piece.offset - end)).append(other);
+    end = piece.offset + piece.text.size();
+  }
+  text.append(sql.substr(end));
+  const std::size_t left = text.find(';');
+  if (left != std::string::npos) RefuseStatement("Only one statement is run.", sql.find(';'));
+  return text;
 }
 
 void RequireSpoken(std::string_view sql, const Dialect& dialect, std::string_view sourceName) {
@@ -247,7 +176,8 @@ void RequireSpoken(std::string_view sql, const Dialect& dialect, std::string_vie
   if (family == SourceFamily::Other) return;
   const std::string source(sourceName);
   if (!dialect.canBeParsed) {
-    Refuse(source + " does not speak " + std::string(dialect.name) + ". Choose another dialect to see rows.", 0);
+    RefuseStatement(source + " does not speak " + std::string(dialect.name) + ". Choose another dialect to see rows.",
+                    0);
   }
   const std::vector<Token> tokens = CodeTokens(sql);
   for (const Construct& construct : kConstructs) {
@@ -257,8 +187,8 @@ void RequireSpoken(std::string_view sql, const Dialect& dialect, std::string_vie
         std::search(tokens.begin(), tokens.end(), words.begin(), words.end(),
                     [sql](const Token& token, std::string_view word) { return Matches(sql, token, word); });
     if (found == tokens.end()) continue;
-    Refuse(source + " does not know " + std::string(construct.what) + ". " + std::string(construct.advice),
-           found->offset);
+    RefuseStatement(source + " does not know " + std::string(construct.what) + ". " + std::string(construct.advice),
+                    found->offset);
   }
 }
 

@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "adapters/run/source_effects.h"
 #include "adapters/sqlite/sqlite_database.h"
 #include "base/error.h"
 #include "base/text.h"
@@ -12,6 +13,7 @@ namespace zrqrybld {
 namespace sqlite {
 namespace {
 
+constexpr int kLongestValue = 128 << 20;   // bytes
 constexpr int kStepsBetweenChecks = 4000;  // of SQLite's virtual machine: well below a millisecond
 
 // Whether texts in a column of this declared type are points in time: SQLite has no type of its own for them.
@@ -24,20 +26,13 @@ class SqliteRunner final : public QueryRunner {
  public:
   explicit SqliteRunner(DatabaseHandle database) : database_(std::move(database)) {
     Statement(database_.get(), "PRAGMA query_only = 1").Step();
+    // SQLite holds a value as a whole while it is read, and a query can make one of any length.
+    sqlite3_limit(database_.get(), SQLITE_LIMIT_LENGTH, kLongestValue);
+    sqlite3_set_authorizer(database_.get(), Authorize, nullptr);
     // Asked while a statement runs, so that a stop also counts when it comes before the first step.
     sqlite3_progress_handler(
         database_.get(), kStepsBetweenChecks,
         [](void* stopped) { return static_cast<const std::atomic<bool>*>(stopped)->load() ? 1 : 0; }, &stopped_);
-  }
-
-  bool Fetch(std::size_t most, std::vector<ResultRow>& rows) override {
-    for (std::size_t i = 0; i < most; ++i) {
-      if (!Guarded([this] { return statement_->Step(); })) return false;
-      ResultRow& row = rows.emplace_back();
-      row.reserve(dates_.size());
-      for (std::size_t column = 0; column < dates_.size(); ++column) row.push_back(ValueAt(column));
-    }
-    return true;
   }
 
   void Stop() override {
@@ -48,6 +43,22 @@ class SqliteRunner final : public QueryRunner {
   std::string SourceName() const override { return "SQLite"; }
 
  private:
+  // The file is open for reading only; this holds back what does not write into it. Views and virtual tables are asked
+  // for, too, which the statement's text does not show.
+  static int Authorize(void*, int action, const char*, const char* name, const char*, const char*) {
+    const bool leaves = action == SQLITE_ATTACH || action == SQLITE_DETACH || action == SQLITE_TRANSACTION ||
+                        action == SQLITE_SAVEPOINT;
+    const bool acts = action == SQLITE_FUNCTION && name != nullptr && HasEffectInSqlite(name);
+    return leaves || acts ? SQLITE_DENY : SQLITE_OK;
+  }
+
+  bool Next(RowBuilder& row) override {
+    if (!Guarded([this] { return statement_->Step(); })) return false;
+    row.Reserve(dates_.size());
+    for (std::size_t column = 0; column < dates_.size(); ++column) row.Add(ValueAt(column));
+    return true;
+  }
+
   std::vector<std::string> Start(std::string_view sql) override {
     Guarded([&] {
       try {

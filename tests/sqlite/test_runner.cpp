@@ -17,8 +17,12 @@ TEST(SourceSql, OnlyOneSelectInWordsOfTheSourceIsSent) {
     SCOPED_TRACE(row.place);
     std::string objection;
     try {
-      RequireOneSelect(row[2], FamilyOf(row[0]));
-      RequireSpoken(row[2], *FindDialect(row[1]), row[0]);
+      const std::size_t at = row[0].find('@');  // behind it what the session tells
+      const std::string source = row[0].substr(0, at);
+      const SourceMode mode =
+          at == std::string::npos ? ModeOf(source) : ModeOf(source, std::string_view(row[0]).substr(at + 1));
+      RequireOneSelect(row[2], mode);
+      RequireSpoken(row[2], *FindDialect(row[1]), source);
     } catch (const Error& error) {
       objection = error.Description() + "@" + std::to_string(error.Offset().value_or(999));
     }
