@@ -5,6 +5,7 @@
 #include <deque>
 #include <exception>
 #include <memory>
+#include <mutex>
 #include <new>
 #include <span>
 #include <string>
@@ -230,9 +231,16 @@ std::int32_t Fail(std::int32_t number, std::string_view description) noexcept {
 }
 
 // Runs one call of the interface and turns every exception into an error number.
+// One call at a time: what another thread calls waits. The same thread may call again from a handler.
+std::recursive_mutex& CallLock() {
+  static auto* const lock = new std::recursive_mutex();  // never destroyed, like the handles
+  return *lock;
+}
+
 template <class F>
 std::int32_t Guard(F&& call) noexcept {
   try {
+    const std::lock_guard<std::recursive_mutex> lock(CallLock());
     std::forward<F>(call)();
   } catch (const Error& error) {
     return Fail(error.Number(), error.Description());

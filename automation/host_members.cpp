@@ -71,6 +71,7 @@ constexpr Member kQueryBuilder[] = {
     Method<Hub, &Hub::HasTable>("HasTable", "TableName"),
     ReadOnly<Hub, &LastErrorText>("LastErrorText"),
     Method<Hub, &Hub::CancelOperation>("CancelOperation"),
+    Raised<Hub, &Hub::BeforeConnect>("BeforeConnect", "ConnectionString, FromFile, Cancel"),
     ReadWrite<Hub, &Hub::SavePassword, &Hub::SetSavePassword>("SavePassword"),
     Method<Hub, &Hub::AskParameters>("AskParameters", "SQL"),
     Method<Hub, &Hub::QuoteIdentifier>("QuoteIdentifier", "Name"),

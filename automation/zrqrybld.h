@@ -4,7 +4,8 @@
 // an error whose description `zrq_last_error` tells. A bad handle, an unknown name or a value of the wrong kind is
 // such an error; nothing a caller passes by handle, name or value ends the process.
 //
-// One thread at a time may use the library, as with any set of controls.
+// The library does one call at a time: what another thread calls meanwhile waits. Handlers are called in the thread
+// that has made the call, and may call again.
 //
 // Stability: functions, numbers and the layout of structs stay as they are within ZRQ_ABI; what is added goes to
 // the end. `zrq_abi` tells what a loaded library has.

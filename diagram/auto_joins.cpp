@@ -20,17 +20,12 @@ struct Candidate {
   std::int32_t position;
 };
 
-SourceTableName TableOf(const qbEntity& entity, const NameRules& rules) {
-  const std::vector<Identifier> name = SourceName(entity, rules);
-  return {name.size() > 1 ? name[name.size() - 2].Name() : std::string(), name.back().Name()};
-}
-
 // The entities of the diagram by the table they show.
 class EntitiesByTable {
  public:
   EntitiesByTable(const std::vector<Candidate>& candidates, const NameRules& rules) {
     for (const Candidate& candidate : candidates) {
-      byTable_[FoldedName(TableOf(*candidate.entity, rules))].push_back(candidate);
+      byTable_[FoldedName(TableInSource(*candidate.entity, rules))].push_back(candidate);
     }
   }
 
@@ -62,9 +57,9 @@ void Join(QueryContext& context, const Ref<qbEntity>& child, const Ref<qbEntity>
 // An entity that a listener has removed has no items left to join.
 void JoinToParents(const Ref<QueryContext>& context, const NameRules& rules, const EntitiesByTable& byTable,
                    const Candidate& child) {
-  const SourceTableName table = TableOf(*child.entity, rules);
+  const SourceTableName table = TableInSource(*child.entity, rules);
   if (table.table.empty()) return;  // to a source that means any table
-  // A copy: a listener may connect to another source, which forgets the answers.
+  // A copy: a listener may connect to another source, or begin another pass, which forgets the answers.
   const std::vector<ForeignKeyPair> pairs = context->ForeignKeys().Of(*context->Connection(), table);
   for (const ForeignKeyPair& pair : pairs) {
     const bool referencesItself = FoldedName(pair.parent) == FoldedName(pair.child);
@@ -81,6 +76,7 @@ void RefreshRelationships(const Ref<QueryContext>& context) {
   const Ref<qbEntities> entities = context->Entities();
   if (!entities || !context->IsConnected()) return;
   const StepScope step(context, kStepAutomaticJoins);
+  context->ForeignKeys().Clear();  // a table may have been made, or got a key, since the last pass
   const NameRules rules = CurrentNameRules(*context);
   std::vector<Candidate> candidates;
   for (std::int32_t i = 1; i <= entities->Count(); ++i) candidates.push_back({entities->Item(i), i});
@@ -92,14 +88,15 @@ std::vector<std::string> RelatedTables(QueryContext& context, const qbEntity& en
   const Ref<qbEntities> entities = context.Entities();
   if (!entities || !context.IsConnected()) return {};
   const NameRules rules = CurrentNameRules(context);
-  const SourceTableName table = TableOf(entity, rules);
+  const SourceTableName table = TableInSource(entity, rules);
   if (table.table.empty()) return {};
   std::vector<SourceTableName> related;
   Connection& connection = *context.Connection();
   for (const ForeignKeyPair& pair : context.ForeignKeys().Of(connection, table)) related.push_back(pair.parent);
   for (const ForeignKeyPair& pair : context.ForeignKeys().To(connection, table)) related.push_back(pair.child);
   std::unordered_set<std::string> known;
-  for (std::int32_t i = 1; i <= entities->Count(); ++i) known.insert(FoldedName(TableOf(*entities->Item(i), rules)));
+  for (std::int32_t i = 1; i <= entities->Count(); ++i)
+    known.insert(FoldedName(TableInSource(*entities->Item(i), rules)));
   std::vector<std::string> names;
   for (const SourceTableName& one : related) {
     if (known.insert(FoldedName(one)).second) names.push_back(QualifiedText(one.schema, one.table, rules));

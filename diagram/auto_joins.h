@@ -12,8 +12,8 @@ namespace zrqrybld {
 /// Draws a join for each pair of columns that a foreign key links, unless it is there already. The
 /// source of the join is the entity that references, its target the one that is referenced; columns
 /// are named by position. Of two copies of a table that references itself the later is the parent.
-/// Asks the source once about each table, or once about all, and remembers the answers. A source without foreign keys
-/// draws nothing; other failures are the source's own errors.
+/// Each pass asks the source anew, once about each table, or once about all where it can answer that. A source without
+/// foreign keys draws nothing; other failures are the source's own errors.
 void RefreshRelationships(const Ref<QueryContext>& context);
 
 /// The tables that the entity's table references or, as far as the source has told, that reference it, by name; without

@@ -1,5 +1,7 @@
 #include "diagram/source_names.h"
 
+#include "base/text.h"
+
 namespace zrqrybld {
 namespace {
 
@@ -24,7 +26,10 @@ std::string QualifiedText(const std::string& schema, const std::string& name, co
 
 std::vector<Identifier> WrittenName(const qbEntity& entity, const NameRules& rules) {
   std::string tag = entity.TagVariant().Text();
-  if (tag == Fact(entity, kTableName)) return {Identifier(std::move(tag))};
+  const std::string& name = Fact(entity, kTableName);
+  const std::string& schema = Fact(entity, kTableSchema);
+  if (tag == name) return {Identifier(std::move(tag))};
+  if (!schema.empty() && tag == QualifiedText(schema, name, rules)) return {Identifier(schema), Identifier(name)};
   return SplitName(tag, rules);
 }
 
@@ -36,6 +41,16 @@ std::vector<Identifier> SourceName(const qbEntity& entity, std::vector<Identifie
   const std::string& schema = Fact(entity, kTableSchema);
   if (writtenName.size() == 1 && !schema.empty()) writtenName.insert(writtenName.begin(), Identifier(schema));
   return writtenName;
+}
+
+SourceTableName TableInSource(const qbEntity& entity, const NameRules& rules) {
+  const std::vector<Identifier> parts = SourceName(entity, rules);
+  SourceTableName asked{parts.size() > 1 ? parts[parts.size() - 2].Name() : std::string(), parts.back().Name()};
+  const SourceTableName told{Fact(entity, kTableSchema), Fact(entity, kTableName)};
+  // A source without schemas tells none, but may take one.
+  const bool same =
+      EqualsNoCase(told.table, asked.table) && (told.schema.empty() || EqualsNoCase(told.schema, asked.schema));
+  return same && !told.table.empty() ? told : asked;
 }
 
 std::size_t SchemaBytesOf(const qbEntity& entity) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "diagram/entity.h"
+#include "host/foreign_keys.h"
 #include "sql/names.h"
 
 namespace zrqrybld {
@@ -17,12 +18,17 @@ inline constexpr std::string_view kSchemaFactPrefix = "_ADO_SCHEMA_";
 std::string QualifiedText(const std::string& schema, const std::string& name, const NameRules& rules);
 
 /// The parts of the name as the entity's `TagVariant` gives it. A name that the source knows whole is
-/// one part, even when it holds the schema separator.
+/// one part, even when it holds the schema separator; one that is the source's schema and name is those two, whatever
+/// stands in them.
 std::vector<Identifier> WrittenName(const qbEntity& entity, const NameRules& rules);
 
 /// The name with the schema in front that the source told when it has none: of the entity, or of a `WrittenName` of it.
 std::vector<Identifier> SourceName(const qbEntity& entity, const NameRules& rules);
 std::vector<Identifier> SourceName(const qbEntity& entity, std::vector<Identifier> writtenName);
+
+/// The table as the source's own rows name it, in whatever spelling, and with whatever schema, it was asked for. What
+/// the source told counts, as long as the entity's `TagVariant` still means that table.
+SourceTableName TableInSource(const qbEntity& entity, const NameRules& rules);
 
 /// How many bytes at the beginning of the caption say the table's schema, its separator included; 0 where the caption
 /// is not the name that the source knows.

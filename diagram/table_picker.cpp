@@ -13,6 +13,9 @@
 namespace zrqrybld {
 namespace {
 
+// How many of the separators in a name are tried as the one behind the schema: each costs a question.
+constexpr int kMostSplits = 4;
+
 // Two parts are schema and table; of more, the last two count and the one before is the catalog.
 SchemaRestrictions RestrictionsFor(const std::vector<Identifier>& parts) {
   SchemaRestrictions restrictions;
@@ -106,6 +109,10 @@ void TablePicker::FillFromSource(qbEntity& entity, const std::string& tableName)
 TablePicker::FoundTable TablePicker::FindTable(const std::string& tableName) {
   const std::vector<Identifier> parts = SplitName(tableName, CurrentNameRules(*context_));
   FoundTable found{RestrictionsFor(parts), nullptr};
+  // Quotes in a listed name are part of it.
+  if (tableName.find_first_of("\"[`") != std::string::npos) {
+    if (std::optional<FoundTable> listed = FindListed(tableName)) return *std::move(listed);
+  }
   const bool namesTable = found.restrictions.table.has_value();
   if (namesTable) {
     found.row = context_->Connection()->OpenSchema(SchemaKind::Tables, found.restrictions);
@@ -114,7 +121,25 @@ TablePicker::FoundTable TablePicker::FindTable(const std::string& tableName) {
   FoundTable whole;
   whole.restrictions.table = tableName;
   whole.row = context_->Connection()->OpenSchema(SchemaKind::Tables, whole.restrictions);
-  return namesTable && whole.row->Eof() ? std::move(found) : std::move(whole);
+  if (!whole.row->Eof()) return whole;
+  if (std::optional<FoundTable> listed = FindListed(tableName)) return *std::move(listed);
+  return namesTable ? std::move(found) : std::move(whole);
+}
+
+// A name as lists show it: the schema, the separator and the table, of which either may hold anything.
+std::optional<TablePicker::FoundTable> TablePicker::FindListed(const std::string& tableName) {
+  const std::string separator = CurrentNameRules(*context_).schemaSeparator;
+  if (separator.empty()) return std::nullopt;
+  std::size_t place = tableName.find(separator);
+  for (int i = 0; i < kMostSplits && place != std::string::npos; ++i, place = tableName.find(separator, place + 1)) {
+    FoundTable listed;
+    listed.restrictions.schema = tableName.substr(0, place);
+    listed.restrictions.table = tableName.substr(place + separator.size());
+    if (listed.restrictions.schema->empty() || listed.restrictions.table->empty()) continue;
+    listed.row = context_->Connection()->OpenSchema(SchemaKind::Tables, listed.restrictions);
+    if (!listed.row->Eof()) return listed;
+  }
+  return std::nullopt;
 }
 
 bool TablePicker::HasTable(const std::string& tableName) {

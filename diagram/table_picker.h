@@ -69,6 +69,7 @@ class TablePicker {
     std::unique_ptr<RowSet> row;
   };
   FoundTable FindTable(const std::string& tableName);
+  std::optional<FoundTable> FindListed(const std::string& tableName);
   std::vector<SourceColumn> ReadColumns(const SchemaRestrictions& table);
   void AddColumns(qbEntity& entity, const SchemaRestrictions& table);
   void MarkPrimaryKeys(qbEntity& entity, const SchemaRestrictions& table);

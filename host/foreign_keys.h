@@ -1,7 +1,7 @@
 // ForeignKeys: what the data source has told about its foreign keys.
 //
 // Owned by the context. The source is asked once about each table, or once about all of them where it can answer that
-// by one question; the answers are kept until another connection is in use.
+// by one question; the answers are kept until the next pass of automatic joins, or until another connection is in use.
 #pragma once
 
 #include <span>

@@ -1,5 +1,7 @@
 #include "hub/query_builder.h"
 
+#include <algorithm>
+
 #include "base/text.h"
 #include "diagram/auto_joins.h"
 #include "diagram/join_properties.h"
@@ -28,16 +30,40 @@ void qbQueryBuilder::AboutBox() {
 // --- Connection ---
 
 void qbQueryBuilder::Connect(Variant& connectionString) {
-  if (connectionString.IsMissing()) {
+  const bool prompted = connectionString.IsMissing();
+  if (prompted) {
     connectionString = PromptForConnection();
     if (connectionString.Text().empty()) return;
   }
-  Connect(connectionString.Text());
+  Connect(connectionString.Text(), prompted ? ConnectionOrigin::Person : ConnectionOrigin::Program);
+}
+
+std::optional<Error> qbQueryBuilder::RefusalOf(const std::string& connectionString, ConnectionOrigin origin) {
+  const bool fromFile = origin == ConnectionOrigin::File;
+  std::vector<std::string> drivers;
+  if (origin != ConnectionOrigin::Program) drivers = GetToolkit().Providers()->Drivers();
+  const ConnectionJudgement judgement = JudgeConnection(connectionString, origin, drivers);
+  const bool asks = judgement.verdict == ConnectionVerdict::Warn && connectionString != confirmedConnection_;
+  const bool confirmed = asks && GetToolkit().GetDialogs().Confirm(
+                                     judgement.reason +
+                                     "\r\n\r\nWhoever wrote the connection string decides what that does. Open the "
+                                     "connection all the same?");
+  if (confirmed) confirmedConnection_ = connectionString;
+  if (judgement.verdict == ConnectionVerdict::Refuse || (asks && !confirmed)) {
+    return Error(ErrorConnectionFailed, std::string(fromFile ? "The connection string of the query file is not opened: "
+                                                             : "The connection string is not opened: ") +
+                                            judgement.reason);
+  }
+  bool cancel = false;
+  BeforeConnect.Raise(connectionString, fromFile, cancel);
+  if (cancel) return Error(ErrorConnectionFailed, "The application does not allow this connection.");
+  return std::nullopt;
 }
 
 // The message of the driver, "" when the source can be opened. The connection in use is left alone.
-std::string qbQueryBuilder::TryConnection(const std::string& connectionString) const {
+std::string qbQueryBuilder::TryConnection(const std::string& connectionString) {
   try {
+    if (const std::optional<Error> refusal = RefusalOf(connectionString, ConnectionOrigin::Person)) throw *refusal;
     ProviderConnection connection(GetToolkit().Providers());
     connection.SetConnectionString(connectionString);
     connection.Open({}, {});
@@ -56,18 +82,35 @@ std::string qbQueryBuilder::PromptForConnection() {
   return GetToolkit().GetDialogs().ShowConnectionPrompt(dialog);
 }
 
-void qbQueryBuilder::Connect(const std::string& connectionString) {
+namespace {
+
+// Files are saved without their passwords, so one that is loaded may need what it does not hold.
+Error WithPasswordHint(const Error& error, const std::string& connectionString) {
+  const ConnectionString parsed(connectionString);
+  constexpr std::string_view kLogins[] = {"DSN", "UID", "User", "Username", "User ID"};
+  const bool logsIn = std::ranges::any_of(kLogins, [&](std::string_view key) { return parsed.Get(key).has_value(); });
+  if (!logsIn || parsed.HoldsSecret()) return error;
+  return Error(error.Number(), error.Description() +
+                                   "\r\nThe connection string of the query file holds no password. If the source wants "
+                                   "one, connect first, and load with ConnectOnLoad False.");
+}
+
+}  // namespace
+
+void qbQueryBuilder::Connect(const std::string& connectionString, ConnectionOrigin origin) {
   const BusyPointer busy(GetToolkit());
   lastError_.reset();
   try {
+    if (const std::optional<Error> refusal = RefusalOf(connectionString, origin)) throw *refusal;
     if (IsConnected()) Disconnect();
     const Ref<zrqrybld::Connection> connection = Connection();
     connection->SetConnectionString(connectionString);
     connection->SetProperty("Prompt", static_cast<std::int32_t>(PromptComplete));
     connection->Open({}, {});
     RetrieveConnectionInfo(*this, getTablesOnConnect_);
+    if (!IsConnected()) throw Error(ErrorConnectionFailed, "The data source does not answer any more.");
   } catch (const Error& error) {
-    lastError_ = error;
+    lastError_ = origin == ConnectionOrigin::File ? WithPasswordHint(error, connectionString) : error;
   } catch (const std::exception& error) {
     lastError_ = Error(ErrorConnectionFailed, error.what());
   }
@@ -80,12 +123,29 @@ void qbQueryBuilder::SetConnection(const Ref<zrqrybld::Connection>& connection) 
 
 // --- Tables and joins ---
 
+namespace {
+
+// The name with its quotes taken off, unless the source has a table whose own name they are part of, and no other.
+std::string NameToAdd(TablePicker& picker, const QueryContext& context, const std::string& tableName) {
+  std::string plain = RemoveIdentifierQuotes(tableName, CurrentNameRules(context));
+  if (plain == tableName || !context.IsConnected()) return plain;
+  try {
+    return !picker.HasTable(plain) && picker.HasTable(tableName) ? tableName : plain;
+  } catch (const Error&) {
+    return plain;  // the failure is told when the table is added
+  }
+}
+
+}  // namespace
+
 Ref<qbEntity> qbQueryBuilder::AddTable(const std::string& tableName) {
-  return TablePicker(RefTo(*this)).AddTable(RemoveIdentifierQuotes(tableName, CurrentNameRules(*this)));
+  TablePicker picker(RefTo(*this));
+  return picker.AddTable(NameToAdd(picker, *this, tableName));
 }
 
 bool qbQueryBuilder::HasTable(const std::string& tableName) {
-  return TablePicker(RefTo(*this)).HasTable(RemoveIdentifierQuotes(tableName, CurrentNameRules(*this)));
+  TablePicker picker(RefTo(*this));
+  return picker.HasTable(NameToAdd(picker, *this, tableName));
 }
 
 void qbQueryBuilder::ShowTables() {

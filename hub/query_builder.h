@@ -16,6 +16,7 @@
 #include "grid/grid_pane.h"
 #include "host/query_context.h"
 #include "hub/history.h"
+#include "platform/connection_policy.h"
 #include "platform/property_store.h"
 #include "sql/sql_pane.h"
 
@@ -59,7 +60,18 @@ class qbQueryBuilder final : public QueryContext {
   /// is Missing, the user builds a connection string, which is written back; "" when cancelled, and nothing is changed
   /// then. No error leaves it: see `LastError`.
   void Connect(Variant& connectionString);
-  void Connect(const std::string& connectionString);
+  void Connect(const std::string& connectionString) { Connect(connectionString, ConnectionOrigin::Program); }
+  /// The same for a string that the application got from elsewhere. One that may not be opened (see `RefusalOf`)
+  /// leaves an open connection as it is.
+  void Connect(const std::string& connectionString, ConnectionOrigin origin);
+
+  /// A connection is about to be opened: its string, with its password, whether that came with a query file, and
+  /// whether the connection is to be left out, which then fails with error 3706. Also before a test of a connection.
+  Event<const std::string&, bool, bool&> BeforeConnect;
+
+  /// Why a string may not be opened, none when it may: what `JudgeConnection` says of where it comes from, a person's
+  /// answer where only they can say, and the listeners of `BeforeConnect`. For applications that open it themselves.
+  std::optional<Error> RefusalOf(const std::string& connectionString, ConnectionOrigin origin);
 
   /// Why the last `Connect` failed; none when it succeeded.
   const std::optional<Error>& LastError() const { return lastError_; }
@@ -85,8 +97,8 @@ class qbQueryBuilder final : public QueryContext {
 
   /// Reads a saved query, a file or with `fileIsData` its text, into what is there: nothing is cleared. Names the
   /// file's statement and connection string in the two results, where given; with `returnParametersOnly` that is all.
-  /// True, or False when the saved connection cannot be opened (see `LastError`). Error 40003 when the query cannot be
-  /// read; what was read until then stays.
+  /// True, or False when the saved connection cannot be opened, or may not be, as one that came with a file (see
+  /// `LastError`). Error 40003 when the query cannot be read; what was read until then stays.
   bool LoadQuery(const std::string& filename, bool fileIsData = false, bool returnParametersOnly = false,
                  std::string* sqlStatement = nullptr, std::string* connectionString = nullptr);
 
@@ -245,7 +257,7 @@ class qbQueryBuilder final : public QueryContext {
   void NoteColumns();
   std::int32_t RowOfColumn(const std::string& entityCaption, const std::string& column) const;
   std::int32_t MakeRowOfColumn(const std::string& entityCaption, const std::string& column, bool output);
-  std::string TryConnection(const std::string& connectionString) const;
+  std::string TryConnection(const std::string& connectionString);
   DesignOptions CurrentOptions() const;
   void TakeTables(DesignChange& change, bool withTicks) const;
   DesignChange CurrentChange() const;
@@ -267,6 +279,7 @@ class qbQueryBuilder final : public QueryContext {
   Ref<qbSQLPane> sqlPane_;
   std::shared_ptr<SchemaCache> schema_;
   std::optional<Error> lastError_;
+  std::string confirmedConnection_;  // the string that a person was warned of last, and wanted
   History history_;
   bool historyChanged_ = false;       // and nobody was told yet
   bool travelling_ = false;           // a step is being undone or redone

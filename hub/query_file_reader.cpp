@@ -133,8 +133,8 @@ void QueryFileReader::ReadMarker(std::string_view marker) {
 bool QueryFileReader::TakeConnection(std::string_view value) {
   parameters_.connectionString = value;
   if (parametersOnly_ || !hub_.ConnectOnLoad() || value.empty()) return true;
-  hub_.Connect(std::string(value));
-  return hub_.IsConnected();
+  hub_.Connect(std::string(value), ConnectionOrigin::File);
+  return !hub_.LastError() && hub_.IsConnected();
 }
 
 // --- Values ---

@@ -1,6 +1,7 @@
 #include "platform/connection_string.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "base/text.h"
 
@@ -9,6 +10,10 @@ namespace {
 
 // How the names of password parts end; many have more in front, such as "Jet OLEDB:Database Password".
 constexpr std::string_view kPasswordEndings[] = {"pwd", "password", "passwd"};
+
+// Words in the names of other secrets.
+constexpr std::string_view kSecretWords[] = {"token",   "secret",     "passphrase", "accesskey",  "apikey", "jwt",
+                                             "authkey", "accountkey", "privatekey", "credential", "bearer"};
 
 constexpr char ClosingQuote(char opening) { return opening == '{' ? '}' : opening; }
 
@@ -70,26 +75,39 @@ bool ConnectionString::IsPasswordKey(std::string_view key) {
   });
 }
 
-std::string ConnectionString::WithoutPassword() const { return WithoutPassword(kDeepest).first; }
+bool ConnectionString::IsSecretKey(std::string_view key) {
+  std::string letters;
+  std::ranges::copy_if(key, std::back_inserter(letters), [](char c) { return IsWordByte(c) && c != '_'; });
+  return IsPasswordKey(letters) || std::ranges::any_of(kSecretWords, [&](std::string_view word) {
+           return FindNoCase(letters, word) != std::string::npos;
+         });
+}
 
-std::pair<std::string, bool> ConnectionString::WithoutPassword(int layers) const {
+std::string ConnectionString::WithoutPassword() const { return Hiding({}, kDeepest).first; }
+std::string ConnectionString::Masked() const { return Hiding("***", kDeepest).first; }
+bool ConnectionString::HoldsSecret() const { return Hiding({}, kDeepest).second; }
+
+std::pair<std::string, bool> ConnectionString::Hiding(std::string_view mask, int layers) const {
   std::string text;
-  bool removed = false;
+  bool hidden = false;
   for (const auto& [key, value] : parts_) {
-    if (IsPasswordKey(key)) {
-      removed = true;
-      continue;
-    }
+    const bool secret = IsSecretKey(key);
+    hidden |= secret;
+    if (secret && mask.empty()) continue;
     if (!text.empty()) text += ';';
     text += key;
     text += '=';
+    if (secret) {
+      text += mask;
+      continue;
+    }
     // A value may be a connection string itself, passed on to a second layer with its own password.
-    auto [inner, innerRemoved] =
-        layers > 0 ? ConnectionString(value).WithoutPassword(layers - 1) : std::pair{std::string(), false};
-    text += QuoteValue(innerRemoved ? inner : value);
-    removed |= innerRemoved;
+    auto [inner, innerHidden] =
+        layers > 0 ? ConnectionString(value).Hiding(mask, layers - 1) : std::pair{std::string(), false};
+    text += QuoteValue(innerHidden ? inner : value);
+    hidden |= innerHidden;
   }
-  return {text, removed};
+  return {text, hidden};
 }
 
 std::string ConnectionString::QuoteValue(std::string_view value) {

@@ -24,19 +24,30 @@ class ConnectionString {
   /// The parts in their order, values without quotes.
   const std::vector<std::pair<std::string, std::string>>& Parts() const { return parts_; }
 
-  /// The text without passwords (see `IsPasswordKey`), for logs and messages.
+  /// The text without its secrets (see `IsSecretKey`), for logs and messages.
   /// Also those of a connection string that stands inside a value.
   std::string WithoutPassword() const;
 
+  /// The text with "***" in the place of each secret, to be looked at.
+  std::string Masked() const;
+
+  /// Whether the text holds a secret, also in a connection string inside a value.
+  bool HoldsSecret() const;
+
   /// Whether the key names a password: `PWD`, `Password` and every key that ends so.
   static bool IsPasswordKey(std::string_view key);
+
+  /// Whether the key names a password or another secret: `Token`, `Access Key`, `Secret`, `JWT`, `ApiKey` and every
+  /// key that holds such a word, whatever blanks and lines are in it.
+  static bool IsSecretKey(std::string_view key);
 
   /// The value as it is written in a connection string: in quotes when it needs them.
   static std::string QuoteValue(std::string_view value);
 
  private:
-  /// The text without passwords down to so many layers, and whether there were any.
-  std::pair<std::string, bool> WithoutPassword(int layers) const;
+  /// The text down to so many layers with `mask` for each secret, without those parts when it is "", and whether there
+  /// were any.
+  std::pair<std::string, bool> Hiding(std::string_view mask, int layers) const;
 
   std::vector<std::pair<std::string, std::string>> parts_;
 };

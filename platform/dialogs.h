@@ -129,6 +129,10 @@ class Dialogs {
   /// just left, while the next thing may be under the hand already.
   virtual void ShowMessageSoon(std::string_view text, MessageIcon icon) = 0;
 
+  /// Asks a question that a careless answer could cost something. Only true when somebody has said yes; a toolkit that
+  /// cannot ask says no.
+  virtual bool Confirm([[maybe_unused]] std::string_view question) { return false; }
+
   /// Lets the user pick tables until the dialog is closed.
   virtual void ShowTables(const TablesDialog& dialog) = 0;
 

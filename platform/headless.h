@@ -132,6 +132,7 @@ class HeadlessDialogs final : public Dialogs {
   };
   void ShowMessage(std::string_view text, MessageIcon icon) override { messages.push_back({std::string(text), icon}); }
   void ShowMessageSoon(std::string_view text, MessageIcon icon) override { ShowMessage(text, icon); }
+  bool Confirm(std::string_view question) override { return onConfirm && onConfirm(question); }
   void ShowTables(const TablesDialog& dialog) override {
     if (onShowTables) onShowTables(dialog);
   }
@@ -155,6 +156,7 @@ class HeadlessDialogs final : public Dialogs {
   std::function<bool(ExpressionDialog&)> onShowExpression;
   std::function<std::string(const ConnectionDialog&)> onShowConnectionPrompt;
   std::function<std::string(const SaveFileDialog&)> onShowSaveFile;
+  std::function<bool(std::string_view)> onConfirm;
   std::function<std::optional<std::string>(const TextDialog&)> onShowTextPrompt;
   std::function<bool(ParametersDialog&)> onShowParameters;
 };

@@ -22,32 +22,43 @@ std::vector<DataSourceName> ProviderList::DataSources() const {
   return all;
 }
 
+std::vector<std::string> ProviderList::Drivers() const {
+  std::vector<std::string> all;
+  for (const std::shared_ptr<Provider>& provider : providers_) {
+    for (std::string& driver : provider->Drivers()) all.push_back(std::move(driver));
+  }
+  return all;
+}
+
+Session& ProviderConnection::OpenedSession() const {
+  if (!HasSession()) throw Error(ErrorConnectionClosed, "The connection is closed.");
+  return *session_;
+}
+
 void ProviderConnection::SetConnectionString(std::string value) {
-  if (session_) throw Error(ErrorConnectionOpen, "The connection string cannot change while the connection is open.");
+  if (HasSession())
+    throw Error(ErrorConnectionOpen, "The connection string cannot change while the connection is open.");
   connectionString_ = std::move(value);
 }
 
 void ProviderConnection::SetProperty(std::string_view, const Variant&) {}
 
 void ProviderConnection::Open(std::string_view user, std::string_view password) {
-  if (session_) throw Error(ErrorConnectionOpen, "The connection is open already.");
+  if (HasSession()) throw Error(ErrorConnectionOpen, "The connection is open already.");
+  session_.reset();
   const zrqrybld::ConnectionString parsed(connectionString_);
   session_ = providers_->Choose(parsed).Open(parsed, user, password);
 }
 
 void ProviderConnection::Close() {
-  if (!session_) throw Error(ErrorConnectionClosed, "The connection is closed.");
+  OpenedSession();
   session_.reset();
 }
 
 std::unique_ptr<RowSet> ProviderConnection::OpenSchema(SchemaKind kind, const SchemaRestrictions& restrictions) {
-  if (!session_) throw Error(ErrorConnectionClosed, "The connection is closed.");
-  return session_->OpenSchema(kind, restrictions);
+  return OpenedSession().OpenSchema(kind, restrictions);
 }
 
-std::vector<std::string> ProviderConnection::Keywords() {
-  if (!session_) throw Error(ErrorConnectionClosed, "The connection is closed.");
-  return session_->Keywords();
-}
+std::vector<std::string> ProviderConnection::Keywords() { return OpenedSession().Keywords(); }
 
 }  // namespace zrqrybld

@@ -30,6 +30,9 @@ class Session {
 
   /// See `Connection::KnowsWholeSource`.
   virtual bool KnowsWholeSource(SchemaKind) const { return false; }
+
+  /// False from the moment at which the source was found to be gone or has not answered in time. Every call fails then.
+  virtual bool IsOpen() const { return true; }
 };
 
 /// A data source that is configured on the machine.
@@ -59,6 +62,9 @@ class Provider {
   /// The data sources that are configured for this provider on the machine; none for a provider that has no such
   /// configuration, or whose configuration cannot be read.
   virtual std::vector<DataSourceName> DataSources() { return {}; }
+
+  /// The names of the drivers that are configured for this provider on the machine, as above.
+  virtual std::vector<std::string> Drivers() { return {}; }
 };
 
 /// The providers that an application has registered.
@@ -72,6 +78,9 @@ class ProviderList {
 
   /// The configured data sources of all providers, in the order of registration.
   std::vector<DataSourceName> DataSources() const;
+
+  /// The configured drivers of all providers, likewise.
+  std::vector<std::string> Drivers() const;
 
  private:
   std::vector<std::shared_ptr<Provider>> providers_;
@@ -87,12 +96,16 @@ class ProviderConnection final : public Connection {
   void SetProperty(std::string_view name, const Variant& value) override;
   void Open(std::string_view user, std::string_view password) override;
   void Close() override;
-  ConnectionStateEnum State() const override { return session_ ? ConnectionOpened : ConnectionClosed; }
+  ConnectionStateEnum State() const override { return HasSession() ? ConnectionOpened : ConnectionClosed; }
   std::unique_ptr<RowSet> OpenSchema(SchemaKind kind, const SchemaRestrictions& restrictions) override;
   std::vector<std::string> Keywords() override;
-  bool KnowsWholeSource(SchemaKind kind) const override { return session_ && session_->KnowsWholeSource(kind); }
+  bool KnowsWholeSource(SchemaKind kind) const override { return HasSession() && session_->KnowsWholeSource(kind); }
 
  private:
+  // One whose source is gone counts as none.
+  bool HasSession() const { return session_ && session_->IsOpen(); }
+  Session& OpenedSession() const;
+
   std::shared_ptr<const ProviderList> providers_;
   std::string connectionString_;
   std::unique_ptr<Session> session_;

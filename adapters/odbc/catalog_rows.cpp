@@ -66,9 +66,8 @@ bool CatalogRows::Next() {
   fetched_ = 0;
   row_ = 0;
   const SQLRETURN result = SQLFetch(statement_.Get());
-  if (result == SQL_NO_DATA) return false;
   statement_.Check(result);
-  return fetched_ > 0;
+  return result != SQL_NO_DATA && fetched_ > 0;
 }
 
 std::optional<std::string> CatalogRows::Text(std::size_t field) const {

@@ -34,6 +34,21 @@ std::vector<DataSourceName> odbc::ConfiguredSources() {
   }
 }
 
+std::vector<std::string> odbc::ConfiguredDrivers() {
+  const odbc::Environment environment;
+  std::vector<std::string> drivers;
+  for (SQLUSMALLINT direction = SQL_FETCH_FIRST;; direction = SQL_FETCH_NEXT) {
+    std::string name(1024, '\0');
+    std::string attributes(4096, '\0');
+    SQLSMALLINT length = 0;
+    const SQLRETURN result =
+        SQLDrivers(environment.Get(), direction, Bytes(name), static_cast<SQLSMALLINT>(name.size() - 1), &length,
+                   Bytes(attributes), static_cast<SQLSMALLINT>(attributes.size() - 1), &length);
+    if (!SQL_SUCCEEDED(result)) return drivers;
+    drivers.push_back(TextOf(name));
+  }
+}
+
 std::vector<std::string> OdbcDataSources(const std::optional<std::string>& driverName) {
   std::vector<std::string> names;
   for (DataSourceName& source : odbc::ConfiguredSources()) {

@@ -20,5 +20,8 @@ namespace odbc {
 /// are opened. Error 3706 when the driver manager cannot be used.
 std::vector<DataSourceName> ConfiguredSources();
 
+/// The names of the drivers that the driver manager knows. Error 3706 as above.
+std::vector<std::string> ConfiguredDrivers();
+
 }  // namespace odbc
 }  // namespace zrqrybld

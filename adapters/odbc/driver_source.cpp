@@ -29,13 +29,6 @@ constexpr std::pair<std::string_view, std::string_view> kOtherWords[] = {
     {"Data Source", "DSN"}, {"User ID", "UID"}, {"Password", "PWD"}, {"Initial Catalog", "Database"}};
 constexpr std::string_view kNotForTheDriver[] = {"Provider", "Persist Security Info", "Mode", "Extended Properties"};
 
-// Further parts whose values no message may show.
-constexpr std::string_view kSecretEndings[] = {"token", "secret", "passphrase", "accesskey", "apikey"};
-
-bool EndsWithNoCase(std::string_view text, std::string_view ending) {
-  return text.size() >= ending.size() && EqualsNoCase(text.substr(text.size() - ending.size()), ending);
-}
-
 bool IsOneOf(std::string_view key, std::span<const std::string_view> keys) {
   return std::ranges::any_of(keys, [key](std::string_view other) { return EqualsNoCase(key, other); });
 }
@@ -87,7 +80,7 @@ std::string WriteValue(std::string_view key, const std::string& value) {
   const bool isWord = std::ranges::all_of(value, IsWordByte);
   const bool plain =
       value.find(';') == std::string::npos && !value.starts_with('{') && Trim(value).size() == value.size();
-  const bool braces = EqualsNoCase(key, "Driver") || (ConnectionString::IsPasswordKey(key) ? !isWord : !plain);
+  const bool braces = EqualsNoCase(key, "Driver") || (ConnectionString::IsSecretKey(key) ? !isWord : !plain);
   return braces ? "{" + ReplaceAll(value, "}", "}}") + "}" : value;
 }
 
@@ -100,11 +93,13 @@ std::string WriteParts(const Parts& parts) {
 Secrets SecretsOf(const Parts& parts) {
   Secrets secrets;
   for (const auto& [key, value] : parts) {
-    const bool secret = ConnectionString::IsPasswordKey(key) ||
-                        std::ranges::any_of(kSecretEndings, [&](auto ending) { return EndsWithNoCase(key, ending); });
-    if (secret) secrets.Add(value);
+    if (ConnectionString::IsSecretKey(key)) secrets.Add(value);
   }
   return secrets;
+}
+
+void AddIfMissing(Parts& parts, std::string_view key, std::string_view value) {
+  if (!Find(parts, key)) parts.emplace_back(key, value);
 }
 
 // --- Files of SQLite ---
@@ -160,7 +155,17 @@ void PrepareForSqlite(Parts& parts) {
   constexpr std::string_view kNoCreate[] = {"NoCreat"};
   Remove(parts, kNoCreate);
   parts.emplace_back("NoCreat", "1");
+  AddIfMissing(parts, "Timeout", "2000");  // milliseconds; a locked file would hold up a catalogue call for 100 seconds
   if (const auto file = Find(parts, "Database"); file && !file->empty()) CheckFile(*file);
+}
+
+// --- Silent servers ---
+
+// Its driver takes no time-out from ODBC. None for reading: when the rows of an answer are cut it ends the process.
+void PrepareForMariaDb(Parts& parts) {
+  const std::string seconds = std::to_string(kPatienceSeconds);
+  AddIfMissing(parts, "CONN_TIMEOUT", seconds);
+  AddIfMissing(parts, "WRITE_TIMEOUT", seconds);
 }
 
 // --- Rows ---
@@ -214,6 +219,7 @@ DriverSource MakeDriverSource(const ConnectionString& connectionString, std::str
   Secrets secrets = SecretsOf(parts);
   const std::vector<DataSourceName> sources = ConfiguredSources();
   if (DriverHasName(parts, sources, "sqlite")) PrepareForSqlite(parts);
+  if (DriverHasName(parts, sources, "maria")) PrepareForMariaDb(parts);
   if (purpose == Purpose::Rows) PrepareForRows(parts, sources);
   return {WriteParts(parts), std::move(secrets)};
 }

@@ -13,7 +13,6 @@
 namespace zrqrybld::odbc {
 namespace {
 
-constexpr std::uintptr_t kLoginSeconds = 10;
 constexpr std::size_t kShortSecret = 3;
 constexpr int kMostMessages = 8;
 
@@ -131,27 +130,46 @@ Utf8Scope::~Utf8Scope() {
 // --- DriverConnection ---
 
 DriverConnection::DriverConnection(const std::string& connectionString, Secrets secrets)
-    : handle_(environment_.Get()), secrets_(std::move(secrets)) {
-  const auto fail = [&](SQLSMALLINT type, SQLHANDLE handle) {
-    throw Error(ErrorConnectionFailed, Describe(Diagnose(type, handle), secrets_));
+    : secrets_(std::move(secrets)), link_(WithPatience(pulse_, [connectionString, hidden = secrets_] {
+        auto link = std::make_shared<Link>();
+        link->Open(connectionString, hidden);
+        return link;
+      })) {}
+
+void DriverConnection::Link::Open(const std::string& connectionString, const Secrets& secrets) {
+  const auto fail = [&](SQLSMALLINT type, SQLHANDLE failed) {
+    throw Error(ErrorConnectionFailed, Describe(Diagnose(type, failed), secrets));
   };
-  if (Get() == SQL_NULL_HANDLE) fail(SQL_HANDLE_ENV, environment_.Get());
+  const SQLHDBC connection = handle.Get();
+  if (connection == SQL_NULL_HANDLE) fail(SQL_HANDLE_ENV, environment.Get());
   // Neither matters to a driver that does not know it.
-  SQLSetConnectAttrW(Get(), SQL_ATTR_LOGIN_TIMEOUT, NumberAttribute(kLoginSeconds), SQL_IS_UINTEGER);
-  SQLSetConnectAttrW(Get(), SQL_ATTR_ACCESS_MODE, NumberAttribute(SQL_MODE_READ_ONLY), SQL_IS_UINTEGER);
+  const auto set = [&](SQLINTEGER attribute, std::uintptr_t value) {
+    SQLSetConnectAttrW(connection, attribute, NumberAttribute(value), SQL_IS_UINTEGER);
+  };
+  set(SQL_ATTR_LOGIN_TIMEOUT, kPatienceSeconds);
+  set(SQL_ATTR_ACCESS_MODE, SQL_MODE_READ_ONLY);
   std::u16string text = ToUtf16(connectionString);
   if (text.size() > 32000) throw Error(ErrorConnectionFailed, "The connection string is too long for ODBC.");
   std::u16string completed(1024, u'\0');  // some drivers do not like to be told that nobody wants it
   SQLSMALLINT length = 0;
   const SQLRETURN result =
-      SQLDriverConnectW(Get(), nullptr, Wide(text), static_cast<SQLSMALLINT>(text.size()), Wide(completed),
+      SQLDriverConnectW(connection, nullptr, Wide(text), static_cast<SQLSMALLINT>(text.size()), Wide(completed),
                         static_cast<SQLSMALLINT>(completed.size()), &length, SQL_DRIVER_NOPROMPT);
-  if (!SQL_SUCCEEDED(result)) fail(SQL_HANDLE_DBC, Get());
-  open_ = true;
+  if (!SQL_SUCCEEDED(result)) fail(SQL_HANDLE_DBC, connection);
+  open = true;
 }
 
-DriverConnection::~DriverConnection() {
-  if (open_) SQLDisconnect(Get());
+DriverConnection::Link::~Link() {
+  if (open) SQLDisconnect(handle.Get());
+}
+
+void DriverConnection::RequireAlive() const {
+  SQLUINTEGER dead = SQL_CD_FALSE;
+  const SQLRETURN result = SQLGetConnectAttrW(Get(), SQL_ATTR_CONNECTION_DEAD, &dead, SQL_IS_UINTEGER, nullptr);
+  pulse_->Beat();
+  if (SQL_SUCCEEDED(result) && dead == SQL_CD_TRUE) {
+    throw ConnectionLost("The connection to the data source is gone.");
+  }
 }
 
 std::string DriverConnection::InfoText(SQLUSMALLINT kind) const {
@@ -192,8 +210,13 @@ Statement::Statement(const DriverConnection& connection) : connection_(connectio
 }
 
 void Statement::Check(SQLRETURN result) const {
+  connection_.GetPulse()->Beat();
   if (SQL_SUCCEEDED(result) || result == SQL_NO_DATA) return;
   const std::vector<Diagnosis> all = Diagnose(SQL_HANDLE_STMT, Get());
+  // The class of states in which there is no connection.
+  const bool lost =
+      std::ranges::any_of(all, [](const Diagnosis& diagnosis) { return diagnosis.state.starts_with("08"); });
+  if (lost) throw ConnectionLost(Describe(all, connection_.GetSecrets()));
   std::int32_t number = ErrorConnectionFailed;
   if (!all.empty() && all.front().native != 0) number = all.front().native;
   const bool unsupported = std::ranges::any_of(all, [](const Diagnosis& diagnosis) {

@@ -8,10 +8,13 @@
 #include <sqlucode.h>
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "adapters/odbc/patience.h"
 
 namespace zrqrybld::odbc {
 
@@ -88,14 +91,19 @@ class Environment {
 class DriverConnection {
  public:
   /// Opens the source, for reading only where the driver knows such a thing. Error 3706 with the driver's words
-  /// when that fails.
+  /// when that fails, or when there is no answer in time.
   DriverConnection(const std::string& connectionString, Secrets secrets);
   DriverConnection(const DriverConnection&) = delete;
   DriverConnection& operator=(const DriverConnection&) = delete;
-  ~DriverConnection();
 
-  SQLHDBC Get() const { return handle_.Get(); }
+  SQLHDBC Get() const { return link_->handle.Get(); }
   const Secrets& GetSecrets() const { return secrets_; }
+
+  /// Beaten whenever the driver has returned from a call.
+  const std::shared_ptr<Pulse>& GetPulse() const { return pulse_; }
+
+  /// Asks the driver whether the connection is still there. ConnectionLost when it says no.
+  void RequireAlive() const;
 
   /// What the driver tells about itself; "" and 0 when it does not tell.
   std::string InfoText(SQLUSMALLINT kind) const;
@@ -106,10 +114,22 @@ class DriverConnection {
   std::string CurrentCatalog() const;
 
  private:
-  Environment environment_;
-  Handle<SQL_HANDLE_DBC> handle_;
+  // What the driver uses, so that a call that never returns can keep it.
+  struct Link {
+    Link() : handle(environment.Get()) {}
+    Link(const Link&) = delete;
+    Link& operator=(const Link&) = delete;
+    ~Link();
+    void Open(const std::string& connectionString, const Secrets& secrets);
+
+    Environment environment;
+    Handle<SQL_HANDLE_DBC> handle;
+    bool open = false;
+  };
+
   Secrets secrets_;
-  bool open_ = false;
+  std::shared_ptr<Pulse> pulse_ = std::make_shared<Pulse>();
+  std::shared_ptr<Link> link_;
 };
 
 /// One catalogue question. The connection must outlive it.
@@ -119,8 +139,9 @@ class Statement {
 
   SQLHSTMT Get() const { return handle_.Get(); }
 
-  /// Throws when `result` is a failure: 3251 when the driver lacks what was asked, otherwise the driver's own
-  /// number, or 3706 when it has none. The description is the driver's, with its SQLSTATE in front.
+  /// Beats the connection's pulse, and throws when `result` is a failure: ConnectionLost when the driver says so, 3251
+  /// when the driver lacks what was asked, otherwise the driver's own number, or 3706 when it has none. The description
+  /// is the driver's, with its SQLSTATE in front.
   void Check(SQLRETURN result) const;
 
  private:

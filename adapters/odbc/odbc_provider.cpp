@@ -6,7 +6,7 @@
 
 #include "adapters/odbc/data_sources.h"
 #include "adapters/odbc/driver_source.h"
-#include "adapters/odbc/odbc_session.h"
+#include "adapters/odbc/patient_session.h"
 #include "base/text.h"
 
 namespace zrqrybld {
@@ -19,9 +19,11 @@ bool OdbcProvider::Accepts(const ConnectionString& connectionString) const {
 std::unique_ptr<Session> OdbcProvider::Open(const ConnectionString& connectionString, std::string_view user,
                                             std::string_view password) {
   odbc::DriverSource source = odbc::MakeDriverSource(connectionString, user, password, odbc::Purpose::Catalogue);
-  return std::make_unique<odbc::OdbcSession>(source.text, std::move(source.secrets));
+  return std::make_unique<odbc::PatientSession>(source.text, std::move(source.secrets));
 }
 
 std::vector<DataSourceName> OdbcProvider::DataSources() { return odbc::ConfiguredSources(); }
+
+std::vector<std::string> OdbcProvider::Drivers() { return odbc::ConfiguredDrivers(); }
 
 }  // namespace zrqrybld

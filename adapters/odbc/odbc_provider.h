@@ -23,7 +23,7 @@ class OdbcProvider final : public Provider {
   /// Whether the string names a driver or a configured data source.
   bool Accepts(const ConnectionString& connectionString) const override;
 
-  /// Connects without asking anybody, for at most ten seconds, for reading only where the driver knows
+  /// Connects without asking anybody, for at most eight seconds, for reading only where the driver knows
   /// such a thing. `user` and `password` take the place of those of the string. A file of SQLite is never created.
   ///
   /// Error 3706, whatever the reason: only the five characters of the SQLSTATE, in brackets before the driver's
@@ -47,6 +47,9 @@ class OdbcProvider final : public Provider {
   /// - Characters that a source would fold are told as invalid in names without quotes.
   /// - Names are cut at 2047 UTF-16 units, texts of defaults at 32767.
   ///
+  /// A session asks in a thread of its own, and gives a driver eight seconds for each call. One that takes longer, or
+  /// whose connection is cut, is closed from then on (`IsOpen`), and the error is 3706.
+  ///
   /// Errors of a session: 3251 when the driver lacks a catalogue function, otherwise the driver's own number, or
   /// 3706 when it has none.
   std::unique_ptr<Session> Open(const ConnectionString& connectionString, std::string_view user,
@@ -55,6 +58,9 @@ class OdbcProvider final : public Provider {
   /// The data sources of this user and of the system. Error 3706 when the driver manager cannot be used. unixODBC
   /// lists those with names beyond ASCII, but does not find them when they are opened.
   std::vector<DataSourceName> DataSources() override;
+
+  /// The names under which drivers are configured. Error 3706 as above.
+  std::vector<std::string> Drivers() override;
 };
 
 }  // namespace zrqrybld

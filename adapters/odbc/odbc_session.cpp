@@ -43,6 +43,17 @@ class Argument {
   std::u16string text_;
 };
 
+// Attributes of ODBC are numbers in the place of pointers.
+SQLPOINTER Seconds(std::uintptr_t count) { return reinterpret_cast<SQLPOINTER>(count); }
+
+// A statement that the server ends by itself where its driver can tell it so: nobody waits for the answer any longer.
+class Question : public Statement {
+ public:
+  explicit Question(const DriverConnection& connection) : Statement(connection) {
+    SQLSetStmtAttrW(Get(), SQL_ATTR_QUERY_TIMEOUT, Seconds(kPatienceSeconds), SQL_IS_UINTEGER);
+  }
+};
+
 // No source has names anywhere near this, and the length of an argument is a 16-bit number.
 constexpr std::size_t kLongestName = 8000;
 
@@ -91,6 +102,8 @@ constexpr std::string_view kLowerLetters = "abcdefghijklmnopqrstuvwxyz";
 
 OdbcSession::OdbcSession(const std::string& connectionString, Secrets secrets)
     : connection_(connectionString, std::move(secrets)) {
+  // For this session only: rows may be waited for. It does not matter to a driver that does not know it.
+  SQLSetConnectAttrW(connection_.Get(), SQL_ATTR_CONNECTION_TIMEOUT, Seconds(kPatienceSeconds), SQL_IS_UINTEGER);
   facts_.quote = connection_.InfoText(SQL_IDENTIFIER_QUOTE_CHAR);
   facts_.catalogSeparator = connection_.InfoText(SQL_CATALOG_NAME_SEPARATOR);
   facts_.patternEscape = connection_.InfoText(SQL_SEARCH_PATTERN_ESCAPE);
@@ -250,7 +263,7 @@ std::vector<OdbcSession::Table> OdbcSession::AskTables(const Scope& scope, bool 
   Argument catalog(pattern(scope.catalog));
   Argument schema(scope.schema || !anySchema ? pattern(scope.schema) : std::optional<std::string>("%"));
   Argument name(pattern(scope.table));
-  const Statement statement(connection_);
+  const Question statement(connection_);
   statement.Check(SQLTablesW(statement.Get(), catalog.Text(), catalog.Length(), schema.Text(), schema.Length(),
                              name.Text(), name.Length(), nullptr, 0));
   std::vector<Table> tables;
@@ -333,7 +346,7 @@ void OdbcSession::AskColumns(const Scope& scope, const Table* only, Rows& rows) 
   Argument catalog(scope.catalog);  // the only argument that is no pattern
   Argument schema(scope.schema ? Pattern(*scope.schema) : std::optional<std::string>(facts_.hasSchemas ? "%" : ""));
   Argument name(scope.table ? std::optional(Pattern(*scope.table)) : std::optional<std::string>("%"));
-  const Statement statement(connection_);
+  const Question statement(connection_);
   statement.Check(SQLColumnsW(statement.Get(), catalog.Text(), catalog.Length(), schema.Text(), schema.Length(),
                               name.Text(), name.Length(), nullptr, 0));
   std::vector<Found> found;
@@ -400,7 +413,7 @@ std::vector<OdbcSession::KeyColumn> OdbcSession::AskPrimaryKey(const Table& tabl
   Argument catalog(table.catalog);
   Argument schema(table.schema);
   Argument name(table.name);
-  const Statement statement(connection_);
+  const Question statement(connection_);
   statement.Check(SQLPrimaryKeysW(statement.Get(), catalog.Text(), catalog.Length(), schema.Text(), schema.Length(),
                                   name.Text(), name.Length()));
   std::vector<KeyColumn> keys;
@@ -432,7 +445,7 @@ std::vector<OdbcSession::KeyColumn> OdbcSession::AskForeignKeys(const Table& tab
   Argument catalog(table.catalog);
   Argument schema(table.schema);
   Argument name(table.name);
-  const Statement statement(connection_);
+  const Question statement(connection_);
   statement.Check(SQLForeignKeysW(statement.Get(), nullptr, 0, nullptr, 0, nullptr, 0, catalog.Text(), catalog.Length(),
                                   schema.Text(), schema.Length(), name.Text(), name.Length()));
   std::vector<KeyColumn> keys;
@@ -485,7 +498,7 @@ OdbcSession::Rows OdbcSession::ReadProviderTypes() const {
   enum Field { Name, Type, Size, Prefix, Suffix, Unsigned };
   constexpr CatalogField kFields[] = {{1, FieldKind::Name}, {2, FieldKind::Integer}, {3, FieldKind::Integer},
                                       {4, FieldKind::Name}, {5, FieldKind::Name},    {10, FieldKind::Integer}};
-  const Statement statement(connection_);
+  const Question statement(connection_);
   statement.Check(SQLGetTypeInfoW(statement.Get(), SQL_ALL_TYPES));
   Rows rows;
   CatalogRows answer(statement, kFields);

@@ -23,6 +23,10 @@ class OdbcSession final : public Session {
   std::unique_ptr<RowSet> OpenSchema(SchemaKind kind, const SchemaRestrictions& restrictions) override;
   std::vector<std::string> Keywords() const override;
 
+  /// See DriverConnection.
+  const std::shared_ptr<Pulse>& GetPulse() const { return connection_.GetPulse(); }
+  void RequireAlive() const { connection_.RequireAlive(); }
+
  private:
   using Rows = std::vector<std::vector<Variant>>;
 

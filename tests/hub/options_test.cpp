@@ -199,6 +199,28 @@ TEST_F(HubOptions, ConnectingWithoutATextAsksForOne) {
   EXPECT_FALSE(hub->LastError());
 }
 
+TEST_F(HubOptions, WhatAPersonTypesIsOpenedWithAWarningOnly) {
+  const auto source = std::make_shared<test::FakeConnection>();
+  hub->SetConnection(source);
+  int warned = 0;
+  bool yes = false;
+  std::string tried;
+  Dialogs().onConfirm = [&](std::string_view) { return ++warned, yes; };
+  Dialogs().onShowConnectionPrompt = [&](const ConnectionDialog& dialog) {
+    tried = dialog.test("INITSTMT=DELETE FROM victim");
+    return "INITSTMT=DELETE FROM victim";
+  };
+  for (const bool answer : {false, true}) {
+    yes = answer;
+    Variant text = Variant::Missing();
+    hub->Connect(text);
+    EXPECT_EQ(hub->IsConnected(), answer);
+    EXPECT_EQ(hub->LastError().has_value(), !answer);
+    EXPECT_EQ(tried.find("runs statements") != std::string::npos, !answer) << tried;
+  }
+  EXPECT_EQ(warned, 3) << "asked again for what was said yes to";
+}
+
 // --- Progress ---
 
 TEST_F(HubOptions, OnlyTheOutermostOperationEndsAndItEndsOnErrorsToo) {

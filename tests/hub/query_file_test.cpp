@@ -228,6 +228,46 @@ TEST(QueryFile, TheConnectionIsMadeAsTheHostWants) {
   EXPECT_NE(Saved(designer).find("ConnectionString=Fake=1;PWD=secret\r\n"), std::string::npos);
 }
 
+// A string that came with a file: the library's own refusal, the host's, and a password that was not saved.
+TEST(QueryFile, ItsConnectionIsOpenedOnlyWhenNothingSpeaksAgainstIt) {
+  struct {
+    const char* connection;
+    bool veto;
+    const char* says;
+  } const cases[] = {{"Fake=1;ConnSettings=DELETE FROM victim", false, "runs statements"},
+                     {"Driver=/tmp/libevil.so", false, "configured"},
+                     {"Fake=1", true, "does not allow"},
+                     {"UID=ada", false, "holds no password"},
+                     {"Fake=1", false, ""}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.connection);
+    Designer designer;
+    designer.Use();
+    const bool refused =
+        c.veto || std::string_view(c.says) == "runs statements" || std::string_view(c.says) == "configured";
+    designer.source->openFailure = std::string_view(c.says) == "holds no password" ? 77 : 0;
+    std::string asked;
+    const auto link = designer.hub->BeforeConnect.Connect([&](const std::string& text, bool fromFile, bool& cancel) {
+      asked = text + (fromFile ? " from file" : " by program");
+      cancel = c.veto;
+    });
+    const std::string text = std::string("ConnectionString=") + c.connection + "\r\n";
+    EXPECT_EQ(designer.hub->LoadQuery(text, true), *c.says == '\0');
+    EXPECT_EQ(designer.hub->LastError().has_value(), *c.says != '\0');
+    if (designer.hub->LastError()) {
+      EXPECT_NE(designer.hub->LastError()->Description().find(c.says), std::string::npos)
+          << designer.hub->LastError()->Description();
+    }
+    EXPECT_EQ(designer.source->ConnectionString(), refused ? "Fake=1;PWD=secret" : c.connection);
+    EXPECT_EQ(designer.hub->IsConnected(), refused || *c.says == '\0');
+    // The application's own call is free, but for the veto.
+    designer.source->openFailure = 0;
+    designer.hub->Connect(c.connection);
+    EXPECT_EQ(asked, std::string(c.connection) + " by program");
+    EXPECT_EQ(designer.hub->LastError().has_value(), c.veto);
+  }
+}
+
 TEST_F(QueryFiles, AFailingWriteLeavesTheOldFileAndSaysWhy) {
   const Designer designer;
   const std::string path = Path("query");

@@ -5,6 +5,7 @@
 #include <random>
 
 #include "base/text.h"
+#include "platform/connection_policy.h"
 #include "tests/data_table.h"
 
 namespace zrqrybld {
@@ -22,8 +23,29 @@ TEST(ConnectionString, ReadsAnyTextAndLosesPasswords) {
     const ConnectionString parsed(row[0]);
     EXPECT_EQ(Trim(Describe(parsed)), row[1]);
     EXPECT_EQ(parsed.WithoutPassword(), row[2]);
-    EXPECT_EQ(parsed.WithoutPassword().find("s3cret"), std::string::npos);
+    for (const std::string& shown : {parsed.WithoutPassword(), parsed.Masked()}) {
+      EXPECT_EQ(shown.find("s3cret"), std::string::npos) << shown;
+    }
+    EXPECT_EQ(parsed.HoldsSecret(), parsed.Masked().find("***") != std::string::npos);
   }
+}
+
+TEST(ConnectionPolicy, JudgesByWhoWroteTheString) {
+  const std::vector<std::string> drivers = {"PostgreSQL Unicode", "MariaDB Unicode", "SQLite3",
+                                            "Access (*.mdb, *.accdb)"};
+  constexpr const char* kVerdicts[] = {"open", "warn", "refuse"};
+  for (const test::Row& row : test::ReadRows("connection_policy.txt")) {
+    SCOPED_TRACE(row.place + " " + row[0]);
+    for (const auto origin : {ConnectionOrigin::File, ConnectionOrigin::Person, ConnectionOrigin::Program}) {
+      const ConnectionJudgement judgement = JudgeConnection(row[1], origin, drivers);
+      EXPECT_EQ(kVerdicts[static_cast<int>(judgement.verdict)], row[2 + static_cast<std::size_t>(origin)])
+          << judgement.reason;
+      EXPECT_EQ(judgement.reason.empty(), judgement.verdict == ConnectionVerdict::Open);
+      EXPECT_EQ(judgement.reason.find("victim"), std::string::npos) << "a value is shown";
+    }
+  }
+  const std::string longest = "DSN=" + std::string(1 << 20, '=');
+  EXPECT_EQ(JudgeConnection(longest, ConnectionOrigin::File, drivers).verdict, ConnectionVerdict::Refuse);
 }
 
 TEST(ConnectionString, KeysHaveNoCaseAndTheFirstWins) {
