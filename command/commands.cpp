@@ -11,6 +11,7 @@
 #include "command/json.h"
 #include "hub/query_builder.h"
 #include "sql/parameters.h"
+#include "sql/readable_criteria.h"
 #include "sql/statement_parser.h"
 #include "sql/syntax_error.h"
 
@@ -174,7 +175,7 @@ Ref<qbQueryBuilder> LoadFile(const CommandOptions& options, std::string* stateme
   return hub;
 }
 
-Outcome ShowQuery(const CommandOptions& options) {
+Outcome ShowQuery(const CommandOptions& options, std::ostream& errors) {
   std::string saved;
   const Ref<qbQueryBuilder> hub = LoadFile(options, &saved);
   const std::string statement = hub->SQLPane()->SQLStatement();
@@ -211,6 +212,12 @@ Outcome ShowQuery(const CommandOptions& options) {
   json.EndArray();
   json.EndObject();
   if (options.json) outcome.text = json.Take();
+  try {
+    RequireReadableCriteria(*hub->SQLPane());
+  } catch (const Error& failure) {  // it is shown, but nobody should run it
+    Tell(ProblemOf(options.files[0], "", failure), errors);
+    outcome.failed = true;
+  }
   return outcome;
 }
 
@@ -225,6 +232,7 @@ std::optional<Problem> CheckFile(const CommandOptions& options, const std::strin
     Connect(*hub, options.connectionString);
     if (IsQueryFile(text)) {
       hub->LoadQuery(text, true);
+      RequireReadableCriteria(*hub->SQLPane());
     } else if (options.connectionString.empty()) {
       ParseSelect(text);
     } else {
@@ -269,7 +277,7 @@ Outcome Run(const CommandOptions& options, std::ostream& errors) {
     case Verb::Translate:
       return TranslateFiles(options, errors);
     case Verb::Show:
-      return ShowQuery(options);
+      return ShowQuery(options, errors);
     case Verb::Picture:
       return DrawPicture(options);
     case Verb::Check:

@@ -158,6 +158,7 @@ void PreviewJob::Read(Shared& shared, QueryRunner& runner) {
     PreviewNews news;
     try {
       news.more = runner.Fetch(kBlockRows, news.rows);
+      news.cutOff = !news.more && runner.WasCutOff();
     } catch (...) {
       shared.Tell(std::move(news));  // the rows before the failure
       throw;

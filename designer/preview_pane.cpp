@@ -227,7 +227,7 @@ void PreviewPane::ShowRows(PreviewNews& news) {
     took_ = clock_.elapsed();
     FitColumns();
   }
-  if (model_->IsFull()) {
+  if (model_->IsFull() || news.cutOff) {
     ended_ = tr("the preview holds no more");
     model_->End();
   }

@@ -8,6 +8,7 @@
 #include "hub/parameter_form.h"
 #include "platform/connection_string.h"
 #include "sql/lexer.h"
+#include "sql/readable_criteria.h"
 #if ZRQRYBLD_HAS_ODBC
 #include "adapters/odbc/odbc_runner.h"
 #endif
@@ -37,6 +38,7 @@ bool QueryPreview::Run() {
     return false;
   }
   try {
+    RequireReadableCriteria(*hub.SQLPane());
     shown_ = hub.SQLPane()->SQLStatement();
     const auto values = AskParameters(hub, shown_);
     if (!values) return false;

@@ -56,8 +56,7 @@ void ResultModel::Append(std::vector<ResultRow> rows, bool more) {
   const int first = static_cast<int>(rows_.size());
   beginInsertRows({}, first, first + static_cast<int>(rows.size()) - 1);
   for (ResultRow& row : rows) {
-    bytes_ += sizeof row + row.size() * sizeof(ResultValue);
-    for (const ResultValue& value : row) bytes_ += value.text.capacity();
+    bytes_ += BytesOf(row);
     rows_.push_back(std::move(row));
   }
   endInsertRows();

@@ -374,6 +374,7 @@ class qbDiagramPane final : public Control, private DiagramView {
   void SetHover(const PaneHit& hit);
   Cursor CursorFor(const PaneHit& hit) const;
 
+  bool OnCharacters(std::int32_t keyCode, const KeyEvent& event);
   bool OnPlainKey(std::int32_t keyCode);
   bool OnControlKey(std::int32_t keyCode, const KeyEvent& event);
   bool MoveSelectedBox(std::int32_t keyCode);

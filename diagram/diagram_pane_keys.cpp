@@ -19,6 +19,14 @@ constexpr auto kTypeAheadPause = std::chrono::seconds(1);
 constexpr int kResizeFirstStep = 4;
 constexpr int kResizeLargestStep = 48;
 
+// Whether a key stands for characters rather than for a command. Some keyboards tell AltGr as Ctrl and Alt.
+bool Types(const KeyEvent& event) {
+  const std::int32_t held = event.shift & (ShiftCtrl | ShiftAlt);
+  if (held == ShiftCtrl || held == ShiftAlt) return false;
+  const bool visible = !event.text.empty() && static_cast<unsigned char>(event.text.front()) > ' ';
+  return visible || event.keyCode == KeyCodeEnter || event.keyCode == KeyCodeSpace;
+}
+
 bool IsArrow(std::int32_t keyCode) { return keyCode >= KeyCodeLeft && keyCode <= KeyCodeDown; }
 
 }  // namespace
@@ -49,18 +57,25 @@ bool qbDiagramPane::OnKeyDown(const KeyEvent& event) {
     ShowContextMenu(selected_, row != 0 && entity->EntityBox()->IsRowVisible(row) ? row : 0, MenuPlaceOfSelection());
     return true;
   }
+  if (keyCode == 0 && event.keyCode != 0) return false;  // a handler has taken it away
+  if (Types(event)) return OnCharacters(keyCode, event);
   if ((event.shift & ShiftCtrl) != 0) return OnControlKey(keyCode, event);
-  if (event.shift == ShiftNone && OnPlainKey(keyCode)) return true;
-  const bool types = !event.text.empty() && static_cast<unsigned char>(event.text.front()) > ' ' && keyCode != 0 &&
-                     (event.shift & ShiftAlt) == 0;
-  if (!types) return false;
+  return event.shift == ShiftNone && OnPlainKey(keyCode);
+}
+
+// A key for characters raises `KeyPress` for each and then does what it does: a command of the pane or, where it is
+// none, finding what begins so. A handler that takes all characters away has dealt with the key.
+bool qbDiagramPane::OnCharacters(std::int32_t keyCode, const KeyEvent& event) {
+  const std::string given = event.keyCode == KeyCodeEnter ? "\r" : event.keyCode == KeyCodeSpace ? " " : event.text;
   std::string text;  // an input method may give several characters at once
-  for (std::size_t at = 0; at < event.text.size();) {
-    char32_t character = DecodeUtf8(event.text, at);
+  for (std::size_t at = 0; at < given.size();) {
+    char32_t character = DecodeUtf8(given, at);
     KeyPress.Raise(character);
     if (character != 0) AppendUtf8(text, character);
   }
-  return text.empty() || TypeAhead(text);
+  if (text.empty()) return true;
+  if (text == given && event.shift == ShiftNone && OnPlainKey(keyCode)) return true;
+  return static_cast<unsigned char>(text.front()) > ' ' && TypeAhead(text);
 }
 
 bool qbDiagramPane::OnPlainKey(std::int32_t keyCode) {

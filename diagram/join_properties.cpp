@@ -1,9 +1,30 @@
 #include "diagram/join_properties.h"
 
+#include <algorithm>
+#include <string_view>
+
 #include "base/text.h"
 #include "diagram/entity.h"
 
 namespace zrqrybld {
+namespace {
+
+// The text with the tables' captions in the places of their markers; a marker in a caption is a part of its name.
+std::string NameTables(std::string_view text, const std::string& table1, const std::string& table2) {
+  constexpr std::string_view kTable1 = "%TABLE1%";
+  constexpr std::string_view kTable2 = "%TABLE2%";
+  std::string named;
+  while (true) {
+    const std::size_t first = FindNoCase(text, kTable1);
+    const std::size_t second = FindNoCase(text, kTable2);
+    const std::size_t at = std::min(first, second);
+    if (at == std::string_view::npos) return named.append(text);
+    named.append(text.substr(0, at)).append(first < second ? table1 : table2);
+    text.remove_prefix(at + kTable1.size());
+  }
+}
+
+}  // namespace
 
 std::string DescribeJoin(const std::string& source, const std::string& target, JoinKind kind) {
   if (kind.IsFull()) {
@@ -33,8 +54,7 @@ bool EditJoin(QueryContext& context, qbRelationship& relationship) {
   const Ref<qbEntity> target = relationship.Target();
   if (!source || !target) return false;
   const auto text = [&](LanguageIDEnum id) {
-    const std::string withTarget = ReplaceNoCase(context.GetLanguageString(id), "%TABLE1%", target->Caption());
-    return ReplaceNoCase(withTarget, "%TABLE2%", source->Caption());
+    return NameTables(context.GetLanguageString(id), target->Caption(), source->Caption());
   };
   JoinDialog dialog;
   dialog.caption = text(LanguageJoinCaption);

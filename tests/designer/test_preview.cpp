@@ -143,6 +143,12 @@ TEST_F(Preview, SaysWhyNothingIsRun) {
   ASSERT_TRUE(Ends());
   EXPECT_TRUE(Pane().Failure().contains("does not know TOP")) << Utf8(Pane().Failure());
   EXPECT_EQ(Faulty(), "TOP");
+  Hub().DiagramPane()->Clear();
+  window.AddTables({"Employees"});
+  window.TickColumn("Employees.EmployeeID");
+  Hub().GridPane()->Grid()->SetTextMatrix(1, "criteria", "1; DROP TABLE x");
+  PressF5();
+  EXPECT_TRUE(Pane().Failure().contains("cannot be read")) << Statement();
 }
 
 TEST_F(Preview, ParametersAreAskedForFirst) {

@@ -248,7 +248,10 @@ class DiagramScene : public test::Player, private test::DiagramHands {
       pane->SelectObject(nullptr);
       pane->SelectObject(Table(w[1]));
       Table(w[1])->EntityBox()->SetSelectedRow(1);
-      for (auto word = w.begin() + 2; word != w.end(); ++word) EXPECT_TRUE(pane->OnKeyDown({'A', ShiftNone, *word}));
+      for (auto word = w.begin() + 2; word != w.end(); ++word) {
+        const char first = UpperAscii(word->front());  // only plain letters have a key code
+        EXPECT_TRUE(pane->OnKeyDown({first >= 'A' && first <= 'Z' ? first : 0, ShiftNone, *word}));
+      }
     };
     actions["ticks"] = [this](const Words& w) {
       for (int i = std::stoi(w[1]); i > 0; --i) pane->OnTick();

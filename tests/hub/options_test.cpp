@@ -93,8 +93,8 @@ TEST_F(HubOptions, StoredValuesOfTheWrongKindCountAsMissing) {
 // --- Join properties ---
 
 TEST_F(HubOptions, JoinPropertiesShowTheJoinAndTakeTheChoice) {
-  const Ref<qbEntity> a = Add("%table1%");  // a name that looks like the other place-holder
-  const Ref<qbEntity> b = Add("b");
+  const Ref<qbEntity> a = Add("%table1%");  // names that look like the other place-holder
+  const Ref<qbEntity> b = Add("%Table2%");
   const Ref<qbRelationship> join = Join(a, 2, b, 2);
   EXPECT_FALSE(hub->ShowJoinProperties(join));  // nobody answers
   EXPECT_FALSE(hub->ShowJoinProperties(nullptr));
@@ -129,7 +129,7 @@ TEST_F(HubOptions, JoinPropertiesShowTheJoinAndTakeTheChoice) {
   }
   EXPECT_EQ(seen.caption + "," + seen.frame + "," + seen.acceptButton + "," + seen.cancelButton,
             "Join Properties,Include rows,&Accept,&Cancel");
-  EXPECT_EQ(seen.allOfTable1, "b and %table1%");
+  EXPECT_EQ(seen.allOfTable1, "%Table2% and %table1%");
   EXPECT_EQ(seen.allOfTable2, "%table1% only");
   // The join may go while the window is open.
   accept = true;

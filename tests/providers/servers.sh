@@ -124,6 +124,7 @@ start_mariadb() {
     id mysql >/dev/null 2>&1 || return 1
   fi
   own mysql "$data"
+  own mysql "$data-temporary"  # a server that starts removes what others have in a shared folder
   missing="mariadb-install-db failed"
   (as mysql "$install" --no-defaults --datadir="$data" --auth-root-authentication-method=normal \
       --skip-test-db) >"$log" 2>&1 || { cat "$log" >&2; return 1; }
@@ -132,7 +133,7 @@ start_mariadb() {
     port=$(free_port)
     (as mysql "$server" --no-defaults --datadir="$data" --bind-address=127.0.0.1 --port="$port" \
         --socket="$data/socket" --pid-file="$data/pid" --character-set-server=utf8mb4 \
-        --innodb-flush-log-at-trx-commit=0) >>"$log" 2>&1 </dev/null &
+        --tmpdir="$data-temporary" --innodb-flush-log-at-trx-commit=0) >>"$log" 2>&1 </dev/null &
     process=$!
     if wait_until "$process" "$client" --no-defaults -h 127.0.0.1 -P "$port" -u root -e 'SELECT 1'; then
       started+=("$process")

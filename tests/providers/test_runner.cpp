@@ -138,6 +138,45 @@ TEST_P(Runner, ALongAnswerIsReadInPieces) {
   EXPECT_LT(ResidentBytes(), before + (std::size_t{32} << 20));
 }
 
+// The most that this process has held since the last call.
+std::size_t PeakBytes() {
+  std::ifstream file("/proc/self/status");
+  std::size_t kilobytes = 0;
+  for (std::string line; std::getline(file, line);) {
+    if (line.starts_with("VmHWM:")) kilobytes = std::stoul(line.substr(6));
+  }
+  std::ofstream("/proc/self/clear_refs") << 5;
+  return kilobytes * 1024;
+}
+
+// 243 rows of a megabyte: neither the rows nor what a driver holds of them grows with the answer. A limit of the
+// statement's own goes before that of MariaDB's session.
+TEST_P(Runner, WideRowsAreReadWithinBounds) {
+  constexpr std::size_t kMegabyte = std::size_t{1} << 20;
+  const std::string wide = GetParam().starts_with("Sqlite") ? "printf('%.1000000c', 'x')" : "REPEAT('x', 1000000)";
+  for (const char* limit : {"", " LIMIT 240"}) {
+    if (*limit != 0 && GetParam() != "MariaDb") continue;
+    const std::unique_ptr<QueryRunner> runner = Open();
+    PeakBytes();
+    const std::size_t before = ResidentBytes();
+    Execute(*runner, Product("t0.\"Name\", " + wide + " AS w", 5) + limit);
+    std::size_t count = 0;
+    std::vector<ResultRow> rows;
+    for (bool more = true; more; count += rows.size()) {
+      rows.clear();
+      more = runner->Fetch(500, rows);
+      std::size_t bytes = 0;
+      for (const ResultRow& row : rows) bytes += BytesOf(row);
+      EXPECT_LT(bytes, QueryRunner::kBlockBytes + 2 * QueryRunner::kLongestText);
+    }
+    const std::size_t peak = (PeakBytes() - before) / kMegabyte;
+    std::cout << GetParam() << limit << ": " << count << " rows, " << peak << " MB at most\n";
+    EXPECT_LT(peak, 150u);
+    EXPECT_EQ(count < 240, runner->WasCutOff());
+    EXPECT_GE(count, 60u);
+  }
+}
+
 TEST_P(Runner, IsStoppedInTheMiddle) {
   for (const int delay : {0, 300}) {
     const std::unique_ptr<QueryRunner> runner = Open();

@@ -1,0 +1,15 @@
+#include "sql/readable_criteria.h"
+
+#include <algorithm>
+
+#include "base/error.h"
+
+namespace zrqrybld {
+
+void RequireReadableCriteria(const qbSQLPane& pane) {
+  const auto& remarks = pane.Diagnostics();
+  const auto unread = std::ranges::find(remarks, DiagnosticUnreadableCriterion, &SQLDiagnostic::kind);
+  if (unread != remarks.end()) throw Error(ErrorParsingText, "The statement is not run. " + unread->text);
+}
+
+}  // namespace zrqrybld
