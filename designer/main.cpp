@@ -26,6 +26,7 @@ QStringList Prepare(MainWindow& window, const DesignerOptions& options) {
     if (const QString error = window.LoadLanguage(options.language); !error.isEmpty()) errors += error;
   }
   if (!options.syntax.isEmpty()) window.SetSyntax(options.syntax);
+  window.SetConnectSaved(options.connectSaved);
   if (!options.database.isEmpty() || !options.connection.isEmpty()) {
     const QString error = options.connection.isEmpty() ? window.OpenDatabase(options.database)
                                                        : window.OpenConnection(options.connection.toStdString());

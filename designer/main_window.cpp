@@ -22,9 +22,12 @@
 
 #include "adapters/qt/connection_choice.h"
 #include "adapters/qt/qt_text.h"
+#include "adapters/qt/waiting_provider.h"
 #include "adapters/sqlite/sqlite_provider.h"
+#include "base/text.h"
 #include "designer/appearance.h"
 #include "designer/key_list.h"
+#include "designer/plain_box.h"
 #include "designer/recent_connections.h"
 #include "designer/window_memory.h"
 #include "hub/parameter_form.h"
@@ -41,6 +44,7 @@ constexpr double kZoomStep = 1.25;
 constexpr int kDesignerShare = 500;  // pixels, of a window of usual height
 constexpr int kPreviewShare = 200;
 constexpr int kLeastPreview = 96;
+constexpr std::size_t kShownConnection = 1000;  // characters
 
 }  // namespace
 
@@ -61,7 +65,7 @@ MainWindow::MainWindow()
   qbQueryBuilder& hub = designer_->QueryBuilder();
   hub.GetToolkit().Providers()->Register(std::make_shared<SqliteProvider>());
 #if ZRQRYBLD_HAS_ODBC
-  hub.GetToolkit().Providers()->Register(std::make_shared<OdbcProvider>());
+  hub.GetToolkit().Providers()->Register(MakeWaitingProvider(std::make_shared<OdbcProvider>()));
 #endif
   hub.SetAllowJoinProperties(true);
   // A plain tick means a plain column; grouping is a choice.
@@ -93,7 +97,7 @@ void MainWindow::MakeDocument() {
   document_ = std::make_unique<QueryDocument>(
       this, designer_->QueryBuilder(),
       QueryDocument::Window{
-          [this](const std::string& connectionString) { return TryConnection(connectionString); },
+          [this](const std::string& connectionString) { return OpenSaved(connectionString); },
           [this](const std::shared_ptr<ProviderConnection>& connection) { UseConnection(connection); },
           [this] {
             ShowSyntax();
@@ -254,7 +258,7 @@ QString MainWindow::Guarded(const std::function<void()>& command) {
   return {};
 }
 
-void MainWindow::ShowError(const QString& message) { QMessageBox::critical(this, windowTitle(), message); }
+void MainWindow::ShowError(const QString& message) { ShowPlain(this, QMessageBox::Critical, message); }
 
 // --- Database ---
 
@@ -289,8 +293,9 @@ void MainWindow::FillRecentConnections(QMenu& menu) {
   menu.clear();
   for (const RecentConnection& recent : RecentConnections()) {
     menu.addAction(SourceTitle(recent.text).replace("&", "&&"), this, [this, recent] {
-      QString error;
-      const std::shared_ptr<ProviderConnection> connection = OpenAsking(recent.text, recent.asksPassword, &error);
+      QString error = RefusalOf(recent.text);
+      std::shared_ptr<ProviderConnection> connection;
+      if (error.isEmpty()) connection = OpenAsking(recent.text, recent.asksPassword, &error);
       if (connection) error = ConnectTo(connection, true);
       if (!error.isEmpty()) ShowError(error);
     });
@@ -307,12 +312,14 @@ std::shared_ptr<ProviderConnection> MainWindow::OpenAsking(std::string connectio
   QString reason;
   while (true) {
     if (ask) {
-      bool given = false;
-      const QString label = reason.isEmpty() ? QString() : reason + "\n\n";
-      const QString password = QInputDialog::getText(
-          this, tr("Password"), label + tr("Password for %1:").arg(SourceTitle(kept)), QLineEdit::Password, {}, &given);
-      if (!given) return nullptr;
-      connectionString = WithPassword(kept, ToUtf8(password));
+      const QString before = reason.isEmpty() ? QString() : reason + "\n\n";
+      QInputDialog dialog(this);
+      dialog.setWindowTitle(tr("Password"));
+      dialog.setLabelText(before + tr("Password for %1:").arg(SourceTitle(kept)));
+      for (QLabel* label : dialog.findChildren<QLabel*>()) label->setTextFormat(Qt::PlainText);
+      dialog.setTextEchoMode(QLineEdit::Password);
+      if (dialog.exec() != QDialog::Accepted) return nullptr;
+      connectionString = WithPassword(kept, ToUtf8(dialog.textValue()));
     }
     std::shared_ptr<ProviderConnection> connection;
     reason = Guarded([&] {
@@ -324,6 +331,49 @@ std::shared_ptr<ProviderConnection> MainWindow::OpenAsking(std::string connectio
     if (!askFirst) return nullptr;
     error->clear();
   }
+}
+
+// Why a string that the user has typed or chosen is not opened; "" when nothing speaks against it. On the command line
+// of a script nobody can be asked.
+QString MainWindow::RefusalOf(const std::string& connectionString) {
+  const auto origin = recovery_ ? ConnectionOrigin::Person : ConnectionOrigin::Program;
+  const std::optional<Error> refusal = designer_->QueryBuilder().RefusalOf(connectionString, origin);
+  return refusal ? ToQString(refusal->Description()) : QString();
+}
+
+// Shows the user what a query file wants to be connected by, unless they were connected by it before.
+bool MainWindow::MayOpenSaved(const std::string& connectionString) {
+  if (connectSaved_ || WasUsed(connectionString)) return true;
+  if (!recovery_) return false;
+  QMessageBox box(QMessageBox::Question, QCoreApplication::applicationName(),
+                  tr("The query file was saved with a data source that you have not used here before. Connect to it?"),
+                  QMessageBox::NoButton, this);
+  box.setTextFormat(Qt::PlainText);
+  box.setInformativeText(ToQString(FirstCharacters(ConnectionString(connectionString).Masked(), kShownConnection)));
+  const QAbstractButton* connect = box.addButton(tr("&Connect"), QMessageBox::AcceptRole);
+  QPushButton* leave = box.addButton(tr("&Do Not Connect"), QMessageBox::RejectRole);
+  box.setDefaultButton(leave);
+  box.setEscapeButton(leave);
+  box.exec();
+  return box.clickedButton() == connect;
+}
+
+std::shared_ptr<ProviderConnection> MainWindow::OpenSaved(const std::string& connectionString) {
+  qbQueryBuilder& hub = designer_->QueryBuilder();
+  if (const auto refusal = hub.RefusalOf(connectionString, ConnectionOrigin::File)) throw *refusal;
+  if (!MayOpenSaved(connectionString)) {
+    const QString what = ToQString(ConnectionString(connectionString).Masked());
+    const QString why = recovery_ ? tr("You did not want to connect to %1")
+                                  : tr("Nobody has agreed to connect to %1; --connect-saved does");
+    throw Error(ErrorConnectionFailed, ToUtf8(why.arg(what)));
+  }
+  QString error;
+  std::shared_ptr<ProviderConnection> connection = OpenAsking(connectionString, false, &error);
+  // Files are saved without passwords. Another one helps with servers only.
+  const bool mayAsk = recovery_ && !SqliteProvider().Accepts(ConnectionString(connectionString));
+  if (!connection && mayAsk) connection = OpenAsking(connectionString, true, &error);
+  if (!connection) throw Error(ErrorConnectionFailed, ToUtf8(error));
+  return connection;
 }
 
 std::shared_ptr<ProviderConnection> MainWindow::TryConnection(const std::string& connectionString) const {
@@ -338,6 +388,7 @@ QString MainWindow::OpenConnection(const std::string& connectionString) { return
 QString MainWindow::Connect(const std::string& connectionString, bool mayAsk) {
   const BusyPointer busy(designer_->QueryBuilder().GetToolkit());
   // A source that cannot be opened must not cost the user the query at hand: try it aside first.
+  if (const QString refusal = RefusalOf(connectionString); !refusal.isEmpty()) return refusal;
   std::shared_ptr<ProviderConnection> connection;
   const QString error = Guarded([&] { connection = TryConnection(connectionString); });
   if (!error.isEmpty()) return error;
@@ -360,6 +411,7 @@ void MainWindow::UseConnection(const std::shared_ptr<ProviderConnection>& connec
   query_->SourceChanged();
   sourceName_ = SourceName(connection->ConnectionString());
   source_->setText(sourceName_);
+  NoteUsed(connection->ConnectionString());
   if (recovery_) RememberConnection(connection->ConnectionString());
 }
 
@@ -412,10 +464,10 @@ void MainWindow::AskForParameters() {
     const std::string sql = hub.SQLPane()->SQLStatement();
     const std::optional<std::vector<ParameterValue>> values = AskParameters(hub, sql);
     if (values && values->empty()) {
-      QMessageBox::information(this, windowTitle(),
-                               tr("This statement has no parameters.\n\nA criterion such as\n"
-                                  "    >= ?PARAM(From which day, 2020-01-01, FromDay, date)\n"
-                                  "asks for its value: prompt, default, name and data type."));
+      ShowPlain(this, QMessageBox::Information,
+                tr("This statement has no parameters.\n\nA criterion such as\n"
+                   "    >= ?PARAM(From which day, 2020-01-01, FromDay, date)\n"
+                   "asks for its value: prompt, default, name and data type."));
     }
   });
   if (!error.isEmpty()) ShowError(error);
@@ -538,10 +590,8 @@ bool MainWindow::Recover(Recovery::Lost& lost) {
       Guarded([&] { designer_->QueryBuilder().LoadQuery(lost.Work().query, true, true, nullptr, &connectionString); });
   std::shared_ptr<ProviderConnection> connection;
   if (unreadable.isEmpty() && !connectionString.empty()) {
-    connection = OpenAsking(connectionString, false, &remark);
-    // Another password than none helps with servers only.
-    const bool isFile = SqliteProvider().Accepts(ConnectionString(connectionString));
-    if (!connection && !isFile) connection = OpenAsking(connectionString, true, &remark);
+    NoteUsed(connectionString);  // by whoever works here: the designer itself has kept it
+    remark = Guarded([&] { connection = OpenSaved(connectionString); });
   }
   const QString error = unreadable.isEmpty() ? document_->Recover(lost.Work(), connection) : unreadable;
   if (!error.isEmpty()) {
@@ -556,9 +606,9 @@ bool MainWindow::Recover(Recovery::Lost& lost) {
   lost.Discard();
   ShowHappened(tr("Unsaved work is back"));
   if (!connection && !connectionString.empty()) {
-    QMessageBox::information(this, windowTitle(),
-                             tr("The query is back without its source, which cannot be opened. Save it, connect, and "
-                                "open it again to go on with its tables."));
+    ShowPlain(this, QMessageBox::Information,
+              tr("The query is back without its source, which cannot be opened. Save it, connect, and "
+                 "open it again to go on with its tables."));
   }
   return true;
 }

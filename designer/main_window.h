@@ -52,6 +52,9 @@ class MainWindow : public QMainWindow {
   /// The statement, with line feeds.
   QString Statement() const;
 
+  /// Query files are connected as they say, without a question. Some strings are refused all the same.
+  void SetConnectSaved(bool connect) { connectSaved_ = connect; }
+
   /// Shows a message to the user.
   void ShowError(const QString& message);
 
@@ -78,6 +81,9 @@ class MainWindow : public QMainWindow {
   void AskForDatabase();
   void AskForConnection();
   void FillRecentConnections(QMenu& menu);
+  QString RefusalOf(const std::string& connectionString);
+  bool MayOpenSaved(const std::string& connectionString);
+  std::shared_ptr<ProviderConnection> OpenSaved(const std::string& connectionString);
   std::shared_ptr<ProviderConnection> OpenAsking(std::string connectionString, bool askFirst, QString* error);
   QString ConnectTo(const std::shared_ptr<ProviderConnection>& connection, bool mayAsk);
   std::shared_ptr<ProviderConnection> TryConnection(const std::string& connectionString) const;
@@ -108,6 +114,7 @@ class MainWindow : public QMainWindow {
   std::unique_ptr<QueryPreview> query_;
   std::unique_ptr<Recovery> recovery_;  // while the designer works for a user
   QString sourceName_;
+  bool connectSaved_ = false;
   QComboBox* syntax_ = nullptr;
   QLabel* source_ = nullptr;
   QAction* undo_ = nullptr;

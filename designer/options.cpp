@@ -30,6 +30,7 @@ DesignerOptions ReadCommandLine(const QStringList& arguments) {
   parser.addPositionalArgument("file", "The query (*.zrq) or the SQLite database to open.", "[file]");
   const QCommandLineOption database("db", "The SQLite database to open.", "FILE");
   const QCommandLineOption connect("connect", "Connect with this connection string, for instance DSN=name.", "STRING");
+  const QCommandLineOption connectSaved("connect-saved", "Connect as the query file says, without a question.");
   const QCommandLineOption table("add-table", "Add a table or view; may be given several times.", "NAME");
   const QCommandLineOption tick("tick", "Tick a column; may be given several times.", "TABLE.COLUMN");
   const QCommandLineOption syntax("syntax", "Write the statement in this dialect: " + dialects.join(", ") + ".",
@@ -43,7 +44,8 @@ DesignerOptions ReadCommandLine(const QStringList& arguments) {
   const QCommandLineOption print("print-sql", "Print the statement and end.");
   const QCommandLineOption screenshot("screenshot", "Save a picture of the window and end.", "FILE");
   const QCommandLineOption measure("measure-start", "Say how long it took until the window could be used, and end.");
-  parser.addOptions({database, connect, table, tick, syntax, language, theme, parse, save, print, screenshot, measure});
+  parser.addOptions(
+      {database, connect, connectSaved, table, tick, syntax, language, theme, parse, save, print, screenshot, measure});
   if (!parser.parse(arguments)) EndWithUsageError(parser.errorText());
   if (parser.isSet("help")) parser.showHelp(0);
   if (parser.isSet("version")) parser.showVersion();
@@ -57,6 +59,7 @@ DesignerOptions ReadCommandLine(const QStringList& arguments) {
   options.database = files.isEmpty() || hasQuery ? parser.value(database) : files.first();
   options.save = parser.value(save);
   options.connection = parser.value(connect);
+  options.connectSaved = parser.isSet(connectSaved);
   options.tables = parser.values(table);
   options.ticks = parser.values(tick);
   options.language = parser.value(language);

@@ -10,13 +10,14 @@ struct DesignerOptions {
   QString query;  ///< a query file, which brings its own connection
   QString save;   ///< the file to save the query to; empty for none
   QString database;
-  QString connection;  ///< a connection string, instead of a database file
-  QStringList tables;  ///< to add, in this order
-  QStringList ticks;   ///< TABLE.COLUMN, in this order
-  QString language;    ///< a language file; empty for the built-in captions
-  QString syntax;      ///< a dialect's name; empty for the first one
-  QString theme;       ///< a theme's key; empty for the one chosen last
-  QString parseSql;    ///< a file with a statement to begin with; empty for none
+  QString connection;         ///< a connection string, instead of a database file
+  QStringList tables;         ///< to add, in this order
+  QStringList ticks;          ///< TABLE.COLUMN, in this order
+  QString language;           ///< a language file; empty for the built-in captions
+  QString syntax;             ///< a dialect's name; empty for the first one
+  QString theme;              ///< a theme's key; empty for the one chosen last
+  QString parseSql;           ///< a file with a statement to begin with; empty for none
+  bool connectSaved = false;  ///< connect as the query file says
   bool printSql = false;
   bool measureStart = false;  ///< say how long the start took and end
   QString screenshot;         ///< the picture file; empty for none

@@ -1,6 +1,7 @@
 #include "designer/preview_pane.h"
 
 #include <QAccessible>
+#include <QAction>
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QEvent>
@@ -12,6 +13,7 @@
 #include <QLocale>
 #include <QMenu>
 #include <QPlainTextEdit>
+#include <QSettings>
 #include <QShortcut>
 #include <QTableView>
 #include <QToolButton>
@@ -28,6 +30,7 @@ namespace zrqrybld {
 namespace {
 
 constexpr int kSpacing = 8;
+constexpr auto kFormulasAsTextKey = "preview/formulasAsText";
 constexpr int kMessageLines = 3;
 constexpr int kWidestColumn = 32;  // in average characters
 constexpr int kRowAir = 6;         // pixels around a row's text
@@ -303,7 +306,9 @@ void PreviewPane::FitColumns() {
 
 void PreviewPane::Copy(bool withNames) {
   const QItemSelection selection = table_->selectionModel()->selection();
-  if (!selection.isEmpty()) QGuiApplication::clipboard()->setText(model_->SelectedText(selection, withNames));
+  const bool formulasAsText = QSettings().value(kFormulasAsTextKey, true).toBool();
+  if (selection.isEmpty()) return;
+  QGuiApplication::clipboard()->setText(model_->SelectedText(selection, withNames, formulasAsText));
 }
 
 void PreviewPane::ShowMenu(const QPoint& place) {
@@ -313,6 +318,10 @@ void PreviewPane::ShowMenu(const QPoint& place) {
   menu.addAction(tr("Copy with Column &Names"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C), this,
                  [this] { Copy(true); })
       ->setEnabled(any);
+  QAction* formulas = menu.addAction(tr("Copy &Formulas as Text"), this,
+                                     [](bool asText) { QSettings().setValue(kFormulasAsTextKey, asText); });
+  formulas->setCheckable(true);
+  formulas->setChecked(QSettings().value(kFormulasAsTextKey, true).toBool());
   menu.addAction(tr("Select &All"), QKeySequence::SelectAll, table_, &QTableView::selectAll)
       ->setEnabled(model_->RowsHeld() > 0);
   menu.exec(table_->viewport()->mapToGlobal(place));

@@ -11,6 +11,7 @@
 #include "adapters/qt/qt_text.h"
 #include "base/error.h"
 #include "base/file.h"
+#include "designer/plain_box.h"
 #include "designer/recent_connections.h"
 #include "hub/query_file_reader.h"
 #include "platform/connection_string.h"
@@ -169,20 +170,20 @@ void QueryDocument::AskAndOpen(const QString& file) {
   if (chosen.isEmpty()) return;
   QString remark;
   const QString error = Open(chosen, &remark);
-  if (!error.isEmpty()) QMessageBox::critical(parent_, QCoreApplication::applicationName(), error);
-  if (!remark.isEmpty()) QMessageBox::information(parent_, QCoreApplication::applicationName(), remark);
+  if (!error.isEmpty()) ShowPlain(parent_, QMessageBox::Critical, error);
+  if (!remark.isEmpty()) ShowPlain(parent_, QMessageBox::Information, remark);
 }
 
 // The connection in use serves where the saved one cannot be opened: files move between machines, databases do not.
 std::shared_ptr<ProviderConnection> QueryDocument::TryConnection(const std::string& connectionString, QString* remark) {
   if (connectionString.empty()) return nullptr;
   try {
-    return window_.tryConnection(connectionString);
+    return window_.openSaved(connectionString);
   } catch (const std::exception& error) {
     if (!hub_.IsConnected()) throw;
     if (remark) {
-      *remark = tr("The saved connection cannot be opened, so the query uses the one in use: %1")
-                    .arg(ToQString(error.what()));
+      *remark =
+          tr("The saved connection is not opened, so the query uses the one in use: %1").arg(ToQString(error.what()));
     }
     return nullptr;
   }
@@ -226,7 +227,7 @@ bool QueryDocument::Save() {
   if (file_.isEmpty()) return AskAndSave();
   AskAboutPassword();
   const QString error = SaveAs(file_);
-  if (!error.isEmpty()) QMessageBox::critical(parent_, QCoreApplication::applicationName(), error);
+  if (!error.isEmpty()) ShowPlain(parent_, QMessageBox::Critical, error);
   return error.isEmpty();
 }
 
@@ -238,19 +239,19 @@ bool QueryDocument::AskAndSave() {
   if (dialog.exec() != QDialog::Accepted) return false;
   AskAboutPassword();
   const QString error = SaveAs(dialog.selectedFiles().first());
-  if (!error.isEmpty()) QMessageBox::critical(parent_, QCoreApplication::applicationName(), error);
+  if (!error.isEmpty()) ShowPlain(parent_, QMessageBox::Critical, error);
   return error.isEmpty();
 }
 
 // A password goes into a file only when the user says so, once for each connection.
 void QueryDocument::AskAboutPassword() {
   const std::string connectionString = hub_.Connection()->ConnectionString();
-  if (ConnectionString(connectionString).WithoutPassword() == connectionString) return;
+  if (!ConnectionString(connectionString).HoldsSecret()) return;
   if (std::exchange(askedAboutPassword_, connectionString) == connectionString) return;
-  const auto answer = QMessageBox::question(
-      parent_, QCoreApplication::applicationName(),
-      tr("Save the connection's password in the file? Everybody who can read the file can read it there."),
-      QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
+  const auto answer =
+      ShowPlain(parent_, QMessageBox::Question,
+                tr("Save the connection's password in the file? Everybody who can read the file can read it there."),
+                QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
   hub_.SetSavePassword(answer == QMessageBox::Yes);
 }
 

@@ -27,8 +27,8 @@ class QueryDocument {
  public:
   /// What the window does for its document.
   struct Window {
-    /// Opens a source aside; an exception when that fails.
-    std::function<std::shared_ptr<ProviderConnection>(const std::string& connectionString)> tryConnection;
+    /// Opens the source of a query file aside; an exception when that fails, or when it may not be opened.
+    std::function<std::shared_ptr<ProviderConnection>(const std::string& connectionString)> openSaved;
     /// Another source is in use.
     std::function<void(const std::shared_ptr<ProviderConnection>& connection)> useConnection;
     /// The document has another name, or the query was replaced.

@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QSettings>
+#include <QStringList>
 #include <algorithm>
 #include <optional>
 
@@ -19,15 +20,12 @@ constexpr auto kGroup = "recentConnections";
 constexpr auto kTextKey = "source";
 constexpr auto kAsksKey = "asksPassword";
 
-constexpr std::string_view kSecretWords[] = {"token", "secret", "passphrase", "accesskey", "apikey"};
 constexpr int kDeepest = 4;  // strings within strings
 
-// Whether a part, or one of a string within it, is named like a secret.
+// Whether a part, or one of a string within it, is another secret than a password: nobody could be asked for it again.
 bool HoldsSecret(const ConnectionString& connectionString, int layers) {
   return std::ranges::any_of(connectionString.Parts(), [layers](const auto& part) {
-    const std::string name = ReplaceAll(ReplaceAll(part.first, " ", ""), "_", "");
-    const bool named = std::ranges::any_of(
-        kSecretWords, [&](std::string_view word) { return FindNoCase(name, word) != std::string::npos; });
+    const bool named = ConnectionString::IsSecretKey(part.first) && !ConnectionString::IsPasswordKey(part.first);
     const bool nested = layers > 0 && part.second.find('=') != std::string::npos;
     return named || (nested && HoldsSecret(ConnectionString(part.second), layers - 1));
   });
@@ -81,6 +79,32 @@ QList<RecentConnection> RecentConnections() {
 
 bool MayHoldSecret(const std::string& connectionString) {
   return HoldsSecret(ConnectionString(connectionString), kDeepest);
+}
+
+namespace {
+
+// In the form in which the settings keep it.
+std::string Kept(const std::string& connectionString) {
+  return WithWholePaths(ConnectionString(connectionString)).WithoutPassword();
+}
+
+QStringList& UsedNow() {
+  static QStringList used;
+  return used;
+}
+
+}  // namespace
+
+bool WasUsed(const std::string& connectionString) {
+  const std::string kept = Kept(connectionString);
+  const QList<RecentConnection> recent = RecentConnections();
+  return UsedNow().contains(ToQString(kept)) ||
+         std::ranges::any_of(recent, [&](const RecentConnection& connection) { return connection.text == kept; });
+}
+
+void NoteUsed(const std::string& connectionString) {
+  const QString kept = ToQString(Kept(connectionString));
+  if (!UsedNow().contains(kept)) UsedNow().append(kept);
 }
 
 void RememberConnection(const std::string& connectionString) {

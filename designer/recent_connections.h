@@ -18,6 +18,12 @@ QList<RecentConnection> RecentConnections();
 /// Whether the string may hold another secret than a password, such as a token, also in a string within it.
 bool MayHoldSecret(const std::string& connectionString);
 
+/// Whether the user has been connected by this string before, as far as is remembered; its secrets do not count.
+bool WasUsed(const std::string& connectionString);
+
+/// Counts the string as used as long as the program runs.
+void NoteUsed(const std::string& connectionString);
+
 /// Puts a source in front of the others. One that may hold a secret is not kept at all.
 void RememberConnection(const std::string& connectionString);
 

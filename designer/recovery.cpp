@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "adapters/qt/qt_text.h"
+#include "adapters/qt/waiting_provider.h"
 
 namespace zrqrybld {
 namespace {
@@ -94,6 +95,10 @@ void Recovery::Changed() {
 void Recovery::Keep() {
   soon_.stop();
   if (path_.isEmpty()) return;
+  if (IsWaitingForSource()) {  // half a query is no work to keep
+    soon_.start();
+    return;
+  }
   const std::optional<KeptWork> work = work_();
   if (!work) {
     Remove();

@@ -31,6 +31,12 @@ QString InCell(const QString& text) {
   return plain ? text : '"' + QString(text).replace('"', QLatin1String("\"\"")) + '"';
 }
 
+// A spreadsheet would work out what begins like this; behind an apostrophe it is a text to all of them.
+QString AsText(const QString& text) {
+  constexpr QLatin1String kFormula("=+-@\t\r\n");
+  return !text.isEmpty() && kFormula.contains(text.front()) ? QLatin1Char('\'') + text : text;
+}
+
 }  // namespace
 
 ResultModel::ResultModel(QObject* parent) : QAbstractTableModel(parent) {}
@@ -126,7 +132,7 @@ void ResultModel::fetchMore(const QModelIndex& parent) {
   want_();
 }
 
-QString ResultModel::SelectedText(const QItemSelection& selection, bool withNames) const {
+QString ResultModel::SelectedText(const QItemSelection& selection, bool withNames, bool formulasAsText) const {
   std::set<int> rows;
   std::set<int> columns;
   for (const QItemSelectionRange& range : selection) {
@@ -142,11 +148,18 @@ QString ResultModel::SelectedText(const QItemSelection& selection, bool withName
     }
     text += '\n';
   };
-  if (withNames) line([this](int column) { return names_[static_cast<std::size_t>(column)]; });
+  if (withNames) {
+    line([&](int column) {
+      const QString& name = names_[static_cast<std::size_t>(column)];
+      return formulasAsText ? AsText(name) : name;
+    });
+  }
   for (const int row : rows) {
     line([&](int column) {
       if (!whole && !selection.contains(index(row, column))) return QString();
-      return ToQString(rows_[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)].text);
+      const ResultValue& value = rows_[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)];
+      const QString shown = ToQString(value.text);
+      return formulasAsText && value.kind != ResultKind::Number ? AsText(shown) : shown;
     });
   }
   return text;

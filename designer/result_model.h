@@ -43,8 +43,9 @@ class ResultModel : public QAbstractTableModel {
   bool IsFull() const { return rows_.size() >= kMostRows || bytes_ >= kMostBytes; }
 
   /// The selected values, columns separated by tabs, rows by line feeds; NULL is empty. A value with a tab, a line
-  /// break or a quote stands in quotes. What lies between several selected pieces is empty.
-  QString SelectedText(const QItemSelection& selection, bool withNames) const;
+  /// break or a quote stands in quotes. What lies between several selected pieces is empty. With `formulasAsText` a
+  /// text that a spreadsheet would take for a formula gets an apostrophe in front.
+  QString SelectedText(const QItemSelection& selection, bool withNames, bool formulasAsText) const;
 
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;

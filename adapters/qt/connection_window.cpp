@@ -26,6 +26,7 @@
 #include <utility>
 
 #include "adapters/qt/name_list.h"
+#include "adapters/qt/plain_tip.h"
 #include "adapters/qt/qt_text.h"
 #include "adapters/qt/theme.h"
 
@@ -176,7 +177,7 @@ QWidget* ConnectionWindow::MakeFilePage() {
   for (const QString& path : RecentFiles()) {
     auto* item = new QListWidgetItem(QDir::toNativeSeparators(path), recent_);
     item->setData(Qt::UserRole, path);
-    item->setToolTip(QDir::toNativeSeparators(path));
+    item->setToolTip(PlainTip(QDir::toNativeSeparators(path)));
   }
 
   auto* page = new QWidget;

@@ -15,6 +15,7 @@
 #include <QToolTip>
 
 #include "adapters/qt/access_events.h"
+#include "adapters/qt/plain_tip.h"
 #include "adapters/qt/qt_canvas.h"
 #include "adapters/qt/qt_editors.h"
 #include "adapters/qt/qt_geometry.h"
@@ -354,8 +355,7 @@ void ControlWidget::ShowToolTip(const QPoint& position, const QPoint& globalPosi
     QToolTip::hideText();
     return;
   }
-  // A name such as "<b>" is a name, not markup.
-  QToolTip::showText(globalPosition, Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text, viewport());
+  QToolTip::showText(globalPosition, PlainTip(text), viewport());
 }
 
 // --- Keyboard and focus ---

@@ -15,6 +15,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "adapters/qt/plain_tip.h"
 #include "adapters/qt/predictive_text.h"
 #include "adapters/qt/qt_text.h"
 #include "adapters/qt/qt_text_area.h"
@@ -121,12 +122,12 @@ QWidget* ExpressionWindow::MakeTools() {
   insert->setText(tr("Insert"));
   insert->setIcon(style()->standardIcon(QStyle::SP_ArrowUp));
   insert->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-  insert->setToolTip(ToQString(builder_->InsertToolTip()));
+  insert->setToolTip(PlainTip(ToQString(builder_->InsertToolTip())));
   auto* clear = new QToolButton;
   clear->setText(tr("Clear"));
   clear->setIcon(style()->standardIcon(QStyle::SP_LineEditClearButton));
   clear->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-  clear->setToolTip(ToQString(builder_->ClearToolTip()));
+  clear->setToolTip(PlainTip(ToQString(builder_->ClearToolTip())));
   connect(insert, &QToolButton::clicked, this, &ExpressionWindow::Insert);
   connect(clear, &QToolButton::clicked, this, [this] {
     QTextCursor all(editor_->document());  // one step that can be undone

@@ -14,6 +14,7 @@
 #include <array>
 
 #include "adapters/qt/mark.h"
+#include "adapters/qt/plain_tip.h"
 #include "adapters/qt/qt_text.h"
 #include "adapters/qt/theme.h"
 
@@ -55,7 +56,7 @@ void FitCheckBox(QCheckBox& box, int width) {
   QString whole = box.text();
   whole.replace(QRegularExpression(QStringLiteral("&(.)")), QStringLiteral("\\1"));
   box.setAccessibleName(whole);
-  box.setToolTip(whole.toHtmlEscaped());
+  box.setToolTip(PlainTip(whole));
   box.setText(fitting);
 }
 

@@ -102,6 +102,7 @@ ParametersWindow::ParametersWindow(const ParametersDialog& dialog, QWidget* pare
   statement_->setLineWrapMode(QPlainTextEdit::WidgetWidth);
   statement_->setMinimumHeight(fontMetrics().lineSpacing() * kStatementLines / 2);
   auto* statementLabel = new QLabel(ToQString(dialog_.statementLabel));
+  statementLabel->setTextFormat(Qt::PlainText);
   statementLabel->setBuddy(statement_);
   statement_->setAccessibleName(ToQString(dialog_.statementLabel).remove(QLatin1Char('&')));
 

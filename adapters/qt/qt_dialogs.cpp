@@ -43,6 +43,14 @@ void QtDialogs::ShowMessage(std::string_view text, MessageIcon icon) {
   box.exec();
 }
 
+bool QtDialogs::Confirm(std::string_view question) {
+  QMessageBox box(QMessageBox::Warning, QGuiApplication::applicationDisplayName(), ToQString(question),
+                  QMessageBox::Yes | QMessageBox::No, ParentForDialog());
+  box.setTextFormat(Qt::PlainText);
+  box.setDefaultButton(QMessageBox::No);
+  return box.exec() == QMessageBox::Yes;
+}
+
 void QtDialogs::ShowMessageSoon(std::string_view text, MessageIcon icon) {
   QTimer::singleShot(0, &soon_, [this, text = std::string(text), icon] { ShowWhenReleased(text, icon); });
 }

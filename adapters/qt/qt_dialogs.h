@@ -25,6 +25,7 @@ class QtDialogs final : public Dialogs {
   bool ShowExpression(ExpressionDialog& dialog) override;
   std::string ShowConnectionPrompt(const ConnectionDialog& dialog) override;
   std::string ShowSaveFile(const SaveFileDialog& dialog) override;
+  bool Confirm(std::string_view question) override;
   std::optional<std::string> ShowTextPrompt(const TextDialog& dialog) override;
   bool ShowParameters(ParametersDialog& dialog) override;
 

@@ -19,6 +19,7 @@
 
 #include "adapters/qt/announcer.h"
 #include "adapters/qt/find_bar.h"
+#include "adapters/qt/plain_tip.h"
 #include "adapters/qt/qt_input.h"
 #include "adapters/qt/qt_text.h"
 #include "base/text.h"
@@ -117,7 +118,7 @@ class QtTextArea::RemarkLine final : public QWidget {
   void SetRemarks(const std::vector<std::string>& remarks) {
     remarks_.clear();
     for (const std::string& remark : remarks) remarks_.push_back(ToQString(remark));
-    setToolTip(remarks_.join(QLatin1Char('\n')).toHtmlEscaped().replace(QLatin1Char('\n'), QStringLiteral("<br>")));
+    setToolTip(PlainTip(remarks_.join(QLatin1Char('\n'))));
     setAccessibleName(remarks_.join(QLatin1Char(' ')));
     setVisible(!remarks_.isEmpty());
     update();

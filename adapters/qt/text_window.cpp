@@ -16,6 +16,7 @@ TextWindow::TextWindow(const TextDialog& dialog, QWidget* parent)
     : QDialog(parent), dialog_(dialog), line_(new QLineEdit), mark_(new Mark), problem_(new QLabel) {
   setWindowTitle(ToQString(dialog_.caption));
   auto* label = new QLabel(ToQString(dialog_.label));
+  label->setTextFormat(Qt::PlainText);
   label->setBuddy(line_);
   constexpr int kCharacters = 44;
   line_->setMinimumWidth(fontMetrics().averageCharWidth() * kCharacters);

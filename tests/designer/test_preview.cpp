@@ -101,7 +101,8 @@ TEST_F(Preview, ShowsRowsByTheirKindsAndReadsOnWhileScrolling) {
   window.TickColumn("Order.Freight");
   EXPECT_TRUE(Pane().Summary().contains("changed since")) << Utf8(Pane().Summary());
 
-  const test::DatabaseFile file("CREATE TABLE t (a, \"b\tc\"); INSERT INTO t VALUES (NULL, 'x\ty'), (2, x'00')");
+  const test::DatabaseFile file(
+      "CREATE TABLE t (a, \"b\tc\"); INSERT INTO t VALUES (NULL, 'x\ty'), (2, x'00'), ('=1+1', -3)");
   RunDirectly("SELECT * FROM t", "Data Source=" + file.Path());
   ASSERT_TRUE(Ends());
   EXPECT_EQ(Cell(0, 0) + Cell(0, 1) + Cell(1, 1), "NULLx y1 byte  0x00");
@@ -112,7 +113,7 @@ TEST_F(Preview, ShowsRowsByTheirKindsAndReadsOnWhileScrolling) {
   Pane().TakeFocus();
   Pane().Table().selectAll();
   QTest::keyClick(&Pane().Table(), Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
-  EXPECT_EQ(Utf8(QApplication::clipboard()->text()), "a\t\"b\tc\"\n\t\"x\ty\"\n2\t1 byte  0x00\n");
+  EXPECT_EQ(Utf8(QApplication::clipboard()->text()), "a\t\"b\tc\"\n\t\"x\ty\"\n2\t1 byte  0x00\n'=1+1\t-3\n");
   Pane().Table().setCurrentIndex(Pane().Table().model()->index(1, 0));
   QTest::keyClick(&Pane().Table(), Qt::Key_C, Qt::ControlModifier);
   EXPECT_EQ(Utf8(QApplication::clipboard()->text()), "2\n");

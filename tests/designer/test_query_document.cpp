@@ -103,5 +103,51 @@ TEST_F(QueryDocumentTest, WhatCannotBeOpenedOrSavedCostsNothing) {
   EXPECT_NE(unconnected.Document().Open(File("elsewhere.zrq")), QString());
 }
 
+// A string that came with a file is shown, without its secrets and as it stands, and opened when the user says so; one
+// that was used before is not asked for again, and one that could run something never.
+TEST_F(QueryDocumentTest, AFilesConnectionIsShownBeforeItIsOpened) {
+  qputenv("XDG_DATA_HOME", folder.path().toUtf8());
+  const QString copy = File("copy<b>.db");
+  ASSERT_TRUE(QFile::copy(ZRQRYBLD_SAMPLE_DB, copy));
+  const auto write = [&](const char* name, const QString& connection) {
+    QFile file(File(name));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(
+        ("ConnectionString=" + connection + "\r\nBegin Entity\r\nTagVariant=Products\r\nEnd Entity\r\n").toUtf8());
+  };
+  write("strange.zrq", "Provider=SQLite;Data Source=" + copy + ";Token=s3cret");
+  write("evil.zrq", "Driver=/tmp/libevil.so;Server=<b>x</b>");
+  MainWindow script;
+  EXPECT_TRUE(script.Document().Open(File("strange.zrq")).contains("--connect-saved"));
+  MainWindow user;
+  user.BeginSession();
+  int asked = 0;
+  const auto open = [&](const char* name, QMessageBox::ButtonRole answer) {
+    WhenOpen<QMessageBox>([&](QMessageBox& box) {
+      ++asked;
+      EXPECT_EQ(box.textFormat(), Qt::PlainText);
+      EXPECT_TRUE(box.informativeText().contains("copy<b>.db;Token=***")) << test::Utf8(box.informativeText());
+      for (QAbstractButton* button : box.buttons()) {
+        if (box.buttonRole(button) == answer) return button->click();
+      }
+    });
+    return user.Document().Open(File(name));
+  };
+  EXPECT_NE(open("strange.zrq", QMessageBox::RejectRole), QString());
+  EXPECT_EQ(open("strange.zrq", QMessageBox::AcceptRole), QString());
+  EXPECT_EQ(asked, 2);
+  EXPECT_EQ(user.Document().Open(File("strange.zrq")), QString()) << "asked again";
+  MainWindow other;
+  other.BeginSession();
+  EXPECT_TRUE(other.Document().Open(File("evil.zrq")).contains("configured on this computer"));
+  script.SetConnectSaved(true);
+  EXPECT_TRUE(script.Document().Open(File("evil.zrq")).contains("configured on this computer"));
+  WhenOpen<QMessageBox>([](QMessageBox& box) {
+    EXPECT_EQ(box.textFormat(), Qt::PlainText);
+    box.accept();
+  });
+  other.ShowError("<img src=x>");
+}
+
 }  // namespace
 }  // namespace zrqrybld
