@@ -21,7 +21,10 @@ bool SaveQueryTo(Hub& hub, Variant& filename, const Variant& returnData) {
 
 bool LoadQueryFrom(Hub& hub, const std::string& filename, const Variant& fileIsData, const Variant& parametersOnly,
                    Variant& sqlStatement, Variant& connectionString) {
-  std::string statement, connection;
+  // What the file does not have stays as it was given.
+  const auto given = [](const Variant& result) { return result.IsMissing() ? std::string() : result.Text(); };
+  std::string statement = given(sqlStatement);
+  std::string connection = given(connectionString);
   const bool result = hub.LoadQuery(filename, IsTrue(fileIsData), IsTrue(parametersOnly), &statement, &connection);
   sqlStatement = std::move(statement);
   connectionString = std::move(connection);
@@ -72,6 +75,7 @@ constexpr Member kQueryBuilder[] = {
     ReadOnly<Hub, &LastErrorText>("LastErrorText"),
     Method<Hub, &Hub::CancelOperation>("CancelOperation"),
     Raised<Hub, &Hub::BeforeConnect>("BeforeConnect", "ConnectionString, FromFile, Cancel"),
+    ReadOnly<Hub, &Hub::LoadRemarks>("LoadRemarks"),
     ReadWrite<Hub, &Hub::SavePassword, &Hub::SetSavePassword>("SavePassword"),
     Method<Hub, &Hub::AskParameters>("AskParameters", "SQL"),
     Method<Hub, &Hub::QuoteIdentifier>("QuoteIdentifier", "Name"),

@@ -182,6 +182,7 @@ Ref<Image> ToolkitObject::CreateImage(std::int32_t width, std::int32_t height, c
 
 ToolkitObject::ToolkitObject() : services_(std::make_shared<ScriptedToolkit>(*this)) {
   RegisterProviders(*services_->Providers());
+  UseSystemFiles(*services_);
 }
 
 const Ref<ToolkitObject>& ToolkitObject::Instance() {

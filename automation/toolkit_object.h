@@ -271,5 +271,7 @@ class ToolkitObject final : public Object {
 /// Registers the data source providers that this build of the library has: defined beside the adapters, which this
 /// room does not know.
 void RegisterProviders(ProviderList& providers);
+/// Has the toolkit write files as the system keeps them; defined there, too.
+void UseSystemFiles(Toolkit& toolkit);
 
 }  // namespace zrqrybld

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <functional>
-#include <iterator>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -92,13 +91,16 @@ class Event {
     int raising = 0;
 
     // Removes dead entries. What their listeners hold is destroyed when the list is whole again: a
-    // destructor may use the event.
-    void Sweep() {
-      const auto dead =
-          std::stable_partition(entries.begin(), entries.end(), [](const auto& entry) { return *entry->alive; });
-      const std::vector<std::shared_ptr<Entry>> gone(std::make_move_iterator(dead),
-                                                     std::make_move_iterator(entries.end()));
-      entries.erase(dead, entries.end());
+    // destructor may use the event. What it leaves behind the dead ones keeps those for the next time.
+    // It runs where nothing may be thrown, so it needs no memory.
+    void Sweep() noexcept {
+      const auto isAlive = [](const std::shared_ptr<Entry>& entry) { return *entry->alive; };
+      if (std::ranges::all_of(entries, isAlive)) return;
+      std::stable_partition(entries.begin(), entries.end(), isAlive);
+      while (!entries.empty() && !isAlive(entries.back())) {
+        const std::shared_ptr<Entry> gone = std::move(entries.back());
+        entries.pop_back();
+      }
     }
   };
   // Sweeps, but only when no raise is walking the list by index.

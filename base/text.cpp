@@ -234,6 +234,15 @@ std::vector<std::string_view> SplitOutsideQuotes(std::string_view text, std::str
   return pieces;
 }
 
+bool IsUtf8(std::string_view text) {
+  if (IsAscii(text)) return true;
+  for (std::size_t position = 0; position < text.size();) {
+    const std::size_t before = position;
+    if (DecodeUtf8(text, position) == 0xFFFD && position == before + 1) return false;
+  }
+  return true;
+}
+
 char32_t DecodeUtf8(std::string_view text, std::size_t& position) {
   constexpr char32_t kReplacement = 0xFFFD;
   const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };

@@ -73,6 +73,9 @@ std::string_view FirstCharacters(std::string_view text, std::size_t count);
 /// yield U+FFFD, one at a time.
 char32_t DecodeUtf8(std::string_view text, std::size_t& position);
 
+/// Whether all bytes are UTF-8.
+bool IsUtf8(std::string_view text);
+
 /// Appends one character.
 void AppendUtf8(std::string& text, char32_t character);
 

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <optional>
 
+#include "adapters/files/system_files.h"
 #include "automation/toolkit_object.h"
 #include "base/file.h"
 #include "base/text.h"
@@ -26,6 +27,7 @@ constexpr std::size_t kLargestFile = 64u << 20;
 Ref<qbQueryBuilder> MakeDesigner() {
   Ref<qbQueryBuilder> hub = qbQueryBuilder::Create();
   RegisterProviders(*hub->GetToolkit().Providers());
+  UseSystemFiles(hub->GetToolkit());
   hub->SetDiagramPane(qbDiagramPane::Create());
   hub->SetGridPane(qbGridPane::Create());
   hub->SetSQLPane(qbSQLPane::Create());
@@ -55,6 +57,12 @@ bool IsQueryFile(std::string_view text) {
   if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
   constexpr std::string_view kBegin = "Version=";
   return EqualsNoCase(text.substr(0, kBegin.size()), kBegin);
+}
+
+// What was not read is not in what comes out either, and a pipeline has nobody to ask.
+void RefuseIncomplete(const qbQueryBuilder& hub) {
+  if (hub.LoadRemarks().empty()) return;
+  throw Error(ErrorLoadingQuery, "The query file is not read completely: " + hub.LoadRemarks().front());
 }
 
 // --- Problems
@@ -144,7 +152,7 @@ Outcome TranslateFiles(const CommandOptions& options, std::ostream& errors) {
       const std::string translated = Translate(hub, options, text);
       if (intoFolder) {
         const auto name = std::filesystem::path(file).filename();
-        WriteWholeFile((std::filesystem::path(options.output) / name).string(), translated + '\n');
+        WriteWholeFile((std::filesystem::path(options.output) / name).string(), translated + '\n', hub->GetToolkit().Files());
       } else if (options.files.size() > 1) {
         outcome.text += "-- " + file + '\n' + translated + "\n\n";
       } else {
@@ -172,6 +180,7 @@ Ref<qbQueryBuilder> LoadFile(const CommandOptions& options, std::string* stateme
   const Ref<qbQueryBuilder> hub = MakeDesigner();
   Connect(*hub, options.connectionString);
   hub->LoadQuery(text, true, false, statement);
+  RefuseIncomplete(*hub);
   return hub;
 }
 
@@ -232,6 +241,7 @@ std::optional<Problem> CheckFile(const CommandOptions& options, const std::strin
     Connect(*hub, options.connectionString);
     if (IsQueryFile(text)) {
       hub->LoadQuery(text, true);
+      RefuseIncomplete(*hub);
       RequireReadableCriteria(*hub->SQLPane());
     } else if (options.connectionString.empty()) {
       ParseSelect(text);
@@ -295,7 +305,7 @@ int RunCommand(const CommandOptions& options, std::ostream& out, std::ostream& e
     out << outcome.text << std::flush;
     if (!out) throw Error(ErrorFileAccess, "The standard output cannot be written.");
   } else {
-    WriteWholeFile(options.output, outcome.text);
+    WriteWholeFile(options.output, outcome.text, *SystemFiles());
   }
   return outcome.failed ? 1 : 0;
 }

@@ -569,6 +569,10 @@ void MainWindow::BeginSession() {
 bool MainWindow::OfferLostWork() {
   std::optional<Recovery::Lost> lost = Recovery::FindLost();
   if (!lost) return false;
+  if (!lost->IsReadable()) {
+    OfferToPutAside(*lost, {});
+    return false;
+  }
   const QString name = lost->Work().file.isEmpty() ? tr("A query that was never saved") : lost->Work().file;
   QMessageBox box(QMessageBox::Question, QCoreApplication::applicationName(),
                   tr("The designer has ended unexpectedly with unsaved work. Bring it back?"), QMessageBox::NoButton,
@@ -595,7 +599,7 @@ bool MainWindow::Recover(Recovery::Lost& lost) {
   }
   const QString error = unreadable.isEmpty() ? document_->Recover(lost.Work(), connection) : unreadable;
   if (!error.isEmpty()) {
-    ShowError(error);
+    OfferToPutAside(lost, error);
     return false;
   }
   if (!lost.Work().typed.empty()) {
@@ -611,6 +615,26 @@ bool MainWindow::Recover(Recovery::Lost& lost) {
                  "open it again to go on with its tables."));
   }
   return true;
+}
+
+// What cannot be brought back may still be of use to somebody who reads the file; nothing removes it unasked.
+void MainWindow::OfferToPutAside(Recovery::Lost& lost, const QString& reason) {
+  QMessageBox box(QMessageBox::Warning, QCoreApplication::applicationName(),
+                  tr("Unsaved work of an earlier session cannot be brought back."), QMessageBox::NoButton, this);
+  box.setTextFormat(Qt::PlainText);
+  const QString file = tr("It is in %1, changed on %2.")
+                           .arg(QDir::toNativeSeparators(lost.Path()),
+                                QLocale().toString(lost.Time(), QLocale::ShortFormat));
+  box.setInformativeText(reason.isEmpty() ? file : file + "\n" + reason);
+  const QAbstractButton* aside = box.addButton(tr("&Put Aside"), QMessageBox::AcceptRole);
+  const QAbstractButton* discard = box.addButton(tr("&Delete It"), QMessageBox::DestructiveRole);
+  box.setEscapeButton(box.addButton(tr("Ask &Later"), QMessageBox::RejectRole));
+  box.exec();
+  if (box.clickedButton() == discard) lost.Discard();
+  if (box.clickedButton() != aside) return;
+  const QString kept = lost.PutAside();
+  ShowHappened(kept.isEmpty() ? tr("The file cannot be put aside")
+                              : tr("The file is now %1").arg(QDir::toNativeSeparators(kept)));
 }
 
 // --- Help ---

@@ -95,6 +95,7 @@ class MainWindow : public QMainWindow {
   void ShowAbout();
   void ShowKeys();
   bool Recover(Recovery::Lost& lost);
+  void OfferToPutAside(Recovery::Lost& lost, const QString& reason);
   /// Says in the status line what has happened last.
   void ShowHappened(const QString& text);
   void PickTables();

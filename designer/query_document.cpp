@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QSettings>
 #include <utility>
 
@@ -68,6 +69,7 @@ void QueryDocument::Clear() {
 void QueryDocument::Reset() {
   Clear();
   file_.clear();
+  readInPart_ = false;
   hub_.ClearHistory();
   MarkUnmodified();
   window_.changed();
@@ -150,6 +152,7 @@ QString QueryDocument::Recover(const KeptWork& work, const std::shared_ptr<Provi
     return ToQString(error.what());
   }
   file_ = work.file;
+  readInPart_ = false;
   hub_.ClearHistory();
   saved_.clear();
   window_.changed();
@@ -189,6 +192,18 @@ std::shared_ptr<ProviderConnection> QueryDocument::TryConnection(const std::stri
   }
 }
 
+// What the file holds and the query does not; "" when that is nothing.
+QString QueryDocument::PassedOver() const {
+  constexpr std::size_t kShown = 10;
+  const std::vector<std::string>& remarks = hub_.LoadRemarks();
+  QStringList lines;
+  for (std::size_t i = 0; i < remarks.size() && i < kShown; ++i) lines << ToQString(remarks[i]);
+  if (remarks.size() > kShown) lines << tr("And more.");
+  if (lines.isEmpty()) return {};
+  return tr("The file holds what the designer does not know. It is lost when the query is saved under this name.") +
+         "\n\n" + lines.join('\n');
+}
+
 QString QueryDocument::Open(const QString& file, QString* remark) {
   const std::string before = Text();
   const Ref<Connection> connectionBefore = hub_.Connection();
@@ -212,6 +227,9 @@ QString QueryDocument::Open(const QString& file, QString* remark) {
     }
     return message;
   }
+  const QString passedOver = PassedOver();
+  readInPart_ = !passedOver.isEmpty();
+  if (remark && readInPart_) *remark += (remark->isEmpty() ? "" : "\n\n") + passedOver;
   file_ = QFileInfo(file).absoluteFilePath();
   hub_.ClearHistory();  // another document, perhaps of another source
   MarkUnmodified();
@@ -225,10 +243,27 @@ QString QueryDocument::Open(const QString& file, QString* remark) {
 
 bool QueryDocument::Save() {
   if (file_.isEmpty()) return AskAndSave();
+  if (readInPart_) {
+    const QMessageBox::StandardButton answer = AskAboutWritingOver();
+    if (answer != QMessageBox::Save) return answer == QMessageBox::Open && AskAndSave();
+  }
   AskAboutPassword();
   const QString error = SaveAs(file_);
   if (!error.isEmpty()) ShowPlain(parent_, QMessageBox::Critical, error);
   return error.isEmpty();
+}
+
+// `Open` stands for another name.
+QMessageBox::StandardButton QueryDocument::AskAboutWritingOver() {
+  QMessageBox box(QMessageBox::Warning, QCoreApplication::applicationName(),
+                  tr("%1 holds what the designer could not read. Write over it?").arg(Name()),
+                  QMessageBox::Save | QMessageBox::Open | QMessageBox::Cancel, parent_);
+  box.setTextFormat(Qt::PlainText);
+  box.button(QMessageBox::Open)->setText(tr("Save &As..."));
+  box.button(QMessageBox::Save)->setText(tr("&Write Over It"));
+  box.setDefaultButton(QMessageBox::Open);
+  box.setInformativeText(tr("What was not read is lost then."));
+  return static_cast<QMessageBox::StandardButton>(box.exec());
 }
 
 bool QueryDocument::AskAndSave() {
@@ -262,6 +297,7 @@ QString QueryDocument::SaveAs(const QString& file) {
     return ToQString(error.what());
   }
   file_ = QFileInfo(file).absoluteFilePath();
+  readInPart_ = false;
   MarkUnmodified();
   Remember(file_);
   window_.changed();

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <QCoreApplication>
+#include <QMessageBox>
 #include <QString>
 #include <QStringList>
 #include <functional>
@@ -76,6 +77,8 @@ class QueryDocument {
   void AskAndOpen(const QString& file = {});
   std::shared_ptr<ProviderConnection> TryConnection(const std::string& connectionString, QString* remark);
   bool Save();
+  QMessageBox::StandardButton AskAboutWritingOver();
+  QString PassedOver() const;
   bool AskAndSave();
   void AskAboutPassword();
   void Load(const std::string& text);
@@ -89,6 +92,7 @@ class QueryDocument {
   Window window_;
   QString file_;
   std::string saved_;
+  bool readInPart_ = false;         // the file holds more than was read
   std::string askedAboutPassword_;  // the connection string that the user was asked about last
 };
 

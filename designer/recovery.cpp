@@ -23,6 +23,7 @@ constexpr qint64 kLargest = qint64{256} << 20;  // bytes; more is no file of our
 
 constexpr auto kSuffix = ".recovery";
 constexpr auto kLockSuffix = ".lock";
+constexpr auto kAsideSuffix = ".aside";
 
 std::unique_ptr<QLockFile> LockOf(const QString& path) {
   auto lock = std::make_unique<QLockFile>(path + kLockSuffix);
@@ -38,13 +39,12 @@ QByteArray ToBytes(const KeptWork& work) {
   return QJsonDocument(object).toJson(QJsonDocument::Compact);
 }
 
-std::optional<KeptWork> FromFile(const QString& path) {
+// Without a query when the file cannot be read.
+KeptWork FromFile(const QString& path) {
   QFile file(path);
-  if (file.size() > kLargest || !file.open(QIODevice::ReadOnly)) return std::nullopt;
+  if (file.size() > kLargest || !file.open(QIODevice::ReadOnly)) return {};
   const QJsonObject object = QJsonDocument::fromJson(file.readAll()).object();
-  KeptWork work{object["file"].toString(), ToUtf8(object["query"].toString()), ToUtf8(object["typed"].toString())};
-  if (work.query.empty()) return std::nullopt;
-  return work;
+  return {object["file"].toString(), ToUtf8(object["query"].toString()), ToUtf8(object["typed"].toString())};
 }
 
 }  // namespace
@@ -133,19 +133,27 @@ void Recovery::Remove() {
 std::optional<Recovery::Lost> Recovery::FindLost() {
   const QFileInfoList files =
       QDir(Folder()).entryInfoList({QStringLiteral("*") + kSuffix}, QDir::Files, QDir::Time);  // the newest first
+  std::optional<Lost> unreadable;
   for (const QFileInfo& file : files) {
     std::unique_ptr<QLockFile> lock = LockOf(file.filePath());
     if (!lock->tryLock(0)) continue;  // its designer runs
-    if (std::optional<KeptWork> work = FromFile(file.filePath())) {
-      return Lost(file.filePath(), std::move(lock), std::move(*work), file.lastModified());
-    }
+    Lost lost(file.filePath(), std::move(lock), FromFile(file.filePath()), file.lastModified());
+    if (lost.IsReadable()) return lost;
+    if (!unreadable) unreadable = std::move(lost);
   }
-  return std::nullopt;
+  return unreadable;
 }
 
 void Recovery::Lost::Discard() {
   QFile::remove(path_);
   lock_->unlock();
+}
+
+QString Recovery::Lost::PutAside() {
+  const QString aside = path_ + kAsideSuffix;
+  if (!QFile::rename(path_, aside)) return {};
+  lock_->unlock();
+  return aside;
 }
 
 }  // namespace zrqrybld

@@ -43,16 +43,23 @@ class Recovery : public QObject {
   /// Brings the kept file up to date at once, or removes it.
   void Keep();
 
-  /// The work of a designer that is gone, the newest first; none when there is none. It is this designer's from then
-  /// on: give it back by `Discard`, or keep it for the next start by letting it go.
+  /// The work of a designer that is gone, the newest first, what cannot be read last; none when there is none. It is
+  /// this designer's from then on: give it back by `Discard` or `PutAside`, or keep it for the next start by letting it
+  /// go.
   class Lost {
    public:
     Lost(QString path, std::unique_ptr<QLockFile> lock, KeptWork work, QDateTime time)
         : path_(std::move(path)), lock_(std::move(lock)), work_(std::move(work)), time_(std::move(time)) {}
     const KeptWork& Work() const { return work_; }
     QDateTime Time() const { return time_; }
+    /// The file that holds it.
+    const QString& Path() const { return path_; }
+    /// Whether the file could be read; there is no work otherwise.
+    bool IsReadable() const { return !work_.query.empty(); }
     /// Removes it for good.
     void Discard();
+    /// Keeps the file under another name, where no start asks for it any more. Returns its path; "" when that fails.
+    QString PutAside();
 
    private:
     QString path_;

@@ -12,7 +12,7 @@ void BoxRow::SetText(std::string text) {
 }
 
 void BoxRow::SetKey(std::string key) {
-  if (list_) list_->rows_.Rekey(index_, key);
+  if (list_) list_->rows_.Rekey(Index(), key);
   key_ = std::move(key);
   if (list_) list_->Revised();
 }
@@ -20,7 +20,13 @@ void BoxRow::SetKey(std::string key) {
 void BoxRow::SetChecked(bool checked) {
   if (checked_ == checked) return;
   checked_ = checked;
-  if (list_) list_->TicksChanged();
+  if (!list_) return;
+  try {
+    list_->TicksChanged();
+  } catch (const std::bad_alloc&) {
+    TakeTickBack();
+    throw;
+  }
   if (list_ && list_->onChecked) list_->onChecked(RefTo(*this));
 }
 
@@ -88,9 +94,10 @@ void BoxRows::SetTicks(const std::vector<bool>& ticks) {
 }
 
 Ref<BoxRow> BoxRows::Add(std::string text, std::string key) {
-  const Ref<BoxRow> row(new BoxRow(this, std::move(text), std::move(key)));
+  const Ref<BoxRow> row(new BoxRow(std::move(text), std::move(key)));
   rows_.Insert(row, row->key_);
-  row->index_ = rows_.Count();
+  row->mark_ = rows_.MarkAt(rows_.Count());
+  row->list_ = this;
   Changed();
   return row;
 }
@@ -108,7 +115,6 @@ void BoxRows::Clear() {
 
 void BoxRows::RemoveAt(std::size_t position) {
   rows_.RemoveAt(position)->list_ = nullptr;
-  for (std::size_t i = position; i <= rows_.Count(); ++i) (*rows_.At(i))->index_ = i;
   Changed();
   if (onRemoved) onRemoved();
 }

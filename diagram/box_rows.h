@@ -36,8 +36,8 @@ class BoxRow final : public Object {
  public:
   std::string_view TypeName() const override { return "BoxRow"; }
 
-  /// The row's position in its list, from 1; it shifts when a row before it is removed.
-  std::size_t Index() const { return index_; }
+  /// The row's position in its list, from 1; it shifts when a row before it is removed. 0 once it was removed itself.
+  std::size_t Index() const { return list_ ? KeyedList<Ref<BoxRow>>::PositionOf(mark_) : 0; }
 
   const std::string& Text() const { return text_; }
   void SetText(std::string text);
@@ -46,6 +46,8 @@ class BoxRow final : public Object {
   void SetKey(std::string key);
   bool Checked() const { return checked_; }
   void SetChecked(bool checked);
+  /// Makes the latest `SetChecked` undone, of which nobody has heard.
+  void TakeTickBack() { checked_ = !checked_; }
   bool Bold() const { return bold_; }
   void SetBold(bool bold);
   /// The text's colour; system colour 8 (window text) at first.
@@ -67,12 +69,11 @@ class BoxRow final : public Object {
 
  private:
   friend class BoxRows;
-  BoxRow(BoxRows* list, std::string text, std::string key)
-      : list_(list), text_(std::move(text)), key_(std::move(key)) {}
+  BoxRow(std::string text, std::string key) : text_(std::move(text)), key_(std::move(key)) {}
   void Changed() const;
 
-  BoxRows* list_;  // none once the row was removed
-  std::size_t index_ = 0;
+  BoxRows* list_ = nullptr;  // none once the row was removed
+  KeyedList<Ref<BoxRow>>::Mark mark_ = nullptr;
   std::string text_;
   std::string key_;
   bool checked_ = false;

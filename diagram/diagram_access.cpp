@@ -53,7 +53,7 @@ bool DiagramAccess::Contains(const AccessibleId& id) const {
 }
 
 std::size_t DiagramAccess::ChildCount(const AccessibleId& id) const {
-  if (id.IsControl()) return static_cast<std::size_t>(pane_.entities_->Count()) + pane_.lines_.size();
+  if (id.IsControl()) return static_cast<std::size_t>(pane_.entities_->Count()) + pane_.lines_.Count();
   const Ref<qbEntity> entity = EntityIn(id);
   return entity && !id.part && Contains(id) ? entity->EntityBox()->Rows().Count() : 0;
 }
@@ -63,7 +63,7 @@ AccessibleId DiagramAccess::ChildAt(const AccessibleId& id, std::size_t index) c
   if (!id.IsControl()) return {id.object, EntityIn(id)->EntityBox()->Rows().At(index + 1)};
   const auto boxes = static_cast<std::size_t>(pane_.entities_->Count());
   if (index < boxes) return {pane_.entities_->Item(static_cast<std::int32_t>(index) + 1), nullptr};
-  return {pane_.lines_[index - boxes]->Relationship(), nullptr};
+  return {pane_.lines_.At(index - boxes + 1)->Relationship(), nullptr};
 }
 
 AccessibleId DiagramAccess::ParentOf(const AccessibleId& id) const {
@@ -74,8 +74,8 @@ std::optional<std::size_t> DiagramAccess::IndexOf(const AccessibleId& id) const 
   if (id.IsControl() || !Contains(id)) return std::nullopt;
   if (id.part) return RowIn(id)->Index() - 1;
   if (const Ref<qbEntity> entity = EntityIn(id)) return static_cast<std::size_t>(entity->Index()) - 1;
-  const auto line = std::ranges::find(pane_.lines_, JoinIn(id)->Line());
-  return static_cast<std::size_t>(pane_.entities_->Count()) + static_cast<std::size_t>(line - pane_.lines_.begin());
+  const qbDiagramPane::LineMark line = pane_.loadedLines_.at(JoinIn(id)->Line().get()).inAll;
+  return static_cast<std::size_t>(pane_.entities_->Count()) + pane_.lines_.PositionOf(line) - 1;
 }
 
 AccessibleId DiagramAccess::Current() const {

@@ -40,10 +40,12 @@ void qbDiagramPane::Clear() {
   // What listeners add meanwhile stays: waiting for an empty diagram could take forever.
   std::vector<Ref<qbEntity>> all;
   for (std::int32_t i = entities_->Count(); i >= 1; --i) all.push_back(entities_->Item(i));
-  for (const Ref<qbEntity>& entity : all) {
-    if (entity->EntityBox()) entities_->Remove(entity->Index());
-  }
-  if (context) context->DiagramCleared();
+  WholeOrNothing(context, [&] {
+    for (const Ref<qbEntity>& entity : all) {
+      if (entity->EntityBox()) entities_->Remove(entity->Index());
+    }
+    if (context) context->DiagramCleared();
+  });
 }
 
 // --- Boxes and lines ---
@@ -71,22 +73,29 @@ Ref<qbEntityList> qbDiagramPane::LoadBox() {
   box->SetBounds(bounds);
 
   qbEntityList* const self = box.get();
-  LoadedBox& loaded = boxes_[self];
-  loaded.place = places_.Add(box->Bounds());
-  loaded.links.push_back(box->Move.Connect([this, self] { BoxMoved(*self); }));
-  loaded.links.push_back(box->Changed.Connect([this] {
+  std::vector<EventConnection> links;
+  links.push_back(box->Move.Connect([this, self] { BoxMoved(*self); }));
+  links.push_back(box->Changed.Connect([this] {
     rowMarksStale_ = true;
     Refresh();
   }));
-  loaded.links.push_back(box->ItemChecked.Connect([this, self](const Ref<BoxRow>& row) { BoxRowChecked(*self, row); }));
-  loaded.links.push_back(box->RelationshipAdd.Connect([this](const Ref<Object>&) { Refresh(); }));
-  loaded.links.push_back(box->RelationshipChange.Connect([this](const Ref<Object>& join) { JoinChanged(join); }));
-  loaded.links.push_back(box->RelationshipRemove.Connect([this](const Ref<Object>&) { JoinRemoved(); }));
+  links.push_back(box->ItemChecked.Connect([this, self](const Ref<BoxRow>& row) { BoxRowChecked(*self, row); }));
+  links.push_back(box->RelationshipAdd.Connect([this](const Ref<Object>&) { Refresh(); }));
+  links.push_back(box->RelationshipChange.Connect([this](const Ref<Object>& join) { JoinChanged(join); }));
+  links.push_back(box->RelationshipRemove.Connect([this](const Ref<Object>&) { JoinRemoved(); }));
+  LoadedBox& kept = boxes_[self];
+  try {
+    kept.place = places_.Add(box->Bounds());
+  } catch (...) {
+    boxes_.erase(self);
+    throw;
+  }
+  kept.links = std::move(links);
   return box;
 }
 
 void qbDiagramPane::ShowBox(const Ref<qbEntityList>& box) {
-  stacking_.push_back(box);
+  boxes_[box.get()].shown = stacking_.Append(box);
   UpdateScrollBars();
   Refresh();
 }
@@ -100,9 +109,9 @@ void qbDiagramPane::UnloadBox(const Ref<qbEntityList>& box) {
   rowMarksStale_ = true;
   if (const auto loaded = boxes_.find(box.get()); loaded != boxes_.end()) {
     places_.Remove(loaded->second.place);
+    if (loaded->second.shown) stacking_.RemoveAt(stacking_.PositionOf(loaded->second.shown));
     boxes_.erase(loaded);
   }
-  std::erase(stacking_, box);
   UpdateScrollBars();
   Refresh();
 }
@@ -111,35 +120,53 @@ Ref<qbLine> qbDiagramPane::LoadLine(const Ref<qbRelationship>& relationship, con
                                     const Ref<qbEntityList>& target) {
   rowMarksStale_ = true;
   // Lines between the same two boxes run side by side: each takes the first lane that is free.
-  std::vector<Ref<qbLine>>& atSource = boxes_[source.get()].lines;
-  std::vector<Ref<qbLine>>& atTarget = boxes_[target.get()].lines;
-  std::set<int> taken;
-  for (const Ref<qbLine>& line : atTarget.size() < atSource.size() ? atTarget : atSource) {
-    const bool same = (line->SourceBox() == source && line->TargetBox() == target) ||
-                      (line->SourceBox() == target && line->TargetBox() == source);
-    if (same) taken.insert(line->Lane());
+  const Ends boxes = EndsOf({source.get(), {}}, {target.get(), {}});
+  const int lane = lanes_[boxes].Take();
+  Ref<qbLine> line;
+  try {
+    line = std::make_shared<qbLine>(relationship, source, target, lane);
+    LoadedLine& loaded = loadedLines_[line.get()];
+    loaded.boxes = boxes;
+    loaded.inAll = lines_.Append(line);
+    loaded.atSource = boxes_[source.get()].lines.Append(line);
+    if (target != source) loaded.atTarget = boxes_[target.get()].lines.Append(line);
+  } catch (...) {
+    if (line && loadedLines_.contains(line.get())) {
+      UnloadLine(line);
+    } else {
+      GiveBack(lanes_, boxes, lane);
+    }
+    throw;
   }
-  int lane = 0;
-  while (taken.contains(lane)) ++lane;
-  const Ref<qbLine> line = lines_.emplace_back(std::make_shared<qbLine>(relationship, source, target, lane));
-  atSource.push_back(line);
-  if (target != source) atTarget.push_back(line);
   return line;
 }
 
+// It needs no memory, so that what could not be drawn whole can be taken away.
 void qbDiagramPane::UnloadLine(const Ref<qbLine>& line) {
   if (hover_.line == line) hover_ = {};
   rowMarksStale_ = true;
-  for (const Ref<qbEntityList>& box : {line->SourceBox(), line->TargetBox()}) {
-    if (const auto loaded = boxes_.find(box.get()); loaded != boxes_.end()) std::erase(loaded->second.lines, line);
+  const auto loaded = loadedLines_.find(line.get());
+  if (loaded == loadedLines_.end()) return;
+  const auto takeOut = [](OrderedList<Ref<qbLine>>& lines, LineMark mark) {
+    if (mark) lines.RemoveAt(lines.PositionOf(mark));
+  };
+  GiveBack(lanes_, loaded->second.boxes, line->Lane());
+  if (loaded->second.rows) GiveBack(twins_, *loaded->second.rows, line->Twin());
+  if (const auto box = boxes_.find(line->SourceBox().get()); box != boxes_.end()) {
+    takeOut(box->second.lines, loaded->second.atSource);
   }
-  std::erase(lines_, line);
+  if (const auto box = boxes_.find(line->TargetBox().get()); box != boxes_.end()) {
+    takeOut(box->second.lines, loaded->second.atTarget);
+  }
+  takeOut(lines_, loaded->second.inAll);
+  loadedLines_.erase(loaded);
   Refresh();
 }
 
 std::vector<Ref<qbLine>> qbDiagramPane::LinesAt(const qbEntityList& box) const {
   const auto loaded = boxes_.find(&box);
-  return loaded == boxes_.end() ? std::vector<Ref<qbLine>>() : loaded->second.lines;
+  if (loaded == boxes_.end()) return {};
+  return {loaded->second.lines.begin(), loaded->second.lines.end()};
 }
 
 void qbDiagramPane::FitBox(const Ref<qbEntityList>& box) {
@@ -173,7 +200,6 @@ PlacementRules qbDiagramPane::RulesOfPlacement() const {
 
 void qbDiagramPane::BoxMoved(const qbEntityList& box) {
   LoadedBox& loaded = boxes_[&box];
-  for (const Ref<qbLine>& line : loaded.lines) line->Invalidate();
   places_.Move(loaded.place, box.Bounds());
   UpdateScrollBars();
   Refresh();
@@ -189,12 +215,21 @@ void qbDiagramPane::BoxRowChecked(const qbEntityList& box, const Ref<BoxRow>& ro
   const Ref<qbEntityItem> item = entity->Items()->Item(static_cast<std::int32_t>(row->Index()));
   if (!item) return;
   const Ref<QueryContext> context = Context();
-  const StepScope step(context, row->Checked() ? kStepTick : kStepUntick, box.Caption() + "." + row->Text());
   const bool checked = row->Checked();
-  EntityItemCheck.Raise(entity, item);
-  // A listener may have renamed or removed the entity; one that ticked the row again has reported that already.
-  if (!context || !entity->EntityBox() || row->Checked() != checked) return;
-  context->ItemChecked(entity->Caption(), row->Text(), checked);
+  bool begun = false;
+  try {
+    const StepScope step(context, checked ? kStepTick : kStepUntick, box.Caption() + "." + row->Text());
+    begun = true;
+    WholeOrNothing(context, [&] {
+      EntityItemCheck.Raise(entity, item);
+      // A listener may have renamed or removed the entity; one that ticked the row again has reported that already.
+      if (!context || !entity->EntityBox() || row->Checked() != checked) return;
+      context->ItemChecked(entity->Caption(), row->Text(), checked);
+    });
+  } catch (const std::bad_alloc&) {
+    if (!begun) row->TakeTickBack();
+    throw;
+  }
 }
 
 void qbDiagramPane::JoinChanged(const Ref<Object>& relationship) {
@@ -207,18 +242,35 @@ void qbDiagramPane::JoinChanged(const Ref<Object>& relationship) {
   if (const Ref<QueryContext> context = Context()) context->QueryChanged();
 }
 
+qbDiagramPane::Ends qbDiagramPane::EndsOf(End one, End other) {
+  if (other < one) std::swap(one, other);
+  return {std::move(one), std::move(other)};
+}
+
+std::optional<qbDiagramPane::Ends> qbDiagramPane::RowsOf(const qbLine& line) {
+  const Ref<qbRelationship> join = line.Relationship();
+  const Ref<qbEntityItem> source = join ? join->SourceItem() : nullptr;
+  const Ref<qbEntityItem> target = join ? join->TargetItem() : nullptr;
+  if (!source || !target) return std::nullopt;
+  return EndsOf({line.SourceBox().get(), source->Text()}, {line.TargetBox().get(), target->Text()});
+}
+
+void qbDiagramPane::GiveBack(std::map<Ends, FreeNumbers>& numbers, const Ends& ends, int number) {
+  const auto found = numbers.find(ends);
+  found->second.GiveBack(number);
+  if (found->second.AllFree()) numbers.erase(found);
+}
+
 // Lines of the same two rows lie beside one another: each takes the first place that is free.
 void qbDiagramPane::KeepApart(qbLine& line) {
-  const auto source = boxes_.find(line.SourceBox().get());
-  const auto target = boxes_.find(line.TargetBox().get());
-  if (source == boxes_.end() || target == boxes_.end()) return;
-  const bool fewerAtSource = source->second.lines.size() <= target->second.lines.size();
-  std::set<int> taken;
-  for (const Ref<qbLine>& other : (fewerAtSource ? source : target)->second.lines) {
-    if (other.get() != &line && line.IsTwinOf(*other)) taken.insert(other->Twin());
-  }
-  int twin = 0;
-  while (taken.contains(twin)) ++twin;
+  const auto loaded = loadedLines_.find(&line);
+  if (loaded == loadedLines_.end()) return;
+  std::optional<Ends>& before = loaded->second.rows;
+  std::optional<Ends> rows = RowsOf(line);
+  if (rows == before) return;
+  const int twin = rows ? twins_[*rows].Take() : 0;
+  if (before) GiveBack(twins_, *before, line.Twin());
+  before = std::move(rows);
   line.SetTwin(twin);
 }
 
@@ -317,8 +369,9 @@ void qbDiagramPane::SelectAll() {
 }
 
 void qbDiagramPane::RaiseToTop(const Ref<qbEntityList>& box) {
-  const auto at = std::ranges::find(stacking_, box);
-  if (at != stacking_.end()) std::rotate(at, at + 1, stacking_.end());
+  const auto loaded = boxes_.find(box.get());
+  if (loaded == boxes_.end() || !loaded->second.shown) return;
+  stacking_.Move(stacking_.PositionOf(loaded->second.shown), stacking_.Count());
 }
 
 // --- Appearance ---

@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,7 +17,9 @@
 #include <vector>
 
 #include "base/event.h"
+#include "base/free_numbers.h"
 #include "base/object.h"
+#include "base/ordered_list.h"
 #include "diagram/diagram_view.h"
 #include "diagram/entities.h"
 #include "diagram/entity_box.h"
@@ -288,8 +291,22 @@ class qbDiagramPane final : public Control, private DiagramView {
   // What the pane keeps for each box while it is loaded.
   struct LoadedBox {
     std::vector<EventConnection> links;
-    std::vector<Ref<qbLine>> lines;
+    OrderedList<Ref<qbLine>> lines;
     PlacedBoxes::Id place = 0;
+    OrderedList<Ref<qbEntityList>>::Mark shown = nullptr;  // among `stacking_`, once the box is shown
+  };
+  // The two ends of a line, of which one is the first whichever way round the line is drawn. The columns are named,
+  // because a column that comes back is another object.
+  using End = std::pair<const qbEntityList*, std::string>;
+  using Ends = std::pair<End, End>;
+  using LineMark = OrderedList<Ref<qbLine>>::Mark;
+  // What the pane keeps for each line.
+  struct LoadedLine {
+    LineMark inAll = nullptr;
+    LineMark atSource = nullptr;
+    LineMark atTarget = nullptr;  // nothing where both ends are at one box
+    Ends boxes;
+    std::optional<Ends> rows;  // once the join has both columns
   };
 
   // What lies under a point of the pane.
@@ -322,6 +339,9 @@ class qbDiagramPane final : public Control, private DiagramView {
   void BoxRowChecked(const qbEntityList& box, const Ref<BoxRow>& row);
   void JoinChanged(const Ref<Object>& relationship);
   void JoinRemoved();
+  static Ends EndsOf(End one, End other);
+  static std::optional<Ends> RowsOf(const qbLine& line);
+  static void GiveBack(std::map<Ends, FreeNumbers>& numbers, const Ends& ends, int number);
   void KeepApart(qbLine& line);
 
   // The view: a point of the surface, in pixels at 100 %, stands at `Origin() + point * zoom` of the pane.
@@ -417,8 +437,11 @@ class qbDiagramPane final : public Control, private DiagramView {
   Ref<qbEntities> entities_;
   std::unordered_map<const qbEntityList*, LoadedBox> boxes_;
   PlacedBoxes places_;
-  std::vector<Ref<qbEntityList>> stacking_;  // from the bottom to the top
-  std::vector<Ref<qbLine>> lines_;
+  OrderedList<Ref<qbEntityList>> stacking_;  // from the bottom to the top
+  OrderedList<Ref<qbLine>> lines_;
+  std::unordered_map<const qbLine*, LoadedLine> loadedLines_;
+  std::map<Ends, FreeNumbers> lanes_;  // of the lines between two boxes, whose columns are left out
+  std::map<Ends, FreeNumbers> twins_;  // of the lines between two rows
   Ref<Object> selected_;
   std::vector<Ref<qbEntity>> alsoSelected_;  // besides `selected_`, which is an entity then
   std::optional<KeyJoin> keyJoin_;

@@ -15,7 +15,7 @@ void qbDiagramPane::Paint(Canvas& canvas, const PixelRect& dirty) const {
   const PixelSize view = GetSurface().ViewSize();
   canvas.FillRect({{}, {}, view.width, view.height},
                   backColor_ == Color::System(12) ? Ink(ColorRole::Surface) : Ink(backColor_));
-  if (stacking_.empty()) {
+  if (stacking_.Empty()) {
     canvas.DrawText({{}, {}, view.width, view.height}, "Add tables to begin: press F7",
                     {ColorRole::SurfaceText, {}, TextAlignment::Center});
     return;

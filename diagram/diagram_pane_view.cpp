@@ -1,12 +1,11 @@
 // The pane's view: scrolling, zoom, arranging, pictures.
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <unordered_map>
 
 #include "base/error.h"
+#include "base/file.h"
 #include "base/text.h"
 #include "diagram/arrange.h"
 #include "diagram/diagram_pane.h"
@@ -146,9 +145,11 @@ void qbDiagramPane::Arrange() {
   const ArrangeRules rules{scale.TwipsX(kArrangeColumnGap), scale.TwipsY(kArrangeRowGap),
                            scale.TwipsX(GetSurface().ViewSize().width / zoom_ - kSurfaceMargin * 2)};
   const std::vector<TwipsPoint> places = ArrangeBoxes(sizes, links, rules);
-  for (std::size_t i = 0; i < boxes.size(); ++i) {
-    boxes[i]->SetBounds({places[i].x, places[i].y, sizes[i].width, sizes[i].height});
-  }
+  WholeOrNothing(Context(), [&] {
+    for (std::size_t i = 0; i < boxes.size(); ++i) {
+      boxes[i]->SetBounds({places[i].x, places[i].y, sizes[i].width, sizes[i].height});
+    }
+  });
 }
 
 // --- Pictures ---
@@ -178,10 +179,12 @@ void qbDiagramPane::SavePicture(const std::string& path) const {
     GetSurface().SavePng({PictureSize(), [this](Canvas& canvas) { PaintPicture(canvas); }}, path);
     return;
   }
-  std::ofstream file(std::filesystem::path(std::u8string(path.begin(), path.end())), std::ios::binary);
-  file << PictureSvg();
-  file.close();
-  if (!file) throw Error(ErrorFileAccess, "The picture cannot be written to " + path + ".");
+  const Ref<QueryContext> context = Context();
+  if (context) {
+    WriteWholeFile(path, PictureSvg(), context->GetToolkit().Files());
+  } else {
+    WriteWholeFile(path, PictureSvg());
+  }
 }
 
 void qbDiagramPane::AskToSavePicture() {

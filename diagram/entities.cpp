@@ -26,19 +26,30 @@ Ref<qbEntity> qbEntities::Add(const std::string& key) {
   std::optional<BusyPointer> busy;
   if (context) busy.emplace(context->GetToolkit());
   const StepScope step(context, kStepAddTable, key);
-  const Ref<qbEntity> entity = Make(key);
+  return WholeOrNothing(context, [&] {
+    const Ref<qbEntity> entity = Make(key);
 
-  EntityAdd.Raise(key);
-  if (context) {
-    context->RaiseInfo(InfoTableAdded, Ref<Object>(entity));
-    context->EntitiesChanged(Count());
-    context->QueryChanged();
-  }
-  return entity;
+    EntityAdd.Raise(key);
+    if (context) {
+      context->RaiseInfo(InfoTableAdded, Ref<Object>(entity));
+      context->EntitiesChanged(Count());
+      context->QueryChanged();
+    }
+    return entity;
+  });
 }
 
 Ref<qbEntity> qbEntities::Make(const std::string& key) {
   const Ref<qbEntityList> box = view_->LoadBox();
+  try {
+    return MakeFor(box, key);
+  } catch (...) {
+    view_->UnloadBox(box);
+    throw;
+  }
+}
+
+Ref<qbEntity> qbEntities::MakeFor(const Ref<qbEntityList>& box, const std::string& key) {
   const auto relationships = std::make_shared<qbRelationships>(view_);
   const std::shared_ptr<EntityOwner> owner(shared_from_this(), this);
   const Ref<qbEntity> entity(new qbEntity(box, owner, relationships));
@@ -47,14 +58,14 @@ Ref<qbEntity> qbEntities::Make(const std::string& key) {
   box->SetCaption(key);
   entity->SetTagVariant(key);
   entity->SetShowMinimizeButton(view_->EntityMinimizeButton());
-  items_.Insert(entity, key);
-  untouched_.Touch(items_.Count() - 1, 0);
   box->onTouched = [list = WeakRef<qbEntities>(RefTo(*this)), touched = WeakRef<qbEntity>(entity)] {
     const Ref<qbEntities> entities = list.lock();
     const Ref<qbEntity> one = touched.lock();
     if (entities && one) entities->Touch(*one);
   };
   view_->ShowBox(box);
+  items_.Insert(entity, key);  // the last that needs memory
+  untouched_.Touch(items_.Count() - 1, 0);
   return entity;
 }
 
@@ -82,7 +93,10 @@ void qbEntities::Remove(const Variant& index) {
   const Ref<QueryContext> context = view_->Context();
   const std::string key = entity->Caption();
   const StepScope step(context, kStepRemoveTable, key);
+  WholeOrNothing(context, [&] { RemoveWithJoins(entity, context, key); });
+}
 
+void qbEntities::RemoveWithJoins(const Ref<qbEntity>& entity, const Ref<QueryContext>& context, const std::string& key) {
   RemoveJoinsOf(entity);
   if (view_->SelectedObject() == entity) view_->DropSelection();
   RemoveJoinsOf(entity);  // which a listener of the selection's end has drawn

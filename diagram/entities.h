@@ -77,6 +77,8 @@ class qbEntities final : public Object, private EntityOwner {
   void Rename(qbEntity& entity, const std::string& caption) override;
   void RemoveJoinsOf(const Ref<qbEntity>& entity);
   Ref<qbEntity> Make(const std::string& key);
+  Ref<qbEntity> MakeFor(const Ref<qbEntityList>& box, const std::string& key);
+  void RemoveWithJoins(const Ref<qbEntity>& entity, const Ref<QueryContext>& context, const std::string& key);
   void Touch(const qbEntity& entity);
   void TakeOut(const Ref<qbEntity>& entity);
   void RemoveOthers(const DiagramState& staying);

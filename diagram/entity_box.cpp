@@ -36,9 +36,14 @@ qbEntityList::qbEntityList(const BoxMetrics& metrics) : metrics_(metrics) {
   rows_.onChanged = [this] { Changed.Raise(); };
   rows_.onRemoved = [this] {
     ScrollTo(firstRow_);  // a list that became shorter must not stay scrolled past its end
-    Move.Raise();
+    Moved();
   };
   rows_.onChecked = [this](const Ref<BoxRow>& row) { ItemChecked.Raise(row); };
+}
+
+void qbEntityList::Moved() {
+  ++layout_;
+  Move.Raise();
 }
 
 void qbEntityList::Touch() {
@@ -90,14 +95,14 @@ void qbEntityList::SetBounds(const TwipsRect& wanted) {
   const TwipsRect bounds{sane(wanted.left, before.left), sane(wanted.top, before.top), sane(wanted.width, before.width),
                          sane(wanted.height, before.height)};
   bounds_ = bounds;
-  const Twips caption = metrics_.scale.TwipsY(metrics_.captionHeight + kFrame * 2);
+  const Twips caption = MinimizedHeight();
   if (minimized_ && bounds.height > caption && bounds.height != before.height) minimized_ = false;  // made higher
   bounds_.height = minimized_ ? caption : std::max(bounds.height, caption);
   bounds_.width = std::max(bounds.width, metrics_.scale.TwipsX(metrics_.captionHeight * 2));
   if (bounds_ == before) return;
   Touch();
   ScrollTo(firstRow_);
-  Move.Raise();
+  Moved();
 }
 
 void qbEntityList::SetShape(const BoxShape& shape) {
@@ -108,7 +113,7 @@ void qbEntityList::SetShape(const BoxShape& shape) {
   Touch();
   ScrollTo(firstRow_);
   Changed.Raise();
-  Move.Raise();
+  Moved();
 }
 
 void qbEntityList::SetIsView(bool isView) {
@@ -120,7 +125,7 @@ void qbEntityList::SetIsView(bool isView) {
 void qbEntityList::SetMetrics(const BoxMetrics& metrics) {
   metrics_ = metrics;
   ScrollTo(firstRow_);
-  Move.Raise();
+  Moved();
 }
 
 void qbEntityList::SetSelectedRow(std::size_t row) {
@@ -142,7 +147,7 @@ void qbEntityList::ScrollTo(std::size_t row) {
   const std::size_t first = std::clamp<std::size_t>(row, 1, LastFirstRow());
   if (first == firstRow_) return;
   firstRow_ = first;
-  Move.Raise();
+  Moved();
 }
 
 Twips qbEntityList::ScrollMarkTop() const {
@@ -166,6 +171,8 @@ std::size_t qbEntityList::FindRow(std::string_view text, std::size_t after) cons
   }
   return 0;
 }
+
+Twips qbEntityList::MinimizedHeight() const { return metrics_.scale.TwipsY(metrics_.captionHeight + kFrame * 2); }
 
 void qbEntityList::SetMinimized(bool minimized) {
   if (minimized == minimized_) return;
@@ -248,7 +255,7 @@ TwipsSize qbEntityList::FittingSize(const TextMetrics& text, std::size_t maximum
 
 void qbEntityList::Notify(std::string_view message, const Variant& argument) {
   if (message == "move") {
-    Move.Raise();
+    Moved();
   } else if (message == "relationshipadd") {
     RelationshipAdd.Raise(argument.ToObject());
   } else if (message == "relationshipchange") {

@@ -126,6 +126,8 @@ class qbEntityList final : public Object {
 
   /// Whether only the caption bar is shown.
   bool Minimized() const { return minimized_; }
+  /// How high it is then; no box is lower.
+  Twips MinimizedHeight() const;
   /// A minimised box shows its caption bar only; its height comes back when it is restored.
   void SetMinimized(bool minimized);
 
@@ -164,6 +166,8 @@ class qbEntityList final : public Object {
 
   /// The box has another place, size, font or first visible row: its lines must be routed anew.
   Event<> Move;
+  /// Another number after each such change; it comes before the event.
+  std::uint64_t Layout() const { return layout_; }
   /// The relationship that was added, changed or removed at this end.
   Event<const Ref<Object>&> RelationshipAdd;
   Event<const Ref<Object>&> RelationshipChange;
@@ -187,6 +191,7 @@ class qbEntityList final : public Object {
   Ref<Object> Entity() const { return entity_.lock(); }
 
  private:
+  void Moved();
   PixelRect RowRect(const PixelRect& place, std::size_t row) const;
   PixelRect CheckBoxRect(const PixelRect& row) const;
   PixelRect MinimizeRect(const PixelRect& place) const;
@@ -213,6 +218,7 @@ class qbEntityList final : public Object {
   std::size_t firstRow_ = 1;
   WeakRef<Object> entity_;
   bool touched_ = false;
+  std::uint64_t layout_ = 0;
 };
 
 }  // namespace zrqrybld

@@ -100,15 +100,6 @@ void qbLine::SetTwin(int twin) {
   Invalidate();
 }
 
-bool qbLine::IsTwinOf(const qbLine& other) const {
-  const Ref<qbRelationship> one = Relationship();
-  const Ref<qbRelationship> two = other.Relationship();
-  if (!one || !two || one == two) return false;
-  const Ref<qbEntityItem> ends[] = {one->SourceItem(), one->TargetItem(), two->SourceItem(), two->TargetItem()};
-  if (!ends[0] || !ends[1]) return false;
-  return (ends[0] == ends[2] && ends[1] == ends[3]) || (ends[0] == ends[3] && ends[1] == ends[2]);
-}
-
 bool qbLine::JoinsDifferentTypes() const {
   const Ref<qbRelationship> join = Relationship();
   const Ref<qbEntityItem> source = join ? join->SourceItem() : nullptr;
@@ -118,11 +109,15 @@ bool qbLine::JoinsDifferentTypes() const {
 }
 
 const std::vector<PixelPoint>& qbLine::Points(const ScreenScale& scale) const {
-  if (!points_.empty()) return points_;
-  const Ref<qbRelationship> join = Relationship();
   const Ref<qbEntityList> source = source_.lock();
   const Ref<qbEntityList> target = target_.lock();
-  if (!join || !source || !target) return points_;
+  if (!source || !target) return points_;
+  const std::pair layouts(source->Layout(), target->Layout());
+  if (!points_.empty() && routedFor_ == layouts) return points_;
+  points_.clear();
+  routedFor_ = layouts;
+  const Ref<qbRelationship> join = Relationship();
+  if (!join) return points_;
   const Ref<qbEntityItem> sourceItem = join->SourceItem();
   const Ref<qbEntityItem> targetItem = join->TargetItem();
   if (!sourceItem || !targetItem) return points_;

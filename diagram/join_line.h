@@ -4,6 +4,8 @@
 // the next time it is needed after one of its boxes has moved.
 #pragma once
 
+#include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "base/object.h"
@@ -32,8 +34,6 @@ class qbLine final : public Object {
   /// Tells joins of the same two rows apart: 0 for the first. Their lines end a little above and below one another.
   int Twin() const { return twin_; }
   void SetTwin(int twin);
-  /// Whether both joins tie the same two rows, whichever way round.
-  bool IsTwinOf(const qbLine& other) const;
   /// Whether the two columns are known to hold different kinds of data.
   bool JoinsDifferentTypes() const;
 
@@ -41,7 +41,7 @@ class qbLine final : public Object {
   bool Selected() const { return selected_; }
   void SetSelected(bool selected) { selected_ = selected; }
 
-  /// A box has moved, or the join has changed.
+  /// The join has changed. That a box has moved the line sees for itself.
   void Invalidate() { points_.clear(); }
 
   /// The bends, in pixels on the surface; none while the join is not complete.
@@ -66,6 +66,7 @@ class qbLine final : public Object {
   int twin_ = 0;
   bool selected_ = false;
   mutable std::vector<PixelPoint> points_;
+  mutable std::pair<std::uint64_t, std::uint64_t> routedFor_;  // the layouts of the two boxes
   mutable PixelRect area_;
   mutable bool sourceAtRow_ = true;
   mutable bool targetAtRow_ = true;

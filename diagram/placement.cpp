@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace zrqrybld {
 namespace {
@@ -21,6 +22,14 @@ std::optional<Twips> FreePlaceInRow(Twips y, TwipsSize size, const std::map<std:
     x = inTheWay->second.Right() + rules.gap;
   }
   return std::nullopt;
+}
+
+// An entry gets another value, without a need of memory.
+template <class Set, class Value>
+void Replace(Set& set, const Value& before, const Value& after) {
+  auto entry = set.extract(set.find(before));
+  entry.value() = after;
+  set.insert(std::move(entry));
 }
 
 double FirstRowAtOrAfter(Twips y, Twips step) { return std::max(0.0, std::ceil(y / step)); }
@@ -44,8 +53,11 @@ void PlacedBoxes::Move(Id id, const TwipsRect& box) {
   if (before == boxes_.end() || before->second == box) return;
   ForgetFullRows(before->second);
   if (id != latest_) ForgetFullRows(box);
-  Erase(id);
-  Insert(id, box);
+  const TwipsRect was = std::exchange(before->second, box);
+  Replace(byTop_, std::pair(was.top.Value(), id), std::pair(box.top.Value(), id));
+  Replace(heights_, was.height.Value(), box.height.Value());
+  Replace(rights_, was.Right().Value(), box.Right().Value());
+  Replace(bottoms_, was.Bottom().Value(), box.Bottom().Value());
 }
 
 void PlacedBoxes::Remove(Id id) {
@@ -55,12 +67,17 @@ void PlacedBoxes::Remove(Id id) {
   Erase(id);
 }
 
+// All that needs memory comes first.
 void PlacedBoxes::Insert(Id id, const TwipsRect& box) {
+  ByTop top{{box.top.Value(), id}};
+  std::multiset<double> height{box.height.Value()};
+  std::multiset<double> right{box.Right().Value()};
+  std::multiset<double> bottom{box.Bottom().Value()};
   boxes_[id] = box;
-  byTop_.emplace(box.top.Value(), id);
-  heights_.insert(box.height.Value());
-  rights_.insert(box.Right().Value());
-  bottoms_.insert(box.Bottom().Value());
+  byTop_.merge(top);
+  heights_.merge(height);
+  rights_.merge(right);
+  bottoms_.merge(bottom);
 }
 
 void PlacedBoxes::Erase(Id id) {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "base/keyed_list.h"
 #include "base/object.h"
 #include "base/variant.h"
 #include "diagram/join_facts.h"
@@ -37,7 +38,7 @@ class qbRelationship final : public Object {
  public:
   std::string_view TypeName() const override { return "qbRelationship"; }
 
-  /// The position in the source's `Relationships`, from 1; searched at each call.
+  /// The position in the source's `Relationships`, from 1.
   std::int32_t Index() const;
 
   /// The kind of join: `JoinKindFlag` bits; Empty counts as 0.
@@ -102,6 +103,7 @@ class qbRelationship final : public Object {
   WeakRef<qbEntity> source_;
   WeakRef<qbEntity> target_;
   std::weak_ptr<RelationshipOwner> owner_;
+  KeyedList<Ref<qbRelationship>>::Mark mark_ = nullptr;  // among the joins of `owner_`
   Ref<qbLine> line_;
   JoinFacts facts_;
   std::shared_ptr<JoinIdentity> identity_;

@@ -12,7 +12,7 @@ Ref<qbRelationship> qbRelationships::Add(const Ref<qbEntity>& target) {
   const Ref<qbEntity> source = parent_.lock();
   if (!view_ || !source || !target || !target->EntityBox()) ThrowObjectRemoved();
   const Ref<qbRelationship> relationship = Make(source, target);
-  items_.Insert(relationship);
+  Append(relationship);
   Touch();
   source->EntityBox()->Notify("relationshipadd", Ref<Object>(relationship));
   return relationship;
@@ -24,6 +24,11 @@ Ref<qbRelationship> qbRelationships::Make(const Ref<qbEntity>& source, const Ref
   const Ref<qbRelationship> relationship(new qbRelationship(source, target, owner));
   relationship->line_ = view_->LoadLine(relationship, source->EntityBox(), target->EntityBox());
   return relationship;
+}
+
+void qbRelationships::Append(const Ref<qbRelationship>& relationship) {
+  items_.Insert(relationship);
+  relationship->mark_ = items_.MarkAt(items_.Count());
 }
 
 // Joins are remembered with the entity that they start at.
@@ -55,7 +60,7 @@ void qbRelationships::Restore(const std::vector<JoinState>& joins) {
       join->identity_ = state.identity;
       state.identity->live = join;
     }
-    items_.Insert(join);
+    Append(join);
     join->Restore(state.facts);
   }
 }
@@ -102,11 +107,10 @@ void qbRelationships::Detach() {
   view_ = nullptr;
 }
 
+// A removed one has no owner any more.
 std::size_t qbRelationships::PositionOf(const qbRelationship& relationship) const {
-  for (std::size_t i = 1; i <= items_.Count(); ++i) {
-    if (items_.At(i)->get() == &relationship) return i;
-  }
-  return items_.kNone;
+  const bool here = relationship.mark_ && relationship.owner_.lock().get() == this;
+  return here ? items_.PositionOf(relationship.mark_) : items_.kNone;
 }
 
 }  // namespace zrqrybld

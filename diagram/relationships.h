@@ -53,6 +53,7 @@ class qbRelationships final : public Object, private RelationshipOwner {
  private:
   std::size_t PositionOf(const qbRelationship& relationship) const override;
   Ref<qbRelationship> Make(const Ref<qbEntity>& source, const Ref<qbEntity>& target);
+  void Append(const Ref<qbRelationship>& relationship);
   void Touch() const;
 
   DiagramView* view_;

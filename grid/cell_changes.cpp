@@ -16,8 +16,13 @@ void qbGridPane::CellChanged(std::int32_t row, std::int32_t column) {
   if (namesField) NoteRow(RowAt(row));
   if (column == kColumnSortType || column == kColumnSortOrder) NoteSorted(RowAt(row));
   if (busy_) return;
+  const Ref<QueryContext> context = context_.lock();
+  const StepScope step(context, kStepEditCell, CaptionOf(column));
+  WholeOrNothing(context, [&] { FollowChange(row, column, namesField); });
+}
+
+void qbGridPane::FollowChange(std::int32_t row, std::int32_t column, bool namesField) {
   const Ref<zrGridRow> cells = grdPane_->Rows()->Item(row);
-  const StepScope step(context_.lock(), kStepEditCell, CaptionOf(column));
   {
     const ScopedValue busy(busy_, true);
     if (namesField) {
@@ -99,8 +104,13 @@ void qbGridPane::BatchChanged(GridWork kind, bool begins) {
     complained_ = false;
     change_.reset();
     batches_.push_back(context_.lock());
-    if (batches_.back())
-      batches_.back()->BeginStep(kNames[static_cast<std::size_t>(kind)], CaptionOf(grdPane_->Column()));
+    try {
+      if (batches_.back())
+        batches_.back()->BeginStep(kNames[static_cast<std::size_t>(kind)], CaptionOf(grdPane_->Column()));
+    } catch (...) {
+      batches_.pop_back();
+      throw;
+    }
     return;
   }
   if (batches_.empty()) return;

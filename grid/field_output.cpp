@@ -22,20 +22,22 @@ std::int32_t qbGridPane::SetFieldOutput(const std::string& fieldName, bool check
                                         const FieldOutputOptions& options) {
   if (busy_) return 0;
   const StepScope step(context_.lock(), checked ? kStepAddColumn : kStepRemoveColumn, fieldName);
-  const Field field{tableName, fieldName};
-  std::int32_t row = 0;
-  {
-    const ScopedValue busy(busy_, true);
-    if (checked) {
-      if (!options.skipSearch) row = TickRows(field);
-      if (row == 0) row = FillNewRow(field, options.before);
-    } else {
-      UntickRows(field);
+  return WholeOrNothing(context_.lock(), [&] {
+    const Field field{tableName, fieldName};
+    std::int32_t row = 0;
+    {
+      const ScopedValue busy(busy_, true);
+      if (checked) {
+        if (!options.skipSearch) row = TickRows(field);
+        if (row == 0) row = FillNewRow(field, options.before);
+      } else {
+        UntickRows(field);
+      }
+      PushToDiagram(field, checked);
     }
-    PushToDiagram(field, checked);
-  }
-  ReportChange();
-  return row;
+    ReportChange();
+    return row;
+  });
 }
 
 // --- The rows of a field ---
@@ -51,6 +53,7 @@ void qbGridPane::NoteRow(const zrGridRow& row) {
   if (IsEmptyRow(row)) emptyFrom_ = std::min(emptyFrom_, row.Index());
   const std::string* table = row.ValueAt(kColumnTable).StringIf();
   const std::string* column = row.ValueAt(kColumnColumn).StringIf();
+  if (table && !table->empty()) NoteTable(row, *table);
   if (!table || !column || column->empty()) return;
   constexpr std::size_t kSlack = 64;
   if (rowsByField_.size() > 2 * static_cast<std::size_t>(RowCount()) + kSlack) {
@@ -59,6 +62,35 @@ void qbGridPane::NoteRow(const zrGridRow& row) {
     });
   }
   rowsByField_[FieldKey(*table, *column)].push_back(RowAt(row.Index()).weak_from_this());
+}
+
+void qbGridPane::NoteTable(const zrGridRow& row, const std::string& table) {
+  constexpr std::size_t kSlack = 64;
+  const std::size_t many = 2 * static_cast<std::size_t>(RowCount()) + kSlack;
+  if (rowsByTable_.size() > many) {
+    std::erase_if(rowsByTable_, [this](const auto& entry) { return RowsOfTable(entry.first).empty(); });
+  }
+  std::vector<WeakRef<Object>>& noted = rowsByTable_[table];
+  if (noted.size() > many) {
+    const std::vector<Ref<zrGridRow>> rows = RowsOfTable(table);
+    noted.assign(rows.begin(), rows.end());
+  }
+  noted.push_back(RowAt(row.Index()).weak_from_this());
+}
+
+// The rows that name the table, in their order.
+std::vector<Ref<zrGridRow>> qbGridPane::RowsOfTable(const std::string& table) const {
+  std::vector<Ref<zrGridRow>> rows;
+  const auto noted = rowsByTable_.find(table);
+  if (noted == rowsByTable_.end()) return rows;
+  for (const WeakRef<Object>& entry : noted->second) {
+    const auto row = std::static_pointer_cast<zrGridRow>(entry.lock());
+    const std::string* named = row && row->Index() != 0 ? row->ValueAt(kColumnTable).StringIf() : nullptr;
+    if (named && *named == table) rows.push_back(row);
+  }
+  std::ranges::sort(rows, {}, [](const Ref<zrGridRow>& row) { return row->Index(); });
+  rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+  return rows;
 }
 
 // The rows that name the field, in their order.
@@ -137,7 +169,7 @@ void qbGridPane::AddRows(const std::vector<RowContent>& rows) {
   const StepScope step(context_.lock(), kStepAddColumns);
   {
     const ScopedValue busy(busy_, true);
-    grdPane_->SetAutoRedraw(false);
+    std::optional<RedrawPause> pause(std::in_place, *grdPane_);
     std::int32_t position = FirstEmptyRow();
     for (const RowContent& content : rows) {
       // Filled rows may stand between the empty ones.
@@ -150,7 +182,7 @@ void qbGridPane::AddRows(const std::vector<RowContent>& rows) {
       ++position;
     }
     EnsureEmptyLastRow();
-    grdPane_->SetAutoRedraw(true);
+    pause.reset();
     for (const RowContent& content : rows) {
       if (content.output) PushToDiagram({content.table, content.column}, true);
     }

@@ -322,4 +322,22 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   std::unique_ptr<AccessibleTree> access_;  // made when it is asked for
 };
 
+/// The grid is not drawn anew while it lives.
+class [[nodiscard]] RedrawPause {
+ public:
+  explicit RedrawPause(zrGrid& grid) : grid_(grid) { grid_.SetAutoRedraw(false); }
+  RedrawPause(const RedrawPause&) = delete;
+  RedrawPause& operator=(const RedrawPause&) = delete;
+  ~RedrawPause() {
+    try {
+      grid_.SetAutoRedraw(true);
+    } catch (const std::bad_alloc&) {
+      // It is drawn with the next change.
+    }
+  }
+
+ private:
+  zrGrid& grid_;
+};
+
 }  // namespace zrqrybld

@@ -59,10 +59,15 @@ bool zrGrid::OpenEditor(const std::string* typed) {
   if (!editable()) return false;  // a listener has changed what is to be edited
   const bool isCombo = column->Style() == GridColumnCombo || column->Style() == GridColumnComboList;
   edit_ = EditSession{row, column, CellText(currentRow_, currentColumn_), isCombo};
-  if (isCombo) {
-    ShowCombo();
-  } else {
-    ShowTextBox();
+  try {
+    if (isCombo) {
+      ShowCombo();
+    } else {
+      ShowTextBox();
+    }
+  } catch (const std::bad_alloc&) {
+    edit_.reset();  // there may be no editor
+    throw;
   }
   if (edit_) Suggest();
   if (typed && edit_) {

@@ -227,12 +227,12 @@ void qbGridPane::EnsureEmptyLastRow() {
 }
 
 void qbGridPane::ResetRows() {
-  grdPane_->SetAutoRedraw(false);
+  const RedrawPause pause(*grdPane_);
   grdPane_->Rows()->Clear();
   rowsByField_.clear();
+  rowsByTable_.clear();
   sortedRows_.clear();
   for (int i = 0; i < kInitialRows; ++i) AddEmptyRow();
-  grdPane_->SetAutoRedraw(true);
 }
 
 // --- Sorting and grouping ---
@@ -375,10 +375,8 @@ void qbGridPane::RefreshTables() {
 }
 
 void qbGridPane::RemoveRowsOf(const std::string& tableName) {
-  grdPane_->Rows()->RemoveIf([&](const zrGridRow& row) {
-    const std::string* table = row.ValueAt(kColumnTable).StringIf();
-    return table && *table == tableName;
-  });
+  grdPane_->Rows()->Remove(RowsOfTable(tableName));
+  rowsByTable_.erase(tableName);
   CloseSortGaps();
   EnsureEmptyLastRow();
 }

@@ -228,6 +228,8 @@ class qbGridPane final : public Object {
   Field FieldOf(const zrGridRow& row) const { return {Text(row, kColumnTable), Text(row, kColumnColumn)}; }
   bool IsRowOf(const zrGridRow& row, const Field& field) const;
   std::vector<Ref<zrGridRow>> RowsOf(const Field& field) const;
+  std::vector<Ref<zrGridRow>> RowsOfTable(const std::string& table) const;
+  void NoteTable(const zrGridRow& row, const std::string& table);
   void NoteRow(const zrGridRow& row);
   std::int32_t FirstEmptyRow();
   std::int32_t TickRows(const Field& field);
@@ -246,6 +248,7 @@ class qbGridPane final : public Object {
   // --- Changes and edits (cell_changes.cpp, cell_edits.cpp) ---
 
   void CellChanged(std::int32_t row, std::int32_t column);
+  void FollowChange(std::int32_t row, std::int32_t column, bool namesField);
   void RespellField(zrGridRow& row, std::int32_t column);
   void RowsAboutToGo(std::int32_t first, std::int32_t last);
   void RowsMoved();
@@ -295,6 +298,7 @@ class qbGridPane final : public Object {
   std::vector<Ref<QueryContext>> batches_;
   // The rows of each field. Entries are only added; what is out of date is dropped when it is met.
   mutable std::unordered_map<std::string, std::vector<WeakRef<Object>>> rowsByField_;
+  std::unordered_map<std::string, std::vector<WeakRef<Object>>> rowsByTable_;  // out of date as those
   mutable std::vector<WeakRef<Object>> sortedRows_;  // with a sort type or number; out of date as those
   std::int32_t emptyFrom_ = 1;                       // no row before this one is empty
 };

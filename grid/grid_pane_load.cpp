@@ -20,20 +20,16 @@ std::string FieldKey(const std::string& table, const std::string& column) {
 void qbGridPane::LoadRows(const std::vector<LoadedCell>& cells) {
   const StepScope step(context_.lock(), kStepLoadQuery);
   const ScopedValue busy(busy_, true);
-  grdPane_->SetAutoRedraw(false);
-  grdPane_->Rows()->Clear();
-  try {
+  {
+    const RedrawPause pause(*grdPane_);
+    grdPane_->Rows()->Clear();
     for (const LoadedCell& cell : cells) {
       while (RowCount() < cell.row) AddEmptyRow();
       LoadCell(cell);
     }
-  } catch (...) {
-    grdPane_->SetAutoRedraw(true);
-    throw;
+    EnsureEmptyLastRow();
+    TickOutputs();
   }
-  EnsureEmptyLastRow();
-  TickOutputs();
-  grdPane_->SetAutoRedraw(true);
   ReportChange();
 }
 

@@ -1,6 +1,9 @@
 #include "grid/rows.h"
 
 #include <algorithm>
+#include <new>
+#include <optional>
+#include <utility>
 
 #include "base/error.h"
 #include "base/text.h"
@@ -28,7 +31,7 @@ Variant AsCheckBoxValue(const Variant& value) {
 
 }  // namespace
 
-zrGridRow::zrGridRow(zrGridRows* list, std::string key) : list_(list) {
+zrGridRow::zrGridRow(std::string key) {
   if (key.empty()) return;
   content_ = std::make_shared<RowContent>();
   content_->key = std::move(key);
@@ -46,7 +49,7 @@ RowContent& zrGridRow::Changing() {
   } else if (content_.use_count() > 1) {
     content_ = std::make_shared<RowContent>(*content_);
   }
-  if (list_) list_->untouched_.Touch(index_ - 1, static_cast<std::size_t>(list_->Count()) - index_);
+  if (list_) list_->untouched_.Touch(IndexInList() - 1, list_->items_.Count() - IndexInList());
   return *content_;
 }
 
@@ -105,11 +108,18 @@ void zrGridRow::SetValue(const Variant& column, Variant value) {
     if (ValueAt(position) == value) return;
   }
   const Ref<Object> alive = shared_from_this();  // a listener may remove the row
-  if (!owner.BeforeCellChange(index_, position) || !list_) return;
+  if (!owner.BeforeCellChange(IndexInList(), position) || !list_) return;
   GridCell& cell = CellAt(position);
-  cell.value = std::move(value);
+  Variant before = std::exchange(cell.value, std::move(value));
   cell.hint.reset();
-  owner.AfterCellChange(index_, position);
+  try {
+    owner.AfterCellChange(IndexInList(), position);
+  } catch (const std::bad_alloc&) {
+    // Where the change was remembered, or was taken back, the content is shared; else nobody has heard of it.
+    const bool unheard = content_.use_count() == 1 && position <= content_->cells.size();
+    if (unheard) content_->cells[position - 1].value = std::move(before);
+    throw;
+  }
 }
 
 const Variant& zrGridRow::TagVariant(const Variant& column) const { return TagAt(Position(column)); }
@@ -119,25 +129,29 @@ void zrGridRow::SetTagVariant(const Variant& column, Variant tag) { CellAt(Posit
 const std::string& zrGridRow::Key() const { return content_ ? content_->key : NoText(); }
 
 void zrGridRow::SetKey(std::string key) {
-  if (list_) list_->items_.Rekey(index_, key);
+  if (list_) list_->items_.Rekey(IndexInList(), key);
   Changing().key = std::move(key);
 }
 
+void zrGridRows::Insert(const Ref<zrGridRow>& row, std::size_t position) {
+  items_.Insert(row, row->Key(), position);
+  row->mark_ = items_.MarkAt(position);
+  row->list_ = this;
+}
+
+void zrGridRows::TakeOut(std::size_t position) { items_.RemoveAt(position)->list_ = nullptr; }
+
 Ref<zrGridRow> zrGridRows::Add(const std::string& key, const Variant& before, const Variant& after) {
   const std::size_t place = PlaceFor(items_, before, after);
-  const Ref<zrGridRow> row(new zrGridRow(this, key));
-  items_.Insert(row, key, place);
-  Renumber(place);
-  untouched_.Touch(static_cast<std::size_t>(row->Index()) - 1, items_.Count() - static_cast<std::size_t>(row->Index()));
+  const Ref<zrGridRow> row(new zrGridRow(key));
+  Insert(row, place);
+  untouched_.Touch(place - 1, items_.Count() - place);
   if (owner_) owner_->RowsChanged(place);
   return row;
 }
 
 void zrGridRows::DetachRows() {
-  for (std::size_t i = 1; i <= items_.Count(); ++i) {
-    (*items_.At(i))->list_ = nullptr;
-    (*items_.At(i))->index_ = 0;
-  }
+  for (std::size_t i = 1; i <= items_.Count(); ++i) (*items_.At(i))->list_ = nullptr;
 }
 
 void zrGridRows::Clear() {
@@ -151,38 +165,35 @@ void zrGridRows::Move(std::int32_t from, std::int32_t to) {
   const std::size_t source = RequirePosition(items_, from);
   const std::size_t target = RequirePosition(items_, to);
   items_.Move(source, target);
-  Renumber(std::min(source, target));
   untouched_.Touch(std::min(source, target) - 1, items_.Count() - std::max(source, target));
   if (owner_) owner_->RowsChanged(std::min(source, target));
 }
 
 void zrGridRows::Remove(const Variant& index) {
   const std::size_t position = RequirePosition(items_, index);
-  const Ref<zrGridRow> row = items_.RemoveAt(position);
-  row->list_ = nullptr;
-  row->index_ = 0;
-  Renumber(position);
+  TakeOut(position);
   untouched_.Touch(position - 1, items_.Count() - (position - 1));
   if (owner_) owner_->RowsChanged(position);
 }
 
 void zrGridRows::RemoveIf(const std::function<bool(const zrGridRow&)>& unwanted) {
-  std::size_t first = 0;
-  std::size_t last = 0;
-  std::size_t removed = 0;
-  items_.RemoveIf([&](const Ref<zrGridRow>& row) {
-    if (!unwanted(*row)) return false;
-    if (first == 0 || row->index_ < first) first = row->index_;
-    last = std::max(last, row->index_);
-    ++removed;
-    row->list_ = nullptr;
-    row->index_ = 0;
-    return true;
-  });
-  if (first == 0) return;
-  Renumber(first);
-  untouched_.Touch(first - 1, items_.Count() + removed - last);
-  if (owner_) owner_->RowsChanged(first);
+  std::vector<Ref<zrGridRow>> rows;
+  for (std::size_t i = 1; i <= items_.Count(); ++i) {
+    if (unwanted(At(i))) rows.push_back(*items_.At(i));
+  }
+  Remove(rows);
+}
+
+void zrGridRows::Remove(const std::vector<Ref<zrGridRow>>& rows) {
+  std::optional<std::size_t> first;
+  for (const Ref<zrGridRow>& row : rows) {
+    if (row->list_ != this) continue;
+    const std::size_t position = row->IndexInList();
+    first = std::min(position, first.value_or(position));
+    TakeOut(position);
+    untouched_.Touch(position - 1, items_.Count() - (position - 1));
+  }
+  if (owner_ && first) owner_->RowsChanged(*first);
 }
 
 void zrGridRows::DropColumn(std::size_t position) {
@@ -206,16 +217,13 @@ void zrGridRows::Restore(std::size_t first, std::size_t count, const std::vector
     (*items_.At(first + i))->content_ = std::const_pointer_cast<RowContent>(contents[i]);
   }
   for (std::size_t i = count; i > same; --i) {
-    const Ref<zrGridRow> row = items_.RemoveAt(first + i - 1);
-    row->list_ = nullptr;
-    row->index_ = 0;
+    TakeOut(first + i - 1);
   }
   for (std::size_t i = same; i < contents.size(); ++i) {
-    const Ref<zrGridRow> row(new zrGridRow(this, {}));
+    const Ref<zrGridRow> row(new zrGridRow({}));
     row->content_ = std::const_pointer_cast<RowContent>(contents[i]);
-    items_.Insert(row, keyOf(contents[i]), first + i);
+    Insert(row, first + i);
   }
-  Renumber(first);
   untouched_.Touch(first - 1, items_.Count() - (first - 1) - contents.size());
   if (!owner_) return;
   owner_->CellLooksChanged();
@@ -247,10 +255,6 @@ std::size_t SizeOf(const SharedRowContent& content) {
     bytes += sizeof(GridCell) + (text ? text->size() : 0);
   }
   return bytes;
-}
-
-void zrGridRows::Renumber(std::size_t from) {
-  for (std::size_t i = from; i <= items_.Count(); ++i) (*items_.At(i))->index_ = i;
 }
 
 }  // namespace zrqrybld

@@ -66,7 +66,7 @@ class zrGridRow final : public Object {
   std::string_view TypeName() const override { return "zrGridRow"; }
 
   /// The position among the rows, from 1; 0 once the row was removed.
-  std::int32_t Index() const { return static_cast<std::int32_t>(index_); }
+  std::int32_t Index() const { return static_cast<std::int32_t>(IndexInList()); }
 
   /// The longest text that the cell's editor takes, in characters; 0 means any.
   std::int32_t MaxLen(const Variant& column) const;
@@ -108,14 +108,15 @@ class zrGridRow final : public Object {
 
  private:
   friend class zrGridRows;
-  zrGridRow(zrGridRows* list, std::string key);
+  explicit zrGridRow(std::string key);
   std::size_t Position(const Variant& column) const;
+  std::size_t IndexInList() const { return list_ ? KeyedList<Ref<zrGridRow>>::PositionOf(mark_) : 0; }
   const GridCell* CellIf(std::size_t column) const;
   RowContent& Changing();
   GridCell& CellAt(std::size_t column);
 
-  zrGridRows* list_;  // none once the row was removed
-  std::size_t index_ = 0;
+  zrGridRows* list_ = nullptr;  // none once the row was removed
+  KeyedList<Ref<zrGridRow>>::Mark mark_ = nullptr;
   std::shared_ptr<RowContent> content_;  // none while the row is empty
 };
 
@@ -142,6 +143,8 @@ class zrGridRows final : public Object {
   void Remove(const Variant& index);
   /// Removes all rows of which `unwanted` says so, in one pass.
   void RemoveIf(const std::function<bool(const zrGridRow&)>& unwanted);
+  /// Removes these rows, as far as they are still there; the grid is told once.
+  void Remove(const std::vector<Ref<zrGridRow>>& rows);
 
   /// The row at a position that exists.
   zrGridRow& At(std::size_t position) const { return **items_.At(position); }
@@ -160,7 +163,8 @@ class zrGridRows final : public Object {
 
  private:
   friend class zrGridRow;
-  void Renumber(std::size_t from);
+  void Insert(const Ref<zrGridRow>& row, std::size_t position);
+  void TakeOut(std::size_t position);
   void DetachRows();
 
   RowOwner* owner_;

@@ -53,6 +53,9 @@ class qbProperties final : public Object {
   /// Whether the key is in use, in any letter case.
   bool Exists(std::string_view key) const { return items_.Find(key) != nullptr; }
 
+  /// Whether exactly this key is in use.
+  bool HasExactly(std::string_view key) const { return items_.HasExactly(key); }
+
   /// The pair at a position from 1 or under a key. Error 9 when there is none.
   Ref<qbProperty> Item(const Variant& index) const { return *items_.At(RequirePosition(items_, index)); }
 

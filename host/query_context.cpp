@@ -1,6 +1,7 @@
 #include "host/query_context.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include "base/error.h"
@@ -47,7 +48,7 @@ void QueryContext::RunOperation(const StepName& stepName, QueryBuilderInfoEnum o
   const auto run = [&] {
     const StepScope step(RefTo(*this), stepName, about);
     const StateScope state(*this, operation);
-    work();
+    WholeOrNothing(RefTo<QueryContext>(*this), work);
   };
   try {
     run();
@@ -60,19 +61,38 @@ void QueryContext::RunOperation(const StepName& stepName, QueryBuilderInfoEnum o
 
 void QueryContext::BeginStep(const StepName& name, const std::string& about) {
   TakeBackState();
-  if (stepDepth_++ > 0) return;
-  step_ = StepLabel(name, about);
-  StepBegins(step_);
+  if (stepDepth_ == 0) step_ = StepLabel(name, about);
+  if (++stepDepth_ > 1) return;
+  try {
+    StepBegins(step_);
+  } catch (...) {
+    --stepDepth_;  // it has not begun
+    throw;
+  }
 }
 
 void QueryContext::EndStep() {
   if (stepDepth_ == 0) throw Error(ErrorInvalidCall, "No step has begun.");
+  if (stepDepth_ == 1 && std::exchange(takesStepBack_, false)) {
+    try {
+      StepFailed();
+    } catch (...) {
+      stepDepth_ = 0;
+      throw;
+    }
+    entitiesChangedFrom_ = 1;
+  }
   if (--stepDepth_ > 0) return;
   const ScopedValue ending(stepEnding_, true);
   const bool writes = std::exchange(changed_, false) && state_ == InfoDone;
-  StepMade(step_, writes);
-  if (const auto from = std::exchange(entitiesChangedFrom_, std::nullopt)) RefreshTableList(*from);
-  if (writes) RefreshStatement();
+  try {
+    StepMade(step_, writes);
+    if (const auto from = std::exchange(entitiesChangedFrom_, std::nullopt)) RefreshTableList(*from);
+    if (writes) RefreshStatement();
+  } catch (const std::bad_alloc&) {
+    changed_ = changed_ || writes;  // the next step writes what this one could not
+    throw;
+  }
   if (state_ == InfoDone) StepEnded();
 }
 

@@ -10,6 +10,7 @@
 #include <exception>
 #include <functional>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -169,6 +170,8 @@ class QueryContext : public Object {
   void BeginStep(const StepName& name, const std::string& about = {});
   /// Ends it. Error 5 when none has begun.
   void EndStep();
+  /// Memory has run out in the step that goes on: at its end the query is made what it was before it.
+  void TakeStepBack() { takesStepBack_ = stepDepth_ > 0; }
 
   // --- Whom the panes tell ---
 
@@ -215,6 +218,9 @@ class QueryContext : public Object {
 
   /// The outermost step begins.
   virtual void StepBegins(const StepLabel&) {}
+  /// It is to be taken back; it goes on while that is done. Done again when the next step begins, when memory runs out
+  /// in it.
+  virtual void StepFailed() {}
   /// Its changes are complete; the statement is written next, when `writes` says so.
   virtual void StepMade(const StepLabel&, [[maybe_unused]] bool writes) {}
   /// The statement is written, too, and the designer is idle.
@@ -248,6 +254,7 @@ class QueryContext : public Object {
   QueryBuilderInfoEnum state_ = InfoDone;
   bool stateIsLeft_ = false;
   int stepDepth_ = 0;
+  bool takesStepBack_ = false;
   bool stepEnding_ = false;
   StepLabel step_;
   bool changed_ = false;
@@ -271,7 +278,7 @@ class [[nodiscard]] StepScope {
     }
     try {
       context_->EndStep();
-    } catch (const std::exception&) {
+    } catch (...) {
       // The step ends because of an error; that error goes on, not one from writing the statement.
     }
   }
@@ -280,6 +287,18 @@ class [[nodiscard]] StepScope {
   Ref<QueryContext> context_;
   int exceptions_ = std::uncaught_exceptions();
 };
+
+/// Runs a part of a step. When memory runs out in it, the error goes on and the step is taken back at its end: what is
+/// half done is not left in the design.
+template <class Work>
+decltype(auto) WholeOrNothing(const Ref<QueryContext>& context, Work work) {
+  try {
+    return work();
+  } catch (const std::bad_alloc&) {
+    if (context) context->TakeStepBack();
+    throw;
+  }
+}
 
 /// Says what the designer is busy with for the length of a scope. Only the outermost operation sets the
 /// state, and it sets it back, also when an error ends it.

@@ -234,22 +234,20 @@ void History::Forget(Design now) {
 // --- Travelling ---
 
 const Design& History::Travel(bool back) {
-  Step step;
+  // What needs memory comes first: the step is undone whole or not at all.
+  const Step& step = back ? undo_.back() : redo_.back();
+  Design then = known_;
+  Apply(then.entities, step.entities, back);
+  Apply(then.rows, step.rows, back);
+  if (step.options) then.options = back ? step.options->first : step.options->second;
   if (back) {
-    step = std::move(undo_.back());
+    redo_.push_back(std::move(undo_.back()));
     undo_.pop_back();
   } else {
-    step = std::move(redo_.back());
+    undo_.push_back(std::move(redo_.back()));
     redo_.pop_back();
   }
-  Apply(known_.entities, step.entities, back);
-  Apply(known_.rows, step.rows, back);
-  if (step.options) known_.options = back ? step.options->first : step.options->second;
-  if (back) {
-    redo_.push_back(std::move(step));
-  } else {
-    undo_.push_back(std::move(step));
-  }
+  known_ = std::move(then);
   mayMerge_ = false;
   return known_;
 }

@@ -97,10 +97,16 @@ class qbQueryBuilder final : public QueryContext {
 
   /// Reads a saved query, a file or with `fileIsData` its text, into what is there: nothing is cleared. Names the
   /// file's statement and connection string in the two results, where given; with `returnParametersOnly` that is all.
+  /// A result stays as it is when the file does not have it, and has it even when an error ends the load later.
   /// True, or False when the saved connection cannot be opened, or may not be, as one that came with a file (see
   /// `LastError`). Error 40003 when the query cannot be read; what was read until then stays.
   bool LoadQuery(const std::string& filename, bool fileIsData = false, bool returnParametersOnly = false,
                  std::string* sqlStatement = nullptr, std::string* connectionString = nullptr);
+
+  /// What the last `LoadQuery` passed over, a sentence each with its line: text that stands in no section, a section
+  /// without an end, unknown sections and keys, bytes that are no UTF-8. A file that says nothing of the kind is read
+  /// completely; one that does loses this when it is written anew. Empty at first.
+  const std::vector<std::string>& LoadRemarks() const { return loadRemarks_; }
 
   /// Replaces all captions by those of a language file. Always False, also on success: a failure is error
   /// 40000.
@@ -248,6 +254,7 @@ class qbQueryBuilder final : public QueryContext {
   void RefreshStatement() override;
   void RefreshTableList(std::int32_t from) override;
   void StepBegins(const StepLabel& step) override;
+  void StepFailed() override;
   void StepMade(const StepLabel& step, bool writes) override;
   void StepEnded() override;
 
@@ -264,6 +271,7 @@ class qbQueryBuilder final : public QueryContext {
   void RememberAll();
   bool Travel(bool back);
   void EndStepless();
+  void TakeBack();
   void Restore(const Design& now, const Design& then);
   void RestoreOptions(const DesignOptions& options);
   std::string TextOf(const History::Step* step) const;
@@ -280,7 +288,10 @@ class qbQueryBuilder final : public QueryContext {
   std::shared_ptr<SchemaCache> schema_;
   std::optional<Error> lastError_;
   std::string confirmedConnection_;  // the string that a person was warned of last, and wanted
+  std::vector<std::string> loadRemarks_;
   History history_;
+  bool historyLost_ = false;          // memory ran out while a step was noted: what is known is not what is there
+  bool takesBack_ = false;            // the design is not what is known, and is to be made that
   bool historyChanged_ = false;       // and nobody was told yet
   bool travelling_ = false;           // a step is being undone or redone
   std::optional<std::string> typed_;  // what was typed and not applied when the step began

@@ -14,7 +14,8 @@ bool qbQueryBuilder::SaveQuery(std::string& filename, bool returnData) {
     if (returnData) {
       filename = std::move(text);
     } else {
-      WriteWholeFile(filename, text + "\r\n");
+      const bool holdsPassword = saveConnectionString_ && savePassword_;
+      WriteWholeFile(filename, text + "\r\n", GetToolkit().Files(), holdsPassword);
     }
   });
   return false;
@@ -29,15 +30,15 @@ bool qbQueryBuilder::LoadQuery(const std::string& filename, bool fileIsData, boo
                                std::string* sqlStatement, std::string* connectionString) {
   bool complete = false;
   RunOperation(kStepLoadQuery, InfoLoadingQuery, [&] {
-    QueryFileReader reader(*this, returnParametersOnly);
+    loadRemarks_.clear();
+    QueryFileReader reader(*this, {returnParametersOnly, sqlStatement, connectionString}, loadRemarks_);
     try {
       RaiseInfo(InfoLoadingQuery, fileIsData ? std::string() : filename);
-      complete = reader.Read(fileIsData ? filename : ReadWholeFile(filename, kLargestQueryFile));
+      const std::string text = fileIsData ? filename : ReadWholeFile(filename, kLargestQueryFile);
+      complete = WholeOrNothing(RefTo<QueryContext>(*this), [&] { return reader.Read(text); });
     } catch (const std::exception& cause) {
       throw WrapError(ErrorLoadingQuery, "An error occured while loading the query.", cause);
     }
-    if (sqlStatement) *sqlStatement = reader.Found().sqlStatement;
-    if (connectionString) *connectionString = reader.Found().connectionString;
     if (!complete || returnParametersOnly) return;
     if (sqlPane_) sqlPane_->QueryReplaced();
     QueryChanged();

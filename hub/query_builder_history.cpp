@@ -66,6 +66,7 @@ void qbQueryBuilder::RememberAll() {
   design.options = CurrentOptions();
   const bool hadSteps = CanUndo() || CanRedo();
   history_.Forget(std::move(design));
+  historyLost_ = false;
   if (hadSteps) HistoryChanged.Raise();
 }
 
@@ -79,6 +80,8 @@ void qbQueryBuilder::ClearHistory() {
 // What the application has set outside of any step, such as the place of a box or the dialect, is no part of the step
 // that begins. Ticks and cells have changed already when their step begins.
 void qbQueryBuilder::StepBegins(const StepLabel& step) {
+  if (historyLost_) RememberAll();
+  if (takesBack_) TakeBack();
   typed_.reset();
   if (sqlPane_ && sqlPane_->IsEdited() && step.id != kStepApplyStatement.id) typed_ = sqlPane_->SQLStatement();
   DesignChange change;
@@ -86,12 +89,35 @@ void qbQueryBuilder::StepBegins(const StepLabel& step) {
   history_.Adopt(change.untouchedEntities.before, change.entities, CurrentOptions());
 }
 
+void qbQueryBuilder::StepFailed() {
+  typed_.reset();
+  takesBack_ = !historyLost_;
+  if (takesBack_) TakeBack();
+}
+
+// All of the design is compared with what is known: what a failed step has touched, nobody can say.
+void qbQueryBuilder::TakeBack() {
+  Design now;
+  if (gridPane_) {
+    const zrGridRows& rows = *gridPane_->Grid()->Rows();
+    for (std::size_t i = 1; i <= static_cast<std::size_t>(rows.Count()); ++i) now.rows.push_back(rows.At(i).Content());
+  }
+  now.options = CurrentOptions();
+  Restore(now, Design(history_.Known()));
+  takesBack_ = false;
+}
+
 void qbQueryBuilder::StepMade(const StepLabel& step, bool writes) {
   std::optional<std::string> typed = std::exchange(typed_, std::nullopt);
   if (!writes || (sqlPane_ && sqlPane_->KeepsTyped())) typed.reset();
-  historyChanged_ |= history_.Record(step, CurrentChange(), std::move(typed));
-  if (const Ref<qbEntities> entities = Entities()) entities->Remembered();
-  if (gridPane_) gridPane_->Grid()->Rows()->Remembered();
+  try {
+    historyChanged_ |= history_.Record(step, CurrentChange(), std::move(typed));
+    if (const Ref<qbEntities> entities = Entities()) entities->Remembered();
+    if (gridPane_) gridPane_->Grid()->Rows()->Remembered();
+  } catch (...) {
+    historyLost_ = true;
+    throw;
+  }
 }
 
 void qbQueryBuilder::StepEnded() {
@@ -113,10 +139,12 @@ bool qbQueryBuilder::Travel(bool back) {
   const std::optional<std::string> typed = back ? step->typed : std::nullopt;
   {
     const StepScope scope(RefTo(*this), kStepChange);
-    const Design now = history_.Known();
-    const Design then = history_.Travel(back);
-    historyChanged_ = true;
-    Restore(now, then);
+    WholeOrNothing(RefTo<QueryContext>(*this), [&] {
+      const Design now = history_.Known();
+      const Design then = history_.Travel(back);
+      historyChanged_ = true;
+      Restore(now, then);
+    });
   }
   if (typed && sqlPane_ && !sqlPane_->IsEdited()) sqlPane_->ShowTyped(*typed);
   return true;

@@ -16,8 +16,10 @@ namespace {
 
 // Beyond these a file is none that anybody has designed.
 constexpr std::size_t kMostEntities = 5000;
+constexpr std::size_t kMostJoins = 100'000;
 constexpr double kMostRows = 100'000;
 constexpr double kFarthest = 10'000'000;  // twips
+constexpr std::size_t kMostRemarks = 100;
 
 [[noreturn]] void ThrowUnreadable(std::string_view key, std::string_view value, std::string_view what) {
   std::string text(key);
@@ -34,14 +36,17 @@ std::string_view TakeLine(std::string_view& text) {
   return line;
 }
 
+// A whole number where it is one: it counts as a position.
+Variant NumberOf(double number) {
+  if (std::nearbyint(number) == number && std::abs(number) <= 1'000'000) return static_cast<std::int32_t>(number);
+  return number;
+}
+
 // A position is a number, a key is a text; nothing was never set.
-Variant ItemIndexOf(std::string_view text) {
+Variant ImageIndexOf(std::string_view text) {
   if (text.empty()) return {};
   const std::optional<double> number = ParseNumber(text);
-  if (number && std::nearbyint(*number) == *number && std::abs(*number) <= 1'000'000) {
-    return static_cast<std::int32_t>(*number);
-  }
-  return text;
+  return number ? NumberOf(*number) : Variant(text);
 }
 
 }  // namespace
@@ -72,67 +77,154 @@ std::string QueryFileReader::Section::Text(std::string_view key) const {
 
 // --- Lines ---
 
+// What a file may hold: the sections, the keys of each that are read, and what takes it in.
+struct QueryFileReader::SectionKind {
+  std::string_view name;
+  std::string_view keys;  // each between blanks; none where any key is one
+  void (QueryFileReader::*take)();
+  bool withParametersOnly;
+};
+
+const QueryFileReader::SectionKind* QueryFileReader::KindOf(std::string_view name) {
+  static constexpr SectionKind kKinds[] = {
+      {"ENTITY", " CAPTION TAGVARIANT TOP LEFT WIDTH HEIGHT PROPERTYCOUNT ", &QueryFileReader::TakeEntity, false},
+      {"ENTITYITEM",
+       " ENTITYINDEX BOLD CHECKED COLOR INDEX KEY SMALLICON TEXT TOOLTIPTEXT PROPERTYCOUNT ",
+       &QueryFileReader::TakeItem, false},
+      {"RELATIONSHIP",
+       " ITEMDATA LEFTINDICATOR RIGHTINDICATOR SOURCE SOURCEITEMINDEX TARGET TARGETITEMINDEX ",
+       &QueryFileReader::TakeRelationship, false},
+      {"GRIDPANEDATA", " DATEFORMAT DATEFORMATSTYLE SHOWGROUPBY ", &QueryFileReader::TakeGridOptions, false},
+      {"GRIDDATA", "", &QueryFileReader::TakeGrid, false},
+      {"SQLDATA",
+       " SELECTTOPRECORDS DISTINCTRECORDS LIKEOPERATOR LOCKED SQLSYNTAX SQLSTATEMENT ",
+       &QueryFileReader::TakeSQL, true},
+  };
+  const auto found =
+      std::ranges::find_if(kKinds, [name](const SectionKind& kind) { return EqualsNoCase(name, kind.name); });
+  return found == std::end(kKinds) ? nullptr : found;
+}
+
 bool QueryFileReader::Read(std::string_view text) {
   if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
-  std::size_t number = 0;
   try {
     while (!text.empty()) {
-      ++number;
+      ++line_;
       if (!ReadLine(TakeLine(text))) return false;
     }
     ApplyPendingTicks();
   } catch (const Error& error) {
-    throw Error(error.Number(), error.Description() + " (line " + std::to_string(number) + ")");
+    throw Error(error.Number(), error.Description() + " (line " + std::to_string(line_) + ")");
   }
+  RemarkOpenSection();
+  if (!anySection_) Remark(line_, "The text holds no section of a query file");
   return true;
 }
 
 bool QueryFileReader::ReadLine(std::string_view line) {
+  if (!encodingRemarked_ && (!IsUtf8(line) || line.find('\0') != std::string_view::npos)) {
+    encodingRemarked_ = true;
+    Remark(line_, "The text is not UTF-8, or no text at all");
+  }
   const std::size_t equals = line.find('=');
   std::string_view key = line.substr(0, equals);
   key.remove_prefix(std::min(key.find_first_not_of(' '), key.size()));
   const std::string_view value = equals == std::string_view::npos ? std::string_view() : line.substr(equals + 1);
   if (StartsWithNoCase(key, "BEGIN ") || StartsWithNoCase(key, "END ")) {
     ReadMarker(key);
-  } else if (EqualsNoCase(key, "CONNECTIONSTRING") && !inSection_) {
-    return TakeConnection(value);
-  } else if (inSection_) {
+  } else if (open_) {
     section_.Add(key, value);
+  } else if (EqualsNoCase(key, "CONNECTIONSTRING") && !unknown_) {
+    return TakeConnection(value);
+  } else if (!unknown_ && !TrimWhite(line).empty() && !EqualsNoCase(key, "VERSION")) {
+    Remark(line_, "A line stands in no section", key);
   }
   return true;
 }
 
 void QueryFileReader::ReadMarker(std::string_view marker) {
-  struct End {
-    std::string_view section;
-    void (QueryFileReader::*take)();
-    bool withParametersOnly;
-  };
-  constexpr End kEnds[] = {
-      {"ENTITY", &QueryFileReader::TakeEntity, false},
-      {"ENTITYITEM", &QueryFileReader::TakeItem, false},
-      {"RELATIONSHIP", &QueryFileReader::TakeRelationship, false},
-      {"GRIDPANEDATA", &QueryFileReader::TakeGridOptions, false},
-      {"GRIDDATA", &QueryFileReader::TakeGrid, false},
-      {"SQLDATA", &QueryFileReader::TakeSQL, true},
-  };
-  const bool begins = StartsWithNoCase(marker, "BEGIN ");
-  for (const End& end : kEnds) {
-    if (!EqualsNoCase(marker.substr(begins ? 6 : 4), end.section)) continue;
-    if (begins) {
-      section_.Clear();
-    } else if (end.withParametersOnly || !parametersOnly_) {
-      section_.MakeIndex();
-      (this->*end.take)();
-    }
-    inSection_ = begins;
-    return;
+  if (StartsWithNoCase(marker, "BEGIN ")) {
+    Begin(marker.substr(6));
+  } else {
+    End(marker.substr(4));
   }
 }
 
+// Inside a section that is known, one that is not is passed over as a key would be.
+void QueryFileReader::Begin(std::string_view name) {
+  const SectionKind* kind = KindOf(name);
+  if (!kind) {
+    Remark(line_, "A section is not known", name);
+    PassOverMarker();
+    if (!open_) unknown_ = line_;
+    return;
+  }
+  RemarkOpenSection();
+  anySection_ = true;
+  section_.Clear();
+  section_.line = line_;
+  open_ = kind;
+  unknown_.reset();
+}
+
+// A line of the open section, which counts its lines.
+void QueryFileReader::PassOverMarker() {
+  if (open_) section_.Add({}, {});
+}
+
+void QueryFileReader::End(std::string_view name) {
+  const SectionKind* kind = KindOf(name);
+  if (!kind) {
+    PassOverMarker();
+    unknown_.reset();
+    return;
+  }
+  if (open_ != kind) Remark(line_, "The end of a section that has not begun", name);
+  if (kind->withParametersOnly || !parameters_.only) {
+    section_.MakeIndex();
+    (this->*kind->take)();
+  }
+  if (open_) RemarkUnknownKeys();
+  open_ = nullptr;
+  unknown_.reset();
+}
+
+// --- Remarks ---
+
+void QueryFileReader::Remark(std::size_t line, std::string_view what, std::string_view about) {
+  if (remarks_.size() > kMostRemarks) return;
+  if (remarks_.size() == kMostRemarks) {
+    remarks_.emplace_back("There is more that was passed over.");
+    return;
+  }
+  std::string text(what);
+  const bool isText = IsUtf8(about) && std::ranges::none_of(about, [](unsigned char c) { return c < ' '; });
+  if (!about.empty() && isText) text.append(": ").append(FirstCharacters(about, 80));
+  remarks_.push_back(text + " (line " + std::to_string(line) + ").");
+}
+
+// Properties are numbered: `Property1Key`, `Property1Value` and so on.
+void QueryFileReader::RemarkUnknownKeys() {
+  if (open_->keys.empty()) return;
+  const bool hasProperties = open_->keys.find(" PROPERTYCOUNT ") != std::string_view::npos;
+  std::size_t line = section_.line;
+  for (const auto& [key, value] : section_.Lines()) {
+    ++line;
+    const std::string name = UpperAscii(key);
+    const bool isKnown = name.empty() || open_->keys.find(" " + name + " ") != std::string_view::npos ||
+                         (hasProperties && name.starts_with("PROPERTY"));
+    if (!isKnown) Remark(line, "A key is not known", key);
+  }
+}
+
+void QueryFileReader::RemarkOpenSection() {
+  if (open_) Remark(section_.line, "A section has no end", open_->name);
+  if (unknown_) Remark(*unknown_, "A section has no end");
+}
+
 bool QueryFileReader::TakeConnection(std::string_view value) {
-  parameters_.connectionString = value;
-  if (parametersOnly_ || !hub_.ConnectOnLoad() || value.empty()) return true;
+  if (parameters_.connectionString) *parameters_.connectionString = value;
+  if (parameters_.only || !hub_.ConnectOnLoad() || value.empty()) return true;
   hub_.Connect(std::string(value), ConnectionOrigin::File);
   return !hub_.LastError() && hub_.IsConnected();
 }
@@ -164,16 +256,27 @@ Ref<qbEntity> QueryFileReader::RequireEntity(std::string_view key) const {
   return entity;
 }
 
+// A number is a position; anything else is a key, whose position counts from now on. Nothing was never set.
+Variant QueryFileReader::RequireItemIndex(std::string_view key, const qbEntity& entity) const {
+  const std::string text = section_.Text(key);
+  if (text.empty()) return {};
+  if (const std::optional<double> number = ParseNumber(text)) return NumberOf(*number);
+  const Ref<qbEntityItem> item = entity.Items()->Item(text);
+  if (!item) ThrowUnreadable(key, text, "there is no such column in " + entity.Caption());
+  return item->Index();
+}
+
 void QueryFileReader::CopyProperties(qbProperties& properties) const {
   if (!section_.Find("PropertyCount")) return;
   const double count = RequireNumber("PropertyCount", 0, static_cast<double>(section_.Lines().size()));
   for (int i = 1; i <= static_cast<int>(count); ++i) {
     const std::string name = "Property" + std::to_string(i);
     const std::string key = section_.Text(name + "Key");
-    if (key.empty()) {
-      properties.Add(section_.Text(name + "Value"));
-    } else {
+    // Exactly this key: another that differs in letter case only is another property.
+    if (!key.empty() && properties.HasExactly(key)) {
       properties.Set(key, section_.Text(name + "Value"));
+    } else {
+      properties.Add(section_.Text(name + "Value"), key);
     }
   }
 }
@@ -193,13 +296,24 @@ void QueryFileReader::TakeEntity() {
   const auto place = [&](std::string_view key, void (qbEntity::*set)(float)) {
     if (section_.Find(key)) ((*entity).*set)(static_cast<float>(RequireNumber(key, -kFarthest, kFarthest)));
   };
-  place("Height", &qbEntity::SetHeight);
+  TakeHeight(*entity);
   place("Left", &qbEntity::SetLeft);
   place("Top", &qbEntity::SetTop);
   place("Width", &qbEntity::SetWidth);
   CopyProperties(*entity->Properties());
   entity->EntityBox()->SetIsView(
       EqualsNoCase(entity->Properties()->FindText(std::string(kSchemaFactPrefix) + "TABLE_TYPE").value_or(""), "VIEW"));
+}
+
+// A minimised box is minimised again, and opens to the height that fits.
+void QueryFileReader::TakeHeight(qbEntity& entity) const {
+  if (!section_.Find("Height")) return;
+  const double height = RequireNumber("Height", -kFarthest, kFarthest);
+  if (height <= entity.EntityBox()->MinimizedHeight().Value()) {
+    entity.EntityBox()->SetMinimized(true);
+  } else {
+    entity.SetHeight(static_cast<float>(height));
+  }
 }
 
 void QueryFileReader::TakeItem() {
@@ -214,7 +328,7 @@ void QueryFileReader::TakeItem() {
     const double color = RequireNumber("Color", -2147483648.0, 4294967295.0);
     item->SetColor({static_cast<std::uint32_t>(static_cast<std::int64_t>(color))});
   }
-  if (const std::string icon = section_.Text("SmallIcon"); !icon.empty()) item->SetSmallIcon(ItemIndexOf(icon));
+  if (const std::string icon = section_.Text("SmallIcon"); !icon.empty()) item->SetSmallIcon(ImageIndexOf(icon));
   if (section_.Find("ToolTipText")) item->SetToolTipText(section_.Text("ToolTipText"));
   CopyProperties(*item->Properties());
   if (const Variant* type = item->Properties()->Find("data_type"); type && type->Number()) {
@@ -224,15 +338,21 @@ void QueryFileReader::TakeItem() {
 
 void QueryFileReader::TakeRelationship() {
   if (!hub_.Entities()) return;
+  if (++joinCount_ > kMostJoins) throw Error(ErrorLoadingQuery, "There are too many joins.");
   const Ref<qbEntity> source = RequireEntity("Source");
-  const Ref<qbRelationship> join = source->Relationships()->Add(RequireEntity("Target"));
+  const Ref<qbEntity> target = RequireEntity("Target");
+  const Variant sourceIndex = RequireItemIndex("SourceItemIndex", *source);
+  const Variant targetIndex = RequireItemIndex("TargetItemIndex", *target);
+  const Ref<qbRelationship> join = source->Relationships()->Add(target);
   const auto indicator = [&](std::string_view key) {
     const bool shown = section_.Find(key) && RequireNumber(key, IndicatorNone, IndicatorImage) != 0;
     return shown ? IndicatorImage : IndicatorNone;
   };
-  join->SetItemData(ItemIndexOf(section_.Text("ItemData")));
-  join->SetSourceItemIndex(ItemIndexOf(section_.Text("SourceItemIndex")));
-  join->SetTargetItemIndex(ItemIndexOf(section_.Text("TargetItemIndex")));
+  // What is no number counts as 0.
+  const std::string kind = section_.Text("ItemData");
+  join->SetItemData(kind.empty() ? Variant() : NumberOf(ParseNumber(kind).value_or(0)));
+  join->SetSourceItemIndex(sourceIndex);
+  join->SetTargetItemIndex(targetIndex);
   join->SetLeftIndicator(indicator("LeftIndicator"));
   join->SetRightIndicator(indicator("RightIndicator"));
 }
@@ -272,8 +392,8 @@ void QueryFileReader::TakeGrid() {
 }
 
 void QueryFileReader::TakeSQL() {
-  parameters_.sqlStatement = section_.Text("SQLStatement");
-  if (parametersOnly_) return;
+  if (parameters_.sqlStatement && section_.Find("SQLStatement")) *parameters_.sqlStatement = section_.Text("SQLStatement");
+  if (parameters_.only) return;
   if (section_.Find("SelectTopRecords")) hub_.SetSelectTopRecords(section_.Text("SelectTopRecords"));
   if (section_.Find("DistinctRecords")) hub_.SetDistinctRecords(RequireBoolean("DistinctRecords"));
   const Ref<qbSQLPane> pane = hub_.SQLPane();

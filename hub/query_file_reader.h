@@ -1,10 +1,12 @@
 // Reads a query file into the designer.
 //
 // Files come from anywhere: sizes are bounded, and the first line that cannot be read ends the load with its number.
-// Markers and keys count in any letter case; a byte-order mark and bare line feeds are accepted, unknown keys ignored.
+// Markers and keys count in any letter case; a byte-order mark and bare line feeds are accepted. What it does not know
+// it passes over, and remarks on.
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -24,17 +26,18 @@ class QueryFileReader {
  public:
   /// What a file tells beside the design itself.
   struct Parameters {
-    std::string sqlStatement;
-    std::string connectionString;
+    bool only = false;                        ///< nothing else is read
+    std::string* sqlStatement = nullptr;      ///< both are set as soon as they are met, where they are asked for
+    std::string* connectionString = nullptr;
   };
 
-  /// Reads into `hub`, or with `parametersOnly` only what `Parameters` holds.
-  QueryFileReader(qbQueryBuilder& hub, bool parametersOnly) : hub_(hub), parametersOnly_(parametersOnly) {}
+  /// Reads into `hub`; what is passed over is said in `remarks`.
+  QueryFileReader(qbQueryBuilder& hub, const Parameters& parameters, std::vector<std::string>& remarks)
+      : hub_(hub), parameters_(parameters), remarks_(remarks) {}
 
   /// Reads the whole text. False when the connection it names cannot be opened: nothing behind it is read then. The
-  /// parameters hold whatever was read, also when an error ends it; its description names the line.
+  /// description of an error names the line.
   bool Read(std::string_view text);
-  const Parameters& Found() const { return parameters_; }
 
  private:
   /// The lines of a section: keys as written, values to the end of their lines.
@@ -49,15 +52,28 @@ class QueryFileReader {
     const std::string_view* Find(std::string_view key) const;
     std::string Text(std::string_view key) const;
 
+    /// The line of the marker that begins it.
+    std::size_t line = 0;
+
    private:
     std::vector<std::pair<std::string_view, std::string_view>> lines_;
     std::unordered_map<std::string, std::size_t> index_;  // by the key in capitals
   };
 
+  struct SectionKind;
+  static const SectionKind* KindOf(std::string_view name);
+
   bool ReadLine(std::string_view line);
   void ReadMarker(std::string_view marker);
+  void Begin(std::string_view name);
+  void End(std::string_view name);
+  void PassOverMarker();
+  void Remark(std::size_t line, std::string_view what, std::string_view about = {});
+  void RemarkUnknownKeys();
+  void RemarkOpenSection();
   bool TakeConnection(std::string_view value);
   void TakeEntity();
+  void TakeHeight(qbEntity& entity) const;
   void TakeItem();
   void TakeRelationship();
   void TakeGridOptions();
@@ -68,18 +84,24 @@ class QueryFileReader {
   double RequireNumber(std::string_view key, double smallest, double largest) const;
   bool RequireBoolean(std::string_view key) const;
   Ref<qbEntity> RequireEntity(std::string_view key) const;
+  Variant RequireItemIndex(std::string_view key, const qbEntity& entity) const;
   void CopyProperties(qbProperties& properties) const;
   qbGridPane::LoadedCell CellOf(std::string_view key, std::string_view value) const;
 
   qbQueryBuilder& hub_;
-  bool parametersOnly_;
-  bool inSection_ = false;
+  Parameters parameters_;
+  std::vector<std::string>& remarks_;
+  std::size_t line_ = 0;                 // the one that is read
+  bool anySection_ = false;
+  const SectionKind* open_ = nullptr;    // the section that is read, of those that are known
+  std::optional<std::size_t> unknown_;   // the line where a section begins that is not known
+  bool encodingRemarked_ = false;
   bool gridTaken_ = false;
   std::size_t entityCount_ = 0;
+  std::size_t joinCount_ = 0;
   std::unordered_set<const qbEntity*> schemaItems_;  // entities of this file that still have the source's columns
   Section section_;
   std::vector<Ref<qbEntityItem>> pendingTicks_;
-  Parameters parameters_;
 };
 
 }  // namespace zrqrybld

@@ -481,6 +481,8 @@ class Loader final : public QuerySource {
 
 }  // namespace
 
-void qbQueryBuilder::LoadStatement(const std::string& sql) { Loader(*this, sql).Run(); }
+void qbQueryBuilder::LoadStatement(const std::string& sql) {
+  WholeOrNothing(RefTo<QueryContext>(*this), [&] { Loader(*this, sql).Run(); });
+}
 
 }  // namespace zrqrybld

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 
+#include "base/file.h"
 #include "platform/dialogs.h"
 #include "platform/provider.h"
 
@@ -25,8 +27,13 @@ class Toolkit {
   /// The data source providers that the application has registered.
   const std::shared_ptr<ProviderList>& Providers() const { return providers_; }
 
+  /// How files are written; by the standard library unless the application hands in the system's own.
+  const FileSystem& Files() const { return *files_; }
+  void SetFiles(std::shared_ptr<const FileSystem> files) { files_ = std::move(files); }
+
  private:
   std::shared_ptr<ProviderList> providers_ = std::make_shared<ProviderList>();
+  std::shared_ptr<const FileSystem> files_ = std::make_shared<FileSystem>();
 };
 
 /// Shows the hourglass while it lives.

@@ -1,5 +1,6 @@
 #include "adapters/qt/control_widget.h"
 
+#include <QBuffer>
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QDrag>
@@ -14,6 +15,7 @@
 #include <QTimer>
 #include <QToolTip>
 
+#include "adapters/files/system_files.h"
 #include "adapters/qt/access_events.h"
 #include "adapters/qt/plain_tip.h"
 #include "adapters/qt/qt_canvas.h"
@@ -189,9 +191,13 @@ bool ControlWidget::CopyPicture(const Picture& picture) {
 }
 
 void ControlWidget::SavePng(const Picture& picture, const std::string& path) {
-  QImageWriter writer(ToQString(path), "PNG");
-  if (writer.write(DrawToImage(picture, theme_, metrics_, this))) return;
-  throw Error(ErrorFileAccess, ToUtf8(tr("%1 cannot be written: %2").arg(ToQString(path), writer.errorString())));
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  QImageWriter writer(&buffer, "PNG");
+  if (!writer.write(DrawToImage(picture, theme_, metrics_, this))) {
+    throw Error(ErrorFileAccess, ToUtf8(tr("%1 cannot be written: %2").arg(ToQString(path), writer.errorString())));
+  }
+  WriteWholeFile(path, {bytes.constData(), static_cast<std::size_t>(bytes.size())}, *SystemFiles());
 }
 
 std::shared_ptr<TextEditor> ControlWidget::MakeTextEditor() {

@@ -2,7 +2,11 @@
 
 #include <QGuiApplication>
 
+#include "adapters/files/system_files.h"
+
 namespace zrqrybld {
+
+QtToolkit::QtToolkit(QWidget* parent) : dialogs_(parent) { SetFiles(SystemFiles()); }
 
 QtToolkit::~QtToolkit() {
   while (busyDepth_ > 0) SetBusyPointer(false);

@@ -10,7 +10,7 @@ namespace zrqrybld {
 class QtToolkit final : public Toolkit {
  public:
   /// `parent` is the window over which dialogs appear.
-  explicit QtToolkit(QWidget* parent = nullptr) : dialogs_(parent) {}
+  explicit QtToolkit(QWidget* parent = nullptr);
   ~QtToolkit() override;
 
   QtDialogs& GetDialogs() override { return dialogs_; }

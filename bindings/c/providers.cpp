@@ -1,6 +1,7 @@
-// The data source providers of the shared library: those that this build has.
+// What the shared library has of the outside: the data source providers of this build, and the system's files.
 #include <memory>
 
+#include "adapters/files/system_files.h"
 #include "automation/toolkit_object.h"
 #ifdef ZRQRYBLD_HAS_SQLITE
 #include "adapters/sqlite/sqlite_provider.h"
@@ -19,5 +20,7 @@ void RegisterProviders([[maybe_unused]] ProviderList& providers) {
   providers.Register(std::make_shared<OdbcProvider>());
 #endif
 }
+
+void UseSystemFiles(Toolkit& toolkit) { toolkit.SetFiles(SystemFiles()); }
 
 }  // namespace zrqrybld

@@ -35,7 +35,7 @@ TEST(KeyedList, FindsWithoutCaseAndKeepsItsItemsInPlace) {
 }
 
 // Thousands of random operations, compared with the plainest list that could do the same.
-TEST(KeyedList, BehavesLikeAPlainList) {
+void CompareWithAPlainList(std::size_t filled, int steps) {
   struct Plain {
     int value;
     std::string key;
@@ -48,13 +48,17 @@ TEST(KeyedList, BehavesLikeAPlainList) {
   const auto inUse = [&plain](std::string_view key) {
     return !key.empty() && std::ranges::count(plain, key, &Plain::key) > 0;
   };
-  for (int step = 0; step < 20'000; ++step) {
+  for (std::size_t i = 0; i < filled; ++i) {
+    list.Insert(-1);
+    plain.push_back({-1, ""});
+  }
+  for (int step = 0; step < steps; ++step) {
     const std::string key(kKeys[below(std::size(kKeys))]);
     const std::size_t count = plain.size();
     const auto at = [&plain](std::size_t position) {
       return plain.begin() + static_cast<std::ptrdiff_t>(position - 1);
     };
-    switch (below(count > 12 ? 6 : 5)) {
+    switch (below(count > filled + 12 ? 6 : 5)) {
       case 0:
       case 1: {
         const std::size_t position = below(count + 2);  // 0 appends
@@ -108,6 +112,18 @@ TEST(KeyedList, BehavesLikeAPlainList) {
       ASSERT_EQ(list.PositionOf(wanted), exists ? static_cast<std::size_t>(found - plain.begin()) + 1 : 0);
     }
   }
+  list.RemoveIf([](int value) { return value % 2 == 0; });
+  std::erase_if(plain, [](const Plain& one) { return one.value % 2 == 0; });
+  ASSERT_EQ(list.Count(), plain.size());
+  for (std::size_t i = 1; i <= plain.size(); ++i) {
+    ASSERT_EQ(*list.At(i), plain[i - 1].value);
+    ASSERT_EQ(list.PositionOf(list.MarkAt(i)), i);
+  }
+}
+
+TEST(KeyedList, BehavesLikeAPlainList) {
+  CompareWithAPlainList(0, 20'000);
+  CompareWithAPlainList(2000, 1000);
 }
 
 }  // namespace
