@@ -16,12 +16,13 @@ void qbGridPane::CellChanged(std::int32_t row, std::int32_t column) {
   if (namesField) NoteRow(RowAt(row));
   if (column == kColumnSortType || column == kColumnSortOrder) NoteSorted(RowAt(row));
   if (busy_) return;
-  const Ref<zrGridRow> cells = grdPane_->Rows()->Item(row);
+  const Ref<zrGridRow> cells = HoldRow(row);
   const StepScope step(context_.lock(), kStepEditCell, CaptionOf(column));
   {
     const ScopedValue busy(busy_, true);
     if (namesField) {
       RespellField(*cells, column);
+      if (cells->Index() == 0) return;  // a listener has removed the row
       if (column == kColumnColumn || cells->ValueAt(kColumnGroupBy).IsBlank()) SetRowGroupBy(*cells);
       EnsureEmptyLastRow();
     }
@@ -50,14 +51,18 @@ void qbGridPane::RespellField(zrGridRow& row, std::int32_t column) {
   const NameRules rules = CurrentNameRules(*context);
   const Ref<qbEntity> entity = FindTypedTable(*entities, typed.table, rules);
   const Ref<qbEntityItem> item = entity ? FindTypedColumn(*entity, typed.name, rules) : nullptr;
+  const auto set = [&row](const char* cell, const std::string& text) {
+    if (row.Index() != 0) row.SetValue(cell, text);  // a listener may have removed it
+  };
   if (item) {
-    row.SetValue("table", entity->Caption());
-    row.SetValue("column", item->Text());
+    const std::string name = item->Text();
+    set("table", entity->Caption());
+    set("column", name);
   } else if (column == kColumnTable) {
-    if (entity) row.SetValue("table", entity->Caption());
+    if (entity) set("table", entity->Caption());
   } else if (const std::optional<FieldName> field = FindQualifiedField(*entities, typed.name, rules)) {
-    row.SetValue("table", field->table);
-    row.SetValue("column", field->column);
+    set("table", field->table);
+    set("column", field->column);
   }
 }
 
@@ -65,7 +70,7 @@ void qbGridPane::RespellField(zrGridRow& row, std::int32_t column) {
 void qbGridPane::RowsAboutToGo(std::int32_t first, std::int32_t last) {
   const ScopedValue busy(busy_, true);
   for (std::int32_t i = first; i <= last && i <= RowCount(); ++i) {
-    const Ref<zrGridRow> row = grdPane_->Rows()->Item(i);
+    const Ref<zrGridRow> row = HoldRow(i);
     if (row->ValueAt(kColumnOutput) != Variant(true)) continue;
     row->SetValue("output", false);
     const Field field = FieldOf(*row);

@@ -98,18 +98,18 @@ const Variant& zrGridRow::Value(const Variant& column) const { return ValueAt(Po
 
 void zrGridRow::SetValue(const Variant& column, Variant value) {
   const std::size_t position = Position(column);
-  RowOwner& owner = *list_->owner_;
   if (ValueAt(position) == value) return;
-  if (owner.IsCheckBoxColumn(position)) {
+  if (list_->owner_->IsCheckBoxColumn(position)) {
     value = AsCheckBoxValue(value);
     if (ValueAt(position) == value) return;
   }
-  const Ref<Object> alive = shared_from_this();  // a listener may remove the row
-  if (!owner.BeforeCellChange(index_, position) || !list_) return;
+  const Ref<Object> alive = shared_from_this();  // a listener may remove the row, or let go of the grid
+  const Ref<Object> grid = list_->owner_->Alive();
+  if (!list_->owner_->BeforeCellChange(index_, position) || !list_) return;
   GridCell& cell = CellAt(position);
   cell.value = std::move(value);
   cell.hint.reset();
-  owner.AfterCellChange(index_, position);
+  list_->owner_->AfterCellChange(index_, position);
 }
 
 const Variant& zrGridRow::TagVariant(const Variant& column) const { return TagAt(Position(column)); }
@@ -129,8 +129,15 @@ Ref<zrGridRow> zrGridRows::Add(const std::string& key, const Variant& before, co
   items_.Insert(row, key, place);
   Renumber(place);
   untouched_.Touch(static_cast<std::size_t>(row->Index()) - 1, items_.Count() - static_cast<std::size_t>(row->Index()));
-  if (owner_) owner_->RowsChanged(place);
+  Changed(place);
   return row;
+}
+
+// Who listens may let go of the grid.
+void zrGridRows::Changed(std::size_t from) {
+  if (!owner_) return;
+  const Ref<Object> grid = owner_->Alive();
+  owner_->RowsChanged(from);
 }
 
 void zrGridRows::DetachRows() {
@@ -144,7 +151,7 @@ void zrGridRows::Clear() {
   DetachRows();
   items_.Clear();
   untouched_.Touch(0, 0);
-  if (owner_) owner_->RowsChanged(1);
+  Changed(1);
 }
 
 void zrGridRows::Move(std::int32_t from, std::int32_t to) {
@@ -153,7 +160,7 @@ void zrGridRows::Move(std::int32_t from, std::int32_t to) {
   items_.Move(source, target);
   Renumber(std::min(source, target));
   untouched_.Touch(std::min(source, target) - 1, items_.Count() - std::max(source, target));
-  if (owner_) owner_->RowsChanged(std::min(source, target));
+  Changed(std::min(source, target));
 }
 
 void zrGridRows::Remove(const Variant& index) {
@@ -163,7 +170,7 @@ void zrGridRows::Remove(const Variant& index) {
   row->index_ = 0;
   Renumber(position);
   untouched_.Touch(position - 1, items_.Count() - (position - 1));
-  if (owner_) owner_->RowsChanged(position);
+  Changed(position);
 }
 
 void zrGridRows::RemoveIf(const std::function<bool(const zrGridRow&)>& unwanted) {
@@ -182,7 +189,7 @@ void zrGridRows::RemoveIf(const std::function<bool(const zrGridRow&)>& unwanted)
   if (first == 0) return;
   Renumber(first);
   untouched_.Touch(first - 1, items_.Count() + removed - last);
-  if (owner_) owner_->RowsChanged(first);
+  Changed(first);
 }
 
 void zrGridRows::DropColumn(std::size_t position) {
@@ -219,7 +226,7 @@ void zrGridRows::Restore(std::size_t first, std::size_t count, const std::vector
   untouched_.Touch(first - 1, items_.Count() - (first - 1) - contents.size());
   if (!owner_) return;
   owner_->CellLooksChanged();
-  if (same != count || same != contents.size()) owner_->RowsChanged(first + same);
+  if (same != count || same != contents.size()) Changed(first + same);
 }
 
 bool SaysTheSame(const SharedRowContent& a, const SharedRowContent& b) {

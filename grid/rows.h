@@ -47,6 +47,8 @@ class RowOwner {
   RowOwner& operator=(const RowOwner&) = delete;
   virtual ~RowOwner() = default;
 
+  /// Keeps the grid for as long as it is held.
+  virtual Ref<Object> Alive() = 0;
   /// The position of a column by key or number. Error 9 when there is none.
   virtual std::size_t ColumnPosition(const Variant& column) const = 0;
   virtual bool IsCheckBoxColumn(std::size_t column) const = 0;
@@ -159,6 +161,7 @@ class zrGridRows final : public Object {
  private:
   friend class zrGridRow;
   void Renumber(std::size_t from);
+  void Changed(std::size_t from);
   void DetachRows();
 
   RowOwner* owner_;
