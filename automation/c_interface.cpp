@@ -10,6 +10,7 @@
 #include <span>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -272,14 +273,27 @@ class Listener {
   Listener& operator=(const Listener&) = delete;
   ~Listener() {
     Subscriptions().erase(number_);
-    if (ended_) ended_(context_);
+    Living().erase(this);
+    End();
+  }
+  // All that have begun and not ended: an event may keep one for a while that was unsubscribed.
+  static std::unordered_set<Listener*>& Living() {
+    static auto* const living = new std::unordered_set<Listener*>();
+    return *living;
   }
   // The subscription has begun: from now on its end is told.
   void Begin(std::uint64_t number, zrq_ended ended) {
     number_ = number;
     ended_ = ended;
+    Living().insert(this);
+  }
+  // Nothing of the caller's is called any more.
+  void End() {
+    handler_ = nullptr;
+    if (const zrq_ended ended = std::exchange(ended_, nullptr)) ended(context_);
   }
   void Call(std::span<Variant> arguments) const {
+    if (!handler_) return;
     const OwnedValues values(arguments);
     const Handling scope(arguments);
     handler_(context_, values.Data(), arguments.size());
@@ -415,6 +429,17 @@ int32_t zrq_subscribe(zrq_handle object, const char* event, zrq_handler handler,
 
 int32_t zrq_unsubscribe(uint64_t subscription) {
   return Guard([&] { Subscriptions().erase(subscription); });
+}
+
+int32_t zrq_end_subscriptions(void) {
+  return Guard([&] {
+    Subscriptions().clear();
+    while (!Listener::Living().empty()) {
+      Listener* const listener = *Listener::Living().begin();
+      Listener::Living().erase(listener);
+      listener->End();
+    }
+  });
 }
 
 int32_t zrq_write(size_t argument, const zrq_value* value) {

@@ -136,6 +136,9 @@ ZRQ_API int32_t zrq_subscribe(zrq_handle object, const char* event, zrq_handler 
 // Stops listening; a subscription that has ended is no error.
 ZRQ_API int32_t zrq_unsubscribe(uint64_t subscription);
 
+// Ends all subscriptions: no handler is called from now on. For a caller that goes before the objects do.
+ZRQ_API int32_t zrq_end_subscriptions(void);
+
 // Inside a handler: replaces the by-reference argument at a position from 0. Error 5 anywhere else.
 ZRQ_API int32_t zrq_write(size_t argument, const zrq_value* value);
 

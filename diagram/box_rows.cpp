@@ -1,5 +1,7 @@
 #include "diagram/box_rows.h"
 
+#include <utility>
+
 namespace zrqrybld {
 
 void BoxRow::Changed() const {
@@ -7,8 +9,20 @@ void BoxRow::Changed() const {
 }
 
 void BoxRow::SetText(std::string text) {
-  text_ = std::move(text);
+  const Ref<Object> alive = shared_from_this();
+  const bool tells = list_ && checked_ && text != text_;
+  if (!tells) {
+    text_ = std::move(text);
+    Changed();
+  } else {
+    list_->Change(true, [&] { Rename(std::move(text)); });
+  }
+}
+
+void BoxRow::Rename(std::string text) {
+  const std::string before = std::exchange(text_, std::move(text));
   Changed();
+  if (list_->onRenamed) list_->onRenamed(before, text_);
 }
 
 void BoxRow::SetKey(std::string key) {
@@ -106,17 +120,43 @@ void BoxRows::Detach() {
   for (std::size_t i = 1; i <= rows_.Count(); ++i) (*rows_.At(i))->list_ = nullptr;
 }
 
+void BoxRows::Change(bool ticked, const std::function<void()>& work) {
+  if (ticked && inStep) {
+    inStep(work);
+  } else {
+    work();
+  }
+}
+
+// The last first: so they leave the query at its end.
+void BoxRows::TellLost(const std::vector<std::string>& texts) {
+  const auto tell = onTickLost;
+  for (auto text = texts.rbegin(); tell && text != texts.rend(); ++text) tell(*text);
+}
+
 void BoxRows::Clear() {
-  Detach();
-  rows_.Clear();
-  Changed();
-  if (onRemoved) onRemoved();
+  std::vector<std::string> ticked;
+  for (std::size_t i = 1; i <= rows_.Count(); ++i) {
+    if ((*rows_.At(i))->Checked()) ticked.push_back((*rows_.At(i))->Text());
+  }
+  Change(!ticked.empty(), [&] {
+    Detach();
+    rows_.Clear();
+    Changed();
+    if (onRemoved) onRemoved();
+    TellLost(ticked);
+  });
 }
 
 void BoxRows::RemoveAt(std::size_t position) {
-  rows_.RemoveAt(position)->list_ = nullptr;
-  Changed();
-  if (onRemoved) onRemoved();
+  std::vector<std::string> ticked;
+  if ((*rows_.At(position))->Checked()) ticked.push_back((*rows_.At(position))->Text());
+  Change(!ticked.empty(), [&] {
+    rows_.RemoveAt(position)->list_ = nullptr;
+    Changed();
+    if (onRemoved) onRemoved();
+    TellLost(ticked);
+  });
 }
 
 }  // namespace zrqrybld

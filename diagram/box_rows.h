@@ -71,6 +71,7 @@ class BoxRow final : public Object {
   friend class BoxRows;
   BoxRow(std::string text, std::string key) : text_(std::move(text)), key_(std::move(key)) {}
   void Changed() const;
+  void Rename(std::string text);
 
   BoxRows* list_ = nullptr;  // none once the row was removed
   KeyedList<Ref<BoxRow>>::Mark mark_ = nullptr;
@@ -122,10 +123,17 @@ class BoxRows {
   std::function<void()> onRemoved;
   /// A row was ticked or unticked.
   std::function<void(const Ref<BoxRow>&)> onChecked;
+  /// A ticked row has got another text, or ticked rows are gone: what they said.
+  std::function<void(const std::string& before, const std::string& after)> onRenamed;
+  std::function<void(const std::string& text)> onTickLost;
+  /// Runs what changes ticked rows, so that all that follows from it is one step. Nothing runs it as it is.
+  std::function<void(const std::function<void()>& work)> inStep;
 
  private:
   friend class BoxRow;
   void Detach();
+  void Change(bool ticked, const std::function<void()>& work);
+  void TellLost(const std::vector<std::string>& texts);
   void Revised();
   void Changed();
   void TicksChanged();

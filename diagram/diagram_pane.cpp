@@ -7,6 +7,7 @@
 #include <set>
 #include <utility>
 
+#include "base/error.h"
 #include "base/scoped_value.h"
 #include "base/text.h"
 #include "platform/stored_values.h"
@@ -35,6 +36,7 @@ Ref<qbQueryBuilder> qbDiagramPane::QueryBuilder() const {
 }
 
 void qbDiagramPane::Clear() {
+  const Ref<Object> alive = shared_from_this();  // a listener may let go of it
   const Ref<QueryContext> context = Context();
   const StepScope step(context, kStepClear);
   // What listeners add meanwhile stays: waiting for an empty diagram could take forever.
@@ -91,6 +93,7 @@ Ref<qbEntityList> qbDiagramPane::LoadBox() {
     throw;
   }
   kept.links = std::move(links);
+  ReportTicks(box);
   return box;
 }
 
@@ -232,6 +235,27 @@ void qbDiagramPane::BoxRowChecked(const qbEntityList& box, const Ref<BoxRow>& ro
   }
 }
 
+// Ticked columns that go, or are called otherwise, take the query along.
+void qbDiagramPane::ReportTicks(const Ref<qbEntityList>& box) {
+  BoxRows& rows = box->Rows();
+  rows.inStep = [this](const std::function<void()>& work) {
+    const StepScope step(Context(), kStepChange);
+    work();
+  };
+  const WeakRef<qbEntityList> link = box;
+  const auto report = [this, link](const auto& tell) {
+    const Ref<qbEntityList> from = link.lock();
+    const Ref<QueryContext> context = Context();
+    if (from && from->Entity() && context) tell(*context, from->Caption());
+  };
+  rows.onTickLost = [report](const std::string& text) {
+    report([&](QueryContext& context, const std::string& table) { context.ItemChecked(table, text, false); });
+  };
+  rows.onRenamed = [report](const std::string& before, const std::string& after) {
+    report([&](QueryContext& context, const std::string& table) { context.ItemRenamed(table, before, after); });
+  };
+}
+
 void qbDiagramPane::JoinChanged(const Ref<Object>& relationship) {
   if (const auto join = std::dynamic_pointer_cast<qbRelationship>(relationship); join && join->Line()) {
     KeepApart(*join->Line());
@@ -287,7 +311,17 @@ bool qbDiagramPane::IsInDiagram(const Ref<Object>& object) {
   return join && join->Line();
 }
 
+// In the diagram of another pane.
+bool qbDiagramPane::IsForeign(const Ref<Object>& object) const {
+  if (!IsInDiagram(object)) return false;
+  const auto join = std::dynamic_pointer_cast<qbRelationship>(object);
+  const Ref<qbEntity> entity = join ? join->Source() : std::dynamic_pointer_cast<qbEntity>(object);
+  return entity && !HasBox(*entity->EntityBox());
+}
+
 void qbDiagramPane::SelectObject(const Ref<Object>& object) {
+  const Ref<Object> alive = shared_from_this();  // a listener may let go of it
+  if (IsForeign(object)) throw Error(ErrorInvalidCall, "The object is in another diagram.");
   if (object == selected_) {
     if (!std::exchange(alsoSelected_, {}).empty()) Refresh();
     return;
@@ -308,6 +342,7 @@ void qbDiagramPane::SelectObject(const Ref<Object>& object) {
 // A listener that is told of the end may itself end it, by removing the object or by selecting another.
 void qbDiagramPane::DropSelection() {
   if (!selected_ || selected_ == leaving_) return;
+  const Ref<Object> alive = shared_from_this();  // a listener may let go of the pane
   alsoSelected_.clear();
   const Ref<Object> object = selected_;
   const ScopedValue leaving(leaving_, object);

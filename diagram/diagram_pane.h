@@ -182,7 +182,7 @@ class qbDiagramPane final : public Control, private DiagramView {
   void SetMinimized(const qbEntity& entity, bool minimized);
 
   /// Makes an entity or relationship of this pane the selected object; nothing, or what was removed from the
-  /// diagram, drops the selection.
+  /// diagram, drops the selection. Error 5 for what is in another diagram.
   void SelectObject(const Ref<Object>& object);
   /// Leaves nothing selected.
   void DropSelection() override;
@@ -319,6 +319,7 @@ class qbDiagramPane final : public Control, private DiagramView {
   qbDiagramPane() = default;
 
   Ref<qbEntityList> LoadBox() override;
+  bool HasBox(const qbEntityList& box) const override { return boxes_.contains(&box); }
   void ShowBox(const Ref<qbEntityList>& box) override;
   void UnloadBox(const Ref<qbEntityList>& box) override;
   Ref<qbLine> LoadLine(const Ref<qbRelationship>& relationship, const Ref<qbEntityList>& source,
@@ -337,6 +338,7 @@ class qbDiagramPane final : public Control, private DiagramView {
   }
   void BoxMoved(const qbEntityList& box);
   void BoxRowChecked(const qbEntityList& box, const Ref<BoxRow>& row);
+  void ReportTicks(const Ref<qbEntityList>& box);
   void JoinChanged(const Ref<Object>& relationship);
   void JoinRemoved();
   static Ends EndsOf(End one, End other);
@@ -356,6 +358,7 @@ class qbDiagramPane final : public Control, private DiagramView {
   PaneHit HitTest(PixelPoint point) const;
   static Ref<qbEntity> EntityOf(const qbEntityList& box);
   static bool IsInDiagram(const Ref<Object>& object);
+  bool IsForeign(const Ref<Object>& object) const;
   void RaiseToTop(const Ref<qbEntityList>& box);
   void Minimize(qbEntityList& box, bool minimized);
   void FitToRows(const Ref<qbEntityList>& box);

@@ -184,15 +184,15 @@ bool qbDiagramPane::CancelGesture() {
 void qbDiagramPane::OnMouseMove(const MouseEvent& event) {
   if (!std::holds_alternative<NoGesture>(gesture_)) {
     std::visit([&](auto& gesture) { Drag(gesture, event); }, gesture_);
-    return;
+  } else {
+    SetHover(HitTest(event.position));
   }
   const PaneHit hit = HitTest(event.position);
-  SetHover(hit);
   if (hit.box) {
     if (const Ref<qbEntity> entity = EntityOf(*hit.box)) {
       ObjectMouseMove.Raise(event.button, event.shift, X(event), Y(event), entity);
     }
-  } else {
+  } else if (!hit.line) {
     MouseMove.Raise(event.button, event.shift, X(event), Y(event));
   }
 }
@@ -313,7 +313,6 @@ void qbDiagramPane::Drag(Framing& gesture, const MouseEvent& event) {
     GetSurface().SetTicking(true);
   }
   if (gesture.framing) Refresh();
-  MouseMove.Raise(event.button, event.shift, X(event), Y(event));
 }
 
 PixelRect qbDiagramPane::Frame(const Framing& gesture, PixelPoint corner) {

@@ -24,6 +24,8 @@ class DiagramView {
 
   /// Makes a box, at the place where the next box goes; it is not visible yet.
   virtual Ref<qbEntityList> LoadBox() = 0;
+  /// Whether the box is one of the view's.
+  virtual bool HasBox(const qbEntityList& box) const = 0;
   /// The box has its entity and caption: show it.
   virtual void ShowBox(const Ref<qbEntityList>& box) = 0;
   virtual void UnloadBox(const Ref<qbEntityList>& box) = 0;

@@ -16,11 +16,12 @@
 namespace zrqrybld {
 
 Ref<qbEntity> qbEntities::Add(const std::string& key) {
+  const Ref<Object> alive = shared_from_this();  // a listener may let go of the pane
   bool cancel = false;
   BeforeAdd.Raise(key, cancel);
   if (cancel) return nullptr;
   if (!view_) ThrowObjectRemoved();
-  if (items_.HasExactly(key)) ThrowDuplicateKey(key);
+  RequireFree(key, nullptr);
 
   const Ref<QueryContext> context = view_->Context();
   std::optional<BusyPointer> busy;
@@ -29,14 +30,26 @@ Ref<qbEntity> qbEntities::Add(const std::string& key) {
   return WholeOrNothing(context, [&] {
     const Ref<qbEntity> entity = Make(key);
 
-    EntityAdd.Raise(key);
+    try {
+      EntityAdd.Raise(key);
+      if (context) context->RaiseInfo(InfoTableAdded, Ref<Object>(entity));
+    } catch (...) {
+      TakeBack(entity);
+      throw;
+    }
     if (context) {
-      context->RaiseInfo(InfoTableAdded, Ref<Object>(entity));
       context->EntitiesChanged(Count());
       context->QueryChanged();
     }
     return entity;
   });
+}
+
+// A caption names one table in the statement, where letter case does not count, and none is no name.
+void qbEntities::RequireFree(const std::string& caption, const qbEntity* owner) const {
+  if (caption.empty()) throw Error(ErrorInvalidCall, "A table needs a caption.");
+  const Ref<qbEntity>* other = items_.Find(caption);
+  if (other && other->get() != owner) ThrowDuplicateKey(caption);
 }
 
 Ref<qbEntity> qbEntities::Make(const std::string& key) {
@@ -88,6 +101,7 @@ void qbEntities::RemoveJoinsOf(const Ref<qbEntity>& entity) {
 }
 
 void qbEntities::Remove(const Variant& index) {
+  const Ref<Object> alive = shared_from_this();  // a listener may let go of the pane
   const Ref<qbEntity> entity = Item(index);
   if (!entity || !view_) return;
   const Ref<QueryContext> context = view_->Context();
@@ -98,7 +112,7 @@ void qbEntities::Remove(const Variant& index) {
 
 void qbEntities::RemoveWithJoins(const Ref<qbEntity>& entity, const Ref<QueryContext>& context, const std::string& key) {
   RemoveJoinsOf(entity);
-  if (view_->SelectedObject() == entity) view_->DropSelection();
+  if (view_ && view_->SelectedObject() == entity) view_->DropSelection();
   RemoveJoinsOf(entity);  // which a listener of the selection's end has drawn
   const std::size_t position = PositionOf(*entity);
   if (position == items_.kNone) return;           // a handler has removed it meanwhile
@@ -110,6 +124,14 @@ void qbEntities::RemoveWithJoins(const Ref<qbEntity>& entity, const Ref<QueryCon
     context->EntityRemoved(caption);
     context->EntitiesChanged(static_cast<std::int32_t>(position));
     context->QueryChanged();
+  }
+}
+
+void qbEntities::TakeBack(const Ref<qbEntity>& entity) {
+  try {
+    if (entity->EntityBox()) Remove(entity->Index());
+  } catch (const std::exception&) {
+    // The first failure is the one to tell; the table is gone all the same.
   }
 }
 
@@ -226,7 +248,8 @@ void qbEntities::Restore(const DiagramState& now, const DiagramState& then) {
 void qbEntities::Arrange(const std::vector<Ref<qbEntity>>& order) {
   for (std::size_t i = 0; i < order.size(); ++i) {
     if (*items_.At(i + 1) == order[i]) continue;
-    const std::size_t from = items_.PositionOf(order[i]->Caption());
+    const std::size_t from = PositionOf(*order[i]);
+    if (from == items_.kNone) ThrowObjectRemoved();
     items_.Move(from, i + 1);
     untouched_.Touch(i, items_.Count() - from);
   }
@@ -248,18 +271,14 @@ std::size_t qbEntities::PositionOf(const qbEntity& entity) const {
     return position != items_.kNone && items_.At(position)->get() == &entity;
   };
   if (!entity.EntityBox()) return items_.kNone;
-  const std::string& caption = entity.EntityBox()->Caption();
-  if (const std::size_t position = items_.PositionOf(caption); isAt(position)) return position;
-  if (!caption.empty()) return items_.kNone;
-  for (std::size_t i = 1; i <= items_.Count(); ++i) {
-    if (isAt(i)) return i;  // an empty caption is no key
-  }
-  return items_.kNone;
+  const std::size_t position = items_.PositionOf(entity.EntityBox()->Caption());
+  return isAt(position) ? position : items_.kNone;
 }
 
 void qbEntities::Rename(qbEntity& entity, const std::string& caption) {
   const std::string before = entity.Caption();
   if (before == caption) return;
+  RequireFree(caption, &entity);
   const StepScope step(view_ ? view_->Context() : nullptr, kStepRenameTable, before);
   const std::size_t position = PositionOf(entity);
   items_.Rekey(position, caption);

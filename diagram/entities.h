@@ -30,7 +30,7 @@ class qbEntities final : public Object, private EntityOwner {
   Event<const std::string&, bool&> BeforeAdd;
 
   /// Adds an entity with the caption `key`. Nothing when a handler of `BeforeAdd` cancels it; error 457
-  /// when another entity has the caption.
+  /// when another entity has the caption, in any letter case; error 5 for an empty one.
   Ref<qbEntity> Add(const std::string& key);
 
   /// How many there are; positions run from 1 to it, in the order of adding.
@@ -51,8 +51,11 @@ class qbEntities final : public Object, private EntityOwner {
 
   /// Gives the entity's box the size that fits its columns.
   void Fit(const qbEntity& entity) {
-    if (view_) view_->FitBox(entity.EntityBox());
+    if (view_ && entity.EntityBox()) view_->FitBox(entity.EntityBox());
   }
+
+  /// Removes an entity that a listener has refused by an error, whatever listeners say to that.
+  void TakeBack(const Ref<qbEntity>& entity);
 
   /// Puts the entities into this order, which is that of the tables in the statement. All of them must be named.
   void Arrange(const std::vector<Ref<qbEntity>>& order);
@@ -75,6 +78,7 @@ class qbEntities final : public Object, private EntityOwner {
  private:
   std::size_t PositionOf(const qbEntity& entity) const override;
   void Rename(qbEntity& entity, const std::string& caption) override;
+  void RequireFree(const std::string& caption, const qbEntity* owner) const;
   void RemoveJoinsOf(const Ref<qbEntity>& entity);
   Ref<qbEntity> Make(const std::string& key);
   Ref<qbEntity> MakeFor(const Ref<qbEntityList>& box, const std::string& key);

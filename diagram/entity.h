@@ -29,7 +29,7 @@ class EntityOwner {
 
   /// The entity's position, from 1; 0 before it is added.
   virtual std::size_t PositionOf(const qbEntity& entity) const = 0;
-  /// Gives the entity another key and caption, in place. Error 457 when another entity has it.
+  /// Gives the entity another key and caption, in place. Error 457 when another entity has it, 5 for an empty one.
   virtual void Rename(qbEntity& entity, const std::string& caption) = 0;
 };
 
@@ -41,8 +41,8 @@ class qbEntity final : public Object {
 
   /// What the table is called in this query; the entity's key.
   const std::string& Caption() const { return Box().Caption(); }
-  /// Renames the entity. Error 457 when another entity has the caption; its own, in any letter case, is
-  /// never a duplicate.
+  /// Renames the entity. Error 457 when another entity has the caption, in any letter case; its own is
+  /// never a duplicate. Error 5 for an empty one.
   void SetCaption(const std::string& caption);
 
   /// The picture in the caption bar; nothing shows the usual one.

@@ -17,9 +17,10 @@ Ref<qbEntityItem> qbEntityItems::Add(std::string text, const std::string& key) {
 }
 
 void qbEntityItems::Clear() {
-  Rows().Clear();
+  BoxRows& rows = Rows();
   for (std::size_t i = 1; i <= items_.Count(); ++i) (*items_.At(i))->Detach();
   items_.Clear();
+  rows.Clear();
 }
 
 Ref<qbEntityItem> qbEntityItems::FindByText(std::string_view text, bool caseSensitive) const {
@@ -39,6 +40,7 @@ void qbEntityItems::Remove(const Variant& index) {
 }
 
 void qbEntityItems::Restore(const std::vector<ItemState>& items) {
+  Rows().SetTicks(std::vector<bool>(Rows().Count()));  // they are restored on their own
   std::size_t same = 0;
   while (same < items.size() && same < items_.Count() && (*items_.At(same + 1))->State() == items[same]) ++same;
   while (items_.Count() > same) Remove(Count());

@@ -38,7 +38,7 @@ class qbEntityItems final : public Object {
 
   /// The rows of the box that shows the entity.
   void SetRows(BoxRows* rows) { rows_ = rows; }
-  /// Makes the columns these. Those at the beginning that are as they were stay the same objects.
+  /// Makes the columns these, without ticks. Those at the beginning that are as they were stay the same objects.
   void Restore(const std::vector<ItemState>& items);
   /// The entity leaves the diagram: its columns lose their rows.
   void DetachRows();

@@ -18,23 +18,23 @@ JoinFacts& qbRelationship::Changing() {
   return facts_;
 }
 
-// The line goes to another row now, and listeners learn of the change. While the other end is not
-// set there is no line to move yet.
+// The line goes to another row now, or to none, and listeners learn of the change.
 void qbRelationship::NotifyEnd(const Ref<qbEntity>& end) {
-  if (!end || !end->EntityBox() || facts_.sourceItemIndex.IsEmpty() || facts_.targetItemIndex.IsEmpty()) return;
+  if (!end || !end->EntityBox()) return;
   const Ref<qbEntityList> box = end->EntityBox();
   box->Notify("move", std::int32_t{1});
   box->Notify("relationshipchange", Ref<Object>(RefTo(*this)));
 }
 
+// While the other end is not set there is no line to move yet.
 void qbRelationship::SetSourceItemIndex(Variant index) {
   Changing().sourceItemIndex = std::move(index);
-  NotifyEnd(Source());
+  if (!facts_.targetItemIndex.IsEmpty()) NotifyEnd(Source());
 }
 
 void qbRelationship::SetTargetItemIndex(Variant index) {
   Changing().targetItemIndex = std::move(index);
-  NotifyEnd(Target());
+  if (!facts_.sourceItemIndex.IsEmpty()) NotifyEnd(Target());
 }
 
 void qbRelationship::RedrawEnds() {

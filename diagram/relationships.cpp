@@ -11,6 +11,7 @@ namespace zrqrybld {
 Ref<qbRelationship> qbRelationships::Add(const Ref<qbEntity>& target) {
   const Ref<qbEntity> source = parent_.lock();
   if (!view_ || !source || !target || !target->EntityBox()) ThrowObjectRemoved();
+  if (!view_->HasBox(*target->EntityBox())) throw Error(ErrorInvalidCall, "The table is in another diagram.");
   const Ref<qbRelationship> relationship = Make(source, target);
   Append(relationship);
   Touch();

@@ -20,7 +20,7 @@ class qbRelationships final : public Object, private RelationshipOwner {
   std::string_view TypeName() const override { return "qbRelationships"; }
 
   /// Adds a join to `target` at the end; set its two item indexes next. Error 91 when this entity or
-  /// the target was removed from the diagram.
+  /// the target was removed from the diagram, 5 when the target is in another one.
   Ref<qbRelationship> Add(const Ref<qbEntity>& target);
 
   /// Removes all joins that start here.

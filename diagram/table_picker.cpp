@@ -86,8 +86,14 @@ Ref<qbEntity> TablePicker::MakeEntity(const std::string& tableName) {
   if (!entity || !context_->IsConnected()) return entity;
   entity->SetTagVariant(tableName);
   entity->Items()->Add("*", "*");
-  context_->RaiseInfo(InfoRetrieveTableInfo, Ref<Object>(entity));
+  try {
+    context_->RaiseInfo(InfoRetrieveTableInfo, Ref<Object>(entity));
+  } catch (...) {
+    entities->TakeBack(entity);
+    throw;
+  }
   FillFromSource(*entity, tableName);
+  if (!entity->EntityBox()) ThrowObjectRemoved();  // a listener has removed it
   entity->EntityBox()->SetIsView(
       EqualsNoCase(entity->Properties()->FindText(std::string(kSchemaFactPrefix) + "TABLE_TYPE").value_or(""), "VIEW"));
   entities->Fit(*entity);

@@ -22,11 +22,12 @@ void qbGridPane::CellChanged(std::int32_t row, std::int32_t column) {
 }
 
 void qbGridPane::FollowChange(std::int32_t row, std::int32_t column, bool namesField) {
-  const Ref<zrGridRow> cells = grdPane_->Rows()->Item(row);
+  const Ref<zrGridRow> cells = HoldRow(row);
   {
     const ScopedValue busy(busy_, true);
     if (namesField) {
       RespellField(*cells, column);
+      if (cells->Index() == 0) return;  // a listener has removed the row
       if (column == kColumnColumn || cells->ValueAt(kColumnGroupBy).IsBlank()) SetRowGroupBy(*cells);
       EnsureEmptyLastRow();
     }
@@ -55,14 +56,18 @@ void qbGridPane::RespellField(zrGridRow& row, std::int32_t column) {
   const NameRules rules = CurrentNameRules(*context);
   const Ref<qbEntity> entity = FindTypedTable(*entities, typed.table, rules);
   const Ref<qbEntityItem> item = entity ? FindTypedColumn(*entity, typed.name, rules) : nullptr;
+  const auto set = [&row](const char* cell, const std::string& text) {
+    if (row.Index() != 0) row.SetValue(cell, text);  // a listener may have removed it
+  };
   if (item) {
-    row.SetValue("table", entity->Caption());
-    row.SetValue("column", item->Text());
+    const std::string name = item->Text();
+    set("table", entity->Caption());
+    set("column", name);
   } else if (column == kColumnTable) {
-    if (entity) row.SetValue("table", entity->Caption());
+    if (entity) set("table", entity->Caption());
   } else if (const std::optional<FieldName> field = FindQualifiedField(*entities, typed.name, rules)) {
-    row.SetValue("table", field->table);
-    row.SetValue("column", field->column);
+    set("table", field->table);
+    set("column", field->column);
   }
 }
 
@@ -70,7 +75,7 @@ void qbGridPane::RespellField(zrGridRow& row, std::int32_t column) {
 void qbGridPane::RowsAboutToGo(std::int32_t first, std::int32_t last) {
   const ScopedValue busy(busy_, true);
   for (std::int32_t i = first; i <= last && i <= RowCount(); ++i) {
-    const Ref<zrGridRow> row = grdPane_->Rows()->Item(i);
+    const Ref<zrGridRow> row = HoldRow(i);
     if (row->ValueAt(kColumnOutput) != Variant(true)) continue;
     row->SetValue("output", false);
     const Field field = FieldOf(*row);

@@ -46,7 +46,7 @@ void qbGridPane::FinishEdit() {
 // An edit that has changed nothing is complete as it stands.
 void qbGridPane::GridEdited(std::int32_t row, std::int32_t column) {
   const std::optional<Change> change = std::exchange(change_, std::nullopt);
-  const bool changed = change && change->column == column && change->row.lock().get() == &RowAt(row);
+  const bool changed = change && change->column == column && change->row.lock() == HoldRow(row);
   if (changed) ProcessEdit(row, column, change->text);
   change_.reset();
   AfterEdit.Raise(row, column);
@@ -268,8 +268,9 @@ void qbGridPane::EditInWindow(bool builder) {
 void qbGridPane::SetCellAsEdit(std::int32_t row, std::int32_t column, const std::string& text) {
   const StepScope step(context_.lock(), kStepEditCell, CaptionOf(column));
   complained_ = false;
-  RowAt(row).SetValue(column, text);
-  GridEdited(row, column);
+  const Ref<zrGridRow> cells = HoldRow(row);
+  cells->SetValue(column, text);
+  if (cells->Index() != 0) GridEdited(cells->Index(), column);
 }
 
 }  // namespace zrqrybld

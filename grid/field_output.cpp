@@ -165,6 +165,30 @@ std::int32_t qbGridPane::FillNewRow(const Field& field, std::int32_t before) {
   return row->Index();
 }
 
+// The columns that are ticked in the diagram and no row outputs.
+std::vector<qbGridPane::Field> qbGridPane::TickedFields() const {
+  std::vector<Field> fields;
+  const Ref<qbEntities> entities = Entities();
+  for (std::int32_t i = 1; entities && i <= entities->Count(); ++i) {
+    const Ref<qbEntity> entity = entities->Item(i);
+    for (std::int32_t j = 1; j <= entity->Items()->Count(); ++j) {
+      const Ref<qbEntityItem> item = entity->Items()->Item(j);
+      if (!item->Checked()) continue;
+      Field field{entity->Caption(), item->Text()};
+      if (!IsOutput(field)) fields.push_back(std::move(field));
+    }
+  }
+  return fields;
+}
+
+bool qbGridPane::OutputTicked() {
+  const std::vector<Field> fields = TickedFields();
+  if (fields.empty()) return false;
+  const StepScope step(context_.lock(), kStepAddColumns);
+  for (const Field& field : fields) SetFieldOutput(field.name, true, field.table);
+  return true;
+}
+
 void qbGridPane::AddRows(const std::vector<RowContent>& rows) {
   const StepScope step(context_.lock(), kStepAddColumns);
   {
@@ -178,7 +202,7 @@ void qbGridPane::AddRows(const std::vector<RowContent>& rows) {
         AddEmptyRow();
         position = RowCount();
       }
-      SetCells(RowAt(position), content);
+      SetCells(*HoldRow(position), content);
       ++position;
     }
     EnsureEmptyLastRow();

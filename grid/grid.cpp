@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/error.h"
+#include "base/scoped_value.h"
 #include "platform/stored_values.h"
 
 namespace zrqrybld {
@@ -104,7 +105,10 @@ std::string zrGrid::CellText(std::size_t row, std::size_t column) const {
 // --- What columns and rows report ---
 
 void zrGrid::ColumnsChanged() {
+  const Ref<Object> alive = Alive();
   headerState_.reset();
+  const auto* sizing = std::get_if<SizingColumn>(&gesture_);
+  if (sizing && sizing->column > static_cast<std::size_t>(columns_->Count())) gesture_ = NoGesture{};
   if (edit_ && edit_->column->Index() == 0) CancelEdit();
   if (edit_ && edit_->column->Width() <= 0) CommitEdit();
   if (currentColumn_ > static_cast<std::size_t>(columns_->Count())) MakeCurrent(0, 0);
@@ -127,7 +131,6 @@ void zrGrid::AfterCellChange(std::size_t row, std::size_t column) {
 
 // The current row stays current wherever it goes; when it is gone, the one that has its place is.
 void zrGrid::RowsChanged(std::size_t from) {
-  const auto count = static_cast<std::size_t>(rows_->Count());
   selection_ = {};
   headerState_.reset();
   if (edit_ && edit_->row->Index() == 0) CancelEdit();
@@ -137,7 +140,8 @@ void zrGrid::RowsChanged(std::size_t from) {
     const auto index = current ? static_cast<std::size_t>(static_cast<const zrGridRow&>(*current).Index()) : 0;
     const std::size_t row = std::min(index != 0 ? index : currentRow_, static_cast<std::size_t>(rows_->Count()));
     if (row != currentRow_) MakeCurrent(row, row == 0 ? 0 : currentColumn_);
-    if (index == 0 && currentRow_ != 0 && currentRow_ <= count) current_ = rows_->At(currentRow_).weak_from_this();
+    const bool isThere = currentRow_ != 0 && currentRow_ <= static_cast<std::size_t>(rows_->Count());
+    if (index == 0 && isThere) current_ = rows_->At(currentRow_).weak_from_this();
   }
   if (autoRedraw_) UpdateScrollBars();
   PlaceEditor();
@@ -146,6 +150,7 @@ void zrGrid::RowsChanged(std::size_t from) {
 
 // Listeners hear of the end also when an error ends it.
 void zrGrid::InBatch(GridWork kind, const std::function<void()>& work) {
+  const Ref<Object> alive = Alive();
   Batch.Raise(kind, true);
   try {
     work();
@@ -182,9 +187,11 @@ void zrGrid::FitColumn(const Variant& column, float least) {
 }
 
 void zrGrid::MakeCurrent(std::size_t row, std::size_t column) {
+  const Ref<Object> alive = Alive();
   if (row == 0 || column == 0) row = column = 0;
   if (row != currentRow_ || column != currentColumn_) CommitEdit();
-  if (row > static_cast<std::size_t>(rows_->Count())) return;  // a listener of the edit has taken it away
+  // A listener of the edit may have taken it away.
+  if (row > static_cast<std::size_t>(rows_->Count()) || column > static_cast<std::size_t>(columns_->Count())) return;
   if (row != 0) {
     const PixelPoint offset = Layout().OffsetToShow(row, column, GetSurface().ViewSize());
     OnScroll(Orientation::Horizontal, static_cast<int>(offset.x.Value()));
@@ -196,7 +203,12 @@ void zrGrid::MakeCurrent(std::size_t row, std::size_t column) {
   currentColumn_ = column;
   current_ = row == 0 ? std::weak_ptr<Object>() : rows_->At(row).weak_from_this();
   Redraw();
-  RowColChange.Raise(Row(), Column());
+  hasMoved_ = true;
+  if (!tellsLater_) TellOfMove();
+}
+
+void zrGrid::TellOfMove() {
+  if (std::exchange(hasMoved_, false)) RowColChange.Raise(Row(), Column());
 }
 
 void zrGrid::SelectRows(std::size_t first, std::size_t last) {
@@ -218,9 +230,9 @@ void zrGrid::DeleteRange(RowRange range) {
   if (cancel) return;
   rows_->RemoveIf([&](const zrGridRow& row) { return range.Contains(static_cast<std::size_t>(row.Index())); });
   if (rows_->Count() == 0) rows_->Add();
-  selection_ = {};
+  SelectRows(range.first, range.last);
   AfterDelete.Raise(static_cast<std::int32_t>(range.first), static_cast<std::int32_t>(range.last));
-  Redraw();
+  SelectRows(0, 0);
 }
 
 void zrGrid::InsertRows() {
@@ -235,11 +247,15 @@ void zrGrid::InsertRange(RowRange range) {
   BeforeInsert.Raise(static_cast<std::int32_t>(range.first), static_cast<std::int32_t>(range.last), cancel);
   if (cancel) return;
   const auto place = static_cast<std::int32_t>(std::min(range.first, static_cast<std::size_t>(rows_->Count()) + 1));
-  for (std::size_t i = 0; i < range.Count(); ++i) {
-    rows_->Add({}, place <= rows_->Count() ? Variant(place) : Variant::Missing());
+  {
+    const ScopedValue later(tellsLater_, true);
+    for (std::size_t i = 0; i < range.Count(); ++i) {
+      rows_->Add({}, place <= rows_->Count() ? Variant(place) : Variant::Missing());
+    }
   }
   SelectRows(range.first, range.last);
   AfterInsert.Raise(static_cast<std::int32_t>(range.first), static_cast<std::int32_t>(range.last));
+  TellOfMove();
   Redraw();
 }
 

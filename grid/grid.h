@@ -226,11 +226,14 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
 
   zrGrid() = default;
 
+  // Nothing while the grid comes or goes.
+  Ref<Object> Alive() override { return weak_from_this().lock(); }
   void ColumnsChanged() override;
   void ColumnRemoved(std::size_t position) override { rows_->DropColumn(position); }
   std::size_t ColumnPosition(const Variant& column) const override { return columns_->PositionOf(column); }
+  // A listener may have taken the column away.
   bool IsCheckBoxColumn(std::size_t column) const override {
-    return columns_->At(column).Style() == GridColumnCheckBox;
+    return column <= static_cast<std::size_t>(columns_->Count()) && columns_->At(column).Style() == GridColumnCheckBox;
   }
   bool BeforeCellChange(std::size_t row, std::size_t column) override;
   void AfterCellChange(std::size_t row, std::size_t column) override;
@@ -244,6 +247,7 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   void UpdateScrollBars();
   void Redraw();
   void MakeCurrent(std::size_t row, std::size_t column);
+  void TellOfMove();
   void ToggleCheckBox(std::size_t row, std::size_t column);
   std::size_t NextShownColumn(std::size_t from, int direction) const;
   bool MoveCurrent(std::int32_t keyCode);
@@ -296,6 +300,8 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   bool allowRowInsert_ = true;
   bool autoRedraw_ = true;
   bool focused_ = false;
+  bool tellsLater_ = false;  // of another current cell, when rows were inserted
+  bool hasMoved_ = false;    // the current cell, and nobody was told yet
   bool customContextMenu_ = false;
   std::string emptyText_;
   std::size_t currentRow_ = 0;

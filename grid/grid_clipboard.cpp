@@ -44,10 +44,11 @@ void zrGrid::PasteText(std::string_view text) {
 }
 
 void zrGrid::PasteLine(zrGridRow& row, std::size_t firstColumn, const std::vector<std::string>& line) {
-  const auto columns = static_cast<std::size_t>(columns_->Count());
-  for (std::size_t i = 0; i < line.size() && firstColumn + i <= columns && row.Index() != 0; ++i) {
-    PasteCell(row, firstColumn + i, line[i]);
-  }
+  // A listener may remove the row, or columns.
+  const auto isThere = [&](std::size_t column) {
+    return column <= static_cast<std::size_t>(columns_->Count()) && row.Index() != 0;
+  };
+  for (std::size_t i = 0; i < line.size() && isThere(firstColumn + i); ++i) PasteCell(row, firstColumn + i, line[i]);
 }
 
 void zrGrid::PasteCell(zrGridRow& row, std::size_t column, const std::string& text) {

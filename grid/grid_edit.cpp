@@ -55,6 +55,7 @@ bool zrGrid::OpenEditor(const std::string* typed) {
            column->Style() != GridColumnCheckBox;
   };
   if (!editable()) return false;
+  const Ref<Object> alive = shared_from_this();
   BeforeEdit.Raise(Row(), Column());
   if (!editable()) return false;  // a listener has changed what is to be edited
   const bool isCombo = column->Style() == GridColumnCombo || column->Style() == GridColumnComboList;

@@ -50,7 +50,13 @@ void qbGridPane::CreateColumns() {
 }
 
 void qbGridPane::ConnectGrid() {
-  const auto listen = [this](auto& event, auto listener) { links_.push_back(event.Connect(listener)); };
+  // Who listens to the pane, or to the grid, may let go of it.
+  const auto listen = [this](auto& event, auto listener) {
+    links_.push_back(event.Connect([this, listener](auto&&... arguments) {
+      const Ref<Object> alive = shared_from_this();
+      listener(arguments...);
+    }));
+  };
   zrGrid& grid = *grdPane_;
   listen(grid.AfterChange, [this](std::int32_t row, std::int32_t column) { CellChanged(row, column); });
   listen(grid.BeforeChange, [this](std::int32_t row, std::int32_t column, bool&) {
@@ -202,10 +208,10 @@ void qbGridPane::SetValue(const Variant& row, const Variant& column, Variant val
 }
 
 void qbGridPane::SetGroupByFunction(std::int32_t rowIndex, const qbDBFunction& function) {
-  zrGridRow& row = *grdPane_->Rows()->Item(rowIndex);
+  const Ref<zrGridRow> row = HoldRow(rowIndex);
   const std::string& syntax = function.Syntax();
-  row.SetTagVariant("group_by", syntax.empty() ? function.Name() : syntax);
-  row.SetValue("group_by", function.DisplayText());
+  row->SetTagVariant("group_by", syntax.empty() ? function.Name() : syntax);
+  row->SetValue("group_by", function.DisplayText());
 }
 
 bool qbGridPane::IsEmptyRow(const zrGridRow& row) const {
@@ -281,6 +287,7 @@ void qbGridPane::SortRow(std::int32_t row, const std::string& type) {
 void qbGridPane::WriteSortOrders(const std::vector<Ref<zrGridRow>>& rows, const std::vector<std::int32_t>& orders) {
   const ScopedValue busy(busy_, true);
   for (std::size_t i = 0; i < rows.size(); ++i) {
+    if (rows[i]->Index() == 0) continue;  // a listener has removed it
     if (orders[i] != 0) {
       rows[i]->SetValue("sort_order", std::to_string(orders[i]));
     } else if (!rows[i]->ValueAt(kColumnSortOrder).IsBlank()) {
@@ -332,7 +339,7 @@ void qbGridPane::ShowGroupByColumn() {
 void qbGridPane::ApplyShowGroupBy() {
   ShowGroupByColumn();
   const ScopedValue busy(busy_, true);
-  for (std::int32_t i = 1; i <= RowCount(); ++i) SetRowGroupBy(RowAt(i));
+  for (std::int32_t i = 1; i <= RowCount(); ++i) SetRowGroupBy(*HoldRow(i));
 }
 
 // "*" counts rows; any other column groups. Rows without a column are left alone.
@@ -386,18 +393,29 @@ void qbGridPane::RenameTable(const std::string& before, const std::string& after
   const ScopedValue busy(busy_, true);
   const Ref<qbEntities> entities = Entities();
   for (std::int32_t i = 1; i <= RowCount(); ++i) {
-    zrGridRow& row = RowAt(i);
-    if (Text(row, kColumnTable) == before) row.SetValue("table", after);
+    const Ref<zrGridRow> row = HoldRow(i);
+    if (Text(*row, kColumnTable) == before) row->SetValue("table", after);
     const auto rewriteCell = [&](std::size_t column) {
-      const std::string* text = row.ValueAt(column).StringIf();
-      if (text && !text->empty()) row.SetValue(static_cast<std::int32_t>(column), rewrite(*text));
+      const std::string* text = row->ValueAt(column).StringIf();
+      if (row->Index() == 0 || !text || text->empty()) return;  // a listener may have removed the row
+      row->SetValue(static_cast<std::int32_t>(column), rewrite(*text));
     };
-    const bool isExpression = !entities || !entities->FindExactly(Text(row, kColumnTable));
+    const bool isExpression = !entities || !entities->FindExactly(Text(*row, kColumnTable));
     if (isExpression) rewriteCell(kColumnColumn);
     for (std::size_t column = kColumnCriteria; column <= static_cast<std::size_t>(ColumnCount()); ++column) {
       rewriteCell(column);
     }
   }
+}
+
+void qbGridPane::RenameColumn(const std::string& tableName, const std::string& before, const std::string& after) {
+  {
+    const ScopedValue busy(busy_, true);
+    for (const Ref<zrGridRow>& row : RowsOf({tableName, before})) {
+      if (row->Index() != 0) row->SetValue("column", after);
+    }
+  }
+  ReportChange();
 }
 
 }  // namespace zrqrybld

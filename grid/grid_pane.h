@@ -151,6 +151,8 @@ class qbGridPane final : public Object {
     std::string groupBy;
     std::vector<std::string> criteria;  ///< from "criteria" on
   };
+  /// Puts all columns into the grid that are ticked in the diagram and no row outputs. Whether there were any.
+  bool OutputTicked();
   /// Puts rows into the empty ones, then behind the last. The cells are taken as they are; what is output is ticked in
   /// its box.
   void AddRows(const std::vector<RowContent>& rows);
@@ -172,6 +174,8 @@ class qbGridPane final : public Object {
   /// expression or a criterion.
   void RenameTable(const std::string& before, const std::string& after,
                    const std::function<std::string(std::string_view)>& rewrite);
+  /// A column of a table has got another name: its rows follow silently.
+  void RenameColumn(const std::string& tableName, const std::string& before, const std::string& after);
   /// A cell of a saved query: its row and column from 1, and its text.
   struct LoadedCell {
     std::int32_t row;
@@ -181,8 +185,8 @@ class qbGridPane final : public Object {
   /// Replaces all rows by those of a saved query, without the rules of editing. One empty row follows them, and the
   /// boxes are ticked as the rows output. Error 40005 for an "output" that is no truth.
   void LoadRows(const std::vector<LoadedCell>& cells);
-  /// Makes the rows, which are as `now` says, what `then` says, without the rules of editing.
-  void Restore(const std::vector<SharedRowContent>& now, const std::vector<SharedRowContent>& then);
+  /// Makes the rows what `then` says, without the rules of editing.
+  void Restore(const std::vector<SharedRowContent>& then);
   /// Shows or hides the grouping column without touching the rows, which hold what belongs to it already.
   void RestoreShowGroupBy(bool show);
   /// Empties the grid: the initial empty rows are back.
@@ -211,8 +215,10 @@ class qbGridPane final : public Object {
   std::int16_t AliasMaxLen() const;
   Ref<qbEntities> Entities() const;
 
+  // A row that exists. Who changes cells holds it: a listener may take it away.
   zrGridRow& RowAt(std::int32_t row) const { return grdPane_->Rows()->At(static_cast<std::size_t>(row)); }
-  std::string Text(const zrGridRow& row, std::size_t column) const { return row.ValueAt(column).Text(); }
+  Ref<zrGridRow> HoldRow(std::int32_t row) const { return grdPane_->Rows()->Item(row); }
+  static std::string Text(const zrGridRow& row, std::size_t column) { return row.ValueAt(column).Text(); }
   bool IsEmptyRow(const zrGridRow& row) const;
   bool HasContent(const zrGridRow& row) const;
   void AddEmptyRow();
@@ -227,6 +233,7 @@ class qbGridPane final : public Object {
 
   Field FieldOf(const zrGridRow& row) const { return {Text(row, kColumnTable), Text(row, kColumnColumn)}; }
   bool IsRowOf(const zrGridRow& row, const Field& field) const;
+  std::vector<Field> TickedFields() const;
   std::vector<Ref<zrGridRow>> RowsOf(const Field& field) const;
   std::vector<Ref<zrGridRow>> RowsOfTable(const std::string& table) const;
   void NoteTable(const zrGridRow& row, const std::string& table);

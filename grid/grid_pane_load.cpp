@@ -46,19 +46,25 @@ void qbGridPane::LoadCell(const LoadedCell& cell) {
   RowAt(cell.row).SetValue(column, cell.text);
 }
 
-void qbGridPane::Restore(const std::vector<SharedRowContent>& now, const std::vector<SharedRowContent>& then) {
+void qbGridPane::Restore(const std::vector<SharedRowContent>& then) {
+  zrGridRows& rows = *grdPane_->Rows();
+  const auto count = static_cast<std::size_t>(rows.Count());
+  const auto isAs = [&](std::size_t row, std::size_t place) {
+    return SaysTheSame(rows.At(row + 1).Content(), then[place]);
+  };
   std::size_t same = 0;
-  const std::size_t shorter = std::min(now.size(), then.size());
-  while (same < shorter && now[same] == then[same]) ++same;
+  const std::size_t shorter = std::min(count, then.size());
+  while (same < shorter && isAs(same, same)) ++same;
   std::size_t behind = 0;
-  while (behind < shorter - same && now[now.size() - 1 - behind] == then[then.size() - 1 - behind]) ++behind;
+  while (behind < shorter - same && isAs(count - 1 - behind, then.size() - 1 - behind)) ++behind;
   const auto begin = then.begin() + static_cast<std::ptrdiff_t>(same);
   const auto end = then.end() - static_cast<std::ptrdiff_t>(behind);
-  if (begin == end && now.size() == then.size()) return;
+  if (begin == end && count == then.size()) return;
   const ScopedValue busy(busy_, true);
-  grdPane_->Rows()->Restore(same + 1, now.size() - same - behind, {begin, end});
   emptyFrom_ = std::min(emptyFrom_, static_cast<std::int32_t>(same) + 1);
-  for (std::size_t i = same + 1; i <= then.size() - behind; ++i) {
+  rows.Restore(same + 1, count - same - behind, {begin, end});
+  // Listeners have been told of the current cell by now, and may have changed rows.
+  for (std::size_t i = same + 1; i <= std::min(then.size() - behind, static_cast<std::size_t>(RowCount())); ++i) {
     const zrGridRow& row = RowAt(static_cast<std::int32_t>(i));
     NoteRow(row);
     if (!row.ValueAt(kColumnSortType).IsBlank() || !row.ValueAt(kColumnSortOrder).IsBlank()) NoteSorted(row);

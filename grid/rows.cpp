@@ -101,13 +101,14 @@ const Variant& zrGridRow::Value(const Variant& column) const { return ValueAt(Po
 
 void zrGridRow::SetValue(const Variant& column, Variant value) {
   const std::size_t position = Position(column);
-  RowOwner& owner = *list_->owner_;
   if (ValueAt(position) == value) return;
+  RowOwner& owner = *list_->owner_;
   if (owner.IsCheckBoxColumn(position)) {
     value = AsCheckBoxValue(value);
     if (ValueAt(position) == value) return;
   }
-  const Ref<Object> alive = shared_from_this();  // a listener may remove the row
+  const Ref<Object> alive = shared_from_this();  // a listener may remove the row, or let go of the grid
+  const Ref<Object> grid = owner.Alive();
   if (!owner.BeforeCellChange(IndexInList(), position) || !list_) return;
   GridCell& cell = CellAt(position);
   Variant before = std::exchange(cell.value, std::move(value));
@@ -146,8 +147,15 @@ Ref<zrGridRow> zrGridRows::Add(const std::string& key, const Variant& before, co
   const Ref<zrGridRow> row(new zrGridRow(key));
   Insert(row, place);
   untouched_.Touch(place - 1, items_.Count() - place);
-  if (owner_) owner_->RowsChanged(place);
+  Changed(place);
   return row;
+}
+
+// Who listens may let go of the grid.
+void zrGridRows::Changed(std::size_t from) {
+  if (!owner_) return;
+  const Ref<Object> grid = owner_->Alive();
+  owner_->RowsChanged(from);
 }
 
 void zrGridRows::DetachRows() {
@@ -158,7 +166,7 @@ void zrGridRows::Clear() {
   DetachRows();
   items_.Clear();
   untouched_.Touch(0, 0);
-  if (owner_) owner_->RowsChanged(1);
+  Changed(1);
 }
 
 void zrGridRows::Move(std::int32_t from, std::int32_t to) {
@@ -166,14 +174,14 @@ void zrGridRows::Move(std::int32_t from, std::int32_t to) {
   const std::size_t target = RequirePosition(items_, to);
   items_.Move(source, target);
   untouched_.Touch(std::min(source, target) - 1, items_.Count() - std::max(source, target));
-  if (owner_) owner_->RowsChanged(std::min(source, target));
+  Changed(std::min(source, target));
 }
 
 void zrGridRows::Remove(const Variant& index) {
   const std::size_t position = RequirePosition(items_, index);
   TakeOut(position);
   untouched_.Touch(position - 1, items_.Count() - (position - 1));
-  if (owner_) owner_->RowsChanged(position);
+  Changed(position);
 }
 
 void zrGridRows::RemoveIf(const std::function<bool(const zrGridRow&)>& unwanted) {
@@ -193,7 +201,7 @@ void zrGridRows::Remove(const std::vector<Ref<zrGridRow>>& rows) {
     TakeOut(position);
     untouched_.Touch(position - 1, items_.Count() - (position - 1));
   }
-  if (owner_ && first) owner_->RowsChanged(*first);
+  if (first) Changed(*first);
 }
 
 void zrGridRows::DropColumn(std::size_t position) {
@@ -227,7 +235,7 @@ void zrGridRows::Restore(std::size_t first, std::size_t count, const std::vector
   untouched_.Touch(first - 1, items_.Count() - (first - 1) - contents.size());
   if (!owner_) return;
   owner_->CellLooksChanged();
-  if (same != count || same != contents.size()) owner_->RowsChanged(first + same);
+  if (same != count || same != contents.size()) Changed(first + same);
 }
 
 bool SaysTheSame(const SharedRowContent& a, const SharedRowContent& b) {

@@ -47,6 +47,8 @@ class RowOwner {
   RowOwner& operator=(const RowOwner&) = delete;
   virtual ~RowOwner() = default;
 
+  /// Keeps the grid for as long as it is held.
+  virtual Ref<Object> Alive() = 0;
   /// The position of a column by key or number. Error 9 when there is none.
   virtual std::size_t ColumnPosition(const Variant& column) const = 0;
   virtual bool IsCheckBoxColumn(std::size_t column) const = 0;
@@ -165,6 +167,7 @@ class zrGridRows final : public Object {
   friend class zrGridRow;
   void Insert(const Ref<zrGridRow>& row, std::size_t position);
   void TakeOut(std::size_t position);
+  void Changed(std::size_t from);
   void DetachRows();
 
   RowOwner* owner_;

@@ -43,6 +43,7 @@ void QueryContext::RaiseInfo(QueryBuilderInfoEnum info, Variant parameters) { In
 
 void QueryContext::RunOperation(const StepName& stepName, QueryBuilderInfoEnum operation,
                                 const std::function<void()>& work, const std::string& about) {
+  const Ref<Object> alive = shared_from_this();  // a listener may let go of it
   TakeBackState();
   const bool outermost = state_ == InfoDone;
   const auto run = [&] {
@@ -97,6 +98,7 @@ void QueryContext::EndStep() {
 }
 
 void QueryContext::EntitiesChanged(std::int32_t from) {
+  from = std::max(from, 1);  // a listener may have removed all of them
   if (stepDepth_ > 0) {
     entitiesChangedFrom_ = std::min(from, entitiesChangedFrom_.value_or(from));
   } else {

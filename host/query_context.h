@@ -185,6 +185,8 @@ class QueryContext : public Object {
 
   /// A column was ticked or unticked in its box.
   virtual void ItemChecked(const std::string& entityCaption, const std::string& itemText, bool checked) = 0;
+  /// A column that is ticked has got another text.
+  virtual void ItemRenamed(const std::string& entityCaption, const std::string& before, const std::string& after) = 0;
   /// An entity has left the diagram.
   virtual void EntityRemoved(const std::string& caption) = 0;
   /// An entity has got another caption.

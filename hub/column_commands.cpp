@@ -23,9 +23,10 @@ std::int32_t qbQueryBuilder::RowOfColumn(const std::string& entityCaption, const
 // A column that is only sorted by or looked at has a row that it is not output of.
 std::int32_t qbQueryBuilder::MakeRowOfColumn(const std::string& entityCaption, const std::string& column, bool output) {
   if (const std::int32_t row = RowOfColumn(entityCaption, column)) return row;
-  const std::int32_t row = gridPane_->SetFieldOutput(column, true, entityCaption);
-  if (row != 0 && !output) gridPane_->SetValue(row, "output", false);
-  return row;
+  const Ref<qbGridPane> grid = gridPane_;
+  const std::int32_t row = grid->SetFieldOutput(column, true, entityCaption);
+  if (row != 0 && !output) grid->SetValue(row, "output", false);
+  return grid == gridPane_ ? row : 0;  // a listener may have linked another
 }
 
 std::optional<ColumnUse> qbQueryBuilder::UseOfColumn(const std::string& entityCaption,
@@ -45,8 +46,7 @@ void qbQueryBuilder::SortByColumn(const std::string& entityCaption, const std::s
   const StepScope step(RefTo(*this), kStepSort, column);
   const std::int32_t row =
       type.empty() ? RowOfColumn(entityCaption, column) : MakeRowOfColumn(entityCaption, column, false);
-  if (row == 0) return;
-  gridPane_->SortRow(row, type);
+  if (row != 0) GridPane()->SortRow(row, type);
 }
 
 void qbQueryBuilder::GroupColumn(const std::string& entityCaption, const std::string& column,
@@ -54,10 +54,9 @@ void qbQueryBuilder::GroupColumn(const std::string& entityCaption, const std::st
   const Ref<qbDBFunction> function = DBFunctions()->FindByName(choice);
   if (!gridPane_ || !function) return;
   const StepScope step(RefTo(*this), kStepGroup, column);
-  gridPane_->SetShowGroupBy(true);
-  if (const std::int32_t row = MakeRowOfColumn(entityCaption, column, true)) {
-    gridPane_->SetGroupByFunction(row, *function);
-  }
+  GridPane()->SetShowGroupBy(true);
+  const std::int32_t row = gridPane_ ? MakeRowOfColumn(entityCaption, column, true) : 0;
+  if (row != 0) GridPane()->SetGroupByFunction(row, *function);
 }
 
 void qbQueryBuilder::GoToCriterion(const std::string& entityCaption, const std::string& column) {
@@ -65,8 +64,9 @@ void qbQueryBuilder::GoToCriterion(const std::string& entityCaption, const std::
   const StepScope step(RefTo(*this), kStepAddCriterion, column);
   const std::int32_t row = MakeRowOfColumn(entityCaption, column, false);
   if (row == 0) return;
-  gridPane_->Grid()->GotoRowCol(row, "criteria");
-  gridPane_->Grid()->GetSurface().SetFocus();
+  const Ref<zrGrid> grid = gridPane_->Grid();
+  grid->GotoRowCol(row, "criteria");
+  grid->GetSurface().SetFocus();
 }
 
 namespace {

@@ -155,12 +155,15 @@ bool History::Record(const StepLabel& label, DesignChange change, std::optional<
   Trim(step.rows, SaysTheSame);
   if (change.options != known_.options) step.options.emplace(known_.options, change.options);
 
-  const bool wasEmpty = known_.entities.empty() && std::ranges::all_of(step.rows.before, IsBlank);
+  if (step.entities.Empty() && step.rows.Empty() && !step.options) return false;
+  const bool wasEmpty = known_.entities.empty() && std::ranges::all_of(known_.rows, IsBlank);
+  known_.options = std::move(change.options);
+  if (wasEmpty && step.entities.Empty() && std::ranges::all_of(step.rows.after, IsBlank)) {
+    Absorb(step.rows);
+    return false;
+  }
   Apply(known_.entities, step.entities, false);
   Apply(known_.rows, step.rows, false);
-  known_.options = std::move(change.options);
-  if (step.entities.Empty() && step.rows.Empty() && !step.options) return false;
-  if (wasEmpty && known_.entities.empty() && std::ranges::all_of(known_.rows, IsBlank)) return false;
 
   for (const Step& undone : std::exchange(redo_, {})) bytes_ -= undone.bytes;
   step.typed = std::move(typed);
@@ -171,10 +174,35 @@ bool History::Record(const StepLabel& label, DesignChange change, std::optional<
   return true;
 }
 
+// Blank rows that come or go are no step, so the steps before and behind end and begin with the rows as they are now:
+// what they replace is found by its place.
+void History::Absorb(const Splice<SharedRowContent>& change) {
+  mayMerge_ = false;
+  if (change.Empty()) return;
+  std::vector<SharedRowContent> before = known_.rows;
+  std::vector<SharedRowContent> after = known_.rows;
+  if (!undo_.empty()) Apply(before, undo_.back().rows, true);
+  if (!redo_.empty()) Apply(after, redo_.back().rows, false);
+  Apply(known_.rows, change, false);
+  const auto rewrite = [this](Step& step, const std::vector<SharedRowContent>& was,
+                              const std::vector<SharedRowContent>& is) {
+    step.rows = {0, was, is};
+    Trim(step.rows, SaysTheSame);
+    step.cell.reset();
+    bytes_ -= step.bytes;
+    step.bytes = SizeOfStep(step);
+    bytes_ += step.bytes;
+  };
+  if (!undo_.empty()) rewrite(undo_.back(), before, known_.rows);
+  if (!redo_.empty()) rewrite(redo_.back(), known_.rows, after);
+}
+
 // Makes one step of it and the one before, when it goes on with what that has begun.
 bool History::Merge(Step& step) {
   if (!mayMerge_ || undo_.empty() || step.at - undo_.back().at > kTypingPause) return false;
   Step& last = undo_.back();
+  const bool isNamed = step.label.id == 0 || last.label.id == 0;
+  if (isNamed) return false;
   const bool sameCell = step.cell && step.cell == last.cell;
   const bool sameKey = step.label.repeats && last.label.repeats && step.label.id == last.label.id &&
                        step.label.about == last.label.about && !step.options && !last.options && step.rows.Empty() &&

@@ -87,7 +87,8 @@ class History {
   const Design& Known() const { return known_; }
 
   /// Notes a step. False when nothing has changed, or nothing but the options of a design that is empty: that is no
-  /// work of the user's. What is typed into one cell within a second is one step.
+  /// work of the user's. What is typed into one cell within a second is one step; what the application has named
+  /// itself is a step of its own.
   bool Record(const StepLabel& label, DesignChange change, std::optional<std::string> typed = std::nullopt);
   /// The tables and options have changed outside of any step: they are known as they are now, and no step is noted.
   /// The tables are those behind the first `untouched` ones; what came or went is left to the next step.
@@ -110,6 +111,7 @@ class History {
 
  private:
   bool Merge(Step& step);
+  void Absorb(const Splice<SharedRowContent>& change);
   void Push(Step step);
 
   Design known_;

@@ -183,26 +183,39 @@ void qbQueryBuilder::SetLanguageString(std::int32_t id, const std::string& newVa
 
 // --- Panes ---
 
-void qbQueryBuilder::SetDiagramPane(const Ref<qbDiagramPane>& pane) {
-  if (diagramPane_ && diagramPane_ != pane) diagramPane_->SetContext(nullptr);
-  diagramPane_ = pane;
+// A pane has one hub: the one that it was linked to lets go of it.
+template <class Pane>
+void qbQueryBuilder::Link(Ref<Pane>& place, const Ref<Pane>& pane, void (qbQueryBuilder::*set)(const Ref<Pane>&)) {
+  if (travelling_) throw Error(ErrorInvalidCall, "Panes cannot be exchanged while a step is undone or redone.");
+  const Ref<qbQueryBuilder> other = pane ? pane->QueryBuilder() : nullptr;
+  if (other && other.get() != this) ((*other).*set)(nullptr);
+  const Ref<Pane> before = std::exchange(place, pane);
+  if (before && before != pane) before->SetContext(nullptr);
   if (pane) pane->SetContext(RefTo(*this));
+}
+
+void qbQueryBuilder::SetDiagramPane(const Ref<qbDiagramPane>& pane) {
+  Link(diagramPane_, pane, &qbQueryBuilder::SetDiagramPane);
   EntitiesChanged(1);
   RememberAll();
+  OutputTicked();
 }
 
 void qbQueryBuilder::SetGridPane(const Ref<qbGridPane>& pane) {
-  if (gridPane_ && gridPane_ != pane) gridPane_->SetContext(nullptr);
-  gridPane_ = pane;
-  if (pane) pane->SetContext(RefTo(*this));
+  Link(gridPane_, pane, &qbQueryBuilder::SetGridPane);
   RememberAll();
+  OutputTicked();
 }
 
 void qbQueryBuilder::SetSQLPane(const Ref<qbSQLPane>& pane) {
-  if (sqlPane_ && sqlPane_ != pane) sqlPane_->SetContext(nullptr);
-  sqlPane_ = pane;
-  if (pane) pane->SetContext(RefTo(*this));
+  Link(sqlPane_, pane, &qbQueryBuilder::SetSQLPane);
   RememberAll();
+}
+
+// Columns that were ticked before diagram and grid knew of each other are output, too. That is no step: there is
+// nothing to go back to.
+void qbQueryBuilder::OutputTicked() {
+  if (gridPane_ && GridPane()->OutputTicked()) RememberAll();
 }
 
 bool qbQueryBuilder::HasFullJoin() const { return !sqlPane_ || DialectFor(sqlPane_->SQLSyntax()).hasFullJoin; }
@@ -235,18 +248,23 @@ std::shared_ptr<SchemaCache> qbQueryBuilder::Schema() {
 }
 
 void qbQueryBuilder::RefreshStatement() {
-  if (sqlPane_) sqlPane_->ShowChange();
+  if (sqlPane_) SQLPane()->ShowChange();
   NoteColumns();
 }
 
 // --- What the panes tell ---
 
 void qbQueryBuilder::ItemChecked(const std::string& entityCaption, const std::string& itemText, bool checked) {
-  if (gridPane_) gridPane_->SetFieldOutput(itemText, checked, entityCaption);
+  if (gridPane_) GridPane()->SetFieldOutput(itemText, checked, entityCaption);
+}
+
+void qbQueryBuilder::ItemRenamed(const std::string& entityCaption, const std::string& before,
+                                 const std::string& after) {
+  if (gridPane_) GridPane()->RenameColumn(entityCaption, before, after);
 }
 
 void qbQueryBuilder::EntityRemoved(const std::string& caption) {
-  if (gridPane_) gridPane_->RemoveRowsOf(caption);
+  if (gridPane_) GridPane()->RemoveRowsOf(caption);
   RaiseInfo(InfoTableRemoved, caption);
 }
 
@@ -258,16 +276,16 @@ void qbQueryBuilder::EntityRenamed(const std::string& oldCaption, const std::str
   const bool ownName = entity && entity->TagVariant().Text() == newCaption;
   const SqlText after =
       ownName ? RenderQualified(SplitName(newCaption, rules), rules) : QuoteWhenNeeded(Identifier(newCaption), rules);
-  gridPane_->RenameTable(oldCaption, newCaption,
-                         [&](std::string_view text) { return RenameQualifier(text, oldCaption, after, rules); });
+  GridPane()->RenameTable(oldCaption, newCaption,
+                          [&](std::string_view text) { return RenameQualifier(text, oldCaption, after, rules); });
 }
 
 void qbQueryBuilder::RefreshTableList(std::int32_t from) {
-  if (gridPane_) gridPane_->RefreshTableList(from);
+  if (gridPane_) GridPane()->RefreshTableList(from);
 }
 
 void qbQueryBuilder::DiagramCleared() {
-  if (gridPane_) gridPane_->ResetRows();
+  if (gridPane_) GridPane()->ResetRows();
   if (sqlPane_) sqlPane_->QueryReplaced();
   QueryChanged();
 }

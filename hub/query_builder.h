@@ -244,6 +244,7 @@ class qbQueryBuilder final : public QueryContext {
   bool CanEditJoins() const override { return allowJoinProperties_; }
 
   void ItemChecked(const std::string& entityCaption, const std::string& itemText, bool checked) override;
+  void ItemRenamed(const std::string& entityCaption, const std::string& before, const std::string& after) override;
   void EntityRemoved(const std::string& caption) override;
   void EntityRenamed(const std::string& oldCaption, const std::string& newCaption) override;
   void DiagramCleared() override;
@@ -268,6 +269,9 @@ class qbQueryBuilder final : public QueryContext {
   DesignOptions CurrentOptions() const;
   void TakeTables(DesignChange& change, bool withTicks) const;
   DesignChange CurrentChange() const;
+  template <class Pane>
+  void Link(Ref<Pane>& place, const Ref<Pane>& pane, void (qbQueryBuilder::*set)(const Ref<Pane>&));
+  void OutputTicked();
   void RememberAll();
   bool Travel(bool back);
   void EndStepless();

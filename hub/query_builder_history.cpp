@@ -130,12 +130,16 @@ bool qbQueryBuilder::Travel(bool back) {
   if (InStep() || travelling_ || (state() != InfoDone && state() != InfoParsingSQL)) {
     throw Error(ErrorInvalidCall, "The query is being changed; steps cannot be undone or redone before that is done.");
   }
+  const Ref<Object> alive = shared_from_this();  // a listener may let go of it
   const ScopedValue travelling(travelling_, true);
   SetState(InfoDone);  // a statement that could not be read has left it
   if (gridPane_) gridPane_->Grid()->CommitEdit();
   EndStepless();
   const History::Step* step = back ? history_.Last() : history_.Next();
-  if (!step) return false;
+  if (!step) {
+    StepEnded();
+    return false;
+  }
   const std::optional<std::string> typed = back ? step->typed : std::nullopt;
   {
     const StepScope scope(RefTo(*this), kStepChange);
@@ -146,20 +150,22 @@ bool qbQueryBuilder::Travel(bool back) {
       Restore(now, then);
     });
   }
-  if (typed && sqlPane_ && !sqlPane_->IsEdited()) sqlPane_->ShowTyped(*typed);
+  if (typed && sqlPane_ && !sqlPane_->IsEdited()) SQLPane()->ShowTyped(*typed);
   return true;
 }
 
-// What was changed without any step is one, before others are undone.
+// What was changed without any step is one, before others are undone. Nobody is told before they are: a listener could
+// change more.
 void qbQueryBuilder::EndStepless() {
-  BeginStep(kStepChange);
-  EndStep();
+  const StepLabel step(kStepChange, {});
+  StepBegins(step);
+  StepMade(step, false);
 }
 
 void qbQueryBuilder::Restore(const Design& now, const Design& then) {
   if (diagramPane_) diagramPane_->Restore(now.entities, then.entities);
   if (gridPane_) {
-    gridPane_->Restore(now.rows, then.rows);
+    gridPane_->Restore(then.rows);
     gridPane_->ApplyAliasMaxLen();
   }
   if (now.options != then.options) RestoreOptions(then.options);

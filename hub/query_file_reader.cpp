@@ -301,6 +301,7 @@ void QueryFileReader::TakeEntity() {
   place("Top", &qbEntity::SetTop);
   place("Width", &qbEntity::SetWidth);
   CopyProperties(*entity->Properties());
+  if (!entity->EntityBox()) ThrowObjectRemoved();  // a listener has removed it
   entity->EntityBox()->SetIsView(
       EqualsNoCase(entity->Properties()->FindText(std::string(kSchemaFactPrefix) + "TABLE_TYPE").value_or(""), "VIEW"));
 }

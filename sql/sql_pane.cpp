@@ -46,6 +46,7 @@ void qbSQLPane::ListenToTextArea() {
     if (failure_.empty()) ApplyEditedText();
   }));
   links_.push_back(textArea_->KeyDown.Connect([this](std::int32_t& keyCode, std::int32_t shift) {
+    const Ref<Object> alive = shared_from_this();  // a listener may let go of it
     KeyDown.Raise(keyCode, shift);
     const bool applies =
         (keyCode == KeyCodeEnter && shift == ShiftCtrl) || (keyCode == kKeyF5 && shift == ShiftNone && edited_);
@@ -110,6 +111,7 @@ void qbSQLPane::SetEdited(bool edited) {
 }
 
 bool qbSQLPane::ApplyEditedText() {
+  const Ref<Object> alive = shared_from_this();
   if (!edited_ || busy_) return !edited_;
   const Ref<QueryContext> context = context_.lock();
   if (!context) return false;
@@ -206,6 +208,7 @@ const Ref<qbJoins>& qbSQLPane::Joins() const {
 }
 
 void qbSQLPane::Refresh() {
+  const Ref<Object> alive = shared_from_this();  // a listener may let go of it
   const std::string text = Generate({}, {});
   if (text.empty()) diagnostics_.clear();  // nothing was generated
   failure_.clear();
@@ -231,6 +234,7 @@ std::string qbSQLPane::AddWhereClause(const std::string& orExpression, const std
 }
 
 bool qbSQLPane::ParseSQLStatement(const std::string& sql) {
+  const Ref<Object> alive = shared_from_this();  // a listener may let go of it
   const Ref<QueryContext> context = context_.lock();
   if (!context) throw Error(ErrorParsingText, "The SQL pane is not linked to a query builder.");
   if (!DialectFor(syntax_).canBeParsed) {

@@ -69,6 +69,8 @@ class DiagramScene : public test::Player, private test::DiagramHands {
     On(pane->DblClick, [this] { Note("double", "double " + NameOf(pane->SelectedObject())); });
     On(pane->MouseUp, [this](std::int32_t button, auto&&...) { Note("up", "surface" + std::to_string(button)); });
     On(pane->ObjectMouseUp, [this](std::int32_t button, auto&&...) { Note("up", "box" + std::to_string(button)); });
+    On(pane->MouseMove, [this](auto&&...) { Note("moves", "surface"); });
+    On(pane->ObjectMouseMove, [this](auto&&...) { Note("moves", "box"); });
     On(pane->BeforeContextMenu, [this](auto&&...) { Note("up", "menu"); });
     On(pane->KeyPress, [this](char32_t& character) {
       Note("typed", Variant(static_cast<std::int32_t>(character)).Text());
@@ -153,6 +155,7 @@ class DiagramScene : public test::Player, private test::DiagramHands {
   }
   static Variant Value(const std::string& word) {
     if (word == "null") return Variant::Null();
+    if (word == "empty") return {};
     const std::optional<double> number = Variant(word).Number();
     return number ? Variant(static_cast<std::int32_t>(*number)) : Variant(OrNone(word));
   }

@@ -184,5 +184,33 @@ TEST_F(Hub, LanguageFilesReplaceCaptionsLineByLine) {
   EXPECT_EQ(hub->GetLanguageString(-5), "");
 }
 
+TEST_F(Hub, PanesHaveOneHubAndObjectsOneDiagram) {
+  Use();
+  Tick(hub->AddTable("Orders")->Caption(), "Total");
+  const Ref<qbQueryBuilder> other = qbQueryBuilder::Create();
+  other->SetDiagramPane(diagram);
+  other->SetGridPane(grid);
+  EXPECT_EQ(hub->DiagramPane(), nullptr);
+  EXPECT_EQ(hub->GridPane(), nullptr);
+  EXPECT_FALSE(hub->Undo());
+  hub->SetGridPane(nullptr);
+  const Ref<qbDiagramPane> second = qbDiagramPane::Create();
+  hub->SetDiagramPane(second);
+  EXPECT_EQ(diagram->QueryBuilder(), other);
+  EXPECT_EQ(grid->QueryBuilder(), other);
+  diagram->Clear();
+  EXPECT_TRUE(other->Undo());
+  EXPECT_EQ(Rows() + " " + Ticked(), "Orders.Total Orders.Total");
+
+  const Ref<qbEntity> foreign = diagram->Entities()->Item(1);
+  const Ref<qbEntity> own = hub->AddTable("Orders");
+  second->SelectObject(own);
+  EXPECT_EQ(ErrorOf([&] { second->SelectObject(foreign); }), ErrorInvalidCall);
+  EXPECT_EQ(second->SelectedObject(), own);
+  EXPECT_EQ(ErrorOf([&] { own->Relationships()->Add(foreign); }), ErrorInvalidCall);
+  EXPECT_EQ(own->Relationships()->Count(), 0);
+  EXPECT_TRUE(hub->Undo());
+}
+
 }  // namespace
 }  // namespace zrqrybld

@@ -173,6 +173,14 @@ class Script : public test::Player, public test::Designer {
     };
     actions["deleterows"] = [this](const Words& w) { SelectRows(w), grid->Grid()->DeleteSelectedRows(); };
     actions["insertrows"] = [this](const Words& w) { SelectRows(w), grid->Grid()->InsertRows(); };
+    // Rows by program.
+    actions["norows"] = [this](auto&) { grid->Grid()->Rows()->Clear(); };
+    actions["addrow"] = [this](const Words& w) {
+      const bool behind = std::stoi(w[1]) > grid->RowCount();
+      grid->Grid()->Rows()->Add({}, behind ? Variant::Missing() : Variant(std::stoi(w[1])));
+    };
+    actions["norow"] = [this](const Words& w) { grid->Grid()->Rows()->Remove(std::stoi(w[1])); };
+    actions["moverow"] = [this](const Words& w) { grid->Grid()->Rows()->Move(std::stoi(w[1]), std::stoi(w[2])); };
     actions["moverows"] = [this](const Words& w) { SelectRows(w), grid->Grid()->MoveRows(1); };
     actions["sort"] = [this](const Words& w) {
       hub->SortByColumn(Split2(w[1]).first, Split2(w[1]).second, OrNone(w[2]));
@@ -263,7 +271,12 @@ class Script : public test::Player, public test::Designer {
     actions["to"] = [this](const Words& w) { JoinsOf(w[1]).Item(1)->SetTargetItemIndex(Read(w[2])); };
     actions["kind"] = [this](const Words& w) { JoinsOf(w[1]).Item(1)->SetItemData(Read(w[2])); };
     actions["unjoin"] = [this](const Words& w) { JoinsOf(w[1]).Remove(1); };
+    actions["retext"] = [this](const Words& w) { Item(Split2(w[1]).first, Split2(w[1]).second)->SetText(w[2]); };
+    actions["noitem"] = [this](const Words& w) { Entity(Split2(w[1]).first)->Items()->Remove(Split2(w[1]).second); };
+    actions["noitems"] = [this](const Words& w) { Entity(w[1])->Items()->Clear(); };
     // the grid
+    actions["nogrid"] = [this](auto&) { hub->SetGridPane(nullptr); };
+    actions["grid"] = [this](auto&) { hub->SetGridPane(grid); };
     actions["set"] = [this](const Words& w) { Set(std::stoi(w[1]), w[2], w.size() > 3 ? w[3] : ""); };
     actions["output"] = [this](const Words& w) {
       row_ = grid->SetFieldOutput(Split2(w[1]).second, true, Split2(w[1]).first);

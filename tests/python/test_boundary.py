@@ -5,6 +5,7 @@ import gc
 import os
 import random
 import resource
+import subprocess
 import sys
 import tempfile
 import unittest
@@ -286,6 +287,7 @@ class Events(unittest.TestCase):
             self.assertEqual(entities.Count, 4)
             with self.assertRaises(Error):  # what the second handler wrote is no such number
                 qb.AddTable("Categories")
+            self.assertEqual(entities.Count, 4)  # nor is there half a table
         finally:
             sys.unraisablehook = hook
         self.assertIn(ZeroDivisionError, failures)
@@ -317,6 +319,29 @@ class Events(unittest.TestCase):
             del entities
             gc.collect()
             self.assertEqual(len(zrqrybld._handlers), before)
+
+    def test_a_script_may_end_while_its_handlers_listen(self):
+        # Whatever goes first: the objects, the module, or a subscription that an event still keeps.
+        script = '''
+import sys, zrqrybld
+class Heard(list):
+    def __call__(self, *arguments):
+        print(arguments[0] and len(self))
+hub, pane, heard = zrqrybld.create("qbQueryBuilder"), zrqrybld.create("qbDiagramPane"), Heard()
+hub.DiagramPane = pane
+hub.SQLPane = zrqrybld.create("qbSQLPane")
+for thing, event in ((hub, "Info"), (hub, "HistoryChanged"), (pane.Entities, "EntityRemove"), (zrqrybld.toolkit, "MessageBox")):
+    thing.on(event, heard)
+off = hub.SQLPane.on("SQLChanged", heard)
+off.off()
+hub.AddTable("a")
+sys.keeps = [hub, pane, off] if len(sys.argv) > 1 else None
+sys.modules["_keeps"] = heard
+print("end")
+'''
+        for arguments in ((), ("keep",)):
+            ended = subprocess.run([sys.executable, "-c", script, *arguments], capture_output=True, text=True)
+            self.assertEqual((ended.returncode, ended.stdout.splitlines()[-1], ended.stderr), (0, "end", ""))
 
     def test_dialogs_are_answered_or_cancelled_and_recorded(self):
         qb = designer()

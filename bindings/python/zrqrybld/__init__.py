@@ -17,6 +17,7 @@ letter case. `Ref(value)` passes an argument by reference; `obj.on(event, handle
 The named numbers of the library are attributes of this module: `zrqrybld.SQLSyntaxOracle`.
 """
 
+import atexit as _atexit
 import ctypes as _ctypes
 import datetime as _datetime
 import functools as _functools
@@ -452,6 +453,8 @@ def _ended(context, _handlers=_handlers):
 
 _c_handle = _c.Handler(_handle)
 _c_ended = _c.Ended(_ended)
+# The library's objects may outlive the interpreter; what they would call does not.
+_atexit.register(_lib.zrq_end_subscriptions)
 
 
 class Subscription:

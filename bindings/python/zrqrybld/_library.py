@@ -87,6 +87,7 @@ def load():
         "zrq_call": [c_uint64, c_char_p, POINTER(Value), c_size_t, POINTER(Value), POINTER(Value)],
         "zrq_subscribe": [c_uint64, c_char_p, Handler, Ended, c_void_p, POINTER(c_uint64)],
         "zrq_unsubscribe": [c_uint64],
+        "zrq_end_subscriptions": [],
         "zrq_write": [c_size_t, POINTER(Value)],
         "zrq_last_error": [POINTER(c_char_p)],
         "zrq_member_at": [c_char_p, c_size_t, POINTER(MemberRecord)],
