@@ -108,7 +108,7 @@ class Diagnosis {
 
   // Marks in WHERE can say what no order of joins can.
   void WaitingJoins() {
-    const auto isOuter = [](const SnapshotJoin& join) { return join.kind != 0; };
+    const auto isOuter = [](const SnapshotJoin& join) { return join.kind != JoinKind(); };
     const auto outer = std::ranges::find_if(query_.joins, isOuter);
     if (dialect_.joins == Dialect::Joins::Clauses || outer == query_.joins.end()) return;
     std::vector<std::size_t> order(query_.tables.size());
