@@ -26,23 +26,28 @@ Ref<qbEntity> qbEntities::Add(const std::string& key) {
   const Ref<QueryContext> context = view_->Context();
   std::optional<BusyPointer> busy;
   if (context) busy.emplace(context->GetToolkit());
-  const StepScope step(context, kStepAddTable, key);
-  return WholeOrNothing(context, [&] {
-    const Ref<qbEntity> entity = Make(key);
+  Ref<qbEntity> entity;
+  {
+    const StepScope step(context, kStepAddTable, key);
+    WholeOrNothing(context, [&] {
+      entity = Make(key);
+      Announce(entity, key, context);
+    });
+  }
+  return entity;  // behind the step, whose end may be an error
+}
 
-    try {
-      EntityAdd.Raise(key);
-      if (context) context->RaiseInfo(InfoTableAdded, Ref<Object>(entity));
-    } catch (...) {
-      TakeBack(entity);
-      throw;
-    }
-    if (context) {
-      context->EntitiesChanged(Count());
-      context->QueryChanged();
-    }
-    return entity;
-  });
+void qbEntities::Announce(const Ref<qbEntity>& entity, const std::string& key, const Ref<QueryContext>& context) {
+  try {
+    EntityAdd.Raise(key);
+    if (context) context->RaiseInfo(InfoTableAdded, Ref<Object>(entity));
+  } catch (...) {
+    TakeBack(entity);
+    throw;
+  }
+  if (!context) return;
+  context->EntitiesChanged(Count());
+  context->QueryChanged();
 }
 
 // A caption names one table in the statement, where letter case does not count, and none is no name.

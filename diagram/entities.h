@@ -83,6 +83,7 @@ class qbEntities final : public Object, private EntityOwner {
   Ref<qbEntity> Make(const std::string& key);
   Ref<qbEntity> MakeFor(const Ref<qbEntityList>& box, const std::string& key);
   void RemoveWithJoins(const Ref<qbEntity>& entity, const Ref<QueryContext>& context, const std::string& key);
+  void Announce(const Ref<qbEntity>& entity, const std::string& key, const Ref<QueryContext>& context);
   void Touch(const qbEntity& entity);
   void TakeOut(const Ref<qbEntity>& entity);
   void RemoveOthers(const DiagramState& staying);

@@ -65,7 +65,7 @@ ResultKind KindOf(DataTypeCode code) {
   }
 }
 
-// Whether a MariaDB driver hands an answer on row by row. Others hold it as a whole.
+// Whether a driver for MariaDB or MySQL hands an answer on row by row. Others hold it as a whole.
 bool Streams(const DriverConnection& connection) {
   const std::string driver = connection.InfoText(SQL_DRIVER_NAME);
   if (FindNoCase(driver, "maodbc") == std::string::npos) return true;
@@ -96,7 +96,7 @@ class OdbcRunner final : public QueryRunner {
 
   ~OdbcRunner() override {
     // A driver that reads row by row would read all that is left before it lets go.
-    if (open_ && mode_.family == SourceFamily::MariaDb) SQLCancel(statement_->Get());
+    if (open_ && streams_) SQLCancel(statement_->Get());
     statement_.reset();
     SQLEndTran(SQL_HANDLE_DBC, connection_.Get(), SQL_ROLLBACK);
   }
@@ -205,7 +205,8 @@ class OdbcRunner final : public QueryRunner {
   // A driver that holds the whole answer is asked for no more rows than it can hold, by the columns' declared widths.
   void LimitAnswer(std::string_view sql) {
     limit_ = kMostRows;
-    if (!Streams(connection_)) {
+    streams_ = Streams(connection_);
+    if (!streams_) {
       limit_ = std::clamp(kAnswerBytes / std::max<std::size_t>(declaredBytes_, 1), kFewestRows, kMostRows);
     }
     const std::string limit = std::to_string(limit_);
@@ -295,7 +296,8 @@ class OdbcRunner final : public QueryRunner {
   std::size_t batch_ = 0;          // rows asked for at once; 0 when the driver reads on by itself
   std::size_t batchRows_ = 0;
   std::size_t batchBytes_ = 0;
-  bool open_ = false;  // an answer that has not been read to its end
+  bool streams_ = false;  // the driver of MariaDB reads row by row
+  bool open_ = false;     // an answer that has not been read to its end
   std::atomic<bool> stopped_ = false;
 };
 

@@ -147,7 +147,8 @@ TEST_F(Preview, SaysWhyNothingIsRun) {
   Hub().DiagramPane()->Clear();
   window.AddTables({"Employees"});
   window.TickColumn("Employees.EmployeeID");
-  Hub().GridPane()->Grid()->SetTextMatrix(1, "criteria", "1; DROP TABLE x");
+  Hub().GridPane()->SetValue(1, "criteria", "1; DROP TABLE x");
+  Hub().SQLPane()->Refresh();
   PressF5();
   EXPECT_TRUE(Pane().Failure().contains("cannot be read")) << Statement();
 }

@@ -284,8 +284,8 @@ TEST_P(Reentrancy, EndsInTheChangeOrANumberedError) {
   EXPECT_GT(raising, 0) << "nothing raises it";
 }
 
-INSTANTIATE_TEST_SUITE_P(Events, Reentrancy, testing::ValuesIn(kEvents), [](const auto& info) {
-  std::string name = info.param.name;
+INSTANTIATE_TEST_SUITE_P(Events, Reentrancy, testing::ValuesIn(kEvents), [](const auto& made) {
+  std::string name = made.param.name;
   std::erase(name, '.');
   return name;
 });

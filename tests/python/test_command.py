@@ -56,6 +56,13 @@ class Command(unittest.TestCase):
         problem, = json.loads(run("check", "--json", self.bad)[1])
         self.assertEqual((problem["line"], problem["column"]), (3, 14))
         self.assertEqual(run("check", self.folder / "none.sql")[0], 1)
+        # A criterion that cannot be read stands in the statement as it was typed.
+        query = self.folder / "typed.zrq"
+        query.write_bytes((ROOT / "tests/data/first_release.zrq").read_bytes().replace(b"=> 100", b"=1; DROP TABLE x"))
+        for verb in ("check", "show"):
+            status, _, errors = run(verb, query)
+            self.assertEqual(status, 1)
+            self.assertIn("cannot be read", errors)
 
     def test_show_and_picture(self):
         query = ROOT / "tests/data/first_release.zrq"
