@@ -135,9 +135,8 @@ class OrderedList {
 
   Block& BlockOf(std::size_t position) const {
     if (blocks_.size() == 1) return *blocks_.front();
-    const auto behind =
-        std::upper_bound(blocks_.begin(), blocks_.end(), position - 1,
-                         [](std::size_t index, const auto& block) { return index < block->before; });
+    const auto behind = std::upper_bound(blocks_.begin(), blocks_.end(), position - 1,
+                                         [](std::size_t index, const auto& block) { return index < block->before; });
     return **std::prev(behind);
   }
   Node* NodeAt(std::size_t position) const {

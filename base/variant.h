@@ -42,6 +42,13 @@ enum class VariantType : std::uint8_t {
 class Variant {
  public:
   Variant() = default;
+  // By assignment: when memory runs out in its copy constructor, the standard library's variant (libstdc++ 12) destroys
+  // what it has not made.
+  Variant(const Variant& other) { value_ = other.value_; }
+  Variant(Variant&&) noexcept = default;
+  Variant& operator=(const Variant&) = default;
+  Variant& operator=(Variant&&) noexcept = default;
+  ~Variant() = default;
   Variant(bool value) : value_(value) {}
   Variant(std::int16_t value) : value_(value) {}
   Variant(std::int32_t value) : value_(value) {}

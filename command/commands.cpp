@@ -152,7 +152,8 @@ Outcome TranslateFiles(const CommandOptions& options, std::ostream& errors) {
       const std::string translated = Translate(hub, options, text);
       if (intoFolder) {
         const auto name = std::filesystem::path(file).filename();
-        WriteWholeFile((std::filesystem::path(options.output) / name).string(), translated + '\n', hub->GetToolkit().Files());
+        WriteWholeFile((std::filesystem::path(options.output) / name).string(), translated + '\n',
+                       hub->GetToolkit().Files());
       } else if (options.files.size() > 1) {
         outcome.text += "-- " + file + '\n' + translated + "\n\n";
       } else {

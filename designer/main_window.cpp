@@ -622,9 +622,9 @@ void MainWindow::OfferToPutAside(Recovery::Lost& lost, const QString& reason) {
   QMessageBox box(QMessageBox::Warning, QCoreApplication::applicationName(),
                   tr("Unsaved work of an earlier session cannot be brought back."), QMessageBox::NoButton, this);
   box.setTextFormat(Qt::PlainText);
-  const QString file = tr("It is in %1, changed on %2.")
-                           .arg(QDir::toNativeSeparators(lost.Path()),
-                                QLocale().toString(lost.Time(), QLocale::ShortFormat));
+  const QString file =
+      tr("It is in %1, changed on %2.")
+          .arg(QDir::toNativeSeparators(lost.Path()), QLocale().toString(lost.Time(), QLocale::ShortFormat));
   box.setInformativeText(reason.isEmpty() ? file : file + "\n" + reason);
   const QAbstractButton* aside = box.addButton(tr("&Put Aside"), QMessageBox::AcceptRole);
   const QAbstractButton* discard = box.addButton(tr("&Delete It"), QMessageBox::DestructiveRole);

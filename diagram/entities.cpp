@@ -115,7 +115,8 @@ void qbEntities::Remove(const Variant& index) {
   WholeOrNothing(context, [&] { RemoveWithJoins(entity, context, key); });
 }
 
-void qbEntities::RemoveWithJoins(const Ref<qbEntity>& entity, const Ref<QueryContext>& context, const std::string& key) {
+void qbEntities::RemoveWithJoins(const Ref<qbEntity>& entity, const Ref<QueryContext>& context,
+                                 const std::string& key) {
   RemoveJoinsOf(entity);
   if (view_ && view_->SelectedObject() == entity) view_->DropSelection();
   RemoveJoinsOf(entity);  // which a listener of the selection's end has drawn

@@ -88,16 +88,13 @@ struct QueryFileReader::SectionKind {
 const QueryFileReader::SectionKind* QueryFileReader::KindOf(std::string_view name) {
   static constexpr SectionKind kKinds[] = {
       {"ENTITY", " CAPTION TAGVARIANT TOP LEFT WIDTH HEIGHT PROPERTYCOUNT ", &QueryFileReader::TakeEntity, false},
-      {"ENTITYITEM",
-       " ENTITYINDEX BOLD CHECKED COLOR INDEX KEY SMALLICON TEXT TOOLTIPTEXT PROPERTYCOUNT ",
+      {"ENTITYITEM", " ENTITYINDEX BOLD CHECKED COLOR INDEX KEY SMALLICON TEXT TOOLTIPTEXT PROPERTYCOUNT ",
        &QueryFileReader::TakeItem, false},
-      {"RELATIONSHIP",
-       " ITEMDATA LEFTINDICATOR RIGHTINDICATOR SOURCE SOURCEITEMINDEX TARGET TARGETITEMINDEX ",
+      {"RELATIONSHIP", " ITEMDATA LEFTINDICATOR RIGHTINDICATOR SOURCE SOURCEITEMINDEX TARGET TARGETITEMINDEX ",
        &QueryFileReader::TakeRelationship, false},
       {"GRIDPANEDATA", " DATEFORMAT DATEFORMATSTYLE SHOWGROUPBY ", &QueryFileReader::TakeGridOptions, false},
       {"GRIDDATA", "", &QueryFileReader::TakeGrid, false},
-      {"SQLDATA",
-       " SELECTTOPRECORDS DISTINCTRECORDS LIKEOPERATOR LOCKED SQLSYNTAX SQLSTATEMENT ",
+      {"SQLDATA", " SELECTTOPRECORDS DISTINCTRECORDS LIKEOPERATOR LOCKED SQLSYNTAX SQLSTATEMENT ",
        &QueryFileReader::TakeSQL, true},
   };
   const auto found =
@@ -393,7 +390,8 @@ void QueryFileReader::TakeGrid() {
 }
 
 void QueryFileReader::TakeSQL() {
-  if (parameters_.sqlStatement && section_.Find("SQLStatement")) *parameters_.sqlStatement = section_.Text("SQLStatement");
+  if (parameters_.sqlStatement && section_.Find("SQLStatement"))
+    *parameters_.sqlStatement = section_.Text("SQLStatement");
   if (parameters_.only) return;
   if (section_.Find("SelectTopRecords")) hub_.SetSelectTopRecords(section_.Text("SelectTopRecords"));
   if (section_.Find("DistinctRecords")) hub_.SetDistinctRecords(RequireBoolean("DistinctRecords"));

@@ -26,8 +26,8 @@ class QueryFileReader {
  public:
   /// What a file tells beside the design itself.
   struct Parameters {
-    bool only = false;                        ///< nothing else is read
-    std::string* sqlStatement = nullptr;      ///< both are set as soon as they are met, where they are asked for
+    bool only = false;                    ///< nothing else is read
+    std::string* sqlStatement = nullptr;  ///< both are set as soon as they are met, where they are asked for
     std::string* connectionString = nullptr;
   };
 
@@ -91,10 +91,10 @@ class QueryFileReader {
   qbQueryBuilder& hub_;
   Parameters parameters_;
   std::vector<std::string>& remarks_;
-  std::size_t line_ = 0;                 // the one that is read
+  std::size_t line_ = 0;  // the one that is read
   bool anySection_ = false;
-  const SectionKind* open_ = nullptr;    // the section that is read, of those that are known
-  std::optional<std::size_t> unknown_;   // the line where a section begins that is not known
+  const SectionKind* open_ = nullptr;   // the section that is read, of those that are known
+  std::optional<std::size_t> unknown_;  // the line where a section begins that is not known
   bool encodingRemarked_ = false;
   bool gridTaken_ = false;
   std::size_t entityCount_ = 0;

@@ -149,5 +149,32 @@ TEST_F(QueryDocumentTest, AFilesConnectionIsShownBeforeItIsOpened) {
   other.ShowError("<img src=x>");
 }
 
+TEST_F(QueryDocumentTest, AFileThatWasReadInPartIsNotWrittenOverUnasked) {
+  ASSERT_EQ(window.Document().SaveAs(File("later.zrq")), QString());
+  QFile file(File("later.zrq"));
+  ASSERT_TRUE(file.open(QIODevice::Append));
+  file.write("Begin Note\r\n    Text=of a later release\r\nEnd Note\r\n");
+  file.close();
+  QString remark;
+  ASSERT_EQ(window.Document().Open(File("later.zrq"), &remark), QString());
+  EXPECT_TRUE(remark.contains("Note")) << test::Utf8(remark);
+  const auto saveAndAnswer = [&](QMessageBox::StandardButton answer) {
+    bool asked = false;
+    WhenOpen<QMessageBox>([&](QMessageBox& box) {
+      asked = true;
+      box.button(answer)->click();
+    });
+    CommandFor(QKeySequence::Save).trigger();
+    EXPECT_TRUE(asked);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    const bool whole = file.readAll().contains("later release");
+    file.close();
+    return whole;
+  };
+  EXPECT_TRUE(saveAndAnswer(QMessageBox::Cancel));
+  EXPECT_FALSE(saveAndAnswer(QMessageBox::Save));
+  CommandFor(QKeySequence::Save).trigger();  // asks no more
+}
+
 }  // namespace
 }  // namespace zrqrybld

@@ -52,6 +52,15 @@ class Session : public testing::Test {
     return text;
   }
   static QStringList RecoveryFiles() { return QDir(Recovery::Folder()).entryList({"*.recovery"}, QDir::Files); }
+  // Answers the offer of lost work by a button.
+  static bool AnswerOffer(MainWindow& window, const char* button) {
+    WhenOpen<QMessageBox>([button](QMessageBox& box) {
+      for (QAbstractButton* offered : box.buttons()) {
+        if (offered->text().remove('&') == button) offered->click();
+      }
+    });
+    return window.OfferLostWork();
+  }
   static qbQueryBuilder& Hub(MainWindow& window) { return window.findChild<QueryDesignerWidget*>()->QueryBuilder(); }
 
   QTemporaryDir folder;
@@ -153,14 +162,7 @@ TEST_F(Session, WorkSurvivesAKillAndGoesWhenItIsSafe) {
   MainWindow window;
   window.BeginSession();
   window.show();
-  const auto answer = [&](const char* button) {
-    WhenOpen<QMessageBox>([button](QMessageBox& box) {
-      for (QAbstractButton* offered : box.buttons()) {
-        if (offered->text().remove('&') == button) offered->click();
-      }
-    });
-    return window.OfferLostWork();
-  };
+  const auto answer = [&](const char* button) { return AnswerOffer(window, button); };
   EXPECT_FALSE(answer("Ask Later"));
   EXPECT_TRUE(answer("Bring Back"));
   EXPECT_NE(Utf8(window.Statement()).find("Customers.City"), std::string::npos);
@@ -192,6 +194,24 @@ TEST_F(Session, WorkSurvivesAKillAndGoesWhenItIsSafe) {
   EXPECT_TRUE(Hub(window).SQLPane()->IsEdited());
   EXPECT_EQ(Hub(window).SQLPane()->SQLStatement(), "SELECT half a statem");
   EXPECT_GT(Hub(window).Entities()->Item("Customers")->Items()->Count(), 3) << "with its columns";
+}
+
+// It is asked about at each start until somebody decides, and is never lost unasked.
+TEST_F(Session, WorkThatCannotBeReadIsPutAside) {
+  QDir().mkpath(Recovery::Folder());
+  QFile kept(QDir(Recovery::Folder()).filePath("torn.recovery"));
+  ASSERT_TRUE(kept.open(QIODevice::WriteOnly) && kept.write("{\"file\": \"a") > 0);
+  kept.close();
+  MainWindow window;
+  window.show();
+  EXPECT_FALSE(AnswerOffer(window, "Ask Later"));
+  EXPECT_EQ(RecoveryFiles().size(), 1);
+  EXPECT_FALSE(AnswerOffer(window, "Put Aside"));
+  EXPECT_EQ(RecoveryFiles().size(), 0);
+  QFile aside(kept.fileName() + ".aside");
+  ASSERT_TRUE(aside.open(QIODevice::ReadOnly));
+  EXPECT_EQ(aside.readAll(), "{\"file\": \"a");
+  EXPECT_FALSE(window.OfferLostWork()) << "nothing is left to offer";
 }
 
 TEST(KeyList, IsFiltered) {

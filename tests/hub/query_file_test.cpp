@@ -102,9 +102,12 @@ TEST(QueryFile, WhatIsReadIsWhatWasMeant) {
 
   // The results are set as soon as they are met, and stay as they were where they are not.
   std::string statement = "given", connection = "given";
-  loaded.hub->LoadQuery(text.substr(0, text.find("    SQLStatement=")) + "End SQLData", true, true, &statement, &connection);
+  loaded.hub->LoadQuery(text.substr(0, text.find("    SQLStatement=")) + "End SQLData", true, true, &statement,
+                        &connection);
   EXPECT_EQ(statement + connection, "givengiven");
-  EXPECT_THROW(loaded.hub->LoadQuery("ConnectionString=\r\n" + text + "\r\nEnd SQLData", true, true, &statement, &connection), Error);
+  EXPECT_THROW(
+      loaded.hub->LoadQuery("ConnectionString=\r\n" + text + "\r\nEnd SQLData", true, true, &statement, &connection),
+      Error);
   EXPECT_EQ(statement, OneLine(designer.sql->SQLStatement()));
   EXPECT_EQ(connection, "");
 }
@@ -405,7 +408,8 @@ TEST_F(QueryFiles, NamesAndLinksStayAndLeftoversGo) {
   std::filesystem::create_hard_link(path, Path("other name"));
   const auto yesterday = std::filesystem::file_time_type::clock::now() - std::chrono::hours(24);
   const char* const kLeft[] = {"query.new-0123abcd", "query.new-89abcdef"};
-  const char* const kStays[] = {"query.new-0123abcde", "query.new-0123abcx", "query2.new-0123abcd", "a.query.new-0123abcd"};
+  const char* const kStays[] = {"query.new-0123abcde", "query.new-0123abcx", "query2.new-0123abcd",
+                                "a.query.new-0123abcd"};
   for (const auto& names : {std::span<const char* const>(kLeft), std::span<const char* const>(kStays)}) {
     for (const char* name : names) {
       std::ofstream(Path(name)) << "x";

@@ -136,9 +136,9 @@ void ExpectWhole(const Designer& designer) {
       const Ref<qbEntityItem> item = entity->Items()->Item(j);
       bool output = false;
       for (std::int32_t row = 1; row <= designer.grid->RowCount(); ++row) {
-        output = output || (designer.Cell(row, "table") == entity->Caption() &&
-                            designer.Cell(row, "column") == item->Text() &&
-                            designer.grid->Value(row, "output") == Variant(true));
+        output = output ||
+                 (designer.Cell(row, "table") == entity->Caption() && designer.Cell(row, "column") == item->Text() &&
+                  designer.grid->Value(row, "output") == Variant(true));
       }
       EXPECT_EQ(item->Checked(), output) << entity->Caption() << "." << item->Text();
     }
@@ -164,7 +164,7 @@ TEST_P(NoMemory, CostsNothing) {
       Prepare(designer, operation);
       const bool failed = Fails(operation, designer, at, failsOn);
       designer.hub->SetState(InfoDone);  // which a statement that cannot be read leaves
-      designer.hub->BeginStep("next");  // what could not be taken back for want of memory, is now
+      designer.hub->BeginStep("next");   // what could not be taken back for want of memory, is now
       designer.hub->EndStep();
       designer.sql->Refresh();
       std::string now = TextOf(designer);

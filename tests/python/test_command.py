@@ -76,6 +76,15 @@ class Command(unittest.TestCase):
         self.assertIn(shown["tables"][0]["caption"], svg.read_text())
         self.assertEqual(run("picture", self.good)[0], 1)
 
+    def test_a_query_file_that_is_read_in_part_is_refused(self):
+        query = self.folder / "later.zrq"
+        query.write_bytes((ROOT / "tests/data/first_release.zrq").read_bytes() + b"Begin Note\r\nEnd Note\r\n")
+        for verb in ("show", "picture", "check"):
+            with self.subTest(verb=verb):
+                status, text, errors = run(verb, query)
+                self.assertEqual((status, text), (1, ""))
+                self.assertIn("not read completely: A section is not known: Note (line", errors)
+
     def test_the_command_line(self):
         self.assertEqual(run("--help")[0], 0)
         for wrong in ((), ("nothing",), ("tables",), ("translate", "--db", STORE), ("check", "--from", "Latin", "x"),
