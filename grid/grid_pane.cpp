@@ -382,7 +382,7 @@ void qbGridPane::RefreshTables() {
 }
 
 void qbGridPane::RemoveRowsOf(const std::string& tableName) {
-  grdPane_->Rows()->Remove(RowsOfTable(tableName));
+  grdPane_->Rows()->RemoveAll(RowsOfTable(tableName));
   rowsByTable_.erase(tableName);
   CloseSortGaps();
   EnsureEmptyLastRow();

@@ -189,10 +189,10 @@ void zrGridRows::RemoveIf(const std::function<bool(const zrGridRow&)>& unwanted)
   for (std::size_t i = 1; i <= items_.Count(); ++i) {
     if (unwanted(At(i))) rows.push_back(*items_.At(i));
   }
-  Remove(rows);
+  RemoveAll(rows);
 }
 
-void zrGridRows::Remove(const std::vector<Ref<zrGridRow>>& rows) {
+void zrGridRows::RemoveAll(const std::vector<Ref<zrGridRow>>& rows) {
   std::optional<std::size_t> first;
   for (const Ref<zrGridRow>& row : rows) {
     if (row->list_ != this) continue;

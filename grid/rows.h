@@ -146,7 +146,7 @@ class zrGridRows final : public Object {
   /// Removes all rows of which `unwanted` says so, in one pass.
   void RemoveIf(const std::function<bool(const zrGridRow&)>& unwanted);
   /// Removes these rows, as far as they are still there; the grid is told once.
-  void Remove(const std::vector<Ref<zrGridRow>>& rows);
+  void RemoveAll(const std::vector<Ref<zrGridRow>>& rows);
 
   /// The row at a position that exists.
   zrGridRow& At(std::size_t position) const { return **items_.At(position); }
