@@ -34,7 +34,7 @@ struct SnapshotJoin {
   /// The joined columns; none when the join is not complete.
   std::optional<Identifier> sourceColumn;
   std::optional<Identifier> targetColumn;
-  JoinKind kind;
+  JoinKind kind = {};
   friend bool operator==(const SnapshotJoin&, const SnapshotJoin&) = default;
 };
 
