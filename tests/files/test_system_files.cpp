@@ -57,7 +57,9 @@ TEST_F(SystemFilesTest, ModeAndOwnerStay) {
   std::ofstream(path) << "old";
   ASSERT_EQ(chmod(path.c_str(), 0640), 0);
   const bool isRoot = geteuid() == 0;
-  if (isRoot) ASSERT_EQ(chown(path.c_str(), 12345, 54321), 0);
+  if (isRoot) {
+    ASSERT_EQ(chown(path.c_str(), 12345, 54321), 0);
+  }
   const struct stat before = StatOf(path);
   WriteWholeFile(path.string(), "new", *files);
   const struct stat after = StatOf(path);

@@ -1,9 +1,6 @@
 // What listeners do while the designer is at work: every event with everything that raises events and everything that
 // takes the design away underneath. Each ends in the change or in a numbered error, and the designer goes on.
 #include <functional>
-#ifdef LSAN
-#include <sanitizer/lsan_interface.h>
-#endif
 #include <iterator>
 
 #include "grid/grid_columns.h"
@@ -275,9 +272,6 @@ TEST_P(Reentrancy, EndsInTheChangeOrANumberedError) {
     for (const Named<Act>& action : kActions) {
       SCOPED_TRACE(std::string(GetParam().name) + " while: " + trigger.name + ", action: " + action.name);
       Play(GetParam(), trigger, action.act);
-#ifdef LSAN
-      if (__lsan_do_recoverable_leak_check()) { FAIL() << "leak"; }
-#endif
       if (HasFatalFailure()) return;
     }
   }
