@@ -6,7 +6,8 @@
 
 namespace zrqrybld {
 
-/// The text as a tool tip that shows it as it is, also where Qt would take it for markup: a name such as "<b>" is a name.
+/// The text as a tool tip that shows it as it is, also where Qt would take it for markup: a name such as "<b>" is a
+/// name.
 inline QString PlainTip(const QString& text) {
   if (!Qt::mightBeRichText(text)) return text;
   return text.toHtmlEscaped().replace(QLatin1Char('\n'), QLatin1String("<br>"));

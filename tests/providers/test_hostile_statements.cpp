@@ -19,7 +19,7 @@ struct Sender : QueryRunner {
   using QueryRunner::Start;
 };
 
-class Hostile : public test::ProviderTest {
+class HostileStatements : public test::ProviderTest {
  protected:
   void SetUp() override {
     ProviderTest::SetUp();
@@ -81,10 +81,10 @@ class Hostile : public test::ProviderTest {
   test::TemporaryFolder folder_;
 };
 
-INSTANTIATE_TEST_SUITE_P(All, Hostile, testing::ValuesIn(test::SourceNames()),
+INSTANTIATE_TEST_SUITE_P(All, HostileStatements, testing::ValuesIn(test::SourceNames()),
                          [](const auto& test) { return test.param; });
 
-TEST_P(Hostile, StatementsReadOrAreRefusedInEveryMode) {
+TEST_P(HostileStatements, ReadOrAreRefusedInEveryMode) {
   const std::string file = (folder_.Path() / "made").string();
   int run = 0;
   for (const test::Row& row : test::ReadRows("hostile_statements.txt")) {

@@ -69,7 +69,8 @@ TEST(JoinList, KeepsEveryTableAndEveryJoin) {
     std::int32_t usable = 0;
     for (std::size_t j = random() % 14; j > 0; --j) {
       SnapshotJoin join{random() % query.tables.size(), random() % query.tables.size(),
-                        Identifier("s" + std::to_string(j)), std::nullopt, JoinKind::FromBits(static_cast<std::int32_t>(random() % 4))};
+                        Identifier("s" + std::to_string(j)), std::nullopt,
+                        JoinKind::FromBits(static_cast<std::int32_t>(random() % 4))};
       if (random() % 5 != 0) join.targetColumn = Identifier("t");
       usable += join.targetColumn && join.source != join.target ? 1 : 0;
       query.joins.push_back(join);
