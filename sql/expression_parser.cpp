@@ -337,7 +337,12 @@ Expression* ExpressionParser::ParseOperand() {
 }
 
 bool ExpressionParser::IsTypedLiteral() const {
-  return reader_.Is(TokenKind::Word) && reader_.Peek().kind == TokenKind::String &&
+  if (!reader_.Is(TokenKind::Word)) return false;
+  const Token next = reader_.Peek();
+  if (next.kind != TokenKind::String) return false;
+  // E'...' is one literal; a column may be called e, with a text behind it for its alias.
+  const bool adjoins = next.offset == reader_.Offset() + reader_.CurrentText().size();
+  return (adjoins && reader_.IsWord("E")) ||
          std::ranges::any_of(kLiteralTypes, [&](std::string_view type) { return reader_.IsWord(type); });
 }
 

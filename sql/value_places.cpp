@@ -13,12 +13,14 @@ namespace {
 
 constexpr std::string_view kChangesStatement =
     "This cannot be written here so that the source reads it as a value and nothing else.";
+constexpr std::string_view kTwoWays =
+    "Values are not put into a statement with \"--\" and no blank behind it: a driver may take it for a comment.";
 constexpr std::string_view kVersions =
     "Values are not put into a statement with a comment that only some versions run (/*!).";
 
 // What a marker stands in.
 struct Enclosure {
-  enum class Kind : std::uint8_t { None, Quotes, Date, Comment, Raw };
+  enum class Kind : std::uint8_t { None, Quotes, Date, Comment, PlainComment, Raw };
   Kind kind = Kind::None;
   char closing = '\0';
   bool escapes = false;
@@ -43,6 +45,8 @@ std::string Inside(const Enclosure& enclosure, const std::string& bare) {
       return WithBlanksFor(bare, "#\r\n");
     case Enclosure::Kind::Comment:
       return WithBlanksFor(bare, "*/\r\n");
+    case Enclosure::Kind::PlainComment:
+      return WithBlanksFor(bare, "*/\r\n;'\"`?{}");
     default:
       return bare;
   }
@@ -170,8 +174,8 @@ Enclosure EnclosureOf(const SourceToken& token) {
       return {Enclosure::Kind::Quotes, token.closing, token.escapes};
     case SourcePart::Date:
       return {Enclosure::Kind::Date, '#', false};
-    case SourcePart::Comment:
-      return {Enclosure::Kind::Comment, '\0', false};
+    case SourcePart::Comment:  // drivers look for quotes and the ends of statements, too, and know comments less well
+      return {Enclosure::Kind::PlainComment, '\0', false};
     case SourcePart::Raw:
       return {Enclosure::Kind::Raw, '\0', false};
     default:
@@ -286,6 +290,8 @@ PlacedStatement PlaceTexts(std::string_view sql, const std::vector<MarkerPlace>&
   bool afterUnicode = false;
   for (const SourceToken& token : TokensOf(text, reading)) {
     if (token.part == SourcePart::CodeComment) std::ranges::fill(result.problems, std::string(kVersions));
+    const bool dashes = token.part == SourcePart::Code && std::string_view(text).substr(token.begin).starts_with("--");
+    if (dashes) std::ranges::fill(result.problems, std::string(kTwoWays));
     // UESCAPE gives the part of "\" to another character.
     const std::string_view word = std::string_view(text).substr(token.begin, token.end - token.begin);
     if (afterUnicode && EqualsNoCase(word, "UESCAPE")) result.problems[next - 1] = kChangesStatement;
