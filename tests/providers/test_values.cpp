@@ -55,7 +55,7 @@ class HostileValues : public testing::TestWithParam<Mode> {
     // MariaDB's driver sends several statements in one text only when it is asked to.
     if (isOdbc) executor_ = std::make_unique<test::OdbcExecutor>(source_->connectionString + ";Option=67108864");
     Run("CREATE TABLE victim (id INTEGER, name VARCHAR(60))");
-    for (const std::string& name : {"C:\\temp\\", "O'Brien", "a\\b"}) {
+    for (const char* name : {"C:\\temp\\", "O'Brien", "a\\b"}) {
       Run(Put("INSERT INTO victim VALUES (" + std::to_string(++rows_) + ", ?PARAM(v,,,text))", name));
     }
   }
@@ -121,7 +121,9 @@ TEST_P(HostileValues, StayValuesOrAreRefusedWhereverTheyStand) {
       try {
         const std::string rows = Run(statement);
         const std::string& wanted = row[2] == "value" ? value : row[2];
-        if (wanted != "any") EXPECT_EQ(rows.substr(0, rows.rfind('\n')), wanted) << statement;
+        if (wanted != "any") {
+          EXPECT_EQ(rows.substr(0, rows.rfind('\n')), wanted) << statement;
+        }
       } catch (const std::exception& error) {
         EXPECT_EQ(fate, "free") << statement << "\n" << error.what();
       }
