@@ -85,6 +85,7 @@ Ref<qbEntityList> qbDiagramPane::LoadBox() {
   links.push_back(box->RelationshipAdd.Connect([this](const Ref<Object>&) { Refresh(); }));
   links.push_back(box->RelationshipChange.Connect([this](const Ref<Object>& join) { JoinChanged(join); }));
   links.push_back(box->RelationshipRemove.Connect([this](const Ref<Object>&) { JoinRemoved(); }));
+  ReportTicks(box);
   LoadedBox& kept = boxes_[self];
   try {
     kept.place = places_.Add(box->Bounds());
@@ -93,7 +94,6 @@ Ref<qbEntityList> qbDiagramPane::LoadBox() {
     throw;
   }
   kept.links = std::move(links);
-  ReportTicks(box);
   return box;
 }
 
