@@ -22,6 +22,7 @@
 namespace zrqrybld {
 
 void RegisterProviders(ProviderList&) {}  // no source but the one that is written down here
+void UseSystemFiles(Toolkit&) {}  // and no file is written
 
 namespace {
 
