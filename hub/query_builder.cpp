@@ -196,8 +196,8 @@ void qbQueryBuilder::Link(Ref<Pane>& place, const Ref<Pane>& pane, void (qbQuery
 
 void qbQueryBuilder::SetDiagramPane(const Ref<qbDiagramPane>& pane) {
   Link(diagramPane_, pane, &qbQueryBuilder::SetDiagramPane);
+  RememberAll();  // at once: the steps of the pane before are of no use even if what follows fails
   EntitiesChanged(1);
-  RememberAll();
   OutputTicked();
 }
 

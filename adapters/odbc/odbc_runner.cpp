@@ -239,15 +239,21 @@ class OdbcRunner final : public QueryRunner {
     return true;
   }
 
+  // PostgreSQL's driver takes a server that has gone for the end of the rows.
+  bool EndOfRows() const {
+    connection_.RequireAlive();
+    return false;
+  }
+
   bool Next(RowBuilder& row) override {
     SQLRETURN result = SQLFetch(statement_->Get());
     while (result == SQL_NO_DATA && !stopped_) {
       if (!ReadOn()) {
         open_ = false;
-        return false;
+        return EndOfRows();
       }
       result = SQLFetch(statement_->Get());
-      if (result == SQL_NO_DATA) return false;
+      if (result == SQL_NO_DATA) return EndOfRows();
     }
     Check(result);
     row.Reserve(kinds_.size());

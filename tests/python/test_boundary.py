@@ -326,7 +326,7 @@ class Events(unittest.TestCase):
 import sys, zrqrybld
 class Heard(list):
     def __call__(self, *arguments):
-        print(arguments[0] and len(self))
+        print(len(arguments), len(self))
 hub, pane, heard = zrqrybld.create("qbQueryBuilder"), zrqrybld.create("qbDiagramPane"), Heard()
 hub.DiagramPane = pane
 hub.SQLPane = zrqrybld.create("qbSQLPane")
