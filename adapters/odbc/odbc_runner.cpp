@@ -239,21 +239,15 @@ class OdbcRunner final : public QueryRunner {
     return true;
   }
 
-  // PostgreSQL's driver takes a server that has gone for the end of the rows.
-  bool EndOfRows() const {
-    connection_.RequireAlive();
-    return false;
-  }
-
   bool Next(RowBuilder& row) override {
     SQLRETURN result = SQLFetch(statement_->Get());
     while (result == SQL_NO_DATA && !stopped_) {
       if (!ReadOn()) {
         open_ = false;
-        return EndOfRows();
+        return false;
       }
       result = SQLFetch(statement_->Get());
-      if (result == SQL_NO_DATA) return EndOfRows();
+      if (result == SQL_NO_DATA) return false;
     }
     Check(result);
     row.Reserve(kinds_.size());
