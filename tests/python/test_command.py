@@ -58,7 +58,7 @@ class Command(unittest.TestCase):
         self.assertEqual(run("check", self.folder / "none.sql")[0], 1)
         # A criterion that cannot be read stands in the statement as it was typed.
         query = self.folder / "typed.zrq"
-        query.write_bytes((ROOT / "tests/data/first_release.zrq").read_bytes().replace(b"=> 100", b"1; DROP TABLE x"))
+        query.write_bytes((ROOT / "tests/data/first_release.zrq").read_bytes().replace(b"=> 100", b"=1; DROP TABLE x"))
         for verb in ("check", "show"):
             status, _, errors = run(verb, query)
             self.assertEqual(status, 1)
