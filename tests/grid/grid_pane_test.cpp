@@ -151,6 +151,15 @@ TEST_F(GridPane, AliasesAreAsLongAsTheHubAllows) {
   for (std::int32_t i = 1; i <= grid->RowCount(); ++i) {
     EXPECT_EQ(grid->Grid()->Rows()->Item(i)->MaxLen("alias"), 12) << i;
   }
+  // By program and in a typed statement they may be longer; the statement cuts them, and says so.
+  grid->SetValue(1, "alias", "\u00e9-twelve chars and more");
+  EXPECT_NE(Sql().find("\u00e9-twelve cha"), std::string::npos) << Sql();
+  EXPECT_EQ(Sql().find("and more"), std::string::npos) << Sql();
+  const auto saysSo = [](const SQLDiagnostic& remark) { return remark.kind == DiagnosticAliasWritten; };
+  EXPECT_EQ(std::ranges::count_if(sql->Diagnostics(), saysSo), 1);
+  sql->ParseSQLStatement("SELECT Total AS twelve_characters FROM Orders");
+  EXPECT_NE(Sql().find("AS twelve_chara"), std::string::npos) << Sql();
+  EXPECT_EQ(Sql().find("AS twelve_charac"), std::string::npos) << Sql();
 }
 
 // --- Listeners that change what is being changed ---

@@ -171,7 +171,9 @@ TEST_P(Runner, WideRowsAreReadWithinBounds) {
     }
     const std::size_t peak = (PeakBytes() - before) / kMegabyte;
     std::cout << GetParam() << limit << ": " << count << " rows, " << peak << " MB at most\n";
+#if !defined(__SANITIZE_ADDRESS__)  // which holds back what is freed
     EXPECT_LT(peak, 150u);
+#endif
     EXPECT_EQ(count < 240, runner->WasCutOff());
     EXPECT_GE(count, 60u);
   }
