@@ -22,7 +22,7 @@
 namespace zrqrybld {
 
 void RegisterProviders(ProviderList&) {}  // no source but the one that is written down here
-void UseSystemFiles(Toolkit&) {}  // and no file is written
+void UseSystemFiles(Toolkit&) {}          // and no file is written
 
 namespace {
 
