@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 
+#include "base/error.h"
 #include "base/keyed_list.h"
 #include "base/variant.h"
 

@@ -4,7 +4,6 @@
 // itself or others (they are not called any more), or destroy the object that owns the event.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -43,81 +42,80 @@ class [[nodiscard]] EventConnection {
   std::weak_ptr<bool> alive_;
 };
 
+/// One listener, whatever it is called with.
+class Listening {
+ public:
+  Listening() = default;
+  Listening(const Listening&) = delete;
+  Listening& operator=(const Listening&) = delete;
+  virtual ~Listening() = default;
+
+ private:
+  friend class Listeners;
+  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+};
+
+/// The listeners of one event; compiled once for all kinds of events.
+class Listeners {
+ public:
+  EventConnection Add(std::shared_ptr<Listening> listening);
+  bool IsEmpty() const { return entries_.empty(); }
+  bool IsAnyAlive() const;
+
+  /// One raise. It keeps the listeners, which may let go of the event's owner.
+  class Round {
+   public:
+    explicit Round(std::shared_ptr<Listeners> listeners);
+    Round(const Round&) = delete;
+    Round& operator=(const Round&) = delete;
+    ~Round();
+
+    /// The next that was connected when the round began and still is; nothing at the end.
+    std::shared_ptr<Listening> Next();
+
+   private:
+    const std::shared_ptr<Listeners> listeners_;
+    const std::size_t count_;
+    std::size_t next_ = 0;
+  };
+
+ private:
+  void Sweep() noexcept;
+
+  std::vector<std::shared_ptr<Listening>> entries_;
+  int raising_ = 0;
+};
+
 /// An event with the given argument types; a reference type is a by-reference argument.
 template <class... Args>
 class Event {
  public:
   using Listener = std::function<void(Args...)>;
 
-  Event() : state_(std::make_shared<State>()) {}
+  Event() : listeners_(std::make_shared<Listeners>()) {}
   Event(const Event&) = delete;
   Event& operator=(const Event&) = delete;
 
   /// Adds a listener. It is called until the returned connection is destroyed.
-  EventConnection Connect(Listener listener) {
-    auto alive = std::make_shared<bool>(true);
-    EventConnection connection{std::weak_ptr<bool>(alive)};
-    // Before the list grows: listeners come and go on events that are never raised, too.
-    if (state_->raising == 0 && state_->entries.size() == state_->entries.capacity()) state_->Sweep();
-    state_->entries.push_back(std::make_shared<Entry>(std::move(alive), std::move(listener)));
-    return connection;
-  }
+  EventConnection Connect(Listener listener) { return listeners_->Add(std::make_shared<Entry>(std::move(listener))); }
 
   /// Calls every listener that is connected now and still connected when its turn comes.
   void Raise(Args... args) const {
-    const std::shared_ptr<State> state = state_;  // survives the owner of this event
-    if (state->entries.empty()) return;
-    const Sweeper sweeper(*state);
-    const std::size_t count = state->entries.size();
-    for (std::size_t i = 0; i < count; ++i) {
-      const std::shared_ptr<Entry> entry = state->entries[i];
-      if (*entry->alive) entry->listener(args...);
-    }
+    if (listeners_->IsEmpty()) return;
+    Listeners::Round round(listeners_);
+    while (const std::shared_ptr<Listening> entry = round.Next()) static_cast<Entry&>(*entry).listener(args...);
   }
 
   /// Whether anybody listens.
-  bool HasListeners() const {
-    return std::ranges::any_of(state_->entries, [](const auto& entry) { return *entry->alive; });
-  }
+  bool HasListeners() const { return listeners_->IsAnyAlive(); }
 
  private:
-  struct Entry {
-    Entry(std::shared_ptr<bool> isAlive, Listener call) : alive(std::move(isAlive)), listener(std::move(call)) {}
-    std::shared_ptr<bool> alive;
+  struct Entry final : Listening {
+    explicit Entry(Listener call) : listener(std::move(call)) {}
     Listener listener;
   };
-  struct State {
-    std::vector<std::shared_ptr<Entry>> entries;
-    int raising = 0;
 
-    // Removes dead entries. What their listeners hold is destroyed when the list is whole again: a
-    // destructor may use the event. What it leaves behind the dead ones keeps those for the next time.
-    // It runs where nothing may be thrown, so it needs no memory.
-    void Sweep() noexcept {
-      const auto isAlive = [](const std::shared_ptr<Entry>& entry) { return *entry->alive; };
-      if (std::ranges::all_of(entries, isAlive)) return;
-      std::stable_partition(entries.begin(), entries.end(), isAlive);
-      while (!entries.empty() && !isAlive(entries.back())) {
-        const std::shared_ptr<Entry> gone = std::move(entries.back());
-        entries.pop_back();
-      }
-    }
-  };
-  // Sweeps, but only when no raise is walking the list by index.
-  class Sweeper {
-   public:
-    explicit Sweeper(State& state) : state_(state) { ++state_.raising; }
-    Sweeper(const Sweeper&) = delete;
-    Sweeper& operator=(const Sweeper&) = delete;
-    ~Sweeper() {
-      if (--state_.raising == 0) state_.Sweep();
-    }
-
-   private:
-    State& state_;
-  };
-
-  std::shared_ptr<State> state_;
+  std::shared_ptr<Listeners> listeners_;
 };
 
 }  // namespace zrqrybld

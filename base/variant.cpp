@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <iterator>
+#include <utility>
 
 #include "base/error.h"
 #include "base/text.h"
@@ -44,6 +45,31 @@ std::string DateText(DateValue date) {
 }
 
 }  // namespace
+
+Variant::Variant() = default;
+// By assignment: when memory runs out in its copy constructor, the standard library's variant (libstdc++ 12) destroys
+// what it has not made.
+Variant::Variant(const Variant& other) { value_ = other.value_; }
+Variant::Variant(Variant&&) noexcept = default;
+Variant& Variant::operator=(const Variant&) = default;
+Variant& Variant::operator=(Variant&&) noexcept = default;
+Variant::~Variant() = default;
+Variant::Variant(bool value) : value_(value) {}
+Variant::Variant(std::int16_t value) : value_(value) {}
+Variant::Variant(std::int32_t value) : value_(value) {}
+Variant::Variant(std::int64_t value) : value_(value) {}
+Variant::Variant(float value) : value_(value) {}
+Variant::Variant(double value) : value_(value) {}
+Variant::Variant(DateValue value) : value_(value) {}
+Variant::Variant(std::string value) : value_(std::move(value)) {}
+Variant::Variant(std::string_view value) : value_(std::string(value)) {}
+Variant::Variant(const char* value) : value_(std::string(value)) {}
+Variant::Variant(Ref<Object> value) : value_(std::move(value)) {}
+Variant::Variant(std::vector<Variant> value) : value_(std::move(value)) {}
+Variant::Variant(Storage value) : value_(std::move(value)) {}
+
+Variant Variant::Null() { return Variant(Storage(NullTag{})); }
+Variant Variant::Missing() { return Variant(Storage(MissingTag{})); }
 
 bool Variant::IsNumeric() const {
   const VariantType type = Type();

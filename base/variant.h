@@ -41,30 +41,30 @@ enum class VariantType : std::uint8_t {
 /// A value of one of the kinds above.
 class Variant {
  public:
-  Variant() = default;
-  // By assignment: when memory runs out in its copy constructor, the standard library's variant (libstdc++ 12) destroys
-  // what it has not made.
-  Variant(const Variant& other) { value_ = other.value_; }
-  Variant(Variant&&) noexcept = default;
-  Variant& operator=(const Variant&) = default;
-  Variant& operator=(Variant&&) noexcept = default;
-  ~Variant() = default;
-  Variant(bool value) : value_(value) {}
-  Variant(std::int16_t value) : value_(value) {}
-  Variant(std::int32_t value) : value_(value) {}
-  Variant(std::int64_t value) : value_(value) {}
-  Variant(float value) : value_(value) {}
-  Variant(double value) : value_(value) {}
-  Variant(DateValue value) : value_(value) {}
-  Variant(std::string value) : value_(std::move(value)) {}
-  Variant(std::string_view value) : value_(std::string(value)) {}
-  Variant(const char* value) : value_(std::string(value)) {}
+  // None of these is inline: what the standard library's variant makes of them takes every file that includes this a
+  // second to compile.
+  Variant();
+  Variant(const Variant& other);
+  Variant(Variant&& other) noexcept;
+  Variant& operator=(const Variant& other);
+  Variant& operator=(Variant&& other) noexcept;
+  ~Variant();
+  Variant(bool value);
+  Variant(std::int16_t value);
+  Variant(std::int32_t value);
+  Variant(std::int64_t value);
+  Variant(float value);
+  Variant(double value);
+  Variant(DateValue value);
+  Variant(std::string value);
+  Variant(std::string_view value);
+  Variant(const char* value);
   Variant(const void*) = delete;  ///< any other pointer would silently become True
-  Variant(Ref<Object> value) : value_(std::move(value)) {}
-  Variant(std::vector<Variant> value) : value_(std::move(value)) {}
+  Variant(Ref<Object> value);
+  Variant(std::vector<Variant> value);
 
-  static Variant Null() { return Variant(Storage(NullTag{})); }
-  static Variant Missing() { return Variant(Storage(MissingTag{})); }
+  static Variant Null();
+  static Variant Missing();
 
   VariantType Type() const { return static_cast<VariantType>(value_.index()); }
   bool IsEmpty() const { return Type() == VariantType::Empty; }
@@ -116,7 +116,7 @@ class Variant {
   };
   using Storage = std::variant<std::monostate, NullTag, MissingTag, bool, std::int16_t, std::int32_t, std::int64_t,
                                float, double, DateValue, std::string, Ref<Object>, std::vector<Variant>>;
-  explicit Variant(Storage value) : value_(std::move(value)) {}
+  explicit Variant(Storage value);
   bool IsNumeric() const;
   static bool IsInteger(const Variant& number, std::int64_t integer);
 

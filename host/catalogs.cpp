@@ -3,6 +3,11 @@
 #include "base/text.h"
 
 namespace zrqrybld {
+
+template class Catalog<qbDBKeyword>;
+template class Catalog<qbDBOperator>;
+template class Catalog<qbDBFunction>;
+
 namespace {
 
 template <class Field>

@@ -62,6 +62,7 @@ class Catalog : public Object {
  protected:
   Ref<Entry> AddEntry(Ref<Entry> entry) {
     items_.Insert(entry, entry->Name());
+    entry->mark_ = items_.MarkAt(items_.Count());
     entry->catalog_ = this;
     ++revision_;
     return entry;
@@ -71,9 +72,7 @@ class Catalog : public Object {
  private:
   friend class CatalogEntry<Entry>;
   void Rename(const CatalogEntry<Entry>& entry, std::string_view name) {
-    for (std::size_t i = 1; i <= items_.Count(); ++i) {
-      if (items_.At(i)->get() == &entry) items_.Rekey(i, name);
-    }
+    items_.Rekey(KeyedList<Ref<Entry>>::PositionOf(entry.mark_), name);
     ++revision_;
   }
 
@@ -107,7 +106,8 @@ class CatalogEntry : public Object {
   friend class Catalog<Entry>;
   std::string name_;
   std::string description_;
-  Catalog<Entry>* catalog_ = nullptr;  // reset when the entry leaves its catalog
+  Catalog<Entry>* catalog_ = nullptr;                    // reset when the entry leaves its catalog
+  typename KeyedList<Ref<Entry>>::Mark mark_ = nullptr;  // of its place there
 };
 
 /// A word that has a meaning in SQL; names equal to one are quoted.
@@ -234,6 +234,11 @@ class qbDBFunctions final : public Catalog<qbDBFunction> {
   /// case. Nothing when the text names none.
   Ref<qbDBFunction> FindGroupBy(std::string_view text) const;
 };
+
+// Compiled in one place.
+extern template class Catalog<qbDBKeyword>;
+extern template class Catalog<qbDBOperator>;
+extern template class Catalog<qbDBFunction>;
 
 /// An ordered collection of texts.
 class StringCollection final : public Object {

@@ -18,6 +18,7 @@
 
 #include "base/event.h"
 #include "base/object.h"
+#include "base/text.h"
 #include "base/variant.h"
 #include "host/catalogs.h"
 #include "host/data_types.h"

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/collection.h"
+#include "base/error.h"
 #include "base/object.h"
 
 namespace zrqrybld {

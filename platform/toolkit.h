@@ -4,16 +4,17 @@
 #include <memory>
 #include <utility>
 
-#include "base/file.h"
 #include "platform/dialogs.h"
 #include "platform/provider.h"
 
 namespace zrqrybld {
 
+class FileSystem;
+
 /// One for a designer; it outlives the hub that uses it.
 class Toolkit {
  public:
-  Toolkit() = default;
+  Toolkit();
   Toolkit(const Toolkit&) = delete;
   Toolkit& operator=(const Toolkit&) = delete;
   virtual ~Toolkit() = default;
@@ -33,7 +34,7 @@ class Toolkit {
 
  private:
   std::shared_ptr<ProviderList> providers_ = std::make_shared<ProviderList>();
-  std::shared_ptr<const FileSystem> files_ = std::make_shared<FileSystem>();
+  std::shared_ptr<const FileSystem> files_;
 };
 
 /// Shows the hourglass while it lives.
