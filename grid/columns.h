@@ -115,6 +115,11 @@ class zrGridColumns final : public Object {
   /// Removes a column by position or key. Error 9 when there is none.
   void Remove(const Variant& index);
 
+  /// The column under a key, or nothing: an application may have removed it.
+  Ref<zrGridColumn> Find(std::string_view key) const {
+    const Ref<zrGridColumn>* column = items_.Find(key);
+    return column ? *column : nullptr;
+  }
   /// The position of a key or number. Error 9 when there is no such column.
   std::size_t PositionOf(const Variant& index) const { return RequirePosition(items_, index); }
   /// The column at a position that exists.

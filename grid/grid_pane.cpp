@@ -353,21 +353,9 @@ void qbGridPane::SetRowGroupBy(zrGridRow& row) {
 
 // --- Tables ---
 
-namespace {
-
-// Nothing when the application has removed the column.
-Ref<zrGridColumn> FindColumn(const zrGridColumns& columns, std::string_view key) {
-  for (std::int32_t i = 1; i <= columns.Count(); ++i) {
-    if (const Ref<zrGridColumn> column = columns.Item(i); column->Key() == key) return column;
-  }
-  return nullptr;
-}
-
-}  // namespace
-
 // What stands at its place already stays: a table more is one entry more, a table less one entry less.
 void qbGridPane::RefreshTableList(std::int32_t from) {
-  const Ref<zrGridColumn> column = FindColumn(*grdPane_->Columns(), "table");
+  const Ref<zrGridColumn> column = grdPane_->Columns()->Find("table");
   if (!column) return;
   zrGridComboItems& list = *column->ComboItems();
   const Ref<qbEntities> entities = Entities();
