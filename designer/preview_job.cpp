@@ -160,8 +160,8 @@ void PreviewJob::Read(Shared& shared, QueryRunner& runner) {
       news.more = runner.Fetch(kBlockRows, news.rows);
       news.cutOff = !news.more && runner.WasCutOff();
     } catch (...) {
-      news.more = true;                                      // a pane that has all rows listens no more
-      if (!news.rows.empty()) shared.Tell(std::move(news));  // those before the failure
+      news.failing = true;
+      shared.Tell(std::move(news));  // the rows before the failure
       throw;
     }
     const bool more = news.more;

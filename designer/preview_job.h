@@ -23,6 +23,7 @@ struct PreviewNews {
   std::vector<std::string> columns = {};   ///< of Columns, which comes once and first
   std::vector<ResultRow> rows = {};        ///< of Rows
   bool more = false;                       ///< of Rows: there may be further ones, see `FetchMore`
+  bool failing = false;                    ///< of Rows: the source has failed behind them; the next news is Failed
   bool cutOff = false;                     ///< of Rows: there are further ones, which the source cannot give
   std::string message = {};                ///< of Failed, the last news
   std::optional<std::size_t> offset = {};  ///< of Failed: where in the statement, when that is known

@@ -230,6 +230,7 @@ void PreviewPane::ShowRows(PreviewNews& news) {
     took_ = clock_.elapsed();
     FitColumns();
   }
+  if (news.failing) return;
   if (model_->IsFull() || news.cutOff) {
     ended_ = tr("the preview holds no more");
     model_->End();

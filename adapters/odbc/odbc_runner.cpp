@@ -239,17 +239,19 @@ class OdbcRunner final : public QueryRunner {
     return true;
   }
 
-  bool Next(RowBuilder& row) override {
+  // Goes to the next row, in a further batch where there may be one.
+  bool GoToNextRow() {
     SQLRETURN result = SQLFetch(statement_->Get());
-    while (result == SQL_NO_DATA && !stopped_) {
-      if (!ReadOn()) {
-        open_ = false;
-        return false;
-      }
-      result = SQLFetch(statement_->Get());
-      if (result == SQL_NO_DATA) return false;
-    }
+    if (result == SQL_NO_DATA && !stopped_ && ReadOn()) result = SQLFetch(statement_->Get());
     Check(result);
+    if (result != SQL_NO_DATA) return true;
+    connection_.RequireAlive();  // some drivers tell a connection that was cut as the end of the answer
+    open_ = false;
+    return false;
+  }
+
+  bool Next(RowBuilder& row) override {
+    if (!GoToNextRow()) return false;
     row.Reserve(kinds_.size());
     for (std::size_t column = 0; column < kinds_.size(); ++column) row.Add(ValueAt(column));
     ++rows_;

@@ -195,6 +195,10 @@ TEST_F(Preview, TheWindowNeverWaits) {
   RunDirectly(kEndless, source);
   QTest::qWait(50);
   EXPECT_LT(heartbeat.Longest(), kNoticed);
+  RunDirectly("SELECT 1 UNION ALL SELECT abs(-9223372036854775808)", source);
+  ASSERT_TRUE(Ends());
+  EXPECT_EQ(Cell(0, 0), "1") << "the rows before a failure stay";
+  EXPECT_TRUE(Pane().Failure().contains("overflow")) << Utf8(Pane().Failure());
   RunDirectly("SELECT 1", source);
   ASSERT_TRUE(Ends());
   EXPECT_EQ(Cell(0, 0), "1") << "nothing of the statement before";
