@@ -145,7 +145,7 @@ LiteralRules LiteralRulesOf(const qbQueryBuilder& hub) {
   if (const std::optional<TextReading> reading = SourceReading(hub)) {
     rules.readings.push_back(*reading);
   } else if (hub.IsConnected()) {
-    rules.readings.assign(KnownReadings().begin(), KnownReadings().end());
+    for (const KnownReading& known : KnownReadings()) rules.readings.push_back(known.text);
   }
   return rules;
 }

@@ -45,35 +45,57 @@ constexpr TextReading kMariaDb{.backslashEscapes = true,
                                .commentsHoldCode = true,
                                .backticks = true};
 constexpr TextReading kSqlServer{.commentsNest = true, .brackets = true};
+constexpr TextReading kSqlServerWithTexts{.doubleQuotesAreTexts = true, .commentsNest = true, .brackets = true};
 constexpr TextReading kOracle{.delimitedLiterals = true};
 constexpr TextReading kAccess{
     .doubleQuotesAreTexts = true, .hashDates = true, .brackets = true, .bracketsEndAtFirst = true, .backticks = true};
 
-constexpr TextReading With(TextReading reading, bool TextReading::*trait, bool holds) {
-  reading.*trait = holds;
+constexpr TextReading PostgreSqlIn(bool standardStrings) {
+  TextReading reading = kPostgreSql;
+  reading.backslashEscapes = !standardStrings;
   return reading;
 }
 
-constexpr TextReading kKnown[] = {
-    kSqlite,
-    kPostgreSql,
-    With(kPostgreSql, &TextReading::backslashEscapes, true),
-    kMariaDb,
-    With(kMariaDb, &TextReading::backslashEscapes, false),
-    With(kMariaDb, &TextReading::doubleQuotesAreTexts, false),
-    kSqlServer,
-    With(kSqlServer, &TextReading::doubleQuotesAreTexts, true),
-    kOracle,
-    kAccess,
+constexpr TextReading MariaDbIn(bool backslashes, bool quotedNames, bool brackets) {
+  TextReading reading = kMariaDb;
+  reading.backslashEscapes = backslashes;
+  reading.doubleQuotesAreTexts = !quotedNames;
+  reading.brackets = reading.bracketsEndAtFirst = brackets;
+  return reading;
+}
+
+// The usual one of each family first.
+constexpr KnownReading kKnown[] = {
+    {SourceFamily::Sqlite, kSqlite},
+    {SourceFamily::PostgreSql, PostgreSqlIn(true)},
+    {SourceFamily::PostgreSql, PostgreSqlIn(false)},
+    {SourceFamily::MariaDb, MariaDbIn(true, false, false)},
+    {SourceFamily::MariaDb, MariaDbIn(true, false, true)},
+    {SourceFamily::MariaDb, MariaDbIn(true, true, false)},
+    {SourceFamily::MariaDb, MariaDbIn(true, true, true)},
+    {SourceFamily::MariaDb, MariaDbIn(false, false, false)},
+    {SourceFamily::MariaDb, MariaDbIn(false, false, true)},
+    {SourceFamily::MariaDb, MariaDbIn(false, true, false)},
+    {SourceFamily::MariaDb, MariaDbIn(false, true, true)},
+    {SourceFamily::SqlServer, kSqlServer},
+    {SourceFamily::SqlServer, kSqlServerWithTexts},
+    {SourceFamily::Oracle, kOracle},
+    {SourceFamily::Access, kAccess},
 };
 
 struct Server {
   std::string_view word;  // within its name
-  TextReading reading;
+  SourceFamily family;
 };
-constexpr Server kServers[] = {{"sqlite", kSqlite},           {"postgresql", kPostgreSql}, {"mariadb", kMariaDb},
-                               {"mysql", kMariaDb},           {"sql server", kSqlServer},  {"oracle", kOracle},
-                               {"microsoft access", kAccess}, {"ms jet", kAccess}};
+constexpr Server kServers[] = {{"sqlite", SourceFamily::Sqlite},        {"postgres", SourceFamily::PostgreSql},
+                               {"mariadb", SourceFamily::MariaDb},      {"mysql", SourceFamily::MariaDb},
+                               {"sql server", SourceFamily::SqlServer}, {"oracle", SourceFamily::Oracle},
+                               {"access", SourceFamily::Access},        {"ms jet", SourceFamily::Access}};
+
+bool HasWord(std::string_view list, std::string_view word) {
+  return std::ranges::any_of(Split(list, ","),
+                             [word](std::string_view each) { return EqualsNoCase(Trim(each), word); });
+}
 
 }  // namespace
 
@@ -96,13 +118,26 @@ std::optional<TextReading> ReadingFromWords(std::string_view words) {
   return reading;
 }
 
-std::optional<TextReading> UsualReading(std::string_view sourceName) {
-  for (const Server& server : kServers) {
-    if (FindNoCase(sourceName, server.word) != std::string_view::npos) return server.reading;
-  }
-  return std::nullopt;
+SourceFamily FamilyOf(std::string_view sourceName) {
+  const auto* server = std::ranges::find_if(
+      kServers, [&](const Server& known) { return FindNoCase(sourceName, known.word) != std::string_view::npos; });
+  return server == std::end(kServers) ? SourceFamily::Other : server->family;
 }
 
-std::span<const TextReading> KnownReadings() { return kKnown; }
+std::optional<TextReading> UsualReading(std::string_view sourceName) {
+  const auto* usual = std::ranges::find(kKnown, FamilyOf(sourceName), &KnownReading::family);
+  return usual == std::end(kKnown) ? std::nullopt : std::optional(usual->text);
+}
+
+std::optional<TextReading> ReadingInMode(SourceFamily family, std::string_view told) {
+  if (family == SourceFamily::MariaDb) {
+    return MariaDbIn(!HasWord(told, "NO_BACKSLASH_ESCAPES"), HasWord(told, "ANSI_QUOTES"), HasWord(told, "MSSQL"));
+  }
+  const bool on = EqualsNoCase(told, "on");
+  if (family != SourceFamily::PostgreSql || !(on || EqualsNoCase(told, "off"))) return std::nullopt;
+  return PostgreSqlIn(on);
+}
+
+std::span<const KnownReading> KnownReadings() { return kKnown; }
 
 }  // namespace zrqrybld

@@ -5,6 +5,7 @@
 // has none. The row's absence means that nobody knows.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
@@ -42,11 +43,31 @@ std::string WordsOf(const TextReading& reading);
 /// The reading that the words tell; none when one of them is no trait, for who does not know a trait cannot keep to it.
 std::optional<TextReading> ReadingFromWords(std::string_view words);
 
-/// How a server of this kind reads when nobody has changed its mode, by what it calls itself; none for a name that is
-/// not known.
+/// Sources that cut a text in the same way and know the same clauses.
+enum class SourceFamily : std::uint8_t { Sqlite, PostgreSql, MariaDb, SqlServer, Oracle, Access, Other };
+
+/// The family by what a source calls itself; `Other` for a name that is not known.
+SourceFamily FamilyOf(std::string_view sourceName);
+
+/// How a source of this name reads when nobody has changed its mode; none for a name that is not known.
 std::optional<TextReading> UsualReading(std::string_view sourceName);
 
-/// The readings of all kinds of servers that are known, each in its modes.
-std::span<const TextReading> KnownReadings();
+/// Whether the mode of a session decides how it reads.
+constexpr bool HasModes(SourceFamily family) {
+  return family == SourceFamily::PostgreSql || family == SourceFamily::MariaDb;
+}
+
+/// How a session reads that has told its mode: PostgreSQL's standard_conforming_strings, MariaDB's and MySQL's
+/// sql_mode. None for an answer that is no mode, and for families without modes.
+std::optional<TextReading> ReadingInMode(SourceFamily family, std::string_view told);
+
+/// One way of reading, and whose it is.
+struct KnownReading {
+  SourceFamily family;
+  TextReading text;
+};
+
+/// The readings of all families, each in all of its modes.
+std::span<const KnownReading> KnownReadings();
 
 }  // namespace zrqrybld

@@ -140,6 +140,8 @@ void SourceLexer::ReadWord(SourceToken& token) {
   const std::string_view word = text_.substr(token.begin, at_ - token.begin);
   if (reading_.escapeLiterals && EqualsNoCase(word, "E") && Ahead("'")) {
     ReadQuoted(token, SourcePart::Text, '\'', true);
+  } else if (reading_.escapeLiterals && (EqualsNoCase(word, "B") || EqualsNoCase(word, "X")) && Ahead("'")) {
+    ReadQuoted(token, SourcePart::Text, '\'', false);  // of bits, in whatever mode
   } else if (reading_.unicodeLiterals && EqualsNoCase(word, "U") && (Ahead("&'") || Ahead("&\""))) {
     ++at_;
     token.unicode = true;

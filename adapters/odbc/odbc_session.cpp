@@ -137,25 +137,11 @@ std::optional<std::string> OdbcSession::Ask(std::string_view question) const {
 
 // How the server reads literals in the mode that this connection is in. What does not answer is not known.
 std::optional<TextReading> OdbcSession::AskReading(std::string_view server) const {
-  std::optional<TextReading> reading = UsualReading(server);
-  if (!reading) return std::nullopt;
-  if (reading->escapeLiterals) {
-    const std::optional<std::string> standard = Ask("SHOW standard_conforming_strings");
-    if (!standard) return std::nullopt;
-    reading->backslashEscapes = !EqualsNoCase(*standard, "on");
-  }
-  if (reading->hashComments) {
-    const std::optional<std::string> mode = Ask("SELECT @@sql_mode");
-    if (!mode) return std::nullopt;
-    const auto has = [&](std::string_view word) {
-      const std::vector<std::string_view> words = Split(*mode, ",");
-      return std::ranges::find(words, word) != words.end();
-    };
-    reading->backslashEscapes = !has("NO_BACKSLASH_ESCAPES");
-    reading->doubleQuotesAreTexts = !has("ANSI_QUOTES");
-    reading->brackets = reading->bracketsEndAtFirst = has("MSSQL");
-  }
-  return reading;
+  const SourceFamily family = FamilyOf(server);
+  if (!HasModes(family)) return UsualReading(server);
+  const bool isPostgreSql = family == SourceFamily::PostgreSql;
+  const std::optional<std::string> mode = Ask(isPostgreSql ? "SHOW standard_conforming_strings" : "SELECT @@sql_mode");
+  return mode ? ReadingInMode(family, *mode) : std::nullopt;
 }
 
 std::unique_ptr<RowSet> OdbcSession::OpenSchema(SchemaKind kind, const SchemaRestrictions& restrictions) {

@@ -5,7 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "adapters/run/source_mode.h"
+#include "platform/text_reading.h"
+#include "sql/source_lexer.h"
 
 namespace zrqrybld {
 
@@ -21,31 +22,21 @@ struct Piece {
 /// with its place: comments that are run, names and literals that only the server can unwrap, control characters.
 class CodeReader {
  public:
-  /// Both must outlive the reader.
-  CodeReader(std::string_view text, const Reading& reading) : text_(text), reading_(reading) {}
+  /// The text must outlive the reader.
+  CodeReader(std::string_view text, const KnownReading& reading);
 
   /// False at the end of the text.
   bool Next(Piece& piece);
 
  private:
-  bool Ahead(std::string_view word) const { return text_.substr(at_).starts_with(word); }
-  char Here() const { return at_ < text_.size() ? text_[at_] : '\0'; }
-  bool AtLineComment() const;
-  bool AtLongVariable() const;
-  bool SkipWhiteOrComment();
-  void SkipLineComment();
-  void SkipComment();
-  void SkipNumber();
-  void SkipWord();
-  void SkipPrefixed(std::string_view word);
-  bool SkipQuoted();
-  void SkipText(bool backslashes);
-  void SkipToClosing(char closing, bool backslashes, bool doubled = true);
-  bool SkipToNextLinesLiteral();
-  bool SkipDollarLiteral();
+  void RequireClear(const SourceToken& token) const;
+  void RequireClearCode(std::size_t begin) const;
+  bool IsLongVariable(std::size_t begin) const;
+  std::size_t EndOfNumber(std::size_t begin) const;
 
   std::string_view text_;
-  const Reading& reading_;
+  SourceFamily family_;
+  TextReading reading_;
   std::size_t at_ = 0;
 };
 

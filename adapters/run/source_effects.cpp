@@ -135,18 +135,17 @@ void RefuseIf(const Effects* effects, std::string_view name, std::size_t offset)
 }  // namespace
 
 void EffectFinder::Add(const Piece& piece) {
-  const SourceFamily family = reading_.family;
   const bool word = !IsQuoted(piece.text);
   if (piece.text == "(" || piece.text == ".") {
     const std::string name = NameOf(before_.text);
-    RefuseIf(Find(family, piece.text == "(" ? Place::Call : Place::Member, name), name, before_.offset);
+    RefuseIf(Find(family_, piece.text == "(" ? Place::Call : Place::Member, name), name, before_.offset);
   }
   if (word && !IsQuoted(before_.text)) {
     const std::string both = std::string(before_.text) + "/" + std::string(piece.text);
-    RefuseIf(Find(family, Place::Words, both), ReplaceAll(both, "/", " "), before_.offset);
+    RefuseIf(Find(family_, Place::Words, both), ReplaceAll(both, "/", " "), before_.offset);
   }
-  if (word) RefuseIf(Find(family, Place::Word, piece.text), piece.text, piece.offset);
-  if (word && reading_.statementsWithoutSign && Lists(kStatements, piece.text)) {
+  if (word) RefuseIf(Find(family_, Place::Word, piece.text), piece.text, piece.offset);
+  if (word && family_ == SourceFamily::SqlServer && Lists(kStatements, piece.text)) {
     RefuseStatement("Only one statement is run.", piece.offset);
   }
   before_ = piece;

@@ -12,13 +12,13 @@ namespace zrqrybld {
 /// Looks for effects in the pieces of one statement, in their order.
 class EffectFinder {
  public:
-  explicit EffectFinder(const Reading& reading) : reading_(reading) {}
+  explicit EffectFinder(SourceFamily family) : family_(family) {}
 
   /// Error 40002, with the place and the name, when the piece completes something that has an effect.
   void Add(const Piece& piece);
 
  private:
-  const Reading& reading_;
+  SourceFamily family_;
   Piece before_;
 };
 

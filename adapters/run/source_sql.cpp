@@ -21,9 +21,9 @@ bool IsMember(const Piece& name, const Piece& point, const Piece& piece) {
          name.offset + name.text.size() == point.offset && point.offset + 1 == piece.offset;
 }
 
-void RequireOneSelectAs(std::string_view sql, const Reading& reading) {
+void RequireOneSelectAs(std::string_view sql, const KnownReading& reading) {
   CodeReader reader(sql, reading);
-  EffectFinder effects(reading);
+  EffectFinder effects(reading.family);
   Piece piece;
   bool any = reader.Next(piece);
   while (any && piece.text == "(") any = reader.Next(piece);
@@ -135,11 +135,11 @@ bool Matches(std::string_view sql, const Token& token, std::string_view word) {
 
 void RequireOneSelect(std::string_view sql, const SourceMode& mode) {
   RequireTransparent(sql, mode);
-  for (const Reading& reading : ReadingsOf(mode)) RequireOneSelectAs(sql, reading);
+  for (const KnownReading& reading : ReadingsOf(mode)) RequireOneSelectAs(sql, reading);
 }
 
 std::string StatementToSend(std::string_view sql, const SourceMode& mode) {
-  const std::vector<Reading> readings = ReadingsOf(mode);
+  const std::vector<KnownReading> readings = ReadingsOf(mode);
   if (readings.size() != 1) return std::string(sql);
   std::string sent(sql);
   std::ranges::replace_if(
@@ -153,14 +153,15 @@ std::string StatementToSend(std::string_view sql, const SourceMode& mode) {
 
 std::string WithoutSemicolons(std::string_view sql, const SourceMode& mode) {
   if (sql.find(';') == std::string_view::npos) return std::string(sql);
-  const std::vector<Reading> readings = ReadingsOf(mode);
+  const std::vector<KnownReading> readings = ReadingsOf(mode);
   std::string text;
   std::size_t end = 0;  // of what is written
   CodeReader reader(sql, readings.front());
   for (Piece piece; reader.Next(piece);) {
     if (piece.text.find(';') == std::string_view::npos) continue;
-    const std::string other =
-        piece.text == ";" || readings.size() != 1 ? "" : WithoutSemicolon(piece.text, readings.front().backslashes);
+    const std::string other = piece.text == ";" || readings.size() != 1
+                                  ? ""
+                                  : WithoutSemicolon(piece.text, readings.front().text.backslashEscapes);
     if (other.empty()) RefuseStatement("A semicolon cannot be sent from this place.", piece.offset);
     text.append(sql.substr(end, piece.offset - end)).append(other);
     end = piece.offset + piece.text.size();
