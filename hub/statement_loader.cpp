@@ -65,15 +65,13 @@ class Loader final : public QuerySource {
       : hub_(hub), sql_(sql), rules_(CurrentNameRules(hub)), entities_(hub.Entities()) {}
 
   void Run() {
-    const SQLSyntaxEnum syntax = hub_.SQLPane() ? hub_.SQLPane()->SQLSyntax() : SQLSyntaxGeneric;
-    const Dialect& dialect = DialectFor(syntax);
+    const Dialect& dialect = hub_.CurrentDialect();
     const CriteriaContext criteria = hub_.CriteriaRules();
     if (criteria.reading) {
       const std::optional<std::size_t> otherwise = FirstReadOtherwise(sql_, *criteria.reading);
       if (otherwise) throw SyntaxError(sql_, *otherwise, std::string(kReadsOtherwise));
     }
-    const SelectStatement statement =
-        ParseSelect(sql_, {.openParenthesesInFrom = dialect.fromParentheses == Dialect::FromParentheses::Nested});
+    const SelectStatement statement = ParseSelect(sql_, {.openParenthesesInFrom = dialect.leavesParenthesesOpen});
     PlanTables(statement);
     BindOptions options;
     options.dialect = &dialect;
@@ -353,6 +351,7 @@ class Loader final : public QuerySource {
     if (grid) grid->ResetRows();
     hub_.SetDistinctRecords(query.distinct);
     hub_.SetSelectTopRecords(query.top);
+    hub_.SetSkipRecords(query.skip);
     if (grid) grid->SetShowGroupBy(query.groupByMode);
     if (entities_) {
       RemoveOtherTables();

@@ -151,11 +151,14 @@ void qbSQLPane::SetSQLStatement(const std::string& text) {
 
 void qbSQLPane::SetSQLSyntax(SQLSyntaxEnum syntax) {
   syntax_ = syntax;
+  if (const Ref<QueryContext> context = context_.lock()) context->DialectChanged();
   PropertyChanged.Raise("SQLSyntax");
 }
 
 void qbSQLPane::SetLikeOperator(const std::string& word) {
-  likeOperator_ = Trim(word).empty() ? kLike : word;
+  const std::string before = std::exchange(likeOperator_, Trim(word).empty() ? std::string(kLike) : word);
+  const Ref<QueryContext> context = context_.lock();
+  if (context && before != likeOperator_) context->LikeOperatorChanged(before);
   PropertyChanged.Raise("LikeOperator");
 }
 

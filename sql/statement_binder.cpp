@@ -9,6 +9,7 @@
 #include "sql/from_binder.h"
 #include "sql/join_form.h"
 #include "sql/keywords.h"
+#include "sql/lexer.h"
 
 namespace zrqrybld {
 namespace {
@@ -41,6 +42,17 @@ std::optional<std::string> AnyRowLimitOf(const Expression& term) {
   const double next = isWhole ? ParseNumber(number.text).value_or(0) : 0;
   if (e.name != (isFirst ? "<" : ">") || next < 1) return std::nullopt;
   return std::to_string(static_cast<int>(next) - 1);
+}
+
+constexpr double kMostSkipped = 2147483647;
+
+// ORDER BY (SELECT NULL), which asks for no order where an offset needs one.
+bool IsAnyOrder(const OrderItem* item) {
+  if (!item || item->next || item->expression->kind != ExpressionKind::Subquery) return false;
+  std::string words;
+  const std::string_view text = item->expression->text;
+  for (const Token& token : Tokenize(text)) words += std::string(text.substr(token.offset, token.length)) + " ";
+  return EqualsNoCase(words, "( SELECT NULL ) ");
 }
 
 bool IsAggregate(const SnapshotRow& row) { return !row.aggregate.empty(); }
@@ -91,8 +103,22 @@ class Binder {
   }
 
   void BindTop() {
-    if (statement_.top.empty()) return;
-    SetTop(std::string(statement_.top) + (statement_.topPercent ? "%" : ""), statement_.top);
+    if (!statement_.top.empty()) {
+      SetTop(std::string(statement_.top) + (statement_.topPercent ? "%" : ""), statement_.top);
+    }
+    const RowLimit& limit = options_.dialect->limit;
+    if (statement_.topPercent && limit.percent.empty()) {
+      scope_.Refuse(statement_.top, "This dialect has no percentages of rows.");
+    }
+    if (statement_.skip.empty()) return;
+    if (limit.offset.empty()) scope_.Refuse(statement_.skip, "This dialect has no offset.");
+    if (statement_.topPercent) scope_.Refuse(statement_.skip, "A percentage of rows takes no offset.");
+    const std::optional<double> number = ParseNumber(statement_.skip);
+    if (!number || *number > kMostSkipped ||
+        statement_.skip.find_first_not_of("0123456789") != std::string_view::npos) {
+      scope_.Refuse(statement_.skip, "The offset is to be a whole number below 2,147,483,648.");
+    }
+    query_.skip = static_cast<std::int32_t>(*number);
   }
 
   // "@field" in an expression would be replaced when the statement is written.
@@ -293,12 +319,12 @@ class Binder {
       if (limit) SetTop(*limit, term->text);
       return limit.has_value();
     });
-    const bool takesLimit = options_.dialect->limit == Dialect::Limit::Condition && query_.top.empty();
+    const bool takesLimit = options_.dialect->limit.place == RowLimit::Place::Condition && query_.top.empty();
     if (terms.size() == 1 && from_.conditions.empty()) {
       std::vector<CriteriaTerms> alternatives = CriteriaBinder::AlternativesOf(*terms[0], from_.whereHadJoins);
       if (takesLimit && alternatives.size() > 1 && TakeLimit(alternatives.back())) return alternatives;
       // A limit would be written behind the last alternative and count for that one alone.
-      const bool limitsLastOnly = options_.dialect->limit == Dialect::Limit::Condition && !query_.top.empty();
+      const bool limitsLastOnly = options_.dialect->limit.place == RowLimit::Place::Condition && !query_.top.empty();
       if (limitsLastOnly && query_.joins.empty() && alternatives.size() > 1) return {{terms[0]}};
       return Fitting(std::move(alternatives), *terms[0]);
     }
@@ -330,6 +356,7 @@ class Binder {
 
   void BindOrderBy() {
     int order = 0;
+    if (query_.skip > 0 && IsAnyOrder(statement_.orderBy)) return;
     for (const OrderItem* item = statement_.orderBy; item; item = item->next) {
       if (!item->nulls.empty()) {
         AddSort(SortedAsWritten(*item), false, ++order);
