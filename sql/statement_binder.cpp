@@ -197,6 +197,9 @@ class Binder {
 
   void BindFrom() {
     BoundFrom bound = FromBinder(statement_, scope_, *options_.dialect).Bind(true);
+    if (bound.hasFull && !options_.dialect->hasFullJoin && options_.dialect->joins == Dialect::Joins::Clauses) {
+      scope_.Refuse(bound.firstOuter, "This dialect has no join that keeps all rows of both tables.");
+    }
     if (!Take(bound)) {
       bound = FromBinder(statement_, scope_, *options_.dialect).Bind(false);
       if (!Take(bound)) {
