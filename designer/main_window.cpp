@@ -32,6 +32,7 @@
 #include "designer/window_memory.h"
 #include "hub/parameter_form.h"
 #include "platform/connection_string.h"
+#include "sql/dialect.h"
 #if ZRQRYBLD_HAS_ODBC
 #include "adapters/odbc/odbc_provider.h"
 #endif
@@ -236,6 +237,13 @@ void MainWindow::MakeToolBar() {
   options_->insertAction(first, addTables_);
   options_->insertSeparator(first);
   connect(options_, &QueryOptionsBar::Failed, this, &MainWindow::ShowError);
+  connect(options_, &QueryOptionsBar::DialectChosen, this, [this] {
+    qbQueryBuilder& hub = designer_->QueryBuilder();
+    if (!recovery_ || !hub.IsConnected()) return;
+    const Dialect& dialect = hub.CurrentDialect();
+    RememberDialect(hub.Connection()->ConnectionString(),
+                    hub.SourceDialect() == &dialect ? "" : std::string(dialect.name));
+  });
   addToolBar(options_);
 }
 
@@ -398,6 +406,8 @@ void MainWindow::UseConnection(const std::shared_ptr<ProviderConnection>& connec
   qbQueryBuilder& hub = designer_->QueryBuilder();
   hub.DiagramPane()->Clear();
   hub.SetConnection(connection);
+  const Dialect* chosen = recovery_ ? FindDialect(RememberedDialect(connection->ConnectionString())) : nullptr;
+  if (chosen) hub.SQLPane()->SetSQLSyntax(chosen->syntax);
   query_->SourceChanged();
   sourceName_ = SourceName(connection->ConnectionString());
   source_->setText(sourceName_);

@@ -3,6 +3,7 @@
 #include <QLabel>
 #include <QRegularExpressionValidator>
 #include <QSignalBlocker>
+#include <limits>
 
 #include "adapters/qt/qt_text.h"
 #include "sql/dialect.h"
@@ -66,6 +67,7 @@ QueryOptionsBar::QueryOptionsBar(qbQueryBuilder& hub, QWidget* parent)
       hub_.SQLPane()->SetSQLSyntax(static_cast<SQLSyntaxEnum>(dialect_->itemData(index).toInt()));
       hub_.QueryChanged();
     });
+    Q_EMIT DialectChosen();
   });
   connect(limit_, &QLineEdit::editingFinished, this, &QueryOptionsBar::TakeLimit);
   connect(skip_, &QSpinBox::valueChanged, this,

@@ -26,6 +26,8 @@ class QueryOptionsBar : public QToolBar {
   void ChooseDialect(const QString& name);
 
  Q_SIGNALS:
+  /// The user has chosen a dialect.
+  void DialectChosen();
   /// What was chosen cannot be had.
   void Failed(const QString& message);
 
