@@ -8,7 +8,6 @@
 #include "diagram/join_properties.h"
 #include "diagram/relationships.h"
 #include "diagram/table_picker.h"
-#include "sql/dialect.h"
 
 namespace zrqrybld {
 namespace {
@@ -175,7 +174,7 @@ MenuEntry qbDiagramPane::KindsOf(const Ref<qbRelationship>& join) {
   kinds.entries = {kind({}, "&Matching Rows Only"),
                    kind({.allOfSource = true}, "All Rows from &" + InMenu(join->Source()->Caption())),
                    kind({.allOfTarget = true}, "All Rows from &" + InMenu(join->Target()->Caption()))};
-  const bool hasFull = !context || context->CurrentDialect().hasFullJoin;
+  const bool hasFull = !context || context->HasFullJoin();
   MenuEntry full = kind({.allOfTarget = true, .allOfSource = true}, "All Rows from &Both");
   full.enabled = hasFull;
   if (hasFull || full.checked) kinds.entries.push_back(std::move(full));

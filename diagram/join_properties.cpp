@@ -5,7 +5,6 @@
 
 #include "base/text.h"
 #include "diagram/entity.h"
-#include "sql/dialect.h"
 
 namespace zrqrybld {
 namespace {
@@ -72,7 +71,7 @@ bool EditJoin(QueryContext& context, qbRelationship& relationship) {
     return DescribeJoin(source->Caption(), target->Caption(), {.allOfTarget = all1, .allOfSource = all2});
   };
   dialog.warning = [&](bool all1, bool all2) {
-    return all1 && all2 && !context.CurrentDialect().hasFullJoin
+    return all1 && all2 && !context.HasFullJoin()
                ? std::string(
                      "The SQL dialect in use cannot keep all rows of both tables; only matching rows come back.")
                : std::string();

@@ -8,7 +8,6 @@
 #include "base/text.h"
 #include "diagram/source_names.h"
 #include "platform/schema_fields.h"
-#include "sql/dialect.h"
 #include "sql/parameters.h"
 #include "sql/query_snapshot.h"
 #include "sql/source_rules.h"
@@ -55,7 +54,7 @@ Vocabulary ReadVocabulary(const QueryContext& context) {
     const qbDBKeyword& entry = context.DBKeywords()->At(i);
     words.keywords.push_back({entry.Name(), entry.Name(), entry.Description(), false, false});
   }
-  words.fullJoin = context.CurrentDialect().hasFullJoin;
+  words.fullJoin = context.HasFullJoin();
   return words;
 }
 

@@ -114,6 +114,8 @@ class QueryContext : public Object {
 
   /// The dialect in use; the generic one when no SQL pane is linked.
   virtual const Dialect& CurrentDialect() const = 0;
+  /// Whether it can say "all rows of both tables". Without an SQL pane nothing speaks against that.
+  virtual bool HasFullJoin() const = 0;
   /// Another dialect is in use.
   virtual void DialectChanged() = 0;
   /// Another word is written for LIKE from now on; criteria follow.

@@ -247,6 +247,7 @@ class qbQueryBuilder final : public QueryContext {
   Ref<qbQueryBuilder> Hub() override { return RefTo(*this); }
   Ref<qbEntities> Entities() const override { return diagramPane_ ? diagramPane_->Entities() : nullptr; }
   const Dialect& CurrentDialect() const override;
+  bool HasFullJoin() const override { return !sqlPane_ || CurrentDialect().hasFullJoin; }
   void DialectChanged() override;
   void LikeOperatorChanged(const std::string& before) override;
   std::string DateFormat() const override;
