@@ -77,7 +77,7 @@ TEST_P(OwnDialect, IsChosenAndGivesTheRowsThatAreMeant) {
   ASSERT_TRUE(table && table->Items()->Count() == 6);
   table->Items()->Item("Id")->SetChecked(true);
   qbGridPane& grid = *hub_->GridPane();
-  grid.SetValue(1, "sort_type", "Ascending");
+  grid.SortRow(1, "Ascending");
 
   struct Case {
     const char* column;
@@ -95,7 +95,7 @@ TEST_P(OwnDialect, IsChosenAndGivesTheRowsThatAreMeant) {
                              {"Name", "ILIKE an%", "1 2"},
                              {"Name", "NOT ILIKE AN%", "3 4"},
                              {"Name", "Zoë", "4"}};
-  grid.SetValue(2, "column", "Id");  // the row whose column is set for each case
+  grid.SetValue(2, "table", table->Caption());  // the row whose column is set for each case
   for (const Case& c : kCases) {
     SCOPED_TRACE(std::string(c.column) + " " + c.typed);
     grid.SetValue(2, "column", c.column);
@@ -154,14 +154,14 @@ TEST(DataOnTwoServers, IsDesignedAsIfItWereOnOne) {
   const Ref<qbRelationship> join = orders->Relationships()->Add(customers);
   join->SetSourceItemIndex(orders->Items()->Item("customer")->Index());
   join->SetTargetItemIndex(customers->Items()->Item("id")->Index());
-  join->SetItemData(2);  // all customers
+  join->SetItemData(1);  // all customers
   qbGridPane& grid = *hub->GridPane();
-  grid.SetValue(grid.SetFieldOutput("name", true, customers->Caption()), "sort_type", "Ascending");
+  grid.SortRow(grid.SetFieldOutput("name", true, customers->Caption()), "Ascending");
   grid.SetValue(grid.SetFieldOutput("total", true, orders->Caption()), "group_by", "Sum");
   grid.SetGroupByFunction(2, *hub->DBFunctions()->Item("SUM"));
   hub->SetSelectTopRecords("3");
   const std::string statement = hub->SQLPane()->SQLStatement();
-  EXPECT_EQ(near.Query(statement), "c0|30015000.0\nc1|29985000.0\nc10|NULL\n") << statement;
+  EXPECT_EQ(near.Query(statement), "c0|30015000.0\nc1|29988000.0\nc10|NULL\n") << statement;
   near.Execute("DROP SCHEMA far CASCADE");
   near.Execute("DROP EXTENSION postgres_fdw CASCADE");
   near.Execute("DROP TABLE customers");
