@@ -129,9 +129,7 @@ bool qbSQLPane::ApplyEditedText() {
 
 // The cause, without the sentence that it is wrapped in, and the word where it lies.
 void qbSQLPane::ShowFailure(const Error& failure) {
-  const std::string& description = failure.Description();
-  const std::size_t cause = description.find("] ");
-  failure_ = cause == std::string::npos ? description : description.substr(cause + 2);
+  failure_ = failure.Cause();
   ShowRemarks();
   if (!failure.Offset()) return;
   const std::string text = textArea_->Text();

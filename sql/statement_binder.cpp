@@ -1,7 +1,6 @@
 #include "sql/statement_binder.h"
 
 #include <cmath>
-#include <numeric>
 
 #include "base/text.h"
 #include "sql/criteria_binder.h"
@@ -72,7 +71,7 @@ class Binder {
         rows_(query_.rows) {}
 
   // With joins from WHERE where that means the same, otherwise with those conditions as criteria.
-  QuerySnapshot Run() {
+  BoundStatement Run() {
     query_.tables = scope_.Tables();
     query_.names = options_.names;
     query_.criteria = options_.criteria;
@@ -85,7 +84,7 @@ class Binder {
     BindGroupBy();
     BindConditions();
     BindOrderBy();
-    return std::move(query_);
+    return {std::move(query_), std::move(arrangement_)};
   }
 
  private:
@@ -214,21 +213,14 @@ class Binder {
   // Whether the generated text means what the statement says. A dialect without "all rows of both" keeps it in the
   // diagram alone.
   bool Take(const BoundFrom& bound) {
-    for (std::size_t attempt = 0;; ++attempt) {
-      query_.joins = bound.joins;
-      const std::vector<std::size_t> order = Arrange(attempt);
-      if (order.size() != query_.tables.size()) return false;
-      if (bound.firstOuter.empty() || (bound.hasFull && !options_.dialect->hasFullJoin)) return true;
-      if (MeaningOfGeneratedJoins(query_, order, *options_.dialect) == bound.meaning) return true;
-      if (order.empty()) return false;
+    const bool means = bound.firstOuter.empty() || (bound.hasFull && !options_.dialect->hasFullJoin);
+    JoinOrders orders(query_.tables.size(), bound.joins, options_.drawn, *options_.dialect);
+    while (std::optional<JoinArrangement> way = orders.Next()) {
+      query_.joins = way->joins;
+      arrangement_ = std::move(*way);
+      if (means || MeaningOfGeneratedJoins(query_, arrangement_.order, *options_.dialect) == bound.meaning) return true;
     }
-  }
-
-  std::vector<std::size_t> Arrange(std::size_t attempt) {
-    if (options_.arrange) return options_.arrange(query_, attempt);
-    std::vector<std::size_t> order(attempt == 0 ? query_.tables.size() : 0);
-    std::iota(order.begin(), order.end(), 0);
-    return order;
+    return false;
   }
 
   // --- GROUP BY ---
@@ -472,6 +464,7 @@ class Binder {
   FieldTerms fields_;
   QueryRows rows_;
   BoundFrom from_;
+  JoinArrangement arrangement_;
   std::vector<const SelectItem*> itemsByPlace_;
   std::unordered_map<std::string, const SelectItem*> itemsByAlias_;  // case-folded
   std::vector<Output> outputs_;
@@ -482,7 +475,7 @@ class Binder {
 
 }  // namespace
 
-QuerySnapshot BindStatement(const SelectStatement& statement, QuerySource& source, const BindOptions& options) {
+BoundStatement BindStatement(const SelectStatement& statement, QuerySource& source, const BindOptions& options) {
   NameScope scope(statement.text, source);
   AddTables(statement, scope);
   return Binder(statement, scope, options).Run();
