@@ -25,7 +25,7 @@ std::shared_ptr<const WordSet> QueryContext::ReservedWords() const {
   if (reservedWords_ && reservedWordsRevision_ == revision) return reservedWords_;
   auto words = std::make_shared<WordSet>(sourceWords_);
   const auto addNames = [&words](const auto& catalog) {
-    for (std::int32_t i = 1; i <= catalog.Count(); ++i) words->insert(catalog.Item(i)->Name());
+    for (const auto& entry : catalog) words->insert(entry->Name());
   };
   addNames(*keywords_);
   addNames(*functions_);

@@ -137,9 +137,8 @@ class Loader final : public QuerySource {
     const PlannedTable& planned = tables_[table];
     for (const SourceColumn& column : planned.columns) names.push_back(column.name);
     if (!planned.entity) return names;
-    const qbEntityItems& items = *planned.entity->Items();
-    for (std::int32_t i = 1; i <= items.Count(); ++i) {
-      if (items.Item(i)->Text() != "*") names.push_back(items.Item(i)->Text());
+    for (const Ref<qbEntityItem>& item : *planned.entity->Items()) {
+      if (item->Text() != "*") names.push_back(item->Text());
     }
     return names;
   }
@@ -328,9 +327,7 @@ class Loader final : public QuerySource {
     }
     for (std::size_t i = 0; i < tables_.size(); ++i) {
       if (!tables_[i].entity) continue;
-      const qbRelationships& drawn = *tables_[i].entity->Relationships();
-      for (std::int32_t j = 1; j <= drawn.Count(); ++j) {
-        const Ref<qbRelationship> kept = drawn.Item(j);
+      for (const Ref<qbRelationship>& kept : *tables_[i].entity->Relationships()) {
         const auto target = positions.find(kept->Target().get());
         const Ref<qbEntityItem> from = kept->SourceItem();
         const Ref<qbEntityItem> to = kept->TargetItem();
@@ -374,9 +371,8 @@ class Loader final : public QuerySource {
         entities_->Remove(i);
         continue;
       }
-      const qbEntityItems& items = *entity->Items();
-      for (std::int32_t j = 1; j <= items.Count(); ++j) {
-        if (items.Item(j)->Checked()) items.Item(j)->SetChecked(false);
+      for (const Ref<qbEntityItem>& item : *entity->Items()) {
+        if (item->Checked()) item->SetChecked(false);
       }
     }
   }
