@@ -5,14 +5,11 @@
 
 #include "base/units.h"
 #include "diagram/diagram_scene.h"
+#include "diagram/diagram_site.h"
 #include "platform/scroller.h"
 
 namespace zrqrybld {
 
-class DiagramSite;
-
-/// The surface begins this far inside the pane, so that no box sticks to the edge of the window.
-inline constexpr Pixels kSurfaceMargin = 12_px;
 /// So near the pane's edges, or those of a list, a drag scrolls.
 inline constexpr Pixels kAutoScrollZone = 20_px;
 

@@ -17,6 +17,9 @@ class QueryContext;
 class qbEntity;
 class qbEntityItem;
 
+/// The surface begins this far inside the pane, so that no box sticks to the edge of the window.
+inline constexpr Pixels kSurfaceMargin = 12_px;
+
 /// Whether a pane takes drops from outside.
 enum OLEDropModeEnum : std::int32_t { OLEDropNone = 0, OLEDropManual = 1 };
 

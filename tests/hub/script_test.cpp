@@ -2,7 +2,6 @@
 // designer holds after each step.
 #include <stdexcept>
 
-#include "diagram/diagram_camera.h"
 #include "diagram/table_picker.h"
 #include "tests/hub/hub_fixture.h"
 #include "tests/player.h"
