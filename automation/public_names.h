@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "diagram/diagram_pane.h"
+#include "diagram/entities.h"
 #include "diagram/relationships.h"
 #include "grid/grid_pane.h"
 #include "host/language.h"

@@ -1,8 +1,13 @@
-// How public collections read their `Index` argument: a number is a position from 1, a text is a key.
+// How public collections read their `Index` argument: a number is a position from 1, a text is a key. How they are
+// walked.
 #pragma once
 
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <type_traits>
+#include <utility>
 
 #include "base/error.h"
 #include "base/keyed_list.h"
@@ -49,5 +54,37 @@ std::size_t PlaceFor(const KeyedList<T>& list, const Variant& before, const Vari
   if (given(after)) return RequirePosition(list, after) + 1;
   return list.Count() + 1;
 }
+
+/// Walks a public collection by position, handing out what `Item` does. A collection may change meanwhile: the walk goes
+/// on at the next position and ends behind the last item that is there then.
+template <class Collection>
+class CollectionIterator {
+ public:
+  using iterator_concept = std::input_iterator_tag;
+  using reference = decltype(std::declval<const Collection&>().Item(std::int32_t{1}));
+  using value_type = std::remove_cvref_t<reference>;
+  using difference_type = std::ptrdiff_t;
+
+  CollectionIterator() = default;
+  explicit CollectionIterator(const Collection& collection) : collection_(&collection) {}
+  reference operator*() const { return collection_->Item(position_); }
+  CollectionIterator& operator++() {
+    ++position_;
+    return *this;
+  }
+  CollectionIterator operator++(int) {
+    CollectionIterator before = *this;
+    ++position_;
+    return before;
+  }
+  friend bool operator==(const CollectionIterator& one, std::default_sentinel_t) {
+    return one.position_ > one.collection_->Count();
+  }
+  friend bool operator==(const CollectionIterator&, const CollectionIterator&) = default;
+
+ private:
+  const Collection* collection_ = nullptr;
+  std::int32_t position_ = 1;
+};
 
 }  // namespace zrqrybld

@@ -196,8 +196,7 @@ Outcome ShowQuery(const CommandOptions& options, std::ostream& errors) {
   outcome.text = statement + "\n\nTables:\n";
   json.BeginArray("tables");
   const Ref<qbEntities> entities = hub->DiagramPane()->Entities();
-  for (std::int32_t i = 1; i <= entities->Count(); ++i) {
-    const Ref<qbEntity> entity = entities->Item(i);
+  for (const Ref<qbEntity>& entity : *entities) {
     json.BeginObject();
     json.Text("caption", entity->Caption());
     json.Text("table", entity->TagVariant().Text());
@@ -209,8 +208,7 @@ Outcome ShowQuery(const CommandOptions& options, std::ostream& errors) {
   json.BeginArray("parameters");
   outcome.text += "Parameters:\n";
   const Ref<qbParameters> parameters = ScanParameters(saved, hub).parameters;
-  for (std::int32_t i = 1; i <= parameters->Count(); ++i) {
-    const Ref<qbParameter> parameter = parameters->Item(i);
+  for (const Ref<qbParameter>& parameter : *parameters) {
     json.BeginObject();
     json.Text("name", parameter->Name);
     json.Text("prompt", parameter->FormatPrompt());

@@ -79,7 +79,7 @@ void RefreshRelationships(const Ref<QueryContext>& context) {
   context->ForeignKeys().Clear();  // a table may have been made, or got a key, since the last pass
   const NameRules rules = CurrentNameRules(*context);
   std::vector<Candidate> candidates;
-  for (std::int32_t i = 1; i <= entities->Count(); ++i) candidates.push_back({entities->Item(i), i});
+  for (const Ref<qbEntity>& entity : *entities) candidates.push_back({entity, entity->Index()});
   const EntitiesByTable byTable(candidates, rules);
   for (const Candidate& child : candidates) JoinToParents(context, rules, byTable, child);
 }
@@ -95,8 +95,7 @@ std::vector<std::string> RelatedTables(QueryContext& context, const qbEntity& en
   for (const ForeignKeyPair& pair : context.ForeignKeys().Of(connection, table)) related.push_back(pair.parent);
   for (const ForeignKeyPair& pair : context.ForeignKeys().To(connection, table)) related.push_back(pair.child);
   std::unordered_set<std::string> known;
-  for (std::int32_t i = 1; i <= entities->Count(); ++i)
-    known.insert(FoldedName(TableInSource(*entities->Item(i), rules)));
+  for (const Ref<qbEntity>& one : *entities) known.insert(FoldedName(TableInSource(*one, rules)));
   std::vector<std::string> names;
   for (const SourceTableName& one : related) {
     if (known.insert(FoldedName(one)).second) names.push_back(QualifiedText(one.schema, one.table, rules));

@@ -1,7 +1,11 @@
 #include "diagram/diagram_access.h"
 
-#include <algorithm>
-
+#include "diagram/diagram_camera.h"
+#include "diagram/diagram_selection.h"
+#include "diagram/diagram_site.h"
+#include "diagram/diagram_walk.h"
+#include "diagram/entities.h"
+#include "diagram/join_line.h"
 #include "diagram/join_properties.h"
 #include "diagram/relationships.h"
 
@@ -46,14 +50,15 @@ bool DiagramAccess::Contains(const AccessibleId& id) const {
   if (id.IsControl()) return true;
   if (const Ref<qbEntity> entity = EntityIn(id)) {
     const Ref<qbEntityList>& box = entity->EntityBox();
-    return box && pane_.boxes_.contains(box.get()) && (!id.part || box->PositionOf(RowIn(id)) != 0);
+    return box && scene_.HasBox(*box) && (!id.part || box->PositionOf(RowIn(id)) != 0);
   }
   const Ref<qbRelationship> join = JoinIn(id);
-  return join && join->Line() && pane_.boxes_.contains(join->Line()->SourceBox().get());
+  const Ref<qbEntityList> source = join && join->Line() ? join->Line()->SourceBox() : nullptr;
+  return source && scene_.HasBox(*source);
 }
 
 std::size_t DiagramAccess::ChildCount(const AccessibleId& id) const {
-  if (id.IsControl()) return static_cast<std::size_t>(pane_.entities_->Count()) + pane_.lines_.Count();
+  if (id.IsControl()) return static_cast<std::size_t>(entities_.Count()) + scene_.Lines().Count();
   const Ref<qbEntity> entity = EntityIn(id);
   return entity && !id.part && Contains(id) ? entity->EntityBox()->Rows().Count() : 0;
 }
@@ -61,9 +66,9 @@ std::size_t DiagramAccess::ChildCount(const AccessibleId& id) const {
 AccessibleId DiagramAccess::ChildAt(const AccessibleId& id, std::size_t index) const {
   if (index >= ChildCount(id)) return {};
   if (!id.IsControl()) return {id.object, EntityIn(id)->EntityBox()->Rows().At(index + 1)};
-  const auto boxes = static_cast<std::size_t>(pane_.entities_->Count());
-  if (index < boxes) return {pane_.entities_->Item(static_cast<std::int32_t>(index) + 1), nullptr};
-  return {pane_.lines_.At(index - boxes + 1)->Relationship(), nullptr};
+  const auto boxes = static_cast<std::size_t>(entities_.Count());
+  if (index < boxes) return {entities_.Item(static_cast<std::int32_t>(index) + 1), nullptr};
+  return {scene_.Lines().At(index - boxes + 1)->Relationship(), nullptr};
 }
 
 AccessibleId DiagramAccess::ParentOf(const AccessibleId& id) const {
@@ -74,18 +79,17 @@ std::optional<std::size_t> DiagramAccess::IndexOf(const AccessibleId& id) const 
   if (id.IsControl() || !Contains(id)) return std::nullopt;
   if (id.part) return RowIn(id)->Index() - 1;
   if (const Ref<qbEntity> entity = EntityIn(id)) return static_cast<std::size_t>(entity->Index()) - 1;
-  const qbDiagramPane::LineMark line = pane_.loadedLines_.at(JoinIn(id)->Line().get()).inAll;
-  return static_cast<std::size_t>(pane_.entities_->Count()) + pane_.lines_.PositionOf(line) - 1;
+  return static_cast<std::size_t>(entities_.Count()) + scene_.PositionOf(*JoinIn(id)->Line()) - 1;
 }
 
 AccessibleId DiagramAccess::Current() const {
-  const Ref<qbEntity> entity = pane_.SelectedEntity();
-  if (!entity || !entity->EntityBox()) return {pane_.selected_, nullptr};
+  const Ref<qbEntity> entity = selection_.Entity();
+  if (!entity || !entity->EntityBox()) return {selection_.Selected(), nullptr};
   return {entity, entity->EntityBox()->Rows().At(entity->EntityBox()->SelectedRow())};
 }
 
 AccessibleId DiagramAccess::ObjectAt(PixelPoint point) const {
-  const qbDiagramPane::PaneHit hit = pane_.HitTest(point);
+  const DiagramHit hit = camera_.HitTest(point);
   if (hit.line) return {hit.line->Relationship(), nullptr};
   if (!hit.box) return {};
   return {hit.box->Entity(), hit.box->Rows().At(hit.part.row)};
@@ -105,14 +109,14 @@ AccessibleInfo DiagramAccess::Describe(const AccessibleId& id) const {
 }
 
 bool DiagramAccess::IsSeen(const PixelRect& onPane) const {
-  const PixelSize view = pane_.GetSurface().ViewSize();
+  const PixelSize view = site_.GetSurface().ViewSize();
   return onPane.Overlaps({{}, {}, view.width, view.height});
 }
 
 AccessibleInfo DiagramAccess::DescribePane() const {
-  const PixelSize view = pane_.GetSurface().ViewSize();
+  const PixelSize view = site_.GetSurface().ViewSize();
   AccessibleInfo info{AccessibleRole::Pane, "Diagram", {}, {}, {AccessibleAction::ShowMenu}, {}};
-  if (pane_.entities_->Count() == 0) info.description = "Empty. Press F7 to add tables.";
+  if (entities_.Count() == 0) info.description = "Empty. Press F7 to add tables.";
   info.bounds = {{}, {}, view.width, view.height};
   return info;
 }
@@ -121,24 +125,23 @@ AccessibleInfo DiagramAccess::DescribeBox(const Ref<qbEntity>& entity) const {
   const qbEntityList& box = *entity->EntityBox();
   AccessibleInfo info{AccessibleRole::List, box.Caption(), box.IsView() ? "view" : "table", {}, {}, {}};
   info.state.selectable = true;
-  info.state.selected = pane_.IsSelected(entity);
+  info.state.selected = selection_.Contains(entity);
   info.state.expandable = true;
   info.state.expanded = !box.Minimized();
   info.actions = {AccessibleAction::Focus, AccessibleAction::Press, AccessibleAction::ShowMenu};
-  info.bounds = pane_.PlaceOf(box);
+  info.bounds = camera_.PlaceOf(box);
   return info;
 }
 
 // What the row's pictures show: key, type, join, and what the query does with the column.
 std::string DiagramAccess::FactsOf(const BoxRow& row) const {
-  pane_.UpdateRowMarks();
   std::string facts;
   const auto add = [&facts](const std::string& fact) {
     if (!fact.empty()) facts += (facts.empty() ? "" : ", ") + fact;
   };
   if (row.Bold()) add("primary key");
   add(TypeText(row));
-  if (pane_.joinedRows_.contains(&row)) add("joined");
+  if (scene_.JoinedRows().contains(&row)) add("joined");
   const ColumnNote& note = row.Note();
   add(note.aggregate);
   if (note.sort != 0) {
@@ -153,12 +156,12 @@ AccessibleInfo DiagramAccess::DescribeRow(const qbEntityList& box, const Ref<Box
   AccessibleInfo info{
       AccessibleRole::CheckItem, row->Text() == "*" ? "all columns" : row->Text(), FactsOf(*row), {}, {}, {}};
   info.state.selectable = true;
-  info.state.selected = pane_.IsSelected(box.Entity()) && box.SelectedRow() == row->Index();
+  info.state.selected = selection_.Contains(box.Entity()) && box.SelectedRow() == row->Index();
   info.state.checkable = true;
   info.state.checked = row->Checked();
   info.state.offscreen = box.Minimized() || !box.IsRowVisible(row->Index());
   info.actions = {AccessibleAction::Focus, AccessibleAction::Toggle, AccessibleAction::ShowMenu};
-  info.bounds = pane_.ToPane(pane_.GetSurface().Scale().ToPixels(box.ItemBounds(row->Index())));
+  info.bounds = camera_.ToPane(site_.GetSurface().Scale().ToPixels(box.ItemBounds(row->Index())));
   return info;
 }
 
@@ -171,13 +174,13 @@ AccessibleInfo DiagramAccess::DescribeJoin(const Ref<qbRelationship>& join) cons
   }
   if (join->Line()->JoinsDifferentTypes()) info.description += " The two columns hold different types of data.";
   info.state.selectable = true;
-  info.state.selected = pane_.IsSelected(join);
+  info.state.selected = selection_.Contains(join);
   info.actions = {AccessibleAction::Focus, AccessibleAction::Press, AccessibleAction::ShowMenu};
   PixelRect area;
-  for (const PixelPoint& point : join->Line()->Points(pane_.GetSurface().Scale())) {
+  for (const PixelPoint& point : join->Line()->Points(site_.GetSurface().Scale())) {
     area = area.Union({point.x, point.y, 1_px, 1_px});
   }
-  info.bounds = pane_.ToPane(area);
+  info.bounds = camera_.ToPane(area);
   return info;
 }
 
@@ -193,36 +196,33 @@ bool DiagramAccess::Perform(const AccessibleId& id, AccessibleAction action) {
   }
   if (action == AccessibleAction::Press && id.IsControl()) return false;
   if (action == AccessibleAction::Press && id.part) return Perform(id, AccessibleAction::Toggle);
-  pane_.SelectObject(id.object);
+  selection_.Select(id.object);
   if (entity) {
-    if (!pane_.IsSelected(entity)) return false;  // a listener has decided otherwise
-    const std::size_t row = id.part ? RowIn(id)->Index() : 0;
-    if (row == 0) {
-      entity->EntityBox()->SetSelectedRow(0);
-      pane_.ScrollIntoView(pane_.GetSurface().Scale().ToPixels(entity->EntityBox()->Bounds()));
-    } else {
-      pane_.GoToRow(row);
-    }
-    pane_.RaiseToTop(entity->EntityBox());
+    if (!selection_.Contains(entity)) return false;  // a listener has decided otherwise
+    GoTo(*entity, id.part ? RowIn(id)->Index() : 0);
   }
   if (action == AccessibleAction::Focus) {
-    pane_.GetSurface().SetFocus();
+    site_.GetSurface().SetFocus();
   } else if (action == AccessibleAction::ShowMenu) {
     const std::size_t row = id.part ? RowIn(id)->Index() : 0;
-    pane_.ShowContextMenu(id.object, row, pane_.MenuPlaceOfSelection());
+    ShowContextMenu(targets_, id.object, row, MenuPlaceOfSelection(targets_));
   } else if (entity) {
     entity->EntityBox()->SetMinimized(!entity->EntityBox()->Minimized());
   } else {
-    return pane_.EnterSelected();
+    return walk_.Enter();
   }
   return true;
 }
 
-// --- The pane ---
-
-AccessibleTree* qbDiagramPane::Accessible() {
-  if (!access_) access_ = std::make_unique<DiagramAccess>(*this);
-  return access_.get();
+void DiagramAccess::GoTo(const qbEntity& entity, std::size_t row) {
+  qbEntityList& box = *entity.EntityBox();
+  if (row == 0) {
+    box.SetSelectedRow(0);
+    camera_.ScrollIntoView(box);
+  } else {
+    walk_.GoToRow(row);
+  }
+  scene_.RaiseToTop(entity.EntityBox());
 }
 
 }  // namespace zrqrybld

@@ -4,15 +4,24 @@
 // its rows. An id's object is the entity or the relationship, its part the row.
 #pragma once
 
-#include "diagram/diagram_pane.h"
+#include "diagram/diagram_menus.h"
+#include "diagram/diagram_scene.h"
 #include "platform/accessible.h"
 
 namespace zrqrybld {
 
+class DiagramWalk;
+
 class DiagramAccess final : public AccessibleTree {
  public:
-  /// `pane` owns this.
-  explicit DiagramAccess(qbDiagramPane& pane) : pane_(pane) {}
+  DiagramAccess(DiagramScene& scene, DiagramWalk& walk, const DiagramMenuTargets& targets)
+      : site_(targets.site),
+        entities_(targets.entities),
+        scene_(scene),
+        selection_(targets.selection),
+        camera_(targets.camera),
+        walk_(walk),
+        targets_(targets) {}
 
   bool Contains(const AccessibleId& id) const override;
   std::size_t ChildCount(const AccessibleId& id) const override;
@@ -31,8 +40,15 @@ class DiagramAccess final : public AccessibleTree {
   AccessibleInfo DescribeJoin(const Ref<qbRelationship>& join) const;
   std::string FactsOf(const BoxRow& row) const;
   bool IsSeen(const PixelRect& onPane) const;
+  void GoTo(const qbEntity& entity, std::size_t row);
 
-  qbDiagramPane& pane_;
+  DiagramSite& site_;
+  qbEntities& entities_;
+  DiagramScene& scene_;
+  DiagramSelection& selection_;
+  DiagramCamera& camera_;
+  DiagramWalk& walk_;
+  const DiagramMenuTargets& targets_;
 };
 
 }  // namespace zrqrybld

@@ -35,6 +35,9 @@ class qbEntities final : public Object, private EntityOwner {
 
   /// How many there are; positions run from 1 to it, in the order of adding.
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.Count()); }
+  /// Walks them in that order, for a range-based loop.
+  CollectionIterator<qbEntities> begin() const { return CollectionIterator(*this); }
+  std::default_sentinel_t end() const { return {}; }
 
   /// The entity at a position from 1 or with this caption, or nothing.
   Ref<qbEntity> Item(const Variant& index) const { return ItemOrNothing(items_, index); }

@@ -24,6 +24,9 @@ class qbEntityItems final : public Object {
 
   /// How many there are; positions run from 1 to it, in the order of the rows.
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.Count()); }
+  /// Walks them in that order, for a range-based loop.
+  CollectionIterator<qbEntityItems> begin() const { return CollectionIterator(*this); }
+  std::default_sentinel_t end() const { return {}; }
 
   /// The first column with this text, or nothing.
   Ref<qbEntityItem> FindByText(std::string_view text, bool caseSensitive = false) const;

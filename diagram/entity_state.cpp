@@ -1,5 +1,6 @@
 #include "diagram/entity_state.h"
 
+#include <algorithm>
 #include <string_view>
 #include <unordered_set>
 
@@ -14,7 +15,7 @@ using Items = std::shared_ptr<const std::vector<ItemState>>;
 Items ItemsOf(const qbEntityItems& items, const Items& before) {
   auto now = std::make_shared<std::vector<ItemState>>();
   now->reserve(static_cast<std::size_t>(items.Count()));
-  for (std::int32_t i = 1; i <= items.Count(); ++i) now->push_back(items.Item(i)->State());
+  for (const Ref<qbEntityItem>& item : items) now->push_back(item->State());
   return before && *before == *now ? before : now;
 }
 
@@ -45,8 +46,7 @@ std::vector<bool> CarriedTicks(const EntityState& before, const std::vector<Item
 
 std::vector<JoinState> JoinsOf(const qbRelationships& relationships) {
   std::vector<JoinState> joins;
-  for (std::int32_t i = 1; i <= relationships.Count(); ++i) {
-    const Ref<qbRelationship> join = relationships.Item(i);
+  for (const Ref<qbRelationship>& join : relationships) {
     const Ref<qbEntity> target = join->Target();
     if (target) joins.push_back({join->Identity(), target->Identity(), join->Facts()});
   }
@@ -65,11 +65,9 @@ bool IsAsBefore(qbEntity& entity, const EntityState& before, bool withTicks) {
   const qbRelationships& joins = *entity.Relationships();
   if (!same || static_cast<std::size_t>(joins.Count()) != before.joins.size()) return false;
   if (withTicks && !HasTicks(box.Rows(), before.ticks)) return false;
-  for (std::size_t i = 0; i < before.joins.size(); ++i) {
-    const Ref<qbRelationship> join = joins.Item(static_cast<std::int32_t>(i) + 1);
-    if (join->Identity() != before.joins[i].identity || join->Facts() != before.joins[i].facts) return false;
-  }
-  return true;
+  return std::ranges::equal(joins, before.joins, [](const Ref<qbRelationship>& join, const JoinState& state) {
+    return join->Identity() == state.identity && join->Facts() == state.facts;
+  });
 }
 
 }  // namespace

@@ -28,6 +28,9 @@ class qbRelationships final : public Object, private RelationshipOwner {
 
   /// How many there are; positions run from 1 to it, in the order of adding.
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.Count()); }
+  /// Walks them in that order, for a range-based loop.
+  CollectionIterator<qbRelationships> begin() const { return CollectionIterator(*this); }
+  std::default_sentinel_t end() const { return {}; }
 
   /// Whether a join between column `index1` of `entity1` and column `index2` of `entity2` is in the
   /// diagram, whichever way round it was drawn and whichever collection is asked.

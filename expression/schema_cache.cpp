@@ -39,20 +39,17 @@ constexpr std::int32_t kGroupingChoice = 2;  // of a function's flags: only the 
 Vocabulary ReadVocabulary(const QueryContext& context) {
   Vocabulary words;
   const auto syntaxOf = [](const auto& entry) { return entry.Syntax().empty() ? entry.Name() : entry.Syntax(); };
-  for (std::size_t i = 1; i <= static_cast<std::size_t>(context.DBFunctions()->Count()); ++i) {
-    const qbDBFunction& entry = context.DBFunctions()->At(i);
-    if ((entry.Flags() & kGroupingChoice) != 0) continue;
-    auto& list = entry.Name().starts_with('?') ? words.parameters : words.functions;
-    list.push_back({entry.Name(), syntaxOf(entry), entry.Description(), (entry.Flags() & 1) != 0, false});
+  for (const Ref<qbDBFunction>& entry : *context.DBFunctions()) {
+    if ((entry->Flags() & kGroupingChoice) != 0) continue;
+    auto& list = entry->Name().starts_with('?') ? words.parameters : words.functions;
+    list.push_back({entry->Name(), syntaxOf(*entry), entry->Description(), (entry->Flags() & 1) != 0, false});
   }
-  for (std::size_t i = 1; i <= static_cast<std::size_t>(context.DBOperators()->Count()); ++i) {
-    const qbDBOperator& entry = context.DBOperators()->At(i);
-    const bool condition = (entry.Flags() & (SQLOperatorComparison | SQLOperatorLogical)) != 0;
-    words.operators.push_back({entry.Name(), syntaxOf(entry), entry.Description(), false, condition});
+  for (const Ref<qbDBOperator>& entry : *context.DBOperators()) {
+    const bool condition = (entry->Flags() & (SQLOperatorComparison | SQLOperatorLogical)) != 0;
+    words.operators.push_back({entry->Name(), syntaxOf(*entry), entry->Description(), false, condition});
   }
-  for (std::size_t i = 1; i <= static_cast<std::size_t>(context.DBKeywords()->Count()); ++i) {
-    const qbDBKeyword& entry = context.DBKeywords()->At(i);
-    words.keywords.push_back({entry.Name(), entry.Name(), entry.Description(), false, false});
+  for (const Ref<qbDBKeyword>& entry : *context.DBKeywords()) {
+    words.keywords.push_back({entry->Name(), entry->Name(), entry->Description(), false, false});
   }
   words.fullJoin = context.HasFullJoin();
   return words;
@@ -198,8 +195,7 @@ void SchemaCache::TakeQueryTables() {
   const Ref<qbEntities> entities = context_.Entities();
   if (!entities) return;
   const NameRules rules = CurrentNameRules(context_);
-  for (std::int32_t i = 1; i <= entities->Count(); ++i) {
-    const Ref<qbEntity> entity = entities->Item(i);
+  for (const Ref<qbEntity>& entity : *entities) {
     const bool ownName = entity->Caption() == entity->TagVariant().Text();
     const SqlText qualifier = ownName ? RenderQualified(WrittenName(*entity, rules), rules)
                                       : QuoteWhenNeeded(Identifier(entity->Caption()), rules);
@@ -215,13 +211,12 @@ SchemaCache::TakenEntity& SchemaCache::Taken(const Ref<qbEntity>& entity) {
   taken.facts.name = SourceName(*entity, CurrentNameRules(context_)).back().Name();
   if (taken.facts.name.empty()) taken.facts.name = entity->Caption();
   taken.facts.folded = FoldCase(taken.facts.name);
-  for (std::int32_t i = 1; i <= count; ++i) {
-    const qbEntityItem& item = *entity->Items()->Item(i);
-    if (item.Text() == "*") continue;
-    const Variant* type = item.Properties()->Find("data_type");
-    const Variant* isLong = item.Properties()->Find("is_long");
+  for (const Ref<qbEntityItem>& item : *entity->Items()) {
+    if (item->Text() == "*") continue;
+    const Variant* type = item->Properties()->Find("data_type");
+    const Variant* isLong = item->Properties()->Find("is_long");
     taken.facts.columns.push_back(
-        MakeColumn(item.Text(), type ? TypeName(*type, isLong && isLong->ToBoolean()) : std::string()));
+        MakeColumn(item->Text(), type ? TypeName(*type, isLong && isLong->ToBoolean()) : std::string()));
   }
   return taken;
 }

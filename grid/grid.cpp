@@ -94,7 +94,7 @@ GridLayout zrGrid::Layout() const {
   }
   GridLayout layout(widths, Pixels(std::ceil((line + kHeaderAir).Value())), Pixels(std::ceil((line + kRowAir).Value())),
                     kRowHeaderWidth, static_cast<std::size_t>(rows_->Count()));
-  layout.SetOffset({Pixels(horizontal_.value), Pixels(vertical_.value)});
+  layout.SetOffset(scroller_.Offset());
   return layout;
 }
 
@@ -292,15 +292,11 @@ void zrGrid::UpdateScrollBars() {
   const GridLayout layout = Layout();
   const PixelSize view = GetSurface().ViewSize();
   const PixelSize content = layout.ContentSize();
-  const auto update = [&](Orientation orientation, ScrollState& bar, Pixels visible, Pixels whole, Pixels step) {
-    bar.page = std::max(0, static_cast<int>(visible.Value()));
-    bar.step = static_cast<int>(step.Value());
-    bar.maximum = std::max(0, static_cast<int>(std::ceil((whole - visible).Value())));
-    bar.value = std::clamp(bar.value, 0, bar.maximum);
-    GetSurface().SetScrollBar(orientation, bar);
+  const auto update = [&](Orientation orientation, Pixels visible, Pixels whole) {
+    scroller_.SetRange(GetSurface(), orientation, visible, whole, static_cast<int>(layout.RowHeight().Value()));
   };
-  update(Orientation::Horizontal, horizontal_, view.width - layout.RowHeaderWidth(), content.width, layout.RowHeight());
-  update(Orientation::Vertical, vertical_, view.height - layout.HeaderHeight(), content.height, layout.RowHeight());
+  update(Orientation::Horizontal, view.width - layout.RowHeaderWidth(), content.width);
+  update(Orientation::Vertical, view.height - layout.HeaderHeight(), content.height);
 }
 
 void zrGrid::OnResize() {
@@ -310,10 +306,7 @@ void zrGrid::OnResize() {
 }
 
 void zrGrid::OnScroll(Orientation orientation, int value) {
-  ScrollState& bar = orientation == Orientation::Horizontal ? horizontal_ : vertical_;
-  const int clamped = std::clamp(value, 0, bar.maximum);
-  if (clamped == bar.value) return;
-  bar.value = clamped;
+  if (!scroller_.ScrollTo(orientation, value)) return;
   PlaceEditor();
   Redraw();
 }

@@ -22,6 +22,8 @@
 #include "grid/simple_combo.h"
 #include "platform/control.h"
 #include "platform/property_store.h"
+#include "platform/scroller.h"
+#include "platform/text_drop.h"
 
 namespace zrqrybld {
 
@@ -308,10 +310,9 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   std::size_t currentColumn_ = 0;
   WeakRef<Object> current_;  // the current row: it stays current when rows before it come and go
   RowRange selection_;
-  std::size_t anchor_ = 0;              // the row from which the selection is extended
-  std::size_t dropRow_ = 0;             // where a drop would insert: before this row; 0 while nothing is dragged over
-  std::optional<std::string> dragged_;  // what is dragged over the grid, and where it was last
-  PixelPoint dragPlace_{};
+  std::size_t anchor_ = 0;   // the row from which the selection is extended
+  std::size_t dropRow_ = 0;  // where a drop would insert: before this row; 0 while nothing is dragged over
+  TextDrop drop_{OLEDragOver, OLEDragDrop};
   std::size_t hoverHeader_ = 0;  // the column whose header is under the pointer
   Gesture gesture_;
   std::optional<EditSession> edit_;
@@ -323,8 +324,7 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   std::unique_ptr<CellSuggestions> suggestions_;  // of the edit, when there are any
   // What the checked header of a column shows, as counted last; nothing when a cell has changed since.
   mutable std::optional<std::pair<std::size_t, CheckState>> headerState_;
-  ScrollState horizontal_;
-  ScrollState vertical_;
+  Scroller scroller_;
   std::unique_ptr<AccessibleTree> access_;  // made when it is asked for
 };
 

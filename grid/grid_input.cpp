@@ -108,7 +108,8 @@ bool zrGrid::JumpKey(const KeyEvent& event) {
   }
   const auto count = static_cast<std::size_t>(rows_->Count());
   if (count == 0 || columns_->Count() == 0 || currentRow_ == 0) return false;
-  const auto page = static_cast<std::size_t>(std::max(1, vertical_.page / std::max(1, vertical_.step) - 1));
+  const ScrollState& bar = scroller_.Bar(Orientation::Vertical);
+  const auto page = static_cast<std::size_t>(std::max(1, bar.page / std::max(1, bar.step) - 1));
   const std::size_t first = NextShownColumn(0, 1);
   const std::size_t last = NextShownColumn(static_cast<std::size_t>(columns_->Count()) + 1, -1);
   switch (event.keyCode) {

@@ -115,8 +115,8 @@ void zrGrid::DragRows(MovingRows& moving, PixelPoint to) {
   // Near the edges the rows scroll along.
   const GridLayout layout = Layout();
   const PixelSize view = GetSurface().ViewSize();
-  if (to.y < layout.HeaderHeight()) OnScroll(Orientation::Vertical, vertical_.value - vertical_.step);
-  if (to.y > view.height) OnScroll(Orientation::Vertical, vertical_.value + vertical_.step);
+  const int step = scroller_.Bar(Orientation::Vertical).step;
+  if (scroller_.ScrollTowards(Orientation::Vertical, to.y, layout.HeaderHeight(), view.height, step)) PlaceEditor();
   UpdateScrollBars();
   dropRow_ = DropRowAt(Layout(), to, static_cast<std::size_t>(rows_->Count()));
   GetSurface().SetCursor(Cursor::Move);
@@ -214,40 +214,33 @@ void zrGrid::OnWheel(const WheelEvent& event) {
   const bool sideways = (event.shift & ShiftShift) != 0;
   const double x = sideways ? event.linesX + event.linesY : event.linesX;
   const double y = sideways ? 0 : event.linesY;
-  OnScroll(Orientation::Horizontal, horizontal_.value + static_cast<int>(std::round(x * horizontal_.step)));
-  OnScroll(Orientation::Vertical, vertical_.value + static_cast<int>(std::round(y * vertical_.step)));
+  const auto scroll = [this](Orientation orientation, double lines) {
+    const ScrollState& bar = scroller_.Bar(orientation);
+    OnScroll(orientation, bar.value + static_cast<int>(std::round(lines * bar.step)));
+  };
+  scroll(Orientation::Horizontal, x);
+  scroll(Orientation::Vertical, y);
   UpdateScrollBars();
 }
 
 bool zrGrid::OnDragOver(const std::string& text, const MouseEvent& event) {
-  std::int32_t effect = 0;
-  const DragOverStateEnum state = dragged_ ? DragOver : DragEnter;
-  dragged_ = text;
-  dragPlace_ = event.position;
-  OLEDragOver.Raise(text, effect, event.button, event.shift, static_cast<float>(event.position.x.Value()),
-                    static_cast<float>(event.position.y.Value()), state);
-  dropRow_ = effect != 0 ? Layout().HitTest({1_px, event.position.y}).row : 0;
+  const bool takes = drop_.Over(text, event, 0);
+  dropRow_ = takes ? Layout().HitTest({1_px, event.position.y}).row : 0;
   Redraw();
-  return effect != 0;
+  return takes;
 }
 
 void zrGrid::OnDragLeave() {
   dropRow_ = 0;
   Redraw();
-  const std::optional<std::string> text = std::exchange(dragged_, std::nullopt);
-  if (!text) return;
-  std::int32_t effect = 0;
-  OLEDragOver.Raise(*text, effect, ButtonNone, ShiftNone, static_cast<float>(dragPlace_.x.Value()),
-                    static_cast<float>(dragPlace_.y.Value()), DragLeave);
+  drop_.Leave(true);
 }
 
 void zrGrid::OnDrop(const std::string& text, const MouseEvent& event) {
-  dragged_.reset();
+  drop_.Leave(false);
   OnDragLeave();
   CommitEdit();
-  std::int32_t effect = 1;
-  OLEDragDrop.Raise(text, effect, event.button, event.shift, static_cast<float>(event.position.x.Value()),
-                    static_cast<float>(event.position.y.Value()));
+  drop_.Drop(text, event);
 }
 
 // Text that does not fit its cell is shown whole; what is wrong with it comes first.

@@ -12,8 +12,7 @@ namespace {
 
 template <class Field>
 Ref<qbDBFunction> FirstWith(const qbDBFunctions& functions, std::string_view text, Field field) {
-  for (std::int32_t i = 1; i <= functions.Count(); ++i) {
-    const Ref<qbDBFunction> function = functions.Item(i);
+  for (const Ref<qbDBFunction>& function : functions) {
     if (EqualsNoCase(((*function).*field)(), text)) return function;
   }
   return nullptr;

@@ -33,6 +33,9 @@ class Catalog : public Object {
   }
   /// How many there are; positions run from 1 to it.
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.Count()); }
+  /// Walks them in that order, for a range-based loop.
+  CollectionIterator<Catalog> begin() const { return CollectionIterator(*this); }
+  std::default_sentinel_t end() const { return {}; }
 
   /// The entry at a position from 1 or with this name. Error 9 when there is none.
   Ref<Entry> Item(const Variant& index) const { return *items_.At(RequirePosition(items_, index)); }
@@ -266,6 +269,9 @@ class StringCollection final : public Object {
   }
   /// How many texts there are; positions run from 1 to it.
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.Count()); }
+  /// Walks them in that order, for a range-based loop.
+  CollectionIterator<StringCollection> begin() const { return CollectionIterator(*this); }
+  std::default_sentinel_t end() const { return {}; }
   /// The text at a position from 1. Error 9 when there is none.
   const std::string& Item(const Variant& index) const { return *items_.At(RequirePosition(items_, index)); }
   /// Removes the text at a position from 1. Error 9 when there is none.

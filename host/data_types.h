@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "base/collection.h"
 #include "base/object.h"
 #include "base/variant.h"
 
@@ -41,6 +42,9 @@ class qbDataTypes final : public Object {
   void Clear() { items_.clear(); }
   /// How many there are; positions run from 1 to it.
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.size()); }
+  /// Walks them in that order, for a range-based loop.
+  CollectionIterator<qbDataTypes> begin() const { return CollectionIterator(*this); }
+  std::default_sentinel_t end() const { return {}; }
 
   /// The first type with this code, or nothing.
   Ref<qbDataType> FindByIndicator(std::int32_t indicator) const;

@@ -49,6 +49,9 @@ class qbProperties final : public Object {
   void Clear() { items_.Clear(); }
   /// How many there are; positions run from 1 to it.
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.Count()); }
+  /// Walks them in that order, for a range-based loop.
+  CollectionIterator<qbProperties> begin() const { return CollectionIterator(*this); }
+  std::default_sentinel_t end() const { return {}; }
 
   /// Whether the key is in use, in any letter case.
   bool Exists(std::string_view key) const { return items_.Find(key) != nullptr; }

@@ -24,10 +24,9 @@ std::shared_ptr<const WordSet> QueryContext::ReservedWords() const {
   const std::uint64_t revision = keywords_->Revision() + functions_->Revision();
   if (reservedWords_ && reservedWordsRevision_ == revision) return reservedWords_;
   auto words = std::make_shared<WordSet>(sourceWords_);
-  for (std::int32_t i = 1; i <= keywords_->Count(); ++i) words->insert(keywords_->Item(i)->Name());
-  for (std::int32_t i = 1; i <= functions_->Count(); ++i) {
-    const qbDBFunction& function = *functions_->Item(i);
-    if (function.IsReserved()) words->insert(function.Name());
+  for (const auto& keyword : *keywords_) words->insert(keyword->Name());
+  for (const auto& function : *functions_) {
+    if (function->IsReserved()) words->insert(function->Name());
   }
   reservedWords_ = std::move(words);
   reservedWordsRevision_ = revision;

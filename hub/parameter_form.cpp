@@ -42,7 +42,7 @@ class ParameterForm {
 ParameterForm::ParameterForm(qbQueryBuilder& hub, std::string_view sql)
     : hub_(hub), sql_(sql), rules_(LiteralRulesOf(hub)) {
   const Ref<qbParameters> parameters = ScanParameters(sql, hub.Hub()).parameters;
-  for (std::int32_t i = 1; i <= parameters->Count(); ++i) AddMarker(*parameters->Item(i));
+  for (const Ref<qbParameter>& parameter : *parameters) AddMarker(*parameter);
 }
 
 void ParameterForm::AddMarker(const qbParameter& parameter) {

@@ -12,6 +12,7 @@
 #include <unordered_map>
 
 #include "diagram/diagram_pane.h"
+#include "diagram/entities.h"
 #include "expression/schema_cache.h"
 #include "grid/grid_pane.h"
 #include "host/query_context.h"

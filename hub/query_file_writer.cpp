@@ -25,8 +25,8 @@ void AppendOnOneLine(std::string& text, std::string_view value) {
 
 void ForEachEntity(qbQueryBuilder& hub, const std::function<void(const Ref<qbEntity>&)>& write) {
   const Ref<qbEntities> entities = hub.Entities();
-  // A listener of the progress may take entities away meanwhile.
-  for (std::int32_t i = 1; entities && i <= entities->Count(); ++i) write(entities->Item(i));
+  if (!entities) return;
+  for (const Ref<qbEntity>& entity : *entities) write(entity);  // a listener of the progress may take some away
 }
 
 }  // namespace
@@ -46,13 +46,11 @@ std::string QueryFileWriter::Write() {
   if (hub_.SaveLoadEntityItems()) {
     ForEachEntity(hub_, [this](const Ref<qbEntity>& entity) {
       const std::string caption = entity->Caption();
-      for (std::int32_t i = 1; i <= entity->Items()->Count(); ++i) WriteItem(caption, entity->Items()->Item(i));
+      for (const Ref<qbEntityItem>& item : *entity->Items()) WriteItem(caption, item);
     });
   }
   ForEachEntity(hub_, [this](const Ref<qbEntity>& entity) {
-    for (std::int32_t i = 1; i <= entity->Relationships()->Count(); ++i) {
-      WriteRelationship(entity->Relationships()->Item(i));
-    }
+    for (const Ref<qbRelationship>& join : *entity->Relationships()) WriteRelationship(join);
   });
   WriteGridOptions();
   WriteGrid();
@@ -106,9 +104,9 @@ void QueryFileWriter::Line(std::string_view key, std::string_view value) {
 void QueryFileWriter::Number(std::string_view key, double value) { Line(key, NumberText(value)); }
 
 void QueryFileWriter::WriteProperties(const qbProperties& properties) {
-  for (std::int32_t i = 1; i <= properties.Count(); ++i) {
-    const Ref<qbProperty> property = properties.Item(i);
-    const std::string name = "Property" + std::to_string(i);
+  int number = 0;
+  for (const Ref<qbProperty>& property : properties) {
+    const std::string name = "Property" + std::to_string(++number);
     Line(name + "Key", property->Key());
     Line(name + "Value", property->Value().Text());
   }

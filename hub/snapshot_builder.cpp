@@ -16,13 +16,12 @@ using TablePositions = std::unordered_map<std::string_view, std::size_t>;  // by
 
 void TakeTables(QuerySnapshot& snapshot, TablePositions& positions, const qbEntities& entities) {
   snapshot.tables.reserve(static_cast<std::size_t>(entities.Count()));
-  for (std::int32_t i = 1; i <= entities.Count(); ++i) {
-    const qbEntity& entity = *entities.Item(i);
+  for (const Ref<qbEntity>& entity : entities) {
     SnapshotTable table;
-    table.caption = Identifier(entity.Caption());
-    table.name = WrittenName(entity, snapshot.names);
-    table.aliased = entity.Caption() != entity.TagVariant().Text();
-    positions.emplace(entity.Caption(), snapshot.tables.size());
+    table.caption = Identifier(entity->Caption());
+    table.name = WrittenName(*entity, snapshot.names);
+    table.aliased = entity->Caption() != entity->TagVariant().Text();
+    positions.emplace(entity->Caption(), snapshot.tables.size());
     snapshot.tables.push_back(std::move(table));
   }
 }
@@ -33,15 +32,15 @@ std::optional<Identifier> ColumnOf(const Ref<qbEntityItem>& item) {
 }
 
 void TakeJoins(QuerySnapshot& snapshot, const TablePositions& positions, const qbEntities& entities) {
-  for (std::int32_t i = 1; i <= entities.Count(); ++i) {
-    const qbRelationships& joins = *entities.Item(i)->Relationships();
-    for (std::int32_t j = 1; j <= joins.Count(); ++j) {
-      const qbRelationship& join = *joins.Item(j);
-      const Ref<qbEntity> target = join.Target();
+  std::size_t source = 0;
+  for (const Ref<qbEntity>& entity : entities) {
+    for (const Ref<qbRelationship>& join : *entity->Relationships()) {
+      const Ref<qbEntity> target = join->Target();
       if (!target || !target->EntityBox()) continue;
-      snapshot.joins.push_back({static_cast<std::size_t>(i - 1), positions.at(target->Caption()),
-                                ColumnOf(join.SourceItem()), ColumnOf(join.TargetItem()), join.Kind()});
+      snapshot.joins.push_back({source, positions.at(target->Caption()), ColumnOf(join->SourceItem()),
+                                ColumnOf(join->TargetItem()), join->Kind()});
     }
+    ++source;
   }
 }
 

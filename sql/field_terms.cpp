@@ -49,14 +49,13 @@ const FieldTerms::Aggregates& FieldTerms::KnownAggregates() const {
   if (aggregates_) return *aggregates_;
   aggregates_.emplace();
   constexpr std::int32_t kChoice = 1;
-  for (std::int32_t i = 1; i <= functions_.Count(); ++i) {
-    const qbDBFunction& function = *functions_.Item(i);
-    if ((function.Flags() & kChoice) == 0 || FindNoCase(function.Syntax(), kField) == std::string::npos) continue;
+  for (const Ref<qbDBFunction>& function : functions_) {
+    if ((function->Flags() & kChoice) == 0 || FindNoCase(function->Syntax(), kField) == std::string::npos) continue;
     try {
       SyntaxArena arena(512);
-      const Expression* syntax = ParseExpressionText(function.Syntax(), arena);
+      const Expression* syntax = ParseExpressionText(function->Syntax(), arena);
       aggregates_->try_emplace(KeyOf(*syntax, OnlyOperand(*syntax)),
-                               Aggregate{function.DisplayText(), function.Syntax()});
+                               Aggregate{function->DisplayText(), function->Syntax()});
     } catch (const SyntaxError&) {
       // A function of the application's that is no SQL as we know it is recognised in no statement.
     }

@@ -269,8 +269,9 @@ SnapshotType TypeOfParameter(std::string_view dataType, const qbDataTypes& types
   const auto take = [](const qbDataType& type) {
     return SnapshotType{type.Indicator, type.IsLong, type.PrefixLetters, type.SuffixLetters};
   };
-  for (std::int32_t i = 1; !name.empty() && i <= types.Count(); ++i) {
-    if (EqualsNoCase(types.Item(i)->Name, name)) return take(*types.Item(i));
+  if (name.empty()) return {};
+  for (const Ref<qbDataType>& type : types) {
+    if (EqualsNoCase(type->Name, name)) return take(*type);
   }
   std::int32_t code = CodeOf(name);
   if (code == 0) code = CodeOf(name.substr(0, name.find_first_of("( ")));

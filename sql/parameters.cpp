@@ -66,6 +66,14 @@ std::string PutInAtOnce(const std::string& text, const std::vector<std::string>&
   return result.append(text, done);
 }
 
+// The first type with this name, in any letter case; nothing when there is none.
+Ref<qbDataType> TypeNamed(const qbDataTypes& types, std::string_view name) {
+  for (const Ref<qbDataType>& type : types) {
+    if (EqualsNoCase(type->Name, name)) return type;
+  }
+  return nullptr;
+}
+
 }  // namespace
 
 // --- Parameters ---
@@ -73,12 +81,11 @@ std::string PutInAtOnce(const std::string& text, const std::vector<std::string>&
 std::string qbParameter::FormatPrompt() const {
   std::string_view text = Prompt;
   const Ref<QueryContext> context = context_.lock();
-  const std::int32_t quotes = context ? context->QuotedIdentifiers()->Count() : 0;
+  const Ref<StringCollection> quotes = context ? context->QuotedIdentifiers() : std::make_shared<StringCollection>();
   if (!text.empty() && IsQuote(text.front())) {
     text.remove_prefix(1);
   } else {
-    for (std::int32_t i = 1; i <= quotes; ++i) {
-      const std::string quote = context->QuotedIdentifiers()->Item(i);
+    for (const std::string& quote : *quotes) {
       if (!quote.empty() && text.starts_with(quote)) text.remove_prefix(quote.size());
     }
   }
@@ -86,8 +93,7 @@ std::string qbParameter::FormatPrompt() const {
   if (!text.empty() && IsQuote(text.back())) {
     text.remove_suffix(1);
   } else {
-    for (std::int32_t i = 1; i <= quotes; ++i) {
-      const std::string quote = context->QuotedIdentifiers()->Item(i);
+    for (const std::string& quote : *quotes) {
       if (!quote.empty() && text.ends_with(quote)) text.remove_suffix(quote.size());
     }
   }
@@ -109,12 +115,9 @@ void qbParameters::AddFromMarker(std::string_view arguments) {
   if (pieces.size() > 3) {
     parameter->DataType = piece(3);
     const Ref<QueryContext> context = context_.lock();
-    for (std::int32_t i = 1; context && i <= context->DataTypes()->Count(); ++i) {
-      const Ref<qbDataType> type = context->DataTypes()->Item(i);
-      if (!EqualsNoCase(type->Name, parameter->DataType.Text())) continue;
+    if (const Ref<qbDataType> type = context ? TypeNamed(*context->DataTypes(), parameter->DataType.Text()) : nullptr) {
       parameter->QuotePrefix = type->PrefixLetters;
       parameter->QuoteSuffix = type->SuffixLetters;
-      break;
     }
   }
   items_.Insert(parameter, "param:" + std::to_string(items_.Count() + 1));

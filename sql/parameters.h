@@ -57,6 +57,9 @@ class qbParameters final : public Object {
   void Clear() { items_.Clear(); }
   /// How many there are; positions run from 1 to it.
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.Count()); }
+  /// Walks them in that order, for a range-based loop.
+  CollectionIterator<qbParameters> begin() const { return CollectionIterator(*this); }
+  std::default_sentinel_t end() const { return {}; }
   /// The parameter at a position from 1 or under its key. Error 9 when there is none.
   Ref<qbParameter> Item(const Variant& index) const { return *items_.At(RequirePosition(items_, index)); }
   /// Removes a parameter by position or key. Error 9 when there is none.

@@ -19,8 +19,7 @@ std::optional<std::string> Known(const QueryContext& context, std::string_view k
 // A name that holds anything but letters, figures and "_" is quoted without being asked for, so that only texts of
 // these are looked for in each name; those of one character all at once.
 void AddForcingTexts(NameRules& rules, const StringCollection& texts) {
-  for (std::int32_t i = 1; i <= texts.Count(); ++i) {
-    const std::string& text = texts.Item(i);
+  for (const std::string& text : texts) {
     if (!std::ranges::all_of(text, IsWordByte)) continue;
     if (text.size() == 1) {
       rules.invalidTableCharacters += text;

@@ -265,8 +265,7 @@ bool qbSQLPane::ParseSQLStatement(const std::string& sql) {
 std::string qbSQLPane::ParseParameters() {
   const ScannedStatement scanned = ScanParameters(SQLStatement(), context_.lock());
   std::vector<std::string> values;
-  for (std::int32_t i = 1; i <= scanned.parameters->Count(); ++i) {
-    const Ref<qbParameter> parameter = scanned.parameters->Item(i);
+  for (const Ref<qbParameter>& parameter : *scanned.parameters) {
     bool cancel = false;
     ParseParameter.Raise(parameter, cancel);
     if (cancel) return {};

@@ -5,6 +5,7 @@
 #include <map>
 
 #include "base/text.h"
+#include "diagram/join_line.h"
 #include "tests/data_table.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/hands.h"

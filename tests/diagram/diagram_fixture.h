@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "diagram/diagram_pane.h"
+#include "diagram/entities.h"
+#include "diagram/join_line.h"
 #include "diagram/relationships.h"
 #include "platform/headless.h"
 #include "tests/error_of.h"

@@ -1,0 +1,69 @@
+#include "diagram/diagram_pictures.h"
+
+#include <algorithm>
+
+#include "base/error.h"
+#include "base/file.h"
+#include "base/text.h"
+#include "diagram/diagram_camera.h"
+#include "diagram/diagram_painter.h"
+#include "diagram/diagram_properties.h"
+#include "diagram/diagram_site.h"
+#include "host/query_context.h"
+#include "platform/svg_canvas.h"
+
+namespace zrqrybld {
+
+PixelSize DiagramPictures::Size() const {
+  const PixelSize extent = camera_.Extent();
+  constexpr Pixels kSmallest = 64_px;
+  return {std::max(extent.width, kSmallest), std::max(extent.height, kSmallest)};
+}
+
+void DiagramPictures::Paint(Canvas& canvas) const {
+  const PixelSize size = Size();
+  canvas.FillRect({{}, {}, size.width, size.height}, properties_.SurfaceInk());
+  const ViewScope view(canvas, {kSurfaceMargin, kSurfaceMargin}, 1);
+  PaintDiagram(canvas, site_, scene_, {-kSurfaceMargin, -kSurfaceMargin, size.width, size.height}, nullptr);
+}
+
+std::string DiagramPictures::Svg() const {
+  SvgCanvas canvas(Size());
+  Paint(canvas);
+  return canvas.Picture();
+}
+
+Picture DiagramPictures::ToDraw() const {
+  return {Size(), [this](Canvas& canvas) { Paint(canvas); }};
+}
+
+void DiagramPictures::Save(const std::string& path) const {
+  if (!FoldCase(path).ends_with(".svg")) {
+    site_.GetSurface().SavePng(ToDraw(), path);
+    return;
+  }
+  const Ref<QueryContext> context = site_.Context();
+  if (context) {
+    WriteWholeFile(path, Svg(), context->GetToolkit().Files());
+  } else {
+    WriteWholeFile(path, Svg());
+  }
+}
+
+void DiagramPictures::AskToSave() const {
+  const Ref<QueryContext> context = site_.Context();
+  if (!context) return;
+  Dialogs& dialogs = context->GetToolkit().GetDialogs();
+  const std::string path =
+      dialogs.ShowSaveFile({"Save Picture", "diagram", {{"PNG pictures", "png"}, {"SVG pictures", "svg"}}});
+  if (path.empty()) return;
+  try {
+    Save(path);
+  } catch (const Error& error) {
+    dialogs.ShowMessage(error.Description(), MessageIcon::Critical);
+  }
+}
+
+bool DiagramPictures::Copy() const { return site_.GetSurface().CopyPicture(ToDraw()); }
+
+}  // namespace zrqrybld
