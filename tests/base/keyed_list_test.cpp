@@ -2,8 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <random>
+
+#include "base/error.h"
+#include "base/text.h"
 
 namespace zrqrybld {
 namespace {
