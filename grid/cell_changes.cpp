@@ -31,6 +31,7 @@ void qbGridPane::FollowChange(std::int32_t row, std::int32_t column, bool namesF
       if (column == kColumnColumn || cells->ValueAt(kColumnGroupBy).IsBlank()) SetRowGroupBy(*cells);
       EnsureEmptyLastRow();
     }
+    if (column == kColumnGroupBy) TagGrouping(*cells);
     if (namesField || column == kColumnOutput) {
       // A row that names another field gives up the old one; its box stays ticked while another row outputs it.
       const Field left = before_;
@@ -56,18 +57,18 @@ void qbGridPane::RespellField(zrGridRow& row, std::int32_t column) {
   const NameRules rules = CurrentNameRules(*context);
   const Ref<qbEntity> entity = FindTypedTable(*entities, typed.table, rules);
   const Ref<qbEntityItem> item = entity ? FindTypedColumn(*entity, typed.name, rules) : nullptr;
-  const auto set = [&row](const char* cell, const std::string& text) {
-    if (row.Index() != 0) row.SetValue(cell, text);  // a listener may have removed it
+  const auto set = [&row](std::size_t cell, const std::string& text) {
+    if (row.Index() != 0) RowWriter(row).SetText(cell, text);  // a listener may have removed it
   };
   if (item) {
     const std::string name = item->Text();
-    set("table", entity->Caption());
-    set("column", name);
+    set(kColumnTable, entity->Caption());
+    set(kColumnColumn, name);
   } else if (column == kColumnTable) {
-    if (entity) set("table", entity->Caption());
+    if (entity) set(kColumnTable, entity->Caption());
   } else if (const std::optional<FieldName> field = FindQualifiedField(*entities, typed.name, rules)) {
-    set("table", field->table);
-    set("column", field->column);
+    set(kColumnTable, field->table);
+    set(kColumnColumn, field->column);
   }
 }
 
@@ -76,8 +77,8 @@ void qbGridPane::RowsAboutToGo(std::int32_t first, std::int32_t last) {
   const ScopedValue busy(busy_, true);
   for (std::int32_t i = first; i <= last && i <= RowCount(); ++i) {
     const Ref<zrGridRow> row = HoldRow(i);
-    if (row->ValueAt(kColumnOutput) != Variant(true)) continue;
-    row->SetValue("output", false);
+    if (!RowReader(*row).IsOutput()) continue;
+    RowWriter(*row).SetOutput(false);
     const Field field = FieldOf(*row);
     if (!IsOutput(field)) PushToDiagram(field, false);
   }
@@ -168,18 +169,15 @@ void qbGridPane::FillColumnList(zrGridComboItems& list, const zrGridRow& row) co
 
 // "*" can only be counted; any other column is grouped by or goes into one of the aggregates.
 void qbGridPane::FillGroupByList(zrGridComboItems& list, const zrGridRow& row) const {
-  if (Text(row, kColumnColumn) == "*") {
-    list.Add("Count", "COUNT(@field)");
-    return;
-  }
+  const auto add = [&list](const GroupingCell& choice) { list.Add(std::string(choice.text), choice.tag); };
+  if (Text(row, kColumnColumn) == kAllColumns) return add(kCountChoice);
   const Ref<QueryContext> context = context_.lock();
   if (!context) return;
   constexpr std::int32_t kGroupByChoice = 1;
   const qbDBFunctions& functions = *context->DBFunctions();
   for (std::int32_t i = 1; i <= functions.Count(); ++i) {
     const Ref<qbDBFunction> function = functions.Item(i);
-    if ((function->Flags() & kGroupByChoice) == 0) continue;
-    list.Add(function->DisplayText(), function->Syntax().empty() ? function->Name() : function->Syntax());
+    if ((function->Flags() & kGroupByChoice) != 0) add(ChoiceOf(*function));
   }
 }
 

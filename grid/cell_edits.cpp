@@ -15,16 +15,7 @@ namespace zrqrybld {
 namespace {
 
 constexpr std::string_view kNotInList = "You have to select an item in the list.";
-
-// The sort type that a typed text means, by its first letters; none when it means none.
-std::optional<std::string> ReadSortType(std::string_view typed) {
-  const std::string_view text = TrimWhite(typed);
-  if (text.empty()) return std::string();
-  for (const std::string_view type : {"Ascending", "Descending", "Unsorted"}) {
-    if (StartsWithNoCase(type, text)) return std::string(type);
-  }
-  return std::nullopt;
-}
+constexpr SortWord kNoSort{"", SortDirection::None};
 
 }  // namespace
 
@@ -92,27 +83,27 @@ void qbGridPane::ColumnEdited(zrGridRow& row) {
   if (entity && !FindItemExactly(*entity, typed.name) && entity->Items()->Count() > 1) {
     const bool isName = std::ranges::all_of(typed.name, [](char c) { return IsWordByte(c) || c == ' '; });
     if (isName) {
-      row.SetHint("column", typed.table + " has no column \"" + typed.name + "\".");
+      RowWriter(row).SetHint(kColumnColumn, typed.table + " has no column \"" + typed.name + "\".");
     } else {
-      row.SetValue("table", "");  // an expression stands for itself, not for a column of the table
+      RowWriter(row).SetText(kColumnTable, "");  // an expression stands for itself, not for a column of the table
     }
   }
   if (typed.table.empty()) {
     if (const std::optional<FieldName> field = FindOnlyField(*entities, typed.name, rules)) {
-      row.SetValue("table", field->table);
+      RowWriter(row).SetText(kColumnTable, field->table);
     }
   }
   // A column that is named in an empty row is wanted in the result.
-  if (row.ValueAt(kColumnOutput).IsEmpty()) row.SetValue("output", true);
+  if (row.ValueAt(kColumnOutput).IsEmpty()) RowWriter(row).SetOutput(true);
 }
 
 void qbGridPane::TableEdited(zrGridRow& row) {
   const Ref<qbEntities> entities = Entities();
   const std::string typed = Text(row, kColumnTable);
   if (!entities || typed.empty() || entities->FindExactly(typed)) return;
-  row.SetValue("table", "");
+  RowWriter(row).SetText(kColumnTable, "");
   Complain(row, kColumnTable, std::string(kNotInList), MessageIcon::Exclamation);
-  row.SetHint("table", "The diagram has no table \"" + typed + "\".");
+  RowWriter(row).SetHint(kColumnTable, "The diagram has no table \"" + typed + "\".");
 }
 
 // --- Grouping ---
@@ -121,39 +112,25 @@ void qbGridPane::TableEdited(zrGridRow& row) {
 void qbGridPane::GroupByEdited(zrGridRow& row, const std::string& before) {
   const std::string typed(TrimWhite(Text(row, kColumnGroupBy)));
   const ScopedValue busy(busy_, true);
-  if (typed.empty()) {
-    row.SetTagVariant("group_by", "");
-    row.SetValue("group_by", "");
-    return;
-  }
-  const Ref<QueryContext> context = context_.lock();
-  const bool isAll = Text(row, kColumnColumn) == "*";
-  if (isAll && EqualsNoCase(typed, "Count")) {
-    row.SetTagVariant("group_by", "COUNT(@field)");
-    row.SetValue("group_by", "Count");
-    return;
-  }
-  const Ref<qbDBFunction> function = context && !isAll ? context->DBFunctions()->FindGroupBy(typed) : nullptr;
-  if (function) {
-    SetGroupByFunction(row.Index(), *function);
-    return;
-  }
+  const RowWriter writer(row);
+  if (const std::optional<GroupingCell> choice = GroupingChoice(row, typed)) return writer.SetGrouping(*choice);
   // A tag without its text would group by something that is not shown.
-  row.SetValue("group_by", before);
-  row.SetHint("group_by", "\"" + typed + "\" is no grouping of this column.");
+  writer.SetText(kColumnGroupBy, before);
+  writer.SetHint(kColumnGroupBy, "\"" + typed + "\" is no grouping of this column.");
 }
 
 // --- Sorting ---
 
 void qbGridPane::SortTypeEdited(zrGridRow& row, const std::string& before) {
-  const std::optional<std::string> type = ReadSortType(Text(row, kColumnSortType));
+  const std::string cell = Text(row, kColumnSortType);
+  const std::string_view typed = TrimWhite(cell);
+  const SortWord* word = typed.empty() ? &kNoSort : FindTypedSort(typed);
   const ScopedValue busy(busy_, true);
-  row.SetValue("sort_type", type ? *type : before);
-  if (!type) {
-    row.SetHint("sort_type", std::string(kNotInList));
-    return;
-  }
-  if (type->empty() || *type == "Unsorted") {
+  const RowWriter writer(row);
+  writer.SetText(kColumnSortType, word ? word->text : before);
+  if (!word) {
+    writer.SetHint(kColumnSortType, std::string(kNotInList));
+  } else if (word->direction == SortDirection::None) {
     SetSortOrder(row, 0);
   } else if (row.ValueAt(kColumnSortOrder).IsBlank()) {
     SetSortOrder(row, NextSortOrder(row.Index()));
@@ -164,23 +141,30 @@ void qbGridPane::SortTypeEdited(zrGridRow& row, const std::string& before) {
 void qbGridPane::SortOrderEdited(zrGridRow& row, const std::string& before) {
   const std::string typed(TrimWhite(Text(row, kColumnSortOrder)));
   const ScopedValue busy(busy_, true);
+  const RowWriter writer(row);
   if (typed.empty()) {
-    row.SetValue("sort_type", "");
+    writer.SetText(kColumnSortType, "");
     SetSortOrder(row, 0);
     return;
   }
   const std::optional<double> number = ParseNumber(typed);
   if (!number || *number < 1) {
-    row.SetValue("sort_order", before);
-    row.SetHint("sort_order", "\"" + typed + "\" is no place in the sort order.");
+    writer.SetText(kColumnSortOrder, before);
+    writer.SetHint(kColumnSortOrder, "\"" + typed + "\" is no place in the sort order.");
     return;
   }
-  const std::string type = Text(row, kColumnSortType);
-  if (type.empty() || EqualsNoCase(type, "UNSORTED")) row.SetValue("sort_type", "Ascending");
+  if (RowReader(row).Direction() == SortDirection::None) {
+    writer.SetText(kColumnSortType, TextOf(SortDirection::Ascending));
+  }
   SetSortOrder(row, static_cast<std::int32_t>(std::min(*number, static_cast<double>(RowCount()))));
 }
 
 // --- Criteria ---
+
+// What the statement compares the row's criteria with, besides its column.
+std::string qbGridPane::AggregateOf(const QueryContext& context, const zrGridRow& row) const {
+  return RowReader(row).Grouping(showGroupBy_ ? context.DBFunctions().get() : nullptr).syntax;
+}
 
 // How a criterion of the row is read and written.
 CriteriaContext qbGridPane::CriteriaRules(const QueryContext& context, const zrGridRow& row) const {
@@ -194,7 +178,7 @@ CriteriaContext qbGridPane::CriteriaRules(const QueryContext& context, const zrG
   rules.isLong = type.isLong;
   rules.prefix = type.prefix;
   rules.suffix = type.suffix;
-  rules.aggregate = row.TagAt(kColumnGroupBy).Text();
+  rules.aggregate = AggregateOf(context, row);
   rules.quotePrefix = names.quotePrefix;
   if (entities) {
     rules.isColumn = [entities, names](const std::vector<std::string>& parts) {
@@ -211,18 +195,19 @@ void qbGridPane::CriterionEdited(zrGridRow& row, std::int32_t column) {
   if (!context) return;
   const Field field = FieldOf(row);
   CriteriaContext rules = CriteriaRules(*context, row);
-  std::string expression = Text(row, static_cast<std::size_t>(column));
+  const auto cell = static_cast<std::size_t>(column);
+  std::string expression = Text(row, cell);
   bool cancel = false;
   AfterEditExpressionFormat.Raise(row.Index(), column, field.table, field.name, rules.dataType, rules.isLong,
                                   rules.prefix, rules.suffix, expression, cancel);
   if (row.Index() == 0) return;  // a listener has removed it
-  rules.aggregate = row.TagAt(kColumnGroupBy).Text();
+  rules.aggregate = AggregateOf(*context, row);
   const ScopedValue busy(busy_, true);
   try {
     if (!cancel) expression = Trim(FormatCriterion(expression, rules));
-    row.SetValue(column, expression);
+    RowWriter(row).SetText(cell, expression);
   } catch (const Error& error) {
-    row.SetValue(column, expression);  // as it was typed, or as the listener has left it
+    RowWriter(row).SetText(cell, expression);  // as it was typed, or as the listener has left it
     Complain(row, column, error.Description(), MessageIcon::Critical);
   }
 }

@@ -7,7 +7,6 @@
 #include "base/text.h"
 #include "diagram/entities.h"
 #include "grid/field_names.h"
-#include "grid/grid_columns.h"
 #include "grid/grid_pane.h"
 #include "sql/source_rules.h"
 
@@ -42,15 +41,9 @@ std::int32_t qbGridPane::SetFieldOutput(const std::string& fieldName, bool check
 
 // --- The rows of a field ---
 
-bool qbGridPane::IsRowOf(const zrGridRow& row, const Field& field) const {
-  const std::string* rowTable = row.ValueAt(kColumnTable).StringIf();
-  const std::string* rowColumn = row.ValueAt(kColumnColumn).StringIf();
-  return rowTable && rowColumn && *rowTable == field.table && *rowColumn == field.name;
-}
-
 // A row that names another field, or none, from now on. What it named before stays noted until it is looked up.
 void qbGridPane::NoteRow(const zrGridRow& row) {
-  if (IsEmptyRow(row)) emptyFrom_ = std::min(emptyFrom_, row.Index());
+  if (RowReader(row).IsEmpty()) emptyFrom_ = std::min(emptyFrom_, row.Index());
   const std::string* table = row.ValueAt(kColumnTable).StringIf();
   const std::string* column = row.ValueAt(kColumnColumn).StringIf();
   if (table && !table->empty()) NoteTable(row, *table);
@@ -100,7 +93,7 @@ std::vector<Ref<zrGridRow>> qbGridPane::RowsOf(const Field& field) const {
   if (noted == rowsByField_.end()) return rows;
   for (const WeakRef<Object>& entry : noted->second) {
     const auto row = std::static_pointer_cast<zrGridRow>(entry.lock());
-    if (row && row->Index() != 0 && IsRowOf(*row, field)) rows.push_back(row);
+    if (row && row->Index() != 0 && RowReader(*row).Names(field.table, field.name)) rows.push_back(row);
   }
   std::ranges::sort(rows, {}, [](const Ref<zrGridRow>& row) { return row->Index(); });
   rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
@@ -116,7 +109,7 @@ std::vector<Ref<zrGridRow>> qbGridPane::RowsOf(const Field& field) const {
 std::int32_t qbGridPane::TickRows(const Field& field) {
   const std::vector<Ref<zrGridRow>> rows = RowsOf(field);
   if (rows.empty()) return 0;
-  rows.front()->SetValue("output", true);
+  RowWriter(*rows.front()).SetOutput(true);
   return rows.front()->Index();
 }
 
@@ -125,8 +118,8 @@ void qbGridPane::UntickRows(const Field& field) {
   const std::vector<Ref<zrGridRow>> rows = RowsOf(field);
   for (auto row = rows.rbegin(); row != rows.rend(); ++row) {
     if ((*row)->Index() == 0) continue;  // a listener of RowColChange has removed it
-    if (HasContent(**row)) {
-      (*row)->SetValue("output", false);
+    if (RowReader(**row).HasContent(LastColumn())) {
+      RowWriter(**row).SetOutput(false);
     } else {
       grdPane_->Rows()->Remove((*row)->Index());
     }
@@ -135,12 +128,11 @@ void qbGridPane::UntickRows(const Field& field) {
 }
 
 bool qbGridPane::IsOutput(const Field& field) const {
-  return std::ranges::any_of(RowsOf(field),
-                             [](const Ref<zrGridRow>& row) { return row->ValueAt(kColumnOutput) == Variant(true); });
+  return std::ranges::any_of(RowsOf(field), [](const Ref<zrGridRow>& row) { return RowReader(*row).IsOutput(); });
 }
 
 std::int32_t qbGridPane::FirstEmptyRow() {
-  while (emptyFrom_ <= RowCount() && !IsEmptyRow(RowAt(emptyFrom_))) ++emptyFrom_;
+  while (emptyFrom_ <= RowCount() && !RowReader(RowAt(emptyFrom_)).IsEmpty()) ++emptyFrom_;
   return emptyFrom_ <= RowCount() ? emptyFrom_ : 0;
 }
 
@@ -156,10 +148,11 @@ std::int32_t qbGridPane::FillNewRow(const Field& field, std::int32_t before) {
     }
   }
   const Ref<zrGridRow> row = grdPane_->Rows()->Item(position);
-  row->SetMaxLen("alias", AliasMaxLen());
-  row->SetValue("table", field.table);
-  row->SetValue("column", field.name);
-  row->SetValue("output", true);
+  const RowWriter writer(*row);
+  writer.SetAliasMaxLen(AliasMaxLen());
+  writer.SetText(kColumnTable, field.table);
+  writer.SetText(kColumnColumn, field.name);
+  writer.SetOutput(true);
   if (showGroupBy_) SetRowGroupBy(*row);
   EnsureEmptyLastRow();
   return row->Index();
@@ -189,54 +182,33 @@ bool qbGridPane::OutputTicked() {
   return true;
 }
 
-void qbGridPane::AddRows(const std::vector<RowContent>& rows) {
-  const StepScope step(context_.lock(), kStepAddColumns);
+void qbGridPane::AddRows(const std::vector<QueryRow>& rows) {
+  const Ref<QueryContext> context = context_.lock();
+  const StepScope step(context, kStepAddColumns);
   {
     const ScopedValue busy(busy_, true);
     std::optional<RedrawPause> pause(std::in_place, *grdPane_);
     std::int32_t position = FirstEmptyRow();
-    for (const RowContent& content : rows) {
+    for (const QueryRow& content : rows) {
       // Filled rows may stand between the empty ones.
-      while (position != 0 && position <= RowCount() && !IsEmptyRow(RowAt(position))) ++position;
+      while (position != 0 && position <= RowCount() && !RowReader(RowAt(position)).IsEmpty()) ++position;
       if (position == 0 || position > RowCount()) {
         AddEmptyRow();
         position = RowCount();
       }
-      SetCells(*HoldRow(position), content);
+      const Ref<zrGridRow> row = HoldRow(position);
+      const RowWriter writer(*row);
+      writer.SetAliasMaxLen(AliasMaxLen());
+      writer.Write(content, context ? context->DBFunctions().get() : nullptr);
       ++position;
     }
     EnsureEmptyLastRow();
     pause.reset();
-    for (const RowContent& content : rows) {
+    for (const QueryRow& content : rows) {
       if (content.output) PushToDiagram({content.table, content.column}, true);
     }
   }
   ReportChange();
-}
-
-void qbGridPane::SetCells(zrGridRow& row, const RowContent& content) {
-  const auto set = [&row](std::int32_t column, const std::string& text) {
-    if (!text.empty()) row.SetValue(column, text);
-  };
-  row.SetMaxLen("alias", AliasMaxLen());
-  set(kColumnTable, content.table);
-  set(kColumnColumn, content.column);
-  set(kColumnAlias, content.alias);
-  row.SetValue(static_cast<std::int32_t>(kColumnOutput), content.output);
-  set(kColumnSortType, content.sortType);
-  set(kColumnSortOrder, content.sortOrder);
-  if (!content.groupBy.empty()) {
-    const Ref<QueryContext> context = context_.lock();
-    const Ref<qbDBFunction> function = context ? context->DBFunctions()->FindGroupBy(content.groupBy) : nullptr;
-    if (function) {
-      SetGroupByFunction(row.Index(), *function);
-    } else {
-      set(kColumnGroupBy, content.groupBy);
-    }
-  }
-  for (std::size_t i = 0; i < content.criteria.size(); ++i) {
-    set(kColumnCriteria + static_cast<std::int32_t>(i), content.criteria[i]);
-  }
 }
 
 // --- The diagram ---

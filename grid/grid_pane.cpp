@@ -19,8 +19,8 @@ constexpr float kGroupByWidth = 1200;
 constexpr const char* kDateFormat = "dd-mmm-yyyy";
 
 std::int32_t SortOrderOf(const zrGridRow& row) {
-  const std::optional<double> number = ParseNumber(row.ValueAt(kColumnSortOrder).Text());
-  return number && *number >= 1 && *number < 1e6 ? static_cast<std::int32_t>(*number) : 0;
+  const std::optional<double> place = RowReader(row).Place();
+  return place && *place >= 1 && *place < 1e6 ? static_cast<std::int32_t>(*place) : 0;
 }
 
 }  // namespace
@@ -40,10 +40,10 @@ void qbGridPane::CreateColumns() {
     column->SetWidth(row.width);
     column->SetStyle(row.style);
   }
-  for (const char* text : {"Ascending", "Descending", "Unsorted"}) {
-    grdPane_->Columns()->Item("sort_type")->ComboItems()->Add(text);
+  for (const SortWord& word : kSortWords) {
+    grdPane_->Columns()->Item(kColumnSortType)->ComboItems()->Add(std::string(word.text));
   }
-  grdPane_->Columns()->Item("output")->SetDisplayAttribute(kCheckedHeader);
+  grdPane_->Columns()->Item(kColumnOutput)->SetDisplayAttribute(kCheckedHeader);
   grdPane_->SetEmptyText("Tick columns in the diagram, drag them here, or type their names.");
   ApplyShowGroupBy();
   ConnectGrid();
@@ -70,7 +70,7 @@ void qbGridPane::ConnectGrid() {
   listen(grid.AfterDelete, [this](std::int32_t, std::int32_t) { RowsMoved(); });
   listen(grid.AfterMove, [this](std::int32_t, std::int32_t, std::int32_t) { RowsMoved(); });
   listen(grid.AfterInsert, [this](std::int32_t first, std::int32_t last) {
-    for (std::int32_t i = first; i <= last && i <= RowCount(); ++i) RowAt(i).SetMaxLen("alias", AliasMaxLen());
+    for (std::int32_t i = first; i <= last && i <= RowCount(); ++i) RowWriter(RowAt(i)).SetAliasMaxLen(AliasMaxLen());
     EnsureEmptyLastRow();
   });
   listen(grid.RowsShifted, [this](std::int32_t from) { emptyFrom_ = std::min(emptyFrom_, from); });
@@ -182,15 +182,15 @@ void qbGridPane::ApplyGridCaptions() {
 
 void qbGridPane::ApplyAliasMaxLen() {
   const std::int16_t longest = AliasMaxLen();
-  for (std::int32_t row = 1; row <= RowCount(); ++row) RowAt(row).SetMaxLen("alias", longest);
+  for (std::int32_t row = 1; row <= RowCount(); ++row) RowWriter(RowAt(row)).SetAliasMaxLen(longest);
 }
 
-bool qbGridPane::IsLocked(std::string_view key) const {
-  return grdPane_->Columns()->Item(key)->Style() == GridColumnComboList;
+bool qbGridPane::IsLocked(GridColumnIndex column) const {
+  return grdPane_->Columns()->Item(KeyOf(column))->Style() == GridColumnComboList;
 }
 
-void qbGridPane::SetLock(std::string_view key, bool lock) {
-  grdPane_->Columns()->Item(key)->SetStyle(lock ? GridColumnComboList : GridColumnCombo);
+void qbGridPane::SetLock(GridColumnIndex column, bool lock) {
+  grdPane_->Columns()->Item(KeyOf(column))->SetStyle(lock ? GridColumnComboList : GridColumnCombo);
 }
 
 // --- Cells ---
@@ -208,28 +208,13 @@ void qbGridPane::SetValue(const Variant& row, const Variant& column, Variant val
 }
 
 void qbGridPane::SetGroupByFunction(std::int32_t rowIndex, const qbDBFunction& function) {
-  const Ref<zrGridRow> row = HoldRow(rowIndex);
-  const std::string& syntax = function.Syntax();
-  row->SetTagVariant("group_by", syntax.empty() ? function.Name() : syntax);
-  row->SetValue("group_by", function.DisplayText());
+  RowWriter(*HoldRow(rowIndex)).SetGrouping(ChoiceOf(function));
 }
 
-bool qbGridPane::IsEmptyRow(const zrGridRow& row) const {
-  return row.ValueAt(kColumnColumn).IsBlank() && row.ValueAt(kColumnTable).IsBlank();
-}
-
-// Anything to the right of "output" but the grouping.
-bool qbGridPane::HasContent(const zrGridRow& row) const {
-  for (std::size_t column = kColumnOutput + 1; column <= static_cast<std::size_t>(ColumnCount()); ++column) {
-    if (column != kColumnGroupBy && !row.ValueAt(column).IsBlank()) return true;
-  }
-  return false;
-}
-
-void qbGridPane::AddEmptyRow() { grdPane_->Rows()->Add()->SetMaxLen("alias", AliasMaxLen()); }
+void qbGridPane::AddEmptyRow() { RowWriter(*grdPane_->Rows()->Add()).SetAliasMaxLen(AliasMaxLen()); }
 
 void qbGridPane::EnsureEmptyLastRow() {
-  if (RowCount() == 0 || !IsEmptyRow(RowAt(RowCount()))) AddEmptyRow();
+  if (RowCount() == 0 || !RowReader(RowAt(RowCount())).IsEmpty()) AddEmptyRow();
 }
 
 void qbGridPane::ResetRows() {
@@ -255,7 +240,7 @@ std::vector<Ref<zrGridRow>> qbGridPane::SortedRows() const {
   for (const WeakRef<Object>& noted : sortedRows_) {
     const auto row = std::static_pointer_cast<zrGridRow>(noted.lock());
     if (!row || row->Index() == 0) continue;
-    if (!row->ValueAt(kColumnSortType).IsBlank() || !row->ValueAt(kColumnSortOrder).IsBlank()) rows.push_back(row);
+    if (RowReader(*row).HasSort()) rows.push_back(row);
   }
   std::ranges::sort(rows, {}, [](const Ref<zrGridRow>& row) { return row->Index(); });
   rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
@@ -266,8 +251,7 @@ std::vector<Ref<zrGridRow>> qbGridPane::SortedRows() const {
 std::int16_t qbGridPane::NextSortOrder(std::int32_t row) const {
   std::int16_t next = 1;
   for (const Ref<zrGridRow>& sorted : SortedRows()) {
-    const std::string type = Text(*sorted, kColumnSortType);
-    if (sorted->Index() != row && !type.empty() && !EqualsNoCase(type, "UNSORTED")) ++next;
+    if (sorted->Index() != row && RowReader(*sorted).Direction() != SortDirection::None) ++next;
   }
   return next;
 }
@@ -275,12 +259,13 @@ std::int16_t qbGridPane::NextSortOrder(std::int32_t row) const {
 void qbGridPane::SortRow(std::int32_t row, const std::string& type) {
   const Ref<zrGridRow> item = grdPane_->Rows()->Item(row);
   const StepScope step(context_.lock(), kStepSort, Text(*item, kColumnColumn));
-  item->SetValue("sort_type", type);
+  const RowWriter writer(*item);
+  writer.SetText(kColumnSortType, type);
   if (type.empty()) {
-    item->SetValue("sort_order", "");
+    writer.SetSortPlace(0);
     CloseSortGaps();
   } else if (SortOrderOf(*item) == 0) {
-    item->SetValue("sort_order", std::to_string(NextSortOrder(row)));
+    writer.SetSortPlace(NextSortOrder(row));
   }
 }
 
@@ -288,11 +273,7 @@ void qbGridPane::WriteSortOrders(const std::vector<Ref<zrGridRow>>& rows, const 
   const ScopedValue busy(busy_, true);
   for (std::size_t i = 0; i < rows.size(); ++i) {
     if (rows[i]->Index() == 0) continue;  // a listener has removed it
-    if (orders[i] != 0) {
-      rows[i]->SetValue("sort_order", std::to_string(orders[i]));
-    } else if (!rows[i]->ValueAt(kColumnSortOrder).IsBlank()) {
-      rows[i]->SetValue("sort_order", "");
-    }
+    if (orders[i] != 0 || !RowReader(*rows[i]).IsBlank(kColumnSortOrder)) RowWriter(*rows[i]).SetSortPlace(orders[i]);
   }
 }
 
@@ -327,7 +308,7 @@ void qbGridPane::SetShowGroupBy(bool show) {
 }
 
 void qbGridPane::ShowGroupByColumn() {
-  const Ref<zrGridColumn> column = grdPane_->Columns()->Item("group_by");
+  const Ref<zrGridColumn> column = grdPane_->Columns()->Item(KeyOf(kColumnGroupBy));
   if (showGroupBy_) {
     column->SetWidth(groupByWidth_ > 0 ? groupByWidth_ : kGroupByWidth);
   } else {
@@ -346,16 +327,31 @@ void qbGridPane::ApplyShowGroupBy() {
 void qbGridPane::SetRowGroupBy(zrGridRow& row) {
   const std::string column = Text(row, kColumnColumn);
   if (column.empty()) return;
-  const bool all = column == "*";
-  row.SetTagVariant("group_by", showGroupBy_ ? all ? "COUNT" : "GROUP BY" : "");
-  row.SetValue("group_by", showGroupBy_ ? all ? "Count" : "Group By" : "");
+  RowWriter(row).SetGrouping(!showGroupBy_ ? kNoGrouping : column == kAllColumns ? kCountCell : kGroupByCell);
+}
+
+// The choice of the row that a text names; none when it has no such choice.
+std::optional<GroupingCell> qbGridPane::GroupingChoice(const zrGridRow& row, std::string_view text) const {
+  if (text.empty()) return kNoGrouping;
+  const Ref<QueryContext> context = context_.lock();
+  if (Text(row, kColumnColumn) == kAllColumns) {
+    return EqualsNoCase(text, kCountChoice.text) ? std::optional(kCountChoice) : std::nullopt;
+  }
+  const Ref<qbDBFunction> function = context ? context->DBFunctions()->FindGroupBy(text) : nullptr;
+  return function ? std::optional(ChoiceOf(*function)) : std::nullopt;
+}
+
+// Who writes the text of a grouping by program, writes no tag. A text that names no choice leaves the tag to whoever
+// has written both.
+void qbGridPane::TagGrouping(zrGridRow& row) {
+  if (const auto choice = GroupingChoice(row, Text(row, kColumnGroupBy))) RowWriter(row).SetGroupingTag(*choice);
 }
 
 // --- Tables ---
 
 // What stands at its place already stays: a table more is one entry more, a table less one entry less.
 void qbGridPane::RefreshTableList(std::int32_t from) {
-  const Ref<zrGridColumn> column = grdPane_->Columns()->Find("table");
+  const Ref<zrGridColumn> column = grdPane_->Columns()->Find(KeyOf(kColumnTable));
   if (!column) return;
   zrGridComboItems& list = *column->ComboItems();
   const Ref<qbEntities> entities = Entities();
@@ -396,15 +392,15 @@ void qbGridPane::RenameTable(const std::string& before, const std::string& after
   const Ref<qbEntities> entities = Entities();
   for (std::int32_t i = 1; i <= RowCount(); ++i) {
     const Ref<zrGridRow> row = HoldRow(i);
-    if (Text(*row, kColumnTable) == before) row->SetValue("table", after);
+    if (Text(*row, kColumnTable) == before) RowWriter(*row).SetText(kColumnTable, after);
     const auto rewriteCell = [&](std::size_t column) {
       const std::string* text = row->ValueAt(column).StringIf();
       if (row->Index() == 0 || !text || text->empty()) return;  // a listener may have removed the row
-      row->SetValue(static_cast<std::int32_t>(column), rewrite(*text));
+      RowWriter(*row).SetText(column, rewrite(*text));
     };
     const bool isExpression = !entities || !entities->FindExactly(Text(*row, kColumnTable));
     if (isExpression) rewriteCell(kColumnColumn);
-    for (std::size_t column = kColumnCriteria; column <= static_cast<std::size_t>(ColumnCount()); ++column) {
+    for (std::size_t column = kColumnCriteria; column <= LastColumn(); ++column) {
       rewriteCell(column);
     }
   }
@@ -414,7 +410,7 @@ void qbGridPane::RenameColumn(const std::string& tableName, const std::string& b
   {
     const ScopedValue busy(busy_, true);
     for (const Ref<zrGridRow>& row : RowsOf({tableName, before})) {
-      if (row->Index() != 0) row->SetValue("column", after);
+      if (row->Index() != 0) RowWriter(*row).SetText(kColumnColumn, after);
     }
   }
   ReportChange();

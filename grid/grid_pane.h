@@ -15,7 +15,7 @@
 #include "base/event.h"
 #include "base/object.h"
 #include "grid/grid.h"
-#include "grid/grid_columns.h"
+#include "grid/row_cells.h"
 #include "host/date_format.h"
 #include "host/query_context.h"
 #include "platform/menu.h"
@@ -69,11 +69,11 @@ class qbGridPane final : public Object {
   /// Shows a hidden column by position from 1 or key, as wide as it was. Error 9 when there is none.
   void ShowColumn(const Variant& columnIndex) { grdPane_->Columns()->Item(columnIndex)->SetHidden(false); }
   /// Whether only columns of the list can be chosen.
-  bool LockColumns() const { return IsLocked("column"); }
-  void SetLockColumns(bool lock) { SetLock("column", lock); }
+  bool LockColumns() const { return IsLocked(kColumnColumn); }
+  void SetLockColumns(bool lock) { SetLock(kColumnColumn, lock); }
   /// Whether only tables of the list can be chosen.
-  bool LockTables() const { return IsLocked("table"); }
-  void SetLockTables(bool lock) { SetLock("table", lock); }
+  bool LockTables() const { return IsLocked(kColumnTable); }
+  void SetLockTables(bool lock) { SetLock(kColumnTable, lock); }
   /// The hub that the pane is linked to, or nothing.
   Ref<qbQueryBuilder> QueryBuilder() const;
   /// Refills the list of tables and removes the rows of tables that are not in the diagram any more.
@@ -140,22 +140,11 @@ class qbGridPane final : public Object {
     return SetFieldOutput(fieldName, checked, tableName, {});
   }
 
-  /// The cells of a row as a statement says them.
-  struct RowContent {
-    std::string column;
-    std::string alias;
-    std::string table;
-    bool output = false;
-    std::string sortType;
-    std::string sortOrder;
-    std::string groupBy;
-    std::vector<std::string> criteria;  ///< from "criteria" on
-  };
   /// Puts all columns into the grid that are ticked in the diagram and no row outputs. Whether there were any.
   bool OutputTicked();
   /// Puts rows into the empty ones, then behind the last. The cells are taken as they are; what is output is ticked in
   /// its box.
-  void AddRows(const std::vector<RowContent>& rows);
+  void AddRows(const std::vector<QueryRow>& rows);
 
   /// Reads the captions of the columns again.
   void ApplyGridCaptions();
@@ -207,8 +196,8 @@ class qbGridPane final : public Object {
   qbGridPane() = default;
   void CreateColumns();
   void ConnectGrid();
-  bool IsLocked(std::string_view key) const;
-  void SetLock(std::string_view key, bool lock);
+  bool IsLocked(GridColumnIndex column) const;
+  void SetLock(GridColumnIndex column, bool lock);
   void ApplyShowGroupBy();
   void ShowGroupByColumn();
   std::string CaptionOf(std::int32_t column) const;
@@ -218,12 +207,13 @@ class qbGridPane final : public Object {
   // A row that exists. Who changes cells holds it: a listener may take it away.
   zrGridRow& RowAt(std::int32_t row) const { return grdPane_->Rows()->At(static_cast<std::size_t>(row)); }
   Ref<zrGridRow> HoldRow(std::int32_t row) const { return grdPane_->Rows()->Item(row); }
-  static std::string Text(const zrGridRow& row, std::size_t column) { return row.ValueAt(column).Text(); }
-  bool IsEmptyRow(const zrGridRow& row) const;
-  bool HasContent(const zrGridRow& row) const;
+  static std::string Text(const zrGridRow& row, std::size_t column) { return RowReader(row).Text(column); }
+  std::size_t LastColumn() const { return static_cast<std::size_t>(ColumnCount()); }
   void AddEmptyRow();
   void EnsureEmptyLastRow();
   void SetRowGroupBy(zrGridRow& row);
+  void TagGrouping(zrGridRow& row);
+  std::optional<GroupingCell> GroupingChoice(const zrGridRow& row, std::string_view text) const;
   void NoteSorted(const zrGridRow& row);
   std::vector<Ref<zrGridRow>> SortedRows() const;
   void WriteSortOrders(const std::vector<Ref<zrGridRow>>& rows, const std::vector<std::int32_t>& orders);
@@ -232,7 +222,6 @@ class qbGridPane final : public Object {
   // --- Fields in and out (field_output.cpp) ---
 
   Field FieldOf(const zrGridRow& row) const { return {Text(row, kColumnTable), Text(row, kColumnColumn)}; }
-  bool IsRowOf(const zrGridRow& row, const Field& field) const;
   std::vector<Field> TickedFields() const;
   std::vector<Ref<zrGridRow>> RowsOf(const Field& field) const;
   std::vector<Ref<zrGridRow>> RowsOfTable(const std::string& table) const;
@@ -242,7 +231,6 @@ class qbGridPane final : public Object {
   std::int32_t TickRows(const Field& field);
   void UntickRows(const Field& field);
   std::int32_t FillNewRow(const Field& field, std::int32_t before);
-  void SetCells(zrGridRow& row, const RowContent& content);
   void LoadCell(const LoadedCell& cell);
   void TickOutputs();
   void PushToDiagram(const Field& field, bool checked);
@@ -272,6 +260,7 @@ class qbGridPane final : public Object {
   void SortTypeEdited(zrGridRow& row, const std::string& before);
   void SortOrderEdited(zrGridRow& row, const std::string& before);
   void SetSortOrder(zrGridRow& row, std::int32_t order);
+  std::string AggregateOf(const QueryContext& context, const zrGridRow& row) const;
   CriteriaContext CriteriaRules(const QueryContext& context, const zrGridRow& row) const;
   void CriterionEdited(zrGridRow& row, std::int32_t column);
   void Complain(zrGridRow& row, std::int32_t column, const std::string& text, MessageIcon icon);

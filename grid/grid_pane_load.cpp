@@ -5,7 +5,6 @@
 
 #include "base/scoped_value.h"
 #include "diagram/entities.h"
-#include "grid/grid_columns.h"
 #include "grid/grid_pane.h"
 
 namespace zrqrybld {
@@ -34,7 +33,6 @@ void qbGridPane::LoadRows(const std::vector<LoadedCell>& cells) {
 }
 
 void qbGridPane::LoadCell(const LoadedCell& cell) {
-  const auto column = static_cast<std::int32_t>(cell.column);
   if (cell.column == kColumnGroupBy) {
     const Ref<QueryContext> context = context_.lock();
     if (const Ref<qbDBFunction> choice = context ? context->DBFunctions()->FindGroupBy(cell.text) : nullptr) {
@@ -43,7 +41,7 @@ void qbGridPane::LoadCell(const LoadedCell& cell) {
     }
   }
   // A check box makes a Boolean of the text.
-  RowAt(cell.row).SetValue(column, cell.text);
+  RowWriter(RowAt(cell.row)).SetText(cell.column, cell.text);
 }
 
 void qbGridPane::Restore(const std::vector<SharedRowContent>& then) {
@@ -67,7 +65,7 @@ void qbGridPane::Restore(const std::vector<SharedRowContent>& then) {
   for (std::size_t i = same + 1; i <= std::min(then.size() - behind, static_cast<std::size_t>(RowCount())); ++i) {
     const zrGridRow& row = RowAt(static_cast<std::int32_t>(i));
     NoteRow(row);
-    if (!row.ValueAt(kColumnSortType).IsBlank() || !row.ValueAt(kColumnSortOrder).IsBlank()) NoteSorted(row);
+    if (RowReader(row).HasSort()) NoteSorted(row);
   }
   currentText_ =
       grdPane_->Row() == 0 ? std::string() : Text(RowAt(grdPane_->Row()), static_cast<std::size_t>(grdPane_->Column()));
@@ -85,7 +83,7 @@ void qbGridPane::TickOutputs() {
   std::unordered_set<std::string> outputs;
   for (std::int32_t i = 1; i <= RowCount(); ++i) {
     const zrGridRow& row = RowAt(i);
-    if (row.ValueAt(kColumnOutput) == Variant(true)) {
+    if (RowReader(row).IsOutput()) {
       outputs.insert(FieldKey(Text(row, kColumnTable), Text(row, kColumnColumn)));
     }
   }
