@@ -1,8 +1,10 @@
-// How public collections read their `Index` argument: a number is a position from 1, a text is a key.
+// How public collections read their `Index` argument (a number is a position from 1, a text is a key), and how they are
+// walked.
 #pragma once
 
 #include <cmath>
 #include <cstddef>
+#include <iterator>
 
 #include "base/error.h"
 #include "base/keyed_list.h"
@@ -49,5 +51,37 @@ std::size_t PlaceFor(const KeyedList<T>& list, const Variant& before, const Vari
   if (given(after)) return RequirePosition(list, after) + 1;
   return list.Count() + 1;
 }
+
+/// Walks a list of handles by position. Each is looked up when it is reached, and the end is where the list ends then:
+/// a listener may add and remove items meanwhile, as it may under a loop that counts. The list must outlive the walk.
+template <class T>
+class IndexIterator {
+ public:
+  using iterator_concept = std::forward_iterator_tag;
+  using iterator_category = std::input_iterator_tag;  // what it yields is no reference
+  using value_type = T;
+  using difference_type = std::ptrdiff_t;
+  using reference = T;
+  using pointer = void;
+
+  IndexIterator() = default;
+  explicit IndexIterator(const KeyedList<T>& list) : list_(&list) {}
+  T operator*() const { return *list_->At(position_); }
+  IndexIterator& operator++() {
+    ++position_;
+    return *this;
+  }
+  IndexIterator operator++(int) {
+    const IndexIterator before = *this;
+    ++*this;
+    return before;
+  }
+  friend bool operator==(const IndexIterator&, const IndexIterator&) = default;
+  friend bool operator==(const IndexIterator& at, std::default_sentinel_t) { return at.position_ > at.list_->Count(); }
+
+ private:
+  const KeyedList<T>* list_ = nullptr;
+  std::size_t position_ = 1;
+};
 
 }  // namespace zrqrybld
