@@ -6,7 +6,8 @@
 namespace zrqrybld {
 
 SourceMode ModeOf(std::string_view sourceName, std::optional<std::string_view> told) {
-  SourceMode mode{.family = FamilyOf(sourceName)};
+  SourceMode mode;
+  mode.family = FamilyOf(sourceName);
   if (!HasModes(mode.family)) {
     mode.reading = UsualReading(sourceName);
   } else if (told) {
