@@ -29,8 +29,7 @@ QuerySnapshot MakeSnapshot(int tables, int rows) {
     row.table = static_cast<std::size_t>(r % tables);
     row.output = true;
     if (r % 10 == 0) {
-      row.sortType = "Ascending";
-      row.sortOrder = std::to_string(r / 10 + 1);
+      row.sort = {SortDirection::Ascending, r / 10 + 1};
     }
     if (r % 5 == 0) row.criteria = {"> " + std::to_string(r), r % 3 == 0 ? "Is Null" : ""};
     query.rows.push_back(row);

@@ -116,10 +116,11 @@ void MainWindow::WidenColumns() {
   zrGrid& grid = *designer_->QueryBuilder().GridPane()->Grid();
   for (std::int32_t i = 1; i <= grid.Columns()->Count(); ++i) {
     const Ref<zrGridColumn> column = grid.Columns()->Item(i);
-    const bool holdsNames = column->Key() == "column" || column->Key() == "table";
+    const bool holdsNames = column->Index() == kColumnColumn || column->Index() == kColumnTable;
     float least = holdsNames ? kNameColumnWidth : column->Width();
-    if (column->Key() == "sort_type") {
-      const Pixels longest = designer_->GridView().Metrics().TextWidth("Descending", {}) + kGridTextPadding * 3;
+    if (column->Index() == kColumnSortType) {
+      const Pixels longest =
+          designer_->GridView().Metrics().TextWidth(TextOf(SortDirection::Descending), {}) + kGridTextPadding * 3;
       least = std::max(least, static_cast<float>(ScreenScale{}.TwipsX(longest).Value()));
     }
     if (column->Width() > 0) grid.FitColumn(i, least);

@@ -65,9 +65,9 @@ Ref<zrGridColumn> zrGridColumns::Add(const std::string& key, std::string caption
 }
 
 void zrGridColumns::Clear() {
-  for (std::size_t i = 1; i <= items_.Count(); ++i) {
-    (*items_.At(i))->list_ = nullptr;
-    (*items_.At(i))->index_ = 0;
+  for (const Ref<zrGridColumn>& column : *this) {
+    column->list_ = nullptr;
+    column->index_ = 0;
   }
   for (; items_.Count() > 0; items_.RemoveAt(items_.Count())) {
     if (owner_) owner_->ColumnRemoved(items_.Count());

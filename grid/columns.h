@@ -115,6 +115,10 @@ class zrGridColumns final : public Object {
   /// Removes a column by position or key. Error 9 when there is none.
   void Remove(const Variant& index);
 
+  /// The items in their order, as handles; see `CollectionIterator`.
+  CollectionIterator<zrGridColumns> begin() const { return CollectionIterator(*this); }
+  std::default_sentinel_t end() const { return {}; }
+
   /// The column under a key, or nothing: an application may have removed it.
   Ref<zrGridColumn> Find(std::string_view key) const {
     const Ref<zrGridColumn>* column = items_.Find(key);

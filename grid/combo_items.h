@@ -54,6 +54,10 @@ class zrGridComboItems final : public Object {
   /// Removes a choice by position or key. Error 9 when there is none.
   void Remove(const Variant& index) { items_.RemoveAt(RequirePosition(items_, index)); }
 
+  /// The items in their order, as handles; see `CollectionIterator`.
+  CollectionIterator<zrGridComboItems> begin() const { return CollectionIterator(*this); }
+  std::default_sentinel_t end() const { return {}; }
+
  private:
   KeyedList<Ref<zrGridComboItem>> items_;
 };

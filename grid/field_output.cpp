@@ -1,287 +1,188 @@
-// SetFieldOutput: the one way by which a field gets into the grid or out of it, and how the grid and
-// the boxes keep each other's ticks.
+#include "grid/field_output.h"
+
 #include <algorithm>
 #include <optional>
+#include <unordered_set>
 
-#include "base/scoped_value.h"
 #include "base/text.h"
 #include "diagram/entities.h"
-#include "grid/field_names.h"
-#include "grid/grid_columns.h"
-#include "grid/grid_pane.h"
 #include "sql/source_rules.h"
 
 namespace zrqrybld {
 namespace {
 
-std::string FieldKey(const std::string& table, const std::string& name) { return table + '\0' + name; }
+std::string KeyOf(const FieldName& field) {
+  return std::to_string(field.table.size()) + ":" + field.table + field.column;
+}
 
 }  // namespace
 
-std::int32_t qbGridPane::SetFieldOutput(const std::string& fieldName, bool checked, const std::string& tableName,
-                                        const FieldOutputOptions& options) {
-  if (busy_) return 0;
-  const StepScope step(context_.lock(), checked ? kStepAddColumn : kStepRemoveColumn, fieldName);
-  return WholeOrNothing(context_.lock(), [&] {
-    const Field field{tableName, fieldName};
-    std::int32_t row = 0;
-    {
-      const ScopedValue busy(busy_, true);
-      if (checked) {
-        if (!options.skipSearch) row = TickRows(field);
-        if (row == 0) row = FillNewRow(field, options.before);
-      } else {
-        UntickRows(field);
-      }
-      PushToDiagram(field, checked);
-    }
-    ReportChange();
-    return row;
-  });
-}
+// --- Into the grid, and out of it ---
 
-// --- The rows of a field ---
-
-bool qbGridPane::IsRowOf(const zrGridRow& row, const Field& field) const {
-  const std::string* rowTable = row.ValueAt(kColumnTable).StringIf();
-  const std::string* rowColumn = row.ValueAt(kColumnColumn).StringIf();
-  return rowTable && rowColumn && *rowTable == field.table && *rowColumn == field.name;
-}
-
-// A row that names another field, or none, from now on. What it named before stays noted until it is looked up.
-void qbGridPane::NoteRow(const zrGridRow& row) {
-  if (IsEmptyRow(row)) emptyFrom_ = std::min(emptyFrom_, row.Index());
-  const std::string* table = row.ValueAt(kColumnTable).StringIf();
-  const std::string* column = row.ValueAt(kColumnColumn).StringIf();
-  if (table && !table->empty()) NoteTable(row, *table);
-  if (!table || !column || column->empty()) return;
-  constexpr std::size_t kSlack = 64;
-  if (rowsByField_.size() > 2 * static_cast<std::size_t>(RowCount()) + kSlack) {
-    std::erase_if(rowsByField_, [](const auto& entry) {
-      return std::ranges::all_of(entry.second, [](const WeakRef<Object>& noted) { return noted.expired(); });
-    });
-  }
-  rowsByField_[FieldKey(*table, *column)].push_back(RowAt(row.Index()).weak_from_this());
-}
-
-void qbGridPane::NoteTable(const zrGridRow& row, const std::string& table) {
-  constexpr std::size_t kSlack = 64;
-  const std::size_t many = 2 * static_cast<std::size_t>(RowCount()) + kSlack;
-  if (rowsByTable_.size() > many) {
-    std::erase_if(rowsByTable_, [this](const auto& entry) { return RowsOfTable(entry.first).empty(); });
-  }
-  std::vector<WeakRef<Object>>& noted = rowsByTable_[table];
-  if (noted.size() > many) {
-    const std::vector<Ref<zrGridRow>> rows = RowsOfTable(table);
-    noted.assign(rows.begin(), rows.end());
-  }
-  noted.push_back(RowAt(row.Index()).weak_from_this());
-}
-
-// The rows that name the table, in their order.
-std::vector<Ref<zrGridRow>> qbGridPane::RowsOfTable(const std::string& table) const {
-  std::vector<Ref<zrGridRow>> rows;
-  const auto noted = rowsByTable_.find(table);
-  if (noted == rowsByTable_.end()) return rows;
-  for (const WeakRef<Object>& entry : noted->second) {
-    const auto row = std::static_pointer_cast<zrGridRow>(entry.lock());
-    const std::string* named = row && row->Index() != 0 ? row->ValueAt(kColumnTable).StringIf() : nullptr;
-    if (named && *named == table) rows.push_back(row);
-  }
-  std::ranges::sort(rows, {}, [](const Ref<zrGridRow>& row) { return row->Index(); });
-  rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
-  return rows;
-}
-
-// The rows that name the field, in their order.
-std::vector<Ref<zrGridRow>> qbGridPane::RowsOf(const Field& field) const {
-  std::vector<Ref<zrGridRow>> rows;
-  const auto noted = rowsByField_.find(FieldKey(field.table, field.name));
-  if (noted == rowsByField_.end()) return rows;
-  for (const WeakRef<Object>& entry : noted->second) {
-    const auto row = std::static_pointer_cast<zrGridRow>(entry.lock());
-    if (row && row->Index() != 0 && IsRowOf(*row, field)) rows.push_back(row);
-  }
-  std::ranges::sort(rows, {}, [](const Ref<zrGridRow>& row) { return row->Index(); });
-  rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
-  if (rows.empty()) {
-    rowsByField_.erase(noted);
-  } else {
-    noted->second.assign(rows.begin(), rows.end());
-  }
-  return rows;
-}
-
-// The first row of the field outputs it from now on; 0 when it has no row.
-std::int32_t qbGridPane::TickRows(const Field& field) {
-  const std::vector<Ref<zrGridRow>> rows = RowsOf(field);
+std::int32_t FieldOutput::Tick(const FieldName& field) {
+  const std::vector<Ref<zrGridRow>> rows = fields_.Of(field);
   if (rows.empty()) return 0;
-  rows.front()->SetValue("output", true);
+  RowWriter(*rows.front()).SetOutput(true);
   return rows.front()->Index();
 }
 
-// All rows of the field stop to output it; those that say nothing else go.
-void qbGridPane::UntickRows(const Field& field) {
-  const std::vector<Ref<zrGridRow>> rows = RowsOf(field);
-  for (auto row = rows.rbegin(); row != rows.rend(); ++row) {
-    if ((*row)->Index() == 0) continue;  // a listener of RowColChange has removed it
-    if (HasContent(**row)) {
-      (*row)->SetValue("output", false);
-    } else {
-      grdPane_->Rows()->Remove((*row)->Index());
-    }
-  }
-  EnsureEmptyLastRow();
-}
-
-bool qbGridPane::IsOutput(const Field& field) const {
-  return std::ranges::any_of(RowsOf(field),
-                             [](const Ref<zrGridRow>& row) { return row->ValueAt(kColumnOutput) == Variant(true); });
-}
-
-std::int32_t qbGridPane::FirstEmptyRow() {
-  while (emptyFrom_ <= RowCount() && !IsEmptyRow(RowAt(emptyFrom_))) ++emptyFrom_;
-  return emptyFrom_ <= RowCount() ? emptyFrom_ : 0;
-}
-
-std::int32_t qbGridPane::FillNewRow(const Field& field, std::int32_t before) {
+std::int32_t FieldOutput::Add(const FieldName& field, std::int32_t before) {
   std::int32_t position = before;
   if (before > 0) {
-    grdPane_->Rows()->Add({}, before);
+    rows_.Grid().Rows()->Add({}, before);
   } else {
-    position = FirstEmptyRow();
+    position = fields_.FirstEmpty();
     if (position == 0) {
-      AddEmptyRow();
-      position = RowCount();
+      rows_.AddEmpty();
+      position = rows_.Count();
     }
   }
-  const Ref<zrGridRow> row = grdPane_->Rows()->Item(position);
-  row->SetMaxLen("alias", AliasMaxLen());
-  row->SetValue("table", field.table);
-  row->SetValue("column", field.name);
-  row->SetValue("output", true);
-  if (showGroupBy_) SetRowGroupBy(*row);
-  EnsureEmptyLastRow();
+  const Ref<zrGridRow> row = rows_.Hold(position);
+  const RowWriter writer(*row);
+  writer.SetAliasMaxLen(rows_.AliasMaxLen());
+  writer.SetText(kColumnTable, field.table);
+  writer.SetText(kColumnColumn, field.column);
+  writer.SetOutput(true);
+  if (grouping_.IsShown()) grouping_.Fill(*row);
+  rows_.EnsureEmptyLast();
   return row->Index();
 }
 
-// The columns that are ticked in the diagram and no row outputs.
-std::vector<qbGridPane::Field> qbGridPane::TickedFields() const {
-  std::vector<Field> fields;
-  const Ref<qbEntities> entities = Entities();
-  for (std::int32_t i = 1; entities && i <= entities->Count(); ++i) {
-    const Ref<qbEntity> entity = entities->Item(i);
-    for (std::int32_t j = 1; j <= entity->Items()->Count(); ++j) {
-      const Ref<qbEntityItem> item = entity->Items()->Item(j);
-      if (!item->Checked()) continue;
-      Field field{entity->Caption(), item->Text()};
-      if (!IsOutput(field)) fields.push_back(std::move(field));
-    }
-  }
-  return fields;
-}
-
-bool qbGridPane::OutputTicked() {
-  const std::vector<Field> fields = TickedFields();
-  if (fields.empty()) return false;
-  const StepScope step(context_.lock(), kStepAddColumns);
-  for (const Field& field : fields) SetFieldOutput(field.name, true, field.table);
-  return true;
-}
-
-void qbGridPane::AddRows(const std::vector<RowContent>& rows) {
-  const StepScope step(context_.lock(), kStepAddColumns);
-  {
-    const ScopedValue busy(busy_, true);
-    std::optional<RedrawPause> pause(std::in_place, *grdPane_);
-    std::int32_t position = FirstEmptyRow();
-    for (const RowContent& content : rows) {
-      // Filled rows may stand between the empty ones.
-      while (position != 0 && position <= RowCount() && !IsEmptyRow(RowAt(position))) ++position;
-      if (position == 0 || position > RowCount()) {
-        AddEmptyRow();
-        position = RowCount();
-      }
-      SetCells(*HoldRow(position), content);
-      ++position;
-    }
-    EnsureEmptyLastRow();
-    pause.reset();
-    for (const RowContent& content : rows) {
-      if (content.output) PushToDiagram({content.table, content.column}, true);
-    }
-  }
-  ReportChange();
-}
-
-void qbGridPane::SetCells(zrGridRow& row, const RowContent& content) {
-  const auto set = [&row](std::int32_t column, const std::string& text) {
-    if (!text.empty()) row.SetValue(column, text);
-  };
-  row.SetMaxLen("alias", AliasMaxLen());
-  set(kColumnTable, content.table);
-  set(kColumnColumn, content.column);
-  set(kColumnAlias, content.alias);
-  row.SetValue(static_cast<std::int32_t>(kColumnOutput), content.output);
-  set(kColumnSortType, content.sortType);
-  set(kColumnSortOrder, content.sortOrder);
-  if (!content.groupBy.empty()) {
-    const Ref<QueryContext> context = context_.lock();
-    const Ref<qbDBFunction> function = context ? context->DBFunctions()->FindGroupBy(content.groupBy) : nullptr;
-    if (function) {
-      SetGroupByFunction(row.Index(), *function);
+void FieldOutput::Untick(const FieldName& field) {
+  const std::vector<Ref<zrGridRow>> rows = fields_.Of(field);
+  for (auto row = rows.rbegin(); row != rows.rend(); ++row) {
+    if ((*row)->Index() == 0) continue;  // a listener of RowColChange has removed it
+    if (RowReader(**row).HasContent(rows_.LastColumn())) {
+      RowWriter(**row).SetOutput(false);
     } else {
-      set(kColumnGroupBy, content.groupBy);
+      rows_.Grid().Rows()->Remove((*row)->Index());
     }
   }
-  for (std::size_t i = 0; i < content.criteria.size(); ++i) {
-    set(kColumnCriteria + static_cast<std::int32_t>(i), content.criteria[i]);
+  rows_.EnsureEmptyLast();
+}
+
+void FieldOutput::AddRows(const std::vector<QueryRow>& rows) {
+  const Ref<QueryContext> context = rows_.Context();  // it holds the functions
+  std::optional<RedrawPause> pause(std::in_place, rows_.Grid());
+  std::int32_t position = fields_.FirstEmpty();
+  for (const QueryRow& content : rows) {
+    // Filled rows may stand between the empty ones.
+    while (position != 0 && position <= rows_.Count() && !RowReader(rows_.At(position)).IsEmpty()) ++position;
+    if (position == 0 || position > rows_.Count()) {
+      rows_.AddEmpty();
+      position = rows_.Count();
+    }
+    const Ref<zrGridRow> row = rows_.Hold(position);
+    const RowWriter writer(*row);
+    writer.SetAliasMaxLen(rows_.AliasMaxLen());
+    writer.Write(content, rows_.Functions());
+    ++position;
+  }
+  rows_.EnsureEmptyLast();
+  pause.reset();
+  for (const QueryRow& content : rows) {
+    if (content.output) Push({content.table, content.column}, true);
   }
 }
 
 // --- The diagram ---
 
-void qbGridPane::PushToDiagram(const Field& field, bool checked) {
-  const Ref<qbEntities> entities = Entities();
+void FieldOutput::Push(const FieldName& field, bool checked) const {
+  const Ref<qbEntities> entities = rows_.Entities();
   const Ref<qbEntity> entity = entities ? entities->FindExactly(field.table) : nullptr;
-  const Ref<qbEntityItem> item = entity ? FindItemExactly(*entity, field.name) : nullptr;
+  const Ref<qbEntityItem> item = entity ? FindItemExactly(*entity, field.column) : nullptr;
   if (item) item->SetChecked(checked);
+}
+
+void FieldOutput::FollowAll() const {
+  std::unordered_set<std::string> outputs;
+  for (const Ref<zrGridRow>& row : *rows_.Grid().Rows()) {
+    if (RowReader(*row).IsOutput()) outputs.insert(KeyOf(FieldOf(*row)));
+  }
+  const Ref<qbEntities> entities = rows_.Entities();
+  for (std::int32_t i = 1; entities && i <= entities->Count(); ++i) {
+    const Ref<qbEntity> entity = entities->Item(i);
+    for (std::int32_t j = 1; j <= entity->Items()->Count(); ++j) {
+      const Ref<qbEntityItem> item = entity->Items()->Item(j);
+      item->SetChecked(outputs.contains(KeyOf({entity->Caption(), item->Text()})));
+    }
+  }
+}
+
+std::vector<FieldName> FieldOutput::TickedOnly() const {
+  std::vector<FieldName> fields;
+  const Ref<qbEntities> entities = rows_.Entities();
+  for (std::int32_t i = 1; entities && i <= entities->Count(); ++i) {
+    const Ref<qbEntity> entity = entities->Item(i);
+    for (std::int32_t j = 1; j <= entity->Items()->Count(); ++j) {
+      const Ref<qbEntityItem> item = entity->Items()->Item(j);
+      if (!item->Checked()) continue;
+      FieldName field{entity->Caption(), item->Text()};
+      if (!fields_.IsOutput(field)) fields.push_back(std::move(field));
+    }
+  }
+  return fields;
+}
+
+void FieldOutput::AboutToGo(std::int32_t first, std::int32_t last) {
+  const auto busy = rows_.Busy();
+  for (std::int32_t i = first; i <= last && i <= rows_.Count(); ++i) {
+    const Ref<zrGridRow> row = rows_.Hold(i);
+    if (!RowReader(*row).IsOutput()) continue;
+    RowWriter(*row).SetOutput(false);
+    const FieldName field = FieldOf(*row);
+    if (!fields_.IsOutput(field)) Push(field, false);
+  }
+}
+
+// --- Names ---
+
+void FieldOutput::Respell(zrGridRow& row, std::int32_t column) const {
+  const Ref<QueryContext> context = rows_.Context();
+  const Ref<qbEntities> entities = rows_.Entities();
+  if (!entities || !context) return;
+  const FieldName typed = FieldOf(row);
+  if (column == kColumnTable && typed.table.empty()) return;
+  const NameRules rules = CurrentNameRules(*context);
+  const Ref<qbEntity> entity = FindTypedTable(*entities, typed.table, rules);
+  const Ref<qbEntityItem> item = entity ? FindTypedColumn(*entity, typed.column, rules) : nullptr;
+  const auto set = [&row](std::size_t cell, const std::string& text) {
+    if (row.Index() != 0) RowWriter(row).SetText(cell, text);  // a listener may have removed it
+  };
+  if (item) {
+    const std::string name = item->Text();
+    set(kColumnTable, entity->Caption());
+    set(kColumnColumn, name);
+  } else if (column == kColumnTable) {
+    if (entity) set(kColumnTable, entity->Caption());
+  } else if (const std::optional<FieldName> field = FindQualifiedField(*entities, typed.column, rules)) {
+    set(kColumnTable, field->table);
+    set(kColumnColumn, field->column);
+  }
 }
 
 // A field of the diagram is found however it is written. Of any other text, what stands behind the last "." is the
 // field, and what stands before it the table, its parts joined by the source's separator.
-qbGridPane::Field qbGridPane::FieldIn(const std::string& text) const {
-  const Ref<QueryContext> context = context_.lock();
-  const Ref<qbEntities> entities = Entities();
+FieldName FieldOutput::FieldIn(const std::string& text) const {
+  const Ref<QueryContext> context = rows_.Context();
+  const Ref<qbEntities> entities = rows_.Entities();
   const std::size_t dot = text.rfind('.');
-  Field field{dot == std::string::npos ? "" : text.substr(0, dot), text.substr(dot == std::string::npos ? 0 : dot + 1)};
+  FieldName field{dot == std::string::npos ? "" : text.substr(0, dot),
+                  text.substr(dot == std::string::npos ? 0 : dot + 1)};
   if (!entities) return field;
   const NameRules rules = CurrentNameRules(*context);
   std::optional<FieldName> known = FindQualifiedField(*entities, text, rules);
   if (!known && dot == std::string::npos) known = FindOnlyField(*entities, text, rules);
-  if (known) return {known->table, known->column};
+  if (known) return *known;
   const std::optional<std::string> separator = context->Properties()->FindText("SCHEMA_SEPARATOR");
   if (separator && !separator->empty() && !entities->Item(field.table)) {
     field.table = ReplaceAll(field.table, ".", *separator);
   }
   if (const Ref<qbEntity> entity = entities->Item(field.table)) {
-    const Ref<qbEntityItem> item = entity->Items()->Item(field.name);
-    return {entity->Caption(), item ? item->Text() : field.name};
+    const Ref<qbEntityItem> item = entity->Items()->Item(field.column);
+    return {entity->Caption(), item ? item->Text() : field.column};
   }
   return field;
-}
-
-bool qbGridPane::IsFieldText(const std::string& text) {
-  return text.find_first_of("\r\n") == std::string::npos && !TrimWhite(text).empty() && !text.ends_with('.');
-}
-
-// The field goes in above the row it was dropped on.
-void qbGridPane::DropField(const std::string& text, PixelPoint at) {
-  const std::string trimmed(TrimWhite(text));
-  if (!IsFieldText(trimmed)) return;
-  const Field field = FieldIn(trimmed);
-  const GridHit hit = grdPane_->GetRowColumnIndex({1_px, at.y});
-  SetFieldOutput(field.name, true, field.table, {false, static_cast<std::int32_t>(hit.row)});
 }
 
 }  // namespace zrqrybld

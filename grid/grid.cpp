@@ -26,18 +26,15 @@ Ref<zrGrid> zrGrid::Create() {
 }
 
 zrGrid::~zrGrid() {
-  suggestions_.reset();
-  if (cboList_) cboList_->AttachSurface(nullptr);
   columns_->Detach();
   rows_->Detach();
 }
 
 void zrGrid::SetFont(const zrqrybld::Font& font) {
   font_ = font;
-  if (txtText_) txtText_->SetFont(font);
-  if (cboList_) cboList_->SetFont(font);
+  editing_.SetFont(font);
   UpdateScrollBars();
-  PlaceEditor();
+  editing_.Place();
   Redraw();
 }
 
@@ -49,9 +46,7 @@ void zrGrid::SetEmptyText(std::string text) {
 // The editors belong to the surface that has made them.
 void zrGrid::OnSurfaceChanged() {
   CommitEdit();
-  txtLinks_.clear();
-  txtText_.reset();
-  if (cboList_) cboList_->AttachSurface(&GetSurface());
+  editing_.SurfaceChanged();
   gesture_ = NoGesture{};
   UpdateScrollBars();
 }
@@ -88,8 +83,8 @@ GridLayout zrGrid::Layout() const {
   const Pixels line = GetSurface().Metrics().LineHeight(font_);
   std::vector<Pixels> widths;
   widths.reserve(static_cast<std::size_t>(columns_->Count()));
-  for (std::size_t i = 1; i <= static_cast<std::size_t>(columns_->Count()); ++i) {
-    const auto twips = static_cast<double>(columns_->At(i).Width());
+  for (const Ref<zrGridColumn>& column : *columns_) {
+    const auto twips = static_cast<double>(column->Width());
     widths.push_back(Pixels(std::round(scale.PixelsX(Twips(twips)).Value())));
   }
   GridLayout layout(widths, Pixels(std::ceil((line + kHeaderAir).Value())), Pixels(std::ceil((line + kRowAir).Value())),
@@ -106,14 +101,14 @@ std::string zrGrid::CellText(std::size_t row, std::size_t column) const {
 
 void zrGrid::ColumnsChanged() {
   const Ref<Object> alive = Alive();
-  headerState_.reset();
+  checkedHeader_.Forget();
   const auto* sizing = std::get_if<SizingColumn>(&gesture_);
   if (sizing && sizing->column > static_cast<std::size_t>(columns_->Count())) gesture_ = NoGesture{};
-  if (edit_ && edit_->column->Index() == 0) CancelEdit();
-  if (edit_ && edit_->column->Width() <= 0) CommitEdit();
+  if (editing_.HasLostColumn()) CancelEdit();
+  if (editing_.IsHidden()) CommitEdit();
   if (currentColumn_ > static_cast<std::size_t>(columns_->Count())) MakeCurrent(0, 0);
   if (autoRedraw_) UpdateScrollBars();
-  PlaceEditor();
+  editing_.Place();
   Redraw();
 }
 
@@ -124,16 +119,16 @@ bool zrGrid::BeforeCellChange(std::size_t row, std::size_t column) {
 }
 
 void zrGrid::AfterCellChange(std::size_t row, std::size_t column) {
-  headerState_.reset();
+  checkedHeader_.Forget();
   Redraw();
   AfterChange.Raise(static_cast<std::int32_t>(row), static_cast<std::int32_t>(column));
 }
 
 // The current row stays current wherever it goes; when it is gone, the one that has its place is.
 void zrGrid::RowsChanged(std::size_t from) {
-  selection_ = {};
-  headerState_.reset();
-  if (edit_ && edit_->row->Index() == 0) CancelEdit();
+  selection_.Clear();
+  checkedHeader_.Forget();
+  if (editing_.HasLostRow()) CancelEdit();
   RowsShifted.Raise(static_cast<std::int32_t>(from));
   if (currentRow_ >= from) {
     const Ref<Object> current = current_.lock();
@@ -144,7 +139,7 @@ void zrGrid::RowsChanged(std::size_t from) {
     if (index == 0 && isThere) current_ = rows_->At(currentRow_).weak_from_this();
   }
   if (autoRedraw_) UpdateScrollBars();
-  PlaceEditor();
+  editing_.Place();
   Redraw();
 }
 
@@ -212,15 +207,14 @@ void zrGrid::TellOfMove() {
 }
 
 void zrGrid::SelectRows(std::size_t first, std::size_t last) {
-  last = std::min(last, static_cast<std::size_t>(rows_->Count()));
-  selection_ = first == 0 || first > last ? RowRange{} : RowRange{first, last};
+  selection_.Select(first, last, static_cast<std::size_t>(rows_->Count()));
   Redraw();
 }
 
 void zrGrid::DeleteSelectedRows() {
   CommitEdit();
-  const RowRange range = selection_;
-  if (!allowRowInsert_ || range.first == 0) return;
+  const RowRange range = selection_.Range();
+  if (!allowRowInsert_ || range.Empty()) return;
   InBatch(GridWork::DeleteRows, [&] { DeleteRange(range); });
 }
 
@@ -237,8 +231,8 @@ void zrGrid::DeleteRange(RowRange range) {
 
 void zrGrid::InsertRows() {
   CommitEdit();
-  const RowRange range = selection_;
-  if (!allowRowInsert_ || range.first == 0) return;
+  const RowRange range = selection_.Range();
+  if (!allowRowInsert_ || range.Empty()) return;
   InBatch(GridWork::InsertRows, [&] { InsertRange(range); });
 }
 
@@ -261,8 +255,8 @@ void zrGrid::InsertRange(RowRange range) {
 
 bool zrGrid::MoveRows(int direction) {
   CommitEdit();
-  const RowRange range = selection_.first != 0 ? selection_ : RowRange{currentRow_, currentRow_};
-  if (range.first == 0) return false;
+  const RowRange range = selection_.OrElse(currentRow_);
+  if (range.Empty()) return false;
   return MoveRange(range, direction < 0 ? range.first - 1 : range.last + 2);
 }
 
@@ -272,7 +266,7 @@ bool zrGrid::MoveRange(RowRange range, std::size_t before) {
   const bool stays = before >= range.first && before <= range.last + 1;
   if (!allowRowInsert_ || stays || before < 1 || before > count + 1 || range.last > count) return false;
   const std::size_t target = before < range.first ? before : before - range.Count();
-  const bool selected = selection_.first != 0;
+  const bool selected = !selection_.Empty();
   InBatch(GridWork::MoveRows, [&] {
     for (std::size_t i = 0; i < range.Count(); ++i) {
       const std::size_t from = before < range.first ? range.first + i : range.first;
@@ -301,13 +295,13 @@ void zrGrid::UpdateScrollBars() {
 
 void zrGrid::OnResize() {
   UpdateScrollBars();
-  PlaceEditor();
+  editing_.Place();
   Redraw();
 }
 
 void zrGrid::OnScroll(Orientation orientation, int value) {
   if (!scroller_.ScrollTo(orientation, value)) return;
-  PlaceEditor();
+  editing_.Place();
   Redraw();
 }
 

@@ -15,11 +15,12 @@
 
 #include "base/event.h"
 #include "base/object.h"
-#include "grid/cell_suggestions.h"
+#include "grid/cell_editing.h"
+#include "grid/checked_header.h"
 #include "grid/columns.h"
 #include "grid/grid_layout.h"
+#include "grid/row_selection.h"
 #include "grid/rows.h"
-#include "grid/simple_combo.h"
 #include "platform/control.h"
 #include "platform/property_store.h"
 #include "platform/scroller.h"
@@ -30,7 +31,7 @@ namespace zrqrybld {
 /// What the user does to cells or rows at one stroke.
 enum class GridWork : std::uint8_t { EditCell, EditCells, Paste, InsertRows, DeleteRows, MoveRows };
 
-class zrGrid final : public Control, private ColumnOwner, private RowOwner {
+class zrGrid final : public Control, private ColumnOwner, private RowOwner, private EditedGrid {
  public:
   /// A grid without columns and rows, shown in no window.
   static Ref<zrGrid> Create();
@@ -144,26 +145,21 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   // --- Editing, rows and clipboard ---
 
   /// What helps with the text of a cell that is about to be edited, by its column; nothing for none.
-  using SuggestionSource = std::function<Ref<qbIntelliList>(std::int32_t column)>;
-  void SetSuggestionSource(SuggestionSource source) { suggestionSource_ = std::move(source); }
+  using SuggestionSource = CellEditing::SuggestionSource;
+  void SetSuggestionSource(SuggestionSource source) { editing_.SetSuggestionSource(std::move(source)); }
 
   /// Opens the editor of the current cell. False when it has none: no current cell, a check box, a locked row.
   bool EditCell() { return OpenEditor(); }
   /// Whether an editor is open.
-  bool IsEditing() const { return edit_.has_value(); }
+  bool IsEditing() const { return editing_.IsOpen(); }
   /// Ends the edit: the text is written into the cell, `AfterEdit` is raised. Nothing when no editor is open.
   void CommitEdit();
   /// Ends the edit: the cell is as it was, nothing is raised.
   void CancelEdit();
 
-  /// The rows that are selected by their headers; none when first is 0.
-  struct RowRange {
-    std::size_t first = 0;
-    std::size_t last = 0;
-    bool Contains(std::size_t row) const { return first != 0 && row >= first && row <= last; }
-    std::size_t Count() const { return first == 0 ? 0 : last - first + 1; }
-  };
-  const RowRange& Selection() const { return selection_; }
+  /// The rows that are selected by their headers.
+  using RowRange = zrqrybld::RowRange;
+  const RowRange& Selection() const { return selection_.Range(); }
   /// Selects rows; a last one before the first selects none. Rows that do not exist are left out.
   void SelectRows(std::size_t first, std::size_t last);
   /// What the keys Delete and Insert do to the selected rows. Nothing without a selection, or while `AllowRowInsert` is
@@ -204,6 +200,8 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
 
  private:
   friend class GridAccess;
+  friend class GridKeys;
+  friend class GridPainter;
 
   // What the pointer is doing while a button is held.
   struct NoGesture {};
@@ -217,14 +215,6 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
     bool started = false;  // the pointer has left the place where it was pressed
   };
   using Gesture = std::variant<NoGesture, SizingColumn, MovingRows>;
-
-  // An editor is open on a cell.
-  struct EditSession {
-    Ref<zrGridRow> row;
-    Ref<zrGridColumn> column;
-    std::string text;  // of the cell before the edit
-    bool isCombo;
-  };
 
   zrGrid() = default;
 
@@ -241,9 +231,16 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   void AfterCellChange(std::size_t row, std::size_t column) override;
   void RowsChanged(std::size_t from) override;
   void CellLooksChanged() override {
-    headerState_.reset();
+    checkedHeader_.Forget();
     Redraw();
   }
+  Surface& EditSurface() const override { return GetSurface(); }
+  Place PlaceOfEdit(std::int32_t row, std::int32_t column) const override;
+  void EditChanged() override;
+  void EditDone() override { CommitEdit(); }
+  bool EditKey(const KeyEvent& event) override;
+  void EditorDoubleClicked() override { DblClick.Raise(); }
+  void BeforeListOpens(bool& cancel) override { BeforeDropDown.Raise(Row(), Column(), cancel); }
 
   GridLayout Layout() const;
   void UpdateScrollBars();
@@ -254,10 +251,6 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   std::size_t NextShownColumn(std::size_t from, int direction) const;
   bool MoveCurrent(std::int32_t keyCode);
   bool MoveToNextCell(int direction);
-  bool JumpKey(const KeyEvent& event);
-  bool CommandKey(const KeyEvent& event);
-  bool SelectionKey(const KeyEvent& event);
-  bool TypingKey(const KeyEvent& event);
   bool MoveRange(RowRange range, std::size_t before);
   void DeleteRange(RowRange range);
   void InsertRange(RowRange range);
@@ -272,27 +265,10 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   void PasteLine(zrGridRow& row, std::size_t firstColumn, const std::vector<std::string>& line);
   void PasteCell(zrGridRow& row, std::size_t column, const std::string& text);
   bool OpenEditor(const std::string* typed = nullptr);
-  void Suggest();
-  void ShowTextBox();
-  void ShowCombo();
-  void PlaceEditor();
-  void ShowEditedCell();
-  void WriteBack(const EditSession& session, const std::string& text);
-  void CloseEditor();
-  bool EditorKey(const KeyEvent& event);
-  TextEditor& TextBox();
-  zrSimpleCombo& Combo();
 
-  enum class CheckState : std::uint8_t { None, Off, On, Mixed };
-  CheckState CountChecks(std::size_t column) const;
-  CheckState StateOfColumn(std::size_t column) const;
+  CheckState StateOfColumn(std::size_t column) const { return checkedHeader_.StateOf(*rows_, column); }
   void CheckColumn(std::size_t column);
-  PixelRect HeaderCheckBox(const PixelRect& header) const;
-
-  void PaintHeaders(Canvas& canvas, const GridLayout& layout, PixelSize view) const;
-  void PaintColumnHeader(Canvas& canvas, const PixelRect& rect, std::size_t column) const;
-  void PaintCell(Canvas& canvas, const PixelRect& rect, std::size_t row, std::size_t column) const;
-  void PaintHint(Canvas& canvas, const GridLayout& layout, PixelSize view) const;
+  static PixelRect HeaderCheckBox(const PixelRect& header);
   bool HoldsNothing() const;
 
   Ref<zrGridColumns> columns_;
@@ -309,21 +285,13 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner {
   std::size_t currentRow_ = 0;
   std::size_t currentColumn_ = 0;
   WeakRef<Object> current_;  // the current row: it stays current when rows before it come and go
-  RowRange selection_;
-  std::size_t anchor_ = 0;   // the row from which the selection is extended
+  RowSelection selection_;
   std::size_t dropRow_ = 0;  // where a drop would insert: before this row; 0 while nothing is dragged over
   TextDrop drop_{OLEDragOver, OLEDragDrop};
   std::size_t hoverHeader_ = 0;  // the column whose header is under the pointer
   Gesture gesture_;
-  std::optional<EditSession> edit_;
-  std::shared_ptr<TextEditor> txtText_;  // made on first use, anew on another surface
-  std::vector<EventConnection> txtLinks_;
-  Ref<zrSimpleCombo> cboList_;  // made on first use
-  std::vector<EventConnection> cboLinks_;
-  SuggestionSource suggestionSource_;
-  std::unique_ptr<CellSuggestions> suggestions_;  // of the edit, when there are any
-  // What the checked header of a column shows, as counted last; nothing when a cell has changed since.
-  mutable std::optional<std::pair<std::size_t, CheckState>> headerState_;
+  CellEditing editing_{*this};
+  CheckedHeader checkedHeader_;
   Scroller scroller_;
   std::unique_ptr<AccessibleTree> access_;  // made when it is asked for
 };

@@ -135,10 +135,10 @@ AccessibleInfo GridAccess::DescribeColumn(const zrGridColumn& column) const {
   const auto position = static_cast<std::size_t>(column.Index());
   AccessibleInfo info{AccessibleRole::ColumnHeader, column.Caption(), {}, {}, {}, {}};
   if (column.DisplayAttribute() == kCheckedHeader) {
-    const zrGrid::CheckState state = grid_.StateOfColumn(position);
+    const CheckState state = grid_.StateOfColumn(position);
     info.state.checkable = true;
-    info.state.checked = state == zrGrid::CheckState::On;
-    info.state.mixed = state == zrGrid::CheckState::Mixed;
+    info.state.checked = state == CheckState::On;
+    info.state.mixed = state == CheckState::Mixed;
     info.actions = {AccessibleAction::Toggle};
   }
   info.bounds = grid_.Layout().ColumnHeaderRect(position);

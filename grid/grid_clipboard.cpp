@@ -9,9 +9,9 @@
 namespace zrqrybld {
 
 std::string zrGrid::CopyText() const {
-  if (selection_.first == 0) return currentRow_ == 0 ? std::string() : CellText(currentRow_, currentColumn_);
+  if (selection_.Empty()) return currentRow_ == 0 ? std::string() : CellText(currentRow_, currentColumn_);
   std::vector<std::vector<std::string>> cells;
-  for (std::size_t row = selection_.first; row <= selection_.last; ++row) {
+  for (std::size_t row = Selection().first; row <= Selection().last; ++row) {
     std::vector<std::string>& line = cells.emplace_back();
     for (std::size_t column = 1; column <= static_cast<std::size_t>(columns_->Count()); ++column) {
       line.push_back(CellText(row, column));
@@ -22,8 +22,8 @@ std::string zrGrid::CopyText() const {
 
 void zrGrid::PasteText(std::string_view text) {
   CommitEdit();
-  const std::size_t firstRow = selection_.first != 0 ? selection_.first : currentRow_;
-  const std::size_t firstColumn = selection_.first != 0 ? 1 : currentColumn_;
+  const std::size_t firstRow = selection_.OrElse(currentRow_).first;
+  const std::size_t firstColumn = selection_.Empty() ? currentColumn_ : 1;
   if (firstRow == 0 || text.empty()) return;
   const Ref<Object> alive = shared_from_this();
   InBatch(GridWork::Paste, [&] {

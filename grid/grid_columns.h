@@ -45,4 +45,7 @@ inline constexpr GridColumnRow kGridColumns[] = {
     {"or3", LanguageGridOr, 1500, GridColumnText},
 };
 
+/// The key of a column.
+constexpr std::string_view KeyOf(GridColumnIndex column) { return kGridColumns[column - 1].key; }
+
 }  // namespace zrqrybld

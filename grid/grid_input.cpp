@@ -12,59 +12,70 @@ constexpr std::int32_t kKeyF10 = KeyCodeF1 + 9;
 
 }  // namespace
 
-bool zrGrid::OnKeyDown(const KeyEvent& event) {
-  if (edit_)
-    return edit_->isCombo && edit_->column->Style() == GridColumnComboList ? cboList_->OnKeyDown(event) : false;
-  return SelectionKey(event) || CommandKey(event) || JumpKey(event) || TypingKey(event);
-}
+// What a key does while no editor is open.
+class GridKeys {
+ public:
+  explicit GridKeys(zrGrid& grid) : grid_(grid) {}
+  bool Act(const KeyEvent& event) const {
+    return SelectionKey(event) || CommandKey(event) || JumpKey(event) || TypingKey(event);
+  }
+
+ private:
+  bool CommandKey(const KeyEvent& event) const;
+  bool SelectionKey(const KeyEvent& event) const;
+  bool JumpKey(const KeyEvent& event) const;
+  bool TypingKey(const KeyEvent& event) const;
+
+  zrGrid& grid_;
+};
 
 // Keys that act on the current cell or the selected rows.
-bool zrGrid::CommandKey(const KeyEvent& event) {
+bool GridKeys::CommandKey(const KeyEvent& event) const {
   const bool plain = event.shift == ShiftNone;
   const bool menuKey = (plain && event.keyCode == kKeyMenu) || (event.shift == ShiftShift && event.keyCode == kKeyF10);
   if (menuKey) {
-    if (currentRow_ == 0) {
-      OfferMenu({}, {0_px, Layout().HeaderHeight()});
+    if (grid_.currentRow_ == 0) {
+      grid_.OfferMenu({}, {0_px, grid_.Layout().HeaderHeight()});
       return true;
     }
-    const PixelRect cell = GetRowColumnXY(Row(), Column());
-    OfferMenu({GridPart::Cell, currentRow_, currentColumn_}, {cell.left, cell.Bottom()});
+    const PixelRect cell = grid_.GetRowColumnXY(grid_.Row(), grid_.Column());
+    grid_.OfferMenu({GridPart::Cell, grid_.currentRow_, grid_.currentColumn_}, {cell.left, cell.Bottom()});
     return true;
   }
-  if (event.keyCode == KeyCodeTab) return MoveToNextCell(event.shift == ShiftShift ? -1 : 1);
+  if (event.keyCode == KeyCodeTab) return grid_.MoveToNextCell(event.shift == ShiftShift ? -1 : 1);
   if (event.shift == ShiftCtrl && event.keyCode == 'C') {
-    GetSurface().SetClipboardText(CopyText());
+    grid_.GetSurface().SetClipboardText(grid_.CopyText());
     return true;
   }
   if (event.shift == ShiftCtrl && event.keyCode == 'V') {
-    PasteText(GetSurface().ClipboardText());
+    grid_.PasteText(grid_.GetSurface().ClipboardText());
     return true;
   }
   if (event.shift == ShiftShift && event.keyCode == KeyCodeF2) {
-    ZoomWanted.Raise();
+    grid_.ZoomWanted.Raise();
     return true;
   }
   if (!plain) return false;
   switch (event.keyCode) {
     case KeyCodeF2:
-      return OpenEditor();
+      return grid_.OpenEditor();
     case KeyCodeF4:
-      if (!OpenEditor()) return false;
-      if (edit_ && edit_->isCombo) cboList_->OnKeyDown(event);
+      if (!grid_.OpenEditor()) return false;
+      grid_.editing_.OnListKey(event);
       return true;
     case KeyCodeEnter:
-      return MoveToNextCell(1);
+      return grid_.MoveToNextCell(1);
     case KeyCodeSpace:
-      if (currentRow_ == 0 || !IsCheckBoxColumn(currentColumn_)) return false;
-      ToggleCheckBox(currentRow_, currentColumn_);
+      if (grid_.currentRow_ == 0 || !grid_.IsCheckBoxColumn(grid_.currentColumn_)) return false;
+      grid_.ToggleCheckBox(grid_.currentRow_, grid_.currentColumn_);
       return true;
     case KeyCodeDelete:
-      if (!allowRowInsert_ || selection_.first == 0) return false;
-      DeleteSelectedRows();
+      if (!grid_.allowRowInsert_ || grid_.selection_.Empty()) return false;
+      grid_.DeleteSelectedRows();
       return true;
     case KeyCodeInsert:
-      if (!allowRowInsert_ || selection_.first == 0) return false;
-      InsertRows();
+      if (!grid_.allowRowInsert_ || grid_.selection_.Empty()) return false;
+      grid_.InsertRows();
       return true;
     default:
       return false;
@@ -72,29 +83,30 @@ bool zrGrid::CommandKey(const KeyEvent& event) {
 }
 
 // Shift with the space bar or the arrows selects rows; Alt moves them.
-bool zrGrid::SelectionKey(const KeyEvent& event) {
+bool GridKeys::SelectionKey(const KeyEvent& event) const {
   const bool vertical = event.keyCode == KeyCodeUp || event.keyCode == KeyCodeDown;
   const int direction = event.keyCode == KeyCodeUp ? -1 : 1;
-  if (event.shift == ShiftAlt && vertical) return MoveRows(direction);
-  if (event.keyCode == KeyCodeEscape && event.shift == ShiftNone && selection_.first != 0) {
-    SelectRows(0, 0);
+  if (event.shift == ShiftAlt && vertical) return grid_.MoveRows(direction);
+  if (event.keyCode == KeyCodeEscape && event.shift == ShiftNone && !grid_.selection_.Empty()) {
+    grid_.SelectRows(0, 0);
     return true;
   }
-  if (event.shift != ShiftShift || currentRow_ == 0) return false;
+  if (event.shift != ShiftShift || grid_.currentRow_ == 0) return false;
   if (event.keyCode == KeyCodeSpace) {
-    anchor_ = currentRow_;
-    SelectRows(currentRow_, currentRow_);
+    grid_.selection_.SetAnchor(grid_.currentRow_);
+    grid_.SelectRows(grid_.currentRow_, grid_.currentRow_);
     return true;
   }
   if (!vertical) return false;
-  if (selection_.first == 0) anchor_ = currentRow_;
-  MoveCurrent(event.keyCode);
-  SelectRows(std::min(anchor_, currentRow_), std::max(anchor_, currentRow_));
+  if (grid_.selection_.Empty()) grid_.selection_.SetAnchor(grid_.currentRow_);
+  grid_.MoveCurrent(event.keyCode);
+  const RowRange range = grid_.selection_.UpTo(grid_.currentRow_);
+  grid_.SelectRows(range.first, range.last);
   return true;
 }
 
 // The arrows, and keys that go further.
-bool zrGrid::JumpKey(const KeyEvent& event) {
+bool GridKeys::JumpKey(const KeyEvent& event) const {
   const bool ctrl = event.shift == ShiftCtrl;
   if (event.shift != ShiftNone && !ctrl) return false;
   switch (event.keyCode) {
@@ -102,28 +114,28 @@ bool zrGrid::JumpKey(const KeyEvent& event) {
     case KeyCodeUp:
     case KeyCodeRight:
     case KeyCodeDown:
-      return !ctrl && MoveCurrent(event.keyCode);
+      return !ctrl && grid_.MoveCurrent(event.keyCode);
     default:
       break;
   }
-  const auto count = static_cast<std::size_t>(rows_->Count());
-  if (count == 0 || columns_->Count() == 0 || currentRow_ == 0) return false;
-  const ScrollState& bar = scroller_.Bar(Orientation::Vertical);
+  const auto count = static_cast<std::size_t>(grid_.rows_->Count());
+  if (count == 0 || grid_.columns_->Count() == 0 || grid_.currentRow_ == 0) return false;
+  const ScrollState& bar = grid_.scroller_.Bar(Orientation::Vertical);
   const auto page = static_cast<std::size_t>(std::max(1, bar.page / std::max(1, bar.step) - 1));
-  const std::size_t first = NextShownColumn(0, 1);
-  const std::size_t last = NextShownColumn(static_cast<std::size_t>(columns_->Count()) + 1, -1);
+  const std::size_t first = grid_.NextShownColumn(0, 1);
+  const std::size_t last = grid_.NextShownColumn(static_cast<std::size_t>(grid_.columns_->Count()) + 1, -1);
   switch (event.keyCode) {
     case KeyCodeHome:
-      MakeCurrent(ctrl ? 1 : currentRow_, first);
+      grid_.MakeCurrent(ctrl ? 1 : grid_.currentRow_, first);
       return true;
     case KeyCodeEnd:
-      MakeCurrent(ctrl ? count : currentRow_, last);
+      grid_.MakeCurrent(ctrl ? count : grid_.currentRow_, last);
       return true;
     case KeyCodePageUp:
-      MakeCurrent(currentRow_ > page ? currentRow_ - page : 1, currentColumn_);
+      grid_.MakeCurrent(grid_.currentRow_ > page ? grid_.currentRow_ - page : 1, grid_.currentColumn_);
       return !ctrl;
     case KeyCodePageDown:
-      MakeCurrent(std::min(currentRow_ + page, count), currentColumn_);
+      grid_.MakeCurrent(std::min(grid_.currentRow_ + page, count), grid_.currentColumn_);
       return !ctrl;
     default:
       return false;
@@ -131,12 +143,18 @@ bool zrGrid::JumpKey(const KeyEvent& event) {
 }
 
 // What types something replaces the cell's text; the backspace key empties it.
-bool zrGrid::TypingKey(const KeyEvent& event) {
+bool GridKeys::TypingKey(const KeyEvent& event) const {
   const bool empties = event.keyCode == KeyCodeBack && event.shift == ShiftNone;
   if (event.text.empty() && !empties) return false;
-  if (currentRow_ == 0 && !MoveCurrent(KeyCodeDown)) return false;
+  if (grid_.currentRow_ == 0 && !grid_.MoveCurrent(KeyCodeDown)) return false;
   const std::string typed = empties ? std::string() : event.text;
-  return OpenEditor(&typed);
+  return grid_.OpenEditor(&typed);
+}
+
+// --- The grid ---
+
+bool zrGrid::OnKeyDown(const KeyEvent& event) {
+  return IsEditing() ? editing_.OnKeyDown(event) : GridKeys(*this).Act(event);
 }
 
 // --- Moving the current cell ---
@@ -186,9 +204,7 @@ bool zrGrid::MoveToNextCell(int direction) {
 
 void zrGrid::OnFocusChanged(bool focused) {
   focused_ = focused;
-  // A combo whose text box is hidden leaves the keyboard to the grid.
-  const bool editsHere = edit_ && edit_->isCombo && cboList_->HideEdit();
-  if (!focused && editsHere) CommitEdit();
+  if (!focused && editing_.LeavesKeyboard()) CommitEdit();
   Redraw();
 }
 

@@ -1,107 +1,130 @@
 // The grid's own context menu. Every entry is a command that the keyboard or the mouse has, too, or opens a window.
+#include <algorithm>
+
 #include "grid/grid_pane.h"
 
 namespace zrqrybld {
 
-void qbGridPane::ShowMenu(const GridHit& hit, PixelPoint at) {
-  grdPane_->CommitEdit();
-  // The menu is about what is under it: rows that are selected elsewhere are not meant.
-  if (hit.part == GridPart::Cell && !grdPane_->Selection().Contains(hit.row)) grdPane_->SelectRows(0, 0);
-  Menu menu;
+// What the menu offers. Its entries hold a copy of this, and the menu does not outlive the pane.
+class GridPaneMenu {
+ public:
+  explicit GridPaneMenu(qbGridPane& pane) : pane_(pane), grid_(*pane.grdPane_) {}
+  Menu Make(const GridHit& hit) const;
+
+ private:
+  void AddRowEntries(Menu& menu) const;
+  void AddCellEntries(Menu& menu) const;
+  Menu ColumnEntries(std::size_t column) const;
+  void ClearCell() const;
+  void SetColumnShown(std::int32_t column, bool show) const;
+
+  qbGridPane& pane_;
+  zrGrid& grid_;
+};
+
+Menu GridPaneMenu::Make(const GridHit& hit) const {
   const bool isHeader = hit.part == GridPart::ColumnHeader || hit.part == GridPart::ColumnEdge;
+  if (isHeader) return ColumnEntries(hit.column);
+  Menu menu;
   if (hit.part == GridPart::Cell || hit.part == GridPart::RowHeader) AddRowEntries(menu);
   if (hit.part == GridPart::Cell) AddCellEntries(menu);
-  if (isHeader) {
-    menu = ColumnEntries(hit.column);
-  } else {
-    if (!menu.empty()) menu.push_back(MenuEntry::Separator());
-    menu.push_back({"C&olumns", "", {}, true, false, ColumnEntries(0)});
-  }
-  BeforeContextMenu.Raise(static_cast<std::int32_t>(hit.row), static_cast<std::int32_t>(hit.column), menu);
-  if (!menu.empty()) grdPane_->GetSurface().ShowMenu(menu, at);
+  if (!menu.empty()) menu.push_back(MenuEntry::Separator());
+  menu.push_back({"C&olumns", "", {}, true, false, ColumnEntries(0)});
+  return menu;
 }
 
 // On the selected rows, else on the current one.
-void qbGridPane::AddRowEntries(Menu& menu) {
-  const auto selectOne = [this] {
-    const auto row = static_cast<std::size_t>(grdPane_->Row());
-    if (grdPane_->Selection().first == 0) grdPane_->SelectRows(row, row);
+void GridPaneMenu::AddRowEntries(Menu& menu) const {
+  const auto selectOne = [*this] {
+    const auto row = static_cast<std::size_t>(grid_.Row());
+    if (grid_.Selection().first == 0) grid_.SelectRows(row, row);
   };
-  const bool may = grdPane_->AllowRowInsert();
-  const bool several = grdPane_->Selection().Count() > 1;
-  const auto first =
-      grdPane_->Selection().first != 0 ? grdPane_->Selection().first : static_cast<std::size_t>(grdPane_->Row());
-  const auto last = grdPane_->Selection().first != 0 ? grdPane_->Selection().last : first;
-  const auto move = [this](int direction) { return [this, direction] { grdPane_->MoveRows(direction); }; };
+  const bool may = grid_.AllowRowInsert();
+  const bool several = grid_.Selection().Count() > 1;
+  const auto first = grid_.Selection().first != 0 ? grid_.Selection().first : static_cast<std::size_t>(grid_.Row());
+  const auto last = grid_.Selection().first != 0 ? grid_.Selection().last : first;
+  const auto move = [*this](int direction) { return [*this, direction] { grid_.MoveRows(direction); }; };
   menu.push_back({several ? "&Insert Rows" : "&Insert Row", "Ins",
-                  [this, selectOne] {
+                  [*this, selectOne] {
                     selectOne();
-                    grdPane_->InsertRows();
+                    grid_.InsertRows();
                   },
                   may});
   menu.push_back({several ? "&Delete Rows" : "&Delete Row", "Del",
-                  [this, selectOne] {
+                  [*this, selectOne] {
                     selectOne();
-                    grdPane_->DeleteSelectedRows();
+                    grid_.DeleteSelectedRows();
                   },
                   may});
   menu.push_back({"Move &Up", "Alt+Up", move(-1), may && first > 1});
-  menu.push_back({"Move Do&wn", "Alt+Down", move(1), may && last < static_cast<std::size_t>(RowCount())});
+  menu.push_back({"Move Do&wn", "Alt+Down", move(1), may && last < static_cast<std::size_t>(pane_.RowCount())});
   menu.push_back(MenuEntry::Separator());
-  menu.push_back({"&Copy", "Ctrl+C", [this] { grdPane_->GetSurface().SetClipboardText(grdPane_->CopyText()); }, true});
-  menu.push_back({"&Paste", "Ctrl+V", [this] { grdPane_->PasteText(grdPane_->GetSurface().ClipboardText()); },
-                  !grdPane_->GetSurface().ClipboardText().empty()});
+  menu.push_back({"&Copy", "Ctrl+C", [*this] { grid_.GetSurface().SetClipboardText(grid_.CopyText()); }, true});
+  menu.push_back({"&Paste", "Ctrl+V", [*this] { grid_.PasteText(grid_.GetSurface().ClipboardText()); },
+                  !grid_.GetSurface().ClipboardText().empty()});
 }
 
-void qbGridPane::AddCellEntries(Menu& menu) {
-  const std::int32_t row = grdPane_->Row();
-  const std::int32_t column = grdPane_->Column();
-  if (row == 0 || column == 0 || column == kColumnOutput || RowAt(row).Locked()) return;
-  const bool holdsText = !RowAt(row).ValueAt(static_cast<std::size_t>(column)).IsBlank();
-  menu.push_back({"C&lear", "", [this] { ClearCell(); }, holdsText});
+void GridPaneMenu::AddCellEntries(Menu& menu) const {
+  const std::int32_t row = grid_.Row();
+  const std::int32_t column = grid_.Column();
+  if (row == 0 || column == 0 || column == kColumnOutput || pane_.rows_.At(row).Locked()) return;
+  const bool holdsText = !RowReader(pane_.rows_.At(row)).IsBlank(static_cast<std::size_t>(column));
+  const bool linked = pane_.rows_.Context() != nullptr;
+  menu.push_back({"C&lear", "", [*this] { ClearCell(); }, holdsText});
   if (column != kColumnColumn && column < kColumnCriteria) return;
   menu.push_back(MenuEntry::Separator());
-  menu.push_back({"&Expression Builder...", "", [this] { ShowExpressionBuilder(); }, !context_.expired()});
-  menu.push_back({"&Zoom...", "Shift+F2", [this] { ShowExpressionZoom(); }, !context_.expired()});
+  menu.push_back({"&Expression Builder...", "", [*this] { pane_.ShowExpressionBuilder(); }, linked});
+  menu.push_back({"&Zoom...", "Shift+F2", [*this] { pane_.ShowExpressionZoom(); }, linked});
 }
 
-void qbGridPane::ClearCell() {
-  if (grdPane_->Row() > 0 && grdPane_->Column() > 0) SetCellAsEdit(grdPane_->Row(), grdPane_->Column(), "");
+void GridPaneMenu::ClearCell() const {
+  if (grid_.Row() > 0 && grid_.Column() > 0) pane_.SetCellAsEdit(grid_.Row(), grid_.Column(), "");
 }
 
 // What can be done to a column (0 for none), and which ones are shown. The last one that is shown stays.
-Menu qbGridPane::ColumnEntries(std::size_t column) {
+Menu GridPaneMenu::ColumnEntries(std::size_t column) const {
   Menu menu;
-  const zrGridColumns& columns = *grdPane_->Columns();
-  std::int32_t shown = 0;
-  for (std::int32_t i = 1; i <= columns.Count(); ++i) shown += columns.Item(i)->Width() > 0 ? 1 : 0;
+  const zrGridColumns& columns = *grid_.Columns();
+  const auto isShown = [](const Ref<zrGridColumn>& c) { return c->Width() > 0; };
+  const auto shown = std::ranges::count_if(columns, isShown);
   constexpr float kNarrowest = 300;
   if (column != 0) {
     const auto index = static_cast<std::int32_t>(column);
-    menu.push_back({"&Hide Column", "", [this, index] { SetColumnShown(index, false); }, shown > 1});
-    menu.push_back({"&Fit Width", "", [this, index] { grdPane_->FitColumn(index, kNarrowest); }});
+    menu.push_back({"&Hide Column", "", [*this, index] { SetColumnShown(index, false); }, shown > 1});
+    menu.push_back({"&Fit Width", "", [*this, index] { grid_.FitColumn(index, kNarrowest); }});
   }
-  menu.push_back({"Fit &All Widths", "", [this] {
-                    for (std::int32_t i = 1; i <= ColumnCount(); ++i) {
-                      if (grdPane_->Columns()->Item(i)->Width() > 0) grdPane_->FitColumn(i, kNarrowest);
+  menu.push_back({"Fit &All Widths", "", [*this, isShown] {
+                    for (const Ref<zrGridColumn>& each : *grid_.Columns()) {
+                      if (isShown(each)) grid_.FitColumn(each->Index(), kNarrowest);
                     }
                   }});
   menu.push_back(MenuEntry::Separator());
-  for (std::int32_t i = 1; i <= columns.Count(); ++i) {
-    const bool isShown = columns.Item(i)->Width() > 0;
-    menu.push_back({columns.Item(i)->Caption(), "", [this, i, isShown] { SetColumnShown(i, !isShown); },
-                    !isShown || shown > 1, isShown});
+  for (const Ref<zrGridColumn>& each : columns) {
+    const bool is = isShown(each);
+    menu.push_back({each->Caption(), "", [*this, index = each->Index(), is] { SetColumnShown(index, !is); },
+                    !is || shown > 1, is});
   }
   return menu;
 }
 
 // The grouping column stands for grouping itself.
-void qbGridPane::SetColumnShown(std::int32_t column, bool show) {
+void GridPaneMenu::SetColumnShown(std::int32_t column, bool show) const {
   if (column == kColumnGroupBy) {
-    SetShowGroupBy(show);
+    pane_.SetShowGroupBy(show);
   } else {
-    grdPane_->Columns()->Item(column)->SetHidden(!show);
+    grid_.Columns()->Item(column)->SetHidden(!show);
   }
+}
+
+// --- The pane ---
+
+void qbGridPane::ShowMenu(const GridHit& hit, PixelPoint at) {
+  grdPane_->CommitEdit();
+  // The menu is about what is under it: rows that are selected elsewhere are not meant.
+  if (hit.part == GridPart::Cell && !grdPane_->Selection().Contains(hit.row)) grdPane_->SelectRows(0, 0);
+  Menu menu = GridPaneMenu(*this).Make(hit);
+  BeforeContextMenu.Raise(static_cast<std::int32_t>(hit.row), static_cast<std::int32_t>(hit.column), menu);
+  if (!menu.empty()) grdPane_->GetSurface().ShowMenu(menu, at);
 }
 
 }  // namespace zrqrybld

@@ -20,10 +20,7 @@ std::size_t DropRowAt(const GridLayout& layout, PixelPoint point, std::size_t co
 }  // namespace
 
 void zrGrid::OnMouseDown(const MouseEvent& event) {
-  if (edit_ && edit_->isCombo && cboList_->Bounds().Contains(event.position)) {
-    cboList_->OnMouseDown(event);
-    return;
-  }
+  if (editing_.OnMouseDown(event)) return;
   CommitEdit();  // a click elsewhere; what is under the pointer is looked up after it
   const GridHit hit = Layout().HitTest(event.position);
   switch (hit.part) {
@@ -61,10 +58,11 @@ void zrGrid::PressHeader(const GridHit& hit, const MouseEvent& event) {
 
 // Selects the row, or with Shift all rows up to it. A row that is selected already may be the handle of all of them.
 void zrGrid::PressRowHeader(std::size_t row, const MouseEvent& event) {
-  if ((event.shift & ShiftShift) != 0 && selection_.first != 0) {
-    SelectRows(std::min(anchor_, row), std::max(anchor_, row));
+  if ((event.shift & ShiftShift) != 0 && !selection_.Empty()) {
+    const RowRange range = selection_.UpTo(row);
+    SelectRows(range.first, range.last);
   } else if (!selection_.Contains(row)) {
-    anchor_ = row;
+    selection_.SetAnchor(row);
     SelectRows(row, row);
   }
   MakeCurrent(row, currentColumn_ != 0 ? currentColumn_ : NextShownColumn(0, 1));
@@ -116,7 +114,7 @@ void zrGrid::DragRows(MovingRows& moving, PixelPoint to) {
   const GridLayout layout = Layout();
   const PixelSize view = GetSurface().ViewSize();
   const int step = scroller_.Bar(Orientation::Vertical).step;
-  if (scroller_.ScrollTowards(Orientation::Vertical, to.y, layout.HeaderHeight(), view.height, step)) PlaceEditor();
+  if (scroller_.ScrollTowards(Orientation::Vertical, to.y, layout.HeaderHeight(), view.height, step)) editing_.Place();
   UpdateScrollBars();
   dropRow_ = DropRowAt(Layout(), to, static_cast<std::size_t>(rows_->Count()));
   GetSurface().SetCursor(Cursor::Move);
@@ -124,7 +122,7 @@ void zrGrid::DragRows(MovingRows& moving, PixelPoint to) {
 }
 
 void zrGrid::OnMouseUp(const MouseEvent& event) {
-  if (cboList_) cboList_->OnMouseUp(event);
+  editing_.OnMouseUp(event);
   const bool ends = event.button == ButtonLeft && !std::holds_alternative<NoGesture>(gesture_);
   if (ends) {
     const Gesture gesture = std::exchange(gesture_, NoGesture{});
@@ -133,9 +131,9 @@ void zrGrid::OnMouseUp(const MouseEvent& event) {
       const std::size_t before = std::exchange(dropRow_, std::size_t{0});
       GetSurface().SetCursor(Cursor::Arrow);
       if (moving->started) {
-        MoveRange(selection_, before);
+        MoveRange(selection_.Range(), before);
       } else if (moving->grip <= static_cast<std::size_t>(rows_->Count())) {
-        anchor_ = moving->grip;
+        selection_.SetAnchor(moving->grip);
         SelectRows(moving->grip, moving->grip);
       }
       Redraw();
@@ -176,24 +174,6 @@ void zrGrid::ToggleCheckBox(std::size_t row, std::size_t column) {
 }
 
 // --- A header that stands for its cells ---
-
-// Cells that were never set do not count.
-zrGrid::CheckState zrGrid::CountChecks(std::size_t column) const {
-  CheckState state = CheckState::None;
-  for (std::size_t row = 1; row <= static_cast<std::size_t>(rows_->Count()); ++row) {
-    const Variant& value = rows_->At(row).ValueAt(column);
-    if (value.IsEmpty()) continue;
-    const CheckState cell = value == Variant(true) ? CheckState::On : CheckState::Off;
-    if (state == CheckState::None) state = cell;
-    if (state != cell) return CheckState::Mixed;
-  }
-  return state;
-}
-
-zrGrid::CheckState zrGrid::StateOfColumn(std::size_t column) const {
-  if (!headerState_ || headerState_->first != column) headerState_ = {column, CountChecks(column)};
-  return headerState_->second;
-}
 
 // Checks all cells, or none when all are checked.
 void zrGrid::CheckColumn(std::size_t column) {

@@ -19,134 +19,157 @@ TextAlignment AlignmentOf(const zrGridColumn& column) {
 
 }  // namespace
 
-void zrGrid::Paint(Canvas& canvas, const PixelRect& dirty) const {
-  const PixelSize view = GetSurface().ViewSize();
-  const GridLayout layout = Layout();
-  canvas.FillRect({{}, {}, view.width, view.height}, ColorRole::Box);
-  const GridLayout::Range rows = layout.VisibleRows(view.height);
-  const GridLayout::Range columns = layout.VisibleColumns(view.width);
+// One picture of a grid.
+class GridPainter {
+ public:
+  GridPainter(const zrGrid& grid, Canvas& canvas, const PixelRect& dirty)
+      : grid_(grid), canvas_(canvas), dirty_(dirty), view_(grid.GetSurface().ViewSize()), layout_(grid.Layout()) {}
+  void Paint() const;
+
+ private:
+  void PaintHeaders() const;
+  void PaintColumnHeader(const PixelRect& rect, std::size_t column) const;
+  void PaintCell(const PixelRect& rect, std::size_t row, std::size_t column) const;
+  void PaintHint() const;
+
+  const zrGrid& grid_;
+  Canvas& canvas_;
+  const PixelRect& dirty_;
+  const PixelSize view_;
+  const GridLayout layout_;
+};
+
+void GridPainter::Paint() const {
+  canvas_.FillRect({{}, {}, view_.width, view_.height}, ColorRole::Box);
+  const GridLayout::Range rows = layout_.VisibleRows(view_.height);
+  const GridLayout::Range columns = layout_.VisibleColumns(view_.width);
   {
-    const ClipScope clip(canvas, {layout.RowHeaderWidth(), layout.HeaderHeight(), view.width - layout.RowHeaderWidth(),
-                                  view.height - layout.HeaderHeight()});
+    const ClipScope clip(canvas_, {layout_.RowHeaderWidth(), layout_.HeaderHeight(),
+                                   view_.width - layout_.RowHeaderWidth(), view_.height - layout_.HeaderHeight()});
     for (std::size_t row = rows.first; row <= rows.last; ++row) {
       for (std::size_t column = columns.first; column <= columns.last; ++column) {
-        const PixelRect rect = layout.CellRect(row, column);
-        if (!rect.Empty() && rect.Overlaps(dirty)) PaintCell(canvas, rect, row, column);
+        const PixelRect rect = layout_.CellRect(row, column);
+        if (!rect.Empty() && rect.Overlaps(dirty_)) PaintCell(rect, row, column);
       }
     }
-    if (edit_ && edit_->isCombo) cboList_->Paint(canvas, dirty);
-    if (!emptyText_.empty() && !edit_ && HoldsNothing()) {
-      const PixelRect body{layout.RowHeaderWidth(), layout.HeaderHeight() + layout.RowHeight(),
-                           view.width - layout.RowHeaderWidth(), layout.RowHeight() * 2};
-      canvas.FillRect(body, ColorRole::Box);
-      canvas.DrawText(body.Inset(kGridTextPadding, {}), emptyText_, {ColorRole::QuietText, font_});
+    grid_.editing_.Paint(canvas_, dirty_);
+    if (!grid_.emptyText_.empty() && !grid_.IsEditing() && grid_.HoldsNothing()) {
+      const PixelRect body{layout_.RowHeaderWidth(), layout_.HeaderHeight() + layout_.RowHeight(),
+                           view_.width - layout_.RowHeaderWidth(), layout_.RowHeight() * 2};
+      canvas_.FillRect(body, ColorRole::Box);
+      canvas_.DrawText(body.Inset(kGridTextPadding, {}), grid_.emptyText_, {ColorRole::QuietText, grid_.font_});
     }
-    PaintHint(canvas, layout, view);
+    PaintHint();
   }
-  PaintHeaders(canvas, layout, view);
-  if (dropRow_ != 0) {
+  PaintHeaders();
+  if (grid_.dropRow_ != 0) {
     // The bar where a drop would insert.
-    const PixelRect row = layout.RowHeaderRect(dropRow_);
-    canvas.FillRect({0_px, std::max(row.top, layout.HeaderHeight()) - 1_px, view.width, 3_px}, ColorRole::Focus);
+    const PixelRect row = layout_.RowHeaderRect(grid_.dropRow_);
+    canvas_.FillRect({0_px, std::max(row.top, layout_.HeaderHeight()) - 1_px, view_.width, 3_px}, ColorRole::Focus);
   }
 }
 
-void zrGrid::PaintHeaders(Canvas& canvas, const GridLayout& layout, PixelSize view) const {
-  const GridLayout::Range rows = layout.VisibleRows(view.height);
-  const GridLayout::Range columns = layout.VisibleColumns(view.width);
+void GridPainter::PaintHeaders() const {
+  const GridLayout::Range rows = layout_.VisibleRows(view_.height);
+  const GridLayout::Range columns = layout_.VisibleColumns(view_.width);
   {
-    const ClipScope clip(canvas,
-                         {layout.RowHeaderWidth(), {}, view.width - layout.RowHeaderWidth(), layout.HeaderHeight()});
+    const ClipScope clip(
+        canvas_, {layout_.RowHeaderWidth(), {}, view_.width - layout_.RowHeaderWidth(), layout_.HeaderHeight()});
     for (std::size_t column = columns.first; column <= columns.last; ++column) {
-      const PixelRect rect = layout.ColumnHeaderRect(column);
+      const PixelRect rect = layout_.ColumnHeaderRect(column);
       if (rect.Empty()) continue;
-      PaintColumnHeader(canvas, rect, column);
+      PaintColumnHeader(rect, column);
     }
   }
   {
-    const ClipScope clip(canvas,
-                         {{}, layout.HeaderHeight(), layout.RowHeaderWidth(), view.height - layout.HeaderHeight()});
+    const ClipScope clip(canvas_,
+                         {{}, layout_.HeaderHeight(), layout_.RowHeaderWidth(), view_.height - layout_.HeaderHeight()});
     for (std::size_t row = rows.first; row <= rows.last; ++row) {
-      canvas.DrawPart(ThemedPart::RowHeader, layout.RowHeaderRect(row),
-                      {.pressed = selection_.Contains(row), .disabled = false});
+      canvas_.DrawPart(ThemedPart::RowHeader, layout_.RowHeaderRect(row),
+                       {.pressed = grid_.selection_.Contains(row), .disabled = false});
     }
   }
-  canvas.DrawPart(ThemedPart::RowHeader, {{}, {}, layout.RowHeaderWidth(), layout.HeaderHeight()}, {});
+  canvas_.DrawPart(ThemedPart::RowHeader, {{}, {}, layout_.RowHeaderWidth(), layout_.HeaderHeight()}, {});
 }
 
-// The check box of a header stands in front of its caption.
-PixelRect zrGrid::HeaderCheckBox(const PixelRect& header) const {
-  return {header.left + kGridTextPadding, header.CenterY() - kCheckBox / 2, kCheckBox, kCheckBox};
-}
-
-void zrGrid::PaintColumnHeader(Canvas& canvas, const PixelRect& rect, std::size_t column) const {
-  canvas.DrawPart(ThemedPart::ColumnHeader, rect, {.hover = column == hoverHeader_});
+void GridPainter::PaintColumnHeader(const PixelRect& rect, std::size_t column) const {
+  canvas_.DrawPart(ThemedPart::ColumnHeader, rect, {.hover = column == grid_.hoverHeader_});
   PixelRect text = rect.Inset(kGridTextPadding, {});
-  if (columns_->At(column).DisplayAttribute() == kCheckedHeader) {
-    const CheckState state = StateOfColumn(column);
-    const PixelRect box = HeaderCheckBox(rect);
-    canvas.DrawPart(ThemedPart::CheckBox, box,
-                    {.checked = state == CheckState::On,
-                     .mixed = state == CheckState::Mixed,
-                     .disabled = state == CheckState::None});
+  if (grid_.columns_->At(column).DisplayAttribute() == kCheckedHeader) {
+    const CheckState state = grid_.StateOfColumn(column);
+    const PixelRect box = grid_.HeaderCheckBox(rect);
+    canvas_.DrawPart(ThemedPart::CheckBox, box,
+                     {.checked = state == CheckState::On,
+                      .mixed = state == CheckState::Mixed,
+                      .disabled = state == CheckState::None});
     const Pixels taken = box.Right() + kGridTextPadding - text.left;
     text.left += taken;
     text.width -= taken;
   }
-  canvas.DrawText(text, columns_->At(column).Caption(), {ColorRole::Text, font_});
+  canvas_.DrawText(text, grid_.columns_->At(column).Caption(), {ColorRole::Text, grid_.font_});
 }
 
 // What is wrong with the current cell stands below it, above it where there is no room.
-void zrGrid::PaintHint(Canvas& canvas, const GridLayout& layout, PixelSize view) const {
-  if (currentRow_ == 0 || edit_) return;
-  const std::string& hint = rows_->At(currentRow_).HintAt(currentColumn_);
+void GridPainter::PaintHint() const {
+  if (grid_.currentRow_ == 0 || grid_.IsEditing()) return;
+  const std::string& hint = grid_.rows_->At(grid_.currentRow_).HintAt(grid_.currentColumn_);
   if (hint.empty()) return;
-  const PixelRect cell = layout.CellRect(currentRow_, currentColumn_);
-  const Pixels width = std::min(GetSurface().Metrics().TextWidth(hint, font_) + kGridTextPadding * 2 + 2_px,
-                                view.width - layout.RowHeaderWidth());
-  const Pixels left = std::max(std::min(cell.left, view.width - width), layout.RowHeaderWidth());
-  const bool below = cell.Bottom() + cell.height <= view.height;
+  const PixelRect cell = layout_.CellRect(grid_.currentRow_, grid_.currentColumn_);
+  const Pixels width = std::min(grid_.GetSurface().Metrics().TextWidth(hint, grid_.font_) + kGridTextPadding * 2 + 2_px,
+                                view_.width - layout_.RowHeaderWidth());
+  const Pixels left = std::max(std::min(cell.left, view_.width - width), layout_.RowHeaderWidth());
+  const bool below = cell.Bottom() + cell.height <= view_.height;
   const PixelRect box{left, below ? cell.Bottom() : cell.top - cell.height, width, cell.height};
-  canvas.FillRect(box, ColorRole::Box);
-  canvas.StrokeRect(box, ColorRole::Error, 1_px);
-  canvas.DrawText(box.Inset(kGridTextPadding, {}), hint, {ColorRole::Error, font_});
+  canvas_.FillRect(box, ColorRole::Box);
+  canvas_.StrokeRect(box, ColorRole::Error, 1_px);
+  canvas_.DrawText(box.Inset(kGridTextPadding, {}), hint, {ColorRole::Error, grid_.font_});
+}
+
+void GridPainter::PaintCell(const PixelRect& rect, std::size_t row, std::size_t column) const {
+  const bool selected = grid_.selection_.Contains(row);
+  // While no cell is current, the keyboard would begin at the first one.
+  const bool begins = grid_.currentRow_ == 0 && grid_.focused_ && row == 1 && column == grid_.NextShownColumn(0, 1);
+  const bool current = begins || (row == grid_.currentRow_ && column == grid_.currentColumn_);
+  const Ink fill = selected ? ColorRole::RowSelected : row % 2 == 0 ? ColorRole::RowAlternate : ColorRole::Box;
+  const Ink ink = selected ? ColorRole::RowSelectedText : ColorRole::Text;
+  canvas_.FillRect(rect, fill);
+  canvas_.FillRect({rect.Right() - 1_px, rect.top, 1_px, rect.height}, ColorRole::GridLine);
+  canvas_.FillRect({rect.left, rect.Bottom() - 1_px, rect.width, 1_px}, ColorRole::GridLine);
+  if (grid_.columns_->At(column).Style() == GridColumnCheckBox) {
+    const Variant& value = grid_.rows_->At(row).ValueAt(column);
+    canvas_.DrawPart(ThemedPart::CheckBox,
+                     {rect.CenterX() - kCheckBox / 2, rect.CenterY() - kCheckBox / 2, kCheckBox, kCheckBox},
+                     {.checked = value == Variant(true)});
+  } else {
+    canvas_.DrawText(rect.Inset(kGridTextPadding, {}), grid_.CellText(row, column),
+                     {ink, grid_.font_, AlignmentOf(grid_.columns_->At(column))});
+  }
+  if (!grid_.rows_->At(row).HintAt(column).empty()) {
+    const PixelPoint corner{rect.Right() - 1_px, rect.top};
+    const PixelPoint points[] = {corner, {corner.x - kHintMark, corner.y}, {corner.x, corner.y + kHintMark}};
+    canvas_.FillPolygon(points, ColorRole::Error);
+  }
+  const bool active = grid_.focused_ || grid_.IsEditing();
+  if (current) canvas_.StrokeRect(rect, active ? ColorRole::Focus : ColorRole::GridLine, active ? 2_px : 1_px);
+}
+
+// --- The grid ---
+
+void zrGrid::Paint(Canvas& canvas, const PixelRect& dirty) const { GridPainter(*this, canvas, dirty).Paint(); }
+
+// The check box of a header stands in front of its caption.
+PixelRect zrGrid::HeaderCheckBox(const PixelRect& header) {
+  return {header.left + kGridTextPadding, header.CenterY() - kCheckBox / 2, kCheckBox, kCheckBox};
 }
 
 bool zrGrid::HoldsNothing() const {
-  for (std::size_t row = 1; row <= static_cast<std::size_t>(rows_->Count()); ++row) {
-    for (std::size_t column = 1; column <= static_cast<std::size_t>(columns_->Count()); ++column) {
-      if (!rows_->At(row).ValueAt(column).IsBlank()) return false;
+  const auto columns = static_cast<std::size_t>(columns_->Count());
+  for (const Ref<zrGridRow>& row : *rows_) {
+    for (std::size_t column = 1; column <= columns; ++column) {
+      if (!row->ValueAt(column).IsBlank()) return false;
     }
   }
   return true;
-}
-
-void zrGrid::PaintCell(Canvas& canvas, const PixelRect& rect, std::size_t row, std::size_t column) const {
-  const bool selected = selection_.Contains(row);
-  // While no cell is current, the keyboard would begin at the first one.
-  const bool begins = currentRow_ == 0 && focused_ && row == 1 && column == NextShownColumn(0, 1);
-  const bool current = begins || (row == currentRow_ && column == currentColumn_);
-  const Ink fill = selected ? ColorRole::RowSelected : row % 2 == 0 ? ColorRole::RowAlternate : ColorRole::Box;
-  const Ink ink = selected ? ColorRole::RowSelectedText : ColorRole::Text;
-  canvas.FillRect(rect, fill);
-  canvas.FillRect({rect.Right() - 1_px, rect.top, 1_px, rect.height}, ColorRole::GridLine);
-  canvas.FillRect({rect.left, rect.Bottom() - 1_px, rect.width, 1_px}, ColorRole::GridLine);
-  if (columns_->At(column).Style() == GridColumnCheckBox) {
-    const Variant& value = rows_->At(row).ValueAt(column);
-    canvas.DrawPart(ThemedPart::CheckBox,
-                    {rect.CenterX() - kCheckBox / 2, rect.CenterY() - kCheckBox / 2, kCheckBox, kCheckBox},
-                    {.checked = value == Variant(true)});
-  } else {
-    canvas.DrawText(rect.Inset(kGridTextPadding, {}), CellText(row, column),
-                    {ink, font_, AlignmentOf(columns_->At(column))});
-  }
-  if (!rows_->At(row).HintAt(column).empty()) {
-    const PixelPoint corner{rect.Right() - 1_px, rect.top};
-    const PixelPoint points[] = {corner, {corner.x - kHintMark, corner.y}, {corner.x, corner.y + kHintMark}};
-    canvas.FillPolygon(points, ColorRole::Error);
-  }
-  const bool active = focused_ || edit_;
-  if (current) canvas.StrokeRect(rect, active ? ColorRole::Focus : ColorRole::GridLine, active ? 2_px : 1_px);
 }
 
 }  // namespace zrqrybld

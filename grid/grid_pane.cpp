@@ -5,22 +5,27 @@
 #include <optional>
 
 #include "base/error.h"
-#include "base/scoped_value.h"
 #include "base/text.h"
 #include "diagram/entities.h"
-#include "grid/sort_order.h"
+#include "expression/intelli_list.h"
 #include "platform/stored_values.h"
 
 namespace zrqrybld {
 namespace {
 
 constexpr int kInitialRows = 7;
-constexpr float kGroupByWidth = 1200;
 constexpr const char* kDateFormat = "dd-mmm-yyyy";
 
-std::int32_t SortOrderOf(const zrGridRow& row) {
-  const std::optional<double> number = ParseNumber(row.ValueAt(kColumnSortOrder).Text());
-  return number && *number >= 1 && *number < 1e6 ? static_cast<std::int32_t>(*number) : 0;
+// Whether a text that is dropped may name a field.
+bool IsFieldText(const std::string& text) {
+  return text.find_first_of("\r\n") == std::string::npos && !TrimWhite(text).empty() && !text.ends_with('.');
+}
+
+// Nothing for cells that hold names and choices.
+Ref<qbIntelliList> SuggestionsFor(const WeakRef<QueryContext>& link, std::int32_t column) {
+  const Ref<QueryContext> context = link.lock();
+  if (!context || (column != kColumnColumn && column < kColumnCriteria)) return nullptr;
+  return qbIntelliList::Create(context, column == kColumnColumn ? EditedText::Expression : EditedText::Criterion);
 }
 
 }  // namespace
@@ -33,19 +38,18 @@ Ref<qbGridPane> qbGridPane::Create() {
 }
 
 void qbGridPane::CreateColumns() {
-  grdPane_ = zrGrid::Create();
   for (const GridColumnRow& row : kGridColumns) {
     const Ref<zrGridColumn> column =
         grdPane_->Columns()->Add(std::string(row.key), std::string(DefaultLanguageString(row.caption)));
     column->SetWidth(row.width);
     column->SetStyle(row.style);
   }
-  for (const char* text : {"Ascending", "Descending", "Unsorted"}) {
-    grdPane_->Columns()->Item("sort_type")->ComboItems()->Add(text);
+  for (const SortWord& word : kSortWords) {
+    grdPane_->Columns()->Item(kColumnSortType)->ComboItems()->Add(std::string(word.text));
   }
-  grdPane_->Columns()->Item("output")->SetDisplayAttribute(kCheckedHeader);
+  grdPane_->Columns()->Item(kColumnOutput)->SetDisplayAttribute(kCheckedHeader);
   grdPane_->SetEmptyText("Tick columns in the diagram, drag them here, or type their names.");
-  ApplyShowGroupBy();
+  grouping_.Show(true);
   ConnectGrid();
 }
 
@@ -60,20 +64,22 @@ void qbGridPane::ConnectGrid() {
   zrGrid& grid = *grdPane_;
   listen(grid.AfterChange, [this](std::int32_t row, std::int32_t column) { CellChanged(row, column); });
   listen(grid.BeforeChange, [this](std::int32_t row, std::int32_t column, bool&) {
-    if (busy_) return;
-    before_ = FieldOf(RowAt(row));
-    change_ = Change{RowAt(row).weak_from_this(), column, Text(RowAt(row), static_cast<std::size_t>(column))};
+    if (rows_.IsBusy()) return;
+    zrGridRow& cells = rows_.At(row);
+    before_ = FieldOf(cells);
+    change_ = Change{cells.weak_from_this(), column, RowReader(cells).Text(static_cast<std::size_t>(column))};
   });
-  listen(grid.BeforeEdit, [this](std::int32_t row, std::int32_t column) { RefillLists(row, column); });
+  listen(grid.BeforeEdit, [this](std::int32_t row, std::int32_t column) { rules_.FillList(rows_.At(row), column); });
   listen(grid.AfterEdit, [this](std::int32_t row, std::int32_t column) { GridEdited(row, column); });
-  listen(grid.BeforeDelete, [this](std::int32_t first, std::int32_t last, bool&) { RowsAboutToGo(first, last); });
+  listen(grid.BeforeDelete, [this](std::int32_t first, std::int32_t last, bool&) { output_.AboutToGo(first, last); });
   listen(grid.AfterDelete, [this](std::int32_t, std::int32_t) { RowsMoved(); });
   listen(grid.AfterMove, [this](std::int32_t, std::int32_t, std::int32_t) { RowsMoved(); });
   listen(grid.AfterInsert, [this](std::int32_t first, std::int32_t last) {
-    for (std::int32_t i = first; i <= last && i <= RowCount(); ++i) RowAt(i).SetMaxLen("alias", AliasMaxLen());
-    EnsureEmptyLastRow();
+    for (std::int32_t i = first; i <= last && i <= RowCount(); ++i)
+      RowWriter(rows_.At(i)).SetAliasMaxLen(rows_.AliasMaxLen());
+    rows_.EnsureEmptyLast();
   });
-  listen(grid.RowsShifted, [this](std::int32_t from) { emptyFrom_ = std::min(emptyFrom_, from); });
+  listen(grid.RowsShifted, [this](std::int32_t from) { fields_.Shifted(from); });
   listen(grid.Batch, [this](GridWork kind, bool begins) { BatchChanged(kind, begins); });
   listen(grid.OLEDragOver, [](const std::string& text, std::int32_t& effect, auto&&...) {
     if (IsFieldText(text)) effect = 1;
@@ -92,9 +98,9 @@ void qbGridPane::ConnectGrid() {
 // --- Link to the hub ---
 
 void qbGridPane::SetContext(const Ref<QueryContext>& context) {
-  context_ = context;
+  rows_.SetContext(context);
   // The grid may live longer than the pane: it knows the context only.
-  grdPane_->SetSuggestionSource([link = context_](std::int32_t column) { return SuggestionsFor(link, column); });
+  grdPane_->SetSuggestionSource([link = rows_.Link()](std::int32_t column) { return SuggestionsFor(link, column); });
   if (!context) return;
   ApplyGridCaptions();
   ApplyAliasMaxLen();
@@ -102,22 +108,12 @@ void qbGridPane::SetContext(const Ref<QueryContext>& context) {
 }
 
 Ref<qbQueryBuilder> qbGridPane::QueryBuilder() const {
-  const Ref<QueryContext> context = context_.lock();
+  const Ref<QueryContext> context = rows_.Context();
   return context ? context->Hub() : nullptr;
 }
 
-Ref<qbEntities> qbGridPane::Entities() const {
-  const Ref<QueryContext> context = context_.lock();
-  return context ? context->Entities() : nullptr;
-}
-
-std::int16_t qbGridPane::AliasMaxLen() const {
-  const Ref<QueryContext> context = context_.lock();
-  return context ? context->AliasMaxLen() : std::int16_t{0};
-}
-
 void qbGridPane::AboutBox() {
-  if (const Ref<QueryContext> context = context_.lock()) {
+  if (const Ref<QueryContext> context = rows_.Context()) {
     context->GetToolkit().GetDialogs().ShowMessage("zrQryBld\r\nThe columns of a query.", MessageIcon::Information);
   }
 }
@@ -149,29 +145,25 @@ void qbGridPane::ReadProperties(const PropertyStore& store) {
   dateFormat_ = dateFormat.IsString() ? dateFormat.Text() : kDateFormat;
   const std::optional<double> style = store.Read("DateFormatStyle", 0).Number();
   dateFormatStyle_ = style && *style == 1 ? DateFormatEscapeSequence : DateFormatNative;
-  showGroupBy_ = ReadBoolean(store, "ShowGroupBy", true);
+  const bool groups = ReadBoolean(store, "ShowGroupBy", true);
   grdPane_->SetCustomContextMenu(ReadBoolean(store, "CustomContextMenu", false));
   grdPane_->SetFont(ReadFont(store, "Font"));
-  ApplyShowGroupBy();
-  ReportChange();
+  grouping_.Apply(groups);
+  rows_.ReportChange();
 }
 
 void qbGridPane::WriteProperties(PropertyStore& store) const {
   store.Write("DateFormat", dateFormat_, kDateFormat);
   store.Write("DateFormatStyle", static_cast<std::int32_t>(dateFormatStyle_), 0);
-  store.Write("ShowGroupBy", showGroupBy_, true);
+  store.Write("ShowGroupBy", ShowGroupBy(), true);
   store.Write("CustomContextMenu", CustomContextMenu(), false);
   store.Write("Font", ToVariant(Font()));
 }
 
 // --- Captions and lengths ---
 
-void qbGridPane::ReportChange() {
-  if (const Ref<QueryContext> context = context_.lock()) context->QueryChanged();
-}
-
 void qbGridPane::ApplyGridCaptions() {
-  const Ref<QueryContext> context = context_.lock();
+  const Ref<QueryContext> context = rows_.Context();
   for (const GridColumnRow& row : kGridColumns) {
     grdPane_->Columns()
         ->Item(std::string(row.key))
@@ -181,16 +173,16 @@ void qbGridPane::ApplyGridCaptions() {
 }
 
 void qbGridPane::ApplyAliasMaxLen() {
-  const std::int16_t longest = AliasMaxLen();
-  for (std::int32_t row = 1; row <= RowCount(); ++row) RowAt(row).SetMaxLen("alias", longest);
+  const std::int16_t longest = rows_.AliasMaxLen();
+  for (const Ref<zrGridRow>& row : *grdPane_->Rows()) RowWriter(*row).SetAliasMaxLen(longest);
 }
 
-bool qbGridPane::IsLocked(std::string_view key) const {
-  return grdPane_->Columns()->Item(key)->Style() == GridColumnComboList;
+bool qbGridPane::IsLocked(GridColumnIndex column) const {
+  return grdPane_->Columns()->Item(KeyOf(column))->Style() == GridColumnComboList;
 }
 
-void qbGridPane::SetLock(std::string_view key, bool lock) {
-  grdPane_->Columns()->Item(key)->SetStyle(lock ? GridColumnComboList : GridColumnCombo);
+void qbGridPane::SetLock(GridColumnIndex column, bool lock) {
+  grdPane_->Columns()->Item(KeyOf(column))->SetStyle(lock ? GridColumnComboList : GridColumnCombo);
 }
 
 // --- Cells ---
@@ -208,203 +200,117 @@ void qbGridPane::SetValue(const Variant& row, const Variant& column, Variant val
 }
 
 void qbGridPane::SetGroupByFunction(std::int32_t rowIndex, const qbDBFunction& function) {
-  const Ref<zrGridRow> row = HoldRow(rowIndex);
-  const std::string& syntax = function.Syntax();
-  row->SetTagVariant("group_by", syntax.empty() ? function.Name() : syntax);
-  row->SetValue("group_by", function.DisplayText());
-}
-
-bool qbGridPane::IsEmptyRow(const zrGridRow& row) const {
-  return row.ValueAt(kColumnColumn).IsBlank() && row.ValueAt(kColumnTable).IsBlank();
-}
-
-// Anything to the right of "output" but the grouping.
-bool qbGridPane::HasContent(const zrGridRow& row) const {
-  for (std::size_t column = kColumnOutput + 1; column <= static_cast<std::size_t>(ColumnCount()); ++column) {
-    if (column != kColumnGroupBy && !row.ValueAt(column).IsBlank()) return true;
-  }
-  return false;
-}
-
-void qbGridPane::AddEmptyRow() { grdPane_->Rows()->Add()->SetMaxLen("alias", AliasMaxLen()); }
-
-void qbGridPane::EnsureEmptyLastRow() {
-  if (RowCount() == 0 || !IsEmptyRow(RowAt(RowCount()))) AddEmptyRow();
+  RowWriter(*rows_.Hold(rowIndex)).SetGrouping(ChoiceOf(function));
 }
 
 void qbGridPane::ResetRows() {
   const RedrawPause pause(*grdPane_);
   grdPane_->Rows()->Clear();
-  rowsByField_.clear();
-  rowsByTable_.clear();
-  sortedRows_.clear();
-  for (int i = 0; i < kInitialRows; ++i) AddEmptyRow();
+  fields_.Clear();
+  sorting_.Clear();
+  for (int i = 0; i < kInitialRows; ++i) rows_.AddEmpty();
 }
 
 // --- Sorting and grouping ---
 
-void qbGridPane::NoteSorted(const zrGridRow& row) {
-  constexpr std::size_t kSlack = 64;
-  if (sortedRows_.size() > 2 * static_cast<std::size_t>(RowCount()) + kSlack) SortedRows();
-  sortedRows_.push_back(RowAt(row.Index()).weak_from_this());
-}
-
-// The rows with a sort type or a number, in their order: what is not sorted costs nothing.
-std::vector<Ref<zrGridRow>> qbGridPane::SortedRows() const {
-  std::vector<Ref<zrGridRow>> rows;
-  for (const WeakRef<Object>& noted : sortedRows_) {
-    const auto row = std::static_pointer_cast<zrGridRow>(noted.lock());
-    if (!row || row->Index() == 0) continue;
-    if (!row->ValueAt(kColumnSortType).IsBlank() || !row->ValueAt(kColumnSortOrder).IsBlank()) rows.push_back(row);
-  }
-  std::ranges::sort(rows, {}, [](const Ref<zrGridRow>& row) { return row->Index(); });
-  rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
-  sortedRows_.assign(rows.begin(), rows.end());
-  return rows;
-}
-
-std::int16_t qbGridPane::NextSortOrder(std::int32_t row) const {
-  std::int16_t next = 1;
-  for (const Ref<zrGridRow>& sorted : SortedRows()) {
-    const std::string type = Text(*sorted, kColumnSortType);
-    if (sorted->Index() != row && !type.empty() && !EqualsNoCase(type, "UNSORTED")) ++next;
-  }
-  return next;
-}
-
 void qbGridPane::SortRow(std::int32_t row, const std::string& type) {
-  const Ref<zrGridRow> item = grdPane_->Rows()->Item(row);
-  const StepScope step(context_.lock(), kStepSort, Text(*item, kColumnColumn));
-  item->SetValue("sort_type", type);
-  if (type.empty()) {
-    item->SetValue("sort_order", "");
-    CloseSortGaps();
-  } else if (SortOrderOf(*item) == 0) {
-    item->SetValue("sort_order", std::to_string(NextSortOrder(row)));
-  }
-}
-
-void qbGridPane::WriteSortOrders(const std::vector<Ref<zrGridRow>>& rows, const std::vector<std::int32_t>& orders) {
-  const ScopedValue busy(busy_, true);
-  for (std::size_t i = 0; i < rows.size(); ++i) {
-    if (rows[i]->Index() == 0) continue;  // a listener has removed it
-    if (orders[i] != 0) {
-      rows[i]->SetValue("sort_order", std::to_string(orders[i]));
-    } else if (!rows[i]->ValueAt(kColumnSortOrder).IsBlank()) {
-      rows[i]->SetValue("sort_order", "");
-    }
-  }
-}
-
-void qbGridPane::CloseSortGaps() {
-  const std::vector<Ref<zrGridRow>> rows = SortedRows();
-  std::vector<std::int32_t> orders;
-  for (const Ref<zrGridRow>& row : rows) orders.push_back(SortOrderOf(*row));
-  WriteSortOrders(rows, zrqrybld::CloseSortGaps(orders));
-}
-
-// The run stays 1 to N: the others make room, or close up.
-void qbGridPane::SetSortOrder(zrGridRow& row, std::int32_t order) {
-  std::vector<Ref<zrGridRow>> rows = SortedRows();
-  const Ref<zrGridRow> self = grdPane_->Rows()->Item(row.Index());
-  auto at = std::ranges::find(rows, self);
-  if (at == rows.end()) {
-    at = std::ranges::find_if(rows, [&](const Ref<zrGridRow>& other) { return other->Index() > row.Index(); });
-    at = rows.insert(at, self);
-  }
-  std::vector<std::int32_t> orders;
-  for (const Ref<zrGridRow>& sorted : rows) orders.push_back(SortOrderOf(*sorted));
-  WriteSortOrders(rows, PlaceSortOrder(orders, static_cast<std::size_t>(at - rows.begin()), order));
+  const Ref<zrGridRow> item = rows_.Hold(row);
+  const StepScope step(rows_.Context(), kStepSort, RowReader(*item).Text(kColumnColumn));
+  sorting_.Sort(*item, type);
 }
 
 void qbGridPane::SetShowGroupBy(bool show) {
-  if (show == showGroupBy_) return;
-  const StepScope step(context_.lock(), kStepGrouping);
-  showGroupBy_ = show;
-  ApplyShowGroupBy();
+  if (show == ShowGroupBy()) return;
+  const StepScope step(rows_.Context(), kStepGrouping);
+  grouping_.Apply(show);
   PropertyChanged.Raise("ShowGroupBy");
-  ReportChange();
+  rows_.ReportChange();
 }
 
-void qbGridPane::ShowGroupByColumn() {
-  const Ref<zrGridColumn> column = grdPane_->Columns()->Item("group_by");
-  if (showGroupBy_) {
-    column->SetWidth(groupByWidth_ > 0 ? groupByWidth_ : kGroupByWidth);
-  } else {
-    if (column->Width() > 0) groupByWidth_ = column->Width();
-    column->SetWidth(0);
+// --- Fields in and out ---
+
+std::int32_t qbGridPane::SetFieldOutput(const std::string& fieldName, bool checked, const std::string& tableName,
+                                        const FieldOutputOptions& options) {
+  if (rows_.IsBusy()) return 0;
+  const StepScope step(rows_.Context(), checked ? kStepAddColumn : kStepRemoveColumn, fieldName);
+  return WholeOrNothing(rows_.Context(), [&] {
+    const FieldName field{tableName, fieldName};
+    std::int32_t row = 0;
+    {
+      const auto busy = rows_.Busy();
+      if (checked) {
+        if (!options.skipSearch) row = output_.Tick(field);
+        if (row == 0) row = output_.Add(field, options.before);
+      } else {
+        output_.Untick(field);
+      }
+      output_.Push(field, checked);
+    }
+    rows_.ReportChange();
+    return row;
+  });
+}
+
+bool qbGridPane::OutputTicked() {
+  const std::vector<FieldName> fields = output_.TickedOnly();
+  if (fields.empty()) return false;
+  const StepScope step(rows_.Context(), kStepAddColumns);
+  for (const FieldName& field : fields) SetFieldOutput(field.column, true, field.table);
+  return true;
+}
+
+void qbGridPane::AddRows(const std::vector<QueryRow>& rows) {
+  const StepScope step(rows_.Context(), kStepAddColumns);
+  {
+    const auto busy = rows_.Busy();
+    output_.AddRows(rows);
   }
+  rows_.ReportChange();
 }
 
-void qbGridPane::ApplyShowGroupBy() {
-  ShowGroupByColumn();
-  const ScopedValue busy(busy_, true);
-  for (std::int32_t i = 1; i <= RowCount(); ++i) SetRowGroupBy(*HoldRow(i));
-}
-
-// "*" counts rows; any other column groups. Rows without a column are left alone.
-void qbGridPane::SetRowGroupBy(zrGridRow& row) {
-  const std::string column = Text(row, kColumnColumn);
-  if (column.empty()) return;
-  const bool all = column == "*";
-  row.SetTagVariant("group_by", showGroupBy_ ? all ? "COUNT" : "GROUP BY" : "");
-  row.SetValue("group_by", showGroupBy_ ? all ? "Count" : "Group By" : "");
+// The field goes in above the row it was dropped on.
+void qbGridPane::DropField(const std::string& text, PixelPoint at) {
+  const std::string trimmed(TrimWhite(text));
+  if (!IsFieldText(trimmed)) return;
+  const FieldName field = output_.FieldIn(trimmed);
+  const GridHit hit = grdPane_->GetRowColumnIndex({1_px, at.y});
+  SetFieldOutput(field.column, true, field.table, {false, static_cast<std::int32_t>(hit.row)});
 }
 
 // --- Tables ---
 
-// What stands at its place already stays: a table more is one entry more, a table less one entry less.
-void qbGridPane::RefreshTableList(std::int32_t from) {
-  const Ref<zrGridColumn> column = grdPane_->Columns()->Find("table");
-  if (!column) return;
-  zrGridComboItems& list = *column->ComboItems();
-  const Ref<qbEntities> entities = Entities();
-  const std::int32_t count = entities ? entities->Count() : 0;
-  std::int32_t same = std::min({from - 1, count, list.Count()});
-  const auto isSame = [&](std::int32_t entry) {
-    return same < count && entry <= list.Count() && list.Item(entry)->Text() == entities->Item(same + 1)->Caption();
-  };
-  if (!isSame(same + 1) && isSame(same + 2)) list.Remove(same + 1);
-  while (isSame(same + 1)) ++same;
-  while (list.Count() > same) list.Remove(list.Count());
-  for (std::int32_t i = same + 1; i <= count; ++i) list.Add(entities->Item(i)->Caption());
-}
-
 void qbGridPane::RefreshTables() {
-  const Ref<qbEntities> entities = Entities();
+  const Ref<qbEntities> entities = rows_.Entities();
   if (!entities) return;
   RefreshTableList();
   grdPane_->Rows()->RemoveIf([&](const zrGridRow& row) {
-    const std::string table = Text(row, kColumnTable);
+    const std::string table = RowReader(row).Text(kColumnTable);
     return !table.empty() && !entities->FindExactly(table);
   });
-  CloseSortGaps();
-  EnsureEmptyLastRow();
-  ReportChange();
+  RowsMoved();
 }
 
 void qbGridPane::RemoveRowsOf(const std::string& tableName) {
-  grdPane_->Rows()->RemoveAll(RowsOfTable(tableName));
-  rowsByTable_.erase(tableName);
-  CloseSortGaps();
-  EnsureEmptyLastRow();
+  grdPane_->Rows()->RemoveAll(fields_.OfTable(tableName));
+  fields_.Forget(tableName);
+  sorting_.CloseGaps();
+  rows_.EnsureEmptyLast();
 }
 
 void qbGridPane::RenameTable(const std::string& before, const std::string& after,
                              const std::function<std::string(std::string_view)>& rewrite) {
-  const ScopedValue busy(busy_, true);
-  const Ref<qbEntities> entities = Entities();
-  for (std::int32_t i = 1; i <= RowCount(); ++i) {
-    const Ref<zrGridRow> row = HoldRow(i);
-    if (Text(*row, kColumnTable) == before) row->SetValue("table", after);
+  const auto busy = rows_.Busy();
+  const Ref<qbEntities> entities = rows_.Entities();
+  for (const Ref<zrGridRow>& row : *grdPane_->Rows()) {
+    if (RowReader(*row).Text(kColumnTable) == before) RowWriter(*row).SetText(kColumnTable, after);
     const auto rewriteCell = [&](std::size_t column) {
       const std::string* text = row->ValueAt(column).StringIf();
       if (row->Index() == 0 || !text || text->empty()) return;  // a listener may have removed the row
-      row->SetValue(static_cast<std::int32_t>(column), rewrite(*text));
+      RowWriter(*row).SetText(column, rewrite(*text));
     };
-    const bool isExpression = !entities || !entities->FindExactly(Text(*row, kColumnTable));
+    const bool isExpression = !entities || !entities->FindExactly(RowReader(*row).Text(kColumnTable));
     if (isExpression) rewriteCell(kColumnColumn);
-    for (std::size_t column = kColumnCriteria; column <= static_cast<std::size_t>(ColumnCount()); ++column) {
+    for (std::size_t column = kColumnCriteria; column <= rows_.LastColumn(); ++column) {
       rewriteCell(column);
     }
   }
@@ -412,12 +318,12 @@ void qbGridPane::RenameTable(const std::string& before, const std::string& after
 
 void qbGridPane::RenameColumn(const std::string& tableName, const std::string& before, const std::string& after) {
   {
-    const ScopedValue busy(busy_, true);
-    for (const Ref<zrGridRow>& row : RowsOf({tableName, before})) {
-      if (row->Index() != 0) row->SetValue("column", after);
+    const auto busy = rows_.Busy();
+    for (const Ref<zrGridRow>& row : fields_.Of({tableName, before})) {
+      if (row->Index() != 0) RowWriter(*row).SetText(kColumnColumn, after);
     }
   }
-  ReportChange();
+  rows_.ReportChange();
 }
 
 }  // namespace zrqrybld

@@ -9,18 +9,17 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "base/event.h"
 #include "base/object.h"
+#include "grid/cell_rules.h"
+#include "grid/field_output.h"
 #include "grid/grid.h"
-#include "grid/grid_columns.h"
 #include "host/date_format.h"
 #include "host/query_context.h"
 #include "platform/menu.h"
 #include "platform/property_store.h"
-#include "sql/criteria_context.h"
 
 namespace zrqrybld {
 
@@ -69,11 +68,11 @@ class qbGridPane final : public Object {
   /// Shows a hidden column by position from 1 or key, as wide as it was. Error 9 when there is none.
   void ShowColumn(const Variant& columnIndex) { grdPane_->Columns()->Item(columnIndex)->SetHidden(false); }
   /// Whether only columns of the list can be chosen.
-  bool LockColumns() const { return IsLocked("column"); }
-  void SetLockColumns(bool lock) { SetLock("column", lock); }
+  bool LockColumns() const { return IsLocked(kColumnColumn); }
+  void SetLockColumns(bool lock) { SetLock(kColumnColumn, lock); }
   /// Whether only tables of the list can be chosen.
-  bool LockTables() const { return IsLocked("table"); }
-  void SetLockTables(bool lock) { SetLock("table", lock); }
+  bool LockTables() const { return IsLocked(kColumnTable); }
+  void SetLockTables(bool lock) { SetLock(kColumnTable, lock); }
   /// The hub that the pane is linked to, or nothing.
   Ref<qbQueryBuilder> QueryBuilder() const;
   /// Refills the list of tables and removes the rows of tables that are not in the diagram any more.
@@ -98,7 +97,7 @@ class qbGridPane final : public Object {
   const std::string& DateFormat() const { return dateFormat_; }
   void SetDateFormat(std::string format);
   /// Whether the query groups, and the group-by column is shown; True at first.
-  bool ShowGroupBy() const { return showGroupBy_; }
+  bool ShowGroupBy() const { return grouping_.IsShown(); }
   void SetShowGroupBy(bool show);
   /// The font of the grid; an empty one is that of the surroundings.
   const zrqrybld::Font& Font() const { return grdPane_->Font(); }
@@ -140,34 +139,23 @@ class qbGridPane final : public Object {
     return SetFieldOutput(fieldName, checked, tableName, {});
   }
 
-  /// The cells of a row as a statement says them.
-  struct RowContent {
-    std::string column;
-    std::string alias;
-    std::string table;
-    bool output = false;
-    std::string sortType;
-    std::string sortOrder;
-    std::string groupBy;
-    std::vector<std::string> criteria;  ///< from "criteria" on
-  };
   /// Puts all columns into the grid that are ticked in the diagram and no row outputs. Whether there were any.
   bool OutputTicked();
   /// Puts rows into the empty ones, then behind the last. The cells are taken as they are; what is output is ticked in
   /// its box.
-  void AddRows(const std::vector<RowContent>& rows);
+  void AddRows(const std::vector<QueryRow>& rows);
 
   /// Reads the captions of the columns again.
   void ApplyGridCaptions();
   /// Gives every row's alias the longest length that the hub allows.
   void ApplyAliasMaxLen();
   /// 1 + the number of sorted rows other than `row` (0 for none).
-  std::int16_t NextSortOrder(std::int32_t row = 0) const;
+  std::int16_t NextSortOrder(std::int32_t row = 0) const { return sorting_.Next(row); }
   /// Sorts by a row ("Ascending", "Descending") behind those that are sorted already, or no more (""). Error 9 when
   /// there is no such row.
   void SortRow(std::int32_t row, const std::string& type);
   /// Refills the list of tables; what stands before this position is as it was.
-  void RefreshTableList(std::int32_t from = 1);
+  void RefreshTableList(std::int32_t from = 1) { rules_.FillTables(from); }
   /// A table has left the diagram: its rows go with it.
   void RemoveRowsOf(const std::string& tableName);
   /// A table has got another caption: its rows follow silently. `rewrite` renames it inside a text that was typed: an
@@ -195,10 +183,7 @@ class qbGridPane final : public Object {
   void ResetRows();
 
  private:
-  struct Field {
-    std::string table;
-    std::string name;
-  };
+  friend class GridPaneMenu;
   // What a cell held before its latest change.
   struct Change {
     WeakRef<Object> row;
@@ -209,107 +194,40 @@ class qbGridPane final : public Object {
   qbGridPane() = default;
   void CreateColumns();
   void ConnectGrid();
-  bool IsLocked(std::string_view key) const;
-  void SetLock(std::string_view key, bool lock);
-  void ApplyShowGroupBy();
-  void ShowGroupByColumn();
+  bool IsLocked(GridColumnIndex column) const;
+  void SetLock(GridColumnIndex column, bool lock);
   std::string CaptionOf(std::int32_t column) const;
-  std::int16_t AliasMaxLen() const;
-  Ref<qbEntities> Entities() const;
-
-  // A row that exists. Who changes cells holds it: a listener may take it away.
-  zrGridRow& RowAt(std::int32_t row) const { return grdPane_->Rows()->At(static_cast<std::size_t>(row)); }
-  Ref<zrGridRow> HoldRow(std::int32_t row) const { return grdPane_->Rows()->Item(row); }
-  static std::string Text(const zrGridRow& row, std::size_t column) { return row.ValueAt(column).Text(); }
-  bool IsEmptyRow(const zrGridRow& row) const;
-  bool HasContent(const zrGridRow& row) const;
-  void AddEmptyRow();
-  void EnsureEmptyLastRow();
-  void SetRowGroupBy(zrGridRow& row);
-  void NoteSorted(const zrGridRow& row);
-  std::vector<Ref<zrGridRow>> SortedRows() const;
-  void WriteSortOrders(const std::vector<Ref<zrGridRow>>& rows, const std::vector<std::int32_t>& orders);
-  void CloseSortGaps();
-
-  // --- Fields in and out (field_output.cpp) ---
-
-  Field FieldOf(const zrGridRow& row) const { return {Text(row, kColumnTable), Text(row, kColumnColumn)}; }
-  bool IsRowOf(const zrGridRow& row, const Field& field) const;
-  std::vector<Field> TickedFields() const;
-  std::vector<Ref<zrGridRow>> RowsOf(const Field& field) const;
-  std::vector<Ref<zrGridRow>> RowsOfTable(const std::string& table) const;
-  void NoteTable(const zrGridRow& row, const std::string& table);
-  void NoteRow(const zrGridRow& row);
-  std::int32_t FirstEmptyRow();
-  std::int32_t TickRows(const Field& field);
-  void UntickRows(const Field& field);
-  std::int32_t FillNewRow(const Field& field, std::int32_t before);
-  void SetCells(zrGridRow& row, const RowContent& content);
   void LoadCell(const LoadedCell& cell);
-  void TickOutputs();
-  void PushToDiagram(const Field& field, bool checked);
-  // Whether any row outputs the field.
-  bool IsOutput(const Field& field) const;
-  Field FieldIn(const std::string& text) const;
-  static bool IsFieldText(const std::string& text);
   void DropField(const std::string& text, PixelPoint at);
 
   // --- Changes and edits (cell_changes.cpp, cell_edits.cpp) ---
 
   void CellChanged(std::int32_t row, std::int32_t column);
-  void FollowChange(std::int32_t row, std::int32_t column, bool namesField);
-  void RespellField(zrGridRow& row, std::int32_t column);
-  void RowsAboutToGo(std::int32_t first, std::int32_t last);
+  void FollowChange(std::int32_t row, std::int32_t column);
   void RowsMoved();
   void CurrentCellChanged(std::int32_t row, std::int32_t column);
-  void RefillLists(std::int32_t row, std::int32_t column);
-  void FillColumnList(zrGridComboItems& list, const zrGridRow& row) const;
-  void FillGroupByList(zrGridComboItems& list, const zrGridRow& row) const;
-  void FillSortOrderList(zrGridComboItems& list, std::int32_t row) const;
+  void BatchChanged(GridWork kind, bool begins);
   void GridEdited(std::int32_t row, std::int32_t column);
   void ProcessEdit(std::int32_t row, std::int32_t column, const std::string& before);
-  void ColumnEdited(zrGridRow& row);
-  void TableEdited(zrGridRow& row);
-  void GroupByEdited(zrGridRow& row, const std::string& before);
-  void SortTypeEdited(zrGridRow& row, const std::string& before);
-  void SortOrderEdited(zrGridRow& row, const std::string& before);
-  void SetSortOrder(zrGridRow& row, std::int32_t order);
-  CriteriaContext CriteriaRules(const QueryContext& context, const zrGridRow& row) const;
-  void CriterionEdited(zrGridRow& row, std::int32_t column);
-  void Complain(zrGridRow& row, std::int32_t column, const std::string& text, MessageIcon icon);
-  static Ref<qbIntelliList> SuggestionsFor(const WeakRef<QueryContext>& link, std::int32_t column);
   void EditInWindow(bool builder);
   void SetCellAsEdit(std::int32_t row, std::int32_t column, const std::string& text);
-  void BatchChanged(GridWork kind, bool begins);
-  void ReportChange();
+  void ShowMenu(const GridHit& hit, PixelPoint at);  // grid_menu.cpp
 
-  // --- Context menu (grid_menu.cpp) ---
-
-  void ShowMenu(const GridHit& hit, PixelPoint at);
-  void AddRowEntries(Menu& menu);
-  void AddCellEntries(Menu& menu);
-  Menu ColumnEntries(std::size_t column);
-  void ClearCell();
-  void SetColumnShown(std::int32_t column, bool show);
-
-  WeakRef<QueryContext> context_;
-  Ref<zrGrid> grdPane_;
+  const Ref<zrGrid> grdPane_ = zrGrid::Create();
+  // The parts: each knows those before it that it needs, and none the pane.
+  PaneRows rows_{grdPane_};
+  FieldRows fields_{rows_};
+  SortPlaces sorting_{rows_};
+  GroupByColumn grouping_{rows_};
+  FieldOutput output_{rows_, fields_, grouping_};
+  CellRules rules_{rows_, sorting_, grouping_, AfterEditExpressionFormat};
   std::vector<EventConnection> links_;
   std::string dateFormat_ = "dd-mmm-yyyy";
   DateFormatEnum dateFormatStyle_ = DateFormatNative;
-  bool showGroupBy_ = true;
-  float groupByWidth_ = 0;  // the width to bring back; 0 until the column is first hidden
-  Field before_;            // what the row named before the change that is going on
+  FieldName before_;  // what the row named before the change that is going on
   std::optional<Change> change_;
-  std::string currentText_;  // of the current cell, as it was when it became current
-  bool busy_ = false;        // the pane itself is changing cells or pushing a change to the diagram
-  bool complained_ = false;  // in the change of many cells that is going on
-  std::vector<Ref<QueryContext>> batches_;
-  // The rows of each field. Entries are only added; what is out of date is dropped when it is met.
-  mutable std::unordered_map<std::string, std::vector<WeakRef<Object>>> rowsByField_;
-  std::unordered_map<std::string, std::vector<WeakRef<Object>>> rowsByTable_;  // out of date as those
-  mutable std::vector<WeakRef<Object>> sortedRows_;  // with a sort type or number; out of date as those
-  std::int32_t emptyFrom_ = 1;                       // no row before this one is empty
+  std::string currentText_;                 // of the current cell, as it was when it became current
+  std::vector<Ref<QueryContext>> batches_;  // of the works that have begun, those they have begun in
 };
 
 }  // namespace zrqrybld

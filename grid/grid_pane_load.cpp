@@ -1,49 +1,35 @@
 // Rows as a saved query holds them: set as they are, without the rules of editing.
 #include <algorithm>
 #include <string>
-#include <unordered_set>
 
-#include "base/scoped_value.h"
-#include "diagram/entities.h"
-#include "grid/grid_columns.h"
 #include "grid/grid_pane.h"
 
 namespace zrqrybld {
-namespace {
-
-std::string FieldKey(const std::string& table, const std::string& column) {
-  return std::to_string(table.size()) + ":" + table + column;
-}
-
-}  // namespace
 
 void qbGridPane::LoadRows(const std::vector<LoadedCell>& cells) {
-  const StepScope step(context_.lock(), kStepLoadQuery);
-  const ScopedValue busy(busy_, true);
+  const StepScope step(rows_.Context(), kStepLoadQuery);
+  const auto busy = rows_.Busy();
   {
     const RedrawPause pause(*grdPane_);
     grdPane_->Rows()->Clear();
     for (const LoadedCell& cell : cells) {
-      while (RowCount() < cell.row) AddEmptyRow();
+      while (RowCount() < cell.row) rows_.AddEmpty();
       LoadCell(cell);
     }
-    EnsureEmptyLastRow();
-    TickOutputs();
+    rows_.EnsureEmptyLast();
+    output_.FollowAll();
   }
-  ReportChange();
+  rows_.ReportChange();
 }
 
 void qbGridPane::LoadCell(const LoadedCell& cell) {
-  const auto column = static_cast<std::int32_t>(cell.column);
   if (cell.column == kColumnGroupBy) {
-    const Ref<QueryContext> context = context_.lock();
-    if (const Ref<qbDBFunction> choice = context ? context->DBFunctions()->FindGroupBy(cell.text) : nullptr) {
-      SetGroupByFunction(cell.row, *choice);
-      return;
-    }
+    const qbDBFunctions* functions = rows_.Functions();
+    const Ref<qbDBFunction> choice = functions ? functions->FindGroupBy(cell.text) : nullptr;
+    if (choice) return SetGroupByFunction(cell.row, *choice);
   }
   // A check box makes a Boolean of the text.
-  RowAt(cell.row).SetValue(column, cell.text);
+  RowWriter(rows_.At(cell.row)).SetText(cell.column, cell.text);
 }
 
 void qbGridPane::Restore(const std::vector<SharedRowContent>& then) {
@@ -60,43 +46,24 @@ void qbGridPane::Restore(const std::vector<SharedRowContent>& then) {
   const auto begin = then.begin() + static_cast<std::ptrdiff_t>(same);
   const auto end = then.end() - static_cast<std::ptrdiff_t>(behind);
   if (begin == end && count == then.size()) return;
-  const ScopedValue busy(busy_, true);
-  emptyFrom_ = std::min(emptyFrom_, static_cast<std::int32_t>(same) + 1);
+  const auto busy = rows_.Busy();
+  fields_.Shifted(static_cast<std::int32_t>(same) + 1);
   rows.Restore(same + 1, count - same - behind, {begin, end});
   // Listeners have been told of the current cell by now, and may have changed rows.
   for (std::size_t i = same + 1; i <= std::min(then.size() - behind, static_cast<std::size_t>(RowCount())); ++i) {
-    const zrGridRow& row = RowAt(static_cast<std::int32_t>(i));
-    NoteRow(row);
-    if (!row.ValueAt(kColumnSortType).IsBlank() || !row.ValueAt(kColumnSortOrder).IsBlank()) NoteSorted(row);
+    const zrGridRow& row = rows_.At(static_cast<std::int32_t>(i));
+    fields_.Note(row);
+    if (RowReader(row).HasSort()) sorting_.Note(row);
   }
-  currentText_ =
-      grdPane_->Row() == 0 ? std::string() : Text(RowAt(grdPane_->Row()), static_cast<std::size_t>(grdPane_->Column()));
+  currentText_ = grdPane_->Row() == 0
+                     ? std::string()
+                     : RowReader(rows_.At(grdPane_->Row())).Text(static_cast<std::size_t>(grdPane_->Column()));
 }
 
 void qbGridPane::RestoreShowGroupBy(bool show) {
-  if (show == showGroupBy_) return;
-  showGroupBy_ = show;
-  ShowGroupByColumn();
+  if (show == ShowGroupBy()) return;
+  grouping_.Show(show);
   PropertyChanged.Raise("ShowGroupBy");
-}
-
-// Every item of the diagram is ticked when a row outputs it, and only then.
-void qbGridPane::TickOutputs() {
-  std::unordered_set<std::string> outputs;
-  for (std::int32_t i = 1; i <= RowCount(); ++i) {
-    const zrGridRow& row = RowAt(i);
-    if (row.ValueAt(kColumnOutput) == Variant(true)) {
-      outputs.insert(FieldKey(Text(row, kColumnTable), Text(row, kColumnColumn)));
-    }
-  }
-  const Ref<qbEntities> entities = Entities();
-  for (std::int32_t i = 1; entities && i <= entities->Count(); ++i) {
-    const Ref<qbEntity> entity = entities->Item(i);
-    for (std::int32_t j = 1; j <= entity->Items()->Count(); ++j) {
-      const Ref<qbEntityItem> item = entity->Items()->Item(j);
-      item->SetChecked(outputs.contains(FieldKey(entity->Caption(), item->Text())));
-    }
-  }
 }
 
 }  // namespace zrqrybld

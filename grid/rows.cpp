@@ -159,7 +159,7 @@ void zrGridRows::Changed(std::size_t from) {
 }
 
 void zrGridRows::DetachRows() {
-  for (std::size_t i = 1; i <= items_.Count(); ++i) (*items_.At(i))->list_ = nullptr;
+  for (const Ref<zrGridRow>& row : *this) row->list_ = nullptr;
 }
 
 void zrGridRows::Clear() {
@@ -186,8 +186,8 @@ void zrGridRows::Remove(const Variant& index) {
 
 void zrGridRows::RemoveIf(const std::function<bool(const zrGridRow&)>& unwanted) {
   std::vector<Ref<zrGridRow>> rows;
-  for (std::size_t i = 1; i <= items_.Count(); ++i) {
-    if (unwanted(At(i))) rows.push_back(*items_.At(i));
+  for (const Ref<zrGridRow>& row : *this) {
+    if (unwanted(*row)) rows.push_back(row);
   }
   RemoveAll(rows);
 }
@@ -205,10 +205,9 @@ void zrGridRows::RemoveAll(const std::vector<Ref<zrGridRow>>& rows) {
 }
 
 void zrGridRows::DropColumn(std::size_t position) {
-  for (std::size_t i = 1; i <= items_.Count(); ++i) {
-    zrGridRow& row = **items_.At(i);
-    if (!row.CellIf(position)) continue;
-    std::vector<GridCell>& cells = row.Changing().cells;
+  for (const Ref<zrGridRow>& row : *this) {
+    if (!row->CellIf(position)) continue;
+    std::vector<GridCell>& cells = row->Changing().cells;
     cells.erase(cells.begin() + static_cast<std::ptrdiff_t>(position - 1));
   }
 }

@@ -148,6 +148,10 @@ class zrGridRows final : public Object {
   /// Removes these rows, as far as they are still there; the grid is told once.
   void RemoveAll(const std::vector<Ref<zrGridRow>>& rows);
 
+  /// The items in their order, as handles; see `CollectionIterator`.
+  CollectionIterator<zrGridRows> begin() const { return CollectionIterator(*this); }
+  std::default_sentinel_t end() const { return {}; }
+
   /// The row at a position that exists.
   zrGridRow& At(std::size_t position) const { return **items_.At(position); }
   /// Which rows may be others, or hold something else, than when they were last remembered.

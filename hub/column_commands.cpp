@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "base/text.h"
-#include "grid/grid_columns.h"
+#include "grid/row_cells.h"
 #include "hub/query_builder.h"
 
 namespace zrqrybld {
@@ -25,7 +25,7 @@ std::int32_t qbQueryBuilder::MakeRowOfColumn(const std::string& entityCaption, c
   if (const std::int32_t row = RowOfColumn(entityCaption, column)) return row;
   const Ref<qbGridPane> grid = gridPane_;
   const std::int32_t row = grid->SetFieldOutput(column, true, entityCaption);
-  if (row != 0 && !output) grid->SetValue(row, "output", false);
+  if (row != 0 && !output) grid->SetValue(row, kColumnOutput, false);
   return grid == gridPane_ ? row : 0;  // a listener may have linked another
 }
 
@@ -34,8 +34,8 @@ std::optional<ColumnUse> qbQueryBuilder::UseOfColumn(const std::string& entityCa
   if (!gridPane_) return std::nullopt;
   ColumnUse use;
   if (const std::int32_t row = RowOfColumn(entityCaption, column)) {
-    use.sortType = gridPane_->Value(row, "sort_type").Text();
-    use.groupBy = gridPane_->ShowGroupBy() ? gridPane_->Value(row, "group_by").Text() : std::string();
+    use.sortType = gridPane_->Value(row, kColumnSortType).Text();
+    use.groupBy = gridPane_->ShowGroupBy() ? gridPane_->Value(row, kColumnGroupBy).Text() : std::string();
   }
   return use;
 }
@@ -65,32 +65,26 @@ void qbQueryBuilder::GoToCriterion(const std::string& entityCaption, const std::
   const std::int32_t row = MakeRowOfColumn(entityCaption, column, false);
   if (row == 0) return;
   const Ref<zrGrid> grid = gridPane_->Grid();
-  grid->GotoRowCol(row, "criteria");
+  grid->GotoRowCol(row, kColumnCriteria);
   grid->GetSurface().SetFocus();
 }
 
 namespace {
 
-constexpr std::size_t kNotedCriteria[] = {kColumnCriteria, kColumnOr1, kColumnOr2, kColumnOr3};
-
 // Most rows say nothing while the query does not group.
-bool SaysSomething(const zrGridRow& row, bool grouped) {
-  return grouped || !row.ValueAt(kColumnSortType).IsBlank() ||
-         std::ranges::any_of(kNotedCriteria, [&](std::size_t column) { return !row.ValueAt(column).IsBlank(); });
+bool SaysSomething(const RowReader& row, bool grouped) {
+  return grouped || !row.IsBlank(kColumnSortType) || row.HasCriteria(kColumnOr3);
 }
 
 // What a row of the grid says about its column, besides what its other rows have said.
-void AddTo(ColumnNote& note, const zrGridRow& row, bool grouped) {
-  const auto text = [&row](std::size_t column) { return row.ValueAt(column).Text(); };
-  const std::string sort = text(kColumnSortType);
-  if (EqualsNoCase(sort, "Ascending") || EqualsNoCase(sort, "Descending")) {
-    note.sort = EqualsNoCase(sort, "Ascending") ? 1 : -1;
-    note.order = text(kColumnSortOrder);
+void AddTo(ColumnNote& note, const RowReader& row, bool grouped) {
+  const SortDirection sort = row.Direction();
+  if (sort != SortDirection::None) {
+    note.sort = sort == SortDirection::Ascending ? 1 : -1;
+    note.order = row.Text(kColumnSortOrder);
   }
-  if (grouped) note.aggregate = text(kColumnGroupBy);
-  for (const std::size_t column : kNotedCriteria) {
-    note.filtered = note.filtered || !row.ValueAt(column).IsBlank();
-  }
+  if (grouped) note.aggregate = row.Text(kColumnGroupBy);
+  note.filtered = note.filtered || row.HasCriteria(kColumnOr3);
 }
 
 }  // namespace
@@ -103,13 +97,14 @@ void qbQueryBuilder::NoteColumns() {
   const bool grouped = gridPane_ && gridPane_->ShowGroupBy();
   for (std::int32_t i = 1; i <= count; ++i) {
     const zrGridRow& row = gridPane_->Grid()->Rows()->At(static_cast<std::size_t>(i));
-    if (!SaysSomething(row, grouped)) continue;
+    const RowReader reader(row);
+    if (!SaysSomething(reader, grouped)) continue;
     const std::string* table = row.ValueAt(kColumnTable).StringIf();
     const std::string* column = row.ValueAt(kColumnColumn).StringIf();
     const Ref<qbEntity> entity = table && column && !table->empty() ? entities->FindExactly(*table) : nullptr;
     const Ref<qbEntityItem> item = entity ? entity->Items()->Item(*column) : nullptr;
     const Ref<BoxRow> shown = item ? entity->EntityBox()->Rows().At(static_cast<std::size_t>(item->Index())) : nullptr;
-    if (shown) AddTo(notes[shown], row, grouped);
+    if (shown) AddTo(notes[shown], reader, grouped);
   }
   for (const WeakRef<BoxRow>& before : std::exchange(noted_, {})) {
     const Ref<BoxRow> row = before.lock();

@@ -6,7 +6,7 @@
 #include "diagram/relationships.h"
 #include "diagram/source_names.h"
 #include "grid/field_names.h"
-#include "grid/grid_columns.h"
+#include "grid/row_cells.h"
 #include "sql/source_rules.h"
 
 namespace zrqrybld {
@@ -44,26 +44,6 @@ void TakeJoins(QuerySnapshot& snapshot, const TablePositions& positions, const q
   }
 }
 
-// The aggregate's syntax; grouping choices have none, and neither does a text that names no choice.
-std::string AggregateOf(const std::string& groupBy, const qbDBFunctions& functions) {
-  for (const std::string_view grouping : {"GROUP BY", "WHERE", "EXPRESSION", ""}) {
-    if (EqualsNoCase(groupBy, grouping)) return {};
-  }
-  const Ref<qbDBFunction> function = functions.FindGroupBy(groupBy);
-  return function ? function->Syntax() : std::string();
-}
-
-std::vector<std::string> CriteriaOf(const zrGridRow& cells, std::size_t lastColumn) {
-  std::vector<std::string> criteria;
-  for (std::size_t column = lastColumn; column >= kColumnCriteria; --column) {
-    const Variant& cell = cells.ValueAt(column);
-    if (criteria.empty() && cell.IsBlank()) continue;  // behind the last filled one
-    if (criteria.empty()) criteria.resize(column - kColumnCriteria + 1);
-    criteria[column - kColumnCriteria] = cell.Text();
-  }
-  return criteria;
-}
-
 // As far as it may be written; 0 characters mean no limit.
 void TakeAlias(SnapshotRow& row, std::string alias, std::size_t longest) {
   const bool cut = longest > 0 && CharacterCount(alias) > longest;
@@ -74,22 +54,18 @@ void TakeAlias(SnapshotRow& row, std::string alias, std::size_t longest) {
 void TakeRows(QuerySnapshot& snapshot, const TablePositions& positions, const qbEntities* entities,
               const qbGridPane& grid, const QueryContext& context) {
   const auto lastColumn = static_cast<std::size_t>(grid.ColumnCount());
+  const qbDBFunctions* functions = snapshot.groupByMode ? context.DBFunctions().get() : nullptr;
   const zrGridRows& rows = *grid.Grid()->Rows();
   snapshot.rows.reserve(static_cast<std::size_t>(rows.Count()));
   for (std::int32_t i = 1; i <= rows.Count(); ++i) {
-    const zrGridRow& cells = rows.At(static_cast<std::size_t>(i));
-    if (cells.ValueAt(kColumnColumn).IsBlank()) continue;
+    const RowReader reader(rows.At(static_cast<std::size_t>(i)));
+    if (reader.IsBlank(kColumnColumn)) continue;
+    QueryRow content = reader.Read(lastColumn, functions);
     SnapshotRow& row = snapshot.rows.emplace_back();
-    row.column = cells.ValueAt(kColumnColumn).Text();
-    TakeAlias(row, cells.ValueAt(kColumnAlias).Text(), static_cast<std::size_t>(context.AliasMaxLen()));
-    const auto table = positions.find(cells.ValueAt(kColumnTable).Text());
+    TakeAlias(row, std::move(content.alias), static_cast<std::size_t>(context.AliasMaxLen()));
+    const auto table = positions.find(content.table);
     if (table != positions.end()) row.table = table->second;
-    row.output = cells.ValueAt(kColumnOutput) == Variant(true);
-    row.sortType = cells.ValueAt(kColumnSortType).Text();
-    row.sortOrder = cells.ValueAt(kColumnSortOrder).Text();
-    row.groupBy = cells.ValueAt(kColumnGroupBy).Text();
-    if (snapshot.groupByMode) row.aggregate = AggregateOf(row.groupBy, *context.DBFunctions());
-    row.criteria = CriteriaOf(cells, lastColumn);
+    static_cast<RowTerms&>(row) = std::move(content);
     if (row.table && !row.criteria.empty()) {
       const qbEntity& entity = *entities->Item(static_cast<std::int32_t>(*row.table) + 1);
       row.type = TypeOfColumn(entity, row.column, *context.DataTypes());

@@ -136,19 +136,12 @@ class DesignWriter {
   }
 
   void FillGrid(qbGridPane& grid) {
-    std::vector<qbGridPane::RowContent> rows;
+    std::vector<QueryRow> rows;
     rows.reserve(query_.rows.size());
     for (const SnapshotRow& row : query_.rows) {
-      qbGridPane::RowContent content;
-      content.column = row.column;
-      content.alias = row.alias.Name();
+      QueryRow content{row, row.alias.Name(), {}};
       if (row.table) content.table = tables_[*row.table].caption;
       if (row.table && entities_ && row.column != "*") ItemIndex(*tables_[*row.table].entity, row.column);
-      content.output = row.output;
-      content.sortType = row.sortType;
-      content.sortOrder = row.sortOrder;
-      content.groupBy = row.groupBy;
-      content.criteria = row.criteria;
       rows.push_back(std::move(content));
     }
     grid.AddRows(rows);

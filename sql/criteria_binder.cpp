@@ -102,8 +102,8 @@ bool CriteriaBinder::PlaceCell(const Expression& condition, std::size_t column, 
 }
 
 void CriteriaBinder::PlaceExpression(const std::string& text, std::size_t column, bool groups) {
-  const std::size_t row = rows_.Add({std::nullopt, text, {}, {}});
-  if (options_.groupByMode) rows_[row].groupBy = groups ? kExpressionText : kWhereText;
+  const std::size_t row = rows_.Add({std::nullopt, text, {}});
+  if (options_.groupByMode) rows_[row].grouping = groups ? GroupingKind::Expression : GroupingKind::Where;
   rows_[row].criteria.resize(column + 1);
   rows_[row].criteria[column] = kTrue;
 }
@@ -130,7 +130,7 @@ std::optional<RowField> CriteriaBinder::OperandField(const Expression& operand, 
     if (!isText && !NameScope::IsPseudoColumn(e.name) && !isAlias(PlainName(e.text))) scope_.Require(e);
     return std::nullopt;
   }
-  RowField expression{std::nullopt, fields_.Written(e), {}, {}};
+  RowField expression{std::nullopt, fields_.Written(e), {}};
   if (rows_.Has(expression)) return expression;
   return std::nullopt;
 }
@@ -153,7 +153,7 @@ std::optional<std::string> CriteriaBinder::CellOf(const Expression& condition, c
     context.prefix = type.prefix;
     context.suffix = type.suffix;
   }
-  context.aggregate = field.aggregate;
+  context.aggregate = field.grouping.syntax;
   try {
     const std::string made = FormatCondition(term, *cell, context);
     SyntaxArena arena(made.size() * 8 + 256);
@@ -165,10 +165,13 @@ std::optional<std::string> CriteriaBinder::CellOf(const Expression& condition, c
 }
 
 std::size_t CriteriaBinder::RowFor(const RowField& field, std::size_t column, bool groups) {
-  const auto suits = [&](const SnapshotRow& row) { return !options_.groupByMode || row.ChoosesGroups() == groups; };
+  const auto suits = [&](const SnapshotRow& row) {
+    return !options_.groupByMode || row.grouping.ChoosesGroups() == groups;
+  };
   if (const std::optional<std::size_t> row = rows_.FindForCriterion(field, column, groups, suits)) return *row;
   const std::size_t row = rows_.Add(field);
-  if (options_.groupByMode && field.groupBy.empty()) rows_[row].groupBy = groups ? kExpressionText : kWhereText;
+  if (options_.groupByMode && !field.grouping.HasSyntax())
+    rows_[row].grouping = groups ? GroupingKind::Expression : GroupingKind::Where;
   return row;
 }
 

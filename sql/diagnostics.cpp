@@ -125,7 +125,7 @@ class Diagnosis {
     std::unordered_set<std::string> names;  // case-folded
     for (const SnapshotRow& row : query_.rows) {
       if (!IsOutput(row)) continue;
-      const bool plain = row.table && row.column != "*" && row.aggregate.empty();
+      const bool plain = row.table && row.column != "*" && !row.grouping.HasSyntax();
       const std::string& name = row.alias.Empty() && plain ? row.column : row.alias.Name();
       if (IsAllColumns(row)) continue;
       if (!name.empty() && !names.insert(FoldCase(name)).second) {
@@ -151,30 +151,34 @@ class Diagnosis {
   void Grouping() {
     for (const SnapshotRow* row : sorted_) sortedPlaces_.push_back(row);
     std::ranges::sort(sortedPlaces_);
-    const auto says = [](const SnapshotRow& row, std::string_view choice) { return EqualsNoCase(row.groupBy, choice); };
-    const auto groups = [&](const SnapshotRow& row) { return !row.aggregate.empty() || says(row, "GROUP BY"); };
-    const bool grouped = query_.groupByMode && std::ranges::any_of(query_.rows, groups);
+    const bool grouped = query_.groupByMode && std::ranges::any_of(query_.rows, Groups);
     for (const SnapshotRow& row : query_.rows) {
       if (row.column.empty()) continue;
-      const bool known = groups(row) || row.groupBy.empty() || says(row, "WHERE") || says(row, "EXPRESSION");
+      const RowGrouping& grouping = row.grouping;
+      const bool unknown = grouping.kind == GroupingKind::Aggregate && !grouping.HasSyntax();
+      const bool isExpression = grouping.kind == GroupingKind::Expression && !row.table;
       const bool shown = row.output || IsSorted(row);
-      if (query_.groupByMode && !known) {
-        Say(DiagnosticUnknownFunction, NameOf(row), ": there is no function " + row.groupBy + ".");
-      } else if (grouped && shown && !groups(row) && !(says(row, "EXPRESSION") && !row.table)) {
+      if (query_.groupByMode && unknown) {
+        Say(DiagnosticUnknownFunction, NameOf(row), ": there is no function " + grouping.name + ".");
+      } else if (grouped && shown && !Groups(row) && !isExpression) {
         Say(DiagnosticNotGrouped, NameOf(row), " is neither grouped nor aggregated.");
       }
-      if (!query_.groupByMode && row.ChoosesGroups() && HasCriteria(row)) {
+      if (!query_.groupByMode && row.grouping.ChoosesGroups() && HasCriteria(row)) {
         Say(DiagnosticNothingToGroup, NameOf(row), ": its criterion is for groups, but the query does not group.");
       }
       CheckAllColumns(row);
     }
   }
 
+  // Whether the row stands for one value of a group.
+  static bool Groups(const SnapshotRow& row) {
+    return row.grouping.HasSyntax() || row.grouping.kind == GroupingKind::GroupBy;
+  }
+
   void CheckAllColumns(const SnapshotRow& row) {
     if (row.column != "*" || !row.table) return;
-    const bool counted = StartsWithNoCase(row.aggregate, "COUNT");
-    const bool single =
-        !row.aggregate.empty() || EqualsNoCase(row.groupBy, "GROUP BY") || IsSorted(row) || HasCriteria(row);
+    const bool counted = StartsWithNoCase(row.grouping.syntax, "COUNT");
+    const bool single = Groups(row) || IsSorted(row) || HasCriteria(row);
     if (single && !counted) Say(DiagnosticAllColumns, NameOf(row), " stands where only a single column can.");
   }
 
@@ -190,8 +194,7 @@ class Diagnosis {
       if (asked && IsOutput(row)) selected.insert(key(row));
     }
     for (const SnapshotRow& row : query_.rows) {
-      const std::optional<double> number = row.sortOrder.empty() ? std::nullopt : ParseNumber(row.sortOrder);
-      if (number && *number >= 0.5 && !IsSorted(row)) {
+      if (row.sort.place && *row.sort.place >= 0.5 && !IsSorted(row)) {
         Say(DiagnosticSameSortOrder, NameOf(row), ": another column has the same place in the sort order.");
       }
       if (asked && IsSorted(row) && !selected.contains(key(row)) && !selected.contains({key(row).first, "*"})) {
@@ -213,7 +216,7 @@ class Diagnosis {
     for (std::size_t column = 0; column < widest; ++column) {
       bool any = false;
       for (const SnapshotRow& row : query_.rows) {
-        if (row.column.empty() || row.ChoosesGroups() || column >= row.criteria.size()) continue;
+        if (row.column.empty() || row.grouping.ChoosesGroups() || column >= row.criteria.size()) continue;
         if (Trim(row.criteria[column]).empty()) continue;
         any = true;
         if (!row.table || !optional[*row.table] || AcceptsNull(row.criteria[column])) continue;
@@ -265,7 +268,7 @@ class Diagnosis {
     if (!sorted_.empty()) Say(DiagnosticLimitWritten, query_.top, ": the rows are counted before they are sorted.");
     const bool joined = std::ranges::any_of(generated_.from, [](const FromEntry& e) { return !e.conditions.empty(); });
     const bool alternatives = std::ranges::any_of(query_.rows, [](const SnapshotRow& row) {
-      return !row.column.empty() && !row.ChoosesGroups() && row.criteria.size() > 1;
+      return !row.column.empty() && !row.grouping.ChoosesGroups() && row.criteria.size() > 1;
     });
     if (alternatives && !joined) {
       Say(DiagnosticLimitWritten, query_.top, ": the limit holds for the last of the alternative criteria only.");

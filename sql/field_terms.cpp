@@ -55,7 +55,7 @@ const FieldTerms::Aggregates& FieldTerms::KnownAggregates() const {
       SyntaxArena arena(512);
       const Expression* syntax = ParseExpressionText(function->Syntax(), arena);
       aggregates_->try_emplace(KeyOf(*syntax, OnlyOperand(*syntax)),
-                               Aggregate{function->DisplayText(), function->Syntax()});
+                               RowGrouping(function->DisplayText(), function->Syntax()));
     } catch (const SyntaxError&) {
       // A function of the application's that is no SQL as we know it is recognised in no statement.
     }
@@ -80,7 +80,7 @@ std::optional<RowField> FieldTerms::ColumnOf(const Expression& expression) const
   if (column->kind != ExpressionKind::Column || column->optional) return std::nullopt;
   std::optional<BoundColumn> found = scope_.Find(*column);
   if (!found) return std::nullopt;
-  return RowField{found->table, std::move(found->column), {}, {}};
+  return RowField{found->table, std::move(found->column), {}};
 }
 
 std::optional<RowField> FieldTerms::AggregateOf(const Expression& expression) const {
@@ -89,7 +89,7 @@ std::optional<RowField> FieldTerms::AggregateOf(const Expression& expression) co
   if (!operand || (operand->kind == ExpressionKind::Star && operand->text != "*")) return std::nullopt;
   const auto found = KnownAggregates().find(KeyOf(expression, operand));
   if (found == KnownAggregates().end() || scope_.Tables().empty()) return std::nullopt;
-  RowField field{0, "*", found->second.text, found->second.syntax};
+  RowField field{0, "*", found->second};
   if (operand->kind == ExpressionKind::Star) return field;
   std::optional<BoundColumn> column = scope_.Find(*operand);
   if (!column) return std::nullopt;
@@ -100,8 +100,9 @@ std::optional<RowField> FieldTerms::AggregateOf(const Expression& expression) co
 
 std::string FieldTerms::TermOf(const RowField& field) const {
   if (!field.table) return field.column;
-  if (field.aggregate.empty()) return ColumnTerm(*field.table, field.column);
-  return ReplaceNoCase(field.aggregate, kField, field.column == "*" ? "*" : ColumnTerm(*field.table, field.column));
+  if (!field.grouping.HasSyntax()) return ColumnTerm(*field.table, field.column);
+  return ReplaceNoCase(field.grouping.syntax, kField,
+                       field.column == "*" ? "*" : ColumnTerm(*field.table, field.column));
 }
 
 std::string FieldTerms::Normalized(const Expression& expression) const { return PrintExpression(expression, columns_); }

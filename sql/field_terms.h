@@ -35,11 +35,7 @@ class FieldTerms {
   std::string Written(const Expression& expression) const;
 
  private:
-  struct Aggregate {
-    std::string text;
-    std::string syntax;
-  };
-  using Aggregates = std::unordered_map<std::string, Aggregate>;  // by syntax, as `KeyOf` makes it alike
+  using Aggregates = std::unordered_map<std::string, RowGrouping>;  // by syntax, as `KeyOf` makes it alike
   const Aggregates& KnownAggregates() const;
   const Expression* OnlyOperand(const Expression& expression) const;
   std::string ColumnTerm(std::size_t table, const std::string& column) const;

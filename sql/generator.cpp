@@ -91,10 +91,12 @@ class Generator {
 
   // What replaces "@field" in a row's template.
   std::string TemplateOperand(const SnapshotRow& row) const {
-    return row.table && row.column == "*" && !row.groupBy.empty() ? "*" : FieldTerm(row);
+    return row.table && row.column == "*" && row.grouping.kind != GroupingKind::None ? "*" : FieldTerm(row);
   }
 
-  std::string_view TemplateOf(const SnapshotRow& row) const { return row.aggregate.empty() ? kField : row.aggregate; }
+  std::string_view TemplateOf(const SnapshotRow& row) const {
+    return row.grouping.HasSyntax() ? std::string_view(row.grouping.syntax) : kField;
+  }
 
   // The row's term in the select list, without its alias.
   std::string SelectTerm(const SnapshotRow& row) const {
@@ -212,15 +214,15 @@ class Generator {
     for (const SnapshotRow* row : SortedRows(query_)) {
       order_ += order_.empty() ? "\r\nORDER BY " : ", ";
       order_ += kItem;
-      order_ += row->groupBy.empty() ? FieldTerm(*row) : SelectTerm(*row);
-      if (EqualsNoCase(row->sortType, "DESCENDING")) order_ += " DESC";
+      order_ += row->grouping.kind == GroupingKind::None ? FieldTerm(*row) : SelectTerm(*row);
+      if (row->sort.direction == SortDirection::Descending) order_ += " DESC";
     }
   }
 
   void WriteGroupBy() {
     if (!query_.groupByMode) return;
     for (const SnapshotRow& row : query_.rows) {
-      if (row.column.empty() || !EqualsNoCase(row.groupBy, "GROUP BY")) continue;
+      if (row.column.empty() || row.grouping.kind != GroupingKind::GroupBy) continue;
       group_ += group_.empty() ? "\r\nGROUP BY " : ", ";
       group_ += kItem;
       group_ += FieldTerm(row);
@@ -240,7 +242,7 @@ class Generator {
         if (row.column.empty() || column >= row.criteria.size()) continue;
         const std::string condition = ConditionOf(row, row.criteria[column]);
         if (condition.empty()) continue;  // a blank cell, or one with nothing but a comment
-        std::string& group = row.ChoosesGroups() ? having : where;
+        std::string& group = row.grouping.ChoosesGroups() ? having : where;
         if (!group.empty()) group += kAnd;
         group += dialect_.open;
         group += condition;
@@ -277,7 +279,7 @@ class Generator {
       if (EndsWithNoCase(cell, "TRUE")) return std::string(Trim(row.column));
       if (EndsWithNoCase(cell, "FALSE")) return "NOT " + std::string(Trim(row.column));
     }
-    const std::string field = row.aggregate.empty() ? FieldTerm(row) : SelectTerm(row);
+    const std::string field = row.grouping.HasSyntax() ? SelectTerm(row) : FieldTerm(row);
     try {
       return FormatCondition(field, cell, ContextOf(row));
     } catch (const Error& error) {
@@ -292,7 +294,7 @@ class Generator {
     context_.isLong = row.type.isLong;
     context_.prefix = row.type.prefix;
     context_.suffix = row.type.suffix;
-    context_.aggregate = row.aggregate;
+    context_.aggregate = row.grouping.syntax;
     return context_;
   }
 

@@ -3,7 +3,8 @@
 namespace zrqrybld {
 
 std::string QueryRows::KeyOf(const RowField& field) {
-  return (field.table ? std::to_string(*field.table) : std::string()) + '\n' + field.column + '\n' + field.groupBy;
+  return (field.table ? std::to_string(*field.table) : std::string()) + '\n' + field.column + '\n' +
+         field.grouping.name;
 }
 
 std::size_t QueryRows::Add(const RowField& field) {
@@ -11,8 +12,7 @@ std::size_t QueryRows::Add(const RowField& field) {
   SnapshotRow& row = rows_.emplace_back();
   row.table = field.table;
   row.column = field.column;
-  row.groupBy = field.groupBy;
-  row.aggregate = field.aggregate;
+  row.grouping = field.grouping;
   byField_[KeyOf(field)].rows.push_back(index);
   return index;
 }

@@ -12,17 +12,11 @@
 
 namespace zrqrybld {
 
-/// The grouping choices of the grid, as the cells show them.
-inline constexpr const char* kGroupByText = "Group By";
-inline constexpr const char* kWhereText = "Where";
-inline constexpr const char* kExpressionText = "Expression";
-
 /// What a row of the grid stands for: a column of a table, an aggregate of one, or an expression.
 struct RowField {
   std::optional<std::size_t> table;  ///< none for an expression
   std::string column;                ///< the expression itself when it has no table
-  std::string groupBy;               ///< the aggregate's text; "" for none
-  std::string aggregate;             ///< the aggregate's syntax; "" for none
+  RowGrouping grouping;              ///< an aggregate, or none
 };
 
 class QueryRows {

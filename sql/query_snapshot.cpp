@@ -8,10 +8,6 @@
 
 namespace zrqrybld {
 
-bool SnapshotRow::ChoosesGroups() const {
-  return !groupBy.empty() && !EqualsNoCase(groupBy, "GROUP BY") && !EqualsNoCase(groupBy, "WHERE");
-}
-
 SqlText TableTerm(const SnapshotTable& table, const NameRules& rules) {
   return table.aliased ? QuoteWhenNeeded(table.caption, rules) : RenderQualified(table.name, rules);
 }
@@ -21,7 +17,7 @@ std::string FieldTerm(const SnapshotTable& table, const std::string& column, con
 }
 
 bool IsAllColumns(const SnapshotRow& row) {
-  if (!row.aggregate.empty()) return false;
+  if (row.grouping.HasSyntax()) return false;
   const std::string_view text = TrimWhite(row.column);
   return text == "*" || (!row.table && text.ends_with(".*"));
 }
@@ -29,9 +25,8 @@ bool IsAllColumns(const SnapshotRow& row) {
 std::vector<const SnapshotRow*> SortedRows(const QuerySnapshot& query) {
   std::vector<std::pair<double, const SnapshotRow*>> numbered;
   for (const SnapshotRow& row : query.rows) {
-    if (row.sortOrder.empty()) continue;
-    const std::optional<double> number = ParseNumber(row.sortOrder);
-    if (number && *number >= 0.5) numbered.emplace_back(std::nearbyint(*number), &row);
+    const std::optional<double> place = row.sort.place;
+    if (place && *place >= 0.5) numbered.emplace_back(std::nearbyint(*place), &row);
   }
   std::ranges::stable_sort(numbered, {}, &std::pair<double, const SnapshotRow*>::first);
   std::vector<const SnapshotRow*> rows;

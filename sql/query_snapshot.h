@@ -12,6 +12,7 @@
 #include "sql/criteria_context.h"
 #include "sql/join_kind.h"
 #include "sql/names.h"
+#include "sql/query_row.h"
 #include "sql/sql_text.h"
 
 namespace zrqrybld {
@@ -50,28 +51,15 @@ struct SnapshotType {
 };
 
 /// One row of the grid.
-struct SnapshotRow {
-  /// A column's name, "*", or an expression when `table` is none.
-  std::string column;
+struct SnapshotRow : RowTerms {
   Identifier alias;
   /// What was asked for, where the alias had to be cut; "" otherwise.
   std::string uncutAlias;
   /// The position in `QuerySnapshot::tables`, from 0; none for an expression.
   std::optional<std::size_t> table;
-  bool output = false;
-  std::string sortType;
-  std::string sortOrder;
-  std::string groupBy;
-  /// The aggregate's syntax with "@field" in it; empty for grouping choices, for a text that names no choice, and
-  /// outside group-by mode.
-  std::string aggregate;
-  /// The cells of the criteria columns in their order; columns behind the last filled one may be left out.
-  std::vector<std::string> criteria;
   /// How literals of the column are written; known only where there are criteria.
   SnapshotType type;
 
-  /// Whether the criteria choose groups (HAVING); otherwise they choose rows (WHERE).
-  bool ChoosesGroups() const;
   friend bool operator==(const SnapshotRow&, const SnapshotRow&) = default;
 };
 

@@ -54,7 +54,7 @@ bool IsAnyOrder(const OrderItem* item) {
   return EqualsNoCase(words, "( SELECT NULL ) ");
 }
 
-bool IsAggregate(const SnapshotRow& row) { return !row.aggregate.empty(); }
+bool IsAggregate(const SnapshotRow& row) { return row.grouping.HasSyntax(); }
 
 // An expression of numbers alone.
 bool IsFigures(const SnapshotRow& row) {
@@ -138,7 +138,7 @@ class Binder {
     const bool isText = options_.dialect->doubleQuotesAreTexts && inner.text.starts_with('"');
     if (inner.kind == ExpressionKind::Column && !isText && !NameScope::IsPseudoColumn(inner.name))
       scope_.Require(inner);
-    return {std::nullopt, ExpressionText(expression), {}, {}};
+    return {std::nullopt, ExpressionText(expression), {}};
   }
 
   void BindSelectList() {
@@ -164,7 +164,7 @@ class Binder {
     const auto grouping = grouping_.find(key);
     const bool groups = grouping != grouping_.end() && !grouping->second.placed;
     if (groups) grouping->second.placed = true;
-    rows_[row].groupBy = groups ? kGroupByText : kExpressionText;
+    rows_[row].grouping = groups ? GroupingKind::GroupBy : GroupingKind::Expression;
     return row;
   }
 
@@ -181,13 +181,13 @@ class Binder {
         scope_.Refuse(star.text, "The columns that \"*\" stands for are not known.");
     }
     for (const BoundColumn& column : from_.columns) {
-      const RowField field{column.table, column.column, {}, {}};
+      const RowField field{column.table, column.column, {}};
       outputs_.push_back({AddOutput(field, fields_.TermOf(field)), nullptr, column.column});
     }
   }
 
   void AddStar(std::size_t table) {
-    const std::size_t row = rows_.Add({table, "*", {}, {}});
+    const std::size_t row = rows_.Add({table, "*", {}});
     rows_[row].output = true;
     outputs_.push_back({row, nullptr, {}});
   }
@@ -284,8 +284,8 @@ class Binder {
       Grouping& grouping = grouping_.at(key);
       if (grouping.placed) continue;
       RowField field = FieldOf(*grouping.expression);
-      if (!field.aggregate.empty()) field = {std::nullopt, ExpressionText(*grouping.expression), {}, {}};
-      rows_[rows_.Add(field)].groupBy = kGroupByText;
+      if (field.grouping.HasSyntax()) field = {std::nullopt, ExpressionText(*grouping.expression), {}};
+      rows_[rows_.Add(field)].grouping = GroupingKind::GroupBy;
     }
   }
 
@@ -366,21 +366,20 @@ class Binder {
   }
 
   bool IsSorted(const SnapshotRow& row) const {
-    const RowField field{row.table, row.column, IsAggregate(row) ? row.groupBy : std::string(), {}};
-    return rows_.FindAny(field, [](const SnapshotRow& alike) { return !alike.sortOrder.empty(); }).has_value();
+    const RowField field{row.table, row.column, IsAggregate(row) ? row.grouping : RowGrouping()};
+    return rows_.FindAny(field, [](const SnapshotRow& alike) { return alike.sort.place.has_value(); }).has_value();
   }
 
   void AddSort(std::size_t row, bool descending, int order) {
-    rows_[row].sortOrder = std::to_string(order);
-    rows_[row].sortType = descending ? "Descending" : "Ascending";
+    rows_[row].sort = {descending ? SortDirection::Descending : SortDirection::Ascending, order};
   }
 
   // The grid has no word for where Nulls stand: the whole term is an expression, which is written without any other.
   std::size_t SortedAsWritten(const OrderItem& item) {
     std::string term = fields_.Normalized(SortedBy(*item.expression));
     term += (item.descending ? " DESC " : " ") + OnOneLine(item.nulls);
-    const std::size_t row = rows_.Add({std::nullopt, std::move(term), {}, {}});
-    if (query_.groupByMode) rows_[row].groupBy = kExpressionText;
+    const std::size_t row = rows_.Add({std::nullopt, std::move(term), {}});
+    if (query_.groupByMode) rows_[row].grouping = GroupingKind::Expression;
     return row;
   }
 
@@ -397,7 +396,7 @@ class Binder {
     if (e.kind == ExpressionKind::Literal && IsDigit(e.text.front())) {
       // A number that is no position is written as it is read: who sorts by a constant sorts by nothing.
       if (const std::optional<std::size_t> row = RowAt(e)) return *row;
-      return RowToSort(RowField{std::nullopt, ExpressionText(e), {}, {}});
+      return RowToSort(RowField{std::nullopt, ExpressionText(e), {}});
     }
     const Expression& inner = *StripParentheses(&e);
     if (inner.kind == ExpressionKind::Column && inner.Qualifier().empty()) {
@@ -413,7 +412,7 @@ class Binder {
     const auto suits = [&](const SnapshotRow& row) { return field.table || row.criteria.empty(); };
     if (const std::optional<std::size_t> row = rows_.FindAny(field, suits)) return *row;
     const std::size_t row = rows_.Add(field);
-    if (query_.groupByMode && field.groupBy.empty()) rows_[row].groupBy = kExpressionText;
+    if (query_.groupByMode && !field.grouping.HasSyntax()) rows_[row].grouping = GroupingKind::Expression;
     return row;
   }
 
@@ -445,7 +444,7 @@ class Binder {
       if (!scope_.Source().KnowsColumns(*row.table)) return std::nullopt;
       const std::vector<std::string> columns = scope_.Source().Columns(*row.table);
       if (left <= static_cast<double>(columns.size())) {
-        return RowToSort(RowField{row.table, columns[static_cast<std::size_t>(left) - 1], {}, {}});
+        return RowToSort(RowField{row.table, columns[static_cast<std::size_t>(left) - 1], {}});
       }
       left -= static_cast<double>(columns.size());
     }

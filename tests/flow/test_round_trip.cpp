@@ -40,21 +40,21 @@ std::vector<std::string> RowTexts(const QuerySnapshot& query) {
   for (const SnapshotRow* row : SortedRows(query)) ranks.emplace(row, ranks.size() + 1);
   for (const SnapshotRow& row : query.rows) {
     for (std::size_t i = 0; i < row.criteria.size(); ++i) {
-      if (!row.criteria[i].empty()) columns[row.ChoosesGroups()].insert(i);
+      if (!row.criteria[i].empty()) columns[row.grouping.ChoosesGroups()].insert(i);
     }
   }
   std::vector<std::string> outputs, others;
   for (const SnapshotRow& row : query.rows) {
     std::string text = row.table ? query.tables[*row.table].caption.Name() + "." : "";
-    text += row.column + " AS " + row.alias.Name() + " " + row.groupBy;
-    if (ranks.contains(&row)) text += " #" + std::to_string(ranks.at(&row)) + row.sortType;
+    text += row.column + " AS " + row.alias.Name() + " " + std::string(row.grouping.Text());
+    if (ranks.contains(&row)) text += " #" + std::to_string(ranks.at(&row)) + std::string(TextOf(row.sort.direction));
     bool hasCriteria = false;
-    for (const std::size_t i : columns[row.ChoosesGroups()]) {
+    for (const std::size_t i : columns[row.grouping.ChoosesGroups()]) {
       const std::string cell = i < row.criteria.size() ? row.criteria[i] : "";
       hasCriteria |= !cell.empty();
       text += " | " + cell;
     }
-    const bool hasEffect = hasCriteria || ranks.contains(&row) || row.groupBy == "Group By";
+    const bool hasEffect = hasCriteria || ranks.contains(&row) || row.grouping.kind == GroupingKind::GroupBy;
     if (row.output) {
       outputs.push_back("out " + text);
     } else if (hasEffect) {
@@ -138,7 +138,7 @@ class Maker {
 
   // Each field once, so that it is clear which row a condition belongs to.
   void FillGrid() {
-    std::vector<qbGridPane::RowContent> rows;
+    std::vector<QueryRow> rows;
     std::set<std::string> fields;
     int sorted = 0;
     for (std::size_t count = 1 + chance_.Below(6); rows.size() < count;) {
@@ -151,7 +151,7 @@ class Maker {
         if (chance_.OneIn(20)) break;
         continue;
       }
-      qbGridPane::RowContent row;
+      QueryRow row;
       row.table = entity.Caption();
       row.column = item.Text();
       row.output = rows.empty() || !chance_.OneIn(4);
@@ -160,19 +160,18 @@ class Maker {
         row.alias = Any({"Total", "two words", "Größe", "select", "a\"b", "x]", "5th", "it's"});
       }
       if (!star && chance_.OneIn(3)) {
-        row.sortType = Any({"Ascending", "Descending"});
-        row.sortOrder = std::to_string(++sorted);
+        row.sort = {ReadSortDirection(Any({"Ascending", "Descending"})), ++sorted};
       }
       if (!star && chance_.OneIn(2)) AddCriteria(row, item.Kind());
       if (grouped_) ChooseGrouping(row, rows.empty());
-      if (!row.output && row.criteria.empty() && row.sortType.empty()) row.output = true;
+      if (!row.output && row.criteria.empty() && !row.sort.place) row.output = true;
       rows.push_back(std::move(row));
     }
     if (chance_.OneIn(3)) rows.push_back(Expression());
     designer_.Hub().GridPane()->AddRows(rows);
   }
 
-  void AddCriteria(qbGridPane::RowContent& row, TypeKind kind) {
+  void AddCriteria(QueryRow& row, TypeKind kind) {
     static const std::vector<std::string> numbers = {
         "= 5",        "<> 3",       "BETWEEN 1 AND 9", "IN (1, 2, 3)",        "IS NULL", "> 1 AND < 9",
         "= 1 OR = 2", "NOT IN (4)", "IS NOT NULL",     "NOT BETWEEN 1 AND 2", "<= -1.5"};
@@ -185,22 +184,22 @@ class Maker {
     }
   }
 
-  void ChooseGrouping(qbGridPane::RowContent& row, bool first) {
+  void ChooseGrouping(QueryRow& row, bool first) {
     if (row.column == "*") {
       row.output = true;
-    } else if (!row.output && !row.criteria.empty() && row.sortType.empty()) {
-      row.groupBy = Any({"Where", "Expression", "Max"});
+    } else if (!row.output && !row.criteria.empty() && !row.sort.place) {
+      row.grouping = ReadGrouping(Any({"Where", "Expression", "Max"}), nullptr);
     } else {
-      row.groupBy = Any({"Group By", "Sum", "Count Distinct", "Min"});
+      row.grouping = ReadGrouping(Any({"Group By", "Sum", "Count Distinct", "Min"}), nullptr);
     }
-    if (first) row.groupBy = "Group By";
+    if (first) row.grouping = GroupingKind::GroupBy;
   }
 
-  qbGridPane::RowContent Expression() {
-    qbGridPane::RowContent row;
+  QueryRow Expression() {
+    QueryRow row;
     row.column = Any({"1 + 1", "UPPER('a, b')", "CASE WHEN 1 = 2 THEN 'x' ELSE 'y' END", "'O''Brien'"});
     row.output = !chance_.OneIn(3);
-    if (grouped_) row.groupBy = row.output ? "Expression" : "Where";
+    if (grouped_) row.grouping = row.output ? GroupingKind::Expression : GroupingKind::Where;
     if (!row.output) {
       row.column = "1 = 1";
       row.criteria = {"= True"};

@@ -248,7 +248,10 @@ class Script : public test::Player, public test::Designer {
   void KnowActions() {
     // the source
     actions["table"] = [this](const Words& w) { source->Table(w[2], Words(w.begin() + 3, w.end()), OrNone(w[1])); };
-    actions["column"] = [this](const Words& w) { source->Column(w[1], w[2], Read(w[3])); };
+    actions["column"] = [this](const Words& w) {
+      const int type = w.size() > 4 ? std::stoi(w[4]) : static_cast<int>(DataTypeCode::Integer);
+      source->Column(w[1], w[2], Read(w[3]), {}, static_cast<DataTypeCode>(type));
+    };
     actions["forget"] = [this](auto&) { source->Forget(SchemaKind::Columns); };
     actions["fk"] = [this](const Words& w) { source->ForeignKey(w[2], w[3], w[5], w[6], OrNone(w[1]), OrNone(w[4])); };
     actions["literal"] = [this](const Words& w) { source->Literal(w[1], w[2]); };
@@ -306,9 +309,9 @@ class Script : public test::Player, public test::Designer {
       if (taken_) grid->Grid()->OnDrop(w[2], at);
     };
     actions["rows"] = [this](const Words& w) {
-      std::vector<qbGridPane::RowContent> rows;
+      std::vector<QueryRow> rows;
       for (auto name = w.begin() + 1; name != w.end(); ++name) {
-        rows.push_back({Split2(*name).second, "", Split2(*name).first, true, "", "", "", {}});
+        rows.push_back({{Split2(*name).second, true, {}, {}, {}}, "", Split2(*name).first});
       }
       grid->AddRows(rows);
     };

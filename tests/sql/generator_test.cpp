@@ -82,12 +82,12 @@ QuerySnapshot DesignOf(const test::Record& record) {
     if (!table.empty()) row.table = tableAt(table);
     row.column = ReplaceAll(Cut(cells, ";"), "¶", "\r\n\r\n");
     row.alias = Identifier(Cut(cells, ";"));
-    row.sortType = Cut(cells, ";");
-    row.sortOrder = Cut(cells, ";");
-    row.groupBy = Cut(cells, ";");
+    row.sort.direction = ReadSortDirection(Cut(cells, ";"));
+    row.sort.place = ReadSortPlace(Cut(cells, ";"));
+    row.grouping = ReadGrouping(Cut(cells, ";"), nullptr);
     while (!cells.empty()) row.criteria.push_back(Cut(cells, ";"));
-    if (row.groupBy == "Count") row.aggregate = "COUNT(@field)";
-    if (row.groupBy == "Sum Both") row.aggregate = "SUM(@FIELD + @field)";
+    if (row.grouping.name == "Count") row.grouping.syntax = "COUNT(@field)";
+    if (row.grouping.name == "Sum Both") row.grouping.syntax = "SUM(@FIELD + @field)";
     query.rows.push_back(row);
   }
   return query;
