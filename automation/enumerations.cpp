@@ -68,8 +68,10 @@ constexpr EnumerationMember kInfo[] = {MEMBER(InfoDone),
 constexpr EnumerationMember kIndicatorStyle[] = {MEMBER(IndicatorNone), MEMBER(IndicatorImage)};
 constexpr EnumerationMember kOperator[] = {MEMBER(SQLOperatorComparison), MEMBER(SQLOperatorLogical),
                                            MEMBER(SQLOperatorArithmetic), MEMBER(SQLOperatorBitwise)};
-constexpr EnumerationMember kSyntax[] = {MEMBER(SQLSyntaxGeneric), MEMBER(SQLSyntaxMSSQL), MEMBER(SQLSyntaxOracle),
-                                         MEMBER(SQLSyntaxAccess), MEMBER(SQLSyntaxOpenSQL)};
+constexpr EnumerationMember kSyntax[] = {
+    MEMBER(SQLSyntaxGeneric),   MEMBER(SQLSyntaxMSSQL),      MEMBER(SQLSyntaxOracle), MEMBER(SQLSyntaxAccess),
+    MEMBER(SQLSyntaxOpenSQL),   MEMBER(SQLSyntaxPostgreSQL), MEMBER(SQLSyntaxMySQL),  MEMBER(SQLSyntaxSQLite),
+    MEMBER(SQLSyntaxSQLServer), MEMBER(SQLSyntaxOracle12),   MEMBER(SQLSyntaxANSI)};
 
 #undef MEMBER
 

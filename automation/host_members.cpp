@@ -77,6 +77,8 @@ constexpr Member kQueryBuilder[] = {
     Raised<Hub, &Hub::BeforeConnect>("BeforeConnect", "ConnectionString, FromFile, Cancel"),
     ReadOnly<Hub, &Hub::LoadRemarks>("LoadRemarks"),
     ReadWrite<Hub, &Hub::SavePassword, &Hub::SetSavePassword>("SavePassword"),
+    ReadWrite<Hub, &Hub::SkipRecords, &Hub::SetSkipRecords>("SkipRecords"),
+    ReadWrite<Hub, &Hub::AutoSyntax, &Hub::SetAutoSyntax>("AutoSyntax"),
     Method<Hub, &Hub::AskParameters>("AskParameters", "SQL"),
     Method<Hub, &Hub::QuoteIdentifier>("QuoteIdentifier", "Name"),
     Method<Hub, &Hub::Undo>("Undo"),

@@ -12,10 +12,12 @@ std::string WrapDescription(std::string_view sentence, std::int32_t number, std:
 }
 
 Error WrapError(std::int32_t number, std::string_view sentence, const std::exception& cause) {
-  if (const auto* error = dynamic_cast<const Error*>(&cause)) {
-    return {number, WrapDescription(sentence, error->Number(), error->Description()), error->Offset()};
-  }
-  return {number, WrapDescription(sentence, 0, cause.what())};
+  const auto* error = dynamic_cast<const Error*>(&cause);
+  const std::string words = error ? error->Description() : std::string(cause.what());
+  Error wrapped(number, WrapDescription(sentence, error ? error->Number() : 0, words),
+                error ? error->Offset() : std::nullopt);
+  wrapped.cause_ = words;
+  return wrapped;
 }
 
 void ThrowDuplicateKey(std::string_view key) {

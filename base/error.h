@@ -37,6 +37,11 @@ enum CommonErrorEnum : std::int32_t {
   ErrorSchemaNotSupported = 3251,  ///< the provider has no such schema
 };
 
+class Error;
+
+/// An error with `number` whose description wraps `cause`. A standard exception counts as number 0.
+Error WrapError(std::int32_t number, std::string_view sentence, const std::exception& cause);
+
 /// A numbered error with a description.
 class Error : public std::exception {
  public:
@@ -52,19 +57,22 @@ class Error : public std::exception {
   /// Where in the text that was read the failure lies, in bytes from 0; none when no text was read.
   std::optional<std::size_t> Offset() const { return offset_; }
 
+  /// What the failure that this error wraps says; the description itself when it wraps none.
+  const std::string& Cause() const { return cause_.empty() ? description_ : cause_; }
+
   const char* what() const noexcept override { return description_.c_str(); }
 
  private:
+  friend Error WrapError(std::int32_t number, std::string_view sentence, const std::exception& cause);
+
   std::int32_t number_;
   std::string description_;
+  std::string cause_;
   std::optional<std::size_t> offset_;
 };
 
 /// The description of a failure with a cause: `sentence`, CR LF, "[", `number`, "] ", `description`.
 std::string WrapDescription(std::string_view sentence, std::int32_t number, std::string_view description);
-
-/// An error with `number` whose description wraps `cause`. A standard exception counts as number 0.
-Error WrapError(std::int32_t number, std::string_view sentence, const std::exception& cause);
 
 [[noreturn]] void ThrowDuplicateKey(std::string_view key);
 [[noreturn]] void ThrowNoSuchItem();

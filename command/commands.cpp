@@ -278,7 +278,7 @@ Outcome CheckFiles(const CommandOptions& options, std::ostream& errors) {
 Outcome Run(const CommandOptions& options, std::ostream& errors) {
   switch (options.verb) {
     case Verb::Help:
-      return {std::string(HelpText())};
+      return {HelpText()};
     case Verb::Version:
       return {"zrqb " ZRQRYBLD_VERSION "\n"};
     case Verb::Tables:

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "base/text.h"
 #include "platform/connection_string.h"
+#include "sql/dialect.h"
 
 namespace zrqrybld {
 namespace {
@@ -27,11 +29,19 @@ constexpr VerbRow kVerbs[] = {
     {"check", Verb::Check, false, 1, kAnyNumber},
 };
 
+// The names of the dialects whose statements can be read, or of those that can only be written, or of all.
+std::string DialectNames(bool readable, bool writable) {
+  std::string names;
+  for (const Dialect& dialect : AllDialects()) {
+    if (!(dialect.canBeParsed ? readable : writable)) continue;
+    names += (names.empty() ? "" : ", ") + std::string(dialect.name);
+  }
+  return names;
+}
+
 SQLSyntaxEnum ReadDialect(std::string_view name) {
   if (const Dialect* dialect = FindDialect(name)) return dialect->syntax;
-  std::string known;
-  for (const Dialect& dialect : AllDialects()) known += (known.empty() ? "" : ", ") + std::string(dialect.name);
-  throw UsageError("there is no dialect \"" + std::string(name) + "\"; there are " + known);
+  throw UsageError("there is no dialect \"" + std::string(name) + "\"; there are " + DialectNames(true, true));
 }
 
 }  // namespace
@@ -80,8 +90,8 @@ CommandOptions ReadOptions(std::span<const char* const> arguments) {
   return options;
 }
 
-std::string_view HelpText() {
-  return R"(Usage: zrqb COMMAND [OPTION...] [FILE...]
+std::string HelpText() {
+  return ReplaceAll(ReplaceAll(R"(Usage: zrqb COMMAND [OPTION...] [FILE...]
 
   tables     lists the tables and views of a data source
   translate  reads SELECT statements and writes them in another dialect, a statement a file
@@ -91,8 +101,9 @@ std::string_view HelpText() {
 
   --db FILE          the data source: an SQLite database
   --connect STRING   the data source: a connection string
-  --from DIALECT     of the statements read: Generic (default), MSSQL, Oracle, Access
-  --to DIALECT       of the statements written: also OpenSQL
+  --from DIALECT     of the statements read, Generic unless told:
+                     @readable
+  --to DIALECT       of the statements written: also @written
   -o, --output FILE  writes there instead of to the standard output; of translate with several files, a folder
   --json             writes JSON
   --version, --help
@@ -101,7 +112,9 @@ FILE "-" is the standard input. Show, picture and check work without a data sour
 holds itself, and check looks at the form of statements only.
 
 Exit status: 0 when all went well, 1 when something could not be read or written, 2 when the command line makes no sense.
-)";
+)",
+                               "@readable", DialectNames(true, false)),
+                    "@written", DialectNames(false, true));
 }
 
 }  // namespace zrqrybld

@@ -34,6 +34,6 @@ class UsageError : public std::runtime_error {
 CommandOptions ReadOptions(std::span<const char* const> arguments);
 
 /// What --help prints.
-std::string_view HelpText();
+std::string HelpText();
 
 }  // namespace zrqrybld

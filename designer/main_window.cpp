@@ -32,6 +32,7 @@
 #include "designer/window_memory.h"
 #include "hub/parameter_form.h"
 #include "platform/connection_string.h"
+#include "sql/dialect.h"
 #if ZRQRYBLD_HAS_ODBC
 #include "adapters/odbc/odbc_provider.h"
 #endif
@@ -68,6 +69,7 @@ MainWindow::MainWindow()
   hub.GetToolkit().Providers()->Register(MakeWaitingProvider(std::make_shared<OdbcProvider>()));
 #endif
   hub.SetAllowJoinProperties(true);
+  hub.SetAutoSyntax(true);
   // A plain tick means a plain column; grouping is a choice.
   hub.GridPane()->SetShowGroupBy(false);
   hub.GridPane()->SetDateFormat("yyyy-mm-dd");
@@ -85,6 +87,7 @@ MainWindow::MainWindow()
   source_->setTextFormat(Qt::PlainText);  // a file's name is no markup
   statusBar()->addPermanentWidget(source_);
   links_.push_back(hub.SQLPane()->SQLChanged.Connect([this] {
+    options_->Refresh();
     UpdateState();
     if (recovery_) recovery_->Changed();
   }));
@@ -100,7 +103,7 @@ void MainWindow::MakeDocument() {
           [this](const std::string& connectionString) { return OpenSaved(connectionString); },
           [this](const std::shared_ptr<ProviderConnection>& connection) { UseConnection(connection); },
           [this] {
-            ShowSyntax();
+            if (options_) options_->Refresh();
             UpdateTitle();
             UpdateState();
             if (recovery_) recovery_->Keep();
@@ -212,14 +215,7 @@ void MainWindow::UpdateHistory() {
   };
   show(*undo_, tr("&Undo"), hub.CanUndo() ? hub.UndoText() : std::string());
   show(*redo_, tr("&Redo"), hub.CanRedo() ? hub.RedoText() : std::string());
-  ShowSyntax();
-}
-
-// The box follows a dialect that a query or a step brings along.
-void MainWindow::ShowSyntax() {
-  if (!syntax_) return;
-  const QSignalBlocker blocker(syntax_);
-  syntax_->setCurrentIndex(designer_->QueryBuilder().SQLPane()->SQLSyntax());
+  if (options_) options_->Refresh();
 }
 
 void MainWindow::MakeThemeMenu(QMenu& menu) {
@@ -236,17 +232,19 @@ void MainWindow::MakeThemeMenu(QMenu& menu) {
 }
 
 void MainWindow::MakeToolBar() {
-  QToolBar* bar = addToolBar(tr("Query"));
-  bar->setMovable(false);
-  bar->addAction(addTables_);
-  bar->addSeparator();
-  auto* label = new QLabel(tr("Dialect: "), bar);
-  bar->addWidget(label);
-  syntax_ = new QComboBox(bar);
-  syntax_->setAccessibleName(tr("Dialect"));
-  for (const Dialect& dialect : AllDialects()) syntax_->addItem(ToQString(dialect.name));
-  bar->addWidget(syntax_);
-  connect(syntax_, &QComboBox::currentIndexChanged, this, &MainWindow::SyntaxChosen);
+  options_ = new QueryOptionsBar(designer_->QueryBuilder(), this);
+  QAction* const first = options_->actions().constFirst();
+  options_->insertAction(first, addTables_);
+  options_->insertSeparator(first);
+  connect(options_, &QueryOptionsBar::Failed, this, &MainWindow::ShowError);
+  connect(options_, &QueryOptionsBar::DialectChosen, this, [this] {
+    qbQueryBuilder& hub = designer_->QueryBuilder();
+    if (!recovery_ || !hub.IsConnected()) return;
+    const Dialect& dialect = hub.CurrentDialect();
+    RememberDialect(hub.Connection()->ConnectionString(),
+                    hub.SourceDialect() == &dialect ? "" : std::string(dialect.name));
+  });
+  addToolBar(options_);
 }
 
 QString MainWindow::Guarded(const std::function<void()>& command) {
@@ -408,6 +406,8 @@ void MainWindow::UseConnection(const std::shared_ptr<ProviderConnection>& connec
   qbQueryBuilder& hub = designer_->QueryBuilder();
   hub.DiagramPane()->Clear();
   hub.SetConnection(connection);
+  const Dialect* chosen = recovery_ ? FindDialect(RememberedDialect(connection->ConnectionString())) : nullptr;
+  if (chosen) hub.SQLPane()->SetSQLSyntax(chosen->syntax);
   query_->SourceChanged();
   sourceName_ = SourceName(connection->ConnectionString());
   source_->setText(sourceName_);
@@ -529,19 +529,7 @@ QString MainWindow::LoadLanguage(const QString& file) {
   return error.isEmpty() ? error : tr("%1\n%2").arg(error, file);
 }
 
-void MainWindow::SetSyntax(const QString& name) {
-  syntax_->setCurrentIndex(syntax_->findText(name, Qt::MatchFixedString));
-}
-
-void MainWindow::SyntaxChosen(int index) {
-  qbQueryBuilder& hub = designer_->QueryBuilder();
-  const QString error = Guarded([&] {
-    const StepScope step(hub.Hub(), kStepDialect);
-    hub.SQLPane()->SetSQLSyntax(static_cast<SQLSyntaxEnum>(index));
-    hub.QueryChanged();
-  });
-  if (!error.isEmpty()) ShowError(error);
-}
+void MainWindow::SetSyntax(const QString& name) { options_->ChooseDialect(name); }
 
 QString MainWindow::Statement() const {
   return ToQString(designer_->QueryBuilder().SQLPane()->SQLStatement()).replace("\r\n", "\n");

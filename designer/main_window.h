@@ -1,7 +1,6 @@
 // MainWindow: the desktop application around the query designer.
 #pragma once
 
-#include <QComboBox>
 #include <QLabel>
 #include <QMainWindow>
 #include <QSplitter>
@@ -12,6 +11,7 @@
 #include "adapters/qt/query_designer_widget.h"
 #include "designer/preview_pane.h"
 #include "designer/query_document.h"
+#include "designer/query_options_bar.h"
 #include "designer/query_preview.h"
 #include "designer/recovery.h"
 #include "platform/provider.h"
@@ -100,11 +100,9 @@ class MainWindow : public QMainWindow {
   void ShowHappened(const QString& text);
   void PickTables();
   void AskForParameters();
-  void SyntaxChosen(int index);
   void WidenColumns();
   void UpdateState();
   void UpdateHistory();
-  void ShowSyntax();
   /// Runs a command; an error becomes its message.
   static QString Guarded(const std::function<void()>& command);
 
@@ -116,7 +114,7 @@ class MainWindow : public QMainWindow {
   std::unique_ptr<Recovery> recovery_;  // while the designer works for a user
   QString sourceName_;
   bool connectSaved_ = false;
-  QComboBox* syntax_ = nullptr;
+  QueryOptionsBar* options_ = nullptr;
   QLabel* source_ = nullptr;
   QAction* undo_ = nullptr;
   QAction* redo_ = nullptr;

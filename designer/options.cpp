@@ -35,6 +35,7 @@ DesignerOptions ReadCommandLine(const QStringList& arguments) {
   const QCommandLineOption tick("tick", "Tick a column; may be given several times.", "TABLE.COLUMN");
   const QCommandLineOption syntax("syntax", "Write the statement in this dialect: " + dialects.join(", ") + ".",
                                   "NAME");
+  const QCommandLineOption listDialects("list-dialects", "Print the names of the dialects and end.");
   const QCommandLineOption language("language", "Take the captions from this language file.", "FILE");
   QStringList themes;
   for (const AppearanceName& theme : AllAppearances()) themes += theme.key;
@@ -44,11 +45,15 @@ DesignerOptions ReadCommandLine(const QStringList& arguments) {
   const QCommandLineOption print("print-sql", "Print the statement and end.");
   const QCommandLineOption screenshot("screenshot", "Save a picture of the window and end.", "FILE");
   const QCommandLineOption measure("measure-start", "Say how long it took until the window could be used, and end.");
-  parser.addOptions(
-      {database, connect, connectSaved, table, tick, syntax, language, theme, parse, save, print, screenshot, measure});
+  parser.addOptions({database, connect, connectSaved, table, tick, syntax, listDialects, language, theme, parse, save,
+                     print, screenshot, measure});
   if (!parser.parse(arguments)) EndWithUsageError(parser.errorText());
   if (parser.isSet("help")) parser.showHelp(0);
   if (parser.isSet("version")) parser.showVersion();
+  if (parser.isSet(listDialects)) {
+    QTextStream(stdout) << dialects.join('\n') << '\n';
+    std::exit(0);
+  }
 
   const QStringList files = parser.positionalArguments();
   const bool hasQuery = !files.isEmpty() && QueryDocument::IsQueryFile(files.first());

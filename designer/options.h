@@ -26,8 +26,8 @@ struct DesignerOptions {
   bool IsScript() const { return printSql || !save.isEmpty() || !screenshot.isEmpty(); }
 };
 
-/// Reads the command line. With --help or --version it prints them and ends the program; a wrong option
-/// ends it with status 2 and a message.
+/// Reads the command line. With --help, --version or --list-dialects it prints them and ends the program; a wrong
+/// option ends it with status 2 and a message.
 DesignerOptions ReadCommandLine(const QStringList& arguments);
 
 }  // namespace zrqrybld

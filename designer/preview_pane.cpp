@@ -13,6 +13,7 @@
 #include <QLocale>
 #include <QMenu>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QSettings>
 #include <QShortcut>
 #include <QTableView>
@@ -67,6 +68,9 @@ PreviewPane::PreviewPane(QWidget* parent)
   line->setSpacing(kSpacing);
   line->addWidget(mark_, 0, Qt::AlignTop);
   line->addWidget(message_, 1, Qt::AlignTop);
+  cure_ = new QPushButton;
+  connect(cure_, &QPushButton::clicked, this, &PreviewPane::CureWanted);
+  line->addWidget(cure_, 0, Qt::AlignTop);
   failure_->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
   layout->addWidget(failure_);
   failure_->hide();
@@ -244,13 +248,20 @@ void PreviewPane::Fail(const QString& message) {
   job_.reset();
   message_->setPlainText(message.trimmed());
   mark_->Show(Mark::Kind::Error);
+  cure_->hide();
   failure_->show();
   if (table_->isHidden()) empty_->hide();
   ended_ = model_->RowsHeld() > 0 ? tr("then the source has failed") : QString();
   SetRunning(false);
   QAccessibleEvent announcement(message_, QAccessible::Alert);
   QAccessible::updateAccessibility(&announcement);
+  Q_EMIT Failing();
   Q_EMIT Finished(Summary());
+}
+
+void PreviewPane::OfferCure(const QString& text) {
+  cure_->setText(text);
+  cure_->show();
 }
 
 void PreviewPane::SetRunning(bool running) {

@@ -14,6 +14,7 @@
 
 class QLabel;
 class QPlainTextEdit;
+class QPushButton;
 class QTableView;
 class QToolButton;
 
@@ -39,6 +40,8 @@ class PreviewPane : public QWidget {
   void ShowFailure(const QString& message);
   /// Gives the keyboard to the rows, or to what brings them.
   void TakeFocus();
+  /// Offers a way out of the failure that is shown, as a button; `CureWanted` is the answer.
+  void OfferCure(const QString& text);
   /// The statement is another now: the rows are still shown, but not as its rows.
   void MarkStale();
 
@@ -55,6 +58,10 @@ class PreviewPane : public QWidget {
   void Finished(const QString& summary);
   /// The statement was refused at this place, in bytes.
   void Refused(quint64 offset);
+  /// There are no rows, or no more of them, and the pane says why.
+  void Failing();
+  /// The user takes the way out that was offered.
+  void CureWanted();
   /// The user asks to run the statement.
   void RunWanted();
   /// The user does not want to see the pane.
@@ -87,6 +94,7 @@ class PreviewPane : public QWidget {
   QWidget* failure_;
   Mark* mark_;
   QPlainTextEdit* message_;
+  QPushButton* cure_;
   QLabel* summary_ = nullptr;
   QToolButton* run_;
   QToolButton* stop_;

@@ -62,6 +62,7 @@ void QueryDocument::Clear() {
   hub_.DiagramPane()->Clear();
   hub_.GridPane()->ResetRows();
   hub_.SetSelectTopRecords("");
+  hub_.SetSkipRecords(0);
   hub_.SetDistinctRecords(false);
   hub_.QueryChanged();
 }

@@ -27,7 +27,21 @@ PreviewJob::Open RunnerFor(const ProviderList& providers, const std::string& con
 
 QueryPreview::QueryPreview(QueryDesignerWidget& designer, PreviewPane& pane) : designer_(designer), pane_(pane) {
   links_.push_back(designer_.QueryBuilder().SQLPane()->SQLChanged.Connect([this] { pane_.MarkStale(); }));
+  QObject::connect(&pane_, &PreviewPane::Failing, &pane_, [this] { OfferOwnDialect(); });
+  QObject::connect(&pane_, &PreviewPane::CureWanted, &pane_, [this] { SwitchToOwnDialect(); });
   QObject::connect(&pane_, &PreviewPane::Refused, &pane_, [this](quint64 offset) { Underline(offset); });
+}
+
+// A statement in another dialect than the source's own often fails for that reason.
+void QueryPreview::OfferOwnDialect() {
+  const qbQueryBuilder& hub = designer_.QueryBuilder();
+  const Dialect* own = hub.SourceDialect();
+  if (own && own != &hub.CurrentDialect()) pane_.OfferCure(tr("Switch to %1").arg(ToQString(own->name)));
+}
+
+void QueryPreview::SwitchToOwnDialect() {
+  designer_.QueryBuilder().FollowSource();
+  Run();
 }
 
 bool QueryPreview::Run() {

@@ -27,6 +27,8 @@ class QueryPreview {
 
  private:
   void Underline(std::size_t offset);
+  void OfferOwnDialect();
+  void SwitchToOwnDialect();
 
   QueryDesignerWidget& designer_;
   PreviewPane& pane_;

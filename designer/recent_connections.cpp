@@ -19,6 +19,7 @@ constexpr int kMostRecent = 8;
 constexpr auto kGroup = "recentConnections";
 constexpr auto kTextKey = "source";
 constexpr auto kAsksKey = "asksPassword";
+constexpr auto kDialectKey = "dialect";
 
 constexpr int kDeepest = 4;  // strings within strings
 
@@ -59,6 +60,7 @@ void Store(const QList<RecentConnection>& connections) {
     settings.setArrayIndex(i);
     settings.setValue(kTextKey, ToQString(connections[i].text));
     settings.setValue(kAsksKey, connections[i].asksPassword);
+    settings.setValue(kDialectKey, ToQString(connections[i].dialect));
   }
   settings.endArray();
 }
@@ -71,7 +73,8 @@ QList<RecentConnection> RecentConnections() {
   const int count = std::min(settings.beginReadArray(kGroup), kMostRecent);
   for (int i = 0; i < count; ++i) {
     settings.setArrayIndex(i);
-    RecentConnection connection{ToUtf8(settings.value(kTextKey).toString()), settings.value(kAsksKey).toBool()};
+    RecentConnection connection{ToUtf8(settings.value(kTextKey).toString()), settings.value(kAsksKey).toBool(),
+                                ToUtf8(settings.value(kDialectKey).toString())};
     if (!connection.text.empty()) connections.append(std::move(connection));
   }
   return connections;
@@ -107,10 +110,27 @@ void NoteUsed(const std::string& connectionString) {
   if (!UsedNow().contains(kept)) UsedNow().append(kept);
 }
 
+void RememberDialect(const std::string& connectionString, const std::string& dialect) {
+  const std::string kept = Kept(connectionString);
+  QList<RecentConnection> connections = RecentConnections();
+  for (RecentConnection& connection : connections) {
+    if (connection.text == kept) connection.dialect = dialect;
+  }
+  Store(connections);
+}
+
+std::string RememberedDialect(const std::string& connectionString) {
+  const std::string kept = Kept(connectionString);
+  for (const RecentConnection& connection : RecentConnections()) {
+    if (connection.text == kept) return connection.dialect;
+  }
+  return {};
+}
+
 void RememberConnection(const std::string& connectionString) {
   if (MayHoldSecret(connectionString)) return;
   const ConnectionString parsed = WithWholePaths(ConnectionString(connectionString));
-  RecentConnection connection{parsed.WithoutPassword(), false};
+  RecentConnection connection{parsed.WithoutPassword(), false, RememberedDialect(connectionString)};
   // Compared in the same writing: that of the parts may be another than the user's.
   std::string whole;
   for (const auto& [key, value] : parsed.Parts()) {

@@ -10,6 +10,7 @@ namespace zrqrybld {
 struct RecentConnection {
   std::string text;           ///< the connection string without its passwords
   bool asksPassword = false;  ///< it had one, so the user has to be asked again
+  std::string dialect;        ///< the name of the dialect that the user chose for it; "" for the source's own
 };
 
 /// The last ones, the newest first.
@@ -23,6 +24,11 @@ bool WasUsed(const std::string& connectionString);
 
 /// Counts the string as used as long as the program runs.
 void NoteUsed(const std::string& connectionString);
+
+/// Keeps the dialect that the user has chosen for a source that is remembered; "" for the source's own.
+void RememberDialect(const std::string& connectionString, const std::string& dialect);
+/// The dialect that is kept for the source; "" for none.
+std::string RememberedDialect(const std::string& connectionString);
 
 /// Puts a source in front of the others. One that may hold a secret is not kept at all.
 void RememberConnection(const std::string& connectionString);

@@ -206,6 +206,26 @@ CriteriaContext qbGridPane::CriteriaRules(const QueryContext& context, const zrG
   return rules;
 }
 
+void qbGridPane::RewriteLike(const std::string& before) {
+  const Ref<QueryContext> context = context_.lock();
+  if (!context) return;
+  const ScopedValue busy(busy_, true);
+  for (std::int32_t i = 1; i <= RowCount(); ++i) {
+    const Ref<zrGridRow> row = HoldRow(i);
+    for (std::int32_t column = kColumnCriteria; column <= ColumnCount(); ++column) {
+      const std::string cell = Text(*row, static_cast<std::size_t>(column));
+      if (FindNoCase(cell, before) == std::string_view::npos) continue;
+      CriteriaContext rules = CriteriaRules(*context, *row);
+      rules.formerLike = before;
+      try {
+        row->SetValue(column, FormatCriterion(cell, rules));
+      } catch (const Error&) {
+        // What cannot be read stays as it was typed.
+      }
+    }
+  }
+}
+
 void qbGridPane::CriterionEdited(zrGridRow& row, std::int32_t column) {
   const Ref<QueryContext> context = context_.lock();
   if (!context) return;

@@ -174,6 +174,8 @@ class qbGridPane final : public Object {
   /// expression or a criterion.
   void RenameTable(const std::string& before, const std::string& after,
                    const std::function<std::string(std::string_view)>& rewrite);
+  /// The context's word for LIKE was `before` until now: criteria that say it say the new one.
+  void RewriteLike(const std::string& before);
   /// A column of a table has got another name: its rows follow silently.
   void RenameColumn(const std::string& tableName, const std::string& before, const std::string& after);
   /// A cell of a saved query: its row and column from 1, and its text.

@@ -198,6 +198,14 @@ class qbDBFunction final : public CatalogEntry<qbDBFunction> {
     Touch();
   }
 
+  /// Whether names equal to it are quoted; True at first. A dialect's own functions are told from columns by their
+  /// parentheses.
+  bool IsReserved() const { return reserved_; }
+  void SetReserved(bool reserved) {
+    reserved_ = reserved;
+    Touch();
+  }
+
   /// The text that the grid's group-by list shows.
   const std::string& DisplayText() const { return shortDescription_.empty() ? Name() : shortDescription_; }
 
@@ -213,6 +221,7 @@ class qbDBFunction final : public CatalogEntry<qbDBFunction> {
   std::string syntax_;
   std::string shortDescription_;
   std::int32_t flags_ = 0;
+  bool reserved_ = true;
 };
 
 /// The functions that the expression tools offer, and among them the choices of the grid's group-by column.

@@ -9,8 +9,9 @@
 namespace zrqrybld {
 namespace {
 
-constexpr std::string_view kLiteralKeys[] = {"SCHEMA_SEPARATOR", "LIKE_PERCENT", "LIKE_UNDERSCORE",  "QUOTE",
-                                             "QUOTE_PREFIX",     "QUOTE_SUFFIX", kTextReadingLiteral};
+constexpr std::string_view kLiteralKeys[] = {
+    "SCHEMA_SEPARATOR",  "LIKE_PERCENT",     "LIKE_UNDERSCORE",    "QUOTE", "QUOTE_PREFIX", "QUOTE_SUFFIX",
+    kTextReadingLiteral, kSourceNameLiteral, kSourceVersionLiteral};
 constexpr std::string_view kInvalidCharacters = "INVALID_TABLE_CHARS";
 constexpr std::string_view kInvalidStartingCharacters = "INVALID_TABLE_STARTING_CHARS";
 

@@ -24,11 +24,10 @@ std::shared_ptr<const WordSet> QueryContext::ReservedWords() const {
   const std::uint64_t revision = keywords_->Revision() + functions_->Revision();
   if (reservedWords_ && reservedWordsRevision_ == revision) return reservedWords_;
   auto words = std::make_shared<WordSet>(sourceWords_);
-  const auto addNames = [&words](const auto& catalog) {
-    for (const auto& entry : catalog) words->insert(entry->Name());
-  };
-  addNames(*keywords_);
-  addNames(*functions_);
+  for (const auto& keyword : *keywords_) words->insert(keyword->Name());
+  for (const auto& function : *functions_) {
+    if (function->IsReserved()) words->insert(function->Name());
+  }
   reservedWords_ = std::move(words);
   reservedWordsRevision_ = revision;
   return reservedWords_;

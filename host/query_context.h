@@ -37,6 +37,7 @@ class qbQueryBuilder;
 class qbRelationship;
 class SchemaCache;
 struct CriteriaContext;
+struct Dialect;
 struct QuerySnapshot;
 
 /// What the designer is busy with, and what the event `Info` reports.
@@ -111,8 +112,14 @@ class QueryContext : public Object {
   /// The diagram's tables; nothing when no diagram is linked.
   virtual Ref<qbEntities> Entities() const = 0;
 
-  /// Whether the dialect in use can say "all rows of both tables".
+  /// The dialect in use; the generic one when no SQL pane is linked.
+  virtual const Dialect& CurrentDialect() const = 0;
+  /// Whether it can say "all rows of both tables". Without an SQL pane nothing speaks against that.
   virtual bool HasFullJoin() const = 0;
+  /// Another dialect is in use.
+  virtual void DialectChanged() = 0;
+  /// Another word is written for LIKE from now on; criteria follow.
+  virtual void LikeOperatorChanged(const std::string& before) = 0;
 
   /// The grid's date format; the default one when no grid is linked.
   virtual std::string DateFormat() const = 0;

@@ -27,6 +27,7 @@ namespace zrqrybld {
 struct DesignOptions {
   bool distinct = false;
   std::string top;
+  std::int32_t skip = 0;
   bool showGroupBy = false;
   std::string dateFormat;
   DateFormatEnum dateFormatStyle = DateFormatNative;

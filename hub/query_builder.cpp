@@ -9,6 +9,8 @@
 #include "host/connection_info.h"
 #include "hub/snapshot_builder.h"
 #include "platform/headless.h"
+#include "platform/text_reading.h"
+#include "sql/dialect_functions.h"
 #include "sql/names.h"
 #include "sql/rename.h"
 #include "sql/source_rules.h"
@@ -108,6 +110,7 @@ void qbQueryBuilder::Connect(const std::string& connectionString, ConnectionOrig
     connection->SetProperty("Prompt", static_cast<std::int32_t>(PromptComplete));
     connection->Open({}, {});
     RetrieveConnectionInfo(*this, getTablesOnConnect_);
+    if (autoSyntax_) FollowSource();
     if (!IsConnected()) throw Error(ErrorConnectionFailed, "The data source does not answer any more.");
   } catch (const Error& error) {
     lastError_ = origin == ConnectionOrigin::File ? WithPasswordHint(error, connectionString) : error;
@@ -118,7 +121,9 @@ void qbQueryBuilder::Connect(const std::string& connectionString, ConnectionOrig
 
 void qbQueryBuilder::SetConnection(const Ref<zrqrybld::Connection>& connection) {
   StoreConnection(connection);
-  if (IsConnected()) RetrieveConnectionInfo(*this, getTablesOnConnect_);
+  if (!IsConnected()) return;
+  RetrieveConnectionInfo(*this, getTablesOnConnect_);
+  if (autoSyntax_) FollowSource();
 }
 
 // --- Tables and joins ---
@@ -209,6 +214,7 @@ void qbQueryBuilder::SetGridPane(const Ref<qbGridPane>& pane) {
 
 void qbQueryBuilder::SetSQLPane(const Ref<qbSQLPane>& pane) {
   Link(sqlPane_, pane, &qbQueryBuilder::SetSQLPane);
+  DialectChanged();
   RememberAll();
 }
 
@@ -218,7 +224,49 @@ void qbQueryBuilder::OutputTicked() {
   if (gridPane_ && GridPane()->OutputTicked()) RememberAll();
 }
 
-bool qbQueryBuilder::HasFullJoin() const { return !sqlPane_ || DialectFor(sqlPane_->SQLSyntax()).hasFullJoin; }
+const Dialect& qbQueryBuilder::CurrentDialect() const {
+  return DialectFor(sqlPane_ ? sqlPane_->SQLSyntax() : SQLSyntaxGeneric);
+}
+
+// The source tells what it is by the properties that were read when it was connected.
+const Dialect* qbQueryBuilder::SourceDialect() const {
+  const std::optional<std::string> name = IsConnected() ? Properties()->FindText(kSourceNameLiteral) : std::nullopt;
+  return name ? DialectOfSource(*name, Properties()->FindText(kSourceVersionLiteral).value_or("")) : nullptr;
+}
+
+bool qbQueryBuilder::FollowSource() {
+  const Dialect* dialect = SourceDialect();
+  if (!dialect || !sqlPane_) return false;
+  if (dialect->syntax == sqlPane_->SQLSyntax()) return true;
+  const StepScope step(RefTo(*this), kStepDialect);
+  sqlPane_->SetSQLSyntax(dialect->syntax);
+  QueryChanged();
+  return true;
+}
+
+// The functions of the dialect stand behind those of every dialect and those of the application.
+void qbQueryBuilder::DialectChanged() {
+  qbDBFunctions& functions = *DBFunctions();
+  for (const Ref<qbDBFunction>& function : dialectFunctions_) {
+    if (functions.FindByName(function->Name()) == function) functions.Remove(function->Name());
+  }
+  dialectFunctions_.clear();
+  for (const DialectFunction& row : DialectFunctions(CurrentDialect().syntax)) {
+    const std::string name(row.name);
+    if (functions.FindByName(name)) continue;
+    const Ref<qbDBFunction> function = functions.Add(name, std::string(row.syntax), std::string(row.description),
+                                                     std::string(row.shortDescription), row.flags);
+    function->SetReserved(false);
+    dialectFunctions_.push_back(function);
+  }
+}
+
+// A cell that was written with the former word for LIKE would be a text that begins with that word.
+void qbQueryBuilder::LikeOperatorChanged(const std::string& before) {
+  if (!gridPane_ || InStep()) return;
+  const StepScope step(RefTo(*this), kStepEditCells);
+  gridPane_->RewriteLike(before);
+}
 
 std::string qbQueryBuilder::DateFormat() const { return gridPane_ ? gridPane_->DateFormat() : "dd-mmm-yyyy"; }
 
@@ -229,6 +277,7 @@ CriteriaContext qbQueryBuilder::CriteriaRules() const {
     rules.dateFormat = gridPane_->DateFormat();
   }
   if (sqlPane_) rules.likeOperator = sqlPane_->LikeOperator();
+  rules.dialect = &CurrentDialect();
   rules.reading = SourceReading(*this);
   return rules;
 }
@@ -237,8 +286,8 @@ QuerySnapshot qbQueryBuilder::Snapshot() const {
   QuerySnapshot snapshot = TakeSnapshot(*this, Entities().get(), gridPane_.get());
   snapshot.distinct = distinctRecords_;
   snapshot.top = selectTopRecords_;
+  snapshot.skip = skipRecords_;
   snapshot.criteria = CriteriaRules();
-  snapshot.names.dialectWords = DialectWords();
   return snapshot;
 }
 
@@ -300,7 +349,7 @@ void qbQueryBuilder::QueryDataSource(std::vector<DataSourceQuestion>& questions)
   constexpr std::string_view kReservedWord = "IS_RESERVEDWORD:";
   NameRules names;
   names.reservedWords = ReservedWords();
-  names.dialectWords = DialectWords();
+  names.dialectWords = CurrentDialect().words;
   for (DataSourceQuestion& question : questions) {
     const std::string_view text = question.question;
     if (StartsWithNoCase(text, kReservedWord)) {
@@ -313,13 +362,7 @@ void qbQueryBuilder::QueryDataSource(std::vector<DataSourceQuestion>& questions)
 }
 
 std::string qbQueryBuilder::QuoteIdentifier(const std::string& name) const {
-  NameRules names = CurrentNameRules(*this);
-  names.dialectWords = DialectWords();
-  return QuoteWhenNeeded(Identifier(name), names).Text();
-}
-
-std::span<const std::string_view> qbQueryBuilder::DialectWords() const {
-  return sqlPane_ ? DialectFor(sqlPane_->SQLSyntax()).words : std::span<const std::string_view>();
+  return QuoteWhenNeeded(Identifier(name), CurrentNameRules(*this)).Text();
 }
 
 }  // namespace zrqrybld

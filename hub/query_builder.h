@@ -152,6 +152,16 @@ class qbQueryBuilder final : public QueryContext {
   const std::string& SelectTopRecords() const { return selectTopRecords_; }
   void SetSelectTopRecords(const std::string& value);
 
+  /// How many rows are passed over before the first that is wanted; 0 at first. Only some dialects can say so. Error
+  /// 40005 for a negative number.
+  std::int32_t SkipRecords() const { return skipRecords_; }
+  void SetSkipRecords(std::int32_t rows);
+
+  /// Whether connecting chooses the dialect that the source speaks; False at first. A source that is not known, and a
+  /// query file with a dialect of its own, keep theirs.
+  bool AutoSyntax() const { return autoSyntax_; }
+  void SetAutoSyntax(bool follow) { Store(autoSyntax_, follow, "AutoSyntax"); }
+
   FieldOrderEnum RetrieveFieldOrder() const override { return retrieveFieldOrder_; }
   /// The order of the columns of tables that are added from now on; those in the diagram keep theirs.
   void SetRetrieveFieldOrder(FieldOrderEnum order) { Store(retrieveFieldOrder_, order, "RetrieveFieldOrder"); }
@@ -228,11 +238,19 @@ class qbQueryBuilder final : public QueryContext {
   /// The values that were given for parameters last, by name or prompt, case-folded; see hub/parameter_form.h.
   std::unordered_map<std::string, std::string>& RememberedValues() { return rememberedValues_; }
 
+  /// The dialect that the source in use speaks, by what it says of itself; nullptr without one, or when it is not known.
+  const Dialect* SourceDialect() const;
+  /// Changes to that dialect, as a step. False when there is none.
+  bool FollowSource();
+
   // --- What the panes ask and tell ---
 
   Ref<qbQueryBuilder> Hub() override { return RefTo(*this); }
   Ref<qbEntities> Entities() const override { return diagramPane_ ? diagramPane_->Entities() : nullptr; }
-  bool HasFullJoin() const override;
+  const Dialect& CurrentDialect() const override;
+  bool HasFullJoin() const override { return !sqlPane_ || CurrentDialect().hasFullJoin; }
+  void DialectChanged() override;
+  void LikeOperatorChanged(const std::string& before) override;
   std::string DateFormat() const override;
   CriteriaContext CriteriaRules() const override;
   QuerySnapshot Snapshot() const override;
@@ -262,7 +280,6 @@ class qbQueryBuilder final : public QueryContext {
 
  private:
   explicit qbQueryBuilder(std::shared_ptr<Toolkit> toolkit) : QueryContext(std::move(toolkit)) {}
-  std::span<const std::string_view> DialectWords() const;
   void NoteColumns();
   std::int32_t RowOfColumn(const std::string& entityCaption, const std::string& column) const;
   std::int32_t MakeRowOfColumn(const std::string& entityCaption, const std::string& column, bool output);
@@ -302,10 +319,13 @@ class qbQueryBuilder final : public QueryContext {
   std::optional<std::string> typed_;  // what was typed and not applied when the step began
   std::unordered_map<std::string, std::string> rememberedValues_;
   std::vector<WeakRef<BoxRow>> noted_;  // rows of boxes that show what the grid does with them
+  std::vector<Ref<qbDBFunction>> dialectFunctions_;  // those that came with the dialect
   bool allowJoinProperties_ = false;
   bool connectOnLoad_ = true;
   bool distinctRecords_ = false;
   std::string selectTopRecords_;
+  std::int32_t skipRecords_ = 0;
+  bool autoSyntax_ = false;
   bool getTablesOnConnect_ = false;
   FieldOrderEnum retrieveFieldOrder_ = FieldOrderDefault;
   bool saveLoadEntityItems_ = false;

@@ -12,6 +12,7 @@ DesignOptions qbQueryBuilder::CurrentOptions() const {
   DesignOptions options;
   options.distinct = distinctRecords_;
   options.top = selectTopRecords_;
+  options.skip = skipRecords_;
   if (gridPane_) {
     options.showGroupBy = gridPane_->ShowGroupBy();
     options.dateFormat = gridPane_->DateFormat();
@@ -176,6 +177,7 @@ void qbQueryBuilder::Restore(const Design& now, const Design& then) {
 void qbQueryBuilder::RestoreOptions(const DesignOptions& options) {
   if (options.distinct != distinctRecords_) Store(distinctRecords_, options.distinct, "DistinctRecords");
   if (options.top != selectTopRecords_) Store(selectTopRecords_, options.top, "SelectTopRecords");
+  if (options.skip != skipRecords_) Store(skipRecords_, options.skip, "SkipRecords");
   if (gridPane_) {
     gridPane_->RestoreShowGroupBy(options.showGroupBy);
     if (options.dateFormat != gridPane_->DateFormat()) gridPane_->SetDateFormat(options.dateFormat);

@@ -1,4 +1,5 @@
 // The options of the query: their rules, and how a form stores them.
+#include <limits>
 #include <optional>
 
 #include "base/error.h"
@@ -11,7 +12,7 @@ namespace {
 
 // The row limit as it is stored; none when the text is no limit. The percent sign must be the very last character;
 // blanks before it are dropped.
-std::optional<std::string> RowLimit(const std::string& value) {
+std::optional<std::string> LimitToStore(const std::string& value) {
   const std::string trimmed(Trim(value));
   if (trimmed.empty() || ParseNumber(value)) return trimmed;
   const double percentage = LeadingNumber(ReplaceAll(value, " ", ""));
@@ -37,11 +38,19 @@ void qbQueryBuilder::SetDistinctRecords(bool distinct) {
 }
 
 void qbQueryBuilder::SetSelectTopRecords(const std::string& value) {
-  const std::optional<std::string> limit = RowLimit(value);
+  const std::optional<std::string> limit = LimitToStore(value);
   if (!limit) throw Error(ErrorInvalidPropertyValue, "Invalid Property Value.");
   const StepScope step(RefTo(*this), kStepRowLimit);
   const bool changed = *limit != selectTopRecords_;
   Store(selectTopRecords_, *limit, "SelectTopRecords");
+  if (changed) QueryChanged();
+}
+
+void qbQueryBuilder::SetSkipRecords(std::int32_t rows) {
+  if (rows < 0) throw Error(ErrorInvalidPropertyValue, "Invalid Property Value.");
+  const StepScope step(RefTo(*this), kStepRowLimit);
+  const bool changed = rows != skipRecords_;
+  Store(skipRecords_, rows, "SkipRecords");
   if (changed) QueryChanged();
 }
 
@@ -65,13 +74,15 @@ void qbQueryBuilder::ReadProperties(const PropertyStore& store) {
   allowJoinProperties_ = ReadBoolean(store, "AllowJoinProperties", false);
   connectOnLoad_ = ReadBoolean(store, "ConnectOnLoad", true);
   distinctRecords_ = ReadBoolean(store, "DistinctRecords", false);
-  selectTopRecords_ = RowLimit(store.Read("SelectTopRecords", "").Text()).value_or("");
+  selectTopRecords_ = LimitToStore(store.Read("SelectTopRecords", "").Text()).value_or("");
   getTablesOnConnect_ = ReadBoolean(store, "GetTablesOnConnect", true);
   retrieveFieldOrder_ =
       static_cast<FieldOrderEnum>(ReadInteger(store, "RetrieveFieldOrder", FieldOrderDefault, FieldOrderOrdinal));
   saveLoadEntityItems_ = ReadBoolean(store, "SaveLoadEntityItems", false);
   saveConnectionString_ = ReadBoolean(store, "SaveConnectionString", true);
   aliasMaxLen_ = static_cast<std::int16_t>(ReadInteger(store, "AliasMaxLen", 0, 32767));
+  skipRecords_ = ReadInteger(store, "SkipRecords", 0, std::numeric_limits<std::int32_t>::max());
+  autoSyntax_ = ReadBoolean(store, "AutoSyntax", false);
   if (gridPane_) gridPane_->ApplyAliasMaxLen();
   QueryChanged();
 }
@@ -86,6 +97,8 @@ void qbQueryBuilder::WriteProperties(PropertyStore& store) const {
   store.Write("SaveLoadEntityItems", saveLoadEntityItems_, false);
   store.Write("SaveConnectionString", saveConnectionString_, true);
   store.Write("AliasMaxLen", aliasMaxLen_, std::int16_t{0});
+  store.Write("SkipRecords", skipRecords_, 0);
+  store.Write("AutoSyntax", autoSyntax_, false);
 }
 
 }  // namespace zrqrybld

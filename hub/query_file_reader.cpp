@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <optional>
 
 #include "base/error.h"
@@ -394,13 +395,17 @@ void QueryFileReader::TakeSQL() {
     *parameters_.sqlStatement = section_.Text("SQLStatement");
   if (parameters_.only) return;
   if (section_.Find("SelectTopRecords")) hub_.SetSelectTopRecords(section_.Text("SelectTopRecords"));
+  if (section_.Find("SkipRecords")) {
+    hub_.SetSkipRecords(
+        static_cast<std::int32_t>(RequireNumber("SkipRecords", 0, std::numeric_limits<std::int32_t>::max())));
+  }
   if (section_.Find("DistinctRecords")) hub_.SetDistinctRecords(RequireBoolean("DistinctRecords"));
   const Ref<qbSQLPane> pane = hub_.SQLPane();
   if (!pane) return;
   if (section_.Find("LikeOperator")) pane->SetLikeOperator(section_.Text("LikeOperator"));
   if (section_.Find("Locked")) pane->SetLocked(RequireBoolean("Locked"));
   if (section_.Find("SQLSyntax")) {
-    const double syntax = RequireNumber("SQLSyntax", SQLSyntaxGeneric, SQLSyntaxOpenSQL);
+    const double syntax = RequireNumber("SQLSyntax", 0, AllDialects().back().syntax);
     pane->SetSQLSyntax(static_cast<SQLSyntaxEnum>(static_cast<int>(syntax)));
   }
 }

@@ -200,6 +200,7 @@ void QueryFileWriter::WriteSQL() {
   Announce(pane);
   Marker("Begin SQLData");
   Line("SelectTopRecords", hub_.SelectTopRecords());
+  if (hub_.SkipRecords() > 0) Number("SkipRecords", hub_.SkipRecords());
   Line("DistinctRecords", BooleanText(hub_.DistinctRecords()));
   Line("LikeOperator", pane->LikeOperator());
   Line("Locked", BooleanText(pane->Locked()));

@@ -16,6 +16,10 @@ namespace zrqrybld {
 /// The name of the literal row, and of the hub's property, that holds the words.
 inline constexpr std::string_view kTextReadingLiteral = "TEXT_READING";
 
+// Two further rows of that schema say what the source is: its name and its version, as it tells them itself.
+inline constexpr std::string_view kSourceNameLiteral = "SOURCE_NAME";
+inline constexpr std::string_view kSourceVersionLiteral = "SOURCE_VERSION";
+
 /// The traits. Without any: 'text' and "name", with the closing quote doubled inside, "--" up to a line feed, /* */.
 struct TextReading {
   bool backslashEscapes = false;      ///< "\" in a text takes the meaning of the character behind it

@@ -9,6 +9,7 @@
 
 #include "host/date_format.h"
 #include "platform/text_reading.h"
+#include "sql/dialect.h"
 
 namespace zrqrybld {
 
@@ -26,10 +27,14 @@ struct CriteriaContext {
   std::string dateFormat = "dd-mmm-yyyy";
   /// Written for LIKE; read as well as LIKE itself.
   std::string likeOperator = "LIKE";
+  /// Read as LIKE, too, while cells are brought over to another operator; "" for none.
+  std::string formerLike = {};
   /// What the source writes before a quoted name; tells whether "text" in double quotes is one.
   std::string quotePrefix = "[";
   /// How the source reads literals; none when nobody has told. Literals are then written as standard SQL has them.
   std::optional<TextReading> reading = {};
+  /// The dialect of the statement; none writes values as standard SQL and the source have them.
+  const Dialect* dialect = nullptr;
   /// Whether a name, given by its parts, is a column of the diagram. Without it every name in quotes or with a "."
   /// is taken for one, and so is a plain word where the type has none.
   std::function<bool(const std::vector<std::string>& parts)> isColumn = {};

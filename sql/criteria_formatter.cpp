@@ -12,6 +12,7 @@ namespace zrqrybld {
 namespace {
 
 constexpr std::size_t kLongestResult = 64u << 20;
+constexpr std::string_view kCaseBlindLike = "ILIKE";  // as it stands in a cell, whatever the dialect writes for it
 
 // An operator as it may be typed, and as it is written. The lexer reads some as two signs.
 struct Comparison {
@@ -37,12 +38,15 @@ class CriterionReader {
       : context_(context),
         field_(field),
         tokens_(text, CriterionValues::LiteralWord(context), CriterionValues::HashDateFormat(context), context),
-        values_(tokens_, context) {}
+        values_(tokens_, context, !field.empty()) {}
 
   // A condition, whose left sides are asked for and left out.
   CriterionReader(std::string_view condition, const CriteriaContext& context,
                   const std::function<bool(std::string_view)>& isField)
-      : context_(context), isField_(&isField), tokens_(condition, {}, nullptr, context), values_(tokens_, context) {}
+      : context_(context),
+        isField_(&isField),
+        tokens_(condition, {}, nullptr, context),
+        values_(tokens_, context, true) {}
 
   std::string Run() && {
     if (tokens_.Count() > 0) ReadTerms(tokens_.Count());
@@ -72,17 +76,26 @@ class CriterionReader {
     return 0;
   }
 
-  // The number of tokens of LIKE, or of what is written for it; 0 for none.
-  std::size_t LikeAt(std::size_t at) const {
+  // The number of tokens that the operator takes here; 0 when it is another one.
+  std::size_t WordsAt(std::size_t at, std::string_view name, const std::vector<Token>& words) const {
     std::size_t count = 0;
-    for (const Token& word : likeWords_) {
-      const std::string_view text = std::string_view(context_.likeOperator).substr(word.offset, word.length);
-      if (at + count >= tokens_.Count() || !EqualsNoCase(tokens_.Text(at + count), text)) {
-        return tokens_.IsWord(at, "LIKE") ? 1 : 0;
-      }
+    for (const Token& word : words) {
+      if (at + count >= tokens_.Count()) return 0;
+      if (!EqualsNoCase(tokens_.Text(at + count), name.substr(word.offset, word.length))) return 0;
       ++count;
     }
-    return count != 0 ? count : tokens_.IsWord(at, "LIKE") ? 1 : 0;
+    return count;
+  }
+
+  // The number of tokens of LIKE, or of what is or was written for it; 0 for none.
+  std::size_t LikeAt(std::size_t at) const {
+    if (const std::size_t count = WordsAt(at, context_.likeOperator, likeWords_)) return count;
+    if (const std::size_t count = WordsAt(at, context_.formerLike, formerLikeWords_)) return count;
+    return tokens_.IsWord(at, "LIKE") || CaseBlindLikeAt(at) ? 1 : 0;
+  }
+
+  bool CaseBlindLikeAt(std::size_t at) const {
+    return tokens_.IsWord(at, kCaseBlindLike) && !EqualsNoCase(context_.likeOperator, kCaseBlindLike);
   }
 
   // Whether a list, a query or a marker follows IN; "In Flames" is a text.
@@ -154,6 +167,8 @@ class CriterionReader {
     at_ = end;
   }
 
+  std::string_view CaseBlindLike() const { return context_.dialect ? context_.dialect->caseBlindLike : kCaseBlindLike; }
+
   // --- The grammar ---
 
   void ReadTerms(std::size_t end) {
@@ -191,6 +206,7 @@ class CriterionReader {
       PutKept(tokens_.After(at_));
     } else {
       if (isField_) ReadLeftSide(end);
+      fieldAt_ = result_.size();
       PutField();
       ReadPredicate(end);
     }
@@ -231,7 +247,7 @@ class CriterionReader {
       ReadState();
     } else if (const std::size_t length = LikeAt(at); length != 0) {
       at_ = at + length;
-      ReadLike(negated, end);
+      ReadLike(negated, CaseBlindLikeAt(at), end);
     } else if (InAt(at)) {
       at_ = at + 1;
       ReadIn(negated);
@@ -270,11 +286,20 @@ class CriterionReader {
     ++at_;
   }
 
-  void ReadLike(bool negated, std::size_t end) {
+  void ReadLike(bool negated, bool caseBlind, std::size_t end) {
+    const bool inUpperCase = caseBlind && !field_.empty() && CaseBlindLike().empty();
+    if (inUpperCase) {
+      result_.resize(fieldAt_);
+      Put("UPPER(");
+      Put(field_);
+      Put(") ");
+    }
     if (negated) Put("NOT ");
-    Put(likeWords_.empty() ? std::string_view("LIKE") : std::string_view(context_.likeOperator));
-    Put(" ");
+    const std::string_view usual = likeWords_.empty() ? std::string_view("LIKE") : context_.likeOperator;
+    Put(inUpperCase || !caseBlind ? usual : field_.empty() ? kCaseBlindLike : CaseBlindLike());
+    Put(inUpperCase ? " UPPER(" : " ");
     PutValue(EndOfValue(end, false, true), true);
+    if (inUpperCase) Put(")");
     if (at_ >= end || !AtWord("ESCAPE")) return;
     Put(" ESCAPE ");
     ++at_;
@@ -316,6 +341,8 @@ class CriterionReader {
   CriterionTokens tokens_;
   CriterionValues values_;
   std::vector<Token> likeWords_ = Tokenize(context_.likeOperator);
+  std::vector<Token> formerLikeWords_ = Tokenize(context_.formerLike);
+  std::size_t fieldAt_ = 0;  // where the condition begins that is being written
   std::size_t at_ = 0;
   std::string result_;
 };

@@ -25,19 +25,6 @@ constexpr std::string_view kEscapes[] = {"d", "t", "ts", "fn"};
 // Aggregates that give a number, whatever they are taken of, by how their names begin.
 constexpr std::string_view kNumericAggregates[] = {"COUNT", "SUM", "AVG", "STD", "VAR"};
 
-struct BooleanWord {
-  std::string_view word;
-  std::string_view written;
-};
-constexpr BooleanWord kBooleanWords[] = {{"TRUE", "True"},   {"YES", "True"}, {"ON", "True"},
-                                         {"FALSE", "False"}, {"NO", "False"}, {"OFF", "False"}};
-
-std::string_view BooleanLiteral(std::string_view text) {
-  const auto* entry =
-      std::ranges::find_if(kBooleanWords, [text](const BooleanWord& row) { return EqualsNoCase(row.word, text); });
-  return entry != std::end(kBooleanWords) ? entry->written : std::string_view();
-}
-
 // A server without booleans keeps them in its smallest number.
 bool MayBeTruth(const CriteriaContext& context) {
   return context.dataType == static_cast<std::int32_t>(DataTypeCode::TinyInt) && context.aggregate.empty();
@@ -58,8 +45,8 @@ std::string Bare(std::string_view name) {
 
 // --- Types ---
 
-CriterionValues::CriterionValues(const CriterionTokens& tokens, const CriteriaContext& context)
-    : tokens_(tokens), context_(context), kind_(KindOf(context)) {}
+CriterionValues::CriterionValues(const CriterionTokens& tokens, const CriteriaContext& context, bool forStatement)
+    : tokens_(tokens), context_(context), kind_(KindOf(context)), forStatement_(forStatement) {}
 
 CriterionValues::Kind CriterionValues::KindOf(const CriteriaContext& context) {
   for (const std::string_view name : kNumericAggregates) {
@@ -239,9 +226,24 @@ std::string CriterionValues::WriteText(std::size_t from, std::size_t to, bool pa
   return TextLiteral(inDoubleQuotes ? Bare(bare) : std::string(bare), context_, pattern && kind_ != Kind::Text);
 }
 
-// Writes a bare date, or one between "#" or in an escape, in the chosen form. False when it is none of these.
+// The text in the quotes of a date that is a literal already: '2020-01-31', DATE '2020-01-31'. A dialect with literals
+// of its own writes it as one of them; "" otherwise.
+std::string_view CriterionValues::QuotedDate(std::size_t from, std::size_t to) const {
+  if (!context_.dialect || context_.dialect->values.date.empty()) return {};
+  const std::size_t quoted = to - 1;
+  if (tokens_[quoted].kind != TokenKind::String || tokens_[quoted].unfinished) return {};
+  const bool named = to == from + 2 && IsLiteralWord(tokens_.Text(from));
+  const std::string_view text = tokens_.Text(quoted);
+  return (to == from + 1 || named) && text.front() == '\'' && text.size() > 2 ? text.substr(1, text.size() - 2)
+                                                                              : std::string_view();
+}
+
+// Writes a date in the chosen form: a bare one, one between "#", in an escape or between quotes. False when it is none
+// of these.
 bool CriterionValues::WriteDate(std::size_t from, std::size_t to, std::string& text) const {
   std::string_view bare = tokens_.Slice(from, to);
+  const std::string_view literal = QuotedDate(from, to);
+  if (!literal.empty()) bare = literal;
   const bool hash = to == from + 1 && tokens_[from].kind == TokenKind::Date;
   const bool escape = tokens_.Is(from, '{') && tokens_.After(from) == to && to == from + 4 &&
                       tokens_[from + 2].kind == TokenKind::String && tokens_[from + 1].kind == TokenKind::Word;
@@ -254,6 +256,7 @@ bool CriterionValues::WriteDate(std::size_t from, std::size_t to, std::string& t
   DateTime value;
   switch (ReadDateTime(bare, context_.dateFormat, hash, value)) {
     case DateReading::Ambiguous:
+      if (!literal.empty()) return false;
       Refuse(from, "This can be two dates. Write it as 2020-01-31 or with the month's name.");
     case DateReading::NoDate:
       if (hash) Refuse(from, "This is no date.");
@@ -261,11 +264,26 @@ bool CriterionValues::WriteDate(std::size_t from, std::size_t to, std::string& t
     case DateReading::Read:
       break;
   }
-  if (!value.hasDate && !IsTimeOfDay(context_)) Refuse(from, "This has no date.");
-  const std::optional<std::string> literal = DateLiteral(value, context_);
-  if (!literal) Refuse(from, "This does not fit the date format, by which the source reads dates.");
-  text = *literal;
+  if (!value.hasDate && !IsTimeOfDay(context_)) {
+    if (!literal.empty()) return false;
+    Refuse(from, "This has no date.");
+  }
+  const std::optional<std::string> written = DateLiteral(value, context_);
+  if (!written) Refuse(from, "This does not fit the date format, by which the source reads dates.");
+  text = *written;
   return true;
+}
+
+// A truth value: in a cell the same in every dialect, in a statement as the dialect writes it. "" when the text is none
+// for a column of this type.
+std::string CriterionValues::Truth(std::string_view text) const {
+  const bool isBoolean = kind_ == Kind::Boolean;
+  CriteriaContext words;  // without the dialect's own: its figures are numbers for other types
+  const std::optional<bool> truth = TruthIn(text, isBoolean ? context_ : words);
+  if (!truth) return {};
+  const bool isWord = EqualsNoCase(text, "TRUE") || EqualsNoCase(text, "FALSE");
+  if (!isBoolean && !(kind_ == Kind::Unknown ? isWord : MayBeTruth(context_))) return {};
+  return TruthLiteral(*truth, forStatement_ ? context_ : words);
 }
 
 // --- Values ---
@@ -278,10 +296,7 @@ std::string CriterionValues::Write(std::size_t from, std::size_t to) const {
   switch (kind_) {
     case Kind::Boolean:
     case Kind::Unknown:
-      if (const std::string_view truth = BooleanLiteral(bare);
-          !truth.empty() && (kind_ == Kind::Boolean || EqualsNoCase(bare, truth))) {
-        return std::string(truth);
-      }
+      if (std::string truth = Truth(bare); !truth.empty()) return truth;
       // A date is no subtraction of figures.
       if (DateTime date; last > from + 1 && ReadDateTime(bare, context_.dateFormat, true, date) == DateReading::Read) {
         return WriteText(from, to, false);
@@ -301,9 +316,7 @@ std::string CriterionValues::Write(std::size_t from, std::size_t to) const {
       if (last == from + 1 && StartsWithNoCase(bare, "0x")) return std::string(bare);
       break;
     case Kind::Number:
-      if (const std::string_view truth = BooleanLiteral(bare); !truth.empty() && MayBeTruth(context_)) {
-        return std::string(truth);
-      }
+      if (std::string truth = Truth(bare); !truth.empty()) return truth;
       break;
     case Kind::Text:
       break;

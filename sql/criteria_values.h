@@ -14,8 +14,9 @@ namespace zrqrybld {
 
 class CriterionValues {
  public:
-  /// Both must outlive this.
-  CriterionValues(const CriterionTokens& tokens, const CriteriaContext& context);
+  /// Both must outlive this. What is written for a statement is in its dialect; for a cell, truth values are the same
+  /// in every dialect.
+  CriterionValues(const CriterionTokens& tokens, const CriteriaContext& context, bool forStatement);
 
   /// The format of the dates that may stand between two "#" for this column; nothing where they may not.
   static const std::string* HashDateFormat(const CriteriaContext& context);
@@ -48,12 +49,15 @@ class CriterionValues {
   bool IsQuery(std::size_t parenthesis) const;
 
   std::string WriteText(std::size_t from, std::size_t to, bool pattern) const;
+  std::string_view QuotedDate(std::size_t from, std::size_t to) const;
   bool WriteDate(std::size_t from, std::size_t to, std::string& text) const;
+  std::string Truth(std::string_view text) const;
   [[noreturn]] void Refuse(std::size_t at, std::string_view what) const;
 
   const CriterionTokens& tokens_;
   const CriteriaContext& context_;
   Kind kind_;
+  bool forStatement_;
 };
 
 }  // namespace zrqrybld

@@ -38,7 +38,7 @@ class Diagnosis {
     Grouping();
     Sorting();
     OuterJoins();
-    RowLimit();
+    Limit();
     return std::move(found_);
   }
 
@@ -100,7 +100,9 @@ class Diagnosis {
         Say(DiagnosticFullJoin,
             CaptionOf(join.source) + "." + join.sourceColumn->Name() + " = " + CaptionOf(join.target) + "." +
                 join.targetColumn->Name(),
-            ": this dialect cannot keep all rows of both tables; only rows that match are returned.");
+            dialect_.joins == Dialect::Joins::Clauses
+                ? ": this dialect cannot keep all rows of both tables. Choose another kind of join."
+                : ": this dialect cannot keep all rows of both tables; only rows that match are returned.");
       }
     }
     WaitingJoins();
@@ -249,12 +251,17 @@ class Diagnosis {
 
   // --- The row limit ---
 
-  void RowLimit() {
-    if (query_.top.empty()) return;
-    if (!dialect_.limitTakesPercent && query_.top.find('%') != std::string::npos) {
+  void Limit() {
+    const RowLimit& limit = dialect_.limit;
+    const bool percent = query_.top.ends_with('%');
+    if (query_.skip > 0 && limit.offset.empty()) {
+      Say(DiagnosticLimitWritten, std::to_string(query_.skip), ": this dialect passes over no rows.");
+    } else if (query_.skip > 0 && percent) {
+      Say(DiagnosticLimitWritten, query_.top, ": this dialect has no percentages of rows behind others.");
+    } else if (percent && !limit.takesPercent) {
       Say(DiagnosticLimitWritten, query_.top, ": this dialect has no percentages.");
     }
-    if (dialect_.limit != Dialect::Limit::Condition) return;
+    if (query_.top.empty() || limit.place != RowLimit::Place::Condition) return;
     if (!sorted_.empty()) Say(DiagnosticLimitWritten, query_.top, ": the rows are counted before they are sorted.");
     const bool joined = std::ranges::any_of(generated_.from, [](const FromEntry& e) { return !e.conditions.empty(); });
     const bool alternatives = std::ranges::any_of(query_.rows, [](const SnapshotRow& row) {

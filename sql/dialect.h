@@ -1,4 +1,4 @@
-// Dialects as data: everything in which the five texts differ is a field of one row.
+// Dialects as data: everything in which their texts differ is a field of one row.
 //
 // Code asks a dialect for a decision, never for its name, so a new dialect is a new row.
 #pragma once
@@ -19,6 +19,47 @@ enum SQLSyntaxEnum : std::int32_t {
   SQLSyntaxOracle = 2,
   SQLSyntaxAccess = 3,
   SQLSyntaxOpenSQL = 4,
+  SQLSyntaxPostgreSQL = 5,
+  SQLSyntaxMySQL = 6,  ///< MySQL and MariaDB
+  SQLSyntaxSQLite = 7,
+  SQLSyntaxSQLServer = 8,  ///< SQL Server from 2012 on
+  SQLSyntaxOracle12 = 9,   ///< Oracle from 12c on
+  SQLSyntaxANSI = 10,      ///< standard SQL, for whatever else there is
+};
+
+/// How a dialect says that only some rows are wanted: texts in which "@n" is how many and "@m" how many are passed over
+/// before them. What it cannot say is "".
+struct RowLimit {
+  enum class Place : std::uint8_t {
+    Head,       ///< behind SELECT
+    Condition,  ///< as a condition in WHERE
+    From,       ///< behind the tables
+    End,        ///< behind ORDER BY
+  };
+  Place place = Place::Head;
+  std::string_view rows;
+  std::string_view percent;
+  /// These stand at the end, wherever the others do.
+  std::string_view offset = {};
+  std::string_view rowsAndOffset = {};
+  /// Whether an offset needs an ORDER BY before it.
+  bool offsetNeedsOrder = false;
+  /// Whether a percentage means one to its servers; where it does not the text has the sign all the same, or is "".
+  bool takesPercent = true;
+};
+
+/// How values are written: "@" stands for the value in ISO form. "" leaves it to the source's own prefix and to the
+/// query's date format.
+struct ValueForms {
+  std::string_view date = {};
+  std::string_view time = {};
+  std::string_view timestamp = {};
+  std::string_view yes = "True";
+  std::string_view no = "False";
+  /// What stands around a date where neither the forms above nor the source tell.
+  std::string_view dateQuote = "'";
+  /// Whether "\\" takes the meaning of the character behind it where the source has not told.
+  bool backslashEscapes = false;
 };
 
 struct Dialect {
@@ -26,8 +67,6 @@ struct Dialect {
   enum class Joins : std::uint8_t { Clauses, Conditions };
   /// Parentheses around joined tables in FROM.
   enum class FromParentheses : std::uint8_t { None, Nested, Whole };
-  /// Where the row limit stands.
-  enum class Limit : std::uint8_t { Head, Condition, From };
 
   SQLSyntaxEnum syntax;
   std::string_view name;
@@ -40,11 +79,7 @@ struct Dialect {
   std::array<std::string_view, 4> afterCondition;
   /// Whether it can say "all rows of both tables".
   bool hasFullJoin;
-  Limit limit;
-  std::string_view limitBefore;
-  std::string_view limitAfter;
-  /// Whether a "%" in the row limit is written as the word PERCENT.
-  bool limitTakesPercent;
+  RowLimit limit;
   std::string_view selectSeparator;
   std::string_view fromSeparator;
   /// Parentheses around groups of conditions.
@@ -52,13 +87,23 @@ struct Dialect {
   std::string_view close;
   /// Between a table and its alias in FROM.
   std::string_view tableAlias;
-  /// The literals of the truth values, and what stands around a date where the source tells nothing.
-  std::string_view yes = "True";
-  std::string_view no = "False";
-  std::string_view dateQuote = "'";
+  /// Whether a keyword would be read as one where an alias stands: there is no word before it.
+  bool aliasStandsBare = false;
+  /// Whether its own statements leave parentheses in FROM open, where tables are not joined.
+  bool leavesParenthesesOpen = false;
+  ValueForms values = {};
+  /// The word that compares with a pattern without regard to case; "" where only UPPER around both sides does.
+  std::string_view caseBlindLike = "LIKE";
+  /// What stands around a quoted name whatever the source says; "" takes the source's own.
+  std::string_view namePrefix = {};
+  std::string_view nameSuffix = {};
+  /// The sign between texts that are put together; "" where a function does that.
+  std::string_view concatenation = "+";
+  /// Whether ORDER BY can say where Nulls stand.
+  bool ordersNulls = false;
   /// Whether a text in double quotes is a literal where it names no column.
   bool doubleQuotesAreTexts = false;
-  /// Words with a meaning in its statements alone, which are no names without quotes.
+  /// Words with a meaning in its statements, which are no names without quotes; in capitals and sorted.
   std::span<const std::string_view> words = {};
   /// Whether its statements can be read back.
   bool canBeParsed = true;
@@ -70,7 +115,12 @@ std::span<const Dialect> AllDialects();
 /// The row of a dialect; the generic one for a number that has none.
 const Dialect& DialectFor(SQLSyntaxEnum syntax);
 
-/// The dialect with this name, in any letter case; nullptr when there is none.
+/// The dialect that a source of this name and version speaks ("PostgreSQL", "15.3"); nullptr for a name that is not
+/// known. Other names of servers that speak another's dialect are known, too.
+const Dialect* DialectOfSource(std::string_view name, std::string_view version);
+
+/// The dialect of this number, and the one with this name, in any letter case; nullptr when there is none.
+const Dialect* FindDialect(std::int32_t number);
 const Dialect* FindDialect(std::string_view name);
 
 }  // namespace zrqrybld

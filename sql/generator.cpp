@@ -46,7 +46,7 @@ class Generator {
       // Without AS before it, an alias that is any keyword would be taken for one.
       const std::string& caption = table.caption.Name();
       const bool isWord = IsSqlKeyword(caption) || BeginsTableClause(caption);
-      const bool bare = table.aliased && dialect.tableAlias == " " && isWord;
+      const bool bare = table.aliased && dialect.aliasStandsBare && isWord;
       tableTerms_.push_back((bare ? Quote(table.caption, query.names) : TableTerm(table, query.names)).Text());
     }
   }
@@ -66,7 +66,7 @@ class Generator {
     WriteLimit();
     WriteExtraCondition(" AND ", extra.andExpression);
     WriteExtraCondition(" OR ", extra.orExpression);
-    result_.text = Assemble();
+    if (!MissesFullJoin()) result_.text = Assemble();
     return std::move(result_);
   }
 
@@ -300,27 +300,50 @@ class Generator {
     return text.size() >= end.size() && EqualsNoCase(text.substr(text.size() - end.size()), end);
   }
 
+  // A join that the dialect has no word for makes no text: an inner one in its place would return other rows. In a list
+  // of tables the conditions are written all the same, as they always were.
+  bool MissesFullJoin() const {
+    if (dialect_.hasFullJoin || dialect_.joins != Dialect::Joins::Clauses) return false;
+    return std::ranges::any_of(result_.from, [](const FromEntry& entry) {
+      return !entry.conditions.empty() && entry.conditions.front().type == JoinAllOfBoth;
+    });
+  }
+
   // --- Head and assembly ---
 
   void WriteLimit() {
     if (query_.distinct) head_ += "DISTINCT ";
-    if (query_.top.empty()) return;
-    const std::string value = dialect_.limitTakesPercent ? ReplaceAll(Trim(query_.top), "%", " PERCENT") : query_.top;
-    const std::string limit = std::string(dialect_.limitBefore) + value + std::string(dialect_.limitAfter);
-    switch (dialect_.limit) {
-      case Dialect::Limit::Head:
-        head_ += limit;
+    const RowLimit& limit = dialect_.limit;
+    const bool percent = query_.top.ends_with('%');
+    const bool offset = query_.skip > 0 && !limit.offset.empty();
+    std::string_view form = query_.top.empty() ? std::string_view() : percent ? limit.percent : limit.rows;
+    if (offset) form = form.empty() || percent ? limit.offset : limit.rowsAndOffset;
+    if (form.empty()) return;
+    std::string text = ReplaceAll(form, "@n", Trim(query_.top.substr(0, query_.top.size() - (percent ? 1 : 0))));
+    text = ReplaceAll(text, "@m", std::to_string(query_.skip));
+    if (offset && limit.offsetNeedsOrder && order_.empty()) order_ = AnyOrder();
+    switch (offset ? RowLimit::Place::End : limit.place) {
+      case RowLimit::Place::Head:
+        head_ += text;
         break;
-      case Dialect::Limit::Condition:
+      case RowLimit::Place::Condition:
         where_ += where_.empty() && joinConditions_.empty() ? "WHERE" : " AND ";
         where_ += kItem;
-        where_ += limit;
+        where_ += text;
         break;
-      case Dialect::Limit::From:
+      case RowLimit::Place::From:
         from_ += kItem;
-        from_ += limit;
+        from_ += text;
+        break;
+      case RowLimit::Place::End:
+        order_ += "\r\n" + text;
         break;
     }
+  }
+
+  // An ORDER BY that asks for no order. Beside DISTINCT only what is selected can be ordered by.
+  std::string AnyOrder() const {
+    return "\r\nORDER BY " + std::string(kItem) + (query_.distinct ? "1" : "(SELECT NULL)");
   }
 
   // The word stands even where no condition comes before it in a list of tables: the text is completed by whoever

@@ -21,6 +21,7 @@ struct UnreadableCriterion {
 };
 
 struct GeneratedSql {
+  /// "" where the dialect cannot say what the query asks for; the remarks tell what that is.
   std::string text;
   /// Whether some table other than the first is joined to none before it.
   bool cartesian = false;

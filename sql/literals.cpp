@@ -1,6 +1,7 @@
 #include "sql/literals.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "base/text.h"
 #include "platform/schema_fields.h"
@@ -17,8 +18,25 @@ bool IsDay(const CriteriaContext& context) {
 }
 
 // Whether the format has a place for everything that the value has.
-bool Fits(const DateTime& value, const CriteriaContext& context) {
-  return value.hasDate && (!value.hasTime || FormatHasTime(context.dateFormat));
+bool Fits(const DateTime& value, std::string_view format) {
+  return value.hasDate && (!value.hasTime || FormatHasTime(format));
+}
+
+// The format by which the source itself reads the dates of this type, as in TO_DATE('...','format'); "" where it has
+// none.
+std::string_view SourceFormat(const CriteriaContext& context) {
+  const std::string_view suffix = context.suffix;
+  if (context.prefix.find('(') == std::string::npos || !suffix.starts_with("','") || !suffix.ends_with("')")) return {};
+  return suffix.substr(3, suffix.size() - 5);
+}
+
+// The dialect's own literal; none where it leaves that to the source.
+std::optional<std::string> DialectLiteral(const DateTime& value, const CriteriaContext& context) {
+  if (!context.dialect || context.dialect->values.date.empty()) return std::nullopt;
+  const ValueForms& forms = context.dialect->values;
+  if (!value.hasDate) return ReplaceAll(forms.time, "@", FormatDateTime(value, "hh:nn:ss"));
+  if (!value.hasTime) return ReplaceAll(forms.date, "@", FormatDateTime(value, "yyyy-mm-dd"));
+  return ReplaceAll(forms.timestamp, "@", FormatDateTime(value, "yyyy-mm-dd hh:nn:ss"));
 }
 
 // A part that was given is never dropped: what a form has no place for takes the one that has it.
@@ -35,7 +53,7 @@ std::string TextLiteral(std::string_view value, const CriteriaContext& context, 
   std::string prefix = usual ? "'" : context.prefix;
   const bool escapes = value.find('\\') != std::string_view::npos && BackslashEscapes(prefix, context);
   // Where the source has literals that mean the same in each of its modes, the text does not hang on the mode.
-  if (escapes && prefix == "'" && context.reading->escapeLiterals) prefix = "E'";
+  if (escapes && prefix == "'" && context.reading && context.reading->escapeLiterals) prefix = "E'";
   // What begins with a quote ends with it; figures need no end.
   const std::string closing = EqualsNoCase(prefix, "0x") ? "" : prefix.substr(prefix.size() - 1);
   const std::string suffix = usual || context.suffix.empty() ? closing : context.suffix;
@@ -50,7 +68,8 @@ std::string TextLiteral(std::string_view value, const CriteriaContext& context, 
 }
 
 bool BackslashEscapes(std::string_view prefix, const CriteriaContext& context) {
-  if (!context.reading || prefix.empty()) return false;
+  if (prefix.empty()) return false;
+  if (!context.reading) return context.dialect && context.dialect->values.backslashEscapes && prefix == "'";
   SourceLexer lexer(prefix, *context.reading);
   SourceToken token;
   while (lexer.Next(token)) {
@@ -60,17 +79,43 @@ bool BackslashEscapes(std::string_view prefix, const CriteriaContext& context) {
 }
 
 std::string DateText(const DateTime& value, const CriteriaContext& context) {
+  const std::string_view source = SourceFormat(context);
+  const std::string_view format = source.empty() ? context.dateFormat : source;
   std::string text;
-  if (value.hasDate) text = FormatDateTime(value, context.dateFormat);
-  if (!Fits(value, context)) text += (text.empty() ? "" : " ") + FormatDateTime(value, "hh:nn:ss");
+  if (value.hasDate) text = FormatDateTime(value, format);
+  if (!Fits(value, format)) text += (text.empty() ? "" : " ") + FormatDateTime(value, "hh:nn:ss");
   return text;
 }
 
 std::optional<std::string> DateLiteral(const DateTime& value, const CriteriaContext& context) {
   if (context.dateFormatStyle == DateFormatEscapeSequence) return EscapeSequence(value, context);
-  const bool hasFormat = context.prefix.find('(') != std::string::npos;
-  if (hasFormat && !Fits(value, context)) return std::nullopt;
-  return TextLiteral(DateText(value, context), context);
+  if (std::optional<std::string> literal = DialectLiteral(value, context)) return literal;
+  const std::string_view format = SourceFormat(context);
+  if (!format.empty() && !Fits(value, format)) return std::nullopt;
+  CriteriaContext quoted = context;
+  if (quoted.prefix.empty() && quoted.dialect) quoted.prefix = quoted.suffix = quoted.dialect->values.dateQuote;
+  return TextLiteral(DateText(value, context), quoted);
+}
+
+std::optional<bool> TruthIn(std::string_view text, const CriteriaContext& context) {
+  struct Word {
+    std::string_view word;
+    bool truth;
+  };
+  constexpr Word kWords[] = {{"TRUE", true},   {"YES", true}, {"ON", true},
+                             {"FALSE", false}, {"NO", false}, {"OFF", false}};
+  const auto* found = std::ranges::find_if(kWords, [text](const Word& row) { return EqualsNoCase(row.word, text); });
+  if (found != std::end(kWords)) return found->truth;
+  if (!context.dialect) return std::nullopt;
+  const ValueForms& forms = context.dialect->values;
+  if (EqualsNoCase(text, forms.yes)) return true;
+  if (EqualsNoCase(text, forms.no)) return false;
+  return std::nullopt;
+}
+
+std::string TruthLiteral(bool truth, const CriteriaContext& context) {
+  const ValueForms& forms = context.dialect ? context.dialect->values : ValueForms{};
+  return std::string(truth ? forms.yes : forms.no);
 }
 
 bool IsTimeOfDay(const CriteriaContext& context) {

@@ -23,9 +23,16 @@ bool BackslashEscapes(std::string_view prefix, const CriteriaContext& context);
 /// no place for stands behind it: a part that was given is never dropped.
 std::string DateText(const DateTime& value, const CriteriaContext& context);
 
-/// The literal of a date in the context's style. None when the value has more or less than the source's own way of
-/// reading dates, as in TO_DATE('...','format'), has a place for.
+/// The literal of a date in the context's style: the escape form, the dialect's own, or between the source's quotes.
+/// None when the value has more or less than the source's own way of reading dates, as in TO_DATE('...','format'), has
+/// a place for.
 std::optional<std::string> DateLiteral(const DateTime& value, const CriteriaContext& context);
+
+/// The truth that the text says, as people type it or as the dialect writes it; none when it says neither.
+std::optional<bool> TruthIn(std::string_view text, const CriteriaContext& context);
+
+/// The dialect's literal of a truth value; True or False without a dialect.
+std::string TruthLiteral(bool truth, const CriteriaContext& context);
 
 /// Whether values of the type are times of day without a date.
 bool IsTimeOfDay(const CriteriaContext& context);

@@ -68,7 +68,7 @@ std::string ClosingQuote(std::string_view quotePrefix) { return quotePrefix == "
 
 bool IsReservedWord(std::string_view name, const NameRules& rules) {
   if (IsReservedName(name) || (rules.reservedWords && rules.reservedWords->contains(name))) return true;
-  return std::ranges::any_of(rules.dialectWords, [name](std::string_view word) { return EqualsNoCase(word, name); });
+  return !rules.dialectWords.empty() && std::ranges::binary_search(rules.dialectWords, UpperAscii(name));
 }
 
 bool NeedsQuotes(std::string_view name, const NameRules& rules) {

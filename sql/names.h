@@ -28,7 +28,7 @@ struct NameRules {
   std::string invalidTableStartingCharacters;
   /// Words with a meaning in SQL.
   std::shared_ptr<const WordSet> reservedWords;
-  /// Words that the dialect itself writes.
+  /// Words with a meaning in the dialect alone, in capitals and sorted.
   std::span<const std::string_view> dialectWords;
 };
 

@@ -69,14 +69,7 @@ constexpr TypeWord kTypeWords[] = {
     {"yes/no", DataTypeCode::Boolean},
 };
 
-constexpr std::string_view kYes[] = {"true", "yes", "on", "1", "-1"};
-constexpr std::string_view kNo[] = {"false", "no", "off", "0"};
-
 [[noreturn]] void Refuse(std::string_view why) { throw Error(ErrorInvalidPropertyValue, std::string(why)); }
-
-bool IsOneOf(std::string_view text, std::span<const std::string_view> words) {
-  return std::ranges::any_of(words, [text](std::string_view word) { return EqualsNoCase(text, word); });
-}
 
 bool IsWhole(std::int32_t code) {
   constexpr std::int32_t kWhole[] = {2, 3, 16, 17, 18, 19, 20, 21};
@@ -123,10 +116,12 @@ Written WriteNumber(std::string_view text, std::int32_t code) {
   return {std::string(text), std::string(text), false, {}};
 }
 
-Written WriteBoolean(std::string_view text, const Dialect& dialect) {
-  const bool yes = IsOneOf(text, kYes);
-  if (!yes && !IsOneOf(text, kNo)) Refuse("This is neither yes nor no.");
-  const std::string word(yes ? dialect.yes : dialect.no);
+Written WriteBoolean(std::string_view text, const CriteriaContext& context) {
+  std::optional<bool> truth = TruthIn(text, context);
+  if (text == "1" || text == "-1") truth = true;
+  if (text == "0") truth = false;
+  if (!truth) Refuse("This is neither yes nor no.");
+  const std::string word = TruthLiteral(*truth, context);
   return {word, word, false, {}};
 }
 
@@ -166,6 +161,7 @@ Written WriteUntyped(std::string_view text, const CriteriaContext& context) {
 
 CriteriaContext ContextOf(const ParameterValue& value, const LiteralRules& rules, const TextReading* reading) {
   CriteriaContext context;
+  context.dialect = &DialectFor(rules.syntax);
   if (reading) context.reading = *reading;
   context.dataType = value.type.code;
   context.isLong = value.type.isLong;
@@ -176,8 +172,7 @@ CriteriaContext ContextOf(const ParameterValue& value, const LiteralRules& rules
   return context;
 }
 
-Written Write(const ParameterValue& value, CriteriaContext context, const LiteralRules& rules) {
-  const Dialect& dialect = DialectFor(rules.syntax);
+Written Write(const ParameterValue& value, const CriteriaContext& context) {
   const ValueKind kind = ValueKindOf(value.type.code);
   const std::string_view text = TrimWhite(value.text);
   if (text.empty() && kind != ValueKind::Text) Refuse("A value is needed.");
@@ -187,9 +182,8 @@ Written Write(const ParameterValue& value, CriteriaContext context, const Litera
     case ValueKind::Number:
       return WriteNumber(text, value.type.code);
     case ValueKind::Boolean:
-      return WriteBoolean(text, dialect);
+      return WriteBoolean(text, context);
     case ValueKind::Date:
-      if (context.prefix.empty()) context.prefix = context.suffix = dialect.dateQuote;
       return WriteDate(text, context);
     case ValueKind::Guid:
       if (!IsGuid(text)) Refuse("This is no GUID.");
@@ -215,7 +209,7 @@ PlacedText TextOf(const ParameterValue& value, const LiteralRules& rules, const 
   if (!value.given) return text;
   try {
     const CriteriaContext context = ContextOf(value, rules, reading);
-    Written written = Write(value, context, rules);
+    Written written = Write(value, context);
     text.escapes = BackslashEscapes(written.literal.substr(0, written.literal.find_first_of("'\"") + 1), context);
     text.anyText = written.anyText;
     text.standIn = written.anyText ? written.standIn : written.literal;
@@ -319,7 +313,7 @@ std::string TypedDefault(std::string_view argument) {
 
 std::string ProblemOf(const ParameterValue& value, const LiteralRules& rules) {
   try {
-    Write(value, ContextOf(value, rules, nullptr), rules);
+    Write(value, ContextOf(value, rules, nullptr));
     return {};
   } catch (const Error& error) {
     return error.Description();

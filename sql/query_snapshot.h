@@ -84,6 +84,8 @@ struct QuerySnapshot {
   bool distinct = false;
   /// "", a number or a number followed by "%".
   std::string top;
+  /// How many rows are passed over before the first that is wanted.
+  std::int32_t skip = 0;
   NameRules names;
   /// How criteria are read and values written; what depends on the column comes from its row.
   CriteriaContext criteria;

@@ -143,6 +143,7 @@ struct SelectStatement {
   bool distinct = false;
   std::string_view top;     ///< the row limit's number as written; "" for none
   bool topPercent = false;  ///< it is a percentage
+  std::string_view skip;    ///< how many rows are passed over, as written; "" for none
   SelectItem* items = nullptr;
   FromItem* from = nullptr;
   Expression* where = nullptr;

@@ -4,6 +4,7 @@
 
 #include "base/text.h"
 #include "host/connection_info.h"
+#include "sql/dialect.h"
 
 namespace zrqrybld {
 
@@ -41,10 +42,15 @@ std::optional<NameQuotes> SourceQuotes(const QueryContext& context) {
 
 NameRules CurrentNameRules(const QueryContext& context) {
   NameRules rules;
-  if (std::optional<NameQuotes> quotes = SourceQuotes(context)) {
+  const Dialect& dialect = context.CurrentDialect();
+  if (!dialect.namePrefix.empty()) {
+    rules.quotePrefix = dialect.namePrefix;
+    rules.quoteSuffix = dialect.nameSuffix;
+  } else if (std::optional<NameQuotes> quotes = SourceQuotes(context)) {
     rules.quotePrefix = std::move(quotes->prefix);
     rules.quoteSuffix = std::move(quotes->suffix);
   }
+  rules.dialectWords = dialect.words;
   if (!IsTextSource(context)) {
     rules.schemaSeparator = Known(context, "SCHEMA_SEPARATOR").value_or(context.IsConnected() ? "" : ".");
   }

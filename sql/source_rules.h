@@ -19,8 +19,8 @@ struct NameQuotes {
 /// the opening one's partner. None when it has told none.
 std::optional<NameQuotes> SourceQuotes(const QueryContext& context);
 
-/// The rules as they are now: the source's own quotes and separator where it has told them; "[", "]" and "." without a
-/// source. The names of a text-file source are never split.
+/// The rules as they are now: the dialect's own quotes, otherwise the source's and separator where it has told them;
+/// "[", "]" and "." without a source. The names of a text-file source are never split.
 NameRules CurrentNameRules(const QueryContext& context);
 
 }  // namespace zrqrybld

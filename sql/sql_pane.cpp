@@ -129,9 +129,7 @@ bool qbSQLPane::ApplyEditedText() {
 
 // The cause, without the sentence that it is wrapped in, and the word where it lies.
 void qbSQLPane::ShowFailure(const Error& failure) {
-  const std::string& description = failure.Description();
-  const std::size_t cause = description.find("] ");
-  failure_ = cause == std::string::npos ? description : description.substr(cause + 2);
+  failure_ = failure.Cause();
   ShowRemarks();
   if (!failure.Offset()) return;
   const std::string text = textArea_->Text();
@@ -151,11 +149,14 @@ void qbSQLPane::SetSQLStatement(const std::string& text) {
 
 void qbSQLPane::SetSQLSyntax(SQLSyntaxEnum syntax) {
   syntax_ = syntax;
+  if (const Ref<QueryContext> context = context_.lock()) context->DialectChanged();
   PropertyChanged.Raise("SQLSyntax");
 }
 
 void qbSQLPane::SetLikeOperator(const std::string& word) {
-  likeOperator_ = Trim(word).empty() ? kLike : word;
+  const std::string before = std::exchange(likeOperator_, Trim(word).empty() ? std::string(kLike) : word);
+  const Ref<QueryContext> context = context_.lock();
+  if (context && before != likeOperator_) context->LikeOperatorChanged(before);
   PropertyChanged.Raise("LikeOperator");
 }
 

@@ -1,7 +1,6 @@
 #include "sql/statement_binder.h"
 
 #include <cmath>
-#include <numeric>
 
 #include "base/text.h"
 #include "sql/criteria_binder.h"
@@ -9,6 +8,7 @@
 #include "sql/from_binder.h"
 #include "sql/join_form.h"
 #include "sql/keywords.h"
+#include "sql/lexer.h"
 
 namespace zrqrybld {
 namespace {
@@ -43,6 +43,17 @@ std::optional<std::string> AnyRowLimitOf(const Expression& term) {
   return std::to_string(static_cast<int>(next) - 1);
 }
 
+constexpr double kMostSkipped = 2147483647;
+
+// ORDER BY (SELECT NULL), which asks for no order where an offset needs one.
+bool IsAnyOrder(const OrderItem* item) {
+  if (!item || item->next || item->expression->kind != ExpressionKind::Subquery) return false;
+  std::string words;
+  const std::string_view text = item->expression->text;
+  for (const Token& token : Tokenize(text)) words += std::string(text.substr(token.offset, token.length)) + " ";
+  return EqualsNoCase(words, "( SELECT NULL ) ");
+}
+
 bool IsAggregate(const SnapshotRow& row) { return !row.aggregate.empty(); }
 
 // An expression of numbers alone.
@@ -60,7 +71,7 @@ class Binder {
         rows_(query_.rows) {}
 
   // With joins from WHERE where that means the same, otherwise with those conditions as criteria.
-  QuerySnapshot Run() {
+  BoundStatement Run() {
     query_.tables = scope_.Tables();
     query_.names = options_.names;
     query_.criteria = options_.criteria;
@@ -73,7 +84,7 @@ class Binder {
     BindGroupBy();
     BindConditions();
     BindOrderBy();
-    return std::move(query_);
+    return {std::move(query_), std::move(arrangement_)};
   }
 
  private:
@@ -91,8 +102,22 @@ class Binder {
   }
 
   void BindTop() {
-    if (statement_.top.empty()) return;
-    SetTop(std::string(statement_.top) + (statement_.topPercent ? "%" : ""), statement_.top);
+    if (!statement_.top.empty()) {
+      SetTop(std::string(statement_.top) + (statement_.topPercent ? "%" : ""), statement_.top);
+    }
+    const RowLimit& limit = options_.dialect->limit;
+    if (statement_.topPercent && limit.percent.empty()) {
+      scope_.Refuse(statement_.top, "This dialect has no percentages of rows.");
+    }
+    if (statement_.skip.empty()) return;
+    if (limit.offset.empty()) scope_.Refuse(statement_.skip, "This dialect has no offset.");
+    if (statement_.topPercent) scope_.Refuse(statement_.skip, "A percentage of rows takes no offset.");
+    const std::optional<double> number = ParseNumber(statement_.skip);
+    if (!number || *number > kMostSkipped ||
+        statement_.skip.find_first_not_of("0123456789") != std::string_view::npos) {
+      scope_.Refuse(statement_.skip, "The offset is to be a whole number below 2,147,483,648.");
+    }
+    query_.skip = static_cast<std::int32_t>(*number);
   }
 
   // "@field" in an expression would be replaced when the statement is written.
@@ -171,6 +196,9 @@ class Binder {
 
   void BindFrom() {
     BoundFrom bound = FromBinder(statement_, scope_, *options_.dialect).Bind(true);
+    if (bound.hasFull && !options_.dialect->hasFullJoin && options_.dialect->joins == Dialect::Joins::Clauses) {
+      scope_.Refuse(bound.firstOuter, "This dialect has no join that keeps all rows of both tables.");
+    }
     if (!Take(bound)) {
       bound = FromBinder(statement_, scope_, *options_.dialect).Bind(false);
       if (!Take(bound)) {
@@ -185,21 +213,14 @@ class Binder {
   // Whether the generated text means what the statement says. A dialect without "all rows of both" keeps it in the
   // diagram alone.
   bool Take(const BoundFrom& bound) {
-    for (std::size_t attempt = 0;; ++attempt) {
-      query_.joins = bound.joins;
-      const std::vector<std::size_t> order = Arrange(attempt);
-      if (order.size() != query_.tables.size()) return false;
-      if (bound.firstOuter.empty() || (bound.hasFull && !options_.dialect->hasFullJoin)) return true;
-      if (MeaningOfGeneratedJoins(query_, order, *options_.dialect) == bound.meaning) return true;
-      if (order.empty()) return false;
+    const bool means = bound.firstOuter.empty() || (bound.hasFull && !options_.dialect->hasFullJoin);
+    JoinOrders orders(query_.tables.size(), bound.joins, options_.drawn, *options_.dialect);
+    while (std::optional<JoinArrangement> way = orders.Next()) {
+      query_.joins = way->joins;
+      arrangement_ = std::move(*way);
+      if (means || MeaningOfGeneratedJoins(query_, arrangement_.order, *options_.dialect) == bound.meaning) return true;
     }
-  }
-
-  std::vector<std::size_t> Arrange(std::size_t attempt) {
-    if (options_.arrange) return options_.arrange(query_, attempt);
-    std::vector<std::size_t> order(attempt == 0 ? query_.tables.size() : 0);
-    std::iota(order.begin(), order.end(), 0);
-    return order;
+    return false;
   }
 
   // --- GROUP BY ---
@@ -293,12 +314,12 @@ class Binder {
       if (limit) SetTop(*limit, term->text);
       return limit.has_value();
     });
-    const bool takesLimit = options_.dialect->limit == Dialect::Limit::Condition && query_.top.empty();
+    const bool takesLimit = options_.dialect->limit.place == RowLimit::Place::Condition && query_.top.empty();
     if (terms.size() == 1 && from_.conditions.empty()) {
       std::vector<CriteriaTerms> alternatives = CriteriaBinder::AlternativesOf(*terms[0], from_.whereHadJoins);
       if (takesLimit && alternatives.size() > 1 && TakeLimit(alternatives.back())) return alternatives;
       // A limit would be written behind the last alternative and count for that one alone.
-      const bool limitsLastOnly = options_.dialect->limit == Dialect::Limit::Condition && !query_.top.empty();
+      const bool limitsLastOnly = options_.dialect->limit.place == RowLimit::Place::Condition && !query_.top.empty();
       if (limitsLastOnly && query_.joins.empty() && alternatives.size() > 1) return {{terms[0]}};
       return Fitting(std::move(alternatives), *terms[0]);
     }
@@ -330,6 +351,7 @@ class Binder {
 
   void BindOrderBy() {
     int order = 0;
+    if (query_.skip > 0 && IsAnyOrder(statement_.orderBy)) return;
     for (const OrderItem* item = statement_.orderBy; item; item = item->next) {
       if (!item->nulls.empty()) {
         AddSort(SortedAsWritten(*item), false, ++order);
@@ -442,6 +464,7 @@ class Binder {
   FieldTerms fields_;
   QueryRows rows_;
   BoundFrom from_;
+  JoinArrangement arrangement_;
   std::vector<const SelectItem*> itemsByPlace_;
   std::unordered_map<std::string, const SelectItem*> itemsByAlias_;  // case-folded
   std::vector<Output> outputs_;
@@ -452,7 +475,7 @@ class Binder {
 
 }  // namespace
 
-QuerySnapshot BindStatement(const SelectStatement& statement, QuerySource& source, const BindOptions& options) {
+BoundStatement BindStatement(const SelectStatement& statement, QuerySource& source, const BindOptions& options) {
   NameScope scope(statement.text, source);
   AddTables(statement, scope);
   return Binder(statement, scope, options).Run();

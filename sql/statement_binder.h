@@ -5,11 +5,11 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <vector>
 
 #include "host/catalogs.h"
 #include "sql/dialect.h"
+#include "sql/join_orders.h"
 #include "sql/name_scope.h"
 #include "sql/query_snapshot.h"
 #include "sql/select_statement.h"
@@ -25,16 +25,18 @@ struct BindOptions {
   CriteriaContext criteria;
   /// How many criteria columns the grid has.
   std::size_t criteriaColumns = 4;
-  /// How the diagram will hold the tables and the joins. Puts `query.joins` into its order (which joins there are stays
-  /// the same) and answers with the order of the tables, as positions in `query.tables`. It is asked for `attempt` 0,
-  /// 1,
-  /// ... until what is generated means the same as the statement; an empty answer ends the attempts. Without it tables
-  /// and joins stay as they are.
-  std::function<std::vector<std::size_t>(QuerySnapshot& query, std::size_t attempt)> arrange;
+  /// What the diagram holds already, and is to keep where it can.
+  DrawnDiagram drawn;
+};
+
+struct BoundStatement {
+  QuerySnapshot query;
+  /// How the diagram is to hold the tables and joins, so that what is generated means the same as the statement.
+  JoinArrangement arrangement;
 };
 
 /// The query that the statement designs: tables in the order of FROM, rows in the order of the select list and behind
 /// them those that are not output. SyntaxError for what cannot be told, is not there or cannot be shown.
-QuerySnapshot BindStatement(const SelectStatement& statement, QuerySource& source, const BindOptions& options);
+BoundStatement BindStatement(const SelectStatement& statement, QuerySource& source, const BindOptions& options);
 
 }  // namespace zrqrybld

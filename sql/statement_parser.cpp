@@ -1,5 +1,7 @@
 #include "sql/statement_parser.h"
 
+#include <utility>
+
 #include "base/text.h"
 #include "sql/expression_parser.h"
 #include "sql/keywords.h"
@@ -12,6 +14,8 @@ namespace {
 constexpr int kDeepestTables = 4000;
 constexpr int kDeepestCalls = 250;
 
+constexpr std::string_view kNoLimit = "18446744073709551615";  // what MySQL takes for no limit
+
 // What no designer of one SELECT can show, by the word that begins it.
 bool IsBeyondDesigner(Keyword keyword) {
   switch (keyword) {
@@ -21,7 +25,6 @@ bool IsBeyondDesigner(Keyword keyword) {
     case Keyword::Intersect:
     case Keyword::Into:
     case Keyword::Minus:
-    case Keyword::Offset:
     case Keyword::Option:
     case Keyword::Start:
     case Keyword::Union:
@@ -50,7 +53,7 @@ class Parser {
     if (TakeBy(Keyword::Group)) statement_.groupBy = ParseOrderItems(false);
     if (reader_.Take(Keyword::Having)) statement_.having = expressions_.ParseExpression();
     if (TakeBy(Keyword::Order)) statement_.orderBy = ParseOrderItems(true);
-    ParseLimit();
+    ParseLimits();
     reader_.TakeSign(';');
     if (reader_.AtEnd()) return;
     RefuseWhatCannotBeShown();
@@ -152,13 +155,13 @@ class Parser {
     const Keyword keyword = reader_.Current().keyword;
     return reader_.AtEnd() || reader_.IsSign(';') || keyword == Keyword::Where || keyword == Keyword::Group ||
            keyword == Keyword::Having || keyword == Keyword::Order || keyword == Keyword::Limit ||
-           keyword == Keyword::Fetch;
+           keyword == Keyword::Fetch || keyword == Keyword::Offset;
   }
 
   // These words are names, too; at the beginning of FROM only what follows tells.
   bool IsTableCalledAsLimit() const {
     const Token next = reader_.Peek();
-    if (reader_.Is(Keyword::Limit)) return next.kind != TokenKind::Number;
+    if (reader_.Is(Keyword::Limit) || reader_.Is(Keyword::Offset)) return next.kind != TokenKind::Number;
     const std::string_view word = statement_.text.substr(next.offset, next.length);
     return reader_.Is(Keyword::Fetch) && !EqualsNoCase(word, "FIRST") && !EqualsNoCase(word, "NEXT");
   }
@@ -389,17 +392,63 @@ class Parser {
     return reader_.TextFrom(start);
   }
 
-  // LIMIT n and FETCH FIRST n ROWS ONLY say the same as TOP n.
-  void ParseLimit() {
-    const bool fetches = reader_.Is(Keyword::Fetch);
-    if (!fetches && !reader_.Is(Keyword::Limit)) return;
+  // LIMIT n and FETCH FIRST n ROWS ONLY say the same as TOP n; an offset may stand before or behind them.
+  void ParseLimits() {
+    for (;;) {
+      if (reader_.Is(Keyword::Limit)) {
+        ParseLimit();
+      } else if (reader_.Is(Keyword::Fetch)) {
+        ParseFetch();
+      } else if (reader_.Is(Keyword::Offset)) {
+        reader_.Advance();
+        ParseOffsetNumber();
+        if (reader_.IsWord("ROW") || reader_.Is(Keyword::Rows)) reader_.Advance();
+      } else {
+        return;
+      }
+    }
+  }
+
+  void RefuseSecondLimit() const {
     if (!statement_.top.empty()) reader_.Refuse(reader_.Offset(), "There is a row limit already.");
+  }
+
+  void ParseOffsetNumber() {
+    if (!statement_.skip.empty()) reader_.Refuse(reader_.Offset(), "There is an offset already.");
+    if (!reader_.Is(TokenKind::Number)) reader_.FailExpected("a number");
+    statement_.skip = reader_.CurrentText();
     reader_.Advance();
-    if (fetches) TakeWord("FIRST", "NEXT");
+  }
+
+  // LIMIT n; LIMIT offset, n; and what stands for no limit where an offset needs one: ALL, -1, the largest number.
+  void ParseLimit() {
+    RefuseSecondLimit();
+    reader_.Advance();
+    if (reader_.Take(Keyword::All)) return;
+    if (reader_.TakeSign('-')) {
+      if (reader_.CurrentText() != "1") reader_.FailExpected("a number from 0 on");
+      reader_.Advance();
+      return;
+    }
     ParseLimitNumber();
-    if (reader_.IsSign(',')) reader_.Refuse(reader_.Offset(), "An offset cannot be shown in the designer.");
-    if (!fetches) return;
-    statement_.topPercent = reader_.Take(Keyword::Percent);
+    if (reader_.IsSign(',')) {
+      statement_.skip = std::exchange(statement_.top, {});
+      reader_.Advance();
+      ParseLimitNumber();
+    }
+    if (statement_.top == kNoLimit) statement_.top = {};
+  }
+
+  void ParseFetch() {
+    RefuseSecondLimit();
+    reader_.Advance();
+    TakeWord("FIRST", "NEXT");
+    if (reader_.IsWord("ROW") || reader_.Is(Keyword::Rows)) {
+      statement_.top = "1";  // FETCH FIRST ROW ONLY
+    } else {
+      ParseLimitNumber();
+      statement_.topPercent = reader_.Take(Keyword::Percent);
+    }
     TakeWord("ROWS", "ROW");
     RefuseTies();
     TakeWord("ONLY", "ONLY");

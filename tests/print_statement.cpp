@@ -34,6 +34,7 @@ class Printer {
     PrintClause(" GROUP BY ", statement.groupBy);
     PrintClause(" HAVING ", statement.having);
     PrintClause(" ORDER BY ", statement.orderBy);
+    if (!statement.skip.empty()) text_ += " OFFSET " + std::string(statement.skip);
   }
 
  private:

@@ -524,6 +524,8 @@ OdbcSession::Rows OdbcSession::MakeLiterals() const {
   if (facts_.identifierCase == SQL_IC_UPPER) folded = kLowerLetters;
   rows.push_back({"TABLE_NAME", Variant::Null(), folded, ""});
   if (facts_.reading) rows.push_back(row(kTextReadingLiteral, WordsOf(*facts_.reading)));
+  rows.push_back(row(kSourceNameLiteral, connection_.InfoText(SQL_DBMS_NAME)));
+  rows.push_back(row(kSourceVersionLiteral, connection_.InfoText(SQL_DBMS_VER)));
   return rows;
 }
 

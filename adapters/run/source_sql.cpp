@@ -105,23 +105,29 @@ struct Construct {
   std::string_view words;               // separated by blanks; "0" stands for any number, "#" for a date
   std::span<const SourceFamily> known;  // who understands it
   std::string_view what;                // how a message names it
-  std::string_view advice;
 };
 
-constexpr SourceFamily kTopFamilies[] = {SourceFamily::SqlServer, SourceFamily::Access};
+constexpr SourceFamily kTop[] = {SourceFamily::SqlServer, SourceFamily::Access};
+constexpr SourceFamily kLimit[] = {SourceFamily::Sqlite, SourceFamily::PostgreSql, SourceFamily::MariaDb};
+constexpr SourceFamily kFetch[] = {SourceFamily::PostgreSql, SourceFamily::MariaDb, SourceFamily::SqlServer,
+                                   SourceFamily::Oracle};
 constexpr SourceFamily kOracle[] = {SourceFamily::Oracle};
+constexpr SourceFamily kPostgreSql[] = {SourceFamily::PostgreSql};
 constexpr SourceFamily kAccess[] = {SourceFamily::Access};
-constexpr std::string_view kWithoutLimit = "Take the limit out: the preview reads a few hundred rows at a time anyway.";
-constexpr std::string_view kJoinClauses = "Choose a dialect that writes LEFT JOIN, such as MSSQL.";
 
 constexpr Construct kConstructs[] = {
-    {"TOP 0", kTopFamilies, "TOP", kWithoutLimit},
-    {"*=", {}, "outer joins written as *=", kJoinClauses},
-    {"=*", {}, "outer joins written as =*", kJoinClauses},
-    {"( + )", kOracle, "outer joins written as (+)", kJoinClauses},
-    {"ROWNUM", kOracle, "ROWNUM", kWithoutLimit},
-    {"UP TO 0 ROWS", {}, "UP TO ... ROWS", kWithoutLimit},
-    {"#", kAccess, "dates between number signs", "Choose the dialect MSSQL or Generic."},
+    {"TOP 0", kTop, "TOP"},
+    {"TOP ( 0 )", kTop, "TOP"},
+    {"LIMIT 0", kLimit, "LIMIT"},
+    {"FETCH FIRST 0", kFetch, "FETCH FIRST"},
+    {"FETCH NEXT 0", kFetch, "FETCH NEXT"},
+    {"*=", {}, "outer joins written as *="},
+    {"=*", {}, "outer joins written as =*"},
+    {"( + )", kOracle, "outer joins written as (+)"},
+    {"ROWNUM", kOracle, "ROWNUM"},
+    {"UP TO 0 ROWS", {}, "UP TO ... ROWS"},
+    {"ILIKE", kPostgreSql, "ILIKE"},
+    {"#", kAccess, "dates between number signs"},
 };
 
 bool Matches(std::string_view sql, const Token& token, std::string_view word) {
@@ -176,9 +182,10 @@ void RequireSpoken(std::string_view sql, const Dialect& dialect, std::string_vie
   const SourceFamily family = FamilyOf(sourceName);
   if (family == SourceFamily::Other) return;
   const std::string source(sourceName);
+  const Dialect* own = DialectOfSource(sourceName, {});
+  const std::string advice = own && own != &dialect ? " Choose the dialect " + std::string(own->name) + "." : "";
   if (!dialect.canBeParsed) {
-    RefuseStatement(source + " does not speak " + std::string(dialect.name) + ". Choose another dialect to see rows.",
-                    0);
+    RefuseStatement(source + " does not speak " + std::string(dialect.name) + "." + advice, 0);
   }
   const std::vector<Token> tokens = CodeTokens(sql);
   for (const Construct& construct : kConstructs) {
@@ -188,8 +195,7 @@ void RequireSpoken(std::string_view sql, const Dialect& dialect, std::string_vie
         std::search(tokens.begin(), tokens.end(), words.begin(), words.end(),
                     [sql](const Token& token, std::string_view word) { return Matches(sql, token, word); });
     if (found == tokens.end()) continue;
-    RefuseStatement(source + " does not know " + std::string(construct.what) + ". " + std::string(construct.advice),
-                    found->offset);
+    RefuseStatement(source + " does not know " + std::string(construct.what) + "." + advice, found->offset);
   }
 }
 

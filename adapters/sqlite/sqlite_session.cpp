@@ -117,7 +117,9 @@ std::vector<std::vector<Variant>> MakeLiterals() {
           row("QUOTE_PREFIX", "\""),
           row("QUOTE_SUFFIX", "\""),
           {"TABLE_NAME", Variant::Null(), "", ""},
-          row(kTextReadingLiteral, WordsOf(*UsualReading("SQLite")))};
+          row(kTextReadingLiteral, WordsOf(*UsualReading("SQLite"))),
+          row(kSourceNameLiteral, "SQLite"),
+          row(kSourceVersionLiteral, sqlite3_libversion())};
 }
 
 bool IsGiven(const std::optional<std::string>& restriction) { return restriction && !restriction->empty(); }

@@ -2,6 +2,8 @@
 #include <QAction>
 #include <QClipboard>
 #include <QElapsedTimer>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QTableView>
 #include <QTextBlock>
 #include <QTextLayout>
@@ -10,6 +12,7 @@
 
 #include "designer/query_preview.h"
 #include "designer/result_model.h"
+#include "diagram/relationships.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/palettes.h"
 #include "tests/qt/pictures.h"
@@ -228,6 +231,52 @@ TEST_F(Preview, IsShownInSmallWindowsAndDarkColours) {
     window.AddTables({"Customers", "Order"});
     for (const char* column : {"Customers.CompanyName", "Order.Comment", "Order.OrderDate"}) window.TickColumn(column);
   }
+}
+
+// Open the sample, join, limit, run: nobody has to know what a dialect is. In another's words the way back is a button.
+TEST_F(Preview, TheFirstStepsNeedNoDialect) {
+  OpenSampleWith({"Customers", "Order"});
+  EXPECT_EQ(Hub().SQLPane()->SQLSyntax(), SQLSyntaxSQLite);
+  Hub().Entities()->Item("Order")->Relationships()->Item(1)->SetItemData(2);
+  window.TickColumn("Customers.CompanyName");
+  window.TickColumn("Order.OrderDate");
+  const auto field = [this](const char* name) {
+    QLineEdit* found = nullptr;
+    for (QLineEdit* edit : window.findChildren<QLineEdit*>()) {
+      if (edit->accessibleName() == name) found = edit;
+    }
+    return found;
+  };
+  QLineEdit* const limit = field("Row limit");
+  ASSERT_TRUE(limit && limit->isVisible());
+  limit->setFocus();
+  QTest::keyClicks(limit, "5x");
+  QTest::keyClick(limit, Qt::Key_Return);
+  EXPECT_EQ(Hub().SelectTopRecords(), "5") << "a letter is no part of a limit";
+  PressF5();
+  ASSERT_TRUE(Ends());
+  EXPECT_EQ(Utf8(Pane().Failure()), "");
+  EXPECT_EQ(Pane().Rows().RowsHeld(), 5u);
+  EXPECT_NE(Statement().find("LEFT JOIN"), std::string::npos) << Statement();
+
+  window.SetSyntax("Generic");
+  PressF5();
+  ASSERT_TRUE(Ends());
+  EXPECT_NE(Utf8(Pane().Failure()).find("Choose the dialect SQLite"), std::string::npos) << Utf8(Pane().Failure());
+  QPushButton* cure = nullptr;
+  for (QPushButton* button : Pane().findChildren<QPushButton*>()) {
+    if (button->isVisible()) cure = button;
+  }
+  ASSERT_TRUE(cure);
+  KeepPicture(Paint(window), "preview-other-dialect");
+  EXPECT_EQ(Utf8(cure->text()), "Switch to SQLite");
+  cure->click();
+  ASSERT_TRUE(Ends());
+  EXPECT_EQ(Utf8(Pane().Failure()), "");
+  EXPECT_EQ(Pane().Rows().RowsHeld(), 5u);
+  EXPECT_EQ(Hub().UndoText(), "Change dialect");
+  Hub().Undo();
+  EXPECT_EQ(Hub().SQLPane()->SQLSyntax(), SQLSyntaxGeneric);
 }
 
 // --- Against servers, which tests/providers/servers.sh has started for this test alone ---

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Runs a command with a PostgreSQL and a MariaDB server of its own:
+# Runs a command with PostgreSQL and MariaDB servers of its own:
 #
 #     servers.sh COMMAND [ARGUMENT...]
 #
-# Both servers listen on loopback, on free ports, and keep everything in a temporary folder. They run as the
+# A second PostgreSQL, whose tables the first can show as its own, is in ZRQRYBLD_TEST_POSTGRESQL_SECOND. All servers listen on loopback, on free ports, and keep everything in a temporary folder. They run as the
 # current user, or as the users of their packages when that is root, because neither server runs as root. They
 # stop with this script, however it ends: each is told by the kernel when its parent dies. Servers that the
 # machine runs anyway are not touched.
@@ -79,9 +79,11 @@ find_program() {
   printf '%s' "$found"
 }
 
-# Both return 1 with the reason in `missing`.
+# These return 1 with the reason in `missing`.
+
+# Usage: start_postgresql VARIABLE
 start_postgresql() {
-  local initdb postgres psql data=$folder/postgresql log=$folder/postgresql.log port attempt process
+  local initdb postgres psql data=$folder/$1 log=$folder/$1.log port attempt process
   missing="PostgreSQL is not installed"
   initdb=$(find_program initdb) && postgres=$(find_program postgres) && psql=$(find_program psql) || return 1
   missing="there is no user postgres"
@@ -104,8 +106,7 @@ start_postgresql() {
       "$psql" -X -q -v ON_ERROR_STOP=1 -h 127.0.0.1 -p "$port" -U tester -d postgres \
         -c "CREATE ROLE locked LOGIN PASSWORD 'right'" -c 'CREATE DATABASE zr_test' >>"$log" 2>&1 ||
         { cat "$log" >&2; return 1; }
-      ZRQRYBLD_TEST_POSTGRESQL="Driver={PostgreSQL Unicode};Server=127.0.0.1;Port=$port;Database=zr_test;UID=tester"
-      export ZRQRYBLD_TEST_POSTGRESQL ZRQRYBLD_TEST_POSTGRESQL_PROCESS=$process
+      export "$1=Driver={PostgreSQL Unicode};Server=127.0.0.1;Port=$port;Database=zr_test;UID=tester" "$1_PROCESS=$process"
       return 0
     fi
     kill -QUIT "$process" 2>/dev/null
@@ -157,7 +158,8 @@ start_mariadb() {
 
 [ $# -gt 0 ] || { printf 'Usage: %s COMMAND [ARGUMENT...]\n' "$0" >&2; exit 2; }
 missing=""
-start_postgresql || export ZRQRYBLD_TEST_POSTGRESQL_MISSING="$missing"
+start_postgresql ZRQRYBLD_TEST_POSTGRESQL || export ZRQRYBLD_TEST_POSTGRESQL_MISSING="$missing"
+start_postgresql ZRQRYBLD_TEST_POSTGRESQL_SECOND || true
 start_mariadb || export ZRQRYBLD_TEST_MARIADB_MISSING="$missing"
 
 # In the background, so that a signal reaches this script while it waits.

@@ -101,7 +101,9 @@ TEST_P(ProviderDesigns, GiveTheRowsThatTheyMean) {
   hub->Connect(source_->connectionString);
   ASSERT_FALSE(hub->LastError());
   const bool isMariaDb = source_->Has(Difference::SchemaIsDatabase);
-  const test::Target target{isMariaDb ? "zr_test.copy " : "public.copy ", !isMariaDb, 700,
+  ASSERT_TRUE(hub->SourceDialect());
+  EXPECT_EQ(hub->SourceDialect()->syntax, isMariaDb ? SQLSyntaxMySQL : SQLSyntaxPostgreSQL);
+  const test::Target target{isMariaDb ? "zr_test.copy " : "public.copy ", !isMariaDb, hub->SourceDialect()->syntax, 700,
                             [this](const std::string& sql) { return Run(sql); }};
   std::cout << test::TryDesigns(*hub, store, target, 120, 5) << "\n";
 }

@@ -45,6 +45,8 @@ CriteriaContext ContextOf(const std::string& type) {
       {"short", {.dataType = 7, .dateFormat = "d/m/yy"}},
       {"clock", {.dataType = 135, .dateFormat = "dd/mm/yyyy hh:mm am/pm"}},
       {"oracle", {.dataType = 135, .prefix = "TO_DATE('", .suffix = "','dd-mmm-yyyy')"}},
+      {"later",
+       {.dataType = 135, .prefix = "TO_DATE('", .suffix = "','dd-mmm-yyyy')", .dateFormat = "yyyy-mm-dd"}},
       {"bool", {.dataType = 11}},
       {"guid", {.dataType = 72, .prefix = "'", .suffix = "'"}},
       {"binary", {.dataType = 204, .prefix = "X'", .suffix = "'"}},
@@ -73,6 +75,28 @@ void ExpectStable(const std::string& cell, CriteriaContext context) {
   const std::string condition = FormatCondition("T.[a field]", cell, context);
   const auto isField = [](std::string_view left) { return left == "T.[a field]"; };
   EXPECT_EQ(CriterionOf(condition, isField, context.likeOperator), cell) << condition;
+}
+
+TEST(Criteria, AreWrittenAsTheDialectHasThem) {
+  for (const test::Row& row : test::ReadRows("literals.txt")) {
+    SCOPED_TRACE(row.place);
+    CriteriaContext context = ContextOf(row[1]);
+    context.dialect = FindDialect(row[0]);
+    ASSERT_TRUE(context.dialect);
+    const std::string cell = FormatCriterion(row[2], context);
+    EXPECT_EQ(cell, row[3]);
+    EXPECT_EQ(FormatCriterion(cell, context), cell);
+    EXPECT_EQ(FormatCondition("x", cell, context), row[4]);
+  }
+}
+
+TEST(Criteria, FollowAnotherWordForLike) {
+  CriteriaContext context = ContextOf("text");
+  context.formerLike = "ALIKE";
+  EXPECT_EQ(FormatCriterion("NOT ALIKE 'a%' OR = 'ALIKE'", context), "NOT LIKE 'a%' OR = 'ALIKE'");
+  context.formerLike = "LIKE";
+  context.likeOperator = "SIMILAR TO";
+  EXPECT_EQ(FormatCriterion("LIKE 'a%'", context), "SIMILAR TO 'a%'");
 }
 
 TEST(Criteria, TakeTheirNormalForm) {

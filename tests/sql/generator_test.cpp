@@ -15,7 +15,7 @@ namespace {
 
 // A dialect that only this test knows: the generator must need nothing but its row of data.
 constexpr Dialect kSixth = {
-    .syntax = static_cast<SQLSyntaxEnum>(5),
+    .syntax = static_cast<SQLSyntaxEnum>(99),
     .name = "Sixth",
     .joins = Dialect::Joins::Clauses,
     .fromParentheses = Dialect::FromParentheses::Nested,
@@ -23,10 +23,7 @@ constexpr Dialect kSixth = {
     .comparison = {" == ", " == ", " == ", " == "},
     .afterCondition = {"!", "", "", ""},
     .hasFullJoin = true,
-    .limit = Dialect::Limit::From,
-    .limitBefore = "LIMIT ",
-    .limitAfter = ";",
-    .limitTakesPercent = true,
+    .limit = {.place = RowLimit::Place::From, .rows = "LIMIT @n;", .percent = "LIMIT @n PERCENT;"},
     .selectSeparator = " & ",
     .fromSeparator = " CROSS",
     .open = "<",
@@ -51,6 +48,7 @@ QuerySnapshot DesignOf(const test::Record& record) {
   query.groupByMode = record.Has("group");
   query.distinct = record.Has("distinct");
   query.top = text("top");
+  if (record.Has("skip")) query.skip = std::stoi(record["skip"]);
   for (std::string tables = text("tables"); !tables.empty();) {
     std::string name = Cut(tables, ", ");
     const std::string caption = Cut(name, "=");
@@ -141,15 +139,16 @@ TEST(Diagnostics, SayWhatTheStatementCannotSay) {
 }
 
 TEST(Dialects, AreFoundByNumberAndName) {
-  ASSERT_EQ(AllDialects().size(), 5u);
+  ASSERT_EQ(AllDialects().size(), 11u);
   for (std::size_t i = 0; i < AllDialects().size(); ++i) {
     const Dialect& dialect = AllDialects()[i];
     EXPECT_EQ(static_cast<std::size_t>(dialect.syntax), i);
     EXPECT_EQ(&DialectFor(dialect.syntax), &dialect);
     EXPECT_EQ(FindDialect(UpperAscii(dialect.name)), &dialect);
+    EXPECT_TRUE(std::ranges::is_sorted(dialect.words));
     // Where joins are clauses each kind has its word; where they are conditions one side carries a mark.
     const bool clauses = dialect.joins == Dialect::Joins::Clauses;
-    EXPECT_EQ(clauses, dialect.hasFullJoin);
+    EXPECT_TRUE(clauses || !dialect.hasFullJoin);
     EXPECT_EQ(clauses, !dialect.joinWords[JoinAllOfBoth].empty());
     const auto marked = [&](JoinTypeEnum type) {
       return std::string(dialect.comparison[type]) + std::string(dialect.afterCondition[type]);
@@ -157,7 +156,31 @@ TEST(Dialects, AreFoundByNumberAndName) {
     EXPECT_EQ(clauses, marked(JoinAllOfThis) == marked(JoinAllOfEarlier));
   }
   EXPECT_EQ(&DialectFor(static_cast<SQLSyntaxEnum>(99)), &AllDialects()[0]);
-  EXPECT_EQ(FindDialect("mysql"), nullptr);
+  EXPECT_EQ(FindDialect("mysql 8"), nullptr);
+}
+
+TEST(Dialects, AreTheSourcesOwn) {
+  struct Case {
+    const char* name;
+    const char* version;
+    const char* dialect;  // "" where the name is not known
+  };
+  constexpr Case kCases[] = {{"PostgreSQL", "15.3", "PostgreSQL"},
+                             {"MariaDB", "10.11.6-MariaDB", "MySQL"},
+                             {"MySQL", "", "MySQL"},
+                             {"SQLite", "3.40.1", "SQLite"},
+                             {"Microsoft SQL Server", "10.50.1600", "MSSQL"},
+                             {"Microsoft SQL Server", "16.00.1000", "SQLServer"},
+                             {"Oracle", "11.02.0040", "Oracle"},
+                             {"Oracle", "19.00.0000", "Oracle12"},
+                             {"ACCESS", "04.00.0000", "Access"},
+                             {"CockroachDB", "23", "PostgreSQL"},
+                             {"DB2/LINUXX8664", "11.05", "ANSI"},
+                             {"Nowhere", "1", ""}};
+  for (const Case& c : kCases) {
+    const Dialect* dialect = DialectOfSource(c.name, c.version);
+    EXPECT_EQ(dialect ? dialect->name : "", c.dialect) << c.name << " " << c.version;
+  }
 }
 
 }  // namespace

@@ -1,0 +1,110 @@
+#include "designer/query_options_bar.h"
+
+#include <QLabel>
+#include <QRegularExpressionValidator>
+#include <QSignalBlocker>
+#include <limits>
+
+#include "adapters/qt/qt_text.h"
+#include "sql/dialect.h"
+#include "sql/sql_pane.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr int kLimitDigits = 8;  // room for as many
+
+}  // namespace
+
+QueryOptionsBar::QueryOptionsBar(qbQueryBuilder& hub, QWidget* parent)
+    : QToolBar(tr("Query"), parent),
+      hub_(hub),
+      dialect_(new QComboBox(this)),
+      limit_(new QLineEdit(this)),
+      skip_(new QSpinBox(this)),
+      distinct_(new QCheckBox(tr("Each row once"), this)) {
+  setMovable(false);
+  const auto label = [this](const QString& text, QWidget* buddy) {
+    auto* words = new QLabel(text, this);
+    words->setBuddy(buddy);
+    words->setContentsMargins(8, 0, 4, 0);
+    return addWidget(words);
+  };
+
+  dialect_->setAccessibleName(tr("Dialect"));
+  for (const Dialect& dialect : AllDialects()) {
+    dialect_->addItem(ToQString(dialect.name), static_cast<int>(dialect.syntax));
+  }
+  label(tr("Dialect:"), dialect_);
+  addWidget(dialect_);
+
+  limit_->setAccessibleName(tr("Row limit"));
+  limit_->setPlaceholderText(tr("all"));
+  limit_->setToolTip(tr("How many rows the query returns: a number, or a percentage such as 10%. Empty for all."));
+  limit_->setValidator(new QRegularExpressionValidator(QRegularExpression("\\d{0,9}|\\d{1,3}\\s?%"), limit_));
+  limit_->setMaximumWidth(limit_->fontMetrics().averageCharWidth() * kLimitDigits + 24);
+  label(tr("Rows:"), limit_);
+  addWidget(limit_);
+
+  skip_->setAccessibleName(tr("Rows to pass over"));
+  skip_->setRange(0, std::numeric_limits<int>::max());
+  skip_->setSpecialValueText(tr("none"));
+  skip_->setToolTip(tr("How many rows are passed over before the first."));
+  skip_->setKeyboardTracking(false);
+  skip_->setMaximumWidth(limit_->maximumWidth() + 24);
+  QAction* skipLabel = label(tr("Skip:"), skip_);
+  skipShown_ = addWidget(skip_);
+  connect(skipShown_, &QAction::changed, skipLabel,
+          [this, skipLabel] { skipLabel->setVisible(skipShown_->isVisible()); });
+
+  distinct_->setToolTip(tr("Rows that are alike are returned once (DISTINCT)."));
+  distinct_->setContentsMargins(8, 0, 0, 0);
+  addWidget(distinct_);
+
+  connect(dialect_, &QComboBox::currentIndexChanged, this, [this](int index) {
+    Change([this, index] {
+      const StepScope step(hub_.Hub(), kStepDialect);
+      hub_.SQLPane()->SetSQLSyntax(static_cast<SQLSyntaxEnum>(dialect_->itemData(index).toInt()));
+      hub_.QueryChanged();
+    });
+    Q_EMIT DialectChosen();
+  });
+  connect(limit_, &QLineEdit::editingFinished, this, &QueryOptionsBar::TakeLimit);
+  connect(skip_, &QSpinBox::valueChanged, this,
+          [this](int rows) { Change([this, rows] { hub_.SetSkipRecords(rows); }); });
+  connect(distinct_, &QCheckBox::toggled, this,
+          [this](bool on) { Change([this, on] { hub_.SetDistinctRecords(on); }); });
+  Refresh();
+}
+
+void QueryOptionsBar::TakeLimit() {
+  const std::string text = ToUtf8(limit_->text());
+  if (text != hub_.SelectTopRecords()) Change([&] { hub_.SetSelectTopRecords(text); });
+}
+
+void QueryOptionsBar::Change(const std::function<void()>& change) {
+  try {
+    change();
+  } catch (const std::exception& error) {
+    Q_EMIT Failed(ToQString(error.what()));
+  }
+  Refresh();
+}
+
+void QueryOptionsBar::Refresh() {
+  const QSignalBlocker dialectQuiet(dialect_);
+  const QSignalBlocker skipQuiet(skip_);
+  const QSignalBlocker distinctQuiet(distinct_);
+  dialect_->setCurrentIndex(dialect_->findData(static_cast<int>(hub_.SQLPane()->SQLSyntax())));
+  const QString limit = ToQString(hub_.SelectTopRecords());
+  if (!limit_->isModified() || !limit_->hasFocus()) limit_->setText(limit);
+  skip_->setValue(hub_.SkipRecords());
+  skipShown_->setVisible(hub_.SkipRecords() > 0 || !hub_.CurrentDialect().limit.offset.empty());
+  distinct_->setChecked(hub_.DistinctRecords());
+}
+
+void QueryOptionsBar::ChooseDialect(const QString& name) {
+  dialect_->setCurrentIndex(dialect_->findText(name, Qt::MatchFixedString));
+}
+
+}  // namespace zrqrybld

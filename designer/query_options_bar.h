@@ -1,0 +1,46 @@
+// QueryOptionsBar: the part of the tool bar that holds what concerns the query as a whole: its dialect, how many rows,
+// and whether rows that are alike count once.
+#pragma once
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QSpinBox>
+#include <QToolBar>
+#include <functional>
+
+#include "hub/query_builder.h"
+
+namespace zrqrybld {
+
+class QueryOptionsBar : public QToolBar {
+  Q_OBJECT
+
+ public:
+  /// The hub must outlive it.
+  explicit QueryOptionsBar(qbQueryBuilder& hub, QWidget* parent = nullptr);
+
+  /// Shows what the hub holds; a field that is being typed in keeps its text.
+  void Refresh();
+  /// Chooses a dialect that exists, as the user would.
+  void ChooseDialect(const QString& name);
+
+ Q_SIGNALS:
+  /// The user has chosen a dialect.
+  void DialectChosen();
+  /// What was chosen cannot be had.
+  void Failed(const QString& message);
+
+ private:
+  void Change(const std::function<void()>& change);
+  void TakeLimit();
+
+  qbQueryBuilder& hub_;
+  QComboBox* dialect_;
+  QLineEdit* limit_;
+  QSpinBox* skip_;
+  QAction* skipShown_;
+  QCheckBox* distinct_;
+};
+
+}  // namespace zrqrybld

@@ -1,0 +1,59 @@
+// The functions of the databases' own languages, together with the default catalog that they stand beside.
+#include "sql/dialect_functions.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+#include "base/text.h"
+#include "hub/query_builder.h"
+#include "platform/headless.h"
+#include "sql/statement_parser.h"
+#include "sql/syntax_error.h"
+
+namespace zrqrybld {
+namespace {
+
+class DialectCatalog : public testing::TestWithParam<int> {};
+
+INSTANTIATE_TEST_SUITE_P(All, DialectCatalog, testing::Range(5, 11));
+
+TEST_P(DialectCatalog, EveryFunctionIsFoundByItsOwnNameAndReadBackFromItsText) {
+  const Ref<qbQueryBuilder> hub = qbQueryBuilder::Create(std::make_shared<HeadlessToolkit>());
+  std::set<std::string> names, choices;
+  for (std::size_t i = 1; i <= static_cast<std::size_t>(hub->DBFunctions()->Count()); ++i) {
+    names.insert(FoldCase(hub->DBFunctions()->At(i).Name()));
+    choices.insert(FoldCase(hub->DBFunctions()->At(i).DisplayText()));
+  }
+  const std::vector<DialectFunction> functions = DialectFunctions(static_cast<SQLSyntaxEnum>(GetParam()));
+  EXPECT_GE(functions.size(), 60U);
+  for (const DialectFunction& function : functions) {
+    SCOPED_TRACE(function.name);
+    EXPECT_TRUE(names.insert(FoldCase(function.name)).second);
+    EXPECT_FALSE(function.description.empty());
+    const bool isChoice = (function.flags & 1) != 0;
+    EXPECT_EQ(isChoice, function.syntax.find("@field") != std::string_view::npos);
+    const std::string_view shown = function.shortDescription.empty() ? function.name : function.shortDescription;
+    if (isChoice) {
+      EXPECT_TRUE(choices.insert(FoldCase(shown)).second) << shown;
+    }
+    // Where only a number or a word can stand, it is filled in.
+    const std::string call = ReplaceAll(std::string(function.syntax), "INTERVAL @Count @Unit", "INTERVAL 2 DAY");
+    try {
+      SyntaxArena arena(1024);
+      ParseExpressionText(call, arena);
+    } catch (const SyntaxError& error) {
+      ADD_FAILURE() << call << ": " << error.what();
+    }
+  }
+}
+
+TEST(DialectFunctions, WhatBelongsToNoDatabaseHasNone) {
+  for (const int number : {-1, 0, 4, 11, 1 << 30}) {
+    EXPECT_TRUE(DialectFunctions(static_cast<SQLSyntaxEnum>(number)).empty()) << number;
+  }
+}
+
+}  // namespace
+}  // namespace zrqrybld
