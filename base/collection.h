@@ -55,8 +55,8 @@ std::size_t PlaceFor(const KeyedList<T>& list, const Variant& before, const Vari
   return list.Count() + 1;
 }
 
-/// Walks a public collection by position, handing out what `Item` does. A collection may change meanwhile: the walk goes
-/// on at the next position and ends behind the last item that is there then.
+/// Walks a public collection by position, handing out what `Item` does. A collection may change meanwhile: the walk
+/// goes on at the next position and ends behind the last item that is there then.
 template <class Collection>
 class CollectionIterator {
  public:

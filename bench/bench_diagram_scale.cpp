@@ -8,6 +8,7 @@
 
 #include "bench/counting_canvas.h"
 #include "diagram/diagram_pane.h"
+#include "diagram/entities.h"
 #include "diagram/relationships.h"
 #include "platform/headless.h"
 

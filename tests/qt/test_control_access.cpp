@@ -6,6 +6,7 @@
 #include "adapters/qt/access_events.h"
 #include "adapters/qt/control_widget.h"
 #include "diagram/diagram_pane.h"
+#include "diagram/entities.h"
 
 namespace zrqrybld {
 namespace {
