@@ -238,7 +238,8 @@ class qbQueryBuilder final : public QueryContext {
   /// The values that were given for parameters last, by name or prompt, case-folded; see hub/parameter_form.h.
   std::unordered_map<std::string, std::string>& RememberedValues() { return rememberedValues_; }
 
-  /// The dialect that the source in use speaks, by what it says of itself; nullptr without one, or when it is not known.
+  /// The dialect that the source in use speaks, by what it says of itself; nullptr without one, or when it is not
+  /// known.
   const Dialect* SourceDialect() const;
   /// Changes to that dialect, as a step. False when there is none.
   bool FollowSource();
@@ -318,7 +319,7 @@ class qbQueryBuilder final : public QueryContext {
   bool travelling_ = false;           // a step is being undone or redone
   std::optional<std::string> typed_;  // what was typed and not applied when the step began
   std::unordered_map<std::string, std::string> rememberedValues_;
-  std::vector<WeakRef<BoxRow>> noted_;  // rows of boxes that show what the grid does with them
+  std::vector<WeakRef<BoxRow>> noted_;               // rows of boxes that show what the grid does with them
   std::vector<Ref<qbDBFunction>> dialectFunctions_;  // those that came with the dialect
   bool allowJoinProperties_ = false;
   bool connectOnLoad_ = true;

@@ -28,7 +28,7 @@ struct Target {
   std::string prefix;  ///< before the table names of the sample database
   bool hasFullJoin = true;
   SQLSyntaxEnum own = SQLSyntaxSQLite;  ///< its own dialect, whose statements run as they are
-  std::size_t mostRows = 3400;  ///< designs with more, also on the way, are left out
+  std::size_t mostRows = 3400;          ///< designs with more, also on the way, are left out
   /// The rows of a statement, the cells as `CellText` writes them.
   std::function<std::vector<std::vector<std::string>>(const std::string& sql)> run;
 };
