@@ -10,6 +10,7 @@
 #include "base/error.h"
 #include "base/scoped_value.h"
 #include "base/text.h"
+#include "base/texts_diagram.h"
 #include "platform/stored_values.h"
 
 namespace zrqrybld {
@@ -321,7 +322,7 @@ bool qbDiagramPane::IsForeign(const Ref<Object>& object) const {
 
 void qbDiagramPane::SelectObject(const Ref<Object>& object) {
   const Ref<Object> alive = shared_from_this();  // a listener may let go of it
-  if (IsForeign(object)) throw Error(ErrorInvalidCall, "The object is in another diagram.");
+  if (IsForeign(object)) throw Error(ErrorInvalidCall, text::OtherDiagram);
   if (object == selected_) {
     if (!std::exchange(alsoSelected_, {}).empty()) Refresh();
     return;
@@ -413,7 +414,8 @@ void qbDiagramPane::RaiseToTop(const Ref<qbEntityList>& box) {
 
 void qbDiagramPane::AboutBox() {
   if (const Ref<QueryContext> context = Context()) {
-    context->GetToolkit().GetDialogs().ShowMessage("zrQryBld\r\nThe diagram of a query.", MessageIcon::Information);
+    context->GetToolkit().GetDialogs().ShowMessage("zrQryBld\r\n" + context->Say(text::AboutDiagram),
+                                                   MessageIcon::Information);
   }
 }
 

@@ -3,17 +3,14 @@
 #include <utility>
 
 #include "base/text.h"
+#include "base/texts_diagram.h"
 #include "diagram/diagram_pane.h"
 #include "diagram/relationships.h"
+#include "platform/commands.h"
 
 namespace zrqrybld {
 namespace {
 
-constexpr std::int32_t kKeyPlus = 107;
-constexpr std::int32_t kKeyMinus = 109;
-constexpr std::int32_t kKeyMenu = 93;
-constexpr std::int32_t kKeyF7 = 118;
-constexpr std::int32_t kKeyF10 = 121;
 constexpr double kZoomKeyStep = 1.25;
 constexpr auto kTypeAheadPause = std::chrono::seconds(1);
 constexpr int kResizeFirstStep = 4;
@@ -43,7 +40,7 @@ bool qbDiagramPane::OnKeyDown(const KeyEvent& event) {
   }
   if (IsArrow(keyCode) && event.shift == ShiftAlt) return MoveSelectedBox(keyCode);
   if (IsArrow(keyCode) && event.shift == (ShiftCtrl | ShiftShift)) return ResizeSelectedBox(keyCode);
-  if (keyCode == KeyCodeSpace && event.shift == ShiftShift) {
+  if (Asks(Key{keyCode, event.shift}, Command::MinimizeTable)) {
     const Ref<qbEntity> entity = SelectedEntity();
     if (entity) Minimize(*entity->EntityBox(), !entity->EntityBox()->Minimized());
     return entity != nullptr;
@@ -51,7 +48,7 @@ bool qbDiagramPane::OnKeyDown(const KeyEvent& event) {
   if (keyCode == KeyCodeTab && (event.shift == ShiftNone || event.shift == ShiftShift)) {
     return SelectNext(event.shift == ShiftShift ? -1 : 1);
   }
-  if ((keyCode == kKeyF10 && event.shift == ShiftShift) || (keyCode == kKeyMenu && event.shift == ShiftNone)) {
+  if (Asks(Key{keyCode, event.shift}, Command::ContextMenu)) {
     const Ref<qbEntity> entity = SelectedEntity();
     const std::size_t row = entity ? entity->EntityBox()->SelectedRow() : 0;
     ShowContextMenu(selected_, row != 0 && entity->EntityBox()->IsRowVisible(row) ? row : 0, MenuPlaceOfSelection());
@@ -79,7 +76,14 @@ bool qbDiagramPane::OnCharacters(std::int32_t keyCode, const KeyEvent& event) {
 }
 
 bool qbDiagramPane::OnPlainKey(std::int32_t keyCode) {
+  const Key key{keyCode};
   const Ref<qbEntity> entity = SelectedEntity();
+  if (Asks(key, Command::AddTables)) return RequestTables();
+  if (Asks(key, Command::DeleteSelected)) return DeleteSelected();
+  if (Asks(key, Command::RenameTable)) {
+    if (entity) AskForAlias(entity);
+    return entity != nullptr;
+  }
   const auto page = entity ? static_cast<int>(std::max<std::size_t>(entity->EntityBox()->VisibleRowCount(), 1)) : 1;
   switch (keyCode) {
     case KeyCodeUp:
@@ -100,14 +104,6 @@ bool qbDiagramPane::OnPlainKey(std::int32_t keyCode) {
       return true;
     case KeyCodeEnter:
       return EnterSelected();
-    case KeyCodeDelete:
-      return DeleteSelected();
-    case KeyCodeInsert:
-    case kKeyF7:
-      return RequestTables();
-    case KeyCodeF2:
-      if (entity) AskForAlias(entity);
-      return entity != nullptr;
     case KeyCodeEscape:
       if (CancelGesture() || EndKeyJoin()) return true;
       if (!selected_) return false;
@@ -121,32 +117,30 @@ bool qbDiagramPane::OnPlainKey(std::int32_t keyCode) {
 bool qbDiagramPane::OnControlKey(std::int32_t keyCode, const KeyEvent& event) {
   const PixelSize view = GetSurface().ViewSize();
   const PixelPoint middle{view.width / 2, view.height / 2};
-  if (keyCode == kKeyPlus || event.text == "+" || event.text == "=") {
+  if (keyCode == KeyCodePlus || event.text == "+" || event.text == "=") {
     SetZoom(zoom_ * kZoomKeyStep, middle);
     return true;
   }
-  if (keyCode == kKeyMinus || event.text == "-") {
+  if (keyCode == KeyCodeMinus || event.text == "-") {
     SetZoom(zoom_ / kZoomKeyStep, middle);
     return true;
   }
-  if (event.shift != ShiftCtrl) return false;
-  switch (keyCode) {
-    case '0':
-      SetZoom(1, middle);
-      return true;
-    case 'A':
-      SelectAll();
-      return true;
-    case 'C':
-      return CopyPicture();
-    case 'F':
-      AskAndFind();
-      return Context() != nullptr;
-    case 'J':
-      return keyJoin_ ? EnterSelected() : BeginKeyJoin();
-    default:
-      return false;
+  const Key key{keyCode, event.shift};
+  if (Asks(key, Command::ActualSize)) {
+    SetZoom(1, middle);
+    return true;
   }
+  if (Asks(key, Command::SelectAllTables)) {
+    SelectAll();
+    return true;
+  }
+  if (Asks(key, Command::CopyPicture)) return CopyPicture();
+  if (Asks(key, Command::FindName)) {
+    AskAndFind();
+    return Context() != nullptr;
+  }
+  if (Asks(key, Command::JoinFromHere)) return keyJoin_ ? EnterSelected() : BeginKeyJoin();
+  return false;
 }
 
 bool qbDiagramPane::RequestTables() {
@@ -363,10 +357,10 @@ qbDiagramPane::FoundPlace qbDiagramPane::FindName(const std::string& part) const
 void qbDiagramPane::AskAndFind() {
   const Ref<QueryContext> context = Context();
   if (!context) return;
-  TextDialog dialog{"Find", "&Part of the name of a table or column:", sought_};
+  TextDialog dialog{context->Say(text::FindCaption), context->Say(text::FindLabel), sought_};
   dialog.problem = [this](const std::string& text) -> std::string {
     if (text.empty()) return " ";
-    return FindName(text).entity ? "" : "No table or column of the diagram has this in its name.";
+    return FindName(text).entity ? "" : Say(Context(), text::FindNothing);
   };
   const std::optional<std::string> part = context->GetToolkit().GetDialogs().ShowTextPrompt(dialog);
   if (!part || part->empty()) return;

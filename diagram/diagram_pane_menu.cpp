@@ -3,11 +3,13 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_diagram.h"
 #include "diagram/auto_joins.h"
 #include "diagram/diagram_pane.h"
 #include "diagram/join_properties.h"
 #include "diagram/relationships.h"
 #include "diagram/table_picker.h"
+#include "platform/commands.h"
 
 namespace zrqrybld {
 namespace {
@@ -59,15 +61,16 @@ Menu qbDiagramPane::MenuForSurface() {
   const Ref<QueryContext> context = Context();
   const bool any = entities_->Count() > 0;
   return {
-      {"&Add Tables...", "F7", [this] { RequestTables(); }, context && context->IsConnected()},
+      {Say(Context(), text::MenuAddTables), KeyTextOf(Command::AddTables), [this] { RequestTables(); },
+       context && context->IsConnected()},
       MenuEntry::Separator(),
-      {"A&rrange", "", [this] { Arrange(); }, any},
-      {"&Fit to Window", "", [this] { ZoomToFit(); }, any},
-      {"&100 %", "Ctrl+0", [this] { SetZoom(1, {}); }, zoom_ != 1},
+      {Say(Context(), text::MenuArrange), "", [this] { Arrange(); }, any},
+      {Say(Context(), text::MenuFitWindow), "", [this] { ZoomToFit(); }, any},
+      {Say(Context(), text::MenuActualSize), KeyTextOf(Command::ActualSize), [this] { SetZoom(1, {}); }, zoom_ != 1},
       MenuEntry::Separator(),
-      {"&Select All", "Ctrl+A", [this] { SelectAll(); }, any},
-      {"&Copy Picture", "Ctrl+C", [this] { CopyPicture(); }, any},
-      {"Sa&ve Picture...", "", [this] { AskToSavePicture(); }, any && context},
+      {Say(Context(), text::MenuSelectAll), KeyTextOf(Command::SelectAllTables), [this] { SelectAll(); }, any},
+      {Say(Context(), text::MenuCopyPicture), KeyTextOf(Command::CopyPicture), [this] { CopyPicture(); }, any},
+      {Say(Context(), text::MenuSavePicture), "", [this] { AskToSavePicture(); }, any && context},
   };
 }
 
@@ -76,30 +79,33 @@ Menu qbDiagramPane::MenuForBox(const Ref<qbEntity>& entity) {
   const bool minimized = box->Minimized();
   const bool several = !alsoSelected_.empty();
   return {
-      {"Alia&s...", "F2", [this, entity] { AskForAlias(entity); }, Context() != nullptr},
+      {Say(Context(), text::MenuAlias), KeyTextOf(Command::RenameTable), [this, entity] { AskForAlias(entity); },
+       Context() != nullptr},
       MenuEntry::Separator(),
-      {"Tick &All Columns", "", [this, entity] { CheckAll(entity, true, false); }},
-      {"Tick &Key Columns", "", [this, entity] { CheckAll(entity, true, true); }},
-      {"&Untick All Columns", "", [this, entity] { CheckAll(entity, false, false); }},
+      {Say(Context(), text::MenuTickAll), "", [this, entity] { CheckAll(entity, true, false); }},
+      {Say(Context(), text::MenuTickKeys), "", [this, entity] { CheckAll(entity, true, true); }},
+      {Say(Context(), text::MenuUntickAll), "", [this, entity] { CheckAll(entity, false, false); }},
       MenuEntry::Separator(),
       RelatedTo(entity),
       MenuEntry::Separator(),
-      {minimized ? "R&estore" : "&Minimise", "Shift+Space", [this, box, minimized] { Minimize(*box, !minimized); }},
-      {"&Fit to Columns", "",
+      {Say(Context(), minimized ? text::MenuRestore : text::MenuMinimise), KeyTextOf(Command::MinimizeTable),
+       [this, box, minimized] { Minimize(*box, !minimized); }},
+      {Say(Context(), text::MenuFitColumns), "",
        [this, box] {
          const StepScope step(Context(), kStepResizeTable, box->Caption());
          FitBox(box);
        },
        !minimized},
       MenuEntry::Separator(),
-      {several ? "&Remove Selected Tables" : "&Remove", "Del", [this] { DeleteSelected(); }},
+      {Say(Context(), several ? text::MenuRemoveSelected : text::MenuRemove), KeyTextOf(Command::DeleteSelected),
+       [this] { DeleteSelected(); }},
   };
 }
 
 // The tables that the source's foreign keys link to this one, each with its joins.
 MenuEntry qbDiagramPane::RelatedTo(const Ref<qbEntity>& entity) {
   constexpr std::size_t kMost = 30;
-  MenuEntry related{"Add Re&lated Tables", ""};
+  MenuEntry related{Say(Context(), text::MenuAddRelated), ""};
   const Ref<QueryContext> context = Context();
   std::vector<std::string> names;
   try {
@@ -113,7 +119,8 @@ MenuEntry qbDiagramPane::RelatedTo(const Ref<qbEntity>& entity) {
   }
   if (names.size() > 1) {
     related.entries.push_back(MenuEntry::Separator());
-    related.entries.push_back({"&All of Them", "", [context, names] { TablePicker(context).AddTables(names); }});
+    related.entries.push_back(
+        {Say(Context(), text::MenuAllOfThem), "", [context, names] { TablePicker(context).AddTables(names); }});
   }
   related.enabled = !names.empty();
   return related;
@@ -126,13 +133,13 @@ Menu qbDiagramPane::MenuForColumn(const Ref<qbEntity>& entity, const Ref<qbEntit
   const std::string column = item->Text();
   const std::optional<ColumnUse> use = context ? context->UseOfColumn(table, column) : std::nullopt;
   const bool all = column == "*";
-  MenuEntry sort{"&Sort", "", {}, use && !all};
-  for (const auto& [text, type] :
-       {std::pair{"&Ascending", "Ascending"}, {"&Descending", "Descending"}, {"&Unsorted", ""}}) {
-    sort.entries.push_back({text, "", [=, type = type] { context->SortByColumn(table, column, type); }, true,
-                            use && EqualsNoCase(use->sortType, type)});
+  MenuEntry sort{Say(Context(), text::MenuSort), "", {}, use && !all};
+  for (const auto& [name, type] :
+       {std::pair{text::MenuAscending, "Ascending"}, {text::MenuDescending, "Descending"}, {text::MenuUnsorted, ""}}) {
+    sort.entries.push_back({Say(context, name), "", [=, type = type] { context->SortByColumn(table, column, type); },
+                            true, use && EqualsNoCase(use->sortType, type)});
   }
-  MenuEntry group{"&Group or Aggregate", "", {}, use.has_value()};
+  MenuEntry group{Say(Context(), text::MenuGroup), "", {}, use.has_value()};
   for (std::int32_t i = 1; use && i <= context->DBFunctions()->Count(); ++i) {
     const Ref<qbDBFunction> function = context->DBFunctions()->Item(i);
     if ((function->Flags() & 1) == 0) continue;
@@ -141,7 +148,7 @@ Menu qbDiagramPane::MenuForColumn(const Ref<qbEntity>& entity, const Ref<qbEntit
                              EqualsNoCase(use->groupBy, function->DisplayText())});
   }
   return {
-      {"&Output", "Space",
+      {Say(Context(), text::MenuOutput), KeyTextOf(Command::TickColumn),
        [entity, column] {
          const Ref<qbEntityItem> now = entity->Items()->FindByText(column, true);
          if (now) now->SetChecked(!now->Checked());
@@ -149,11 +156,11 @@ Menu qbDiagramPane::MenuForColumn(const Ref<qbEntity>& entity, const Ref<qbEntit
        true, item->Checked()},
       std::move(sort),
       std::move(group),
-      {"Add &Criterion", "", [=] { context->GoToCriterion(table, column); }, use && !all},
+      {Say(Context(), text::MenuAddCriterion), "", [=] { context->GoToCriterion(table, column); }, use && !all},
       MenuEntry::Separator(),
-      {"&Join from Here", "Ctrl+J", [this] { BeginKeyJoin(); }, !all},
+      {Say(Context(), text::MenuJoinFromHere), KeyTextOf(Command::JoinFromHere), [this] { BeginKeyJoin(); }, !all},
       MenuEntry::Separator(),
-      {"&Table", "", {}, true, false, MenuForBox(entity)},
+      {Say(Context(), text::MenuTable), "", {}, true, false, MenuForBox(entity)},
   };
 }
 
@@ -170,12 +177,13 @@ MenuEntry qbDiagramPane::KindsOf(const Ref<qbRelationship>& join) {
                      },
                      true, join->Kind() == value};
   };
-  MenuEntry kinds{"&Kind", ""};
-  kinds.entries = {kind({}, "&Matching Rows Only"),
-                   kind({.allOfSource = true}, "All Rows from &" + InMenu(join->Source()->Caption())),
-                   kind({.allOfTarget = true}, "All Rows from &" + InMenu(join->Target()->Caption()))};
+  MenuEntry kinds{Say(Context(), text::MenuKind), ""};
+  kinds.entries = {
+      kind({}, Say(Context(), text::MenuMatchingOnly)),
+      kind({.allOfSource = true}, Say(context, {text::MenuAllRowsFrom, InMenu(join->Source()->Caption())})),
+      kind({.allOfTarget = true}, Say(context, {text::MenuAllRowsFrom, InMenu(join->Target()->Caption())}))};
   const bool hasFull = !context || context->HasFullJoin();
-  MenuEntry full = kind({.allOfTarget = true, .allOfSource = true}, "All Rows from &Both");
+  MenuEntry full = kind({.allOfTarget = true, .allOfSource = true}, Say(Context(), text::MenuAllRowsFromBoth));
   full.enabled = hasFull;
   if (hasFull || full.checked) kinds.entries.push_back(std::move(full));
   return kinds;
@@ -185,11 +193,11 @@ Menu qbDiagramPane::MenuForJoin(const Ref<qbRelationship>& join) {
   const Ref<QueryContext> context = Context();
   return {
       KindsOf(join),
-      {"&Properties...", "Enter", [context, join] { context->RelationshipActivated(join); },
-       context && context->CanEditJoins()},
-      {"&Reverse", "", [this, join] { ReverseJoin(join); }},
+      {Say(Context(), text::MenuProperties), KeyTextOf(Command::OpenSelected),
+       [context, join] { context->RelationshipActivated(join); }, context && context->CanEditJoins()},
+      {Say(Context(), text::MenuReverse), "", [this, join] { ReverseJoin(join); }},
       MenuEntry::Separator(),
-      {"&Delete", "Del", [this] { DeleteSelected(); }},
+      {Say(Context(), text::MenuDelete), KeyTextOf(Command::DeleteSelected), [this] { DeleteSelected(); }},
   };
 }
 
@@ -215,11 +223,11 @@ void qbDiagramPane::ReverseJoin(const Ref<qbRelationship>& join) {
 void qbDiagramPane::AskForAlias(const Ref<qbEntity>& entity) {
   const Ref<QueryContext> context = Context();
   if (!context || !entity->EntityBox()) return;
-  TextDialog dialog{"Alias", "&Name of the table in this query:", entity->Caption()};
+  TextDialog dialog{context->Say(text::AliasCaption), context->Say(text::AliasLabel), entity->Caption()};
   dialog.problem = [this, entity](const std::string& text) -> std::string {
-    if (text.find_first_not_of(' ') == std::string::npos) return "A table needs a name.";
+    if (text.find_first_not_of(' ') == std::string::npos) return Say(Context(), text::AliasNeeded);
     const Ref<qbEntity> other = entities_->Item(text);
-    return other && other != entity ? "Another table of this query has this name." : "";
+    return other && other != entity ? Say(Context(), text::AliasTaken) : "";
   };
   const std::optional<std::string> name = context->GetToolkit().GetDialogs().ShowTextPrompt(dialog);
   if (name && entity->EntityBox() && dialog.problem(*name).empty()) entity->SetCaption(*name);

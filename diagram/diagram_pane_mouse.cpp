@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/texts_diagram.h"
 #include "diagram/diagram_pane.h"
 #include "diagram/join_properties.h"
 #include "diagram/relationships.h"
@@ -554,8 +555,8 @@ std::string qbDiagramPane::ToolTipAt(PixelPoint point) const {
     const Ref<qbRelationship> join = hit.line->Relationship();
     if (!join) return {};
     return DescribeEnds(*join) + "\n" +
-           DescribeJoin(join->Source()->Caption(), join->Target()->Caption(), join->Kind()) +
-           (hit.line->JoinsDifferentTypes() ? "\nThe two columns hold different types of data." : "");
+           Say(Context(), DescribeJoin(join->Source()->Caption(), join->Target()->Caption(), join->Kind())) +
+           (hit.line->JoinsDifferentTypes() ? "\n" + Say(Context(), text::DifferentTypes) : "");
   }
   if (!hit.box) return {};
   if (hit.part.part == BoxPart::Caption) return hit.box->Caption();

@@ -1,8 +1,10 @@
 // The pane's picture: surface, lines, boxes, the line of a join that is being drawn.
 #include <array>
 
+#include "base/texts_diagram.h"
 #include "diagram/diagram_pane.h"
 #include "diagram/source_names.h"
+#include "platform/commands.h"
 
 namespace zrqrybld {
 namespace {
@@ -16,7 +18,8 @@ void qbDiagramPane::Paint(Canvas& canvas, const PixelRect& dirty) const {
   canvas.FillRect({{}, {}, view.width, view.height},
                   backColor_ == Color::System(12) ? Ink(ColorRole::Surface) : Ink(backColor_));
   if (stacking_.Empty()) {
-    canvas.DrawText({{}, {}, view.width, view.height}, "Add tables to begin: press F7",
+    canvas.DrawText({{}, {}, view.width, view.height},
+                    Say(Context(), {text::DiagramHint, KeyTextOf(Command::AddTables)}),
                     {ColorRole::SurfaceText, {}, TextAlignment::Center});
     return;
   }
@@ -32,8 +35,7 @@ void qbDiagramPane::Paint(Canvas& canvas, const PixelRect& dirty) const {
     canvas.StrokeRect({1_px, 1_px, view.width - 2_px, view.height - 2_px}, ColorRole::Focus, 2_px);
   }
   if (keyJoin_) {
-    PaintHint(canvas, "Join " + keyJoin_->box->Caption() + "." + keyJoin_->row->Text() +
-                          ": go to a column of another table and press Enter. Esc cancels.");
+    PaintHint(canvas, Say(Context(), {text::JoinHint, keyJoin_->box->Caption() + "." + keyJoin_->row->Text()}));
   }
 }
 

@@ -7,6 +7,7 @@
 #include "base/error.h"
 #include "base/file.h"
 #include "base/text.h"
+#include "base/texts_diagram.h"
 #include "diagram/arrange.h"
 #include "diagram/diagram_pane.h"
 #include "diagram/relationships.h"
@@ -192,12 +193,14 @@ void qbDiagramPane::AskToSavePicture() {
   if (!context) return;
   Dialogs& dialogs = context->GetToolkit().GetDialogs();
   const std::string path =
-      dialogs.ShowSaveFile({"Save Picture", "diagram", {{"PNG pictures", "png"}, {"SVG pictures", "svg"}}});
+      dialogs.ShowSaveFile({context->Say(text::SavePictureCaption),
+                            context->Say(text::PictureFileName),
+                            {{context->Say(text::PngPictures), "png"}, {context->Say(text::SvgPictures), "svg"}}});
   if (path.empty()) return;
   try {
     SavePicture(path);
   } catch (const Error& error) {
-    dialogs.ShowMessage(error.Description(), MessageIcon::Critical);
+    dialogs.ShowMessage(context->Say(error), MessageIcon::Critical);
   }
 }
 

@@ -4,6 +4,7 @@
 #include "base/error.h"
 #include "base/scoped_value.h"
 #include "base/text.h"
+#include "base/texts_grid.h"
 #include "diagram/entities.h"
 #include "expression/expression_builder.h"
 #include "grid/field_names.h"
@@ -13,8 +14,6 @@
 
 namespace zrqrybld {
 namespace {
-
-constexpr std::string_view kNotInList = "You have to select an item in the list.";
 
 // The sort type that a typed text means, by its first letters; none when it means none.
 std::optional<std::string> ReadSortType(std::string_view typed) {
@@ -92,7 +91,7 @@ void qbGridPane::ColumnEdited(zrGridRow& row) {
   if (entity && !FindItemExactly(*entity, typed.name) && entity->Items()->Count() > 1) {
     const bool isName = std::ranges::all_of(typed.name, [](char c) { return IsWordByte(c) || c == ' '; });
     if (isName) {
-      row.SetHint("column", typed.table + " has no column \"" + typed.name + "\".");
+      row.SetHint("column", context->Say({text::TableHasNoColumn, typed.table, typed.name}));
     } else {
       row.SetValue("table", "");  // an expression stands for itself, not for a column of the table
     }
@@ -111,8 +110,8 @@ void qbGridPane::TableEdited(zrGridRow& row) {
   const std::string typed = Text(row, kColumnTable);
   if (!entities || typed.empty() || entities->FindExactly(typed)) return;
   row.SetValue("table", "");
-  Complain(row, kColumnTable, std::string(kNotInList), MessageIcon::Exclamation);
-  row.SetHint("table", "The diagram has no table \"" + typed + "\".");
+  Complain(row, kColumnTable, Say(context_.lock(), text::NotInList), MessageIcon::Exclamation);
+  row.SetHint("table", Say(context_.lock(), {text::DiagramHasNoTable, typed}));
 }
 
 // --- Grouping ---
@@ -140,7 +139,7 @@ void qbGridPane::GroupByEdited(zrGridRow& row, const std::string& before) {
   }
   // A tag without its text would group by something that is not shown.
   row.SetValue("group_by", before);
-  row.SetHint("group_by", "\"" + typed + "\" is no grouping of this column.");
+  row.SetHint("group_by", Say(context, {text::NoGrouping, typed}));
 }
 
 // --- Sorting ---
@@ -150,7 +149,7 @@ void qbGridPane::SortTypeEdited(zrGridRow& row, const std::string& before) {
   const ScopedValue busy(busy_, true);
   row.SetValue("sort_type", type ? *type : before);
   if (!type) {
-    row.SetHint("sort_type", std::string(kNotInList));
+    row.SetHint("sort_type", Say(context_.lock(), text::NotInList));
     return;
   }
   if (type->empty() || *type == "Unsorted") {
@@ -172,7 +171,7 @@ void qbGridPane::SortOrderEdited(zrGridRow& row, const std::string& before) {
   const std::optional<double> number = ParseNumber(typed);
   if (!number || *number < 1) {
     row.SetValue("sort_order", before);
-    row.SetHint("sort_order", "\"" + typed + "\" is no place in the sort order.");
+    row.SetHint("sort_order", Say(context_.lock(), {text::NoSortPlace, typed}));
     return;
   }
   const std::string type = Text(row, kColumnSortType);
@@ -223,7 +222,7 @@ void qbGridPane::CriterionEdited(zrGridRow& row, std::int32_t column) {
     row.SetValue(column, expression);
   } catch (const Error& error) {
     row.SetValue(column, expression);  // as it was typed, or as the listener has left it
-    Complain(row, column, error.Description(), MessageIcon::Critical);
+    Complain(row, column, context->Say(error), MessageIcon::Critical);
   }
 }
 

@@ -2,15 +2,9 @@
 #include <algorithm>
 
 #include "grid/grid.h"
+#include "platform/commands.h"
 
 namespace zrqrybld {
-namespace {
-
-// Keys that `KeyCode` has no name for.
-constexpr std::int32_t kKeyMenu = 93;
-constexpr std::int32_t kKeyF10 = KeyCodeF1 + 9;
-
-}  // namespace
 
 bool zrGrid::OnKeyDown(const KeyEvent& event) {
   if (edit_)
@@ -21,8 +15,7 @@ bool zrGrid::OnKeyDown(const KeyEvent& event) {
 // Keys that act on the current cell or the selected rows.
 bool zrGrid::CommandKey(const KeyEvent& event) {
   const bool plain = event.shift == ShiftNone;
-  const bool menuKey = (plain && event.keyCode == kKeyMenu) || (event.shift == ShiftShift && event.keyCode == kKeyF10);
-  if (menuKey) {
+  if (Asks(event, Command::ContextMenu)) {
     if (currentRow_ == 0) {
       OfferMenu({}, {0_px, Layout().HeaderHeight()});
       return true;
@@ -32,39 +25,40 @@ bool zrGrid::CommandKey(const KeyEvent& event) {
     return true;
   }
   if (event.keyCode == KeyCodeTab) return MoveToNextCell(event.shift == ShiftShift ? -1 : 1);
-  if (event.shift == ShiftCtrl && event.keyCode == 'C') {
+  if (Asks(event, Command::CopyCells)) {
     GetSurface().SetClipboardText(CopyText());
     return true;
   }
-  if (event.shift == ShiftCtrl && event.keyCode == 'V') {
+  if (Asks(event, Command::PasteCells)) {
     PasteText(GetSurface().ClipboardText());
     return true;
   }
-  if (event.shift == ShiftShift && event.keyCode == KeyCodeF2) {
+  if (Asks(event, Command::ZoomCell)) {
     ZoomWanted.Raise();
+    return true;
+  }
+  if (Asks(event, Command::EditCell)) return OpenEditor();
+  if (Asks(event, Command::OpenList)) {
+    if (!OpenEditor()) return false;
+    if (edit_ && edit_->isCombo) cboList_->OnKeyDown(event);
+    return true;
+  }
+  const bool ofRows = allowRowInsert_ && selection_.first != 0;
+  if (ofRows && Asks(event, Command::DeleteRows)) {
+    DeleteSelectedRows();
+    return true;
+  }
+  if (ofRows && Asks(event, Command::InsertRows)) {
+    InsertRows();
     return true;
   }
   if (!plain) return false;
   switch (event.keyCode) {
-    case KeyCodeF2:
-      return OpenEditor();
-    case KeyCodeF4:
-      if (!OpenEditor()) return false;
-      if (edit_ && edit_->isCombo) cboList_->OnKeyDown(event);
-      return true;
     case KeyCodeEnter:
       return MoveToNextCell(1);
     case KeyCodeSpace:
       if (currentRow_ == 0 || !IsCheckBoxColumn(currentColumn_)) return false;
       ToggleCheckBox(currentRow_, currentColumn_);
-      return true;
-    case KeyCodeDelete:
-      if (!allowRowInsert_ || selection_.first == 0) return false;
-      DeleteSelectedRows();
-      return true;
-    case KeyCodeInsert:
-      if (!allowRowInsert_ || selection_.first == 0) return false;
-      InsertRows();
       return true;
     default:
       return false;
@@ -74,8 +68,8 @@ bool zrGrid::CommandKey(const KeyEvent& event) {
 // Shift with the space bar or the arrows selects rows; Alt moves them.
 bool zrGrid::SelectionKey(const KeyEvent& event) {
   const bool vertical = event.keyCode == KeyCodeUp || event.keyCode == KeyCodeDown;
-  const int direction = event.keyCode == KeyCodeUp ? -1 : 1;
-  if (event.shift == ShiftAlt && vertical) return MoveRows(direction);
+  if (Asks(event, Command::MoveRowsUp)) return MoveRows(-1);
+  if (Asks(event, Command::MoveRowsDown)) return MoveRows(1);
   if (event.keyCode == KeyCodeEscape && event.shift == ShiftNone && selection_.first != 0) {
     SelectRows(0, 0);
     return true;

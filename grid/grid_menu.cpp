@@ -1,5 +1,7 @@
 // The grid's own context menu. Every entry is a command that the keyboard or the mouse has, too, or opens a window.
+#include "base/texts_grid.h"
 #include "grid/grid_pane.h"
+#include "platform/commands.h"
 
 namespace zrqrybld {
 
@@ -15,7 +17,7 @@ void qbGridPane::ShowMenu(const GridHit& hit, PixelPoint at) {
     menu = ColumnEntries(hit.column);
   } else {
     if (!menu.empty()) menu.push_back(MenuEntry::Separator());
-    menu.push_back({"C&olumns", "", {}, true, false, ColumnEntries(0)});
+    menu.push_back({Say(context_.lock(), text::MenuColumns), "", {}, true, false, ColumnEntries(0)});
   }
   BeforeContextMenu.Raise(static_cast<std::int32_t>(hit.row), static_cast<std::int32_t>(hit.column), menu);
   if (!menu.empty()) grdPane_->GetSurface().ShowMenu(menu, at);
@@ -33,23 +35,28 @@ void qbGridPane::AddRowEntries(Menu& menu) {
       grdPane_->Selection().first != 0 ? grdPane_->Selection().first : static_cast<std::size_t>(grdPane_->Row());
   const auto last = grdPane_->Selection().first != 0 ? grdPane_->Selection().last : first;
   const auto move = [this](int direction) { return [this, direction] { grdPane_->MoveRows(direction); }; };
-  menu.push_back({several ? "&Insert Rows" : "&Insert Row", "Ins",
+  menu.push_back({Say(context_.lock(), several ? text::MenuInsertRows : text::MenuInsertRow),
+                  KeyTextOf(Command::InsertRows),
                   [this, selectOne] {
                     selectOne();
                     grdPane_->InsertRows();
                   },
                   may});
-  menu.push_back({several ? "&Delete Rows" : "&Delete Row", "Del",
+  menu.push_back({Say(context_.lock(), several ? text::MenuDeleteRows : text::MenuDeleteRow),
+                  KeyTextOf(Command::DeleteRows),
                   [this, selectOne] {
                     selectOne();
                     grdPane_->DeleteSelectedRows();
                   },
                   may});
-  menu.push_back({"Move &Up", "Alt+Up", move(-1), may && first > 1});
-  menu.push_back({"Move Do&wn", "Alt+Down", move(1), may && last < static_cast<std::size_t>(RowCount())});
+  menu.push_back({Say(context_.lock(), text::MenuMoveUp), KeyTextOf(Command::MoveRowsUp), move(-1), may && first > 1});
+  menu.push_back({Say(context_.lock(), text::MenuMoveDown), KeyTextOf(Command::MoveRowsDown), move(1),
+                  may && last < static_cast<std::size_t>(RowCount())});
   menu.push_back(MenuEntry::Separator());
-  menu.push_back({"&Copy", "Ctrl+C", [this] { grdPane_->GetSurface().SetClipboardText(grdPane_->CopyText()); }, true});
-  menu.push_back({"&Paste", "Ctrl+V", [this] { grdPane_->PasteText(grdPane_->GetSurface().ClipboardText()); },
+  menu.push_back({Say(context_.lock(), text::MenuCopy), KeyTextOf(Command::CopyCells),
+                  [this] { grdPane_->GetSurface().SetClipboardText(grdPane_->CopyText()); }, true});
+  menu.push_back({Say(context_.lock(), text::MenuPaste), KeyTextOf(Command::PasteCells),
+                  [this] { grdPane_->PasteText(grdPane_->GetSurface().ClipboardText()); },
                   !grdPane_->GetSurface().ClipboardText().empty()});
 }
 
@@ -58,11 +65,13 @@ void qbGridPane::AddCellEntries(Menu& menu) {
   const std::int32_t column = grdPane_->Column();
   if (row == 0 || column == 0 || column == kColumnOutput || RowAt(row).Locked()) return;
   const bool holdsText = !RowAt(row).ValueAt(static_cast<std::size_t>(column)).IsBlank();
-  menu.push_back({"C&lear", "", [this] { ClearCell(); }, holdsText});
+  menu.push_back({Say(context_.lock(), text::MenuClear), "", [this] { ClearCell(); }, holdsText});
   if (column != kColumnColumn && column < kColumnCriteria) return;
   menu.push_back(MenuEntry::Separator());
-  menu.push_back({"&Expression Builder...", "", [this] { ShowExpressionBuilder(); }, !context_.expired()});
-  menu.push_back({"&Zoom...", "Shift+F2", [this] { ShowExpressionZoom(); }, !context_.expired()});
+  menu.push_back(
+      {Say(context_.lock(), text::MenuBuilder), "", [this] { ShowExpressionBuilder(); }, !context_.expired()});
+  menu.push_back({Say(context_.lock(), text::MenuZoom), KeyTextOf(Command::ZoomCell), [this] { ShowExpressionZoom(); },
+                  !context_.expired()});
 }
 
 void qbGridPane::ClearCell() {
@@ -78,10 +87,12 @@ Menu qbGridPane::ColumnEntries(std::size_t column) {
   constexpr float kNarrowest = 300;
   if (column != 0) {
     const auto index = static_cast<std::int32_t>(column);
-    menu.push_back({"&Hide Column", "", [this, index] { SetColumnShown(index, false); }, shown > 1});
-    menu.push_back({"&Fit Width", "", [this, index] { grdPane_->FitColumn(index, kNarrowest); }});
+    menu.push_back(
+        {Say(context_.lock(), text::MenuHideColumn), "", [this, index] { SetColumnShown(index, false); }, shown > 1});
+    menu.push_back(
+        {Say(context_.lock(), text::MenuFitWidth), "", [this, index] { grdPane_->FitColumn(index, kNarrowest); }});
   }
-  menu.push_back({"Fit &All Widths", "", [this] {
+  menu.push_back({Say(context_.lock(), text::MenuFitAllWidths), "", [this] {
                     for (std::int32_t i = 1; i <= ColumnCount(); ++i) {
                       if (grdPane_->Columns()->Item(i)->Width() > 0) grdPane_->FitColumn(i, kNarrowest);
                     }

@@ -7,6 +7,7 @@
 #include "base/error.h"
 #include "base/scoped_value.h"
 #include "base/text.h"
+#include "base/texts_grid.h"
 #include "diagram/entities.h"
 #include "grid/sort_order.h"
 #include "platform/stored_values.h"
@@ -36,7 +37,7 @@ void qbGridPane::CreateColumns() {
   grdPane_ = zrGrid::Create();
   for (const GridColumnRow& row : kGridColumns) {
     const Ref<zrGridColumn> column =
-        grdPane_->Columns()->Add(std::string(row.key), std::string(DefaultLanguageString(row.caption)));
+        grdPane_->Columns()->Add(std::string(row.key), Phrase(TextId{row.caption}).English());
     column->SetWidth(row.width);
     column->SetStyle(row.style);
   }
@@ -44,7 +45,7 @@ void qbGridPane::CreateColumns() {
     grdPane_->Columns()->Item("sort_type")->ComboItems()->Add(text);
   }
   grdPane_->Columns()->Item("output")->SetDisplayAttribute(kCheckedHeader);
-  grdPane_->SetEmptyText("Tick columns in the diagram, drag them here, or type their names.");
+  grdPane_->SetEmptyText(Phrase(text::GridEmpty).English());
   ApplyShowGroupBy();
   ConnectGrid();
 }
@@ -118,7 +119,8 @@ std::int16_t qbGridPane::AliasMaxLen() const {
 
 void qbGridPane::AboutBox() {
   if (const Ref<QueryContext> context = context_.lock()) {
-    context->GetToolkit().GetDialogs().ShowMessage("zrQryBld\r\nThe columns of a query.", MessageIcon::Information);
+    context->GetToolkit().GetDialogs().ShowMessage("zrQryBld\r\n" + context->Say(text::AboutGrid),
+                                                   MessageIcon::Information);
   }
 }
 
@@ -172,11 +174,10 @@ void qbGridPane::ReportChange() {
 
 void qbGridPane::ApplyGridCaptions() {
   const Ref<QueryContext> context = context_.lock();
+  grdPane_->SetTexts(context ? context->Texts() : nullptr);
+  grdPane_->SetEmptyText(Say(context, text::GridEmpty));
   for (const GridColumnRow& row : kGridColumns) {
-    grdPane_->Columns()
-        ->Item(std::string(row.key))
-        ->SetCaption(context ? context->GetLanguageString(row.caption)
-                             : std::string(DefaultLanguageString(row.caption)));
+    grdPane_->Columns()->Item(std::string(row.key))->SetCaption(Say(context, TextId{row.caption}));
   }
 }
 
@@ -199,7 +200,7 @@ Variant qbGridPane::Value(const Variant& row, const Variant& column) const {
   const std::int32_t rowIndex = row.IsMissing() ? grdPane_->Row() : row.ToInt32();
   const Variant columnIndex = column.IsMissing() ? Variant(grdPane_->Column()) : column;
   const bool columnGiven = columnIndex.IsString() || columnIndex.ToInt32() > 0;
-  if (rowIndex <= 0 || !columnGiven) throw Error(ErrorInvalidCellReference, "Invalid Cell Reference.");
+  if (rowIndex <= 0 || !columnGiven) throw Error(ErrorInvalidCellReference, text::InvalidCell);
   return grdPane_->Rows()->Item(rowIndex)->Value(columnIndex);
 }
 

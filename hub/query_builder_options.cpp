@@ -3,6 +3,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_hub.h"
 #include "hub/query_builder.h"
 #include "platform/stored_values.h"
 
@@ -38,7 +39,7 @@ void qbQueryBuilder::SetDistinctRecords(bool distinct) {
 
 void qbQueryBuilder::SetSelectTopRecords(const std::string& value) {
   const std::optional<std::string> limit = RowLimit(value);
-  if (!limit) throw Error(ErrorInvalidPropertyValue, "Invalid Property Value.");
+  if (!limit) throw Error(ErrorInvalidPropertyValue, text::InvalidPropertyValue);
   const StepScope step(RefTo(*this), kStepRowLimit);
   const bool changed = *limit != selectTopRecords_;
   Store(selectTopRecords_, *limit, "SelectTopRecords");
@@ -46,7 +47,7 @@ void qbQueryBuilder::SetSelectTopRecords(const std::string& value) {
 }
 
 void qbQueryBuilder::SetAliasMaxLen(std::int16_t characters) {
-  if (characters < 0) throw Error(ErrorInvalidPropertyValue, "Invalid Property Value.");
+  if (characters < 0) throw Error(ErrorInvalidPropertyValue, text::InvalidPropertyValue);
   const bool changed = characters != aliasMaxLen_;
   Store(aliasMaxLen_, characters, "AliasMaxLen");
   if (gridPane_) gridPane_->ApplyAliasMaxLen();
@@ -61,7 +62,7 @@ void qbQueryBuilder::InitProperties() {
 }
 
 void qbQueryBuilder::ReadProperties(const PropertyStore& store) {
-  const StepScope step(RefTo(*this), "Read properties");
+  const StepScope step(RefTo(*this), text::StepReadProperties);
   allowJoinProperties_ = ReadBoolean(store, "AllowJoinProperties", false);
   connectOnLoad_ = ReadBoolean(store, "ConnectOnLoad", true);
   distinctRecords_ = ReadBoolean(store, "DistinctRecords", false);

@@ -10,6 +10,8 @@
 #include <utility>
 
 #include "base/text.h"
+#include "base/texts_hub.h"
+#include "base/texts_values.h"
 #include "diagram/join_properties.h"
 #include "diagram/relationships.h"
 #include "diagram/source_names.h"
@@ -70,7 +72,7 @@ class Loader final : public QuerySource {
     const CriteriaContext criteria = hub_.CriteriaRules();
     if (criteria.reading) {
       const std::optional<std::size_t> otherwise = FirstReadOtherwise(sql_, *criteria.reading);
-      if (otherwise) throw SyntaxError(sql_, *otherwise, std::string(kReadsOtherwise));
+      if (otherwise) throw SyntaxError(sql_, *otherwise, text::ReadsOtherwise);
     }
     const SelectStatement statement =
         ParseSelect(sql_, {.openParenthesesInFrom = dialect.fromParentheses == Dialect::FromParentheses::Nested});
@@ -419,7 +421,7 @@ class Loader final : public QuerySource {
     for (PlannedTable& table : tables_) {
       if (table.entity) continue;
       table.entity = TablePicker(RefTo(hub_)).AddTable(table.name);
-      if (!table.entity) throw Error(ErrorAddingTable, "The table " + table.name + " was not added to the diagram.");
+      if (!table.entity) throw Error(ErrorAddingTable, Phrase(text::TableNotAdded, table.name));
       table.entity->SetCaption(table.caption);
     }
     std::vector<Ref<qbEntity>> order;

@@ -49,7 +49,7 @@ class CriterionValues {
 
   std::string WriteText(std::size_t from, std::size_t to, bool pattern) const;
   bool WriteDate(std::size_t from, std::size_t to, std::string& text) const;
-  [[noreturn]] void Refuse(std::size_t at, std::string_view what) const;
+  [[noreturn]] void Refuse(std::size_t at, const Phrase& what) const;
 
   const CriterionTokens& tokens_;
   const CriteriaContext& context_;

@@ -10,6 +10,7 @@
 #include "adapters/run/code_reader.h"
 #include "adapters/run/source_effects.h"
 #include "base/text.h"
+#include "base/texts_run.h"
 #include "sql/lexer.h"
 
 namespace zrqrybld {
@@ -27,21 +28,21 @@ void RequireOneSelectAs(std::string_view sql, const KnownReading& reading) {
   Piece piece;
   bool any = reader.Next(piece);
   while (any && piece.text == "(") any = reader.Next(piece);
-  if (!any) RefuseStatement("There is no statement to run.", 0);
-  if (!EqualsNoCase(piece.text, "SELECT")) RefuseStatement("Only a SELECT statement is run.", piece.offset);
+  if (!any) RefuseStatement(text::NothingToRun, 0);
+  if (!EqualsNoCase(piece.text, "SELECT")) RefuseStatement(text::OnlySelectStatement, piece.offset);
   bool atStart = true;  // of the select list
   bool ended = false;
   Piece before = piece;
   Piece beforeThat;
   while (reader.Next(piece)) {
-    if (ended) RefuseStatement("Only one statement is run.", piece.offset);
+    if (ended) RefuseStatement(text::OnlyOneStatement, piece.offset);
     ended = piece.text == ";";
     if (EqualsNoCase(piece.text, "INTO") && !IsMember(beforeThat, before, piece)) {
-      RefuseStatement("A SELECT with INTO writes, so it is not run.", piece.offset);
+      RefuseStatement(text::SelectInto, piece.offset);
     }
     effects.Add(piece);
     if (atStart && EqualsNoCase(piece.text, "FROM")) {
-      RefuseStatement("The query has no column yet. Tick one in the diagram.", piece.offset);
+      RefuseStatement(text::NoColumnYet, piece.offset);
     }
     atStart = atStart && (EqualsNoCase(piece.text, "DISTINCT") || EqualsNoCase(piece.text, "ALL"));
     beforeThat = before;
@@ -52,13 +53,12 @@ void RequireOneSelectAs(std::string_view sql, const KnownReading& reading) {
 // What a server may take for another text than the one that is looked at.
 void RequireTransparent(std::string_view sql, const SourceMode& mode) {
   if (const std::size_t zero = sql.find('\0'); zero != std::string_view::npos) {
-    RefuseStatement("The statement holds a zero character.", zero);
+    RefuseStatement(text::ZeroInStatement, zero);
   }
   if (mode.unicode) return;
   const auto beyond = std::ranges::find_if(sql, [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
   if (beyond == sql.end()) return;
-  RefuseStatement("The connection's character set is not UTF-8: what this character becomes there cannot be told.",
-                  static_cast<std::size_t>(beyond - sql.begin()));
+  RefuseStatement(text::CharacterSetUnclear, static_cast<std::size_t>(beyond - sql.begin()));
 }
 
 // --- Semicolons in another way ---
@@ -104,24 +104,25 @@ std::vector<Token> CodeTokens(std::string_view sql) {
 struct Construct {
   std::string_view words;               // separated by blanks; "0" stands for any number, "#" for a date
   std::span<const SourceFamily> known;  // who understands it
-  std::string_view what;                // how a message names it
-  std::string_view advice;
+  TextId what;                          // how a message names it
+  std::string_view signs;               // in what it says
+  TextId advice;
 };
 
 constexpr SourceFamily kTopFamilies[] = {SourceFamily::SqlServer, SourceFamily::Access};
 constexpr SourceFamily kOracle[] = {SourceFamily::Oracle};
 constexpr SourceFamily kAccess[] = {SourceFamily::Access};
-constexpr std::string_view kWithoutLimit = "Take the limit out: the preview reads a few hundred rows at a time anyway.";
-constexpr std::string_view kJoinClauses = "Choose a dialect that writes LEFT JOIN, such as MSSQL.";
+constexpr TextId kWithoutLimit = text::TakeLimitOut;
+constexpr TextId kJoinClauses = text::ChooseJoinDialect;
 
 constexpr Construct kConstructs[] = {
-    {"TOP 0", kTopFamilies, "TOP", kWithoutLimit},
-    {"*=", {}, "outer joins written as *=", kJoinClauses},
-    {"=*", {}, "outer joins written as =*", kJoinClauses},
-    {"( + )", kOracle, "outer joins written as (+)", kJoinClauses},
-    {"ROWNUM", kOracle, "ROWNUM", kWithoutLimit},
-    {"UP TO 0 ROWS", {}, "UP TO ... ROWS", kWithoutLimit},
-    {"#", kAccess, "dates between number signs", "Choose the dialect MSSQL or Generic."},
+    {"TOP 0", kTopFamilies, text::Signs, "TOP", kWithoutLimit},
+    {"*=", {}, text::OuterJoinWritten, "*=", kJoinClauses},
+    {"=*", {}, text::OuterJoinWritten, "=*", kJoinClauses},
+    {"( + )", kOracle, text::OuterJoinWritten, "(+)", kJoinClauses},
+    {"ROWNUM", kOracle, text::Signs, "ROWNUM", kWithoutLimit},
+    {"UP TO 0 ROWS", {}, text::Signs, "UP TO ... ROWS", kWithoutLimit},
+    {"#", kAccess, text::DatesInNumberSigns, {}, text::ChooseDateDialect},
 };
 
 bool Matches(std::string_view sql, const Token& token, std::string_view word) {
@@ -162,23 +163,21 @@ std::string WithoutSemicolons(std::string_view sql, const SourceMode& mode) {
     const std::string other = piece.text == ";" || readings.size() != 1
                                   ? ""
                                   : WithoutSemicolon(piece.text, readings.front().text.backslashEscapes);
-    if (other.empty()) RefuseStatement("A semicolon cannot be sent from this place.", piece.offset);
+    if (other.empty()) RefuseStatement(text::SemicolonCannotBeSent, piece.offset);
     text.append(sql.substr(end, piece.offset - end)).append(other);
     end = piece.offset + piece.text.size();
   }
   text.append(sql.substr(end));
   const std::size_t left = text.find(';');
-  if (left != std::string::npos) RefuseStatement("Only one statement is run.", sql.find(';'));
+  if (left != std::string::npos) RefuseStatement(text::OnlyOneStatement, sql.find(';'));
   return text;
 }
 
 void RequireSpoken(std::string_view sql, const Dialect& dialect, std::string_view sourceName) {
   const SourceFamily family = FamilyOf(sourceName);
   if (family == SourceFamily::Other) return;
-  const std::string source(sourceName);
   if (!dialect.canBeParsed) {
-    RefuseStatement(source + " does not speak " + std::string(dialect.name) + ". Choose another dialect to see rows.",
-                    0);
+    RefuseStatement({text::OtherDialect, sourceName, dialect.name}, 0);
   }
   const std::vector<Token> tokens = CodeTokens(sql);
   for (const Construct& construct : kConstructs) {
@@ -188,7 +187,7 @@ void RequireSpoken(std::string_view sql, const Dialect& dialect, std::string_vie
         std::search(tokens.begin(), tokens.end(), words.begin(), words.end(),
                     [sql](const Token& token, std::string_view word) { return Matches(sql, token, word); });
     if (found == tokens.end()) continue;
-    RefuseStatement(source + " does not know " + std::string(construct.what) + ". " + std::string(construct.advice),
+    RefuseStatement({text::DoesNotKnow, sourceName, Phrase(construct.what, construct.signs), construct.advice},
                     found->offset);
   }
 }
