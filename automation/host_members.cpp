@@ -31,7 +31,7 @@ bool LoadQueryFrom(Hub& hub, const std::string& filename, const Variant& fileIsD
   return result;
 }
 
-std::string LastErrorText(const Hub& hub) { return hub.LastError() ? hub.LastError()->Description() : std::string(); }
+std::string LastErrorText(const Hub& hub) { return hub.LastError() ? hub.Say(*hub.LastError()) : std::string(); }
 
 void BeginNamedStep(Hub& hub, const std::string& name) { hub.BeginStep(name); }
 

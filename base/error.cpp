@@ -1,31 +1,26 @@
 #include "base/error.h"
 
+#include "base/texts_base.h"
+
 namespace zrqrybld {
 
-std::string WrapDescription(std::string_view sentence, std::int32_t number, std::string_view description) {
-  std::string text(sentence);
-  text += "\r\n[";
-  text += std::to_string(number);
-  text += "] ";
-  text += description;
-  return text;
+Phrase PhraseOf(const std::exception& failure) {
+  if (const auto* error = dynamic_cast<const Error*>(&failure)) return error->What();
+  return failure.what();
 }
 
-Error WrapError(std::int32_t number, std::string_view sentence, const std::exception& cause) {
+Error WrapError(std::int32_t number, const Phrase& sentence, const std::exception& cause) {
   const auto* error = dynamic_cast<const Error*>(&cause);
-  const std::string words = error ? error->Description() : std::string(cause.what());
-  Error wrapped(number, WrapDescription(sentence, error ? error->Number() : 0, words),
+  Error wrapped(number, Phrase(text::WithCause, sentence, "\r\n", error ? error->Number() : 0, PhraseOf(cause)),
                 error ? error->Offset() : std::nullopt);
-  wrapped.cause_ = words;
+  wrapped.cause_ = PhraseOf(cause);
   return wrapped;
 }
 
-void ThrowDuplicateKey(std::string_view key) {
-  throw Error(ErrorDuplicateKey, "The key \"" + std::string(key) + "\" is already in use.");
-}
+void ThrowDuplicateKey(std::string_view key) { throw Error(ErrorDuplicateKey, Phrase(text::KeyInUse, key)); }
 
-void ThrowNoSuchItem() { throw Error(ErrorNoSuchItem, "There is no item at this position or key."); }
+void ThrowNoSuchItem() { throw Error(ErrorNoSuchItem, text::NoSuchItem); }
 
-void ThrowObjectRemoved() { throw Error(ErrorObjectRemoved, "The object has been removed from its collection."); }
+void ThrowObjectRemoved() { throw Error(ErrorObjectRemoved, text::ObjectRemoved); }
 
 }  // namespace zrqrybld

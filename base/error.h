@@ -1,7 +1,8 @@
 // Numbered errors: the only exceptions that leave the library.
 //
-// An error is a number, a description for a person and, where text was read, the place
-// in that text. A failure that has a cause keeps the cause's number and words.
+// An error is a number, a phrase for a person and, where text was read, the place in that text. A failure that has a
+// cause keeps the cause's number and words. The description is the phrase in English, for programs and logs; whoever
+// shows the error to a person renders it in that person's language.
 #pragma once
 
 #include <cstddef>
@@ -10,6 +11,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include "base/phrase.h"
 
 namespace zrqrybld {
 
@@ -39,40 +42,44 @@ enum CommonErrorEnum : std::int32_t {
 
 class Error;
 
-/// An error with `number` whose description wraps `cause`. A standard exception counts as number 0.
-Error WrapError(std::int32_t number, std::string_view sentence, const std::exception& cause);
+/// An error with `number` that wraps `cause`: `sentence`, CR LF, "[", its number, "] ", its own phrase. A standard
+/// exception counts as number 0.
+Error WrapError(std::int32_t number, const Phrase& sentence, const std::exception& cause);
 
 /// A numbered error with a description.
 class Error : public std::exception {
  public:
-  Error(std::int32_t number, std::string description, std::optional<std::size_t> offset = std::nullopt)
-      : number_(number), description_(std::move(description)), offset_(offset) {}
+  Error(std::int32_t number, Phrase phrase, std::optional<std::size_t> offset = std::nullopt)
+      : number_(number), phrase_(std::move(phrase)), description_(phrase_.English()), offset_(offset) {}
 
   /// The error's number: a `QueryBuilderErrorEnum`, a `CommonErrorEnum` or a provider's own.
   std::int32_t Number() const { return number_; }
 
-  /// A sentence for a person, in UTF-8.
+  /// What to say to a person, in any language.
+  const Phrase& What() const { return phrase_; }
+  /// The same in English, in UTF-8.
   const std::string& Description() const { return description_; }
 
   /// Where in the text that was read the failure lies, in bytes from 0; none when no text was read.
   std::optional<std::size_t> Offset() const { return offset_; }
 
-  /// What the failure that this error wraps says; the description itself when it wraps none.
-  const std::string& Cause() const { return cause_.empty() ? description_ : cause_; }
+  /// What the failure that this error wraps says; the phrase itself when it wraps none.
+  const Phrase& Cause() const { return cause_ ? *cause_ : phrase_; }
 
   const char* what() const noexcept override { return description_.c_str(); }
 
  private:
-  friend Error WrapError(std::int32_t number, std::string_view sentence, const std::exception& cause);
+  friend Error WrapError(std::int32_t number, const Phrase& sentence, const std::exception& cause);
 
   std::int32_t number_;
+  Phrase phrase_;
   std::string description_;
-  std::string cause_;
+  std::optional<Phrase> cause_;
   std::optional<std::size_t> offset_;
 };
 
-/// The description of a failure with a cause: `sentence`, CR LF, "[", `number`, "] ", `description`.
-std::string WrapDescription(std::string_view sentence, std::int32_t number, std::string_view description);
+/// What to say of any failure: an error's phrase, the words of another exception.
+Phrase PhraseOf(const std::exception& failure);
 
 [[noreturn]] void ThrowDuplicateKey(std::string_view key);
 [[noreturn]] void ThrowNoSuchItem();

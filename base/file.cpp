@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "base/error.h"
+#include "base/texts_base.h"
 
 namespace zrqrybld {
 namespace {
@@ -17,12 +18,12 @@ namespace fs = std::filesystem;
 
 fs::path PathOf(const std::string& utf8) { return {std::u8string(utf8.begin(), utf8.end())}; }
 
-[[noreturn]] void ThrowFailure(std::string_view what, const std::string& path, const std::string& reason) {
-  throw Error(ErrorFileAccess, std::string(what) + " " + path + ": " + reason);
+[[noreturn]] void ThrowFailure(TextId what, const std::string& path, const Phrase& reason) {
+  throw Error(ErrorFileAccess, Phrase(what, path, reason));
 }
 
 // The system's words for what failed last. Streams set it on the systems we know; where they do not, there is none.
-std::string LastReason() { return errno == 0 ? "unknown reason" : std::generic_category().message(errno); }
+Phrase LastReason() { return errno == 0 ? Phrase(text::UnknownReason) : std::generic_category().message(errno); }
 
 // Returns whether everything went through, to the last byte.
 bool Write(const fs::path& path, std::string_view text) {
@@ -127,17 +128,17 @@ bool MustBeWrittenOver(const fs::path& target, const NewFile& fresh, const FileS
 }  // namespace
 
 std::string ReadWholeFile(const std::string& path, std::size_t limit) {
-  constexpr std::string_view kWhat = "Cannot read";
+  constexpr TextId kWhat = text::CannotRead;
   errno = 0;
   std::error_code error;
-  if (fs::is_directory(PathOf(path), error)) ThrowFailure(kWhat, path, "it is a folder");
+  if (fs::is_directory(PathOf(path), error)) ThrowFailure(kWhat, path, text::IsFolder);
   std::ifstream file(PathOf(path), std::ios::binary);
   if (!file) ThrowFailure(kWhat, path, LastReason());
   std::string text;
   std::string chunk(std::size_t{64} * 1024, '\0');
   while (file.read(chunk.data(), static_cast<std::streamsize>(chunk.size())) || file.gcount() > 0) {
     text.append(chunk, 0, static_cast<std::size_t>(file.gcount()));
-    if (text.size() > limit) ThrowFailure(kWhat, path, "it is larger than " + std::to_string(limit >> 20) + " MB");
+    if (text.size() > limit) ThrowFailure(kWhat, path, {text::LargerThan, limit >> 20});
   }
   if (file.bad()) ThrowFailure(kWhat, path, LastReason());
   return text;
@@ -163,7 +164,7 @@ std::shared_ptr<void> FileSystem::Claim(const fs::path& file) const {
 }
 
 void WriteWholeFile(const std::string& path, std::string_view text, const FileSystem& system, bool isPrivate) {
-  constexpr std::string_view kWhat = "Cannot write";
+  constexpr TextId kWhat = text::CannotWrite;
   std::error_code error;
   fs::path target = PathOf(path);
   if (fs::is_symlink(target, error)) {
@@ -172,7 +173,7 @@ void WriteWholeFile(const std::string& path, std::string_view text, const FileSy
   }
   const fs::file_status status = fs::status(target, error);
   if (fs::exists(status) && !fs::is_regular_file(status)) {
-    if (fs::is_directory(status)) ThrowFailure(kWhat, path, "it is a folder");
+    if (fs::is_directory(status)) ThrowFailure(kWhat, path, text::IsFolder);
     if (!Write(target, text)) ThrowFailure(kWhat, path, LastReason());
     return;
   }
@@ -182,10 +183,10 @@ void WriteWholeFile(const std::string& path, std::string_view text, const FileSy
   if (fs::exists(status)) {
     if (MustBeWrittenOver(target, fresh, system)) {
       if (Write(target, text) && system.Flush(target)) return;
-      const std::string reason = LastReason();
+      const Phrase reason = LastReason();
       fresh.Keep();
       const std::u8string kept = fresh.Path().u8string();
-      ThrowFailure(kWhat, path, reason + "; what was to be written is in " + std::string(kept.begin(), kept.end()));
+      ThrowFailure(kWhat, path, {text::WrittenElsewhere, reason, std::string(kept.begin(), kept.end())});
     }
     fs::permissions(fresh.Path(), status.permissions(), error);
   }

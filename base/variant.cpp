@@ -8,6 +8,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_base.h"
 
 namespace zrqrybld {
 namespace {
@@ -40,9 +41,7 @@ std::string DateText(DateValue date) {
   return {buffer, static_cast<std::size_t>(length)};
 }
 
-[[noreturn]] void ThrowTypeMismatch() {
-  throw Error(ErrorTypeMismatch, "The value is not of the kind that is needed here.");
-}
+[[noreturn]] void ThrowTypeMismatch() { throw Error(ErrorTypeMismatch, text::WrongKindOfValue); }
 
 }  // namespace
 

@@ -6,16 +6,17 @@
 #include <algorithm>
 
 #include "adapters/qt/theme.h"
+#include "base/texts_designer.h"
 #include "designer/outlined_style.h"
 
 namespace zrqrybld {
 namespace {
 
 constexpr AppearanceName kAppearances[] = {
-    {Appearance::System, "system", QT_TRANSLATE_NOOP("zrqrybld::MainWindow", "&System")},
-    {Appearance::Light, "light", QT_TRANSLATE_NOOP("zrqrybld::MainWindow", "&Light")},
-    {Appearance::Dark, "dark", QT_TRANSLATE_NOOP("zrqrybld::MainWindow", "&Dark")},
-    {Appearance::HighContrast, "high-contrast", QT_TRANSLATE_NOOP("zrqrybld::MainWindow", "&High contrast")},
+    {Appearance::System, "system", text::ThemeSystem},
+    {Appearance::Light, "light", text::ThemeLight},
+    {Appearance::Dark, "dark", text::ThemeDark},
+    {Appearance::HighContrast, "high-contrast", text::ThemeHighContrast},
 };
 
 struct Colors {

@@ -5,6 +5,8 @@
 #include <QString>
 #include <span>
 
+#include "base/phrase.h"
+
 namespace zrqrybld {
 
 enum class Appearance { System, Light, Dark, HighContrast };
@@ -12,8 +14,8 @@ enum class Appearance { System, Light, Dark, HighContrast };
 /// An entry of the menu of themes.
 struct AppearanceName {
   Appearance appearance;
-  const char* key;   ///< as it is stored and given on the command line
-  const char* text;  ///< as the menu shows it
+  const char* key;  ///< as it is stored and given on the command line
+  TextId text;      ///< as the menu shows it
 };
 std::span<const AppearanceName> AllAppearances();
 

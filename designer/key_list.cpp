@@ -7,70 +7,86 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include "adapters/qt/say.h"
+#include "base/text.h"
+#include "base/texts_designer.h"
+#include "platform/commands.h"
+
 namespace zrqrybld {
 namespace {
 
-struct Key {
-  const char* pane;  // "" for the same as above
-  const char* keys;
-  const char* effect;
+// Of a pane: its keys, from the table of commands as far as they are there, and what they do. `keys` is what is written
+// of them; one after the other without it.
+struct KeyRow {
+  TextId pane;  ///< where the keys of a pane begin
+  std::vector<Command> commands;
+  Phrase keys;
+  TextId effect;
 };
 
-constexpr Key kKeys[] = {
-    {QT_TRANSLATE_NOOP("KeyList", "Everywhere"), "F5", QT_TRANSLATE_NOOP("KeyList", "run the query and show its rows")},
-    {"", "Shift+F5", QT_TRANSLATE_NOOP("KeyList", "stop the statement that runs")},
-    {"", "Ctrl+R", QT_TRANSLATE_NOOP("KeyList", "go to the rows")},
-    {"", "F6 · Shift+F6", QT_TRANSLATE_NOOP("KeyList", "next pane · the one before")},
-    {"", "F7", QT_TRANSLATE_NOOP("KeyList", "add tables")},
-    {"", "Ctrl+N · Ctrl+O · Ctrl+S · Ctrl+Shift+S", QT_TRANSLATE_NOOP("KeyList", "new query · open · save · save as")},
-    {"", "Ctrl+D · Ctrl+Shift+O", QT_TRANSLATE_NOOP("KeyList", "open a database · connect to a source")},
-    {"", "Ctrl+Z · Ctrl+Y, Ctrl+Shift+Z", QT_TRANSLATE_NOOP("KeyList", "undo · redo")},
-    {"", "Ctrl + · Ctrl − · Ctrl+0", QT_TRANSLATE_NOOP("KeyList", "zoom in · out · actual size")},
-    {"", "Shift+F10, Menu", QT_TRANSLATE_NOOP("KeyList", "the menu of what is selected")},
-    {"", "F1", QT_TRANSLATE_NOOP("KeyList", "this list")},
-    {QT_TRANSLATE_NOOP("KeyList", "Diagram"), "Tab · Shift+Tab",
-     QT_TRANSLATE_NOOP("KeyList", "next box, then the joins · back")},
-    {"", "Arrows, Home, End, letters", QT_TRANSLATE_NOOP("KeyList", "go to a column")},
-    {"", "Space", QT_TRANSLATE_NOOP("KeyList", "tick the column")},
-    {"", "Enter", QT_TRANSLATE_NOOP("KeyList", "into the box; the properties of the join")},
-    {"", "Ctrl+J", QT_TRANSLATE_NOOP("KeyList", "begin a join at the column; Enter draws it, Esc gives it up")},
-    {"", "Insert", QT_TRANSLATE_NOOP("KeyList", "add tables")},
-    {"", "F2", QT_TRANSLATE_NOOP("KeyList", "another name for the table")},
-    {"", "Delete", QT_TRANSLATE_NOOP("KeyList", "remove what is selected")},
-    {"", "Alt+arrows · Ctrl+Shift+arrows", QT_TRANSLATE_NOOP("KeyList", "move the box · resize it")},
-    {"", "Shift+Space", QT_TRANSLATE_NOOP("KeyList", "minimise or restore the box")},
-    {"", "Shift+Alt+arrows", QT_TRANSLATE_NOOP("KeyList", "scroll")},
-    {"", "Ctrl+F", QT_TRANSLATE_NOOP("KeyList", "find a table or column")},
-    {"", "Ctrl+A · Ctrl+C", QT_TRANSLATE_NOOP("KeyList", "select all boxes · copy a picture")},
-    {"", "Esc", QT_TRANSLATE_NOOP("KeyList", "take back a drag or a join, drop the selection")},
-    {QT_TRANSLATE_NOOP("KeyList", "Grid"), "F2, letters", QT_TRANSLATE_NOOP("KeyList", "edit the cell")},
-    {"", "F4, Alt+Down while editing", QT_TRANSLATE_NOOP("KeyList", "open the list")},
-    {"", "Enter · Tab · Esc", QT_TRANSLATE_NOOP("KeyList", "commit and move on · next cell · restore the cell")},
-    {"", "Alt+Up · Alt+Down", QT_TRANSLATE_NOOP("KeyList", "move the query column")},
-    {"", "Shift+Space, then Insert · Delete",
-     QT_TRANSLATE_NOOP("KeyList", "select the row, insert one before it · remove it")},
-    {"", "Ctrl+C · Ctrl+V", QT_TRANSLATE_NOOP("KeyList", "copy · paste cells and rows")},
-    {QT_TRANSLATE_NOOP("KeyList", "SQL"), "Ctrl+Enter", QT_TRANSLATE_NOOP("KeyList", "apply the typed text")},
-    {"", "Ctrl+Space", QT_TRANSLATE_NOOP("KeyList", "what can be written here")},
-    {"", "Ctrl+F · F3 · Shift+F3", QT_TRANSLATE_NOOP("KeyList", "find · next · previous")},
-    {QT_TRANSLATE_NOOP("KeyList", "Result preview"), "Ctrl+C · Ctrl+Shift+C",
-     QT_TRANSLATE_NOOP("KeyList", "copy the selected values · with the columns' names")},
-    {"", "Ctrl+A", QT_TRANSLATE_NOOP("KeyList", "select all rows read so far")},
-    {"", "Esc", QT_TRANSLATE_NOOP("KeyList", "stop the statement that runs")},
-};
+std::vector<KeyRow> KeyRows() {
+  using enum Command;
+  constexpr TextId kSame = text::NoText;
+  return {
+      {text::KeysEverywhere, {RunPreview}, {}, text::DoesRun},
+      {kSame, {StopPreview}, {}, text::DoesStop},
+      {kSame, {GoToRows}, {}, text::DoesGoToRows},
+      {kSame, {NextPane, PreviousPane}, {}, text::DoesPanes},
+      {kSame, {AddTables}, {}, text::DoesAddTables},
+      {kSame, {}, "Ctrl+N · Ctrl+O · Ctrl+S · " + KeyTextOf(SaveQueryAs), text::DoesFiles},
+      {kSame, {OpenDatabase, Connect}, {}, text::DoesSources},
+      {kSame, {}, "Ctrl+Z · Ctrl+Y, Ctrl+Shift+Z", text::DoesUndo},
+      {kSame, {}, "Ctrl + · Ctrl − · " + KeyTextOf(ActualSize), text::DoesZoom},
+      {kSame, {}, KeyTextOf(ContextMenu) + ", " + TextOf(RowOf(ContextMenu).other), text::DoesMenu},
+      {kSame, {ShowKeys}, {}, text::DoesList},
+      {text::KeysDiagram, {}, "Tab · Shift+Tab", text::DoesBoxes},
+      {kSame, {}, text::KeysGoToColumn, text::DoesGoToColumn},
+      {kSame, {TickColumn}, {}, text::DoesTick},
+      {kSame, {OpenSelected}, {}, text::DoesEnter},
+      {kSame, {JoinFromHere}, {}, text::DoesJoin},
+      {kSame, {}, ReplaceAll(TextOf(RowOf(AddTables).other), "Ins", "Insert"), text::DoesAddTables},
+      {kSame, {RenameTable}, {}, text::DoesAlias},
+      {kSame, {DeleteSelected}, {}, text::DoesRemove},
+      {kSame, {}, text::KeysMoveBox, text::DoesMoveBox},
+      {kSame, {MinimizeTable}, {}, text::DoesMinimise},
+      {kSame, {}, text::KeysScroll, text::DoesScroll},
+      {kSame, {FindName}, {}, text::DoesFindName},
+      {kSame, {SelectAllTables, CopyPicture}, {}, text::DoesSelectAll},
+      {kSame, {}, "Esc", text::DoesEscape},
+      {text::KeysGrid, {}, {text::KeysEditCell, KeyTextOf(EditCell)}, text::DoesEditCell},
+      {kSame, {}, {text::KeysOpenList, KeyTextOf(OpenList)}, text::DoesOpenList},
+      {kSame, {}, "Enter · Tab · Esc", text::DoesCommit},
+      {kSame, {MoveRowsUp, MoveRowsDown}, {}, text::DoesMoveColumn},
+      {kSame, {}, {text::KeysRows, LongKeyTextOf(InsertRows), LongKeyTextOf(DeleteRows)}, text::DoesRows},
+      {kSame, {CopyCells, PasteCells}, {}, text::DoesCopyCells},
+      {text::KeysSql, {ApplyText}, {}, text::DoesApply},
+      {kSame, {Suggest}, {}, text::DoesSuggest},
+      {kSame, {}, KeyTextOf(FindText) + " · F3 · Shift+F3", text::DoesFindText},
+      {text::KeysPreview, {}, "Ctrl+C · " + KeyTextOf(CopyValuesWithNames), text::DoesCopyValues},
+      {kSame, {}, "Ctrl+A", text::DoesSelectRows},
+      {kSame, {}, "Esc", text::DoesStop},
+  };
+}
 
-void FillTree(QTreeWidget& tree) {
+QString KeysOf(const KeyRow& row, const TextSource& texts) {
+  if (!row.keys.Empty()) return ToQString(row.keys.In(texts));
+  QStringList keys;
+  for (const Command command : row.commands) keys += ToQString(LongKeyTextOf(command));
+  return keys.join(QStringLiteral(" · "));
+}
+
+void FillTree(QTreeWidget& tree, const TextSource& texts) {
   QTreeWidgetItem* pane = nullptr;
-  for (const Key& key : kKeys) {
-    if (*key.pane != '\0') {
-      pane = new QTreeWidgetItem(&tree, {KeyList::tr(key.pane)});
+  for (const KeyRow& row : KeyRows()) {
+    if (row.pane != text::NoText) {
+      pane = new QTreeWidgetItem(&tree, {Say(texts, row.pane)});
       pane->setFirstColumnSpanned(true);
       QFont font = tree.font();
       font.setBold(true);
       pane->setFont(0, font);
       pane->setExpanded(true);
     }
-    new QTreeWidgetItem(pane, {QString::fromUtf8(key.keys), KeyList::tr(key.effect)});
+    new QTreeWidgetItem(pane, {KeysOf(row, texts), Say(texts, row.effect)});
   }
 }
 
@@ -93,18 +109,18 @@ void Filter(const QTreeWidget& tree, const QString& text) {
 
 }  // namespace
 
-KeyList::KeyList(QWidget* parent) : QDialog(parent) {
-  setWindowTitle(tr("Keys"));
+KeyList::KeyList(const TextSource& texts, QWidget* parent) : QDialog(parent) {
+  setWindowTitle(Say(texts, text::KeysCaption));
   auto* filter = new QLineEdit;
-  filter->setPlaceholderText(tr("Filter"));
-  filter->setAccessibleName(tr("Filter"));
+  filter->setPlaceholderText(Say(texts, text::KeysFilter));
+  filter->setAccessibleName(Say(texts, text::KeysFilter));
   filter->setClearButtonEnabled(true);
   auto* tree = new QTreeWidget;
-  tree->setAccessibleName(tr("Keys"));
-  tree->setHeaderLabels({tr("Key"), tr("Does")});
+  tree->setAccessibleName(Say(texts, text::KeysCaption));
+  tree->setHeaderLabels({Say(texts, text::KeyHeader), Say(texts, text::DoesHeader)});
   tree->setItemsExpandable(false);
   tree->setRootIsDecorated(false);
-  FillTree(*tree);
+  FillTree(*tree, texts);
   tree->header()->setStretchLastSection(false);
   tree->resizeColumnToContents(0);
   tree->resizeColumnToContents(1);

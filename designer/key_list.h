@@ -3,13 +3,15 @@
 
 #include <QDialog>
 
+#include "base/phrase.h"
+
 namespace zrqrybld {
 
 class KeyList : public QDialog {
   Q_OBJECT
 
  public:
-  explicit KeyList(QWidget* parent = nullptr);
+  explicit KeyList(const TextSource& texts, QWidget* parent = nullptr);
 };
 
 }  // namespace zrqrybld

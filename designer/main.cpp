@@ -22,9 +22,7 @@ constexpr std::chrono::milliseconds kPatienceAtEnd{1000};
 // Does what the command line asks for; returns what went wrong.
 QStringList Prepare(MainWindow& window, const DesignerOptions& options) {
   QStringList errors;
-  if (!options.language.isEmpty()) {
-    if (const QString error = window.LoadLanguage(options.language); !error.isEmpty()) errors += error;
-  }
+  if (!window.LanguageFailure().isEmpty()) errors += window.LanguageFailure();
   if (!options.syntax.isEmpty()) window.SetSyntax(options.syntax);
   window.SetConnectSaved(options.connectSaved);
   if (!options.database.isEmpty() || !options.connection.isEmpty()) {
@@ -127,7 +125,7 @@ int main(int argc, char** argv) {
   zrqrybld::SetAppearance(!options.theme.isEmpty() ? zrqrybld::FindAppearance(options.theme)
                           : options.IsScript()     ? zrqrybld::Appearance::System
                                                    : zrqrybld::StoredAppearance());
-  MainWindow window;
+  MainWindow window(options.language);
   if (options.IsScript()) return RunScript(window, options);
   window.BeginSession();
   window.show();

@@ -22,10 +22,14 @@
 
 #include "adapters/qt/connection_choice.h"
 #include "adapters/qt/qt_text.h"
+#include "adapters/qt/say.h"
+#include "adapters/qt/shortcuts.h"
 #include "adapters/qt/waiting_provider.h"
 #include "adapters/sqlite/sqlite_provider.h"
 #include "base/text.h"
+#include "base/texts_designer.h"
 #include "designer/appearance.h"
+#include "designer/guarded.h"
 #include "designer/key_list.h"
 #include "designer/plain_box.h"
 #include "designer/recent_connections.h"
@@ -45,13 +49,16 @@ constexpr double kZoomStep = 1.25;
 constexpr int kDesignerShare = 500;  // pixels, of a window of usual height
 constexpr int kPreviewShare = 200;
 constexpr int kLeastPreview = 96;
-constexpr std::size_t kShownConnection = 1000;  // characters
 
 }  // namespace
 
-MainWindow::MainWindow()
-    : panes_(new QSplitter(Qt::Vertical, this)), designer_(new QueryDesignerWidget), preview_(new PreviewPane) {
-  setWindowTitle("Query Designer");
+MainWindow::MainWindow(const QString& languageFile)
+    : panes_(new QSplitter(Qt::Vertical, this)),
+      designer_(new QueryDesignerWidget),
+      texts_(designer_->QueryBuilder().Texts()),
+      languageFailure_(languageFile.isEmpty() ? QString() : LoadLanguage(languageFile)),
+      preview_(new PreviewPane(texts_)) {
+  setWindowTitle(Say(*texts_, text::AppName));
   panes_->addWidget(designer_);
   panes_->addWidget(preview_);
   panes_->setChildrenCollapsible(false);
@@ -66,7 +73,7 @@ MainWindow::MainWindow()
   qbQueryBuilder& hub = designer_->QueryBuilder();
   hub.GetToolkit().Providers()->Register(std::make_shared<SqliteProvider>());
 #if ZRQRYBLD_HAS_ODBC
-  hub.GetToolkit().Providers()->Register(MakeWaitingProvider(std::make_shared<OdbcProvider>()));
+  hub.GetToolkit().Providers()->Register(MakeWaitingProvider(std::make_shared<OdbcProvider>(), texts_));
 #endif
   hub.SetAllowJoinProperties(true);
   hub.SetAutoSyntax(true);
@@ -75,6 +82,7 @@ MainWindow::MainWindow()
   hub.GridPane()->SetDateFormat("yyyy-mm-dd");
   WidenColumns();
 
+  flow_ = std::make_unique<ConnectionFlow>(this, hub);
   MakeDocument();
   query_ = std::make_unique<QueryPreview>(*designer_, *preview_);
   connect(preview_, &PreviewPane::Finished, this, &MainWindow::ShowHappened);
@@ -100,7 +108,7 @@ void MainWindow::MakeDocument() {
   document_ = std::make_unique<QueryDocument>(
       this, designer_->QueryBuilder(),
       QueryDocument::Window{
-          [this](const std::string& connectionString) { return OpenSaved(connectionString); },
+          [this](const std::string& connectionString) { return flow_->OpenSaved(connectionString); },
           [this](const std::shared_ptr<ProviderConnection>& connection) { UseConnection(connection); },
           [this] {
             if (options_) options_->Refresh();
@@ -128,27 +136,29 @@ void MainWindow::WidenColumns() {
 }
 
 void MainWindow::MakeMenus() {
-  QMenu* file = menuBar()->addMenu(tr("&File"));
+  QMenu* file = menuBar()->addMenu(Say(*texts_, text::FileMenu));
   document_->FillMenu(*file);
   file->addSeparator();
-  file->addAction(tr("Open &Database..."), QKeySequence(Qt::CTRL | Qt::Key_D), this, &MainWindow::AskForDatabase);
-  file->addAction(tr("&Connect..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O), this,
-                  &MainWindow::AskForConnection);
-  QMenu* recent = file->addMenu(tr("Connect to R&ecent"));
+  file->addAction(Say(*texts_, text::OpenDatabaseItem), ShortcutOf(Command::OpenDatabase), this,
+                  &MainWindow::AskForDatabase);
+  file->addAction(Say(*texts_, text::ConnectItem), ShortcutOf(Command::Connect), this, &MainWindow::AskForConnection);
+  QMenu* recent = file->addMenu(Say(*texts_, text::ConnectRecentMenu));
   connect(recent, &QMenu::aboutToShow, this, [this, recent] { FillRecentConnections(*recent); });
   file->addSeparator();
-  file->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
+  file->addAction(Say(*texts_, text::QuitItem), QKeySequence::Quit, this, &QWidget::close);
 
   MakeEditMenu();
 
-  QMenu* query = menuBar()->addMenu(tr("&Query"));
-  addTables_ = query->addAction(tr("&Add Tables..."), QKeySequence(Qt::Key_F7), this, &MainWindow::PickTables);
-  query->addAction(tr("&Parameters..."), this, &MainWindow::AskForParameters);
-  clear_ = query->addAction(tr("&Clear"), this, [this] { designer_->QueryBuilder().DiagramPane()->Clear(); });
+  QMenu* query = menuBar()->addMenu(Say(*texts_, text::QueryMenu));
+  addTables_ = query->addAction(Say(*texts_, text::AddTablesItem), ShortcutOf(Command::AddTables), this,
+                                &MainWindow::PickTables);
+  query->addAction(Say(*texts_, text::ParametersItem), this, &MainWindow::AskForParameters);
+  clear_ = query->addAction(Say(*texts_, text::ClearItem), this,
+                            [this] { designer_->QueryBuilder().DiagramPane()->Clear(); });
   query->addSeparator();
-  query->addAction(tr("&Run Preview"), QKeySequence(Qt::Key_F5), this, &MainWindow::RunPreview);
-  query->addAction(tr("&Stop Preview"), QKeySequence(Qt::SHIFT | Qt::Key_F5), preview_, &PreviewPane::Stop);
-  query->addAction(tr("&Go to the Rows"), QKeySequence(Qt::CTRL | Qt::Key_R), this, [this] {
+  query->addAction(Say(*texts_, text::RunPreviewItem), ShortcutOf(Command::RunPreview), this, &MainWindow::RunPreview);
+  query->addAction(Say(*texts_, text::StopPreviewItem), ShortcutOf(Command::StopPreview), preview_, &PreviewPane::Stop);
+  query->addAction(Say(*texts_, text::GoToRowsItem), ShortcutOf(Command::GoToRows), this, [this] {
     showPreview_->setChecked(true);
     preview_->TakeFocus();
   });
@@ -158,46 +168,46 @@ void MainWindow::MakeMenus() {
     const PixelSize view = designer_->DiagramView().ViewSize();
     diagram().SetZoom(diagram().Zoom() * factor, {view.width / 2, view.height / 2});
   };
-  QMenu* view = menuBar()->addMenu(tr("&View"));
-  view->addAction(tr("A&rrange Tables"), this, [diagram] { diagram().Arrange(); });
-  view->addAction(tr("&Fit Diagram"), this, [diagram] { diagram().ZoomToFit(); });
+  QMenu* view = menuBar()->addMenu(Say(*texts_, text::ViewMenu));
+  view->addAction(Say(*texts_, text::ArrangeItem), this, [diagram] { diagram().Arrange(); });
+  view->addAction(Say(*texts_, text::FitItem), this, [diagram] { diagram().ZoomToFit(); });
   view->addSeparator();
-  view->addAction(tr("Zoom &In"), QKeySequence::ZoomIn, this, [zoomBy] { zoomBy(kZoomStep); });
-  view->addAction(tr("Zoom &Out"), QKeySequence::ZoomOut, this, [zoomBy] { zoomBy(1 / kZoomStep); });
-  view->addAction(tr("&Actual Size"), QKeySequence(Qt::CTRL | Qt::Key_0), this,
+  view->addAction(Say(*texts_, text::ZoomInItem), QKeySequence::ZoomIn, this, [zoomBy] { zoomBy(kZoomStep); });
+  view->addAction(Say(*texts_, text::ZoomOutItem), QKeySequence::ZoomOut, this, [zoomBy] { zoomBy(1 / kZoomStep); });
+  view->addAction(Say(*texts_, text::ActualSizeItem), ShortcutOf(Command::ActualSize), this,
                   [zoomBy, diagram] { zoomBy(1 / diagram().Zoom()); });
   view->addSeparator();
-  showPreview_ = view->addAction(tr("&Result Preview"));
+  showPreview_ = view->addAction(Say(*texts_, text::ResultPreviewItem));
   showPreview_->setCheckable(true);
   connect(showPreview_, &QAction::toggled, preview_, &QWidget::setVisible);
   connect(preview_, &PreviewPane::CloseWanted, showPreview_, [this] { showPreview_->setChecked(false); });
   view->addSeparator();
-  view->addAction(tr("&Copy Diagram as Picture"), this, [diagram] { diagram().CopyPicture(); });
-  view->addAction(tr("&Save Diagram as Picture..."), this, [diagram] { diagram().AskToSavePicture(); });
+  view->addAction(Say(*texts_, text::CopyPictureItem), this, [diagram] { diagram().CopyPicture(); });
+  view->addAction(Say(*texts_, text::SavePictureItem), this, [diagram] { diagram().AskToSavePicture(); });
 
   view->addSeparator();
-  MakeThemeMenu(*view->addMenu(tr("&Theme")));
+  MakeThemeMenu(*view->addMenu(Say(*texts_, text::ThemeMenu)));
 
-  QMenu* help = menuBar()->addMenu(tr("&Help"));
-  help->addAction(tr("&Keys"), QKeySequence(Qt::Key_F1), this, &MainWindow::ShowKeys);
-  help->addAction(tr("&About"), this, &MainWindow::ShowAbout);
+  QMenu* help = menuBar()->addMenu(Say(*texts_, text::HelpMenu));
+  help->addAction(Say(*texts_, text::KeysItem), ShortcutOf(Command::ShowKeys), this, &MainWindow::ShowKeys);
+  help->addAction(Say(*texts_, text::AboutItem), this, &MainWindow::ShowAbout);
 }
 
 // An editor that is open takes the same keys for itself first.
 void MainWindow::MakeEditMenu() {
   qbQueryBuilder& hub = designer_->QueryBuilder();
-  QMenu* edit = menuBar()->addMenu(tr("&Edit"));
-  const auto travel = [this](bool (qbQueryBuilder::*way)(), const QString& done, const std::string& step) {
+  QMenu* edit = menuBar()->addMenu(Say(*texts_, text::EditMenu));
+  const auto travel = [this](bool (qbQueryBuilder::*way)(), TextId done, const std::string& step) {
     const QString error = Guarded([&] { (designer_->QueryBuilder().*way)(); });
     if (!error.isEmpty()) ShowError(error);
-    if (error.isEmpty()) ShowHappened(done.arg(ToQString(step)));
+    if (error.isEmpty()) ShowHappened(Say(*texts_, done, step));
   };
-  undo_ = edit->addAction(tr("&Undo"), this, [this, travel] {
-    travel(&qbQueryBuilder::Undo, tr("Undone: %1"), designer_->QueryBuilder().UndoText());
+  undo_ = edit->addAction(Say(*texts_, text::UndoItem), this, [this, travel] {
+    travel(&qbQueryBuilder::Undo, text::Undone, designer_->QueryBuilder().UndoText());
   });
   undo_->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Z));
-  redo_ = edit->addAction(tr("&Redo"), this, [this, travel] {
-    travel(&qbQueryBuilder::Redo, tr("Done again: %1"), designer_->QueryBuilder().RedoText());
+  redo_ = edit->addAction(Say(*texts_, text::RedoItem), this, [this, travel] {
+    travel(&qbQueryBuilder::Redo, text::DoneAgain, designer_->QueryBuilder().RedoText());
   });
   redo_->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
   links_.push_back(hub.HistoryChanged.Connect([this] {
@@ -214,15 +224,15 @@ void MainWindow::UpdateHistory() {
     action.setEnabled(!step.empty());
     action.setText(step.empty() ? what : what + QLatin1Char(' ') + ToQString(step).replace("&", "&&"));
   };
-  show(*undo_, tr("&Undo"), hub.CanUndo() ? hub.UndoText() : std::string());
-  show(*redo_, tr("&Redo"), hub.CanRedo() ? hub.RedoText() : std::string());
+  show(*undo_, Say(*texts_, text::UndoItem), hub.CanUndo() ? hub.UndoText() : std::string());
+  show(*redo_, Say(*texts_, text::RedoItem), hub.CanRedo() ? hub.RedoText() : std::string());
   if (options_) options_->Refresh();
 }
 
 void MainWindow::MakeThemeMenu(QMenu& menu) {
   auto* group = new QActionGroup(&menu);
   for (const AppearanceName& name : AllAppearances()) {
-    QAction* action = menu.addAction(tr(name.text), this, [appearance = name.appearance] {
+    QAction* action = menu.addAction(Say(*texts_, name.text), this, [appearance = name.appearance] {
       StoreAppearance(appearance);
       SetAppearance(appearance);
     });
@@ -248,22 +258,16 @@ void MainWindow::MakeToolBar() {
   addToolBar(options_);
 }
 
-QString MainWindow::Guarded(const std::function<void()>& command) {
-  try {
-    command();
-  } catch (const std::exception& error) {
-    return ToQString(error.what());
-  }
-  return {};
-}
+QString MainWindow::Guarded(const std::function<void()>& command) const { return FailureOf(*texts_, command); }
 
 void MainWindow::ShowError(const QString& message) { ShowPlain(this, QMessageBox::Critical, message); }
 
 // --- Database ---
 
 void MainWindow::AskForDatabase() {
-  const QString file = QFileDialog::getOpenFileName(this, tr("Open Database"), {},
-                                                    tr("SQLite databases (*.db *.sqlite *.sqlite3);;All files (*)"));
+  const QString file =
+      QFileDialog::getOpenFileName(this, Say(*texts_, text::OpenDatabaseCaption), {},
+                                   FileKinds(*texts_, text::SqliteDatabases, "*.db *.sqlite *.sqlite3"));
   if (!file.isEmpty()) OpenDropped(file);
 }
 
@@ -291,95 +295,14 @@ void MainWindow::AskForConnection() {
 void MainWindow::FillRecentConnections(QMenu& menu) {
   menu.clear();
   for (const RecentConnection& recent : RecentConnections()) {
-    menu.addAction(SourceTitle(recent.text).replace("&", "&&"), this, [this, recent] {
-      QString error = RefusalOf(recent.text);
-      std::shared_ptr<ProviderConnection> connection;
-      if (error.isEmpty()) connection = OpenAsking(recent.text, recent.asksPassword, &error);
+    menu.addAction(SourceTitle(recent.text, *texts_).replace("&", "&&"), this, [this, recent] {
+      QString error;
+      const std::shared_ptr<ProviderConnection> connection = flow_->OpenRecent(recent, &error);
       if (connection) error = ConnectTo(connection, true);
       if (!error.isEmpty()) ShowError(error);
     });
   }
-  if (menu.isEmpty()) menu.addAction(tr("No recent connections"))->setEnabled(false);
-}
-
-// Passwords are not kept, so the user may have to type one. Nothing when the source cannot be opened, with the reason
-// unless the user has cancelled.
-std::shared_ptr<ProviderConnection> MainWindow::OpenAsking(std::string connectionString, bool askFirst,
-                                                           QString* error) {
-  const std::string kept = connectionString;
-  bool ask = askFirst;
-  QString reason;
-  while (true) {
-    if (ask) {
-      const QString before = reason.isEmpty() ? QString() : reason + "\n\n";
-      QInputDialog dialog(this);
-      dialog.setWindowTitle(tr("Password"));
-      dialog.setLabelText(before + tr("Password for %1:").arg(SourceTitle(kept)));
-      for (QLabel* label : dialog.findChildren<QLabel*>()) label->setTextFormat(Qt::PlainText);
-      dialog.setTextEchoMode(QLineEdit::Password);
-      if (dialog.exec() != QDialog::Accepted) return nullptr;
-      connectionString = WithPassword(kept, ToUtf8(dialog.textValue()));
-    }
-    std::shared_ptr<ProviderConnection> connection;
-    reason = Guarded([&] {
-      const BusyPointer busy(designer_->QueryBuilder().GetToolkit());
-      connection = TryConnection(connectionString);
-    });
-    if (connection) return connection;
-    *error = reason;
-    if (!askFirst) return nullptr;
-    error->clear();
-  }
-}
-
-// Why a string that the user has typed or chosen is not opened; "" when nothing speaks against it. On the command line
-// of a script nobody can be asked.
-QString MainWindow::RefusalOf(const std::string& connectionString) {
-  const auto origin = recovery_ ? ConnectionOrigin::Person : ConnectionOrigin::Program;
-  const std::optional<Error> refusal = designer_->QueryBuilder().RefusalOf(connectionString, origin);
-  return refusal ? ToQString(refusal->Description()) : QString();
-}
-
-// Shows the user what a query file wants to be connected by, unless they were connected by it before.
-bool MainWindow::MayOpenSaved(const std::string& connectionString) {
-  if (connectSaved_ || WasUsed(connectionString)) return true;
-  if (!recovery_) return false;
-  QMessageBox box(QMessageBox::Question, QCoreApplication::applicationName(),
-                  tr("The query file was saved with a data source that you have not used here before. Connect to it?"),
-                  QMessageBox::NoButton, this);
-  box.setTextFormat(Qt::PlainText);
-  box.setInformativeText(ToQString(FirstCharacters(ConnectionString(connectionString).Masked(), kShownConnection)));
-  const QAbstractButton* connect = box.addButton(tr("&Connect"), QMessageBox::AcceptRole);
-  QPushButton* leave = box.addButton(tr("&Do Not Connect"), QMessageBox::RejectRole);
-  box.setDefaultButton(leave);
-  box.setEscapeButton(leave);
-  box.exec();
-  return box.clickedButton() == connect;
-}
-
-std::shared_ptr<ProviderConnection> MainWindow::OpenSaved(const std::string& connectionString) {
-  qbQueryBuilder& hub = designer_->QueryBuilder();
-  if (const auto refusal = hub.RefusalOf(connectionString, ConnectionOrigin::File)) throw *refusal;
-  if (!MayOpenSaved(connectionString)) {
-    const QString what = ToQString(ConnectionString(connectionString).Masked());
-    const QString why = recovery_ ? tr("You did not want to connect to %1")
-                                  : tr("Nobody has agreed to connect to %1; --connect-saved does");
-    throw Error(ErrorConnectionFailed, ToUtf8(why.arg(what)));
-  }
-  QString error;
-  std::shared_ptr<ProviderConnection> connection = OpenAsking(connectionString, false, &error);
-  // Files are saved without passwords. Another one helps with servers only.
-  const bool mayAsk = recovery_ && !SqliteProvider().Accepts(ConnectionString(connectionString));
-  if (!connection && mayAsk) connection = OpenAsking(connectionString, true, &error);
-  if (!connection) throw Error(ErrorConnectionFailed, ToUtf8(error));
-  return connection;
-}
-
-std::shared_ptr<ProviderConnection> MainWindow::TryConnection(const std::string& connectionString) const {
-  auto connection = std::make_shared<ProviderConnection>(designer_->QueryBuilder().GetToolkit().Providers());
-  connection->SetConnectionString(connectionString);
-  connection->Open({}, {});
-  return connection;
+  if (menu.isEmpty()) menu.addAction(Say(*texts_, text::NoRecentConnections))->setEnabled(false);
 }
 
 QString MainWindow::OpenConnection(const std::string& connectionString) { return Connect(connectionString, false); }
@@ -387,10 +310,9 @@ QString MainWindow::OpenConnection(const std::string& connectionString) { return
 QString MainWindow::Connect(const std::string& connectionString, bool mayAsk) {
   const BusyPointer busy(designer_->QueryBuilder().GetToolkit());
   // A source that cannot be opened must not cost the user the query at hand: try it aside first.
-  if (const QString refusal = RefusalOf(connectionString); !refusal.isEmpty()) return refusal;
-  std::shared_ptr<ProviderConnection> connection;
-  const QString error = Guarded([&] { connection = TryConnection(connectionString); });
-  if (!error.isEmpty()) return error;
+  QString error;
+  const std::shared_ptr<ProviderConnection> connection = flow_->Open(connectionString, &error);
+  if (!connection) return error;
   return ConnectTo(connection, mayAsk);
 }
 
@@ -399,7 +321,7 @@ QString MainWindow::ConnectTo(const std::shared_ptr<ProviderConnection>& connect
   return Guarded([&] {
     UseConnection(connection);
     document_->Reset();
-    ShowHappened(tr("Connected to %1").arg(sourceName_));
+    ShowHappened(Say(*texts_, text::ConnectedTo, sourceName_));
   });
 }
 
@@ -410,7 +332,7 @@ void MainWindow::UseConnection(const std::shared_ptr<ProviderConnection>& connec
   const Dialect* chosen = recovery_ ? FindDialect(RememberedDialect(connection->ConnectionString())) : nullptr;
   if (chosen) hub.SQLPane()->SetSQLSyntax(chosen->syntax);
   query_->SourceChanged();
-  sourceName_ = SourceName(connection->ConnectionString());
+  sourceName_ = SourceName(connection->ConnectionString(), *texts_);
   source_->setText(sourceName_);
   NoteUsed(connection->ConnectionString());
   if (recovery_) RememberConnection(connection->ConnectionString());
@@ -418,7 +340,7 @@ void MainWindow::UseConnection(const std::shared_ptr<ProviderConnection>& connec
 
 void MainWindow::UpdateTitle() {
   QStringList parts;
-  for (const QString& part : {document_->Name(), sourceName_, QString("Query Designer")}) {
+  for (const QString& part : {document_->Name(), sourceName_, Say(*texts_, text::AppName)}) {
     if (!part.isEmpty()) parts += part;
   }
   setWindowTitle(parts.join(" - "));
@@ -430,6 +352,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
   preview_->Clear();
   if (!recovery_) return;
   recovery_.reset();
+  flow_->SetAsks(false);
   StoreLayout({*this, *panes_, *designer_});
 }
 
@@ -466,9 +389,8 @@ void MainWindow::AskForParameters() {
     const std::optional<std::vector<ParameterValue>> values = AskParameters(hub, sql);
     if (values && values->empty()) {
       ShowPlain(this, QMessageBox::Information,
-                tr("This statement has no parameters.\n\nA criterion such as\n"
-                   "    >= ?PARAM(From which day, 2020-01-01, FromDay, date)\n"
-                   "asks for its value: prompt, default, name and data type."));
+                Say(*texts_, text::NoParameters) + "\n\n" + Say(*texts_, text::ParametersSuchAs) +
+                    "\n    >= ?PARAM(From which day, 2020-01-01, FromDay, date)\n" + Say(*texts_, text::ParametersAsk));
     }
   });
   if (!error.isEmpty()) ShowError(error);
@@ -484,7 +406,7 @@ QStringList MainWindow::AddTables(const QStringList& names) {
     const std::int32_t before = hub.Entities()->Count();
     const QString error = Guarded([&] {
       if (!hub.HasTable(ToUtf8(name))) {
-        errors += tr("There is no table or view named \"%1\".").arg(name);
+        errors += Say(*texts_, text::NoTableOrView, name);
         return;
       }
       hub.AddTable(ToUtf8(name));
@@ -503,15 +425,15 @@ QString MainWindow::TickColumn(const QString& name) {
   const std::size_t dot = text.rfind('.');
   const std::string table = dot == std::string::npos ? std::string() : text.substr(0, dot);
   const Ref<qbEntity> entity = hub.Entities()->Item(table);
-  if (!entity) return tr("\"%1\" names no table of the diagram; write TABLE.COLUMN.").arg(name);
+  if (!entity) return Say(*texts_, text::NamesNoTable, name);
   const Ref<qbEntityItem> item = entity->Items()->Item(text.substr(dot + 1));
-  if (!item) return tr("The table \"%1\" has no column \"%2\".").arg(ToQString(table), ToQString(text.substr(dot + 1)));
+  if (!item) return Say(*texts_, text::TableWithoutColumn, ToQString(table), ToQString(text.substr(dot + 1)));
   return Guarded([&] { item->SetChecked(true); });
 }
 
 QString MainWindow::ParseFile(const QString& file) {
   QFile statement(file);
-  if (!statement.open(QIODevice::ReadOnly)) return tr("The statement cannot be read: %1").arg(file);
+  if (!statement.open(QIODevice::ReadOnly)) return Say(*texts_, text::StatementCannotBeRead, file);
   const std::string sql = statement.readAll().toStdString();
   return Guarded([&] {
     const Ref<qbSQLPane> pane = designer_->QueryBuilder().SQLPane();
@@ -526,8 +448,7 @@ QString MainWindow::ParseFile(const QString& file) {
 
 QString MainWindow::LoadLanguage(const QString& file) {
   const QString error = Guarded([&] { designer_->QueryBuilder().LoadLanguageFile(ToUtf8(file)); });
-  WidenColumns();
-  return error.isEmpty() ? error : tr("%1\n%2").arg(error, file);
+  return error.isEmpty() ? error : error + "\n" + file;
 }
 
 void MainWindow::SetSyntax(const QString& name) { options_->ChooseDialect(name); }
@@ -550,9 +471,10 @@ void MainWindow::BeginSession() {
   RestoreLayout({*this, *panes_, *designer_});
   recovery_ = std::make_unique<Recovery>([this] { return document_->UnsavedWork(); }, nullptr);
   connect(recovery_.get(), &Recovery::Failed, this, [this](const QString& folder) {
-    ShowHappened(tr("Unsaved work cannot be kept in %1").arg(QDir::toNativeSeparators(folder)));
+    ShowHappened(Say(*texts_, text::CannotKeepWork, QDir::toNativeSeparators(folder)));
   });
   recovery_->Start();
+  flow_->SetAsks(true);
 }
 
 bool MainWindow::OfferLostWork() {
@@ -562,15 +484,14 @@ bool MainWindow::OfferLostWork() {
     OfferToPutAside(*lost, {});
     return false;
   }
-  const QString name = lost->Work().file.isEmpty() ? tr("A query that was never saved") : lost->Work().file;
-  QMessageBox box(QMessageBox::Question, QCoreApplication::applicationName(),
-                  tr("The designer has ended unexpectedly with unsaved work. Bring it back?"), QMessageBox::NoButton,
-                  this);
+  const QString name = lost->Work().file.isEmpty() ? Say(*texts_, text::NeverSaved) : lost->Work().file;
+  QMessageBox box(QMessageBox::Question, QCoreApplication::applicationName(), Say(*texts_, text::AskBringBack),
+                  QMessageBox::NoButton, this);
   box.setTextFormat(Qt::PlainText);
-  box.setInformativeText(tr("%1, changed on %2.").arg(name, QLocale().toString(lost->Time(), QLocale::ShortFormat)));
-  const QAbstractButton* recover = box.addButton(tr("&Bring Back"), QMessageBox::AcceptRole);
-  const QAbstractButton* discard = box.addButton(tr("&Delete It"), QMessageBox::DestructiveRole);
-  box.setEscapeButton(box.addButton(tr("Ask &Later"), QMessageBox::RejectRole));
+  box.setInformativeText(Say(*texts_, text::ChangedOn, name, QLocale().toString(lost->Time(), QLocale::ShortFormat)));
+  const QAbstractButton* recover = box.addButton(Say(*texts_, text::BringBack), QMessageBox::AcceptRole);
+  const QAbstractButton* discard = box.addButton(Say(*texts_, text::DeleteIt), QMessageBox::DestructiveRole);
+  box.setEscapeButton(box.addButton(Say(*texts_, text::AskLater), QMessageBox::RejectRole));
   box.exec();
   if (box.clickedButton() == discard) lost->Discard();
   return box.clickedButton() == recover && Recover(*lost);
@@ -584,7 +505,7 @@ bool MainWindow::Recover(Recovery::Lost& lost) {
   std::shared_ptr<ProviderConnection> connection;
   if (unreadable.isEmpty() && !connectionString.empty()) {
     NoteUsed(connectionString);  // by whoever works here: the designer itself has kept it
-    remark = Guarded([&] { connection = OpenSaved(connectionString); });
+    remark = Guarded([&] { connection = flow_->OpenSaved(connectionString); });
   }
   const QString error = unreadable.isEmpty() ? document_->Recover(lost.Work(), connection) : unreadable;
   if (!error.isEmpty()) {
@@ -597,49 +518,45 @@ bool MainWindow::Recover(Recovery::Lost& lost) {
   }
   if (recovery_) recovery_->Keep();
   lost.Discard();
-  ShowHappened(tr("Unsaved work is back"));
+  ShowHappened(Say(*texts_, text::WorkIsBack));
   if (!connection && !connectionString.empty()) {
-    ShowPlain(this, QMessageBox::Information,
-              tr("The query is back without its source, which cannot be opened. Save it, connect, and "
-                 "open it again to go on with its tables."));
+    ShowPlain(this, QMessageBox::Information, Say(*texts_, text::BackWithoutSource));
   }
   return true;
 }
 
 // What cannot be brought back may still be of use to somebody who reads the file; nothing removes it unasked.
 void MainWindow::OfferToPutAside(Recovery::Lost& lost, const QString& reason) {
-  QMessageBox box(QMessageBox::Warning, QCoreApplication::applicationName(),
-                  tr("Unsaved work of an earlier session cannot be brought back."), QMessageBox::NoButton, this);
+  QMessageBox box(QMessageBox::Warning, QCoreApplication::applicationName(), Say(*texts_, text::CannotBringBack),
+                  QMessageBox::NoButton, this);
   box.setTextFormat(Qt::PlainText);
-  const QString file =
-      tr("It is in %1, changed on %2.")
-          .arg(QDir::toNativeSeparators(lost.Path()), QLocale().toString(lost.Time(), QLocale::ShortFormat));
+  const QString file = Say(*texts_, text::ItIsIn, QDir::toNativeSeparators(lost.Path()),
+                           QLocale().toString(lost.Time(), QLocale::ShortFormat));
   box.setInformativeText(reason.isEmpty() ? file : file + "\n" + reason);
-  const QAbstractButton* aside = box.addButton(tr("&Put Aside"), QMessageBox::AcceptRole);
-  const QAbstractButton* discard = box.addButton(tr("&Delete It"), QMessageBox::DestructiveRole);
-  box.setEscapeButton(box.addButton(tr("Ask &Later"), QMessageBox::RejectRole));
+  const QAbstractButton* aside = box.addButton(Say(*texts_, text::PutAside), QMessageBox::AcceptRole);
+  const QAbstractButton* discard = box.addButton(Say(*texts_, text::DeleteIt), QMessageBox::DestructiveRole);
+  box.setEscapeButton(box.addButton(Say(*texts_, text::AskLater), QMessageBox::RejectRole));
   box.exec();
   if (box.clickedButton() == discard) lost.Discard();
   if (box.clickedButton() != aside) return;
   const QString kept = lost.PutAside();
-  ShowHappened(kept.isEmpty() ? tr("The file cannot be put aside")
-                              : tr("The file is now %1").arg(QDir::toNativeSeparators(kept)));
+  ShowHappened(kept.isEmpty() ? Say(*texts_, text::CannotPutAside)
+                              : Say(*texts_, text::FileIsNow, QDir::toNativeSeparators(kept)));
 }
 
 // --- Help ---
 
 void MainWindow::ShowKeys() {
-  KeyList list(this);
+  KeyList list(*texts_, this);
   list.exec();
 }
 
 void MainWindow::ShowAbout() {
-  QMessageBox::about(this, tr("About the Query Designer"),
-                     tr("<h3>Query Designer %1</h3>"
-                        "<p>A visual designer of SELECT statements, built on zrQryBld.</p>"
-                        "<p>The preview runs them read-only; nothing is ever written to a source.</p>"
-                        "<p>With Qt %2. MIT licence.</p>")
-                         .arg(QCoreApplication::applicationVersion().toHtmlEscaped(), qVersion()));
+  QMessageBox::about(this, Say(*texts_, text::AboutCaption),
+                     "<h3>" + Say(*texts_, text::AboutTitle, QCoreApplication::applicationVersion()).toHtmlEscaped() +
+                         "</h3><p>" + Say(*texts_, text::AboutWhat).toHtmlEscaped() + "</p><p>" +
+                         Say(*texts_, text::AboutReadOnly).toHtmlEscaped() + "</p><p>" +
+                         Say(*texts_, text::AboutLicence, QString(qVersion())).toHtmlEscaped() + "</p>");
 }
 
 }  // namespace zrqrybld

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "adapters/qt/query_designer_widget.h"
+#include "designer/connection_flow.h"
 #include "designer/preview_pane.h"
 #include "designer/query_document.h"
 #include "designer/query_options_bar.h"
@@ -22,7 +23,12 @@ class MainWindow : public QMainWindow {
   Q_OBJECT
 
  public:
-  MainWindow();
+  /// With the texts of a language file; the built-in ones without. Texts that the file lacks, or that could not be
+  /// read, are the built-in ones.
+  explicit MainWindow(const QString& languageFile = {});
+
+  /// Why the language file could not be read; empty on success.
+  const QString& LanguageFailure() const { return languageFailure_; }
 
   /// Opens a data source and forgets the query designed so far. Returns an error message, empty on success;
   /// the query stays when the source cannot be opened.
@@ -43,9 +49,6 @@ class MainWindow : public QMainWindow {
   /// Makes the query that of the statement in a file. Returns an error message, empty on success.
   QString ParseFile(const QString& file);
 
-  /// Takes the captions from a language file. Returns an error message, empty on success.
-  QString LoadLanguage(const QString& file);
-
   /// Chooses a dialect that exists.
   void SetSyntax(const QString& name);
 
@@ -53,7 +56,7 @@ class MainWindow : public QMainWindow {
   QString Statement() const;
 
   /// Query files are connected as they say, without a question. Some strings are refused all the same.
-  void SetConnectSaved(bool connect) { connectSaved_ = connect; }
+  void SetConnectSaved(bool connect) { flow_->SetConnectSaved(connect); }
 
   /// Shows a message to the user.
   void ShowError(const QString& message);
@@ -73,6 +76,7 @@ class MainWindow : public QMainWindow {
   void dropEvent(QDropEvent* event) override;
 
  private:
+  QString LoadLanguage(const QString& file);
   void MakeDocument();
   void MakeMenus();
   void MakeEditMenu();
@@ -81,12 +85,7 @@ class MainWindow : public QMainWindow {
   void AskForDatabase();
   void AskForConnection();
   void FillRecentConnections(QMenu& menu);
-  QString RefusalOf(const std::string& connectionString);
-  bool MayOpenSaved(const std::string& connectionString);
-  std::shared_ptr<ProviderConnection> OpenSaved(const std::string& connectionString);
-  std::shared_ptr<ProviderConnection> OpenAsking(std::string connectionString, bool askFirst, QString* error);
   QString ConnectTo(const std::shared_ptr<ProviderConnection>& connection, bool mayAsk);
-  std::shared_ptr<ProviderConnection> TryConnection(const std::string& connectionString) const;
   QString Connect(const std::string& connectionString, bool mayAsk);
   void UseConnection(const std::shared_ptr<ProviderConnection>& connection);
   void OpenDropped(const QString& file);
@@ -104,16 +103,18 @@ class MainWindow : public QMainWindow {
   void UpdateState();
   void UpdateHistory();
   /// Runs a command; an error becomes its message.
-  static QString Guarded(const std::function<void()>& command);
+  QString Guarded(const std::function<void()>& command) const;
 
   QSplitter* panes_;
   QueryDesignerWidget* designer_;
+  std::shared_ptr<const TextSource> texts_;
+  QString languageFailure_;
   PreviewPane* preview_;
+  std::unique_ptr<ConnectionFlow> flow_;
   std::unique_ptr<QueryDocument> document_;
   std::unique_ptr<QueryPreview> query_;
   std::unique_ptr<Recovery> recovery_;  // while the designer works for a user
   QString sourceName_;
-  bool connectSaved_ = false;
   QueryOptionsBar* options_ = nullptr;
   QLabel* source_ = nullptr;
   QAction* undo_ = nullptr;

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "base/error.h"
+#include "base/texts_qt.h"
 
 namespace zrqrybld {
 namespace {
@@ -65,7 +66,7 @@ struct PreviewJob::Shared : std::enable_shared_from_this<Shared> {
         Qt::QueuedConnection);
   }
 
-  void TellFailure(std::string message, std::optional<std::size_t> offset = std::nullopt) {
+  void TellFailure(Phrase message, std::optional<std::size_t> offset = std::nullopt) {
     PreviewNews news{.kind = PreviewNews::Kind::Failed, .message = std::move(message), .offset = offset};
     Tell(std::move(news));
   }
@@ -76,7 +77,7 @@ PreviewJob::PreviewJob(Open open, std::string sql, const Dialect& dialect, Recei
   try {
     Start(&PreviewJob::Work, shared_);
   } catch (const std::exception& error) {
-    shared_->TellFailure(error.what());
+    shared_->TellFailure(PhraseOf(error));
   }
 }
 
@@ -138,11 +139,11 @@ void PreviewJob::Work(const std::shared_ptr<Shared>& shared) {
     }
     if (!givenUp) Read(*shared, *runner);
   } catch (const Error& error) {
-    shared->TellFailure(error.Description(), error.Offset());
+    shared->TellFailure(error.What(), error.Offset());
   } catch (const std::exception& error) {
-    shared->TellFailure(error.what());
+    shared->TellFailure(PhraseOf(error));
   } catch (...) {
-    shared->TellFailure("An unknown error occurred.");
+    shared->TellFailure(text::UnknownError);
   }
   std::shared_ptr<QueryRunner> last;  // goes when the lock is gone: closing may take long
   const std::lock_guard lock(shared->mutex);

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "adapters/run/query_runner.h"
+#include "base/phrase.h"
 
 namespace zrqrybld {
 
@@ -25,7 +26,7 @@ struct PreviewNews {
   bool more = false;                       ///< of Rows: there may be further ones, see `FetchMore`
   bool failing = false;                    ///< of Rows: the source has failed behind them; the next news is Failed
   bool cutOff = false;                     ///< of Rows: there are further ones, which the source cannot give
-  std::string message = {};                ///< of Failed, the last news
+  Phrase message = {};                     ///< of Failed, the last news
   std::optional<std::size_t> offset = {};  ///< of Failed: where in the statement, when that is known
 };
 

@@ -24,8 +24,12 @@
 
 #include "adapters/qt/mark.h"
 #include "adapters/qt/qt_text.h"
+#include "adapters/qt/say.h"
+#include "adapters/qt/shortcuts.h"
 #include "adapters/qt/theme.h"
+#include "base/texts_designer.h"
 #include "designer/result_model.h"
+#include "platform/commands.h"
 
 namespace zrqrybld {
 namespace {
@@ -38,14 +42,15 @@ constexpr int kRowAir = 6;         // pixels around a row's text
 constexpr int kRowsMeasured = 100;
 
 QString Duration(qint64 milliseconds) {
-  if (milliseconds < 1000) return PreviewPane::tr("%1 ms").arg(milliseconds);
-  return PreviewPane::tr("%1 s").arg(QLocale::c().toString(static_cast<double>(milliseconds) / 1000, 'f', 1));
+  if (milliseconds < 1000) return QStringLiteral("%1 ms").arg(milliseconds);
+  return QStringLiteral("%1 s").arg(QLocale::c().toString(static_cast<double>(milliseconds) / 1000, 'f', 1));
 }
 
 }  // namespace
 
-PreviewPane::PreviewPane(QWidget* parent)
+PreviewPane::PreviewPane(std::shared_ptr<const TextSource> texts, QWidget* parent)
     : QWidget(parent),
+      texts_(std::move(texts)),
       model_(new ResultModel(this)),
       table_(new QTableView),
       empty_(new QLabel),
@@ -62,7 +67,7 @@ PreviewPane::PreviewPane(QWidget* parent)
   message_->setTabChangesFocus(true);
   message_->document()->setDocumentMargin(0);
   message_->setFixedHeight(fontMetrics().lineSpacing() * kMessageLines + kSpacing);
-  message_->setAccessibleName(tr("Why there are no rows"));
+  message_->setAccessibleName(Say(*texts_, text::NoRowsReason));
   auto* line = new QHBoxLayout(failure_);
   line->setContentsMargins(kSpacing, kSpacing / 2, kSpacing, kSpacing / 2);
   line->setSpacing(kSpacing);
@@ -75,7 +80,7 @@ PreviewPane::PreviewPane(QWidget* parent)
   layout->addWidget(failure_);
   failure_->hide();
 
-  empty_->setText(tr("F5 runs the query and shows its first rows here. Nothing is written to the source."));
+  empty_->setText(Say(*texts_, text::PreviewEmpty, KeyTextOf(Command::RunPreview)));
   empty_->setAlignment(Qt::AlignCenter);
   empty_->setWordWrap(true);
   layout->addWidget(empty_, 1);
@@ -113,12 +118,12 @@ QWidget* PreviewPane::MakeBar() {
     made->setAutoRaise(true);
     return made;
   };
-  run_ = button(tr("Run"), tr("Run the query (F5)"));
-  stop_ = button(tr("Stop"), tr("Stop the statement (Shift+F5)"));
-  auto* close = button(tr("Hide"), tr("Hide the result preview"));
+  run_ = button(Say(*texts_, text::RunButton), Say(*texts_, text::RunTip, KeyTextOf(Command::RunPreview)));
+  stop_ = button(Say(*texts_, text::StopPreview), Say(*texts_, text::StopTip, KeyTextOf(Command::StopPreview)));
+  auto* close = button(Say(*texts_, text::HideButton), Say(*texts_, text::HideTip));
   summary_ = new QLabel;
   summary_->setTextFormat(Qt::PlainText);
-  summary_->setAccessibleName(tr("State of the result preview"));
+  summary_->setAccessibleName(Say(*texts_, text::PreviewState));
   summary_->setMinimumWidth(1);  // a narrow window cuts it off rather than growing
   connect(run_, &QToolButton::clicked, this, &PreviewPane::RunWanted);
   connect(stop_, &QToolButton::clicked, this, &PreviewPane::Stop);
@@ -138,7 +143,7 @@ QWidget* PreviewPane::MakeBar() {
 
 void PreviewPane::MakeTable() {
   table_->setModel(model_);
-  table_->setAccessibleName(tr("Result preview"));
+  table_->setAccessibleName(Say(*texts_, text::PreviewName));
   table_->setFrameShape(QFrame::NoFrame);
   table_->setWordWrap(false);
   table_->setTextElideMode(Qt::ElideRight);
@@ -168,7 +173,7 @@ void PreviewPane::Stop() {
   if (!job_ || (!running_ && !model_->HasMore())) return;
   job_.reset();
   if (model_->RowsHeld() == 0) took_ = clock_.elapsed();
-  ended_ = tr("stopped");
+  ended_ = Say(*texts_, text::Stopped);
   model_->End();
   SetRunning(false);
   Q_EMIT Finished(Summary());
@@ -216,11 +221,11 @@ void PreviewPane::Receive(PreviewNews news) {
       break;
     case PreviewNews::Kind::Failed:
       model_->End();
-      Fail(ToQString(news.message));
+      Fail(ToQString(news.message.In(*texts_)));
       if (news.offset) Q_EMIT Refused(*news.offset);
       break;
     case PreviewNews::Kind::Closed:
-      ended_ = tr("the source was let go after a while; F5 reads anew");
+      ended_ = Say(*texts_, text::SourceLetGo, KeyTextOf(Command::RunPreview));
       model_->End();
       ShowSummary();
       break;
@@ -236,7 +241,7 @@ void PreviewPane::ShowRows(PreviewNews& news) {
   }
   if (news.failing) return;
   if (model_->IsFull() || news.cutOff) {
-    ended_ = tr("the preview holds no more");
+    ended_ = Say(*texts_, text::HoldsNoMore);
     model_->End();
   }
   if (!model_->HasMore()) job_.reset();  // the source is let go
@@ -251,7 +256,7 @@ void PreviewPane::Fail(const QString& message) {
   cure_->hide();
   failure_->show();
   if (table_->isHidden()) empty_->hide();
-  ended_ = model_->RowsHeld() > 0 ? tr("then the source has failed") : QString();
+  ended_ = model_->RowsHeld() > 0 ? Say(*texts_, text::ThenFailed) : QString();
   SetRunning(false);
   QAccessibleEvent announcement(message_, QAccessible::Alert);
   QAccessible::updateAccessibility(&announcement);
@@ -281,25 +286,25 @@ QString PreviewPane::Summary() const { return summary_->text(); }
 QString PreviewPane::Failure() const { return failure_->isHidden() ? QString() : message_->toPlainText(); }
 
 QString PreviewPane::RowsText() const {
-  if (model_->RowsHeld() == 0 && !ended_.isEmpty()) return tr("Stopped after %1").arg(Duration(took_));
+  if (model_->RowsHeld() == 0 && !ended_.isEmpty()) return Say(*texts_, text::StoppedAfter, Duration(took_));
   if (table_->isHidden()) return {};
   const auto count = static_cast<qlonglong>(model_->RowsHeld());
-  QString text = count == 0   ? tr("No rows")
-                 : count == 1 ? tr("1 row")
-                              : tr("%1 rows").arg(QLocale::c().toString(count));
-  text = tr("%1 in %2").arg(text, Duration(took_));
-  if (model_->HasMore() && !running_) text += tr(", more while scrolling");
-  if (!ended_.isEmpty()) text += tr("; %1").arg(ended_);
-  return stale_ ? tr("%1 (the statement has changed since)").arg(text) : text;
+  const QString rows = count == 0   ? Say(*texts_, text::NoRows)
+                       : count == 1 ? Say(*texts_, text::OneRow)
+                                    : Say(*texts_, text::RowCountText, QLocale::c().toString(count));
+  QString said = Say(*texts_, text::RowsIn, rows, Duration(took_));
+  if (model_->HasMore() && !running_) said += Say(*texts_, text::MoreWhileScrolling);
+  if (!ended_.isEmpty()) said += "; " + ended_;
+  return stale_ ? Say(*texts_, text::StatementChanged, said) : said;
 }
 
 void PreviewPane::ShowSummary() {
   if (running_ && model_->RowsHeld() == 0) {
-    summary_->setText(tr("Running for %1 s").arg(clock_.elapsed() / 1000));
+    summary_->setText(Say(*texts_, text::RunningFor, clock_.elapsed() / 1000));
   } else if (running_) {
-    summary_->setText(tr("%1, reading on").arg(RowsText()));
+    summary_->setText(Say(*texts_, text::ReadingOn, RowsText()));
   } else if (!Failure().isEmpty() && table_->isHidden()) {
-    summary_->setText(tr("No rows, because of an error"));
+    summary_->setText(Say(*texts_, text::NoRowsError));
   } else {
     summary_->setText(RowsText());
   }
@@ -326,15 +331,15 @@ void PreviewPane::Copy(bool withNames) {
 void PreviewPane::ShowMenu(const QPoint& place) {
   QMenu menu;
   const bool any = table_->selectionModel()->hasSelection();
-  menu.addAction(tr("&Copy"), QKeySequence::Copy, this, [this] { Copy(false); })->setEnabled(any);
-  menu.addAction(tr("Copy with Column &Names"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C), this,
+  menu.addAction(Say(*texts_, text::CopyItem), QKeySequence::Copy, this, [this] { Copy(false); })->setEnabled(any);
+  menu.addAction(Say(*texts_, text::CopyWithNames), ShortcutOf(Command::CopyValuesWithNames), this,
                  [this] { Copy(true); })
       ->setEnabled(any);
-  QAction* formulas = menu.addAction(tr("Copy &Formulas as Text"), this,
+  QAction* formulas = menu.addAction(Say(*texts_, text::CopyFormulas), this,
                                      [](bool asText) { QSettings().setValue(kFormulasAsTextKey, asText); });
   formulas->setCheckable(true);
   formulas->setChecked(QSettings().value(kFormulasAsTextKey, true).toBool());
-  menu.addAction(tr("Select &All"), QKeySequence::SelectAll, table_, &QTableView::selectAll)
+  menu.addAction(Say(*texts_, text::SelectAllItem), QKeySequence::SelectAll, table_, &QTableView::selectAll)
       ->setEnabled(model_->RowsHeld() > 0);
   menu.exec(table_->viewport()->mapToGlobal(place));
 }

@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 
+#include "base/phrase.h"
 #include "designer/preview_job.h"
 
 class QLabel;
@@ -27,7 +28,7 @@ class PreviewPane : public QWidget {
   Q_OBJECT
 
  public:
-  explicit PreviewPane(QWidget* parent = nullptr);
+  explicit PreviewPane(std::shared_ptr<const TextSource> texts, QWidget* parent = nullptr);
   ~PreviewPane() override;
 
   /// Runs a statement in the place of the one before, which is stopped. Returns at once.
@@ -87,6 +88,7 @@ class PreviewPane : public QWidget {
   void ShowMenu(const QPoint& place);
   void ApplyColors();
 
+  std::shared_ptr<const TextSource> texts_;
   std::unique_ptr<PreviewJob> job_;
   ResultModel* model_;
   QTableView* table_;

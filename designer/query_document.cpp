@@ -10,8 +10,11 @@
 #include <utility>
 
 #include "adapters/qt/qt_text.h"
+#include "adapters/qt/say.h"
+#include "adapters/qt/shortcuts.h"
 #include "base/error.h"
 #include "base/file.h"
+#include "base/texts_designer.h"
 #include "designer/plain_box.h"
 #include "designer/recent_connections.h"
 #include "hub/query_file_reader.h"
@@ -24,7 +27,7 @@ constexpr int kMostRecent = 8;
 constexpr const char* kRecentKey = "recentQueries";
 constexpr const char* kSuffix = "zrq";
 
-QString FileFilter() { return QueryDocument::tr("Queries (*.zrq);;All files (*)"); }
+QString FileFilter(const TextSource& texts) { return FileKinds(texts, text::Queries, "*.zrq"); }
 
 }  // namespace
 
@@ -41,12 +44,12 @@ bool QueryDocument::IsQueryFile(const QString& file) {
 QString QueryDocument::Name() const { return QFileInfo(file_).fileName(); }
 
 void QueryDocument::FillMenu(QMenu& menu) {
-  menu.addAction(tr("&New Query"), QKeySequence::New, parent_, [this] { New(); });
-  menu.addAction(tr("&Open Query..."), QKeySequence::Open, parent_, [this] { AskAndOpen(); });
-  QMenu* recent = menu.addMenu(tr("Open &Recent"));
+  menu.addAction(Say(*texts_, text::NewQueryItem), QKeySequence::New, parent_, [this] { New(); });
+  menu.addAction(Say(*texts_, text::OpenQueryItem), QKeySequence::Open, parent_, [this] { AskAndOpen(); });
+  QMenu* recent = menu.addMenu(Say(*texts_, text::OpenRecentMenu));
   QObject::connect(recent, &QMenu::aboutToShow, parent_, [this, recent] { FillRecent(*recent); });
-  menu.addAction(tr("&Save"), QKeySequence::Save, parent_, [this] { Save(); });
-  menu.addAction(tr("Save &As..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S), parent_, [this] { AskAndSave(); });
+  menu.addAction(Say(*texts_, text::SaveItem), QKeySequence::Save, parent_, [this] { Save(); });
+  menu.addAction(Say(*texts_, text::SaveAsItem), ShortcutOf(Command::SaveQueryAs), parent_, [this] { AskAndSave(); });
 }
 
 // --- What is on the screen ---
@@ -86,11 +89,11 @@ void QueryDocument::Load(const std::string& text) {
 bool QueryDocument::MaySetAside() {
   if (!IsModified()) return true;
   QMessageBox box(QMessageBox::Question, QCoreApplication::applicationName(),
-                  tr("Save the changes to %1?").arg(file_.isEmpty() ? tr("the query") : Name()),
+                  Say(*texts_, text::AskSaveChanges, file_.isEmpty() ? Say(*texts_, text::TheQuery) : Name()),
                   QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, parent_);
   box.setTextFormat(Qt::PlainText);
   box.setDefaultButton(QMessageBox::Save);
-  box.setInformativeText(tr("They are lost if you do not save them."));
+  box.setInformativeText(Say(*texts_, text::LostUnlessSaved));
   switch (box.exec()) {
     case QMessageBox::Save:
       return Save();
@@ -150,7 +153,7 @@ QString QueryDocument::Recover(const KeptWork& work, const std::shared_ptr<Provi
     Load(work.query);
   } catch (const std::exception& error) {
     Reset();
-    return ToQString(error.what());
+    return Say(*texts_, error);
   }
   file_ = work.file;
   readInPart_ = false;
@@ -168,9 +171,9 @@ void QueryDocument::New() {
 
 void QueryDocument::AskAndOpen(const QString& file) {
   if (!MaySetAside()) return;
-  const QString chosen =
-      file.isEmpty() ? QFileDialog::getOpenFileName(parent_, tr("Open Query"), QFileInfo(file_).path(), FileFilter())
-                     : file;
+  const QString chosen = file.isEmpty() ? QFileDialog::getOpenFileName(parent_, Say(*texts_, text::OpenQueryCaption),
+                                                                       QFileInfo(file_).path(), FileFilter(*texts_))
+                                        : file;
   if (chosen.isEmpty()) return;
   QString remark;
   const QString error = Open(chosen, &remark);
@@ -186,8 +189,7 @@ std::shared_ptr<ProviderConnection> QueryDocument::TryConnection(const std::stri
   } catch (const std::exception& error) {
     if (!hub_.IsConnected()) throw;
     if (remark) {
-      *remark =
-          tr("The saved connection is not opened, so the query uses the one in use: %1").arg(ToQString(error.what()));
+      *remark = Say(*texts_, text::UsesConnectionInUse, Say(*texts_, error));
     }
     return nullptr;
   }
@@ -199,10 +201,9 @@ QString QueryDocument::PassedOver() const {
   const std::vector<std::string>& remarks = hub_.LoadRemarks();
   QStringList lines;
   for (std::size_t i = 0; i < remarks.size() && i < kShown; ++i) lines << ToQString(remarks[i]);
-  if (remarks.size() > kShown) lines << tr("And more.");
+  if (remarks.size() > kShown) lines << Say(*texts_, text::AndMore);
   if (lines.isEmpty()) return {};
-  return tr("The file holds what the designer does not know. It is lost when the query is saved under this name.") +
-         "\n\n" + lines.join('\n');
+  return Say(*texts_, text::FileHoldsUnknown) + "\n\n" + lines.join('\n');
 }
 
 QString QueryDocument::Open(const QString& file, QString* remark) {
@@ -219,7 +220,7 @@ QString QueryDocument::Open(const QString& file, QString* remark) {
     if (connection) window_.useConnection(connection);
     Load(text);
   } catch (const std::exception& error) {
-    const QString message = tr("%1 cannot be opened: %2").arg(QDir::toNativeSeparators(file), ToQString(error.what()));
+    const QString message = Say(*texts_, text::CannotBeOpened, QDir::toNativeSeparators(file), Say(*texts_, error));
     if (replaced) {
       hub_.SetConnection(connectionBefore);
       Load(before);
@@ -236,7 +237,7 @@ QString QueryDocument::Open(const QString& file, QString* remark) {
   MarkUnmodified();
   Remember(file_);
   window_.changed();
-  window_.happened(tr("Opened %1").arg(QDir::toNativeSeparators(file_)));
+  window_.happened(Say(*texts_, text::Opened, QDir::toNativeSeparators(file_)));
   return {};
 }
 
@@ -256,22 +257,21 @@ bool QueryDocument::Save() {
 
 // `Open` stands for another name.
 QMessageBox::StandardButton QueryDocument::AskAboutWritingOver() {
-  QMessageBox box(QMessageBox::Warning, QCoreApplication::applicationName(),
-                  tr("%1 holds what the designer could not read. Write over it?").arg(Name()),
+  QMessageBox box(QMessageBox::Warning, QCoreApplication::applicationName(), Say(*texts_, text::AskWriteOver, Name()),
                   QMessageBox::Save | QMessageBox::Open | QMessageBox::Cancel, parent_);
   box.setTextFormat(Qt::PlainText);
-  box.button(QMessageBox::Open)->setText(tr("Save &As..."));
-  box.button(QMessageBox::Save)->setText(tr("&Write Over It"));
+  box.button(QMessageBox::Open)->setText(Say(*texts_, text::SaveAsItem));
+  box.button(QMessageBox::Save)->setText(Say(*texts_, text::WriteOverIt));
   box.setDefaultButton(QMessageBox::Open);
-  box.setInformativeText(tr("What was not read is lost then."));
+  box.setInformativeText(Say(*texts_, text::NotReadIsLost));
   return static_cast<QMessageBox::StandardButton>(box.exec());
 }
 
 bool QueryDocument::AskAndSave() {
-  QFileDialog dialog(parent_, tr("Save Query"), QFileInfo(file_).path(), FileFilter());
+  QFileDialog dialog(parent_, Say(*texts_, text::SaveQueryCaption), QFileInfo(file_).path(), FileFilter(*texts_));
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   dialog.setDefaultSuffix(kSuffix);
-  dialog.selectFile(file_.isEmpty() ? tr("query") + "." + kSuffix : Name());
+  dialog.selectFile(file_.isEmpty() ? Say(*texts_, text::QueryFileName) + "." + kSuffix : Name());
   if (dialog.exec() != QDialog::Accepted) return false;
   AskAboutPassword();
   const QString error = SaveAs(dialog.selectedFiles().first());
@@ -284,10 +284,8 @@ void QueryDocument::AskAboutPassword() {
   const std::string connectionString = hub_.Connection()->ConnectionString();
   if (!ConnectionString(connectionString).HoldsSecret()) return;
   if (std::exchange(askedAboutPassword_, connectionString) == connectionString) return;
-  const auto answer =
-      ShowPlain(parent_, QMessageBox::Question,
-                tr("Save the connection's password in the file? Everybody who can read the file can read it there."),
-                QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
+  const auto answer = ShowPlain(parent_, QMessageBox::Question, Say(*texts_, text::AskSavePassword),
+                                QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
   hub_.SetSavePassword(answer == QMessageBox::Yes);
 }
 
@@ -295,14 +293,14 @@ QString QueryDocument::SaveAs(const QString& file) {
   try {
     hub_.SaveQuery(static_cast<const std::string&>(ToUtf8(QFileInfo(file).absoluteFilePath())));
   } catch (const std::exception& error) {
-    return ToQString(error.what());
+    return Say(*texts_, error);
   }
   file_ = QFileInfo(file).absoluteFilePath();
   readInPart_ = false;
   MarkUnmodified();
   Remember(file_);
   window_.changed();
-  window_.happened(tr("Saved %1").arg(QDir::toNativeSeparators(file_)));
+  window_.happened(Say(*texts_, text::Saved, QDir::toNativeSeparators(file_)));
   return {};
 }
 
@@ -324,7 +322,7 @@ void QueryDocument::FillRecent(QMenu& menu) {
     if (!QFileInfo::exists(file)) continue;
     menu.addAction(QDir::toNativeSeparators(file).replace("&", "&&"), parent_, [this, file] { AskAndOpen(file); });
   }
-  if (menu.isEmpty()) menu.addAction(tr("No recent queries"))->setEnabled(false);
+  if (menu.isEmpty()) menu.addAction(Say(*texts_, text::NoRecentQueries))->setEnabled(false);
 }
 
 }  // namespace zrqrybld

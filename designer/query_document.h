@@ -23,8 +23,6 @@ class QWidget;
 namespace zrqrybld {
 
 class QueryDocument {
-  Q_DECLARE_TR_FUNCTIONS(QueryDocument)
-
  public:
   /// What the window does for its document.
   struct Window {
@@ -89,6 +87,7 @@ class QueryDocument {
 
   QWidget* parent_;
   qbQueryBuilder& hub_;
+  std::shared_ptr<const TextSource> texts_ = hub_.Texts();
   Window window_;
   QString file_;
   std::string saved_;

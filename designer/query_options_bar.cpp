@@ -6,6 +6,9 @@
 #include <limits>
 
 #include "adapters/qt/qt_text.h"
+#include "adapters/qt/say.h"
+#include "base/error.h"
+#include "base/texts_designer.h"
 #include "sql/dialect.h"
 #include "sql/sql_pane.h"
 
@@ -17,12 +20,13 @@ constexpr int kLimitDigits = 8;  // room for as many
 }  // namespace
 
 QueryOptionsBar::QueryOptionsBar(qbQueryBuilder& hub, QWidget* parent)
-    : QToolBar(tr("Query"), parent),
+    : QToolBar(Say(*hub.Texts(), text::QueryToolBar), parent),
       hub_(hub),
       dialect_(new QComboBox(this)),
       limit_(new QLineEdit(this)),
       skip_(new QSpinBox(this)),
-      distinct_(new QCheckBox(tr("Each row once"), this)) {
+      distinct_(new QCheckBox(Say(*hub.Texts(), text::EachRowOnce), this)) {
+  const TextSource& texts = *hub.Texts();
   setMovable(false);
   const auto label = [this](const QString& text, QWidget* buddy) {
     auto* words = new QLabel(text, this);
@@ -31,33 +35,33 @@ QueryOptionsBar::QueryOptionsBar(qbQueryBuilder& hub, QWidget* parent)
     return addWidget(words);
   };
 
-  dialect_->setAccessibleName(tr("Dialect"));
+  dialect_->setAccessibleName(Say(texts, text::DialectName));
   for (const Dialect& dialect : AllDialects()) {
     dialect_->addItem(ToQString(dialect.name), static_cast<int>(dialect.syntax));
   }
-  label(tr("Dialect:"), dialect_);
+  label(Say(texts, text::DialectLabel), dialect_);
   addWidget(dialect_);
 
-  limit_->setAccessibleName(tr("Row limit"));
-  limit_->setPlaceholderText(tr("all"));
-  limit_->setToolTip(tr("How many rows the query returns: a number, or a percentage such as 10%. Empty for all."));
+  limit_->setAccessibleName(Say(texts, text::RowLimitName));
+  limit_->setPlaceholderText(Say(texts, text::RowsAll));
+  limit_->setToolTip(Say(texts, text::RowLimitTip));
   limit_->setValidator(new QRegularExpressionValidator(QRegularExpression("\\d{0,9}|\\d{1,3}\\s?%"), limit_));
   limit_->setMaximumWidth(limit_->fontMetrics().averageCharWidth() * kLimitDigits + 24);
-  label(tr("Rows:"), limit_);
+  label(Say(texts, text::RowsLabel), limit_);
   addWidget(limit_);
 
-  skip_->setAccessibleName(tr("Rows to pass over"));
+  skip_->setAccessibleName(Say(texts, text::SkipName));
   skip_->setRange(0, std::numeric_limits<int>::max());
-  skip_->setSpecialValueText(tr("none"));
-  skip_->setToolTip(tr("How many rows are passed over before the first."));
+  skip_->setSpecialValueText(Say(texts, text::SkipNone));
+  skip_->setToolTip(Say(texts, text::SkipTip));
   skip_->setKeyboardTracking(false);
   skip_->setMaximumWidth(limit_->maximumWidth() + 24);
-  QAction* skipLabel = label(tr("Skip:"), skip_);
+  QAction* skipLabel = label(Say(texts, text::SkipLabel), skip_);
   skipShown_ = addWidget(skip_);
   connect(skipShown_, &QAction::changed, skipLabel,
           [this, skipLabel] { skipLabel->setVisible(skipShown_->isVisible()); });
 
-  distinct_->setToolTip(tr("Rows that are alike are returned once (DISTINCT)."));
+  distinct_->setToolTip(Say(texts, text::EachRowOnceTip));
   distinct_->setContentsMargins(8, 0, 0, 0);
   addWidget(distinct_);
 
@@ -86,7 +90,7 @@ void QueryOptionsBar::Change(const std::function<void()>& change) {
   try {
     change();
   } catch (const std::exception& error) {
-    Q_EMIT Failed(ToQString(error.what()));
+    Q_EMIT Failed(Say(*hub_.Texts(), PhraseOf(error)));
   }
   Refresh();
 }

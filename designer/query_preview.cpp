@@ -3,8 +3,10 @@
 #include <algorithm>
 
 #include "adapters/qt/qt_text.h"
+#include "adapters/qt/say.h"
 #include "adapters/sqlite/sqlite_runner.h"
 #include "base/error.h"
+#include "base/texts_designer.h"
 #include "hub/parameter_form.h"
 #include "platform/connection_string.h"
 #include "sql/lexer.h"
@@ -22,7 +24,7 @@ PreviewJob::Open RunnerFor(const ProviderList& providers, const std::string& con
 #if ZRQRYBLD_HAS_ODBC
   if (name == "MSDASQL") return [parsed] { return OpenOdbcRunner(parsed); };
 #endif
-  throw Error(ErrorConnectionFailed, "This source cannot be asked for rows.");
+  throw Error(ErrorConnectionFailed, text::SourceCannotRun);
 }
 
 QueryPreview::QueryPreview(QueryDesignerWidget& designer, PreviewPane& pane) : designer_(designer), pane_(pane) {
@@ -36,7 +38,7 @@ QueryPreview::QueryPreview(QueryDesignerWidget& designer, PreviewPane& pane) : d
 void QueryPreview::OfferOwnDialect() {
   const qbQueryBuilder& hub = designer_.QueryBuilder();
   const Dialect* own = hub.SourceDialect();
-  if (own && own != &hub.CurrentDialect()) pane_.OfferCure(tr("Switch to %1").arg(ToQString(own->name)));
+  if (own && own != &hub.CurrentDialect()) pane_.OfferCure(Say(*hub.Texts(), text::SwitchTo, own->name));
 }
 
 void QueryPreview::SwitchToOwnDialect() {
@@ -48,7 +50,7 @@ bool QueryPreview::Run() {
   qbQueryBuilder& hub = designer_.QueryBuilder();
   if (!hub.SQLPane()->ApplyEditedText()) return false;
   if (!hub.IsConnected()) {
-    pane_.ShowFailure(tr("There is no data source to run the query on. Open one in the File menu."));
+    pane_.ShowFailure(Say(*hub.Texts(), text::NoSourceToRun));
     return false;
   }
   try {
@@ -60,7 +62,7 @@ bool QueryPreview::Run() {
     pane_.Run(RunnerFor(*hub.GetToolkit().Providers(), hub.Connection()->ConnectionString()), sent_,
               DialectFor(hub.SQLPane()->SQLSyntax()));
   } catch (const std::exception& error) {
-    pane_.ShowFailure(ToQString(error.what()));
+    pane_.ShowFailure(Say(*hub.Texts(), error));
     return false;
   }
   return true;

@@ -12,8 +12,6 @@
 namespace zrqrybld {
 
 class QueryPreview {
-  Q_DECLARE_TR_FUNCTIONS(QueryPreview)
-
  public:
   /// Both must outlive it.
   QueryPreview(QueryDesignerWidget& designer, PreviewPane& pane);

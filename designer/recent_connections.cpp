@@ -9,7 +9,9 @@
 #include <optional>
 
 #include "adapters/qt/qt_text.h"
+#include "adapters/qt/say.h"
 #include "base/text.h"
+#include "base/texts_designer.h"
 #include "platform/connection_string.h"
 
 namespace zrqrybld {
@@ -148,17 +150,17 @@ std::string WithPassword(const std::string& connectionString, const std::string&
   return connectionString + ";PWD=" + ConnectionString::QuoteValue(password);
 }
 
-QString SourceName(const std::string& connectionString) {
+QString SourceName(const std::string& connectionString, const TextSource& texts) {
   const ConnectionString parts(ConnectionString(connectionString).WithoutPassword());
   const auto name = FirstOf(parts, {"Data Source", "DSN", "Database", "DBQ", "Server", "Driver", "Provider"});
-  if (!name) return QCoreApplication::translate("RecentConnections", "a data source");
+  if (!name) return Say(texts, text::ADataSource);
   const QString fileName = QFileInfo(ToQString(*name)).fileName();
   return fileName.isEmpty() ? ToQString(*name) : fileName;
 }
 
-QString SourceTitle(const std::string& connectionString) {
+QString SourceTitle(const std::string& connectionString, const TextSource& texts) {
   const ConnectionString parts(ConnectionString(connectionString).WithoutPassword());
-  const QString name = SourceName(connectionString);
+  const QString name = SourceName(connectionString, texts);
   const auto place = FirstOf(parts, {"Data Source", "Database", "DBQ"});
   const QFileInfo file(ToQString(place.value_or("")));
   if (file.isAbsolute()) return name + "  (" + QDir::toNativeSeparators(file.path()) + ')';

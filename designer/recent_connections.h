@@ -5,6 +5,8 @@
 #include <QString>
 #include <string>
 
+#include "base/phrase.h"
+
 namespace zrqrybld {
 
 struct RecentConnection {
@@ -38,9 +40,9 @@ std::string WithPassword(const std::string& connectionString, const std::string&
 
 /// What a source is called in the window: its file, its name or its place. Passwords are taken out first, also those
 /// inside a value. A general name when the string tells none.
-QString SourceName(const std::string& connectionString);
+QString SourceName(const std::string& connectionString, const TextSource& texts = EnglishTexts());
 
 /// The same with what tells two sources of one name apart, for a menu: the file's folder, or the server.
-QString SourceTitle(const std::string& connectionString);
+QString SourceTitle(const std::string& connectionString, const TextSource& texts = EnglishTexts());
 
 }  // namespace zrqrybld

@@ -1,5 +1,6 @@
 #include "diagram/diagram_access.h"
 
+#include "base/texts_diagram.h"
 #include "diagram/diagram_camera.h"
 #include "diagram/diagram_selection.h"
 #include "diagram/diagram_site.h"
@@ -8,6 +9,7 @@
 #include "diagram/join_line.h"
 #include "diagram/join_properties.h"
 #include "diagram/relationships.h"
+#include "platform/commands.h"
 
 namespace zrqrybld {
 namespace {
@@ -16,18 +18,18 @@ Ref<qbEntity> EntityIn(const AccessibleId& id) { return std::dynamic_pointer_cas
 Ref<qbRelationship> JoinIn(const AccessibleId& id) { return std::dynamic_pointer_cast<qbRelationship>(id.object); }
 Ref<BoxRow> RowIn(const AccessibleId& id) { return std::static_pointer_cast<BoxRow>(id.part); }
 
-std::string KindText(TypeKind kind) {
+Phrase KindText(TypeKind kind) {
   switch (kind) {
     case TypeKind::Number:
-      return "number";
+      return text::KindNumber;
     case TypeKind::Text:
-      return "text";
+      return text::KindText;
     case TypeKind::Date:
-      return "date";
+      return text::KindDate;
     case TypeKind::YesNo:
-      return "yes/no";
+      return text::KindYesNo;
     case TypeKind::Binary:
-      return "binary";
+      return text::KindBinary;
     case TypeKind::None:
     case TypeKind::Other:
       break;
@@ -36,7 +38,7 @@ std::string KindText(TypeKind kind) {
 }
 
 // The type as the row's tool tip names it ("Freight: REAL"), else the kind of type that its icon shows.
-std::string TypeText(const BoxRow& row) {
+Phrase TypeText(const BoxRow& row) {
   const std::string& tip = row.ToolTipText();
   const std::string prefix = row.Text() + ": ";
   return tip.starts_with(prefix) ? tip.substr(prefix.size()) : KindText(row.Kind());
@@ -115,15 +117,16 @@ bool DiagramAccess::IsSeen(const PixelRect& onPane) const {
 
 AccessibleInfo DiagramAccess::DescribePane() const {
   const PixelSize view = site_.GetSurface().ViewSize();
-  AccessibleInfo info{AccessibleRole::Pane, "Diagram", {}, {}, {AccessibleAction::ShowMenu}, {}};
-  if (entities_.Count() == 0) info.description = "Empty. Press F7 to add tables.";
+  AccessibleInfo info{AccessibleRole::Pane, Say(text::DiagramName), {}, {}, {AccessibleAction::ShowMenu}, {}};
+  if (entities_.Count() == 0) info.description = Say({text::DiagramEmpty, KeyTextOf(Command::AddTables)});
   info.bounds = {{}, {}, view.width, view.height};
   return info;
 }
 
 AccessibleInfo DiagramAccess::DescribeBox(const Ref<qbEntity>& entity) const {
   const qbEntityList& box = *entity->EntityBox();
-  AccessibleInfo info{AccessibleRole::List, box.Caption(), box.IsView() ? "view" : "table", {}, {}, {}};
+  AccessibleInfo info{
+      AccessibleRole::List, box.Caption(), Say(box.IsView() ? text::IsView : text::IsTable), {}, {}, {}};
   info.state.selectable = true;
   info.state.selected = selection_.Contains(entity);
   info.state.expandable = true;
@@ -139,22 +142,22 @@ std::string DiagramAccess::FactsOf(const BoxRow& row) const {
   const auto add = [&facts](const std::string& fact) {
     if (!fact.empty()) facts += (facts.empty() ? "" : ", ") + fact;
   };
-  if (row.Bold()) add("primary key");
-  add(TypeText(row));
-  if (scene_.JoinedRows().contains(&row)) add("joined");
+  if (row.Bold()) add(Say(text::PrimaryKey));
+  add(Say(TypeText(row)));
+  if (scene_.JoinedRows().contains(&row)) add(Say(text::Joined));
   const ColumnNote& note = row.Note();
   add(note.aggregate);
   if (note.sort != 0) {
     const std::string order = note.order.empty() ? "" : " " + note.order;
-    add((note.sort > 0 ? "sorted ascending" : "sorted descending") + order);
+    add(Say(note.sort > 0 ? text::SortedAscending : text::SortedDescending) + order);
   }
-  if (note.filtered) add("has criteria");
+  if (note.filtered) add(Say(text::HasCriteria));
   return facts;
 }
 
 AccessibleInfo DiagramAccess::DescribeRow(const qbEntityList& box, const Ref<BoxRow>& row) const {
   AccessibleInfo info{
-      AccessibleRole::CheckItem, row->Text() == "*" ? "all columns" : row->Text(), FactsOf(*row), {}, {}, {}};
+      AccessibleRole::CheckItem, row->Text() == "*" ? Say(text::AllColumns) : row->Text(), FactsOf(*row), {}, {}, {}};
   info.state.selectable = true;
   info.state.selected = selection_.Contains(box.Entity()) && box.SelectedRow() == row->Index();
   info.state.checkable = true;
@@ -166,13 +169,13 @@ AccessibleInfo DiagramAccess::DescribeRow(const qbEntityList& box, const Ref<Box
 }
 
 AccessibleInfo DiagramAccess::DescribeJoin(const Ref<qbRelationship>& join) const {
-  AccessibleInfo info{AccessibleRole::Join, "join " + DescribeEnds(*join), {}, {}, {}, {}};
+  AccessibleInfo info{AccessibleRole::Join, Say({text::JoinNamed, DescribeEnds(*join)}), {}, {}, {}, {}};
   const Ref<qbEntity> source = join->Source();
   const Ref<qbEntity> target = join->Target();
   if (source && target) {
-    info.description = zrqrybld::DescribeJoin(source->Caption(), target->Caption(), join->Kind());
+    info.description = Say(zrqrybld::DescribeJoin(source->Caption(), target->Caption(), join->Kind()));
   }
-  if (join->Line()->JoinsDifferentTypes()) info.description += " The two columns hold different types of data.";
+  if (join->Line()->JoinsDifferentTypes()) info.description += " " + Say(text::DifferentTypes);
   info.state.selectable = true;
   info.state.selected = selection_.Contains(join);
   info.actions = {AccessibleAction::Focus, AccessibleAction::Press, AccessibleAction::ShowMenu};

@@ -34,6 +34,7 @@ class DiagramAccess final : public AccessibleTree {
   bool Perform(const AccessibleId& id, AccessibleAction action) override;
 
  private:
+  std::string Say(const Phrase& phrase) const;
   AccessibleInfo DescribePane() const;
   AccessibleInfo DescribeBox(const Ref<qbEntity>& entity) const;
   AccessibleInfo DescribeRow(const qbEntityList& box, const Ref<BoxRow>& row) const;

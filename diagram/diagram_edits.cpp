@@ -4,6 +4,7 @@
 #include <new>
 #include <unordered_map>
 
+#include "base/texts_diagram.h"
 #include "diagram/arrange.h"
 #include "diagram/diagram_selection.h"
 #include "diagram/diagram_site.h"
@@ -73,11 +74,11 @@ bool DiagramEdits::DeleteSelected() {
 void DiagramEdits::AskForAlias(const Ref<qbEntity>& entity) {
   const Ref<QueryContext> context = site_.Context();
   if (!context || !entity->EntityBox()) return;
-  TextDialog dialog{"Alias", "&Name of the table in this query:", entity->Caption()};
+  TextDialog dialog{context->Say(text::AliasCaption), context->Say(text::AliasLabel), entity->Caption()};
   dialog.problem = [this, entity](const std::string& text) -> std::string {
-    if (text.find_first_not_of(' ') == std::string::npos) return "A table needs a name.";
+    if (text.find_first_not_of(' ') == std::string::npos) return Say(site_.Context(), text::AliasNeeded);
     const Ref<qbEntity> other = entities_.Item(text);
-    return other && other != entity ? "Another table of this query has this name." : "";
+    return other && other != entity ? Say(site_.Context(), text::AliasTaken) : "";
   };
   const std::optional<std::string> name = context->GetToolkit().GetDialogs().ShowTextPrompt(dialog);
   if (name && entity->EntityBox() && dialog.problem(*name).empty()) entity->SetCaption(*name);

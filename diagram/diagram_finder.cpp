@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "base/texts_diagram.h"
 #include "diagram/diagram_selection.h"
 #include "diagram/diagram_site.h"
 #include "diagram/diagram_walk.h"
@@ -59,10 +60,10 @@ DiagramFinder::Place DiagramFinder::FindName(const std::string& part) const {
 void DiagramFinder::AskAndFind() {
   const Ref<QueryContext> context = site_.Context();
   if (!context) return;
-  TextDialog dialog{"Find", "&Part of the name of a table or column:", sought_};
-  dialog.problem = [this](const std::string& text) -> std::string {
+  TextDialog dialog{context->Say(text::FindCaption), context->Say(text::FindLabel), sought_};
+  dialog.problem = [this, context](const std::string& text) -> std::string {
     if (text.empty()) return " ";
-    return FindName(text).entity ? "" : "No table or column of the diagram has this in its name.";
+    return FindName(text).entity ? "" : Say(context, text::FindNothing);
   };
   const std::optional<std::string> part = context->GetToolkit().GetDialogs().ShowTextPrompt(dialog);
   if (!part || part->empty()) return;

@@ -16,15 +16,11 @@
 #include "diagram/diagram_walk.h"
 #include "diagram/entity.h"
 #include "diagram/key_join.h"
+#include "platform/commands.h"
 
 namespace zrqrybld {
 namespace {
 
-constexpr std::int32_t kKeyPlus = 107;
-constexpr std::int32_t kKeyMinus = 109;
-constexpr std::int32_t kKeyMenu = 93;
-constexpr std::int32_t kKeyF7 = 118;
-constexpr std::int32_t kKeyF10 = 121;
 constexpr double kZoomKeyStep = 1.25;
 constexpr int kStretchFirstStep = 4;
 constexpr int kStretchLargestStep = 48;
@@ -52,13 +48,11 @@ bool DiagramKeys::Down(const KeyEvent& event) {
   if (IsArrow(keyCode) && event.shift == (ShiftShift | ShiftAlt)) return Scroll(keyCode);
   if (IsArrow(keyCode) && event.shift == ShiftAlt) return NudgeSelected(keyCode);
   if (IsArrow(keyCode) && event.shift == (ShiftCtrl | ShiftShift)) return StretchSelected(keyCode);
-  if (keyCode == KeyCodeSpace && event.shift == ShiftShift) return ToggleMinimized();
+  if (Asks(Key{keyCode, event.shift}, Command::MinimizeTable)) return ToggleMinimized();
   if (keyCode == KeyCodeTab && (event.shift == ShiftNone || event.shift == ShiftShift)) {
     return walk_.SelectNext(event.shift == ShiftShift ? -1 : 1);
   }
-  if ((keyCode == kKeyF10 && event.shift == ShiftShift) || (keyCode == kKeyMenu && event.shift == ShiftNone)) {
-    return ShowMenu();
-  }
+  if (Asks(Key{keyCode, event.shift}, Command::ContextMenu)) return ShowMenu();
   if (keyCode == 0 && event.keyCode != 0) return false;  // a handler has taken it away
   if (Types(event)) return OnCharacters(keyCode, event);
   if ((event.shift & ShiftCtrl) != 0) return OnControlKey(keyCode, event);
@@ -83,6 +77,13 @@ bool DiagramKeys::OnCharacters(std::int32_t keyCode, const KeyEvent& event) {
 bool DiagramKeys::OnPlainKey(std::int32_t keyCode) {
   const Ref<qbEntity> entity = selection_.Entity();
   const auto page = entity ? static_cast<int>(std::max<std::size_t>(entity->EntityBox()->VisibleRowCount(), 1)) : 1;
+  const Key key{keyCode};
+  if (Asks(key, Command::AddTables)) return edits_.RequestTables();
+  if (Asks(key, Command::DeleteSelected)) return edits_.DeleteSelected();
+  if (Asks(key, Command::RenameTable)) {
+    if (entity) edits_.AskForAlias(entity);
+    return entity != nullptr;
+  }
   switch (keyCode) {
     case KeyCodeUp:
       return walk_.MoveCurrentRow(-1);
@@ -101,14 +102,6 @@ bool DiagramKeys::OnPlainKey(std::int32_t keyCode) {
       return true;
     case KeyCodeEnter:
       return walk_.Enter();
-    case KeyCodeDelete:
-      return edits_.DeleteSelected();
-    case KeyCodeInsert:
-    case kKeyF7:
-      return edits_.RequestTables();
-    case KeyCodeF2:
-      if (entity) edits_.AskForAlias(entity);
-      return entity != nullptr;
     case KeyCodeEscape:
       return Escape();
     default:
@@ -131,25 +124,21 @@ bool DiagramKeys::Zoom(double factor) {
 }
 
 bool DiagramKeys::OnControlKey(std::int32_t keyCode, const KeyEvent& event) {
-  if (keyCode == kKeyPlus || event.text == "+" || event.text == "=") return Zoom(camera_.Zoom() * kZoomKeyStep);
-  if (keyCode == kKeyMinus || event.text == "-") return Zoom(camera_.Zoom() / kZoomKeyStep);
-  if (event.shift != ShiftCtrl) return false;
-  switch (keyCode) {
-    case '0':
-      return Zoom(1);
-    case 'A':
-      selection_.SelectAll(targets_.entities);
-      return true;
-    case 'C':
-      return targets_.pictures.Copy();
-    case 'F':
-      finder_.AskAndFind();
-      return site_.Context() != nullptr;
-    case 'J':
-      return keyJoin_.Drawn() ? walk_.Enter() : keyJoin_.Begin();
-    default:
-      return false;
+  if (keyCode == KeyCodePlus || event.text == "+" || event.text == "=") return Zoom(camera_.Zoom() * kZoomKeyStep);
+  if (keyCode == KeyCodeMinus || event.text == "-") return Zoom(camera_.Zoom() / kZoomKeyStep);
+  const Key key{keyCode, event.shift};
+  if (Asks(key, Command::ActualSize)) return Zoom(1);
+  if (Asks(key, Command::SelectAllTables)) {
+    selection_.SelectAll(targets_.entities);
+    return true;
   }
+  if (Asks(key, Command::CopyPicture)) return targets_.pictures.Copy();
+  if (Asks(key, Command::FindName)) {
+    finder_.AskAndFind();
+    return site_.Context() != nullptr;
+  }
+  if (Asks(key, Command::JoinFromHere)) return keyJoin_.Drawn() ? walk_.Enter() : keyJoin_.Begin();
+  return false;
 }
 
 void DiagramKeys::Up(const KeyEvent& event) {

@@ -7,6 +7,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_diagram.h"
 #include "diagram/auto_joins.h"
 #include "diagram/diagram_camera.h"
 #include "diagram/diagram_edits.h"
@@ -21,6 +22,7 @@
 #include "diagram/relationships.h"
 #include "diagram/table_picker.h"
 #include "host/query_context.h"
+#include "platform/commands.h"
 
 namespace zrqrybld {
 namespace {
@@ -34,24 +36,28 @@ Menu MenuForSurface(const Targets& targets) {
   const Ref<QueryContext> context = targets.site.Context();
   const bool any = targets.entities.Count() > 0;
   return {
-      {"&Add Tables...", "F7", [&edits = targets.edits] { edits.RequestTables(); }, context && context->IsConnected()},
+      {Say(targets.site.Context(), text::MenuAddTables), KeyTextOf(Command::AddTables),
+       [&edits = targets.edits] { edits.RequestTables(); }, context && context->IsConnected()},
       MenuEntry::Separator(),
-      {"A&rrange", "", [&edits = targets.edits, &camera = targets.camera] { edits.Arrange(camera.VisibleWidth()); },
-       any},
-      {"&Fit to Window", "", [&camera = targets.camera] { camera.ZoomToFit(); }, any},
-      {"&100 %", "Ctrl+0", [&camera = targets.camera] { camera.SetZoom(1, {}); }, targets.camera.Zoom() != 1},
+      {Say(targets.site.Context(), text::MenuArrange), "",
+       [&edits = targets.edits, &camera = targets.camera] { edits.Arrange(camera.VisibleWidth()); }, any},
+      {Say(targets.site.Context(), text::MenuFitWindow), "", [&camera = targets.camera] { camera.ZoomToFit(); }, any},
+      {Say(targets.site.Context(), text::MenuActualSize), KeyTextOf(Command::ActualSize),
+       [&camera = targets.camera] { camera.SetZoom(1, {}); }, targets.camera.Zoom() != 1},
       MenuEntry::Separator(),
-      {"&Select All", "Ctrl+A",
+      {Say(targets.site.Context(), text::MenuSelectAll), KeyTextOf(Command::SelectAllTables),
        [&selection = targets.selection, &entities = targets.entities] { selection.SelectAll(entities); }, any},
-      {"&Copy Picture", "Ctrl+C", [&pictures = targets.pictures] { pictures.Copy(); }, any},
-      {"Sa&ve Picture...", "", [&pictures = targets.pictures] { pictures.AskToSave(); }, any && context},
+      {Say(targets.site.Context(), text::MenuCopyPicture), KeyTextOf(Command::CopyPicture),
+       [&pictures = targets.pictures] { pictures.Copy(); }, any},
+      {Say(targets.site.Context(), text::MenuSavePicture), "", [&pictures = targets.pictures] { pictures.AskToSave(); },
+       any && context},
   };
 }
 
 // The tables that the source's foreign keys link to this one, each with its joins.
 MenuEntry RelatedTo(const Targets& targets, const qbEntity& entity) {
   constexpr std::size_t kMost = 30;
-  MenuEntry related{"Add Re&lated Tables", ""};
+  MenuEntry related{Say(targets.site.Context(), text::MenuAddRelated), ""};
   const Ref<QueryContext> context = targets.site.Context();
   std::vector<std::string> names;
   try {
@@ -65,7 +71,8 @@ MenuEntry RelatedTo(const Targets& targets, const qbEntity& entity) {
   }
   if (names.size() > 1) {
     related.entries.push_back(MenuEntry::Separator());
-    related.entries.push_back({"&All of Them", "", [context, names] { TablePicker(context).AddTables(names); }});
+    related.entries.push_back({Say(targets.site.Context(), text::MenuAllOfThem), "",
+                               [context, names] { TablePicker(context).AddTables(names); }});
   }
   related.enabled = !names.empty();
   return related;
@@ -77,19 +84,24 @@ Menu MenuForBox(const Targets& targets, const Ref<qbEntity>& entity) {
   const bool minimized = box->Minimized();
   const bool several = !targets.selection.Others().empty();
   return {
-      {"Alia&s...", "F2", [&edits, entity] { edits.AskForAlias(entity); }, targets.site.Context() != nullptr},
+      {Say(targets.site.Context(), text::MenuAlias), KeyTextOf(Command::RenameTable),
+       [&edits, entity] { edits.AskForAlias(entity); }, targets.site.Context() != nullptr},
       MenuEntry::Separator(),
-      {"Tick &All Columns", "", [&edits, entity] { edits.TickColumns(entity, true, false); }},
-      {"Tick &Key Columns", "", [&edits, entity] { edits.TickColumns(entity, true, true); }},
-      {"&Untick All Columns", "", [&edits, entity] { edits.TickColumns(entity, false, false); }},
+      {Say(targets.site.Context(), text::MenuTickAll), "",
+       [&edits, entity] { edits.TickColumns(entity, true, false); }},
+      {Say(targets.site.Context(), text::MenuTickKeys), "",
+       [&edits, entity] { edits.TickColumns(entity, true, true); }},
+      {Say(targets.site.Context(), text::MenuUntickAll), "",
+       [&edits, entity] { edits.TickColumns(entity, false, false); }},
       MenuEntry::Separator(),
       RelatedTo(targets, *entity),
       MenuEntry::Separator(),
-      {minimized ? "R&estore" : "&Minimise", "Shift+Space",
-       [&edits, box, minimized] { edits.Minimize(*box, !minimized); }},
-      {"&Fit to Columns", "", [&edits, box] { edits.FitBox(box); }, !minimized},
+      {Say(targets.site.Context(), minimized ? text::MenuRestore : text::MenuMinimise),
+       KeyTextOf(Command::MinimizeTable), [&edits, box, minimized] { edits.Minimize(*box, !minimized); }},
+      {Say(targets.site.Context(), text::MenuFitColumns), "", [&edits, box] { edits.FitBox(box); }, !minimized},
       MenuEntry::Separator(),
-      {several ? "&Remove Selected Tables" : "&Remove", "Del", [&edits] { edits.DeleteSelected(); }},
+      {Say(targets.site.Context(), several ? text::MenuRemoveSelected : text::MenuRemove),
+       KeyTextOf(Command::DeleteSelected), [&edits] { edits.DeleteSelected(); }},
   };
 }
 
@@ -100,13 +112,13 @@ Menu MenuForColumn(const Targets& targets, const Ref<qbEntity>& entity, const Re
   const std::string column = item->Text();
   const std::optional<ColumnUse> use = context ? context->UseOfColumn(table, column) : std::nullopt;
   const bool all = column == "*";
-  MenuEntry sort{"&Sort", "", {}, use && !all};
-  for (const auto& [text, type] :
-       {std::pair{"&Ascending", "Ascending"}, {"&Descending", "Descending"}, {"&Unsorted", ""}}) {
-    sort.entries.push_back({text, "", [=, type = type] { context->SortByColumn(table, column, type); }, true,
-                            use && EqualsNoCase(use->sortType, type)});
+  MenuEntry sort{Say(targets.site.Context(), text::MenuSort), "", {}, use && !all};
+  for (const auto& [name, type] :
+       {std::pair{text::MenuAscending, "Ascending"}, {text::MenuDescending, "Descending"}, {text::MenuUnsorted, ""}}) {
+    sort.entries.push_back({Say(context, name), "", [=, type = type] { context->SortByColumn(table, column, type); },
+                            true, use && EqualsNoCase(use->sortType, type)});
   }
-  MenuEntry group{"&Group or Aggregate", "", {}, use.has_value()};
+  MenuEntry group{Say(targets.site.Context(), text::MenuGroup), "", {}, use.has_value()};
   if (use) {
     for (const Ref<qbDBFunction>& function : *context->DBFunctions()) {
       if ((function->Flags() & 1) == 0) continue;
@@ -116,7 +128,7 @@ Menu MenuForColumn(const Targets& targets, const Ref<qbEntity>& entity, const Re
     }
   }
   return {
-      {"&Output", "Space",
+      {Say(targets.site.Context(), text::MenuOutput), KeyTextOf(Command::TickColumn),
        [entity, column] {
          const Ref<qbEntityItem> now = entity->Items()->FindByText(column, true);
          if (now) now->SetChecked(!now->Checked());
@@ -124,11 +136,13 @@ Menu MenuForColumn(const Targets& targets, const Ref<qbEntity>& entity, const Re
        true, item->Checked()},
       std::move(sort),
       std::move(group),
-      {"Add &Criterion", "", [=] { context->GoToCriterion(table, column); }, use && !all},
+      {Say(targets.site.Context(), text::MenuAddCriterion), "", [=] { context->GoToCriterion(table, column); },
+       use && !all},
       MenuEntry::Separator(),
-      {"&Join from Here", "Ctrl+J", [&keyJoin = targets.keyJoin] { keyJoin.Begin(); }, !all},
+      {Say(targets.site.Context(), text::MenuJoinFromHere), KeyTextOf(Command::JoinFromHere),
+       [&keyJoin = targets.keyJoin] { keyJoin.Begin(); }, !all},
       MenuEntry::Separator(),
-      {"&Table", "", {}, true, false, MenuForBox(targets, entity)},
+      {Say(targets.site.Context(), text::MenuTable), "", {}, true, false, MenuForBox(targets, entity)},
   };
 }
 
@@ -145,12 +159,14 @@ MenuEntry KindsOf(const Targets& targets, const Ref<qbRelationship>& join) {
                      },
                      true, join->Kind() == value};
   };
-  MenuEntry kinds{"&Kind", ""};
-  kinds.entries = {kind({}, "&Matching Rows Only"),
-                   kind({.allOfSource = true}, "All Rows from &" + InMenu(join->Source()->Caption())),
-                   kind({.allOfTarget = true}, "All Rows from &" + InMenu(join->Target()->Caption()))};
+  MenuEntry kinds{Say(targets.site.Context(), text::MenuKind), ""};
+  kinds.entries = {
+      kind({}, Say(targets.site.Context(), text::MenuMatchingOnly)),
+      kind({.allOfSource = true}, Say(context, {text::MenuAllRowsFrom, InMenu(join->Source()->Caption())})),
+      kind({.allOfTarget = true}, Say(context, {text::MenuAllRowsFrom, InMenu(join->Target()->Caption())}))};
   const bool hasFull = !context || context->HasFullJoin();
-  MenuEntry full = kind({.allOfTarget = true, .allOfSource = true}, "All Rows from &Both");
+  MenuEntry full =
+      kind({.allOfTarget = true, .allOfSource = true}, Say(targets.site.Context(), text::MenuAllRowsFromBoth));
   full.enabled = hasFull;
   if (hasFull || full.checked) kinds.entries.push_back(std::move(full));
   return kinds;
@@ -161,11 +177,12 @@ Menu MenuForJoin(const Targets& targets, const Ref<qbRelationship>& join) {
   const Ref<QueryContext> context = targets.site.Context();
   return {
       KindsOf(targets, join),
-      {"&Properties...", "Enter", [context, join] { context->RelationshipActivated(join); },
-       context && context->CanEditJoins()},
-      {"&Reverse", "", [&edits, join] { edits.ReverseJoin(join); }},
+      {Say(targets.site.Context(), text::MenuProperties), KeyTextOf(Command::OpenSelected),
+       [context, join] { context->RelationshipActivated(join); }, context && context->CanEditJoins()},
+      {Say(targets.site.Context(), text::MenuReverse), "", [&edits, join] { edits.ReverseJoin(join); }},
       MenuEntry::Separator(),
-      {"&Delete", "Del", [&edits] { edits.DeleteSelected(); }},
+      {Say(targets.site.Context(), text::MenuDelete), KeyTextOf(Command::DeleteSelected),
+       [&edits] { edits.DeleteSelected(); }},
   };
 }
 

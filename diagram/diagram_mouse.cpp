@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "base/texts_diagram.h"
 #include "diagram/diagram_camera.h"
 #include "diagram/diagram_edits.h"
 #include "diagram/diagram_gestures.h"
@@ -244,8 +245,8 @@ std::string DiagramMouse::ToolTipAt(PixelPoint point) const {
     const Ref<qbRelationship> join = hit.line->Relationship();
     if (!join) return {};
     return DescribeEnds(*join) + "\n" +
-           DescribeJoin(join->Source()->Caption(), join->Target()->Caption(), join->Kind()) +
-           (hit.line->JoinsDifferentTypes() ? "\nThe two columns hold different types of data." : "");
+           Say(site_.Context(), DescribeJoin(join->Source()->Caption(), join->Target()->Caption(), join->Kind())) +
+           (hit.line->JoinsDifferentTypes() ? "\n" + Say(site_.Context(), text::DifferentTypes) : "");
   }
   if (!hit.box) return {};
   if (hit.part.part == BoxPart::Caption) return hit.box->Caption();

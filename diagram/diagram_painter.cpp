@@ -4,6 +4,7 @@
 #include <array>
 #include <string>
 
+#include "base/texts_diagram.h"
 #include "diagram/diagram_camera.h"
 #include "diagram/diagram_properties.h"
 #include "diagram/diagram_selection.h"
@@ -12,6 +13,8 @@
 #include "diagram/join_line.h"
 #include "diagram/key_join.h"
 #include "diagram/source_names.h"
+#include "host/query_context.h"
+#include "platform/commands.h"
 
 namespace zrqrybld {
 namespace {
@@ -103,7 +106,8 @@ void PaintPane(Canvas& canvas, const DiagramSite& site, const DiagramProperties&
   const PixelSize view = surface.ViewSize();
   canvas.FillRect({{}, {}, view.width, view.height}, properties.SurfaceInk());
   if (scene.Boxes().Empty()) {
-    canvas.DrawText({{}, {}, view.width, view.height}, "Add tables to begin: press F7",
+    canvas.DrawText({{}, {}, view.width, view.height},
+                    Say(site.Context(), {text::DiagramHint, KeyTextOf(Command::AddTables)}),
                     {ColorRole::SurfaceText, {}, TextAlignment::Center});
     return;
   }
@@ -122,8 +126,7 @@ void PaintPane(Canvas& canvas, const DiagramSite& site, const DiagramProperties&
   }
   if (keyJoin) {
     PaintHint(canvas, surface,
-              "Join " + keyJoin->box->Caption() + "." + keyJoin->row->Text() +
-                  ": go to a column of another table and press Enter. Esc cancels.");
+              Say(site.Context(), {text::JoinHint, keyJoin->box->Caption() + "." + keyJoin->row->Text()}));
   }
 }
 

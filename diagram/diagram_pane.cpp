@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "base/texts_diagram.h"
 #include "diagram/diagram_painter.h"
 #include "diagram/diagram_parts.h"
 #include "host/query_context.h"
@@ -20,7 +21,8 @@ Ref<qbDiagramPane> qbDiagramPane::Create() {
 
 void qbDiagramPane::AboutBox() {
   if (const Ref<QueryContext> context = Context()) {
-    context->GetToolkit().GetDialogs().ShowMessage("zrQryBld\r\nThe diagram of a query.", MessageIcon::Information);
+    context->GetToolkit().GetDialogs().ShowMessage("zrQryBld\r\n" + context->Say(text::AboutDiagram),
+                                                   MessageIcon::Information);
   }
 }
 

@@ -5,6 +5,7 @@
 #include "base/error.h"
 #include "base/file.h"
 #include "base/text.h"
+#include "base/texts_diagram.h"
 #include "diagram/diagram_camera.h"
 #include "diagram/diagram_painter.h"
 #include "diagram/diagram_properties.h"
@@ -55,12 +56,14 @@ void DiagramPictures::AskToSave() const {
   if (!context) return;
   Dialogs& dialogs = context->GetToolkit().GetDialogs();
   const std::string path =
-      dialogs.ShowSaveFile({"Save Picture", "diagram", {{"PNG pictures", "png"}, {"SVG pictures", "svg"}}});
+      dialogs.ShowSaveFile({context->Say(text::SavePictureCaption),
+                            context->Say(text::PictureFileName),
+                            {{context->Say(text::PngPictures), "png"}, {context->Say(text::SvgPictures), "svg"}}});
   if (path.empty()) return;
   try {
     Save(path);
   } catch (const Error& error) {
-    dialogs.ShowMessage(error.Description(), MessageIcon::Critical);
+    dialogs.ShowMessage(context->Say(error), MessageIcon::Critical);
   }
 }
 

@@ -5,6 +5,7 @@
 
 #include "base/error.h"
 #include "base/scoped_value.h"
+#include "base/texts_diagram.h"
 #include "diagram/diagram_scene.h"
 #include "diagram/diagram_site.h"
 #include "diagram/entities.h"
@@ -51,7 +52,7 @@ bool DiagramSelection::Contains(const Ref<Object>& object) const {
 
 void DiagramSelection::Select(const Ref<Object>& object) {
   const Ref<Object> alive = site_.shared_from_this();  // a listener may let go of it
-  if (IsForeign(scene_, object)) throw Error(ErrorInvalidCall, "The object is in another diagram.");
+  if (IsForeign(scene_, object)) throw Error(ErrorInvalidCall, text::OtherDiagram);
   if (object == selected_) {
     if (!std::exchange(others_, {}).empty()) site_.Refresh();
     return;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/error.h"
+#include "base/texts_diagram.h"
 #include "diagram/entity_state.h"
 #include "diagram/join_line.h"
 #include "diagram/relationships.h"
@@ -52,7 +53,7 @@ void qbEntities::Announce(const Ref<qbEntity>& entity, const std::string& key, c
 
 // A caption names one table in the statement, where letter case does not count, and none is no name.
 void qbEntities::RequireFree(const std::string& caption, const qbEntity* owner) const {
-  if (caption.empty()) throw Error(ErrorInvalidCall, "A table needs a caption.");
+  if (caption.empty()) throw Error(ErrorInvalidCall, text::CaptionNeeded);
   const Ref<qbEntity>* other = items_.Find(caption);
   if (other && other->get() != owner) ThrowDuplicateKey(caption);
 }

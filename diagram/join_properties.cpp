@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "base/text.h"
+#include "base/texts_diagram.h"
 #include "diagram/entity.h"
 
 namespace zrqrybld {
@@ -26,13 +27,13 @@ std::string NameTables(std::string_view text, const std::string& table1, const s
 
 }  // namespace
 
-std::string DescribeJoin(const std::string& source, const std::string& target, JoinKind kind) {
+Phrase DescribeJoin(const std::string& source, const std::string& target, JoinKind kind) {
   if (kind.IsFull()) {
-    return "All rows from " + source + " and all rows from " + target + ", put together where they match.";
+    return {text::JoinFull, source, target};
   }
-  if (kind.allOfTarget) return "All rows from " + target + ", and the matching rows from " + source + ".";
-  if (kind.allOfSource) return "All rows from " + source + ", and the matching rows from " + target + ".";
-  return "Only rows that match in both " + source + " and " + target + ".";
+  if (kind.allOfTarget) return {text::JoinAllOf, target, source};
+  if (kind.allOfSource) return {text::JoinAllOf, source, target};
+  return {text::JoinInner, source, target};
 }
 
 std::string DescribeEnds(const qbRelationship& relationship) {
@@ -68,13 +69,10 @@ bool EditJoin(QueryContext& context, qbRelationship& relationship) {
   dialog.table1 = target->Caption();
   dialog.table2 = source->Caption();
   dialog.describe = [&](bool all1, bool all2) {
-    return DescribeJoin(source->Caption(), target->Caption(), {.allOfTarget = all1, .allOfSource = all2});
+    return context.Say(DescribeJoin(source->Caption(), target->Caption(), {.allOfTarget = all1, .allOfSource = all2}));
   };
   dialog.warning = [&](bool all1, bool all2) {
-    return all1 && all2 && !context.HasFullJoin()
-               ? std::string(
-                     "The SQL dialect in use cannot keep all rows of both tables; only matching rows come back.")
-               : std::string();
+    return all1 && all2 && !context.HasFullJoin() ? context.Say(text::NoFullJoin) : std::string();
   };
   if (!context.GetToolkit().GetDialogs().ShowJoinProperties(dialog)) return false;
   SetJoinKind(relationship, {.allOfTarget = dialog.table1Checked, .allOfSource = dialog.table2Checked});

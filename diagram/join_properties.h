@@ -3,13 +3,14 @@
 
 #include <string>
 
+#include "base/phrase.h"
 #include "diagram/relationship.h"
 #include "host/query_context.h"
 
 namespace zrqrybld {
 
 /// What a join of this kind returns, in words: "All rows from Orders, and the matching rows from Customers."
-std::string DescribeJoin(const std::string& source, const std::string& target, JoinKind kind);
+Phrase DescribeJoin(const std::string& source, const std::string& target, JoinKind kind);
 
 /// The two ends of a join, in words: "Order.CustomerID = Customers.CustomerID". Captions alone for columns not set.
 std::string DescribeEnds(const qbRelationship& relationship);

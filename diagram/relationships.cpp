@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/error.h"
+#include "base/texts_diagram.h"
 #include "diagram/entity.h"
 
 namespace zrqrybld {
@@ -11,7 +12,7 @@ namespace zrqrybld {
 Ref<qbRelationship> qbRelationships::Add(const Ref<qbEntity>& target) {
   const Ref<qbEntity> source = parent_.lock();
   if (!view_ || !source || !target || !target->EntityBox()) ThrowObjectRemoved();
-  if (!view_->HasBox(*target->EntityBox())) throw Error(ErrorInvalidCall, "The table is in another diagram.");
+  if (!view_->HasBox(*target->EntityBox())) throw Error(ErrorInvalidCall, text::TableInOtherDiagram);
   const Ref<qbRelationship> relationship = Make(source, target);
   Append(relationship);
   Touch();

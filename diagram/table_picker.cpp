@@ -4,6 +4,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_diagram.h"
 #include "diagram/auto_joins.h"
 #include "diagram/source_names.h"
 #include "host/connection_info.h"
@@ -73,7 +74,7 @@ Ref<qbEntity> TablePicker::AddTable(const std::string& tableName) {
         try {
           entity = MakeEntity(tableName);
         } catch (const std::exception& cause) {
-          throw WrapError(ErrorAddingTable, "An error occured while adding table " + tableName + ".", cause);
+          throw WrapError(ErrorAddingTable, {text::AddingTableFailed, tableName}, cause);
         }
       },
       tableName);
@@ -239,7 +240,7 @@ void TablePicker::ShowTables() {
         if (progress) progress(count);
       });
     } catch (const Error& error) {
-      context_->GetToolkit().GetDialogs().ShowMessage(error.Description(), MessageIcon::Critical);
+      context_->GetToolkit().GetDialogs().ShowMessage(context_->Say(error), MessageIcon::Critical);
     }
     return added;
   };

@@ -5,6 +5,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_expression.h"
 #include "expression/schema_cache.h"
 #include "sql/query_snapshot.h"
 #include "sql/source_rules.h"
@@ -44,9 +45,9 @@ void frmExpressionBuilder::AddTables() {
 
 void frmExpressionBuilder::AddWords() {
   Vocabulary words = ReadVocabulary(*Context());
-  AddMarkers(words, QueryMarkers(Context()->Snapshot()));
-  const auto add = [this](std::string name, const std::vector<VocabularyWord>& entries, const auto& fits) {
-    Group group{std::move(name), {}};
+  AddMarkers(words, QueryMarkers(Context()->Snapshot()), Context()->Say(text::InUse));
+  const auto add = [this](TextId name, const std::vector<VocabularyWord>& entries, const auto& fits) {
+    Group group{Context()->Say(name), {}};
     for (const VocabularyWord& entry : entries) {
       if (!fits(entry)) continue;
       std::string hint = entry.description;
@@ -56,12 +57,12 @@ void frmExpressionBuilder::AddWords() {
     AddGroup(std::move(group));
   };
   const auto any = [](const VocabularyWord&) { return true; };
-  add("Functions", words.functions, [](const VocabularyWord& word) { return !word.aggregate; });
-  add("Aggregates", words.functions, [](const VocabularyWord& word) { return word.aggregate; });
-  add("Conditions", words.operators, [](const VocabularyWord& word) { return word.condition; });
-  add("Operators", words.operators, [](const VocabularyWord& word) { return !word.condition; });
-  add("Keywords", words.keywords, any);
-  add("Parameters", words.parameters, any);
+  add(text::GroupFunctions, words.functions, [](const VocabularyWord& word) { return !word.aggregate; });
+  add(text::GroupAggregates, words.functions, [](const VocabularyWord& word) { return word.aggregate; });
+  add(text::GroupConditions, words.operators, [](const VocabularyWord& word) { return word.condition; });
+  add(text::GroupOperators, words.operators, [](const VocabularyWord& word) { return !word.condition; });
+  add(text::GroupKeywords, words.keywords, any);
+  add(text::GroupParameters, words.parameters, any);
 }
 
 bool frmExpressionBuilder::Finds(std::string_view wanted, const Group& group, const Part& part) {

@@ -16,7 +16,7 @@ Ref<frmExpressionZoom> frmExpressionZoom::Create(const Ref<QueryContext>& contex
 
 std::string frmExpressionZoom::Language(std::int32_t id) const {
   const Ref<QueryContext> context = context_.lock();
-  return context ? context->GetLanguageString(id) : std::string(DefaultLanguageString(id));
+  return Say(context, TextId{id});
 }
 
 std::optional<ExpressionFault> frmExpressionZoom::Check(std::string_view text) const {
@@ -29,7 +29,7 @@ std::optional<ExpressionFault> frmExpressionZoom::Check(std::string_view text) c
       ParseExpressionText(text, arena);
     }
   } catch (const Error& error) {
-    return ExpressionFault{error.Description(), error.Offset().value_or(text.size())};
+    return ExpressionFault{Say(context_.lock(), error.What()), error.Offset().value_or(text.size())};
   }
   return std::nullopt;
 }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "base/texts_expression.h"
 #include "expression/schema_cache.h"
 #include "sql/parameters.h"
 #include "sql/query_snapshot.h"
@@ -42,10 +43,11 @@ SuggestionList qbIntelliList::Ask(std::string_view text, std::size_t caret) {
   const std::shared_ptr<SchemaCache> facts = context->Schema();
   facts->Refresh();
   Vocabulary words = ReadVocabulary(*context);
-  AddMarkers(words, markers_);
+  const std::string inUse = context->Say(text::InUse);
+  AddMarkers(words, markers_, inUse);
   // A marker that the caret stands in is not complete.
-  AddMarkers(words, ParameterMarkers(text.substr(0, caret)));
-  AddMarkers(words, ParameterMarkers(text.substr(caret)));
+  AddMarkers(words, ParameterMarkers(text.substr(0, caret)), inUse);
+  AddMarkers(words, ParameterMarkers(text.substr(caret)), inUse);
   const NameRules names = CurrentNameRules(*context);
   return Suggest({text, caret, kind_, *facts, words, names});
 }

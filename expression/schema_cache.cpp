@@ -67,12 +67,12 @@ std::vector<std::string> QueryMarkers(const QuerySnapshot& query) {
   return markers;
 }
 
-void AddMarkers(Vocabulary& words, const std::vector<std::string>& markers) {
+void AddMarkers(Vocabulary& words, const std::vector<std::string>& markers, const std::string& description) {
   std::size_t place = 0;
   for (const std::string& marker : markers) {
     if (std::ranges::find(words.parameters, marker, &VocabularyWord::name) != words.parameters.end()) continue;
     words.parameters.insert(words.parameters.begin() + static_cast<std::ptrdiff_t>(place++),
-                            {marker, marker, "In use", false, false});
+                            {marker, marker, description, false, false});
   }
 }
 

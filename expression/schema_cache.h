@@ -23,7 +23,7 @@ Vocabulary ReadVocabulary(const QueryContext& context);
 std::vector<std::string> QueryMarkers(const QuerySnapshot& query);
 
 /// Puts parameters that are in use before the marker's pattern, each once.
-void AddMarkers(Vocabulary& words, const std::vector<std::string>& markers);
+void AddMarkers(Vocabulary& words, const std::vector<std::string>& markers, const std::string& description);
 
 class SchemaCache final : public SourceFacts {
  public:

@@ -5,6 +5,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_grid.h"
 #include "diagram/entities.h"
 #include "grid/field_rows.h"
 #include "sql/criteria_formatter.h"
@@ -13,7 +14,6 @@
 namespace zrqrybld {
 namespace {
 
-constexpr std::string_view kNotInList = "You have to select an item in the list.";
 constexpr SortWord kNoSort{"", SortDirection::None};
 
 }  // namespace
@@ -70,7 +70,7 @@ void CellRules::ColumnEdited(const Edit& edit) {
   if (entity && !FindItemExactly(*entity, typed.column) && entity->Items()->Count() > 1) {
     const bool isName = std::ranges::all_of(typed.column, [](char c) { return IsWordByte(c) || c == ' '; });
     if (isName) {
-      writer.SetHint(kColumnColumn, typed.table + " has no column \"" + typed.column + "\".");
+      writer.SetHint(kColumnColumn, context->Say({text::TableHasNoColumn, typed.table, typed.column}));
     } else {
       writer.SetText(kColumnTable, "");  // an expression stands for itself, not for a column of the table
     }
@@ -90,8 +90,8 @@ void CellRules::TableEdited(const Edit& edit) {
   if (!entities || typed.empty() || entities->FindExactly(typed)) return;
   const RowWriter writer(edit.row);
   writer.SetText(kColumnTable, "");
-  Complain(edit, std::string(kNotInList), MessageIcon::Exclamation);
-  writer.SetHint(kColumnTable, "The diagram has no table \"" + typed + "\".");
+  Complain(edit, Say(rows_.Context(), text::NotInList), MessageIcon::Exclamation);
+  writer.SetHint(kColumnTable, Say(rows_.Context(), {text::DiagramHasNoTable, typed}));
 }
 
 // The columns of the row's table; without one those of all tables, with their tables' captions.
@@ -138,7 +138,7 @@ void CellRules::SortTypeEdited(const Edit& edit) {
   const RowWriter writer(edit.row);
   writer.SetText(kColumnSortType, word ? word->text : edit.before);
   if (!word) {
-    writer.SetHint(kColumnSortType, std::string(kNotInList));
+    writer.SetHint(kColumnSortType, Say(rows_.Context(), text::NotInList));
   } else if (word->direction == SortDirection::None) {
     sorting_.Place(edit.row, 0);
   } else if (RowReader(edit.row).IsBlank(kColumnSortOrder)) {
@@ -160,7 +160,7 @@ void CellRules::SortOrderEdited(const Edit& edit) {
   const std::optional<double> place = ReadSortPlace(typed);
   if (!place || *place < 1) {
     writer.SetText(kColumnSortOrder, edit.before);
-    writer.SetHint(kColumnSortOrder, "\"" + typed + "\" is no place in the sort order.");
+    writer.SetHint(kColumnSortOrder, Say(rows_.Context(), {text::NoSortPlace, typed}));
     return;
   }
   if (RowReader(edit.row).Direction() == SortDirection::None) {
@@ -187,7 +187,7 @@ void CellRules::GroupByEdited(const Edit& edit) {
   if (const auto choice = grouping_.ChoiceNamed(typed, edit.row)) return writer.SetGrouping(*choice);
   // A tag without its text would group by something that is not shown.
   writer.SetText(kColumnGroupBy, edit.before);
-  writer.SetHint(kColumnGroupBy, "\"" + typed + "\" is no grouping of this column.");
+  writer.SetHint(kColumnGroupBy, Say(rows_.Context(), {text::NoGrouping, typed}));
 }
 
 // --- Criteria ---

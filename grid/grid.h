@@ -15,6 +15,7 @@
 
 #include "base/event.h"
 #include "base/object.h"
+#include "base/phrase.h"
 #include "grid/cell_editing.h"
 #include "grid/checked_header.h"
 #include "grid/columns.h"
@@ -119,6 +120,10 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner, priv
   /// What is shown while no cell holds anything.
   const std::string& EmptyText() const { return emptyText_; }
   void SetEmptyText(std::string text);
+
+  /// The language of what the grid says of itself; the built-in texts at first.
+  void SetTexts(std::shared_ptr<const TextSource> texts) { texts_ = std::move(texts); }
+  std::string Say(const Phrase& phrase) const { return phrase.In(texts_ ? *texts_ : EnglishTexts()); }
 
   /// Takes "AllowColumnResize", "AllowRowInsert" and "Font" from a stored form; missing ones have their default.
   void ReadProperties(const PropertyStore& store);
@@ -282,6 +287,7 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner, priv
   bool hasMoved_ = false;    // the current cell, and nobody was told yet
   bool customContextMenu_ = false;
   std::string emptyText_;
+  std::shared_ptr<const TextSource> texts_;
   std::size_t currentRow_ = 0;
   std::size_t currentColumn_ = 0;
   WeakRef<Object> current_;  // the current row: it stays current when rows before it come and go

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "base/texts_grid.h"
+
 namespace zrqrybld {
 namespace {
 
@@ -124,7 +126,7 @@ AccessibleInfo GridAccess::Describe(const AccessibleId& id) const {
 AccessibleInfo GridAccess::DescribeGrid() const {
   const PixelSize view = grid_.GetSurface().ViewSize();
   return {AccessibleRole::Table,
-          "Query columns",
+          grid_.Say(text::GridName),
           grid_.HoldsNothing() ? grid_.emptyText_ : std::string(),
           {},
           {},
@@ -147,7 +149,7 @@ AccessibleInfo GridAccess::DescribeColumn(const zrGridColumn& column) const {
 
 AccessibleInfo GridAccess::DescribeRow(const zrGridRow& row) const {
   const auto position = static_cast<std::size_t>(row.Index());
-  AccessibleInfo info{AccessibleRole::RowHeader, "row " + std::to_string(position), {}, {}, {}, {}};
+  AccessibleInfo info{AccessibleRole::RowHeader, grid_.Say({text::RowNumber, position}), {}, {}, {}, {}};
   info.state.selectable = true;
   info.state.selected = grid_.selection_.Contains(position);
   info.actions = {AccessibleAction::Press, AccessibleAction::ShowMenu};

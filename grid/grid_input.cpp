@@ -2,15 +2,9 @@
 #include <algorithm>
 
 #include "grid/grid.h"
+#include "platform/commands.h"
 
 namespace zrqrybld {
-namespace {
-
-// Keys that `KeyCode` has no name for.
-constexpr std::int32_t kKeyMenu = 93;
-constexpr std::int32_t kKeyF10 = KeyCodeF1 + 9;
-
-}  // namespace
 
 // What a key does while no editor is open.
 class GridKeys {
@@ -31,9 +25,7 @@ class GridKeys {
 
 // Keys that act on the current cell or the selected rows.
 bool GridKeys::CommandKey(const KeyEvent& event) const {
-  const bool plain = event.shift == ShiftNone;
-  const bool menuKey = (plain && event.keyCode == kKeyMenu) || (event.shift == ShiftShift && event.keyCode == kKeyF10);
-  if (menuKey) {
+  if (Asks(event, Command::ContextMenu)) {
     if (grid_.currentRow_ == 0) {
       grid_.OfferMenu({}, {0_px, grid_.Layout().HeaderHeight()});
       return true;
@@ -43,39 +35,40 @@ bool GridKeys::CommandKey(const KeyEvent& event) const {
     return true;
   }
   if (event.keyCode == KeyCodeTab) return grid_.MoveToNextCell(event.shift == ShiftShift ? -1 : 1);
-  if (event.shift == ShiftCtrl && event.keyCode == 'C') {
+  if (Asks(event, Command::CopyCells)) {
     grid_.GetSurface().SetClipboardText(grid_.CopyText());
     return true;
   }
-  if (event.shift == ShiftCtrl && event.keyCode == 'V') {
+  if (Asks(event, Command::PasteCells)) {
     grid_.PasteText(grid_.GetSurface().ClipboardText());
     return true;
   }
-  if (event.shift == ShiftShift && event.keyCode == KeyCodeF2) {
+  if (Asks(event, Command::ZoomCell)) {
     grid_.ZoomWanted.Raise();
     return true;
   }
-  if (!plain) return false;
+  if (Asks(event, Command::EditCell)) return grid_.OpenEditor();
+  if (Asks(event, Command::OpenList)) {
+    if (!grid_.OpenEditor()) return false;
+    grid_.editing_.OnListKey(event);
+    return true;
+  }
+  const bool ofRows = grid_.allowRowInsert_ && !grid_.selection_.Empty();
+  if (ofRows && Asks(event, Command::DeleteRows)) {
+    grid_.DeleteSelectedRows();
+    return true;
+  }
+  if (ofRows && Asks(event, Command::InsertRows)) {
+    grid_.InsertRows();
+    return true;
+  }
+  if (event.shift != ShiftNone) return false;
   switch (event.keyCode) {
-    case KeyCodeF2:
-      return grid_.OpenEditor();
-    case KeyCodeF4:
-      if (!grid_.OpenEditor()) return false;
-      grid_.editing_.OnListKey(event);
-      return true;
     case KeyCodeEnter:
       return grid_.MoveToNextCell(1);
     case KeyCodeSpace:
       if (grid_.currentRow_ == 0 || !grid_.IsCheckBoxColumn(grid_.currentColumn_)) return false;
       grid_.ToggleCheckBox(grid_.currentRow_, grid_.currentColumn_);
-      return true;
-    case KeyCodeDelete:
-      if (!grid_.allowRowInsert_ || grid_.selection_.Empty()) return false;
-      grid_.DeleteSelectedRows();
-      return true;
-    case KeyCodeInsert:
-      if (!grid_.allowRowInsert_ || grid_.selection_.Empty()) return false;
-      grid_.InsertRows();
       return true;
     default:
       return false;
@@ -85,8 +78,8 @@ bool GridKeys::CommandKey(const KeyEvent& event) const {
 // Shift with the space bar or the arrows selects rows; Alt moves them.
 bool GridKeys::SelectionKey(const KeyEvent& event) const {
   const bool vertical = event.keyCode == KeyCodeUp || event.keyCode == KeyCodeDown;
-  const int direction = event.keyCode == KeyCodeUp ? -1 : 1;
-  if (event.shift == ShiftAlt && vertical) return grid_.MoveRows(direction);
+  if (Asks(event, Command::MoveRowsUp)) return grid_.MoveRows(-1);
+  if (Asks(event, Command::MoveRowsDown)) return grid_.MoveRows(1);
   if (event.keyCode == KeyCodeEscape && event.shift == ShiftNone && !grid_.selection_.Empty()) {
     grid_.SelectRows(0, 0);
     return true;

@@ -1,7 +1,9 @@
 // The grid's own context menu. Every entry is a command that the keyboard or the mouse has, too, or opens a window.
 #include <algorithm>
 
+#include "base/texts_grid.h"
 #include "grid/grid_pane.h"
+#include "platform/commands.h"
 
 namespace zrqrybld {
 
@@ -29,7 +31,7 @@ Menu GridPaneMenu::Make(const GridHit& hit) const {
   if (hit.part == GridPart::Cell || hit.part == GridPart::RowHeader) AddRowEntries(menu);
   if (hit.part == GridPart::Cell) AddCellEntries(menu);
   if (!menu.empty()) menu.push_back(MenuEntry::Separator());
-  menu.push_back({"C&olumns", "", {}, true, false, ColumnEntries(0)});
+  menu.push_back({Say(pane_.rows_.Context(), text::MenuColumns), "", {}, true, false, ColumnEntries(0)});
   return menu;
 }
 
@@ -44,23 +46,29 @@ void GridPaneMenu::AddRowEntries(Menu& menu) const {
   const auto first = grid_.Selection().first != 0 ? grid_.Selection().first : static_cast<std::size_t>(grid_.Row());
   const auto last = grid_.Selection().first != 0 ? grid_.Selection().last : first;
   const auto move = [*this](int direction) { return [*this, direction] { grid_.MoveRows(direction); }; };
-  menu.push_back({several ? "&Insert Rows" : "&Insert Row", "Ins",
+  menu.push_back({Say(pane_.rows_.Context(), several ? text::MenuInsertRows : text::MenuInsertRow),
+                  KeyTextOf(Command::InsertRows),
                   [*this, selectOne] {
                     selectOne();
                     grid_.InsertRows();
                   },
                   may});
-  menu.push_back({several ? "&Delete Rows" : "&Delete Row", "Del",
+  menu.push_back({Say(pane_.rows_.Context(), several ? text::MenuDeleteRows : text::MenuDeleteRow),
+                  KeyTextOf(Command::DeleteRows),
                   [*this, selectOne] {
                     selectOne();
                     grid_.DeleteSelectedRows();
                   },
                   may});
-  menu.push_back({"Move &Up", "Alt+Up", move(-1), may && first > 1});
-  menu.push_back({"Move Do&wn", "Alt+Down", move(1), may && last < static_cast<std::size_t>(pane_.RowCount())});
+  menu.push_back(
+      {Say(pane_.rows_.Context(), text::MenuMoveUp), KeyTextOf(Command::MoveRowsUp), move(-1), may && first > 1});
+  menu.push_back({Say(pane_.rows_.Context(), text::MenuMoveDown), KeyTextOf(Command::MoveRowsDown), move(1),
+                  may && last < static_cast<std::size_t>(pane_.RowCount())});
   menu.push_back(MenuEntry::Separator());
-  menu.push_back({"&Copy", "Ctrl+C", [*this] { grid_.GetSurface().SetClipboardText(grid_.CopyText()); }, true});
-  menu.push_back({"&Paste", "Ctrl+V", [*this] { grid_.PasteText(grid_.GetSurface().ClipboardText()); },
+  menu.push_back({Say(pane_.rows_.Context(), text::MenuCopy), KeyTextOf(Command::CopyCells),
+                  [*this] { grid_.GetSurface().SetClipboardText(grid_.CopyText()); }, true});
+  menu.push_back({Say(pane_.rows_.Context(), text::MenuPaste), KeyTextOf(Command::PasteCells),
+                  [*this] { grid_.PasteText(grid_.GetSurface().ClipboardText()); },
                   !grid_.GetSurface().ClipboardText().empty()});
 }
 
@@ -70,11 +78,13 @@ void GridPaneMenu::AddCellEntries(Menu& menu) const {
   if (row == 0 || column == 0 || column == kColumnOutput || pane_.rows_.At(row).Locked()) return;
   const bool holdsText = !RowReader(pane_.rows_.At(row)).IsBlank(static_cast<std::size_t>(column));
   const bool linked = pane_.rows_.Context() != nullptr;
-  menu.push_back({"C&lear", "", [*this] { ClearCell(); }, holdsText});
+  menu.push_back({Say(pane_.rows_.Context(), text::MenuClear), "", [*this] { ClearCell(); }, holdsText});
   if (column != kColumnColumn && column < kColumnCriteria) return;
   menu.push_back(MenuEntry::Separator());
-  menu.push_back({"&Expression Builder...", "", [*this] { pane_.ShowExpressionBuilder(); }, linked});
-  menu.push_back({"&Zoom...", "Shift+F2", [*this] { pane_.ShowExpressionZoom(); }, linked});
+  menu.push_back(
+      {Say(pane_.rows_.Context(), text::MenuBuilder), "", [*this] { pane_.ShowExpressionBuilder(); }, linked});
+  menu.push_back({Say(pane_.rows_.Context(), text::MenuZoom), KeyTextOf(Command::ZoomCell),
+                  [*this] { pane_.ShowExpressionZoom(); }, linked});
 }
 
 void GridPaneMenu::ClearCell() const {
@@ -90,10 +100,12 @@ Menu GridPaneMenu::ColumnEntries(std::size_t column) const {
   constexpr float kNarrowest = 300;
   if (column != 0) {
     const auto index = static_cast<std::int32_t>(column);
-    menu.push_back({"&Hide Column", "", [*this, index] { SetColumnShown(index, false); }, shown > 1});
-    menu.push_back({"&Fit Width", "", [*this, index] { grid_.FitColumn(index, kNarrowest); }});
+    menu.push_back({Say(pane_.rows_.Context(), text::MenuHideColumn), "",
+                    [*this, index] { SetColumnShown(index, false); }, shown > 1});
+    menu.push_back(
+        {Say(pane_.rows_.Context(), text::MenuFitWidth), "", [*this, index] { grid_.FitColumn(index, kNarrowest); }});
   }
-  menu.push_back({"Fit &All Widths", "", [*this, isShown] {
+  menu.push_back({Say(pane_.rows_.Context(), text::MenuFitAllWidths), "", [*this, isShown] {
                     for (const Ref<zrGridColumn>& each : *grid_.Columns()) {
                       if (isShown(each)) grid_.FitColumn(each->Index(), kNarrowest);
                     }

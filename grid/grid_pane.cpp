@@ -6,6 +6,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_grid.h"
 #include "diagram/entities.h"
 #include "expression/intelli_list.h"
 #include "platform/stored_values.h"
@@ -40,7 +41,7 @@ Ref<qbGridPane> qbGridPane::Create() {
 void qbGridPane::CreateColumns() {
   for (const GridColumnRow& row : kGridColumns) {
     const Ref<zrGridColumn> column =
-        grdPane_->Columns()->Add(std::string(row.key), std::string(DefaultLanguageString(row.caption)));
+        grdPane_->Columns()->Add(std::string(row.key), Phrase(TextId{row.caption}).English());
     column->SetWidth(row.width);
     column->SetStyle(row.style);
   }
@@ -48,7 +49,7 @@ void qbGridPane::CreateColumns() {
     grdPane_->Columns()->Item(kColumnSortType)->ComboItems()->Add(std::string(word.text));
   }
   grdPane_->Columns()->Item(kColumnOutput)->SetDisplayAttribute(kCheckedHeader);
-  grdPane_->SetEmptyText("Tick columns in the diagram, drag them here, or type their names.");
+  grdPane_->SetEmptyText(Phrase(text::GridEmpty).English());
   grouping_.Show(true);
   ConnectGrid();
 }
@@ -100,6 +101,8 @@ void qbGridPane::ConnectGrid() {
 void qbGridPane::SetContext(const Ref<QueryContext>& context) {
   rows_.SetContext(context);
   // The grid may live longer than the pane: it knows the context only.
+  grdPane_->SetTexts(context ? context->Texts() : nullptr);
+  grdPane_->SetEmptyText(Say(context, text::GridEmpty));
   grdPane_->SetSuggestionSource([link = rows_.Link()](std::int32_t column) { return SuggestionsFor(link, column); });
   if (!context) return;
   ApplyGridCaptions();
@@ -114,7 +117,8 @@ Ref<qbQueryBuilder> qbGridPane::QueryBuilder() const {
 
 void qbGridPane::AboutBox() {
   if (const Ref<QueryContext> context = rows_.Context()) {
-    context->GetToolkit().GetDialogs().ShowMessage("zrQryBld\r\nThe columns of a query.", MessageIcon::Information);
+    context->GetToolkit().GetDialogs().ShowMessage("zrQryBld\r\n" + context->Say(text::AboutGrid),
+                                                   MessageIcon::Information);
   }
 }
 
@@ -165,10 +169,7 @@ void qbGridPane::WriteProperties(PropertyStore& store) const {
 void qbGridPane::ApplyGridCaptions() {
   const Ref<QueryContext> context = rows_.Context();
   for (const GridColumnRow& row : kGridColumns) {
-    grdPane_->Columns()
-        ->Item(std::string(row.key))
-        ->SetCaption(context ? context->GetLanguageString(row.caption)
-                             : std::string(DefaultLanguageString(row.caption)));
+    grdPane_->Columns()->Item(std::string(row.key))->SetCaption(Say(context, TextId{row.caption}));
   }
 }
 
@@ -191,7 +192,7 @@ Variant qbGridPane::Value(const Variant& row, const Variant& column) const {
   const std::int32_t rowIndex = row.IsMissing() ? grdPane_->Row() : row.ToInt32();
   const Variant columnIndex = column.IsMissing() ? Variant(grdPane_->Column()) : column;
   const bool columnGiven = columnIndex.IsString() || columnIndex.ToInt32() > 0;
-  if (rowIndex <= 0 || !columnGiven) throw Error(ErrorInvalidCellReference, "Invalid Cell Reference.");
+  if (rowIndex <= 0 || !columnGiven) throw Error(ErrorInvalidCellReference, text::InvalidCell);
   return grdPane_->Rows()->Item(rowIndex)->Value(columnIndex);
 }
 

@@ -7,6 +7,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_grid.h"
 
 namespace zrqrybld {
 namespace {
@@ -25,7 +26,7 @@ Variant AsCheckBoxValue(const Variant& value) {
   try {
     return value.ToBoolean();
   } catch (const Error&) {
-    throw Error(ErrorInvalidPropertyValue, "Invalid property value. Boolean value expected.");
+    throw Error(ErrorInvalidPropertyValue, text::BooleanExpected);
   }
 }
 

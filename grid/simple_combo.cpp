@@ -5,6 +5,7 @@
 #include "base/error.h"
 #include "base/scoped_value.h"
 #include "base/text.h"
+#include "base/texts_grid.h"
 #include "grid/grid_layout.h"
 #include "platform/stored_values.h"
 
@@ -17,7 +18,7 @@ constexpr std::int32_t kPageOfItems = 8;
 }  // namespace
 
 void zrSimpleCombo::AboutBox() {
-  GetSurface().ShowMenu({{"zrSimpleCombo, the list editor of zrQryBld", "", {}, false}}, {Bounds().left, Bounds().top});
+  GetSurface().ShowMenu({{Phrase(text::AboutCombo).English(), "", {}, false}}, {Bounds().left, Bounds().top});
 }
 
 // --- The text box ---

@@ -4,6 +4,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_hub.h"
 #include "platform/connection_string.h"
 
 namespace zrqrybld {
@@ -106,7 +107,7 @@ std::optional<TextReading> SourceReading(const QueryContext& context) {
 
 void RetrieveConnectionInfo(QueryContext& context, bool withTables) {
   if (!context.IsConnected()) return;
-  context.RunOperation("Connect", InfoRetrieveConnectionInfo, [&] {
+  context.RunOperation(text::StepConnect, InfoRetrieveConnectionInfo, [&] {
     ForgetEarlierSource(context);
     Trapped([&] { ReadLiterals(context); });
     Trapped([&] { context.SetSourceWords(context.Connection()->Keywords()); });

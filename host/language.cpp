@@ -8,56 +8,25 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts.h"
+#include "base/texts_hub.h"
 
 namespace zrqrybld {
 namespace {
 
-struct DefaultText {
-  LanguageIDEnum id;
-  std::string_view text;
-};
-constexpr DefaultText kDefaults[] = {
-    {LanguageGridColumn, "Column"},
-    {LanguageGridAlias, "Alias"},
-    {LanguageGridTable, "Table"},
-    {LanguageGridSortType, "Sort Type"},
-    {LanguageGridSortOrder, "Sort Order"},
-    {LanguageGridGroupBy, "Group By"},
-    {LanguageGridCriteria, "Criteria"},
-    {LanguageGridOr, "Or..."},
-    {LanguageGridOutput, "Output"},
-    {LanguageTableCaption, "Tables"},
-    {LanguageTableTables, "&Tables"},
-    {LanguageTableViews, "&Views"},
-    {LanguageTableAddButton, "&Add"},
-    {LanguageTableCloseButton, "&Close"},
-    {LanguageJoinCaption, "Join Properties"},
-    {LanguageJoinFrameCaption, "Include rows"},
-    {LanguageJoinTable1, "Include all rows from %Table1%"},
-    {LanguageJoinTable2, "Include all rows from %Table2%"},
-    {LanguageJoinAcceptButton, "&Accept"},
-    {LanguageJoinCancelButton, "&Cancel"},
-    {LanguageExprBuildCaption, "Expression Builder"},
-    {LanguageExprBuildGridParamName, "Parameter Name"},
-    {LanguageExprBuildGridParamValue, "Parameter Value"},
-    {LanguageExprBuildAcceptButton, "&Accept"},
-    {LanguageExprBuildCancelButton, "&Cancel"},
-    {LanguageExprBuildToolTipClearExpr, "Clear Expression"},
-    {LanguageExprBuildToolTipInsert, "Insert Keyword/Function/Operator"},
-    {LanguageZoomExprCaption, "Zoom Expression"},
-    {LanguageZoomExprAcceptButton, "&Accept"},
-    {LanguageZoomExprCancelButton, "&Cancel"},
-    {LanguageParametersCaption, "Query Parameters"},
-    {LanguageParametersStatement, "&Statement with these values"},
-    {LanguageParametersAcceptButton, "&Accept"},
-    {LanguageParametersCancelButton, "&Cancel"},
-};
+// The names that applications use and the rows of the table mean the same.
+#define ZRQRYBLD_TEXT(name, number, english, placeholders) static_assert(name == (number));
+#include "base/texts_captions.inc"
+#undef ZRQRYBLD_TEXT
 
 // A caption is a line; a file with longer ones is none of ours.
 constexpr std::size_t kLongestLine = std::size_t{64} * 1024;
 
-[[noreturn]] void ThrowInvalidFile() {
-  throw Error(ErrorInvalidResFile, "An error occured while loading the language file.");
+[[noreturn]] void ThrowInvalidFile() { throw Error(ErrorInvalidResFile, text::LanguageFileFailed); }
+
+[[noreturn]] void ThrowNotUtf8(std::size_t line) {
+  throw WrapError(ErrorInvalidResFile, text::LanguageFileFailed,
+                  Error(ErrorInvalidResFile, Phrase(text::LanguageLineNotUtf8, line)));
 }
 
 // An id is a whole number of 16 bits; blanks around it do not matter.
@@ -69,16 +38,9 @@ std::optional<std::int32_t> ReadId(std::string_view text) {
 
 }  // namespace
 
-std::string_view DefaultLanguageString(std::int32_t id) {
-  for (const DefaultText& row : kDefaults) {
-    if (row.id == id) return row.text;
-  }
-  return {};
-}
-
 std::string LanguageTable::Get(std::int32_t id) const {
   const auto found = texts_.find(id);
-  return found == texts_.end() || found->second.empty() ? std::string(DefaultLanguageString(id)) : found->second;
+  return found == texts_.end() || found->second.empty() ? std::string(DefaultText(id)) : found->second;
 }
 
 void LanguageTable::Set(std::int32_t id, std::string text) { texts_.insert_or_assign(id, std::move(text)); }
@@ -95,11 +57,13 @@ void LanguageTable::Load(const std::string& path) {
 void LanguageTable::Load(std::istream& input) {
   texts_.clear();
   std::vector<char> buffer(kLongestLine);
-  bool first = true;
-  while (input.getline(buffer.data(), static_cast<std::streamsize>(buffer.size())) || input.gcount() > 0) {
+  for (std::size_t number = 1;
+       input.getline(buffer.data(), static_cast<std::streamsize>(buffer.size())) || input.gcount() > 0; ++number) {
     if (input.fail() && !input.eof()) ThrowInvalidFile();  // a line beyond the longest
-    std::string_view line(buffer.data());
-    if (std::exchange(first, false) && line.starts_with("\xEF\xBB\xBF")) line.remove_prefix(3);
+    const std::size_t lineEnd = input.eof() ? 0 : 1;       // it is counted
+    std::string_view line(buffer.data(), static_cast<std::size_t>(input.gcount()) - lineEnd);
+    if (!IsUtf8(line) || line.find('\0') != std::string_view::npos) ThrowNotUtf8(number);
+    if (number == 1 && line.starts_with("\xEF\xBB\xBF")) line.remove_prefix(3);
     if (line.ends_with('\r')) line.remove_suffix(1);
     const std::string_view trimmed = Trim(line);
     if (trimmed.empty() || trimmed.front() == '\'') continue;

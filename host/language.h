@@ -1,7 +1,7 @@
-// Language strings: every caption that the designer shows, by number.
+// Language strings: every text that the library and its windows show, by number.
 //
 // The application replaces texts one by one or all at once from a file; a number without a text of
-// its own shows the built-in English one.
+// its own shows the built-in English one, which stands in base/texts.h.
 #pragma once
 
 #include <cstdint>
@@ -10,9 +10,11 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "base/phrase.h"
+
 namespace zrqrybld {
 
-/// The numbers of the captions.
+/// The numbers of the captions that applications know by name.
 enum LanguageIDEnum : std::int32_t {
   LanguageGridColumn = 0,
   LanguageGridAlias = 1,
@@ -50,20 +52,18 @@ enum LanguageIDEnum : std::int32_t {
   LanguageParametersCancelButton = 503,
 };
 
-/// The built-in text of a caption; "" for a number that has none. An ampersand marks the access key.
-std::string_view DefaultLanguageString(std::int32_t id);
-
-class LanguageTable {
+class LanguageTable final : public TextSource {
  public:
-  /// The text under the number, or the built-in one when there is none or it is empty.
+  /// The text under the number, or the built-in one when there is none or it is empty; "" for a number that nobody has.
   std::string Get(std::int32_t id) const;
+  std::string Text(TextId id) const override { return Get(static_cast<std::int32_t>(id)); }
 
   /// Replaces the text under the number; "" brings the built-in text back.
   void Set(std::int32_t id, std::string text);
 
-  /// Drops every text, then reads `id=text` lines; empty lines and lines that begin with "'" are
-  /// skipped. Error 40000 at the first line that is neither, at a number that is no 16-bit integer and
-  /// at a number that comes twice; texts read before stay.
+  /// Drops every text, then reads `id=text` lines in UTF-8; empty lines and lines that begin with "'" are skipped.
+  /// Error 40000 at the first line that is neither, at a number that is no 16-bit integer, at a number that comes twice
+  /// and at bytes that are no text; texts read before stay.
   void Load(const std::string& path);
   void Load(std::istream& input);
 

@@ -7,10 +7,12 @@
 #include "base/error.h"
 #include "base/scoped_value.h"
 #include "base/text.h"
+#include "base/texts_hub.h"
 
 namespace zrqrybld {
 
 QueryContext::QueryContext(std::shared_ptr<Toolkit> toolkit) : toolkit_(std::move(toolkit)) {
+  toolkit_->SetTexts(language_);
   properties_->Add(std::int16_t{0}, "_QBDSFLAGS");
   FillCatalogs(*keywords_, *operators_, *functions_, *quotedIdentifiers_);
 }
@@ -72,7 +74,7 @@ void QueryContext::BeginStep(const StepName& name, const std::string& about) {
 }
 
 void QueryContext::EndStep() {
-  if (stepDepth_ == 0) throw Error(ErrorInvalidCall, "No step has begun.");
+  if (stepDepth_ == 0) throw Error(ErrorInvalidCall, text::NoStepBegun);
   if (stepDepth_ == 1 && std::exchange(takesStepBack_, false)) {
     try {
       StepFailed();

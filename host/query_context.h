@@ -16,6 +16,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/error.h"
 #include "base/event.h"
 #include "base/object.h"
 #include "base/text.h"
@@ -102,8 +103,17 @@ class QueryContext : public Object {
   /// The words with a meaning in SQL, case-folded: the names of keywords and functions, and what the source reserves.
   std::shared_ptr<const WordSet> ReservedWords() const;
 
-  /// The caption with this number; never an error.
-  std::string GetLanguageString(std::int32_t id) const { return language_.Get(id); }
+  /// The text with this number, "" for a number that nobody has; never an error.
+  std::string GetLanguageString(std::int32_t id) const { return language_->Get(id); }
+
+  /// The language strings as a language, for whoever outlives the designer.
+  std::shared_ptr<const TextSource> Texts() const { return language_; }
+  /// What is said, in the designer's language.
+  std::string Say(const Phrase& phrase) const { return phrase.In(*language_); }
+  /// What a failure says, in the designer's language.
+  std::string Say(const std::exception& failure) const { return PhraseOf(failure).In(*language_); }
+  /// The language strings have changed.
+  Event<> TextsChanged;
 
   /// The longest alias in characters; 0 means no limit.
   virtual std::int16_t AliasMaxLen() const = 0;
@@ -239,7 +249,7 @@ class QueryContext : public Object {
   /// Whether a step is going on, or what it has changed is being told.
   bool InStep() const { return stepDepth_ > 0 || stepEnding_; }
 
-  LanguageTable& Language() { return language_; }
+  LanguageTable& Language() { return *language_; }
   void StoreConnection(Ref<zrqrybld::Connection> connection) {
     connection_ = std::move(connection);
     foreignKeys_.Clear();
@@ -254,7 +264,7 @@ class QueryContext : public Object {
   Ref<qbDBKeywords> keywords_ = std::make_shared<qbDBKeywords>();
   Ref<qbDBOperators> operators_ = std::make_shared<qbDBOperators>();
   Ref<StringCollection> quotedIdentifiers_ = std::make_shared<StringCollection>();
-  LanguageTable language_;
+  std::shared_ptr<LanguageTable> language_ = std::make_shared<LanguageTable>();
   std::vector<SourceTable> sourceTables_;
   zrqrybld::ForeignKeys foreignKeys_;
   WordSet sourceWords_;  // case-folded
@@ -270,6 +280,11 @@ class QueryContext : public Object {
   bool changed_ = false;
   std::optional<std::int32_t> entitiesChangedFrom_;
 };
+
+/// What is said in the designer's language, in English where there is no designer.
+inline std::string Say(const Ref<QueryContext>& context, const Phrase& phrase) {
+  return context ? context->Say(phrase) : phrase.English();
+}
 
 /// A named step for the length of a scope.
 class [[nodiscard]] StepScope {

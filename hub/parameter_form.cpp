@@ -6,6 +6,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_hub.h"
 #include "host/connection_info.h"
 
 namespace zrqrybld {
@@ -59,8 +60,8 @@ void ParameterForm::AddMarker(const qbParameter& parameter) {
   questions_.push_back({key, TypeOfParameter(parameter.DataType.Text(), *hub_.DataTypes())});
 
   ParameterField field;
-  field.prompt = !prompt.empty() ? prompt : !name.empty() ? name : "Value " + std::to_string(number + 1);
-  field.typeName = TypeInWords(questions_.back().type);
+  field.prompt = !prompt.empty() ? prompt : !name.empty() ? name : hub_.Say({text::ValueNumber, number + 1});
+  field.typeName = hub_.Say(TypeInWords(questions_.back().type));
   field.dataType = questions_.back().type.code;
   field.fallback = TypedDefault(parameter.Default.Text());
   const auto remembered = hub_.RememberedValues().find(key);
@@ -88,16 +89,16 @@ std::string ParameterForm::Problem(std::size_t question, const std::string& type
     values[i] = ValueOf(question, typed);
     values[i].given = ofMarker_[i] == question;
   }
-  for (const std::string& problem : ProblemsOf(sql_, values, rules_)) {
-    if (!problem.empty()) return problem;
+  for (const Phrase& problem : ProblemsOf(sql_, values, rules_)) {
+    if (!problem.Empty()) return hub_.Say(problem);
   }
   return {};
 }
 
 std::string ParameterForm::Statement(const std::vector<std::string>& typed) const {
   std::vector<ParameterValue> values = Values(typed);
-  const std::vector<std::string> problems = ProblemsOf(sql_, values, rules_);
-  for (std::size_t i = 0; i < values.size(); ++i) values[i].given = problems[i].empty();
+  const std::vector<Phrase> problems = ProblemsOf(sql_, values, rules_);
+  for (std::size_t i = 0; i < values.size(); ++i) values[i].given = problems[i].Empty();
   return PutInLiterals(sql_, values, rules_);
 }
 
@@ -113,10 +114,10 @@ std::optional<std::vector<ParameterValue>> ParameterForm::Ask() {
 
   std::vector<std::string> typed;
   for (const ParameterField& field : dialog_.fields) typed.push_back(field.value);
-  const std::vector<std::string> problems = ProblemsOf(sql_, Values(typed), rules_);
+  const std::vector<Phrase> problems = ProblemsOf(sql_, Values(typed), rules_);
   for (std::size_t i = 0; i < problems.size(); ++i) {
     const std::string& prompt = dialog_.fields[ofMarker_[i]].prompt;
-    if (!problems[i].empty()) throw Error(ErrorInvalidPropertyValue, prompt + ": " + problems[i]);
+    if (!problems[i].Empty()) throw Error(ErrorInvalidPropertyValue, Phrase(text::AboutValue, prompt, problems[i]));
   }
   for (std::size_t i = 0; i < questions_.size(); ++i) {
     if (!questions_[i].key.empty()) hub_.RememberedValues().insert_or_assign(questions_[i].key, typed[i]);

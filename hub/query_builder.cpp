@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/text.h"
+#include "base/texts_hub.h"
 #include "diagram/auto_joins.h"
 #include "diagram/join_properties.h"
 #include "diagram/table_picker.h"
@@ -17,6 +18,12 @@
 
 namespace zrqrybld {
 
+namespace {
+
+constexpr std::string_view kLineBreak = "\r\n";
+
+}  // namespace
+
 Ref<qbQueryBuilder> qbQueryBuilder::Create(std::shared_ptr<Toolkit> toolkit) {
   if (!toolkit) toolkit = std::make_shared<HeadlessToolkit>();
   return Ref<qbQueryBuilder>(new qbQueryBuilder(std::move(toolkit)));
@@ -25,8 +32,7 @@ Ref<qbQueryBuilder> qbQueryBuilder::Create(std::shared_ptr<Toolkit> toolkit) {
 qbQueryBuilder::~qbQueryBuilder() = default;
 
 void qbQueryBuilder::AboutBox() {
-  GetToolkit().GetDialogs().ShowMessage("zrQryBld\r\nAn embeddable visual designer of SQL queries.",
-                                        MessageIcon::Information);
+  GetToolkit().GetDialogs().ShowMessage("zrQryBld\r\n" + Say(text::AboutQueryBuilder), MessageIcon::Information);
 }
 
 // --- Connection ---
@@ -46,19 +52,16 @@ std::optional<Error> qbQueryBuilder::RefusalOf(const std::string& connectionStri
   if (origin != ConnectionOrigin::Program) drivers = GetToolkit().Providers()->Drivers();
   const ConnectionJudgement judgement = JudgeConnection(connectionString, origin, drivers);
   const bool asks = judgement.verdict == ConnectionVerdict::Warn && connectionString != confirmedConnection_;
-  const bool confirmed = asks && GetToolkit().GetDialogs().Confirm(
-                                     judgement.reason +
-                                     "\r\n\r\nWhoever wrote the connection string decides what that does. Open the "
-                                     "connection all the same?");
+  const bool confirmed =
+      asks && GetToolkit().GetDialogs().Confirm(Say({text::AskDangerousConnection, judgement.reason, kLineBreak}));
   if (confirmed) confirmedConnection_ = connectionString;
   if (judgement.verdict == ConnectionVerdict::Refuse || (asks && !confirmed)) {
-    return Error(ErrorConnectionFailed, std::string(fromFile ? "The connection string of the query file is not opened: "
-                                                             : "The connection string is not opened: ") +
-                                            judgement.reason);
+    return Error(ErrorConnectionFailed,
+                 Phrase(fromFile ? text::FileConnectionRefused : text::ConnectionRefused, judgement.reason));
   }
   bool cancel = false;
   BeforeConnect.Raise(connectionString, fromFile, cancel);
-  if (cancel) return Error(ErrorConnectionFailed, "The application does not allow this connection.");
+  if (cancel) return Error(ErrorConnectionFailed, text::ConnectionNotAllowed);
   return std::nullopt;
 }
 
@@ -71,7 +74,7 @@ std::string qbQueryBuilder::TryConnection(const std::string& connectionString) {
     connection.Open({}, {});
     return {};
   } catch (const std::exception& error) {
-    return error.what();
+    return Say(error);
   }
 }
 
@@ -92,9 +95,7 @@ Error WithPasswordHint(const Error& error, const std::string& connectionString) 
   constexpr std::string_view kLogins[] = {"DSN", "UID", "User", "Username", "User ID"};
   const bool logsIn = std::ranges::any_of(kLogins, [&](std::string_view key) { return parsed.Get(key).has_value(); });
   if (!logsIn || parsed.HoldsSecret()) return error;
-  return Error(error.Number(), error.Description() +
-                                   "\r\nThe connection string of the query file holds no password. If the source wants "
-                                   "one, connect first, and load with ConnectOnLoad False.");
+  return Error(error.Number(), Phrase(text::NoPasswordInFile, error.What(), kLineBreak));
 }
 
 }  // namespace
@@ -111,11 +112,11 @@ void qbQueryBuilder::Connect(const std::string& connectionString, ConnectionOrig
     connection->Open({}, {});
     RetrieveConnectionInfo(*this, getTablesOnConnect_);
     if (autoSyntax_) FollowSource();
-    if (!IsConnected()) throw Error(ErrorConnectionFailed, "The data source does not answer any more.");
+    if (!IsConnected()) throw Error(ErrorConnectionFailed, text::SourceSilent);
   } catch (const Error& error) {
     lastError_ = origin == ConnectionOrigin::File ? WithPasswordHint(error, connectionString) : error;
   } catch (const std::exception& error) {
-    lastError_ = Error(ErrorConnectionFailed, error.what());
+    lastError_ = Error(ErrorConnectionFailed, PhraseOf(error));
   }
 }
 
@@ -174,16 +175,24 @@ bool qbQueryBuilder::LoadLanguageFile(const std::string& path) {
   try {
     Language().Load(path);
   } catch (const Error&) {
-    if (gridPane_) gridPane_->ApplyGridCaptions();  // what was read before the faulty line counts
+    ApplyTexts();  // what was read before the faulty line counts
     throw;
   }
-  if (gridPane_) gridPane_->ApplyGridCaptions();
+  ApplyTexts();
   return false;
 }
 
 void qbQueryBuilder::SetLanguageString(std::int32_t id, const std::string& newValue) {
   Language().Set(id, newValue);
+  ApplyTexts();
+}
+
+// Panes and windows show texts that have changed at once.
+void qbQueryBuilder::ApplyTexts() {
+  if (diagramPane_) diagramPane_->Refresh();
   if (gridPane_) gridPane_->ApplyGridCaptions();
+  if (sqlPane_) sqlPane_->ApplyTexts();
+  TextsChanged.Raise();
 }
 
 // --- Panes ---
@@ -191,7 +200,7 @@ void qbQueryBuilder::SetLanguageString(std::int32_t id, const std::string& newVa
 // A pane has one hub: the one that it was linked to lets go of it.
 template <class Pane>
 void qbQueryBuilder::Link(Ref<Pane>& place, const Ref<Pane>& pane, void (qbQueryBuilder::*set)(const Ref<Pane>&)) {
-  if (travelling_) throw Error(ErrorInvalidCall, "Panes cannot be exchanged while a step is undone or redone.");
+  if (travelling_) throw Error(ErrorInvalidCall, text::PanesInTravel);
   const Ref<qbQueryBuilder> other = pane ? pane->QueryBuilder() : nullptr;
   if (other && other.get() != this) ((*other).*set)(nullptr);
   const Ref<Pane> before = std::exchange(place, pane);

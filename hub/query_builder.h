@@ -285,6 +285,7 @@ class qbQueryBuilder final : public QueryContext {
   std::int32_t RowOfColumn(const std::string& entityCaption, const std::string& column) const;
   std::int32_t MakeRowOfColumn(const std::string& entityCaption, const std::string& column, bool output);
   std::string TryConnection(const std::string& connectionString);
+  void ApplyTexts();
   DesignOptions CurrentOptions() const;
   void TakeTables(DesignChange& change, bool withTicks) const;
   DesignChange CurrentChange() const;

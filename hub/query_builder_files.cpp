@@ -1,6 +1,7 @@
 // The query's way into a file and back.
 #include "base/error.h"
 #include "base/file.h"
+#include "base/texts_hub.h"
 #include "hub/query_builder.h"
 #include "hub/query_file_reader.h"
 #include "hub/query_file_writer.h"
@@ -8,7 +9,7 @@
 namespace zrqrybld {
 
 bool qbQueryBuilder::SaveQuery(std::string& filename, bool returnData) {
-  RunOperation("Save query", InfoSavingQuery, [&] {
+  RunOperation(text::StepSave, InfoSavingQuery, [&] {
     RaiseInfo(InfoSavingQuery, returnData ? std::string() : filename);
     std::string text = QueryFileWriter(*this).Write();
     if (returnData) {
@@ -37,7 +38,7 @@ bool qbQueryBuilder::LoadQuery(const std::string& filename, bool fileIsData, boo
       const std::string text = fileIsData ? filename : ReadWholeFile(filename, kLargestQueryFile);
       complete = WholeOrNothing(RefTo<QueryContext>(*this), [&] { return reader.Read(text); });
     } catch (const std::exception& cause) {
-      throw WrapError(ErrorLoadingQuery, "An error occured while loading the query.", cause);
+      throw WrapError(ErrorLoadingQuery, text::LoadingFailed, cause);
     }
     if (!complete || returnParametersOnly) return;
     if (sqlPane_) sqlPane_->QueryReplaced();

@@ -2,6 +2,7 @@
 #include "base/error.h"
 #include "base/scoped_value.h"
 #include "base/text.h"
+#include "base/texts_hub.h"
 #include "hub/query_builder.h"
 
 namespace zrqrybld {
@@ -72,7 +73,7 @@ void qbQueryBuilder::RememberAll() {
 }
 
 void qbQueryBuilder::ClearHistory() {
-  if (InStep()) throw Error(ErrorInvalidCall, "The history cannot be cleared while the query is being changed.");
+  if (InStep()) throw Error(ErrorInvalidCall, text::HistoryInUse);
   RememberAll();
 }
 
@@ -129,7 +130,7 @@ void qbQueryBuilder::StepEnded() {
 
 bool qbQueryBuilder::Travel(bool back) {
   if (InStep() || travelling_ || (state() != InfoDone && state() != InfoParsingSQL)) {
-    throw Error(ErrorInvalidCall, "The query is being changed; steps cannot be undone or redone before that is done.");
+    throw Error(ErrorInvalidCall, text::StepGoesOn);
   }
   const Ref<Object> alive = shared_from_this();  // a listener may let go of it
   const ScopedValue travelling(travelling_, true);
@@ -192,8 +193,7 @@ void qbQueryBuilder::RestoreOptions(const DesignOptions& options) {
 
 std::string qbQueryBuilder::TextOf(const History::Step* step) const {
   if (!step) return {};
-  std::string text = step->label.id != 0 ? GetLanguageString(step->label.id) : std::string();
-  if (text.empty()) text = step->label.text;
+  const std::string text = step->label.id != 0 ? GetLanguageString(step->label.id) : step->label.text;
   return std::string(TrimWhite(ReplaceNoCase(text, "%NAME%", step->label.about)));
 }
 

@@ -4,6 +4,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_hub.h"
 #include "hub/query_builder.h"
 #include "platform/stored_values.h"
 
@@ -39,7 +40,7 @@ void qbQueryBuilder::SetDistinctRecords(bool distinct) {
 
 void qbQueryBuilder::SetSelectTopRecords(const std::string& value) {
   const std::optional<std::string> limit = LimitToStore(value);
-  if (!limit) throw Error(ErrorInvalidPropertyValue, "Invalid Property Value.");
+  if (!limit) throw Error(ErrorInvalidPropertyValue, text::InvalidPropertyValue);
   const StepScope step(RefTo(*this), kStepRowLimit);
   const bool changed = *limit != selectTopRecords_;
   Store(selectTopRecords_, *limit, "SelectTopRecords");
@@ -47,7 +48,7 @@ void qbQueryBuilder::SetSelectTopRecords(const std::string& value) {
 }
 
 void qbQueryBuilder::SetSkipRecords(std::int32_t rows) {
-  if (rows < 0) throw Error(ErrorInvalidPropertyValue, "Invalid Property Value.");
+  if (rows < 0) throw Error(ErrorInvalidPropertyValue, text::InvalidPropertyValue);
   const StepScope step(RefTo(*this), kStepRowLimit);
   const bool changed = rows != skipRecords_;
   Store(skipRecords_, rows, "SkipRecords");
@@ -55,7 +56,7 @@ void qbQueryBuilder::SetSkipRecords(std::int32_t rows) {
 }
 
 void qbQueryBuilder::SetAliasMaxLen(std::int16_t characters) {
-  if (characters < 0) throw Error(ErrorInvalidPropertyValue, "Invalid Property Value.");
+  if (characters < 0) throw Error(ErrorInvalidPropertyValue, text::InvalidPropertyValue);
   const bool changed = characters != aliasMaxLen_;
   Store(aliasMaxLen_, characters, "AliasMaxLen");
   if (gridPane_) gridPane_->ApplyAliasMaxLen();
@@ -70,7 +71,7 @@ void qbQueryBuilder::InitProperties() {
 }
 
 void qbQueryBuilder::ReadProperties(const PropertyStore& store) {
-  const StepScope step(RefTo(*this), "Read properties");
+  const StepScope step(RefTo(*this), text::StepReadProperties);
   allowJoinProperties_ = ReadBoolean(store, "AllowJoinProperties", false);
   connectOnLoad_ = ReadBoolean(store, "ConnectOnLoad", true);
   distinctRecords_ = ReadBoolean(store, "DistinctRecords", false);

@@ -7,6 +7,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_hub.h"
 #include "diagram/relationships.h"
 #include "diagram/source_names.h"
 #include "diagram/table_picker.h"
@@ -22,11 +23,8 @@ constexpr double kMostRows = 100'000;
 constexpr double kFarthest = 10'000'000;  // twips
 constexpr std::size_t kMostRemarks = 100;
 
-[[noreturn]] void ThrowUnreadable(std::string_view key, std::string_view value, std::string_view what) {
-  std::string text(key);
-  text += "=";
-  text += FirstCharacters(value, 40);
-  throw Error(ErrorTypeMismatch, text + ": " + std::string(what));
+[[noreturn]] void ThrowUnreadable(std::string_view key, std::string_view value, const Phrase& what) {
+  throw Error(ErrorTypeMismatch, Phrase(text::ValueUnreadable, key, FirstCharacters(value, 40), what));
 }
 
 std::string_view TakeLine(std::string_view& text) {
@@ -112,17 +110,17 @@ bool QueryFileReader::Read(std::string_view text) {
     }
     ApplyPendingTicks();
   } catch (const Error& error) {
-    throw Error(error.Number(), error.Description() + " (line " + std::to_string(line_) + ")");
+    throw Error(error.Number(), Phrase(text::InLine, error.What(), line_));
   }
   RemarkOpenSection();
-  if (!anySection_) Remark(line_, "The text holds no section of a query file");
+  if (!anySection_) Remark(line_, text::NoSectionInText);
   return true;
 }
 
 bool QueryFileReader::ReadLine(std::string_view line) {
   if (!encodingRemarked_ && (!IsUtf8(line) || line.find('\0') != std::string_view::npos)) {
     encodingRemarked_ = true;
-    Remark(line_, "The text is not UTF-8, or no text at all");
+    Remark(line_, text::NotUtf8);
   }
   const std::size_t equals = line.find('=');
   std::string_view key = line.substr(0, equals);
@@ -135,7 +133,7 @@ bool QueryFileReader::ReadLine(std::string_view line) {
   } else if (EqualsNoCase(key, "CONNECTIONSTRING") && !unknown_) {
     return TakeConnection(value);
   } else if (!unknown_ && !TrimWhite(line).empty() && !EqualsNoCase(key, "VERSION")) {
-    Remark(line_, "A line stands in no section", key);
+    Remark(line_, text::LineInNoSection, key);
   }
   return true;
 }
@@ -152,7 +150,7 @@ void QueryFileReader::ReadMarker(std::string_view marker) {
 void QueryFileReader::Begin(std::string_view name) {
   const SectionKind* kind = KindOf(name);
   if (!kind) {
-    Remark(line_, "A section is not known", name);
+    Remark(line_, text::SectionUnknown, name);
     PassOverMarker();
     if (!open_) unknown_ = line_;
     return;
@@ -177,7 +175,7 @@ void QueryFileReader::End(std::string_view name) {
     unknown_.reset();
     return;
   }
-  if (open_ != kind) Remark(line_, "The end of a section that has not begun", name);
+  if (open_ != kind) Remark(line_, text::SectionNotBegun, name);
   if (kind->withParametersOnly || !parameters_.only) {
     section_.MakeIndex();
     (this->*kind->take)();
@@ -189,16 +187,16 @@ void QueryFileReader::End(std::string_view name) {
 
 // --- Remarks ---
 
-void QueryFileReader::Remark(std::size_t line, std::string_view what, std::string_view about) {
+void QueryFileReader::Remark(std::size_t line, TextId what, std::string_view about) {
   if (remarks_.size() > kMostRemarks) return;
   if (remarks_.size() == kMostRemarks) {
-    remarks_.emplace_back("There is more that was passed over.");
+    remarks_.push_back(hub_.Say(text::MorePassedOver));
     return;
   }
-  std::string text(what);
   const bool isText = IsUtf8(about) && std::ranges::none_of(about, [](unsigned char c) { return c < ' '; });
-  if (!about.empty() && isText) text.append(": ").append(FirstCharacters(about, 80));
-  remarks_.push_back(text + " (line " + std::to_string(line) + ").");
+  remarks_.push_back(hub_.Say(about.empty() || !isText
+                                  ? Phrase(text::SentenceInLine, what, line)
+                                  : Phrase(text::AboutInLine, what, FirstCharacters(about, 80), line)));
 }
 
 // Properties are numbered: `Property1Key`, `Property1Value` and so on.
@@ -211,13 +209,13 @@ void QueryFileReader::RemarkUnknownKeys() {
     const std::string name = UpperAscii(key);
     const bool isKnown = name.empty() || open_->keys.find(" " + name + " ") != std::string_view::npos ||
                          (hasProperties && name.starts_with("PROPERTY"));
-    if (!isKnown) Remark(line, "A key is not known", key);
+    if (!isKnown) Remark(line, text::KeyNotKnown, key);
   }
 }
 
 void QueryFileReader::RemarkOpenSection() {
-  if (open_) Remark(section_.line, "A section has no end", open_->name);
-  if (unknown_) Remark(*unknown_, "A section has no end");
+  if (open_) Remark(section_.line, text::SectionHasNoEnd, open_->name);
+  if (unknown_) Remark(*unknown_, text::SectionHasNoEnd);
 }
 
 bool QueryFileReader::TakeConnection(std::string_view value) {
@@ -232,8 +230,8 @@ bool QueryFileReader::TakeConnection(std::string_view value) {
 double QueryFileReader::RequireNumber(std::string_view key, double smallest, double largest) const {
   const std::string_view* value = section_.Find(key);
   const std::optional<double> number = value ? ParseNumber(*value) : std::nullopt;
-  if (!number) ThrowUnreadable(key, value ? *value : std::string_view(), "this is no number");
-  if (!(*number >= smallest && *number <= largest)) ThrowUnreadable(key, *value, "this number is out of range");
+  if (!number) ThrowUnreadable(key, value ? *value : std::string_view(), text::NoNumber);
+  if (!(*number >= smallest && *number <= largest)) ThrowUnreadable(key, *value, text::OutOfRange);
   return *number;
 }
 
@@ -242,7 +240,7 @@ bool QueryFileReader::RequireBoolean(std::string_view key) const {
   try {
     return Variant(value).ToBoolean();
   } catch (const Error&) {
-    ThrowUnreadable(key, value, "this is neither True nor False");
+    ThrowUnreadable(key, value, text::NeitherTrueNorFalse);
   }
 }
 
@@ -250,7 +248,7 @@ Ref<qbEntity> QueryFileReader::RequireEntity(std::string_view key) const {
   const std::string caption = section_.Text(key);
   const Ref<qbEntities> entities = hub_.Entities();
   Ref<qbEntity> entity = entities ? entities->Item(caption) : nullptr;
-  if (!entity) throw Error(ErrorNoSuchItem, "There is no table " + std::string(FirstCharacters(caption, 80)) + ".");
+  if (!entity) throw Error(ErrorNoSuchItem, Phrase(text::NoSuchTable, FirstCharacters(caption, 80)));
   return entity;
 }
 
@@ -260,7 +258,7 @@ Variant QueryFileReader::RequireItemIndex(std::string_view key, const qbEntity& 
   if (text.empty()) return {};
   if (const std::optional<double> number = ParseNumber(text)) return NumberOf(*number);
   const Ref<qbEntityItem> item = entity.Items()->Item(text);
-  if (!item) ThrowUnreadable(key, text, "there is no such column in " + entity.Caption());
+  if (!item) ThrowUnreadable(key, text, {text::NoSuchColumnIn, entity.Caption()});
   return item->Index();
 }
 
@@ -283,7 +281,7 @@ void QueryFileReader::CopyProperties(qbProperties& properties) const {
 
 void QueryFileReader::TakeEntity() {
   if (!hub_.Entities()) return;
-  if (++entityCount_ > kMostEntities) throw Error(ErrorLoadingQuery, "There are too many tables.");
+  if (++entityCount_ > kMostEntities) throw Error(ErrorLoadingQuery, text::TooManyTables);
   const std::string table = section_.Text("TagVariant");
   const std::string caption = section_.Text("Caption");
   const Ref<qbEntity> entity = TablePicker(hub_.Hub()).AddTable(table.empty() ? caption : table);
@@ -337,7 +335,7 @@ void QueryFileReader::TakeItem() {
 
 void QueryFileReader::TakeRelationship() {
   if (!hub_.Entities()) return;
-  if (++joinCount_ > kMostJoins) throw Error(ErrorLoadingQuery, "There are too many joins.");
+  if (++joinCount_ > kMostJoins) throw Error(ErrorLoadingQuery, text::TooManyJoins);
   const Ref<qbEntity> source = RequireEntity("Source");
   const Ref<qbEntity> target = RequireEntity("Target");
   const Variant sourceIndex = RequireItemIndex("SourceItemIndex", *source);
@@ -373,7 +371,7 @@ qbGridPane::LoadedCell QueryFileReader::CellOf(std::string_view key, std::string
   const std::size_t comma = key.rfind(',');
   const std::optional<double> row = comma == std::string_view::npos ? std::nullopt : ParseNumber(key.substr(comma + 1));
   if (!row || !(*row >= 1 && *row <= kMostRows) || std::nearbyint(*row) != *row) {
-    ThrowUnreadable(key, value, "this names no row");
+    ThrowUnreadable(key, value, text::NamesNoRow);
   }
   const std::size_t column = hub_.GridPane()->Grid()->Columns()->PositionOf(key.substr(0, comma));
   return {static_cast<std::int32_t>(*row), column, std::string(value)};

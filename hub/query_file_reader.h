@@ -68,7 +68,7 @@ class QueryFileReader {
   void Begin(std::string_view name);
   void End(std::string_view name);
   void PassOverMarker();
-  void Remark(std::size_t line, std::string_view what, std::string_view about = {});
+  void Remark(std::size_t line, TextId what, std::string_view about = {});
   void RemarkUnknownKeys();
   void RemarkOpenSection();
   bool TakeConnection(std::string_view value);

@@ -4,6 +4,8 @@
 // are made to say what the statement says.
 #include <unordered_set>
 
+#include "base/texts_hub.h"
+#include "base/texts_values.h"
 #include "diagram/join_properties.h"
 #include "diagram/relationships.h"
 #include "diagram/table_picker.h"
@@ -103,7 +105,7 @@ class DesignWriter {
     for (PlannedTable& table : tables_) {
       if (table.entity) continue;
       table.entity = TablePicker(RefTo(hub_)).AddTable(table.name);
-      if (!table.entity) throw Error(ErrorAddingTable, "The table " + table.name + " was not added to the diagram.");
+      if (!table.entity) throw Error(ErrorAddingTable, {text::TableNotAdded, table.name});
       table.entity->SetCaption(table.caption);
     }
     std::vector<Ref<qbEntity>> order;
@@ -163,7 +165,7 @@ void Load(qbQueryBuilder& hub, std::string_view sql) {
   options.criteria = hub.CriteriaRules();
   if (options.criteria.reading) {
     const std::optional<std::size_t> otherwise = FirstReadOtherwise(sql, *options.criteria.reading);
-    if (otherwise) throw SyntaxError(sql, *otherwise, std::string(kReadsOtherwise));
+    if (otherwise) throw SyntaxError(sql, *otherwise, text::ReadsOtherwise);
   }
   const SelectStatement statement = ParseSelect(sql, {.openParenthesesInFrom = options.dialect->leavesParenthesesOpen});
   TablePlan plan(hub, statement, options.names);

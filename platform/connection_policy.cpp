@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/text.h"
+#include "base/texts_platform.h"
 #include "platform/connection_string.h"
 
 namespace zrqrybld {
@@ -29,13 +30,13 @@ PlainKey Plain(std::string_view key) {
 
 struct Harm {
   std::string_view key;
-  std::string_view does;
+  TextId does;
 };
 
-constexpr std::string_view kRuns = "runs statements";
-constexpr std::string_view kLoads = "loads a library";
-constexpr std::string_view kFiles = "reads or writes another file";
-constexpr std::string_view kProgram = "starts a program";
+constexpr TextId kRuns = text::KeyRunsStatements;
+constexpr TextId kLoads = text::KeyLoadsLibrary;
+constexpr TextId kFiles = text::KeyUsesFile;
+constexpr TextId kProgram = text::KeyStartsProgram;
 
 constexpr Harm kHarms[] = {
     // Statements, under the names that drivers give them; "A6" is PostgreSQL's short form.
@@ -214,7 +215,7 @@ bool HasHarmfulOption(std::string_view value) {
          (static_cast<std::uint64_t>(*number) & kHarmfulOptionBits) != 0;
 }
 
-std::optional<std::string_view> HarmOf(const Reading& reading) {
+std::optional<TextId> HarmOf(const Reading& reading) {
   const bool isOption = reading.key == "option" || reading.key == "options";
   if (isOption && HasHarmfulOption(reading.value)) return kRuns;
   const auto* harm = std::ranges::find(kHarms, reading.key, &Harm::key);
@@ -235,23 +236,23 @@ bool NamesDataSource(const std::vector<Reading>& readings) {
       readings, [](const Reading& reading) { return reading.key == "dsn" || reading.key == "datasource"; });
 }
 
-std::string Shown(std::string_view key) { return "\"" + std::string(FirstCharacters(key, 40)) + "\""; }
+std::string_view Shown(std::string_view key) { return FirstCharacters(key, 40); }
 
-// Why a file may not hold the string for a driver; "" when it may.
-std::string RefusalOfFile(const ConnectionString& parsed, const std::vector<Reading>& readings) {
+// Why a file may not hold the string for a driver; nothing when it may.
+Phrase RefusalOfFile(const ConnectionString& parsed, const std::vector<Reading>& readings) {
   const bool dataSource = NamesDataSource(readings);
   for (const Reading& reading : readings) {
     const bool secret = ConnectionString::IsSecretKey(reading.key);
     if (!secret && !Holds(kHarmless, reading.key)) {
-      return "The key " + Shown(reading.key) + " is not known to be harmless.";
+      return {text::KeyUnknown, Shown(reading.key)};
     }
     if (dataSource && Holds(kLeadsElsewhere, reading.key)) {
-      return "The key " + Shown(reading.key) + " would lead a configured data source's password elsewhere.";
+      return {text::KeyLeadsElsewhere, Shown(reading.key)};
     }
   }
   std::unordered_set<PlainKey> keys;
   for (const auto& [key, value] : parsed.Parts()) {
-    if (!keys.insert(Plain(key)).second) return "The key " + Shown(Plain(key)) + " is given twice.";
+    if (!keys.insert(Plain(key)).second) return {text::KeyGivenTwice, Shown(Plain(key))};
   }
   return {};
 }
@@ -262,27 +263,25 @@ ConnectionJudgement JudgeConnection(std::string_view connectionString, Connectio
                                     std::span<const std::string> drivers) {
   if (origin == ConnectionOrigin::Program) return {};
   if (connectionString.size() > kLongest) {
-    return {ConnectionVerdict::Refuse, "The connection string is too long."};
+    return {ConnectionVerdict::Refuse, text::StringTooLong};
   }
   const ConnectionString parsed(connectionString);
   std::vector<Reading> readings = AllReadings(connectionString);
   AppendOwnReading(parsed, readings);
   for (const Reading& reading : readings) {
     if (reading.key == "driver" && !IsConfigured(reading.value, drivers)) {
-      return {ConnectionVerdict::Refuse,
-              "\"Driver\" has to be the name of a driver that is configured on this computer, not a file."};
+      return {ConnectionVerdict::Refuse, text::DriverNotConfigured};
     }
   }
   for (const Reading& reading : readings) {
-    const std::optional<std::string_view> harm = HarmOf(reading);
+    const std::optional<TextId> harm = HarmOf(reading);
     if (!harm) continue;
     const bool fromFile = origin == ConnectionOrigin::File;
-    return {fromFile ? ConnectionVerdict::Refuse : ConnectionVerdict::Warn,
-            "The key " + Shown(reading.key) + " " + std::string(*harm) + "."};
+    return {fromFile ? ConnectionVerdict::Refuse : ConnectionVerdict::Warn, Phrase(*harm, Shown(reading.key))};
   }
   if (origin == ConnectionOrigin::File && IsForDriver(readings)) {
-    std::string refusal = RefusalOfFile(parsed, readings);
-    if (!refusal.empty()) return {ConnectionVerdict::Refuse, std::move(refusal)};
+    Phrase refusal = RefusalOfFile(parsed, readings);
+    if (!refusal.Empty()) return {ConnectionVerdict::Refuse, std::move(refusal)};
   }
   return {};
 }

@@ -10,6 +10,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/phrase.h"
+
 namespace zrqrybld {
 
 /// Who wrote a connection string.
@@ -27,7 +29,7 @@ enum class ConnectionVerdict : std::uint8_t {
 
 struct ConnectionJudgement {
   ConnectionVerdict verdict = ConnectionVerdict::Open;
-  std::string reason;  ///< a sentence for a person, without values; "" for `Open`
+  Phrase reason;  ///< a sentence for a person, without values; nothing for `Open`
 };
 
 /// Judges the string. `drivers` are the names of the drivers that are configured on the machine.

@@ -2,6 +2,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_platform.h"
 
 namespace zrqrybld {
 
@@ -20,7 +21,7 @@ const ScrollState& HeadlessSurface::ScrollBar(Orientation orientation) const {
 }
 
 void HeadlessSurface::SavePng(const Picture&, const std::string& path) {
-  throw Error(ErrorFileAccess, "Without a window no PNG picture can be drawn: " + path);
+  throw Error(ErrorFileAccess, Phrase(text::NoPngWithoutWindow, path));
 }
 
 std::shared_ptr<PopupList> HeadlessSurface::MakePopupList() {

@@ -8,6 +8,7 @@
 #include "base/collection.h"
 #include "base/error.h"
 #include "base/object.h"
+#include "base/texts_platform.h"
 
 namespace zrqrybld {
 
@@ -37,7 +38,7 @@ class ImageList final : public Object {
 
   /// Adds a picture at the end. Error 457 when the key is in use, 91 for nothing.
   void Add(Ref<Image> image, const std::string& key = {}) {
-    if (!image) throw Error(ErrorObjectRemoved, "A picture is wanted, nothing is given.");
+    if (!image) throw Error(ErrorObjectRemoved, text::NoPictureGiven);
     images_.Insert(std::move(image), key);
   }
   /// How many there are; positions run from 1 to it.

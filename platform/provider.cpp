@@ -2,6 +2,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_platform.h"
 
 namespace zrqrybld {
 
@@ -10,8 +11,7 @@ Provider& ProviderList::Choose(const ConnectionString& connectionString) const {
   for (auto provider = providers_.rbegin(); provider != providers_.rend(); ++provider) {
     if (name ? EqualsNoCase((*provider)->Name(), *name) : (*provider)->Accepts(connectionString)) return **provider;
   }
-  throw Error(ErrorConnectionFailed,
-              name ? "There is no provider named \"" + *name + "\"." : "No provider knows this connection string.");
+  throw Error(ErrorConnectionFailed, name ? Phrase(text::NoProviderNamed, *name) : text::NoProviderKnows);
 }
 
 std::vector<DataSourceName> ProviderList::DataSources() const {
@@ -31,20 +31,19 @@ std::vector<std::string> ProviderList::Drivers() const {
 }
 
 Session& ProviderConnection::OpenedSession() const {
-  if (!HasSession()) throw Error(ErrorConnectionClosed, "The connection is closed.");
+  if (!HasSession()) throw Error(ErrorConnectionClosed, text::ConnectionIsClosed);
   return *session_;
 }
 
 void ProviderConnection::SetConnectionString(std::string value) {
-  if (HasSession())
-    throw Error(ErrorConnectionOpen, "The connection string cannot change while the connection is open.");
+  if (HasSession()) throw Error(ErrorConnectionOpen, text::ConnectionStringInUse);
   connectionString_ = std::move(value);
 }
 
 void ProviderConnection::SetProperty(std::string_view, const Variant&) {}
 
 void ProviderConnection::Open(std::string_view user, std::string_view password) {
-  if (HasSession()) throw Error(ErrorConnectionOpen, "The connection is open already.");
+  if (HasSession()) throw Error(ErrorConnectionOpen, text::ConnectionIsOpen);
   session_.reset();
   const zrqrybld::ConnectionString parsed(connectionString_);
   session_ = providers_->Choose(parsed).Open(parsed, user, password);

@@ -4,6 +4,7 @@
 #include <memory>
 #include <utility>
 
+#include "base/phrase.h"
 #include "platform/dialogs.h"
 #include "platform/provider.h"
 
@@ -25,6 +26,10 @@ class Toolkit {
   /// Shows the hourglass over the whole application, or the usual pointer again. Calls nest.
   virtual void SetBusyPointer(bool busy) = 0;
 
+  /// The language of the windows: the designer's own, from when it has begun; the built-in texts before.
+  const TextSource& Texts() const { return texts_ ? *texts_ : EnglishTexts(); }
+  void SetTexts(std::shared_ptr<const TextSource> texts) { texts_ = std::move(texts); }
+
   /// The data source providers that the application has registered.
   const std::shared_ptr<ProviderList>& Providers() const { return providers_; }
 
@@ -35,6 +40,7 @@ class Toolkit {
  private:
   std::shared_ptr<ProviderList> providers_ = std::make_shared<ProviderList>();
   std::shared_ptr<const FileSystem> files_;
+  std::shared_ptr<const TextSource> texts_;
 };
 
 /// Shows the hourglass while it lives.

@@ -5,6 +5,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_values.h"
 #include "sql/criteria_tokens.h"
 #include "sql/criteria_values.h"
 
@@ -125,7 +126,7 @@ class CriterionReader {
     return std::min(at, end);
   }
 
-  [[noreturn]] void Fail(std::string_view message) const {
+  [[noreturn]] void Fail(const Phrase& message) const {
     ThrowCriterionError(tokens_.All(), tokens_.Offset(at_), message);
   }
 
@@ -133,7 +134,7 @@ class CriterionReader {
 
   void Put(std::string_view text) {
     result_ += text;
-    if (result_.size() > kLongestResult) Fail("The condition grows beyond all bounds.");
+    if (result_.size() > kLongestResult) Fail(text::ConditionGrows);
   }
 
   // What every predicate begins with: the field, or nothing in a criterion.
@@ -146,13 +147,13 @@ class CriterionReader {
   // Writes the value from here to `end` and goes behind it.
   void PutValue(std::size_t end, bool pattern = false) {
     SkipComments();
-    if (at_ >= end) Fail("A value is missing here.");
+    if (at_ >= end) Fail(text::ValueMissing);
     std::string_view sign;
     for (std::size_t at = at_; at < end; at = tokens_.After(at)) {
       if (ComparisonAt(at, sign) == 0) continue;
-      if (at == at_) Fail("A value is missing here.");
+      if (at == at_) Fail(text::ValueMissing);
       at_ = at;
-      Fail("The column itself is compared here: nothing else can stand before this.");
+      Fail(text::ColumnItself);
     }
     if (isField_) {
       Put(tokens_.Kept(at_, end));
@@ -176,7 +177,7 @@ class CriterionReader {
       ReadTerm(end);
       SkipComments();
       if (at_ >= end) return;
-      if (!AtEnd(end)) Fail("AND or OR is missing here.");
+      if (!AtEnd(end)) Fail(text::AndOrMissing);
       Put(AtWord("AND") ? " AND " : " OR ");
       ++at_;
     }
@@ -191,7 +192,7 @@ class CriterionReader {
       ++at_;
       SkipComments();
     }
-    if (AtEnd(end)) Fail("A condition is missing here.");
+    if (AtEnd(end)) Fail(text::ConditionMissing);
     if (IsGroup(end)) {
       const std::size_t closing = tokens_.Partner(at_);
       Put("(");
@@ -200,7 +201,7 @@ class CriterionReader {
       Put(")");
       at_ = closing + 1;
     } else if (AtWord("EXISTS") && IsQuery(at_ + 1)) {
-      if (isField_) Fail("This is no condition on the column.");
+      if (isField_) Fail(text::NoCondition);
       Put("EXISTS ");
       ++at_;
       PutKept(tokens_.After(at_));
@@ -227,7 +228,7 @@ class CriterionReader {
            !tokens_.IsWord(at, "IS") && !tokens_.IsWord(at, "NOT")) {
       at = tokens_.After(at);
     }
-    if (at >= end || !(*isField_)(tokens_.Kept(at_, at))) Fail("This is no condition on the column.");
+    if (at >= end || !(*isField_)(tokens_.Kept(at_, at))) Fail(text::NoCondition);
     at_ = at;
   }
 
@@ -255,7 +256,7 @@ class CriterionReader {
       at_ = at + 1;
       ReadBetween(negated, end);
     } else {
-      if (isField_) Fail("This is no condition on the column.");
+      if (isField_) Fail(text::NoCondition);
       ReadComparison("=", end);
     }
   }
@@ -318,7 +319,7 @@ class CriterionReader {
     for (;;) {
       PutValue(EndOfValue(closing, true));
       if (at_ >= closing) break;
-      if (!tokens_.Is(at_, ',')) Fail("A comma is missing here.");
+      if (!tokens_.Is(at_, ',')) Fail(text::CommaMissing);
       Put(", ");
       ++at_;
     }
@@ -329,7 +330,7 @@ class CriterionReader {
   void ReadBetween(bool negated, std::size_t end) {
     Put(negated ? "NOT BETWEEN " : "BETWEEN ");
     PutValue(EndOfValue(end));
-    if (at_ >= end || !AtWord("AND")) Fail("AND and the second value are missing here.");
+    if (at_ >= end || !AtWord("AND")) Fail(text::SecondValueMissing);
     Put(" AND ");
     ++at_;
     PutValue(EndOfValue(end));

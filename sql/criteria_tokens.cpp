@@ -4,6 +4,8 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_sql.h"
+#include "base/texts_values.h"
 #include "sql/date_literal.h"
 #include "sql/names.h"
 #include "sql/source_lexer.h"
@@ -24,9 +26,9 @@ bool IsHashDate(std::string_view written, const std::string& dateFormat) {
          ReadDateTime(written.substr(1, written.size() - 2), dateFormat, true, date) != DateReading::NoDate;
 }
 
-void ThrowCriterionError(std::string_view text, std::size_t offset, std::string_view message) {
+void ThrowCriterionError(std::string_view text, std::size_t offset, const Phrase& message) {
   const std::size_t character = CharacterCount(text.substr(0, offset)) + 1;
-  throw Error(ErrorParsingText, std::string(message) + " (character " + std::to_string(character) + ")", offset);
+  throw Error(ErrorParsingText, Phrase(text::AtCharacter, message, character), offset);
 }
 
 bool IsLiteralWord(std::string_view word) {
@@ -99,15 +101,15 @@ void CriterionTokens::FindPartners() {
     } else if (Is(i, ')') || Is(i, '}')) {
       while (!open.empty() && open.back().closing == 'E') open.pop_back();
       if (open.empty() || open.back().closing != text_[tokens_[i].offset]) {
-        ThrowCriterionError(text_, tokens_[i].offset, "Nothing is open that this closes.");
+        ThrowCriterionError(text_, tokens_[i].offset, text::NothingOpen);
       }
       partners_[open.back().index] = i;
       open.pop_back();
     }
-    if (open.size() > kDeepest) ThrowCriterionError(text_, tokens_[i].offset, "This lies within too much else.");
+    if (open.size() > kDeepest) ThrowCriterionError(text_, tokens_[i].offset, text::TooDeepWithin);
   }
   for (const Opening& opening : open) {
-    if (opening.closing != 'E') ThrowCriterionError(text_, tokens_[opening.index].offset, "This is never closed.");
+    if (opening.closing != 'E') ThrowCriterionError(text_, tokens_[opening.index].offset, text::NeverClosed);
   }
 }
 
@@ -139,18 +141,18 @@ std::string CriterionTokens::Kept(std::size_t from, std::size_t to) const {
   std::string text;
   OneLine line(text_, text);
   for (std::size_t i = from; i < to; ++i) {
-    if (IsApostrophe(i)) ThrowCriterionError(text_, tokens_[i].offset, "What this quote begins is never closed.");
+    if (IsApostrophe(i)) ThrowCriterionError(text_, tokens_[i].offset, text::QuoteNeverClosed);
     if (tokens_[i].kind == TokenKind::Word && BeginsAsDate(Text(i))) {
-      ThrowCriterionError(text_, tokens_[i].offset, kBeginsAsDate);
+      ThrowCriterionError(text_, tokens_[i].offset, text::BeginsAsDate);
     }
     const bool isText = tokens_[i].kind == TokenKind::String;
     if (isText && context_.reading && !ReadsAlike(text_, tokens_[i], *context_.reading)) {
-      ThrowCriterionError(text_, tokens_[i].offset, kReadsOtherwise);
+      ThrowCriterionError(text_, tokens_[i].offset, text::ReadsOtherwise);
     }
     // Who reads the statement knows no date format, and would take the second "#" for the beginning of a date.
     if (Token alone;
         tokens_[i].kind == TokenKind::Date && Lexer(Text(i)).Next(alone) && alone.kind != TokenKind::Date) {
-      ThrowCriterionError(text_, tokens_[i].offset, "In an expression a date is to begin with a figure: #2020-01-31#.");
+      ThrowCriterionError(text_, tokens_[i].offset, text::DateBeginsWithFigure);
     }
     line.Add(tokens_[i], Requoted(i, from));
   }
@@ -176,7 +178,7 @@ std::string CriterionTokens::Requoted(std::size_t index, std::size_t from) const
 void CriterionTokens::RequireFinished(std::size_t from, std::size_t to) const {
   for (std::size_t i = from; i < to; ++i) {
     if (tokens_[i].unfinished && !IsApostrophe(i)) {
-      ThrowCriterionError(text_, tokens_[i].offset, "What begins here is never closed.");
+      ThrowCriterionError(text_, tokens_[i].offset, text::BeginningNeverClosed);
     }
   }
 }

@@ -8,13 +8,14 @@
 #include <string_view>
 #include <vector>
 
+#include "base/phrase.h"
 #include "sql/criteria_context.h"
 #include "sql/lexer.h"
 
 namespace zrqrybld {
 
 /// The failure to read `text` at a byte of it: error 40002 with the message and the character's number from 1.
-[[noreturn]] void ThrowCriterionError(std::string_view text, std::size_t offset, std::string_view message);
+[[noreturn]] void ThrowCriterionError(std::string_view text, std::size_t offset, const Phrase& message);
 
 class CriterionTokens {
  public:

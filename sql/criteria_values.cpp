@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/text.h"
+#include "base/texts_values.h"
 #include "platform/schema_fields.h"
 #include "sql/date_literal.h"
 #include "sql/literals.h"
@@ -215,7 +216,7 @@ bool CriterionValues::IsSql(Kind kind, std::size_t from, std::size_t to) const {
 
 // --- Literals ---
 
-void CriterionValues::Refuse(std::size_t at, std::string_view what) const {
+void CriterionValues::Refuse(std::size_t at, const Phrase& what) const {
   ThrowCriterionError(tokens_.All(), tokens_.Offset(at), what);
 }
 
@@ -257,19 +258,19 @@ bool CriterionValues::WriteDate(std::size_t from, std::size_t to, std::string& t
   switch (ReadDateTime(bare, context_.dateFormat, hash, value)) {
     case DateReading::Ambiguous:
       if (!literal.empty()) return false;
-      Refuse(from, "This can be two dates. Write it as 2020-01-31 or with the month's name.");
+      Refuse(from, text::TwoDates);
     case DateReading::NoDate:
-      if (hash) Refuse(from, "This is no date.");
+      if (hash) Refuse(from, text::NoDate);
       return false;
     case DateReading::Read:
       break;
   }
   if (!value.hasDate && !IsTimeOfDay(context_)) {
     if (!literal.empty()) return false;
-    Refuse(from, "This has no date.");
+    Refuse(from, text::HasNoDate);
   }
   const std::optional<std::string> written = DateLiteral(value, context_);
-  if (!written) Refuse(from, "This does not fit the date format, by which the source reads dates.");
+  if (!written) Refuse(from, text::DoesNotFitDateFormat);
   text = *written;
   return true;
 }
@@ -329,14 +330,14 @@ std::string CriterionValues::Write(std::size_t from, std::size_t to) const {
   const std::size_t at = expression.valid && expression.unknown != CriterionTokens::kNone ? expression.unknown : from;
   switch (kind_) {
     case Kind::Date:
-      Refuse(at, "This is no date.");
+      Refuse(at, text::NoDate);
     case Kind::Boolean:
-      Refuse(at, "This is neither true nor false, nor a column of the query.");
+      Refuse(at, text::NeitherTrueNorColumn);
     case Kind::Guid:
     case Kind::Binary:
-      Refuse(at, "This is no value of the column's type.");
+      Refuse(at, text::NotOfColumnType);
     default:
-      Refuse(at, "This is no number, nor a column of the query.");
+      Refuse(at, text::NeitherNumberNorColumn);
   }
 }
 

@@ -52,7 +52,7 @@ class CriterionValues {
   std::string_view QuotedDate(std::size_t from, std::size_t to) const;
   bool WriteDate(std::size_t from, std::size_t to, std::string& text) const;
   std::string Truth(std::string_view text) const;
-  [[noreturn]] void Refuse(std::size_t at, std::string_view what) const;
+  [[noreturn]] void Refuse(std::size_t at, const Phrase& what) const;
 
   const CriterionTokens& tokens_;
   const CriteriaContext& context_;

@@ -7,6 +7,7 @@
 #include <unordered_set>
 
 #include "base/text.h"
+#include "base/texts_sql.h"
 #include "sql/join_form.h"
 #include "sql/join_list.h"
 #include "sql/lexer.h"
@@ -43,10 +44,12 @@ class Diagnosis {
   }
 
  private:
-  void Say(SQLDiagnosticEnum kind, std::string object, std::string_view text) {
-    std::string sentence = object;
-    sentence += text;
-    found_.push_back({kind, std::move(object), std::move(sentence)});
+  // What is said names the object first.
+  template <class... More>
+  void Say(SQLDiagnosticEnum kind, TextId what, std::string object, const More&... more) {
+    Phrase phrase(what, object, more...);
+    std::string english = phrase.English();
+    found_.push_back({kind, std::move(object), std::move(english), std::move(phrase)});
   }
 
   const std::string& CaptionOf(std::size_t table) const { return query_.tables[table].caption.Name(); }
@@ -67,11 +70,11 @@ class Diagnosis {
     for (const FromEntry& entry : generated_.from) {
       const std::string& caption = CaptionOf(entry.table);
       if (entry.conditions.empty() && &entry != &generated_.from.front()) {
-        Say(DiagnosticTableNotJoined, caption, " is joined to no table before it: each of its rows meets all others.");
-        if (nested) Say(DiagnosticParentheses, caption, " stands behind parentheses that are never closed.");
+        Say(DiagnosticTableNotJoined, text::TableNotJoined, caption);
+        if (nested) Say(DiagnosticParentheses, text::ParenthesesOpen, caption);
       }
       if (HasMixedKinds(entry)) {
-        Say(DiagnosticMixedJoins, caption, " has joins of several kinds, which one statement cannot say.");
+        Say(DiagnosticMixedJoins, text::MixedJoins, caption);
       }
     }
   }
@@ -91,18 +94,13 @@ class Diagnosis {
   void Joins() {
     for (const SnapshotJoin& join : query_.joins) {
       if (join.source == join.target) {
-        Say(DiagnosticJoinToItself, CaptionOf(join.source),
-            " is joined to itself, which is not written: add the table a second time and join the two.");
+        Say(DiagnosticJoinToItself, text::JoinToItself, CaptionOf(join.source));
       } else if (!IsUsable(join)) {
-        Say(DiagnosticIncompleteJoin, CaptionOf(join.source) + " - " + CaptionOf(join.target),
-            ": the join names no column, so it is not written.");
+        Say(DiagnosticIncompleteJoin, text::IncompleteJoin, CaptionOf(join.source) + " - " + CaptionOf(join.target));
       } else if (join.kind.IsFull() && !dialect_.hasFullJoin) {
-        Say(DiagnosticFullJoin,
+        Say(DiagnosticFullJoin, dialect_.joins == Dialect::Joins::Clauses ? text::FullJoinMissing : text::FullJoinLost,
             CaptionOf(join.source) + "." + join.sourceColumn->Name() + " = " + CaptionOf(join.target) + "." +
-                join.targetColumn->Name(),
-            dialect_.joins == Dialect::Joins::Clauses
-                ? ": this dialect cannot keep all rows of both tables. Choose another kind of join."
-                : ": this dialect cannot keep all rows of both tables; only rows that match are returned.");
+                join.targetColumn->Name());
       }
     }
     WaitingJoins();
@@ -116,7 +114,7 @@ class Diagnosis {
     std::vector<std::size_t> order(query_.tables.size());
     std::iota(order.begin(), order.end(), 0);
     if (!MeaningOfGeneratedJoins(query_, order, dialect_).empty()) return;
-    Say(DiagnosticJoinsWait, CaptionOf(outer->source), " is in a circle of outer joins, which no source may take.");
+    Say(DiagnosticJoinsWait, text::JoinsWait, CaptionOf(outer->source));
   }
 
   // --- Rows ---
@@ -129,20 +127,20 @@ class Diagnosis {
       const std::string& name = row.alias.Empty() && plain ? row.column : row.alias.Name();
       if (IsAllColumns(row)) continue;
       if (!name.empty() && !names.insert(FoldCase(name)).second) {
-        Say(DiagnosticDuplicateName, name, " is the name of more than one column of the result.");
+        Say(DiagnosticDuplicateName, text::DuplicateName, name);
       }
     }
     for (const SnapshotRow& row : query_.rows) {
       if (!IsOutput(row) || row.alias.Empty()) continue;
       if (IsAllColumns(row)) {
-        Say(DiagnosticAliasWritten, NameOf(row), " stands for several columns, which cannot have one alias.");
+        Say(DiagnosticAliasWritten, text::AliasOfSeveral, NameOf(row));
       } else if (!row.uncutAlias.empty()) {
-        Say(DiagnosticAliasWritten, NameOf(row), ": the alias " + row.uncutAlias + " is too long and was cut.");
+        Say(DiagnosticAliasWritten, text::AliasCut, NameOf(row), row.uncutAlias);
       }
     }
     for (const UnreadableCriterion& criterion : generated_.unreadable) {
-      Say(DiagnosticUnreadableCriterion, NameOf(query_.rows[criterion.row]),
-          ": the criterion " + criterion.text + " cannot be read: " + criterion.reason);
+      Say(DiagnosticUnreadableCriterion, text::CriterionUnreadable, NameOf(query_.rows[criterion.row]), criterion.text,
+          criterion.reason);
     }
   }
 
@@ -159,12 +157,12 @@ class Diagnosis {
       const bool isExpression = grouping.kind == GroupingKind::Expression && !row.table;
       const bool shown = row.output || IsSorted(row);
       if (query_.groupByMode && unknown) {
-        Say(DiagnosticUnknownFunction, NameOf(row), ": there is no function " + grouping.name + ".");
+        Say(DiagnosticUnknownFunction, text::NoFunction, NameOf(row), grouping.name);
       } else if (grouped && shown && !Groups(row) && !isExpression) {
-        Say(DiagnosticNotGrouped, NameOf(row), " is neither grouped nor aggregated.");
+        Say(DiagnosticNotGrouped, text::NotGrouped, NameOf(row));
       }
       if (!query_.groupByMode && row.grouping.ChoosesGroups() && HasCriteria(row)) {
-        Say(DiagnosticNothingToGroup, NameOf(row), ": its criterion is for groups, but the query does not group.");
+        Say(DiagnosticNothingToGroup, text::NothingToGroup, NameOf(row));
       }
       CheckAllColumns(row);
     }
@@ -179,7 +177,7 @@ class Diagnosis {
     if (row.column != "*" || !row.table) return;
     const bool counted = StartsWithNoCase(row.grouping.syntax, "COUNT");
     const bool single = Groups(row) || IsSorted(row) || HasCriteria(row);
-    if (single && !counted) Say(DiagnosticAllColumns, NameOf(row), " stands where only a single column can.");
+    if (single && !counted) Say(DiagnosticAllColumns, text::OnlySingleColumn, NameOf(row));
   }
 
   // --- Sorting ---
@@ -195,10 +193,10 @@ class Diagnosis {
     }
     for (const SnapshotRow& row : query_.rows) {
       if (row.sort.place && *row.sort.place >= 0.5 && !IsSorted(row)) {
-        Say(DiagnosticSameSortOrder, NameOf(row), ": another column has the same place in the sort order.");
+        Say(DiagnosticSameSortOrder, text::SameSortPlace, NameOf(row));
       }
       if (asked && IsSorted(row) && !selected.contains(key(row)) && !selected.contains({key(row).first, "*"})) {
-        Say(DiagnosticSortNotSelected, NameOf(row), " is sorted by, but it is not among the distinct columns.");
+        Say(DiagnosticSortNotSelected, text::SortNotSelected, NameOf(row));
       }
     }
   }
@@ -228,8 +226,7 @@ class Diagnosis {
     }
     for (std::size_t table = 0; table < refusing.size(); ++table) {
       if (!rowOf[table] || refusing[table] < columns) continue;
-      Say(DiagnosticOuterJoinUndone, NameOf(*rowOf[table]),
-          ": the criterion drops the rows without a partner, so that the outer join returns what an inner one does.");
+      Say(DiagnosticOuterJoinUndone, text::OuterJoinUndone, NameOf(*rowOf[table]));
     }
   }
 
@@ -258,20 +255,20 @@ class Diagnosis {
     const RowLimit& limit = dialect_.limit;
     const bool percent = query_.top.ends_with('%');
     if (query_.skip > 0 && limit.offset.empty()) {
-      Say(DiagnosticLimitWritten, std::to_string(query_.skip), ": this dialect passes over no rows.");
+      Say(DiagnosticLimitWritten, text::PassesOverNoRows, std::to_string(query_.skip));
     } else if (query_.skip > 0 && percent) {
-      Say(DiagnosticLimitWritten, query_.top, ": this dialect has no percentages of rows behind others.");
+      Say(DiagnosticLimitWritten, text::NoPercentagesWithOffset, query_.top);
     } else if (percent && !limit.takesPercent) {
-      Say(DiagnosticLimitWritten, query_.top, ": this dialect has no percentages.");
+      Say(DiagnosticLimitWritten, text::NoPercentages, query_.top);
     }
     if (query_.top.empty() || limit.place != RowLimit::Place::Condition) return;
-    if (!sorted_.empty()) Say(DiagnosticLimitWritten, query_.top, ": the rows are counted before they are sorted.");
+    if (!sorted_.empty()) Say(DiagnosticLimitWritten, text::CountedBeforeSort, query_.top);
     const bool joined = std::ranges::any_of(generated_.from, [](const FromEntry& e) { return !e.conditions.empty(); });
     const bool alternatives = std::ranges::any_of(query_.rows, [](const SnapshotRow& row) {
       return !row.column.empty() && !row.grouping.ChoosesGroups() && row.criteria.size() > 1;
     });
     if (alternatives && !joined) {
-      Say(DiagnosticLimitWritten, query_.top, ": the limit holds for the last of the alternative criteria only.");
+      Say(DiagnosticLimitWritten, text::LimitOfLast, query_.top);
     }
   }
 

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "base/phrase.h"
 #include "sql/dialect.h"
 #include "sql/generator.h"
 #include "sql/query_snapshot.h"
@@ -41,13 +42,16 @@ struct SQLDiagnostic {
   SQLDiagnosticEnum kind = DiagnosticTableNotJoined;
   /// The caption, column, join or text that it is about.
   std::string object;
-  /// A sentence for the person who designs the query.
+  /// A sentence for the person who designs the query, as the pane shows it.
   std::string text;
+  /// The same in any language.
+  Phrase what;
   friend bool operator==(const SQLDiagnostic&, const SQLDiagnostic&) = default;
 };
 
 /// What there is to say about the statement that was generated from the query, in the order of tables, joins and rows.
 /// Takes time in the number of tables, joins, rows and criteria.
+/// Their texts are English.
 std::vector<SQLDiagnostic> Diagnose(const QuerySnapshot& query, const Dialect& dialect, const GeneratedSql& generated);
 
 }  // namespace zrqrybld

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "base/texts_sql.h"
 
 namespace zrqrybld {
 namespace {
@@ -51,7 +52,7 @@ class ExpressionParser::Level {
 
 void ExpressionParser::RequireDepth(bool tooDeep, int levels) const {
   if (!tooDeep) return;
-  reader_.Refuse(reader_.Offset(), "This is nested too deeply: more than " + std::to_string(levels) + " levels.");
+  reader_.Refuse(reader_.Offset(), {text::NestedTooDeeply, levels});
 }
 
 Expression* ExpressionParser::Make(ExpressionKind kind, std::size_t start, Expression* first) {
@@ -129,14 +130,14 @@ Expression* ExpressionParser::ParsePredicate() {
   const int depth = depth_;
   Expression* left = ParseChain();
   for (;; ++depth_) {
-    if (depth_ > kDeepest) reader_.Refuse(start, "There are too many comparisons in a row.");
+    if (depth_ > kDeepest) reader_.Refuse(start, text::TooManyComparisons);
     if (IsComparisonSign()) {
       left = ParseComparison(left, start);
     } else if (reader_.Is(Keyword::Is)) {
       left = ParseIs(left, start);
     } else if (reader_.Is(Keyword::Not)) {
       reader_.Advance();
-      if (!IsWordOperator()) reader_.FailExpected("BETWEEN, IN or LIKE");
+      if (!IsWordOperator()) reader_.FailExpected(text::BetweenInOrLike);
       left = ParseWordOperator(left, start, true);
     } else if (IsWordOperator()) {
       left = ParseWordOperator(left, start, false);
@@ -273,12 +274,12 @@ Expression* ExpressionParser::ParsePostfix() {
     if (!reader_.IsSign(':') || !reader_.NextIsSign(':')) return nullptr;  // a::type
     reader_.Advance();
     reader_.Advance();
-    ParseName("a type");
+    ParseName(text::AType);
     if (reader_.IsSign('(')) skipParentheses();
   } else if (!reader_.Is(TokenKind::Word)) {
     return nullptr;
   } else if (reader_.Take(Keyword::Collate)) {
-    ParseName("a collation");
+    ParseName(text::ACollation);
   } else if (reader_.Is(Keyword::Over) || (reader_.Current().keyword == Keyword::None && reader_.IsWord("FILTER"))) {
     if (!reader_.NextIsSign('(')) return nullptr;
     reader_.Advance();
@@ -297,7 +298,7 @@ Expression* ExpressionParser::ParsePostfix() {
 Expression* ExpressionParser::ParseOperand() {
   if (begun_) return std::exchange(begun_, nullptr);
   const Token& token = reader_.Current();
-  if (reader_.AtEnd()) reader_.FailExpected("an expression");
+  if (reader_.AtEnd()) reader_.FailExpected(text::AnExpression);
   switch (token.kind) {
     case TokenKind::Number:
     case TokenKind::String:
@@ -361,10 +362,10 @@ Expression* ExpressionParser::ParseLiteral() {
     // The marker of a parameter without a name.
   } else if (reader_.IsSign(':') || reader_.IsSign('$') || reader_.IsSign('&')) {
     reader_.Advance();
-    if (!reader_.Is(TokenKind::Word) && !reader_.Is(TokenKind::Number)) reader_.FailExpected("the name of a parameter");
+    if (!reader_.Is(TokenKind::Word) && !reader_.Is(TokenKind::Number)) reader_.FailExpected(text::AParameterName);
     reader_.Advance();
   } else {
-    reader_.FailExpected("an expression");
+    reader_.FailExpected(text::AnExpression);
   }
   return Make(ExpressionKind::Literal, start);
 }
@@ -415,7 +416,7 @@ Expression* ExpressionParser::ParseInParentheses(std::size_t start, Expression* 
   operands.Append(ParseExpression());
   if (!reader_.IsSign(',')) result->kind = ExpressionKind::Parentheses;
   while (reader_.TakeSign(',')) operands.Append(ParseExpression());
-  if (!reader_.TakeSign(')')) reader_.FailExpected("an operator or \")\"");
+  if (!reader_.TakeSign(')')) reader_.FailExpected(text::OperatorOrClosing);
   return Close(result, start);
 }
 
@@ -460,7 +461,7 @@ bool ExpressionParser::IsNamePart() const {
   return !IsReserved(reader_.Current().keyword) || reader_.NextIsSign('.');
 }
 
-std::string_view ExpressionParser::ParseName(std::string_view what) {
+std::string_view ExpressionParser::ParseName(TextId what) {
   const std::size_t start = reader_.Offset();
   if (!IsNamePart()) reader_.FailExpected(what);
   reader_.Advance();
@@ -478,7 +479,7 @@ Expression* ExpressionParser::ParseNamed() {
   const std::size_t start = reader_.Offset();
   const Keyword keyword = reader_.Current().keyword;
   const bool isCall = (keyword == Keyword::Left || keyword == Keyword::Right) && reader_.NextIsSign('(');
-  if (!IsNamePart() && !isCall) reader_.FailExpected("an expression");
+  if (!IsNamePart() && !isCall) reader_.FailExpected(text::AnExpression);
   std::size_t part = start;
   reader_.Advance();
   while (reader_.IsSign('.') || reader_.IsSign('!')) {
@@ -490,7 +491,7 @@ Expression* ExpressionParser::ParseNamed() {
       star->name = reader_.TextFrom(part);
       return star;
     }
-    if (!reader_.Is(TokenKind::Word) && !reader_.Is(TokenKind::QuotedIdentifier)) reader_.FailExpected("a column");
+    if (!reader_.Is(TokenKind::Word) && !reader_.Is(TokenKind::QuotedIdentifier)) reader_.FailExpected(text::AColumn);
     reader_.Advance();
   }
   const std::string_view name = reader_.TextFrom(part);
@@ -529,7 +530,7 @@ Expression* ExpressionParser::ParseCall(std::size_t start, std::string_view name
       arguments.Append(ParseArgument());
     } while (reader_.TakeSign(','));
   }
-  if (!reader_.TakeSign(')')) reader_.FailExpected("an operator, \",\" or \")\"");
+  if (!reader_.TakeSign(')')) reader_.FailExpected(text::OperatorCommaOrClosing);
   return Close(call, start);
 }
 

@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "base/phrase.h"
 #include "sql/select_statement.h"
 #include "sql/token_reader.h"
 
@@ -23,7 +24,7 @@ class ExpressionParser {
   /// "*", "t.*" or an expression.
   Expression* ParseSelected();
   /// A name with its dots, and nothing else.
-  std::string_view ParseName(std::string_view what);
+  std::string_view ParseName(TextId what);
   /// Whether the current token can be a name by itself.
   bool IsNamePart() const;
 

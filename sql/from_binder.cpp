@@ -3,12 +3,11 @@
 #include <algorithm>
 
 #include "base/text.h"
+#include "base/texts_sql.h"
 #include "sql/join_list.h"
 
 namespace zrqrybld {
 namespace {
-
-constexpr std::string_view kCannotShow = " cannot be shown in the designer.";
 
 bool SharesColumns(const FromItem& item) {
   for (const JoinStep* step = item.joins; step; step = step->next) {
@@ -111,7 +110,7 @@ BoundFrom FromBinder::Bind(bool joinsFromWhere) {
   }
   for (const Residual& residual : residuals_) {
     if (residual.blocked) {
-      scope_.Refuse(residual.condition->text, "This condition inside of an outer join" + std::string(kCannotShow));
+      scope_.Refuse(residual.condition->text, text::ConditionInOuterJoin);
     }
     bound_.conditions.push_back(residual.condition);
   }
@@ -182,11 +181,11 @@ std::vector<JoinPair> FromBinder::PairsOf(const Side& left, const Side& right, c
   const bool isInner = !IsOuter(step.word);
   if (step.on) {
     ForEachTerm(step.on, [&](const Expression& term) {
-      if (HasMark(term)) scope_.Refuse(term.text, "The mark of an outer join has no place in ON.");
+      if (HasMark(term)) scope_.Refuse(term.text, text::MarkInOn);
       std::optional<JoinPair> pair = PairOf(term);
       const auto isInside = [&](std::size_t table) { return left.Holds(table) || right.Holds(table); };
       if (pair && (!isInside(pair->left) || !isInside(pair->right))) {
-        scope_.Refuse(term.text, "This condition names a table that is not joined here.");
+        scope_.Refuse(term.text, text::NotJoinedHere);
       }
       const bool linksSides = pair && left.Holds(pair->left) != left.Holds(pair->right);
       if (pair && (isInner || linksSides)) {
@@ -195,13 +194,11 @@ std::vector<JoinPair> FromBinder::PairsOf(const Side& left, const Side& right, c
         RequireClearNames(term);
         residuals_.push_back({&term, false});
       } else {
-        scope_.Refuse(term.text,
-                      "In the condition of an outer join only \"column = column\" of its two sides can be shown in the "
-                      "designer.");
+        scope_.Refuse(term.text, text::OnlyColumnPairs);
       }
     });
   }
-  if (pairs.empty() && !isInner) scope_.Refuse(step.place, "An outer join needs columns to join.");
+  if (pairs.empty() && !isInner) scope_.Refuse(step.place, text::OuterNeedsColumns);
   return pairs;
 }
 
@@ -216,10 +213,10 @@ std::optional<BoundColumn> FromBinder::ColumnIn(const Side& side, const std::str
   if (const BoundColumn* unified = scope_.FindUnified(name); unified && side.Holds(unified->table)) return *unified;
   std::optional<BoundColumn> found;
   for (std::size_t table = side.first; table < side.end; ++table) {
-    if (!scope_.Source().KnowsColumns(table)) scope_.Refuse(place, "The columns of the joined tables are not known.");
+    if (!scope_.Source().KnowsColumns(table)) scope_.Refuse(place, text::JoinedColumnsUnknown);
     std::optional<std::string> column = scope_.Source().FindColumn(table, name);
     if (!column) continue;
-    if (found) scope_.Refuse(place, "More than one table joined here has a column \"" + name + "\".");
+    if (found) scope_.Refuse(place, {text::SeveralHaveColumn, name});
     found = BoundColumn{table, std::move(*column)};
   }
   return found;
@@ -243,9 +240,8 @@ void FromBinder::AddSharedColumns(std::vector<JoinPair>& pairs, const Side& left
   for (const std::string& name : SharedColumns(left, right, step)) {
     const std::optional<BoundColumn> a = ColumnIn(left, name, step.place);
     const std::optional<BoundColumn> b = ColumnIn(right, name, step.place);
-    if (!a || !b) scope_.Refuse(step.place, "Both sides of the join need a column \"" + name + "\".");
-    if (step.word == JoinWord::Full)
-      scope_.Refuse(step.place, "FULL JOIN with USING or NATURAL" + std::string(kCannotShow));
+    if (!a || !b) scope_.Refuse(step.place, {text::BothNeedColumn, name});
+    if (step.word == JoinWord::Full) scope_.Refuse(step.place, text::NoFullUsing);
     pairs.push_back({a->table, a->column, b->table, b->column});
     scope_.Unify(name, step.word == JoinWord::Right ? *b : *a);
   }
@@ -350,10 +346,10 @@ bool FromBinder::IsWhereJoin(const Expression& condition, bool joinsFromWhere) c
 // "*=" keeps all rows of the left table, "=*" those of the right; (+) marks the table whose rows may be missing.
 void FromBinder::AddMarkedJoin(const Expression& condition) {
   const std::optional<JoinPair> pair = PairOf(condition);
-  if (!pair) scope_.Refuse(condition.text, "The mark of an outer join needs columns of two tables.");
+  if (!pair) scope_.Refuse(condition.text, text::MarkNeedsTwoTables);
   const bool leftOptional = condition.name == "=*" || StripParentheses(condition.first)->optional;
   const bool rightOptional = condition.name == "*=" || StripParentheses(condition.first->next)->optional;
-  if (leftOptional == rightOptional) scope_.Refuse(condition.text, "Only one side of an outer join can be marked.");
+  if (leftOptional == rightOptional) scope_.Refuse(condition.text, text::OneSideMarked);
   bringIn_[leftOptional ? pair->left : pair->right].push_back(*pair);
   AddJoin(*pair, rightOptional, leftOptional);
   if (bound_.firstOuter.empty()) bound_.firstOuter = condition.text;
@@ -362,8 +358,7 @@ void FromBinder::AddMarkedJoin(const Expression& condition) {
 // Marks belong to tables in a list.
 void FromBinder::FinishMarks() {
   for (const FromItem* item = statement_.from; item; item = item->next) {
-    if (item->joins)
-      scope_.Refuse(item->joins->place, "JOIN and the marks of outer joins cannot stand in one statement.");
+    if (item->joins) scope_.Refuse(item->joins->place, text::JoinAndMarks);
   }
   forms_.emplace(scope_.Tables().size());
   bound_.meaning = forms_->MeaningOfMarks(bringIn_, whereJoins_);
@@ -377,7 +372,7 @@ void FromBinder::RefuseMarksOutsideWhere() const {
 }
 
 void FromBinder::RefuseMarks(const Expression& expression) const {
-  if (IsMark(expression)) scope_.Refuse(expression.text, "The mark of an outer join has no place here.");
+  if (IsMark(expression)) scope_.Refuse(expression.text, text::MarkMisplaced);
   for (const Expression* child = expression.first; child; child = child->next) RefuseMarks(*child);
 }
 

@@ -5,6 +5,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_sql.h"
 #include "sql/criteria_formatter.h"
 #include "sql/keywords.h"
 #include "sql/lexer.h"
@@ -205,7 +206,7 @@ class Generator {
       size += operand.size();
     }
     if (size > kLongestSelectList) {
-      throw Error(ErrorParsingText, "The select list grows beyond all bounds: its expressions hold \"@field\".");
+      throw Error(ErrorParsingText, text::SelectListGrows);
     }
     return ReplaceNoCase(text, kField, operand);
   }
@@ -284,7 +285,7 @@ class Generator {
       return FormatCondition(field, cell, ContextOf(row));
     } catch (const Error& error) {
       // Not a text that can be read: it stays as it was typed, for the statement must not lose it.
-      result_.unreadable.push_back({static_cast<std::size_t>(&row - query_.rows.data()), cell, error.Description()});
+      result_.unreadable.push_back({static_cast<std::size_t>(&row - query_.rows.data()), cell, error.What()});
       return field + " " + cell;
     }
   }

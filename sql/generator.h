@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "base/phrase.h"
 #include "sql/dialect.h"
 #include "sql/join_list.h"
 #include "sql/query_snapshot.h"
@@ -17,7 +18,7 @@ namespace zrqrybld {
 struct UnreadableCriterion {
   std::size_t row;  ///< the position in `QuerySnapshot::rows`, from 0
   std::string text;
-  std::string reason;
+  Phrase reason;
 };
 
 struct GeneratedSql {

@@ -78,7 +78,6 @@ class Lexer {
 constexpr bool BeginsAsDate(std::string_view word) {
   return word.size() > 1 && word[0] == '#' && word[1] >= '0' && word[1] <= '9';
 }
-inline constexpr std::string_view kBeginsAsDate = "A name that begins with \"#\" and a figure has to stand in quotes.";
 
 /// Writes tokens of a text on one line: as they stand, with one blank for the white space and comments between them.
 class OneLine {

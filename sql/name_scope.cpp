@@ -4,6 +4,7 @@
 #include <array>
 
 #include "base/text.h"
+#include "base/texts_sql.h"
 #include "sql/lexer.h"
 #include "sql/syntax_error.h"
 
@@ -21,8 +22,6 @@ bool IsOnePart(std::string_view written) {
   };
   return !written.empty() && !IsDigit(written.front()) && std::ranges::all_of(written, isPlain);
 }
-
-std::string Quoted(std::string_view name) { return '"' + std::string(name) + '"'; }
 
 // The parts with "." between, as one name.
 std::string WholeName(const std::vector<Identifier>& parts) {
@@ -66,7 +65,7 @@ bool NameScope::IsPseudoColumn(std::string_view name) {
   return std::ranges::any_of(kPseudoColumns, [name](std::string_view pseudo) { return EqualsNoCase(pseudo, name); });
 }
 
-void NameScope::Refuse(std::string_view part, std::string message) const {
+void NameScope::Refuse(std::string_view part, Phrase message) const {
   throw SyntaxError(text_, OffsetOf(part), std::move(message));
 }
 
@@ -75,11 +74,11 @@ void NameScope::Refuse(std::string_view part, std::string message) const {
 std::size_t NameScope::AddTable(const FromItem& item) {
   const WrittenTable written{NameParts(item.table), Identifier(PlainName(item.alias))};
   std::optional<SnapshotTable> table = source_.AddTable(written);
-  if (!table) Refuse(item.table, "There is no table " + Quoted(WholeName(written.parts)) + ".");
+  if (!table) Refuse(item.table, {text::NoTableNamed, WholeName(written.parts)});
   const std::size_t index = tables_.size();
   const std::string& caption = table->caption.Name();
   if (!byCaption_.emplace(caption, index).second) {
-    Refuse(item.alias.empty() ? item.table : item.alias, "The table name " + Quoted(caption) + " is used twice.");
+    Refuse(item.alias.empty() ? item.table : item.alias, {text::TableNameTwice, caption});
   }
   if (written.alias.Empty()) {
     const auto [known, added] = byLastPart_.emplace(written.parts.back().Name(), index);
@@ -109,8 +108,8 @@ std::optional<std::size_t> NameScope::FindTable(std::string_view qualifier) cons
 
 std::size_t NameScope::RequireTable(std::string_view qualifier, std::string_view place) const {
   const std::optional<std::size_t> table = FindTable(qualifier);
-  if (!table) Refuse(place, "There is no table " + Quoted(WholeName(NameParts(qualifier))) + " in FROM.");
-  if (*table == kAmbiguous) Refuse(place, "More than one table in FROM is called " + std::string(qualifier) + ".");
+  if (!table) Refuse(place, {text::NoTableInFrom, WholeName(NameParts(qualifier))});
+  if (*table == kAmbiguous) Refuse(place, {text::SeveralTablesCalled, qualifier});
   return *table;
 }
 
@@ -136,8 +135,7 @@ std::optional<BoundColumn> NameScope::Find(const Expression& column) const {
     std::optional<std::string> found = source_.FindColumn(table, name);
     if (!found && !source_.KnowsColumns(table)) found = FirstSpelling(table, name);
     if (!found) {
-      Refuse(column.text,
-             "The table " + Quoted(tables_[table].caption.Name()) + " has no column " + Quoted(name) + ".");
+      Refuse(column.text, {text::NoColumnInTable, tables_[table].caption.Name(), name});
     }
     return BoundColumn{table, std::move(*found)};
   }
@@ -149,7 +147,7 @@ std::optional<BoundColumn> NameScope::Find(const Expression& column) const {
     for (const std::size_t table : tables) {
       candidates += (candidates.empty() ? "" : ", ") + tables_[table].caption.Name() + "." + name;
     }
-    Refuse(column.text, "The column " + Quoted(name) + " may be one of several: " + candidates + ".");
+    Refuse(column.text, {text::ColumnAmbiguous, name, candidates});
   }
   std::optional<std::string> found = source_.FindColumn(tables[0], name);
   if (!found) found = FirstSpelling(tables[0], name);
@@ -171,7 +169,7 @@ std::optional<BoundColumn> NameScope::TryFind(const Expression& column) const {
 
 BoundColumn NameScope::Require(const Expression& column) const {
   std::optional<BoundColumn> found = Find(column);
-  if (!found) Refuse(column.text, "No table in FROM has a column " + Quoted(PlainName(column.name)) + ".");
+  if (!found) Refuse(column.text, {text::NoTableHasColumn, PlainName(column.name)});
   return std::move(*found);
 }
 

@@ -10,6 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/phrase.h"
 #include "base/text.h"
 #include "sql/query_snapshot.h"
 #include "sql/select_statement.h"
@@ -90,7 +91,7 @@ class NameScope {
 
   /// The offset of a part of the statement's text.
   std::size_t OffsetOf(std::string_view part) const { return static_cast<std::size_t>(part.data() - text_.data()); }
-  [[noreturn]] void Refuse(std::string_view part, std::string message) const;
+  [[noreturn]] void Refuse(std::string_view part, Phrase message) const;
 
  private:
   template <class T>

@@ -7,6 +7,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_values.h"
 #include "platform/schema_fields.h"
 #include "sql/literals.h"
 #include "sql/parameters.h"
@@ -69,7 +70,7 @@ constexpr TypeWord kTypeWords[] = {
     {"yes/no", DataTypeCode::Boolean},
 };
 
-[[noreturn]] void Refuse(std::string_view why) { throw Error(ErrorInvalidPropertyValue, std::string(why)); }
+[[noreturn]] void Refuse(const Phrase& why) { throw Error(ErrorInvalidPropertyValue, why); }
 
 bool IsWhole(std::int32_t code) {
   constexpr std::int32_t kWhole[] = {2, 3, 16, 17, 18, 19, 20, 21};
@@ -101,18 +102,17 @@ Written WriteTextValue(std::string_view text, const CriteriaContext& context) {
 }
 
 Written WriteAnyText(std::string_view text, const CriteriaContext& context) {
-  if (text.find('\0') != std::string_view::npos) Refuse("A value cannot hold the character with the code 0.");
+  if (text.find('\0') != std::string_view::npos) Refuse(text::ZeroCharacter);
   const std::string_view plain = text.find('\\') == std::string_view::npos ? "x" : "x\\x";
   return {std::string(text), TextLiteral(text, context), true, TextLiteral(plain, context)};
 }
 
 Written WriteNumber(std::string_view text, std::int32_t code) {
   if (!ParseNumber(text)) {
-    Refuse(text.find(',') == std::string_view::npos ? "This is no number."
-                                                    : "This is no number. Write fractions with a point: 1.5.");
+    Refuse(text.find(',') == std::string_view::npos ? text::NotANumber : text::NumberWithComma);
   }
   if (text.starts_with('+')) text.remove_prefix(1);
-  if (IsWhole(code) && text.find_first_of(".eE") != std::string_view::npos) Refuse("This is no whole number.");
+  if (IsWhole(code) && text.find_first_of(".eE") != std::string_view::npos) Refuse(text::NoWholeNumber);
   return {std::string(text), std::string(text), false, {}};
 }
 
@@ -120,7 +120,7 @@ Written WriteBoolean(std::string_view text, const CriteriaContext& context) {
   std::optional<bool> truth = TruthIn(text, context);
   if (text == "1" || text == "-1") truth = true;
   if (text == "0") truth = false;
-  if (!truth) Refuse("This is neither yes nor no.");
+  if (!truth) Refuse(text::NeitherYesNorNo);
   const std::string word = TruthLiteral(*truth, context);
   return {word, word, false, {}};
 }
@@ -131,21 +131,21 @@ Written WriteDate(std::string_view text, const CriteriaContext& context) {
   if (hash) text = text.substr(1, text.size() - 2);
   switch (ReadDateTime(text, context.dateFormat, hash, value)) {
     case DateReading::Ambiguous:
-      Refuse("This can be two dates. Write it as 2020-01-31 or with the month's name.");
+      Refuse(text::TwoDates);
     case DateReading::NoDate:
-      Refuse(IsTimeOfDay(context) ? "This is no time of day." : "This is no date.");
+      Refuse(IsTimeOfDay(context) ? text::NoTimeOfDay : text::NoDate);
     case DateReading::Read:
       break;
   }
-  if (!value.hasDate && !IsTimeOfDay(context)) Refuse("This has no date.");
+  if (!value.hasDate && !IsTimeOfDay(context)) Refuse(text::HasNoDate);
   const std::optional<std::string> literal = DateLiteral(value, context);
-  if (!literal) Refuse("This does not fit the date format, by which the source reads dates.");
+  if (!literal) Refuse(text::DoesNotFitDateFormat);
   return {DateText(value, context), *literal, false, {}};
 }
 
 Written WriteBinary(std::string_view text, CriteriaContext context) {
   if (StartsWithNoCase(text, "0x")) text.remove_prefix(2);
-  if (!IsHexBytes(text)) Refuse("These are no bytes, each by two hexadecimal figures.");
+  if (!IsHexBytes(text)) Refuse(text::NoBytes);
   if (context.prefix.empty()) context.prefix = "X'";
   return WriteTextValue(text, context);
 }
@@ -175,7 +175,7 @@ CriteriaContext ContextOf(const ParameterValue& value, const LiteralRules& rules
 Written Write(const ParameterValue& value, const CriteriaContext& context) {
   const ValueKind kind = ValueKindOf(value.type.code);
   const std::string_view text = TrimWhite(value.text);
-  if (text.empty() && kind != ValueKind::Text) Refuse("A value is needed.");
+  if (text.empty() && kind != ValueKind::Text) Refuse(text::ValueNeeded);
   switch (kind) {
     case ValueKind::Text:
       return WriteAnyText(value.text, context);
@@ -186,7 +186,7 @@ Written Write(const ParameterValue& value, const CriteriaContext& context) {
     case ValueKind::Date:
       return WriteDate(text, context);
     case ValueKind::Guid:
-      if (!IsGuid(text)) Refuse("This is no GUID.");
+      if (!IsGuid(text)) Refuse(text::NoGuid);
       return WriteTextValue(text, context);
     case ValueKind::Binary:
       return WriteBinary(text, context);
@@ -198,12 +198,8 @@ Written Write(const ParameterValue& value, const CriteriaContext& context) {
 
 // --- The statement ---
 
-constexpr std::string_view kReadInSeveralWays =
-    "The source has not told how it reads this: what is a value in one way of reading is none in another.";
-
 // As it may stand in the statement; one that cannot be taken has a problem, and its marker stays.
-PlacedText TextOf(const ParameterValue& value, const LiteralRules& rules, const TextReading* reading,
-                  std::string& problem) {
+PlacedText TextOf(const ParameterValue& value, const LiteralRules& rules, const TextReading* reading, Phrase& problem) {
   PlacedText text;
   text.given = value.given;
   if (!value.given) return text;
@@ -217,7 +213,7 @@ PlacedText TextOf(const ParameterValue& value, const LiteralRules& rules, const 
     text.literal = std::move(written.literal);
   } catch (const Error& error) {
     text.given = false;
-    problem = error.Description();
+    problem = error.What();
   }
   return text;
 }
@@ -225,14 +221,14 @@ PlacedText TextOf(const ParameterValue& value, const LiteralRules& rules, const 
 PlacedStatement PlaceFor(std::string_view sql, const std::vector<MarkerPlace>& markers,
                          const std::vector<ParameterValue>& values, const LiteralRules& rules,
                          const TextReading* reading) {
-  std::vector<std::string> problems(values.size());
+  std::vector<Phrase> problems(values.size());
   std::vector<PlacedText> texts;
   texts.reserve(values.size());
   for (std::size_t i = 0; i < values.size(); ++i) texts.push_back(TextOf(values[i], rules, reading, problems[i]));
   PlacedStatement placed = reading ? PlaceTexts(sql, markers, texts, *reading) : PlaceTexts(sql, markers, texts);
   for (std::size_t i = 0; i < problems.size(); ++i) {
-    if (!values[i].given) placed.problems[i].clear();
-    if (!problems[i].empty()) placed.problems[i] = std::move(problems[i]);
+    if (!values[i].given) placed.problems[i] = {};
+    if (!problems[i].Empty()) placed.problems[i] = std::move(problems[i]);
   }
   return placed;
 }
@@ -244,8 +240,8 @@ PlacedStatement PlaceForAll(std::string_view sql, const std::vector<MarkerPlace>
   for (std::size_t reading = 1; reading < rules.readings.size(); ++reading) {
     const PlacedStatement other = PlaceFor(sql, markers, values, rules, &rules.readings[reading]);
     for (std::size_t i = 0; i < values.size(); ++i) {
-      const bool differs = values[i].given && (!other.problems[i].empty() || other.text != first.text);
-      if (differs && first.problems[i].empty()) first.problems[i] = kReadInSeveralWays;
+      const bool differs = values[i].given && (!other.problems[i].Empty() || other.text != first.text);
+      if (differs && first.problems[i].Empty()) first.problems[i] = text::ReadInSeveralWays;
     }
   }
   return first;
@@ -254,8 +250,7 @@ PlacedStatement PlaceForAll(std::string_view sql, const std::vector<MarkerPlace>
 PlacedStatement Place(std::string_view sql, const std::vector<ParameterValue>& values, const LiteralRules& rules) {
   const std::vector<MarkerPlace> markers = ScanParameters(sql, nullptr).markers;
   if (values.size() != markers.size()) {
-    Refuse("The statement has " + std::to_string(markers.size()) + " parameters, not " + std::to_string(values.size()) +
-           ".");
+    Refuse({text::OtherNumberOfValues, markers.size(), values.size()});
   }
   return rules.readings.empty() ? PlaceFor(sql, markers, values, rules, nullptr)
                                 : PlaceForAll(sql, markers, values, rules);
@@ -280,21 +275,21 @@ SnapshotType TypeOfParameter(std::string_view dataType, const qbDataTypes& types
   return known ? take(*known) : SnapshotType{.code = code, .isLong = false, .prefix = {}, .suffix = {}};
 }
 
-std::string_view TypeInWords(const SnapshotType& type) {
+Phrase TypeInWords(const SnapshotType& type) {
   switch (ValueKindOf(type.code)) {
     case ValueKind::Text:
-      return "text";
+      return text::TypeText;
     case ValueKind::Number:
-      return IsWhole(type.code) ? "whole number" : "number";
+      return IsWhole(type.code) ? text::TypeWholeNumber : text::TypeNumber;
     case ValueKind::Boolean:
-      return "yes or no";
+      return text::TypeYesOrNo;
     case ValueKind::Date:
-      if (type.code == static_cast<std::int32_t>(DataTypeCode::DbTime)) return "time of day";
-      return type.code == static_cast<std::int32_t>(DataTypeCode::DbTimeStamp) ? "date and time" : "date";
+      if (type.code == static_cast<std::int32_t>(DataTypeCode::DbTime)) return text::TypeTimeOfDay;
+      return type.code == static_cast<std::int32_t>(DataTypeCode::DbTimeStamp) ? text::TypeDateAndTime : text::TypeDate;
     case ValueKind::Guid:
-      return "GUID";
+      return text::TypeGuid;
     case ValueKind::Binary:
-      return "bytes in hexadecimal";
+      return text::TypeBytes;
     case ValueKind::Unknown:
       break;
   }
@@ -311,24 +306,24 @@ std::string TypedDefault(std::string_view argument) {
   return ReplaceAll(inside, std::string(2, text.front()), std::string(1, text.front()));
 }
 
-std::string ProblemOf(const ParameterValue& value, const LiteralRules& rules) {
+Phrase ProblemOf(const ParameterValue& value, const LiteralRules& rules) {
   try {
     Write(value, ContextOf(value, rules, nullptr));
     return {};
   } catch (const Error& error) {
-    return error.Description();
+    return error.What();
   }
 }
 
-std::vector<std::string> ProblemsOf(std::string_view sql, const std::vector<ParameterValue>& values,
-                                    const LiteralRules& rules) {
+std::vector<Phrase> ProblemsOf(std::string_view sql, const std::vector<ParameterValue>& values,
+                               const LiteralRules& rules) {
   return Place(sql, values, rules).problems;
 }
 
 std::string PutInLiterals(std::string_view sql, const std::vector<ParameterValue>& values, const LiteralRules& rules) {
   PlacedStatement placed = Place(sql, values, rules);
-  for (const std::string& problem : placed.problems) {
-    if (!problem.empty()) Refuse(problem);
+  for (const Phrase& problem : placed.problems) {
+    if (!problem.Empty()) Refuse(problem);
   }
   return std::move(placed.text);
 }

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/phrase.h"
 #include "host/data_types.h"
 #include "sql/criteria_context.h"
 #include "sql/dialect.h"
@@ -36,18 +37,18 @@ struct LiteralRules {
 /// Without any of these the code is 0.
 SnapshotType TypeOfParameter(std::string_view dataType, const qbDataTypes& types);
 
-/// What fits the type, in words ("whole number"); "" when anything does.
-std::string_view TypeInWords(const SnapshotType& type);
+/// What fits the type, in words ("whole number"); nothing when anything does.
+Phrase TypeInWords(const SnapshotType& type);
 
 /// The default of a marker as a person would type it: without the quotes of a literal.
 std::string TypedDefault(std::string_view argument);
 
-/// Why the value cannot be taken by any statement, as a sentence; "" when it can.
-std::string ProblemOf(const ParameterValue& value, const LiteralRules& rules);
+/// Why the value cannot be taken by any statement, as a sentence; nothing when it can.
+Phrase ProblemOf(const ParameterValue& value, const LiteralRules& rules);
 
 /// The same for each value where its marker stands; error 40005 for another number of values.
-std::vector<std::string> ProblemsOf(std::string_view sql, const std::vector<ParameterValue>& values,
-                                    const LiteralRules& rules);
+std::vector<Phrase> ProblemsOf(std::string_view sql, const std::vector<ParameterValue>& values,
+                               const LiteralRules& rules);
 
 /// The statement with the literal of the n-th value in the place of its n-th marker, one value for each. A marker
 /// inside a literal, a quoted name or a comment gets the bare value, with what would end that doubled or taken out:

@@ -6,6 +6,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_values.h"
 
 namespace zrqrybld {
 namespace {
@@ -41,7 +42,7 @@ bool IsQuote(char c) { return c == '\'' || c == '"' || c == '['; }
 
 void RequireBounded(const std::string& text) {
   if (text.size() > kLongestText) {
-    throw Error(ErrorParsingText, "The statement grows beyond all bounds: its parameters hold parameters.");
+    throw Error(ErrorParsingText, text::StatementGrows);
   }
 }
 
@@ -155,8 +156,7 @@ std::string PutInValues(std::string text, const std::vector<std::string>& values
   bool nested = false;
   for (const std::string& value : values) nested = nested || value.find(kPlaceholder) != std::string::npos;
   if (!nested) return PutInAtOnce(text, values);
-  if (values.size() > kMostNested)
-    throw Error(ErrorParsingText, "There are too many parameters for values that hold parameters.");
+  if (values.size() > kMostNested) throw Error(ErrorParsingText, text::TooManyParameters);
   for (std::size_t i = 0; i < values.size(); ++i) {
     text = ReplaceAll(text, PlaceholderOf(i + 1), values[i]);
     RequireBounded(text);

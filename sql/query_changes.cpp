@@ -4,6 +4,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/texts_sql.h"
+
 namespace zrqrybld {
 namespace {
 
@@ -39,21 +41,27 @@ Names ColumnsOf(const QuerySnapshot& query) {
   return names;
 }
 
-// "table Orders added", "3 tables added"; with what went before it.
-void Say(std::string& text, std::string_view noun, const Names& names, std::string_view verb) {
-  if (names.empty()) return;
-  if (!text.empty()) text += ", ";
-  if (names.size() == 1) {
-    text.append(noun).append(" ").append(names.front());
-  } else {
-    text += std::to_string(names.size()) + " ";
-    text.append(noun).append("s");
-  }
-  text.append(" ").append(verb);
+// What is said of one thing, and of several.
+struct Change {
+  TextId one;
+  TextId several;
+};
+struct Noun {
+  Change added;
+  Change removed;
+};
+constexpr Noun kTable{{text::TableAdded, text::TablesAdded}, {text::TableRemoved, text::TablesRemoved}};
+constexpr Noun kJoin{{text::JoinAdded, text::JoinsAdded}, {text::JoinRemoved, text::JoinsRemoved}};
+constexpr Noun kQueryColumn{{text::QueryColumnAdded, text::QueryColumnsAdded},
+                            {text::QueryColumnRemoved, text::QueryColumnsRemoved}};
+
+void Say(std::vector<Phrase>& changes, const Change& change, const Names& names) {
+  if (names.size() == 1) changes.emplace_back(change.one, names.front());
+  if (names.size() > 1) changes.emplace_back(change.several, names.size());
 }
 
 // A name may be there several times: each time counts.
-void Compare(std::string& text, std::string_view noun, const Names& before, const Names& after) {
+void Compare(std::vector<Phrase>& changes, const Noun& noun, const Names& before, const Names& after) {
   std::unordered_map<std::string_view, int> surplus;
   for (const std::string& name : before) ++surplus[name];
   Names added;
@@ -64,17 +72,19 @@ void Compare(std::string& text, std::string_view noun, const Names& before, cons
   for (const std::string& name : before) {
     if (surplus[name]-- > 0) removed.push_back(name);
   }
-  Say(text, noun, removed, "removed");
-  Say(text, noun, added, "added");
+  Say(changes, noun.removed, removed);
+  Say(changes, noun.added, added);
 }
 
 }  // namespace
 
-std::string DescribeChanges(const QuerySnapshot& before, const QuerySnapshot& after) {
+std::string DescribeChanges(const QuerySnapshot& before, const QuerySnapshot& after, const TextSource& texts) {
+  std::vector<Phrase> changes;
+  Compare(changes, kTable, TablesOf(before), TablesOf(after));
+  Compare(changes, kJoin, JoinsOf(before), JoinsOf(after));
+  Compare(changes, kQueryColumn, ColumnsOf(before), ColumnsOf(after));
   std::string text;
-  Compare(text, "table", TablesOf(before), TablesOf(after));
-  Compare(text, "join", JoinsOf(before), JoinsOf(after));
-  Compare(text, "query column", ColumnsOf(before), ColumnsOf(after));
+  for (const Phrase& change : changes) text += (text.empty() ? "" : ", ") + change.In(texts);
   return text;
 }
 

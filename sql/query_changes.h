@@ -3,12 +3,14 @@
 
 #include <string>
 
+#include "base/phrase.h"
 #include "sql/query_snapshot.h"
 
 namespace zrqrybld {
 
 /// For instance "table Orders added, 2 joins removed, query column Orders.Freight added"; "" when nothing has come or
 /// gone. Linear in the size of the two queries.
-std::string DescribeChanges(const QuerySnapshot& before, const QuerySnapshot& after);
+std::string DescribeChanges(const QuerySnapshot& before, const QuerySnapshot& after,
+                            const TextSource& texts = EnglishTexts());
 
 }  // namespace zrqrybld

@@ -3,13 +3,14 @@
 #include <algorithm>
 
 #include "base/error.h"
+#include "base/texts_sql.h"
 
 namespace zrqrybld {
 
 void RequireReadableCriteria(const qbSQLPane& pane) {
   const auto& remarks = pane.Diagnostics();
   const auto unread = std::ranges::find(remarks, DiagnosticUnreadableCriterion, &SQLDiagnostic::kind);
-  if (unread != remarks.end()) throw Error(ErrorParsingText, "The statement is not run. " + unread->text);
+  if (unread != remarks.end()) throw Error(ErrorParsingText, Phrase(text::NotRun, unread->what));
 }
 
 }  // namespace zrqrybld

@@ -67,9 +67,5 @@ class SourceLexer {
 bool ReadsAlike(std::string_view text, const Token& literal, const TextReading& reading);
 /// Where the first literal begins that the source sees end elsewhere; none when there is none.
 std::optional<std::size_t> FirstReadOtherwise(std::string_view text, const TextReading& reading);
-inline constexpr std::string_view kReadsOtherwise =
-    "To this source the literal ends elsewhere: \"\\\" takes the meaning of the character behind it. Write \"\\\\\" "
-    "for "
-    "it, and '' for a quote.";
 
 }  // namespace zrqrybld

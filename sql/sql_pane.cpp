@@ -3,6 +3,8 @@
 #include "base/error.h"
 #include "base/scoped_value.h"
 #include "base/text.h"
+#include "base/texts_sql.h"
+#include "platform/commands.h"
 #include "platform/headless.h"
 #include "platform/input.h"
 #include "sql/generator.h"
@@ -13,7 +15,6 @@ namespace zrqrybld {
 namespace {
 
 constexpr std::string_view kLike = "LIKE";
-constexpr std::int32_t kKeyF5 = KeyCodeF1 + 4;
 
 }  // namespace
 
@@ -43,13 +44,14 @@ void qbSQLPane::ListenToTextArea() {
   links_.clear();
   links_.push_back(textArea_->Edited.Connect([this] { TextEdited(); }));
   links_.push_back(textArea_->Left.Connect([this] {
-    if (failure_.empty()) ApplyEditedText();
+    if (failure_.Empty()) ApplyEditedText();
   }));
   links_.push_back(textArea_->KeyDown.Connect([this](std::int32_t& keyCode, std::int32_t shift) {
     const Ref<Object> alive = shared_from_this();  // a listener may let go of it
     KeyDown.Raise(keyCode, shift);
-    const bool applies =
-        (keyCode == KeyCodeEnter && shift == ShiftCtrl) || (keyCode == kKeyF5 && shift == ShiftNone && edited_);
+    const Key key{keyCode, shift};
+    // The second key runs the statement where there is nothing to apply.
+    const bool applies = key == RowOf(Command::ApplyText).key || (edited_ && Asks(key, Command::ApplyText));
     if (!applies) return;
     keyCode = 0;
     ApplyEditedText();
@@ -71,11 +73,11 @@ void qbSQLPane::ShowRemarks() {
   std::vector<std::string> remarks;
   std::vector<TextCommand> commands;
   if (edited_) {
-    const char* waits = outdated_ ? "Edited, not applied. The query has changed meanwhile; Ctrl+Enter replaces it."
-                                  : "Edited, not applied. Ctrl+Enter applies the text.";
-    remarks.push_back(failure_.empty() ? waits : failure_);
-    commands.push_back({"Apply", [this] { ApplyEditedText(); }});
-    commands.push_back({"Revert", [this] { RevertEditedText(); }});
+    const Ref<QueryContext> context = context_.lock();
+    const Phrase waits(outdated_ ? text::EditedOutdated : text::EditedNotApplied, KeyTextOf(Command::ApplyText));
+    remarks.push_back(failure_.Empty() ? Say(context, waits) : Say(context, failure_));
+    commands.push_back({Say(context, text::CommandApply), [this] { ApplyEditedText(); }});
+    commands.push_back({Say(context, text::CommandRevert), [this] { RevertEditedText(); }});
   } else {
     remarks = Remarks();
   }
@@ -89,8 +91,8 @@ void qbSQLPane::TextEdited() {
   // What is typed back, or undone in the editor, leaves nothing to apply.
   const bool edited = textArea_->Text() != written_;
   // What stands beside the text changes with few keys only.
-  if (edited != edited_ || !failure_.empty()) {
-    failure_.clear();
+  if (edited != edited_ || !failure_.Empty()) {
+    failure_ = {};
     textArea_->SetFault(0, 0);
     SetEdited(edited);
   }
@@ -122,12 +124,12 @@ bool qbSQLPane::ApplyEditedText() {
     ShowFailure(error);
   } catch (const std::exception& error) {
     context->SetState(InfoDone);
-    ShowFailure(Error(ErrorParsingText, error.what()));
+    ShowFailure(Error(ErrorParsingText, PhraseOf(error)));
   }
   return false;
 }
 
-// The cause, without the sentence that it is wrapped in, and the word where it lies.
+// The cause, and the word where it lies.
 void qbSQLPane::ShowFailure(const Error& failure) {
   failure_ = failure.Cause();
   ShowRemarks();
@@ -196,11 +198,22 @@ std::string qbSQLPane::Generate(const std::string& orExpression, const std::stri
   const Dialect& dialect = DialectFor(syntax_);
   GeneratedSql generated = GenerateSelect(query, dialect, {orExpression, andExpression});
   diagnostics_ = Diagnose(query, dialect, generated);
+  TranslateDiagnostics();
   cartesian_ = generated.cartesian;
   generatedFrom_.tables = std::move(query.tables);
   generatedFrom_.joins = std::move(query.joins);
   joins_.reset();
   return std::move(generated.text);
+}
+
+void qbSQLPane::TranslateDiagnostics() {
+  const Ref<QueryContext> context = context_.lock();
+  for (SQLDiagnostic& diagnostic : diagnostics_) diagnostic.text = Say(context, diagnostic.what);
+}
+
+void qbSQLPane::ApplyTexts() {
+  TranslateDiagnostics();
+  ShowRemarks();
 }
 
 const Ref<qbJoins>& qbSQLPane::Joins() const {
@@ -212,7 +225,7 @@ void qbSQLPane::Refresh() {
   const Ref<Object> alive = shared_from_this();  // a listener may let go of it
   const std::string text = Generate({}, {});
   if (text.empty()) diagnostics_.clear();  // nothing was generated
-  failure_.clear();
+  failure_ = {};
   replaced_ = false;
   textArea_->SetFault(0, 0);
   SetEdited(false);
@@ -237,9 +250,9 @@ std::string qbSQLPane::AddWhereClause(const std::string& orExpression, const std
 bool qbSQLPane::ParseSQLStatement(const std::string& sql) {
   const Ref<Object> alive = shared_from_this();  // a listener may let go of it
   const Ref<QueryContext> context = context_.lock();
-  if (!context) throw Error(ErrorParsingText, "The SQL pane is not linked to a query builder.");
+  if (!context) throw Error(ErrorParsingText, text::NotLinked);
   if (!DialectFor(syntax_).canBeParsed) {
-    throw Error(ErrorParsingText, "Parsing not support for the selected SQL Syntax.");
+    throw Error(ErrorParsingText, text::CannotParseSyntax);
   }
   {
     const StepScope step(context, kStepApplyStatement);
@@ -250,7 +263,7 @@ bool qbSQLPane::ParseSQLStatement(const std::string& sql) {
       context->LoadStatement(sql);
     } catch (const std::exception& cause) {
       context->LeaveState();
-      throw WrapError(ErrorParsingText, "An error occured while parsing the text.", cause);
+      throw WrapError(ErrorParsingText, text::ParsingFailed, cause);
     }
     QueryReplaced();
     context->SetState(InfoDone);

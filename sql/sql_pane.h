@@ -12,6 +12,7 @@
 #include "base/error.h"
 #include "base/event.h"
 #include "base/object.h"
+#include "base/phrase.h"
 #include "host/query_context.h"
 #include "platform/editors.h"
 #include "platform/property_store.h"
@@ -121,6 +122,8 @@ class qbSQLPane final : public Object {
   /// The query has changed: shows its statement. Text that the user has typed and not applied stays, unless the query
   /// has been replaced.
   void ShowChange();
+  /// The language has changed: what is said beside the text is said in it.
+  void ApplyTexts();
   /// The next change replaces the query: what the user has typed does not stay.
   void QueryReplaced() { replaced_ = true; }
   /// Whether the next change leaves the text that the user has typed.
@@ -141,6 +144,7 @@ class qbSQLPane final : public Object {
   void TextEdited();
   void SetEdited(bool edited);
   void ShowFailure(const Error& failure);
+  void TranslateDiagnostics();
 
   WeakRef<QueryContext> context_;
   std::unique_ptr<TextArea> headless_;
@@ -154,7 +158,7 @@ class qbSQLPane final : public Object {
   bool outdated_ = false;  // the query has changed since
   bool replaced_ = false;  // a query that the text says nothing about takes its place
   std::string written_;    // the text as it was generated last
-  std::string failure_;    // why it could not be applied
+  Phrase failure_;         // why it could not be applied
   bool cartesian_ = false;
   QuerySnapshot generatedFrom_;  // the tables and joins of what was generated last
   mutable Ref<qbJoins> joins_;   // of it; made when somebody asks

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "base/text.h"
+#include "base/texts_sql.h"
 #include "sql/criteria_binder.h"
 #include "sql/field_terms.h"
 #include "sql/from_binder.h"
@@ -91,12 +92,12 @@ class Binder {
   // --- SELECT ---
 
   void SetTop(const std::string& text, std::string_view place) {
-    if (!query_.top.empty()) scope_.Refuse(place, "There is a row limit already.");
+    if (!query_.top.empty()) scope_.Refuse(place, text::SecondRowLimit);
     const bool percent = text.ends_with('%');
     const std::optional<double> number = ParseNumber(text.substr(0, text.size() - (percent ? 1 : 0)));
     const bool whole = text.find_first_not_of("0123456789%") == std::string::npos;
     if (!number || !whole || text.size() > 9 || (percent && *number > 100)) {
-      scope_.Refuse(place, "The row limit is to be a whole number, or a percentage up to 100.");
+      scope_.Refuse(place, text::BadRowLimit);
     }
     query_.top = text;
   }
@@ -107,15 +108,15 @@ class Binder {
     }
     const RowLimit& limit = options_.dialect->limit;
     if (statement_.topPercent && limit.percent.empty()) {
-      scope_.Refuse(statement_.top, "This dialect has no percentages of rows.");
+      scope_.Refuse(statement_.top, text::DialectWithoutPercentages);
     }
     if (statement_.skip.empty()) return;
-    if (limit.offset.empty()) scope_.Refuse(statement_.skip, "This dialect has no offset.");
-    if (statement_.topPercent) scope_.Refuse(statement_.skip, "A percentage of rows takes no offset.");
+    if (limit.offset.empty()) scope_.Refuse(statement_.skip, text::DialectWithoutOffset);
+    if (statement_.topPercent) scope_.Refuse(statement_.skip, text::PercentageWithOffset);
     const std::optional<double> number = ParseNumber(statement_.skip);
     if (!number || *number > kMostSkipped ||
         statement_.skip.find_first_not_of("0123456789") != std::string_view::npos) {
-      scope_.Refuse(statement_.skip, "The offset is to be a whole number below 2,147,483,648.");
+      scope_.Refuse(statement_.skip, text::BadOffset);
     }
     query_.skip = static_cast<std::int32_t>(*number);
   }
@@ -124,7 +125,7 @@ class Binder {
   std::string ExpressionText(const Expression& expression) const {
     std::string text = fields_.Written(expression);
     if (FindNoCase(text, "@field") != std::string::npos) {
-      scope_.Refuse(expression.text, "\"@field\" stands for a column of the grid and cannot be part of an expression.");
+      scope_.Refuse(expression.text, text::FieldIsPlaceholder);
     }
     return text;
   }
@@ -171,14 +172,13 @@ class Binder {
   // A row "*" for each table; where joined columns are one, each column by itself.
   void BindStar(const Expression& star) {
     if (star.text != "*") return AddStar(scope_.RequireTable(star.Qualifier(), star.text));
-    if (scope_.Tables().empty()) scope_.Refuse(star.text, "\"*\" needs a table.");
+    if (scope_.Tables().empty()) scope_.Refuse(star.text, text::StarNeedsTable);
     if (!scope_.HasUnified()) {
       for (std::size_t table = 0; table < scope_.Tables().size(); ++table) AddStar(table);
       return;
     }
     for (std::size_t table = 0; table < scope_.Tables().size(); ++table) {
-      if (!scope_.Source().KnowsColumns(table))
-        scope_.Refuse(star.text, "The columns that \"*\" stands for are not known.");
+      if (!scope_.Source().KnowsColumns(table)) scope_.Refuse(star.text, text::StarUnknown);
     }
     for (const BoundColumn& column : from_.columns) {
       const RowField field{column.table, column.column, {}};
@@ -197,14 +197,12 @@ class Binder {
   void BindFrom() {
     BoundFrom bound = FromBinder(statement_, scope_, *options_.dialect).Bind(true);
     if (bound.hasFull && !options_.dialect->hasFullJoin && options_.dialect->joins == Dialect::Joins::Clauses) {
-      scope_.Refuse(bound.firstOuter, "This dialect has no join that keeps all rows of both tables.");
+      scope_.Refuse(bound.firstOuter, text::DialectWithoutFullJoin);
     }
     if (!Take(bound)) {
       bound = FromBinder(statement_, scope_, *options_.dialect).Bind(false);
       if (!Take(bound)) {
-        scope_.Refuse(bound.firstOuter,
-                      "These joins cannot be shown in the designer: it would write them in an order "
-                      "that gives other rows.");
+        scope_.Refuse(bound.firstOuter, text::JoinsInOtherOrder);
       }
     }
     from_ = std::move(bound);

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "base/texts_sql.h"
 #include "sql/expression_parser.h"
 #include "sql/keywords.h"
 #include "sql/token_reader.h"
@@ -57,14 +58,13 @@ class Parser {
     reader_.TakeSign(';');
     if (reader_.AtEnd()) return;
     RefuseWhatCannotBeShown();
-    reader_.FailExpected("the end of the statement");
+    reader_.FailExpected(text::StatementEnd);
   }
 
  private:
   void RefuseWhatCannotBeShown() {
     if (!IsBeyondDesigner(reader_.Current().keyword)) return;
-    reader_.Refuse(reader_.Offset(),
-                   std::string(NameOf(reader_.Current().keyword)) + " cannot be shown in the designer.");
+    reader_.Refuse(reader_.Offset(), {text::CannotShow, NameOf(reader_.Current().keyword)});
   }
 
   template <class T>
@@ -78,7 +78,7 @@ class Parser {
     for (;;) {
       if (reader_.Is(Keyword::Distinct) || reader_.Is(Keyword::Distinctrow)) {
         reader_.Advance();
-        if (reader_.Is(Keyword::On)) reader_.Refuse(reader_.Offset(), "DISTINCT ON cannot be shown in the designer.");
+        if (reader_.Is(Keyword::On)) reader_.Refuse(reader_.Offset(), text::NoDistinctOn);
         statement_.distinct = true;
       } else if (reader_.Is(Keyword::All) && !reader_.NextIsSign('.')) {
         reader_.Advance();
@@ -111,7 +111,7 @@ class Parser {
   }
 
   void ParseLimitNumber() {
-    if (!reader_.Is(TokenKind::Number)) reader_.FailExpected("a number");
+    if (!reader_.Is(TokenKind::Number)) reader_.FailExpected(text::ANumber);
     statement_.top = reader_.CurrentText();
     reader_.Advance();
   }
@@ -126,7 +126,7 @@ class Parser {
       end = &item->next;
     } while (reader_.TakeSign(','));
     if (!reader_.Is(Keyword::From) && !IsBeyondDesigner(reader_.Current().keyword)) {
-      reader_.FailExpected("an operator, an alias, \",\" or FROM");
+      reader_.FailExpected(text::OperatorAliasOrFrom);
     }
   }
 
@@ -137,7 +137,7 @@ class Parser {
     if (reader_.Take(Keyword::As)) {
       const std::size_t name = reader_.Offset();
       if (!reader_.Is(TokenKind::Word) && !reader_.Is(TokenKind::QuotedIdentifier) && !isText()) {
-        reader_.FailExpected("an alias");
+        reader_.FailExpected(text::AnAlias);
       }
       reader_.Advance();
       return reader_.TextFrom(name);
@@ -175,7 +175,7 @@ class Parser {
     } while (reader_.TakeSign(','));
     if (!AtClauseEnd() && !IsBeyondDesigner(reader_.Current().keyword)) {
       RefuseTableClause();
-      reader_.FailExpected("a join, \",\", WHERE or the end of the statement");
+      reader_.FailExpected(text::JoinOrEnd);
     }
     RefuseWhatCannotBeShown();
     return first;
@@ -184,7 +184,7 @@ class Parser {
   // What may stand behind a table elsewhere.
   void RefuseTableClause() {
     if (reader_.Is(TokenKind::Word) && BeginsTableClause(reader_.CurrentText())) {
-      reader_.Refuse(reader_.Offset(), UpperAscii(reader_.CurrentText()) + " cannot be shown in the designer.");
+      reader_.Refuse(reader_.Offset(), {text::CannotShow, UpperAscii(reader_.CurrentText())});
     }
   }
 
@@ -201,22 +201,20 @@ class Parser {
     auto* item = Make<FromItem>();
     const std::size_t start = reader_.Offset();
     if (reader_.IsWord("LATERAL")) RefuseTableClause();  // the other words may name a table
-    item->table = expressions_.ParseName("a table");
-    if (reader_.IsSign('(')) reader_.Refuse(start, "A function in FROM cannot be shown in the designer.");
+    item->table = expressions_.ParseName(text::ATable);
+    if (reader_.IsSign('(')) reader_.Refuse(start, text::NoFunctionInFrom);
     RefuseTableClause();
     item->alias = ParseAlias(false);
     if (!item->alias.empty() && reader_.IsSign('(')) {
-      reader_.Refuse(reader_.Offset(), "Names for the columns of a table cannot be shown in the designer.");
+      reader_.Refuse(reader_.Offset(), text::NoColumnNames);
     }
-    if (reader_.Is(Keyword::With))
-      reader_.Refuse(reader_.Offset(), "Hints for a table cannot be shown in the designer.");
+    if (reader_.Is(Keyword::With)) reader_.Refuse(reader_.Offset(), text::NoHints);
     return item;
   }
 
   void RequireDepth(int depth, int deepest) const {
     if (depth <= deepest) return;
-    reader_.Refuse(reader_.Offset(),
-                   "The tables are nested too deeply: more than " + std::to_string(deepest) + " levels.");
+    reader_.Refuse(reader_.Offset(), {text::TablesTooDeep, deepest});
   }
 
   // Parentheses that begin together are read in a loop, from the inside.
@@ -226,7 +224,7 @@ class Parser {
     for (; reader_.IsSign('('); reader_.Advance()) {
       const Keyword next = reader_.Peek().keyword;
       if (next == Keyword::Select || next == Keyword::With) {
-        reader_.Refuse(reader_.Offset(), "A query in FROM cannot be shown in the designer.");
+        reader_.Refuse(reader_.Offset(), text::NoQueryInFrom);
       }
       RequireDepth(++open, kDeepestTables);
     }
@@ -246,10 +244,10 @@ class Parser {
       step->right = ParseJoined();
     }
     const bool leftOpen = options_.openParenthesesInFrom && AtClauseEnd();
-    if (!leftOpen && !reader_.TakeSign(')')) reader_.FailExpected("a join, \",\" or \")\"");
+    if (!leftOpen && !reader_.TakeSign(')')) reader_.FailExpected(text::JoinOrClosing);
     if (reader_.Is(Keyword::As) || reader_.Is(TokenKind::QuotedIdentifier) ||
         (reader_.Is(TokenKind::Word) && reader_.Current().keyword == Keyword::None)) {
-      reader_.Refuse(reader_.Offset(), "A name for joined tables cannot be shown in the designer.");
+      reader_.Refuse(reader_.Offset(), text::NoNameForJoin);
     }
   }
 
@@ -326,7 +324,7 @@ class Parser {
       }
     }
     const bool keepsRows = kind == Keyword::Left || kind == Keyword::Right || kind == Keyword::Full;
-    if (outer && !keepsRows) reader_.FailExpected("LEFT, RIGHT or FULL");
+    if (outer && !keepsRows) reader_.FailExpected(text::LeftRightOrFull);
     reader_.Advance();
     step.word = kind == Keyword::Left    ? JoinWord::Left
                 : kind == Keyword::Right ? JoinWord::Right
@@ -345,7 +343,7 @@ class Parser {
       step.word = JoinWord::Cross;
     } else {
       RefuseTableClause();
-      reader_.FailExpected("ON or USING");
+      reader_.FailExpected(text::OnOrUsing);
     }
   }
 
@@ -354,7 +352,7 @@ class Parser {
     NameItem** end = &step.columns;
     do {
       const std::size_t start = reader_.Offset();
-      if (!reader_.Is(TokenKind::Word) && !reader_.Is(TokenKind::QuotedIdentifier)) reader_.FailExpected("a column");
+      if (!reader_.Is(TokenKind::Word) && !reader_.Is(TokenKind::QuotedIdentifier)) reader_.FailExpected(text::AColumn);
       reader_.Advance();
       *end = Make<NameItem>();
       (*end)->name = reader_.TextFrom(start);
@@ -410,12 +408,12 @@ class Parser {
   }
 
   void RefuseSecondLimit() const {
-    if (!statement_.top.empty()) reader_.Refuse(reader_.Offset(), "There is a row limit already.");
+    if (!statement_.top.empty()) reader_.Refuse(reader_.Offset(), text::SecondRowLimit);
   }
 
   void ParseOffsetNumber() {
-    if (!statement_.skip.empty()) reader_.Refuse(reader_.Offset(), "There is an offset already.");
-    if (!reader_.Is(TokenKind::Number)) reader_.FailExpected("a number");
+    if (!statement_.skip.empty()) reader_.Refuse(reader_.Offset(), text::SecondOffset);
+    if (!reader_.Is(TokenKind::Number)) reader_.FailExpected(text::ANumber);
     statement_.skip = reader_.CurrentText();
     reader_.Advance();
   }
@@ -426,7 +424,7 @@ class Parser {
     reader_.Advance();
     if (reader_.Take(Keyword::All)) return;
     if (reader_.TakeSign('-')) {
-      if (reader_.CurrentText() != "1") reader_.FailExpected("a number from 0 on");
+      if (reader_.CurrentText() != "1") reader_.FailExpected(text::NumberFromZero);
       reader_.Advance();
       return;
     }
@@ -463,7 +461,7 @@ class Parser {
   }
 
   void RefuseTies() {
-    if (reader_.Is(Keyword::With)) reader_.Refuse(reader_.Offset(), "WITH TIES cannot be shown in the designer.");
+    if (reader_.Is(Keyword::With)) reader_.Refuse(reader_.Offset(), text::NoWithTies);
   }
 
   SelectStatement& statement_;
@@ -484,7 +482,7 @@ SelectStatement ParseSelect(std::string_view text, const ParseOptions& options) 
 Expression* ParseExpressionText(std::string_view text, SyntaxArena& arena) {
   TokenReader reader(text);
   Expression* expression = ExpressionParser(reader, arena).ParseExpression();
-  if (!reader.AtEnd()) reader.FailExpected("an operator or the end of the text");
+  if (!reader.AtEnd()) reader.FailExpected(text::OperatorOrTextEnd);
   return expression;
 }
 

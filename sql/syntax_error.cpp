@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/text.h"
+#include "base/texts_sql.h"
 
 namespace zrqrybld {
 
@@ -20,14 +21,13 @@ TextPlace PlaceIn(std::string_view text, std::size_t offset) {
   return place;
 }
 
-SyntaxError::SyntaxError(std::string_view text, std::size_t offset, std::string message, std::string expected)
+SyntaxError::SyntaxError(std::string_view text, std::size_t offset, Phrase message, Phrase expected)
     : SyntaxError(PlaceIn(text, offset), offset, std::move(message), std::move(expected)) {}
 
-SyntaxError::SyntaxError(TextPlace place, std::size_t offset, std::string message, std::string expected)
-    : Error(ErrorParsingText,
-            "Line " + std::to_string(place.line) + ", column " + std::to_string(place.column) + ": " + message, offset),
+SyntaxError::SyntaxError(TextPlace place, std::size_t offset, Phrase sentence, Phrase expected)
+    : Error(ErrorParsingText, Phrase(text::LineAndColumn, place.line, place.column, sentence), offset),
       place_(place),
-      message_(std::move(message)),
+      sentence_(std::move(sentence)),
       expected_(std::move(expected)) {}
 
 }  // namespace zrqrybld

@@ -23,18 +23,21 @@ TextPlace PlaceIn(std::string_view text, std::size_t offset);
 class SyntaxError final : public Error {
  public:
   /// `message` is a sentence; `expected` says what could have stood there, "" when the text is understood but refused.
-  SyntaxError(std::string_view text, std::size_t offset, std::string message, std::string expected = {});
+  SyntaxError(std::string_view text, std::size_t offset, Phrase message, Phrase expected = {});
 
   const TextPlace& Place() const { return place_; }
-  const std::string& Message() const { return message_; }
-  const std::string& Expected() const { return expected_; }
+  /// What is wrong, without the place.
+  const Phrase& Sentence() const { return sentence_; }
+  /// The same in English.
+  std::string Message() const { return sentence_.English(); }
+  std::string Expected() const { return expected_.English(); }
 
  private:
-  SyntaxError(TextPlace place, std::size_t offset, std::string message, std::string expected);
+  SyntaxError(TextPlace place, std::size_t offset, Phrase sentence, Phrase expected);
 
   TextPlace place_;
-  std::string message_;
-  std::string expected_;
+  Phrase sentence_;
+  Phrase expected_;
 };
 
 }  // namespace zrqrybld

@@ -1,6 +1,7 @@
 #include "sql/token_reader.h"
 
 #include "base/text.h"
+#include "base/texts_sql.h"
 #include "sql/syntax_error.h"
 
 namespace zrqrybld {
@@ -51,23 +52,24 @@ void TokenReader::SkipTo(char closing) {
   FailExpected(std::string{'"', closing, '"'});
 }
 
-void TokenReader::FailExpected(std::string_view expected) const {
-  std::string message(expected);
-  message[0] = UpperAscii(message[0]);
-  message +=
-      AtEnd() ? " is expected at the end of the text." : " is expected instead of " + Quoted(CurrentText()) + '.';
-  throw SyntaxError(text_, token_.offset, std::move(message), std::string(expected));
+void TokenReader::FailExpected(const Phrase& expected) const {
+  throw SyntaxError(
+      text_, token_.offset,
+      AtEnd() ? Phrase(text::ExpectedAtEnd, expected) : Phrase(text::ExpectedInstead, expected, Quoted(CurrentText())),
+      expected);
 }
 
-void TokenReader::Refuse(std::size_t offset, std::string message) const {
+void TokenReader::FailAsDate() const { Refuse(token_.offset, text::BeginsAsDate); }
+
+void TokenReader::Refuse(std::size_t offset, Phrase message) const {
   throw SyntaxError(text_, offset, std::move(message));
 }
 
 void TokenReader::FailUnfinished() const {
-  const char* what = token_.kind == TokenKind::Comment     ? "This comment is never closed."
-                     : token_.kind == TokenKind::String    ? "This text is never closed."
-                     : token_.kind == TokenKind::Parameter ? "This parameter is never closed."
-                                                           : "This quoted name is never closed.";
+  const TextId what = token_.kind == TokenKind::Comment     ? text::CommentOpen
+                      : token_.kind == TokenKind::String    ? text::TextOpen
+                      : token_.kind == TokenKind::Parameter ? text::ParameterOpen
+                                                            : text::NameOpen;
   Refuse(token_.offset, what);
 }
 

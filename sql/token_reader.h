@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/phrase.h"
 #include "sql/lexer.h"
 
 namespace zrqrybld {
@@ -29,8 +30,7 @@ class TokenReader {
       if (!lexer_.Next(token_)) token_ = Token{.offset = text_.size()};
     } while (token_.kind == TokenKind::Comment && !token_.unfinished);
     if (token_.unfinished || IsOpenMarker()) FailUnfinished();
-    if (token_.kind == TokenKind::Word && BeginsAsDate(CurrentText()))
-      Refuse(token_.offset, std::string(kBeginsAsDate));
+    if (token_.kind == TokenKind::Word && BeginsAsDate(CurrentText())) FailAsDate();
   }
 
   bool Is(TokenKind kind) const { return token_.kind == kind && token_.length != 0; }
@@ -58,14 +58,15 @@ class TokenReader {
   void SkipTo(char closing);
 
   /// What stands here is not what could be read: `expected` is a noun ("a table name").
-  [[noreturn]] void FailExpected(std::string_view expected) const;
+  [[noreturn]] void FailExpected(const Phrase& expected) const;
   /// The text is understood or not, but it cannot be taken: `message` is a sentence.
-  [[noreturn]] void Refuse(std::size_t offset, std::string message) const;
+  [[noreturn]] void Refuse(std::size_t offset, Phrase message) const;
 
  private:
   // A marker whose "(" is never closed is the word alone; a ")" that is written behind it later would close it.
   bool IsOpenMarker() const { return token_.kind == TokenKind::Parameter && token_.length == 6 && NextIsSign('('); }
   [[noreturn]] void FailUnfinished() const;
+  [[noreturn]] void FailAsDate() const;
 
   std::string_view text_;
   Lexer lexer_;

@@ -5,18 +5,12 @@
 #include <optional>
 
 #include "base/text.h"
+#include "base/texts_values.h"
 #include "sql/lexer.h"
 #include "sql/source_lexer.h"
 
 namespace zrqrybld {
 namespace {
-
-constexpr std::string_view kChangesStatement =
-    "This cannot be written here so that the source reads it as a value and nothing else.";
-constexpr std::string_view kTwoWays =
-    "Values are not put into a statement with \"--\" and no blank behind it: a driver may take it for a comment.";
-constexpr std::string_view kVersions =
-    "Values are not put into a statement with a comment that only some versions run (/*!).";
 
 // What a marker stands in.
 struct Enclosure {
@@ -228,9 +222,9 @@ class Review {
          const std::vector<Enclosure>& enclosures, const TextReading& reading)
       : placed_(placed), standIns_(standIns), texts_(texts), enclosures_(enclosures), reading_(reading) {}
 
-  void Run(std::vector<std::string>& problems) {
+  void Run(std::vector<Phrase>& problems) {
     const std::vector<SourceToken> tokens = TokensOf(placed_.text, reading_);
-    if (std::optional<std::size_t> value = FirstDifference(tokens)) problems[*value] = kChangesStatement;
+    if (std::optional<std::size_t> value = FirstDifference(tokens)) problems[*value] = text::ChangesStatement;
     LiteralsOfTheirOwn(tokens, problems);
   }
 
@@ -253,14 +247,14 @@ class Review {
   }
 
   // A literal with any characters has to be read as one that was written as this one.
-  void LiteralsOfTheirOwn(const std::vector<SourceToken>& tokens, std::vector<std::string>& problems) const {
+  void LiteralsOfTheirOwn(const std::vector<SourceToken>& tokens, std::vector<Phrase>& problems) const {
     std::size_t at = 0;
     for (std::size_t i = 0; i < texts_.size(); ++i) {
       if (!texts_[i].given || !texts_[i].anyText || enclosures_[i].kind != Enclosure::Kind::None) continue;
       while (at < tokens.size() && tokens[at].end < placed_.regions[i].end) ++at;
       const bool isLiteral = at < tokens.size() && tokens[at].part == SourcePart::Text &&
                              tokens[at].end == placed_.regions[i].end && tokens[at].escapes == texts_[i].escapes;
-      if (!isLiteral) problems[i] = kChangesStatement;
+      if (!isLiteral) problems[i] = text::ChangesStatement;
     }
   }
 
@@ -276,12 +270,12 @@ class Review {
 PlacedStatement PlaceTexts(std::string_view sql, const std::vector<MarkerPlace>& markers,
                            const std::vector<PlacedText>& texts) {
   const std::vector<Enclosure> enclosures = EnclosuresByLexer(sql, markers);
-  return {Assembler(sql, markers, texts, enclosures).Run(false).text, std::vector<std::string>(markers.size())};
+  return {Assembler(sql, markers, texts, enclosures).Run(false).text, std::vector<Phrase>(markers.size())};
 }
 
 PlacedStatement PlaceTexts(std::string_view sql, const std::vector<MarkerPlace>& markers,
                            const std::vector<PlacedText>& texts, const TextReading& reading) {
-  PlacedStatement result{{}, std::vector<std::string>(markers.size())};
+  PlacedStatement result{{}, std::vector<Phrase>(markers.size())};
   if (markers.empty()) return {std::string(sql), {}};
   // A sign that no source takes for the beginning of anything.
   const std::string text = WithoutMarkers(sql, markers, '?');
@@ -289,12 +283,12 @@ PlacedStatement PlaceTexts(std::string_view sql, const std::vector<MarkerPlace>&
   std::size_t next = 0;
   bool afterUnicode = false;
   for (const SourceToken& token : TokensOf(text, reading)) {
-    if (token.part == SourcePart::CodeComment) std::ranges::fill(result.problems, std::string(kVersions));
+    if (token.part == SourcePart::CodeComment) std::ranges::fill(result.problems, Phrase(text::VersionComment));
     const bool dashes = token.part == SourcePart::Code && std::string_view(text).substr(token.begin).starts_with("--");
-    if (dashes) std::ranges::fill(result.problems, std::string(kTwoWays));
+    if (dashes) std::ranges::fill(result.problems, Phrase(text::DashesInStatement));
     // UESCAPE gives the part of "\" to another character.
     const std::string_view word = std::string_view(text).substr(token.begin, token.end - token.begin);
-    if (afterUnicode && EqualsNoCase(word, "UESCAPE")) result.problems[next - 1] = kChangesStatement;
+    if (afterUnicode && EqualsNoCase(word, "UESCAPE")) result.problems[next - 1] = text::ChangesStatement;
     for (; next < markers.size() && markers[next].offset < token.end; ++next) {
       if (markers[next].offset >= token.begin) enclosures[next] = EnclosureOf(token);
     }

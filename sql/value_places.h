@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/phrase.h"
 #include "platform/text_reading.h"
 #include "sql/parameters.h"
 
@@ -27,8 +28,8 @@ struct PlacedText {
 /// A statement with its values, and what is wrong.
 struct PlacedStatement {
   std::string text;
-  /// By marker: why the value cannot stand there, as a sentence; "" when it can.
-  std::vector<std::string> problems;
+  /// By marker: why the value cannot stand there, as a sentence; nothing when it can.
+  std::vector<Phrase> problems;
 };
 
 /// The statement as the designer's lexer reads it, for who knows no source: quotes that would end what a value stands

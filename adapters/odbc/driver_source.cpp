@@ -15,6 +15,7 @@
 #include "adapters/odbc/data_sources.h"
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_run.h"
 
 namespace zrqrybld::odbc {
 namespace {
@@ -127,27 +128,26 @@ bool DriverHasName(const Parts& parts, const std::vector<DataSourceName>& source
          });
 }
 
-[[noreturn]] void ThrowCannotOpen(std::string_view file, std::string_view reason) {
-  throw Error(ErrorConnectionFailed,
-              "The database file \"" + std::string(file) + "\" cannot be opened: " + std::string(reason) + ".");
+[[noreturn]] void ThrowCannotOpen(std::string_view file, const Phrase& reason) {
+  throw Error(ErrorConnectionFailed, Phrase(text::FileCannotBeOpened, file, reason));
 }
 
 // The driver opens any file at once and says little about one that cannot be read.
 void CheckFile(const std::string& name) {
-  if (name.find(';') != std::string::npos) ThrowCannotOpen(name, "the driver cannot be given a name with a semicolon");
+  if (name.find(';') != std::string::npos) ThrowCannotOpen(name, text::SemicolonInName);
   std::error_code failure;
   const std::filesystem::path path = PathOf(name);
   const std::filesystem::file_status status = std::filesystem::status(path, failure);
-  if (status.type() == std::filesystem::file_type::not_found) ThrowCannotOpen(name, "there is no such file");
+  if (status.type() == std::filesystem::file_type::not_found) ThrowCannotOpen(name, text::NoSuchFile);
   if (failure) ThrowCannotOpen(name, failure.message());
-  if (status.type() != std::filesystem::file_type::regular) ThrowCannotOpen(name, "it is no ordinary file");
+  if (status.type() != std::filesystem::file_type::regular) ThrowCannotOpen(name, text::NoOrdinaryFile);
   errno = 0;
   if (!std::ifstream(path, std::ios::binary)) {
-    ThrowCannotOpen(name, errno != 0 ? std::generic_category().message(errno) : "it cannot be read");
+    ThrowCannotOpen(name, errno != 0 ? std::generic_category().message(errno) : Phrase(text::CannotBeRead));
   }
   // The driver would show any other file as a database without tables.
   const std::string beginning = ReadBeginning(path);
-  if (!beginning.empty() && !beginning.starts_with("SQLite format 3")) ThrowCannotOpen(name, "it is not a database");
+  if (!beginning.empty() && !beginning.starts_with("SQLite format 3")) ThrowCannotOpen(name, text::NoDatabase);
 }
 
 // The driver makes a file that is missing, unless it is told not to.
@@ -213,8 +213,7 @@ DriverSource MakeDriverSource(const ConnectionString& connectionString, std::str
   const bool namesSource =
       std::ranges::any_of(kSourceKeys, [&](std::string_view key) { return Find(parts, key).has_value(); });
   if (!namesSource) {
-    throw Error(ErrorConnectionFailed,
-                "The connection string names no data source (DSN=...) and no driver (Driver={...}).");
+    throw Error(ErrorConnectionFailed, text::NoSourceInString);
   }
   Secrets secrets = SecretsOf(parts);
   const std::vector<DataSourceName> sources = ConfiguredSources();

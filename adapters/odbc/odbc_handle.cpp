@@ -9,6 +9,7 @@
 #include "adapters/odbc/odbc_text.h"
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_run.h"
 
 namespace zrqrybld::odbc {
 namespace {
@@ -48,14 +49,14 @@ std::vector<Diagnosis> Diagnose(SQLSMALLINT type, SQLHANDLE handle) {
   return all;
 }
 
-std::string Describe(const std::vector<Diagnosis>& all, const Secrets& secrets) {
+Phrase Describe(const std::vector<Diagnosis>& all, const Secrets& secrets) {
   std::string text;
   for (const Diagnosis& diagnosis : all) {
     const std::string line = "[" + diagnosis.state + "] " + diagnosis.message;
     if (text.find(line) != std::string::npos) continue;  // some drivers say everything twice
     text += (text.empty() ? "" : "\n") + line;
   }
-  return text.empty() ? "The ODBC driver has failed and gives no reason." : secrets.Hide(std::move(text));
+  return text.empty() ? Phrase(text::OdbcGivesNoReason) : secrets.Hide(std::move(text));
 }
 
 // The texts of SQLGetInfo and of attributes come with their length in bytes.
@@ -99,7 +100,7 @@ std::string Secrets::Hide(std::string message) const {
 Environment::Environment() : handle_(SQL_NULL_HANDLE) {
   if (Get() == SQL_NULL_HANDLE ||
       !SQL_SUCCEEDED(SQLSetEnvAttr(Get(), SQL_ATTR_ODBC_VERSION, NumberAttribute(SQL_OV_ODBC3), SQL_IS_UINTEGER))) {
-    throw Error(ErrorConnectionFailed, "ODBC cannot be used: out of memory.");
+    throw Error(ErrorConnectionFailed, text::OdbcOutOfMemory);
   }
 }
 
@@ -149,7 +150,7 @@ void DriverConnection::Link::Open(const std::string& connectionString, const Sec
   set(SQL_ATTR_LOGIN_TIMEOUT, kPatienceSeconds);
   set(SQL_ATTR_ACCESS_MODE, SQL_MODE_READ_ONLY);
   std::u16string text = ToUtf16(connectionString);
-  if (text.size() > 32000) throw Error(ErrorConnectionFailed, "The connection string is too long for ODBC.");
+  if (text.size() > 32000) throw Error(ErrorConnectionFailed, text::TooLongForOdbc);
   std::u16string completed(1024, u'\0');  // some drivers do not like to be told that nobody wants it
   SQLSMALLINT length = 0;
   const SQLRETURN result =
@@ -168,7 +169,7 @@ void DriverConnection::RequireAlive() const {
   const SQLRETURN result = SQLGetConnectAttrW(Get(), SQL_ATTR_CONNECTION_DEAD, &dead, SQL_IS_UINTEGER, nullptr);
   pulse_->Beat();
   if (SQL_SUCCEEDED(result) && dead == SQL_CD_TRUE) {
-    throw ConnectionLost("The connection to the data source is gone.");
+    throw ConnectionLost(text::ConnectionGone);
   }
 }
 

@@ -12,6 +12,7 @@
 #include "adapters/run/source_sql.h"
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_run.h"
 
 namespace zrqrybld {
 namespace odbc {
@@ -139,7 +140,7 @@ class OdbcRunner final : public QueryRunner {
       if (question.family != mode_.family) continue;
       const std::vector<std::string> answer = Ask(question.statement);
       if (answer.size() != 3 || answer[2] != "on") {
-        throw Error(ErrorConnectionFailed, "The source cannot be asked for rows without the right to write.");
+        throw Error(ErrorConnectionFailed, text::SourceWouldWrite);
       }
       mode_ = ModeOf(name_, answer[0]);
       mode_.unicode = EqualsNoCase(std::string_view(answer[1]).substr(0, 3), "UTF");
@@ -177,14 +178,14 @@ class OdbcRunner final : public QueryRunner {
     Check(SQLPrepareW(statement_->Get(), Wide(text), static_cast<SQLINTEGER>(text.size())));
     SQLSMALLINT parameters = 0;
     if (SQL_SUCCEEDED(SQLNumParams(statement_->Get(), &parameters)) && parameters > 0) {
-      throw Error(ErrorParsingText, "The statement has parameters that nobody has given a value.");
+      throw Error(ErrorParsingText, text::ParametersWithoutValues);
     }
   }
 
   std::vector<std::string> Describe() {
     SQLSMALLINT count = 0;
     Check(SQLNumResultCols(statement_->Get(), &count));
-    if (count == 0) throw Error(ErrorParsingText, "The statement returns no columns.");
+    if (count == 0) throw Error(ErrorParsingText, text::NoColumnsReturned);
     std::vector<std::string> names;
     for (SQLSMALLINT column = 1; column <= count; ++column) {
       std::u16string name(1024, u'\0');

@@ -11,6 +11,7 @@
 #include "adapters/odbc/odbc_types.h"
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_run.h"
 #include "platform/schema_fields.h"
 #include "platform/table_row_set.h"
 
@@ -161,7 +162,7 @@ std::unique_ptr<RowSet> OdbcSession::OpenSchema(SchemaKind kind, const SchemaRes
     case SchemaKind::Literals:
       return std::make_unique<TableRowSet>(kLiteralFields, MakeLiterals());
   }
-  throw Error(ErrorSchemaNotSupported, "The ODBC provider has no such schema.");
+  throw Error(ErrorSchemaNotSupported, text::OdbcHasNoSchema);
 }
 
 // A driver tells only the words that ODBC itself does not name.

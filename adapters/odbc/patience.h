@@ -10,6 +10,7 @@
 
 #include "base/detached_call.h"
 #include "base/error.h"
+#include "base/texts_run.h"
 
 namespace zrqrybld::odbc {
 
@@ -19,7 +20,7 @@ inline constexpr int kPatienceSeconds = 8;
 /// The connection is of no use any more. Error 3706.
 class ConnectionLost final : public Error {
  public:
-  explicit ConnectionLost(std::string description) : Error(ErrorConnectionFailed, std::move(description)) {}
+  explicit ConnectionLost(Phrase what) : Error(ErrorConnectionFailed, std::move(what)) {}
 };
 
 /// When the driver was last seen to return from a call. Shared by the thread that calls and the one that waits.
@@ -35,7 +36,7 @@ class Pulse {
   /// For the thread that calls: the driver has returned. ConnectionLost when that was given up: a driver that has
   /// waited in vain may not survive another question.
   void Beat() {
-    if (givenUp_) throw ConnectionLost("The data source has answered too late.");
+    if (givenUp_) throw ConnectionLost(text::AnsweredTooLate);
     last_ = Now();
   }
 
@@ -60,8 +61,7 @@ auto WithPatience(const std::shared_ptr<Pulse>& pulse, Work work) {
   while (result.wait_until(deadline()) != std::future_status::ready) {
     if (Pulse::Clock::now() < deadline()) continue;
     pulse->GiveUp();
-    throw ConnectionLost("The data source does not answer: given up after " + std::to_string(kPatienceSeconds) +
-                         " seconds.");
+    throw ConnectionLost(Phrase(text::GivenUp, kPatienceSeconds));
   }
   return result.get();
 }

@@ -4,6 +4,7 @@
 
 #include "adapters/odbc/patience.h"
 #include "base/error.h"
+#include "base/texts_platform.h"
 
 namespace zrqrybld::odbc {
 
@@ -18,7 +19,7 @@ PatientSession::PatientSession(const std::string& connectionString, Secrets secr
 // anything else on a connection that was cut.
 template <class Question>
 auto PatientSession::Ask(Question question) const {
-  if (!session_) throw Error(ErrorConnectionClosed, "The connection is closed.");
+  if (!session_) throw Error(ErrorConnectionClosed, text::ConnectionIsClosed);
   const std::shared_ptr<OdbcSession> session = session_;
   try {
     return WithPatience(session->GetPulse(), [session, question] {

@@ -30,7 +30,7 @@ void ChangeAnnouncer::CompareSoon() {
 void ChangeAnnouncer::Compare() {
   waiting_ = false;
   const QuerySnapshot before = std::exchange(before_, hub_.Snapshot());
-  Say(ToQString(DescribeChanges(before, before_)));
+  Say(ToQString(DescribeChanges(before, before_, *hub_.Texts())));
 }
 
 }  // namespace zrqrybld

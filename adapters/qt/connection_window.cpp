@@ -28,7 +28,9 @@
 #include "adapters/qt/name_list.h"
 #include "adapters/qt/plain_tip.h"
 #include "adapters/qt/qt_text.h"
+#include "adapters/qt/say.h"
 #include "adapters/qt/theme.h"
+#include "base/texts_qt.h"
 
 namespace zrqrybld {
 namespace {
@@ -117,20 +119,21 @@ QLabel* LabelFor(QWidget* field, const QString& text) {
 
 }  // namespace
 
-ConnectionWindow::ConnectionWindow(const ConnectionDialog& dialog, QWidget* parent) : QDialog(parent), dialog_(dialog) {
-  setWindowTitle(tr("Connect to a Data Source"));
+ConnectionWindow::ConnectionWindow(const ConnectionDialog& dialog, QWidget* parent, const TextSource& texts)
+    : QDialog(parent), texts_(texts), dialog_(dialog) {
+  setWindowTitle(Say(texts_, text::ConnectCaption));
 
   tabs_ = new QTabWidget;
-  tabs_->addTab(MakeFilePage(), tr("&SQLite File"));
-  tabs_->addTab(MakeDataSourcePage(), tr("&Data Source"));
-  tabs_->addTab(MakeTextPage(), tr("Connection Strin&g"));
-  tabs_->setAccessibleName(tr("Ways to connect"));
+  tabs_->addTab(MakeFilePage(), Say(texts_, text::ConnectFileTab));
+  tabs_->addTab(MakeDataSourcePage(), Say(texts_, text::ConnectSourceTab));
+  tabs_->addTab(MakeTextPage(), Say(texts_, text::ConnectStringTab));
+  tabs_->setAccessibleName(Say(texts_, text::ConnectWays));
 
-  test_ = new QPushButton(tr("&Test"));
+  test_ = new QPushButton(Say(texts_, text::TestButton));
   test_->setVisible(static_cast<bool>(dialog_.test));
-  connect_ = new QPushButton(tr("&Connect"));
+  connect_ = new QPushButton(Say(texts_, text::ConnectButton));
   connect_->setDefault(true);
-  auto* cancel = new QPushButton(tr("C&ancel"));
+  auto* cancel = new QPushButton(Say(texts_, text::CancelButton));
   for (QPushButton* button : {test_, cancel}) button->setAutoDefault(false);
   auto* buttons = new QHBoxLayout;
   buttons->setSpacing(kSpacing);
@@ -166,8 +169,8 @@ ConnectionWindow::ConnectionWindow(const ConnectionDialog& dialog, QWidget* pare
 
 QWidget* ConnectionWindow::MakeFilePage() {
   file_ = new QLineEdit;
-  file_->setPlaceholderText(tr("Path of a database file"));
-  auto* browse = new QPushButton(tr("&Browse..."));
+  file_->setPlaceholderText(Say(texts_, text::FilePath));
+  auto* browse = new QPushButton(Say(texts_, text::BrowseButton));
   browse->setAutoDefault(false);
   recent_ = new QListWidget;
   recent_->setItemDelegate(new FileDelegate(recent_));
@@ -186,14 +189,14 @@ QWidget* ConnectionWindow::MakeFilePage() {
   layout->setSpacing(kSpacing);
   auto* line = new QHBoxLayout;
   line->setSpacing(kSpacing);
-  line->addWidget(LabelFor(file_, tr("&File:")));
+  line->addWidget(LabelFor(file_, Say(texts_, text::FileLabel)));
   line->addWidget(file_, 1);
   line->addWidget(browse);
   layout->addLayout(line);
-  auto* recentLabel = LabelFor(recent_, tr("&Recent files:"));
+  auto* recentLabel = LabelFor(recent_, Say(texts_, text::RecentFilesLabel));
   layout->addWidget(recentLabel);
   layout->addWidget(recent_, 1);
-  auto* none = new QLabel(tr("Files that you connect to are listed here."));
+  auto* none = new QLabel(Say(texts_, text::RecentFilesHint));
   none->setAlignment(Qt::AlignLeading | Qt::AlignTop);
   layout->addWidget(none, 1);
   const bool any = recent_->count() > 0;
@@ -214,21 +217,21 @@ QWidget* ConnectionWindow::MakeFilePage() {
 
 QWidget* ConnectionWindow::MakeDataSourcePage() {
   filter_ = new QLineEdit;
-  filter_->setPlaceholderText(tr("Filter by name"));
+  filter_->setPlaceholderText(Say(texts_, text::FilterByName));
   filter_->setClearButtonEnabled(true);
   filter_->installEventFilter(this);
-  sources_ = new NameList(tr("No data source is configured on this computer."));
+  sources_ = new NameList(Say(texts_, text::NoSourceConfigured), Say(texts_, text::NoNameContains));
   sources_->setSelectionMode(QAbstractItemView::SingleSelection);
-  sources_->setAccessibleName(tr("Data sources"));
+  sources_->setAccessibleName(Say(texts_, text::DataSources));
   filtered_ = new QSortFilterProxyModel(sources_);
   filtered_->setFilterCaseSensitivity(Qt::CaseInsensitive);
   filtered_->setSourceModel(new QStringListModel(ToQStringList(dialog_.dataSources), filtered_));
   sources_->setModel(filtered_);
   user_ = new QLineEdit;
-  user_->setPlaceholderText(tr("As the data source says"));
+  user_->setPlaceholderText(Say(texts_, text::AsSourceSays));
   password_ = new QLineEdit;
   password_->setEchoMode(QLineEdit::Password);
-  password_->setPlaceholderText(tr("As the data source says"));
+  password_->setPlaceholderText(Say(texts_, text::AsSourceSays));
 
   auto* page = new QWidget;
   auto* layout = new QVBoxLayout(page);
@@ -236,16 +239,16 @@ QWidget* ConnectionWindow::MakeDataSourcePage() {
   layout->setSpacing(kSpacing);
   auto* filterLine = new QHBoxLayout;
   filterLine->setSpacing(kSpacing);
-  filterLine->addWidget(LabelFor(filter_, tr("&Filter:")));
+  filterLine->addWidget(LabelFor(filter_, Say(texts_, text::FilterLabel)));
   filterLine->addWidget(filter_, 1);
   layout->addLayout(filterLine);
   layout->addWidget(sources_, 1);
   auto* account = new QHBoxLayout;
   account->setSpacing(kSpacing);
-  account->addWidget(LabelFor(user_, tr("&User:")));
+  account->addWidget(LabelFor(user_, Say(texts_, text::UserLabel)));
   account->addWidget(user_, 1);
   account->addSpacing(kSpacing);
-  account->addWidget(LabelFor(password_, tr("&Password:")));
+  account->addWidget(LabelFor(password_, Say(texts_, text::PasswordLabel)));
   account->addWidget(password_, 1);
   layout->addLayout(account);
 
@@ -271,7 +274,8 @@ QWidget* ConnectionWindow::MakeDataSourcePage() {
 QWidget* ConnectionWindow::MakeTextPage() {
   text_ = new QPlainTextEdit;
   text_->setPlaceholderText(
-      tr("For example\nDriver={PostgreSQL Unicode};\nServer=localhost;\nDatabase=store;\nUID=...;PWD=..."));
+      Say(texts_, text::StringExample) +
+      QStringLiteral("\nDriver={PostgreSQL Unicode};\nServer=localhost;\nDatabase=store;\nUID=...;PWD=..."));
   text_->setTabChangesFocus(true);
   text_->setInputMethodHints(Qt::ImhSensitiveData | Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase);
   text_->installEventFilter(this);
@@ -280,9 +284,9 @@ QWidget* ConnectionWindow::MakeTextPage() {
   auto* layout = new QVBoxLayout(page);
   layout->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
   layout->setSpacing(kSpacing);
-  layout->addWidget(LabelFor(text_, tr("&Keywords and values, separated by semicolons:")));
+  layout->addWidget(LabelFor(text_, Say(texts_, text::StringLabel)));
   layout->addWidget(text_, 1);
-  auto* hint = new QLabel(tr("A password in this text can be read on the screen; it is not stored."));
+  auto* hint = new QLabel(Say(texts_, text::StringHint));
   hint->setWordWrap(true);
   layout->addWidget(hint);
   connect(text_, &QPlainTextEdit::textChanged, this, &ConnectionWindow::GivenChanged);
@@ -299,7 +303,7 @@ QWidget* ConnectionWindow::MakeStatus() {
   status_->setUndoRedoEnabled(false);
   status_->document()->setDocumentMargin(0);
   status_->setFixedHeight(fontMetrics().lineSpacing() * kStatusLines);
-  status_->setAccessibleName(tr("Result of the test"));
+  status_->setAccessibleName(Say(texts_, text::TestResult));
   auto* line = new QWidget;
   auto* layout = new QHBoxLayout(line);
   layout->setContentsMargins(0, 0, 0, 0);
@@ -328,8 +332,9 @@ ConnectionChoice ConnectionWindow::Choice() const {
 void ConnectionWindow::Browse() {
   const QString given = file_->text();
   const QString near = !given.isEmpty() ? QFileInfo(given).path() : QFileInfo(RecentFiles().value(0)).path();
-  const QString file = QFileDialog::getOpenFileName(
-      this, tr("Choose a Database File"), near, tr("SQLite databases (*.db *.sqlite *.sqlite3 *.db3);;All files (*)"));
+  const QString file =
+      QFileDialog::getOpenFileName(this, Say(texts_, text::ChooseFile), near,
+                                   FileKinds(texts_, text::SqliteDatabases, "*.db *.sqlite *.sqlite3 *.db3"));
   if (!file.isEmpty()) file_->setText(QDir::toNativeSeparators(file));
 }
 
@@ -358,7 +363,7 @@ void ConnectionWindow::GivenChanged() {
 bool ConnectionWindow::Test() {
   const std::string text = Text();
   if (text.empty() || !dialog_.test) return false;
-  ShowStatus(Mark::Kind::None, tr("Connecting..."));
+  ShowStatus(Mark::Kind::None, Say(texts_, text::Connecting));
   status_->repaint();  // the driver may keep the window waiting
   mark_->repaint();
   const WaitPointer wait;
@@ -368,17 +373,17 @@ bool ConnectionWindow::Test() {
     message = dialog_.test(text);
     works = message.empty();
   } catch (const std::exception& error) {
-    message = error.what();
+    message = PhraseOf(error).In(texts_);
   } catch (...) {
-    message = "An unknown error occurred.";
+    message = Phrase(text::UnknownError).In(texts_);
   }
   if (works) {
-    ShowStatus(Mark::Kind::Success, tr("The connection works."));
+    ShowStatus(Mark::Kind::Success, Say(texts_, text::ConnectionWorks));
     working_ = text;
     return true;
   }
   QString shown = ToQString(message).trimmed();
-  if (shown.isEmpty()) shown = tr("The connection does not work; the driver does not say why.");
+  if (shown.isEmpty()) shown = Say(texts_, text::ConnectionFails);
   // A driver may repeat what it was given, but the field hides the password. A shorter one than this would tear
   // up the message, and so give itself away.
   constexpr qsizetype kLeastHidden = 4;

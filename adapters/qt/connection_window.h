@@ -10,6 +10,7 @@
 
 #include "adapters/qt/connection_choice.h"
 #include "adapters/qt/mark.h"
+#include "base/phrase.h"
 #include "platform/dialogs.h"
 
 class QLineEdit;
@@ -30,7 +31,9 @@ class ConnectionWindow : public QDialog {
   /// So many files are remembered, the latest first.
   static constexpr int kRecentFiles = 10;
 
-  explicit ConnectionWindow(const ConnectionDialog& dialog, QWidget* parent = nullptr);
+  /// The language must outlive the window.
+  explicit ConnectionWindow(const ConnectionDialog& dialog, QWidget* parent = nullptr,
+                            const TextSource& texts = EnglishTexts());
 
   /// The connection string of what is given now; "" while that is too little.
   std::string Text() const { return BuildConnectionString(Choice()); }
@@ -59,6 +62,7 @@ class ConnectionWindow : public QDialog {
   void FocusFirstField();
   void ApplyColors();
 
+  const TextSource& texts_;
   ConnectionDialog dialog_;
   std::string working_;  // the connection string that the last test has opened
   QTabWidget* tabs_ = nullptr;

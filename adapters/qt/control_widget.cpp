@@ -26,6 +26,7 @@
 #include "adapters/qt/qt_picture.h"
 #include "adapters/qt/qt_text.h"
 #include "base/error.h"
+#include "base/texts_qt.h"
 #include "platform/mirrored_canvas.h"
 
 namespace zrqrybld {
@@ -195,7 +196,7 @@ void ControlWidget::SavePng(const Picture& picture, const std::string& path) {
   QBuffer buffer(&bytes);
   QImageWriter writer(&buffer, "PNG");
   if (!writer.write(DrawToImage(picture, theme_, metrics_, this))) {
-    throw Error(ErrorFileAccess, ToUtf8(tr("%1 cannot be written: %2").arg(ToQString(path), writer.errorString())));
+    throw Error(ErrorFileAccess, Phrase(text::CannotBeWritten, path, ToUtf8(writer.errorString())));
   }
   WriteWholeFile(path, {bytes.constData(), static_cast<std::size_t>(bytes.size())}, *SystemFiles());
 }

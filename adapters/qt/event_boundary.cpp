@@ -3,6 +3,9 @@
 #include <QtGlobal>
 #include <stdexcept>
 
+#include "base/error.h"
+#include "base/texts_qt.h"
+
 namespace zrqrybld {
 namespace {
 
@@ -23,7 +26,7 @@ void EventBoundary::Report(const ErrorHandler& handler, std::exception_ptr failu
     } catch (const std::exception& error) {
       Show(handler, error);
     } catch (...) {
-      Show(handler, std::runtime_error("An unknown error occurred."));
+      Show(handler, Error(0, text::UnknownError));
     }
   } catch (...) {
     qWarning("An error handler failed.");

@@ -19,7 +19,9 @@
 #include "adapters/qt/predictive_text.h"
 #include "adapters/qt/qt_text.h"
 #include "adapters/qt/qt_text_area.h"
+#include "adapters/qt/say.h"
 #include "adapters/qt/sql_highlighter.h"
+#include "base/texts_qt.h"
 #include "sql/syntax_error.h"
 
 namespace zrqrybld {
@@ -41,8 +43,11 @@ QMimeData* PartsTree::mimeData(const QList<QTreeWidgetItem*>& items) const {
   return dragged;
 }
 
-ExpressionWindow::ExpressionWindow(const ExpressionDialog& dialog, QWidget* parent)
-    : QDialog(parent), form_(dialog.form), builder_(std::dynamic_pointer_cast<frmExpressionBuilder>(dialog.form)) {
+ExpressionWindow::ExpressionWindow(const ExpressionDialog& dialog, QWidget* parent, const TextSource& texts)
+    : QDialog(parent),
+      texts_(texts),
+      form_(dialog.form),
+      builder_(std::dynamic_pointer_cast<frmExpressionBuilder>(dialog.form)) {
   setWindowTitle(ToQString(dialog.caption));
   auto* accept = new QPushButton(ToQString(form_->AcceptButton()));
   auto* cancel = new QPushButton(ToQString(form_->CancelButton()));
@@ -119,12 +124,12 @@ QWidget* ExpressionWindow::MakeEditor(const ExpressionDialog& dialog) {
 QWidget* ExpressionWindow::MakeTools() {
   auto* panel = new QWidget;
   auto* insert = new QToolButton;
-  insert->setText(tr("Insert"));
+  insert->setText(Say(texts_, text::InsertButton));
   insert->setIcon(style()->standardIcon(QStyle::SP_ArrowUp));
   insert->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
   insert->setToolTip(PlainTip(ToQString(builder_->InsertToolTip())));
   auto* clear = new QToolButton;
-  clear->setText(tr("Clear"));
+  clear->setText(Say(texts_, text::ClearButton));
   clear->setIcon(style()->standardIcon(QStyle::SP_LineEditClearButton));
   clear->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
   clear->setToolTip(PlainTip(ToQString(builder_->ClearToolTip())));
@@ -212,7 +217,7 @@ bool ExpressionWindow::eventFilter(QObject* watched, QEvent* event) {
 QWidget* ExpressionWindow::MakeParts() {
   auto* left = new QWidget;
   search_ = new QLineEdit;
-  search_->setPlaceholderText(tr("Search columns, functions, operators and keywords"));
+  search_->setPlaceholderText(Say(texts_, text::SearchPieces));
   search_->setAccessibleName(search_->placeholderText());
   search_->setClearButtonEnabled(true);
   search_->installEventFilter(this);
@@ -221,7 +226,7 @@ QWidget* ExpressionWindow::MakeParts() {
   parts_->setColumnCount(2);
   parts_->setDragEnabled(true);
   parts_->setUniformRowHeights(true);
-  parts_->setAccessibleName(tr("Pieces"));
+  parts_->setAccessibleName(Say(texts_, text::Pieces));
   parts_->installEventFilter(this);
   FillTree();
   auto* layout = new QVBoxLayout(left);
@@ -318,7 +323,7 @@ void ExpressionWindow::ShowChosen() {
   constexpr std::size_t kNone = static_cast<std::size_t>(-1);
   builder_->Choose(isPart ? item->data(0, kGroupRole).toULongLong() : kNone,
                    isPart ? item->data(0, kPartRole).toULongLong() : kNone);
-  hint_->setText(isPart ? item->data(0, kInsertRole).toString() : tr("Choose a piece to insert."));
+  hint_->setText(isPart ? item->data(0, kInsertRole).toString() : Say(texts_, text::ChoosePiece));
   const QSignalBlocker quiet(parameters_);
   parameters_->setRowCount(0);
   for (const frmExpressionBuilder::Parameter& parameter : builder_->Parameters()) {

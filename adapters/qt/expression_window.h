@@ -7,6 +7,7 @@
 #include <string>
 
 #include "adapters/qt/event_boundary.h"
+#include "base/phrase.h"
 #include "expression/expression_builder.h"
 #include "platform/dialogs.h"
 
@@ -34,7 +35,9 @@ class ExpressionWindow : public QDialog {
   Q_OBJECT
 
  public:
-  explicit ExpressionWindow(const ExpressionDialog& dialog, QWidget* parent = nullptr);
+  /// The language must outlive the window.
+  explicit ExpressionWindow(const ExpressionDialog& dialog, QWidget* parent = nullptr,
+                            const TextSource& texts = EnglishTexts());
 
   /// The expression on one line.
   std::string Text() const;
@@ -58,6 +61,7 @@ class ExpressionWindow : public QDialog {
   void Check();
   void ApplyColors();
 
+  const TextSource& texts_;
   Ref<frmExpressionZoom> form_;
   Ref<frmExpressionBuilder> builder_;  // nothing in the zoom
   EventBoundary boundary_;

@@ -6,6 +6,9 @@
 #include <QToolButton>
 #include <algorithm>
 
+#include "adapters/qt/say.h"
+#include "base/texts_qt.h"
+
 namespace zrqrybld {
 namespace {
 
@@ -21,10 +24,8 @@ FindBar::FindBar(QPlainTextEdit& text, std::function<void()> changed)
   hide();
   setCursor(Qt::ArrowCursor);
   setAutoFillBackground(true);
-  word_->setPlaceholderText(tr("Find"));
-  word_->setAccessibleName(tr("Find in the statement"));
   word_->setClearButtonEnabled(true);
-  const auto button = [this](Qt::ArrowType arrow, const QString& tip, auto act) {
+  const auto button = [this](Qt::ArrowType arrow, auto act) {
     auto* made = new QToolButton(this);
     made->setAutoRaise(true);
     made->setFocusPolicy(Qt::NoFocus);
@@ -33,8 +34,6 @@ FindBar::FindBar(QPlainTextEdit& text, std::function<void()> changed)
     } else {
       made->setArrowType(arrow);
     }
-    made->setToolTip(tip);
-    made->setAccessibleName(tip);
     connect(made, &QToolButton::clicked, this, act);
     return made;
   };
@@ -42,9 +41,11 @@ FindBar::FindBar(QPlainTextEdit& text, std::function<void()> changed)
   row->setContentsMargins(8, 2, 4, 2);
   row->addWidget(word_, 1);
   row->addWidget(count_);
-  row->addWidget(button(Qt::UpArrow, tr("Previous (Shift+Enter)"), [this] { Go(false); }));
-  row->addWidget(button(Qt::DownArrow, tr("Next (Enter)"), [this] { Go(true); }));
-  row->addWidget(button(Qt::NoArrow, tr("Close (Esc)"), [this] { Close(); }));
+  previous_ = button(Qt::UpArrow, [this] { Go(false); });
+  next_ = button(Qt::DownArrow, [this] { Go(true); });
+  close_ = button(Qt::NoArrow, [this] { Close(); });
+  for (QToolButton* one : {previous_, next_, close_}) row->addWidget(one);
+  SetTexts(EnglishTexts());
   setFocusProxy(word_);
   connect(word_, &QLineEdit::textChanged, this, [this] {
     Look();
@@ -55,6 +56,19 @@ FindBar::FindBar(QPlainTextEdit& text, std::function<void()> changed)
     if (!places_.isEmpty()) Go(true);
     changed_();
   });
+}
+
+void FindBar::SetTexts(const TextSource& texts) {
+  texts_ = &texts;
+  word_->setPlaceholderText(Say(texts, text::Find));
+  word_->setAccessibleName(Say(texts, text::FindInStatement));
+  const auto name = [&](QToolButton* button, TextId tip) {
+    button->setToolTip(Say(texts, tip));
+    button->setAccessibleName(button->toolTip());
+  };
+  name(previous_, text::FindPrevious);
+  name(next_, text::FindNext);
+  name(close_, text::FindClose);
 }
 
 void FindBar::Open() {
@@ -96,10 +110,10 @@ void FindBar::ShowCount() {
   if (word_->text().isEmpty()) {
     count_->clear();
   } else if (places_.isEmpty()) {
-    count_->setText(tr("not found"));
+    count_->setText(Say(*texts_, text::NotFound));
   } else {
-    count_->setText(onOne ? tr("%1 of %2").arg(here - places_.begin() + 1).arg(places_.size())
-                          : tr("%1 found").arg(places_.size()));
+    count_->setText(onOne ? Say(*texts_, text::PlaceOf, here - places_.begin() + 1, places_.size())
+                          : Say(*texts_, text::FoundCount, places_.size()));
   }
 }
 

@@ -11,6 +11,9 @@
 #include <functional>
 
 #include "adapters/qt/theme.h"
+#include "base/phrase.h"
+
+class QToolButton;
 
 namespace zrqrybld {
 
@@ -18,6 +21,9 @@ class FindBar final : public QWidget {
  public:
   /// A hidden bar; `changed` is called when it opens, closes or finds something else.
   FindBar(QPlainTextEdit& text, std::function<void()> changed);
+
+  /// Speaks this language, which must outlive the bar or the next call; the built-in texts at first.
+  void SetTexts(const TextSource& texts);
 
   /// Shows the bar with the selected word, or the one looked for last, and takes the keyboard.
   void Open();
@@ -38,10 +44,14 @@ class FindBar final : public QWidget {
   void Look();
   void ShowCount();
 
+  const TextSource* texts_ = nullptr;
   QPlainTextEdit& text_;
   std::function<void()> changed_;
   QLineEdit* word_;
   QLabel* count_;
+  QToolButton* previous_;
+  QToolButton* next_;
+  QToolButton* close_;
   QList<int> places_;
 };
 

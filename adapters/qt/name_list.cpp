@@ -34,7 +34,8 @@ class RowDelegate final : public QStyledItemDelegate {
 
 }  // namespace
 
-NameList::NameList(QString emptyText, QWidget* parent) : QListView(parent), emptyText_(std::move(emptyText)) {
+NameList::NameList(QString emptyText, QString filteredText, QWidget* parent)
+    : QListView(parent), emptyText_(std::move(emptyText)), filteredText_(std::move(filteredText)) {
   setSelectionMode(ExtendedSelection);
   setEditTriggers(NoEditTriggers);
   setUniformItemSizes(true);  // ten thousand names are not measured one by one
@@ -63,7 +64,7 @@ void NameList::paintEvent(QPaintEvent* event) {
   QPainter painter(viewport());
   painter.setPen(Theme(palette()).Of(ColorRole::QuietText));
   painter.drawText(viewport()->rect().adjusted(16, 16, -16, -16), Qt::AlignCenter | Qt::TextWordWrap,
-                   filteredOut ? tr("No name contains this text.") : emptyText_);
+                   filteredOut ? filteredText_ : emptyText_);
 }
 
 }  // namespace zrqrybld

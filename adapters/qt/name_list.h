@@ -12,7 +12,8 @@ class NameList : public QListView {
 
  public:
   /// `emptyText` says that there are no names at all.
-  explicit NameList(QString emptyText, QWidget* parent = nullptr);
+  /// `filteredText` that none fits the filter.
+  NameList(QString emptyText, QString filteredText, QWidget* parent = nullptr);
 
   /// An event of the filter's line edit: the keys that walk a list walk this one. Returns whether it was one.
   bool WalkFromFilter(QEvent& event);
@@ -22,6 +23,7 @@ class NameList : public QListView {
 
  private:
   QString emptyText_;
+  QString filteredText_;
 };
 
 }  // namespace zrqrybld

@@ -20,8 +20,10 @@
 #include "adapters/qt/mark.h"
 #include "adapters/qt/qt_text.h"
 #include "adapters/qt/qt_text_area.h"
+#include "adapters/qt/say.h"
 #include "adapters/qt/sql_highlighter.h"
 #include "adapters/qt/theme.h"
+#include "base/texts_qt.h"
 #include "platform/schema_fields.h"
 
 namespace zrqrybld {
@@ -91,8 +93,13 @@ class CalendarIcon final : public QIconEngine {
 
 QWidget* ParametersWindow::Editor::Widget() const { return line ? static_cast<QWidget*>(line) : choice; }
 
-ParametersWindow::ParametersWindow(const ParametersDialog& dialog, QWidget* parent)
-    : QDialog(parent), dialog_(dialog), statement_(new QtTextArea), mark_(new Mark), message_(new QLabel) {
+ParametersWindow::ParametersWindow(const ParametersDialog& dialog, QWidget* parent, const TextSource& texts)
+    : QDialog(parent),
+      texts_(texts),
+      dialog_(dialog),
+      statement_(new QtTextArea),
+      mark_(new Mark),
+      message_(new QLabel) {
   setWindowTitle(ToQString(dialog_.caption));
 
   statement_->SetReadOnly(true);
@@ -181,9 +188,10 @@ ParametersWindow::Editor ParametersWindow::MakeEditor(const ParameterField& fiel
   if (kind == ValueKind::Boolean) {
     editor.choice = new QComboBox;
     const QString fallback = ToQString(field.fallback);
-    editor.choice->addItem(fallback.isEmpty() ? tr("Choose yes or no") : tr("%1 (default)").arg(fallback), QString());
-    editor.choice->addItem(tr("Yes"), QStringLiteral("yes"));
-    editor.choice->addItem(tr("No"), QStringLiteral("no"));
+    editor.choice->addItem(
+        fallback.isEmpty() ? Say(texts_, text::ChooseYesOrNo) : Say(texts_, text::DefaultValue, fallback), QString());
+    editor.choice->addItem(Say(texts_, text::Yes), QStringLiteral("yes"));
+    editor.choice->addItem(Say(texts_, text::No), QStringLiteral("no"));
     // What was given may be another word for either.
     const QString given = ToQString(field.value).trimmed().toLower();
     constexpr const char* kYes[] = {"yes", "true", "on", "1", "-1"};
@@ -194,7 +202,8 @@ ParametersWindow::Editor ParametersWindow::MakeEditor(const ParameterField& fiel
   }
   editor.line = new QLineEdit(ToQString(field.value));
   editor.line->setMinimumWidth(fontMetrics().averageCharWidth() * kCharacters);
-  if (!field.fallback.empty()) editor.line->setPlaceholderText(tr("%1 (default)").arg(ToQString(field.fallback)));
+  if (!field.fallback.empty())
+    editor.line->setPlaceholderText(Say(texts_, text::DefaultValue, ToQString(field.fallback)));
   if (kind == ValueKind::Number) editor.line->setInputMethodHints(Qt::ImhFormattedNumbersOnly);
   const bool isTime = field.dataType == static_cast<std::int32_t>(DataTypeCode::DbTime);
   if (kind == ValueKind::Date && !isTime) AddCalendar(*editor.line);
@@ -206,7 +215,7 @@ ParametersWindow::Editor ParametersWindow::MakeEditor(const ParameterField& fiel
 // A date can be typed in any form that criteria take; the calendar writes one that cannot be misread.
 void ParametersWindow::AddCalendar(QLineEdit& line) {
   QAction* open = line.addAction(QIcon(new CalendarIcon), QLineEdit::TrailingPosition);
-  open->setToolTip(tr("Choose from a calendar (Alt+Down)"));
+  open->setToolTip(Say(texts_, text::Calendar));
   open->setShortcut(Qt::ALT | Qt::Key_Down);
   open->setShortcutContext(Qt::WidgetShortcut);
   connect(open, &QAction::triggered, &line, [&line] {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "adapters/qt/event_boundary.h"
+#include "base/phrase.h"
 #include "platform/dialogs.h"
 
 class QComboBox;
@@ -23,7 +24,9 @@ class ParametersWindow : public QDialog {
   Q_OBJECT
 
  public:
-  explicit ParametersWindow(const ParametersDialog& dialog, QWidget* parent = nullptr);
+  /// The language must outlive the window.
+  explicit ParametersWindow(const ParametersDialog& dialog, QWidget* parent = nullptr,
+                            const TextSource& texts = EnglishTexts());
 
   /// What stands in the fields now.
   std::vector<std::string> Values() const;
@@ -41,6 +44,7 @@ class ParametersWindow : public QDialog {
   void AddCalendar(QLineEdit& line);
   void Check();
 
+  const TextSource& texts_;
   ParametersDialog dialog_;
   EventBoundary boundary_;
   std::vector<Editor> editors_;

@@ -12,6 +12,7 @@
 #include "adapters/qt/qt_text.h"
 #include "adapters/qt/tables_window.h"
 #include "adapters/qt/text_window.h"
+#include "base/error.h"
 
 namespace zrqrybld {
 namespace {
@@ -66,9 +67,9 @@ void QtDialogs::ShowWhenReleased(const std::string& text, MessageIcon icon) {
 }
 
 void QtDialogs::ShowTables(const TablesDialog& dialog) {
-  TablesWindow window(dialog, ParentForDialog());
+  TablesWindow window(dialog, ParentForDialog(), toolkit_.Texts());
   window.SetErrorHandler(errorHandler_ ? errorHandler_ : [this](const std::exception& error) {
-    ShowMessage(error.what(), MessageIcon::Critical);
+    ShowMessage(PhraseOf(error).In(toolkit_.Texts()), MessageIcon::Critical);
   });
   window.exec();
 }
@@ -82,14 +83,14 @@ bool QtDialogs::ShowJoinProperties(JoinDialog& dialog) {
 }
 
 bool QtDialogs::ShowExpression(ExpressionDialog& dialog) {
-  ExpressionWindow window(dialog, ParentForDialog());
+  ExpressionWindow window(dialog, ParentForDialog(), toolkit_.Texts());
   if (window.exec() != QDialog::Accepted) return false;
   dialog.text = window.Text();
   return true;
 }
 
 std::string QtDialogs::ShowConnectionPrompt(const ConnectionDialog& dialog) {
-  ConnectionWindow window(dialog, ParentForDialog());
+  ConnectionWindow window(dialog, ParentForDialog(), toolkit_.Texts());
   return window.exec() == QDialog::Accepted ? window.Text() : std::string();
 }
 
@@ -117,7 +118,7 @@ std::optional<std::string> QtDialogs::ShowTextPrompt(const TextDialog& dialog) {
 }
 
 bool QtDialogs::ShowParameters(ParametersDialog& dialog) {
-  ParametersWindow window(dialog, ParentForDialog());
+  ParametersWindow window(dialog, ParentForDialog(), toolkit_.Texts());
   if (window.exec() != QDialog::Accepted) return false;
   const std::vector<std::string> values = window.Values();
   for (std::size_t i = 0; i < values.size(); ++i) dialog.fields[i].value = values[i];

@@ -6,14 +6,15 @@
 #include <QWidget>
 
 #include "adapters/qt/event_boundary.h"
-#include "platform/dialogs.h"
+#include "platform/toolkit.h"
 
 namespace zrqrybld {
 
 class QtDialogs final : public Dialogs {
  public:
-  /// `parent` is the window over which dialogs appear; the active window when it is nothing.
-  explicit QtDialogs(QWidget* parent = nullptr) : parent_(parent) {}
+  /// `parent` is the window over which dialogs appear; the active window when it is nothing. They speak the toolkit's
+  /// language, which must outlive them.
+  explicit QtDialogs(const Toolkit& toolkit, QWidget* parent = nullptr) : toolkit_(toolkit), parent_(parent) {}
 
   /// Failures while tables are added go here instead of into a message.
   void SetErrorHandler(ErrorHandler handler) { errorHandler_ = std::move(handler); }
@@ -34,6 +35,7 @@ class QtDialogs final : public Dialogs {
 
   void ShowWhenReleased(const std::string& text, MessageIcon icon);
 
+  const Toolkit& toolkit_;
   QPointer<QWidget> parent_;
   QObject soon_;  // messages to be shown soon go with this object
   ErrorHandler errorHandler_;

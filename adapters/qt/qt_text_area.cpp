@@ -22,7 +22,9 @@
 #include "adapters/qt/plain_tip.h"
 #include "adapters/qt/qt_input.h"
 #include "adapters/qt/qt_text.h"
+#include "adapters/qt/say.h"
 #include "base/text.h"
+#include "base/texts_qt.h"
 
 namespace zrqrybld {
 namespace {
@@ -153,7 +155,7 @@ class QtTextArea::RemarkLine final : public QWidget {
     PaintSign(painter, sign, theme);
     const int left = static_cast<int>(sign.right()) + kMarginPadding;
     QString more;
-    if (remarks_.size() > 1) more = tr("   + %1 more").arg(remarks_.size() - 1);
+    if (remarks_.size() > 1) more = Say(area_.Texts(), text::MoreRemarks, remarks_.size() - 1);
     const int room = buttonsLeft_ - left - kMarginPadding - fontMetrics().horizontalAdvance(more);
     painter.setPen(theme.Of(ColorRole::QuietText));
     painter.drawText(QRect(left, 0, width() - left, height()), Qt::AlignVCenter | Qt::TextSingleLine,
@@ -473,10 +475,15 @@ void QtTextArea::keyReleaseEvent(QKeyEvent* event) {
   QPlainTextEdit::keyReleaseEvent(event);
 }
 
+void QtTextArea::SetTexts(std::shared_ptr<const TextSource> texts) {
+  texts_ = std::move(texts);
+  find_->SetTexts(Texts());
+}
+
 void QtTextArea::contextMenuEvent(QContextMenuEvent* event) {
   const std::unique_ptr<QMenu> menu(createStandardContextMenu());
   menu->addSeparator();
-  menu->addAction(tr("Find\u2026"), QKeySequence::Find, find_, [this] { find_->Open(); });
+  menu->addAction(Say(Texts(), text::FindEllipsis), QKeySequence::Find, find_, [this] { find_->Open(); });
   menu->exec(event->globalPos());
 }
 

@@ -14,6 +14,7 @@
 
 #include "adapters/qt/event_boundary.h"
 #include "adapters/qt/theme.h"
+#include "base/phrase.h"
 #include "platform/editors.h"
 
 namespace zrqrybld {
@@ -55,6 +56,10 @@ class QtTextArea : public QPlainTextEdit, public TextArea {
 
   /// Colours the text from now on; an empty function stops that.
   void SetHighlighter(Highlighter highlighter);
+
+  /// The language of its menu and of the bar that finds words; the built-in texts at first, and with nothing.
+  void SetTexts(std::shared_ptr<const TextSource> texts);
+  const TextSource& Texts() const { return texts_ ? *texts_ : EnglishTexts(); }
 
   /// Takes a whole text and the place of a bracket in it, in bytes; gives that place and its partner's.
   using BracketFinder =
@@ -116,6 +121,7 @@ class QtTextArea : public QPlainTextEdit, public TextArea {
   Margin* margin_ = nullptr;
   RemarkLine* remarks_ = nullptr;
   FindBar* find_ = nullptr;
+  std::shared_ptr<const TextSource> texts_;
   bool lineNumbers_ = true;
   bool settingText_ = false;
   bool updatingFont_ = false;

@@ -6,7 +6,7 @@
 
 namespace zrqrybld {
 
-QtToolkit::QtToolkit(QWidget* parent) : dialogs_(parent) { SetFiles(SystemFiles()); }
+QtToolkit::QtToolkit(QWidget* parent) : dialogs_(*this, parent) { SetFiles(SystemFiles()); }
 
 QtToolkit::~QtToolkit() {
   while (busyDepth_ > 0) SetBusyPointer(false);

@@ -7,7 +7,10 @@
 
 #include "adapters/qt/change_announcer.h"
 #include "adapters/qt/predictive_text.h"
+#include "adapters/qt/say.h"
+#include "adapters/qt/shortcuts.h"
 #include "adapters/qt/sql_highlighter.h"
+#include "base/texts_qt.h"
 #include "sql/brackets.h"
 
 namespace zrqrybld {
@@ -56,19 +59,25 @@ QueryDesignerWidget::QueryDesignerWidget(QWidget* parent)
     shortcut->setContext(Qt::WidgetWithChildrenShortcut);
     connect(shortcut, &QShortcut::activated, this, [this, direction] { FocusPane(direction); });
   };
-  onKey(QKeySequence(Qt::Key_F6), 1);
-  onKey(QKeySequence(Qt::SHIFT | Qt::Key_F6), -1);
+  onKey(ShortcutOf(Command::NextPane), 1);
+  onKey(ShortcutOf(Command::PreviousPane), -1);
 
   announcer_ = new ChangeAnnouncer(*hub_, this);
-  sql_->setAccessibleName(tr("SQL statement"));
+  ApplyTexts();
+  texts_ = hub_->TextsChanged.Connect([this] { ApplyTexts(); });
 
   // An error from a pane is a message for its user, not a lost exception.
   const auto show = [this](const std::exception& error) {
-    toolkit_->GetDialogs().ShowMessage(error.what(), MessageIcon::Critical);
+    toolkit_->GetDialogs().ShowMessage(hub_->Say(error), MessageIcon::Critical);
   };
   diagram_->SetErrorHandler(show);
   grid_->SetErrorHandler(show);
   sql_->SetErrorHandler(show);
+}
+
+void QueryDesignerWidget::ApplyTexts() {
+  sql_->SetTexts(hub_->Texts());
+  sql_->setAccessibleName(Say(*hub_->Texts(), text::SqlName));
 }
 
 void QueryDesignerWidget::FocusPane(int direction) {

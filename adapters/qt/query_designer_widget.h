@@ -37,12 +37,15 @@ class QueryDesignerWidget : public QSplitter {
   QtTextArea& SqlView() const { return *sql_; }
 
  private:
+  void ApplyTexts();
+
   std::shared_ptr<QtToolkit> toolkit_;
   Ref<qbQueryBuilder> hub_;
   ControlWidget* diagram_;
   ControlWidget* grid_;
   QtTextArea* sql_;
   ChangeAnnouncer* announcer_;
+  EventConnection texts_;
 };
 
 }  // namespace zrqrybld

@@ -15,27 +15,30 @@
 
 #include "adapters/qt/name_list.h"
 #include "adapters/qt/qt_text.h"
+#include "adapters/qt/say.h"
+#include "base/texts_qt.h"
 
 namespace zrqrybld {
 
-TablesWindow::TablesWindow(const TablesDialog& dialog, QWidget* parent) : QDialog(parent), dialog_(dialog) {
+TablesWindow::TablesWindow(const TablesDialog& dialog, QWidget* parent, const TextSource& texts)
+    : QDialog(parent), texts_(texts), dialog_(dialog) {
   setWindowTitle(ToQString(dialog_.caption));
 
   filter_ = new QLineEdit;
-  filter_->setPlaceholderText(tr("Filter by name"));
-  filter_->setAccessibleName(tr("Filter by name"));
+  filter_->setPlaceholderText(Say(texts_, text::FilterByName));
+  filter_->setAccessibleName(Say(texts_, text::FilterByName));
   filter_->setClearButtonEnabled(true);
   filter_->installEventFilter(this);
 
   tabs_ = new QTabWidget;
   tabs_->setDocumentMode(true);
-  pages_.push_back(AddPage(dialog_.tablesTab, dialog_.tables, tr("There are no tables.")));
-  pages_.push_back(AddPage(dialog_.viewsTab, dialog_.views, tr("There are no views.")));
+  pages_.push_back(AddPage(dialog_.tablesTab, dialog_.tables, Say(texts_, text::NoTables)));
+  pages_.push_back(AddPage(dialog_.viewsTab, dialog_.views, Say(texts_, text::NoViews)));
 
   counts_ = new QLabel;
   add_ = new QPushButton(ToQString(dialog_.addButton));
   add_->setDefault(true);
-  addAndClose_ = new QPushButton(tr("Add an&d Close"));
+  addAndClose_ = new QPushButton(Say(texts_, text::AddAndClose));
   auto* close = new QPushButton(ToQString(dialog_.closeButton));
   auto* buttons = new QHBoxLayout;
   buttons->addStretch();
@@ -66,7 +69,7 @@ TablesWindow::TablesWindow(const TablesDialog& dialog, QWidget* parent) : QDialo
 
 TablesWindow::Page TablesWindow::AddPage(const std::string& caption, const std::vector<std::string>& names,
                                          const QString& emptyText) {
-  auto* list = new NameList(emptyText);
+  auto* list = new NameList(emptyText, Say(texts_, text::NoNameContains));
   auto* filtered = new QSortFilterProxyModel(list);
   filtered->setFilterCaseSensitivity(Qt::CaseInsensitive);
   filtered->setSourceModel(new QStringListModel(ToQStringList(names), filtered));
@@ -124,14 +127,14 @@ bool TablesWindow::AddSelected() {
       constexpr int kMilliseconds = 100;
       if (count == names.size() || shown.elapsed() < kMilliseconds) return;
       shown.restart();
-      counts_->setText(tr("Adding %1 of %2...").arg(count + 1).arg(names.size()));
+      counts_->setText(Say(texts_, text::AddingOf, count + 1, names.size()));
       counts_->repaint();  // the diagram behind it follows when all are there
     });
   });
   if (!ran) return false;
-  lastAction_ = added < names.size() ? tr("%1 of %2 were added.").arg(added).arg(names.size())
-                : added == 1         ? tr("%1 was added.").arg(ToQString(names.front()))
-                                     : tr("%1 were added.").arg(added);
+  lastAction_ = added < names.size() ? Say(texts_, text::SomeWereAdded, added, names.size())
+                : added == 1         ? Say(texts_, text::OneWasAdded, ToQString(names.front()))
+                                     : Say(texts_, text::WereAdded, added);
   ShowCounts();
   filter_->selectAll();  // the next table's name replaces the text
   return added == names.size();
@@ -142,11 +145,12 @@ void TablesWindow::ShowCounts() {
   const auto selected = page.list->selectionModel()->selectedIndexes().size();
   const int shown = page.filtered->rowCount();
   const auto total = static_cast<qulonglong>(page.names->size());
-  QString text = filter_->text().isEmpty() ? tr("%1 names").arg(total) : tr("%1 of %2 names").arg(shown).arg(total);
+  QString text =
+      filter_->text().isEmpty() ? Say(texts_, text::NameCount, total) : Say(texts_, text::NameCountOf, shown, total);
   if (!lastAction_.isEmpty()) {
     text += QStringLiteral(" · ") + lastAction_;
   } else if (selected > 0) {
-    text += QStringLiteral(" · ") + tr("%1 selected").arg(selected);
+    text += QStringLiteral(" · ") + Say(texts_, text::SelectedCount, selected);
   }
   counts_->setText(text);
   add_->setEnabled(selected > 0);

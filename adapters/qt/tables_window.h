@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "adapters/qt/event_boundary.h"
+#include "base/phrase.h"
 #include "platform/dialogs.h"
 
 class QLabel;
@@ -23,7 +24,9 @@ class TablesWindow : public QDialog {
   Q_OBJECT
 
  public:
-  explicit TablesWindow(const TablesDialog& dialog, QWidget* parent = nullptr);
+  /// The language must outlive the window.
+  explicit TablesWindow(const TablesDialog& dialog, QWidget* parent = nullptr,
+                        const TextSource& texts = EnglishTexts());
 
   /// Failures of the core while it adds go here instead of into a warning.
   void SetErrorHandler(ErrorHandler handler) { boundary_.SetHandler(std::move(handler)); }
@@ -47,6 +50,7 @@ class TablesWindow : public QDialog {
   bool AddSelected();
   void ShowCounts();
 
+  const TextSource& texts_;
   TablesDialog dialog_;
   EventBoundary boundary_;
   QLineEdit* filter_;

@@ -16,8 +16,11 @@
 #include <type_traits>
 #include <utility>
 
+#include "adapters/qt/say.h"
 #include "base/detached_call.h"
 #include "base/error.h"
+#include "base/texts_platform.h"
+#include "base/texts_qt.h"
 
 namespace zrqrybld {
 namespace {
@@ -33,16 +36,18 @@ int g_waiting = 0;  // the window's thread only
 // Waits up to the time; true when there is an answer.
 using Answered = std::function<bool(milliseconds)>;
 
+using Language = std::shared_ptr<const TextSource>;  // nothing for the built-in texts
+
 class WaitWindow final : public QDialog {
  public:
-  explicit WaitWindow(const Answered& answered) : QDialog(QApplication::activeWindow()) {
+  WaitWindow(const Answered& answered, const TextSource& texts) : QDialog(QApplication::activeWindow()) {
     setWindowTitle(QApplication::applicationDisplayName());
-    auto* label = new QLabel(tr("Asking the data source..."));
+    auto* label = new QLabel(Say(texts, text::AskingSource));
     auto* bar = new QProgressBar;
     bar->setRange(0, 0);
     bar->setTextVisible(false);
     bar->setAccessibleName(label->text());
-    auto* stop = new QPushButton(tr("&Stop"));
+    auto* stop = new QPushButton(Say(texts, text::StopButton));
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(label);
     layout->addWidget(bar);
@@ -58,7 +63,7 @@ class WaitWindow final : public QDialog {
 };
 
 // False when the user has stopped it.
-bool WaitFor(const Answered& answered) {
+bool WaitFor(const Answered& answered, const TextSource& texts) {
   if (answered(kQuiet)) return true;
   const bool hasWindow = qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr &&
                          QThread::currentThread() == QCoreApplication::instance()->thread();
@@ -68,7 +73,7 @@ bool WaitFor(const Answered& answered) {
     return true;
   }
   ++g_waiting;
-  WaitWindow window(answered);
+  WaitWindow window(answered, texts);
   window.exec();
   --g_waiting;
   return answered(milliseconds(0));
@@ -76,17 +81,19 @@ bool WaitFor(const Answered& answered) {
 
 // What the question answers. `question` owns all that it uses.
 template <class Question>
-auto AskAside(Question question) {
+auto AskAside(const Language& texts, Question question) {
   auto result = CallDetached(std::move(question));
   const bool answered =
-      WaitFor([&result](milliseconds time) { return result.wait_for(time) == std::future_status::ready; });
-  if (!answered) throw Error(ErrorConnectionFailed, "The question to the data source was stopped.");
+      WaitFor([&result](milliseconds time) { return result.wait_for(time) == std::future_status::ready; },
+              texts ? *texts : EnglishTexts());
+  if (!answered) throw Error(ErrorConnectionFailed, text::QuestionStopped);
   return result.get();
 }
 
 class WaitingSession final : public Session {
  public:
-  explicit WaitingSession(std::shared_ptr<Session> session) : session_(std::move(session)) {}
+  WaitingSession(std::shared_ptr<Session> session, Language texts)
+      : session_(std::move(session)), texts_(std::move(texts)) {}
 
   std::unique_ptr<RowSet> OpenSchema(SchemaKind kind, const SchemaRestrictions& restrictions) override {
     return Ask([kind, restrictions](Session& session) { return session.OpenSchema(kind, restrictions); });
@@ -116,48 +123,54 @@ class WaitingSession final : public Session {
   // Taken out while it is asked: nobody else may ask it meanwhile, and one that is stopped is not given back.
   template <class Question>
   auto Ask(Question question) const -> std::invoke_result_t<Question, Session&> {
-    if (!session_) throw Error(ErrorConnectionClosed, "The connection is closed.");
+    if (!session_) throw Error(ErrorConnectionClosed, text::ConnectionIsClosed);
     const std::shared_ptr<Session> session = session_;
     session_.reset();
     const auto returns = [&] { session_ = session; };
     try {
-      auto answer = AskAside([session, question] { return Tried(question, *session); });
+      auto answer = AskAside(texts_, [session, question] { return Tried(question, *session); });
       returns();
       if (answer.failure) std::rethrow_exception(answer.failure);
       return std::move(answer.value);
     } catch (const std::system_error& error) {
       returns();
-      throw Error(ErrorConnectionFailed, error.what());
+      throw Error(ErrorConnectionFailed, PhraseOf(error));
     }
   }
 
   mutable std::shared_ptr<Session> session_;  // none while it is asked, and when it was stopped
+  Language texts_;
 };
 
 class WaitingProvider final : public Provider {
  public:
-  explicit WaitingProvider(std::shared_ptr<Provider> provider) : provider_(std::move(provider)) {}
+  WaitingProvider(std::shared_ptr<Provider> provider, Language texts)
+      : provider_(std::move(provider)), texts_(std::move(texts)) {}
 
   std::string_view Name() const override { return provider_->Name(); }
   bool Accepts(const ConnectionString& connectionString) const override { return provider_->Accepts(connectionString); }
   std::unique_ptr<Session> Open(const ConnectionString& connectionString, std::string_view user,
                                 std::string_view password) override {
     return std::make_unique<WaitingSession>(
-        AskAside([provider = provider_, connectionString, user = std::string(user), password = std::string(password)] {
-          return std::shared_ptr<Session>(provider->Open(connectionString, user, password));
-        }));
+        AskAside(texts_,
+                 [provider = provider_, connectionString, user = std::string(user), password = std::string(password)] {
+                   return std::shared_ptr<Session>(provider->Open(connectionString, user, password));
+                 }),
+        texts_);
   }
   std::vector<DataSourceName> DataSources() override { return provider_->DataSources(); }
   std::vector<std::string> Drivers() override { return provider_->Drivers(); }
 
  private:
   std::shared_ptr<Provider> provider_;
+  Language texts_;
 };
 
 }  // namespace
 
-std::shared_ptr<Provider> MakeWaitingProvider(std::shared_ptr<Provider> provider) {
-  return std::make_shared<WaitingProvider>(std::move(provider));
+std::shared_ptr<Provider> MakeWaitingProvider(std::shared_ptr<Provider> provider,
+                                              std::shared_ptr<const TextSource> texts) {
+  return std::make_shared<WaitingProvider>(std::move(provider), std::move(texts));
 }
 
 bool IsWaitingForSource() { return g_waiting > 0; }

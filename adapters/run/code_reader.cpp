@@ -4,6 +4,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_run.h"
 
 namespace zrqrybld {
 namespace {
@@ -12,9 +13,7 @@ bool IsControl(char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7
 
 }  // namespace
 
-void RefuseStatement(std::string reason, std::size_t offset) {
-  throw Error(ErrorParsingText, std::move(reason), offset);
-}
+void RefuseStatement(Phrase reason, std::size_t offset) { throw Error(ErrorParsingText, std::move(reason), offset); }
 
 CodeReader::CodeReader(std::string_view text, const KnownReading& reading)
     : text_(text), family_(reading.family), reading_(reading.text) {
@@ -36,18 +35,18 @@ bool CodeReader::Next(Piece& piece) {
 void CodeReader::RequireClear(const SourceToken& token) const {
   switch (token.part) {
     case SourcePart::CodeComment:
-      RefuseStatement("What stands in this comment is run by some servers. Write it without the comment.", token.begin);
+      RefuseStatement(text::RunByComment, token.begin);
     case SourcePart::Comment:
       if (token.end > token.begin + 2 && IsControl(text_[token.begin + 2]) && !IsWhite(text_[token.begin + 2])) {
-        RefuseStatement("A control character stands where a comment begins.", token.begin + 2);
+        RefuseStatement(text::ControlInComment, token.begin + 2);
       }
       return;
     case SourcePart::Name:
       if (!token.unicode) return;
-      RefuseStatement("Write this name in plain quotes: what it means cannot be told.", token.begin);
+      RefuseStatement(text::NameUnclear, token.begin);
     case SourcePart::Raw:
       if (text_[token.begin] == '$') return;
-      RefuseStatement("Write this literal between plain apostrophes.", text_.find('\'', token.begin));
+      RefuseStatement(text::LiteralUnclear, text_.find('\'', token.begin));
     case SourcePart::Code:
       return RequireClearCode(token.begin);
     default:
@@ -56,9 +55,9 @@ void CodeReader::RequireClear(const SourceToken& token) const {
 }
 
 void CodeReader::RequireClearCode(std::size_t begin) const {
-  if (IsControl(text_[begin])) RefuseStatement("A control character stands between the words here.", begin);
+  if (IsControl(text_[begin])) RefuseStatement(text::ControlInCode, begin);
   if (family_ == SourceFamily::Sqlite && IsLongVariable(begin)) {
-    RefuseStatement("A variable has no value here.", begin);
+    RefuseStatement(text::VariableWithoutValue, begin);
   }
 }
 
@@ -91,7 +90,7 @@ std::size_t CodeReader::EndOfNumber(std::size_t begin) const {
       skip(IsDigit);
     }
   }
-  if (IsWordByte(here()) || here() == '\'' || here() == '$') RefuseStatement("Put a blank behind the number.", end);
+  if (IsWordByte(here()) || here() == '\'' || here() == '$') RefuseStatement(text::BlankBehindNumber, end);
   return end;
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/phrase.h"
 #include "platform/text_reading.h"
 #include "sql/source_lexer.h"
 
@@ -16,7 +17,7 @@ struct Piece {
 };
 
 /// Error 40002 with the place.
-[[noreturn]] void RefuseStatement(std::string reason, std::size_t offset);
+[[noreturn]] void RefuseStatement(Phrase reason, std::size_t offset);
 
 /// Reads a text in one way. What cannot be told in that way, or means code where it looks like none, is error 40002
 /// with its place: comments that are run, names and literals that only the server can unwrap, control characters.

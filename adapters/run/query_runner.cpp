@@ -5,6 +5,7 @@
 #include "adapters/run/error_place.h"
 #include "adapters/run/source_sql.h"
 #include "base/error.h"
+#include "base/texts_run.h"
 
 namespace zrqrybld {
 namespace {
@@ -27,7 +28,7 @@ std::vector<std::string> QueryRunner::Execute(std::string_view sql, const Dialec
     return Start(StatementToSend(sql, mode));
   } catch (const Error& error) {
     if (error.Offset()) throw;
-    throw Error(error.Number(), error.Description(), FindErrorPlace(error.Description(), sql));
+    throw Error(error.Number(), error.What(), FindErrorPlace(error.Description(), sql));
   }
 }
 
@@ -66,7 +67,7 @@ ResultValue BinaryValue(std::string_view beginning, std::int64_t size) {
   constexpr std::string_view kHex = "0123456789ABCDEF";
   const std::string_view shown = beginning.substr(0, kShownBytes);
   const bool cut = size < 0 || static_cast<std::size_t>(size) > shown.size();
-  std::string text = size < 0 ? "" : std::to_string(size) + (size == 1 ? " byte" : " bytes");
+  std::string text = size < 0 ? "" : Phrase(size == 1 ? text::OneByte : text::Bytes, size).English();
   if (!shown.empty()) text += text.empty() ? "0x" : "  0x";
   for (const char c : shown) {
     const auto byte = static_cast<unsigned char>(c);

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "adapters/run/source_mode.h"
+#include "base/texts_run.h"
 #include "sql/dialect.h"
 
 namespace zrqrybld {
@@ -35,7 +36,7 @@ using ResultRow = std::vector<ResultValue>;
 /// What ends a call after `Stop`.
 class QueryStopped : public std::runtime_error {
  public:
-  QueryStopped() : std::runtime_error("The statement was stopped.") {}
+  QueryStopped() : std::runtime_error(Phrase(text::StatementStopped).English()) {}
 };
 
 /// A row that is read, within bounds: the last values of a row that is too large are cut short.

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "base/text.h"
+#include "base/texts_run.h"
 
 namespace zrqrybld {
 namespace {
@@ -22,15 +23,15 @@ struct Effects {
   SourceFamily family;
   Place place;
   std::string_view names;  // separated by blanks; a star at the end stands for any ending
-  std::string_view what;   // what they do
+  TextId what;             // what is said of them
 };
 
-constexpr std::string_view kFiles = "reads or writes files or devices of the server";
-constexpr std::string_view kLocks = "takes or gives back locks that others wait for";
-constexpr std::string_view kSessions = "ends, wakes or disturbs other sessions or the server";
-constexpr std::string_view kTexts = "runs a text as a statement";
-constexpr std::string_view kState = "changes counters, variables or settings";
-constexpr std::string_view kElsewhere = "reaches other machines or programs";
+constexpr TextId kFiles = text::ReachesFiles;
+constexpr TextId kLocks = text::TakesLocks;
+constexpr TextId kSessions = text::DisturbsSessions;
+constexpr TextId kTexts = text::RunsTexts;
+constexpr TextId kState = text::ChangesState;
+constexpr TextId kElsewhere = text::ReachesElsewhere;
 
 constexpr Effects kEffects[] = {
     {SourceFamily::PostgreSql, Place::Call,
@@ -129,7 +130,7 @@ const Effects* Find(SourceFamily family, Place place, std::string_view name) {
 
 void RefuseIf(const Effects* effects, std::string_view name, std::size_t offset) {
   if (effects == nullptr) return;
-  RefuseStatement(std::string(name) + " is not run: it " + std::string(effects->what) + ".", offset);
+  RefuseStatement({effects->what, name}, offset);
 }
 
 }  // namespace
@@ -146,7 +147,7 @@ void EffectFinder::Add(const Piece& piece) {
   }
   if (word) RefuseIf(Find(family_, Place::Word, piece.text), piece.text, piece.offset);
   if (word && family_ == SourceFamily::SqlServer && Lists(kStatements, piece.text)) {
-    RefuseStatement("Only one statement is run.", piece.offset);
+    RefuseStatement(text::OnlyOneStatement, piece.offset);
   }
   before_ = piece;
 }

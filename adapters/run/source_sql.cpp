@@ -10,6 +10,7 @@
 #include "adapters/run/code_reader.h"
 #include "adapters/run/source_effects.h"
 #include "base/text.h"
+#include "base/texts_run.h"
 #include "sql/lexer.h"
 
 namespace zrqrybld {
@@ -27,21 +28,21 @@ void RequireOneSelectAs(std::string_view sql, const KnownReading& reading) {
   Piece piece;
   bool any = reader.Next(piece);
   while (any && piece.text == "(") any = reader.Next(piece);
-  if (!any) RefuseStatement("There is no statement to run.", 0);
-  if (!EqualsNoCase(piece.text, "SELECT")) RefuseStatement("Only a SELECT statement is run.", piece.offset);
+  if (!any) RefuseStatement(text::NothingToRun, 0);
+  if (!EqualsNoCase(piece.text, "SELECT")) RefuseStatement(text::OnlySelectStatement, piece.offset);
   bool atStart = true;  // of the select list
   bool ended = false;
   Piece before = piece;
   Piece beforeThat;
   while (reader.Next(piece)) {
-    if (ended) RefuseStatement("Only one statement is run.", piece.offset);
+    if (ended) RefuseStatement(text::OnlyOneStatement, piece.offset);
     ended = piece.text == ";";
     if (EqualsNoCase(piece.text, "INTO") && !IsMember(beforeThat, before, piece)) {
-      RefuseStatement("A SELECT with INTO writes, so it is not run.", piece.offset);
+      RefuseStatement(text::SelectInto, piece.offset);
     }
     effects.Add(piece);
     if (atStart && EqualsNoCase(piece.text, "FROM")) {
-      RefuseStatement("The query has no column yet. Tick one in the diagram.", piece.offset);
+      RefuseStatement(text::NoColumnYet, piece.offset);
     }
     atStart = atStart && (EqualsNoCase(piece.text, "DISTINCT") || EqualsNoCase(piece.text, "ALL"));
     beforeThat = before;
@@ -52,13 +53,12 @@ void RequireOneSelectAs(std::string_view sql, const KnownReading& reading) {
 // What a server may take for another text than the one that is looked at.
 void RequireTransparent(std::string_view sql, const SourceMode& mode) {
   if (const std::size_t zero = sql.find('\0'); zero != std::string_view::npos) {
-    RefuseStatement("The statement holds a zero character.", zero);
+    RefuseStatement(text::ZeroInStatement, zero);
   }
   if (mode.unicode) return;
   const auto beyond = std::ranges::find_if(sql, [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
   if (beyond == sql.end()) return;
-  RefuseStatement("The connection's character set is not UTF-8: what this character becomes there cannot be told.",
-                  static_cast<std::size_t>(beyond - sql.begin()));
+  RefuseStatement(text::CharacterSetUnclear, static_cast<std::size_t>(beyond - sql.begin()));
 }
 
 // --- Semicolons in another way ---
@@ -104,7 +104,8 @@ std::vector<Token> CodeTokens(std::string_view sql) {
 struct Construct {
   std::string_view words;               // separated by blanks; "0" stands for any number, "#" for a date
   std::span<const SourceFamily> known;  // who understands it
-  std::string_view what;                // how a message names it
+  TextId what;                          // how a message names it
+  std::string_view signs;               // in what it says
 };
 
 constexpr SourceFamily kTop[] = {SourceFamily::SqlServer, SourceFamily::Access};
@@ -116,18 +117,18 @@ constexpr SourceFamily kPostgreSql[] = {SourceFamily::PostgreSql};
 constexpr SourceFamily kAccess[] = {SourceFamily::Access};
 
 constexpr Construct kConstructs[] = {
-    {"TOP 0", kTop, "TOP"},
-    {"TOP ( 0 )", kTop, "TOP"},
-    {"LIMIT 0", kLimit, "LIMIT"},
-    {"FETCH FIRST 0", kFetch, "FETCH FIRST"},
-    {"FETCH NEXT 0", kFetch, "FETCH NEXT"},
-    {"*=", {}, "outer joins written as *="},
-    {"=*", {}, "outer joins written as =*"},
-    {"( + )", kOracle, "outer joins written as (+)"},
-    {"ROWNUM", kOracle, "ROWNUM"},
-    {"UP TO 0 ROWS", {}, "UP TO ... ROWS"},
-    {"ILIKE", kPostgreSql, "ILIKE"},
-    {"#", kAccess, "dates between number signs"},
+    {"TOP 0", kTop, text::Signs, "TOP"},
+    {"TOP ( 0 )", kTop, text::Signs, "TOP"},
+    {"LIMIT 0", kLimit, text::Signs, "LIMIT"},
+    {"FETCH FIRST 0", kFetch, text::Signs, "FETCH FIRST"},
+    {"FETCH NEXT 0", kFetch, text::Signs, "FETCH NEXT"},
+    {"*=", {}, text::OuterJoinWritten, "*="},
+    {"=*", {}, text::OuterJoinWritten, "=*"},
+    {"( + )", kOracle, text::OuterJoinWritten, "(+)"},
+    {"ROWNUM", kOracle, text::Signs, "ROWNUM"},
+    {"UP TO 0 ROWS", {}, text::Signs, "UP TO ... ROWS"},
+    {"ILIKE", kPostgreSql, text::Signs, "ILIKE"},
+    {"#", kAccess, text::DatesInNumberSigns, {}},
 };
 
 bool Matches(std::string_view sql, const Token& token, std::string_view word) {
@@ -168,24 +169,23 @@ std::string WithoutSemicolons(std::string_view sql, const SourceMode& mode) {
     const std::string other = piece.text == ";" || readings.size() != 1
                                   ? ""
                                   : WithoutSemicolon(piece.text, readings.front().text.backslashEscapes);
-    if (other.empty()) RefuseStatement("A semicolon cannot be sent from this place.", piece.offset);
+    if (other.empty()) RefuseStatement(text::SemicolonCannotBeSent, piece.offset);
     text.append(sql.substr(end, piece.offset - end)).append(other);
     end = piece.offset + piece.text.size();
   }
   text.append(sql.substr(end));
   const std::size_t left = text.find(';');
-  if (left != std::string::npos) RefuseStatement("Only one statement is run.", sql.find(';'));
+  if (left != std::string::npos) RefuseStatement(text::OnlyOneStatement, sql.find(';'));
   return text;
 }
 
 void RequireSpoken(std::string_view sql, const Dialect& dialect, std::string_view sourceName) {
   const SourceFamily family = FamilyOf(sourceName);
   if (family == SourceFamily::Other) return;
-  const std::string source(sourceName);
   const Dialect* own = DialectOfSource(sourceName, {});
-  const std::string advice = own && own != &dialect ? " Choose the dialect " + std::string(own->name) + "." : "";
+  const Phrase advice = own && own != &dialect ? Phrase(text::ChooseDialect, own->name) : Phrase();
   if (!dialect.canBeParsed) {
-    RefuseStatement(source + " does not speak " + std::string(dialect.name) + "." + advice, 0);
+    RefuseStatement({text::OtherDialect, sourceName, dialect.name, advice}, 0);
   }
   const std::vector<Token> tokens = CodeTokens(sql);
   for (const Construct& construct : kConstructs) {
@@ -195,7 +195,7 @@ void RequireSpoken(std::string_view sql, const Dialect& dialect, std::string_vie
         std::search(tokens.begin(), tokens.end(), words.begin(), words.end(),
                     [sql](const Token& token, std::string_view word) { return Matches(sql, token, word); });
     if (found == tokens.end()) continue;
-    RefuseStatement(source + " does not know " + std::string(construct.what) + "." + advice, found->offset);
+    RefuseStatement({text::DoesNotKnow, sourceName, Phrase(construct.what, construct.signs), advice}, found->offset);
   }
 }
 

@@ -8,6 +8,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_run.h"
 
 namespace zrqrybld::sqlite {
 namespace {
@@ -24,9 +25,8 @@ std::string Utf8(const std::filesystem::path& path) {
   return {reinterpret_cast<const char*>(text.data()), text.size()};
 }
 
-[[noreturn]] void ThrowCannotOpen(std::int32_t number, std::string_view fileName, std::string_view reason) {
-  throw Error(number,
-              "The database file \"" + std::string(fileName) + "\" cannot be opened: " + std::string(reason) + ".");
+[[noreturn]] void ThrowCannotOpen(std::int32_t number, std::string_view fileName, const Phrase& reason) {
+  throw Error(number, Phrase(text::FileCannotBeOpened, fileName, reason));
 }
 
 // SQLite tells neither a missing file nor a directory from any other file that it cannot open.
@@ -37,13 +37,13 @@ void CheckOrdinaryFile(const std::filesystem::path& path, std::string_view fileN
     case std::filesystem::file_type::regular:
       return;
     case std::filesystem::file_type::not_found:
-      ThrowCannotOpen(ErrorConnectionFailed, fileName, "there is no such file");
+      ThrowCannotOpen(ErrorConnectionFailed, fileName, text::NoSuchFile);
     case std::filesystem::file_type::directory:
-      ThrowCannotOpen(ErrorConnectionFailed, fileName, "it is a directory");
+      ThrowCannotOpen(ErrorConnectionFailed, fileName, text::IsDirectory);
     case std::filesystem::file_type::none:
       ThrowCannotOpen(ErrorConnectionFailed, fileName, failure.message());
     default:
-      ThrowCannotOpen(ErrorConnectionFailed, fileName, "it is no ordinary file");
+      ThrowCannotOpen(ErrorConnectionFailed, fileName, text::NoOrdinaryFile);
   }
 }
 
@@ -53,7 +53,7 @@ DatabaseHandle OpenAndRead(const std::string& name, int flags) {
   sqlite3* opened = nullptr;
   const int result = sqlite3_open_v2(name.c_str(), &opened, SQLITE_OPEN_READONLY | flags, nullptr);
   DatabaseHandle database(opened);
-  if (!database) throw Error(SQLITE_NOMEM, "out of memory");
+  if (!database) throw Error(SQLITE_NOMEM, text::OutOfMemory);
   if (result != SQLITE_OK) {
     const int systemError = sqlite3_system_errno(opened);
     if (systemError != 0) throw Error(result & 0xff, std::generic_category().message(systemError));
@@ -121,9 +121,9 @@ std::optional<std::string> FileName(const ConnectionString& connectionString) {
 
 DatabaseHandle OpenDatabase(const ConnectionString& connectionString) {
   const std::optional<std::string> fileName = FileName(connectionString);
-  if (!fileName) throw Error(ErrorConnectionFailed, "The connection string names no database file (Data Source=...).");
+  if (!fileName) throw Error(ErrorConnectionFailed, text::NoFileInString);
   if (fileName->find('\0') != std::string::npos) {
-    ThrowCannotOpen(ErrorConnectionFailed, *fileName, "a file's name cannot hold a zero character");
+    ThrowCannotOpen(ErrorConnectionFailed, *fileName, text::ZeroInName);
   }
   std::error_code failure;
   const std::filesystem::path path = std::filesystem::absolute(PathOf(*fileName), failure);
@@ -132,7 +132,7 @@ DatabaseHandle OpenDatabase(const ConnectionString& connectionString) {
   try {
     return OpenFile(path);
   } catch (const Error& error) {
-    ThrowCannotOpen(error.Number(), *fileName, error.Description());
+    ThrowCannotOpen(error.Number(), *fileName, error.What());
   }
 }
 

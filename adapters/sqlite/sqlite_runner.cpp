@@ -8,6 +8,7 @@
 #include "adapters/sqlite/sqlite_database.h"
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_run.h"
 
 namespace zrqrybld {
 namespace sqlite {
@@ -64,14 +65,14 @@ class SqliteRunner final : public QueryRunner {
       try {
         statement_.emplace(database_.get(), sql);
       } catch (const Error& error) {
-        throw Error(error.Number(), error.Description(), PlaceOfLastError());
+        throw Error(error.Number(), error.What(), PlaceOfLastError());
       }
     });
     sqlite3_stmt* handle = statement_->Get();
     const int count = sqlite3_column_count(handle);
-    if (count == 0 || sqlite3_stmt_readonly(handle) == 0) throw Error(SQLITE_READONLY, "Only a SELECT is run.");
+    if (count == 0 || sqlite3_stmt_readonly(handle) == 0) throw Error(SQLITE_READONLY, text::OnlySelect);
     if (sqlite3_bind_parameter_count(handle) > 0) {
-      throw Error(SQLITE_MISUSE, "The statement has parameters that nobody has given a value.");
+      throw Error(SQLITE_MISUSE, text::ParametersWithoutValues);
     }
     std::vector<std::string> names;
     for (int column = 0; column < count; ++column) {
@@ -109,7 +110,7 @@ class SqliteRunner final : public QueryRunner {
 
   std::string_view TextAt(int column) const {
     const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement_->Get(), column));
-    if (text == nullptr) throw Error(SQLITE_NOMEM, "out of memory");
+    if (text == nullptr) throw Error(SQLITE_NOMEM, text::OutOfMemory);
     return {text, static_cast<std::size_t>(sqlite3_column_bytes(statement_->Get(), column))};
   }
 

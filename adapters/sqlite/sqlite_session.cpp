@@ -3,6 +3,7 @@
 #include "adapters/sqlite/sqlite_types.h"
 #include "base/error.h"
 #include "base/text.h"
+#include "base/texts_run.h"
 #include "platform/schema_fields.h"
 #include "platform/table_row_set.h"
 #include "platform/text_reading.h"
@@ -150,7 +151,7 @@ std::unique_ptr<RowSet> SqliteSession::OpenSchema(SchemaKind kind, const SchemaR
     case SchemaKind::Literals:
       return std::make_unique<TableRowSet>(kLiteralFields, MakeLiterals());
   }
-  throw Error(ErrorSchemaNotSupported, "SQLite has no such schema.");
+  throw Error(ErrorSchemaNotSupported, text::SqliteHasNoSchema);
 }
 
 std::vector<std::string> SqliteSession::Keywords() const {

@@ -215,7 +215,7 @@ TEST_F(Session, WorkThatCannotBeReadIsPutAside) {
 }
 
 TEST(KeyList, IsFiltered) {
-  KeyList list;
+  KeyList list(EnglishTexts());
   list.show();
   auto* tree = list.findChild<QTreeWidget*>();
   const auto shown = [&] {

@@ -39,9 +39,9 @@ TEST(ConnectionPolicy, JudgesByWhoWroteTheString) {
     for (const auto origin : {ConnectionOrigin::File, ConnectionOrigin::Person, ConnectionOrigin::Program}) {
       const ConnectionJudgement judgement = JudgeConnection(row[1], origin, drivers);
       EXPECT_EQ(kVerdicts[static_cast<int>(judgement.verdict)], row[2 + static_cast<std::size_t>(origin)])
-          << judgement.reason;
-      EXPECT_EQ(judgement.reason.empty(), judgement.verdict == ConnectionVerdict::Open);
-      EXPECT_EQ(judgement.reason.find("victim"), std::string::npos) << "a value is shown";
+          << judgement.reason.English();
+      EXPECT_EQ(judgement.reason.Empty(), judgement.verdict == ConnectionVerdict::Open);
+      EXPECT_EQ(judgement.reason.English().find("victim"), std::string::npos) << "a value is shown";
     }
   }
   const std::string longest = "DSN=" + std::string(1 << 20, '=');
