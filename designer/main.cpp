@@ -23,7 +23,6 @@ constexpr std::chrono::milliseconds kPatienceAtEnd{1000};
 QStringList Prepare(MainWindow& window, const DesignerOptions& options) {
   QStringList errors;
   if (!window.LanguageFailure().isEmpty()) errors += window.LanguageFailure();
-  if (!options.syntax.isEmpty()) window.SetSyntax(options.syntax);
   window.SetConnectSaved(options.connectSaved);
   if (!options.database.isEmpty() || !options.connection.isEmpty()) {
     const QString error = options.connection.isEmpty() ? window.OpenDatabase(options.database)
@@ -34,8 +33,9 @@ QStringList Prepare(MainWindow& window, const DesignerOptions& options) {
   }
   if (!options.query.isEmpty()) {
     if (const QString error = window.Document().Open(options.query); !error.isEmpty()) return {error};
-    if (!options.syntax.isEmpty()) window.SetSyntax(options.syntax);
   }
+  // Behind the source and the query, which bring a dialect along.
+  if (!options.syntax.isEmpty()) window.SetSyntax(options.syntax);
   if (!options.parseSql.isEmpty()) {
     if (const QString error = window.ParseFile(options.parseSql); !error.isEmpty()) return errors + QStringList{error};
   }

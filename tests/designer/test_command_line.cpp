@@ -63,7 +63,7 @@ TEST(DesignerCommandLine, PrintsTheStatement) {
 
 TEST(DesignerCommandLine, TakesTheDatabaseAlsoWithoutItsOption) {
   const Outcome outcome = RunDesigner({ZRQRYBLD_SAMPLE_DB, "--add-table", "Categories", "--print-sql"});
-  EXPECT_EQ(outcome.output, "SELECT \nFROM \nCategories\n\n");
+  EXPECT_EQ(outcome.output, "SELECT \nFROM \n\tCategories\n");
   EXPECT_EQ(outcome.status, 0);
 }
 

@@ -20,6 +20,7 @@ std::string RowCount(const std::string& statement) {
 TEST_F(DesignerWindow, TheDialectBoxRewritesTheStatement) {
   OpenSampleWith({"Customers", "Order"});
   ASSERT_EQ(window.TickColumn("Customers.City"), QString());
+  window.SetSyntax("Generic");
   auto* box = window.findChild<QComboBox*>();
   ASSERT_TRUE(box);
   EXPECT_NE(Statement().find("FROM \nCustomers,\n"), std::string::npos) << Statement();
