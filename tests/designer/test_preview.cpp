@@ -237,7 +237,7 @@ TEST_F(Preview, IsShownInSmallWindowsAndDarkColours) {
 TEST_F(Preview, TheFirstStepsNeedNoDialect) {
   OpenSampleWith({"Customers", "Order"});
   EXPECT_EQ(Hub().SQLPane()->SQLSyntax(), SQLSyntaxSQLite);
-  Hub().Entities()->Item("Order")->Relationships()->Item(1)->SetItemData(2);
+  Hub().Entities()->Item("Order")->Relationships()->Item(1)->SetItemData(1);
   window.TickColumn("Customers.CompanyName");
   window.TickColumn("Order.OrderDate");
   const auto field = [this](const char* name) {
