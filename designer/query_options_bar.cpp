@@ -62,7 +62,9 @@ QueryOptionsBar::QueryOptionsBar(qbQueryBuilder& hub, QWidget* parent)
           [this, skipLabel] { skipLabel->setVisible(skipShown_->isVisible()); });
 
   distinct_->setToolTip(Say(texts, text::EachRowOnceTip));
-  distinct_->setContentsMargins(8, 0, 0, 0);
+  auto* gap = new QWidget(this);
+  gap->setFixedWidth(8);
+  addWidget(gap);
   addWidget(distinct_);
 
   connect(dialect_, &QComboBox::currentIndexChanged, this, [this](int index) {
