@@ -20,7 +20,7 @@ TEST(KeptStatements, GiveTheRowsOfTheOriginal) {
   for (const std::string& statement : statements) {
     const std::string expected = store.RunToDigest(statement);
     withRows += store.Run(statement).empty() ? 0 : 1;
-    for (const SQLSyntaxEnum syntax : {SQLSyntaxMSSQL, SQLSyntaxAccess}) {
+    for (const SQLSyntaxEnum syntax : {SQLSyntaxMSSQL, SQLSyntaxAccess, SQLSyntaxSQLite}) {
       pane.SetSQLSyntax(syntax);
       try {
         pane.ParseSQLStatement(statement);

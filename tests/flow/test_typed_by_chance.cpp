@@ -259,7 +259,8 @@ TEST(TypedByChance, WhatIsWrittenAnewGivesTheRowsOfTheOriginal) {
     StatementByChance made(seed);
     const std::string statement = made.Make();
     const std::vector<std::string> expected = Lines(source.Query(statement), made.IsSorted());
-    for (const SQLSyntaxEnum syntax : {SQLSyntaxMSSQL, SQLSyntaxAccess, SQLSyntaxGeneric, SQLSyntaxOracle}) {
+    for (const SQLSyntaxEnum syntax :
+         {SQLSyntaxMSSQL, SQLSyntaxAccess, SQLSyntaxGeneric, SQLSyntaxOracle, SQLSyntaxSQLite}) {
       SCOPED_TRACE("seed " + std::to_string(seed) + ", " + std::string(DialectFor(syntax).name) + "\n" + statement);
       const std::string refusal = parse(pane, syntax, statement);
       if (!refusal.empty()) {
