@@ -92,7 +92,7 @@ void QueryOptionsBar::Change(const std::function<void()>& change) {
   try {
     change();
   } catch (const std::exception& error) {
-    Q_EMIT Failed(Say(*hub_.Texts(), PhraseOf(error)));
+    Q_EMIT Failed(Say(*hub_.Texts(), error));
   }
   Refresh();
 }

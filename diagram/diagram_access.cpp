@@ -46,6 +46,8 @@ Phrase TypeText(const BoxRow& row) {
 
 }  // namespace
 
+std::string DiagramAccess::Say(const Phrase& phrase) const { return zrqrybld::Say(site_.Context(), phrase); }
+
 // --- The tree ---
 
 bool DiagramAccess::Contains(const AccessibleId& id) const {
