@@ -101,8 +101,6 @@ void qbGridPane::ConnectGrid() {
 void qbGridPane::SetContext(const Ref<QueryContext>& context) {
   rows_.SetContext(context);
   // The grid may live longer than the pane: it knows the context only.
-  grdPane_->SetTexts(context ? context->Texts() : nullptr);
-  grdPane_->SetEmptyText(Say(context, text::GridEmpty));
   grdPane_->SetSuggestionSource([link = rows_.Link()](std::int32_t column) { return SuggestionsFor(link, column); });
   if (!context) return;
   ApplyGridCaptions();
@@ -168,6 +166,8 @@ void qbGridPane::WriteProperties(PropertyStore& store) const {
 
 void qbGridPane::ApplyGridCaptions() {
   const Ref<QueryContext> context = rows_.Context();
+  grdPane_->SetTexts(context ? context->Texts() : nullptr);
+  grdPane_->SetEmptyText(Say(context, text::GridEmpty));
   for (const GridColumnRow& row : kGridColumns) {
     grdPane_->Columns()->Item(std::string(row.key))->SetCaption(Say(context, TextId{row.caption}));
   }
