@@ -33,6 +33,7 @@ void OutlinedStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* 
       break;
     case PE_Frame:
     case PE_FrameMenu:
+    case PE_IndicatorCheckBox:
       Outline(*option, *painter);
       break;
     default:
@@ -43,7 +44,8 @@ void OutlinedStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* 
 void OutlinedStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
                                        const QWidget* widget) const {
   QProxyStyle::drawComplexControl(control, option, painter, widget);
-  if (control == CC_ComboBox && !option->state.testFlag(State_HasFocus)) Outline(*option, *painter);
+  const bool isField = control == CC_ComboBox || control == CC_SpinBox;
+  if (isField && !option->state.testFlag(State_HasFocus)) Outline(*option, *painter);
 }
 
 }  // namespace zrqrybld
