@@ -157,13 +157,15 @@ class DesignWriter {
   std::vector<Ref<qbRelationship>> kept_;  // for each join; nothing for one that is to be drawn
 };
 
-void Load(qbQueryBuilder& hub, std::string_view sql) {
+void Load(qbQueryBuilder& hub, std::string_view typed) {
   BindOptions options;
   options.dialect = &hub.CurrentDialect();
   options.functions = hub.DBFunctions().get();
   options.names = CurrentNameRules(hub);
   options.criteria = hub.CriteriaRules();
+  std::string sql(typed);
   if (options.criteria.reading) {
+    sql = WithoutHashComments(typed, *options.criteria.reading);
     const std::optional<std::size_t> otherwise = FirstReadOtherwise(sql, *options.criteria.reading);
     if (otherwise) throw SyntaxError(sql, *otherwise, text::ReadsOtherwise);
   }

@@ -179,6 +179,18 @@ bool ReadsAlike(std::string_view text, const Token& literal, const TextReading& 
   return !token.unfinished && (token.end == end || (reading.literalsJoin && token.end > end && !token.escapes));
 }
 
+std::string WithoutHashComments(std::string_view text, const TextReading& reading) {
+  std::string plain(text);
+  if (!reading.hashComments || text.find('#') == std::string_view::npos) return plain;
+  SourceLexer lexer(text, reading);
+  for (SourceToken token; lexer.Next(token);) {
+    if (token.part == SourcePart::Comment && text[token.begin] == '#') {
+      plain.replace(token.begin, token.end - token.begin, token.end - token.begin, ' ');
+    }
+  }
+  return plain;
+}
+
 std::optional<std::size_t> FirstReadOtherwise(std::string_view text, const TextReading& reading) {
   if (text.find('\\') == std::string_view::npos) return std::nullopt;
   Lexer lexer(text);

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "platform/text_reading.h"
@@ -65,6 +66,9 @@ class SourceLexer {
 
 /// Whether the source sees the token, a string literal of the designer's lexer in the text, end where the lexer does.
 bool ReadsAlike(std::string_view text, const Token& literal, const TextReading& reading);
+/// The text with blanks in the place of comments that begin with "#", where the source has such; every other character
+/// stands where it stood.
+std::string WithoutHashComments(std::string_view text, const TextReading& reading);
 /// Where the first literal begins that the source sees end elsewhere; none when there is none.
 std::optional<std::size_t> FirstReadOtherwise(std::string_view text, const TextReading& reading);
 

@@ -13,6 +13,7 @@ class ParseTest : public test::HubTest {
   std::string Options() const {
     std::string text = hub->DistinctRecords() ? "distinct " : "";
     text += hub->SelectTopRecords() + (grid->ShowGroupBy() ? "grouped" : "");
+    if (hub->SkipRecords() > 0) text += (text.empty() ? "skip " : " skip ") + std::to_string(hub->SkipRecords());
     return text;
   }
 
@@ -93,6 +94,9 @@ TEST_F(ParseTest, MakesTheDesignerSayWhatTheStatementSays) {
     Use();
     sql->SetSQLSyntax(record.Has("syntax") ? FindDialect(record["syntax"])->syntax : SQLSyntaxMSSQL);
     if (record.Has("before")) Parse(record["before"]);
+    if (record.Has("reading")) {
+      hub->Properties()->Set(kTextReadingLiteral, WordsOf(*UsualReading(record["reading"])));
+    }
     std::string error;
     try {
       Parse(record["sql"]);
