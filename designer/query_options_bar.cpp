@@ -45,7 +45,7 @@ QueryOptionsBar::QueryOptionsBar(qbQueryBuilder& hub, QWidget* parent)
   limit_->setAccessibleName(Say(texts, text::RowLimitName));
   limit_->setPlaceholderText(Say(texts, text::RowsAll));
   limit_->setToolTip(Say(texts, text::RowLimitTip));
-  limit_->setValidator(new QRegularExpressionValidator(QRegularExpression("\\d{0,9}|\\d{1,3}\\s?%"), limit_));
+  limit_->setValidator(new QRegularExpressionValidator(QRegularExpression("\\d{0,9}|(100|\\d{1,2})\\s?%"), limit_));
   limit_->setMaximumWidth(limit_->fontMetrics().averageCharWidth() * kLimitDigits + 24);
   label(Say(texts, text::RowsLabel), limit_);
   addWidget(limit_);
