@@ -41,7 +41,8 @@ class OwnDialect : public test::ProviderTest {
     const std::string statement = hub_->SQLPane()->SQLStatement();
     try {
       std::string values;
-      for (const std::string_view line : Split(source_->run(statement), "\n")) {
+      const std::string rows = source_->run(statement);
+      for (const std::string_view line : Split(rows, "\n")) {
         const std::string_view value = line.substr(0, line.find('|'));
         if (!value.empty()) values += (values.empty() ? "" : " ") + std::string(value);
       }
