@@ -87,7 +87,6 @@ constexpr Dialect Oracle() {
   d.values.yes = "1";
   d.values.no = "0";
   d.caseBlindLike = "";
-  d.concatenation = "||";
   d.words = kOracleWords;
   return d;
 }
@@ -99,7 +98,6 @@ constexpr Dialect Access() {
   d.fromParentheses = Dialect::FromParentheses::Nested;
   d.leavesParenthesesOpen = true;
   d.values.dateQuote = "#";
-  d.concatenation = "&";
   d.doubleQuotesAreTexts = true;
   return d;
 }
@@ -118,7 +116,6 @@ constexpr Dialect OpenSql() {
   d.values.yes = "'X'";
   d.values.no = "' '";
   d.caseBlindLike = "";
-  d.concatenation = "&&";
   d.words = kOpenSqlWords;
   d.canBeParsed = false;
   return d;
@@ -132,8 +129,6 @@ constexpr Dialect PostgreSql() {
   d.values = {.date = "DATE '@'", .time = "TIME '@'", .timestamp = "TIMESTAMP '@'", .yes = "TRUE", .no = "FALSE"};
   d.caseBlindLike = "ILIKE";
   d.namePrefix = d.nameSuffix = "\"";
-  d.concatenation = "||";
-  d.ordersNulls = true;
   d.words = dialect_words::PostgreSql();
   return d;
 }
@@ -152,7 +147,6 @@ constexpr Dialect MySql() {
               .no = "FALSE",
               .backslashEscapes = true};
   d.namePrefix = d.nameSuffix = "`";
-  d.concatenation = "";
   d.doubleQuotesAreTexts = true;
   d.words = dialect_words::MySql();
   return d;
@@ -165,8 +159,6 @@ constexpr Dialect Sqlite() {
   d.limit = Limit("LIMIT -1 OFFSET @m");
   d.values = {.date = "'@'", .time = "'@'", .timestamp = "'@'", .yes = "1", .no = "0"};
   d.namePrefix = d.nameSuffix = "\"";
-  d.concatenation = "||";
-  d.ordersNulls = true;
   d.words = dialect_words::Sqlite();
   return d;
 }
@@ -200,8 +192,6 @@ constexpr Dialect Ansi() {
   d.limit = kFetch;
   d.values = {.date = "DATE '@'", .time = "TIME '@'", .timestamp = "TIMESTAMP '@'", .yes = "TRUE", .no = "FALSE"};
   d.caseBlindLike = "";
-  d.concatenation = "||";
-  d.ordersNulls = true;
   d.words = dialect_words::Ansi();
   return d;
 }

@@ -97,10 +97,6 @@ struct Dialect {
   /// What stands around a quoted name whatever the source says; "" takes the source's own.
   std::string_view namePrefix = {};
   std::string_view nameSuffix = {};
-  /// The sign between texts that are put together; "" where a function does that.
-  std::string_view concatenation = "+";
-  /// Whether ORDER BY can say where Nulls stand.
-  bool ordersNulls = false;
   /// Whether a text in double quotes is a literal where it names no column.
   bool doubleQuotesAreTexts = false;
   /// Words with a meaning in its statements, which are no names without quotes; in capitals and sorted.
