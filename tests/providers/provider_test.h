@@ -12,14 +12,19 @@
 
 namespace zrqrybld::test {
 
+/// Whether a source that is missing is a failure, as in CI, and not only left out.
+inline bool MustHaveSources() {
+  const char* ci = std::getenv("CI");
+  return ci && std::string_view(ci) == "true";
+}
+
 /// A test of one source. Where it cannot be had the test is skipped and says so, and in CI it fails.
 class ProviderTest : public testing::TestWithParam<std::string> {
  protected:
   void SetUp() override {
     source_ = &GetSource(GetParam());
     if (source_->missing.empty()) return;
-    const char* ci = std::getenv("CI");
-    if (ci && std::string_view(ci) == "true") FAIL() << source_->name << ": " << source_->missing;
+    if (MustHaveSources()) FAIL() << source_->name << ": " << source_->missing;
     GTEST_SKIP() << "No " << source_->name << ": " << source_->missing;
   }
 

@@ -124,8 +124,7 @@ TEST(DataOnTwoServers, IsDesignedAsIfItWereOnOne) {
   const char* const first = std::getenv("ZRQRYBLD_TEST_POSTGRESQL");
   const char* const second = std::getenv("ZRQRYBLD_TEST_POSTGRESQL_SECOND");
   if (!first || !second) {
-    const char* ci = std::getenv("CI");
-    if (ci && std::string_view(ci) == "true") FAIL() << "there are no two PostgreSQL servers";
+    if (test::MustHaveSources()) FAIL() << "there are no two PostgreSQL servers";
     GTEST_SKIP() << "there are no two PostgreSQL servers";
   }
   test::OdbcExecutor far(second);

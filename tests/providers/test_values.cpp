@@ -39,7 +39,10 @@ class HostileValues : public testing::TestWithParam<Mode> {
  protected:
   void SetUp() override {
     source_ = &test::GetSource(GetParam().source);
-    if (!source_->missing.empty()) GTEST_SKIP() << "No " << source_->name << ": " << source_->missing;
+    if (!source_->missing.empty()) {
+      if (test::MustHaveSources()) FAIL() << source_->name << ": " << source_->missing;
+      GTEST_SKIP() << "No " << source_->name << ": " << source_->missing;
+    }
     if (*GetParam().set) source_->run(GetParam().set);
     auto toolkit = std::make_shared<HeadlessToolkit>();
     test::RegisterProviders(*toolkit->Providers());
