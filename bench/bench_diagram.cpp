@@ -3,7 +3,7 @@
 
 #include "bench/counting_canvas.h"
 #include "bench/designer.h"
-#include "diagram/relationships.h"
+#include "zrqrybld/diagram/relationships.h"
 
 namespace zrqrybld::bench {
 namespace {

@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "bench/counting_canvas.h"
-#include "diagram/diagram_pane.h"
-#include "diagram/entities.h"
-#include "diagram/relationships.h"
-#include "platform/headless.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/platform/headless.h"
 
 namespace zrqrybld::bench {
 namespace {

@@ -6,8 +6,8 @@
 #include <ctime>
 
 #include "bench/designer.h"
-#include "sql/diagnostics.h"
-#include "sql/generator.h"
+#include "zrqrybld/sql/diagnostics.h"
+#include "zrqrybld/sql/generator.h"
 
 namespace zrqrybld::bench {
 namespace {

@@ -3,7 +3,7 @@
 
 #include "bench/counting_canvas.h"
 #include "bench/designer.h"
-#include "sql/criteria_formatter.h"
+#include "zrqrybld/sql/criteria_formatter.h"
 
 namespace zrqrybld::bench {
 namespace {

@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "bench/designer.h"
-#include "diagram/relationships.h"
+#include "zrqrybld/diagram/relationships.h"
 
 namespace zrqrybld::bench {
 namespace {

@@ -6,8 +6,8 @@
 #include <stdexcept>
 
 #include "bench/statements.h"
-#include "sql/statement_parser.h"
 #include "tests/print_statement.h"
+#include "zrqrybld/sql/statement_parser.h"
 
 namespace zrqrybld::bench {
 namespace {

@@ -5,8 +5,8 @@
 
 #include "bench/designer.h"
 #include "bench/statements.h"
-#include "sql/statement_parser.h"
 #include "tests/print_statement.h"
+#include "zrqrybld/sql/statement_parser.h"
 
 namespace zrqrybld::bench {
 namespace {

@@ -5,9 +5,9 @@
 #include <ctime>
 
 #include "bench/designer.h"
-#include "expression/schema_cache.h"
-#include "expression/suggestions.h"
-#include "sql/source_rules.h"
+#include "zrqrybld/expression/schema_cache.h"
+#include "zrqrybld/expression/suggestions.h"
+#include "zrqrybld/sql/source_rules.h"
 
 namespace zrqrybld::bench {
 namespace {

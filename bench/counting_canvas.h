@@ -3,7 +3,7 @@
 
 #include <cstddef>
 
-#include "platform/canvas.h"
+#include "zrqrybld/platform/canvas.h"
 
 namespace zrqrybld::bench {
 

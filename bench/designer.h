@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "bench/made_up_source.h"
-#include "hub/query_builder.h"
+#include "zrqrybld/hub/query_builder.h"
 
 namespace zrqrybld::bench {
 

@@ -2,8 +2,8 @@
 
 #include <span>
 
-#include "base/error.h"
-#include "platform/schema_fields.h"
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/platform/schema_fields.h"
 
 namespace zrqrybld::bench {
 namespace {

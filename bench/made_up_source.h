@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/database.h"
+#include "zrqrybld/platform/database.h"
 
 namespace zrqrybld::bench {
 

@@ -5,16 +5,16 @@
 #include <iterator>
 #include <optional>
 
-#include "adapters/files/system_files.h"
-#include "automation/toolkit_object.h"
-#include "base/file.h"
-#include "base/text.h"
 #include "command/json.h"
-#include "hub/query_builder.h"
-#include "sql/parameters.h"
-#include "sql/readable_criteria.h"
-#include "sql/statement_parser.h"
-#include "sql/syntax_error.h"
+#include "zrqrybld/adapters/files/system_files.h"
+#include "zrqrybld/automation/toolkit_object.h"
+#include "zrqrybld/base/file.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/sql/parameters.h"
+#include "zrqrybld/sql/readable_criteria.h"
+#include "zrqrybld/sql/statement_parser.h"
+#include "zrqrybld/sql/syntax_error.h"
 
 namespace zrqrybld {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "base/text.h"
-#include "platform/connection_string.h"
-#include "sql/dialect.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/platform/connection_string.h"
+#include "zrqrybld/sql/dialect.h"
 
 namespace zrqrybld {
 namespace {

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "sql/dialect.h"
+#include "zrqrybld/sql/dialect.h"
 
 namespace zrqrybld {
 

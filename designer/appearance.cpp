@@ -5,9 +5,9 @@
 #include <QStyle>
 #include <algorithm>
 
-#include "adapters/qt/theme.h"
-#include "base/texts_designer.h"
 #include "designer/outlined_style.h"
+#include "zrqrybld/adapters/qt/theme.h"
+#include "zrqrybld/base/texts_designer.h"
 
 namespace zrqrybld {
 namespace {

@@ -5,7 +5,7 @@
 #include <QString>
 #include <span>
 
-#include "base/phrase.h"
+#include "zrqrybld/base/phrase.h"
 
 namespace zrqrybld {
 

@@ -7,15 +7,15 @@
 #include <QPushButton>
 #include <optional>
 
-#include "adapters/qt/qt_text.h"
-#include "adapters/qt/say.h"
-#include "adapters/sqlite/sqlite_provider.h"
-#include "base/error.h"
-#include "base/text.h"
-#include "base/texts_designer.h"
 #include "designer/guarded.h"
-#include "platform/connection_string.h"
-#include "platform/toolkit.h"
+#include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/adapters/qt/say.h"
+#include "zrqrybld/adapters/sqlite/sqlite_provider.h"
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/base/texts_designer.h"
+#include "zrqrybld/platform/connection_string.h"
+#include "zrqrybld/platform/toolkit.h"
 
 namespace zrqrybld {
 namespace {

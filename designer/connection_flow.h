@@ -7,10 +7,10 @@
 #include <memory>
 #include <string>
 
-#include "base/phrase.h"
 #include "designer/recent_connections.h"
-#include "hub/query_builder.h"
-#include "platform/provider.h"
+#include "zrqrybld/base/phrase.h"
+#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/platform/provider.h"
 
 class QWidget;
 

@@ -4,7 +4,7 @@
 #include <QString>
 #include <exception>
 
-#include "adapters/qt/say.h"
+#include "zrqrybld/adapters/qt/say.h"
 
 namespace zrqrybld {
 

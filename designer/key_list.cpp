@@ -7,10 +7,10 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
-#include "adapters/qt/say.h"
-#include "base/text.h"
-#include "base/texts_designer.h"
-#include "platform/commands.h"
+#include "zrqrybld/adapters/qt/say.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/base/texts_designer.h"
+#include "zrqrybld/platform/commands.h"
 
 namespace zrqrybld {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <QDialog>
 
-#include "base/phrase.h"
+#include "zrqrybld/base/phrase.h"
 
 namespace zrqrybld {
 

@@ -20,25 +20,25 @@
 #include <algorithm>
 #include <optional>
 
-#include "adapters/qt/connection_choice.h"
-#include "adapters/qt/qt_text.h"
-#include "adapters/qt/say.h"
-#include "adapters/qt/shortcuts.h"
-#include "adapters/qt/waiting_provider.h"
-#include "adapters/sqlite/sqlite_provider.h"
-#include "base/text.h"
-#include "base/texts_designer.h"
 #include "designer/appearance.h"
 #include "designer/guarded.h"
 #include "designer/key_list.h"
 #include "designer/plain_box.h"
 #include "designer/recent_connections.h"
 #include "designer/window_memory.h"
-#include "hub/parameter_form.h"
-#include "platform/connection_string.h"
-#include "sql/dialect.h"
+#include "zrqrybld/adapters/qt/connection_choice.h"
+#include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/adapters/qt/say.h"
+#include "zrqrybld/adapters/qt/shortcuts.h"
+#include "zrqrybld/adapters/qt/waiting_provider.h"
+#include "zrqrybld/adapters/sqlite/sqlite_provider.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/base/texts_designer.h"
+#include "zrqrybld/hub/parameter_form.h"
+#include "zrqrybld/platform/connection_string.h"
+#include "zrqrybld/sql/dialect.h"
 #if ZRQRYBLD_HAS_ODBC
-#include "adapters/odbc/odbc_provider.h"
+#include "zrqrybld/adapters/odbc/odbc_provider.h"
 #endif
 
 namespace zrqrybld {

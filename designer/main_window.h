@@ -8,14 +8,14 @@
 #include <memory>
 #include <string>
 
-#include "adapters/qt/query_designer_widget.h"
 #include "designer/connection_flow.h"
 #include "designer/preview_pane.h"
 #include "designer/query_document.h"
 #include "designer/query_options_bar.h"
 #include "designer/query_preview.h"
 #include "designer/recovery.h"
-#include "platform/provider.h"
+#include "zrqrybld/adapters/qt/query_designer_widget.h"
+#include "zrqrybld/platform/provider.h"
 
 namespace zrqrybld {
 

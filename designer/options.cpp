@@ -4,10 +4,10 @@
 #include <QTextStream>
 #include <cstdlib>
 
-#include "adapters/qt/qt_text.h"
 #include "designer/appearance.h"
 #include "designer/query_document.h"
-#include "sql/dialect.h"
+#include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/sql/dialect.h"
 
 namespace zrqrybld {
 namespace {

@@ -7,8 +7,8 @@
 #include <thread>
 #include <utility>
 
-#include "base/error.h"
-#include "base/texts_qt.h"
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/base/texts_qt.h"
 
 namespace zrqrybld {
 namespace {

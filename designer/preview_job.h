@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
-#include "adapters/run/query_runner.h"
-#include "base/phrase.h"
+#include "zrqrybld/adapters/run/query_runner.h"
+#include "zrqrybld/base/phrase.h"
 
 namespace zrqrybld {
 

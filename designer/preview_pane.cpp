@@ -22,14 +22,14 @@
 #include <algorithm>
 #include <utility>
 
-#include "adapters/qt/mark.h"
-#include "adapters/qt/qt_text.h"
-#include "adapters/qt/say.h"
-#include "adapters/qt/shortcuts.h"
-#include "adapters/qt/theme.h"
-#include "base/texts_designer.h"
 #include "designer/result_model.h"
-#include "platform/commands.h"
+#include "zrqrybld/adapters/qt/mark.h"
+#include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/adapters/qt/say.h"
+#include "zrqrybld/adapters/qt/shortcuts.h"
+#include "zrqrybld/adapters/qt/theme.h"
+#include "zrqrybld/base/texts_designer.h"
+#include "zrqrybld/platform/commands.h"
 
 namespace zrqrybld {
 namespace {

@@ -10,8 +10,8 @@
 #include <optional>
 #include <string>
 
-#include "base/phrase.h"
 #include "designer/preview_job.h"
+#include "zrqrybld/base/phrase.h"
 
 class QLabel;
 class QPlainTextEdit;

@@ -9,16 +9,16 @@
 #include <QSettings>
 #include <utility>
 
-#include "adapters/qt/qt_text.h"
-#include "adapters/qt/say.h"
-#include "adapters/qt/shortcuts.h"
-#include "base/error.h"
-#include "base/file.h"
-#include "base/texts_designer.h"
 #include "designer/plain_box.h"
 #include "designer/recent_connections.h"
-#include "hub/query_file_reader.h"
-#include "platform/connection_string.h"
+#include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/adapters/qt/say.h"
+#include "zrqrybld/adapters/qt/shortcuts.h"
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/base/file.h"
+#include "zrqrybld/base/texts_designer.h"
+#include "zrqrybld/hub/query_file_reader.h"
+#include "zrqrybld/platform/connection_string.h"
 
 namespace zrqrybld {
 namespace {

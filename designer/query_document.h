@@ -14,8 +14,8 @@
 #include <string>
 
 #include "designer/recovery.h"
-#include "hub/query_builder.h"
-#include "platform/provider.h"
+#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/platform/provider.h"
 
 class QMenu;
 class QWidget;

@@ -5,12 +5,12 @@
 #include <QSignalBlocker>
 #include <limits>
 
-#include "adapters/qt/qt_text.h"
-#include "adapters/qt/say.h"
-#include "base/error.h"
-#include "base/texts_designer.h"
-#include "sql/dialect.h"
-#include "sql/sql_pane.h"
+#include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/adapters/qt/say.h"
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/base/texts_designer.h"
+#include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 namespace {

@@ -9,7 +9,7 @@
 #include <QToolBar>
 #include <functional>
 
-#include "hub/query_builder.h"
+#include "zrqrybld/hub/query_builder.h"
 
 namespace zrqrybld {
 

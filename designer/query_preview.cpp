@@ -2,17 +2,17 @@
 
 #include <algorithm>
 
-#include "adapters/qt/qt_text.h"
-#include "adapters/qt/say.h"
-#include "adapters/sqlite/sqlite_runner.h"
-#include "base/error.h"
-#include "base/texts_designer.h"
-#include "hub/parameter_form.h"
-#include "platform/connection_string.h"
-#include "sql/lexer.h"
-#include "sql/readable_criteria.h"
+#include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/adapters/qt/say.h"
+#include "zrqrybld/adapters/sqlite/sqlite_runner.h"
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/base/texts_designer.h"
+#include "zrqrybld/hub/parameter_form.h"
+#include "zrqrybld/platform/connection_string.h"
+#include "zrqrybld/sql/lexer.h"
+#include "zrqrybld/sql/readable_criteria.h"
 #if ZRQRYBLD_HAS_ODBC
-#include "adapters/odbc/odbc_runner.h"
+#include "zrqrybld/adapters/odbc/odbc_runner.h"
 #endif
 
 namespace zrqrybld {

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "adapters/qt/query_designer_widget.h"
 #include "designer/preview_pane.h"
+#include "zrqrybld/adapters/qt/query_designer_widget.h"
 
 namespace zrqrybld {
 

@@ -8,11 +8,11 @@
 #include <algorithm>
 #include <optional>
 
-#include "adapters/qt/qt_text.h"
-#include "adapters/qt/say.h"
-#include "base/text.h"
-#include "base/texts_designer.h"
-#include "platform/connection_string.h"
+#include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/adapters/qt/say.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/base/texts_designer.h"
+#include "zrqrybld/platform/connection_string.h"
 
 namespace zrqrybld {
 namespace {

@@ -5,7 +5,7 @@
 #include <QString>
 #include <string>
 
-#include "base/phrase.h"
+#include "zrqrybld/base/phrase.h"
 
 namespace zrqrybld {
 

@@ -12,8 +12,8 @@
 #include <QUuid>
 #include <utility>
 
-#include "adapters/qt/qt_text.h"
-#include "adapters/qt/waiting_provider.h"
+#include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/adapters/qt/waiting_provider.h"
 
 namespace zrqrybld {
 namespace {

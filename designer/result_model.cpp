@@ -4,8 +4,8 @@
 #include <iterator>
 #include <set>
 
-#include "adapters/qt/qt_text.h"
-#include "base/text.h"
+#include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/base/text.h"
 
 namespace zrqrybld {
 namespace {

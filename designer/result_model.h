@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "adapters/run/query_runner.h"
+#include "zrqrybld/adapters/run/query_runner.h"
 
 namespace zrqrybld {
 

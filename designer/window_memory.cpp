@@ -5,8 +5,8 @@
 #include <QSplitter>
 #include <cmath>
 
-#include "adapters/qt/qt_text.h"
-#include "adapters/qt/query_designer_widget.h"
+#include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/adapters/qt/query_designer_widget.h"
 
 namespace zrqrybld {
 namespace {

@@ -2,8 +2,8 @@
 // made of it gives the criterion back.
 #include <cstdlib>
 
-#include "base/error.h"
-#include "sql/criteria_formatter.h"
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/sql/criteria_formatter.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace zrqrybld;

@@ -3,8 +3,8 @@
 #include <sstream>
 #include <string>
 
-#include "base/error.h"
-#include "host/language.h"
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/host/language.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace zrqrybld;

@@ -1,8 +1,8 @@
 // Any bytes: the tokens and the white space between them are the text.
 #include <cstdlib>
 
-#include "base/text.h"
-#include "sql/lexer.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/sql/lexer.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace zrqrybld;

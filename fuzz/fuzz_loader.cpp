@@ -1,7 +1,7 @@
 // Any bytes in a designer without a source: what is read is written as a statement that is read and written the same.
 #include <cstdlib>
 
-#include "hub/query_builder.h"
+#include "zrqrybld/hub/query_builder.h"
 
 namespace {
 

@@ -2,10 +2,10 @@
 // stood, or a part of the token around it.
 #include <cstdlib>
 
-#include "base/error.h"
-#include "sql/lexer.h"
-#include "sql/parameter_values.h"
-#include "sql/parameters.h"
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/sql/lexer.h"
+#include "zrqrybld/sql/parameter_values.h"
+#include "zrqrybld/sql/parameters.h"
 
 namespace {
 

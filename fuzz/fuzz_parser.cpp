@@ -1,9 +1,9 @@
 // Any bytes: an error has its place in the text; what is read prints as a statement that is read and prints the same.
 #include <cstdlib>
 
-#include "sql/statement_parser.h"
-#include "sql/syntax_error.h"
 #include "tests/print_statement.h"
+#include "zrqrybld/sql/statement_parser.h"
+#include "zrqrybld/sql/syntax_error.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace zrqrybld;

@@ -1,7 +1,7 @@
 // Any bytes as a query file: what is loaded saves as a file that loads and saves the same.
 #include <cstdlib>
 
-#include "hub/query_builder.h"
+#include "zrqrybld/hub/query_builder.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "base/text.h"
+#include "zrqrybld/base/text.h"
 
 namespace zrqrybld::test {
 namespace {

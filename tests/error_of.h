@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "base/error.h"
+#include "zrqrybld/base/error.h"
 
 namespace zrqrybld::test {
 

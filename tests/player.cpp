@@ -2,8 +2,8 @@
 
 #include <stdexcept>
 
-#include "base/error.h"
-#include "base/text.h"
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/base/text.h"
 
 namespace zrqrybld::test {
 namespace {

@@ -1,6 +1,6 @@
 #include "tests/print_statement.h"
 
-#include "sql/statement_printer.h"
+#include "zrqrybld/sql/statement_printer.h"
 
 namespace zrqrybld::test {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "sql/select_statement.h"
+#include "zrqrybld/sql/select_statement.h"
 
 namespace zrqrybld::test {
 

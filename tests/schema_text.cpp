@@ -4,7 +4,7 @@
 #include <map>
 #include <sstream>
 
-#include "base/text.h"
+#include "zrqrybld/base/text.h"
 
 namespace zrqrybld::test {
 

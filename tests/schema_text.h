@@ -5,9 +5,9 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/database.h"
-#include "platform/provider.h"
 #include "tests/data_table.h"
+#include "zrqrybld/platform/database.h"
+#include "zrqrybld/platform/provider.h"
 
 namespace zrqrybld::test {
 

@@ -6,7 +6,7 @@
 #include <set>
 #include <string>
 
-#include "platform/headless.h"
+#include "zrqrybld/platform/headless.h"
 
 namespace zrqrybld::test {
 

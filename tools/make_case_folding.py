@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Writes base/case_folding.inc: Unicode simple case folding as ranges.
+"""Writes zrqrybld/base/case_folding.inc: Unicode simple case folding as ranges.
 
-Usage: tools/make_case_folding.py /usr/share/unicode/CaseFolding.txt > base/case_folding.inc
+Usage: tools/make_case_folding.py /usr/share/unicode/CaseFolding.txt > zrqrybld/base/case_folding.inc
 (Debian package unicode-data). A row {first, last, step, delta} folds first, first+step, ... last
 by adding delta.
 """

@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "adapters/odbc/odbc_provider.h"
-#include "adapters/sqlite/sqlite_provider.h"
-#include "diagram/table_picker.h"
-#include "hub/query_builder.h"
 #include "tests/providers/odbc_executor.h"
+#include "zrqrybld/adapters/odbc/odbc_provider.h"
+#include "zrqrybld/adapters/sqlite/sqlite_provider.h"
+#include "zrqrybld/diagram/table_picker.h"
+#include "zrqrybld/hub/query_builder.h"
 
 namespace zrqrybld {
 namespace {

@@ -1,13 +1,13 @@
 // What the shared library has of the outside: the data source providers of this build, and the system's files.
 #include <memory>
 
-#include "adapters/files/system_files.h"
-#include "automation/toolkit_object.h"
+#include "zrqrybld/adapters/files/system_files.h"
+#include "zrqrybld/automation/toolkit_object.h"
 #ifdef ZRQRYBLD_HAS_SQLITE
-#include "adapters/sqlite/sqlite_provider.h"
+#include "zrqrybld/adapters/sqlite/sqlite_provider.h"
 #endif
 #ifdef ZRQRYBLD_HAS_ODBC
-#include "adapters/odbc/odbc_provider.h"
+#include "zrqrybld/adapters/odbc/odbc_provider.h"
 #endif
 
 namespace zrqrybld {

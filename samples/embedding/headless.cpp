@@ -3,8 +3,8 @@
 #include <memory>
 #include <string>
 
-#include "adapters/sqlite/sqlite_provider.h"
-#include "hub/query_builder.h"
+#include <zrqrybld/adapters/sqlite/sqlite_provider.h>
+#include <zrqrybld/hub/query_builder.h>
 
 using namespace zrqrybld;
 

@@ -1,8 +1,8 @@
 // A query designer in an application's window: example_window FILE opens a SQLite database.
 #include <QApplication>
 
-#include "adapters/qt/query_designer_widget.h"
-#include "adapters/sqlite/sqlite_provider.h"
+#include <zrqrybld/adapters/qt/query_designer_widget.h>
+#include <zrqrybld/adapters/sqlite/sqlite_provider.h>
 
 int main(int argc, char** argv) {
   QApplication application(argc, argv);

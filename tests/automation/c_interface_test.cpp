@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "automation/zrqrybld.h"
+#include "zrqrybld/zrqrybld.h"
 
 extern "C" int32_t AbiSeenFromC(void);
 

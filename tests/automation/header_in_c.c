@@ -1,5 +1,5 @@
 /* The interface's header is C, and says so to a C compiler. */
-#include "automation/zrqrybld.h"
+#include "zrqrybld/zrqrybld.h"
 
 _Static_assert(sizeof(zrq_value) == 8 + sizeof(((zrq_value*)0)->as), "a value holds its type and what it is");
 

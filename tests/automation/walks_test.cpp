@@ -12,12 +12,12 @@
 #include <random>
 #include <set>
 
-#include "automation/classes.h"
-#include "automation/dispatch.h"
-#include "automation/toolkit_object.h"
-#include "hub/query_builder.h"
 #include "tests/error_of.h"
 #include "tests/fakes/fake_connection.h"
+#include "zrqrybld/automation/classes.h"
+#include "zrqrybld/automation/dispatch.h"
+#include "zrqrybld/automation/toolkit_object.h"
+#include "zrqrybld/hub/query_builder.h"
 
 namespace zrqrybld {
 

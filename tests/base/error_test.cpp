@@ -1,4 +1,4 @@
-#include "base/error.h"
+#include "zrqrybld/base/error.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "base/event.h"
+#include "zrqrybld/base/event.h"
 
 #include <gtest/gtest.h>
 

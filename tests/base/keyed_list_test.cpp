@@ -1,4 +1,4 @@
-#include "base/keyed_list.h"
+#include "zrqrybld/base/keyed_list.h"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,8 @@
 #include <memory>
 #include <random>
 
-#include "base/error.h"
-#include "base/text.h"
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/base/text.h"
 
 namespace zrqrybld {
 namespace {

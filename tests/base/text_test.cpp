@@ -1,4 +1,4 @@
-#include "base/text.h"
+#include "zrqrybld/base/text.h"
 
 #include <gtest/gtest.h>
 

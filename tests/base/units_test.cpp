@@ -1,8 +1,8 @@
-#include "base/units.h"
+#include "zrqrybld/base/units.h"
 
 #include <gtest/gtest.h>
 
-#include "base/scoped_value.h"
+#include "zrqrybld/base/scoped_value.h"
 
 namespace zrqrybld {
 namespace {

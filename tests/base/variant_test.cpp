@@ -1,4 +1,4 @@
-#include "base/variant.h"
+#include "zrqrybld/base/variant.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <cmath>
 #include <limits>
 
-#include "base/error.h"
+#include "zrqrybld/base/error.h"
 
 namespace zrqrybld {
 namespace {

@@ -13,9 +13,9 @@
 #include <functional>
 #include <string>
 
-#include "adapters/qt/qt_text.h"
 #include "designer/main_window.h"
-#include "diagram/relationships.h"
+#include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/diagram/relationships.h"
 
 namespace zrqrybld::test {
 

@@ -3,9 +3,9 @@
 #include <fstream>
 #include <sstream>
 
-#include "adapters/qt/access_events.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/accessible_dump.h"
+#include "zrqrybld/adapters/qt/access_events.h"
 
 namespace zrqrybld::test {
 namespace {

@@ -10,8 +10,8 @@
 #include <set>
 #include <string>
 
-#include "base/text.h"
 #include "tests/data_table.h"
+#include "zrqrybld/base/text.h"
 
 namespace zrqrybld {
 namespace {

@@ -4,12 +4,12 @@
 #include <QMenu>
 #include <map>
 
-#include "base/text.h"
-#include "diagram/join_line.h"
 #include "tests/data_table.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/hands.h"
 #include "tests/qt/pictures.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/join_line.h"
 
 namespace zrqrybld {
 namespace {

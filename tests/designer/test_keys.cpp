@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <sstream>
 
-#include "adapters/qt/find_bar.h"
 #include "tests/data_table.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/hands.h"
+#include "zrqrybld/adapters/qt/find_bar.h"
 
 namespace zrqrybld {
 namespace {

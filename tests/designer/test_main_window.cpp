@@ -9,11 +9,11 @@
 #include <QTest>
 #include <QTimer>
 
-#include "adapters/qt/connection_window.h"
-#include "adapters/qt/qt_text.h"
 #include "designer/main_window.h"
 #include "tests/qt/modal.h"
 #include "tests/sqlite/database_file.h"
+#include "zrqrybld/adapters/qt/connection_window.h"
+#include "zrqrybld/adapters/qt/qt_text.h"
 
 namespace zrqrybld {
 namespace {

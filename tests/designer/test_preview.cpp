@@ -12,11 +12,11 @@
 
 #include "designer/query_preview.h"
 #include "designer/result_model.h"
-#include "diagram/relationships.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/palettes.h"
 #include "tests/qt/pictures.h"
 #include "tests/sqlite/database_file.h"
+#include "zrqrybld/diagram/relationships.h"
 
 namespace zrqrybld {
 namespace {

@@ -16,11 +16,11 @@
 #include <QTemporaryDir>
 #include <QTreeWidget>
 
-#include "base/text.h"
 #include "designer/key_list.h"
 #include "designer/recent_connections.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/modal.h"
+#include "zrqrybld/base/text.h"
 
 namespace zrqrybld {
 namespace {

@@ -11,9 +11,9 @@
 #include <map>
 
 #include "designer/appearance.h"
-#include "diagram/relationships.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/pictures.h"
+#include "zrqrybld/diagram/relationships.h"
 
 namespace zrqrybld::test {
 namespace {

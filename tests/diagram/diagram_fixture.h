@@ -6,13 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "diagram/diagram_pane.h"
-#include "diagram/entities.h"
-#include "diagram/join_line.h"
-#include "diagram/relationships.h"
-#include "platform/headless.h"
 #include "tests/error_of.h"
 #include "tests/fakes/recording_canvas.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/join_line.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/platform/headless.h"
 
 namespace zrqrybld::test {
 

@@ -4,8 +4,8 @@
 #include <map>
 #include <random>
 
-#include "diagram/placement.h"
-#include "diagram/routing.h"
+#include "zrqrybld/diagram/placement.h"
+#include "zrqrybld/diagram/routing.h"
 
 namespace zrqrybld {
 namespace {

@@ -4,9 +4,9 @@
 #include <fstream>
 #include <random>
 
-#include "base/text.h"
-#include "diagram/arrange.h"
 #include "tests/diagram/diagram_fixture.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/arrange.h"
 
 namespace zrqrybld {
 namespace {

@@ -2,9 +2,9 @@
 // tests/data/diagram.txt.
 #include <set>
 
-#include "base/text.h"
 #include "tests/diagram/diagram_fixture.h"
 #include "tests/player.h"
+#include "zrqrybld/base/text.h"
 
 namespace zrqrybld {
 namespace {

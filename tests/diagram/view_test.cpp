@@ -2,9 +2,9 @@
 #include <cmath>
 #include <random>
 
-#include "diagram/routing.h"
 #include "tests/diagram/diagram_fixture.h"
 #include "tests/stored_properties.h"
+#include "zrqrybld/diagram/routing.h"
 
 namespace zrqrybld {
 namespace {

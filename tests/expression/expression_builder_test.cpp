@@ -1,10 +1,10 @@
-#include "expression/expression_builder.h"
+#include "zrqrybld/expression/expression_builder.h"
 
 #include <gtest/gtest.h>
 
-#include "base/text.h"
 #include "tests/data_table.h"
 #include "tests/expression/known_source.h"
+#include "zrqrybld/base/text.h"
 
 namespace zrqrybld::test {
 namespace {

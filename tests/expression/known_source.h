@@ -3,8 +3,8 @@
 
 #include <memory>
 
-#include "hub/query_builder.h"
 #include "tests/fakes/fake_connection.h"
+#include "zrqrybld/hub/query_builder.h"
 
 namespace zrqrybld::test {
 

@@ -1,16 +1,16 @@
-#include "expression/suggestions.h"
+#include "zrqrybld/expression/suggestions.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <map>
 
-#include "base/text.h"
-#include "expression/predictive_typing.h"
-#include "expression/schema_cache.h"
-#include "sql/source_rules.h"
 #include "tests/data_table.h"
 #include "tests/expression/known_source.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/expression/predictive_typing.h"
+#include "zrqrybld/expression/schema_cache.h"
+#include "zrqrybld/sql/source_rules.h"
 
 namespace zrqrybld::test {
 namespace {

@@ -11,10 +11,10 @@
 #include <utility>
 #include <vector>
 
-#include "base/error.h"
-#include "platform/database.h"
-#include "platform/schema_fields.h"
-#include "platform/table_row_set.h"
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/platform/database.h"
+#include "zrqrybld/platform/schema_fields.h"
+#include "zrqrybld/platform/table_row_set.h"
 
 namespace zrqrybld::test {
 

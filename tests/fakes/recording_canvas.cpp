@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "base/text.h"
+#include "zrqrybld/base/text.h"
 
 namespace zrqrybld {
 namespace {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/canvas.h"
+#include "zrqrybld/platform/canvas.h"
 
 namespace zrqrybld {
 

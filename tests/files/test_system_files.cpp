@@ -6,7 +6,7 @@
 #include <fstream>
 #include <random>
 
-#include "adapters/files/system_files.h"
+#include "zrqrybld/adapters/files/system_files.h"
 
 namespace zrqrybld {
 namespace {

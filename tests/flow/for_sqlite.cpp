@@ -1,5 +1,5 @@
-#include "base/text.h"
 #include "tests/flow/headless_designer.h"
+#include "zrqrybld/base/text.h"
 
 namespace zrqrybld::test {
 

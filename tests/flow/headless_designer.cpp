@@ -2,9 +2,9 @@
 
 #include <stdexcept>
 
-#include "adapters/sqlite/sqlite_provider.h"
-#include "base/text.h"
-#include "diagram/relationships.h"
+#include "zrqrybld/adapters/sqlite/sqlite_provider.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/relationships.h"
 
 namespace zrqrybld::test {
 

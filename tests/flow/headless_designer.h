@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "hub/query_builder.h"
+#include "zrqrybld/hub/query_builder.h"
 
 namespace zrqrybld::test {
 

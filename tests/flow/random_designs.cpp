@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <array>
 
-#include "base/text.h"
-#include "diagram/relationships.h"
 #include "tests/flow/headless_designer.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/relationships.h"
 
 namespace zrqrybld::test {
 namespace {

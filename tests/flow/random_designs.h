@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "hub/query_builder.h"
 #include "tests/flow/store_rows.h"
+#include "zrqrybld/hub/query_builder.h"
 
 namespace zrqrybld::test {
 

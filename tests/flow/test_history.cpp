@@ -3,12 +3,12 @@
 
 #include <functional>
 
-#include "base/text.h"
-#include "diagram/relationships.h"
-#include "grid/grid_columns.h"
-#include "platform/headless.h"
 #include "tests/flow/headless_designer.h"
 #include "tests/flow/random_designs.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/grid/grid_columns.h"
+#include "zrqrybld/platform/headless.h"
 
 namespace zrqrybld {
 namespace {

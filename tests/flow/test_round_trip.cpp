@@ -6,11 +6,11 @@
 #include <map>
 #include <set>
 
-#include "base/text.h"
-#include "diagram/relationships.h"
-#include "sql/diagnostics.h"
 #include "tests/flow/headless_designer.h"
 #include "tests/flow/random_designs.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/sql/diagnostics.h"
 
 namespace zrqrybld {
 namespace {

@@ -2,9 +2,9 @@
 #include <algorithm>
 #include <random>
 
-#include "grid/sort_order.h"
 #include "tests/hub/hub_fixture.h"
 #include "tests/stored_properties.h"
+#include "zrqrybld/grid/sort_order.h"
 
 namespace zrqrybld {
 namespace {

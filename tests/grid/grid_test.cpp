@@ -1,13 +1,13 @@
 // The grid control alone: the scenarios of tests/data/grid_alone.txt, and the layout.
-#include "grid/grid.h"
+#include "zrqrybld/grid/grid.h"
 
 #include <gtest/gtest.h>
 
 #include <random>
 
-#include "base/text.h"
-#include "platform/headless.h"
 #include "tests/player.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/platform/headless.h"
 
 namespace zrqrybld {
 namespace {

@@ -1,11 +1,11 @@
 // The combo alone, by the rows of tests/data/combo.txt.
-#include "grid/simple_combo.h"
+#include "zrqrybld/grid/simple_combo.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/headless.h"
 #include "tests/fakes/recording_canvas.h"
 #include "tests/player.h"
+#include "zrqrybld/platform/headless.h"
 
 namespace zrqrybld {
 namespace {

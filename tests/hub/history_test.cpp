@@ -1,6 +1,6 @@
 // Undo and redo: what is a step and what is none, and what undoing must leave alone.
-#include "diagram/table_picker.h"
 #include "tests/hub/hub_fixture.h"
+#include "zrqrybld/diagram/table_picker.h"
 
 namespace zrqrybld {
 namespace {

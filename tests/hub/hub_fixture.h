@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "base/text.h"
-#include "diagram/relationships.h"
-#include "hub/query_builder.h"
-#include "platform/headless.h"
 #include "tests/error_of.h"
 #include "tests/fakes/fake_connection.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/platform/headless.h"
 
 namespace zrqrybld::test {
 

@@ -1,9 +1,9 @@
 // The language of a designer: what panes, refusals and remarks say, by the language file of the samples.
 #include <fstream>
 
-#include "base/texts.h"
-#include "host/language.h"
 #include "tests/hub/hub_fixture.h"
+#include "zrqrybld/base/texts.h"
+#include "zrqrybld/host/language.h"
 
 namespace zrqrybld {
 namespace {

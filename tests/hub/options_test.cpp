@@ -1,10 +1,10 @@
 // The hub's options, join properties, connecting, questions about the source, progress, renaming.
 #include <cmath>
 
-#include "hub/query_builder.h"
 #include "tests/diagram/diagram_fixture.h"
 #include "tests/error_of.h"
 #include "tests/fakes/fake_connection.h"
+#include "zrqrybld/hub/query_builder.h"
 
 namespace zrqrybld {
 namespace {

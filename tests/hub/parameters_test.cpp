@@ -1,10 +1,10 @@
-#include "sql/parameters.h"
+#include "zrqrybld/sql/parameters.h"
 
 #include <gtest/gtest.h>
 
-#include "hub/parameter_form.h"
 #include "tests/data_table.h"
 #include "tests/hub/hub_fixture.h"
+#include "zrqrybld/hub/parameter_form.h"
 
 namespace zrqrybld {
 namespace {

@@ -1,7 +1,7 @@
-#include "sql/statement_parser.h"
 #include "tests/data_table.h"
 #include "tests/error_of.h"
 #include "tests/hub/hub_fixture.h"
+#include "zrqrybld/sql/statement_parser.h"
 
 namespace zrqrybld {
 namespace {

@@ -8,9 +8,9 @@
 #include <span>
 #include <sstream>
 
-#include "base/file.h"
 #include "tests/data_table.h"
 #include "tests/hub/hub_fixture.h"
+#include "zrqrybld/base/file.h"
 
 namespace zrqrybld {
 namespace {

@@ -3,8 +3,8 @@
 #include <functional>
 #include <iterator>
 
-#include "grid/grid_columns.h"
 #include "tests/hub/hub_fixture.h"
+#include "zrqrybld/grid/grid_columns.h"
 
 namespace zrqrybld {
 namespace {

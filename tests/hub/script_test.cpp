@@ -2,9 +2,9 @@
 // designer holds after each step.
 #include <stdexcept>
 
-#include "diagram/table_picker.h"
 #include "tests/hub/hub_fixture.h"
 #include "tests/player.h"
+#include "zrqrybld/diagram/table_picker.h"
 
 namespace zrqrybld {
 namespace {

@@ -1,8 +1,8 @@
-#include "hub/utility.h"
+#include "zrqrybld/hub/utility.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/headless.h"
+#include "zrqrybld/platform/headless.h"
 
 namespace zrqrybld {
 namespace {

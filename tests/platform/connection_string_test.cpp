@@ -1,12 +1,12 @@
-#include "platform/connection_string.h"
+#include "zrqrybld/platform/connection_string.h"
 
 #include <gtest/gtest.h>
 
 #include <random>
 
-#include "base/text.h"
-#include "platform/connection_policy.h"
 #include "tests/data_table.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/platform/connection_policy.h"
 
 namespace zrqrybld {
 namespace {

@@ -1,13 +1,13 @@
-#include "platform/provider.h"
+#include "zrqrybld/platform/provider.h"
 
 #include <gtest/gtest.h>
 
-#include "base/error.h"
-#include "platform/headless.h"
-#include "platform/mirrored_canvas.h"
-#include "platform/schema_fields.h"
-#include "platform/table_row_set.h"
 #include "tests/fakes/recording_canvas.h"
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/platform/headless.h"
+#include "zrqrybld/platform/mirrored_canvas.h"
+#include "zrqrybld/platform/schema_fields.h"
+#include "zrqrybld/platform/table_row_set.h"
 
 namespace zrqrybld {
 namespace {

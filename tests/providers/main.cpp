@@ -9,10 +9,10 @@
 #include <utility>
 #include <vector>
 
-#include "base/error.h"
-#include "platform/schema_fields.h"
 #include "tests/providers/sources.h"
 #include "tests/schema_text.h"
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/platform/schema_fields.h"
 
 namespace zrqrybld {
 namespace {

@@ -4,8 +4,8 @@
 #include <stdexcept>
 #include <string>
 
-#include "adapters/odbc/odbc_handle.h"
-#include "adapters/odbc/odbc_text.h"
+#include "zrqrybld/adapters/odbc/odbc_handle.h"
+#include "zrqrybld/adapters/odbc/odbc_text.h"
 
 namespace zrqrybld::test {
 

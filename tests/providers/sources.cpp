@@ -5,11 +5,11 @@
 #include <map>
 #include <utility>
 
-#include "adapters/odbc/odbc_provider.h"
-#include "adapters/sqlite/sqlite_provider.h"
-#include "base/text.h"
 #include "tests/providers/odbc_executor.h"
 #include "tests/sqlite/database_file.h"
+#include "zrqrybld/adapters/odbc/odbc_provider.h"
+#include "zrqrybld/adapters/sqlite/sqlite_provider.h"
+#include "zrqrybld/base/text.h"
 
 namespace zrqrybld::test {
 namespace {

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/provider.h"
+#include "zrqrybld/platform/provider.h"
 
 namespace zrqrybld::test {
 

@@ -11,13 +11,13 @@
 #include <string>
 #include <vector>
 
-#include "base/text.h"
-#include "expression/placeholders.h"
-#include "sql/dialect_functions.h"
-#include "sql/dialect_words.h"
 #include "tests/data_table.h"
 #include "tests/providers/odbc_executor.h"
 #include "tests/providers/provider_test.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/expression/placeholders.h"
+#include "zrqrybld/sql/dialect_functions.h"
+#include "zrqrybld/sql/dialect_words.h"
 
 namespace zrqrybld {
 namespace {

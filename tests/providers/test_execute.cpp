@@ -5,14 +5,14 @@
 #include <string>
 #include <vector>
 
-#include "base/text.h"
-#include "diagram/relationships.h"
-#include "diagram/table_picker.h"
-#include "hub/query_builder.h"
-#include "platform/headless.h"
 #include "tests/data_table.h"
 #include "tests/providers/provider_test.h"
 #include "tests/schema_text.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/diagram/table_picker.h"
+#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/platform/headless.h"
 
 namespace zrqrybld {
 namespace {

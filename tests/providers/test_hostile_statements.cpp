@@ -3,13 +3,13 @@
 
 #include <filesystem>
 
-#include "adapters/odbc/odbc_runner.h"
-#include "adapters/sqlite/sqlite_runner.h"
-#include "base/error.h"
-#include "base/text.h"
 #include "tests/data_table.h"
 #include "tests/providers/provider_test.h"
 #include "tests/sqlite/database_file.h"
+#include "zrqrybld/adapters/odbc/odbc_runner.h"
+#include "zrqrybld/adapters/sqlite/sqlite_runner.h"
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/base/text.h"
 
 namespace zrqrybld {
 namespace {

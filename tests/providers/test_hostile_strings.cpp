@@ -7,17 +7,17 @@
 #include <filesystem>
 #include <fstream>
 
-#include "adapters/odbc/odbc_provider.h"
-#include "adapters/odbc/odbc_runner.h"
-#include "base/error.h"
-#include "base/text.h"
-#include "diagram/relationships.h"
-#include "hub/query_builder.h"
-#include "platform/headless.h"
 #include "tests/data_table.h"
 #include "tests/providers/provider_test.h"
 #include "tests/providers/tcp_proxy.h"
 #include "tests/sqlite/database_file.h"
+#include "zrqrybld/adapters/odbc/odbc_provider.h"
+#include "zrqrybld/adapters/odbc/odbc_runner.h"
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/platform/headless.h"
 
 namespace zrqrybld {
 namespace {

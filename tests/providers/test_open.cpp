@@ -12,17 +12,17 @@
 #include <optional>
 #include <string>
 
-#include "adapters/odbc/data_sources.h"
-#include "adapters/odbc/odbc_handle.h"
-#include "adapters/odbc/odbc_provider.h"
-#include "base/error.h"
-#include "base/text.h"
-#include "hub/query_builder.h"
-#include "platform/headless.h"
 #include "tests/data_table.h"
 #include "tests/providers/provider_test.h"
 #include "tests/schema_text.h"
 #include "tests/sqlite/database_file.h"
+#include "zrqrybld/adapters/odbc/data_sources.h"
+#include "zrqrybld/adapters/odbc/odbc_handle.h"
+#include "zrqrybld/adapters/odbc/odbc_provider.h"
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/platform/headless.h"
 
 namespace zrqrybld {
 namespace {

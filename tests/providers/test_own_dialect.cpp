@@ -2,11 +2,11 @@
 // is read back as it was.
 #include <gtest/gtest.h>
 
-#include "base/text.h"
-#include "diagram/relationships.h"
-#include "hub/query_builder.h"
 #include "tests/providers/odbc_executor.h"
 #include "tests/providers/provider_test.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/hub/query_builder.h"
 
 namespace zrqrybld {
 namespace {

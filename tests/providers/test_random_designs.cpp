@@ -4,9 +4,9 @@
 #include <iostream>
 #include <sstream>
 
-#include "base/text.h"
 #include "tests/flow/random_designs.h"
 #include "tests/providers/provider_test.h"
+#include "zrqrybld/base/text.h"
 
 namespace zrqrybld {
 namespace {

@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "base/text.h"
-#include "platform/schema_fields.h"
 #include "tests/providers/provider_test.h"
 #include "tests/schema_text.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/platform/schema_fields.h"
 
 namespace zrqrybld {
 namespace {

@@ -6,13 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "base/text.h"
-#include "diagram/table_picker.h"
-#include "hub/parameter_form.h"
-#include "platform/headless.h"
 #include "tests/data_table.h"
 #include "tests/providers/odbc_executor.h"
 #include "tests/providers/provider_test.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/table_picker.h"
+#include "zrqrybld/hub/parameter_form.h"
+#include "zrqrybld/platform/headless.h"
 
 namespace zrqrybld {
 namespace {

@@ -12,10 +12,10 @@
 #include <string>
 #include <vector>
 
-#include "adapters/qt/connection_window.h"
-#include "adapters/qt/join_window.h"
-#include "adapters/qt/qt_text.h"
-#include "adapters/qt/tables_window.h"
+#include "zrqrybld/adapters/qt/connection_window.h"
+#include "zrqrybld/adapters/qt/join_window.h"
+#include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/adapters/qt/tables_window.h"
 
 namespace zrqrybld {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "adapters/qt/theme.h"
+#include "zrqrybld/adapters/qt/theme.h"
 
 namespace zrqrybld {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/control.h"
+#include "zrqrybld/platform/control.h"
 
 namespace zrqrybld {
 

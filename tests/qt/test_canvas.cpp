@@ -7,9 +7,9 @@
 #include <functional>
 #include <memory>
 
-#include "adapters/qt/qt_canvas.h"
-#include "adapters/qt/qt_text.h"
 #include "tests/qt/palettes.h"
+#include "zrqrybld/adapters/qt/qt_canvas.h"
+#include "zrqrybld/adapters/qt/qt_text.h"
 
 namespace zrqrybld {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <map>
 
-#include "adapters/qt/connection_choice.h"
-#include "platform/connection_string.h"
 #include "tests/data_table.h"
+#include "zrqrybld/adapters/qt/connection_choice.h"
+#include "zrqrybld/platform/connection_string.h"
 
 namespace zrqrybld {
 namespace {

@@ -10,12 +10,12 @@
 #include <QTabWidget>
 #include <QTemporaryDir>
 
-#include "adapters/qt/name_list.h"
-#include "adapters/qt/qt_toolkit.h"
-#include "adapters/qt/theme.h"
 #include "tests/qt/dialogs.h"
 #include "tests/qt/modal.h"
 #include "tests/qt/pictures.h"
+#include "zrqrybld/adapters/qt/name_list.h"
+#include "zrqrybld/adapters/qt/qt_toolkit.h"
+#include "zrqrybld/adapters/qt/theme.h"
 
 namespace zrqrybld {
 namespace {

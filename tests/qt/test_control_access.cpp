@@ -3,10 +3,10 @@
 #include <QApplication>
 #include <memory>
 
-#include "adapters/qt/access_events.h"
-#include "adapters/qt/control_widget.h"
-#include "diagram/diagram_pane.h"
-#include "diagram/entities.h"
+#include "zrqrybld/adapters/qt/access_events.h"
+#include "zrqrybld/adapters/qt/control_widget.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
 
 namespace zrqrybld {
 namespace {

@@ -10,13 +10,13 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "adapters/qt/control_widget.h"
-#include "adapters/qt/qt_input.h"
-#include "adapters/qt/qt_text.h"
-#include "base/error.h"
 #include "tests/data_table.h"
 #include "tests/qt/palettes.h"
 #include "tests/qt/probe_control.h"
+#include "zrqrybld/adapters/qt/control_widget.h"
+#include "zrqrybld/adapters/qt/qt_input.h"
+#include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/base/error.h"
 
 namespace zrqrybld {
 namespace {

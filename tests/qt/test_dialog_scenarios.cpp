@@ -7,9 +7,9 @@
 #include <QTabWidget>
 #include <QTemporaryDir>
 
-#include "adapters/qt/mark.h"
 #include "tests/player.h"
 #include "tests/qt/dialogs.h"
+#include "zrqrybld/adapters/qt/mark.h"
 
 namespace zrqrybld {
 namespace {

@@ -7,8 +7,8 @@
 #include <QTabWidget>
 #include <QTimer>
 
-#include "adapters/qt/qt_toolkit.h"
 #include "tests/qt/dialogs.h"
+#include "zrqrybld/adapters/qt/qt_toolkit.h"
 
 namespace zrqrybld {
 namespace {

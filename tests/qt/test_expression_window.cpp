@@ -9,12 +9,12 @@
 #include <QToolButton>
 #include <QTreeWidget>
 
-#include "adapters/qt/expression_window.h"
-#include "adapters/qt/qt_text.h"
-#include "adapters/qt/qt_text_area.h"
 #include "tests/expression/known_source.h"
 #include "tests/qt/hands.h"
 #include "tests/qt/pictures.h"
+#include "zrqrybld/adapters/qt/expression_window.h"
+#include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/adapters/qt/qt_text_area.h"
 
 namespace zrqrybld {
 namespace {

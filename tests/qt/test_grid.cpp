@@ -8,14 +8,14 @@
 #include <QTest>
 #include <QTimer>
 
-#include "adapters/qt/control_widget.h"
-#include "adapters/qt/qt_text.h"
 #include "tests/fakes/recording_canvas.h"
 #include "tests/hub/hub_fixture.h"
 #include "tests/player.h"
 #include "tests/qt/hands.h"
 #include "tests/qt/palettes.h"
 #include "tests/qt/pictures.h"
+#include "zrqrybld/adapters/qt/control_widget.h"
+#include "zrqrybld/adapters/qt/qt_text.h"
 
 namespace zrqrybld {
 namespace {

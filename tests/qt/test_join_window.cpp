@@ -8,12 +8,12 @@
 #include <QWindow>
 #include <algorithm>
 
-#include "adapters/qt/mark.h"
-#include "adapters/qt/qt_toolkit.h"
-#include "adapters/qt/theme.h"
 #include "tests/qt/dialogs.h"
 #include "tests/qt/modal.h"
 #include "tests/qt/pictures.h"
+#include "zrqrybld/adapters/qt/mark.h"
+#include "zrqrybld/adapters/qt/qt_toolkit.h"
+#include "zrqrybld/adapters/qt/theme.h"
 
 namespace zrqrybld {
 namespace {

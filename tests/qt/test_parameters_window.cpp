@@ -10,13 +10,13 @@
 #include <QTest>
 #include <algorithm>
 
-#include "adapters/qt/parameters_window.h"
-#include "adapters/qt/qt_text.h"
-#include "adapters/qt/qt_text_area.h"
-#include "adapters/qt/qt_toolkit.h"
-#include "hub/parameter_form.h"
 #include "tests/qt/modal.h"
 #include "tests/qt/pictures.h"
+#include "zrqrybld/adapters/qt/parameters_window.h"
+#include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/adapters/qt/qt_text_area.h"
+#include "zrqrybld/adapters/qt/qt_toolkit.h"
+#include "zrqrybld/hub/parameter_form.h"
 
 namespace zrqrybld {
 namespace {

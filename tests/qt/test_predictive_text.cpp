@@ -5,12 +5,12 @@
 #include <QTest>
 #include <map>
 
-#include "adapters/qt/predictive_text.h"
-#include "adapters/qt/qt_text.h"
-#include "adapters/qt/sql_highlighter.h"
 #include "tests/data_table.h"
 #include "tests/expression/known_source.h"
 #include "tests/qt/pictures.h"
+#include "zrqrybld/adapters/qt/predictive_text.h"
+#include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/adapters/qt/sql_highlighter.h"
 
 namespace zrqrybld {
 namespace {

@@ -1,8 +1,8 @@
 // The diagram's SVG picture, read by somebody else's reader of XML.
 #include <QXmlStreamReader>
 
-#include "adapters/qt/qt_text.h"
 #include "tests/diagram/diagram_fixture.h"
+#include "zrqrybld/adapters/qt/qt_text.h"
 
 namespace zrqrybld {
 namespace {

@@ -9,12 +9,12 @@
 #include <QTextLayout>
 #include <stdexcept>
 
-#include "adapters/qt/qt_text.h"
-#include "adapters/qt/qt_text_area.h"
-#include "adapters/qt/query_designer_widget.h"
-#include "sql/brackets.h"
 #include "tests/player.h"
 #include "tests/qt/pictures.h"
+#include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/adapters/qt/qt_text_area.h"
+#include "zrqrybld/adapters/qt/query_designer_widget.h"
+#include "zrqrybld/sql/brackets.h"
 
 namespace zrqrybld {
 namespace {

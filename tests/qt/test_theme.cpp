@@ -5,9 +5,9 @@
 #include <QPainter>
 #include <algorithm>
 
-#include "adapters/qt/qt_canvas.h"
-#include "adapters/qt/theme.h"
 #include "tests/qt/palettes.h"
+#include "zrqrybld/adapters/qt/qt_canvas.h"
+#include "zrqrybld/adapters/qt/theme.h"
 
 namespace zrqrybld {
 namespace {

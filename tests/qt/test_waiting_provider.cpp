@@ -1,5 +1,5 @@
 // Asking a slow source: the window lives, and a question can be stopped.
-#include "adapters/qt/waiting_provider.h"
+#include "zrqrybld/adapters/qt/waiting_provider.h"
 
 #include <gtest/gtest.h>
 
@@ -11,10 +11,10 @@
 #include <atomic>
 #include <future>
 
-#include "base/error.h"
-#include "platform/schema_fields.h"
-#include "platform/table_row_set.h"
 #include "tests/qt/modal.h"
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/platform/schema_fields.h"
+#include "zrqrybld/platform/table_row_set.h"
 
 namespace zrqrybld {
 namespace {

@@ -1,13 +1,13 @@
-#include "sql/criteria_formatter.h"
+#include "zrqrybld/sql/criteria_formatter.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <random>
 
-#include "base/error.h"
-#include "base/text.h"
 #include "tests/data_table.h"
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/base/text.h"
 
 namespace zrqrybld {
 namespace {

@@ -1,16 +1,16 @@
 // The functions of the databases' own languages, together with the default catalog that they stand beside.
-#include "sql/dialect_functions.h"
+#include "zrqrybld/sql/dialect_functions.h"
 
 #include <gtest/gtest.h>
 
 #include <set>
 #include <string>
 
-#include "base/text.h"
-#include "hub/query_builder.h"
-#include "platform/headless.h"
-#include "sql/statement_parser.h"
-#include "sql/syntax_error.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/platform/headless.h"
+#include "zrqrybld/sql/statement_parser.h"
+#include "zrqrybld/sql/syntax_error.h"
 
 namespace zrqrybld {
 namespace {

@@ -1,14 +1,14 @@
-#include "sql/generator.h"
-#include "sql/diagnostics.h"
+#include "zrqrybld/sql/generator.h"
+#include "zrqrybld/sql/diagnostics.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
-#include "base/text.h"
 #include "tests/data_table.h"
 #include "tests/error_of.h"
 #include "tests/sql/name_rules.h"
+#include "zrqrybld/base/text.h"
 
 namespace zrqrybld {
 namespace {

@@ -1,13 +1,13 @@
-#include "sql/join_list.h"
+#include "zrqrybld/sql/join_list.h"
 
 #include <gtest/gtest.h>
 
 #include <random>
 #include <set>
 
-#include "base/text.h"
 #include "tests/data_table.h"
 #include "tests/error_of.h"
+#include "zrqrybld/base/text.h"
 
 namespace zrqrybld {
 namespace {

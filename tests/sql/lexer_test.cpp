@@ -1,11 +1,11 @@
-#include "sql/lexer.h"
+#include "zrqrybld/sql/lexer.h"
 
 #include <gtest/gtest.h>
 
 #include <random>
 
-#include "base/text.h"
 #include "tests/data_table.h"
+#include "zrqrybld/base/text.h"
 
 namespace zrqrybld {
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "sql/names.h"
+#include "zrqrybld/sql/names.h"
 
 namespace zrqrybld::test {
 

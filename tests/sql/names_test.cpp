@@ -1,12 +1,12 @@
-#include "sql/names.h"
+#include "zrqrybld/sql/names.h"
 
 #include <gtest/gtest.h>
 
 #include <random>
 
-#include "sql/lexer.h"
 #include "tests/data_table.h"
 #include "tests/sql/name_rules.h"
+#include "zrqrybld/sql/lexer.h"
 
 namespace zrqrybld {
 namespace {

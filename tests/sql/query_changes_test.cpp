@@ -1,11 +1,11 @@
-#include "sql/query_changes.h"
+#include "zrqrybld/sql/query_changes.h"
 
 #include <gtest/gtest.h>
 
 #include <sstream>
 
-#include "base/text.h"
 #include "tests/data_table.h"
+#include "zrqrybld/base/text.h"
 
 namespace zrqrybld {
 namespace {

@@ -1,9 +1,9 @@
 // Renaming a table inside texts that somebody typed.
 #include <gtest/gtest.h>
 
-#include "sql/rename.h"
 #include "tests/data_table.h"
 #include "tests/sql/name_rules.h"
+#include "zrqrybld/sql/rename.h"
 
 namespace zrqrybld {
 namespace {

@@ -1,11 +1,11 @@
-#include "sql/statement_parser.h"
+#include "zrqrybld/sql/statement_parser.h"
 
 #include <gtest/gtest.h>
 #include <pthread.h>
 
-#include "sql/syntax_error.h"
 #include "tests/data_table.h"
 #include "tests/print_statement.h"
+#include "zrqrybld/sql/syntax_error.h"
 
 namespace zrqrybld {
 namespace {

@@ -1,13 +1,13 @@
 // Looking at rows: what may be sent to a source, what its errors tell, and SQLite itself.
 #include <gtest/gtest.h>
 
-#include "adapters/run/error_place.h"
-#include "adapters/run/source_sql.h"
-#include "adapters/sqlite/sqlite_runner.h"
-#include "base/error.h"
-#include "base/text.h"
 #include "tests/data_table.h"
 #include "tests/sqlite/database_file.h"
+#include "zrqrybld/adapters/run/error_place.h"
+#include "zrqrybld/adapters/run/source_sql.h"
+#include "zrqrybld/adapters/sqlite/sqlite_runner.h"
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/base/text.h"
 
 namespace zrqrybld {
 namespace {

@@ -8,9 +8,9 @@
 #include <string>
 #include <utility>
 
-#include "adapters/sqlite/sqlite_provider.h"
 #include "tests/data_table.h"
 #include "tests/sqlite/database_file.h"
+#include "zrqrybld/adapters/sqlite/sqlite_provider.h"
 
 namespace zrqrybld {
 namespace {

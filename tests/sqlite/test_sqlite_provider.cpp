@@ -16,13 +16,13 @@
 #include <utility>
 #include <vector>
 
-#include "adapters/sqlite/sqlite_provider.h"
-#include "adapters/sqlite/sqlite_types.h"
-#include "base/error.h"
-#include "base/text.h"
-#include "platform/schema_fields.h"
 #include "tests/schema_text.h"
 #include "tests/sqlite/database_file.h"
+#include "zrqrybld/adapters/sqlite/sqlite_provider.h"
+#include "zrqrybld/adapters/sqlite/sqlite_types.h"
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/platform/schema_fields.h"
 
 namespace zrqrybld {
 namespace {

@@ -11,10 +11,10 @@
 #include <iostream>
 #include <iterator>
 
-#include "adapters/sqlite/sqlite_provider.h"
-#include "base/text.h"
-#include "hub/query_builder.h"
-#include "sql/dialect.h"
+#include "zrqrybld/adapters/sqlite/sqlite_provider.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/sql/dialect.h"
 
 namespace {
 

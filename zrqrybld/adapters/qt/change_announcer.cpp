@@ -1,0 +1,36 @@
+#include "zrqrybld/adapters/qt/change_announcer.h"
+
+#include <QTimer>
+#include <utility>
+
+#include "zrqrybld/adapters/qt/access_events.h"
+#include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/sql/query_changes.h"
+
+namespace zrqrybld {
+
+ChangeAnnouncer::ChangeAnnouncer(qbQueryBuilder& hub, QWidget* window) : Announcer(window), hub_(hub) {
+  QAccessible::installActivationObserver(this);
+  links_.push_back(hub.SQLPane()->SQLChanged.Connect([this] { CompareSoon(); }));
+  links_.push_back(hub.Info.Connect([this](QueryBuilderInfoEnum&, Variant&) { CompareSoon(); }));
+  if (AccessIsHeard()) before_ = hub_.Snapshot();
+}
+
+ChangeAnnouncer::~ChangeAnnouncer() { QAccessible::removeActivationObserver(this); }
+
+void ChangeAnnouncer::accessibilityActiveChanged(bool active) { before_ = active ? hub_.Snapshot() : QuerySnapshot(); }
+
+// Everything that one action of the user's brings is one sentence.
+void ChangeAnnouncer::CompareSoon() {
+  if (waiting_ || !AccessIsHeard()) return;
+  waiting_ = true;
+  QTimer::singleShot(0, this, [this] { Compare(); });
+}
+
+void ChangeAnnouncer::Compare() {
+  waiting_ = false;
+  const QuerySnapshot before = std::exchange(before_, hub_.Snapshot());
+  Say(ToQString(DescribeChanges(before, before_, *hub_.Texts())));
+}
+
+}  // namespace zrqrybld

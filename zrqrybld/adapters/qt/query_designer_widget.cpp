@@ -1,0 +1,99 @@
+#include "zrqrybld/adapters/qt/query_designer_widget.h"
+
+#include <QApplication>
+#include <QShortcut>
+#include <algorithm>
+#include <array>
+
+#include "zrqrybld/adapters/qt/change_announcer.h"
+#include "zrqrybld/adapters/qt/predictive_text.h"
+#include "zrqrybld/adapters/qt/say.h"
+#include "zrqrybld/adapters/qt/shortcuts.h"
+#include "zrqrybld/adapters/qt/sql_highlighter.h"
+#include "zrqrybld/base/texts_qt.h"
+#include "zrqrybld/sql/brackets.h"
+
+namespace zrqrybld {
+namespace {
+
+// How the panes share the height at first.
+constexpr int kDiagramShare = 46;
+constexpr int kGridShare = 28;
+constexpr int kSqlShare = 26;
+
+}  // namespace
+
+QueryDesignerWidget::QueryDesignerWidget(QWidget* parent)
+    : QSplitter(Qt::Vertical, parent),
+      toolkit_(std::make_shared<QtToolkit>(this)),
+      hub_(qbQueryBuilder::Create(toolkit_)),
+      diagram_(new ControlWidget(nullptr, this)),
+      grid_(new ControlWidget(nullptr, this)),
+      sql_(new QtTextArea(this)) {
+  const Ref<qbDiagramPane> diagram = qbDiagramPane::Create();
+  const Ref<qbGridPane> grid = qbGridPane::Create();
+  const Ref<qbSQLPane> sql = qbSQLPane::Create();
+  hub_->SetDiagramPane(diagram);
+  hub_->SetGridPane(grid);
+  hub_->SetSQLPane(sql);
+  diagram_->SetControl(diagram);
+  grid_->SetControl(grid->Grid());
+  sql_->SetHighlighter(HighlightSql);
+  sql_->SetBracketFinder(MatchingBrackets);
+  sql->AttachTextArea(sql_);
+  new PredictiveText(*sql_, qbIntelliList::Create(hub_, EditedText::Statement));  // the text area owns it
+
+  for (QWidget* pane : {static_cast<QWidget*>(diagram_), static_cast<QWidget*>(grid_), static_cast<QWidget*>(sql_)}) {
+    addWidget(pane);
+    setCollapsible(indexOf(pane), false);
+    pane->setMinimumHeight(72);
+  }
+  setStretchFactor(0, kDiagramShare);
+  setStretchFactor(1, kGridShare);
+  setStretchFactor(2, kSqlShare);
+  setSizes({kDiagramShare * 8, kGridShare * 8, kSqlShare * 8});
+  setHandleWidth(6);
+
+  const auto onKey = [this](const QKeySequence& key, int direction) {
+    auto* shortcut = new QShortcut(key, this);
+    shortcut->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(shortcut, &QShortcut::activated, this, [this, direction] { FocusPane(direction); });
+  };
+  onKey(ShortcutOf(Command::NextPane), 1);
+  onKey(ShortcutOf(Command::PreviousPane), -1);
+
+  announcer_ = new ChangeAnnouncer(*hub_, this);
+  ApplyTexts();
+  texts_ = hub_->TextsChanged.Connect([this] { ApplyTexts(); });
+
+  // An error from a pane is a message for its user, not a lost exception.
+  const auto show = [this](const std::exception& error) {
+    toolkit_->GetDialogs().ShowMessage(hub_->Say(error), MessageIcon::Critical);
+  };
+  diagram_->SetErrorHandler(show);
+  grid_->SetErrorHandler(show);
+  sql_->SetErrorHandler(show);
+}
+
+void QueryDesignerWidget::ApplyTexts() {
+  sql_->SetTexts(hub_->Texts());
+  sql_->setAccessibleName(Say(*hub_->Texts(), text::SqlName));
+}
+
+void QueryDesignerWidget::FocusPane(int direction) {
+  const std::array<QWidget*, 3> panes{diagram_, grid_, sql_};
+  const QWidget* focused = QApplication::focusWidget();
+  const auto holdsFocus = [focused](const QWidget* pane) { return pane == focused || pane->isAncestorOf(focused); };
+  const auto at = std::ranges::find_if(panes, holdsFocus) - panes.begin();
+  const auto count = std::ssize(panes);
+  const auto next = at == count ? (direction > 0 ? 0 : count - 1) : (at + direction + count) % count;
+  panes[static_cast<std::size_t>(next)]->setFocus(Qt::TabFocusReason);
+}
+
+QueryDesignerWidget::~QueryDesignerWidget() {
+  delete announcer_;  // it listens to the hub
+  // The application may keep the panes; this widget's text area goes away.
+  if (const Ref<qbSQLPane> sql = hub_->SQLPane()) sql->AttachTextArea(nullptr);
+}
+
+}  // namespace zrqrybld

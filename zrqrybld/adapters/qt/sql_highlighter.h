@@ -1,0 +1,14 @@
+// Colours for SQL text, from the library's own lexer.
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "zrqrybld/adapters/qt/qt_text_area.h"
+
+namespace zrqrybld {
+
+/// How the pieces of a statement look: keywords, literals, comments; what is unfinished is an error.
+std::vector<TextSpan> HighlightSql(std::string_view text);
+
+}  // namespace zrqrybld

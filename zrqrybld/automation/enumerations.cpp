@@ -1,0 +1,102 @@
+#include <algorithm>
+
+#include "zrqrybld/automation/public_names.h"
+
+namespace zrqrybld {
+namespace {
+
+// The name of a member is the name here.
+#define MEMBER(Name) \
+  EnumerationMember { #Name, Name }
+
+constexpr EnumerationMember kConnectionState[] = {MEMBER(ConnectionClosed), MEMBER(ConnectionOpened)};
+constexpr EnumerationMember kDateFormat[] = {MEMBER(DateFormatNative), MEMBER(DateFormatEscapeSequence)};
+constexpr EnumerationMember kFieldOrder[] = {MEMBER(FieldOrderDefault), MEMBER(FieldOrderOrdinal)};
+constexpr EnumerationMember kJoinType[] = {MEMBER(JoinInner), MEMBER(JoinAllOfThis), MEMBER(JoinAllOfEarlier),
+                                           MEMBER(JoinAllOfBoth)};
+constexpr EnumerationMember kLanguageID[] = {
+    MEMBER(LanguageGridColumn),
+    MEMBER(LanguageGridAlias),
+    MEMBER(LanguageGridTable),
+    MEMBER(LanguageGridSortType),
+    MEMBER(LanguageGridSortOrder),
+    MEMBER(LanguageGridGroupBy),
+    MEMBER(LanguageGridCriteria),
+    MEMBER(LanguageGridOr),
+    MEMBER(LanguageGridOutput),
+    MEMBER(LanguageTableCaption),
+    MEMBER(LanguageTableTables),
+    MEMBER(LanguageTableViews),
+    MEMBER(LanguageTableAddButton),
+    MEMBER(LanguageTableCloseButton),
+    MEMBER(LanguageJoinCaption),
+    MEMBER(LanguageJoinFrameCaption),
+    MEMBER(LanguageJoinTable1),
+    MEMBER(LanguageJoinTable2),
+    MEMBER(LanguageJoinAcceptButton),
+    MEMBER(LanguageJoinCancelButton),
+    MEMBER(LanguageExprBuildCaption),
+    MEMBER(LanguageExprBuildGridParamName),
+    MEMBER(LanguageExprBuildGridParamValue),
+    MEMBER(LanguageExprBuildAcceptButton),
+    MEMBER(LanguageExprBuildCancelButton),
+    MEMBER(LanguageExprBuildToolTipClearExpr),
+    MEMBER(LanguageExprBuildToolTipInsert),
+    MEMBER(LanguageZoomExprCaption),
+    MEMBER(LanguageZoomExprAcceptButton),
+    MEMBER(LanguageZoomExprCancelButton),
+    MEMBER(LanguageParametersCaption),
+    MEMBER(LanguageParametersStatement),
+    MEMBER(LanguageParametersAcceptButton),
+    MEMBER(LanguageParametersCancelButton),
+};
+constexpr EnumerationMember kOLEDropMode[] = {MEMBER(OLEDropNone), MEMBER(OLEDropManual)};
+constexpr EnumerationMember kError[] = {MEMBER(ErrorInvalidResFile), MEMBER(ErrorInvalidCellReference),
+                                        MEMBER(ErrorParsingText),    MEMBER(ErrorLoadingQuery),
+                                        MEMBER(ErrorAddingTable),    MEMBER(ErrorInvalidPropertyValue)};
+constexpr EnumerationMember kInfo[] = {MEMBER(InfoDone),
+                                       MEMBER(InfoRetrieveConnectionInfo),
+                                       MEMBER(InfoTableAdded),
+                                       MEMBER(InfoRelationshipAdded),
+                                       MEMBER(InfoRetrieveTableInfo),
+                                       MEMBER(InfoSavingQuery),
+                                       MEMBER(InfoLoadingQuery),
+                                       MEMBER(InfoTableRemoved),
+                                       MEMBER(InfoAddTables),
+                                       MEMBER(InfoParsingSQL),
+                                       MEMBER(InfoSavingDetail)};
+constexpr EnumerationMember kIndicatorStyle[] = {MEMBER(IndicatorNone), MEMBER(IndicatorImage)};
+constexpr EnumerationMember kOperator[] = {MEMBER(SQLOperatorComparison), MEMBER(SQLOperatorLogical),
+                                           MEMBER(SQLOperatorArithmetic), MEMBER(SQLOperatorBitwise)};
+constexpr EnumerationMember kSyntax[] = {
+    MEMBER(SQLSyntaxGeneric),   MEMBER(SQLSyntaxMSSQL),      MEMBER(SQLSyntaxOracle), MEMBER(SQLSyntaxAccess),
+    MEMBER(SQLSyntaxOpenSQL),   MEMBER(SQLSyntaxPostgreSQL), MEMBER(SQLSyntaxMySQL),  MEMBER(SQLSyntaxSQLite),
+    MEMBER(SQLSyntaxSQLServer), MEMBER(SQLSyntaxOracle12),   MEMBER(SQLSyntaxANSI)};
+
+#undef MEMBER
+
+constexpr Enumeration kEnumerations[] = {
+    {kPublicName<ConnectionStateEnum>, kConnectionState},
+    {kPublicName<DateFormatEnum>, kDateFormat},
+    {kPublicName<FieldOrderEnum>, kFieldOrder},
+    {kPublicName<JoinTypeEnum>, kJoinType},
+    {kPublicName<LanguageIDEnum>, kLanguageID},
+    {kPublicName<OLEDropModeEnum>, kOLEDropMode},
+    {kPublicName<QueryBuilderErrorEnum>, kError},
+    {kPublicName<QueryBuilderInfoEnum>, kInfo},
+    {kPublicName<RelationshipIndicatorStyle>, kIndicatorStyle},
+    {kPublicName<SQLOperatorEnum>, kOperator},
+    {kPublicName<SQLSyntaxEnum>, kSyntax},
+};
+
+}  // namespace
+
+std::span<const Enumeration> Enumerations() { return kEnumerations; }
+
+bool IsEnumerationValue(std::string_view enumeration, std::int32_t value) {
+  const auto* known = std::ranges::find(kEnumerations, enumeration, &Enumeration::name);
+  if (known == std::end(kEnumerations)) return true;
+  return std::ranges::find(known->members, value, &EnumerationMember::value) != known->members.end();
+}
+
+}  // namespace zrqrybld

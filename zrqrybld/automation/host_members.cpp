@@ -1,0 +1,137 @@
+// The members of the hub, its property bag and the helper class.
+#include "zrqrybld/automation/binding.h"
+#include "zrqrybld/automation/classes.h"
+#include "zrqrybld/automation/property_bag.h"
+#include "zrqrybld/automation/toolkit_object.h"
+
+namespace zrqrybld {
+namespace {
+
+using Hub = qbQueryBuilder;
+
+void ConnectTo(Hub& hub, Variant& connectionString) { hub.Connect(connectionString); }
+bool IsTrue(const Variant& argument) { return !argument.IsMissing() && argument.ToBoolean(); }
+
+bool SaveQueryTo(Hub& hub, Variant& filename, const Variant& returnData) {
+  std::string text = filename.Text();
+  const bool result = hub.SaveQuery(text, IsTrue(returnData));
+  filename = std::move(text);
+  return result;
+}
+
+bool LoadQueryFrom(Hub& hub, const std::string& filename, const Variant& fileIsData, const Variant& parametersOnly,
+                   Variant& sqlStatement, Variant& connectionString) {
+  // What the file does not have stays as it was given.
+  const auto given = [](const Variant& result) { return result.IsMissing() ? std::string() : result.Text(); };
+  std::string statement = given(sqlStatement);
+  std::string connection = given(connectionString);
+  const bool result = hub.LoadQuery(filename, IsTrue(fileIsData), IsTrue(parametersOnly), &statement, &connection);
+  sqlStatement = std::move(statement);
+  connectionString = std::move(connection);
+  return result;
+}
+
+std::string LastErrorText(const Hub& hub) { return hub.LastError() ? hub.Say(*hub.LastError()) : std::string(); }
+
+void BeginNamedStep(Hub& hub, const std::string& name) { hub.BeginStep(name); }
+
+constexpr Member kQueryBuilder[] = {
+    Method<Hub, &Hub::AddTable>("AddTable", "TableName"),
+    ReadWrite<Hub, &Hub::AllowJoinProperties, &Hub::SetAllowJoinProperties>("AllowJoinProperties"),
+    Method<Hub, &Hub::AboutBox>("AboutBox"),
+    Method<Hub, &ConnectTo>("Connect", "[ConnectionString]"),
+    ReadWrite<Hub, &Hub::Connection, &Hub::SetConnection>("Connection"),
+    ReadOnly<Hub, &Hub::DataTypes>("DataTypes"),
+    ReadOnly<Hub, &Hub::DBFunctions>("DBFunctions"),
+    ReadOnly<Hub, &Hub::DBKeywords>("DBKeywords"),
+    ReadOnly<Hub, &Hub::DBOperators>("DBOperators"),
+    ReadWrite<Hub, &Hub::DiagramPane, &Hub::SetDiagramPane>("DiagramPane"),
+    Method<Hub, &Hub::Disconnect>("Disconnect"),
+    ReadWrite<Hub, &Hub::GetTablesOnConnect, &Hub::SetGetTablesOnConnect>("GetTablesOnConnect"),
+    ReadWrite<Hub, &Hub::GridPane, &Hub::SetGridPane>("GridPane"),
+    Method<Hub, &Hub::LoadLanguageFile>("LoadLanguageFile", "Path"),
+    Method<Hub, &LoadQueryFrom>("LoadQuery",
+                                "Filename, [FileIsData], [ReturnParametersOnly], [SQLStatement], [ConnectionString]"),
+    ReadOnly<Hub, &Hub::QuotedIdentifiers>("QuotedIdentifiers"),
+    Method<Hub, &Hub::ShowJoinProperties>("ShowJoinProperties", "Relationship"),
+    ReadOnly<Hub, &Hub::Properties>("Properties"),
+    Method<Hub, &Hub::RefreshAutoJoins>("RefreshAutoJoins"),
+    ReadOnly<Hub, &Hub::state>("state"),
+    Method<Hub, &SaveQueryTo>("SaveQuery", "Filename, [ReturnData]"),
+    Method<Hub, &Hub::SetLanguageString>("SetLanguageString", "ID, NewValue"),
+    Method<Hub, &Hub::ShowTables>("ShowTables"),
+    ReadWrite<Hub, &Hub::SQLPane, &Hub::SetSQLPane>("SQLPane"),
+    ReadWrite<Hub, &Hub::ConnectOnLoad, &Hub::SetConnectOnLoad>("ConnectOnLoad"),
+    ReadWrite<Hub, &Hub::DistinctRecords, &Hub::SetDistinctRecords>("DistinctRecords"),
+    ReadWrite<Hub, &Hub::SelectTopRecords, &Hub::SetSelectTopRecords>("SelectTopRecords"),
+    ReadWrite<Hub, &Hub::RetrieveFieldOrder, &Hub::SetRetrieveFieldOrder>("RetrieveFieldOrder"),
+    ReadWrite<Hub, &Hub::SaveLoadEntityItems, &Hub::SetSaveLoadEntityItems>("SaveLoadEntityItems"),
+    ReadWrite<Hub, &Hub::SaveConnectionString, &Hub::SetSaveConnectionString>("SaveConnectionString"),
+    ReadWrite<Hub, &Hub::AliasMaxLen, &Hub::SetAliasMaxLen>("AliasMaxLen"),
+    Raised<Hub, &Hub::Info>("Info", "Info, Parameters"),
+    // Beyond the members above: what a host without a form needs.
+    Method<Hub, &Hub::GetLanguageString>("GetLanguageString", "ID"),
+    Method<Hub, &Hub::HasTable>("HasTable", "TableName"),
+    ReadOnly<Hub, &LastErrorText>("LastErrorText"),
+    Method<Hub, &Hub::CancelOperation>("CancelOperation"),
+    Raised<Hub, &Hub::BeforeConnect>("BeforeConnect", "ConnectionString, FromFile, Cancel"),
+    ReadOnly<Hub, &Hub::LoadRemarks>("LoadRemarks"),
+    ReadWrite<Hub, &Hub::SavePassword, &Hub::SetSavePassword>("SavePassword"),
+    ReadWrite<Hub, &Hub::SkipRecords, &Hub::SetSkipRecords>("SkipRecords"),
+    ReadWrite<Hub, &Hub::AutoSyntax, &Hub::SetAutoSyntax>("AutoSyntax"),
+    Method<Hub, &Hub::AskParameters>("AskParameters", "SQL"),
+    Method<Hub, &Hub::QuoteIdentifier>("QuoteIdentifier", "Name"),
+    Method<Hub, &Hub::Undo>("Undo"),
+    Method<Hub, &Hub::Redo>("Redo"),
+    ReadOnly<Hub, &Hub::CanUndo>("CanUndo"),
+    ReadOnly<Hub, &Hub::CanRedo>("CanRedo"),
+    ReadOnly<Hub, &Hub::UndoText>("UndoText"),
+    ReadOnly<Hub, &Hub::RedoText>("RedoText"),
+    Method<Hub, &Hub::ClearHistory>("ClearHistory"),
+    Method<Hub, &BeginNamedStep>("BeginStep", "Name"),
+    Method<Hub, &Hub::EndStep>("EndStep"),
+    Raised<Hub, &Hub::HistoryChanged>("HistoryChanged"),
+    Method<Hub, &Hub::InitProperties>("InitProperties"),
+    Method<Hub, &ReadFrom<Hub>>("ReadProperties", "Bag"),
+    Method<Hub, &WriteTo<Hub>>("WriteProperties", "Bag"),
+};
+
+constexpr Member kProperties[] = {
+    Method<qbProperties, &qbProperties::Add>("Add", "[Value], [Key], [Before], [After]"),
+    Method<qbProperties, &qbProperties::Clear>("Clear"),
+    ReadOnly<qbProperties, &qbProperties::Count>("Count"),
+    Method<qbProperties, &qbProperties::Exists>("Exists", "Key"),
+    ReadOnly<qbProperties, &qbProperties::Item>("Item", "Index"),
+    Method<qbProperties, &qbProperties::Remove>("Remove", "Index"),
+};
+
+constexpr Member kProperty[] = {
+    ReadOnly<qbProperty, &qbProperty::Key>("Key"),
+    ReadWrite<qbProperty, &qbProperty::Value, &qbProperty::SetValue>("Value"),
+};
+
+constexpr Member kUtility[] = {
+    Method<qbUtility, &qbUtility::GetAvailableDSNs>("GetAvailableDSNs", "[DriverName]"),
+    Method<qbUtility, &qbUtility::RemoveQuotedIdentifiers>("RemoveQuotedIdentifiers", "QueryBuilder, Expression"),
+};
+
+constexpr Member kPropertyBag[] = {
+    Method<PropertyBag, &PropertyBag::ReadProperty>("ReadProperty", "Name, [Default]"),
+    Method<PropertyBag, &PropertyBag::WriteProperty>("WriteProperty", "Name, Value, [Default]"),
+    ReadOnly<PropertyBag, &PropertyBag::Names>("Names"),
+};
+
+const ClassInfo kClasses[] = {
+    {"qbQueryBuilder", kQueryBuilder, "",
+     [] { return Ref<Object>(Hub::Create(ToolkitObject::Instance()->Services())); }},
+    {"qbProperties", kProperties, "Item", [] { return Ref<Object>(std::make_shared<qbProperties>()); }},
+    {"qbProperty", kProperty, "Value"},
+    {"qbUtility", kUtility, "", [] { return Ref<Object>(qbUtility::Create(ToolkitObject::Instance()->Services())); }},
+    {"PropertyBag", kPropertyBag, "", [] { return Ref<Object>(std::make_shared<PropertyBag>()); }},
+};
+
+}  // namespace
+
+std::span<const ClassInfo> HostClasses() { return kClasses; }
+
+}  // namespace zrqrybld

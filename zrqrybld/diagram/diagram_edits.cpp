@@ -1,0 +1,218 @@
+#include "zrqrybld/diagram/diagram_edits.h"
+
+#include <algorithm>
+#include <new>
+#include <unordered_map>
+
+#include "zrqrybld/base/texts_diagram.h"
+#include "zrqrybld/diagram/arrange.h"
+#include "zrqrybld/diagram/diagram_selection.h"
+#include "zrqrybld/diagram/diagram_site.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/join_properties.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/host/query_context.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr Pixels kArrangeColumnGap = 56_px;
+constexpr Pixels kArrangeRowGap = 24_px;
+
+}  // namespace
+
+// --- Tables ---
+
+void DiagramEdits::Clear() {
+  const Ref<QueryContext> context = site_.Context();
+  const StepScope step(context, kStepClear);
+  // Waiting for an empty diagram could take forever.
+  std::vector<Ref<qbEntity>> all;
+  for (std::int32_t i = entities_.Count(); i >= 1; --i) all.push_back(entities_.Item(i));
+  WholeOrNothing(context, [&] {
+    for (const Ref<qbEntity>& entity : all) {
+      if (entity->EntityBox()) entities_.Remove(entity->Index());
+    }
+    if (context) context->DiagramCleared();
+  });
+}
+
+bool DiagramEdits::RequestTables() {
+  const Ref<QueryContext> context = site_.Context();
+  if (!context || !context->IsConnected()) return false;
+  context->RequestTables();
+  return true;
+}
+
+// Listeners are asked about each; what they keep stays selected when it is the selected object.
+bool DiagramEdits::DeleteSelected() {
+  if (!selection_.Selected()) return false;
+  std::vector<Ref<Object>> objects{selection_.Selected()};
+  objects.insert(objects.end(), selection_.Others().begin(), selection_.Others().end());
+  std::erase_if(objects, [this](const Ref<Object>& object) {
+    bool cancel = false;
+    site_.BeforeDeleteObject.Raise(object, cancel);
+    return cancel;
+  });
+  const Ref<qbEntity> one = selection_.Entity();
+  const StepScope step(site_.Context(),
+                       !one                          ? kStepDeleteJoin
+                       : selection_.Others().empty() ? kStepRemoveTable
+                                                     : kStepRemoveTables,
+                       one && one->EntityBox() ? one->Caption() : std::string());
+  for (const Ref<Object>& object : objects) {
+    if (object == selection_.Selected()) selection_.Drop();
+    if (const auto entity = std::dynamic_pointer_cast<qbEntity>(object)) {
+      if (entity->EntityBox()) entities_.Remove(entity->Index());
+    } else if (const auto join = std::dynamic_pointer_cast<qbRelationship>(object)) {
+      if (const Ref<qbEntity> source = join->Source()) source->Relationships()->Remove(join->Index());
+    }
+  }
+  return true;
+}
+
+void DiagramEdits::AskForAlias(const Ref<qbEntity>& entity) {
+  const Ref<QueryContext> context = site_.Context();
+  if (!context || !entity->EntityBox()) return;
+  TextDialog dialog{context->Say(text::AliasCaption), context->Say(text::AliasLabel), entity->Caption()};
+  dialog.problem = [this, entity](const std::string& text) -> std::string {
+    if (text.find_first_not_of(' ') == std::string::npos) return Say(site_.Context(), text::AliasNeeded);
+    const Ref<qbEntity> other = entities_.Item(text);
+    return other && other != entity ? Say(site_.Context(), text::AliasTaken) : "";
+  };
+  const std::optional<std::string> name = context->GetToolkit().GetDialogs().ShowTextPrompt(dialog);
+  if (name && entity->EntityBox() && dialog.problem(*name).empty()) entity->SetCaption(*name);
+}
+
+void DiagramEdits::TickColumns(const Ref<qbEntity>& entity, bool tick, bool onlyKeys) {
+  if (!entity->EntityBox()) return;  // a listener of the menu has removed it
+  const StepScope step(site_.Context(), tick ? kStepTickColumns : kStepUntickColumns, entity->Caption());
+  for (const Ref<qbEntityItem>& item : *entity->Items()) {
+    if (item->Text() == "*" && tick) continue;  // all columns are ticked one by one
+    if (!onlyKeys || item->Bold()) item->SetChecked(tick);
+  }
+}
+
+// --- Joins ---
+
+void DiagramEdits::AddJoin(const Ref<qbEntity>& source, std::size_t sourceRow, const Ref<qbEntity>& target,
+                           std::size_t targetRow, bool onlyOnce) {
+  const auto from = static_cast<std::int32_t>(sourceRow);
+  const auto to = static_cast<std::int32_t>(targetRow);
+  if (onlyOnce && source->Relationships()->Exists(source, target, from, to)) return;
+  const Ref<QueryContext> context = site_.Context();
+  const StepScope step(context, kStepAddJoin);
+  const Ref<qbRelationship> join = source->Relationships()->Add(target);
+  join->SetSourceItemIndex(from);
+  join->SetTargetItemIndex(to);
+  selection_.Select(join);
+  if (context) context->RaiseInfo(InfoRelationshipAdded, Ref<Object>(join));
+}
+
+void DiagramEdits::ReverseJoin(const Ref<qbRelationship>& join) {
+  const Ref<qbEntity> source = join->Source();
+  const Ref<qbEntity> target = join->Target();
+  if (!source || !target) return;
+  const StepScope step(site_.Context(), kStepReverseJoin);
+  const JoinKind kind = join->Kind();
+  source->Relationships()->Remove(join->Index());
+  if (!source->EntityBox() || !target->EntityBox()) return;  // a listener has removed one
+  const Ref<qbRelationship> reversed = target->Relationships()->Add(source);
+  reversed->SetLeftPicture(join->RightPicture());
+  reversed->SetRightPicture(join->LeftPicture());
+  reversed->SetSourceItemIndex(join->TargetItemIndex());
+  reversed->SetTargetItemIndex(join->SourceItemIndex());
+  SetJoinKind(*reversed, kind.Reversed());
+  selection_.Select(reversed);
+}
+
+// --- Places and sizes ---
+
+void DiagramEdits::Minimize(qbEntityList& box, bool minimized) {
+  const StepScope step(site_.Context(), minimized ? kStepMinimizeTable : kStepRestoreTable, box.Caption());
+  box.SetMinimized(minimized);
+}
+
+void DiagramEdits::FitBox(const Ref<qbEntityList>& box) {
+  const StepScope step(site_.Context(), kStepResizeTable, box->Caption());
+  if (const Ref<qbEntity> entity = EntityOf(*box)) entities_.Fit(*entity);
+}
+
+void DiagramEdits::FitToRows(const Ref<qbEntityList>& box) {
+  const StepScope step(site_.Context(), kStepResizeTable, box->Caption());
+  box->SetMinimized(false);
+  const TwipsRect bounds = box->Bounds();
+  const TwipsSize size = box->FittingSize(site_.GetSurface().Metrics(), box->Rows().Count());
+  box->SetBounds({bounds.left, bounds.top, size.width, size.height});
+}
+
+bool DiagramEdits::Nudge(TwipsPoint by) {
+  const std::vector<Ref<qbEntity>> group = selection_.Entities();
+  if (!selection_.Entity()) return false;
+  const StepScope step(site_.Context(), kStepNudgeTables);
+  for (const Ref<qbEntity>& one : group) {
+    const TwipsRect& bounds = one->EntityBox()->Bounds();
+    by = {std::max(by.x, std::min(-bounds.left, Twips{})), std::max(by.y, std::min(-bounds.top, Twips{}))};
+  }
+  for (const Ref<qbEntity>& one : group) {
+    const TwipsRect& bounds = one->EntityBox()->Bounds();
+    one->EntityBox()->SetBounds(bounds.Moved(by.x, by.y));
+  }
+  return true;
+}
+
+bool DiagramEdits::Stretch(PixelPoint by, PixelSize smallest) {
+  const Ref<qbEntity> entity = selection_.Entity();
+  if (!entity) return false;
+  const StepScope step(site_.Context(), kStepStretchTable, entity->Caption());
+  const ScreenScale scale = site_.GetSurface().Scale();
+  const Ref<qbEntityList> box = entity->EntityBox();
+  PixelRect place = scale.ToPixels(box->Bounds());
+  // One that is smaller already becomes no larger by being made smaller.
+  const auto stretch = [](Pixels& length, Pixels more, Pixels least) {
+    length = more < 0_px ? std::min(length, std::max(length + more, least)) : length + more;
+  };
+  stretch(place.width, by.x, smallest.width);
+  if (!box->Minimized()) stretch(place.height, by.y, smallest.height);
+  box->SetBounds(scale.ToTwips(place));
+  return true;
+}
+
+void DiagramEdits::RecordPlaces(const StepName& name, const std::vector<BoxPlace>& before) {
+  std::vector<BoxPlace> now;
+  for (const auto& [box, bounds] : before) {
+    now.emplace_back(box, box->Bounds());
+    box->SetBounds(bounds);
+  }
+  const StepScope step(site_.Context(), name, before.front().first->Caption());
+  for (const auto& [box, bounds] : now) box->SetBounds(bounds);
+}
+
+void DiagramEdits::Arrange(Pixels width) {
+  const StepScope step(site_.Context(), kStepArrange);
+  std::unordered_map<const qbEntityList*, std::size_t> positions;
+  std::vector<Ref<qbEntityList>> boxes;
+  std::vector<TwipsSize> sizes;
+  for (const Ref<qbEntity>& entity : entities_) {
+    const Ref<qbEntityList>& box = boxes.emplace_back(entity->EntityBox());
+    positions.emplace(box.get(), sizes.size());
+    sizes.push_back({box->Bounds().width, box->Bounds().height});
+  }
+  std::vector<BoxLink> links;
+  for (const Ref<qbEntity>& entity : entities_) {
+    for (const Ref<qbRelationship>& join : *entity->Relationships()) {
+      const Ref<qbEntity> target = join->Target();
+      if (target) links.push_back({positions.at(entity->EntityBox().get()), positions.at(target->EntityBox().get())});
+    }
+  }
+  const ScreenScale scale = site_.GetSurface().Scale();
+  const ArrangeRules rules{scale.TwipsX(kArrangeColumnGap), scale.TwipsY(kArrangeRowGap), scale.TwipsX(width)};
+  const std::vector<TwipsPoint> places = ArrangeBoxes(sizes, links, rules);
+  WholeOrNothing(site_.Context(), [&] {
+    for (std::size_t i = 0; i < boxes.size(); ++i) {
+      boxes[i]->SetBounds({places[i].x, places[i].y, sizes[i].width, sizes[i].height});
+    }
+  });
+}
+
+}  // namespace zrqrybld

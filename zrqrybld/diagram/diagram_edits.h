@@ -1,0 +1,68 @@
+// DiagramEdits: what the user does to a diagram, by mouse, key or menu alike; each is a step.
+//
+// Listeners are told on the way and may remove what is being edited.
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "zrqrybld/base/units.h"
+#include "zrqrybld/diagram/diagram_scene.h"
+
+namespace zrqrybld {
+
+class DiagramSelection;
+class DiagramSite;
+class qbEntities;
+struct StepName;
+
+class DiagramEdits {
+ public:
+  DiagramEdits(DiagramSite& site, qbEntities& entities, DiagramSelection& selection)
+      : site_(site), entities_(entities), selection_(selection) {}
+
+  // --- Tables ---
+
+  /// Removes all tables that are there now; what listeners add meanwhile stays.
+  void Clear();
+  /// Asks the designer for the table picker. Returns whether there is a source to pick from.
+  bool RequestTables();
+  /// Removes all that is selected but what a listener keeps. Returns whether anything was selected.
+  bool DeleteSelected();
+  /// Lets the user give the entity another caption. Nothing happens while the pane is not linked.
+  void AskForAlias(const Ref<qbEntity>& entity);
+  /// Ticks or unticks the columns, or only those of the primary key.
+  void TickColumns(const Ref<qbEntity>& entity, bool tick, bool onlyKeys);
+
+  // --- Joins ---
+
+  /// Draws a join between two rows, unless it is to be `onlyOnce` and there is one.
+  void AddJoin(const Ref<qbEntity>& source, std::size_t sourceRow, const Ref<qbEntity>& target, std::size_t targetRow,
+               bool onlyOnce);
+  /// The join begins at the other end from now on. It returns the same rows; each end keeps its mark and its picture.
+  void ReverseJoin(const Ref<qbRelationship>& join);
+
+  // --- Places and sizes ---
+
+  void Minimize(qbEntityList& box, bool minimized);
+  /// The box is as large as it is at first.
+  void FitBox(const Ref<qbEntityList>& box);
+  /// All rows are visible then; the box stays where it is.
+  void FitToRows(const Ref<qbEntityList>& box);
+  /// Moves all boxes that are selected, but not off the surface. Returns whether any is.
+  bool Nudge(TwipsPoint by);
+  /// Makes the selected box larger or smaller, but not so small that nothing of it can be read. Returns whether there
+  /// is one.
+  bool Stretch(PixelPoint by, PixelSize smallest);
+  /// Boxes that a gesture has moved or sized by and by: what it did is one step.
+  void RecordPlaces(const StepName& name, const std::vector<BoxPlace>& before);
+  /// Lays the boxes out along their joins, on so wide a surface.
+  void Arrange(Pixels width);
+
+ private:
+  DiagramSite& site_;
+  qbEntities& entities_;
+  DiagramSelection& selection_;
+};
+
+}  // namespace zrqrybld

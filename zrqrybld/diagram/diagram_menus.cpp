@@ -1,0 +1,229 @@
+#include "zrqrybld/diagram/diagram_menus.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/base/texts_diagram.h"
+#include "zrqrybld/diagram/auto_joins.h"
+#include "zrqrybld/diagram/diagram_camera.h"
+#include "zrqrybld/diagram/diagram_edits.h"
+#include "zrqrybld/diagram/diagram_pictures.h"
+#include "zrqrybld/diagram/diagram_properties.h"
+#include "zrqrybld/diagram/diagram_selection.h"
+#include "zrqrybld/diagram/diagram_site.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/join_line.h"
+#include "zrqrybld/diagram/join_properties.h"
+#include "zrqrybld/diagram/key_join.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/diagram/table_picker.h"
+#include "zrqrybld/host/query_context.h"
+#include "zrqrybld/platform/commands.h"
+
+namespace zrqrybld {
+namespace {
+
+using Targets = DiagramMenuTargets;
+
+// A name inside a menu's text: its ampersands mark no access key.
+std::string InMenu(const std::string& name) { return ReplaceAll(name, "&", "&&"); }
+
+Menu MenuForSurface(const Targets& targets) {
+  const Ref<QueryContext> context = targets.site.Context();
+  const bool any = targets.entities.Count() > 0;
+  return {
+      {Say(targets.site.Context(), text::MenuAddTables), KeyTextOf(Command::AddTables),
+       [&edits = targets.edits] { edits.RequestTables(); }, context && context->IsConnected()},
+      MenuEntry::Separator(),
+      {Say(targets.site.Context(), text::MenuArrange), "",
+       [&edits = targets.edits, &camera = targets.camera] { edits.Arrange(camera.VisibleWidth()); }, any},
+      {Say(targets.site.Context(), text::MenuFitWindow), "", [&camera = targets.camera] { camera.ZoomToFit(); }, any},
+      {Say(targets.site.Context(), text::MenuActualSize), KeyTextOf(Command::ActualSize),
+       [&camera = targets.camera] { camera.SetZoom(1, {}); }, targets.camera.Zoom() != 1},
+      MenuEntry::Separator(),
+      {Say(targets.site.Context(), text::MenuSelectAll), KeyTextOf(Command::SelectAllTables),
+       [&selection = targets.selection, &entities = targets.entities] { selection.SelectAll(entities); }, any},
+      {Say(targets.site.Context(), text::MenuCopyPicture), KeyTextOf(Command::CopyPicture),
+       [&pictures = targets.pictures] { pictures.Copy(); }, any},
+      {Say(targets.site.Context(), text::MenuSavePicture), "", [&pictures = targets.pictures] { pictures.AskToSave(); },
+       any && context},
+  };
+}
+
+// The tables that the source's foreign keys link to this one, each with its joins.
+MenuEntry RelatedTo(const Targets& targets, const qbEntity& entity) {
+  constexpr std::size_t kMost = 30;
+  MenuEntry related{Say(targets.site.Context(), text::MenuAddRelated), ""};
+  const Ref<QueryContext> context = targets.site.Context();
+  std::vector<std::string> names;
+  try {
+    if (context) names = RelatedTables(*context, entity);
+  } catch (const Error&) {
+    // A source that cannot tell leaves the rest of the menu as it is.
+  }
+  for (std::size_t i = 0; i < std::min(names.size(), kMost); ++i) {
+    related.entries.push_back(
+        {InMenu(names[i]), "", [context, name = names[i]] { TablePicker(context).AddTables({name}); }});
+  }
+  if (names.size() > 1) {
+    related.entries.push_back(MenuEntry::Separator());
+    related.entries.push_back({Say(targets.site.Context(), text::MenuAllOfThem), "",
+                               [context, names] { TablePicker(context).AddTables(names); }});
+  }
+  related.enabled = !names.empty();
+  return related;
+}
+
+Menu MenuForBox(const Targets& targets, const Ref<qbEntity>& entity) {
+  DiagramEdits& edits = targets.edits;
+  const Ref<qbEntityList> box = entity->EntityBox();
+  const bool minimized = box->Minimized();
+  const bool several = !targets.selection.Others().empty();
+  return {
+      {Say(targets.site.Context(), text::MenuAlias), KeyTextOf(Command::RenameTable),
+       [&edits, entity] { edits.AskForAlias(entity); }, targets.site.Context() != nullptr},
+      MenuEntry::Separator(),
+      {Say(targets.site.Context(), text::MenuTickAll), "",
+       [&edits, entity] { edits.TickColumns(entity, true, false); }},
+      {Say(targets.site.Context(), text::MenuTickKeys), "",
+       [&edits, entity] { edits.TickColumns(entity, true, true); }},
+      {Say(targets.site.Context(), text::MenuUntickAll), "",
+       [&edits, entity] { edits.TickColumns(entity, false, false); }},
+      MenuEntry::Separator(),
+      RelatedTo(targets, *entity),
+      MenuEntry::Separator(),
+      {Say(targets.site.Context(), minimized ? text::MenuRestore : text::MenuMinimise),
+       KeyTextOf(Command::MinimizeTable), [&edits, box, minimized] { edits.Minimize(*box, !minimized); }},
+      {Say(targets.site.Context(), text::MenuFitColumns), "", [&edits, box] { edits.FitBox(box); }, !minimized},
+      MenuEntry::Separator(),
+      {Say(targets.site.Context(), several ? text::MenuRemoveSelected : text::MenuRemove),
+       KeyTextOf(Command::DeleteSelected), [&edits] { edits.DeleteSelected(); }},
+  };
+}
+
+// What the grid can be told of a column; the box's own menu stands below.
+Menu MenuForColumn(const Targets& targets, const Ref<qbEntity>& entity, const Ref<qbEntityItem>& item) {
+  const Ref<QueryContext> context = targets.site.Context();
+  const std::string table = entity->Caption();
+  const std::string column = item->Text();
+  const std::optional<ColumnUse> use = context ? context->UseOfColumn(table, column) : std::nullopt;
+  const bool all = column == "*";
+  MenuEntry sort{Say(targets.site.Context(), text::MenuSort), "", {}, use && !all};
+  for (const auto& [name, type] :
+       {std::pair{text::MenuAscending, "Ascending"}, {text::MenuDescending, "Descending"}, {text::MenuUnsorted, ""}}) {
+    sort.entries.push_back({Say(context, name), "", [=, type = type] { context->SortByColumn(table, column, type); },
+                            true, use && EqualsNoCase(use->sortType, type)});
+  }
+  MenuEntry group{Say(targets.site.Context(), text::MenuGroup), "", {}, use.has_value()};
+  if (use) {
+    for (const Ref<qbDBFunction>& function : *context->DBFunctions()) {
+      if ((function->Flags() & 1) == 0) continue;
+      group.entries.push_back({InMenu(function->DisplayText()), "",
+                               [=, name = function->Name()] { context->GroupColumn(table, column, name); }, true,
+                               EqualsNoCase(use->groupBy, function->DisplayText())});
+    }
+  }
+  return {
+      {Say(targets.site.Context(), text::MenuOutput), KeyTextOf(Command::TickColumn),
+       [entity, column] {
+         const Ref<qbEntityItem> now = entity->Items()->FindByText(column, true);
+         if (now) now->SetChecked(!now->Checked());
+       },
+       true, item->Checked()},
+      std::move(sort),
+      std::move(group),
+      {Say(targets.site.Context(), text::MenuAddCriterion), "", [=] { context->GoToCriterion(table, column); },
+       use && !all},
+      MenuEntry::Separator(),
+      {Say(targets.site.Context(), text::MenuJoinFromHere), KeyTextOf(Command::JoinFromHere),
+       [&keyJoin = targets.keyJoin] { keyJoin.Begin(); }, !all},
+      MenuEntry::Separator(),
+      {Say(targets.site.Context(), text::MenuTable), "", {}, true, false, MenuForBox(targets, entity)},
+  };
+}
+
+// Only the kinds that the dialect can write, and the one that the join has.
+MenuEntry KindsOf(const Targets& targets, const Ref<qbRelationship>& join) {
+  const Ref<QueryContext> context = targets.site.Context();
+  const auto kind = [&](JoinKind value, const std::string& text) {
+    return MenuEntry{text, "",
+                     [&site = targets.site, join, value] {
+                       const Ref<QueryContext> hub = site.Context();
+                       const StepScope step(hub, kStepEditJoin);
+                       SetJoinKind(*join, value);
+                       if (hub) hub->QueryChanged();
+                     },
+                     true, join->Kind() == value};
+  };
+  MenuEntry kinds{Say(targets.site.Context(), text::MenuKind), ""};
+  kinds.entries = {
+      kind({}, Say(targets.site.Context(), text::MenuMatchingOnly)),
+      kind({.allOfSource = true}, Say(context, {text::MenuAllRowsFrom, InMenu(join->Source()->Caption())})),
+      kind({.allOfTarget = true}, Say(context, {text::MenuAllRowsFrom, InMenu(join->Target()->Caption())}))};
+  const bool hasFull = !context || context->HasFullJoin();
+  MenuEntry full =
+      kind({.allOfTarget = true, .allOfSource = true}, Say(targets.site.Context(), text::MenuAllRowsFromBoth));
+  full.enabled = hasFull;
+  if (hasFull || full.checked) kinds.entries.push_back(std::move(full));
+  return kinds;
+}
+
+Menu MenuForJoin(const Targets& targets, const Ref<qbRelationship>& join) {
+  DiagramEdits& edits = targets.edits;
+  const Ref<QueryContext> context = targets.site.Context();
+  return {
+      KindsOf(targets, join),
+      {Say(targets.site.Context(), text::MenuProperties), KeyTextOf(Command::OpenSelected),
+       [context, join] { context->RelationshipActivated(join); }, context && context->CanEditJoins()},
+      {Say(targets.site.Context(), text::MenuReverse), "", [&edits, join] { edits.ReverseJoin(join); }},
+      MenuEntry::Separator(),
+      {Say(targets.site.Context(), text::MenuDelete), KeyTextOf(Command::DeleteSelected),
+       [&edits] { edits.DeleteSelected(); }},
+  };
+}
+
+}  // namespace
+
+PixelPoint MenuPlaceOfSelection(const DiagramMenuTargets& targets) {
+  const Surface& surface = targets.site.GetSurface();
+  PixelRect place{kSurfaceMargin, kSurfaceMargin, {}, {}};
+  if (const Ref<qbEntity> entity = targets.selection.Entity(); entity && entity->EntityBox()) {
+    place = targets.camera.PlaceOf(*entity->EntityBox());
+    place.top += targets.properties.MetricsOn(surface).captionHeight * targets.camera.Zoom();
+  } else if (const Ref<qbRelationship> join = targets.selection.Join(); join && join->Line()) {
+    const std::vector<PixelPoint>& points = join->Line()->Points(surface.Scale());
+    if (points.size() > 2) place = targets.camera.ToPane({points[1].x, (points[1].y + points[2].y) / 2, {}, {}});
+  }
+  const PixelSize view = surface.ViewSize();
+  return {std::clamp(place.left, 0_px, std::max(view.width, 0_px)),
+          std::clamp(place.top, 0_px, std::max(view.height, 0_px))};
+}
+
+void ShowContextMenu(const DiagramMenuTargets& targets, const Ref<Object>& object, std::size_t row, PixelPoint at) {
+  DiagramSelection& selection = targets.selection;
+  if (!selection.Contains(object)) selection.Select(object);  // a group stays selected
+  if (object && !selection.Contains(object)) return;          // a listener has removed it or selected another
+  Ref<Object> shown = object;
+  Menu menu;
+  if (const auto entity = std::dynamic_pointer_cast<qbEntity>(object)) {
+    if (const Ref<qbEntityItem> item = entity->Items()->Item(static_cast<std::int32_t>(row))) {
+      entity->EntityBox()->SetSelectedRow(row);
+      shown = item;
+      menu = MenuForColumn(targets, entity, item);
+    } else {
+      menu = MenuForBox(targets, entity);
+    }
+  } else if (const auto join = std::dynamic_pointer_cast<qbRelationship>(object)) {
+    menu = MenuForJoin(targets, join);
+  } else {
+    menu = MenuForSurface(targets);
+  }
+  targets.site.BeforeContextMenu.Raise(shown, menu);
+  if (!menu.empty()) targets.site.GetSurface().ShowMenu(menu, at);
+}
+
+}  // namespace zrqrybld

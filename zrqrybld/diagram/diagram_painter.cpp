@@ -1,0 +1,133 @@
+#include "zrqrybld/diagram/diagram_painter.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+
+#include "zrqrybld/base/texts_diagram.h"
+#include "zrqrybld/diagram/diagram_camera.h"
+#include "zrqrybld/diagram/diagram_properties.h"
+#include "zrqrybld/diagram/diagram_selection.h"
+#include "zrqrybld/diagram/diagram_site.h"
+#include "zrqrybld/diagram/entity.h"
+#include "zrqrybld/diagram/join_line.h"
+#include "zrqrybld/diagram/key_join.h"
+#include "zrqrybld/diagram/source_names.h"
+#include "zrqrybld/host/query_context.h"
+#include "zrqrybld/platform/commands.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr Pixels kLineReach = 16_px;  // how far a line's ends and bends reach beyond its points
+
+BoxLook LookOf(const Ref<qbEntityList>& box, const DiagramSite& site, const DiagramScene& scene, const PixelRect& place,
+               const DiagramMarks* marks) {
+  BoxLook look;
+  look.joined = &scene.JoinedRows();
+  look.text = &site.GetSurface().Metrics();
+  if (const Ref<qbEntity> entity = EntityOf(*box)) look.schemaBytes = SchemaBytesOf(*entity);
+  if (!marks) return look;
+  const Ref<Object> entity = box->Entity();
+  look.active = marks->selection.Contains(entity) || (marks->frame && marks->frame->Overlaps(place));
+  look.focused = site.HasFocus() && entity == marks->selection.Selected();
+  if (box == marks->hover.box) look.hover = marks->hover.part;
+  if (marks->drag && marks->drag->target == box) look.dropRow = box->PositionOf(marks->drag->targetRow);
+  look.marked = &scene.MarkedRows();
+  return look;
+}
+
+// From the edge of the row that is dragged to the pointer, or to the row where the join would end.
+void PaintRubberLine(Canvas& canvas, const ScreenScale& scale, const DiagramGestures::DraggingRow& drag,
+                     PixelPoint pointer) {
+  const PixelRect box = scale.ToPixels(drag.box->Bounds());
+  const bool toRight = pointer.x >= box.CenterX();
+  const std::array<PixelPoint, 2> line{
+      PixelPoint{toRight ? box.Right() : box.left, drag.box->LineY(drag.box->PositionOf(drag.row))}, pointer};
+  const ColorRole color = drag.target ? ColorRole::JoinSelected : ColorRole::Join;
+  canvas.DrawPolyline(line, color, 2_px);
+  canvas.FillRect({pointer.x - 3_px, pointer.y - 3_px, 6_px, 6_px}, color, 3_px);
+}
+
+// From the row where the join begins to the current row of the selected box, while that may be its end.
+void PaintKeyJoin(Canvas& canvas, const ScreenScale& scale, const KeyJoin& join, const DiagramSelection& selection) {
+  const KeyJoin::Start& start = *join.Drawn();
+  const PixelRect from = scale.ToPixels(start.box->Bounds());
+  const Pixels y = start.box->LineY(start.box->PositionOf(start.row));
+  canvas.StrokeRect(from.Inset(-3_px), ColorRole::JoinSelected, 1_px, 6_px);
+  if (!join.HasTarget()) return;
+  const qbEntityList& target = *selection.Entity()->EntityBox();
+  const PixelRect to = scale.ToPixels(target.Bounds());
+  const bool toRight = to.CenterX() >= from.CenterX();
+  const std::array<PixelPoint, 2> line{PixelPoint{toRight ? from.Right() : from.left, y},
+                                       PixelPoint{toRight ? to.left : to.Right(), target.LineY(target.SelectedRow())}};
+  canvas.DrawPolyline(line, ColorRole::JoinSelected, 2_px);
+}
+
+// A line of text at the lower edge that says what the keys do now.
+void PaintHint(Canvas& canvas, const Surface& surface, const std::string& text) {
+  const PixelSize view = surface.ViewSize();
+  const TextMetrics& metrics = surface.Metrics();
+  const PixelSize size{metrics.TextWidth(text, {}) + 24_px, metrics.LineHeight({}) + 12_px};
+  const PixelRect place{12_px, view.height - size.height - 12_px, std::min(size.width, view.width - 24_px),
+                        size.height};
+  canvas.FillRect(place, ColorRole::Box, 4_px);
+  canvas.StrokeRect(place, ColorRole::BoxFrame, 1_px, 4_px);
+  canvas.DrawText(place.Inset(12_px, 0_px), text, {ColorRole::Text});
+}
+
+}  // namespace
+
+void PaintDiagram(Canvas& canvas, const DiagramSite& site, const DiagramScene& scene, const PixelRect& visible,
+                  const DiagramMarks* marks) {
+  const ScreenScale scale = site.GetSurface().Scale();
+  const auto paintLine = [&](const Ref<qbLine>& line) {
+    if (!line->Area(scale).Inset(-kLineReach).Overlaps(visible)) return;
+    line->Paint(canvas, scale, marks && line->Selected(), marks && line == marks->hover.line);
+  };
+  // Lines run under the boxes, the selected one on top of everything.
+  for (const Ref<qbLine>& line : scene.Lines()) {
+    if (!marks || !line->Selected()) paintLine(line);
+  }
+  for (const Ref<qbEntityList>& box : scene.Boxes()) {
+    const PixelRect place = scale.ToPixels(box->Bounds());
+    if (place.Overlaps(visible)) box->Paint(canvas, place, LookOf(box, site, scene, place, marks));
+  }
+  if (!marks) return;
+  for (const Ref<qbLine>& line : scene.Lines()) {
+    if (line->Selected()) paintLine(line);
+  }
+  if (marks->frame) canvas.StrokeRect(*marks->frame, ColorRole::Focus, 1_px);
+}
+
+void PaintPane(Canvas& canvas, const DiagramSite& site, const DiagramProperties& properties, const DiagramScene& scene,
+               const DiagramCamera& camera, const DiagramMarks& marks, const PixelRect& dirty) {
+  const Surface& surface = site.GetSurface();
+  const PixelSize view = surface.ViewSize();
+  canvas.FillRect({{}, {}, view.width, view.height}, properties.SurfaceInk());
+  if (scene.Boxes().Empty()) {
+    canvas.DrawText({{}, {}, view.width, view.height},
+                    Say(site.Context(), {text::DiagramHint, KeyTextOf(Command::AddTables)}),
+                    {ColorRole::SurfaceText, {}, TextAlignment::Center});
+    return;
+  }
+  const std::optional<KeyJoin::Start>& keyJoin = marks.keyJoin.Drawn();
+  {
+    const PixelPoint corner = camera.ToSurface({dirty.left, dirty.top});
+    const double zoom = camera.Zoom();
+    const ViewScope scope(canvas, camera.Origin(), zoom);
+    PaintDiagram(canvas, site, scene, {corner.x, corner.y, dirty.width / zoom, dirty.height / zoom}, &marks);
+    if (marks.drag) PaintRubberLine(canvas, surface.Scale(), *marks.drag, camera.ToSurface(marks.drag->pointer));
+    if (keyJoin) PaintKeyJoin(canvas, surface.Scale(), marks.keyJoin, marks.selection);
+  }
+  // Without a selected object nothing else says where the keys go.
+  if (site.HasFocus() && !marks.selection.Selected()) {
+    canvas.StrokeRect({1_px, 1_px, view.width - 2_px, view.height - 2_px}, ColorRole::Focus, 2_px);
+  }
+  if (keyJoin) {
+    PaintHint(canvas, surface,
+              Say(site.Context(), {text::JoinHint, keyJoin->box->Caption() + "." + keyJoin->row->Text()}));
+  }
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,237 @@
+#include "zrqrybld/diagram/diagram_pane.h"
+
+#include <utility>
+
+#include "zrqrybld/base/texts_diagram.h"
+#include "zrqrybld/diagram/diagram_painter.h"
+#include "zrqrybld/diagram/diagram_parts.h"
+#include "zrqrybld/host/query_context.h"
+
+namespace zrqrybld {
+
+qbDiagramPane::qbDiagramPane() : parts_(std::make_unique<DiagramParts>(*this)) {}
+
+qbDiagramPane::~qbDiagramPane() = default;
+
+Ref<qbDiagramPane> qbDiagramPane::Create() {
+  const Ref<qbDiagramPane> pane(new qbDiagramPane());
+  pane->parts_->camera.UpdateScrollBars();
+  return pane;
+}
+
+void qbDiagramPane::AboutBox() {
+  if (const Ref<QueryContext> context = Context()) {
+    context->GetToolkit().GetDialogs().ShowMessage("zrQryBld\r\n" + context->Say(text::AboutDiagram),
+                                                   MessageIcon::Information);
+  }
+}
+
+void qbDiagramPane::Clear() {
+  const Ref<Object> alive = shared_from_this();  // a listener may let go of it
+  parts_->edits.Clear();
+}
+
+const Ref<qbEntities>& qbDiagramPane::Entities() const { return parts_->entities; }
+
+Ref<Object> qbDiagramPane::SelectedObject() const { return parts_->selection.Selected(); }
+
+Ref<qbQueryBuilder> qbDiagramPane::QueryBuilder() const {
+  const Ref<QueryContext> context = Context();
+  return context ? context->Hub() : nullptr;
+}
+
+// --- Appearance ---
+
+template <class T>
+void qbDiagramPane::Store(T& property, const T& value, std::string_view key) {
+  property = value;
+  PropertyChanged.Raise(key);
+}
+
+void qbDiagramPane::ApplyAppearance() {
+  const BoxMetrics metrics = parts_->properties.MetricsOn(GetSurface());
+  for (const Ref<qbEntityList>& box : parts_->scene.Boxes()) {
+    parts_->properties.Colour(*box);
+    box->SetMetrics(metrics);
+  }
+  Refresh();
+}
+
+const Ref<ImageList>& qbDiagramPane::ItemsImageList() const { return parts_->properties.itemsImageList; }
+
+void qbDiagramPane::SetItemsImageList(Ref<ImageList> images) {
+  parts_->properties.itemsImageList = std::move(images);
+  for (const Ref<qbEntityList>& box : parts_->scene.Boxes()) box->SetImages(parts_->properties.itemsImageList);
+  Refresh();
+}
+
+const Font& qbDiagramPane::EntityFont() const { return parts_->properties.entityFont; }
+
+void qbDiagramPane::SetEntityFont(const Font& font) {
+  Store(parts_->properties.entityFont, font, "EntityFont");
+  ApplyAppearance();
+}
+
+Color qbDiagramPane::EntityForeColor() const { return parts_->properties.entityForeColor; }
+
+void qbDiagramPane::SetEntityForeColor(Color color) {
+  Store(parts_->properties.entityForeColor, color, "EntityForeColor");
+  ApplyAppearance();
+}
+
+Color qbDiagramPane::EntityBackColor() const { return parts_->properties.entityBackColor; }
+
+void qbDiagramPane::SetEntityBackColor(Color color) {
+  Store(parts_->properties.entityBackColor, color, "EntityBackColor");
+  ApplyAppearance();
+}
+
+Color qbDiagramPane::BackColor() const { return parts_->properties.backColor; }
+
+void qbDiagramPane::SetBackColor(Color color) {
+  Store(parts_->properties.backColor, color, "BackColor");
+  Refresh();
+}
+
+const Font& qbDiagramPane::EntityCaptionFont() const { return parts_->properties.entityCaptionFont; }
+
+void qbDiagramPane::SetEntityCaptionFont(const Font& font) {
+  Store(parts_->properties.entityCaptionFont, font, "EntityCaptionFont");
+  ApplyAppearance();
+}
+
+Color qbDiagramPane::EntityFrameColor() const { return parts_->properties.entityFrameColor; }
+
+void qbDiagramPane::SetEntityFrameColor(Color color) {
+  Store(parts_->properties.entityFrameColor, color, "EntityFrameColor");
+  ApplyAppearance();
+}
+
+bool qbDiagramPane::EntityMinimizeButton() const { return parts_->properties.entityMinimizeButton; }
+
+void qbDiagramPane::SetEntityMinimizeButton(bool show) {
+  Store(parts_->properties.entityMinimizeButton, show, "EntityMinimizeButton");
+}
+
+OLEDropModeEnum qbDiagramPane::OLEDropMode() const { return parts_->properties.oleDropMode; }
+
+void qbDiagramPane::SetOLEDropMode(OLEDropModeEnum mode) { Store(parts_->properties.oleDropMode, mode, "OLEDropMode"); }
+
+void qbDiagramPane::ReadProperties(const PropertyStore& store) {
+  parts_->properties.Read(store);
+  ApplyAppearance();
+}
+
+void qbDiagramPane::WriteProperties(PropertyStore& store) const { parts_->properties.Write(store); }
+
+void qbDiagramPane::OnSurfaceChanged() { ApplyAppearance(); }
+
+// --- The view ---
+
+double qbDiagramPane::Zoom() const { return parts_->camera.Zoom(); }
+
+void qbDiagramPane::SetZoom(double zoom, PixelPoint about) { parts_->camera.SetZoom(zoom, about); }
+
+void qbDiagramPane::ZoomToFit() { parts_->camera.ZoomToFit(); }
+
+void qbDiagramPane::Arrange() { parts_->edits.Arrange(parts_->camera.VisibleWidth()); }
+
+std::string qbDiagramPane::PictureSvg() const { return parts_->pictures.Svg(); }
+
+PixelSize qbDiagramPane::PictureSize() const { return parts_->pictures.Size(); }
+
+void qbDiagramPane::PaintPicture(Canvas& canvas) const { parts_->pictures.Paint(canvas); }
+
+void qbDiagramPane::SavePicture(const std::string& path) const { parts_->pictures.Save(path); }
+
+void qbDiagramPane::AskToSavePicture() { parts_->pictures.AskToSave(); }
+
+bool qbDiagramPane::CopyPicture() const { return parts_->pictures.Copy(); }
+
+void qbDiagramPane::SetMinimized(const qbEntity& entity, bool minimized) {
+  if (entity.EntityBox()) parts_->edits.Minimize(*entity.EntityBox(), minimized);
+}
+
+// --- Selecting, going about ---
+
+void qbDiagramPane::SelectObject(const Ref<Object>& object) { parts_->selection.Select(object); }
+
+void qbDiagramPane::DropSelection() { parts_->selection.Drop(); }
+
+void qbDiagramPane::SelectAll() { parts_->selection.SelectAll(*parts_->entities); }
+
+std::vector<Ref<qbEntity>> qbDiagramPane::SelectedEntities() const { return parts_->selection.Entities(); }
+
+bool qbDiagramPane::BeginKeyJoin() { return parts_->keyJoin.Begin(); }
+
+void qbDiagramPane::AskAndFind() { parts_->finder.AskAndFind(); }
+
+void qbDiagramPane::AskForAlias(const Ref<qbEntity>& entity) { parts_->edits.AskForAlias(entity); }
+
+// Nobody is told of the selection's end while the diagram is half-way.
+void qbDiagramPane::Restore(const DiagramState& now, const DiagramState& then) {
+  parts_->gestures.Cancel();
+  parts_->keyJoin.End();
+  const Ref<Object> selected = parts_->selection.PutAside();
+  parts_->entities->Restore(now, then);
+  parts_->selection.PutBack(selected);
+}
+
+// --- Window events ---
+
+void qbDiagramPane::Paint(Canvas& canvas, const PixelRect& dirty) const {
+  const DiagramMarks marks{parts_->selection, parts_->keyJoin, parts_->mouse.Hover(), parts_->gestures.RowDrag(),
+                           parts_->gestures.Frame()};
+  PaintPane(canvas, *this, parts_->properties, parts_->scene, parts_->camera, marks, dirty);
+}
+
+void qbDiagramPane::OnResize() {
+  parts_->camera.UpdateScrollBars();
+  Refresh();
+}
+
+void qbDiagramPane::OnMouseDown(const MouseEvent& event) { parts_->mouse.Down(event); }
+
+void qbDiagramPane::OnMouseMove(const MouseEvent& event) { parts_->mouse.Move(event); }
+
+void qbDiagramPane::OnMouseUp(const MouseEvent& event) { parts_->mouse.Up(event); }
+
+void qbDiagramPane::OnDoubleClick(const MouseEvent& event) { parts_->mouse.DoubleClick(event); }
+
+void qbDiagramPane::OnMouseLeave() { parts_->mouse.Leave(); }
+
+void qbDiagramPane::OnTick() { parts_->gestures.Tick(); }
+
+void qbDiagramPane::OnWheel(const WheelEvent& event) { parts_->mouse.Wheel(event); }
+
+void qbDiagramPane::OnScroll(Orientation orientation, int value) { parts_->camera.ScrollTo(orientation, value); }
+
+bool qbDiagramPane::OnKeyDown(const KeyEvent& event) { return parts_->keys.Down(event); }
+
+void qbDiagramPane::OnKeyUp(const KeyEvent& event) { parts_->keys.Up(event); }
+
+void qbDiagramPane::OnFocusChanged(bool focused) {
+  SetHasFocus(focused);
+  if (!focused) {
+    parts_->mouse.ForgetSpace();
+    parts_->gestures.Cancel();
+  }
+  Refresh();
+}
+
+bool qbDiagramPane::OnDragOver(const std::string& text, const MouseEvent& event) {
+  return OLEDropMode() == OLEDropManual && parts_->drop.Over(text, event, 1);
+}
+
+void qbDiagramPane::OnDragLeave() { parts_->drop.Leave(OLEDropMode() == OLEDropManual); }
+
+void qbDiagramPane::OnDrop(const std::string& text, const MouseEvent& event) {
+  parts_->drop.Leave(false);
+  if (OLEDropMode() == OLEDropManual) parts_->drop.Drop(text, event);
+}
+
+std::string qbDiagramPane::ToolTipAt(PixelPoint point) const { return parts_->mouse.ToolTipAt(point); }
+
+AccessibleTree* qbDiagramPane::Accessible() { return &parts_->access; }
+
+}  // namespace zrqrybld

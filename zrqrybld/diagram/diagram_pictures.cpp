@@ -1,0 +1,72 @@
+#include "zrqrybld/diagram/diagram_pictures.h"
+
+#include <algorithm>
+
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/base/file.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/base/texts_diagram.h"
+#include "zrqrybld/diagram/diagram_camera.h"
+#include "zrqrybld/diagram/diagram_painter.h"
+#include "zrqrybld/diagram/diagram_properties.h"
+#include "zrqrybld/diagram/diagram_site.h"
+#include "zrqrybld/host/query_context.h"
+#include "zrqrybld/platform/svg_canvas.h"
+
+namespace zrqrybld {
+
+PixelSize DiagramPictures::Size() const {
+  const PixelSize extent = camera_.Extent();
+  constexpr Pixels kSmallest = 64_px;
+  return {std::max(extent.width, kSmallest), std::max(extent.height, kSmallest)};
+}
+
+void DiagramPictures::Paint(Canvas& canvas) const {
+  const PixelSize size = Size();
+  canvas.FillRect({{}, {}, size.width, size.height}, properties_.SurfaceInk());
+  const ViewScope view(canvas, {kSurfaceMargin, kSurfaceMargin}, 1);
+  PaintDiagram(canvas, site_, scene_, {-kSurfaceMargin, -kSurfaceMargin, size.width, size.height}, nullptr);
+}
+
+std::string DiagramPictures::Svg() const {
+  SvgCanvas canvas(Size());
+  Paint(canvas);
+  return canvas.Picture();
+}
+
+Picture DiagramPictures::ToDraw() const {
+  return {Size(), [this](Canvas& canvas) { Paint(canvas); }};
+}
+
+void DiagramPictures::Save(const std::string& path) const {
+  if (!FoldCase(path).ends_with(".svg")) {
+    site_.GetSurface().SavePng(ToDraw(), path);
+    return;
+  }
+  const Ref<QueryContext> context = site_.Context();
+  if (context) {
+    WriteWholeFile(path, Svg(), context->GetToolkit().Files());
+  } else {
+    WriteWholeFile(path, Svg());
+  }
+}
+
+void DiagramPictures::AskToSave() const {
+  const Ref<QueryContext> context = site_.Context();
+  if (!context) return;
+  Dialogs& dialogs = context->GetToolkit().GetDialogs();
+  const std::string path =
+      dialogs.ShowSaveFile({context->Say(text::SavePictureCaption),
+                            context->Say(text::PictureFileName),
+                            {{context->Say(text::PngPictures), "png"}, {context->Say(text::SvgPictures), "svg"}}});
+  if (path.empty()) return;
+  try {
+    Save(path);
+  } catch (const Error& error) {
+    dialogs.ShowMessage(context->Say(error), MessageIcon::Critical);
+  }
+}
+
+bool DiagramPictures::Copy() const { return site_.GetSurface().CopyPicture(ToDraw()); }
+
+}  // namespace zrqrybld

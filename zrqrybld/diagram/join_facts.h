@@ -1,0 +1,35 @@
+// JoinFacts: all that a join says, as a value.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "zrqrybld/base/object.h"
+#include "zrqrybld/base/variant.h"
+#include "zrqrybld/platform/image.h"
+
+namespace zrqrybld {
+
+class qbRelationship;
+
+/// Whether an end of a join line shows a picture.
+enum RelationshipIndicatorStyle : std::int32_t { IndicatorNone = 0, IndicatorImage = 1 };
+
+/// What a join says, besides its ends.
+struct JoinFacts {
+  Variant itemData;
+  Variant sourceItemIndex;
+  Variant targetItemIndex;
+  RelationshipIndicatorStyle leftIndicator = IndicatorNone;
+  RelationshipIndicatorStyle rightIndicator = IndicatorNone;
+  Ref<Image> leftPicture;
+  Ref<Image> rightPicture;
+  friend bool operator==(const JoinFacts&, const JoinFacts&) = default;
+};
+
+/// A join of the diagram, also while it is not there.
+struct JoinIdentity {
+  WeakRef<qbRelationship> live;  ///< nothing while it is removed
+};
+
+}  // namespace zrqrybld

@@ -1,0 +1,89 @@
+#include "zrqrybld/diagram/relationship.h"
+
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/diagram/entity.h"
+
+namespace zrqrybld {
+
+std::int32_t qbRelationship::Index() const {
+  const auto owner = owner_.lock();
+  if (!owner) ThrowObjectRemoved();
+  return static_cast<std::int32_t>(owner->PositionOf(*this));
+}
+
+// A join is remembered with the entity that it starts at.
+JoinFacts& qbRelationship::Changing() {
+  const Ref<qbEntity> source = Source();
+  if (source && source->EntityBox()) source->EntityBox()->Touch();
+  return facts_;
+}
+
+// The line goes to another row now, or to none, and listeners learn of the change.
+void qbRelationship::NotifyEnd(const Ref<qbEntity>& end) {
+  if (!end || !end->EntityBox()) return;
+  const Ref<qbEntityList> box = end->EntityBox();
+  box->Notify("move", std::int32_t{1});
+  box->Notify("relationshipchange", Ref<Object>(RefTo(*this)));
+}
+
+// While the other end is not set there is no line to move yet.
+void qbRelationship::SetSourceItemIndex(Variant index) {
+  Changing().sourceItemIndex = std::move(index);
+  if (!facts_.targetItemIndex.IsEmpty()) NotifyEnd(Source());
+}
+
+void qbRelationship::SetTargetItemIndex(Variant index) {
+  Changing().targetItemIndex = std::move(index);
+  if (!facts_.sourceItemIndex.IsEmpty()) NotifyEnd(Target());
+}
+
+void qbRelationship::RedrawEnds() {
+  const Ref<qbEntity> source = Source();
+  if (source && source->EntityBox()) source->EntityBox()->Notify("move", std::int32_t{1});
+}
+
+void qbRelationship::SetLeftIndicator(RelationshipIndicatorStyle style) {
+  Changing().leftIndicator = style;
+  RedrawEnds();
+}
+
+void qbRelationship::SetRightIndicator(RelationshipIndicatorStyle style) {
+  Changing().rightIndicator = style;
+  RedrawEnds();
+}
+
+Ref<qbEntityItem> qbRelationship::SourceItem() const {
+  const Ref<qbEntity> source = Source();
+  return source ? source->Items()->Item(facts_.sourceItemIndex) : nullptr;
+}
+
+Ref<qbEntityItem> qbRelationship::TargetItem() const {
+  const Ref<qbEntity> target = Target();
+  return target ? target->Items()->Item(facts_.targetItemIndex) : nullptr;
+}
+
+JoinKind qbRelationship::Kind() const {
+  const std::optional<double> number = facts_.itemData.Number();
+  if (!number || !(*number >= 0 && *number < 65536)) return {};
+  return JoinKind::FromBits(static_cast<std::int32_t>(*number));
+}
+
+const std::shared_ptr<JoinIdentity>& qbRelationship::Identity() {
+  if (!identity_) identity_ = std::make_shared<JoinIdentity>(JoinIdentity{std::weak_ptr(RefTo(*this))});
+  return identity_;
+}
+
+void qbRelationship::Restore(const JoinFacts& facts) {
+  if (facts == Facts()) return;
+  Changing() = facts;
+  NotifyEnd(Source());
+}
+
+void qbRelationship::Detach() {
+  source_.reset();
+  target_.reset();
+  owner_.reset();
+  line_ = nullptr;
+}
+
+}  // namespace zrqrybld

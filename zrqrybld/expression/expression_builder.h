@@ -1,0 +1,78 @@
+// frmExpressionBuilder: puts an expression together from the query's columns and the words of the catalogs.
+//
+// What its window shows and does, without the window. The chosen piece has parameters, the placeholders of its syntax;
+// the values that they are given are inserted with it.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "zrqrybld/expression/expression_zoom.h"
+
+namespace zrqrybld {
+
+class frmExpressionBuilder final : public frmExpressionZoom {
+ public:
+  /// A piece of an expression.
+  struct Part {
+    std::string text;    ///< what the tree shows
+    std::string insert;  ///< what goes into the expression, with placeholders
+    std::string hint;    ///< a column's type, a function's syntax or description; "" for none
+  };
+  struct Group {
+    std::string name;
+    std::vector<Part> parts;
+  };
+  /// A placeholder of the chosen piece, without its "@", and what takes its place; "" leaves it to be filled in later.
+  struct Parameter {
+    std::string name;
+    std::string value;
+  };
+
+  static Ref<frmExpressionBuilder> Create(const Ref<QueryContext>& context, EditedText kind);
+  std::string_view TypeName() const override { return "frmExpressionBuilder"; }
+
+  std::string Caption() const override { return Language(LanguageExprBuildCaption); }
+  std::string AcceptButton() const override { return Language(LanguageExprBuildAcceptButton); }
+  std::string CancelButton() const override { return Language(LanguageExprBuildCancelButton); }
+  /// Further texts of the window, from the language table.
+  std::string ParameterNameHeader() const { return Language(LanguageExprBuildGridParamName); }
+  std::string ParameterValueHeader() const { return Language(LanguageExprBuildGridParamValue); }
+  std::string ClearToolTip() const { return Language(LanguageExprBuildToolTipClearExpr); }
+  std::string InsertToolTip() const { return Language(LanguageExprBuildToolTipInsert); }
+
+  /// The pieces: a group for each table of the diagram, then functions, aggregates, operators, keywords, parameters.
+  /// Groups without pieces are left out.
+  const std::vector<Group>& Groups() const { return groups_; }
+
+  /// Whether a search for the text finds the piece: its name or its group's holds every word of the text, in any letter
+  /// case. An empty text finds all.
+  static bool Finds(std::string_view wanted, const Group& group, const Part& part);
+
+  /// Makes a piece the chosen one, by its group and its place there, both from 0; an index that does not exist chooses
+  /// none. The values of its parameters are empty.
+  void Choose(std::size_t group, std::size_t part);
+  bool HasChosen() const { return chosen_ != nullptr; }
+  const std::vector<Parameter>& Parameters() const { return parameters_; }
+  /// Gives a parameter its value; error 9 when there is none at the index, from 0.
+  void SetParameter(std::size_t index, const std::string& value);
+
+  /// The chosen piece in place of a part of the text (in bytes), set apart by blanks where it needs them. Parameters
+  /// without a value are its fields. Nothing is replaced while no piece is chosen.
+  TextReplacement Insertion(std::string_view text, std::size_t from, std::size_t to) const;
+
+ private:
+  frmExpressionBuilder(const Ref<QueryContext>& context, EditedText kind);
+  void AddTables();
+  void AddWords();
+  void AddGroup(Group group);
+
+  std::vector<Group> groups_;
+  const Part* chosen_ = nullptr;
+  TextTemplate pattern_;  // the chosen piece as it is inserted
+  std::vector<Parameter> parameters_;
+};
+
+}  // namespace zrqrybld

@@ -1,0 +1,128 @@
+#include "zrqrybld/expression/intelli_list.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/base/texts_expression.h"
+#include "zrqrybld/expression/schema_cache.h"
+#include "zrqrybld/sql/parameters.h"
+#include "zrqrybld/sql/query_snapshot.h"
+#include "zrqrybld/sql/source_rules.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr std::ptrdiff_t kPage = 8;
+constexpr std::size_t kSureOfAWord = 2;  // letters after which a word is meant where a new name may stand as well
+
+// Whether the text is written already: the list would only be in the way of Enter.
+bool IsWritten(const SuggestionList& list) {
+  return !list.items.empty() && EqualsNoCase(list.items.front().insert, list.typed) &&
+         std::ranges::none_of(list.items.begin() + 1, list.items.end(), [&](const Suggestion& item) {
+           return FoldCase(item.label).starts_with(FoldCase(list.typed));
+         });
+}
+
+}  // namespace
+
+Ref<qbIntelliList> qbIntelliList::Create(const Ref<QueryContext>& context, EditedText kind) {
+  return Ref<qbIntelliList>(new qbIntelliList(context, kind));
+}
+
+void qbIntelliList::Prepare() {
+  const Ref<QueryContext> context = context_.lock();
+  if (!context) return;
+  context->Schema()->Refresh();
+  markers_ = QueryMarkers(context->Snapshot());
+}
+
+SuggestionList qbIntelliList::Ask(std::string_view text, std::size_t caret) {
+  const Ref<QueryContext> context = context_.lock();
+  if (!context) return {};
+  const std::shared_ptr<SchemaCache> facts = context->Schema();
+  facts->Refresh();
+  Vocabulary words = ReadVocabulary(*context);
+  const std::string inUse = context->Say(text::InUse);
+  AddMarkers(words, markers_, inUse);
+  // A marker that the caret stands in is not complete.
+  AddMarkers(words, ParameterMarkers(text.substr(0, caret)), inUse);
+  AddMarkers(words, ParameterMarkers(text.substr(caret)), inUse);
+  const NameRules names = CurrentNameRules(*context);
+  return Suggest({text, caret, kind_, *facts, words, names});
+}
+
+void qbIntelliList::OnTyped(std::string_view text, std::size_t caret, bool inserted) {
+  if (!inserted && !IsOpen()) return;
+  SuggestionList list = Ask(text, caret);
+  const bool wanted = !list.typed.empty() || (list.member && (inserted || IsOpen()));
+  if (!wanted || IsWritten(list)) {
+    Close();
+    return;
+  }
+  // A condition may hold a value as it is typed, without quotes: nothing is taken there without being chosen.
+  const bool mayBeValue = kind_ == EditedText::Criterion && !list.member;
+  const bool select = !mayBeValue && (!list.mayBeName || list.typed.size() >= kSureOfAWord);
+  Show(std::move(list), select ? 0 : -1);
+}
+
+void qbIntelliList::Open(std::string_view text, std::size_t caret) { Show(Ask(text, caret), 0); }
+
+void qbIntelliList::Close() {
+  if (IsOpen()) Show({}, -1);
+}
+
+void qbIntelliList::Show(SuggestionList list, std::ptrdiff_t selected) {
+  const bool wasOpen = IsOpen();
+  list_ = std::move(list);
+  selected_ = IsOpen() ? selected : -1;
+  if (wasOpen || IsOpen()) Changed.Raise();
+}
+
+bool qbIntelliList::MoveTo(std::ptrdiff_t index) {
+  selected_ = std::clamp<std::ptrdiff_t>(index, 0, std::ssize(list_.items) - 1);
+  Changed.Raise();
+  return true;
+}
+
+bool qbIntelliList::OnKeyDown(const KeyEvent& event) {
+  if (!IsOpen() || (event.shift & (ShiftCtrl | ShiftAlt)) != 0) return false;
+  switch (event.keyCode) {
+    case KeyCodeDown:
+      return MoveTo(selected_ + 1);
+    case KeyCodeUp:
+      return MoveTo(selected_ - 1);
+    case KeyCodePageDown:
+      return MoveTo(selected_ + kPage);
+    case KeyCodePageUp:
+      return MoveTo(selected_ - kPage);
+    case KeyCodeEscape:
+      Close();
+      return true;
+    case KeyCodeEnter:
+    case KeyCodeTab:
+      if (selected_ < 0 || (event.shift & ShiftShift) != 0) {
+        Close();
+        return false;
+      }
+      Accept(selected_);
+      return true;
+    default:
+      return false;
+  }
+}
+
+std::vector<ListEntry> qbIntelliList::Entries() const {
+  std::vector<ListEntry> entries;
+  for (const Suggestion& item : list_.items) entries.push_back({item.label, item.detail, item.kind});
+  return entries;
+}
+
+void qbIntelliList::Accept(std::ptrdiff_t index) {
+  if (index < 0 || index >= std::ssize(list_.items)) return;
+  const TextReplacement taken{list_.from, list_.to, ReadTemplate(list_.items[static_cast<std::size_t>(index)].insert)};
+  Close();
+  Accepted.Raise(taken);
+}
+
+}  // namespace zrqrybld

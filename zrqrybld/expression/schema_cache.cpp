@@ -1,0 +1,224 @@
+#include "zrqrybld/expression/schema_cache.h"
+
+#include <algorithm>
+#include <map>
+#include <tuple>
+#include <utility>
+
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/source_names.h"
+#include "zrqrybld/platform/schema_fields.h"
+#include "zrqrybld/sql/parameters.h"
+#include "zrqrybld/sql/query_snapshot.h"
+#include "zrqrybld/sql/source_rules.h"
+
+namespace zrqrybld {
+namespace {
+
+// While one types, a source that fails is one that has nothing to tell.
+template <class Read>
+void Trapped(Read read) {
+  try {
+    read();
+  } catch (const std::exception&) {
+    // What is missing is not offered; whoever uses the table for good gets the error.
+  }
+}
+
+ColumnFacts MakeColumn(std::string name, std::string type) {
+  std::string folded = FoldCase(name);
+  return {std::move(name), std::move(folded), std::move(type)};
+}
+
+constexpr std::int32_t kGroupingChoice = 2;  // of a function's flags: only the grid's group-by column knows it
+
+}  // namespace
+
+// --- Words ---
+
+Vocabulary ReadVocabulary(const QueryContext& context) {
+  Vocabulary words;
+  const auto syntaxOf = [](const auto& entry) { return entry.Syntax().empty() ? entry.Name() : entry.Syntax(); };
+  for (const Ref<qbDBFunction>& entry : *context.DBFunctions()) {
+    if ((entry->Flags() & kGroupingChoice) != 0) continue;
+    auto& list = entry->Name().starts_with('?') ? words.parameters : words.functions;
+    list.push_back({entry->Name(), syntaxOf(*entry), entry->Description(), (entry->Flags() & 1) != 0, false});
+  }
+  for (const Ref<qbDBOperator>& entry : *context.DBOperators()) {
+    const bool condition = (entry->Flags() & (SQLOperatorComparison | SQLOperatorLogical)) != 0;
+    words.operators.push_back({entry->Name(), syntaxOf(*entry), entry->Description(), false, condition});
+  }
+  for (const Ref<qbDBKeyword>& entry : *context.DBKeywords()) {
+    words.keywords.push_back({entry->Name(), entry->Name(), entry->Description(), false, false});
+  }
+  words.fullJoin = context.HasFullJoin();
+  return words;
+}
+
+std::vector<std::string> QueryMarkers(const QuerySnapshot& query) {
+  std::vector<std::string> markers;
+  const auto take = [&markers](const std::string& text) {
+    for (std::string& marker : ParameterMarkers(text)) markers.push_back(std::move(marker));
+  };
+  for (const SnapshotRow& row : query.rows) {
+    take(row.column);
+    for (const std::string& criterion : row.criteria) take(criterion);
+  }
+  return markers;
+}
+
+void AddMarkers(Vocabulary& words, const std::vector<std::string>& markers, const std::string& description) {
+  std::size_t place = 0;
+  for (const std::string& marker : markers) {
+    if (std::ranges::find(words.parameters, marker, &VocabularyWord::name) != words.parameters.end()) continue;
+    words.parameters.insert(words.parameters.begin() + static_cast<std::ptrdiff_t>(place++),
+                            {marker, marker, description, false, false});
+  }
+}
+
+// --- The source's tables ---
+
+void SchemaCache::Clear() {
+  listed_.clear();
+  byName_.clear();
+  tables_.clear();
+  source_.reset();
+}
+
+void SchemaCache::Refresh() {
+  const Ref<Connection> source = context_.IsConnected() ? context_.Connection() : nullptr;
+  if (!source) {
+    Clear();
+  } else if (source_.lock() != source || sourceText_ != source->ConnectionString()) {
+    Clear();
+    source_ = source;
+    sourceText_ = source->ConnectionString();
+    Trapped([this] { ReadTables(); });
+  }
+  TakeQueryTables();
+}
+
+void SchemaCache::ReadTables() {
+  const auto rows = context_.Connection()->OpenSchema(SchemaKind::Tables);
+  for (; !rows->Eof(); rows->MoveNext()) {
+    const std::string type = UpperAscii(rows->Text("TABLE_TYPE"));
+    if (type != "TABLE" && type != "VIEW") continue;
+    auto table = std::make_unique<Known>();
+    table->schema = rows->Text("TABLE_SCHEMA");
+    table->name = rows->Text("TABLE_NAME");
+    table->folded = FoldCase(table->name);
+    table->isView = type == "VIEW";
+    byName_[table->folded].push_back(table.get());
+    listed_.push_back(table.get());
+    tables_.push_back(std::move(table));
+  }
+  std::ranges::sort(listed_, {}, [](const TableFacts* table) { return std::tie(table->schema, table->folded); });
+  TakeKnownColumns();
+}
+
+// What was read on connecting need not be read again. It bears no schema: a name that is there twice stays unknown.
+void SchemaCache::TakeKnownColumns() {
+  for (const SourceTable& known : context_.SourceTables()) {
+    const auto found = byName_.find(FoldCase(known.name));
+    if (found == byName_.end() || found->second.size() != 1) continue;
+    std::vector<ColumnFacts>& columns = found->second.front()->columns;
+    columns.clear();
+    for (const std::string& column : known.columns) columns.push_back(MakeColumn(column, {}));
+  }
+}
+
+const TableFacts* SchemaCache::Find(const std::vector<std::string>& parts) {
+  const std::string name = FoldCase(parts.back());
+  const std::string schema = parts.size() > 1 ? FoldCase(parts[parts.size() - 2]) : std::string();
+  if (const auto found = byName_.find(name); found != byName_.end()) {
+    const auto fits = [&](const Known* table) {
+      return schema.empty() || table->schema.empty() || FoldCase(table->schema) == schema;
+    };
+    const auto table = std::ranges::find_if(found->second, fits);
+    if (table != found->second.end()) {
+      if (!std::exchange((*table)->read, true)) Read(**table);
+      return *table;
+    }
+  }
+  const auto inQuery =
+      std::ranges::find(queryTables_, name, [](const QueryTableFacts& table) { return table.facts->folded; });
+  return inQuery == queryTables_.end() ? nullptr : inQuery->facts;
+}
+
+void SchemaCache::Read(Known& table) {
+  Trapped([&] { ReadColumns(table); });
+  Trapped([&] { ReadForeignKeys(table); });
+}
+
+void SchemaCache::ReadColumns(Known& table) {
+  const auto rows = context_.Connection()->OpenSchema(SchemaKind::Columns, {{}, table.schema, table.name});
+  std::vector<ColumnFacts> columns;
+  for (; !rows->Eof(); rows->MoveNext()) {
+    const Variant flags = rows->Value("COLUMN_FLAGS");
+    const bool isLong = !flags.IsBlank() && (flags.ToInt32() & ColumnLong) != 0;
+    columns.push_back(MakeColumn(rows->Text("COLUMN_NAME"), TypeName(rows->Value("DATA_TYPE"), isLong)));
+  }
+  table.columns = std::move(columns);
+}
+
+// The rows of one key belong together by its name; a column that begins a key anew (its ordinal is 1) begins another
+// one, where keys have no names.
+void SchemaCache::ReadForeignKeys(Known& table) {
+  std::map<std::string, std::size_t> keys;
+  const auto rows = context_.Connection()->OpenSchema(SchemaKind::ForeignKeys, {{}, table.schema, table.name});
+  for (; !rows->Eof(); rows->MoveNext()) {
+    const std::string parent = rows->Text("PK_TABLE_NAME");
+    const std::string name = rows->Text("FK_NAME");
+    const Variant ordinal = rows->Value("ORDINAL");
+    const bool begins = name.empty() && (ordinal.IsBlank() || ordinal.ToInt32() <= 1);
+    const auto [key, isNew] = keys.try_emplace(name + '\n' + parent, table.foreignKeys.size());
+    if (isNew || begins) {
+      key->second = table.foreignKeys.size();
+      table.foreignKeys.push_back({rows->Text("PK_TABLE_SCHEMA"), parent, {}});
+    }
+    ForeignKeyFacts& facts = table.foreignKeys[key->second];
+    facts.pairs.push_back({rows->Text("FK_COLUMN_NAME"), rows->Text("PK_COLUMN_NAME")});
+  }
+}
+
+std::string SchemaCache::TypeName(const Variant& type, bool isLong) const {
+  if (type.IsBlank()) return {};
+  const Ref<qbDataType> found = context_.DataTypes()->FindByIndicatorLong(type.ToInt32(), isLong);
+  return found ? found->Name : std::string();
+}
+
+// --- The query's tables ---
+
+void SchemaCache::TakeQueryTables() {
+  queryTables_.clear();
+  std::erase_if(entities_, [](const auto& taken) { return taken.second.entity.expired(); });
+  const Ref<qbEntities> entities = context_.Entities();
+  if (!entities) return;
+  const NameRules rules = CurrentNameRules(context_);
+  for (const Ref<qbEntity>& entity : *entities) {
+    const bool ownName = entity->Caption() == entity->TagVariant().Text();
+    const SqlText qualifier = ownName ? RenderQualified(WrittenName(*entity, rules), rules)
+                                      : QuoteWhenNeeded(Identifier(entity->Caption()), rules);
+    queryTables_.push_back({entity->Caption(), qualifier.Text(), &Taken(entity).facts});
+  }
+}
+
+SchemaCache::TakenEntity& SchemaCache::Taken(const Ref<qbEntity>& entity) {
+  TakenEntity& taken = entities_[entity.get()];
+  const std::int32_t count = entity->Items()->Count();
+  if (taken.entity.lock() == entity && taken.items == count) return taken;
+  taken = {entity, count, {}};
+  taken.facts.name = SourceName(*entity, CurrentNameRules(context_)).back().Name();
+  if (taken.facts.name.empty()) taken.facts.name = entity->Caption();
+  taken.facts.folded = FoldCase(taken.facts.name);
+  for (const Ref<qbEntityItem>& item : *entity->Items()) {
+    if (item->Text() == "*") continue;
+    const Variant* type = item->Properties()->Find("data_type");
+    const Variant* isLong = item->Properties()->Find("is_long");
+    taken.facts.columns.push_back(
+        MakeColumn(item->Text(), type ? TypeName(*type, isLong && isLong->ToBoolean()) : std::string()));
+  }
+  return taken;
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,241 @@
+#include "zrqrybld/grid/cell_rules.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/base/texts_grid.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/grid/field_rows.h"
+#include "zrqrybld/sql/criteria_formatter.h"
+#include "zrqrybld/sql/source_rules.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr SortWord kNoSort{"", SortDirection::None};
+
+}  // namespace
+
+// By position; the criteria columns share the last one.
+const CellRules::Rule& CellRules::RuleOf(std::int32_t column) {
+  static constexpr Rule kRules[] = {
+      {&CellRules::ColumnEdited, &CellRules::FillColumns},
+      {nullptr, nullptr},  // alias
+      {&CellRules::TableEdited, &CellRules::FillAllTables},
+      {nullptr, nullptr},  // output
+      {&CellRules::SortTypeEdited, nullptr},
+      {&CellRules::SortOrderEdited, &CellRules::FillSortPlaces},
+      {&CellRules::GroupByEdited, &CellRules::FillGroupings},
+      {&CellRules::CriterionEdited, nullptr},
+  };
+  static_assert(std::size(kRules) == kColumnCriteria);
+  return kRules[std::min<std::int32_t>(column, kColumnCriteria) - 1];
+}
+
+void CellRules::Edited(zrGridRow& row, std::int32_t column, const std::string& before) {
+  if (const auto edited = RuleOf(column).edited) (this->*edited)({row, column, before});
+}
+
+void CellRules::FillList(const zrGridRow& row, std::int32_t column) {
+  if (const auto fillList = RuleOf(column).fillList) (this->*fillList)(row);
+}
+
+zrGridComboItems& CellRules::EmptiedList(GridColumnIndex column) const {
+  zrGridComboItems& list = *rows_.Grid().Columns()->Item(column)->ComboItems();
+  list.Clear();
+  return list;
+}
+
+// Tells the user once in a work on many cells; a hint stays beside every cell.
+void CellRules::Complain(const Edit& edit, const std::string& text, MessageIcon icon) {
+  RowWriter(edit.row).SetHint(static_cast<std::size_t>(edit.column), text);
+  const Ref<QueryContext> context = rows_.Context();
+  if (!context || std::exchange(complained_, true)) return;
+  context->GetToolkit().GetDialogs().ShowMessageSoon(text, icon);
+}
+
+// --- Column and table ---
+
+void CellRules::ColumnEdited(const Edit& edit) {
+  zrGridRow& row = edit.row;
+  const Ref<QueryContext> context = rows_.Context();
+  const Ref<qbEntities> entities = rows_.Entities();
+  if (!context || !entities || RowReader(row).IsBlank(kColumnColumn)) return;
+  const FieldName typed = FieldOf(row);
+  const NameRules rules = CurrentNameRules(*context);
+  const RowWriter writer(row);
+  const Ref<qbEntity> entity = entities->FindExactly(typed.table);
+  if (entity && !FindItemExactly(*entity, typed.column) && entity->Items()->Count() > 1) {
+    const bool isName = std::ranges::all_of(typed.column, [](char c) { return IsWordByte(c) || c == ' '; });
+    if (isName) {
+      writer.SetHint(kColumnColumn, context->Say({text::TableHasNoColumn, typed.table, typed.column}));
+    } else {
+      writer.SetText(kColumnTable, "");  // an expression stands for itself, not for a column of the table
+    }
+  }
+  if (typed.table.empty()) {
+    if (const std::optional<FieldName> field = FindOnlyField(*entities, typed.column, rules)) {
+      writer.SetText(kColumnTable, field->table);
+    }
+  }
+  // A column that is named in an empty row is wanted in the result.
+  if (row.ValueAt(kColumnOutput).IsEmpty()) writer.SetOutput(true);
+}
+
+void CellRules::TableEdited(const Edit& edit) {
+  const Ref<qbEntities> entities = rows_.Entities();
+  const std::string typed = RowReader(edit.row).Text(kColumnTable);
+  if (!entities || typed.empty() || entities->FindExactly(typed)) return;
+  const RowWriter writer(edit.row);
+  writer.SetText(kColumnTable, "");
+  Complain(edit, Say(rows_.Context(), text::NotInList), MessageIcon::Exclamation);
+  writer.SetHint(kColumnTable, Say(rows_.Context(), {text::DiagramHasNoTable, typed}));
+}
+
+// The columns of the row's table; without one those of all tables, with their tables' captions.
+void CellRules::FillColumns(const zrGridRow& row) {
+  zrGridComboItems& list = EmptiedList(kColumnColumn);
+  const Ref<qbEntities> entities = rows_.Entities();
+  if (!entities) return;
+  const Ref<qbEntity> only = entities->FindExactly(RowReader(row).Text(kColumnTable));
+  for (std::int32_t i = 1; i <= entities->Count(); ++i) {
+    const Ref<qbEntity> entity = entities->Item(i);
+    if (only && entity != only) continue;
+    const qbEntityItems& items = *entity->Items();
+    const std::string prefix = only ? std::string() : entity->Caption() + ".";
+    for (std::int32_t j = 1; j <= items.Count(); ++j) list.Add(prefix + items.Item(j)->Text());
+  }
+}
+
+void CellRules::FillAllTables(const zrGridRow&) { FillTables(); }
+
+// What stands at its place already stays: a table more is one entry more, a table less one entry less.
+void CellRules::FillTables(std::int32_t from) {
+  const Ref<zrGridColumn> column = rows_.Grid().Columns()->Find(KeyOf(kColumnTable));
+  if (!column) return;
+  zrGridComboItems& list = *column->ComboItems();
+  const Ref<qbEntities> entities = rows_.Entities();
+  const std::int32_t count = entities ? entities->Count() : 0;
+  std::int32_t same = std::min({from - 1, count, list.Count()});
+  const auto isSame = [&](std::int32_t entry) {
+    return same < count && entry <= list.Count() && list.Item(entry)->Text() == entities->Item(same + 1)->Caption();
+  };
+  if (!isSame(same + 1) && isSame(same + 2)) list.Remove(same + 1);
+  while (isSame(same + 1)) ++same;
+  while (list.Count() > same) list.Remove(list.Count());
+  for (std::int32_t i = same + 1; i <= count; ++i) list.Add(entities->Item(i)->Caption());
+}
+
+// --- Sorting ---
+
+void CellRules::SortTypeEdited(const Edit& edit) {
+  const std::string cell = RowReader(edit.row).Text(kColumnSortType);
+  const std::string_view typed = TrimWhite(cell);
+  const SortWord* word = typed.empty() ? &kNoSort : FindTypedSort(typed);
+  const auto busy = rows_.Busy();
+  const RowWriter writer(edit.row);
+  writer.SetText(kColumnSortType, word ? word->text : edit.before);
+  if (!word) {
+    writer.SetHint(kColumnSortType, Say(rows_.Context(), text::NotInList));
+  } else if (word->direction == SortDirection::None) {
+    sorting_.Place(edit.row, 0);
+  } else if (RowReader(edit.row).IsBlank(kColumnSortOrder)) {
+    sorting_.Place(edit.row, sorting_.Last(edit.row));
+  }
+}
+
+// Numbers above the number of sorted rows are the last place; what is no place at all restores the old text.
+void CellRules::SortOrderEdited(const Edit& edit) {
+  const std::string cell = RowReader(edit.row).Text(kColumnSortOrder);
+  const std::string typed(TrimWhite(cell));
+  const auto busy = rows_.Busy();
+  const RowWriter writer(edit.row);
+  if (typed.empty()) {
+    writer.SetText(kColumnSortType, "");
+    sorting_.Place(edit.row, 0);
+    return;
+  }
+  const std::optional<double> place = ReadSortPlace(typed);
+  if (!place || *place < 1) {
+    writer.SetText(kColumnSortOrder, edit.before);
+    writer.SetHint(kColumnSortOrder, Say(rows_.Context(), {text::NoSortPlace, typed}));
+    return;
+  }
+  if (RowReader(edit.row).Direction() == SortDirection::None) {
+    writer.SetText(kColumnSortType, TextOf(SortDirection::Ascending));
+  }
+  sorting_.Place(edit.row, static_cast<std::int32_t>(std::min(*place, static_cast<double>(rows_.Count()))));
+}
+
+void CellRules::FillSortPlaces(const zrGridRow& row) {
+  zrGridComboItems& list = EmptiedList(kColumnSortOrder);
+  const std::int32_t places = sorting_.Last(row);
+  for (std::int32_t i = 1; i <= places; ++i) list.Add(std::to_string(i));
+}
+
+// --- Grouping ---
+
+void CellRules::FillGroupings(const zrGridRow& row) { grouping_.FillList(EmptiedList(kColumnGroupBy), row); }
+
+void CellRules::GroupByEdited(const Edit& edit) {
+  const std::string cell = RowReader(edit.row).Text(kColumnGroupBy);
+  const std::string typed(TrimWhite(cell));
+  const auto busy = rows_.Busy();
+  const RowWriter writer(edit.row);
+  if (const auto choice = grouping_.ChoiceNamed(typed, edit.row)) return writer.SetGrouping(*choice);
+  // A tag without its text would group by something that is not shown.
+  writer.SetText(kColumnGroupBy, edit.before);
+  writer.SetHint(kColumnGroupBy, Say(rows_.Context(), {text::NoGrouping, typed}));
+}
+
+// --- Criteria ---
+
+CriteriaContext CellRules::CriteriaOf(const QueryContext& context, const zrGridRow& row) const {
+  const FieldName field = FieldOf(row);
+  const Ref<qbEntities> entities = rows_.Entities();
+  const Ref<qbEntity> entity = entities ? entities->FindExactly(field.table) : nullptr;
+  const SnapshotType type = entity ? TypeOfColumn(*entity, field.column, *context.DataTypes()) : SnapshotType{};
+  const NameRules names = CurrentNameRules(context);
+  CriteriaContext rules = context.CriteriaRules();
+  rules.dataType = type.code;
+  rules.isLong = type.isLong;
+  rules.prefix = type.prefix;
+  rules.suffix = type.suffix;
+  rules.aggregate = grouping_.AggregateOf(row);
+  rules.quotePrefix = names.quotePrefix;
+  if (entities) {
+    rules.isColumn = [entities, names](const std::vector<std::string>& parts) {
+      std::string text;
+      for (const std::string& part : parts) text += (text.empty() ? "" : ".") + part;
+      return FindQualifiedField(*entities, text, names) || FindOnlyField(*entities, text, names);
+    };
+  }
+  return rules;
+}
+
+void CellRules::CriterionEdited(const Edit& edit) {
+  zrGridRow& row = edit.row;
+  const Ref<QueryContext> context = rows_.Context();
+  if (!context) return;
+  const FieldName field = FieldOf(row);
+  CriteriaContext rules = CriteriaOf(*context, row);
+  const auto cell = static_cast<std::size_t>(edit.column);
+  std::string expression = RowReader(row).Text(cell);
+  bool cancel = false;
+  formatting_.Raise(row.Index(), edit.column, field.table, field.column, rules.dataType, rules.isLong, rules.prefix,
+                    rules.suffix, expression, cancel);
+  if (row.Index() == 0) return;  // a listener has removed it
+  rules.aggregate = grouping_.AggregateOf(row);
+  const auto busy = rows_.Busy();
+  try {
+    if (!cancel) expression = Trim(FormatCriterion(expression, rules));
+    RowWriter(row).SetText(cell, expression);
+  } catch (const Error& error) {
+    RowWriter(row).SetText(cell, expression);  // as it was typed, or as the listener has left it
+    Complain(edit, error.Description(), MessageIcon::Critical);
+  }
+}
+
+}  // namespace zrqrybld

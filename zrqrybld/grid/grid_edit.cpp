@@ -1,0 +1,106 @@
+// The grid's editing in place.
+#include <algorithm>
+
+#include "zrqrybld/grid/grid.h"
+
+namespace zrqrybld {
+namespace {
+
+// Between the cell's edge and its editor: the cell's mark as the current one stays visible.
+constexpr Pixels kEditorInset = 2_px;
+
+// A choice of the list brings its tag along.
+void WriteBack(const CellEditing::Result& result) {
+  const std::int32_t column = result.column->Index();
+  const zrGridComboItems& items = *result.column->ComboItems();
+  const auto isTaken = [&](const Ref<zrGridComboItem>& item) { return item->Text() == result.text; };
+  const auto item = std::ranges::find_if(items, isTaken);
+  const bool isChoice = result.mayBeChoice && item != items.end();
+  if (isChoice && !(*item)->Tag().IsEmpty()) result.row->SetTagVariant(column, (*item)->Tag());
+  result.row->SetValue(column, result.text);
+}
+
+}  // namespace
+
+// `typed` replaces the cell's text, as if it had been typed into the editor.
+bool zrGrid::OpenEditor(const std::string* typed) {
+  if (IsEditing() || currentRow_ == 0) return false;
+  const Ref<zrGridRow> row = rows_->Item(Row());
+  const Ref<zrGridColumn> column = columns_->Item(Column());
+  const auto editable = [&] {
+    return !IsEditing() && row->Index() == Row() && column->Index() == Column() && !row->Locked() &&
+           column->Width() > 0 && column->Style() != GridColumnCheckBox;
+  };
+  if (!editable()) return false;
+  const Ref<Object> alive = shared_from_this();
+  BeforeEdit.Raise(Row(), Column());
+  if (!editable()) return false;  // a listener has changed what is to be edited
+  editing_.Open(row, column, typed);
+  Redraw();
+  return true;
+}
+
+// An editor whose cell is scrolled under the headers waits outside the window: hidden it would lose the keyboard.
+zrGrid::Place zrGrid::PlaceOfEdit(std::int32_t row, std::int32_t column) const {
+  const GridLayout layout = Layout();
+  const PixelRect cell = GetRowColumnXY(row, column);
+  PixelRect inside = cell.Inset(kEditorInset, kEditorInset);
+  if (cell.top < layout.HeaderHeight() || cell.left < layout.RowHeaderWidth()) inside.top = -cell.height * 2;
+  return {cell, inside};
+}
+
+// What is typed into a cell that was scrolled away brings it back.
+void zrGrid::EditChanged() {
+  if (IsEditing()) MakeCurrent(currentRow_, currentColumn_);
+}
+
+void zrGrid::CommitEdit() {
+  if (!IsEditing()) return;
+  const Ref<Object> alive = shared_from_this();  // a listener may let go of the grid
+  const CellEditing::Result result = editing_.Take();
+  Redraw();
+  if (result.row->Index() == 0 || result.column->Index() == 0) return;
+  InBatch(GridWork::EditCell, [&] {
+    if (result.text != result.before) WriteBack(result);
+    if (result.row->Index() != 0) AfterEdit.Raise(result.row->Index(), result.column->Index());
+  });
+}
+
+void zrGrid::CancelEdit() {
+  if (!IsEditing()) return;
+  editing_.Drop();
+  Redraw();
+}
+
+bool zrGrid::EditKey(const KeyEvent& event) {
+  if (!IsEditing()) return false;
+  const bool plain = event.shift == ShiftNone;
+  switch (event.keyCode) {
+    case KeyCodeEscape:
+      CancelEdit();
+      return true;
+    case KeyCodeF2:
+      if (event.shift != ShiftShift) return false;
+      CommitEdit();
+      ZoomWanted.Raise();
+      return true;
+    case KeyCodeEnter:
+      if (!plain) return false;
+      CommitEdit();
+      MoveToNextCell(1);
+      return true;
+    case KeyCodeTab:
+      CommitEdit();
+      return MoveToNextCell(event.shift == ShiftShift ? -1 : 1);
+    case KeyCodeUp:
+    case KeyCodeDown:
+      if (!plain || editing_.UsesArrows()) return false;
+      CommitEdit();
+      MoveCurrent(event.keyCode);
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,377 @@
+#include "zrqrybld/hub/query_builder.h"
+
+#include <algorithm>
+
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/base/texts_hub.h"
+#include "zrqrybld/diagram/auto_joins.h"
+#include "zrqrybld/diagram/join_properties.h"
+#include "zrqrybld/diagram/table_picker.h"
+#include "zrqrybld/host/connection_info.h"
+#include "zrqrybld/hub/snapshot_builder.h"
+#include "zrqrybld/platform/headless.h"
+#include "zrqrybld/platform/text_reading.h"
+#include "zrqrybld/sql/dialect_functions.h"
+#include "zrqrybld/sql/names.h"
+#include "zrqrybld/sql/rename.h"
+#include "zrqrybld/sql/source_rules.h"
+
+namespace zrqrybld {
+
+namespace {
+
+constexpr std::string_view kLineBreak = "\r\n";
+
+}  // namespace
+
+Ref<qbQueryBuilder> qbQueryBuilder::Create(std::shared_ptr<Toolkit> toolkit) {
+  if (!toolkit) toolkit = std::make_shared<HeadlessToolkit>();
+  return Ref<qbQueryBuilder>(new qbQueryBuilder(std::move(toolkit)));
+}
+
+qbQueryBuilder::~qbQueryBuilder() = default;
+
+void qbQueryBuilder::AboutBox() {
+  GetToolkit().GetDialogs().ShowMessage("zrQryBld\r\n" + Say(text::AboutQueryBuilder), MessageIcon::Information);
+}
+
+// --- Connection ---
+
+void qbQueryBuilder::Connect(Variant& connectionString) {
+  const bool prompted = connectionString.IsMissing();
+  if (prompted) {
+    connectionString = PromptForConnection();
+    if (connectionString.Text().empty()) return;
+  }
+  Connect(connectionString.Text(), prompted ? ConnectionOrigin::Person : ConnectionOrigin::Program);
+}
+
+std::optional<Error> qbQueryBuilder::RefusalOf(const std::string& connectionString, ConnectionOrigin origin) {
+  const bool fromFile = origin == ConnectionOrigin::File;
+  std::vector<std::string> drivers;
+  if (origin != ConnectionOrigin::Program) drivers = GetToolkit().Providers()->Drivers();
+  const ConnectionJudgement judgement = JudgeConnection(connectionString, origin, drivers);
+  const bool asks = judgement.verdict == ConnectionVerdict::Warn && connectionString != confirmedConnection_;
+  const bool confirmed =
+      asks && GetToolkit().GetDialogs().Confirm(Say({text::AskDangerousConnection, judgement.reason, kLineBreak}));
+  if (confirmed) confirmedConnection_ = connectionString;
+  if (judgement.verdict == ConnectionVerdict::Refuse || (asks && !confirmed)) {
+    return Error(ErrorConnectionFailed,
+                 Phrase(fromFile ? text::FileConnectionRefused : text::ConnectionRefused, judgement.reason));
+  }
+  bool cancel = false;
+  BeforeConnect.Raise(connectionString, fromFile, cancel);
+  if (cancel) return Error(ErrorConnectionFailed, text::ConnectionNotAllowed);
+  return std::nullopt;
+}
+
+// The message of the driver, "" when the source can be opened. The connection in use is left alone.
+std::string qbQueryBuilder::TryConnection(const std::string& connectionString) {
+  try {
+    if (const std::optional<Error> refusal = RefusalOf(connectionString, ConnectionOrigin::Person)) throw *refusal;
+    ProviderConnection connection(GetToolkit().Providers());
+    connection.SetConnectionString(connectionString);
+    connection.Open({}, {});
+    return {};
+  } catch (const std::exception& error) {
+    return Say(error);
+  }
+}
+
+std::string qbQueryBuilder::PromptForConnection() {
+  ConnectionDialog dialog;
+  for (DataSourceName& source : GetToolkit().Providers()->DataSources()) {
+    dialog.dataSources.push_back(std::move(source.name));
+  }
+  dialog.test = [this](const std::string& connectionString) { return TryConnection(connectionString); };
+  return GetToolkit().GetDialogs().ShowConnectionPrompt(dialog);
+}
+
+namespace {
+
+// Files are saved without their passwords, so one that is loaded may need what it does not hold.
+Error WithPasswordHint(const Error& error, const std::string& connectionString) {
+  const ConnectionString parsed(connectionString);
+  constexpr std::string_view kLogins[] = {"DSN", "UID", "User", "Username", "User ID"};
+  const bool logsIn = std::ranges::any_of(kLogins, [&](std::string_view key) { return parsed.Get(key).has_value(); });
+  if (!logsIn || parsed.HoldsSecret()) return error;
+  return Error(error.Number(), Phrase(text::NoPasswordInFile, error.What(), kLineBreak));
+}
+
+}  // namespace
+
+void qbQueryBuilder::Connect(const std::string& connectionString, ConnectionOrigin origin) {
+  const BusyPointer busy(GetToolkit());
+  lastError_.reset();
+  try {
+    if (const std::optional<Error> refusal = RefusalOf(connectionString, origin)) throw *refusal;
+    if (IsConnected()) Disconnect();
+    const Ref<zrqrybld::Connection> connection = Connection();
+    connection->SetConnectionString(connectionString);
+    connection->SetProperty("Prompt", static_cast<std::int32_t>(PromptComplete));
+    connection->Open({}, {});
+    RetrieveConnectionInfo(*this, getTablesOnConnect_);
+    if (autoSyntax_) FollowSource();
+    if (!IsConnected()) throw Error(ErrorConnectionFailed, text::SourceSilent);
+  } catch (const Error& error) {
+    lastError_ = origin == ConnectionOrigin::File ? WithPasswordHint(error, connectionString) : error;
+  } catch (const std::exception& error) {
+    lastError_ = Error(ErrorConnectionFailed, PhraseOf(error));
+  }
+}
+
+void qbQueryBuilder::SetConnection(const Ref<zrqrybld::Connection>& connection) {
+  StoreConnection(connection);
+  if (!IsConnected()) return;
+  RetrieveConnectionInfo(*this, getTablesOnConnect_);
+  if (autoSyntax_) FollowSource();
+}
+
+// --- Tables and joins ---
+
+namespace {
+
+// The name with its quotes taken off, unless the source has a table whose own name they are part of, and no other.
+std::string NameToAdd(TablePicker& picker, const QueryContext& context, const std::string& tableName) {
+  std::string plain = RemoveIdentifierQuotes(tableName, CurrentNameRules(context));
+  if (plain == tableName || !context.IsConnected()) return plain;
+  try {
+    return !picker.HasTable(plain) && picker.HasTable(tableName) ? tableName : plain;
+  } catch (const Error&) {
+    return plain;  // the failure is told when the table is added
+  }
+}
+
+}  // namespace
+
+Ref<qbEntity> qbQueryBuilder::AddTable(const std::string& tableName) {
+  TablePicker picker(RefTo(*this));
+  return picker.AddTable(NameToAdd(picker, *this, tableName));
+}
+
+bool qbQueryBuilder::HasTable(const std::string& tableName) {
+  TablePicker picker(RefTo(*this));
+  return picker.HasTable(NameToAdd(picker, *this, tableName));
+}
+
+void qbQueryBuilder::ShowTables() {
+  TablePicker(RefTo(*this)).ShowTables();
+  if (sqlPane_) sqlPane_->ShowChange();
+}
+
+bool qbQueryBuilder::ShowJoinProperties(const Ref<qbRelationship>& relationship) {
+  if (!relationship) return false;
+  const StepScope step(RefTo(*this), kStepEditJoin);
+  if (!EditJoin(*this, *relationship)) return false;
+  QueryChanged();
+  return true;
+}
+
+void qbQueryBuilder::RefreshAutoJoins() { RefreshRelationships(RefTo(*this)); }
+
+// --- Captions ---
+
+bool qbQueryBuilder::LoadLanguageFile(const std::string& path) {
+  try {
+    Language().Load(path);
+  } catch (const Error&) {
+    ApplyTexts();  // what was read before the faulty line counts
+    throw;
+  }
+  ApplyTexts();
+  return false;
+}
+
+void qbQueryBuilder::SetLanguageString(std::int32_t id, const std::string& newValue) {
+  Language().Set(id, newValue);
+  ApplyTexts();
+}
+
+// Panes and windows show texts that have changed at once.
+void qbQueryBuilder::ApplyTexts() {
+  if (diagramPane_) diagramPane_->Refresh();
+  if (gridPane_) gridPane_->ApplyGridCaptions();
+  if (sqlPane_) sqlPane_->ApplyTexts();
+  TextsChanged.Raise();
+}
+
+// --- Panes ---
+
+// A pane has one hub: the one that it was linked to lets go of it.
+template <class Pane>
+void qbQueryBuilder::Link(Ref<Pane>& place, const Ref<Pane>& pane, void (qbQueryBuilder::*set)(const Ref<Pane>&)) {
+  if (travelling_) throw Error(ErrorInvalidCall, text::PanesInTravel);
+  const Ref<qbQueryBuilder> other = pane ? pane->QueryBuilder() : nullptr;
+  if (other && other.get() != this) ((*other).*set)(nullptr);
+  const Ref<Pane> before = std::exchange(place, pane);
+  if (before && before != pane) before->SetContext(nullptr);
+  if (pane) pane->SetContext(RefTo(*this));
+}
+
+void qbQueryBuilder::SetDiagramPane(const Ref<qbDiagramPane>& pane) {
+  Link(diagramPane_, pane, &qbQueryBuilder::SetDiagramPane);
+  RememberAll();  // at once: the steps of the pane before are of no use even if what follows fails
+  EntitiesChanged(1);
+  OutputTicked();
+}
+
+void qbQueryBuilder::SetGridPane(const Ref<qbGridPane>& pane) {
+  Link(gridPane_, pane, &qbQueryBuilder::SetGridPane);
+  RememberAll();
+  OutputTicked();
+}
+
+void qbQueryBuilder::SetSQLPane(const Ref<qbSQLPane>& pane) {
+  Link(sqlPane_, pane, &qbQueryBuilder::SetSQLPane);
+  DialectChanged();
+  RememberAll();
+}
+
+// Columns that were ticked before diagram and grid knew of each other are output, too. That is no step: there is
+// nothing to go back to.
+void qbQueryBuilder::OutputTicked() {
+  if (gridPane_ && GridPane()->OutputTicked()) RememberAll();
+}
+
+const Dialect& qbQueryBuilder::CurrentDialect() const {
+  return DialectFor(sqlPane_ ? sqlPane_->SQLSyntax() : SQLSyntaxGeneric);
+}
+
+// The source tells what it is by the properties that were read when it was connected.
+const Dialect* qbQueryBuilder::SourceDialect() const {
+  const std::optional<std::string> name = IsConnected() ? Properties()->FindText(kSourceNameLiteral) : std::nullopt;
+  return name ? DialectOfSource(*name, Properties()->FindText(kSourceVersionLiteral).value_or("")) : nullptr;
+}
+
+bool qbQueryBuilder::FollowSource() {
+  const Dialect* dialect = SourceDialect();
+  if (!dialect || !sqlPane_) return false;
+  if (dialect->syntax == sqlPane_->SQLSyntax()) return true;
+  const StepScope step(RefTo(*this), kStepDialect);
+  sqlPane_->SetSQLSyntax(dialect->syntax);
+  QueryChanged();
+  return true;
+}
+
+// The functions of the dialect stand behind those of every dialect and those of the application.
+void qbQueryBuilder::DialectChanged() {
+  qbDBFunctions& functions = *DBFunctions();
+  for (const Ref<qbDBFunction>& function : dialectFunctions_) {
+    if (functions.FindByName(function->Name()) == function) functions.Remove(function->Name());
+  }
+  dialectFunctions_.clear();
+  for (const DialectFunction& row : DialectFunctions(CurrentDialect().syntax)) {
+    const std::string name(row.name);
+    if (functions.FindByName(name)) continue;
+    const Ref<qbDBFunction> function = functions.Add(name, std::string(row.syntax), std::string(row.description),
+                                                     std::string(row.shortDescription), row.flags);
+    function->SetReserved(false);
+    dialectFunctions_.push_back(function);
+  }
+}
+
+// A cell that was written with the former word for LIKE would be a text that begins with that word.
+void qbQueryBuilder::LikeOperatorChanged(const std::string& before) {
+  if (!gridPane_ || InStep()) return;
+  const StepScope step(RefTo(*this), kStepEditCells);
+  gridPane_->RewriteLike(before);
+}
+
+std::string qbQueryBuilder::DateFormat() const { return gridPane_ ? gridPane_->DateFormat() : "dd-mmm-yyyy"; }
+
+CriteriaContext qbQueryBuilder::CriteriaRules() const {
+  CriteriaContext rules;
+  if (gridPane_) {
+    rules.dateFormatStyle = gridPane_->DateFormatStyle();
+    rules.dateFormat = gridPane_->DateFormat();
+  }
+  if (sqlPane_) rules.likeOperator = sqlPane_->LikeOperator();
+  rules.dialect = &CurrentDialect();
+  rules.reading = SourceReading(*this);
+  return rules;
+}
+
+QuerySnapshot qbQueryBuilder::Snapshot() const {
+  QuerySnapshot snapshot = TakeSnapshot(*this, Entities().get(), gridPane_.get());
+  snapshot.distinct = distinctRecords_;
+  snapshot.top = selectTopRecords_;
+  snapshot.skip = skipRecords_;
+  snapshot.criteria = CriteriaRules();
+  return snapshot;
+}
+
+std::shared_ptr<SchemaCache> qbQueryBuilder::Schema() {
+  if (!schema_) schema_ = std::make_shared<SchemaCache>(*this);
+  return schema_;
+}
+
+void qbQueryBuilder::RefreshStatement() {
+  if (sqlPane_) SQLPane()->ShowChange();
+  NoteColumns();
+}
+
+// --- What the panes tell ---
+
+void qbQueryBuilder::ItemChecked(const std::string& entityCaption, const std::string& itemText, bool checked) {
+  if (gridPane_) GridPane()->SetFieldOutput(itemText, checked, entityCaption);
+}
+
+void qbQueryBuilder::ItemRenamed(const std::string& entityCaption, const std::string& before,
+                                 const std::string& after) {
+  if (gridPane_) GridPane()->RenameColumn(entityCaption, before, after);
+}
+
+void qbQueryBuilder::EntityRemoved(const std::string& caption) {
+  if (gridPane_) GridPane()->RemoveRowsOf(caption);
+  RaiseInfo(InfoTableRemoved, caption);
+}
+
+void qbQueryBuilder::EntityRenamed(const std::string& oldCaption, const std::string& newCaption) {
+  if (!gridPane_) return;
+  const NameRules rules = CurrentNameRules(*this);
+  // As the statement names it: a table under its own name by its schema and name, otherwise by its caption.
+  const Ref<qbEntity> entity = Entities() ? Entities()->Item(newCaption) : nullptr;
+  const bool ownName = entity && entity->TagVariant().Text() == newCaption;
+  const SqlText after =
+      ownName ? RenderQualified(SplitName(newCaption, rules), rules) : QuoteWhenNeeded(Identifier(newCaption), rules);
+  GridPane()->RenameTable(oldCaption, newCaption,
+                          [&](std::string_view text) { return RenameQualifier(text, oldCaption, after, rules); });
+}
+
+void qbQueryBuilder::RefreshTableList(std::int32_t from) {
+  if (gridPane_) GridPane()->RefreshTableList(from);
+}
+
+void qbQueryBuilder::DiagramCleared() {
+  if (gridPane_) GridPane()->ResetRows();
+  if (sqlPane_) sqlPane_->QueryReplaced();
+  QueryChanged();
+}
+
+void qbQueryBuilder::RelationshipActivated(const Ref<qbRelationship>& relationship) {
+  if (allowJoinProperties_) ShowJoinProperties(relationship);
+}
+
+// --- Names ---
+
+void qbQueryBuilder::QueryDataSource(std::vector<DataSourceQuestion>& questions) const {
+  constexpr std::string_view kReservedWord = "IS_RESERVEDWORD:";
+  NameRules names;
+  names.reservedWords = ReservedWords();
+  names.dialectWords = CurrentDialect().words;
+  for (DataSourceQuestion& question : questions) {
+    const std::string_view text = question.question;
+    if (StartsWithNoCase(text, kReservedWord)) {
+      question.answer = IsReservedWord(text.substr(kReservedWord.size()), names);
+    } else if (text == "QUOTE_PREFIX" || text == "QUOTE_SUFFIX") {
+      const std::optional<NameQuotes> quotes = SourceQuotes(*this);
+      question.answer = !quotes ? "\"" : text == "QUOTE_PREFIX" ? quotes->prefix : quotes->suffix;
+    }
+  }
+}
+
+std::string qbQueryBuilder::QuoteIdentifier(const std::string& name) const {
+  return QuoteWhenNeeded(Identifier(name), CurrentNameRules(*this)).Text();
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,200 @@
+// Undo and redo: when the design is looked at, and how it is brought back.
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/base/scoped_value.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/base/texts_hub.h"
+#include "zrqrybld/hub/query_builder.h"
+
+namespace zrqrybld {
+
+// --- The design as it is ---
+
+DesignOptions qbQueryBuilder::CurrentOptions() const {
+  DesignOptions options;
+  options.distinct = distinctRecords_;
+  options.top = selectTopRecords_;
+  options.skip = skipRecords_;
+  if (gridPane_) {
+    options.showGroupBy = gridPane_->ShowGroupBy();
+    options.dateFormat = gridPane_->DateFormat();
+    options.dateFormatStyle = gridPane_->DateFormatStyle();
+  }
+  if (sqlPane_) {
+    options.syntax = sqlPane_->SQLSyntax();
+    options.likeOperator = sqlPane_->LikeOperator();
+    options.locked = sqlPane_->Locked();
+  }
+  return options;
+}
+
+// Only what was touched is looked at: a step costs what it changes.
+void qbQueryBuilder::TakeTables(DesignChange& change, bool withTicks) const {
+  const Ref<qbEntities> entities = Entities();
+  if (!entities) return;
+  const DiagramState& known = history_.Known().entities;
+  const auto count = static_cast<std::size_t>(entities->Count());
+  change.untouchedEntities = entities->SinceRemembered().Within(std::min(count, known.size()));
+  change.entities = entities->State(known, change.untouchedEntities, withTicks);
+}
+
+DesignChange qbQueryBuilder::CurrentChange() const {
+  DesignChange change;
+  TakeTables(change, true);
+  change.options = CurrentOptions();
+  if (!gridPane_) return change;
+  const zrGridRows& rows = *gridPane_->Grid()->Rows();
+  const auto count = static_cast<std::size_t>(rows.Count());
+  change.untouchedRows = rows.SinceRemembered().Within(std::min(count, history_.Known().rows.size()));
+  for (std::size_t i = change.untouchedRows.before + 1; i <= count - change.untouchedRows.behind; ++i) {
+    change.rows.push_back(rows.At(i).Content());
+  }
+  return change;
+}
+
+// Another pane: what could be undone in the one before is of no use in it.
+void qbQueryBuilder::RememberAll() {
+  Design design;
+  if (const Ref<qbEntities> entities = Entities()) {
+    design.entities = entities->State({}, {}, true);
+    entities->Remembered();
+  }
+  if (gridPane_) {
+    zrGridRows& rows = *gridPane_->Grid()->Rows();
+    for (std::size_t i = 1; i <= static_cast<std::size_t>(rows.Count()); ++i) {
+      design.rows.push_back(rows.At(i).Content());
+    }
+    rows.Remembered();
+  }
+  design.options = CurrentOptions();
+  const bool hadSteps = CanUndo() || CanRedo();
+  history_.Forget(std::move(design));
+  historyLost_ = false;
+  if (hadSteps) HistoryChanged.Raise();
+}
+
+void qbQueryBuilder::ClearHistory() {
+  if (InStep()) throw Error(ErrorInvalidCall, text::HistoryInUse);
+  RememberAll();
+}
+
+// --- Steps ---
+
+// What the application has set outside of any step, such as the place of a box or the dialect, is no part of the step
+// that begins. Ticks and cells have changed already when their step begins.
+void qbQueryBuilder::StepBegins(const StepLabel& step) {
+  if (historyLost_) RememberAll();
+  if (takesBack_) TakeBack();
+  typed_.reset();
+  if (sqlPane_ && sqlPane_->IsEdited() && step.id != kStepApplyStatement.id) typed_ = sqlPane_->SQLStatement();
+  DesignChange change;
+  TakeTables(change, false);
+  history_.Adopt(change.untouchedEntities.before, change.entities, CurrentOptions());
+}
+
+void qbQueryBuilder::StepFailed() {
+  typed_.reset();
+  takesBack_ = !historyLost_;
+  if (takesBack_) TakeBack();
+}
+
+// All of the design is compared with what is known: what a failed step has touched, nobody can say.
+void qbQueryBuilder::TakeBack() {
+  Design now;
+  if (gridPane_) {
+    const zrGridRows& rows = *gridPane_->Grid()->Rows();
+    for (std::size_t i = 1; i <= static_cast<std::size_t>(rows.Count()); ++i) now.rows.push_back(rows.At(i).Content());
+  }
+  now.options = CurrentOptions();
+  Restore(now, Design(history_.Known()));
+  takesBack_ = false;
+}
+
+void qbQueryBuilder::StepMade(const StepLabel& step, bool writes) {
+  std::optional<std::string> typed = std::exchange(typed_, std::nullopt);
+  if (!writes || (sqlPane_ && sqlPane_->KeepsTyped())) typed.reset();
+  try {
+    historyChanged_ |= history_.Record(step, CurrentChange(), std::move(typed));
+    if (const Ref<qbEntities> entities = Entities()) entities->Remembered();
+    if (gridPane_) gridPane_->Grid()->Rows()->Remembered();
+  } catch (...) {
+    historyLost_ = true;
+    throw;
+  }
+}
+
+void qbQueryBuilder::StepEnded() {
+  if (std::exchange(historyChanged_, false)) HistoryChanged.Raise();
+}
+
+// --- Undo and redo ---
+
+bool qbQueryBuilder::Travel(bool back) {
+  if (InStep() || travelling_ || (state() != InfoDone && state() != InfoParsingSQL)) {
+    throw Error(ErrorInvalidCall, text::StepGoesOn);
+  }
+  const Ref<Object> alive = shared_from_this();  // a listener may let go of it
+  const ScopedValue travelling(travelling_, true);
+  SetState(InfoDone);  // a statement that could not be read has left it
+  if (gridPane_) gridPane_->Grid()->CommitEdit();
+  EndStepless();
+  const History::Step* step = back ? history_.Last() : history_.Next();
+  if (!step) {
+    StepEnded();
+    return false;
+  }
+  const std::optional<std::string> typed = back ? step->typed : std::nullopt;
+  {
+    const StepScope scope(RefTo(*this), kStepChange);
+    WholeOrNothing(RefTo<QueryContext>(*this), [&] {
+      const Design now = history_.Known();
+      const Design then = history_.Travel(back);
+      historyChanged_ = true;
+      Restore(now, then);
+    });
+  }
+  if (typed && sqlPane_ && !sqlPane_->IsEdited()) SQLPane()->ShowTyped(*typed);
+  return true;
+}
+
+// What was changed without any step is one, before others are undone. Nobody is told before they are: a listener could
+// change more.
+void qbQueryBuilder::EndStepless() {
+  const StepLabel step(kStepChange, {});
+  StepBegins(step);
+  StepMade(step, false);
+}
+
+void qbQueryBuilder::Restore(const Design& now, const Design& then) {
+  if (diagramPane_) diagramPane_->Restore(now.entities, then.entities);
+  if (gridPane_) {
+    gridPane_->Restore(then.rows);
+    gridPane_->ApplyAliasMaxLen();
+  }
+  if (now.options != then.options) RestoreOptions(then.options);
+  EntitiesChanged(1);
+  QueryChanged();
+}
+
+void qbQueryBuilder::RestoreOptions(const DesignOptions& options) {
+  if (options.distinct != distinctRecords_) Store(distinctRecords_, options.distinct, "DistinctRecords");
+  if (options.top != selectTopRecords_) Store(selectTopRecords_, options.top, "SelectTopRecords");
+  if (options.skip != skipRecords_) Store(skipRecords_, options.skip, "SkipRecords");
+  if (gridPane_) {
+    gridPane_->RestoreShowGroupBy(options.showGroupBy);
+    if (options.dateFormat != gridPane_->DateFormat()) gridPane_->SetDateFormat(options.dateFormat);
+    if (options.dateFormatStyle != gridPane_->DateFormatStyle()) gridPane_->SetDateFormatStyle(options.dateFormatStyle);
+  }
+  if (sqlPane_) {
+    if (options.syntax != sqlPane_->SQLSyntax()) sqlPane_->SetSQLSyntax(options.syntax);
+    if (options.likeOperator != sqlPane_->LikeOperator()) sqlPane_->SetLikeOperator(options.likeOperator);
+    if (options.locked != sqlPane_->Locked()) sqlPane_->SetLocked(options.locked);
+  }
+}
+
+std::string qbQueryBuilder::TextOf(const History::Step* step) const {
+  if (!step) return {};
+  const std::string text = step->label.id != 0 ? GetLanguageString(step->label.id) : step->label.text;
+  return std::string(TrimWhite(ReplaceNoCase(text, "%NAME%", step->label.about)));
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,212 @@
+#include "zrqrybld/hub/query_file_writer.h"
+
+#include <functional>
+#include <unordered_set>
+#include <vector>
+
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/platform/connection_string.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr std::string_view kIndent = "    ";
+
+std::string_view BooleanText(bool value) { return value ? "True" : "False"; }
+
+// A value runs to the end of its line: what breaks lines becomes a blank, CR LF one.
+void AppendOnOneLine(std::string& text, std::string_view value) {
+  for (std::size_t i = 0; i < value.size(); ++i) {
+    if (value[i] == '\n' && i > 0 && value[i - 1] == '\r') continue;
+    text += value[i] == '\r' || value[i] == '\n' ? ' ' : value[i];
+  }
+}
+
+void ForEachEntity(qbQueryBuilder& hub, const std::function<void(const Ref<qbEntity>&)>& write) {
+  const Ref<qbEntities> entities = hub.Entities();
+  if (!entities) return;
+  for (const Ref<qbEntity>& entity : *entities) write(entity);  // a listener of the progress may take some away
+}
+
+}  // namespace
+
+std::string QueryFileWriter::Write() {
+  text_.clear();
+  FindCaptions();
+  Marker("Version=" + std::string(kQueryFileVersion));
+  if (hub_.SaveConnectionString()) {
+    const std::string connection = hub_.Connection()->ConnectionString();
+    Marker("ConnectionString=");
+    text_.resize(text_.size() - 2);
+    AppendOnOneLine(text_, hub_.SavePassword() ? connection : ConnectionString(connection).WithoutPassword());
+    text_ += "\r\n";
+  }
+  ForEachEntity(hub_, [this](const Ref<qbEntity>& entity) { WriteEntity(entity); });
+  if (hub_.SaveLoadEntityItems()) {
+    ForEachEntity(hub_, [this](const Ref<qbEntity>& entity) {
+      const std::string caption = entity->Caption();
+      for (const Ref<qbEntityItem>& item : *entity->Items()) WriteItem(caption, item);
+    });
+  }
+  ForEachEntity(hub_, [this](const Ref<qbEntity>& entity) {
+    for (const Ref<qbRelationship>& join : *entity->Relationships()) WriteRelationship(join);
+  });
+  WriteGridOptions();
+  WriteGrid();
+  WriteSQL();
+  text_.resize(text_.size() - 2);
+  return std::move(text_);
+}
+
+// On one line two captions may be the same: the later one gets a number there, for a file names tables by them.
+void QueryFileWriter::FindCaptions() {
+  std::unordered_set<std::string> taken;
+  std::vector<std::string> broken;
+  ForEachEntity(hub_, [&](const Ref<qbEntity>& entity) {
+    const std::string caption = entity->Caption();
+    if (caption.find_first_of("\r\n") == std::string::npos) {
+      taken.insert(caption);
+    } else {
+      broken.push_back(caption);
+    }
+  });
+  captions_.clear();
+  for (const std::string& caption : broken) {
+    std::string line;
+    AppendOnOneLine(line, caption);
+    std::string unique = line;
+    for (int number = 2; !taken.insert(unique).second; ++number) unique = line + " " + std::to_string(number);
+    captions_.emplace(caption, unique);
+  }
+}
+
+const std::string& QueryFileWriter::InFile(const std::string& caption) const {
+  const auto found = captions_.find(caption);
+  return found == captions_.end() ? caption : found->second;
+}
+
+// --- Lines ---
+
+void QueryFileWriter::Marker(std::string_view text) {
+  text_ += text;
+  text_ += "\r\n";
+}
+
+void QueryFileWriter::Line(std::string_view key, std::string_view value) {
+  text_ += kIndent;
+  text_ += key;
+  text_ += '=';
+  AppendOnOneLine(text_, value);
+  text_ += "\r\n";
+}
+
+void QueryFileWriter::Number(std::string_view key, double value) { Line(key, NumberText(value)); }
+
+void QueryFileWriter::WriteProperties(const qbProperties& properties) {
+  int number = 0;
+  for (const Ref<qbProperty>& property : properties) {
+    const std::string name = "Property" + std::to_string(++number);
+    Line(name + "Key", property->Key());
+    Line(name + "Value", property->Value().Text());
+  }
+  Number("PropertyCount", properties.Count());
+}
+
+// --- The diagram ---
+
+void QueryFileWriter::WriteEntity(const Ref<qbEntity>& entity) {
+  Announce(entity);
+  if (!entity->EntityBox()) return;  // a listener has removed it
+  Marker("Begin Entity");
+  Line("Caption", InFile(entity->Caption()));
+  Line("TagVariant", entity->TagVariant().Text());
+  Number("Top", entity->Top());
+  Number("Left", entity->Left());
+  Number("Width", entity->Width());
+  Number("Height", entity->Height());
+  WriteProperties(*entity->Properties());
+  Marker("End Entity");
+}
+
+void QueryFileWriter::WriteItem(const std::string& caption, const Ref<qbEntityItem>& item) {
+  Announce(item);
+  Marker("Begin EntityItem");
+  Line("EntityIndex", InFile(caption));
+  Line("Bold", BooleanText(item->Bold()));
+  Line("Checked", BooleanText(item->Checked()));
+  Number("Color", static_cast<std::int32_t>(item->Color().value));  // signed, as applications give it
+  Number("Index", item->Index());
+  Line("Key", item->Key());
+  Line("SmallIcon", item->SmallIcon().Text());
+  Line("Text", item->Text());
+  Line("ToolTipText", item->ToolTipText());
+  WriteProperties(*item->Properties());
+  Marker("End EntityItem");
+}
+
+void QueryFileWriter::WriteRelationship(const Ref<qbRelationship>& relationship) {
+  Announce(relationship);
+  const Ref<qbEntity> source = relationship->Source();
+  const Ref<qbEntity> target = relationship->Target();
+  if (!source || !target) return;
+  Marker("Begin Relationship");
+  Line("ItemData", relationship->ItemData().Text());
+  Number("LeftIndicator", relationship->LeftIndicator());
+  Number("RightIndicator", relationship->RightIndicator());
+  Line("Source", InFile(source->Caption()));
+  Line("SourceItemIndex", relationship->SourceItemIndex().Text());
+  Line("Target", InFile(target->Caption()));
+  Line("TargetItemIndex", relationship->TargetItemIndex().Text());
+  Marker("End Relationship");
+}
+
+// --- Grid and statement ---
+
+void QueryFileWriter::WriteGridOptions() {
+  const Ref<qbGridPane> grid = hub_.GridPane() ? hub_.GridPane() : qbGridPane::Create();
+  Announce(grid);
+  Marker("Begin GridPaneData");
+  Line("DateFormat", grid->DateFormat());
+  Number("DateFormatStyle", grid->DateFormatStyle());
+  Line("ShowGroupBy", BooleanText(grid->ShowGroupBy()));
+  Marker("End GridPaneData");
+}
+
+void QueryFileWriter::WriteGrid() {
+  Marker("Begin GridData");
+  if (hub_.GridPane()) {
+    const zrGrid& grid = *hub_.GridPane()->Grid();
+    std::vector<std::string> keys;
+    for (std::int32_t column = 1; column <= grid.Columns()->Count(); ++column) {
+      keys.push_back(grid.Columns()->Item(column)->Key());
+    }
+    for (std::int32_t row = 1; row <= grid.Rows()->Count(); ++row) {
+      const zrGridRow& cells = grid.Rows()->At(static_cast<std::size_t>(row));
+      for (std::size_t column = 1; column <= keys.size(); ++column) {
+        const Variant& value = cells.ValueAt(column);
+        if (value.IsBlank()) continue;
+        const std::string text = value.Text();
+        const bool isCaption = column == kColumnTable;
+        Line(keys[column - 1] + "," + std::to_string(row), isCaption ? InFile(text) : text);
+      }
+    }
+  }
+  Marker("End GridData");
+}
+
+void QueryFileWriter::WriteSQL() {
+  const Ref<qbSQLPane> pane = hub_.SQLPane() ? hub_.SQLPane() : qbSQLPane::Create();
+  Announce(pane);
+  Marker("Begin SQLData");
+  Line("SelectTopRecords", hub_.SelectTopRecords());
+  if (hub_.SkipRecords() > 0) Number("SkipRecords", hub_.SkipRecords());
+  Line("DistinctRecords", BooleanText(hub_.DistinctRecords()));
+  Line("LikeOperator", pane->LikeOperator());
+  Line("Locked", BooleanText(pane->Locked()));
+  Number("SQLSyntax", pane->SQLSyntax());
+  Line("SQLStatement", pane->SQLStatement());
+  Marker("End SQLData");
+}
+
+}  // namespace zrqrybld

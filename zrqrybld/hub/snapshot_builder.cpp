@@ -1,0 +1,93 @@
+#include "zrqrybld/hub/snapshot_builder.h"
+
+#include <unordered_map>
+
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/diagram/source_names.h"
+#include "zrqrybld/grid/field_names.h"
+#include "zrqrybld/grid/row_cells.h"
+#include "zrqrybld/sql/source_rules.h"
+
+namespace zrqrybld {
+namespace {
+
+using TablePositions = std::unordered_map<std::string_view, std::size_t>;  // by the captions that the boxes hold
+
+void TakeTables(QuerySnapshot& snapshot, TablePositions& positions, const qbEntities& entities) {
+  snapshot.tables.reserve(static_cast<std::size_t>(entities.Count()));
+  for (const Ref<qbEntity>& entity : entities) {
+    SnapshotTable table;
+    table.caption = Identifier(entity->Caption());
+    table.name = WrittenName(*entity, snapshot.names);
+    table.aliased = entity->Caption() != entity->TagVariant().Text();
+    positions.emplace(entity->Caption(), snapshot.tables.size());
+    snapshot.tables.push_back(std::move(table));
+  }
+}
+
+std::optional<Identifier> ColumnOf(const Ref<qbEntityItem>& item) {
+  if (!item || item->Text() == "*") return std::nullopt;
+  return Identifier(item->Text());
+}
+
+void TakeJoins(QuerySnapshot& snapshot, const TablePositions& positions, const qbEntities& entities) {
+  std::size_t source = 0;
+  for (const Ref<qbEntity>& entity : entities) {
+    for (const Ref<qbRelationship>& join : *entity->Relationships()) {
+      const Ref<qbEntity> target = join->Target();
+      if (!target || !target->EntityBox()) continue;
+      snapshot.joins.push_back({source, positions.at(target->Caption()), ColumnOf(join->SourceItem()),
+                                ColumnOf(join->TargetItem()), join->Kind()});
+    }
+    ++source;
+  }
+}
+
+// As far as it may be written; 0 characters mean no limit.
+void TakeAlias(SnapshotRow& row, std::string alias, std::size_t longest) {
+  const bool cut = longest > 0 && CharacterCount(alias) > longest;
+  row.alias = cut ? Identifier(std::string(Trim(FirstCharacters(alias, longest)))) : Identifier(alias);
+  if (cut) row.uncutAlias = std::move(alias);
+}
+
+void TakeRows(QuerySnapshot& snapshot, const TablePositions& positions, const qbEntities* entities,
+              const qbGridPane& grid, const QueryContext& context) {
+  const auto lastColumn = static_cast<std::size_t>(grid.ColumnCount());
+  const qbDBFunctions* functions = snapshot.groupByMode ? context.DBFunctions().get() : nullptr;
+  const zrGridRows& rows = *grid.Grid()->Rows();
+  snapshot.rows.reserve(static_cast<std::size_t>(rows.Count()));
+  for (std::int32_t i = 1; i <= rows.Count(); ++i) {
+    const RowReader reader(rows.At(static_cast<std::size_t>(i)));
+    if (reader.IsBlank(kColumnColumn)) continue;
+    QueryRow content = reader.Read(lastColumn, functions);
+    SnapshotRow& row = snapshot.rows.emplace_back();
+    TakeAlias(row, std::move(content.alias), static_cast<std::size_t>(context.AliasMaxLen()));
+    const auto table = positions.find(content.table);
+    if (table != positions.end()) row.table = table->second;
+    static_cast<RowTerms&>(row) = std::move(content);
+    if (row.table && !row.criteria.empty()) {
+      const qbEntity& entity = *entities->Item(static_cast<std::int32_t>(*row.table) + 1);
+      row.type = TypeOfColumn(entity, row.column, *context.DataTypes());
+    }
+  }
+}
+
+}  // namespace
+
+QuerySnapshot TakeSnapshot(const QueryContext& context, const qbEntities* entities, const qbGridPane* grid) {
+  QuerySnapshot snapshot;
+  snapshot.names = CurrentNameRules(context);
+  TablePositions positions;
+  if (entities) {
+    TakeTables(snapshot, positions, *entities);
+    TakeJoins(snapshot, positions, *entities);
+  }
+  if (grid) {
+    snapshot.groupByMode = grid->ShowGroupBy();
+    TakeRows(snapshot, positions, entities, *grid, context);
+  }
+  return snapshot;
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,186 @@
+// The loader: a typed statement becomes the query of the designer.
+//
+// The whole text is read and every name resolved before anything is changed; then the diagram, the grid and the options
+// are made to say what the statement says.
+#include <unordered_set>
+
+#include "zrqrybld/base/texts_hub.h"
+#include "zrqrybld/base/texts_values.h"
+#include "zrqrybld/diagram/join_properties.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/diagram/table_picker.h"
+#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/hub/table_plan.h"
+#include "zrqrybld/sql/source_lexer.h"
+#include "zrqrybld/sql/source_rules.h"
+#include "zrqrybld/sql/statement_binder.h"
+#include "zrqrybld/sql/statement_parser.h"
+#include "zrqrybld/sql/syntax_error.h"
+
+namespace zrqrybld {
+namespace {
+
+// Makes the designer say what a bound statement says.
+class DesignWriter {
+ public:
+  DesignWriter(qbQueryBuilder& hub, std::vector<PlannedTable>& tables, const BoundStatement& bound,
+               const std::vector<Ref<qbRelationship>>& drawnJoins)
+      : hub_(hub), entities_(hub.Entities()), tables_(tables), query_(bound.query), arrangement_(bound.arrangement) {
+    for (const std::size_t drawn : arrangement_.drawn) {
+      kept_.push_back(drawn == JoinArrangement::kNew ? nullptr : drawnJoins[drawn]);
+    }
+  }
+
+  void Write() {
+    const StepScope step(RefTo(hub_), kStepApplyStatement);
+    const Ref<qbGridPane> grid = hub_.GridPane();
+    if (grid) grid->ResetRows();
+    hub_.SetDistinctRecords(query_.distinct);
+    hub_.SetSelectTopRecords(query_.top);
+    hub_.SetSkipRecords(query_.skip);
+    if (grid) grid->SetShowGroupBy(query_.groupByMode);
+    if (entities_) {
+      RemoveOtherTables();
+      RemoveOtherJoins();
+      RenameTables();
+      AddNewTables();
+      DrawJoins();
+    }
+    if (grid) FillGrid(*grid);
+  }
+
+ private:
+  void RemoveOtherTables() {
+    std::unordered_set<const qbEntity*> staying;
+    for (const PlannedTable& table : tables_) staying.insert(table.entity.get());
+    for (std::int32_t i = entities_->Count(); i >= 1; --i) {
+      if (i > entities_->Count()) continue;  // a listener has removed others, too
+      const Ref<qbEntity> entity = entities_->Item(i);
+      if (!staying.contains(entity.get())) {
+        entities_->Remove(i);
+        continue;
+      }
+      const qbEntityItems& items = *entity->Items();
+      for (std::int32_t j = 1; j <= items.Count(); ++j) {
+        if (items.Item(j)->Checked()) items.Item(j)->SetChecked(false);
+      }
+    }
+  }
+
+  void RemoveOtherJoins() {
+    std::unordered_set<const qbRelationship*> staying;
+    for (const Ref<qbRelationship>& kept : kept_) staying.insert(kept.get());
+    for (const PlannedTable& table : tables_) {
+      if (!table.entity) continue;
+      qbRelationships& drawn = *table.entity->Relationships();
+      for (std::int32_t j = drawn.Count(); j >= 1; --j) {
+        if (j <= drawn.Count() && !staying.contains(drawn.Item(j).get())) drawn.Remove(j);
+      }
+    }
+  }
+
+  // Two tables may exchange their captions, so those that change first take one that nobody wants.
+  void RenameTables() {
+    std::vector<PlannedTable*> changing;
+    for (PlannedTable& table : tables_) {
+      if (table.entity && table.entity->Caption() != table.caption) changing.push_back(&table);
+    }
+    const auto isTaken = [this](const PlannedTable* table) {
+      return entities_->FindExactly(table->caption) != nullptr;
+    };
+    if (std::ranges::any_of(changing, isTaken)) {
+      for (PlannedTable* table : changing) table->entity->SetCaption(FreeCaption());
+    }
+    for (PlannedTable* table : changing) table->entity->SetCaption(table->caption);
+  }
+
+  std::string FreeCaption() const {
+    for (int number = 1;; ++number) {
+      std::string caption = "\x01" + std::to_string(number);
+      if (!entities_->Item(caption)) return caption;
+    }
+  }
+
+  void AddNewTables() {
+    for (PlannedTable& table : tables_) {
+      if (table.entity) continue;
+      table.entity = TablePicker(RefTo(hub_)).AddTable(table.name);
+      if (!table.entity) throw Error(ErrorAddingTable, {text::TableNotAdded, table.name});
+      table.entity->SetCaption(table.caption);
+    }
+    std::vector<Ref<qbEntity>> order;
+    for (const std::size_t table : arrangement_.order) order.push_back(tables_[table].entity);
+    if (order.size() != static_cast<std::size_t>(entities_->Count())) return;  // listeners have added others
+    entities_->Arrange(order);
+    hub_.EntitiesChanged(1);
+  }
+
+  // A table whose columns are not known gets those that the statement names.
+  static std::int32_t ItemIndex(const qbEntity& entity, const std::string& column) {
+    Ref<qbEntityItem> item = entity.Items()->Item(column);
+    if (!item) item = entity.Items()->Add(column, column);
+    return item->Index();
+  }
+
+  void DrawJoins() {
+    for (std::size_t i = 0; i < kept_.size(); ++i) {
+      const SnapshotJoin& join = arrangement_.joins[i];
+      const Ref<qbEntity>& source = tables_[join.source].entity;
+      const Ref<qbEntity>& target = tables_[join.target].entity;
+      const bool isNew = !kept_[i];
+      const Ref<qbRelationship> drawn = isNew ? source->Relationships()->Add(target) : kept_[i];
+      if (isNew || drawn->Kind() != join.kind) SetJoinKind(*drawn, join.kind);
+      if (!isNew) continue;
+      drawn->SetSourceItemIndex(ItemIndex(*source, join.sourceColumn->Name()));
+      drawn->SetTargetItemIndex(ItemIndex(*target, join.targetColumn->Name()));
+      hub_.RaiseInfo(InfoRelationshipAdded, Ref<Object>(drawn));
+    }
+  }
+
+  void FillGrid(qbGridPane& grid) {
+    std::vector<QueryRow> rows;
+    rows.reserve(query_.rows.size());
+    for (const SnapshotRow& row : query_.rows) {
+      QueryRow content{row, row.alias.Name(), {}};
+      if (row.table) content.table = tables_[*row.table].caption;
+      if (row.table && entities_ && row.column != "*") ItemIndex(*tables_[*row.table].entity, row.column);
+      rows.push_back(std::move(content));
+    }
+    grid.AddRows(rows);
+  }
+
+  qbQueryBuilder& hub_;
+  Ref<qbEntities> entities_;
+  std::vector<PlannedTable>& tables_;
+  const QuerySnapshot& query_;
+  const JoinArrangement& arrangement_;
+  std::vector<Ref<qbRelationship>> kept_;  // for each join; nothing for one that is to be drawn
+};
+
+void Load(qbQueryBuilder& hub, std::string_view typed) {
+  BindOptions options;
+  options.dialect = &hub.CurrentDialect();
+  options.functions = hub.DBFunctions().get();
+  options.names = CurrentNameRules(hub);
+  options.criteria = hub.CriteriaRules();
+  std::string sql(typed);
+  if (options.criteria.reading) {
+    sql = WithoutHashComments(typed, *options.criteria.reading);
+    const std::optional<std::size_t> otherwise = FirstReadOtherwise(sql, *options.criteria.reading);
+    if (otherwise) throw SyntaxError(sql, *otherwise, text::ReadsOtherwise);
+  }
+  const SelectStatement statement = ParseSelect(sql, {.openParenthesesInFrom = options.dialect->leavesParenthesesOpen});
+  TablePlan plan(hub, statement, options.names);
+  std::vector<Ref<qbRelationship>> drawnJoins;
+  options.drawn = plan.Drawn(drawnJoins);
+  const BoundStatement bound = BindStatement(statement, plan, options);
+  DesignWriter(hub, plan.Tables(), bound, drawnJoins).Write();
+}
+
+}  // namespace
+
+void qbQueryBuilder::LoadStatement(const std::string& sql) {
+  WholeOrNothing(RefTo<QueryContext>(*this), [&] { Load(*this, sql); });
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,193 @@
+#include "zrqrybld/hub/table_plan.h"
+
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/diagram/source_names.h"
+#include "zrqrybld/grid/field_names.h"
+#include "zrqrybld/sql/from_binder.h"
+
+namespace zrqrybld {
+namespace {
+
+std::string JoinedName(const std::vector<Identifier>& parts, const NameRules& rules) {
+  const std::string separator = rules.schemaSeparator.empty() ? "." : rules.schemaSeparator;
+  std::string name;
+  for (const Identifier& part : parts) {
+    if (!name.empty()) name += separator;
+    name += part.Name();
+  }
+  return name;
+}
+
+// Whether one name ends as the other does: the schema may be left out.
+bool IsSameTable(const std::vector<Identifier>& a, const std::vector<Identifier>& b) {
+  if (a.empty() || b.empty()) return false;
+  for (std::size_t i = 1; i <= std::min(a.size(), b.size()); ++i) {
+    if (!EqualsNoCase(a[a.size() - i].Name(), b[b.size() - i].Name())) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+TablePlan::TablePlan(qbQueryBuilder& hub, const SelectStatement& statement, const NameRules& rules)
+    : hub_(hub), rules_(rules) {
+  for (const FromItem* item : TablesOf(statement)) {
+    PlannedTable table;
+    table.written = {NameParts(item->table), Identifier(PlainName(item->alias))};
+    table.name = JoinedName(table.written.parts, rules_);
+    table.caption = table.written.alias.Empty() ? table.name : table.written.alias.Name();
+    tables_.push_back(std::move(table));
+  }
+  if (const Ref<qbEntities> entities = hub_.Entities()) Claim(*entities);
+}
+
+// A table keeps the entity that is called as it is in the statement, otherwise it takes one of the same table that no
+// other wants.
+void TablePlan::Claim(const qbEntities& entities) {
+  constexpr auto kNone = static_cast<std::size_t>(-1);
+  struct Drawn {
+    Ref<qbEntity> entity;
+    std::vector<Identifier> writtenName;
+    std::vector<Identifier> name;   // with its schema, where the source told it
+    std::size_t nextAlike = kNone;  // the next whose name has the same last part
+    bool claimed = false;
+  };
+  std::vector<Drawn> drawn(static_cast<std::size_t>(entities.Count()));
+  std::unordered_map<std::string_view, std::size_t, HashNoCase, EqualNoCase> firstOf;  // by the last part of the name
+  for (std::size_t i = drawn.size(); i-- > 0;) {
+    drawn[i].entity = entities.Item(static_cast<std::int32_t>(i + 1));
+    drawn[i].writtenName = WrittenName(*drawn[i].entity, rules_);
+    drawn[i].name = SourceName(*drawn[i].entity, drawn[i].writtenName);
+    const auto [first, added] = firstOf.emplace(drawn[i].name.back().Name(), i);
+    if (!added) drawn[i].nextAlike = std::exchange(first->second, i);
+  }
+  enum class Called : std::uint8_t { Exactly, Alike, Anything };
+  const auto claim = [&](PlannedTable& table, Called called) {
+    if (table.entity) return;
+    const auto found = firstOf.find(table.written.parts.back().Name());
+    for (std::size_t i = found == firstOf.end() ? kNone : found->second; i != kNone; i = drawn[i].nextAlike) {
+      const Ref<qbEntity>& entity = drawn[i].entity;
+      if (drawn[i].claimed) continue;
+      if (called == Called::Exactly && entity->Caption() != table.caption) continue;
+      if (called == Called::Alike && !IsCalled(*entity, table)) continue;
+      if (!IsSameTable(drawn[i].name, table.written.parts)) continue;
+      drawn[i].claimed = true;
+      table.entity = entity;
+      table.drawnName = drawn[i].writtenName;
+      table.position = static_cast<std::int32_t>(i + 1);
+      // An alias is kept as it is written; a table's own name is spelt as the source does.
+      if (table.written.alias.Empty()) table.caption = entity->TagVariant().Text();
+      return;
+    }
+  };
+  for (const Called called : {Called::Exactly, Called::Alike, Called::Anything}) {
+    for (PlannedTable& table : tables_) claim(table, called);
+  }
+}
+
+// A table without alias is called by its own name, with or without its schema.
+bool TablePlan::IsCalled(const qbEntity& entity, const PlannedTable& table) const {
+  if (EqualsNoCase(entity.Caption(), table.caption)) return true;
+  return table.written.alias.Empty() && entity.Caption() == entity.TagVariant().Text() &&
+         IsSameTable(WrittenName(entity, rules_), table.written.parts);
+}
+
+DrawnDiagram TablePlan::Drawn(std::vector<Ref<qbRelationship>>& drawnJoins) const {
+  DrawnDiagram drawn;
+  drawn.order.resize(tables_.size());
+  std::iota(drawn.order.begin(), drawn.order.end(), 0);
+  std::ranges::stable_sort(drawn.order, {}, [this](std::size_t i) { return tables_[i].position; });
+  std::unordered_map<const qbEntity*, std::size_t> positions;
+  for (std::size_t i = 0; i < tables_.size(); ++i) {
+    if (tables_[i].entity) positions.emplace(tables_[i].entity.get(), i);
+  }
+  for (std::size_t i = 0; i < tables_.size(); ++i) {
+    if (!tables_[i].entity) continue;
+    const qbRelationships& joins = *tables_[i].entity->Relationships();
+    for (std::int32_t j = 1; j <= joins.Count(); ++j) {
+      const Ref<qbRelationship> join = joins.Item(j);
+      const auto target = positions.find(join->Target().get());
+      const Ref<qbEntityItem> from = join->SourceItem();
+      const Ref<qbEntityItem> to = join->TargetItem();
+      if (target == positions.end() || !from || !to) continue;
+      drawn.joins.push_back({i, target->second, from->Text(), to->Text()});
+      drawnJoins.push_back(join);
+    }
+  }
+  return drawn;
+}
+
+// --- What the binder asks ---
+
+std::optional<SnapshotTable> TablePlan::AddTable(const WrittenTable&) {
+  PlannedTable& table = tables_[added_++];
+  SnapshotTable result;
+  result.caption = Identifier(table.caption);
+  if (table.entity) {
+    result.name = std::move(table.drawnName);
+    result.aliased = table.caption != table.entity->TagVariant().Text();
+    return result;
+  }
+  result.name = table.written.parts;
+  result.aliased = table.caption != table.name;
+  if (!hub_.IsConnected()) return result;
+  std::optional<std::vector<SourceColumn>> columns = TablePicker(RefTo(hub_)).ReadColumns(table.name);
+  if (!columns) return std::nullopt;
+  table.columns = std::move(*columns);
+  for (std::size_t i = 0; i < table.columns.size(); ++i) {
+    table.byFoldedName.emplace(FoldCase(table.columns[i].name), i);
+  }
+  return result;
+}
+
+bool TablePlan::KnowsColumns(std::size_t table) const {
+  const Ref<qbEntity>& entity = tables_[table].entity;
+  if (!entity) return !tables_[table].columns.empty();
+  // Without a source the boxes show no more columns than statements have named.
+  const qbEntityItems& items = *entity->Items();
+  return hub_.IsConnected() && (items.Count() > 1 || (items.Count() == 1 && items.Item(1)->Text() != "*"));
+}
+
+std::optional<std::string> TablePlan::FindColumn(std::size_t table, const std::string& name) const {
+  const PlannedTable& planned = tables_[table];
+  if (planned.entity) {
+    const Ref<qbEntityItem> item = planned.entity->Items()->Item(name);
+    if (!item || name == "*") return std::nullopt;
+    return item->Text();
+  }
+  const auto found = planned.byFoldedName.find(FoldCase(name));
+  if (found == planned.byFoldedName.end()) return std::nullopt;
+  for (std::size_t i = found->second; i < planned.columns.size(); ++i) {
+    if (planned.columns[i].name == name) return name;
+    if (planned.byFoldedName.size() == planned.columns.size()) break;  // no two differ in case alone
+  }
+  return planned.columns[found->second].name;
+}
+
+std::vector<std::string> TablePlan::Columns(std::size_t table) const {
+  std::vector<std::string> names;
+  const PlannedTable& planned = tables_[table];
+  for (const SourceColumn& column : planned.columns) names.push_back(column.name);
+  if (!planned.entity) return names;
+  const qbEntityItems& items = *planned.entity->Items();
+  for (std::int32_t i = 1; i <= items.Count(); ++i) {
+    if (items.Item(i)->Text() != "*") names.push_back(items.Item(i)->Text());
+  }
+  return names;
+}
+
+SnapshotType TablePlan::TypeOf(std::size_t table, const std::string& column) const {
+  const PlannedTable& planned = tables_[table];
+  if (planned.entity) return TypeOfColumn(*planned.entity, column, *hub_.DataTypes());
+  const auto found = planned.byFoldedName.find(FoldCase(column));
+  if (found == planned.byFoldedName.end()) return {};
+  const SourceColumn& facts = planned.columns[found->second];
+  return DescribeType(facts.type, facts.isLong, *hub_.DataTypes());
+}
+
+}  // namespace zrqrybld

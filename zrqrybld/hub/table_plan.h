@@ -1,0 +1,60 @@
+// TablePlan: which tables of the diagram a statement's tables become, and what the binder asks about them.
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "zrqrybld/diagram/table_picker.h"
+#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/sql/join_orders.h"
+#include "zrqrybld/sql/name_scope.h"
+#include "zrqrybld/sql/select_statement.h"
+
+namespace zrqrybld {
+
+// A table of the statement and what it becomes.
+struct PlannedTable {
+  WrittenTable written;
+  std::string name;                   // as the source is asked for it
+  std::string caption;                // what it is called in the query
+  Ref<qbEntity> entity;               // of the diagram; nothing when it is still to be added
+  std::vector<Identifier> drawnName;  // the entity's
+  std::int32_t position = std::numeric_limits<std::int32_t>::max();  // of the entity in the diagram
+  std::vector<SourceColumn> columns;                                 // of one that is to be added
+  std::unordered_map<std::string, std::size_t> byFoldedName;         // of its columns, the first of each
+};
+
+class TablePlan final : public QuerySource {
+ public:
+  /// Nothing is changed yet. The hub and the statement must outlive the plan.
+  TablePlan(qbQueryBuilder& hub, const SelectStatement& statement, const NameRules& rules);
+
+  std::vector<PlannedTable>& Tables() { return tables_; }
+  const std::vector<PlannedTable>& Tables() const { return tables_; }
+
+  /// What the diagram holds of them now; the joins by their places in `drawnJoins`.
+  DrawnDiagram Drawn(std::vector<Ref<qbRelationship>>& drawnJoins) const;
+
+  // --- What the binder asks ---
+
+  std::optional<SnapshotTable> AddTable(const WrittenTable& table) override;
+  bool KnowsColumns(std::size_t table) const override;
+  std::optional<std::string> FindColumn(std::size_t table, const std::string& name) const override;
+  std::vector<std::string> Columns(std::size_t table) const override;
+  SnapshotType TypeOf(std::size_t table, const std::string& column) const override;
+
+ private:
+  void Claim(const qbEntities& entities);
+  bool IsCalled(const qbEntity& entity, const PlannedTable& table) const;
+
+  qbQueryBuilder& hub_;
+  const NameRules& rules_;
+  std::vector<PlannedTable> tables_;
+  std::size_t added_ = 0;
+};
+
+}  // namespace zrqrybld

@@ -1,0 +1,115 @@
+#include "zrqrybld/platform/commands.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/base/texts_designer.h"
+#include "zrqrybld/base/texts_diagram.h"
+#include "zrqrybld/base/texts_grid.h"
+#include "zrqrybld/base/texts_qt.h"
+#include "zrqrybld/base/texts_sql.h"
+#include "zrqrybld/platform/input.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr std::int32_t F(int number) { return KeyCodeF1 + number - 1; }
+constexpr std::int32_t kCtrlShift = ShiftCtrl | ShiftShift;
+
+using Needs = CommandNeeds;
+
+constexpr CommandRow kCommands[] = {
+    {Command::AddTables, {F(7)}, {KeyCodeInsert}, text::MenuAddTables, Needs::Connection},
+    {Command::Arrange, {}, {}, text::MenuArrange, Needs::Tables},
+    {Command::FitToWindow, {}, {}, text::MenuFitWindow, Needs::Tables},
+    {Command::ActualSize, {'0', ShiftCtrl}, {}, text::MenuActualSize, Needs::Nothing},
+    {Command::ZoomIn, {KeyCodePlus, ShiftCtrl}, {}, text::ZoomInItem, Needs::Nothing},
+    {Command::ZoomOut, {KeyCodeMinus, ShiftCtrl}, {}, text::ZoomOutItem, Needs::Nothing},
+    {Command::SelectAllTables, {'A', ShiftCtrl}, {}, text::MenuSelectAll, Needs::Tables},
+    {Command::CopyPicture, {'C', ShiftCtrl}, {}, text::MenuCopyPicture, Needs::Tables},
+    {Command::SavePicture, {}, {}, text::MenuSavePicture, Needs::Tables},
+    {Command::FindName, {'F', ShiftCtrl}, {}, text::FindCaption, Needs::Nothing},
+    {Command::RenameTable, {F(2)}, {}, text::MenuAlias, Needs::SelectedTable},
+    {Command::MinimizeTable, {KeyCodeSpace, ShiftShift}, {}, text::MenuMinimise, Needs::SelectedTable},
+    {Command::DeleteSelected, {KeyCodeDelete}, {}, text::MenuDelete, Needs::Nothing},
+    {Command::TickColumn, {KeyCodeSpace}, {}, text::MenuOutput, Needs::SelectedColumn},
+    {Command::JoinFromHere, {'J', ShiftCtrl}, {}, text::MenuJoinFromHere, Needs::SelectedColumn},
+    {Command::OpenSelected, {KeyCodeEnter}, {}, text::MenuProperties, Needs::Nothing},
+    {Command::ContextMenu, {F(10), ShiftShift}, {KeyCodeMenu}, text::NoText, Needs::Nothing},
+    {Command::EditCell, {F(2)}, {}, text::NoText, Needs::Cell},
+    {Command::OpenList, {F(4)}, {}, text::NoText, Needs::Cell},
+    {Command::ZoomCell, {F(2), ShiftShift}, {}, text::MenuZoom, Needs::Cell},
+    {Command::InsertRows, {KeyCodeInsert}, {}, text::MenuInsertRow, Needs::Row},
+    {Command::DeleteRows, {KeyCodeDelete}, {}, text::MenuDeleteRow, Needs::Row},
+    {Command::MoveRowsUp, {KeyCodeUp, ShiftAlt}, {}, text::MenuMoveUp, Needs::Row},
+    {Command::MoveRowsDown, {KeyCodeDown, ShiftAlt}, {}, text::MenuMoveDown, Needs::Row},
+    {Command::CopyCells, {'C', ShiftCtrl}, {}, text::MenuCopy, Needs::Nothing},
+    {Command::PasteCells, {'V', ShiftCtrl}, {}, text::MenuPaste, Needs::Nothing},
+    {Command::ApplyText, {KeyCodeEnter, ShiftCtrl}, {F(5)}, text::CommandApply, Needs::Nothing},
+    {Command::Suggest, {KeyCodeSpace, ShiftCtrl}, {}, text::NoText, Needs::Nothing},
+    {Command::FindText, {'F', ShiftCtrl}, {}, text::FindEllipsis, Needs::Nothing},
+    {Command::RunPreview, {F(5)}, {}, text::RunPreviewItem, Needs::Connection},
+    {Command::StopPreview, {F(5), ShiftShift}, {}, text::StopPreviewItem, Needs::Nothing},
+    {Command::GoToRows, {'R', ShiftCtrl}, {}, text::GoToRowsItem, Needs::Nothing},
+    {Command::NextPane, {F(6)}, {}, text::NoText, Needs::Nothing},
+    {Command::PreviousPane, {F(6), ShiftShift}, {}, text::NoText, Needs::Nothing},
+    {Command::ShowKeys, {F(1)}, {}, text::KeysItem, Needs::Nothing},
+    {Command::OpenDatabase, {'D', ShiftCtrl}, {}, text::OpenDatabaseItem, Needs::Nothing},
+    {Command::Connect, {'O', kCtrlShift}, {}, text::ConnectItem, Needs::Nothing},
+    {Command::SaveQueryAs, {'S', kCtrlShift}, {}, text::SaveAsItem, Needs::Nothing},
+    {Command::CopyValuesWithNames, {'C', kCtrlShift}, {}, text::CopyWithNames, Needs::Nothing},
+};
+
+constexpr bool InOrder() {
+  for (std::size_t i = 0; i < std::size(kCommands); ++i) {
+    if (kCommands[i].command != static_cast<Command>(i)) return false;
+  }
+  return true;
+}
+static_assert(InOrder(), "the rows stand in the order of the commands");
+
+struct KeyName {
+  std::int32_t code;
+  std::string_view name;
+};
+// As keyboards and toolkits write them, in every language.
+constexpr KeyName kKeyNames[] = {
+    {KeyCodeTab, "Tab"},    {KeyCodeEnter, "Enter"}, {KeyCodeEscape, "Esc"}, {KeyCodeSpace, "Space"},
+    {KeyCodeUp, "Up"},      {KeyCodeDown, "Down"},   {KeyCodeLeft, "Left"},  {KeyCodeRight, "Right"},
+    {KeyCodeInsert, "Ins"}, {KeyCodeDelete, "Del"},  {KeyCodeMenu, "Menu"},  {KeyCodePlus, "+"},
+    {KeyCodeMinus, "-"},
+};
+
+}  // namespace
+
+std::span<const CommandRow> Commands() { return kCommands; }
+
+const CommandRow& RowOf(Command command) { return kCommands[static_cast<std::size_t>(command)]; }
+
+bool Asks(Key key, Command command) {
+  const CommandRow& row = RowOf(command);
+  return key.code != 0 && (key == row.key || key == row.other);
+}
+
+bool Asks(const KeyEvent& event, Command command) { return Asks(Key{event.keyCode, event.shift}, command); }
+
+std::string TextOf(Key key) {
+  if (key.code == 0) return {};
+  std::string written;
+  if ((key.shift & ShiftCtrl) != 0) written += "Ctrl+";
+  if ((key.shift & ShiftShift) != 0) written += "Shift+";
+  if ((key.shift & ShiftAlt) != 0) written += "Alt+";
+  const auto* named = std::ranges::find(kKeyNames, key.code, &KeyName::code);
+  if (named != std::end(kKeyNames)) return written.append(named->name);
+  if (key.code >= F(1) && key.code <= F(24)) return written + "F" + std::to_string(key.code - F(1) + 1);
+  return written + static_cast<char>(key.code);
+}
+
+std::string LongKeyTextOf(Command command) {
+  return ReplaceAll(ReplaceAll(KeyTextOf(command), "Ins", "Insert"), "Del", "Delete");
+}
+
+std::string KeyTextOf(Command command) { return TextOf(RowOf(command).key); }
+
+}  // namespace zrqrybld

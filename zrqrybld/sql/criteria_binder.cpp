@@ -1,0 +1,178 @@
+#include "zrqrybld/sql/criteria_binder.h"
+
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/sql/criteria_formatter.h"
+#include "zrqrybld/sql/from_binder.h"
+#include "zrqrybld/sql/statement_parser.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr std::string_view kTrue = "= True";
+
+CriteriaTerms ChildrenOf(const Expression& e) {
+  CriteriaTerms children;
+  for (const Expression* child = e.first; child; child = child->next) children.push_back(child);
+  return children;
+}
+
+// The terms of one alternative, without the parentheses around them all.
+CriteriaTerms TermsOf(const Expression& alternative) {
+  const Expression* group = &alternative;
+  if (group->kind == ExpressionKind::Parentheses &&
+      (group->first->kind == ExpressionKind::And || group->first->kind == ExpressionKind::Parentheses)) {
+    group = group->first;
+  }
+  if (group->kind == ExpressionKind::And) return ChildrenOf(*group);
+  return {group};
+}
+
+// The operator with its operands exchanged; "" when that is not the same.
+std::string_view Mirrored(std::string_view sign) {
+  if (sign == "=" || sign == "<>" || sign == "!=") return sign;
+  if (sign == "<") return ">";
+  if (sign == ">") return "<";
+  if (sign == "<=") return ">=";
+  if (sign == ">=") return "<=";
+  return {};
+}
+
+bool IsCondition(ExpressionKind kind) {
+  return kind == ExpressionKind::Comparison || kind == ExpressionKind::Between || kind == ExpressionKind::In ||
+         kind == ExpressionKind::IsNull;
+}
+
+}  // namespace
+
+std::vector<CriteriaTerms> CriteriaBinder::AlternativesOf(const Expression& condition, bool inParentheses) {
+  const Expression* whole = &condition;
+  const bool isWrapped = whole->kind == ExpressionKind::Parentheses;
+  if (isWrapped && (inParentheses || whole->first->kind == ExpressionKind::Or)) whole = whole->first;
+  std::vector<CriteriaTerms> alternatives;
+  if (whole->kind == ExpressionKind::Or) {
+    for (const Expression* e = whole->first; e; e = e->next) alternatives.push_back(TermsOf(*e));
+  } else {
+    alternatives.push_back(TermsOf(*whole));
+  }
+  return alternatives;
+}
+
+void CriteriaBinder::Place(const std::vector<CriteriaTerms>& alternatives, bool groups) {
+  for (std::size_t column = 0; column < alternatives.size(); ++column) {
+    for (const Expression* term : alternatives[column]) PlaceTerm(*term, column, groups);
+  }
+}
+
+// Conditions on one field in parentheses are one cell, also when they are joined by AND.
+void CriteriaBinder::PlaceTerm(const Expression& term, std::size_t column, bool groups) {
+  const Expression& condition = *StripParentheses(&term);
+  const bool isOpen = &condition == &term && condition.kind == ExpressionKind::And;
+  if (!isOpen && PlaceCell(condition, column, groups)) return;
+  if (condition.kind == ExpressionKind::And) {
+    for (const Expression* part = condition.first; part; part = part->next) PlaceTerm(*part, column, groups);
+    return;
+  }
+  const std::string text = fields_.Written(condition);
+  PlaceExpression(condition.kind == ExpressionKind::Or ? "(" + text + ")" : text, column, groups);
+}
+
+bool CriteriaBinder::PlaceCell(const Expression& condition, std::size_t column, bool groups) {
+  const Expression* read = &condition;
+  Expression mirrored, left, right;
+  std::optional<RowField> field = FieldOf(condition, groups);
+  if (!field && condition.kind == ExpressionKind::Comparison && !condition.negated) {
+    field = OperandField(*condition.first->next, groups);
+    if (!field || Mirrored(condition.name).empty()) return false;
+    left = *condition.first->next;
+    right = *condition.first;
+    left.next = &right;
+    right.next = nullptr;
+    mirrored = condition;
+    mirrored.name = Mirrored(condition.name);
+    mirrored.first = &left;
+    read = &mirrored;
+  }
+  if (!field) return false;
+  std::optional<std::string> cell = CellOf(*read, *field);
+  if (!cell) return false;
+  std::vector<std::string>& criteria = rows_[RowFor(*field, column, groups)].criteria;
+  if (criteria.size() <= column) criteria.resize(column + 1);
+  criteria[column] = std::move(*cell);
+  return true;
+}
+
+void CriteriaBinder::PlaceExpression(const std::string& text, std::size_t column, bool groups) {
+  const std::size_t row = rows_.Add({std::nullopt, text, {}});
+  if (options_.groupByMode) rows_[row].grouping = groups ? GroupingKind::Expression : GroupingKind::Where;
+  rows_[row].criteria.resize(column + 1);
+  rows_[row].criteria[column] = kTrue;
+}
+
+// The field that stands at the left end of a condition.
+std::optional<RowField> CriteriaBinder::FieldOf(const Expression& condition, bool groups) const {
+  const Expression* e = &condition;
+  while (e->kind == ExpressionKind::And || e->kind == ExpressionKind::Or || e->kind == ExpressionKind::Not ||
+         e->kind == ExpressionKind::Parentheses) {
+    e = e->first;
+  }
+  if (!IsCondition(e->kind)) return std::nullopt;
+  return OperandField(*e->first, groups);
+}
+
+std::optional<RowField> CriteriaBinder::OperandField(const Expression& operand, bool groups) const {
+  const Expression& e = *StripParentheses(&operand);
+  if (groups) {
+    if (std::optional<RowField> aggregate = fields_.AggregateOf(e)) return aggregate;
+  }
+  if (e.kind == ExpressionKind::Column) {
+    if (std::optional<RowField> column = fields_.ColumnOf(e)) return column;
+    const bool isText = e.text.starts_with('"');
+    if (!isText && !NameScope::IsPseudoColumn(e.name) && !isAlias(PlainName(e.text))) scope_.Require(e);
+    return std::nullopt;
+  }
+  RowField expression{std::nullopt, fields_.Written(e), {}};
+  if (rows_.Has(expression)) return expression;
+  return std::nullopt;
+}
+
+// The cell that says the condition; none when the formatter would make another condition of it.
+std::optional<std::string> CriteriaBinder::CellOf(const Expression& condition, const RowField& field) const {
+  const std::string term = fields_.TermOf(field);
+  const std::string written = fields_.NormalizedFields(condition);
+  std::optional<std::string> cell = CriterionOf(
+      written, [&term](std::string_view left) { return left == term; }, options_.context.likeOperator);
+  if (!cell || cell->empty()) return std::nullopt;
+  // On an expression these words ask whether it is true.
+  if (!field.table && (UpperAscii(*cell).ends_with("TRUE") || UpperAscii(*cell).ends_with("FALSE")))
+    return std::nullopt;
+  CriteriaContext context = options_.context;
+  if (field.table) {
+    const SnapshotType type = scope_.Source().TypeOf(*field.table, field.column);
+    context.dataType = type.code;
+    context.isLong = type.isLong;
+    context.prefix = type.prefix;
+    context.suffix = type.suffix;
+  }
+  context.aggregate = field.grouping.syntax;
+  try {
+    const std::string made = FormatCondition(term, *cell, context);
+    SyntaxArena arena(made.size() * 8 + 256);
+    if (fields_.NormalizedFields(*ParseExpressionText(made, arena)) != written) return std::nullopt;
+  } catch (const Error&) {
+    return std::nullopt;
+  }
+  return cell;
+}
+
+std::size_t CriteriaBinder::RowFor(const RowField& field, std::size_t column, bool groups) {
+  const auto suits = [&](const SnapshotRow& row) {
+    return !options_.groupByMode || row.grouping.ChoosesGroups() == groups;
+  };
+  if (const std::optional<std::size_t> row = rows_.FindForCriterion(field, column, groups, suits)) return *row;
+  const std::size_t row = rows_.Add(field);
+  if (options_.groupByMode && !field.grouping.HasSyntax())
+    rows_[row].grouping = groups ? GroupingKind::Expression : GroupingKind::Where;
+  return row;
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,61 @@
+// CriteriaBinder: the conditions of WHERE and HAVING as criteria of the grid's rows.
+//
+// Alternatives (an OR outside of parentheses) become the grid's criteria columns, the terms of each (joined by AND)
+// cells below each other. A term about one field is a cell of a row of that field when the criteria formatter makes the
+// same condition of it again; every other one is an expression row with the criterion "= True", so that no condition
+// changes.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "zrqrybld/sql/field_terms.h"
+
+namespace zrqrybld {
+
+/// One alternative: terms joined by AND.
+using CriteriaTerms = std::vector<const Expression*>;
+
+class CriteriaBinder {
+ public:
+  struct Options {
+    bool groupByMode = false;
+    /// How many alternatives the grid can hold.
+    std::size_t columns = 4;
+    /// How values are written.
+    CriteriaContext context;
+  };
+
+  CriteriaBinder(const NameScope& scope, const FieldTerms& fields, QueryRows& rows, Options options)
+      : scope_(scope), fields_(fields), rows_(rows), options_(std::move(options)) {}
+
+  /// The alternatives of a condition, and the terms of each. `inParentheses`: the generator has put the whole into a
+  /// pair of its own.
+  static std::vector<CriteriaTerms> AlternativesOf(const Expression& condition, bool inParentheses = false);
+
+  /// Places conditions that choose rows (WHERE), or groups (HAVING). SyntaxError for a name that cannot be told.
+  /// `alias` answers whether a name without a qualifier is an alias of the select list.
+  void Place(const std::vector<CriteriaTerms>& alternatives, bool groups);
+
+  /// Whether a name is an alias of the select list; conditions about it are taken as they stand.
+  std::function<bool(std::string_view)> isAlias = [](std::string_view) { return false; };
+
+ private:
+  void PlaceTerm(const Expression& term, std::size_t column, bool groups);
+  bool PlaceCell(const Expression& condition, std::size_t column, bool groups);
+  void PlaceExpression(const std::string& text, std::size_t column, bool groups);
+  std::optional<RowField> FieldOf(const Expression& condition, bool groups) const;
+  std::optional<RowField> OperandField(const Expression& operand, bool groups) const;
+  std::optional<std::string> CellOf(const Expression& condition, const RowField& field) const;
+  std::size_t RowFor(const RowField& field, std::size_t column, bool groups);
+
+  const NameScope& scope_;
+  const FieldTerms& fields_;
+  QueryRows& rows_;
+  Options options_;
+};
+
+}  // namespace zrqrybld

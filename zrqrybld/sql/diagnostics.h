@@ -1,0 +1,57 @@
+// Diagnostics: what a designed query says that its statement cannot, or that may surprise.
+//
+// Pure: they are found in the snapshot and never change the text. The SQL pane shows them; an application reads them
+// after each generation.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "zrqrybld/base/phrase.h"
+#include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/generator.h"
+#include "zrqrybld/sql/query_snapshot.h"
+
+namespace zrqrybld {
+
+/// What a diagnostic is about. The object that it names is said behind each kind.
+enum SQLDiagnosticEnum : std::int32_t {
+  DiagnosticTableNotJoined = 1,        ///< a table: joined to none before it, so that rows multiply
+  DiagnosticFullJoin = 2,              ///< a join: the dialect cannot say "all rows of both tables"
+  DiagnosticMixedJoins = 3,            ///< a table: its joins are of several kinds, of which only the first is written
+  DiagnosticIncompleteJoin = 4,        ///< a join: a column is missing, so that it is not written
+  DiagnosticJoinToItself = 5,          ///< a table: it is joined to itself; a second copy of the table is needed
+  DiagnosticNotGrouped = 6,            ///< a column: output, but neither grouped nor aggregated
+  DiagnosticUnknownFunction = 7,       ///< a column: its group-by choice is none that the designer knows
+  DiagnosticSortNotSelected = 8,       ///< a column: sorted by, but missing from SELECT DISTINCT
+  DiagnosticSameSortOrder = 9,         ///< a column: a later row has the same sort number and takes its place
+  DiagnosticDuplicateName = 10,        ///< a name: two columns of the result bear it
+  DiagnosticOuterJoinUndone = 11,      ///< a column: its criterion drops the rows that an outer join adds
+  DiagnosticUnreadableCriterion = 12,  ///< a column: its criterion cannot be read and is written as it was typed
+  DiagnosticAllColumns = 13,           ///< a column "*": sorted, grouped or compared, which only a single column can be
+  DiagnosticLimitWritten = 14,         ///< the row limit: it does not mean in this dialect what was asked for
+  DiagnosticParentheses = 15,          ///< a table: the parentheses before it are never closed
+  DiagnosticNothingToGroup = 16,       ///< a column: its criterion stands in HAVING although the query does not group
+  DiagnosticAliasWritten = 17,         ///< a column: its alias is cut, or left out because it is no single column
+  DiagnosticJoinsWait = 18,            ///< a table: outer joins bring in each of its tables only with another of them
+};
+
+/// One remark.
+struct SQLDiagnostic {
+  SQLDiagnosticEnum kind = DiagnosticTableNotJoined;
+  /// The caption, column, join or text that it is about.
+  std::string object;
+  /// A sentence for the person who designs the query, as the pane shows it.
+  std::string text;
+  /// The same in any language.
+  Phrase what;
+  friend bool operator==(const SQLDiagnostic&, const SQLDiagnostic&) = default;
+};
+
+/// What there is to say about the statement that was generated from the query, in the order of tables, joins and rows.
+/// Takes time in the number of tables, joins, rows and criteria.
+/// Their texts are English.
+std::vector<SQLDiagnostic> Diagnose(const QuerySnapshot& query, const Dialect& dialect, const GeneratedSql& generated);
+
+}  // namespace zrqrybld

@@ -1,0 +1,122 @@
+// Dialects as data: everything in which their texts differ is a field of one row.
+//
+// Code asks a dialect for a decision, never for its name, so a new dialect is a new row.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "zrqrybld/sql/join_kind.h"
+
+namespace zrqrybld {
+
+/// The SQL dialects, as the SQL pane's `SQLSyntax` names them.
+enum SQLSyntaxEnum : std::int32_t {
+  SQLSyntaxGeneric = 0,
+  SQLSyntaxMSSQL = 1,
+  SQLSyntaxOracle = 2,
+  SQLSyntaxAccess = 3,
+  SQLSyntaxOpenSQL = 4,
+  SQLSyntaxPostgreSQL = 5,
+  SQLSyntaxMySQL = 6,  ///< MySQL and MariaDB
+  SQLSyntaxSQLite = 7,
+  SQLSyntaxSQLServer = 8,  ///< SQL Server from 2012 on
+  SQLSyntaxOracle12 = 9,   ///< Oracle from 12c on
+  SQLSyntaxANSI = 10,      ///< standard SQL, for whatever else there is
+};
+
+/// How a dialect says that only some rows are wanted: texts in which "@n" is how many and "@m" how many are passed over
+/// before them. What it cannot say is "".
+struct RowLimit {
+  enum class Place : std::uint8_t {
+    Head,       ///< behind SELECT
+    Condition,  ///< as a condition in WHERE
+    From,       ///< behind the tables
+    End,        ///< behind ORDER BY
+  };
+  Place place = Place::Head;
+  std::string_view rows;
+  std::string_view percent;
+  /// These stand at the end, wherever the others do.
+  std::string_view offset = {};
+  std::string_view rowsAndOffset = {};
+  /// Whether an offset needs an ORDER BY before it.
+  bool offsetNeedsOrder = false;
+  /// Whether a percentage means one to its servers; where it does not the text has the sign all the same, or is "".
+  bool takesPercent = true;
+};
+
+/// How values are written: "@" stands for the value in ISO form. "" leaves it to the source's own prefix and to the
+/// query's date format.
+struct ValueForms {
+  std::string_view date = {};
+  std::string_view time = {};
+  std::string_view timestamp = {};
+  std::string_view yes = "True";
+  std::string_view no = "False";
+  /// What stands around a date where neither the forms above nor the source tell.
+  std::string_view dateQuote = "'";
+  /// Whether "\\" takes the meaning of the character behind it where the source has not told.
+  bool backslashEscapes = false;
+};
+
+struct Dialect {
+  /// Where joins stand: as JOIN clauses in FROM, or as conditions in WHERE beside a list of tables.
+  enum class Joins : std::uint8_t { Clauses, Conditions };
+  /// Parentheses around joined tables in FROM.
+  enum class FromParentheses : std::uint8_t { None, Nested, Whole };
+
+  SQLSyntaxEnum syntax;
+  std::string_view name;
+  Joins joins;
+  FromParentheses fromParentheses;
+  /// The words before "JOIN", by `JoinTypeEnum`.
+  std::array<std::string_view, 4> joinWords;
+  /// What stands between the two fields of a condition, by `JoinTypeEnum`, and behind the second.
+  std::array<std::string_view, 4> comparison;
+  std::array<std::string_view, 4> afterCondition;
+  /// Whether it can say "all rows of both tables".
+  bool hasFullJoin;
+  RowLimit limit;
+  std::string_view selectSeparator;
+  std::string_view fromSeparator;
+  /// Parentheses around groups of conditions.
+  std::string_view open;
+  std::string_view close;
+  /// Between a table and its alias in FROM.
+  std::string_view tableAlias;
+  /// Whether a keyword would be read as one where an alias stands: there is no word before it.
+  bool aliasStandsBare = false;
+  /// Whether its own statements leave parentheses in FROM open, where tables are not joined.
+  bool leavesParenthesesOpen = false;
+  ValueForms values = {};
+  /// The word that compares with a pattern without regard to case; "" where only UPPER around both sides does.
+  std::string_view caseBlindLike = "LIKE";
+  /// What stands around a quoted name whatever the source says; "" takes the source's own.
+  std::string_view namePrefix = {};
+  std::string_view nameSuffix = {};
+  /// Whether a text in double quotes is a literal where it names no column.
+  bool doubleQuotesAreTexts = false;
+  /// Words with a meaning in its statements, which are no names without quotes; in capitals and sorted.
+  std::span<const std::string_view> words = {};
+  /// Whether its statements can be read back.
+  bool canBeParsed = true;
+};
+
+/// All dialects, in the order of their numbers.
+std::span<const Dialect> AllDialects();
+
+/// The row of a dialect; the generic one for a number that has none.
+const Dialect& DialectFor(SQLSyntaxEnum syntax);
+
+/// The dialect that a source of this name and version speaks ("PostgreSQL", "15.3"); nullptr for a name that is not
+/// known. Other names of servers that speak another's dialect are known, too.
+const Dialect* DialectOfSource(std::string_view name, std::string_view version);
+
+/// The dialect of this number, and the one with this name, in any letter case; nullptr when there is none.
+const Dialect* FindDialect(std::int32_t number);
+const Dialect* FindDialect(std::string_view name);
+
+}  // namespace zrqrybld

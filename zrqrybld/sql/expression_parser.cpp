@@ -1,0 +1,565 @@
+#include "zrqrybld/sql/expression_parser.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/base/texts_sql.h"
+
+namespace zrqrybld {
+namespace {
+
+// Links nodes in the order they come.
+class List {
+ public:
+  explicit List(Expression*& first) : end_(&first) {}
+  void Append(Expression* expression) {
+    *end_ = expression;
+    end_ = &expression->next;
+  }
+
+ private:
+  Expression** end_;
+};
+
+// Operators that are words but no keywords.
+constexpr std::array<std::string_view, 6> kWordOperators = {"GLOB", "ILIKE", "MATCH", "REGEXP", "RLIKE", "ALIKE"};
+// Words that make the text behind them a literal.
+constexpr std::array<std::string_view, 4> kLiteralTypes = {"DATE", "TIME", "TIMESTAMP", "DATETIME"};
+// Words in front of the first argument of TRIM.
+constexpr std::array<std::string_view, 3> kTrimWords = {"BOTH", "LEADING", "TRAILING"};
+
+}  // namespace
+
+// One level of nesting for the length of a scope.
+class ExpressionParser::Level {
+ public:
+  explicit Level(ExpressionParser& parser) : parser_(parser) {
+    parser.RequireDepth(++parser.depth_ > kDeepest, kDeepest);
+    parser.RequireDepth(++parser.calls_ > kDeepestCalls, kDeepestCalls);
+  }
+  Level(const Level&) = delete;
+  Level& operator=(const Level&) = delete;
+  ~Level() {
+    --parser_.depth_;
+    --parser_.calls_;
+  }
+
+ private:
+  ExpressionParser& parser_;
+};
+
+void ExpressionParser::RequireDepth(bool tooDeep, int levels) const {
+  if (!tooDeep) return;
+  reader_.Refuse(reader_.Offset(), {text::NestedTooDeeply, levels});
+}
+
+Expression* ExpressionParser::Make(ExpressionKind kind, std::size_t start, Expression* first) {
+  Expression* expression = arena_.Make<Expression>();
+  expression->kind = kind;
+  expression->text = reader_.TextFrom(start);
+  expression->first = first;
+  return expression;
+}
+
+Expression* ExpressionParser::Close(Expression* expression, std::size_t start) {
+  expression->text = reader_.TextFrom(start);
+  return expression;
+}
+
+// --- Conditions ---
+
+Expression* ExpressionParser::ParseExpression() {
+  const Level level(*this);
+  const std::size_t start = Start();
+  Expression* first = ParseAnd();
+  if (!reader_.Is(Keyword::Or)) return first;
+  Expression* result = Make(ExpressionKind::Or, start, first);
+  List operands(first->next);
+  while (reader_.Take(Keyword::Or)) operands.Append(ParseAnd());
+  return Close(result, start);
+}
+
+Expression* ExpressionParser::ParseAnd() {
+  const std::size_t start = Start();
+  Expression* first = ParseNot();
+  if (!reader_.Is(Keyword::And)) return first;
+  Expression* result = Make(ExpressionKind::And, start, first);
+  List operands(first->next);
+  while (reader_.Take(Keyword::And)) operands.Append(ParseNot());
+  return Close(result, start);
+}
+
+Expression* ExpressionParser::ParseNot() {
+  if (begun_ || !reader_.Is(Keyword::Not)) return ParsePredicate();
+  const Level level(*this);
+  const std::size_t start = reader_.Offset();
+  reader_.Advance();
+  Expression* operand = ParseNot();
+  return Make(ExpressionKind::Not, start, operand);
+}
+
+bool ExpressionParser::IsComparisonSign() const {
+  if (!reader_.Is(TokenKind::Operator)) return false;
+  const std::string_view sign = reader_.CurrentText();
+  switch (sign[0]) {
+    case '=':
+      return true;
+    case '<':
+    case '>':
+      return sign != "<<" && sign != ">>";
+    case '!':
+      return sign.size() == 2;
+    case '*':
+      return sign == "*=";
+    default:
+      return false;
+  }
+}
+
+bool ExpressionParser::IsWordOperator() const {
+  if (reader_.Is(Keyword::Between) || reader_.Is(Keyword::In) || reader_.Is(Keyword::Like)) return true;
+  return reader_.Is(TokenKind::Word) && !reader_.Is(Keyword::Not) && reader_.Current().keyword == Keyword::None &&
+         std::ranges::any_of(kWordOperators, [&](std::string_view word) { return reader_.IsWord(word); });
+}
+
+// Comparisons in a row (a = b = c) are read from the left; each costs a level, for the tree grows with it.
+Expression* ExpressionParser::ParsePredicate() {
+  const std::size_t start = Start();
+  const int depth = depth_;
+  Expression* left = ParseChain();
+  for (;; ++depth_) {
+    if (depth_ > kDeepest) reader_.Refuse(start, text::TooManyComparisons);
+    if (IsComparisonSign()) {
+      left = ParseComparison(left, start);
+    } else if (reader_.Is(Keyword::Is)) {
+      left = ParseIs(left, start);
+    } else if (reader_.Is(Keyword::Not)) {
+      reader_.Advance();
+      if (!IsWordOperator()) reader_.FailExpected(text::BetweenInOrLike);
+      left = ParseWordOperator(left, start, true);
+    } else if (IsWordOperator()) {
+      left = ParseWordOperator(left, start, false);
+    } else if (reader_.IsWord("ISNULL") || reader_.IsWord("NOTNULL")) {
+      const bool negated = reader_.IsWord("NOTNULL");
+      reader_.Advance();
+      left = Make(ExpressionKind::IsNull, start, left);
+      left->negated = negated;
+    } else {
+      depth_ = depth;
+      return left;
+    }
+  }
+}
+
+Expression* ExpressionParser::ParseComparison(Expression* left, std::size_t start) {
+  const std::string_view sign = reader_.CurrentText();
+  reader_.Advance();
+  const bool isRowLimit = left->kind == ExpressionKind::Column && EqualsNoCase(left->text, NameOf(Keyword::Rownum));
+  left->next = isRowLimit ? ParseLimitNumber() : ParseChain();
+  Expression* result = Make(ExpressionKind::Comparison, start, left);
+  result->name = sign;
+  return result;
+}
+
+// A row limit may be a percentage where the dialect cannot say so: "ROWNUM <= 25%".
+Expression* ExpressionParser::ParseLimitNumber() {
+  const std::size_t start = reader_.Offset();
+  if (!reader_.Is(TokenKind::Number) || !reader_.NextIsSign('%')) return ParseChain();
+  const TokenReader before = reader_;
+  reader_.Advance();
+  reader_.Advance();
+  const bool ends =
+      reader_.AtEnd() || reader_.IsSign(')') || reader_.IsSign(';') || IsReserved(reader_.Current().keyword);
+  if (ends) return Make(ExpressionKind::Literal, start);
+  reader_ = before;
+  return ParseChain();
+}
+
+Expression* ExpressionParser::ParseIs(Expression* left, std::size_t start) {
+  const std::size_t word = reader_.Offset();
+  reader_.Advance();
+  const bool negated = reader_.Take(Keyword::Not);
+  if (reader_.Take(Keyword::Null)) {
+    Expression* result = Make(ExpressionKind::IsNull, start, left);
+    result->negated = negated;
+    return result;
+  }
+  if (reader_.Take(Keyword::Distinct)) reader_.Expect(Keyword::From);
+  const std::string_view name = reader_.TextFrom(word);
+  left->next = ParseChain();
+  Expression* result = Make(ExpressionKind::Comparison, start, left);
+  result->name = name;
+  return result;
+}
+
+Expression* ExpressionParser::ParseWordOperator(Expression* left, std::size_t start, bool negated) {
+  Expression* result = Make(ExpressionKind::Comparison, start, left);
+  result->negated = negated;
+  result->name = reader_.CurrentText();
+  List operands(left->next);
+  if (reader_.Take(Keyword::Between)) {
+    result->kind = ExpressionKind::Between;
+    operands.Append(ParseChain());
+    reader_.Expect(Keyword::And);
+    operands.Append(ParseChain());
+  } else if (reader_.Take(Keyword::In)) {
+    result->kind = ExpressionKind::In;
+    Expression* list = ParseChain();
+    if (list->kind == ExpressionKind::Parentheses) list->kind = ExpressionKind::Row;  // a list of one
+    operands.Append(list);
+  } else {
+    reader_.Advance();
+    operands.Append(ParseChain());
+    if (reader_.Is(Keyword::Escape)) {
+      const std::size_t escape = reader_.Offset();
+      reader_.Advance();
+      ParseChain();
+      operands.Append(Make(ExpressionKind::Opaque, escape));
+    }
+  }
+  return Close(result, start);
+}
+
+// --- Operands ---
+
+bool ExpressionParser::IsChainSign() const {
+  if (!reader_.Is(TokenKind::Operator)) return false;
+  const std::string_view sign = reader_.CurrentText();
+  if (sign.size() == 2) return sign == "||" || sign == "<<" || sign == ">>";
+  return std::string_view("+-*/%&|^").find(sign[0]) != std::string_view::npos;
+}
+
+Expression* ExpressionParser::ParseChain() {
+  const std::size_t start = Start();
+  const auto isPrefix = [&] { return !begun_ && (reader_.IsSign('-') || reader_.IsSign('+') || reader_.IsSign('~')); };
+  const auto takeSign = [&] {
+    const std::size_t sign = reader_.Offset();
+    reader_.Advance();
+    return Make(ExpressionKind::Sign, sign);
+  };
+  Expression* first = isPrefix() ? takeSign() : ParseOperand();
+  Expression* postfix = first->kind == ExpressionKind::Sign ? nullptr : ParsePostfix();
+  if (first->kind != ExpressionKind::Sign && !postfix && !IsChainSign()) return first;
+  Expression* chain = Make(ExpressionKind::Chain, start, first);
+  List pieces(first->next);
+  bool needsOperand = first->kind == ExpressionKind::Sign;
+  for (;;) {
+    if (postfix) pieces.Append(postfix);
+    while (needsOperand && isPrefix()) pieces.Append(takeSign());
+    if (needsOperand) {
+      pieces.Append(ParseOperand());
+      needsOperand = false;
+    } else if (!postfix) {
+      if (!IsChainSign()) return Close(chain, start);
+      pieces.Append(takeSign());
+      needsOperand = true;
+      postfix = nullptr;
+      continue;
+    }
+    postfix = ParsePostfix();
+  }
+}
+
+// What may follow an operand and is passed on as it stands; nothing when nothing does.
+Expression* ExpressionParser::ParsePostfix() {
+  const std::size_t start = reader_.Offset();
+  const auto skipParentheses = [&] {
+    reader_.ExpectSign('(');
+    reader_.SkipTo(')');
+    reader_.Advance();
+  };
+  if (reader_.Is(TokenKind::Operator)) {
+    if (!reader_.IsSign(':') || !reader_.NextIsSign(':')) return nullptr;  // a::type
+    reader_.Advance();
+    reader_.Advance();
+    ParseName(text::AType);
+    if (reader_.IsSign('(')) skipParentheses();
+  } else if (!reader_.Is(TokenKind::Word)) {
+    return nullptr;
+  } else if (reader_.Take(Keyword::Collate)) {
+    ParseName(text::ACollation);
+  } else if (reader_.Is(Keyword::Over) || (reader_.Current().keyword == Keyword::None && reader_.IsWord("FILTER"))) {
+    if (!reader_.NextIsSign('(')) return nullptr;
+    reader_.Advance();
+    skipParentheses();
+  } else if (reader_.Current().keyword == Keyword::None && reader_.IsWord("WITHIN") &&
+             reader_.Peek().keyword == Keyword::Group) {
+    reader_.Advance();
+    reader_.Advance();
+    skipParentheses();
+  } else {
+    return nullptr;
+  }
+  return Make(ExpressionKind::Opaque, start);
+}
+
+Expression* ExpressionParser::ParseOperand() {
+  if (begun_) return std::exchange(begun_, nullptr);
+  const Token& token = reader_.Current();
+  if (reader_.AtEnd()) reader_.FailExpected(text::AnExpression);
+  switch (token.kind) {
+    case TokenKind::Number:
+    case TokenKind::String:
+    case TokenKind::Date:
+    case TokenKind::Parameter:
+      return ParseLiteral();
+    case TokenKind::Operator:
+      if (reader_.IsSign('(')) return ParseParentheses();
+      return ParseLiteral();
+    default:
+      break;
+  }
+  switch (token.keyword) {
+    case Keyword::None:
+      break;
+    case Keyword::Case:
+      return ParseCase();
+    case Keyword::Exists: {
+      const std::size_t start = reader_.Offset();
+      if (!reader_.NextIsSign('(')) break;
+      reader_.Advance();
+      Expression* subquery = ParseSubquery(reader_.Offset());
+      return Make(ExpressionKind::Exists, start, subquery);
+    }
+    case Keyword::Null:
+    case Keyword::True:
+    case Keyword::False:
+      if (reader_.NextIsSign('.')) break;  // a table that is called so
+      return ParseLiteral();
+    case Keyword::Interval:
+      if (reader_.Peek().kind == TokenKind::String || reader_.Peek().kind == TokenKind::Number) return ParseInterval();
+      break;
+    default:
+      break;
+  }
+  return IsTypedLiteral() ? ParseLiteral() : ParseNamed();
+}
+
+bool ExpressionParser::IsTypedLiteral() const {
+  if (!reader_.Is(TokenKind::Word)) return false;
+  const Token next = reader_.Peek();
+  if (next.kind != TokenKind::String) return false;
+  // E'...' is one literal; a column may be called e, with a text behind it for its alias.
+  const bool adjoins = next.offset == reader_.Offset() + reader_.CurrentText().size();
+  return (adjoins && reader_.IsWord("E")) ||
+         std::ranges::any_of(kLiteralTypes, [&](std::string_view type) { return reader_.IsWord(type); });
+}
+
+Expression* ExpressionParser::ParseLiteral() {
+  const std::size_t start = reader_.Offset();
+  if (!reader_.Is(TokenKind::Operator)) {
+    const bool typed = reader_.Is(TokenKind::Word) && reader_.Current().keyword == Keyword::None;
+    reader_.Advance();
+    if (typed) reader_.Advance();
+    return Make(ExpressionKind::Literal, start);
+  }
+  if (reader_.TakeSign('{')) {
+    reader_.SkipTo('}');
+    reader_.Advance();
+  } else if (reader_.TakeSign('?')) {
+    // The marker of a parameter without a name.
+  } else if (reader_.IsSign(':') || reader_.IsSign('$') || reader_.IsSign('&')) {
+    reader_.Advance();
+    if (!reader_.Is(TokenKind::Word) && !reader_.Is(TokenKind::Number)) reader_.FailExpected(text::AParameterName);
+    reader_.Advance();
+  } else {
+    reader_.FailExpected(text::AnExpression);
+  }
+  return Make(ExpressionKind::Literal, start);
+}
+
+// INTERVAL '1' DAY, INTERVAL '1' YEAR TO MONTH.
+Expression* ExpressionParser::ParseInterval() {
+  const std::size_t start = reader_.Offset();
+  reader_.Advance();
+  reader_.Advance();
+  const auto isUnit = [&] { return reader_.Is(TokenKind::Word) && reader_.Current().keyword == Keyword::None; };
+  if (isUnit()) {
+    reader_.Advance();
+    if (reader_.Take(Keyword::To) && isUnit()) reader_.Advance();
+  }
+  return Make(ExpressionKind::Literal, start);
+}
+
+// ( expression ), ( a, b ) or ( SELECT ... ). Parentheses that begin together are read in a loop, from the inside: each
+// is the first operand of what the next one holds.
+Expression* ExpressionParser::ParseParentheses() {
+  const auto isQuery = [this] {
+    const Keyword next = reader_.Peek().keyword;
+    return next == Keyword::Select || next == Keyword::With;
+  };
+  if (isQuery()) return ParseSubquery(reader_.Offset());
+  const std::size_t outside = open_.size();
+  for (; reader_.IsSign('(') && !isQuery(); reader_.Advance()) {
+    RequireDepth(++depth_ > kDeepest, kDeepest);
+    open_.push_back(reader_.Offset());
+  }
+  Expression* inside = nullptr;
+  while (open_.size() > outside) {
+    const std::size_t start = open_.back();
+    open_.pop_back();
+    inside = ParseInParentheses(start, inside);
+    begunAt_ = start;
+    --depth_;
+  }
+  return inside;
+}
+
+// Behind the "(" that stands at `start`, or behind the operand that is read already.
+Expression* ExpressionParser::ParseInParentheses(std::size_t start, Expression* begun) {
+  Expression* result = Make(ExpressionKind::Row, start);
+  if (!begun && reader_.TakeSign(')')) return Close(result, start);
+  List operands(result->first);
+  begun_ = begun;
+  operands.Append(ParseExpression());
+  if (!reader_.IsSign(',')) result->kind = ExpressionKind::Parentheses;
+  while (reader_.TakeSign(',')) operands.Append(ParseExpression());
+  if (!reader_.TakeSign(')')) reader_.FailExpected(text::OperatorOrClosing);
+  return Close(result, start);
+}
+
+// On the "(" before SELECT.
+Expression* ExpressionParser::ParseSubquery(std::size_t start) {
+  reader_.ExpectSign('(');
+  if (!reader_.Is(Keyword::Select) && !reader_.Is(Keyword::With)) reader_.FailExpected("SELECT");
+  reader_.SkipTo(')');
+  reader_.Advance();
+  return Make(ExpressionKind::Subquery, start);
+}
+
+Expression* ExpressionParser::ParseCase() {
+  const std::size_t start = reader_.Offset();
+  reader_.Advance();
+  Expression* result = Make(ExpressionKind::Case, start);
+  List pieces(result->first);
+  const auto takeWord = [&](Keyword word) {
+    const std::size_t place = reader_.Offset();
+    if (!reader_.Take(word)) return false;
+    pieces.Append(Make(ExpressionKind::Sign, place));
+    pieces.Append(ParseExpression());
+    return true;
+  };
+  if (!reader_.Is(Keyword::When)) pieces.Append(ParseExpression());
+  if (!reader_.Is(Keyword::When)) reader_.FailExpected("WHEN");
+  while (takeWord(Keyword::When)) {
+    if (!takeWord(Keyword::Then)) reader_.FailExpected("THEN");
+  }
+  takeWord(Keyword::Else);
+  reader_.Expect(Keyword::End);
+  return Close(result, start);
+}
+
+// --- Names ---
+
+// A keyword before a "." is a name; "#" alone is none, for it may be half of a date.
+bool ExpressionParser::IsNamePart() const {
+  if (reader_.Is(TokenKind::QuotedIdentifier)) return true;
+  if (!reader_.Is(TokenKind::Word)) return false;
+  if (reader_.CurrentText() == "#") return false;
+  return !IsReserved(reader_.Current().keyword) || reader_.NextIsSign('.');
+}
+
+std::string_view ExpressionParser::ParseName(TextId what) {
+  const std::size_t start = reader_.Offset();
+  if (!IsNamePart()) reader_.FailExpected(what);
+  reader_.Advance();
+  while (reader_.IsSign('.') || reader_.IsSign('!')) {
+    reader_.Advance();
+    if (reader_.IsSign('.')) continue;  // a part may be left out: database..table
+    if (!reader_.Is(TokenKind::Word) && !reader_.Is(TokenKind::QuotedIdentifier)) reader_.FailExpected(what);
+    reader_.Advance();
+  }
+  return reader_.TextFrom(start);
+}
+
+// A column, "t.*" or a call.
+Expression* ExpressionParser::ParseNamed() {
+  const std::size_t start = reader_.Offset();
+  const Keyword keyword = reader_.Current().keyword;
+  const bool isCall = (keyword == Keyword::Left || keyword == Keyword::Right) && reader_.NextIsSign('(');
+  if (!IsNamePart() && !isCall) reader_.FailExpected(text::AnExpression);
+  std::size_t part = start;
+  reader_.Advance();
+  while (reader_.IsSign('.') || reader_.IsSign('!')) {
+    reader_.Advance();
+    part = reader_.Offset();
+    if (reader_.IsSign('.')) continue;
+    if (reader_.TakeSign('*')) {
+      Expression* star = Make(ExpressionKind::Star, start);
+      star->name = reader_.TextFrom(part);
+      return star;
+    }
+    if (!reader_.Is(TokenKind::Word) && !reader_.Is(TokenKind::QuotedIdentifier)) reader_.FailExpected(text::AColumn);
+    reader_.Advance();
+  }
+  const std::string_view name = reader_.TextFrom(part);
+  if (reader_.IsSign('(')) {
+    if (!reader_.NextIsSign('+')) return ParseCall(start, reader_.TextFrom(start));
+    const TokenReader before = reader_;
+    Expression* column = Make(ExpressionKind::Column, start);
+    column->name = name;
+    reader_.Advance();
+    reader_.Advance();
+    if (reader_.TakeSign(')')) {
+      column->optional = true;
+      return column;
+    }
+    reader_ = before;
+    return ParseCall(start, reader_.TextFrom(start));
+  }
+  Expression* column = Make(ExpressionKind::Column, start);
+  column->name = name;
+  return column;
+}
+
+// On the "(" behind the name.
+Expression* ExpressionParser::ParseCall(std::size_t start, std::string_view name) {
+  const Keyword inside = reader_.Peek().keyword;
+  if (inside == Keyword::Select || inside == Keyword::With) return ParseSubquery(start);
+  reader_.Advance();
+  Expression* call = Make(ExpressionKind::Call, start);
+  call->name = name;
+  call->negated = reader_.Take(Keyword::Distinct);
+  if (!call->negated && reader_.Is(Keyword::All) && !reader_.NextIsSign(',') && !reader_.NextIsSign(')'))
+    reader_.Advance();
+  List arguments(call->first);
+  if (!reader_.IsSign(')')) {
+    do {
+      arguments.Append(ParseArgument());
+    } while (reader_.TakeSign(','));
+  }
+  if (!reader_.TakeSign(')')) reader_.FailExpected(text::OperatorCommaOrClosing);
+  return Close(call, start);
+}
+
+// An expression; what a keyword adds to it (CAST(a AS type), EXTRACT(YEAR FROM d)) is passed on as it stands.
+Expression* ExpressionParser::ParseArgument() {
+  const std::size_t start = reader_.Offset();
+  if (reader_.TakeSign('*')) return Make(ExpressionKind::Star, start);
+  const bool trims = reader_.Is(TokenKind::Word) && reader_.Current().keyword == Keyword::None &&
+                     std::ranges::any_of(kTrimWords, [&](std::string_view word) { return reader_.IsWord(word); });
+  if (trims) {
+    reader_.SkipTo(')');
+    return Make(ExpressionKind::Opaque, start);
+  }
+  Expression* first = ParseExpression();
+  const bool hasMore =
+      reader_.Is(TokenKind::Word) && (reader_.Current().keyword != Keyword::None || reader_.IsWord("SEPARATOR"));
+  if (!hasMore) return first;
+  const std::size_t rest = reader_.Offset();
+  reader_.SkipTo(')');
+  first->next = Make(ExpressionKind::Opaque, rest);
+  return Make(ExpressionKind::Chain, start, first);
+}
+
+Expression* ExpressionParser::ParseSelected() {
+  const std::size_t start = reader_.Offset();
+  if (!reader_.TakeSign('*')) return ParseExpression();
+  Expression* star = Make(ExpressionKind::Star, start);
+  star->name = star->text;
+  return star;
+}
+
+}  // namespace zrqrybld

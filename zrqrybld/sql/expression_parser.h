@@ -1,0 +1,73 @@
+// The expressions of a SELECT statement, read by recursive descent. Chains of AND, OR and arithmetic are read in loops,
+// so that only what is nested in parentheses, calls and CASE costs depth.
+#pragma once
+
+#include <vector>
+
+#include "zrqrybld/base/phrase.h"
+#include "zrqrybld/sql/select_statement.h"
+#include "zrqrybld/sql/token_reader.h"
+
+namespace zrqrybld {
+
+class ExpressionParser {
+ public:
+  /// How deep expressions may be nested. Parentheses that begin together cost no stack; of everything else so many
+  /// levels fit into a thread with 512 kB.
+  static constexpr int kDeepest = 1000;
+  static constexpr int kDeepestCalls = 250;
+
+  ExpressionParser(TokenReader& reader, SyntaxArena& arena) : reader_(reader), arena_(arena) {}
+
+  /// A whole expression: conditions joined by OR. SyntaxError with the place otherwise; so do the others.
+  Expression* ParseExpression();
+  /// "*", "t.*" or an expression.
+  Expression* ParseSelected();
+  /// A name with its dots, and nothing else.
+  std::string_view ParseName(TextId what);
+  /// Whether the current token can be a name by itself.
+  bool IsNamePart() const;
+
+ private:
+  class Level;
+
+  Expression* Make(ExpressionKind kind, std::size_t start, Expression* first = nullptr);
+  void RequireDepth(bool tooDeep, int levels) const;
+  // Where the expression begins that is read next.
+  std::size_t Start() const { return begun_ ? begunAt_ : reader_.Offset(); }
+  Expression* Close(Expression* expression, std::size_t start);
+
+  Expression* ParseAnd();
+  Expression* ParseNot();
+  Expression* ParsePredicate();
+  Expression* ParseComparison(Expression* left, std::size_t start);
+  Expression* ParseIs(Expression* left, std::size_t start);
+  Expression* ParseWordOperator(Expression* left, std::size_t start, bool negated);
+  Expression* ParseLimitNumber();
+  Expression* ParseChain();
+  Expression* ParsePostfix();
+  Expression* ParseOperand();
+  Expression* ParseParentheses();
+  Expression* ParseInParentheses(std::size_t start, Expression* begun);
+  Expression* ParseNamed();
+  Expression* ParseCall(std::size_t start, std::string_view name);
+  Expression* ParseArgument();
+  Expression* ParseCase();
+  Expression* ParseLiteral();
+  Expression* ParseInterval();
+  Expression* ParseSubquery(std::size_t start);
+  bool IsComparisonSign() const;
+  bool IsChainSign() const;
+  bool IsWordOperator() const;
+  bool IsTypedLiteral() const;
+
+  TokenReader& reader_;
+  SyntaxArena& arena_;
+  int depth_ = 0;
+  int calls_ = 0;
+  std::vector<std::size_t> open_;  // where the parentheses begin that are open in loops
+  Expression* begun_ = nullptr;    // the operand that the next expression begins with, read already
+  std::size_t begunAt_ = 0;
+};
+
+}  // namespace zrqrybld

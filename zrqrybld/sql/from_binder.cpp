@@ -1,0 +1,379 @@
+#include "zrqrybld/sql/from_binder.h"
+
+#include <algorithm>
+
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/base/texts_sql.h"
+#include "zrqrybld/sql/join_list.h"
+
+namespace zrqrybld {
+namespace {
+
+bool SharesColumns(const FromItem& item) {
+  for (const JoinStep* step = item.joins; step; step = step->next) {
+    if (step->natural || step->columns || SharesColumns(*step->right)) return true;
+  }
+  return false;
+}
+
+bool IsOuter(JoinWord word) { return word != JoinWord::Inner && word != JoinWord::Cross; }
+
+bool HasOuterJoin(const FromItem& item) {
+  for (const JoinStep* step = item.joins; step; step = step->next) {
+    if (IsOuter(step->word) || HasOuterJoin(*step->right)) return true;
+  }
+  return false;
+}
+
+// Calls `visit` for each term of a condition whose terms are joined by AND, inside parentheses too.
+template <class Visit>
+void ForEachTerm(const Expression* condition, const Visit& visit) {
+  std::vector<const Expression*> pending{condition};
+  while (!pending.empty()) {
+    const Expression* term = StripParentheses(pending.back());
+    pending.pop_back();
+    if (term->kind != ExpressionKind::And) {
+      visit(*term);
+      continue;
+    }
+    const std::size_t first = pending.size();
+    for (const Expression* e = term->first; e; e = e->next) pending.push_back(e);
+    std::reverse(pending.begin() + static_cast<std::ptrdiff_t>(first), pending.end());
+  }
+}
+
+bool IsEquality(std::string_view sign) { return sign == "=" || sign == "==" || sign == "*=" || sign == "=*"; }
+
+// Both sides are columns; `sign` is any that joins tables.
+bool ComparesColumns(const Expression& e) {
+  return e.kind == ExpressionKind::Comparison && !e.negated && IsEquality(e.name) &&
+         StripParentheses(e.first)->kind == ExpressionKind::Column &&
+         StripParentheses(e.first->next)->kind == ExpressionKind::Column;
+}
+
+bool IsMark(const Expression& e) {
+  return (e.kind == ExpressionKind::Column && e.optional) ||
+         (e.kind == ExpressionKind::Comparison && (e.name == "*=" || e.name == "=*"));
+}
+
+bool HasMark(const Expression& e) {
+  if (IsMark(e)) return true;
+  for (const Expression* child = e.first; child; child = child->next) {
+    if (HasMark(*child)) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+const Expression* StripParentheses(const Expression* expression) {
+  while (expression->kind == ExpressionKind::Parentheses) expression = expression->first;
+  return expression;
+}
+
+// --- Tables ---
+
+namespace {
+
+void CollectTables(const FromItem& item, std::vector<const FromItem*>& tables) {
+  tables.push_back(&item);
+  for (const JoinStep* step = item.joins; step; step = step->next) CollectTables(*step->right, tables);
+}
+
+}  // namespace
+
+std::vector<const FromItem*> TablesOf(const SelectStatement& statement) {
+  std::vector<const FromItem*> tables;
+  for (const FromItem* item = statement.from; item; item = item->next) CollectTables(*item, tables);
+  return tables;
+}
+
+void AddTables(const SelectStatement& statement, NameScope& scope) {
+  for (const FromItem* item : TablesOf(statement)) scope.AddTable(*item);
+}
+
+// --- FROM ---
+
+BoundFrom FromBinder::Bind(bool joinsFromWhere) {
+  for (const FromItem* item = statement_.from; item; item = item->next) {
+    sharesColumns_ |= SharesColumns(*item);
+    hasOuterJoin_ |= HasOuterJoin(*item);
+  }
+  forms_.emplace(hasOuterJoin_ ? scope_.Tables().size() : 0);
+  std::optional<JoinForms::Form> all;
+  std::size_t number = 0;
+  for (const FromItem* item = statement_.from; item; item = item->next) {
+    const Side side = BindItem(*item);
+    itemOf_.resize(side.end, number++);
+    if (hasOuterJoin_) all = all ? forms_->Inner(*all, side.form, {}) : side.form;
+    bound_.columns.insert(bound_.columns.end(), side.columns.begin(), side.columns.end());
+  }
+  for (const Residual& residual : residuals_) {
+    if (residual.blocked) {
+      scope_.Refuse(residual.condition->text, text::ConditionInOuterJoin);
+    }
+    bound_.conditions.push_back(residual.condition);
+  }
+  BindWhere(joinsFromWhere);
+  RefuseMarksOutsideWhere();
+  if (hasMarks_) {
+    FinishMarks();
+  } else if (all) {
+    forms_->Filter(*all, whereJoins_);
+    bound_.meaning = forms_->Text(*all);
+  }
+  return std::move(bound_);
+}
+
+FromBinder::Side FromBinder::BindItem(const FromItem& item) {
+  const std::size_t table = nextTable_++;
+  Side side{table, table, table + 1, {}};
+  if (sharesColumns_) {
+    for (std::string& column : scope_.Source().Columns(table)) side.columns.push_back({table, std::move(column)});
+  }
+  const std::size_t firstResidual = residuals_.size();
+  for (const JoinStep* step = item.joins; step; step = step->next) BindStep(side, *step, firstResidual);
+  return side;
+}
+
+void FromBinder::BindStep(Side& left, const JoinStep& step, std::size_t firstResidual) {
+  const std::size_t rightResidual = residuals_.size();
+  const Side right = BindItem(*step.right);
+  const auto block = [&](std::size_t from, std::size_t to) {
+    for (std::size_t i = from; i < to; ++i) residuals_[i].blocked = true;
+  };
+  const std::vector<JoinPair> pairs = PairsOf(left, right, step);
+  const bool allOfLeft = step.word == JoinWord::Left || step.word == JoinWord::Full;
+  const bool allOfRight = step.word == JoinWord::Right || step.word == JoinWord::Full;
+  if (allOfLeft) block(rightResidual, residuals_.size());
+  if (allOfRight) block(firstResidual, rightResidual);
+  if ((allOfLeft || allOfRight) && bound_.firstOuter.empty()) bound_.firstOuter = step.place;
+  if (sharesColumns_) JoinColumns(left, right, step.on ? std::vector<JoinPair>() : pairs, step.word == JoinWord::Right);
+  for (const JoinPair& pair : pairs) {
+    const bool isSwapped = right.Holds(pair.left);
+    AddJoin(pair, isSwapped ? allOfRight : allOfLeft, isSwapped ? allOfLeft : allOfRight);
+  }
+  left.end = right.end;
+  if (!hasOuterJoin_) return;
+  switch (step.word) {
+    case JoinWord::Inner:
+    case JoinWord::Cross:
+      left.form = forms_->Inner(left.form, right.form, pairs);
+      break;
+    case JoinWord::Left:
+      left.form = forms_->Left(left.form, right.form, pairs);
+      break;
+    case JoinWord::Right:
+      left.form = forms_->Left(right.form, left.form, pairs);
+      break;
+    case JoinWord::Full:
+      left.form = forms_->Full(left.form, right.form, pairs);
+      bound_.hasFull = true;
+      break;
+  }
+}
+
+// The pairs of columns of ON, USING or NATURAL. What else ON says is kept for WHERE; it has no place there when the
+// join keeps rows without a partner.
+std::vector<JoinPair> FromBinder::PairsOf(const Side& left, const Side& right, const JoinStep& step) {
+  std::vector<JoinPair> pairs;
+  if (step.natural || step.columns) AddSharedColumns(pairs, left, right, step);
+  const bool isInner = !IsOuter(step.word);
+  if (step.on) {
+    ForEachTerm(step.on, [&](const Expression& term) {
+      if (HasMark(term)) scope_.Refuse(term.text, text::MarkInOn);
+      std::optional<JoinPair> pair = PairOf(term);
+      const auto isInside = [&](std::size_t table) { return left.Holds(table) || right.Holds(table); };
+      if (pair && (!isInside(pair->left) || !isInside(pair->right))) {
+        scope_.Refuse(term.text, text::NotJoinedHere);
+      }
+      const bool linksSides = pair && left.Holds(pair->left) != left.Holds(pair->right);
+      if (pair && (isInner || linksSides)) {
+        pairs.push_back(std::move(*pair));
+      } else if (isInner) {
+        RequireClearNames(term);
+        residuals_.push_back({&term, false});
+      } else {
+        scope_.Refuse(term.text, text::OnlyColumnPairs);
+      }
+    });
+  }
+  if (pairs.empty() && !isInner) scope_.Refuse(step.place, text::OuterNeedsColumns);
+  return pairs;
+}
+
+// A name that only one of the tables joined here has may be one of several in WHERE.
+void FromBinder::RequireClearNames(const Expression& expression) const {
+  if (expression.kind == ExpressionKind::Column && expression.Qualifier().empty()) scope_.Find(expression);
+  for (const Expression* child = expression.first; child; child = child->next) RequireClearNames(*child);
+}
+
+// The one table of a side that has the column; what USING has joined before counts as one.
+std::optional<BoundColumn> FromBinder::ColumnIn(const Side& side, const std::string& name, std::string_view place) {
+  if (const BoundColumn* unified = scope_.FindUnified(name); unified && side.Holds(unified->table)) return *unified;
+  std::optional<BoundColumn> found;
+  for (std::size_t table = side.first; table < side.end; ++table) {
+    if (!scope_.Source().KnowsColumns(table)) scope_.Refuse(place, text::JoinedColumnsUnknown);
+    std::optional<std::string> column = scope_.Source().FindColumn(table, name);
+    if (!column) continue;
+    if (found) scope_.Refuse(place, {text::SeveralHaveColumn, name});
+    found = BoundColumn{table, std::move(*column)};
+  }
+  return found;
+}
+
+std::vector<std::string> FromBinder::SharedColumns(const Side& left, const Side& right, const JoinStep& step) {
+  std::vector<std::string> names;
+  for (const NameItem* column = step.columns; column; column = column->next) names.push_back(PlainName(column->name));
+  if (!step.natural) return names;
+  for (std::size_t table = left.first; table < left.end; ++table) {
+    for (const std::string& column : scope_.Source().Columns(table)) {
+      const bool seen = std::ranges::any_of(names, [&](const std::string& name) { return EqualsNoCase(name, column); });
+      if (!seen && ColumnIn(right, column, step.place)) names.push_back(column);
+    }
+  }
+  return names;
+}
+
+void FromBinder::AddSharedColumns(std::vector<JoinPair>& pairs, const Side& left, const Side& right,
+                                  const JoinStep& step) {
+  for (const std::string& name : SharedColumns(left, right, step)) {
+    const std::optional<BoundColumn> a = ColumnIn(left, name, step.place);
+    const std::optional<BoundColumn> b = ColumnIn(right, name, step.place);
+    if (!a || !b) scope_.Refuse(step.place, {text::BothNeedColumn, name});
+    if (step.word == JoinWord::Full) scope_.Refuse(step.place, text::NoFullUsing);
+    pairs.push_back({a->table, a->column, b->table, b->column});
+    scope_.Unify(name, step.word == JoinWord::Right ? *b : *a);
+  }
+}
+
+// A shared column stands once, where its first table has it.
+void FromBinder::JoinColumns(Side& left, const Side& right, const std::vector<JoinPair>& shared, bool isRight) const {
+  for (const JoinPair& pair : shared) {
+    const BoundColumn joined{pair.left, pair.leftColumn};
+    if (isRight) std::ranges::replace(left.columns, joined, BoundColumn{pair.right, pair.rightColumn});
+  }
+  for (const BoundColumn& column : right.columns) {
+    const bool isShared = std::ranges::any_of(shared, [&](const JoinPair& pair) {
+      return column == BoundColumn{pair.right, pair.rightColumn};
+    });
+    if (!isShared) left.columns.push_back(column);
+  }
+}
+
+// The columns of two tables that a term compares; none for every other condition.
+std::optional<JoinPair> FromBinder::PairOf(const Expression& condition) const {
+  if (!ComparesColumns(condition)) return std::nullopt;
+  const std::optional<BoundColumn> a = scope_.Find(*StripParentheses(condition.first));
+  const std::optional<BoundColumn> b = scope_.Find(*StripParentheses(condition.first->next));
+  if (!a || !b || a->table == b->table) return std::nullopt;
+  return JoinPair{a->table, a->column, b->table, b->column};
+}
+
+// The source is the table that stands first in FROM, whichever side of "=" it stands on.
+void FromBinder::AddJoin(const JoinPair& pair, bool allOfLeft, bool allOfRight) {
+  SnapshotJoin join;
+  const bool swap = pair.left > pair.right;
+  join.source = swap ? pair.right : pair.left;
+  join.target = swap ? pair.left : pair.right;
+  join.sourceColumn = Identifier(swap ? pair.rightColumn : pair.leftColumn);
+  join.targetColumn = Identifier(swap ? pair.leftColumn : pair.rightColumn);
+  const JoinKind fromLeft{.allOfTarget = allOfRight, .allOfSource = allOfLeft};
+  join.kind = swap ? fromLeft.Reversed() : fromLeft;
+  bound_.joins.push_back(std::move(join));
+  const bool isNew = known_.insert(bound_.joins.size() - 1).second;
+  if (!isNew) bound_.joins.pop_back();  // a condition that is said twice is one join
+}
+
+std::size_t FromBinder::HashJoin::operator()(std::size_t place) const {
+  const SnapshotJoin& join = (*joins)[place];
+  return HashColumnPair()({join.source, join.sourceColumn->Name(), join.target, join.targetColumn->Name()});
+}
+
+// --- WHERE ---
+
+// A comparison of columns is a join as a bare term, or in one pair of parentheses alone or with others: so the
+// generator writes joins. Criteria stand in two pairs.
+void FromBinder::BindWhere(bool joinsFromWhere) {
+  if (!statement_.where) return;
+  hasMarks_ = HasMark(*statement_.where);
+  bringIn_.resize(scope_.Tables().size());
+  const auto take = [&](const Expression* term) {
+    if (!IsWhereJoin(*term, joinsFromWhere)) return false;
+    bound_.whereHadJoins = true;
+    if (HasMark(*term)) {
+      AddMarkedJoin(*term);
+    } else {
+      const JoinPair pair = *PairOf(*term);
+      whereJoins_.push_back(pair);
+      AddJoin(pair, false, false);
+    }
+    return true;
+  };
+  const auto takeTerm = [&](const Expression* term) {
+    if (take(term)) return;
+    const Expression* inside = term->kind == ExpressionKind::Parentheses ? term->first : nullptr;
+    if (inside && inside->kind == ExpressionKind::And) {
+      const auto isJoin = [&](const Expression* e) { return IsWhereJoin(*e, joinsFromWhere); };
+      const Expression* e = inside->first;
+      while (e && !isJoin(e)) e = e->next;
+      if (e) {
+        for (e = inside->first; e; e = e->next) {
+          if (!take(e)) bound_.where.push_back(e);
+        }
+        return;
+      }
+    }
+    if (!inside || !take(inside)) bound_.where.push_back(term);
+  };
+  if (statement_.where->kind == ExpressionKind::And) {
+    for (const Expression* term = statement_.where->first; term; term = term->next) takeTerm(term);
+  } else {
+    takeTerm(statement_.where);
+  }
+  for (const Expression* term : bound_.where) RefuseMarks(*term);
+}
+
+bool FromBinder::IsWhereJoin(const Expression& condition, bool joinsFromWhere) const {
+  if (!ComparesColumns(condition)) return false;
+  if (HasMark(condition)) return true;
+  if (!joinsFromWhere) return false;
+  const std::optional<JoinPair> pair = PairOf(condition);
+  if (!pair) return false;
+  return dialect_.joins == Dialect::Joins::Conditions || itemOf_[pair->left] != itemOf_[pair->right];
+}
+
+// "*=" keeps all rows of the left table, "=*" those of the right; (+) marks the table whose rows may be missing.
+void FromBinder::AddMarkedJoin(const Expression& condition) {
+  const std::optional<JoinPair> pair = PairOf(condition);
+  if (!pair) scope_.Refuse(condition.text, text::MarkNeedsTwoTables);
+  const bool leftOptional = condition.name == "=*" || StripParentheses(condition.first)->optional;
+  const bool rightOptional = condition.name == "*=" || StripParentheses(condition.first->next)->optional;
+  if (leftOptional == rightOptional) scope_.Refuse(condition.text, text::OneSideMarked);
+  bringIn_[leftOptional ? pair->left : pair->right].push_back(*pair);
+  AddJoin(*pair, rightOptional, leftOptional);
+  if (bound_.firstOuter.empty()) bound_.firstOuter = condition.text;
+}
+
+// Marks belong to tables in a list.
+void FromBinder::FinishMarks() {
+  for (const FromItem* item = statement_.from; item; item = item->next) {
+    if (item->joins) scope_.Refuse(item->joins->place, text::JoinAndMarks);
+  }
+  forms_.emplace(scope_.Tables().size());
+  bound_.meaning = forms_->MeaningOfMarks(bringIn_, whereJoins_);
+}
+
+void FromBinder::RefuseMarksOutsideWhere() const {
+  for (const SelectItem* item = statement_.items; item; item = item->next) RefuseMarks(*item->expression);
+  for (const OrderItem* item = statement_.groupBy; item; item = item->next) RefuseMarks(*item->expression);
+  if (statement_.having) RefuseMarks(*statement_.having);
+  for (const OrderItem* item = statement_.orderBy; item; item = item->next) RefuseMarks(*item->expression);
+}
+
+void FromBinder::RefuseMarks(const Expression& expression) const {
+  if (IsMark(expression)) scope_.Refuse(expression.text, text::MarkMisplaced);
+  for (const Expression* child = expression.first; child; child = child->next) RefuseMarks(*child);
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,393 @@
+#include "zrqrybld/sql/generator.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/base/texts_sql.h"
+#include "zrqrybld/sql/criteria_formatter.h"
+#include "zrqrybld/sql/keywords.h"
+#include "zrqrybld/sql/lexer.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr std::string_view kField = "@field";
+constexpr std::string_view kItem = "\r\n\t";
+constexpr std::string_view kAnd = " AND \r\n\t\t";
+
+// Replacing "@field" in expressions that themselves hold "@field" can double the text with every row.
+constexpr std::size_t kLongestSelectList = 64u << 20;
+
+// Blank lines go where lines are put together. What is a blank line in a literal, a name or a comment belongs to that.
+std::string WithoutBlankLines(std::string text) {
+  constexpr std::string_view kBlankLine = "\r\n\r\n";
+  constexpr std::string_view kLineEnd = "\r\n";
+  if (text.find(kBlankLine) == std::string::npos) return text;
+  const std::string_view whole = text;
+  std::string result;
+  std::size_t done = 0;
+  Lexer lexer(whole);
+  for (Token token; lexer.Next(token) && !token.unfinished;) {
+    result += ReplaceAll(whole.substr(done, token.offset - done), kBlankLine, kLineEnd);
+    result += whole.substr(token.offset, token.length);
+    done = token.offset + token.length;
+  }
+  return result + ReplaceAll(whole.substr(done), kBlankLine, kLineEnd);
+}
+
+class Generator {
+ public:
+  Generator(const QuerySnapshot& query, const Dialect& dialect)
+      : query_(query), dialect_(dialect), context_(query.criteria) {
+    context_.quotePrefix = query.names.quotePrefix;
+    tableTerms_.reserve(query.tables.size());
+    for (const SnapshotTable& table : query.tables) {
+      // Without AS before it, an alias that is any keyword would be taken for one.
+      const std::string& caption = table.caption.Name();
+      const bool isWord = IsSqlKeyword(caption) || BeginsTableClause(caption);
+      const bool bare = table.aliased && dialect.aliasStandsBare && isWord;
+      tableTerms_.push_back((bare ? Quote(table.caption, query.names) : TableTerm(table, query.names)).Text());
+    }
+  }
+
+  GeneratedSql Run(const ExtraConditions& extra) {
+    result_.from = PlaceTables(query_);
+    if (dialect_.joins == Dialect::Joins::Clauses) {
+      WriteJoinClauses();
+    } else {
+      WriteTableList();
+      WriteJoinConditions();
+    }
+    WriteSelectList();
+    WriteOrderBy();
+    WriteCriteria();
+    WriteGroupBy();
+    WriteLimit();
+    WriteExtraCondition(" AND ", extra.andExpression);
+    WriteExtraCondition(" OR ", extra.orExpression);
+    if (!MissesFullJoin()) result_.text = Assemble();
+    return std::move(result_);
+  }
+
+ private:
+  // --- Names ---
+
+  // What stands in FROM.
+  std::string FromTerm(std::size_t index) const {
+    const SnapshotTable& table = query_.tables[index];
+    if (!table.aliased) return tableTerms_[index];
+    return RenderQualified(table.name, query_.names).Text() + std::string(dialect_.tableAlias) + tableTerms_[index];
+  }
+
+  std::string FieldTerm(std::size_t table, std::string_view column) const {
+    return tableTerms_[table] + "." + QuoteWhenNeeded(Identifier(std::string(column)), query_.names).Text();
+  }
+
+  // A row's column by its qualified name; an expression row as it was typed.
+  std::string FieldTerm(const SnapshotRow& row) const {
+    return row.table ? FieldTerm(*row.table, row.column) : row.column;
+  }
+
+  // What replaces "@field" in a row's template.
+  std::string TemplateOperand(const SnapshotRow& row) const {
+    return row.table && row.column == "*" && row.grouping.kind != GroupingKind::None ? "*" : FieldTerm(row);
+  }
+
+  std::string_view TemplateOf(const SnapshotRow& row) const {
+    return row.grouping.HasSyntax() ? std::string_view(row.grouping.syntax) : kField;
+  }
+
+  // The row's term in the select list, without its alias.
+  std::string SelectTerm(const SnapshotRow& row) const {
+    return ReplaceNoCase(TemplateOf(row), kField, TemplateOperand(row));
+  }
+
+  // --- FROM and joins ---
+
+  void WriteTableList() {
+    for (std::size_t table = 0; table < query_.tables.size(); ++table) {
+      if (!from_.empty()) from_ += dialect_.fromSeparator;
+      from_ += "\r\n";
+      from_ += FromTerm(table);
+    }
+  }
+
+  void WriteJoinConditions() {
+    for (const FromEntry& entry : result_.from) {
+      if (entry.conditions.empty()) {
+        NoteUnjoined(entry);
+        continue;
+      }
+      joinConditions_ += joinConditions_.empty() ? "" : " AND ";
+      joinConditions_ += kItem;
+      if (joinConditions_.size() == kItem.size()) joinConditions_ += '(';
+      AppendConditions(joinConditions_, entry, " AND ");
+    }
+    if (!joinConditions_.empty()) joinConditions_ += ')';
+  }
+
+  void WriteJoinClauses() {
+    for (const FromEntry& entry : result_.from) {
+      if (entry.conditions.empty()) {
+        NoteUnjoined(entry);
+        WriteUnjoinedTable(entry);
+        continue;
+      }
+      from_ += kItem;
+      from_ += dialect_.joinWords[entry.conditions.front().type];
+      from_ += "JOIN ";
+      from_ += FromTerm(entry.table);
+      from_ += " ON ";
+      AppendConditions(from_, entry, kAnd);
+      const bool last = &entry == &result_.from.back();
+      if (dialect_.fromParentheses == Dialect::FromParentheses::Nested && !last) from_ += ')';
+    }
+    if (dialect_.fromParentheses == Dialect::FromParentheses::Whole && !from_.empty()) from_ += dialect_.close;
+  }
+
+  void NoteUnjoined(const FromEntry& entry) {
+    if (&entry != &result_.from.front()) result_.cartesian = true;
+  }
+
+  // Every table without a condition opens the parentheses anew, not only the first.
+  void WriteUnjoinedTable(const FromEntry& entry) {
+    const bool first = from_.empty();
+    const std::size_t count = result_.from.size();
+    if (!first) from_ += dialect_.fromSeparator;
+    from_ += kItem;
+    if (first && dialect_.fromParentheses == Dialect::FromParentheses::Whole) from_ += dialect_.open;
+    if (dialect_.fromParentheses == Dialect::FromParentheses::Nested && count > 2) from_.append(count - 2, '(');
+    from_ += FromTerm(entry.table);
+  }
+
+  void AppendConditions(std::string& text, const FromEntry& entry, std::string_view separator) const {
+    for (const FromCondition& condition : entry.conditions) {
+      if (&condition != &entry.conditions.front()) text += separator;
+      text += FieldTerm(entry.table, condition.leftColumn);
+      text += dialect_.comparison[condition.type];
+      text += FieldTerm(condition.right, condition.rightColumn);
+      text += dialect_.afterCondition[condition.type];
+    }
+  }
+
+  // --- SELECT, ORDER BY, GROUP BY ---
+
+  // Each row's term replaces every "@field" in the whole text so far. What holds none any more is finished and never
+  // looked at again, so the work grows with the text, not with rows times text. A name is no template, even when a
+  // table is called "@field".
+  void WriteSelectList() {
+    std::string pending;
+    bool first = true;
+    for (const SnapshotRow& row : query_.rows) {
+      if (row.column.empty() || !row.output) continue;
+      if (!first) pending += dialect_.selectSeparator;
+      first = false;
+      pending += kItem;
+      pending += TemplateOf(row);
+      pending = Filled(pending, TemplateOperand(row));
+      if (row.table) select_ += std::exchange(pending, {});
+      if (!row.alias.Empty() && !IsAllColumns(row)) {
+        pending += " AS ";
+        pending += QuoteWhenNeeded(row.alias, query_.names).Text();
+      }
+      const std::size_t unfinished = std::min(FindNoCase(pending, kField), pending.size());
+      select_.append(pending, 0, unfinished);
+      pending.erase(0, unfinished);
+    }
+    select_ += pending;
+  }
+
+  std::string Filled(const std::string& text, const std::string& operand) const {
+    std::size_t size = select_.size() + text.size();
+    for (std::size_t at = FindNoCase(text, kField); at < text.size();
+         at = FindNoCase(text, kField, at + kField.size())) {
+      size += operand.size();
+    }
+    if (size > kLongestSelectList) {
+      throw Error(ErrorParsingText, text::SelectListGrows);
+    }
+    return ReplaceNoCase(text, kField, operand);
+  }
+
+  void WriteOrderBy() {
+    for (const SnapshotRow* row : SortedRows(query_)) {
+      order_ += order_.empty() ? "\r\nORDER BY " : ", ";
+      order_ += kItem;
+      order_ += row->grouping.kind == GroupingKind::None ? FieldTerm(*row) : SelectTerm(*row);
+      if (row->sort.direction == SortDirection::Descending) order_ += " DESC";
+    }
+  }
+
+  void WriteGroupBy() {
+    if (!query_.groupByMode) return;
+    for (const SnapshotRow& row : query_.rows) {
+      if (row.column.empty() || row.grouping.kind != GroupingKind::GroupBy) continue;
+      group_ += group_.empty() ? "\r\nGROUP BY " : ", ";
+      group_ += kItem;
+      group_ += FieldTerm(row);
+    }
+  }
+
+  // --- WHERE and HAVING ---
+
+  // The cells of one column are joined by AND, the columns by OR.
+  void WriteCriteria() {
+    std::size_t columns = 0;
+    for (const SnapshotRow& row : query_.rows) columns = std::max(columns, row.criteria.size());
+    for (std::size_t column = 0; column < columns; ++column) {
+      std::string where;
+      std::string having;
+      for (const SnapshotRow& row : query_.rows) {
+        if (row.column.empty() || column >= row.criteria.size()) continue;
+        const std::string condition = ConditionOf(row, row.criteria[column]);
+        if (condition.empty()) continue;  // a blank cell, or one with nothing but a comment
+        std::string& group = row.grouping.ChoosesGroups() ? having : where;
+        if (!group.empty()) group += kAnd;
+        group += dialect_.open;
+        group += condition;
+        group += dialect_.close;
+      }
+      if (!having.empty()) {
+        having_ += having_.empty() ? "\r\nHAVING " : " OR ";
+        AppendGroup(having_, having);
+      }
+      if (!where.empty()) {
+        where_ += !where_.empty() ? std::string_view(" OR ") : WordBeforeCriteria();
+        AppendGroup(where_, where);
+      }
+    }
+    if (!where_.empty() && !joinConditions_.empty()) where_ += ')';
+  }
+
+  // Beside join conditions the criteria stand in parentheses of their own.
+  std::string_view WordBeforeCriteria() const {
+    if (dialect_.joins == Dialect::Joins::Clauses) return "\r\nWHERE ";
+    return joinConditions_.empty() ? "WHERE " : " AND (";
+  }
+
+  void AppendGroup(std::string& text, const std::string& group) const {
+    text += kItem;
+    text += dialect_.open;
+    text += group;
+    text += dialect_.close;
+  }
+
+  std::string ConditionOf(const SnapshotRow& row, const std::string& cell) {
+    if (!row.table) {
+      // A condition that was typed as an expression is true or false by itself.
+      if (EndsWithNoCase(cell, "TRUE")) return std::string(Trim(row.column));
+      if (EndsWithNoCase(cell, "FALSE")) return "NOT " + std::string(Trim(row.column));
+    }
+    const std::string field = row.grouping.HasSyntax() ? SelectTerm(row) : FieldTerm(row);
+    try {
+      return FormatCondition(field, cell, ContextOf(row));
+    } catch (const Error& error) {
+      // Not a text that can be read: it stays as it was typed, for the statement must not lose it.
+      result_.unreadable.push_back({static_cast<std::size_t>(&row - query_.rows.data()), cell, error.What()});
+      return field + " " + cell;
+    }
+  }
+
+  const CriteriaContext& ContextOf(const SnapshotRow& row) {
+    context_.dataType = row.type.code;
+    context_.isLong = row.type.isLong;
+    context_.prefix = row.type.prefix;
+    context_.suffix = row.type.suffix;
+    context_.aggregate = row.grouping.syntax;
+    return context_;
+  }
+
+  static bool EndsWithNoCase(std::string_view text, std::string_view end) {
+    return text.size() >= end.size() && EqualsNoCase(text.substr(text.size() - end.size()), end);
+  }
+
+  // A join that the dialect has no word for makes no text: an inner one in its place would return other rows. In a list
+  // of tables the conditions are written all the same, as they always were.
+  bool MissesFullJoin() const {
+    if (dialect_.hasFullJoin || dialect_.joins != Dialect::Joins::Clauses) return false;
+    return std::ranges::any_of(result_.from, [](const FromEntry& entry) {
+      return !entry.conditions.empty() && entry.conditions.front().type == JoinAllOfBoth;
+    });
+  }
+
+  // --- Head and assembly ---
+
+  void WriteLimit() {
+    if (query_.distinct) head_ += "DISTINCT ";
+    const RowLimit& limit = dialect_.limit;
+    const bool percent = query_.top.ends_with('%');
+    const bool offset = query_.skip > 0 && !limit.offset.empty();
+    std::string_view form = query_.top.empty() ? std::string_view() : percent ? limit.percent : limit.rows;
+    if (offset) form = form.empty() || percent ? limit.offset : limit.rowsAndOffset;
+    if (form.empty()) return;
+    std::string text = ReplaceAll(form, "@n", Trim(query_.top.substr(0, query_.top.size() - (percent ? 1 : 0))));
+    text = ReplaceAll(text, "@m", std::to_string(query_.skip));
+    if (offset && limit.offsetNeedsOrder && order_.empty()) order_ = AnyOrder();
+    switch (offset ? RowLimit::Place::End : limit.place) {
+      case RowLimit::Place::Head:
+        head_ += text;
+        break;
+      case RowLimit::Place::Condition:
+        where_ += where_.empty() && joinConditions_.empty() ? "WHERE" : " AND ";
+        where_ += kItem;
+        where_ += text;
+        break;
+      case RowLimit::Place::From:
+        from_ += kItem;
+        from_ += text;
+        break;
+      case RowLimit::Place::End:
+        order_ += "\r\n" + text;
+        break;
+    }
+  }
+
+  // An ORDER BY that asks for no order. Beside DISTINCT only what is selected can be ordered by.
+  std::string AnyOrder() const {
+    return "\r\nORDER BY " + std::string(kItem) + (query_.distinct ? "1" : "(SELECT NULL)");
+  }
+
+  // The word stands even where no condition comes before it in a list of tables: the text is completed by whoever
+  // asked for the condition.
+  void WriteExtraCondition(std::string_view word, const std::string& expression) {
+    if (expression.empty()) return;
+    const bool begins = where_.empty() && dialect_.joins == Dialect::Joins::Clauses;
+    where_ += begins ? "\r\nWHERE " : word;
+    where_ += kItem;
+    where_ += expression;
+  }
+
+  std::string Assemble() const {
+    std::string text = "SELECT " + head_ + select_ + "\r\nFROM " + from_;
+    if (dialect_.joins == Dialect::Joins::Conditions) {
+      text += "\r\n";
+      if (!joinConditions_.empty()) text += "WHERE" + joinConditions_;
+    }
+    text += where_ + group_ + having_ + order_;
+    return WithoutBlankLines(std::move(text));
+  }
+
+  const QuerySnapshot& query_;
+  const Dialect& dialect_;
+  std::vector<std::string> tableTerms_;
+  CriteriaContext context_;  // of the criterion that is being written
+  GeneratedSql result_;
+  std::string head_;
+  std::string select_;
+  std::string from_;
+  std::string joinConditions_;
+  std::string where_;
+  std::string having_;
+  std::string group_;
+  std::string order_;
+};
+
+}  // namespace
+
+GeneratedSql GenerateSelect(const QuerySnapshot& query, const Dialect& dialect, const ExtraConditions& extra) {
+  return Generator(query, dialect).Run(extra);
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,43 @@
+// The generator: a designed query as SELECT text in one dialect.
+//
+// Pure: a snapshot goes in, text comes out. Lines end in CR LF; every item of a clause stands on a
+// line of its own, indented by one TAB.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "zrqrybld/base/phrase.h"
+#include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/join_list.h"
+#include "zrqrybld/sql/query_snapshot.h"
+
+namespace zrqrybld {
+
+/// A criterion that cannot be read; the statement holds it as it was typed.
+struct UnreadableCriterion {
+  std::size_t row;  ///< the position in `QuerySnapshot::rows`, from 0
+  std::string text;
+  Phrase reason;
+};
+
+struct GeneratedSql {
+  /// "" where the dialect cannot say what the query asks for; the remarks tell what that is.
+  std::string text;
+  /// Whether some table other than the first is joined to none before it.
+  bool cartesian = false;
+  /// The tables as they stand in FROM; valid as long as the query is.
+  std::vector<FromEntry> from;
+  std::vector<UnreadableCriterion> unreadable;
+};
+
+/// Conditions that are added to the statement as they stand, without parentheses.
+struct ExtraConditions {
+  std::string orExpression;
+  std::string andExpression;
+};
+
+/// Writes the statement. Takes time in the number of tables, joins and rows and the length of the text.
+GeneratedSql GenerateSelect(const QuerySnapshot& query, const Dialect& dialect, const ExtraConditions& extra = {});
+
+}  // namespace zrqrybld

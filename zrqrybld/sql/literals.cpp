@@ -1,0 +1,137 @@
+#include "zrqrybld/sql/literals.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/platform/schema_fields.h"
+#include "zrqrybld/sql/source_lexer.h"
+
+namespace zrqrybld {
+namespace {
+
+bool IsHex(char c) { return IsDigit(c) || (UpperAscii(c) >= 'A' && UpperAscii(c) <= 'F'); }
+
+bool IsDay(const CriteriaContext& context) {
+  return context.dataType == static_cast<std::int32_t>(DataTypeCode::Date) ||
+         context.dataType == static_cast<std::int32_t>(DataTypeCode::DbDate);
+}
+
+// Whether the format has a place for everything that the value has.
+bool Fits(const DateTime& value, std::string_view format) {
+  return value.hasDate && (!value.hasTime || FormatHasTime(format));
+}
+
+// The format by which the source itself reads the dates of this type, as in TO_DATE('...','format'); "" where it has
+// none.
+std::string_view SourceFormat(const CriteriaContext& context) {
+  const std::string_view suffix = context.suffix;
+  if (context.prefix.find('(') == std::string::npos || !suffix.starts_with("','") || !suffix.ends_with("')")) return {};
+  return suffix.substr(3, suffix.size() - 5);
+}
+
+// The dialect's own literal; none where it leaves that to the source.
+std::optional<std::string> DialectLiteral(const DateTime& value, const CriteriaContext& context) {
+  if (!context.dialect || context.dialect->values.date.empty()) return std::nullopt;
+  const ValueForms& forms = context.dialect->values;
+  if (!value.hasDate) return ReplaceAll(forms.time, "@", FormatDateTime(value, "hh:nn:ss"));
+  if (!value.hasTime) return ReplaceAll(forms.date, "@", FormatDateTime(value, "yyyy-mm-dd"));
+  return ReplaceAll(forms.timestamp, "@", FormatDateTime(value, "yyyy-mm-dd hh:nn:ss"));
+}
+
+// A part that was given is never dropped: what a form has no place for takes the one that has it.
+std::string EscapeSequence(const DateTime& value, const CriteriaContext& context) {
+  if (IsTimeOfDay(context) && !value.hasDate) return "{ t '" + FormatDateTime(value, "hh:nn:ss") + "' }";
+  if (IsDay(context) && !value.hasTime) return "{ d '" + FormatDateTime(value, "yyyy-mm-dd") + "' }";
+  return "{ ts '" + FormatDateTime(value, "yyyy-mm-dd hh:nn:ss") + "' }";
+}
+
+}  // namespace
+
+std::string TextLiteral(std::string_view value, const CriteriaContext& context, bool usualQuotes) {
+  const bool usual = usualQuotes || context.prefix.empty();
+  std::string prefix = usual ? "'" : context.prefix;
+  const bool escapes = value.find('\\') != std::string_view::npos && BackslashEscapes(prefix, context);
+  // Where the source has literals that mean the same in each of its modes, the text does not hang on the mode.
+  if (escapes && prefix == "'" && context.reading && context.reading->escapeLiterals) prefix = "E'";
+  // What begins with a quote ends with it; figures need no end.
+  const std::string closing = EqualsNoCase(prefix, "0x") ? "" : prefix.substr(prefix.size() - 1);
+  const std::string suffix = usual || context.suffix.empty() ? closing : context.suffix;
+  std::string text = prefix;
+  if (prefix.back() == '\'' || prefix.back() == '"') {
+    const std::string doubled = ReplaceAll(value, prefix.substr(prefix.size() - 1), std::string(2, prefix.back()));
+    text += escapes ? ReplaceAll(doubled, "\\", "\\\\") : doubled;
+  } else {
+    text += value;
+  }
+  return text + suffix;
+}
+
+bool BackslashEscapes(std::string_view prefix, const CriteriaContext& context) {
+  if (prefix.empty()) return false;
+  if (!context.reading) return context.dialect && context.dialect->values.backslashEscapes && prefix == "'";
+  SourceLexer lexer(prefix, *context.reading);
+  SourceToken token;
+  while (lexer.Next(token)) {
+    // The quote stands last.
+  }
+  return token.part == SourcePart::Text && token.escapes;
+}
+
+std::string DateText(const DateTime& value, const CriteriaContext& context) {
+  const std::string_view source = SourceFormat(context);
+  const std::string_view format = source.empty() ? context.dateFormat : source;
+  std::string text;
+  if (value.hasDate) text = FormatDateTime(value, format);
+  if (!Fits(value, format)) text += (text.empty() ? "" : " ") + FormatDateTime(value, "hh:nn:ss");
+  return text;
+}
+
+std::optional<std::string> DateLiteral(const DateTime& value, const CriteriaContext& context) {
+  if (context.dateFormatStyle == DateFormatEscapeSequence) return EscapeSequence(value, context);
+  if (std::optional<std::string> literal = DialectLiteral(value, context)) return literal;
+  const std::string_view format = SourceFormat(context);
+  if (!format.empty() && !Fits(value, format)) return std::nullopt;
+  CriteriaContext quoted = context;
+  if (quoted.prefix.empty() && quoted.dialect) quoted.prefix = quoted.suffix = quoted.dialect->values.dateQuote;
+  return TextLiteral(DateText(value, context), quoted);
+}
+
+std::optional<bool> TruthIn(std::string_view text, const CriteriaContext& context) {
+  struct Word {
+    std::string_view word;
+    bool truth;
+  };
+  constexpr Word kWords[] = {{"TRUE", true},   {"YES", true}, {"ON", true},
+                             {"FALSE", false}, {"NO", false}, {"OFF", false}};
+  const auto* found = std::ranges::find_if(kWords, [text](const Word& row) { return EqualsNoCase(row.word, text); });
+  if (found != std::end(kWords)) return found->truth;
+  if (!context.dialect) return std::nullopt;
+  const ValueForms& forms = context.dialect->values;
+  if (EqualsNoCase(text, forms.yes)) return true;
+  if (EqualsNoCase(text, forms.no)) return false;
+  return std::nullopt;
+}
+
+std::string TruthLiteral(bool truth, const CriteriaContext& context) {
+  const ValueForms& forms = context.dialect ? context.dialect->values : ValueForms{};
+  return std::string(truth ? forms.yes : forms.no);
+}
+
+bool IsTimeOfDay(const CriteriaContext& context) {
+  return context.dataType == static_cast<std::int32_t>(DataTypeCode::DbTime);
+}
+
+bool IsGuid(std::string_view text) {
+  if (text.starts_with('{') && text.ends_with('}')) text = text.substr(1, text.size() - 2);
+  if (text.size() != 36) return false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool dash = i == 8 || i == 13 || i == 18 || i == 23;
+    if (dash ? text[i] != '-' : !IsHex(text[i])) return false;
+  }
+  return true;
+}
+
+bool IsHexBytes(std::string_view text) { return text.size() % 2 == 0 && std::ranges::all_of(text, IsHex); }
+
+}  // namespace zrqrybld

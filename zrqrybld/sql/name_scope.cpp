@@ -1,0 +1,183 @@
+#include "zrqrybld/sql/name_scope.h"
+
+#include <algorithm>
+#include <array>
+
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/base/texts_sql.h"
+#include "zrqrybld/sql/lexer.h"
+#include "zrqrybld/sql/syntax_error.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr std::array<std::string_view, 11> kPseudoColumns = {
+    "CURRENT_DATE", "CURRENT_TIME", "CURRENT_TIMESTAMP", "CURRENT_USER", "LEVEL",       "ROWID",
+    "ROWNUM",       "SYSDATE",      "SYSTIMESTAMP",      "USER",         "SESSION_USER"};
+
+// A name that is written without quotes and without dots.
+bool IsOnePart(std::string_view written) {
+  const auto isPlain = [](char c) {
+    return IsDigit(c) || c == '_' || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+  };
+  return !written.empty() && !IsDigit(written.front()) && std::ranges::all_of(written, isPlain);
+}
+
+// The parts with "." between, as one name.
+std::string WholeName(const std::vector<Identifier>& parts) {
+  std::string name;
+  for (const Identifier& part : parts) name += (name.empty() ? "" : ".") + part.Name();
+  return name;
+}
+
+}  // namespace
+
+std::string PlainName(std::string_view written) {
+  if (written.size() < 2 || std::string_view("\"[`'").find(written.front()) == std::string_view::npos) {
+    return std::string(written);
+  }
+  const std::string closing(1, written.back());
+  return ReplaceAll(written.substr(1, written.size() - 2), closing + closing, closing);
+}
+
+std::vector<Identifier> NameParts(std::string_view written) {
+  std::vector<Identifier> parts;
+  if (IsOnePart(written)) {
+    parts.emplace_back(std::string(written));
+    return parts;
+  }
+  Lexer lexer(written);
+  bool partCame = false;
+  for (Token token; lexer.Next(token);) {
+    if (token.kind == TokenKind::Comment) continue;
+    if (token.kind == TokenKind::Operator) {
+      if (!partCame) parts.emplace_back();  // a part was left out
+      partCame = false;
+      continue;
+    }
+    parts.emplace_back(PlainName(written.substr(token.offset, token.length)));
+    partCame = true;
+  }
+  return parts;
+}
+
+bool NameScope::IsPseudoColumn(std::string_view name) {
+  return std::ranges::any_of(kPseudoColumns, [name](std::string_view pseudo) { return EqualsNoCase(pseudo, name); });
+}
+
+void NameScope::Refuse(std::string_view part, Phrase message) const {
+  throw SyntaxError(text_, OffsetOf(part), std::move(message));
+}
+
+// --- Tables ---
+
+std::size_t NameScope::AddTable(const FromItem& item) {
+  const WrittenTable written{NameParts(item.table), Identifier(PlainName(item.alias))};
+  std::optional<SnapshotTable> table = source_.AddTable(written);
+  if (!table) Refuse(item.table, {text::NoTableNamed, WholeName(written.parts)});
+  const std::size_t index = tables_.size();
+  const std::string& caption = table->caption.Name();
+  if (!byCaption_.emplace(caption, index).second) {
+    Refuse(item.alias.empty() ? item.table : item.alias, {text::TableNameTwice, caption});
+  }
+  if (written.alias.Empty()) {
+    const auto [known, added] = byLastPart_.emplace(written.parts.back().Name(), index);
+    if (!added) known->second = kAmbiguous;
+  }
+  tables_.push_back(std::move(*table));
+  return index;
+}
+
+std::optional<std::size_t> NameScope::FindTable(std::string_view qualifier) const {
+  if (const auto found = byCaption_.find(qualifier); found != byCaption_.end() && IsOnePart(qualifier)) {
+    return found->second;
+  }
+  const std::vector<Identifier> parts = NameParts(qualifier);
+  if (parts.empty()) return std::nullopt;
+  if (const auto found = byCaption_.find(WholeName(parts)); found != byCaption_.end()) return found->second;
+  const auto found = byLastPart_.find(parts.back().Name());
+  if (found == byLastPart_.end()) return std::nullopt;
+  if (parts.size() == 1 || found->second == kAmbiguous) return found->second;
+  // A longer qualifier must end as the table's name does.
+  const std::vector<Identifier>& name = tables_[found->second].name;
+  for (std::size_t i = 1; i <= std::min(parts.size(), name.size()); ++i) {
+    if (!EqualsNoCase(parts[parts.size() - i].Name(), name[name.size() - i].Name())) return std::nullopt;
+  }
+  return found->second;
+}
+
+std::size_t NameScope::RequireTable(std::string_view qualifier, std::string_view place) const {
+  const std::optional<std::size_t> table = FindTable(qualifier);
+  if (!table) Refuse(place, {text::NoTableInFrom, WholeName(NameParts(qualifier))});
+  if (*table == kAmbiguous) Refuse(place, {text::SeveralTablesCalled, qualifier});
+  return *table;
+}
+
+// --- Columns ---
+
+std::vector<std::size_t> NameScope::TablesWith(const std::string& name) const {
+  std::vector<std::size_t> having, open;
+  for (std::size_t table = 0; table < tables_.size(); ++table) {
+    if (source_.FindColumn(table, name)) {
+      having.push_back(table);
+    } else if (!source_.KnowsColumns(table)) {
+      open.push_back(table);
+    }
+  }
+  return having.empty() ? open : having;
+}
+
+std::optional<BoundColumn> NameScope::Find(const Expression& column) const {
+  const std::string name = PlainName(column.name);
+  const std::string_view qualifier = column.Qualifier();
+  if (!qualifier.empty()) {
+    const std::size_t table = RequireTable(qualifier, column.text);
+    std::optional<std::string> found = source_.FindColumn(table, name);
+    if (!found && !source_.KnowsColumns(table)) found = FirstSpelling(table, name);
+    if (!found) {
+      Refuse(column.text, {text::NoColumnInTable, tables_[table].caption.Name(), name});
+    }
+    return BoundColumn{table, std::move(*found)};
+  }
+  if (const BoundColumn* unified = FindUnified(name)) return *unified;
+  const std::vector<std::size_t> tables = TablesWith(name);
+  if (tables.empty()) return std::nullopt;
+  if (tables.size() > 1) {
+    std::string candidates;
+    for (const std::size_t table : tables) {
+      candidates += (candidates.empty() ? "" : ", ") + tables_[table].caption.Name() + "." + name;
+    }
+    Refuse(column.text, {text::ColumnAmbiguous, name, candidates});
+  }
+  std::optional<std::string> found = source_.FindColumn(tables[0], name);
+  if (!found) found = FirstSpelling(tables[0], name);
+  return BoundColumn{tables[0], std::move(*found)};
+}
+
+const std::string& NameScope::FirstSpelling(std::size_t table, const std::string& name) const {
+  if (spellings_.size() <= table) spellings_.resize(table + 1);
+  return spellings_[table].try_emplace(name, name).first->second;
+}
+
+std::optional<BoundColumn> NameScope::TryFind(const Expression& column) const {
+  try {
+    return Find(column);
+  } catch (const SyntaxError&) {
+    return std::nullopt;
+  }
+}
+
+BoundColumn NameScope::Require(const Expression& column) const {
+  std::optional<BoundColumn> found = Find(column);
+  if (!found) Refuse(column.text, {text::NoTableHasColumn, PlainName(column.name)});
+  return std::move(*found);
+}
+
+void NameScope::Unify(const std::string& name, const BoundColumn& column) { unified_.insert_or_assign(name, column); }
+
+const BoundColumn* NameScope::FindUnified(std::string_view name) const {
+  const auto found = unified_.find(name);
+  return found == unified_.end() ? nullptr : &found->second;
+}
+
+}  // namespace zrqrybld

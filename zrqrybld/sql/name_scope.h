@@ -1,0 +1,114 @@
+// NameScope: the tables of a statement and what the names in it mean.
+//
+// Pure: what the tables are and which columns they have is asked of a `QuerySource`.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "zrqrybld/base/phrase.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/sql/query_snapshot.h"
+#include "zrqrybld/sql/select_statement.h"
+
+namespace zrqrybld {
+
+/// A table as a statement names it.
+struct WrittenTable {
+  std::vector<Identifier> parts;  ///< its name, schema first, without quotes
+  Identifier alias;               ///< empty when it has none
+};
+
+/// Where the tables of a statement come from.
+class QuerySource {
+ public:
+  QuerySource() = default;
+  QuerySource(const QuerySource&) = delete;
+  QuerySource& operator=(const QuerySource&) = delete;
+  virtual ~QuerySource() = default;
+
+  /// The next table of FROM as it is to stand in the query; none when there is no such table. Tables are numbered from
+  /// 0 in the order of these calls.
+  virtual std::optional<SnapshotTable> AddTable(const WrittenTable& table) = 0;
+  /// Whether the columns of the table are known; otherwise any name may be one.
+  virtual bool KnowsColumns(std::size_t table) const = 0;
+  /// The column as the source spells it; none when there is none. Exactly equal before equal without regard to case.
+  virtual std::optional<std::string> FindColumn(std::size_t table, const std::string& name) const = 0;
+  /// The columns in their order.
+  virtual std::vector<std::string> Columns(std::size_t table) const = 0;
+  virtual SnapshotType TypeOf(std::size_t table, const std::string& column) const = 0;
+};
+
+/// A column of a table of the query.
+struct BoundColumn {
+  std::size_t table = 0;
+  std::string column;
+  friend bool operator==(const BoundColumn&, const BoundColumn&) = default;
+};
+
+/// The name without its quotes; doubled closing quotes become one.
+std::string PlainName(std::string_view written);
+
+/// The parts of a name with dots, without quotes.
+std::vector<Identifier> NameParts(std::string_view written);
+
+class NameScope {
+ public:
+  /// `text` is the statement, for the places of errors; it and the source must outlive the scope.
+  NameScope(std::string_view text, QuerySource& source) : text_(text), source_(source) {}
+
+  /// Adds a table of FROM. SyntaxError when the source has no such table, or another has the same name.
+  std::size_t AddTable(const FromItem& item);
+
+  const std::vector<SnapshotTable>& Tables() const { return tables_; }
+  QuerySource& Source() const { return source_; }
+
+  /// The table that a qualifier names. SyntaxError at `place` when there is none or more than one.
+  std::size_t RequireTable(std::string_view qualifier, std::string_view place) const;
+
+  /// The column of a table that a name means. None when the name is not qualified and no table has it; SyntaxError when
+  /// its table is unknown or has no such column, and when several tables have it.
+  std::optional<BoundColumn> Find(const Expression& column) const;
+
+  /// As `Find`; none instead of an error.
+  std::optional<BoundColumn> TryFind(const Expression& column) const;
+
+  /// As `Find`; SyntaxError when no table has the column.
+  BoundColumn Require(const Expression& column) const;
+
+  /// From now on the name without a qualifier means this column: that of USING and NATURAL.
+  void Unify(const std::string& name, const BoundColumn& column);
+  bool HasUnified() const { return !unified_.empty(); }
+  /// The column that USING or NATURAL makes of columns with this name; nullptr when there is none.
+  const BoundColumn* FindUnified(std::string_view name) const;
+
+  /// Whether the word means something by itself in SQL: SYSDATE, ROWNUM.
+  static bool IsPseudoColumn(std::string_view name);
+
+  /// The offset of a part of the statement's text.
+  std::size_t OffsetOf(std::string_view part) const { return static_cast<std::size_t>(part.data() - text_.data()); }
+  [[noreturn]] void Refuse(std::string_view part, Phrase message) const;
+
+ private:
+  template <class T>
+  using ByName = std::unordered_map<std::string, T, HashNoCase, EqualNoCase>;
+  static constexpr std::size_t kAmbiguous = static_cast<std::size_t>(-1);
+  std::optional<std::size_t> FindTable(std::string_view qualifier) const;
+  std::vector<std::size_t> TablesWith(const std::string& name) const;
+  // Of a column that no source knows: as it is spelled where it is named first.
+  const std::string& FirstSpelling(std::size_t table, const std::string& name) const;
+
+  std::string_view text_;
+  QuerySource& source_;
+  std::vector<SnapshotTable> tables_;
+  ByName<std::size_t> byCaption_;
+  ByName<std::size_t> byLastPart_;  // of tables without alias; `kAmbiguous` for several
+  ByName<BoundColumn> unified_;
+  mutable std::vector<ByName<std::string>> spellings_;  // by table
+};
+
+}  // namespace zrqrybld

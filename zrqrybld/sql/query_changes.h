@@ -1,0 +1,16 @@
+// What has come and gone between two states of a query, in words, for people who cannot see it. Pure.
+#pragma once
+
+#include <string>
+
+#include "zrqrybld/base/phrase.h"
+#include "zrqrybld/sql/query_snapshot.h"
+
+namespace zrqrybld {
+
+/// For instance "table Orders added, 2 joins removed, query column Orders.Freight added"; "" when nothing has come or
+/// gone. Linear in the size of the two queries.
+std::string DescribeChanges(const QuerySnapshot& before, const QuerySnapshot& after,
+                            const TextSource& texts = EnglishTexts());
+
+}  // namespace zrqrybld

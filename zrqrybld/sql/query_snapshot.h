@@ -1,0 +1,95 @@
+// QuerySnapshot: a designed query as plain data, taken from the diagram, the grid and the options.
+//
+// The generator is a function of it. It knows no control, so a design can be written down in a test
+// and two designs can be compared.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "zrqrybld/sql/criteria_context.h"
+#include "zrqrybld/sql/join_kind.h"
+#include "zrqrybld/sql/names.h"
+#include "zrqrybld/sql/query_row.h"
+#include "zrqrybld/sql/sql_text.h"
+
+namespace zrqrybld {
+
+/// One table of the diagram.
+struct SnapshotTable {
+  /// What the table is called in this query.
+  Identifier caption;
+  /// Its name in the data source, schema first.
+  std::vector<Identifier> name;
+  /// Whether the caption is another than the name, so that the statement needs an alias.
+  bool aliased = false;
+  friend bool operator==(const SnapshotTable&, const SnapshotTable&) = default;
+};
+
+/// One join of the diagram. `source` and `target` are positions in `QuerySnapshot::tables`, from 0.
+struct SnapshotJoin {
+  std::size_t source = 0;
+  std::size_t target = 0;
+  /// The joined columns; none when the join is not complete.
+  std::optional<Identifier> sourceColumn;
+  std::optional<Identifier> targetColumn;
+  JoinKind kind = {};
+  friend bool operator==(const SnapshotJoin&, const SnapshotJoin&) = default;
+};
+
+/// What the data source says of a column's type.
+struct SnapshotType {
+  /// The access layer's code; 0 when it is not known, as for expressions.
+  std::int32_t code = 0;
+  bool isLong = false;
+  /// What stands before and after a literal.
+  std::string prefix;
+  std::string suffix;
+  friend bool operator==(const SnapshotType&, const SnapshotType&) = default;
+};
+
+/// One row of the grid.
+struct SnapshotRow : RowTerms {
+  Identifier alias;
+  /// What was asked for, where the alias had to be cut; "" otherwise.
+  std::string uncutAlias;
+  /// The position in `QuerySnapshot::tables`, from 0; none for an expression.
+  std::optional<std::size_t> table;
+  /// How literals of the column are written; known only where there are criteria.
+  SnapshotType type;
+
+  friend bool operator==(const SnapshotRow&, const SnapshotRow&) = default;
+};
+
+struct QuerySnapshot {
+  std::vector<SnapshotTable> tables;
+  /// In the order of their source tables.
+  std::vector<SnapshotJoin> joins;
+  std::vector<SnapshotRow> rows;
+  bool groupByMode = false;
+  bool distinct = false;
+  /// "", a number or a number followed by "%".
+  std::string top;
+  /// How many rows are passed over before the first that is wanted.
+  std::int32_t skip = 0;
+  NameRules names;
+  /// How criteria are read and values written; what depends on the column comes from its row.
+  CriteriaContext criteria;
+};
+
+/// What stands before "." and a column of the table: its caption when it has one of its own, otherwise its name.
+SqlText TableTerm(const SnapshotTable& table, const NameRules& rules);
+
+/// A column of the table by its qualified name.
+std::string FieldTerm(const SnapshotTable& table, const std::string& column, const NameRules& rules);
+
+/// Whether the row's term stands for several columns, "*" or an expression that ends so.
+bool IsAllColumns(const SnapshotRow& row);
+
+/// The rows that are sorted by, in their order. Of several with one sort number the last one counts; a sort number that
+/// is no number, or rounds to none from 1, does not.
+std::vector<const SnapshotRow*> SortedRows(const QuerySnapshot& query);
+
+}  // namespace zrqrybld

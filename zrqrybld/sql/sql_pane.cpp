@@ -1,0 +1,290 @@
+#include "zrqrybld/sql/sql_pane.h"
+
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/base/scoped_value.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/base/texts_sql.h"
+#include "zrqrybld/platform/commands.h"
+#include "zrqrybld/platform/headless.h"
+#include "zrqrybld/platform/input.h"
+#include "zrqrybld/sql/generator.h"
+#include "zrqrybld/sql/lexer.h"
+#include "zrqrybld/sql/query_snapshot.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr std::string_view kLike = "LIKE";
+
+}  // namespace
+
+qbSQLPane::qbSQLPane() : headless_(std::make_unique<HeadlessTextArea>()), textArea_(headless_.get()) {
+  ListenToTextArea();
+}
+
+Ref<qbSQLPane> qbSQLPane::Create() { return Ref<qbSQLPane>(new qbSQLPane()); }
+
+Ref<qbQueryBuilder> qbSQLPane::QueryBuilder() const {
+  const Ref<QueryContext> context = context_.lock();
+  return context ? context->Hub() : nullptr;
+}
+
+// --- The text area ---
+
+void qbSQLPane::AttachTextArea(TextArea* area) {
+  const std::string text = textArea_->Text();
+  textArea_ = area ? area : headless_.get();
+  textArea_->SetText(text);
+  textArea_->SetReadOnly(locked_);
+  textArea_->SetRemarks(Remarks());
+  ListenToTextArea();
+}
+
+void qbSQLPane::ListenToTextArea() {
+  links_.clear();
+  links_.push_back(textArea_->Edited.Connect([this] { TextEdited(); }));
+  links_.push_back(textArea_->Left.Connect([this] {
+    if (failure_.Empty()) ApplyEditedText();
+  }));
+  links_.push_back(textArea_->KeyDown.Connect([this](std::int32_t& keyCode, std::int32_t shift) {
+    const Ref<Object> alive = shared_from_this();  // a listener may let go of it
+    KeyDown.Raise(keyCode, shift);
+    const Key key{keyCode, shift};
+    // The second key runs the statement where there is nothing to apply.
+    const bool applies = key == RowOf(Command::ApplyText).key || (edited_ && Asks(key, Command::ApplyText));
+    if (!applies) return;
+    keyCode = 0;
+    ApplyEditedText();
+  }));
+  links_.push_back(
+      textArea_->KeyUp.Connect([this](std::int32_t& keyCode, std::int32_t shift) { KeyUp.Raise(keyCode, shift); }));
+  links_.push_back(textArea_->KeyPress.Connect([this](char32_t& character) { KeyPress.Raise(character); }));
+}
+
+std::vector<std::string> qbSQLPane::Remarks() const {
+  std::vector<std::string> remarks;
+  remarks.reserve(diagnostics_.size());
+  for (const SQLDiagnostic& diagnostic : diagnostics_) remarks.push_back(diagnostic.text);
+  return remarks;
+}
+
+// What is typed and not applied comes before what there is to say about the designer's statement.
+void qbSQLPane::ShowRemarks() {
+  std::vector<std::string> remarks;
+  std::vector<TextCommand> commands;
+  if (edited_) {
+    const Ref<QueryContext> context = context_.lock();
+    const Phrase waits(outdated_ ? text::EditedOutdated : text::EditedNotApplied, KeyTextOf(Command::ApplyText));
+    remarks.push_back(failure_.Empty() ? Say(context, waits) : Say(context, failure_));
+    commands.push_back({Say(context, text::CommandApply), [this] { ApplyEditedText(); }});
+    commands.push_back({Say(context, text::CommandRevert), [this] { RevertEditedText(); }});
+  } else {
+    remarks = Remarks();
+  }
+  textArea_->SetRemarks(remarks);
+  textArea_->SetCommands(std::move(commands));
+}
+
+// --- What the user types ---
+
+void qbSQLPane::TextEdited() {
+  // What is typed back, or undone in the editor, leaves nothing to apply.
+  const bool edited = textArea_->Text() != written_;
+  // What stands beside the text changes with few keys only.
+  if (edited != edited_ || !failure_.Empty()) {
+    failure_ = {};
+    textArea_->SetFault(0, 0);
+    SetEdited(edited);
+  }
+  SQLChanged.Raise();
+}
+
+void qbSQLPane::ShowTyped(const std::string& text) {
+  textArea_->SetText(text);
+  TextEdited();
+}
+
+void qbSQLPane::SetEdited(bool edited) {
+  const bool changed = edited != edited_;
+  edited_ = edited;
+  outdated_ &= edited;
+  ShowRemarks();
+  if (changed) EditedChanged.Raise();
+}
+
+bool qbSQLPane::ApplyEditedText() {
+  const Ref<Object> alive = shared_from_this();
+  if (!edited_ || busy_) return !edited_;
+  const Ref<QueryContext> context = context_.lock();
+  if (!context) return false;
+  try {
+    return ParseSQLStatement(textArea_->Text());
+  } catch (const Error& error) {
+    context->SetState(InfoDone);
+    ShowFailure(error);
+  } catch (const std::exception& error) {
+    context->SetState(InfoDone);
+    ShowFailure(Error(ErrorParsingText, PhraseOf(error)));
+  }
+  return false;
+}
+
+// The cause, and the word where it lies.
+void qbSQLPane::ShowFailure(const Error& failure) {
+  failure_ = failure.Cause();
+  ShowRemarks();
+  if (!failure.Offset()) return;
+  const std::string text = textArea_->Text();
+  Lexer lexer(text);
+  Token faulty;
+  for (Token token; lexer.Next(token) && token.offset <= *failure.Offset();) faulty = token;
+  textArea_->SetFault(faulty.offset, faulty.length);
+}
+
+// --- Properties ---
+
+void qbSQLPane::SetSQLStatement(const std::string& text) {
+  if (text == textArea_->Text()) return;
+  textArea_->SetText(text);
+  SQLChanged.Raise();
+}
+
+void qbSQLPane::SetSQLSyntax(SQLSyntaxEnum syntax) {
+  syntax_ = syntax;
+  if (const Ref<QueryContext> context = context_.lock()) context->DialectChanged();
+  PropertyChanged.Raise("SQLSyntax");
+}
+
+void qbSQLPane::SetLikeOperator(const std::string& word) {
+  const std::string before = std::exchange(likeOperator_, Trim(word).empty() ? std::string(kLike) : word);
+  const Ref<QueryContext> context = context_.lock();
+  if (context && before != likeOperator_) context->LikeOperatorChanged(before);
+  PropertyChanged.Raise("LikeOperator");
+}
+
+void qbSQLPane::SetLocked(bool locked) {
+  locked_ = locked;
+  textArea_->SetReadOnly(locked);
+  PropertyChanged.Raise("Locked");
+}
+
+void qbSQLPane::ReadProperties(const PropertyStore& store) {
+  const std::optional<double> syntax = store.Read("SQLSyntax", static_cast<std::int32_t>(SQLSyntaxGeneric)).Number();
+  syntax_ = SQLSyntaxGeneric;
+  for (const Dialect& dialect : AllDialects()) {
+    if (syntax && *syntax == static_cast<double>(dialect.syntax)) syntax_ = dialect.syntax;
+  }
+  const Variant locked = store.Read("Locked", false);
+  locked_ = locked.Number() ? *locked.Number() != 0 : EqualsNoCase(locked.Text(), "True");
+  textArea_->SetReadOnly(locked_);
+  const std::string like = store.Read("LikeOperator", kLike).Text();
+  likeOperator_ = Trim(like).empty() ? std::string(kLike) : like;
+}
+
+void qbSQLPane::WriteProperties(PropertyStore& store) const {
+  store.Write("SQLSyntax", static_cast<std::int32_t>(syntax_), static_cast<std::int32_t>(SQLSyntaxGeneric));
+  store.Write("Locked", locked_, false);
+  store.Write("LikeOperator", likeOperator_, kLike);
+}
+
+// --- The statement ---
+
+std::string qbSQLPane::Generate(const std::string& orExpression, const std::string& andExpression) {
+  const Ref<QueryContext> context = context_.lock();
+  if (busy_ || !context) return {};
+  context->TakeBackState();
+  if (context->state() != InfoDone) return {};
+  QuerySnapshot query = context->Snapshot();
+  const Dialect& dialect = DialectFor(syntax_);
+  GeneratedSql generated = GenerateSelect(query, dialect, {orExpression, andExpression});
+  diagnostics_ = Diagnose(query, dialect, generated);
+  TranslateDiagnostics();
+  cartesian_ = generated.cartesian;
+  generatedFrom_.tables = std::move(query.tables);
+  generatedFrom_.joins = std::move(query.joins);
+  joins_.reset();
+  return std::move(generated.text);
+}
+
+void qbSQLPane::TranslateDiagnostics() {
+  const Ref<QueryContext> context = context_.lock();
+  for (SQLDiagnostic& diagnostic : diagnostics_) diagnostic.text = Say(context, diagnostic.what);
+}
+
+void qbSQLPane::ApplyTexts() {
+  TranslateDiagnostics();
+  ShowRemarks();
+}
+
+const Ref<qbJoins>& qbSQLPane::Joins() const {
+  if (!joins_) joins_ = BuildJoinList(generatedFrom_);
+  return joins_;
+}
+
+void qbSQLPane::Refresh() {
+  const Ref<Object> alive = shared_from_this();  // a listener may let go of it
+  const std::string text = Generate({}, {});
+  if (text.empty()) diagnostics_.clear();  // nothing was generated
+  failure_ = {};
+  replaced_ = false;
+  textArea_->SetFault(0, 0);
+  SetEdited(false);
+  written_ = text;
+  SetSQLStatement(text);
+}
+
+void qbSQLPane::ShowChange() {
+  if (!KeepsTyped()) return Refresh();
+  std::string text = Generate({}, {});
+  if (text == written_) return;
+  written_ = std::move(text);
+  outdated_ = true;
+  ShowRemarks();
+  SQLChanged.Raise();
+}
+
+std::string qbSQLPane::AddWhereClause(const std::string& orExpression, const std::string& andExpression) {
+  return Generate(orExpression, andExpression);
+}
+
+bool qbSQLPane::ParseSQLStatement(const std::string& sql) {
+  const Ref<Object> alive = shared_from_this();  // a listener may let go of it
+  const Ref<QueryContext> context = context_.lock();
+  if (!context) throw Error(ErrorParsingText, text::NotLinked);
+  if (!DialectFor(syntax_).canBeParsed) {
+    throw Error(ErrorParsingText, text::CannotParseSyntax);
+  }
+  {
+    const StepScope step(context, kStepApplyStatement);
+    context->SetState(InfoParsingSQL);
+    try {
+      const ScopedValue busy(busy_, true);
+      context->RaiseInfo(InfoParsingSQL, sql);
+      context->LoadStatement(sql);
+    } catch (const std::exception& cause) {
+      context->LeaveState();
+      throw WrapError(ErrorParsingText, text::ParsingFailed, cause);
+    }
+    QueryReplaced();
+    context->SetState(InfoDone);
+    context->QueryChanged();
+  }
+  context->RaiseInfo(InfoDone, static_cast<std::int32_t>(InfoParsingSQL));
+  return true;
+}
+
+// --- Parameters ---
+
+std::string qbSQLPane::ParseParameters() {
+  const ScannedStatement scanned = ScanParameters(SQLStatement(), context_.lock());
+  std::vector<std::string> values;
+  for (const Ref<qbParameter>& parameter : *scanned.parameters) {
+    bool cancel = false;
+    ParseParameter.Raise(parameter, cancel);
+    if (cancel) return {};
+    values.push_back((parameter->Value.IsBlank() ? parameter->Default : parameter->Value).Text());
+  }
+  return PutInValues(scanned.text, values);
+}
+
+}  // namespace zrqrybld

@@ -1,0 +1,26 @@
+// The parser: a SELECT statement as somebody typed it, or as the generator wrote it, as a syntax tree.
+//
+// Pure. It reads the statements of all five dialects; what it reads and the designer cannot show is refused here
+// (UNION, WITH, derived tables) or by whoever takes the tree over.
+#pragma once
+
+#include <string_view>
+
+#include "zrqrybld/sql/select_statement.h"
+
+namespace zrqrybld {
+
+struct ParseOptions {
+  /// Whether parentheses that are opened in FROM may stay open up to its end: the generator leaves them so where tables
+  /// are not joined, in the dialect that nests joins.
+  bool openParenthesesInFrom = false;
+};
+
+/// Reads the statement. Takes time in the length of the text. The text must outlive the tree. SyntaxError, with place
+/// and with what was expected, when it is no SELECT statement or one that cannot be shown.
+SelectStatement ParseSelect(std::string_view text, const ParseOptions& options = {});
+
+/// Reads a condition or another expression alone; nothing may follow it. SyntaxError otherwise.
+Expression* ParseExpressionText(std::string_view text, SyntaxArena& arena);
+
+}  // namespace zrqrybld
