@@ -33,9 +33,9 @@ std::vector<KeyRow> KeyRows() {
       {kSame, {GoToRows}, {}, text::DoesGoToRows},
       {kSame, {NextPane, PreviousPane}, {}, text::DoesPanes},
       {kSame, {AddTables}, {}, text::DoesAddTables},
-      {kSame, {}, "Ctrl+N · Ctrl+O · Ctrl+S · " + KeyTextOf(SaveQueryAs), text::DoesFiles},
+      {kSame, {NewQuery, OpenQuery, SaveQuery, SaveQueryAs}, {}, text::DoesFiles},
       {kSame, {OpenDatabase, Connect}, {}, text::DoesSources},
-      {kSame, {}, "Ctrl+Z · Ctrl+Y, Ctrl+Shift+Z", text::DoesUndo},
+      {kSame, {}, KeyTextOf(Undo) + " · " + KeyTextOf(Redo) + ", " + TextOf(RowOf(Redo).other), text::DoesUndo},
       {kSame, {}, "Ctrl + · Ctrl − · " + KeyTextOf(ActualSize), text::DoesZoom},
       {kSame, {}, KeyTextOf(ContextMenu) + ", " + TextOf(RowOf(ContextMenu).other), text::DoesMenu},
       {kSame, {ShowKeys}, {}, text::DoesList},
@@ -108,6 +108,18 @@ void Filter(const QTreeWidget& tree, const QString& text) {
 }
 
 }  // namespace
+
+QString KeyTables(const TextSource& texts) {
+  QString tables = "# " + Say(texts, text::KeysCaption) + "\n";
+  for (const KeyRow& row : KeyRows()) {
+    if (row.pane != text::NoText) {
+      tables += "\n## " + Say(texts, row.pane) + "\n\n| " + Say(texts, text::KeyHeader) + " | " +
+                Say(texts, text::DoesHeader) + " |\n|---|---|\n";
+    }
+    tables += "| " + KeysOf(row, texts) + " | " + Say(texts, row.effect) + " |\n";
+  }
+  return tables;
+}
 
 KeyList::KeyList(const TextSource& texts, QWidget* parent) : QDialog(parent) {
   setWindowTitle(Say(texts, text::KeysCaption));

@@ -7,6 +7,9 @@
 
 namespace zrqrybld {
 
+/// The keys of all panes as tables in Markdown.
+QString KeyTables(const TextSource& texts);
+
 class KeyList : public QDialog {
   Q_OBJECT
 

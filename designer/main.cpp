@@ -6,6 +6,7 @@
 #include <QTimer>
 #include <chrono>
 #include <cstdlib>
+#include <memory>
 #include <optional>
 
 #include "designer/appearance.h"
@@ -115,10 +116,15 @@ void Begin(MainWindow& window, const DesignerOptions& options, const QElapsedTim
 int main(int argc, char** argv) {
   QElapsedTimer sinceStart;
   sinceStart.start();
-  QApplication application(argc, argv);
+  std::unique_ptr<QCoreApplication> application;
+  if (zrqrybld::OnlyPrints({argv, static_cast<std::size_t>(argc)})) {
+    application = std::make_unique<QCoreApplication>(argc, argv);
+  } else {
+    application = std::make_unique<QApplication>(argc, argv);
+  }
   QApplication::setOrganizationName("zrqrybld");  // where its settings are kept
   QApplication::setApplicationName("zrqrybld-designer");
-  QApplication::setApplicationDisplayName("Query Designer");
+  QGuiApplication::setApplicationDisplayName("Query Designer");
   QApplication::setApplicationVersion(ZRQRYBLD_VERSION);
   const DesignerOptions options = zrqrybld::ReadCommandLine(QApplication::arguments());
   // A script's picture does not depend on who runs it.

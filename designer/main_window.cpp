@@ -56,6 +56,7 @@ MainWindow::MainWindow(const QString& languageFile)
     : panes_(new QSplitter(Qt::Vertical, this)),
       designer_(new QueryDesignerWidget),
       texts_(designer_->QueryBuilder().Texts()),
+      commands_(*this, *texts_),
       languageFailure_(languageFile.isEmpty() ? QString() : LoadLanguage(languageFile)),
       preview_(new PreviewPane(texts_)) {
   setWindowTitle(Say(*texts_, text::AppName));
@@ -136,61 +137,66 @@ void MainWindow::WidenColumns() {
 }
 
 void MainWindow::MakeMenus() {
+  const auto add = [this](QMenu& menu, Command command, std::function<void()> run) {
+    menu.addAction(commands_.Add(command, std::move(run)));
+  };
   QMenu* file = menuBar()->addMenu(Say(*texts_, text::FileMenu));
-  document_->FillMenu(*file);
+  document_->FillMenu(*file, commands_);
   file->addSeparator();
-  file->addAction(Say(*texts_, text::OpenDatabaseItem), ShortcutOf(Command::OpenDatabase), this,
-                  &MainWindow::AskForDatabase);
-  file->addAction(Say(*texts_, text::ConnectItem), ShortcutOf(Command::Connect), this, &MainWindow::AskForConnection);
+  add(*file, Command::OpenDatabase, [this] { AskForDatabase(); });
+  add(*file, Command::Connect, [this] { AskForConnection(); });
   QMenu* recent = file->addMenu(Say(*texts_, text::ConnectRecentMenu));
   connect(recent, &QMenu::aboutToShow, this, [this, recent] { FillRecentConnections(*recent); });
   file->addSeparator();
-  file->addAction(Say(*texts_, text::QuitItem), QKeySequence::Quit, this, &QWidget::close);
+  add(*file, Command::Quit, [this] { close(); });
 
   MakeEditMenu();
 
   QMenu* query = menuBar()->addMenu(Say(*texts_, text::QueryMenu));
-  addTables_ = query->addAction(Say(*texts_, text::AddTablesItem), ShortcutOf(Command::AddTables), this,
-                                &MainWindow::PickTables);
-  query->addAction(Say(*texts_, text::ParametersItem), this, &MainWindow::AskForParameters);
-  clear_ = query->addAction(Say(*texts_, text::ClearItem), this,
-                            [this] { designer_->QueryBuilder().DiagramPane()->Clear(); });
+  add(*query, Command::AddTables, [this] { PickTables(); });
+  add(*query, Command::GiveParameters, [this] { AskForParameters(); });
+  add(*query, Command::ClearQuery, [this] { designer_->QueryBuilder().DiagramPane()->Clear(); });
   query->addSeparator();
-  query->addAction(Say(*texts_, text::RunPreviewItem), ShortcutOf(Command::RunPreview), this, &MainWindow::RunPreview);
-  query->addAction(Say(*texts_, text::StopPreviewItem), ShortcutOf(Command::StopPreview), preview_, &PreviewPane::Stop);
-  query->addAction(Say(*texts_, text::GoToRowsItem), ShortcutOf(Command::GoToRows), this, [this] {
+  add(*query, Command::RunPreview, [this] { RunPreview(); });
+  add(*query, Command::StopPreview, [this] { preview_->Stop(); });
+  add(*query, Command::GoToRows, [this] {
     showPreview_->setChecked(true);
     preview_->TakeFocus();
   });
 
+  MakeViewMenu(*menuBar()->addMenu(Say(*texts_, text::ViewMenu)));
+
+  QMenu* help = menuBar()->addMenu(Say(*texts_, text::HelpMenu));
+  add(*help, Command::ShowKeys, [this] { ShowKeys(); });
+  help->addAction(Say(*texts_, text::AboutItem), this, &MainWindow::ShowAbout);
+}
+
+void MainWindow::MakeViewMenu(QMenu& view) {
   const auto diagram = [this]() -> qbDiagramPane& { return *designer_->QueryBuilder().DiagramPane(); };
   const auto zoomBy = [this, diagram](double factor) {
-    const PixelSize view = designer_->DiagramView().ViewSize();
-    diagram().SetZoom(diagram().Zoom() * factor, {view.width / 2, view.height / 2});
+    const PixelSize size = designer_->DiagramView().ViewSize();
+    diagram().SetZoom(diagram().Zoom() * factor, {size.width / 2, size.height / 2});
   };
-  QMenu* view = menuBar()->addMenu(Say(*texts_, text::ViewMenu));
-  view->addAction(Say(*texts_, text::ArrangeItem), this, [diagram] { diagram().Arrange(); });
-  view->addAction(Say(*texts_, text::FitItem), this, [diagram] { diagram().ZoomToFit(); });
-  view->addSeparator();
-  view->addAction(Say(*texts_, text::ZoomInItem), QKeySequence::ZoomIn, this, [zoomBy] { zoomBy(kZoomStep); });
-  view->addAction(Say(*texts_, text::ZoomOutItem), QKeySequence::ZoomOut, this, [zoomBy] { zoomBy(1 / kZoomStep); });
-  view->addAction(Say(*texts_, text::ActualSizeItem), ShortcutOf(Command::ActualSize), this,
-                  [zoomBy, diagram] { zoomBy(1 / diagram().Zoom()); });
-  view->addSeparator();
-  showPreview_ = view->addAction(Say(*texts_, text::ResultPreviewItem));
+  view.addAction(commands_.Add(Command::Arrange, [diagram] { diagram().Arrange(); }));
+  view.addAction(commands_.Add(Command::FitToWindow, [diagram] { diagram().ZoomToFit(); }));
+  view.addSeparator();
+  view.addAction(commands_.Add(Command::ZoomIn, [zoomBy] { zoomBy(kZoomStep); }));
+  view.addAction(commands_.Add(Command::ZoomOut, [zoomBy] { zoomBy(1 / kZoomStep); }));
+  view.addAction(commands_.Add(Command::ActualSize, [zoomBy, diagram] { zoomBy(1 / diagram().Zoom()); }));
+  // Keyboards differ in where plus and minus stand.
+  commands_.Of(Command::ZoomIn)->setShortcuts(QKeySequence::ZoomIn);
+  commands_.Of(Command::ZoomOut)->setShortcuts(QKeySequence::ZoomOut);
+  view.addSeparator();
+  showPreview_ = view.addAction(Say(*texts_, text::ResultPreviewItem));
   showPreview_->setCheckable(true);
   connect(showPreview_, &QAction::toggled, preview_, &QWidget::setVisible);
   connect(preview_, &PreviewPane::CloseWanted, showPreview_, [this] { showPreview_->setChecked(false); });
-  view->addSeparator();
-  view->addAction(Say(*texts_, text::CopyPictureItem), this, [diagram] { diagram().CopyPicture(); });
-  view->addAction(Say(*texts_, text::SavePictureItem), this, [diagram] { diagram().AskToSavePicture(); });
-
-  view->addSeparator();
-  MakeThemeMenu(*view->addMenu(Say(*texts_, text::ThemeMenu)));
-
-  QMenu* help = menuBar()->addMenu(Say(*texts_, text::HelpMenu));
-  help->addAction(Say(*texts_, text::KeysItem), ShortcutOf(Command::ShowKeys), this, &MainWindow::ShowKeys);
-  help->addAction(Say(*texts_, text::AboutItem), this, &MainWindow::ShowAbout);
+  view.addSeparator();
+  view.addAction(commands_.Add(Command::CopyPicture, [diagram] { diagram().CopyPicture(); }));
+  commands_.Of(Command::CopyPicture)->setShortcut({});  // the key is the pane's that has the focus
+  view.addAction(commands_.Add(Command::SavePicture, [diagram] { diagram().AskToSavePicture(); }));
+  view.addSeparator();
+  MakeThemeMenu(*view.addMenu(Say(*texts_, text::ThemeMenu)));
 }
 
 // An editor that is open takes the same keys for itself first.
@@ -202,14 +208,13 @@ void MainWindow::MakeEditMenu() {
     if (!error.isEmpty()) ShowError(error);
     if (error.isEmpty()) ShowHappened(Say(*texts_, done, step));
   };
-  undo_ = edit->addAction(Say(*texts_, text::UndoItem), this, [this, travel] {
+  edit->addAction(commands_.Add(Command::Undo, [this, travel] {
     travel(&qbQueryBuilder::Undo, text::Undone, designer_->QueryBuilder().UndoText());
-  });
-  undo_->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Z));
-  redo_ = edit->addAction(Say(*texts_, text::RedoItem), this, [this, travel] {
+  }));
+  edit->addAction(commands_.Add(Command::Redo, [this, travel] {
     travel(&qbQueryBuilder::Redo, text::DoneAgain, designer_->QueryBuilder().RedoText());
-  });
-  redo_->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
+  }));
+  commands_.Of(Command::Redo)->setShortcuts({ShortcutOf(Command::Redo), OtherShortcutOf(Command::Redo)});
   links_.push_back(hub.HistoryChanged.Connect([this] {
     UpdateHistory();
     if (designer_->QueryBuilder().CanUndo()) ShowHappened(ToQString(designer_->QueryBuilder().UndoText()));
@@ -224,8 +229,8 @@ void MainWindow::UpdateHistory() {
     action.setEnabled(!step.empty());
     action.setText(step.empty() ? what : what + QLatin1Char(' ') + ToQString(step).replace("&", "&&"));
   };
-  show(*undo_, Say(*texts_, text::UndoItem), hub.CanUndo() ? hub.UndoText() : std::string());
-  show(*redo_, Say(*texts_, text::RedoItem), hub.CanRedo() ? hub.RedoText() : std::string());
+  show(*commands_.Of(Command::Undo), Say(*texts_, text::UndoItem), hub.CanUndo() ? hub.UndoText() : std::string());
+  show(*commands_.Of(Command::Redo), Say(*texts_, text::RedoItem), hub.CanRedo() ? hub.RedoText() : std::string());
   if (options_) options_->Refresh();
 }
 
@@ -245,7 +250,7 @@ void MainWindow::MakeThemeMenu(QMenu& menu) {
 void MainWindow::MakeToolBar() {
   options_ = new QueryOptionsBar(designer_->QueryBuilder(), this);
   QAction* const first = options_->actions().constFirst();
-  options_->insertAction(first, addTables_);
+  options_->insertAction(first, commands_.Of(Command::AddTables));
   options_->insertSeparator(first);
   connect(options_, &QueryOptionsBar::Failed, this, &MainWindow::ShowError);
   connect(options_, &QueryOptionsBar::DialectChosen, this, [this] {
@@ -371,8 +376,7 @@ void MainWindow::dropEvent(QDropEvent* event) {
 
 void MainWindow::UpdateState() {
   const qbQueryBuilder& hub = designer_->QueryBuilder();
-  addTables_->setEnabled(hub.IsConnected());
-  clear_->setEnabled(hub.Entities()->Count() > 0);
+  commands_.Update({.connection = hub.IsConnected(), .tables = hub.Entities()->Count() > 0});
 }
 
 // --- Query ---

@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "designer/command_actions.h"
 #include "designer/connection_flow.h"
 #include "designer/preview_pane.h"
 #include "designer/query_document.h"
@@ -80,6 +81,7 @@ class MainWindow : public QMainWindow {
   void MakeDocument();
   void MakeMenus();
   void MakeEditMenu();
+  void MakeViewMenu(QMenu& view);
   void MakeThemeMenu(QMenu& menu);
   void MakeToolBar();
   void AskForDatabase();
@@ -108,6 +110,7 @@ class MainWindow : public QMainWindow {
   QSplitter* panes_;
   QueryDesignerWidget* designer_;
   std::shared_ptr<const TextSource> texts_;
+  CommandActions commands_;
   QString languageFailure_;
   PreviewPane* preview_;
   std::unique_ptr<ConnectionFlow> flow_;
@@ -117,10 +120,6 @@ class MainWindow : public QMainWindow {
   QString sourceName_;
   QueryOptionsBar* options_ = nullptr;
   QLabel* source_ = nullptr;
-  QAction* undo_ = nullptr;
-  QAction* redo_ = nullptr;
-  QAction* addTables_ = nullptr;
-  QAction* clear_ = nullptr;
   QAction* showPreview_ = nullptr;
   std::vector<EventConnection> links_;
 };

@@ -2,9 +2,13 @@
 
 #include <QCommandLineParser>
 #include <QTextStream>
+#include <algorithm>
 #include <cstdlib>
+#include <iterator>
+#include <string_view>
 
 #include "designer/appearance.h"
+#include "designer/key_list.h"
 #include "designer/query_document.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
 #include "zrqrybld/sql/dialect.h"
@@ -18,6 +22,14 @@ namespace {
 }
 
 }  // namespace
+
+bool OnlyPrints(std::span<const char* const> arguments) {
+  constexpr std::string_view kPrinting[] = {"--help",          "-h",         "--help-all", "--version", "-v",
+                                            "--list-dialects", "--list-keys"};
+  return std::ranges::any_of(arguments, [&](const char* argument) {
+    return std::ranges::find(kPrinting, std::string_view(argument)) != std::end(kPrinting);
+  });
+}
 
 DesignerOptions ReadCommandLine(const QStringList& arguments) {
   QStringList dialects;
@@ -36,6 +48,7 @@ DesignerOptions ReadCommandLine(const QStringList& arguments) {
   const QCommandLineOption syntax("syntax", "Write the statement in this dialect: " + dialects.join(", ") + ".",
                                   "NAME");
   const QCommandLineOption listDialects("list-dialects", "Print the names of the dialects and end.");
+  const QCommandLineOption listKeys("list-keys", "Print what the keys do and end.");
   const QCommandLineOption language("language", "Take the captions from this language file.", "FILE");
   QStringList themes;
   for (const AppearanceName& theme : AllAppearances()) themes += theme.key;
@@ -45,13 +58,18 @@ DesignerOptions ReadCommandLine(const QStringList& arguments) {
   const QCommandLineOption print("print-sql", "Print the statement and end.");
   const QCommandLineOption screenshot("screenshot", "Save a picture of the window and end.", "FILE");
   const QCommandLineOption measure("measure-start", "Say how long it took until the window could be used, and end.");
-  parser.addOptions({database, connect, connectSaved, table, tick, syntax, listDialects, language, theme, parse, save,
-                     print, screenshot, measure});
+  parser.addOptions({database, connect, connectSaved, table, tick, syntax, listDialects, listKeys, language, theme,
+                     parse, save, print, screenshot, measure});
   if (!parser.parse(arguments)) EndWithUsageError(parser.errorText());
   if (parser.isSet("help")) parser.showHelp(0);
   if (parser.isSet("version")) parser.showVersion();
   if (parser.isSet(listDialects)) {
     QTextStream(stdout) << dialects.join('\n') << '\n';
+    std::exit(0);
+  }
+
+  if (parser.isSet(listKeys)) {
+    QTextStream(stdout) << KeyTables(EnglishTexts());
     std::exit(0);
   }
 

@@ -3,6 +3,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <span>
 
 namespace zrqrybld {
 
@@ -26,7 +27,10 @@ struct DesignerOptions {
   bool IsScript() const { return printSql || !save.isEmpty() || !screenshot.isEmpty(); }
 };
 
-/// Reads the command line. With --help, --version or --list-dialects it prints them and ends the program; a wrong
+/// Whether the command line asks for something to be printed that needs no display.
+bool OnlyPrints(std::span<const char* const> arguments);
+
+/// Reads the command line. With --help, --version or one of --list-... it prints them and ends the program; a wrong
 /// option ends it with status 2 and a message.
 DesignerOptions ReadCommandLine(const QStringList& arguments);
 

@@ -43,13 +43,13 @@ bool QueryDocument::IsQueryFile(const QString& file) {
 
 QString QueryDocument::Name() const { return QFileInfo(file_).fileName(); }
 
-void QueryDocument::FillMenu(QMenu& menu) {
-  menu.addAction(Say(*texts_, text::NewQueryItem), QKeySequence::New, parent_, [this] { New(); });
-  menu.addAction(Say(*texts_, text::OpenQueryItem), QKeySequence::Open, parent_, [this] { AskAndOpen(); });
+void QueryDocument::FillMenu(QMenu& menu, CommandActions& commands) {
+  menu.addAction(commands.Add(Command::NewQuery, [this] { New(); }));
+  menu.addAction(commands.Add(Command::OpenQuery, [this] { AskAndOpen(); }));
   QMenu* recent = menu.addMenu(Say(*texts_, text::OpenRecentMenu));
   QObject::connect(recent, &QMenu::aboutToShow, parent_, [this, recent] { FillRecent(*recent); });
-  menu.addAction(Say(*texts_, text::SaveItem), QKeySequence::Save, parent_, [this] { Save(); });
-  menu.addAction(Say(*texts_, text::SaveAsItem), ShortcutOf(Command::SaveQueryAs), parent_, [this] { AskAndSave(); });
+  menu.addAction(commands.Add(Command::SaveQuery, [this] { Save(); }));
+  menu.addAction(commands.Add(Command::SaveQueryAs, [this] { AskAndSave(); }));
 }
 
 // --- What is on the screen ---

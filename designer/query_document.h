@@ -13,6 +13,7 @@
 #include <optional>
 #include <string>
 
+#include "designer/command_actions.h"
 #include "designer/recovery.h"
 #include "zrqrybld/hub/query_builder.h"
 #include "zrqrybld/platform/provider.h"
@@ -40,7 +41,7 @@ class QueryDocument {
   QueryDocument(QWidget* parent, qbQueryBuilder& hub, Window window);
 
   /// Adds the commands to the menu.
-  void FillMenu(QMenu& menu);
+  void FillMenu(QMenu& menu, CommandActions& commands);
 
   /// The file's name without its folder; "" for a query that was never saved.
   QString Name() const;

@@ -22,10 +22,10 @@ struct Outcome {
   std::string errors;
 };
 
-Outcome RunDesigner(const QStringList& arguments) {
+Outcome RunDesigner(const QStringList& arguments, const char* platform = "offscreen") {
   QProcess process;
   QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-  environment.insert("QT_QPA_PLATFORM", "offscreen");
+  environment.insert("QT_QPA_PLATFORM", platform);
   environment.insert("QT_LOGGING_RULES", "default.warning=false");  // remarks of the platform plugin
   process.setProcessEnvironment(environment);
   process.start(ZRQRYBLD_DESIGNER, arguments);
@@ -90,6 +90,21 @@ TEST(DesignerCommandLine, WrongOptionsEndItWithTwoAndOtherFailuresWithOne) {
         << outcome.errors;
     EXPECT_TRUE(outcome.errors.starts_with("zrqrybld-designer: ")) << outcome.errors;
   }
+}
+
+TEST(DesignerCommandLine, WhatOnlyPrintsNeedsNoDisplay) {
+  for (const char* option : {"--help", "--version", "--list-dialects", "--list-keys"}) {
+    const Outcome outcome = RunDesigner({option}, "xcb-without-a-server");
+    EXPECT_EQ(outcome.status, 0) << option << ": " << outcome.errors;
+    EXPECT_GT(outcome.output.size(), 10u) << option;
+  }
+}
+
+TEST(DesignerCommandLine, TheDocumentedKeysAreThose) {
+  QFile documented(ZRQRYBLD_DOCS "/keys.md");
+  ASSERT_TRUE(documented.open(QIODevice::ReadOnly));
+  EXPECT_EQ(documented.readAll().toStdString(), RunDesigner({"--list-keys"}).output)
+      << "write it anew: zrqrybld-designer --list-keys > docs/keys.md";
 }
 
 TEST(DesignerCommandLine, SavesAPictureOfTheWindow) {

@@ -3,11 +3,13 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QLabel>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QSettings>
 #include <QStatusBar>
 #include <QTest>
 #include <QTimer>
+#include <map>
 
 #include "designer/main_window.h"
 #include "tests/qt/modal.h"
@@ -104,6 +106,32 @@ TEST_F(MainWindowTest, NoPasswordIsShownWithTheSource) {
     ASSERT_EQ(window.OpenConnection(text), QString()) << text;
     EXPECT_TRUE(Texts().contains(QStringLiteral("second"))) << ToUtf8(Texts());
     EXPECT_FALSE(Texts().contains(QStringLiteral("s3cret"))) << ToUtf8(Texts());
+  }
+}
+
+// The letter behind the ampersand of a menu's text; null without one.
+QChar AccessKey(const QString& text) {
+  const QString plain = QString(text).remove("&&");
+  const qsizetype at = plain.indexOf(QLatin1Char('&'));
+  return at < 0 ? QChar() : plain[at + 1].toLower();
+}
+
+TEST(MainWindowMenus, NoAccessKeyStandsTwiceInAMenu) {
+  for (const char* language : {"", ZRQRYBLD_DOCS "/../samples/languages/german.txt"}) {
+    const MainWindow window((QString(language)));
+    QMenuBar& bar = *window.findChild<QMenuBar*>();
+    QList<const QWidget*> menus{&bar};
+    for (const QMenu* menu : bar.findChildren<QMenu*>()) menus.push_back(menu);
+    EXPECT_GT(menus.size(), 5);
+    for (const QWidget* menu : menus) {
+      std::map<QChar, QString> keys;
+      for (const QAction* action : menu->actions()) {
+        const QChar key = AccessKey(action->text());
+        if (key.isNull()) continue;
+        const auto [other, isNew] = keys.emplace(key, action->text());
+        EXPECT_TRUE(isNew) << ToUtf8(action->text()) << " and " << ToUtf8(other->second);
+      }
+    }
   }
 }
 

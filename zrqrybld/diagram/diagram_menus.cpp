@@ -21,6 +21,7 @@
 #include "zrqrybld/diagram/key_join.h"
 #include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/diagram/table_picker.h"
+#include "zrqrybld/host/command_entry.h"
 #include "zrqrybld/host/query_context.h"
 #include "zrqrybld/platform/commands.h"
 
@@ -34,23 +35,24 @@ std::string InMenu(const std::string& name) { return ReplaceAll(name, "&", "&&")
 
 Menu MenuForSurface(const Targets& targets) {
   const Ref<QueryContext> context = targets.site.Context();
-  const bool any = targets.entities.Count() > 0;
+  const CommandGround ground{.connection = context && context->IsConnected(), .tables = targets.entities.Count() > 0};
+  const auto entry = [&](Command command, std::function<void()> action, bool enabled = true) {
+    return EntryFor(context, command, std::move(action), enabled && CanGive(command, ground));
+  };
   return {
-      {Say(targets.site.Context(), text::MenuAddTables), KeyTextOf(Command::AddTables),
-       [&edits = targets.edits] { edits.RequestTables(); }, context && context->IsConnected()},
+      entry(Command::AddTables, [&edits = targets.edits] { edits.RequestTables(); }),
       MenuEntry::Separator(),
-      {Say(targets.site.Context(), text::MenuArrange), "",
-       [&edits = targets.edits, &camera = targets.camera] { edits.Arrange(camera.VisibleWidth()); }, any},
-      {Say(targets.site.Context(), text::MenuFitWindow), "", [&camera = targets.camera] { camera.ZoomToFit(); }, any},
-      {Say(targets.site.Context(), text::MenuActualSize), KeyTextOf(Command::ActualSize),
-       [&camera = targets.camera] { camera.SetZoom(1, {}); }, targets.camera.Zoom() != 1},
+      entry(Command::Arrange,
+            [&edits = targets.edits, &camera = targets.camera] { edits.Arrange(camera.VisibleWidth()); }),
+      entry(Command::FitToWindow, [&camera = targets.camera] { camera.ZoomToFit(); }),
+      entry(
+          Command::ActualSize, [&camera = targets.camera] { camera.SetZoom(1, {}); }, targets.camera.Zoom() != 1),
       MenuEntry::Separator(),
-      {Say(targets.site.Context(), text::MenuSelectAll), KeyTextOf(Command::SelectAllTables),
-       [&selection = targets.selection, &entities = targets.entities] { selection.SelectAll(entities); }, any},
-      {Say(targets.site.Context(), text::MenuCopyPicture), KeyTextOf(Command::CopyPicture),
-       [&pictures = targets.pictures] { pictures.Copy(); }, any},
-      {Say(targets.site.Context(), text::MenuSavePicture), "", [&pictures = targets.pictures] { pictures.AskToSave(); },
-       any && context},
+      entry(Command::SelectAllTables,
+            [&selection = targets.selection, &entities = targets.entities] { selection.SelectAll(entities); }),
+      entry(Command::CopyPicture, [&pictures = targets.pictures] { pictures.Copy(); }),
+      entry(
+          Command::SavePicture, [&pictures = targets.pictures] { pictures.AskToSave(); }, context != nullptr),
   };
 }
 
@@ -84,8 +86,9 @@ Menu MenuForBox(const Targets& targets, const Ref<qbEntity>& entity) {
   const bool minimized = box->Minimized();
   const bool several = !targets.selection.Others().empty();
   return {
-      {Say(targets.site.Context(), text::MenuAlias), KeyTextOf(Command::RenameTable),
-       [&edits, entity] { edits.AskForAlias(entity); }, targets.site.Context() != nullptr},
+      EntryFor(
+          targets.site.Context(), Command::RenameTable, [&edits, entity] { edits.AskForAlias(entity); },
+          targets.site.Context() != nullptr),
       MenuEntry::Separator(),
       {Say(targets.site.Context(), text::MenuTickAll), "",
        [&edits, entity] { edits.TickColumns(entity, true, false); }},
@@ -139,8 +142,8 @@ Menu MenuForColumn(const Targets& targets, const Ref<qbEntity>& entity, const Re
       {Say(targets.site.Context(), text::MenuAddCriterion), "", [=] { context->GoToCriterion(table, column); },
        use && !all},
       MenuEntry::Separator(),
-      {Say(targets.site.Context(), text::MenuJoinFromHere), KeyTextOf(Command::JoinFromHere),
-       [&keyJoin = targets.keyJoin] { keyJoin.Begin(); }, !all},
+      EntryFor(
+          context, Command::JoinFromHere, [&keyJoin = targets.keyJoin] { keyJoin.Begin(); }, !all),
       MenuEntry::Separator(),
       {Say(targets.site.Context(), text::MenuTable), "", {}, true, false, MenuForBox(targets, entity)},
   };
@@ -177,12 +180,12 @@ Menu MenuForJoin(const Targets& targets, const Ref<qbRelationship>& join) {
   const Ref<QueryContext> context = targets.site.Context();
   return {
       KindsOf(targets, join),
-      {Say(targets.site.Context(), text::MenuProperties), KeyTextOf(Command::OpenSelected),
-       [context, join] { context->RelationshipActivated(join); }, context && context->CanEditJoins()},
+      EntryFor(
+          context, Command::OpenSelected, [context, join] { context->RelationshipActivated(join); },
+          context && context->CanEditJoins()),
       {Say(targets.site.Context(), text::MenuReverse), "", [&edits, join] { edits.ReverseJoin(join); }},
       MenuEntry::Separator(),
-      {Say(targets.site.Context(), text::MenuDelete), KeyTextOf(Command::DeleteSelected),
-       [&edits] { edits.DeleteSelected(); }},
+      EntryFor(context, Command::DeleteSelected, [&edits] { edits.DeleteSelected(); }),
   };
 }
 

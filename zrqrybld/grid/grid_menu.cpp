@@ -3,6 +3,7 @@
 
 #include "zrqrybld/base/texts_grid.h"
 #include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/host/command_entry.h"
 #include "zrqrybld/platform/commands.h"
 
 namespace zrqrybld {
@@ -60,16 +61,16 @@ void GridPaneMenu::AddRowEntries(Menu& menu) const {
                     grid_.DeleteSelectedRows();
                   },
                   may});
+  const Ref<QueryContext> context = pane_.rows_.Context();
+  menu.push_back(EntryFor(context, Command::MoveRowsUp, move(-1), may && first > 1));
   menu.push_back(
-      {Say(pane_.rows_.Context(), text::MenuMoveUp), KeyTextOf(Command::MoveRowsUp), move(-1), may && first > 1});
-  menu.push_back({Say(pane_.rows_.Context(), text::MenuMoveDown), KeyTextOf(Command::MoveRowsDown), move(1),
-                  may && last < static_cast<std::size_t>(pane_.RowCount())});
+      EntryFor(context, Command::MoveRowsDown, move(1), may && last < static_cast<std::size_t>(pane_.RowCount())));
   menu.push_back(MenuEntry::Separator());
-  menu.push_back({Say(pane_.rows_.Context(), text::MenuCopy), KeyTextOf(Command::CopyCells),
-                  [*this] { grid_.GetSurface().SetClipboardText(grid_.CopyText()); }, true});
-  menu.push_back({Say(pane_.rows_.Context(), text::MenuPaste), KeyTextOf(Command::PasteCells),
-                  [*this] { grid_.PasteText(grid_.GetSurface().ClipboardText()); },
-                  !grid_.GetSurface().ClipboardText().empty()});
+  menu.push_back(
+      EntryFor(context, Command::CopyCells, [*this] { grid_.GetSurface().SetClipboardText(grid_.CopyText()); }));
+  menu.push_back(EntryFor(
+      context, Command::PasteCells, [*this] { grid_.PasteText(grid_.GetSurface().ClipboardText()); },
+      !grid_.GetSurface().ClipboardText().empty()));
 }
 
 void GridPaneMenu::AddCellEntries(Menu& menu) const {
@@ -83,8 +84,8 @@ void GridPaneMenu::AddCellEntries(Menu& menu) const {
   menu.push_back(MenuEntry::Separator());
   menu.push_back(
       {Say(pane_.rows_.Context(), text::MenuBuilder), "", [*this] { pane_.ShowExpressionBuilder(); }, linked});
-  menu.push_back({Say(pane_.rows_.Context(), text::MenuZoom), KeyTextOf(Command::ZoomCell),
-                  [*this] { pane_.ShowExpressionZoom(); }, linked});
+  menu.push_back(EntryFor(
+      pane_.rows_.Context(), Command::ZoomCell, [*this] { pane_.ShowExpressionZoom(); }, linked));
 }
 
 void GridPaneMenu::ClearCell() const {

@@ -30,20 +30,20 @@ constexpr CommandRow kCommands[] = {
     {Command::CopyPicture, {'C', ShiftCtrl}, {}, text::MenuCopyPicture, Needs::Tables},
     {Command::SavePicture, {}, {}, text::MenuSavePicture, Needs::Tables},
     {Command::FindName, {'F', ShiftCtrl}, {}, text::FindCaption, Needs::Nothing},
-    {Command::RenameTable, {F(2)}, {}, text::MenuAlias, Needs::SelectedTable},
-    {Command::MinimizeTable, {KeyCodeSpace, ShiftShift}, {}, text::MenuMinimise, Needs::SelectedTable},
+    {Command::RenameTable, {F(2)}, {}, text::MenuAlias, Needs::Nothing},
+    {Command::MinimizeTable, {KeyCodeSpace, ShiftShift}, {}, text::MenuMinimise, Needs::Nothing},
     {Command::DeleteSelected, {KeyCodeDelete}, {}, text::MenuDelete, Needs::Nothing},
-    {Command::TickColumn, {KeyCodeSpace}, {}, text::MenuOutput, Needs::SelectedColumn},
-    {Command::JoinFromHere, {'J', ShiftCtrl}, {}, text::MenuJoinFromHere, Needs::SelectedColumn},
+    {Command::TickColumn, {KeyCodeSpace}, {}, text::MenuOutput, Needs::Nothing},
+    {Command::JoinFromHere, {'J', ShiftCtrl}, {}, text::MenuJoinFromHere, Needs::Nothing},
     {Command::OpenSelected, {KeyCodeEnter}, {}, text::MenuProperties, Needs::Nothing},
     {Command::ContextMenu, {F(10), ShiftShift}, {KeyCodeMenu}, text::NoText, Needs::Nothing},
-    {Command::EditCell, {F(2)}, {}, text::NoText, Needs::Cell},
-    {Command::OpenList, {F(4)}, {}, text::NoText, Needs::Cell},
-    {Command::ZoomCell, {F(2), ShiftShift}, {}, text::MenuZoom, Needs::Cell},
-    {Command::InsertRows, {KeyCodeInsert}, {}, text::MenuInsertRow, Needs::Row},
-    {Command::DeleteRows, {KeyCodeDelete}, {}, text::MenuDeleteRow, Needs::Row},
-    {Command::MoveRowsUp, {KeyCodeUp, ShiftAlt}, {}, text::MenuMoveUp, Needs::Row},
-    {Command::MoveRowsDown, {KeyCodeDown, ShiftAlt}, {}, text::MenuMoveDown, Needs::Row},
+    {Command::EditCell, {F(2)}, {}, text::NoText, Needs::Nothing},
+    {Command::OpenList, {F(4)}, {}, text::NoText, Needs::Nothing},
+    {Command::ZoomCell, {F(2), ShiftShift}, {}, text::MenuZoom, Needs::Nothing},
+    {Command::InsertRows, {KeyCodeInsert}, {}, text::MenuInsertRow, Needs::Nothing},
+    {Command::DeleteRows, {KeyCodeDelete}, {}, text::MenuDeleteRow, Needs::Nothing},
+    {Command::MoveRowsUp, {KeyCodeUp, ShiftAlt}, {}, text::MenuMoveUp, Needs::Nothing},
+    {Command::MoveRowsDown, {KeyCodeDown, ShiftAlt}, {}, text::MenuMoveDown, Needs::Nothing},
     {Command::CopyCells, {'C', ShiftCtrl}, {}, text::MenuCopy, Needs::Nothing},
     {Command::PasteCells, {'V', ShiftCtrl}, {}, text::MenuPaste, Needs::Nothing},
     {Command::ApplyText, {KeyCodeEnter, ShiftCtrl}, {F(5)}, text::CommandApply, Needs::Nothing},
@@ -59,6 +59,14 @@ constexpr CommandRow kCommands[] = {
     {Command::Connect, {'O', kCtrlShift}, {}, text::ConnectItem, Needs::Nothing},
     {Command::SaveQueryAs, {'S', kCtrlShift}, {}, text::SaveAsItem, Needs::Nothing},
     {Command::CopyValuesWithNames, {'C', kCtrlShift}, {}, text::CopyWithNames, Needs::Nothing},
+    {Command::NewQuery, {'N', ShiftCtrl}, {}, text::NewQueryItem, Needs::Nothing},
+    {Command::OpenQuery, {'O', ShiftCtrl}, {}, text::OpenQueryItem, Needs::Nothing},
+    {Command::SaveQuery, {'S', ShiftCtrl}, {}, text::SaveItem, Needs::Nothing},
+    {Command::Quit, {'Q', ShiftCtrl}, {}, text::QuitItem, Needs::Nothing},
+    {Command::Undo, {'Z', ShiftCtrl}, {}, text::UndoItem, Needs::Nothing},
+    {Command::Redo, {'Y', ShiftCtrl}, {'Z', kCtrlShift}, text::RedoItem, Needs::Nothing},
+    {Command::GiveParameters, {}, {}, text::ParametersItem, Needs::Nothing},
+    {Command::ClearQuery, {}, {}, text::ClearItem, Needs::Tables},
 };
 
 constexpr bool InOrder() {
@@ -86,6 +94,18 @@ constexpr KeyName kKeyNames[] = {
 std::span<const CommandRow> Commands() { return kCommands; }
 
 const CommandRow& RowOf(Command command) { return kCommands[static_cast<std::size_t>(command)]; }
+
+bool CanGive(Command command, const CommandGround& ground) {
+  switch (RowOf(command).needs) {
+    case CommandNeeds::Nothing:
+      return true;
+    case CommandNeeds::Connection:
+      return ground.connection;
+    case CommandNeeds::Tables:
+      return ground.tables;
+  }
+  return true;
+}
 
 bool Asks(Key key, Command command) {
   const CommandRow& row = RowOf(command);

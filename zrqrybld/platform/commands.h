@@ -55,10 +55,24 @@ enum class Command : std::uint8_t {
   Connect,
   SaveQueryAs,
   CopyValuesWithNames,
+  NewQuery,
+  OpenQuery,
+  SaveQuery,
+  Quit,
+  Undo,
+  Redo,
+  GiveParameters,
+  ClearQuery,
 };
 
-/// When a command can be given, for whoever shows it: what has to be there.
-enum class CommandNeeds : std::uint8_t { Nothing, Connection, Tables, SelectedTable, SelectedColumn, Row, Cell };
+/// What has to be there before a command can be given, beside what it is given for.
+enum class CommandNeeds : std::uint8_t { Nothing, Connection, Tables };
+
+/// What is there.
+struct CommandGround {
+  bool connection = false;
+  bool tables = false;  ///< in the diagram
+};
 
 /// A key with the modifiers that are held.
 struct Key {
@@ -79,6 +93,9 @@ struct CommandRow {
 /// All commands, in the order of their numbers.
 std::span<const CommandRow> Commands();
 const CommandRow& RowOf(Command command);
+
+/// Whether what the command needs is there.
+bool CanGive(Command command, const CommandGround& ground);
 
 /// Whether the key asks for the command.
 bool Asks(const KeyEvent& event, Command command);

@@ -6,6 +6,7 @@
 
 #include "zrqrybld/adapters/qt/qt_geometry.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/platform/commands.h"
 
 namespace zrqrybld {
 namespace {
@@ -95,13 +96,9 @@ KeyEvent ToKeyEvent(const QKeyEvent& event) {
   return key;
 }
 
-bool IsUndoKey(const QKeyEvent& event) { return event.key() == Qt::Key_Z && ToShift(event.modifiers()) == ShiftCtrl; }
+bool IsUndoKey(const QKeyEvent& event) { return Asks(ToKeyEvent(event), Command::Undo); }
 
-bool IsRedoKey(const QKeyEvent& event) {
-  const std::int32_t shift = ToShift(event.modifiers());
-  return (event.key() == Qt::Key_Y && shift == ShiftCtrl) ||
-         (event.key() == Qt::Key_Z && shift == (ShiftCtrl | ShiftShift));
-}
+bool IsRedoKey(const QKeyEvent& event) { return Asks(ToKeyEvent(event), Command::Redo); }
 
 MouseEvent ToMouseEvent(const QMouseEvent& event) {
   const bool moving = event.type() == QEvent::MouseMove;

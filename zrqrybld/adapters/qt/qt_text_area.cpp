@@ -7,22 +7,20 @@
 #include <QMenu>
 #include <QPaintEvent>
 #include <QPainter>
-#include <QPolygonF>
-#include <QPushButton>
 #include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QTextBlock>
-#include <QTextLayout>
 #include <algorithm>
 #include <memory>
 #include <utility>
 
 #include "zrqrybld/adapters/qt/announcer.h"
 #include "zrqrybld/adapters/qt/find_bar.h"
-#include "zrqrybld/adapters/qt/plain_tip.h"
 #include "zrqrybld/adapters/qt/qt_input.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/adapters/qt/remark_line.h"
 #include "zrqrybld/adapters/qt/say.h"
+#include "zrqrybld/adapters/qt/text_colors.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_qt.h"
 
@@ -30,9 +28,7 @@ namespace zrqrybld {
 namespace {
 
 constexpr int kTabCharacters = 4;
-constexpr std::size_t kLineEnd = 2;  // CR LF in `Text()`
 constexpr int kMarginPadding = 8;
-constexpr int kRemarkPadding = 3;
 constexpr int kFewestDigits = 2;  // the margin of a short text does not jump at line 10
 
 QString FixedFamily() {
@@ -48,35 +44,6 @@ QString ToDocumentText(std::string_view text) {
   return lines;
 }
 
-// Moves `position` behind the next character of the line and returns its size in `Text()`: a lone half of a surrogate
-// pair is written as U+FFFD, and a line separator, which Shift+Enter makes, as CR LF.
-std::size_t NextSize(QStringView line, qsizetype& position) {
-  const QChar c = line[position++];
-  if (c.isHighSurrogate() && position < line.size() && line[position].isLowSurrogate()) {
-    ++position;
-    return 4;
-  }
-  if (c == QChar::LineSeparator) return 2;
-  return c.unicode() < 0x80 ? 1 : c.unicode() < 0x800 ? 2 : 3;
-}
-
-std::size_t SizeOf(QStringView line) {
-  std::size_t bytes = 0;
-  for (qsizetype position = 0; position < line.size();) bytes += NextSize(line, position);
-  return bytes;
-}
-
-// A place in a line, in bytes of `Text()` and in units of Qt. It only moves on, so that a long line is walked once.
-struct LinePlace {
-  std::size_t bytes = 0;
-  qsizetype units = 0;
-
-  // Moves to `target`; a byte inside a character counts all of it.
-  void MoveTo(QStringView line, std::size_t target) {
-    while (bytes < target && units < line.size()) bytes += NextSize(line, units);
-  }
-};
-
 // The menu key is turned into a wish for the menu by the platform; Shift+F10 is on Windows only.
 bool OpensMenu([[maybe_unused]] const QKeyEvent& event) {
 #ifdef Q_OS_WIN
@@ -84,17 +51,6 @@ bool OpensMenu([[maybe_unused]] const QKeyEvent& event) {
 #else
   return event.key() == Qt::Key_F10 && ToShift(event.modifiers()) == ShiftShift;
 #endif
-}
-
-QTextCharFormat ToFormat(const TextSpan& span, const Theme& theme) {
-  QTextCharFormat format;
-  format.setForeground(theme.Of(span.role));
-  if (span.bold) format.setFontWeight(QFont::Bold);
-  if (span.role == ColorRole::Error) {
-    format.setUnderlineStyle(QTextCharFormat::WaveUnderline);
-    format.setUnderlineColor(theme.Of(ColorRole::Error));
-  }
-  return format;
 }
 
 }  // namespace
@@ -112,89 +68,13 @@ class QtTextArea::Margin final : public QWidget {
   QtTextArea& area_;
 };
 
-// One line below the text for what there is to say about it; hidden while there is nothing.
-class QtTextArea::RemarkLine final : public QWidget {
- public:
-  explicit RemarkLine(QtTextArea& area) : QWidget(&area), area_(area) { hide(); }
-
-  void SetRemarks(const std::vector<std::string>& remarks) {
-    remarks_.clear();
-    for (const std::string& remark : remarks) remarks_.push_back(ToQString(remark));
-    setToolTip(PlainTip(remarks_.join(QLatin1Char('\n'))));
-    setAccessibleName(remarks_.join(QLatin1Char(' ')));
-    setVisible(!remarks_.isEmpty());
-    update();
-  }
-  void SetCommands(std::vector<TextCommand> commands) {
-    for (QPushButton* button : buttons_) button->deleteLater();  // it may be the one that is pressed
-    buttons_.clear();
-    for (TextCommand& command : commands) {
-      auto* button = new QPushButton(ToQString(command.caption), this);
-      button->setFocusPolicy(Qt::NoFocus);  // pressing it does not leave the text
-      button->setFont(area_.parentWidget() ? area_.parentWidget()->font() : QApplication::font());
-      connect(button, &QPushButton::clicked, this,
-              [this, run = std::move(command.run)] { area_.boundary_.Run([&run] { run(); }); });
-      button->show();
-      buttons_.push_back(button);
-    }
-    PlaceButtons();
-  }
-  int Height() const {
-    int height = remarks_.isEmpty() ? 0 : fontMetrics().height() + 2 * kRemarkPadding;
-    for (const QPushButton* button : buttons_) height = std::max(height, button->sizeHint().height());
-    return height;
-  }
-
- protected:
-  void paintEvent(QPaintEvent*) override {
-    const Theme& theme = area_.GetTheme();
-    QPainter painter(this);
-    painter.fillRect(rect(), theme.Of(ColorRole::Surface));
-    const int size = fontMetrics().ascent();
-    const QRectF sign(kMarginPadding, (height() - size) / 2.0, size, size);
-    PaintSign(painter, sign, theme);
-    const int left = static_cast<int>(sign.right()) + kMarginPadding;
-    QString more;
-    if (remarks_.size() > 1) more = Say(area_.Texts(), text::MoreRemarks, remarks_.size() - 1);
-    const int room = buttonsLeft_ - left - kMarginPadding - fontMetrics().horizontalAdvance(more);
-    painter.setPen(theme.Of(ColorRole::QuietText));
-    painter.drawText(QRect(left, 0, width() - left, height()), Qt::AlignVCenter | Qt::TextSingleLine,
-                     fontMetrics().elidedText(remarks_.value(0), Qt::ElideRight, room) + more);
-  }
-  void resizeEvent(QResizeEvent*) override { PlaceButtons(); }
-
- private:
-  void PlaceButtons() {
-    buttonsLeft_ = width();
-    for (auto button = buttons_.rbegin(); button != buttons_.rend(); ++button) {
-      buttonsLeft_ -= (*button)->sizeHint().width();
-      (*button)->setGeometry(buttonsLeft_, 0, (*button)->sizeHint().width(), height());
-    }
-  }
-
-  // A triangle with an exclamation mark.
-  static void PaintSign(QPainter& painter, const QRectF& place, const Theme& theme) {
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(theme.Of(ColorRole::Warning), 1.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.drawPolygon(QPolygonF{QPointF(place.center().x(), place.top()), place.bottomRight(), place.bottomLeft()});
-    const qreal x = place.center().x();
-    painter.drawLine(QPointF(x, place.top() + place.height() * 0.40), QPointF(x, place.top() + place.height() * 0.65));
-    painter.drawPoint(QPointF(x, place.top() + place.height() * 0.84));
-  }
-
-  QtTextArea& area_;
-  QStringList remarks_;
-  std::vector<QPushButton*> buttons_;
-  int buttonsLeft_ = 0;
-};
-
 QtTextArea::QtTextArea(QWidget* parent) : QPlainTextEdit(parent), theme_(palette()) {
   setLineWrapMode(NoWrap);
   setLayoutDirection(Qt::LeftToRight);  // SQL is written from left to right everywhere
   setFrameShape(NoFrame);
   announcer_ = new Announcer(this);
   margin_ = new Margin(*this);
-  remarks_ = new RemarkLine(*this);
+  remarks_ = new RemarkLine(*this, theme_, boundary_);
   find_ = new FindBar(*this, [this] {
     PlaceMargins();
     MarkText();
@@ -292,8 +172,7 @@ void QtTextArea::SetHighlighter(Highlighter highlighter) {
   Highlight();
 }
 
-// The whole text is looked at anew, because one character can open or close a comment over many lines; but only lines
-// whose looks change are laid out again.
+// The whole text is looked at anew, because one character can open or close a comment over many lines.
 void QtTextArea::Highlight() {
   std::vector<TextSpan> spans;
   if (highlighter_) {
@@ -303,34 +182,7 @@ void QtTextArea::Highlight() {
     });
   }
   if (fault_.length != 0) spans.push_back(fault_);
-  std::ranges::stable_sort(spans, {}, &TextSpan::start);
-
-  std::size_t lineStart = 0;
-  std::size_t first = 0;  // spans before this one end before the line
-  for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
-    const QString line = block.text();
-    const std::size_t lineEnd = lineStart + SizeOf(line);
-    QList<QTextLayout::FormatRange> formats;
-    LinePlace place;
-    while (first < spans.size() && spans[first].start + spans[first].length <= lineStart) ++first;
-    for (std::size_t i = first; i < spans.size() && spans[i].start < lineEnd; ++i) {
-      const std::size_t from = std::max(spans[i].start, lineStart) - lineStart;
-      const std::size_t to = std::min(spans[i].start + spans[i].length, lineEnd) - lineStart;
-      if (spans[i].start + spans[i].length <= lineStart || from >= to) continue;
-      place.MoveTo(line, from);
-      LinePlace end = place;
-      end.MoveTo(line, to);
-      formats.push_back(
-          {static_cast<int>(place.units), static_cast<int>(end.units - place.units), ToFormat(spans[i], theme_)});
-    }
-    QTextLayout& layout = *block.layout();
-    // While an input method composes, the line holds its marks; the text is coloured when it is done.
-    if (layout.preeditAreaText().isEmpty() && layout.formats() != formats) {
-      layout.setFormats(formats);
-      document()->markContentsDirty(block.position(), block.length());
-    }
-    lineStart = lineEnd + kLineEnd;
-  }
+  ColorText(*document(), std::move(spans), theme_);
 }
 
 void QtTextArea::MarkText() {
@@ -374,30 +226,6 @@ void QtTextArea::MarkBrackets(QList<QTextEdit::ExtraSelection>& marks) const {
     }
     return;
   }
-}
-
-std::size_t QtTextArea::OffsetOf(int position) const {
-  std::size_t offset = 0;
-  const QTextBlock last = document()->findBlock(position);
-  for (QTextBlock block = document()->begin(); block != last; block = block.next()) {
-    offset += SizeOf(block.text()) + kLineEnd;
-  }
-  const QString line = last.text();
-  return offset + SizeOf(QStringView(line).left(position - last.position()));
-}
-
-int QtTextArea::PositionOf(std::size_t offset) const {
-  for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
-    const QString line = block.text();
-    const std::size_t size = SizeOf(line) + kLineEnd;
-    if (offset < size) {
-      LinePlace place;
-      place.MoveTo(line, offset);
-      return block.position() + static_cast<int>(place.units);
-    }
-    offset -= size;
-  }
-  return document()->characterCount() - 1;
 }
 
 // --- Keys ---
@@ -478,6 +306,7 @@ void QtTextArea::keyReleaseEvent(QKeyEvent* event) {
 void QtTextArea::SetTexts(std::shared_ptr<const TextSource> texts) {
   texts_ = std::move(texts);
   find_->SetTexts(Texts());
+  remarks_->SetTexts(Texts());
 }
 
 void QtTextArea::contextMenuEvent(QContextMenuEvent* event) {
@@ -510,6 +339,7 @@ void QtTextArea::changeEvent(QEvent* event) {
     case QEvent::PaletteChange:
     case QEvent::StyleChange:
       theme_ = Theme(palette());
+      ForgetColors(*document());
       Highlight();
       MarkText();
       margin_->update();

@@ -13,23 +13,16 @@
 #include <vector>
 
 #include "zrqrybld/adapters/qt/event_boundary.h"
+#include "zrqrybld/adapters/qt/text_places.h"
 #include "zrqrybld/adapters/qt/theme.h"
 #include "zrqrybld/base/phrase.h"
 #include "zrqrybld/platform/editors.h"
 
 namespace zrqrybld {
 
-/// A piece of a text and how it looks. `start` and `length` count bytes of the UTF-8 text. A piece in
-/// the `Error` role is underlined as well, so that it is seen without colour.
-struct TextSpan {
-  std::size_t start = 0;
-  std::size_t length = 0;
-  ColorRole role = ColorRole::Text;
-  bool bold = false;
-};
-
 class Announcer;
 class FindBar;
+class RemarkLine;
 
 class QtTextArea : public QPlainTextEdit, public TextArea {
   Q_OBJECT
@@ -81,8 +74,8 @@ class QtTextArea : public QPlainTextEdit, public TextArea {
 
   /// The place in `Text()`, in bytes, of a position in the document, and the position of such a place; a byte inside a
   /// character counts all of it, and one behind the text is at its end.
-  std::size_t OffsetOf(int position) const;
-  int PositionOf(std::size_t offset) const;
+  std::size_t OffsetOf(int position) const { return zrqrybld::OffsetOf(*document(), position); }
+  int PositionOf(std::size_t offset) const { return zrqrybld::PositionOf(*document(), offset); }
 
   /// The colours in use; they follow the widget's palette.
   const Theme& GetTheme() const { return theme_; }
@@ -99,7 +92,6 @@ class QtTextArea : public QPlainTextEdit, public TextArea {
 
  private:
   class Margin;
-  class RemarkLine;
 
   void OnContentsChanged();
   void Highlight();

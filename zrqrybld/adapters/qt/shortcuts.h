@@ -13,4 +13,9 @@ inline QKeySequence ShortcutOf(Command command) {
   return QKeySequence(ToQString(KeyTextOf(command)), QKeySequence::PortableText);
 }
 
+/// The second one.
+inline QKeySequence OtherShortcutOf(Command command) {
+  return QKeySequence(ToQString(TextOf(RowOf(command).other)), QKeySequence::PortableText);
+}
+
 }  // namespace zrqrybld
