@@ -58,6 +58,7 @@ TEST_F(Accessibility, TheWholeDesignerReadsAsKept) {
   Grid().SetValue(2, "criteria", "> 10");
   Grid().Grid()->GotoRowCol(2, "criteria");
   Item("Customers", "CompanyName")->SetChecked(true);
+  Item("Customers", "City")->SetToolTipText("City: where they are");  // says nothing of the type
   Hub().DiagramPane()->SelectObject(Hub().Entities()->Item("Customers"));
   Designer().DiagramView().setFocus();
   std::string text;

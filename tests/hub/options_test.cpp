@@ -4,6 +4,7 @@
 #include "tests/diagram/diagram_fixture.h"
 #include "tests/error_of.h"
 #include "tests/fakes/fake_connection.h"
+#include "tests/stored_properties.h"
 #include "zrqrybld/hub/query_builder.h"
 
 namespace zrqrybld {
@@ -57,17 +58,19 @@ TEST_F(HubOptions, EveryOptionIsMarkedStoredAndReadBack) {
   hub->SetSaveLoadEntityItems(true);
   hub->SetSaveConnectionString(false);
   hub->SetAliasMaxLen(32767);
+  hub->SetSkipRecords(7);
+  hub->SetAutoSyntax(true);
   EXPECT_EQ(test::ErrorOf([&] { hub->SetAliasMaxLen(-1); }), ErrorInvalidPropertyValue);
-  MemoryPropertyStore store;
-  hub->WriteProperties(store);
-  EXPECT_EQ(store.Values().size(), 9u);
-  const Ref<qbQueryBuilder> other = qbQueryBuilder::Create();
-  other->ReadProperties(store);
-  EXPECT_EQ(Options(*other), "101010 1 32767 25%");
-  EXPECT_EQ(Options(*other), Options(*hub));
+  EXPECT_EQ(Options(*hub), "101010 1 32767 25%");
   EXPECT_EQ(marked,
             "AllowJoinProperties ConnectOnLoad DistinctRecords SelectTopRecords GetTablesOnConnect RetrieveFieldOrder "
-            "SaveLoadEntityItems SaveConnectionString AliasMaxLen ");
+            "SaveLoadEntityItems SaveConnectionString AliasMaxLen SkipRecords AutoSyntax ");
+  const Ref<qbQueryBuilder> other = qbQueryBuilder::Create();
+  other->ReadProperties(MemoryPropertyStore());
+  test::ExpectStored(hub, other,
+                     {"AllowJoinProperties", "ConnectOnLoad", "DistinctRecords", "SelectTopRecords",
+                      "GetTablesOnConnect", "RetrieveFieldOrder", "SaveLoadEntityItems", "SaveConnectionString",
+                      "AliasMaxLen", "SkipRecords", "AutoSyntax"});
 }
 
 TEST_F(HubOptions, StoredValuesOfTheWrongKindCountAsMissing) {

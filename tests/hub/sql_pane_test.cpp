@@ -1,5 +1,6 @@
 // The SQL pane in a whole designer: what of grid and options reaches the statement, remarks, keys, stored options.
 #include "tests/hub/hub_fixture.h"
+#include "tests/stored_properties.h"
 
 namespace zrqrybld {
 namespace {
@@ -63,8 +64,9 @@ TEST_F(SqlPane, OptionsAreMarkedStoredAndReadBack) {
   sql->SetLocked(true);
   sql->SetLikeOperator("REGEXP");
   EXPECT_EQ(marked, "SQLSyntax Locked LikeOperator ");
-  sql->WriteProperties(store);
   const Ref<qbSQLPane> other = qbSQLPane::Create();
+  test::ExpectStored(sql, other, {"SQLSyntax", "Locked", "LikeOperator"});
+  sql->WriteProperties(store);
   other->ReadProperties(store);
   other->AttachTextArea(&area);
   EXPECT_TRUE(other->SQLSyntax() == SQLSyntaxOracle && other->Locked() && area.IsReadOnly());

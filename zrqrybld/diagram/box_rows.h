@@ -61,6 +61,9 @@ class BoxRow final : public Object {
   /// What the column holds; shown as a small icon.
   TypeKind Kind() const { return kind_; }
   void SetKind(TypeKind kind);
+  /// What the source calls the column's type; "" when the row was not made from a source, or was brought back.
+  const std::string& DataTypeName() const { return dataTypeName_; }
+  void SetDataTypeName(std::string name) { dataTypeName_ = std::move(name); }
   /// What the query does with the column; the hub sets it from the grid.
   const ColumnNote& Note() const { return note_; }
   void SetNote(ColumnNote note);
@@ -82,6 +85,7 @@ class BoxRow final : public Object {
   Color foreColor_ = Color::System(8);
   Variant smallIcon_;
   TypeKind kind_ = TypeKind::None;
+  std::string dataTypeName_;
   ColumnNote note_;
   std::string toolTipText_;
 };

@@ -37,8 +37,10 @@ Phrase KindText(TypeKind kind) {
   return {};
 }
 
-// The type as the row's tool tip names it ("Freight: REAL"), else the kind of type that its icon shows.
+// The type's name. Of a row that was loaded or brought back only its tool tip may name it ("Freight: REAL"), else there
+// is the kind of type that its icon shows.
 Phrase TypeText(const BoxRow& row) {
+  if (!row.DataTypeName().empty()) return row.DataTypeName();
   const std::string& tip = row.ToolTipText();
   const std::string prefix = row.Text() + ": ";
   return tip.starts_with(prefix) ? tip.substr(prefix.size()) : KindText(row.Kind());

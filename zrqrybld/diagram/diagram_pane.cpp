@@ -6,8 +6,24 @@
 #include "zrqrybld/diagram/diagram_painter.h"
 #include "zrqrybld/diagram/diagram_parts.h"
 #include "zrqrybld/host/query_context.h"
+#include "zrqrybld/platform/stored_values.h"
 
 namespace zrqrybld {
+namespace {
+
+using F = DiagramProperties;
+constexpr StoredValue<F> kStored[] = {
+    Stored<F, &F::entityMinimizeButton>("EntityMinimizeButton"),
+    Stored<F, &F::entityBackColor>("EntityBackColor", kStoredAlways),
+    Stored<F, &F::entityForeColor>("EntityForeColor", kStoredAlways),
+    Stored<F, &F::entityFrameColor>("EntityFrameColor", kStoredAlways),
+    Stored<F, &F::backColor>("BackColor", kStoredAlways),
+    Stored<F, &F::oleDropMode>("OLEDropMode"),
+    Stored<F, &F::entityFont>("EntityFont", kStoredAlways),
+    Stored<F, &F::entityCaptionFont>("EntityCaptionFont", kStoredAlways),
+};
+
+}  // namespace
 
 qbDiagramPane::qbDiagramPane() : parts_(std::make_unique<DiagramParts>(*this)) {}
 
@@ -42,10 +58,10 @@ Ref<qbQueryBuilder> qbDiagramPane::QueryBuilder() const {
 
 // --- Appearance ---
 
-template <class T>
-void qbDiagramPane::Store(T& property, const T& value, std::string_view key) {
-  property = value;
-  PropertyChanged.Raise(key);
+template <auto Field, class T>
+void qbDiagramPane::Store(const T& value) {
+  parts_->properties.*Field = value;
+  PropertyChanged.Raise(StoredKey<Field>(kStored));
 }
 
 void qbDiagramPane::ApplyAppearance() {
@@ -68,61 +84,59 @@ void qbDiagramPane::SetItemsImageList(Ref<ImageList> images) {
 const Font& qbDiagramPane::EntityFont() const { return parts_->properties.entityFont; }
 
 void qbDiagramPane::SetEntityFont(const Font& font) {
-  Store(parts_->properties.entityFont, font, "EntityFont");
+  Store<&F::entityFont>(font);
   ApplyAppearance();
 }
 
 Color qbDiagramPane::EntityForeColor() const { return parts_->properties.entityForeColor; }
 
 void qbDiagramPane::SetEntityForeColor(Color color) {
-  Store(parts_->properties.entityForeColor, color, "EntityForeColor");
+  Store<&F::entityForeColor>(color);
   ApplyAppearance();
 }
 
 Color qbDiagramPane::EntityBackColor() const { return parts_->properties.entityBackColor; }
 
 void qbDiagramPane::SetEntityBackColor(Color color) {
-  Store(parts_->properties.entityBackColor, color, "EntityBackColor");
+  Store<&F::entityBackColor>(color);
   ApplyAppearance();
 }
 
 Color qbDiagramPane::BackColor() const { return parts_->properties.backColor; }
 
 void qbDiagramPane::SetBackColor(Color color) {
-  Store(parts_->properties.backColor, color, "BackColor");
+  Store<&F::backColor>(color);
   Refresh();
 }
 
 const Font& qbDiagramPane::EntityCaptionFont() const { return parts_->properties.entityCaptionFont; }
 
 void qbDiagramPane::SetEntityCaptionFont(const Font& font) {
-  Store(parts_->properties.entityCaptionFont, font, "EntityCaptionFont");
+  Store<&F::entityCaptionFont>(font);
   ApplyAppearance();
 }
 
 Color qbDiagramPane::EntityFrameColor() const { return parts_->properties.entityFrameColor; }
 
 void qbDiagramPane::SetEntityFrameColor(Color color) {
-  Store(parts_->properties.entityFrameColor, color, "EntityFrameColor");
+  Store<&F::entityFrameColor>(color);
   ApplyAppearance();
 }
 
 bool qbDiagramPane::EntityMinimizeButton() const { return parts_->properties.entityMinimizeButton; }
 
-void qbDiagramPane::SetEntityMinimizeButton(bool show) {
-  Store(parts_->properties.entityMinimizeButton, show, "EntityMinimizeButton");
-}
+void qbDiagramPane::SetEntityMinimizeButton(bool show) { Store<&F::entityMinimizeButton>(show); }
 
 OLEDropModeEnum qbDiagramPane::OLEDropMode() const { return parts_->properties.oleDropMode; }
 
-void qbDiagramPane::SetOLEDropMode(OLEDropModeEnum mode) { Store(parts_->properties.oleDropMode, mode, "OLEDropMode"); }
+void qbDiagramPane::SetOLEDropMode(OLEDropModeEnum mode) { Store<&F::oleDropMode>(mode); }
 
 void qbDiagramPane::ReadProperties(const PropertyStore& store) {
-  parts_->properties.Read(store);
+  ReadStored(kStored, store, parts_->properties);
   ApplyAppearance();
 }
 
-void qbDiagramPane::WriteProperties(PropertyStore& store) const { parts_->properties.Write(store); }
+void qbDiagramPane::WriteProperties(PropertyStore& store) const { WriteStored(kStored, store, parts_->properties); }
 
 void qbDiagramPane::OnSurfaceChanged() { ApplyAppearance(); }
 

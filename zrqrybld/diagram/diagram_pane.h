@@ -167,8 +167,8 @@ class qbDiagramPane final : public DiagramSite {
 
  private:
   qbDiagramPane();
-  template <class T>
-  void Store(T& property, const T& value, std::string_view key);
+  template <auto Field, class T>
+  void Store(const T& value);
   void ApplyAppearance();
 
   std::unique_ptr<DiagramParts> parts_;

@@ -9,8 +9,6 @@
 
 namespace zrqrybld {
 
-class PropertyStore;
-
 struct DiagramProperties {
   bool entityMinimizeButton = true;
   OLEDropModeEnum oleDropMode = OLEDropNone;
@@ -21,9 +19,6 @@ struct DiagramProperties {
   Font entityFont;
   Font entityCaptionFont;
   Ref<ImageList> itemsImageList;  ///< not stored
-
-  void Read(const PropertyStore& store);
-  void Write(PropertyStore& store) const;
 
   /// The sizes of the boxes on a surface, from the fonts.
   BoxMetrics MetricsOn(const Surface& surface) const;

@@ -191,7 +191,9 @@ void TablePicker::AddColumns(qbEntity& entity, const SchemaRestrictions& table) 
     item->Properties()->Add(column.isLong, "is_long");
     item->SetKind(KindOfType(column.type));
     const Ref<qbDataType> type = context_->DataTypes()->FindByIndicatorLong(column.type, column.isLong);
-    if (type) item->SetToolTipText(column.name + ": " + type->Name);
+    if (!type) continue;
+    entity.EntityBox()->Rows().At(static_cast<std::size_t>(item->Index()))->SetDataTypeName(type->Name);
+    item->SetToolTipText(column.name + ": " + type->Name);
   }
 }
 

@@ -16,6 +16,13 @@ constexpr Pixels kRowHeaderWidth = 22_px;
 constexpr Pixels kRowAir = 8_px;
 constexpr Pixels kHeaderAir = 10_px;
 
+using F = GridOptions;
+constexpr StoredValue<F> kStored[] = {
+    Stored<F, &F::allowColumnResize>("AllowColumnResize"),
+    Stored<F, &F::allowRowInsert>("AllowRowInsert"),
+    Stored<F, &F::font>("Font", kStoredAlways),
+};
+
 }  // namespace
 
 Ref<zrGrid> zrGrid::Create() {
@@ -31,7 +38,7 @@ zrGrid::~zrGrid() {
 }
 
 void zrGrid::SetFont(const zrqrybld::Font& font) {
-  font_ = font;
+  options_.font = font;
   editing_.SetFont(font);
   UpdateScrollBars();
   editing_.Place();
@@ -52,17 +59,12 @@ void zrGrid::OnSurfaceChanged() {
 }
 
 void zrGrid::ReadProperties(const PropertyStore& store) {
-  allowColumnResize_ = ReadBoolean(store, "AllowColumnResize", true);
-  allowRowInsert_ = ReadBoolean(store, "AllowRowInsert", true);
-  SetFont(ReadFont(store, "Font"));
+  ReadStored(kStored, store, options_);
+  SetFont(options_.font);
   Refresh();
 }
 
-void zrGrid::WriteProperties(PropertyStore& store) const {
-  store.Write("AllowColumnResize", allowColumnResize_, true);
-  store.Write("AllowRowInsert", allowRowInsert_, true);
-  store.Write("Font", ToVariant(font_));
-}
+void zrGrid::WriteProperties(PropertyStore& store) const { WriteStored(kStored, store, options_); }
 
 void zrGrid::SetAutoRedraw(bool redraw) {
   autoRedraw_ = redraw;
@@ -80,7 +82,7 @@ void zrGrid::Redraw() {
 
 GridLayout zrGrid::Layout() const {
   const ScreenScale scale = GetSurface().Scale();
-  const Pixels line = GetSurface().Metrics().LineHeight(font_);
+  const Pixels line = GetSurface().Metrics().LineHeight(options_.font);
   std::vector<Pixels> widths;
   widths.reserve(static_cast<std::size_t>(columns_->Count()));
   for (const Ref<zrGridColumn>& column : *columns_) {
@@ -171,11 +173,11 @@ void zrGrid::GotoRowCol(std::int32_t row, const Variant& column) {
 void zrGrid::FitColumn(const Variant& column, float least) {
   const std::size_t position = columns_->PositionOf(column);
   const TextMetrics& text = GetSurface().Metrics();
-  Pixels width = text.TextWidth(columns_->At(position).Caption(), font_);
+  Pixels width = text.TextWidth(columns_->At(position).Caption(), options_.font);
   if (columns_->At(position).DisplayAttribute() == kCheckedHeader) width += HeaderCheckBox({}).Right();
   const GridLayout::Range rows = Layout().VisibleRows(GetSurface().ViewSize().height);
   for (std::size_t row = rows.first; row <= rows.last; ++row) {
-    if (!IsCheckBoxColumn(position)) width = std::max(width, text.TextWidth(CellText(row, position), font_));
+    if (!IsCheckBoxColumn(position)) width = std::max(width, text.TextWidth(CellText(row, position), options_.font));
   }
   const Twips fitting = GetSurface().Scale().TwipsX(Pixels(std::ceil(width.Value())) + kGridTextPadding * 2 + 2_px);
   columns_->At(position).SetWidth(std::max(static_cast<float>(fitting.Value()), least));
@@ -214,7 +216,7 @@ void zrGrid::SelectRows(std::size_t first, std::size_t last) {
 void zrGrid::DeleteSelectedRows() {
   CommitEdit();
   const RowRange range = selection_.Range();
-  if (!allowRowInsert_ || range.Empty()) return;
+  if (!options_.allowRowInsert || range.Empty()) return;
   InBatch(GridWork::DeleteRows, [&] { DeleteRange(range); });
 }
 
@@ -232,7 +234,7 @@ void zrGrid::DeleteRange(RowRange range) {
 void zrGrid::InsertRows() {
   CommitEdit();
   const RowRange range = selection_.Range();
-  if (!allowRowInsert_ || range.Empty()) return;
+  if (!options_.allowRowInsert || range.Empty()) return;
   InBatch(GridWork::InsertRows, [&] { InsertRange(range); });
 }
 
@@ -264,7 +266,7 @@ bool zrGrid::MoveRows(int direction) {
 bool zrGrid::MoveRange(RowRange range, std::size_t before) {
   const auto count = static_cast<std::size_t>(rows_->Count());
   const bool stays = before >= range.first && before <= range.last + 1;
-  if (!allowRowInsert_ || stays || before < 1 || before > count + 1 || range.last > count) return false;
+  if (!options_.allowRowInsert || stays || before < 1 || before > count + 1 || range.last > count) return false;
   const std::size_t target = before < range.first ? before : before - range.Count();
   const bool selected = !selection_.Empty();
   InBatch(GridWork::MoveRows, [&] {

@@ -20,6 +20,7 @@
 #include "zrqrybld/grid/checked_header.h"
 #include "zrqrybld/grid/columns.h"
 #include "zrqrybld/grid/grid_layout.h"
+#include "zrqrybld/grid/grid_options.h"
 #include "zrqrybld/grid/row_selection.h"
 #include "zrqrybld/grid/rows.h"
 #include "zrqrybld/platform/control.h"
@@ -90,14 +91,14 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner, priv
   // --- Properties ---
 
   /// The font of headers and cells; the height of the rows follows it. An empty one is that of the surroundings.
-  const zrqrybld::Font& Font() const { return font_; }
+  const zrqrybld::Font& Font() const { return options_.font; }
   void SetFont(const zrqrybld::Font& font);
   /// Whether the user may drag the edges of the column headers; True at first.
-  bool AllowColumnResize() const { return allowColumnResize_; }
-  void SetAllowColumnResize(bool allow) { allowColumnResize_ = allow; }
+  bool AllowColumnResize() const { return options_.allowColumnResize; }
+  void SetAllowColumnResize(bool allow) { options_.allowColumnResize = allow; }
   /// Whether the user may add and delete rows; True at first.
-  bool AllowRowInsert() const { return allowRowInsert_; }
-  void SetAllowRowInsert(bool allow) { allowRowInsert_ = allow; }
+  bool AllowRowInsert() const { return options_.allowRowInsert; }
+  void SetAllowRowInsert(bool allow) { options_.allowRowInsert = allow; }
 
   /// The current column, from 1; 0 when no cell is current.
   std::int32_t Column() const { return static_cast<std::int32_t>(currentColumn_); }
@@ -278,9 +279,7 @@ class zrGrid final : public Control, private ColumnOwner, private RowOwner, priv
 
   Ref<zrGridColumns> columns_;
   Ref<zrGridRows> rows_;
-  zrqrybld::Font font_;
-  bool allowColumnResize_ = true;
-  bool allowRowInsert_ = true;
+  GridOptions options_;
   bool autoRedraw_ = true;
   bool focused_ = false;
   bool tellsLater_ = false;  // of another current cell, when rows were inserted

@@ -30,7 +30,7 @@ void zrGrid::PasteText(std::string_view text) {
     std::size_t place = firstRow;
     for (const std::vector<std::string>& line : ReadTabText(text)) {
       if (place > static_cast<std::size_t>(rows_->Count())) {
-        if (!allowRowInsert_) return;
+        if (!options_.allowRowInsert) return;
         rows_->Add();
         place = static_cast<std::size_t>(rows_->Count());
         AfterInsert.Raise(rows_->Count(), rows_->Count());

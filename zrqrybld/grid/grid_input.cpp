@@ -53,7 +53,7 @@ bool GridKeys::CommandKey(const KeyEvent& event) const {
     grid_.editing_.OnListKey(event);
     return true;
   }
-  const bool ofRows = grid_.allowRowInsert_ && !grid_.selection_.Empty();
+  const bool ofRows = grid_.options_.allowRowInsert && !grid_.selection_.Empty();
   if (ofRows && Asks(event, Command::DeleteRows)) {
     grid_.DeleteSelectedRows();
     return true;

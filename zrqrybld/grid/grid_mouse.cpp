@@ -51,7 +51,7 @@ void zrGrid::PressHeader(const GridHit& hit, const MouseEvent& event) {
     if (checked && HeaderCheckBox(header).Contains(event.position)) CheckColumn(hit.column);
     return;
   }
-  if (!allowColumnResize_) return;
+  if (!options_.allowColumnResize) return;
   gesture_ = SizingColumn{hit.column, event.position.x - header.Right()};
   GetSurface().SetCapture(true);
 }
@@ -66,7 +66,7 @@ void zrGrid::PressRowHeader(std::size_t row, const MouseEvent& event) {
     SelectRows(row, row);
   }
   MakeCurrent(row, currentColumn_ != 0 ? currentColumn_ : NextShownColumn(0, 1));
-  if (event.button != ButtonLeft || event.shift != ShiftNone || !allowRowInsert_) return;
+  if (event.button != ButtonLeft || event.shift != ShiftNone || !options_.allowRowInsert) return;
   gesture_ = MovingRows{event.position, row, false};
   GetSurface().SetCapture(true);
 }
@@ -96,7 +96,7 @@ void zrGrid::OnMouseMove(const MouseEvent& event) {
     return;
   }
   const GridHit hit = Layout().HitTest(event.position);
-  const bool edge = allowColumnResize_ && hit.part == GridPart::ColumnEdge;
+  const bool edge = options_.allowColumnResize && hit.part == GridPart::ColumnEdge;
   GetSurface().SetCursor(edge ? Cursor::ColumnSplit : Cursor::Arrow);
   const std::size_t header = hit.part == GridPart::ColumnHeader ? hit.column : 0;
   if (std::exchange(hoverHeader_, header) != header) Redraw();
@@ -156,7 +156,7 @@ void zrGrid::OnDoubleClick(const MouseEvent& event) {
   if (event.button == ButtonLeft) {
     // The second click of two on a check box is a click of its own.
     if (hit.part == GridPart::Cell) ToggleCheckBox(hit.row, hit.column);
-    if (hit.part == GridPart::ColumnEdge && allowColumnResize_) {
+    if (hit.part == GridPart::ColumnEdge && options_.allowColumnResize) {
       FitColumn(static_cast<std::int32_t>(hit.column),
                 static_cast<float>(GetSurface().Scale().TwipsX(kNarrowest).Value()));
     }
@@ -228,7 +228,7 @@ std::string zrGrid::ToolTipAt(PixelPoint point) const {
   const GridLayout layout = Layout();
   const GridHit hit = layout.HitTest(point);
   const auto unlessItFits = [&](const std::string& text, Pixels width) {
-    return GetSurface().Metrics().TextWidth(text, font_) > width - kGridTextPadding * 2 ? text : std::string();
+    return GetSurface().Metrics().TextWidth(text, options_.font) > width - kGridTextPadding * 2 ? text : std::string();
   };
   if (hit.part == GridPart::ColumnHeader) {
     return unlessItFits(columns_->At(hit.column).Caption(), layout.ColumnHeaderRect(hit.column).width);

@@ -57,7 +57,7 @@ void GridPainter::Paint() const {
       const PixelRect body{layout_.RowHeaderWidth(), layout_.HeaderHeight() + layout_.RowHeight(),
                            view_.width - layout_.RowHeaderWidth(), layout_.RowHeight() * 2};
       canvas_.FillRect(body, ColorRole::Box);
-      canvas_.DrawText(body.Inset(kGridTextPadding, {}), grid_.emptyText_, {ColorRole::QuietText, grid_.font_});
+      canvas_.DrawText(body.Inset(kGridTextPadding, {}), grid_.emptyText_, {ColorRole::QuietText, grid_.options_.font});
     }
     PaintHint();
   }
@@ -106,7 +106,7 @@ void GridPainter::PaintColumnHeader(const PixelRect& rect, std::size_t column) c
     text.left += taken;
     text.width -= taken;
   }
-  canvas_.DrawText(text, grid_.columns_->At(column).Caption(), {ColorRole::Text, grid_.font_});
+  canvas_.DrawText(text, grid_.columns_->At(column).Caption(), {ColorRole::Text, grid_.options_.font});
 }
 
 // What is wrong with the current cell stands below it, above it where there is no room.
@@ -115,14 +115,15 @@ void GridPainter::PaintHint() const {
   const std::string& hint = grid_.rows_->At(grid_.currentRow_).HintAt(grid_.currentColumn_);
   if (hint.empty()) return;
   const PixelRect cell = layout_.CellRect(grid_.currentRow_, grid_.currentColumn_);
-  const Pixels width = std::min(grid_.GetSurface().Metrics().TextWidth(hint, grid_.font_) + kGridTextPadding * 2 + 2_px,
-                                view_.width - layout_.RowHeaderWidth());
+  const Pixels width =
+      std::min(grid_.GetSurface().Metrics().TextWidth(hint, grid_.options_.font) + kGridTextPadding * 2 + 2_px,
+               view_.width - layout_.RowHeaderWidth());
   const Pixels left = std::max(std::min(cell.left, view_.width - width), layout_.RowHeaderWidth());
   const bool below = cell.Bottom() + cell.height <= view_.height;
   const PixelRect box{left, below ? cell.Bottom() : cell.top - cell.height, width, cell.height};
   canvas_.FillRect(box, ColorRole::Box);
   canvas_.StrokeRect(box, ColorRole::Error, 1_px);
-  canvas_.DrawText(box.Inset(kGridTextPadding, {}), hint, {ColorRole::Error, grid_.font_});
+  canvas_.DrawText(box.Inset(kGridTextPadding, {}), hint, {ColorRole::Error, grid_.options_.font});
 }
 
 void GridPainter::PaintCell(const PixelRect& rect, std::size_t row, std::size_t column) const {
@@ -142,7 +143,7 @@ void GridPainter::PaintCell(const PixelRect& rect, std::size_t row, std::size_t 
                      {.checked = value == Variant(true)});
   } else {
     canvas_.DrawText(rect.Inset(kGridTextPadding, {}), grid_.CellText(row, column),
-                     {ink, grid_.font_, AlignmentOf(grid_.columns_->At(column))});
+                     {ink, grid_.options_.font, AlignmentOf(grid_.columns_->At(column))});
   }
   if (!grid_.rows_->At(row).HintAt(column).empty()) {
     const PixelPoint corner{rect.Right() - 1_px, rect.top};

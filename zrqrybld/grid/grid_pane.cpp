@@ -2,7 +2,6 @@
 #include "zrqrybld/grid/grid_pane.h"
 
 #include <algorithm>
-#include <optional>
 
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/text.h"
@@ -15,7 +14,22 @@ namespace zrqrybld {
 namespace {
 
 constexpr int kInitialRows = 7;
-constexpr const char* kDateFormat = "dd-mmm-yyyy";
+
+// What a form stores of the pane, with what a new pane has.
+struct GridPaneOptions : DateOptions {
+  bool showGroupBy = true;
+  bool customContextMenu = false;
+  Font font;
+};
+
+using F = GridPaneOptions;
+constexpr StoredValue<F> kStored[] = {
+    Stored<F, &F::format>("DateFormat"),
+    Stored<F, &F::style>("DateFormatStyle"),
+    Stored<F, &F::showGroupBy>("ShowGroupBy"),  // this and those below are kept in the grid
+    Stored<F, &F::customContextMenu>("CustomContextMenu"),
+    Stored<F, &F::font>("Font", kStoredAlways),
+};
 
 // Whether a text that is dropped may name a field.
 bool IsFieldText(const std::string& text) {
@@ -123,43 +137,37 @@ void qbGridPane::AboutBox() {
 // --- Properties ---
 
 void qbGridPane::SetDateFormat(std::string format) {
-  dateFormat_ = std::move(format);
-  PropertyChanged.Raise("DateFormat");
+  dates_.format = std::move(format);
+  PropertyChanged.Raise(StoredKey<&F::format>(kStored));
 }
 
 void qbGridPane::SetDateFormatStyle(DateFormatEnum style) {
-  dateFormatStyle_ = style;
-  PropertyChanged.Raise("DateFormatStyle");
+  dates_.style = style;
+  PropertyChanged.Raise(StoredKey<&F::style>(kStored));
 }
 
 void qbGridPane::SetFont(const zrqrybld::Font& font) {
   grdPane_->SetFont(font);
-  PropertyChanged.Raise("Font");
+  PropertyChanged.Raise(StoredKey<&F::font>(kStored));
 }
 
 void qbGridPane::SetCustomContextMenu(bool custom) {
   grdPane_->SetCustomContextMenu(custom);
-  PropertyChanged.Raise("CustomContextMenu");
+  PropertyChanged.Raise(StoredKey<&F::customContextMenu>(kStored));
 }
 
 void qbGridPane::ReadProperties(const PropertyStore& store) {
-  const Variant dateFormat = store.Read("DateFormat", kDateFormat);
-  dateFormat_ = dateFormat.IsString() ? dateFormat.Text() : kDateFormat;
-  const std::optional<double> style = store.Read("DateFormatStyle", 0).Number();
-  dateFormatStyle_ = style && *style == 1 ? DateFormatEscapeSequence : DateFormatNative;
-  const bool groups = ReadBoolean(store, "ShowGroupBy", true);
-  grdPane_->SetCustomContextMenu(ReadBoolean(store, "CustomContextMenu", false));
-  grdPane_->SetFont(ReadFont(store, "Font"));
-  grouping_.Apply(groups);
+  GridPaneOptions stored;
+  ReadStored(kStored, store, stored);
+  dates_ = static_cast<const DateOptions&>(stored);
+  grdPane_->SetCustomContextMenu(stored.customContextMenu);
+  grdPane_->SetFont(stored.font);
+  grouping_.Apply(stored.showGroupBy);
   rows_.ReportChange();
 }
 
 void qbGridPane::WriteProperties(PropertyStore& store) const {
-  store.Write("DateFormat", dateFormat_, kDateFormat);
-  store.Write("DateFormatStyle", static_cast<std::int32_t>(dateFormatStyle_), 0);
-  store.Write("ShowGroupBy", ShowGroupBy(), true);
-  store.Write("CustomContextMenu", CustomContextMenu(), false);
-  store.Write("Font", ToVariant(Font()));
+  WriteStored(kStored, store, {dates_, ShowGroupBy(), CustomContextMenu(), Font()});
 }
 
 // --- Captions and lengths ---
@@ -224,8 +232,14 @@ void qbGridPane::SetShowGroupBy(bool show) {
   if (show == ShowGroupBy()) return;
   const StepScope step(rows_.Context(), kStepGrouping);
   grouping_.Apply(show);
-  PropertyChanged.Raise("ShowGroupBy");
+  PropertyChanged.Raise(StoredKey<&F::showGroupBy>(kStored));
   rows_.ReportChange();
+}
+
+void qbGridPane::RestoreShowGroupBy(bool show) {
+  if (show == ShowGroupBy()) return;
+  grouping_.Show(show);
+  PropertyChanged.Raise(StoredKey<&F::showGroupBy>(kStored));
 }
 
 // --- Fields in and out ---

@@ -94,7 +94,7 @@ class qbGridPane final : public Object {
   void SetValue(const Variant& row, const Variant& column, Variant value);
 
   /// How dates are written with `DateFormatNative`; "dd-mmm-yyyy" at first.
-  const std::string& DateFormat() const { return dateFormat_; }
+  const std::string& DateFormat() const { return dates_.format; }
   void SetDateFormat(std::string format);
   /// Whether the query groups, and the group-by column is shown; True at first.
   bool ShowGroupBy() const { return grouping_.IsShown(); }
@@ -103,7 +103,7 @@ class qbGridPane final : public Object {
   const zrqrybld::Font& Font() const { return grdPane_->Font(); }
   void SetFont(const zrqrybld::Font& font);
   /// Whether dates are written by `DateFormat` or in the escape form; `DateFormatNative` at first.
-  DateFormatEnum DateFormatStyle() const { return dateFormatStyle_; }
+  DateFormatEnum DateFormatStyle() const { return dates_.style; }
   void SetDateFormatStyle(DateFormatEnum style);
   /// Whether the application shows its own context menus; False at first.
   bool CustomContextMenu() const { return grdPane_->CustomContextMenu(); }
@@ -222,8 +222,7 @@ class qbGridPane final : public Object {
   FieldOutput output_{rows_, fields_, grouping_};
   CellRules rules_{rows_, sorting_, grouping_, AfterEditExpressionFormat};
   std::vector<EventConnection> links_;
-  std::string dateFormat_ = "dd-mmm-yyyy";
-  DateFormatEnum dateFormatStyle_ = DateFormatNative;
+  DateOptions dates_;
   FieldName before_;  // what the row named before the change that is going on
   std::optional<Change> change_;
   std::string currentText_;                 // of the current cell, as it was when it became current

@@ -60,10 +60,4 @@ void qbGridPane::Restore(const std::vector<SharedRowContent>& then) {
                      : RowReader(rows_.At(grdPane_->Row())).Text(static_cast<std::size_t>(grdPane_->Column()));
 }
 
-void qbGridPane::RestoreShowGroupBy(bool show) {
-  if (show == ShowGroupBy()) return;
-  grouping_.Show(show);
-  PropertyChanged.Raise("ShowGroupBy");
-}
-
 }  // namespace zrqrybld

@@ -15,6 +15,10 @@ namespace {
 constexpr Pixels kButtonWidth = 20_px;
 constexpr std::int32_t kPageOfItems = 8;
 
+constexpr StoredValue<ComboOptions> kStored[] = {
+    Stored<ComboOptions, &ComboOptions::hideEdit>("HideEdit"),
+};
+
 }  // namespace
 
 void zrSimpleCombo::AboutBox() {
@@ -83,7 +87,7 @@ void zrSimpleCombo::TextChanged() {
 }
 
 void zrSimpleCombo::TypeOver(const std::string& text) {
-  if (hideEdit_) {
+  if (options_.hideEdit) {
     SearchFor({0, ShiftNone, text});
     return;
   }
@@ -110,16 +114,18 @@ void zrSimpleCombo::SetMaxLength(std::int32_t characters) {
 }
 
 void zrSimpleCombo::SetHideEdit(bool hide) {
-  hideEdit_ = hide;
+  options_.hideEdit = hide;
   if (txtCombo_) txtCombo_->SetVisible(visible_ && !hide);
   GetSurface().Invalidate(Bounds());
-  PropertyChanged.Raise("HideEdit");
+  PropertyChanged.Raise(StoredKey<&ComboOptions::hideEdit>(kStored));
 }
 
 void zrSimpleCombo::ReadProperties(const PropertyStore& store) {
-  hideEdit_ = ReadBoolean(store, "HideEdit", false);
-  if (txtCombo_) txtCombo_->SetVisible(visible_ && !hideEdit_);
+  ReadStored(kStored, store, options_);
+  if (txtCombo_) txtCombo_->SetVisible(visible_ && !options_.hideEdit);
 }
+
+void zrSimpleCombo::WriteProperties(PropertyStore& store) const { WriteStored(kStored, store, options_); }
 
 // --- Place ---
 
@@ -150,8 +156,8 @@ void zrSimpleCombo::PlaceTextBox() {
 
 void zrSimpleCombo::Show() {
   visible_ = true;
-  TextBox().SetVisible(!hideEdit_);
-  if (!hideEdit_) {
+  TextBox().SetVisible(!options_.hideEdit);
+  if (!options_.hideEdit) {
     TextBox().Select(0, static_cast<std::int32_t>(CharacterCount(Text())));
     TextBox().SetFocus();
   }
@@ -171,7 +177,7 @@ void zrSimpleCombo::Paint(Canvas& canvas, const PixelRect& dirty) const {
   if (!bounds.Overlaps(dirty)) return;
   canvas.FillRect(bounds, ColorRole::Box);
   const PixelRect button = ButtonRect();
-  if (hideEdit_) {
+  if (options_.hideEdit) {
     const PixelRect text{bounds.left, bounds.top, bounds.width - button.width, bounds.height};
     canvas.DrawText(text.Inset(kGridTextPadding, {}), search_.empty() ? Text() : search_, {ColorRole::Text, font_});
   }
@@ -182,7 +188,7 @@ void zrSimpleCombo::Paint(Canvas& canvas, const PixelRect& dirty) const {
 
 void zrSimpleCombo::OnMouseDown(const MouseEvent& event) {
   const PixelRect bounds = Bounds();
-  const bool onButton = ButtonRect().Contains(event.position) || (hideEdit_ && bounds.Contains(event.position));
+  const bool onButton = ButtonRect().Contains(event.position) || (options_.hideEdit && bounds.Contains(event.position));
   if (event.button != ButtonLeft || !onButton) return;
   ToggleList();
   pressed_ = IsListOpen();
@@ -196,7 +202,7 @@ void zrSimpleCombo::OnMouseUp(const MouseEvent&) {
 
 bool zrSimpleCombo::OnKeyDown(const KeyEvent& event) {
   if (TextBoxKey(event)) return true;
-  return hideEdit_ && SearchFor(event);
+  return options_.hideEdit && SearchFor(event);
 }
 
 // Returns whether the key is kept from the text box.

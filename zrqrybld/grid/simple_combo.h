@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "zrqrybld/base/event.h"
+#include "zrqrybld/grid/grid_options.h"
 #include "zrqrybld/platform/control.h"
 #include "zrqrybld/platform/editors.h"
 #include "zrqrybld/platform/property_store.h"
@@ -81,7 +82,7 @@ class zrSimpleCombo final : public Control {
   std::int32_t MaxLength() const { return maxLength_; }
   void SetMaxLength(std::int32_t characters);
   /// Whether the text box is hidden and only the list can be used.
-  bool HideEdit() const { return hideEdit_; }
+  bool HideEdit() const { return options_.hideEdit; }
   void SetHideEdit(bool hide);
 
   /// A property was set: its key. The container marks it as changed.
@@ -89,7 +90,7 @@ class zrSimpleCombo final : public Control {
   /// Takes `HideEdit` from a stored form; False when it is missing.
   void ReadProperties(const PropertyStore& store);
   /// Stores `HideEdit`; False is left out.
-  void WriteProperties(PropertyStore& store) const { store.Write("HideEdit", hideEdit_, false); }
+  void WriteProperties(PropertyStore& store) const;
 
   // --- For the control whose cells it edits ---
 
@@ -155,7 +156,7 @@ class zrSimpleCombo final : public Control {
   zrqrybld::Font font_;
   PixelRect bounds_{};
   std::int32_t maxLength_ = 0;
-  bool hideEdit_ = false;
+  ComboOptions options_;
   bool assisted_ = false;
   bool visible_ = false;
   bool pressed_ = false;

@@ -1,7 +1,8 @@
-// The choice between the two ways in which date literals are written.
+// How date literals are written: in one of two ways.
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 namespace zrqrybld {
 
@@ -9,6 +10,13 @@ namespace zrqrybld {
 enum DateFormatEnum : std::int32_t {
   DateFormatNative = 0,          ///< as `DateFormat` says
   DateFormatEscapeSequence = 1,  ///< { d '...' } and the like
+};
+
+/// What a new grid pane says of dates.
+struct DateOptions {
+  std::string format = "dd-mmm-yyyy";
+  DateFormatEnum style = DateFormatNative;
+  friend bool operator==(const DateOptions&, const DateOptions&) = default;
 };
 
 }  // namespace zrqrybld

@@ -19,21 +19,17 @@
 #include "zrqrybld/grid/rows.h"
 #include "zrqrybld/host/date_format.h"
 #include "zrqrybld/host/step_names.h"
-#include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/hub/hub_options.h"
+#include "zrqrybld/sql/sql_pane_options.h"
 
 namespace zrqrybld {
 
 /// The options that belong to the query.
 struct DesignOptions {
-  bool distinct = false;
-  std::string top;
-  std::int32_t skip = 0;
+  QueryOptions query;
   bool showGroupBy = false;
-  std::string dateFormat;
-  DateFormatEnum dateFormatStyle = DateFormatNative;
-  SQLSyntaxEnum syntax = SQLSyntaxGeneric;
-  std::string likeOperator;
-  bool locked = false;
+  DateOptions dates;
+  SqlPaneOptions sql;
   friend bool operator==(const DesignOptions&, const DesignOptions&) = default;
 };
 

@@ -110,8 +110,8 @@ void qbQueryBuilder::Connect(const std::string& connectionString, ConnectionOrig
     connection->SetConnectionString(connectionString);
     connection->SetProperty("Prompt", static_cast<std::int32_t>(PromptComplete));
     connection->Open({}, {});
-    RetrieveConnectionInfo(*this, getTablesOnConnect_);
-    if (autoSyntax_) FollowSource();
+    RetrieveConnectionInfo(*this, options_.getTablesOnConnect);
+    if (options_.autoSyntax) FollowSource();
     if (!IsConnected()) throw Error(ErrorConnectionFailed, text::SourceSilent);
   } catch (const Error& error) {
     lastError_ = origin == ConnectionOrigin::File ? WithPasswordHint(error, connectionString) : error;
@@ -123,8 +123,8 @@ void qbQueryBuilder::Connect(const std::string& connectionString, ConnectionOrig
 void qbQueryBuilder::SetConnection(const Ref<zrqrybld::Connection>& connection) {
   StoreConnection(connection);
   if (!IsConnected()) return;
-  RetrieveConnectionInfo(*this, getTablesOnConnect_);
-  if (autoSyntax_) FollowSource();
+  RetrieveConnectionInfo(*this, options_.getTablesOnConnect);
+  if (options_.autoSyntax) FollowSource();
 }
 
 // --- Tables and joins ---
@@ -293,9 +293,9 @@ CriteriaContext qbQueryBuilder::CriteriaRules() const {
 
 QuerySnapshot qbQueryBuilder::Snapshot() const {
   QuerySnapshot snapshot = TakeSnapshot(*this, Entities().get(), gridPane_.get());
-  snapshot.distinct = distinctRecords_;
-  snapshot.top = selectTopRecords_;
-  snapshot.skip = skipRecords_;
+  snapshot.distinct = options_.distinctRecords;
+  snapshot.top = options_.selectTopRecords;
+  snapshot.skip = options_.skipRecords;
   snapshot.criteria = CriteriaRules();
   return snapshot;
 }
@@ -349,7 +349,7 @@ void qbQueryBuilder::DiagramCleared() {
 }
 
 void qbQueryBuilder::RelationshipActivated(const Ref<qbRelationship>& relationship) {
-  if (allowJoinProperties_) ShowJoinProperties(relationship);
+  if (options_.allowJoinProperties) ShowJoinProperties(relationship);
 }
 
 // --- Names ---

@@ -17,6 +17,7 @@
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/host/query_context.h"
 #include "zrqrybld/hub/history.h"
+#include "zrqrybld/hub/hub_options.h"
 #include "zrqrybld/platform/connection_policy.h"
 #include "zrqrybld/platform/property_store.h"
 #include "zrqrybld/sql/sql_pane.h"
@@ -51,8 +52,8 @@ class qbQueryBuilder final : public QueryContext {
   Ref<qbEntity> AddTable(const std::string& tableName);
 
   /// Whether a double-click on a join opens its properties.
-  bool AllowJoinProperties() const { return allowJoinProperties_; }
-  void SetAllowJoinProperties(bool allow) { Store(allowJoinProperties_, allow, "AllowJoinProperties"); }
+  bool AllowJoinProperties() const { return options_.allowJoinProperties; }
+  void SetAllowJoinProperties(bool allow);
 
   /// Shows what this library is.
   void AboutBox();
@@ -89,8 +90,8 @@ class qbQueryBuilder final : public QueryContext {
   void Disconnect() { Connection()->Close(); }
 
   /// Whether connecting also reads the tables and columns of the whole source.
-  bool GetTablesOnConnect() const { return getTablesOnConnect_; }
-  void SetGetTablesOnConnect(bool get) { Store(getTablesOnConnect_, get, "GetTablesOnConnect"); }
+  bool GetTablesOnConnect() const { return options_.getTablesOnConnect; }
+  void SetGetTablesOnConnect(bool get);
 
   /// The pane of query columns, or nothing. Linking another lets go of the one before.
   Ref<qbGridPane> GridPane() const { return gridPane_; }
@@ -140,39 +141,39 @@ class qbQueryBuilder final : public QueryContext {
   void SetSQLPane(const Ref<qbSQLPane>& pane);
 
   /// Whether loading a query also connects with the connection string saved in it; True at first.
-  bool ConnectOnLoad() const { return connectOnLoad_; }
-  void SetConnectOnLoad(bool connect) { Store(connectOnLoad_, connect, "ConnectOnLoad"); }
+  bool ConnectOnLoad() const { return options_.connectOnLoad; }
+  void SetConnectOnLoad(bool connect);
 
   /// SELECT DISTINCT.
-  bool DistinctRecords() const { return distinctRecords_; }
+  bool DistinctRecords() const { return options_.distinctRecords; }
   void SetDistinctRecords(bool distinct);
 
   /// The row limit: "", a number, or a number up to 100 followed by "%". Anything else is error 40005 and
   /// changes nothing.
-  const std::string& SelectTopRecords() const { return selectTopRecords_; }
+  const std::string& SelectTopRecords() const { return options_.selectTopRecords; }
   void SetSelectTopRecords(const std::string& value);
 
   /// How many rows are passed over before the first that is wanted; 0 at first. Only some dialects can say so. Error
   /// 40005 for a negative number.
-  std::int32_t SkipRecords() const { return skipRecords_; }
+  std::int32_t SkipRecords() const { return options_.skipRecords; }
   void SetSkipRecords(std::int32_t rows);
 
   /// Whether connecting chooses the dialect that the source speaks; False at first. A source that is not known, and a
   /// query file with a dialect of its own, keep theirs.
-  bool AutoSyntax() const { return autoSyntax_; }
-  void SetAutoSyntax(bool follow) { Store(autoSyntax_, follow, "AutoSyntax"); }
+  bool AutoSyntax() const { return options_.autoSyntax; }
+  void SetAutoSyntax(bool follow);
 
-  FieldOrderEnum RetrieveFieldOrder() const override { return retrieveFieldOrder_; }
+  FieldOrderEnum RetrieveFieldOrder() const override { return options_.retrieveFieldOrder; }
   /// The order of the columns of tables that are added from now on; those in the diagram keep theirs.
-  void SetRetrieveFieldOrder(FieldOrderEnum order) { Store(retrieveFieldOrder_, order, "RetrieveFieldOrder"); }
+  void SetRetrieveFieldOrder(FieldOrderEnum order);
 
   /// Whether a saved query carries the columns of its tables; False at first.
-  bool SaveLoadEntityItems() const { return saveLoadEntityItems_; }
-  void SetSaveLoadEntityItems(bool save) { Store(saveLoadEntityItems_, save, "SaveLoadEntityItems"); }
+  bool SaveLoadEntityItems() const { return options_.saveLoadEntityItems; }
+  void SetSaveLoadEntityItems(bool save);
 
   /// Whether a saved query carries the connection string; False at first.
-  bool SaveConnectionString() const { return saveConnectionString_; }
-  void SetSaveConnectionString(bool save) { Store(saveConnectionString_, save, "SaveConnectionString"); }
+  bool SaveConnectionString() const { return options_.saveConnectionString; }
+  void SetSaveConnectionString(bool save);
 
   /// Whether a saved connection string keeps its passwords; False at first. This is not stored with the options.
   bool SavePassword() const { return savePassword_; }
@@ -180,7 +181,7 @@ class qbQueryBuilder final : public QueryContext {
 
   /// The longest alias in characters that is typed into the grid or written into the statement; 0 means no limit. What
   /// is longer for another reason is cut in the statement, with a remark. Error 40005 for a negative number.
-  std::int16_t AliasMaxLen() const override { return aliasMaxLen_; }
+  std::int16_t AliasMaxLen() const override { return options_.aliasMaxLen; }
   void SetAliasMaxLen(std::int16_t characters);
 
   // --- Undo ---
@@ -261,7 +262,7 @@ class qbQueryBuilder final : public QueryContext {
   void SortByColumn(const std::string& entityCaption, const std::string& column, const std::string& type) override;
   void GroupColumn(const std::string& entityCaption, const std::string& column, const std::string& choice) override;
   void GoToCriterion(const std::string& entityCaption, const std::string& column) override;
-  bool CanEditJoins() const override { return allowJoinProperties_; }
+  bool CanEditJoins() const override { return options_.allowJoinProperties; }
 
   void ItemChecked(const std::string& entityCaption, const std::string& itemText, bool checked) override;
   void ItemRenamed(const std::string& entityCaption, const std::string& before, const std::string& after) override;
@@ -300,11 +301,8 @@ class qbQueryBuilder final : public QueryContext {
   void RestoreOptions(const DesignOptions& options);
   std::string TextOf(const History::Step* step) const;
 
-  template <class T>
-  void Store(T& option, const T& value, std::string_view key) {
-    option = value;
-    PropertyChanged.Raise(key);
-  }
+  template <auto Field, class T>
+  bool Store(const T& value);
 
   Ref<qbDiagramPane> diagramPane_;
   Ref<qbGridPane> gridPane_;
@@ -322,18 +320,8 @@ class qbQueryBuilder final : public QueryContext {
   std::unordered_map<std::string, std::string> rememberedValues_;
   std::vector<WeakRef<BoxRow>> noted_;               // rows of boxes that show what the grid does with them
   std::vector<Ref<qbDBFunction>> dialectFunctions_;  // those that came with the dialect
-  bool allowJoinProperties_ = false;
-  bool connectOnLoad_ = true;
-  bool distinctRecords_ = false;
-  std::string selectTopRecords_;
-  std::int32_t skipRecords_ = 0;
-  bool autoSyntax_ = false;
-  bool getTablesOnConnect_ = false;
-  FieldOrderEnum retrieveFieldOrder_ = FieldOrderDefault;
-  bool saveLoadEntityItems_ = false;
-  bool saveConnectionString_ = false;
+  HubOptions options_;
   bool savePassword_ = false;
-  std::int16_t aliasMaxLen_ = 0;
 };
 
 }  // namespace zrqrybld

@@ -15,7 +15,7 @@ bool qbQueryBuilder::SaveQuery(std::string& filename, bool returnData) {
     if (returnData) {
       filename = std::move(text);
     } else {
-      const bool holdsPassword = saveConnectionString_ && savePassword_;
+      const bool holdsPassword = options_.saveConnectionString && savePassword_;
       WriteWholeFile(filename, text + "\r\n", GetToolkit().Files(), holdsPassword);
     }
   });

@@ -9,24 +9,6 @@ namespace zrqrybld {
 
 // --- The design as it is ---
 
-DesignOptions qbQueryBuilder::CurrentOptions() const {
-  DesignOptions options;
-  options.distinct = distinctRecords_;
-  options.top = selectTopRecords_;
-  options.skip = skipRecords_;
-  if (gridPane_) {
-    options.showGroupBy = gridPane_->ShowGroupBy();
-    options.dateFormat = gridPane_->DateFormat();
-    options.dateFormatStyle = gridPane_->DateFormatStyle();
-  }
-  if (sqlPane_) {
-    options.syntax = sqlPane_->SQLSyntax();
-    options.likeOperator = sqlPane_->LikeOperator();
-    options.locked = sqlPane_->Locked();
-  }
-  return options;
-}
-
 // Only what was touched is looked at: a step costs what it changes.
 void qbQueryBuilder::TakeTables(DesignChange& change, bool withTicks) const {
   const Ref<qbEntities> entities = Entities();
@@ -173,22 +155,6 @@ void qbQueryBuilder::Restore(const Design& now, const Design& then) {
   if (now.options != then.options) RestoreOptions(then.options);
   EntitiesChanged(1);
   QueryChanged();
-}
-
-void qbQueryBuilder::RestoreOptions(const DesignOptions& options) {
-  if (options.distinct != distinctRecords_) Store(distinctRecords_, options.distinct, "DistinctRecords");
-  if (options.top != selectTopRecords_) Store(selectTopRecords_, options.top, "SelectTopRecords");
-  if (options.skip != skipRecords_) Store(skipRecords_, options.skip, "SkipRecords");
-  if (gridPane_) {
-    gridPane_->RestoreShowGroupBy(options.showGroupBy);
-    if (options.dateFormat != gridPane_->DateFormat()) gridPane_->SetDateFormat(options.dateFormat);
-    if (options.dateFormatStyle != gridPane_->DateFormatStyle()) gridPane_->SetDateFormatStyle(options.dateFormatStyle);
-  }
-  if (sqlPane_) {
-    if (options.syntax != sqlPane_->SQLSyntax()) sqlPane_->SetSQLSyntax(options.syntax);
-    if (options.likeOperator != sqlPane_->LikeOperator()) sqlPane_->SetLikeOperator(options.likeOperator);
-    if (options.locked != sqlPane_->Locked()) sqlPane_->SetLocked(options.locked);
-  }
 }
 
 std::string qbQueryBuilder::TextOf(const History::Step* step) const {

@@ -1,5 +1,4 @@
-// The options of the query: their rules, and how a form stores them.
-#include <limits>
+// The options of the query: their rules, how a form stores them, and those that are undone.
 #include <optional>
 
 #include "zrqrybld/base/error.h"
@@ -21,44 +20,83 @@ std::optional<std::string> LimitToStore(const std::string& value) {
   return NumberText(percentage) + "%";
 }
 
-std::int32_t ReadInteger(const PropertyStore& store, std::string_view key, std::int32_t smallest,
-                         std::int32_t largest) {
-  const std::optional<double> number = store.Read(key, 0).Number();
-  return number && *number >= smallest && *number <= largest ? static_cast<std::int32_t>(*number) : 0;
+bool ReadLimit(const Variant& stored, std::string& limit) {
+  const std::optional<std::string> read = LimitToStore(stored.Text());
+  if (read) limit = *read;
+  return read.has_value();
+}
+
+using F = HubOptions;
+constexpr StoredValue<F> kStored[] = {
+    Stored<F, &F::allowJoinProperties>("AllowJoinProperties", kStoredAlways),
+    Stored<F, &F::connectOnLoad>("ConnectOnLoad"),
+    Stored<F, &F::distinctRecords>("DistinctRecords"),
+    Stored<F, &F::selectTopRecords, &ReadLimit>("SelectTopRecords"),
+    Stored<F, &F::getTablesOnConnect>("GetTablesOnConnect"),
+    Stored<F, &F::retrieveFieldOrder>("RetrieveFieldOrder"),
+    Stored<F, &F::saveLoadEntityItems>("SaveLoadEntityItems"),
+    Stored<F, &F::saveConnectionString>("SaveConnectionString"),
+    Stored<F, &F::aliasMaxLen>("AliasMaxLen"),
+    Stored<F, &F::skipRecords>("SkipRecords"),
+    Stored<F, &F::autoSyntax>("AutoSyntax"),
+};
+
+// What a form leaves out is not in each case what a newly placed control has.
+HubOptions FormDefaults() {
+  HubOptions defaults;
+  defaults.getTablesOnConnect = true;
+  defaults.saveConnectionString = true;
+  return defaults;
 }
 
 }  // namespace
 
 // --- Options ---
 
+// Whether the option has changed. It is marked in any case.
+template <auto Field, class T>
+bool qbQueryBuilder::Store(const T& value) {
+  const bool changes = options_.*Field != value;
+  options_.*Field = value;
+  PropertyChanged.Raise(StoredKey<Field>(kStored));
+  return changes;
+}
+
+void qbQueryBuilder::SetAllowJoinProperties(bool allow) { Store<&F::allowJoinProperties>(allow); }
+
+void qbQueryBuilder::SetConnectOnLoad(bool connect) { Store<&F::connectOnLoad>(connect); }
+
+void qbQueryBuilder::SetGetTablesOnConnect(bool get) { Store<&F::getTablesOnConnect>(get); }
+
+void qbQueryBuilder::SetRetrieveFieldOrder(FieldOrderEnum order) { Store<&F::retrieveFieldOrder>(order); }
+
+void qbQueryBuilder::SetSaveLoadEntityItems(bool save) { Store<&F::saveLoadEntityItems>(save); }
+
+void qbQueryBuilder::SetSaveConnectionString(bool save) { Store<&F::saveConnectionString>(save); }
+
+void qbQueryBuilder::SetAutoSyntax(bool follow) { Store<&F::autoSyntax>(follow); }
+
 void qbQueryBuilder::SetDistinctRecords(bool distinct) {
   const StepScope step(RefTo(*this), kStepDistinct);
-  const bool changed = distinct != distinctRecords_;
-  Store(distinctRecords_, distinct, "DistinctRecords");
-  if (changed) QueryChanged();
+  if (Store<&F::distinctRecords>(distinct)) QueryChanged();
 }
 
 void qbQueryBuilder::SetSelectTopRecords(const std::string& value) {
   const std::optional<std::string> limit = LimitToStore(value);
   if (!limit) throw Error(ErrorInvalidPropertyValue, text::InvalidPropertyValue);
   const StepScope step(RefTo(*this), kStepRowLimit);
-  const bool changed = *limit != selectTopRecords_;
-  Store(selectTopRecords_, *limit, "SelectTopRecords");
-  if (changed) QueryChanged();
+  if (Store<&F::selectTopRecords>(*limit)) QueryChanged();
 }
 
 void qbQueryBuilder::SetSkipRecords(std::int32_t rows) {
   if (rows < 0) throw Error(ErrorInvalidPropertyValue, text::InvalidPropertyValue);
   const StepScope step(RefTo(*this), kStepRowLimit);
-  const bool changed = rows != skipRecords_;
-  Store(skipRecords_, rows, "SkipRecords");
-  if (changed) QueryChanged();
+  if (Store<&F::skipRecords>(rows)) QueryChanged();
 }
 
 void qbQueryBuilder::SetAliasMaxLen(std::int16_t characters) {
   if (characters < 0) throw Error(ErrorInvalidPropertyValue, text::InvalidPropertyValue);
-  const bool changed = characters != aliasMaxLen_;
-  Store(aliasMaxLen_, characters, "AliasMaxLen");
+  const bool changed = Store<&F::aliasMaxLen>(characters);
   if (gridPane_) gridPane_->ApplyAliasMaxLen();
   if (changed) QueryChanged();
 }
@@ -66,40 +104,52 @@ void qbQueryBuilder::SetAliasMaxLen(std::int16_t characters) {
 // --- Stored properties ---
 
 void qbQueryBuilder::InitProperties() {
-  connectOnLoad_ = true;
-  saveLoadEntityItems_ = false;
+  const HubOptions placed;
+  options_.connectOnLoad = placed.connectOnLoad;
+  options_.saveLoadEntityItems = placed.saveLoadEntityItems;
 }
 
 void qbQueryBuilder::ReadProperties(const PropertyStore& store) {
   const StepScope step(RefTo(*this), text::StepReadProperties);
-  allowJoinProperties_ = ReadBoolean(store, "AllowJoinProperties", false);
-  connectOnLoad_ = ReadBoolean(store, "ConnectOnLoad", true);
-  distinctRecords_ = ReadBoolean(store, "DistinctRecords", false);
-  selectTopRecords_ = LimitToStore(store.Read("SelectTopRecords", "").Text()).value_or("");
-  getTablesOnConnect_ = ReadBoolean(store, "GetTablesOnConnect", true);
-  retrieveFieldOrder_ =
-      static_cast<FieldOrderEnum>(ReadInteger(store, "RetrieveFieldOrder", FieldOrderDefault, FieldOrderOrdinal));
-  saveLoadEntityItems_ = ReadBoolean(store, "SaveLoadEntityItems", false);
-  saveConnectionString_ = ReadBoolean(store, "SaveConnectionString", true);
-  aliasMaxLen_ = static_cast<std::int16_t>(ReadInteger(store, "AliasMaxLen", 0, 32767));
-  skipRecords_ = ReadInteger(store, "SkipRecords", 0, std::numeric_limits<std::int32_t>::max());
-  autoSyntax_ = ReadBoolean(store, "AutoSyntax", false);
+  ReadStored(kStored, store, options_, FormDefaults());
   if (gridPane_) gridPane_->ApplyAliasMaxLen();
   QueryChanged();
 }
 
 void qbQueryBuilder::WriteProperties(PropertyStore& store) const {
-  store.Write("AllowJoinProperties", allowJoinProperties_);
-  store.Write("ConnectOnLoad", connectOnLoad_, true);
-  store.Write("DistinctRecords", distinctRecords_, false);
-  store.Write("SelectTopRecords", selectTopRecords_, "");
-  store.Write("GetTablesOnConnect", getTablesOnConnect_, true);
-  store.Write("RetrieveFieldOrder", static_cast<std::int32_t>(retrieveFieldOrder_), 0);
-  store.Write("SaveLoadEntityItems", saveLoadEntityItems_, false);
-  store.Write("SaveConnectionString", saveConnectionString_, true);
-  store.Write("AliasMaxLen", aliasMaxLen_, std::int16_t{0});
-  store.Write("SkipRecords", skipRecords_, 0);
-  store.Write("AutoSyntax", autoSyntax_, false);
+  WriteStored(kStored, store, options_, FormDefaults());
+}
+
+// --- Undone options ---
+
+DesignOptions qbQueryBuilder::CurrentOptions() const {
+  DesignOptions options;
+  options.query = static_cast<const QueryOptions&>(options_);
+  if (gridPane_) {
+    options.showGroupBy = gridPane_->ShowGroupBy();
+    options.dates = {gridPane_->DateFormat(), gridPane_->DateFormatStyle()};
+  }
+  if (sqlPane_) options.sql = {sqlPane_->SQLSyntax(), sqlPane_->Locked(), sqlPane_->LikeOperator()};
+  return options;
+}
+
+void qbQueryBuilder::RestoreOptions(const DesignOptions& options) {
+  const QueryOptions& query = options.query;
+  if (query.distinctRecords != options_.distinctRecords) Store<&F::distinctRecords>(query.distinctRecords);
+  if (query.selectTopRecords != options_.selectTopRecords) Store<&F::selectTopRecords>(query.selectTopRecords);
+  if (query.skipRecords != options_.skipRecords) Store<&F::skipRecords>(query.skipRecords);
+  if (gridPane_) {
+    gridPane_->RestoreShowGroupBy(options.showGroupBy);
+    const DateOptions& dates = options.dates;
+    if (dates.format != gridPane_->DateFormat()) gridPane_->SetDateFormat(dates.format);
+    if (dates.style != gridPane_->DateFormatStyle()) gridPane_->SetDateFormatStyle(dates.style);
+  }
+  if (sqlPane_) {
+    const SqlPaneOptions& sql = options.sql;
+    if (sql.syntax != sqlPane_->SQLSyntax()) sqlPane_->SetSQLSyntax(sql.syntax);
+    if (sql.likeOperator != sqlPane_->LikeOperator()) sqlPane_->SetLikeOperator(sql.likeOperator);
+    if (sql.locked != sqlPane_->Locked()) sqlPane_->SetLocked(sql.locked);
+  }
 }
 
 }  // namespace zrqrybld

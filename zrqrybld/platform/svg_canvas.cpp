@@ -5,41 +5,10 @@
 #include <cmath>
 
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/platform/theme_colors.h"
 
 namespace zrqrybld {
 namespace {
-
-// The built-in colours: a light theme, in the order of the roles.
-constexpr std::array<std::string_view, 27> kLightColors = {
-    "#eef1f4",  // Surface
-    "#5b6470",  // SurfaceText
-    "#ffffff",  // Box
-    "#8c949e",  // BoxFrame
-    "#b9d3f2",  // CaptionActive
-    "#1b2027",  // CaptionActiveText
-    "#eceef1",  // CaptionInactive
-    "#1b2027",  // CaptionInactiveText
-    "#1b2027",  // Text
-    "#5b6470",  // QuietText
-    "#eaf2fb",  // RowHover
-    "#cfe2f7",  // RowSelected
-    "#1b2027",  // RowSelectedText
-    "#f8f9fa",  // RowAlternate
-    "#d9dde2",  // GridLine
-    "#6b7280",  // Disabled
-    "#64748b",  // Join
-    "#1d6fc4",  // JoinHover
-    "#0b57a4",  // JoinSelected
-    "#b7791f",  // KeyIcon
-    "#0b57a4",  // Focus
-    "#c0261f",  // Error
-    "#8a5a00",  // Warning
-    "#1d4ed8",  // Keyword
-    "#8e2aa0",  // Literal
-    "#4b7353",  // Comment
-    "#1b2027",  // Identifier
-};
-static_assert(kLightColors.size() == static_cast<std::size_t>(ColorRole::Identifier) + 1);
 
 constexpr double kFontPixels = 12;
 constexpr double kBaseline = 4.2;  // below the middle of a line; not every viewer can centre a text itself
@@ -61,12 +30,9 @@ ColorRole RoleOfSystemColor(std::uint32_t number) {
 }
 
 std::string LightColor(const Ink& ink) {
-  if (const auto* role = std::get_if<ColorRole>(&ink))
-    return std::string(kLightColors[static_cast<std::size_t>(*role)]);
-  const Color color = std::get<Color>(ink);
-  if (color.IsSystem()) {
-    return std::string(kLightColors[static_cast<std::size_t>(RoleOfSystemColor(color.SystemNumber()))]);
-  }
+  const auto* role = std::get_if<ColorRole>(&ink);
+  Color color = role ? LightColorOf(*role) : std::get<Color>(ink);
+  if (color.IsSystem()) color = LightColorOf(RoleOfSystemColor(color.SystemNumber()));
   constexpr std::string_view kHex = "0123456789abcdef";
   std::string text = "#";
   for (const unsigned part : {color.Red(), color.Green(), color.Blue()}) {

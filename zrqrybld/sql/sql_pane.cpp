@@ -7,6 +7,7 @@
 #include "zrqrybld/platform/commands.h"
 #include "zrqrybld/platform/headless.h"
 #include "zrqrybld/platform/input.h"
+#include "zrqrybld/platform/stored_values.h"
 #include "zrqrybld/sql/generator.h"
 #include "zrqrybld/sql/lexer.h"
 #include "zrqrybld/sql/query_snapshot.h"
@@ -14,7 +15,30 @@
 namespace zrqrybld {
 namespace {
 
-constexpr std::string_view kLike = "LIKE";
+bool ReadSyntax(const Variant& stored, SQLSyntaxEnum& syntax) {
+  const std::optional<double> number = stored.Number();
+  for (const Dialect& dialect : AllDialects()) {
+    if (number != static_cast<double>(dialect.syntax)) continue;
+    syntax = dialect.syntax;
+    return true;
+  }
+  return false;
+}
+
+// A word of whatever kind.
+bool ReadLikeOperator(const Variant& stored, std::string& word) {
+  const std::string text = stored.Text();
+  if (Trim(text).empty()) return false;
+  word = text;
+  return true;
+}
+
+using F = SqlPaneOptions;
+constexpr StoredValue<F> kStored[] = {
+    Stored<F, &F::syntax, &ReadSyntax>("SQLSyntax"),
+    Stored<F, &F::locked>("Locked"),
+    Stored<F, &F::likeOperator, &ReadLikeOperator>("LikeOperator"),
+};
 
 }  // namespace
 
@@ -35,7 +59,7 @@ void qbSQLPane::AttachTextArea(TextArea* area) {
   const std::string text = textArea_->Text();
   textArea_ = area ? area : headless_.get();
   textArea_->SetText(text);
-  textArea_->SetReadOnly(locked_);
+  textArea_->SetReadOnly(options_.locked);
   textArea_->SetRemarks(Remarks());
   ListenToTextArea();
 }
@@ -150,42 +174,31 @@ void qbSQLPane::SetSQLStatement(const std::string& text) {
 }
 
 void qbSQLPane::SetSQLSyntax(SQLSyntaxEnum syntax) {
-  syntax_ = syntax;
+  options_.syntax = syntax;
   if (const Ref<QueryContext> context = context_.lock()) context->DialectChanged();
-  PropertyChanged.Raise("SQLSyntax");
+  PropertyChanged.Raise(StoredKey<&F::syntax>(kStored));
 }
 
 void qbSQLPane::SetLikeOperator(const std::string& word) {
-  const std::string before = std::exchange(likeOperator_, Trim(word).empty() ? std::string(kLike) : word);
+  const std::string before = options_.likeOperator;
+  options_.likeOperator = Trim(word).empty() ? SqlPaneOptions().likeOperator : word;
   const Ref<QueryContext> context = context_.lock();
-  if (context && before != likeOperator_) context->LikeOperatorChanged(before);
-  PropertyChanged.Raise("LikeOperator");
+  if (context && before != options_.likeOperator) context->LikeOperatorChanged(before);
+  PropertyChanged.Raise(StoredKey<&F::likeOperator>(kStored));
 }
 
 void qbSQLPane::SetLocked(bool locked) {
-  locked_ = locked;
+  options_.locked = locked;
   textArea_->SetReadOnly(locked);
-  PropertyChanged.Raise("Locked");
+  PropertyChanged.Raise(StoredKey<&F::locked>(kStored));
 }
 
 void qbSQLPane::ReadProperties(const PropertyStore& store) {
-  const std::optional<double> syntax = store.Read("SQLSyntax", static_cast<std::int32_t>(SQLSyntaxGeneric)).Number();
-  syntax_ = SQLSyntaxGeneric;
-  for (const Dialect& dialect : AllDialects()) {
-    if (syntax && *syntax == static_cast<double>(dialect.syntax)) syntax_ = dialect.syntax;
-  }
-  const Variant locked = store.Read("Locked", false);
-  locked_ = locked.Number() ? *locked.Number() != 0 : EqualsNoCase(locked.Text(), "True");
-  textArea_->SetReadOnly(locked_);
-  const std::string like = store.Read("LikeOperator", kLike).Text();
-  likeOperator_ = Trim(like).empty() ? std::string(kLike) : like;
+  ReadStored(kStored, store, options_);
+  textArea_->SetReadOnly(options_.locked);
 }
 
-void qbSQLPane::WriteProperties(PropertyStore& store) const {
-  store.Write("SQLSyntax", static_cast<std::int32_t>(syntax_), static_cast<std::int32_t>(SQLSyntaxGeneric));
-  store.Write("Locked", locked_, false);
-  store.Write("LikeOperator", likeOperator_, kLike);
-}
+void qbSQLPane::WriteProperties(PropertyStore& store) const { WriteStored(kStored, store, options_); }
 
 // --- The statement ---
 
@@ -195,7 +208,7 @@ std::string qbSQLPane::Generate(const std::string& orExpression, const std::stri
   context->TakeBackState();
   if (context->state() != InfoDone) return {};
   QuerySnapshot query = context->Snapshot();
-  const Dialect& dialect = DialectFor(syntax_);
+  const Dialect& dialect = DialectFor(options_.syntax);
   GeneratedSql generated = GenerateSelect(query, dialect, {orExpression, andExpression});
   diagnostics_ = Diagnose(query, dialect, generated);
   TranslateDiagnostics();
@@ -251,7 +264,7 @@ bool qbSQLPane::ParseSQLStatement(const std::string& sql) {
   const Ref<Object> alive = shared_from_this();  // a listener may let go of it
   const Ref<QueryContext> context = context_.lock();
   if (!context) throw Error(ErrorParsingText, text::NotLinked);
-  if (!DialectFor(syntax_).canBeParsed) {
+  if (!DialectFor(options_.syntax).canBeParsed) {
     throw Error(ErrorParsingText, text::CannotParseSyntax);
   }
   {

@@ -20,6 +20,7 @@
 #include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/joins.h"
 #include "zrqrybld/sql/parameters.h"
+#include "zrqrybld/sql/sql_pane_options.h"
 
 namespace zrqrybld {
 
@@ -89,15 +90,15 @@ class qbSQLPane final : public Object {
 
   /// The word that criteria are written with where they compare with a pattern; "LIKE" at first, and again when it is
   /// set to "". The text follows at the next `Refresh`.
-  const std::string& LikeOperator() const { return likeOperator_; }
+  const std::string& LikeOperator() const { return options_.likeOperator; }
   void SetLikeOperator(const std::string& word);
 
   /// Whether the user can only read the text; False at first. `Refresh` and `SetSQLStatement` write it all the same.
-  bool Locked() const { return locked_; }
+  bool Locked() const { return options_.locked; }
   void SetLocked(bool locked);
 
   /// The dialect; the text follows at the next `Refresh`.
-  SQLSyntaxEnum SQLSyntax() const { return syntax_; }
+  SQLSyntaxEnum SQLSyntax() const { return options_.syntax; }
   void SetSQLSyntax(SQLSyntaxEnum syntax);
 
   /// The text shown, with CR LF line ends. Setting it parses nothing.
@@ -150,9 +151,7 @@ class qbSQLPane final : public Object {
   std::unique_ptr<TextArea> headless_;
   TextArea* textArea_;
   std::vector<EventConnection> links_;  // to the text area
-  SQLSyntaxEnum syntax_ = SQLSyntaxGeneric;
-  std::string likeOperator_ = "LIKE";
-  bool locked_ = false;
+  SqlPaneOptions options_;
   bool busy_ = false;      // a statement is being parsed
   bool edited_ = false;    // the text is the user's
   bool outdated_ = false;  // the query has changed since

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <vector>
 
+#include "zrqrybld/platform/theme_colors.h"
+
 namespace zrqrybld {
 namespace {
 
@@ -27,22 +29,12 @@ constexpr GroundTint kGroundTints[] = {
     {ColorRole::RowAlternate, false, 0.025},
 };
 
-// Colours that the palette does not know, as 0xRRGGBB on a light and on a dark ground.
-struct OwnColor {
-  ColorRole role;
-  QRgb light;
-  QRgb dark;
-  double contrast;
-};
-constexpr OwnColor kOwnColors[] = {
-    {ColorRole::Join, 0x64748b, 0x94a3b8, Theme::kLineContrast},
-    {ColorRole::KeyIcon, 0xb7791f, 0xe3b341, Theme::kLineContrast},
-    {ColorRole::Error, 0xc0261f, 0xff8a80, Theme::kTextContrast},
-    {ColorRole::Warning, 0x8a5a00, 0xe0b050, Theme::kTextContrast},
-    {ColorRole::Keyword, 0x1d4ed8, 0x82b1ff, Theme::kTextContrast},
-    {ColorRole::Literal, 0x8e2aa0, 0xdca8f0, Theme::kTextContrast},
-    {ColorRole::Comment, 0x4b7353, 0x8fbf98, Theme::kTextContrast},
-};
+// Of the roles that have a colour of their own; the others of these are text.
+constexpr ColorRole kOwnLines[] = {ColorRole::Join, ColorRole::KeyIcon};
+
+QColor Opaque(Color color) {
+  return {static_cast<int>(color.Red()), static_cast<int>(color.Green()), static_cast<int>(color.Blue())};
+}
 
 struct SystemRole {
   std::uint32_t number;
@@ -173,7 +165,11 @@ Theme::Theme(const QPalette& palette) : palette_(palette), partPalette_(palette)
   setInk(ColorRole::JoinHover, Blend(highlight, extreme, 0.15), kLineContrast);
   setInk(ColorRole::JoinSelected, highlight, kLineContrast);
   setInk(ColorRole::Focus, highlight, kLineContrast);
-  for (const OwnColor& own : kOwnColors) setInk(own.role, QColor(dark_ ? own.dark : own.light), own.contrast);
+  for (const RoleColors& own : AllRoleColors()) {
+    if (!own.dark) continue;
+    const bool isLine = std::ranges::find(kOwnLines, own.role) != std::end(kOwnLines);
+    setInk(own.role, Opaque(dark_ ? *own.dark : own.light), isLine ? kLineContrast : kTextContrast);
+  }
 
   for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
     partPalette_.setColor(group, QPalette::Button, Of(ColorRole::CaptionInactive));
@@ -189,7 +185,7 @@ QColor Theme::Of(const Ink& ink) const {
   if (const auto* role = std::get_if<ColorRole>(&ink)) return Of(*role);
   const Color color = std::get<Color>(ink);
   if (color.IsSystem()) return SystemColor(color.SystemNumber());
-  return {static_cast<int>(color.Red()), static_cast<int>(color.Green()), static_cast<int>(color.Blue())};
+  return Opaque(color);
 }
 
 QColor Theme::SystemColor(std::uint32_t number) const {
