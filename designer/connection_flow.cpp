@@ -1,5 +1,6 @@
 #include "designer/connection_flow.h"
 
+#include <QApplication>
 #include <QCoreApplication>
 #include <QInputDialog>
 #include <QLabel>
@@ -81,7 +82,7 @@ QString ConnectionFlow::RefusalOf(const std::string& connectionString) {
 bool ConnectionFlow::MayOpenSaved(const std::string& connectionString) {
   if (connectSaved_ || WasUsed(connectionString)) return true;
   if (!asks_) return false;
-  QMessageBox box(QMessageBox::Question, QCoreApplication::applicationName(), Say(*texts_, text::AskSavedConnection),
+  QMessageBox box(QMessageBox::Question, QApplication::applicationDisplayName(), Say(*texts_, text::AskSavedConnection),
                   QMessageBox::NoButton, window_);
   box.setTextFormat(Qt::PlainText);
   box.setInformativeText(ToQString(FirstCharacters(ConnectionString(connectionString).Masked(), kShownConnection)));

@@ -33,6 +33,7 @@ std::vector<KeyRow> KeyRows() {
       {kSame, {GoToRows}, {}, text::DoesGoToRows},
       {kSame, {NextPane, PreviousPane}, {}, text::DoesPanes},
       {kSame, {AddTables}, {}, text::DoesAddTables},
+      {kSame, {ShowSchemaTree}, {}, text::DoesSchemaTree},
       {kSame, {NewQuery, OpenQuery, SaveQuery, SaveQueryAs}, {}, text::DoesFiles},
       {kSame, {OpenDatabase, Connect}, {}, text::DoesSources},
       {kSame, {}, KeyTextOf(Undo) + " · " + KeyTextOf(Redo) + ", " + TextOf(RowOf(Redo).other), text::DoesUndo},

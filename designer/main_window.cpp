@@ -14,10 +14,15 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
+#include <QSettings>
+#include <QStackedWidget>
 #include <QStatusBar>
+#include <QTimer>
 #include <QToolBar>
+#include <QToolButton>
 #include <QUrl>
 #include <algorithm>
+#include <array>
 #include <optional>
 
 #include "designer/appearance.h"
@@ -25,7 +30,9 @@
 #include "designer/key_list.h"
 #include "designer/plain_box.h"
 #include "designer/recent_connections.h"
+#include "designer/tool_icons.h"
 #include "designer/window_memory.h"
+#include "designer/zoom_box.h"
 #include "zrqrybld/adapters/qt/connection_choice.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
 #include "zrqrybld/adapters/qt/say.h"
@@ -46,6 +53,9 @@ namespace {
 
 constexpr float kNameColumnWidth = 2400;  // twips
 constexpr double kZoomStep = 1.25;
+constexpr int kToolIcon = 20;
+constexpr auto kSchemaTreeKey = "window/schemaTree";
+constexpr int kModifiedDelay = 250;  // milliseconds: asking writes the whole query
 constexpr int kDesignerShare = 500;  // pixels, of a window of usual height
 constexpr int kPreviewShare = 200;
 constexpr int kLeastPreview = 96;
@@ -58,8 +68,10 @@ MainWindow::MainWindow(const QString& languageFile)
       texts_(designer_->QueryBuilder().Texts()),
       commands_(*this, *texts_),
       languageFailure_(languageFile.isEmpty() ? QString() : LoadLanguage(languageFile)),
-      preview_(new PreviewPane(texts_)) {
+      preview_(new PreviewPane(texts_)),
+      tree_(new SchemaTree(*designer_, this)) {
   setWindowTitle(Say(*texts_, text::AppName));
+  setWindowIcon(ProgramIcon());
   panes_->addWidget(designer_);
   panes_->addWidget(preview_);
   panes_->setChildrenCollapsible(false);
@@ -68,7 +80,6 @@ MainWindow::MainWindow(const QString& languageFile)
   panes_->setStretchFactor(0, 1);
   preview_->setMinimumHeight(kLeastPreview);
   preview_->hide();
-  setCentralWidget(panes_);
   resize(1120, 780);
 
   qbQueryBuilder& hub = designer_->QueryBuilder();
@@ -76,6 +87,9 @@ MainWindow::MainWindow(const QString& languageFile)
 #if ZRQRYBLD_HAS_ODBC
   hub.GetToolkit().Providers()->Register(MakeWaitingProvider(std::make_shared<OdbcProvider>(), texts_));
 #endif
+  addDockWidget(Qt::LeftDockWidgetArea, tree_);
+  tree_->hide();
+  connect(tree_, &SchemaTree::Failed, this, &MainWindow::ShowError);
   hub.SetAllowJoinProperties(true);
   hub.SetAutoSyntax(true);
   // A plain tick means a plain column; grouping is a choice.
@@ -91,6 +105,9 @@ MainWindow::MainWindow(const QString& languageFile)
   connect(preview_, &PreviewPane::LeaveWanted, designer_, &QueryDesignerWidget::FocusPane);
   MakeMenus();
   MakeToolBar();
+  MakeStartPage();
+  commands_.Of(Command::StopPreview)->setEnabled(preview_->IsRunning());
+  connect(preview_, &PreviewPane::RunningChanged, commands_.Of(Command::StopPreview), &QAction::setEnabled);
   setAcceptDrops(true);
   source_ = new QLabel(this);
   source_->setTextFormat(Qt::PlainText);  // a file's name is no markup
@@ -98,6 +115,7 @@ MainWindow::MainWindow(const QString& languageFile)
   links_.push_back(hub.SQLPane()->SQLChanged.Connect([this] {
     options_->Refresh();
     UpdateState();
+    modifiedSoon_.start();
     if (recovery_) recovery_->Changed();
   }));
   hub.SQLPane()->Refresh();
@@ -117,7 +135,7 @@ void MainWindow::MakeDocument() {
             UpdateState();
             if (recovery_) recovery_->Keep();
           },
-          [this](const QString& text) { ShowHappened(text); }});
+          [this](const QString& text) { ShowHappened(text); }, [this] { preview_->Clear(); }});
 }
 
 // Names are long and captions differ by language: no caption is cut off where a little width shows it.
@@ -155,6 +173,15 @@ void MainWindow::MakeMenus() {
   QMenu* query = menuBar()->addMenu(Say(*texts_, text::QueryMenu));
   add(*query, Command::AddTables, [this] { PickTables(); });
   add(*query, Command::GiveParameters, [this] { AskForParameters(); });
+  query->addSeparator();
+  QAction* group = commands_.Add(Command::GroupRows, [this] {
+    qbGridPane& grid = *designer_->QueryBuilder().GridPane();
+    grid.SetShowGroupBy(!grid.ShowGroupBy());
+    UpdateState();
+  });
+  group->setCheckable(true);
+  query->addAction(group);
+  query->addSeparator();
   add(*query, Command::ClearQuery, [this] { designer_->QueryBuilder().DiagramPane()->Clear(); });
   query->addSeparator();
   add(*query, Command::RunPreview, [this] { RunPreview(); });
@@ -187,6 +214,14 @@ void MainWindow::MakeViewMenu(QMenu& view) {
   commands_.Of(Command::ZoomIn)->setShortcuts(QKeySequence::ZoomIn);
   commands_.Of(Command::ZoomOut)->setShortcuts(QKeySequence::ZoomOut);
   view.addSeparator();
+  // The key shows the tree and goes into it; again, and it is gone.
+  QAction* tree = commands_.Add(Command::ShowSchemaTree, [this] {
+    UpdateState();
+    if (tree_->isVisible()) tree_->TakeFocus();
+  });
+  tree->setCheckable(true);
+  connect(tree_, &SchemaTree::CloseWanted, tree, [tree] { tree->setChecked(false); });
+  view.addAction(tree);
   showPreview_ = view.addAction(Say(*texts_, text::ResultPreviewItem));
   showPreview_->setCheckable(true);
   connect(showPreview_, &QAction::toggled, preview_, &QWidget::setVisible);
@@ -247,11 +282,53 @@ void MainWindow::MakeThemeMenu(QMenu& menu) {
   }
 }
 
+// Shown as long as there is nothing to be seen in the panes, to whoever works with the window.
+void MainWindow::MakeStartPage() {
+  start_ = new StartPage(*texts_, commands_, [this] { return RecentEntries(); });
+  if (const QString sample = SampleDatabase(); !sample.isEmpty()) {
+    start_->OfferSample([this, sample] { OpenDropped(sample); });
+  }
+  connect(start_, &StartPage::EmptyWanted, this, [this] {
+    startPassed_ = true;
+    UpdateState();
+    designer_->SqlView().setFocus();
+  });
+  auto* pages = new QStackedWidget(this);
+  pages->addWidget(panes_);
+  pages->addWidget(start_);
+  setCentralWidget(pages);
+  modifiedSoon_.setSingleShot(true);
+  modifiedSoon_.setInterval(kModifiedDelay);
+  connect(&modifiedSoon_, &QTimer::timeout, this, [this] { setWindowModified(document_->IsModified()); });
+}
+
+QList<RecentEntry> MainWindow::RecentEntries() {
+  QList<RecentEntry> entries;
+  for (const QString& file : QueryDocument::RecentFiles()) {
+    entries.push_back(
+        {QFileInfo(file).fileName(), QDir::toNativeSeparators(file), [this, file] { document_->AskAndOpen(file); }});
+  }
+  for (const RecentConnection& recent : RecentConnections()) {
+    entries.push_back(
+        {SourceName(recent.text, *texts_), SourceTitle(recent.text, *texts_), [this, recent] { OpenRecent(recent); }});
+  }
+  return entries;
+}
+
 void MainWindow::MakeToolBar() {
+  using enum Command;
+  constexpr auto kBetween = std::optional<Command>();
   options_ = new QueryOptionsBar(designer_->QueryBuilder(), this);
-  QAction* const first = options_->actions().constFirst();
-  options_->insertAction(first, commands_.Of(Command::AddTables));
-  options_->insertSeparator(first);
+  options_->setIconSize(QSize(kToolIcon, kToolIcon));
+  options_->AddCommands(commands_, std::array<std::optional<Command>, 13>{OpenQuery, SaveQuery, kBetween, Undo, Redo,
+                                                                          kBetween, AddTables, RunPreview, StopPreview,
+                                                                          kBetween, GroupRows, FitToWindow, kBetween});
+  auto* zoom = new ZoomBox(*designer_->QueryBuilder().DiagramPane(), designer_->DiagramView(), commands_, *texts_);
+  options_->insertWidget(options_->actions().at(12), zoom);
+  for (const Command withText : {AddTables, RunPreview}) {
+    auto* button = qobject_cast<QToolButton*>(options_->widgetForAction(commands_.Of(withText)));
+    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+  }
   connect(options_, &QueryOptionsBar::Failed, this, &MainWindow::ShowError);
   connect(options_, &QueryOptionsBar::DialectChosen, this, [this] {
     qbQueryBuilder& hub = designer_->QueryBuilder();
@@ -300,14 +377,16 @@ void MainWindow::AskForConnection() {
 void MainWindow::FillRecentConnections(QMenu& menu) {
   menu.clear();
   for (const RecentConnection& recent : RecentConnections()) {
-    menu.addAction(SourceTitle(recent.text, *texts_).replace("&", "&&"), this, [this, recent] {
-      QString error;
-      const std::shared_ptr<ProviderConnection> connection = flow_->OpenRecent(recent, &error);
-      if (connection) error = ConnectTo(connection, true);
-      if (!error.isEmpty()) ShowError(error);
-    });
+    menu.addAction(SourceTitle(recent.text, *texts_).replace("&", "&&"), this, [this, recent] { OpenRecent(recent); });
   }
   if (menu.isEmpty()) menu.addAction(Say(*texts_, text::NoRecentConnections))->setEnabled(false);
+}
+
+void MainWindow::OpenRecent(const RecentConnection& recent) {
+  QString error;
+  const std::shared_ptr<ProviderConnection> connection = flow_->OpenRecent(recent, &error);
+  if (connection) error = ConnectTo(connection, true);
+  if (!error.isEmpty()) ShowError(error);
 }
 
 QString MainWindow::OpenConnection(const std::string& connectionString) { return Connect(connectionString, false); }
@@ -327,6 +406,8 @@ QString MainWindow::ConnectTo(const std::shared_ptr<ProviderConnection>& connect
     UseConnection(connection);
     document_->Reset();
     ShowHappened(Say(*texts_, text::ConnectedTo, sourceName_));
+    // The next step of whoever has chosen a source: its tables.
+    if (mayAsk && recovery_) QTimer::singleShot(0, this, &MainWindow::PickTables);
   });
 }
 
@@ -337,6 +418,7 @@ void MainWindow::UseConnection(const std::shared_ptr<ProviderConnection>& connec
   const Dialect* chosen = recovery_ ? FindDialect(RememberedDialect(connection->ConnectionString())) : nullptr;
   if (chosen) hub.SQLPane()->SetSQLSyntax(chosen->syntax);
   query_->SourceChanged();
+  tree_->SourceChanged();
   sourceName_ = SourceName(connection->ConnectionString(), *texts_);
   source_->setText(sourceName_);
   NoteUsed(connection->ConnectionString());
@@ -348,7 +430,9 @@ void MainWindow::UpdateTitle() {
   for (const QString& part : {document_->Name(), sourceName_, Say(*texts_, text::AppName)}) {
     if (!part.isEmpty()) parts += part;
   }
+  parts.first() += "[*]";  // where the system puts its mark
   setWindowTitle(parts.join(" - "));
+  setWindowModified(document_->IsModified());
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
@@ -358,6 +442,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
   if (!recovery_) return;
   recovery_.reset();
   flow_->SetAsks(false);
+  QSettings().setValue(kSchemaTreeKey, commands_.Of(Command::ShowSchemaTree)->isChecked());
   StoreLayout({*this, *panes_, *designer_});
 }
 
@@ -376,6 +461,11 @@ void MainWindow::dropEvent(QDropEvent* event) {
 
 void MainWindow::UpdateState() {
   const qbQueryBuilder& hub = designer_->QueryBuilder();
+  const bool atStart = recovery_ && !startPassed_ && !hub.IsConnected() && hub.Entities()->Count() == 0 &&
+                       !hub.SQLPane()->IsEdited() && document_->Name().isEmpty();
+  qobject_cast<QStackedWidget*>(centralWidget())->setCurrentWidget(atStart ? static_cast<QWidget*>(start_) : panes_);
+  tree_->setVisible(!atStart && commands_.Of(Command::ShowSchemaTree)->isChecked());
+  commands_.Of(Command::GroupRows)->setChecked(hub.GridPane()->ShowGroupBy());
   commands_.Update({.connection = hub.IsConnected(), .tables = hub.Entities()->Count() > 0});
 }
 
@@ -479,6 +569,8 @@ void MainWindow::BeginSession() {
   });
   recovery_->Start();
   flow_->SetAsks(true);
+  commands_.Of(Command::ShowSchemaTree)->setChecked(QSettings().value(kSchemaTreeKey, true).toBool());
+  UpdateState();
 }
 
 bool MainWindow::OfferLostWork() {
@@ -489,7 +581,7 @@ bool MainWindow::OfferLostWork() {
     return false;
   }
   const QString name = lost->Work().file.isEmpty() ? Say(*texts_, text::NeverSaved) : lost->Work().file;
-  QMessageBox box(QMessageBox::Question, QCoreApplication::applicationName(), Say(*texts_, text::AskBringBack),
+  QMessageBox box(QMessageBox::Question, QGuiApplication::applicationDisplayName(), Say(*texts_, text::AskBringBack),
                   QMessageBox::NoButton, this);
   box.setTextFormat(Qt::PlainText);
   box.setInformativeText(Say(*texts_, text::ChangedOn, name, QLocale().toString(lost->Time(), QLocale::ShortFormat)));
@@ -531,7 +623,7 @@ bool MainWindow::Recover(Recovery::Lost& lost) {
 
 // What cannot be brought back may still be of use to somebody who reads the file; nothing removes it unasked.
 void MainWindow::OfferToPutAside(Recovery::Lost& lost, const QString& reason) {
-  QMessageBox box(QMessageBox::Warning, QCoreApplication::applicationName(), Say(*texts_, text::CannotBringBack),
+  QMessageBox box(QMessageBox::Warning, QGuiApplication::applicationDisplayName(), Say(*texts_, text::CannotBringBack),
                   QMessageBox::NoButton, this);
   box.setTextFormat(Qt::PlainText);
   const QString file = Say(*texts_, text::ItIsIn, QDir::toNativeSeparators(lost.Path()),

@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QMainWindow>
 #include <QSplitter>
+#include <QTimer>
 #include <functional>
 #include <memory>
 #include <string>
@@ -15,6 +16,8 @@
 #include "designer/query_options_bar.h"
 #include "designer/query_preview.h"
 #include "designer/recovery.h"
+#include "designer/schema_tree.h"
+#include "designer/start_page.h"
 #include "zrqrybld/adapters/qt/query_designer_widget.h"
 #include "zrqrybld/platform/provider.h"
 
@@ -84,6 +87,9 @@ class MainWindow : public QMainWindow {
   void MakeViewMenu(QMenu& view);
   void MakeThemeMenu(QMenu& menu);
   void MakeToolBar();
+  void MakeStartPage();
+  QList<RecentEntry> RecentEntries();
+  void OpenRecent(const RecentConnection& recent);
   void AskForDatabase();
   void AskForConnection();
   void FillRecentConnections(QMenu& menu);
@@ -113,12 +119,16 @@ class MainWindow : public QMainWindow {
   CommandActions commands_;
   QString languageFailure_;
   PreviewPane* preview_;
+  SchemaTree* tree_;
   std::unique_ptr<ConnectionFlow> flow_;
   std::unique_ptr<QueryDocument> document_;
   std::unique_ptr<QueryPreview> query_;
   std::unique_ptr<Recovery> recovery_;  // while the designer works for a user
   QString sourceName_;
   QueryOptionsBar* options_ = nullptr;
+  StartPage* start_ = nullptr;
+  bool startPassed_ = false;
+  QTimer modifiedSoon_;
   QLabel* source_ = nullptr;
   QAction* showPreview_ = nullptr;
   std::vector<EventConnection> links_;

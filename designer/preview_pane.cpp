@@ -272,6 +272,7 @@ void PreviewPane::OfferCure(const QString& text) {
 void PreviewPane::SetRunning(bool running) {
   running_ = running;
   stop_->setEnabled(running_);
+  Q_EMIT RunningChanged(running_);
   if (running_) {
     tick_.start();
   } else {

@@ -63,6 +63,8 @@ class PreviewPane : public QWidget {
   void Failing();
   /// The user takes the way out that was offered.
   void CureWanted();
+  /// A statement runs now, or no longer.
+  void RunningChanged(bool running);
   /// The user asks to run the statement.
   void RunWanted();
   /// The user does not want to see the pane.

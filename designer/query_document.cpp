@@ -1,5 +1,6 @@
 #include "designer/query_document.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -67,7 +68,9 @@ void QueryDocument::Clear() {
   hub_.SetSelectTopRecords("");
   hub_.SetSkipRecords(0);
   hub_.SetDistinctRecords(false);
+  hub_.GridPane()->SetShowGroupBy(false);
   hub_.QueryChanged();
+  window_.emptied();
 }
 
 void QueryDocument::Reset() {
@@ -88,7 +91,7 @@ void QueryDocument::Load(const std::string& text) {
 
 bool QueryDocument::MaySetAside() {
   if (!IsModified()) return true;
-  QMessageBox box(QMessageBox::Question, QCoreApplication::applicationName(),
+  QMessageBox box(QMessageBox::Question, QApplication::applicationDisplayName(),
                   Say(*texts_, text::AskSaveChanges, file_.isEmpty() ? Say(*texts_, text::TheQuery) : Name()),
                   QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, parent_);
   box.setTextFormat(Qt::PlainText);
@@ -257,8 +260,9 @@ bool QueryDocument::Save() {
 
 // `Open` stands for another name.
 QMessageBox::StandardButton QueryDocument::AskAboutWritingOver() {
-  QMessageBox box(QMessageBox::Warning, QCoreApplication::applicationName(), Say(*texts_, text::AskWriteOver, Name()),
-                  QMessageBox::Save | QMessageBox::Open | QMessageBox::Cancel, parent_);
+  QMessageBox box(QMessageBox::Warning, QApplication::applicationDisplayName(),
+                  Say(*texts_, text::AskWriteOver, Name()), QMessageBox::Save | QMessageBox::Open | QMessageBox::Cancel,
+                  parent_);
   box.setTextFormat(Qt::PlainText);
   box.button(QMessageBox::Open)->setText(Say(*texts_, text::SaveAsItem));
   box.button(QMessageBox::Save)->setText(Say(*texts_, text::WriteOverIt));
@@ -315,11 +319,15 @@ void QueryDocument::Remember(const QString& file) {
   settings.setValue(kRecentKey, files);
 }
 
+QStringList QueryDocument::RecentFiles() {
+  QStringList files = QSettings().value(kRecentKey).toStringList();
+  files.removeIf([](const QString& file) { return !QFileInfo::exists(file); });
+  return files;
+}
+
 void QueryDocument::FillRecent(QMenu& menu) {
   menu.clear();
-  const QStringList files = QSettings().value(kRecentKey).toStringList();
-  for (const QString& file : files) {
-    if (!QFileInfo::exists(file)) continue;
+  for (const QString& file : RecentFiles()) {
     menu.addAction(QDir::toNativeSeparators(file).replace("&", "&&"), parent_, [this, file] { AskAndOpen(file); });
   }
   if (menu.isEmpty()) menu.addAction(Say(*texts_, text::NoRecentQueries))->setEnabled(false);

@@ -35,6 +35,8 @@ class QueryDocument {
     std::function<void()> changed;
     /// Something was done that the user may like to read.
     std::function<void(const QString& text)> happened;
+    /// The query is empty now: nothing of the one before may be shown as its.
+    std::function<void()> emptied;
   };
 
   /// Both must outlive the document.
@@ -68,12 +70,16 @@ class QueryDocument {
   /// the caller's to bring back.
   QString Recover(const KeptWork& work, const std::shared_ptr<ProviderConnection>& connection);
 
+  /// Opens a file, or the one that the user chooses, with the question about unsaved changes.
+  void AskAndOpen(const QString& file = {});
+
+  /// The files that were opened or saved last and are there, the newest first.
+  static QStringList RecentFiles();
   /// Whether the file's name is that of a query file.
   static bool IsQueryFile(const QString& file);
 
  private:
   void New();
-  void AskAndOpen(const QString& file = {});
   std::shared_ptr<ProviderConnection> TryConnection(const std::string& connectionString, QString* remark);
   bool Save();
   QMessageBox::StandardButton AskAboutWritingOver();

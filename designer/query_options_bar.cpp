@@ -27,6 +27,7 @@ QueryOptionsBar::QueryOptionsBar(qbQueryBuilder& hub, QWidget* parent)
       skip_(new QSpinBox(this)),
       distinct_(new QCheckBox(Say(*hub.Texts(), text::EachRowOnce), this)) {
   const TextSource& texts = *hub.Texts();
+  setObjectName(QStringLiteral("queryTools"));
   setMovable(false);
   const auto label = [this](const QString& text, QWidget* buddy) {
     auto* words = new QLabel(text, this);
@@ -81,6 +82,22 @@ QueryOptionsBar::QueryOptionsBar(qbQueryBuilder& hub, QWidget* parent)
   connect(distinct_, &QCheckBox::toggled, this,
           [this](bool on) { Change([this, on] { hub_.SetDistinctRecords(on); }); });
   Refresh();
+}
+
+void QueryOptionsBar::AddCommands(const CommandActions& commands, std::span<const std::optional<Command>> wanted) {
+  QAction* const first = actions().constFirst();
+  for (const std::optional<Command>& command : wanted) {
+    if (command) {
+      insertAction(first, commands.Of(*command));
+    } else {
+      insertSeparator(first);
+    }
+  }
+}
+
+void QueryOptionsBar::EditLimit() {
+  limit_->setFocus(Qt::ShortcutFocusReason);
+  limit_->selectAll();
 }
 
 void QueryOptionsBar::TakeLimit() {

@@ -8,7 +8,10 @@
 #include <QSpinBox>
 #include <QToolBar>
 #include <functional>
+#include <optional>
+#include <span>
 
+#include "designer/command_actions.h"
 #include "zrqrybld/hub/query_builder.h"
 
 namespace zrqrybld {
@@ -19,6 +22,11 @@ class QueryOptionsBar : public QToolBar {
  public:
   /// The hub must outlive it.
   explicit QueryOptionsBar(qbQueryBuilder& hub, QWidget* parent = nullptr);
+
+  /// Adds the buttons of these commands in front of what is there; nothing is a line between groups.
+  void AddCommands(const CommandActions& commands, std::span<const std::optional<Command>> wanted);
+  /// Gives the keyboard to the box with the row limit.
+  void EditLimit();
 
   /// Shows what the hub holds; a field that is being typed in keeps its text.
   void Refresh();

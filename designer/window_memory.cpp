@@ -12,6 +12,7 @@ namespace zrqrybld {
 namespace {
 
 constexpr auto kGeometryKey = "window/geometry";
+constexpr auto kDocksKey = "window/docks";
 constexpr auto kPanesKey = "window/panes";
 constexpr auto kDesignerKey = "window/designer";
 constexpr auto kZoomKey = "diagram/zoom";
@@ -29,6 +30,7 @@ void ForEachColumn(const QueryDesignerWidget& designer, const auto& work) {
 void StoreLayout(const RememberedWindow& remembered) {
   QSettings settings;
   settings.setValue(kGeometryKey, remembered.window.saveGeometry());
+  settings.setValue(kDocksKey, remembered.window.saveState());
   // A pane that is hidden would come back without a height.
   if (remembered.panes.widget(1)->isVisible()) settings.setValue(kPanesKey, remembered.panes.saveState());
   settings.setValue(kDesignerKey, remembered.designer.saveState());
@@ -42,6 +44,7 @@ void StoreLayout(const RememberedWindow& remembered) {
 void RestoreLayout(const RememberedWindow& remembered) {
   QSettings settings;
   remembered.window.restoreGeometry(settings.value(kGeometryKey).toByteArray());
+  remembered.window.restoreState(settings.value(kDocksKey).toByteArray());
   remembered.panes.restoreState(settings.value(kPanesKey).toByteArray());
   remembered.designer.restoreState(settings.value(kDesignerKey).toByteArray());
   const double zoom = settings.value(kZoomKey, 1.0).toDouble();

@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QInputDialog>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMenu>
 #include <QProcess>
 #include <QProcessEnvironment>
@@ -15,11 +16,13 @@
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTreeWidget>
+#include <algorithm>
 
 #include "designer/key_list.h"
 #include "designer/recent_connections.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/modal.h"
+#include "zrqrybld/adapters/qt/tables_window.h"
 #include "zrqrybld/base/text.h"
 
 namespace zrqrybld {
@@ -227,6 +230,105 @@ TEST(KeyList, IsFiltered) {
   EXPECT_GT(shown(), 30);
   list.findChild<QLineEdit*>()->setText("ctrl+space");
   EXPECT_EQ(shown(), 1);
+}
+
+// --- The first minutes ---
+
+template <class Button>
+void ClickOn(const QWidget& page, const QString& text) {
+  for (Button* button : page.findChildren<Button*>()) {
+    if (button->text() == text) return button->click();
+  }
+  ADD_FAILURE() << "there is no button " << text.toStdString();
+}
+
+TEST_F(Session, WithoutASourceTheWindowBeginsWithTheWaysToGetOne) {
+  MainWindow window;
+  const auto* start = window.findChild<StartPage*>();
+  EXPECT_FALSE(start->isVisibleTo(&window)) << "a script is offered nothing";
+  window.BeginSession();
+  window.show();
+  EXPECT_TRUE(start->isVisible());
+  EXPECT_FALSE(window.findChild<SchemaTree*>()->isVisible());
+  ClickOn<QAbstractButton>(*start, "Begin without a source");
+  EXPECT_FALSE(start->isVisible());
+  EXPECT_TRUE(window.findChild<QueryDesignerWidget*>()->isVisible());
+}
+
+TEST_F(Session, ASourceUsedLastIsOneClickAwayAndItsTablesAreOffered) {
+  RememberConnection("Provider=SQLite;Data Source=" ZRQRYBLD_SAMPLE_DB);
+  MainWindow window;
+  window.BeginSession();
+  window.show();
+  auto* list = window.findChild<StartPage*>()->findChild<QListWidget*>();
+  ASSERT_EQ(list->count(), 1);
+  EXPECT_EQ(list->item(0)->text(), "store.db");
+  list->setCurrentRow(0);
+  QTest::keyClick(list, Qt::Key_Return);
+  EXPECT_TRUE(QTest::qWaitFor([] { return qobject_cast<TablesWindow*>(QApplication::activeModalWidget()); }));
+  static_cast<QDialog*>(QApplication::activeModalWidget())->reject();
+  EXPECT_TRUE(QTest::qWaitFor([] { return !QApplication::activeModalWidget(); }));
+  EXPECT_FALSE(list->isVisible());
+  EXPECT_EQ(window.findChild<SchemaTree*>()->findChild<QTreeWidget*>()->topLevelItemCount(), 12);
+}
+
+QTreeWidgetItem* ItemNamed(const QTreeWidget& tree, const QString& name) {
+  return tree.findItems(name, Qt::MatchExactly | Qt::MatchRecursive).value(0);
+}
+
+TEST_F(Session, AColumnOfTheTreeBringsItsTableAndWhatLinksIt) {
+  MainWindow window;
+  window.BeginSession();
+  window.show();
+  ASSERT_EQ(Utf8(window.OpenDatabase(ZRQRYBLD_SAMPLE_DB)), "");
+  ASSERT_EQ(window.AddTables({"Customers"}), QStringList());
+  auto* dock = window.findChild<SchemaTree*>();
+  auto* tree = dock->findChild<QTreeWidget*>();
+  ASSERT_TRUE(tree->isVisible());
+  QTreeWidgetItem* table = ItemNamed(*tree, "Products");
+  ASSERT_TRUE(table);
+  EXPECT_EQ(table->childCount(), 0) << "columns are read when they are looked at";
+  table->setExpanded(true);
+  QTreeWidgetItem* column = ItemNamed(*tree, "ProductName");
+  ASSERT_TRUE(column);
+  EXPECT_NE(Utf8(column->text(1)), "");
+  EXPECT_TRUE(ItemNamed(*tree, "ProductID")->font(0).bold());
+
+  tree->setCurrentItem(column);
+  tree->setFocus();
+  QTest::keyClick(tree, Qt::Key_Return);
+  const std::string joined = Utf8(window.Statement());
+  EXPECT_NE(joined.find("Products.ProductName"), std::string::npos) << joined;
+  EXPECT_EQ(Hub(window).Entities()->Count(), 4) << joined;
+  EXPECT_EQ(std::ranges::count(joined, '='), 3) << joined;
+  // One step: one undo brings back the diagram with one table.
+  Hub(window).Undo();
+  EXPECT_EQ(Hub(window).Entities()->Count(), 1);
+  // A table that is there is ticked where it stands.
+  tree->setCurrentItem(ItemNamed(*tree, "Customers"));
+  tree->currentItem()->setExpanded(true);
+  tree->setCurrentItem(ItemNamed(*tree, "CompanyName"));
+  QTest::keyClick(tree, Qt::Key_Return);
+  EXPECT_EQ(Hub(window).Entities()->Count(), 1);
+  EXPECT_NE(window.Statement().indexOf("Customers.CompanyName"), -1);
+
+  auto* filter = dock->findChild<QLineEdit*>();
+  filter->setText("CUSTOM");
+  EXPECT_FALSE(ItemNamed(*tree, "Customers")->isHidden());
+  EXPECT_TRUE(ItemNamed(*tree, "Suppliers")->isHidden());
+}
+
+TEST_F(Session, TheTitleTellsWhatIsUnsaved) {
+  MainWindow window;
+  window.BeginSession();
+  window.show();
+  ASSERT_EQ(Utf8(window.OpenDatabase(ZRQRYBLD_SAMPLE_DB)), "");
+  EXPECT_EQ(Utf8(window.windowTitle()), "store.db[*] - Query Designer");
+  EXPECT_FALSE(window.isWindowModified());
+  ASSERT_EQ(window.AddTables({"Customers"}), QStringList());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return window.isWindowModified(); }));
+  Hub(window).Undo();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !window.isWindowModified(); }));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "zrqrybld/diagram/table_picker.h"
 
+#include <algorithm>
 #include <map>
 
 #include "zrqrybld/base/error.h"
@@ -160,6 +161,18 @@ std::optional<std::vector<SourceColumn>> TablePicker::ReadColumns(const std::str
   return ReadColumns(table.restrictions);
 }
 
+std::optional<std::vector<SourceColumn>> TablePicker::ReadColumnsAndKeys(const std::string& tableName) {
+  if (tableName.empty()) return std::nullopt;
+  const FoundTable table = FindTable(tableName);
+  if (table.row->Eof()) return std::nullopt;
+  std::vector<SourceColumn> columns = ReadColumns(table.restrictions);
+  for (const std::string& key : ReadKeyColumns(table.restrictions)) {
+    const auto column = std::ranges::find(columns, key, &SourceColumn::name);
+    if (column != columns.end()) column->isKey = true;
+  }
+  return columns;
+}
+
 std::vector<SourceColumn> TablePicker::ReadColumns(const SchemaRestrictions& table) {
   std::map<std::int32_t, SourceColumn> columns;
   const bool byOrdinal = context_->RetrieveFieldOrder() == FieldOrderOrdinal;
@@ -197,29 +210,41 @@ void TablePicker::AddColumns(qbEntity& entity, const SchemaRestrictions& table) 
   }
 }
 
-void TablePicker::MarkPrimaryKeys(qbEntity& entity, const SchemaRestrictions& table) {
+std::vector<std::string> TablePicker::ReadKeyColumns(const SchemaRestrictions& table) {
+  std::vector<std::string> keys;
   try {
     const auto rows = context_->Connection()->OpenSchema(SchemaKind::PrimaryKeys, table);
-    for (; !rows->Eof(); rows->MoveNext()) {
-      if (const Ref<qbEntityItem> item = entity.Items()->Item(rows->Text("COLUMN_NAME"))) item->SetBold(true);
-    }
+    for (; !rows->Eof(); rows->MoveNext()) keys.push_back(rows->Text("COLUMN_NAME"));
   } catch (const Error& error) {
     if (error.Number() != ErrorSchemaNotSupported) throw;
   }
+  return keys;
 }
 
-TableLists TablePicker::ListTables() {
-  TableLists lists;
+void TablePicker::MarkPrimaryKeys(qbEntity& entity, const SchemaRestrictions& table) {
+  for (const std::string& key : ReadKeyColumns(table)) {
+    if (const Ref<qbEntityItem> item = entity.Items()->Item(key)) item->SetBold(true);
+  }
+}
+
+std::vector<ListedTable> TablePicker::ReadTables() {
+  std::vector<ListedTable> tables;
   const NameRules rules = CurrentNameRules(*context_);
   const auto rows = context_->Connection()->OpenSchema(SchemaKind::Tables);
   for (; !rows->Eof(); rows->MoveNext()) {
     const std::string type = UpperAscii(rows->Text("TABLE_TYPE"));
-    std::string text = QualifiedText(rows->Text("TABLE_SCHEMA"), rows->Text("TABLE_NAME"), rules);
-    if (type == "TABLE") {
-      lists.tables.push_back(std::move(text));
-    } else if (type == "VIEW") {
-      lists.views.push_back(std::move(text));
-    }
+    if (type != "TABLE" && type != "VIEW") continue;
+    SourceTableName name{rows->Text("TABLE_SCHEMA"), rows->Text("TABLE_NAME")};
+    std::string text = QualifiedText(name.schema, name.table, rules);
+    tables.push_back({std::move(name), std::move(text), type == "VIEW"});
+  }
+  return tables;
+}
+
+TableLists TablePicker::ListTables() {
+  TableLists lists;
+  for (ListedTable& table : ReadTables()) {
+    (table.isView ? lists.views : lists.tables).push_back(std::move(table.text));
   }
   return lists;
 }

@@ -22,11 +22,19 @@ struct TableLists {
   std::vector<std::string> views;
 };
 
+/// A table or view as the data source lists it.
+struct ListedTable {
+  SourceTableName name;
+  std::string text;  ///< as lists show it, and as `AddTable` takes it
+  bool isView = false;
+};
+
 /// A column as the data source describes it.
 struct SourceColumn {
   std::string name;
   std::int32_t type = 0;  ///< a `DataTypeCode`
   bool isLong = false;
+  bool isKey = false;  ///< part of the primary key, as far as the source tells; filled by `ReadColumnsAndKeys` alone
 };
 
 /// What a column of this type shows in its box; `code` is a `DataTypeCode`.
@@ -53,8 +61,14 @@ class TablePicker {
   /// when the source has no such table. Errors are the source's own.
   std::optional<std::vector<SourceColumn>> ReadColumns(const std::string& tableName);
 
+  /// The same with the columns of the primary key marked, which is one question more.
+  std::optional<std::vector<SourceColumn>> ReadColumnsAndKeys(const std::string& tableName);
+
   /// Asks the source for its tables and views. Errors are the source's own.
   TableLists ListTables();
+
+  /// The same, in the source's order.
+  std::vector<ListedTable> ReadTables();
 
   /// Lets the user pick tables until the dialog is closed.
   void ShowTables();
@@ -72,6 +86,7 @@ class TablePicker {
   std::optional<FoundTable> FindListed(const std::string& tableName);
   std::vector<SourceColumn> ReadColumns(const SchemaRestrictions& table);
   void AddColumns(qbEntity& entity, const SchemaRestrictions& table);
+  std::vector<std::string> ReadKeyColumns(const SchemaRestrictions& table);
   void MarkPrimaryKeys(qbEntity& entity, const SchemaRestrictions& table);
 
   Ref<QueryContext> context_;

@@ -67,6 +67,8 @@ constexpr CommandRow kCommands[] = {
     {Command::Redo, {'Y', ShiftCtrl}, {'Z', kCtrlShift}, text::RedoItem, Needs::Nothing},
     {Command::GiveParameters, {}, {}, text::ParametersItem, Needs::Nothing},
     {Command::ClearQuery, {}, {}, text::ClearItem, Needs::Tables},
+    {Command::GroupRows, {}, {}, text::GroupRowsItem, Needs::Nothing},
+    {Command::ShowSchemaTree, {F(9)}, {}, text::SchemaTreeItem, Needs::Nothing},
 };
 
 constexpr bool InOrder() {

@@ -63,6 +63,8 @@ enum class Command : std::uint8_t {
   Redo,
   GiveParameters,
   ClearQuery,
+  GroupRows,
+  ShowSchemaTree,
 };
 
 /// What has to be there before a command can be given, beside what it is given for.
