@@ -73,9 +73,7 @@ class Printer {
       text_ += item == items ? words : ", ";
       AppendExpression(text_, *item->expression);
       if (item->descending) text_ += " DESC";
-      if (item->nulls.empty()) continue;
-      text_ += ' ';
-      AppendOnOneLine(text_, item->nulls);
+      text_ += WordsOf(item->nulls);
     }
   }
 

@@ -160,7 +160,7 @@ class Maker {
         row.alias = Any({"Total", "two words", "Größe", "select", "a\"b", "x]", "5th", "it's"});
       }
       if (!star && chance_.OneIn(3)) {
-        row.sort = {ReadSortDirection(Any({"Ascending", "Descending"})), ++sorted};
+        row.sort = {ReadSort(Any({"Ascending", "Descending"})).direction, ++sorted};
       }
       if (!star && chance_.OneIn(2)) AddCriteria(row, item.Kind());
       if (grouped_) ChooseGrouping(row, rows.empty());

@@ -93,6 +93,8 @@ TEST_F(ParseTest, MakesTheDesignerSayWhatTheStatementSays) {
     static_cast<Designer&>(*this) = fresh;
     Use();
     sql->SetSQLSyntax(record.Has("syntax") ? FindDialect(record["syntax"])->syntax : SQLSyntaxMSSQL);
+    if (record.Has("capitals")) hub->Properties()->Set("INVALID_TABLE_CHARS", "ABCDEFGHIJKLMNOPQRSTUVWXYZ");
+    if (record.Has("table")) source->Table(record["table"], {"name"});
     if (record.Has("before")) Parse(record["before"]);
     if (record.Has("reading")) {
       hub->Properties()->Set(kTextReadingLiteral, WordsOf(*UsualReading(record["reading"])));
@@ -110,9 +112,14 @@ TEST_F(ParseTest, MakesTheDesignerSayWhatTheStatementSays) {
     }
     EXPECT_EQ(error, record.Has("error") ? record["error"] : "");
     const std::pair<const char*, std::string> actual[] = {
-        {"options", Options()}, {"tables", Captions()},          {"joins", Kinds()},
-        {"rows", Rows()},       {"groups", Cells({"group_by"})}, {"criteria", Cells({"criteria", "or1", "or2", "or3"})},
+        {"options", Options()},
+        {"tables", Captions()},
+        {"joins", Kinds()},
+        {"rows", Rows()},
+        {"groups", Cells({"group_by"})},
+        {"criteria", Cells({"criteria", "or1", "or2", "or3"})},
         {"statement", Sql()},
+        {"sorts", Cells({"column", "sort_type", "sort_order"})},
     };
     for (const auto& [name, text] : actual) {
       if (!record.Has(name)) continue;

@@ -67,6 +67,9 @@ TEST(QueryFile, HostileAndOddTextsAreReadOrRefusedWithTheirLine) {
               std::string(Trim(ReplaceAll(record["holds"], "/ /", "/  /"))));
     EXPECT_EQ(designer.hub->state(), InfoDone);
     EXPECT_TRUE(designer.LastRowIsEmpty());
+    if (record.Has("sorts")) {
+      EXPECT_EQ(designer.Cell(1, "sort_type"), record["sorts"]);
+    }
     std::string remarks;
     for (const std::string& remark : designer.hub->LoadRemarks()) remarks += (remarks.empty() ? "" : " ") + remark;
     EXPECT_EQ(remarks, record.Has("remarks") ? record["remarks"] : "");
@@ -85,7 +88,10 @@ TEST(QueryFile, WhatIsReadIsWhatWasMeant) {
   join->SetTargetItemIndex("2");
   join->SetItemData("abc");
   designer.diagram->SetMinimized(*orders, true);
+  designer.Tick("Orders", "Total");
+  designer.grid->SortRow(1, "Descending, nulls last");
   std::string text = Saved(designer);
+  EXPECT_NE(text.find("    sort_type,1=Descending\r\n"), std::string::npos) << "a word that every reader knows";
   Designer loaded;
   loaded.Use();
   loaded.hub->LoadQuery(text, true);
@@ -96,6 +102,7 @@ TEST(QueryFile, WhatIsReadIsWhatWasMeant) {
   EXPECT_EQ(read->Relationships()->Item(1)->TargetItemIndex(), Variant(std::int32_t{2}));
   EXPECT_EQ(read->Relationships()->Item(1)->ItemData(), Variant(std::int32_t{0})) << "no number is 0";
   EXPECT_EQ(loaded.Joins(), "Orders.CustomerID>Customers.CustomerID");
+  EXPECT_EQ(loaded.Cell(1, "sort_type"), "Descending, nulls last");
   EXPECT_EQ(read->Height(), orders->Height());
   loaded.diagram->SetMinimized(*read, false);
   EXPECT_EQ(read->Height(), height);

@@ -109,7 +109,27 @@ TEST_P(OwnDialect, IsChosenAndGivesTheRowsThatAreMeant) {
     reader->SQLPane()->ParseSQLStatement(statement);
     EXPECT_EQ(reader->SQLPane()->SQLStatement(), statement);
   }
-  grid.SetValue(2, "criteria", "");
+  // The same rows as the source gives for what was typed.
+  const auto readBack = [&](const std::string& typed) {
+    hub_->SQLPane()->ParseSQLStatement(typed);
+    return Ask();
+  };
+  const char quote = isMariaDb ? '`' : '"';
+  const std::string from = std::string(" FROM ") + quote + "own words" + quote;
+  const std::string ids = std::string("SELECT ") + quote + "Id" + quote + from;
+  const std::string name = std::string(1, quote) + "Name" + quote;
+  if (isPostgreSql || isMariaDb) {
+    source_->query("UPDATE \"own words\" SET \"Name\" = 'it''s' WHERE \"Id\" = 3");
+    EXPECT_EQ(readBack(ids + " WHERE " + name + " = " + (isPostgreSql ? "E" : "") + "'it\\'s'"), "3");
+  }
+  if (!isMariaDb) {
+    const std::string day = "\"Day\"";
+    EXPECT_EQ(readBack(ids + " ORDER BY " + day + " NULLS FIRST"), "4 1 2 3");
+    EXPECT_EQ(readBack(ids + " ORDER BY " + day + " NULLS LAST"), "1 2 3 4");
+    EXPECT_EQ(readBack(ids + " ORDER BY " + day + " DESC NULLS LAST"), "3 2 1 4");
+  }
+  EXPECT_EQ(readBack(ids + " ORDER BY " + name + " DESC LIMIT 0"), "");
+  hub_->SQLPane()->ParseSQLStatement(ids + " ORDER BY 1");
   hub_->SetSelectTopRecords("2");
   EXPECT_EQ(Ask(), "1 2");
   hub_->SetSkipRecords(1);

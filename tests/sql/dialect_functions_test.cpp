@@ -7,6 +7,7 @@
 #include <string>
 
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/expression/schema_cache.h"
 #include "zrqrybld/hub/query_builder.h"
 #include "zrqrybld/platform/headless.h"
 #include "zrqrybld/sql/statement_parser.h"
@@ -47,6 +48,34 @@ TEST_P(DialectCatalog, EveryFunctionIsFoundByItsOwnNameAndReadBackFromItsText) {
       ADD_FAILURE() << call << ": " << error.what();
     }
   }
+}
+
+TEST(DialectCatalogs, ComeAndGoWithTheDialectBesideTheApplicationsOwn) {
+  const Ref<qbQueryBuilder> hub = qbQueryBuilder::Create(std::make_shared<HeadlessToolkit>());
+  hub->SetSQLPane(qbSQLPane::Create());
+  const auto names = [&] {
+    std::string text;
+    for (const Ref<qbDBKeyword>& word : *hub->DBKeywords()) text += word->Name() + " ";
+    return text;
+  };
+  const std::string usual = names();
+  for (const SQLSyntaxEnum own : {SQLSyntaxMSSQL, SQLSyntaxOracle, SQLSyntaxAccess, SQLSyntaxOpenSQL}) {
+    hub->SQLPane()->SetSQLSyntax(own);
+    EXPECT_EQ(names(), usual);
+  }
+  hub->DBKeywords()->Add("RETURNING");
+  hub->SQLPane()->SetSQLSyntax(SQLSyntaxPostgreSQL);
+  EXPECT_TRUE(hub->DBKeywords()->FindByName("ANALYSE"));
+  EXPECT_FALSE(hub->DBKeywords()->FindByName("LIKE")) << "an operator";
+  EXPECT_EQ(ReadVocabulary(*hub).operators.back().name, "||");
+  hub->SQLPane()->SetSQLSyntax(SQLSyntaxMySQL);
+  EXPECT_FALSE(hub->DBKeywords()->FindByName("ANALYSE"));
+  EXPECT_TRUE(hub->DBKeywords()->FindByName("ZEROFILL"));
+  EXPECT_EQ(ReadVocabulary(*hub).operators.size(), static_cast<std::size_t>(hub->DBOperators()->Count()))
+      << "what joins texts is a function";
+  EXPECT_FALSE(hub->DBKeywords()->FindByName("IF")) << "a function";
+  hub->SQLPane()->SetSQLSyntax(SQLSyntaxGeneric);
+  EXPECT_EQ(names(), usual + "RETURNING ");
 }
 
 TEST(DialectFunctions, WhatBelongsToNoDatabaseHasNone) {

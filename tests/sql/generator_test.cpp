@@ -82,8 +82,8 @@ QuerySnapshot DesignOf(const test::Record& record) {
     if (!table.empty()) row.table = tableAt(table);
     row.column = ReplaceAll(Cut(cells, ";"), "¶", "\r\n\r\n");
     row.alias = Identifier(Cut(cells, ";"));
-    row.sort.direction = ReadSortDirection(Cut(cells, ";"));
-    row.sort.place = ReadSortPlace(Cut(cells, ";"));
+    const SortWord sort = ReadSort(Cut(cells, ";"));
+    row.sort = {sort.direction, ReadSortPlace(Cut(cells, ";")), sort.nulls};
     row.grouping = ReadGrouping(Cut(cells, ";"), nullptr);
     while (!cells.empty()) row.criteria.push_back(Cut(cells, ";"));
     if (row.grouping.name == "Count") row.grouping.syntax = "COUNT(@field)";

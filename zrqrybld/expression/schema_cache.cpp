@@ -48,6 +48,12 @@ Vocabulary ReadVocabulary(const QueryContext& context) {
     const bool condition = (entry->Flags() & (SQLOperatorComparison | SQLOperatorLogical)) != 0;
     words.operators.push_back({entry->Name(), syntaxOf(*entry), entry->Description(), false, condition});
   }
+  // A sign that joins texts; a call that does is a function.
+  const std::string concatenation(context.CurrentDialect().concatenation);
+  const bool isSign = !concatenation.empty() && concatenation.find('(') == std::string::npos;
+  if (isSign && !context.DBOperators()->FindByName(concatenation)) {
+    words.operators.push_back({concatenation, concatenation, {}, false, false});
+  }
   for (const Ref<qbDBKeyword>& entry : *context.DBKeywords()) {
     words.keywords.push_back({entry->Name(), entry->Name(), entry->Description(), false, false});
   }

@@ -14,7 +14,7 @@
 namespace zrqrybld {
 namespace {
 
-constexpr SortWord kNoSort{"", SortDirection::None};
+constexpr SortWord kNoSort{};
 
 }  // namespace
 
@@ -25,7 +25,7 @@ const CellRules::Rule& CellRules::RuleOf(std::int32_t column) {
       {nullptr, nullptr},  // alias
       {&CellRules::TableEdited, &CellRules::FillAllTables},
       {nullptr, nullptr},  // output
-      {&CellRules::SortTypeEdited, nullptr},
+      {&CellRules::SortTypeEdited, &CellRules::FillSortTypes},
       {&CellRules::SortOrderEdited, &CellRules::FillSortPlaces},
       {&CellRules::GroupByEdited, &CellRules::FillGroupings},
       {&CellRules::CriterionEdited, nullptr},
@@ -130,10 +130,28 @@ void CellRules::FillTables(std::int32_t from) {
 
 // --- Sorting ---
 
+bool CellRules::WritesNullsPlace() const {
+  const Ref<QueryContext> context = rows_.Context();
+  return context && context->CurrentDialect().hasNullsPlace;
+}
+
+// The usual three, and what an application has added, stay as they are.
+void CellRules::FillSortTypes(const zrGridRow&) {
+  zrGridComboItems& list = *rows_.Grid().Columns()->Item(kColumnSortType)->ComboItems();
+  const bool offered = WritesNullsPlace();
+  for (const SortWord& word : OfferedSorts(true)) {
+    if (word.nulls == NullsPlace::Usual) continue;
+    std::int32_t at = list.Count();
+    while (at > 0 && list.Item(at)->Text() != word.text) --at;
+    if (offered && at == 0) list.Add(std::string(word.text));
+    if (!offered && at != 0) list.Remove(at);
+  }
+}
+
 void CellRules::SortTypeEdited(const Edit& edit) {
   const std::string cell = RowReader(edit.row).Text(kColumnSortType);
   const std::string_view typed = TrimWhite(cell);
-  const SortWord* word = typed.empty() ? &kNoSort : FindTypedSort(typed);
+  const SortWord* word = typed.empty() ? &kNoSort : FindTypedSort(typed, WritesNullsPlace());
   const auto busy = rows_.Busy();
   const RowWriter writer(edit.row);
   writer.SetText(kColumnSortType, word ? word->text : edit.before);

@@ -50,6 +50,8 @@ class CellRules {
   void ColumnEdited(const Edit& edit);
   void TableEdited(const Edit& edit);
   void SortTypeEdited(const Edit& edit);
+  bool WritesNullsPlace() const;
+  void FillSortTypes(const zrGridRow& row);
   void SortOrderEdited(const Edit& edit);
   void GroupByEdited(const Edit& edit);
   void CriterionEdited(const Edit& edit);

@@ -59,7 +59,7 @@ void qbGridPane::CreateColumns() {
     column->SetWidth(row.width);
     column->SetStyle(row.style);
   }
-  for (const SortWord& word : kSortWords) {
+  for (const SortWord& word : OfferedSorts(false)) {
     grdPane_->Columns()->Item(kColumnSortType)->ComboItems()->Add(std::string(word.text));
   }
   grdPane_->Columns()->Item(kColumnOutput)->SetDisplayAttribute(kCheckedHeader);

@@ -151,8 +151,8 @@ class qbGridPane final : public Object {
   void ApplyAliasMaxLen();
   /// 1 + the number of sorted rows other than `row` (0 for none).
   std::int16_t NextSortOrder(std::int32_t row = 0) const { return sorting_.Next(row); }
-  /// Sorts by a row ("Ascending", "Descending") behind those that are sorted already, or no more (""). Error 9 when
-  /// there is no such row.
+  /// Sorts by a row ("Ascending", "Descending", either with ", nulls first" or ", nulls last" behind it) behind those
+  /// that are sorted already, or no more (""). Error 9 when there is no such row.
   void SortRow(std::int32_t row, const std::string& type);
   /// Refills the list of tables; what stands before this position is as it was.
   void RefreshTableList(std::int32_t from = 1) { rules_.FillTables(from); }
@@ -175,6 +175,8 @@ class qbGridPane final : public Object {
   /// Replaces all rows by those of a saved query, without the rules of editing. One empty row follows them, and the
   /// boxes are ticked as the rows output. Error 40005 for an "output" that is no truth.
   void LoadRows(const std::vector<LoadedCell>& cells);
+  /// A sorted row of a saved query, which exists, says where its Nulls come.
+  void LoadNullsPlace(std::int32_t row, NullsPlace nulls);
   /// Makes the rows what `then` says, without the rules of editing.
   void Restore(const std::vector<SharedRowContent>& then);
   /// Shows or hides the grouping column without touching the rows, which hold what belongs to it already.

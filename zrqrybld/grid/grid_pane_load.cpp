@@ -32,6 +32,13 @@ void qbGridPane::LoadCell(const LoadedCell& cell) {
   RowWriter(rows_.At(cell.row)).SetText(cell.column, cell.text);
 }
 
+void qbGridPane::LoadNullsPlace(std::int32_t row, NullsPlace nulls) {
+  const auto busy = rows_.Busy();
+  zrGridRow& cells = rows_.At(row);
+  const SortDirection direction = RowReader(cells).Direction();
+  if (direction != SortDirection::None) RowWriter(cells).SetText(kColumnSortType, TextOf(direction, nulls));
+}
+
 void qbGridPane::Restore(const std::vector<SharedRowContent>& then) {
   zrGridRows& rows = *grdPane_->Rows();
   const auto count = static_cast<std::size_t>(rows.Count());

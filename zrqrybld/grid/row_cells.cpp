@@ -50,7 +50,8 @@ QueryRow RowReader::Read(std::size_t lastColumn, const qbDBFunctions* functions)
   row.alias = Text(kColumnAlias);
   row.table = Text(kColumnTable);
   row.output = IsOutput();
-  row.sort = {Direction(), Place()};
+  const SortWord sort = ReadSort(Text(kColumnSortType));
+  row.sort = {sort.direction, Place(), sort.nulls};
   row.grouping = Grouping(functions);
   row.criteria = Criteria(lastColumn);
   return row;
@@ -72,7 +73,7 @@ void RowWriter::Write(const QueryRow& content, const qbDBFunctions* functions) c
   set(kColumnColumn, content.column);
   set(kColumnAlias, content.alias);
   SetOutput(content.output);
-  set(kColumnSortType, TextOf(content.sort.direction));
+  set(kColumnSortType, TextOf(content.sort.direction, content.sort.nulls));
   if (content.sort.place) SetText(kColumnSortOrder, NumberText(*content.sort.place));
   const std::string_view grouping = content.grouping.Text();
   const Ref<qbDBFunction> function = functions ? functions->FindGroupBy(grouping) : nullptr;

@@ -47,7 +47,7 @@ class RowReader {
   bool IsOutput() const { return row_.ValueAt(kColumnOutput) == Variant(true); }
   /// Whether it has a sort type or a sort number, of whatever kind.
   bool HasSort() const { return !IsBlank(kColumnSortType) || !IsBlank(kColumnSortOrder); }
-  SortDirection Direction() const { return ReadSortDirection(Text(kColumnSortType)); }
+  SortDirection Direction() const { return ReadSort(Text(kColumnSortType)).direction; }
   /// Its sort number; none when the cell holds no number.
   std::optional<double> Place() const { return ReadSortPlace(Text(kColumnSortOrder)); }
   /// Without functions no aggregate has a syntax.

@@ -64,7 +64,7 @@ enum FieldOrderEnum : std::int32_t {
 
 /// What the grid says about a column of the diagram.
 struct ColumnUse {
-  std::string sortType;  ///< the text of its "sort_type" cell
+  std::string sortType;  ///< "Ascending", "Descending" or ""
   std::string groupBy;   ///< the text of its "group_by" cell
 };
 

@@ -34,7 +34,7 @@ std::optional<ColumnUse> qbQueryBuilder::UseOfColumn(const std::string& entityCa
   if (!gridPane_) return std::nullopt;
   ColumnUse use;
   if (const std::int32_t row = RowOfColumn(entityCaption, column)) {
-    use.sortType = gridPane_->Value(row, kColumnSortType).Text();
+    use.sortType = zrqrybld::TextOf(ReadSort(gridPane_->Value(row, kColumnSortType).Text()).direction);
     use.groupBy = gridPane_->ShowGroupBy() ? gridPane_->Value(row, kColumnGroupBy).Text() : std::string();
   }
   return use;

@@ -253,13 +253,22 @@ bool qbQueryBuilder::FollowSource() {
   return true;
 }
 
-// The functions of the dialect stand behind those of every dialect and those of the application.
+namespace {
+
+template <class Catalog, class Entry>
+void Withdraw(Catalog& catalog, std::vector<Ref<Entry>>& entries) {
+  for (const Ref<Entry>& entry : std::exchange(entries, {})) {
+    if (catalog.FindByName(entry->Name()) == entry) catalog.Remove(entry->Name());
+  }
+}
+
+}  // namespace
+
+// The functions and words of the dialect stand behind those of every dialect and those of the application.
 void qbQueryBuilder::DialectChanged() {
   qbDBFunctions& functions = *DBFunctions();
-  for (const Ref<qbDBFunction>& function : dialectFunctions_) {
-    if (functions.FindByName(function->Name()) == function) functions.Remove(function->Name());
-  }
-  dialectFunctions_.clear();
+  Withdraw(functions, dialectFunctions_);
+  Withdraw(*DBKeywords(), dialectKeywords_);
   for (const DialectFunction& row : DialectFunctions(CurrentDialect().syntax)) {
     const std::string name(row.name);
     if (functions.FindByName(name)) continue;
@@ -267,6 +276,11 @@ void qbQueryBuilder::DialectChanged() {
                                                      std::string(row.shortDescription), row.flags);
     function->SetReserved(false);
     dialectFunctions_.push_back(function);
+  }
+  if (!CurrentDialect().offersWords) return;
+  for (const std::string_view word : CurrentDialect().words) {
+    if (functions.FindByName(word) || DBOperators()->FindByName(word) || DBKeywords()->FindByName(word)) continue;
+    dialectKeywords_.push_back(DBKeywords()->Add(std::string(word)));
   }
 }
 
@@ -288,6 +302,7 @@ CriteriaContext qbQueryBuilder::CriteriaRules() const {
   if (sqlPane_) rules.likeOperator = sqlPane_->LikeOperator();
   rules.dialect = &CurrentDialect();
   rules.reading = SourceReading(*this);
+  if (!Properties()->FindText(kTextReadingLiteral)) rules.reading = UsualReading(rules.dialect->readsAs);
   return rules;
 }
 

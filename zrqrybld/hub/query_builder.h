@@ -320,6 +320,7 @@ class qbQueryBuilder final : public QueryContext {
   std::unordered_map<std::string, std::string> rememberedValues_;
   std::vector<WeakRef<BoxRow>> noted_;               // rows of boxes that show what the grid does with them
   std::vector<Ref<qbDBFunction>> dialectFunctions_;  // those that came with the dialect
+  std::vector<Ref<qbDBKeyword>> dialectKeywords_;    // and its words
   HubOptions options_;
   bool savePassword_ = false;
 };

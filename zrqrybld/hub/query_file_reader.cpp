@@ -93,7 +93,9 @@ const QueryFileReader::SectionKind* QueryFileReader::KindOf(std::string_view nam
        &QueryFileReader::TakeRelationship, false},
       {"GRIDPANEDATA", " DATEFORMAT DATEFORMATSTYLE SHOWGROUPBY ", &QueryFileReader::TakeGridOptions, false},
       {"GRIDDATA", "", &QueryFileReader::TakeGrid, false},
-      {"SQLDATA", " SELECTTOPRECORDS DISTINCTRECORDS LIKEOPERATOR LOCKED SQLSYNTAX SQLSTATEMENT ",
+      {"SQLDATA",
+       " SELECTTOPRECORDS DISTINCTRECORDS LIKEOPERATOR LOCKED SQLSYNTAX SQLSTATEMENT "
+       "SKIPRECORDS SORTNULLS ",
        &QueryFileReader::TakeSQL, true},
   };
   const auto found =
@@ -388,6 +390,23 @@ void QueryFileReader::TakeGrid() {
   gridTaken_ = true;
 }
 
+// "2 first, 5 last": rows that are there and sorted.
+void QueryFileReader::TakeSortNulls(const std::string& value) {
+  const Ref<qbGridPane> grid = hub_.GridPane();
+  if (!grid || !gridTaken_) return;
+  for (const std::string_view part : Split(value, ",")) {
+    const std::string_view entry = Trim(part);
+    const std::vector<std::string_view> words = Split(entry, " ");
+    const std::optional<double> row = ParseNumber(words.front());
+    const bool first = words.size() == 2 && EqualsNoCase(words[1], "FIRST");
+    const bool known = first || (words.size() == 2 && EqualsNoCase(words[1], "LAST"));
+    if (!known || !row || !(*row >= 1 && *row <= grid->RowCount()) || std::nearbyint(*row) != *row) {
+      ThrowUnreadable("SortNulls", entry, text::NamesNoRow);
+    }
+    grid->LoadNullsPlace(static_cast<std::int32_t>(*row), first ? NullsPlace::First : NullsPlace::Last);
+  }
+}
+
 void QueryFileReader::TakeSQL() {
   if (parameters_.sqlStatement && section_.Find("SQLStatement"))
     *parameters_.sqlStatement = section_.Text("SQLStatement");
@@ -397,6 +416,7 @@ void QueryFileReader::TakeSQL() {
     hub_.SetSkipRecords(
         static_cast<std::int32_t>(RequireNumber("SkipRecords", 0, std::numeric_limits<std::int32_t>::max())));
   }
+  if (section_.Find("SortNulls")) TakeSortNulls(section_.Text("SortNulls"));
   if (section_.Find("DistinctRecords")) hub_.SetDistinctRecords(RequireBoolean("DistinctRecords"));
   const Ref<qbSQLPane> pane = hub_.SQLPane();
   if (!pane) return;

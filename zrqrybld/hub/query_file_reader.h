@@ -78,6 +78,7 @@ class QueryFileReader {
   void TakeRelationship();
   void TakeGridOptions();
   void TakeGrid();
+  void TakeSortNulls(const std::string& value);
   void TakeSQL();
   void ApplyPendingTicks();
 

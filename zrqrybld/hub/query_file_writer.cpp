@@ -86,6 +86,25 @@ const std::string& QueryFileWriter::InFile(const std::string& caption) const {
   return found == captions_.end() ? caption : found->second;
 }
 
+// A sort type that says where Nulls come is written as the one without, which every reader knows; see `SortNulls`.
+std::string QueryFileWriter::InFile(std::size_t column, const std::string& cell) const {
+  if (column == kColumnTable) return InFile(cell);
+  const SortWord sort = column == kColumnSortType ? ReadSort(cell) : SortWord{};
+  return sort.nulls == NullsPlace::Usual ? cell : std::string(TextOf(sort.direction));
+}
+
+// "2 first, 5 last": the rows that say where Nulls come.
+std::string QueryFileWriter::SortNulls() const {
+  std::string text;
+  const std::int32_t rows = hub_.GridPane() ? hub_.GridPane()->RowCount() : 0;
+  for (std::int32_t row = 1; row <= rows; ++row) {
+    const NullsPlace nulls = ReadSort(hub_.GridPane()->Value(row, kColumnSortType).Text()).nulls;
+    if (nulls == NullsPlace::Usual) continue;
+    text += (text.empty() ? "" : ", ") + std::to_string(row) + (nulls == NullsPlace::First ? " first" : " last");
+  }
+  return text;
+}
+
 // --- Lines ---
 
 void QueryFileWriter::Marker(std::string_view text) {
@@ -187,8 +206,7 @@ void QueryFileWriter::WriteGrid() {
         const Variant& value = cells.ValueAt(column);
         if (value.IsBlank()) continue;
         const std::string text = value.Text();
-        const bool isCaption = column == kColumnTable;
-        Line(keys[column - 1] + "," + std::to_string(row), isCaption ? InFile(text) : text);
+        Line(keys[column - 1] + "," + std::to_string(row), InFile(column, text));
       }
     }
   }
@@ -201,6 +219,7 @@ void QueryFileWriter::WriteSQL() {
   Marker("Begin SQLData");
   Line("SelectTopRecords", hub_.SelectTopRecords());
   if (hub_.SkipRecords() > 0) Number("SkipRecords", hub_.SkipRecords());
+  if (const std::string nulls = SortNulls(); !nulls.empty()) Line("SortNulls", nulls);
   Line("DistinctRecords", BooleanText(hub_.DistinctRecords()));
   Line("LikeOperator", pane->LikeOperator());
   Line("Locked", BooleanText(pane->Locked()));

@@ -1,6 +1,7 @@
 // Writes a designed query as a query file: sections of key=value lines, in an order that is always the same.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -23,6 +24,8 @@ class QueryFileWriter {
  private:
   void FindCaptions();
   const std::string& InFile(const std::string& caption) const;
+  std::string InFile(std::size_t column, const std::string& cell) const;
+  std::string SortNulls() const;
   void WriteEntity(const Ref<qbEntity>& entity);
   void WriteItem(const std::string& caption, const Ref<qbEntityItem>& item);
   void WriteRelationship(const Ref<qbRelationship>& relationship);

@@ -165,11 +165,12 @@ void Load(qbQueryBuilder& hub, std::string_view typed) {
   options.criteria = hub.CriteriaRules();
   std::string sql(typed);
   if (options.criteria.reading) {
-    sql = WithoutHashComments(typed, *options.criteria.reading);
+    sql = WithDoubledQuotes(WithoutHashComments(typed, *options.criteria.reading), *options.criteria.reading);
     const std::optional<std::size_t> otherwise = FirstReadOtherwise(sql, *options.criteria.reading);
     if (otherwise) throw SyntaxError(sql, *otherwise, text::ReadsOtherwise);
   }
-  const SelectStatement statement = ParseSelect(sql, {.openParenthesesInFrom = options.dialect->leavesParenthesesOpen});
+  const SelectStatement statement = ParseSelect(sql, {.openParenthesesInFrom = options.dialect->leavesParenthesesOpen,
+                                                      .pipesMayBeOr = options.dialect->pipesMayBeOr});
   TablePlan plan(hub, statement, options.names);
   std::vector<Ref<qbRelationship>> drawnJoins;
   options.drawn = plan.Drawn(drawnJoins);

@@ -23,6 +23,13 @@ std::string JoinedName(const std::vector<Identifier>& parts, const NameRules& ru
   return name;
 }
 
+// An alias that would get quotes takes the letters that the server makes of it without them: what is passed on as it
+// stands, a query within the query, names it so.
+Identifier AliasOf(const FromItem& item, const NameRules& rules, Dialect::PlainNames plain) {
+  const Identifier alias(PlainName(item.alias));
+  return alias.Empty() || !NeedsQuotes(alias.Name(), rules) ? alias : NameParts(item.alias, plain).front();
+}
+
 // Whether one name ends as the other does: the schema may be left out.
 bool IsSameTable(const std::vector<Identifier>& a, const std::vector<Identifier>& b) {
   if (a.empty() || b.empty()) return false;
@@ -38,7 +45,9 @@ TablePlan::TablePlan(qbQueryBuilder& hub, const SelectStatement& statement, cons
     : hub_(hub), rules_(rules) {
   for (const FromItem* item : TablesOf(statement)) {
     PlannedTable table;
-    table.written = {NameParts(item->table), Identifier(PlainName(item->alias))};
+    const Dialect::PlainNames plain = hub_.CurrentDialect().plainNames;
+    table.written = {NameParts(item->table), AliasOf(*item, rules_, plain)};
+    table.plainName = NameParts(item->table, plain);
     table.name = JoinedName(table.written.parts, rules_);
     table.caption = table.written.alias.Empty() ? table.name : table.written.alias.Name();
     tables_.push_back(std::move(table));
@@ -122,21 +131,39 @@ DrawnDiagram TablePlan::Drawn(std::vector<Ref<qbRelationship>>& drawnJoins) cons
   return drawn;
 }
 
+// First as the server would read the name: "Orders" without quotes may be its table "orders". What only exists as it is
+// written gets its quotes from the designer.
+std::optional<std::vector<SourceColumn>> TablePlan::FindInSource(PlannedTable& table) const {
+  if (!hub_.IsConnected()) return std::nullopt;
+  TablePicker picker(RefTo(hub_));
+  if (table.plainName != table.written.parts) {
+    const std::string name = JoinedName(table.plainName, rules_);
+    if (std::optional<std::vector<SourceColumn>> columns = picker.ReadColumns(name)) {
+      table.written.parts = table.plainName;
+      table.name = name;
+      if (table.written.alias.Empty()) table.caption = name;
+      return columns;
+    }
+  }
+  return picker.ReadColumns(table.name);
+}
+
 // --- What the binder asks ---
 
 std::optional<SnapshotTable> TablePlan::AddTable(const WrittenTable&) {
   PlannedTable& table = tables_[added_++];
   SnapshotTable result;
-  result.caption = Identifier(table.caption);
   if (table.entity) {
+    result.caption = Identifier(table.caption);
     result.name = std::move(table.drawnName);
     result.aliased = table.caption != table.entity->TagVariant().Text();
     return result;
   }
+  std::optional<std::vector<SourceColumn>> columns = FindInSource(table);
+  result.caption = Identifier(table.caption);
   result.name = table.written.parts;
   result.aliased = table.caption != table.name;
   if (!hub_.IsConnected()) return result;
-  std::optional<std::vector<SourceColumn>> columns = TablePicker(RefTo(hub_)).ReadColumns(table.name);
   if (!columns) return std::nullopt;
   table.columns = std::move(*columns);
   for (std::size_t i = 0; i < table.columns.size(); ++i) {

@@ -19,6 +19,7 @@ namespace zrqrybld {
 // A table of the statement and what it becomes.
 struct PlannedTable {
   WrittenTable written;
+  std::vector<Identifier> plainName;  // as the dialect reads it, if it stands without quotes
   std::string name;                   // as the source is asked for it
   std::string caption;                // what it is called in the query
   Ref<qbEntity> entity;               // of the diagram; nothing when it is still to be added
@@ -49,6 +50,7 @@ class TablePlan final : public QuerySource {
 
  private:
   void Claim(const qbEntities& entities);
+  std::optional<std::vector<SourceColumn>> FindInSource(PlannedTable& table) const;
   bool IsCalled(const qbEntity& entity, const PlannedTable& table) const;
 
   qbQueryBuilder& hub_;

@@ -63,6 +63,10 @@ void CriterionTokens::Read(std::string_view literalWord, const std::string* date
         continue;
       }
     }
+    if (const std::size_t end = EndOfEscaped(tokens_.size(), token); end != 0) {
+      add({TokenKind::String, false, token.offset, end - token.offset});
+      continue;
+    }
     if (dateFormat && first == '#' && token.kind != TokenKind::Date) {
       // As it will be kept: blanks of every kind become one, and what is no date before is none afterwards.
       const std::size_t end = text_.find('#', token.offset + 1);
@@ -74,6 +78,17 @@ void CriterionTokens::Read(std::string_view literalWord, const std::string* date
     }
     tokens_.push_back(token);
   }
+}
+
+// E'it\'s' ends where the source sees it end, whatever the lexer says. 0 for every other literal.
+std::size_t CriterionTokens::EndOfEscaped(std::size_t index, const Token& literal) const {
+  if (!context_.reading || index == 0 || text_[literal.offset] != '\'') return 0;
+  if (!EqualsNoCase(Text(index - 1), "E") || tokens_[index - 1].offset + 1 != literal.offset) return 0;
+  TextReading reading = *context_.reading;
+  reading.literalsJoin = false;  // what goes on behind a line end is a literal of its own here
+  SourceToken token;
+  const bool escapes = SourceLexer(text_, reading, literal.offset - 1).Next(token) && token.escapes;
+  return escapes && !token.unfinished ? token.end : 0;
 }
 
 void CriterionTokens::FindPartners() {
@@ -154,9 +169,15 @@ std::string CriterionTokens::Kept(std::size_t from, std::size_t to) const {
         tokens_[i].kind == TokenKind::Date && Lexer(Text(i)).Next(alone) && alone.kind != TokenKind::Date) {
       ThrowCriterionError(text_, tokens_[i].offset, text::DateBeginsWithFigure);
     }
-    line.Add(tokens_[i], Requoted(i, from));
+    line.Add(tokens_[i], isText ? Doubled(i) : Requoted(i, from));
   }
   return text;
+}
+
+// A literal with quotes that a backslash escapes, as the lexer reads it, too.
+std::string CriterionTokens::Doubled(std::size_t index) const {
+  if (!context_.reading || EndOfEscaped(index, tokens_[index]) == 0) return std::string(Text(index));
+  return WithDoubledQuotes("E" + std::string(Text(index)), *context_.reading).substr(1);
 }
 
 // "[a]" and "`a`" in the quotes of a source that may not know these. A cell keeps them: there "a" may be a text. Behind

@@ -65,6 +65,8 @@ class CriterionTokens {
  private:
   void Read(std::string_view literalWord, const std::string* dateFormat);
   void FindPartners();
+  std::size_t EndOfEscaped(std::size_t index, const Token& literal) const;
+  std::string Doubled(std::size_t index) const;
   std::string Requoted(std::size_t index, std::size_t from) const;
 
   std::string_view text_;

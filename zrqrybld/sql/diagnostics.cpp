@@ -195,6 +195,9 @@ class Diagnosis {
       if (row.sort.place && *row.sort.place >= 0.5 && !IsSorted(row)) {
         Say(DiagnosticSameSortOrder, text::SameSortPlace, NameOf(row));
       }
+      if (IsSorted(row) && row.sort.nulls != NullsPlace::Usual && !dialect_.hasNullsPlace) {
+        Say(DiagnosticNullsPlace, text::NullsPlaceMissing, NameOf(row));
+      }
       if (asked && IsSorted(row) && !selected.contains(key(row)) && !selected.contains({key(row).first, "*"})) {
         Say(DiagnosticSortNotSelected, text::SortNotSelected, NameOf(row));
       }

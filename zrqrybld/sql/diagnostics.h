@@ -35,6 +35,7 @@ enum SQLDiagnosticEnum : std::int32_t {
   DiagnosticNothingToGroup = 16,       ///< a column: its criterion stands in HAVING although the query does not group
   DiagnosticAliasWritten = 17,         ///< a column: its alias is cut, or left out because it is no single column
   DiagnosticJoinsWait = 18,            ///< a table: outer joins bring in each of its tables only with another of them
+  DiagnosticNullsPlace = 19,           ///< a column: the dialect cannot say where its Nulls come
 };
 
 /// One remark.

@@ -64,6 +64,7 @@ constexpr Dialect Generic() {
 constexpr Dialect MsSql() {
   Dialect d = kBase;
   d.name = "MSSQL";
+  d.concatenation = "+";
   d.values.yes = "1";
   d.values.no = "0";
   return d;
@@ -87,6 +88,7 @@ constexpr Dialect Oracle() {
   d.values.yes = "1";
   d.values.no = "0";
   d.caseBlindLike = "";
+  d.concatenation = "||";
   d.words = kOracleWords;
   return d;
 }
@@ -95,6 +97,7 @@ constexpr Dialect Access() {
   Dialect d = kBase;
   d.syntax = SQLSyntaxAccess;
   d.name = "Access";
+  d.concatenation = "&";
   d.fromParentheses = Dialect::FromParentheses::Nested;
   d.leavesParenthesesOpen = true;
   d.values.dateQuote = "#";
@@ -125,11 +128,17 @@ constexpr Dialect PostgreSql() {
   Dialect d = kBase;
   d.syntax = SQLSyntaxPostgreSQL;
   d.name = "PostgreSQL";
+  d.hasNullsPlace = true;
   d.limit = Limit("OFFSET @m");
   d.values = {.date = "DATE '@'", .time = "TIME '@'", .timestamp = "TIMESTAMP '@'", .yes = "TRUE", .no = "FALSE"};
   d.caseBlindLike = "ILIKE";
   d.namePrefix = d.nameSuffix = "\"";
+  d.plainNames = Dialect::PlainNames::Lower;
+  d.readsAs = "PostgreSQL";
+  d.concatenation = "||";
+  d.sharedColumns = Dialect::SharedColumns::FirstAsListed;
   d.words = dialect_words::PostgreSql();
+  d.offersWords = true;
   return d;
 }
 
@@ -140,15 +149,15 @@ constexpr Dialect MySql() {
   d.hasFullJoin = false;
   // It has no offset without a limit; this is the largest one.
   d.limit = Limit("LIMIT 18446744073709551615 OFFSET @m");
-  d.values = {.date = "DATE '@'",
-              .time = "TIME '@'",
-              .timestamp = "TIMESTAMP '@'",
-              .yes = "TRUE",
-              .no = "FALSE",
-              .backslashEscapes = true};
+  d.values = {.date = "DATE '@'", .time = "TIME '@'", .timestamp = "TIMESTAMP '@'", .yes = "TRUE", .no = "FALSE"};
   d.namePrefix = d.nameSuffix = "`";
   d.doubleQuotesAreTexts = true;
+  d.readsAs = "MySQL";
+  d.concatenation = "CONCAT(@Text1, @Text2)";
+  d.pipesMayBeOr = true;
+  d.sharedColumns = Dialect::SharedColumns::FirstAsInTable;
   d.words = dialect_words::MySql();
+  d.offersWords = true;
   return d;
 }
 
@@ -156,10 +165,15 @@ constexpr Dialect Sqlite() {
   Dialect d = kBase;
   d.syntax = SQLSyntaxSQLite;
   d.name = "SQLite";
+  d.hasNullsPlace = true;
   d.limit = Limit("LIMIT -1 OFFSET @m");
   d.values = {.date = "'@'", .time = "'@'", .timestamp = "'@'", .yes = "1", .no = "0"};
   d.namePrefix = d.nameSuffix = "\"";
+  d.doubleQuotesAreTexts = true;
+  d.readsAs = "SQLite";
+  d.concatenation = "||";
   d.words = dialect_words::Sqlite();
+  d.offersWords = true;
   return d;
 }
 
@@ -181,7 +195,10 @@ constexpr Dialect SqlServer() {
               .no = "0"};
   d.namePrefix = "[";
   d.nameSuffix = "]";
+  d.readsAs = "SQL Server";
+  d.concatenation = "+";
   d.words = dialect_words::SqlServer();
+  d.offersWords = true;
   return d;
 }
 
@@ -189,10 +206,15 @@ constexpr Dialect Ansi() {
   Dialect d = kBase;
   d.syntax = SQLSyntaxANSI;
   d.name = "ANSI";
+  d.hasNullsPlace = true;
   d.limit = kFetch;
   d.values = {.date = "DATE '@'", .time = "TIME '@'", .timestamp = "TIMESTAMP '@'", .yes = "TRUE", .no = "FALSE"};
   d.caseBlindLike = "";
+  d.plainNames = Dialect::PlainNames::Upper;
+  d.concatenation = "||";
+  d.sharedColumns = Dialect::SharedColumns::FirstAsListed;
   d.words = dialect_words::Ansi();
+  d.offersWords = true;
   return d;
 }
 
@@ -207,6 +229,7 @@ constexpr Dialect Oracle12() {
   d.values.yes = "1";
   d.values.no = "0";
   d.namePrefix = d.nameSuffix = "\"";
+  d.readsAs = "Oracle";
   d.words = dialect_words::Oracle();
   return d;
 }

@@ -58,8 +58,6 @@ struct ValueForms {
   std::string_view no = "False";
   /// What stands around a date where neither the forms above nor the source tell.
   std::string_view dateQuote = "'";
-  /// Whether "\\" takes the meaning of the character behind it where the source has not told.
-  bool backslashEscapes = false;
 };
 
 struct Dialect {
@@ -67,6 +65,10 @@ struct Dialect {
   enum class Joins : std::uint8_t { Clauses, Conditions };
   /// Parentheses around joined tables in FROM.
   enum class FromParentheses : std::uint8_t { None, Nested, Whole };
+  /// Where "*" has the columns that USING and NATURAL make one: where the first table has them, or before all others.
+  enum class SharedColumns : std::uint8_t { InPlace, FirstAsInTable, FirstAsListed };
+  /// What its servers make of the letters of a name without quotes.
+  enum class PlainNames : std::uint8_t { AsWritten, Lower, Upper };
 
   SQLSyntaxEnum syntax;
   std::string_view name;
@@ -79,6 +81,8 @@ struct Dialect {
   std::array<std::string_view, 4> afterCondition;
   /// Whether it can say "all rows of both tables".
   bool hasFullJoin;
+  /// Whether ORDER BY can say where Nulls come.
+  bool hasNullsPlace = false;
   RowLimit limit;
   std::string_view selectSeparator;
   std::string_view fromSeparator;
@@ -97,10 +101,20 @@ struct Dialect {
   /// What stands around a quoted name whatever the source says; "" takes the source's own.
   std::string_view namePrefix = {};
   std::string_view nameSuffix = {};
+  PlainNames plainNames = PlainNames::AsWritten;
+  SharedColumns sharedColumns = SharedColumns::InPlace;
   /// Whether a text in double quotes is a literal where it names no column.
   bool doubleQuotesAreTexts = false;
+  /// The source whose usual way of reading literals holds until the connected one tells its own; "" for nobody's.
+  std::string_view readsAs = {};
+  /// What joins two texts: a sign between them, or a call with "@" placeholders; "" where no one form serves.
+  std::string_view concatenation = {};
+  /// Whether "||" is OR to its servers, in some of their modes.
+  bool pipesMayBeOr = false;
   /// Words with a meaning in its statements, which are no names without quotes; in capitals and sorted.
   std::span<const std::string_view> words = {};
+  /// Whether they stand in the catalog of keywords while it is in use.
+  bool offersWords = false;
   /// Whether its statements can be read back.
   bool canBeParsed = true;
 };

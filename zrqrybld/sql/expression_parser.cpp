@@ -253,6 +253,7 @@ Expression* ExpressionParser::ParseChain() {
       needsOperand = false;
     } else if (!postfix) {
       if (!IsChainSign()) return Close(chain, start);
+      if (pipesMayBeOr_ && reader_.CurrentText() == "||") reader_.Refuse(reader_.Offset(), text::PipesMayBeOr);
       pieces.Append(takeSign());
       needsOperand = true;
       postfix = nullptr;

@@ -17,7 +17,9 @@ class ExpressionParser {
   static constexpr int kDeepest = 1000;
   static constexpr int kDeepestCalls = 250;
 
-  ExpressionParser(TokenReader& reader, SyntaxArena& arena) : reader_(reader), arena_(arena) {}
+  /// Where "||" may mean OR it is refused.
+  ExpressionParser(TokenReader& reader, SyntaxArena& arena, bool pipesMayBeOr = false)
+      : reader_(reader), arena_(arena), pipesMayBeOr_(pipesMayBeOr) {}
 
   /// A whole expression: conditions joined by OR. SyntaxError with the place otherwise; so do the others.
   Expression* ParseExpression();
@@ -63,6 +65,7 @@ class ExpressionParser {
 
   TokenReader& reader_;
   SyntaxArena& arena_;
+  bool pipesMayBeOr_;
   int depth_ = 0;
   int calls_ = 0;
   std::vector<std::size_t> open_;  // where the parentheses begin that are open in loops

@@ -148,7 +148,7 @@ void FromBinder::BindStep(Side& left, const JoinStep& step, std::size_t firstRes
   if (allOfLeft) block(rightResidual, residuals_.size());
   if (allOfRight) block(firstResidual, rightResidual);
   if ((allOfLeft || allOfRight) && bound_.firstOuter.empty()) bound_.firstOuter = step.place;
-  if (sharesColumns_) JoinColumns(left, right, step.on ? std::vector<JoinPair>() : pairs, step.word == JoinWord::Right);
+  if (sharesColumns_) JoinColumns(left, right, step.on ? std::vector<JoinPair>() : pairs, step);
   for (const JoinPair& pair : pairs) {
     const bool isSwapped = right.Holds(pair.left);
     AddJoin(pair, isSwapped ? allOfRight : allOfLeft, isSwapped ? allOfLeft : allOfRight);
@@ -247,18 +247,36 @@ void FromBinder::AddSharedColumns(std::vector<JoinPair>& pairs, const Side& left
   }
 }
 
-// A shared column stands once, where its first table has it.
-void FromBinder::JoinColumns(Side& left, const Side& right, const std::vector<JoinPair>& shared, bool isRight) const {
-  for (const JoinPair& pair : shared) {
-    const BoundColumn joined{pair.left, pair.leftColumn};
-    if (isRight) std::ranges::replace(left.columns, joined, BoundColumn{pair.right, pair.rightColumn});
+// A shared column stands once, as the table has it whose rows are all kept: where the first table has it, or before all
+// others.
+void FromBinder::JoinColumns(Side& left, const Side& right, const std::vector<JoinPair>& shared,
+                             const JoinStep& step) const {
+  const bool isRight = step.word == JoinWord::Right;
+  const auto holds = [](const JoinPair& pair, bool ofRight, const BoundColumn& column) {
+    return column == (ofRight ? BoundColumn{pair.right, pair.rightColumn} : BoundColumn{pair.left, pair.leftColumn});
+  };
+  const auto placeIn = [&](bool ofRight, const BoundColumn& column) {
+    return std::ranges::find_if(shared, [&](const JoinPair& pair) { return holds(pair, ofRight, column); });
+  };
+  // Where shared columns come as a table has them, RIGHT JOIN is LEFT JOIN with its tables turned round.
+  const bool turned = isRight && dialect_.sharedColumns == Dialect::SharedColumns::FirstAsInTable;
+  std::vector<BoundColumn> columns = turned ? right.columns : left.columns;
+  if (isRight && !turned) {
+    for (BoundColumn& column : columns) {
+      const auto pair = placeIn(false, column);
+      if (pair != shared.end()) column = {pair->right, pair->rightColumn};
+    }
   }
-  for (const BoundColumn& column : right.columns) {
-    const bool isShared = std::ranges::any_of(shared, [&](const JoinPair& pair) {
-      return column == BoundColumn{pair.right, pair.rightColumn};
-    });
-    if (!isShared) left.columns.push_back(column);
+  for (const BoundColumn& column : turned ? left.columns : right.columns) {
+    if (placeIn(!turned, column) == shared.end()) columns.push_back(column);
   }
+  left.columns = std::move(columns);
+  if (dialect_.sharedColumns == Dialect::SharedColumns::InPlace) return;
+  const auto others = std::ranges::stable_partition(
+      left.columns, [&](const BoundColumn& column) { return placeIn(isRight, column) != shared.end(); });
+  if (dialect_.sharedColumns != Dialect::SharedColumns::FirstAsListed || step.natural) return;
+  std::ranges::sort(left.columns.begin(), others.begin(), {},
+                    [&](const BoundColumn& column) { return placeIn(isRight, column); });
 }
 
 // The columns of two tables that a term compares; none for every other condition.

@@ -70,7 +70,7 @@ class FromBinder {
   std::vector<JoinPair> PairsOf(const Side& left, const Side& right, const JoinStep& step);
   void AddSharedColumns(std::vector<JoinPair>& pairs, const Side& left, const Side& right, const JoinStep& step);
   void RequireClearNames(const Expression& expression) const;
-  void JoinColumns(Side& left, const Side& right, const std::vector<JoinPair>& shared, bool isRight) const;
+  void JoinColumns(Side& left, const Side& right, const std::vector<JoinPair>& shared, const JoinStep& step) const;
   std::optional<BoundColumn> ColumnIn(const Side& side, const std::string& name, std::string_view place);
   std::vector<std::string> SharedColumns(const Side& left, const Side& right, const JoinStep& step);
   std::optional<JoinPair> PairOf(const Expression& condition) const;

@@ -217,6 +217,7 @@ class Generator {
       order_ += kItem;
       order_ += row->grouping.kind == GroupingKind::None ? FieldTerm(*row) : SelectTerm(*row);
       if (row->sort.direction == SortDirection::Descending) order_ += " DESC";
+      if (dialect_.hasNullsPlace) order_ += WordsOf(row->sort.nulls);
     }
   }
 

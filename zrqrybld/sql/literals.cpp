@@ -68,9 +68,10 @@ std::string TextLiteral(std::string_view value, const CriteriaContext& context, 
 }
 
 bool BackslashEscapes(std::string_view prefix, const CriteriaContext& context) {
-  if (prefix.empty()) return false;
-  if (!context.reading) return context.dialect && context.dialect->values.backslashEscapes && prefix == "'";
-  SourceLexer lexer(prefix, *context.reading);
+  std::optional<TextReading> reading = context.reading;
+  if (!reading && context.dialect) reading = UsualReading(context.dialect->readsAs);
+  if (prefix.empty() || !reading) return false;
+  SourceLexer lexer(prefix, *reading);
   SourceToken token;
   while (lexer.Next(token)) {
     // The quote stands last.

@@ -23,6 +23,16 @@ bool IsOnePart(std::string_view written) {
   return !written.empty() && !IsDigit(written.front()) && std::ranges::all_of(written, isPlain);
 }
 
+// Of ASCII alone; what a server makes of others hangs on its locale.
+char LowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+std::string InLetters(std::string_view name, Dialect::PlainNames plain) {
+  if (plain == Dialect::PlainNames::Upper) return UpperAscii(name);
+  std::string text(name);
+  if (plain == Dialect::PlainNames::Lower) std::ranges::transform(text, text.begin(), LowerAscii);
+  return text;
+}
+
 // The parts with "." between, as one name.
 std::string WholeName(const std::vector<Identifier>& parts) {
   std::string name;
@@ -40,10 +50,10 @@ std::string PlainName(std::string_view written) {
   return ReplaceAll(written.substr(1, written.size() - 2), closing + closing, closing);
 }
 
-std::vector<Identifier> NameParts(std::string_view written) {
+std::vector<Identifier> NameParts(std::string_view written, Dialect::PlainNames plain) {
   std::vector<Identifier> parts;
   if (IsOnePart(written)) {
-    parts.emplace_back(std::string(written));
+    parts.emplace_back(InLetters(written, plain));
     return parts;
   }
   Lexer lexer(written);
@@ -55,7 +65,8 @@ std::vector<Identifier> NameParts(std::string_view written) {
       partCame = false;
       continue;
     }
-    parts.emplace_back(PlainName(written.substr(token.offset, token.length)));
+    const std::string_view part = written.substr(token.offset, token.length);
+    parts.emplace_back(token.kind == TokenKind::Word ? InLetters(part, plain) : PlainName(part));
     partCame = true;
   }
   return parts;

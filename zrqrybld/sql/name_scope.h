@@ -54,7 +54,7 @@ struct BoundColumn {
 std::string PlainName(std::string_view written);
 
 /// The parts of a name with dots, without quotes.
-std::vector<Identifier> NameParts(std::string_view written);
+std::vector<Identifier> NameParts(std::string_view written, Dialect::PlainNames plain = Dialect::PlainNames::AsWritten);
 
 class NameScope {
  public:

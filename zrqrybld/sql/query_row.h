@@ -3,10 +3,13 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
+
+#include "zrqrybld/sql/nulls_place.h"
 
 namespace zrqrybld {
 
@@ -19,27 +22,26 @@ enum class SortDirection : std::uint8_t { None, Ascending, Descending };
 /// A sort type as a cell shows it.
 struct SortWord {
   std::string_view text;
-  SortDirection direction;
-};
-/// In the order in which they are offered.
-inline constexpr SortWord kSortWords[] = {
-    {"Ascending", SortDirection::Ascending},
-    {"Descending", SortDirection::Descending},
-    {"Unsorted", SortDirection::None},
+  SortDirection direction = SortDirection::None;
+  NullsPlace nulls = NullsPlace::Usual;
 };
 
+/// The sort types in the order in which they are offered; those that say where Nulls come only where they can be
+/// written.
+std::span<const SortWord> OfferedSorts(bool withNulls);
 /// What a cell shows for the direction; "" for none.
-std::string_view TextOf(SortDirection direction);
+std::string_view TextOf(SortDirection direction, NullsPlace nulls = NullsPlace::Usual);
 /// What a cell's text means, without regard to case. Any word of somebody else's sorts, and so it sorts upwards.
-SortDirection ReadSortDirection(std::string_view cell);
-/// The sort type that begins with what was typed, without regard to case; nothing when none does.
-const SortWord* FindTypedSort(std::string_view typed);
+SortWord ReadSort(std::string_view cell);
+/// The offered sort type that begins with what was typed, without regard to case; nothing when none does.
+const SortWord* FindTypedSort(std::string_view typed, bool withNulls);
 
 /// How the query is sorted by a row.
 struct RowSort {
   SortDirection direction = SortDirection::None;
   /// The number that orders the sorted rows; none when there is none.
-  std::optional<double> place;
+  std::optional<double> place = {};
+  NullsPlace nulls = NullsPlace::Usual;
   friend bool operator==(const RowSort&, const RowSort&) = default;
 };
 

@@ -13,6 +13,8 @@
 #include <utility>
 #include <vector>
 
+#include "zrqrybld/sql/nulls_place.h"
+
 namespace zrqrybld {
 
 enum class ExpressionKind : std::uint8_t {
@@ -102,7 +104,7 @@ struct SelectItem {
 struct OrderItem {
   Expression* expression = nullptr;
   bool descending = false;
-  std::string_view nulls;  ///< NULLS FIRST or NULLS LAST, as written; "" for neither
+  NullsPlace nulls = NullsPlace::Usual;
   OrderItem* next = nullptr;
 };
 

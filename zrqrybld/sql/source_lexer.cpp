@@ -191,11 +191,27 @@ std::string WithoutHashComments(std::string_view text, const TextReading& readin
   return plain;
 }
 
+std::string WithDoubledQuotes(std::string_view text, const TextReading& reading) {
+  std::string plain(text);
+  if (text.find('\\') == std::string_view::npos) return plain;
+  SourceLexer lexer(text, reading);
+  for (SourceToken token; lexer.Next(token);) {
+    if (token.part != SourcePart::Text || !token.escapes || token.unicode || token.unfinished) continue;
+    for (std::size_t i = token.begin; i + 1 < token.end; ++i) {
+      if (text[i] != '\\') continue;
+      if (text[i + 1] == token.closing) plain[i] = token.closing;
+      ++i;
+    }
+  }
+  return plain;
+}
+
 std::optional<std::size_t> FirstReadOtherwise(std::string_view text, const TextReading& reading) {
   if (text.find('\\') == std::string_view::npos) return std::nullopt;
   Lexer lexer(text);
   for (Token token; lexer.Next(token);) {
-    if (token.kind == TokenKind::String && !token.unfinished && !ReadsAlike(text, token, reading)) return token.offset;
+    const bool isText = token.kind == TokenKind::String || (reading.doubleQuotesAreTexts && text[token.offset] == '"');
+    if (isText && !token.unfinished && !ReadsAlike(text, token, reading)) return token.offset;
   }
   return std::nullopt;
 }

@@ -69,6 +69,9 @@ bool ReadsAlike(std::string_view text, const Token& literal, const TextReading& 
 /// The text with blanks in the place of comments that begin with "#", where the source has such; every other character
 /// stands where it stood.
 std::string WithoutHashComments(std::string_view text, const TextReading& reading);
+/// The text with each quote doubled that a backslash escapes within a literal, where the source reads it so: that means
+/// the same and ends where the lexer sees it end. Every character stands where it stood.
+std::string WithDoubledQuotes(std::string_view text, const TextReading& reading);
 /// Where the first literal begins that the source sees end elsewhere; none when there is none.
 std::optional<std::size_t> FirstReadOtherwise(std::string_view text, const TextReading& reading);
 

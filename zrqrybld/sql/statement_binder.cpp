@@ -351,15 +351,17 @@ class Binder {
     int order = 0;
     if (query_.skip > 0 && IsAnyOrder(statement_.orderBy)) return;
     for (const OrderItem* item = statement_.orderBy; item; item = item->next) {
-      if (!item->nulls.empty()) {
-        AddSort(SortedAsWritten(*item), false, ++order);
+      const bool hasNulls = item->nulls != NullsPlace::Usual;
+      if (hasNulls && !options_.dialect->hasNullsPlace) {
+        rows_[SortedAsWritten(*item)].sort = {SortDirection::Ascending, ++order};
         continue;
       }
       const std::size_t row = RowToSort(*item->expression);
       if (IsSorted(rows_[row])) continue;  // sorting by the same once more changes nothing
       // Nor does sorting by a number of the select list, which would be written as if it were a position.
       if (rows_[row].output && IsFigures(rows_[row])) continue;
-      AddSort(row, item->descending, ++order);
+      const SortDirection direction = item->descending ? SortDirection::Descending : SortDirection::Ascending;
+      rows_[row].sort = {direction, ++order, item->nulls};
     }
   }
 
@@ -368,14 +370,12 @@ class Binder {
     return rows_.FindAny(field, [](const SnapshotRow& alike) { return alike.sort.place.has_value(); }).has_value();
   }
 
-  void AddSort(std::size_t row, bool descending, int order) {
-    rows_[row].sort = {descending ? SortDirection::Descending : SortDirection::Ascending, order};
-  }
-
-  // The grid has no word for where Nulls stand: the whole term is an expression, which is written without any other.
+  // Where the dialect is not known to say where Nulls come, the whole term is an expression, which is written without
+  // any other.
   std::size_t SortedAsWritten(const OrderItem& item) {
     std::string term = fields_.Normalized(SortedBy(*item.expression));
-    term += (item.descending ? " DESC " : " ") + OnOneLine(item.nulls);
+    term += item.descending ? " DESC" : "";
+    term += WordsOf(item.nulls);
     const std::size_t row = rows_.Add({std::nullopt, std::move(term), {}});
     if (query_.groupByMode) rows_[row].grouping = GroupingKind::Expression;
     return row;

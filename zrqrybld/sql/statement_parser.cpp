@@ -40,7 +40,10 @@ bool IsBeyondDesigner(Keyword keyword) {
 class Parser {
  public:
   Parser(SelectStatement& statement, const ParseOptions& options)
-      : statement_(statement), options_(options), reader_(statement.text), expressions_(reader_, statement.arena) {}
+      : statement_(statement),
+        options_(options),
+        reader_(statement.text),
+        expressions_(reader_, statement.arena, options.pipesMayBeOr) {}
 
   void Run() {
     RefuseWhatCannotBeShown();
@@ -383,11 +386,11 @@ class Parser {
     return first;
   }
 
-  std::string_view ParseNulls() {
-    const std::size_t start = reader_.Offset();
+  NullsPlace ParseNulls() {
     reader_.Advance();
+    const NullsPlace place = reader_.IsWord("FIRST") ? NullsPlace::First : NullsPlace::Last;
     TakeWord("FIRST", "LAST");
-    return reader_.TextFrom(start);
+    return place;
   }
 
   // LIMIT n and FETCH FIRST n ROWS ONLY say the same as TOP n; an offset may stand before or behind them.

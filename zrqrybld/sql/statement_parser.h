@@ -14,6 +14,8 @@ struct ParseOptions {
   /// Whether parentheses that are opened in FROM may stay open up to its end: the generator leaves them so where tables
   /// are not joined, in the dialect that nests joins.
   bool openParenthesesInFrom = false;
+  /// Whether "||" is refused, for it may mean OR: then what it stands in is no part of a condition.
+  bool pipesMayBeOr = false;
 };
 
 /// Reads the statement. Takes time in the length of the text. The text must outlive the tree. SyntaxError, with place
