@@ -27,8 +27,8 @@ from typing import NamedTuple as _NamedTuple
 
 from . import _library as _c
 
-__all__ = ["Argument", "Error", "Member", "Null", "Object", "Ref", "Subscription", "classes", "constants", "create",
-           "members", "toolkit", "version"]
+__all__ = ["Argument", "Error", "Member", "Null", "Object", "Provider", "Ref", "Subscription", "TableName", "classes",
+           "connection", "constants", "create", "members", "register", "toolkit", "version"]
 
 _lib = _c.load()
 _Value = _c.Value
@@ -80,7 +80,8 @@ def _check(status):
         text = _ctypes.c_char_p()
         _lib.zrq_last_error(_byref(text))
         description = (text.value or b"").decode("utf-8", "replace")
-        raise (NoSuchMember if status == 438 else Error)(status, description)
+        error = (NoSuchMember if status == 438 else Error)(status, description)
+        raise error from _provider.cause_of(description)
 
 
 def _fill(to, value, keep):
@@ -119,6 +120,9 @@ def _fill(to, value, keep):
         items = _fill_all(value, keep)
         to.type = _c.ARRAY
         to.array.items, to.array.count = items, len(value)
+    elif _provider.is_provider(value):
+        keep.append(_provider.opened(value))
+        _fill(to, keep[-1], keep)
     elif hasattr(value, "__index__"):
         _fill(to, value.__index__(), keep)
     elif hasattr(value, "__float__"):
@@ -422,6 +426,10 @@ def create(class_name):
     handle = _ctypes.c_uint64()
     _check(_lib.zrq_create(class_name.encode(), _byref(handle)))
     return Object(handle.value)
+
+
+from . import _provider  # behind what it needs of this module
+from ._provider import Provider, TableName, connection, register
 
 
 # --- Events ------------------------------------------------------------------------------------------------------------

@@ -3,13 +3,16 @@
 import ctypes
 import ctypes.util
 import os
-from ctypes import POINTER, byref, c_char_p, c_double, c_int32, c_int64, c_size_t, c_uint64, c_void_p, py_object
+from ctypes import POINTER, c_char_p, c_double, c_int32, c_int64, c_size_t, c_uint64, c_void_p
 from pathlib import Path
 
 ABI = 1
 
 # What a value holds.
 EMPTY, NULL, MISSING, BOOLEAN, INT16, INT32, INT64, SINGLE, DOUBLE, DATE, STRING, OBJECT, ARRAY = range(13)
+
+# What a provider is asked for.
+KEYWORDS, COLUMNS, TABLES, TYPES, FOREIGN_KEYS, PRIMARY_KEYS, LITERALS = 0, 4, 20, 22, 27, 28, 31
 
 # What can be done with a member.
 GET, LET, SET, CALL, EVENT = 1, 2, 4, 8, 16
@@ -44,9 +47,25 @@ class MemberRecord(ctypes.Structure):
                 ("arguments", POINTER(Argument)), ("argument_count", c_size_t)]
 
 
-# Called with the interpreter's lock held, like every function of the library: see `load`.
-Handler = ctypes.PYFUNCTYPE(None, c_void_p, POINTER(Value), c_size_t)
-Ended = ctypes.PYFUNCTYPE(None, c_void_p)
+# These take the interpreter's lock, which a window's events and other threads' calls do not hold.
+Handler = ctypes.CFUNCTYPE(None, c_void_p, POINTER(Value), c_size_t)
+Ended = ctypes.CFUNCTYPE(None, c_void_p)
+
+
+class Wanted(ctypes.Structure):
+    """Which rows a provider is asked for."""
+    _fields_ = [("catalog", c_char_p), ("schema", c_char_p), ("table", c_char_p)]
+
+
+Open = ctypes.CFUNCTYPE(c_int32, c_void_p, c_char_p, c_char_p, c_char_p, POINTER(c_void_p))
+Rows = ctypes.CFUNCTYPE(c_int32, c_void_p, c_void_p, c_int32, POINTER(Wanted))
+Close = ctypes.CFUNCTYPE(None, c_void_p, c_void_p)
+
+
+class ProviderRecord(ctypes.Structure):
+    """A provider's functions."""
+    _fields_ = [("size", c_size_t), ("name", c_char_p), ("open", Open), ("rows", Rows), ("close", Close),
+                ("ended", Ended)]
 
 
 def _candidates():
@@ -63,14 +82,14 @@ def _candidates():
 
 
 def load():
-    """Loads the library. The interpreter's lock is held during calls: the library serves one thread at a time."""
+    """Loads the library. Calls let go of the interpreter's lock: one that waits for another's must not hold it."""
     failures = []
     for path in _candidates():
         if os.sep in path and not os.path.exists(path):
             failures.append(f"{path}: no such file")
             continue
         try:
-            library = ctypes.PyDLL(path)
+            library = ctypes.CDLL(path)
             break
         except OSError as error:
             failures.append(str(error))
@@ -89,6 +108,10 @@ def load():
         "zrq_unsubscribe": [c_uint64],
         "zrq_end_subscriptions": [],
         "zrq_write": [c_size_t, POINTER(Value)],
+        "zrq_connection": [POINTER(ProviderRecord), c_void_p, POINTER(c_uint64)],
+        "zrq_register": [POINTER(ProviderRecord), c_void_p],
+        "zrq_row": [POINTER(Value), c_size_t],
+        "zrq_fail": [c_int32, c_char_p],
         "zrq_last_error": [POINTER(c_char_p)],
         "zrq_member_at": [c_char_p, c_size_t, POINTER(MemberRecord)],
         "zrq_constant_at": [c_size_t, POINTER(c_char_p), POINTER(c_char_p), POINTER(c_int32)],
