@@ -50,6 +50,10 @@ class NoSuchMember(Error, AttributeError):
     """The object has no such member, or it cannot do what is asked (number 438)."""
 
 
+class NoSuchItem(Error, LookupError):
+    """A collection has no item at the position or with the key (number 9)."""
+
+
 class _NullType:
     """A database null."""
 
@@ -80,7 +84,7 @@ def _check(status):
         text = _ctypes.c_char_p()
         _lib.zrq_last_error(_byref(text))
         description = (text.value or b"").decode("utf-8", "replace")
-        error = (NoSuchMember if status == 438 else Error)(status, description)
+        error = {9: NoSuchItem, 438: NoSuchMember}.get(status, Error)(status, description)
         raise error from _provider.cause_of(description)
 
 
@@ -238,6 +242,9 @@ class _Class:
     def __init__(self, name):
         self.name = name
         self.members = {}
+        # A class whose default member hands out objects: nothing is no item.
+        self.holds_objects = any(member.is_default and member.name == "Item" and member.type in classes()
+                                 for member in _members(name))
         for member in _members(name):
             simple = member.kind == "property" and not member.arguments
             self.members[member.name] = self.members[member.name.lower()] = (member, member.name.encode(), simple)
@@ -385,7 +392,10 @@ class Object:
         return _get(self._handle, b"", arguments)
 
     def __getitem__(self, index):
-        return _get(self._handle, b"", index if isinstance(index, tuple) else (index,))
+        item = _get(self._handle, b"", index if isinstance(index, tuple) else (index,))
+        if item is None and self._class.holds_objects:
+            raise NoSuchItem(9, f"{self._class.name} has no item {index!r}.")
+        return item
 
     def __setitem__(self, index, value):
         _let(self._handle, b"", index if isinstance(index, tuple) else (index,), value)
