@@ -208,6 +208,16 @@ ZRQ_API int32_t zrq_row(const zrq_value* values, size_t count);
 // for 0. Words that are not UTF-8 are left out.
 ZRQ_API int32_t zrq_fail(int32_t number, const char* description);
 
+// --- A window: only libzrQryBldQt has these two, which uses the same shared Qt as the program ---
+
+// Makes a designer that is a widget. `parent` is a QWidget or NULL; `widget` becomes a QWidget, a QSplitter, which is
+// the caller's to delete unless it has a parent, in the thread of the QApplication. `designer` becomes its
+// qbQueryBuilder, with its panes linked. Error 429 when there is no QApplication of this Qt.
+ZRQ_API int32_t zrq_widget(void* parent, void** widget, zrq_handle* designer);
+
+// The version of Qt that the library uses, for instance "6.4.2".
+ZRQ_API const char* zrq_qt_version(void);
+
 // --- Values ---
 
 // Frees what the library put into a value and makes it empty.

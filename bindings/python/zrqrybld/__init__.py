@@ -28,7 +28,7 @@ from typing import NamedTuple as _NamedTuple
 from . import _library as _c
 
 __all__ = ["Argument", "Error", "Member", "Null", "Object", "Provider", "Ref", "Subscription", "TableName", "classes",
-           "connection", "constants", "create", "members", "register", "toolkit", "version"]
+           "connection", "constants", "create", "members", "register", "toolkit", "version", "widget"]
 
 _lib = _c.load()
 _Value = _c.Value
@@ -438,7 +438,7 @@ def create(class_name):
     return Object(handle.value)
 
 
-from . import _provider  # behind what it needs of this module
+from . import _provider, _window  # behind what they need of this module
 from ._provider import Provider, TableName, connection, register
 
 
@@ -497,6 +497,15 @@ class Subscription:
     def off(self):
         """Stops listening."""
         _check(_lib.zrq_unsubscribe(self._number))
+
+
+def widget(parent=None):
+    """The designer as a widget of PyQt6 or PySide6, a QSplitter with the attribute `QueryBuilder`.
+
+    Import the binding before this module: the library that has the window is loaded then. A widget without a parent ends
+    with its last reference in PyQt6; in PySide6 give it a parent or a layout. It belongs to the application's thread.
+    """
+    return _window.make(parent)
 
 
 # --- The toolkit, and what else there is -------------------------------------------------------------------------------

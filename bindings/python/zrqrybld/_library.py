@@ -1,8 +1,8 @@
 """The shared library and its C interface."""
 
 import ctypes
-import ctypes.util
 import os
+import sys
 from ctypes import POINTER, c_char_p, c_double, c_int32, c_int64, c_size_t, c_uint64, c_void_p
 from pathlib import Path
 
@@ -68,17 +68,27 @@ class ProviderRecord(ctypes.Structure):
                 ("ended", Ended)]
 
 
+# Python's ways to Qt. A program that has one of them gets the library with the window.
+BINDINGS = ("PyQt6", "PySide6")
+
+
+def _names(stem):
+    """What the system calls a shared library."""
+    return {"win32": (f"{stem}.dll", f"lib{stem}.dll"), "darwin": (f"lib{stem}.dylib",)}.get(sys.platform, (f"lib{stem}.so",))
+
+
 def _candidates():
     """Where the library may be, the best guess first."""
     if named := os.environ.get("ZRQRYBLD_LIBRARY"):
         yield named
         return
-    name = "libzrQryBld.so"
     here = Path(__file__).resolve().parent
-    yield str(here / name)
-    for build in ("release", "run", "dev"):  # a source tree
-        yield str(here.parents[2] / "build" / build / name)
-    yield name
+    folders = [here, *(here.parents[2] / "build" / build for build in ("release", "run", "dev"))]  # a source tree
+    with_window = ("zrQryBldQt",) if any(binding in sys.modules for binding in BINDINGS) else ()
+    for stem in (*with_window, "zrQryBld"):
+        names = _names(stem)
+        yield from (str(folder / name) for folder in folders for name in names)
+        yield from names
 
 
 def load():
@@ -94,8 +104,9 @@ def load():
         except OSError as error:
             failures.append(str(error))
     else:
-        raise ImportError("The zrQryBld library was not found; set ZRQRYBLD_LIBRARY to libzrQryBld.so.\n  "
+        raise ImportError(f"The zrQryBld library was not found; set ZRQRYBLD_LIBRARY to {_names('zrQryBld')[0]}.\n  "
                           + "\n  ".join(failures))
+    library.failures = failures
     signatures = {
         "zrq_create": [c_char_p, POINTER(c_uint64)],
         "zrq_retain": [c_uint64],
@@ -122,6 +133,10 @@ def load():
         function.argtypes, function.restype = arguments, c_int32
     library.zrq_clear.argtypes, library.zrq_clear.restype = [POINTER(Value)], None
     library.zrq_version.argtypes, library.zrq_version.restype = [], c_char_p
+    if hasattr(library, "zrq_widget"):
+        library.zrq_widget.argtypes = [c_void_p, POINTER(c_void_p), POINTER(c_uint64)]
+        library.zrq_widget.restype = c_int32
+        library.zrq_qt_version.argtypes, library.zrq_qt_version.restype = [], c_char_p
     library.zrq_class_at.argtypes, library.zrq_class_at.restype = [c_size_t], c_char_p
     if library.zrq_abi() != ABI:
         raise ImportError(f"{path} speaks version {library.zrq_abi()} of the interface, this package version {ABI}.")
