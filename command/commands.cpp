@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <iostream>
 #include <iterator>
-#include <optional>
+#include <vector>
 
 #include "command/json.h"
 #include "zrqrybld/adapters/files/system_files.h"
@@ -73,6 +73,7 @@ struct Problem {
   std::string file;
   TextPlace place{0, 0};
   std::string message;
+  bool isRemark = false;  // the file can be used all the same
 };
 
 Problem ProblemOf(const std::string& file, std::string_view text, const std::exception& failure) {
@@ -91,17 +92,29 @@ Problem ProblemOf(const std::string& file, std::string_view text, const std::exc
 void Tell(const Problem& problem, std::ostream& errors) {
   errors << problem.file << ':';
   if (problem.place.line != 0) errors << problem.place.line << ':' << problem.place.column << ':';
-  errors << ' ' << problem.message << '\n';
+  errors << (problem.isRemark ? " remark: " : " ") << problem.message << '\n';
 }
-
-// --- Verbs
-// ---------------------------------------------------------------------------------------------------------------
 
 // What a verb writes, and whether anything went wrong.
 struct Outcome {
   std::string text;
   bool failed = false;
+  bool hasRemarks = false;
 };
+
+// What there is to say about the statement that comes out, one line each; in JSON beside it.
+void TellRemarks(const CommandOptions& options, const std::string& file, const qbSQLPane& pane, Outcome& outcome,
+                 JsonWriter& json, std::ostream& errors) {
+  const std::vector<std::string> remarks = pane.Remarks();
+  if (options.json) json.Texts("remarks", remarks);
+  for (const std::string& remark : remarks) {
+    outcome.hasRemarks = true;
+    if (!options.json) Tell({file, {0, 0}, remark, true}, errors);
+  }
+}
+
+// --- Verbs
+// ---------------------------------------------------------------------------------------------------------------
 
 Outcome ListTables(const CommandOptions& options) {
   const Ref<qbQueryBuilder> hub = MakeDesigner();
@@ -131,12 +144,15 @@ std::string Translate(const Ref<qbQueryBuilder>& hub, const CommandOptions& opti
   hub->SQLPane()->ParseSQLStatement(statement);
   hub->SQLPane()->SetSQLSyntax(options.to);
   hub->SQLPane()->Refresh();
-  return hub->SQLPane()->SQLStatement();
+  std::string translated = hub->SQLPane()->SQLStatement();
+  const std::vector<std::string> remarks = hub->SQLPane()->Remarks();
+  if (translated.empty() && !remarks.empty()) throw Error(ErrorParsingText, remarks.front());
+  return translated;
 }
 
 Outcome TranslateFiles(const CommandOptions& options, std::ostream& errors) {
   const bool intoFolder = options.files.size() > 1 && !options.output.empty();
-  if (intoFolder) std::filesystem::create_directories(std::filesystem::path(options.output));
+  if (intoFolder) std::filesystem::create_directories(PathOf(options.output));
   Outcome outcome;
   JsonWriter json;
   json.BeginArray();
@@ -151,15 +167,15 @@ Outcome TranslateFiles(const CommandOptions& options, std::ostream& errors) {
       Connect(*hub, options.connectionString);
       const std::string translated = Translate(hub, options, text);
       if (intoFolder) {
-        const auto name = std::filesystem::path(file).filename();
-        WriteWholeFile((std::filesystem::path(options.output) / name).string(), translated + '\n',
-                       hub->GetToolkit().Files());
+        const std::filesystem::path target = PathOf(options.output) / PathOf(file).filename();
+        WriteWholeFile(Utf8Of(target), translated + '\n', hub->GetToolkit().Files());
       } else if (options.files.size() > 1) {
         outcome.text += "-- " + file + '\n' + translated + "\n\n";
       } else {
         outcome.text += translated + '\n';
       }
       json.Text("sql", translated);
+      TellRemarks(options, file, *hub->SQLPane(), outcome, json, errors);
     } catch (const std::exception& failure) {
       const Problem problem = ProblemOf(file, text, failure);
       outcome.failed = true;
@@ -218,6 +234,7 @@ Outcome ShowQuery(const CommandOptions& options, std::ostream& errors) {
     outcome.text += "  " + (parameter->Name.empty() ? parameter->FormatPrompt() : parameter->Name) + '\n';
   }
   json.EndArray();
+  TellRemarks(options, options.files[0], *hub->SQLPane(), outcome, json, errors);
   json.EndObject();
   if (options.json) outcome.text = json.Take();
   try {
@@ -231,9 +248,10 @@ Outcome ShowQuery(const CommandOptions& options, std::ostream& errors) {
 
 Outcome DrawPicture(const CommandOptions& options) { return {LoadFile(options, nullptr)->DiagramPane()->PictureSvg()}; }
 
-// Reads a file as far as it can be read without harm; what is wrong, or nothing.
-std::optional<Problem> CheckFile(const CommandOptions& options, const std::string& file) {
+// Reads a file as far as it can be read without harm; what is wrong with it, or surprising.
+std::vector<Problem> CheckFile(const CommandOptions& options, const std::string& file) {
   std::string text;
+  std::vector<Problem> problems;
   try {
     text = ReadText(file);
     const Ref<qbQueryBuilder> hub = MakeDesigner();
@@ -248,10 +266,11 @@ std::optional<Problem> CheckFile(const CommandOptions& options, const std::strin
       hub->SQLPane()->SetSQLSyntax(options.from);
       hub->SQLPane()->ParseSQLStatement(text);
     }
+    for (std::string& remark : hub->SQLPane()->Remarks()) problems.push_back({file, {0, 0}, std::move(remark), true});
   } catch (const std::exception& failure) {
-    return ProblemOf(file, text, failure);
+    problems.push_back(ProblemOf(file, text, failure));
   }
-  return std::nullopt;
+  return problems;
 }
 
 Outcome CheckFiles(const CommandOptions& options, std::ostream& errors) {
@@ -259,16 +278,16 @@ Outcome CheckFiles(const CommandOptions& options, std::ostream& errors) {
   JsonWriter json;
   json.BeginArray();
   for (const std::string& file : options.files) {
-    const std::optional<Problem> problem = CheckFile(options, file);
-    if (!problem) continue;
-    outcome.failed = true;
-    if (!options.json) Tell(*problem, errors);
-    json.BeginObject();
-    json.Text("file", problem->file);
-    json.Number("line", static_cast<std::int64_t>(problem->place.line));
-    json.Number("column", static_cast<std::int64_t>(problem->place.column));
-    json.Text("message", problem->message);
-    json.EndObject();
+    for (const Problem& problem : CheckFile(options, file)) {
+      (problem.isRemark ? outcome.hasRemarks : outcome.failed) = true;
+      if (!options.json) Tell(problem, errors);
+      json.BeginObject();
+      json.Text("file", problem.file);
+      json.Number("line", static_cast<std::int64_t>(problem.place.line));
+      json.Number("column", static_cast<std::int64_t>(problem.place.column));
+      json.Text(problem.isRemark ? "remark" : "message", problem.message);
+      json.EndObject();
+    }
   }
   json.EndArray();
   if (options.json) outcome.text = json.Take();
@@ -306,7 +325,9 @@ int RunCommand(const CommandOptions& options, std::ostream& out, std::ostream& e
   } else {
     WriteWholeFile(options.output, outcome.text, *SystemFiles());
   }
-  return outcome.failed ? 1 : 0;
+  constexpr int kFailed = 1;
+  constexpr int kRemarks = 3;  // 2 is a command line that makes no sense
+  return outcome.failed ? kFailed : outcome.hasRemarks ? kRemarks : 0;
 }
 
 }  // namespace zrqrybld

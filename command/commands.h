@@ -1,4 +1,4 @@
-// The command's work: each function does one verb and returns the exit status.
+// The command's work: each function does one verb.
 #pragma once
 
 #include <ostream>

@@ -10,6 +10,12 @@ void JsonWriter::Text(std::string_view key, std::string_view value) {
   Quoted(value);
 }
 
+void JsonWriter::Texts(std::string_view key, const std::vector<std::string>& values) {
+  BeginArray(key);
+  for (const std::string& value : values) Text({}, value);
+  EndArray();
+}
+
 void JsonWriter::Raw(std::string_view key, std::string_view value) {
   Item(key);
   text_ += value;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zrqrybld {
 
@@ -16,6 +17,7 @@ class JsonWriter {
   void BeginArray(std::string_view key = {}) { Begin(key, '['); }
   void EndArray() { End(']'); }
   void Text(std::string_view key, std::string_view value);
+  void Texts(std::string_view key, const std::vector<std::string>& values);
   void Number(std::string_view key, std::int64_t value) { Raw(key, std::to_string(value)); }
 
   /// What was written, ended by a line feed.

@@ -46,10 +46,10 @@ SQLSyntaxEnum ReadDialect(std::string_view name) {
 
 }  // namespace
 
-CommandOptions ReadOptions(std::span<const char* const> arguments) {
+CommandOptions ReadOptions(std::span<const std::string> arguments) {
   if (arguments.empty()) throw UsageError("a command is missing");
   const auto* row = std::ranges::find(kVerbs, std::string_view(arguments[0]), &VerbRow::name);
-  if (row == std::end(kVerbs)) throw UsageError("there is no command \"" + std::string(arguments[0]) + "\"");
+  if (row == std::end(kVerbs)) throw UsageError("there is no command \"" + arguments[0] + "\"");
   CommandOptions options;
   options.verb = row->verb;
   bool onlyFiles = false;
@@ -57,7 +57,7 @@ CommandOptions ReadOptions(std::span<const char* const> arguments) {
     const std::string_view argument = arguments[i];
     const auto value = [&] {
       if (i + 1 >= arguments.size()) throw UsageError(std::string(argument) + " wants a value");
-      return std::string(arguments[++i]);
+      return arguments[++i];
     };
     if (onlyFiles || argument == "-" || !argument.starts_with('-')) {
       options.files.emplace_back(argument);
@@ -111,7 +111,10 @@ std::string HelpText() {
 FILE "-" is the standard input. Show, picture and check work without a data source; a query file then shows the columns that it
 holds itself, and check looks at the form of statements only.
 
-Exit status: 0 when all went well, 1 when something could not be read or written, 2 when the command line makes no sense.
+Translate, show and check tell what may surprise about a statement as file: remark: message.
+
+Exit status: 0 when all went well, 1 when something could not be read or written, 2 when the command line makes no sense, 3 when
+all went well and there are remarks.
 )",
                                "@readable", DialectNames(true, false)),
                     "@written", DialectNames(false, true));

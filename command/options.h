@@ -31,7 +31,7 @@ class UsageError : public std::runtime_error {
 };
 
 /// Reads the command line, without the program's name. UsageError when it makes no sense.
-CommandOptions ReadOptions(std::span<const char* const> arguments);
+CommandOptions ReadOptions(std::span<const std::string> arguments);
 
 /// What --help prints.
 std::string HelpText();

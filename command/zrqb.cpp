@@ -2,14 +2,14 @@
 #include <exception>
 #include <iostream>
 
+#include "command/arguments.h"
 #include "command/commands.h"
 #include "command/options.h"
 
 int main(int argc, char** argv) {
   using namespace zrqrybld;
   try {
-    const std::span<const char* const> arguments(argv, static_cast<std::size_t>(argc));
-    return RunCommand(ReadOptions(arguments.subspan(1)), std::cout, std::cerr);
+    return RunCommand(ReadOptions(Arguments(argc, argv)), std::cout, std::cerr);
   } catch (const UsageError& error) {
     std::cerr << "zrqb: " << error.what() << "; see zrqb --help\n";
     return 2;

@@ -17,6 +17,7 @@ packages_build="
 "
 packages_test="$packages_build
   python3          python3
+  python3-pyqt6    -
   libgtest-dev     -
   libbenchmark-dev -
   unixodbc         isql

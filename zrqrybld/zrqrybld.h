@@ -14,10 +14,15 @@
 #include <stddef.h>
 #include <stdint.h>
 
-#if defined(_WIN32)
-#define ZRQ_API __declspec(dllexport)
-#else
+// Whoever links the library statically on Windows defines ZRQ_STATIC; ZRQ_EXPORTS is defined where it is built.
+#if !defined(_WIN32)
 #define ZRQ_API __attribute__((visibility("default")))
+#elif defined(ZRQ_EXPORTS)
+#define ZRQ_API __declspec(dllexport)
+#elif defined(ZRQ_STATIC)
+#define ZRQ_API
+#else
+#define ZRQ_API __declspec(dllimport)
 #endif
 
 #ifdef __cplusplus
@@ -136,11 +141,82 @@ ZRQ_API int32_t zrq_subscribe(zrq_handle object, const char* event, zrq_handler 
 // Stops listening; a subscription that has ended is no error.
 ZRQ_API int32_t zrq_unsubscribe(uint64_t subscription);
 
-// Ends all subscriptions: no handler is called from now on. For a caller that goes before the objects do.
+// Ends all subscriptions and providers: none of the caller's functions is called from now on but their `ended`, which
+// is called before this returns. For a caller that goes before the objects do.
 ZRQ_API int32_t zrq_end_subscriptions(void);
 
 // Inside a handler: replaces the by-reference argument at a position from 0. Error 5 anywhere else.
 ZRQ_API int32_t zrq_write(size_t argument, const zrq_value* value);
+
+// --- One's own data: a provider tells what tables and columns there are ---
+
+// What a provider is asked for, and the values of a row, in order. A row may end early and leave values out (ZRQ_NULL)
+// but for those marked with "!". Schemas and catalogs are texts, or ZRQ_NULL where there are none.
+enum {
+  ZRQ_KEYWORDS = 0,  // word!: what must be quoted as a name
+  ZRQ_COLUMNS = 4,   // catalog, schema, table!, column!, position from 1, has a default, default, flags, nullable,
+                     // type (a number from `docs/automation.md`), longest text, precision, scale, description
+  ZRQ_TABLES = 20,   // catalog, schema, table!, type ("TABLE", "VIEW" or another, which is not offered), description
+  ZRQ_TYPES = 22,    // name!, type, size, literal prefix, literal suffix, is long
+  ZRQ_FOREIGN_KEYS = 27,  // referenced catalog, schema, table!, column!, referencing catalog, schema, table!, column!,
+                          // position in the key, name; asked for the whole source at once
+  ZRQ_PRIMARY_KEYS = 28,  // catalog, schema, table!, column!, position in the key, name
+  ZRQ_LITERALS = 31       // name!, value, forbidden characters, forbidden first characters
+};
+
+// Which rows are wanted; NULL means all. For foreign keys these name the referencing table. A provider may give more
+// rows than are wanted: the others are passed over.
+typedef struct zrq_wanted {
+  const char* catalog;
+  const char* schema;
+  const char* table;
+} zrq_wanted;
+
+// A provider. Its functions return 0, or the number of an error, which `zrq_fail` gives its words. They are called in
+// the thread that uses the designer, one at a time. Texts that they get live until they return. Meanwhile only objects
+// of the classes Connection, RowSet and Field can be used; all others are error 5.
+typedef struct zrq_provider {
+  size_t size;       // sizeof(zrq_provider): what later versions add stands behind these
+  const char* name;  // of `Provider=name` in a connection string; copied
+
+  // Opens a source; `session` takes what the other functions get. NULL when there is nothing to open.
+  int32_t (*open)(void* context, const char* connection_string, const char* user, const char* password, void** session);
+
+  // Answers with one call of `zrq_row` a row. Error 3251 for a kind that the source does not know.
+  int32_t (*rows)(void* context, void* session, int32_t kind, const zrq_wanted* wanted);
+
+  // Closes what `open` has opened. May be NULL.
+  void (*close)(void* context, void* session);
+
+  // Told once, when none of these is called any more. May be NULL.
+  void (*ended)(void* context);
+} zrq_provider;
+
+// Makes a connection, not yet open, for this provider alone. The provider ends when its connections have ended.
+// On an error `ended` is not called.
+ZRQ_API int32_t zrq_connection(const zrq_provider* provider, void* context, zrq_handle* connection);
+
+// Lets every designer made from now on, and those without a window at once, find the provider by `Provider=name`. Of
+// two with one name the later is used. It stays until `zrq_end_subscriptions`.
+ZRQ_API int32_t zrq_register(const zrq_provider* provider, void* context);
+
+// Inside a provider's `rows`: one more row. The values are copied. Error 5 anywhere else and for a row that is not as
+// the kind wants it; error 7 when it is more than any source has: a text beyond 1 MiB, 256 MiB in all.
+ZRQ_API int32_t zrq_row(const zrq_value* values, size_t count);
+
+// Inside a provider's functions: says in words what the error is that they are about to return. Returns `number`, or 5
+// for 0. Words that are not UTF-8 are left out.
+ZRQ_API int32_t zrq_fail(int32_t number, const char* description);
+
+// --- A window: only libzrQryBldQt has these two, which uses the same shared Qt as the program ---
+
+// Makes a designer that is a widget. `parent` is a QWidget or NULL; `widget` becomes a QWidget, a QSplitter, which is
+// the caller's to delete unless it has a parent, in the thread of the QApplication. `designer` becomes its
+// qbQueryBuilder, with its panes linked. Error 429 when there is no QApplication of this Qt.
+ZRQ_API int32_t zrq_widget(void* parent, void** widget, zrq_handle* designer);
+
+// The version of Qt that the library uses, for instance "6.4.2".
+ZRQ_API const char* zrq_qt_version(void);
 
 // --- Values ---
 

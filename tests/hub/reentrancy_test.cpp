@@ -98,6 +98,7 @@ struct Named {
 
 constexpr Named<Hear> kEvents[] = {
     ON("BeforeAdd", s.Tables()->BeforeAdd),
+    ON("BeforeRemove", s.Tables()->BeforeRemove),
     ON("EntityAdd", s.Tables()->EntityAdd),
     ON("EntityRemove", s.Tables()->EntityRemove),
     ON("EntityItemCheck", s.Panes()->EntityItemCheck),

@@ -74,7 +74,7 @@ class EveryMember(unittest.TestCase):
         "GetRowColumnIndex": (50.0, 50.0, 0, 0), "GetRowColumnXY": (1, 1, 0.0, 0.0), "GotoRowCol": (1, 2),
         "qbGridPane.Value": (1, 1), "ParametersDialog.Value": (1,), "AskParameters": ("SELECT 1",),
         "zrGridRow.Value": (1,), "qbEntity.TagVariant": (), "zrGridColumns.Remove": (11,),
-        "TablesDialog.Add": (["Products"],), "qbJoinTables.Add": ("a", "x", "b", "y"),
+        "TablesDialog.Add": (["Products"],), "qbJoinTables.Add": ("a", "x", "b", "y"), "PasteText": ("x",),
     }
     # What raises the event that brings a dialog.
     DIALOGS = {
@@ -85,6 +85,8 @@ class EveryMember(unittest.TestCase):
         "SaveFileDialog": ("SaveFile", lambda qb, found: qb.DiagramPane.AskToSavePicture()),
         "ParametersDialog": ("Parameters", lambda qb, found: qb.AskParameters("SELECT ?PARAM(Year,2024)")),
         "TextDialog": ("TextPrompt", lambda qb, found: qb.DiagramPane.AskForAlias(found["qbEntity"])),
+        "ContextMenu": ("BeforeContextMenu", lambda qb, found: qb.DiagramPane.OpenMenu()),
+        "MenuItem": ("BeforeContextMenu", lambda qb, found: qb.DiagramPane.OpenMenu()),
     }
 
     ANSWER_FALSE = {"qbQueryBuilder.ShowJoinProperties", "qbRelationships.Exists"}  # about nothing
@@ -149,14 +151,15 @@ class EveryMember(unittest.TestCase):
         event, raise_it = self.DIALOGS[type_name]
         used, failures = [], []
 
-        def handler(dialog):
+        def handler(*arguments):
+            dialog = arguments[-1].Add("x") if type_name == "MenuItem" else arguments[-1]
             used.append(dialog)
             try:
                 use(dialog, objects)
             except Exception as failure:  # would only be reported
                 failures.append(failure)
 
-        answer = toolkit.on(event, handler)
+        answer = (objects["qbDiagramPane"] if event == "BeforeContextMenu" else toolkit).on(event, handler)
         raise_it(objects["qbQueryBuilder"], objects)
         answer.off()
         self.assertTrue(used)
@@ -250,6 +253,17 @@ class Values(unittest.TestCase):
         for value in (object(), 2**63, deep, {"a": 1}):
             with self.subTest(value=type(value)), self.assertRaises(Error):
                 bag.Add(value)
+
+    def test_an_item_that_is_missing_is_an_error_in_every_collection(self):
+        qb = designer()
+        tables = qb.DiagramPane.Entities
+        for collection in (tables, tables["order"].Items, tables[1].Relationships, qb.Properties, qb.DataTypes, qb.DBFunctions,
+                           qb.GridPane.Grid.Rows, qb.GridPane.Grid.Columns):
+            for index in ("x", 9999):
+                with self.subTest(collection=collection, index=index), self.assertRaises(LookupError) as caught:
+                    collection[index]
+                self.assertEqual(caught.exception.number, 9)
+        self.assertIsNone(tables.Item("x"))
 
     def test_named_arguments_and_references(self):
         found = create("qbQueryBuilder").DBFunctions.Find(Syntax="SUM(@field)")
@@ -399,6 +413,83 @@ print("end")
         with self.assertRaises(Error) as caught:
             create("qbSQLPane").ParseSQLStatement("SELECT 1")
         self.assertIn("not linked", caught.exception.description)
+
+
+class Menus(unittest.TestCase):
+    """What else a host hears of and decides."""
+
+    def test_a_menu_is_read_changed_and_chosen(self):
+        qb = designer()
+        kept, texts, clicked = [], [], []
+
+        def first(about, menu):
+            kept.append(menu["fit to columns"])
+            menu.Remove("Remove")
+            menu.Add("Mine", 1).on("Click", lambda: clicked.append(about))
+            menu.Add("")
+
+        def second(about, menu):
+            kept.append(menu[1])
+            texts.extend(item.Text.replace("&", "") for item in menu)
+            menu["Mine"].Choose()
+            menu["Minimise"].Choose()
+        table = qb.DiagramPane.Entities["Order"]
+        qb.DiagramPane.SelectObject(table)
+        height = table.Height
+        listening = [qb.DiagramPane.on("BeforeContextMenu", handler) for handler in (first, second)]
+        qb.DiagramPane.OpenMenu()
+        self.assertEqual((texts[0], texts[-1]), ("Mine", ""))
+        self.assertNotIn("Remove", texts)
+        self.assertEqual(clicked, [table])
+        self.assertLess(table.Height, height)
+        for each in kept:  # the menu was shown meanwhile
+            self.assertEqual(each.Enabled, True)
+            with self.assertRaises(Error) as caught:
+                each.Choose()
+            self.assertEqual(caught.exception.number, 91)
+        [each.off() for each in listening]
+        cells = []
+        qb.GridPane.on("BeforeContextMenu", lambda row, column, menu: cells.append((row, menu.Count > 3)))
+        qb.GridPane.Grid.GotoRowCol(1, 2)
+        qb.GridPane.OpenMenu()
+        self.assertEqual(cells, [(1, True)])
+
+    def test_a_program_s_removals_can_be_refused(self):
+        qb = designer()
+        tables = qb.DiagramPane.Entities
+
+        def refuse(key, cancel):
+            cancel.value = key == "Order"
+        tables.on("BeforeRemove", refuse)
+        tables.Remove("Order")
+        tables.Remove("Customers")
+        self.assertEqual([table.Caption for table in tables], ["Order"])
+        qb.SQLPane.ParseSQLStatement("SELECT City FROM Customers")  # another query: nobody is asked
+        self.assertEqual([table.Caption for table in tables], ["Customers"])
+        qb.AddTable("Order")
+        qb.DiagramPane.Clear()
+        self.assertEqual(tables.Count, 0)
+
+    def test_changed_properties_questions_and_cells(self):
+        qb = designer()
+        changed = []
+        for each in (qb, qb.DiagramPane, qb.GridPane, qb.SQLPane):
+            each.on("PropertyChanged", changed.append)
+        qb.AliasMaxLen, qb.DiagramPane.EntityMinimizeButton, qb.GridPane.DateFormat = 7, True, "yyyy"
+        qb.SQLPane.Locked = True
+        self.assertEqual(changed, ["AliasMaxLen", "EntityMinimizeButton", "DateFormat", "Locked"])
+        qb.GridPane.Grid.GotoRowCol(2, 2)
+        qb.GridPane.Grid.PasteText("Freight")
+        self.assertEqual(qb.GridPane.Value(2, 2), "Freight")
+        self.assertEqual(qb.GridPane.Grid.CopyText(), "Freight")
+        dangerous = f"Provider=SQLite;Data Source={STORE};InitSQL=x"
+        asked = [toolkit.on("ConnectionPrompt", lambda dialog: setattr(dialog, "ConnectionString", dangerous))]
+        for answer in (False, True):
+            qb.Connection.Close() if qb.Connection.State else None
+            asked.append(toolkit.on("Confirm", lambda question, accepted, answer=answer: setattr(accepted, "value", answer)))
+            qb.Connect(Ref(None))
+            self.assertEqual(qb.LastErrorText == "", answer, qb.LastErrorText)
+        [each.off() for each in asked]
 
 
 class Steps(unittest.TestCase):

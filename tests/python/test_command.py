@@ -64,6 +64,21 @@ class Command(unittest.TestCase):
             self.assertEqual(status, 1)
             self.assertIn("cannot be read", errors)
 
+    def test_remarks_are_told_and_have_a_status(self):
+        cross = self.folder / "cröss.sql"
+        cross.write_text("SELECT Customers.City FROM Customers, Products")
+        for verb, source, written in (("translate", ("--db", STORE), True), ("check", ("--db", STORE), False)):
+            with self.subTest(verb=verb):
+                status, text, errors = run(verb, *source, cross)
+                self.assertEqual((status, "FROM" in text), (3, written))
+                self.assertTrue(errors.startswith(f"{cross}: remark: "), errors)
+                self.assertIn("Products", errors)
+                status, text, errors = run(verb, *source, "--json", cross)
+                found, = json.loads(text)
+                self.assertEqual((status, errors), (3, ""))
+                self.assertIn("Products", found["remarks"][0] if written else found["remark"])
+                self.assertEqual(run(verb, *source, cross, self.bad)[0], 1)
+
     def test_show_and_picture(self):
         query = ROOT / "tests/data/first_release.zrq"
         status, text, errors = run("show", "--json", query)

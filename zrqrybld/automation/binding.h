@@ -145,6 +145,10 @@ void AssignField(Object& object, std::span<Variant> arguments) {
   field = Convert<std::remove_cvref_t<decltype(field)>>::From(arguments.back());
 }
 
+// Whether a handler changes the object that stands for the argument, rather than giving back another.
+template <class T>
+inline constexpr bool kChangedInPlace = false;
+
 template <class>
 struct EventSignature;
 template <class C, class... A>
@@ -163,7 +167,8 @@ struct EventSignature<Event<A...> C::*> {
  private:
   template <class P>
   static void WriteBack([[maybe_unused]] P given, [[maybe_unused]] const Variant& value) {
-    if constexpr (Argument<P>::kType.byReference) given = Convert<std::remove_cvref_t<P>>::From(value);
+    if constexpr (Argument<P>::kType.byReference || kChangedInPlace<std::remove_cvref_t<P>>)
+      given = Convert<std::remove_cvref_t<P>>::From(value);
   }
 };
 

@@ -1,12 +1,9 @@
 // The C interface over late binding: handles, values, errors. No exception leaves this file.
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <deque>
-#include <exception>
 #include <memory>
 #include <mutex>
-#include <new>
 #include <span>
 #include <string>
 #include <unordered_map>
@@ -14,34 +11,18 @@
 #include <utility>
 #include <vector>
 
+#include "zrqrybld/automation/c_boundary.h"
+#include "zrqrybld/automation/c_provider.h"
 #include "zrqrybld/automation/classes.h"
 #include "zrqrybld/automation/dispatch.h"
-#include "zrqrybld/automation/handle_table.h"
 #include "zrqrybld/automation/public_names.h"
 #include "zrqrybld/base/error.h"
-#include "zrqrybld/base/text.h"
-#include "zrqrybld/zrqrybld.h"
 
 namespace zrqrybld {
 namespace {
 
-constexpr std::int32_t kInvalidCall = 5;
-constexpr std::int32_t kOutOfMemory = 7;
-constexpr int kDeepestArray = 32;
-
 // --- State
 // -------------------------------------------------------------------------------------------------------------
-
-HandleTable& Handles() {
-  static auto* const table = new HandleTable();  // never destroyed: callers may release handles while they end
-  return *table;
-}
-
-struct LastError {
-  std::int32_t number = 0;
-  std::string description;
-};
-thread_local LastError lastError;
 
 // The event that is being handled, innermost last: `zrq_write` writes into it.
 thread_local std::vector<std::span<Variant>> handling;
@@ -56,144 +37,6 @@ struct Handling {
 
 // --- Values
 // ------------------------------------------------------------------------------------------------------------
-
-[[noreturn]] void ThrowInvalid(const char* why) { throw Error(kInvalidCall, why); }
-
-bool IsUtf8(std::string_view text) {
-  for (std::size_t at = 0; at < text.size();) {
-    const std::size_t before = at;
-    if (DecodeUtf8(text, at) == U'\uFFFD' && at == before + 1) return false;
-  }
-  return true;
-}
-
-Variant FromC(const zrq_value& value, int depth = 0) {
-  switch (value.type) {
-    case ZRQ_EMPTY:
-      return {};
-    case ZRQ_NULL:
-      return Variant::Null();
-    case ZRQ_MISSING:
-      return Variant::Missing();
-    case ZRQ_BOOLEAN:
-      return value.as.integer != 0;
-    case ZRQ_INT16:
-      return static_cast<std::int16_t>(value.as.integer);
-    case ZRQ_INT32:
-      return static_cast<std::int32_t>(value.as.integer);
-    case ZRQ_INT64:
-      return static_cast<std::int64_t>(value.as.integer);
-    case ZRQ_SINGLE:
-      return static_cast<float>(value.as.number);
-    case ZRQ_DOUBLE:
-      return value.as.number;
-    case ZRQ_DATE:
-      return DateValue{value.as.number};
-    case ZRQ_STRING: {
-      if (!value.as.text.data && value.as.text.length > 0) ThrowInvalid("A text without data.");
-      const std::string_view text(value.as.text.data ? value.as.text.data : "", value.as.text.length);
-      if (!IsUtf8(text)) ThrowInvalid("A text that is not UTF-8.");
-      return text;
-    }
-    case ZRQ_OBJECT: {
-      if (value.as.object == 0) return {};
-      Ref<Object> object = Handles().Find(value.as.object);
-      if (!object) ThrowInvalid("A handle that is not valid.");
-      return object;
-    }
-    case ZRQ_ARRAY: {
-      if (depth >= kDeepestArray) ThrowInvalid("Arrays in arrays too deep.");
-      if (!value.as.array.items && value.as.array.count > 0) ThrowInvalid("An array without items.");
-      std::vector<Variant> items;
-      for (std::size_t i = 0; i < value.as.array.count; ++i) items.push_back(FromC(value.as.array.items[i], depth + 1));
-      return items;
-    }
-    default:
-      ThrowInvalid("A value of an unknown type.");
-  }
-}
-
-template <class T>
-T* Allocate(std::size_t count) {
-  auto* memory = static_cast<T*>(std::calloc(count, sizeof(T)));
-  if (!memory) throw std::bad_alloc();
-  return memory;
-}
-
-void FillC(zrq_value& to, const Variant& value) {
-  to = {};
-  to.type = static_cast<std::int32_t>(value.Type());
-  switch (value.Type()) {
-    case VariantType::Empty:
-    case VariantType::Null:
-    case VariantType::Missing:
-      break;
-    case VariantType::Boolean:
-      to.as.integer = value.ToBoolean() ? 1 : 0;
-      break;
-    case VariantType::Int16:
-    case VariantType::Int32:
-      to.as.integer = value.ToInt32();
-      break;
-    case VariantType::Int64:
-      to.as.integer = *value.Int64If();
-      break;
-    case VariantType::Single:
-    case VariantType::Double:
-      to.as.number = *value.Number();
-      break;
-    case VariantType::Date:
-      to.as.number = value.DateIf()->days;
-      break;
-    case VariantType::String: {
-      const std::string& text = *value.StringIf();
-      char* data = Allocate<char>(text.size() + 1);
-      std::memcpy(data, text.data(), text.size());
-      to.as.text.data = data;
-      to.as.text.length = text.size();
-      break;
-    }
-    case VariantType::Object:
-      to.as.object = Handles().Add(value.ToObject());
-      if (to.as.object == 0) to.type = ZRQ_EMPTY;
-      break;
-    case VariantType::Array: {
-      const std::vector<Variant>& items = *value.ArrayIf();
-      auto* filled = Allocate<zrq_value>(std::max<std::size_t>(items.size(), 1));
-      to.as.array.items = filled;
-      for (const Variant& item : items) FillC(filled[to.as.array.count++], item);
-      break;
-    }
-  }
-}
-
-// A value that is freed with its scope.
-class OwnedValues {
- public:
-  explicit OwnedValues(std::span<const Variant> from) : values_(from.size()) {
-    try {
-      for (std::size_t i = 0; i < from.size(); ++i) FillC(values_[i], from[i]);
-    } catch (...) {
-      Clear();
-      throw;
-    }
-  }
-  OwnedValues(const OwnedValues&) = delete;
-  OwnedValues& operator=(const OwnedValues&) = delete;
-  ~OwnedValues() { Clear(); }
-  const zrq_value* Data() const { return values_.data(); }
-  // Hands the values on; they are the caller's now.
-  void MoveTo(zrq_value* to) {
-    std::copy(values_.begin(), values_.end(), to);
-    values_.clear();
-  }
-
- private:
-  void Clear() {
-    for (zrq_value& value : values_) zrq_clear(&value);
-  }
-  std::vector<zrq_value> values_;
-};
 
 void Return(zrq_value* result, const Variant& value) {
   if (result) OwnedValues(std::span(&value, 1)).MoveTo(result);
@@ -212,49 +55,16 @@ std::string_view ReadName(const char* name) {
   return name;
 }
 
-Ref<Object> Require(zrq_handle handle) {
+Ref<Object> Find(zrq_handle handle) {
   Ref<Object> object = Handles().Find(handle);
   if (!object) ThrowInvalid("A handle that is not valid.");
   return object;
 }
 
-// --- Errors
-// ------------------------------------------------------------------------------------------------------------
-
-std::int32_t Fail(std::int32_t number, std::string_view description) noexcept {
-  lastError.number = number != 0 ? number : kInvalidCall;
-  try {
-    lastError.description = description;
-  } catch (const std::exception&) {
-    lastError.description.clear();
-  }
-  return lastError.number;
-}
-
-// Runs one call of the interface and turns every exception into an error number.
-// One call at a time: what another thread calls waits. The same thread may call again from a handler.
-std::recursive_mutex& CallLock() {
-  static auto* const lock = new std::recursive_mutex();  // never destroyed, like the handles
-  return *lock;
-}
-
-template <class F>
-std::int32_t Guard(F&& call) noexcept {
-  try {
-    const std::lock_guard<std::recursive_mutex> lock(CallLock());
-    std::forward<F>(call)();
-  } catch (const Error& error) {
-    return Fail(error.Number(), error.Description());
-  } catch (const std::bad_alloc&) {
-    return Fail(kOutOfMemory, "Out of memory.");
-  } catch (const std::exception& error) {
-    return Fail(kInvalidCall, error.what());
-  } catch (...) {
-    return Fail(kInvalidCall, "Unknown error.");
-  }
-  lastError.number = 0;
-  lastError.description.clear();
-  return 0;
+Ref<Object> Require(zrq_handle handle) {
+  Ref<Object> object = Find(handle);
+  RequireUsable(*object);
+  return object;
 }
 
 // --- Events
@@ -294,6 +104,7 @@ class Listener {
   }
   void Call(std::span<Variant> arguments) const {
     if (!handler_) return;
+    const std::lock_guard<std::recursive_mutex> lock(CallLock());  // a window raises events outside of any call
     const OwnedValues values(arguments);
     const Handling scope(arguments);
     handler_(context_, values.Data(), arguments.size());
@@ -365,14 +176,14 @@ int32_t zrq_retain(zrq_handle object) {
 
 int32_t zrq_release(zrq_handle object) {
   return Guard([&] {
-    if (!Handles().Release(object)) ThrowInvalid("A handle that is not valid.");
+    if (!ReleaseHandle(object)) ThrowInvalid("A handle that is not valid.");
   });
 }
 
 int32_t zrq_class(zrq_handle object, const char** class_name) {
   return Guard([&] {
     if (!class_name) ThrowInvalid("There is no place for the name.");
-    *class_name = TypeOf(*Require(object)).name.data();  // the tables hold literals, which end in 0
+    *class_name = TypeOf(*Find(object)).name.data();  // the tables hold literals, which end in 0
   });
 }
 
@@ -439,6 +250,7 @@ int32_t zrq_end_subscriptions(void) {
       Listener::Living().erase(listener);
       listener->End();
     }
+    EndCallerProviders();
   });
 }
 
@@ -456,7 +268,7 @@ void zrq_clear(zrq_value* value) {
   if (old.type == ZRQ_STRING) {
     std::free(const_cast<char*>(old.as.text.data));
   } else if (old.type == ZRQ_OBJECT) {
-    Guard([&] { Handles().Release(old.as.object); });
+    Guard([&] { ReleaseHandle(old.as.object); });
   } else if (old.type == ZRQ_ARRAY) {
     auto* items = const_cast<zrq_value*>(old.as.array.items);
     for (std::size_t i = 0; i < old.as.array.count; ++i) zrq_clear(&items[i]);
@@ -464,10 +276,7 @@ void zrq_clear(zrq_value* value) {
   }
 }
 
-int32_t zrq_last_error(const char** description) {
-  if (description) *description = lastError.description.c_str();
-  return lastError.number;
-}
+int32_t zrq_last_error(const char** description) { return LastCallError(description); }
 
 const char* zrq_class_at(size_t index) { return index < Classes().size() ? Classes()[index].name.data() : nullptr; }
 

@@ -1,6 +1,7 @@
 // The members of the diagram pane and the model it shows.
 #include "zrqrybld/automation/binding.h"
 #include "zrqrybld/automation/classes.h"
+#include "zrqrybld/automation/menu_object.h"
 #include "zrqrybld/automation/property_bag.h"
 
 namespace zrqrybld {
@@ -60,6 +61,9 @@ constexpr Member kPane[] = {
     Method<Pane, &Pane::AskToSavePicture>("AskToSavePicture"),
     Method<Pane, &AskForAlias>("AskForAlias", "Entity"),
     Method<Pane, &Pane::SelectAll>("SelectAll"),
+    Method<Pane, &Pane::OpenMenu>("OpenMenu"),
+    Raised<Pane, &Pane::BeforeContextMenu>("BeforeContextMenu", "object, Menu"),
+    Raised<Pane, &Pane::PropertyChanged>("PropertyChanged", "PropertyName"),
     Method<Pane, &ReadFrom<Pane>>("ReadProperties", "Bag"),
     Method<Pane, &WriteTo<Pane>>("WriteProperties", "Bag"),
 };
@@ -72,6 +76,7 @@ constexpr Member kEntities[] = {
     Raised<qbEntities, &qbEntities::EntityAdd>("EntityAdd", "Key"),
     Raised<qbEntities, &qbEntities::EntityRemove>("EntityRemove", "Key"),
     Raised<qbEntities, &qbEntities::BeforeAdd>("BeforeAdd", "Key, Cancel"),
+    Raised<qbEntities, &qbEntities::BeforeRemove>("BeforeRemove", "Key, Cancel"),
 };
 
 constexpr Member kEntity[] = {

@@ -1,6 +1,7 @@
 // The members of the grid pane and the grid control under it.
 #include "zrqrybld/automation/binding.h"
 #include "zrqrybld/automation/classes.h"
+#include "zrqrybld/automation/menu_object.h"
 #include "zrqrybld/automation/property_bag.h"
 
 namespace zrqrybld {
@@ -42,6 +43,9 @@ constexpr Member kPane[] = {
     Raised<Pane, &Pane::AfterEdit>("AfterEdit", "Row, Column"),
     // Beyond the members above: the grid under the pane, and what a host without a form needs.
     ReadOnly<Pane, &Pane::Grid>("Grid"),
+    Method<Pane, &Pane::OpenMenu>("OpenMenu"),
+    Raised<Pane, &Pane::BeforeContextMenu>("BeforeContextMenu", "Row, Column, Menu"),
+    Raised<Pane, &Pane::PropertyChanged>("PropertyChanged", "PropertyName"),
     Method<Pane, &ReadFrom<Pane>>("ReadProperties", "Bag"),
     Method<Pane, &WriteTo<Pane>>("WriteProperties", "Bag"),
 };
@@ -88,6 +92,8 @@ constexpr Member kGrid[] = {
     Raised<zrGrid, &zrGrid::DblClick>("DblClick"),
     Raised<zrGrid, &zrGrid::RowColChange>("RowColChange", "Row, Column"),
     Raised<zrGrid, &zrGrid::BeforeDropDown>("BeforeDropDown", "Row, Column, Cancel"),
+    Method<zrGrid, &zrGrid::CopyText>("CopyText"),
+    Method<zrGrid, &zrGrid::PasteText>("PasteText", "Text"),
     Method<zrGrid, &ReadFrom<zrGrid>>("ReadProperties", "Bag"),
     Method<zrGrid, &WriteTo<zrGrid>>("WriteProperties", "Bag"),
 };

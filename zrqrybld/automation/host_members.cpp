@@ -91,6 +91,7 @@ constexpr Member kQueryBuilder[] = {
     Method<Hub, &BeginNamedStep>("BeginStep", "Name"),
     Method<Hub, &Hub::EndStep>("EndStep"),
     Raised<Hub, &Hub::HistoryChanged>("HistoryChanged"),
+    Raised<Hub, &Hub::PropertyChanged>("PropertyChanged", "PropertyName"),
     Method<Hub, &Hub::InitProperties>("InitProperties"),
     Method<Hub, &ReadFrom<Hub>>("ReadProperties", "Bag"),
     Method<Hub, &WriteTo<Hub>>("WriteProperties", "Bag"),

@@ -3,6 +3,7 @@
 
 #include "zrqrybld/automation/binding.h"
 #include "zrqrybld/automation/classes.h"
+#include "zrqrybld/automation/menu_object.h"
 #include "zrqrybld/automation/row_set_object.h"
 #include "zrqrybld/automation/toolkit_object.h"
 
@@ -125,6 +126,7 @@ constexpr Member kToolkit[] = {
     Raised<ToolkitObject, &ToolkitObject::SaveFile>("SaveFile", "Dialog"),
     Raised<ToolkitObject, &ToolkitObject::TextPrompt>("TextPrompt", "Dialog"),
     Raised<ToolkitObject, &ToolkitObject::Parameters>("Parameters", "Dialog"),
+    Raised<ToolkitObject, &ToolkitObject::Confirm>("Confirm", "Question, Accepted"),
 };
 
 constexpr Member kMessages[] = {
@@ -137,6 +139,26 @@ constexpr Member kMessage[] = {
     ReadOnly<ToolkitMessage, &ToolkitMessage::Kind>("Kind"),
     ReadOnly<ToolkitMessage, &ToolkitMessage::Text>("Text"),
     ReadOnly<ToolkitMessage, &ToolkitMessage::Icon>("Icon"),
+};
+
+// --- Menus and dialogs ---
+
+constexpr Member kMenu[] = {
+    Method<MenuObject, &MenuObject::Add>("Add", "Text, [Before]"),
+    Method<MenuObject, &MenuObject::Clear>("Clear"),
+    ReadOnly<MenuObject, &MenuObject::Count>("Count"),
+    ReadOnly<MenuObject, &MenuObject::Item>("Item", "Index"),
+    Method<MenuObject, &MenuObject::Remove>("Remove", "Index"),
+};
+
+constexpr Member kMenuItem[] = {
+    ReadWrite<MenuItemObject, &MenuItemObject::Text, &MenuItemObject::SetText>("Text"),
+    ReadOnly<MenuItemObject, &MenuItemObject::Shortcut>("Shortcut"),
+    ReadWrite<MenuItemObject, &MenuItemObject::Enabled, &MenuItemObject::SetEnabled>("Enabled"),
+    ReadWrite<MenuItemObject, &MenuItemObject::Checked, &MenuItemObject::SetChecked>("Checked"),
+    ReadOnly<MenuItemObject, &MenuItemObject::Entries>("Entries"),
+    Method<MenuItemObject, &MenuItemObject::Choose>("Choose"),
+    Raised<MenuItemObject, &MenuItemObject::Click>("Click"),
 };
 
 using Tables = TablesDialogObject;
@@ -216,6 +238,8 @@ const ClassInfo kClasses[] = {
     {"Toolkit", kToolkit, "", [] { return Ref<Object>(ToolkitObject::Instance()); }},
     {"ToolkitMessages", kMessages, "Item"},
     {"ToolkitMessage", kMessage, "Text"},
+    {"ContextMenu", kMenu, "Item"},
+    {"MenuItem", kMenuItem, "Text"},
     {"TablesDialog", kTablesDialog, ""},
     {"JoinDialog", kJoinDialog, ""},
     {"ConnectionDialog", kConnectionDialog, "ConnectionString"},

@@ -24,6 +24,7 @@ constexpr Member kPane[] = {
     Raised<Pane, &Pane::KeyDown>("KeyDown", "KeyCode, Shift"),
     Raised<Pane, &Pane::KeyPress>("KeyPress", "KeyAscii"),
     Raised<Pane, &Pane::ParseParameter>("ParseParameter", "Parameter, Cancel"),
+    Raised<Pane, &Pane::PropertyChanged>("PropertyChanged", "PropertyName"),
     // Beyond the members above: what there is to say about the statement, and what a host without a form needs.
     ReadOnly<Pane, &Pane::Remarks>("Remarks"),
     ReadOnly<Pane, &Pane::Joins>("Joins"),

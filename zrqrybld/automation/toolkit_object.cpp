@@ -22,6 +22,14 @@ class ScriptedDialogs final : public Dialogs {
 
   void ShowMessageSoon(std::string_view text, MessageIcon icon) override { ShowMessage(text, icon); }
 
+  bool Confirm(std::string_view question) override {
+    const std::string text(question);
+    Record("Confirm", text);
+    bool accepted = false;
+    owner_.Confirm.Raise(text, accepted);
+    return accepted;
+  }
+
   void ShowTables(const TablesDialog& dialog) override {
     Record("ShowTables", dialog.caption);
     const Shown shown(std::make_shared<TablesDialogObject>(dialog));

@@ -27,8 +27,8 @@ class ToolkitMessage final : public Object {
       : kind_(std::move(kind)), text_(std::move(text)), icon_(icon) {}
   std::string_view TypeName() const override { return "ToolkitMessage"; }
 
-  /// "MessageBox", "ShowTables", "JoinProperties", "ConnectionPrompt", "Expression", "SaveFile", "TextPrompt" or
-  /// "Parameters".
+  /// "MessageBox", "Confirm", "ShowTables", "JoinProperties", "ConnectionPrompt", "Expression", "SaveFile",
+  /// "TextPrompt" or "Parameters".
   const std::string& Kind() const { return kind_; }
   /// The message, or the dialog's caption.
   const std::string& Text() const { return text_; }
@@ -236,6 +236,8 @@ class ToolkitObject final : public Object {
 
   /// A message: its text and picture (see `ToolkitMessage::Icon`).
   Event<const std::string&, std::int32_t> MessageBox;
+  /// A question that a careless answer could cost something; the second argument set to true says yes.
+  Event<const std::string&, bool&> Confirm;
   /// The table picker: the dialog, which the handler answers.
   Event<const Ref<TablesDialogObject>&> ShowTables;
   /// A join's properties: the dialog, which the handler answers.

@@ -16,8 +16,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-fs::path PathOf(const std::string& utf8) { return {std::u8string(utf8.begin(), utf8.end())}; }
-
 [[noreturn]] void ThrowFailure(TextId what, const std::string& path, const Phrase& reason) {
   throw Error(ErrorFileAccess, Phrase(what, path, reason));
 }
@@ -126,6 +124,13 @@ bool MustBeWrittenOver(const fs::path& target, const NewFile& fresh, const FileS
 }
 
 }  // namespace
+
+fs::path PathOf(std::string_view utf8) { return {std::u8string(utf8.begin(), utf8.end())}; }
+
+std::string Utf8Of(const fs::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
 
 std::string ReadWholeFile(const std::string& path, std::size_t limit) {
   constexpr TextId kWhat = text::CannotRead;

@@ -29,6 +29,11 @@ class FileSystem {
   virtual std::shared_ptr<void> Claim(const std::filesystem::path& file) const;
 };
 
+/// A path that is given in UTF-8, whatever the system takes file names in.
+std::filesystem::path PathOf(std::string_view utf8);
+/// The same back.
+std::string Utf8Of(const std::filesystem::path& path);
+
 /// The file's bytes. Error 75 with the system's reason when it cannot be read, and for a file beyond `limit` bytes.
 std::string ReadWholeFile(const std::string& path, std::size_t limit);
 

@@ -30,9 +30,7 @@ void DiagramEdits::Clear() {
   std::vector<Ref<qbEntity>> all;
   for (std::int32_t i = entities_.Count(); i >= 1; --i) all.push_back(entities_.Item(i));
   WholeOrNothing(context, [&] {
-    for (const Ref<qbEntity>& entity : all) {
-      if (entity->EntityBox()) entities_.Remove(entity->Index());
-    }
+    for (const Ref<qbEntity>& entity : all) entities_.Drop(entity);
     if (context) context->DiagramCleared();
   });
 }

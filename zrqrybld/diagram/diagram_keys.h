@@ -32,6 +32,9 @@ class DiagramKeys {
   bool Down(const KeyEvent& event);
   void Up(const KeyEvent& event);
 
+  /// Opens the menu of what is selected.
+  bool ShowMenu();
+
  private:
   bool OnCharacters(std::int32_t keyCode, const KeyEvent& event);
   bool OnPlainKey(std::int32_t keyCode);
@@ -40,7 +43,6 @@ class DiagramKeys {
   bool NudgeSelected(std::int32_t keyCode);
   bool StretchSelected(std::int32_t keyCode);
   bool ToggleMinimized();
-  bool ShowMenu();
   bool Escape();
   bool Zoom(double factor);
 

@@ -172,6 +172,8 @@ void qbDiagramPane::SelectObject(const Ref<Object>& object) { parts_->selection.
 
 void qbDiagramPane::DropSelection() { parts_->selection.Drop(); }
 
+void qbDiagramPane::OpenMenu() { parts_->keys.ShowMenu(); }
+
 void qbDiagramPane::SelectAll() { parts_->selection.SelectAll(*parts_->entities); }
 
 std::vector<Ref<qbEntity>> qbDiagramPane::SelectedEntities() const { return parts_->selection.Entities(); }

@@ -122,6 +122,9 @@ class qbDiagramPane final : public DiagramSite {
   void DropSelection();
   /// Selects all entities; the `SelectedObject` stays when it is one of them, otherwise the first becomes it.
   void SelectAll();
+
+  /// Opens the context menu of what is selected, as its key does.
+  void OpenMenu();
   /// All entities that are selected, the `SelectedObject` first: the user moves and deletes them together. None while a
   /// relationship is selected.
   std::vector<Ref<qbEntity>> SelectedEntities() const;

@@ -109,7 +109,15 @@ void qbEntities::RemoveJoinsOf(const Ref<qbEntity>& entity) {
 void qbEntities::Remove(const Variant& index) {
   const Ref<Object> alive = shared_from_this();  // a listener may let go of the pane
   const Ref<qbEntity> entity = Item(index);
-  if (!entity || !view_) return;
+  if (!entity) return;
+  bool cancel = false;
+  BeforeRemove.Raise(entity->Caption(), cancel);
+  if (!cancel) Drop(entity);
+}
+
+void qbEntities::Drop(const Ref<qbEntity>& entity) {
+  const Ref<Object> alive = shared_from_this();
+  if (!view_ || !entity->EntityBox()) return;  // a listener has removed it
   const Ref<QueryContext> context = view_->Context();
   const std::string key = entity->Caption();
   const StepScope step(context, kStepRemoveTable, key);
@@ -136,7 +144,7 @@ void qbEntities::RemoveWithJoins(const Ref<qbEntity>& entity, const Ref<QueryCon
 
 void qbEntities::TakeBack(const Ref<qbEntity>& entity) {
   try {
-    if (entity->EntityBox()) Remove(entity->Index());
+    Drop(entity);
   } catch (const std::exception&) {
     // The first failure is the one to tell; the table is gone all the same.
   }

@@ -29,6 +29,10 @@ class qbEntities final : public Object, private EntityOwner {
   /// An entity is about to be added; the second argument set to true prevents it.
   Event<const std::string&, bool&> BeforeAdd;
 
+  /// The entity with this key is about to be removed, by the user or by `Remove`; the second argument set to true keeps
+  /// it. Nobody is asked where a whole query gives way to another, by undo, or when adding a table has failed.
+  Event<const std::string&, bool&> BeforeRemove;
+
   /// Adds an entity with the caption `key`. Nothing when a handler of `BeforeAdd` cancels it; error 457
   /// when another entity has the caption, in any letter case; error 5 for an empty one.
   Ref<qbEntity> Add(const std::string& key);
@@ -42,7 +46,8 @@ class qbEntities final : public Object, private EntityOwner {
   /// The entity at a position from 1 or with this caption, or nothing.
   Ref<qbEntity> Item(const Variant& index) const { return ItemOrNothing(items_, index); }
 
-  /// Removes an entity with its columns and all joins at it. A missing one is no error.
+  /// Removes an entity with its columns and all joins at it, unless a handler of `BeforeRemove` keeps it. A missing one
+  /// is no error.
   void Remove(const Variant& index);
 
   // --- For the model, the pane and the hub ---
@@ -57,6 +62,8 @@ class qbEntities final : public Object, private EntityOwner {
     if (view_ && entity.EntityBox()) view_->FitBox(entity.EntityBox());
   }
 
+  /// Removes an entity whatever handlers of `BeforeRemove` say.
+  void Drop(const Ref<qbEntity>& entity);
   /// Removes an entity that a listener has refused by an error, whatever listeners say to that.
   void TakeBack(const Ref<qbEntity>& entity);
 

@@ -288,7 +288,8 @@ void TablePicker::AddTables(const std::vector<std::string>& names, const TablesD
       }
     } catch (const Error&) {
       try {
-        while (entities && entities->Count() > whole) entities->Remove(entities->Count());  // half a table is none
+        while (entities && entities->Count() > whole)
+          entities->Drop(entities->Item(entities->Count()));  // half a table is none
         RefreshRelationships(context_);
       } catch (const Error&) {
         // The first failure is the one to tell.

@@ -131,6 +131,11 @@ void GridPaneMenu::SetColumnShown(std::int32_t column, bool show) const {
 
 // --- The pane ---
 
+void qbGridPane::OpenMenu() {
+  const Key key = RowOf(Command::ContextMenu).key;
+  grdPane_->OnKeyDown({key.code, key.shift, {}});
+}
+
 void qbGridPane::ShowMenu(const GridHit& hit, PixelPoint at) {
   grdPane_->CommitEdit();
   // The menu is about what is under it: rows that are selected elsewhere are not meant.

@@ -89,6 +89,9 @@ class qbGridPane final : public Object {
   /// Opens a larger editor on the current cell; an answer other than "cancel" is an edit of the cell. Nothing without a
   /// current cell or a hub.
   void ShowExpressionZoom() { EditInWindow(false); }
+
+  /// Opens the context menu of the current cell, as its key does.
+  void OpenMenu();
   /// A cell's value; a missing row or column means the current one. Error 40001 when either is not above 0.
   Variant Value(const Variant& row = Variant::Missing(), const Variant& column = Variant::Missing()) const;
   void SetValue(const Variant& row, const Variant& column, Variant value);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "zrqrybld/base/error.h"
+#include "zrqrybld/base/file.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts.h"
 #include "zrqrybld/base/texts_hub.h"
@@ -46,7 +47,7 @@ std::string LanguageTable::Get(std::int32_t id) const {
 void LanguageTable::Set(std::int32_t id, std::string text) { texts_.insert_or_assign(id, std::move(text)); }
 
 void LanguageTable::Load(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(PathOf(path), std::ios::binary);
   if (!file) {
     texts_.clear();
     ThrowInvalidFile();

@@ -57,7 +57,7 @@ class DesignWriter {
       if (i > entities_->Count()) continue;  // a listener has removed others, too
       const Ref<qbEntity> entity = entities_->Item(i);
       if (!staying.contains(entity.get())) {
-        entities_->Remove(i);
+        entities_->Drop(entity);
         continue;
       }
       const qbEntityItems& items = *entity->Items();

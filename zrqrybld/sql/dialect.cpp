@@ -288,7 +288,8 @@ const Dialect* DialectOfSource(std::string_view name, std::string_view version) 
     return FindNoCase(name, row.word) != std::string_view::npos &&
            (row.before == 0 || (number > 0 && number < row.before));
   });
-  return speaker == std::end(kSpeakers) ? nullptr : &DialectFor(speaker->syntax);
+  // A source that an application makes up may call itself by the dialect.
+  return speaker == std::end(kSpeakers) ? FindDialect(name) : &DialectFor(speaker->syntax);
 }
 
 const Dialect* FindDialect(std::int32_t number) {

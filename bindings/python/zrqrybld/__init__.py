@@ -27,8 +27,8 @@ from typing import NamedTuple as _NamedTuple
 
 from . import _library as _c
 
-__all__ = ["Argument", "Error", "Member", "Null", "Object", "Ref", "Subscription", "classes", "constants", "create",
-           "members", "toolkit", "version"]
+__all__ = ["Argument", "Error", "Member", "Null", "Object", "Provider", "Ref", "Subscription", "TableName", "classes",
+           "connection", "constants", "create", "members", "register", "toolkit", "version", "widget"]
 
 _lib = _c.load()
 _Value = _c.Value
@@ -48,6 +48,10 @@ class Error(Exception):
 
 class NoSuchMember(Error, AttributeError):
     """The object has no such member, or it cannot do what is asked (number 438)."""
+
+
+class NoSuchItem(Error, LookupError):
+    """A collection has no item at the position or with the key (number 9)."""
 
 
 class _NullType:
@@ -80,7 +84,8 @@ def _check(status):
         text = _ctypes.c_char_p()
         _lib.zrq_last_error(_byref(text))
         description = (text.value or b"").decode("utf-8", "replace")
-        raise (NoSuchMember if status == 438 else Error)(status, description)
+        error = {9: NoSuchItem, 438: NoSuchMember}.get(status, Error)(status, description)
+        raise error from _provider.cause_of(description)
 
 
 def _fill(to, value, keep):
@@ -119,6 +124,9 @@ def _fill(to, value, keep):
         items = _fill_all(value, keep)
         to.type = _c.ARRAY
         to.array.items, to.array.count = items, len(value)
+    elif _provider.is_provider(value):
+        keep.append(_provider.opened(value))
+        _fill(to, keep[-1], keep)
     elif hasattr(value, "__index__"):
         _fill(to, value.__index__(), keep)
     elif hasattr(value, "__float__"):
@@ -234,6 +242,9 @@ class _Class:
     def __init__(self, name):
         self.name = name
         self.members = {}
+        # A class whose default member hands out objects: nothing is no item.
+        self.holds_objects = any(member.is_default and member.name == "Item" and member.type in classes()
+                                 for member in _members(name))
         for member in _members(name):
             simple = member.kind == "property" and not member.arguments
             self.members[member.name] = self.members[member.name.lower()] = (member, member.name.encode(), simple)
@@ -381,7 +392,10 @@ class Object:
         return _get(self._handle, b"", arguments)
 
     def __getitem__(self, index):
-        return _get(self._handle, b"", index if isinstance(index, tuple) else (index,))
+        item = _get(self._handle, b"", index if isinstance(index, tuple) else (index,))
+        if item is None and self._class.holds_objects:
+            raise NoSuchItem(9, f"{self._class.name} has no item {index!r}.")
+        return item
 
     def __setitem__(self, index, value):
         _let(self._handle, b"", index if isinstance(index, tuple) else (index,), value)
@@ -422,6 +436,10 @@ def create(class_name):
     handle = _ctypes.c_uint64()
     _check(_lib.zrq_create(class_name.encode(), _byref(handle)))
     return Object(handle.value)
+
+
+from . import _provider, _window  # behind what they need of this module
+from ._provider import Provider, TableName, connection, register
 
 
 # --- Events ------------------------------------------------------------------------------------------------------------
@@ -479,6 +497,15 @@ class Subscription:
     def off(self):
         """Stops listening."""
         _check(_lib.zrq_unsubscribe(self._number))
+
+
+def widget(parent=None):
+    """The designer as a widget of PyQt6 or PySide6, a QSplitter with the attribute `QueryBuilder`.
+
+    Import the binding before this module: the library that has the window is loaded then. A widget without a parent ends
+    with its last reference in PyQt6; in PySide6 give it a parent or a layout. It belongs to the application's thread.
+    """
+    return _window.make(parent)
 
 
 # --- The toolkit, and what else there is -------------------------------------------------------------------------------

@@ -1,15 +1,18 @@
 """The shared library and its C interface."""
 
 import ctypes
-import ctypes.util
 import os
-from ctypes import POINTER, byref, c_char_p, c_double, c_int32, c_int64, c_size_t, c_uint64, c_void_p, py_object
+import sys
+from ctypes import POINTER, c_char_p, c_double, c_int32, c_int64, c_size_t, c_uint64, c_void_p
 from pathlib import Path
 
 ABI = 1
 
 # What a value holds.
 EMPTY, NULL, MISSING, BOOLEAN, INT16, INT32, INT64, SINGLE, DOUBLE, DATE, STRING, OBJECT, ARRAY = range(13)
+
+# What a provider is asked for.
+KEYWORDS, COLUMNS, TABLES, TYPES, FOREIGN_KEYS, PRIMARY_KEYS, LITERALS = 0, 4, 20, 22, 27, 28, 31
 
 # What can be done with a member.
 GET, LET, SET, CALL, EVENT = 1, 2, 4, 8, 16
@@ -44,9 +47,34 @@ class MemberRecord(ctypes.Structure):
                 ("arguments", POINTER(Argument)), ("argument_count", c_size_t)]
 
 
-# Called with the interpreter's lock held, like every function of the library: see `load`.
-Handler = ctypes.PYFUNCTYPE(None, c_void_p, POINTER(Value), c_size_t)
-Ended = ctypes.PYFUNCTYPE(None, c_void_p)
+# These take the interpreter's lock, which a window's events and other threads' calls do not hold.
+Handler = ctypes.CFUNCTYPE(None, c_void_p, POINTER(Value), c_size_t)
+Ended = ctypes.CFUNCTYPE(None, c_void_p)
+
+
+class Wanted(ctypes.Structure):
+    """Which rows a provider is asked for."""
+    _fields_ = [("catalog", c_char_p), ("schema", c_char_p), ("table", c_char_p)]
+
+
+Open = ctypes.CFUNCTYPE(c_int32, c_void_p, c_char_p, c_char_p, c_char_p, POINTER(c_void_p))
+Rows = ctypes.CFUNCTYPE(c_int32, c_void_p, c_void_p, c_int32, POINTER(Wanted))
+Close = ctypes.CFUNCTYPE(None, c_void_p, c_void_p)
+
+
+class ProviderRecord(ctypes.Structure):
+    """A provider's functions."""
+    _fields_ = [("size", c_size_t), ("name", c_char_p), ("open", Open), ("rows", Rows), ("close", Close),
+                ("ended", Ended)]
+
+
+# Python's ways to Qt. A program that has one of them gets the library with the window.
+BINDINGS = ("PyQt6", "PySide6")
+
+
+def _names(stem):
+    """What the system calls a shared library."""
+    return {"win32": (f"{stem}.dll", f"lib{stem}.dll"), "darwin": (f"lib{stem}.dylib",)}.get(sys.platform, (f"lib{stem}.so",))
 
 
 def _candidates():
@@ -54,29 +82,31 @@ def _candidates():
     if named := os.environ.get("ZRQRYBLD_LIBRARY"):
         yield named
         return
-    name = "libzrQryBld.so"
     here = Path(__file__).resolve().parent
-    yield str(here / name)
-    for build in ("release", "run", "dev"):  # a source tree
-        yield str(here.parents[2] / "build" / build / name)
-    yield name
+    folders = [here, *(here.parents[2] / "build" / build for build in ("release", "run", "dev"))]  # a source tree
+    with_window = ("zrQryBldQt",) if any(binding in sys.modules for binding in BINDINGS) else ()
+    for stem in (*with_window, "zrQryBld"):
+        names = _names(stem)
+        yield from (str(folder / name) for folder in folders for name in names)
+        yield from names
 
 
 def load():
-    """Loads the library. The interpreter's lock is held during calls: the library serves one thread at a time."""
+    """Loads the library. Calls let go of the interpreter's lock: one that waits for another's must not hold it."""
     failures = []
     for path in _candidates():
         if os.sep in path and not os.path.exists(path):
             failures.append(f"{path}: no such file")
             continue
         try:
-            library = ctypes.PyDLL(path)
+            library = ctypes.CDLL(path)
             break
         except OSError as error:
             failures.append(str(error))
     else:
-        raise ImportError("The zrQryBld library was not found; set ZRQRYBLD_LIBRARY to libzrQryBld.so.\n  "
+        raise ImportError(f"The zrQryBld library was not found; set ZRQRYBLD_LIBRARY to {_names('zrQryBld')[0]}.\n  "
                           + "\n  ".join(failures))
+    library.failures = failures
     signatures = {
         "zrq_create": [c_char_p, POINTER(c_uint64)],
         "zrq_retain": [c_uint64],
@@ -89,6 +119,10 @@ def load():
         "zrq_unsubscribe": [c_uint64],
         "zrq_end_subscriptions": [],
         "zrq_write": [c_size_t, POINTER(Value)],
+        "zrq_connection": [POINTER(ProviderRecord), c_void_p, POINTER(c_uint64)],
+        "zrq_register": [POINTER(ProviderRecord), c_void_p],
+        "zrq_row": [POINTER(Value), c_size_t],
+        "zrq_fail": [c_int32, c_char_p],
         "zrq_last_error": [POINTER(c_char_p)],
         "zrq_member_at": [c_char_p, c_size_t, POINTER(MemberRecord)],
         "zrq_constant_at": [c_size_t, POINTER(c_char_p), POINTER(c_char_p), POINTER(c_int32)],
@@ -99,6 +133,10 @@ def load():
         function.argtypes, function.restype = arguments, c_int32
     library.zrq_clear.argtypes, library.zrq_clear.restype = [POINTER(Value)], None
     library.zrq_version.argtypes, library.zrq_version.restype = [], c_char_p
+    if hasattr(library, "zrq_widget"):
+        library.zrq_widget.argtypes = [c_void_p, POINTER(c_void_p), POINTER(c_uint64)]
+        library.zrq_widget.restype = c_int32
+        library.zrq_qt_version.argtypes, library.zrq_qt_version.restype = [], c_char_p
     library.zrq_class_at.argtypes, library.zrq_class_at.restype = [c_size_t], c_char_p
     if library.zrq_abi() != ABI:
         raise ImportError(f"{path} speaks version {library.zrq_abi()} of the interface, this package version {ABI}.")

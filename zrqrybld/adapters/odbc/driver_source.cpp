@@ -14,6 +14,7 @@
 
 #include "zrqrybld/adapters/odbc/data_sources.h"
 #include "zrqrybld/base/error.h"
+#include "zrqrybld/base/file.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_run.h"
 
@@ -111,10 +112,6 @@ std::string ReadBeginning(const std::filesystem::path& path) {
   file.read(text.data(), static_cast<std::streamsize>(text.size()));
   text.resize(static_cast<std::size_t>(file.gcount()));
   return text;
-}
-
-std::filesystem::path PathOf(std::string_view utf8) {
-  return {std::u8string(reinterpret_cast<const char8_t*>(utf8.data()), utf8.size())};
 }
 
 // Whether the driver's name holds the word, as far as it can be told without connecting.

@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "zrqrybld/base/error.h"
+#include "zrqrybld/base/file.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_run.h"
 
@@ -15,15 +16,6 @@ namespace {
 
 constexpr std::string_view kFileKeys[] = {"Data Source", "Database", "DBQ"};
 constexpr int kBusyMilliseconds = 2000;
-
-std::filesystem::path PathOf(std::string_view utf8) {
-  return {std::u8string(reinterpret_cast<const char8_t*>(utf8.data()), utf8.size())};
-}
-
-std::string Utf8(const std::filesystem::path& path) {
-  const std::u8string text = path.u8string();
-  return {reinterpret_cast<const char*>(text.data()), text.size()};
-}
 
 [[noreturn]] void ThrowCannotOpen(std::int32_t number, std::string_view fileName, const Phrase& reason) {
   throw Error(number, Phrase(text::FileCannotBeOpened, fileName, reason));
@@ -83,7 +75,7 @@ bool IsWriteAheadAtRest(const std::filesystem::path& path) {
 std::string ImmutableName(const std::filesystem::path& path) {
   constexpr std::string_view kHex = "0123456789ABCDEF";
   std::string name = "file://";
-  const std::string text = Utf8(path.generic_u8string());
+  const std::string text = Utf8Of(path.generic_u8string());
   if (!text.starts_with('/')) name += '/';  // a drive letter
   for (const char c : text) {
     const auto byte = static_cast<unsigned char>(c);
@@ -99,7 +91,7 @@ std::string ImmutableName(const std::filesystem::path& path) {
 DatabaseHandle OpenFile(const std::filesystem::path& path) {
   try {
     // An absolute path never begins with "file:" or ":", which SQLite would not take for a file's name.
-    return OpenAndRead(Utf8(path), 0);
+    return OpenAndRead(Utf8Of(path), 0);
   } catch (const Error& error) {
     // A database in write-ahead mode needs two files beside it. In a folder that cannot be written, on a
     // read-only medium for instance, it can still be read as it is.
