@@ -11,13 +11,14 @@
 #include <vector>
 
 #include "zrqrybld/base/event.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/control.h"
 #include "zrqrybld/platform/editors.h"
 #include "zrqrybld/platform/property_store.h"
 
 namespace zrqrybld {
 
-class zrSimpleCombo final : public Control {
+class ZRQRYBLD_API zrSimpleCombo final : public Control {
  public:
   /// An empty combo, shown in no window.
   static Ref<zrSimpleCombo> Create() { return Ref<zrSimpleCombo>(new zrSimpleCombo()); }

@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
+
 namespace zrqrybld {
 
 class qbDBFunctions;
@@ -29,7 +31,7 @@ inline constexpr SortWord kSortWords[] = {
 };
 
 /// What a cell shows for the direction; "" for none.
-std::string_view TextOf(SortDirection direction);
+ZRQRYBLD_API std::string_view TextOf(SortDirection direction);
 /// What a cell's text means, without regard to case. Any word of somebody else's sorts, and so it sorts upwards.
 SortDirection ReadSortDirection(std::string_view cell);
 /// The sort type that begins with what was typed, without regard to case; nothing when none does.

@@ -14,6 +14,7 @@
 
 #include "zrqrybld/adapters/qt/event_boundary.h"
 #include "zrqrybld/adapters/qt/theme.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/phrase.h"
 #include "zrqrybld/platform/editors.h"
 
@@ -31,7 +32,7 @@ struct TextSpan {
 class Announcer;
 class FindBar;
 
-class QtTextArea : public QPlainTextEdit, public TextArea {
+class ZRQRYBLD_API QtTextArea : public QPlainTextEdit, public TextArea {
   Q_OBJECT
 
  public:
