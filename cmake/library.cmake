@@ -12,6 +12,9 @@ function(zrqrybld_library target name)
   target_include_directories(${target} PUBLIC
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
   target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:zrqrybld_warnings>)
+  if(BUILD_SHARED_LIBS AND UNIX AND NOT APPLE)
+    target_link_options(${target} PRIVATE LINKER:--no-undefined)  # what lacks ZRQRYBLD_API is found here
+  endif()
   zrqrybld_check_headers(${target} ${ARGN})
 endfunction()
 

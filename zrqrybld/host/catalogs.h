@@ -24,7 +24,7 @@ class CatalogEntry;
 
 /// What all catalogs share: an ordered collection by position from 1 or by name.
 template <class Entry>
-class Catalog : public Object {
+class ZRQRYBLD_API Catalog : public Object {
  public:
   /// Removes all entries.
   void Clear() {
