@@ -19,13 +19,13 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
-# Usage: deb(COMPONENT NAME SECTION DEPENDS SUMMARY TEXT)
-function(deb component name section depends summary text)
+# Usage: deb(COMPONENT NAME SECTION DEPENDS TEXT)
+function(deb component name section depends text)
   string(TOUPPER ${component} key)
   set(CPACK_DEBIAN_${key}_PACKAGE_NAME ${name} PARENT_SCOPE)
   set(CPACK_DEBIAN_${key}_PACKAGE_SECTION ${section} PARENT_SCOPE)
   set(CPACK_DEBIAN_${key}_PACKAGE_DEPENDS "${depends}" PARENT_SCOPE)
-  set(CPACK_DEBIAN_${key}_DESCRIPTION "${summary}\n${text}" PARENT_SCOPE)
+  set(CPACK_DEBIAN_${key}_DESCRIPTION "${about}${text}" PARENT_SCOPE)
   # What Debian wants to find in each package.
   set(folder ${CMAKE_INSTALL_DATADIR}/doc/${name})
   install(FILES ${PROJECT_SOURCE_DIR}/packaging/copyright DESTINATION ${folder} COMPONENT ${component} EXCLUDE_FROM_ALL)
@@ -40,23 +40,22 @@ file(WRITE ${changelog} "zrqrybld (${PROJECT_VERSION}-1) unstable; urgency=mediu
 
  -- ${CPACK_PACKAGE_CONTACT}  ${now}
 ")
-find_program(GZIP gzip)
 if(GZIP)
   execute_process(COMMAND ${GZIP} -9nf ${changelog})
   set(changelog ${changelog}.gz)
 endif()
 
-set(about " A designer shows tables on a diagram, joins and columns in a grid, and the SELECT
- statement that both make, in the SQL of eleven dialects.")
-deb(runtime libzrqrybld1 libs "" "visual SQL query designer: library" "${about} This is the library behind its
- interface for C and for other languages.")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "visual SQL query designer")
+set(about "A designer shows tables on a diagram, joins and columns in a grid, and the
+SELECT statement that both make, in the SQL of eleven dialects.\n")
+deb(runtime libzrqrybld1 libs ""
+  "This is the library behind its interface for C and other languages.")
 deb(dev libzrqrybld-dev libdevel "libzrqrybld1 (= ${PROJECT_VERSION}-1), libsqlite3-dev, unixodbc-dev"
-  "visual SQL query designer: development files" "${about} These are the headers, the static libraries for C++, and
- what finds them for CMake and pkg-config.")
+  "These are the headers, the static libraries for C++, and what finds them\nfor CMake and pkg-config.")
 set(CPACK_DEBIAN_DEV_PACKAGE_SUGGESTS qt6-base-dev)
-deb(command zrqb database "" "visual SQL query designer: command" "${about} This is a command for pipelines: it
- translates statements, checks query files and draws them.")
-deb(designer zrqrybld-designer database "" "visual SQL query designer: application" "${about} This is the designer
- itself, for SQLite files and ODBC data sources.")
+deb(command zrqb database ""
+  "This is a command for pipelines: it translates statements, checks query\nfiles and draws them.")
+deb(designer zrqrybld-designer database ""
+  "This is the designer itself, for SQLite files and ODBC data sources.")
 
 include(CPack)
