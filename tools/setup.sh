@@ -33,6 +33,22 @@ packages_test="$packages_build
   at-spi2-core     -
   dbus-daemon      dbus-run-session
   libglib2.0-bin   gdbus
+  python3-venv     -
+  mypy             mypy
+  lintian          lintian
+  dpkg-dev         dpkg-shlibdeps
+  desktop-file-utils desktop-file-validate
+  appstream        appstreamcli
+  shared-mime-info update-mime-database
+  man-db           man
+"
+packages_windows="
+  g++-mingw-w64-x86-64-posix x86_64-w64-mingw32-g++-posix
+  cmake            cmake
+  ninja-build      ninja
+  googletest       -
+  wine64           -
+  wine             wine
 "
 packages_core="
   g++              g++
@@ -52,6 +68,52 @@ packages_format="
 "
 packages_tidy="$packages_core
   clang-tidy       clang-tidy
+"
+
+# The same by the names of Fedora, Arch and macOS (Homebrew); "-": it comes with another, or there is none.
+packages_elsewhere="
+  g++                gcc-c++                 gcc                     -
+  cmake              cmake                   cmake                   cmake
+  ninja-build        ninja-build             ninja                   ninja
+  ccache             ccache                  ccache                  ccache
+  pkg-config         pkgconf-pkg-config      pkgconf                 pkgconf
+  libsqlite3-dev     sqlite-devel            sqlite                  sqlite
+  unixodbc-dev       unixODBC-devel          unixodbc                unixodbc
+  qt6-base-dev       qt6-qtbase-devel        qt6-base                qt
+  libgl-dev          mesa-libGL-devel        libglvnd                -
+  fonts-dejavu-core  dejavu-sans-fonts       ttf-dejavu              -
+  python3            python3                 python                  python
+  python3-venv       python3                 python                  python
+  libgtest-dev       gtest-devel             gtest                   googletest
+  libbenchmark-dev   google-benchmark-devel  benchmark               google-benchmark
+  unixodbc           unixODBC                unixodbc                unixodbc
+  odbcinst           unixODBC                unixodbc                unixodbc
+  libsqliteodbc      -                       -                       sqliteodbc
+  odbc-postgresql    postgresql-odbc         psqlodbc                psqlodbc
+  odbc-mariadb       mariadb-connector-odbc  -                       mariadb-connector-odbc
+  postgresql         postgresql-server       postgresql              postgresql
+  mariadb-server     mariadb-server          mariadb                 mariadb
+  xvfb               xorg-x11-server-Xvfb    xorg-server-xvfb        -
+  xdotool            xdotool                 xdotool                 -
+  matchbox-window-manager  matchbox-window-manager  -                -
+  at-spi2-core       at-spi2-core            at-spi2-core            -
+  dbus-daemon        dbus-daemon             dbus                    -
+  libglib2.0-bin     glib2                   glib2                   -
+  clang              clang                   clang                   llvm
+  libclang-rt-dev    compiler-rt             compiler-rt             -
+  clang-format       clang-tools-extra       clang                   clang-format
+  clang-tidy         clang-tools-extra       clang                   llvm
+  lintian            -                       -                       -
+  dpkg-dev           -                       -                       -
+  desktop-file-utils desktop-file-utils      desktop-file-utils      -
+  appstream          appstream               appstream               -
+  shared-mime-info   shared-mime-info        shared-mime-info        shared-mime-info
+  man-db             man-db                  man-db                  -
+  mypy               python3-mypy            mypy                    mypy
+  g++-mingw-w64-x86-64-posix  mingw64-gcc-c++  mingw-w64-gcc         mingw-w64
+  googletest         gtest-devel             gtest                   googletest
+  wine64             wine                    wine                    -
+  wine               wine                    wine                    -
 "
 
 jobs=${JOBS:-$(getconf _NPROCESSORS_ONLN)}
@@ -78,7 +140,8 @@ need_packages() {
 
   if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
     # Libraries cannot be looked for by name here: the configure step finds them or says which is missing.
-    [ -z "$commands" ] || die "this system has no apt-get; please install (Debian names):$missing"
+    advice=$(advise $missing)
+    [ -z "$commands" ] || die "$advice"
     return 0
   fi
   local root=""
@@ -95,6 +158,21 @@ need_packages() {
     die "the packages could not be installed:$missing"
   fi
   rm -f "$log"
+}
+
+# Usage: advise PACKAGE... Says how the packages, by their Debian names, are installed on this system.
+advise() {
+  local column command
+  if command -v dnf >/dev/null; then column=2 command="sudo dnf install"
+  elif command -v pacman >/dev/null; then column=3 command="sudo pacman -S --needed"
+  elif command -v brew >/dev/null; then column=4 command="brew install"
+  else
+    echo "please install (by Debian's names): $*"
+    return
+  fi
+  echo "please install what is missing of these: $command" \
+    "$(awk -v wanted=" $* " -v column=$column \
+       'index(wanted, " " $1 " ") && $column != "-" && !seen[$column]++ { printf "%s ", $column }' <<<"$packages_elsewhere")"
 }
 
 # Usage: install_quietly ROOT PACKAGE... A package may start the server it brings; that is prevented, because the
@@ -118,6 +196,7 @@ quietly() {
   mkdir -p "$(dirname "$log")"
   if ! "$@" >"$log" 2>&1 </dev/null; then
     tail -n 300 "$log" >&2
+    [ -z "${advice:-}" ] || say "$advice"
     die "failed: $*"
   fi
 }
@@ -130,6 +209,10 @@ configure() {
      [ ! CMakePresets.json -nt "$stamp" ]; then
     return 0
   fi
+  local version
+  version=$(cmake --version | awk 'NR == 1 { print $3 }')
+  [ "$(printf '3.25\n%s\n' "$version" | sort -V | head -n 1)" = 3.25 ] ||
+    die "CMake 3.25 or later is needed, this is $version; a newer one: https://cmake.org/download or pip install cmake"
   say "Configuring ($preset) ..."
   rm -f "$stamp"
   quietly "build/$preset/configure.log" cmake --preset "$preset" "$@"

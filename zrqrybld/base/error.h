@@ -12,6 +12,7 @@
 #include <string>
 #include <string_view>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/phrase.h"
 
 namespace zrqrybld {
@@ -44,10 +45,10 @@ class Error;
 
 /// An error with `number` that wraps `cause`: `sentence`, CR LF, "[", its number, "] ", its own phrase. A standard
 /// exception counts as number 0.
-Error WrapError(std::int32_t number, const Phrase& sentence, const std::exception& cause);
+ZRQRYBLD_API Error WrapError(std::int32_t number, const Phrase& sentence, const std::exception& cause);
 
 /// A numbered error with a description.
-class Error : public std::exception {
+class ZRQRYBLD_API Error : public std::exception {
  public:
   Error(std::int32_t number, Phrase phrase, std::optional<std::size_t> offset = std::nullopt)
       : number_(number), phrase_(std::move(phrase)), description_(phrase_.English()), offset_(offset) {}
@@ -79,10 +80,10 @@ class Error : public std::exception {
 };
 
 /// What to say of any failure: an error's phrase, the words of another exception.
-Phrase PhraseOf(const std::exception& failure);
+ZRQRYBLD_API Phrase PhraseOf(const std::exception& failure);
 
-[[noreturn]] void ThrowDuplicateKey(std::string_view key);
-[[noreturn]] void ThrowNoSuchItem();
-[[noreturn]] void ThrowObjectRemoved();
+[[noreturn]] ZRQRYBLD_API void ThrowDuplicateKey(std::string_view key);
+[[noreturn]] ZRQRYBLD_API void ThrowNoSuchItem();
+[[noreturn]] ZRQRYBLD_API void ThrowObjectRemoved();
 
 }  // namespace zrqrybld

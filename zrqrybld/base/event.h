@@ -10,6 +10,8 @@
 #include <utility>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
+
 namespace zrqrybld {
 
 /// Keeps a listener connected; disconnects it when destroyed. Empty by default.
@@ -43,7 +45,7 @@ class [[nodiscard]] EventConnection {
 };
 
 /// One listener, whatever it is called with.
-class Listening {
+class ZRQRYBLD_API Listening {
  public:
   Listening() = default;
   Listening(const Listening&) = delete;
@@ -56,7 +58,7 @@ class Listening {
 };
 
 /// The listeners of one event; compiled once for all kinds of events.
-class Listeners {
+class ZRQRYBLD_API Listeners {
  public:
   EventConnection Add(std::shared_ptr<Listening> listening);
   bool IsEmpty() const { return entries_.empty(); }

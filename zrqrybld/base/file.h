@@ -7,11 +7,13 @@
 #include <string>
 #include <string_view>
 
+#include "zrqrybld/base/export.h"
+
 namespace zrqrybld {
 
 /// What writing whole files asks of the system. This one does it by the standard library, as far as that goes: it
 /// neither waits for the disk nor knows owners. The system's own is handed to the toolkit.
-class FileSystem {
+class ZRQRYBLD_API FileSystem {
  public:
   FileSystem() = default;
   FileSystem(const FileSystem&) = delete;
@@ -35,7 +37,7 @@ std::filesystem::path PathOf(std::string_view utf8);
 std::string Utf8Of(const std::filesystem::path& path);
 
 /// The file's bytes. Error 75 with the system's reason when it cannot be read, and for a file beyond `limit` bytes.
-std::string ReadWholeFile(const std::string& path, std::size_t limit);
+ZRQRYBLD_API std::string ReadWholeFile(const std::string& path, std::size_t limit);
 
 /// Writes the text into a new file beside `path`, waits until it is on the disk, and puts it into the place of what
 /// stood there, which keeps its permissions and its owner; a link keeps pointing where it does, and a file with several
@@ -43,7 +45,7 @@ std::string ReadWholeFile(const std::string& path, std::size_t limit);
 /// Error 75 with the system's reason when that fails; the old file is then as it was, or the error names the complete
 /// new one. A file that was not there can be read by its owner alone where `isPrivate` says so. What an earlier write
 /// of this file has left behind, because its process ended, is removed. Pipes and devices are written directly.
-void WriteWholeFile(const std::string& path, std::string_view text, const FileSystem& system = FileSystem(),
-                    bool isPrivate = false);
+ZRQRYBLD_API void WriteWholeFile(const std::string& path, std::string_view text,
+                                 const FileSystem& system = FileSystem(), bool isPrivate = false);
 
 }  // namespace zrqrybld

@@ -7,11 +7,12 @@
 #include <string>
 #include <string_view>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/order.h"
 
 namespace zrqrybld {
 
-class KeyedOrder {
+class ZRQRYBLD_API KeyedOrder {
  public:
   class Node : public Order::Node {
    public:

@@ -7,6 +7,8 @@
 #include <memory>
 #include <string_view>
 
+#include "zrqrybld/base/export.h"
+
 namespace zrqrybld {
 
 /// A counted handle. An empty handle is "nothing".
@@ -18,7 +20,7 @@ template <class T>
 using WeakRef = std::weak_ptr<T>;
 
 /// Base of all public controls, collections and items.
-class Object : public std::enable_shared_from_this<Object> {
+class ZRQRYBLD_API Object : public std::enable_shared_from_this<Object> {
  public:
   Object() = default;
   Object(const Object&) = delete;

@@ -8,9 +8,11 @@
 #include <cstddef>
 #include <memory>
 
+#include "zrqrybld/base/export.h"
+
 namespace zrqrybld {
 
-class Order {
+class ZRQRYBLD_API Order {
   struct Block;
   struct Blocks;
 

@@ -12,6 +12,8 @@
 #include <string_view>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
+
 namespace zrqrybld {
 
 /// The number of a text in the language table. Each room has a header of its own with the names: base/texts_ROOM.h.
@@ -22,7 +24,7 @@ template <class T>
 concept CountNumber = std::integral<T> && !std::same_as<T, bool> && !std::same_as<T, char>;
 
 /// A language: the text of each number.
-class TextSource {
+class ZRQRYBLD_API TextSource {
  public:
   TextSource() = default;
   TextSource(const TextSource&) = default;
@@ -34,14 +36,14 @@ class TextSource {
 };
 
 /// The built-in texts.
-const TextSource& EnglishTexts();
+ZRQRYBLD_API const TextSource& EnglishTexts();
 
 namespace text {
 /// The number of no text.
 inline constexpr TextId NoText{-1};
 }  // namespace text
 
-class Phrase {
+class ZRQRYBLD_API Phrase {
  public:
   /// Nothing to say.
   Phrase() = default;
@@ -72,6 +74,6 @@ class Phrase {
 };
 
 /// The text with its placeholders, %1 to %9, replaced by what they stand for; one without a partner stays.
-std::string FillIn(std::string_view text, const std::vector<std::string>& arguments);
+ZRQRYBLD_API std::string FillIn(std::string_view text, const std::vector<std::string>& arguments);
 
 }  // namespace zrqrybld

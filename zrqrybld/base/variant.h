@@ -11,6 +11,7 @@
 #include <variant>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 
 namespace zrqrybld {
@@ -39,7 +40,7 @@ enum class VariantType : std::uint8_t {
 };
 
 /// A value of one of the kinds above.
-class Variant {
+class ZRQRYBLD_API Variant {
  public:
   // None of these is inline: what the standard library's variant makes of them takes every file that includes this a
   // second to compile.

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/keyed_list.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/base/units.h"
@@ -32,7 +33,7 @@ struct ColumnNote {
   friend bool operator==(const ColumnNote&, const ColumnNote&) = default;
 };
 
-class BoxRow final : public Object {
+class ZRQRYBLD_API BoxRow final : public Object {
  public:
   std::string_view TypeName() const override { return "BoxRow"; }
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "zrqrybld/base/event.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/diagram/diagram_site.h"
 #include "zrqrybld/diagram/diagram_state.h"
@@ -23,7 +24,7 @@ class qbEntities;
 class qbQueryBuilder;
 struct DiagramParts;
 
-class qbDiagramPane final : public DiagramSite {
+class ZRQRYBLD_API qbDiagramPane final : public DiagramSite {
  public:
   /// An empty pane, linked to no hub and shown in no window.
   static Ref<qbDiagramPane> Create();

@@ -9,6 +9,7 @@
 
 #include "zrqrybld/base/collection.h"
 #include "zrqrybld/base/event.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/base/untouched.h"
 #include "zrqrybld/diagram/diagram_view.h"
@@ -16,7 +17,7 @@
 
 namespace zrqrybld {
 
-class qbEntities final : public Object, private EntityOwner {
+class ZRQRYBLD_API qbEntities final : public Object, private EntityOwner {
  public:
   /// `view` shows the entities; it must outlive the collection or be taken away by `Detach`.
   explicit qbEntities(DiagramView* view) : view_(view) {}

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/base/units.h"
 #include "zrqrybld/base/variant.h"
@@ -35,7 +36,7 @@ class EntityOwner {
 
 /// Once the entity was removed, `TagVariant` and `Properties` stay readable, `Items` and
 /// `Relationships` are empty; what lived in its box is error 91.
-class qbEntity final : public Object {
+class ZRQRYBLD_API qbEntity final : public Object {
  public:
   std::string_view TypeName() const override { return "qbEntity"; }
 

@@ -11,6 +11,7 @@
 #include <unordered_set>
 
 #include "zrqrybld/base/event.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/base/units.h"
 #include "zrqrybld/base/variant.h"
@@ -61,7 +62,7 @@ struct BoxLook {
 };
 
 /// Every change that can be seen raises `Changed`, or `Move` when lines must be routed anew.
-class qbEntityList final : public Object {
+class ZRQRYBLD_API qbEntityList final : public Object {
  public:
   explicit qbEntityList(const BoxMetrics& metrics);
   std::string_view TypeName() const override { return "qbEntityList"; }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/base/units.h"
 #include "zrqrybld/base/variant.h"
@@ -14,7 +15,7 @@
 namespace zrqrybld {
 
 /// Once the item was removed, `Properties` stays readable; every other member is error 91.
-class qbEntityItem final : public Object {
+class ZRQRYBLD_API qbEntityItem final : public Object {
  public:
   std::string_view TypeName() const override { return "qbEntityItem"; }
 

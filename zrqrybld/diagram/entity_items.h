@@ -6,12 +6,13 @@
 #include <vector>
 
 #include "zrqrybld/base/collection.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/diagram/entity_item.h"
 
 namespace zrqrybld {
 
-class qbEntityItems final : public Object {
+class ZRQRYBLD_API qbEntityItems final : public Object {
  public:
   std::string_view TypeName() const override { return "qbEntityItems"; }
   ~qbEntityItems() override { DetachRows(); }

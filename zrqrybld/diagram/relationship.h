@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/keyed_list.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/base/variant.h"
@@ -34,7 +35,7 @@ class RelationshipOwner {
 
 /// Once the relationship was removed, `ItemData` and the item indexes stay readable, `Source` and
 /// `Target` are nothing, and `Index` is error 91.
-class qbRelationship final : public Object {
+class ZRQRYBLD_API qbRelationship final : public Object {
  public:
   std::string_view TypeName() const override { return "qbRelationship"; }
 

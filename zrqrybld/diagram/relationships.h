@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "zrqrybld/base/collection.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/diagram/diagram_state.h"
 #include "zrqrybld/diagram/diagram_view.h"
@@ -13,7 +14,7 @@
 
 namespace zrqrybld {
 
-class qbRelationships final : public Object, private RelationshipOwner {
+class ZRQRYBLD_API qbRelationships final : public Object, private RelationshipOwner {
  public:
   /// `view` draws the joins; it must outlive the collection or be taken away by `Detach`.
   explicit qbRelationships(DiagramView* view) : view_(view) {}

@@ -9,11 +9,12 @@
 #include <string_view>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/expression/expression_zoom.h"
 
 namespace zrqrybld {
 
-class frmExpressionBuilder final : public frmExpressionZoom {
+class ZRQRYBLD_API frmExpressionBuilder final : public frmExpressionZoom {
  public:
   /// A piece of an expression.
   struct Part {

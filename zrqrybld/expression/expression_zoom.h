@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/expression/intelli_list.h"
 #include "zrqrybld/host/query_context.h"
@@ -21,7 +22,7 @@ struct ExpressionFault {
   std::size_t offset = 0;
 };
 
-class frmExpressionZoom : public Object {
+class ZRQRYBLD_API frmExpressionZoom : public Object {
  public:
   /// Reads the text and throws an Error, with its place where it knows it.
   using Reader = std::function<void(std::string_view text)>;

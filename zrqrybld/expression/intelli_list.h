@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "zrqrybld/base/event.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/expression/placeholders.h"
 #include "zrqrybld/expression/suggestions.h"
@@ -28,7 +29,7 @@ struct TextReplacement {
 };
 
 /// One for each editor; the editor owns it.
-class qbIntelliList final : public Object {
+class ZRQRYBLD_API qbIntelliList final : public Object {
  public:
   /// A list for texts of one kind, closed. It knows nothing once the context is gone.
   static Ref<qbIntelliList> Create(const Ref<QueryContext>& context, EditedText kind);

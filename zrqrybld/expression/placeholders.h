@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
+
 namespace zrqrybld {
 
 /// A place in a text, in bytes.
@@ -23,6 +25,6 @@ struct TextTemplate {
 
 /// The syntax as it is inserted: the notes behind a placeholder (":af=0") are taken away. Nothing inside quotes is a
 /// placeholder.
-TextTemplate ReadTemplate(std::string_view syntax);
+ZRQRYBLD_API TextTemplate ReadTemplate(std::string_view syntax);
 
 }  // namespace zrqrybld

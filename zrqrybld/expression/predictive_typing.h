@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "zrqrybld/base/event.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/expression/intelli_list.h"
 #include "zrqrybld/platform/input.h"
 
@@ -36,7 +37,7 @@ class SuggestedText {
   virtual void ShowList(const qbIntelliList& list) = 0;
 };
 
-class PredictiveTyping {
+class ZRQRYBLD_API PredictiveTyping {
  public:
   /// The editor must outlive this.
   PredictiveTyping(SuggestedText& editor, Ref<qbIntelliList> list);

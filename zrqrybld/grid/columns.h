@@ -5,6 +5,7 @@
 #include <string>
 
 #include "zrqrybld/base/collection.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/base/units.h"
 #include "zrqrybld/grid/combo_items.h"
@@ -39,7 +40,7 @@ class ColumnOwner {
 };
 
 /// One column of a grid. It stays readable once it was removed, and changes nothing on the screen any more.
-class zrGridColumn final : public Object {
+class ZRQRYBLD_API zrGridColumn final : public Object {
  public:
   std::string_view TypeName() const override { return "zrGridColumn"; }
 
@@ -98,7 +99,7 @@ class zrGridColumn final : public Object {
 };
 
 /// Columns stand in the order of adding; removing one moves the later ones up by a position.
-class zrGridColumns final : public Object {
+class ZRQRYBLD_API zrGridColumns final : public Object {
  public:
   explicit zrGridColumns(ColumnOwner* owner) : owner_(owner) {}
   ~zrGridColumns() override { Clear(); }

@@ -5,13 +5,14 @@
 #include <string>
 
 #include "zrqrybld/base/collection.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/base/variant.h"
 
 namespace zrqrybld {
 
 /// One choice.
-class zrGridComboItem final : public Object {
+class ZRQRYBLD_API zrGridComboItem final : public Object {
  public:
   std::string_view TypeName() const override { return "zrGridComboItem"; }
 
@@ -36,7 +37,7 @@ class zrGridComboItem final : public Object {
 };
 
 /// The choices of one column in the order of its list, by position from 1 or by key.
-class zrGridComboItems final : public Object {
+class ZRQRYBLD_API zrGridComboItems final : public Object {
  public:
   std::string_view TypeName() const override { return "zrGridComboItems"; }
 

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "zrqrybld/base/event.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/base/phrase.h"
 #include "zrqrybld/grid/cell_editing.h"
@@ -33,7 +34,7 @@ namespace zrqrybld {
 /// What the user does to cells or rows at one stroke.
 enum class GridWork : std::uint8_t { EditCell, EditCells, Paste, InsertRows, DeleteRows, MoveRows };
 
-class zrGrid final : public Control, private ColumnOwner, private RowOwner, private EditedGrid {
+class ZRQRYBLD_API zrGrid final : public Control, private ColumnOwner, private RowOwner, private EditedGrid {
  public:
   /// A grid without columns and rows, shown in no window.
   static Ref<zrGrid> Create();

@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/units.h"
 
 namespace zrqrybld {
@@ -23,7 +24,7 @@ struct GridHit {
 };
 
 /// The sizes of a grid, in pixels, and how far it is scrolled.
-class GridLayout {
+class ZRQRYBLD_API GridLayout {
  public:
   GridLayout() = default;
   /// `widths` holds one width a column; hidden columns have width 0.

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "zrqrybld/base/event.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/grid/cell_rules.h"
 #include "zrqrybld/grid/field_output.h"
@@ -23,7 +24,7 @@
 
 namespace zrqrybld {
 
-class qbGridPane final : public Object {
+class ZRQRYBLD_API qbGridPane final : public Object {
  public:
   /// A pane with its columns and the first empty rows, linked to no hub.
   static Ref<qbGridPane> Create();

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "zrqrybld/base/collection.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/base/untouched.h"
 #include "zrqrybld/base/variant.h"
@@ -63,7 +64,7 @@ class RowOwner {
 
 /// One row. A cell has a value and a tag; both are Empty until set. Columns are named by position from
 /// 1 or by key; one that does not exist is error 9.
-class zrGridRow final : public Object {
+class ZRQRYBLD_API zrGridRow final : public Object {
  public:
   std::string_view TypeName() const override { return "zrGridRow"; }
 
@@ -123,7 +124,7 @@ class zrGridRow final : public Object {
 };
 
 /// Rows stand in the order shown; adding, moving or removing one renumbers those after it.
-class zrGridRows final : public Object {
+class ZRQRYBLD_API zrGridRows final : public Object {
  public:
   explicit zrGridRows(RowOwner* owner) : owner_(owner) {}
   ~zrGridRows() override { DetachRows(); }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "zrqrybld/base/event.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/grid/grid_options.h"
 #include "zrqrybld/platform/control.h"
 #include "zrqrybld/platform/editors.h"
@@ -18,7 +19,7 @@
 
 namespace zrqrybld {
 
-class zrSimpleCombo final : public Control {
+class ZRQRYBLD_API zrSimpleCombo final : public Control {
  public:
   /// An empty combo, shown in no window.
   static Ref<zrSimpleCombo> Create() { return Ref<zrSimpleCombo>(new zrSimpleCombo()); }

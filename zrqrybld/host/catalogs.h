@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "zrqrybld/base/collection.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/keyed_list.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/base/variant.h"
@@ -23,7 +24,7 @@ class CatalogEntry;
 
 /// What all catalogs share: an ordered collection by position from 1 or by name.
 template <class Entry>
-class Catalog : public Object {
+class ZRQRYBLD_API Catalog : public Object {
  public:
   /// Removes all entries.
   void Clear() {
@@ -114,7 +115,7 @@ class CatalogEntry : public Object {
 };
 
 /// A word that has a meaning in SQL; names equal to one are quoted.
-class qbDBKeyword final : public CatalogEntry<qbDBKeyword> {
+class ZRQRYBLD_API qbDBKeyword final : public CatalogEntry<qbDBKeyword> {
  public:
   std::string_view TypeName() const override { return "qbDBKeyword"; }
 
@@ -124,7 +125,7 @@ class qbDBKeyword final : public CatalogEntry<qbDBKeyword> {
 };
 
 /// The words that mean something in SQL, in the order of adding; names are found in any letter case.
-class qbDBKeywords final : public Catalog<qbDBKeyword> {
+class ZRQRYBLD_API qbDBKeywords final : public Catalog<qbDBKeyword> {
  public:
   std::string_view TypeName() const override { return "qbDBKeywords"; }
 
@@ -143,7 +144,7 @@ enum SQLOperatorEnum : std::int32_t {
 };
 
 /// A sign or word that stands between, before or around expressions.
-class qbDBOperator final : public CatalogEntry<qbDBOperator> {
+class ZRQRYBLD_API qbDBOperator final : public CatalogEntry<qbDBOperator> {
  public:
   std::string_view TypeName() const override { return "qbDBOperator"; }
 
@@ -164,7 +165,7 @@ class qbDBOperator final : public CatalogEntry<qbDBOperator> {
 };
 
 /// The operators that the expression tools offer, in the order of adding.
-class qbDBOperators final : public Catalog<qbDBOperator> {
+class ZRQRYBLD_API qbDBOperators final : public Catalog<qbDBOperator> {
  public:
   std::string_view TypeName() const override { return "qbDBOperators"; }
 
@@ -175,7 +176,7 @@ class qbDBOperators final : public Catalog<qbDBOperator> {
 };
 
 /// A function, an aggregate, a grouping choice or the parameter marker.
-class qbDBFunction final : public CatalogEntry<qbDBFunction> {
+class ZRQRYBLD_API qbDBFunction final : public CatalogEntry<qbDBFunction> {
  public:
   std::string_view TypeName() const override { return "qbDBFunction"; }
 
@@ -225,7 +226,7 @@ class qbDBFunction final : public CatalogEntry<qbDBFunction> {
 };
 
 /// The functions that the expression tools offer, and among them the choices of the grid's group-by column.
-class qbDBFunctions final : public Catalog<qbDBFunction> {
+class ZRQRYBLD_API qbDBFunctions final : public Catalog<qbDBFunction> {
  public:
   std::string_view TypeName() const override { return "qbDBFunctions"; }
 

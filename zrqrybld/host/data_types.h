@@ -9,13 +9,14 @@
 #include <vector>
 
 #include "zrqrybld/base/collection.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/base/variant.h"
 
 namespace zrqrybld {
 
 /// One type of the data source.
-class qbDataType final : public Object {
+class ZRQRYBLD_API qbDataType final : public Object {
  public:
   std::string_view TypeName() const override { return "qbDataType"; }
 
@@ -31,7 +32,7 @@ class qbDataType final : public Object {
 };
 
 /// The types of the data source, by position from 1 or by name; connecting fills it anew.
-class qbDataTypes final : public Object {
+class ZRQRYBLD_API qbDataTypes final : public Object {
  public:
   std::string_view TypeName() const override { return "qbDataTypes"; }
 

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/phrase.h"
 
 namespace zrqrybld {
@@ -52,7 +53,7 @@ enum LanguageIDEnum : std::int32_t {
   LanguageParametersCancelButton = 503,
 };
 
-class LanguageTable final : public TextSource {
+class ZRQRYBLD_API LanguageTable final : public TextSource {
  public:
   /// The text under the number, or the built-in one when there is none or it is empty; "" for a number that nobody has.
   std::string Get(std::int32_t id) const;

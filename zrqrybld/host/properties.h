@@ -9,6 +9,7 @@
 #include <string>
 
 #include "zrqrybld/base/collection.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/keyed_list.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/base/variant.h"
@@ -16,7 +17,7 @@
 namespace zrqrybld {
 
 /// One pair of a `qbProperties`.
-class qbProperty final : public Object {
+class ZRQRYBLD_API qbProperty final : public Object {
  public:
   std::string_view TypeName() const override { return "qbProperty"; }
 
@@ -36,7 +37,7 @@ class qbProperty final : public Object {
 };
 
 /// Pairs in the order of adding, by position from 1 or by key in any letter case.
-class qbProperties final : public Object {
+class ZRQRYBLD_API qbProperties final : public Object {
  public:
   std::string_view TypeName() const override { return "qbProperties"; }
 

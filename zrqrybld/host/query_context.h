@@ -18,6 +18,7 @@
 
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/event.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/variant.h"
@@ -74,7 +75,7 @@ struct SourceTable {
   std::vector<std::string> columns;
 };
 
-class QueryContext : public Object {
+class ZRQRYBLD_API QueryContext : public Object {
  public:
   // --- What is shared ---
 

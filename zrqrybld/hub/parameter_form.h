@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/hub/query_builder.h"
 #include "zrqrybld/sql/parameter_values.h"
 
@@ -18,9 +19,9 @@ namespace zrqrybld {
 /// The values, one for each ?PARAM marker of the statement in their order; none of them, without a dialog, for a
 /// statement that has no marker. Nothing when the user cancels. Error 40005 when a dialog that takes any value was
 /// accepted with one that cannot be taken.
-std::optional<std::vector<ParameterValue>> AskParameters(qbQueryBuilder& hub, std::string_view sql);
+ZRQRYBLD_API std::optional<std::vector<ParameterValue>> AskParameters(qbQueryBuilder& hub, std::string_view sql);
 
 /// How the hub's panes write literals: the grid's date format, the dialect of the statement.
-LiteralRules LiteralRulesOf(const qbQueryBuilder& hub);
+ZRQRYBLD_API LiteralRules LiteralRulesOf(const qbQueryBuilder& hub);
 
 }  // namespace zrqrybld

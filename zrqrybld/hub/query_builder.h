@@ -11,6 +11,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/expression/schema_cache.h"
@@ -24,7 +25,7 @@
 
 namespace zrqrybld {
 
-class qbQueryBuilder final : public QueryContext {
+class ZRQRYBLD_API qbQueryBuilder final : public QueryContext {
  public:
   /// A hub on the services of `toolkit`; without one it is headless.
   static Ref<qbQueryBuilder> Create(std::shared_ptr<Toolkit> toolkit = nullptr);

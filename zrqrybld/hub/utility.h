@@ -6,13 +6,14 @@
 #include <string>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/hub/query_builder.h"
 #include "zrqrybld/platform/toolkit.h"
 
 namespace zrqrybld {
 
-class qbUtility final : public Object {
+class ZRQRYBLD_API qbUtility final : public Object {
  public:
   /// `toolkit` knows the providers whose data sources are listed; without one there are none.
   static Ref<qbUtility> Create(std::shared_ptr<Toolkit> toolkit = nullptr);

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/base/units.h"
 
@@ -69,7 +70,7 @@ struct AccessibleId {
 };
 
 /// Positions count from 0. An id that the control does not contain any more has no children and no place.
-class AccessibleTree {
+class ZRQRYBLD_API AccessibleTree {
  public:
   AccessibleTree() = default;
   AccessibleTree(const AccessibleTree&) = delete;

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <variant>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/units.h"
 #include "zrqrybld/platform/font.h"
 #include "zrqrybld/platform/image.h"
@@ -82,7 +83,7 @@ struct TextStyle {
 };
 
 /// Draws in pixels from the top left corner of the control.
-class Canvas {
+class ZRQRYBLD_API Canvas {
  public:
   Canvas() = default;
   Canvas(const Canvas&) = delete;

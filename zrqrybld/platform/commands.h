@@ -8,6 +8,7 @@
 #include <span>
 #include <string>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/phrase.h"
 
 namespace zrqrybld {
@@ -94,7 +95,7 @@ struct CommandRow {
 
 /// All commands, in the order of their numbers.
 std::span<const CommandRow> Commands();
-const CommandRow& RowOf(Command command);
+ZRQRYBLD_API const CommandRow& RowOf(Command command);
 
 /// Whether what the command needs is there.
 bool CanGive(Command command, const CommandGround& ground);
@@ -104,10 +105,10 @@ bool Asks(const KeyEvent& event, Command command);
 bool Asks(Key key, Command command);
 
 /// How the key is written: "Ctrl+Shift+F7"; "" for none.
-std::string TextOf(Key key);
+ZRQRYBLD_API std::string TextOf(Key key);
 /// How the command's first key is written; "" for a command without one.
-std::string KeyTextOf(Command command);
+ZRQRYBLD_API std::string KeyTextOf(Command command);
 /// The same with the long names of keys: "Delete" instead of "Del".
-std::string LongKeyTextOf(Command command);
+ZRQRYBLD_API std::string LongKeyTextOf(Command command);
 
 }  // namespace zrqrybld

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/phrase.h"
 
 namespace zrqrybld {
@@ -39,7 +40,7 @@ struct ConnectionJudgement {
 /// and warned of to a person. A file's string for a driver is refused, too, when it holds a key that nobody knows to
 /// be harmless, a key twice, or beside a configured data source one that leads its password to another server. A
 /// configured data source itself (`DSN=`) is the person's own, whatever it is configured to do.
-ConnectionJudgement JudgeConnection(std::string_view connectionString, ConnectionOrigin origin,
-                                    std::span<const std::string> drivers);
+ZRQRYBLD_API ConnectionJudgement JudgeConnection(std::string_view connectionString, ConnectionOrigin origin,
+                                                 std::span<const std::string> drivers);
 
 }  // namespace zrqrybld

@@ -7,12 +7,14 @@
 #include <utility>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
+
 namespace zrqrybld {
 
 /// Keys are compared without regard to case. A value may stand in double or single quotes or in
 /// braces, and then holds anything; the closing character doubled stands for itself. An opening one
 /// that is never closed is ordinary text.
-class ConnectionString {
+class ZRQRYBLD_API ConnectionString {
  public:
   ConnectionString() = default;
   /// Reads any text; parts without "=" are kept as keys without value.

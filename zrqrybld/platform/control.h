@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/platform/accessible.h"
 #include "zrqrybld/platform/canvas.h"
@@ -15,7 +16,7 @@
 namespace zrqrybld {
 
 /// Base of the panes, the grid and everything else that is painted.
-class Control : public Object {
+class ZRQRYBLD_API Control : public Object {
  public:
   Control();
   ~Control() override;

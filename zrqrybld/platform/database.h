@@ -13,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/base/variant.h"
 
@@ -37,7 +38,7 @@ struct SchemaRestrictions {
 };
 
 /// A forward-only set of rows. It stands on its first row when it is made.
-class RowSet {
+class ZRQRYBLD_API RowSet {
  public:
   RowSet() = default;
   RowSet(const RowSet&) = delete;
@@ -83,7 +84,7 @@ enum ConnectionPromptEnum : std::int32_t {
 };
 
 /// A connection to a data source.
-class Connection : public Object {
+class ZRQRYBLD_API Connection : public Object {
  public:
   std::string_view TypeName() const override { return "Connection"; }
 

@@ -11,6 +11,8 @@
 #include <string_view>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
+
 namespace zrqrybld {
 
 class frmExpressionZoom;
@@ -115,7 +117,7 @@ struct ParametersDialog {
 };
 
 /// The windows that stop the user until they are answered.
-class Dialogs {
+class ZRQRYBLD_API Dialogs {
  public:
   Dialogs() = default;
   Dialogs(const Dialogs&) = delete;

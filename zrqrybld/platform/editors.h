@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "zrqrybld/base/event.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/font.h"
 #include "zrqrybld/platform/input.h"
 #include "zrqrybld/platform/list_entry.h"
@@ -23,7 +24,7 @@ struct TextCommand {
 };
 
 /// A text of many lines, such as the SQL pane's. Lines end in CR LF towards the core.
-class TextArea {
+class ZRQRYBLD_API TextArea {
  public:
   TextArea() = default;
   TextArea(const TextArea&) = delete;
@@ -57,7 +58,7 @@ class TextArea {
 
 /// One line of text over a part of a control, such as the cell of a grid. Positions in the text count characters from
 /// 0.
-class TextEditor {
+class ZRQRYBLD_API TextEditor {
  public:
   TextEditor() = default;
   TextEditor(const TextEditor&) = delete;
@@ -104,7 +105,7 @@ class TextEditor {
 };
 
 /// A list of texts that opens below a part of a control, without taking the keyboard. Indexes count from 0; -1 is none.
-class PopupList {
+class ZRQRYBLD_API PopupList {
  public:
   PopupList() = default;
   PopupList(const PopupList&) = delete;

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/units.h"
 
 namespace zrqrybld {
@@ -18,7 +19,7 @@ struct Font {
 };
 
 /// Measures text as the surface will draw it.
-class TextMetrics {
+class ZRQRYBLD_API TextMetrics {
  public:
   TextMetrics() = default;
   TextMetrics(const TextMetrics&) = delete;

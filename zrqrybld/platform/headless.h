@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/canvas.h"
 #include "zrqrybld/platform/headless_editors.h"
 #include "zrqrybld/platform/property_store.h"
@@ -19,14 +20,14 @@
 namespace zrqrybld {
 
 /// Text of fixed width: 7 pixels a character, 8 when bold; lines of 16 pixels.
-class HeadlessMetrics final : public TextMetrics {
+class ZRQRYBLD_API HeadlessMetrics final : public TextMetrics {
  public:
   Pixels TextWidth(std::string_view text, const Font& font) const override;
   Pixels LineHeight(const Font& font) const override;
 };
 
 /// A surface of 800 by 600 pixels, unless told otherwise, with 15 twips a pixel.
-class HeadlessSurface final : public Surface {
+class ZRQRYBLD_API HeadlessSurface final : public Surface {
  public:
   PixelSize ViewSize() const override { return size_; }
   ScreenScale Scale() const override { return {}; }
@@ -89,7 +90,7 @@ class HeadlessSurface final : public Surface {
 };
 
 /// A text area that is only its text.
-class HeadlessTextArea final : public TextArea {
+class ZRQRYBLD_API HeadlessTextArea final : public TextArea {
  public:
   std::string Text() const override { return text_; }
   void SetText(std::string_view text) override { text_ = text; }
@@ -123,7 +124,7 @@ class HeadlessTextArea final : public TextArea {
 };
 
 /// Dialogs that a handler answers; all messages are recorded.
-class HeadlessDialogs final : public Dialogs {
+class ZRQRYBLD_API HeadlessDialogs final : public Dialogs {
  public:
   /// A message that was shown.
   struct Message {
@@ -162,7 +163,7 @@ class HeadlessDialogs final : public Dialogs {
 };
 
 /// The toolkit of a designer without a window.
-class HeadlessToolkit final : public Toolkit {
+class ZRQRYBLD_API HeadlessToolkit final : public Toolkit {
  public:
   HeadlessDialogs& GetDialogs() override { return dialogs_; }
   void SetBusyPointer(bool busy) override { busyDepth_ += busy ? 1 : -1; }
@@ -175,7 +176,7 @@ class HeadlessToolkit final : public Toolkit {
 };
 
 /// A property store in memory.
-class MemoryPropertyStore final : public PropertyStore {
+class ZRQRYBLD_API MemoryPropertyStore final : public PropertyStore {
  public:
   Variant Read(std::string_view key, const Variant& defaultValue) const override;
   void Write(std::string_view key, const Variant& value, const Variant& defaultValue) override;

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/editors.h"
 
 namespace zrqrybld {
@@ -14,7 +15,7 @@ namespace zrqrybld {
 class HeadlessTextEditor;
 
 /// Which editor of a surface has the keyboard.
-class HeadlessFocus {
+class ZRQRYBLD_API HeadlessFocus {
  public:
   /// The editor; nothing when the surface itself has it.
   HeadlessTextEditor* Editor() const { return editor_; }
@@ -30,7 +31,7 @@ class HeadlessFocus {
 };
 
 /// A line of text without a window.
-class HeadlessTextEditor final : public TextEditor {
+class ZRQRYBLD_API HeadlessTextEditor final : public TextEditor {
  public:
   explicit HeadlessTextEditor(std::shared_ptr<HeadlessFocus> focus) : focus_(std::move(focus)) {}
   ~HeadlessTextEditor() override { focus_->Forget(this); }
@@ -76,7 +77,7 @@ class HeadlessTextEditor final : public TextEditor {
 };
 
 /// A list without a window.
-class HeadlessPopupList final : public PopupList {
+class ZRQRYBLD_API HeadlessPopupList final : public PopupList {
  public:
   void Open(const PixelRect& owner, std::vector<ListEntry> entries, std::int32_t highlighted) override {
     owner_ = owner;

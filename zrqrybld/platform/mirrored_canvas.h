@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/canvas.h"
 
 namespace zrqrybld {
@@ -15,7 +16,7 @@ inline PixelRect MirroredAt(Pixels axis, const PixelRect& rect) {
   return {axis - rect.Right(), rect.top, rect.width, rect.height};
 }
 
-class MirroredCanvas final : public Canvas {
+class ZRQRYBLD_API MirroredCanvas final : public Canvas {
  public:
   /// `canvas` outlives this; `width` is that of what is drawn.
   MirroredCanvas(Canvas& canvas, Pixels width) : canvas_(canvas), axis_(width) {}

@@ -3,11 +3,12 @@
 
 #include <string_view>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/variant.h"
 
 namespace zrqrybld {
 
-class PropertyStore {
+class ZRQRYBLD_API PropertyStore {
  public:
   PropertyStore() = default;
   PropertyStore(const PropertyStore&) = delete;

@@ -9,13 +9,14 @@
 #include <string_view>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/connection_string.h"
 #include "zrqrybld/platform/database.h"
 
 namespace zrqrybld {
 
 /// One open data source. Destroying it closes the source.
-class Session {
+class ZRQRYBLD_API Session {
  public:
   Session() = default;
   Session(const Session&) = delete;
@@ -42,7 +43,7 @@ struct DataSourceName {
 };
 
 /// One way to reach data sources, for instance an embedded database library.
-class Provider {
+class ZRQRYBLD_API Provider {
  public:
   Provider() = default;
   Provider(const Provider&) = delete;
@@ -68,7 +69,7 @@ class Provider {
 };
 
 /// The providers that an application has registered.
-class ProviderList {
+class ZRQRYBLD_API ProviderList {
  public:
   /// Adds a provider; of two with one name the later is used.
   void Register(std::shared_ptr<Provider> provider) { providers_.push_back(std::move(provider)); }
@@ -87,7 +88,7 @@ class ProviderList {
 };
 
 /// The connection that the library makes itself: empty until it gets a connection string.
-class ProviderConnection final : public Connection {
+class ZRQRYBLD_API ProviderConnection final : public Connection {
  public:
   explicit ProviderConnection(std::shared_ptr<const ProviderList> providers) : providers_(std::move(providers)) {}
 

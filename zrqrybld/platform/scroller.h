@@ -3,12 +3,13 @@
 // The control says how long its picture is; the scroller keeps the values inside their ranges and shows the bars.
 #pragma once
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/surface.h"
 
 namespace zrqrybld {
 
 /// Where the view of a control stands.
-class Scroller {
+class ZRQRYBLD_API Scroller {
  public:
   /// A bar as it is.
   const ScrollState& Bar(Orientation orientation) const {

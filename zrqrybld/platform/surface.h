@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/units.h"
 #include "zrqrybld/platform/font.h"
 #include "zrqrybld/platform/menu.h"
@@ -43,7 +44,7 @@ enum class Cursor : std::uint8_t {
 };
 
 /// What a control may ask of its window area; all lengths in pixels of the surface.
-class Surface {
+class ZRQRYBLD_API Surface {
  public:
   Surface() = default;
   Surface(const Surface&) = delete;

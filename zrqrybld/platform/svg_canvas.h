@@ -6,11 +6,12 @@
 #include <functional>
 #include <string>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/canvas.h"
 
 namespace zrqrybld {
 
-class SvgCanvas final : public Canvas {
+class ZRQRYBLD_API SvgCanvas final : public Canvas {
  public:
   /// Colours by role, as "#rrggbb".
   using Colors = std::function<std::string(const Ink& ink)>;

@@ -5,11 +5,12 @@
 #include <span>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/database.h"
 
 namespace zrqrybld {
 
-class TableRowSet final : public RowSet {
+class ZRQRYBLD_API TableRowSet final : public RowSet {
  public:
   /// `fields` must outlive the row set; every row has one value a field.
   TableRowSet(std::span<const std::string_view> fields, std::vector<std::vector<Variant>> rows)

@@ -8,12 +8,13 @@
 #include <string>
 
 #include "zrqrybld/base/event.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 
 /// Tells the listeners of a control of drags over it.
-class TextDrop {
+class ZRQRYBLD_API TextDrop {
  public:
   /// The text, the effect, `MouseButton` and `ShiftMask` bits, the place in pixels, a `DragOverStateEnum`.
   using OverEvent = Event<const std::string&, std::int32_t&, std::int32_t, std::int32_t, float, float, std::int32_t>;

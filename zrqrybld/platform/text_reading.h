@@ -11,6 +11,8 @@
 #include <string>
 #include <string_view>
 
+#include "zrqrybld/base/export.h"
+
 namespace zrqrybld {
 
 /// The name of the literal row, and of the hub's property, that holds the words.
@@ -42,19 +44,19 @@ struct TextReading {
 };
 
 /// The words of the traits, in the order of the fields.
-std::string WordsOf(const TextReading& reading);
+ZRQRYBLD_API std::string WordsOf(const TextReading& reading);
 
 /// The reading that the words tell; none when one of them is no trait, for who does not know a trait cannot keep to it.
-std::optional<TextReading> ReadingFromWords(std::string_view words);
+ZRQRYBLD_API std::optional<TextReading> ReadingFromWords(std::string_view words);
 
 /// Sources that cut a text in the same way and know the same clauses.
 enum class SourceFamily : std::uint8_t { Sqlite, PostgreSql, MariaDb, SqlServer, Oracle, Access, Other };
 
 /// The family by what a source calls itself; `Other` for a name that is not known.
-SourceFamily FamilyOf(std::string_view sourceName);
+ZRQRYBLD_API SourceFamily FamilyOf(std::string_view sourceName);
 
 /// How a source of this name reads when nobody has changed its mode; none for a name that is not known.
-std::optional<TextReading> UsualReading(std::string_view sourceName);
+ZRQRYBLD_API std::optional<TextReading> UsualReading(std::string_view sourceName);
 
 /// Whether the mode of a session decides how it reads.
 constexpr bool HasModes(SourceFamily family) {
@@ -63,7 +65,7 @@ constexpr bool HasModes(SourceFamily family) {
 
 /// How a session reads that has told its mode: PostgreSQL's standard_conforming_strings, MariaDB's and MySQL's
 /// sql_mode. None for an answer that is no mode, and for families without modes.
-std::optional<TextReading> ReadingInMode(SourceFamily family, std::string_view told);
+ZRQRYBLD_API std::optional<TextReading> ReadingInMode(SourceFamily family, std::string_view told);
 
 /// One way of reading, and whose it is.
 struct KnownReading {
@@ -72,6 +74,6 @@ struct KnownReading {
 };
 
 /// The readings of all families, each in all of its modes.
-std::span<const KnownReading> KnownReadings();
+ZRQRYBLD_API std::span<const KnownReading> KnownReadings();
 
 }  // namespace zrqrybld

@@ -4,6 +4,7 @@
 #include <memory>
 #include <utility>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/phrase.h"
 #include "zrqrybld/platform/dialogs.h"
 #include "zrqrybld/platform/provider.h"
@@ -13,7 +14,7 @@ namespace zrqrybld {
 class FileSystem;
 
 /// One for a designer; it outlives the hub that uses it.
-class Toolkit {
+class ZRQRYBLD_API Toolkit {
  public:
   Toolkit();
   Toolkit(const Toolkit&) = delete;

@@ -8,6 +8,7 @@
 #include <span>
 #include <string_view>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/sql/join_kind.h"
 
 namespace zrqrybld {
@@ -120,17 +121,17 @@ struct Dialect {
 };
 
 /// All dialects, in the order of their numbers.
-std::span<const Dialect> AllDialects();
+ZRQRYBLD_API std::span<const Dialect> AllDialects();
 
 /// The row of a dialect; the generic one for a number that has none.
-const Dialect& DialectFor(SQLSyntaxEnum syntax);
+ZRQRYBLD_API const Dialect& DialectFor(SQLSyntaxEnum syntax);
 
 /// The dialect that a source of this name and version speaks ("PostgreSQL", "15.3"); nullptr for a name that is not
 /// known. Other names of servers that speak another's dialect are known, too.
-const Dialect* DialectOfSource(std::string_view name, std::string_view version);
+ZRQRYBLD_API const Dialect* DialectOfSource(std::string_view name, std::string_view version);
 
 /// The dialect of this number, and the one with this name, in any letter case; nullptr when there is none.
-const Dialect* FindDialect(std::int32_t number);
-const Dialect* FindDialect(std::string_view name);
+ZRQRYBLD_API const Dialect* FindDialect(std::int32_t number);
+ZRQRYBLD_API const Dialect* FindDialect(std::string_view name);
 
 }  // namespace zrqrybld

@@ -11,6 +11,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/keyed_list.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/base/variant.h"
@@ -19,7 +20,7 @@
 namespace zrqrybld {
 
 /// One condition; the left table is the one whose entry holds it. Tables are named by their captions.
-class qbJoinTable final : public Object {
+class ZRQRYBLD_API qbJoinTable final : public Object {
  public:
   qbJoinTable(std::string leftTable, std::string leftField, std::string rightTable, std::string rightField)
       : LeftTable(std::move(leftTable)),
@@ -36,7 +37,7 @@ class qbJoinTable final : public Object {
 };
 
 /// The conditions of one table, in the order of adding.
-class qbJoinTables final : public Object {
+class ZRQRYBLD_API qbJoinTables final : public Object {
  public:
   std::string_view TypeName() const override { return "qbJoinTables"; }
 
@@ -62,7 +63,7 @@ class qbJoinTables final : public Object {
 };
 
 /// One table of FROM.
-class qbJoin final : public Object {
+class ZRQRYBLD_API qbJoin final : public Object {
  public:
   explicit qbJoin(std::string caption) : caption_(std::move(caption)) {}
   std::string_view TypeName() const override { return "qbJoin"; }
@@ -78,7 +79,7 @@ class qbJoin final : public Object {
 };
 
 /// The tables in the order of FROM. Adding, moving and finding by caption take constant time.
-class qbJoins final : public Object {
+class ZRQRYBLD_API qbJoins final : public Object {
  public:
   std::string_view TypeName() const override { return "qbJoins"; }
 

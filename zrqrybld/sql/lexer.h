@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/sql/keywords.h"
 
 namespace zrqrybld {
@@ -47,7 +48,7 @@ struct Token {
   Keyword keyword = Keyword::None;  ///< of a word
 };
 
-class Lexer {
+class ZRQRYBLD_API Lexer {
  public:
   /// The text must outlive the lexer.
   explicit Lexer(std::string_view text) : text_(text) {}
@@ -97,6 +98,6 @@ class OneLine {
 };
 
 /// All tokens of a text.
-std::vector<Token> Tokenize(std::string_view text);
+ZRQRYBLD_API std::vector<Token> Tokenize(std::string_view text);
 
 }  // namespace zrqrybld

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/phrase.h"
 #include "zrqrybld/host/data_types.h"
 #include "zrqrybld/sql/criteria_context.h"
@@ -53,6 +54,7 @@ std::vector<Phrase> ProblemsOf(std::string_view sql, const std::vector<Parameter
 /// The statement with the literal of the n-th value in the place of its n-th marker, one value for each. A marker
 /// inside a literal, a quoted name or a comment gets the bare value, with what would end that doubled or taken out:
 /// LIKE '%?PARAM(Name)%'. Error 40005 with the first sentence of `ProblemsOf`, or for another number of values.
-std::string PutInLiterals(std::string_view sql, const std::vector<ParameterValue>& values, const LiteralRules& rules);
+ZRQRYBLD_API std::string PutInLiterals(std::string_view sql, const std::vector<ParameterValue>& values,
+                                       const LiteralRules& rules);
 
 }  // namespace zrqrybld

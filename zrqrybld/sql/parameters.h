@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "zrqrybld/base/collection.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/keyed_list.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/base/variant.h"
@@ -24,7 +25,7 @@ namespace zrqrybld {
 class qbParameters;
 
 /// One parameter. Everything but the owner may be changed by whoever handles it.
-class qbParameter final : public Object {
+class ZRQRYBLD_API qbParameter final : public Object {
  public:
   std::string_view TypeName() const override { return "qbParameter"; }
 
@@ -48,7 +49,7 @@ class qbParameter final : public Object {
 };
 
 /// The parameters of a statement in the order of their markers; the n-th has the key "param:" and n.
-class qbParameters final : public Object {
+class ZRQRYBLD_API qbParameters final : public Object {
  public:
   explicit qbParameters(const Ref<QueryContext>& context) : context_(context) {}
   std::string_view TypeName() const override { return "qbParameters"; }
@@ -89,7 +90,7 @@ struct ScannedStatement {
 };
 
 /// Finds all markers of a text. A "?PARAM" without parentheses behind it stays as it stands.
-ScannedStatement ScanParameters(std::string_view text, const Ref<QueryContext>& context);
+ZRQRYBLD_API ScannedStatement ScanParameters(std::string_view text, const Ref<QueryContext>& context);
 
 /// The markers of a text as they are written, each once, in their order.
 std::vector<std::string> ParameterMarkers(std::string_view text);

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/phrase.h"
 #include "zrqrybld/sql/query_snapshot.h"
 
@@ -10,7 +11,7 @@ namespace zrqrybld {
 
 /// For instance "table Orders added, 2 joins removed, query column Orders.Freight added"; "" when nothing has come or
 /// gone. Linear in the size of the two queries.
-std::string DescribeChanges(const QuerySnapshot& before, const QuerySnapshot& after,
-                            const TextSource& texts = EnglishTexts());
+ZRQRYBLD_API std::string DescribeChanges(const QuerySnapshot& before, const QuerySnapshot& after,
+                                         const TextSource& texts = EnglishTexts());
 
 }  // namespace zrqrybld

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/sql/nulls_place.h"
 
 namespace zrqrybld {
@@ -30,7 +31,7 @@ struct SortWord {
 /// written.
 std::span<const SortWord> OfferedSorts(bool withNulls);
 /// What a cell shows for the direction; "" for none.
-std::string_view TextOf(SortDirection direction, NullsPlace nulls = NullsPlace::Usual);
+ZRQRYBLD_API std::string_view TextOf(SortDirection direction, NullsPlace nulls = NullsPlace::Usual);
 /// What a cell's text means, without regard to case. Any word of somebody else's sorts, and so it sorts upwards.
 SortWord ReadSort(std::string_view cell);
 /// The offered sort type that begins with what was typed, without regard to case; nothing when none does.

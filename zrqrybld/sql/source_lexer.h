@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/text_reading.h"
 #include "zrqrybld/sql/lexer.h"
 
@@ -36,7 +37,7 @@ struct SourceToken {
   friend bool operator==(const SourceToken&, const SourceToken&) = default;
 };
 
-class SourceLexer {
+class ZRQRYBLD_API SourceLexer {
  public:
   /// The text must outlive the lexer. Reading begins `from` bytes behind the text's first.
   SourceLexer(std::string_view text, const TextReading& reading, std::size_t from = 0)

@@ -11,6 +11,7 @@
 
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/event.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/base/phrase.h"
 #include "zrqrybld/host/query_context.h"
@@ -24,7 +25,7 @@
 
 namespace zrqrybld {
 
-class qbSQLPane final : public Object {
+class ZRQRYBLD_API qbSQLPane final : public Object {
  public:
   /// A pane with an empty text, in the generic dialect, linked to no hub.
   static Ref<qbSQLPane> Create();

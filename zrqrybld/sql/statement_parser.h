@@ -6,6 +6,7 @@
 
 #include <string_view>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/sql/select_statement.h"
 
 namespace zrqrybld {
@@ -20,7 +21,7 @@ struct ParseOptions {
 
 /// Reads the statement. Takes time in the length of the text. The text must outlive the tree. SyntaxError, with place
 /// and with what was expected, when it is no SELECT statement or one that cannot be shown.
-SelectStatement ParseSelect(std::string_view text, const ParseOptions& options = {});
+ZRQRYBLD_API SelectStatement ParseSelect(std::string_view text, const ParseOptions& options = {});
 
 /// Reads a condition or another expression alone; nothing may follow it. SyntaxError otherwise.
 Expression* ParseExpressionText(std::string_view text, SyntaxArena& arena);

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "zrqrybld/base/error.h"
+#include "zrqrybld/base/export.h"
 
 namespace zrqrybld {
 
@@ -17,7 +18,7 @@ struct TextPlace {
 };
 
 /// The place of the byte at `offset` (from 0; beyond the end counts as the end).
-TextPlace PlaceIn(std::string_view text, std::size_t offset);
+ZRQRYBLD_API TextPlace PlaceIn(std::string_view text, std::size_t offset);
 
 /// Error 40002 with a place. Its description names line and column: "Line 2, column 8: ...".
 class SyntaxError final : public Error {

@@ -3,11 +3,12 @@
 
 #include <memory>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/file.h"
 
 namespace zrqrybld {
 
 /// The system's own; where it is none that we know, what the standard library does.
-std::shared_ptr<const FileSystem> SystemFiles();
+ZRQRYBLD_API std::shared_ptr<const FileSystem> SystemFiles();
 
 }  // namespace zrqrybld

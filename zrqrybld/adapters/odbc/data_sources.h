@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/provider.h"
 
 namespace zrqrybld {
@@ -12,7 +13,7 @@ namespace zrqrybld {
 /// The names of the data sources of this user and of the system, each once, in the driver manager's order; with a
 /// driver's name only those that it serves, without regard to case. An empty name counts as none given. Error
 /// 3706 when the driver manager cannot be used.
-std::vector<std::string> OdbcDataSources(const std::optional<std::string>& driverName = std::nullopt);
+ZRQRYBLD_API std::vector<std::string> OdbcDataSources(const std::optional<std::string>& driverName = std::nullopt);
 
 namespace odbc {
 

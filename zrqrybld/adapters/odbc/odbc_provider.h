@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/provider.h"
 
 namespace zrqrybld {
@@ -15,7 +16,7 @@ namespace zrqrybld {
 /// Opens `DSN=<name>`, `Driver={<name>};<what the driver wants>`, `FileDSN=<file>`, each also behind
 /// `Provider=MSDASQL;`. There `Data Source`, `User ID`, `Password` and `Initial Catalog` are other words for
 /// `DSN`, `UID`, `PWD` and `Database`, and `Extended Properties` holds a whole string for the driver.
-class OdbcProvider final : public Provider {
+class ZRQRYBLD_API OdbcProvider final : public Provider {
  public:
   /// "MSDASQL".
   std::string_view Name() const override { return "MSDASQL"; }

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "zrqrybld/adapters/run/query_runner.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/connection_string.h"
 
 namespace zrqrybld {
@@ -16,6 +17,6 @@ namespace zrqrybld {
 /// Answers are read piece by piece from PostgreSQL and SQLite, and from MariaDB with a driver that can (from 3.2);
 /// an earlier one holds an answer as a whole and is asked for as many rows as it can hold, see `WasCutOff`. Other
 /// drivers are asked for `QueryRunner::kMostRows` rows at most.
-std::unique_ptr<QueryRunner> OpenOdbcRunner(const ConnectionString& connectionString);
+ZRQRYBLD_API std::unique_ptr<QueryRunner> OpenOdbcRunner(const ConnectionString& connectionString);
 
 }  // namespace zrqrybld

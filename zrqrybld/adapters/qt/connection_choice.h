@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string>
 
+#include "zrqrybld/base/export.h"
+
 namespace zrqrybld {
 
 /// The ways to a data source.
@@ -21,6 +23,6 @@ struct ConnectionChoice {
 
 /// The connection string; "" while too little is given. A path, name or password is one value in it, whatever
 /// characters it holds: none can end its value and begin a part of its own.
-std::string BuildConnectionString(const ConnectionChoice& choice);
+ZRQRYBLD_API std::string BuildConnectionString(const ConnectionChoice& choice);
 
 }  // namespace zrqrybld

@@ -9,12 +9,13 @@
 #include <functional>
 #include <unordered_map>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/accessible.h"
 
 namespace zrqrybld {
 
 /// What the window of a control does for its accessible objects. A widget that is one gets a `ControlAccess`.
-class AccessHost {
+class ZRQRYBLD_API AccessHost {
  public:
   AccessHost() = default;
   AccessHost(const AccessHost&) = delete;
@@ -32,7 +33,7 @@ class AccessHost {
   virtual QWidget* EditorParent() const = 0;
 };
 
-class ControlAccess final : public QAccessibleWidget, public QAccessibleTableInterface {
+class ZRQRYBLD_API ControlAccess final : public QAccessibleWidget, public QAccessibleTableInterface {
  public:
   /// `host` must be an `AccessHost`.
   explicit ControlAccess(QWidget& host);

@@ -18,6 +18,7 @@
 #include "zrqrybld/adapters/qt/event_boundary.h"
 #include "zrqrybld/adapters/qt/qt_metrics.h"
 #include "zrqrybld/adapters/qt/theme.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/control.h"
 #include "zrqrybld/platform/surface.h"
 
@@ -25,7 +26,7 @@ class QTimer;
 
 namespace zrqrybld {
 
-class ControlWidget : public QAbstractScrollArea, public Surface, public AccessHost {
+class ZRQRYBLD_API ControlWidget : public QAbstractScrollArea, public Surface, public AccessHost {
   Q_OBJECT
 
  public:

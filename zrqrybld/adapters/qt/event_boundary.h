@@ -6,12 +6,14 @@
 #include <functional>
 #include <utility>
 
+#include "zrqrybld/base/export.h"
+
 namespace zrqrybld {
 
 /// Shows a failure to the user or writes it to a log.
 using ErrorHandler = std::function<void(const std::exception&)>;
 
-class EventBoundary {
+class ZRQRYBLD_API EventBoundary {
  public:
   /// Failures go to `handler`; without one they are written as a warning.
   void SetHandler(ErrorHandler handler) { handler_ = std::move(handler); }

@@ -4,9 +4,11 @@
 #include <QWidget>
 #include <cstdint>
 
+#include "zrqrybld/base/export.h"
+
 namespace zrqrybld {
 
-class Mark : public QWidget {
+class ZRQRYBLD_API Mark : public QWidget {
   Q_OBJECT
 
  public:

@@ -6,11 +6,12 @@
 #include <QWidget>
 
 #include "zrqrybld/adapters/qt/event_boundary.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/toolkit.h"
 
 namespace zrqrybld {
 
-class QtDialogs final : public Dialogs {
+class ZRQRYBLD_API QtDialogs final : public Dialogs {
  public:
   /// `parent` is the window over which dialogs appear; the active window when it is nothing. They speak the toolkit's
   /// language, which must outlive them.

@@ -6,11 +6,12 @@
 #include <utility>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/font.h"
 
 namespace zrqrybld {
 
-class QtMetrics final : public TextMetrics {
+class ZRQRYBLD_API QtMetrics final : public TextMetrics {
  public:
   /// `base` gives what a font leaves open: its family and its size.
   explicit QtMetrics(const QFont& base) : base_(base) {}

@@ -15,6 +15,7 @@
 #include "zrqrybld/adapters/qt/event_boundary.h"
 #include "zrqrybld/adapters/qt/text_places.h"
 #include "zrqrybld/adapters/qt/theme.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/phrase.h"
 #include "zrqrybld/platform/editors.h"
 
@@ -24,7 +25,7 @@ class Announcer;
 class FindBar;
 class RemarkLine;
 
-class QtTextArea : public QPlainTextEdit, public TextArea {
+class ZRQRYBLD_API QtTextArea : public QPlainTextEdit, public TextArea {
   Q_OBJECT
 
  public:

@@ -3,11 +3,12 @@
 #pragma once
 
 #include "zrqrybld/adapters/qt/qt_dialogs.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/toolkit.h"
 
 namespace zrqrybld {
 
-class QtToolkit final : public Toolkit {
+class ZRQRYBLD_API QtToolkit final : public Toolkit {
  public:
   /// `parent` is the window over which dialogs appear.
   explicit QtToolkit(QWidget* parent = nullptr);

@@ -11,13 +11,14 @@
 #include "zrqrybld/adapters/qt/control_widget.h"
 #include "zrqrybld/adapters/qt/qt_text_area.h"
 #include "zrqrybld/adapters/qt/qt_toolkit.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/hub/query_builder.h"
 
 namespace zrqrybld {
 
 class ChangeAnnouncer;
 
-class QueryDesignerWidget : public QSplitter {
+class ZRQRYBLD_API QueryDesignerWidget : public QSplitter {
   Q_OBJECT
 
  public:

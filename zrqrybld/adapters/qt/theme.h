@@ -11,11 +11,12 @@
 #include <cstdint>
 #include <span>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/canvas.h"
 
 namespace zrqrybld {
 
-class Theme {
+class ZRQRYBLD_API Theme {
  public:
   /// The least contrast of text, and of lines, to what they stand on.
   static constexpr double kTextContrast = 4.5;

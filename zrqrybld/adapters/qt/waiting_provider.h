@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/phrase.h"
 #include "zrqrybld/platform/provider.h"
 
@@ -13,11 +14,11 @@ namespace zrqrybld {
 /// the thread that asks cannot be ended, so it keeps the source until that answers.
 ///
 /// For use in the window's thread; any other thread just waits.
-std::shared_ptr<Provider> MakeWaitingProvider(std::shared_ptr<Provider> provider,
-                                              std::shared_ptr<const TextSource> texts = nullptr);
+ZRQRYBLD_API std::shared_ptr<Provider> MakeWaitingProvider(std::shared_ptr<Provider> provider,
+                                                           std::shared_ptr<const TextSource> texts = nullptr);
 
 /// Whether a question is being waited for in an event loop of its own: what a timer does should wait, too, because
 /// whatever asked is in the middle of something.
-bool IsWaitingForSource();
+ZRQRYBLD_API bool IsWaitingForSource();
 
 }  // namespace zrqrybld

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "zrqrybld/adapters/run/source_mode.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/texts_run.h"
 #include "zrqrybld/sql/dialect.h"
 
@@ -34,13 +35,13 @@ struct ResultValue {
 using ResultRow = std::vector<ResultValue>;
 
 /// What ends a call after `Stop`.
-class QueryStopped : public std::runtime_error {
+class ZRQRYBLD_API QueryStopped : public std::runtime_error {
  public:
   QueryStopped() : std::runtime_error(Phrase(text::StatementStopped).English()) {}
 };
 
 /// A row that is read, within bounds: the last values of a row that is too large are cut short.
-class RowBuilder {
+class ZRQRYBLD_API RowBuilder {
  public:
   /// Beyond so many bytes a row's further values are cut to `kShortText` bytes.
   static constexpr std::size_t kLargeRow = std::size_t{4} << 20;
@@ -55,7 +56,7 @@ class RowBuilder {
   std::size_t bytes_ = 0;
 };
 
-class QueryRunner {
+class ZRQRYBLD_API QueryRunner {
  public:
   /// The longest text that is held of one value, in bytes.
   static constexpr std::size_t kLongestText = 32768;
@@ -101,13 +102,13 @@ class QueryRunner {
 };
 
 /// The bytes that a row holds.
-std::size_t BytesOf(const ResultRow& row);
+ZRQRYBLD_API std::size_t BytesOf(const ResultRow& row);
 
 /// The value of a text; what is longer than `QueryRunner::kLongestText` is cut behind a whole character.
-ResultValue TextValue(ResultKind kind, std::string_view text, bool cut = false);
+ZRQRYBLD_API ResultValue TextValue(ResultKind kind, std::string_view text, bool cut = false);
 
 /// The value of binary data: its first bytes in hexadecimal digits and its size. -1 for a size that nobody knows.
-ResultValue BinaryValue(std::string_view beginning, std::int64_t size);
+ZRQRYBLD_API ResultValue BinaryValue(std::string_view beginning, std::int64_t size);
 
 /// How many bytes of binary data are shown.
 constexpr std::size_t kShownBytes = 16;

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "zrqrybld/adapters/run/code_reader.h"
+#include "zrqrybld/base/export.h"
 
 namespace zrqrybld {
 
@@ -23,6 +24,6 @@ class EffectFinder {
 };
 
 /// Whether a function of this name has effects, in a source of the family `Sqlite`.
-bool HasEffectInSqlite(std::string_view function);
+ZRQRYBLD_API bool HasEffectInSqlite(std::string_view function);
 
 }  // namespace zrqrybld

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/text_reading.h"
 
 namespace zrqrybld {
@@ -16,9 +17,9 @@ struct SourceMode {
 };
 
 /// The mode of a session of `sourceName` that has told `told` (see `ReadingInMode`), or nothing.
-SourceMode ModeOf(std::string_view sourceName, std::optional<std::string_view> told = std::nullopt);
+ZRQRYBLD_API SourceMode ModeOf(std::string_view sourceName, std::optional<std::string_view> told = std::nullopt);
 
 /// Every way in which a session of this mode may read a text: one when all is known.
-std::vector<KnownReading> ReadingsOf(const SourceMode& mode);
+ZRQRYBLD_API std::vector<KnownReading> ReadingsOf(const SourceMode& mode);
 
 }  // namespace zrqrybld

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "zrqrybld/adapters/run/source_mode.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/sql/dialect.h"
 
 namespace zrqrybld {
@@ -24,7 +25,7 @@ std::string StatementToSend(std::string_view sql, const SourceMode& mode);
 /// A statement of PostgreSQL that means the same and holds no ";", also not in literals and names: a driver that looks
 /// for the ends of statements by itself finds none, and sends one. Error 40002, with the place, where that cannot be
 /// said, as for a ";" that ends a statement.
-std::string WithoutSemicolons(std::string_view sql, const SourceMode& mode);
+ZRQRYBLD_API std::string WithoutSemicolons(std::string_view sql, const SourceMode& mode);
 
 /// Error 40002, with the place, when the statement holds what this source does not know, though the dialect does: TOP,
 /// *=, (+), ROWNUM and the like. Everything passes for a source of the family `Other`.

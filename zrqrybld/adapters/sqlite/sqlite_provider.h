@@ -7,6 +7,7 @@
 #include <memory>
 #include <string_view>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/provider.h"
 
 namespace zrqrybld {
@@ -14,7 +15,7 @@ namespace zrqrybld {
 /// Opens `Provider=SQLite;Data Source=<path>`; `Database` and `DBQ` are other words for `Data Source`.
 /// The path is UTF-8, counts from the current folder when it is relative, and is always the name of a
 /// file: "file:..." and ":memory:" mean nothing special.
-class SqliteProvider final : public Provider {
+class ZRQRYBLD_API SqliteProvider final : public Provider {
  public:
   /// "SQLite".
   std::string_view Name() const override { return "SQLite"; }

@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# The packages of a build, each looked at by the system's own checkers, and what they hold.
+# Usage: packages.sh SOURCE BUILD WORK. Fails as they do; ends with 77 where they are not installed.
+set -euo pipefail
+source=$1 build=$2 work=$3
+for tool in cpack lintian dpkg-deb dpkg-shlibdeps desktop-file-validate appstreamcli update-mime-database; do
+  command -v "$tool" >/dev/null || { echo "$tool is not installed"; exit 77; }
+done
+rm -rf "$work" && mkdir -p "$work" && cd "$work"
+
+# Every option that a program tells stands on its page.
+for page in "$build/command/zrqb" "$build/designer/zrqrybld-designer"; do
+  QT_QPA_PLATFORM=offscreen "$page" --help | { grep -oE -- '--[a-z][a-z-]+' || true; } | sort -u | grep -v -e --help-all |
+    while read -r option; do
+      sed 's/\\-/-/g' "$source/packaging/$(basename "$page").1" | grep -qF -- "$option" ||
+        { echo "$(basename "$page").1 lacks $option"; exit 1; }
+    done
+done
+
+cpack --config "$build/CPackConfig.cmake" -B "$work" >cpack.log || { cat cpack.log; exit 1; }
+for package in libzrqrybld1 libzrqrybld-dev zrqb zrqrybld-designer; do
+  dpkg-deb --extract "$package"_*.deb root
+done
+lintian --fail-on error --suppress-tags initial-upload-closes-no-bugs ./*.deb
+desktop-file-validate root/usr/share/applications/*.desktop
+# No host is known that the id could be turned round from.
+appstreamcli validate --no-net --override=cid-desktopapp-is-not-rdns=info root/usr/share/metainfo/*.xml
+mkdir mime && cp -r root/usr/share/mime/packages mime && update-mime-database mime 2>/dev/null
+grep -q '^[0-9]*:application/x-zrqrybld-query:\*.zrq$' mime/globs2
+for page in root/usr/share/man/man1/*; do
+  [ -z "$(man --warnings -l "$page" 2>&1 >/dev/null)" ] || { echo "$page is not well formed"; exit 1; }
+done
+
+# The programs find what they need in what was unpacked.
+LD_LIBRARY_PATH=root/usr/lib root/usr/bin/zrqb --version
+QT_QPA_PLATFORM=offscreen root/usr/bin/zrqrybld-designer --db "$build/samples/store.db" --add-table Customers --print-sql
+mkdir anywhere && tar -xf zrqrybld-*.tar.gz -C anywhere --strip-components 1
+anywhere/bin/zrqb --version
+test -e anywhere/lib/cmake/zrQryBld/zrQryBldConfig.cmake
