@@ -50,6 +50,7 @@ set(about "A designer shows tables on a diagram, joins and columns in a grid, an
 SELECT statement that both make, in the SQL of eleven dialects.\n")
 deb(runtime libzrqrybld1 libs ""
   "This is the library behind its interface for C and other languages.")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/packaging/triggers)
 deb(dev libzrqrybld-dev libdevel "libzrqrybld1 (= ${PROJECT_VERSION}-1), libsqlite3-dev, unixodbc-dev"
   "These are the headers, the static libraries for C++, and what finds them\nfor CMake and pkg-config.")
 set(CPACK_DEBIAN_DEV_PACKAGE_SUGGESTS qt6-base-dev)
