@@ -14,6 +14,11 @@ endfunction()
 
 install_library(core zrqrybld zrqrybld_files zrqrybld_run)
 install_library(c zrqrybld_shared)
+if(TARGET zrqrybld_shared_qt)
+  # With the designer, which needs Qt, too.
+  install(TARGETS zrqrybld_shared_qt RUNTIME COMPONENT designer LIBRARY COMPONENT designer NAMELINK_COMPONENT dev
+    ARCHIVE COMPONENT dev)
+endif()
 set(left_out "")
 set(c_stands_on core)
 foreach(adapter IN ITEMS sqlite odbc qt)
