@@ -9,9 +9,9 @@
 #include <QToolBar>
 #include <functional>
 
-#include "zrqrybld/hub/query_builder.h"
-
 namespace zrqrybld {
+
+class qbQueryBuilder;
 
 class QueryOptionsBar : public QToolBar {
   Q_OBJECT

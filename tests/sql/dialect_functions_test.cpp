@@ -7,8 +7,10 @@
 #include <string>
 
 #include "zrqrybld/base/text.h"
-#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/host/catalogs.h"
+#include "zrqrybld/hub/hub.h"
 #include "zrqrybld/platform/headless.h"
+#include "zrqrybld/sql/sql_syntax.h"
 #include "zrqrybld/sql/statement_parser.h"
 #include "zrqrybld/sql/syntax_error.h"
 

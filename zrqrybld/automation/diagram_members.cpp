@@ -2,6 +2,12 @@
 #include "zrqrybld/automation/binding.h"
 #include "zrqrybld/automation/classes.h"
 #include "zrqrybld/automation/property_bag.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/host/properties.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/image.h"
 
 namespace zrqrybld {
 namespace {

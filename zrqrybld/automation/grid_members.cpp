@@ -2,6 +2,9 @@
 #include "zrqrybld/automation/binding.h"
 #include "zrqrybld/automation/classes.h"
 #include "zrqrybld/automation/property_bag.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/host/catalogs.h"
+#include "zrqrybld/hub/hub.h"
 
 namespace zrqrybld {
 namespace {

@@ -5,6 +5,7 @@
 #include "zrqrybld/automation/classes.h"
 #include "zrqrybld/automation/row_set_object.h"
 #include "zrqrybld/automation/toolkit_object.h"
+#include "zrqrybld/platform/database.h"
 
 namespace zrqrybld {
 

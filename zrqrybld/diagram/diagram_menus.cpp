@@ -37,7 +37,7 @@ Menu MenuForSurface(const Targets& targets) {
   const bool any = targets.entities.Count() > 0;
   return {
       {Say(targets.site.Context(), text::MenuAddTables), KeyTextOf(Command::AddTables),
-       [&edits = targets.edits] { edits.RequestTables(); }, context && context->IsConnected()},
+       [&edits = targets.edits] { edits.RequestTables(); }, context && context->source.IsConnected()},
       MenuEntry::Separator(),
       {Say(targets.site.Context(), text::MenuArrange), "",
        [&edits = targets.edits, &camera = targets.camera] { edits.Arrange(camera.VisibleWidth()); }, any},
@@ -110,21 +110,22 @@ Menu MenuForColumn(const Targets& targets, const Ref<qbEntity>& entity, const Re
   const Ref<QueryContext> context = targets.site.Context();
   const std::string table = entity->Caption();
   const std::string column = item->Text();
-  const std::optional<ColumnUse> use = context ? context->UseOfColumn(table, column) : std::nullopt;
+  const std::optional<ColumnUse> use = context ? context->design.UseOfColumn(table, column) : std::nullopt;
   const bool all = column == "*";
   MenuEntry sort{Say(targets.site.Context(), text::MenuSort), "", {}, use && !all};
   for (const auto& [name, type] :
        {std::pair{text::MenuAscending, "Ascending"}, {text::MenuDescending, "Descending"}, {text::MenuUnsorted, ""}}) {
-    sort.entries.push_back({Say(context, name), "", [=, type = type] { context->SortByColumn(table, column, type); },
-                            true, use && EqualsNoCase(use->sortType, type)});
+    sort.entries.push_back({Say(context, name), "",
+                            [=, type = type] { context->reports.SortByColumn(table, column, type); }, true,
+                            use && EqualsNoCase(use->sortType, type)});
   }
   MenuEntry group{Say(targets.site.Context(), text::MenuGroup), "", {}, use.has_value()};
   if (use) {
-    for (const Ref<qbDBFunction>& function : *context->DBFunctions()) {
+    for (const Ref<qbDBFunction>& function : *context->source.DBFunctions()) {
       if ((function->Flags() & 1) == 0) continue;
       group.entries.push_back({InMenu(function->DisplayText()), "",
-                               [=, name = function->Name()] { context->GroupColumn(table, column, name); }, true,
-                               EqualsNoCase(use->groupBy, function->DisplayText())});
+                               [=, name = function->Name()] { context->reports.GroupColumn(table, column, name); },
+                               true, EqualsNoCase(use->groupBy, function->DisplayText())});
     }
   }
   return {
@@ -136,7 +137,7 @@ Menu MenuForColumn(const Targets& targets, const Ref<qbEntity>& entity, const Re
        true, item->Checked()},
       std::move(sort),
       std::move(group),
-      {Say(targets.site.Context(), text::MenuAddCriterion), "", [=] { context->GoToCriterion(table, column); },
+      {Say(targets.site.Context(), text::MenuAddCriterion), "", [=] { context->reports.GoToCriterion(table, column); },
        use && !all},
       MenuEntry::Separator(),
       {Say(targets.site.Context(), text::MenuJoinFromHere), KeyTextOf(Command::JoinFromHere),
@@ -155,7 +156,7 @@ MenuEntry KindsOf(const Targets& targets, const Ref<qbRelationship>& join) {
                        const Ref<QueryContext> hub = site.Context();
                        const StepScope step(hub, kStepEditJoin);
                        SetJoinKind(*join, value);
-                       if (hub) hub->QueryChanged();
+                       if (hub) hub->steps.QueryChanged();
                      },
                      true, join->Kind() == value};
   };
@@ -164,7 +165,7 @@ MenuEntry KindsOf(const Targets& targets, const Ref<qbRelationship>& join) {
       kind({}, Say(targets.site.Context(), text::MenuMatchingOnly)),
       kind({.allOfSource = true}, Say(context, {text::MenuAllRowsFrom, InMenu(join->Source()->Caption())})),
       kind({.allOfTarget = true}, Say(context, {text::MenuAllRowsFrom, InMenu(join->Target()->Caption())}))};
-  const bool hasFull = !context || context->HasFullJoin();
+  const bool hasFull = !context || context->design.HasFullJoin();
   MenuEntry full =
       kind({.allOfTarget = true, .allOfSource = true}, Say(targets.site.Context(), text::MenuAllRowsFromBoth));
   full.enabled = hasFull;
@@ -178,7 +179,7 @@ Menu MenuForJoin(const Targets& targets, const Ref<qbRelationship>& join) {
   return {
       KindsOf(targets, join),
       {Say(targets.site.Context(), text::MenuProperties), KeyTextOf(Command::OpenSelected),
-       [context, join] { context->RelationshipActivated(join); }, context && context->CanEditJoins()},
+       [context, join] { context->reports.RelationshipActivated(join); }, context && context->design.CanEditJoins()},
       {Say(targets.site.Context(), text::MenuReverse), "", [&edits, join] { edits.ReverseJoin(join); }},
       MenuEntry::Separator(),
       {Say(targets.site.Context(), text::MenuDelete), KeyTextOf(Command::DeleteSelected),

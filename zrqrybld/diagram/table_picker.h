@@ -11,9 +11,12 @@
 
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/diagram/entities.h"
-#include "zrqrybld/host/query_context.h"
+#include "zrqrybld/platform/database.h"
+#include "zrqrybld/platform/dialogs.h"
 
 namespace zrqrybld {
+
+struct QueryContext;
 
 /// The tables and views of the data source, as the picker lists them: with the schema in front where
 /// the source has schemas.

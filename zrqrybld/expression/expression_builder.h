@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "zrqrybld/expression/expression_zoom.h"
+#include "zrqrybld/host/language_ids.h"
 
 namespace zrqrybld {
 

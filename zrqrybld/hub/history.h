@@ -19,7 +19,7 @@
 #include "zrqrybld/grid/rows.h"
 #include "zrqrybld/host/date_format.h"
 #include "zrqrybld/host/step_names.h"
-#include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 

@@ -10,10 +10,11 @@
 #include <string_view>
 #include <vector>
 
-#include "zrqrybld/hub/query_builder.h"
 #include "zrqrybld/sql/parameter_values.h"
 
 namespace zrqrybld {
+
+class qbQueryBuilder;
 
 /// The values, one for each ?PARAM marker of the statement in their order; none of them, without a dialog, for a
 /// statement that has no marker. Nothing when the user cancels. Error 40005 when a dialog that takes any value was

@@ -5,7 +5,10 @@
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_hub.h"
-#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/host/step_context.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/property_store.h"
 #include "zrqrybld/platform/stored_values.h"
 
 namespace zrqrybld {

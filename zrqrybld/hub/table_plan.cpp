@@ -5,9 +5,12 @@
 #include <utility>
 
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/diagram/source_names.h"
 #include "zrqrybld/grid/field_names.h"
+#include "zrqrybld/host/query_context.h"
+#include "zrqrybld/hub/hub.h"
 #include "zrqrybld/sql/from_binder.h"
 
 namespace zrqrybld {

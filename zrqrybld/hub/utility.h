@@ -7,10 +7,11 @@
 #include <vector>
 
 #include "zrqrybld/base/object.h"
-#include "zrqrybld/hub/query_builder.h"
 #include "zrqrybld/platform/toolkit.h"
 
 namespace zrqrybld {
+
+class qbQueryBuilder;
 
 class qbUtility final : public Object {
  public:

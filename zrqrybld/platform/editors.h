@@ -10,11 +10,14 @@
 #include <vector>
 
 #include "zrqrybld/base/event.h"
+#include "zrqrybld/base/units.h"
 #include "zrqrybld/platform/font.h"
-#include "zrqrybld/platform/input.h"
 #include "zrqrybld/platform/list_entry.h"
 
 namespace zrqrybld {
+
+struct KeyEvent;
+struct MouseEvent;
 
 /// Something that the user can do with a text, offered as a button beside it.
 struct TextCommand {

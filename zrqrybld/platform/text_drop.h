@@ -8,9 +8,11 @@
 #include <string>
 
 #include "zrqrybld/base/event.h"
-#include "zrqrybld/platform/input.h"
+#include "zrqrybld/base/units.h"
 
 namespace zrqrybld {
+
+struct MouseEvent;
 
 /// Tells the listeners of a control of drags over it.
 class TextDrop {

@@ -4,10 +4,11 @@
 #include <optional>
 #include <string>
 
-#include "zrqrybld/host/query_context.h"
 #include "zrqrybld/sql/names.h"
 
 namespace zrqrybld {
+
+struct QueryContext;
 
 /// The texts around a quoted name.
 struct NameQuotes {

@@ -4,9 +4,11 @@
 #include "zrqrybld/base/scoped_value.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_sql.h"
+#include "zrqrybld/host/query_context.h"
 #include "zrqrybld/platform/commands.h"
 #include "zrqrybld/platform/headless.h"
 #include "zrqrybld/platform/input.h"
+#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/generator.h"
 #include "zrqrybld/sql/lexer.h"
 #include "zrqrybld/sql/query_snapshot.h"
@@ -26,7 +28,7 @@ Ref<qbSQLPane> qbSQLPane::Create() { return Ref<qbSQLPane>(new qbSQLPane()); }
 
 Ref<qbQueryBuilder> qbSQLPane::QueryBuilder() const {
   const Ref<QueryContext> context = context_.lock();
-  return context ? context->Hub() : nullptr;
+  return context ? context->design.Hub() : nullptr;
 }
 
 // --- The text area ---
@@ -118,12 +120,13 @@ bool qbSQLPane::ApplyEditedText() {
   const Ref<QueryContext> context = context_.lock();
   if (!context) return false;
   try {
-    return ParseSQLStatement(textArea_->Text());
+    ParseSQLStatement(textArea_->Text());
+    return true;
   } catch (const Error& error) {
-    context->SetState(InfoDone);
+    context->steps.SetState(InfoDone);
     ShowFailure(error);
   } catch (const std::exception& error) {
-    context->SetState(InfoDone);
+    context->steps.SetState(InfoDone);
     ShowFailure(Error(ErrorParsingText, PhraseOf(error)));
   }
   return false;
@@ -151,14 +154,14 @@ void qbSQLPane::SetSQLStatement(const std::string& text) {
 
 void qbSQLPane::SetSQLSyntax(SQLSyntaxEnum syntax) {
   syntax_ = syntax;
-  if (const Ref<QueryContext> context = context_.lock()) context->DialectChanged();
+  if (const Ref<QueryContext> context = context_.lock()) context->reports.DialectChanged();
   PropertyChanged.Raise("SQLSyntax");
 }
 
 void qbSQLPane::SetLikeOperator(const std::string& word) {
   const std::string before = std::exchange(likeOperator_, Trim(word).empty() ? std::string(kLike) : word);
   const Ref<QueryContext> context = context_.lock();
-  if (context && before != likeOperator_) context->LikeOperatorChanged(before);
+  if (context && before != likeOperator_) context->reports.LikeOperatorChanged(before);
   PropertyChanged.Raise("LikeOperator");
 }
 
@@ -192,9 +195,9 @@ void qbSQLPane::WriteProperties(PropertyStore& store) const {
 std::string qbSQLPane::Generate(const std::string& orExpression, const std::string& andExpression) {
   const Ref<QueryContext> context = context_.lock();
   if (busy_ || !context) return {};
-  context->TakeBackState();
-  if (context->state() != InfoDone) return {};
-  QuerySnapshot query = context->Snapshot();
+  context->steps.TakeBackState();
+  if (context->steps.state() != InfoDone) return {};
+  QuerySnapshot query = context->design.Snapshot();
   const Dialect& dialect = DialectFor(syntax_);
   GeneratedSql generated = GenerateSelect(query, dialect, {orExpression, andExpression});
   diagnostics_ = Diagnose(query, dialect, generated);
@@ -247,7 +250,7 @@ std::string qbSQLPane::AddWhereClause(const std::string& orExpression, const std
   return Generate(orExpression, andExpression);
 }
 
-bool qbSQLPane::ParseSQLStatement(const std::string& sql) {
+void qbSQLPane::ParseSQLStatement(const std::string& sql) {
   const Ref<Object> alive = shared_from_this();  // a listener may let go of it
   const Ref<QueryContext> context = context_.lock();
   if (!context) throw Error(ErrorParsingText, text::NotLinked);
@@ -256,21 +259,20 @@ bool qbSQLPane::ParseSQLStatement(const std::string& sql) {
   }
   {
     const StepScope step(context, kStepApplyStatement);
-    context->SetState(InfoParsingSQL);
+    context->steps.SetState(InfoParsingSQL);
     try {
       const ScopedValue busy(busy_, true);
-      context->RaiseInfo(InfoParsingSQL, sql);
-      context->LoadStatement(sql);
+      context->steps.RaiseInfo(InfoParsingSQL, sql);
+      context->reports.LoadStatement(sql);
     } catch (const std::exception& cause) {
-      context->LeaveState();
+      context->steps.LeaveState();
       throw WrapError(ErrorParsingText, text::ParsingFailed, cause);
     }
     QueryReplaced();
-    context->SetState(InfoDone);
-    context->QueryChanged();
+    context->steps.SetState(InfoDone);
+    context->steps.QueryChanged();
   }
-  context->RaiseInfo(InfoDone, static_cast<std::int32_t>(InfoParsingSQL));
-  return true;
+  context->steps.RaiseInfo(InfoDone, static_cast<std::int32_t>(InfoParsingSQL));
 }
 
 // --- Parameters ---

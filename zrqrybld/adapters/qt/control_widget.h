@@ -19,6 +19,7 @@
 #include "zrqrybld/adapters/qt/qt_metrics.h"
 #include "zrqrybld/adapters/qt/theme.h"
 #include "zrqrybld/platform/control.h"
+#include "zrqrybld/platform/input.h"
 #include "zrqrybld/platform/surface.h"
 
 class QTimer;

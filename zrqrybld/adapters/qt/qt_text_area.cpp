@@ -25,6 +25,7 @@
 #include "zrqrybld/adapters/qt/say.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_qt.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 namespace {

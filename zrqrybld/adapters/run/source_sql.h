@@ -6,9 +6,10 @@
 #include <string_view>
 
 #include "zrqrybld/adapters/run/source_mode.h"
-#include "zrqrybld/sql/dialect.h"
 
 namespace zrqrybld {
+
+struct Dialect;
 
 /// Error 40002, with the place, when the text is anything but one SELECT that only reads: another statement, a second
 /// one, SELECT INTO, a lock, a function or clause with effects (source_effects.h), or a SELECT without columns.
