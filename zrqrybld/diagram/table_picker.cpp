@@ -153,6 +153,11 @@ bool TablePicker::HasTable(const std::string& tableName) {
   return !tableName.empty() && !FindTable(tableName).row->Eof();
 }
 
+bool TablePicker::HasTableSpelled(const std::string& tableName, const std::string& ownName) {
+  const FoundTable table = FindTable(tableName);
+  return !table.row->Eof() && table.row->Text("TABLE_NAME") == ownName;
+}
+
 std::optional<std::vector<SourceColumn>> TablePicker::ReadColumns(const std::string& tableName) {
   if (tableName.empty()) return std::nullopt;
   const FoundTable table = FindTable(tableName);

@@ -48,6 +48,8 @@ class TablePicker {
 
   /// Whether the source has a table or view with this name. Errors are the source's own.
   bool HasTable(const std::string& tableName);
+  /// The same, where the source itself spells the table's own name in these letters.
+  bool HasTableSpelled(const std::string& tableName, const std::string& ownName);
 
   /// The columns of a table in their order, without one called "*", which no grid row could tell from all columns; none
   /// when the source has no such table. Errors are the source's own.
