@@ -11,6 +11,7 @@
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/platform/headless.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld::bench {
 namespace {

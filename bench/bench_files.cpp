@@ -5,6 +5,9 @@
 #include <string>
 
 #include "bench/designer.h"
+#include "bench/made_up_source.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/hub.h"
 
 namespace zrqrybld::bench {
 namespace {
@@ -34,11 +37,7 @@ Ref<qbQueryBuilder> MakeDesign(int tables) {
   return hub;
 }
 
-std::string Saved(qbQueryBuilder& hub) {
-  std::string text;
-  hub.SaveQuery(text, true);
-  return text;
-}
+std::string Saved(qbQueryBuilder& hub) { return hub.SaveQueryToText(); }
 
 void CountLines(benchmark::State& state, const std::string& text) {
   const auto lines = static_cast<double>(std::count(text.begin(), text.end(), '\n'));

@@ -6,8 +6,16 @@
 #include <ctime>
 
 #include "bench/designer.h"
+#include "bench/made_up_source.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/host/step_context.h"
+#include "zrqrybld/hub/hub.h"
 #include "zrqrybld/sql/diagnostics.h"
+#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/generator.h"
+#include "zrqrybld/sql/query_snapshot.h"
+#include "zrqrybld/sql/sql_pane.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld::bench {
 namespace {

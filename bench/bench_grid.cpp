@@ -3,6 +3,12 @@
 
 #include "bench/counting_canvas.h"
 #include "bench/designer.h"
+#include "bench/made_up_source.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/host/step_context.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/input.h"
 #include "zrqrybld/sql/criteria_formatter.h"
 
 namespace zrqrybld::bench {

@@ -4,7 +4,14 @@
 #include <functional>
 
 #include "bench/designer.h"
+#include "bench/made_up_source.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/host/step_context.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld::bench {
 namespace {

@@ -4,6 +4,13 @@
 #include <functional>
 
 #include "bench/designer.h"
+#include "bench/made_up_source.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/host/step_context.h"
+#include "zrqrybld/hub/history.h"
+#include "zrqrybld/hub/hub.h"
 
 namespace zrqrybld::bench {
 namespace {

@@ -6,6 +6,9 @@
 #include "bench/designer.h"
 #include "bench/statements.h"
 #include "tests/print_statement.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/sql/sql_pane.h"
+#include "zrqrybld/sql/sql_syntax.h"
 #include "zrqrybld/sql/statement_parser.h"
 
 namespace zrqrybld::bench {

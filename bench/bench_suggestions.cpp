@@ -5,8 +5,10 @@
 #include <ctime>
 
 #include "bench/designer.h"
+#include "bench/made_up_source.h"
 #include "zrqrybld/expression/schema_cache.h"
 #include "zrqrybld/expression/suggestions.h"
+#include "zrqrybld/hub/hub.h"
 #include "zrqrybld/sql/source_rules.h"
 
 namespace zrqrybld::bench {

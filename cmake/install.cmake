@@ -15,9 +15,8 @@ endfunction()
 install_library(core zrqrybld zrqrybld_files zrqrybld_run)
 install_library(c zrqrybld_shared)
 if(TARGET zrqrybld_shared_qt)
-  # With the designer, which needs Qt, too.
-  install(TARGETS zrqrybld_shared_qt RUNTIME COMPONENT designer LIBRARY COMPONENT designer NAMELINK_COMPONENT dev
-    ARCHIVE COMPONENT dev)
+  # For Python programs with windows. A component of its own, so that the C library's package needs no Qt.
+  install(TARGETS zrqrybld_shared_qt RUNTIME COMPONENT widget LIBRARY COMPONENT widget ARCHIVE COMPONENT widget)
 endif()
 set(left_out "")
 set(c_stands_on core)

@@ -5,6 +5,7 @@
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/platform/connection_string.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 namespace {

@@ -15,7 +15,10 @@
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_designer.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/connection_policy.h"
 #include "zrqrybld/platform/connection_string.h"
+#include "zrqrybld/platform/provider.h"
 #include "zrqrybld/platform/toolkit.h"
 
 namespace zrqrybld {

@@ -9,12 +9,13 @@
 
 #include "designer/recent_connections.h"
 #include "zrqrybld/base/phrase.h"
-#include "zrqrybld/hub/query_builder.h"
 #include "zrqrybld/platform/provider.h"
 
 class QWidget;
 
 namespace zrqrybld {
+
+class qbQueryBuilder;
 
 class ConnectionFlow {
  public:

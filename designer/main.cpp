@@ -12,6 +12,10 @@
 #include "designer/appearance.h"
 #include "designer/main_window.h"
 #include "designer/options.h"
+#include "designer/preview_pane.h"
+#include "designer/query_document.h"
+#include "zrqrybld/adapters/qt/query_designer_widget.h"
+#include "zrqrybld/diagram/entities.h"
 
 namespace {
 

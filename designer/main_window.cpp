@@ -26,24 +26,38 @@
 #include <optional>
 
 #include "designer/appearance.h"
+#include "designer/connection_flow.h"
 #include "designer/guarded.h"
 #include "designer/key_list.h"
 #include "designer/plain_box.h"
+#include "designer/preview_pane.h"
+#include "designer/query_document.h"
+#include "designer/query_options_bar.h"
+#include "designer/query_preview.h"
 #include "designer/recent_connections.h"
 #include "designer/tool_icons.h"
 #include "designer/window_memory.h"
 #include "designer/zoom_box.h"
 #include "zrqrybld/adapters/qt/connection_choice.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/adapters/qt/query_designer_widget.h"
 #include "zrqrybld/adapters/qt/say.h"
 #include "zrqrybld/adapters/qt/shortcuts.h"
 #include "zrqrybld/adapters/qt/waiting_provider.h"
 #include "zrqrybld/adapters/sqlite/sqlite_provider.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_designer.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/host/step_context.h"
+#include "zrqrybld/hub/hub.h"
 #include "zrqrybld/hub/parameter_form.h"
 #include "zrqrybld/platform/connection_string.h"
+#include "zrqrybld/platform/provider.h"
+#include "zrqrybld/platform/toolkit.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/sql_pane.h"
 #if ZRQRYBLD_HAS_ODBC
 #include "zrqrybld/adapters/odbc/odbc_provider.h"
 #endif
@@ -381,6 +395,10 @@ void MainWindow::FillRecentConnections(QMenu& menu) {
   }
   if (menu.isEmpty()) menu.addAction(Say(*texts_, text::NoRecentConnections))->setEnabled(false);
 }
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::SetConnectSaved(bool connect) { flow_->SetConnectSaved(connect); }
 
 void MainWindow::OpenRecent(const RecentConnection& recent) {
   QString error;

@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "designer/command_actions.h"
 #include "designer/connection_flow.h"
@@ -19,9 +20,19 @@
 #include "designer/schema_tree.h"
 #include "designer/start_page.h"
 #include "zrqrybld/adapters/qt/query_designer_widget.h"
+#include "zrqrybld/base/event.h"
+#include "zrqrybld/base/phrase.h"
 #include "zrqrybld/platform/provider.h"
 
 namespace zrqrybld {
+
+class ConnectionFlow;
+class PreviewPane;
+class ProviderConnection;
+class QueryDesignerWidget;
+class QueryDocument;
+class QueryOptionsBar;
+class QueryPreview;
 
 class MainWindow : public QMainWindow {
   Q_OBJECT
@@ -30,6 +41,7 @@ class MainWindow : public QMainWindow {
   /// With the texts of a language file; the built-in ones without. Texts that the file lacks, or that could not be
   /// read, are the built-in ones.
   explicit MainWindow(const QString& languageFile = {});
+  ~MainWindow() override;
 
   /// Why the language file could not be read; empty on success.
   const QString& LanguageFailure() const { return languageFailure_; }
@@ -60,7 +72,7 @@ class MainWindow : public QMainWindow {
   QString Statement() const;
 
   /// Query files are connected as they say, without a question. Some strings are refused all the same.
-  void SetConnectSaved(bool connect) { flow_->SetConnectSaved(connect); }
+  void SetConnectSaved(bool connect);
 
   /// Shows a message to the user.
   void ShowError(const QString& message);

@@ -18,8 +18,14 @@
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/file.h"
 #include "zrqrybld/base/texts_designer.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/host/step_context.h"
+#include "zrqrybld/hub/hub.h"
 #include "zrqrybld/hub/query_file_reader.h"
 #include "zrqrybld/platform/connection_string.h"
+#include "zrqrybld/platform/provider.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 namespace {
@@ -33,7 +39,7 @@ QString FileFilter(const TextSource& texts) { return FileKinds(texts, text::Quer
 }  // namespace
 
 QueryDocument::QueryDocument(QWidget* parent, qbQueryBuilder& hub, Window window)
-    : parent_(parent), hub_(hub), window_(std::move(window)) {
+    : parent_(parent), hub_(hub), texts_(hub.Texts()), window_(std::move(window)) {
   hub_.SetSaveConnectionString(true);
   MarkUnmodified();
 }
@@ -55,11 +61,7 @@ void QueryDocument::FillMenu(QMenu& menu, CommandActions& commands) {
 
 // --- What is on the screen ---
 
-std::string QueryDocument::Text() const {
-  std::string text;
-  hub_.SaveQuery(text, true);
-  return text;
-}
+std::string QueryDocument::Text() const { return hub_.SaveQueryToText(); }
 
 void QueryDocument::Clear() {
   const StepScope step(hub_.Hub(), kStepClear);
@@ -295,7 +297,7 @@ void QueryDocument::AskAboutPassword() {
 
 QString QueryDocument::SaveAs(const QString& file) {
   try {
-    hub_.SaveQuery(static_cast<const std::string&>(ToUtf8(QFileInfo(file).absoluteFilePath())));
+    hub_.SaveQuery(ToUtf8(QFileInfo(file).absoluteFilePath()));
   } catch (const std::exception& error) {
     return Say(*texts_, error);
   }

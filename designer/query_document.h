@@ -15,13 +15,15 @@
 
 #include "designer/command_actions.h"
 #include "designer/recovery.h"
-#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/base/phrase.h"
 #include "zrqrybld/platform/provider.h"
 
 class QMenu;
 class QWidget;
 
 namespace zrqrybld {
+
+class qbQueryBuilder;
 
 class QueryDocument {
  public:
@@ -94,7 +96,7 @@ class QueryDocument {
 
   QWidget* parent_;
   qbQueryBuilder& hub_;
-  std::shared_ptr<const TextSource> texts_ = hub_.Texts();
+  std::shared_ptr<const TextSource> texts_;
   Window window_;
   QString file_;
   std::string saved_;

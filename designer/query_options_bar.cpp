@@ -9,8 +9,11 @@
 #include "zrqrybld/adapters/qt/say.h"
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/texts_designer.h"
+#include "zrqrybld/host/step_context.h"
+#include "zrqrybld/hub/hub.h"
 #include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/sql_pane.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 namespace {

@@ -13,8 +13,9 @@
 
 #include "designer/command_actions.h"
 #include "zrqrybld/hub/query_builder.h"
-
 namespace zrqrybld {
+
+class qbQueryBuilder;
 
 class QueryOptionsBar : public QToolBar {
   Q_OBJECT

@@ -3,14 +3,20 @@
 #include <algorithm>
 
 #include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/adapters/qt/query_designer_widget.h"
 #include "zrqrybld/adapters/qt/say.h"
 #include "zrqrybld/adapters/sqlite/sqlite_runner.h"
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/texts_designer.h"
+#include "zrqrybld/hub/hub.h"
 #include "zrqrybld/hub/parameter_form.h"
 #include "zrqrybld/platform/connection_string.h"
+#include "zrqrybld/platform/provider.h"
+#include "zrqrybld/platform/toolkit.h"
+#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/lexer.h"
 #include "zrqrybld/sql/readable_criteria.h"
+#include "zrqrybld/sql/sql_pane.h"
 #if ZRQRYBLD_HAS_ODBC
 #include "zrqrybld/adapters/odbc/odbc_runner.h"
 #endif

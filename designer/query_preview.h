@@ -7,9 +7,12 @@
 #include <vector>
 
 #include "designer/preview_pane.h"
-#include "zrqrybld/adapters/qt/query_designer_widget.h"
+#include "zrqrybld/base/event.h"
 
 namespace zrqrybld {
+
+class ProviderList;
+class QueryDesignerWidget;
 
 class QueryPreview {
  public:

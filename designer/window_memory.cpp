@@ -7,6 +7,9 @@
 
 #include "zrqrybld/adapters/qt/qt_text.h"
 #include "zrqrybld/adapters/qt/query_designer_widget.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/grid/grid_pane.h"
 
 namespace zrqrybld {
 namespace {

@@ -5,6 +5,7 @@
 
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/host/language.h"
+#include "zrqrybld/host/language_ids.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace zrqrybld;

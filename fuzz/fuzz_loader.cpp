@@ -1,7 +1,11 @@
 // Any bytes in a designer without a source: what is read is written as a statement that is read and written the same.
 #include <cstdlib>
 
-#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/sql/sql_pane.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace {
 

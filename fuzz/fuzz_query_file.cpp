@@ -1,7 +1,10 @@
 // Any bytes as a query file: what is loaded saves as a file that loads and saves the same.
 #include <cstdlib>
 
-#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace {
 
@@ -17,11 +20,7 @@ Ref<qbQueryBuilder> MakeDesigner(bool withItems) {
   return hub;
 }
 
-std::string Saved(qbQueryBuilder& hub) {
-  std::string text;
-  hub.SaveQuery(text, true);
-  return text;
-}
+std::string Saved(qbQueryBuilder& hub) { return hub.SaveQueryToText(); }
 
 }  // namespace
 

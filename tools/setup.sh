@@ -84,6 +84,7 @@ packages_elsewhere="
   fonts-dejavu-core  dejavu-sans-fonts       ttf-dejavu              -
   python3            python3                 python                  python
   python3-venv       python3                 python                  python
+  python3-pyqt6      python3-pyqt6           python-pyqt6            pyqt
   libgtest-dev       gtest-devel             gtest                   googletest
   libbenchmark-dev   google-benchmark-devel  benchmark               google-benchmark
   unixodbc           unixODBC                unixodbc                unixodbc

@@ -8,11 +8,15 @@
 #include <string>
 #include <vector>
 
+#include "bench/made_up_source.h"
 #include "tests/providers/odbc_executor.h"
 #include "zrqrybld/adapters/odbc/odbc_provider.h"
 #include "zrqrybld/adapters/sqlite/sqlite_provider.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/table_picker.h"
-#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/toolkit.h"
 
 namespace zrqrybld {
 namespace {

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/zrqrybld.h"
 
 extern "C" int32_t AbiSeenFromC(void);

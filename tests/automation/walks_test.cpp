@@ -17,7 +17,12 @@
 #include "zrqrybld/automation/classes.h"
 #include "zrqrybld/automation/dispatch.h"
 #include "zrqrybld/automation/toolkit_object.h"
-#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/history.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 
@@ -207,11 +212,7 @@ class Walk {
     }));
   }
 
-  std::string Saved() {
-    std::string text;
-    hub_->SaveQuery(text, true);
-    return text;
-  }
+  std::string Saved() { return hub_->SaveQueryToText(); }
 
   void GoOn() {
     if (trace_) std::cerr << "going on" << std::endl;

@@ -6,6 +6,11 @@
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/accessible_dump.h"
 #include "zrqrybld/adapters/qt/access_events.h"
+#include "zrqrybld/adapters/qt/query_designer_widget.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/hub.h"
 
 namespace zrqrybld::test {
 namespace {

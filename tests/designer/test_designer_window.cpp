@@ -6,6 +6,9 @@
 
 #include "tests/designer/designer_window_test.h"
 #include "tests/sqlite/database_file.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/hub/hub.h"
 
 namespace zrqrybld {
 namespace {

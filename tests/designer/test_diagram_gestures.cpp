@@ -8,8 +8,14 @@
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/hands.h"
 #include "tests/qt/pictures.h"
+#include "zrqrybld/adapters/qt/query_designer_widget.h"
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/join_line.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/hub.h"
 
 namespace zrqrybld {
 namespace {

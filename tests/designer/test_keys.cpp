@@ -7,6 +7,13 @@
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/hands.h"
 #include "zrqrybld/adapters/qt/find_bar.h"
+#include "zrqrybld/adapters/qt/query_designer_widget.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 namespace {

@@ -16,6 +16,7 @@
 #include "tests/sqlite/database_file.h"
 #include "zrqrybld/adapters/qt/connection_window.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/platform/connection_string.h"
 
 namespace zrqrybld {
 namespace {

@@ -10,13 +10,25 @@
 #include <algorithm>
 #include <csignal>
 
+#include "designer/preview_pane.h"
 #include "designer/query_preview.h"
 #include "designer/result_model.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/palettes.h"
 #include "tests/qt/pictures.h"
 #include "tests/sqlite/database_file.h"
+#include "zrqrybld/adapters/qt/query_designer_widget.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/connection_string.h"
+#include "zrqrybld/platform/provider.h"
+#include "zrqrybld/platform/toolkit.h"
+#include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/sql_pane.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 namespace {

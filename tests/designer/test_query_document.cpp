@@ -8,8 +8,11 @@
 #include <QTemporaryDir>
 #include <stdexcept>
 
+#include "designer/query_document.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/modal.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/hub/hub.h"
 
 namespace zrqrybld {
 namespace {

@@ -7,6 +7,10 @@
 
 #include "tests/designer/designer_window_test.h"
 #include "tests/sqlite/database_file.h"
+#include "zrqrybld/adapters/qt/query_designer_widget.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/hub/hub.h"
 
 namespace zrqrybld {
 namespace {

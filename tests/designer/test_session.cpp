@@ -19,11 +19,19 @@
 #include <algorithm>
 
 #include "designer/key_list.h"
+#include "designer/query_document.h"
 #include "designer/recent_connections.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/modal.h"
+#include "zrqrybld/adapters/qt/query_designer_widget.h"
 #include "zrqrybld/adapters/qt/tables_window.h"
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/platform/connection_string.h"
+#include "zrqrybld/platform/provider.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 namespace {

@@ -13,7 +13,13 @@
 #include "designer/appearance.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/pictures.h"
+#include "zrqrybld/adapters/qt/query_designer_widget.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/headless.h"
 
 namespace zrqrybld::test {
 namespace {

@@ -13,6 +13,7 @@
 #include "zrqrybld/diagram/join_line.h"
 #include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/platform/headless.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld::test {
 

@@ -2,6 +2,10 @@
 #include <random>
 
 #include "tests/diagram/diagram_fixture.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 namespace {

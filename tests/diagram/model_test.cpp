@@ -2,6 +2,11 @@
 #include <random>
 
 #include "tests/diagram/diagram_fixture.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/host/properties.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 namespace {

@@ -7,6 +7,11 @@
 #include "tests/diagram/diagram_fixture.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/diagram/arrange.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/host/properties.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 namespace {

@@ -5,6 +5,10 @@
 #include "tests/diagram/diagram_fixture.h"
 #include "tests/player.h"
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 namespace {

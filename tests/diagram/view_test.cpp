@@ -4,7 +4,11 @@
 
 #include "tests/diagram/diagram_fixture.h"
 #include "tests/stored_properties.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/diagram/routing.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 namespace {

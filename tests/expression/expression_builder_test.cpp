@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "tests/data_table.h"
-#include "tests/expression/known_source.h"
+#include "tests/known_source.h"
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/hub/hub.h"
 
 namespace zrqrybld::test {
 namespace {

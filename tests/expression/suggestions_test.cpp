@@ -6,10 +6,14 @@
 #include <map>
 
 #include "tests/data_table.h"
-#include "tests/expression/known_source.h"
+#include "tests/known_source.h"
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/expression/predictive_typing.h"
 #include "zrqrybld/expression/schema_cache.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/input.h"
 #include "zrqrybld/sql/source_rules.h"
 
 namespace zrqrybld::test {

@@ -1,5 +1,6 @@
 #include "tests/flow/headless_designer.h"
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld::test {
 

@@ -2,21 +2,28 @@
 
 #include <stdexcept>
 
+#include "tests/link_panes.h"
 #include "zrqrybld/adapters/sqlite/sqlite_provider.h"
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/toolkit.h"
+#include "zrqrybld/sql/sql_pane.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld::test {
 
 HeadlessDesigner::HeadlessDesigner() : hub_(qbQueryBuilder::Create()) {
-  hub_->SetDiagramPane(qbDiagramPane::Create());
-  hub_->SetGridPane(qbGridPane::Create());
-  hub_->SetSQLPane(qbSQLPane::Create());
+  LinkPanes(*hub_);
   hub_->GridPane()->SetShowGroupBy(false);
   hub_->GetToolkit().Providers()->Register(std::make_shared<SqliteProvider>());
   hub_->Connect("Provider=SQLite;Data Source=" ZRQRYBLD_SAMPLE_DB);
   if (hub_->LastError()) throw std::runtime_error(hub_->LastError()->what());
 }
+
+qbEntities& HeadlessDesigner::Entities() const { return *hub_->Entities(); }
 
 void HeadlessDesigner::AddTables(const std::vector<std::string>& names) {
   for (const std::string& name : names) hub_->AddTable(name);

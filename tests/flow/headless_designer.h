@@ -1,19 +1,27 @@
 // A designer without a window, open on the sample database, and its statements made ready for SQLite.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
-#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/base/object.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
-namespace zrqrybld::test {
+namespace zrqrybld {
+
+class qbEntities;
+class qbQueryBuilder;
+class qbRelationship;
+
+namespace test {
 
 class HeadlessDesigner {
  public:
   HeadlessDesigner();
 
   qbQueryBuilder& Hub() const { return *hub_; }
-  qbEntities& Entities() const { return *hub_->Entities(); }
+  qbEntities& Entities() const;
 
   /// Adds the tables and draws their joins.
   void AddTables(const std::vector<std::string>& names);
@@ -38,4 +46,5 @@ class HeadlessDesigner {
 /// Joins stay as they were written.
 std::string ForSqlite(const std::string& statement, SQLSyntaxEnum syntax);
 
-}  // namespace zrqrybld::test
+}  // namespace test
+}  // namespace zrqrybld

@@ -7,7 +7,15 @@
 
 #include "tests/flow/headless_designer.h"
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/host/step_context.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/sql_pane.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld::test {
 namespace {

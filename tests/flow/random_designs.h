@@ -8,9 +8,13 @@
 #include <vector>
 
 #include "tests/flow/store_rows.h"
-#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
-namespace zrqrybld::test {
+namespace zrqrybld {
+
+class qbQueryBuilder;
+
+namespace test {
 
 class Chance {
  public:
@@ -47,4 +51,5 @@ void Build(qbQueryBuilder& hub, const Design& design, const std::string& prefix)
 /// `Evaluate` gives. Returns a line of figures: how many of which sort were run.
 std::string TryDesigns(qbQueryBuilder& hub, Store& store, const Target& target, int count, unsigned seed);
 
-}  // namespace zrqrybld::test
+}  // namespace test
+}  // namespace zrqrybld

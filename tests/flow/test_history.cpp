@@ -6,9 +6,18 @@
 #include "tests/flow/headless_designer.h"
 #include "tests/flow/random_designs.h"
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/grid/grid_columns.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/host/step_context.h"
+#include "zrqrybld/hub/history.h"
+#include "zrqrybld/hub/hub.h"
 #include "zrqrybld/platform/headless.h"
+#include "zrqrybld/platform/input.h"
+#include "zrqrybld/platform/toolkit.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 namespace {
@@ -33,11 +42,7 @@ class Walk {
   qbQueryBuilder& Hub() { return designer_.Hub(); }
 
   /// All that is saved of the design, and the statement.
-  std::string Now() {
-    std::string text;
-    Hub().SaveQuery(text, true);
-    return text;
-  }
+  std::string Now() { return Hub().SaveQueryToText(); }
 
   /// Does something. What cannot be done is left.
   void Act(test::Store& store) {

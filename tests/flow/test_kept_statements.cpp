@@ -6,6 +6,9 @@
 #include "tests/flow/headless_designer.h"
 #include "tests/flow/kept_statements.h"
 #include "tests/flow/store_rows.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/sql/sql_pane.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 namespace {

@@ -5,6 +5,8 @@
 
 #include "tests/flow/headless_designer.h"
 #include "tests/flow/random_designs.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/hub.h"
 
 namespace zrqrybld {
 namespace {

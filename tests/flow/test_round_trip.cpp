@@ -9,8 +9,16 @@
 #include "tests/flow/headless_designer.h"
 #include "tests/flow/random_designs.h"
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/hub.h"
 #include "zrqrybld/sql/diagnostics.h"
+#include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/query_snapshot.h"
+#include "zrqrybld/sql/sql_pane.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 namespace {

@@ -8,6 +8,10 @@
 
 #include "tests/flow/headless_designer.h"
 #include "tests/flow/store_rows.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/sql/sql_pane.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 namespace {

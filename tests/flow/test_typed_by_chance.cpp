@@ -10,6 +10,10 @@
 #include "tests/flow/headless_designer.h"
 #include "tests/flow/random_designs.h"
 #include "tests/sqlite/database_file.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/sql_pane.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 namespace {

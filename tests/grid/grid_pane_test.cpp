@@ -2,9 +2,14 @@
 #include <algorithm>
 #include <random>
 
-#include "tests/hub/hub_fixture.h"
+#include "tests/hub_fixture.h"
 #include "tests/stored_properties.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/grid/sort_order.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/headless.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 namespace {

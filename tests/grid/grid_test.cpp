@@ -7,7 +7,9 @@
 
 #include "tests/player.h"
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/platform/headless.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 namespace {

@@ -6,6 +6,7 @@
 #include "tests/fakes/recording_canvas.h"
 #include "tests/player.h"
 #include "zrqrybld/platform/headless.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 namespace {

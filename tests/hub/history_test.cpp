@@ -1,6 +1,15 @@
 // Undo and redo: what is a step and what is none, and what undoing must leave alone.
-#include "tests/hub/hub_fixture.h"
+#include "zrqrybld/hub/history.h"
+#include "tests/hub_fixture.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/diagram/table_picker.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/host/step_context.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/sql/sql_pane.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 namespace {
@@ -15,11 +24,7 @@ class Undoing : public test::HubTest {
     hub->Steps().SetClock([this] { return now; });
   }
 
-  std::string Design() {
-    std::string text;
-    hub->SaveQuery(text, true);
-    return text;
-  }
+  std::string Design() { return hub->SaveQueryToText(); }
 
   std::chrono::steady_clock::time_point now;
 };

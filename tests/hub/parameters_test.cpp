@@ -3,8 +3,17 @@
 #include <gtest/gtest.h>
 
 #include "tests/data_table.h"
-#include "tests/hub/hub_fixture.h"
+#include "tests/hub_fixture.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/host/catalogs.h"
+#include "zrqrybld/host/data_types.h"
+#include "zrqrybld/host/properties.h"
+#include "zrqrybld/hub/hub.h"
 #include "zrqrybld/hub/parameter_form.h"
+#include "zrqrybld/platform/headless.h"
+#include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 namespace {

@@ -1,6 +1,16 @@
 #include "tests/data_table.h"
 #include "tests/error_of.h"
-#include "tests/hub/hub_fixture.h"
+#include "tests/hub_fixture.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/host/catalogs.h"
+#include "zrqrybld/host/properties.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/sql_pane.h"
+#include "zrqrybld/sql/sql_syntax.h"
 #include "zrqrybld/sql/statement_parser.h"
 
 namespace zrqrybld {

@@ -9,8 +9,18 @@
 #include <sstream>
 
 #include "tests/data_table.h"
-#include "tests/hub/hub_fixture.h"
+#include "tests/hub_fixture.h"
 #include "zrqrybld/base/file.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/host/properties.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/connection_string.h"
+#include "zrqrybld/platform/headless.h"
+#include "zrqrybld/sql/sql_pane.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 namespace {
@@ -18,11 +28,7 @@ namespace {
 using test::Designer;
 using test::ErrorOf;
 
-std::string Saved(const Designer& designer) {
-  std::string text;
-  EXPECT_FALSE(designer.hub->SaveQuery(text, true));
-  return text;
-}
+std::string Saved(const Designer& designer) { return designer.hub->SaveQueryToText(); }
 
 // What a file makes of the line breaks in a value.
 std::string OneLine(const std::string& text) {

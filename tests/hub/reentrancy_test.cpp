@@ -3,8 +3,16 @@
 #include <functional>
 #include <iterator>
 
-#include "tests/hub/hub_fixture.h"
+#include "tests/hub_fixture.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/grid/grid_columns.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/headless.h"
+#include "zrqrybld/platform/input.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 namespace {
@@ -27,7 +35,7 @@ struct Scene {
     Item("Orders", "Total")->SetChecked(true);
     Item("Customers", "Name")->SetChecked(true);
     Rows()->Item(1)->SetValue("criteria", "> 5");
-    hub->SaveQuery(saved, true);
+    saved = hub->SaveQueryToText();
     Table("Orders")->SetCaption("O");
     hub->Undo();
     Panes()->SelectObject(Table("Orders"));
@@ -136,7 +144,7 @@ constexpr Named<Act> kTriggers[] = {
     DO("draw joins", s.Table(1)->Relationships()->Clear(); s.hub->RefreshAutoJoins()),
     DO("parse", s.Sql()->ParseSQLStatement("SELECT s.Boss, Count(o.Total) FROM Staff s, Orders o GROUP BY s.Boss")),
     DO("load", s.hub->LoadQuery(s.saved, true)),
-    DO("save", std::string text; s.hub->SaveQuery(text, true)),
+    DO("save", s.hub->SaveQueryToText()),
     DO("undo and redo", s.hub->Undo(); s.hub->Redo()),
     DO("redo", s.hub->Redo()),
     DO("name a column", s.Rows()->Item(3)->SetValue("column", "orders.orderid")),
@@ -223,11 +231,7 @@ void Try(Scene& scene, Act act) {
   }
 }
 
-std::string Saved(qbQueryBuilder& hub) {
-  std::string text;
-  hub.SaveQuery(text, true);
-  return text;
-}
+std::string Saved(qbQueryBuilder& hub) { return hub.SaveQueryToText(); }
 
 // Whatever has happened: the designer works, and the last step can be undone and made again.
 void GoOn(Scene& s) {

@@ -2,9 +2,23 @@
 // designer holds after each step.
 #include <stdexcept>
 
-#include "tests/hub/hub_fixture.h"
+#include "tests/hub_fixture.h"
 #include "tests/player.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/diagram/table_picker.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/host/catalogs.h"
+#include "zrqrybld/host/properties.h"
+#include "zrqrybld/host/step_context.h"
+#include "zrqrybld/hub/history.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/connection_string.h"
+#include "zrqrybld/platform/headless.h"
+#include "zrqrybld/platform/input.h"
+#include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 namespace {
@@ -92,11 +106,7 @@ class Script : public test::Player, public test::Designer {
         }));
   }
 
-  std::string Design() const {
-    std::string text;
-    hub->SaveQuery(text, true);
-    return text;
-  }
+  std::string Design() const { return hub->SaveQueryToText(); }
   // Which box covers which is no part of a step, so of the picture only its size counts.
   std::string Seen() const { return Design() + std::to_string(diagram->PictureSvg().size()); }
   // The name of the step that the row was, which is undone and redone to see that both designs come back; "-" when it

@@ -1,6 +1,15 @@
 // The SQL pane in a whole designer: what of grid and options reaches the statement, remarks, keys, stored options.
-#include "tests/hub/hub_fixture.h"
+#include "zrqrybld/sql/sql_pane.h"
+#include "tests/hub_fixture.h"
 #include "tests/stored_properties.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/host/data_types.h"
+#include "zrqrybld/host/properties.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/headless.h"
+#include "zrqrybld/platform/input.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 namespace {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "zrqrybld/host/properties.h"
+#include "zrqrybld/hub/hub.h"
 #include "zrqrybld/platform/headless.h"
 
 namespace zrqrybld {

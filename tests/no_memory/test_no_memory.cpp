@@ -7,7 +7,13 @@
 #include <functional>
 #include <new>
 
-#include "tests/hub/hub_fixture.h"
+#include "tests/hub_fixture.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/input.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace {
 
@@ -47,11 +53,7 @@ struct Operation {
   std::function<void(Designer&)> first = {};  // what is done before
 };
 
-std::string TextOf(const Designer& designer) {
-  std::string text;
-  designer.hub->SaveQuery(text, true);
-  return text;
-}
+std::string TextOf(const Designer& designer) { return designer.hub->SaveQueryToText(); }
 
 // Two joined tables, two query columns, one sorted and one with a criterion.
 void Prepare(Designer& designer, const Operation& operation) {

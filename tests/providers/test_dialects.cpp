@@ -18,6 +18,7 @@
 #include "zrqrybld/expression/placeholders.h"
 #include "zrqrybld/sql/dialect_functions.h"
 #include "zrqrybld/sql/dialect_words.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 namespace {

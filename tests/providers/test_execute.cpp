@@ -9,10 +9,15 @@
 #include "tests/providers/provider_test.h"
 #include "tests/schema_text.h"
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/diagram/table_picker.h"
-#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/hub.h"
 #include "zrqrybld/platform/headless.h"
+#include "zrqrybld/sql/sql_pane.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 namespace {

@@ -10,6 +10,8 @@
 #include "zrqrybld/adapters/sqlite/sqlite_runner.h"
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 namespace {

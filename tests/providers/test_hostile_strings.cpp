@@ -8,6 +8,7 @@
 #include <fstream>
 
 #include "tests/data_table.h"
+#include "tests/link_panes.h"
 #include "tests/providers/provider_test.h"
 #include "tests/providers/tcp_proxy.h"
 #include "tests/sqlite/database_file.h"
@@ -15,9 +16,16 @@
 #include "zrqrybld/adapters/odbc/odbc_runner.h"
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/relationships.h"
-#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/connection_string.h"
 #include "zrqrybld/platform/headless.h"
+#include "zrqrybld/platform/provider.h"
+#include "zrqrybld/sql/sql_pane.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 namespace {
@@ -31,9 +39,7 @@ Ref<qbQueryBuilder> MakeHub() {
   auto toolkit = std::make_shared<HeadlessToolkit>();
   test::RegisterProviders(*toolkit->Providers());
   Ref<qbQueryBuilder> hub = qbQueryBuilder::Create(toolkit);
-  hub->SetDiagramPane(qbDiagramPane::Create());
-  hub->SetGridPane(qbGridPane::Create());
-  hub->SetSQLPane(qbSQLPane::Create());
+  test::LinkPanes(*hub);
   hub->GridPane()->SetShowGroupBy(false);
   return hub;
 }

@@ -21,7 +21,10 @@
 #include "zrqrybld/adapters/odbc/odbc_provider.h"
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/text.h"
-#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/connection_string.h"
 #include "zrqrybld/platform/headless.h"
 
 namespace zrqrybld {

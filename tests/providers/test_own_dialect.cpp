@@ -2,11 +2,18 @@
 // is read back as it was.
 #include <gtest/gtest.h>
 
+#include "tests/link_panes.h"
 #include "tests/providers/odbc_executor.h"
 #include "tests/providers/provider_test.h"
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/relationships.h"
-#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/host/catalogs.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/toolkit.h"
+#include "zrqrybld/sql/sql_pane.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 namespace {
@@ -27,9 +34,7 @@ class OwnDialect : public test::ProviderTest {
 
   static Ref<qbQueryBuilder> MakeHub() {
     const Ref<qbQueryBuilder> hub = qbQueryBuilder::Create();
-    hub->SetDiagramPane(qbDiagramPane::Create());
-    hub->SetGridPane(qbGridPane::Create());
-    hub->SetSQLPane(qbSQLPane::Create());
+    test::LinkPanes(*hub);
     hub->SetAutoSyntax(true);
     hub->GridPane()->SetShowGroupBy(false);
     test::RegisterProviders(*hub->GetToolkit().Providers());
@@ -162,9 +167,7 @@ TEST(DataOnTwoServers, IsDesignedAsIfItWereOnOne) {
   near.Execute("IMPORT FOREIGN SCHEMA public LIMIT TO (orders) FROM SERVER far INTO far");
 
   const Ref<qbQueryBuilder> hub = qbQueryBuilder::Create();
-  hub->SetDiagramPane(qbDiagramPane::Create());
-  hub->SetGridPane(qbGridPane::Create());
-  hub->SetSQLPane(qbSQLPane::Create());
+  test::LinkPanes(*hub);
   hub->SetAutoSyntax(true);
   test::RegisterProviders(*hub->GetToolkit().Providers());
   hub->Connect(first);

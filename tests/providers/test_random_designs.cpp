@@ -5,8 +5,15 @@
 #include <sstream>
 
 #include "tests/flow/random_designs.h"
+#include "tests/link_panes.h"
 #include "tests/providers/provider_test.h"
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/toolkit.h"
+#include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/sql_pane.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 namespace {
@@ -93,9 +100,7 @@ TEST_P(ProviderDesigns, GiveTheRowsThatTheyMean) {
   CopyTables(store);
   IndexKeys();
   const Ref<qbQueryBuilder> hub = qbQueryBuilder::Create();
-  hub->SetDiagramPane(qbDiagramPane::Create());
-  hub->SetGridPane(qbGridPane::Create());
-  hub->SetSQLPane(qbSQLPane::Create());
+  test::LinkPanes(*hub);
   hub->GridPane()->SetDateFormat("yyyy-mm-dd");
   test::RegisterProviders(*hub->GetToolkit().Providers());
   hub->Connect(source_->connectionString);

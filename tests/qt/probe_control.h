@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "zrqrybld/platform/control.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 

@@ -9,12 +9,15 @@
 #include <QToolButton>
 #include <QTreeWidget>
 
-#include "tests/expression/known_source.h"
+#include "tests/known_source.h"
 #include "tests/qt/hands.h"
 #include "tests/qt/pictures.h"
 #include "zrqrybld/adapters/qt/expression_window.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
 #include "zrqrybld/adapters/qt/qt_text_area.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/host/language_ids.h"
+#include "zrqrybld/hub/hub.h"
 
 namespace zrqrybld {
 namespace {

@@ -9,13 +9,17 @@
 #include <QTimer>
 
 #include "tests/fakes/recording_canvas.h"
-#include "tests/hub/hub_fixture.h"
+#include "tests/hub_fixture.h"
 #include "tests/player.h"
 #include "tests/qt/hands.h"
 #include "tests/qt/palettes.h"
 #include "tests/qt/pictures.h"
 #include "zrqrybld/adapters/qt/control_widget.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/headless.h"
 
 namespace zrqrybld {
 namespace {

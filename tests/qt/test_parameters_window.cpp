@@ -16,6 +16,7 @@
 #include "zrqrybld/adapters/qt/qt_text.h"
 #include "zrqrybld/adapters/qt/qt_text_area.h"
 #include "zrqrybld/adapters/qt/qt_toolkit.h"
+#include "zrqrybld/hub/hub.h"
 #include "zrqrybld/hub/parameter_form.h"
 
 namespace zrqrybld {

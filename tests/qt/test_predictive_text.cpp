@@ -6,11 +6,12 @@
 #include <map>
 
 #include "tests/data_table.h"
-#include "tests/expression/known_source.h"
+#include "tests/known_source.h"
 #include "tests/qt/pictures.h"
 #include "zrqrybld/adapters/qt/predictive_text.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
 #include "zrqrybld/adapters/qt/sql_highlighter.h"
+#include "zrqrybld/hub/hub.h"
 
 namespace zrqrybld {
 namespace {

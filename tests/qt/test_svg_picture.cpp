@@ -3,6 +3,8 @@
 
 #include "tests/diagram/diagram_fixture.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
 
 namespace zrqrybld {
 namespace {

@@ -15,6 +15,7 @@
 #include "zrqrybld/adapters/qt/qt_text_area.h"
 #include "zrqrybld/adapters/qt/query_designer_widget.h"
 #include "zrqrybld/sql/brackets.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 namespace {

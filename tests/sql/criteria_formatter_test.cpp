@@ -8,6 +8,7 @@
 #include "tests/data_table.h"
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/sql/dialect.h"
 
 namespace zrqrybld {
 namespace {

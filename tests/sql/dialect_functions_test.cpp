@@ -8,8 +8,11 @@
 
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/expression/schema_cache.h"
+#include "zrqrybld/host/catalogs.h"
+#include "zrqrybld/hub/hub.h"
 #include "zrqrybld/hub/query_builder.h"
 #include "zrqrybld/platform/headless.h"
+#include "zrqrybld/sql/sql_syntax.h"
 #include "zrqrybld/sql/statement_parser.h"
 #include "zrqrybld/sql/syntax_error.h"
 

@@ -9,6 +9,9 @@
 #include "tests/error_of.h"
 #include "tests/sql/name_rules.h"
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/query_snapshot.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 namespace {

@@ -8,6 +8,9 @@
 #include "zrqrybld/adapters/sqlite/sqlite_runner.h"
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/platform/connection_string.h"
+#include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 namespace {

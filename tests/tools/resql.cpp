@@ -13,8 +13,12 @@
 
 #include "zrqrybld/adapters/sqlite/sqlite_provider.h"
 #include "zrqrybld/base/text.h"
-#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/toolkit.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace {
 

@@ -1,6 +1,8 @@
 // The members of the vocabulary and of the data source's types.
 #include "zrqrybld/automation/binding.h"
 #include "zrqrybld/automation/classes.h"
+#include "zrqrybld/host/catalogs.h"
+#include "zrqrybld/host/data_types.h"
 
 namespace zrqrybld {
 namespace {

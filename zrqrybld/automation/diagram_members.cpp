@@ -3,6 +3,12 @@
 #include "zrqrybld/automation/classes.h"
 #include "zrqrybld/automation/menu_object.h"
 #include "zrqrybld/automation/property_bag.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/host/properties.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/image.h"
 
 namespace zrqrybld {
 namespace {

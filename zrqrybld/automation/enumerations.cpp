@@ -1,6 +1,16 @@
 #include <algorithm>
 
 #include "zrqrybld/automation/public_names.h"
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/diagram/diagram_site.h"
+#include "zrqrybld/diagram/join_facts.h"
+#include "zrqrybld/host/catalogs.h"
+#include "zrqrybld/host/date_format.h"
+#include "zrqrybld/host/designer_values.h"
+#include "zrqrybld/host/language_ids.h"
+#include "zrqrybld/platform/database.h"
+#include "zrqrybld/sql/join_kind.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 namespace {

@@ -3,6 +3,9 @@
 #include "zrqrybld/automation/classes.h"
 #include "zrqrybld/automation/menu_object.h"
 #include "zrqrybld/automation/property_bag.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/host/catalogs.h"
+#include "zrqrybld/hub/hub.h"
 
 namespace zrqrybld {
 namespace {

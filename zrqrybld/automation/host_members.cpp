@@ -3,20 +3,50 @@
 #include "zrqrybld/automation/classes.h"
 #include "zrqrybld/automation/property_bag.h"
 #include "zrqrybld/automation/toolkit_object.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/host/catalogs.h"
+#include "zrqrybld/host/data_types.h"
+#include "zrqrybld/host/properties.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/hub/utility.h"
+#include "zrqrybld/platform/database.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 namespace {
 
 using Hub = qbQueryBuilder;
 
-void ConnectTo(Hub& hub, Variant& connectionString) { hub.Connect(connectionString); }
+/// Opens the connection and asks the source how it writes SQL. An open connection is closed first. When the argument
+/// is Missing, the user builds a connection string, which is written back; "" when cancelled, and nothing is changed
+/// then. No error leaves it: see `LastError`.
+void ConnectTo(Hub& hub, Variant& connectionString) {
+  if (connectionString.IsMissing()) {
+    connectionString = hub.Connect();
+  } else {
+    hub.Connect(connectionString.Text());
+  }
+}
+
 bool IsTrue(const Variant& argument) { return !argument.IsMissing() && argument.ToBoolean(); }
 
+/// Saves the query to a file, which is replaced whole or not at all, or with `returnData` as text into `filename`.
+/// Always False, also on success: a failure is error 75 with the system's reason.
 bool SaveQueryTo(Hub& hub, Variant& filename, const Variant& returnData) {
-  std::string text = filename.Text();
-  const bool result = hub.SaveQuery(text, IsTrue(returnData));
-  filename = std::move(text);
-  return result;
+  const std::string name = filename.Text();
+  const bool asText = IsTrue(returnData);
+  if (!asText) hub.SaveQuery(name);
+  filename = asText ? hub.SaveQueryToText() : name;
+  return false;
+}
+
+/// Replaces all captions by those of a language file. Always False, also on success: a failure is error 40000.
+bool LoadLanguage(Hub& hub, const std::string& path) {
+  hub.LoadLanguageFile(path);
+  return false;
 }
 
 bool LoadQueryFrom(Hub& hub, const std::string& filename, const Variant& fileIsData, const Variant& parametersOnly,
@@ -49,7 +79,7 @@ constexpr Member kQueryBuilder[] = {
     Method<Hub, &Hub::Disconnect>("Disconnect"),
     ReadWrite<Hub, &Hub::GetTablesOnConnect, &Hub::SetGetTablesOnConnect>("GetTablesOnConnect"),
     ReadWrite<Hub, &Hub::GridPane, &Hub::SetGridPane>("GridPane"),
-    Method<Hub, &Hub::LoadLanguageFile>("LoadLanguageFile", "Path"),
+    Method<Hub, &LoadLanguage>("LoadLanguageFile", "Path"),
     Method<Hub, &LoadQueryFrom>("LoadQuery",
                                 "Filename, [FileIsData], [ReturnParametersOnly], [SQLStatement], [ConnectionString]"),
     ReadOnly<Hub, &Hub::QuotedIdentifiers>("QuotedIdentifiers"),

@@ -6,6 +6,7 @@
 #include "zrqrybld/automation/menu_object.h"
 #include "zrqrybld/automation/row_set_object.h"
 #include "zrqrybld/automation/toolkit_object.h"
+#include "zrqrybld/platform/database.h"
 
 namespace zrqrybld {
 

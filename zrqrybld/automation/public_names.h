@@ -5,18 +5,60 @@
 #include <span>
 #include <string_view>
 
-#include "zrqrybld/diagram/diagram_pane.h"
-#include "zrqrybld/diagram/entities.h"
-#include "zrqrybld/diagram/relationships.h"
-#include "zrqrybld/grid/grid_pane.h"
-#include "zrqrybld/host/language.h"
-#include "zrqrybld/hub/query_builder.h"
-#include "zrqrybld/hub/utility.h"
-#include "zrqrybld/sql/joins.h"
-#include "zrqrybld/sql/parameters.h"
-#include "zrqrybld/sql/sql_pane.h"
-
 namespace zrqrybld {
+
+class Type;
+class Object;
+class Connection;
+class Image;
+class ImageList;
+class StringCollection;
+class qbDBFunction;
+class qbDBFunctions;
+class qbDBKeyword;
+class qbDBKeywords;
+class qbDBOperator;
+class qbDBOperators;
+class qbDataType;
+class qbDataTypes;
+class qbDiagramPane;
+class qbEntities;
+class qbEntity;
+class qbEntityItem;
+class qbEntityItems;
+class qbGridPane;
+class qbJoin;
+class qbJoinTable;
+class qbJoinTables;
+class qbJoins;
+class qbParameter;
+class qbParameters;
+class qbProperties;
+class qbProperty;
+class qbQueryBuilder;
+class qbRelationship;
+class qbRelationships;
+class qbSQLPane;
+class qbUtility;
+class zrGrid;
+class zrGridColumn;
+class zrGridColumns;
+class zrGridComboItem;
+class zrGridComboItems;
+class zrGridRow;
+class zrGridRows;
+class zrSimpleCombo;
+enum ConnectionStateEnum : std::int32_t;
+enum DateFormatEnum : std::int32_t;
+enum FieldOrderEnum : std::int32_t;
+enum JoinTypeEnum : std::uint8_t;
+enum LanguageIDEnum : std::int32_t;
+enum OLEDropModeEnum : std::int32_t;
+enum QueryBuilderErrorEnum : std::int32_t;
+enum QueryBuilderInfoEnum : std::int32_t;
+enum RelationshipIndicatorStyle : std::int32_t;
+enum SQLOperatorEnum : std::int32_t;
+enum SQLSyntaxEnum : std::int32_t;
 
 /// The name of a class or enumeration outside; "" when it is not public.
 template <class T>

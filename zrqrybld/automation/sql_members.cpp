@@ -2,11 +2,21 @@
 #include "zrqrybld/automation/binding.h"
 #include "zrqrybld/automation/classes.h"
 #include "zrqrybld/automation/property_bag.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 namespace {
 
 using Pane = qbSQLPane;
+
+/// Makes the designer's query what the statement says, and then writes the statement anew. True when that was done.
+/// Error 40002 otherwise, with the place in the text when it cannot be read; nothing has changed then, but the
+/// designer's `state` stays `InfoParsingSQL`. Also without a hub, and for a dialect whose statements are not read.
+bool ParseStatement(Pane& pane, const std::string& sql) {
+  pane.ParseSQLStatement(sql);
+  return true;
+}
 
 constexpr Member kPane[] = {
     Method<Pane, &Pane::AddWhereClause>("AddWhereClause", "[OrExpression], [AndExpression]"),
@@ -14,7 +24,7 @@ constexpr Member kPane[] = {
     ReadWrite<Pane, &Pane::LikeOperator, &Pane::SetLikeOperator>("LikeOperator"),
     ReadWrite<Pane, &Pane::Locked, &Pane::SetLocked>("Locked"),
     Method<Pane, &Pane::ParseParameters>("ParseParameters"),
-    Method<Pane, &Pane::ParseSQLStatement>("ParseSQLStatement", "SQL"),
+    Method<Pane, &ParseStatement>("ParseSQLStatement", "SQL"),
     ReadOnly<Pane, &Pane::QueryBuilder>("QueryBuilder"),
     Method<Pane, &Pane::Refresh>("Refresh"),
     ReadWrite<Pane, &Pane::SQLStatement, &Pane::SetSQLStatement>("SQLStatement"),

@@ -32,9 +32,9 @@ class ZRQRYBLD_API FileSystem {
 };
 
 /// A path that is given in UTF-8, whatever the system takes file names in.
-std::filesystem::path PathOf(std::string_view utf8);
+ZRQRYBLD_API std::filesystem::path PathOf(std::string_view utf8);
 /// The same back.
-std::string Utf8Of(const std::filesystem::path& path);
+ZRQRYBLD_API std::string Utf8Of(const std::filesystem::path& path);
 
 /// The file's bytes. Error 75 with the system's reason when it cannot be read, and for a file beyond `limit` bytes.
 ZRQRYBLD_API std::string ReadWholeFile(const std::string& path, std::size_t limit);

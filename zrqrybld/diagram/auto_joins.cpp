@@ -9,6 +9,9 @@
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/diagram/source_names.h"
+#include "zrqrybld/host/foreign_keys.h"
+#include "zrqrybld/host/query_context.h"
+#include "zrqrybld/platform/database.h"
 #include "zrqrybld/sql/source_rules.h"
 
 namespace zrqrybld {
@@ -51,7 +54,7 @@ void Join(QueryContext& context, const Ref<qbEntity>& child, const Ref<qbEntity>
   const Ref<qbRelationship> join = child->Relationships()->Add(parent);
   join->SetSourceItemIndex(fromIndex);
   join->SetTargetItemIndex(toIndex);
-  context.RaiseInfo(InfoRelationshipAdded, Ref<Object>(join));
+  context.steps.RaiseInfo(InfoRelationshipAdded, Ref<Object>(join));
 }
 
 // An entity that a listener has removed has no items left to join.
@@ -60,7 +63,7 @@ void JoinToParents(const Ref<QueryContext>& context, const NameRules& rules, con
   const SourceTableName table = TableInSource(*child.entity, rules);
   if (table.table.empty()) return;  // to a source that means any table
   // A copy: a listener may connect to another source, or begin another pass, which forgets the answers.
-  const std::vector<ForeignKeyPair> pairs = context->ForeignKeys().Of(*context->Connection(), table);
+  const std::vector<ForeignKeyPair> pairs = context->source.ForeignKeys().Of(*context->source.Connection(), table);
   for (const ForeignKeyPair& pair : pairs) {
     const bool referencesItself = FoldedName(pair.parent) == FoldedName(pair.child);
     for (const Candidate& parent : byTable.Find(pair.parent)) {
@@ -73,10 +76,10 @@ void JoinToParents(const Ref<QueryContext>& context, const NameRules& rules, con
 }  // namespace
 
 void RefreshRelationships(const Ref<QueryContext>& context) {
-  const Ref<qbEntities> entities = context->Entities();
-  if (!entities || !context->IsConnected()) return;
+  const Ref<qbEntities> entities = context->design.Entities();
+  if (!entities || !context->source.IsConnected()) return;
   const StepScope step(context, kStepAutomaticJoins);
-  context->ForeignKeys().Clear();  // a table may have been made, or got a key, since the last pass
+  context->source.ForeignKeys().Clear();  // a table may have been made, or got a key, since the last pass
   const NameRules rules = CurrentNameRules(*context);
   std::vector<Candidate> candidates;
   for (const Ref<qbEntity>& entity : *entities) candidates.push_back({entity, entity->Index()});
@@ -85,15 +88,15 @@ void RefreshRelationships(const Ref<QueryContext>& context) {
 }
 
 std::vector<std::string> RelatedTables(QueryContext& context, const qbEntity& entity) {
-  const Ref<qbEntities> entities = context.Entities();
-  if (!entities || !context.IsConnected()) return {};
+  const Ref<qbEntities> entities = context.design.Entities();
+  if (!entities || !context.source.IsConnected()) return {};
   const NameRules rules = CurrentNameRules(context);
   const SourceTableName table = TableInSource(entity, rules);
   if (table.table.empty()) return {};
   std::vector<SourceTableName> related;
-  Connection& connection = *context.Connection();
-  for (const ForeignKeyPair& pair : context.ForeignKeys().Of(connection, table)) related.push_back(pair.parent);
-  for (const ForeignKeyPair& pair : context.ForeignKeys().To(connection, table)) related.push_back(pair.child);
+  Connection& connection = *context.source.Connection();
+  for (const ForeignKeyPair& pair : context.source.ForeignKeys().Of(connection, table)) related.push_back(pair.parent);
+  for (const ForeignKeyPair& pair : context.source.ForeignKeys().To(connection, table)) related.push_back(pair.child);
   std::unordered_set<std::string> known;
   for (const Ref<qbEntity>& one : *entities) known.insert(FoldedName(TableInSource(*one, rules)));
   std::vector<std::string> names;

@@ -5,9 +5,10 @@
 #include <vector>
 
 #include "zrqrybld/diagram/entities.h"
-#include "zrqrybld/host/query_context.h"
 
 namespace zrqrybld {
+
+struct QueryContext;
 
 /// Draws a join for each pair of columns that a foreign key links, unless it is there already. The
 /// source of the join is the entity that references, its target the one that is referenced; columns

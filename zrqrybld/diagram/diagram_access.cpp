@@ -9,6 +9,7 @@
 #include "zrqrybld/diagram/join_line.h"
 #include "zrqrybld/diagram/join_properties.h"
 #include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/host/source_context.h"
 #include "zrqrybld/platform/commands.h"
 
 namespace zrqrybld {

@@ -12,6 +12,8 @@
 #include "zrqrybld/diagram/join_properties.h"
 #include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/host/query_context.h"
+#include "zrqrybld/platform/dialogs.h"
+#include "zrqrybld/platform/toolkit.h"
 
 namespace zrqrybld {
 namespace {
@@ -31,14 +33,14 @@ void DiagramEdits::Clear() {
   for (std::int32_t i = entities_.Count(); i >= 1; --i) all.push_back(entities_.Item(i));
   WholeOrNothing(context, [&] {
     for (const Ref<qbEntity>& entity : all) entities_.Drop(entity);
-    if (context) context->DiagramCleared();
+    if (context) context->reports.DiagramCleared();
   });
 }
 
 bool DiagramEdits::RequestTables() {
   const Ref<QueryContext> context = site_.Context();
-  if (!context || !context->IsConnected()) return false;
-  context->RequestTables();
+  if (!context || !context->source.IsConnected()) return false;
+  context->reports.RequestTables();
   return true;
 }
 
@@ -72,13 +74,13 @@ bool DiagramEdits::DeleteSelected() {
 void DiagramEdits::AskForAlias(const Ref<qbEntity>& entity) {
   const Ref<QueryContext> context = site_.Context();
   if (!context || !entity->EntityBox()) return;
-  TextDialog dialog{context->Say(text::AliasCaption), context->Say(text::AliasLabel), entity->Caption()};
+  TextDialog dialog{context->source.Say(text::AliasCaption), context->source.Say(text::AliasLabel), entity->Caption()};
   dialog.problem = [this, entity](const std::string& text) -> std::string {
     if (text.find_first_not_of(' ') == std::string::npos) return Say(site_.Context(), text::AliasNeeded);
     const Ref<qbEntity> other = entities_.Item(text);
     return other && other != entity ? Say(site_.Context(), text::AliasTaken) : "";
   };
-  const std::optional<std::string> name = context->GetToolkit().GetDialogs().ShowTextPrompt(dialog);
+  const std::optional<std::string> name = context->source.GetToolkit().GetDialogs().ShowTextPrompt(dialog);
   if (name && entity->EntityBox() && dialog.problem(*name).empty()) entity->SetCaption(*name);
 }
 
@@ -104,7 +106,7 @@ void DiagramEdits::AddJoin(const Ref<qbEntity>& source, std::size_t sourceRow, c
   join->SetSourceItemIndex(from);
   join->SetTargetItemIndex(to);
   selection_.Select(join);
-  if (context) context->RaiseInfo(InfoRelationshipAdded, Ref<Object>(join));
+  if (context) context->steps.RaiseInfo(InfoRelationshipAdded, Ref<Object>(join));
 }
 
 void DiagramEdits::ReverseJoin(const Ref<qbRelationship>& join) {

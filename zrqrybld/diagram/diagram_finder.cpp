@@ -9,7 +9,10 @@
 #include "zrqrybld/diagram/diagram_site.h"
 #include "zrqrybld/diagram/diagram_walk.h"
 #include "zrqrybld/diagram/entities.h"
-#include "zrqrybld/host/query_context.h"
+#include "zrqrybld/host/context_link.h"
+#include "zrqrybld/host/source_context.h"
+#include "zrqrybld/platform/dialogs.h"
+#include "zrqrybld/platform/toolkit.h"
 
 namespace zrqrybld {
 namespace {
@@ -60,12 +63,12 @@ DiagramFinder::Place DiagramFinder::FindName(const std::string& part) const {
 void DiagramFinder::AskAndFind() {
   const Ref<QueryContext> context = site_.Context();
   if (!context) return;
-  TextDialog dialog{context->Say(text::FindCaption), context->Say(text::FindLabel), sought_};
+  TextDialog dialog{context->source.Say(text::FindCaption), context->source.Say(text::FindLabel), sought_};
   dialog.problem = [this, context](const std::string& text) -> std::string {
     if (text.empty()) return " ";
     return FindName(text).entity ? "" : Say(context, text::FindNothing);
   };
-  const std::optional<std::string> part = context->GetToolkit().GetDialogs().ShowTextPrompt(dialog);
+  const std::optional<std::string> part = context->source.GetToolkit().GetDialogs().ShowTextPrompt(dialog);
   if (!part || part->empty()) return;
   sought_ = *part;
   const Place found = FindName(sought_);

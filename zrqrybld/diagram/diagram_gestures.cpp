@@ -12,6 +12,7 @@
 #include "zrqrybld/diagram/diagram_site.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/host/step_names.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 namespace {

@@ -11,7 +11,6 @@
 
 #include "zrqrybld/base/units.h"
 #include "zrqrybld/diagram/diagram_scene.h"
-#include "zrqrybld/platform/input.h"
 #include "zrqrybld/platform/surface.h"
 
 namespace zrqrybld {
@@ -20,8 +19,9 @@ class DiagramCamera;
 class DiagramEdits;
 class DiagramSelection;
 class DiagramSite;
-struct DiagramProperties;
 class qbEntities;
+struct DiagramProperties;
+struct MouseEvent;
 
 class DiagramGestures {
  public:
@@ -137,7 +137,7 @@ class DiagramGestures {
   DiagramCamera& camera_;
   DiagramEdits& edits_;
   Gesture gesture_;
-  std::int32_t button_ = ButtonNone;
+  std::int32_t button_ = 0;  // that the gesture began with; 0 for none
 };
 
 }  // namespace zrqrybld

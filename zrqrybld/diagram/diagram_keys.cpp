@@ -17,6 +17,7 @@
 #include "zrqrybld/diagram/entity.h"
 #include "zrqrybld/diagram/key_join.h"
 #include "zrqrybld/platform/commands.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 namespace {

@@ -4,7 +4,6 @@
 #include <cstdint>
 
 #include "zrqrybld/diagram/diagram_menus.h"
-#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 
@@ -12,6 +11,7 @@ class DiagramFinder;
 class DiagramGestures;
 class DiagramMouse;
 class DiagramWalk;
+struct KeyEvent;
 
 class DiagramKeys {
  public:

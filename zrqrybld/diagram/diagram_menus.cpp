@@ -35,7 +35,8 @@ std::string InMenu(const std::string& name) { return ReplaceAll(name, "&", "&&")
 
 Menu MenuForSurface(const Targets& targets) {
   const Ref<QueryContext> context = targets.site.Context();
-  const CommandGround ground{.connection = context && context->IsConnected(), .tables = targets.entities.Count() > 0};
+  const CommandGround ground{.connection = context && context->source.IsConnected(),
+                             .tables = targets.entities.Count() > 0};
   const auto entry = [&](Command command, std::function<void()> action, bool enabled = true) {
     return EntryFor(context, command, std::move(action), enabled && CanGive(command, ground));
   };
@@ -113,21 +114,22 @@ Menu MenuForColumn(const Targets& targets, const Ref<qbEntity>& entity, const Re
   const Ref<QueryContext> context = targets.site.Context();
   const std::string table = entity->Caption();
   const std::string column = item->Text();
-  const std::optional<ColumnUse> use = context ? context->UseOfColumn(table, column) : std::nullopt;
+  const std::optional<ColumnUse> use = context ? context->design.UseOfColumn(table, column) : std::nullopt;
   const bool all = column == "*";
   MenuEntry sort{Say(targets.site.Context(), text::MenuSort), "", {}, use && !all};
   for (const auto& [name, type] :
        {std::pair{text::MenuAscending, "Ascending"}, {text::MenuDescending, "Descending"}, {text::MenuUnsorted, ""}}) {
-    sort.entries.push_back({Say(context, name), "", [=, type = type] { context->SortByColumn(table, column, type); },
-                            true, use && EqualsNoCase(use->sortType, type)});
+    sort.entries.push_back({Say(context, name), "",
+                            [=, type = type] { context->reports.SortByColumn(table, column, type); }, true,
+                            use && EqualsNoCase(use->sortType, type)});
   }
   MenuEntry group{Say(targets.site.Context(), text::MenuGroup), "", {}, use.has_value()};
   if (use) {
-    for (const Ref<qbDBFunction>& function : *context->DBFunctions()) {
+    for (const Ref<qbDBFunction>& function : *context->source.DBFunctions()) {
       if ((function->Flags() & 1) == 0) continue;
       group.entries.push_back({InMenu(function->DisplayText()), "",
-                               [=, name = function->Name()] { context->GroupColumn(table, column, name); }, true,
-                               EqualsNoCase(use->groupBy, function->DisplayText())});
+                               [=, name = function->Name()] { context->reports.GroupColumn(table, column, name); },
+                               true, EqualsNoCase(use->groupBy, function->DisplayText())});
     }
   }
   return {
@@ -139,7 +141,7 @@ Menu MenuForColumn(const Targets& targets, const Ref<qbEntity>& entity, const Re
        true, item->Checked()},
       std::move(sort),
       std::move(group),
-      {Say(targets.site.Context(), text::MenuAddCriterion), "", [=] { context->GoToCriterion(table, column); },
+      {Say(targets.site.Context(), text::MenuAddCriterion), "", [=] { context->reports.GoToCriterion(table, column); },
        use && !all},
       MenuEntry::Separator(),
       EntryFor(
@@ -158,7 +160,7 @@ MenuEntry KindsOf(const Targets& targets, const Ref<qbRelationship>& join) {
                        const Ref<QueryContext> hub = site.Context();
                        const StepScope step(hub, kStepEditJoin);
                        SetJoinKind(*join, value);
-                       if (hub) hub->QueryChanged();
+                       if (hub) hub->steps.QueryChanged();
                      },
                      true, join->Kind() == value};
   };
@@ -167,7 +169,7 @@ MenuEntry KindsOf(const Targets& targets, const Ref<qbRelationship>& join) {
       kind({}, Say(targets.site.Context(), text::MenuMatchingOnly)),
       kind({.allOfSource = true}, Say(context, {text::MenuAllRowsFrom, InMenu(join->Source()->Caption())})),
       kind({.allOfTarget = true}, Say(context, {text::MenuAllRowsFrom, InMenu(join->Target()->Caption())}))};
-  const bool hasFull = !context || context->HasFullJoin();
+  const bool hasFull = !context || context->design.HasFullJoin();
   MenuEntry full =
       kind({.allOfTarget = true, .allOfSource = true}, Say(targets.site.Context(), text::MenuAllRowsFromBoth));
   full.enabled = hasFull;
@@ -181,8 +183,8 @@ Menu MenuForJoin(const Targets& targets, const Ref<qbRelationship>& join) {
   return {
       KindsOf(targets, join),
       EntryFor(
-          context, Command::OpenSelected, [context, join] { context->RelationshipActivated(join); },
-          context && context->CanEditJoins()),
+          context, Command::OpenSelected, [context, join] { context->reports.RelationshipActivated(join); },
+          context && context->design.CanEditJoins()),
       {Say(targets.site.Context(), text::MenuReverse), "", [&edits, join] { edits.ReverseJoin(join); }},
       MenuEntry::Separator(),
       EntryFor(context, Command::DeleteSelected, [&edits] { edits.DeleteSelected(); }),

@@ -14,7 +14,10 @@
 #include "zrqrybld/diagram/join_line.h"
 #include "zrqrybld/diagram/join_properties.h"
 #include "zrqrybld/diagram/key_join.h"
-#include "zrqrybld/host/query_context.h"
+#include "zrqrybld/host/context_link.h"
+#include "zrqrybld/host/design_reports.h"
+#include "zrqrybld/host/source_context.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 namespace {
@@ -183,7 +186,7 @@ void DiagramMouse::DoubleClick(const MouseEvent& event) {
   selection_.Select(join);
   site_.DblClick.Raise();
   const Ref<QueryContext> context = site_.Context();
-  if (context && join && selection_.Selected() == join) context->RelationshipActivated(join);
+  if (context && join && selection_.Selected() == join) context->reports.RelationshipActivated(join);
 }
 
 void DiagramMouse::DoubleClickBox(const DiagramHit& hit, const MouseEvent& event) {

@@ -10,11 +10,12 @@
 #include "zrqrybld/base/units.h"
 #include "zrqrybld/diagram/diagram_menus.h"
 #include "zrqrybld/diagram/diagram_scene.h"
-#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 
 class DiagramGestures;
+struct MouseEvent;
+struct WheelEvent;
 
 class DiagramMouse {
  public:

@@ -13,7 +13,7 @@
 #include "zrqrybld/diagram/join_line.h"
 #include "zrqrybld/diagram/key_join.h"
 #include "zrqrybld/diagram/source_names.h"
-#include "zrqrybld/host/query_context.h"
+#include "zrqrybld/host/source_context.h"
 #include "zrqrybld/platform/commands.h"
 
 namespace zrqrybld {

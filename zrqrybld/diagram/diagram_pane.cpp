@@ -5,8 +5,14 @@
 #include "zrqrybld/base/texts_diagram.h"
 #include "zrqrybld/diagram/diagram_painter.h"
 #include "zrqrybld/diagram/diagram_parts.h"
+#include "zrqrybld/host/context_link.h"
+#include "zrqrybld/host/design_queries.h"
 #include "zrqrybld/host/query_context.h"
+#include "zrqrybld/host/source_context.h"
+#include "zrqrybld/platform/dialogs.h"
+#include "zrqrybld/platform/input.h"
 #include "zrqrybld/platform/stored_values.h"
+#include "zrqrybld/platform/toolkit.h"
 
 namespace zrqrybld {
 namespace {
@@ -37,8 +43,8 @@ Ref<qbDiagramPane> qbDiagramPane::Create() {
 
 void qbDiagramPane::AboutBox() {
   if (const Ref<QueryContext> context = Context()) {
-    context->GetToolkit().GetDialogs().ShowMessage("zrQryBld\r\n" + context->Say(text::AboutDiagram),
-                                                   MessageIcon::Information);
+    context->source.GetToolkit().GetDialogs().ShowMessage("zrQryBld\r\n" + context->source.Say(text::AboutDiagram),
+                                                          MessageIcon::Information);
   }
 }
 
@@ -53,7 +59,7 @@ Ref<Object> qbDiagramPane::SelectedObject() const { return parts_->selection.Sel
 
 Ref<qbQueryBuilder> qbDiagramPane::QueryBuilder() const {
   const Ref<QueryContext> context = Context();
-  return context ? context->Hub() : nullptr;
+  return context ? context->design.Hub() : nullptr;
 }
 
 // --- Appearance ---

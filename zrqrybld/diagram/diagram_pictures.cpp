@@ -10,8 +10,11 @@
 #include "zrqrybld/diagram/diagram_painter.h"
 #include "zrqrybld/diagram/diagram_properties.h"
 #include "zrqrybld/diagram/diagram_site.h"
-#include "zrqrybld/host/query_context.h"
+#include "zrqrybld/host/context_link.h"
+#include "zrqrybld/host/source_context.h"
+#include "zrqrybld/platform/dialogs.h"
 #include "zrqrybld/platform/svg_canvas.h"
+#include "zrqrybld/platform/toolkit.h"
 
 namespace zrqrybld {
 
@@ -45,7 +48,7 @@ void DiagramPictures::Save(const std::string& path) const {
   }
   const Ref<QueryContext> context = site_.Context();
   if (context) {
-    WriteWholeFile(path, Svg(), context->GetToolkit().Files());
+    WriteWholeFile(path, Svg(), context->source.GetToolkit().Files());
   } else {
     WriteWholeFile(path, Svg());
   }
@@ -54,16 +57,16 @@ void DiagramPictures::Save(const std::string& path) const {
 void DiagramPictures::AskToSave() const {
   const Ref<QueryContext> context = site_.Context();
   if (!context) return;
-  Dialogs& dialogs = context->GetToolkit().GetDialogs();
-  const std::string path =
-      dialogs.ShowSaveFile({context->Say(text::SavePictureCaption),
-                            context->Say(text::PictureFileName),
-                            {{context->Say(text::PngPictures), "png"}, {context->Say(text::SvgPictures), "svg"}}});
+  Dialogs& dialogs = context->source.GetToolkit().GetDialogs();
+  const std::string path = dialogs.ShowSaveFile(
+      {context->source.Say(text::SavePictureCaption),
+       context->source.Say(text::PictureFileName),
+       {{context->source.Say(text::PngPictures), "png"}, {context->source.Say(text::SvgPictures), "svg"}}});
   if (path.empty()) return;
   try {
     Save(path);
   } catch (const Error& error) {
-    dialogs.ShowMessage(context->Say(error), MessageIcon::Critical);
+    dialogs.ShowMessage(context->source.Say(error), MessageIcon::Critical);
   }
 }
 

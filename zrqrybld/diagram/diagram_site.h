@@ -13,9 +13,9 @@
 
 namespace zrqrybld {
 
-class QueryContext;
 class qbEntity;
 class qbEntityItem;
+struct QueryContext;
 
 /// The surface begins this far inside the pane, so that no box sticks to the edge of the window.
 inline constexpr Pixels kSurfaceMargin = 12_px;

@@ -14,7 +14,9 @@
 #include "zrqrybld/diagram/entity.h"
 #include "zrqrybld/diagram/join_line.h"
 #include "zrqrybld/diagram/key_join.h"
-#include "zrqrybld/host/query_context.h"
+#include "zrqrybld/host/context_link.h"
+#include "zrqrybld/host/design_reports.h"
+#include "zrqrybld/host/step_context.h"
 
 namespace zrqrybld {
 namespace {
@@ -112,7 +114,7 @@ void DiagramStage::RowChecked(const qbEntityList& box, const Ref<BoxRow>& row) {
       site_.EntityItemCheck.Raise(entity, item);
       // A listener may have renamed or removed the entity; one that ticked the row again has reported that already.
       if (!context || !entity->EntityBox() || row->Checked() != checked) return;
-      context->ItemChecked(entity->Caption(), row->Text(), checked);
+      context->reports.ItemChecked(entity->Caption(), row->Text(), checked);
     });
   } catch (const std::bad_alloc&) {
     if (!begun) row->TakeTickBack();
@@ -134,10 +136,10 @@ void DiagramStage::ReportTicks(const Ref<qbEntityList>& box) {
     if (from && from->Entity() && context) tell(*context, from->Caption());
   };
   rows.onTickLost = [report](const std::string& text) {
-    report([&](QueryContext& context, const std::string& table) { context.ItemChecked(table, text, false); });
+    report([&](QueryContext& context, const std::string& table) { context.reports.ItemChecked(table, text, false); });
   };
   rows.onRenamed = [report](const std::string& before, const std::string& after) {
-    report([&](QueryContext& context, const std::string& table) { context.ItemRenamed(table, before, after); });
+    report([&](QueryContext& context, const std::string& table) { context.reports.ItemRenamed(table, before, after); });
   };
 }
 
@@ -160,12 +162,12 @@ void DiagramStage::JoinChanged(const Ref<Object>& relationship) {
   }
   scene_.JoinsChanged();
   site_.Refresh();
-  if (const Ref<QueryContext> context = Context()) context->QueryChanged();
+  if (const Ref<QueryContext> context = Context()) context->steps.QueryChanged();
 }
 
 void DiagramStage::JoinRemoved() {
   site_.Refresh();
-  if (const Ref<QueryContext> context = Context()) context->QueryChanged();
+  if (const Ref<QueryContext> context = Context()) context->steps.QueryChanged();
 }
 
 // --- What the model asks besides ---

@@ -10,10 +10,10 @@
 
 namespace zrqrybld {
 
-class QueryContext;
 class qbEntityList;
 class qbLine;
 class qbRelationship;
+struct QueryContext;
 
 class DiagramView {
  public:

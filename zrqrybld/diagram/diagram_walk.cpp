@@ -11,7 +11,8 @@
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/join_line.h"
 #include "zrqrybld/diagram/key_join.h"
-#include "zrqrybld/host/query_context.h"
+#include "zrqrybld/host/context_link.h"
+#include "zrqrybld/host/design_reports.h"
 
 namespace zrqrybld {
 
@@ -74,7 +75,7 @@ bool DiagramWalk::Enter() {
   if (EndKeyJoin()) return true;
   if (const Ref<qbRelationship> join = selection_.Join()) {
     const Ref<QueryContext> context = site_.Context();
-    if (context) context->RelationshipActivated(join);
+    if (context) context->reports.RelationshipActivated(join);
     return true;
   }
   const Ref<qbEntity> entity = selection_.Entity();

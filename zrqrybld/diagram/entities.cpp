@@ -13,6 +13,7 @@
 #include "zrqrybld/diagram/join_line.h"
 #include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/host/query_context.h"
+#include "zrqrybld/platform/toolkit.h"
 
 namespace zrqrybld {
 
@@ -26,7 +27,7 @@ Ref<qbEntity> qbEntities::Add(const std::string& key) {
 
   const Ref<QueryContext> context = view_->Context();
   std::optional<BusyPointer> busy;
-  if (context) busy.emplace(context->GetToolkit());
+  if (context) busy.emplace(context->source.GetToolkit());
   Ref<qbEntity> entity;
   {
     const StepScope step(context, kStepAddTable, key);
@@ -41,14 +42,14 @@ Ref<qbEntity> qbEntities::Add(const std::string& key) {
 void qbEntities::Announce(const Ref<qbEntity>& entity, const std::string& key, const Ref<QueryContext>& context) {
   try {
     EntityAdd.Raise(key);
-    if (context) context->RaiseInfo(InfoTableAdded, Ref<Object>(entity));
+    if (context) context->steps.RaiseInfo(InfoTableAdded, Ref<Object>(entity));
   } catch (...) {
     TakeBack(entity);
     throw;
   }
   if (!context) return;
-  context->EntitiesChanged(Count());
-  context->QueryChanged();
+  context->steps.EntitiesChanged(Count());
+  context->steps.QueryChanged();
 }
 
 // A caption names one table in the statement, where letter case does not count, and none is no name.
@@ -136,9 +137,9 @@ void qbEntities::RemoveWithJoins(const Ref<qbEntity>& entity, const Ref<QueryCon
 
   EntityRemove.Raise(key);
   if (context) {
-    context->EntityRemoved(caption);
-    context->EntitiesChanged(static_cast<std::int32_t>(position));
-    context->QueryChanged();
+    context->reports.EntityRemoved(caption);
+    context->steps.EntitiesChanged(static_cast<std::int32_t>(position));
+    context->steps.QueryChanged();
   }
 }
 
@@ -300,9 +301,9 @@ void qbEntities::Rename(qbEntity& entity, const std::string& caption) {
   entity.EntityBox()->SetCaption(caption);
   if (!view_) return;
   if (const Ref<QueryContext> context = view_->Context()) {
-    context->EntityRenamed(before, caption);
-    context->EntitiesChanged(static_cast<std::int32_t>(position));
-    context->QueryChanged();
+    context->reports.EntityRenamed(before, caption);
+    context->steps.EntitiesChanged(static_cast<std::int32_t>(position));
+    context->steps.QueryChanged();
   }
 }
 

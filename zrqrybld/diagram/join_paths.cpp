@@ -5,15 +5,19 @@
 #include <unordered_set>
 #include <utility>
 
+#include "zrqrybld/base/text.h"
 #include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/entity.h"
 #include "zrqrybld/diagram/source_names.h"
+#include "zrqrybld/host/design_queries.h"
+#include "zrqrybld/host/source_context.h"
 #include "zrqrybld/sql/source_rules.h"
 
 namespace zrqrybld {
 namespace {
 
 constexpr std::size_t kMostPaths = 12;
-constexpr std::size_t kMostAsked = 200;
+constexpr std::size_t kMostTables = 200;
 
 // A table that was reached, and the tables of the step before it, which are nearer to the wanted one.
 struct Reached {
@@ -22,11 +26,25 @@ struct Reached {
 };
 using Reach = std::unordered_map<std::string, Reached>;
 
+// A source that tells foreign keys by table is asked about each, for a way may lead over tables that nobody has named.
+void AskAboutAll(QueryContext& context) {
+  Connection& connection = *context.source.Connection();
+  if (connection.KnowsWholeSource(SchemaKind::ForeignKeys)) return;
+  std::vector<SourceTableName> tables;
+  const auto rows = connection.OpenSchema(SchemaKind::Tables);
+  for (; !rows->Eof() && tables.size() < kMostTables; rows->MoveNext()) {
+    if (EqualsNoCase(rows->Text("TABLE_TYPE"), "TABLE")) {
+      tables.push_back({rows->Text("TABLE_SCHEMA"), rows->Text("TABLE_NAME")});
+    }
+  }
+  for (const SourceTableName& table : tables) context.source.ForeignKeys().Of(connection, table);
+}
+
 std::vector<SourceTableName> NeighboursOf(QueryContext& context, const SourceTableName& table) {
   std::vector<SourceTableName> found;
-  Connection& connection = *context.Connection();
-  for (const ForeignKeyPair& pair : context.ForeignKeys().Of(connection, table)) found.push_back(pair.parent);
-  for (const ForeignKeyPair& pair : context.ForeignKeys().To(connection, table)) found.push_back(pair.child);
+  Connection& connection = *context.source.Connection();
+  for (const ForeignKeyPair& pair : context.source.ForeignKeys().Of(connection, table)) found.push_back(pair.parent);
+  for (const ForeignKeyPair& pair : context.source.ForeignKeys().To(connection, table)) found.push_back(pair.child);
   return found;
 }
 
@@ -49,8 +67,8 @@ void CollectPaths(const Reach& reach, const std::string& at, const NameRules& ru
 }  // namespace
 
 std::vector<JoinPath> PathsTo(QueryContext& context, const SourceTableName& table) {
-  const Ref<qbEntities> entities = context.Entities();
-  if (!entities || entities->Count() == 0 || !context.IsConnected()) return {};
+  const Ref<qbEntities> entities = context.design.Entities();
+  if (!entities || entities->Count() == 0 || !context.source.IsConnected()) return {};
   const NameRules rules = CurrentNameRules(context);
   std::unordered_map<std::string, std::string> captions;  // of the diagram's tables, by folded name
   for (const Ref<qbEntity>& entity : *entities) {
@@ -59,10 +77,11 @@ std::vector<JoinPath> PathsTo(QueryContext& context, const SourceTableName& tabl
   const std::string wanted = FoldedName(table);
   if (captions.contains(wanted)) return {};
 
+  AskAboutAll(context);
   Reach reach{{wanted, {table, {}}}};
   std::vector<std::string> step{wanted};
   std::vector<std::string> met;  // tables of the diagram
-  while (!step.empty() && met.empty() && reach.size() <= kMostAsked) {
+  while (!step.empty() && met.empty() && reach.size() <= kMostTables) {
     Reach next;
     for (const std::string& name : step) {
       std::unordered_set<std::string> seen;  // several columns may link two tables

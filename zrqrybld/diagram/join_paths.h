@@ -4,8 +4,9 @@
 #include <string>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
+#include "zrqrybld/host/context_link.h"
 #include "zrqrybld/host/foreign_keys.h"
-#include "zrqrybld/host/query_context.h"
 
 namespace zrqrybld {
 
@@ -17,8 +18,9 @@ struct JoinPath {
 };
 
 /// The shortest ways to the table, all of the same length, in the order of their names; at most twelve. None when the
-/// table is linked to none of the diagram, when it is there already, or when the source tells no foreign keys. Of
-/// sources that tell foreign keys table by table, at most 200 tables are asked about. Errors are the source's own.
-std::vector<JoinPath> PathsTo(QueryContext& context, const SourceTableName& table);
+/// table is linked to none of the diagram, when it is there already, or when the source tells no foreign keys. At
+/// most 200 tables are walked over, and a source that tells foreign keys by table is asked about as many. Errors are
+/// the source's own.
+ZRQRYBLD_API std::vector<JoinPath> PathsTo(QueryContext& context, const SourceTableName& table);
 
 }  // namespace zrqrybld

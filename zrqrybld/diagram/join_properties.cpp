@@ -6,6 +6,12 @@
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_diagram.h"
 #include "zrqrybld/diagram/entity.h"
+#include "zrqrybld/host/context_link.h"
+#include "zrqrybld/host/design_queries.h"
+#include "zrqrybld/host/language_ids.h"
+#include "zrqrybld/host/source_context.h"
+#include "zrqrybld/platform/dialogs.h"
+#include "zrqrybld/platform/toolkit.h"
 
 namespace zrqrybld {
 namespace {
@@ -55,7 +61,7 @@ bool EditJoin(QueryContext& context, qbRelationship& relationship) {
   const Ref<qbEntity> target = relationship.Target();
   if (!source || !target) return false;
   const auto text = [&](LanguageIDEnum id) {
-    return NameTables(context.GetLanguageString(id), target->Caption(), source->Caption());
+    return NameTables(context.source.GetLanguageString(id), target->Caption(), source->Caption());
   };
   JoinDialog dialog;
   dialog.caption = text(LanguageJoinCaption);
@@ -69,12 +75,13 @@ bool EditJoin(QueryContext& context, qbRelationship& relationship) {
   dialog.table1 = target->Caption();
   dialog.table2 = source->Caption();
   dialog.describe = [&](bool all1, bool all2) {
-    return context.Say(DescribeJoin(source->Caption(), target->Caption(), {.allOfTarget = all1, .allOfSource = all2}));
+    return context.source.Say(
+        DescribeJoin(source->Caption(), target->Caption(), {.allOfTarget = all1, .allOfSource = all2}));
   };
   dialog.warning = [&](bool all1, bool all2) {
-    return all1 && all2 && !context.HasFullJoin() ? context.Say(text::NoFullJoin) : std::string();
+    return all1 && all2 && !context.design.HasFullJoin() ? context.source.Say(text::NoFullJoin) : std::string();
   };
-  if (!context.GetToolkit().GetDialogs().ShowJoinProperties(dialog)) return false;
+  if (!context.source.GetToolkit().GetDialogs().ShowJoinProperties(dialog)) return false;
   SetJoinKind(relationship, {.allOfTarget = dialog.table1Checked, .allOfSource = dialog.table2Checked});
   return true;
 }

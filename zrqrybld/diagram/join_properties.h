@@ -5,9 +5,10 @@
 
 #include "zrqrybld/base/phrase.h"
 #include "zrqrybld/diagram/relationship.h"
-#include "zrqrybld/host/query_context.h"
 
 namespace zrqrybld {
+
+struct QueryContext;
 
 /// What a join of this kind returns, in words: "All rows from Orders, and the matching rows from Customers."
 Phrase DescribeJoin(const std::string& source, const std::string& target, JoinKind kind);

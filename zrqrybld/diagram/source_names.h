@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/diagram/entity.h"
 #include "zrqrybld/host/foreign_keys.h"
 #include "zrqrybld/sql/names.h"
@@ -28,7 +29,7 @@ std::vector<Identifier> SourceName(const qbEntity& entity, std::vector<Identifie
 
 /// The table as the source's own rows name it, in whatever spelling, and with whatever schema, it was asked for. What
 /// the source told counts, as long as the entity's `TagVariant` still means that table.
-SourceTableName TableInSource(const qbEntity& entity, const NameRules& rules);
+ZRQRYBLD_API SourceTableName TableInSource(const qbEntity& entity, const NameRules& rules);
 
 /// How many bytes at the beginning of the caption say the table's schema, its separator included; 0 where the caption
 /// is not the name that the source knows.

@@ -9,7 +9,12 @@
 #include "zrqrybld/diagram/auto_joins.h"
 #include "zrqrybld/diagram/source_names.h"
 #include "zrqrybld/host/connection_info.h"
+#include "zrqrybld/host/language_ids.h"
+#include "zrqrybld/host/query_context.h"
+#include "zrqrybld/platform/database.h"
+#include "zrqrybld/platform/dialogs.h"
 #include "zrqrybld/platform/schema_fields.h"
+#include "zrqrybld/platform/toolkit.h"
 #include "zrqrybld/sql/source_rules.h"
 
 namespace zrqrybld {
@@ -55,9 +60,9 @@ TypeKind KindOfType(std::int32_t code) {
 // The first copy keeps its separators; later copies lose them, so that a number can follow.
 std::string TablePicker::FreshKey(const std::string& tableName) const {
   const std::string name = IsTextSource(*context_) ? ReplaceAll(tableName, ".", "_") : tableName;
-  const Ref<qbEntities> entities = context_->Entities();
+  const Ref<qbEntities> entities = context_->design.Entities();
   if (!entities->Item(name)) return name;
-  const std::optional<std::string> separator = context_->Properties()->FindText("SCHEMA_SEPARATOR");
+  const std::optional<std::string> separator = context_->source.Properties()->FindText("SCHEMA_SEPARATOR");
   const std::string stem = separator ? ReplaceAll(name, *separator, "_") : name;
   for (int copy = 1;; ++copy) {
     std::string key = stem + std::to_string(copy);
@@ -66,10 +71,10 @@ std::string TablePicker::FreshKey(const std::string& tableName) const {
 }
 
 Ref<qbEntity> TablePicker::AddTable(const std::string& tableName) {
-  if (!context_->Entities()) return nullptr;
+  if (!context_->design.Entities()) return nullptr;
   Ref<qbEntity> entity;
-  const BusyPointer busy(context_->GetToolkit());
-  context_->RunOperation(
+  const BusyPointer busy(context_->source.GetToolkit());
+  context_->steps.RunOperation(
       kStepAddTable, InfoRetrieveTableInfo,
       [&] {
         try {
@@ -83,13 +88,13 @@ Ref<qbEntity> TablePicker::AddTable(const std::string& tableName) {
 }
 
 Ref<qbEntity> TablePicker::MakeEntity(const std::string& tableName) {
-  const Ref<qbEntities> entities = context_->Entities();
+  const Ref<qbEntities> entities = context_->design.Entities();
   const Ref<qbEntity> entity = entities->Add(FreshKey(tableName));
-  if (!entity || !context_->IsConnected()) return entity;
+  if (!entity || !context_->source.IsConnected()) return entity;
   entity->SetTagVariant(tableName);
   entity->Items()->Add("*", "*");
   try {
-    context_->RaiseInfo(InfoRetrieveTableInfo, Ref<Object>(entity));
+    context_->steps.RaiseInfo(InfoRetrieveTableInfo, Ref<Object>(entity));
   } catch (...) {
     entities->TakeBack(entity);
     throw;
@@ -123,12 +128,12 @@ TablePicker::FoundTable TablePicker::FindTable(const std::string& tableName) {
   }
   const bool namesTable = found.restrictions.table.has_value();
   if (namesTable) {
-    found.row = context_->Connection()->OpenSchema(SchemaKind::Tables, found.restrictions);
+    found.row = context_->source.Connection()->OpenSchema(SchemaKind::Tables, found.restrictions);
     if (!found.row->Eof() || (parts.size() == 1 && parts.front().Name() == tableName)) return found;
   }
   FoundTable whole;
   whole.restrictions.table = tableName;
-  whole.row = context_->Connection()->OpenSchema(SchemaKind::Tables, whole.restrictions);
+  whole.row = context_->source.Connection()->OpenSchema(SchemaKind::Tables, whole.restrictions);
   if (!whole.row->Eof()) return whole;
   if (std::optional<FoundTable> listed = FindListed(tableName)) return *std::move(listed);
   return namesTable ? std::move(found) : std::move(whole);
@@ -144,7 +149,7 @@ std::optional<TablePicker::FoundTable> TablePicker::FindListed(const std::string
     listed.restrictions.schema = tableName.substr(0, place);
     listed.restrictions.table = tableName.substr(place + separator.size());
     if (listed.restrictions.schema->empty() || listed.restrictions.table->empty()) continue;
-    listed.row = context_->Connection()->OpenSchema(SchemaKind::Tables, listed.restrictions);
+    listed.row = context_->source.Connection()->OpenSchema(SchemaKind::Tables, listed.restrictions);
     if (!listed.row->Eof()) return listed;
   }
   return std::nullopt;
@@ -152,6 +157,11 @@ std::optional<TablePicker::FoundTable> TablePicker::FindListed(const std::string
 
 bool TablePicker::HasTable(const std::string& tableName) {
   return !tableName.empty() && !FindTable(tableName).row->Eof();
+}
+
+bool TablePicker::HasTableSpelled(const std::string& tableName, const std::string& ownName) {
+  const FoundTable table = FindTable(tableName);
+  return !table.row->Eof() && table.row->Text("TABLE_NAME") == ownName;
 }
 
 std::optional<std::vector<SourceColumn>> TablePicker::ReadColumns(const std::string& tableName) {
@@ -175,8 +185,8 @@ std::optional<std::vector<SourceColumn>> TablePicker::ReadColumnsAndKeys(const s
 
 std::vector<SourceColumn> TablePicker::ReadColumns(const SchemaRestrictions& table) {
   std::map<std::int32_t, SourceColumn> columns;
-  const bool byOrdinal = context_->RetrieveFieldOrder() == FieldOrderOrdinal;
-  const auto rows = context_->Connection()->OpenSchema(SchemaKind::Columns, table);
+  const bool byOrdinal = context_->design.RetrieveFieldOrder() == FieldOrderOrdinal;
+  const auto rows = context_->source.Connection()->OpenSchema(SchemaKind::Columns, table);
   for (; !rows->Eof(); rows->MoveNext()) {
     const auto next = static_cast<std::int32_t>(columns.size()) + 1;
     const Variant ordinal = rows->Value("ORDINAL_POSITION");
@@ -203,7 +213,7 @@ void TablePicker::AddColumns(qbEntity& entity, const SchemaRestrictions& table) 
     item->Properties()->Add(column.type, "data_type");
     item->Properties()->Add(column.isLong, "is_long");
     item->SetKind(KindOfType(column.type));
-    const Ref<qbDataType> type = context_->DataTypes()->FindByIndicatorLong(column.type, column.isLong);
+    const Ref<qbDataType> type = context_->source.DataTypes()->FindByIndicatorLong(column.type, column.isLong);
     if (!type) continue;
     entity.EntityBox()->Rows().At(static_cast<std::size_t>(item->Index()))->SetDataTypeName(type->Name);
     item->SetToolTipText(column.name + ": " + type->Name);
@@ -213,7 +223,7 @@ void TablePicker::AddColumns(qbEntity& entity, const SchemaRestrictions& table) 
 std::vector<std::string> TablePicker::ReadKeyColumns(const SchemaRestrictions& table) {
   std::vector<std::string> keys;
   try {
-    const auto rows = context_->Connection()->OpenSchema(SchemaKind::PrimaryKeys, table);
+    const auto rows = context_->source.Connection()->OpenSchema(SchemaKind::PrimaryKeys, table);
     for (; !rows->Eof(); rows->MoveNext()) keys.push_back(rows->Text("COLUMN_NAME"));
   } catch (const Error& error) {
     if (error.Number() != ErrorSchemaNotSupported) throw;
@@ -230,7 +240,7 @@ void TablePicker::MarkPrimaryKeys(qbEntity& entity, const SchemaRestrictions& ta
 std::vector<ListedTable> TablePicker::ReadTables() {
   std::vector<ListedTable> tables;
   const NameRules rules = CurrentNameRules(*context_);
-  const auto rows = context_->Connection()->OpenSchema(SchemaKind::Tables);
+  const auto rows = context_->source.Connection()->OpenSchema(SchemaKind::Tables);
   for (; !rows->Eof(); rows->MoveNext()) {
     const std::string type = UpperAscii(rows->Text("TABLE_TYPE"));
     if (type != "TABLE" && type != "VIEW") continue;
@@ -252,11 +262,11 @@ TableLists TablePicker::ListTables() {
 void TablePicker::ShowTables() {
   TableLists lists = ListTables();
   TablesDialog dialog;
-  dialog.caption = context_->GetLanguageString(LanguageTableCaption);
-  dialog.tablesTab = context_->GetLanguageString(LanguageTableTables);
-  dialog.viewsTab = context_->GetLanguageString(LanguageTableViews);
-  dialog.addButton = context_->GetLanguageString(LanguageTableAddButton);
-  dialog.closeButton = context_->GetLanguageString(LanguageTableCloseButton);
+  dialog.caption = context_->source.GetLanguageString(LanguageTableCaption);
+  dialog.tablesTab = context_->source.GetLanguageString(LanguageTableTables);
+  dialog.viewsTab = context_->source.GetLanguageString(LanguageTableViews);
+  dialog.addButton = context_->source.GetLanguageString(LanguageTableAddButton);
+  dialog.closeButton = context_->source.GetLanguageString(LanguageTableCloseButton);
   dialog.tables = std::move(lists.tables);
   dialog.views = std::move(lists.views);
   dialog.add = [this](const std::vector<std::string>& names, const TablesDialog::Progress& progress) {
@@ -267,18 +277,18 @@ void TablePicker::ShowTables() {
         if (progress) progress(count);
       });
     } catch (const Error& error) {
-      context_->GetToolkit().GetDialogs().ShowMessage(context_->Say(error), MessageIcon::Critical);
+      context_->source.GetToolkit().GetDialogs().ShowMessage(context_->source.Say(error), MessageIcon::Critical);
     }
     return added;
   };
-  context_->GetToolkit().GetDialogs().ShowTables(dialog);
+  context_->source.GetToolkit().GetDialogs().ShowTables(dialog);
 }
 
 void TablePicker::AddTables(const std::vector<std::string>& names, const TablesDialog::Progress& progress) {
   const bool one = names.size() == 1;
   const auto add = [&] {
-    context_->RaiseInfo(InfoAddTables, static_cast<std::int32_t>(names.size()));
-    const Ref<qbEntities> entities = context_->Entities();
+    context_->steps.RaiseInfo(InfoAddTables, static_cast<std::int32_t>(names.size()));
+    const Ref<qbEntities> entities = context_->design.Entities();
     std::int32_t whole = entities ? entities->Count() : 0;
     try {
       for (std::size_t i = 0; i < names.size(); ++i) {
@@ -298,7 +308,8 @@ void TablePicker::AddTables(const std::vector<std::string>& names, const TablesD
     }
     RefreshRelationships(context_);
   };
-  context_->RunOperation(one ? kStepAddTable : kStepAddTables, InfoAddTables, add, one ? names.front() : std::string());
+  context_->steps.RunOperation(one ? kStepAddTable : kStepAddTables, InfoAddTables, add,
+                               one ? names.front() : std::string());
 }
 
 }  // namespace zrqrybld

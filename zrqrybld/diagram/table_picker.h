@@ -9,11 +9,16 @@
 #include <string>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/diagram/entities.h"
-#include "zrqrybld/host/query_context.h"
+#include "zrqrybld/host/foreign_keys.h"
+#include "zrqrybld/platform/database.h"
+#include "zrqrybld/platform/dialogs.h"
 
 namespace zrqrybld {
+
+struct QueryContext;
 
 /// The tables and views of the data source, as the picker lists them: with the schema in front where
 /// the source has schemas.
@@ -40,7 +45,7 @@ struct SourceColumn {
 /// What a column of this type shows in its box; `code` is a `DataTypeCode`.
 TypeKind KindOfType(std::int32_t code);
 
-class TablePicker {
+class ZRQRYBLD_API TablePicker {
  public:
   explicit TablePicker(Ref<QueryContext> context) : context_(std::move(context)) {}
 
@@ -56,6 +61,8 @@ class TablePicker {
 
   /// Whether the source has a table or view with this name. Errors are the source's own.
   bool HasTable(const std::string& tableName);
+  /// The same, where the source itself spells the table's own name in these letters.
+  bool HasTableSpelled(const std::string& tableName, const std::string& ownName);
 
   /// The columns of a table in their order, without one called "*", which no grid row could tell from all columns; none
   /// when the source has no such table. Errors are the source's own.

@@ -7,6 +7,9 @@
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_expression.h"
 #include "zrqrybld/expression/schema_cache.h"
+#include "zrqrybld/host/context_link.h"
+#include "zrqrybld/host/design_queries.h"
+#include "zrqrybld/host/source_context.h"
 #include "zrqrybld/sql/query_snapshot.h"
 #include "zrqrybld/sql/source_rules.h"
 
@@ -30,7 +33,7 @@ void frmExpressionBuilder::AddGroup(Group group) {
 
 void frmExpressionBuilder::AddTables() {
   const Ref<QueryContext> context = Context();
-  const std::shared_ptr<SchemaCache> facts = context->Schema();
+  const std::shared_ptr<SchemaCache> facts = context->design.Schema();
   facts->Refresh();
   const NameRules names = CurrentNameRules(*context);
   for (const QueryTableFacts& table : facts->QueryTables()) {
@@ -45,9 +48,9 @@ void frmExpressionBuilder::AddTables() {
 
 void frmExpressionBuilder::AddWords() {
   Vocabulary words = ReadVocabulary(*Context());
-  AddMarkers(words, QueryMarkers(Context()->Snapshot()), Context()->Say(text::InUse));
+  AddMarkers(words, QueryMarkers(Context()->design.Snapshot()), Context()->source.Say(text::InUse));
   const auto add = [this](TextId name, const std::vector<VocabularyWord>& entries, const auto& fits) {
-    Group group{Context()->Say(name), {}};
+    Group group{Context()->source.Say(name), {}};
     for (const VocabularyWord& entry : entries) {
       if (!fits(entry)) continue;
       std::string hint = entry.description;

@@ -11,6 +11,7 @@
 
 #include "zrqrybld/base/export.h"
 #include "zrqrybld/expression/expression_zoom.h"
+#include "zrqrybld/host/language_ids.h"
 
 namespace zrqrybld {
 

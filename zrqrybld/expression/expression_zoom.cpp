@@ -2,6 +2,8 @@
 
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/host/context_link.h"
+#include "zrqrybld/host/source_context.h"
 #include "zrqrybld/sql/lexer.h"
 #include "zrqrybld/sql/statement_parser.h"
 

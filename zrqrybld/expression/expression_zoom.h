@@ -12,9 +12,11 @@
 #include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/expression/intelli_list.h"
-#include "zrqrybld/host/query_context.h"
+#include "zrqrybld/host/language_ids.h"
 
 namespace zrqrybld {
+
+struct QueryContext;
 
 /// Why an expression cannot be read, and where, in bytes from 0.
 struct ExpressionFault {

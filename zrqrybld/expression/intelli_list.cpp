@@ -6,6 +6,10 @@
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_expression.h"
 #include "zrqrybld/expression/schema_cache.h"
+#include "zrqrybld/host/context_link.h"
+#include "zrqrybld/host/design_queries.h"
+#include "zrqrybld/host/source_context.h"
+#include "zrqrybld/platform/input.h"
 #include "zrqrybld/sql/parameters.h"
 #include "zrqrybld/sql/query_snapshot.h"
 #include "zrqrybld/sql/source_rules.h"
@@ -33,17 +37,17 @@ Ref<qbIntelliList> qbIntelliList::Create(const Ref<QueryContext>& context, Edite
 void qbIntelliList::Prepare() {
   const Ref<QueryContext> context = context_.lock();
   if (!context) return;
-  context->Schema()->Refresh();
-  markers_ = QueryMarkers(context->Snapshot());
+  context->design.Schema()->Refresh();
+  markers_ = QueryMarkers(context->design.Snapshot());
 }
 
 SuggestionList qbIntelliList::Ask(std::string_view text, std::size_t caret) {
   const Ref<QueryContext> context = context_.lock();
   if (!context) return {};
-  const std::shared_ptr<SchemaCache> facts = context->Schema();
+  const std::shared_ptr<SchemaCache> facts = context->design.Schema();
   facts->Refresh();
   Vocabulary words = ReadVocabulary(*context);
-  const std::string inUse = context->Say(text::InUse);
+  const std::string inUse = context->source.Say(text::InUse);
   AddMarkers(words, markers_, inUse);
   // A marker that the caret stands in is not complete.
   AddMarkers(words, ParameterMarkers(text.substr(0, caret)), inUse);

@@ -15,11 +15,11 @@
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/expression/placeholders.h"
 #include "zrqrybld/expression/suggestions.h"
-#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 
-class QueryContext;
+struct KeyEvent;
+struct QueryContext;
 
 /// A piece of text that takes the place of another; ranges count bytes, those of the fields in the new piece.
 struct TextReplacement {

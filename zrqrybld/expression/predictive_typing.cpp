@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "zrqrybld/base/scoped_value.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 namespace {

@@ -13,9 +13,10 @@
 #include "zrqrybld/base/event.h"
 #include "zrqrybld/base/export.h"
 #include "zrqrybld/expression/intelli_list.h"
-#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
+
+struct KeyEvent;
 
 /// An editor as predictive text sees it. All places are bytes of its text.
 class SuggestedText {

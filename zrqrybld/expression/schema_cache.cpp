@@ -6,8 +6,15 @@
 #include <utility>
 
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/base/variant.h"
+#include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/source_names.h"
+#include "zrqrybld/host/context_link.h"
+#include "zrqrybld/host/design_queries.h"
+#include "zrqrybld/host/source_context.h"
+#include "zrqrybld/platform/database.h"
 #include "zrqrybld/platform/schema_fields.h"
+#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/parameters.h"
 #include "zrqrybld/sql/query_snapshot.h"
 #include "zrqrybld/sql/source_rules.h"
@@ -39,25 +46,25 @@ constexpr std::int32_t kGroupingChoice = 2;  // of a function's flags: only the 
 Vocabulary ReadVocabulary(const QueryContext& context) {
   Vocabulary words;
   const auto syntaxOf = [](const auto& entry) { return entry.Syntax().empty() ? entry.Name() : entry.Syntax(); };
-  for (const Ref<qbDBFunction>& entry : *context.DBFunctions()) {
+  for (const Ref<qbDBFunction>& entry : *context.source.DBFunctions()) {
     if ((entry->Flags() & kGroupingChoice) != 0) continue;
     auto& list = entry->Name().starts_with('?') ? words.parameters : words.functions;
     list.push_back({entry->Name(), syntaxOf(*entry), entry->Description(), (entry->Flags() & 1) != 0, false});
   }
-  for (const Ref<qbDBOperator>& entry : *context.DBOperators()) {
+  for (const Ref<qbDBOperator>& entry : *context.source.DBOperators()) {
     const bool condition = (entry->Flags() & (SQLOperatorComparison | SQLOperatorLogical)) != 0;
     words.operators.push_back({entry->Name(), syntaxOf(*entry), entry->Description(), false, condition});
   }
   // A sign that joins texts; a call that does is a function.
-  const std::string concatenation(context.CurrentDialect().concatenation);
+  const std::string concatenation(context.design.CurrentDialect().concatenation);
   const bool isSign = !concatenation.empty() && concatenation.find('(') == std::string::npos;
-  if (isSign && !context.DBOperators()->FindByName(concatenation)) {
+  if (isSign && !context.source.DBOperators()->FindByName(concatenation)) {
     words.operators.push_back({concatenation, concatenation, {}, false, false});
   }
-  for (const Ref<qbDBKeyword>& entry : *context.DBKeywords()) {
+  for (const Ref<qbDBKeyword>& entry : *context.source.DBKeywords()) {
     words.keywords.push_back({entry->Name(), entry->Name(), entry->Description(), false, false});
   }
-  words.fullJoin = context.HasFullJoin();
+  words.fullJoin = context.design.HasFullJoin();
   return words;
 }
 
@@ -92,7 +99,7 @@ void SchemaCache::Clear() {
 }
 
 void SchemaCache::Refresh() {
-  const Ref<Connection> source = context_.IsConnected() ? context_.Connection() : nullptr;
+  const Ref<Connection> source = context_.source.IsConnected() ? context_.source.Connection() : nullptr;
   if (!source) {
     Clear();
   } else if (source_.lock() != source || sourceText_ != source->ConnectionString()) {
@@ -105,7 +112,7 @@ void SchemaCache::Refresh() {
 }
 
 void SchemaCache::ReadTables() {
-  const auto rows = context_.Connection()->OpenSchema(SchemaKind::Tables);
+  const auto rows = context_.source.Connection()->OpenSchema(SchemaKind::Tables);
   for (; !rows->Eof(); rows->MoveNext()) {
     const std::string type = UpperAscii(rows->Text("TABLE_TYPE"));
     if (type != "TABLE" && type != "VIEW") continue;
@@ -124,7 +131,7 @@ void SchemaCache::ReadTables() {
 
 // What was read on connecting need not be read again. It bears no schema: a name that is there twice stays unknown.
 void SchemaCache::TakeKnownColumns() {
-  for (const SourceTable& known : context_.SourceTables()) {
+  for (const SourceTable& known : context_.source.SourceTables()) {
     const auto found = byName_.find(FoldCase(known.name));
     if (found == byName_.end() || found->second.size() != 1) continue;
     std::vector<ColumnFacts>& columns = found->second.front()->columns;
@@ -157,7 +164,7 @@ void SchemaCache::Read(Known& table) {
 }
 
 void SchemaCache::ReadColumns(Known& table) {
-  const auto rows = context_.Connection()->OpenSchema(SchemaKind::Columns, {{}, table.schema, table.name});
+  const auto rows = context_.source.Connection()->OpenSchema(SchemaKind::Columns, {{}, table.schema, table.name});
   std::vector<ColumnFacts> columns;
   for (; !rows->Eof(); rows->MoveNext()) {
     const Variant flags = rows->Value("COLUMN_FLAGS");
@@ -171,7 +178,7 @@ void SchemaCache::ReadColumns(Known& table) {
 // one, where keys have no names.
 void SchemaCache::ReadForeignKeys(Known& table) {
   std::map<std::string, std::size_t> keys;
-  const auto rows = context_.Connection()->OpenSchema(SchemaKind::ForeignKeys, {{}, table.schema, table.name});
+  const auto rows = context_.source.Connection()->OpenSchema(SchemaKind::ForeignKeys, {{}, table.schema, table.name});
   for (; !rows->Eof(); rows->MoveNext()) {
     const std::string parent = rows->Text("PK_TABLE_NAME");
     const std::string name = rows->Text("FK_NAME");
@@ -189,7 +196,7 @@ void SchemaCache::ReadForeignKeys(Known& table) {
 
 std::string SchemaCache::TypeName(const Variant& type, bool isLong) const {
   if (type.IsBlank()) return {};
-  const Ref<qbDataType> found = context_.DataTypes()->FindByIndicatorLong(type.ToInt32(), isLong);
+  const Ref<qbDataType> found = context_.source.DataTypes()->FindByIndicatorLong(type.ToInt32(), isLong);
   return found ? found->Name : std::string();
 }
 
@@ -198,7 +205,7 @@ std::string SchemaCache::TypeName(const Variant& type, bool isLong) const {
 void SchemaCache::TakeQueryTables() {
   queryTables_.clear();
   std::erase_if(entities_, [](const auto& taken) { return taken.second.entity.expired(); });
-  const Ref<qbEntities> entities = context_.Entities();
+  const Ref<qbEntities> entities = context_.design.Entities();
   if (!entities) return;
   const NameRules rules = CurrentNameRules(context_);
   for (const Ref<qbEntity>& entity : *entities) {

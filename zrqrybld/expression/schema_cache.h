@@ -9,12 +9,17 @@
 #include <unordered_map>
 #include <vector>
 
-#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/base/object.h"
 #include "zrqrybld/expression/source_facts.h"
 #include "zrqrybld/expression/vocabulary.h"
-#include "zrqrybld/host/query_context.h"
 
 namespace zrqrybld {
+
+class Connection;
+class Variant;
+class qbEntity;
+struct QueryContext;
+struct QuerySnapshot;
 
 /// The words of the catalogs as they are now.
 Vocabulary ReadVocabulary(const QueryContext& context);

@@ -1,5 +1,7 @@
 // What the grid pane does when cells change, by the user or by program: row and diagram follow each other.
 #include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/host/context_link.h"
+#include "zrqrybld/host/step_context.h"
 
 namespace zrqrybld {
 namespace {
@@ -70,7 +72,7 @@ void qbGridPane::BatchChanged(GridWork kind, bool begins) {
     batches_.push_back(rows_.Context());
     try {
       if (batches_.back())
-        batches_.back()->BeginStep(kNames[static_cast<std::size_t>(kind)], CaptionOf(grdPane_->Column()));
+        batches_.back()->steps.BeginStep(kNames[static_cast<std::size_t>(kind)], CaptionOf(grdPane_->Column()));
     } catch (...) {
       batches_.pop_back();
       throw;
@@ -81,7 +83,7 @@ void qbGridPane::BatchChanged(GridWork kind, bool begins) {
   const Ref<QueryContext> context = batches_.back();
   batches_.pop_back();
   rows_.EnsureEmptyLast();
-  if (context) context->EndStep();
+  if (context) context->steps.EndStep();
 }
 
 }  // namespace zrqrybld

@@ -3,6 +3,8 @@
 #include <new>
 #include <utility>
 
+#include "zrqrybld/platform/input.h"
+
 namespace zrqrybld {
 
 CellEditing::~CellEditing() { suggestions_.reset(); }

@@ -1,6 +1,7 @@
 #include "zrqrybld/grid/cell_editor.h"
 
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 

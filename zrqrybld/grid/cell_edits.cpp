@@ -1,6 +1,12 @@
 // What the grid pane does after a cell was edited, in place or in a window.
 #include "zrqrybld/expression/expression_builder.h"
 #include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/host/context_link.h"
+#include "zrqrybld/host/source_context.h"
+#include "zrqrybld/host/step_context.h"
+#include "zrqrybld/platform/dialogs.h"
+#include "zrqrybld/platform/toolkit.h"
+#include "zrqrybld/sql/criteria_context.h"
 #include "zrqrybld/sql/criteria_formatter.h"
 
 namespace zrqrybld {
@@ -78,7 +84,7 @@ void qbGridPane::EditInWindow(bool builder) {
     form->SetReader([](std::string_view) {});  // a name, or a choice
   }
   ExpressionDialog dialog{form->Caption(), RowReader(*cells).Text(static_cast<std::size_t>(column)), form};
-  if (!context->GetToolkit().GetDialogs().ShowExpression(dialog) || cells->Index() == 0) return;
+  if (!context->source.GetToolkit().GetDialogs().ShowExpression(dialog) || cells->Index() == 0) return;
   SetCellAsEdit(cells->Index(), column, dialog.text);
 }
 

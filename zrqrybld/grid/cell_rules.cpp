@@ -8,7 +8,14 @@
 #include "zrqrybld/base/texts_grid.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/grid/field_rows.h"
+#include "zrqrybld/host/context_link.h"
+#include "zrqrybld/host/design_queries.h"
+#include "zrqrybld/host/source_context.h"
+#include "zrqrybld/platform/dialogs.h"
+#include "zrqrybld/platform/toolkit.h"
+#include "zrqrybld/sql/criteria_context.h"
 #include "zrqrybld/sql/criteria_formatter.h"
+#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/source_rules.h"
 
 namespace zrqrybld {
@@ -53,7 +60,7 @@ void CellRules::Complain(const Edit& edit, const std::string& text, MessageIcon 
   RowWriter(edit.row).SetHint(static_cast<std::size_t>(edit.column), text);
   const Ref<QueryContext> context = rows_.Context();
   if (!context || std::exchange(complained_, true)) return;
-  context->GetToolkit().GetDialogs().ShowMessageSoon(text, icon);
+  context->source.GetToolkit().GetDialogs().ShowMessageSoon(text, icon);
 }
 
 // --- Column and table ---
@@ -70,7 +77,7 @@ void CellRules::ColumnEdited(const Edit& edit) {
   if (entity && !FindItemExactly(*entity, typed.column) && entity->Items()->Count() > 1) {
     const bool isName = std::ranges::all_of(typed.column, [](char c) { return IsWordByte(c) || c == ' '; });
     if (isName) {
-      writer.SetHint(kColumnColumn, context->Say({text::TableHasNoColumn, typed.table, typed.column}));
+      writer.SetHint(kColumnColumn, context->source.Say({text::TableHasNoColumn, typed.table, typed.column}));
     } else {
       writer.SetText(kColumnTable, "");  // an expression stands for itself, not for a column of the table
     }
@@ -132,7 +139,7 @@ void CellRules::FillTables(std::int32_t from) {
 
 bool CellRules::WritesNullsPlace() const {
   const Ref<QueryContext> context = rows_.Context();
-  return context && context->CurrentDialect().hasNullsPlace;
+  return context && context->design.CurrentDialect().hasNullsPlace;
 }
 
 // The usual three, and what an application has added, stay as they are.
@@ -214,9 +221,9 @@ CriteriaContext CellRules::CriteriaOf(const QueryContext& context, const zrGridR
   const FieldName field = FieldOf(row);
   const Ref<qbEntities> entities = rows_.Entities();
   const Ref<qbEntity> entity = entities ? entities->FindExactly(field.table) : nullptr;
-  const SnapshotType type = entity ? TypeOfColumn(*entity, field.column, *context.DataTypes()) : SnapshotType{};
+  const SnapshotType type = entity ? TypeOfColumn(*entity, field.column, *context.source.DataTypes()) : SnapshotType{};
   const NameRules names = CurrentNameRules(context);
-  CriteriaContext rules = context.CriteriaRules();
+  CriteriaContext rules = context.design.CriteriaRules();
   rules.dataType = type.code;
   rules.isLong = type.isLong;
   rules.prefix = type.prefix;

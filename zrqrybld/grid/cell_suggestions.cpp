@@ -5,6 +5,7 @@
 
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/grid/grid_layout.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 namespace {

@@ -6,6 +6,8 @@
 
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/host/context_link.h"
+#include "zrqrybld/host/source_context.h"
 #include "zrqrybld/sql/source_rules.h"
 
 namespace zrqrybld {
@@ -174,7 +176,7 @@ FieldName FieldOutput::FieldIn(const std::string& text) const {
   std::optional<FieldName> known = FindQualifiedField(*entities, text, rules);
   if (!known && dot == std::string::npos) known = FindOnlyField(*entities, text, rules);
   if (known) return *known;
-  const std::optional<std::string> separator = context->Properties()->FindText("SCHEMA_SEPARATOR");
+  const std::optional<std::string> separator = context->source.Properties()->FindText("SCHEMA_SEPARATOR");
   if (separator && !separator->empty() && !entities->Item(field.table)) {
     field.table = ReplaceAll(field.table, ".", *separator);
   }

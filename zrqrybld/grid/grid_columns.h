@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "zrqrybld/grid/columns.h"
-#include "zrqrybld/host/language.h"
+#include "zrqrybld/host/language_ids.h"
 
 namespace zrqrybld {
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "zrqrybld/grid/grid.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 namespace {

@@ -3,6 +3,7 @@
 
 #include "zrqrybld/grid/grid.h"
 #include "zrqrybld/platform/commands.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 

@@ -4,6 +4,7 @@
 #include "zrqrybld/base/texts_grid.h"
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/host/command_entry.h"
+#include "zrqrybld/host/source_context.h"
 #include "zrqrybld/platform/commands.h"
 
 namespace zrqrybld {

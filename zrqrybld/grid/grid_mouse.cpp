@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "zrqrybld/grid/grid.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 namespace {

@@ -8,7 +8,10 @@
 #include "zrqrybld/base/texts_grid.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/expression/intelli_list.h"
+#include "zrqrybld/host/query_context.h"
+#include "zrqrybld/platform/dialogs.h"
 #include "zrqrybld/platform/stored_values.h"
+#include "zrqrybld/platform/toolkit.h"
 
 namespace zrqrybld {
 namespace {
@@ -124,13 +127,13 @@ void qbGridPane::SetContext(const Ref<QueryContext>& context) {
 
 Ref<qbQueryBuilder> qbGridPane::QueryBuilder() const {
   const Ref<QueryContext> context = rows_.Context();
-  return context ? context->Hub() : nullptr;
+  return context ? context->design.Hub() : nullptr;
 }
 
 void qbGridPane::AboutBox() {
   if (const Ref<QueryContext> context = rows_.Context()) {
-    context->GetToolkit().GetDialogs().ShowMessage("zrQryBld\r\n" + context->Say(text::AboutGrid),
-                                                   MessageIcon::Information);
+    context->source.GetToolkit().GetDialogs().ShowMessage("zrQryBld\r\n" + context->source.Say(text::AboutGrid),
+                                                          MessageIcon::Information);
   }
 }
 
@@ -174,7 +177,7 @@ void qbGridPane::WriteProperties(PropertyStore& store) const {
 
 void qbGridPane::ApplyGridCaptions() {
   const Ref<QueryContext> context = rows_.Context();
-  grdPane_->SetTexts(context ? context->Texts() : nullptr);
+  grdPane_->SetTexts(context ? context->source.Texts() : nullptr);
   grdPane_->SetEmptyText(Say(context, text::GridEmpty));
   for (const GridColumnRow& row : kGridColumns) {
     grdPane_->Columns()->Item(std::string(row.key))->SetCaption(Say(context, TextId{row.caption}));

@@ -18,11 +18,13 @@
 #include "zrqrybld/grid/field_output.h"
 #include "zrqrybld/grid/grid.h"
 #include "zrqrybld/host/date_format.h"
-#include "zrqrybld/host/query_context.h"
 #include "zrqrybld/platform/menu.h"
 #include "zrqrybld/platform/property_store.h"
 
 namespace zrqrybld {
+
+class qbQueryBuilder;
+struct QueryContext;
 
 class ZRQRYBLD_API qbGridPane final : public Object {
  public:

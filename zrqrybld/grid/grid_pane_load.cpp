@@ -3,6 +3,7 @@
 #include <string>
 
 #include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/host/step_context.h"
 
 namespace zrqrybld {
 

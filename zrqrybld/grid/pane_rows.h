@@ -7,9 +7,11 @@
 #include "zrqrybld/base/scoped_value.h"
 #include "zrqrybld/grid/grid.h"
 #include "zrqrybld/grid/row_cells.h"
-#include "zrqrybld/host/query_context.h"
 
 namespace zrqrybld {
+
+class qbEntities;
+struct QueryContext;
 
 class PaneRows {
  public:

@@ -7,6 +7,7 @@
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_grid.h"
 #include "zrqrybld/grid/grid_layout.h"
+#include "zrqrybld/platform/input.h"
 #include "zrqrybld/platform/stored_values.h"
 
 namespace zrqrybld {

@@ -5,7 +5,10 @@
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_hub.h"
+#include "zrqrybld/host/foreign_keys.h"
+#include "zrqrybld/host/query_context.h"
 #include "zrqrybld/platform/connection_string.h"
+#include "zrqrybld/platform/database.h"
 
 namespace zrqrybld {
 namespace {
@@ -27,21 +30,21 @@ void Trapped(Read read) {
 }
 
 void ForgetEarlierSource(QueryContext& context) {
-  qbProperties& properties = *context.Properties();
+  qbProperties& properties = *context.source.Properties();
   for (const std::string_view key : kLiteralKeys) properties.RemoveIfPresent(key);
   properties.RemoveIfPresent(kInvalidCharacters);
   properties.RemoveIfPresent(kInvalidStartingCharacters);
   properties.RemoveIfPresent("_QBDSFLAGS");
   properties.Add(std::int16_t{0}, "_QBDSFLAGS");
-  context.DataTypes()->Clear();
-  context.SourceTables().clear();
-  context.ForeignKeys().Clear();
-  context.SetSourceWords({});
+  context.source.DataTypes()->Clear();
+  context.source.SourceTables().clear();
+  context.source.ForeignKeys().Clear();
+  context.source.SetSourceWords({});
 }
 
 void ReadLiterals(QueryContext& context) {
-  qbProperties& properties = *context.Properties();
-  const auto rows = context.Connection()->OpenSchema(SchemaKind::Literals);
+  qbProperties& properties = *context.source.Properties();
+  const auto rows = context.source.Connection()->OpenSchema(SchemaKind::Literals);
   for (; !rows->Eof(); rows->MoveNext()) {
     const std::string name = rows->Text("LiteralName");
     if (std::ranges::find(kLiteralKeys, name) != std::ranges::end(kLiteralKeys)) {
@@ -54,10 +57,10 @@ void ReadLiterals(QueryContext& context) {
 }
 
 void ReadTables(QueryContext& context) {
-  const auto rows = context.Connection()->OpenSchema(SchemaKind::Columns);
+  const auto rows = context.source.Connection()->OpenSchema(SchemaKind::Columns);
   const std::size_t table = rows->FindField("TABLE_NAME").value();
   const std::size_t column = rows->FindField("COLUMN_NAME").value();
-  std::vector<SourceTable>& tables = context.SourceTables();
+  std::vector<SourceTable>& tables = context.source.SourceTables();
   for (; !rows->Eof(); rows->MoveNext()) {
     std::string name = rows->Value(table).Text();
     if (tables.empty() || tables.back().name != name) tables.push_back({std::move(name), {}});
@@ -66,9 +69,9 @@ void ReadTables(QueryContext& context) {
 }
 
 void RecogniseTextSource(QueryContext& context) {
-  const std::string text = UpperAscii(context.Connection()->ConnectionString());
+  const std::string text = UpperAscii(context.source.Connection()->ConnectionString());
   if (text.find("MSDASQL") == std::string::npos || text.find("FIL=TEXT") == std::string::npos) return;
-  qbProperties& properties = *context.Properties();
+  qbProperties& properties = *context.source.Properties();
   const std::int32_t flags = properties.Item("_QBDSFLAGS")->Value().ToInt32() | DataSourceIsText;
   properties.Set("_QBDSFLAGS", static_cast<std::int16_t>(flags));
   properties.Set("QUOTE_PREFIX", "[");
@@ -76,17 +79,17 @@ void RecogniseTextSource(QueryContext& context) {
 }
 
 void ReadTypes(QueryContext& context) {
-  const auto rows = context.Connection()->OpenSchema(SchemaKind::ProviderTypes);
+  const auto rows = context.source.Connection()->OpenSchema(SchemaKind::ProviderTypes);
   for (; !rows->Eof(); rows->MoveNext()) {
     std::string prefix = rows->Text("LITERAL_PREFIX");
     std::string suffix = rows->Text("LITERAL_SUFFIX");
     // A date is converted by the grid's own format, so that it may be typed in that format.
     if (StartsWithNoCase(prefix, "TO_DATE(")) {
       prefix = "TO_DATE('";
-      suffix = "','" + context.DateFormat() + "')";
+      suffix = "','" + context.design.DateFormat() + "')";
     }
-    const Ref<qbDataType> type = context.DataTypes()->Add(rows->Text("TYPE_NAME"), rows->Value("DATA_TYPE").ToInt32(),
-                                                          std::move(prefix), std::move(suffix));
+    const Ref<qbDataType> type = context.source.DataTypes()->Add(
+        rows->Text("TYPE_NAME"), rows->Value("DATA_TYPE").ToInt32(), std::move(prefix), std::move(suffix));
     const Variant isLong = rows->Value("IS_LONG");
     type->IsLong = !isLong.IsBlank() && isLong.ToBoolean();
   }
@@ -95,28 +98,28 @@ void ReadTypes(QueryContext& context) {
 }  // namespace
 
 bool IsTextSource(const QueryContext& context) {
-  const Variant* flags = context.Properties()->Find("_QBDSFLAGS");
+  const Variant* flags = context.source.Properties()->Find("_QBDSFLAGS");
   const std::optional<double> number = flags ? flags->Number() : std::nullopt;
   return number && *number >= 0 && *number < 65536 && (static_cast<std::int32_t>(*number) & DataSourceIsText) != 0;
 }
 
 std::optional<TextReading> SourceReading(const QueryContext& context) {
-  const std::optional<std::string> words = context.Properties()->FindText(kTextReadingLiteral);
+  const std::optional<std::string> words = context.source.Properties()->FindText(kTextReadingLiteral);
   return words ? ReadingFromWords(*words) : std::nullopt;
 }
 
 void RetrieveConnectionInfo(QueryContext& context, bool withTables) {
-  if (!context.IsConnected()) return;
-  context.RunOperation(text::StepConnect, InfoRetrieveConnectionInfo, [&] {
+  if (!context.source.IsConnected()) return;
+  context.steps.RunOperation(text::StepConnect, InfoRetrieveConnectionInfo, [&] {
     ForgetEarlierSource(context);
     Trapped([&] { ReadLiterals(context); });
-    Trapped([&] { context.SetSourceWords(context.Connection()->Keywords()); });
+    Trapped([&] { context.source.SetSourceWords(context.source.Connection()->Keywords()); });
     if (withTables) Trapped([&] { ReadTables(context); });
     Trapped([&] { RecogniseTextSource(context); });
-    context.RaiseInfo(InfoRetrieveConnectionInfo,
-                      ConnectionString(context.Connection()->ConnectionString()).WithoutPassword());
+    context.steps.RaiseInfo(InfoRetrieveConnectionInfo,
+                            ConnectionString(context.source.Connection()->ConnectionString()).WithoutPassword());
     Trapped([&] { ReadTypes(context); });
-    context.QueryChanged();  // names may be quoted in another way now
+    context.steps.QueryChanged();  // names may be quoted in another way now
   });
 }
 

@@ -4,10 +4,11 @@
 
 #include <optional>
 
-#include "zrqrybld/host/query_context.h"
 #include "zrqrybld/platform/text_reading.h"
 
 namespace zrqrybld {
+
+struct QueryContext;
 
 /// Bits of the property "_QBDSFLAGS".
 enum DataSourceFlag : std::int16_t {

@@ -10,6 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/database.h"
 
 namespace zrqrybld {
@@ -49,6 +50,6 @@ class ForeignKeys {
 };
 
 /// The name in any letter case, for lookups.
-std::string FoldedName(const SourceTableName& name);
+ZRQRYBLD_API std::string FoldedName(const SourceTableName& name);
 
 }  // namespace zrqrybld

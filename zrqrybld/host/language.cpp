@@ -11,6 +11,7 @@
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts.h"
 #include "zrqrybld/base/texts_hub.h"
+#include "zrqrybld/host/language_ids.h"
 
 namespace zrqrybld {
 namespace {

@@ -4,8 +4,12 @@
 #include <utility>
 
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/grid/row_cells.h"
-#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/host/catalogs.h"
+#include "zrqrybld/host/step_context.h"
+#include "zrqrybld/hub/hub.h"
 
 namespace zrqrybld {
 

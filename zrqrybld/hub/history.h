@@ -21,6 +21,7 @@
 #include "zrqrybld/host/step_names.h"
 #include "zrqrybld/hub/hub_options.h"
 #include "zrqrybld/sql/sql_pane_options.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "zrqrybld/host/query_context.h"
+#include "zrqrybld/host/designer_values.h"
 
 namespace zrqrybld {
 

@@ -7,7 +7,14 @@
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_hub.h"
+#include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/host/connection_info.h"
+#include "zrqrybld/host/language_ids.h"
+#include "zrqrybld/host/query_context.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/dialogs.h"
+#include "zrqrybld/platform/toolkit.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 namespace {

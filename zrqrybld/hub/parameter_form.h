@@ -16,6 +16,8 @@
 
 namespace zrqrybld {
 
+class qbQueryBuilder;
+
 /// The values, one for each ?PARAM marker of the statement in their order; none of them, without a dialog, for a
 /// statement that has no marker. Nothing when the user cancels. Error 40005 when a dialog that takes any value was
 /// accepted with one that cannot be taken.

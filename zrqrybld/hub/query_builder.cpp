@@ -1,20 +1,33 @@
-#include "zrqrybld/hub/query_builder.h"
-
 #include <algorithm>
-
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_hub.h"
 #include "zrqrybld/diagram/auto_joins.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/join_properties.h"
 #include "zrqrybld/diagram/table_picker.h"
+#include "zrqrybld/expression/schema_cache.h"
+#include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/host/connection_info.h"
+#include "zrqrybld/host/language.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/hub/hub_parts.h"
 #include "zrqrybld/hub/snapshot_builder.h"
+#include "zrqrybld/platform/connection_policy.h"
+#include "zrqrybld/platform/connection_string.h"
+#include "zrqrybld/platform/database.h"
+#include "zrqrybld/platform/dialogs.h"
 #include "zrqrybld/platform/headless.h"
+#include "zrqrybld/platform/provider.h"
 #include "zrqrybld/platform/text_reading.h"
+#include "zrqrybld/platform/toolkit.h"
+#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/dialect_functions.h"
 #include "zrqrybld/sql/names.h"
+#include "zrqrybld/sql/query_snapshot.h"
 #include "zrqrybld/sql/rename.h"
 #include "zrqrybld/sql/source_rules.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 
@@ -26,7 +39,7 @@ constexpr std::string_view kLineBreak = "\r\n";
 
 Ref<qbQueryBuilder> qbQueryBuilder::Create(std::shared_ptr<Toolkit> toolkit) {
   if (!toolkit) toolkit = std::make_shared<HeadlessToolkit>();
-  return Ref<qbQueryBuilder>(new qbQueryBuilder(std::move(toolkit)));
+  return Ref<qbQueryBuilder>(new qbQueryBuilder(std::make_unique<Parts>(std::move(toolkit))));
 }
 
 qbQueryBuilder::~qbQueryBuilder() = default;
@@ -37,13 +50,10 @@ void qbQueryBuilder::AboutBox() {
 
 // --- Connection ---
 
-void qbQueryBuilder::Connect(Variant& connectionString) {
-  const bool prompted = connectionString.IsMissing();
-  if (prompted) {
-    connectionString = PromptForConnection();
-    if (connectionString.Text().empty()) return;
-  }
-  Connect(connectionString.Text(), prompted ? ConnectionOrigin::Person : ConnectionOrigin::Program);
+std::string qbQueryBuilder::Connect() {
+  const std::string connectionString = PromptForConnection();
+  if (!connectionString.empty()) Connect(connectionString, ConnectionOrigin::Person);
+  return connectionString;
 }
 
 std::optional<Error> qbQueryBuilder::RefusalOf(const std::string& connectionString, ConnectionOrigin origin) {
@@ -80,8 +90,8 @@ std::string qbQueryBuilder::TryConnection(const std::string& connectionString) {
 
 std::string qbQueryBuilder::PromptForConnection() {
   ConnectionDialog dialog;
-  for (DataSourceName& source : GetToolkit().Providers()->DataSources()) {
-    dialog.dataSources.push_back(std::move(source.name));
+  for (DataSourceName& configured : GetToolkit().Providers()->DataSources()) {
+    dialog.dataSources.push_back(std::move(configured.name));
   }
   dialog.test = [this](const std::string& connectionString) { return TryConnection(connectionString); };
   return GetToolkit().GetDialogs().ShowConnectionPrompt(dialog);
@@ -99,6 +109,10 @@ Error WithPasswordHint(const Error& error, const std::string& connectionString) 
 }
 
 }  // namespace
+
+void qbQueryBuilder::Connect(const std::string& connectionString) {
+  Connect(connectionString, ConnectionOrigin::Program);
+}
 
 void qbQueryBuilder::Connect(const std::string& connectionString, ConnectionOrigin origin) {
   const BusyPointer busy(GetToolkit());
@@ -121,11 +135,13 @@ void qbQueryBuilder::Connect(const std::string& connectionString, ConnectionOrig
 }
 
 void qbQueryBuilder::SetConnection(const Ref<zrqrybld::Connection>& connection) {
-  StoreConnection(connection);
+  source.StoreConnection(connection);
   if (!IsConnected()) return;
   RetrieveConnectionInfo(*this, options_.getTablesOnConnect);
   if (options_.autoSyntax) FollowSource();
 }
+
+void qbQueryBuilder::Disconnect() { Connection()->Close(); }
 
 // --- Tables and joins ---
 
@@ -134,7 +150,7 @@ namespace {
 // The name with its quotes taken off, unless the source has a table whose own name they are part of, and no other.
 std::string NameToAdd(TablePicker& picker, const QueryContext& context, const std::string& tableName) {
   std::string plain = RemoveIdentifierQuotes(tableName, CurrentNameRules(context));
-  if (plain == tableName || !context.IsConnected()) return plain;
+  if (plain == tableName || !context.source.IsConnected()) return plain;
   try {
     return !picker.HasTable(plain) && picker.HasTable(tableName) ? tableName : plain;
   } catch (const Error&) {
@@ -171,19 +187,18 @@ void qbQueryBuilder::RefreshAutoJoins() { RefreshRelationships(RefTo(*this)); }
 
 // --- Captions ---
 
-bool qbQueryBuilder::LoadLanguageFile(const std::string& path) {
+void qbQueryBuilder::LoadLanguageFile(const std::string& path) {
   try {
-    Language().Load(path);
+    source.Language().Load(path);
   } catch (const Error&) {
     ApplyTexts();  // what was read before the faulty line counts
     throw;
   }
   ApplyTexts();
-  return false;
 }
 
 void qbQueryBuilder::SetLanguageString(std::int32_t id, const std::string& newValue) {
-  Language().Set(id, newValue);
+  source.Language().Set(id, newValue);
   ApplyTexts();
 }
 
@@ -233,9 +248,13 @@ void qbQueryBuilder::OutputTicked() {
   if (gridPane_ && GridPane()->OutputTicked()) RememberAll();
 }
 
+Ref<qbEntities> qbQueryBuilder::Entities() const { return diagramPane_ ? diagramPane_->Entities() : nullptr; }
+
 const Dialect& qbQueryBuilder::CurrentDialect() const {
   return DialectFor(sqlPane_ ? sqlPane_->SQLSyntax() : SQLSyntaxGeneric);
 }
+
+bool qbQueryBuilder::HasFullJoin() const { return !sqlPane_ || CurrentDialect().hasFullJoin; }
 
 // The source tells what it is by the properties that were read when it was connected.
 const Dialect* qbQueryBuilder::SourceDialect() const {
@@ -286,7 +305,7 @@ void qbQueryBuilder::DialectChanged() {
 
 // A cell that was written with the former word for LIKE would be a text that begins with that word.
 void qbQueryBuilder::LikeOperatorChanged(const std::string& before) {
-  if (!gridPane_ || InStep()) return;
+  if (!gridPane_ || steps.InStep()) return;
   const StepScope step(RefTo(*this), kStepEditCells);
   gridPane_->RewriteLike(before);
 }
@@ -372,7 +391,7 @@ void qbQueryBuilder::RelationshipActivated(const Ref<qbRelationship>& relationsh
 void qbQueryBuilder::QueryDataSource(std::vector<DataSourceQuestion>& questions) const {
   constexpr std::string_view kReservedWord = "IS_RESERVEDWORD:";
   NameRules names;
-  names.reservedWords = ReservedWords();
+  names.reservedWords = source.ReservedWords();
   names.dialectWords = CurrentDialect().words;
   for (DataSourceQuestion& question : questions) {
     const std::string_view text = question.question;

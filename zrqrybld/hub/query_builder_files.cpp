@@ -2,29 +2,31 @@
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/file.h"
 #include "zrqrybld/base/texts_hub.h"
-#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/host/step_context.h"
+#include "zrqrybld/hub/hub.h"
 #include "zrqrybld/hub/query_file_reader.h"
 #include "zrqrybld/hub/query_file_writer.h"
+#include "zrqrybld/platform/toolkit.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 
-bool qbQueryBuilder::SaveQuery(std::string& filename, bool returnData) {
+void qbQueryBuilder::SaveQuery(const std::string& filename) {
   RunOperation(text::StepSave, InfoSavingQuery, [&] {
-    RaiseInfo(InfoSavingQuery, returnData ? std::string() : filename);
-    std::string text = QueryFileWriter(*this).Write();
-    if (returnData) {
-      filename = std::move(text);
-    } else {
-      const bool holdsPassword = options_.saveConnectionString && savePassword_;
-      WriteWholeFile(filename, text + "\r\n", GetToolkit().Files(), holdsPassword);
-    }
+    RaiseInfo(InfoSavingQuery, filename);
+    const std::string text = QueryFileWriter(*this).Write();
+    const bool holdsPassword = options_.saveConnectionString && savePassword_;
+    WriteWholeFile(filename, text + "\r\n", GetToolkit().Files(), holdsPassword);
   });
-  return false;
 }
 
-bool qbQueryBuilder::SaveQuery(const std::string& filename) {
-  std::string name = filename;
-  return SaveQuery(name);
+std::string qbQueryBuilder::SaveQueryToText() {
+  std::string written;
+  RunOperation(text::StepSave, InfoSavingQuery, [&] {
+    RaiseInfo(InfoSavingQuery, std::string());
+    written = QueryFileWriter(*this).Write();
+  });
+  return written;
 }
 
 bool qbQueryBuilder::LoadQuery(const std::string& filename, bool fileIsData, bool returnParametersOnly,
@@ -36,7 +38,7 @@ bool qbQueryBuilder::LoadQuery(const std::string& filename, bool fileIsData, boo
     try {
       RaiseInfo(InfoLoadingQuery, fileIsData ? std::string() : filename);
       const std::string text = fileIsData ? filename : ReadWholeFile(filename, kLargestQueryFile);
-      complete = WholeOrNothing(RefTo<QueryContext>(*this), [&] { return reader.Read(text); });
+      complete = WholeOrNothing(RefTo(*this), [&] { return reader.Read(text); });
     } catch (const std::exception& cause) {
       throw WrapError(ErrorLoadingQuery, text::LoadingFailed, cause);
     }

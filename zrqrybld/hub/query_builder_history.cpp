@@ -3,7 +3,12 @@
 #include "zrqrybld/base/scoped_value.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_hub.h"
-#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/hub/hub_parts.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 
@@ -13,7 +18,7 @@ namespace zrqrybld {
 void qbQueryBuilder::TakeTables(DesignChange& change, bool withTicks) const {
   const Ref<qbEntities> entities = Entities();
   if (!entities) return;
-  const DiagramState& known = history_.Known().entities;
+  const DiagramState& known = parts_->history.Known().entities;
   const auto count = static_cast<std::size_t>(entities->Count());
   change.untouchedEntities = entities->SinceRemembered().Within(std::min(count, known.size()));
   change.entities = entities->State(known, change.untouchedEntities, withTicks);
@@ -26,7 +31,7 @@ DesignChange qbQueryBuilder::CurrentChange() const {
   if (!gridPane_) return change;
   const zrGridRows& rows = *gridPane_->Grid()->Rows();
   const auto count = static_cast<std::size_t>(rows.Count());
-  change.untouchedRows = rows.SinceRemembered().Within(std::min(count, history_.Known().rows.size()));
+  change.untouchedRows = rows.SinceRemembered().Within(std::min(count, parts_->history.Known().rows.size()));
   for (std::size_t i = change.untouchedRows.before + 1; i <= count - change.untouchedRows.behind; ++i) {
     change.rows.push_back(rows.At(i).Content());
   }
@@ -35,27 +40,27 @@ DesignChange qbQueryBuilder::CurrentChange() const {
 
 // Another pane: what could be undone in the one before is of no use in it.
 void qbQueryBuilder::RememberAll() {
-  Design design;
+  Design all;
   if (const Ref<qbEntities> entities = Entities()) {
-    design.entities = entities->State({}, {}, true);
+    all.entities = entities->State({}, {}, true);
     entities->Remembered();
   }
   if (gridPane_) {
     zrGridRows& rows = *gridPane_->Grid()->Rows();
     for (std::size_t i = 1; i <= static_cast<std::size_t>(rows.Count()); ++i) {
-      design.rows.push_back(rows.At(i).Content());
+      all.rows.push_back(rows.At(i).Content());
     }
     rows.Remembered();
   }
-  design.options = CurrentOptions();
+  all.options = CurrentOptions();
   const bool hadSteps = CanUndo() || CanRedo();
-  history_.Forget(std::move(design));
+  parts_->history.Forget(std::move(all));
   historyLost_ = false;
   if (hadSteps) HistoryChanged.Raise();
 }
 
 void qbQueryBuilder::ClearHistory() {
-  if (InStep()) throw Error(ErrorInvalidCall, text::HistoryInUse);
+  if (steps.InStep()) throw Error(ErrorInvalidCall, text::HistoryInUse);
   RememberAll();
 }
 
@@ -70,7 +75,7 @@ void qbQueryBuilder::StepBegins(const StepLabel& step) {
   if (sqlPane_ && sqlPane_->IsEdited() && step.id != kStepApplyStatement.id) typed_ = sqlPane_->SQLStatement();
   DesignChange change;
   TakeTables(change, false);
-  history_.Adopt(change.untouchedEntities.before, change.entities, CurrentOptions());
+  parts_->history.Adopt(change.untouchedEntities.before, change.entities, CurrentOptions());
 }
 
 void qbQueryBuilder::StepFailed() {
@@ -87,7 +92,7 @@ void qbQueryBuilder::TakeBack() {
     for (std::size_t i = 1; i <= static_cast<std::size_t>(rows.Count()); ++i) now.rows.push_back(rows.At(i).Content());
   }
   now.options = CurrentOptions();
-  Restore(now, Design(history_.Known()));
+  Restore(now, Design(parts_->history.Known()));
   takesBack_ = false;
 }
 
@@ -95,7 +100,7 @@ void qbQueryBuilder::StepMade(const StepLabel& step, bool writes) {
   std::optional<std::string> typed = std::exchange(typed_, std::nullopt);
   if (!writes || (sqlPane_ && sqlPane_->KeepsTyped())) typed.reset();
   try {
-    historyChanged_ |= history_.Record(step, CurrentChange(), std::move(typed));
+    historyChanged_ |= parts_->history.Record(step, CurrentChange(), std::move(typed));
     if (const Ref<qbEntities> entities = Entities()) entities->Remembered();
     if (gridPane_) gridPane_->Grid()->Rows()->Remembered();
   } catch (...) {
@@ -111,7 +116,7 @@ void qbQueryBuilder::StepEnded() {
 // --- Undo and redo ---
 
 bool qbQueryBuilder::Travel(bool back) {
-  if (InStep() || travelling_ || (state() != InfoDone && state() != InfoParsingSQL)) {
+  if (steps.InStep() || travelling_ || (state() != InfoDone && state() != InfoParsingSQL)) {
     throw Error(ErrorInvalidCall, text::StepGoesOn);
   }
   const Ref<Object> alive = shared_from_this();  // a listener may let go of it
@@ -119,7 +124,7 @@ bool qbQueryBuilder::Travel(bool back) {
   SetState(InfoDone);  // a statement that could not be read has left it
   if (gridPane_) gridPane_->Grid()->CommitEdit();
   EndStepless();
-  const History::Step* step = back ? history_.Last() : history_.Next();
+  const History::Step* step = back ? parts_->history.Last() : parts_->history.Next();
   if (!step) {
     StepEnded();
     return false;
@@ -127,9 +132,9 @@ bool qbQueryBuilder::Travel(bool back) {
   const std::optional<std::string> typed = back ? step->typed : std::nullopt;
   {
     const StepScope scope(RefTo(*this), kStepChange);
-    WholeOrNothing(RefTo<QueryContext>(*this), [&] {
-      const Design now = history_.Known();
-      const Design then = history_.Travel(back);
+    WholeOrNothing(RefTo(*this), [&] {
+      const Design now = parts_->history.Known();
+      const Design then = parts_->history.Travel(back);
       historyChanged_ = true;
       Restore(now, then);
     });
@@ -157,10 +162,20 @@ void qbQueryBuilder::Restore(const Design& now, const Design& then) {
   QueryChanged();
 }
 
-std::string qbQueryBuilder::TextOf(const History::Step* step) const {
+namespace {
+
+std::string TextOf(const History::Step* step, const SourceContext& source) {
   if (!step) return {};
-  const std::string text = step->label.id != 0 ? GetLanguageString(step->label.id) : step->label.text;
+  const std::string text = step->label.id != 0 ? source.GetLanguageString(step->label.id) : step->label.text;
   return std::string(TrimWhite(ReplaceNoCase(text, "%NAME%", step->label.about)));
 }
+
+}  // namespace
+
+History& qbQueryBuilder::Steps() { return parts_->history; }
+bool qbQueryBuilder::CanUndo() const { return parts_->history.Last() != nullptr; }
+bool qbQueryBuilder::CanRedo() const { return parts_->history.Next() != nullptr; }
+std::string qbQueryBuilder::UndoText() const { return TextOf(parts_->history.Last(), source); }
+std::string qbQueryBuilder::RedoText() const { return TextOf(parts_->history.Next(), source); }
 
 }  // namespace zrqrybld

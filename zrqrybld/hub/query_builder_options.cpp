@@ -4,8 +4,13 @@
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_hub.h"
-#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/host/step_context.h"
+#include "zrqrybld/hub/history.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/property_store.h"
 #include "zrqrybld/platform/stored_values.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 namespace {

@@ -8,10 +8,15 @@
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_hub.h"
+#include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/diagram/source_names.h"
 #include "zrqrybld/diagram/table_picker.h"
+#include "zrqrybld/host/query_context.h"
+#include "zrqrybld/platform/connection_policy.h"
 #include "zrqrybld/platform/schema_fields.h"
+#include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 namespace {

@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "zrqrybld/grid/grid_pane.h"
-#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/hub/hub.h"
 
 namespace zrqrybld {
 

@@ -5,8 +5,12 @@
 #include <vector>
 
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/platform/connection_string.h"
+#include "zrqrybld/platform/database.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 namespace {

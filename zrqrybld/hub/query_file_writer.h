@@ -6,9 +6,14 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/hub/hub.h"
 
 namespace zrqrybld {
+
+class qbEntity;
+class qbEntityItem;
+class qbProperties;
+class qbRelationship;
 
 /// The release that wrote a file, as it says in its first line.
 inline constexpr std::string_view kQueryFileVersion = "2.1.220";

@@ -7,6 +7,9 @@
 #include "zrqrybld/diagram/source_names.h"
 #include "zrqrybld/grid/field_names.h"
 #include "zrqrybld/grid/row_cells.h"
+#include "zrqrybld/host/context_link.h"
+#include "zrqrybld/host/design_queries.h"
+#include "zrqrybld/host/source_context.h"
 #include "zrqrybld/sql/source_rules.h"
 
 namespace zrqrybld {
@@ -54,7 +57,7 @@ void TakeAlias(SnapshotRow& row, std::string alias, std::size_t longest) {
 void TakeRows(QuerySnapshot& snapshot, const TablePositions& positions, const qbEntities* entities,
               const qbGridPane& grid, const QueryContext& context) {
   const auto lastColumn = static_cast<std::size_t>(grid.ColumnCount());
-  const qbDBFunctions* functions = snapshot.groupByMode ? context.DBFunctions().get() : nullptr;
+  const qbDBFunctions* functions = snapshot.groupByMode ? context.source.DBFunctions().get() : nullptr;
   const zrGridRows& rows = *grid.Grid()->Rows();
   snapshot.rows.reserve(static_cast<std::size_t>(rows.Count()));
   for (std::int32_t i = 1; i <= rows.Count(); ++i) {
@@ -62,13 +65,13 @@ void TakeRows(QuerySnapshot& snapshot, const TablePositions& positions, const qb
     if (reader.IsBlank(kColumnColumn)) continue;
     QueryRow content = reader.Read(lastColumn, functions);
     SnapshotRow& row = snapshot.rows.emplace_back();
-    TakeAlias(row, std::move(content.alias), static_cast<std::size_t>(context.AliasMaxLen()));
+    TakeAlias(row, std::move(content.alias), static_cast<std::size_t>(context.design.AliasMaxLen()));
     const auto table = positions.find(content.table);
     if (table != positions.end()) row.table = table->second;
     static_cast<RowTerms&>(row) = std::move(content);
     if (row.table && !row.criteria.empty()) {
       const qbEntity& entity = *entities->Item(static_cast<std::int32_t>(*row.table) + 1);
-      row.type = TypeOfColumn(entity, row.column, *context.DataTypes());
+      row.type = TypeOfColumn(entity, row.column, *context.source.DataTypes());
     }
   }
 }

@@ -6,10 +6,11 @@
 
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/grid/grid_pane.h"
-#include "zrqrybld/host/query_context.h"
 #include "zrqrybld/sql/query_snapshot.h"
 
 namespace zrqrybld {
+
+struct QueryContext;
 
 /// The tables, joins and rows as they are now. A pane that is not there counts as empty.
 QuerySnapshot TakeSnapshot(const QueryContext& context, const qbEntities* entities, const qbGridPane* grid);

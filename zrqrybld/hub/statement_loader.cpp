@@ -6,13 +6,18 @@
 
 #include "zrqrybld/base/texts_hub.h"
 #include "zrqrybld/base/texts_values.h"
+#include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/join_properties.h"
 #include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/diagram/table_picker.h"
-#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/host/query_context.h"
+#include "zrqrybld/hub/hub.h"
 #include "zrqrybld/hub/table_plan.h"
+#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/source_lexer.h"
 #include "zrqrybld/sql/source_rules.h"
+#include "zrqrybld/sql/sql_pane.h"
 #include "zrqrybld/sql/statement_binder.h"
 #include "zrqrybld/sql/statement_parser.h"
 #include "zrqrybld/sql/syntax_error.h"
@@ -181,7 +186,7 @@ void Load(qbQueryBuilder& hub, std::string_view typed) {
 }  // namespace
 
 void qbQueryBuilder::LoadStatement(const std::string& sql) {
-  WholeOrNothing(RefTo<QueryContext>(*this), [&] { Load(*this, sql); });
+  WholeOrNothing(RefTo(*this), [&] { Load(*this, sql); });
 }
 
 }  // namespace zrqrybld

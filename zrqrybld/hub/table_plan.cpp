@@ -5,9 +5,13 @@
 #include <utility>
 
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/diagram/source_names.h"
 #include "zrqrybld/grid/field_names.h"
+#include "zrqrybld/host/query_context.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/from_binder.h"
 
 namespace zrqrybld {
@@ -132,18 +136,15 @@ DrawnDiagram TablePlan::Drawn(std::vector<Ref<qbRelationship>>& drawnJoins) cons
 }
 
 // First as the server would read the name: "Orders" without quotes may be its table "orders". What only exists as it is
-// written gets its quotes from the designer.
+// written gets its quotes from the designer; a source that knows tables by any letters keeps those that were written.
 std::optional<std::vector<SourceColumn>> TablePlan::FindInSource(PlannedTable& table) const {
   if (!hub_.IsConnected()) return std::nullopt;
   TablePicker picker(RefTo(hub_));
-  if (table.plainName != table.written.parts) {
-    const std::string name = JoinedName(table.plainName, rules_);
-    if (std::optional<std::vector<SourceColumn>> columns = picker.ReadColumns(name)) {
-      table.written.parts = table.plainName;
-      table.name = name;
-      if (table.written.alias.Empty()) table.caption = name;
-      return columns;
-    }
+  const std::string name = JoinedName(table.plainName, rules_);
+  if (name != table.name && picker.HasTableSpelled(name, table.plainName.back().Name())) {
+    table.written.parts = table.plainName;
+    table.name = name;
+    if (table.written.alias.Empty()) table.caption = name;
   }
   return picker.ReadColumns(table.name);
 }

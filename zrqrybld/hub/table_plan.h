@@ -9,12 +9,15 @@
 #include <vector>
 
 #include "zrqrybld/diagram/table_picker.h"
-#include "zrqrybld/hub/query_builder.h"
 #include "zrqrybld/sql/join_orders.h"
 #include "zrqrybld/sql/name_scope.h"
 #include "zrqrybld/sql/select_statement.h"
 
 namespace zrqrybld {
+
+class qbEntities;
+class qbQueryBuilder;
+class qbRelationship;
 
 // A table of the statement and what it becomes.
 struct PlannedTable {

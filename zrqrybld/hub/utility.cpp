@@ -1,6 +1,7 @@
 #include "zrqrybld/hub/utility.h"
 
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/hub/hub.h"
 #include "zrqrybld/platform/headless.h"
 #include "zrqrybld/sql/names.h"
 #include "zrqrybld/sql/source_rules.h"

@@ -8,10 +8,11 @@
 
 #include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
-#include "zrqrybld/hub/query_builder.h"
 #include "zrqrybld/platform/toolkit.h"
 
 namespace zrqrybld {
+
+class qbQueryBuilder;
 
 class ZRQRYBLD_API qbUtility final : public Object {
  public:

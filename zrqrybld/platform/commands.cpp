@@ -49,7 +49,7 @@ constexpr CommandRow kCommands[] = {
     {Command::ApplyText, {KeyCodeEnter, ShiftCtrl}, {F(5)}, text::CommandApply, Needs::Nothing},
     {Command::Suggest, {KeyCodeSpace, ShiftCtrl}, {}, text::NoText, Needs::Nothing},
     {Command::FindText, {'F', ShiftCtrl}, {}, text::FindEllipsis, Needs::Nothing},
-    {Command::RunPreview, {F(5)}, {}, text::RunPreviewItem, Needs::Connection},
+    {Command::RunPreview, {F(5)}, {}, text::RunPreviewItem, Needs::Nothing},
     {Command::StopPreview, {F(5), ShiftShift}, {}, text::StopPreviewItem, Needs::Nothing},
     {Command::GoToRows, {'R', ShiftCtrl}, {}, text::GoToRowsItem, Needs::Nothing},
     {Command::NextPane, {F(6)}, {}, text::NoText, Needs::Nothing},

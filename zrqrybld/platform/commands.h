@@ -98,11 +98,11 @@ std::span<const CommandRow> Commands();
 ZRQRYBLD_API const CommandRow& RowOf(Command command);
 
 /// Whether what the command needs is there.
-bool CanGive(Command command, const CommandGround& ground);
+ZRQRYBLD_API bool CanGive(Command command, const CommandGround& ground);
 
 /// Whether the key asks for the command.
-bool Asks(const KeyEvent& event, Command command);
-bool Asks(Key key, Command command);
+ZRQRYBLD_API bool Asks(const KeyEvent& event, Command command);
+ZRQRYBLD_API bool Asks(Key key, Command command);
 
 /// How the key is written: "Ctrl+Shift+F7"; "" for none.
 ZRQRYBLD_API std::string TextOf(Key key);

@@ -10,10 +10,13 @@
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/platform/accessible.h"
 #include "zrqrybld/platform/canvas.h"
-#include "zrqrybld/platform/input.h"
 #include "zrqrybld/platform/surface.h"
 
 namespace zrqrybld {
+
+struct KeyEvent;
+struct MouseEvent;
+struct WheelEvent;
 
 /// Base of the panes, the grid and everything else that is painted.
 class ZRQRYBLD_API Control : public Object {

@@ -11,11 +11,14 @@
 
 #include "zrqrybld/base/event.h"
 #include "zrqrybld/base/export.h"
+#include "zrqrybld/base/units.h"
 #include "zrqrybld/platform/font.h"
-#include "zrqrybld/platform/input.h"
 #include "zrqrybld/platform/list_entry.h"
 
 namespace zrqrybld {
+
+struct KeyEvent;
+struct MouseEvent;
 
 /// Something that the user can do with a text, offered as a button beside it.
 struct TextCommand {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 

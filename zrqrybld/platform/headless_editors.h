@@ -56,7 +56,7 @@ class ZRQRYBLD_API HeadlessTextEditor final : public TextEditor {
   /// What a user does: types over the selection, as far as the length allows; presses a key, which says whether it was
   /// kept from the editor.
   void Type(std::string_view text);
-  bool Press(std::int32_t keyCode, std::int32_t shift = ShiftNone);
+  bool Press(std::int32_t keyCode, std::int32_t shift = 0);
 
   /// What it was told last.
   bool IsVisible() const { return visible_; }

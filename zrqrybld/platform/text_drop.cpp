@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "zrqrybld/platform/input.h"
+
 namespace zrqrybld {
 
 bool TextDrop::Over(const std::string& text, const MouseEvent& event, std::int32_t effect) {

@@ -9,9 +9,12 @@
 
 #include "zrqrybld/base/event.h"
 #include "zrqrybld/base/export.h"
+#include "zrqrybld/base/units.h"
 #include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
+
+struct MouseEvent;
 
 /// Tells the listeners of a control of drags over it.
 class ZRQRYBLD_API TextDrop {

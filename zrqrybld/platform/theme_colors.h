@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/base/units.h"
 #include "zrqrybld/platform/canvas.h"
 
@@ -17,7 +18,7 @@ struct RoleColors {
 };
 
 /// All roles in their order.
-std::span<const RoleColors> AllRoleColors();
+ZRQRYBLD_API std::span<const RoleColors> AllRoleColors();
 
 inline Color LightColorOf(ColorRole role) { return AllRoleColors()[static_cast<std::size_t>(role)].light; }
 

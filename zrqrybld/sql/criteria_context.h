@@ -9,9 +9,10 @@
 
 #include "zrqrybld/host/date_format.h"
 #include "zrqrybld/platform/text_reading.h"
-#include "zrqrybld/sql/dialect.h"
 
 namespace zrqrybld {
+
+struct Dialect;
 
 /// What a criterion is read by: the facts about its column, and how the source writes values.
 struct CriteriaContext {

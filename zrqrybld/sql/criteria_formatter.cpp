@@ -8,6 +8,7 @@
 #include "zrqrybld/base/texts_values.h"
 #include "zrqrybld/sql/criteria_tokens.h"
 #include "zrqrybld/sql/criteria_values.h"
+#include "zrqrybld/sql/dialect.h"
 
 namespace zrqrybld {
 namespace {

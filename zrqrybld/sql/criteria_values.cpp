@@ -10,6 +10,7 @@
 #include "zrqrybld/base/texts_values.h"
 #include "zrqrybld/platform/schema_fields.h"
 #include "zrqrybld/sql/date_literal.h"
+#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/literals.h"
 
 namespace zrqrybld {

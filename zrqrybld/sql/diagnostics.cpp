@@ -8,6 +8,7 @@
 
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_sql.h"
+#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/join_form.h"
 #include "zrqrybld/sql/join_list.h"
 #include "zrqrybld/sql/lexer.h"

@@ -9,11 +9,12 @@
 #include <vector>
 
 #include "zrqrybld/base/phrase.h"
-#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/generator.h"
 #include "zrqrybld/sql/query_snapshot.h"
 
 namespace zrqrybld {
+
+struct Dialect;
 
 /// What a diagnostic is about. The object that it names is said behind each kind.
 enum SQLDiagnosticEnum : std::int32_t {

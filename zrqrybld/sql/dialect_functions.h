@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 

@@ -73,21 +73,31 @@ Expression* ExpressionParser::Close(Expression* expression, std::size_t start) {
 Expression* ExpressionParser::ParseExpression() {
   const Level level(*this);
   const std::size_t start = Start();
-  Expression* first = ParseAnd();
-  if (!reader_.Is(Keyword::Or)) return first;
-  Expression* result = Make(ExpressionKind::Or, start, first);
-  List operands(first->next);
-  while (reader_.Take(Keyword::Or)) operands.Append(ParseAnd());
-  return Close(result, start);
+  const std::optional<std::size_t> outer = pipe_;
+  Expression* result = ParseAnd();
+  if (reader_.Is(Keyword::Or)) {
+    result = Make(ExpressionKind::Or, start, result);
+    List operands(result->first->next);
+    while (reader_.Take(Keyword::Or)) operands.Append(ParseAnd());
+    Close(result, start);
+  }
+  pipe_ = outer;
+  return result;
+}
+
+void ExpressionParser::RefusePipe() const {
+  if (pipe_) reader_.Refuse(*pipe_, text::PipesMayBeOr);
 }
 
 Expression* ExpressionParser::ParseAnd() {
   const std::size_t start = Start();
+  pipe_.reset();
   Expression* first = ParseNot();
   if (!reader_.Is(Keyword::And)) return first;
   Expression* result = Make(ExpressionKind::And, start, first);
   List operands(first->next);
   while (reader_.Take(Keyword::And)) operands.Append(ParseNot());
+  RefusePipe();
   return Close(result, start);
 }
 
@@ -97,6 +107,7 @@ Expression* ExpressionParser::ParseNot() {
   const std::size_t start = reader_.Offset();
   reader_.Advance();
   Expression* operand = ParseNot();
+  RefusePipe();
   return Make(ExpressionKind::Not, start, operand);
 }
 
@@ -253,7 +264,7 @@ Expression* ExpressionParser::ParseChain() {
       needsOperand = false;
     } else if (!postfix) {
       if (!IsChainSign()) return Close(chain, start);
-      if (pipesMayBeOr_ && reader_.CurrentText() == "||") reader_.Refuse(reader_.Offset(), text::PipesMayBeOr);
+      if (pipesMayBeOr_ && reader_.CurrentText() == "||") pipe_ = reader_.Offset();
       pieces.Append(takeSign());
       needsOperand = true;
       postfix = nullptr;

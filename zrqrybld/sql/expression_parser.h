@@ -2,6 +2,8 @@
 // so that only what is nested in parentheses, calls and CASE costs depth.
 #pragma once
 
+#include <cstddef>
+#include <optional>
 #include <vector>
 
 #include "zrqrybld/base/phrase.h"
@@ -17,7 +19,7 @@ class ExpressionParser {
   static constexpr int kDeepest = 1000;
   static constexpr int kDeepestCalls = 250;
 
-  /// Where "||" may mean OR it is refused.
+  /// Where "||" may mean OR it is refused beside AND and NOT, which would take its operands from it.
   ExpressionParser(TokenReader& reader, SyntaxArena& arena, bool pipesMayBeOr = false)
       : reader_(reader), arena_(arena), pipesMayBeOr_(pipesMayBeOr) {}
 
@@ -38,6 +40,7 @@ class ExpressionParser {
   // Where the expression begins that is read next.
   std::size_t Start() const { return begun_ ? begunAt_ : reader_.Offset(); }
   Expression* Close(Expression* expression, std::size_t start);
+  void RefusePipe() const;
 
   Expression* ParseAnd();
   Expression* ParseNot();
@@ -66,6 +69,7 @@ class ExpressionParser {
   TokenReader& reader_;
   SyntaxArena& arena_;
   bool pipesMayBeOr_;
+  std::optional<std::size_t> pipe_;  // where "||" stands that may be OR, in what AND or NOT takes for one operand
   int depth_ = 0;
   int calls_ = 0;
   std::vector<std::size_t> open_;  // where the parentheses begin that are open in loops

@@ -4,6 +4,7 @@
 
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_sql.h"
+#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/join_list.h"
 
 namespace zrqrybld {

@@ -6,11 +6,12 @@
 #include <unordered_set>
 #include <vector>
 
-#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/join_form.h"
 #include "zrqrybld/sql/name_scope.h"
 
 namespace zrqrybld {
+
+struct Dialect;
 
 /// What FROM says, and what WHERE has left over.
 struct BoundFrom {

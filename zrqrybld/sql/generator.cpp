@@ -7,6 +7,7 @@
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_sql.h"
 #include "zrqrybld/sql/criteria_formatter.h"
+#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/keywords.h"
 #include "zrqrybld/sql/lexer.h"
 

@@ -8,11 +8,12 @@
 #include <vector>
 
 #include "zrqrybld/base/phrase.h"
-#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/join_list.h"
 #include "zrqrybld/sql/query_snapshot.h"
 
 namespace zrqrybld {
+
+struct Dialect;
 
 /// A criterion that cannot be read; the statement holds it as it was typed.
 struct UnreadableCriterion {

@@ -5,6 +5,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/join_form.h"
 #include "zrqrybld/sql/join_list.h"
 

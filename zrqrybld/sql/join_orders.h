@@ -9,10 +9,11 @@
 #include <string>
 #include <vector>
 
-#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/query_snapshot.h"
 
 namespace zrqrybld {
+
+struct Dialect;
 
 /// A join of the diagram; its tables by their places in the statement.
 struct DrawnJoin {

@@ -5,6 +5,7 @@
 
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/platform/schema_fields.h"
+#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/source_lexer.h"
 
 namespace zrqrybld {

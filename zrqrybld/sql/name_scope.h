@@ -12,6 +12,7 @@
 
 #include "zrqrybld/base/phrase.h"
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/query_snapshot.h"
 #include "zrqrybld/sql/select_statement.h"
 

@@ -9,6 +9,7 @@
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_values.h"
 #include "zrqrybld/platform/schema_fields.h"
+#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/literals.h"
 #include "zrqrybld/sql/parameters.h"
 #include "zrqrybld/sql/value_places.h"

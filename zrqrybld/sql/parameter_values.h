@@ -12,8 +12,8 @@
 #include "zrqrybld/base/phrase.h"
 #include "zrqrybld/host/data_types.h"
 #include "zrqrybld/sql/criteria_context.h"
-#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/query_snapshot.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 

@@ -7,6 +7,9 @@
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_values.h"
+#include "zrqrybld/host/context_link.h"
+#include "zrqrybld/host/design_queries.h"
+#include "zrqrybld/host/source_context.h"
 
 namespace zrqrybld {
 namespace {
@@ -82,7 +85,8 @@ Ref<qbDataType> TypeNamed(const qbDataTypes& types, std::string_view name) {
 std::string qbParameter::FormatPrompt() const {
   std::string_view text = Prompt;
   const Ref<QueryContext> context = context_.lock();
-  const Ref<StringCollection> quotes = context ? context->QuotedIdentifiers() : std::make_shared<StringCollection>();
+  const Ref<StringCollection> quotes =
+      context ? context->source.QuotedIdentifiers() : std::make_shared<StringCollection>();
   if (!text.empty() && IsQuote(text.front())) {
     text.remove_prefix(1);
   } else {
@@ -103,7 +107,7 @@ std::string qbParameter::FormatPrompt() const {
 
 Ref<qbQueryBuilder> qbParameters::QueryBuilder() const {
   const Ref<QueryContext> context = context_.lock();
-  return context ? context->Hub() : nullptr;
+  return context ? context->design.Hub() : nullptr;
 }
 
 void qbParameters::AddFromMarker(std::string_view arguments) {
@@ -116,7 +120,8 @@ void qbParameters::AddFromMarker(std::string_view arguments) {
   if (pieces.size() > 3) {
     parameter->DataType = piece(3);
     const Ref<QueryContext> context = context_.lock();
-    if (const Ref<qbDataType> type = context ? TypeNamed(*context->DataTypes(), parameter->DataType.Text()) : nullptr) {
+    if (const Ref<qbDataType> type =
+            context ? TypeNamed(*context->source.DataTypes(), parameter->DataType.Text()) : nullptr) {
       parameter->QuotePrefix = type->PrefixLetters;
       parameter->QuoteSuffix = type->SuffixLetters;
     }

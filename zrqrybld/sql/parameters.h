@@ -18,11 +18,12 @@
 #include "zrqrybld/base/keyed_list.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/base/variant.h"
-#include "zrqrybld/host/query_context.h"
 
 namespace zrqrybld {
 
 class qbParameters;
+class qbQueryBuilder;
+struct QueryContext;
 
 /// One parameter. Everything but the owner may be changed by whoever handles it.
 class ZRQRYBLD_API qbParameter final : public Object {

@@ -4,6 +4,9 @@
 
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/host/connection_info.h"
+#include "zrqrybld/host/context_link.h"
+#include "zrqrybld/host/design_queries.h"
+#include "zrqrybld/host/source_context.h"
 #include "zrqrybld/sql/dialect.h"
 
 namespace zrqrybld {
@@ -12,7 +15,7 @@ namespace {
 
 // The text under the key; none when it is missing or empty.
 std::optional<std::string> Known(const QueryContext& context, std::string_view key) {
-  std::optional<std::string> text = context.Properties()->FindText(key);
+  std::optional<std::string> text = context.source.Properties()->FindText(key);
   return text && !text->empty() ? text : std::nullopt;
 }
 
@@ -42,7 +45,7 @@ std::optional<NameQuotes> SourceQuotes(const QueryContext& context) {
 
 NameRules CurrentNameRules(const QueryContext& context) {
   NameRules rules;
-  const Dialect& dialect = context.CurrentDialect();
+  const Dialect& dialect = context.design.CurrentDialect();
   if (!dialect.namePrefix.empty()) {
     rules.quotePrefix = dialect.namePrefix;
     rules.quoteSuffix = dialect.nameSuffix;
@@ -52,12 +55,12 @@ NameRules CurrentNameRules(const QueryContext& context) {
   }
   rules.dialectWords = dialect.words;
   if (!IsTextSource(context)) {
-    rules.schemaSeparator = Known(context, "SCHEMA_SEPARATOR").value_or(context.IsConnected() ? "" : ".");
+    rules.schemaSeparator = Known(context, "SCHEMA_SEPARATOR").value_or(context.source.IsConnected() ? "" : ".");
   }
   rules.invalidTableCharacters = Known(context, "INVALID_TABLE_CHARS").value_or("");
-  AddForcingTexts(rules, *context.QuotedIdentifiers());
+  AddForcingTexts(rules, *context.source.QuotedIdentifiers());
   rules.invalidTableStartingCharacters = Known(context, "INVALID_TABLE_STARTING_CHARS").value_or("");
-  rules.reservedWords = context.ReservedWords();
+  rules.reservedWords = context.source.ReservedWords();
   return rules;
 }
 

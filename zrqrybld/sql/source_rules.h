@@ -4,10 +4,12 @@
 #include <optional>
 #include <string>
 
-#include "zrqrybld/host/query_context.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/sql/names.h"
 
 namespace zrqrybld {
+
+struct QueryContext;
 
 /// The texts around a quoted name.
 struct NameQuotes {
@@ -21,6 +23,6 @@ std::optional<NameQuotes> SourceQuotes(const QueryContext& context);
 
 /// The rules as they are now: the dialect's own quotes, otherwise the source's and separator where it has told them;
 /// "[", "]" and "." without a source. The names of a text-file source are never split.
-NameRules CurrentNameRules(const QueryContext& context);
+ZRQRYBLD_API NameRules CurrentNameRules(const QueryContext& context);
 
 }  // namespace zrqrybld

@@ -4,10 +4,12 @@
 #include "zrqrybld/base/scoped_value.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_sql.h"
+#include "zrqrybld/host/query_context.h"
 #include "zrqrybld/platform/commands.h"
 #include "zrqrybld/platform/headless.h"
 #include "zrqrybld/platform/input.h"
 #include "zrqrybld/platform/stored_values.h"
+#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/generator.h"
 #include "zrqrybld/sql/lexer.h"
 #include "zrqrybld/sql/query_snapshot.h"
@@ -50,7 +52,7 @@ Ref<qbSQLPane> qbSQLPane::Create() { return Ref<qbSQLPane>(new qbSQLPane()); }
 
 Ref<qbQueryBuilder> qbSQLPane::QueryBuilder() const {
   const Ref<QueryContext> context = context_.lock();
-  return context ? context->Hub() : nullptr;
+  return context ? context->design.Hub() : nullptr;
 }
 
 // --- The text area ---
@@ -142,12 +144,13 @@ bool qbSQLPane::ApplyEditedText() {
   const Ref<QueryContext> context = context_.lock();
   if (!context) return false;
   try {
-    return ParseSQLStatement(textArea_->Text());
+    ParseSQLStatement(textArea_->Text());
+    return true;
   } catch (const Error& error) {
-    context->SetState(InfoDone);
+    context->steps.SetState(InfoDone);
     ShowFailure(error);
   } catch (const std::exception& error) {
-    context->SetState(InfoDone);
+    context->steps.SetState(InfoDone);
     ShowFailure(Error(ErrorParsingText, PhraseOf(error)));
   }
   return false;
@@ -175,7 +178,7 @@ void qbSQLPane::SetSQLStatement(const std::string& text) {
 
 void qbSQLPane::SetSQLSyntax(SQLSyntaxEnum syntax) {
   options_.syntax = syntax;
-  if (const Ref<QueryContext> context = context_.lock()) context->DialectChanged();
+  if (const Ref<QueryContext> context = context_.lock()) context->reports.DialectChanged();
   PropertyChanged.Raise(StoredKey<&F::syntax>(kStored));
 }
 
@@ -183,7 +186,7 @@ void qbSQLPane::SetLikeOperator(const std::string& word) {
   const std::string before = options_.likeOperator;
   options_.likeOperator = Trim(word).empty() ? SqlPaneOptions().likeOperator : word;
   const Ref<QueryContext> context = context_.lock();
-  if (context && before != options_.likeOperator) context->LikeOperatorChanged(before);
+  if (context && before != options_.likeOperator) context->reports.LikeOperatorChanged(before);
   PropertyChanged.Raise(StoredKey<&F::likeOperator>(kStored));
 }
 
@@ -205,9 +208,9 @@ void qbSQLPane::WriteProperties(PropertyStore& store) const { WriteStored(kStore
 std::string qbSQLPane::Generate(const std::string& orExpression, const std::string& andExpression) {
   const Ref<QueryContext> context = context_.lock();
   if (busy_ || !context) return {};
-  context->TakeBackState();
-  if (context->state() != InfoDone) return {};
-  QuerySnapshot query = context->Snapshot();
+  context->steps.TakeBackState();
+  if (context->steps.state() != InfoDone) return {};
+  QuerySnapshot query = context->design.Snapshot();
   const Dialect& dialect = DialectFor(options_.syntax);
   GeneratedSql generated = GenerateSelect(query, dialect, {orExpression, andExpression});
   diagnostics_ = Diagnose(query, dialect, generated);
@@ -260,7 +263,7 @@ std::string qbSQLPane::AddWhereClause(const std::string& orExpression, const std
   return Generate(orExpression, andExpression);
 }
 
-bool qbSQLPane::ParseSQLStatement(const std::string& sql) {
+void qbSQLPane::ParseSQLStatement(const std::string& sql) {
   const Ref<Object> alive = shared_from_this();  // a listener may let go of it
   const Ref<QueryContext> context = context_.lock();
   if (!context) throw Error(ErrorParsingText, text::NotLinked);
@@ -269,21 +272,20 @@ bool qbSQLPane::ParseSQLStatement(const std::string& sql) {
   }
   {
     const StepScope step(context, kStepApplyStatement);
-    context->SetState(InfoParsingSQL);
+    context->steps.SetState(InfoParsingSQL);
     try {
       const ScopedValue busy(busy_, true);
-      context->RaiseInfo(InfoParsingSQL, sql);
-      context->LoadStatement(sql);
+      context->steps.RaiseInfo(InfoParsingSQL, sql);
+      context->reports.LoadStatement(sql);
     } catch (const std::exception& cause) {
-      context->LeaveState();
+      context->steps.LeaveState();
       throw WrapError(ErrorParsingText, text::ParsingFailed, cause);
     }
     QueryReplaced();
-    context->SetState(InfoDone);
-    context->QueryChanged();
+    context->steps.SetState(InfoDone);
+    context->steps.QueryChanged();
   }
-  context->RaiseInfo(InfoDone, static_cast<std::int32_t>(InfoParsingSQL));
-  return true;
+  context->steps.RaiseInfo(InfoDone, static_cast<std::int32_t>(InfoParsingSQL));
 }
 
 // --- Parameters ---

@@ -14,16 +14,18 @@
 #include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/base/phrase.h"
-#include "zrqrybld/host/query_context.h"
 #include "zrqrybld/platform/editors.h"
 #include "zrqrybld/platform/property_store.h"
 #include "zrqrybld/sql/diagnostics.h"
-#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/joins.h"
 #include "zrqrybld/sql/parameters.h"
 #include "zrqrybld/sql/sql_pane_options.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
+
+class qbQueryBuilder;
+struct QueryContext;
 
 class ZRQRYBLD_API qbSQLPane final : public Object {
  public:
@@ -59,10 +61,10 @@ class ZRQRYBLD_API qbSQLPane final : public Object {
   /// does not change. "" while the designer is busy.
   std::string AddWhereClause(const std::string& orExpression = {}, const std::string& andExpression = {});
 
-  /// Makes the designer's query what the statement says, and then writes the statement anew. True when that was done.
-  /// Error 40002 otherwise, with the place in the text when it cannot be read; nothing has changed then, but the
+  /// Makes the designer's query what the statement says, and then writes the statement anew. Error 40002 when
+  /// that cannot be done, with the place in the text when it cannot be read; nothing has changed then, but the
   /// designer's `state` stays `InfoParsingSQL`. Also without a hub, and for a dialect whose statements are not read.
-  bool ParseSQLStatement(const std::string& sql);
+  void ParseSQLStatement(const std::string& sql);
 
   /// Whether the user has changed the text and the designer has not taken it over.
   bool IsEdited() const { return edited_; }

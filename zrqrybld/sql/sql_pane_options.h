@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 

@@ -5,6 +5,7 @@
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_sql.h"
 #include "zrqrybld/sql/criteria_binder.h"
+#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/field_terms.h"
 #include "zrqrybld/sql/from_binder.h"
 #include "zrqrybld/sql/join_form.h"

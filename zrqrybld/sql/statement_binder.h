@@ -8,13 +8,14 @@
 #include <vector>
 
 #include "zrqrybld/host/catalogs.h"
-#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/join_orders.h"
 #include "zrqrybld/sql/name_scope.h"
 #include "zrqrybld/sql/query_snapshot.h"
 #include "zrqrybld/sql/select_statement.h"
 
 namespace zrqrybld {
+
+struct Dialect;
 
 struct BindOptions {
   /// The dialect in which the statement is written anew.

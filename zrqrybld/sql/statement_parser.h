@@ -15,7 +15,7 @@ struct ParseOptions {
   /// Whether parentheses that are opened in FROM may stay open up to its end: the generator leaves them so where tables
   /// are not joined, in the dialect that nests joins.
   bool openParenthesesInFrom = false;
-  /// Whether "||" is refused, for it may mean OR: then what it stands in is no part of a condition.
+  /// Whether "||" is refused beside AND and NOT, for it may mean OR, which they would take the operands from.
   bool pipesMayBeOr = false;
 };
 

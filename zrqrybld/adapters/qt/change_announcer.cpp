@@ -5,7 +5,10 @@
 
 #include "zrqrybld/adapters/qt/access_events.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/hub/hub.h"
 #include "zrqrybld/sql/query_changes.h"
+#include "zrqrybld/sql/query_snapshot.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "zrqrybld/adapters/qt/announcer.h"
-#include "zrqrybld/hub/query_builder.h"
+#include "zrqrybld/hub/hub.h"
 #include "zrqrybld/sql/query_snapshot.h"
 
 namespace zrqrybld {

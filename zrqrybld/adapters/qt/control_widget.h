@@ -20,6 +20,7 @@
 #include "zrqrybld/adapters/qt/theme.h"
 #include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/control.h"
+#include "zrqrybld/platform/input.h"
 #include "zrqrybld/platform/surface.h"
 
 class QTimer;

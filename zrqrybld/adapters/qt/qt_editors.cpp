@@ -12,6 +12,7 @@
 #include "zrqrybld/adapters/qt/qt_input.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
 #include "zrqrybld/grid/grid_layout.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 namespace {

@@ -23,6 +23,7 @@
 #include "zrqrybld/adapters/qt/text_colors.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_qt.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 namespace {

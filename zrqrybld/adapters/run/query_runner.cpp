@@ -6,6 +6,7 @@
 #include "zrqrybld/adapters/run/source_sql.h"
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/texts_run.h"
+#include "zrqrybld/sql/dialect.h"
 
 namespace zrqrybld {
 namespace {

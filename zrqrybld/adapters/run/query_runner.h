@@ -18,9 +18,10 @@
 #include "zrqrybld/adapters/run/source_mode.h"
 #include "zrqrybld/base/export.h"
 #include "zrqrybld/base/texts_run.h"
-#include "zrqrybld/sql/dialect.h"
 
 namespace zrqrybld {
+
+struct Dialect;
 
 /// What a value is, as far as it is shown in another way.
 enum class ResultKind : std::uint8_t { Null, Text, Number, Date, Binary };

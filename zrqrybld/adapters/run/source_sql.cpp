@@ -11,6 +11,7 @@
 #include "zrqrybld/adapters/run/source_effects.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_run.h"
+#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/lexer.h"
 
 namespace zrqrybld {

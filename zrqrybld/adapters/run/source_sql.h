@@ -11,6 +11,8 @@
 
 namespace zrqrybld {
 
+struct Dialect;
+
 /// Error 40002, with the place, when the text is anything but one SELECT that only reads: another statement, a second
 /// one, SELECT INTO, a lock, a function or clause with effects (source_effects.h), or a SELECT without columns.
 /// Literals, quoted names and comments are told apart as the source does it; in every way in which it may, when its

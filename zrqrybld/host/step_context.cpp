@@ -1,4 +1,4 @@
-#include "zrqrybld/host/query_context.h"
+#include "zrqrybld/host/step_context.h"
 
 #include <algorithm>
 #include <new>
@@ -6,51 +6,20 @@
 
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/scoped_value.h"
-#include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_hub.h"
+#include "zrqrybld/host/context_link.h"
 
 namespace zrqrybld {
 
-QueryContext::QueryContext(std::shared_ptr<Toolkit> toolkit) : toolkit_(std::move(toolkit)) {
-  toolkit_->SetTexts(language_);
-  properties_->Add(std::int16_t{0}, "_QBDSFLAGS");
-  FillCatalogs(*keywords_, *operators_, *functions_, *quotedIdentifiers_);
-}
-
-Ref<zrqrybld::Connection> QueryContext::Connection() {
-  if (!connection_) connection_ = std::make_shared<ProviderConnection>(toolkit_->Providers());
-  return connection_;
-}
-
-std::shared_ptr<const WordSet> QueryContext::ReservedWords() const {
-  const std::uint64_t revision = keywords_->Revision() + functions_->Revision();
-  if (reservedWords_ && reservedWordsRevision_ == revision) return reservedWords_;
-  auto words = std::make_shared<WordSet>(sourceWords_);
-  for (const auto& keyword : *keywords_) words->insert(keyword->Name());
-  for (const auto& function : *functions_) {
-    if (function->IsReserved()) words->insert(function->Name());
-  }
-  reservedWords_ = std::move(words);
-  reservedWordsRevision_ = revision;
-  return reservedWords_;
-}
-
-void QueryContext::SetSourceWords(const std::vector<std::string>& words) {
-  sourceWords_ = WordSet(words.begin(), words.end());
-  reservedWords_ = nullptr;
-}
-
-void QueryContext::RaiseInfo(QueryBuilderInfoEnum info, Variant parameters) { Info.Raise(info, parameters); }
-
-void QueryContext::RunOperation(const StepName& stepName, QueryBuilderInfoEnum operation,
-                                const std::function<void()>& work, const std::string& about) {
-  const Ref<Object> alive = shared_from_this();  // a listener may let go of it
+void StepContext::RunOperation(const StepName& stepName, QueryBuilderInfoEnum operation,
+                               const std::function<void()>& work, const std::string& about) {
+  const Ref<QueryContext> whole = Whole();  // a listener may let go of it
   TakeBackState();
   const bool outermost = state_ == InfoDone;
   const auto run = [&] {
-    const StepScope step(RefTo(*this), stepName, about);
-    const StateScope state(*this, operation);
-    WholeOrNothing(RefTo<QueryContext>(*this), work);
+    const StepScope step(whole, stepName, about);
+    const StateScope state(*whole, operation);
+    WholeOrNothing(whole, work);
   };
   try {
     run();
@@ -61,7 +30,7 @@ void QueryContext::RunOperation(const StepName& stepName, QueryBuilderInfoEnum o
   if (outermost) RaiseInfo(InfoDone, static_cast<std::int32_t>(operation));
 }
 
-void QueryContext::BeginStep(const StepName& name, const std::string& about) {
+void StepContext::BeginStep(const StepName& name, const std::string& about) {
   TakeBackState();
   if (stepDepth_ == 0) step_ = StepLabel(name, about);
   if (++stepDepth_ > 1) return;
@@ -73,7 +42,7 @@ void QueryContext::BeginStep(const StepName& name, const std::string& about) {
   }
 }
 
-void QueryContext::EndStep() {
+void StepContext::EndStep() {
   if (stepDepth_ == 0) throw Error(ErrorInvalidCall, text::NoStepBegun);
   if (stepDepth_ == 1 && std::exchange(takesStepBack_, false)) {
     try {
@@ -98,7 +67,7 @@ void QueryContext::EndStep() {
   if (state_ == InfoDone) StepEnded();
 }
 
-void QueryContext::EntitiesChanged(std::int32_t from) {
+void StepContext::EntitiesChanged(std::int32_t from) {
   from = std::max(from, 1);  // a listener may have removed all of them
   if (stepDepth_ > 0) {
     entitiesChangedFrom_ = std::min(from, entitiesChangedFrom_.value_or(from));
@@ -107,7 +76,7 @@ void QueryContext::EntitiesChanged(std::int32_t from) {
   }
 }
 
-void QueryContext::QueryChanged() {
+void StepContext::QueryChanged() {
   TakeBackState();
   if (stepDepth_ > 0) {
     changed_ = true;
@@ -118,6 +87,37 @@ void QueryContext::QueryChanged() {
   if (state_ != InfoDone) return;
   RefreshStatement();
   StepEnded();
+}
+
+StepScope::StepScope(Ref<QueryContext> context, const StepName& name, const std::string& about)
+    : context_(std::move(context)) {
+  if (context_) context_->steps.BeginStep(name, about);
+}
+
+StepScope::~StepScope() noexcept(false) {
+  if (!context_) return;
+  if (std::uncaught_exceptions() == exceptions_) {
+    context_->steps.EndStep();
+    return;
+  }
+  try {
+    context_->steps.EndStep();
+  } catch (...) {
+    // The step ends because of an error; that error goes on, not one from writing the statement.
+  }
+}
+
+void TakeStepBack(const Ref<QueryContext>& context) {
+  if (context) context->steps.TakeStepBack();
+}
+
+StateScope::StateScope(QueryContext& context, QueryBuilderInfoEnum value)
+    : steps_(context.steps), outermost_(steps_.state() == InfoDone) {
+  if (outermost_) steps_.SetState(value);
+}
+
+StateScope::~StateScope() {
+  if (outermost_) steps_.SetState(InfoDone);
 }
 
 }  // namespace zrqrybld

@@ -1,0 +1,63 @@
+// DesignQueries: what a pane asks about the design as a whole, which the hub answers from all panes.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "zrqrybld/base/export.h"
+#include "zrqrybld/base/object.h"
+#include "zrqrybld/host/designer_values.h"
+
+namespace zrqrybld {
+
+class SchemaCache;
+class qbEntities;
+class qbQueryBuilder;
+struct CriteriaContext;
+struct Dialect;
+struct QuerySnapshot;
+
+class ZRQRYBLD_API DesignQueries {
+ public:
+  DesignQueries() = default;
+  DesignQueries(const DesignQueries&) = delete;
+  DesignQueries& operator=(const DesignQueries&) = delete;
+  virtual ~DesignQueries() = default;
+
+  /// The hub itself, for a pane's `QueryBuilder`.
+  virtual Ref<qbQueryBuilder> Hub() = 0;
+
+  /// The longest alias in characters; 0 means no limit.
+  virtual std::int16_t AliasMaxLen() const = 0;
+  virtual FieldOrderEnum RetrieveFieldOrder() const = 0;
+
+  /// The diagram's tables; nothing when no diagram is linked.
+  virtual Ref<qbEntities> Entities() const = 0;
+
+  /// The dialect in use; the generic one when no SQL pane is linked.
+  virtual const Dialect& CurrentDialect() const = 0;
+  /// Whether it can say "all rows of both tables". Without an SQL pane nothing speaks against that.
+  virtual bool HasFullJoin() const = 0;
+
+  /// The grid's date format; the default one when no grid is linked.
+  virtual std::string DateFormat() const = 0;
+
+  /// How criteria are read and values written; what depends on a column is left open.
+  virtual CriteriaContext CriteriaRules() const = 0;
+
+  /// The designed query as it is now.
+  virtual QuerySnapshot Snapshot() const = 0;
+
+  /// What the grid says about a column; empty texts when it has no row there, nothing when no grid is linked.
+  virtual std::optional<ColumnUse> UseOfColumn(const std::string& entityCaption, const std::string& column) const = 0;
+
+  /// Whether the properties of a join may be shown.
+  virtual bool CanEditJoins() const = 0;
+
+  /// What the expression tools know of the source; never nothing.
+  virtual std::shared_ptr<SchemaCache> Schema() = 0;
+};
+
+}  // namespace zrqrybld
