@@ -12,7 +12,6 @@
 #include <span>
 
 #include "designer/command_actions.h"
-#include "zrqrybld/hub/query_builder.h"
 namespace zrqrybld {
 
 class qbQueryBuilder;

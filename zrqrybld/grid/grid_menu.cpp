@@ -6,6 +6,7 @@
 #include "zrqrybld/host/command_entry.h"
 #include "zrqrybld/host/source_context.h"
 #include "zrqrybld/platform/commands.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 

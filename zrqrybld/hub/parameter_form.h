@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "zrqrybld/base/export.h"
-#include "zrqrybld/hub/query_builder.h"
 #include "zrqrybld/sql/parameter_values.h"
 
 namespace zrqrybld {

@@ -10,7 +10,6 @@
 #include "zrqrybld/base/event.h"
 #include "zrqrybld/base/export.h"
 #include "zrqrybld/base/units.h"
-#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 

@@ -7,7 +7,6 @@
 
 #include "zrqrybld/adapters/run/source_mode.h"
 #include "zrqrybld/base/export.h"
-#include "zrqrybld/sql/dialect.h"
 
 namespace zrqrybld {
 
