@@ -90,6 +90,10 @@ if(TARGET zrqrybld-designer)
   install(FILES ${from}/zrqrybld-designer.metainfo.xml DESTINATION ${share}/metainfo COMPONENT designer)
   install(FILES ${PROJECT_SOURCE_DIR}/samples/languages/german.txt
     DESTINATION ${share}/zrqrybld/languages COMPONENT designer)
+  if(TARGET zrqrybld_sample_db)
+    # What the start page offers to try; the designer looks for it beside its own folder.
+    install(FILES ${PROJECT_BINARY_DIR}/samples/store.db DESTINATION ${share}/zrqrybld COMPONENT designer)
+  endif()
 endif()
 
 if(PROJECT_IS_TOP_LEVEL)

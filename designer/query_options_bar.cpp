@@ -98,11 +98,6 @@ void QueryOptionsBar::AddCommands(const CommandActions& commands, std::span<cons
   }
 }
 
-void QueryOptionsBar::EditLimit() {
-  limit_->setFocus(Qt::ShortcutFocusReason);
-  limit_->selectAll();
-}
-
 void QueryOptionsBar::TakeLimit() {
   const std::string text = ToUtf8(limit_->text());
   if (text != hub_.SelectTopRecords()) Change([&] { hub_.SetSelectTopRecords(text); });

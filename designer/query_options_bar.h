@@ -25,8 +25,6 @@ class QueryOptionsBar : public QToolBar {
 
   /// Adds the buttons of these commands in front of what is there; nothing is a line between groups.
   void AddCommands(const CommandActions& commands, std::span<const std::optional<Command>> wanted);
-  /// Gives the keyboard to the box with the row limit.
-  void EditLimit();
 
   /// Shows what the hub holds; a field that is being typed in keeps its text.
   void Refresh();

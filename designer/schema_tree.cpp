@@ -5,6 +5,7 @@
 #include <QHeaderView>
 #include <QInputDialog>
 #include <QMimeData>
+#include <QTimer>
 #include <QVBoxLayout>
 #include <map>
 
@@ -275,7 +276,12 @@ bool SchemaTree::eventFilter(QObject* watched, QEvent* event) {
   if (!drop->mimeData()->hasFormat(kDragFormat) || drop->source() != tree_) return false;
   drop->setDropAction(Qt::CopyAction);
   drop->accept();
-  if (type == QEvent::Drop && tree_->currentItem()) Add(*tree_->currentItem());
+  // Behind the drop: the question which way to take must not hold up whoever drags.
+  if (type == QEvent::Drop) {
+    QTimer::singleShot(0, tree_, [this] {
+      if (tree_->currentItem()) Add(*tree_->currentItem());
+    });
+  }
   return true;
 }
 

@@ -36,7 +36,7 @@ done
 
 # The programs find what they need in what was unpacked.
 LD_LIBRARY_PATH=root/usr/lib root/usr/bin/zrqb --version
-QT_QPA_PLATFORM=offscreen root/usr/bin/zrqrybld-designer --db "$build/samples/store.db" --add-table Customers --print-sql
+QT_QPA_PLATFORM=offscreen root/usr/bin/zrqrybld-designer --db root/usr/share/zrqrybld/store.db --add-table Customers --print-sql
 mkdir anywhere && tar -xf zrqrybld-*.tar.gz -C anywhere --strip-components 1
 anywhere/bin/zrqb --version
 test -e anywhere/lib/cmake/zrQryBld/zrQryBldConfig.cmake
