@@ -18,7 +18,7 @@ namespace zrqrybld {
 namespace {
 
 using F = DiagramProperties;
-constexpr StoredValue<F> kStored[] = {
+constexpr StoredTable kStored = {
     Stored<F, &F::entityMinimizeButton>("EntityMinimizeButton"),
     Stored<F, &F::entityBackColor>("EntityBackColor", kStoredAlways),
     Stored<F, &F::entityForeColor>("EntityForeColor", kStoredAlways),

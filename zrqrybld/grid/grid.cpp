@@ -17,7 +17,7 @@ constexpr Pixels kRowAir = 8_px;
 constexpr Pixels kHeaderAir = 10_px;
 
 using F = GridOptions;
-constexpr StoredValue<F> kStored[] = {
+constexpr StoredTable kStored = {
     Stored<F, &F::allowColumnResize>("AllowColumnResize"),
     Stored<F, &F::allowRowInsert>("AllowRowInsert"),
     Stored<F, &F::font>("Font", kStoredAlways),

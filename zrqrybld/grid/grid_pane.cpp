@@ -26,7 +26,7 @@ struct GridPaneOptions : DateOptions {
 };
 
 using F = GridPaneOptions;
-constexpr StoredValue<F> kStored[] = {
+constexpr StoredTable kStored = {
     Stored<F, &F::format>("DateFormat"),
     Stored<F, &F::style>("DateFormatStyle"),
     Stored<F, &F::showGroupBy>("ShowGroupBy"),  // this and those below are kept in the grid

@@ -16,7 +16,7 @@ namespace {
 constexpr Pixels kButtonWidth = 20_px;
 constexpr std::int32_t kPageOfItems = 8;
 
-constexpr StoredValue<ComboOptions> kStored[] = {
+constexpr StoredTable kStored = {
     Stored<ComboOptions, &ComboOptions::hideEdit>("HideEdit"),
 };
 

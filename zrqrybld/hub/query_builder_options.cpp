@@ -32,7 +32,7 @@ bool ReadLimit(const Variant& stored, std::string& limit) {
 }
 
 using F = HubOptions;
-constexpr StoredValue<F> kStored[] = {
+constexpr StoredTable kStored = {
     Stored<F, &F::allowJoinProperties>("AllowJoinProperties", kStoredAlways),
     Stored<F, &F::connectOnLoad>("ConnectOnLoad"),
     Stored<F, &F::distinctRecords>("DistinctRecords"),

@@ -1,7 +1,7 @@
 // The design-time properties of a control as a table: a row says which field is stored under which key.
 //
 //   using F = HubOptions;
-//   constexpr StoredValue<F> kStored[] = {
+//   constexpr StoredTable kStored = {
 //       Stored<F, &F::distinctRecords>("DistinctRecords"),
 //       Stored<F, &F::selectTopRecords, &ReadLimit>("SelectTopRecords"),  // read by a rule of its own
 //   };
@@ -74,15 +74,23 @@ struct StoredValue {
 
 inline constexpr bool kStoredAlways = true;
 
-/// What the row of a field writes. A table's rows are told apart by it.
+/// A row that knows its field by its type. Addresses would do as well, but under sanitizers not every compiler compares
+/// them while it compiles.
 template <class Fields, auto Field>
-Variant GetStored(const Fields& fields) {
-  return ToStored(fields.*Field);
-}
+struct StoredField : StoredValue<Fields> {};
+
+/// The rows, in the order in which they are stored.
+template <class Fields, auto... Field>
+struct StoredTable {
+  StoredValue<Fields> rows[sizeof...(Field)];
+
+  constexpr StoredTable(const StoredField<Fields, Field>&... row) : rows{row...} {}
+};
 
 /// A row. The fields' type comes first because a field that it inherits is a pointer into its base.
 template <class Fields, auto Field, auto Read = nullptr>
-constexpr StoredValue<Fields> Stored(std::string_view key, bool always = false) {
+constexpr StoredField<Fields, Field> Stored(std::string_view key, bool always = false) {
+  const auto get = [](const Fields& fields) { return ToStored(fields.*Field); };
   const auto take = [](Fields& fields, const Variant& stored) {
     if constexpr (std::is_null_pointer_v<decltype(Read)>) {
       return FromStored(stored, fields.*Field);
@@ -90,32 +98,34 @@ constexpr StoredValue<Fields> Stored(std::string_view key, bool always = false) 
       return Read(stored, fields.*Field);
     }
   };
-  return {key, &GetStored<Fields, Field>, take, always};
+  return {{key, get, take, always}};
 }
 
 /// The key of a field. A field without a row does not compile.
-template <auto Field, class Fields, std::size_t n>
-consteval std::string_view StoredKey(const StoredValue<Fields> (&rows)[n]) {
+template <auto Field, class Fields, auto... Row>
+consteval std::string_view StoredKey(const StoredTable<Fields, Row...>& table) {
+  using Wanted = StoredField<Fields, Field>;
+  static_assert((std::is_same_v<Wanted, StoredField<Fields, Row>> || ...), "this field has no row");
   std::size_t row = 0;
-  while (rows[row].get != &GetStored<Fields, Field>) ++row;
-  return rows[row].key;
+  static_cast<void>(((std::is_same_v<Wanted, StoredField<Fields, Row>> || (++row, false)) || ...));
+  return table.rows[row].key;
 }
 
 /// Takes the fields from a stored form; what is missing there has the value of `defaults`.
-template <class Fields, std::size_t n>
-void ReadStored(const StoredValue<Fields> (&rows)[n], const PropertyStore& store, Fields& fields,
+template <class Fields, auto... Field>
+void ReadStored(const StoredTable<Fields, Field...>& table, const PropertyStore& store, Fields& fields,
                 const Fields& defaults = {}) {
-  for (const StoredValue<Fields>& row : rows) {
+  for (const StoredValue<Fields>& row : table.rows) {
     const Variant byDefault = row.get(defaults);
     if (!row.take(fields, store.Read(row.key, byDefault))) row.take(fields, byDefault);
   }
 }
 
 /// Stores the fields in the order of the rows; those with the value of `defaults` are left out.
-template <class Fields, std::size_t n>
-void WriteStored(const StoredValue<Fields> (&rows)[n], PropertyStore& store, const Fields& fields,
+template <class Fields, auto... Field>
+void WriteStored(const StoredTable<Fields, Field...>& table, PropertyStore& store, const Fields& fields,
                  const Fields& defaults = {}) {
-  for (const StoredValue<Fields>& row : rows) {
+  for (const StoredValue<Fields>& row : table.rows) {
     if (row.always) {
       store.Write(row.key, row.get(fields));
     } else {

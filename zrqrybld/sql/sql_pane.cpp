@@ -36,7 +36,7 @@ bool ReadLikeOperator(const Variant& stored, std::string& word) {
 }
 
 using F = SqlPaneOptions;
-constexpr StoredValue<F> kStored[] = {
+constexpr StoredTable kStored = {
     Stored<F, &F::syntax, &ReadSyntax>("SQLSyntax"),
     Stored<F, &F::locked>("Locked"),
     Stored<F, &F::likeOperator, &ReadLikeOperator>("LikeOperator"),
