@@ -378,7 +378,10 @@ void qbQueryBuilder::RefreshTableList(std::int32_t from) {
 
 void qbQueryBuilder::DiagramCleared() {
   if (gridPane_) GridPane()->ResetRows();
-  if (sqlPane_) sqlPane_->QueryReplaced();
+  if (sqlPane_) {
+    sqlPane_->QueryReplaced();
+    sqlPane_->SetTyped(nullptr);
+  }
   QueryChanged();
 }
 

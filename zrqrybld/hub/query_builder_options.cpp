@@ -134,7 +134,10 @@ DesignOptions qbQueryBuilder::CurrentOptions() const {
     options.showGroupBy = gridPane_->ShowGroupBy();
     options.dates = {gridPane_->DateFormat(), gridPane_->DateFormatStyle()};
   }
-  if (sqlPane_) options.sql = {sqlPane_->SQLSyntax(), sqlPane_->Locked(), sqlPane_->LikeOperator()};
+  if (sqlPane_) {
+    options.sql = {sqlPane_->SQLSyntax(), sqlPane_->Locked(), sqlPane_->LikeOperator()};
+    options.typed = sqlPane_->Typed();
+  }
   return options;
 }
 
@@ -154,6 +157,7 @@ void qbQueryBuilder::RestoreOptions(const DesignOptions& options) {
     if (sql.syntax != sqlPane_->SQLSyntax()) sqlPane_->SetSQLSyntax(sql.syntax);
     if (sql.likeOperator != sqlPane_->LikeOperator()) sqlPane_->SetLikeOperator(sql.likeOperator);
     if (sql.locked != sqlPane_->Locked()) sqlPane_->SetLocked(sql.locked);
+    sqlPane_->SetTyped(options.typed);
   }
 }
 

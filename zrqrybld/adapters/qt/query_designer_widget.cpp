@@ -10,6 +10,7 @@
 #include "zrqrybld/adapters/qt/say.h"
 #include "zrqrybld/adapters/qt/shortcuts.h"
 #include "zrqrybld/adapters/qt/sql_highlighter.h"
+#include "zrqrybld/adapters/qt/sql_only_cover.h"
 #include "zrqrybld/base/texts_qt.h"
 #include "zrqrybld/sql/brackets.h"
 
@@ -61,6 +62,9 @@ QueryDesignerWidget::QueryDesignerWidget(QWidget* parent)
   };
   onKey(ShortcutOf(Command::NextPane), 1);
   onKey(ShortcutOf(Command::PreviousPane), -1);
+
+  new SqlOnlyCover(*diagram_, *hub_);  // the panes own them
+  new SqlOnlyCover(*grid_, *hub_);
 
   announcer_ = new ChangeAnnouncer(*hub_, this);
   ApplyTexts();
