@@ -130,7 +130,7 @@ TEST(Parameters, TheDialogBeginsWithWhatWasGivenLast) {
   };
   EXPECT_TRUE(AskParameters(*designer.hub, kSql));
   EXPECT_EQ(seen,
-            "Query Parameters/From]|date|2020-01-01|2020-01-01/n & m|whole number||/This is no number./"
+            "Query Parameters/From]|date|2020-01-01|2020-01-01/n & m|whole number||/This is no number; one is 12.5./"
             "'01-Jan-2020' ?PARAM(n & m,,,int)");
   designer.toolkit->GetDialogs().onShowParameters = [&](ParametersDialog& dialog) {
     seen = dialog.fields.at(0).value;

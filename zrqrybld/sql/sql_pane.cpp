@@ -111,10 +111,10 @@ void qbSQLPane::ShowRemarks() {
                       : sqlOnly_       ? Say(context, {text::SqlOnlyBecause, failure_})
                                        : Say(context, failure_));
     commands.push_back({Say(context, text::CommandApply), [this] { ApplyEditedText(); }});
+    commands.push_back({Say(context, text::CommandRevert), [this] { RevertEditedText(); }});
     if (!failure_.Empty() && !sqlOnly_) {
       commands.push_back({Say(context, text::CommandUseAsTyped), [this] { UseAsTyped(); }});
     }
-    commands.push_back({Say(context, text::CommandRevert), [this] { RevertEditedText(); }});
   } else {
     remarks = Remarks();
     if (tellsStale_) remarks.push_back(Say(context_.lock(), text::TypedTextStale));
