@@ -13,6 +13,7 @@
 #include "zrqrybld/hub/parameter_form.h"
 #include "zrqrybld/platform/headless.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/host_parameters.h"
 #include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
@@ -101,8 +102,9 @@ TEST(Parameters, ValuesStayValues) {
     };
     std::string result;
     try {
-      const auto values = AskParameters(*designer.hub, row[1]);
-      result = PutInLiterals(row[1], values.value(), LiteralRulesOf(*designer.hub));
+      const std::string sql = WithParameterMarkers(row[1], designer.hub->CurrentDialect().parameterSigns);
+      const auto values = AskParameters(*designer.hub, sql);
+      result = PutInLiterals(sql, values.value(), LiteralRulesOf(*designer.hub));
     } catch (const Error& error) {
       result = "!" + error.Description();
     }
