@@ -117,7 +117,9 @@ int main(int argc, char** argv) {
   qbQueryBuilder& hub = designer->QueryBuilder();
   hub.GridPane()->SetShowGroupBy(false);
   hub.SetAutoSyntax(true);
-  hub.SetConnection(std::make_shared<Building>());
+  const auto building = std::make_shared<Building>();
+  building->Open({}, {});
+  hub.SetConnection(building);
   const Ref<qbEntity> room = hub.AddTable("Room");
   const Ref<qbEntity> sensor = hub.AddTable("Sensor");
   const Ref<qbEntity> reading = hub.AddTable("Reading");
