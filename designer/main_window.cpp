@@ -65,7 +65,6 @@
 namespace zrqrybld {
 namespace {
 
-constexpr float kNameColumnWidth = 2400;  // twips
 constexpr double kZoomStep = 1.25;
 constexpr int kToolIcon = 20;
 constexpr auto kSchemaTreeKey = "window/schemaTree";
@@ -109,7 +108,6 @@ MainWindow::MainWindow(const QString& languageFile)
   // A plain tick means a plain column; grouping is a choice.
   hub.GridPane()->SetShowGroupBy(false);
   hub.GridPane()->SetDateFormat("yyyy-mm-dd");
-  WidenColumns();
 
   flow_ = std::make_unique<ConnectionFlow>(this, hub);
   MakeDocument();
@@ -150,22 +148,6 @@ void MainWindow::MakeDocument() {
             if (recovery_) recovery_->Keep();
           },
           [this](const QString& text) { ShowHappened(text); }, [this] { preview_->Clear(); }});
-}
-
-// Names are long and captions differ by language: no caption is cut off where a little width shows it.
-void MainWindow::WidenColumns() {
-  zrGrid& grid = *designer_->QueryBuilder().GridPane()->Grid();
-  for (std::int32_t i = 1; i <= grid.Columns()->Count(); ++i) {
-    const Ref<zrGridColumn> column = grid.Columns()->Item(i);
-    const bool holdsNames = column->Index() == kColumnColumn || column->Index() == kColumnTable;
-    float least = holdsNames ? kNameColumnWidth : column->Width();
-    if (column->Index() == kColumnSortType) {
-      const Pixels longest =
-          designer_->GridView().Metrics().TextWidth(TextOf(SortDirection::Descending), {}) + kGridTextPadding * 3;
-      least = std::max(least, static_cast<float>(ScreenScale{}.TwipsX(longest).Value()));
-    }
-    if (column->Width() > 0) grid.FitColumn(i, least);
-  }
 }
 
 void MainWindow::MakeMenus() {

@@ -119,7 +119,6 @@ class MainWindow : public QMainWindow {
   void ShowHappened(const QString& text);
   void PickTables();
   void AskForParameters();
-  void WidenColumns();
   void UpdateState();
   void UpdateHistory();
   /// Runs a command; an error becomes its message.

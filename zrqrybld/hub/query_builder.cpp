@@ -317,9 +317,11 @@ CriteriaContext qbQueryBuilder::CriteriaRules() const {
   if (gridPane_) {
     rules.dateFormatStyle = gridPane_->DateFormatStyle();
     rules.dateFormat = gridPane_->DateFormat();
+    rules.dateFormatChosen = gridPane_->Dates().chosen;
   }
   if (sqlPane_) rules.likeOperator = sqlPane_->LikeOperator();
   rules.dialect = &CurrentDialect();
+  rules.source = SourceDialect();
   rules.reading = SourceReading(*this);
   if (!Properties()->FindText(kTextReadingLiteral)) rules.reading = UsualReading(rules.dialect->readsAs);
   return rules;

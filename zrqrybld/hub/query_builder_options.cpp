@@ -132,7 +132,7 @@ DesignOptions qbQueryBuilder::CurrentOptions() const {
   options.query = static_cast<const QueryOptions&>(options_);
   if (gridPane_) {
     options.showGroupBy = gridPane_->ShowGroupBy();
-    options.dates = {gridPane_->DateFormat(), gridPane_->DateFormatStyle()};
+    options.dates = gridPane_->Dates();
   }
   if (sqlPane_) {
     options.sql = {sqlPane_->SQLSyntax(), sqlPane_->Locked(), sqlPane_->LikeOperator()};
@@ -148,9 +148,7 @@ void qbQueryBuilder::RestoreOptions(const DesignOptions& options) {
   if (query.skipRecords != options_.skipRecords) Store<&F::skipRecords>(query.skipRecords);
   if (gridPane_) {
     gridPane_->RestoreShowGroupBy(options.showGroupBy);
-    const DateOptions& dates = options.dates;
-    if (dates.format != gridPane_->DateFormat()) gridPane_->SetDateFormat(dates.format);
-    if (dates.style != gridPane_->DateFormatStyle()) gridPane_->SetDateFormatStyle(dates.style);
+    gridPane_->RestoreDates(options.dates);
   }
   if (sqlPane_) {
     const SqlPaneOptions& sql = options.sql;

@@ -369,7 +369,7 @@ void QueryFileReader::TakeRelationship() {
 void QueryFileReader::TakeGridOptions() {
   const Ref<qbGridPane> grid = hub_.GridPane();
   if (!grid) return;
-  if (section_.Find("DateFormat")) grid->SetDateFormat(section_.Text("DateFormat"));
+  if (section_.Find("DateFormat")) grid->LoadDateFormat(section_.Text("DateFormat"));
   if (section_.Find("DateFormatStyle")) {
     const double style = RequireNumber("DateFormatStyle", DateFormatNative, DateFormatEscapeSequence);
     grid->SetDateFormatStyle(static_cast<DateFormatEnum>(static_cast<int>(style)));

@@ -160,6 +160,7 @@ constexpr Dialect MySql() {
   d.readsAs = "MySQL";
   d.concatenation = "CONCAT(@Text1, @Text2)";
   d.pipesMayBeOr = true;
+  d.misreadsDates = true;
   d.sharedColumns = Dialect::SharedColumns::FirstAsInTable;
   d.words = dialect_words::MySql();
   d.offersWords = true;
@@ -177,6 +178,7 @@ constexpr Dialect Sqlite() {
   d.namePrefix = d.nameSuffix = "\"";
   d.doubleQuotesAreTexts = true;
   d.readsAs = "SQLite";
+  d.misreadsDates = true;
   d.concatenation = "||";
   d.words = dialect_words::Sqlite();
   d.offersWords = true;
