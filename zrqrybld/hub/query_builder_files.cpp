@@ -2,6 +2,7 @@
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/file.h"
 #include "zrqrybld/base/texts_hub.h"
+#include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/host/step_context.h"
 #include "zrqrybld/hub/hub.h"
 #include "zrqrybld/hub/query_file_reader.h"
@@ -43,6 +44,7 @@ bool qbQueryBuilder::LoadQuery(const std::string& filename, bool fileIsData, boo
       throw WrapError(ErrorLoadingQuery, text::LoadingFailed, cause);
     }
     if (!complete || returnParametersOnly) return;
+    if (diagramPane_) diagramPane_->KeepAdded();
     if (sqlPane_) sqlPane_->QueryReplaced();
     QueryChanged();
   });

@@ -6,6 +6,7 @@
 #include <array>
 
 #include "zrqrybld/adapters/qt/change_announcer.h"
+#include "zrqrybld/adapters/qt/name_find_bar.h"
 #include "zrqrybld/adapters/qt/predictive_text.h"
 #include "zrqrybld/adapters/qt/say.h"
 #include "zrqrybld/adapters/qt/shortcuts.h"
@@ -62,6 +63,12 @@ QueryDesignerWidget::QueryDesignerWidget(QWidget* parent)
   onKey(ShortcutOf(Command::NextPane), 1);
   onKey(ShortcutOf(Command::PreviousPane), -1);
 
+  find_ = new NameFindBar(*diagram_, diagram);
+  wanted_ = diagram->FindWanted.Connect([this](bool& isShown) {
+    isShown = true;
+    find_->Open();
+  });
+
   announcer_ = new ChangeAnnouncer(*hub_, this);
   ApplyTexts();
   texts_ = hub_->TextsChanged.Connect([this] { ApplyTexts(); });
@@ -77,6 +84,7 @@ QueryDesignerWidget::QueryDesignerWidget(QWidget* parent)
 
 void QueryDesignerWidget::ApplyTexts() {
   sql_->SetTexts(hub_->Texts());
+  find_->SetTexts(*hub_->Texts());
   sql_->setAccessibleName(Say(*hub_->Texts(), text::SqlName));
 }
 
