@@ -10,6 +10,8 @@
 #include "zrqrybld/adapters/qt/say.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_designer.h"
+#include "zrqrybld/base/texts_diagram.h"
+#include "zrqrybld/base/texts_grid.h"
 #include "zrqrybld/platform/commands.h"
 
 namespace zrqrybld {
@@ -53,12 +55,14 @@ std::vector<KeyRow> KeyRows() {
       {kSame, {}, text::KeysScroll, text::DoesScroll},
       {kSame, {FindName}, {}, text::DoesFindName},
       {kSame, {SelectAllTables, CopyPicture}, {}, text::DoesSelectAll},
+      {kSame, {ShowMinimap}, {}, text::DoesMinimap},
       {kSame, {}, "Esc", text::DoesEscape},
       {text::KeysGrid, {}, {text::KeysEditCell, KeyTextOf(EditCell)}, text::DoesEditCell},
       {kSame, {}, {text::KeysOpenList, KeyTextOf(OpenList)}, text::DoesOpenList},
       {kSame, {}, "Enter · Tab · Esc", text::DoesCommit},
       {kSame, {MoveRowsUp, MoveRowsDown}, {}, text::DoesMoveColumn},
       {kSame, {}, {text::KeysRows, LongKeyTextOf(InsertRows), LongKeyTextOf(DeleteRows)}, text::DoesRows},
+      {kSame, {OpenBuilder}, {}, text::DoesBuilder},
       {kSame, {CopyCells, PasteCells}, {}, text::DoesCopyCells},
       {text::KeysSql, {ApplyText}, {}, text::DoesApply},
       {kSame, {Suggest}, {}, text::DoesSuggest},

@@ -108,6 +108,13 @@ MainWindow::MainWindow(const QString& languageFile)
   // A plain tick means a plain column; grouping is a choice.
   hub.GridPane()->SetShowGroupBy(false);
   hub.GridPane()->SetDateFormat("yyyy-mm-dd");
+  hub.SQLPane()->SetKeepTypedText(true);
+  hub.DiagramPane()->SetPlacesByJoins(true);
+  hub.DiagramPane()->SetShowMinimap(true);
+  zrGrid& grid = *hub.GridPane()->Grid();
+  grid.SetFillsWidth(true);
+  grid.SetRowKeysTakeCurrent(true);
+  grid.SetHasCellButtons(true);
 
   flow_ = std::make_unique<ConnectionFlow>(this, hub);
   MakeDocument();
@@ -210,6 +217,10 @@ void MainWindow::MakeViewMenu(QMenu& view) {
   commands_.Of(Command::ZoomIn)->setShortcuts(QKeySequence::ZoomIn);
   commands_.Of(Command::ZoomOut)->setShortcuts(QKeySequence::ZoomOut);
   view.addSeparator();
+  QAction* map = commands_.Add(Command::ShowMinimap, [diagram] { diagram().SetShowMinimap(!diagram().ShowMinimap()); });
+  map->setCheckable(true);
+  connect(&view, &QMenu::aboutToShow, map, [map, diagram] { map->setChecked(diagram().ShowMinimap()); });
+  view.addAction(map);
   // The key shows the tree and goes into it; again, and it is gone.
   QAction* tree = commands_.Add(Command::ShowSchemaTree, [this] {
     UpdateState();

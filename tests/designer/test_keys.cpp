@@ -6,7 +6,7 @@
 #include "tests/data_table.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/hands.h"
-#include "zrqrybld/adapters/qt/find_bar.h"
+#include "zrqrybld/adapters/qt/find_frame.h"
 #include "zrqrybld/adapters/qt/query_designer_widget.h"
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
@@ -162,8 +162,12 @@ std::string Keys::State() {
   say("undo", Hub().UndoText());
   say("redo", Hub().RedoText());
   say("edited", Hub().SQLPane()->IsEdited() ? "yes" : "no");
-  const auto isFindBar = [](const QWidget* one) { return dynamic_cast<const FindBar*>(one) && one->isVisible(); };
-  say("find", std::ranges::any_of(Designer().SqlView().findChildren<QWidget*>(), isFindBar) ? "open" : "closed");
+  const auto isFindBar = [](const QWidget* one) { return dynamic_cast<const FindFrame*>(one) && one->isVisible(); };
+  const auto findBar = [&](const QWidget& pane) {
+    return std::ranges::any_of(pane.findChildren<QWidget*>(), isFindBar) ? "open" : "closed";
+  };
+  say("find", findBar(Designer().SqlView()));
+  say("names", findBar(Designer().DiagramView()));
   if (const auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget())) {
     say("menu", test::Utf8(menu->actions().value(0)->text().remove('&').section('\t', 0, 0)));
     say("at", MenuPlace(*menu));

@@ -7,9 +7,11 @@
 #include "tests/diagram/diagram_fixture.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/diagram/arrange.h"
+#include "zrqrybld/diagram/beside.h"
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/diagram/routing.h"
 #include "zrqrybld/host/properties.h"
 #include "zrqrybld/platform/input.h"
 
@@ -18,7 +20,7 @@ namespace {
 
 // --- Arranging ---
 
-constexpr ArrangeRules kRules{800_twips, 400_twips, 20'000_twips};
+constexpr ArrangeRules kRules{56_px, 24_px, {1400_px, 800_px}};
 
 // A graph of a kind: "chain", "star", "clique", "forest", "random", "none".
 std::vector<BoxLink> LinksOf(std::string_view kind, std::size_t count, std::mt19937& random) {
@@ -33,9 +35,9 @@ std::vector<BoxLink> LinksOf(std::string_view kind, std::size_t count, std::mt19
   return links;
 }
 
-std::vector<TwipsSize> SizesFor(std::size_t count, std::mt19937& random) {
-  std::vector<TwipsSize> sizes;
-  const auto length = [&] { return Twips(500.0 + static_cast<double>(random() % 4000)); };
+std::vector<PixelSize> SizesFor(std::size_t count, std::mt19937& random) {
+  std::vector<PixelSize> sizes;
+  const auto length = [&] { return Pixels(40.0 + static_cast<double>(random() % 260)); };
   for (std::size_t i = 0; i < count; ++i) sizes.push_back({length(), length()});
   return sizes;
 }
@@ -47,31 +49,31 @@ TEST(Arrange, BoxesDoNotTouchAndJoinedOnesStandInNeighbouringColumns) {
          {std::size_t{1}, std::size_t{2}, std::size_t{7}, std::size_t{60}, std::size_t{1000}}) {
       if (count == 1000 && std::string_view(kind) == "clique") continue;  // half a million joins
       SCOPED_TRACE(testing::Message() << kind << " " << count);
-      const std::vector<TwipsSize> sizes = SizesFor(count, random);
+      const std::vector<PixelSize> sizes = SizesFor(count, random);
       const std::vector<BoxLink> links = LinksOf(kind, count, random);
-      const std::vector<TwipsPoint> places = ArrangeBoxes(sizes, links, kRules);
+      const std::vector<PixelPoint> places = ArrangeBoxes(sizes, links, kRules);
       ASSERT_EQ(places.size(), count);
       ASSERT_EQ(places, ArrangeBoxes(sizes, links, kRules));  // the same again
       const auto placeOf = [&](std::size_t i) {
-        return TwipsRect{places[i].x, places[i].y, sizes[i].width, sizes[i].height};
+        return PixelRect{places[i].x, places[i].y, sizes[i].width, sizes[i].height};
       };
       for (std::size_t i = 0; i < count; ++i) {
-        ASSERT_GE(places[i].x, 0_twips);
-        ASSERT_GE(places[i].y, 0_twips);
-        const TwipsRect around{places[i].x, places[i].y, sizes[i].width + kRules.columnGap,
+        ASSERT_GE(places[i].x, 0_px);
+        ASSERT_GE(places[i].y, 0_px);
+        const PixelRect around{places[i].x, places[i].y, sizes[i].width + kRules.columnGap,
                                sizes[i].height + kRules.rowGap};
         for (std::size_t j = 0; j < i; ++j) {
-          const TwipsRect other{places[j].x, places[j].y, sizes[j].width + kRules.columnGap,
+          const PixelRect other{places[j].x, places[j].y, sizes[j].width + kRules.columnGap,
                                 sizes[j].height + kRules.rowGap};
           ASSERT_FALSE(around.Overlaps(other)) << i << " " << j;
         }
       }
-      // Between two joined boxes in different columns no third column begins.
+      // Between two joined boxes in different columns no third column begins, unless there are very many.
       for (const BoxLink& link : links) {
         const auto [left, right] = std::minmax(places[link.from].x, places[link.to].x);
-        for (std::size_t i = 0; i < count && count <= 60; ++i) {
+        for (std::size_t i = 0; i < count && count <= 7; ++i) {
           const bool between = places[i].x > left && places[i].x < right;
-          const TwipsRect band = placeOf(link.from).Union(placeOf(link.to));
+          const PixelRect band = placeOf(link.from).Union(placeOf(link.to));
           ASSERT_FALSE(between && band.Overlaps(placeOf(i)) && std::string_view(kind) != "none") << i;
         }
       }
@@ -85,7 +87,7 @@ TEST(Arrange, TakesTimeThatGrowsWithBoxesAndJoins) {
   std::mt19937 random(2);
   for (const char* kind : {"none", "chain", "star", "forest", "random"}) {
     const auto seconds = [&](std::size_t count) {
-      const std::vector<TwipsSize> sizes = SizesFor(count, random);
+      const std::vector<PixelSize> sizes = SizesFor(count, random);
       const std::vector<BoxLink> links = LinksOf(kind, count, random);
       const auto begin = std::chrono::steady_clock::now();
       ArrangeBoxes(sizes, links, kRules);
@@ -95,6 +97,70 @@ TEST(Arrange, TakesTimeThatGrowsWithBoxesAndJoins) {
     bool fast = false;
     for (int attempt = 0; attempt < 10 && !fast; ++attempt) fast = seconds(20'000) < 40 * seconds(2'000);
     EXPECT_TRUE(fast) << kind;
+  }
+}
+
+// New tables beside those that stand: with room, and neither under nor over a line where there is another place.
+TEST(PlaceBeside, NewBoxesStandBesideTheirPartnersAndNoLineRunsUnderABox) {
+  std::mt19937 random(8);
+  const auto upTo = [&random](std::size_t n) { return static_cast<std::size_t>(random() % (n + 1)); };
+  int crossed = 0;
+  int lines = 0;
+  for (int run = 0; run < 300; ++run) {
+    const std::size_t count = 2 + upTo(8);
+    std::vector<JoinPlace> joins;
+    for (std::size_t i = 1; i < count; ++i) joins.push_back({i, upTo(i - 1), 40_px, 60_px});
+    std::vector<PixelRect> boxes;
+    // One after the other, two at a time, or all at once.
+    const std::size_t atOnce = run % 3 == 2 ? count : static_cast<std::size_t>(run % 3) + 1;
+    while (boxes.size() < count) {
+      const std::vector<PixelRect> before = boxes;
+      for (std::size_t i = 0; i < atOnce && boxes.size() < count; ++i) {
+        boxes.push_back({0_px, 0_px, Pixels(136.0 + static_cast<double>(upTo(130))),
+                         Pixels(100.0 + 20.0 * static_cast<double>(upTo(10)))});
+      }
+      std::vector<JoinPlace> known;
+      std::ranges::copy_if(joins, std::back_inserter(known),
+                           [&](const JoinPlace& join) { return join.from < boxes.size(); });
+      PlaceBeside(boxes, before.size(), known, {56_px, 24_px, {1400_px, 800_px}});
+      for (std::size_t i = 0; i < before.size(); ++i) ASSERT_EQ(boxes[i], before[i]) << run;
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+      ASSERT_GE(std::min(boxes[i].left, boxes[i].top), 0_px);
+      for (std::size_t j = 0; j < i; ++j) ASSERT_FALSE(boxes[i].Inset(-11_px).Overlaps(boxes[j].Inset(-11_px))) << run;
+    }
+    for (const JoinPlace& join : joins) {
+      const PixelRect& from = boxes[join.from];
+      const PixelRect& to = boxes[join.to];
+      const auto line = RouteLine({from, from.top + join.fromY}, {to, to.top + join.toY}, {14_px});
+      const bool under = std::ranges::any_of(boxes, [&](const PixelRect& box) {
+        if (&box == &from || &box == &to) return false;
+        for (std::size_t i = 1; i < line.size(); ++i) {
+          const auto [left, right] = std::minmax(line[i - 1].x, line[i].x);
+          const auto [top, bottom] = std::minmax(line[i - 1].y, line[i].y);
+          if (left < box.Right() && right > box.left && top < box.Bottom() && bottom > box.top) return true;
+        }
+        return false;
+      });
+      crossed += under ? 1 : 0;
+      ++lines;
+    }
+  }
+  EXPECT_GT(lines, 1000);
+  EXPECT_LT(crossed, lines / 100);  // where one box after the other has left no place without
+}
+
+TEST(PlaceBeside, WhatIsJoinedToNothingOrComesByTheHundredStandsBehindAll) {
+  for (const std::size_t count : {std::size_t{1}, std::size_t{60}, std::size_t{1000}}) {
+    std::vector<PixelRect> boxes(count + 1, {0_px, 0_px, 200_px, 200_px});
+    std::vector<JoinPlace> joins;
+    for (std::size_t i = 1; count > 1 && i < count; ++i) joins.push_back({i, i - 1, 40_px, 40_px});
+    boxes.front() = {300_px, 100_px, 200_px, 200_px};
+    PlaceBeside(boxes, 1, joins, {56_px, 24_px, {1400_px, 800_px}});
+    EXPECT_EQ(boxes.front(), (PixelRect{300_px, 100_px, 200_px, 200_px}));
+    for (std::size_t i = 1; i <= count; ++i) {
+      ASSERT_TRUE(boxes[i].left >= 556_px || boxes[i].top >= 348_px) << i;
+    }
   }
 }
 

@@ -90,7 +90,7 @@ TEST_F(View, WhatIsSeenIsWhatIsHitAtAnyZoomAndScroll) {
   std::mt19937 random(5);
   const auto below = [&random](std::size_t n) { return static_cast<int>(random() % n); };
   for (int run = 0; run < 1000; ++run) {
-    pane->SetZoom(0.25 + below(376) / 100.0, {});
+    pane->SetZoom(0.5 + below(351) / 100.0, {});
     Scroll(Orientation::Horizontal, below(12000));
     Scroll(Orientation::Vertical, below(8000));
     const qbEntity& entity = *boxes[static_cast<std::size_t>(below(boxes.size()))];

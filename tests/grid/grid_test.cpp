@@ -8,6 +8,7 @@
 #include "tests/player.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/platform/accessible.h"
 #include "zrqrybld/platform/headless.h"
 #include "zrqrybld/platform/input.h"
 
@@ -81,12 +82,28 @@ class GridScene : public test::Player {
     };
     actions["double"] = [this](const Words& w) { grid_->OnDoubleClick(On(w)); };
     actions["key"] = [this](const Words& w) {
-      static const std::map<std::string_view, std::int32_t> kKeys = {{"Up", KeyCodeUp},       {"Down", KeyCodeDown},
-                                                                     {"Left", KeyCodeLeft},   {"Right", KeyCodeRight},
-                                                                     {"Enter", KeyCodeEnter}, {"Space", KeyCodeSpace}};
+      static const std::map<std::string_view, std::int32_t> kKeys = {
+          {"Up", KeyCodeUp},       {"Down", KeyCodeDown},   {"Left", KeyCodeLeft},     {"Right", KeyCodeRight},
+          {"Enter", KeyCodeEnter}, {"Space", KeyCodeSpace}, {"Delete", KeyCodeDelete}, {"Insert", KeyCodeInsert}};
       for (auto key = w.begin() + 1; key != w.end(); ++key) {
-        EXPECT_TRUE(grid_->OnKeyDown({kKeys.at(*key), ShiftNone})) << *key;
+        used_ = grid_->OnKeyDown({kKeys.at(*key), ShiftNone});
+        EXPECT_TRUE(used_ || *key == "Delete" || *key == "Insert") << *key;
       }
+    };
+    actions["focus"] = [this](auto&) { grid_->OnFocusChanged(true); };
+    actions["rowkeys"] = [this](auto&) { grid_->SetRowKeysTakeCurrent(true); };
+    actions["share"] = [this](const Words& w) {
+      grid_->SetFillsWidth(true);
+      grid_->Columns()->Item(w[1])->SetShare(std::stof(w[2]));
+    };
+    actions["button"] = [this](const Words& w) {
+      grid_->SetHasCellButtons(true);
+      grid_->Columns()->Item(w[1])->SetHasButton(true);
+      links_.push_back(grid_->BuilderWanted.Connect([this] { Note("builder"); }));
+    };
+    actions["press"] = [this](const Words& w) {
+      const PixelRect cell = grid_->GetRowColumnXY(std::stoi(w[1]), w[2]);
+      grid_->OnMouseDown({ButtonLeft, ShiftNone, {cell.Right() - 10_px, cell.CenterY()}});
     };
     actions["refuse"] = [this](const Words& w) { refused_ = w[1] == "yes"; };
     actions["removing"] = [this](auto&) { removing_ = true; };
@@ -96,6 +113,17 @@ class GridScene : public test::Player {
   void KnowAnswers() {
     answers["heard"] = [this](auto&) { return std::exchange(heard_, ""); };
     answers["current"] = [this](auto&) { return Current(); };
+    answers["used"] = [this](auto&) { return std::string(used_ ? "yes" : "no"); };
+    answers["editing"] = [this](auto&) { return std::string(grid_->IsEditing() ? "yes" : "no"); };
+    answers["told"] = [this](auto&) {
+      AccessibleTree& tree = *grid_->Accessible();
+      const auto place = tree.PlaceOf(tree.Current());
+      return place ? std::to_string(place->row + 1) + "," + std::to_string(place->column + 1) : std::string();
+    };
+    answers["width"] = [this](const std::string& of) {
+      return Variant(grid_->GetRowColumnXY(1, of).width.Value()).Text() + "/" +
+             Variant(grid_->Columns()->Item(of)->Width()).Text();
+    };
     answers["column"] = [this](const std::string& of) {
       std::string text;
       for (std::int32_t i = 1; i <= grid_->Rows()->Count(); ++i) text += Cell(i, of).Text();
@@ -114,7 +142,7 @@ class GridScene : public test::Player {
   std::vector<EventConnection> links_;
   Ref<zrGridRow> kept_;
   std::string heard_;
-  bool refused_ = false, removing_ = false, clearing_ = false;
+  bool refused_ = false, removing_ = false, clearing_ = false, used_ = false;
 };
 
 [[maybe_unused]] const bool kScenarios = test::RegisterScenarios<GridScene>("GridAloneScenario", "grid_alone.txt");

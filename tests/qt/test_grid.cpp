@@ -179,7 +179,9 @@ class GridWindow : public test::Player, public test::Designer {
     };
     actions["button"] = [this](auto&) {
       const PixelRect cell = control.GetRowColumnXY(control.Row(), control.Column());
-      Click(At({cell.Right() - 8_px, cell.CenterY()}));
+      // An editor is as wide as the text that it begins with.
+      const int right = Editor() ? Editor()->geometry().right() + 12 : 0;
+      Click(At({std::max(cell.Right() - 8_px, Pixels(right)), cell.CenterY()}));
     };
     actions["keys"] = [this](const Words& w) {
       // One by one: the first may move the focus into an editor.

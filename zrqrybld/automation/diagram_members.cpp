@@ -58,6 +58,8 @@ constexpr Member kPane[] = {
     Raised<Pane, &Pane::OLEDragDrop>("OLEDragDrop", "Data, Effect, Button, Shift, x, y"),
     // Beyond the members above: the view, and what a host without a form needs.
     ReadWrite<Pane, &Pane::Zoom, &SetZoom>("Zoom"),
+    ReadWrite<Pane, &Pane::PlacesByJoins, &Pane::SetPlacesByJoins>("PlacesByJoins"),
+    ReadWrite<Pane, &Pane::ShowMinimap, &Pane::SetShowMinimap>("ShowMinimap"),
     Method<Pane, &Pane::ZoomToFit>("ZoomToFit"),
     Method<Pane, &Pane::Arrange>("Arrange"),
     Method<Pane, &SelectObject>("SelectObject", "object"),

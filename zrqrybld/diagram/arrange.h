@@ -16,15 +16,17 @@ struct BoxLink {
 };
 
 struct ArrangeRules {
-  Twips columnGap;     ///< between boxes side by side; the lines run here
-  Twips rowGap;        ///< between boxes one above the other
-  Twips surfaceWidth;  ///< groups of joined boxes are put side by side up to here
+  Pixels columnGap;  ///< between boxes side by side; the lines run here
+  Pixels rowGap;     ///< between boxes one above the other
+  PixelSize window;  ///< the picture gets about this shape
 };
 
 /// The place of each box. Boxes that are joined, directly or through others, form a group: they stand in columns, each
-/// box one column behind a neighbour, ordered so that lines cross little. Groups follow one another by rows. No two
+/// box one column beside a neighbour, ordered so that lines cross little; a long group goes on in a band below. Where
+/// that leaves boxes very small, a group stands in columns that are filled one after the other. Groups follow one
+/// another by rows. Of the pictures that may be had so it is the one that a window of this shape shows largest. No two
 /// boxes touch.
-std::vector<TwipsPoint> ArrangeBoxes(std::span<const TwipsSize> boxes, std::span<const BoxLink> links,
+std::vector<PixelPoint> ArrangeBoxes(std::span<const PixelSize> boxes, std::span<const BoxLink> links,
                                      const ArrangeRules& rules);
 
 }  // namespace zrqrybld

@@ -2,6 +2,7 @@
 
 #include "zrqrybld/base/texts_diagram.h"
 #include "zrqrybld/diagram/diagram_camera.h"
+#include "zrqrybld/diagram/diagram_minimap.h"
 #include "zrqrybld/diagram/diagram_selection.h"
 #include "zrqrybld/diagram/diagram_site.h"
 #include "zrqrybld/diagram/diagram_walk.h"
@@ -9,6 +10,7 @@
 #include "zrqrybld/diagram/join_line.h"
 #include "zrqrybld/diagram/join_properties.h"
 #include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/diagram/source_names.h"
 #include "zrqrybld/host/source_context.h"
 #include "zrqrybld/platform/commands.h"
 
@@ -55,6 +57,7 @@ std::string DiagramAccess::Say(const Phrase& phrase) const { return zrqrybld::Sa
 
 bool DiagramAccess::Contains(const AccessibleId& id) const {
   if (id.IsControl()) return true;
+  if (IsMinimap(id)) return targets_.minimap.Place().has_value();
   if (const Ref<qbEntity> entity = EntityIn(id)) {
     const Ref<qbEntityList>& box = entity->EntityBox();
     return box && scene_.HasBox(*box) && (!id.part || box->PositionOf(RowIn(id)) != 0);
@@ -65,7 +68,8 @@ bool DiagramAccess::Contains(const AccessibleId& id) const {
 }
 
 std::size_t DiagramAccess::ChildCount(const AccessibleId& id) const {
-  if (id.IsControl()) return static_cast<std::size_t>(entities_.Count()) + scene_.Lines().Count();
+  const std::size_t maps = targets_.minimap.Place() ? 1 : 0;
+  if (id.IsControl()) return static_cast<std::size_t>(entities_.Count()) + scene_.Lines().Count() + maps;
   const Ref<qbEntity> entity = EntityIn(id);
   return entity && !id.part && Contains(id) ? entity->EntityBox()->Rows().Count() : 0;
 }
@@ -75,6 +79,7 @@ AccessibleId DiagramAccess::ChildAt(const AccessibleId& id, std::size_t index) c
   if (!id.IsControl()) return {id.object, EntityIn(id)->EntityBox()->Rows().At(index + 1)};
   const auto boxes = static_cast<std::size_t>(entities_.Count());
   if (index < boxes) return {entities_.Item(static_cast<std::int32_t>(index) + 1), nullptr};
+  if (index - boxes == scene_.Lines().Count()) return {targets_.minimap.Identity(), nullptr};
   return {scene_.Lines().At(index - boxes + 1)->Relationship(), nullptr};
 }
 
@@ -84,6 +89,7 @@ AccessibleId DiagramAccess::ParentOf(const AccessibleId& id) const {
 
 std::optional<std::size_t> DiagramAccess::IndexOf(const AccessibleId& id) const {
   if (id.IsControl() || !Contains(id)) return std::nullopt;
+  if (IsMinimap(id)) return ChildCount({}) - 1;
   if (id.part) return RowIn(id)->Index() - 1;
   if (const Ref<qbEntity> entity = EntityIn(id)) return static_cast<std::size_t>(entity->Index()) - 1;
   return static_cast<std::size_t>(entities_.Count()) + scene_.PositionOf(*JoinIn(id)->Line()) - 1;
@@ -96,6 +102,7 @@ AccessibleId DiagramAccess::Current() const {
 }
 
 AccessibleId DiagramAccess::ObjectAt(PixelPoint point) const {
+  if (targets_.minimap.Contains(point)) return {targets_.minimap.Identity(), nullptr};
   const DiagramHit hit = camera_.HitTest(point);
   if (hit.line) return {hit.line->Relationship(), nullptr};
   if (!hit.box) return {};
@@ -106,6 +113,7 @@ AccessibleId DiagramAccess::ObjectAt(PixelPoint point) const {
 
 AccessibleInfo DiagramAccess::Describe(const AccessibleId& id) const {
   if (!Contains(id) || id.IsControl()) return DescribePane();
+  if (IsMinimap(id)) return DescribeMinimap();
   const Ref<qbEntity> entity = EntityIn(id);
   AccessibleInfo info = !entity   ? DescribeJoin(JoinIn(id))
                         : id.part ? DescribeRow(*entity->EntityBox(), RowIn(id))
@@ -128,10 +136,19 @@ AccessibleInfo DiagramAccess::DescribePane() const {
   return info;
 }
 
+bool DiagramAccess::IsMinimap(const AccessibleId& id) const { return id.object == targets_.minimap.Identity(); }
+
+AccessibleInfo DiagramAccess::DescribeMinimap() const {
+  AccessibleInfo info{AccessibleRole::Minimap, Say(text::MinimapName), {}, {}, {}, {}};
+  info.bounds = targets_.minimap.Place().value_or(PixelRect{});
+  return info;
+}
+
 AccessibleInfo DiagramAccess::DescribeBox(const Ref<qbEntity>& entity) const {
   const qbEntityList& box = *entity->EntityBox();
   AccessibleInfo info{
       AccessibleRole::List, box.Caption(), Say(box.IsView() ? text::IsView : text::IsTable), {}, {}, {}};
+  if (const std::string table = AliasedTable(*entity); !table.empty()) info.description += " " + table;
   info.state.selectable = true;
   info.state.selected = selection_.Contains(entity);
   info.state.expandable = true;
@@ -195,7 +212,7 @@ AccessibleInfo DiagramAccess::DescribeJoin(const Ref<qbRelationship>& join) cons
 // --- What can be done ---
 
 bool DiagramAccess::Perform(const AccessibleId& id, AccessibleAction action) {
-  if (!Contains(id)) return false;
+  if (!Contains(id) || IsMinimap(id)) return false;
   const Ref<qbEntity> entity = EntityIn(id);
   if (action == AccessibleAction::Toggle) {
     if (!id.part) return false;

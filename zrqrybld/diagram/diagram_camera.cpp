@@ -9,7 +9,8 @@
 namespace zrqrybld {
 namespace {
 
-constexpr double kSmallestZoom = 0.25;
+constexpr double kSmallestZoom = 0.25;  // unless even more is needed to see all boxes
+constexpr double kSmallestFitting = 0.01;
 constexpr double kLargestZoom = 4;
 constexpr int kScrollStep = 24;
 constexpr int kAutoScrollStep = 16;
@@ -40,7 +41,9 @@ PixelRect DiagramCamera::PlaceOf(const qbEntityList& box) const {
 }
 
 DiagramHit DiagramCamera::HitTest(PixelPoint onPane) const {
-  return scene_.HitTest(ToSurface(onPane), kLineReach / zoom_);
+  DiagramHit hit = scene_.HitTest(ToSurface(onPane), kLineReach / zoom_);
+  if (hit.box && NamesOnly()) hit.part = {BoxPart::Caption};
+  return hit;
 }
 
 PixelSize DiagramCamera::Extent() const {
@@ -49,6 +52,12 @@ PixelSize DiagramCamera::Extent() const {
   const ScreenScale scale = site_.GetSurface().Scale();
   const auto withMargin = [](Pixels edge) { return std::max(edge + kSurfaceMargin * 2, 0_px); };
   return {withMargin(scale.PixelsX(reach->x)), withMargin(scale.PixelsY(reach->y))};
+}
+
+PixelRect DiagramCamera::Visible() const {
+  const PixelPoint corner = ToSurface({});
+  const PixelSize view = site_.GetSurface().ViewSize();
+  return {corner.x, corner.y, view.width / zoom_, view.height / zoom_};
 }
 
 Pixels DiagramCamera::VisibleWidth() const { return site_.GetSurface().ViewSize().width / zoom_ - kSurfaceMargin * 2; }
@@ -76,6 +85,13 @@ void DiagramCamera::ScrollTo(Orientation orientation, int value) {
 void DiagramCamera::ScrollBy(Orientation orientation, int delta) {
   ScrollTo(orientation, Bar(orientation).value + delta);
   scroller_.Show(site_.GetSurface(), orientation);
+}
+
+void DiagramCamera::CenterOn(PixelPoint onSurface) {
+  const PixelRect place = ToPane({onSurface.x, onSurface.y, {}, {}});
+  const PixelSize view = site_.GetSurface().ViewSize();
+  ScrollBy(Orientation::Horizontal, static_cast<int>(std::round((place.left - view.width / 2).Value())));
+  ScrollBy(Orientation::Vertical, static_cast<int>(std::round((place.top - view.height / 2).Value())));
 }
 
 void DiagramCamera::ScrollIntoView(const PixelRect& onSurface) {
@@ -109,7 +125,8 @@ void DiagramCamera::ScrollNearEdges(PixelPoint onPane) {
 // --- Zoom ---
 
 void DiagramCamera::SetZoom(double zoom, PixelPoint about) {
-  if (!(zoom >= kSmallestZoom)) zoom = kSmallestZoom;
+  const double smallest = std::min(kSmallestZoom, FittingZoom());
+  if (!(zoom >= smallest)) zoom = smallest;
   zoom = std::min(zoom, kLargestZoom);
   if (zoom == zoom_) return;
   const PixelPoint held = ToSurface(about);
@@ -121,11 +138,22 @@ void DiagramCamera::SetZoom(double zoom, PixelPoint about) {
   site_.Refresh();
 }
 
-void DiagramCamera::ZoomToFit() {
+void DiagramCamera::ZoomInto(const qbEntityList& box) {
+  SetZoom(1, {});
+  const PixelRect place = site_.GetSurface().Scale().ToPixels(box.Bounds());
+  CenterOn({place.CenterX(), place.CenterY()});
+}
+
+double DiagramCamera::FittingZoom() const {
   const PixelSize extent = Extent();
   const PixelSize view = site_.GetSurface().ViewSize();
-  if (extent.width <= 0_px || extent.height <= 0_px) return;
-  SetZoom(std::min({1.0, view.width / extent.width, view.height / extent.height}), {});
+  if (extent.width <= 0_px || extent.height <= 0_px) return 1;
+  return std::clamp(std::min(view.width / extent.width, view.height / extent.height), kSmallestFitting, 1.0);
+}
+
+void DiagramCamera::ZoomToFit() {
+  if (!scene_.Reach()) return;
+  SetZoom(FittingZoom(), {});
   ScrollTo(Orientation::Horizontal, 0);
   ScrollTo(Orientation::Vertical, 0);
   UpdateScrollBars();

@@ -25,11 +25,13 @@ class DiagramCamera {
   PixelRect ToPane(const PixelRect& onSurface) const;
   /// Where a box stands on the pane.
   PixelRect PlaceOf(const qbEntityList& box) const;
-  /// What lies under a point of the pane.
+  /// What lies under a point of the pane. A box that shows its name only is a caption all over.
   DiagramHit HitTest(PixelPoint onPane) const;
 
   /// How far the boxes reach, margins included, at 100 %; nothing without boxes.
   PixelSize Extent() const;
+  /// The part of the surface that is seen.
+  PixelRect Visible() const;
   /// The width of the surface that the pane has room for, without margins.
   Pixels VisibleWidth() const;
   /// How far down the surface can be scrolled into view.
@@ -43,6 +45,8 @@ class DiagramCamera {
   /// The user has moved a bar.
   void ScrollTo(Orientation orientation, int value);
   void ScrollBy(Orientation orientation, int delta);
+  /// So that the point of the surface stands in the middle of the pane, as far as it goes.
+  void CenterOn(PixelPoint onSurface);
   /// As far as needed, so that the area is seen; its top left corner where it is too large.
   void ScrollIntoView(const PixelRect& onSurface);
   void ScrollIntoView(const qbEntityList& box);
@@ -55,10 +59,18 @@ class DiagramCamera {
   double Zoom() const { return zoom_; }
   /// Enlarges about a point of the pane, which stays where it is; values beyond the limits count as the limit.
   void SetZoom(double zoom, PixelPoint about);
+  /// Whether boxes are so small that only their names are shown.
+  bool NamesOnly() const { return zoom_ < kNamesOnly; }
+  /// To 100 %, with the box in the middle of the pane.
+  void ZoomInto(const qbEntityList& box);
   /// So that all boxes are visible; never beyond 100 %.
   void ZoomToFit();
 
  private:
+  static constexpr double kNamesOnly = 0.5;
+
+  double FittingZoom() const;
+
   DiagramSite& site_;
   const DiagramScene& scene_;
   Scroller scroller_;

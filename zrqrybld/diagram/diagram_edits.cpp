@@ -2,10 +2,8 @@
 
 #include <algorithm>
 #include <new>
-#include <unordered_map>
 
 #include "zrqrybld/base/texts_diagram.h"
-#include "zrqrybld/diagram/arrange.h"
 #include "zrqrybld/diagram/diagram_selection.h"
 #include "zrqrybld/diagram/diagram_site.h"
 #include "zrqrybld/diagram/entities.h"
@@ -16,12 +14,6 @@
 #include "zrqrybld/platform/toolkit.h"
 
 namespace zrqrybld {
-namespace {
-
-constexpr Pixels kArrangeColumnGap = 56_px;
-constexpr Pixels kArrangeRowGap = 24_px;
-
-}  // namespace
 
 // --- Tables ---
 
@@ -186,33 +178,6 @@ void DiagramEdits::RecordPlaces(const StepName& name, const std::vector<BoxPlace
   }
   const StepScope step(site_.Context(), name, before.front().first->Caption());
   for (const auto& [box, bounds] : now) box->SetBounds(bounds);
-}
-
-void DiagramEdits::Arrange(Pixels width) {
-  const StepScope step(site_.Context(), kStepArrange);
-  std::unordered_map<const qbEntityList*, std::size_t> positions;
-  std::vector<Ref<qbEntityList>> boxes;
-  std::vector<TwipsSize> sizes;
-  for (const Ref<qbEntity>& entity : entities_) {
-    const Ref<qbEntityList>& box = boxes.emplace_back(entity->EntityBox());
-    positions.emplace(box.get(), sizes.size());
-    sizes.push_back({box->Bounds().width, box->Bounds().height});
-  }
-  std::vector<BoxLink> links;
-  for (const Ref<qbEntity>& entity : entities_) {
-    for (const Ref<qbRelationship>& join : *entity->Relationships()) {
-      const Ref<qbEntity> target = join->Target();
-      if (target) links.push_back({positions.at(entity->EntityBox().get()), positions.at(target->EntityBox().get())});
-    }
-  }
-  const ScreenScale scale = site_.GetSurface().Scale();
-  const ArrangeRules rules{scale.TwipsX(kArrangeColumnGap), scale.TwipsY(kArrangeRowGap), scale.TwipsX(width)};
-  const std::vector<TwipsPoint> places = ArrangeBoxes(sizes, links, rules);
-  WholeOrNothing(site_.Context(), [&] {
-    for (std::size_t i = 0; i < boxes.size(); ++i) {
-      boxes[i]->SetBounds({places[i].x, places[i].y, sizes[i].width, sizes[i].height});
-    }
-  });
 }
 
 }  // namespace zrqrybld

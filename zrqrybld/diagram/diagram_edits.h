@@ -56,8 +56,6 @@ class DiagramEdits {
   bool Stretch(PixelPoint by, PixelSize smallest);
   /// Boxes that a gesture has moved or sized by and by: what it did is one step.
   void RecordPlaces(const StepName& name, const std::vector<BoxPlace>& before);
-  /// Lays the boxes out along their joins, on so wide a surface.
-  void Arrange(Pixels width);
 
  private:
   DiagramSite& site_;

@@ -8,6 +8,7 @@
 #include "zrqrybld/diagram/diagram_edits.h"
 #include "zrqrybld/diagram/diagram_finder.h"
 #include "zrqrybld/diagram/diagram_gestures.h"
+#include "zrqrybld/diagram/diagram_minimap.h"
 #include "zrqrybld/diagram/diagram_mouse.h"
 #include "zrqrybld/diagram/diagram_pictures.h"
 #include "zrqrybld/diagram/diagram_properties.h"
@@ -103,6 +104,8 @@ bool DiagramKeys::OnPlainKey(std::int32_t keyCode) {
       return true;
     case KeyCodeEnter:
       return walk_.Enter();
+    case KeyCodeBack:
+      return finder_.TakeBack();
     case KeyCodeEscape:
       return Escape();
     default:
@@ -131,6 +134,10 @@ bool DiagramKeys::OnControlKey(std::int32_t keyCode, const KeyEvent& event) {
   if (Asks(key, Command::ActualSize)) return Zoom(1);
   if (Asks(key, Command::SelectAllTables)) {
     selection_.SelectAll(targets_.entities);
+    return true;
+  }
+  if (Asks(key, Command::ShowMinimap)) {
+    targets_.minimap.Show(!targets_.minimap.Shown());
     return true;
   }
   if (Asks(key, Command::CopyPicture)) return targets_.pictures.Copy();

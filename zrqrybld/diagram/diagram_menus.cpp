@@ -11,6 +11,8 @@
 #include "zrqrybld/diagram/auto_joins.h"
 #include "zrqrybld/diagram/diagram_camera.h"
 #include "zrqrybld/diagram/diagram_edits.h"
+#include "zrqrybld/diagram/diagram_layout.h"
+#include "zrqrybld/diagram/diagram_minimap.h"
 #include "zrqrybld/diagram/diagram_pictures.h"
 #include "zrqrybld/diagram/diagram_properties.h"
 #include "zrqrybld/diagram/diagram_selection.h"
@@ -40,14 +42,16 @@ Menu MenuForSurface(const Targets& targets) {
   const auto entry = [&](Command command, std::function<void()> action, bool enabled = true) {
     return EntryFor(context, command, std::move(action), enabled && CanGive(command, ground));
   };
+  MenuEntry minimap = entry(Command::ShowMinimap, [&map = targets.minimap] { map.Show(!map.Shown()); });
+  minimap.checked = targets.minimap.Shown();
   return {
       entry(Command::AddTables, [&edits = targets.edits] { edits.RequestTables(); }),
       MenuEntry::Separator(),
-      entry(Command::Arrange,
-            [&edits = targets.edits, &camera = targets.camera] { edits.Arrange(camera.VisibleWidth()); }),
+      entry(Command::Arrange, [&layout = targets.layout] { layout.Arrange(); }),
       entry(Command::FitToWindow, [&camera = targets.camera] { camera.ZoomToFit(); }),
       entry(
           Command::ActualSize, [&camera = targets.camera] { camera.SetZoom(1, {}); }, targets.camera.Zoom() != 1),
+      minimap,
       MenuEntry::Separator(),
       entry(Command::SelectAllTables,
             [&selection = targets.selection, &entities = targets.entities] { selection.SelectAll(entities); }),

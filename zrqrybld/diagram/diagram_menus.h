@@ -10,6 +10,8 @@ namespace zrqrybld {
 
 class DiagramCamera;
 class DiagramEdits;
+class DiagramLayout;
+class DiagramMinimap;
 class DiagramPictures;
 class DiagramSelection;
 class DiagramSite;
@@ -26,6 +28,8 @@ struct DiagramMenuTargets {
   DiagramCamera& camera;
   KeyJoin& keyJoin;
   DiagramEdits& edits;
+  DiagramLayout& layout;
+  DiagramMinimap& minimap;
   const DiagramPictures& pictures;
 };
 

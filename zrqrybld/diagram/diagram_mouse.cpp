@@ -8,12 +8,14 @@
 #include "zrqrybld/diagram/diagram_camera.h"
 #include "zrqrybld/diagram/diagram_edits.h"
 #include "zrqrybld/diagram/diagram_gestures.h"
+#include "zrqrybld/diagram/diagram_minimap.h"
 #include "zrqrybld/diagram/diagram_selection.h"
 #include "zrqrybld/diagram/diagram_site.h"
 #include "zrqrybld/diagram/entity.h"
 #include "zrqrybld/diagram/join_line.h"
 #include "zrqrybld/diagram/join_properties.h"
 #include "zrqrybld/diagram/key_join.h"
+#include "zrqrybld/diagram/source_names.h"
 #include "zrqrybld/host/context_link.h"
 #include "zrqrybld/host/design_reports.h"
 #include "zrqrybld/host/source_context.h"
@@ -45,6 +47,12 @@ Cursor CursorFor(const DiagramHit& hit) {
   }
 }
 
+std::string TextOfCaption(const qbEntityList& box) {
+  const Ref<qbEntity> entity = EntityOf(box);
+  const std::string table = entity ? AliasedTable(*entity) : std::string();
+  return table.empty() ? box.Caption() : box.Caption() + " · " + table;
+}
+
 }  // namespace
 
 // --- Pressing ---
@@ -59,6 +67,13 @@ void DiagramMouse::Down(const MouseEvent& event) {
   if (event.button == ButtonMiddle || (event.button == ButtonLeft && spaceHeld_)) {
     spaceWasUsed_ = true;
     gestures_.BeginPanning(event);
+    return;
+  }
+  if (targets_.minimap.Contains(event.position)) {
+    inMinimap_ = event.button == ButtonLeft;
+    if (!inMinimap_) return;
+    site_.GetSurface().SetCapture(true);
+    targets_.minimap.GoTo(event.position);
     return;
   }
   const DiagramHit hit = camera_.HitTest(event.position);
@@ -140,6 +155,14 @@ bool DiagramMouse::ReleaseSpace() { return std::exchange(spaceHeld_, false) && !
 // --- Moving and letting go ---
 
 void DiagramMouse::Move(const MouseEvent& event) {
+  if (inMinimap_) {
+    targets_.minimap.GoTo(event.position);
+    return;
+  }
+  if (!gestures_.UnderWay() && targets_.minimap.Contains(event.position)) {
+    SetHover({});
+    return;
+  }
   if (gestures_.UnderWay()) {
     gestures_.Move(event);
   } else {
@@ -156,6 +179,11 @@ void DiagramMouse::Move(const MouseEvent& event) {
 }
 
 void DiagramMouse::Up(const MouseEvent& event) {
+  if (inMinimap_ && event.button == ButtonLeft) {
+    inMinimap_ = false;
+    site_.GetSurface().SetCapture(false);
+  }
+  if (!gestures_.UnderWay() && targets_.minimap.Contains(event.position)) return;
   if (gestures_.UnderWay() && event.button != gestures_.Button()) return;
   gestures_.Release(event);
   const DiagramHit hit = camera_.HitTest(event.position);
@@ -169,7 +197,7 @@ void DiagramMouse::Up(const MouseEvent& event) {
 }
 
 void DiagramMouse::DoubleClick(const MouseEvent& event) {
-  if (event.button != ButtonLeft || spaceHeld_) {
+  if (event.button != ButtonLeft || spaceHeld_ || targets_.minimap.Contains(event.position)) {
     Down(event);  // two quick presses that pan or open menus are two presses
     return;
   }
@@ -196,9 +224,26 @@ void DiagramMouse::DoubleClickBox(const DiagramHit& hit, const MouseEvent& event
   if (!hit.box->Entity()) return;
   // The second click of two on a check box is a click of its own.
   if (hit.part.part == BoxPart::CheckBox || hit.part.part == BoxPart::MinimizeButton) PressBox(hit, event);
-  if (hit.part.part == BoxPart::Caption || hit.part.part == BoxPart::Edge) {
+  if (camera_.NamesOnly()) {
+    gestures_.End();
+    camera_.ZoomInto(*hit.box);
+  } else if (hit.part.part == BoxPart::Caption || hit.part.part == BoxPart::Edge) {
     gestures_.End();
     edits_.FitToRows(hit.box);
+  } else if (hit.part.part == BoxPart::Row) {
+    OutputRow(*hit.box, hit.part.row);
+  }
+}
+
+// The first time it is ticked, then it is put out once more.
+void DiagramMouse::OutputRow(const qbEntityList& box, std::size_t position) {
+  const Ref<BoxRow> row = box.Rows().At(position);
+  if (!row) return;
+  const Ref<QueryContext> context = site_.Context();
+  if (!row->Checked()) {
+    row->SetChecked(true);
+  } else if (context && row->Text() != "*") {
+    context->reports.OutputColumnAgain(box.Caption(), row->Text());
   }
 }
 
@@ -252,7 +297,7 @@ std::string DiagramMouse::ToolTipAt(PixelPoint point) const {
            (hit.line->JoinsDifferentTypes() ? "\n" + Say(site_.Context(), text::DifferentTypes) : "");
   }
   if (!hit.box) return {};
-  if (hit.part.part == BoxPart::Caption) return hit.box->Caption();
+  if (hit.part.part == BoxPart::Caption) return TextOfCaption(*hit.box);
   const Ref<BoxRow> row = hit.box->Rows().At(hit.part.row);
   if (!row) return {};
   return row->ToolTipText().empty() ? row->Text() : row->ToolTipText();

@@ -59,6 +59,7 @@ class DiagramMouse {
   void PressRow(const DiagramHit& hit, const MouseEvent& event, const Ref<qbEntity>& entity);
   void PressSurface(const MouseEvent& event);
   void DoubleClickBox(const DiagramHit& hit, const MouseEvent& event);
+  void OutputRow(const qbEntityList& box, std::size_t position);
   void SetHover(const DiagramHit& hit);
 
   DiagramSite& site_;
@@ -72,6 +73,7 @@ class DiagramMouse {
   DiagramHit hover_;
   bool spaceHeld_ = false;  // it pans while it is held, and ticks when it is let go
   bool spaceWasUsed_ = false;
+  bool inMinimap_ = false;  // the button is held that was pressed there
 };
 
 }  // namespace zrqrybld

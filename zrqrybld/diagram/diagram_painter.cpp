@@ -2,10 +2,15 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <string>
+#include <string_view>
+#include <vector>
 
+#include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_diagram.h"
 #include "zrqrybld/diagram/diagram_camera.h"
+#include "zrqrybld/diagram/diagram_minimap.h"
 #include "zrqrybld/diagram/diagram_properties.h"
 #include "zrqrybld/diagram/diagram_selection.h"
 #include "zrqrybld/diagram/diagram_site.h"
@@ -26,7 +31,10 @@ BoxLook LookOf(const Ref<qbEntityList>& box, const DiagramSite& site, const Diag
   BoxLook look;
   look.joined = &scene.JoinedRows();
   look.text = &site.GetSurface().Metrics();
-  if (const Ref<qbEntity> entity = EntityOf(*box)) look.schemaBytes = SchemaBytesOf(*entity);
+  if (const Ref<qbEntity> entity = EntityOf(*box)) {
+    look.schemaBytes = SchemaBytesOf(*entity);
+    look.table = AliasedTable(*entity);
+  }
   if (!marks) return look;
   const Ref<Object> entity = box->Entity();
   look.active = marks->selection.Contains(entity) || (marks->frame && marks->frame->Overlaps(place));
@@ -34,6 +42,7 @@ BoxLook LookOf(const Ref<qbEntityList>& box, const DiagramSite& site, const Diag
   if (box == marks->hover.box) look.hover = marks->hover.part;
   if (marks->drag && marks->drag->target == box) look.dropRow = box->PositionOf(marks->drag->targetRow);
   look.marked = &scene.MarkedRows();
+  look.nameOnly = marks->namesOnly;
   return look;
 }
 
@@ -76,6 +85,78 @@ void PaintHint(Canvas& canvas, const Surface& surface, const std::string& text) 
   canvas.DrawText(place.Inset(12_px, 0_px), text, {ColorRole::Text});
 }
 
+// How many bytes of the text fit the width, whole characters and at least one.
+std::size_t FittingBytes(std::string_view name, Pixels width, const TextMetrics& metrics, const Font& font) {
+  std::size_t bytes = 0;
+  for (std::size_t count = 1; bytes < name.size(); ++count) {
+    const std::size_t more = FirstCharacters(name, count).size();
+    if (bytes != 0 && metrics.TextWidth(name.substr(0, more), font) > width) break;
+    bytes = more;
+  }
+  return bytes;
+}
+
+// The name in lines that fit the width, broken where its parts begin or, when `anywhere`, where it must; the last one
+// holds the rest.
+std::vector<std::string_view> LinesOfName(std::string_view name, Pixels width, std::size_t most,
+                                          const TextMetrics& text, const Font& font, bool anywhere) {
+  const auto partEnds = [&](std::size_t at) {
+    const auto is = [&](std::size_t place, char from, char to) { return name[place] >= from && name[place] <= to; };
+    return std::string_view(" _.-").find(name[at]) != std::string_view::npos ||
+           (is(at, 'a', 'z') && is(at + 1, 'A', 'Z'));
+  };
+  std::vector<std::string_view> lines;
+  while (lines.size() + 1 < most && text.TextWidth(name, font) > width) {
+    std::size_t taken = 0;
+    for (std::size_t at = 0; at + 1 < name.size(); ++at) {
+      if (!partEnds(at)) continue;
+      if (taken != 0 && text.TextWidth(name.substr(0, at + 1), font) > width) break;
+      taken = at + 1;
+    }
+    const bool tooWide = taken == 0 || text.TextWidth(name.substr(0, taken), font) > width;
+    if (anywhere && tooWide) taken = FittingBytes(name, width, text, font);
+    if (taken == 0) break;
+    lines.push_back(name.substr(0, taken));
+    name.remove_prefix(taken);
+  }
+  lines.push_back(name);
+  return lines;
+}
+
+// The names of the boxes, as large as they are at 100 %, or smaller where that shows more of them.
+void PaintNames(Canvas& canvas, const Surface& surface, const Font& captionFont, const DiagramScene& scene,
+                const DiagramCamera& camera, const DiagramMarks& marks, const PixelRect& dirty) {
+  constexpr Pixels kNarrowest = 20_px;
+  constexpr Pixels kPadding = 2_px;
+  constexpr double kSmallPoints = 7;
+  const TextMetrics& metrics = surface.Metrics();
+  Font small = captionFont;
+  small.points = kSmallPoints;
+  for (const Ref<qbEntityList>& box : scene.Boxes()) {
+    const PixelRect place = camera.PlaceOf(*box).Inset(kPadding, 0_px);
+    if (place.width < kNarrowest || !place.Overlaps(dirty)) continue;
+    const auto linesIn = [&](const Font& font) {
+      const double most = std::floor(place.height / metrics.LineHeight(font));
+      return LinesOfName(box->Caption(), place.width, static_cast<std::size_t>(std::max(1.0, most)), metrics, font,
+                         font == small);
+    };
+    std::vector<std::string_view> lines = linesIn(captionFont);
+    const bool fits = std::ranges::all_of(
+        lines, [&](std::string_view line) { return metrics.TextWidth(line, captionFont) <= place.width; });
+    const Font& font = fits ? captionFont : small;
+    if (!fits) lines = linesIn(small);
+    const Pixels height = metrics.LineHeight(font);
+    const bool active = marks.selection.Contains(box->Entity());
+    Pixels top = place.CenterY() - height * static_cast<double>(lines.size()) / 2;
+    for (const std::string_view line : lines) {
+      canvas.DrawText(
+          {place.left, top, place.width, height}, line,
+          {active ? ColorRole::CaptionActiveText : ColorRole::CaptionInactiveText, font, TextAlignment::Center});
+      top += height;
+    }
+  }
+}
+
 }  // namespace
 
 void PaintDiagram(Canvas& canvas, const DiagramSite& site, const DiagramScene& scene, const PixelRect& visible,
@@ -101,7 +182,8 @@ void PaintDiagram(Canvas& canvas, const DiagramSite& site, const DiagramScene& s
 }
 
 void PaintPane(Canvas& canvas, const DiagramSite& site, const DiagramProperties& properties, const DiagramScene& scene,
-               const DiagramCamera& camera, const DiagramMarks& marks, const PixelRect& dirty) {
+               const DiagramCamera& camera, const DiagramMinimap& minimap, const DiagramMarks& marks,
+               const PixelRect& dirty) {
   const Surface& surface = site.GetSurface();
   const PixelSize view = surface.ViewSize();
   canvas.FillRect({{}, {}, view.width, view.height}, properties.SurfaceInk());
@@ -120,6 +202,8 @@ void PaintPane(Canvas& canvas, const DiagramSite& site, const DiagramProperties&
     if (marks.drag) PaintRubberLine(canvas, surface.Scale(), *marks.drag, camera.ToSurface(marks.drag->pointer));
     if (keyJoin) PaintKeyJoin(canvas, surface.Scale(), marks.keyJoin, marks.selection);
   }
+  if (marks.namesOnly) PaintNames(canvas, surface, properties.entityCaptionFont, scene, camera, marks, dirty);
+  minimap.Paint(canvas, marks.selection);
   // Without a selected object nothing else says where the keys go.
   if (site.HasFocus() && !marks.selection.Selected()) {
     canvas.StrokeRect({1_px, 1_px, view.width - 2_px, view.height - 2_px}, ColorRole::Focus, 2_px);

@@ -11,6 +11,7 @@
 namespace zrqrybld {
 
 class DiagramCamera;
+class DiagramMinimap;
 class DiagramSelection;
 class DiagramSite;
 class KeyJoin;
@@ -23,6 +24,7 @@ struct DiagramMarks {
   DiagramHit hover;
   const DiagramGestures::DraggingRow* drag = nullptr;
   std::optional<PixelRect> frame;
+  bool namesOnly = false;  ///< boxes are too small for more
 };
 
 /// Draws everything that touches `visible`, a part of the surface, in pixels of the surface at 100 %; `marks` may be
@@ -32,6 +34,7 @@ void PaintDiagram(Canvas& canvas, const DiagramSite& site, const DiagramScene& s
 
 /// Draws the pane's part `dirty` as the camera shows it.
 void PaintPane(Canvas& canvas, const DiagramSite& site, const DiagramProperties& properties, const DiagramScene& scene,
-               const DiagramCamera& camera, const DiagramMarks& marks, const PixelRect& dirty);
+               const DiagramCamera& camera, const DiagramMinimap& minimap, const DiagramMarks& marks,
+               const PixelRect& dirty);
 
 }  // namespace zrqrybld

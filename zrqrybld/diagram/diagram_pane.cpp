@@ -146,6 +146,14 @@ void qbDiagramPane::WriteProperties(PropertyStore& store) const { WriteStored(kS
 
 void qbDiagramPane::OnSurfaceChanged() { ApplyAppearance(); }
 
+bool qbDiagramPane::PlacesByJoins() const { return parts_->layout.PlacesByJoins(); }
+
+void qbDiagramPane::SetPlacesByJoins(bool places) { parts_->layout.SetPlacesByJoins(places); }
+
+bool qbDiagramPane::ShowMinimap() const { return parts_->minimap.Shown(); }
+
+void qbDiagramPane::SetShowMinimap(bool show) { parts_->minimap.Show(show); }
+
 // --- The view ---
 
 double qbDiagramPane::Zoom() const { return parts_->camera.Zoom(); }
@@ -154,7 +162,7 @@ void qbDiagramPane::SetZoom(double zoom, PixelPoint about) { parts_->camera.SetZ
 
 void qbDiagramPane::ZoomToFit() { parts_->camera.ZoomToFit(); }
 
-void qbDiagramPane::Arrange() { parts_->edits.Arrange(parts_->camera.VisibleWidth()); }
+void qbDiagramPane::Arrange() { parts_->layout.Arrange(); }
 
 std::string qbDiagramPane::PictureSvg() const { return parts_->pictures.Svg(); }
 
@@ -188,6 +196,8 @@ bool qbDiagramPane::BeginKeyJoin() { return parts_->keyJoin.Begin(); }
 
 void qbDiagramPane::AskAndFind() { parts_->finder.AskAndFind(); }
 
+FoundNames qbDiagramPane::FindName(const std::string& part, FindFrom from) { return parts_->finder.Find(part, from); }
+
 void qbDiagramPane::AskForAlias(const Ref<qbEntity>& entity) { parts_->edits.AskForAlias(entity); }
 
 // Nobody is told of the selection's end while the diagram is half-way.
@@ -196,15 +206,20 @@ void qbDiagramPane::Restore(const DiagramState& now, const DiagramState& then) {
   parts_->keyJoin.End();
   const Ref<Object> selected = parts_->selection.PutAside();
   parts_->entities->Restore(now, then);
+  parts_->layout.KeepAdded();
   parts_->selection.PutBack(selected);
 }
+
+void qbDiagramPane::PlaceAdded() { parts_->layout.PlaceAdded(); }
+
+void qbDiagramPane::KeepAdded() { parts_->layout.KeepAdded(); }
 
 // --- Window events ---
 
 void qbDiagramPane::Paint(Canvas& canvas, const PixelRect& dirty) const {
-  const DiagramMarks marks{parts_->selection, parts_->keyJoin, parts_->mouse.Hover(), parts_->gestures.RowDrag(),
-                           parts_->gestures.Frame()};
-  PaintPane(canvas, *this, parts_->properties, parts_->scene, parts_->camera, marks, dirty);
+  const DiagramMarks marks{parts_->selection,          parts_->keyJoin,          parts_->mouse.Hover(),
+                           parts_->gestures.RowDrag(), parts_->gestures.Frame(), parts_->camera.NamesOnly()};
+  PaintPane(canvas, *this, parts_->properties, parts_->scene, parts_->camera, parts_->minimap, marks, dirty);
 }
 
 void qbDiagramPane::OnResize() {

@@ -78,6 +78,19 @@ class ZRQRYBLD_API qbDiagramPane final : public DiagramSite {
   OLEDropModeEnum OLEDropMode() const;
   void SetOLEDropMode(OLEDropModeEnum mode);
 
+  // --- Options that are not stored ---
+
+  /// Whether boxes that are added go beside those they are joined to, once the step is complete that adds them and with
+  /// them their joins: with room for the sign of the join's kind, and no line under a box. What was placed by `Left`
+  /// and `Top`, by the user or by a file stays. False at first: each box then takes the first free place, row by row. A
+  /// pane without a designer has no steps and places so, too.
+  bool PlacesByJoins() const;
+  void SetPlacesByJoins(bool places);
+  /// Whether a small picture of the whole diagram stands in the corner of a diagram that is larger than the window;
+  /// False at first. A press in it goes there.
+  bool ShowMinimap() const;
+  void SetShowMinimap(bool show);
+
   // --- Stored properties ---
 
   /// A property was set: its key. The container marks it as changed.
@@ -90,13 +103,14 @@ class ZRQRYBLD_API qbDiagramPane final : public DiagramSite {
 
   // --- The view ---
 
-  /// How much the diagram is enlarged: 0.25 to 4, 1 at first. Places and sizes of boxes do not depend on it.
+  /// How much the diagram is enlarged: 1 at first, at most 4, at least 0.25 or, where that is less, so much that all
+  /// boxes are visible. Places and sizes of boxes do not depend on it.
   double Zoom() const;
   /// Enlarges about a point of the pane, which stays where it is; values beyond the limits count as the limit.
   void SetZoom(double zoom, PixelPoint about);
-  /// Zooms out, at most to the smallest size, until all boxes are visible; never beyond 100 %.
+  /// Zooms out until all boxes are visible; never beyond 100 %.
   void ZoomToFit();
-  /// Lays the boxes out along their joins.
+  /// Lays the boxes out along their joins in about the window's shape, and shows all of them.
   void Arrange();
   /// The whole diagram as an SVG picture, without any window.
   std::string PictureSvg() const;
@@ -133,13 +147,21 @@ class ZRQRYBLD_API qbDiagramPane final : public DiagramSite {
   /// Begins a join at the current column of the selected entity, by keyboard: the user goes to a column of another box
   /// and presses Enter. Returns whether there is a column where a join may begin.
   bool BeginKeyJoin();
-  /// Lets the user look for a table or column by a part of its name; the next one behind the current one is selected.
-  /// Nothing happens while the pane is not linked.
+  /// Lets the user look for a table or column by a part of its name: by `FindWanted` or, where nobody takes that, by a
+  /// dialog; the next one behind the current one is selected. Nothing happens while the pane is not linked.
   void AskAndFind();
+  /// Selects the table or column that holds `part` in its name, in any letter case: the next one from the current one
+  /// on, the next or the last one besides it; after the last one the first. Nothing is selected where there is none.
+  FoundNames FindName(const std::string& part, FindFrom from);
   /// Lets the user give the entity another caption. Nothing happens while the pane is not linked.
   void AskForAlias(const Ref<qbEntity>& entity);
 
   // --- For the hub ---
+
+  /// The step in which boxes were added is complete; see `PlacesByJoins`.
+  void PlaceAdded();
+  /// Boxes that were added have their places.
+  void KeepAdded();
 
   /// Makes the diagram, which is as `now` says, what `then` says. The selection stays where its object does;
   /// `ObjectDeactivate` is raised at the end where it went.

@@ -10,7 +10,9 @@
 #include "zrqrybld/diagram/diagram_finder.h"
 #include "zrqrybld/diagram/diagram_gestures.h"
 #include "zrqrybld/diagram/diagram_keys.h"
+#include "zrqrybld/diagram/diagram_layout.h"
 #include "zrqrybld/diagram/diagram_menus.h"
+#include "zrqrybld/diagram/diagram_minimap.h"
 #include "zrqrybld/diagram/diagram_mouse.h"
 #include "zrqrybld/diagram/diagram_pictures.h"
 #include "zrqrybld/diagram/diagram_properties.h"
@@ -27,15 +29,17 @@ namespace zrqrybld {
 
 struct DiagramParts {
   explicit DiagramParts(DiagramSite& site)
-      : stage(site, properties, scene, selection, camera, keyJoin, gestures, mouse),
+      : stage(site, properties, scene, selection, camera, layout, keyJoin, gestures, mouse),
         entities(std::make_shared<qbEntities>(&stage)),
         scene(site),
         selection(site, scene),
         camera(site, scene),
+        layout(site, *entities, camera),
+        minimap(site, scene, camera),
         keyJoin(site, selection),
         edits(site, *entities, selection),
         pictures(site, properties, scene, camera),
-        menus{site, properties, *entities, selection, camera, keyJoin, edits, pictures},
+        menus{site, properties, *entities, selection, camera, keyJoin, edits, layout, minimap, pictures},
         walk(site, *entities, scene, selection, camera, keyJoin, edits),
         finder(site, *entities, selection, walk),
         gestures(site, properties, *entities, scene, selection, camera, edits),
@@ -54,6 +58,8 @@ struct DiagramParts {
   DiagramScene scene;
   DiagramSelection selection;
   DiagramCamera camera;
+  DiagramLayout layout;
+  DiagramMinimap minimap;
   KeyJoin keyJoin;
   DiagramEdits edits;
   DiagramPictures pictures;

@@ -4,6 +4,7 @@
 // them; the pane derives from it and owns them.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -22,6 +23,15 @@ inline constexpr Pixels kSurfaceMargin = 12_px;
 
 /// Whether a pane takes drops from outside.
 enum OLEDropModeEnum : std::int32_t { OLEDropNone = 0, OLEDropManual = 1 };
+
+/// Where a search for a name begins: with the current table or column, behind it or before it.
+enum class FindFrom : std::uint8_t { Here, Next, Previous };
+
+/// What a search for a name has found.
+struct FoundNames {
+  std::size_t count = 0;  ///< names that hold the text
+  std::size_t place = 0;  ///< of the one that is selected now, from 1; 0 for none
+};
 
 class DiagramSite : public Control {
  public:
@@ -69,6 +79,9 @@ class DiagramSite : public Control {
   Event<const std::string&, std::int32_t&, std::int32_t, std::int32_t, float, float, std::int32_t> OLEDragOver;
   /// Texts are dropped on the surface while `OLEDropMode` is Manual; as `OLEDragOver`, without the state.
   Event<const std::string&, std::int32_t&, std::int32_t, std::int32_t, float, float> OLEDragDrop;
+  /// The user wants to look for a table or column; the argument set to true says that something is shown for it, and
+  /// no dialog is.
+  Event<bool&> FindWanted;
   /// A context menu is about to be shown for an entity, one of its items (the entity is then the `SelectedObject`), a
   /// relationship or, with nothing, the surface. A handler may add and remove entries; an empty menu is not shown.
   Event<const Ref<Object>&, Menu&> BeforeContextMenu;

@@ -7,6 +7,7 @@
 
 #include "zrqrybld/diagram/diagram_camera.h"
 #include "zrqrybld/diagram/diagram_gestures.h"
+#include "zrqrybld/diagram/diagram_layout.h"
 #include "zrqrybld/diagram/diagram_mouse.h"
 #include "zrqrybld/diagram/diagram_properties.h"
 #include "zrqrybld/diagram/diagram_selection.h"
@@ -46,6 +47,7 @@ Ref<qbEntityList> DiagramStage::LoadBox() {
 
 void DiagramStage::ShowBox(const Ref<qbEntityList>& box) {
   scene_.ShowBox(box);
+  layout_.Added(box);
   camera_.UpdateScrollBars();
   site_.Refresh();
 }
@@ -71,6 +73,7 @@ void DiagramStage::FitBox(const Ref<qbEntityList>& box) {
   bounds.left = place->x;
   bounds.top = place->y;
   box->SetBounds(bounds);
+  layout_.Moved(*box);
 }
 
 PlacementRules DiagramStage::RulesOfPlacement() const {

@@ -11,6 +11,7 @@ namespace zrqrybld {
 
 class DiagramCamera;
 class DiagramGestures;
+class DiagramLayout;
 class DiagramMouse;
 class DiagramSelection;
 class DiagramSite;
@@ -20,12 +21,14 @@ struct DiagramProperties;
 class DiagramStage final : public DiagramView {
  public:
   DiagramStage(DiagramSite& site, const DiagramProperties& properties, DiagramScene& scene, DiagramSelection& selection,
-               DiagramCamera& camera, KeyJoin& keyJoin, DiagramGestures& gestures, DiagramMouse& mouse)
+               DiagramCamera& camera, DiagramLayout& layout, KeyJoin& keyJoin, DiagramGestures& gestures,
+               DiagramMouse& mouse)
       : site_(site),
         properties_(properties),
         scene_(scene),
         selection_(selection),
         camera_(camera),
+        layout_(layout),
         keyJoin_(keyJoin),
         gestures_(gestures),
         mouse_(mouse) {}
@@ -57,6 +60,7 @@ class DiagramStage final : public DiagramView {
   DiagramScene& scene_;
   DiagramSelection& selection_;
   DiagramCamera& camera_;
+  DiagramLayout& layout_;
   KeyJoin& keyJoin_;
   DiagramGestures& gestures_;
   DiagramMouse& mouse_;

@@ -79,6 +79,10 @@ bool DiagramWalk::Enter() {
     return true;
   }
   const Ref<qbEntity> entity = selection_.Entity();
+  if (entity && camera_.NamesOnly()) {
+    camera_.ZoomInto(*entity->EntityBox());
+    return true;
+  }
   return entity && entity->EntityBox()->SelectedRow() == 0 && GoToRow(1);
 }
 

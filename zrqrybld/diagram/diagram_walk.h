@@ -37,8 +37,8 @@ class DiagramWalk {
   /// The next object in this direction (1 or -1): the boxes in their order, then the joins. Returns false behind the
   /// last one, where nothing is selected any more and the key goes on to the window.
   bool SelectNext(int direction);
-  /// Into a box: its first row becomes current. A join shows its properties; one that is drawn ends. Returns whether
-  /// there was anything to enter.
+  /// Into a box: its first row becomes current, or it is enlarged where it shows its name only. A join shows its
+  /// properties; one that is drawn ends. Returns whether there was anything to enter.
   bool Enter();
   /// Raises the entity's box above the others and scrolls it into view.
   void Show(const qbEntity& entity);

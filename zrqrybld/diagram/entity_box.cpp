@@ -268,16 +268,20 @@ void qbEntityList::Notify(std::string_view message, const Variant& argument) {
 // --- Painting ---
 
 void qbEntityList::Paint(Canvas& canvas, const PixelRect& place, const BoxLook& look) const {
-  canvas.FillRect(place, backColor_, kRadius);
-  PaintCaption(canvas, place, look);
-  if (!minimized_) {
+  if (look.nameOnly) {
+    canvas.FillRect(place, look.active ? ColorRole::CaptionActive : ColorRole::CaptionInactive, kRadius);
+  } else {
+    canvas.FillRect(place, backColor_, kRadius);
+    PaintCaption(canvas, place, look);
+  }
+  if (!minimized_ && !look.nameOnly) {
     const PixelRect list{place.left + kFrame, place.top + kFrame + metrics_.captionHeight, place.width - kFrame * 2,
                          place.height - metrics_.captionHeight - kFrame * 2};
     const ClipScope clip(canvas, list);
     const std::size_t end = std::min(rows_.Count() + 1, firstRow_ + VisibleRowCount());
     for (std::size_t i = firstRow_; i < end; ++i) PaintRow(canvas, RowRect(place, i), *rows_.At(i), look);
   }
-  canvas.FillRect(ScrollMarkRect(place), ColorRole::BoxFrame, kScrollMark / 2);
+  if (!look.nameOnly) canvas.FillRect(ScrollMarkRect(place), ColorRole::BoxFrame, kScrollMark / 2);
   const bool strong = look.active && look.focused;
   const Ink frame = strong                               ? Ink(ColorRole::Focus)
                     : look.active                        ? Ink(ColorRole::JoinSelected)
@@ -330,19 +334,50 @@ void qbEntityList::PaintCaption(Canvas& canvas, const PixelRect& place, const Bo
   style.quietInk =
       look.active ? ink : Ink(ColorRole::QuietText);  // on the strong colour only the weight tells it apart
   canvas.DrawText({left, bar.top, right - left, bar.height}, caption_, style);
+  if (look.table.empty() || !look.text) return;
+  constexpr Pixels kDot = 14_px;
+  const Pixels table = left + look.text->TextWidth(caption_, font) + kDot;
+  const TextStyle quiet{style.quietInk, metrics_.captionFont};
+  canvas.DrawText({table - kDot, bar.top, std::min(kDot, right - table + kDot), bar.height}, "·",
+                  {quiet.ink, quiet.font, TextAlignment::Center});
+  canvas.DrawText({table, bar.top, right - table, bar.height}, look.table, quiet);
 }
 
-// What the query does with the column, at the right end of `rect`. Signs are always seen, words only as far as the
-// column's name leaves room. Returns where the note begins.
-Pixels qbEntityList::PaintNote(Canvas& canvas, const PixelRect& rect, const ColumnNote& note, Pixels nameWidth,
-                               const Ink& ink) const {
-  constexpr Pixels kOrder = 16_px;
-  constexpr Pixels kAggregate = 48_px;
-  constexpr Pixels kShortestAggregate = 28_px;
+namespace {
+
+struct AggregateMark {
+  std::string_view name;
+  std::string_view mark;
+};
+// A grouping or aggregate as its row shows it, always whole; what has no short mark here begins with its first letters.
+constexpr AggregateMark kAggregateMarks[] = {
+    {"GROUP BY", "≡"}, {"SUM", "Σ"}, {"COUNT", "n"}, {"AVG", "⌀"}, {"MIN", "min"}, {"MAX", "max"},
+};
+
+std::string MarkOf(const std::string& aggregate) {
+  const std::string upper = UpperAscii(aggregate);
+  const auto* known = std::ranges::find(kAggregateMarks, upper, &AggregateMark::name);
+  if (known != std::end(kAggregateMarks)) return std::string(known->mark);
+  constexpr std::size_t kLetters = 4;
+  return std::string(FirstCharacters(aggregate.substr(0, aggregate.find_first_of(" (")), kLetters));
+}
+
+}  // namespace
+
+Pixels qbEntityList::WidthOfNote(const ColumnNote& note, const TextMetrics& text) const {
   const Pixels signs = (note.filtered ? kIcon + kIconGap / 2 : 0_px) + (note.sort != 0 ? kIcon + kIconGap / 2 : 0_px);
-  const Pixels words = rect.width - signs - nameWidth;
+  return note.aggregate.empty() ? signs : signs + text.TextWidth(MarkOf(note.aggregate), metrics_.font) + kIconGap;
+}
+
+// What the query does with the column, at the right end of `rect`. Signs are always seen, the place in the sort order
+// as far as the column's name leaves room. Returns where the note begins.
+Pixels qbEntityList::PaintNote(Canvas& canvas, const PixelRect& rect, const ColumnNote& note, Pixels nameWidth,
+                               const TextMetrics& text, const Ink& ink) const {
+  constexpr Pixels kOrder = 16_px;
+  const std::string mark = note.aggregate.empty() ? std::string() : MarkOf(note.aggregate);
+  const Pixels markWidth = text.TextWidth(mark, metrics_.font);
+  const Pixels words = rect.width - nameWidth - WidthOfNote(note, text);
   const bool showsOrder = note.sort != 0 && !note.order.empty() && words >= kOrder;
-  const Pixels aggregate = std::min(words - (showsOrder ? kOrder : 0_px) - kIconGap, kAggregate);
   Pixels right = rect.Right();
   const auto take = [&](Pixels width) {
     right -= width;
@@ -358,8 +393,8 @@ Pixels qbEntityList::PaintNote(Canvas& canvas, const PixelRect& rect, const Colu
              take(kIcon).Inset(0_px, (rect.height - kIcon) / 2), ink);
     right -= kIconGap / 2;
   }
-  if (!note.aggregate.empty() && aggregate >= kShortestAggregate) {
-    canvas.DrawText(take(aggregate), note.aggregate, {ink, metrics_.font, TextAlignment::Right});
+  if (!mark.empty()) {
+    canvas.DrawText(take(markWidth), mark, {ink, metrics_.font, TextAlignment::Right});
     right -= kIconGap;
   }
   return right;
@@ -393,16 +428,19 @@ void qbEntityList::PaintRow(Canvas& canvas, const PixelRect& rect, const BoxRow&
     DrawIcon(canvas, Icon::Key, {right - kIcon, rect.CenterY() - kIcon / 2, kIcon, kIcon}, ColorRole::KeyIcon);
     right -= kIcon + kIconGap;
   }
-  if (look.joined && look.joined->contains(&row)) {
+  Font font = metrics_.font;
+  font.bold = row.Bold();
+  const bool hasNote = row.Note() != ColumnNote{} && look.text;
+  const Pixels nameWidth = hasNote ? look.text->TextWidth(row.Text(), font) : 0_px;
+  // Where there is no room for all, the line itself says that there is a join.
+  const bool isTight = hasNote && left + nameWidth + WidthOfNote(row.Note(), *look.text) > right - kIcon - kIconGap;
+  if (look.joined && look.joined->contains(&row) && !isTight) {
     DrawIcon(canvas, Icon::Joined, {right - kIcon, rect.CenterY() - kIcon / 2, kIcon, kIcon},
              marked ? ColorRole::JoinSelected : ColorRole::Join);
     right -= kIcon + kIconGap;
   }
-  Font font = metrics_.font;
-  font.bold = row.Bold();
-  if (row.Note() != ColumnNote{}) {
-    const Pixels nameWidth = look.text ? look.text->TextWidth(row.Text(), font) : 0_px;
-    right = PaintNote(canvas, {left, rect.top, right - left, rect.height}, row.Note(), nameWidth,
+  if (hasNote) {
+    right = PaintNote(canvas, {left, rect.top, right - left, rect.height}, row.Note(), nameWidth, *look.text,
                       selected ? ink : Ink(ColorRole::QuietText));
   }
   canvas.DrawText({left, rect.top, right - left, rect.height}, row.Text(), {ink, font});

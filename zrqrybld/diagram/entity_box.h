@@ -57,6 +57,8 @@ struct BoxLook {
   std::size_t dropRow = 0;                               ///< a row where a join may end now, from 1
   const std::unordered_set<const BoxRow*>* joined = {};  ///< rows that take part in a join
   const std::unordered_set<const BoxRow*>* marked = {};  ///< rows of the selected join
+  bool nameOnly = false;                                 ///< the box alone: its name stands on it, larger
+  std::string table;                                     ///< what the caption is an alias of; "" for none
   std::size_t schemaBytes = 0;                           ///< so much of the caption is the table's schema
   const TextMetrics* text = nullptr;                     ///< keeps a column's name whole beside the words of its note
 };
@@ -198,8 +200,9 @@ class ZRQRYBLD_API qbEntityList final : public Object {
   PixelRect MinimizeRect(const PixelRect& place) const;
   PixelRect ScrollMarkRect(const PixelRect& place) const;
   void PaintCaption(Canvas& canvas, const PixelRect& place, const BoxLook& look) const;
+  Pixels WidthOfNote(const ColumnNote& note, const TextMetrics& text) const;
   Pixels PaintNote(Canvas& canvas, const PixelRect& rect, const ColumnNote& note, Pixels nameWidth,
-                   const Ink& ink) const;
+                   const TextMetrics& text, const Ink& ink) const;
   void PaintRow(Canvas& canvas, const PixelRect& rect, const BoxRow& row, const BoxLook& look) const;
 
   BoxMetrics metrics_;

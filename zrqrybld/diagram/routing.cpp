@@ -8,6 +8,7 @@ namespace zrqrybld {
 namespace {
 
 constexpr Pixels kLeastGap = 8_px;
+constexpr Pixels kBendReach = 28_px;  // from the bend to the box at the right
 
 Pixels Distance(Pixels a, Pixels b) { return Pixels(std::fabs((a - b).Value())); }
 
@@ -33,11 +34,13 @@ std::vector<PixelPoint> RouteLine(const LineEnd& from, const LineEnd& to, const 
     const Pixels gap = right.left - left.Right();
     return gap >= kLeastGap || (level && gap >= 0_px);
   };
-  // Lanes stay inside the gap.
+  // Lanes stay inside the gap. In a wide one the bend is near the right box: boxes in a column begin side by side,
+  // but end where they will.
   const auto across = [&](Pixels left, Pixels right) {
-    const Pixels room = std::max((right - left) / 2 - kLeastGap / 2, 0_px);
+    const Pixels bend = std::max((left + right) / 2, right - kBendReach);
+    const Pixels room = std::max(right - bend - kLeastGap / 2, 0_px);
     const double turns = room > 0_px ? std::fmod(space.lane / room, 2.0) : 0;
-    return (left + right) / 2 + room * (turns > 1 ? turns - 2 : turns);
+    return bend + room * (turns > 1 ? turns - 2 : turns);
   };
   if (standBeside(from.box, to.box)) {
     return path(from.box.Right(), across(from.box.Right(), to.box.left), to.box.left);
@@ -51,7 +54,7 @@ std::vector<PixelPoint> RouteLine(const LineEnd& from, const LineEnd& to, const 
   const Pixels left = std::min(from.box.left, to.box.left) - away;
   const Pixels byRight = Distance(right, from.box.Right()) + Distance(right, to.box.Right());
   const Pixels byLeft = Distance(left, from.box.left) + Distance(left, to.box.left);
-  if (byLeft < byRight && left >= 0_px) return path(from.box.left, left, to.box.left);
+  if (from.box != to.box && byLeft <= byRight && left >= 0_px) return path(from.box.left, left, to.box.left);
   return path(from.box.Right(), right, to.box.Right());
 }
 

@@ -20,9 +20,9 @@ struct LineSpace {
 };
 
 /// The bends of an orthogonal line from the first end to the second, both ends included: four points.
-/// The line runs through the gap between boxes that stand side by side. Beside boxes that stand one
-/// above the other it runs on the side that makes it shorter, `stub` away from both. A line from a box to itself is a
-/// loop at its right side.
+/// The line runs through the gap between boxes that stand side by side, and bends half-way or, in a wide gap, in front
+/// of the right one. Beside boxes that stand one above the other it runs on the side that makes it shorter, `stub` away
+/// from both, of two that are as short at the left. A line from a box to itself is a loop at its right side.
 std::vector<PixelPoint> RouteLine(const LineEnd& from, const LineEnd& to, const LineSpace& space);
 
 /// The distance of a point from a line.

@@ -63,4 +63,12 @@ std::size_t SchemaBytesOf(const qbEntity& entity) {
   return caption.substr(0, bytes).find(schema) == std::string::npos ? 0 : bytes;
 }
 
+std::string AliasedTable(const qbEntity& entity) {
+  const std::string* tag = entity.TagVariant().StringIf();
+  const std::string caption = entity.Caption();
+  if (!tag || tag->empty() || *tag == caption) return {};
+  const std::string& table = Fact(entity, kTableName);
+  return table == caption ? std::string() : table;
+}
+
 }  // namespace zrqrybld

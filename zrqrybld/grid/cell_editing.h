@@ -34,8 +34,8 @@ class EditedGrid {
   virtual Place PlaceOfEdit(std::int32_t row, std::int32_t column) const = 0;
   /// The text in the editor is another one.
   virtual void EditChanged() = 0;
-  /// The editor was left, or a choice taken.
-  virtual void EditDone() = 0;
+  /// The editor was left, or a choice taken; `goesOn` when Enter has taken it.
+  virtual void EditDone(bool goesOn) = 0;
   /// A key that the editor has no use for itself. Returns whether it is kept from it.
   virtual bool EditKey(const KeyEvent& key) = 0;
   virtual void EditorDoubleClicked() = 0;
@@ -106,7 +106,7 @@ class CellEditing final : private CellEditorOwner {
   bool OfferKey(const KeyEvent& key) override { return suggestions_ && suggestions_->OnKeyDown(key); }
   bool LeaveKey(const KeyEvent& key) override { return grid_.EditKey(key); }
   void TextChanged() override { grid_.EditChanged(); }
-  void EditorDone() override { grid_.EditDone(); }
+  void EditorDone(bool goesOn) override { grid_.EditDone(goesOn); }
   void EditorDoubleClicked() override { grid_.EditorDoubleClicked(); }
   void BeforeDropDown(bool& cancel) override;
   void Suggest();

@@ -14,7 +14,7 @@ TextEditor& TextCellEditor::TextBox() {
   links_.push_back(txtText_->KeyDown.Connect(
       [this](const KeyEvent& key, bool& kept) { kept = kept || Owner().OfferKey(key) || Owner().LeaveKey(key); }));
   links_.push_back(txtText_->Changed.Connect([this] { Owner().TextChanged(); }));
-  links_.push_back(txtText_->FocusLost.Connect([this] { Owner().EditorDone(); }));
+  links_.push_back(txtText_->FocusLost.Connect([this] { Owner().EditorDone(false); }));
   links_.push_back(txtText_->DblClick.Connect([this] { Owner().EditorDoubleClicked(); }));
   return *txtText_;
 }
@@ -66,8 +66,8 @@ zrSimpleCombo& ComboCellEditor::Combo() {
   links_.push_back(
       cboList_->KeyOffered.Connect([this](const KeyEvent& key, bool& kept) { kept = kept || Owner().OfferKey(key); }));
   links_.push_back(cboList_->Change.Connect([this] { Owner().TextChanged(); }));
-  links_.push_back(cboList_->FocusLost.Connect([this] { Owner().EditorDone(); }));
-  links_.push_back(cboList_->Picked.Connect([this] { Owner().EditorDone(); }));
+  links_.push_back(cboList_->FocusLost.Connect([this] { Owner().EditorDone(false); }));
+  links_.push_back(cboList_->Picked.Connect([this](bool byEnter) { Owner().EditorDone(byEnter); }));
   links_.push_back(cboList_->DblClick.Connect([this] { Owner().EditorDoubleClicked(); }));
   links_.push_back(cboList_->BeforeDropDown.Connect([this](bool& cancel) { Owner().BeforeDropDown(cancel); }));
   return *cboList_;

@@ -31,8 +31,8 @@ class CellEditorOwner {
   /// A key that the editor has no use for itself. Returns whether it is kept from the text box.
   virtual bool LeaveKey(const KeyEvent& key) = 0;
   virtual void TextChanged() = 0;
-  /// The keyboard has left the editor, or a choice was taken.
-  virtual void EditorDone() = 0;
+  /// The keyboard has left the editor, or a choice was taken; `goesOn` when Enter has taken it.
+  virtual void EditorDone(bool goesOn) = 0;
   virtual void EditorDoubleClicked() = 0;
   /// A list of choices is about to open; `cancel` set to true keeps it closed.
   virtual void BeforeDropDown(bool& cancel) = 0;

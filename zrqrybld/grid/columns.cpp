@@ -36,6 +36,16 @@ void zrGridColumn::SetWidth(float twips) {
   Changed();
 }
 
+void zrGridColumn::SetShare(float share) {
+  share_ = std::max(share, 0.0F);
+  Changed();
+}
+
+void zrGridColumn::SetHasButton(bool has) {
+  hasButton_ = has;
+  Changed();
+}
+
 void zrGridColumn::SetCaption(std::string caption) {
   caption_ = std::move(caption);
   Changed();

@@ -75,6 +75,14 @@ class ZRQRYBLD_API zrGridColumn final : public Object {
   std::int16_t DisplayAttribute() const { return displayAttribute_; }
   void SetDisplayAttribute(std::int16_t attribute);
 
+  /// Its share of the width that all columns leave free, where the grid's `FillsWidth`; 0 at first, none once the user
+  /// has made it wider or narrower.
+  float Share() const { return share_; }
+  void SetShare(float share);
+  /// Whether its cells have a button that opens a larger editor, where the grid's `HasCellButtons`; False at first.
+  bool HasButton() const { return hasButton_; }
+  void SetHasButton(bool has);
+
   /// How the text stands in its cells: 0 left, 1 right, 2 centred. Other values count as 0.
   std::int16_t Alignment() const { return alignment_; }
   void SetAlignment(std::int16_t alignment);
@@ -95,6 +103,8 @@ class ZRQRYBLD_API zrGridColumn final : public Object {
   std::int16_t style_ = GridColumnText;
   std::int16_t displayAttribute_ = 0;
   std::int16_t alignment_ = 0;
+  float share_ = 0;
+  bool hasButton_ = false;
   Ref<zrGridComboItems> comboItems_;
 };
 

@@ -45,6 +45,26 @@ void zrGrid::SetFont(const zrqrybld::Font& font) {
   Redraw();
 }
 
+void zrGrid::SetFillsWidth(bool fills) {
+  options_.fillsWidth = fills;
+  ColumnsChanged();
+}
+
+void zrGrid::SetHasCellButtons(bool has) {
+  options_.hasCellButtons = has;
+  editing_.Place();
+  Redraw();
+}
+
+// At the right end of the current cell; nothing where there is none.
+PixelRect zrGrid::CellButton(std::size_t row, std::size_t column) const {
+  constexpr Pixels kWidth = 22_px;
+  if (!options_.hasCellButtons || row == 0 || row != currentRow_ || column != currentColumn_) return {};
+  if (!columns_->At(column).HasButton() || rows_->At(row).Locked()) return {};
+  const PixelRect cell = Layout().CellRect(row, column);
+  return {cell.Right() - kWidth, cell.top, kWidth - 1_px, cell.height - 1_px};
+}
+
 void zrGrid::SetEmptyText(std::string text) {
   emptyText_ = std::move(text);
   Redraw();
@@ -80,17 +100,33 @@ void zrGrid::Redraw() {
   if (autoRedraw_) GetSurface().InvalidateAll();
 }
 
-GridLayout zrGrid::Layout() const {
+// Each column's own width, and its share of what all of them leave free.
+std::vector<Pixels> zrGrid::ColumnWidths() const {
   const ScreenScale scale = GetSurface().Scale();
-  const Pixels line = GetSurface().Metrics().LineHeight(options_.font);
   std::vector<Pixels> widths;
   widths.reserve(static_cast<std::size_t>(columns_->Count()));
+  Pixels free = GetSurface().ViewSize().width - kRowHeaderWidth;
+  double shares = 0;
   for (const Ref<zrGridColumn>& column : *columns_) {
     const auto twips = static_cast<double>(column->Width());
     widths.push_back(Pixels(std::round(scale.PixelsX(Twips(twips)).Value())));
+    free = free - widths.back();
+    if (column->Width() > 0) shares += static_cast<double>(column->Share());
   }
-  GridLayout layout(widths, Pixels(std::ceil((line + kHeaderAir).Value())), Pixels(std::ceil((line + kRowAir).Value())),
-                    kRowHeaderWidth, static_cast<std::size_t>(rows_->Count()));
+  if (!options_.fillsWidth || free <= 0_px || shares <= 0) return widths;
+  for (const Ref<zrGridColumn>& column : *columns_) {
+    if (column->Width() <= 0) continue;
+    const double share = static_cast<double>(column->Share()) / shares;
+    widths[static_cast<std::size_t>(column->Index()) - 1] += Pixels(std::floor((free * share).Value()));
+  }
+  return widths;
+}
+
+GridLayout zrGrid::Layout() const {
+  const Pixels line = GetSurface().Metrics().LineHeight(options_.font);
+  GridLayout layout(ColumnWidths(), Pixels(std::ceil((line + kHeaderAir).Value())),
+                    Pixels(std::ceil((line + kRowAir).Value())), kRowHeaderWidth,
+                    static_cast<std::size_t>(rows_->Count()));
   layout.SetOffset(scroller_.Offset());
   return layout;
 }

@@ -86,6 +86,8 @@ class ZRQRYBLD_API zrGrid final : public Control, private ColumnOwner, private R
   Event<GridWork, bool> Batch;
   /// A larger editor is asked for by Shift+F2.
   Event<> ZoomWanted;
+  /// The expression builder is asked for, by a cell's button or Ctrl+F2.
+  Event<> BuilderWanted;
   /// A context menu is asked for: what lies under the place, and the place in pixels.
   Event<const GridHit&, PixelPoint> MenuWanted;
 
@@ -100,6 +102,17 @@ class ZRQRYBLD_API zrGrid final : public Control, private ColumnOwner, private R
   /// Whether the user may add and delete rows; True at first.
   bool AllowRowInsert() const { return options_.allowRowInsert; }
   void SetAllowRowInsert(bool allow) { options_.allowRowInsert = allow; }
+
+  /// Whether columns share the width that they leave free, as each one's `Share` says; their `Width` stays. False at
+  /// first; not stored.
+  bool FillsWidth() const { return options_.fillsWidth; }
+  void SetFillsWidth(bool fills);
+  /// Whether the keys Insert and Delete act on the current row while none is selected; False at first, not stored.
+  bool RowKeysTakeCurrent() const { return options_.rowKeysTakeCurrent; }
+  void SetRowKeysTakeCurrent(bool take) { options_.rowKeysTakeCurrent = take; }
+  /// Whether the current cell of a column that `HasButton` shows it; False at first, not stored.
+  bool HasCellButtons() const { return options_.hasCellButtons; }
+  void SetHasCellButtons(bool has);
 
   /// The current column, from 1; 0 when no cell is current.
   std::int32_t Column() const { return static_cast<std::int32_t>(currentColumn_); }
@@ -244,18 +257,21 @@ class ZRQRYBLD_API zrGrid final : public Control, private ColumnOwner, private R
   Surface& EditSurface() const override { return GetSurface(); }
   Place PlaceOfEdit(std::int32_t row, std::int32_t column) const override;
   void EditChanged() override;
-  void EditDone() override { CommitEdit(); }
+  void EditDone(bool goesOn) override;
   bool EditKey(const KeyEvent& event) override;
   void EditorDoubleClicked() override { DblClick.Raise(); }
   void BeforeListOpens(bool& cancel) override { BeforeDropDown.Raise(Row(), Column(), cancel); }
 
   GridLayout Layout() const;
+  std::vector<Pixels> ColumnWidths() const;
+  PixelRect CellButton(std::size_t row, std::size_t column) const;
   void UpdateScrollBars();
   void Redraw();
   void MakeCurrent(std::size_t row, std::size_t column);
   void TellOfMove();
   void ToggleCheckBox(std::size_t row, std::size_t column);
   std::size_t NextShownColumn(std::size_t from, int direction) const;
+  bool BeginAtFirstCell();
   bool MoveCurrent(std::int32_t keyCode);
   bool MoveToNextCell(int direction);
   bool MoveRange(RowRange range, std::size_t before);

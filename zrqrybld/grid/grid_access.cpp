@@ -77,7 +77,8 @@ AccessibleId GridAccess::RowHeader(std::size_t row) const {
 
 AccessibleId GridAccess::CellAt(std::size_t row, std::size_t column) const {
   const AccessibleId header = ColumnHeader(column);
-  return header.object ? AccessibleId{RowHeader(row).object, header.object} : AccessibleId{};
+  const Ref<Object> object = RowHeader(row).object;
+  return header.object && object ? AccessibleId{object, header.object} : AccessibleId{};
 }
 
 std::optional<AccessibleTree::CellPlace> GridAccess::PlaceOf(const AccessibleId& id) const {
@@ -106,7 +107,7 @@ AccessibleId GridAccess::ObjectAt(PixelPoint point) const {
 }
 
 AccessibleId GridAccess::Current() const {
-  if (grid_.currentRow_ == 0) return {};
+  if (grid_.currentRow_ == 0) return grid_.focused_ ? CellAt(0, 0) : AccessibleId{};  // where the keys begin
   return {RefTo(grid_.rows_->At(grid_.currentRow_)), RefTo(grid_.columns_->At(grid_.currentColumn_))};
 }
 
@@ -168,7 +169,8 @@ AccessibleInfo GridAccess::DescribeCell(const zrGridRow& row, const zrGridColumn
                       {},
                       {},
                       {}};
-  info.state.focused = rowPosition == grid_.currentRow_ && columnPosition == grid_.currentColumn_;
+  const AccessibleId current = Current();
+  info.state.focused = current.object.get() == &row && current.part.get() == &column;
   info.state.selectable = true;
   info.state.selected = grid_.selection_.Contains(rowPosition);
   info.state.checkable = check;

@@ -29,20 +29,22 @@ struct GridColumnRow {
   LanguageIDEnum caption;
   std::int16_t width;  ///< in twips
   GridColumnStyle style;
+  float share = 0;         ///< of the free width: the first criteria get most
+  bool hasButton = false;  ///< for the expression builder
 };
 
 inline constexpr GridColumnRow kGridColumns[] = {
-    {"column", LanguageGridColumn, 1500, GridColumnCombo},
+    {"column", LanguageGridColumn, 1500, GridColumnCombo, 1, true},
     {"alias", LanguageGridAlias, 1000, GridColumnText},
     {"table", LanguageGridTable, 1500, GridColumnCombo},
     {"output", LanguageGridOutput, 800, GridColumnCheckBox},
     {"sort_type", LanguageGridSortType, 1200, GridColumnCombo},
     {"sort_order", LanguageGridSortOrder, 1000, GridColumnCombo},
     {"group_by", LanguageGridGroupBy, 0, GridColumnCombo},
-    {"criteria", LanguageGridCriteria, 1500, GridColumnText},
-    {"or1", LanguageGridOr, 1500, GridColumnText},
-    {"or2", LanguageGridOr, 1500, GridColumnText},
-    {"or3", LanguageGridOr, 1500, GridColumnText},
+    {"criteria", LanguageGridCriteria, 1500, GridColumnText, 4, true},
+    {"or1", LanguageGridOr, 1500, GridColumnText, 2, true},
+    {"or2", LanguageGridOr, 1500, GridColumnText, 1, true},
+    {"or3", LanguageGridOr, 1500, GridColumnText, 1, true},
 };
 
 /// The key of a column.

@@ -46,6 +46,14 @@ zrGrid::Place zrGrid::PlaceOfEdit(std::int32_t row, std::int32_t column) const {
   const GridLayout layout = Layout();
   const PixelRect cell = GetRowColumnXY(row, column);
   PixelRect inside = cell.Inset(kEditorInset, kEditorInset);
+  const PixelRect button = CellButton(static_cast<std::size_t>(row), static_cast<std::size_t>(column));
+  if (!button.Empty()) inside.width = button.left - inside.left;
+  // As wide as the text that it begins with, where the window is.
+  constexpr Pixels kBesideText = 36_px;
+  const Pixels text = GetSurface().Metrics().TextWidth(
+      CellText(static_cast<std::size_t>(row), static_cast<std::size_t>(column)), options_.font);
+  const Pixels wanted = std::min(text + kBesideText, GetSurface().ViewSize().width - inside.left - kEditorInset);
+  if (button.Empty()) inside.width = std::max(inside.width, wanted);
   if (cell.top < layout.HeaderHeight() || cell.left < layout.RowHeaderWidth()) inside.top = -cell.height * 2;
   return {cell, inside};
 }
@@ -67,6 +75,13 @@ void zrGrid::CommitEdit() {
   });
 }
 
+// A choice that Enter has taken goes on as any text does that Enter ends.
+void zrGrid::EditDone(bool goesOn) {
+  const Ref<Object> alive = Alive();
+  CommitEdit();
+  if (goesOn) MoveToNextCell(1);
+}
+
 void zrGrid::CancelEdit() {
   if (!IsEditing()) return;
   editing_.Drop();
@@ -81,9 +96,9 @@ bool zrGrid::EditKey(const KeyEvent& event) {
       CancelEdit();
       return true;
     case KeyCodeF2:
-      if (event.shift != ShiftShift) return false;
+      if (event.shift != ShiftShift && event.shift != ShiftCtrl) return false;
       CommitEdit();
-      ZoomWanted.Raise();
+      (event.shift == ShiftShift ? ZoomWanted : BuilderWanted).Raise();
       return true;
     case KeyCodeEnter:
       if (!plain) return false;

@@ -17,6 +17,7 @@ class GridKeys {
 
  private:
   bool CommandKey(const KeyEvent& event) const;
+  bool RowKey(const KeyEvent& event) const;
   bool SelectionKey(const KeyEvent& event) const;
   bool JumpKey(const KeyEvent& event) const;
   bool TypingKey(const KeyEvent& event) const;
@@ -33,6 +34,10 @@ bool GridKeys::CommandKey(const KeyEvent& event) const {
     }
     const PixelRect cell = grid_.GetRowColumnXY(grid_.Row(), grid_.Column());
     grid_.OfferMenu({GridPart::Cell, grid_.currentRow_, grid_.currentColumn_}, {cell.left, cell.Bottom()});
+    return true;
+  }
+  if (Asks(event, Command::OpenBuilder)) {
+    grid_.BuilderWanted.Raise();
     return true;
   }
   if (event.keyCode == KeyCodeTab) return grid_.MoveToNextCell(event.shift == ShiftShift ? -1 : 1);
@@ -54,15 +59,7 @@ bool GridKeys::CommandKey(const KeyEvent& event) const {
     grid_.editing_.OnListKey(event);
     return true;
   }
-  const bool ofRows = grid_.options_.allowRowInsert && !grid_.selection_.Empty();
-  if (ofRows && Asks(event, Command::DeleteRows)) {
-    grid_.DeleteSelectedRows();
-    return true;
-  }
-  if (ofRows && Asks(event, Command::InsertRows)) {
-    grid_.InsertRows();
-    return true;
-  }
+  if (RowKey(event)) return true;
   if (event.shift != ShiftNone) return false;
   switch (event.keyCode) {
     case KeyCodeEnter:
@@ -74,6 +71,22 @@ bool GridKeys::CommandKey(const KeyEvent& event) const {
     default:
       return false;
   }
+}
+
+// Keys that delete and insert rows.
+bool GridKeys::RowKey(const KeyEvent& event) const {
+  const bool deletes = Asks(event, Command::DeleteRows);
+  if (!grid_.options_.allowRowInsert || (!deletes && !Asks(event, Command::InsertRows))) return false;
+  if (grid_.selection_.Empty()) {
+    if (!grid_.options_.rowKeysTakeCurrent || grid_.currentRow_ == 0) return false;
+    grid_.SelectRows(grid_.currentRow_, grid_.currentRow_);
+  }
+  if (deletes) {
+    grid_.DeleteSelectedRows();
+  } else {
+    grid_.InsertRows();
+  }
+  return true;
 }
 
 // Shift with the space bar or the arrows selects rows; Alt moves them.
@@ -140,14 +153,20 @@ bool GridKeys::JumpKey(const KeyEvent& event) const {
 bool GridKeys::TypingKey(const KeyEvent& event) const {
   const bool empties = event.keyCode == KeyCodeBack && event.shift == ShiftNone;
   if (event.text.empty() && !empties) return false;
-  if (grid_.currentRow_ == 0 && !grid_.MoveCurrent(KeyCodeDown)) return false;
+  if (grid_.currentRow_ == 0 && !grid_.BeginAtFirstCell()) return false;
   const std::string typed = empties ? std::string() : event.text;
   return grid_.OpenEditor(&typed);
 }
 
 // --- The grid ---
 
+// While no cell is current the first one is shown as current: there the keys begin.
 bool zrGrid::OnKeyDown(const KeyEvent& event) {
+  const bool moves = event.keyCode >= KeyCodePageUp && event.keyCode <= KeyCodeDown;
+  const bool acts = moves || event.keyCode == KeyCodeSpace || event.keyCode == KeyCodeEnter ||
+                    Asks(event, Command::EditCell) || Asks(event, Command::OpenList);
+  const bool begins = event.keyCode == KeyCodeTab || (acts && event.shift == ShiftNone);
+  if (focused_ && currentRow_ == 0 && begins) BeginAtFirstCell();
   return IsEditing() ? editing_.OnKeyDown(event) : GridKeys(*this).Act(event);
 }
 
@@ -163,13 +182,15 @@ std::size_t zrGrid::NextShownColumn(std::size_t from, int direction) const {
   return from;
 }
 
+bool zrGrid::BeginAtFirstCell() {
+  if (rows_->Count() == 0 || columns_->Count() == 0) return false;
+  MakeCurrent(1, NextShownColumn(0, 1));
+  return true;
+}
+
 bool zrGrid::MoveCurrent(std::int32_t keyCode) {
   const auto count = static_cast<std::size_t>(rows_->Count());
-  if (count == 0 || columns_->Count() == 0) return false;
-  if (currentRow_ == 0) {
-    MakeCurrent(1, NextShownColumn(0, 1));
-    return true;
-  }
+  if (currentRow_ == 0 || count == 0) return BeginAtFirstCell();
   std::size_t row = currentRow_;
   std::size_t column = currentColumn_;
   if (keyCode == KeyCodeLeft) column = NextShownColumn(column, -1);
@@ -182,7 +203,7 @@ bool zrGrid::MoveCurrent(std::int32_t keyCode) {
 
 // The next cell of the row, behind its end the first one of the next row; backwards alike. False at the grid's ends.
 bool zrGrid::MoveToNextCell(int direction) {
-  if (currentRow_ == 0) return MoveCurrent(KeyCodeDown);
+  if (currentRow_ == 0) return BeginAtFirstCell();
   const auto count = static_cast<std::size_t>(rows_->Count());
   const std::size_t column = NextShownColumn(currentColumn_, direction);
   if (column != currentColumn_) {

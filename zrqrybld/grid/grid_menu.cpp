@@ -84,8 +84,8 @@ void GridPaneMenu::AddCellEntries(Menu& menu) const {
   menu.push_back({Say(pane_.rows_.Context(), text::MenuClear), "", [*this] { ClearCell(); }, holdsText});
   if (column != kColumnColumn && column < kColumnCriteria) return;
   menu.push_back(MenuEntry::Separator());
-  menu.push_back(
-      {Say(pane_.rows_.Context(), text::MenuBuilder), "", [*this] { pane_.ShowExpressionBuilder(); }, linked});
+  menu.push_back(EntryFor(
+      pane_.rows_.Context(), Command::OpenBuilder, [*this] { pane_.ShowExpressionBuilder(); }, linked));
   menu.push_back(EntryFor(
       pane_.rows_.Context(), Command::ZoomCell, [*this] { pane_.ShowExpressionZoom(); }, linked));
 }
@@ -103,8 +103,9 @@ Menu GridPaneMenu::ColumnEntries(std::size_t column) const {
   constexpr float kNarrowest = 300;
   if (column != 0) {
     const auto index = static_cast<std::int32_t>(column);
-    menu.push_back({Say(pane_.rows_.Context(), text::MenuHideColumn), "",
-                    [*this, index] { SetColumnShown(index, false); }, shown > 1});
+    // The grouping column stands for grouping itself: that it ends is said, not done on the way.
+    const TextId hide = index == kColumnGroupBy ? text::MenuEndGrouping : text::MenuHideColumn;
+    menu.push_back({Say(pane_.rows_.Context(), hide), "", [*this, index] { SetColumnShown(index, false); }, shown > 1});
     menu.push_back(
         {Say(pane_.rows_.Context(), text::MenuFitWidth), "", [*this, index] { grid_.FitColumn(index, kNarrowest); }});
   }
@@ -116,13 +117,13 @@ Menu GridPaneMenu::ColumnEntries(std::size_t column) const {
   menu.push_back(MenuEntry::Separator());
   for (const Ref<zrGridColumn>& each : columns) {
     const bool is = isShown(each);
-    menu.push_back({each->Caption(), "", [*this, index = each->Index(), is] { SetColumnShown(index, !is); },
-                    !is || shown > 1, is});
+    const bool groups = each->Index() == kColumnGroupBy;
+    menu.push_back({groups ? Say(pane_.rows_.Context(), {text::MenuGroupRows, each->Caption()}) : each->Caption(), "",
+                    [*this, index = each->Index(), is] { SetColumnShown(index, !is); }, !is || shown > 1, is});
   }
   return menu;
 }
 
-// The grouping column stands for grouping itself.
 void GridPaneMenu::SetColumnShown(std::int32_t column, bool show) const {
   if (column == kColumnGroupBy) {
     pane_.SetShowGroupBy(show);

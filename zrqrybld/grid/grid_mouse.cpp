@@ -21,6 +21,11 @@ std::size_t DropRowAt(const GridLayout& layout, PixelPoint point, std::size_t co
 }  // namespace
 
 void zrGrid::OnMouseDown(const MouseEvent& event) {
+  if (event.button == ButtonLeft && CellButton(currentRow_, currentColumn_).Contains(event.position)) {
+    CommitEdit();
+    BuilderWanted.Raise();
+    return;
+  }
   if (editing_.OnMouseDown(event)) return;
   CommitEdit();  // a click elsewhere; what is under the pointer is looked up after it
   const GridHit hit = Layout().HitTest(event.position);
@@ -89,6 +94,7 @@ void zrGrid::OnMouseMove(const MouseEvent& event) {
   if (const auto* sizing = std::get_if<SizingColumn>(&gesture_)) {
     const Pixels left = Layout().ColumnHeaderRect(sizing->column).left;
     const Pixels width = std::max(event.position.x - sizing->grip - left, kNarrowest);
+    columns_->At(sizing->column).SetShare(0);
     columns_->At(sizing->column).SetWidth(static_cast<float>(GetSurface().Scale().TwipsX(width).Value()));
     return;
   }

@@ -9,6 +9,9 @@ struct GridOptions {
   bool allowColumnResize = true;
   bool allowRowInsert = true;
   Font font;
+  bool fillsWidth = false;  // this and those below are not stored
+  bool rowKeysTakeCurrent = false;
+  bool hasCellButtons = false;
 };
 
 struct ComboOptions {

@@ -53,6 +53,9 @@ void GridPainter::Paint() const {
       }
     }
     grid_.editing_.Paint(canvas_, dirty_);
+    if (grid_.IsEditing()) {
+      canvas_.StrokeRect(grid_.PlaceOfEdit(grid_.Row(), grid_.Column()).editor.Inset(-2_px), ColorRole::Focus, 2_px);
+    }
     if (!grid_.emptyText_.empty() && !grid_.IsEditing() && grid_.HoldsNothing()) {
       const PixelRect body{layout_.RowHeaderWidth(), layout_.HeaderHeight() + layout_.RowHeight(),
                            view_.width - layout_.RowHeaderWidth(), layout_.RowHeight() * 2};
@@ -138,8 +141,10 @@ void GridPainter::PaintCell(const PixelRect& rect, std::size_t row, std::size_t 
   canvas_.FillRect({rect.left, rect.Bottom() - 1_px, rect.width, 1_px}, ColorRole::GridLine);
   if (grid_.columns_->At(column).Style() == GridColumnCheckBox) {
     const Variant& value = grid_.rows_->At(row).ValueAt(column);
-    canvas_.DrawPart(ThemedPart::CheckBox,
-                     {rect.CenterX() - kCheckBox / 2, rect.CenterY() - kCheckBox / 2, kCheckBox, kCheckBox},
+    // Below the box of the header, where there is one.
+    const bool below = grid_.columns_->At(column).DisplayAttribute() == kCheckedHeader;
+    const PixelRect middle{rect.CenterX() - kCheckBox / 2, rect.CenterY() - kCheckBox / 2, kCheckBox, kCheckBox};
+    canvas_.DrawPart(ThemedPart::CheckBox, below ? grid_.HeaderCheckBox(rect) : middle,
                      {.checked = value == Variant(true)});
   } else {
     canvas_.DrawText(rect.Inset(kGridTextPadding, {}), grid_.CellText(row, column),
@@ -149,6 +154,13 @@ void GridPainter::PaintCell(const PixelRect& rect, std::size_t row, std::size_t 
     const PixelPoint corner{rect.Right() - 1_px, rect.top};
     const PixelPoint points[] = {corner, {corner.x - kHintMark, corner.y}, {corner.x, corner.y + kHintMark}};
     canvas_.FillPolygon(points, ColorRole::Error);
+  }
+  if (const PixelRect button = grid_.CellButton(row, column); !button.Empty()) {
+    canvas_.FillRect(button, fill);
+    canvas_.StrokeRect(button.Inset(2_px, 3_px), ColorRole::GridLine, 1_px, 3_px);
+    for (const double dot : {-4.0, 0.0, 4.0}) {
+      canvas_.FillRect({button.CenterX() + Pixels(dot) - 1_px, button.CenterY() - 1_px, 2_px, 2_px}, ink);
+    }
   }
   const bool active = grid_.focused_ || grid_.IsEditing();
   if (current) canvas_.StrokeRect(rect, active ? ColorRole::Focus : ColorRole::GridLine, active ? 2_px : 1_px);

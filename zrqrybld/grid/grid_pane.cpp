@@ -64,6 +64,8 @@ void qbGridPane::CreateColumns() {
         grdPane_->Columns()->Add(std::string(row.key), Phrase(TextId{row.caption}).English());
     column->SetWidth(row.width);
     column->SetStyle(row.style);
+    column->SetShare(row.share);
+    column->SetHasButton(row.hasButton);
   }
   for (const SortWord& word : OfferedSorts(false)) {
     grdPane_->Columns()->Item(kColumnSortType)->ComboItems()->Add(std::string(word.text));
@@ -113,6 +115,7 @@ void qbGridPane::ConnectGrid() {
   listen(grid.ShowContextMenu, [this](std::int32_t row, std::int32_t column) { ShowContextMenu.Raise(row, column); });
   listen(grid.MenuWanted, [this](const GridHit& hit, PixelPoint at) { ShowMenu(hit, at); });
   listen(grid.ZoomWanted, [this] { ShowExpressionZoom(); });
+  listen(grid.BuilderWanted, [this] { ShowExpressionBuilder(); });
   listen(grid.RowColChange, [this](std::int32_t row, std::int32_t column) { CurrentCellChanged(row, column); });
 }
 

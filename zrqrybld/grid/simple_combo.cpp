@@ -81,7 +81,7 @@ void zrSimpleCombo::TextChanged() {
     if (assisted_ && !AnyBeginsWith(text)) {
       CloseList();
     } else {
-      ShowMatches(text, false);
+      ShowMatches(text, assisted_ || text.empty() ? Mark::Chosen : Mark::Beginning);
     }
   }
   Change.Raise();
@@ -228,7 +228,7 @@ bool zrSimpleCombo::TextBoxKey(const KeyEvent& event) {
       return true;
     }
     if (event.keyCode == KeyCodeEnter && cboList_->Highlighted() >= 0) {
-      Pick(cboList_->Highlighted());
+      Pick(cboList_->Highlighted(), true);
       return true;
     }
   }
@@ -251,7 +251,7 @@ bool zrSimpleCombo::SearchFor(const KeyEvent& event) {
   } else {
     return false;
   }
-  ShowMatches(search_, true);
+  ShowMatches(search_, Mark::First);
   GetSurface().Invalidate(Bounds());
   return true;
 }
@@ -268,11 +268,12 @@ void zrSimpleCombo::ToggleList() {
 
 void zrSimpleCombo::OpenList() {
   search_.clear();
-  ShowMatches("", false);
+  ShowMatches("", Mark::Chosen);
 }
 
-// Opens the list with the items that hold the text, without regard to case, or lets it go when there are none.
-void zrSimpleCombo::ShowMatches(std::string_view filter, bool highlightFirst) {
+// Opens the list with the items that hold the text, without regard to case, or lets it go when there are none. What is
+// typed stands for the item that it is, else for the first that begins with it: Enter takes that.
+void zrSimpleCombo::ShowMatches(std::string_view filter, Mark mark) {
   if (!IsListOpen()) {
     bool cancel = false;
     BeforeDropDown.Raise(cancel);
@@ -287,7 +288,12 @@ void zrSimpleCombo::ShowMatches(std::string_view filter, bool highlightFirst) {
   std::int32_t highlighted = -1;
   for (std::size_t i = 0; i < items_.size(); ++i) {
     if (!wanted.empty() && FoldCase(items_[i]).find(wanted) == std::string::npos) continue;
-    if (static_cast<std::int32_t>(i) == listIndex_) highlighted = static_cast<std::int32_t>(texts.size());
+    const auto place = static_cast<std::int32_t>(texts.size());
+    const std::string item = FoldCase(items_[i]);
+    const bool begins = highlighted < 0 && item.starts_with(wanted);
+    if (mark == Mark::Beginning ? begins || item == wanted : static_cast<std::int32_t>(i) == listIndex_) {
+      highlighted = place;
+    }
     shown_.push_back(static_cast<std::int32_t>(i));
     texts.push_back({items_[i]});
   }
@@ -297,9 +303,9 @@ void zrSimpleCombo::ShowMatches(std::string_view filter, bool highlightFirst) {
   }
   if (!cboList_) {
     cboList_ = GetSurface().MakePopupList();
-    links_.push_back(cboList_->Chosen.Connect([this](std::int32_t index) { Pick(index); }));
+    links_.push_back(cboList_->Chosen.Connect([this](std::int32_t index) { Pick(index, false); }));
   }
-  cboList_->Open(Bounds(), std::move(texts), highlightFirst ? 0 : highlighted);
+  cboList_->Open(Bounds(), std::move(texts), mark == Mark::First ? 0 : highlighted);
 }
 
 bool zrSimpleCombo::AnyBeginsWith(std::string_view text) const {
@@ -333,11 +339,11 @@ void zrSimpleCombo::Choose(std::int32_t index) {
   GetSurface().Invalidate(Bounds());
 }
 
-void zrSimpleCombo::Pick(std::int32_t shownIndex) {
+void zrSimpleCombo::Pick(std::int32_t shownIndex, bool byEnter) {
   if (shownIndex < 0 || shownIndex >= static_cast<std::int32_t>(shown_.size())) return;
   const Ref<Object> alive = shared_from_this();  // a listener may end the edit and more
   Choose(shown_[static_cast<std::size_t>(shownIndex)]);
-  Picked.Raise();
+  Picked.Raise(byEnter);
 }
 
 // In the open list another item stands out; in the closed one it is chosen at once.

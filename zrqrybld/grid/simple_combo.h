@@ -97,8 +97,8 @@ class ZRQRYBLD_API zrSimpleCombo final : public Control {
 
   /// A key in the text box, before the combo acts on it; the last argument set to true keeps it from both.
   Event<const KeyEvent&, bool&> KeyOffered;
-  /// The user has taken an item of the open list, be it the one that was chosen before.
-  Event<> Picked;
+  /// The user has taken an item of the open list, be it the one that was chosen before; true when by Enter.
+  Event<bool> Picked;
   /// The keyboard has left the text box.
   Event<> FocusLost;
 
@@ -139,10 +139,11 @@ class ZRQRYBLD_API zrSimpleCombo final : public Control {
 
   void ToggleList();
   void OpenList();
-  void ShowMatches(std::string_view filter, bool highlightFirst);
+  enum class Mark : std::uint8_t { Chosen, First, Beginning };
+  void ShowMatches(std::string_view filter, Mark mark);
   bool AnyBeginsWith(std::string_view text) const;
   void Choose(std::int32_t index);
-  void Pick(std::int32_t shownIndex);
+  void Pick(std::int32_t shownIndex, bool byEnter);
   bool StepInList(std::int32_t by);
   bool SearchFor(const KeyEvent& event);
 

@@ -40,6 +40,8 @@ class ZRQRYBLD_API DesignReports {
 
   /// The user asks for the table picker.
   virtual void RequestTables() = 0;
+  /// Puts the column into the result, once more where it is there already.
+  virtual void OutputColumnAgain(const std::string& entityCaption, const std::string& column) = 0;
   /// Sorts by the column ("Ascending" or "Descending"), or no more (""). The column gets a row where it has none.
   virtual void SortByColumn(const std::string& entityCaption, const std::string& column, const std::string& type) = 0;
   /// Groups by the column or aggregates it: one of the grouping choices by name. The query groups from then on.

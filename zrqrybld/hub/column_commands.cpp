@@ -10,8 +10,13 @@
 #include "zrqrybld/host/catalogs.h"
 #include "zrqrybld/host/step_context.h"
 #include "zrqrybld/hub/hub.h"
+#include "zrqrybld/hub/hub_parts.h"
 
 namespace zrqrybld {
+
+void qbQueryBuilder::Parts::Reports::OutputColumnAgain(const std::string& entityCaption, const std::string& column) {
+  if (const Ref<qbGridPane> grid = parts_.hub->GridPane()) grid->SetFieldOutput(column, true, entityCaption, {true, 0});
+}
 
 // The first row of the column, 0 when it has none.
 std::int32_t qbQueryBuilder::RowOfColumn(const std::string& entityCaption, const std::string& column) const {

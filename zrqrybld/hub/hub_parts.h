@@ -75,6 +75,7 @@ struct qbQueryBuilder::Parts {
     void DialectChanged() override { parts_.hub->DialectChanged(); }
     void LikeOperatorChanged(const std::string& before) override { parts_.hub->LikeOperatorChanged(before); }
     void RequestTables() override { parts_.hub->ShowTables(); }
+    void OutputColumnAgain(const std::string& entityCaption, const std::string& column) override;
     void SortByColumn(const std::string& entityCaption, const std::string& column, const std::string& type) override {
       parts_.hub->SortByColumn(entityCaption, column, type);
     }

@@ -2,6 +2,7 @@
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/file.h"
 #include "zrqrybld/base/texts_hub.h"
+#include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/host/step_context.h"
 #include "zrqrybld/hub/hub.h"
 #include "zrqrybld/hub/query_file_reader.h"
@@ -45,6 +46,7 @@ bool qbQueryBuilder::LoadQuery(const std::string& filename, bool fileIsData, boo
     }
     if (!complete || returnParametersOnly) return;
     notApplied = reader.NotApplied();
+    if (diagramPane_) diagramPane_->KeepAdded();
     if (sqlPane_) sqlPane_->QueryReplaced();
     QueryChanged();
   });

@@ -100,6 +100,7 @@ void qbQueryBuilder::StepMade(const StepLabel& step, bool writes) {
   std::optional<std::string> typed = std::exchange(typed_, std::nullopt);
   if (!writes || (sqlPane_ && sqlPane_->KeepsTyped())) typed.reset();
   try {
+    if (diagramPane_) diagramPane_->PlaceAdded();
     historyChanged_ |= parts_->history.Record(step, CurrentChange(), std::move(typed));
     if (const Ref<qbEntities> entities = Entities()) entities->Remembered();
     if (gridPane_) gridPane_->Grid()->Rows()->Remembered();

@@ -21,6 +21,7 @@ enum class AccessibleRole : std::uint8_t {
   List,       ///< a table box; its children are its rows
   CheckItem,  ///< a row of a list, which can be ticked
   Join,       ///< a line between rows of two lists
+  Minimap,    ///< a small picture of all that there is
   Table,
   ColumnHeader,
   RowHeader,

@@ -69,6 +69,8 @@ constexpr CommandRow kCommands[] = {
     {Command::ClearQuery, {}, {}, text::ClearItem, Needs::Tables},
     {Command::GroupRows, {}, {}, text::GroupRowsItem, Needs::Nothing},
     {Command::ShowSchemaTree, {F(9)}, {}, text::SchemaTreeItem, Needs::Nothing},
+    {Command::ShowMinimap, {'M', ShiftCtrl}, {}, text::MenuMinimap, Needs::Nothing},
+    {Command::OpenBuilder, {F(2), ShiftCtrl}, {}, text::MenuBuilder, Needs::Nothing},
 };
 
 constexpr bool InOrder() {

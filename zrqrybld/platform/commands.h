@@ -66,6 +66,8 @@ enum class Command : std::uint8_t {
   ClearQuery,
   GroupRows,
   ShowSchemaTree,
+  ShowMinimap,
+  OpenBuilder,
 };
 
 /// What has to be there before a command can be given, beside what it is given for.

@@ -20,6 +20,7 @@ QAccessible::Role ToRole(AccessibleRole role) {
     case AccessibleRole::CheckItem:
       return QAccessible::ListItem;
     case AccessibleRole::Join:
+    case AccessibleRole::Minimap:
       return QAccessible::Graphic;
     case AccessibleRole::Table:
       return QAccessible::Table;

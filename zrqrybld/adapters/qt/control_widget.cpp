@@ -83,6 +83,21 @@ void ControlWidget::Tell(Call&& call) {
   if (control) boundary_.Run([&] { call(*control); });
 }
 
+void ControlWidget::SetBar(QWidget* bar) {
+  if (bar_) bar_->hide();
+  bar_ = bar;
+  setViewportMargins(0, 0, 0, bar ? bar->sizeHint().height() : 0);
+  PlaceBar();
+  if (bar) bar->show();
+}
+
+// Below the viewport, and below a scroll bar there.
+void ControlWidget::PlaceBar() {
+  if (!bar_) return;
+  const int height = bar_->sizeHint().height();
+  bar_->setGeometry(0, viewport()->geometry().bottom() + 1, viewport()->width(), height);
+}
+
 // --- The surface ---
 
 // A widget that no layout has placed yet has a size that means nothing; tables added before the window is shown
@@ -274,6 +289,7 @@ void ControlWidget::paintEvent(QPaintEvent* event) {
 }
 
 void ControlWidget::resizeEvent(QResizeEvent*) {
+  PlaceBar();
   Tell([](Control& control) { control.OnResize(); });
 }
 

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <QAbstractScrollArea>
+#include <QPointer>
 #include <array>
 #include <cstdint>
 #include <functional>
@@ -48,6 +49,9 @@ class ZRQRYBLD_API ControlWidget : public QAbstractScrollArea, public Surface, p
 
   /// Replaces the real drag and drop, for tests and for applications with their own.
   void SetDragHandler(DragHandler handler) { dragHandler_ = std::move(handler); }
+
+  /// Shows a bar, a child of this widget, below what the control shows; nothing shows none. The one before is hidden.
+  void SetBar(QWidget* bar);
 
   /// The surface, as the control sees it.
   PixelSize ViewSize() const override;
@@ -107,6 +111,7 @@ class ZRQRYBLD_API ControlWidget : public QAbstractScrollArea, public Surface, p
   MouseEvent OnSurface(MouseEvent mouse) const;
   KeyEvent OnSurface(KeyEvent key) const;
   bool OfferKey(QKeyEvent& event);
+  void PlaceBar();
   void ShowToolTip(const QPoint& position, const QPoint& globalPosition);
   void ApplyScrollBars();
   void Scrolled(Orientation orientation, int value);
@@ -117,6 +122,7 @@ class ZRQRYBLD_API ControlWidget : public QAbstractScrollArea, public Surface, p
   QtMetrics metrics_;
   EventBoundary boundary_;
   DragHandler dragHandler_;
+  QPointer<QWidget> bar_;
   QTimer* ticks_ = nullptr;                  // made on first use
   std::array<ScrollState, 2> scrollStates_;  // as the control wants them, by orientation
   bool applyingScrollBars_ = false;

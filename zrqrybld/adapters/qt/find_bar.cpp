@@ -1,12 +1,8 @@
 #include "zrqrybld/adapters/qt/find_bar.h"
 
-#include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QTextBlock>
-#include <QToolButton>
 #include <algorithm>
 
-#include "zrqrybld/adapters/qt/say.h"
 #include "zrqrybld/base/texts_qt.h"
 
 namespace zrqrybld {
@@ -20,34 +16,9 @@ QString SearchedText(const QPlainTextEdit& text) { return text.document()->toRaw
 }  // namespace
 
 FindBar::FindBar(QPlainTextEdit& text, std::function<void()> changed)
-    : QWidget(&text), text_(text), changed_(std::move(changed)), word_(new QLineEdit(this)), count_(new QLabel(this)) {
-  hide();
-  setCursor(Qt::ArrowCursor);
-  setAutoFillBackground(true);
-  word_->setClearButtonEnabled(true);
-  const auto button = [this](Qt::ArrowType arrow, auto act) {
-    auto* made = new QToolButton(this);
-    made->setAutoRaise(true);
-    made->setFocusPolicy(Qt::NoFocus);
-    if (arrow == Qt::NoArrow) {
-      made->setText(QStringLiteral("\u2715"));
-    } else {
-      made->setArrowType(arrow);
-    }
-    connect(made, &QToolButton::clicked, this, act);
-    return made;
-  };
-  auto* row = new QHBoxLayout(this);
-  row->setContentsMargins(8, 2, 4, 2);
-  row->addWidget(word_, 1);
-  row->addWidget(count_);
-  previous_ = button(Qt::UpArrow, [this] { Go(false); });
-  next_ = button(Qt::DownArrow, [this] { Go(true); });
-  close_ = button(Qt::NoArrow, [this] { Close(); });
-  for (QToolButton* one : {previous_, next_, close_}) row->addWidget(one);
+    : FindFrame(&text), text_(text), changed_(std::move(changed)) {
   SetTexts(EnglishTexts());
-  setFocusProxy(word_);
-  connect(word_, &QLineEdit::textChanged, this, [this] {
+  connect(&Word(), &QLineEdit::textChanged, this, [this] {
     Look();
     // While typing, the place that was found stays as long as it fits.
     QTextCursor caret = text_.textCursor();
@@ -58,26 +29,15 @@ FindBar::FindBar(QPlainTextEdit& text, std::function<void()> changed)
   });
 }
 
-void FindBar::SetTexts(const TextSource& texts) {
-  texts_ = &texts;
-  word_->setPlaceholderText(Say(texts, text::Find));
-  word_->setAccessibleName(Say(texts, text::FindInStatement));
-  const auto name = [&](QToolButton* button, TextId tip) {
-    button->setToolTip(Say(texts, tip));
-    button->setAccessibleName(button->toolTip());
-  };
-  name(previous_, text::FindPrevious);
-  name(next_, text::FindNext);
-  name(close_, text::FindClose);
-}
+void FindBar::SetTexts(const TextSource& texts) { SetWords(texts, text::Find, text::FindInStatement); }
 
 void FindBar::Open() {
   const QString selected = text_.textCursor().selectedText();
   const bool oneLine = !selected.isEmpty() && !selected.contains(QChar::ParagraphSeparator);
   show();
-  if (oneLine) word_->setText(selected);
-  word_->selectAll();
-  word_->setFocus();
+  if (oneLine) Word().setText(selected);
+  Word().selectAll();
+  Word().setFocus();
   Refresh();
 }
 
@@ -96,29 +56,22 @@ void FindBar::Refresh() {
 void FindBar::Look() {
   places_.clear();
   const QString text = SearchedText(text_);
-  const QString word = word_->text();
+  const QString word = Word().text();
   for (qsizetype at = word.isEmpty() ? -1 : text.indexOf(word, 0, Qt::CaseInsensitive); at >= 0;
        at = text.indexOf(word, at + word.size(), Qt::CaseInsensitive)) {
     places_.push_back(static_cast<int>(at));
   }
-  ShowCount();
+  CountPlaces();
 }
 
-void FindBar::ShowCount() {
+void FindBar::CountPlaces() {
   const auto here = std::ranges::find(places_, text_.textCursor().selectionStart());
   const bool onOne = here != places_.end() && text_.textCursor().hasSelection();
-  if (word_->text().isEmpty()) {
-    count_->clear();
-  } else if (places_.isEmpty()) {
-    count_->setText(Say(*texts_, text::NotFound));
-  } else {
-    count_->setText(onOne ? Say(*texts_, text::PlaceOf, here - places_.begin() + 1, places_.size())
-                          : Say(*texts_, text::FoundCount, places_.size()));
-  }
+  ShowCount(onOne ? static_cast<std::size_t>(here - places_.begin()) + 1 : 0, static_cast<std::size_t>(places_.size()));
 }
 
 void FindBar::Go(bool forward) {
-  if (word_->text().isEmpty()) {
+  if (Word().text().isEmpty()) {
     Open();
     return;
   }
@@ -132,9 +85,9 @@ void FindBar::Go(bool forward) {
   if (place == places_.end()) place = places_.begin();
   QTextCursor found(text_.document());
   found.setPosition(*place);
-  found.setPosition(*place + static_cast<int>(word_->text().size()), QTextCursor::KeepAnchor);
+  found.setPosition(*place + static_cast<int>(Word().text().size()), QTextCursor::KeepAnchor);
   text_.setTextCursor(found);
-  ShowCount();
+  CountPlaces();
 }
 
 QList<QTextEdit::ExtraSelection> FindBar::Marks(const Theme& theme) const {
@@ -146,23 +99,13 @@ QList<QTextEdit::ExtraSelection> FindBar::Marks(const Theme& theme) const {
     QTextEdit::ExtraSelection mark;
     mark.cursor = QTextCursor(text_.document());
     mark.cursor.setPosition(places_[i]);
-    mark.cursor.setPosition(places_[i] + static_cast<int>(word_->text().size()), QTextCursor::KeepAnchor);
+    mark.cursor.setPosition(places_[i] + static_cast<int>(Word().text().size()), QTextCursor::KeepAnchor);
     mark.format.setBackground(theme.Of(ColorRole::RowHover));
     mark.format.setUnderlineStyle(QTextCharFormat::SingleUnderline);  // seen where the ground is faint
     mark.format.setUnderlineColor(theme.Of(ColorRole::Focus));
     marks.push_back(mark);
   }
   return marks;
-}
-
-void FindBar::keyPressEvent(QKeyEvent* event) {
-  const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-  if (event->key() == Qt::Key_Escape) {
-    Close();
-  } else if (enter || event->matches(QKeySequence::FindNext) || event->matches(QKeySequence::FindPrevious)) {
-    Go(enter ? !event->modifiers().testFlag(Qt::ShiftModifier) : event->matches(QKeySequence::FindNext));
-  }
-  event->accept();  // nothing typed here is for the text behind the bar
 }
 
 }  // namespace zrqrybld

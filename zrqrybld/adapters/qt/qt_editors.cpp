@@ -29,6 +29,9 @@ class QtTextEditor::Line final : public QLineEdit {
  public:
   Line(QtTextEditor& owner, const EditorWindow& window) : QLineEdit(window.viewport), editor_(&owner), window_(window) {
     setFrame(false);
+    // SQL is read from left to right everywhere; the text stands where the cell's stands.
+    if (window.viewport->isRightToLeft()) setAlignment(Qt::AlignRight | Qt::AlignAbsolute | Qt::AlignVCenter);
+    setLayoutDirection(Qt::LeftToRight);
     setObjectName(QStringLiteral("inPlaceEditor"));
     connect(this, &QLineEdit::textChanged, this,
             [this] { Tell([](QtTextEditor& editor) { editor.Changed.Raise(); }); });
@@ -158,8 +161,11 @@ void QtTextEditor::Select(std::int32_t start, std::int32_t length) {
   if (!line_) return;
   const auto count = static_cast<std::int32_t>(line_->text().size());
   const std::int32_t from = std::clamp(start, 0, count);
-  line_->setCursorPosition(from);
-  line_->setSelection(from, std::clamp(length, 0, count - from));
+  const std::int32_t to = from + std::clamp(length, 0, count - from);
+  // The caret stands before a text that is selected whole, so that its beginning is seen where it does not fit.
+  const bool whole = from == 0 && to == count && count > 0;
+  line_->setCursorPosition(whole ? to : from);
+  line_->setSelection(whole ? to : from, whole ? -to : to - from);
 }
 
 std::string QtTextEditor::SelText() const { return line_ ? ToUtf8(line_->selectedText()) : std::string(); }

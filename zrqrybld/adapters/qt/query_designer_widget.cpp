@@ -6,6 +6,7 @@
 #include <array>
 
 #include "zrqrybld/adapters/qt/change_announcer.h"
+#include "zrqrybld/adapters/qt/name_find_bar.h"
 #include "zrqrybld/adapters/qt/predictive_text.h"
 #include "zrqrybld/adapters/qt/say.h"
 #include "zrqrybld/adapters/qt/shortcuts.h"
@@ -69,6 +70,11 @@ QueryDesignerWidget::QueryDesignerWidget(QWidget* parent)
 
   new SqlOnlyCover(*diagram_, *hub_);  // the panes own them
   new SqlOnlyCover(*grid_, *hub_);
+  find_ = new NameFindBar(*diagram_, diagram);
+  wanted_ = diagram->FindWanted.Connect([this](bool& isShown) {
+    isShown = true;
+    find_->Open();
+  });
 
   announcer_ = new ChangeAnnouncer(*hub_, this);
   ApplyTexts();
@@ -85,6 +91,7 @@ QueryDesignerWidget::QueryDesignerWidget(QWidget* parent)
 
 void QueryDesignerWidget::ApplyTexts() {
   sql_->SetTexts(hub_->Texts());
+  find_->SetTexts(*hub_->Texts());
   sql_->setAccessibleName(Say(*hub_->Texts(), text::SqlName));
   FitColumns();
 }

@@ -17,6 +17,7 @@
 namespace zrqrybld {
 
 class ChangeAnnouncer;
+class NameFindBar;
 
 class ZRQRYBLD_API QueryDesignerWidget : public QSplitter {
   Q_OBJECT
@@ -46,7 +47,9 @@ class ZRQRYBLD_API QueryDesignerWidget : public QSplitter {
   ControlWidget* diagram_;
   ControlWidget* grid_;
   QtTextArea* sql_;
+  NameFindBar* find_;
   ChangeAnnouncer* announcer_;
+  EventConnection wanted_;
   EventConnection texts_;
 };
 
