@@ -3,7 +3,9 @@
 #include <cmath>
 #include <utility>
 
+#include "zrqrybld/base/texts_grid.h"
 #include "zrqrybld/grid/grid.h"
+#include "zrqrybld/platform/commands.h"
 #include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
@@ -232,6 +234,9 @@ void zrGrid::OnDrop(const std::string& text, const MouseEvent& event) {
 
 // Text that does not fit its cell is shown whole; what is wrong with it comes first.
 std::string zrGrid::ToolTipAt(PixelPoint point) const {
+  if (CellButton(currentRow_, currentColumn_).Contains(point)) {
+    return Say(text::DoesBuilder) + " (" + KeyTextOf(Command::OpenBuilder) + ")";
+  }
   const GridLayout layout = Layout();
   const GridHit hit = layout.HitTest(point);
   const auto unlessItFits = [&](const std::string& text, Pixels width) {
