@@ -13,7 +13,10 @@
 #include "designer/preview_job.h"
 #include "zrqrybld/base/phrase.h"
 
+class QKeyEvent;
 class QLabel;
+class QLineEdit;
+class QMenu;
 class QPlainTextEdit;
 class QPushButton;
 class QTableView;
@@ -33,16 +36,27 @@ class PreviewPane : public QWidget {
 
   /// Runs a statement in the place of the one before, which is stopped. Returns at once.
   void Run(PreviewJob::Open open, std::string sql, const Dialect& dialect);
-  /// Ends what runs, or what has further rows; the rows read so far stay. Returns at once.
+  /// Ends what runs; the rows read so far stay. While all rows are fetched it ends that first: the source stays open
+  /// for further ones. Returns at once.
   void Stop();
+  /// Fetches rows until there are none, or no more are held.
+  void FetchAll();
+  /// Asks how the rows are to be written, and writes them.
+  void Export();
+  /// Shows the current value as a whole.
+  void ShowValue();
   /// Shows nothing any more, and ends what runs.
   void Clear();
   /// Shows why a statement is not run at all.
   void ShowFailure(const QString& message);
+  /// What was said of an earlier failure does not count any more.
+  void DropFailure();
   /// Gives the keyboard to the rows, or to what brings them.
   void TakeFocus();
   /// Offers a way out of the failure that is shown, as a button; `CureWanted` is the answer.
   void OfferCure(const QString& text);
+  /// Offers to go to the place of the failure, as a button; `PlaceWanted` is the answer.
+  void OfferPlace();
   /// The statement is another now: the rows are still shown, but not as its rows.
   void MarkStale();
 
@@ -69,8 +83,8 @@ class PreviewPane : public QWidget {
   void RunWanted();
   /// The user does not want to see the pane.
   void CloseWanted();
-  /// The keyboard is to go to the next pane (1) or to the one before (-1).
-  void LeaveWanted(int direction);
+  /// The user wants to see the place in the statement that was refused.
+  void PlaceWanted();
 
  protected:
   void changeEvent(QEvent* event) override;
@@ -85,9 +99,14 @@ class PreviewPane : public QWidget {
   void SetRunning(bool running);
   void ShowSummary();
   QString RowsText() const;
+  QString OrderText() const;
+  void ShowWays();
   void FitColumns();
+  void FetchMore();
   void Copy(bool withNames);
   void ShowMenu(const QPoint& place);
+  void AddSortEntries(QMenu& menu);
+  bool TakeKey(const QKeyEvent& key);
   void ApplyColors();
 
   std::shared_ptr<const TextSource> texts_;
@@ -99,14 +118,21 @@ class PreviewPane : public QWidget {
   Mark* mark_;
   QPlainTextEdit* message_;
   QPushButton* cure_;
+  QPushButton* place_;
   QLabel* summary_ = nullptr;
   QToolButton* run_;
   QToolButton* stop_;
+  QToolButton* more_;
+  QToolButton* all_;
+  QToolButton* export_;
+  QLineEdit* filter_;
+  QTimer filterSoon_;
   QTimer tick_;  // while something runs
   QElapsedTimer clock_;
   qint64 took_ = 0;  // milliseconds to the first rows
   QString ended_;    // how it ended, when not by its last row
   bool running_ = false;
+  bool fetchingAll_ = false;
   bool stale_ = false;
 };
 

@@ -69,6 +69,21 @@ constexpr CommandRow kCommands[] = {
     {Command::ClearQuery, {}, {}, text::ClearItem, Needs::Tables},
     {Command::GroupRows, {}, {}, text::GroupRowsItem, Needs::Nothing},
     {Command::ShowSchemaTree, {F(9)}, {}, text::SchemaTreeItem, Needs::Nothing},
+    {Command::NewTab, {'T', ShiftCtrl}, {}, text::NewTabItem, Needs::Nothing},
+    {Command::CloseTab, {'W', ShiftCtrl}, {}, text::CloseTabItem, Needs::Nothing},
+    {Command::NextTab, {KeyCodeTab, ShiftCtrl}, {}, text::NextTabItem, Needs::Nothing},
+    {Command::PreviousTab, {KeyCodeTab, kCtrlShift}, {}, text::PreviousTabItem, Needs::Nothing},
+    {Command::MaximizePane, {'M', ShiftCtrl}, {}, text::MaximizePaneItem, Needs::Nothing},
+    {Command::CollapsePane, {'M', kCtrlShift}, {}, text::CollapsePaneItem, Needs::Nothing},
+    {Command::RowsInTab, {}, {}, text::RowsInTabItem, Needs::Nothing},
+    {Command::Print, {'P', ShiftCtrl}, {}, text::PrintItem, Needs::Nothing},
+    {Command::SavePdf, {}, {}, text::SavePdfItem, Needs::Nothing},
+    {Command::ExportRows, {'E', ShiftCtrl}, {}, text::ExportRowsItem, Needs::Nothing},
+    {Command::FetchAllRows, {}, {}, text::FetchAllItem, Needs::Nothing},
+    {Command::ShowValue, {F(2), ShiftShift}, {}, text::ShowValueItem, Needs::Nothing},
+    {Command::FilterRows, {'F', ShiftCtrl}, {}, text::FilterRowsItem, Needs::Nothing},
+    {Command::EachRowOnce, {}, {}, text::EachRowOnceItem, Needs::Nothing},
+    {Command::LimitRows, {}, {}, text::LimitRowsItem, Needs::Nothing},
 };
 
 constexpr bool InOrder() {

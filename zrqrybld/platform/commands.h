@@ -66,6 +66,21 @@ enum class Command : std::uint8_t {
   ClearQuery,
   GroupRows,
   ShowSchemaTree,
+  NewTab,
+  CloseTab,
+  NextTab,
+  PreviousTab,
+  MaximizePane,
+  CollapsePane,
+  RowsInTab,
+  Print,
+  SavePdf,
+  ExportRows,
+  FetchAllRows,
+  ShowValue,
+  FilterRows,
+  EachRowOnce,
+  LimitRows,
 };
 
 /// What has to be there before a command can be given, beside what it is given for.
