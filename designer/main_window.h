@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "designer/command_actions.h"
+#include "designer/print_window.h"
 #include "designer/query_document.h"
 #include "designer/query_options_bar.h"
 #include "designer/query_tab.h"
@@ -121,6 +122,7 @@ class MainWindow : public QMainWindow {
   void PickTables();
   void AskForParameters();
   void AskForLimit();
+  void Print(PrintWindow::Target target);
   void ShowAbout();
   void ShowKeys();
   void ShowSource();

@@ -67,6 +67,8 @@ void MainWindow::MakeFileMenu(QMenu& file) {
   AddTo(file, Command::SaveQueryAs, [this] { Document().AskAndSave(); });
   AddTo(file, Command::CloseTab, [this] { CloseTab(tabs_->currentIndex()); });
   file.addSeparator();
+  AddTo(file, Command::Print, [this] { Print(PrintWindow::Target::Paper); });
+  AddTo(file, Command::SavePdf, [this] { Print(PrintWindow::Target::Pdf); });
   AddTo(file, Command::ExportRows, [this] { Preview().Export(); });
   file.addSeparator();
   AddTo(file, Command::OpenDatabase, [this] { AskForDatabase(); });
@@ -291,6 +293,11 @@ void MainWindow::AskForLimit() {
   if (!QueryOptionsBar::IsLimit(limit)) return ShowError(Say(*texts_, text::RowLimitTip));
   const QString error = FailureOf(*texts_, [&] { hub.SetSelectTopRecords(ToUtf8(limit)); });
   if (!error.isEmpty()) ShowError(error);
+}
+
+void MainWindow::Print(PrintWindow::Target target) {
+  PrintWindow dialog(Tab().Designer(), Preview().Rows(), NameOf(Tab()), *texts_, target, this);
+  if (dialog.exec() == QDialog::Accepted && !dialog.Done().isEmpty()) ShowHappened(dialog.Done());
 }
 
 void MainWindow::ShowKeys() {

@@ -14,13 +14,14 @@ namespace {
 
 constexpr int kLeastRows = 150;  // pixels: a few rows below the pane's bar
 constexpr int kExpanded = 180;   // of a pane that comes back
+constexpr int kPixelsAShare = 8;
 
 }  // namespace
 
 PaneLayout::PaneLayout(QueryDesignerWidget& designer, PreviewPane& rows, const TextSource& texts)
     : designer_(designer), rows_(rows), rowsName_(Say(texts, text::RowsTab)), tabs_(new QTabWidget) {
   const int place = designer_.indexOf(&designer_.SqlView());
-  const QList<int> sizes = designer_.sizes();
+  const int share = designer_.SqlView().sizePolicy().verticalStretch();
   tabs_->setDocumentMode(true);
   tabs_->setTabBarAutoHide(true);
   tabs_->tabBar()->setExpanding(false);
@@ -29,10 +30,14 @@ PaneLayout::PaneLayout(QueryDesignerWidget& designer, PreviewPane& rows, const T
   designer_.insertWidget(place, tabs_);
   rows_.setMinimumHeight(kLeastRows);
   tabs_->addTab(&rows_, rowsName_);
-  designer_.setSizes(sizes);
-  designer_.setStretchFactor(place, 1);
+  designer_.setStretchFactor(place, share);
   designer_.AddPane(&rows_);
-  for (int i = 0; i < designer_.count(); ++i) designer_.setCollapsible(i, true);
+  QList<int> sizes;
+  for (int i = 0; i < designer_.count(); ++i) {
+    designer_.setCollapsible(i, true);
+    sizes += designer_.widget(i)->sizePolicy().verticalStretch() * kPixelsAShare;
+  }
+  designer_.setSizes(sizes);
   WatchHandles();
   connect(&designer_, &QueryDesignerWidget::PaneWanted, this, [this](QWidget* pane) {
     if (QWidget* part = PartOf(pane)) Reveal(part, pane);

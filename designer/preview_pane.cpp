@@ -107,7 +107,7 @@ PreviewPane::PreviewPane(std::shared_ptr<const TextSource> texts, QWidget* paren
   layout->addWidget(empty_, 1);
   MakeTable();
   layout->addWidget(table_, 1);
-  table_->hide();
+  ShowTable(false);
   layout->addStretch();  // keeps a message at the top while it stands alone
 
   model_->SetWant([this] { FetchMore(); });
@@ -241,7 +241,7 @@ void PreviewPane::Clear() {
   ended_.clear();
   stale_ = false;
   DropFailure();
-  table_->hide();
+  ShowTable(false);
   empty_->show();
   SetRunning(false);
 }
@@ -258,9 +258,10 @@ void PreviewPane::ShowFailure(const QString& message) {
   Fail(message);
 }
 
-void PreviewPane::TakeFocus() {
-  QWidget* const target = table_->isHidden() ? static_cast<QWidget*>(run_) : table_;
-  target->setFocus(Qt::ShortcutFocusReason);
+// Where there are no rows the keyboard goes to what brings them.
+void PreviewPane::ShowTable(bool shown) {
+  table_->setVisible(shown);
+  setFocusProxy(shown ? static_cast<QWidget*>(table_) : run_);
 }
 
 void PreviewPane::MarkStale() {
@@ -275,7 +276,7 @@ void PreviewPane::Receive(PreviewNews news) {
       model_->Begin(news.columns);
       took_ = clock_.elapsed();
       empty_->hide();
-      table_->show();
+      ShowTable(true);
       break;
     case PreviewNews::Kind::Rows:
       ShowRows(news);

@@ -52,7 +52,7 @@ class PreviewPane : public QWidget {
   /// What was said of an earlier failure does not count any more.
   void DropFailure();
   /// Gives the keyboard to the rows, or to what brings them.
-  void TakeFocus();
+  void TakeFocus() { setFocus(Qt::ShortcutFocusReason); }
   /// Offers a way out of the failure that is shown, as a button; `CureWanted` is the answer.
   void OfferCure(const QString& text);
   /// Offers to go to the place of the failure, as a button; `PlaceWanted` is the answer.
@@ -101,6 +101,7 @@ class PreviewPane : public QWidget {
   QString RowsText() const;
   QString OrderText() const;
   void ShowWays();
+  void ShowTable(bool shown);
   void FitColumns();
   void FetchMore();
   void Copy(bool withNames);
