@@ -1,6 +1,7 @@
 #include "designer/print_pages.h"
 
 #include <QFontDatabase>
+#include <QFontInfo>
 #include <QLocale>
 #include <QPagedPaintDevice>
 #include <QPainter>
@@ -167,7 +168,11 @@ void DrawDiagram(Pages& pages, const QueryDesignerWidget& designer, const Theme&
   const double zoom = std::min({1.0, body.width() / size.width.Value(), body.height() / size.height.Value()});
   pages.Painter().translate(body.topLeft());
   pages.Painter().scale(zoom, zoom);
-  QtCanvas canvas(pages.Painter(), theme, designer.DiagramView().Metrics(), &designer);
+  // In units of the page: a size in points would be that of the paper's finer dots once more.
+  QFont font = designer.DiagramView().font();
+  font.setPixelSize(QFontInfo(font).pixelSize());
+  const QtMetrics metrics(font);
+  QtCanvas canvas(pages.Painter(), theme, metrics, &designer);
   diagram.PaintPicture(canvas);
 }
 

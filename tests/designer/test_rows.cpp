@@ -1,11 +1,14 @@
 // The rows of a statement: in which order they are shown, which of them, and how they are written for other programs.
 #include <gtest/gtest.h>
 
+#include <QClipboard>
+#include <QComboBox>
 #include <QFile>
 #include <QHeaderView>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QToolButton>
@@ -115,7 +118,10 @@ TEST(ValueWindow, ShowsBytesInLines) {
 
 class RowsPane : public test::DesignerWindow {
  protected:
-  ~RowsPane() override { EXPECT_TRUE(PreviewJob::WaitForAll(std::chrono::seconds(10))); }
+  ~RowsPane() override {
+    Pane().Clear();  // a source that has further rows waits for who wants them
+    EXPECT_TRUE(PreviewJob::WaitForAll(std::chrono::seconds(10)));
+  }
   PreviewPane& Pane() { return window.Preview(); }
   void Run(const std::string& sql) {
     OpenSample();
@@ -196,11 +202,37 @@ TEST_F(RowsPane, AValueIsSeenAsAWhole) {
       "3 bytes|00000000  41 42 00                                         AB.\n\n");
 }
 
+TEST_F(RowsPane, IsExportedAsChosen) {
+  Run("SELECT 1 AS a, '=x' AS b UNION ALL SELECT 2, NULL");
+  const auto exportBy = [&](const char* format, bool selected, const char* button) {
+    WithDialog([&] { QTest::keyClick(&window, Qt::Key_E, Qt::ControlModifier); },
+               [&](QDialog& dialog) {
+                 dialog.findChild<QComboBox*>()->setCurrentText(format);
+                 KeepPicture(Paint(dialog), "export");
+                 const auto press = [&](auto buttons, const QString& text) {
+                   for (auto* one : buttons) {
+                     if (one->text().remove('&').startsWith(text)) return one->click();
+                   }
+                 };
+                 if (selected) press(dialog.findChildren<QRadioButton*>(), "Selected");
+                 press(dialog.findChildren<QPushButton*>(), button);
+               });
+    return Utf8(QApplication::clipboard()->text());
+  };
+  QApplication::clipboard()->clear();
+  EXPECT_EQ(exportBy("JSON", false, "Cancel"), "");
+  EXPECT_EQ(exportBy("CSV (comma-separated)", false, "Copy"), "a,b\r\n1,'=x\r\n2,\r\n");
+  Pane().Table().setSelectionMode(QAbstractItemView::MultiSelection);
+  Pane().Table().setCurrentIndex(Pane().Rows().index(0, 1));
+  Pane().Table().setCurrentIndex(Pane().Rows().index(1, 0));
+  EXPECT_EQ(exportBy("TSV (tab-separated)", true, "Copy"), "a\tb\n\t'=x\n2\t\n") << "what is selected, and its gaps";
+}
+
 TEST_F(RowsPane, GoesToTheErrorInTheStatement) {
   OpenSampleWith({"Employees"});
   Designer().SqlView().setFocus();
   Designer().SqlView().selectAll();
-  Designer().SqlView().insertPlainText("SELECT Employees.LastName, nofunc(Employees.City) FROM Employees");
+  Designer().SqlView().insertPlainText("SELECT Employees.LastName, nofunc(Employees.LastName) FROM Employees");
   QTest::keyClick(&window, Qt::Key_F5);
   ASSERT_TRUE(Ends());
   EXPECT_FALSE(Designer().SqlView().isVisible()) << "the rows are in front";

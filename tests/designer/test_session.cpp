@@ -21,8 +21,10 @@
 #include "designer/key_list.h"
 #include "designer/query_document.h"
 #include "designer/recent_connections.h"
+#include "designer/result_model.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/modal.h"
+#include "tests/qt/pictures.h"
 #include "zrqrybld/adapters/qt/query_designer_widget.h"
 #include "zrqrybld/adapters/qt/tables_window.h"
 #include "zrqrybld/base/text.h"
@@ -305,7 +307,10 @@ TEST_F(Session, AColumnOfTheTreeBringsItsTableAndWhatLinksIt) {
   ASSERT_TRUE(table);
   EXPECT_EQ(table->childCount(), 0) << "columns are read when they are looked at";
   tree->scrollToItem(table);
-  QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, tree->visualItemRect(table).center());
+  QTest::qWait(10);  // laid out
+  const QPoint place(40, tree->visualItemRect(table).center().y());
+  QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, place);
+  QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, place);
   EXPECT_TRUE(Hub(window).Entities()->Item("Products")) << "a double click adds it";
   Hub(window).Undo();
   table->setExpanded(true);
@@ -388,6 +393,11 @@ TEST_F(Session, SeveralQueriesAreOpenEachWithItsOwn) {
   EXPECT_EQ(window.Statement(), first);
   Give(window, "Ctrl+Tab");
 
+  window.resize(1024, 680);
+  QTest::keyClick(&window, Qt::Key_F5);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return window.Preview().Rows().RowsHeld() > 0; }));
+  KeepPicture(Paint(window), "tabs-1024");
+
   const auto close = [&](const char* key, QMessageBox::StandardButton answer) {
     WhenOpen<QMessageBox>([answer](QMessageBox& box) { box.button(answer)->click(); });
     Give(window, key);
@@ -410,6 +420,8 @@ TEST_F(Session, PanesAreMaximisedHiddenAndRemembered) {
     window.BeginSession();
     window.show();
     ASSERT_EQ(Utf8(window.OpenDatabase(ZRQRYBLD_SAMPLE_DB)), "");
+    QApplication::setActiveWindow(&window);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
     QueryDesignerWidget& designer = window.Tab().Designer();
     PaneLayout& panes = window.Tab().Panes();
     designer.GridView().setFocus();
