@@ -104,11 +104,11 @@ void ExportWindow::AddButtons() {
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
   QPushButton* save = buttons->addButton(Say(texts_, text::ExportToFile), QDialogButtonBox::AcceptRole);
   QPushButton* copy = buttons->addButton(Say(texts_, text::ExportToClipboard), QDialogButtonBox::ActionRole);
-  save->setDefault(true);
   connect(save, &QPushButton::clicked, this, &ExportWindow::Save);
   connect(copy, &QPushButton::clicked, this, &ExportWindow::Copy);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   layout()->addWidget(buttons);
+  save->setDefault(true);  // known to the window only now
 }
 
 // Only spreadsheets compute, and only some formats can do without names.

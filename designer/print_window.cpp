@@ -45,6 +45,7 @@ PrintWindow::PrintWindow(const QueryDesignerWidget& designer, const ResultModel&
   layout->addStretch();
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  layout->addWidget(buttons);
   const auto add = [&](TextId name, QDialogButtonBox::ButtonRole role, void (PrintWindow::*run)()) {
     QPushButton* button = buttons->addButton(Say(texts_, name), role);
     button->setDefault(role == QDialogButtonBox::AcceptRole);
@@ -56,7 +57,6 @@ PrintWindow::PrintWindow(const QueryDesignerWidget& designer, const ResultModel&
   } else {
     add(text::SavePdfItem, QDialogButtonBox::AcceptRole, &PrintWindow::SavePdf);
   }
-  layout->addWidget(buttons);
 }
 
 // What is not there cannot be chosen, and is still chosen for the next query.

@@ -216,7 +216,8 @@ QVariant ResultModel::headerData(int section, Qt::Orientation orientation, int r
   if (role == Qt::ToolTipRole && orientation == Qt::Horizontal) return headerTip_;
   if (role != Qt::DisplayRole) return {};
   if (orientation == Qt::Vertical) return section + 1;
-  return section < columnCount() ? NameOf(section) : QVariant();
+  // With the air that values have around them.
+  return section < columnCount() ? QChar::Nbsp + NameOf(section) + QChar::Nbsp : QVariant();
 }
 
 bool ResultModel::canFetchMore(const QModelIndex& parent) const {
