@@ -300,6 +300,8 @@ void PreviewPane::ShowRows(PreviewNews& news) {
   if (first) {
     took_ = clock_.elapsed();
     FitColumns();
+    // The keyboard begins somewhere, and nothing is selected yet.
+    table_->selectionModel()->setCurrentIndex(model_->index(0, 0), QItemSelectionModel::NoUpdate);
   }
   if (news.failing) return;
   if (model_->IsFull() || news.cutOff) {
