@@ -312,7 +312,8 @@ void PreviewPane::ShowRows(PreviewNews& news) {
     job_->FetchMore();
     return ShowSummary();
   }
-  if (std::exchange(fetchingAll_, false)) model_->SortAnew();
+  fetchingAll_ = false;
+  model_->SortAnew();
   if (!model_->HasMore()) job_.reset();  // the source is let go
   SetRunning(false);
   Q_EMIT Finished(Summary());

@@ -1,6 +1,7 @@
 // The rows of a statement: in which order they are shown, which of them, and how they are written for other programs.
 #include <gtest/gtest.h>
 
+#include <QAction>
 #include <QClipboard>
 #include <QComboBox>
 #include <QFile>
@@ -251,7 +252,9 @@ TEST_F(RowsPane, GoesToTheErrorInTheStatement) {
 
 TEST_F(RowsPane, IsPrintedWithDiagramAndStatement) {
   OpenSampleWith({"Customers", "Order"});
-  window.TickColumn("Customers.CompanyName");
+  for (const char* column : {"Customers.CompanyName", "Order.OrderDate", "Order.Freight", "Order.Comment"}) {
+    window.TickColumn(column);
+  }
   const QTemporaryDir folder;
   const auto pages = [&](PrintWindow& dialog) {
     const QString path = folder.filePath("a.pdf");
@@ -262,9 +265,25 @@ TEST_F(RowsPane, IsPrintedWithDiagramAndStatement) {
     EXPECT_TRUE(bytes.startsWith("%PDF"));
     return bytes.count("/Type /Page\n");
   };
-  const ResultModel none;
-  PrintWindow first(Designer(), none, "a", EnglishTexts(), PrintWindow::Target::Pdf, &window);
-  EXPECT_EQ(pages(first), 2);
+  Hub().SetSelectTopRecords("20");
+  QTest::keyClick(&window, Qt::Key_F5);
+  ASSERT_TRUE(Ends());
+  PrintWindow first(Designer(), Pane().Rows(), "a.zrq", EnglishTexts(), PrintWindow::Target::Paper, &window);
+  EXPECT_EQ(pages(first), 2) << "the diagram, and statement and rows";
+  first.show();
+  KeepPicture(Paint(first), "print");
+  for (QPushButton* button : first.findChildren<QPushButton*>()) {
+    if (!button->text().startsWith("Pre&view")) continue;
+    WithDialog([button] { button->click(); },
+               [](QDialog& preview) {
+                 preview.resize(1100, 800);
+                 for (QAction* view : preview.findChildren<QAction*>()) {
+                   if (view->text().contains("acing")) view->trigger();
+                 }
+                 QTest::qWait(50);
+                 KeepPicture(Paint(preview), "print-preview");
+               });
+  }
   Run(kManyRows);
   Press("More");
   ASSERT_TRUE(Ends());
