@@ -1,30 +1,21 @@
 #include "designer/preview_pane.h"
 
 #include <QAccessible>
-#include <QAction>
-#include <QClipboard>
-#include <QContextMenuEvent>
 #include <QEvent>
-#include <QGuiApplication>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
-#include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QStyledItemDelegate>
-#include <QTableView>
 #include <QToolButton>
 #include <QVBoxLayout>
-#include <algorithm>
 #include <utility>
 
 #include "designer/export_window.h"
 #include "designer/result_model.h"
-#include "designer/value_window.h"
+#include "designer/result_table.h"
 #include "zrqrybld/adapters/qt/mark.h"
 #include "zrqrybld/adapters/qt/plain_tip.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
@@ -39,9 +30,6 @@ namespace {
 
 constexpr int kSpacing = 8;
 constexpr int kMessageLines = 3;
-constexpr int kWidestColumn = 32;  // in average characters
-constexpr int kRowAir = 6;         // pixels around a row's text
-constexpr int kRowsMeasured = 100;
 constexpr int kFilterWidth = 20;   // in average characters
 constexpr int kFilterDelay = 150;  // milliseconds: there may be many rows
 
@@ -52,25 +40,13 @@ QString Duration(qint64 milliseconds) {
 
 QString Number(std::size_t number) { return QLocale::c().toString(static_cast<qulonglong>(number)); }
 
-// Numbers at the right of a column and texts at the left of the next keep a distance.
-class AirDelegate final : public QStyledItemDelegate {
- public:
-  using QStyledItemDelegate::QStyledItemDelegate;
-
- protected:
-  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
-    QStyledItemDelegate::initStyleOption(option, index);
-    option->text = QChar::Nbsp + option->text + QChar::Nbsp;
-  }
-};
-
 }  // namespace
 
 PreviewPane::PreviewPane(std::shared_ptr<const TextSource> texts, QWidget* parent)
     : QWidget(parent),
       texts_(std::move(texts)),
       model_(new ResultModel(this)),
-      table_(new QTableView),
+      table_(new ResultTable(*model_, *texts_)),
       empty_(new QLabel),
       failure_(new QWidget) {
   auto* layout = new QVBoxLayout(this);
@@ -105,8 +81,14 @@ PreviewPane::PreviewPane(std::shared_ptr<const TextSource> texts, QWidget* paren
   empty_->setAlignment(Qt::AlignCenter);
   empty_->setWordWrap(true);
   layout->addWidget(empty_, 1);
-  MakeTable();
   layout->addWidget(table_, 1);
+  connect(table_, &ResultTable::AllWanted, this, &PreviewPane::FetchAll);
+  connect(table_, &ResultTable::ExportWanted, this, &PreviewPane::Export);
+  connect(table_, &ResultTable::StopWanted, this, &PreviewPane::Stop);
+  connect(table_, &ResultTable::FilterWanted, this, [this] {
+    filter_->setFocus(Qt::ShortcutFocusReason);
+    filter_->selectAll();
+  });
   ShowTable(false);
   layout->addStretch();  // keeps a message at the top while it stands alone
 
@@ -175,29 +157,6 @@ QWidget* PreviewPane::MakeBar() {
   return bar;
 }
 
-void PreviewPane::MakeTable() {
-  table_->setModel(model_);
-  table_->setAccessibleName(Say(*texts_, text::PreviewName));
-  table_->setFrameShape(QFrame::NoFrame);
-  table_->setWordWrap(false);
-  table_->setTextElideMode(Qt::ElideRight);
-  table_->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
-  table_->setSelectionMode(QAbstractItemView::ExtendedSelection);
-  table_->setTabKeyNavigation(false);
-  table_->setCornerButtonEnabled(true);
-  table_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-  table_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kRowAir);
-  table_->horizontalHeader()->setHighlightSections(false);
-  table_->horizontalHeader()->setSortIndicatorClearable(true);  // the third click is the source's order
-  table_->horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
-  table_->setSortingEnabled(true);
-  table_->setItemDelegate(new AirDelegate(table_));
-  connect(table_, &QTableView::doubleClicked, this, &PreviewPane::ShowValue);
-  table_->setContextMenuPolicy(Qt::CustomContextMenu);
-  connect(table_, &QWidget::customContextMenuRequested, this, &PreviewPane::ShowMenu);
-  table_->installEventFilter(this);
-}
-
 // --- Running ---
 
 void PreviewPane::Run(PreviewJob::Open open, std::string sql, const Dialect& dialect) {
@@ -235,7 +194,7 @@ void PreviewPane::Clear() {
   job_.reset();
   fetchingAll_ = false;
   filter_->clear();
-  table_->horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
+  table_->ForgetOrder();
   model_->Begin({});
   took_ = 0;
   ended_.clear();
@@ -299,9 +258,7 @@ void PreviewPane::ShowRows(PreviewNews& news) {
   model_->Append(std::move(news.rows), news.more);
   if (first) {
     took_ = clock_.elapsed();
-    FitColumns();
-    // The keyboard begins somewhere, and nothing is selected yet.
-    table_->selectionModel()->setCurrentIndex(model_->index(0, 0), QItemSelectionModel::NoUpdate);
+    table_->BeginRows();
   }
   if (news.failing) return;
   if (model_->IsFull() || news.cutOff) {
@@ -413,30 +370,6 @@ void PreviewPane::ShowSummary() {
   ShowWays();
 }
 
-void PreviewPane::FitColumns() {
-  table_->horizontalHeader()->setResizeContentsPrecision(kRowsMeasured);
-  table_->resizeColumnsToContents();
-  const int widest = fontMetrics().averageCharWidth() * kWidestColumn;
-  for (int column = 0; column < model_->columnCount(); ++column) {
-    table_->setColumnWidth(column, std::min(table_->columnWidth(column) + kSpacing, widest));
-  }
-}
-
-// --- Copying ---
-
-void PreviewPane::Copy(bool withNames) {
-  const QItemSelection selection = table_->selectionModel()->selection();
-  if (selection.isEmpty()) return;
-  RowExport wanted{.format = RowFormat::Tsv, .names = withNames, .formulasAsText = ExportWindow::FormulasAsText()};
-  ExportWindow::TakeSelected(selection, wanted);
-  QByteArray text;
-  WriteRows(*model_, wanted, [&text](const QByteArray& piece) {
-    text += piece;
-    return true;
-  });
-  QGuiApplication::clipboard()->setText(QString::fromUtf8(text));
-}
-
 void PreviewPane::Export() {
   if (model_->RowsHeld() == 0) return;
   const QItemSelection selection = table_->selectionModel()->selection();
@@ -444,77 +377,12 @@ void PreviewPane::Export() {
   if (dialog.exec() == QDialog::Accepted) Q_EMIT Finished(dialog.Done());
 }
 
-void PreviewPane::ShowValue() {
-  const QModelIndex at = table_->currentIndex();
-  if (!at.isValid()) return;
-  const ResultValue value = model_->ValueAt(at.row(), at.column());  // a copy: rows may go meanwhile
-  ValueWindow dialog(value, Say(*texts_, text::ValueCaption, model_->NameOf(at.column()), at.row() + 1), *texts_,
-                     window());
-  dialog.exec();
-}
-
-void PreviewPane::AddSortEntries(QMenu& menu) {
-  const auto add = [&](TextId name, int column, Qt::SortOrder order, bool enabled) {
-    menu.addAction(Say(*texts_, name), this,
-                   [this, column, order] { table_->horizontalHeader()->setSortIndicator(column, order); })
-        ->setEnabled(enabled);
-  };
-  const int column = table_->currentIndex().column();
-  add(text::SortAscending, column, Qt::AscendingOrder, column >= 0);
-  add(text::SortDescending, column, Qt::DescendingOrder, column >= 0);
-  add(text::AsFetched, -1, Qt::AscendingOrder, model_->SortedBy() >= 0);
-}
-
-void PreviewPane::ShowMenu(const QPoint& place) {
-  QMenu menu;
-  const bool any = table_->selectionModel()->hasSelection();
-  menu.addAction(Say(*texts_, text::CopyItem), QKeySequence::Copy, this, [this] { Copy(false); })->setEnabled(any);
-  menu.addAction(Say(*texts_, text::CopyWithNames), ShortcutOf(Command::CopyValuesWithNames), this,
-                 [this] { Copy(true); })
-      ->setEnabled(any);
-  QAction* formulas = menu.addAction(Say(*texts_, text::CopyFormulas), this, &ExportWindow::SetFormulasAsText);
-  formulas->setCheckable(true);
-  formulas->setChecked(ExportWindow::FormulasAsText());
-  menu.addAction(Say(*texts_, text::SelectAllItem), QKeySequence::SelectAll, table_, &QTableView::selectAll)
-      ->setEnabled(model_->RowsHeld() > 0);
-  menu.addSeparator();
-  menu.addAction(Say(*texts_, text::ShowValueItem), ShortcutOf(Command::ShowValue), this, &PreviewPane::ShowValue)
-      ->setEnabled(table_->currentIndex().isValid());
-  AddSortEntries(menu);
-  menu.addSeparator();
-  menu.addAction(Say(*texts_, text::FetchAllItem), this, &PreviewPane::FetchAll)->setEnabled(!all_->isHidden());
-  menu.addAction(Say(*texts_, text::ExportRowsItem), ShortcutOf(Command::ExportRows), this, &PreviewPane::Export)
-      ->setEnabled(model_->RowsHeld() > 0);
-  menu.exec(table_->viewport()->mapToGlobal(place));
-}
-
 bool PreviewPane::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() != QEvent::KeyPress) return QWidget::eventFilter(watched, event);
-  const auto& key = *static_cast<const QKeyEvent*>(event);
-  if (watched == table_ && TakeKey(key)) return true;
-  if (watched == filter_ && (key.key() == Qt::Key_Down || key.key() == Qt::Key_Escape)) {
-    if (key.key() == Qt::Key_Escape) filter_->clear();
-    table_->setFocus(Qt::OtherFocusReason);
-    return true;
-  }
-  return QWidget::eventFilter(watched, event);
-}
-
-bool PreviewPane::TakeKey(const QKeyEvent& key) {
-  const bool shifted = key.modifiers() == (Qt::ControlModifier | Qt::ShiftModifier);
-  if (key.matches(QKeySequence::Copy) || (shifted && key.key() == Qt::Key_C)) {
-    Copy(shifted);
-  } else if (key.key() == Qt::Key_Escape && running_) {
-    Stop();
-  } else if (key.matches(QKeySequence::Find)) {
-    filter_->setFocus(Qt::ShortcutFocusReason);
-    filter_->selectAll();
-  } else if (key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter ||
-             (key.key() == Qt::Key_F2 && key.modifiers() == Qt::ShiftModifier)) {
-    ShowValue();
-  } else {
-    return false;
-  }
+  if (watched != filter_ || event->type() != QEvent::KeyPress) return QWidget::eventFilter(watched, event);
+  const int key = static_cast<const QKeyEvent*>(event)->key();
+  if (key != Qt::Key_Down && key != Qt::Key_Escape) return QWidget::eventFilter(watched, event);
+  if (key == Qt::Key_Escape) filter_->clear();
+  table_->setFocus(Qt::OtherFocusReason);
   return true;
 }
 

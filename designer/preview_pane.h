@@ -13,19 +13,17 @@
 #include "designer/preview_job.h"
 #include "zrqrybld/base/phrase.h"
 
-class QKeyEvent;
 class QLabel;
 class QLineEdit;
-class QMenu;
 class QPlainTextEdit;
 class QPushButton;
-class QTableView;
 class QToolButton;
 
 namespace zrqrybld {
 
 class Mark;
 class ResultModel;
+class ResultTable;
 
 class PreviewPane : public QWidget {
   Q_OBJECT
@@ -43,8 +41,6 @@ class PreviewPane : public QWidget {
   void FetchAll();
   /// Asks how the rows are to be written, and writes them.
   void Export();
-  /// Shows the current value as a whole.
-  void ShowValue();
   /// Shows nothing any more, and ends what runs.
   void Clear();
   /// Shows why a statement is not run at all.
@@ -62,7 +58,7 @@ class PreviewPane : public QWidget {
 
   bool IsRunning() const { return running_; }
   const ResultModel& Rows() const { return *model_; }
-  QTableView& Table() const { return *table_; }
+  ResultTable& Table() const { return *table_; }
   /// What is said above the rows.
   QString Summary() const;
   /// Why there are no rows; "" when nothing has failed.
@@ -92,7 +88,6 @@ class PreviewPane : public QWidget {
 
  private:
   QWidget* MakeBar();
-  void MakeTable();
   void Receive(PreviewNews news);
   void ShowRows(PreviewNews& news);
   void Fail(const QString& message);
@@ -102,18 +97,13 @@ class PreviewPane : public QWidget {
   QString OrderText() const;
   void ShowWays();
   void ShowTable(bool shown);
-  void FitColumns();
   void FetchMore();
-  void Copy(bool withNames);
-  void ShowMenu(const QPoint& place);
-  void AddSortEntries(QMenu& menu);
-  bool TakeKey(const QKeyEvent& key);
   void ApplyColors();
 
   std::shared_ptr<const TextSource> texts_;
   std::unique_ptr<PreviewJob> job_;
   ResultModel* model_;
-  QTableView* table_;
+  ResultTable* table_;
   QLabel* empty_;
   QWidget* failure_;
   Mark* mark_;

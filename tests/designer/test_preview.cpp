@@ -13,6 +13,7 @@
 #include "designer/preview_pane.h"
 #include "designer/query_preview.h"
 #include "designer/result_model.h"
+#include "designer/result_table.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/palettes.h"
 #include "tests/qt/pictures.h"

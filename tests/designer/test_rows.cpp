@@ -17,6 +17,7 @@
 #include "designer/export_window.h"
 #include "designer/print_window.h"
 #include "designer/query_preview.h"
+#include "designer/result_table.h"
 #include "designer/row_export.h"
 #include "designer/value_window.h"
 #include "tests/designer/designer_window_test.h"
