@@ -1,5 +1,5 @@
 # What `cmake --install` puts where, by component: runtime (the C library), dev (headers, libraries and what finds them),
-# command (zrqb), designer. Without --component all of it.
+# command (zrqb), designer, widget (the C library with the designer for programs that have Qt). Without --component all of it.
 include(CMakePackageConfigHelpers)
 set(config ${CMAKE_INSTALL_LIBDIR}/cmake/zrQryBld)
 
@@ -16,7 +16,8 @@ install_library(core zrqrybld zrqrybld_files zrqrybld_run)
 install_library(c zrqrybld_shared)
 if(TARGET zrqrybld_shared_qt)
   # For Python programs with windows. A component of its own, so that the C library's package needs no Qt.
-  install(TARGETS zrqrybld_shared_qt RUNTIME COMPONENT widget LIBRARY COMPONENT widget ARCHIVE COMPONENT widget)
+  install(TARGETS zrqrybld_shared_qt
+    RUNTIME COMPONENT widget LIBRARY COMPONENT widget NAMELINK_COMPONENT dev ARCHIVE COMPONENT dev)
 endif()
 set(left_out "")
 set(c_stands_on core)

@@ -7,7 +7,7 @@ set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
 set(CPACK_PACKAGE_CHECKSUM SHA256)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/strip_archives.cmake)
-set(CPACK_COMPONENTS_ALL runtime dev command designer)
+set(CPACK_COMPONENTS_ALL runtime widget dev command designer)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 set(CPACK_PROJECT_CONFIG_FILE ${CMAKE_CURRENT_LIST_DIR}/package_options.cmake)
 
@@ -51,7 +51,12 @@ SELECT statement that both make, in the SQL of eleven dialects.\n")
 deb(runtime libzrqrybld1 libs ""
   "This is the library behind its interface for C and other languages.")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/packaging/triggers)
-deb(dev libzrqrybld-dev libdevel "libzrqrybld1 (= ${PROJECT_VERSION}-1), libsqlite3-dev, unixodbc-dev"
+deb(widget libzrqrybldqt1 libs ""
+  "This is the same library with the designer as a widget, for programs in\nPython and C that have Qt.")
+set(CPACK_DEBIAN_WIDGET_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/packaging/triggers)
+set(same_version "(= ${PROJECT_VERSION}-1)")
+deb(dev libzrqrybld-dev libdevel
+  "libzrqrybld1 ${same_version}, libzrqrybldqt1 ${same_version}, libsqlite3-dev, unixodbc-dev"
   "These are the headers, the static libraries for C++, and what finds them\nfor CMake and pkg-config.")
 set(CPACK_DEBIAN_DEV_PACKAGE_SUGGESTS qt6-base-dev)
 deb(command zrqb database ""

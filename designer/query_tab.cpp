@@ -3,7 +3,6 @@
 #include <QDir>
 #include <QMessageBox>
 #include <QVBoxLayout>
-#include <algorithm>
 
 #include "designer/guarded.h"
 #include "designer/plain_box.h"
@@ -22,11 +21,6 @@
 #endif
 
 namespace zrqrybld {
-namespace {
-
-constexpr float kNameColumnWidth = 2400;  // twips
-
-}  // namespace
 
 QueryTab::QueryTab(const QString& languageFile, QWidget* parent)
     : QWidget(parent), designer_(new QueryDesignerWidget(this)), texts_(Hub().Texts()) {
@@ -76,7 +70,6 @@ void QueryTab::MakeHub() {
   // A plain tick means a plain column; grouping is a choice.
   hub.GridPane()->SetShowGroupBy(false);
   hub.GridPane()->SetDateFormat("yyyy-mm-dd");
-  WidenColumns();
 }
 
 void QueryTab::MakeDocument() {
@@ -91,22 +84,6 @@ void QueryTab::MakeDocument() {
             if (recovery_) recovery_->Keep();
           },
           [this](const QString& text) { Q_EMIT Happened(text); }, [this] { rows_->Clear(); }});
-}
-
-// Names are long and captions differ by language: no caption is cut off where a little width shows it.
-void QueryTab::WidenColumns() {
-  zrGrid& grid = *Hub().GridPane()->Grid();
-  for (std::int32_t i = 1; i <= grid.Columns()->Count(); ++i) {
-    const Ref<zrGridColumn> column = grid.Columns()->Item(i);
-    const bool holdsNames = column->Index() == kColumnColumn || column->Index() == kColumnTable;
-    float least = holdsNames ? kNameColumnWidth : column->Width();
-    if (column->Index() == kColumnSortType) {
-      const Pixels longest =
-          designer_->GridView().Metrics().TextWidth(TextOf(SortDirection::Descending), {}) + kGridTextPadding * 3;
-      least = std::max(least, static_cast<float>(ScreenScale{}.TwipsX(longest).Value()));
-    }
-    if (column->Width() > 0) grid.FitColumn(i, least);
-  }
 }
 
 bool QueryTab::IsBlank() const {

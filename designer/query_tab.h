@@ -75,7 +75,6 @@ class QueryTab : public QWidget {
  private:
   void MakeHub();
   void MakeDocument();
-  void WidenColumns();
   QString ConnectTo(const std::shared_ptr<ProviderConnection>& connection, bool mayAsk);
   void UseConnection(const std::shared_ptr<ProviderConnection>& connection);
 

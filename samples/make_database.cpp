@@ -57,7 +57,11 @@ void Run(sqlite3* database, std::string_view script) {
         sqlite3_prepare_v2(database, begin, static_cast<int>(script.size() - position), &prepared, &tail);
     const Statement statement(prepared, sqlite3_finalize);
     if (result != SQLITE_OK) {
+#if SQLITE_VERSION_NUMBER >= 3038000
       const int inside = std::max(sqlite3_error_offset(database), 0);
+#else
+      const int inside = 0;
+#endif
       throw ScriptError{position + static_cast<std::size_t>(inside), sqlite3_errmsg(database)};
     }
     int step = SQLITE_DONE;

@@ -69,6 +69,11 @@ packages_format="
 packages_tidy="$packages_core
   clang-tidy       clang-tidy
 "
+packages_docs="
+  python3          python3
+  python3-markdown -
+  doxygen          doxygen
+"
 
 # The same by the names of Fedora, Arch and macOS (Homebrew); "-": it comes with another, or there is none.
 packages_elsewhere="
@@ -110,6 +115,8 @@ packages_elsewhere="
   appstream          appstream               appstream               -
   shared-mime-info   shared-mime-info        shared-mime-info        shared-mime-info
   man-db             man-db                  man-db                  -
+  python3-markdown   python3-markdown        python-markdown         -
+  doxygen            doxygen                 doxygen                 doxygen
   mypy               python3-mypy            mypy                    mypy
   g++-mingw-w64-x86-64-posix  mingw64-gcc-c++  mingw-w64-gcc         mingw-w64
   googletest         gtest-devel             gtest                   googletest

@@ -1,5 +1,8 @@
-# Runs PROGRAM with ARGUMENT and fails unless it prints what the file EXPECTED holds.
-execute_process(COMMAND ${PROGRAM} ${ARGUMENT} OUTPUT_VARIABLE output ERROR_VARIABLE errors RESULT_VARIABLE status)
+# Runs COMMAND, a list, with the file INPUT where it is given, and fails unless it prints what the file EXPECTED holds.
+if(DEFINED INPUT)
+  set(input INPUT_FILE ${INPUT})
+endif()
+execute_process(COMMAND ${COMMAND} ${input} OUTPUT_VARIABLE output ERROR_VARIABLE errors RESULT_VARIABLE status)
 string(REPLACE "\r" "" output "${output}")
 file(READ ${EXPECTED} expected)
 if(NOT status EQUAL 0 OR NOT output STREQUAL expected)

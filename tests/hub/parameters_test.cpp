@@ -13,6 +13,7 @@
 #include "zrqrybld/hub/parameter_form.h"
 #include "zrqrybld/platform/headless.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/host_parameters.h"
 #include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
@@ -101,8 +102,9 @@ TEST(Parameters, ValuesStayValues) {
     };
     std::string result;
     try {
-      const auto values = AskParameters(*designer.hub, row[1]);
-      result = PutInLiterals(row[1], values.value(), LiteralRulesOf(*designer.hub));
+      const std::string sql = WithParameterMarkers(row[1], designer.hub->CurrentDialect().parameterSigns);
+      const auto values = AskParameters(*designer.hub, sql);
+      result = PutInLiterals(sql, values.value(), LiteralRulesOf(*designer.hub));
     } catch (const Error& error) {
       result = "!" + error.Description();
     }
@@ -130,7 +132,7 @@ TEST(Parameters, TheDialogBeginsWithWhatWasGivenLast) {
   };
   EXPECT_TRUE(AskParameters(*designer.hub, kSql));
   EXPECT_EQ(seen,
-            "Query Parameters/From]|date|2020-01-01|2020-01-01/n & m|whole number||/This is no number./"
+            "Query Parameters/From]|date|2020-01-01|2020-01-01/n & m|whole number||/This is no number; one is 12.5./"
             "'01-Jan-2020' ?PARAM(n & m,,,int)");
   designer.toolkit->GetDialogs().onShowParameters = [&](ParametersDialog& dialog) {
     seen = dialog.fields.at(0).value;

@@ -8,6 +8,7 @@
 #include "zrqrybld/host/catalogs.h"
 #include "zrqrybld/host/properties.h"
 #include "zrqrybld/hub/hub.h"
+#include "zrqrybld/hub/statement_loader.h"
 #include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/sql_pane.h"
 #include "zrqrybld/sql/sql_syntax.h"
@@ -18,7 +19,14 @@ namespace {
 
 class ParseTest : public test::HubTest {
  protected:
-  void Parse(const std::string& statement) const { sql->ParseSQLStatement(statement); }
+  // What a statement is said to mean is what the designer writes once it has read it.
+  void Parse(const std::string& statement) const {
+    std::string meaning;
+    const bool isRead = test::ErrorOf([&] { meaning = MeaningOf(*hub, statement); }) == 0;
+    sql->ParseSQLStatement(statement);
+    EXPECT_TRUE(isRead) << statement;
+    EXPECT_EQ(meaning, sql->SQLStatement());
+  }
 
   std::string Options() const {
     std::string text = hub->DistinctRecords() ? "distinct " : "";
@@ -257,6 +265,105 @@ TEST_F(ParseTest, WithoutASourceTheColumnsAreThoseThatTheStatementNames) {
   EXPECT_NE(text.find("LEFT JOIN s.u ON s.u.i = a.i"), std::string::npos) << text;
   Parse(text);
   EXPECT_EQ(sql->SQLStatement(), text);
+}
+
+// --- The text as it was typed ---
+
+constexpr const char* kTyped =
+    "-- who ordered\r\nselect c.CustomerID -- the key\r\n  from Customers c\r\n-- Germans\r\nwhere "
+    "c.CustomerID > 1 /* for /* now */\r\n-- end";
+
+// It is shown while the query is what it means; later its comments stand in front of their clauses.
+TEST_F(ParseTest, KeepsWhatWasTypedWhileItIsTrue) {
+  Use();
+  sql->SetSQLSyntax(SQLSyntaxMSSQL);
+  Parse(kTyped);
+  const std::string own = sql->SQLStatement();
+  EXPECT_EQ(own.find("--"), std::string::npos) << "not unless the application wants it";
+  EXPECT_EQ(hub->SaveQueryToText().find("TypedStatement"), std::string::npos);
+  hub->Undo();
+  sql->SetKeepTypedText(true);
+  sql->ParseSQLStatement(kTyped);
+  EXPECT_EQ(sql->SQLStatement(), kTyped);
+  EXPECT_EQ(sql->PlainStatement(), own);
+  EXPECT_FALSE(sql->IsEdited());
+
+  Tick("c", "Name");
+  const std::string stale = sql->SQLStatement();
+  EXPECT_EQ(stale,
+            "-- who ordered\r\n-- the key\r\nSELECT \r\n\tc.CustomerID, \r\n\tc.Name\r\nFROM \r\n\tCustomers AS c\r\n"
+            "-- Germans\r\n/* for / * now */\r\nWHERE \r\n\t((c.CustomerID > 1))\r\n-- end");
+  Tick("c", "Name", false);
+  EXPECT_EQ(sql->SQLStatement(), kTyped) << "it means this again";
+  hub->Undo();
+  EXPECT_EQ(sql->SQLStatement(), stale);
+  const std::string file = hub->SaveQueryToText();
+  hub->Undo();
+
+  diagram->Clear();
+  hub->AddTable("Orders");
+  EXPECT_EQ(sql->SQLStatement().find("--"), std::string::npos) << "another query";
+  hub->Undo();
+  hub->Undo();
+  EXPECT_EQ(sql->SQLStatement(), kTyped);
+
+  diagram->Clear();
+  EXPECT_TRUE(hub->LoadQuery(file, true));
+  EXPECT_EQ(sql->SQLStatement(), stale) << "what was typed does not mean this, whatever the file says";
+  Tick("c", "Name", false);
+  EXPECT_EQ(sql->SQLStatement(), kTyped);
+}
+
+// A file may hold any text; it counts for what it is.
+TEST_F(ParseTest, AFileCannotShowOneStatementAndDesignAnother) {
+  Use();
+  Parse("SELECT CustomerID FROM Customers");
+  const std::string own = sql->SQLStatement();
+  const std::string file = hub->SaveQueryToText();
+  sql->SetKeepTypedText(true);
+  for (const char* typed : {"Line1=SELECT Name FROM Customers", "Line1=DELETE FROM Customers", "Line1=", "Line2=x",
+                            "Line1=SELECT CustomerID FROM Customers; DROP TABLE Customers"}) {
+    diagram->Clear();
+    const std::string hostile = file + "\r\nBegin TypedStatement\r\n" + typed + "\r\nLineCount=1\r\nEnd TypedStatement";
+    EXPECT_TRUE(hub->LoadQuery(hostile, true)) << typed;
+    EXPECT_EQ(sql->SQLStatement(), own) << typed;
+  }
+  EXPECT_EQ(
+      test::ErrorOf([&] { hub->LoadQuery("Begin TypedStatement\nLine1=x\nLineCount=1e9\nEnd TypedStatement", true); }),
+      ErrorLoadingQuery);
+}
+
+// What the designer cannot hold stands for the query when its user says so, until it is applied or taken back.
+TEST_F(ParseTest, ATextThatCannotBeDrawnStandsAsItIs) {
+  Use();
+  constexpr const char* kUnion = "SELECT Name FROM Customers UNION SELECT 'x'";
+  int told = 0;
+  const EventConnection link = sql->SqlOnlyChanged.Connect([&] { ++told; });
+  sql->ShowTyped(kUnion);
+  EXPECT_FALSE(sql->UseAsTyped()) << "nobody has tried to apply it";
+  EXPECT_FALSE(sql->ApplyEditedText());
+  EXPECT_FALSE(sql->IsSqlOnly());
+  EXPECT_TRUE(sql->UseAsTyped());
+  EXPECT_TRUE(sql->IsSqlOnly());
+  hub->AddTable("Customers");
+  EXPECT_EQ(sql->SQLStatement(), kUnion);
+  sql->ShowTyped("SELECT Name FROM Customers");
+  EXPECT_TRUE(sql->IsSqlOnly()) << "while it is edited";
+  EXPECT_TRUE(sql->ApplyEditedText());
+  EXPECT_FALSE(sql->IsSqlOnly());
+  EXPECT_EQ(told, 2);
+
+  sql->ShowTyped(kUnion);
+  EXPECT_EQ(hub->SaveQueryToText().find("TypedStatement"), std::string::npos);
+  sql->SetKeepTypedText(true);
+  const std::string file = hub->SaveQueryToText();
+  sql->RevertEditedText();
+  diagram->Clear();
+  EXPECT_TRUE(hub->LoadQuery(file, true));
+  EXPECT_TRUE(sql->IsEdited());
+  EXPECT_EQ(sql->SQLStatement(), kUnion);
+  sql->RevertEditedText();
+  EXPECT_EQ(Rows(), "Customers.Name");
 }
 
 }  // namespace

@@ -45,6 +45,35 @@ TEST_F(SqlPane, CriteriaAreWrittenByTheColumnsTypeAndTheOptions) {
   EXPECT_EQ(Sql().find("x = 1"), std::string::npos);
 }
 
+TEST_F(SqlPane, DatesFollowTheSourceUntilSomebodyChoosesAFormat) {
+  source->Literal("SOURCE_NAME", "SQLite");
+  Use();
+  Tick("Orders", "Total");
+  Item("Orders", "Total")->Properties()->Set("data_type", 133);
+  const auto statement = [this](const std::string& typed) {
+    Set(1, "criteria", typed);
+    sql->Refresh();
+    return Sql().substr(Sql().find("WHERE"));
+  };
+  const std::string iso = "WHERE ((Orders.Total = '2020-01-02'))";
+  EXPECT_EQ(statement("2 Jan 2020"), iso);
+  EXPECT_EQ(statement("'02-Jan-2020'"), iso);  // as it was written before the source was known
+  grid->LoadDateFormat("dd-mmm-yyyy");
+  EXPECT_EQ(statement("2 Jan 2020"), iso);
+  EXPECT_TRUE(sql->Diagnostics().empty());
+  const DateOptions before = grid->Dates();
+  grid->SetDateFormat("dd-mmm-yyyy");
+  EXPECT_EQ(statement("2 Jan 2020"), "WHERE ((Orders.Total = '02-Jan-2020'))");
+  ASSERT_EQ(sql->Diagnostics().size(), 1u);
+  EXPECT_EQ(sql->Diagnostics()[0].text,
+            "Orders.Total: the source does not take '02-Jan-2020' for a date. It reads dates as '2020-01-31'.");
+  // What is handed to a function is the function's; '1/2/2020' is no ISO date, whichever day it is.
+  EXPECT_EQ((statement("IN (date('02-Jan-2020'), '2020-01-02')"), sql->Diagnostics().size()), 0u);
+  EXPECT_EQ((statement("IN ('1/2/2020')"), sql->Diagnostics().size()), 1u);
+  grid->RestoreDates(before);
+  EXPECT_EQ(statement("2 Jan 2020"), iso);
+}
+
 TEST_F(SqlPane, KeysComeToTheApplicationBeforeTheText) {
   std::string heard;
   const auto down = sql->KeyDown.Connect([&](std::int32_t& key, std::int32_t shift) {

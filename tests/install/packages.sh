@@ -19,10 +19,10 @@ for page in "$build/command/zrqb" "$build/designer/zrqrybld-designer"; do
 done
 
 cpack --config "$build/CPackConfig.cmake" -B "$work" >cpack.log || { cat cpack.log; exit 1; }
-for package in libzrqrybld1 libzrqrybld-dev zrqb zrqrybld-designer; do
+for package in libzrqrybld1 libzrqrybldqt1 libzrqrybld-dev zrqb zrqrybld-designer; do
   dpkg-deb --extract "$package"_*.deb root
 done
-linted=(libzrqrybld1_*.deb zrqb_*.deb zrqrybld-designer_*.deb)
+linted=(libzrqrybld1_*.deb libzrqrybldqt1_*.deb zrqb_*.deb zrqrybld-designer_*.deb)
 [ "${4:-}" != all ] || linted+=(libzrqrybld-dev_*.deb)
 lintian --fail-on error --suppress-tags initial-upload-closes-no-bugs "${linted[@]}"
 desktop-file-validate root/usr/share/applications/*.desktop
@@ -36,6 +36,14 @@ done
 
 # The programs find what they need in what was unpacked.
 LD_LIBRARY_PATH=root/usr/lib root/usr/bin/zrqb --version
+# Python finds the library where nothing for linking is installed; what has the window needs no other of ours.
+mkdir alone && cp -P root/usr/lib/libzrQryBld.so.* root/usr/lib/libzrQryBldQt.so.* alone
+for stem in zrQryBld zrQryBldQt; do
+  LD_LIBRARY_PATH=alone PYTHONDONTWRITEBYTECODE=1 PYTHONPATH=$source/bindings/python python3 -c "
+import zrqrybld._library as library
+library._candidates = lambda: library._names('$stem')
+print(library.load().zrq_version().decode())"
+done
 QT_QPA_PLATFORM=offscreen root/usr/bin/zrqrybld-designer --db root/usr/share/zrqrybld/store.db --add-table Customers --print-sql
 mkdir anywhere && tar -xf zrqrybld-*.tar.gz -C anywhere --strip-components 1
 anywhere/bin/zrqb --version

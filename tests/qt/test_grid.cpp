@@ -16,6 +16,7 @@
 #include "tests/qt/pictures.h"
 #include "zrqrybld/adapters/qt/control_widget.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/adapters/qt/query_designer_widget.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/hub/hub.h"
@@ -295,6 +296,27 @@ class GridWindow : public test::Player, public test::Designer {
 };
 
 [[maybe_unused]] const bool kScenarios = test::RegisterScenarios<GridWindow>("GridWindowScenario", "grid_gestures.txt");
+
+// As wide as their captions, in every language; what the user made wider stays so.
+TEST(QtGrid, ColumnsOfTheDesignerShowTheirCaptions) {
+  QueryDesignerWidget designer;
+  qbQueryBuilder& hub = designer.QueryBuilder();
+  zrGrid& grid = *hub.GridPane()->Grid();
+  const auto expectWide = [&] {
+    for (const Ref<zrGridColumn> column : *grid.Columns()) {
+      if (column->Width() == 0) continue;
+      const Pixels text = designer.GridView().Metrics().TextWidth(column->Caption(), grid.Font());
+      EXPECT_GT(column->Width(), ScreenScale{}.TwipsX(text).Value()) << column->Caption();
+    }
+  };
+  expectWide();
+  const float user = grid.Columns()->Item(1)->Width() * 2;
+  grid.Columns()->Item(1)->SetWidth(user);
+  hub.LoadLanguageFile(std::string(ZRQRYBLD_TEST_DATA) + "/../../samples/languages/german.txt");
+  ASSERT_EQ(grid.Columns()->Item(kColumnOutput)->Caption(), "Ausgabe");
+  expectWide();
+  EXPECT_EQ(grid.Columns()->Item(1)->Width(), user);
+}
 
 }  // namespace
 }  // namespace zrqrybld

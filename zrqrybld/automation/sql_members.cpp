@@ -21,10 +21,13 @@ bool ParseStatement(Pane& pane, const std::string& sql) {
 constexpr Member kPane[] = {
     Method<Pane, &Pane::AddWhereClause>("AddWhereClause", "[OrExpression], [AndExpression]"),
     ReadOnly<Pane, &Pane::Cartesian>("Cartesian"),
+    ReadOnly<Pane, &Pane::IsSqlOnly>("IsSqlOnly"),
+    ReadWrite<Pane, &Pane::KeepTypedText, &Pane::SetKeepTypedText>("KeepTypedText"),
     ReadWrite<Pane, &Pane::LikeOperator, &Pane::SetLikeOperator>("LikeOperator"),
     ReadWrite<Pane, &Pane::Locked, &Pane::SetLocked>("Locked"),
     Method<Pane, &Pane::ParseParameters>("ParseParameters"),
     Method<Pane, &ParseStatement>("ParseSQLStatement", "SQL"),
+    ReadOnly<Pane, &Pane::PlainStatement>("PlainStatement"),
     ReadOnly<Pane, &Pane::QueryBuilder>("QueryBuilder"),
     Method<Pane, &Pane::Refresh>("Refresh"),
     ReadWrite<Pane, &Pane::SQLStatement, &Pane::SetSQLStatement>("SQLStatement"),

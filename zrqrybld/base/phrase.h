@@ -40,7 +40,7 @@ ZRQRYBLD_API const TextSource& EnglishTexts();
 
 namespace text {
 /// The number of no text.
-inline constexpr TextId NoText{-1};
+inline constexpr TextId NoText{-1};  // NOLINT(readability-identifier-naming): named as the texts are
 }  // namespace text
 
 class ZRQRYBLD_API Phrase {

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "zrqrybld/base/error.h"
+#include "zrqrybld/base/near_names.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_grid.h"
 #include "zrqrybld/diagram/entities.h"
@@ -77,7 +78,10 @@ void CellRules::ColumnEdited(const Edit& edit) {
   if (entity && !FindItemExactly(*entity, typed.column) && entity->Items()->Count() > 1) {
     const bool isName = std::ranges::all_of(typed.column, [](char c) { return IsWordByte(c) || c == ' '; });
     if (isName) {
-      writer.SetHint(kColumnColumn, context->source.Say({text::TableHasNoColumn, typed.table, typed.column}));
+      NearestName nearest(typed.column);
+      for (const Ref<qbEntityItem>& item : *entity->Items()) nearest.Offer(item->Text());
+      writer.SetHint(kColumnColumn,
+                     context->source.Say(nearest.With({text::TableHasNoColumn, typed.table, typed.column})));
     } else {
       writer.SetText(kColumnTable, "");  // an expression stands for itself, not for a column of the table
     }

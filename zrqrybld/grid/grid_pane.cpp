@@ -34,6 +34,9 @@ constexpr StoredTable kStored = {
     Stored<F, &F::font>("Font", kStoredAlways),
 };
 
+// Files and forms always hold a format: the first one is nobody's choice.
+bool IsChosen(const std::string& format) { return format != DateOptions().format; }
+
 // Whether a text that is dropped may name a field.
 bool IsFieldText(const std::string& text) {
   return text.find_first_of("\r\n") == std::string::npos && !TrimWhite(text).empty() && !text.ends_with('.');
@@ -141,7 +144,20 @@ void qbGridPane::AboutBox() {
 
 void qbGridPane::SetDateFormat(std::string format) {
   dates_.format = std::move(format);
+  dates_.chosen = true;
   PropertyChanged.Raise(StoredKey<&F::format>(kStored));
+}
+
+void qbGridPane::LoadDateFormat(std::string format) {
+  const bool chosen = IsChosen(format) || (dates_.chosen && dates_.format == format);
+  SetDateFormat(std::move(format));
+  dates_.chosen = chosen;
+}
+
+void qbGridPane::RestoreDates(const DateOptions& dates) {
+  if (dates.format != dates_.format) SetDateFormat(dates.format);
+  if (dates.style != dates_.style) SetDateFormatStyle(dates.style);
+  dates_.chosen = dates.chosen;
 }
 
 void qbGridPane::SetDateFormatStyle(DateFormatEnum style) {
@@ -163,6 +179,7 @@ void qbGridPane::ReadProperties(const PropertyStore& store) {
   GridPaneOptions stored;
   ReadStored(kStored, store, stored);
   dates_ = static_cast<const DateOptions&>(stored);
+  dates_.chosen = IsChosen(dates_.format);
   grdPane_->SetCustomContextMenu(stored.customContextMenu);
   grdPane_->SetFont(stored.font);
   grouping_.Apply(stored.showGroupBy);

@@ -99,7 +99,8 @@ class ZRQRYBLD_API qbGridPane final : public Object {
   Variant Value(const Variant& row = Variant::Missing(), const Variant& column = Variant::Missing()) const;
   void SetValue(const Variant& row, const Variant& column, Variant value);
 
-  /// How dates are written with `DateFormatNative`; "dd-mmm-yyyy" at first.
+  /// How dates are written with `DateFormatNative`; "dd-mmm-yyyy" at first. Until it is set, a source that is known to
+  /// have a form of its own gets dates in that.
   const std::string& DateFormat() const { return dates_.format; }
   void SetDateFormat(std::string format);
   /// Whether the query groups, and the group-by column is shown; True at first.
@@ -183,6 +184,11 @@ class ZRQRYBLD_API qbGridPane final : public Object {
   void LoadRows(const std::vector<LoadedCell>& cells);
   /// A sorted row of a saved query, which exists, says where its Nulls come.
   void LoadNullsPlace(std::int32_t row, NullsPlace nulls);
+  /// How dates are written, and whether somebody chose it; the way back makes them so again.
+  const DateOptions& Dates() const { return dates_; }
+  void RestoreDates(const DateOptions& dates);
+  /// The format of a saved query: the one that every pane begins with is no choice, and takes none away.
+  void LoadDateFormat(std::string format);
   /// Makes the rows what `then` says, without the rules of editing.
   void Restore(const std::vector<SharedRowContent>& then);
   /// Shows or hides the grouping column without touching the rows, which hold what belongs to it already.

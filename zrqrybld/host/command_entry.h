@@ -9,7 +9,7 @@
 
 namespace zrqrybld {
 
-class QueryContext;
+struct QueryContext;
 
 /// The entry, with the command's text in the context's language, English without one, and its key.
 MenuEntry EntryFor(const Ref<QueryContext>& context, Command command, std::function<void()> action,

@@ -16,6 +16,8 @@ enum DateFormatEnum : std::int32_t {
 struct DateOptions {
   std::string format = "dd-mmm-yyyy";
   DateFormatEnum style = DateFormatNative;
+  /// Whether somebody chose the format. Otherwise a source that has a form of its own gets that.
+  bool chosen = false;
   friend bool operator==(const DateOptions&, const DateOptions&) = default;
 };
 

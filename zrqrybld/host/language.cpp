@@ -17,7 +17,7 @@ namespace zrqrybld {
 namespace {
 
 // The names that applications use and the rows of the table mean the same.
-#define ZRQRYBLD_TEXT(name, number, english, placeholders) static_assert(name == (number));
+#define ZRQRYBLD_TEXT(name, number, english, placeholders) static_assert((name) == (number));
 #include "zrqrybld/base/texts_captions.inc"
 #undef ZRQRYBLD_TEXT
 

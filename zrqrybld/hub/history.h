@@ -25,12 +25,15 @@
 
 namespace zrqrybld {
 
+struct TypedStatement;
+
 /// The options that belong to the query.
 struct DesignOptions {
   QueryOptions query;
   bool showGroupBy = false;
   DateOptions dates;
   SqlPaneOptions sql;
+  std::shared_ptr<const TypedStatement> typed;  ///< what is kept of the statement that was typed
   friend bool operator==(const DesignOptions&, const DesignOptions&) = default;
 };
 
@@ -66,7 +69,7 @@ class History {
 
   /// Older steps are forgotten beyond this many, and while all of them take more memory than that many bytes.
   static constexpr std::size_t kMostSteps = 200;
-  static constexpr std::size_t kMostBytes = 64 * 1024 * 1024;
+  static constexpr std::size_t kMostBytes = std::size_t{64} * 1024 * 1024;
 
   /// A step and what it has changed.
   struct Step {

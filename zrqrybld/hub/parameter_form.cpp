@@ -147,9 +147,11 @@ LiteralRules LiteralRulesOf(const qbQueryBuilder& hub) {
   LiteralRules rules;
   if (const Ref<qbGridPane> grid = hub.GridPane()) {
     rules.dateFormat = grid->DateFormat();
+    rules.dateFormatChosen = grid->Dates().chosen;
     rules.dateFormatStyle = grid->DateFormatStyle();
   }
   if (const Ref<qbSQLPane> pane = hub.SQLPane()) rules.syntax = pane->SQLSyntax();
+  rules.source = hub.SourceDialect();
   if (const std::optional<TextReading> reading = SourceReading(hub)) {
     rules.readings.push_back(*reading);
   } else if (hub.IsConnected()) {

@@ -317,9 +317,11 @@ CriteriaContext qbQueryBuilder::CriteriaRules() const {
   if (gridPane_) {
     rules.dateFormatStyle = gridPane_->DateFormatStyle();
     rules.dateFormat = gridPane_->DateFormat();
+    rules.dateFormatChosen = gridPane_->Dates().chosen;
   }
   if (sqlPane_) rules.likeOperator = sqlPane_->LikeOperator();
   rules.dialect = &CurrentDialect();
+  rules.source = SourceDialect();
   rules.reading = SourceReading(*this);
   if (!Properties()->FindText(kTextReadingLiteral)) rules.reading = UsualReading(rules.dialect->readsAs);
   return rules;
@@ -378,7 +380,10 @@ void qbQueryBuilder::RefreshTableList(std::int32_t from) {
 
 void qbQueryBuilder::DiagramCleared() {
   if (gridPane_) GridPane()->ResetRows();
-  if (sqlPane_) sqlPane_->QueryReplaced();
+  if (sqlPane_) {
+    sqlPane_->QueryReplaced();
+    sqlPane_->SetTyped(nullptr);
+  }
   QueryChanged();
 }
 

@@ -32,6 +32,7 @@ std::string qbQueryBuilder::SaveQueryToText() {
 bool qbQueryBuilder::LoadQuery(const std::string& filename, bool fileIsData, bool returnParametersOnly,
                                std::string* sqlStatement, std::string* connectionString) {
   bool complete = false;
+  std::string notApplied;
   RunOperation(kStepLoadQuery, InfoLoadingQuery, [&] {
     loadRemarks_.clear();
     QueryFileReader reader(*this, {returnParametersOnly, sqlStatement, connectionString}, loadRemarks_);
@@ -43,9 +44,11 @@ bool qbQueryBuilder::LoadQuery(const std::string& filename, bool fileIsData, boo
       throw WrapError(ErrorLoadingQuery, text::LoadingFailed, cause);
     }
     if (!complete || returnParametersOnly) return;
+    notApplied = reader.NotApplied();
     if (sqlPane_) sqlPane_->QueryReplaced();
     QueryChanged();
   });
+  if (!notApplied.empty() && sqlPane_ && sqlPane_->KeepTypedText()) sqlPane_->ShowTyped(notApplied);
   return complete;
 }
 

@@ -132,9 +132,12 @@ DesignOptions qbQueryBuilder::CurrentOptions() const {
   options.query = static_cast<const QueryOptions&>(options_);
   if (gridPane_) {
     options.showGroupBy = gridPane_->ShowGroupBy();
-    options.dates = {gridPane_->DateFormat(), gridPane_->DateFormatStyle()};
+    options.dates = gridPane_->Dates();
   }
-  if (sqlPane_) options.sql = {sqlPane_->SQLSyntax(), sqlPane_->Locked(), sqlPane_->LikeOperator()};
+  if (sqlPane_) {
+    options.sql = {sqlPane_->SQLSyntax(), sqlPane_->Locked(), sqlPane_->LikeOperator()};
+    options.typed = sqlPane_->Typed();
+  }
   return options;
 }
 
@@ -145,15 +148,14 @@ void qbQueryBuilder::RestoreOptions(const DesignOptions& options) {
   if (query.skipRecords != options_.skipRecords) Store<&F::skipRecords>(query.skipRecords);
   if (gridPane_) {
     gridPane_->RestoreShowGroupBy(options.showGroupBy);
-    const DateOptions& dates = options.dates;
-    if (dates.format != gridPane_->DateFormat()) gridPane_->SetDateFormat(dates.format);
-    if (dates.style != gridPane_->DateFormatStyle()) gridPane_->SetDateFormatStyle(dates.style);
+    gridPane_->RestoreDates(options.dates);
   }
   if (sqlPane_) {
     const SqlPaneOptions& sql = options.sql;
     if (sql.syntax != sqlPane_->SQLSyntax()) sqlPane_->SetSQLSyntax(sql.syntax);
     if (sql.likeOperator != sqlPane_->LikeOperator()) sqlPane_->SetLikeOperator(sql.likeOperator);
     if (sql.locked != sqlPane_->Locked()) sqlPane_->SetLocked(sql.locked);
+    sqlPane_->SetTyped(options.typed);
   }
 }
 

@@ -13,6 +13,7 @@
 #include "zrqrybld/diagram/source_names.h"
 #include "zrqrybld/diagram/table_picker.h"
 #include "zrqrybld/host/query_context.h"
+#include "zrqrybld/hub/statement_loader.h"
 #include "zrqrybld/platform/connection_policy.h"
 #include "zrqrybld/platform/schema_fields.h"
 #include "zrqrybld/sql/dialect.h"
@@ -102,6 +103,7 @@ const QueryFileReader::SectionKind* QueryFileReader::KindOf(std::string_view nam
        " SELECTTOPRECORDS DISTINCTRECORDS LIKEOPERATOR LOCKED SQLSYNTAX SQLSTATEMENT "
        "SKIPRECORDS SORTNULLS ",
        &QueryFileReader::TakeSQL, true},
+      {"TYPEDSTATEMENT", "", &QueryFileReader::TakeTyped, false},
   };
   const auto found =
       std::ranges::find_if(kKinds, [name](const SectionKind& kind) { return EqualsNoCase(name, kind.name); });
@@ -116,6 +118,7 @@ bool QueryFileReader::Read(std::string_view text) {
       if (!ReadLine(TakeLine(text))) return false;
     }
     ApplyPendingTicks();
+    KeepTyped();
   } catch (const Error& error) {
     throw Error(error.Number(), Phrase(text::InLine, error.What(), line_));
   }
@@ -366,7 +369,7 @@ void QueryFileReader::TakeRelationship() {
 void QueryFileReader::TakeGridOptions() {
   const Ref<qbGridPane> grid = hub_.GridPane();
   if (!grid) return;
-  if (section_.Find("DateFormat")) grid->SetDateFormat(section_.Text("DateFormat"));
+  if (section_.Find("DateFormat")) grid->LoadDateFormat(section_.Text("DateFormat"));
   if (section_.Find("DateFormatStyle")) {
     const double style = RequireNumber("DateFormatStyle", DateFormatNative, DateFormatEscapeSequence);
     grid->SetDateFormatStyle(static_cast<DateFormatEnum>(static_cast<int>(style)));
@@ -430,6 +433,25 @@ void QueryFileReader::TakeSQL() {
   if (section_.Find("SQLSyntax")) {
     const double syntax = RequireNumber("SQLSyntax", 0, AllDialects().back().syntax);
     pane->SetSQLSyntax(static_cast<SQLSyntaxEnum>(static_cast<int>(syntax)));
+  }
+}
+
+void QueryFileReader::TakeTyped() {
+  const double count = RequireNumber("LineCount", 1, static_cast<double>(section_.Lines().size()));
+  for (int i = 1; i <= static_cast<int>(count); ++i) {
+    typed_ += (i == 1 ? "" : "\r\n") + section_.Text("Line" + std::to_string(i));
+  }
+  applied_ = !section_.Find("Applied") || RequireBoolean("Applied");
+}
+
+// What it means is read from itself: a file that says otherwise could show one statement and design another.
+void QueryFileReader::KeepTyped() const {
+  const Ref<qbSQLPane> pane = hub_.SQLPane();
+  if (typed_.empty() || !applied_ || !pane || !pane->KeepTypedText()) return;
+  try {
+    pane->Keep(typed_, MeaningOf(hub_, typed_));
+  } catch (const Error&) {
+    pane->Keep(typed_, {});  // its comments are left
   }
 }
 

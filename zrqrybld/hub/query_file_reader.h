@@ -39,6 +39,9 @@ class QueryFileReader {
   /// description of an error names the line.
   bool Read(std::string_view text);
 
+  /// The text that its user had typed and not applied; "" where there was none.
+  std::string NotApplied() const { return applied_ ? std::string() : typed_; }
+
  private:
   /// The lines of a section: keys as written, values to the end of their lines.
   class Section {
@@ -80,7 +83,9 @@ class QueryFileReader {
   void TakeGrid();
   void TakeSortNulls(const std::string& value);
   void TakeSQL();
+  void TakeTyped();
   void ApplyPendingTicks();
+  void KeepTyped() const;
 
   double RequireNumber(std::string_view key, double smallest, double largest) const;
   bool RequireBoolean(std::string_view key) const;
@@ -103,6 +108,8 @@ class QueryFileReader {
   std::unordered_set<const qbEntity*> schemaItems_;  // entities of this file that still have the source's columns
   Section section_;
   std::vector<Ref<qbEntityItem>> pendingTicks_;
+  std::string typed_;  // the statement as the user has written it
+  bool applied_ = true;
 };
 
 }  // namespace zrqrybld

@@ -11,6 +11,7 @@
 #include "zrqrybld/platform/connection_string.h"
 #include "zrqrybld/platform/database.h"
 #include "zrqrybld/sql/sql_pane.h"
+#include "zrqrybld/sql/typed_statement.h"
 
 namespace zrqrybld {
 namespace {
@@ -228,8 +229,23 @@ void QueryFileWriter::WriteSQL() {
   Line("LikeOperator", pane->LikeOperator());
   Line("Locked", BooleanText(pane->Locked()));
   Number("SQLSyntax", pane->SQLSyntax());
-  Line("SQLStatement", pane->SQLStatement());
+  Line("SQLStatement", pane->PlainStatement());
   Marker("End SQLData");
+  if (pane->KeepTypedText() && pane->IsEdited()) {
+    WriteTyped(pane->SQLStatement(), false);
+  } else if (pane->Typed()) {
+    WriteTyped(pane->Typed()->text, true);
+  }
+}
+
+// Line by line, for a value ends with its line.
+void QueryFileWriter::WriteTyped(const std::string& typed, bool applied) {
+  Marker("Begin TypedStatement");
+  if (!applied) Line("Applied", BooleanText(false));
+  int number = 0;
+  for (const std::string_view line : Split(typed, "\r\n")) Line("Line" + std::to_string(++number), line);
+  Number("LineCount", number);
+  Marker("End TypedStatement");
 }
 
 }  // namespace zrqrybld

@@ -38,6 +38,7 @@ class QueryFileWriter {
   void WriteGridOptions();
   void WriteGrid();
   void WriteSQL();
+  void WriteTyped(const std::string& typed, bool applied);
 
   void Marker(std::string_view text);
   void Line(std::string_view key, std::string_view value);

@@ -2,9 +2,13 @@
 //
 // The whole text is read and every name resolved before anything is changed; then the diagram, the grid and the options
 // are made to say what the statement says.
+#include "zrqrybld/hub/statement_loader.h"
+
+#include <algorithm>
 #include <unordered_set>
 
 #include "zrqrybld/base/texts_hub.h"
+#include "zrqrybld/base/texts_sql.h"
 #include "zrqrybld/base/texts_values.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/join_properties.h"
@@ -15,6 +19,7 @@
 #include "zrqrybld/hub/hub.h"
 #include "zrqrybld/hub/table_plan.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/generator.h"
 #include "zrqrybld/sql/source_lexer.h"
 #include "zrqrybld/sql/source_rules.h"
 #include "zrqrybld/sql/sql_pane.h"
@@ -162,31 +167,81 @@ class DesignWriter {
   std::vector<Ref<qbRelationship>> kept_;  // for each join; nothing for one that is to be drawn
 };
 
-void Load(qbQueryBuilder& hub, std::string_view typed) {
+BindOptions OptionsOf(const qbQueryBuilder& hub) {
   BindOptions options;
   options.dialect = &hub.CurrentDialect();
   options.functions = hub.DBFunctions().get();
   options.names = CurrentNameRules(hub);
   options.criteria = hub.CriteriaRules();
-  std::string sql(typed);
-  if (options.criteria.reading) {
-    sql = WithDoubledQuotes(WithoutHashComments(typed, *options.criteria.reading), *options.criteria.reading);
-    const std::optional<std::size_t> otherwise = FirstReadOtherwise(sql, *options.criteria.reading);
-    if (otherwise) throw SyntaxError(sql, *otherwise, text::ReadsOtherwise);
-  }
-  const SelectStatement statement = ParseSelect(sql, {.openParenthesesInFrom = options.dialect->leavesParenthesesOpen,
-                                                      .pipesMayBeOr = options.dialect->pipesMayBeOr});
-  TablePlan plan(hub, statement, options.names);
-  std::vector<Ref<qbRelationship>> drawnJoins;
-  options.drawn = plan.Drawn(drawnJoins);
-  const BoundStatement bound = BindStatement(statement, plan, options);
-  DesignWriter(hub, plan.Tables(), bound, drawnJoins).Write();
+  return options;
 }
+
+// The text with what only its source reads written for everybody, every character where it stood.
+std::string Readable(std::string_view typed, const CriteriaContext& criteria) {
+  if (!criteria.reading) return std::string(typed);
+  std::string sql = WithDoubledQuotes(WithoutHashComments(typed, *criteria.reading), *criteria.reading);
+  if (const std::optional<std::size_t> otherwise = FirstReadOtherwise(sql, *criteria.reading)) {
+    throw SyntaxError(sql, *otherwise, text::ReadsOtherwise);
+  }
+  if (const std::optional<std::size_t> comment = FirstCommentReadOtherwise(sql, *criteria.reading)) {
+    throw SyntaxError(sql, *comment, text::CommentReadsOtherwise);
+  }
+  return sql;
+}
+
+// A typed statement with every name resolved; nothing is changed yet.
+class ReadStatement {
+ public:
+  ReadStatement(qbQueryBuilder& hub, std::string_view typed)
+      : options_(OptionsOf(hub)),
+        sql_(Readable(typed, options_.criteria)),
+        statement_(ParseSelect(sql_, {.openParenthesesInFrom = options_.dialect->leavesParenthesesOpen,
+                                      .pipesMayBeOr = options_.dialect->pipesMayBeOr})),
+        plan_(hub, statement_, options_.names) {
+    options_.drawn = plan_.Drawn(drawnJoins_);
+    bound_ = BindStatement(statement_, plan_, options_);
+  }
+
+  void Load(qbQueryBuilder& hub) { DesignWriter(hub, plan_.Tables(), bound_, drawnJoins_).Write(); }
+
+  // The query as the diagram and the grid would hold it.
+  QuerySnapshot Design() const {
+    const JoinArrangement& arrangement = bound_.arrangement;
+    QuerySnapshot query = bound_.query;
+    std::vector<std::size_t> places(query.tables.size());
+    for (std::size_t place = 0; place < places.size(); ++place) {
+      places[arrangement.order[place]] = place;
+      query.tables[place] = bound_.query.tables[arrangement.order[place]];
+    }
+    query.joins = arrangement.joins;
+    for (SnapshotJoin& join : query.joins) {
+      join.source = places[join.source];
+      join.target = places[join.target];
+    }
+    std::ranges::stable_sort(query.joins, {}, &SnapshotJoin::source);
+    for (SnapshotRow& row : query.rows) {
+      if (row.table) row.table = places[*row.table];
+    }
+    return query;
+  }
+
+ private:
+  BindOptions options_;
+  std::string sql_;
+  SelectStatement statement_;
+  TablePlan plan_;
+  std::vector<Ref<qbRelationship>> drawnJoins_;
+  BoundStatement bound_;
+};
 
 }  // namespace
 
+std::string MeaningOf(qbQueryBuilder& hub, std::string_view sql) {
+  return GenerateSelect(ReadStatement(hub, sql).Design(), hub.CurrentDialect()).text;
+}
+
 void qbQueryBuilder::LoadStatement(const std::string& sql) {
-  WholeOrNothing(RefTo(*this), [&] { Load(*this, sql); });
+  WholeOrNothing(RefTo(*this), [&] { ReadStatement(*this, sql).Load(*this); });
 }
 
 }  // namespace zrqrybld

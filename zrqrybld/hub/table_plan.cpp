@@ -4,6 +4,8 @@
 #include <numeric>
 #include <utility>
 
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/base/near_names.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/relationships.h"
@@ -216,6 +218,15 @@ SnapshotType TablePlan::TypeOf(std::size_t table, const std::string& column) con
   if (found == planned.byFoldedName.end()) return {};
   const SourceColumn& facts = planned.columns[found->second];
   return DescribeType(facts.type, facts.isLong, *hub_.DataTypes());
+}
+
+// What the source fails to tell is no fault of the name.
+void TablePlan::OfferTables(NearestName& nearest) const {
+  try {
+    for (const ListedTable& table : TablePicker(RefTo(hub_)).ReadTables()) nearest.Offer(table.name.table);
+  } catch (const Error&) {
+    return;
+  }
 }
 
 }  // namespace zrqrybld

@@ -50,6 +50,7 @@ class TablePlan final : public QuerySource {
   std::optional<std::string> FindColumn(std::size_t table, const std::string& name) const override;
   std::vector<std::string> Columns(std::size_t table) const override;
   SnapshotType TypeOf(std::size_t table, const std::string& column) const override;
+  void OfferTables(NearestName& nearest) const override;
 
  private:
   void Claim(const qbEntities& entities);

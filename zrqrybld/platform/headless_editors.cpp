@@ -28,7 +28,8 @@ void HeadlessTextEditor::Select(std::int32_t start, std::int32_t length) {
 
 std::pair<std::size_t, std::size_t> HeadlessTextEditor::SelectedBytes() const {
   const std::size_t before = FirstCharacters(text_, static_cast<std::size_t>(selStart_)).size();
-  const std::size_t end = FirstCharacters(text_, static_cast<std::size_t>(selStart_ + selLength_)).size();
+  const std::size_t end =
+      FirstCharacters(text_, static_cast<std::size_t>(selStart_) + static_cast<std::size_t>(selLength_)).size();
   return {before, end - before};
 }
 

@@ -26,6 +26,8 @@ struct CriteriaContext {
   std::string aggregate = {};
   DateFormatEnum dateFormatStyle = DateFormatNative;
   std::string dateFormat = "dd-mmm-yyyy";
+  /// Whether the application chose `dateFormat`. Otherwise a source that has a form of its own gets that.
+  bool dateFormatChosen = false;
   /// Written for LIKE; read as well as LIKE itself.
   std::string likeOperator = "LIKE";
   /// Read as LIKE, too, while cells are brought over to another operator; "" for none.
@@ -36,6 +38,8 @@ struct CriteriaContext {
   std::optional<TextReading> reading = {};
   /// The dialect of the statement; none writes values as standard SQL and the source have them.
   const Dialect* dialect = nullptr;
+  /// The dialect that the connected source speaks; none while it does not tell what it is.
+  const Dialect* source = nullptr;
   /// Whether a name, given by its parts, is a column of the diagram. Without it every name in quotes or with a "."
   /// is taken for one, and so is a plain word where the type has none.
   std::function<bool(const std::vector<std::string>& parts)> isColumn = {};

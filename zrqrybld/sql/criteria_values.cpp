@@ -228,10 +228,10 @@ std::string CriterionValues::WriteText(std::size_t from, std::size_t to, bool pa
   return TextLiteral(inDoubleQuotes ? Bare(bare) : std::string(bare), context_, pattern && kind_ != Kind::Text);
 }
 
-// The text in the quotes of a date that is a literal already: '2020-01-31', DATE '2020-01-31'. A dialect with literals
-// of its own writes it as one of them; "" otherwise.
+// The text in the quotes of a date that is a literal already: '2020-01-31', DATE '2020-01-31'. A dialect or a source
+// with literals of its own gets it as one of them; "" otherwise.
 std::string_view CriterionValues::QuotedDate(std::size_t from, std::size_t to) const {
-  if (!context_.dialect || context_.dialect->values.date.empty()) return {};
+  if (!DateForms(context_)) return {};
   const std::size_t quoted = to - 1;
   if (tokens_[quoted].kind != TokenKind::String || tokens_[quoted].unfinished) return {};
   const bool named = to == from + 2 && IsLiteralWord(tokens_.Text(from));

@@ -143,6 +143,9 @@ class Diagnosis {
       Say(DiagnosticUnreadableCriterion, text::CriterionUnreadable, NameOf(query_.rows[criterion.row]), criterion.text,
           criterion.reason);
     }
+    for (const MisreadCriterion& criterion : generated_.misread) {
+      Say(DiagnosticDateMisread, text::DateMisread, NameOf(query_.rows[criterion.row]), criterion.date);
+    }
   }
 
   // --- Grouping ---

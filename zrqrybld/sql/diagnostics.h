@@ -37,6 +37,7 @@ enum SQLDiagnosticEnum : std::int32_t {
   DiagnosticAliasWritten = 17,         ///< a column: its alias is cut, or left out because it is no single column
   DiagnosticJoinsWait = 18,            ///< a table: outer joins bring in each of its tables only with another of them
   DiagnosticNullsPlace = 19,           ///< a column: the dialect cannot say where its Nulls come
+  DiagnosticDateMisread = 20,          ///< a column: the source does not take a date of its criterion for one
 };
 
 /// One remark.

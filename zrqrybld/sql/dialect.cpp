@@ -53,6 +53,7 @@ constexpr Dialect Generic() {
   Dialect d = kBase;
   d.syntax = SQLSyntaxGeneric;
   d.name = "Generic";
+  d.parameterSigns = "?";
   d.joins = Dialect::Joins::Conditions;
   d.joinWords = kNoWords;
   d.comparison = {" = ", " *= ", " =* ", " = "};
@@ -64,6 +65,7 @@ constexpr Dialect Generic() {
 constexpr Dialect MsSql() {
   Dialect d = kBase;
   d.name = "MSSQL";
+  d.parameterSigns = "@";
   d.concatenation = "+";
   d.values.yes = "1";
   d.values.no = "0";
@@ -74,6 +76,7 @@ constexpr Dialect Oracle() {
   Dialect d = kBase;
   d.syntax = SQLSyntaxOracle;
   d.name = "Oracle";
+  d.parameterSigns = ":";
   d.joins = Dialect::Joins::Conditions;
   d.joinWords = kNoWords;
   // The mark stands on the side that may be missing: behind the other table's field, or behind this one's.
@@ -128,6 +131,7 @@ constexpr Dialect PostgreSql() {
   Dialect d = kBase;
   d.syntax = SQLSyntaxPostgreSQL;
   d.name = "PostgreSQL";
+  d.parameterSigns = ":$";
   d.hasNullsPlace = true;
   d.limit = Limit("OFFSET @m");
   d.values = {.date = "DATE '@'", .time = "TIME '@'", .timestamp = "TIMESTAMP '@'", .yes = "TRUE", .no = "FALSE"};
@@ -146,6 +150,7 @@ constexpr Dialect MySql() {
   Dialect d = kBase;
   d.syntax = SQLSyntaxMySQL;
   d.name = "MySQL";
+  d.parameterSigns = "?";
   d.hasFullJoin = false;
   // It has no offset without a limit; this is the largest one.
   d.limit = Limit("LIMIT 18446744073709551615 OFFSET @m");
@@ -155,6 +160,7 @@ constexpr Dialect MySql() {
   d.readsAs = "MySQL";
   d.concatenation = "CONCAT(@Text1, @Text2)";
   d.pipesMayBeOr = true;
+  d.misreadsDates = true;
   d.sharedColumns = Dialect::SharedColumns::FirstAsInTable;
   d.words = dialect_words::MySql();
   d.offersWords = true;
@@ -165,12 +171,14 @@ constexpr Dialect Sqlite() {
   Dialect d = kBase;
   d.syntax = SQLSyntaxSQLite;
   d.name = "SQLite";
+  d.parameterSigns = "?:@$";
   d.hasNullsPlace = true;
   d.limit = Limit("LIMIT -1 OFFSET @m");
   d.values = {.date = "'@'", .time = "'@'", .timestamp = "'@'", .yes = "1", .no = "0"};
   d.namePrefix = d.nameSuffix = "\"";
   d.doubleQuotesAreTexts = true;
   d.readsAs = "SQLite";
+  d.misreadsDates = true;
   d.concatenation = "||";
   d.words = dialect_words::Sqlite();
   d.offersWords = true;
@@ -181,6 +189,7 @@ constexpr Dialect SqlServer() {
   Dialect d = kBase;
   d.syntax = SQLSyntaxSQLServer;
   d.name = "SQLServer";
+  d.parameterSigns = "@";
   d.limit = {.place = RowLimit::Place::Head,
              .rows = "TOP (@n) ",
              .percent = "TOP (@n) PERCENT ",
@@ -206,6 +215,7 @@ constexpr Dialect Ansi() {
   Dialect d = kBase;
   d.syntax = SQLSyntaxANSI;
   d.name = "ANSI";
+  d.parameterSigns = "?:";
   d.hasNullsPlace = true;
   d.limit = kFetch;
   d.values = {.date = "DATE '@'", .time = "TIME '@'", .timestamp = "TIMESTAMP '@'", .yes = "TRUE", .no = "FALSE"};
@@ -222,6 +232,7 @@ constexpr Dialect Oracle12() {
   Dialect d = Ansi();
   d.syntax = SQLSyntaxOracle12;
   d.name = "Oracle12";
+  d.parameterSigns = ":";
   d.tableAlias = " ";
   d.aliasStandsBare = true;
   // It has no times of day alone.

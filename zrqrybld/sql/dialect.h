@@ -98,6 +98,10 @@ struct Dialect {
   std::string_view concatenation = {};
   /// Whether "||" is OR to its servers, in some of their modes.
   bool pipesMayBeOr = false;
+  /// What its own parameters begin with: see sql/host_parameters.h.
+  std::string_view parameterSigns = {};
+  /// Whether its servers compare a date in another form than ISO as a text, or with nothing, without an error.
+  bool misreadsDates = false;
   /// Words with a meaning in its statements, which are no names without quotes; in capitals and sorted.
   std::span<const std::string_view> words = {};
   /// Whether they stand in the catalog of keywords while it is in use.

@@ -10,6 +10,7 @@
 #include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/keywords.h"
 #include "zrqrybld/sql/lexer.h"
+#include "zrqrybld/sql/literals.h"
 
 namespace zrqrybld {
 namespace {
@@ -283,11 +284,16 @@ class Generator {
       if (EndsWithNoCase(cell, "FALSE")) return "NOT " + std::string(Trim(row.column));
     }
     const std::string field = row.grouping.HasSyntax() ? SelectTerm(row) : FieldTerm(row);
+    const auto position = static_cast<std::size_t>(&row - query_.rows.data());
     try {
-      return FormatCondition(field, cell, ContextOf(row));
+      std::string condition = FormatCondition(field, cell, ContextOf(row));
+      if (std::string date = MisreadDate(condition, context_); !date.empty()) {
+        result_.misread.push_back({position, std::move(date)});
+      }
+      return condition;
     } catch (const Error& error) {
       // Not a text that can be read: it stays as it was typed, for the statement must not lose it.
-      result_.unreadable.push_back({static_cast<std::size_t>(&row - query_.rows.data()), cell, error.What()});
+      result_.unreadable.push_back({position, cell, error.What()});
       return field + " " + cell;
     }
   }

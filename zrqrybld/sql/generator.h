@@ -22,6 +22,12 @@ struct UnreadableCriterion {
   Phrase reason;
 };
 
+/// A date that the connected source does not take for one.
+struct MisreadCriterion {
+  std::size_t row;   ///< the position in `QuerySnapshot::rows`, from 0
+  std::string date;  ///< as it stands in the statement
+};
+
 struct GeneratedSql {
   /// "" where the dialect cannot say what the query asks for; the remarks tell what that is.
   std::string text;
@@ -30,6 +36,7 @@ struct GeneratedSql {
   /// The tables as they stand in FROM; valid as long as the query is.
   std::vector<FromEntry> from;
   std::vector<UnreadableCriterion> unreadable;
+  std::vector<MisreadCriterion> misread;
 };
 
 /// Conditions that are added to the statement as they stand, without parentheses.

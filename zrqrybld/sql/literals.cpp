@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/platform/schema_fields.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/lexer.h"
 #include "zrqrybld/sql/source_lexer.h"
 
 namespace zrqrybld {
@@ -31,13 +33,23 @@ std::string_view SourceFormat(const CriteriaContext& context) {
   return suffix.substr(3, suffix.size() - 5);
 }
 
-// The dialect's own literal; none where it leaves that to the source.
-std::optional<std::string> DialectLiteral(const DateTime& value, const CriteriaContext& context) {
-  if (!context.dialect || context.dialect->values.date.empty()) return std::nullopt;
-  const ValueForms& forms = context.dialect->values;
-  if (!value.hasDate) return ReplaceAll(forms.time, "@", FormatDateTime(value, "hh:nn:ss"));
-  if (!value.hasTime) return ReplaceAll(forms.date, "@", FormatDateTime(value, "yyyy-mm-dd"));
-  return ReplaceAll(forms.timestamp, "@", FormatDateTime(value, "yyyy-mm-dd hh:nn:ss"));
+// Whether the type's literal has a word before its quote, as DATE '...' and {d '...'}: such ones are in ISO form.
+bool IsNamedLiteral(const CriteriaContext& context) {
+  return context.prefix.size() > 1 && context.prefix.back() == '\'' && context.prefix.find('(') == std::string::npos;
+}
+
+// Whether dates are in ISO form, because their source has a form and nobody chose another.
+bool WritesIso(const CriteriaContext& context) {
+  return !context.dateFormatChosen && (IsNamedLiteral(context) || DateForms(context));
+}
+
+// The literal of the dialect or of the source; none where the date format decides.
+std::optional<std::string> FormedLiteral(const DateTime& value, const CriteriaContext& context) {
+  const ValueForms* forms = DateForms(context);
+  if (!forms) return std::nullopt;
+  if (!value.hasDate) return ReplaceAll(forms->time, "@", FormatDateTime(value, "hh:nn:ss"));
+  if (!value.hasTime) return ReplaceAll(forms->date, "@", FormatDateTime(value, "yyyy-mm-dd"));
+  return ReplaceAll(forms->timestamp, "@", FormatDateTime(value, "yyyy-mm-dd hh:nn:ss"));
 }
 
 // A part that was given is never dropped: what a form has no place for takes the one that has it.
@@ -80,9 +92,37 @@ bool BackslashEscapes(std::string_view prefix, const CriteriaContext& context) {
   return token.part == SourcePart::Text && token.escapes;
 }
 
+const ValueForms* DateForms(const CriteriaContext& context) {
+  const auto formsOf = [](const Dialect* d) { return d && !d->values.date.empty() ? &d->values : nullptr; };
+  if (const ValueForms* forms = formsOf(context.dialect)) return forms;
+  const bool leftToSource = !context.dateFormatChosen && !IsNamedLiteral(context) && SourceFormat(context).empty();
+  return leftToSource ? formsOf(context.source) : nullptr;
+}
+
+std::string MisreadDate(std::string_view condition, const CriteriaContext& context) {
+  if (!context.source || !context.source->misreadsDates || ValueKindOf(context.dataType) != ValueKind::Date) return {};
+  Lexer lexer(condition);
+  Token token;
+  std::string_view last, beforeLast;  // the tokens before
+  const auto isName = [](std::string_view text) { return !text.empty() && IsWordByte(text.back()); };
+  while (lexer.Next(token)) {
+    const std::string_view text = condition.substr(token.offset, token.length);
+    const bool argument = last == "(" && isName(beforeLast) && !EqualsNoCase(beforeLast, "IN");
+    if (token.kind == TokenKind::String && text.front() == '\'' && text.size() > 2 && !argument) {
+      const std::string_view bare = text.substr(1, text.size() - 2);
+      DateTime value;
+      const DateReading reading = ReadDateTime(bare, context.dateFormat, false, value);
+      const bool isDate = reading == DateReading::Ambiguous || value.hasDate;
+      if (isDate && !bare.starts_with(FormatDateTime(value, "yyyy-mm-dd"))) return std::string(text);
+    }
+    beforeLast = std::exchange(last, text);
+  }
+  return {};
+}
+
 std::string DateText(const DateTime& value, const CriteriaContext& context) {
-  const std::string_view source = SourceFormat(context);
-  const std::string_view format = source.empty() ? context.dateFormat : source;
+  std::string_view format = SourceFormat(context);
+  if (format.empty()) format = WritesIso(context) ? std::string_view("yyyy-mm-dd") : context.dateFormat;
   std::string text;
   if (value.hasDate) text = FormatDateTime(value, format);
   if (!Fits(value, format)) text += (text.empty() ? "" : " ") + FormatDateTime(value, "hh:nn:ss");
@@ -91,7 +131,7 @@ std::string DateText(const DateTime& value, const CriteriaContext& context) {
 
 std::optional<std::string> DateLiteral(const DateTime& value, const CriteriaContext& context) {
   if (context.dateFormatStyle == DateFormatEscapeSequence) return EscapeSequence(value, context);
-  if (std::optional<std::string> literal = DialectLiteral(value, context)) return literal;
+  if (std::optional<std::string> literal = FormedLiteral(value, context)) return literal;
   const std::string_view format = SourceFormat(context);
   if (!format.empty() && !Fits(value, format)) return std::nullopt;
   CriteriaContext quoted = context;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "zrqrybld/base/near_names.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_sql.h"
 #include "zrqrybld/sql/lexer.h"
@@ -85,7 +86,11 @@ void NameScope::Refuse(std::string_view part, Phrase message) const {
 std::size_t NameScope::AddTable(const FromItem& item) {
   const WrittenTable written{NameParts(item.table), Identifier(PlainName(item.alias))};
   std::optional<SnapshotTable> table = source_.AddTable(written);
-  if (!table) Refuse(item.table, {text::NoTableNamed, WholeName(written.parts)});
+  if (!table) {
+    NearestName nearest(written.parts.back().Name());
+    source_.OfferTables(nearest);
+    Refuse(item.table, nearest.With({text::NoTableNamed, WholeName(written.parts)}));
+  }
   const std::size_t index = tables_.size();
   const std::string& caption = table->caption.Name();
   if (!byCaption_.emplace(caption, index).second) {
@@ -119,7 +124,11 @@ std::optional<std::size_t> NameScope::FindTable(std::string_view qualifier) cons
 
 std::size_t NameScope::RequireTable(std::string_view qualifier, std::string_view place) const {
   const std::optional<std::size_t> table = FindTable(qualifier);
-  if (!table) Refuse(place, {text::NoTableInFrom, WholeName(NameParts(qualifier))});
+  if (!table) {
+    NearestName nearest(WholeName(NameParts(qualifier)));
+    for (const SnapshotTable& known : tables_) nearest.Offer(known.caption.Name());
+    Refuse(place, nearest.With({text::NoTableInFrom, WholeName(NameParts(qualifier))}));
+  }
   if (*table == kAmbiguous) Refuse(place, {text::SeveralTablesCalled, qualifier});
   return *table;
 }
@@ -146,7 +155,9 @@ std::optional<BoundColumn> NameScope::Find(const Expression& column) const {
     std::optional<std::string> found = source_.FindColumn(table, name);
     if (!found && !source_.KnowsColumns(table)) found = FirstSpelling(table, name);
     if (!found) {
-      Refuse(column.text, {text::NoColumnInTable, tables_[table].caption.Name(), name});
+      NearestName nearest(name);
+      OfferColumns(table, nearest);
+      Refuse(column.text, nearest.With({text::NoColumnInTable, tables_[table].caption.Name(), name}));
     }
     return BoundColumn{table, std::move(*found)};
   }
@@ -180,8 +191,16 @@ std::optional<BoundColumn> NameScope::TryFind(const Expression& column) const {
 
 BoundColumn NameScope::Require(const Expression& column) const {
   std::optional<BoundColumn> found = Find(column);
-  if (!found) Refuse(column.text, {text::NoTableHasColumn, PlainName(column.name)});
+  if (!found) {
+    NearestName nearest(PlainName(column.name));
+    for (std::size_t table = 0; table < tables_.size(); ++table) OfferColumns(table, nearest);
+    Refuse(column.text, nearest.With({text::NoTableHasColumn, PlainName(column.name)}));
+  }
   return std::move(*found);
+}
+
+void NameScope::OfferColumns(std::size_t table, NearestName& nearest) const {
+  for (const std::string& column : source_.Columns(table)) nearest.Offer(column);
 }
 
 void NameScope::Unify(const std::string& name, const BoundColumn& column) { unified_.insert_or_assign(name, column); }

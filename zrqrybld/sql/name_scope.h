@@ -18,6 +18,8 @@
 
 namespace zrqrybld {
 
+class NearestName;
+
 /// A table as a statement names it.
 struct WrittenTable {
   std::vector<Identifier> parts;  ///< its name, schema first, without quotes
@@ -42,6 +44,8 @@ class QuerySource {
   /// The columns in their order.
   virtual std::vector<std::string> Columns(std::size_t table) const = 0;
   virtual SnapshotType TypeOf(std::size_t table, const std::string& column) const = 0;
+  /// Offers the names of all tables there are, for one that was not found.
+  virtual void OfferTables(NearestName& nearest) const = 0;
 };
 
 /// A column of a table of the query.
@@ -95,6 +99,7 @@ class NameScope {
   [[noreturn]] void Refuse(std::string_view part, Phrase message) const;
 
  private:
+  void OfferColumns(std::size_t table, NearestName& nearest) const;
   template <class T>
   using ByName = std::unordered_map<std::string, T, HashNoCase, EqualNoCase>;
   static constexpr std::size_t kAmbiguous = static_cast<std::size_t>(-1);

@@ -169,7 +169,9 @@ CriteriaContext ContextOf(const ParameterValue& value, const LiteralRules& rules
   context.prefix = value.type.prefix;
   context.suffix = value.type.suffix;
   context.dateFormat = rules.dateFormat;
+  context.dateFormatChosen = rules.dateFormatChosen;
   context.dateFormatStyle = rules.dateFormatStyle;
+  context.source = rules.source;
   return context;
 }
 

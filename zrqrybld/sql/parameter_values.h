@@ -29,7 +29,9 @@ struct ParameterValue {
 struct LiteralRules {
   DateFormatEnum dateFormatStyle = DateFormatNative;
   std::string dateFormat = "yyyy-mm-dd";
+  bool dateFormatChosen = false;  ///< otherwise a source that has a form of its own gets that
   SQLSyntaxEnum syntax = SQLSyntaxGeneric;
+  const Dialect* source = nullptr;  ///< what the connected source speaks; none while it does not tell
   std::vector<TextReading> readings = {};
 };
 

@@ -216,4 +216,27 @@ std::optional<std::size_t> FirstReadOtherwise(std::string_view text, const TextR
   return std::nullopt;
 }
 
+std::optional<std::size_t> FirstCommentReadOtherwise(std::string_view text, const TextReading& reading) {
+  if (text.find("--") == std::string_view::npos && text.find("/*") == std::string_view::npos) return std::nullopt;
+  Lexer lexer(text);
+  SourceLexer source(text, reading);
+  for (;;) {
+    Token token;
+    SourceToken seen;
+    bool found = false;
+    bool foundToo = false;
+    while (!found && lexer.Next(token)) found = token.kind == TokenKind::Comment;
+    while (!foundToo && source.Next(seen)) {
+      foundToo = seen.part == SourcePart::Comment || seen.part == SourcePart::CodeComment;
+    }
+    if (!found && !foundToo) return std::nullopt;
+    if (!found || !foundToo) return found ? token.offset : seen.begin;
+    std::size_t end = seen.end;
+    if (end < text.size() && text[end] == '\n' && text[end - 1] == '\r') --end;
+    if (seen.part == SourcePart::CodeComment || seen.begin != token.offset || end != token.offset + token.length) {
+      return std::min(token.offset, seen.begin);
+    }
+  }
+}
+
 }  // namespace zrqrybld

@@ -75,5 +75,8 @@ std::string WithoutHashComments(std::string_view text, const TextReading& readin
 std::string WithDoubledQuotes(std::string_view text, const TextReading& reading);
 /// Where the first literal begins that the source sees end elsewhere; none when there is none.
 std::optional<std::size_t> FirstReadOtherwise(std::string_view text, const TextReading& reading);
+/// Where the first comment begins that only one of the two sees, or that ends elsewhere for the source, or that it may
+/// run; none when there is none.
+std::optional<std::size_t> FirstCommentReadOtherwise(std::string_view text, const TextReading& reading);
 
 }  // namespace zrqrybld

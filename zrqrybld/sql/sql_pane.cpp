@@ -13,6 +13,7 @@
 #include "zrqrybld/sql/generator.h"
 #include "zrqrybld/sql/lexer.h"
 #include "zrqrybld/sql/query_snapshot.h"
+#include "zrqrybld/sql/typed_statement.h"
 
 namespace zrqrybld {
 namespace {
@@ -33,6 +34,10 @@ bool ReadLikeOperator(const Variant& stored, std::string& word) {
   if (Trim(text).empty()) return false;
   word = text;
   return true;
+}
+
+std::string WithCrLf(std::string_view text) {
+  return ReplaceAll(ReplaceAll(ReplaceAll(text, "\r\n", "\n"), "\r", "\n"), "\n", "\r\n");
 }
 
 using F = SqlPaneOptions;
@@ -77,7 +82,8 @@ void qbSQLPane::ListenToTextArea() {
     KeyDown.Raise(keyCode, shift);
     const Key key{keyCode, shift};
     // The second key runs the statement where there is nothing to apply.
-    const bool applies = key == RowOf(Command::ApplyText).key || (edited_ && Asks(key, Command::ApplyText));
+    const bool waits = edited_ && !sqlOnly_;
+    const bool applies = key == RowOf(Command::ApplyText).key || (waits && Asks(key, Command::ApplyText));
     if (!applies) return;
     keyCode = 0;
     ApplyEditedText();
@@ -101,11 +107,17 @@ void qbSQLPane::ShowRemarks() {
   if (edited_) {
     const Ref<QueryContext> context = context_.lock();
     const Phrase waits(outdated_ ? text::EditedOutdated : text::EditedNotApplied, KeyTextOf(Command::ApplyText));
-    remarks.push_back(failure_.Empty() ? Say(context, waits) : Say(context, failure_));
+    remarks.push_back(failure_.Empty() ? Say(context, sqlOnly_ ? Phrase(text::SqlOnly) : waits)
+                      : sqlOnly_       ? Say(context, {text::SqlOnlyBecause, failure_})
+                                       : Say(context, failure_));
     commands.push_back({Say(context, text::CommandApply), [this] { ApplyEditedText(); }});
     commands.push_back({Say(context, text::CommandRevert), [this] { RevertEditedText(); }});
+    if (!failure_.Empty() && !sqlOnly_) {
+      commands.push_back({Say(context, text::CommandUseAsTyped), [this] { UseAsTyped(); }});
+    }
   } else {
     remarks = Remarks();
+    if (tellsStale_) remarks.push_back(Say(context_.lock(), text::TypedTextStale));
   }
   textArea_->SetRemarks(remarks);
   textArea_->SetCommands(std::move(commands));
@@ -134,8 +146,20 @@ void qbSQLPane::SetEdited(bool edited) {
   const bool changed = edited != edited_;
   edited_ = edited;
   outdated_ &= edited;
+  const bool wasSqlOnly = sqlOnly_;
+  sqlOnly_ &= edited;
   ShowRemarks();
   if (changed) EditedChanged.Raise();
+  if (wasSqlOnly && !sqlOnly_) SqlOnlyChanged.Raise();
+}
+
+bool qbSQLPane::UseAsTyped() {
+  if (!edited_ || failure_.Empty()) return sqlOnly_;
+  if (sqlOnly_) return true;
+  sqlOnly_ = true;
+  ShowRemarks();
+  SqlOnlyChanged.Raise();
+  return true;
 }
 
 bool qbSQLPane::ApplyEditedText() {
@@ -237,9 +261,34 @@ const Ref<qbJoins>& qbSQLPane::Joins() const {
   return joins_;
 }
 
+// The text that stands for a generated one.
+std::string qbSQLPane::Present(std::string generated) {
+  const bool keeps = typed_ && !generated.empty();
+  const bool wasTyped = std::exchange(asTyped_, keeps && generated == typed_->meaning);
+  tellsStale_ = keeps && wasTyped && !asTyped_;
+  if (!keeps) return generated;
+  generated_ = std::move(generated);
+  return asTyped_ ? typed_->text : WithComments(generated_, typed_->comments);
+}
+
+void qbSQLPane::SetKeepTypedText(bool keep) {
+  keepTypedText_ = keep;
+  if (!keep) typed_.reset();
+}
+
+void qbSQLPane::Keep(const std::string& sql, std::string meaning) {
+  const Ref<QueryContext> context = context_.lock();
+  if (!keepTypedText_ || !context) return;
+  TypedStatement typed{WithCrLf(sql), std::move(meaning), {}};
+  typed_.reset();
+  if (typed.text == typed.meaning) return;
+  typed.comments = CommentsByClause(typed.text, context->design.CriteriaRules().reading);
+  typed_ = std::make_shared<const TypedStatement>(std::move(typed));
+}
+
 void qbSQLPane::Refresh() {
   const Ref<Object> alive = shared_from_this();  // a listener may let go of it
-  const std::string text = Generate({}, {});
+  const std::string text = Present(Generate({}, {}));
   if (text.empty()) diagnostics_.clear();  // nothing was generated
   failure_ = {};
   replaced_ = false;
@@ -251,7 +300,7 @@ void qbSQLPane::Refresh() {
 
 void qbSQLPane::ShowChange() {
   if (!KeepsTyped()) return Refresh();
-  std::string text = Generate({}, {});
+  std::string text = Present(Generate({}, {}));
   if (text == written_) return;
   written_ = std::move(text);
   outdated_ = true;
@@ -277,6 +326,7 @@ void qbSQLPane::ParseSQLStatement(const std::string& sql) {
       const ScopedValue busy(busy_, true);
       context->steps.RaiseInfo(InfoParsingSQL, sql);
       context->reports.LoadStatement(sql);
+      if (keepTypedText_) Keep(sql, GenerateSelect(context->design.Snapshot(), DialectFor(options_.syntax)).text);
     } catch (const std::exception& cause) {
       context->steps.LeaveState();
       throw WrapError(ErrorParsingText, text::ParsingFailed, cause);

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "zrqrybld/base/error.h"
@@ -26,6 +27,7 @@ namespace zrqrybld {
 
 class qbQueryBuilder;
 struct QueryContext;
+struct TypedStatement;
 
 class ZRQRYBLD_API qbSQLPane final : public Object {
  public:
@@ -50,6 +52,8 @@ class ZRQRYBLD_API qbSQLPane final : public Object {
   Event<std::string_view> PropertyChanged;
   /// `IsEdited` has changed.
   Event<> EditedChanged;
+  /// `IsSqlOnly` has changed.
+  Event<> SqlOnlyChanged;
 
   // --- Properties and methods ---
 
@@ -74,6 +78,13 @@ class ZRQRYBLD_API qbSQLPane final : public Object {
   bool ApplyEditedText();
   /// Brings the designer's own text back.
   void RevertEditedText() { Refresh(); }
+
+  /// Whether the text is one that the designer cannot hold and that stands for the query as it is, while the diagram
+  /// and the grid have another: see `UseAsTyped`. Applying or reverting the text, and whatever writes it, ends this.
+  bool IsSqlOnly() const { return sqlOnly_; }
+  /// Lets the text stand for the query as it is, where `ApplyEditedText` has failed on it. False where it has not, and
+  /// nothing is changed then.
+  bool UseAsTyped();
 
   /// Whether the statement generated last holds a table that is joined to none before it.
   bool Cartesian() const { return cartesian_; }
@@ -108,6 +119,16 @@ class ZRQRYBLD_API qbSQLPane final : public Object {
   std::string SQLStatement() const { return textArea_->Text(); }
   void SetSQLStatement(const std::string& text);
 
+  /// Whether a statement that was read is shown as it was typed, with its layout and comments, for as long as the
+  /// query is what it means; False at first. When the query has become another, the statement is written anew with the
+  /// comments in front of their clauses. Setting it to False shows the designer's own text at the next `Refresh`.
+  bool KeepTypedText() const { return keepTypedText_; }
+  void SetKeepTypedText(bool keep);
+
+  /// The statement as the designer writes it, without what `KeepTypedText` keeps; while the text is one that the user
+  /// has typed and not applied, that text.
+  std::string PlainStatement() const { return edited_ || !typed_ ? SQLStatement() : generated_; }
+
   /// The hub that the pane is linked to, or nothing.
   Ref<qbQueryBuilder> QueryBuilder() const;
 
@@ -136,6 +157,13 @@ class ZRQRYBLD_API qbSQLPane final : public Object {
   /// Shows a text as one that the user has typed and not applied.
   void ShowTyped(const std::string& text);
 
+  /// What is kept of the statement that was read last; nothing where nothing is. It belongs to the query.
+  const std::shared_ptr<const TypedStatement>& Typed() const { return typed_; }
+  /// Puts another in its place; the text follows at the next change or `Refresh`.
+  void SetTyped(std::shared_ptr<const TypedStatement> typed) { typed_ = std::move(typed); }
+  /// Keeps a statement with what it means, if `KeepTypedText` says so.
+  void Keep(const std::string& sql, std::string meaning);
+
   /// Shows the text in a window. nullptr takes it out again; the text stays. The area must outlive the
   /// pane or be taken out first.
   void AttachTextArea(TextArea* area);
@@ -143,6 +171,7 @@ class ZRQRYBLD_API qbSQLPane final : public Object {
  private:
   qbSQLPane();
   std::string Generate(const std::string& orExpression, const std::string& andExpression);
+  std::string Present(std::string generated);
   void ListenToTextArea();
   void ShowRemarks();
   void TextEdited();
@@ -159,8 +188,14 @@ class ZRQRYBLD_API qbSQLPane final : public Object {
   bool edited_ = false;    // the text is the user's
   bool outdated_ = false;  // the query has changed since
   bool replaced_ = false;  // a query that the text says nothing about takes its place
-  std::string written_;    // the text as it was generated last
-  Phrase failure_;         // why it could not be applied
+  bool sqlOnly_ = false;
+  bool keepTypedText_ = false;
+  std::shared_ptr<const TypedStatement> typed_;
+  std::string generated_;    // where something is kept, the text as it was generated last
+  bool asTyped_ = false;     // what is kept is shown
+  bool tellsStale_ = false;  // since the last change it is not any more
+  std::string written_;      // the text as it is shown when the user has typed no other
+  Phrase failure_;           // why it could not be applied
   bool cartesian_ = false;
   QuerySnapshot generatedFrom_;  // the tables and joins of what was generated last
   mutable Ref<qbJoins> joins_;   // of it; made when somebody asks

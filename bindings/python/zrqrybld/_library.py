@@ -73,8 +73,9 @@ BINDINGS = ("PyQt6", "PySide6")
 
 
 def _names(stem):
-    """What the system calls a shared library."""
-    return {"win32": (f"{stem}.dll", f"lib{stem}.dll"), "darwin": (f"lib{stem}.dylib",)}.get(sys.platform, (f"lib{stem}.so",))
+    """What the system calls a shared library: the second where only what runs is installed, not what links."""
+    return {"win32": (f"{stem}.dll", f"lib{stem}.dll"),
+            "darwin": (f"lib{stem}.dylib", f"lib{stem}.{ABI}.dylib")}.get(sys.platform, (f"lib{stem}.so", f"lib{stem}.so.{ABI}"))
 
 
 def _candidates():

@@ -56,7 +56,7 @@ Parts DriverParts(const ConnectionString& connectionString, std::string_view use
     }
     if (IsOneOf(key, kNotForTheDriver)) continue;
     const auto* word =
-        std::ranges::find_if(kOtherWords, [&](const auto& pair) { return EqualsNoCase(key, pair.first); });
+        std::ranges::find_if(kOtherWords, [&name = key](const auto& pair) { return EqualsNoCase(name, pair.first); });
     parts.emplace_back(word != std::end(kOtherWords) ? std::string(word->second) : key, value);
   }
   if (throughLayer) {

@@ -9,7 +9,10 @@
 #include "zrqrybld/adapters/qt/say.h"
 #include "zrqrybld/adapters/qt/shortcuts.h"
 #include "zrqrybld/adapters/qt/sql_highlighter.h"
+#include "zrqrybld/adapters/qt/sql_only_cover.h"
 #include "zrqrybld/base/texts_qt.h"
+#include "zrqrybld/grid/grid_layout.h"
+#include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/sql/brackets.h"
 
 namespace zrqrybld {
@@ -19,6 +22,8 @@ namespace {
 constexpr int kDiagramShare = 46;
 constexpr int kGridShare = 28;
 constexpr int kSqlShare = 26;
+
+constexpr float kNameColumnWidth = 2400;  // twips
 
 }  // namespace
 
@@ -62,6 +67,9 @@ QueryDesignerWidget::QueryDesignerWidget(QWidget* parent)
   onKey(ShortcutOf(Command::NextPane), 1);
   onKey(ShortcutOf(Command::PreviousPane), -1);
 
+  new SqlOnlyCover(*diagram_, *hub_);  // the panes own them
+  new SqlOnlyCover(*grid_, *hub_);
+
   announcer_ = new ChangeAnnouncer(*hub_, this);
   ApplyTexts();
   texts_ = hub_->TextsChanged.Connect([this] { ApplyTexts(); });
@@ -78,6 +86,25 @@ QueryDesignerWidget::QueryDesignerWidget(QWidget* parent)
 void QueryDesignerWidget::ApplyTexts() {
   sql_->SetTexts(hub_->Texts());
   sql_->setAccessibleName(Say(*hub_->Texts(), text::SqlName));
+  FitColumns();
+}
+
+// Names are long and captions differ by language: no caption is cut off where a little width shows it. No column
+// becomes narrower.
+void QueryDesignerWidget::FitColumns() {
+  const Ref<qbGridPane> pane = hub_->GridPane();
+  if (!pane) return;
+  zrGrid& grid = *pane->Grid();
+  for (std::int32_t i = 1; i <= grid.Columns()->Count(); ++i) {
+    const Ref<zrGridColumn> column = grid.Columns()->Item(i);
+    const bool holdsNames = column->Index() == kColumnColumn || column->Index() == kColumnTable;
+    float least = holdsNames ? std::max(kNameColumnWidth, column->Width()) : column->Width();
+    if (column->Index() == kColumnSortType) {
+      const Pixels longest = grid_->Metrics().TextWidth(TextOf(SortDirection::Descending), {}) + kGridTextPadding * 3;
+      least = std::max(least, static_cast<float>(ScreenScale{}.TwipsX(longest).Value()));
+    }
+    if (column->Width() > 0) grid.FitColumn(i, least);
+  }
 }
 
 void QueryDesignerWidget::AddPane(QWidget* pane) { panes_.emplace_back(pane); }

@@ -49,6 +49,7 @@ class ZRQRYBLD_API QueryDesignerWidget : public QSplitter {
 
  private:
   void ApplyTexts();
+  void FitColumns();
 
   std::shared_ptr<QtToolkit> toolkit_;
   Ref<qbQueryBuilder> hub_;

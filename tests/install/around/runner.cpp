@@ -1,0 +1,9 @@
+#include <string>
+#include <vector>
+#include <zrqrybld/adapters/sqlite/sqlite_runner.h>
+#include <zrqrybld/hub/query_builder.h>
+
+bool Example(const zrqrybld::Ref<zrqrybld::qbQueryBuilder>& hub, const std::string& sql) {
+  // EXAMPLE
+  return more && names.empty();
+}
