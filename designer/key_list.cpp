@@ -38,6 +38,11 @@ std::vector<KeyRow> KeyRows() {
       {kSame, {ShowSchemaTree}, {}, text::DoesSchemaTree},
       {kSame, {NewQuery, OpenQuery, SaveQuery, SaveQueryAs}, {}, text::DoesFiles},
       {kSame, {OpenDatabase, Connect}, {}, text::DoesSources},
+      {kSame, {NewTab, CloseTab}, {}, text::DoesTabs},
+      {kSame, {NextTab, PreviousTab}, {}, text::DoesNextTab},
+      {kSame, {MaximizePane, CollapsePane}, {}, text::DoesMaximize},
+      {kSame, {Print}, {}, text::DoesPrint},
+      {kSame, {ExportRows}, {}, text::DoesExport},
       {kSame, {}, KeyTextOf(Undo) + " · " + KeyTextOf(Redo) + ", " + TextOf(RowOf(Redo).other), text::DoesUndo},
       {kSame, {}, "Ctrl + · Ctrl − · " + KeyTextOf(ActualSize), text::DoesZoom},
       {kSame, {}, KeyTextOf(ContextMenu) + ", " + TextOf(RowOf(ContextMenu).other), text::DoesMenu},
@@ -69,6 +74,8 @@ std::vector<KeyRow> KeyRows() {
       {kSame, {}, KeyTextOf(FindText) + " · F3 · Shift+F3", text::DoesFindText},
       {text::KeysPreview, {}, "Ctrl+C · " + KeyTextOf(CopyValuesWithNames), text::DoesCopyValues},
       {kSame, {}, "Ctrl+A", text::DoesSelectRows},
+      {kSame, {FilterRows}, {}, text::DoesFilterRows},
+      {kSame, {}, "Enter, " + KeyTextOf(ShowValue), text::DoesShowValue},
       {kSame, {}, "Esc", text::DoesStop},
   };
 }

@@ -1,38 +1,28 @@
-// MainWindow: the desktop application around the query designer.
+// MainWindow: the desktop application around the query designer: open queries in tabs, menus, tool bar, start page.
+//
+// What belongs to one query is in `QueryTab`; the window shows the current one and gives it its commands.
 #pragma once
 
 #include <QLabel>
 #include <QMainWindow>
-#include <QSplitter>
+#include <QStackedWidget>
+#include <QTabWidget>
 #include <QTimer>
-#include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "designer/command_actions.h"
-#include "designer/connection_flow.h"
-#include "designer/preview_pane.h"
+#include "designer/print_window.h"
 #include "designer/query_document.h"
 #include "designer/query_options_bar.h"
-#include "designer/query_preview.h"
-#include "designer/recovery.h"
+#include "designer/query_tab.h"
+#include "designer/recent_connections.h"
 #include "designer/schema_tree.h"
 #include "designer/start_page.h"
-#include "zrqrybld/adapters/qt/query_designer_widget.h"
-#include "zrqrybld/base/event.h"
+#include "designer/zoom_box.h"
 #include "zrqrybld/base/phrase.h"
-#include "zrqrybld/platform/provider.h"
 
 namespace zrqrybld {
-
-class ConnectionFlow;
-class PreviewPane;
-class ProviderConnection;
-class QueryDesignerWidget;
-class QueryDocument;
-class QueryOptionsBar;
-class QueryPreview;
 
 class MainWindow : public QMainWindow {
   Q_OBJECT
@@ -44,30 +34,37 @@ class MainWindow : public QMainWindow {
   ~MainWindow() override;
 
   /// Why the language file could not be read; empty on success.
-  const QString& LanguageFailure() const { return languageFailure_; }
+  const QString& LanguageFailure() const { return Tab().LanguageFailure(); }
+
+  /// The query that is shown.
+  QueryTab& Tab() const;
+  /// How many queries are open.
+  int TabCount() const { return tabs_->count(); }
+  /// Opens an empty query on the source of the one that is shown, and shows it.
+  QueryTab& OpenTab();
+  /// Opens a query file: in its tab when it is open, in the place of a query with which nothing was done, otherwise in
+  /// a tab of its own. Failures are messages.
+  void OpenQuery(const QString& file);
 
   /// Opens a data source and forgets the query designed so far. Returns an error message, empty on success;
   /// the query stays when the source cannot be opened.
-  QString OpenConnection(const std::string& connectionString);
-
-  /// The query as a file.
-  QueryDocument& Document() { return *document_; }
-
+  QString OpenConnection(const std::string& connectionString) { return Tab().Connect(connectionString, false); }
   /// Opens a SQLite database, as above.
   QString OpenDatabase(const QString& file);
 
+  /// The query as a file.
+  QueryDocument& Document() { return Tab().Document(); }
+  /// The pane with the query's rows.
+  PreviewPane& Preview() { return Tab().Rows(); }
+
   /// Adds tables and draws their joins. Returns messages about those that could not be added.
   QStringList AddTables(const QStringList& names);
-
   /// Ticks a column, given as TABLE.COLUMN. Returns an error message, empty on success.
   QString TickColumn(const QString& name);
-
   /// Makes the query that of the statement in a file. Returns an error message, empty on success.
   QString ParseFile(const QString& file);
-
   /// Chooses a dialect that exists.
-  void SetSyntax(const QString& name);
-
+  void SetSyntax(const QString& name) { options_->ChooseDialect(name); }
   /// The statement, with line feeds.
   QString Statement() const;
 
@@ -80,11 +77,8 @@ class MainWindow : public QMainWindow {
   /// Begins to work for a user: takes the window's last layout, and keeps unsaved work from now on. A window that does
   /// the work of a script remembers nothing.
   void BeginSession();
-  /// Offers work that an earlier designer has lost. Whether it is now the query of this one.
+  /// Offers work that earlier designers have lost. Whether it is now open here.
   bool OfferLostWork();
-
-  /// The pane with the query's rows; hidden until they are asked for.
-  PreviewPane& Preview() { return *preview_; }
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -92,57 +86,70 @@ class MainWindow : public QMainWindow {
   void dropEvent(QDropEvent* event) override;
 
  private:
-  QString LoadLanguage(const QString& file);
-  void MakeDocument();
+  // Open queries
+  QueryTab& AddTab();
+  void CloseTab(int index);
+  void RemoveTab(QueryTab& tab);
+  void StepTab(int direction);
+  void ShowTab();
+  QueryTab& TabAt(int index) const;
+  QString NameOf(const QueryTab& tab) const;
+
+  // Menus and tool bar
+  void AddTo(QMenu& menu, Command command, std::function<void()> run);
+  void AddSwitch(QMenu& menu, Command command, std::function<void()> run);
   void MakeMenus();
-  void MakeEditMenu();
+  void MakeFileMenu(QMenu& file);
+  void MakeEditMenu(QMenu& edit);
+  void MakeQueryMenu(QMenu& query);
+  void MakeSqlMenu(QMenu& sql);
   void MakeViewMenu(QMenu& view);
+  void MakeZoomMenu(QMenu& view);
+  void MakePaneMenu(QMenu& view);
   void MakeThemeMenu(QMenu& menu);
   void MakeToolBar();
   void MakeStartPage();
   QList<RecentEntry> RecentEntries();
-  void OpenRecent(const RecentConnection& recent);
+  void FillRecentQueries(QMenu& menu);
+  void FillRecentConnections(QMenu& menu);
+
+  // Sources and files
   void AskForDatabase();
   void AskForConnection();
-  void FillRecentConnections(QMenu& menu);
-  QString ConnectTo(const std::shared_ptr<ProviderConnection>& connection, bool mayAsk);
-  QString Connect(const std::string& connectionString, bool mayAsk);
-  void UseConnection(const std::shared_ptr<ProviderConnection>& connection);
+  void OpenRecent(const RecentConnection& recent);
   void OpenDropped(const QString& file);
-  void UpdateTitle();
-  void RunPreview();
-  void ShowAbout();
-  void ShowKeys();
-  bool Recover(Recovery::Lost& lost);
-  void OfferToPutAside(Recovery::Lost& lost, const QString& reason);
-  /// Says in the status line what has happened last.
-  void ShowHappened(const QString& text);
+
+  // The query that is shown
   void PickTables();
   void AskForParameters();
+  void AskForLimit();
+  void Print(PrintWindow::Target target);
+  void ShowAbout();
+  void ShowKeys();
+  void ShowSource();
+  void ShowHappened(const QString& text);
+  void UpdateTitle();
   void UpdateState();
   void UpdateHistory();
-  /// Runs a command; an error becomes its message.
-  QString Guarded(const std::function<void()>& command) const;
+  void ShowStep();
+  void UpdateQuery();
 
-  QSplitter* panes_;
-  QueryDesignerWidget* designer_;
+  QString languageFile_;
+  int made_ = 0;  // how many queries were opened so far
+  QTabWidget* tabs_;
   std::shared_ptr<const TextSource> texts_;
   CommandActions commands_;
-  QString languageFailure_;
-  PreviewPane* preview_;
   SchemaTree* tree_;
-  std::unique_ptr<ConnectionFlow> flow_;
-  std::unique_ptr<QueryDocument> document_;
-  std::unique_ptr<QueryPreview> query_;
-  std::unique_ptr<Recovery> recovery_;  // while the designer works for a user
-  QString sourceName_;
+  QStackedWidget* pages_;
   QueryOptionsBar* options_ = nullptr;
+  ZoomBox* zoom_ = nullptr;
   StartPage* start_ = nullptr;
-  bool startPassed_ = false;
+  QAction* showRows_ = nullptr;
+  QLabel* source_;
   QTimer modifiedSoon_;
-  QLabel* source_ = nullptr;
-  QAction* showPreview_ = nullptr;
-  std::vector<EventConnection> links_;
+  bool inSession_ = false;  // the designer works for a user
+  bool startPassed_ = false;
+  bool connectSaved_ = false;
 };
 
 }  // namespace zrqrybld

@@ -1,29 +1,23 @@
 #include "designer/preview_pane.h"
 
 #include <QAccessible>
-#include <QAction>
-#include <QClipboard>
-#include <QContextMenuEvent>
 #include <QEvent>
-#include <QGuiApplication>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QLocale>
-#include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QSettings>
-#include <QShortcut>
-#include <QTableView>
 #include <QToolButton>
 #include <QVBoxLayout>
-#include <algorithm>
 #include <utility>
 
+#include "designer/export_window.h"
 #include "designer/result_model.h"
+#include "designer/result_table.h"
 #include "zrqrybld/adapters/qt/mark.h"
+#include "zrqrybld/adapters/qt/plain_tip.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
 #include "zrqrybld/adapters/qt/say.h"
 #include "zrqrybld/adapters/qt/shortcuts.h"
@@ -35,16 +29,16 @@ namespace zrqrybld {
 namespace {
 
 constexpr int kSpacing = 8;
-constexpr auto kFormulasAsTextKey = "preview/formulasAsText";
 constexpr int kMessageLines = 3;
-constexpr int kWidestColumn = 32;  // in average characters
-constexpr int kRowAir = 6;         // pixels around a row's text
-constexpr int kRowsMeasured = 100;
+constexpr int kFilterWidth = 20;   // in average characters
+constexpr int kFilterDelay = 150;  // milliseconds: there may be many rows
 
 QString Duration(qint64 milliseconds) {
   if (milliseconds < 1000) return QStringLiteral("%1 ms").arg(milliseconds);
   return QStringLiteral("%1 s").arg(QLocale::c().toString(static_cast<double>(milliseconds) / 1000, 'f', 1));
 }
+
+QString Number(std::size_t number) { return QLocale::c().toString(static_cast<qulonglong>(number)); }
 
 }  // namespace
 
@@ -52,7 +46,7 @@ PreviewPane::PreviewPane(std::shared_ptr<const TextSource> texts, QWidget* paren
     : QWidget(parent),
       texts_(std::move(texts)),
       model_(new ResultModel(this)),
-      table_(new QTableView),
+      table_(new ResultTable(*model_, *texts_)),
       empty_(new QLabel),
       failure_(new QWidget) {
   auto* layout = new QVBoxLayout(this);
@@ -76,6 +70,9 @@ PreviewPane::PreviewPane(std::shared_ptr<const TextSource> texts, QWidget* paren
   cure_ = new QPushButton;
   connect(cure_, &QPushButton::clicked, this, &PreviewPane::CureWanted);
   line->addWidget(cure_, 0, Qt::AlignTop);
+  place_ = new QPushButton(Say(*texts_, text::GoToError));
+  connect(place_, &QPushButton::clicked, this, &PreviewPane::PlaceWanted);
+  line->addWidget(place_, 0, Qt::AlignTop);
   failure_->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
   layout->addWidget(failure_);
   failure_->hide();
@@ -84,22 +81,20 @@ PreviewPane::PreviewPane(std::shared_ptr<const TextSource> texts, QWidget* paren
   empty_->setAlignment(Qt::AlignCenter);
   empty_->setWordWrap(true);
   layout->addWidget(empty_, 1);
-  MakeTable();
   layout->addWidget(table_, 1);
-  table_->hide();
+  connect(table_, &ResultTable::AllWanted, this, &PreviewPane::FetchAll);
+  connect(table_, &ResultTable::ExportWanted, this, &PreviewPane::Export);
+  connect(table_, &ResultTable::StopWanted, this, &PreviewPane::Stop);
+  connect(table_, &ResultTable::FilterWanted, this, [this] {
+    filter_->setFocus(Qt::ShortcutFocusReason);
+    filter_->selectAll();
+  });
+  ShowTable(false);
   layout->addStretch();  // keeps a message at the top while it stands alone
 
-  model_->SetWant([this] {
-    if (!job_) return;
-    job_->FetchMore();
-    SetRunning(true);
-  });
-  for (const auto& [key, direction] :
-       {std::pair(QKeySequence(Qt::Key_F6), 1), {QKeySequence(Qt::SHIFT | Qt::Key_F6), -1}}) {
-    auto* leave = new QShortcut(key, this);
-    leave->setContext(Qt::WidgetWithChildrenShortcut);
-    connect(leave, &QShortcut::activated, this, [this, step = direction] { Q_EMIT LeaveWanted(step); });
-  }
+  model_->SetWant([this] { FetchMore(); });
+  model_->SetHeaderTip(Say(*texts_, text::SortTip));
+  connect(model_, &QAbstractItemModel::layoutChanged, this, &PreviewPane::ShowSummary);
   tick_.setInterval(100);
   connect(&tick_, &QTimer::timeout, this, &PreviewPane::ShowSummary);
   SetRunning(false);
@@ -129,6 +124,24 @@ QWidget* PreviewPane::MakeBar() {
   connect(stop_, &QToolButton::clicked, this, &PreviewPane::Stop);
   connect(close, &QToolButton::clicked, this, &PreviewPane::CloseWanted);
 
+  more_ = button(Say(*texts_, text::FetchMoreButton), Say(*texts_, text::FetchMoreTip, Number(PreviewJob::kBlockRows)));
+  all_ = button(Say(*texts_, text::FetchAllButton), Say(*texts_, text::FetchAllTip));
+  export_ = button(Say(*texts_, text::ExportButton), Say(*texts_, text::ExportTip, KeyTextOf(Command::ExportRows)));
+  connect(more_, &QToolButton::clicked, this, &PreviewPane::FetchMore);
+  connect(all_, &QToolButton::clicked, this, &PreviewPane::FetchAll);
+  connect(export_, &QToolButton::clicked, this, &PreviewPane::Export);
+  filter_ = new QLineEdit;
+  filter_->setPlaceholderText(Say(*texts_, text::KeysFilter));
+  filter_->setAccessibleName(Say(*texts_, text::FilterRowsItem).remove(QLatin1Char('&')));
+  filter_->setToolTip(Say(*texts_, text::FilterTip, KeyTextOf(Command::FilterRows)));
+  filter_->setClearButtonEnabled(true);
+  filter_->setMaximumWidth(fontMetrics().averageCharWidth() * kFilterWidth);
+  filter_->installEventFilter(this);
+  filterSoon_.setSingleShot(true);
+  filterSoon_.setInterval(kFilterDelay);
+  connect(filter_, &QLineEdit::textChanged, &filterSoon_, qOverload<>(&QTimer::start));
+  connect(&filterSoon_, &QTimer::timeout, this, [this] { model_->SetFilter(filter_->text()); });
+
   auto* bar = new QWidget;
   auto* layout = new QHBoxLayout(bar);
   layout->setContentsMargins(kSpacing / 2, 2, kSpacing / 2, 2);
@@ -137,26 +150,11 @@ QWidget* PreviewPane::MakeBar() {
   layout->addWidget(stop_);
   layout->addSpacing(kSpacing / 2);
   layout->addWidget(summary_, 1);
-  layout->addWidget(close);
+  for (QWidget* way : {static_cast<QWidget*>(more_), static_cast<QWidget*>(all_), static_cast<QWidget*>(filter_),
+                       static_cast<QWidget*>(export_), static_cast<QWidget*>(close)}) {
+    layout->addWidget(way);
+  }
   return bar;
-}
-
-void PreviewPane::MakeTable() {
-  table_->setModel(model_);
-  table_->setAccessibleName(Say(*texts_, text::PreviewName));
-  table_->setFrameShape(QFrame::NoFrame);
-  table_->setWordWrap(false);
-  table_->setTextElideMode(Qt::ElideRight);
-  table_->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
-  table_->setSelectionMode(QAbstractItemView::ExtendedSelection);
-  table_->setTabKeyNavigation(false);
-  table_->setCornerButtonEnabled(true);
-  table_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-  table_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kRowAir);
-  table_->horizontalHeader()->setHighlightSections(false);
-  table_->setContextMenuPolicy(Qt::CustomContextMenu);
-  connect(table_, &QWidget::customContextMenuRequested, this, &PreviewPane::ShowMenu);
-  table_->installEventFilter(this);
 }
 
 // --- Running ---
@@ -170,7 +168,8 @@ void PreviewPane::Run(PreviewJob::Open open, std::string sql, const Dialect& dia
 }
 
 void PreviewPane::Stop() {
-  if (!job_ || (!running_ && !model_->HasMore())) return;
+  if (!job_ || !running_) return;
+  if (std::exchange(fetchingAll_, false)) return ShowSummary();  // the block under way comes yet
   job_.reset();
   if (model_->RowsHeld() == 0) took_ = clock_.elapsed();
   ended_ = Say(*texts_, text::Stopped);
@@ -179,17 +178,38 @@ void PreviewPane::Stop() {
   Q_EMIT Finished(Summary());
 }
 
+void PreviewPane::FetchMore() {
+  if (!job_ || !model_->HasMore() || running_) return;
+  job_->FetchMore();
+  SetRunning(true);
+}
+
+void PreviewPane::FetchAll() {
+  if (!job_ || !model_->HasMore()) return;
+  fetchingAll_ = true;
+  FetchMore();
+}
+
 void PreviewPane::Clear() {
   job_.reset();
+  fetchingAll_ = false;
+  filter_->clear();
+  table_->ForgetOrder();
   model_->Begin({});
   took_ = 0;
   ended_.clear();
   stale_ = false;
-  message_->clear();
-  failure_->hide();
-  table_->hide();
+  DropFailure();
+  ShowTable(false);
   empty_->show();
   SetRunning(false);
+}
+
+void PreviewPane::DropFailure() {
+  message_->clear();
+  failure_->hide();
+  if (table_->isHidden()) empty_->show();
+  ShowSummary();
 }
 
 void PreviewPane::ShowFailure(const QString& message) {
@@ -197,9 +217,10 @@ void PreviewPane::ShowFailure(const QString& message) {
   Fail(message);
 }
 
-void PreviewPane::TakeFocus() {
-  QWidget* const target = table_->isHidden() ? static_cast<QWidget*>(run_) : table_;
-  target->setFocus(Qt::ShortcutFocusReason);
+// Where there are no rows the keyboard goes to what brings them.
+void PreviewPane::ShowTable(bool shown) {
+  table_->setVisible(shown);
+  setFocusProxy(shown ? static_cast<QWidget*>(table_) : run_);
 }
 
 void PreviewPane::MarkStale() {
@@ -214,7 +235,7 @@ void PreviewPane::Receive(PreviewNews news) {
       model_->Begin(news.columns);
       took_ = clock_.elapsed();
       empty_->hide();
-      table_->show();
+      ShowTable(true);
       break;
     case PreviewNews::Kind::Rows:
       ShowRows(news);
@@ -237,13 +258,19 @@ void PreviewPane::ShowRows(PreviewNews& news) {
   model_->Append(std::move(news.rows), news.more);
   if (first) {
     took_ = clock_.elapsed();
-    FitColumns();
+    table_->BeginRows();
   }
   if (news.failing) return;
   if (model_->IsFull() || news.cutOff) {
     ended_ = Say(*texts_, text::HoldsNoMore);
     model_->End();
   }
+  if (fetchingAll_ && model_->HasMore()) {
+    job_->FetchMore();
+    return ShowSummary();
+  }
+  fetchingAll_ = false;
+  model_->SortAnew();
   if (!model_->HasMore()) job_.reset();  // the source is let go
   SetRunning(false);
   Q_EMIT Finished(Summary());
@@ -251,9 +278,11 @@ void PreviewPane::ShowRows(PreviewNews& news) {
 
 void PreviewPane::Fail(const QString& message) {
   job_.reset();
+  fetchingAll_ = false;
   message_->setPlainText(message.trimmed());
   mark_->Show(Mark::Kind::Error);
   cure_->hide();
+  place_->hide();
   failure_->show();
   if (table_->isHidden()) empty_->hide();
   ended_ = model_->RowsHeld() > 0 ? Say(*texts_, text::ThenFailed) : QString();
@@ -268,6 +297,8 @@ void PreviewPane::OfferCure(const QString& text) {
   cure_->setText(text);
   cure_->show();
 }
+
+void PreviewPane::OfferPlace() { place_->show(); }
 
 void PreviewPane::SetRunning(bool running) {
   running_ = running;
@@ -289,14 +320,40 @@ QString PreviewPane::Failure() const { return failure_->isHidden() ? QString() :
 QString PreviewPane::RowsText() const {
   if (model_->RowsHeld() == 0 && !ended_.isEmpty()) return Say(*texts_, text::StoppedAfter, Duration(took_));
   if (table_->isHidden()) return {};
-  const auto count = static_cast<qlonglong>(model_->RowsHeld());
-  const QString rows = count == 0   ? Say(*texts_, text::NoRows)
-                       : count == 1 ? Say(*texts_, text::OneRow)
-                                    : Say(*texts_, text::RowCountText, QLocale::c().toString(count));
+  const std::size_t count = model_->RowsHeld();
+  const QString rows = model_->HasMore() ? Say(*texts_, text::FetchedSoFar, Number(count))
+                       : count == 0      ? Say(*texts_, text::NoRows)
+                       : count == 1      ? Say(*texts_, text::OneRow)
+                                         : Say(*texts_, text::RowCountText, Number(count));
   QString said = Say(*texts_, text::RowsIn, rows, Duration(took_));
-  if (model_->HasMore() && !running_) said += Say(*texts_, text::MoreWhileScrolling);
   if (!ended_.isEmpty()) said += "; " + ended_;
+  said += OrderText();
   return stale_ ? Say(*texts_, text::StatementChanged, said) : said;
+}
+
+// What was done here with the rows, which is not the query's doing.
+QString PreviewPane::OrderText() const {
+  QString said;
+  if (!model_->Filter().isEmpty()) {
+    said += "; " + Say(*texts_, text::ShownOf, Number(static_cast<std::size_t>(model_->rowCount())),
+                       Number(model_->RowsHeld()));
+  }
+  if (model_->SortedBy() >= 0) {
+    said += "; " + Say(*texts_, model_->HasMore() ? text::SortedFetchedBy : text::SortedBy,
+                       model_->NameOf(model_->SortedBy()));
+  }
+  return said;
+}
+
+// What can be done with the rows as they are.
+void PreviewPane::ShowWays() {
+  const bool further = job_ && model_->HasMore();
+  more_->setVisible(further);
+  all_->setVisible(further);
+  more_->setEnabled(!running_);
+  all_->setEnabled(!fetchingAll_);
+  filter_->setVisible(model_->RowsHeld() > 0);
+  export_->setVisible(model_->RowsHeld() > 0);
 }
 
 void PreviewPane::ShowSummary() {
@@ -309,55 +366,24 @@ void PreviewPane::ShowSummary() {
   } else {
     summary_->setText(RowsText());
   }
+  summary_->setToolTip(PlainTip(summary_->text()));  // a narrow window cuts it off
+  ShowWays();
 }
 
-void PreviewPane::FitColumns() {
-  table_->horizontalHeader()->setResizeContentsPrecision(kRowsMeasured);
-  table_->resizeColumnsToContents();
-  const int widest = fontMetrics().averageCharWidth() * kWidestColumn;
-  for (int column = 0; column < model_->columnCount(); ++column) {
-    table_->setColumnWidth(column, std::min(table_->columnWidth(column) + kSpacing, widest));
-  }
-}
-
-// --- Copying ---
-
-void PreviewPane::Copy(bool withNames) {
+void PreviewPane::Export() {
+  if (model_->RowsHeld() == 0) return;
   const QItemSelection selection = table_->selectionModel()->selection();
-  const bool formulasAsText = QSettings().value(kFormulasAsTextKey, true).toBool();
-  if (selection.isEmpty()) return;
-  QGuiApplication::clipboard()->setText(model_->SelectedText(selection, withNames, formulasAsText));
-}
-
-void PreviewPane::ShowMenu(const QPoint& place) {
-  QMenu menu;
-  const bool any = table_->selectionModel()->hasSelection();
-  menu.addAction(Say(*texts_, text::CopyItem), QKeySequence::Copy, this, [this] { Copy(false); })->setEnabled(any);
-  menu.addAction(Say(*texts_, text::CopyWithNames), ShortcutOf(Command::CopyValuesWithNames), this,
-                 [this] { Copy(true); })
-      ->setEnabled(any);
-  QAction* formulas = menu.addAction(Say(*texts_, text::CopyFormulas), this,
-                                     [](bool asText) { QSettings().setValue(kFormulasAsTextKey, asText); });
-  formulas->setCheckable(true);
-  formulas->setChecked(QSettings().value(kFormulasAsTextKey, true).toBool());
-  menu.addAction(Say(*texts_, text::SelectAllItem), QKeySequence::SelectAll, table_, &QTableView::selectAll)
-      ->setEnabled(model_->RowsHeld() > 0);
-  menu.exec(table_->viewport()->mapToGlobal(place));
+  ExportWindow dialog(*model_, selection, *texts_, window());
+  if (dialog.exec() == QDialog::Accepted) Q_EMIT Finished(dialog.Done());
 }
 
 bool PreviewPane::eventFilter(QObject* watched, QEvent* event) {
-  if (watched != table_ || event->type() != QEvent::KeyPress) return QWidget::eventFilter(watched, event);
-  const auto* key = static_cast<QKeyEvent*>(event);
-  const bool shifted = key->modifiers() == (Qt::ControlModifier | Qt::ShiftModifier);
-  if (key->matches(QKeySequence::Copy) || (shifted && key->key() == Qt::Key_C)) {
-    Copy(shifted);
-    return true;
-  }
-  if (key->key() == Qt::Key_Escape && running_) {
-    Stop();
-    return true;
-  }
-  return QWidget::eventFilter(watched, event);
+  if (watched != filter_ || event->type() != QEvent::KeyPress) return QWidget::eventFilter(watched, event);
+  const int key = static_cast<const QKeyEvent*>(event)->key();
+  if (key != Qt::Key_Down && key != Qt::Key_Escape) return QWidget::eventFilter(watched, event);
+  if (key == Qt::Key_Escape) filter_->clear();
+  table_->setFocus(Qt::OtherFocusReason);
+  return true;
 }
 
 // --- Looks ---

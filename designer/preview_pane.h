@@ -14,15 +14,16 @@
 #include "zrqrybld/base/phrase.h"
 
 class QLabel;
+class QLineEdit;
 class QPlainTextEdit;
 class QPushButton;
-class QTableView;
 class QToolButton;
 
 namespace zrqrybld {
 
 class Mark;
 class ResultModel;
+class ResultTable;
 
 class PreviewPane : public QWidget {
   Q_OBJECT
@@ -33,22 +34,31 @@ class PreviewPane : public QWidget {
 
   /// Runs a statement in the place of the one before, which is stopped. Returns at once.
   void Run(PreviewJob::Open open, std::string sql, const Dialect& dialect);
-  /// Ends what runs, or what has further rows; the rows read so far stay. Returns at once.
+  /// Ends what runs; the rows read so far stay. While all rows are fetched it ends that first: the source stays open
+  /// for further ones. Returns at once.
   void Stop();
+  /// Fetches rows until there are none, or no more are held.
+  void FetchAll();
+  /// Asks how the rows are to be written, and writes them.
+  void Export();
   /// Shows nothing any more, and ends what runs.
   void Clear();
   /// Shows why a statement is not run at all.
   void ShowFailure(const QString& message);
+  /// What was said of an earlier failure does not count any more.
+  void DropFailure();
   /// Gives the keyboard to the rows, or to what brings them.
-  void TakeFocus();
+  void TakeFocus() { setFocus(Qt::ShortcutFocusReason); }
   /// Offers a way out of the failure that is shown, as a button; `CureWanted` is the answer.
   void OfferCure(const QString& text);
+  /// Offers to go to the place of the failure, as a button; `PlaceWanted` is the answer.
+  void OfferPlace();
   /// The statement is another now: the rows are still shown, but not as its rows.
   void MarkStale();
 
   bool IsRunning() const { return running_; }
   const ResultModel& Rows() const { return *model_; }
-  QTableView& Table() const { return *table_; }
+  ResultTable& Table() const { return *table_; }
   /// What is said above the rows.
   QString Summary() const;
   /// Why there are no rows; "" when nothing has failed.
@@ -69,8 +79,8 @@ class PreviewPane : public QWidget {
   void RunWanted();
   /// The user does not want to see the pane.
   void CloseWanted();
-  /// The keyboard is to go to the next pane (1) or to the one before (-1).
-  void LeaveWanted(int direction);
+  /// The user wants to see the place in the statement that was refused.
+  void PlaceWanted();
 
  protected:
   void changeEvent(QEvent* event) override;
@@ -78,35 +88,42 @@ class PreviewPane : public QWidget {
 
  private:
   QWidget* MakeBar();
-  void MakeTable();
   void Receive(PreviewNews news);
   void ShowRows(PreviewNews& news);
   void Fail(const QString& message);
   void SetRunning(bool running);
   void ShowSummary();
   QString RowsText() const;
-  void FitColumns();
-  void Copy(bool withNames);
-  void ShowMenu(const QPoint& place);
+  QString OrderText() const;
+  void ShowWays();
+  void ShowTable(bool shown);
+  void FetchMore();
   void ApplyColors();
 
   std::shared_ptr<const TextSource> texts_;
   std::unique_ptr<PreviewJob> job_;
   ResultModel* model_;
-  QTableView* table_;
+  ResultTable* table_;
   QLabel* empty_;
   QWidget* failure_;
   Mark* mark_;
   QPlainTextEdit* message_;
   QPushButton* cure_;
+  QPushButton* place_;
   QLabel* summary_ = nullptr;
   QToolButton* run_;
   QToolButton* stop_;
+  QToolButton* more_;
+  QToolButton* all_;
+  QToolButton* export_;
+  QLineEdit* filter_;
+  QTimer filterSoon_;
   QTimer tick_;  // while something runs
   QElapsedTimer clock_;
   qint64 took_ = 0;  // milliseconds to the first rows
   QString ended_;    // how it ended, when not by its last row
   bool running_ = false;
+  bool fetchingAll_ = false;
   bool stale_ = false;
 };
 

@@ -4,7 +4,6 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSettings>
@@ -14,7 +13,6 @@
 #include "designer/recent_connections.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
 #include "zrqrybld/adapters/qt/say.h"
-#include "zrqrybld/adapters/qt/shortcuts.h"
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/file.h"
 #include "zrqrybld/base/texts_designer.h"
@@ -49,15 +47,6 @@ bool QueryDocument::IsQueryFile(const QString& file) {
 }
 
 QString QueryDocument::Name() const { return QFileInfo(file_).fileName(); }
-
-void QueryDocument::FillMenu(QMenu& menu, CommandActions& commands) {
-  menu.addAction(commands.Add(Command::NewQuery, [this] { New(); }));
-  menu.addAction(commands.Add(Command::OpenQuery, [this] { AskAndOpen(); }));
-  QMenu* recent = menu.addMenu(Say(*texts_, text::OpenRecentMenu));
-  QObject::connect(recent, &QMenu::aboutToShow, parent_, [this, recent] { FillRecent(*recent); });
-  menu.addAction(commands.Add(Command::SaveQuery, [this] { Save(); }));
-  menu.addAction(commands.Add(Command::SaveQueryAs, [this] { AskAndSave(); }));
-}
 
 // --- What is on the screen ---
 
@@ -170,20 +159,9 @@ QString QueryDocument::Recover(const KeptWork& work, const std::shared_ptr<Provi
 
 // --- Opening ---
 
-void QueryDocument::New() {
-  if (MaySetAside()) Reset();
-}
-
-void QueryDocument::AskAndOpen(const QString& file) {
-  if (!MaySetAside()) return;
-  const QString chosen = file.isEmpty() ? QFileDialog::getOpenFileName(parent_, Say(*texts_, text::OpenQueryCaption),
-                                                                       QFileInfo(file_).path(), FileFilter(*texts_))
-                                        : file;
-  if (chosen.isEmpty()) return;
-  QString remark;
-  const QString error = Open(chosen, &remark);
-  if (!error.isEmpty()) ShowPlain(parent_, QMessageBox::Critical, error);
-  if (!remark.isEmpty()) ShowPlain(parent_, QMessageBox::Information, remark);
+QString QueryDocument::AskForFile() const {
+  return QFileDialog::getOpenFileName(parent_, Say(*texts_, text::OpenQueryCaption), QFileInfo(file_).path(),
+                                      FileFilter(*texts_));
 }
 
 // The connection in use serves where the saved one cannot be opened: files move between machines, databases do not.
@@ -325,14 +303,6 @@ QStringList QueryDocument::RecentFiles() {
   QStringList files = QSettings().value(kRecentKey).toStringList();
   files.removeIf([](const QString& file) { return !QFileInfo::exists(file); });
   return files;
-}
-
-void QueryDocument::FillRecent(QMenu& menu) {
-  menu.clear();
-  for (const QString& file : RecentFiles()) {
-    menu.addAction(QDir::toNativeSeparators(file).replace("&", "&&"), parent_, [this, file] { AskAndOpen(file); });
-  }
-  if (menu.isEmpty()) menu.addAction(Say(*texts_, text::NoRecentQueries))->setEnabled(false);
 }
 
 }  // namespace zrqrybld

@@ -13,12 +13,10 @@
 #include <optional>
 #include <string>
 
-#include "designer/command_actions.h"
 #include "designer/recovery.h"
 #include "zrqrybld/base/phrase.h"
 #include "zrqrybld/platform/provider.h"
 
-class QMenu;
 class QWidget;
 
 namespace zrqrybld {
@@ -43,9 +41,6 @@ class QueryDocument {
 
   /// Both must outlive the document.
   QueryDocument(QWidget* parent, qbQueryBuilder& hub, Window window);
-
-  /// Adds the commands to the menu.
-  void FillMenu(QMenu& menu, CommandActions& commands);
 
   /// The file's name without its folder; "" for a query that was never saved.
   QString Name() const;
@@ -72,8 +67,19 @@ class QueryDocument {
   /// the caller's to bring back.
   QString Recover(const KeptWork& work, const std::shared_ptr<ProviderConnection>& connection);
 
-  /// Opens a file, or the one that the user chooses, with the question about unsaved changes.
-  void AskAndOpen(const QString& file = {});
+  /// The file itself; empty for a query that was never saved.
+  const QString& File() const { return file_; }
+
+  /// Empties the designer, with the question about unsaved changes.
+  void New() {
+    if (MaySetAside()) Reset();
+  }
+  /// Saves the query, under the name that the user chooses when it has none. Whether it is saved.
+  bool Save();
+  /// Saves the query under a name that the user chooses. Whether it is saved.
+  bool AskAndSave();
+  /// The file that the user chooses to open; empty for none.
+  QString AskForFile() const;
 
   /// The files that were opened or saved last and are there, the newest first.
   static QStringList RecentFiles();
@@ -81,18 +87,14 @@ class QueryDocument {
   static bool IsQueryFile(const QString& file);
 
  private:
-  void New();
   std::shared_ptr<ProviderConnection> TryConnection(const std::string& connectionString, QString* remark);
-  bool Save();
   QMessageBox::StandardButton AskAboutWritingOver();
   QString PassedOver() const;
-  bool AskAndSave();
   void AskAboutPassword();
   void Load(const std::string& text);
   std::string Text() const;
   void Clear();
   void Remember(const QString& file);
-  void FillRecent(QMenu& menu);
 
   QWidget* parent_;
   qbQueryBuilder& hub_;

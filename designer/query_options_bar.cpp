@@ -19,12 +19,13 @@ namespace zrqrybld {
 namespace {
 
 constexpr int kLimitDigits = 8;  // room for as many
+constexpr auto kLimit = "\\d{0,9}|(100|\\d{1,2})\\s?%";
 
 }  // namespace
 
 QueryOptionsBar::QueryOptionsBar(qbQueryBuilder& hub, QWidget* parent)
     : QToolBar(Say(*hub.Texts(), text::QueryToolBar), parent),
-      hub_(hub),
+      hub_(&hub),
       dialect_(new QComboBox(this)),
       limit_(new QLineEdit(this)),
       skip_(new QSpinBox(this)),
@@ -49,7 +50,7 @@ QueryOptionsBar::QueryOptionsBar(qbQueryBuilder& hub, QWidget* parent)
   limit_->setAccessibleName(Say(texts, text::RowLimitName));
   limit_->setPlaceholderText(Say(texts, text::RowsAll));
   limit_->setToolTip(Say(texts, text::RowLimitTip));
-  limit_->setValidator(new QRegularExpressionValidator(QRegularExpression("\\d{0,9}|(100|\\d{1,2})\\s?%"), limit_));
+  limit_->setValidator(new QRegularExpressionValidator(QRegularExpression(kLimit), limit_));
   limit_->setMaximumWidth(limit_->fontMetrics().averageCharWidth() * kLimitDigits + 24);
   label(Say(texts, text::RowsLabel), limit_);
   addWidget(limit_);
@@ -73,17 +74,23 @@ QueryOptionsBar::QueryOptionsBar(qbQueryBuilder& hub, QWidget* parent)
 
   connect(dialect_, &QComboBox::currentIndexChanged, this, [this](int index) {
     Change([this, index] {
-      const StepScope step(hub_.Hub(), kStepDialect);
-      hub_.SQLPane()->SetSQLSyntax(static_cast<SQLSyntaxEnum>(dialect_->itemData(index).toInt()));
-      hub_.QueryChanged();
+      const StepScope step(hub_->Hub(), kStepDialect);
+      hub_->SQLPane()->SetSQLSyntax(static_cast<SQLSyntaxEnum>(dialect_->itemData(index).toInt()));
+      hub_->QueryChanged();
     });
     Q_EMIT DialectChosen();
   });
   connect(limit_, &QLineEdit::editingFinished, this, &QueryOptionsBar::TakeLimit);
   connect(skip_, &QSpinBox::valueChanged, this,
-          [this](int rows) { Change([this, rows] { hub_.SetSkipRecords(rows); }); });
+          [this](int rows) { Change([this, rows] { hub_->SetSkipRecords(rows); }); });
   connect(distinct_, &QCheckBox::toggled, this,
-          [this](bool on) { Change([this, on] { hub_.SetDistinctRecords(on); }); });
+          [this](bool on) { Change([this, on] { hub_->SetDistinctRecords(on); }); });
+  Refresh();
+}
+
+void QueryOptionsBar::Follow(qbQueryBuilder& hub) {
+  hub_ = &hub;
+  limit_->setModified(false);  // what was typed was meant for the other one
   Refresh();
 }
 
@@ -98,16 +105,20 @@ void QueryOptionsBar::AddCommands(const CommandActions& commands, std::span<cons
   }
 }
 
+bool QueryOptionsBar::IsLimit(const QString& text) {
+  return QRegularExpression(QRegularExpression::anchoredPattern(kLimit)).match(text).hasMatch();
+}
+
 void QueryOptionsBar::TakeLimit() {
   const std::string text = ToUtf8(limit_->text());
-  if (text != hub_.SelectTopRecords()) Change([&] { hub_.SetSelectTopRecords(text); });
+  if (text != hub_->SelectTopRecords()) Change([&] { hub_->SetSelectTopRecords(text); });
 }
 
 void QueryOptionsBar::Change(const std::function<void()>& change) {
   try {
     change();
   } catch (const std::exception& error) {
-    Q_EMIT Failed(Say(*hub_.Texts(), error));
+    Q_EMIT Failed(Say(*hub_->Texts(), error));
   }
   Refresh();
 }
@@ -116,12 +127,12 @@ void QueryOptionsBar::Refresh() {
   const QSignalBlocker dialectQuiet(dialect_);
   const QSignalBlocker skipQuiet(skip_);
   const QSignalBlocker distinctQuiet(distinct_);
-  dialect_->setCurrentIndex(dialect_->findData(static_cast<int>(hub_.SQLPane()->SQLSyntax())));
-  const QString limit = ToQString(hub_.SelectTopRecords());
+  dialect_->setCurrentIndex(dialect_->findData(static_cast<int>(hub_->SQLPane()->SQLSyntax())));
+  const QString limit = ToQString(hub_->SelectTopRecords());
   if (!limit_->isModified() || !limit_->hasFocus()) limit_->setText(limit);
-  skip_->setValue(hub_.SkipRecords());
-  skipShown_->setVisible(hub_.SkipRecords() > 0 || !hub_.CurrentDialect().limit.offset.empty());
-  distinct_->setChecked(hub_.DistinctRecords());
+  skip_->setValue(hub_->SkipRecords());
+  skipShown_->setVisible(hub_->SkipRecords() > 0 || !hub_->CurrentDialect().limit.offset.empty());
+  distinct_->setChecked(hub_->DistinctRecords());
 }
 
 void QueryOptionsBar::ChooseDialect(const QString& name) {

@@ -20,14 +20,19 @@ class QueryOptionsBar : public QToolBar {
   Q_OBJECT
 
  public:
-  /// The hub must outlive it.
+  /// The hub must live until another one is followed.
   explicit QueryOptionsBar(qbQueryBuilder& hub, QWidget* parent = nullptr);
+
+  /// Shows and changes the query of another hub from now on.
+  void Follow(qbQueryBuilder& hub);
 
   /// Adds the buttons of these commands in front of what is there; nothing is a line between groups.
   void AddCommands(const CommandActions& commands, std::span<const std::optional<Command>> wanted);
 
   /// Shows what the hub holds; a field that is being typed in keeps its text.
   void Refresh();
+  /// Whether the text is a limit: a number, a percentage, or nothing for all rows.
+  static bool IsLimit(const QString& text);
   /// Chooses a dialect that exists, as the user would.
   void ChooseDialect(const QString& name);
 
@@ -41,7 +46,7 @@ class QueryOptionsBar : public QToolBar {
   void Change(const std::function<void()>& change);
   void TakeLimit();
 
-  qbQueryBuilder& hub_;
+  qbQueryBuilder* hub_;
   QComboBox* dialect_;
   QLineEdit* limit_;
   QSpinBox* skip_;

@@ -14,6 +14,7 @@
 #include "zrqrybld/platform/provider.h"
 #include "zrqrybld/platform/toolkit.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/host_parameters.h"
 #include "zrqrybld/sql/lexer.h"
 #include "zrqrybld/sql/readable_criteria.h"
 #include "zrqrybld/sql/sql_pane.h"
@@ -37,7 +38,7 @@ QueryPreview::QueryPreview(QueryDesignerWidget& designer, PreviewPane& pane) : d
   links_.push_back(designer_.QueryBuilder().SQLPane()->SQLChanged.Connect([this] { pane_.MarkStale(); }));
   QObject::connect(&pane_, &PreviewPane::Failing, &pane_, [this] { OfferOwnDialect(); });
   QObject::connect(&pane_, &PreviewPane::CureWanted, &pane_, [this] { SwitchToOwnDialect(); });
-  QObject::connect(&pane_, &PreviewPane::Refused, &pane_, [this](quint64 offset) { Underline(offset); });
+  QObject::connect(&pane_, &PreviewPane::Refused, &pane_, [this](quint64 offset) { ShowFault(offset); });
 }
 
 // A statement in another dialect than the source's own often fails for that reason.
@@ -52,30 +53,38 @@ void QueryPreview::SwitchToOwnDialect() {
   Run();
 }
 
-bool QueryPreview::Run() {
+QueryPreview::Outcome QueryPreview::Run() {
   qbQueryBuilder& hub = designer_.QueryBuilder();
-  if (!hub.SQLPane()->ApplyEditedText()) return false;
+  qbSQLPane& sql = *hub.SQLPane();
+  // Who runs a text again that could not be drawn wants it run as it stands.
+  const bool again = sql.UseAsTyped();
+  if (!sql.ApplyEditedText() && !(again && sql.UseAsTyped())) {
+    pane_.DropFailure();
+    return Outcome::BadText;
+  }
   if (!hub.IsConnected()) {
     pane_.ShowFailure(Say(*hub.Texts(), text::NoSourceToRun));
-    return false;
+    return Outcome::Refused;
   }
   try {
-    RequireReadableCriteria(*hub.SQLPane());
-    shown_ = hub.SQLPane()->SQLStatement();
-    const auto values = AskParameters(hub, shown_);
-    if (!values) return false;
-    sent_ = PutInLiterals(shown_, *values, LiteralRulesOf(hub));
+    if (!sql.IsSqlOnly()) RequireReadableCriteria(sql);
+    shown_ = sql.SQLStatement();
+    const std::string asked = WithParameterMarkers(shown_, hub.CurrentDialect().parameterSigns);
+    const auto values = AskParameters(hub, asked);
+    if (!values) return Outcome::Cancelled;
+    sent_ = PutInLiterals(asked, *values, LiteralRulesOf(hub));
+    designer_.SqlView().SetFault(0, 0);  // what was refused before
     pane_.Run(RunnerFor(*hub.GetToolkit().Providers(), hub.Connection()->ConnectionString()), sent_,
-              DialectFor(hub.SQLPane()->SQLSyntax()));
+              hub.CurrentDialect());
   } catch (const std::exception& error) {
     pane_.ShowFailure(Say(*hub.Texts(), error));
-    return false;
+    return Outcome::Refused;
   }
-  return true;
+  return Outcome::Running;
 }
 
 // Up to the first parameter the two statements are the same, and so are their places.
-void QueryPreview::Underline(std::size_t offset) {
+void QueryPreview::ShowFault(std::size_t offset) {
   if (designer_.QueryBuilder().SQLPane()->SQLStatement() != shown_) return;
   const auto common = static_cast<std::size_t>(std::ranges::mismatch(shown_, sent_).in1 - shown_.begin());
   if (offset >= common && shown_ != sent_) return;
@@ -83,6 +92,18 @@ void QueryPreview::Underline(std::size_t offset) {
   Token faulty;  // the last one where the statement ends too early
   for (Token token; lexer.Next(token) && token.offset <= offset;) faulty = token;
   designer_.SqlView().SetFault(faulty.offset, faulty.length);
+  fault_ = faulty.offset;
+  pane_.OfferPlace();
+}
+
+void QueryPreview::GoToFault() {
+  QtTextArea& view = designer_.SqlView();
+  if (designer_.QueryBuilder().SQLPane()->SQLStatement() == shown_) {
+    QTextCursor caret = view.textCursor();
+    caret.setPosition(view.PositionOf(fault_));
+    view.setTextCursor(caret);
+  }
+  view.setFocus(Qt::OtherFocusReason);
 }
 
 }  // namespace zrqrybld

@@ -2,7 +2,7 @@
 // error lies in the statement.
 #pragma once
 
-#include <QCoreApplication>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -20,21 +20,29 @@ class QueryPreview {
   QueryPreview(QueryDesignerWidget& designer, PreviewPane& pane);
 
   /// Applies what was typed, asks for the values of parameters, and runs the statement on the source in use, read-only.
-  /// Text that cannot be applied is told where it stands, and nothing is run. False when nothing was run; the pane
-  /// tells why, unless the text itself does or the user has cancelled.
-  bool Run();
+  /// Text that cannot be applied is told where it stands, and nothing is run.
+  enum class Outcome : std::uint8_t {
+    Running,
+    Refused,    ///< the pane tells why
+    BadText,    ///< the statement's own pane tells why
+    Cancelled,  ///< by the user
+  };
+  Outcome Run();
+  /// Puts the caret where the statement was refused last.
+  void GoToFault();
   /// Another source is in use, or none: nothing of the earlier one is shown or goes on.
   void SourceChanged() { pane_.Clear(); }
 
  private:
-  void Underline(std::size_t offset);
+  void ShowFault(std::size_t offset);
   void OfferOwnDialect();
   void SwitchToOwnDialect();
 
   QueryDesignerWidget& designer_;
   PreviewPane& pane_;
-  std::string shown_;  // the statement as it stood in its pane when it was run
-  std::string sent_;   // the same with the values of its parameters
+  std::string shown_;      // the statement as it stood in its pane when it was run
+  std::string sent_;       // the same with the values of its parameters
+  std::size_t fault_ = 0;  // where the statement was refused last
   std::vector<EventConnection> links_;
 };
 

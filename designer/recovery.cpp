@@ -49,7 +49,8 @@ KeptWork FromFile(const QString& path) {
 
 }  // namespace
 
-Recovery::Recovery(Work work, QObject* parent) : QObject(parent), work_(std::move(work)) {
+Recovery::Recovery(Work work, const QWidget* place, QObject* parent)
+    : QObject(parent), work_(std::move(work)), place_(place) {
   soon_.setSingleShot(true);
   soon_.setInterval(kSoonMilliseconds);
   connect(&soon_, &QTimer::timeout, this, &Recovery::Keep);
@@ -79,7 +80,7 @@ bool Recovery::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::MouseButtonRelease:
     case QEvent::KeyPress:
     case QEvent::Drop:
-      Changed();
+      if (place_->isVisible()) Changed();
       break;
     default:
       break;

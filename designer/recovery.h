@@ -10,6 +10,7 @@
 #include <QObject>
 #include <QString>
 #include <QTimer>
+#include <QWidget>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -31,8 +32,9 @@ class Recovery : public QObject {
   /// What there is to keep; nothing when nothing is unsaved.
   using Work = std::function<std::optional<KeptWork>()>;
 
-  /// Keeps nothing until `Start`.
-  Recovery(Work work, QObject* parent);
+  /// Keeps nothing until `Start`. The work is done in `place`, which must outlive this: what happens while it is not
+  /// seen is no change.
+  Recovery(Work work, const QWidget* place, QObject* parent);
   /// Removes what was kept: the designer ends as it should.
   ~Recovery() override;
 
@@ -84,6 +86,7 @@ class Recovery : public QObject {
   void Remove();
 
   Work work_;
+  const QWidget* place_;
   QTimer soon_;
   QString path_;  // "" until `Start`
   std::unique_ptr<QLockFile> lock_;

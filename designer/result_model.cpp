@@ -1,8 +1,10 @@
 #include "designer/result_model.h"
 
+#include <QFont>
 #include <algorithm>
+#include <charconv>
 #include <iterator>
-#include <set>
+#include <numeric>
 
 #include "zrqrybld/adapters/qt/qt_text.h"
 #include "zrqrybld/base/text.h"
@@ -12,6 +14,7 @@ namespace {
 
 constexpr std::size_t kShownCharacters = 200;
 constexpr std::size_t kTipCharacters = 2000;
+constexpr std::size_t kSortedCharacters = 200;  // what is alike so far keeps its order
 
 // The beginning of a text in one line.
 QString OneLine(std::string_view text) {
@@ -24,17 +27,28 @@ QString OneLine(std::string_view text) {
   return line;
 }
 
-// As spreadsheets write and read it.
-QString InCell(const QString& text) {
-  const bool plain =
-      std::none_of(text.begin(), text.end(), [](QChar c) { return c == '\t' || c == '\n' || c == '\r' || c == '"'; });
-  return plain ? text : '"' + QString(text).replace('"', QLatin1String("\"\"")) + '"';
-}
+// What rows are sorted by, made once for each: nothing, a number, or a text without regard to case.
+struct SortKey {
+  int kind = 0;
+  double number = 0;
+  QString text;
+  std::uint32_t row = 0;
 
-// A spreadsheet would work out what begins like this; behind an apostrophe it is a text to all of them.
-QString AsText(const QString& text) {
-  constexpr QLatin1String kFormula("=+-@\t\r\n");
-  return !text.isEmpty() && kFormula.contains(text.front()) ? QLatin1Char('\'') + text : text;
+  SortKey(const ResultValue& value, std::uint32_t place) : row(place) {
+    if (value.kind == ResultKind::Null) return;
+    kind = 2;
+    if (value.kind == ResultKind::Number) {
+      const char* const end = value.text.data() + value.text.size();
+      const auto [at, error] = std::from_chars(value.text.data(), end, number);
+      if (error == std::errc() && at == end) kind = 1;
+    }
+    if (kind == 2) text = ToQString(FirstCharacters(value.text, kSortedCharacters)).toCaseFolded();
+  }
+};
+
+bool ComesFirst(const SortKey& a, const SortKey& b) {
+  if (a.kind != b.kind) return a.kind < b.kind;
+  return a.kind == 1 ? a.number < b.number : a.text < b.text;
 }
 
 }  // namespace
@@ -47,7 +61,10 @@ void ResultModel::Begin(const std::vector<std::string>& columns) {
   std::ranges::transform(columns, std::back_inserter(names_), ToQString);
   rows_.clear();
   rows_.shrink_to_fit();
+  shown_.clear();
   numbers_.clear();
+  filter_.clear();
+  sortedBy_ = -1;
   bytes_ = 0;
   more_ = false;
   asked_ = false;
@@ -59,12 +76,16 @@ void ResultModel::Append(std::vector<ResultRow> rows, bool more) {
   more_ = more;
   if (rows.empty()) return;
   if (rows_.empty()) FindNumbers(rows);
-  const int first = static_cast<int>(rows_.size());
-  beginInsertRows({}, first, first + static_cast<int>(rows.size()) - 1);
+  std::vector<std::uint32_t> passing;
   for (ResultRow& row : rows) {
+    if (Passes(row)) passing.push_back(static_cast<std::uint32_t>(rows_.size()));
     bytes_ += BytesOf(row);
     rows_.push_back(std::move(row));
   }
+  if (passing.empty()) return;
+  const int first = static_cast<int>(shown_.size());
+  beginInsertRows({}, first, first + static_cast<int>(passing.size()) - 1);
+  shown_.insert(shown_.end(), passing.begin(), passing.end());
   endInsertRows();
 }
 
@@ -78,8 +99,78 @@ void ResultModel::FindNumbers(const std::vector<ResultRow>& rows) {
   }
 }
 
+bool ResultModel::IsNumeric(int column) const {
+  const auto at = static_cast<std::size_t>(column);
+  return at < numbers_.size() && numbers_[at];
+}
+
+// --- What is shown, and in which order ---
+
+bool ResultModel::Passes(const ResultRow& row) const {
+  return filter_.isEmpty() || std::ranges::any_of(row, [this](const ResultValue& value) {
+           return (value.kind == ResultKind::Null ? QStringLiteral("NULL") : ToQString(value.text))
+               .contains(filter_, Qt::CaseInsensitive);
+         });
+}
+
+void ResultModel::SortShown() {
+  if (sortedBy_ < 0) {
+    std::ranges::sort(shown_);
+    return;
+  }
+  std::vector<SortKey> keys;
+  keys.reserve(shown_.size());
+  for (const std::uint32_t row : shown_) keys.emplace_back(rows_[row][static_cast<std::size_t>(sortedBy_)], row);
+  // What is alike keeps the source's order, whichever way the others are turned.
+  std::ranges::sort(keys, {}, &SortKey::row);
+  std::ranges::stable_sort(keys, [this](const SortKey& a, const SortKey& b) {
+    return sortOrder_ == Qt::AscendingOrder ? ComesFirst(a, b) : ComesFirst(b, a);
+  });
+  std::ranges::transform(keys, shown_.begin(), &SortKey::row);
+}
+
+// The selection goes with its rows.
+void ResultModel::ShowAnew(const std::function<void()>& change) {
+  Q_EMIT layoutAboutToBeChanged();
+  const QModelIndexList before = persistentIndexList();
+  std::vector<std::uint32_t> rows;
+  for (const QModelIndex& one : before) rows.push_back(shown_[static_cast<std::size_t>(one.row())]);
+  change();
+  std::vector<int> places(before.isEmpty() ? 0 : rows_.size(), -1);
+  for (std::size_t i = 0; i < shown_.size() && !places.empty(); ++i) places[shown_[i]] = static_cast<int>(i);
+  QModelIndexList after;
+  for (qsizetype i = 0; i < before.size(); ++i) {
+    const int place = places[rows[static_cast<std::size_t>(i)]];
+    after += place < 0 ? QModelIndex() : index(place, before[i].column());
+  }
+  changePersistentIndexList(before, after);
+  Q_EMIT layoutChanged();
+}
+
+void ResultModel::sort(int column, Qt::SortOrder order) {
+  if (column >= columnCount()) return;
+  if (column < 0 && sortedBy_ < 0) return;
+  sortedBy_ = column;
+  sortOrder_ = order;
+  ShowAnew([this] { SortShown(); });
+}
+
+void ResultModel::SetFilter(const QString& text) {
+  if (text == filter_) return;
+  filter_ = text;
+  ShowAnew([this] {
+    shown_.clear();
+    for (std::uint32_t row = 0; row < rows_.size(); ++row) {
+      if (Passes(rows_[row])) shown_.push_back(row);
+    }
+    SortShown();
+  });
+}
+
+// --- For the view ---
+
 int ResultModel::rowCount(const QModelIndex& parent) const {
-  return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+  return parent.isValid() ? 0 : static_cast<int>(shown_.size());
 }
 
 int ResultModel::columnCount(const QModelIndex& parent) const {
@@ -88,7 +179,7 @@ int ResultModel::columnCount(const QModelIndex& parent) const {
 
 QVariant ResultModel::data(const QModelIndex& index, int role) const {
   if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
-  const ResultValue& value = rows_[static_cast<std::size_t>(index.row())][static_cast<std::size_t>(index.column())];
+  const ResultValue& value = ValueAt(index.row(), index.column());
   const bool isNull = value.kind == ResultKind::Null;
   switch (role) {
     case Qt::DisplayRole:
@@ -106,20 +197,27 @@ QVariant ResultModel::data(const QModelIndex& index, int role) const {
                                                                : Qt::AlignLeading | Qt::AlignVCenter);
     case Qt::ForegroundRole:
       return isNull || value.kind == ResultKind::Binary ? QVariant(quiet_) : QVariant();
+    case Qt::FontRole: {
+      if (!isNull) return {};  // a text "NULL" stands upright
+      QFont font;
+      font.setItalic(true);
+      return font;
+    }
     default:
       return {};
   }
 }
 
 QVariant ResultModel::headerData(int section, Qt::Orientation orientation, int role) const {
-  if (role == Qt::TextAlignmentRole && orientation == Qt::Horizontal) {
-    const auto column = static_cast<std::size_t>(section);
-    const bool number = column < numbers_.size() && numbers_[column];
-    return static_cast<int>(number ? Qt::AlignRight | Qt::AlignVCenter : Qt::AlignLeading | Qt::AlignVCenter);
+  if (role == Qt::TextAlignmentRole) {
+    const bool right = orientation == Qt::Vertical || IsNumeric(section);
+    return static_cast<int>(right ? Qt::AlignRight | Qt::AlignVCenter : Qt::AlignLeading | Qt::AlignVCenter);
   }
+  if (role == Qt::ToolTipRole && orientation == Qt::Horizontal) return headerTip_;
   if (role != Qt::DisplayRole) return {};
   if (orientation == Qt::Vertical) return section + 1;
-  return section < columnCount() ? names_[static_cast<std::size_t>(section)] : QVariant();
+  // With the air that values have around them.
+  return section < columnCount() ? QChar::Nbsp + NameOf(section) + QChar::Nbsp : QVariant();
 }
 
 bool ResultModel::canFetchMore(const QModelIndex& parent) const {
@@ -130,39 +228,6 @@ void ResultModel::fetchMore(const QModelIndex& parent) {
   if (!canFetchMore(parent) || !want_) return;
   asked_ = true;
   want_();
-}
-
-QString ResultModel::SelectedText(const QItemSelection& selection, bool withNames, bool formulasAsText) const {
-  std::set<int> rows;
-  std::set<int> columns;
-  for (const QItemSelectionRange& range : selection) {
-    for (int row = range.top(); row <= range.bottom(); ++row) rows.insert(rows.end(), row);
-    for (int column = range.left(); column <= range.right(); ++column) columns.insert(column);
-  }
-  const bool whole = selection.size() == 1;
-  QString text;
-  const auto line = [&](const auto& cell) {
-    for (const int column : columns) {
-      if (column != *columns.begin()) text += '\t';
-      text += InCell(cell(column));
-    }
-    text += '\n';
-  };
-  if (withNames) {
-    line([&](int column) {
-      const QString& name = names_[static_cast<std::size_t>(column)];
-      return formulasAsText ? AsText(name) : name;
-    });
-  }
-  for (const int row : rows) {
-    line([&](int column) {
-      if (!whole && !selection.contains(index(row, column))) return QString();
-      const ResultValue& value = rows_[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)];
-      const QString shown = ToQString(value.text);
-      return formulasAsText && value.kind != ResultKind::Number ? AsText(shown) : shown;
-    });
-  }
-  return text;
 }
 
 }  // namespace zrqrybld

@@ -5,12 +5,14 @@
 #include <QHeaderView>
 #include <QInputDialog>
 #include <QMimeData>
+#include <QShortcut>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <map>
 
 #include "designer/tool_icons.h"
 #include "zrqrybld/adapters/qt/say.h"
+#include "zrqrybld/adapters/qt/shortcuts.h"
 #include "zrqrybld/base/texts_designer.h"
 #include "zrqrybld/diagram/join_paths.h"
 #include "zrqrybld/diagram/source_names.h"
@@ -45,7 +47,7 @@ class SchemaTree::Tree final : public QTreeWidget {
 
 SchemaTree::SchemaTree(QueryDesignerWidget& designer, QWidget* parent)
     : QDockWidget(parent),
-      designer_(designer),
+      designer_(&designer),
       texts_(designer.QueryBuilder().Texts()),
       filter_(new QLineEdit),
       tree_(new Tree) {
@@ -76,10 +78,22 @@ SchemaTree::SchemaTree(QueryDesignerWidget& designer, QWidget* parent)
   setWidget(inside);
   setFocusProxy(filter_);
 
+  for (const auto& [command, direction] : {std::pair(Command::NextPane, 1), {Command::PreviousPane, -1}}) {
+    auto* leave = new QShortcut(ShortcutOf(command), this);
+    leave->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(leave, &QShortcut::activated, this, [this, step = direction] { Q_EMIT LeaveWanted(step); });
+  }
   connect(filter_, &QLineEdit::textChanged, this, &SchemaTree::Filter);
   connect(tree_, &QTreeWidget::itemExpanded, this, [this](QTreeWidgetItem* item) { FillColumns(*item); });
   connect(tree_, &QTreeWidget::itemActivated, this, [this](const QTreeWidgetItem* item) { Add(*item); });
-  designer_.DiagramView().viewport()->installEventFilter(this);
+  designer_->DiagramView().viewport()->installEventFilter(this);
+}
+
+void SchemaTree::Follow(QueryDesignerWidget& designer) {
+  if (designer_) designer_->DiagramView().viewport()->removeEventFilter(this);
+  designer_ = &designer;
+  designer_->DiagramView().viewport()->installEventFilter(this);
+  SourceChanged();
 }
 
 void SchemaTree::SourceChanged() {
@@ -115,7 +129,7 @@ void SchemaTree::Run(const std::function<void()>& work) {
 // --- What is there ---
 
 void SchemaTree::Fill() {
-  qbQueryBuilder& hub = designer_.QueryBuilder();
+  qbQueryBuilder& hub = designer_->QueryBuilder();
   if (!hub.IsConnected()) return;
   filled_ = true;
   Run([&] {
@@ -157,7 +171,7 @@ void SchemaTree::FillColumns(QTreeWidgetItem& table) {
   if (!listed || table.data(0, kLoadedRole).toBool()) return;
   table.setData(0, kLoadedRole, true);
   Run([&] {
-    qbQueryBuilder& hub = designer_.QueryBuilder();
+    qbQueryBuilder& hub = designer_->QueryBuilder();
     const BusyPointer busy(hub.GetToolkit());
     const auto columns = TablePicker(hub.Hub()).ReadColumnsAndKeys(listed->text);
     for (const SourceColumn& column : columns ? *columns : std::vector<SourceColumn>()) {
@@ -217,7 +231,7 @@ void SchemaTree::Add(const QTreeWidgetItem& item) {
   // A copy: what is added may bring a message, in which the source is closed.
   Run([this, table = *table, column = ToUtf8(column)] {
     if (column.empty()) {
-      TablePicker(designer_.QueryBuilder().Hub()).AddTables({table.text});
+      TablePicker(designer_->QueryBuilder().Hub()).AddTables({table.text});
     } else {
       AddColumn(table, column);
     }
@@ -225,7 +239,7 @@ void SchemaTree::Add(const QTreeWidgetItem& item) {
 }
 
 Ref<qbEntity> SchemaTree::EntityOf(const ListedTable& table) const {
-  const qbQueryBuilder& hub = designer_.QueryBuilder();
+  const qbQueryBuilder& hub = designer_->QueryBuilder();
   const NameRules rules = CurrentNameRules(hub);
   for (const Ref<qbEntity>& entity : *hub.Entities()) {
     if (FoldedName(TableInSource(*entity, rules)) == FoldedName(table.name)) return entity;
@@ -234,7 +248,7 @@ Ref<qbEntity> SchemaTree::EntityOf(const ListedTable& table) const {
 }
 
 void SchemaTree::AddColumn(const ListedTable& table, const std::string& column) {
-  const StepScope step(designer_.QueryBuilder().Hub(), kStepTick, table.name.table + "." + column);
+  const StepScope step(designer_->QueryBuilder().Hub(), kStepTick, table.name.table + "." + column);
   if (!EntityOf(table) && !AddWithPath(table)) return;
   const Ref<qbEntity> entity = EntityOf(table);
   const Ref<qbEntityItem> item = entity ? entity->Items()->Item(column) : nullptr;
@@ -243,7 +257,7 @@ void SchemaTree::AddColumn(const ListedTable& table, const std::string& column) 
 
 // Adds the table and those that link it to the diagram. False when the user has not said which way.
 bool SchemaTree::AddWithPath(const ListedTable& table) {
-  qbQueryBuilder& hub = designer_.QueryBuilder();
+  qbQueryBuilder& hub = designer_->QueryBuilder();
   const std::vector<JoinPath> paths = PathsTo(hub, table.name);
   std::vector<std::string> tables{table.text};
   if (!paths.empty()) tables = paths.front().tables;

@@ -5,6 +5,7 @@
 
 #include <QDockWidget>
 #include <QLineEdit>
+#include <QPointer>
 #include <QTreeWidget>
 #include <vector>
 
@@ -17,8 +18,11 @@ class SchemaTree : public QDockWidget {
   Q_OBJECT
 
  public:
-  /// The designer must outlive it. Tables and columns can be dragged onto its diagram.
+  /// The designer must live until another one is followed. Tables and columns can be dragged onto its diagram.
   SchemaTree(QueryDesignerWidget& designer, QWidget* parent);
+
+  /// Shows the source of another designer and adds to its query from now on.
+  void Follow(QueryDesignerWidget& designer);
 
   /// Another source is in use, or none.
   void SourceChanged();
@@ -30,6 +34,8 @@ class SchemaTree : public QDockWidget {
   void Failed(const QString& message);
   /// The user does not want to see it.
   void CloseWanted();
+  /// The keyboard is to go to the next pane (1) or to the one before (-1).
+  void LeaveWanted(int direction);
 
  protected:
   void showEvent(QShowEvent* event) override;
@@ -49,7 +55,7 @@ class SchemaTree : public QDockWidget {
   const ListedTable* TableOf(const QTreeWidgetItem& item) const;
   void Run(const std::function<void()>& work);
 
-  QueryDesignerWidget& designer_;
+  QPointer<QueryDesignerWidget> designer_;
   std::shared_ptr<const TextSource> texts_;
   QLineEdit* filter_;
   QTreeWidget* tree_;

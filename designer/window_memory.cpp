@@ -2,9 +2,10 @@
 
 #include <QMainWindow>
 #include <QSettings>
-#include <QSplitter>
 #include <cmath>
+#include <vector>
 
+#include "designer/pane_layout.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
 #include "zrqrybld/adapters/qt/query_designer_widget.h"
 #include "zrqrybld/diagram/diagram_pane.h"
@@ -16,7 +17,7 @@ namespace {
 
 constexpr auto kGeometryKey = "window/geometry";
 constexpr auto kDocksKey = "window/docks";
-constexpr auto kPanesKey = "window/panes";
+constexpr auto kRowsInTabKey = "window/rowsInTab";
 constexpr auto kDesignerKey = "window/designer";
 constexpr auto kZoomKey = "diagram/zoom";
 constexpr auto kColumnsGroup = "gridColumns";
@@ -34,9 +35,8 @@ void StoreLayout(const RememberedWindow& remembered) {
   QSettings settings;
   settings.setValue(kGeometryKey, remembered.window.saveGeometry());
   settings.setValue(kDocksKey, remembered.window.saveState());
-  // A pane that is hidden would come back without a height.
-  if (remembered.panes.widget(1)->isVisible()) settings.setValue(kPanesKey, remembered.panes.saveState());
-  settings.setValue(kDesignerKey, remembered.designer.saveState());
+  settings.setValue(kRowsInTabKey, remembered.panes.RowsInTab());
+  settings.setValue(kDesignerKey, remembered.panes.State());
   settings.setValue(kZoomKey, remembered.designer.QueryBuilder().DiagramPane()->Zoom());
   settings.beginGroup(kColumnsGroup);
   ForEachColumn(remembered.designer, [&](const zrGridColumn& column) {
@@ -48,14 +48,26 @@ void RestoreLayout(const RememberedWindow& remembered) {
   QSettings settings;
   remembered.window.restoreGeometry(settings.value(kGeometryKey).toByteArray());
   remembered.window.restoreState(settings.value(kDocksKey).toByteArray());
-  remembered.panes.restoreState(settings.value(kPanesKey).toByteArray());
-  remembered.designer.restoreState(settings.value(kDesignerKey).toByteArray());
+  remembered.panes.SetRowsInTab(settings.value(kRowsInTabKey, true).toBool());
+  remembered.panes.SetState(settings.value(kDesignerKey).toByteArray());
   const double zoom = settings.value(kZoomKey, 1.0).toDouble();
   if (std::isfinite(zoom) && zoom > 0) remembered.designer.QueryBuilder().DiagramPane()->SetZoom(zoom, {});
   settings.beginGroup(kColumnsGroup);
   ForEachColumn(remembered.designer, [&](zrGridColumn& column) {
     const float width = settings.value(ToQString(column.Key())).toFloat();
     if (!column.Hidden() && width >= kNarrowest && width <= kWidest) column.SetWidth(width);
+  });
+}
+
+void CopyLayout(QueryDesignerWidget& from, PaneLayout& fromPanes, QueryDesignerWidget& to, PaneLayout& toPanes) {
+  toPanes.SetRowsInTab(fromPanes.RowsInTab());
+  toPanes.SetState(fromPanes.State());
+  std::vector<float> widths;
+  ForEachColumn(from, [&](const zrGridColumn& column) { widths.push_back(column.Width()); });
+  std::size_t at = 0;
+  ForEachColumn(to, [&](zrGridColumn& column) {
+    const float width = widths[at++];
+    if (!column.Hidden() && width > 0) column.SetWidth(width);
   });
 }
 

@@ -3,21 +3,24 @@
 #pragma once
 
 class QMainWindow;
-class QSplitter;
 
 namespace zrqrybld {
 
+class PaneLayout;
 class QueryDesignerWidget;
 
 /// The parts that are remembered.
 struct RememberedWindow {
   QMainWindow& window;
-  QSplitter& panes;  ///< the designer and what stands below it
   QueryDesignerWidget& designer;
+  PaneLayout& panes;  ///< the designer's
 };
 
 /// Keeps the layout as it is now.
 void StoreLayout(const RememberedWindow& remembered);
+
+/// Gives a further query's panes the layout of those that were opened before.
+void CopyLayout(QueryDesignerWidget& from, PaneLayout& fromPanes, QueryDesignerWidget& to, PaneLayout& toPanes);
 
 /// Takes the layout kept last. What is missing or damaged stays as it is; a place that is on no screen any more is
 /// moved onto one.

@@ -1,6 +1,7 @@
 // ZoomBox: the button that tells how large the diagram is shown and offers other sizes.
 #pragma once
 
+#include <QPointer>
 #include <QToolButton>
 
 #include "designer/command_actions.h"
@@ -13,14 +14,20 @@ class ZoomBox : public QToolButton {
   Q_OBJECT
 
  public:
-  /// All must outlive it, but for the commands.
+  /// The texts must outlive it, diagram and view until others are followed.
   ZoomBox(qbDiagramPane& diagram, ControlWidget& view, const CommandActions& commands, const TextSource& texts);
+
+  /// Tells of another diagram from now on.
+  void Follow(qbDiagramPane& diagram, ControlWidget& view);
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  qbDiagramPane& diagram_;
+  void ShowZoom();
+
+  qbDiagramPane* diagram_;
+  QPointer<ControlWidget> view_;
 };
 
 }  // namespace zrqrybld

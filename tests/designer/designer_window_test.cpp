@@ -30,7 +30,7 @@ void DesignerWindow::OpenSampleWith(const QStringList& tables) {
   QTest::qWait(1);  // the boxes are painted where they stand
 }
 
-QueryDesignerWidget& DesignerWindow::Designer() { return *window.findChild<QueryDesignerWidget*>(); }
+QueryDesignerWidget& DesignerWindow::Designer() { return window.Tab().Designer(); }
 
 qbQueryBuilder& DesignerWindow::Hub() { return Designer().QueryBuilder(); }
 

@@ -1,6 +1,7 @@
 // The designer's window: the dialect, and what goes wrong. Gestures and keys are in files of their own.
 #include <QAction>
 #include <QComboBox>
+#include <QInputDialog>
 #include <QListView>
 #include <QTemporaryDir>
 
@@ -38,6 +39,34 @@ TEST_F(DesignerWindow, TheDialectBoxRewritesTheStatement) {
     return Utf8(box->currentText()) == "MSSQL";
   }));
   EXPECT_NE(Statement().find("FROM \n\tCustomers\n\tINNER JOIN"), std::string::npos) << Statement();
+}
+
+TEST_F(DesignerWindow, TheQueryMenuLimitsRowsAndDropsDoubles) {
+  OpenSampleWith({"Customers"});
+  window.TickColumn("Customers.City");
+  const auto give = [this](const QString& entry) {
+    for (QAction* action : window.findChildren<QAction*>()) {
+      if (action->text() == entry) return action->trigger();
+    }
+    ADD_FAILURE() << "there is no entry " << Utf8(entry);
+  };
+  give("&Each Row Once");
+  EXPECT_TRUE(Hub().DistinctRecords());
+  for (const auto& [typed, limit] : {std::pair{"7", "7"}, {"x", "7"}, {"", ""}}) {
+    WithDialog([&] { give("&Limit Rows..."); },
+               [text = typed](QDialog& dialog) {
+                 dynamic_cast<QInputDialog&>(dialog).setTextValue(text);
+                 QTimer::singleShot(50, [] {
+                   if (auto* refusal = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) refusal->accept();
+                 });
+                 dialog.accept();
+               });
+    EXPECT_EQ(Hub().SelectTopRecords(), limit) << typed;
+  }
+  Hub().Undo();
+  Hub().Undo();
+  give("&Each Row Once");
+  EXPECT_FALSE(Hub().DistinctRecords());
 }
 
 // --- What goes wrong ---

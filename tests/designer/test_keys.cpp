@@ -127,6 +127,7 @@ std::string Keys::State() {
   say("pane", holds(Designer().DiagramView()) ? "diagram"
               : holds(Designer().GridView())  ? "grid"
               : holds(Designer().SqlView())   ? "sql"
+              : holds(window.Preview())       ? "rows"
                                               : "none");
   say("editing", Grid().Grid()->IsEditing() ? "yes" : "no");
   const qbDiagramPane& diagram = *Hub().DiagramPane();

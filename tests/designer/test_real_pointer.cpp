@@ -4,6 +4,7 @@
 #include <QListView>
 #include <QProcess>
 #include <QStandardPaths>
+#include <QTreeWidget>
 
 #include "tests/designer/designer_window_test.h"
 #include "tests/sqlite/database_file.h"
@@ -77,6 +78,25 @@ TEST_F(RealPointer, F7TypingAndEnterAddATable) {
       });
   ASSERT_TRUE(Hub().Entities()->Item("Shipments"));
   EXPECT_EQ(Hub().Entities()->Item("Shipments")->Relationships()->Count(), 2);
+}
+
+// In one go: the drag runs its own loop until the button is let go.
+TEST_F(RealPointer, ATableIsDraggedFromTheTreeOntoTheDiagram) {
+  QTest::keyClick(&window, Qt::Key_F9);
+  auto* tree = window.findChild<SchemaTree*>()->findChild<QTreeWidget*>();
+  QTreeWidgetItem* item = tree->findItems("Products", Qt::MatchExactly).value(0);
+  ASSERT_TRUE(item);
+  tree->scrollToItem(item);
+  QTest::qWait(50);
+  const QPoint from = tree->visualItemRect(item).center();
+  QStringList way = MoveTo(tree->viewport(), from) + QStringList{"mousedown", "1"};
+  for (const int step : {8, 16, 30})
+    way += QStringList{"sleep", "0.1"} + MoveTo(tree->viewport(), from + QPoint(step, 0));
+  const QPoint middle = Diagram()->rect().center();
+  for (const int step : {0, 6}) way += QStringList{"sleep", "0.1"} + MoveTo(Diagram(), middle + QPoint(step, 0));
+  Do(way + QStringList{"sleep", "0.1", "mouseup", "1"});
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Hub().Entities()->Count() == 4; }));
+  EXPECT_TRUE(Hub().Entities()->Item("Products"));
 }
 
 }  // namespace

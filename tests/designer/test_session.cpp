@@ -21,8 +21,10 @@
 #include "designer/key_list.h"
 #include "designer/query_document.h"
 #include "designer/recent_connections.h"
+#include "designer/result_model.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/modal.h"
+#include "tests/qt/pictures.h"
 #include "zrqrybld/adapters/qt/query_designer_widget.h"
 #include "zrqrybld/adapters/qt/tables_window.h"
 #include "zrqrybld/base/text.h"
@@ -72,7 +74,7 @@ class Session : public testing::Test {
     });
     return window.OfferLostWork();
   }
-  static qbQueryBuilder& Hub(MainWindow& window) { return window.findChild<QueryDesignerWidget*>()->QueryBuilder(); }
+  static qbQueryBuilder& Hub(MainWindow& window) { return window.Tab().Hub(); }
 
   QTemporaryDir folder;
 };
@@ -185,7 +187,7 @@ TEST_F(Session, WorkSurvivesAKillAndGoesWhenItIsSafe) {
   EXPECT_EQ(RecoveryFiles().size(), 0);
 
   // What is typed and not applied is work, too; and so is a query whose source is gone.
-  auto& text = window.findChild<QueryDesignerWidget*>()->SqlView();
+  auto& text = window.Tab().Designer().SqlView();
   text.setFocus();
   text.selectAll();
   text.insertPlainText("SELECT half a statem");
@@ -194,7 +196,7 @@ TEST_F(Session, WorkSurvivesAKillAndGoesWhenItIsSafe) {
   QFile file(kept);
   ASSERT_TRUE(file.open(QIODevice::ReadOnly));
   const QByteArray bytes = file.readAll().replace("store.db", "gone.db");
-  window.findChild<QueryDesignerWidget*>()->QueryBuilder().SQLPane()->RevertEditedText();
+  Hub(window).SQLPane()->RevertEditedText();
   QFile lost(QDir(Recovery::Folder()).filePath("1.recovery"));
   ASSERT_TRUE(lost.open(QIODevice::WriteOnly) && lost.write(bytes) == bytes.size());
   lost.close();
@@ -202,6 +204,7 @@ TEST_F(Session, WorkSurvivesAKillAndGoesWhenItIsSafe) {
     if (auto* remark = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) remark->accept();
   });
   EXPECT_TRUE(answer("Bring Back"));
+  EXPECT_EQ(window.TabCount(), 2) << "what was open stays";
   EXPECT_TRUE(Hub(window).SQLPane()->IsEdited());
   EXPECT_EQ(Hub(window).SQLPane()->SQLStatement(), "SELECT half a statem");
   EXPECT_GT(Hub(window).Entities()->Item("Customers")->Items()->Count(), 3) << "with its columns";
@@ -303,6 +306,13 @@ TEST_F(Session, AColumnOfTheTreeBringsItsTableAndWhatLinksIt) {
   QTreeWidgetItem* table = ItemNamed(*tree, "Products");
   ASSERT_TRUE(table);
   EXPECT_EQ(table->childCount(), 0) << "columns are read when they are looked at";
+  tree->scrollToItem(table);
+  QTest::qWait(10);  // laid out
+  const QPoint place(40, tree->visualItemRect(table).center().y());
+  QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, place);
+  QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, place);
+  EXPECT_TRUE(Hub(window).Entities()->Item("Products")) << "a double click adds it";
+  Hub(window).Undo();
   table->setExpanded(true);
   QTreeWidgetItem* column = ItemNamed(*tree, "ProductName");
   ASSERT_TRUE(column);
@@ -344,6 +354,105 @@ TEST_F(Session, TheTitleTellsWhatIsUnsaved) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return window.isWindowModified(); }));
   Hub(window).Undo();
   EXPECT_TRUE(QTest::qWaitFor([&] { return !window.isWindowModified(); }));
+}
+
+// --- Several queries ---
+
+void Give(const MainWindow& window, const char* key) {
+  for (QAction* action : window.findChildren<QAction*>()) {
+    if (action->shortcut() == QKeySequence(key)) return action->trigger();
+  }
+  ADD_FAILURE() << "no command has " << key;
+}
+
+TEST_F(Session, SeveralQueriesAreOpenEachWithItsOwn) {
+  MainWindow window;
+  window.BeginSession();
+  window.show();
+  ASSERT_EQ(Utf8(window.OpenDatabase(ZRQRYBLD_SAMPLE_DB)), "");
+  window.AddTables({"Customers"});
+  window.TickColumn("Customers.City");
+  const QString first = window.Statement();
+  Give(window, "Ctrl+T");
+  ASSERT_EQ(window.TabCount(), 2);
+  EXPECT_TRUE(Hub(window).IsConnected()) << "with the same source";
+  EXPECT_EQ(Hub(window).Entities()->Count() + Hub(window).CanUndo(), 0);
+  window.AddTables({"Order"});
+  window.TickColumn("Order.Freight");
+  window.SetSyntax("MSSQL");
+  EXPECT_TRUE(QTest::qWaitFor([] { return RecoveryFiles().size() == 2; })) << "both are kept";
+  Give(window, "Ctrl+Tab");
+  EXPECT_EQ(window.Statement(), first) << "its own dialect";
+  EXPECT_EQ(Hub(window).UndoText(), "Tick Customers.City");
+  ASSERT_EQ(window.Document().SaveAs(folder.filePath("a.zrq")), QString());
+  EXPECT_TRUE(window.windowTitle().startsWith("a.zrq"));
+  Give(window, "Ctrl+Shift+Tab");
+  EXPECT_FALSE(window.windowTitle().startsWith("a.zrq"));
+  window.OpenQuery(folder.filePath("a.zrq"));
+  EXPECT_EQ(window.TabCount(), 2) << "it was open";
+  EXPECT_EQ(window.Statement(), first);
+  Give(window, "Ctrl+Tab");
+
+  window.resize(1024, 680);
+  QTest::keyClick(&window, Qt::Key_F5);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return window.Preview().Rows().RowsHeld() > 0; }));
+  KeepPicture(Paint(window), "tabs-1024");
+
+  const auto close = [&](const char* key, QMessageBox::StandardButton answer) {
+    WhenOpen<QMessageBox>([answer](QMessageBox& box) { box.button(answer)->click(); });
+    Give(window, key);
+  };
+  close("Ctrl+W", QMessageBox::Cancel);
+  EXPECT_EQ(window.TabCount(), 2);
+  Give(window, "Ctrl+Tab");
+  close("Ctrl+Q", QMessageBox::Cancel);  // the one that is behind is asked about
+  EXPECT_TRUE(window.isVisible());
+  EXPECT_NE(window.Statement(), first) << "and shown";
+  close("Ctrl+W", QMessageBox::Discard);
+  EXPECT_EQ(window.TabCount(), 1);
+  EXPECT_EQ(window.Statement(), first);
+  EXPECT_TRUE(QTest::qWaitFor([] { return RecoveryFiles().isEmpty(); }));
+}
+
+TEST_F(Session, PanesAreMaximisedHiddenAndRemembered) {
+  {
+    MainWindow window;
+    window.BeginSession();
+    window.show();
+    ASSERT_EQ(Utf8(window.OpenDatabase(ZRQRYBLD_SAMPLE_DB)), "");
+    QApplication::setActiveWindow(&window);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    QueryDesignerWidget& designer = window.Tab().Designer();
+    PaneLayout& panes = window.Tab().Panes();
+    designer.GridView().setFocus();
+    Give(window, "Ctrl+M");
+    EXPECT_TRUE(designer.GridView().isVisible() && !designer.DiagramView().isVisible());
+    designer.FocusPane(1);
+    EXPECT_TRUE(designer.SqlView().hasFocus() && !designer.GridView().isVisible()) << "the next one, as large";
+    Give(window, "Ctrl+M");
+    EXPECT_TRUE(designer.GridView().isVisible() && designer.DiagramView().isVisible());
+    designer.GridView().setFocus();
+    Give(window, "Ctrl+Shift+M");
+    EXPECT_EQ(designer.sizes()[1], 0);
+    EXPECT_FALSE(designer.GridView().hasFocus());
+    QTest::mouseDClick(designer.handle(1), Qt::LeftButton);
+    EXPECT_GT(designer.sizes()[1], 0);
+    QTest::mouseDClick(designer.handle(1), Qt::LeftButton);
+    EXPECT_EQ(designer.sizes()[1], 0);
+    designer.DiagramView().setFocus();
+    designer.FocusPane(1);
+    EXPECT_GT(designer.sizes()[1], 0) << "F6 brings it back";
+    EXPECT_FALSE(panes.RowsShown());
+    panes.SetRowsInTab(false);
+    panes.ShowRows(true);
+    EXPECT_TRUE(window.Preview().isVisible() && designer.SqlView().isVisible());
+    window.close();
+  }
+  MainWindow window;
+  window.BeginSession();
+  EXPECT_FALSE(window.Tab().Panes().RowsInTab());
+  window.Tab().Panes().SetRowsInTab(true);
+  EXPECT_TRUE(window.Tab().Panes().RowsInTab());
 }
 
 }  // namespace

@@ -153,6 +153,14 @@ void qbSQLPane::SetEdited(bool edited) {
   if (wasSqlOnly && !sqlOnly_) SqlOnlyChanged.Raise();
 }
 
+void qbSQLPane::WriteAnew() {
+  const Ref<QueryContext> context = context_.lock();
+  if (!typed_ || !context) return Refresh();
+  const StepScope step(context, kStepWriteAnew);
+  typed_.reset();
+  context->steps.QueryChanged();
+}
+
 bool qbSQLPane::UseAsTyped() {
   if (!edited_ || failure_.Empty()) return sqlOnly_;
   if (sqlOnly_) return true;

@@ -79,6 +79,9 @@ class ZRQRYBLD_API qbSQLPane final : public Object {
   /// Brings the designer's own text back.
   void RevertEditedText() { Refresh(); }
 
+  /// Writes the statement in the designer's own layout, without what `KeepTypedText` keeps: a step that can be undone.
+  void WriteAnew();
+
   /// Whether the text is one that the designer cannot hold and that stands for the query as it is, while the diagram
   /// and the grid have another: see `UseAsTyped`. Applying or reverting the text, and whatever writes it, ends this.
   bool IsSqlOnly() const { return sqlOnly_; }

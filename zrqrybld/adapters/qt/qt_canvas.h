@@ -10,6 +10,7 @@
 
 #include "zrqrybld/adapters/qt/qt_metrics.h"
 #include "zrqrybld/adapters/qt/theme.h"
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/canvas.h"
 
 class QPainter;
@@ -17,7 +18,7 @@ class QWidget;
 
 namespace zrqrybld {
 
-class QtCanvas final : public Canvas {
+class ZRQRYBLD_API QtCanvas final : public Canvas {
  public:
   /// All arguments must outlive the canvas. `widget` gives the style; nullptr means the application's.
   QtCanvas(QPainter& painter, const Theme& theme, const QtMetrics& metrics, const QWidget* widget = nullptr);

@@ -4,6 +4,7 @@
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QTimer>
+#include <map>
 
 #include "zrqrybld/adapters/qt/connection_window.h"
 #include "zrqrybld/adapters/qt/expression_window.h"
@@ -106,9 +107,15 @@ std::string QtDialogs::ShowSaveFile(const SaveFileDialog& dialog) {
     if (at >= 0) window.setDefaultSuffix(ToQString(dialog.kinds[static_cast<std::size_t>(at)].extension));
   };
   QObject::connect(&window, &QFileDialog::filterSelected, &window, useExtension);
-  useExtension(filters.value(0));
+  static std::map<std::string, QString> chosenKinds;  // by caption; Qt itself remembers the folder
+  QString& kind = chosenKinds[dialog.caption];
+  if (!filters.contains(kind)) kind = filters.value(0);
+  window.selectNameFilter(kind);
+  useExtension(kind);
   window.selectFile(ToQString(dialog.fileName));
-  return window.exec() == QDialog::Accepted ? ToUtf8(window.selectedFiles().value(0)) : std::string();
+  if (window.exec() != QDialog::Accepted) return {};
+  kind = window.selectedNameFilter();
+  return ToUtf8(window.selectedFiles().value(0));
 }
 
 std::optional<std::string> QtDialogs::ShowTextPrompt(const TextDialog& dialog) {

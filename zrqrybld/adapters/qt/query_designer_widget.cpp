@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QShortcut>
 #include <algorithm>
-#include <array>
 
 #include "zrqrybld/adapters/qt/change_announcer.h"
 #include "zrqrybld/adapters/qt/name_find_bar.h"
@@ -53,6 +52,7 @@ QueryDesignerWidget::QueryDesignerWidget(QWidget* parent)
     addWidget(pane);
     setCollapsible(indexOf(pane), false);
     pane->setMinimumHeight(72);
+    AddPane(pane);
   }
   setStretchFactor(0, kDiagramShare);
   setStretchFactor(1, kGridShare);
@@ -114,14 +114,22 @@ void QueryDesignerWidget::FitColumns() {
   }
 }
 
+void QueryDesignerWidget::AddPane(QWidget* pane) { panes_.emplace_back(pane); }
+
 void QueryDesignerWidget::FocusPane(int direction) {
-  const std::array<QWidget*, 3> panes{diagram_, grid_, sql_};
+  std::erase(panes_, nullptr);
   const QWidget* focused = QApplication::focusWidget();
   const auto holdsFocus = [focused](const QWidget* pane) { return pane == focused || pane->isAncestorOf(focused); };
-  const auto at = std::ranges::find_if(panes, holdsFocus) - panes.begin();
-  const auto count = std::ssize(panes);
-  const auto next = at == count ? (direction > 0 ? 0 : count - 1) : (at + direction + count) % count;
-  panes[static_cast<std::size_t>(next)]->setFocus(Qt::TabFocusReason);
+  const auto count = std::ssize(panes_);
+  auto at = std::ranges::find_if(panes_, holdsFocus) - panes_.begin();
+  if (at == count) at = direction > 0 ? count - 1 : 0;
+  for (std::ptrdiff_t step = 1; step <= count; ++step) {
+    const QPointer<QWidget> pane = panes_[static_cast<std::size_t>((at + direction * step + count) % count)];
+    Q_EMIT PaneWanted(pane);
+    if (!pane || !pane->isVisibleTo(pane->window())) continue;
+    pane->setFocus(Qt::TabFocusReason);
+    return;
+  }
 }
 
 QueryDesignerWidget::~QueryDesignerWidget() {

@@ -5,8 +5,10 @@
 // the panes into ControlWidgets and a QtTextArea themselves.
 #pragma once
 
+#include <QPointer>
 #include <QSplitter>
 #include <memory>
+#include <vector>
 
 #include "zrqrybld/adapters/qt/control_widget.h"
 #include "zrqrybld/adapters/qt/qt_text_area.h"
@@ -29,14 +31,22 @@ class ZRQRYBLD_API QueryDesignerWidget : public QSplitter {
   /// The hub: options, connection, tables. Register the data source providers at its toolkit first.
   qbQueryBuilder& QueryBuilder() const { return *hub_; }
 
-  /// Gives the keyboard to the next pane (1) or the one before (-1): diagram, grid, statement, and round again. F6 and
-  /// Shift+F6 do this.
+  /// Gives the keyboard to the next pane (1) or the one before (-1): diagram, grid, statement, those that were added,
+  /// and round again; one that is hidden is passed over. F6 and Shift+F6 do this.
   void FocusPane(int direction);
+
+  /// Adds a pane of the application to that round, wherever it stands; it gets the keyboard by its focus proxy, if it
+  /// has one.
+  void AddPane(QWidget* pane);
 
   /// The panes' windows.
   ControlWidget& DiagramView() const { return *diagram_; }
   ControlWidget& GridView() const { return *grid_; }
   QtTextArea& SqlView() const { return *sql_; }
+
+ Q_SIGNALS:
+  /// The pane is to get the keyboard now: who has hidden it may show it.
+  void PaneWanted(QWidget* pane);
 
  private:
   void ApplyTexts();
@@ -48,6 +58,7 @@ class ZRQRYBLD_API QueryDesignerWidget : public QSplitter {
   ControlWidget* grid_;
   QtTextArea* sql_;
   NameFindBar* find_;
+  std::vector<QPointer<QWidget>> panes_;  // in the order of the round
   ChangeAnnouncer* announcer_;
   EventConnection wanted_;
   EventConnection texts_;

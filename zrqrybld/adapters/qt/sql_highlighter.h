@@ -5,10 +5,11 @@
 #include <vector>
 
 #include "zrqrybld/adapters/qt/qt_text_area.h"
+#include "zrqrybld/base/export.h"
 
 namespace zrqrybld {
 
 /// How the pieces of a statement look: keywords, literals, comments; what is unfinished is an error.
-std::vector<TextSpan> HighlightSql(std::string_view text);
+ZRQRYBLD_API std::vector<TextSpan> HighlightSql(std::string_view text);
 
 }  // namespace zrqrybld

@@ -112,6 +112,6 @@ ZRQRYBLD_API ResultValue TextValue(ResultKind kind, std::string_view text, bool 
 ZRQRYBLD_API ResultValue BinaryValue(std::string_view beginning, std::int64_t size);
 
 /// How many bytes of binary data are shown.
-constexpr std::size_t kShownBytes = 16;
+constexpr std::size_t kShownBytes = 256;
 
 }  // namespace zrqrybld
