@@ -133,5 +133,6 @@ int main(void) {
   if (zrq_get(designer, "SQLPane", NULL, 0, &value) != 0) return failed("SQLPane");
   if (zrq_get(value.as.object, "SQLStatement", NULL, 0, &result) != 0) return failed("SQLStatement");
   printf("%s\n", result.as.text.data);
+  zrq_clear(&result);
   return 0;
 }

@@ -6,7 +6,7 @@
 
 #ifdef __SANITIZE_ADDRESS__
 // On a real display the toolkit looks for a message bus; the bus's library keeps what it has read of its settings.
-extern "C" const char* __lsan_default_suppressions() { return "leak:libdbus-1"; }
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions() { return "leak:libdbus-1"; }
 #endif
 
 int main(int argc, char** argv) {

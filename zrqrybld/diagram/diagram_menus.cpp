@@ -73,13 +73,14 @@ MenuEntry RelatedTo(const Targets& targets, const qbEntity& entity) {
     // A source that cannot tell leaves the rest of the menu as it is.
   }
   for (std::size_t i = 0; i < std::min(names.size(), kMost); ++i) {
-    related.entries.push_back(
-        {InMenu(names[i]), "", [context, name = names[i]] { TablePicker(context).AddTables({name}); }});
+    related.entries.push_back({InMenu(names[i]), "", [&site = targets.site, name = names[i]] {
+                                 TablePicker(site.Context()).AddTables({name});
+                               }});
   }
   if (names.size() > 1) {
     related.entries.push_back(MenuEntry::Separator());
     related.entries.push_back({Say(targets.site.Context(), text::MenuAllOfThem), "",
-                               [context, names] { TablePicker(context).AddTables(names); }});
+                               [&site = targets.site, names] { TablePicker(site.Context()).AddTables(names); }});
   }
   related.enabled = !names.empty();
   return related;
@@ -113,27 +114,33 @@ Menu MenuForBox(const Targets& targets, const Ref<qbEntity>& entity) {
   };
 }
 
-// What the grid can be told of a column; the box's own menu stands below.
+// What the grid can be told of a column; the box's own menu stands below. No entry holds the context: whoever keeps a
+// menu would keep the designer.
 Menu MenuForColumn(const Targets& targets, const Ref<qbEntity>& entity, const Ref<qbEntityItem>& item) {
   const Ref<QueryContext> context = targets.site.Context();
   const std::string table = entity->Caption();
   const std::string column = item->Text();
   const std::optional<ColumnUse> use = context ? context->design.UseOfColumn(table, column) : std::nullopt;
   const bool all = column == "*";
+  const auto report = [&site = targets.site](const auto& what) {
+    if (const Ref<QueryContext> now = site.Context()) what(now->reports);
+  };
   MenuEntry sort{Say(targets.site.Context(), text::MenuSort), "", {}, use && !all};
   for (const auto& [name, type] :
        {std::pair{text::MenuAscending, "Ascending"}, {text::MenuDescending, "Descending"}, {text::MenuUnsorted, ""}}) {
-    sort.entries.push_back({Say(context, name), "",
-                            [=, type = type] { context->reports.SortByColumn(table, column, type); }, true,
-                            use && EqualsNoCase(use->sortType, type)});
+    sort.entries.push_back(
+        {Say(context, name), "",
+         [=, type = type] { report([&](DesignReports& to) { to.SortByColumn(table, column, type); }); }, true,
+         use && EqualsNoCase(use->sortType, type)});
   }
   MenuEntry group{Say(targets.site.Context(), text::MenuGroup), "", {}, use.has_value()};
   if (use) {
     for (const Ref<qbDBFunction>& function : *context->source.DBFunctions()) {
       if ((function->Flags() & 1) == 0) continue;
-      group.entries.push_back({InMenu(function->DisplayText()), "",
-                               [=, name = function->Name()] { context->reports.GroupColumn(table, column, name); },
-                               true, EqualsNoCase(use->groupBy, function->DisplayText())});
+      group.entries.push_back(
+          {InMenu(function->DisplayText()), "",
+           [=, name = function->Name()] { report([&](DesignReports& to) { to.GroupColumn(table, column, name); }); },
+           true, EqualsNoCase(use->groupBy, function->DisplayText())});
     }
   }
   return {
@@ -145,8 +152,8 @@ Menu MenuForColumn(const Targets& targets, const Ref<qbEntity>& entity, const Re
        true, item->Checked()},
       std::move(sort),
       std::move(group),
-      {Say(targets.site.Context(), text::MenuAddCriterion), "", [=] { context->reports.GoToCriterion(table, column); },
-       use && !all},
+      {Say(targets.site.Context(), text::MenuAddCriterion), "",
+       [=] { report([&](DesignReports& to) { to.GoToCriterion(table, column); }); }, use && !all},
       MenuEntry::Separator(),
       EntryFor(
           context, Command::JoinFromHere, [&keyJoin = targets.keyJoin] { keyJoin.Begin(); }, !all),
@@ -187,7 +194,10 @@ Menu MenuForJoin(const Targets& targets, const Ref<qbRelationship>& join) {
   return {
       KindsOf(targets, join),
       EntryFor(
-          context, Command::OpenSelected, [context, join] { context->reports.RelationshipActivated(join); },
+          context, Command::OpenSelected,
+          [&site = targets.site, join] {
+            if (const Ref<QueryContext> now = site.Context()) now->reports.RelationshipActivated(join);
+          },
           context && context->design.CanEditJoins()),
       {Say(targets.site.Context(), text::MenuReverse), "", [&edits, join] { edits.ReverseJoin(join); }},
       MenuEntry::Separator(),
