@@ -63,7 +63,7 @@ QString ParseFile(qbQueryBuilder& hub, const QString& file) {
 }
 
 QString StatementOf(const qbQueryBuilder& hub) {
-  return ToQString(hub.SQLPane()->SQLStatement()).replace("\r\n", "\n");
+  return ToQString(hub.SQLPane()->PlainStatement()).replace("\r\n", "\n");
 }
 
 }  // namespace zrqrybld

@@ -66,7 +66,7 @@ def walk(bus):
     application = wait_for(lambda: bus.children(*root))
     if not application:
         return "the designer is not on the bus"
-    diagram = wait_for(lambda: bus.find(*application[0], 'panel "Diagram"', 6))
+    diagram = wait_for(lambda: bus.find(*application[0], 'panel "Diagram"', 10))
     if not diagram:
         return "there is no diagram"
     # Qt's versions differ in what they call a picture.
@@ -77,7 +77,7 @@ def walk(bus):
     order = bus.children(*diagram)[1]
     rows = bus.children(*order)
     freight = next(row for row in rows if bus.line(*row) == 'list item "Freight"')
-    grid = bus.find(*application[0], 'table "Query columns"', 6)
+    grid = bus.find(*application[0], 'table "Query columns"', 10)
     if not grid:
         return "there is no grid"
     cell = lambda: bus.line(*bus.children(*grid)[11])  # behind ten headers and the first row's own

@@ -91,6 +91,38 @@ class Preview : public test::DesignerWindow {
   }
 };
 
+// What cannot be drawn is refused once, with its reason; who asks again gets its rows, and diagram and grid, which hold
+// another query, are out of reach until it is applied or taken back.
+TEST_F(Preview, RunsATextThatCannotBeDrawnWhenAskedAgain) {
+  OpenSampleWith({"Customers"});
+  Type("SELECT City FROM Customers UNION SELECT City FROM Suppliers -- all places");
+  const auto enabled = [this] { return Designer().DiagramView().isEnabled() && Designer().GridView().isEnabled(); };
+  PressF5();
+  EXPECT_FALSE(Pane().IsRunning());
+  EXPECT_EQ(Faulty(), "UNION");
+  EXPECT_TRUE(enabled());
+  PressF5();
+  ASSERT_TRUE(Ends());
+  EXPECT_EQ(Utf8(Pane().Failure()), "");
+  EXPECT_GT(Pane().Rows().RowsHeld(), 0U);
+  EXPECT_FALSE(enabled());
+  const QImage greyed = window.grab().toImage();
+  Type("SELECT City FROM Customers WHERE City = :where");
+  EXPECT_FALSE(enabled());
+  WithDialog([this] { PressF5(); },
+             [](QDialog& dialog) {
+               auto* value = dialog.findChild<QLineEdit*>();
+               ASSERT_TRUE(value);
+               QTest::keyClicks(value, "Berlin");
+               QTest::keyClick(value, Qt::Key_Return);
+             });
+  ASSERT_TRUE(Ends());
+  EXPECT_EQ(Utf8(Pane().Failure()), "");
+  EXPECT_GT(Pane().Rows().RowsHeld(), 0U);
+  EXPECT_TRUE(enabled());
+  EXPECT_NE(greyed, window.grab().toImage());
+}
+
 TEST_F(Preview, ShowsRowsByTheirKindsAndReadsOnWhileScrolling) {
   OpenSampleWith({"Order Lines", "Order"});
   window.SetSyntax("MSSQL");

@@ -186,7 +186,7 @@ TEST_F(RowsPane, SaysWhatWasFetchedSortedAndFiltered) {
   Press("All");
   ASSERT_TRUE(Ends());
   EXPECT_GE(Pane().Rows().RowsHeld(), ResultModel::kMostRows);
-  EXPECT_TRUE(Pane().Summary().contains("holds no more")) << Utf8(Pane().Summary());
+  EXPECT_TRUE(Pane().Summary().contains("more are not held")) << Utf8(Pane().Summary());
 }
 
 TEST_F(RowsPane, AValueIsSeenAsAWhole) {
