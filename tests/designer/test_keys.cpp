@@ -10,6 +10,7 @@
 #include "zrqrybld/adapters/qt/query_designer_widget.h"
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/join_line.h"
 #include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/hub/hub.h"
@@ -63,6 +64,7 @@ class Keys : public test::DesignerWindow {
     return QApplication::focusWidget();
   }
   void Send(const std::string& key);
+  void Point(const std::string& what, const QString& place);
   std::string MenuPlace(const QMenu& menu);
 
   static constexpr int kPause = 20;  // milliseconds: a dialog that has opened gets the keyboard
@@ -74,6 +76,7 @@ class Keys : public test::DesignerWindow {
 
 void Keys::Send(const std::string& key) {
   const auto rest = [&](std::string_view prefix) { return QString::fromStdString(key.substr(prefix.size())); };
+  if (!Target()) QApplication::setActiveWindow(&window);  // behind a dialog off the screen none is
   QWidget* const target = Target();
   ASSERT_TRUE(target) << key;
   const QPoint middle = Diagram()->rect().center();
@@ -83,6 +86,9 @@ void Keys::Send(const std::string& key) {
     // The first letter may open an editor that gets the others.
     const QString letters = rest("type:").replace('_', ' ');
     for (const QChar letter : letters) QTest::keyClick(Target(), letter.toLatin1());
+  } else if (key.starts_with("tick:") || key.starts_with("menu:") || key.starts_with("cell:") ||
+             key.starts_with("line:") || key.starts_with("drag:>")) {
+    Point(key.substr(0, 4), rest(key.starts_with("drag:>") ? "drag:>" : "tick:").replace('_', ' '));
   } else if (key.starts_with("press:")) {
     QTest::keyPress(target, Qt::Key_Space);
   } else if (key.starts_with("release:")) {
@@ -100,6 +106,34 @@ void Keys::Send(const std::string& key) {
     ASSERT_NE(keys.key(), Qt::Key_unknown) << key;
     const bool back = keys.key() == Qt::Key_Tab && keys.keyboardModifiers() == Qt::ShiftModifier;
     QTest::keyClick(target, back ? Qt::Key_Backtab : keys.key(), keys.keyboardModifiers());
+  }
+}
+
+// What a mouse does at a place that has a name.
+void Keys::Point(const std::string& what, const QString& place) {
+  const QStringList parts = place.split(what == "drag" ? '>' : '.');
+  const auto column = [&](const QString& name) {
+    return RowText(name.section('.', 0, 0).toUtf8(), name.section('.', 1).toUtf8());
+  };
+  if (what == "tick") {
+    Click(CheckBox(parts[0].toUtf8(), parts[1].toUtf8()));
+  } else if (what == "menu") {
+    QTest::mouseClick(Diagram(), Qt::RightButton, {}, column(place));
+  } else if (what == "cell") {
+    const PixelRect cell =
+        Grid().Grid()->GetRowColumnXY(parts[0].toInt(), test::Utf8(QString(parts[1]).replace(' ', '_')));
+    QTest::mouseClick(Designer().GridView().viewport(), Qt::LeftButton, {},
+                      {qRound(cell.CenterX().Value()), qRound(cell.CenterY().Value())});
+  } else if (what == "line") {
+    const auto joins = Hub().Entities()->Item(test::Utf8(place))->Relationships();
+    const std::vector<PixelPoint>& points = joins->Item(1)->Line()->Points(ScreenScale{});
+    const PixelPoint middle{(points[1].x + points[2].x) / 2, (points[1].y + points[2].y) / 2};
+    QTest::mouseDClick(Diagram(), Qt::LeftButton, {}, InView(ScreenScale{}.ToTwips(middle)));
+  } else {
+    QTest::mousePress(Diagram(), Qt::LeftButton, {}, column(parts[0]));
+    QTest::mouseMove(Diagram(), column(parts[0]) + QPoint(12, 0));
+    QTest::mouseMove(Diagram(), column(parts[1]));
+    QTest::mouseRelease(Diagram(), Qt::LeftButton, {}, column(parts[1]));
   }
 }
 
@@ -206,6 +240,39 @@ TEST_P(KeyTable, DoesWhatItSays) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Line, KeyTable, testing::Range(std::size_t{0}, Table().size()));
+
+// --- Whole tasks, from the open sample on ---
+
+class TaskTable : public Keys, public testing::WithParamInterface<std::size_t> {};
+
+const std::vector<test::Row>& Tasks() {
+  static const std::vector<test::Row> kRows = test::ReadRows("tasks.txt");
+  return kRows;
+}
+
+// How often a hand moves: a letter, a key with those that are held, a click, a drag.
+std::size_t ActsOf(const std::string& script) {
+  std::size_t acts = 0;
+  std::istringstream stream(script);
+  for (std::string act; stream >> act;) {
+    acts += act.starts_with("type:") ? act.size() - 5 : act.starts_with("line:") ? 2 : 1;
+  }
+  return acts;
+}
+
+TEST_P(TaskTable, EndsInItsStatement) {
+  const test::Row& row = Tasks()[GetParam()];
+  SCOPED_TRACE(row.place + ": " + row[0]);
+  OpenSample();
+  Focus("diagram");
+  Press(row[1]);
+  std::string statement = Hub().SQLPane()->SQLStatement();
+  statement = ReplaceAll(ReplaceAll(statement, "\r\n", " "), "\t", "");
+  EXPECT_EQ(statement, row[3]);
+  EXPECT_EQ(std::to_string(ActsOf(row[1])), row[2]);
+}
+
+INSTANTIATE_TEST_SUITE_P(Line, TaskTable, testing::Range(std::size_t{0}, Tasks().size()));
 
 // Each pane looks different when it has the keyboard, with and without something that is current in it.
 TEST_F(Keys, FocusIsAlwaysVisible) {
