@@ -86,13 +86,14 @@ bool SaysSomething(const RowReader& row, bool grouped) {
 }
 
 // What a row of the grid says about its column, besides what its other rows have said.
-void AddTo(ColumnNote& note, const RowReader& row, bool grouped) {
+void AddTo(ColumnNote& note, const RowReader& row, bool grouped, const qbDBFunctions& functions) {
   const SortDirection sort = row.Direction();
   if (sort != SortDirection::None) {
     note.sort = sort == SortDirection::Ascending ? 1 : -1;
     note.order = row.Text(kColumnSortOrder);
   }
-  if (grouped) note.aggregate = row.Text(kColumnGroupBy);
+  // A condition on rows is seen by its sign.
+  if (grouped && row.Grouping(&functions).kind != GroupingKind::Where) note.aggregate = row.Text(kColumnGroupBy);
   note.filtered = note.filtered || row.HasCriteria(kColumnOr3);
 }
 
@@ -113,7 +114,7 @@ void qbQueryBuilder::NoteColumns() {
     const Ref<qbEntity> entity = table && column && !table->empty() ? entities->FindExactly(*table) : nullptr;
     const Ref<qbEntityItem> item = entity ? entity->Items()->Item(*column) : nullptr;
     const Ref<BoxRow> shown = item ? entity->EntityBox()->Rows().At(static_cast<std::size_t>(item->Index())) : nullptr;
-    if (shown) AddTo(notes[shown], reader, grouped);
+    if (shown) AddTo(notes[shown], reader, grouped, *DBFunctions());
   }
   for (const WeakRef<BoxRow>& before : std::exchange(noted_, {})) {
     const Ref<BoxRow> row = before.lock();

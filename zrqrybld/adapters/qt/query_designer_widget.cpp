@@ -68,8 +68,8 @@ QueryDesignerWidget::QueryDesignerWidget(QWidget* parent)
   onKey(ShortcutOf(Command::NextPane), 1);
   onKey(ShortcutOf(Command::PreviousPane), -1);
 
-  new SqlOnlyCover(*diagram_, *hub_);  // the panes own them
-  new SqlOnlyCover(*grid_, *hub_);
+  new SqlOnlyCover(*diagram_, *hub_, true);  // the panes own them
+  new SqlOnlyCover(*grid_, *hub_, false);
   find_ = new NameFindBar(*diagram_, diagram);
   wanted_ = diagram->FindWanted.Connect([this](bool& isShown) {
     isShown = true;

@@ -16,7 +16,8 @@ constexpr int kPadding = 12;
 
 }  // namespace
 
-SqlOnlyCover::SqlOnlyCover(QWidget& pane, qbQueryBuilder& hub) : QWidget(&pane), pane_(pane), hub_(hub) {
+SqlOnlyCover::SqlOnlyCover(QWidget& pane, qbQueryBuilder& hub, bool saysWhy)
+    : QWidget(&pane), pane_(pane), hub_(hub), saysWhy_(saysWhy) {
   hide();
   pane.installEventFilter(this);
   link_ = hub.SQLPane()->SqlOnlyChanged.Connect([this] { Follow(); });
@@ -40,6 +41,7 @@ void SqlOnlyCover::paintEvent(QPaintEvent*) {
   QColor veil = palette().color(QPalette::Active, QPalette::Window);
   veil.setAlpha(kVeil);
   painter.fillRect(rect(), veil);
+  if (!saysWhy_) return;
   const QString words = Say(*hub_.Texts(), text::CannotBeDrawn);
   const QRect inner = rect().adjusted(kPadding, kPadding, -kPadding, -kPadding);
   QRect plate = painter.boundingRect(inner, Qt::AlignCenter | Qt::TextWordWrap, words);

@@ -13,8 +13,8 @@ class qbQueryBuilder;
 class SqlOnlyCover final : public QWidget {
  public:
   /// Greys `pane`, which owns it, and takes it out of the way of mouse and keys for as long as `IsSqlOnly` of the hub's
-  /// SQL pane says so. The hub has its SQL pane already and outlives the cover.
-  SqlOnlyCover(QWidget& pane, qbQueryBuilder& hub);
+  /// SQL pane says so; with `saysWhy` in words. The hub has its SQL pane already and outlives the cover.
+  SqlOnlyCover(QWidget& pane, qbQueryBuilder& hub, bool saysWhy);
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -25,6 +25,7 @@ class SqlOnlyCover final : public QWidget {
 
   QWidget& pane_;
   qbQueryBuilder& hub_;
+  bool saysWhy_;
   EventConnection link_;
 };
 
