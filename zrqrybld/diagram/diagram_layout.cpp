@@ -53,8 +53,8 @@ DiagramLayout::Boxes DiagramLayout::AllBoxes(bool newOnesLast) const {
   for (const Ref<qbEntity>& entity : entities_) boxes.all.push_back(entity->EntityBox());
   const auto isOld = [this](const Ref<qbEntityList>& box) { return !IsNew(*box); };
   if (newOnesLast) {
-    const auto news = std::ranges::stable_partition(boxes.all, isOld);
-    boxes.firstNew = boxes.all.size() - news.size();
+    const auto news = std::stable_partition(boxes.all.begin(), boxes.all.end(), isOld);
+    boxes.firstNew = static_cast<std::size_t>(news - boxes.all.begin());
   }
   const ScreenScale scale = site_.GetSurface().Scale();
   std::unordered_map<const qbEntityList*, std::size_t> positions;
