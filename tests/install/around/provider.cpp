@@ -1,7 +1,7 @@
-#include <iostream>
-#include <memory>
 #include <zrqrybld/hub/query_builder.h>
 #include <zrqrybld/platform/headless.h>
+#include <iostream>
+#include <memory>
 
 void Example() {
   // EXAMPLE
