@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/canvas.h"
 
 namespace zrqrybld {
@@ -39,8 +40,8 @@ LineFacts& FactsOf(QTextBlock block);
 
 /// The place in bytes of a position in the document, and the position of such a place; a byte inside a character counts
 /// all of it, and one behind the text is at its end.
-std::size_t OffsetOf(const QTextDocument& document, int position);
-int PositionOf(const QTextDocument& document, std::size_t offset);
+ZRQRYBLD_API std::size_t OffsetOf(const QTextDocument& document, int position);
+ZRQRYBLD_API int PositionOf(const QTextDocument& document, std::size_t offset);
 
 /// A place in a line, in bytes and in units of Qt. It only moves on, so that a long line is walked once.
 struct LinePlace {
