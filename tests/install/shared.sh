@@ -21,7 +21,7 @@ target_link_libraries(app PRIVATE zrQryBld::sqlite)
 CMAKE
 cmake -S "$work/app" -B "$work/app/build" -DCMAKE_PREFIX_PATH="$work/here"
 cmake --build "$work/app/build"
-cmake -DPROGRAM="$work/app/build/app" -DARGUMENT="$build/samples/store.db" \
+cmake -DCOMMAND="$work/app/build/app;$build/samples/store.db" \
   -DEXPECTED="$source/samples/embedding/headless.txt" -P "$source/samples/embedding/compare_output.cmake"
 
 # An error that the core throws is caught by another library as what it is.
