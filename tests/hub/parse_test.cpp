@@ -328,6 +328,19 @@ TEST_F(ParseTest, AFileCannotShowOneStatementAndDesignAnother) {
     EXPECT_TRUE(hub->LoadQuery(hostile, true)) << typed;
     EXPECT_EQ(sql->SQLStatement(), own) << typed;
   }
+  // What one source reads as a comment is one to all of them: nothing in it is ever a statement.
+  hub->Properties()->Set(kTextReadingLiteral, WordsOf(*UsualReading("PostgreSQL")));
+  diagram->Clear();
+  EXPECT_TRUE(
+      hub->LoadQuery(file + "\r\nBegin TypedStatement\r\nLine1=/* /* */; DROP TABLE x */ SELECT 1\r\nLineCount=1\r\n"
+                            "End TypedStatement",
+                     true));
+  EXPECT_TRUE(sql->SQLStatement().starts_with("/* / * * /; DROP TABLE x */\r\n")) << sql->SQLStatement();
+  EXPECT_EQ(sql->PlainStatement(), own);
+  sql->SetSQLSyntax(SQLSyntaxAccess);
+  sql->Refresh();
+  EXPECT_EQ(sql->SQLStatement().find("/*"), std::string::npos) << "it has no comments";
+  sql->SetSQLSyntax(SQLSyntaxMSSQL);
   EXPECT_EQ(
       test::ErrorOf([&] { hub->LoadQuery("Begin TypedStatement\nLine1=x\nLineCount=1e9\nEnd TypedStatement", true); }),
       ErrorLoadingQuery);

@@ -66,13 +66,15 @@ bool BeginsItsLine(std::string_view sql, std::size_t at) {
 }
 
 // Some sources want a blank behind the dashes, some count the openings of a block, and some run blocks that begin with
-// a sign.
+// a sign. What a source reads as one comment may hold what ends it for another.
 std::string ForEverySource(std::string_view comment) {
   if (!comment.starts_with("/*")) {
     return "-- " + std::string(TrimWhite(comment.substr(comment.starts_with('#') ? 1 : 2)));
   }
-  std::string inner(comment.substr(2, comment.size() - 4));
-  for (std::size_t at = 0; (at = inner.find("/*", at)) != std::string::npos;) inner.insert(++at, " ");
+  comment.remove_prefix(2);
+  if (comment.ends_with("*/")) comment.remove_suffix(2);
+  std::string inner = ReplaceAll(ReplaceAll(comment, "*/", "* /"), "/*", "/ *");
+  if (inner.ends_with('/')) inner += ' ';
   const bool plain = inner.empty() || inner[0] == ' ' || inner[0] == '\r' || inner[0] == '\n' || inner[0] == '*';
   return (plain ? "/*" : "/* ") + inner + "*/";
 }

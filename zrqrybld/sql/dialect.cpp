@@ -100,6 +100,7 @@ constexpr Dialect Access() {
   Dialect d = kBase;
   d.syntax = SQLSyntaxAccess;
   d.name = "Access";
+  d.hasComments = false;
   d.concatenation = "&";
   d.fromParentheses = Dialect::FromParentheses::Nested;
   d.leavesParenthesesOpen = true;
@@ -112,6 +113,7 @@ constexpr Dialect OpenSql() {
   Dialect d = kBase;
   d.syntax = SQLSyntaxOpenSQL;
   d.name = "OpenSQL";
+  d.hasComments = false;
   d.fromParentheses = Dialect::FromParentheses::Whole;
   d.limit = {
       .place = RowLimit::Place::From, .rows = "UP TO @n ROWS", .percent = "UP TO @n% ROWS", .takesPercent = false};

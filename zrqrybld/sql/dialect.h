@@ -98,6 +98,8 @@ struct Dialect {
   std::string_view concatenation = {};
   /// Whether "||" is OR to its servers, in some of their modes.
   bool pipesMayBeOr = false;
+  /// Whether its statements can hold comments.
+  bool hasComments = true;
   /// What its own parameters begin with: see sql/host_parameters.h.
   std::string_view parameterSigns = {};
   /// Whether its servers compare a date in another form than ISO as a text, or with nothing, without an error.

@@ -271,11 +271,12 @@ const Ref<qbJoins>& qbSQLPane::Joins() const {
 
 // The text that stands for a generated one.
 std::string qbSQLPane::Present(std::string generated) {
-  const bool keeps = typed_ && !generated.empty();
+  const bool mayComment = DialectFor(options_.syntax).hasComments;
+  const bool keeps = typed_ && !generated.empty() && (mayComment || typed_->comments.empty());
   const bool wasTyped = std::exchange(asTyped_, keeps && generated == typed_->meaning);
   tellsStale_ = keeps && wasTyped && !asTyped_;
+  generated_ = generated;
   if (!keeps) return generated;
-  generated_ = std::move(generated);
   return asTyped_ ? typed_->text : WithComments(generated_, typed_->comments);
 }
 

@@ -163,7 +163,7 @@ class ZRQRYBLD_API qbSQLPane final : public Object {
   /// What is kept of the statement that was read last; nothing where nothing is. It belongs to the query.
   const std::shared_ptr<const TypedStatement>& Typed() const { return typed_; }
   /// Puts another in its place; the text follows at the next change or `Refresh`.
-  void SetTyped(std::shared_ptr<const TypedStatement> typed) { typed_ = std::move(typed); }
+  void SetTyped(std::shared_ptr<const TypedStatement> typed) { typed_ = keepTypedText_ ? std::move(typed) : nullptr; }
   /// Keeps a statement with what it means, if `KeepTypedText` says so.
   void Keep(const std::string& sql, std::string meaning);
 
