@@ -273,10 +273,12 @@ void FromBinder::JoinColumns(Side& left, const Side& right, const std::vector<Jo
   }
   left.columns = std::move(columns);
   if (dialect_.sharedColumns == Dialect::SharedColumns::InPlace) return;
-  const auto others = std::ranges::stable_partition(
-      left.columns, [&](const BoundColumn& column) { return placeIn(isRight, column) != shared.end(); });
+  // Not of std::ranges: clang 14 does not take the range it returns.
+  const auto others = std::stable_partition(left.columns.begin(), left.columns.end(), [&](const BoundColumn& column) {
+    return placeIn(isRight, column) != shared.end();
+  });
   if (dialect_.sharedColumns != Dialect::SharedColumns::FirstAsListed || step.natural) return;
-  std::ranges::sort(left.columns.begin(), others.begin(), {},
+  std::ranges::sort(left.columns.begin(), others, {},
                     [&](const BoundColumn& column) { return placeIn(isRight, column); });
 }
 
