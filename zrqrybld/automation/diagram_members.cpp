@@ -148,6 +148,9 @@ constexpr Member kRelationship[] = {
     ReadWrite<qbRelationship, &qbRelationship::LeftIndicator, &qbRelationship::SetLeftIndicator>("LeftIndicator"),
     ReadWrite<qbRelationship, &qbRelationship::RightIndicator, &qbRelationship::SetRightIndicator>("RightIndicator"),
     ReadWrite<qbRelationship, &qbRelationship::RightPicture, &qbRelationship::SetRightPicture>("RightPicture"),
+    ReadWrite<qbRelationship, &qbRelationship::Comparison, &qbRelationship::SetComparison>("Comparison"),
+    ReadWrite<qbRelationship, &qbRelationship::Condition, &qbRelationship::SetCondition>("Condition"),
+    ReadWrite<qbRelationship, &qbRelationship::GroupLevel, &qbRelationship::SetGroupLevel>("GroupLevel"),
 };
 
 const ClassInfo kClasses[] = {

@@ -22,6 +22,9 @@ namespace {
 constexpr EnumerationMember kConnectionState[] = {MEMBER(ConnectionClosed), MEMBER(ConnectionOpened)};
 constexpr EnumerationMember kDateFormat[] = {MEMBER(DateFormatNative), MEMBER(DateFormatEscapeSequence)};
 constexpr EnumerationMember kFieldOrder[] = {MEMBER(FieldOrderDefault), MEMBER(FieldOrderOrdinal)};
+constexpr EnumerationMember kJoinComparison[] = {
+    MEMBER(JoinEqual),   MEMBER(JoinNotEqual),       MEMBER(JoinLess), MEMBER(JoinLessOrEqual),
+    MEMBER(JoinGreater), MEMBER(JoinGreaterOrEqual), MEMBER(JoinLike), MEMBER(JoinSame)};
 constexpr EnumerationMember kJoinType[] = {MEMBER(JoinInner), MEMBER(JoinAllOfThis), MEMBER(JoinAllOfEarlier),
                                            MEMBER(JoinAllOfBoth)};
 constexpr EnumerationMember kLanguageID[] = {
@@ -89,6 +92,7 @@ constexpr Enumeration kEnumerations[] = {
     {kPublicName<ConnectionStateEnum>, kConnectionState},
     {kPublicName<DateFormatEnum>, kDateFormat},
     {kPublicName<FieldOrderEnum>, kFieldOrder},
+    {kPublicName<JoinComparisonEnum>, kJoinComparison},
     {kPublicName<JoinTypeEnum>, kJoinType},
     {kPublicName<LanguageIDEnum>, kLanguageID},
     {kPublicName<OLEDropModeEnum>, kOLEDropMode},

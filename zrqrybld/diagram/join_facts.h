@@ -3,10 +3,12 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/base/variant.h"
 #include "zrqrybld/platform/image.h"
+#include "zrqrybld/sql/join_comparison.h"
 
 namespace zrqrybld {
 
@@ -24,6 +26,9 @@ struct JoinFacts {
   RelationshipIndicatorStyle rightIndicator = IndicatorNone;
   Ref<Image> leftPicture;
   Ref<Image> rightPicture;
+  JoinComparisonEnum comparison = JoinEqual;
+  std::string condition;        ///< what else the join asks, as SQL on one line
+  std::int32_t groupLevel = 0;  ///< in how many groups of tables that are joined first it stands
   friend bool operator==(const JoinFacts&, const JoinFacts&) = default;
 };
 

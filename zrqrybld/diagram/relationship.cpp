@@ -1,7 +1,10 @@
 #include "zrqrybld/diagram/relationship.h"
 
+#include <algorithm>
+
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/diagram/entity.h"
+#include "zrqrybld/sql/join_condition.h"
 
 namespace zrqrybld {
 
@@ -35,6 +38,32 @@ void qbRelationship::SetSourceItemIndex(Variant index) {
 void qbRelationship::SetTargetItemIndex(Variant index) {
   Changing().targetItemIndex = std::move(index);
   if (!facts_.sourceItemIndex.IsEmpty()) NotifyEnd(Target());
+}
+
+// A join that is still being put together changes no statement.
+void qbRelationship::NotifyWhenComplete() {
+  if (!facts_.sourceItemIndex.IsEmpty() && !facts_.targetItemIndex.IsEmpty()) NotifyEnd(Source());
+}
+
+void qbRelationship::SetComparison(JoinComparisonEnum comparison) {
+  comparison = JoinComparisonAt(comparison);
+  if (comparison == facts_.comparison) return;
+  Changing().comparison = comparison;
+  NotifyWhenComplete();
+}
+
+void qbRelationship::SetCondition(std::string_view typed) {
+  std::string condition = JoinConditionText(typed);
+  if (condition == facts_.condition) return;
+  Changing().condition = std::move(condition);
+  NotifyWhenComplete();
+}
+
+void qbRelationship::SetGroupLevel(std::int32_t level) {
+  level = std::clamp(level, 0, kDeepestGroup);
+  if (level == facts_.groupLevel) return;
+  Changing().groupLevel = level;
+  NotifyWhenComplete();
 }
 
 void qbRelationship::RedrawEnds() {

@@ -74,6 +74,23 @@ class ZRQRYBLD_API qbRelationship final : public Object {
   const Ref<Image>& RightPicture() const { return facts_.rightPicture; }
   void SetRightPicture(Ref<Image> picture) { Changing().rightPicture = std::move(picture); }
 
+  /// How the two columns are compared, the source's first; equality at first. A number that is none counts as equality.
+  JoinComparisonEnum Comparison() const { return facts_.comparison; }
+  void SetComparison(JoinComparisonEnum comparison);
+
+  /// What the join asks besides the comparison of its columns: a condition over the two tables and those joined before
+  /// them, as it stands in ON; "" for nothing. It is kept on one line, without comments, and alternatives in
+  /// parentheses. Error 40002 with the place for a text that is no condition.
+  const std::string& Condition() const { return facts_.condition; }
+  void SetCondition(std::string_view typed);
+
+  /// In how many groups the join stands; 0 at first. Tables that joins of level 1 and more hold together are joined
+  /// first, in parentheses, and what is joined to one of them is joined to all: so they are there or missing together.
+  /// Negative numbers count as 0, larger ones than `kDeepestGroup` as that.
+  static constexpr std::int32_t kDeepestGroup = 100;
+  std::int32_t GroupLevel() const { return facts_.groupLevel; }
+  void SetGroupLevel(std::int32_t level);
+
   // --- For the model and the pane ---
 
   /// The joined columns; nothing when the index is not set or names none.
@@ -97,6 +114,7 @@ class ZRQRYBLD_API qbRelationship final : public Object {
       : source_(source), target_(target), owner_(std::move(owner)) {}
   void Detach();
   JoinFacts& Changing();
+  void NotifyWhenComplete();
   void Restore(const JoinFacts& facts);
   void NotifyEnd(const Ref<qbEntity>& end);
   void RedrawEnds();

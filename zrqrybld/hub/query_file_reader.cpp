@@ -95,7 +95,9 @@ const QueryFileReader::SectionKind* QueryFileReader::KindOf(std::string_view nam
       {"ENTITY", " CAPTION TAGVARIANT TOP LEFT WIDTH HEIGHT PROPERTYCOUNT ", &QueryFileReader::TakeEntity, false},
       {"ENTITYITEM", " ENTITYINDEX BOLD CHECKED COLOR INDEX KEY SMALLICON TEXT TOOLTIPTEXT PROPERTYCOUNT ",
        &QueryFileReader::TakeItem, false},
-      {"RELATIONSHIP", " ITEMDATA LEFTINDICATOR RIGHTINDICATOR SOURCE SOURCEITEMINDEX TARGET TARGETITEMINDEX ",
+      {"RELATIONSHIP",
+       " ITEMDATA LEFTINDICATOR RIGHTINDICATOR SOURCE SOURCEITEMINDEX TARGET TARGETITEMINDEX "
+       "COMPARISON CONDITION GROUPLEVEL ",
        &QueryFileReader::TakeRelationship, false},
       {"GRIDPANEDATA", " DATEFORMAT DATEFORMATSTYLE SHOWGROUPBY ", &QueryFileReader::TakeGridOptions, false},
       {"GRIDDATA", "", &QueryFileReader::TakeGrid, false},
@@ -358,6 +360,13 @@ void QueryFileReader::TakeRelationship() {
   // What is no number counts as 0.
   const std::string kind = section_.Text("ItemData");
   join->SetItemData(kind.empty() ? Variant() : NumberOf(ParseNumber(kind).value_or(0)));
+  if (section_.Find("Comparison")) {
+    join->SetComparison(JoinComparisonAt(static_cast<std::int32_t>(RequireNumber("Comparison", JoinEqual, JoinSame))));
+  }
+  if (section_.Find("Condition")) join->SetCondition(section_.Text("Condition"));
+  if (section_.Find("GroupLevel")) {
+    join->SetGroupLevel(static_cast<std::int32_t>(RequireNumber("GroupLevel", 0, qbRelationship::kDeepestGroup)));
+  }
   join->SetSourceItemIndex(sourceIndex);
   join->SetTargetItemIndex(targetIndex);
   join->SetLeftIndicator(indicator("LeftIndicator"));

@@ -182,6 +182,9 @@ void QueryFileWriter::WriteRelationship(const Ref<qbRelationship>& relationship)
   Line("SourceItemIndex", relationship->SourceItemIndex().Text());
   Line("Target", InFile(target->Caption()));
   Line("TargetItemIndex", relationship->TargetItemIndex().Text());
+  if (relationship->Comparison() != JoinEqual) Number("Comparison", relationship->Comparison());
+  if (!relationship->Condition().empty()) Line("Condition", relationship->Condition());
+  if (relationship->GroupLevel() != 0) Number("GroupLevel", relationship->GroupLevel());
   Marker("End Relationship");
 }
 

@@ -141,6 +141,7 @@ constexpr Dialect PostgreSql() {
   d.namePrefix = d.nameSuffix = "\"";
   d.plainNames = Dialect::PlainNames::Lower;
   d.readsAs = "PostgreSQL";
+  d.sameValue = "IS NOT DISTINCT FROM";
   d.concatenation = "||";
   d.sharedColumns = Dialect::SharedColumns::FirstAsListed;
   d.words = dialect_words::PostgreSql();
@@ -160,6 +161,7 @@ constexpr Dialect MySql() {
   d.namePrefix = d.nameSuffix = "`";
   d.doubleQuotesAreTexts = true;
   d.readsAs = "MySQL";
+  d.sameValue = "<=>";
   d.concatenation = "CONCAT(@Text1, @Text2)";
   d.pipesMayBeOr = true;
   d.misreadsDates = true;
@@ -180,6 +182,7 @@ constexpr Dialect Sqlite() {
   d.namePrefix = d.nameSuffix = "\"";
   d.doubleQuotesAreTexts = true;
   d.readsAs = "SQLite";
+  d.sameValue = "IS";
   d.misreadsDates = true;
   d.concatenation = "||";
   d.words = dialect_words::Sqlite();
@@ -218,6 +221,7 @@ constexpr Dialect Ansi() {
   d.syntax = SQLSyntaxANSI;
   d.name = "ANSI";
   d.parameterSigns = "?:";
+  d.sameValue = "IS NOT DISTINCT FROM";
   d.hasNullsPlace = true;
   d.limit = kFetch;
   d.values = {.date = "DATE '@'", .time = "TIME '@'", .timestamp = "TIMESTAMP '@'", .yes = "TRUE", .no = "FALSE"};
@@ -243,6 +247,7 @@ constexpr Dialect Oracle12() {
   d.values.no = "0";
   d.namePrefix = d.nameSuffix = "\"";
   d.readsAs = "Oracle";
+  d.sameValue = {};
   d.words = dialect_words::Oracle();
   return d;
 }

@@ -98,6 +98,8 @@ struct Dialect {
   std::string_view concatenation = {};
   /// Whether "||" is OR to its servers, in some of their modes.
   bool pipesMayBeOr = false;
+  /// What compares two columns as equal when both are missing; "" where nothing does.
+  std::string_view sameValue = {};
   /// Whether its statements can hold comments.
   bool hasComments = true;
   /// What its own parameters begin with: see sql/host_parameters.h.
