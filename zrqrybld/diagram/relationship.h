@@ -13,6 +13,7 @@
 #include "zrqrybld/diagram/join_facts.h"
 #include "zrqrybld/platform/image.h"
 #include "zrqrybld/sql/join_kind.h"
+#include "zrqrybld/sql/join_limits.h"
 
 namespace zrqrybld {
 
@@ -87,7 +88,7 @@ class ZRQRYBLD_API qbRelationship final : public Object {
   /// In how many groups the join stands; 0 at first. Tables that joins of level 1 and more hold together are joined
   /// first, in parentheses, and what is joined to one of them is joined to all: so they are there or missing together.
   /// Negative numbers count as 0, larger ones than `kDeepestGroup` as that.
-  static constexpr std::int32_t kDeepestGroup = 100;
+  static constexpr std::int32_t kDeepestGroup = kDeepestJoinGroup;
   std::int32_t GroupLevel() const { return facts_.groupLevel; }
   void SetGroupLevel(std::int32_t level);
 

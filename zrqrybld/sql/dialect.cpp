@@ -188,6 +188,7 @@ constexpr Dialect Sqlite() {
   d.doubleQuotesAreTexts = true;
   d.readsAs = "SQLite";
   d.sameValue = "IS";
+  d.commaJoins = true;
   d.misreadsDates = true;
   d.concatenation = "||";
   d.words = dialect_words::Sqlite();

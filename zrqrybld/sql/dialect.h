@@ -100,6 +100,8 @@ struct Dialect {
   bool pipesMayBeOr = false;
   /// Whether tables can be joined first in parentheses, to be joined to others as one.
   bool hasJoinGroups = true;
+  /// Whether a comma in FROM joins what stands before it, like JOIN, and not what the commas part.
+  bool commaJoins = false;
   /// Whether the mark of an outer join in WHERE stands behind a column, so that any comparison may bear it.
   bool marksColumns = false;
   /// What compares two columns as equal when both are missing; "" where nothing does.

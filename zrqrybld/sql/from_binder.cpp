@@ -101,7 +101,7 @@ void AddTables(const SelectStatement& statement, NameScope& scope) {
 
 // --- FROM ---
 
-BoundFrom FromBinder::Bind(bool joinsFromWhere) {
+BoundFrom FromBinder::Bind() {
   for (const FromItem* item = statement_.from; item; item = item->next) {
     sharesColumns_ |= SharesColumns(*item);
     hasOuterJoin_ |= HasOuterJoin(*item);
@@ -118,7 +118,7 @@ BoundFrom FromBinder::Bind(bool joinsFromWhere) {
   for (const Residual& residual : residuals_) {
     if (!residual.isAsked) bound_.conditions.push_back(residual.condition);
   }
-  BindWhere(joinsFromWhere);
+  BindWhere();
   RefuseMarksOutsideWhere();
   for (auto& [join, condition] : asked_) bound_.joins[join].condition = std::move(condition);
   if (hasMarks_) {
@@ -137,7 +137,13 @@ FromBinder::Side FromBinder::BindItem(const FromItem& item) {
     for (std::string& column : scope_.Source().Columns(table)) side.columns.push_back({table, std::move(column)});
   }
   const std::size_t firstResidual = residuals_.size();
-  for (const JoinStep* step = item.joins; step; step = step->next) BindStep(side, *step, firstResidual);
+  const std::int32_t level = level_;
+  for (const JoinStep* step = item.joins; step && reading_.nestsAll; step = step->next) ++level_;
+  for (const JoinStep* step = item.joins; step; step = step->next) {
+    if (reading_.nestsAll) --level_;
+    BindStep(side, *step, firstResidual);
+  }
+  level_ = level;
   return side;
 }
 
@@ -305,18 +311,29 @@ std::string FromBinder::TextOf(const std::vector<const Expression*>& conditions)
   return text;
 }
 
-// A condition of an inner join stands in WHERE, unless the diagram has it in the join.
+// A condition of an inner join stands in WHERE, unless the diagram has it in the join or nothing else holds its tables
+// together.
 void FromBinder::BindInner(Terms& terms, const std::vector<std::size_t>& joins, const Side& left, const Side& right) {
-  if (terms.others.empty()) return;
-  const std::string all = TextOf(terms.others);
+  const bool holds = joins.empty() && HoldsTogether();
+  if (terms.others.empty() && !holds) return;
+  const std::string all = terms.others.empty() ? "1 = 1" : TextOf(terms.others);
   const bool isDrawn = !joins.empty() && IsDrawnWith(joins.front(), all);
-  if (isDrawn) AskOfJoin(joins.front(), all);
-  if (isDrawn) terms.pairs.push_back(ConditionTerm(all, scope_.Tables()));
+  if (isDrawn || holds) {
+    AskOfJoin(holds ? AddBareJoin(TableFor(left, terms.others), TableFor(right, terms.others), {}) : joins.front(),
+              all);
+    terms.pairs.push_back(ConditionTerm(all, scope_.Tables()));
+  }
   const std::size_t place = residuals_.size();
   for (const Expression* other : terms.others) {
     residuals_.push_back({other, place, joins.empty() ? kNone : joins.front(), TableFor(left, terms.others),
-                          TableFor(right, terms.others), isDrawn});
+                          TableFor(right, terms.others), isDrawn || holds});
   }
+}
+
+// Whether tables without a comparison between them have to be held together by a join: others are joined to them as
+// one.
+bool FromBinder::HoldsTogether() const {
+  return hasOuterJoin_ && dialect_.joins == Dialect::Joins::Clauses && (reading_.crossesAsJoins || level_ > 0);
 }
 
 // What an outer join asks decides only which rows match: it stands nowhere but in the join.
@@ -466,12 +483,12 @@ std::size_t FromBinder::HashJoin::operator()(std::size_t place) const {
 
 // A comparison of columns is a join as a bare term, or in one pair of parentheses alone or with others: so the
 // generator writes joins. Criteria stand in two pairs.
-void FromBinder::BindWhere(bool joinsFromWhere) {
+void FromBinder::BindWhere() {
   if (!statement_.where) return;
   hasMarks_ = HasMark(*statement_.where);
   bringIn_.resize(scope_.Tables().size());
   const auto take = [&](const Expression* term, bool anySign) {
-    if (!IsWhereJoin(*term, joinsFromWhere, anySign)) return false;
+    if (!IsWhereJoin(*term, anySign)) return false;
     bound_.whereHadJoins = true;
     if (HasMark(*term)) {
       AddMarkedJoin(*term);
@@ -486,7 +503,7 @@ void FromBinder::BindWhere(bool joinsFromWhere) {
     if (take(term, false)) return;
     const Expression* inside = term->kind == ExpressionKind::Parentheses ? term->first : nullptr;
     if (inside && inside->kind == ExpressionKind::And) {
-      const auto isJoin = [&](const Expression* e) { return IsWhereJoin(*e, joinsFromWhere, true); };
+      const auto isJoin = [&](const Expression* e) { return IsWhereJoin(*e, true); };
       const Expression* e = inside->first;
       while (e && !isJoin(e)) e = e->next;
       if (e) {
@@ -507,11 +524,11 @@ void FromBinder::BindWhere(bool joinsFromWhere) {
 }
 
 // `anySign` where the generator writes joins of a list of tables: there every comparison is one.
-bool FromBinder::IsWhereJoin(const Expression& condition, bool joinsFromWhere, bool anySign) const {
+bool FromBinder::IsWhereJoin(const Expression& condition, bool anySign) const {
   const bool hasMark = HasMark(condition);
   if (!ComparesColumns(condition, hasMark || (anySign && dialect_.joins == Dialect::Joins::Conditions))) return false;
   if (hasMark) return true;
-  if (!joinsFromWhere) return false;
+  if (!reading_.joinsFromWhere) return false;
   const std::optional<JoinPair> pair = PairOf(condition);
   if (!pair) return false;
   return dialect_.joins == Dialect::Joins::Conditions || itemOf_[pair->left] != itemOf_[pair->right];

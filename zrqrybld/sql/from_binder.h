@@ -46,17 +46,27 @@ std::vector<const FromItem*> TablesOf(const SelectStatement& statement);
 /// Adds the tables of FROM to the scope, in their order. SyntaxError for one that cannot be.
 void AddTables(const SelectStatement& statement, NameScope& scope);
 
+/// What may be read in several ways.
+struct FromReading {
+  /// Whether comparisons of columns in WHERE join tables that FROM only lists; those with the marks of outer joins
+  /// always do.
+  bool joinsFromWhere = true;
+  /// Whether CROSS JOIN beside outer joins is a join on a condition that always holds.
+  bool crossesAsJoins = false;
+  /// Whether each JOIN is a group of all that stands before it.
+  bool nestsAll = false;
+};
+
 class FromBinder {
  public:
   FromBinder(const SelectStatement& statement, NameScope& scope, const FieldTerms& fields, const DrawnDiagram& drawn,
-             const Dialect& dialect)
-      : statement_(statement), scope_(scope), fields_(fields), drawn_(drawn), dialect_(dialect) {}
+             const Dialect& dialect, FromReading reading)
+      : statement_(statement), scope_(scope), fields_(fields), drawn_(drawn), dialect_(dialect), reading_(reading) {}
   FromBinder(const FromBinder&) = delete;
   FromBinder& operator=(const FromBinder&) = delete;
 
-  /// Reads the joins; to be called once. SyntaxError for a column or a join that cannot be. With `joinsFromWhere`
-  /// comparisons of columns in WHERE join tables that FROM only lists; those with the marks of outer joins always do.
-  BoundFrom Bind(bool joinsFromWhere);
+  /// Reads the joins; to be called once. SyntaxError for a column or a join that cannot be.
+  BoundFrom Bind();
 
  private:
   // The tables from `first` to before `end`.
@@ -98,6 +108,7 @@ class FromBinder {
   std::string TextOf(const std::vector<const Expression*>& conditions) const;
   void KeepFromWhere(std::size_t from, std::size_t to, JoinForms::Form form);
   void BindInner(Terms& terms, const std::vector<std::size_t>& joins, const Side& left, const Side& right);
+  bool HoldsTogether() const;
   void BindOuter(Terms& terms, const std::vector<std::size_t>& joins, const Side& left, const Side& right,
                  JoinKind kind);
   void RequireJoined(const Expression& expression, const Side& left, const Side& right) const;
@@ -110,8 +121,8 @@ class FromBinder {
   std::optional<JoinPair> PairOf(const Expression& condition) const;
   std::size_t AddJoin(const JoinPair& pair, bool allOfLeft, bool allOfRight);
 
-  void BindWhere(bool joinsFromWhere);
-  bool IsWhereJoin(const Expression& condition, bool joinsFromWhere, bool anySign) const;
+  void BindWhere();
+  bool IsWhereJoin(const Expression& condition, bool anySign) const;
   void AddMarkedJoin(const Expression& condition);
   void FinishMarks();
   void RefuseMarksOutsideWhere() const;
@@ -122,6 +133,7 @@ class FromBinder {
   const FieldTerms& fields_;
   const DrawnDiagram& drawn_;
   const Dialect& dialect_;
+  const FromReading reading_;
   std::optional<JoinForms> forms_;
   std::size_t nextTable_ = 0;
   std::vector<std::size_t> itemOf_;  // of each table: the item of the list in FROM that it belongs to

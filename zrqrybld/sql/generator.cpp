@@ -1,6 +1,7 @@
 #include "zrqrybld/sql/generator.h"
 
 #include <algorithm>
+#include <span>
 #include <utility>
 
 #include "zrqrybld/base/error.h"
@@ -134,9 +135,12 @@ class Generator {
 
   // The tables of FROM, or those of a group.
   void WriteJoinClauses(const std::vector<FromEntry>& entries, std::string_view begin) {
+    std::string_view end;  // of the item of the list that is being written
     for (const FromEntry& entry : entries) {
       if (entry.conditions.empty()) {
-        WriteUnjoinedTable(entry, entries, &entry == &entries.front() ? begin : kItem);
+        from_ += end;
+        end = KeepsEarlierRows({&entry, &entries.back() + 1}) && &entry != &entries.front() ? ")" : "";
+        WriteUnjoinedTable(entry, entries, &entry == &entries.front() ? begin : kItem, end.empty() ? "" : "(");
         continue;
       }
       from_ += kItem;
@@ -148,6 +152,18 @@ class Generator {
       const bool last = &entry == &entries.back();
       if (dialect_.fromParentheses == Dialect::FromParentheses::Nested && !last) from_ += ')';
     }
+    from_ += end;
+  }
+
+  // Whether the item of the list has to stand in parentheses, lest its joins keep rows of other items.
+  bool KeepsEarlierRows(std::span<const FromEntry> item) const {
+    if (!dialect_.commaJoins) return false;
+    for (const FromEntry& entry : item.subspan(1)) {
+      if (entry.conditions.empty()) return false;
+      const JoinTypeEnum type = entry.conditions.front().type;
+      if (type == JoinAllOfThis || type == JoinAllOfBoth) return true;
+    }
+    return false;
   }
 
   // A table, or those that are joined first.
@@ -162,10 +178,12 @@ class Generator {
   }
 
   // Every table without a condition opens the parentheses anew, not only the first.
-  void WriteUnjoinedTable(const FromEntry& entry, const std::vector<FromEntry>& entries, std::string_view begin) {
+  void WriteUnjoinedTable(const FromEntry& entry, const std::vector<FromEntry>& entries, std::string_view begin,
+                          std::string_view open) {
     const bool first = from_.empty();
     if (&entry != &entries.front()) from_ += dialect_.fromSeparator;
     from_ += begin;
+    from_ += open;
     if (first && dialect_.fromParentheses == Dialect::FromParentheses::Whole) from_ += dialect_.open;
     if (dialect_.fromParentheses == Dialect::FromParentheses::Nested && entries.size() > 2) {
       from_.append(entries.size() - 2, '(');

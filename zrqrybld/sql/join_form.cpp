@@ -129,7 +129,7 @@ JoinForms::Form JoinForms::Inner(Form a, Form b, std::span<const JoinPair> condi
   Merge(forms_[a].core, forms_[b].core);
   Unite(a, b);
   Filter(a, conditions);
-  return Closed(a, conditions);
+  return a;
 }
 
 void JoinForms::Filter(Form form, std::span<const JoinPair> conditions) {
@@ -137,6 +137,7 @@ void JoinForms::Filter(Form form, std::span<const JoinPair> conditions) {
   for (const JoinPair& pair : conditions) core.conditions.push_back(PairText(pair));
   core.open |= AreOpen(conditions);
   Require(form, TablesOf(conditions));
+  Close(form, conditions);
 }
 
 // Whether it matters for the conditions, or for those inside the form, that parts of it are missing, and not only the
@@ -163,10 +164,9 @@ void JoinForms::MakeOne(Form form, std::string text) {
 }
 
 // Where a condition may be about any table, what it was asked of stays as it is.
-JoinForms::Form JoinForms::Closed(Form form, std::span<const JoinPair> conditions) {
+void JoinForms::Close(Form form, std::span<const JoinPair> conditions) {
   const auto isUnclear = [](const JoinPair& pair) { return !pair.namesAllTables; };
   if (std::ranges::any_of(conditions, isUnclear)) MakeOne(form, "ONE{" + Text(form) + '}');
-  return form;
 }
 
 JoinForms::Form JoinForms::Left(Form a, Form b, std::span<const JoinPair> conditions) {
@@ -177,7 +177,8 @@ JoinForms::Form JoinForms::Left(Form a, Form b, std::span<const JoinPair> condit
   Unite(a, b);
   forms_[a].groups.push_back(group);
   optional_[group] = true;
-  return Closed(a, conditions);
+  Close(a, conditions);
+  return a;
 }
 
 // Nothing can be told about its parts from outside.

@@ -80,7 +80,7 @@ class JoinForms {
   void Require(Form form, std::span<const std::size_t> tables);
   bool DependsOnMissing(Form form, std::span<const JoinPair> conditions) const;
   void MakeOne(Form form, std::string text);
-  Form Closed(Form form, std::span<const JoinPair> conditions);
+  void Close(Form form, std::span<const JoinPair> conditions);
   std::string TextOf(Group& group) const;
 
   std::vector<FormParts> forms_;      // by the form's first table

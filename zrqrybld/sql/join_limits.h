@@ -9,6 +9,9 @@ namespace zrqrybld {
 
 struct Dialect;
 
+/// Deeper groups of joined tables are refused.
+constexpr std::int32_t kDeepestJoinGroup = 100;
+
 enum class JoinLimit : std::uint8_t {
   None,       ///< it can be written
   Condition,  ///< an outer join whose columns are not only compared as equal, beside a list of tables

@@ -1,6 +1,8 @@
 #include "zrqrybld/sql/statement_binder.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_sql.h"
@@ -9,6 +11,7 @@
 #include "zrqrybld/sql/field_terms.h"
 #include "zrqrybld/sql/from_binder.h"
 #include "zrqrybld/sql/join_form.h"
+#include "zrqrybld/sql/join_limits.h"
 #include "zrqrybld/sql/keywords.h"
 #include "zrqrybld/sql/lexer.h"
 
@@ -196,17 +199,22 @@ class Binder {
   // --- FROM ---
 
   void BindFrom() {
-    BoundFrom bound = FromBinder(statement_, scope_, fields_, options_.drawn, *options_.dialect).Bind(true);
+    BoundFrom bound = ReadFrom({});
     if (bound.hasFull && !options_.dialect->hasFullJoin && options_.dialect->joins == Dialect::Joins::Clauses) {
       scope_.Refuse(bound.firstOuter, text::DialectWithoutFullJoin);
     }
-    if (!Take(bound)) {
-      bound = FromBinder(statement_, scope_, fields_, options_.drawn, *options_.dialect).Bind(false);
-      if (!Take(bound)) {
-        scope_.Refuse(bound.firstOuter, text::JoinsInOtherOrder);
-      }
+    constexpr FromReading kOthers[] = {
+        {.joinsFromWhere = false}, {.crossesAsJoins = true}, {.crossesAsJoins = true, .nestsAll = true}};
+    const FromReading* next = std::begin(kOthers);
+    while (!Take(bound)) {
+      if (next == std::end(kOthers)) scope_.Refuse(bound.firstOuter, text::JoinsInOtherOrder);
+      bound = ReadFrom(*next++);
     }
     from_ = std::move(bound);
+  }
+
+  BoundFrom ReadFrom(FromReading reading) {
+    return FromBinder(statement_, scope_, fields_, options_.drawn, *options_.dialect, reading).Bind();
   }
 
   // Whether the generated text means what the statement says. A dialect without "all rows of both" keeps it in the
@@ -214,7 +222,8 @@ class Binder {
   bool Take(const BoundFrom& bound) {
     const bool means = bound.firstOuter.empty() || (bound.hasFull && !options_.dialect->hasFullJoin);
     if (TakeInOrder(bound, bound.joins, means)) return true;
-    if (!options_.dialect->hasJoinGroups) return false;
+    const bool isTooDeep = std::ranges::any_of(bound.groupLevels, [](std::int32_t l) { return l > kDeepestJoinGroup; });
+    if (!options_.dialect->hasJoinGroups || isTooDeep) return false;
     std::vector<SnapshotJoin> joins = bound.joins;
     for (std::size_t i = 0; i < joins.size(); ++i) joins[i].groupLevel = bound.groupLevels[i];
     return joins != bound.joins && TakeInOrder(bound, joins, means);
