@@ -137,9 +137,9 @@ class StatementByChance {
     if (leftCount > 1 && chance_.OneIn(2)) left = "(" + left + ")";
     if (count - leftCount > 1) right = "(" + right + ")";
     if (chance_.OneIn(8)) return left + " CROSS JOIN " + right;
-    std::string on = Pair(first, middle);
+    std::string on = chance_.OneIn(12) ? OnlyJoined(first) : Pair(first, middle);
     if (chance_.OneIn(4)) on += " AND " + Pair(first, middle);
-    if (chance_.OneIn(8)) on += " AND " + ColumnOf(tables_[middle]) + " > 1";
+    if (chance_.OneIn(3)) on += " AND " + OnlyJoined(first);
     if (chance_.OneIn(6)) on = "(" + on + ")";
     return left + One({" INNER JOIN ", " JOIN ", " LEFT JOIN ", " LEFT OUTER JOIN ", " RIGHT JOIN ", " FULL JOIN "}) +
            right + " ON " + on;
@@ -149,7 +149,26 @@ class StatementByChance {
     std::string left = ColumnOf(tables_[first + chance_.Below(middle - first)]);
     std::string right = ColumnOf(tables_[middle + chance_.Below(tables_.size() - middle)]);
     if (chance_.OneIn(3)) std::swap(left, right);
-    return left + " = " + right;
+    if (chance_.OneIn(12)) return left + " BETWEEN " + right + " AND " + right;
+    return left + One({" = ", " = ", " = ", " = ", " < ", " >= ", " <> ", " LIKE ", " IS "}) + right;
+  }
+
+  // A condition over the tables from `first` on.
+  std::string OnlyJoined(std::size_t first) {
+    const auto column = [&] { return ColumnOf(tables_[first + chance_.Below(tables_.size() - first)]); };
+    const std::string left = column();
+    switch (chance_.Below(6)) {
+      case 0:
+        return left + " IS NULL";
+      case 1:
+        return "(" + left + " = 1 OR " + column() + " IS NULL)";
+      case 2:
+        return left + " = " + column() + " + 1";
+      case 3:
+        return "EXISTS (SELECT 1 FROM v w WHERE w.d = " + left + ")";
+      default:
+        return left + One({" > 1", " = 'x'", " NOT IN (1, 2)"});
+    }
   }
 
   std::string ColumnOf(const Table& table) {

@@ -44,12 +44,18 @@ class ParseTest : public test::HubTest {
         const qbRelationship& join = *joins.Item(j);
         const bool left = join.LeftIndicator() == IndicatorImage;
         const bool right = join.RightIndicator() == IndicatorImage;
-        text += (text.empty() ? "" : " ") + join.Source()->Caption() + "." + join.SourceItem()->Text() + ">" +
-                join.Target()->Caption() + "." + join.TargetItem()->Text() + " " + join.ItemData().Text() +
+        const auto end = [](const qbEntity& entity, const Ref<qbEntityItem>& item) {
+          return entity.Caption() + (item ? "." + item->Text() : "");
+        };
+        text += (text.empty() ? "" : " ") + end(*join.Source(), join.SourceItem()) + ">" +
+                end(*join.Target(), join.TargetItem()) + " " + join.ItemData().Text() +
                 (left && right ? " both"
                  : left        ? " left"
                  : right       ? " right"
                                : "");
+        if (join.Comparison() != JoinEqual) text += " " + std::string(SignOf(join.Comparison()));
+        if (!join.Condition().empty()) text += " {" + join.Condition() + "}";
+        if (join.GroupLevel() != 0) text += " (" + std::to_string(join.GroupLevel()) + ")";
       }
     }
     return text;

@@ -183,6 +183,7 @@ class Placer {
       }
     }
     std::vector<PixelSize> sizes;
+    sizes.reserve(others.size());
     for (const std::size_t box : others) sizes.push_back({boxes_[box].width, boxes_[box].height});
     std::vector<BoxLink> links;
     for (const JoinPlace& join : joins_) {

@@ -220,6 +220,7 @@ void qbEntities::RenameTo(const DiagramState& then) {
     }
   }
   std::vector<std::size_t> places;
+  places.reserve(changing.size());
   for (const auto& [entity, caption] : changing) places.push_back(PositionOf(*entity));
   for (const std::size_t place : places) items_.Rekey(place, "\x01" + std::to_string(place));
   for (std::size_t i = 0; i < changing.size(); ++i) {

@@ -40,6 +40,7 @@ std::vector<bool> CarriedTicks(const EntityState& before, const std::vector<Item
     if (before.ticks[i]) ticked.insert((*before.items)[i].text);
   }
   std::vector<bool> ticks;
+  ticks.reserve(items.size());
   for (const ItemState& item : items) ticks.push_back(ticked.contains(item.text));
   return ticks;
 }

@@ -49,7 +49,7 @@ std::vector<SourceTableName> NeighboursOf(QueryContext& context, const SourceTab
 }
 
 // Walks from a reached table to the wanted one, every way.
-void CollectPaths(const Reach& reach, const std::string& at, const NameRules& rules, JoinPath path,
+void CollectPaths(const Reach& reach, const std::string& at, const NameRules& rules, const JoinPath& path,
                   std::vector<JoinPath>& paths) {
   for (const std::string& next : reach.at(at).nearer) {
     if (paths.size() == kMostPaths) return;

@@ -57,7 +57,7 @@ std::size_t SchemaBytesOf(const qbEntity& entity) {
   const std::string& schema = Fact(entity, kTableSchema);
   if (schema.empty()) return 0;
   const std::string& name = Fact(entity, kTableName);
-  const std::string caption = entity.Caption();
+  const std::string& caption = entity.Caption();
   if (!caption.ends_with(name) || caption.size() <= name.size() + schema.size()) return 0;
   const std::size_t bytes = caption.size() - name.size();
   return caption.substr(0, bytes).find(schema) == std::string::npos ? 0 : bytes;
@@ -65,7 +65,7 @@ std::size_t SchemaBytesOf(const qbEntity& entity) {
 
 std::string AliasedTable(const qbEntity& entity) {
   const std::string* tag = entity.TagVariant().StringIf();
-  const std::string caption = entity.Caption();
+  const std::string& caption = entity.Caption();
   if (!tag || tag->empty() || *tag == caption) return {};
   const std::string& table = Fact(entity, kTableName);
   return table == caption ? std::string() : table;

@@ -177,14 +177,14 @@ void SchemaCache::ReadColumns(Known& table) {
 // The rows of one key belong together by its name; a column that begins a key anew (its ordinal is 1) begins another
 // one, where keys have no names.
 void SchemaCache::ReadForeignKeys(Known& table) {
-  std::map<std::string, std::size_t> keys;
+  std::map<std::pair<std::string, std::string>, std::size_t> keys;
   const auto rows = context_.source.Connection()->OpenSchema(SchemaKind::ForeignKeys, {{}, table.schema, table.name});
   for (; !rows->Eof(); rows->MoveNext()) {
     const std::string parent = rows->Text("PK_TABLE_NAME");
     const std::string name = rows->Text("FK_NAME");
     const Variant ordinal = rows->Value("ORDINAL");
     const bool begins = name.empty() && (ordinal.IsBlank() || ordinal.ToInt32() <= 1);
-    const auto [key, isNew] = keys.try_emplace(name + '\n' + parent, table.foreignKeys.size());
+    const auto [key, isNew] = keys.try_emplace(std::pair(name, parent), table.foreignKeys.size());
     if (isNew || begins) {
       key->second = table.foreignKeys.size();
       table.foreignKeys.push_back({rows->Text("PK_TABLE_SCHEMA"), parent, {}});

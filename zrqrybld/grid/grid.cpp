@@ -109,7 +109,7 @@ std::vector<Pixels> zrGrid::ColumnWidths() const {
   double shares = 0;
   for (const Ref<zrGridColumn>& column : *columns_) {
     const auto twips = static_cast<double>(column->Width());
-    widths.push_back(Pixels(std::round(scale.PixelsX(Twips(twips)).Value())));
+    widths.emplace_back(std::round(scale.PixelsX(Twips(twips)).Value()));
     free = free - widths.back();
     if (column->Width() > 0) shares += static_cast<double>(column->Share());
   }

@@ -154,7 +154,8 @@ class DesignWriter {
     std::vector<QueryRow> rows;
     rows.reserve(query_.rows.size());
     for (const SnapshotRow& row : query_.rows) {
-      QueryRow content{row, row.alias.Name(), {}};
+      const RowTerms& terms = row;
+      QueryRow content{terms, row.alias.Name(), {}};
       if (row.table) content.table = tables_[*row.table].caption;
       if (row.table && entities_ && row.column != "*") ItemIndex(*tables_[*row.table].entity, row.column);
       rows.push_back(std::move(content));

@@ -132,7 +132,8 @@ DrawnDiagram TablePlan::Drawn(std::vector<Ref<qbRelationship>>& drawnJoins) cons
       const bool asksConditionAlone = !from && !to && !join->Condition().empty();
       if (target == positions.end() || !((from && to) || asksConditionAlone)) continue;
       const auto nameOf = [](const Ref<qbEntityItem>& item) { return item ? item->Text() : std::string(); };
-      drawn.joins.push_back({i, target->second, nameOf(from), nameOf(to), join->Comparison(), join->Condition()});
+      drawn.joins.push_back(
+          {i, target->second, nameOf(from), nameOf(to), join->Comparison(), join->Condition(), join->GroupLevel()});
       drawnJoins.push_back(join);
     }
   }

@@ -136,10 +136,10 @@ constexpr auto Split() {
 
 template <const std::string_view& Text>
 inline constexpr auto kWords = [] {
-  constexpr auto words = Split<Text>();
-  static_assert(std::ranges::adjacent_find(words, std::ranges::greater_equal()) == words.end(), "sorted, each once");
+  constexpr auto kSplit = Split<Text>();
+  static_assert(std::ranges::adjacent_find(kSplit, std::ranges::greater_equal()) == kSplit.end(), "sorted, each once");
   static_assert(std::ranges::none_of(Text, [](char c) { return c >= 'a' && c <= 'z'; }), "in upper case");
-  return words;
+  return kSplit;
 }();
 
 }  // namespace lists

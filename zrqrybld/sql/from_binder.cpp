@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <set>
-#include <span>
 #include <utility>
 
 #include "zrqrybld/base/text.h"
@@ -295,8 +294,9 @@ void FromBinder::KeepFromWhere(std::size_t from, std::size_t to, JoinForms::Form
     asking.insert(residual.join);
   }
   for (const std::size_t join : asking) {
-    const JoinPair term = ConditionTerm(asked_[join], scope_.Tables());
-    forms_->Filter(form, std::span(&term, 1));
+    std::vector<JoinPair> terms;
+    AddConditionTerms(terms, asked_[join], scope_.Tables());
+    forms_->Filter(form, terms);
   }
 }
 
@@ -311,29 +311,47 @@ std::string FromBinder::TextOf(const std::vector<const Expression*>& conditions)
   return text;
 }
 
-// A condition of an inner join stands in WHERE, unless the diagram has it in the join or nothing else holds its tables
+// A condition of an inner join stands in WHERE, unless the diagram has it in a join or nothing else holds the tables
 // together.
 void FromBinder::BindInner(Terms& terms, const std::vector<std::size_t>& joins, const Side& left, const Side& right) {
   const bool holds = joins.empty() && HoldsTogether();
-  if (terms.others.empty() && !holds) return;
-  const std::string all = terms.others.empty() ? "1 = 1" : TextOf(terms.others);
-  const bool isDrawn = !joins.empty() && IsDrawnWith(joins.front(), all);
-  if (isDrawn || holds) {
-    AskOfJoin(holds ? AddBareJoin(TableFor(left, terms.others), TableFor(right, terms.others), {}) : joins.front(),
-              all);
-    terms.pairs.push_back(ConditionTerm(all, scope_.Tables()));
-  }
-  const std::size_t place = residuals_.size();
+  std::string asked = holds && terms.others.empty() ? "1 = 1" : "";
+  std::vector<const Expression*> ofWhole;
   for (const Expression* other : terms.others) {
-    residuals_.push_back({other, place, joins.empty() ? kNone : joins.front(), TableFor(left, terms.others),
-                          TableFor(right, terms.others), isDrawn || holds});
+    const std::string text = TextOf(*other);
+    if (holds || IsDrawn(text)) {
+      asked += (asked.empty() ? "" : " AND ") + text;
+    } else {
+      ofWhole.push_back(other);
+    }
   }
+  std::size_t join = joins.empty() ? kNone : joins.front();
+  if (!asked.empty()) {
+    if (join == kNone) join = AddBareJoin(TableFor(left, terms.others), TableFor(right, terms.others), {});
+    AskOfJoin(join, asked);
+    AddConditionTerms(terms.pairs, asked, scope_.Tables());
+  }
+  const std::size_t first = residuals_.size();
+  for (const Expression* other : ofWhole) {
+    residuals_.push_back({other, first, join, TableFor(left, ofWhole), TableFor(right, ofWhole)});
+  }
+}
+
+// Whether the condition stands in a join of the diagram.
+bool FromBinder::IsDrawn(const std::string& condition) {
+  if (!drawnConditions_) {
+    drawnConditions_.emplace();
+    for (const DrawnJoin& drawn : drawn_.joins) {
+      for (std::string& term : JoinConditionTerms(drawn.condition)) drawnConditions_->insert(std::move(term));
+    }
+  }
+  return drawnConditions_->contains(condition);
 }
 
 // Whether tables without a comparison between them have to be held together by a join: others are joined to them as
 // one.
 bool FromBinder::HoldsTogether() const {
-  return hasOuterJoin_ && dialect_.joins == Dialect::Joins::Clauses && (reading_.crossesAsJoins || level_ > 0);
+  return hasOuterJoin_ && dialect_.hasJoinGroups && (reading_.crossesAsJoins || level_ > 0);
 }
 
 // What an outer join asks decides only which rows match: it stands nowhere but in the join.
@@ -344,7 +362,7 @@ void FromBinder::BindOuter(Terms& terms, const std::vector<std::size_t>& joins, 
   const std::size_t join =
       joins.empty() ? AddBareJoin(TableFor(left, terms.others), TableFor(right, terms.others), kind) : joins.front();
   AskOfJoin(join, TextOf(terms.others));
-  terms.pairs.push_back(ConditionTerm(TextOf(terms.others), scope_.Tables()));
+  AddConditionTerms(terms.pairs, TextOf(terms.others), scope_.Tables());
 }
 
 void FromBinder::RequireJoined(const Expression& expression, const Side& left, const Side& right) const {
@@ -355,14 +373,6 @@ void FromBinder::RequireJoined(const Expression& expression, const Side& left, c
     }
   }
   for (const Expression* child = expression.first; child; child = child->next) RequireJoined(*child, left, right);
-}
-
-bool FromBinder::IsDrawnWith(std::size_t join, const std::string& condition) const {
-  const SnapshotJoin& one = bound_.joins[join];
-  return std::ranges::any_of(drawn_.joins, [&](const DrawnJoin& drawn) {
-    return drawn.condition == condition &&
-           std::minmax(drawn.source, drawn.target) == std::minmax(one.source, one.target);
-  });
 }
 
 // A name that only one of the tables joined here has may be one of several in WHERE.

@@ -112,7 +112,7 @@ class FromBinder {
   void BindOuter(Terms& terms, const std::vector<std::size_t>& joins, const Side& left, const Side& right,
                  JoinKind kind);
   void RequireJoined(const Expression& expression, const Side& left, const Side& right) const;
-  bool IsDrawnWith(std::size_t join, const std::string& condition) const;
+  bool IsDrawn(const std::string& condition);
   void AddSharedColumns(std::vector<JoinPair>& pairs, const Side& left, const Side& right, const JoinStep& step);
   void RequireClearNames(const Expression& expression) const;
   void JoinColumns(Side& left, const Side& right, const std::vector<JoinPair>& shared, const JoinStep& step) const;
@@ -139,8 +139,9 @@ class FromBinder {
   std::vector<std::size_t> itemOf_;  // of each table: the item of the list in FROM that it belongs to
   std::vector<Residual> residuals_;
   std::unordered_map<std::size_t, std::string> asked_;  // conditions, by their join's place in `bound_.joins`
-  std::int32_t level_ = 0;                              // of the parentheses that are read
-  std::vector<std::vector<JoinPair>> bringIn_;          // by table, from the marks in WHERE
+  std::optional<std::unordered_set<std::string>> drawnConditions_;  // of the diagram, term by term
+  std::int32_t level_ = 0;                                          // of the parentheses that are read
+  std::vector<std::vector<JoinPair>> bringIn_;                      // by table, from the marks in WHERE
   std::vector<JoinPair> whereJoins_;
   bool hasMarks_ = false;
   bool sharesColumns_ = false;

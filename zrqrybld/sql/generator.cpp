@@ -9,6 +9,7 @@
 #include "zrqrybld/base/texts_sql.h"
 #include "zrqrybld/sql/criteria_formatter.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/join_condition.h"
 #include "zrqrybld/sql/join_limits.h"
 #include "zrqrybld/sql/keywords.h"
 #include "zrqrybld/sql/lexer.h"
@@ -62,7 +63,7 @@ class Generator {
       result_.cartesian |= entry.conditions.empty() && &entry != &result_.from.front();
     }
     if (dialect_.joins == Dialect::Joins::Clauses) {
-      WriteJoinClauses(result_.from, kItem);
+      WriteJoinClauses(result_.from);
       if (dialect_.fromParentheses == Dialect::FromParentheses::Whole && !from_.empty()) from_ += dialect_.close;
     } else {
       WriteTableList();
@@ -134,21 +135,21 @@ class Generator {
   }
 
   // The tables of FROM, or those of a group.
-  void WriteJoinClauses(const std::vector<FromEntry>& entries, std::string_view begin) {
+  void WriteJoinClauses(const std::vector<FromEntry>& entries) {
     std::string_view end;  // of the item of the list that is being written
     for (const FromEntry& entry : entries) {
       if (entry.conditions.empty()) {
         from_ += end;
         end = KeepsEarlierRows({&entry, &entries.back() + 1}) && &entry != &entries.front() ? ")" : "";
-        WriteUnjoinedTable(entry, entries, &entry == &entries.front() ? begin : kItem, end.empty() ? "" : "(");
+        WriteUnjoinedTable(entry, entries, end.empty() ? "" : "(");
         continue;
       }
-      from_ += kItem;
+      BeginLine();
       from_ += dialect_.joinWords[entry.conditions.front().type];
       from_ += "JOIN ";
       WriteTable(entry);
       from_ += " ON ";
-      AppendConditions(from_, entry, kAnd);
+      AppendConditions(from_, entry, std::string(kAnd) + std::string(depth_, '\t'));
       const bool last = &entry == &entries.back();
       if (dialect_.fromParentheses == Dialect::FromParentheses::Nested && !last) from_ += ')';
     }
@@ -173,16 +174,20 @@ class Generator {
       return;
     }
     from_ += '(';
-    WriteJoinClauses(entry.group, {});
+    ++depth_;
+    WriteJoinClauses(entry.group);
+    --depth_;
     from_ += ')';
   }
 
+  void BeginLine() { from_.append(kItem).append(depth_, '\t'); }
+
   // Every table without a condition opens the parentheses anew, not only the first.
-  void WriteUnjoinedTable(const FromEntry& entry, const std::vector<FromEntry>& entries, std::string_view begin,
-                          std::string_view open) {
+  void WriteUnjoinedTable(const FromEntry& entry, const std::vector<FromEntry>& entries, std::string_view open) {
     const bool first = from_.empty();
+    const bool beginsGroup = depth_ > 0 && &entry == &entries.front();
     if (&entry != &entries.front()) from_ += dialect_.fromSeparator;
-    from_ += begin;
+    if (!beginsGroup) BeginLine();
     from_ += open;
     if (first && dialect_.fromParentheses == Dialect::FromParentheses::Whole) from_ += dialect_.open;
     if (dialect_.fromParentheses == Dialect::FromParentheses::Nested && entries.size() > 2) {
@@ -191,13 +196,20 @@ class Generator {
     WriteTable(entry);
   }
 
+  // First what is compared, then what else is asked.
   void AppendConditions(std::string& text, const FromEntry& entry, std::string_view separator) const {
+    const std::size_t begin = text.size();
+    const auto part = [&] { text += text.size() == begin ? std::string_view() : separator; };
     for (const FromCondition& condition : entry.conditions) {
-      if (&condition != &entry.conditions.front()) text += separator;
-      if (!condition.leftColumn.empty()) AppendComparison(text, condition);
-      if (condition.join->condition.empty()) continue;
-      if (!condition.leftColumn.empty()) text += separator;
-      text += condition.join->condition;
+      if (condition.leftColumn.empty()) continue;
+      part();
+      AppendComparison(text, condition);
+    }
+    for (const FromCondition& condition : entry.conditions) {
+      for (const std::string& term : JoinConditionTerms(condition.join->condition)) {
+        part();
+        text += term;
+      }
     }
   }
 
@@ -440,6 +452,7 @@ class Generator {
   std::string head_;
   std::string select_;
   std::string from_;
+  std::size_t depth_ = 0;  // of the group in FROM that is being written
   std::string joinConditions_;
   std::string where_;
   std::string having_;

@@ -36,7 +36,7 @@ std::string WithParameterMarkers(std::string_view sql, std::string_view signs) {
     std::string name(sql.substr(token.offset, end - token.offset));
     if (name == "?") name += std::to_string(++number);
     text += sql.substr(written, token.offset - written);
-    text += "?PARAM(\"" + name + "\",,\"" + name + "\")";
+    text.append("?PARAM(\"").append(name).append("\",,\"").append(name).append("\")");
     written = end;
     lexer.SetPosition(end);
   }

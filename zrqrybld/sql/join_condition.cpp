@@ -18,6 +18,16 @@ std::string JoinConditionText(std::string_view typed) {
   return condition->kind == ExpressionKind::Or ? "(" + text + ")" : text;
 }
 
+std::vector<std::string> JoinConditionTerms(std::string_view condition) {
+  if (condition.empty()) return {};
+  SyntaxArena arena(condition.size() * 8 + 1024);
+  const Expression* whole = ParseExpressionText(condition, arena);
+  if (whole->kind != ExpressionKind::And) return {OnOneLine(whole->text)};
+  std::vector<std::string> terms;
+  for (const Expression* term = whole->first; term; term = term->next) terms.push_back(OnOneLine(term->text));
+  return terms;
+}
+
 namespace {
 
 // The table whose columns bear the qualifier: its caption, or for a table without one of its own its name.

@@ -14,6 +14,9 @@ namespace zrqrybld {
 /// a blank text. SyntaxError with the place when it is no condition.
 std::string JoinConditionText(std::string_view typed);
 
+/// What the condition asks, joined by AND; none for "".
+std::vector<std::string> JoinConditionTerms(std::string_view condition);
+
 /// The tables that a condition names before its columns.
 struct NamedTables {
   std::vector<std::size_t> tables;  ///< positions in the query, each once

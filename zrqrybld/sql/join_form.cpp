@@ -63,11 +63,13 @@ std::string Joined(std::vector<std::string>& texts) {
 
 }  // namespace
 
-JoinPair ConditionTerm(const std::string& condition, const std::vector<SnapshotTable>& tables) {
-  JoinPair term;
-  term.text = condition;
-  term.namesAllTables = TablesNamed(condition, tables).areAll;
-  return term;
+void AddConditionTerms(std::vector<JoinPair>& terms, std::string_view condition,
+                       const std::vector<SnapshotTable>& tables) {
+  for (std::string& text : JoinConditionTerms(condition)) {
+    JoinPair& term = terms.emplace_back();
+    term.namesAllTables = TablesNamed(text, tables).areAll;
+    term.text = std::move(text);
+  }
 }
 
 JoinForms::JoinForms(std::size_t tables) : groupOf_(tables), sideOf_(tables), optional_(tables) {
@@ -265,11 +267,10 @@ class Clauses {
     std::vector<JoinPair> terms;
     for (const FromCondition& condition : entry.conditions) {
       if (!condition.leftColumn.empty()) terms.push_back(PairOf(condition));
-      if (condition.join->condition.empty()) continue;
       for (const std::size_t table : TablesNamed(condition.join->condition, query_.tables).tables) {
         if (std::ranges::find(stand, table) == stand.end()) return std::nullopt;
       }
-      terms.push_back(ConditionTerm(condition.join->condition, query_.tables));
+      AddConditionTerms(terms, condition.join->condition, query_.tables);
     }
     return terms;
   }
@@ -299,9 +300,7 @@ std::string MeaningOfMarks(JoinForms& forms, const QuerySnapshot& query, const s
   std::vector<JoinPair> others;
   for (const FromEntry& entry : entries) {
     for (const FromCondition& condition : entry.conditions) {
-      if (const std::string& text = condition.join->condition; !text.empty()) {
-        others.push_back(ConditionTerm(text, query.tables));
-      }
+      AddConditionTerms(others, condition.join->condition, query.tables);
       if (condition.leftColumn.empty()) continue;
       if (condition.type == JoinAllOfEarlier) {
         bringIn[condition.left].push_back(PairOf(condition));

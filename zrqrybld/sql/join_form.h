@@ -33,8 +33,9 @@ struct JoinPair {
   bool NeedsBoth() const { return text.empty() && NeedsValues(comparison); }
 };
 
-/// A join's condition as a term of its own.
-JoinPair ConditionTerm(const std::string& condition, const std::vector<SnapshotTable>& tables);
+/// Adds what a join's condition asks, term by term.
+void AddConditionTerms(std::vector<JoinPair>& terms, std::string_view condition,
+                       const std::vector<SnapshotTable>& tables);
 
 class JoinForms {
  public:

@@ -23,6 +23,7 @@ struct DrawnJoin {
   std::string targetColumn;
   JoinComparisonEnum comparison = JoinEqual;
   std::string condition = {};
+  std::int32_t groupLevel = 0;
 };
 
 /// What the diagram holds of a statement's tables and joins already.

@@ -221,7 +221,13 @@ class Binder {
   // diagram alone.
   bool Take(const BoundFrom& bound) {
     const bool means = bound.firstOuter.empty() || (bound.hasFull && !options_.dialect->hasFullJoin);
-    if (TakeInOrder(bound, bound.joins, means)) return true;
+    const bool hasGroups =
+        std::ranges::any_of(options_.drawn.joins, [](const DrawnJoin& j) { return j.groupLevel > 0; });
+    return (hasGroups && TakeGroups(bound, means)) || TakeInOrder(bound, bound.joins, means) ||
+           (!hasGroups && TakeGroups(bound, means));
+  }
+
+  bool TakeGroups(const BoundFrom& bound, bool means) {
     const bool isTooDeep = std::ranges::any_of(bound.groupLevels, [](std::int32_t l) { return l > kDeepestJoinGroup; });
     if (!options_.dialect->hasJoinGroups || isTooDeep) return false;
     std::vector<SnapshotJoin> joins = bound.joins;
