@@ -17,6 +17,7 @@ struct Step {
     std::string column;
     bool keepsOwn;
     bool keepsEarlier;
+    const Design::Join* join;
   };
   std::size_t table;
   std::vector<Condition> conditions;
@@ -44,9 +45,9 @@ class Order {
       const std::size_t left = PlaceOf(join.left);
       const std::size_t right = PlaceOf(join.right);
       if (left > right) {
-        steps[left].conditions.push_back({join.leftColumn, join.right, join.rightColumn, keepsLeft, keepsRight});
+        steps[left].conditions.push_back({join.leftColumn, join.right, join.rightColumn, keepsLeft, keepsRight, &join});
       } else {
-        steps[right].conditions.push_back({join.rightColumn, join.left, join.leftColumn, keepsRight, keepsLeft});
+        steps[right].conditions.push_back({join.rightColumn, join.left, join.leftColumn, keepsRight, keepsLeft, &join});
       }
     }
     return steps;
@@ -109,27 +110,29 @@ class Evaluation {
 
   bool Add(const Step& step) {
     std::vector<std::size_t> own;
-    for (const Step::Condition& condition : step.conditions)
-      own.push_back(tables_[step.table]->ColumnAt(condition.own));
+    for (const Step::Condition& condition : step.conditions) {
+      if (condition.join->comparison == 0) own.push_back(tables_[step.table]->ColumnAt(condition.own));
+    }
     const auto& index = store_.Index(design_.tables[step.table].name, own);
     std::vector<Combination> longer;
     std::vector<bool> met(tables_[step.table]->rows.size());
     const bool joined = !step.conditions.empty();
     for (Combination& row : rows_) {
       Row wanted;
-      for (const Step::Condition& condition : step.conditions)
-        wanted.push_back(At(row, condition.table, condition.column));
+      for (const Step::Condition& condition : step.conditions) {
+        if (condition.join->comparison == 0) wanted.push_back(At(row, condition.table, condition.column));
+      }
       const auto found = index.find(wanted);
-      if (found != index.end()) {
-        for (const std::size_t position : found->second) {
-          if (longer.size() == most_) return false;
-          met[position] = true;
-          longer.push_back(row);
-          longer.back()[step.table] = position;
-        }
-      } else if (joined && step.conditions.front().keepsEarlier) {
+      bool matched = false;
+      for (std::size_t i = 0; found != index.end() && i < found->second.size(); ++i) {
+        row[step.table] = found->second[i];
+        if (!Holds(step, row)) continue;
+        if (longer.size() == most_) return false;
+        met[found->second[i]] = matched = true;
         longer.push_back(row);
       }
+      row[step.table].reset();
+      if (!matched && joined && step.conditions.front().keepsEarlier) longer.push_back(row);
     }
     for (std::size_t position = 0; joined && step.conditions.front().keepsOwn && position < met.size(); ++position) {
       if (met[position]) continue;
@@ -138,6 +141,21 @@ class Evaluation {
     }
     rows_ = std::move(longer);
     return rows_.size() <= most_;
+  }
+
+  // Whether the row fulfils what the joins of the step ask besides equality.
+  bool Holds(const Step& step, const Combination& row) const {
+    return std::ranges::all_of(step.conditions, [&](const Step::Condition& condition) {
+      const Design::Join& join = *condition.join;
+      const Cell left = At(row, join.left, join.leftColumn);
+      const Cell right = At(row, join.right, join.rightColumn);
+      if (IsNull(left) || IsNull(right)) return false;
+      const int order = Compare(left, right);
+      const bool compares[] = {order == 0, order != 0, order<0, order <= 0, order> 0, order >= 0};
+      if (!compares[join.comparison] || !join.condition) return compares[join.comparison];
+      const Cell asked = At(row, join.condition->table, join.condition->column);
+      return !IsNull(asked) && Compare(asked, Cell(join.condition->over)) > 0;
+    });
   }
 
   // --- Criteria ---

@@ -14,6 +14,7 @@
 #include "zrqrybld/host/step_context.h"
 #include "zrqrybld/hub/hub.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/source_rules.h"
 #include "zrqrybld/sql/sql_pane.h"
 #include "zrqrybld/sql/sql_syntax.h"
 
@@ -209,6 +210,24 @@ std::string MarksToJoins(const std::string& sql) {
   return sql.substr(0, from) + "\nFROM " + start + joins + rest;
 }
 
+bool HoldsNumbers(Store& store, const std::string& table, const std::string& column) {
+  const StoredTable& stored = store.Table(table);
+  const std::size_t place = stored.ColumnAt(column);
+  return std::ranges::any_of(stored.rows,
+                             [&](const Row& row) { return std::holds_alternative<std::int64_t>(row[place]); });
+}
+
+// Other comparisons, and conditions on tables with captions of their own.
+void AskMore(Store& store, Chance& chance, const Design& design, Design::Join& join) {
+  if (!HoldsNumbers(store, design.tables[join.left].name, join.leftColumn)) return;
+  if (chance.OneIn(6)) join.comparison = 1 + static_cast<int>(chance.Below(5));
+  const bool isLeft = chance.OneIn(2);
+  const Design::Table& table = design.tables[isLeft ? join.left : join.right];
+  if (!table.caption.starts_with("t") || !chance.OneIn(3)) return;
+  join.condition = {isLeft ? join.left : join.right, isLeft ? join.leftColumn : join.rightColumn,
+                    static_cast<std::int64_t>(chance.Below(6))};
+}
+
 }  // namespace
 
 std::string CellText(const std::string& text) {
@@ -242,6 +261,7 @@ Design DesignByChance(Store& store, Chance& chance, bool withFullJoins) {
     for (Design::Join& join : design.joins) {
       const int kind = chance.OneIn(2) ? 0 : static_cast<int>(chance.Below(withFullJoins ? 4 : 3));
       join.kind = kinds.emplace(std::pair(join.left, join.right), kind).first->second;
+      AskMore(store, chance, design, join);
     }
   } while (!IsConnected(design) || !HasOneKindATable(design));
 
@@ -278,6 +298,12 @@ void Build(qbQueryBuilder& hub, const Design& design, const std::string& prefix)
     line->SetSourceItemIndex(entities[join.left]->Items()->Item(join.leftColumn)->Index());
     line->SetTargetItemIndex(entities[join.right]->Items()->Item(join.rightColumn)->Index());
     line->SetItemData(join.kind);
+    line->SetComparison(JoinComparisonAt(join.comparison));
+    if (!join.condition) continue;
+    const NameRules rules = CurrentNameRules(hub);
+    const auto quoted = [&](const std::string& name) { return QuoteWhenNeeded(Identifier(name), rules).Text(); };
+    line->SetCondition(quoted(entities[join.condition->table]->Caption()) + "." + quoted(join.condition->column) +
+                       " > " + std::to_string(join.condition->over));
   }
   grid.SetShowGroupBy(std::ranges::any_of(design.fields, [](const Design::Field& f) { return !f.group.empty(); }));
   hub.SetDistinctRecords(design.distinct);
@@ -406,7 +432,7 @@ class Trial {
 
 std::string TryDesigns(qbQueryBuilder& hub, Store& store, const Target& target, int count, unsigned seed) {
   Chance chance(seed);
-  std::size_t rows = 0, outer = 0, full = 0, grouped = 0, empty = 0, limited = 0, marks = 0;
+  std::size_t rows = 0, outer = 0, full = 0, grouped = 0, empty = 0, limited = 0, marks = 0, asked = 0;
   for (int made = 0; made < count;) {
     const Design design = DesignByChance(store, chance, target.hasFullJoin);
     const auto expected = Evaluate(store, design, target.mostRows);
@@ -416,7 +442,10 @@ std::string TryDesigns(qbQueryBuilder& hub, Store& store, const Target& target, 
       return std::ranges::any_of(design.joins, [&](const Design::Join& join) { return (join.kind & bits) == bits; });
     };
     const bool isOuter = kindHas(1) || kindHas(2);
-    const bool marksCanSay = !kindHas(3);
+    const auto asksMore = [](const Design::Join& join) { return join.comparison != 0 || join.condition.has_value(); };
+    const bool isAsked = std::ranges::any_of(design.joins, asksMore);
+    asked += isAsked ? 1 : 0;
+    const bool marksCanSay = !kindHas(3) && !(isOuter && isAsked);
     rows += expected->size();
     outer += isOuter ? 1 : 0;
     full += kindHas(3) ? 1 : 0;
@@ -430,8 +459,9 @@ std::string TryDesigns(qbQueryBuilder& hub, Store& store, const Target& target, 
     if (!trial.Run(withLimit)) return "failed";
   }
   return std::to_string(rows) + " rows; designs with outer joins " + std::to_string(outer) + ", with full ones " +
-         std::to_string(full) + ", with marks " + std::to_string(marks) + ", grouped " + std::to_string(grouped) +
-         ", without rows " + std::to_string(empty) + ", with a limit " + std::to_string(limited);
+         std::to_string(full) + ", with marks " + std::to_string(marks) + ", with other conditions " +
+         std::to_string(asked) + ", grouped " + std::to_string(grouped) + ", without rows " + std::to_string(empty) +
+         ", with a limit " + std::to_string(limited);
 }
 
 }  // namespace zrqrybld::test

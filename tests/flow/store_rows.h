@@ -94,6 +94,15 @@ struct Design {
     std::size_t right;
     std::string rightColumn;
     int kind = 0;
+    /// From `left` to `right`: equal, other, less, at most, more or at least.
+    int comparison = 0;
+    /// What the join asks besides: that a number of one of its tables is larger.
+    struct Condition {
+      std::size_t table;
+      std::string column;
+      std::int64_t over;
+    };
+    std::optional<Condition> condition = {};
   };
   struct Field {
     std::size_t table;
