@@ -202,6 +202,7 @@ class Script : public test::Player, public test::Designer {
       };
       hub->ShowJoinProperties(FirstJoin());
     };
+    actions["asks"] = [this](const Words& w) { FirstJoin()->SetCondition(w[1]); };
     actions["deletejoin"] = [this](auto&) {
       diagram->SelectObject(FirstJoin());
       diagram->OnKeyDown({KeyCodeDelete, ShiftNone});
@@ -243,6 +244,7 @@ class Script : public test::Player, public test::Designer {
     answers["remark"] = [this](auto&) { return area_.Remarks().empty() ? "" : area_.Remarks().front(); };
     answers["remarks"] = [this](auto&) { return std::to_string(area_.Remarks().size()); };
     answers["step"] = [this](auto&) { return Step(); };
+    answers["condition"] = [this](auto&) { return FirstJoin()->Condition(); };
     answers["steps"] = [this](auto&) { return std::to_string(hub->Steps().Count()); };
     answers["undo"] = [this](auto&) { return hub->UndoText(); };
     answers["redo"] = [this](auto&) { return hub->RedoText(); };

@@ -41,7 +41,8 @@ std::string Cut(std::string& text, std::string_view separator) {
   return std::string(Trim(piece));
 }
 
-// tables: "caption" or "caption=name", several by ", ".   joins: "A.x=B.y:kind", several by ", ".
+// tables: "caption" or "caption=name", several by ", ".   joins: "A.x=B.y:kind:comparison:level", several by ", "; what
+// they ask besides stands in asks, several by " / ", "-" for nothing.
 // rows: one a line, cells between ";": table (none for an expression; "-" in front: no output), column,
 // alias, sort type, sort number, group-by choice, and the criteria cells; "¶" is a blank line.
 QuerySnapshot DesignOf(const test::Record& record) {
@@ -62,9 +63,12 @@ QuerySnapshot DesignOf(const test::Record& record) {
     const auto found = std::ranges::find(query.tables, Identifier(caption), &SnapshotTable::caption);
     return static_cast<std::size_t>(found - query.tables.begin());
   };
+  std::string conditions = text("asks");
   for (std::string joins = text("joins"); !joins.empty();) {
-    std::string kind = Cut(joins, ", ");
-    std::string target = Cut(kind, ":");
+    std::string level = Cut(joins, ", ");
+    std::string target = Cut(level, ":");
+    const std::string kind = Cut(level, ":");
+    const std::string comparison = Cut(level, ":");
     const std::string source = Cut(target, "=");
     const auto split = [&](const std::string& end, std::size_t& table, std::optional<Identifier>& column) {
       table = tableAt(end.substr(0, end.rfind('.')));
@@ -74,6 +78,9 @@ QuerySnapshot DesignOf(const test::Record& record) {
     split(source, join.source, join.sourceColumn);
     split(target, join.target, join.targetColumn);
     if (!kind.empty()) join.kind = JoinKind::FromBits(std::stoi(kind));
+    if (!comparison.empty()) join.comparison = JoinComparisonAt(std::stoi(comparison));
+    if (!level.empty()) join.groupLevel = std::stoi(level);
+    if (std::string asked = Cut(conditions, " / "); asked != "-") join.condition = std::move(asked);
     query.joins.push_back(join);
   }
   for (std::string rows = text("rows"); !rows.empty();) {

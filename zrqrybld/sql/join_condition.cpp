@@ -7,6 +7,7 @@
 #include "zrqrybld/sql/name_scope.h"
 #include "zrqrybld/sql/statement_parser.h"
 #include "zrqrybld/sql/statement_printer.h"
+#include "zrqrybld/sql/syntax_error.h"
 
 namespace zrqrybld {
 
@@ -18,10 +19,24 @@ std::string JoinConditionText(std::string_view typed) {
   return condition->kind == ExpressionKind::Or ? "(" + text + ")" : text;
 }
 
+namespace {
+
+// None for what cannot be read, which is a design's own fault and stays as it is.
+const Expression* ReadCondition(std::string_view condition, SyntaxArena& arena) {
+  try {
+    return ParseExpressionText(condition, arena);
+  } catch (const SyntaxError&) {
+    return nullptr;
+  }
+}
+
+}  // namespace
+
 std::vector<std::string> JoinConditionTerms(std::string_view condition) {
   if (condition.empty()) return {};
   SyntaxArena arena(condition.size() * 8 + 1024);
-  const Expression* whole = ParseExpressionText(condition, arena);
+  const Expression* whole = ReadCondition(condition, arena);
+  if (!whole) return {std::string(condition)};
   if (whole->kind != ExpressionKind::And) return {OnOneLine(whole->text)};
   std::vector<std::string> terms;
   for (const Expression* term = whole->first; term; term = term->next) terms.push_back(OnOneLine(term->text));
@@ -59,7 +74,9 @@ NamedTables TablesNamed(std::string_view condition, const std::vector<SnapshotTa
   NamedTables named;
   if (condition.empty()) return named;
   SyntaxArena arena(condition.size() * 8 + 1024);
-  CollectTables(*ParseExpressionText(condition, arena), tables, named);
+  const Expression* whole = ReadCondition(condition, arena);
+  if (whole) CollectTables(*whole, tables, named);
+  named.areAll &= whole != nullptr;
   return named;
 }
 
