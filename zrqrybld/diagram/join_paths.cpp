@@ -59,7 +59,7 @@ void CollectPaths(const Reach& reach, const std::string& at, const NameRules& ru
     if (reach.at(next).nearer.empty()) {
       paths.push_back(std::move(longer));
     } else {
-      CollectPaths(reach, next, rules, std::move(longer), paths);
+      CollectPaths(reach, next, rules, longer, paths);
     }
   }
 }
