@@ -13,6 +13,7 @@
 #include "designer/tool_icons.h"
 #include "zrqrybld/adapters/qt/say.h"
 #include "zrqrybld/adapters/qt/shortcuts.h"
+#include "zrqrybld/adapters/qt/telling_order.h"
 #include "zrqrybld/base/texts_designer.h"
 #include "zrqrybld/diagram/join_paths.h"
 #include "zrqrybld/diagram/source_names.h"
@@ -76,6 +77,8 @@ SchemaTree::SchemaTree(QueryDesignerWidget& designer, QWidget* parent)
   layout->addWidget(filter_);
   layout->addWidget(tree_, 1);
   setWidget(inside);
+  TellInOrder({findChild<QWidget*>(QStringLiteral("qt_dockwidget_floatbutton")),
+               findChild<QWidget*>(QStringLiteral("qt_dockwidget_closebutton")), inside});
   setFocusProxy(filter_);
 
   for (const auto& [command, direction] : {std::pair(Command::NextPane, 1), {Command::PreviousPane, -1}}) {

@@ -22,6 +22,7 @@
 #include "designer/query_document.h"
 #include "designer/recent_connections.h"
 #include "designer/result_model.h"
+#include "tests/designer/access_faults.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/modal.h"
 #include "tests/qt/pictures.h"
@@ -261,6 +262,7 @@ TEST_F(Session, WithoutASourceTheWindowBeginsWithTheWaysToGetOne) {
   window.show();
   EXPECT_TRUE(start->isVisible());
   EXPECT_FALSE(window.findChild<SchemaTree*>()->isVisible());
+  EXPECT_EQ(test::AccessFaults(window), "");
   ClickOn<QAbstractButton>(*start, "Begin without a source");
   EXPECT_FALSE(start->isVisible());
   EXPECT_TRUE(window.findChild<QueryDesignerWidget*>()->isVisible());

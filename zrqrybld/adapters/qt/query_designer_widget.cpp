@@ -11,6 +11,7 @@
 #include "zrqrybld/adapters/qt/shortcuts.h"
 #include "zrqrybld/adapters/qt/sql_highlighter.h"
 #include "zrqrybld/adapters/qt/sql_only_cover.h"
+#include "zrqrybld/adapters/qt/telling_order.h"
 #include "zrqrybld/base/texts_qt.h"
 #include "zrqrybld/grid/grid_layout.h"
 #include "zrqrybld/grid/grid_pane.h"
@@ -54,6 +55,7 @@ QueryDesignerWidget::QueryDesignerWidget(QWidget* parent)
     pane->setMinimumHeight(72);
     AddPane(pane);
   }
+  TellInOrder(*this);
   setStretchFactor(0, kDiagramShare);
   setStretchFactor(1, kGridShare);
   setStretchFactor(2, kSqlShare);
