@@ -4,6 +4,7 @@
 #include <QSettings>
 #include <QStyle>
 #include <algorithm>
+#include <optional>
 
 #include "designer/outlined_style.h"
 #include "zrqrybld/adapters/qt/theme.h"
@@ -60,15 +61,17 @@ QPalette PaletteOf(Appearance appearance) {
 
 void SetAppearance(Appearance appearance) {
   static const QString platformStyle = QApplication::style()->objectName();
-  static Appearance current = Appearance::System;
+  static std::optional<Appearance> current;
   const QPalette palette = PaletteOf(appearance);
   if (appearance != current) {
-    if (appearance == Appearance::System) {
-      QApplication::setStyle(platformStyle);
-    } else {
+    if (appearance != Appearance::System) {
       const QColor text = palette.color(QPalette::WindowText);
       const QColor frame = Theme::ForWindow(palette).Of(ColorRole::BoxFrame);
       QApplication::setStyle(new OutlinedStyle(appearance == Appearance::HighContrast ? text : frame));
+    } else if (platformStyle == QLatin1String("fusion")) {
+      QApplication::setStyle(new OutlinedStyle({}));
+    } else if (current) {
+      QApplication::setStyle(platformStyle);
     }
   }
   current = appearance;

@@ -15,7 +15,9 @@
 #include <set>
 
 #include "designer/plain_box.h"
+#include "zrqrybld/adapters/qt/named_combo.h"
 #include "zrqrybld/adapters/qt/say.h"
+#include "zrqrybld/adapters/qt/telling_order.h"
 #include "zrqrybld/base/texts_designer.h"
 
 namespace zrqrybld {
@@ -53,7 +55,7 @@ ExportWindow::ExportWindow(const ResultModel& model, const QItemSelection& selec
       model_(model),
       selection_(selection),
       texts_(texts),
-      format_(new QComboBox),
+      format_(new NamedCombo(Say(texts, text::ExportFormat))),
       all_(new QRadioButton(Say(texts, text::ExportShown, Number(static_cast<std::size_t>(model.rowCount()))))),
       selected_(new QRadioButton),
       names_(new QCheckBox(Say(texts, text::ExportNames))),
@@ -107,6 +109,7 @@ void ExportWindow::AddButtons() {
   connect(save, &QPushButton::clicked, this, &ExportWindow::Save);
   connect(copy, &QPushButton::clicked, this, &ExportWindow::Copy);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  TellInOrder(*buttons->layout());
   layout()->addWidget(buttons);
   save->setDefault(true);  // known to the window only now
 }

@@ -5,6 +5,7 @@
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QSettings>
@@ -20,6 +21,7 @@
 #include "designer/tool_icons.h"
 #include "designer/window_memory.h"
 #include "zrqrybld/adapters/qt/connection_choice.h"
+#include "zrqrybld/adapters/qt/telling_order.h"
 #include "zrqrybld/base/texts_designer.h"
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
@@ -48,13 +50,14 @@ MainWindow::MainWindow(const QString& languageFile)
   setWindowTitle(Say(*texts_, text::AppName));
   setWindowIcon(ProgramIcon());
   resize(1120, 780);
+  TellInOrder(*tabs_);
   tabs_->setDocumentMode(true);
   tabs_->setTabBarAutoHide(true);
   tabs_->setTabsClosable(true);
   tabs_->setMovable(true);
   tabs_->setElideMode(Qt::ElideMiddle);
   tabs_->tabBar()->setFocusPolicy(Qt::NoFocus);
-  addDockWidget(Qt::LeftDockWidgetArea, tree_);
+  addDockWidget(isRightToLeft() ? Qt::RightDockWidgetArea : Qt::LeftDockWidgetArea, tree_);
   tree_->hide();
   Tab().Designer().AddPane(tree_);
   connect(tree_, &SchemaTree::Failed, this, &MainWindow::ShowError);
@@ -65,8 +68,10 @@ MainWindow::MainWindow(const QString& languageFile)
   pages_->addWidget(start_);
   setCentralWidget(pages_);
   setAcceptDrops(true);
-  source_->setTextFormat(Qt::PlainText);  // a file's name is no markup
+  source_->setTextFormat(Qt::PlainText);   // a file's name is no markup
+  statusBar()->setSizeGripEnabled(false);  // it is told before what stands in the bar
   statusBar()->addPermanentWidget(source_);
+  TellInOrder({menuBar(), options_, tree_, pages_, statusBar()});
   modifiedSoon_.setSingleShot(true);
   modifiedSoon_.setInterval(kModifiedDelay);
   connect(&modifiedSoon_, &QTimer::timeout, this, &MainWindow::UpdateTitle);

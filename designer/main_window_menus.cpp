@@ -16,6 +16,7 @@
 #include "designer/main_window.h"
 #include "designer/plain_box.h"
 #include "zrqrybld/adapters/qt/shortcuts.h"
+#include "zrqrybld/adapters/qt/telling_order.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_designer.h"
 #include "zrqrybld/diagram/diagram_pane.h"
@@ -244,6 +245,7 @@ void MainWindow::MakeToolBar() {
                     hub.SourceDialect() == &dialect ? "" : std::string(dialect.name));
   });
   addToolBar(options_);
+  TellInOrder(*options_->layout());
 }
 
 // Shown as long as there is nothing to be seen in the panes, to whoever works with the window.

@@ -4,16 +4,32 @@
 #include <QStyleOption>
 
 namespace zrqrybld {
+namespace {
+
+void DrawFrame(QPainter& painter, const QRect& rect, double inset, const QColor& color) {
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(QPen(color, 1));
+  painter.setBrush(Qt::NoBrush);
+  painter.drawRoundedRect(QRectF(rect).adjusted(inset, inset, -inset, -inset), 2, 2);
+  painter.restore();
+}
+
+}  // namespace
 
 OutlinedStyle::OutlinedStyle(const QColor& outline) : QProxyStyle(QStringLiteral("fusion")), outline_(outline) {}
 
 void OutlinedStyle::Outline(const QStyleOption& option, QPainter& painter) const {
-  painter.save();
-  painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(QPen(outline_, 1));
-  painter.setBrush(Qt::NoBrush);
-  painter.drawRoundedRect(QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5), 2, 2);
-  painter.restore();
+  if (outline_.isValid()) DrawFrame(painter, option.rect, 0.5, outline_);
+}
+
+void OutlinedStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                                const QWidget* widget) const {
+  QProxyStyle::drawControl(element, option, painter, widget);
+  // Once somebody goes from field to field by keys.
+  if (element != CE_PushButton || !option->state.testFlag(State_KeyboardFocusChange)) return;
+  if (!option->state.testFlag(State_HasFocus)) return;
+  DrawFrame(*painter, option->rect, 2.5, option->palette.color(QPalette::ButtonText));
 }
 
 void OutlinedStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,

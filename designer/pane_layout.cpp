@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "zrqrybld/adapters/qt/say.h"
+#include "zrqrybld/adapters/qt/telling_order.h"
 #include "zrqrybld/base/texts_designer.h"
 
 namespace zrqrybld {
@@ -22,6 +23,7 @@ PaneLayout::PaneLayout(QueryDesignerWidget& designer, PreviewPane& rows, const T
     : designer_(designer), rows_(rows), rowsName_(Say(texts, text::RowsTab)), tabs_(new QTabWidget) {
   const int place = designer_.indexOf(&designer_.SqlView());
   const int share = designer_.SqlView().sizePolicy().verticalStretch();
+  TellInOrder(*tabs_);
   tabs_->setDocumentMode(true);
   tabs_->setTabBarAutoHide(true);
   tabs_->tabBar()->setExpanding(false);
@@ -152,6 +154,7 @@ void PaneLayout::WatchHandles() {
     designer_.handle(i)->removeEventFilter(this);
     designer_.handle(i)->installEventFilter(this);
   }
+  TellInOrder(designer_);
 }
 
 bool PaneLayout::eventFilter(QObject* watched, QEvent* event) {

@@ -18,6 +18,7 @@
 #include "designer/result_model.h"
 #include "zrqrybld/adapters/qt/query_designer_widget.h"
 #include "zrqrybld/adapters/qt/say.h"
+#include "zrqrybld/adapters/qt/telling_order.h"
 #include "zrqrybld/base/texts_designer.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/hub/hub.h"
@@ -57,6 +58,7 @@ PrintWindow::PrintWindow(const QueryDesignerWidget& designer, const ResultModel&
   } else {
     add(text::SavePdfItem, QDialogButtonBox::AcceptRole, &PrintWindow::SavePdf);
   }
+  TellInOrder(*buttons->layout());
 }
 
 // What is not there cannot be chosen, and is still chosen for the next query.

@@ -5,6 +5,7 @@
 #include <QSignalBlocker>
 #include <limits>
 
+#include "zrqrybld/adapters/qt/named_combo.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
 #include "zrqrybld/adapters/qt/say.h"
 #include "zrqrybld/base/error.h"
@@ -26,7 +27,7 @@ constexpr auto kLimit = "\\d{0,9}|(100|\\d{1,2})\\s?%";
 QueryOptionsBar::QueryOptionsBar(qbQueryBuilder& hub, QWidget* parent)
     : QToolBar(Say(*hub.Texts(), text::QueryToolBar), parent),
       hub_(&hub),
-      dialect_(new QComboBox(this)),
+      dialect_(new NamedCombo(Say(*hub.Texts(), text::DialectName), this)),
       limit_(new QLineEdit(this)),
       skip_(new QSpinBox(this)),
       distinct_(new QCheckBox(Say(*hub.Texts(), text::EachRowOnce), this)) {
@@ -40,7 +41,6 @@ QueryOptionsBar::QueryOptionsBar(qbQueryBuilder& hub, QWidget* parent)
     return addWidget(words);
   };
 
-  dialect_->setAccessibleName(Say(texts, text::DialectName));
   for (const Dialect& dialect : AllDialects()) {
     dialect_->addItem(ToQString(dialect.name), static_cast<int>(dialect.syntax));
   }

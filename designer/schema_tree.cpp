@@ -13,6 +13,7 @@
 #include "designer/tool_icons.h"
 #include "zrqrybld/adapters/qt/say.h"
 #include "zrqrybld/adapters/qt/shortcuts.h"
+#include "zrqrybld/adapters/qt/telling_order.h"
 #include "zrqrybld/base/texts_designer.h"
 #include "zrqrybld/diagram/join_paths.h"
 #include "zrqrybld/diagram/source_names.h"
@@ -20,6 +21,8 @@
 
 namespace zrqrybld {
 namespace {
+
+constexpr int kTreeWidth = 212;  // of a screen of 1,024 pixels so much that the grid beside it shows its criteria
 
 constexpr auto kDragFormat = "application/x-zrqrybld-schema";
 constexpr int kTableRole = Qt::UserRole;       // of a table: its place in the list
@@ -37,6 +40,7 @@ QString PathText(const JoinPath& path) {
 // A drag carries nothing but its kind: what is dragged is the current item.
 class SchemaTree::Tree final : public QTreeWidget {
  protected:
+  QSize sizeHint() const override { return {kTreeWidth, QTreeWidget::sizeHint().height()}; }
   QStringList mimeTypes() const override { return {kDragFormat}; }
   QMimeData* mimeData(const QList<QTreeWidgetItem*>&) const override {
     auto* dragged = new QMimeData;
@@ -76,6 +80,8 @@ SchemaTree::SchemaTree(QueryDesignerWidget& designer, QWidget* parent)
   layout->addWidget(filter_);
   layout->addWidget(tree_, 1);
   setWidget(inside);
+  TellInOrder({findChild<QWidget*>(QStringLiteral("qt_dockwidget_floatbutton")),
+               findChild<QWidget*>(QStringLiteral("qt_dockwidget_closebutton")), inside});
   setFocusProxy(filter_);
 
   for (const auto& [command, direction] : {std::pair(Command::NextPane, 1), {Command::PreviousPane, -1}}) {

@@ -11,6 +11,7 @@
 #include "designer/tool_icons.h"
 #include "zrqrybld/adapters/qt/plain_tip.h"
 #include "zrqrybld/adapters/qt/say.h"
+#include "zrqrybld/adapters/qt/telling_order.h"
 #include "zrqrybld/base/texts_designer.h"
 
 namespace zrqrybld {
@@ -101,6 +102,8 @@ void StartPage::OfferSample(std::function<void()> open) {
   QCommandLinkButton* sample = AddWay(IconOf(Command::RunPreview), text::StartSample, text::StartSampleAbout);
   ways_->removeWidget(sample);
   ways_->insertWidget(0, sample);
+  TellInOrder(*ways_);
+  TellInOrder({list_});
   connect(sample, &QAbstractButton::clicked, this, [open = std::move(open)] { open(); });
 }
 
@@ -111,6 +114,7 @@ void StartPage::showEvent(QShowEvent* event) {
     auto* item = new QListWidgetItem(entry.title, list_);
     item->setToolTip(PlainTip(entry.tip));
   }
+  list_->setFocusPolicy(shown_.isEmpty() ? Qt::NoFocus : Qt::StrongFocus);
   if (shown_.isEmpty()) {
     auto* none = new QListWidgetItem(Say(texts_, text::StartNothingYet), list_);
     none->setFlags(Qt::NoItemFlags);

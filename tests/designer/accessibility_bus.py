@@ -85,6 +85,10 @@ def walk(bus):
     bus.call(*freight, "org.a11y.atspi.Action.DoAction", "0")
     if not wait_for(lambda: cell().endswith(' "Freight"'), 5):
         return f"ticking Freight over the bus changed {before} to {cell()}"
+    dialect = bus.find(*application[0], 'combo box "Dialect"', 10)
+    chosen = dialect and bus.call(*dialect, "org.a11y.atspi.Text.GetText", "0", "6")
+    if chosen != "('SQLite',)":
+        return f"the combo of dialects is {dialect} and says {chosen}"
     return None
 
 

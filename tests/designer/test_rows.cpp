@@ -20,6 +20,7 @@
 #include "designer/result_table.h"
 #include "designer/row_export.h"
 #include "designer/value_window.h"
+#include "tests/designer/access_faults.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/pictures.h"
 #include "tests/sqlite/database_file.h"
@@ -199,6 +200,7 @@ TEST_F(RowsPane, AValueIsSeenAsAWhole) {
                  seen += Utf8(dialog.findChild<QLabel*>()->text()) + "|" +
                          Utf8(dialog.findChild<QPlainTextEdit*>()->toPlainText()) + "\n";
                  KeepPicture(Paint(dialog), "value-" + std::to_string(column));
+                 EXPECT_EQ(test::AccessFaults(dialog), "");
                });
   }
   EXPECT_EQ(

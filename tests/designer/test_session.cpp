@@ -22,6 +22,7 @@
 #include "designer/query_document.h"
 #include "designer/recent_connections.h"
 #include "designer/result_model.h"
+#include "tests/designer/access_faults.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/modal.h"
 #include "tests/qt/pictures.h"
@@ -38,18 +39,13 @@
 namespace zrqrybld {
 namespace {
 
+using test::RecoveryFiles;
 using test::Utf8;
 
 // Settings and data of this test's own, in the place where the designer itself would keep them.
 class Session : public testing::Test {
  protected:
-  Session() {
-    QCoreApplication::setOrganizationName("zrqrybld");
-    QCoreApplication::setApplicationName("zrqrybld-designer");
-    qputenv("XDG_DATA_HOME", folder.filePath("data").toUtf8());
-    QSettings::setDefaultFormat(QSettings::IniFormat);
-    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, folder.filePath("config"));
-  }
+  Session() { test::KeepIn(folder.path()); }
   ~Session() override { qunsetenv("XDG_DATA_HOME"); }
 
   // Everything that was kept on the disk.
@@ -64,7 +60,6 @@ class Session : public testing::Test {
     }
     return text;
   }
-  static QStringList RecoveryFiles() { return QDir(Recovery::Folder()).entryList({"*.recovery"}, QDir::Files); }
   // Answers the offer of lost work by a button.
   static bool AnswerOffer(MainWindow& window, const char* button) {
     WhenOpen<QMessageBox>([button](QMessageBox& box) {
@@ -261,6 +256,7 @@ TEST_F(Session, WithoutASourceTheWindowBeginsWithTheWaysToGetOne) {
   window.show();
   EXPECT_TRUE(start->isVisible());
   EXPECT_FALSE(window.findChild<SchemaTree*>()->isVisible());
+  EXPECT_EQ(test::AccessFaults(window), "");
   ClickOn<QAbstractButton>(*start, "Begin without a source");
   EXPECT_FALSE(start->isVisible());
   EXPECT_TRUE(window.findChild<QueryDesignerWidget*>()->isVisible());

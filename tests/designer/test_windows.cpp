@@ -11,6 +11,9 @@
 #include <map>
 
 #include "designer/appearance.h"
+#include "designer/export_window.h"
+#include "designer/result_model.h"
+#include "tests/designer/access_faults.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/pictures.h"
 #include "zrqrybld/adapters/qt/query_designer_widget.h"
@@ -91,6 +94,9 @@ class Windows : public DesignerWindow {
         {"zoom", [this] { Grid().ShowExpressionZoom(); }},
         {"connect", [this] { Hub().PromptForConnection(); }},
         {"parameters", [this] { Command("Parameters...")->trigger(); }},
+        {"limit", [this] { Command("Limit Rows...")->trigger(); }},
+        {"print", [this] { Command("Print...")->trigger(); }},
+        {"export", [this] { ExportWindow(window.Preview().Rows(), {}, *Hub().Texts(), &window).exec(); }},
         {"keys", [this] { Command("Keys")->trigger(); }},
         {"about", [this] { Command("About")->trigger(); }},
         {"message", [this] { window.ShowError("The database cannot be opened:\nit is no database."); }},
@@ -138,6 +144,24 @@ class Windows : public DesignerWindow {
  private:
   std::map<std::string, std::vector<QImage>> sheets_;
 };
+
+// With the tree of the source beside it, as it begins.
+TEST_F(Windows, ASmallScreenShowsCriteria) {
+  window.resize(1024, 680);
+  Command("Tables of the Source")->trigger();
+  window.Tab().Panes().ShowRows(true);
+  window.Tab().Panes().ShowStatement();
+  QApplication::processEvents();
+  for (const Appearance theme : kThemes) {
+    SetAppearance(theme);
+    Keep(window, "small", theme);
+  }
+  ExpectNothingCutOff(window, "small");
+  const PixelRect cell = Grid().Grid()->GetRowColumnXY(2, "criteria");
+  EXPECT_GE(cell.width, 120_px);
+  EXPECT_LE(cell.Right(), Designer().GridView().ViewSize().width);
+  EXPECT_LE(cell.Bottom(), Designer().GridView().ViewSize().height);
+}
 
 // The theme is switched while the window is open; afterwards it looks as if it had been opened so.
 TEST_F(Windows, FollowEveryThemeWhileTheyAreOpen) {
@@ -196,6 +220,26 @@ TEST_F(Windows, AreSharpAtEveryScaleAndMirroredFromRightToLeft) {
       KeepPicture(Paint(shown), std::string("windows/") + dialog.name + "-rtl");
       ExpectNothingCutOff(shown, dialog.name);
     });
+  }
+}
+
+// Everything has a name, is told in the order in which it is read, and shows when it has the keyboard.
+TEST_F(Windows, AreUsedWithoutSeeingThemAndWithoutAMouse) {
+  for (const Qt::LayoutDirection direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+    QApplication::setLayoutDirection(direction);
+    MainWindow whole;
+    whole.OpenDatabase(ZRQRYBLD_SAMPLE_DB);
+    whole.show();
+    for (QWidget* part : whole.findChildren<QWidget*>()) {
+      if (part->inherits("QDockWidget")) part->show();
+    }
+    whole.Tab().Panes().ShowRows(true);
+    QTest::keyClick(&whole.Tab().Designer().SqlView(), Qt::Key_F, Qt::ControlModifier);
+    QTest::keyClick(&whole.Tab().Designer().DiagramView(), Qt::Key_F, Qt::ControlModifier);
+    EXPECT_EQ(AccessFaults(whole), "");
+    for (const Named& dialog : Dialogs()) {
+      WithDialog(dialog.open, [&](QDialog& shown) { EXPECT_EQ(AccessFaults(shown), "") << dialog.name; });
+    }
   }
 }
 

@@ -52,7 +52,7 @@ class ExpressionWindowTest : public testing::Test, protected test::KnownSource {
 // Search, Enter: the piece goes into the text, with the values of its parameters; the rest is stepped through.
 TEST_F(ExpressionWindowTest, BuildsAnExpression) {
   const auto window = Open(true, "");
-  auto* search = window->findChild<QLineEdit*>();
+  auto* search = window->findChild<QLineEdit*>(QStringLiteral("search"));
   QTest::keyClicks(search, "between");
   window->findChild<QTableWidget*>()->item(0, 1)->setText("1");
   QTest::keyClicks(&window->Editor(), "(Total ");
@@ -77,7 +77,7 @@ TEST_F(ExpressionWindowTest, BuildsAnExpression) {
 // A piece that is dragged from the tree goes where it is dropped, as the button inserts it; elsewhere it is plain text.
 TEST_F(ExpressionWindowTest, TakesPiecesThatAreDropped) {
   const auto window = Open(true, "1 + 2");
-  QTest::keyClicks(window->findChild<QLineEdit*>(), "param");
+  QTest::keyClicks(window->findChild<QLineEdit*>(QStringLiteral("search")), "param");
   auto* tree = window->findChild<QTreeWidget*>();
   const std::unique_ptr<QMimeData> dragged(tree->model()->mimeData({tree->currentIndex()}));
   EXPECT_EQ(dragged->text(), "?PARAM(@Prompt,@Default,@Name,@DataType)");
@@ -105,7 +105,7 @@ TEST_F(ExpressionWindowTest, LooksRightAndClosesInOrder) {
   for (const NamedPalette& named : TestPalettes()) {
     const ScopedPalette scoped(named.palette);
     const auto window = Open(true, "COUNT(DISTINCT Orders.CustomerID) * Orders.Total + ");
-    QTest::keyClicks(window->findChild<QLineEdit*>(), "sum");
+    QTest::keyClicks(window->findChild<QLineEdit*>(QStringLiteral("search")), "sum");
     QTest::keyClicks(&window->Editor(), "to)");
     KeepPicture(Paint(*window), "expression-builder-" + named.name);
     QTest::keyClicks(&window->Editor(), " t");

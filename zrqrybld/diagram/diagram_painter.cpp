@@ -157,6 +157,12 @@ void PaintNames(Canvas& canvas, const Surface& surface, const Font& captionFont,
   }
 }
 
+// Without a selected object nothing else says where the keys go.
+void PaintFocus(Canvas& canvas, const DiagramSite& site, const DiagramSelection& selection, const PixelSize& view) {
+  if (!site.HasFocus() || selection.Selected()) return;
+  canvas.StrokeRect({1_px, 1_px, view.width - 2_px, view.height - 2_px}, ColorRole::Focus, 2_px);
+}
+
 }  // namespace
 
 void PaintDiagram(Canvas& canvas, const DiagramSite& site, const DiagramScene& scene, const PixelRect& visible,
@@ -191,7 +197,7 @@ void PaintPane(Canvas& canvas, const DiagramSite& site, const DiagramProperties&
     canvas.DrawText({{}, {}, view.width, view.height},
                     Say(site.Context(), {text::DiagramHint, KeyTextOf(Command::AddTables)}),
                     {ColorRole::SurfaceText, {}, TextAlignment::Center});
-    return;
+    return PaintFocus(canvas, site, marks.selection, view);
   }
   const std::optional<KeyJoin::Start>& keyJoin = marks.keyJoin.Drawn();
   {
@@ -204,10 +210,7 @@ void PaintPane(Canvas& canvas, const DiagramSite& site, const DiagramProperties&
   }
   if (marks.namesOnly) PaintNames(canvas, surface, properties.entityCaptionFont, scene, camera, marks, dirty);
   minimap.Paint(canvas, marks.selection);
-  // Without a selected object nothing else says where the keys go.
-  if (site.HasFocus() && !marks.selection.Selected()) {
-    canvas.StrokeRect({1_px, 1_px, view.width - 2_px, view.height - 2_px}, ColorRole::Focus, 2_px);
-  }
+  PaintFocus(canvas, site, marks.selection, view);
   if (keyJoin) {
     PaintHint(canvas, surface,
               Say(site.Context(), {text::JoinHint, keyJoin->box->Caption() + "." + keyJoin->row->Text()}));

@@ -29,6 +29,7 @@
 #include "zrqrybld/adapters/qt/plain_tip.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
 #include "zrqrybld/adapters/qt/say.h"
+#include "zrqrybld/adapters/qt/telling_order.h"
 #include "zrqrybld/adapters/qt/theme.h"
 #include "zrqrybld/base/texts_qt.h"
 
@@ -124,6 +125,7 @@ ConnectionWindow::ConnectionWindow(const ConnectionDialog& dialog, QWidget* pare
   setWindowTitle(Say(texts_, text::ConnectCaption));
 
   tabs_ = new QTabWidget;
+  TellInOrder(*tabs_);
   tabs_->addTab(MakeFilePage(), Say(texts_, text::ConnectFileTab));
   tabs_->addTab(MakeDataSourcePage(), Say(texts_, text::ConnectSourceTab));
   tabs_->addTab(MakeTextPage(), Say(texts_, text::ConnectStringTab));

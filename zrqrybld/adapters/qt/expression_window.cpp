@@ -21,6 +21,7 @@
 #include "zrqrybld/adapters/qt/qt_text_area.h"
 #include "zrqrybld/adapters/qt/say.h"
 #include "zrqrybld/adapters/qt/sql_highlighter.h"
+#include "zrqrybld/adapters/qt/telling_order.h"
 #include "zrqrybld/base/texts_qt.h"
 #include "zrqrybld/sql/syntax_error.h"
 
@@ -66,6 +67,7 @@ ExpressionWindow::ExpressionWindow(const ExpressionDialog& dialog, QWidget* pare
     auto* splitter = new QSplitter(Qt::Vertical);
     splitter->addWidget(MakeEditor(dialog));
     splitter->addWidget(MakeParts());
+    TellInOrder(*splitter);
     splitter->setStretchFactor(0, 2);
     splitter->setStretchFactor(1, 3);
     splitter->setChildrenCollapsible(false);
@@ -217,6 +219,7 @@ bool ExpressionWindow::eventFilter(QObject* watched, QEvent* event) {
 QWidget* ExpressionWindow::MakeParts() {
   auto* left = new QWidget;
   search_ = new QLineEdit;
+  search_->setObjectName(QStringLiteral("search"));
   search_->setPlaceholderText(Say(texts_, text::SearchPieces));
   search_->setAccessibleName(search_->placeholderText());
   search_->setClearButtonEnabled(true);
@@ -242,6 +245,7 @@ QWidget* ExpressionWindow::MakeParts() {
   auto* splitter = new QSplitter(Qt::Horizontal);
   splitter->addWidget(left);
   splitter->addWidget(MakeParameters());
+  TellInOrder(*splitter);
   splitter->setStretchFactor(0, 3);
   splitter->setStretchFactor(1, 2);
   splitter->setChildrenCollapsible(false);
@@ -334,6 +338,7 @@ void ExpressionWindow::ShowChosen() {
     parameters_->setItem(row, 0, name);
     parameters_->setItem(row, 1, new QTableWidgetItem);
   }
+  parameters_->setFocusPolicy(parameters_->rowCount() > 0 ? Qt::StrongFocus : Qt::NoFocus);
 }
 
 // In place of what is selected in the editor.

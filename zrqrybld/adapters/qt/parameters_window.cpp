@@ -1,4 +1,5 @@
 #include "zrqrybld/adapters/qt/parameters_window.h"
+#include "zrqrybld/adapters/qt/named_combo.h"
 
 #include <QAction>
 #include <QCalendarWidget>
@@ -172,6 +173,7 @@ QWidget* ParametersWindow::MakeForm() {
   }
   auto* area = new QScrollArea;
   area->setFrameShape(QFrame::NoFrame);
+  area->setFocusPolicy(Qt::NoFocus);  // it follows the field that has the keyboard
   area->setWidgetResizable(true);
   area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   area->setWidget(page);
@@ -186,7 +188,7 @@ ParametersWindow::Editor ParametersWindow::MakeEditor(const ParameterField& fiel
   Editor editor;
   const ValueKind kind = ValueKindOf(field.dataType);
   if (kind == ValueKind::Boolean) {
-    editor.choice = new QComboBox;
+    editor.choice = new NamedCombo(ToQString(field.prompt));
     const QString fallback = ToQString(field.fallback);
     editor.choice->addItem(
         fallback.isEmpty() ? Say(texts_, text::ChooseYesOrNo) : Say(texts_, text::DefaultValue, fallback), QString());

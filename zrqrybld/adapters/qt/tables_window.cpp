@@ -16,6 +16,7 @@
 #include "zrqrybld/adapters/qt/name_list.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
 #include "zrqrybld/adapters/qt/say.h"
+#include "zrqrybld/adapters/qt/telling_order.h"
 #include "zrqrybld/base/texts_qt.h"
 
 namespace zrqrybld {
@@ -31,6 +32,7 @@ TablesWindow::TablesWindow(const TablesDialog& dialog, QWidget* parent, const Te
   filter_->installEventFilter(this);
 
   tabs_ = new QTabWidget;
+  TellInOrder(*tabs_);
   tabs_->setDocumentMode(true);
   pages_.push_back(AddPage(dialog_.tablesTab, dialog_.tables, Say(texts_, text::NoTables)));
   pages_.push_back(AddPage(dialog_.viewsTab, dialog_.views, Say(texts_, text::NoViews)));
