@@ -106,6 +106,7 @@ constexpr Dialect Access() {
   d.leavesParenthesesOpen = true;
   d.values.dateQuote = "#";
   d.doubleQuotesAreTexts = true;
+  d.unknownNamesAsk = true;
   return d;
 }
 
