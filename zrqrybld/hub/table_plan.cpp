@@ -223,6 +223,24 @@ SnapshotType TablePlan::TypeOf(std::size_t table, const std::string& column) con
   return DescribeType(facts.type, facts.isLong, *hub_.DataTypes());
 }
 
+// "dual" is there without being listed; what the source fails to tell is no fault of the name.
+std::optional<std::vector<std::string>> TablePlan::ColumnsOf(const WrittenTable& table) const {
+  const std::string name = JoinedName(table.parts, rules_);
+  const auto [known, added] = innerColumns_.try_emplace(name, std::vector<std::string>());
+  if (!added || !hub_.IsConnected() || EqualsNoCase(name, "dual")) return known->second;
+  try {
+    TablePicker picker(RefTo(hub_));
+    std::optional<std::vector<SourceColumn>> columns = picker.ReadColumns(name);
+    // Without quotes the server reads other letters.
+    if (!columns) columns = picker.ReadColumns(InLetters(name, hub_.CurrentDialect().plainNames));
+    if (!columns) return known->second = std::nullopt;
+    for (const SourceColumn& column : *columns) known->second->push_back(column.name);
+  } catch (const Error&) {
+    known->second->clear();
+  }
+  return known->second;
+}
+
 // What the source fails to tell is no fault of the name.
 void TablePlan::OfferTables(NearestName& nearest) const {
   try {

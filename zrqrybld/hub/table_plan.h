@@ -50,6 +50,7 @@ class TablePlan final : public QuerySource {
   std::optional<std::string> FindColumn(std::size_t table, const std::string& name) const override;
   std::vector<std::string> Columns(std::size_t table) const override;
   SnapshotType TypeOf(std::size_t table, const std::string& column) const override;
+  std::optional<std::vector<std::string>> ColumnsOf(const WrittenTable& table) const override;
   void OfferTables(NearestName& nearest) const override;
 
  private:
@@ -61,6 +62,8 @@ class TablePlan final : public QuerySource {
   const NameRules& rules_;
   std::vector<PlannedTable> tables_;
   std::size_t added_ = 0;
+  // Of tables in queries within the query, by name.
+  mutable std::unordered_map<std::string, std::optional<std::vector<std::string>>> innerColumns_;
 };
 
 }  // namespace zrqrybld

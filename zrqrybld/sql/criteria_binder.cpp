@@ -80,9 +80,8 @@ bool CriteriaBinder::PlaceCell(const Expression& condition, std::size_t column, 
   const Expression* read = &condition;
   Expression mirrored, left, right;
   std::optional<RowField> field = FieldOf(condition, groups);
-  if (!field && condition.kind == ExpressionKind::Comparison && !condition.negated) {
+  if (field && StandsRight(condition, *field, groups)) {
     field = OperandField(*condition.first->next, groups);
-    if (!field || Mirrored(condition.name).empty()) return false;
     left = *condition.first->next;
     right = *condition.first;
     left.next = &right;
@@ -99,6 +98,15 @@ bool CriteriaBinder::PlaceCell(const Expression& condition, std::size_t column, 
   if (criteria.size() <= column) criteria.resize(column + 1);
   criteria[column] = std::move(*cell);
   return true;
+}
+
+// Whether a comparison is about what stands on its right side: a column there, or an expression beside a literal.
+bool CriteriaBinder::StandsRight(const Expression& condition, const RowField& left, bool groups) const {
+  if (left.table || condition.kind != ExpressionKind::Comparison || condition.negated) return false;
+  if (Mirrored(condition.name).empty()) return false;
+  const auto isLiteral = [](const Expression& e) { return StripParentheses(&e)->kind == ExpressionKind::Literal; };
+  const Expression& right = *condition.first->next;
+  return (isLiteral(*condition.first) && !isLiteral(right)) || OperandField(right, groups).table;
 }
 
 void CriteriaBinder::PlaceExpression(const std::string& text, std::size_t column, bool groups) {
@@ -119,28 +127,48 @@ std::optional<RowField> CriteriaBinder::FieldOf(const Expression& condition, boo
   return OperandField(*e->first, groups);
 }
 
-std::optional<RowField> CriteriaBinder::OperandField(const Expression& operand, bool groups) const {
+RowField CriteriaBinder::OperandField(const Expression& operand, bool groups) const {
   const Expression& e = *StripParentheses(&operand);
   if (groups) {
-    if (std::optional<RowField> aggregate = fields_.AggregateOf(e)) return aggregate;
+    if (std::optional<RowField> aggregate = fields_.AggregateOf(e)) return *aggregate;
   }
   if (e.kind == ExpressionKind::Column) {
-    if (std::optional<RowField> column = fields_.ColumnOf(e)) return column;
+    if (std::optional<RowField> column = fields_.ColumnOf(e)) return *column;
     const bool isText = e.text.starts_with('"');
     if (!isText && !NameScope::IsPseudoColumn(e.name) && !isAlias(PlainName(e.text))) scope_.Require(e);
-    return std::nullopt;
   }
-  RowField expression{std::nullopt, fields_.Written(e), {}};
-  if (rows_.Has(expression)) return expression;
-  return std::nullopt;
+  return {std::nullopt, fields_.Written(operand), {}};
 }
 
-// The cell that says the condition; none when the formatter would make another condition of it.
+// The cell that says the condition. A number, and a truth value, that the column's type would make another value of
+// stands in parentheses.
 std::optional<std::string> CriteriaBinder::CellOf(const Expression& condition, const RowField& field) const {
-  const std::string term = fields_.TermOf(field);
-  const std::string written = fields_.NormalizedFields(condition);
+  try {
+    const FieldTexts texts = TextsOf(field);
+    if (std::optional<std::string> cell = CellSaying(fields_.NormalizedFields(condition), texts, field)) return cell;
+    return CellSaying(fields_.WithLiteralsApart(condition), texts, field);
+  } catch (const Error&) {
+    return std::nullopt;
+  }
+}
+
+// How the generator writes a field, and how it stands in a condition where names are written alike.
+CriteriaBinder::FieldTexts CriteriaBinder::TextsOf(const RowField& field) const {
+  FieldTexts texts{fields_.TermOf(field), {}};
+  if (field.table) {
+    texts.normalized = texts.term;
+  } else {
+    SyntaxArena arena(texts.term.size() * 8 + 256);
+    texts.normalized = fields_.NormalizedFields(*ParseExpressionText(texts.term, arena));
+  }
+  return texts;
+}
+
+// None when the formatter would make another condition of it.
+std::optional<std::string> CriteriaBinder::CellSaying(const std::string& written, const FieldTexts& texts,
+                                                      const RowField& field) const {
   std::optional<std::string> cell = CriterionOf(
-      written, [&term](std::string_view left) { return left == term; }, options_.context.likeOperator);
+      written, [&texts](std::string_view left) { return left == texts.normalized; }, options_.context.likeOperator);
   if (!cell || cell->empty()) return std::nullopt;
   // On an expression these words ask whether it is true.
   if (!field.table && (UpperAscii(*cell).ends_with("TRUE") || UpperAscii(*cell).ends_with("FALSE")))
@@ -155,13 +183,13 @@ std::optional<std::string> CriteriaBinder::CellOf(const Expression& condition, c
   }
   context.aggregate = field.grouping.syntax;
   try {
-    const std::string made = FormatCondition(term, *cell, context);
+    const std::string made = FormatCondition(texts.term, *cell, context);
     SyntaxArena arena(made.size() * 8 + 256);
-    if (fields_.NormalizedFields(*ParseExpressionText(made, arena)) != written) return std::nullopt;
+    if (fields_.NormalizedFields(*ParseExpressionText(made, arena)) == written) return cell;
   } catch (const Error&) {
-    return std::nullopt;
+    // No criterion of this column says it.
   }
-  return cell;
+  return std::nullopt;
 }
 
 std::size_t CriteriaBinder::RowFor(const RowField& field, std::size_t column, bool groups) {

@@ -1,9 +1,9 @@
 // CriteriaBinder: the conditions of WHERE and HAVING as criteria of the grid's rows.
 //
 // Alternatives (an OR outside of parentheses) become the grid's criteria columns, the terms of each (joined by AND)
-// cells below each other. A term about one field is a cell of a row of that field when the criteria formatter makes the
-// same condition of it again; every other one is an expression row with the criterion "= True", so that no condition
-// changes.
+// cells below each other. A term about one field, or about one expression, is a cell of a row of that field or
+// expression when the criteria formatter makes the same condition of it again; every other one is an expression row
+// with the criterion "= True", so that no condition changes.
 #pragma once
 
 #include <cstddef>
@@ -47,9 +47,17 @@ class CriteriaBinder {
   void PlaceTerm(const Expression& term, std::size_t column, bool groups);
   bool PlaceCell(const Expression& condition, std::size_t column, bool groups);
   void PlaceExpression(const std::string& text, std::size_t column, bool groups);
+  bool StandsRight(const Expression& condition, const RowField& left, bool groups) const;
   std::optional<RowField> FieldOf(const Expression& condition, bool groups) const;
-  std::optional<RowField> OperandField(const Expression& operand, bool groups) const;
+  RowField OperandField(const Expression& operand, bool groups) const;
   std::optional<std::string> CellOf(const Expression& condition, const RowField& field) const;
+  struct FieldTexts {
+    std::string term;
+    std::string normalized;
+  };
+  FieldTexts TextsOf(const RowField& field) const;
+  std::optional<std::string> CellSaying(const std::string& written, const FieldTexts& texts,
+                                        const RowField& field) const;
   std::size_t RowFor(const RowField& field, std::size_t column, bool groups);
 
   const NameScope& scope_;

@@ -215,6 +215,16 @@ bool CriterionValues::IsSql(Kind kind, std::size_t from, std::size_t to) const {
   return expression.valid && expression.unknown == CriterionTokens::kNone && (takesFigures || expression.hasSql);
 }
 
+// A number or a truth value in parentheses, which stays one whatever the type of the column.
+bool CriterionValues::IsLiteralApart(std::size_t from, std::size_t to) const {
+  if (!tokens_.Is(from, '(') || tokens_.After(from) != to) return false;
+  std::size_t at = from + 1;
+  if (tokens_.Is(at, '-') || tokens_.Is(at, '+')) ++at;
+  if (at + 2 != to) return false;
+  return tokens_[at].kind == TokenKind::Number ||
+         (at == from + 1 && (tokens_.IsWord(at, "TRUE") || tokens_.IsWord(at, "FALSE")));
+}
+
 // --- Literals ---
 
 void CriterionValues::Refuse(std::size_t at, const Phrase& what) const {
@@ -323,7 +333,7 @@ std::string CriterionValues::Write(std::size_t from, std::size_t to) const {
     case Kind::Text:
       break;
   }
-  if (IsSql(kind_, from, to)) return tokens_.Kept(from, to);
+  if (IsSql(kind_, from, to) || IsLiteralApart(from, last)) return tokens_.Kept(from, to);
   if (kind_ == Kind::Text || kind_ == Kind::Unknown) return WriteText(from, to, false);
 
   tokens_.RequireFinished(from, to);

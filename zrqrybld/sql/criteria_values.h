@@ -41,6 +41,7 @@ class CriterionValues {
 
   static Kind KindOf(const CriteriaContext& context);
   bool IsSql(Kind kind, std::size_t from, std::size_t to) const;
+  bool IsLiteralApart(std::size_t from, std::size_t to) const;
   Expression Examine(Kind kind, std::size_t from, std::size_t to) const;
   std::size_t ReadOperand(Kind kind, std::size_t at, std::size_t to, Expression& expression) const;
   std::size_t ReadName(Kind kind, std::size_t at, std::size_t to, Expression& expression) const;

@@ -110,6 +110,7 @@ constexpr Dialect Access() {
   d.leavesParenthesesOpen = true;
   d.values.dateQuote = "#";
   d.doubleQuotesAreTexts = true;
+  d.unknownNamesAsk = true;
   return d;
 }
 

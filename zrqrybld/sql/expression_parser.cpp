@@ -27,6 +27,15 @@ class List {
 constexpr std::array<std::string_view, 6> kWordOperators = {"GLOB", "ILIKE", "MATCH", "REGEXP", "RLIKE", "ALIKE"};
 // Words that make the text behind them a literal.
 constexpr std::array<std::string_view, 4> kLiteralTypes = {"DATE", "TIME", "TIMESTAMP", "DATETIME"};
+// Functions whose first argument is a part of a date, which is no name; and those that take a type there, or a value.
+constexpr std::array<std::string_view, 10> kTakesPart = {"DATEADD",      "DATEDIFF",     "DATEDIFF_BIG", "DATENAME",
+                                                         "DATEPART",     "DATETRUNC",    "DATE_BUCKET",  "EXTRACT",
+                                                         "TIMESTAMPADD", "TIMESTAMPDIFF"};
+constexpr std::array<std::string_view, 2> kTakesType = {"CONVERT", "TRY_CONVERT"};
+constexpr std::array<std::string_view, 20> kTypes = {
+    "BIGINT",   "BIT",  "CHAR",    "DATE",    "DATETIME",         "DATETIME2", "DECIMAL",
+    "FLOAT",    "INT",  "INTEGER", "MONEY",   "NUMERIC",          "NVARCHAR",  "REAL",
+    "SMALLINT", "TEXT", "TIME",    "TINYINT", "UNIQUEIDENTIFIER", "VARCHAR"};
 // Words in front of the first argument of TRIM.
 constexpr std::array<std::string_view, 3> kTrimWords = {"BOTH", "LEADING", "TRAILING"};
 
@@ -108,7 +117,19 @@ Expression* ExpressionParser::ParseNot() {
   reader_.Advance();
   Expression* operand = ParseNot();
   RefusePipe();
-  return Make(ExpressionKind::Not, start, operand);
+  Expression* test = operand;
+  while (test->kind == ExpressionKind::Parentheses) test = test->first;
+  if (!TakesNot(*test)) return Make(ExpressionKind::Not, start, operand);
+  test->negated = true;  // NOT a LIKE b is a NOT LIKE b
+  return Close(test, start);
+}
+
+// Whether NOT may stand inside, before the operator, and does not yet.
+bool ExpressionParser::TakesNot(const Expression& test) {
+  const bool isWord =
+      test.kind == ExpressionKind::Comparison && IsWordByte(test.name.front()) && !StartsWithNoCase(test.name, "IS");
+  return !test.negated && (isWord || test.kind == ExpressionKind::Between || test.kind == ExpressionKind::In ||
+                           test.kind == ExpressionKind::IsNull);
 }
 
 bool ExpressionParser::IsComparisonSign() const {
@@ -538,12 +559,32 @@ Expression* ExpressionParser::ParseCall(std::size_t start, std::string_view name
     reader_.Advance();
   List arguments(call->first);
   if (!reader_.IsSign(')')) {
-    do {
-      arguments.Append(ParseArgument());
-    } while (reader_.TakeSign(','));
+    arguments.Append(BeginsWithWord(name) ? ParseWordArgument() : ParseArgument());
+    while (reader_.TakeSign(',')) arguments.Append(ParseArgument());
   }
   if (!reader_.TakeSign(')')) reader_.FailExpected(text::OperatorCommaOrClosing);
   return Close(call, start);
+}
+
+// Whether the word at which the arguments of the function begin is no name: DAY in DATEADD(DAY, 1, d), DATE in
+// CONVERT(DATE, d), YEAR in EXTRACT(YEAR FROM d).
+bool ExpressionParser::BeginsWithWord(std::string_view function) const {
+  const auto isOneOf = [](std::string_view word, const auto& words) {
+    return std::ranges::any_of(words, [word](std::string_view other) { return EqualsNoCase(other, word); });
+  };
+  if (!reader_.Is(TokenKind::Word) || !(reader_.NextIsSign(',') || reader_.Peek().keyword == Keyword::From))
+    return false;
+  return isOneOf(function, kTakesPart) || (isOneOf(function, kTakesType) && isOneOf(reader_.CurrentText(), kTypes));
+}
+
+// Such a word; with FROM and the expression behind it.
+Expression* ExpressionParser::ParseWordArgument() {
+  const std::size_t start = reader_.Offset();
+  reader_.Advance();
+  if (!reader_.Take(Keyword::From)) return Make(ExpressionKind::Opaque, start);
+  Expression* part = Make(ExpressionKind::Opaque, start);
+  part->next = ParseExpression();
+  return Make(ExpressionKind::Chain, start, part);
 }
 
 // An expression; what a keyword adds to it (CAST(a AS type), EXTRACT(YEAR FROM d)) is passed on as it stands.

@@ -56,11 +56,14 @@ class ExpressionParser {
   Expression* ParseInParentheses(std::size_t start, Expression* begun);
   Expression* ParseNamed();
   Expression* ParseCall(std::size_t start, std::string_view name);
+  bool BeginsWithWord(std::string_view function) const;
+  Expression* ParseWordArgument();
   Expression* ParseArgument();
   Expression* ParseCase();
   Expression* ParseLiteral();
   Expression* ParseInterval();
   Expression* ParseSubquery(std::size_t start);
+  static bool TakesNot(const Expression& test);
   bool IsComparisonSign() const;
   bool IsChainSign() const;
   bool IsWordOperator() const;

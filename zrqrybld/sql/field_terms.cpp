@@ -1,5 +1,7 @@
 #include "zrqrybld/sql/field_terms.h"
 
+#include <unordered_set>
+
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/sql/from_binder.h"
 #include "zrqrybld/sql/statement_parser.h"
@@ -21,10 +23,32 @@ void FindOperands(const Expression& e, const Expression*& operand, int& count) {
   for (const Expression* child = e.first; child && count < 2; child = child->next) FindOperands(*child, operand, count);
 }
 
+// A number, with its sign or without, or a truth value.
+bool IsPlainLiteral(const Expression& e) {
+  const Expression* value = &e;
+  if (e.kind == ExpressionKind::Chain && e.first->kind == ExpressionKind::Sign && !e.first->next->next) {
+    value = e.first->next;
+  }
+  if (value->kind != ExpressionKind::Literal) return false;
+  return IsDigit(value->text.front()) || value->text.front() == '.' || EqualsNoCase(e.text, "TRUE") ||
+         EqualsNoCase(e.text, "FALSE");
+}
+
+// What stands on the right side of comparisons, and in their lists.
+void FindComparedLiterals(const Expression& e, std::unordered_set<const Expression*>& found) {
+  const bool compares =
+      e.kind == ExpressionKind::Comparison || e.kind == ExpressionKind::Between || e.kind == ExpressionKind::In;
+  for (const Expression* child = e.first; child; child = child->next) {
+    const bool isValue = (compares && child != e.first) || e.kind == ExpressionKind::Row;
+    if (isValue && IsPlainLiteral(*child)) found.insert(child);
+    FindComparedLiterals(*child, found);
+  }
+}
+
 // An aggregate's text with "@field" for its operand, alike for all ways to write it.
 std::string KeyOf(const Expression& expression, const Expression* operand) {
   const Substitution substitution = [operand](const Expression& e, std::string& text) {
-    if (&e != operand) return false;
+    if (StripParentheses(&e) != operand) return false;
     text += kField;
     return true;
   };
@@ -107,13 +131,26 @@ std::string FieldTerms::TermOf(const RowField& field) const {
 
 std::string FieldTerms::Normalized(const Expression& expression) const { return PrintExpression(expression, columns_); }
 
+// Columns and aggregates as the generator writes them.
+bool FieldTerms::AppendField(const Expression& e, std::string& text) const {
+  if (columns_(e, text)) return true;
+  if (e.kind != ExpressionKind::Call) return false;
+  const std::optional<RowField> field = AggregateOf(e);
+  if (!field) return false;
+  text += TermOf(*field);
+  return true;
+}
+
 std::string FieldTerms::NormalizedFields(const Expression& expression) const {
-  return PrintExpression(expression, [this](const Expression& e, std::string& text) {
-    if (columns_(e, text)) return true;
-    if (e.kind != ExpressionKind::Call) return false;
-    const std::optional<RowField> field = AggregateOf(e);
-    if (!field) return false;
-    text += TermOf(*field);
+  return PrintExpression(expression, [this](const Expression& e, std::string& text) { return AppendField(e, text); });
+}
+
+std::string FieldTerms::WithLiteralsApart(const Expression& expression) const {
+  std::unordered_set<const Expression*> apart;
+  FindComparedLiterals(expression, apart);
+  return PrintExpression(expression, [&](const Expression& e, std::string& text) {
+    if (apart.erase(&e) == 0) return AppendField(e, text);
+    text += "(" + NormalizedFields(e) + ")";
     return true;
   });
 }

@@ -31,12 +31,15 @@ class FieldTerms {
   std::string Normalized(const Expression& expression) const;
   /// As `Normalized`, with fields of aggregates written as the generator writes them, too.
   std::string NormalizedFields(const Expression& expression) const;
+  /// As `NormalizedFields`, with the numbers and truth values that the conditions compare with in parentheses.
+  std::string WithLiteralsApart(const Expression& expression) const;
   /// The expression as it was written, on one line; names that mean another column in the generated text are qualified.
   std::string Written(const Expression& expression) const;
 
  private:
   using Aggregates = std::unordered_map<std::string, RowGrouping>;  // by syntax, as `KeyOf` makes it alike
   const Aggregates& KnownAggregates() const;
+  bool AppendField(const Expression& e, std::string& text) const;
   const Expression* OnlyOperand(const Expression& expression) const;
   std::string ColumnTerm(std::size_t table, const std::string& column) const;
 

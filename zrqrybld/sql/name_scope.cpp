@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 
 #include "zrqrybld/base/near_names.h"
 #include "zrqrybld/base/text.h"
@@ -12,9 +13,16 @@
 namespace zrqrybld {
 namespace {
 
-constexpr std::array<std::string_view, 11> kPseudoColumns = {
-    "CURRENT_DATE", "CURRENT_TIME", "CURRENT_TIMESTAMP", "CURRENT_USER", "LEVEL",       "ROWID",
-    "ROWNUM",       "SYSDATE",      "SYSTIMESTAMP",      "USER",         "SESSION_USER"};
+// Those behind ROWNUM may be columns as well, or stand behind a table.
+constexpr std::array<std::string_view, 11> kPseudoColumns = {"CURRENT_DATE", "CURRENT_TIME", "CURRENT_TIMESTAMP",
+                                                             "CURRENT_USER", "SYSDATE",      "SYSTIMESTAMP",
+                                                             "SESSION_USER", "USER",         "ROWNUM",
+                                                             "LEVEL",        "ROWID"};
+constexpr std::size_t kServerValues = 9;
+
+bool IsOneOf(std::string_view name, std::span<const std::string_view> words) {
+  return std::ranges::any_of(words, [name](std::string_view word) { return EqualsNoCase(word, name); });
+}
 
 // A name that is written without quotes and without dots.
 bool IsOnePart(std::string_view written) {
@@ -27,6 +35,8 @@ bool IsOnePart(std::string_view written) {
 // Of ASCII alone; what a server makes of others hangs on its locale.
 char LowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
+}  // namespace
+
 std::string InLetters(std::string_view name, Dialect::PlainNames plain) {
   if (plain == Dialect::PlainNames::Upper) return UpperAscii(name);
   std::string text(name);
@@ -34,14 +44,11 @@ std::string InLetters(std::string_view name, Dialect::PlainNames plain) {
   return text;
 }
 
-// The parts with "." between, as one name.
 std::string WholeName(const std::vector<Identifier>& parts) {
   std::string name;
   for (const Identifier& part : parts) name += (name.empty() ? "" : ".") + part.Name();
   return name;
 }
-
-}  // namespace
 
 std::string PlainName(std::string_view written) {
   if (written.size() < 2 || std::string_view("\"[`'").find(written.front()) == std::string_view::npos) {
@@ -73,8 +80,10 @@ std::vector<Identifier> NameParts(std::string_view written, Dialect::PlainNames 
   return parts;
 }
 
-bool NameScope::IsPseudoColumn(std::string_view name) {
-  return std::ranges::any_of(kPseudoColumns, [name](std::string_view pseudo) { return EqualsNoCase(pseudo, name); });
+bool NameScope::IsPseudoColumn(std::string_view name) { return IsOneOf(name, kPseudoColumns); }
+
+bool NameScope::IsServerValue(std::string_view name) {
+  return IsOneOf(name, std::span(kPseudoColumns).first(kServerValues));
 }
 
 void NameScope::Refuse(std::string_view part, Phrase message) const {
@@ -164,6 +173,7 @@ std::optional<BoundColumn> NameScope::Find(const Expression& column) const {
   if (const BoundColumn* unified = FindUnified(name)) return *unified;
   const std::vector<std::size_t> tables = TablesWith(name);
   if (tables.empty()) return std::nullopt;
+  if (IsServerValue(column.name) && !source_.FindColumn(tables[0], name)) return std::nullopt;
   if (tables.size() > 1) {
     std::string candidates;
     for (const std::size_t table : tables) {
@@ -197,6 +207,33 @@ BoundColumn NameScope::Require(const Expression& column) const {
     Refuse(column.text, nearest.With({text::NoTableHasColumn, PlainName(column.name)}));
   }
   return std::move(*found);
+}
+
+bool NameScope::MeansHere(const Expression& column) const {
+  const std::string_view qualifier = column.Qualifier();
+  if (!qualifier.empty()) return FindTable(qualifier).has_value();
+  const std::string name = PlainName(column.name);
+  return FindUnified(name) || !TablesWith(name).empty() || FindTable(column.name).has_value();
+}
+
+bool NameScope::Means(const Expression& column) const { return MeansHere(column) || (outer_ && outer_->Means(column)); }
+
+// Whether the columns of any table are known, here or around.
+bool NameScope::KnowsAny() const {
+  for (std::size_t table = 0; table < tables_.size(); ++table) {
+    if (source_.KnowsColumns(table)) return true;
+  }
+  return outer_ && outer_->KnowsAny();
+}
+
+void NameScope::Check(const Expression& column) const {
+  if (!MeansHere(column) && outer_ && outer_->Means(column)) return outer_->Check(column);
+  if (!column.Qualifier().empty() && !Means(column) && !KnowsAny()) return;
+  if (column.Qualifier().empty() && MeansHere(column)) {
+    const std::vector<std::size_t> tables = TablesWith(PlainName(column.name));
+    if (tables.empty() || !source_.FindColumn(tables[0], PlainName(column.name))) return;
+  }
+  Require(column);
 }
 
 void NameScope::OfferColumns(std::size_t table, NearestName& nearest) const {

@@ -44,6 +44,11 @@ class QuerySource {
   /// The columns in their order.
   virtual std::vector<std::string> Columns(std::size_t table) const = 0;
   virtual SnapshotType TypeOf(std::size_t table, const std::string& column) const = 0;
+  /// The columns of any table, for a query within the query: none when there is no such table, an empty list when
+  /// nobody knows them.
+  virtual std::optional<std::vector<std::string>> ColumnsOf(const WrittenTable&) const {
+    return std::vector<std::string>();
+  }
   /// Offers the names of all tables there are, for one that was not found.
   virtual void OfferTables(NearestName& nearest) const = 0;
 };
@@ -58,13 +63,21 @@ struct BoundColumn {
 /// The name without its quotes; doubled closing quotes become one.
 std::string PlainName(std::string_view written);
 
+/// A name as a server reads it that makes all letters alike.
+std::string InLetters(std::string_view name, Dialect::PlainNames plain);
+
+/// The parts with "." between, as one name.
+std::string WholeName(const std::vector<Identifier>& parts);
+
 /// The parts of a name with dots, without quotes.
 std::vector<Identifier> NameParts(std::string_view written, Dialect::PlainNames plain = Dialect::PlainNames::AsWritten);
 
 class NameScope {
  public:
-  /// `text` is the statement, for the places of errors; it and the source must outlive the scope.
-  NameScope(std::string_view text, QuerySource& source) : text_(text), source_(source) {}
+  /// `text` is the statement, for the places of errors. What a query within the query does not name itself is looked
+  /// up in the scope `outer`, around it. All must outlive the scope.
+  NameScope(std::string_view text, QuerySource& source, const NameScope* outer = nullptr)
+      : text_(text), source_(source), outer_(outer) {}
 
   /// Adds a table of FROM. SyntaxError when the source has no such table, or another has the same name.
   std::size_t AddTable(const FromItem& item);
@@ -85,6 +98,16 @@ class NameScope {
   /// As `Find`; SyntaxError when no table has the column.
   BoundColumn Require(const Expression& column) const;
 
+  /// Whether the name may mean something, here or around: a column or one of several, a column of a table whose columns
+  /// nobody knows, a whole row.
+  bool Means(const Expression& column) const;
+
+  /// SyntaxError when a name inside an expression means nothing, or one of several columns. What only tables have whose
+  /// columns nobody knows is passed.
+  void Check(const Expression& column) const;
+
+  std::string_view Text() const { return text_; }
+
   /// From now on the name without a qualifier means this column: that of USING and NATURAL.
   void Unify(const std::string& name, const BoundColumn& column);
   bool HasUnified() const { return !unified_.empty(); }
@@ -93,6 +116,8 @@ class NameScope {
 
   /// Whether the word means something by itself in SQL: SYSDATE, ROWNUM.
   static bool IsPseudoColumn(std::string_view name);
+  /// Whether it does so wherever it stands, so that no column is called so without quotes.
+  static bool IsServerValue(std::string_view name);
 
   /// The offset of a part of the statement's text.
   std::size_t OffsetOf(std::string_view part) const { return static_cast<std::size_t>(part.data() - text_.data()); }
@@ -108,8 +133,12 @@ class NameScope {
   // Of a column that no source knows: as it is spelled where it is named first.
   const std::string& FirstSpelling(std::size_t table, const std::string& name) const;
 
+  bool MeansHere(const Expression& column) const;
+  bool KnowsAny() const;
+
   std::string_view text_;
   QuerySource& source_;
+  const NameScope* outer_;
   std::vector<SnapshotTable> tables_;
   ByName<std::size_t> byCaption_;
   ByName<std::size_t> byLastPart_;  // of tables without alias; `kAmbiguous` for several

@@ -14,6 +14,7 @@
 #include "zrqrybld/sql/join_limits.h"
 #include "zrqrybld/sql/keywords.h"
 #include "zrqrybld/sql/lexer.h"
+#include "zrqrybld/sql/name_checker.h"
 
 namespace zrqrybld {
 namespace {
@@ -499,7 +500,9 @@ class Binder {
 BoundStatement BindStatement(const SelectStatement& statement, QuerySource& source, const BindOptions& options) {
   NameScope scope(statement.text, source);
   AddTables(statement, scope);
-  return Binder(statement, scope, options).Run();
+  BoundStatement bound = Binder(statement, scope, options).Run();
+  RequireKnownNames(statement, scope, *options.dialect, *options.functions);
+  return bound;
 }
 
 }  // namespace zrqrybld

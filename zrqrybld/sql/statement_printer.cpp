@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/sql/keywords.h"
 #include "zrqrybld/sql/lexer.h"
 
 namespace zrqrybld {
@@ -124,7 +125,10 @@ class Printer {
       AppendUpper(text_, substitution_ ? UsualSign(e.name) : e.name);
     }
     text_ += ' ';
-    PrintList(second, " ");
+    Print(*second);
+    if (!second->next) return;
+    text_ += " ESCAPE ";
+    AppendOnOneLine(text_, second->next->text.substr(NameOf(Keyword::Escape).size()));
   }
 
   std::string& text_;
