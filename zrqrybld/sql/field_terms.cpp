@@ -3,7 +3,6 @@
 #include <unordered_set>
 
 #include "zrqrybld/base/text.h"
-#include "zrqrybld/sql/from_binder.h"
 #include "zrqrybld/sql/statement_parser.h"
 #include "zrqrybld/sql/syntax_error.h"
 

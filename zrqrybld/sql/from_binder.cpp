@@ -72,11 +72,6 @@ bool HasMark(const Expression& e) {
 
 }  // namespace
 
-const Expression* StripParentheses(const Expression* expression) {
-  while (expression->kind == ExpressionKind::Parentheses) expression = expression->first;
-  return expression;
-}
-
 // --- Tables ---
 
 namespace {

@@ -37,9 +37,6 @@ struct BoundFrom {
   std::vector<BoundColumn> columns;
 };
 
-/// Without the parentheses around it.
-const Expression* StripParentheses(const Expression* expression);
-
 /// The tables of FROM in the order in which they are written.
 std::vector<const FromItem*> TablesOf(const SelectStatement& statement);
 

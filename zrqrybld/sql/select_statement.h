@@ -57,6 +57,12 @@ struct Expression {
   }
 };
 
+/// Without the parentheses around it.
+inline const Expression* StripParentheses(const Expression* expression) {
+  while (expression->kind == ExpressionKind::Parentheses) expression = expression->first;
+  return expression;
+}
+
 enum class JoinWord : std::uint8_t {
   Inner,
   Right,  ///< all rows of the table behind the word
