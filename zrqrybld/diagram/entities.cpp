@@ -308,4 +308,14 @@ void qbEntities::Rename(qbEntity& entity, const std::string& caption) {
   }
 }
 
+std::vector<Ref<qbRelationship>> qbEntities::AskingJoins() {
+  std::vector<Ref<qbRelationship>> joins;
+  for (const WeakRef<qbRelationship>& one : std::exchange(asking_, {})) {
+    const Ref<qbRelationship> join = one.lock();
+    if (join && join->Line() && !join->Condition().empty()) joins.push_back(join);
+  }
+  asking_.assign(joins.begin(), joins.end());
+  return joins;
+}
+
 }  // namespace zrqrybld

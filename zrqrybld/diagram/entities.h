@@ -53,6 +53,9 @@ class ZRQRYBLD_API qbEntities final : public Object, private EntityOwner {
 
   // --- For the model, the pane and the hub ---
 
+  /// The joins that ask conditions, in no order.
+  std::vector<Ref<qbRelationship>> AskingJoins();
+
   /// The entity with exactly this caption, or nothing.
   Ref<qbEntity> FindExactly(std::string_view caption) const {
     return items_.HasExactly(caption) ? *items_.Find(caption) : nullptr;
@@ -89,6 +92,7 @@ class ZRQRYBLD_API qbEntities final : public Object, private EntityOwner {
  private:
   std::size_t PositionOf(const qbEntity& entity) const override;
   void Rename(qbEntity& entity, const std::string& caption) override;
+  void NoteCondition(const Ref<qbRelationship>& join) override { asking_.emplace_back(join); }
   void RequireFree(const std::string& caption, const qbEntity* owner) const;
   void RemoveJoinsOf(const Ref<qbEntity>& entity);
   Ref<qbEntity> Make(const std::string& key);
@@ -104,6 +108,7 @@ class ZRQRYBLD_API qbEntities final : public Object, private EntityOwner {
   DiagramView* view_;
   Untouched untouched_;
   KeyedList<Ref<qbEntity>> items_;
+  std::vector<WeakRef<qbRelationship>> asking_;  // and some that do no more
 };
 
 }  // namespace zrqrybld

@@ -63,6 +63,10 @@ void qbEntity::SetTagVariant(Variant value) {
   if (box_) box_->Touch();
 }
 
+void qbEntity::NoteCondition(const Ref<qbRelationship>& join) const {
+  if (const auto owner = owner_.lock()) owner->NoteCondition(join);
+}
+
 void qbEntity::SetCaption(const std::string& caption) {
   qbEntityList& box = Box();
   const auto owner = owner_.lock();

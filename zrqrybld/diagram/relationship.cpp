@@ -55,8 +55,14 @@ void qbRelationship::SetComparison(JoinComparisonEnum comparison) {
 void qbRelationship::SetCondition(std::string_view typed) {
   std::string condition = JoinConditionText(typed);
   if (condition == facts_.condition) return;
+  NoteCondition(facts_.condition.empty() && !condition.empty());
   Changing().condition = std::move(condition);
   NotifyWhenComplete();
+}
+
+void qbRelationship::NoteCondition(bool begins) {
+  const Ref<qbEntity> source = begins ? Source() : nullptr;
+  if (source) source->NoteCondition(RefTo(*this));
 }
 
 void qbRelationship::SetGroupLevel(std::int32_t level) {
@@ -104,6 +110,7 @@ const std::shared_ptr<JoinIdentity>& qbRelationship::Identity() {
 
 void qbRelationship::Restore(const JoinFacts& facts) {
   if (facts == Facts()) return;
+  NoteCondition(facts_.condition.empty() && !facts.condition.empty());
   Changing() = facts;
   NotifyEnd(Source());
 }

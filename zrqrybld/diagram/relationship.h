@@ -116,6 +116,7 @@ class ZRQRYBLD_API qbRelationship final : public Object {
   void Detach();
   JoinFacts& Changing();
   void NotifyWhenComplete();
+  void NoteCondition(bool begins);
   void Restore(const JoinFacts& facts);
   void NotifyEnd(const Ref<qbEntity>& end);
   void RedrawEnds();

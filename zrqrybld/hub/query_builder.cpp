@@ -368,12 +368,8 @@ void qbQueryBuilder::EntityRemoved(const std::string& caption) {
 namespace {
 
 // Joins whose conditions name the table follow it.
-void RenameInConditions(const qbEntities& entities, const std::function<std::string(std::string_view)>& renamed) {
-  for (const Ref<qbEntity>& entity : entities) {
-    for (const Ref<qbRelationship>& join : *entity->Relationships()) {
-      if (!join->Condition().empty()) join->SetCondition(renamed(join->Condition()));
-    }
-  }
+void RenameInConditions(qbEntities& entities, const std::function<std::string(std::string_view)>& renamed) {
+  for (const Ref<qbRelationship>& join : entities.AskingJoins()) join->SetCondition(renamed(join->Condition()));
 }
 
 }  // namespace
@@ -386,7 +382,8 @@ void qbQueryBuilder::EntityRenamed(const std::string& oldCaption, const std::str
   const SqlText after =
       ownName ? RenderQualified(SplitName(newCaption, rules), rules) : QuoteWhenNeeded(Identifier(newCaption), rules);
   const auto renamed = [&](std::string_view text) { return RenameQualifier(text, oldCaption, after, rules); };
-  if (const Ref<qbEntities> entities = Entities()) RenameInConditions(*entities, renamed);
+  const Ref<qbEntities> entities = Entities();
+  if (entities) RenameInConditions(*entities, renamed);
   if (gridPane_) GridPane()->RenameTable(oldCaption, newCaption, renamed);
 }
 

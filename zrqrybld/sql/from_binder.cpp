@@ -1,7 +1,6 @@
 #include "zrqrybld/sql/from_binder.h"
 
 #include <algorithm>
-#include <set>
 #include <utility>
 
 #include "zrqrybld/base/text.h"
@@ -110,7 +109,8 @@ BoundFrom FromBinder::Bind() {
     bound_.columns.insert(bound_.columns.end(), side.columns.begin(), side.columns.end());
   }
   for (const Residual& residual : residuals_) {
-    if (!residual.isAsked) bound_.conditions.push_back(residual.condition);
+    if (residual.isAsked) continue;
+    bound_.conditions.insert(bound_.conditions.end(), residual.conditions.begin(), residual.conditions.end());
   }
   BindWhere();
   RefuseMarksOutsideWhere();
@@ -150,8 +150,9 @@ void FromBinder::BindStep(Side& left, const JoinStep& step, std::size_t firstRes
   Terms terms = TermsOf(left, right, step);
   const bool allOfLeft = step.word == JoinWord::Left || step.word == JoinWord::Full;
   const bool allOfRight = step.word == JoinWord::Right || step.word == JoinWord::Full;
-  if (allOfLeft) KeepFromWhere(rightResidual, residuals_.size(), right.form);
-  if (allOfRight) KeepFromWhere(firstResidual, rightResidual, left.form);
+  const std::span residuals(residuals_);
+  if (allOfLeft) KeepFromWhere(residuals.subspan(rightResidual), right.form);
+  if (allOfRight) KeepFromWhere(residuals.subspan(firstResidual, rightResidual - firstResidual), left.form);
   if (IsOuter(step.word) && bound_.firstOuter.empty()) bound_.firstOuter = step.place;
   if (sharesColumns_) JoinColumns(left, right, step.on ? std::vector<JoinPair>() : terms.pairs, step);
   const std::vector<std::size_t> joins = AddPairs(terms.pairs, right, allOfLeft, allOfRight);
@@ -273,24 +274,20 @@ std::size_t FromBinder::AddBareJoin(std::size_t left, std::size_t right, JoinKin
 }
 
 // Conditions of joins inside of a side that may be missing are asked there, of the joins, and not of the whole.
-void FromBinder::KeepFromWhere(std::size_t from, std::size_t to, JoinForms::Form form) {
-  std::set<std::size_t> asking;
-  for (std::size_t i = from; i < to; ++i) {
-    Residual& residual = residuals_[i];
+void FromBinder::KeepFromWhere(std::span<Residual> residuals, JoinForms::Form form) {
+  for (Residual& residual : residuals) {
     if (std::exchange(residual.isAsked, true)) continue;
     if (dialect_.joins == Dialect::Joins::Conditions) {
-      scope_.Refuse(residual.condition->text, text::ConditionInOuterJoin);
+      scope_.Refuse(residual.conditions.front()->text, text::ConditionInOuterJoin);
     }
     if (residual.join == kNone) {
-      const bool isFirst = residual.firstOfJoin == i;
-      residual.join = isFirst ? AddBareJoin(residual.left, residual.right, {}) : residuals_[residual.firstOfJoin].join;
+      residual.join =
+          AddBareJoin(TableFor(residual.left, residual.conditions), TableFor(residual.right, residual.conditions), {});
     }
-    AskOfJoin(residual.join, TextOf(*residual.condition));
-    asking.insert(residual.join);
-  }
-  for (const std::size_t join : asking) {
+    const std::string condition = TextOf(residual.conditions);
+    AskOfJoin(residual.join, condition);
     std::vector<JoinPair> terms;
-    AddConditionTerms(terms, asked_[join], scope_.Tables());
+    AddConditionTerms(terms, condition, scope_.Tables());
     forms_->Filter(form, terms);
   }
 }
@@ -313,9 +310,8 @@ void FromBinder::BindInner(Terms& terms, const std::vector<std::size_t>& joins, 
   std::string asked = holds && terms.others.empty() ? "1 = 1" : "";
   std::vector<const Expression*> ofWhole;
   for (const Expression* other : terms.others) {
-    const std::string text = TextOf(*other);
-    if (holds || IsDrawn(text)) {
-      asked += (asked.empty() ? "" : " AND ") + text;
+    if (holds || IsDrawn(*other)) {
+      asked += (asked.empty() ? "" : " AND ") + TextOf(*other);
     } else {
       ofWhole.push_back(other);
     }
@@ -326,21 +322,18 @@ void FromBinder::BindInner(Terms& terms, const std::vector<std::size_t>& joins, 
     AskOfJoin(join, asked);
     AddConditionTerms(terms.pairs, asked, scope_.Tables());
   }
-  const std::size_t first = residuals_.size();
-  for (const Expression* other : ofWhole) {
-    residuals_.push_back({other, first, join, TableFor(left, ofWhole), TableFor(right, ofWhole)});
-  }
+  if (!ofWhole.empty()) residuals_.push_back({std::move(ofWhole), join, left, right});
 }
 
 // Whether the condition stands in a join of the diagram.
-bool FromBinder::IsDrawn(const std::string& condition) {
+bool FromBinder::IsDrawn(const Expression& condition) {
   if (!drawnConditions_) {
     drawnConditions_.emplace();
     for (const DrawnJoin& drawn : drawn_.joins) {
       for (std::string& term : JoinConditionTerms(drawn.condition)) drawnConditions_->insert(std::move(term));
     }
   }
-  return drawnConditions_->contains(condition);
+  return !drawnConditions_->empty() && drawnConditions_->contains(TextOf(condition));
 }
 
 // Whether tables without a comparison between them have to be held together by a join: others are joined to them as

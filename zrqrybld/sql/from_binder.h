@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -74,13 +75,12 @@ class FromBinder {
     std::vector<BoundColumn> columns;  // known only where some are shared
     bool Holds(std::size_t table) const { return table >= first && table < end; }
   };
-  // A condition in the ON of an inner join that compares no columns of its sides.
+  // What the ON of an inner join says besides comparing columns of its sides.
   struct Residual {
-    const Expression* condition;
-    std::size_t firstOfJoin;  // the first condition of the same ON, by its place among all
-    std::size_t join;         // of the same ON, by its place in `bound_.joins`; `kNone` for none
-    std::size_t left;         // a table of each side
-    std::size_t right;
+    std::vector<const Expression*> conditions;
+    std::size_t join;  // of the same ON, by its place in `bound_.joins`; `kNone` for none
+    Side left;
+    Side right;
     bool isAsked = false;  // of the join; otherwise of the whole
   };
   // What an ON says.
@@ -103,13 +103,13 @@ class FromBinder {
   std::size_t AddBareJoin(std::size_t left, std::size_t right, JoinKind kind);
   std::string TextOf(const Expression& condition) const;
   std::string TextOf(const std::vector<const Expression*>& conditions) const;
-  void KeepFromWhere(std::size_t from, std::size_t to, JoinForms::Form form);
+  void KeepFromWhere(std::span<Residual> residuals, JoinForms::Form form);
   void BindInner(Terms& terms, const std::vector<std::size_t>& joins, const Side& left, const Side& right);
   bool HoldsTogether() const;
   void BindOuter(Terms& terms, const std::vector<std::size_t>& joins, const Side& left, const Side& right,
                  JoinKind kind);
   void RequireJoined(const Expression& expression, const Side& left, const Side& right) const;
-  bool IsDrawn(const std::string& condition);
+  bool IsDrawn(const Expression& condition);
   void AddSharedColumns(std::vector<JoinPair>& pairs, const Side& left, const Side& right, const JoinStep& step);
   void RequireClearNames(const Expression& expression) const;
   void JoinColumns(Side& left, const Side& right, const std::vector<JoinPair>& shared, const JoinStep& step) const;
