@@ -12,6 +12,7 @@
 #include "zrqrybld/sql/join_form.h"
 #include "zrqrybld/sql/join_list.h"
 #include "zrqrybld/sql/lexer.h"
+#include "zrqrybld/sql/name_checker.h"
 
 namespace zrqrybld {
 namespace {
@@ -37,6 +38,8 @@ class Diagnosis {
     Tables();
     Joins();
     Rows();
+    Names();
+    Alternatives();
     Grouping();
     Sorting();
     OuterJoins();
@@ -51,6 +54,13 @@ class Diagnosis {
     Phrase phrase(what, object, more...);
     std::string english = phrase.English();
     found_.push_back({kind, std::move(object), std::move(english), std::move(phrase)});
+  }
+
+  // To what was said last.
+  void Offer(SQLCureEnum cure, Phrase name, const SnapshotRow* row = nullptr) {
+    found_.back().cure = cure;
+    found_.back().cureName = std::move(name);
+    if (row) found_.back().row = static_cast<std::size_t>(row - query_.rows.data());
   }
 
   const std::string& CaptionOf(std::size_t table) const { return query_.tables[table].caption.Name(); }
@@ -71,13 +81,45 @@ class Diagnosis {
     for (const FromEntry& entry : generated_.from) {
       const std::string& caption = CaptionOf(entry.table);
       if (entry.conditions.empty() && &entry != &generated_.from.front()) {
-        Say(DiagnosticTableNotJoined, text::TableNotJoined, caption);
+        if (!IsJoinedByCriteria(entry.table)) Say(DiagnosticTableNotJoined, text::TableNotJoined, caption);
         if (nested) Say(DiagnosticParentheses, text::ParenthesesOpen, caption);
       }
       if (HasMixedKinds(entry)) {
         Say(DiagnosticMixedJoins, text::MixedJoins, caption);
       }
     }
+  }
+
+  // Whether each alternative of the criteria compares a column of the table with one of another.
+  bool IsJoinedByCriteria(std::size_t table) const {
+    std::size_t widest = 0;
+    for (const SnapshotRow& row : query_.rows) widest = std::max(widest, row.criteria.size());
+    bool any = false;
+    for (std::size_t column = 0; column < widest; ++column) {
+      bool says = false;
+      bool joins = false;
+      for (const SnapshotRow& row : query_.rows) {
+        if (row.column.empty() || row.grouping.ChoosesGroups() || column >= row.criteria.size()) continue;
+        says |= !Trim(row.criteria[column]).empty();
+        joins |= row.table && ComparedWith(row.criteria[column], *row.table, table);
+      }
+      if (says && !joins) return false;
+      any |= joins;
+    }
+    return any;
+  }
+
+  // Whether the criterion is "= other.column", and the table is one of the two.
+  bool ComparedWith(std::string_view cell, std::size_t own, std::size_t table) const {
+    cell = Trim(cell);
+    if (!cell.starts_with('=')) return false;
+    const std::vector<Identifier> parts = NameParts(Trim(cell.substr(1)));
+    if (parts.size() < 2) return false;
+    for (std::size_t other = 0; other < query_.tables.size(); ++other) {
+      const bool isMeant = other != own && (other == table || own == table);
+      if (isMeant && EqualsNoCase(CaptionOf(other), parts[parts.size() - 2].Name())) return true;
+    }
+    return false;
   }
 
   // A JOIN clause has one word for all its conditions; conditions in a list of tables have a mark each, and only those
@@ -129,6 +171,7 @@ class Diagnosis {
       if (IsAllColumns(row)) continue;
       if (!name.empty() && !names.insert(FoldCase(name)).second) {
         Say(DiagnosticDuplicateName, text::DuplicateName, name);
+        Offer(CureAlias, {text::CureAddAlias, name}, &row);
       }
     }
     for (const SnapshotRow& row : query_.rows) {
@@ -148,6 +191,44 @@ class Diagnosis {
     }
   }
 
+  // --- Names in expressions and criteria ---
+
+  void Names() {
+    if (!query_.columns) return;
+    const DesignNames names(query_, dialect_, nullptr);
+    for (const SnapshotRow& row : query_.rows) {
+      if (row.column.empty()) continue;
+      if (!row.table) SayFault(row, names.FaultIn(row.column));
+      for (const std::string& cell : row.criteria) SayFault(row, names.FaultInCriterion(cell, row));
+    }
+  }
+
+  void SayFault(const SnapshotRow& row, const Phrase& fault) {
+    if (!fault.Empty()) Say(DiagnosticUnknownName, text::NameNotThere, NameOf(row), fault);
+  }
+
+  // --- Alternatives ---
+
+  // An alternative that has some of the first one's conditions, and none of its own, is seldom meant so.
+  void Alternatives() {
+    const auto says = [](const SnapshotRow& row, std::size_t column) {
+      return !row.column.empty() && !row.grouping.ChoosesGroups() && column < row.criteria.size() &&
+             !Trim(row.criteria[column]).empty();
+    };
+    std::size_t widest = 0;
+    for (const SnapshotRow& row : query_.rows) widest = std::max(widest, row.criteria.size());
+    std::unordered_set<const SnapshotRow*> said;
+    for (std::size_t column = 1; column < widest; ++column) {
+      const auto repeats = [&](const SnapshotRow& row) { return says(row, 0) && says(row, column); };
+      const auto adds = [&](const SnapshotRow& row) { return !says(row, 0) && says(row, column); };
+      if (std::ranges::none_of(query_.rows, repeats) || std::ranges::any_of(query_.rows, adds)) continue;
+      for (const SnapshotRow& row : query_.rows) {
+        if (!says(row, 0) || says(row, column) || !said.insert(&row).second) continue;
+        Say(DiagnosticLackingCondition, text::ConditionLacking, NameOf(row));
+      }
+    }
+  }
+
   // --- Grouping ---
 
   void Grouping() {
@@ -164,6 +245,7 @@ class Diagnosis {
         Say(DiagnosticUnknownFunction, text::NoFunction, NameOf(row), grouping.name);
       } else if (grouped && shown && !Groups(row) && !isExpression) {
         Say(DiagnosticNotGrouped, text::NotGrouped, NameOf(row));
+        if (row.column != "*") Offer(CureGroupBy, {text::CureGroupByIt, NameOf(row)}, &row);
       }
       if (!query_.groupByMode && row.grouping.ChoosesGroups() && HasCriteria(row)) {
         Say(DiagnosticNothingToGroup, text::NothingToGroup, NameOf(row));
@@ -269,7 +351,9 @@ class Diagnosis {
       Say(DiagnosticLimitWritten, text::NoPercentages, query_.top);
     }
     if (query_.top.empty() || limit.place != RowLimit::Place::Condition) return;
-    if (!sorted_.empty()) Say(DiagnosticLimitWritten, text::CountedBeforeSort, query_.top);
+    if (!sorted_.empty()) SayCounted(text::CountedBeforeSort);
+    if (query_.groupByMode) SayCounted(text::CountedBeforeGrouping);
+    if (query_.distinct) SayCounted(text::CountedBeforeDistinct);
     const bool joined = std::ranges::any_of(generated_.from, [](const FromEntry& e) { return !e.conditions.empty(); });
     const bool alternatives = std::ranges::any_of(query_.rows, [](const SnapshotRow& row) {
       return !row.column.empty() && !row.grouping.ChoosesGroups() && row.criteria.size() > 1;
@@ -277,6 +361,11 @@ class Diagnosis {
     if (alternatives && !joined) {
       Say(DiagnosticLimitWritten, text::LimitOfLast, query_.top);
     }
+  }
+
+  void SayCounted(TextId what) {
+    Say(DiagnosticLimitWritten, what, query_.top);
+    if (!dialect_.today.empty()) Offer(CureDialect, {text::CureChooseDialect, dialect_.today});
   }
 
   const QuerySnapshot& query_;
