@@ -195,8 +195,11 @@ class Diagnosis {
 
   void Names() {
     if (!query_.columns) return;
+    constexpr std::size_t kMost = 50;  // each is compared with all names there are, and nobody reads more
     const DesignNames names(query_, dialect_, nullptr);
+    const std::size_t before = found_.size();
     for (const SnapshotRow& row : query_.rows) {
+      if (found_.size() - before >= kMost) return;
       if (row.column.empty()) continue;
       if (!row.table) SayFault(row, names.FaultIn(row.column));
       for (const std::string& cell : row.criteria) SayFault(row, names.FaultInCriterion(cell, row));
@@ -234,7 +237,8 @@ class Diagnosis {
   void Grouping() {
     for (const SnapshotRow* row : sorted_) sortedPlaces_.push_back(row);
     std::ranges::sort(sortedPlaces_);
-    const bool grouped = query_.groupByMode && std::ranges::any_of(query_.rows, Groups);
+    const bool grouped = query_.groupByMode && std::ranges::any_of(query_.rows, Groups) &&
+                         std::ranges::none_of(query_.rows, GroupsInSets);
     for (const SnapshotRow& row : query_.rows) {
       if (row.column.empty()) continue;
       const RowGrouping& grouping = row.grouping;
@@ -257,6 +261,13 @@ class Diagnosis {
   // Whether the row stands for one value of a group.
   static bool Groups(const SnapshotRow& row) {
     return row.grouping.HasSyntax() || row.grouping.kind == GroupingKind::GroupBy;
+  }
+
+  // Whether the row groups by whatever columns its expression holds.
+  static bool GroupsInSets(const SnapshotRow& row) {
+    constexpr std::string_view kWords[] = {"CUBE", "GROUPING", "ROLLUP"};
+    const auto begins = [&](std::string_view word) { return StartsWithNoCase(Trim(row.column), word); };
+    return !row.table && row.grouping.kind == GroupingKind::GroupBy && std::ranges::any_of(kWords, begins);
   }
 
   void CheckAllColumns(const SnapshotRow& row) {
