@@ -41,6 +41,8 @@ constexpr Member kPane[] = {
     // Beyond the members above: what there is to say about the statement, and what a host without a form needs.
     ReadOnly<Pane, &Pane::Remarks>("Remarks"),
     ReadOnly<Pane, &Pane::Joins>("Joins"),
+    ReadOnly<Pane, &Pane::Cures>("Cures"),
+    Method<Pane, &Pane::CureRemark>("CureRemark", "Index"),
     Method<Pane, &ReadFrom<Pane>>("ReadProperties", "Bag"),
     Method<Pane, &WriteTo<Pane>>("WriteProperties", "Bag"),
 };

@@ -164,10 +164,11 @@ bool TablePicker::HasTableSpelled(const std::string& tableName, const std::strin
   return !table.row->Eof() && table.row->Text("TABLE_NAME") == ownName;
 }
 
-std::optional<std::vector<SourceColumn>> TablePicker::ReadColumns(const std::string& tableName) {
+std::optional<std::vector<SourceColumn>> TablePicker::ReadColumns(const std::string& tableName, std::string* ownName) {
   if (tableName.empty()) return std::nullopt;
   const FoundTable table = FindTable(tableName);
   if (table.row->Eof()) return std::nullopt;
+  if (ownName) *ownName = table.row->Text("TABLE_NAME");
   return ReadColumns(table.restrictions);
 }
 

@@ -169,8 +169,8 @@ class Suggester {
         OfferCompletions();
         break;
       case CaretPlace::Operator:
-        OfferOperators(kBest, true);
-        OfferPhrases(PhrasesAfterOperand(scope_.clause), scope_.clause == SqlClause::Select ? kBest : kGood);
+        OfferOperators(EndsTerms() ? kGood : kBest, true);
+        OfferPhrases(PhrasesAfterOperand(scope_.clause), EndsTerms() ? kBest : kGood);
         OfferPhrases(kCaseWords, kLess);
         break;
       case CaretPlace::Condition:
@@ -359,6 +359,12 @@ class Suggester {
     }
   }
 
+  // Whether a term is followed by a word of the clause more often than by an operator.
+  bool EndsTerms() const {
+    return scope_.clause == SqlClause::Select || scope_.clause == SqlClause::GroupBy ||
+           scope_.clause == SqlClause::OrderBy;
+  }
+
   // The operators between two operands, or those that begin a condition on a column that is not written.
   void OfferOperators(Rank rank, bool joining) {
     for (const VocabularyWord& word : request_.words.operators) {
@@ -366,7 +372,9 @@ class Suggester {
       const bool joins = keyword == Keyword::And || keyword == Keyword::Or;
       if (!joining && (joins || !word.condition)) continue;
       const bool fits = word.condition ? scope_.clause != SqlClause::Select : true;
-      OfferText(SuggestionKind::Operator, word.name, fits ? rank : kLess, {.word = &word});
+      // What makes or joins conditions comes before "&" and its like.
+      const Rank own = joins || word.condition ? rank : static_cast<Rank>(rank + 1);
+      OfferText(SuggestionKind::Operator, word.name, fits ? own : kLess, {.word = &word});
     }
     OfferPhrases(kConditionWords, scope_.clause == SqlClause::Select ? kLess : rank);
   }

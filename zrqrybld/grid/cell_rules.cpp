@@ -17,7 +17,11 @@
 #include "zrqrybld/sql/criteria_context.h"
 #include "zrqrybld/sql/criteria_formatter.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/field_terms.h"
+#include "zrqrybld/sql/name_checker.h"
 #include "zrqrybld/sql/source_rules.h"
+#include "zrqrybld/sql/statement_parser.h"
+#include "zrqrybld/sql/syntax_error.h"
 
 namespace zrqrybld {
 namespace {
@@ -71,6 +75,7 @@ void CellRules::ColumnEdited(const Edit& edit) {
   const Ref<QueryContext> context = rows_.Context();
   const Ref<qbEntities> entities = rows_.Entities();
   if (!context || !entities || RowReader(row).IsBlank(kColumnColumn)) return;
+  TakeAlias(row);
   const FieldName typed = FieldOf(row);
   const NameRules rules = CurrentNameRules(*context);
   const RowWriter writer(row);
@@ -93,6 +98,42 @@ void CellRules::ColumnEdited(const Edit& edit) {
   }
   // A column that is named in an empty row is wanted in the result.
   if (row.ValueAt(kColumnOutput).IsEmpty()) writer.SetOutput(true);
+  CheckExpression(row);
+}
+
+// "N AS x" and "x: N" name the column of the result; what the diagram has under the whole text is a column.
+void CellRules::TakeAlias(zrGridRow& row) const {
+  const FieldName typed = FieldOf(row);
+  const std::optional<AliasedText> split = SplitAlias(typed.column);
+  const Ref<qbEntities> entities = rows_.Entities();
+  const auto isColumn = [&](const Ref<qbEntity>& entity) { return FindItemExactly(*entity, typed.column) != nullptr; };
+  if (!split || std::ranges::any_of(entities->begin(), entities->end(), isColumn)) return;
+  const RowWriter writer(row);
+  writer.SetText(kColumnAlias, split->alias);
+  writer.SetText(kColumnColumn, split->expression);
+}
+
+// A text that is no column of the row's table is an expression: what is wrong with it stands beside the cell. One with
+// an aggregate has a value for the group already.
+void CellRules::CheckExpression(zrGridRow& row) const {
+  const Ref<QueryContext> context = rows_.Context();
+  const FieldName typed = FieldOf(row);
+  if (row.Index() == 0 || rows_.Entities()->FindExactly(typed.table) || TrimWhite(typed.column) == "*") return;
+  const RowWriter writer(row);
+  const Ref<qbDBFunctions> functions = context->source.DBFunctions();
+  if (RowReader(row).Grouping(functions.get()).kind == GroupingKind::GroupBy &&
+      CallsAggregate(typed.column, *functions)) {
+    if (const auto choice = grouping_.ChoiceNamed("Expression", row)) writer.SetGrouping(*choice);
+  }
+  try {
+    SyntaxArena arena(typed.column.size() * 8 + 256);
+    ParseExpressionText(typed.column, arena);
+  } catch (const SyntaxError& error) {
+    return writer.SetHint(kColumnColumn, context->source.Say(error.Sentence()));
+  }
+  const QuerySnapshot query = context->design.Snapshot();
+  const Phrase fault = DesignNames(query, context->design.CurrentDialect(), functions.get()).FaultIn(typed.column);
+  if (!fault.Empty()) writer.SetHint(kColumnColumn, context->source.Say(fault));
 }
 
 void CellRules::TableEdited(const Edit& edit) {
@@ -261,10 +302,30 @@ void CellRules::CriterionEdited(const Edit& edit) {
   try {
     if (!cancel) expression = Trim(FormatCriterion(expression, rules));
     RowWriter(row).SetText(cell, expression);
+    CheckCriterion(edit);
   } catch (const Error& error) {
     RowWriter(row).SetText(cell, expression);  // as it was typed, or as the listener has left it
     Complain(edit, error.Description(), MessageIcon::Critical);
   }
+}
+
+// What the statement will not say, or a server will not find, stands beside the cell; the text stays.
+void CellRules::CheckCriterion(const Edit& edit) const {
+  const Ref<QueryContext> context = rows_.Context();
+  const auto cell = static_cast<std::size_t>(edit.column);
+  const std::string text = RowReader(edit.row).Text(cell);
+  if (edit.row.Index() == 0 || TrimWhite(text).empty()) return;
+  const RowWriter writer(edit.row);
+  if (RowReader(edit.row).IsBlank(kColumnColumn)) {
+    return writer.SetHint(cell, context->source.Say(text::CriterionOfNothing));
+  }
+  const QuerySnapshot query = context->design.Snapshot();
+  SnapshotRow row;
+  const CriteriaContext rules = CriteriaOf(*context, edit.row);
+  row.type = {rules.dataType, rules.isLong, rules.prefix, rules.suffix};
+  const DesignNames names(query, context->design.CurrentDialect(), context->source.DBFunctions().get());
+  const Phrase fault = names.FaultInCriterion(text, row);
+  if (!fault.Empty()) writer.SetHint(cell, context->source.Say(fault));
 }
 
 }  // namespace zrqrybld

@@ -48,6 +48,8 @@ class CellRules {
   static const Rule& RuleOf(std::int32_t column);
 
   void ColumnEdited(const Edit& edit);
+  void TakeAlias(zrGridRow& row) const;
+  void CheckExpression(zrGridRow& row) const;
   void TableEdited(const Edit& edit);
   void SortTypeEdited(const Edit& edit);
   bool WritesNullsPlace() const;
@@ -55,6 +57,7 @@ class CellRules {
   void SortOrderEdited(const Edit& edit);
   void GroupByEdited(const Edit& edit);
   void CriterionEdited(const Edit& edit);
+  void CheckCriterion(const Edit& edit) const;
   void FillColumns(const zrGridRow& row);
   void FillAllTables(const zrGridRow& row);
   void FillSortPlaces(const zrGridRow& row);

@@ -9,6 +9,7 @@
 namespace zrqrybld {
 
 class qbRelationship;
+struct SQLDiagnostic;
 
 class ZRQRYBLD_API DesignReports {
  public:
@@ -48,6 +49,8 @@ class ZRQRYBLD_API DesignReports {
   virtual void GroupColumn(const std::string& entityCaption, const std::string& column, const std::string& choice) = 0;
   /// Takes the user to the cell where the column's criterion is typed.
   virtual void GoToCriterion(const std::string& entityCaption, const std::string& column) = 0;
+  /// Does what a remark of the statement generated last offers.
+  virtual void CureRemark(const SQLDiagnostic& remark) = 0;
   /// Makes the query what the statement says. SyntaxError for a text that cannot be read or shown: nothing has changed
   /// then. Errors of the data source while tables are added leave what was done.
   virtual void LoadStatement(const std::string& sql) = 0;

@@ -50,6 +50,7 @@ class qbRelationship;
 class qbSQLPane;
 enum class ConnectionOrigin : std::uint8_t;
 struct CriteriaContext;
+struct SQLDiagnostic;
 struct Design;
 struct DesignChange;
 struct DesignOptions;
@@ -360,6 +361,7 @@ class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
   QuerySnapshot Snapshot() const;
   /// Makes the query what the statement says.
   void LoadStatement(const std::string& sql);
+  void CureRemark(const SQLDiagnostic& remark);
   /// What the expression tools know of the source; never nothing.
   std::shared_ptr<SchemaCache> Schema();
   /// What the grid says about a column, and what a column's menu does in it.

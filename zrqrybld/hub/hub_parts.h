@@ -85,6 +85,7 @@ struct qbQueryBuilder::Parts {
     void GoToCriterion(const std::string& entityCaption, const std::string& column) override {
       parts_.hub->GoToCriterion(entityCaption, column);
     }
+    void CureRemark(const SQLDiagnostic& remark) override { parts_.hub->CureRemark(remark); }
     void LoadStatement(const std::string& sql) override { parts_.hub->LoadStatement(sql); }
 
    private:

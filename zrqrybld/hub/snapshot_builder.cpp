@@ -17,6 +17,30 @@ namespace {
 
 using TablePositions = std::unordered_map<std::string_view, std::size_t>;  // by the captions that the boxes hold
 
+// The columns of the boxes, by the tables' places in the diagram.
+class EntityColumns final : public KnownColumns {
+ public:
+  explicit EntityColumns(const qbEntities& entities) {
+    for (const Ref<qbEntity>& entity : entities) entities_.push_back(entity);
+  }
+  bool KnowsColumns(std::size_t table) const override { return HasKnownColumns(*entities_[table]); }
+  std::optional<std::string> FindColumn(std::size_t table, const std::string& name) const override {
+    const Ref<qbEntityItem> item = entities_[table]->Items()->Item(name);
+    if (!item || name == "*") return std::nullopt;
+    return item->Text();
+  }
+  std::vector<std::string> Columns(std::size_t table) const override {
+    std::vector<std::string> names;
+    for (const Ref<qbEntityItem>& item : *entities_[table]->Items()) {
+      if (item->Text() != "*") names.push_back(item->Text());
+    }
+    return names;
+  }
+
+ private:
+  std::vector<Ref<qbEntity>> entities_;
+};
+
 void TakeTables(QuerySnapshot& snapshot, TablePositions& positions, const qbEntities& entities) {
   snapshot.tables.reserve(static_cast<std::size_t>(entities.Count()));
   for (const Ref<qbEntity>& entity : entities) {
@@ -79,6 +103,11 @@ void TakeRows(QuerySnapshot& snapshot, const TablePositions& positions, const qb
 
 }  // namespace
 
+bool HasKnownColumns(const qbEntity& entity) {
+  const qbEntityItems& items = *entity.Items();
+  return items.Count() > 1 || (items.Count() == 1 && items.Item(1)->Text() != "*");
+}
+
 QuerySnapshot TakeSnapshot(const QueryContext& context, const qbEntities* entities, const qbGridPane* grid) {
   QuerySnapshot snapshot;
   snapshot.names = CurrentNameRules(context);
@@ -86,6 +115,9 @@ QuerySnapshot TakeSnapshot(const QueryContext& context, const qbEntities* entiti
   if (entities) {
     TakeTables(snapshot, positions, *entities);
     TakeJoins(snapshot, positions, *entities);
+    if (context.source.IsConnected()) {
+      snapshot.columns = std::make_shared<EntityColumns>(*entities);
+    }
   }
   if (grid) {
     snapshot.groupByMode = grid->ShowGroupBy();

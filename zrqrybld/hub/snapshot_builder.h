@@ -12,6 +12,9 @@ namespace zrqrybld {
 
 struct QueryContext;
 
+/// Whether the entity shows columns, not only "*".
+bool HasKnownColumns(const qbEntity& entity);
+
 /// The tables, joins and rows as they are now. A pane that is not there counts as empty.
 QuerySnapshot TakeSnapshot(const QueryContext& context, const qbEntities* entities, const qbGridPane* grid);
 

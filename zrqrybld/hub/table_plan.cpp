@@ -13,6 +13,7 @@
 #include "zrqrybld/grid/field_names.h"
 #include "zrqrybld/host/query_context.h"
 #include "zrqrybld/hub/hub.h"
+#include "zrqrybld/hub/snapshot_builder.h"
 #include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/from_binder.h"
 
@@ -141,7 +142,8 @@ DrawnDiagram TablePlan::Drawn(std::vector<Ref<qbRelationship>>& drawnJoins) cons
 }
 
 // First as the server would read the name: "Orders" without quotes may be its table "orders". What only exists as it is
-// written gets its quotes from the designer; a source that knows tables by any letters keeps those that were written.
+// written gets its quotes from the designer; a source that knows tables by any letters has its own spelling written, as
+// for columns, so that the text is the same whether the table is in the diagram already or not.
 std::optional<std::vector<SourceColumn>> TablePlan::FindInSource(PlannedTable& table) const {
   if (!hub_.IsConnected()) return std::nullopt;
   TablePicker picker(RefTo(hub_));
@@ -151,7 +153,14 @@ std::optional<std::vector<SourceColumn>> TablePlan::FindInSource(PlannedTable& t
     table.name = name;
     if (table.written.alias.Empty()) table.caption = name;
   }
-  return picker.ReadColumns(table.name);
+  std::string ownName;
+  std::optional<std::vector<SourceColumn>> columns = picker.ReadColumns(table.name, &ownName);
+  if (columns && EqualsNoCase(ownName, table.written.parts.back().Name())) {
+    table.written.parts.back() = Identifier(ownName);
+    table.name = JoinedName(table.written.parts, rules_);
+    if (table.written.alias.Empty()) table.caption = table.name;
+  }
+  return columns;
 }
 
 // --- What the binder asks ---
@@ -182,8 +191,7 @@ bool TablePlan::KnowsColumns(std::size_t table) const {
   const Ref<qbEntity>& entity = tables_[table].entity;
   if (!entity) return !tables_[table].columns.empty();
   // Without a source the boxes show no more columns than statements have named.
-  const qbEntityItems& items = *entity->Items();
-  return hub_.IsConnected() && (items.Count() > 1 || (items.Count() == 1 && items.Item(1)->Text() != "*"));
+  return hub_.IsConnected() && HasKnownColumns(*entity);
 }
 
 std::optional<std::string> TablePlan::FindColumn(std::size_t table, const std::string& name) const {

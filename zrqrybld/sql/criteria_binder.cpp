@@ -42,6 +42,8 @@ bool IsCondition(ExpressionKind kind) {
          kind == ExpressionKind::IsNull;
 }
 
+bool IsConstant(const Expression& operand) { return StripParentheses(&operand)->kind == ExpressionKind::Literal; }
+
 }  // namespace
 
 std::vector<CriteriaTerms> CriteriaBinder::AlternativesOf(const Expression& condition, bool inParentheses) {
@@ -80,7 +82,7 @@ bool CriteriaBinder::PlaceCell(const Expression& condition, std::size_t column, 
   const Expression* read = &condition;
   Expression mirrored, left, right;
   std::optional<RowField> field = FieldOf(condition, groups);
-  if (field && StandsRight(condition, *field, groups)) {
+  if (StandsRight(condition, field, groups)) {
     field = OperandField(*condition.first->next, groups);
     left = *condition.first->next;
     right = *condition.first;
@@ -100,13 +102,12 @@ bool CriteriaBinder::PlaceCell(const Expression& condition, std::size_t column, 
   return true;
 }
 
-// Whether a comparison is about what stands on its right side: a column there, or an expression beside a literal.
-bool CriteriaBinder::StandsRight(const Expression& condition, const RowField& left, bool groups) const {
-  if (left.table || condition.kind != ExpressionKind::Comparison || condition.negated) return false;
-  if (Mirrored(condition.name).empty()) return false;
-  const auto isLiteral = [](const Expression& e) { return StripParentheses(&e)->kind == ExpressionKind::Literal; };
+// Whether a comparison is about what stands on its right side: a column there, or an expression beside a constant.
+bool CriteriaBinder::StandsRight(const Expression& condition, const std::optional<RowField>& left, bool groups) const {
+  if ((left && left->table) || condition.kind != ExpressionKind::Comparison || condition.negated) return false;
   const Expression& right = *condition.first->next;
-  return (isLiteral(*condition.first) && !isLiteral(right)) || OperandField(right, groups).table;
+  if (Mirrored(condition.name).empty() || IsConstant(right)) return false;
+  return !left || OperandField(right, groups).table;
 }
 
 void CriteriaBinder::PlaceExpression(const std::string& text, std::size_t column, bool groups) {
@@ -116,14 +117,14 @@ void CriteriaBinder::PlaceExpression(const std::string& text, std::size_t column
   rows_[row].criteria[column] = kTrue;
 }
 
-// The field that stands at the left end of a condition.
+// The field, or the expression, that stands at the left end of a condition; none for a constant.
 std::optional<RowField> CriteriaBinder::FieldOf(const Expression& condition, bool groups) const {
   const Expression* e = &condition;
   while (e->kind == ExpressionKind::And || e->kind == ExpressionKind::Or || e->kind == ExpressionKind::Not ||
          e->kind == ExpressionKind::Parentheses) {
     e = e->first;
   }
-  if (!IsCondition(e->kind)) return std::nullopt;
+  if (!IsCondition(e->kind) || IsConstant(*e->first)) return std::nullopt;
   return OperandField(*e->first, groups);
 }
 

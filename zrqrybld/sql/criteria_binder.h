@@ -47,7 +47,7 @@ class CriteriaBinder {
   void PlaceTerm(const Expression& term, std::size_t column, bool groups);
   bool PlaceCell(const Expression& condition, std::size_t column, bool groups);
   void PlaceExpression(const std::string& text, std::size_t column, bool groups);
-  bool StandsRight(const Expression& condition, const RowField& left, bool groups) const;
+  bool StandsRight(const Expression& condition, const std::optional<RowField>& left, bool groups) const;
   std::optional<RowField> FieldOf(const Expression& condition, bool groups) const;
   RowField OperandField(const Expression& operand, bool groups) const;
   std::optional<std::string> CellOf(const Expression& condition, const RowField& field) const;

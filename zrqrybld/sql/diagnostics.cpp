@@ -14,6 +14,7 @@
 #include "zrqrybld/sql/join_limits.h"
 #include "zrqrybld/sql/join_list.h"
 #include "zrqrybld/sql/lexer.h"
+#include "zrqrybld/sql/name_checker.h"
 
 namespace zrqrybld {
 namespace {
@@ -39,6 +40,8 @@ class Diagnosis {
     Tables();
     Joins();
     Rows();
+    Names();
+    Alternatives();
     Grouping();
     Sorting();
     OuterJoins();
@@ -53,6 +56,13 @@ class Diagnosis {
     Phrase phrase(what, object, more...);
     std::string english = phrase.English();
     found_.push_back({kind, std::move(object), std::move(english), std::move(phrase)});
+  }
+
+  // To what was said last.
+  void Offer(SQLCureEnum cure, Phrase name, const SnapshotRow* row = nullptr) {
+    found_.back().cure = cure;
+    found_.back().cureName = std::move(name);
+    if (row) found_.back().row = static_cast<std::size_t>(row - query_.rows.data());
   }
 
   const std::string& CaptionOf(std::size_t table) const { return query_.tables[table].caption.Name(); }
@@ -70,10 +80,12 @@ class Diagnosis {
 
   void Tables() {
     const bool nested = dialect_.fromParentheses == Dialect::FromParentheses::Nested && generated_.from.size() > 2;
+    std::vector<bool> joinedByCriteria;  // looked for when a table is joined to none
     for (const FromEntry& entry : generated_.from) {
       const std::string& caption = CaptionOf(entry.table);
       if (entry.conditions.empty() && &entry != &generated_.from.front()) {
-        Say(DiagnosticTableNotJoined, text::TableNotJoined, caption);
+        if (joinedByCriteria.empty()) joinedByCriteria = JoinedByCriteria();
+        if (!joinedByCriteria[entry.table]) Say(DiagnosticTableNotJoined, text::TableNotJoined, caption);
         if (nested) Say(DiagnosticParentheses, text::ParenthesesOpen, caption);
       }
       MixedKinds(entry);
@@ -83,6 +95,43 @@ class Diagnosis {
   void MixedKinds(const FromEntry& entry) {
     if (HasMixedKinds(entry)) Say(DiagnosticMixedJoins, text::MixedJoins, CaptionOf(entry.table));
     for (const FromEntry& inside : entry.group) MixedKinds(inside);
+  }
+
+  // By table, whether each alternative of the criteria compares a column of it with one of another.
+  std::vector<bool> JoinedByCriteria() const {
+    std::unordered_map<std::string, std::size_t> tables;  // by caption, case-folded
+    for (std::size_t table = 0; table < query_.tables.size(); ++table)
+      tables.emplace(FoldCase(CaptionOf(table)), table);
+    std::size_t widest = 0;
+    for (const SnapshotRow& row : query_.rows) widest = std::max(widest, row.criteria.size());
+    std::vector<std::size_t> joined(query_.tables.size());  // in so many alternatives
+    std::size_t alternatives = 0;
+    for (std::size_t column = 0; column < widest; ++column) {
+      bool says = false;
+      std::set<std::size_t> here;
+      for (const SnapshotRow& row : query_.rows) {
+        if (row.column.empty() || row.grouping.ChoosesGroups() || column >= row.criteria.size()) continue;
+        says |= !Trim(row.criteria[column]).empty();
+        const auto other = row.table ? tables.find(ComparedTable(row.criteria[column])) : tables.end();
+        if (other == tables.end() || other->second == *row.table) continue;
+        here.insert({other->second, *row.table});
+      }
+      for (const std::size_t table : here) ++joined[table];
+      alternatives += says ? 1 : 0;
+    }
+    std::vector<bool> result(joined.size());
+    for (std::size_t table = 0; table < joined.size(); ++table) {
+      result[table] = alternatives > 0 && joined[table] == alternatives;
+    }
+    return result;
+  }
+
+  // The table of a criterion "= table.column", case-folded; "" for others.
+  static std::string ComparedTable(std::string_view cell) {
+    cell = Trim(cell);
+    if (!cell.starts_with('=')) return {};
+    const std::vector<Identifier> parts = NameParts(Trim(cell.substr(1)));
+    return parts.size() < 2 ? std::string() : FoldCase(parts[parts.size() - 2].Name());
   }
 
   // A JOIN clause has one word for all its conditions; conditions in a list of tables have a mark each, and only those
@@ -171,6 +220,7 @@ class Diagnosis {
       if (IsAllColumns(row)) continue;
       if (!name.empty() && !names.insert(FoldCase(name)).second) {
         Say(DiagnosticDuplicateName, text::DuplicateName, name);
+        Offer(CureAlias, {text::CureAddAlias, name}, &row);
       }
     }
     for (const SnapshotRow& row : query_.rows) {
@@ -190,12 +240,54 @@ class Diagnosis {
     }
   }
 
+  // --- Names in expressions and criteria ---
+
+  void Names() {
+    if (!query_.columns) return;
+    constexpr std::size_t kMost = 50;  // each is compared with all names there are, and nobody reads more
+    const DesignNames names(query_, dialect_, nullptr);
+    const std::size_t before = found_.size();
+    for (const SnapshotRow& row : query_.rows) {
+      if (found_.size() - before >= kMost) return;
+      if (row.column.empty()) continue;
+      if (!row.table) SayFault(row, names.FaultIn(row.column));
+      for (const std::string& cell : row.criteria) SayFault(row, names.FaultInCriterion(cell, row));
+    }
+  }
+
+  void SayFault(const SnapshotRow& row, const Phrase& fault) {
+    if (!fault.Empty()) Say(DiagnosticUnknownName, text::NameNotThere, NameOf(row), fault);
+  }
+
+  // --- Alternatives ---
+
+  // An alternative that has some of the first one's conditions, and none of its own, is seldom meant so.
+  void Alternatives() {
+    const auto says = [](const SnapshotRow& row, std::size_t column) {
+      return !row.column.empty() && !row.grouping.ChoosesGroups() && column < row.criteria.size() &&
+             !Trim(row.criteria[column]).empty();
+    };
+    std::size_t widest = 0;
+    for (const SnapshotRow& row : query_.rows) widest = std::max(widest, row.criteria.size());
+    std::unordered_set<const SnapshotRow*> said;
+    for (std::size_t column = 1; column < widest; ++column) {
+      const auto repeats = [&](const SnapshotRow& row) { return says(row, 0) && says(row, column); };
+      const auto adds = [&](const SnapshotRow& row) { return !says(row, 0) && says(row, column); };
+      if (std::ranges::none_of(query_.rows, repeats) || std::ranges::any_of(query_.rows, adds)) continue;
+      for (const SnapshotRow& row : query_.rows) {
+        if (!says(row, 0) || says(row, column) || !said.insert(&row).second) continue;
+        Say(DiagnosticLackingCondition, text::ConditionLacking, NameOf(row));
+      }
+    }
+  }
+
   // --- Grouping ---
 
   void Grouping() {
     for (const SnapshotRow* row : sorted_) sortedPlaces_.push_back(row);
     std::ranges::sort(sortedPlaces_);
-    const bool grouped = query_.groupByMode && std::ranges::any_of(query_.rows, Groups);
+    const bool grouped = query_.groupByMode && std::ranges::any_of(query_.rows, Groups) &&
+                         std::ranges::none_of(query_.rows, GroupsInSets);
     for (const SnapshotRow& row : query_.rows) {
       if (row.column.empty()) continue;
       const RowGrouping& grouping = row.grouping;
@@ -206,6 +298,7 @@ class Diagnosis {
         Say(DiagnosticUnknownFunction, text::NoFunction, NameOf(row), grouping.name);
       } else if (grouped && shown && !Groups(row) && !isExpression) {
         Say(DiagnosticNotGrouped, text::NotGrouped, NameOf(row));
+        if (row.column != "*") Offer(CureGroupBy, {text::CureGroupByIt, NameOf(row)}, &row);
       }
       if (!query_.groupByMode && row.grouping.ChoosesGroups() && HasCriteria(row)) {
         Say(DiagnosticNothingToGroup, text::NothingToGroup, NameOf(row));
@@ -217,6 +310,13 @@ class Diagnosis {
   // Whether the row stands for one value of a group.
   static bool Groups(const SnapshotRow& row) {
     return row.grouping.HasSyntax() || row.grouping.kind == GroupingKind::GroupBy;
+  }
+
+  // Whether the row groups by whatever columns its expression holds.
+  static bool GroupsInSets(const SnapshotRow& row) {
+    constexpr std::string_view kWords[] = {"CUBE", "GROUPING", "ROLLUP"};
+    const auto begins = [&](std::string_view word) { return StartsWithNoCase(Trim(row.column), word); };
+    return !row.table && row.grouping.kind == GroupingKind::GroupBy && std::ranges::any_of(kWords, begins);
   }
 
   void CheckAllColumns(const SnapshotRow& row) {
@@ -319,7 +419,9 @@ class Diagnosis {
       Say(DiagnosticLimitWritten, text::NoPercentages, query_.top);
     }
     if (query_.top.empty() || limit.place != RowLimit::Place::Condition) return;
-    if (!sorted_.empty()) Say(DiagnosticLimitWritten, text::CountedBeforeSort, query_.top);
+    if (!sorted_.empty()) SayCounted(text::CountedBeforeSort);
+    if (query_.groupByMode) SayCounted(text::CountedBeforeGrouping);
+    if (query_.distinct) SayCounted(text::CountedBeforeDistinct);
     const bool joined = std::ranges::any_of(generated_.from, [](const FromEntry& e) { return !e.conditions.empty(); });
     const bool alternatives = std::ranges::any_of(query_.rows, [](const SnapshotRow& row) {
       return !row.column.empty() && !row.grouping.ChoosesGroups() && row.criteria.size() > 1;
@@ -327,6 +429,11 @@ class Diagnosis {
     if (alternatives && !joined) {
       Say(DiagnosticLimitWritten, text::LimitOfLast, query_.top);
     }
+  }
+
+  void SayCounted(TextId what) {
+    Say(DiagnosticLimitWritten, what, query_.top);
+    if (!dialect_.today.empty()) Offer(CureDialect, {text::CureChooseDialect, dialect_.today});
   }
 
   const QuerySnapshot& query_;

@@ -38,7 +38,17 @@ enum SQLDiagnosticEnum : std::int32_t {
   DiagnosticJoinsWait = 18,            ///< a table: outer joins bring in each of its tables only with another of them
   DiagnosticNullsPlace = 19,           ///< a column: the dialect cannot say where its Nulls come
   DiagnosticDateMisread = 20,          ///< a column: the source does not take a date of its criterion for one
-  DiagnosticJoinNotWritten = 21,       ///< a join: the dialect cannot say what it asks, or not where it stands
+  DiagnosticUnknownName = 21,       ///< an expression or column: it or its criterion names a column that is not there
+  DiagnosticLackingCondition = 22,  ///< a column: an alternative lacks the condition on it that the first one has
+  DiagnosticJoinNotWritten = 23,    ///< a join: the dialect cannot say what it asks, or not where it stands
+};
+
+/// What a remark offers to do about it.
+enum SQLCureEnum : std::int32_t {
+  CureNone = 0,
+  CureGroupBy = 1,  ///< groups by the column
+  CureAlias = 2,    ///< gives the column an alias of its own
+  CureDialect = 3,  ///< takes the dialect of the same servers today
 };
 
 /// One remark.
@@ -50,6 +60,10 @@ struct SQLDiagnostic {
   std::string text;
   /// The same in any language.
   Phrase what;
+  /// What the pane offers to do, how it says so, and the row of the query it is done to, from 0.
+  SQLCureEnum cure = CureNone;
+  Phrase cureName = {};
+  std::size_t row = 0;
   friend bool operator==(const SQLDiagnostic&, const SQLDiagnostic&) = default;
 };
 

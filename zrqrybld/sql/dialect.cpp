@@ -76,6 +76,7 @@ constexpr Dialect MsSql() {
 constexpr Dialect Oracle() {
   Dialect d = kBase;
   d.syntax = SQLSyntaxOracle;
+  d.today = "Oracle12";
   d.name = "Oracle";
   d.parameterSigns = ":";
   d.joins = Dialect::Joins::Conditions;

@@ -94,8 +94,8 @@ struct Dialect {
   bool doubleQuotesAreTexts = false;
   /// Whether a name that nothing bears is a question to who runs the statement, and "!" reaches into open forms.
   bool unknownNamesAsk = false;
-  /// Whether GROUP BY takes ROLLUP, CUBE and GROUPING SETS.
-  bool hasGroupingSets = true;
+  /// The name of the dialect of the same servers today, which can say more; "" where this is it.
+  std::string_view today = {};
   /// The source whose usual way of reading literals holds until the connected one tells its own; "" for nobody's.
   std::string_view readsAs = {};
   /// What joins two texts: a sign between them, or a call with "@" placeholders; "" where no one form serves.

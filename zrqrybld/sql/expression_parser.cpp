@@ -36,6 +36,9 @@ constexpr std::array<std::string_view, 20> kTypes = {
     "BIGINT",   "BIT",  "CHAR",    "DATE",    "DATETIME",         "DATETIME2", "DECIMAL",
     "FLOAT",    "INT",  "INTEGER", "MONEY",   "NUMERIC",          "NVARCHAR",  "REAL",
     "SMALLINT", "TEXT", "TIME",    "TINYINT", "UNIQUEIDENTIFIER", "VARCHAR"};
+// Functions with FROM inside.
+constexpr std::array<std::string_view, 6> kTakesFrom = {"EXTRACT", "OVERLAY",   "POSITION",
+                                                        "SUBSTR",  "SUBSTRING", "TRIM"};
 // Words in front of the first argument of TRIM.
 constexpr std::array<std::string_view, 3> kTrimWords = {"BOTH", "LEADING", "TRAILING"};
 
@@ -263,12 +266,23 @@ bool ExpressionParser::IsChainSign() const {
   return std::string_view("+-*/%&|^").find(sign[0]) != std::string_view::npos;
 }
 
+// Whether the next token is an operator that begins with the sign, close behind this one.
+bool ExpressionParser::NextAdjoins(char sign) const {
+  const Token next = reader_.Peek();
+  const std::string_view text = reader_.CurrentText();
+  return next.kind == TokenKind::Operator && next.offset == reader_.Offset() + text.size() &&
+         text.data()[text.size()] == sign;
+}
+
 Expression* ExpressionParser::ParseChain() {
   const std::size_t start = Start();
   const auto isPrefix = [&] { return !begun_ && (reader_.IsSign('-') || reader_.IsSign('+') || reader_.IsSign('~')); };
+  // "->" and "->>", which reach into JSON, are read by the lexer as several signs.
   const auto takeSign = [&] {
     const std::size_t sign = reader_.Offset();
+    const bool isArrow = reader_.IsSign('-') && NextAdjoins('>');
     reader_.Advance();
+    if (isArrow) reader_.Advance();
     return Make(ExpressionKind::Sign, sign);
   };
   Expression* first = isPrefix() ? takeSign() : ParseOperand();
@@ -449,7 +463,7 @@ Expression* ExpressionParser::ParseInParentheses(std::size_t start, Expression* 
   operands.Append(ParseExpression());
   if (!reader_.IsSign(',')) result->kind = ExpressionKind::Parentheses;
   while (reader_.TakeSign(',')) operands.Append(ParseExpression());
-  if (!reader_.TakeSign(')')) reader_.FailExpected(text::OperatorOrClosing);
+  if (!reader_.TakeSign(')')) reader_.FailOpen(start, text::OperatorOrClosing);
   return Close(result, start);
 }
 
@@ -457,6 +471,7 @@ Expression* ExpressionParser::ParseInParentheses(std::size_t start, Expression* 
 Expression* ExpressionParser::ParseSubquery(std::size_t start) {
   reader_.ExpectSign('(');
   if (!reader_.Is(Keyword::Select) && !reader_.Is(Keyword::With)) reader_.FailExpected("SELECT");
+  queries_.push_back(reader_.Offset());
   reader_.SkipTo(')');
   reader_.Advance();
   return Make(ExpressionKind::Subquery, start);
@@ -494,6 +509,13 @@ bool ExpressionParser::IsNamePart() const {
   return !IsReserved(reader_.Current().keyword) || reader_.NextIsSign('.');
 }
 
+// A word of the grammar is a name where it touches the point; otherwise the name was left out.
+void ExpressionParser::RequireNameBehindPoint(std::size_t start, TextId what) const {
+  const std::string_view before = reader_.TextFrom(start);
+  const bool adjoins = before.data() + before.size() == reader_.CurrentText().data();
+  if (!adjoins && reader_.Is(TokenKind::Word) && IsReserved(reader_.Current().keyword)) reader_.FailExpected(what);
+}
+
 std::string_view ExpressionParser::ParseName(TextId what) {
   const std::size_t start = reader_.Offset();
   if (!IsNamePart()) reader_.FailExpected(what);
@@ -501,6 +523,7 @@ std::string_view ExpressionParser::ParseName(TextId what) {
   while (reader_.IsSign('.') || reader_.IsSign('!')) {
     reader_.Advance();
     if (reader_.IsSign('.')) continue;  // a part may be left out: database..table
+    RequireNameBehindPoint(start, what);
     if (!reader_.Is(TokenKind::Word) && !reader_.Is(TokenKind::QuotedIdentifier)) reader_.FailExpected(what);
     reader_.Advance();
   }
@@ -514,11 +537,14 @@ Expression* ExpressionParser::ParseNamed() {
   const bool isCall = (keyword == Keyword::Left || keyword == Keyword::Right) && reader_.NextIsSign('(');
   if (!IsNamePart() && !isCall) reader_.FailExpected(text::AnExpression);
   std::size_t part = start;
+  const bool groups = reader_.IsWord("GROUPING");
   reader_.Advance();
+  if (groups && reader_.IsWord("SETS") && reader_.NextIsSign('(')) reader_.Advance();
   while (reader_.IsSign('.') || reader_.IsSign('!')) {
     reader_.Advance();
     part = reader_.Offset();
     if (reader_.IsSign('.')) continue;
+    RequireNameBehindPoint(start, text::AColumn);
     if (reader_.TakeSign('*')) {
       Expression* star = Make(ExpressionKind::Star, start);
       star->name = reader_.TextFrom(part);
@@ -551,6 +577,7 @@ Expression* ExpressionParser::ParseNamed() {
 Expression* ExpressionParser::ParseCall(std::size_t start, std::string_view name) {
   const Keyword inside = reader_.Peek().keyword;
   if (inside == Keyword::Select || inside == Keyword::With) return ParseSubquery(start);
+  const std::size_t open = reader_.Offset();
   reader_.Advance();
   Expression* call = Make(ExpressionKind::Call, start);
   call->name = name;
@@ -559,10 +586,10 @@ Expression* ExpressionParser::ParseCall(std::size_t start, std::string_view name
     reader_.Advance();
   List arguments(call->first);
   if (!reader_.IsSign(')')) {
-    arguments.Append(BeginsWithWord(name) ? ParseWordArgument() : ParseArgument());
-    while (reader_.TakeSign(',')) arguments.Append(ParseArgument());
+    arguments.Append(BeginsWithWord(name) ? ParseWordArgument() : ParseArgument(name));
+    while (reader_.TakeSign(',')) arguments.Append(ParseArgument(name));
   }
-  if (!reader_.TakeSign(')')) reader_.FailExpected(text::OperatorCommaOrClosing);
+  if (!reader_.TakeSign(')')) reader_.FailOpen(open, text::OperatorCommaOrClosing);
   return Close(call, start);
 }
 
@@ -587,8 +614,25 @@ Expression* ExpressionParser::ParseWordArgument() {
   return Make(ExpressionKind::Chain, start, part);
 }
 
+// Whether what stands here belongs to the argument and not to the clause behind a parenthesis that was left open: that
+// would come before the next closing one.
+bool ExpressionParser::ClosesBehind(std::string_view function) const {
+  const auto takesFrom = [function](std::string_view name) { return EqualsNoCase(name, function); };
+  if (reader_.Is(Keyword::From) && std::ranges::none_of(kTakesFrom, takesFrom)) return false;
+  TokenReader ahead = reader_;
+  int depth = 0;
+  for (ahead.Advance(); !ahead.AtEnd(); ahead.Advance()) {
+    if (ahead.IsSign('(')) ++depth;
+    if (ahead.IsSign(')') && depth-- == 0) return true;
+    const bool isClause =
+        ahead.Is(Keyword::From) || ahead.Is(Keyword::Where) || ahead.Is(Keyword::Having) || ahead.Is(Keyword::Join);
+    if (depth == 0 && isClause) return false;
+  }
+  return false;
+}
+
 // An expression; what a keyword adds to it (CAST(a AS type), EXTRACT(YEAR FROM d)) is passed on as it stands.
-Expression* ExpressionParser::ParseArgument() {
+Expression* ExpressionParser::ParseArgument(std::string_view function) {
   const std::size_t start = reader_.Offset();
   if (reader_.TakeSign('*')) return Make(ExpressionKind::Star, start);
   const bool trims = reader_.Is(TokenKind::Word) && reader_.Current().keyword == Keyword::None &&
@@ -600,7 +644,7 @@ Expression* ExpressionParser::ParseArgument() {
   Expression* first = ParseExpression();
   const bool hasMore =
       reader_.Is(TokenKind::Word) && (reader_.Current().keyword != Keyword::None || reader_.IsWord("SEPARATOR"));
-  if (!hasMore) return first;
+  if (!hasMore || !ClosesBehind(function)) return first;
   const std::size_t rest = reader_.Offset();
   reader_.SkipTo(')');
   first->next = Make(ExpressionKind::Opaque, rest);

@@ -29,6 +29,8 @@ class ExpressionParser {
   Expression* ParseSelected();
   /// A name with its dots, and nothing else.
   std::string_view ParseName(TextId what);
+  /// Where the queries begin that were met inside of expressions.
+  const std::vector<std::size_t>& Queries() const { return queries_; }
   /// Whether the current token can be a name by itself.
   bool IsNamePart() const;
 
@@ -58,7 +60,9 @@ class ExpressionParser {
   Expression* ParseCall(std::size_t start, std::string_view name);
   bool BeginsWithWord(std::string_view function) const;
   Expression* ParseWordArgument();
-  Expression* ParseArgument();
+  bool ClosesBehind(std::string_view function) const;
+  Expression* ParseArgument(std::string_view function = {});
+  void RequireNameBehindPoint(std::size_t start, TextId what) const;
   Expression* ParseCase();
   Expression* ParseLiteral();
   Expression* ParseInterval();
@@ -66,6 +70,7 @@ class ExpressionParser {
   static bool TakesNot(const Expression& test);
   bool IsComparisonSign() const;
   bool IsChainSign() const;
+  bool NextAdjoins(char sign) const;
   bool IsWordOperator() const;
   bool IsTypedLiteral() const;
 
@@ -75,6 +80,7 @@ class ExpressionParser {
   std::optional<std::size_t> pipe_;  // where "||" stands that may be OR, in what AND or NOT takes for one operand
   int depth_ = 0;
   int calls_ = 0;
+  std::vector<std::size_t> queries_;
   std::vector<std::size_t> open_;  // where the parentheses begin that are open in loops
   Expression* begun_ = nullptr;    // the operand that the next expression begins with, read already
   std::size_t begunAt_ = 0;

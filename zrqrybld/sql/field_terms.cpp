@@ -3,6 +3,7 @@
 #include <unordered_set>
 
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/sql/lexer.h"
 #include "zrqrybld/sql/statement_parser.h"
 #include "zrqrybld/sql/syntax_error.h"
 
@@ -10,6 +11,7 @@ namespace zrqrybld {
 namespace {
 
 constexpr std::string_view kField = "@field";
+constexpr std::int32_t kGroupingChoice = 1;  // of a function's flags
 
 // Whether the expression, as a part of a larger one, holds more than one operand; counts up to two.
 void FindOperands(const Expression& e, const Expression*& operand, int& count) {
@@ -56,6 +58,21 @@ std::string KeyOf(const Expression& expression, const Expression* operand) {
 
 }  // namespace
 
+bool CallsAggregate(std::string_view expression, const qbDBFunctions& functions) {
+  WordSet names;
+  for (const Ref<qbDBFunction>& function : functions) {
+    const std::string syntax = function->Syntax();
+    const bool isChoice = (function->Flags() & kGroupingChoice) != 0 && FindNoCase(syntax, kField) != std::string::npos;
+    if (isChoice) names.emplace(Trim(std::string_view(syntax).substr(0, syntax.find('('))));
+  }
+  const std::vector<Token> tokens = Tokenize(expression);
+  for (std::size_t i = 0; i + 1 < tokens.size(); ++i) {
+    const bool isCall = tokens[i].kind == TokenKind::Word && expression.substr(tokens[i + 1].offset, 1) == "(";
+    if (isCall && names.contains(expression.substr(tokens[i].offset, tokens[i].length))) return true;
+  }
+  return false;
+}
+
 FieldTerms::FieldTerms(const NameScope& scope, const NameRules& rules, const qbDBFunctions& functions)
     : scope_(scope), rules_(rules), functions_(functions) {
   columns_ = [this](const Expression& e, std::string& text) {
@@ -71,9 +88,9 @@ FieldTerms::FieldTerms(const NameScope& scope, const NameRules& rules, const qbD
 const FieldTerms::Aggregates& FieldTerms::KnownAggregates() const {
   if (aggregates_) return *aggregates_;
   aggregates_.emplace();
-  constexpr std::int32_t kChoice = 1;
   for (const Ref<qbDBFunction>& function : functions_) {
-    if ((function->Flags() & kChoice) == 0 || FindNoCase(function->Syntax(), kField) == std::string::npos) continue;
+    if ((function->Flags() & kGroupingChoice) == 0 || FindNoCase(function->Syntax(), kField) == std::string::npos)
+      continue;
     try {
       SyntaxArena arena(512);
       const Expression* syntax = ParseExpressionText(function->Syntax(), arena);

@@ -13,6 +13,9 @@
 
 namespace zrqrybld {
 
+/// Whether the expression calls a function that the catalog offers for grouping: it has one value for a group.
+bool CallsAggregate(std::string_view expression, const qbDBFunctions& functions);
+
 class FieldTerms {
  public:
   /// Scope, rules and functions must outlive this.

@@ -10,8 +10,10 @@
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_sql.h"
 #include "zrqrybld/host/catalogs.h"
+#include "zrqrybld/sql/criteria_formatter.h"
 #include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/from_binder.h"
+#include "zrqrybld/sql/lexer.h"
 #include "zrqrybld/sql/statement_parser.h"
 #include "zrqrybld/sql/syntax_error.h"
 
@@ -111,12 +113,13 @@ class InnerSource final : public QuerySource {
 // What all queries of a statement share.
 struct Rules {
   const Dialect& dialect;
-  const qbDBFunctions& functions;
+  const qbDBFunctions* functions;
 };
 
 class Checker {
  public:
-  Checker(const NameScope& scope, const Rules& rules, int depth) : scope_(scope), rules_(rules), depth_(depth) {}
+  Checker(const NameScope& scope, const Rules& rules, int depth, WordSet named = {})
+      : scope_(scope), rules_(rules), depth_(depth), named_(std::move(named)) {}
 
   void Run(const SelectStatement& statement) {
     for (const SelectItem* item = statement.items; item; item = item->next) {
@@ -132,14 +135,6 @@ class Checker {
     for (const OrderItem* item = statement.groupBy; item; item = item->next) Check(*item->expression);
     if (statement.having) Check(*statement.having);
     for (const OrderItem* item = statement.orderBy; item; item = item->next) Check(*item->expression);
-  }
-
- private:
-  void CheckJoins(const FromItem& item) {
-    for (const JoinStep* step = item.joins; step; step = step->next) {
-      CheckJoins(*step->right);
-      if (step->on) Check(*step->on);
-    }
   }
 
   // In a loop, for an expression may be as deep as its text is long.
@@ -162,9 +157,17 @@ class Checker {
     }
   }
 
+ private:
+  void CheckJoins(const FromItem& item) {
+    for (const JoinStep* step = item.joins; step; step = step->next) {
+      CheckJoins(*step->right);
+      if (step->on) Check(*step->on);
+    }
+  }
+
   void CheckColumn(const Expression& column, bool isArgument) const {
     if (column.Qualifier().empty() && named_.contains(PlainName(column.name))) return;
-    if (IsOtherwiseKnown(column, isArgument) && !scope_.Means(column)) return;
+    if (!scope_.Means(column) && IsOtherwiseKnown(column, isArgument)) return;
     const bool isRow = NameScope::IsPseudoColumn(column.name) || IsOneOf(column.name, kServerWords);
     if (isRow && scope_.Means(column)) return;  // behind any table
     scope_.Check(column);
@@ -194,9 +197,9 @@ class Checker {
   }
 
   bool IsFunction(std::string_view name) const {
-    return std::ranges::any_of(rules_.functions, [name](const Ref<qbDBFunction>& function) {
-      return EqualsNoCase(function->Name(), name) && function->Syntax().find('(') == std::string::npos;
-    });
+    return rules_.functions && std::ranges::any_of(*rules_.functions, [name](const Ref<qbDBFunction>& function) {
+             return EqualsNoCase(function->Name(), name) && function->Syntax().find('(') == std::string::npos;
+           });
   }
 
   // What cannot be read as one SELECT of tables is not looked at.
@@ -226,7 +229,93 @@ class Checker {
 
 void RequireKnownNames(const SelectStatement& statement, const NameScope& scope, const Dialect& dialect,
                        const qbDBFunctions& functions) {
-  Checker(scope, {dialect, functions}, 0).Run(statement);
+  const Rules rules{dialect, &functions};
+  Checker(scope, rules, 0).Run(statement);
+}
+
+// --- A designed query ---
+
+class DesignNames::Source final : public QuerySource {
+ public:
+  explicit Source(const KnownColumns& columns) : columns_(columns) {}
+  std::optional<SnapshotTable> AddTable(const WrittenTable&) override { return std::nullopt; }
+  bool KnowsColumns(std::size_t table) const override { return columns_.KnowsColumns(table); }
+  std::optional<std::string> FindColumn(std::size_t table, const std::string& name) const override {
+    return columns_.FindColumn(table, name);
+  }
+  std::vector<std::string> Columns(std::size_t table) const override { return columns_.Columns(table); }
+  SnapshotType TypeOf(std::size_t, const std::string&) const override { return {}; }
+  void OfferTables(NearestName&) const override {}
+
+ private:
+  const KnownColumns& columns_;
+};
+
+DesignNames::DesignNames(const QuerySnapshot& query, const Dialect& dialect, const qbDBFunctions* functions)
+    : query_(query), dialect_(dialect), functions_(functions) {
+  if (query.columns) source_ = std::make_unique<Source>(*query.columns);
+  for (const SnapshotRow& row : query.rows) {
+    if (!row.alias.Empty()) aliases_.insert(row.alias.Name());
+  }
+}
+
+DesignNames::~DesignNames() = default;
+
+NameScope& DesignNames::Scope() const {
+  if (!scope_) {
+    scope_ = std::make_unique<NameScope>(std::string_view(), *source_);
+    for (const SnapshotTable& table : query_.tables) scope_->AddKnown(table);
+  }
+  return *scope_;
+}
+
+Phrase DesignNames::FaultIn(std::string_view expression) const {
+  if (!source_) return {};
+  const Expression* tree = nullptr;
+  SyntaxArena arena(expression.size() * 8 + 256);
+  try {
+    tree = ParseExpressionText(expression, arena);
+  } catch (const SyntaxError&) {
+    return {};
+  }
+  NameScope& scope = Scope();
+  scope.SetText(expression);
+  try {
+    const Rules rules{dialect_, functions_};
+    Checker(scope, rules, 0, aliases_).Check(*tree);
+  } catch (const SyntaxError& error) {
+    return error.Sentence();
+  }
+  return {};
+}
+
+namespace {
+
+// Whether a word stands in the criterion that may be a name.
+bool MayHoldName(std::string_view cell) {
+  Lexer lexer(cell);
+  for (Token token; lexer.Next(token);) {
+    if (token.kind == TokenKind::QuotedIdentifier) return true;
+    if (token.kind == TokenKind::Word && token.keyword == Keyword::None) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+Phrase DesignNames::FaultInCriterion(std::string_view cell, const SnapshotRow& row) const {
+  if (!source_ || !MayHoldName(cell)) return {};
+  CriteriaContext context = query_.criteria;
+  context.dataType = row.type.code;
+  context.isLong = row.type.isLong;
+  context.prefix = row.type.prefix;
+  context.suffix = row.type.suffix;
+  context.quotePrefix = query_.names.quotePrefix;
+  try {
+    return FaultIn(FormatCondition("0", cell, context));
+  } catch (const Error&) {
+    return {};
+  }
 }
 
 }  // namespace zrqrybld

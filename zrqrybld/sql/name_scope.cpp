@@ -113,6 +113,16 @@ std::size_t NameScope::AddTable(const FromItem& item) {
   return index;
 }
 
+void NameScope::AddKnown(const SnapshotTable& table) {
+  const std::size_t index = tables_.size();
+  byCaption_.emplace(table.caption.Name(), index);
+  if (!table.aliased && !table.name.empty()) {
+    const auto [known, added] = byLastPart_.emplace(table.name.back().Name(), index);
+    if (!added) known->second = kAmbiguous;
+  }
+  tables_.push_back(table);
+}
+
 std::optional<std::size_t> NameScope::FindTable(std::string_view qualifier) const {
   if (const auto found = byCaption_.find(qualifier); found != byCaption_.end() && IsOnePart(qualifier)) {
     return found->second;

@@ -27,22 +27,11 @@ struct WrittenTable {
 };
 
 /// Where the tables of a statement come from.
-class QuerySource {
+class QuerySource : public KnownColumns {
  public:
-  QuerySource() = default;
-  QuerySource(const QuerySource&) = delete;
-  QuerySource& operator=(const QuerySource&) = delete;
-  virtual ~QuerySource() = default;
-
   /// The next table of FROM as it is to stand in the query; none when there is no such table. Tables are numbered from
   /// 0 in the order of these calls.
   virtual std::optional<SnapshotTable> AddTable(const WrittenTable& table) = 0;
-  /// Whether the columns of the table are known; otherwise any name may be one.
-  virtual bool KnowsColumns(std::size_t table) const = 0;
-  /// The column as the source spells it; none when there is none. Exactly equal before equal without regard to case.
-  virtual std::optional<std::string> FindColumn(std::size_t table, const std::string& name) const = 0;
-  /// The columns in their order.
-  virtual std::vector<std::string> Columns(std::size_t table) const = 0;
   virtual SnapshotType TypeOf(std::size_t table, const std::string& column) const = 0;
   /// The columns of any table, for a query within the query: none when there is no such table, an empty list when
   /// nobody knows them.
@@ -81,6 +70,8 @@ class NameScope {
 
   /// Adds a table of FROM. SyntaxError when the source has no such table, or another has the same name.
   std::size_t AddTable(const FromItem& item);
+  /// Adds the next table of a designed query.
+  void AddKnown(const SnapshotTable& table);
 
   const std::vector<SnapshotTable>& Tables() const { return tables_; }
   QuerySource& Source() const { return source_; }
@@ -107,6 +98,8 @@ class NameScope {
   void Check(const Expression& column) const;
 
   std::string_view Text() const { return text_; }
+  /// The text that is looked at from now on.
+  void SetText(std::string_view text) { text_ = text; }
 
   /// From now on the name without a qualifier means this column: that of USING and NATURAL.
   void Unify(const std::string& name, const BoundColumn& column);

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -72,6 +73,22 @@ struct SnapshotRow : RowTerms {
   friend bool operator==(const SnapshotRow&, const SnapshotRow&) = default;
 };
 
+/// What is known of the columns of a query's tables, by their positions from 0.
+class KnownColumns {
+ public:
+  KnownColumns() = default;
+  KnownColumns(const KnownColumns&) = delete;
+  KnownColumns& operator=(const KnownColumns&) = delete;
+  virtual ~KnownColumns() = default;
+
+  /// Whether the columns of the table are known; otherwise any name may be one.
+  virtual bool KnowsColumns(std::size_t table) const = 0;
+  /// The column as the source spells it; none when there is none. Exactly equal before equal without regard to case.
+  virtual std::optional<std::string> FindColumn(std::size_t table, const std::string& name) const = 0;
+  /// The columns in their order.
+  virtual std::vector<std::string> Columns(std::size_t table) const = 0;
+};
+
 struct QuerySnapshot {
   std::vector<SnapshotTable> tables;
   /// In the order of their source tables.
@@ -86,6 +103,8 @@ struct QuerySnapshot {
   NameRules names;
   /// How criteria are read and values written; what depends on the column comes from its row.
   CriteriaContext criteria;
+  /// The columns of the tables while the design is as it was; nothing where nobody knows them.
+  std::shared_ptr<const KnownColumns> columns;
 };
 
 /// What stands before "." and a column of the table: its caption when it has one of its own, otherwise its name.

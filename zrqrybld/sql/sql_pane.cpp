@@ -100,6 +100,34 @@ std::vector<std::string> qbSQLPane::Remarks() const {
   return remarks;
 }
 
+std::vector<std::string> qbSQLPane::Cures() const {
+  std::vector<std::string> cures;
+  cures.reserve(diagnostics_.size());
+  for (const SQLDiagnostic& diagnostic : diagnostics_) cures.push_back(Say(context_.lock(), diagnostic.cureName));
+  return cures;
+}
+
+bool qbSQLPane::CureRemark(std::int32_t index) {
+  if (index < 1 || static_cast<std::size_t>(index) > diagnostics_.size()) ThrowNoSuchItem();
+  const SQLDiagnostic remark = diagnostics_[static_cast<std::size_t>(index) - 1];
+  const Ref<QueryContext> context = context_.lock();
+  if (remark.cure == CureNone || edited_ || !context) return false;
+  context->reports.CureRemark(remark);
+  return true;
+}
+
+// A button for each of the first remarks that something can be done about.
+std::vector<TextCommand> qbSQLPane::CureCommands() {
+  constexpr std::size_t kMost = 2;  // they share a line with the remark itself
+  std::vector<TextCommand> commands;
+  const std::vector<std::string> cures = Cures();
+  for (std::size_t i = 0; i < cures.size() && commands.size() < kMost; ++i) {
+    const auto index = static_cast<std::int32_t>(i + 1);
+    if (!cures[i].empty()) commands.push_back({cures[i], [this, index] { CureRemark(index); }});
+  }
+  return commands;
+}
+
 // What is typed and not applied comes before what there is to say about the designer's statement.
 void qbSQLPane::ShowRemarks() {
   std::vector<std::string> remarks;
@@ -117,6 +145,7 @@ void qbSQLPane::ShowRemarks() {
     }
   } else {
     remarks = Remarks();
+    commands = CureCommands();
     if (tellsStale_) remarks.push_back(Say(context_.lock(), text::TypedTextStale));
   }
   textArea_->SetRemarks(remarks);

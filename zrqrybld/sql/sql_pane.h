@@ -98,6 +98,12 @@ class ZRQRYBLD_API qbSQLPane final : public Object {
   /// The sentences of these, for a person.
   std::vector<std::string> Remarks() const;
 
+  /// What can be done about each of these, as its button says it; "" where nothing safe can.
+  std::vector<std::string> Cures() const;
+  /// Does it for the remark at this position, from 1, as a step that can be undone. False where nothing is offered;
+  /// error 9 when there is no such remark.
+  bool CureRemark(std::int32_t index);
+
   /// The tables of the statement generated last, as they stand in FROM; the next statement has a list of its own.
   const Ref<qbJoins>& Joins() const;
 
@@ -177,6 +183,7 @@ class ZRQRYBLD_API qbSQLPane final : public Object {
   std::string Present(std::string generated);
   void ListenToTextArea();
   void ShowRemarks();
+  std::vector<TextCommand> CureCommands();
   void TextEdited();
   void SetEdited(bool edited);
   void ShowFailure(const Error& failure);

@@ -115,7 +115,7 @@ class Binder {
     if (statement_.topPercent && limit.percent.empty()) {
       scope_.Refuse(statement_.top, text::DialectWithoutPercentages);
     }
-    if (statement_.skip.empty()) return;
+    if (statement_.skip.find_first_not_of('0') == std::string_view::npos) return;
     if (limit.offset.empty()) scope_.Refuse(statement_.skip, text::DialectWithoutOffset);
     if (statement_.topPercent) scope_.Refuse(statement_.skip, text::PercentageWithOffset);
     const std::optional<double> number = ParseNumber(statement_.skip);

@@ -1,11 +1,15 @@
 #include "zrqrybld/sql/statement_parser.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_sql.h"
 #include "zrqrybld/sql/expression_parser.h"
 #include "zrqrybld/sql/keywords.h"
+#include "zrqrybld/sql/lexer.h"
+#include "zrqrybld/sql/name_scope.h"
+#include "zrqrybld/sql/syntax_error.h"
 #include "zrqrybld/sql/token_reader.h"
 
 namespace zrqrybld {
@@ -46,23 +50,44 @@ class Parser {
         expressions_(reader_, statement.arena, options.pipesMayBeOr) {}
 
   void Run() {
+    for (; reader_.IsSign('(') && depthOfWhole_ < kDeepestCalls; reader_.Advance()) ++depthOfWhole_;
     RefuseWhatCannotBeShown();
     reader_.Expect(Keyword::Select);
     ParseHead();
     if (!reader_.Is(Keyword::From)) ParseSelectList();
     RefuseWhatCannotBeShown();
     reader_.Expect(Keyword::From);
-    if (!AtClauseEnd() || IsTableCalledAsLimit()) statement_.from = ParseTables();
-    if (reader_.Take(Keyword::Where)) statement_.where = expressions_.ParseExpression();
-    if (TakeBy(Keyword::Group)) statement_.groupBy = ParseOrderItems(false);
-    if (reader_.Take(Keyword::Having)) statement_.having = expressions_.ParseExpression();
-    if (TakeBy(Keyword::Order)) statement_.orderBy = ParseOrderItems(true);
-    ParseLimits();
-    reader_.TakeSign(';');
+    if (!AtClauseEnd() || IsTableCalledAsLimit()) {
+      statement_.from = ParseTables();
+    } else if (NamesColumn()) {
+      reader_.FailExpected(text::ATable);
+    }
+    TextId behind = text::StatementEnd;
+    if (reader_.Take(Keyword::Where)) {
+      statement_.where = expressions_.ParseExpression();
+      behind = text::BehindCondition;
+    }
+    if (TakeBy(Keyword::Group)) {
+      statement_.groupBy = ParseOrderItems(false);
+      behind = text::BehindGrouping;
+    }
+    if (reader_.Take(Keyword::Having)) {
+      statement_.having = expressions_.ParseExpression();
+      behind = text::BehindCondition;
+    }
+    if (TakeBy(Keyword::Order)) {
+      statement_.orderBy = ParseOrderItems(true);
+      behind = text::BehindSorting;
+    }
+    if (ParseLimits()) behind = text::StatementEnd;
+    for (; depthOfWhole_ > 0; --depthOfWhole_) reader_.ExpectSign(')');
+    while (reader_.TakeSign(';')) behind = text::StatementEnd;
     if (reader_.AtEnd()) return;
     RefuseWhatCannotBeShown();
-    reader_.FailExpected(text::StatementEnd);
+    reader_.FailExpected(reader_.IsSign(')') ? text::StatementEnd : behind);
   }
+
+  const std::vector<std::size_t>& Queries() const { return expressions_.Queries(); }
 
  private:
   void RefuseWhatCannotBeShown() {
@@ -139,7 +164,8 @@ class Parser {
     const std::size_t start = reader_.Offset();
     if (reader_.Take(Keyword::As)) {
       const std::size_t name = reader_.Offset();
-      if (!reader_.Is(TokenKind::Word) && !reader_.Is(TokenKind::QuotedIdentifier) && !isText()) {
+      const bool isClause = !textAllowed && IsJoinWord(reader_.Current().keyword) && IsJoinWord(reader_.Peek().keyword);
+      if (isClause || (!reader_.Is(TokenKind::Word) && !reader_.Is(TokenKind::QuotedIdentifier) && !isText())) {
         reader_.FailExpected(text::AnAlias);
       }
       reader_.Advance();
@@ -156,9 +182,10 @@ class Parser {
 
   bool AtClauseEnd() const {
     const Keyword keyword = reader_.Current().keyword;
-    return reader_.AtEnd() || reader_.IsSign(';') || keyword == Keyword::Where || keyword == Keyword::Group ||
-           keyword == Keyword::Having || keyword == Keyword::Order || keyword == Keyword::Limit ||
-           keyword == Keyword::Fetch || keyword == Keyword::Offset;
+    return reader_.AtEnd() || reader_.IsSign(';') || (depthOfWhole_ > 0 && reader_.IsSign(')')) ||
+           keyword == Keyword::Where || keyword == Keyword::Group || keyword == Keyword::Having ||
+           keyword == Keyword::Order || keyword == Keyword::Limit || keyword == Keyword::Fetch ||
+           keyword == Keyword::Offset;
   }
 
   // These words are names, too; at the beginning of FROM only what follows tells.
@@ -310,6 +337,17 @@ class Parser {
 
   static bool TakesCondition(const JoinStep& step) { return step.word != JoinWord::Cross && !step.natural; }
 
+  // Whether the select list needs a table: it names a column. Words that mean something by themselves, and texts in
+  // double quotes, are none.
+  bool NamesColumn() const {
+    for (const SelectItem* item = statement_.items; item; item = item->next) {
+      const Expression& e = *item->expression;
+      if (e.kind == ExpressionKind::Column && !e.text.starts_with('"') && !NameScope::IsPseudoColumn(e.name))
+        return true;
+    }
+    return false;
+  }
+
   // The words may come in any order: LEFT OUTER JOIN, OUTER LEFT JOIN.
   void ParseJoinWords(JoinStep& step) {
     Keyword kind = Keyword::None;
@@ -393,9 +431,10 @@ class Parser {
     return place;
   }
 
-  // LIMIT n and FETCH FIRST n ROWS ONLY say the same as TOP n; an offset may stand before or behind them.
-  void ParseLimits() {
-    for (;;) {
+  // Whether there was any. LIMIT n and FETCH FIRST n ROWS ONLY say the same as TOP n; an offset may stand before or
+  // behind them.
+  bool ParseLimits() {
+    for (bool any = false;; any = true) {
       if (reader_.Is(Keyword::Limit)) {
         ParseLimit();
       } else if (reader_.Is(Keyword::Fetch)) {
@@ -405,7 +444,7 @@ class Parser {
         ParseOffsetNumber();
         if (reader_.IsWord("ROW") || reader_.Is(Keyword::Rows)) reader_.Advance();
       } else {
-        return;
+        return any;
       }
     }
   }
@@ -472,14 +511,68 @@ class Parser {
   TokenReader reader_;
   ExpressionParser expressions_;
   int calls_ = 0;
+  int depthOfWhole_ = 0;  // parentheses around the statement that are open
 };
 
 }  // namespace
 
-SelectStatement ParseSelect(std::string_view text, const ParseOptions& options) {
+namespace {
+
+// Queries in queries beyond this depth are not looked at for a fault: each is read anew from its text.
+constexpr int kDeepestBlamed = 16;
+
+SelectStatement ParseWithin(std::string_view text, const ParseOptions& options, int depth);
+
+// A parenthesis too many or too few is seen late where a query inside has it: there the fault lies.
+void BlameQueries(std::string_view text, const std::vector<std::size_t>& queries, const SyntaxError& error,
+                  const ParseOptions& options, int depth) {
+  for (const std::size_t query : queries) {
+    // Up to what closes it, or where that is missing, up to the end.
+    std::size_t end = text.size();
+    int open = 0;
+    Lexer lexer(text.substr(query));
+    for (Token token; lexer.Next(token);) {
+      const char sign = token.kind == TokenKind::Operator ? text[query + token.offset] : ' ';
+      if (sign == '(') ++open;
+      if (sign == ')' && open-- == 0) {
+        end = query + token.offset;
+        break;
+      }
+    }
+    // What stands before it becomes blank, so that lines and columns are those of the whole.
+    std::string alone(text.substr(0, end));
+    for (std::size_t i = 0; i < query; ++i) {
+      if (!IsWhite(alone[i])) alone[i] = ' ';
+    }
+    try {
+      ParseWithin(alone, options, depth + 1);
+    } catch (const SyntaxError& inside) {
+      const std::size_t offset = inside.Offset().value_or(0);
+      // A query that ends too early may be one that this parser does not know.
+      if (inside.Expected().empty() || offset >= std::min(end, error.Offset().value_or(0))) continue;
+      throw SyntaxError(text, offset, inside.Sentence(), inside.Expected());
+    }
+  }
+}
+
+SelectStatement ParseWithin(std::string_view text, const ParseOptions& options, int depth) {
   SelectStatement statement(text);
-  Parser(statement, options).Run();
+  Parser parser(statement, options);
+  try {
+    parser.Run();
+  } catch (const SyntaxError& error) {
+    if (!error.Expected().empty() && depth < kDeepestBlamed) {
+      BlameQueries(text, parser.Queries(), error, options, depth);
+    }
+    throw;
+  }
   return statement;
+}
+
+}  // namespace
+
+SelectStatement ParseSelect(std::string_view text, const ParseOptions& options) {
+  return ParseWithin(text, options, 0);
 }
 
 Expression* ParseExpressionText(std::string_view text, SyntaxArena& arena) {
@@ -487,6 +580,27 @@ Expression* ParseExpressionText(std::string_view text, SyntaxArena& arena) {
   Expression* expression = ExpressionParser(reader, arena).ParseExpression();
   if (!reader.AtEnd()) reader.FailExpected(text::OperatorOrTextEnd);
   return expression;
+}
+
+std::optional<AliasedText> SplitAlias(std::string_view text) {
+  const std::vector<Token> tokens = Tokenize(text);
+  const auto word = [&](std::size_t i) { return text.substr(tokens[i].offset, tokens[i].length); };
+  const auto isName = [&](std::size_t i) {
+    return tokens[i].kind == TokenKind::Word || tokens[i].kind == TokenKind::QuotedIdentifier;
+  };
+  const std::size_t count = tokens.size();
+  if (count > 2 && isName(count - 1) && tokens[count - 2].keyword == Keyword::As) {
+    return AliasedText{std::string(Trim(text.substr(0, tokens[count - 2].offset))), PlainName(word(count - 1))};
+  }
+  // The colon stands close to the name; "::" converts, and ":name" is a parameter.
+  std::size_t names = 0;
+  while (names < count && isName(names)) ++names;
+  if (names == 0 || names + 1 >= count || word(names) != ":") return std::nullopt;
+  const std::size_t colon = tokens[names].offset;
+  const bool adjoins = colon == tokens[names - 1].offset + tokens[names - 1].length;
+  if (!adjoins || word(names + 1) == ":") return std::nullopt;
+  const std::string_view name = text.substr(tokens[0].offset, colon - tokens[0].offset);
+  return AliasedText{std::string(Trim(text.substr(colon + 1))), names == 1 ? PlainName(name) : std::string(name)};
 }
 
 }  // namespace zrqrybld

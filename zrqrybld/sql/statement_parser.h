@@ -4,6 +4,8 @@
 // (UNION, WITH, derived tables) or by whoever takes the tree over.
 #pragma once
 
+#include <optional>
+#include <string>
 #include <string_view>
 
 #include "zrqrybld/base/export.h"
@@ -25,5 +27,14 @@ ZRQRYBLD_API SelectStatement ParseSelect(std::string_view text, const ParseOptio
 
 /// Reads a condition or another expression alone; nothing may follow it. SyntaxError otherwise.
 Expression* ParseExpressionText(std::string_view text, SyntaxArena& arena);
+
+/// An expression with the name that is to be its column's.
+struct AliasedText {
+  std::string expression;
+  std::string alias;
+};
+
+/// "expression AS name" or "name: expression", as people type them; none for a text without a name.
+std::optional<AliasedText> SplitAlias(std::string_view text);
 
 }  // namespace zrqrybld

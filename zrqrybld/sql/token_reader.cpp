@@ -52,11 +52,19 @@ void TokenReader::SkipTo(char closing) {
   FailExpected(std::string{'"', closing, '"'});
 }
 
+Phrase TokenReader::Unexpected(const Phrase& expected) const {
+  return AtEnd() ? Phrase(text::ExpectedAtEnd, expected)
+                 : Phrase(text::ExpectedInstead, expected, Quoted(CurrentText()));
+}
+
 void TokenReader::FailExpected(const Phrase& expected) const {
-  throw SyntaxError(
-      text_, token_.offset,
-      AtEnd() ? Phrase(text::ExpectedAtEnd, expected) : Phrase(text::ExpectedInstead, expected, Quoted(CurrentText())),
-      expected);
+  throw SyntaxError(text_, token_.offset, Unexpected(expected), expected);
+}
+
+void TokenReader::FailOpen(std::size_t open, const Phrase& expected) const {
+  const TextPlace place = PlaceIn(text_, open);
+  throw SyntaxError(text_, token_.offset, {text::ParenthesisOpen, Unexpected(expected), place.line, place.column},
+                    expected);
 }
 
 void TokenReader::FailAsDate() const { Refuse(token_.offset, text::BeginsAsDate); }

@@ -59,10 +59,13 @@ class TokenReader {
 
   /// What stands here is not what could be read: `expected` is a noun ("a table name").
   [[noreturn]] void FailExpected(const Phrase& expected) const;
+  /// The same inside of a parenthesis that is open at `open`, which is said, too.
+  [[noreturn]] void FailOpen(std::size_t open, const Phrase& expected) const;
   /// The text is understood or not, but it cannot be taken: `message` is a sentence.
   [[noreturn]] void Refuse(std::size_t offset, Phrase message) const;
 
  private:
+  Phrase Unexpected(const Phrase& expected) const;
   // A marker whose "(" is never closed is the word alone; a ")" that is written behind it later would close it.
   bool IsOpenMarker() const { return token_.kind == TokenKind::Parameter && token_.length == 6 && NextIsSign('('); }
   [[noreturn]] void FailUnfinished() const;

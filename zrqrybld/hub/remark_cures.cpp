@@ -1,0 +1,58 @@
+// What the remarks beside a statement offer to do about it.
+#include <algorithm>
+#include <unordered_set>
+
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/grid/row_cells.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/sql/diagnostics.h"
+#include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/sql_pane.h"
+
+namespace zrqrybld {
+namespace {
+
+// The row of the grid that a row of the query was read from; 0 when it is gone. Rows without a column are none.
+std::int32_t GridRowOf(const qbGridPane& grid, std::size_t row) {
+  for (std::int32_t i = 1; i <= grid.RowCount(); ++i) {
+    if (RowReader(grid.Grid()->Rows()->At(static_cast<std::size_t>(i))).IsBlank(kColumnColumn)) continue;
+    if (row-- == 0) return i;
+  }
+  return 0;
+}
+
+// The name with a number behind it, by which no column of the result is called yet.
+std::string FreeName(const QuerySnapshot& query, const std::string& name) {
+  WordSet taken;
+  for (const SnapshotRow& row : query.rows) taken.insert(row.alias.Empty() ? row.column : row.alias.Name());
+  for (int number = 2;; ++number) {
+    std::string free = name + std::to_string(number);
+    if (!taken.contains(free)) return free;
+  }
+}
+
+}  // namespace
+
+void qbQueryBuilder::CureRemark(const SQLDiagnostic& remark) {
+  const Ref<qbGridPane> grid = GridPane();
+  const std::int32_t row = grid ? GridRowOf(*grid, remark.row) : 0;
+  switch (remark.cure) {
+    case CureNone:
+      return;
+    case CureDialect:
+      if (const Dialect* today = FindDialect(CurrentDialect().today)) {
+        SQLPane()->SetSQLSyntax(today->syntax);
+        SQLPane()->Refresh();
+      }
+      return;
+    case CureGroupBy:
+      if (row != 0) grid->SetValue(row, std::string(KeyOf(kColumnGroupBy)), "Group By");
+      return;
+    case CureAlias:
+      if (row != 0) grid->SetValue(row, std::string(KeyOf(kColumnAlias)), FreeName(Snapshot(), remark.object));
+      return;
+  }
+}
+
+}  // namespace zrqrybld
