@@ -3,8 +3,10 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QDialog>
+#include <QDir>
 #include <QMessageBox>
 #include <QScrollBar>
+#include <QSettings>
 #include <QTest>
 #include <QTimer>
 
@@ -15,6 +17,16 @@
 #include "zrqrybld/hub/hub.h"
 
 namespace zrqrybld::test {
+
+void KeepIn(const QString& folder) {
+  QCoreApplication::setOrganizationName("zrqrybld");
+  QCoreApplication::setApplicationName("zrqrybld-designer");
+  qputenv("XDG_DATA_HOME", (folder + "/data").toUtf8());
+  QSettings::setDefaultFormat(QSettings::IniFormat);
+  QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, folder + "/config");
+}
+
+QStringList RecoveryFiles() { return QDir(Recovery::Folder()).entryList({"*.recovery"}, QDir::Files); }
 
 DesignerWindow::DesignerWindow() {
   window.show();

@@ -30,6 +30,11 @@ namespace test {
 
 inline std::string Utf8(const QString& text) { return text.toStdString(); }
 
+/// Keeps settings and copies in case of a crash in a folder, in the places where the designer itself keeps them.
+void KeepIn(const QString& folder);
+/// The copies that are kept.
+QStringList RecoveryFiles();
+
 class DesignerWindow : public testing::Test {
  protected:
   DesignerWindow();

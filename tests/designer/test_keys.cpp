@@ -1,11 +1,19 @@
 // Every key of the designer by real key events, line by line of tests/data/keys.txt.
+#include <signal.h>
+
+#include <QFile>
 #include <QMenu>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QTemporaryDir>
 #include <algorithm>
+#include <fstream>
 #include <sstream>
 
 #include "tests/data_table.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/hands.h"
+#include "tests/sqlite/database_file.h"
 #include "zrqrybld/adapters/qt/find_frame.h"
 #include "zrqrybld/adapters/qt/query_designer_widget.h"
 #include "zrqrybld/diagram/diagram_pane.h"
@@ -37,27 +45,39 @@ class Keys : public test::DesignerWindow {
   /// Presses the keys one by one, also while a menu or a dialog runs its own loop. Returns the state at the moment to
   /// look.
   std::string Press(const std::string& keys) {
+    Begin(keys);
+    SendNext();
+    return End();
+  }
+
+  void Begin(const std::string& keys) {
     seen_.clear();
     sent_ = 0;
     std::istringstream stream(keys);
     for (std::string key; stream >> key;) keys_.push_back(key);
-    const auto send = [this](auto& self) -> void {
-      if (keys_.empty()) return;
-      QTimer::singleShot(kPause, &window, [this, &self] { self(self); });
-      const std::string key = keys_.front();
-      keys_.erase(keys_.begin());
-      Send(key);
-      ++sent_;
-    };
-    const auto count = keys_.size();
-    send(send);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return sent_ == count && !QApplication::activeModalWidget(); }));
+    count_ = keys_.size();
+  }
+  /// The same while what is called between this and `End` runs a loop of its own.
+  void BeginSoon(const std::string& keys) {
+    Begin(keys);
+    QTimer::singleShot(5 * kPause, &window, [this] { SendNext(); });
+  }
+  std::string End() {
+    EXPECT_TRUE(QTest::qWaitFor([this] { return sent_ == count_ && !QApplication::activeModalWidget(); }));
     return seen_.empty() ? State() : seen_;
   }
 
   std::string State();
 
  private:
+  void SendNext() {
+    if (keys_.empty()) return;
+    QTimer::singleShot(kPause, &window, [this] { SendNext(); });
+    const std::string key = keys_.front();
+    keys_.erase(keys_.begin());
+    Send(key);
+    ++sent_;
+  }
   static QWidget* Target() {
     if (QWidget* popup = QApplication::activePopupWidget()) return popup;
     if (QWidget* modal = QApplication::activeModalWidget()) return modal->focusWidget() ? modal->focusWidget() : modal;
@@ -70,6 +90,7 @@ class Keys : public test::DesignerWindow {
   static constexpr int kPause = 20;  // milliseconds: a dialog that has opened gets the keyboard
   std::vector<std::string> keys_;
   std::size_t sent_ = 0;
+  std::size_t count_ = 0;
   std::string seen_;
   TwipsRect before_;
 };
@@ -178,6 +199,14 @@ std::string Keys::State() {
       kind |= one->Relationships()->Item(j)->Kind().Bits();
   }
   say("tables", tables);
+  const PixelSize shown = Designer().DiagramView().ViewSize();
+  std::int32_t seen = 0;
+  for (std::int32_t i = 1; i <= Hub().Entities()->Count(); ++i) {
+    const TwipsRect& box = Hub().Entities()->Item(i)->EntityBox()->Bounds();
+    const QPoint from = InView({box.left, box.top}), to = InView({box.Right(), box.Bottom()});
+    seen += QRect(0, 0, qRound(shown.width.Value()), qRound(shown.height.Value())).contains(QRect(from, to)) ? 1 : 0;
+  }
+  say("seen", seen);
   say("joins", joins);
   say("kind", kind == 0 ? "0" : "not 0");
   if (const Ref<qbEntity> customers = Hub().Entities()->Item("Customers")) {
@@ -218,6 +247,14 @@ std::string Keys::State() {
   return state.str();
 }
 
+void ExpectState(const std::string& wanted, const std::string& state) {
+  std::istringstream parts(wanted);
+  for (std::string part; std::getline(parts, part, ';');) {
+    part.erase(0, part.find_first_not_of(' '));
+    EXPECT_NE(("\n" + state).find("\n" + part + ";"), std::string::npos) << part << "\n" << state;
+  }
+}
+
 // A window a line: what one line leaves behind cannot help another.
 class KeyTable : public Keys, public testing::WithParamInterface<std::size_t> {};
 
@@ -231,17 +268,12 @@ TEST_P(KeyTable, DoesWhatItSays) {
   SCOPED_TRACE(row.place + ": " + row[0] + ", " + row[1]);
   Prepare();
   Focus(row[0]);
-  const std::string state = "\n" + Press(row[1]);
-  std::istringstream parts(row[2]);
-  for (std::string part; std::getline(parts, part, ';');) {
-    part.erase(0, part.find_first_not_of(' '));
-    EXPECT_NE(state.find("\n" + part + ";"), std::string::npos) << part << state;
-  }
+  ExpectState(row[2], Press(row[1]));
 }
 
 INSTANTIATE_TEST_SUITE_P(Line, KeyTable, testing::Range(std::size_t{0}, Table().size()));
 
-// --- Whole tasks, from the open sample on ---
+// --- Whole tasks, from the open source on ---
 
 class TaskTable : public Keys, public testing::WithParamInterface<std::size_t> {};
 
@@ -255,21 +287,76 @@ std::size_t ActsOf(const std::string& script) {
   std::size_t acts = 0;
   std::istringstream stream(script);
   for (std::string act; stream >> act;) {
-    acts += act.starts_with("type:") ? act.size() - 5 : act.starts_with("line:") ? 2 : 1;
+    acts += act.starts_with("type:") ? act.size() - 5 : act.starts_with("line:") ? 2 : act == "kill:" ? 0 : 1;
   }
   return acts;
 }
 
-TEST_P(TaskTable, EndsInItsStatement) {
-  const test::Row& row = Tasks()[GetParam()];
-  SCOPED_TRACE(row.place + ": " + row[0]);
+// The first half of a task, in a process of its own that is killed when its work is kept.
+void DoAndDie(const QString& folder, const std::string& acts) {
+  QProcess process;
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  environment.insert("ZRQRYBLD_TEST_FOLDER", folder);
+  environment.insert("ZRQRYBLD_TEST_ACTS", QString::fromStdString(acts));
+  process.setProcessEnvironment(environment);
+  process.setWorkingDirectory(folder);
+  process.start(QCoreApplication::applicationFilePath(),
+                {"--gtest_filter=Keys.DISABLED_UntilItIsKilled", "--gtest_also_run_disabled_tests"});
+  const auto isDone = [&] { return QFile::exists(folder + "/done") && test::RecoveryFiles().size() == 1; };
+  EXPECT_TRUE(QTest::qWaitFor(isDone, 20000)) << process.readAll().toStdString();
+  kill(static_cast<pid_t>(process.processId()), SIGKILL);
+  process.waitForFinished();
+}
+
+TEST_F(Keys, DISABLED_UntilItIsKilled) {
+  test::KeepIn(qEnvironmentVariable("ZRQRYBLD_TEST_FOLDER"));
+  window.BeginSession();
   OpenSample();
   Focus("diagram");
-  Press(row[1]);
-  std::string statement = Hub().SQLPane()->SQLStatement();
-  statement = ReplaceAll(ReplaceAll(statement, "\r\n", " "), "\t", "");
-  EXPECT_EQ(statement, row[3]);
-  EXPECT_EQ(std::to_string(ActsOf(row[1])), row[2]);
+  Press(qgetenv("ZRQRYBLD_TEST_ACTS").toStdString());
+  std::ofstream("done") << "done";
+  QTest::qWait(60000);
+}
+
+// Tables of which each but the first belongs to another: a tree.
+void MakeTables(const std::string& file, int count) {
+  const test::Connection database(file);
+  for (int i = 1; i <= count; ++i) {
+    const std::string parent = i == 1 ? "" : " REFERENCES t_" + std::to_string(i / 2) + " (id)";
+    database.Execute("CREATE TABLE t_" + std::to_string(i) + " (id INTEGER PRIMARY KEY, parent INTEGER" + parent + ")");
+  }
+}
+
+TEST_P(TaskTable, EndsInWhatWasWanted) {
+  const test::Row& row = Tasks()[GetParam()];
+  SCOPED_TRACE(row.place + ": " + row[0]);
+  const QTemporaryDir folder;
+  test::KeepIn(folder.path());
+  std::istringstream stream(row[1]);
+  std::string source, acts, rest;
+  stream >> source;
+  std::getline(stream, acts);
+  if (const std::size_t end = acts.find("kill:"); end != std::string::npos) {
+    DoAndDie(folder.path(), acts.substr(0, end));
+    window.BeginSession();
+    BeginSoon(acts.substr(end + 5));
+    EXPECT_TRUE(window.OfferLostWork());
+    End();
+    EXPECT_FALSE(window.Document().IsModified()) << "saved once more";
+  } else {
+    const std::string tables = folder.filePath("tables.db").toStdString();
+    if (source == "tables:60") MakeTables(tables, 60);
+    ASSERT_EQ(window.OpenDatabase(source == "sample:" ? ZRQRYBLD_SAMPLE_DB : QString::fromStdString(tables)),
+              QString());
+    Focus("diagram");
+    Press(acts);
+  }
+  const std::string statement = ReplaceAll(ReplaceAll(Hub().SQLPane()->SQLStatement(), "\r\n", " "), "\t", "");
+  if (!row[3].empty()) {
+    EXPECT_EQ(statement, row[3]);
+  }
+  if (row.cells.size() > 4) ExpectState(row[4], State());
+  EXPECT_EQ(std::to_string(ActsOf(acts)), row[2]);
 }
 
 INSTANTIATE_TEST_SUITE_P(Line, TaskTable, testing::Range(std::size_t{0}, Tasks().size()));

@@ -39,18 +39,13 @@
 namespace zrqrybld {
 namespace {
 
+using test::RecoveryFiles;
 using test::Utf8;
 
 // Settings and data of this test's own, in the place where the designer itself would keep them.
 class Session : public testing::Test {
  protected:
-  Session() {
-    QCoreApplication::setOrganizationName("zrqrybld");
-    QCoreApplication::setApplicationName("zrqrybld-designer");
-    qputenv("XDG_DATA_HOME", folder.filePath("data").toUtf8());
-    QSettings::setDefaultFormat(QSettings::IniFormat);
-    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, folder.filePath("config"));
-  }
+  Session() { test::KeepIn(folder.path()); }
   ~Session() override { qunsetenv("XDG_DATA_HOME"); }
 
   // Everything that was kept on the disk.
@@ -65,7 +60,6 @@ class Session : public testing::Test {
     }
     return text;
   }
-  static QStringList RecoveryFiles() { return QDir(Recovery::Folder()).entryList({"*.recovery"}, QDir::Files); }
   // Answers the offer of lost work by a button.
   static bool AnswerOffer(MainWindow& window, const char* button) {
     WhenOpen<QMessageBox>([button](QMessageBox& box) {
