@@ -13,6 +13,7 @@
 #include "tests/data_table.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/hands.h"
+#include "tests/qt/pictures.h"
 #include "tests/sqlite/database_file.h"
 #include "zrqrybld/adapters/qt/find_frame.h"
 #include "zrqrybld/adapters/qt/query_designer_widget.h"
@@ -351,6 +352,7 @@ TEST_P(TaskTable, EndsInWhatWasWanted) {
     Focus("diagram");
     Press(acts);
   }
+  KeepPicture(Paint(window), "task-" + std::to_string(GetParam()));
   const std::string statement = ReplaceAll(ReplaceAll(Hub().SQLPane()->SQLStatement(), "\r\n", " "), "\t", "");
   if (!row[3].empty()) {
     EXPECT_EQ(statement, row[3]);

@@ -28,6 +28,8 @@ std::vector<BoxLink> LinksOf(std::string_view kind, std::size_t count, std::mt19
   for (std::size_t i = 1; i < count; ++i) {
     if (kind == "chain") links.push_back({i - 1, i});
     if (kind == "star") links.push_back({i, 0});
+    if (kind == "binary tree") links.push_back({i, (i + 1) / 2 - 1});
+    if (kind == "random tree") links.push_back({i, random() % i});
     if (kind == "forest" && random() % 5 != 0) links.push_back({i, random() % i});
     if (kind == "random") links.push_back({random() % count, random() % count});  // loops and doubles too
     for (std::size_t j = 0; kind == "clique" && j < i; ++j) links.push_back({i, j});
@@ -82,6 +84,53 @@ TEST(Arrange, BoxesDoNotTouchAndJoinedOnesStandInNeighbouringColumns) {
   EXPECT_TRUE(ArrangeBoxes({}, {}, kRules).empty());
 }
 
+// Whether a line from one box to another runs under a third.
+bool RunsUnderABox(const JoinPlace& join, const std::vector<PixelRect>& boxes) {
+  const PixelRect& from = boxes[join.from];
+  const PixelRect& to = boxes[join.to];
+  const auto line = RouteLine({from, from.top + join.fromY}, {to, to.top + join.toY}, {14_px});
+  return std::ranges::any_of(boxes, [&](const PixelRect& box) {
+    if (&box == &from || &box == &to) return false;
+    for (std::size_t i = 1; i < line.size(); ++i) {
+      const auto [left, right] = std::minmax(line[i - 1].x, line[i].x);
+      const auto [top, bottom] = std::minmax(line[i - 1].y, line[i].y);
+      if (left < box.Right() && right > box.left && top < box.Bottom() && bottom > box.top) return true;
+    }
+    return false;
+  });
+}
+
+// However many tables: 13 of 59 lines of the binary tree ran under boxes while columns were filled one after the other.
+TEST(Arrange, NoLineOfATreeRunsUnderABoxAndBoxesStayLarge) {
+  struct Case {
+    const char* kind;
+    std::size_t count;
+    double mostShrunk;
+  };
+  for (const Case& one : {Case{"binary tree", 20, 1.7}, Case{"binary tree", 60, 2.6}, Case{"binary tree", 200, 4.6},
+                          Case{"random tree", 60, 3.3}, Case{"chain", 60, 2.4}, Case{"star", 20, 2.1}}) {
+    SCOPED_TRACE(testing::Message() << one.kind << " " << one.count);
+    std::mt19937 random(5);
+    std::vector<PixelSize> sizes;
+    for (std::size_t i = 0; i < one.count; ++i) {
+      sizes.push_back({Pixels(136.0 + static_cast<double>(random() % 130)),
+                       Pixels(100.0 + 20.0 * static_cast<double>(random() % 10))});
+    }
+    const std::vector<BoxLink> links = LinksOf(one.kind, one.count, random);
+    const std::vector<PixelPoint> places = ArrangeBoxes(sizes, links, kRules);
+    std::vector<PixelRect> boxes;
+    PixelRect whole;
+    for (std::size_t i = 0; i < one.count; ++i) {
+      boxes.push_back({places[i].x, places[i].y, sizes[i].width, sizes[i].height});
+      whole = whole.Union(boxes.back());
+    }
+    for (const BoxLink& link : links) {
+      EXPECT_FALSE(RunsUnderABox({link.from, link.to, 40_px, 60_px}, boxes)) << link.from << " " << link.to;
+    }
+    EXPECT_LE(std::max(whole.width / kRules.window.width, whole.height / kRules.window.height), one.mostShrunk);
+  }
+}
+
 // Ten times the boxes may cost ten times the time and some more, not a hundred times.
 TEST(Arrange, TakesTimeThatGrowsWithBoxesAndJoins) {
   std::mt19937 random(2);
@@ -130,19 +179,7 @@ TEST(PlaceBeside, NewBoxesStandBesideTheirPartnersAndNoLineRunsUnderABox) {
       for (std::size_t j = 0; j < i; ++j) ASSERT_FALSE(boxes[i].Inset(-11_px).Overlaps(boxes[j].Inset(-11_px))) << run;
     }
     for (const JoinPlace& join : joins) {
-      const PixelRect& from = boxes[join.from];
-      const PixelRect& to = boxes[join.to];
-      const auto line = RouteLine({from, from.top + join.fromY}, {to, to.top + join.toY}, {14_px});
-      const bool under = std::ranges::any_of(boxes, [&](const PixelRect& box) {
-        if (&box == &from || &box == &to) return false;
-        for (std::size_t i = 1; i < line.size(); ++i) {
-          const auto [left, right] = std::minmax(line[i - 1].x, line[i].x);
-          const auto [top, bottom] = std::minmax(line[i - 1].y, line[i].y);
-          if (left < box.Right() && right > box.left && top < box.Bottom() && bottom > box.top) return true;
-        }
-        return false;
-      });
-      crossed += under ? 1 : 0;
+      crossed += RunsUnderABox(join, boxes) ? 1 : 0;
       ++lines;
     }
   }

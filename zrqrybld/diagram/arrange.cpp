@@ -5,13 +5,17 @@
 #include <limits>
 #include <utility>
 
+#include "zrqrybld/diagram/column_balance.h"
+
 namespace zrqrybld {
 namespace {
 
 constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
 constexpr int kWidthsTried = 14;
 constexpr double kNextWidth = 1.3;
-constexpr double kDenseCost = 1.6;  // so much larger must all become that lines may run under boxes
+constexpr double kDenseCost = 2.0;            // so much larger must all become that lines may run under boxes
+constexpr double kBalancedCost = 1.15;        // or that boxes stand in columns that say less
+constexpr std::size_t kMostBalanced = 1'000;  // boxes
 
 using Positions = std::vector<std::size_t>;
 using Neighbours = std::vector<Positions>;
@@ -35,7 +39,7 @@ struct Columns {
 struct Block {
   std::vector<std::pair<std::size_t, PixelPoint>> places;
   PixelSize size;
-  bool isDense = false;  // lines run under boxes
+  double cost = 1;
 };
 
 class Arranger {
@@ -175,28 +179,68 @@ class Arranger {
 
   // --- Places ---
 
-  double ShareOfWindow(PixelSize size, bool isDense) const {
-    return std::max(size.width / window_.width, size.height / window_.height) * (isDense ? kDenseCost : 1);
+  double ShareOfWindow(PixelSize size, double cost) const {
+    return std::max(size.width / window_.width, size.height / window_.height) * cost;
   }
 
   // Of all ways to place a group the one that shows it largest.
-  Block BestBlock(const std::vector<Columns>& ways, Pixels width) const {
+  Block BestBlock(const std::vector<Columns>& ways, Pixels width) {
     Block best;
     double least = std::numeric_limits<double>::infinity();
     const auto consider = [&](Block block) {
-      const double share = ShareOfWindow(block.size, block.isDense);
+      const double share = ShareOfWindow(block.size, block.cost);
       if (share >= least) return;
       least = share;
       best = std::move(block);
     };
     const Pixels height = width * (window_.height / window_.width);
-    for (const Columns& columns : ways) consider(Fold(columns, width));
+    const auto considerAt = [&](const Columns& columns, double cost) {
+      Block block = Fold(columns, width);
+      block.cost = cost;
+      consider(std::move(block));
+    };
+    for (const Columns& columns : ways) considerAt(columns, 1);
+    if (least <= 1) return best;
+    considerAt(Balanced(ways.back(), width), kBalancedCost);
     const Columns dense = Dense(ways.front(), height);
-    if (dense.all.size() == 1) return best;
-    Block block = Fold(dense, width);
-    block.isDense = true;
-    consider(std::move(block));
+    if (dense.all.size() > 1) considerAt(dense, kDenseCost);
     return best;
+  }
+
+  // As many columns as this width holds, about as high as one another, with joins to the same or the next one.
+  Columns Balanced(const Columns& columns, Pixels width) {
+    Positions members{columns.all[columns.root].front()};
+    for (const Positions& column : columns.all) {
+      for (const std::size_t box : column) {
+        if (box != members.front()) members.push_back(box);
+      }
+    }
+    if (members.size() > kMostBalanced) return columns;
+    Pixels widths;
+    for (std::size_t i = 0; i < members.size(); ++i) {
+      indexOf_[members[i]] = i;
+      widths += boxes_[members[i]].width + rules_.columnGap;
+    }
+    const auto fit =
+        static_cast<std::size_t>((width + rules_.columnGap) * static_cast<double>(members.size()) / widths);
+    const std::size_t count = std::clamp(fit, std::size_t{1}, members.size());
+    JoinedBoxes joined{Neighbours(members.size()), {}};
+    Positions begins(members.size());
+    for (std::size_t column = 0; column < columns.all.size(); ++column) {
+      const std::size_t had = columns.all.size();
+      const std::size_t now = had > count ? column * count / had : column + (count - had) / 2;
+      for (const std::size_t box : columns.all[column]) begins[indexOf_[box]] = now;
+    }
+    for (std::size_t i = 0; i < members.size(); ++i) {
+      for (const std::size_t other : neighbours_[members[i]]) joined.neighbours[i].push_back(indexOf_[other]);
+      joined.heights.push_back(boxes_[members[i]].height + rules_.rowGap);
+    }
+    Columns balanced;
+    for (Positions& column : BalanceColumns(joined, std::move(begins), count)) {
+      for (std::size_t& box : column) box = members[box];
+      if (!column.empty()) balanced.all.push_back(std::move(column));
+    }
+    return balanced;
   }
 
   // One box below the other in the order of the columns, and no column higher than this.
@@ -221,10 +265,10 @@ class Arranger {
     PixelPoint origin{};
     Pixels rowHeight;
     PixelSize whole{};
-    bool isDense = false;
+    double cost = 1;
     for (const std::vector<Columns>& ways : groups_) {
       const Block block = BestBlock(ways, width);
-      isDense = isDense || block.isDense;
+      cost = std::max(cost, block.cost);
       if (origin.x > 0_px && origin.x + block.size.width > width) {
         origin = {0_px, origin.y + rowHeight + rules_.rowGap};
         rowHeight = 0_px;
@@ -235,7 +279,7 @@ class Arranger {
                std::max(whole.height, origin.y + block.size.height)};
       origin.x += block.size.width + rules_.columnGap;
     }
-    return ShareOfWindow(whole, isDense);
+    return ShareOfWindow(whole, cost);
   }
 
   struct Stand {
@@ -311,7 +355,8 @@ class Arranger {
   std::vector<std::vector<Columns>> groups_;
   Positions columnOf_;  // the column of each box in its group
   Positions partOf_ = Positions(boxes_.size());
-  std::vector<double> rankOf_;  // the place in its column
+  Positions indexOf_ = Positions(boxes_.size());  // in what is balanced
+  std::vector<double> rankOf_;                    // the place in its column
   std::vector<PixelPoint> placeOf_;
 };
 
