@@ -21,6 +21,11 @@
 #endif
 
 namespace zrqrybld {
+namespace {
+
+constexpr float kCriteriaWidth = 2400;  // twips
+
+}  // namespace
 
 QueryTab::QueryTab(const QString& languageFile, QWidget* parent)
     : QWidget(parent), designer_(new QueryDesignerWidget(this)), texts_(Hub().Texts()) {
@@ -77,6 +82,7 @@ void QueryTab::MakeHub() {
   grid.SetFillsWidth(true);
   grid.SetRowKeysTakeCurrent(true);
   grid.SetHasCellButtons(true);
+  grid.Columns()->Item("criteria")->SetWidth(kCriteriaWidth);
 }
 
 void QueryTab::MakeDocument() {

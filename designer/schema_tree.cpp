@@ -22,6 +22,8 @@
 namespace zrqrybld {
 namespace {
 
+constexpr int kTreeWidth = 212;  // of a screen of 1,024 pixels so much that the grid beside it shows its criteria
+
 constexpr auto kDragFormat = "application/x-zrqrybld-schema";
 constexpr int kTableRole = Qt::UserRole;       // of a table: its place in the list
 constexpr int kColumnRole = Qt::UserRole + 1;  // of a column: its name
@@ -38,6 +40,7 @@ QString PathText(const JoinPath& path) {
 // A drag carries nothing but its kind: what is dragged is the current item.
 class SchemaTree::Tree final : public QTreeWidget {
  protected:
+  QSize sizeHint() const override { return {kTreeWidth, QTreeWidget::sizeHint().height()}; }
   QStringList mimeTypes() const override { return {kDragFormat}; }
   QMimeData* mimeData(const QList<QTreeWidgetItem*>&) const override {
     auto* dragged = new QMimeData;

@@ -145,6 +145,24 @@ class Windows : public DesignerWindow {
   std::map<std::string, std::vector<QImage>> sheets_;
 };
 
+// With the tree of the source beside it, as it begins.
+TEST_F(Windows, ASmallScreenShowsCriteria) {
+  window.resize(1024, 680);
+  Command("Tables of the Source")->trigger();
+  window.Tab().Panes().ShowRows(true);
+  window.Tab().Panes().ShowStatement();
+  QApplication::processEvents();
+  for (const Appearance theme : kThemes) {
+    SetAppearance(theme);
+    Keep(window, "small", theme);
+  }
+  ExpectNothingCutOff(window, "small");
+  const PixelRect cell = Grid().Grid()->GetRowColumnXY(2, "criteria");
+  EXPECT_GE(cell.width, 120_px);
+  EXPECT_LE(cell.Right(), Designer().GridView().ViewSize().width);
+  EXPECT_LE(cell.Bottom(), Designer().GridView().ViewSize().height);
+}
+
 // The theme is switched while the window is open; afterwards it looks as if it had been opened so.
 TEST_F(Windows, FollowEveryThemeWhileTheyAreOpen) {
   std::map<std::string, QImage> switched;

@@ -139,6 +139,7 @@ void GridPainter::PaintCell(const PixelRect& rect, std::size_t row, std::size_t 
   canvas_.FillRect(rect, fill);
   canvas_.FillRect({rect.Right() - 1_px, rect.top, 1_px, rect.height}, ColorRole::GridLine);
   canvas_.FillRect({rect.left, rect.Bottom() - 1_px, rect.width, 1_px}, ColorRole::GridLine);
+  const PixelRect button = grid_.CellButton(row, column);
   if (grid_.columns_->At(column).Style() == GridColumnCheckBox) {
     const Variant& value = grid_.rows_->At(row).ValueAt(column);
     // Below the box of the header, where there is one.
@@ -147,7 +148,9 @@ void GridPainter::PaintCell(const PixelRect& rect, std::size_t row, std::size_t 
     canvas_.DrawPart(ThemedPart::CheckBox, below ? grid_.HeaderCheckBox(rect) : middle,
                      {.checked = value == Variant(true)});
   } else {
-    canvas_.DrawText(rect.Inset(kGridTextPadding, {}), grid_.CellText(row, column),
+    PixelRect text = rect.Inset(kGridTextPadding, {});
+    if (!button.Empty()) text.width = std::max(button.left - text.left, 0_px);
+    canvas_.DrawText(text, grid_.CellText(row, column),
                      {ink, grid_.options_.font, AlignmentOf(grid_.columns_->At(column))});
   }
   if (!grid_.rows_->At(row).HintAt(column).empty()) {
@@ -155,7 +158,7 @@ void GridPainter::PaintCell(const PixelRect& rect, std::size_t row, std::size_t 
     const PixelPoint points[] = {corner, {corner.x - kHintMark, corner.y}, {corner.x, corner.y + kHintMark}};
     canvas_.FillPolygon(points, ColorRole::Error);
   }
-  if (const PixelRect button = grid_.CellButton(row, column); !button.Empty()) {
+  if (!button.Empty()) {
     canvas_.FillRect(button, fill);
     canvas_.StrokeRect(button.Inset(2_px, 3_px), ColorRole::GridLine, 1_px, 3_px);
     for (const double dot : {-4.0, 0.0, 4.0}) {

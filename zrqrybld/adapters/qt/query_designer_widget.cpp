@@ -25,7 +25,9 @@ constexpr int kDiagramShare = 46;
 constexpr int kGridShare = 28;
 constexpr int kSqlShare = 26;
 
-constexpr float kNameColumnWidth = 2400;  // twips
+// Twips.
+constexpr float kColumnNameWidth = 2400;
+constexpr float kTableNameWidth = 1800;
 
 }  // namespace
 
@@ -106,8 +108,9 @@ void QueryDesignerWidget::FitColumns() {
   zrGrid& grid = *pane->Grid();
   for (std::int32_t i = 1; i <= grid.Columns()->Count(); ++i) {
     const Ref<zrGridColumn> column = grid.Columns()->Item(i);
-    const bool holdsNames = column->Index() == kColumnColumn || column->Index() == kColumnTable;
-    float least = holdsNames ? std::max(kNameColumnWidth, column->Width()) : column->Width();
+    float least = column->Width();
+    if (column->Index() == kColumnColumn) least = std::max(kColumnNameWidth, least);
+    if (column->Index() == kColumnTable) least = std::max(kTableNameWidth, least);
     if (column->Index() == kColumnSortType) {
       const Pixels longest = grid_->Metrics().TextWidth(TextOf(SortDirection::Descending), {}) + kGridTextPadding * 3;
       least = std::max(least, static_cast<float>(ScreenScale{}.TwipsX(longest).Value()));
