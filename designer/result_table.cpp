@@ -11,9 +11,12 @@
 
 #include "designer/export_window.h"
 #include "designer/value_window.h"
+#include "zrqrybld/adapters/qt/qt_input.h"
 #include "zrqrybld/adapters/qt/say.h"
 #include "zrqrybld/adapters/qt/shortcuts.h"
 #include "zrqrybld/base/texts_designer.h"
+#include "zrqrybld/platform/commands.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
 namespace {
@@ -142,15 +145,15 @@ void ResultTable::keyPressEvent(QKeyEvent* event) {
 }
 
 bool ResultTable::TakeKey(const QKeyEvent& key) {
-  const bool shifted = key.modifiers() == (Qt::ControlModifier | Qt::ShiftModifier);
-  if (key.matches(QKeySequence::Copy) || (shifted && key.key() == Qt::Key_C)) {
-    Copy(shifted);
+  const KeyEvent event = ToKeyEvent(key);
+  const bool withNames = Asks(event, Command::CopyValuesWithNames);
+  if (withNames || key.matches(QKeySequence::Copy)) {
+    Copy(withNames);
   } else if (key.key() == Qt::Key_Escape) {
     Q_EMIT StopWanted();
-  } else if (key.matches(QKeySequence::Find)) {
+  } else if (Asks(event, Command::FilterRows)) {
     Q_EMIT FilterWanted();
-  } else if (key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter ||
-             (key.key() == Qt::Key_F2 && key.modifiers() == Qt::ShiftModifier)) {
+  } else if (key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter || Asks(event, Command::ShowValue)) {
     ShowValue();
   } else {
     return false;

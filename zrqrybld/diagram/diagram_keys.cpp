@@ -35,8 +35,6 @@ bool Types(const KeyEvent& event) {
   return visible || event.keyCode == KeyCodeEnter || event.keyCode == KeyCodeSpace;
 }
 
-bool IsArrow(std::int32_t keyCode) { return keyCode >= KeyCodeLeft && keyCode <= KeyCodeDown; }
-
 bool IsVertical(std::int32_t arrow) { return arrow == KeyCodeUp || arrow == KeyCodeDown; }
 
 // -1 for the arrows to the left and up, 1 for the others.
@@ -47,14 +45,14 @@ int SignOf(std::int32_t arrow) { return arrow == KeyCodeLeft || arrow == KeyCode
 bool DiagramKeys::Down(const KeyEvent& event) {
   std::int32_t keyCode = event.keyCode;
   site_.KeyDown.Raise(keyCode, event.shift);
-  if (IsArrow(keyCode) && event.shift == (ShiftShift | ShiftAlt)) return Scroll(keyCode);
-  if (IsArrow(keyCode) && event.shift == ShiftAlt) return NudgeSelected(keyCode);
-  if (IsArrow(keyCode) && event.shift == (ShiftCtrl | ShiftShift)) return StretchSelected(keyCode);
-  if (Asks(Key{keyCode, event.shift}, Command::MinimizeTable)) return ToggleMinimized();
-  if (keyCode == KeyCodeTab && (event.shift == ShiftNone || event.shift == ShiftShift)) {
-    return walk_.SelectNext(event.shift == ShiftShift ? -1 : 1);
-  }
-  if (Asks(Key{keyCode, event.shift}, Command::ContextMenu)) return ShowMenu();
+  const Key key{keyCode, event.shift};
+  if (Asks(key, Command::ScrollDiagram)) return Scroll(keyCode);
+  if (Asks(key, Command::MoveBox)) return NudgeSelected(keyCode);
+  if (Asks(key, Command::ResizeBox)) return StretchSelected(keyCode);
+  if (Asks(key, Command::MinimizeTable)) return ToggleMinimized();
+  if (Asks(key, Command::NextStop)) return walk_.SelectNext(1);
+  if (Asks(key, Command::PreviousStop)) return walk_.SelectNext(-1);
+  if (Asks(key, Command::ContextMenu)) return ShowMenu();
   if (keyCode == 0 && event.keyCode != 0) return false;  // a handler has taken it away
   if (Types(event)) return OnCharacters(keyCode, event);
   if ((event.shift & ShiftCtrl) != 0) return OnControlKey(keyCode, event);
@@ -152,7 +150,7 @@ bool DiagramKeys::OnControlKey(std::int32_t keyCode, const KeyEvent& event) {
 void DiagramKeys::Up(const KeyEvent& event) {
   std::int32_t keyCode = event.keyCode;
   site_.KeyUp.Raise(keyCode, event.shift);
-  if (IsArrow(event.keyCode)) stretchStep_ = 0;
+  stretchStep_ = 0;
   // A listener may take the key from the row, not from the hand that lets it go.
   if (event.keyCode == KeyCodeSpace && mouse_.ReleaseSpace() && keyCode == KeyCodeSpace) walk_.ToggleCurrentRow();
 }

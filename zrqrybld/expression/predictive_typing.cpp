@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "zrqrybld/base/scoped_value.h"
+#include "zrqrybld/platform/commands.h"
 #include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
@@ -30,7 +31,7 @@ std::size_t PredictiveTyping::Caret() const {
 // --- Typing ---
 
 bool PredictiveTyping::OnKeyDown(const KeyEvent& event) {
-  if (event.keyCode == KeyCodeSpace && event.shift == ShiftCtrl) {
+  if (Asks(event, Command::Suggest)) {
     caret_ = Caret();
     list_->Prepare();
     list_->Open(editor_.Text(), caret_);
@@ -39,8 +40,8 @@ bool PredictiveTyping::OnKeyDown(const KeyEvent& event) {
   if (list_->OnKeyDown(event)) return true;
   if (MovesCaret(event.keyCode)) list_->Close();
   if (fields_.empty()) return false;
-  if (event.keyCode == KeyCodeTab && event.shift == ShiftNone) return StepToField(1);
-  if (event.keyCode == KeyCodeTab && event.shift == ShiftShift) return StepToField(-1);
+  if (Asks(event, Command::NextStop)) return StepToField(1);
+  if (Asks(event, Command::PreviousStop)) return StepToField(-1);
   if (event.keyCode != KeyCodeEscape) return false;
   fields_.clear();
   return true;

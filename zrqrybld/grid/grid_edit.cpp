@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "zrqrybld/grid/grid.h"
+#include "zrqrybld/platform/commands.h"
 #include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
@@ -91,23 +92,24 @@ void zrGrid::CancelEdit() {
 bool zrGrid::EditKey(const KeyEvent& event) {
   if (!IsEditing()) return false;
   const bool plain = event.shift == ShiftNone;
+  if (const bool zooms = Asks(event, Command::ZoomCell); zooms || Asks(event, Command::OpenBuilder)) {
+    CommitEdit();
+    (zooms ? ZoomWanted : BuilderWanted).Raise();
+    return true;
+  }
+  if (const bool next = Asks(event, Command::NextStop); next || Asks(event, Command::PreviousStop)) {
+    CommitEdit();
+    return MoveToNextCell(next ? 1 : -1);
+  }
   switch (event.keyCode) {
     case KeyCodeEscape:
       CancelEdit();
-      return true;
-    case KeyCodeF2:
-      if (event.shift != ShiftShift && event.shift != ShiftCtrl) return false;
-      CommitEdit();
-      (event.shift == ShiftShift ? ZoomWanted : BuilderWanted).Raise();
       return true;
     case KeyCodeEnter:
       if (!plain) return false;
       CommitEdit();
       MoveToNextCell(1);
       return true;
-    case KeyCodeTab:
-      CommitEdit();
-      return MoveToNextCell(event.shift == ShiftShift ? -1 : 1);
     case KeyCodeUp:
     case KeyCodeDown:
       if (!plain || editing_.UsesArrows()) return false;

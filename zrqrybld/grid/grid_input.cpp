@@ -40,7 +40,8 @@ bool GridKeys::CommandKey(const KeyEvent& event) const {
     grid_.BuilderWanted.Raise();
     return true;
   }
-  if (event.keyCode == KeyCodeTab) return grid_.MoveToNextCell(event.shift == ShiftShift ? -1 : 1);
+  if (Asks(event, Command::NextStop)) return grid_.MoveToNextCell(1);
+  if (Asks(event, Command::PreviousStop)) return grid_.MoveToNextCell(-1);
   if (Asks(event, Command::CopyCells)) {
     grid_.GetSurface().SetClipboardText(grid_.CopyText());
     return true;

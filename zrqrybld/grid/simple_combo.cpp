@@ -7,6 +7,7 @@
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_grid.h"
 #include "zrqrybld/grid/grid_layout.h"
+#include "zrqrybld/platform/commands.h"
 #include "zrqrybld/platform/input.h"
 #include "zrqrybld/platform/stored_values.h"
 
@@ -212,7 +213,7 @@ bool zrSimpleCombo::TextBoxKey(const KeyEvent& event) {
   KeyOffered.Raise(event, kept);
   if (kept) return true;
   const bool plain = event.shift == ShiftNone;
-  const bool opens = (plain && event.keyCode == KeyCodeF4) ||
+  const bool opens = Asks(event, Command::OpenList) ||
                      (event.shift == ShiftAlt && (event.keyCode == KeyCodeDown || event.keyCode == KeyCodeUp));
   if (opens) {
     ToggleList();

@@ -89,6 +89,11 @@ constexpr CommandRow kCommands[] = {
     {Command::RevertText, {}, {}, text::RevertItem, Needs::Nothing},
     {Command::UseTextAsTyped, {}, {}, text::UseAsTypedItem, Needs::Nothing},
     {Command::WriteTextAnew, {}, {}, text::WriteAnewItem, Needs::Nothing},
+    {Command::NextStop, {KeyCodeTab}, {}, text::NoText, Needs::Nothing},
+    {Command::PreviousStop, {KeyCodeTab, ShiftShift}, {}, text::NoText, Needs::Nothing},
+    {Command::MoveBox, {kAnyArrow, ShiftAlt}, {}, text::NoText, Needs::Nothing},
+    {Command::ResizeBox, {kAnyArrow, kCtrlShift}, {}, text::NoText, Needs::Nothing},
+    {Command::ScrollDiagram, {kAnyArrow, ShiftShift | ShiftAlt}, {}, text::NoText, Needs::Nothing},
 };
 
 constexpr bool InOrder() {
@@ -108,7 +113,7 @@ constexpr KeyName kKeyNames[] = {
     {KeyCodeTab, "Tab"},    {KeyCodeEnter, "Enter"}, {KeyCodeEscape, "Esc"}, {KeyCodeSpace, "Space"},
     {KeyCodeUp, "Up"},      {KeyCodeDown, "Down"},   {KeyCodeLeft, "Left"},  {KeyCodeRight, "Right"},
     {KeyCodeInsert, "Ins"}, {KeyCodeDelete, "Del"},  {KeyCodeMenu, "Menu"},  {KeyCodePlus, "+"},
-    {KeyCodeMinus, "-"},
+    {KeyCodeMinus, "-"},    {kAnyArrow, ""},
 };
 
 }  // namespace
@@ -131,6 +136,8 @@ bool CanGive(Command command, const CommandGround& ground) {
 
 bool Asks(Key key, Command command) {
   const CommandRow& row = RowOf(command);
+  const bool isArrow = key.code >= KeyCodeLeft && key.code <= KeyCodeDown;
+  if (isArrow && row.key == Key{kAnyArrow, key.shift}) return true;
   return key.code != 0 && (key == row.key || key == row.other);
 }
 

@@ -86,6 +86,11 @@ enum class Command : std::uint8_t {
   RevertText,
   UseTextAsTyped,
   WriteTextAnew,
+  NextStop,
+  PreviousStop,
+  MoveBox,
+  ResizeBox,
+  ScrollDiagram,
 };
 
 /// What has to be there before a command can be given, beside what it is given for.
@@ -96,6 +101,9 @@ struct CommandGround {
   bool connection = false;
   bool tables = false;  ///< in the diagram
 };
+
+/// Any of the four arrows, as the key of a command that they give a direction to. Written as the held keys alone.
+inline constexpr std::int32_t kAnyArrow = -1;
 
 /// A key with the modifiers that are held.
 struct Key {

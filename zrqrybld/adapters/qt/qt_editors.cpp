@@ -12,6 +12,7 @@
 #include "zrqrybld/adapters/qt/qt_input.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
 #include "zrqrybld/grid/grid_layout.h"
+#include "zrqrybld/platform/commands.h"
 #include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
@@ -48,7 +49,7 @@ class QtTextEditor::Line final : public QLineEdit {
     // The line edit's own commands (undo, copy, ...) and what the grid does with keys go before the window's shortcuts.
     if (event->type() == QEvent::ShortcutOverride) {
       const auto& key = static_cast<const QKeyEvent&>(*event);
-      if (ToKeyCode(key.key()) == KeyCodeF4 || IsUndoKey(key) || IsRedoKey(key)) {
+      if (Asks(ToKeyEvent(key), Command::OpenList) || IsUndoKey(key) || IsRedoKey(key)) {
         event->accept();
         return true;
       }
