@@ -328,15 +328,8 @@ TEST_F(QueryFiles, AFailingWriteLeavesTheOldFileAndSaysWhy) {
   const Designer designer;
   const std::string path = Path("query");
   WriteWholeFile(path, "old");
-  std::filesystem::permissions(path, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
   designer.hub->SaveQuery(path);
   EXPECT_EQ(ReadWholeFile(path, 1 << 20), Saved(designer) + "\r\n");
-  EXPECT_EQ(std::filesystem::status(path).permissions(),
-            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
-  std::filesystem::create_symlink(path, Path("link"));
-  WriteWholeFile(Path("link"), "through the link");
-  EXPECT_TRUE(std::filesystem::is_symlink(Path("link")));
-  EXPECT_EQ(ReadWholeFile(path, 100), "through the link");
   for (const std::string& bad : {folder_.string(), Path("no/such/folder"), std::string("/dev/full")}) {
     if (bad == "/dev/full" && !std::filesystem::exists(bad)) continue;
     try {
@@ -350,8 +343,28 @@ TEST_F(QueryFiles, AFailingWriteLeavesTheOldFileAndSaysWhy) {
     EXPECT_EQ(designer.hub->state(), InfoDone);
   }
   EXPECT_THROW(ReadWholeFile(path, 3), Error);
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_), {}), 2) << "a file was left behind";
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_), {}), 1) << "a file was left behind";
 }
+
+// GCC's library for Windows sets no modes, makes no symbolic links and counts one name for every file.
+#ifndef _WIN32
+TEST_F(QueryFiles, ModesAndLinksStay) {
+  const std::string path = Path("query");
+  WriteWholeFile(path, "old");
+  const auto mode = std::filesystem::perms::owner_read | std::filesystem::perms::owner_write;
+  std::filesystem::permissions(path, mode);
+  WriteWholeFile(path, "new");
+  EXPECT_EQ(std::filesystem::status(path).permissions(), mode);
+  std::filesystem::create_symlink(path, Path("link"));
+  WriteWholeFile(Path("link"), "through the link");
+  EXPECT_TRUE(std::filesystem::is_symlink(Path("link")));
+  EXPECT_EQ(ReadWholeFile(path, 100), "through the link");
+  std::filesystem::create_hard_link(path, Path("other name"));
+  WriteWholeFile(path, "by both names");
+  EXPECT_EQ(ReadWholeFile(Path("other name"), 100), "by both names");
+  EXPECT_EQ(std::filesystem::hard_link_count(path), 2);
+}
+#endif
 
 // Writes as the library does, and notes what it is asked for.
 class NotedFiles : public FileSystem {
@@ -409,7 +422,7 @@ TEST_F(QueryFiles, ASavedFileIsOnTheDiskPrivateAndWhoseItWas) {
   EXPECT_EQ(files->notes, "create private, flush new, flush folder");
 }
 
-TEST_F(QueryFiles, NamesAndLinksStayAndLeftoversGo) {
+TEST_F(QueryFiles, LongNamesStayAndLeftoversGo) {
   for (const std::string& name : {std::string(250, 'q'), ReplaceAll(std::string(120, '.'), ".", "ä") + "123456789x"}) {
     WriteWholeFile(Path(name.c_str()), "old");
     WriteWholeFile(Path(name.c_str()), "new");
@@ -418,7 +431,6 @@ TEST_F(QueryFiles, NamesAndLinksStayAndLeftoversGo) {
   }
   const std::string path = Path("query");
   WriteWholeFile(path, "old");
-  std::filesystem::create_hard_link(path, Path("other name"));
   const auto yesterday = std::filesystem::file_time_type::clock::now() - std::chrono::hours(24);
   const char* const kLeft[] = {"query.new-0123abcd", "query.new-89abcdef"};
   const char* const kStays[] = {"query.new-0123abcde", "query.new-0123abcx", "query2.new-0123abcd",
@@ -431,8 +443,6 @@ TEST_F(QueryFiles, NamesAndLinksStayAndLeftoversGo) {
   }
   std::ofstream(Path("query.new-00000000")) << "somebody writes it now";
   WriteWholeFile(path, "new");
-  EXPECT_EQ(ReadWholeFile(Path("other name"), 100), "new");
-  EXPECT_EQ(std::filesystem::hard_link_count(path), 2);
   for (const char* name : kLeft) EXPECT_FALSE(std::filesystem::exists(Path(name))) << name;
   for (const char* name : kStays) EXPECT_TRUE(std::filesystem::exists(Path(name))) << name;
   EXPECT_TRUE(std::filesystem::exists(Path("query.new-00000000")));
