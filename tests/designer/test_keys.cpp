@@ -304,7 +304,7 @@ void DoAndDie(const QString& folder, const std::string& acts) {
   process.start(QCoreApplication::applicationFilePath(),
                 {"--gtest_filter=Keys.DISABLED_UntilItIsKilled", "--gtest_also_run_disabled_tests"});
   const auto isDone = [&] { return QFile::exists(folder + "/done") && test::RecoveryFiles().size() == 1; };
-  EXPECT_TRUE(QTest::qWaitFor(isDone, 20000)) << process.readAll().toStdString();
+  EXPECT_TRUE(QTest::qWaitFor(isDone, 60000)) << process.readAll().toStdString();
   kill(static_cast<pid_t>(process.processId()), SIGKILL);
   process.waitForFinished();
 }
