@@ -4,8 +4,9 @@
 #include "zrqrybld/diagram/auto_joins.h"
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
-#include "zrqrybld/diagram/join_properties.h"
+#include "zrqrybld/diagram/join_editing.h"
 #include "zrqrybld/diagram/table_picker.h"
+#include "zrqrybld/expression/expression_zoom.h"
 #include "zrqrybld/expression/schema_cache.h"
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/host/connection_info.h"
@@ -23,6 +24,8 @@
 #include "zrqrybld/platform/toolkit.h"
 #include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/dialect_functions.h"
+#include "zrqrybld/sql/join_condition.h"
+#include "zrqrybld/sql/join_list.h"
 #include "zrqrybld/sql/names.h"
 #include "zrqrybld/sql/query_snapshot.h"
 #include "zrqrybld/sql/rename.h"
@@ -175,10 +178,33 @@ void qbQueryBuilder::ShowTables() {
   if (sqlPane_) sqlPane_->ShowChange();
 }
 
+namespace {
+
+// The two tables of a join and all that stand before them in FROM: what its condition can name.
+std::vector<std::string> TablesForCondition(const QuerySnapshot& query, const qbRelationship& join) {
+  const Ref<qbEntity> source = join.Source();
+  const Ref<qbEntity> target = join.Target();
+  std::vector<std::string> captions;
+  std::size_t count = 0;
+  for (const FromEntry& entry : PlaceTables(query)) {
+    captions.push_back(query.tables[entry.table].caption.Name());
+    const bool isEnd =
+        (source && source->Caption() == captions.back()) || (target && target->Caption() == captions.back());
+    if (isEnd) count = captions.size();
+  }
+  captions.resize(count);
+  return captions;
+}
+
+}  // namespace
+
 bool qbQueryBuilder::ShowJoinProperties(const Ref<qbRelationship>& relationship) {
   if (!relationship) return false;
   const StepScope step(RefTo(*this), kStepEditJoin);
-  if (!EditJoin(*this, *relationship)) return false;
+  const Ref<frmExpressionZoom> form = frmExpressionZoom::Create(RefTo(*this), EditedText::Expression);
+  form->SetReader([](std::string_view text) { JoinConditionText(text); });
+  form->Suggestions()->SetTables(TablesForCondition(design.Snapshot(), *relationship));
+  if (!EditJoin(*this, *relationship, form)) return false;
   QueryChanged();
   return true;
 }
