@@ -40,9 +40,9 @@ void qbRelationship::SetTargetItemIndex(Variant index) {
   if (!facts_.sourceItemIndex.IsEmpty()) NotifyEnd(Target());
 }
 
-// A join that is still being put together changes no statement.
+// A join with one column only is still being put together; one with none may ask a condition alone.
 void qbRelationship::NotifyWhenComplete() {
-  if (!facts_.sourceItemIndex.IsEmpty() && !facts_.targetItemIndex.IsEmpty()) NotifyEnd(Source());
+  if (facts_.sourceItemIndex.IsEmpty() == facts_.targetItemIndex.IsEmpty()) NotifyEnd(Source());
 }
 
 void qbRelationship::SetComparison(JoinComparisonEnum comparison) {

@@ -1,10 +1,13 @@
 #include <algorithm>
+#include <functional>
+
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_hub.h"
 #include "zrqrybld/diagram/auto_joins.h"
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/join_editing.h"
+#include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/diagram/table_picker.h"
 #include "zrqrybld/expression/expression_zoom.h"
 #include "zrqrybld/expression/schema_cache.h"
@@ -388,16 +391,29 @@ void qbQueryBuilder::EntityRemoved(const std::string& caption) {
   RaiseInfo(InfoTableRemoved, caption);
 }
 
+namespace {
+
+// Joins whose conditions name the table follow it.
+void RenameInConditions(const qbEntities& entities, const std::function<std::string(std::string_view)>& renamed) {
+  for (const Ref<qbEntity>& entity : entities) {
+    for (const Ref<qbRelationship>& join : *entity->Relationships()) {
+      if (!join->Condition().empty()) join->SetCondition(renamed(join->Condition()));
+    }
+  }
+}
+
+}  // namespace
+
 void qbQueryBuilder::EntityRenamed(const std::string& oldCaption, const std::string& newCaption) {
-  if (!gridPane_) return;
   const NameRules rules = CurrentNameRules(*this);
   // As the statement names it: a table under its own name by its schema and name, otherwise by its caption.
   const Ref<qbEntity> entity = Entities() ? Entities()->Item(newCaption) : nullptr;
   const bool ownName = entity && entity->TagVariant().Text() == newCaption;
   const SqlText after =
       ownName ? RenderQualified(SplitName(newCaption, rules), rules) : QuoteWhenNeeded(Identifier(newCaption), rules);
-  GridPane()->RenameTable(oldCaption, newCaption,
-                          [&](std::string_view text) { return RenameQualifier(text, oldCaption, after, rules); });
+  const auto renamed = [&](std::string_view text) { return RenameQualifier(text, oldCaption, after, rules); };
+  if (const Ref<qbEntities> entities = Entities()) RenameInConditions(*entities, renamed);
+  if (gridPane_) GridPane()->RenameTable(oldCaption, newCaption, renamed);
 }
 
 void qbQueryBuilder::RefreshTableList(std::int32_t from) {

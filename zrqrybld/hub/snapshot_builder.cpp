@@ -41,7 +41,8 @@ void TakeJoins(QuerySnapshot& snapshot, const TablePositions& positions, const q
       const Ref<qbEntity> target = join->Target();
       if (!target || !target->EntityBox()) continue;
       snapshot.joins.push_back({source, positions.at(target->Caption()), ColumnOf(join->SourceItem()),
-                                ColumnOf(join->TargetItem()), join->Kind()});
+                                ColumnOf(join->TargetItem()), join->Kind(), join->Comparison(), join->Condition(),
+                                join->GroupLevel()});
     }
     ++source;
   }

@@ -140,7 +140,10 @@ class DesignWriter {
       const bool isNew = !kept_[i];
       const Ref<qbRelationship> drawn = isNew ? source->Relationships()->Add(target) : kept_[i];
       if (isNew || drawn->Kind() != join.kind) SetJoinKind(*drawn, join.kind);
-      if (!isNew) continue;
+      drawn->SetComparison(join.comparison);
+      drawn->SetCondition(join.condition);
+      drawn->SetGroupLevel(join.groupLevel);
+      if (!isNew || !join.HasPair()) continue;
       drawn->SetSourceItemIndex(ItemIndex(*source, join.sourceColumn->Name()));
       drawn->SetTargetItemIndex(ItemIndex(*target, join.targetColumn->Name()));
       hub_.RaiseInfo(InfoRelationshipAdded, Ref<Object>(drawn));

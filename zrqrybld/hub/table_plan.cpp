@@ -129,8 +129,10 @@ DrawnDiagram TablePlan::Drawn(std::vector<Ref<qbRelationship>>& drawnJoins) cons
       const auto target = positions.find(join->Target().get());
       const Ref<qbEntityItem> from = join->SourceItem();
       const Ref<qbEntityItem> to = join->TargetItem();
-      if (target == positions.end() || !from || !to) continue;
-      drawn.joins.push_back({i, target->second, from->Text(), to->Text()});
+      const bool asksConditionAlone = !from && !to && !join->Condition().empty();
+      if (target == positions.end() || !((from && to) || asksConditionAlone)) continue;
+      const auto nameOf = [](const Ref<qbEntityItem>& item) { return item ? item->Text() : std::string(); };
+      drawn.joins.push_back({i, target->second, nameOf(from), nameOf(to), join->Comparison(), join->Condition()});
       drawnJoins.push_back(join);
     }
   }

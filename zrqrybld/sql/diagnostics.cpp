@@ -9,7 +9,9 @@
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_sql.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/join_condition.h"
 #include "zrqrybld/sql/join_form.h"
+#include "zrqrybld/sql/join_limits.h"
 #include "zrqrybld/sql/join_list.h"
 #include "zrqrybld/sql/lexer.h"
 
@@ -74,10 +76,13 @@ class Diagnosis {
         Say(DiagnosticTableNotJoined, text::TableNotJoined, caption);
         if (nested) Say(DiagnosticParentheses, text::ParenthesesOpen, caption);
       }
-      if (HasMixedKinds(entry)) {
-        Say(DiagnosticMixedJoins, text::MixedJoins, caption);
-      }
+      MixedKinds(entry);
     }
+  }
+
+  void MixedKinds(const FromEntry& entry) {
+    if (HasMixedKinds(entry)) Say(DiagnosticMixedJoins, text::MixedJoins, CaptionOf(entry.table));
+    for (const FromEntry& inside : entry.group) MixedKinds(inside);
   }
 
   // A JOIN clause has one word for all its conditions; conditions in a list of tables have a mark each, and only those
@@ -92,7 +97,17 @@ class Diagnosis {
     return false;
   }
 
+  // The two ends as people read them.
+  std::string EndsOf(const SnapshotJoin& join) const {
+    const auto end = [&](std::size_t table, const std::optional<Identifier>& column) {
+      return CaptionOf(table) + (column ? "." + column->Name() : std::string());
+    };
+    return end(join.source, join.sourceColumn) + " " + std::string(SignOf(join.comparison)) + " " +
+           end(join.target, join.targetColumn);
+  }
+
   void Joins() {
+    const bool hasOuter = HasOuterJoins(query_);
     for (const SnapshotJoin& join : query_.joins) {
       if (join.source == join.target) {
         Say(DiagnosticJoinToItself, text::JoinToItself, CaptionOf(join.source));
@@ -100,11 +115,16 @@ class Diagnosis {
         Say(DiagnosticIncompleteJoin, text::IncompleteJoin, CaptionOf(join.source) + " - " + CaptionOf(join.target));
       } else if (join.kind.IsFull() && !dialect_.hasFullJoin) {
         Say(DiagnosticFullJoin, dialect_.joins == Dialect::Joins::Clauses ? text::FullJoinMissing : text::FullJoinLost,
-            CaptionOf(join.source) + "." + join.sourceColumn->Name() + " = " + CaptionOf(join.target) + "." +
-                join.targetColumn->Name());
+            EndsOf(join));
+      }
+      const JoinLimit limit = LimitOf(join, dialect_, hasOuter);
+      if (limit != JoinLimit::None) {
+        Say(DiagnosticJoinNotWritten, limit == JoinLimit::Group ? text::JoinGroupMissing : text::JoinConditionMissing,
+            EndsOf(join));
       }
     }
     WaitingJoins();
+    ConditionsTooEarly();
   }
 
   // Marks in WHERE can say what no order of joins can.
@@ -116,6 +136,28 @@ class Diagnosis {
     std::iota(order.begin(), order.end(), 0);
     if (!MeaningOfGeneratedJoins(query_, order, dialect_).empty()) return;
     Say(DiagnosticJoinsWait, text::JoinsWait, CaptionOf(outer->source));
+  }
+
+  // A condition may name the tables that are joined so far.
+  void ConditionsTooEarly() {
+    if (std::ranges::all_of(query_.joins, [](const SnapshotJoin& join) { return join.condition.empty(); })) return;
+    CheckConditions(generated_.from);
+  }
+
+  // Answers which tables the entries hold.
+  std::unordered_set<std::size_t> CheckConditions(const std::vector<FromEntry>& entries) {
+    std::unordered_set<std::size_t> stand;
+    for (const FromEntry& entry : entries) {
+      stand.insert(entry.table);
+      if (!entry.group.empty()) stand.merge(CheckConditions(entry.group));
+      for (const FromCondition& condition : entry.conditions) {
+        for (const std::size_t table : TablesNamed(condition.join->condition, query_.tables).tables) {
+          if (stand.contains(table)) continue;
+          Say(DiagnosticJoinNotWritten, text::ConditionNamesLater, EndsOf(*condition.join), CaptionOf(table));
+        }
+      }
+    }
+    return stand;
   }
 
   // --- Rows ---
@@ -240,20 +282,28 @@ class Diagnosis {
   // The tables whose columns are empty in rows that only an outer join returns.
   std::vector<bool> OptionalTables() const {
     std::vector<bool> optional(query_.tables.size());
+    MarkOptional(generated_.from, optional);
+    return optional;
+  }
+
+  // Answers which of the tables are always there as far as these entries tell.
+  std::vector<std::size_t> MarkOptional(const std::vector<FromEntry>& entries, std::vector<bool>& optional) const {
     std::vector<std::size_t> earlier;  // not optional yet
-    for (const FromEntry& entry : generated_.from) {
+    for (const FromEntry& entry : entries) {
+      const std::vector<std::size_t> present =
+          entry.group.empty() ? std::vector{entry.table} : MarkOptional(entry.group, optional);
       const JoinTypeEnum type = entry.conditions.empty() ? JoinInner : entry.conditions.front().type;
       if (type == JoinAllOfThis || (type == JoinAllOfBoth && dialect_.hasFullJoin)) {
         for (const std::size_t before : earlier) optional[before] = true;
         earlier.clear();
       }
       if (type == JoinAllOfEarlier || (type == JoinAllOfBoth && dialect_.hasFullJoin)) {
-        optional[entry.table] = true;
+        for (const std::size_t table : present) optional[table] = true;
       } else {
-        earlier.push_back(entry.table);
+        earlier.insert(earlier.end(), present.begin(), present.end());
       }
     }
-    return optional;
+    return earlier;
   }
 
   // --- The row limit ---

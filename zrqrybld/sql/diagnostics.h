@@ -38,6 +38,7 @@ enum SQLDiagnosticEnum : std::int32_t {
   DiagnosticJoinsWait = 18,            ///< a table: outer joins bring in each of its tables only with another of them
   DiagnosticNullsPlace = 19,           ///< a column: the dialect cannot say where its Nulls come
   DiagnosticDateMisread = 20,          ///< a column: the source does not take a date of its criterion for one
+  DiagnosticJoinNotWritten = 21,       ///< a join: the dialect cannot say what it asks, or not where it stands
 };
 
 /// One remark.

@@ -58,6 +58,7 @@ constexpr Dialect Generic() {
   d.joinWords = kNoWords;
   d.comparison = {" = ", " *= ", " =* ", " = "};
   d.hasFullJoin = false;
+  d.hasJoinGroups = false;
   d.fromSeparator = ",";
   return d;
 }
@@ -82,7 +83,9 @@ constexpr Dialect Oracle() {
   // The mark stands on the side that may be missing: behind the other table's field, or behind this one's.
   d.comparison = {" = ", " = ", " (+) = ", " = "};
   d.afterCondition = {"", " (+)", "", ""};
+  d.marksColumns = true;
   d.hasFullJoin = false;
+  d.hasJoinGroups = false;
   d.limit = {
       .place = RowLimit::Place::Condition, .rows = "ROWNUM <= @n", .percent = "ROWNUM <= @n%", .takesPercent = false};
   d.fromSeparator = ",";
@@ -103,6 +106,7 @@ constexpr Dialect Access() {
   d.hasComments = false;
   d.concatenation = "&";
   d.fromParentheses = Dialect::FromParentheses::Nested;
+  d.hasJoinGroups = false;
   d.leavesParenthesesOpen = true;
   d.values.dateQuote = "#";
   d.doubleQuotesAreTexts = true;
@@ -115,6 +119,7 @@ constexpr Dialect OpenSql() {
   d.name = "OpenSQL";
   d.hasComments = false;
   d.fromParentheses = Dialect::FromParentheses::Whole;
+  d.hasJoinGroups = false;
   d.limit = {
       .place = RowLimit::Place::From, .rows = "UP TO @n ROWS", .percent = "UP TO @n% ROWS", .takesPercent = false};
   d.selectSeparator = " ";

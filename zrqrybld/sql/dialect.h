@@ -98,6 +98,10 @@ struct Dialect {
   std::string_view concatenation = {};
   /// Whether "||" is OR to its servers, in some of their modes.
   bool pipesMayBeOr = false;
+  /// Whether tables can be joined first in parentheses, to be joined to others as one.
+  bool hasJoinGroups = true;
+  /// Whether the mark of an outer join in WHERE stands behind a column, so that any comparison may bear it.
+  bool marksColumns = false;
   /// What compares two columns as equal when both are missing; "" where nothing does.
   std::string_view sameValue = {};
   /// Whether its statements can hold comments.

@@ -1,10 +1,14 @@
 #include "zrqrybld/sql/from_binder.h"
 
 #include <algorithm>
+#include <set>
+#include <span>
+#include <utility>
 
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_sql.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/join_condition.h"
 #include "zrqrybld/sql/join_list.h"
 
 namespace zrqrybld {
@@ -45,11 +49,13 @@ void ForEachTerm(const Expression* condition, const Visit& visit) {
 
 bool IsEquality(std::string_view sign) { return sign == "=" || sign == "==" || sign == "*=" || sign == "=*"; }
 
-// Both sides are columns; `sign` is any that joins tables.
-bool ComparesColumns(const Expression& e) {
-  return e.kind == ExpressionKind::Comparison && !e.negated && IsEquality(e.name) &&
-         StripParentheses(e.first)->kind == ExpressionKind::Column &&
-         StripParentheses(e.first->next)->kind == ExpressionKind::Column;
+bool IsColumn(const Expression& e) { return StripParentheses(&e)->kind == ExpressionKind::Column; }
+
+// Whether both sides are columns, compared by a sign that joins tables.
+bool ComparesColumns(const Expression& e, bool anySign) {
+  if (e.kind != ExpressionKind::Comparison || e.negated || !IsColumn(*e.first) || !IsColumn(*e.first->next))
+    return false;
+  return IsEquality(e.name) || (anySign && JoinComparisonOf(e.name).has_value());
 }
 
 bool IsMark(const Expression& e) {
@@ -110,13 +116,11 @@ BoundFrom FromBinder::Bind(bool joinsFromWhere) {
     bound_.columns.insert(bound_.columns.end(), side.columns.begin(), side.columns.end());
   }
   for (const Residual& residual : residuals_) {
-    if (residual.blocked) {
-      scope_.Refuse(residual.condition->text, text::ConditionInOuterJoin);
-    }
-    bound_.conditions.push_back(residual.condition);
+    if (!residual.isAsked) bound_.conditions.push_back(residual.condition);
   }
   BindWhere(joinsFromWhere);
   RefuseMarksOutsideWhere();
+  for (auto& [join, condition] : asked_) bound_.joins[join].condition = std::move(condition);
   if (hasMarks_) {
     FinishMarks();
   } else if (all) {
@@ -139,21 +143,24 @@ FromBinder::Side FromBinder::BindItem(const FromItem& item) {
 
 void FromBinder::BindStep(Side& left, const JoinStep& step, std::size_t firstResidual) {
   const std::size_t rightResidual = residuals_.size();
+  const bool isGroup = step.right->joins != nullptr;
+  level_ += isGroup ? 1 : 0;
   const Side right = BindItem(*step.right);
-  const auto block = [&](std::size_t from, std::size_t to) {
-    for (std::size_t i = from; i < to; ++i) residuals_[i].blocked = true;
-  };
-  const std::vector<JoinPair> pairs = PairsOf(left, right, step);
+  level_ -= isGroup ? 1 : 0;
+  Terms terms = TermsOf(left, right, step);
   const bool allOfLeft = step.word == JoinWord::Left || step.word == JoinWord::Full;
   const bool allOfRight = step.word == JoinWord::Right || step.word == JoinWord::Full;
-  if (allOfLeft) block(rightResidual, residuals_.size());
-  if (allOfRight) block(firstResidual, rightResidual);
-  if ((allOfLeft || allOfRight) && bound_.firstOuter.empty()) bound_.firstOuter = step.place;
-  if (sharesColumns_) JoinColumns(left, right, step.on ? std::vector<JoinPair>() : pairs, step);
-  for (const JoinPair& pair : pairs) {
-    const bool isSwapped = right.Holds(pair.left);
-    AddJoin(pair, isSwapped ? allOfRight : allOfLeft, isSwapped ? allOfLeft : allOfRight);
+  if (allOfLeft) KeepFromWhere(rightResidual, residuals_.size(), right.form);
+  if (allOfRight) KeepFromWhere(firstResidual, rightResidual, left.form);
+  if (IsOuter(step.word) && bound_.firstOuter.empty()) bound_.firstOuter = step.place;
+  if (sharesColumns_) JoinColumns(left, right, step.on ? std::vector<JoinPair>() : terms.pairs, step);
+  const std::vector<std::size_t> joins = AddPairs(terms.pairs, right, allOfLeft, allOfRight);
+  if (IsOuter(step.word)) {
+    BindOuter(terms, joins, left, right, {.allOfTarget = allOfRight, .allOfSource = allOfLeft});
+  } else {
+    BindInner(terms, joins, left, right);
   }
+  const std::vector<JoinPair>& pairs = terms.pairs;
   left.end = right.end;
   if (!hasOuterJoin_) return;
   switch (step.word) {
@@ -174,33 +181,171 @@ void FromBinder::BindStep(Side& left, const JoinStep& step, std::size_t firstRes
   }
 }
 
-// The pairs of columns of ON, USING or NATURAL. What else ON says is kept for WHERE; it has no place there when the
-// join keeps rows without a partner.
-std::vector<JoinPair> FromBinder::PairsOf(const Side& left, const Side& right, const JoinStep& step) {
-  std::vector<JoinPair> pairs;
-  if (step.natural || step.columns) AddSharedColumns(pairs, left, right, step);
+// The pairs of columns of ON, USING or NATURAL, and what else ON says.
+FromBinder::Terms FromBinder::TermsOf(const Side& left, const Side& right, const JoinStep& step) {
+  Terms terms;
+  if (step.natural || step.columns) AddSharedColumns(terms.pairs, left, right, step);
   const bool isInner = !IsOuter(step.word);
-  if (step.on) {
-    ForEachTerm(step.on, [&](const Expression& term) {
-      if (HasMark(term)) scope_.Refuse(term.text, text::MarkInOn);
-      std::optional<JoinPair> pair = PairOf(term);
-      const auto isInside = [&](std::size_t table) { return left.Holds(table) || right.Holds(table); };
-      if (pair && (!isInside(pair->left) || !isInside(pair->right))) {
-        scope_.Refuse(term.text, text::NotJoinedHere);
-      }
-      const bool linksSides = pair && left.Holds(pair->left) != left.Holds(pair->right);
-      if (pair && (isInner || linksSides)) {
-        pairs.push_back(std::move(*pair));
-      } else if (isInner) {
-        RequireClearNames(term);
-        residuals_.push_back({&term, false});
-      } else {
-        scope_.Refuse(term.text, text::OnlyColumnPairs);
-      }
-    });
+  if (step.on) ForEachTerm(step.on, [&](const Expression& term) { AddTerm(terms, term, left, right, isInner); });
+  if (terms.pairs.empty() && terms.others.empty() && !isInner) scope_.Refuse(step.place, text::OuterNeedsColumns);
+  return terms;
+}
+
+void FromBinder::AddTerm(Terms& terms, const Expression& term, const Side& left, const Side& right,
+                         bool isInner) const {
+  if (HasMark(term)) scope_.Refuse(term.text, text::MarkInOn);
+  const std::optional<JoinPair> pair = PairOf(term);
+  const auto isInside = [&](std::size_t table) { return left.Holds(table) || right.Holds(table); };
+  if (pair && (!isInside(pair->left) || !isInside(pair->right))) {
+    scope_.Refuse(term.text, text::NotJoinedHere);
   }
-  if (pairs.empty() && !isInner) scope_.Refuse(step.place, text::OuterNeedsColumns);
-  return pairs;
+  const bool linksSides = pair && left.Holds(pair->left) != left.Holds(pair->right);
+  if (pair && CanSay(*pair, isInner) && (linksSides || (isInner && pair->comparison == JoinEqual))) {
+    terms.pairs.push_back(*pair);
+    return;
+  }
+  if (AddBetween(terms.pairs, term, left, right)) return;
+  RequireClearNames(term);
+  if (!isInner && dialect_.joins == Dialect::Joins::Conditions) scope_.Refuse(term.text, text::OnlyColumnPairs);
+  terms.others.push_back(&term);
+}
+
+// "a.x BETWEEN b.low AND b.high" is two comparisons.
+bool FromBinder::AddBetween(std::vector<JoinPair>& pairs, const Expression& term, const Side& left,
+                            const Side& right) const {
+  if (term.kind != ExpressionKind::Between || term.negated || dialect_.joins == Dialect::Joins::Conditions)
+    return false;
+  const Expression* low = term.first->next;
+  if (!IsColumn(*term.first) || !IsColumn(*low) || !IsColumn(*low->next)) return false;
+  const std::optional<BoundColumn> value = scope_.Find(*StripParentheses(term.first));
+  const std::optional<BoundColumn> from = scope_.Find(*StripParentheses(low));
+  const std::optional<BoundColumn> to = scope_.Find(*StripParentheses(low->next));
+  if (!value || !from || !to || from->table != to->table) return false;
+  const bool linksSides =
+      left.Holds(value->table) ? right.Holds(from->table) : right.Holds(value->table) && left.Holds(from->table);
+  if (!linksSides) return false;
+  pairs.push_back({value->table, value->column, from->table, from->column, JoinGreaterOrEqual});
+  pairs.push_back({value->table, value->column, to->table, to->column, JoinLessOrEqual});
+  return true;
+}
+
+// Whether the dialect writes the comparison in a join of this kind.
+bool FromBinder::CanSay(const JoinPair& pair, bool isInner) const {
+  if (pair.comparison == JoinSame && dialect_.sameValue.empty()) return false;
+  if (isInner || pair.comparison == JoinEqual || dialect_.joins == Dialect::Joins::Clauses) return true;
+  return dialect_.marksColumns && NeedsValues(pair.comparison) && Mirrored(pair.comparison);
+}
+
+// The joins' places in `bound_.joins`.
+std::vector<std::size_t> FromBinder::AddPairs(const std::vector<JoinPair>& pairs, const Side& right, bool allOfLeft,
+                                              bool allOfRight) {
+  std::vector<std::size_t> joins;
+  for (const JoinPair& pair : pairs) {
+    const bool isSwapped = right.Holds(pair.left);
+    joins.push_back(AddJoin(pair, isSwapped ? allOfRight : allOfLeft, isSwapped ? allOfLeft : allOfRight));
+  }
+  return joins;
+}
+
+// The first table of the side that the conditions name, or its last.
+std::size_t FromBinder::TableFor(const Side& side, const std::vector<const Expression*>& conditions) const {
+  for (const Expression* condition : conditions) {
+    for (const std::size_t table : TablesNamed(fields_.Normalized(*condition), scope_.Tables()).tables) {
+      if (side.Holds(table)) return table;
+    }
+  }
+  return side.end - 1;
+}
+
+void FromBinder::AskOfJoin(std::size_t join, const std::string& condition) {
+  std::string& asked = asked_[join];
+  asked += (asked.empty() ? "" : " AND ") + condition;
+}
+
+// A join that compares no columns.
+std::size_t FromBinder::AddBareJoin(std::size_t left, std::size_t right, JoinKind kind) {
+  SnapshotJoin& join = bound_.joins.emplace_back();
+  join.source = left;
+  join.target = right;
+  join.kind = kind;
+  bound_.groupLevels.push_back(level_);
+  return bound_.joins.size() - 1;
+}
+
+// Conditions of joins inside of a side that may be missing are asked there, of the joins, and not of the whole.
+void FromBinder::KeepFromWhere(std::size_t from, std::size_t to, JoinForms::Form form) {
+  std::set<std::size_t> asking;
+  for (std::size_t i = from; i < to; ++i) {
+    Residual& residual = residuals_[i];
+    if (std::exchange(residual.isAsked, true)) continue;
+    if (dialect_.joins == Dialect::Joins::Conditions) {
+      scope_.Refuse(residual.condition->text, text::ConditionInOuterJoin);
+    }
+    if (residual.join == kNone) {
+      const bool isFirst = residual.firstOfJoin == i;
+      residual.join = isFirst ? AddBareJoin(residual.left, residual.right, {}) : residuals_[residual.firstOfJoin].join;
+    }
+    AskOfJoin(residual.join, TextOf(*residual.condition));
+    asking.insert(residual.join);
+  }
+  for (const std::size_t join : asking) {
+    const JoinPair term = ConditionTerm(asked_[join], scope_.Tables());
+    forms_->Filter(form, std::span(&term, 1));
+  }
+}
+
+// As it stands beside others in ON.
+std::string FromBinder::TextOf(const Expression& condition) const {
+  return JoinConditionText(fields_.Normalized(condition));
+}
+
+std::string FromBinder::TextOf(const std::vector<const Expression*>& conditions) const {
+  std::string text;
+  for (const Expression* condition : conditions) text += (text.empty() ? "" : " AND ") + TextOf(*condition);
+  return text;
+}
+
+// A condition of an inner join stands in WHERE, unless the diagram has it in the join.
+void FromBinder::BindInner(Terms& terms, const std::vector<std::size_t>& joins, const Side& left, const Side& right) {
+  if (terms.others.empty()) return;
+  const std::string all = TextOf(terms.others);
+  const bool isDrawn = !joins.empty() && IsDrawnWith(joins.front(), all);
+  if (isDrawn) AskOfJoin(joins.front(), all);
+  if (isDrawn) terms.pairs.push_back(ConditionTerm(all, scope_.Tables()));
+  const std::size_t place = residuals_.size();
+  for (const Expression* other : terms.others) {
+    residuals_.push_back({other, place, joins.empty() ? kNone : joins.front(), TableFor(left, terms.others),
+                          TableFor(right, terms.others), isDrawn});
+  }
+}
+
+// What an outer join asks decides only which rows match: it stands nowhere but in the join.
+void FromBinder::BindOuter(Terms& terms, const std::vector<std::size_t>& joins, const Side& left, const Side& right,
+                           JoinKind kind) {
+  if (terms.others.empty()) return;
+  for (const Expression* other : terms.others) RequireJoined(*other, left, right);
+  const std::size_t join =
+      joins.empty() ? AddBareJoin(TableFor(left, terms.others), TableFor(right, terms.others), kind) : joins.front();
+  AskOfJoin(join, TextOf(terms.others));
+  terms.pairs.push_back(ConditionTerm(TextOf(terms.others), scope_.Tables()));
+}
+
+void FromBinder::RequireJoined(const Expression& expression, const Side& left, const Side& right) const {
+  if (expression.kind == ExpressionKind::Column) {
+    const std::optional<BoundColumn> column = scope_.Find(expression);
+    if (column && !left.Holds(column->table) && !right.Holds(column->table)) {
+      scope_.Refuse(expression.text, text::NotJoinedHere);
+    }
+  }
+  for (const Expression* child = expression.first; child; child = child->next) RequireJoined(*child, left, right);
+}
+
+bool FromBinder::IsDrawnWith(std::size_t join, const std::string& condition) const {
+  const SnapshotJoin& one = bound_.joins[join];
+  return std::ranges::any_of(drawn_.joins, [&](const DrawnJoin& drawn) {
+    return drawn.condition == condition &&
+           std::minmax(drawn.source, drawn.target) == std::minmax(one.source, one.target);
+  });
 }
 
 // A name that only one of the tables joined here has may be one of several in WHERE.
@@ -284,26 +429,32 @@ void FromBinder::JoinColumns(Side& left, const Side& right, const std::vector<Jo
 
 // The columns of two tables that a term compares; none for every other condition.
 std::optional<JoinPair> FromBinder::PairOf(const Expression& condition) const {
-  if (!ComparesColumns(condition)) return std::nullopt;
+  if (!ComparesColumns(condition, true)) return std::nullopt;
   const std::optional<BoundColumn> a = scope_.Find(*StripParentheses(condition.first));
   const std::optional<BoundColumn> b = scope_.Find(*StripParentheses(condition.first->next));
   if (!a || !b || a->table == b->table) return std::nullopt;
-  return JoinPair{a->table, a->column, b->table, b->column};
+  return JoinPair{a->table, a->column, b->table, b->column,
+                  IsEquality(condition.name) ? JoinEqual : *JoinComparisonOf(condition.name)};
 }
 
-// The source is the table that stands first in FROM, whichever side of "=" it stands on.
-void FromBinder::AddJoin(const JoinPair& pair, bool allOfLeft, bool allOfRight) {
-  SnapshotJoin join;
-  const bool swap = pair.left > pair.right;
-  join.source = swap ? pair.right : pair.left;
-  join.target = swap ? pair.left : pair.right;
-  join.sourceColumn = Identifier(swap ? pair.rightColumn : pair.leftColumn);
-  join.targetColumn = Identifier(swap ? pair.leftColumn : pair.rightColumn);
-  const JoinKind fromLeft{.allOfTarget = allOfRight, .allOfSource = allOfLeft};
-  join.kind = swap ? fromLeft.Reversed() : fromLeft;
+// The source is the table that stands first in FROM, whichever side of the comparison it stands on. Answers the join's
+// place in `bound_.joins`.
+std::size_t FromBinder::AddJoin(const JoinPair& pair, bool allOfLeft, bool allOfRight) {
+  SnapshotJoin join{pair.left,
+                    pair.right,
+                    Identifier(pair.leftColumn),
+                    Identifier(pair.rightColumn),
+                    {.allOfTarget = allOfRight, .allOfSource = allOfLeft},
+                    pair.comparison};
+  if (pair.left > pair.right) join = Reversed(std::move(join));
   bound_.joins.push_back(std::move(join));
-  const bool isNew = known_.insert(bound_.joins.size() - 1).second;
-  if (!isNew) bound_.joins.pop_back();  // a condition that is said twice is one join
+  const auto [place, isNew] = known_.insert(bound_.joins.size() - 1);
+  if (isNew) {
+    bound_.groupLevels.push_back(level_);
+  } else {
+    bound_.joins.pop_back();  // a condition that is said twice is one join
+  }
+  return *place;
 }
 
 std::size_t FromBinder::HashJoin::operator()(std::size_t place) const {
@@ -319,8 +470,8 @@ void FromBinder::BindWhere(bool joinsFromWhere) {
   if (!statement_.where) return;
   hasMarks_ = HasMark(*statement_.where);
   bringIn_.resize(scope_.Tables().size());
-  const auto take = [&](const Expression* term) {
-    if (!IsWhereJoin(*term, joinsFromWhere)) return false;
+  const auto take = [&](const Expression* term, bool anySign) {
+    if (!IsWhereJoin(*term, joinsFromWhere, anySign)) return false;
     bound_.whereHadJoins = true;
     if (HasMark(*term)) {
       AddMarkedJoin(*term);
@@ -332,20 +483,20 @@ void FromBinder::BindWhere(bool joinsFromWhere) {
     return true;
   };
   const auto takeTerm = [&](const Expression* term) {
-    if (take(term)) return;
+    if (take(term, false)) return;
     const Expression* inside = term->kind == ExpressionKind::Parentheses ? term->first : nullptr;
     if (inside && inside->kind == ExpressionKind::And) {
-      const auto isJoin = [&](const Expression* e) { return IsWhereJoin(*e, joinsFromWhere); };
+      const auto isJoin = [&](const Expression* e) { return IsWhereJoin(*e, joinsFromWhere, true); };
       const Expression* e = inside->first;
       while (e && !isJoin(e)) e = e->next;
       if (e) {
         for (e = inside->first; e; e = e->next) {
-          if (!take(e)) bound_.where.push_back(e);
+          if (!take(e, true)) bound_.where.push_back(e);
         }
         return;
       }
     }
-    if (!inside || !take(inside)) bound_.where.push_back(term);
+    if (!inside || !take(inside, true)) bound_.where.push_back(term);
   };
   if (statement_.where->kind == ExpressionKind::And) {
     for (const Expression* term = statement_.where->first; term; term = term->next) takeTerm(term);
@@ -355,9 +506,11 @@ void FromBinder::BindWhere(bool joinsFromWhere) {
   for (const Expression* term : bound_.where) RefuseMarks(*term);
 }
 
-bool FromBinder::IsWhereJoin(const Expression& condition, bool joinsFromWhere) const {
-  if (!ComparesColumns(condition)) return false;
-  if (HasMark(condition)) return true;
+// `anySign` where the generator writes joins of a list of tables: there every comparison is one.
+bool FromBinder::IsWhereJoin(const Expression& condition, bool joinsFromWhere, bool anySign) const {
+  const bool hasMark = HasMark(condition);
+  if (!ComparesColumns(condition, hasMark || (anySign && dialect_.joins == Dialect::Joins::Conditions))) return false;
+  if (hasMark) return true;
   if (!joinsFromWhere) return false;
   const std::optional<JoinPair> pair = PairOf(condition);
   if (!pair) return false;
@@ -371,6 +524,7 @@ void FromBinder::AddMarkedJoin(const Expression& condition) {
   const bool leftOptional = condition.name == "=*" || StripParentheses(condition.first)->optional;
   const bool rightOptional = condition.name == "*=" || StripParentheses(condition.first->next)->optional;
   if (leftOptional == rightOptional) scope_.Refuse(condition.text, text::OneSideMarked);
+  if (!CanSay(*pair, false)) scope_.Refuse(condition.text, text::OnlyColumnPairs);
   bringIn_[leftOptional ? pair->left : pair->right].push_back(*pair);
   AddJoin(*pair, rightOptional, leftOptional);
   if (bound_.firstOuter.empty()) bound_.firstOuter = condition.text;

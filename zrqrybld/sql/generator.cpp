@@ -8,6 +8,7 @@
 #include "zrqrybld/base/texts_sql.h"
 #include "zrqrybld/sql/criteria_formatter.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/join_limits.h"
 #include "zrqrybld/sql/keywords.h"
 #include "zrqrybld/sql/lexer.h"
 #include "zrqrybld/sql/literals.h"
@@ -56,8 +57,12 @@ class Generator {
 
   GeneratedSql Run(const ExtraConditions& extra) {
     result_.from = PlaceTables(query_);
+    for (const FromEntry& entry : result_.from) {
+      result_.cartesian |= entry.conditions.empty() && &entry != &result_.from.front();
+    }
     if (dialect_.joins == Dialect::Joins::Clauses) {
-      WriteJoinClauses();
+      WriteJoinClauses(result_.from, kItem);
+      if (dialect_.fromParentheses == Dialect::FromParentheses::Whole && !from_.empty()) from_ += dialect_.close;
     } else {
       WriteTableList();
       WriteJoinConditions();
@@ -69,7 +74,7 @@ class Generator {
     WriteLimit();
     WriteExtraCondition(" AND ", extra.andExpression);
     WriteExtraCondition(" OR ", extra.orExpression);
-    if (!MissesFullJoin()) result_.text = Assemble();
+    if (!CannotSay()) result_.text = Assemble();
     return std::move(result_);
   }
 
@@ -117,11 +122,8 @@ class Generator {
   }
 
   void WriteJoinConditions() {
-    for (const FromEntry& entry : result_.from) {
-      if (entry.conditions.empty()) {
-        NoteUnjoined(entry);
-        continue;
-      }
+    for (const FromEntry& entry : WithoutGroups(result_.from)) {
+      if (entry.conditions.empty()) continue;
       joinConditions_ += joinConditions_.empty() ? "" : " AND ";
       joinConditions_ += kItem;
       if (joinConditions_.size() == kItem.size()) joinConditions_ += '(';
@@ -130,48 +132,78 @@ class Generator {
     if (!joinConditions_.empty()) joinConditions_ += ')';
   }
 
-  void WriteJoinClauses() {
-    for (const FromEntry& entry : result_.from) {
+  // The tables of FROM, or those of a group.
+  void WriteJoinClauses(const std::vector<FromEntry>& entries, std::string_view begin) {
+    for (const FromEntry& entry : entries) {
       if (entry.conditions.empty()) {
-        NoteUnjoined(entry);
-        WriteUnjoinedTable(entry);
+        WriteUnjoinedTable(entry, entries, &entry == &entries.front() ? begin : kItem);
         continue;
       }
       from_ += kItem;
       from_ += dialect_.joinWords[entry.conditions.front().type];
       from_ += "JOIN ";
-      from_ += FromTerm(entry.table);
+      WriteTable(entry);
       from_ += " ON ";
       AppendConditions(from_, entry, kAnd);
-      const bool last = &entry == &result_.from.back();
+      const bool last = &entry == &entries.back();
       if (dialect_.fromParentheses == Dialect::FromParentheses::Nested && !last) from_ += ')';
     }
-    if (dialect_.fromParentheses == Dialect::FromParentheses::Whole && !from_.empty()) from_ += dialect_.close;
   }
 
-  void NoteUnjoined(const FromEntry& entry) {
-    if (&entry != &result_.from.front()) result_.cartesian = true;
+  // A table, or those that are joined first.
+  void WriteTable(const FromEntry& entry) {
+    if (entry.group.empty()) {
+      from_ += FromTerm(entry.table);
+      return;
+    }
+    from_ += '(';
+    WriteJoinClauses(entry.group, {});
+    from_ += ')';
   }
 
   // Every table without a condition opens the parentheses anew, not only the first.
-  void WriteUnjoinedTable(const FromEntry& entry) {
+  void WriteUnjoinedTable(const FromEntry& entry, const std::vector<FromEntry>& entries, std::string_view begin) {
     const bool first = from_.empty();
-    const std::size_t count = result_.from.size();
-    if (!first) from_ += dialect_.fromSeparator;
-    from_ += kItem;
+    if (&entry != &entries.front()) from_ += dialect_.fromSeparator;
+    from_ += begin;
     if (first && dialect_.fromParentheses == Dialect::FromParentheses::Whole) from_ += dialect_.open;
-    if (dialect_.fromParentheses == Dialect::FromParentheses::Nested && count > 2) from_.append(count - 2, '(');
-    from_ += FromTerm(entry.table);
+    if (dialect_.fromParentheses == Dialect::FromParentheses::Nested && entries.size() > 2) {
+      from_.append(entries.size() - 2, '(');
+    }
+    WriteTable(entry);
   }
 
   void AppendConditions(std::string& text, const FromEntry& entry, std::string_view separator) const {
     for (const FromCondition& condition : entry.conditions) {
       if (&condition != &entry.conditions.front()) text += separator;
-      text += FieldTerm(entry.table, condition.leftColumn);
-      text += dialect_.comparison[condition.type];
-      text += FieldTerm(condition.right, condition.rightColumn);
-      text += dialect_.afterCondition[condition.type];
+      if (!condition.leftColumn.empty()) AppendComparison(text, condition);
+      if (condition.join->condition.empty()) continue;
+      if (!condition.leftColumn.empty()) text += separator;
+      text += condition.join->condition;
     }
+  }
+
+  // Equality begins with the entry's own column. Whoever chose another comparison reads it as it was drawn, unless the
+  // mark of an outer join has to stand where the entry has it.
+  void AppendComparison(std::string& text, const FromCondition& condition) const {
+    const JoinComparisonEnum comparison = condition.join->comparison;
+    const bool isMarked = dialect_.joins == Dialect::Joins::Conditions && condition.type != JoinInner;
+    const bool asDrawn = comparison != JoinEqual && !isMarked && !condition.FromSource();
+    const std::string left = FieldTerm(condition.left, condition.leftColumn);
+    const std::string right = FieldTerm(condition.right, condition.rightColumn);
+    const std::string& first = asDrawn ? right : left;
+    const std::string& second = asDrawn ? left : right;
+    if (comparison == JoinSame && dialect_.sameValue.empty()) {
+      text += "(" + first + " = " + second + " OR " + first + " IS NULL AND " + second + " IS NULL)";
+      return;
+    }
+    const bool mirrors = isMarked && !condition.FromSource();
+    const std::string_view sign = SignOf(mirrors ? Mirrored(comparison).value_or(comparison) : comparison, dialect_);
+    text += first;
+    text += comparison == JoinEqual ? std::string(dialect_.comparison[condition.type])
+                                    : ReplaceAll(dialect_.comparison[condition.type], "=", sign);
+    text += second;
+    text += dialect_.afterCondition[condition.type];
   }
 
   // --- SELECT, ORDER BY, GROUP BY ---
@@ -311,11 +343,16 @@ class Generator {
     return text.size() >= end.size() && EqualsNoCase(text.substr(text.size() - end.size()), end);
   }
 
-  // A join that the dialect has no word for makes no text: an inner one in its place would return other rows. In a list
-  // of tables the conditions are written all the same, as they always were.
-  bool MissesFullJoin() const {
+  // A join that the dialect cannot say makes no text: another one in its place would return other rows. Full joins in a
+  // list of tables are written all the same, as they always were.
+  bool CannotSay() const {
+    const bool hasOuter = HasOuterJoins(query_);
+    const auto isLimited = [&](const SnapshotJoin& join) {
+      return LimitOf(join, dialect_, hasOuter) != JoinLimit::None;
+    };
+    if (std::ranges::any_of(query_.joins, isLimited)) return true;
     if (dialect_.hasFullJoin || dialect_.joins != Dialect::Joins::Clauses) return false;
-    return std::ranges::any_of(result_.from, [](const FromEntry& entry) {
+    return std::ranges::any_of(WithoutGroups(result_.from), [](const FromEntry& entry) {
       return !entry.conditions.empty() && entry.conditions.front().type == JoinAllOfBoth;
     });
   }

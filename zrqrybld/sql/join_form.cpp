@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/join_condition.h"
 #include "zrqrybld/sql/join_list.h"
 
 namespace zrqrybld {
@@ -18,19 +19,30 @@ std::string SideText(std::size_t table, const std::string& column) {
 
 // The same text whichever side stands first.
 std::string PairText(const JoinPair& pair) {
+  if (!pair.text.empty()) return '?' + std::to_string(pair.text.size()) + ':' + pair.text;
   std::string a = SideText(pair.left, pair.leftColumn);
   std::string b = SideText(pair.right, pair.rightColumn);
-  if (b < a) std::swap(a, b);
-  return a + '=' + b;
+  JoinComparisonEnum comparison = pair.comparison;
+  if (const std::optional<JoinComparisonEnum> mirrored = Mirrored(comparison); mirrored && b < a) {
+    std::swap(a, b);
+    comparison = *mirrored;
+  }
+  return a + std::string(SignOf(comparison)) + b;
 }
 
+// The tables that have to be there for the conditions to hold.
 std::vector<std::size_t> TablesOf(std::span<const JoinPair> conditions) {
   std::vector<std::size_t> tables;
   for (const JoinPair& pair : conditions) {
+    if (!pair.NeedsBoth()) continue;
     tables.push_back(pair.left);
     tables.push_back(pair.right);
   }
   return tables;
+}
+
+bool AreOpen(std::span<const JoinPair> conditions) {
+  return std::ranges::any_of(conditions, [](const JoinPair& pair) { return !pair.NeedsBoth(); });
 }
 
 template <class T>
@@ -50,6 +62,13 @@ std::string Joined(std::vector<std::string>& texts) {
 }
 
 }  // namespace
+
+JoinPair ConditionTerm(const std::string& condition, const std::vector<SnapshotTable>& tables) {
+  JoinPair term;
+  term.text = condition;
+  term.namesAllTables = TablesNamed(condition, tables).areAll;
+  return term;
+}
 
 JoinForms::JoinForms(std::size_t tables) : groupOf_(tables), sideOf_(tables), optional_(tables) {
   std::iota(groupOf_.begin(), groupOf_.end(), 0);
@@ -77,15 +96,17 @@ void JoinForms::Unite(Form a, Form b) {
 void JoinForms::Merge(std::size_t into, std::size_t group) {
   Append(groups_[into].tables, groups_[group].tables);
   Append(groups_[into].conditions, groups_[group].conditions);
+  groups_[into].open |= groups_[group].open;
   groupOf_[group] = into;
 }
 
 void JoinForms::AddConditions(std::size_t group, std::span<const JoinPair> conditions) {
   for (const JoinPair& pair : conditions) {
     groups_[group].conditions.push_back(PairText(pair));
-    groups_[group].touched.push_back(pair.left);
-    groups_[group].touched.push_back(pair.right);
+    groups_[group].open |= !pair.NeedsBoth();
   }
+  std::vector<std::size_t> touched = TablesOf(conditions);
+  Append(groups_[group].touched, touched);
 }
 
 // A condition is asked of these tables: they are there in every row, and so are those that bring them in. Tables of
@@ -108,22 +129,55 @@ JoinForms::Form JoinForms::Inner(Form a, Form b, std::span<const JoinPair> condi
   Merge(forms_[a].core, forms_[b].core);
   Unite(a, b);
   Filter(a, conditions);
-  return a;
+  return Closed(a, conditions);
 }
 
 void JoinForms::Filter(Form form, std::span<const JoinPair> conditions) {
-  for (const JoinPair& pair : conditions) groups_[forms_[form].core].conditions.push_back(PairText(pair));
+  Group& core = groups_[forms_[form].core];
+  for (const JoinPair& pair : conditions) core.conditions.push_back(PairText(pair));
+  core.open |= AreOpen(conditions);
   Require(form, TablesOf(conditions));
+}
+
+// Whether it matters for the conditions, or for those inside the form, that parts of it are missing, and not only the
+// whole.
+bool JoinForms::DependsOnMissing(Form form, std::span<const JoinPair> conditions) const {
+  const auto isOptional = [this](std::size_t group) { return optional_[group]; };
+  const std::vector<std::size_t>& groups = forms_[form].groups;
+  if (std::ranges::none_of(groups, isOptional)) return false;
+  const auto isOpen = [&](std::size_t group) { return optional_[group] && groups_[group].open; };
+  return AreOpen(conditions) || groups_[forms_[form].core].open || std::ranges::any_of(groups, isOpen);
+}
+
+// From now on nothing can be told about its parts from outside.
+void JoinForms::MakeOne(Form form, std::string text) {
+  const std::size_t core = forms_[form].core;
+  for (const std::size_t group : std::exchange(forms_[form].groups, {})) {
+    if (!optional_[group]) continue;
+    optional_[group] = false;
+    Merge(core, group);
+  }
+  groups_[core].tables = {std::move(text)};
+  groups_[core].conditions.clear();
+  groups_[core].open = false;
+}
+
+// Where a condition may be about any table, what it was asked of stays as it is.
+JoinForms::Form JoinForms::Closed(Form form, std::span<const JoinPair> conditions) {
+  const auto isUnclear = [](const JoinPair& pair) { return !pair.namesAllTables; };
+  if (std::ranges::any_of(conditions, isUnclear)) MakeOne(form, "ONE{" + Text(form) + '}');
+  return form;
 }
 
 JoinForms::Form JoinForms::Left(Form a, Form b, std::span<const JoinPair> conditions) {
   Require(b, TablesOf(conditions));
+  if (DependsOnMissing(b, conditions)) MakeOne(b, "ONE{" + Text(b) + '}');
   const std::size_t group = forms_[b].core;
   AddConditions(group, conditions);
   Unite(a, b);
   forms_[a].groups.push_back(group);
   optional_[group] = true;
-  return a;
+  return Closed(a, conditions);
 }
 
 // Nothing can be told about its parts from outside.
@@ -135,14 +189,8 @@ JoinForms::Form JoinForms::Full(Form a, Form b, std::span<const JoinPair> condit
   for (const JoinPair& pair : conditions) texts.push_back(PairText(pair));
   const std::size_t core = forms_[a].core;
   Unite(a, b);
-  for (const std::size_t group : std::exchange(forms_[a].groups, {})) {
-    if (!optional_[group]) continue;
-    optional_[group] = false;
-    Merge(core, group);
-  }
   Merge(core, forms_[b].core);
-  groups_[core].tables = {"FULL{" + first + '|' + second + '|' + Joined(texts) + '}'};
-  groups_[core].conditions.clear();
+  MakeOne(a, "FULL{" + first + '|' + second + '|' + Joined(texts) + '}');
   return a;
 }
 
@@ -160,57 +208,106 @@ std::string JoinForms::Text(Form form) {
 
 namespace {
 
-JoinPair PairOf(const FromEntry& entry, const FromCondition& condition) {
-  return {entry.table, std::string(condition.leftColumn), condition.right, std::string(condition.rightColumn)};
-}
-
-// One JOIN after the other; a table without a condition begins a new item of the list.
-std::string MeaningOfClauses(JoinForms& forms, const std::vector<FromEntry>& entries) {
-  std::optional<JoinForms::Form> all, item;
-  const auto endItem = [&] {
-    if (item) all = all ? forms.Inner(*all, *item, {}) : *item;
-  };
-  for (const FromEntry& entry : entries) {
-    const JoinForms::Form table = forms.Table(entry.table);
-    if (entry.conditions.empty()) {
-      endItem();
-      item = table;
-      continue;
-    }
-    std::vector<JoinPair> pairs;
-    for (const FromCondition& condition : entry.conditions) pairs.push_back(PairOf(entry, condition));
-    switch (entry.conditions.front().type) {
-      case JoinInner:
-        item = forms.Inner(*item, table, pairs);
-        break;
-      case JoinAllOfEarlier:
-        item = forms.Left(*item, table, pairs);
-        break;
-      case JoinAllOfThis:
-        item = forms.Left(table, *item, pairs);
-        break;
-      case JoinAllOfBoth:
-        item = forms.Full(*item, table, pairs);
-        break;
+JoinPair PairOf(const FromCondition& condition) {
+  JoinPair pair{condition.left, std::string(condition.leftColumn), condition.right, std::string(condition.rightColumn)};
+  pair.comparison = condition.join->comparison;
+  if (!condition.FromSource()) {
+    if (const std::optional<JoinComparisonEnum> mirrored = Mirrored(pair.comparison)) {
+      pair.comparison = *mirrored;
+    } else {
+      std::swap(pair.left, pair.right);
+      std::swap(pair.leftColumn, pair.rightColumn);
     }
   }
-  endItem();
-  return all ? forms.Text(*all) : std::string();
+  return pair;
 }
+
+// JOIN clauses, one after the other. The form of them all; none when there are no tables, or when a condition names
+// a table that is not joined yet.
+class Clauses {
+ public:
+  Clauses(JoinForms& forms, const QuerySnapshot& query) : forms_(forms), query_(query) {}
+
+  std::optional<JoinForms::Form> FormOf(const std::vector<FromEntry>& entries) {
+    std::optional<JoinForms::Form> all, item;
+    std::vector<std::size_t> stand;  // in the item
+    const auto endItem = [&] {
+      if (item) all = all ? forms_.Inner(*all, *item, {}) : *item;
+    };
+    for (const FromEntry& entry : entries) {
+      const std::optional<JoinForms::Form> joined =
+          entry.group.empty() ? forms_.Table(entry.table) : FormOf(entry.group);
+      if (!joined) return std::nullopt;
+      if (entry.conditions.empty()) {
+        endItem();
+        item = joined;
+        stand.clear();
+        AddTables(stand, entry);
+        continue;
+      }
+      AddTables(stand, entry);
+      const std::optional<std::vector<JoinPair>> terms = TermsOf(entry, stand);
+      if (!terms) return std::nullopt;
+      item = Joined(entry.conditions.front().type, *item, *joined, *terms);
+    }
+    endItem();
+    return all;
+  }
+
+ private:
+  static void AddTables(std::vector<std::size_t>& tables, const FromEntry& entry) {
+    if (entry.group.empty()) tables.push_back(entry.table);
+    for (const FromEntry& inside : entry.group) AddTables(tables, inside);
+  }
+
+  std::optional<std::vector<JoinPair>> TermsOf(const FromEntry& entry, const std::vector<std::size_t>& stand) const {
+    std::vector<JoinPair> terms;
+    for (const FromCondition& condition : entry.conditions) {
+      if (!condition.leftColumn.empty()) terms.push_back(PairOf(condition));
+      if (condition.join->condition.empty()) continue;
+      for (const std::size_t table : TablesNamed(condition.join->condition, query_.tables).tables) {
+        if (std::ranges::find(stand, table) == stand.end()) return std::nullopt;
+      }
+      terms.push_back(ConditionTerm(condition.join->condition, query_.tables));
+    }
+    return terms;
+  }
+
+  JoinForms::Form Joined(JoinTypeEnum type, JoinForms::Form before, JoinForms::Form joined,
+                         std::span<const JoinPair> terms) {
+    switch (type) {
+      case JoinAllOfEarlier:
+        return forms_.Left(before, joined, terms);
+      case JoinAllOfThis:
+        return forms_.Left(joined, before, terms);
+      case JoinAllOfBoth:
+        return forms_.Full(before, joined, terms);
+      default:
+        return forms_.Inner(before, joined, terms);
+    }
+  }
+
+  JoinForms& forms_;
+  const QuerySnapshot& query_;
+};
 
 // Conditions in WHERE: the marked table of each may be missing. The marked conditions bring their table in, all others
 // are asked of the whole.
-std::string MeaningOfMarks(JoinForms& forms, std::size_t tables, const std::vector<FromEntry>& entries) {
-  std::vector<std::vector<JoinPair>> bringIn(tables);
+std::string MeaningOfMarks(JoinForms& forms, const QuerySnapshot& query, const std::vector<FromEntry>& entries) {
+  std::vector<std::vector<JoinPair>> bringIn(query.tables.size());
   std::vector<JoinPair> others;
   for (const FromEntry& entry : entries) {
     for (const FromCondition& condition : entry.conditions) {
+      if (const std::string& text = condition.join->condition; !text.empty()) {
+        others.push_back(ConditionTerm(text, query.tables));
+      }
+      if (condition.leftColumn.empty()) continue;
       if (condition.type == JoinAllOfEarlier) {
-        bringIn[entry.table].push_back(PairOf(entry, condition));
+        bringIn[condition.left].push_back(PairOf(condition));
       } else if (condition.type == JoinAllOfThis) {
-        bringIn[condition.right].push_back(PairOf(entry, condition));
+        bringIn[condition.right].push_back(PairOf(condition));
       } else {
-        others.push_back(PairOf(entry, condition));
+        others.push_back(PairOf(condition));
       }
     }
   }
@@ -281,6 +378,9 @@ std::vector<std::size_t> OrderFrom(std::size_t first, const QuerySnapshot& query
 }
 
 SnapshotJoin Reversed(SnapshotJoin join) {
+  const std::optional<JoinComparisonEnum> mirrored = Mirrored(join.comparison);
+  if (!mirrored) return join;
+  join.comparison = *mirrored;
   std::swap(join.source, join.target);
   std::swap(join.sourceColumn, join.targetColumn);
   join.kind = join.kind.Reversed();
@@ -291,8 +391,11 @@ std::string MeaningOfGeneratedJoins(const QuerySnapshot& query, std::span<const 
                                     const Dialect& dialect) {
   JoinForms forms(query.tables.size());
   const std::vector<FromEntry> entries = PlaceTables(query, order);
-  return dialect.joins == Dialect::Joins::Clauses ? MeaningOfClauses(forms, entries)
-                                                  : MeaningOfMarks(forms, query.tables.size(), entries);
+  if (dialect.joins == Dialect::Joins::Conditions) {
+    return MeaningOfMarks(forms, query, WithoutGroups(entries));
+  }
+  const std::optional<JoinForms::Form> form = Clauses(forms, query).FormOf(entries);
+  return form ? forms.Text(*form) : std::string();
 }
 
 }  // namespace zrqrybld

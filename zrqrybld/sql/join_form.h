@@ -1,9 +1,10 @@
 // JoinForms: what a tree of joins means, as a text. Two trees with one text give the same rows from every data.
 //
-// All conditions are column = column, so a condition holds for no row that an outer join has filled up. Therefore the
-// order of joins matters only in who may be missing: some tables are always there (the core), with all conditions among
-// them; others form groups that may be missing as a whole, each with the conditions that bring it in. A condition that
-// is asked of a group afterwards moves it into the core.
+// A comparison of columns holds for no row that an outer join has filled up. Therefore the order of joins matters only
+// in who may be missing: some tables are always there (the core), with all conditions among them; others form groups
+// that may be missing as a whole, each with the conditions that bring it in. A comparison that is asked of a group
+// afterwards moves it into the core. Other conditions may hold for missing rows: what they are asked of is told apart
+// only as far as it does not depend on that, otherwise it counts as one thing.
 #pragma once
 
 #include <cstddef>
@@ -18,13 +19,22 @@ namespace zrqrybld {
 
 struct Dialect;
 
-/// A condition that joins two tables, named by their positions in the query.
+/// A condition that joins two tables, named by their positions in the query: a comparison of two columns, or a text.
 struct JoinPair {
   std::size_t left = 0;
   std::string leftColumn;
   std::size_t right = 0;
   std::string rightColumn;
+  JoinComparisonEnum comparison = JoinEqual;
+  std::string text = {};       ///< instead of columns; "" for a comparison of columns
+  bool namesAllTables = true;  ///< whether the tables that the text is about can be told
+
+  /// Whether it holds for no row in which one of the columns is missing.
+  bool NeedsBoth() const { return text.empty() && NeedsValues(comparison); }
 };
+
+/// A join's condition as a term of its own.
+JoinPair ConditionTerm(const std::string& condition, const std::vector<SnapshotTable>& tables);
 
 class JoinForms {
  public:
@@ -55,7 +65,8 @@ class JoinForms {
   struct Group {
     std::vector<std::string> tables;
     std::vector<std::string> conditions;
-    std::vector<std::size_t> touched;  // the tables that the conditions name
+    std::vector<std::size_t> touched;  // the tables that have to be there for the conditions to hold
+    bool open = false;                 // a condition may hold for tables that are missing
   };
   struct FormParts {
     std::size_t core;
@@ -67,6 +78,9 @@ class JoinForms {
   void Merge(std::size_t into, std::size_t group);
   void AddConditions(std::size_t group, std::span<const JoinPair> conditions);
   void Require(Form form, std::span<const std::size_t> tables);
+  bool DependsOnMissing(Form form, std::span<const JoinPair> conditions) const;
+  void MakeOne(Form form, std::string text);
+  Form Closed(Form form, std::span<const JoinPair> conditions);
   std::string TextOf(Group& group) const;
 
   std::vector<FormParts> forms_;      // by the form's first table
@@ -85,7 +99,7 @@ std::vector<std::size_t> GeneratedOrder(const QuerySnapshot& query, std::span<co
 /// missing. A table that is joined to none of these stands behind all that are.
 std::vector<std::size_t> OrderFrom(std::size_t first, const QuerySnapshot& query);
 
-/// The join seen from its other end.
+/// The join seen from its other end; as it is where its columns cannot be exchanged.
 SnapshotJoin Reversed(SnapshotJoin join);
 
 /// What the joins of the query mean in the text that is generated for the dialect; "" when that text makes no sense.

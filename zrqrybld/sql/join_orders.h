@@ -15,12 +15,14 @@ namespace zrqrybld {
 
 struct Dialect;
 
-/// A join of the diagram; its tables by their places in the statement.
+/// A join of the diagram; its tables by their places in the statement. Without columns it asks a condition alone.
 struct DrawnJoin {
   std::size_t source;
   std::size_t target;
   std::string sourceColumn;
   std::string targetColumn;
+  JoinComparisonEnum comparison = JoinEqual;
+  std::string condition = {};
 };
 
 /// What the diagram holds of a statement's tables and joins already.

@@ -27,7 +27,8 @@ Names JoinsOf(const QuerySnapshot& query) {
     return CaptionOf(query, table) + (column ? "." + column->Name() : "");
   };
   for (const SnapshotJoin& join : query.joins) {
-    names.push_back(end(join.source, join.sourceColumn) + " = " + end(join.target, join.targetColumn));
+    names.push_back(end(join.source, join.sourceColumn) + " " + std::string(SignOf(join.comparison)) + " " +
+                    end(join.target, join.targetColumn) + (join.condition.empty() ? "" : " AND " + join.condition));
   }
   return names;
 }

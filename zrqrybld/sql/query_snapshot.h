@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "zrqrybld/sql/criteria_context.h"
+#include "zrqrybld/sql/join_comparison.h"
 #include "zrqrybld/sql/join_kind.h"
 #include "zrqrybld/sql/names.h"
 #include "zrqrybld/sql/query_row.h"
@@ -36,6 +37,14 @@ struct SnapshotJoin {
   std::optional<Identifier> sourceColumn;
   std::optional<Identifier> targetColumn;
   JoinKind kind = {};
+  /// From the source's column to the target's.
+  JoinComparisonEnum comparison = JoinEqual;
+  /// What else it asks, as SQL; "" for nothing.
+  std::string condition = {};
+  /// In how many groups of tables that are joined first it stands.
+  std::int32_t groupLevel = 0;
+
+  bool HasPair() const { return sourceColumn && targetColumn; }
   friend bool operator==(const SnapshotJoin&, const SnapshotJoin&) = default;
 };
 

@@ -196,12 +196,12 @@ class Binder {
   // --- FROM ---
 
   void BindFrom() {
-    BoundFrom bound = FromBinder(statement_, scope_, *options_.dialect).Bind(true);
+    BoundFrom bound = FromBinder(statement_, scope_, fields_, options_.drawn, *options_.dialect).Bind(true);
     if (bound.hasFull && !options_.dialect->hasFullJoin && options_.dialect->joins == Dialect::Joins::Clauses) {
       scope_.Refuse(bound.firstOuter, text::DialectWithoutFullJoin);
     }
     if (!Take(bound)) {
-      bound = FromBinder(statement_, scope_, *options_.dialect).Bind(false);
+      bound = FromBinder(statement_, scope_, fields_, options_.drawn, *options_.dialect).Bind(false);
       if (!Take(bound)) {
         scope_.Refuse(bound.firstOuter, text::JoinsInOtherOrder);
       }
@@ -213,7 +213,15 @@ class Binder {
   // diagram alone.
   bool Take(const BoundFrom& bound) {
     const bool means = bound.firstOuter.empty() || (bound.hasFull && !options_.dialect->hasFullJoin);
-    JoinOrders orders(query_.tables.size(), bound.joins, options_.drawn, *options_.dialect);
+    if (TakeInOrder(bound, bound.joins, means)) return true;
+    if (!options_.dialect->hasJoinGroups) return false;
+    std::vector<SnapshotJoin> joins = bound.joins;
+    for (std::size_t i = 0; i < joins.size(); ++i) joins[i].groupLevel = bound.groupLevels[i];
+    return joins != bound.joins && TakeInOrder(bound, joins, means);
+  }
+
+  bool TakeInOrder(const BoundFrom& bound, const std::vector<SnapshotJoin>& joins, bool means) {
+    JoinOrders orders(query_.tables.size(), joins, options_.drawn, *options_.dialect);
     while (std::optional<JoinArrangement> way = orders.Next()) {
       query_.joins = way->joins;
       arrangement_ = std::move(*way);
