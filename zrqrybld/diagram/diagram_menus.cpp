@@ -221,8 +221,8 @@ MenuEntry PairsOf(const Targets& targets, const qbWholeJoin& whole) {
   MenuEntry pairs{Say(targets.site.Context(), text::MenuRemovePair), ""};
   const std::vector<Ref<qbRelationship>> joins = whole.Relationships();
   for (std::size_t i = 0; i < std::min(joins.size(), kMost); ++i) {
-    pairs.entries.push_back(
-        {InMenu(DescribeEnds(*joins[i])), "", [&edits = targets.edits, join = joins[i]] { edits.RemovePair(join); }});
+    pairs.entries.push_back({InMenu(IsConditionAlone(*joins[i]) ? joins[i]->Condition() : DescribeEnds(*joins[i])), "",
+                             [&edits = targets.edits, join = joins[i]] { edits.RemovePair(join); }});
   }
   return pairs;
 }

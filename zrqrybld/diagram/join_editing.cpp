@@ -155,7 +155,7 @@ void JoinEditor::Apply(const JoinDialog& dialog) {
   for (std::size_t i = 0; i < members_.size(); ++i) {
     if (!stays[i] && PairOf(i)) Remove(*members_[i]);
   }
-  if (condition != ConditionOf(members_)) ApplyCondition(condition);
+  ApplyCondition(condition);
   whole_->SetKindFrom(table2_, {.allOfTarget = dialog.table1Checked, .allOfSource = dialog.table2Checked});
 }
 
@@ -194,6 +194,8 @@ void JoinEditor::ApplyPair(const JoinDialog::Pair& pair) {
 void JoinEditor::ApplyCondition(const std::string& condition) {
   const std::vector<Ref<qbRelationship>> now = whole_->Relationships();
   const auto pair = std::ranges::find_if(now, [](const auto& join) { return !IsConditionAlone(*join); });
+  const bool anyAlone = std::ranges::any_of(now, [](const auto& join) { return IsConditionAlone(*join); });
+  if (condition == ConditionOf(now) && (!anyAlone || pair == now.end())) return;
   const Ref<qbRelationship> asks = pair != now.end() ? *pair : now.empty() ? nullptr : now.front();
   for (const Ref<qbRelationship>& join : now) {
     if (join != asks && IsConditionAlone(*join)) {

@@ -2,6 +2,7 @@
 #include <functional>
 
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/base/texts_diagram.h"
 #include "zrqrybld/base/texts_hub.h"
 #include "zrqrybld/diagram/auto_joins.h"
 #include "zrqrybld/diagram/diagram_pane.h"
@@ -183,20 +184,43 @@ void qbQueryBuilder::ShowTables() {
 
 namespace {
 
-// The two tables of a join and all that stand before them in FROM: what its condition can name.
-std::vector<std::string> TablesForCondition(const QuerySnapshot& query, const qbRelationship& join) {
+void ListTables(const std::vector<FromEntry>& from, std::vector<std::size_t>& tables) {
+  for (const FromEntry& entry : from) {
+    if (entry.group.empty()) tables.push_back(entry.table);
+    ListTables(entry.group, tables);
+  }
+}
+
+// The two tables of a join and all that stand before them in FROM, by their positions: what its condition can name.
+std::vector<std::size_t> TablesForCondition(const QuerySnapshot& query, const qbRelationship& join) {
+  std::vector<std::size_t> tables;
+  ListTables(PlaceTables(query), tables);
   const Ref<qbEntity> source = join.Source();
   const Ref<qbEntity> target = join.Target();
+  const auto isEnd = [&](std::size_t table) {
+    const std::string& caption = query.tables[table].caption.Name();
+    return (source && source->Caption() == caption) || (target && target->Caption() == caption);
+  };
+  tables.erase(std::ranges::find_if(tables.rbegin(), tables.rend(), isEnd).base(), tables.end());
+  return tables;
+}
+
+// Helps to type the condition of a join, which names no table that is joined later.
+Ref<frmExpressionZoom> FormForCondition(const Ref<QueryContext>& context, const qbRelationship& join) {
+  const QuerySnapshot query = context->design.Snapshot();
+  const std::vector<std::size_t> known = TablesForCondition(query, join);
   std::vector<std::string> captions;
-  std::size_t count = 0;
-  for (const FromEntry& entry : PlaceTables(query)) {
-    captions.push_back(query.tables[entry.table].caption.Name());
-    const bool isEnd =
-        (source && source->Caption() == captions.back()) || (target && target->Caption() == captions.back());
-    if (isEnd) count = captions.size();
-  }
-  captions.resize(count);
-  return captions;
+  for (const std::size_t table : known) captions.push_back(query.tables[table].caption.Name());
+  const Ref<frmExpressionZoom> form = frmExpressionZoom::Create(context, EditedText::Expression);
+  form->Suggestions()->SetTables(captions);
+  form->SetReader([known, tables = query.tables](std::string_view text) {
+    const std::string condition = JoinConditionText(text);
+    for (const std::size_t table : TablesNamed(condition, tables).tables) {
+      if (std::ranges::find(known, table) != known.end()) continue;
+      throw Error(ErrorInvalidCall, {text::ConditionNamesOther, tables[table].caption.Name()});
+    }
+  });
+  return form;
 }
 
 }  // namespace
@@ -204,10 +228,7 @@ std::vector<std::string> TablesForCondition(const QuerySnapshot& query, const qb
 bool qbQueryBuilder::ShowJoinProperties(const Ref<qbRelationship>& relationship) {
   if (!relationship) return false;
   const StepScope step(RefTo(*this), kStepEditJoin);
-  const Ref<frmExpressionZoom> form = frmExpressionZoom::Create(RefTo(*this), EditedText::Expression);
-  form->SetReader([](std::string_view text) { JoinConditionText(text); });
-  form->Suggestions()->SetTables(TablesForCondition(design.Snapshot(), *relationship));
-  if (!EditJoin(*this, *relationship, form)) return false;
+  if (!EditJoin(*this, *relationship, FormForCondition(RefTo(*this), *relationship))) return false;
   QueryChanged();
   return true;
 }
