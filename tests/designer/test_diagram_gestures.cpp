@@ -273,24 +273,24 @@ TEST_F(DiagramGestures, AJoinOfTwoColumnsIsOneInEveryHand) {
             "Order.EmployeeID>Customers.City:1" +
                 others);
 
-  WhenOpen<JoinWindow>([](JoinWindow& window) {
+  WhenOpen<JoinWindow>([](JoinWindow& open) {
     const auto tabTo = [&](const char* name) {
-      for (int i = 0; i < 30 && window.focusWidget()->accessibleName() != QString::fromUtf8(name); ++i) {
-        QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
+      for (int i = 0; i < 30 && open.focusWidget()->accessibleName() != QString::fromUtf8(name); ++i) {
+        QTest::keyClick(open.focusWidget(), Qt::Key_Tab);
       }
-      EXPECT_EQ(window.focusWidget()->accessibleName(), QString::fromUtf8(name));
-      return window.focusWidget();
+      EXPECT_EQ(open.focusWidget()->accessibleName(), QString::fromUtf8(name));
+      return open.focusWidget();
     };
     QTest::keyClicks(tabTo("Comparison, pair 2"), "<=");
     QTest::keyClick(tabTo("Remove pair 3"), Qt::Key_Space);
     QWidget* condition = tabTo("Condition besides the columns");
     QTest::keyClicks(condition, "Customers.City = ");
-    auto* accept = window.findChild<QPushButton*>();
-    for (QPushButton* button : window.findChildren<QPushButton*>()) accept = button->isDefault() ? button : accept;
+    auto* accept = open.findChild<QPushButton*>();
+    for (QPushButton* button : open.findChildren<QPushButton*>()) accept = button->isDefault() ? button : accept;
     EXPECT_FALSE(accept->isEnabled());
     QTest::keyClicks(condition, "'x'");
     EXPECT_TRUE(accept->isEnabled());
-    KeepPicture(Paint(window), "join-window-whole");
+    KeepPicture(Paint(open), "join-window-whole");
     QTest::keyClick(condition, Qt::Key_Return, Qt::ControlModifier);
   });
   play("key Return");

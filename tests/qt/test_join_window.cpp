@@ -152,6 +152,7 @@ TEST_F(JoinWindowTest, PairsAndConditionComeBackAsTheyWereEdited) {
   for (QPushButton* button : window->findChildren<QPushButton*>()) accept = button->isDefault() ? button : accept;
   EXPECT_EQ(window->Pairs(), dialog.pairs);
   EXPECT_FALSE(Says("stay") || Says("go"));
+  ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
   QTest::keyClick(window.get(), Qt::Key_P, Qt::AltModifier);
   EXPECT_FALSE(accept->isEnabled());
   QTest::keyClick(named("Column of Orders, pair 3"), Qt::Key_Down);

@@ -168,14 +168,18 @@ qbLine::Trunk qbLine::FindTrunk(const ScreenScale& scale) const {
   Trunk trunk{points[bend - 1], points[bend]};
   if (trunk.top.x != trunk.bottom.x || whole_->Count() == 1) return trunk;
   if (trunk.top.y > trunk.bottom.y) std::swap(trunk.top, trunk.bottom);
+  trunk.topBend = trunk.bottomBend = trunk.top.y < trunk.bottom.y ? kBend : 0_px;
   for (const WeakRef<qbRelationship>& link : whole_->Drawn()) {
     const Ref<qbRelationship> join = link.lock();
     if (!join || !join->Line()) continue;
-    for (const PixelPoint& point : join->Line()->Points(scale)) {
-      if (point.x != trunk.top.x) continue;
-      trunk.top.y = std::min(trunk.top.y, point.y);
-      trunk.bottom.y = std::max(trunk.bottom.y, point.y);
-    }
+    const std::vector<PixelPoint>& others = join->Line()->Points(scale);
+    if (others.size() != points.size() || others[bend].x != trunk.top.x) continue;
+    const auto [upper, lower] = std::minmax(others[bend - 1].y, others[bend].y);
+    const Pixels bends = upper == lower ? 0_px : kBend;
+    if (upper < trunk.top.y || (upper == trunk.top.y && bends == 0_px)) trunk.topBend = bends;
+    if (lower > trunk.bottom.y || (lower == trunk.bottom.y && bends == 0_px)) trunk.bottomBend = bends;
+    trunk.top.y = std::min(trunk.top.y, upper);
+    trunk.bottom.y = std::max(trunk.bottom.y, lower);
   }
   return trunk;
 }
@@ -226,7 +230,11 @@ void qbLine::Paint(Canvas& canvas, const ScreenScale& scale, const TextMetrics& 
   PaintComparison(canvas, metrics);
   if (!DrawsTrunk(scale)) return;
   const Trunk trunk = FindTrunk(scale);
-  if (whole_->Count() > 1) canvas.DrawPolyline(std::array{trunk.top, trunk.bottom}, ink, width);
+  if (whole_->Count() > 1) {
+    const std::array ends{PixelPoint{trunk.top.x, trunk.top.y + trunk.topBend},
+                          PixelPoint{trunk.bottom.x, trunk.bottom.y - trunk.bottomBend}};
+    canvas.DrawPolyline(ends, ink, width);
+  }
   PaintSign(canvas, trunk, ink);
 }
 
@@ -247,8 +255,10 @@ void qbLine::PaintComparison(Canvas& canvas, const TextMetrics& metrics) const {
   font.points = kComparisonPoints;
   const std::string_view sign = ShortSign(comparison);
   const PixelSize size{metrics.TextWidth(sign, font) + kComparisonAir * 2, metrics.LineHeight(font)};
-  const bool fits = Pixels(std::fabs((bend.x - end.x).Value())) >= size.width + kEndMark;
-  PixelPoint middle{(end.x + bend.x) / 2, end.y};
+  // The mark at the line's end stays free.
+  const Pixels begin = end.x + (bend.x > end.x ? kArrow : -kArrow);
+  const bool fits = Pixels(std::fabs((bend.x - begin).Value())) >= size.width;
+  PixelPoint middle{(begin + bend.x) / 2, end.y};
   if (!fits) middle = {bend.x, end.y + (whole_->Count() == 1 ? kCircle + kSignAir + size.height / 2 : 0_px)};
   const PixelRect ground{middle.x - size.width / 2, middle.y - size.height / 2, size.width, size.height};
   canvas.FillRect(ground, ColorRole::Surface, kComparisonAir);

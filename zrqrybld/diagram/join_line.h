@@ -64,6 +64,8 @@ class qbLine final : public Object {
   struct Trunk {
     PixelPoint top;
     PixelPoint bottom;
+    Pixels topBend = {};  // how much of it a line draws that bends there
+    Pixels bottomBend = {};
   };
   bool DrawsTrunk(const ScreenScale& scale) const;
   /// Of a line that has points.

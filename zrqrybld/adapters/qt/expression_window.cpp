@@ -96,7 +96,7 @@ QWidget* ExpressionWindow::MakeEditor(const ExpressionDialog& dialog) {
   editor_->moveCursor(QTextCursor::End);
   // What cannot be read is marked on top of the words' colours.
   editor_->SetHighlighter([this](std::string_view text) {
-    return HighlightSql(text, fault_ ? std::optional(fault_->offset) : std::nullopt);
+    return HighlightWithFault(text, fault_ ? std::optional(fault_->offset) : std::nullopt);
   });
   predictive_ = new PredictiveText(*editor_, form_->Suggestions());  // keys reach it before this window's filter
   links_.push_back(editor_->Edited.Connect([this] { Check(); }));

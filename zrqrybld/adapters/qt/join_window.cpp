@@ -233,7 +233,7 @@ QWidget* JoinWindow::MakeCondition(int width) {
   condition_->setFixedHeight(condition_->fontMetrics().lineSpacing() * 2 + condition_->fontMetrics().height());
   condition_->SetText(dialog_.condition);
   condition_->installEventFilter(this);
-  condition_->SetHighlighter([this](std::string_view text) { return HighlightSql(text, faultAt_); });
+  condition_->SetHighlighter([this](std::string_view text) { return HighlightWithFault(text, faultAt_); });
   new PredictiveText(*condition_, dialog_.conditionForm->Suggestions());
   label->setBuddy(condition_);
   condition_->setAccessibleName(label->text().remove(QLatin1Char('&')));

@@ -42,7 +42,7 @@ std::vector<TextSpan> HighlightSql(std::string_view text) {
   return spans;
 }
 
-std::vector<TextSpan> HighlightSql(std::string_view text, std::optional<std::size_t> faultAt) {
+std::vector<TextSpan> HighlightWithFault(std::string_view text, std::optional<std::size_t> faultAt) {
   std::vector<TextSpan> spans = HighlightSql(text);
   if (!faultAt || *faultAt >= text.size()) return spans;
   const std::size_t end = std::min(text.find_first_of(" \t\r\n", *faultAt + 1), text.size());
