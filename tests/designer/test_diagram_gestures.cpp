@@ -296,7 +296,7 @@ TEST_F(DiagramGestures, AJoinOfTwoColumnsIsOneInEveryHand) {
   play("key Return");
   EXPECT_EQ(
       Joins(),
-      "Order.CustomerID>Customers.CustomerID?Customers.City = 'x':1 Order.EmployeeID>Customers.City>=:1" + others);
+      "Order.CustomerID>Customers.CustomerID?Customers.City = 'x':1 Order.EmployeeID>Customers.City<=:1" + others);
   play("move empty; picture asked; key Del");
   EXPECT_EQ(Joins(), "Order Lines.OrderID>Order.OrderID");
   for (int i = 0; i < 5; ++i) Hub().Undo();

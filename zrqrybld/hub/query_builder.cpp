@@ -10,6 +10,7 @@
 #include "zrqrybld/diagram/join_editing.h"
 #include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/diagram/table_picker.h"
+#include "zrqrybld/diagram/whole_joins.h"
 #include "zrqrybld/expression/expression_zoom.h"
 #include "zrqrybld/expression/schema_cache.h"
 #include "zrqrybld/grid/grid_pane.h"
@@ -228,7 +229,13 @@ Ref<frmExpressionZoom> FormForCondition(const Ref<QueryContext>& context, const 
 bool qbQueryBuilder::ShowJoinProperties(const Ref<qbRelationship>& relationship) {
   if (!relationship) return false;
   const StepScope step(RefTo(*this), kStepEditJoin);
+  const Ref<qbEntity> from = relationship->Source();
+  const Ref<qbEntity> to = relationship->Target();
+  const bool selected = diagramPane_ && DiagramPane()->SelectedObject() == relationship;
   if (!EditJoin(*this, *relationship, FormForCondition(RefTo(*this), *relationship))) return false;
+  // Its own pair may be the one that was taken out: the join stays selected.
+  const Ref<qbWholeJoin> whole = selected ? DiagramPane()->WholeJoins()->Between(from, to) : nullptr;
+  if (whole && !DiagramPane()->SelectedObject()) DiagramPane()->SelectObject(whole->First());
   QueryChanged();
   return true;
 }
