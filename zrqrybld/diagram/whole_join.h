@@ -26,8 +26,9 @@ class ZRQRYBLD_API qbWholeJoin final : public Object {
  public:
   std::string_view TypeName() const override { return "qbWholeJoin"; }
 
-  /// The entities where the first relationship starts and ends.
+  /// The entity where the first relationship starts.
   Ref<qbEntity> Source() const;
+  /// The entity where it ends.
   Ref<qbEntity> Target() const;
 
   /// The kind of join in the direction of the first relationship, `JoinKindFlag` bits. Setting it sets the kind and the
