@@ -2,12 +2,15 @@
 // be seen afterwards.
 #include <QClipboard>
 #include <QMenu>
+#include <QPushButton>
 #include <map>
 
 #include "tests/data_table.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/hands.h"
+#include "tests/qt/modal.h"
 #include "tests/qt/pictures.h"
+#include "zrqrybld/adapters/qt/join_window.h"
 #include "zrqrybld/adapters/qt/query_designer_widget.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/diagram/diagram_pane.h"
@@ -176,6 +179,8 @@ class DiagramGestures : public test::DesignerWindow {
         const qbRelationship& join = *joins.Item(j);
         text += (text.empty() ? "" : " ") + join.Source()->Caption() + "." + join.SourceItem()->Text() + ">" +
                 join.Target()->Caption() + "." + join.TargetItem()->Text() +
+                (join.Comparison() != JoinEqual ? std::string(SignOf(join.Comparison())) : "") +
+                (join.Condition().empty() ? "" : "?" + join.Condition()) +
                 (join.Kind() != JoinKind() ? ":" + std::to_string(join.Kind().Bits()) : "");
       }
     }
@@ -249,6 +254,54 @@ class DiagramGestures : public test::DesignerWindow {
   std::string heard_;
   QPoint pointer_;
 };
+
+// From the first drag to the last undo: two pairs drawn, the kind by menu, comparison and condition by keys.
+TEST_F(DiagramGestures, AJoinOfTwoColumnsIsOneInEveryHand) {
+  OpenSample();
+  Begin();
+  const std::string start = Joins();
+  const auto play = [this](std::string_view steps) {
+    for (const std::string_view step : Split(steps, ";")) Do(std::string(Trim(step)));
+  };
+  const std::string others = " Order Lines.OrderID>Order.OrderID";
+  play("press Order.EmployeeID; move +60,40; move Customers.City; release");
+  play("move line 1; choose Kind > All Rows from Customers");
+  EXPECT_EQ(Joins(), "Order.CustomerID>Customers.CustomerID:1 Order.EmployeeID>Customers.City:1" + others);
+  play("press Customers.Country; move +60,40; move Order.Freight; release; move empty; picture whole");
+  EXPECT_EQ(Joins(),
+            "Customers.Country>Order.Freight:2 Order.CustomerID>Customers.CustomerID:1 "
+            "Order.EmployeeID>Customers.City:1" +
+                others);
+
+  WhenOpen<JoinWindow>([](JoinWindow& open) {
+    const auto tabTo = [&](const char* name) {
+      for (int i = 0; i < 30 && open.focusWidget()->accessibleName() != QString::fromUtf8(name); ++i) {
+        QTest::keyClick(open.focusWidget(), Qt::Key_Tab);
+      }
+      EXPECT_EQ(open.focusWidget()->accessibleName(), QString::fromUtf8(name));
+      return open.focusWidget();
+    };
+    QTest::keyClicks(tabTo("Comparison, pair 2"), "<=");
+    QTest::keyClick(tabTo("Remove pair 3"), Qt::Key_Space);
+    QWidget* condition = tabTo("Condition besides the columns");
+    QTest::keyClicks(condition, "Customers.City = ");
+    auto* accept = open.findChild<QPushButton*>();
+    for (QPushButton* button : open.findChildren<QPushButton*>()) accept = button->isDefault() ? button : accept;
+    EXPECT_FALSE(accept->isEnabled());
+    QTest::keyClicks(condition, "'x'");
+    EXPECT_TRUE(accept->isEnabled());
+    KeepPicture(Paint(open), "join-window-whole");
+    QTest::keyClick(condition, Qt::Key_Return, Qt::ControlModifier);
+  });
+  play("key Return");
+  EXPECT_EQ(
+      Joins(),
+      "Order.CustomerID>Customers.CustomerID?Customers.City = 'x':1 Order.EmployeeID>Customers.City<=:1" + others);
+  play("move empty; picture asked; key Del");
+  EXPECT_EQ(Joins(), "Order Lines.OrderID>Order.OrderID");
+  for (int i = 0; i < 5; ++i) Hub().Undo();
+  EXPECT_EQ(Joins(), start);
+}
 
 TEST_F(DiagramGestures, DoWhatTheTableSays) {
   OpenSample();

@@ -8,6 +8,7 @@
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/diagram/whole_joins.h"
 #include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
@@ -191,6 +192,8 @@ class DiagramScene : public test::Player, private test::DiagramHands {
     actions["from"] = [this](const Words& w) { JoinAt(w[1])->SetSourceItemIndex(Value(w[2])); };
     actions["to"] = [this](const Words& w) { JoinAt(w[1])->SetTargetItemIndex(Value(w[2])); };
     actions["mark"] = [this](const Words& w) { JoinAt(w[1])->SetLeftIndicator(IndicatorImage); };
+    actions["compare"] = [this](const Words& w) { JoinAt(w[1])->SetComparison(JoinComparisonAt(std::stoi(w[2]))); };
+    actions["ask"] = [this](const Words& w) { JoinAt(w[1])->SetCondition(OrNone(w[2])); };
     actions["kind"] = [this](const Words& w) { JoinAt(w[1])->SetItemData(Value(w[2])); };
     actions["item"] = [this](const Words& w) { Table(w[1])->Items()->Add(w[2], w[w.size() > 3 ? 3 : 2]); };
     actions["noitem"] = [this](const Words& w) { Table(w[1])->Items()->Remove(Value(w[2])); };
@@ -372,6 +375,8 @@ class DiagramScene : public test::Player, private test::DiagramHands {
     };
     answers["tag"] = [this](const std::string& of) { return Table(of)->TagVariant().Text(); };
     answers["tip"] = [this](const std::string& of) { return pane->ToolTipAt(At(of)); };
+    answers["wholes"] = [this](auto&) { return std::to_string(pane->WholeJoins()->Count()); };
+    answers["whole"] = [this](const std::string& of) { return WholeOf(*JoinAt(of))->Text(); };
     answers["kind"] = [this](const std::string& of) { return std::to_string(JoinAt(of)->Kind().Bits()); };
   }
 
@@ -384,6 +389,8 @@ class DiagramScene : public test::Player, private test::DiagramHands {
         const qbRelationship& join = *entity->Relationships()->Item(j);
         text += (text.empty() ? "" : " ") + entity->Caption() + join.SourceItemIndex().Text() + ">" +
                 join.Target()->Caption() + join.TargetItemIndex().Text();
+        if (join.Comparison() != JoinEqual) text += std::string(SignOf(join.Comparison()));
+        if (!join.Condition().empty()) text += "?";
         if (join.Kind() != JoinKind()) text += ":" + std::to_string(join.Kind().Bits());
         text += join.LeftIndicator() == IndicatorImage ? "L" : "";
         text += join.RightIndicator() == IndicatorImage ? "R" : "";

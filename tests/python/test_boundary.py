@@ -89,7 +89,7 @@ class EveryMember(unittest.TestCase):
         "MenuItem": ("BeforeContextMenu", lambda qb, found: qb.DiagramPane.OpenMenu()),
     }
 
-    ANSWER_FALSE = {"qbQueryBuilder.ShowJoinProperties", "qbRelationships.Exists"}  # about nothing
+    ANSWER_FALSE = {"qbQueryBuilder.ShowJoinProperties", "qbRelationships.Exists", "qbWholeJoins.Between"}  # about nothing
 
     def arguments(self, type_name, member, objects):
         special = {
@@ -97,6 +97,7 @@ class EveryMember(unittest.TestCase):
             "qbUtility.RemoveQuotedIdentifiers": lambda: (objects["qbQueryBuilder"], '"a"'),
             "qbGridPane.SetGroupByFunction": lambda: (1, objects["qbQueryBuilder"].DBFunctions["SUM"]),
             "qbRelationships.Add": lambda: (objects["qbEntity"],),
+            "qbWholeJoins.Between": lambda: (objects["qbEntity"], objects["qbEntity"]),
             "qbRelationships.Exists": lambda: (objects["qbEntity"], objects["qbEntity"], 2, 2),
             "qbDiagramPane.SelectObject": lambda: (objects["qbEntity"],),
             "qbDiagramPane.AskForAlias": lambda: (objects["qbEntity"],),
@@ -136,7 +137,8 @@ class EveryMember(unittest.TestCase):
         found = [qb, bag, bag[1], qb.DBFunctions, qb.DBFunctions[1], qb.DBKeywords, qb.DBKeywords[1], qb.DBOperators,
                  qb.DBOperators[1], qb.DataTypes, qb.DataTypes[1], qb.QuotedIdentifiers, qb.DiagramPane,
                  qb.DiagramPane.Entities, entity, entity.Items, entity.Items[2], entity.Relationships,
-                 entity.Relationships[1], qb.GridPane, grid, grid.Rows, grid.Rows[1], grid.Columns, grid.Columns[1],
+                 entity.Relationships[1], qb.DiagramPane.WholeJoins, qb.DiagramPane.WholeJoins[1],
+                 qb.GridPane, grid, grid.Rows, grid.Rows[1], grid.Columns, grid.Columns[1],
                  grid.Columns["sort_type"].ComboItems, grid.Columns["sort_type"].ComboItems[1], qb.SQLPane, combo,
                  create("qbUtility"), create("PropertyBag"), qb.Connection, rows, rows.Fields(0), image, images, joins,
                  joins[1], joins[1].JoinTables, joins[1].JoinTables[1], create("qbParameters"), parameters[0],

@@ -129,6 +129,54 @@ TEST_F(JoinWindowTest, ADialectThatCanWriteEverythingLeavesNoRoomForWarnings) {
   EXPECT_EQ(window->findChild<Mark*>(), nullptr);
 }
 
+// The last pair cannot go, what cannot be read cannot be accepted, and a pair that is new has no origin.
+TEST_F(JoinWindowTest, PairsAndConditionComeBackAsTheyWereEdited) {
+  JoinDialog dialog = TestJoin("Orders", "Customers & Co");
+  dialog.columns1 = {"OrderID", "CustomerID", "Pattern"};
+  dialog.columns2 = {"CustomerID", "Name"};
+  dialog.comparisons = {"=", "<>", "LIKE"};
+  dialog.pairs = {{1, 0, 0, false, 1}, {2, 2, 1, true, 2}};
+  dialog.conditionForm = frmExpressionZoom::Create(nullptr, EditedText::Expression);
+  dialog.problem = [](const std::vector<JoinDialog::Pair>& pairs, const std::string&) {
+    return std::string(pairs.size() > 2 ? "too many" : "");
+  };
+  dialog.describeCondition = [](bool all1, bool) { return std::string(all1 ? "stay" : "go"); };
+  Open(dialog);
+  const auto named = [this](const char* name) {
+    for (QWidget* widget : window->findChildren<QWidget*>()) {
+      if (widget->accessibleName() == QString::fromUtf8(name) && !widget->isHidden()) return widget;
+    }
+    return static_cast<QWidget*>(nullptr);
+  };
+  QPushButton* accept = nullptr;
+  for (QPushButton* button : window->findChildren<QPushButton*>()) accept = button->isDefault() ? button : accept;
+  EXPECT_EQ(window->Pairs(), dialog.pairs);
+  EXPECT_FALSE(Says("stay") || Says("go"));
+  ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+  QTest::keyClick(window.get(), Qt::Key_P, Qt::AltModifier);  // the button is seen to go down for a moment
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !accept->isEnabled(); }));
+  QTest::keyClick(named("Column of Orders, pair 3"), Qt::Key_Down);
+  QTest::keyClick(named("Remove pair 2"), Qt::Key_Space);
+  EXPECT_TRUE(accept->isEnabled());
+  EXPECT_EQ(window->Pairs(), (std::vector<JoinDialog::Pair>{{1, 0, 0, false, 1}, {1, 0, 0, false, 0}}));
+  QTest::keyClick(named("Remove pair 1"), Qt::Key_Space);
+  EXPECT_FALSE(named("Remove pair 1")->isEnabled());
+  QTest::keyClick(window.get(), Qt::Key_D, Qt::AltModifier);
+  QTest::keyClicks(window->focusWidget(), "a >");
+  EXPECT_FALSE(accept->isEnabled());
+  QTest::keyClicks(window->focusWidget(), " 1");
+  EXPECT_TRUE(accept->isEnabled() && Says("go"));
+  check1->click();
+  EXPECT_TRUE(Says("stay"));
+  EXPECT_EQ(window->Condition(), "a > 1");
+  for (const auto& [name, palette] : TestPalettes()) {
+    const ScopedPalette scoped(palette);
+    if (name != "light" && name != "dark") continue;
+    Open(dialog);
+    for (const int scale : {1, 2}) KeepPicture(Paint(*window, scale), "join-pairs-" + name + std::to_string(scale));
+  }
+}
+
 // The style mixes the outline itself, so it is measured where it is painted.
 TEST_F(JoinWindowTest, AnEmptyCheckBoxIsSeenInEveryColourScheme) {
   for (const auto& [name, palette] : TestPalettes()) {

@@ -6,6 +6,7 @@
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/diagram/whole_joins.h"
 #include "zrqrybld/host/properties.h"
 #include "zrqrybld/hub/hub.h"
 #include "zrqrybld/platform/image.h"
@@ -70,6 +71,7 @@ constexpr Member kPane[] = {
     Method<Pane, &AskForAlias>("AskForAlias", "Entity"),
     Method<Pane, &Pane::SelectAll>("SelectAll"),
     Method<Pane, &Pane::OpenMenu>("OpenMenu"),
+    ReadOnly<Pane, &Pane::WholeJoins>("WholeJoins"),
     Raised<Pane, &Pane::BeforeContextMenu>("BeforeContextMenu", "object, Menu"),
     Raised<Pane, &Pane::PropertyChanged>("PropertyChanged", "PropertyName"),
     Method<Pane, &ReadFrom<Pane>>("ReadProperties", "Bag"),
@@ -153,6 +155,22 @@ constexpr Member kRelationship[] = {
     ReadWrite<qbRelationship, &qbRelationship::GroupLevel, &qbRelationship::SetGroupLevel>("GroupLevel"),
 };
 
+constexpr Member kWholeJoins[] = {
+    ReadOnly<qbWholeJoins, &qbWholeJoins::Count>("Count"),
+    ReadOnly<qbWholeJoins, &qbWholeJoins::Item>("Item", "Index"),
+    Method<qbWholeJoins, &qbWholeJoins::Between>("Between", "Entity1, Entity2"),
+};
+
+constexpr Member kWholeJoin[] = {
+    ReadOnly<qbWholeJoin, &qbWholeJoin::Source>("Source"),
+    ReadOnly<qbWholeJoin, &qbWholeJoin::Target>("Target"),
+    ReadWrite<qbWholeJoin, &qbWholeJoin::ItemData, &qbWholeJoin::SetItemData>("ItemData"),
+    ReadOnly<qbWholeJoin, &qbWholeJoin::Count>("Count"),
+    ReadOnly<qbWholeJoin, &qbWholeJoin::Item>("Item", "Index"),
+    ReadOnly<qbWholeJoin, &qbWholeJoin::Text>("Text"),
+    Method<qbWholeJoin, &qbWholeJoin::Remove>("Remove"),
+};
+
 const ClassInfo kClasses[] = {
     {"qbDiagramPane", kPane, "", [] { return Ref<Object>(Pane::Create()); }},
     {"qbEntities", kEntities, "Item"},
@@ -161,6 +179,8 @@ const ClassInfo kClasses[] = {
     {"qbEntityItem", kItem, "Text"},
     {"qbRelationships", kRelationships, "Item"},
     {"qbRelationship", kRelationship, ""},
+    {"qbWholeJoins", kWholeJoins, "Item"},
+    {"qbWholeJoin", kWholeJoin, "Item"},
 };
 
 }  // namespace

@@ -178,6 +178,7 @@ constexpr Member kJoinDialog[] = {
     ReadOnly<Join, &Join::Table2Text>("Table2Text"),
     ReadWrite<Join, &Join::Table1Checked, &Join::SetTable1Checked>("Table1Checked"),
     ReadWrite<Join, &Join::Table2Checked, &Join::SetTable2Checked>("Table2Checked"),
+    ReadWrite<Join, &Join::Condition, &Join::SetCondition>("Condition"),
     ReadOnly<Join, &Join::Description>("Description"),
     ReadOnly<Join, &Join::Warning>("Warning"),
     ReadWrite<Join, &Join::Accepted, &Join::SetAccepted>("Accepted"),

@@ -109,6 +109,10 @@ class JoinDialogObject final : public DialogObject<JoinDialog> {
   /// Whether all rows of the second table are chosen.
   bool Table2Checked() const { return Shown().table2Checked; }
   void SetTable2Checked(bool checked) { Shown().table2Checked = checked; }
+  /// What is asked besides the columns, as SQL; "" for nothing. One that cannot be read makes the call that has shown
+  /// the dialog fail with error 40002.
+  const std::string& Condition() const { return Shown().condition; }
+  void SetCondition(const std::string& condition) { Shown().condition = condition; }
   /// What the choice returns, in words; "" when the dialog says nothing.
   std::string Description() const;
   /// Why the choice cannot be had in the dialect; "" when it can.

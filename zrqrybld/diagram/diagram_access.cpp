@@ -18,7 +18,7 @@ namespace zrqrybld {
 namespace {
 
 Ref<qbEntity> EntityIn(const AccessibleId& id) { return std::dynamic_pointer_cast<qbEntity>(id.object); }
-Ref<qbRelationship> JoinIn(const AccessibleId& id) { return std::dynamic_pointer_cast<qbRelationship>(id.object); }
+Ref<qbWholeJoin> JoinIn(const AccessibleId& id) { return std::dynamic_pointer_cast<qbWholeJoin>(id.object); }
 Ref<BoxRow> RowIn(const AccessibleId& id) { return std::static_pointer_cast<BoxRow>(id.part); }
 
 Phrase KindText(TypeKind kind) {
@@ -62,14 +62,13 @@ bool DiagramAccess::Contains(const AccessibleId& id) const {
     const Ref<qbEntityList>& box = entity->EntityBox();
     return box && scene_.HasBox(*box) && (!id.part || box->PositionOf(RowIn(id)) != 0);
   }
-  const Ref<qbRelationship> join = JoinIn(id);
-  const Ref<qbEntityList> source = join && join->Line() ? join->Line()->SourceBox() : nullptr;
-  return source && scene_.HasBox(*source);
+  const Ref<qbWholeJoin> join = JoinIn(id);
+  return join && scene_.HasWhole(*join);
 }
 
 std::size_t DiagramAccess::ChildCount(const AccessibleId& id) const {
   const std::size_t maps = targets_.minimap.Place() ? 1 : 0;
-  if (id.IsControl()) return static_cast<std::size_t>(entities_.Count()) + scene_.Lines().Count() + maps;
+  if (id.IsControl()) return static_cast<std::size_t>(entities_.Count()) + scene_.Wholes().Count() + maps;
   const Ref<qbEntity> entity = EntityIn(id);
   return entity && !id.part && Contains(id) ? entity->EntityBox()->Rows().Count() : 0;
 }
@@ -79,8 +78,8 @@ AccessibleId DiagramAccess::ChildAt(const AccessibleId& id, std::size_t index) c
   if (!id.IsControl()) return {id.object, EntityIn(id)->EntityBox()->Rows().At(index + 1)};
   const auto boxes = static_cast<std::size_t>(entities_.Count());
   if (index < boxes) return {entities_.Item(static_cast<std::int32_t>(index) + 1), nullptr};
-  if (index - boxes == scene_.Lines().Count()) return {targets_.minimap.Identity(), nullptr};
-  return {scene_.Lines().At(index - boxes + 1)->Relationship(), nullptr};
+  if (index - boxes == scene_.Wholes().Count()) return {targets_.minimap.Identity(), nullptr};
+  return {scene_.Wholes().At(index - boxes + 1), nullptr};
 }
 
 AccessibleId DiagramAccess::ParentOf(const AccessibleId& id) const {
@@ -92,11 +91,12 @@ std::optional<std::size_t> DiagramAccess::IndexOf(const AccessibleId& id) const 
   if (IsMinimap(id)) return ChildCount({}) - 1;
   if (id.part) return RowIn(id)->Index() - 1;
   if (const Ref<qbEntity> entity = EntityIn(id)) return static_cast<std::size_t>(entity->Index()) - 1;
-  return static_cast<std::size_t>(entities_.Count()) + scene_.PositionOf(*JoinIn(id)->Line()) - 1;
+  return static_cast<std::size_t>(entities_.Count()) + scene_.PositionOf(*JoinIn(id)) - 1;
 }
 
 AccessibleId DiagramAccess::Current() const {
   const Ref<qbEntity> entity = selection_.Entity();
+  if (const Ref<qbRelationship> join = selection_.Join()) return {WholeOf(*join), nullptr};
   if (!entity || !entity->EntityBox()) return {selection_.Selected(), nullptr};
   return {entity, entity->EntityBox()->Rows().At(entity->EntityBox()->SelectedRow())};
 }
@@ -104,7 +104,7 @@ AccessibleId DiagramAccess::Current() const {
 AccessibleId DiagramAccess::ObjectAt(PixelPoint point) const {
   if (targets_.minimap.Contains(point)) return {targets_.minimap.Identity(), nullptr};
   const DiagramHit hit = camera_.HitTest(point);
-  if (hit.line) return {hit.line->Relationship(), nullptr};
+  if (hit.line) return {hit.line->Whole(), nullptr};
   if (!hit.box) return {};
   return {hit.box->Entity(), hit.box->Rows().At(hit.part.row)};
 }
@@ -190,21 +190,26 @@ AccessibleInfo DiagramAccess::DescribeRow(const qbEntityList& box, const Ref<Box
   return info;
 }
 
-AccessibleInfo DiagramAccess::DescribeJoin(const Ref<qbRelationship>& join) const {
-  AccessibleInfo info{AccessibleRole::Join, Say({text::JoinNamed, DescribeEnds(*join)}), {}, {}, {}, {}};
+AccessibleInfo DiagramAccess::DescribeJoin(const Ref<qbWholeJoin>& join) const {
+  const std::vector<Ref<qbRelationship>> pairs = join->Relationships();
+  AccessibleInfo info{AccessibleRole::Join, Say({text::JoinNamed, DescribePairs(pairs)}), {}, {}, {}, {}};
   const Ref<qbEntity> source = join->Source();
   const Ref<qbEntity> target = join->Target();
   if (source && target) {
     info.description = Say(zrqrybld::DescribeJoin(source->Caption(), target->Caption(), join->Kind()));
   }
-  if (join->Line()->JoinsDifferentTypes()) info.description += " " + Say(text::DifferentTypes);
-  info.state.selectable = true;
-  info.state.selected = selection_.Contains(join);
-  info.actions = {AccessibleAction::Focus, AccessibleAction::Press, AccessibleAction::ShowMenu};
   PixelRect area;
-  for (const PixelPoint& point : join->Line()->Points(site_.GetSurface().Scale())) {
-    area = area.Union({point.x, point.y, 1_px, 1_px});
+  bool differs = false;
+  for (const Ref<qbRelationship>& pair : pairs) {
+    differs = differs || pair->Line()->JoinsDifferentTypes();
+    for (const PixelPoint& point : pair->Line()->Points(site_.GetSurface().Scale())) {
+      area = area.Union({point.x, point.y, 1_px, 1_px});
+    }
   }
+  if (differs) info.description += " " + Say(text::DifferentTypes);
+  info.state.selectable = true;
+  info.state.selected = join == scene_.SelectedWhole();
+  info.actions = {AccessibleAction::Focus, AccessibleAction::Press, AccessibleAction::ShowMenu};
   info.bounds = camera_.ToPane(area);
   return info;
 }
@@ -221,7 +226,11 @@ bool DiagramAccess::Perform(const AccessibleId& id, AccessibleAction action) {
   }
   if (action == AccessibleAction::Press && id.IsControl()) return false;
   if (action == AccessibleAction::Press && id.part) return Perform(id, AccessibleAction::Toggle);
-  selection_.Select(id.object);
+  const Ref<qbWholeJoin> join = JoinIn(id);
+  const Ref<Object> object = join && join != scene_.SelectedWhole() ? Ref<Object>(join->First())
+                             : join                                 ? selection_.Selected()
+                                                                    : id.object;
+  selection_.Select(object);
   if (entity) {
     if (!selection_.Contains(entity)) return false;  // a listener has decided otherwise
     GoTo(*entity, id.part ? RowIn(id)->Index() : 0);
@@ -230,7 +239,7 @@ bool DiagramAccess::Perform(const AccessibleId& id, AccessibleAction action) {
     site_.GetSurface().SetFocus();
   } else if (action == AccessibleAction::ShowMenu) {
     const std::size_t row = id.part ? RowIn(id)->Index() : 0;
-    ShowContextMenu(targets_, id.object, row, MenuPlaceOfSelection(targets_));
+    ShowContextMenu(targets_, object, row, MenuPlaceOfSelection(targets_));
   } else if (entity) {
     entity->EntityBox()->SetMinimized(!entity->EntityBox()->Minimized());
   } else {

@@ -1,7 +1,7 @@
 // DiagramAccess: what the diagram pane tells assistive technology.
 //
 // Below the pane stand its boxes in their order and then its joins, as the Tab key goes through them; below a box stand
-// its rows. An id's object is the entity or the relationship, its part the row. The minimap comes last.
+// its rows. An id's object is the entity or the whole join, its part the row. The minimap comes last.
 #pragma once
 
 #include "zrqrybld/diagram/diagram_menus.h"
@@ -39,7 +39,7 @@ class DiagramAccess final : public AccessibleTree {
   AccessibleInfo DescribeMinimap() const;
   AccessibleInfo DescribeBox(const Ref<qbEntity>& entity) const;
   AccessibleInfo DescribeRow(const qbEntityList& box, const Ref<BoxRow>& row) const;
-  AccessibleInfo DescribeJoin(const Ref<qbRelationship>& join) const;
+  AccessibleInfo DescribeJoin(const Ref<qbWholeJoin>& join) const;
   std::string FactsOf(const BoxRow& row) const;
   bool IsSeen(const PixelRect& onPane) const;
   bool IsMinimap(const AccessibleId& id) const;

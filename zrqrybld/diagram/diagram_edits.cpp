@@ -4,14 +4,19 @@
 #include <new>
 
 #include "zrqrybld/base/texts_diagram.h"
+#include "zrqrybld/diagram/diagram_scene.h"
 #include "zrqrybld/diagram/diagram_selection.h"
 #include "zrqrybld/diagram/diagram_site.h"
 #include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/join_line.h"
 #include "zrqrybld/diagram/join_properties.h"
 #include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/diagram/table_picker.h"
 #include "zrqrybld/host/query_context.h"
 #include "zrqrybld/platform/dialogs.h"
 #include "zrqrybld/platform/toolkit.h"
+#include "zrqrybld/sql/rename.h"
+#include "zrqrybld/sql/source_rules.h"
 
 namespace zrqrybld {
 
@@ -36,11 +41,17 @@ bool DiagramEdits::RequestTables() {
   return true;
 }
 
-// Listeners are asked about each; what they keep stays selected when it is the selected object.
+// A join is deleted whole. Listeners are asked about each relationship and each table; what they keep stays selected
+// when it is the selected object.
 bool DiagramEdits::DeleteSelected() {
   if (!selection_.Selected()) return false;
   std::vector<Ref<Object>> objects{selection_.Selected()};
   objects.insert(objects.end(), selection_.Others().begin(), selection_.Others().end());
+  if (const Ref<qbRelationship> join = selection_.Join()) {
+    for (const Ref<qbRelationship>& one : WholeOf(*join)->Relationships()) {
+      if (one != join) objects.push_back(one);
+    }
+  }
   std::erase_if(objects, [this](const Ref<Object>& object) {
     bool cancel = false;
     site_.BeforeDeleteObject.Raise(object, cancel);
@@ -94,28 +105,93 @@ void DiagramEdits::AddJoin(const Ref<qbEntity>& source, std::size_t sourceRow, c
   if (onlyOnce && source->Relationships()->Exists(source, target, from, to)) return;
   const Ref<QueryContext> context = site_.Context();
   const StepScope step(context, kStepAddJoin);
+  const Ref<qbWholeJoin> whole = scene_.WholeBetween(source->EntityBox().get(), target->EntityBox().get());
+  const Ref<qbRelationship> first = whole ? whole->First() : nullptr;
   const Ref<qbRelationship> join = source->Relationships()->Add(target);
+  if (first) {
+    const JoinKind kind = first->Source() == source ? first->Kind() : first->Kind().Reversed();
+    if (kind != JoinKind()) SetJoinKind(*join, kind);
+    join->SetGroupLevel(first->GroupLevel());
+  }
   join->SetSourceItemIndex(from);
   join->SetTargetItemIndex(to);
   selection_.Select(join);
   if (context) context->steps.RaiseInfo(InfoRelationshipAdded, Ref<Object>(join));
 }
 
+// Nothing when a listener has removed one of the ends.
+Ref<qbRelationship> DiagramEdits::Repeat(const qbRelationship& join, const Ref<qbEntity>& source,
+                                         const Ref<qbEntity>& target, bool reversed) {
+  if (!source || !target || !source->EntityBox() || !target->EntityBox()) return nullptr;
+  const Ref<qbRelationship> repeated = source->Relationships()->Add(target);
+  repeated->SetLeftPicture(reversed ? join.RightPicture() : join.LeftPicture());
+  repeated->SetRightPicture(reversed ? join.LeftPicture() : join.RightPicture());
+  repeated->SetComparison(reversed ? Mirrored(join.Comparison()).value_or(join.Comparison()) : join.Comparison());
+  repeated->SetGroupLevel(join.GroupLevel());
+  SetJoinKind(*repeated, reversed ? join.Kind().Reversed() : join.Kind());
+  return repeated;
+}
+
 void DiagramEdits::ReverseJoin(const Ref<qbRelationship>& join) {
-  const Ref<qbEntity> source = join->Source();
-  const Ref<qbEntity> target = join->Target();
-  if (!source || !target) return;
+  const Ref<qbWholeJoin> whole = WholeOf(*join);
+  if (!whole || !whole->CanReverse()) return;
   const StepScope step(site_.Context(), kStepReverseJoin);
-  const JoinKind kind = join->Kind();
+  Ref<qbRelationship> selected;
+  for (const Ref<qbRelationship>& one : whole->Relationships()) {
+    const Ref<qbEntity> source = one->Source();
+    const Ref<qbEntity> target = one->Target();
+    if (!source || !target) continue;
+    source->Relationships()->Remove(one->Index());
+    const Ref<qbRelationship> reversed = Repeat(*one, target, source, true);
+    if (!reversed) continue;
+    reversed->SetCondition(one->Condition());
+    reversed->SetSourceItemIndex(one->TargetItemIndex());
+    reversed->SetTargetItemIndex(one->SourceItemIndex());
+    if (one == join) selected = reversed;
+  }
+  if (selected) selection_.Select(selected);
+}
+
+void DiagramEdits::SetKind(const Ref<qbRelationship>& join, JoinKind kind) {
+  const Ref<QueryContext> context = site_.Context();
+  const Ref<qbWholeJoin> whole = WholeOf(*join);
+  if (!whole) return;
+  const StepScope step(context, kStepEditJoin);
+  whole->SetKindFrom(join->Source(), kind);
+  if (context) context->steps.QueryChanged();
+}
+
+void DiagramEdits::RemovePair(const Ref<qbRelationship>& join) {
+  const Ref<qbWholeJoin> whole = WholeOf(*join);
+  const Ref<qbEntity> source = join->Source();
+  if (!whole || !source) return;
+  const StepScope step(site_.Context(), kStepEditJoin);
   source->Relationships()->Remove(join->Index());
-  if (!source->EntityBox() || !target->EntityBox()) return;  // a listener has removed one
-  const Ref<qbRelationship> reversed = target->Relationships()->Add(source);
-  reversed->SetLeftPicture(join->RightPicture());
-  reversed->SetRightPicture(join->LeftPicture());
-  reversed->SetSourceItemIndex(join->TargetItemIndex());
-  reversed->SetTargetItemIndex(join->SourceItemIndex());
-  SetJoinKind(*reversed, kind.Reversed());
-  selection_.Select(reversed);
+  if (!selection_.Selected()) selection_.Select(whole->First());
+}
+
+// A condition names its tables, so the one that is there again gives way to the new one in it.
+void DiagramEdits::JoinAgain(const Ref<qbRelationship>& join, const Ref<qbEntity>& end) {
+  const Ref<QueryContext> context = site_.Context();
+  const Ref<qbWholeJoin> whole = WholeOf(*join);
+  if (!context || !whole || !end->EntityBox()) return;
+  const std::vector<Ref<qbRelationship>> pairs = whole->Relationships();
+  const StepScope step(context, kStepAddTable, end->Caption());
+  const Ref<qbEntity> again = TablePicker(context).AddTable(end->TagVariant().Text());
+  if (!again) return;
+  const NameRules rules = CurrentNameRules(*context);
+  const SqlText alias = QuoteWhenNeeded(Identifier(again->Caption()), rules);
+  for (const Ref<qbRelationship>& one : pairs) {
+    const bool atSource = one->Source() == end;
+    const Ref<qbRelationship> repeated =
+        Repeat(*one, atSource ? again : one->Source(), atSource ? one->Target() : again, false);
+    if (!repeated) return;
+    repeated->SetCondition(RenameQualifier(one->Condition(), end->Caption(), alias, rules));
+    repeated->SetSourceItemIndex(one->SourceItemIndex());
+    repeated->SetTargetItemIndex(one->TargetItemIndex());
+    context->steps.RaiseInfo(InfoRelationshipAdded, Ref<Object>(repeated));
+  }
+  selection_.Select(again);
 }
 
 // --- Places and sizes ---

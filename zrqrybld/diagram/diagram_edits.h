@@ -8,6 +8,7 @@
 
 #include "zrqrybld/base/units.h"
 #include "zrqrybld/diagram/diagram_scene.h"
+#include "zrqrybld/sql/join_kind.h"
 
 namespace zrqrybld {
 
@@ -18,8 +19,8 @@ struct StepName;
 
 class DiagramEdits {
  public:
-  DiagramEdits(DiagramSite& site, qbEntities& entities, DiagramSelection& selection)
-      : site_(site), entities_(entities), selection_(selection) {}
+  DiagramEdits(DiagramSite& site, qbEntities& entities, const DiagramScene& scene, DiagramSelection& selection)
+      : site_(site), entities_(entities), scene_(scene), selection_(selection) {}
 
   // --- Tables ---
 
@@ -36,11 +37,20 @@ class DiagramEdits {
 
   // --- Joins ---
 
-  /// Draws a join between two rows, unless it is to be `onlyOnce` and there is one.
+  /// Draws a join between two rows, unless it is to be `onlyOnce` and there is one. One more between the same tables
+  /// becomes a part of their join and takes its kind.
   void AddJoin(const Ref<qbEntity>& source, std::size_t sourceRow, const Ref<qbEntity>& target, std::size_t targetRow,
                bool onlyOnce);
-  /// The join begins at the other end from now on. It returns the same rows; each end keeps its mark and its picture.
+  /// The whole join begins at the other end from now on. It returns the same rows; each end keeps its mark and its
+  /// picture. Nothing happens to one that cannot be said so.
   void ReverseJoin(const Ref<qbRelationship>& join);
+  /// The kind of the whole join, as this relationship of it sees it.
+  void SetKind(const Ref<qbRelationship>& join, JoinKind kind);
+  /// Takes one pair of columns out of its join.
+  void RemovePair(const Ref<qbRelationship>& join);
+  /// Adds the table of one of the join's ends once more, with an alias of its own, and joins it to the other end as the
+  /// join says.
+  void JoinAgain(const Ref<qbRelationship>& join, const Ref<qbEntity>& end);
 
   // --- Places and sizes ---
 
@@ -58,8 +68,12 @@ class DiagramEdits {
   void RecordPlaces(const StepName& name, const std::vector<BoxPlace>& before);
 
  private:
+  static Ref<qbRelationship> Repeat(const qbRelationship& join, const Ref<qbEntity>& source,
+                                    const Ref<qbEntity>& target, bool reversed);
+
   DiagramSite& site_;
   qbEntities& entities_;
+  const DiagramScene& scene_;
   DiagramSelection& selection_;
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -86,6 +87,36 @@ MenuEntry RelatedTo(const Targets& targets, const qbEntity& entity) {
   return related;
 }
 
+// The table at the join's end may be added again where there is a source that tells its columns.
+MenuEntry JoinAgainEntry(const Targets& targets, const Ref<qbRelationship>& join, const Ref<qbEntity>& end) {
+  const Ref<QueryContext> context = targets.site.Context();
+  return {Say(context, text::MenuJoinAgain), "", [&edits = targets.edits, join, end] { edits.JoinAgain(join, end); },
+          context && context->source.IsConnected()};
+}
+
+// A table with joins to several others is asked for the one that it is to be joined to again.
+MenuEntry BoxAgainEntry(const Targets& targets, const Ref<qbEntity>& entity) {
+  constexpr std::size_t kMost = 30;
+  std::vector<Ref<qbRelationship>> joins;
+  std::unordered_set<const qbWholeJoin*> seen;
+  for (const Ref<qbLine>& line : targets.scene.LinesAt(*entity->EntityBox())) {
+    const Ref<qbRelationship> join = line->Relationship();
+    if (!join || join->Source() == join->Target() || !seen.insert(line->Whole().get()).second) continue;
+    joins.push_back(join);
+    if (joins.size() == kMost) break;
+  }
+  if (joins.size() == 1) return JoinAgainEntry(targets, joins.front(), entity);
+  MenuEntry again = JoinAgainEntry(targets, nullptr, entity);
+  again.enabled = again.enabled && !joins.empty();
+  again.action = {};
+  for (const Ref<qbRelationship>& join : joins) {
+    MenuEntry one = JoinAgainEntry(targets, join, entity);
+    one.text = InMenu((join->Source() == entity ? join->Target() : join->Source())->Caption());
+    again.entries.push_back(std::move(one));
+  }
+  return again;
+}
+
 Menu MenuForBox(const Targets& targets, const Ref<qbEntity>& entity) {
   DiagramEdits& edits = targets.edits;
   const Ref<qbEntityList> box = entity->EntityBox();
@@ -95,6 +126,7 @@ Menu MenuForBox(const Targets& targets, const Ref<qbEntity>& entity) {
       EntryFor(
           targets.site.Context(), Command::RenameTable, [&edits, entity] { edits.AskForAlias(entity); },
           targets.site.Context() != nullptr),
+      BoxAgainEntry(targets, entity),
       MenuEntry::Separator(),
       {Say(targets.site.Context(), text::MenuTickAll), "",
        [&edits, entity] { edits.TickColumns(entity, true, false); }},
@@ -163,17 +195,12 @@ Menu MenuForColumn(const Targets& targets, const Ref<qbEntity>& entity, const Re
 }
 
 // Only the kinds that the dialect can write, and the one that the join has.
-MenuEntry KindsOf(const Targets& targets, const Ref<qbRelationship>& join) {
+MenuEntry KindsOf(const Targets& targets, const qbWholeJoin& whole, const Ref<qbRelationship>& join) {
   const Ref<QueryContext> context = targets.site.Context();
+  const JoinKind now = whole.KindFor(*join);
   const auto kind = [&](JoinKind value, const std::string& text) {
-    return MenuEntry{text, "",
-                     [&site = targets.site, join, value] {
-                       const Ref<QueryContext> hub = site.Context();
-                       const StepScope step(hub, kStepEditJoin);
-                       SetJoinKind(*join, value);
-                       if (hub) hub->steps.QueryChanged();
-                     },
-                     true, join->Kind() == value};
+    return MenuEntry{text, "", [&edits = targets.edits, join, value] { edits.SetKind(join, value); }, true,
+                     now == value};
   };
   MenuEntry kinds{Say(targets.site.Context(), text::MenuKind), ""};
   kinds.entries = {
@@ -188,21 +215,38 @@ MenuEntry KindsOf(const Targets& targets, const Ref<qbRelationship>& join) {
   return kinds;
 }
 
+// The pairs of columns that can go without the join going with them.
+MenuEntry PairsOf(const Targets& targets, const qbWholeJoin& whole) {
+  constexpr std::size_t kMost = 30;
+  MenuEntry pairs{Say(targets.site.Context(), text::MenuRemovePair), ""};
+  const std::vector<Ref<qbRelationship>> joins = whole.Relationships();
+  for (std::size_t i = 0; i < std::min(joins.size(), kMost); ++i) {
+    pairs.entries.push_back({InMenu(IsConditionAlone(*joins[i]) ? joins[i]->Condition() : DescribeEnds(*joins[i])), "",
+                             [&edits = targets.edits, join = joins[i]] { edits.RemovePair(join); }});
+  }
+  return pairs;
+}
+
 Menu MenuForJoin(const Targets& targets, const Ref<qbRelationship>& join) {
   DiagramEdits& edits = targets.edits;
   const Ref<QueryContext> context = targets.site.Context();
-  return {
-      KindsOf(targets, join),
+  const Ref<qbWholeJoin> whole = WholeOf(*join);
+  Menu menu{
+      KindsOf(targets, *whole, join),
       EntryFor(
           context, Command::OpenSelected,
           [&site = targets.site, join] {
             if (const Ref<QueryContext> now = site.Context()) now->reports.RelationshipActivated(join);
           },
           context && context->design.CanEditJoins()),
-      {Say(targets.site.Context(), text::MenuReverse), "", [&edits, join] { edits.ReverseJoin(join); }},
+      {Say(targets.site.Context(), text::MenuReverse), "", [&edits, join] { edits.ReverseJoin(join); },
+       whole->CanReverse()},
+      JoinAgainEntry(targets, join, join->Target()),
       MenuEntry::Separator(),
       EntryFor(context, Command::DeleteSelected, [&edits] { edits.DeleteSelected(); }),
   };
+  if (whole->Count() > 1) menu.insert(menu.end() - 1, PairsOf(targets, *whole));
+  return menu;
 }
 
 }  // namespace

@@ -13,6 +13,7 @@ class DiagramEdits;
 class DiagramLayout;
 class DiagramMinimap;
 class DiagramPictures;
+class DiagramScene;
 class DiagramSelection;
 class DiagramSite;
 class KeyJoin;
@@ -24,6 +25,7 @@ struct DiagramMenuTargets {
   DiagramSite& site;
   const DiagramProperties& properties;
   qbEntities& entities;
+  const DiagramScene& scene;
   DiagramSelection& selection;
   DiagramCamera& camera;
   KeyJoin& keyJoin;

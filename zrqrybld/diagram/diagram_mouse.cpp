@@ -292,8 +292,10 @@ std::string DiagramMouse::ToolTipAt(PixelPoint point) const {
   if (hit.line) {
     const Ref<qbRelationship> join = hit.line->Relationship();
     if (!join) return {};
-    return DescribeEnds(*join) + "\n" +
-           Say(site_.Context(), DescribeJoin(join->Source()->Caption(), join->Target()->Caption(), join->Kind())) +
+    const qbWholeJoin& whole = *hit.line->Whole();
+    return whole.Text() + "\n" +
+           Say(site_.Context(),
+               DescribeJoin(join->Source()->Caption(), join->Target()->Caption(), whole.KindFor(*join))) +
            (hit.line->JoinsDifferentTypes() ? "\n" + Say(site_.Context(), text::DifferentTypes) : "");
   }
   if (!hit.box) return {};

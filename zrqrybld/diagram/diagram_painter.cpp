@@ -24,7 +24,7 @@
 namespace zrqrybld {
 namespace {
 
-constexpr Pixels kLineReach = 16_px;  // how far a line's ends and bends reach beyond its points
+constexpr Pixels kLineReach = 32_px;  // how far a line's ends and bends reach beyond its points
 
 BoxLook LookOf(const Ref<qbEntityList>& box, const DiagramSite& site, const DiagramScene& scene, const PixelRect& place,
                const DiagramMarks* marks) {
@@ -168,21 +168,26 @@ void PaintFocus(Canvas& canvas, const DiagramSite& site, const DiagramSelection&
 void PaintDiagram(Canvas& canvas, const DiagramSite& site, const DiagramScene& scene, const PixelRect& visible,
                   const DiagramMarks* marks) {
   const ScreenScale scale = site.GetSurface().Scale();
-  const auto paintLine = [&](const Ref<qbLine>& line) {
-    if (!line->Area(scale).Inset(-kLineReach).Overlaps(visible)) return;
-    line->Paint(canvas, scale, marks && line->Selected(), marks && line == marks->hover.line);
+  const Ref<qbWholeJoin> selected = marks ? scene.SelectedWhole() : nullptr;
+  const Ref<qbWholeJoin> hovered = marks && marks->hover.line ? marks->hover.line->Whole() : nullptr;
+  const auto paintLine = [&](const qbLine& line) {
+    if (!line.Area(scale).Inset(-kLineReach).Overlaps(visible)) return;
+    line.Paint(canvas, scale, site.GetSurface().Metrics(), line.Whole() == selected, line.Whole() == hovered);
   };
-  // Lines run under the boxes, the selected one on top of everything.
+  // Lines run under the boxes, those of the selected join on top of everything.
   for (const Ref<qbLine>& line : scene.Lines()) {
-    if (!marks || !line->Selected()) paintLine(line);
+    if (line->Whole() != selected) paintLine(*line);
   }
   for (const Ref<qbEntityList>& box : scene.Boxes()) {
     const PixelRect place = scale.ToPixels(box->Bounds());
     if (place.Overlaps(visible)) box->Paint(canvas, place, LookOf(box, site, scene, place, marks));
   }
   if (!marks) return;
-  for (const Ref<qbLine>& line : scene.Lines()) {
-    if (line->Selected()) paintLine(line);
+  if (selected) {
+    for (const WeakRef<qbRelationship>& link : selected->Drawn()) {
+      const Ref<qbRelationship> join = link.lock();
+      if (join && join->Line()) paintLine(*join->Line());
+    }
   }
   if (marks->frame) canvas.StrokeRect(*marks->frame, ColorRole::Focus, 1_px);
 }

@@ -37,6 +37,7 @@ qbDiagramPane::~qbDiagramPane() = default;
 
 Ref<qbDiagramPane> qbDiagramPane::Create() {
   const Ref<qbDiagramPane> pane(new qbDiagramPane());
+  pane->parts_->wholeJoins = std::make_shared<qbWholeJoins>(pane, &pane->parts_->scene);
   pane->parts_->camera.UpdateScrollBars();
   return pane;
 }
@@ -54,6 +55,8 @@ void qbDiagramPane::Clear() {
 }
 
 const Ref<qbEntities>& qbDiagramPane::Entities() const { return parts_->entities; }
+
+const Ref<qbWholeJoins>& qbDiagramPane::WholeJoins() const { return parts_->wholeJoins; }
 
 Ref<Object> qbDiagramPane::SelectedObject() const { return parts_->selection.Selected(); }
 

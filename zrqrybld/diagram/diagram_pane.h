@@ -22,6 +22,7 @@ class ImageList;
 class PropertyStore;
 class qbEntities;
 class qbQueryBuilder;
+class qbWholeJoins;
 struct DiagramParts;
 
 class ZRQRYBLD_API qbDiagramPane final : public DiagramSite {
@@ -77,6 +78,11 @@ class ZRQRYBLD_API qbDiagramPane final : public DiagramSite {
   /// Whether texts may be dropped on the surface.
   OLEDropModeEnum OLEDropMode() const;
   void SetOLEDropMode(OLEDropModeEnum mode);
+
+  // --- Beyond these ---
+
+  /// The joins as a person takes them: all relationships between the same two entities are one.
+  const Ref<qbWholeJoins>& WholeJoins() const;
 
   // --- Options that are not stored ---
 

@@ -23,6 +23,7 @@
 #include "zrqrybld/diagram/diagram_walk.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/key_join.h"
+#include "zrqrybld/diagram/whole_joins.h"
 #include "zrqrybld/platform/text_drop.h"
 
 namespace zrqrybld {
@@ -37,9 +38,9 @@ struct DiagramParts {
         layout(site, *entities, camera),
         minimap(site, scene, camera),
         keyJoin(site, selection),
-        edits(site, *entities, selection),
+        edits(site, *entities, scene, selection),
         pictures(site, properties, scene, camera),
-        menus{site, properties, *entities, selection, camera, keyJoin, edits, layout, minimap, pictures},
+        menus{site, properties, *entities, scene, selection, camera, keyJoin, edits, layout, minimap, pictures},
         walk(site, *entities, scene, selection, camera, keyJoin, edits),
         finder(site, *entities, selection, walk),
         gestures(site, properties, *entities, scene, selection, camera, edits),
@@ -71,6 +72,7 @@ struct DiagramParts {
   DiagramKeys keys;
   TextDrop drop;
   DiagramAccess access;
+  Ref<qbWholeJoins> wholeJoins;  // made with the pane, which they link to
 };
 
 }  // namespace zrqrybld

@@ -9,6 +9,16 @@
 
 namespace zrqrybld {
 
+namespace {
+
+// A join without columns is drawn while it is alone.
+void RouteFirstAnew(const qbWholeJoin& whole) {
+  const Ref<qbRelationship> first = whole.Drawn().At(1).lock();
+  if (first && first->Line()) first->Line()->Invalidate();
+}
+
+}  // namespace
+
 Ref<qbEntity> EntityOf(const qbEntityList& box) { return std::static_pointer_cast<qbEntity>(box.Entity()); }
 
 // --- Boxes ---
@@ -52,17 +62,53 @@ std::optional<TwipsPoint> DiagramScene::FindPlaceIfCovered(const qbEntityList& b
 
 // --- Lines ---
 
+DiagramScene::BoxPair DiagramScene::PairOf(const qbEntityList* one, const qbEntityList* other) {
+  return std::less<>()(other, one) ? BoxPair(other, one) : BoxPair(one, other);
+}
+
+Ref<qbWholeJoin> DiagramScene::WholeBetween(const qbEntityList* one, const qbEntityList* other) const {
+  const auto found = wholeOf_.find(PairOf(one, other));
+  return found == wholeOf_.end() ? nullptr : found->second;
+}
+
+// The whole between two boxes, or a new one.
+Ref<qbWholeJoin> DiagramScene::TakeWhole(const BoxPair& boxes) {
+  Ref<qbWholeJoin>& whole = wholeOf_[boxes];
+  if (whole) return whole;
+  try {
+    whole = std::make_shared<qbWholeJoin>(RefTo(site_));
+    LoadedWhole& loaded = loadedWholes_[whole.get()];
+    loaded.boxes = boxes;
+    loaded.inAll = wholes_.Append(whole);
+  } catch (...) {
+    loadedWholes_.erase(whole.get());
+    wholeOf_.erase(boxes);
+    throw;
+  }
+  return whole;
+}
+
+// A line leaves it, unless it has not come in yet; the last one takes it away.
+void DiagramScene::LeaveWhole(const Ref<qbWholeJoin>& whole, qbWholeJoin::Members::Mark mark) {
+  if (mark) whole->Leave(mark);
+  if (whole->Count() == 1) RouteFirstAnew(*whole);
+  if (whole->Count() > 0) return;
+  const auto loaded = loadedWholes_.find(whole.get());
+  wholeOf_.erase(loaded->second.boxes);
+  wholes_.RemoveAt(wholes_.PositionOf(loaded->second.inAll));
+  loadedWholes_.erase(loaded);
+}
+
 Ref<qbLine> DiagramScene::AddLine(const Ref<qbRelationship>& relationship, const Ref<qbEntityList>& source,
                                   const Ref<qbEntityList>& target) {
   JoinsChanged();
-  // Lines between the same two boxes run side by side: each takes the first lane that is free.
-  const LineEnds boxes = EndsOf({source.get(), {}}, {target.get(), {}});
-  const int lane = lanes_.Take(boxes);
+  const Ref<qbWholeJoin> whole = TakeWhole(PairOf(source.get(), target.get()));
   Ref<qbLine> line;
   try {
-    line = std::make_shared<qbLine>(relationship, source, target, lane);
+    line = std::make_shared<qbLine>(relationship, source, target, whole);
     LoadedLine& loaded = loadedLines_[line.get()];
-    loaded.boxes = boxes;
+    loaded.inWhole = whole->Append(relationship);
+    if (whole->Count() == 2) RouteFirstAnew(*whole);
     loaded.inAll = lines_.Append(line);
     loaded.atSource = boxes_[source.get()].lines.Append(line);
     if (target != source) loaded.atTarget = boxes_[target.get()].lines.Append(line);
@@ -70,7 +116,7 @@ Ref<qbLine> DiagramScene::AddLine(const Ref<qbRelationship>& relationship, const
     if (line && loadedLines_.contains(line.get())) {
       RemoveLine(line);
     } else {
-      lanes_.GiveBack(boxes, lane);
+      LeaveWhole(whole, nullptr);
     }
     throw;
   }
@@ -84,7 +130,7 @@ void DiagramScene::RemoveLine(const Ref<qbLine>& line) {
   const auto takeOut = [](OrderedList<Ref<qbLine>>& lines, LineMark mark) {
     if (mark) lines.RemoveAt(lines.PositionOf(mark));
   };
-  lanes_.GiveBack(loaded->second.boxes, line->Lane());
+  LeaveWhole(line->Whole(), loaded->second.inWhole);
   if (loaded->second.rows) twins_.GiveBack(*loaded->second.rows, line->Twin());
   if (const auto box = boxes_.find(line->SourceBox().get()); box != boxes_.end()) {
     takeOut(box->second.lines, loaded->second.atSource);
@@ -114,6 +160,16 @@ void DiagramScene::LineChanged(qbLine& line) {
   if (before) twins_.GiveBack(*before, line.Twin());
   before = std::move(rows);
   line.SetTwin(twin);
+}
+
+void DiagramScene::SelectLine(const Ref<qbLine>& line) {
+  selectedLine_ = line;
+  JoinsChanged();
+}
+
+Ref<qbWholeJoin> DiagramScene::SelectedWhole() const {
+  const Ref<qbLine> line = selectedLine_.lock();
+  return line && loadedLines_.contains(line.get()) ? line->Whole() : nullptr;
 }
 
 // --- Looking ---
@@ -161,6 +217,7 @@ void DiagramScene::UpdateRowMarks() const {
   rowMarksStale_ = false;
   joinedRows_.clear();
   markedRows_.clear();
+  const Ref<qbWholeJoin> selected = SelectedWhole();
   for (const Ref<qbLine>& line : lines_) {
     const Ref<qbRelationship> join = line->Relationship();
     if (!join) continue;
@@ -169,7 +226,7 @@ void DiagramScene::UpdateRowMarks() const {
       if (!entity || !item || !entity->EntityBox()) continue;
       const BoxRow* row = entity->EntityBox()->Rows().At(static_cast<std::size_t>(item->Index())).get();
       joinedRows_.insert(row);
-      if (line->Selected()) markedRows_.insert(row);
+      if (line->Whole() == selected) markedRows_.insert(row);
     }
   }
 }

@@ -5,9 +5,11 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <optional>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "zrqrybld/base/event.h"
@@ -15,6 +17,7 @@
 #include "zrqrybld/diagram/entity_box.h"
 #include "zrqrybld/diagram/line_numbers.h"
 #include "zrqrybld/diagram/placement.h"
+#include "zrqrybld/diagram/whole_join.h"
 
 namespace zrqrybld {
 
@@ -76,10 +79,21 @@ class DiagramScene {
   const OrderedList<Ref<qbLine>>& Lines() const { return lines_; }
   /// The line's position among them, from 1.
   std::size_t PositionOf(const qbLine& line) const { return lines_.PositionOf(loadedLines_.at(&line).inAll); }
+  /// The joins that lines between the same two boxes make together, in the order of their first lines.
+  const OrderedList<Ref<qbWholeJoin>>& Wholes() const { return wholes_; }
+  bool HasWhole(const qbWholeJoin& whole) const { return loadedWholes_.contains(&whole); }
+  /// The whole's position among them, from 1.
+  std::size_t PositionOf(const qbWholeJoin& whole) const { return wholes_.PositionOf(loadedWholes_.at(&whole).inAll); }
+  /// The whole between two boxes, whichever way round; nothing when there is none.
+  Ref<qbWholeJoin> WholeBetween(const qbEntityList* one, const qbEntityList* other) const;
   /// Those that start or end at the box.
   std::vector<Ref<qbLine>> LinesAt(const qbEntityList& box) const;
   /// The line joins other columns now.
   void LineChanged(qbLine& line);
+  /// The line is the selected object, or with nothing none is.
+  void SelectLine(const Ref<qbLine>& line);
+  /// The join whose line is the selected object; nothing when none is.
+  Ref<qbWholeJoin> SelectedWhole() const;
 
   // --- Looking ---
 
@@ -106,10 +120,18 @@ class DiagramScene {
     LineMark inAll = nullptr;
     LineMark atSource = nullptr;
     LineMark atTarget = nullptr;  // nothing where both ends are at one box
-    LineEnds boxes;
+    qbWholeJoin::Members::Mark inWhole = nullptr;
     std::optional<LineEnds> rows;  // once the join has both columns
   };
+  using BoxPair = std::pair<const qbEntityList*, const qbEntityList*>;
+  struct LoadedWhole {
+    OrderedList<Ref<qbWholeJoin>>::Mark inAll = nullptr;
+    BoxPair boxes;
+  };
 
+  static BoxPair PairOf(const qbEntityList* one, const qbEntityList* other);
+  Ref<qbWholeJoin> TakeWhole(const BoxPair& boxes);
+  void LeaveWhole(const Ref<qbWholeJoin>& whole, qbWholeJoin::Members::Mark mark);
   void UpdateRowMarks() const;
 
   DiagramSite& site_;
@@ -118,7 +140,10 @@ class DiagramScene {
   OrderedList<Ref<qbEntityList>> stacking_;
   OrderedList<Ref<qbLine>> lines_;
   std::unordered_map<const qbLine*, LoadedLine> loadedLines_;
-  LineNumbers lanes_;  // of the lines between two boxes, whose columns are left out
+  OrderedList<Ref<qbWholeJoin>> wholes_;
+  std::map<BoxPair, Ref<qbWholeJoin>> wholeOf_;
+  std::unordered_map<const qbWholeJoin*, LoadedWhole> loadedWholes_;
+  WeakRef<qbLine> selectedLine_;
   LineNumbers twins_;  // of the lines between two rows
   // Made anew when the joins have changed.
   mutable RowSet joinedRows_;

@@ -28,12 +28,12 @@ bool IsForeign(const DiagramScene& scene, const Ref<Object>& object) {
   return entity && !scene.HasBox(*entity->EntityBox());
 }
 
-void MarkLine(const Ref<Object>& object, bool selected) {
-  const auto join = std::dynamic_pointer_cast<qbRelationship>(object);
-  if (join && join->Line()) join->Line()->SetSelected(selected);
-}
-
 }  // namespace
+
+void DiagramSelection::ShowSelectedLine() {
+  const Ref<qbRelationship> join = selected_ == leaving_ ? nullptr : Join();
+  scene_.SelectLine(join ? join->Line() : nullptr);
+}
 
 Ref<qbEntity> DiagramSelection::Entity() const { return std::dynamic_pointer_cast<qbEntity>(selected_); }
 
@@ -62,8 +62,7 @@ void DiagramSelection::Select(const Ref<Object>& object) {
   if ((selected_ && selected_ != leaving_) || !IsInDiagram(object)) return;
   selected_ = object;
   ++revision_;
-  scene_.JoinsChanged();
-  MarkLine(object, true);
+  ShowSelectedLine();
   site_.Refresh();
   site_.ObjectActivate.Raise(object);
 }
@@ -75,8 +74,7 @@ void DiagramSelection::Drop() {
   others_.clear();
   const Ref<Object> object = selected_;
   const ScopedValue leaving(leaving_, object);
-  scene_.JoinsChanged();
-  MarkLine(object, false);
+  ShowSelectedLine();
   site_.Refresh();
   site_.ObjectDeactivate.Raise(object);
   if (selected_ == object) selected_ = nullptr;
@@ -123,11 +121,11 @@ void DiagramSelection::ForgetRemoved() {
 Ref<Object> DiagramSelection::PutAside() { return std::exchange(selected_, nullptr); }
 
 void DiagramSelection::PutBack(const Ref<Object>& object) {
-  scene_.JoinsChanged();
   site_.Refresh();
-  if (IsInDiagram(object)) {
-    selected_ = object;
-  } else if (object) {
+  if (IsInDiagram(object)) selected_ = object;
+  ShowSelectedLine();
+  if (selected_) return;
+  if (object) {
     others_.clear();
     site_.ObjectDeactivate.Raise(object);
   }

@@ -58,6 +58,8 @@ class DiagramSelection {
   void PutBack(const Ref<Object>& object);
 
  private:
+  void ShowSelectedLine();
+
   DiagramSite& site_;
   DiagramScene& scene_;
   Ref<Object> selected_;

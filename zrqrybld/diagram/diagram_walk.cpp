@@ -47,10 +47,9 @@ bool DiagramWalk::ToggleCurrentRow() {
 bool DiagramWalk::SelectNext(int direction) {
   std::vector<Ref<Object>> objects;
   for (const Ref<qbEntity>& entity : entities_) objects.push_back(entity);
-  for (const Ref<qbLine>& line : scene_.Lines()) {
-    if (const Ref<qbRelationship> join = line->Relationship()) objects.push_back(join);
-  }
-  const auto at = std::ranges::find(objects, selection_.Selected());
+  for (const Ref<qbWholeJoin>& whole : scene_.Wholes()) objects.push_back(whole);
+  const Ref<qbRelationship> selected = selection_.Join();
+  const auto at = std::ranges::find(objects, selected ? Ref<Object>(WholeOf(*selected)) : selection_.Selected());
   std::ptrdiff_t next = 0;
   if (at != objects.end()) {
     next = at - objects.begin() + direction;
@@ -61,7 +60,9 @@ bool DiagramWalk::SelectNext(int direction) {
     selection_.Drop();
     return false;
   }
-  selection_.Select(objects[static_cast<std::size_t>(next)]);
+  const Ref<Object>& object = objects[static_cast<std::size_t>(next)];
+  const auto whole = std::dynamic_pointer_cast<qbWholeJoin>(object);
+  selection_.Select(whole ? Ref<Object>(whole->First()) : object);
   if (const Ref<qbEntity> entity = selection_.Entity()) Show(*entity);
   return true;
 }

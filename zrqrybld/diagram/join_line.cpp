@@ -3,17 +3,17 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <string_view>
+#include <utility>
 
 #include "zrqrybld/diagram/entity_item.h"
+#include "zrqrybld/diagram/join_properties.h"
 #include "zrqrybld/diagram/routing.h"
 
 namespace zrqrybld {
 namespace {
 
 constexpr Pixels kStub = 14_px;
-constexpr Pixels kLaneWidth = 6_px;
-constexpr Pixels kCaptionLane = 4_px;
-constexpr std::array<double, 7> kCaptionLanes = {0, 1, -1, 2, -2, 3, -3};
 constexpr Pixels kBend = 5_px;
 constexpr Pixels kEndMark = 4_px;
 constexpr Pixels kArrow = 8_px;
@@ -25,6 +25,8 @@ constexpr Pixels kCircle = 5_px;   // radius
 constexpr Pixels kOverlap = 3_px;  // from each circle's middle to that of the sign
 constexpr Pixels kSignAir = 3_px;
 constexpr Pixels kSignRoom = 12_px;  // beside it, to each box
+constexpr double kComparisonPoints = 8;
+constexpr Pixels kComparisonAir = 3_px;
 
 // All rows of the table at this end: an arrow that points into its box.
 void DrawArrow(Canvas& canvas, PixelPoint tip, bool pointsRight, const Ink& ink) {
@@ -82,6 +84,18 @@ void DrawInequality(Canvas& canvas, PixelPoint middle) {
   }
 }
 
+// A condition besides the columns: a funnel.
+void DrawFunnel(Canvas& canvas, PixelPoint middle, const Ink& ink) {
+  std::vector<PixelPoint> points;
+  for (const auto& [x, y] : {std::array{-5.0, -4.5}, {5.0, -4.5}, {1.3, 0.3}, {1.3, 5.0}, {-1.3, 3.6}, {-1.3, 0.3}}) {
+    points.push_back({middle.x + Pixels(x), middle.y + Pixels(y)});
+  }
+  canvas.FillPolygon(points, ink);
+}
+
+// A comparison as it is written on a line, in the few characters that there is room for.
+std::string_view ShortSign(JoinComparisonEnum comparison) { return comparison == JoinSame ? "IS" : SignOf(comparison); }
+
 // A small square ties the line to its row; it is hollow when the row is scrolled away.
 void DrawTie(Canvas& canvas, PixelPoint end, bool boxIsRight, bool atRow, const Ink& ink) {
   const PixelRect square{boxIsRight ? end.x - kEndMark : end.x, end.y - kEndMark / 2, kEndMark, kEndMark};
@@ -93,6 +107,8 @@ void DrawTie(Canvas& canvas, PixelPoint end, bool boxIsRight, bool atRow, const 
 }
 
 }  // namespace
+
+Ref<qbWholeJoin> WholeOf(const qbRelationship& join) { return join.Line() ? join.Line()->Whole() : nullptr; }
 
 void qbLine::SetTwin(int twin) {
   if (twin == twin_) return;
@@ -120,36 +136,75 @@ const std::vector<PixelPoint>& qbLine::Points(const ScreenScale& scale) const {
   if (!join) return points_;
   const Ref<qbEntityItem> sourceItem = join->SourceItem();
   const Ref<qbEntityItem> targetItem = join->TargetItem();
-  if (!sourceItem || !targetItem) return points_;
-  const auto sourceRow = static_cast<std::size_t>(sourceItem->Index());
-  const auto targetRow = static_cast<std::size_t>(targetItem->Index());
-  sourceAtRow_ = source->IsRowVisible(sourceRow);
-  targetAtRow_ = target->IsRowVisible(targetRow);
-  // Lines whose rows are out of sight all end at the caption: there their lanes keep them apart.
-  const Pixels aside = kCaptionLane * kCaptionLanes[static_cast<std::size_t>(lane_) % kCaptionLanes.size()];
+  const bool byCaptions = IsConditionAlone(*join) && whole_->Count() == 1;
+  if (!byCaptions && (!sourceItem || !targetItem)) return points_;
+  const auto sourceRow = sourceItem ? static_cast<std::size_t>(sourceItem->Index()) : 0;
+  const auto targetRow = targetItem ? static_cast<std::size_t>(targetItem->Index()) : 0;
+  sourceAtRow_ = byCaptions || source->IsRowVisible(sourceRow);
+  targetAtRow_ = byCaptions || target->IsRowVisible(targetRow);
   const Pixels apart = Pixels(kTwinOffsets[static_cast<std::size_t>(twin_) % kTwinOffsets.size()]);
-  points_ = RouteLine({scale.ToPixels(source->Bounds()), source->LineY(sourceRow) + (sourceAtRow_ ? apart : aside)},
-                      {scale.ToPixels(target->Bounds()), target->LineY(targetRow) + (targetAtRow_ ? apart : aside)},
-                      {kStub, kLaneWidth * lane_});
+  points_ =
+      RouteLine({scale.ToPixels(source->Bounds()), source->LineY(sourceRow) + (sourceAtRow_ ? apart : 0_px)},
+                {scale.ToPixels(target->Bounds()), target->LineY(targetRow) + (targetAtRow_ ? apart : 0_px)}, {kStub});
   area_ = {points_.front().x, points_.front().y, 1_px, 1_px};
   for (const PixelPoint& point : points_) area_ = area_.Union({point.x, point.y, 1_px, 1_px});
   return points_;
 }
 
-const PixelRect& qbLine::Area(const ScreenScale& scale) const {
-  static const PixelRect kNowhere{Pixels(-1e12), Pixels(-1e12), 0_px, 0_px};
-  return Points(scale).empty() ? kNowhere : area_;
+// The last one that is complete: so its sign lies on all of them.
+bool qbLine::DrawsTrunk(const ScreenScale& scale) const {
+  const qbWholeJoin::Members& members = whole_->Drawn();
+  if (members.Count() <= 1) return true;
+  for (auto link = members.rbegin(); link != members.rend(); ++link) {
+    const Ref<qbRelationship> join = link->lock();
+    if (join && join->Line() && !join->Line()->Points(scale).empty()) return join->Line().get() == this;
+  }
+  return false;
+}
+
+qbLine::Trunk qbLine::FindTrunk(const ScreenScale& scale) const {
+  const std::vector<PixelPoint>& points = Points(scale);
+  const std::size_t bend = points.size() / 2;
+  Trunk trunk{points[bend - 1], points[bend]};
+  if (trunk.top.x != trunk.bottom.x || whole_->Count() == 1) return trunk;
+  if (trunk.top.y > trunk.bottom.y) std::swap(trunk.top, trunk.bottom);
+  trunk.topBend = trunk.bottomBend = trunk.top.y < trunk.bottom.y ? kBend : 0_px;
+  for (const WeakRef<qbRelationship>& link : whole_->Drawn()) {
+    const Ref<qbRelationship> join = link.lock();
+    if (!join || !join->Line()) continue;
+    const std::vector<PixelPoint>& others = join->Line()->Points(scale);
+    if (others.size() != points.size() || others[bend].x != trunk.top.x) continue;
+    const auto [upper, lower] = std::minmax(others[bend - 1].y, others[bend].y);
+    const Pixels bends = upper == lower ? 0_px : kBend;
+    if (upper < trunk.top.y || (upper == trunk.top.y && bends == 0_px)) trunk.topBend = bends;
+    if (lower > trunk.bottom.y || (lower == trunk.bottom.y && bends == 0_px)) trunk.bottomBend = bends;
+    trunk.top.y = std::min(trunk.top.y, upper);
+    trunk.bottom.y = std::max(trunk.bottom.y, lower);
+  }
+  return trunk;
+}
+
+PixelRect qbLine::Area(const ScreenScale& scale) const {
+  if (Points(scale).empty()) return {Pixels(-1e12), Pixels(-1e12), 0_px, 0_px};
+  if (whole_->Count() == 1 || !DrawsTrunk(scale)) return area_;
+  const Trunk trunk = FindTrunk(scale);
+  return area_.Union({trunk.top.x, trunk.top.y, 1_px, trunk.bottom.y - trunk.top.y + 1_px});
 }
 
 Pixels qbLine::DistanceTo(PixelPoint point, const ScreenScale& scale) const {
-  return DistanceToLine(point, Points(scale));
+  const Pixels own = DistanceToLine(point, Points(scale));
+  if (points_.empty() || whole_->Count() == 1 || !DrawsTrunk(scale)) return own;
+  const Trunk trunk = FindTrunk(scale);
+  return std::min(own, DistanceToLine(point, {trunk.top, trunk.bottom}));
 }
 
-void qbLine::Paint(Canvas& canvas, const ScreenScale& scale, bool selected, bool hover) const {
+void qbLine::Paint(Canvas& canvas, const ScreenScale& scale, const TextMetrics& metrics, bool selected,
+                   bool hover) const {
   const std::vector<PixelPoint>& points = Points(scale);
   if (points.empty()) return;
   const Ink ink = selected ? ColorRole::JoinSelected : hover ? ColorRole::JoinHover : ColorRole::Join;
-  canvas.DrawPolyline(points, ink, selected ? 2.5_px : hover ? 2_px : 1.5_px, kBend);
+  const Pixels width = selected ? 2.5_px : hover ? 2_px : 1.5_px;
+  canvas.DrawPolyline(points, ink, width, kBend);
   const Ref<qbRelationship> join = Relationship();
   const JoinKind kind = join ? join->Kind() : JoinKind();
   const PixelPoint first = points.front();
@@ -172,31 +227,78 @@ void qbLine::Paint(Canvas& canvas, const ScreenScale& scale, bool selected, bool
            join ? pictureAt(join->LeftIndicator(), join->LeftPicture()) : nullptr);
   paintEnd(last, targetIsRight, kind.allOfTarget, targetAtRow_,
            join ? pictureAt(join->RightIndicator(), join->RightPicture()) : nullptr);
-  PaintSign(canvas, kind, ink);
+  PaintComparison(canvas, metrics);
+  if (!DrawsTrunk(scale)) return;
+  const Trunk trunk = FindTrunk(scale);
+  if (whole_->Count() > 1) {
+    const std::array ends{PixelPoint{trunk.top.x, trunk.top.y + trunk.topBend},
+                          PixelPoint{trunk.bottom.x, trunk.bottom.y - trunk.bottomBend}};
+    canvas.DrawPolyline(ends, ink, width);
+  }
+  PaintSign(canvas, trunk, ink);
 }
 
-// In the middle of the line, on a ground of its own: the circle of the table that stands further left is the left one.
-// Columns of different types have a sign of inequality behind it. In a narrow gap there is no room for circles: there
-// the ends alone tell the kind.
-void qbLine::PaintSign(Canvas& canvas, JoinKind kind, const Ink& ink) const {
-  const std::size_t bend = points_.size() / 2;
-  const PixelPoint a = points_[bend - 1];
-  const PixelPoint b = points_[bend];
-  const auto beside = [](PixelPoint end, PixelPoint at) { return Pixels(std::fabs((at.x - end.x).Value())); };
-  const bool roomy = std::min(beside(points_.front(), a), beside(points_.back(), b)) >= kSignRoom;
-  const bool differs = JoinsDifferentTypes();
-  if (!roomy && !differs) return;
+// What is no equality stands on the line where reading begins: beside the left box or, where both ends are at one side,
+// the upper one; from there on it reads as the columns stand. Where that piece is too short it goes to the bend.
+void qbLine::PaintComparison(Canvas& canvas, const TextMetrics& metrics) const {
+  const Ref<qbRelationship> join = Relationship();
+  if (!join || join->Comparison() == JoinEqual || IsConditionAlone(*join)) return;
+  const PixelPoint first = points_.front();
+  const PixelPoint last = points_.back();
+  const bool oneSide = (points_[1].x < first.x) == (points_[points_.size() - 2].x < last.x);
+  const bool fromSource = oneSide ? first.y <= last.y : first.x <= last.x;
+  const JoinComparisonEnum comparison =
+      fromSource ? join->Comparison() : Mirrored(join->Comparison()).value_or(join->Comparison());
+  const PixelPoint end = fromSource ? first : last;
+  const PixelPoint bend = fromSource ? points_[1] : points_[points_.size() - 2];
+  Font font;
+  font.points = kComparisonPoints;
+  const std::string_view sign = ShortSign(comparison);
+  const PixelSize size{metrics.TextWidth(sign, font) + kComparisonAir * 2, metrics.LineHeight(font)};
+  // The mark at the line's end stays free.
+  const Pixels begin = end.x + (bend.x > end.x ? kArrow : -kArrow);
+  const bool fits = Pixels(std::fabs((bend.x - begin).Value())) >= size.width;
+  PixelPoint middle{(begin + bend.x) / 2, end.y};
+  if (!fits) middle = {bend.x, end.y + (whole_->Count() == 1 ? kCircle + kSignAir + size.height / 2 : 0_px)};
+  const PixelRect ground{middle.x - size.width / 2, middle.y - size.height / 2, size.width, size.height};
+  canvas.FillRect(ground, ColorRole::Surface, kComparisonAir);
+  canvas.DrawText(ground, sign, {ColorRole::SurfaceText, font, TextAlignment::Center});
+}
+
+// In the middle of the trunk, on a ground of its own: the circle of the table that stands further left is the left one.
+// Columns of different types have a sign of inequality behind it, and a condition a funnel. In a narrow gap there is no
+// room for circles: there the ends alone tell the kind.
+void qbLine::PaintSign(Canvas& canvas, const Trunk& trunk, const Ink& ink) const {
+  const auto beside = [&](PixelPoint end) { return Pixels(std::fabs((trunk.top.x - end.x).Value())); };
+  const bool roomy = std::min(beside(points_.front()), beside(points_.back())) >= kSignRoom;
+  bool differs = false;
+  bool asks = false;
+  for (const WeakRef<qbRelationship>& link : whole_->Drawn()) {
+    const Ref<qbRelationship> join = link.lock();
+    if (!join || !join->Line()) continue;
+    differs = differs || join->Line()->JoinsDifferentTypes();
+    asks = asks || !join->Condition().empty();
+  }
+  if (!roomy && !differs && !asks) return;
   const Pixels circles = roomy ? (kOverlap + kCircle) * 2 + kSignAir : 0_px;
-  const Pixels width = circles + kSignAir + (differs ? kCircle * 2 + kSignAir : 0_px);
-  const PixelRect ground{(a.x + b.x) / 2 - width / 2, (a.y + b.y) / 2 - kCircle - kSignAir, width,
-                         (kCircle + kSignAir) * 2};
+  const Pixels mark = kCircle * 2 + kSignAir;
+  const Pixels width = circles + kSignAir + (differs ? mark : 0_px) + (asks ? mark : 0_px);
+  const PixelRect ground{(trunk.top.x + trunk.bottom.x) / 2 - width / 2,
+                         (trunk.top.y + trunk.bottom.y) / 2 - kCircle - kSignAir, width, (kCircle + kSignAir) * 2};
   canvas.FillRect(ground, ColorRole::Surface, kCircle + kSignAir);
+  const Ref<qbRelationship> own = Relationship();
+  const JoinKind kind = own ? whole_->KindFor(*own) : JoinKind();
   const bool sourceIsLeft = points_.front().x <= points_.back().x;
   const bool allOfLeft = sourceIsLeft ? kind.allOfSource : kind.allOfTarget;
   const bool allOfRight = sourceIsLeft ? kind.allOfTarget : kind.allOfSource;
   const Pixels middle = ground.left + kSignAir + kCircle + kOverlap;
   if (roomy) DrawKind(canvas, {middle, ground.CenterY()}, allOfLeft, allOfRight, ink);
-  if (differs) DrawInequality(canvas, {ground.Right() - kSignAir - kCircle, ground.CenterY()});
+  Pixels at = ground.Right() - kSignAir - kCircle;
+  if (asks) {
+    DrawFunnel(canvas, {at, ground.CenterY()}, ink);
+    at = at - mark;
+  }
+  if (differs) DrawInequality(canvas, {at, ground.CenterY()});
 }
 
 }  // namespace zrqrybld

@@ -85,10 +85,12 @@ class ZRQRYBLD_API qbRelationship final : public Object {
   const std::string& Condition() const { return facts_.condition; }
   void SetCondition(std::string_view typed);
 
+  /// The largest group level.
+  static constexpr std::int32_t kDeepestGroup = kDeepestJoinGroup;
+
   /// In how many groups the join stands; 0 at first. Tables that joins of level 1 and more hold together are joined
   /// first, in parentheses, and what is joined to one of them is joined to all: so they are there or missing together.
   /// Negative numbers count as 0, larger ones than `kDeepestGroup` as that.
-  static constexpr std::int32_t kDeepestGroup = kDeepestJoinGroup;
   std::int32_t GroupLevel() const { return facts_.groupLevel; }
   void SetGroupLevel(std::int32_t level);
 

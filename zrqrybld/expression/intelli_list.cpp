@@ -28,6 +28,23 @@ bool IsWritten(const SuggestionList& list) {
          });
 }
 
+// A part of the query's tables.
+class SomeTables final : public SourceFacts {
+ public:
+  SomeTables(SourceFacts& all, const std::vector<std::string>& captions) : all_(all) {
+    for (const QueryTableFacts& table : all.QueryTables()) {
+      if (std::ranges::find(captions, table.caption) != captions.end()) queryTables_.push_back(table);
+    }
+  }
+  const std::vector<const TableFacts*>& Tables() const override { return all_.Tables(); }
+  const std::vector<QueryTableFacts>& QueryTables() const override { return queryTables_; }
+  const TableFacts* Find(const std::vector<std::string>& parts) override { return all_.Find(parts); }
+
+ private:
+  SourceFacts& all_;
+  std::vector<QueryTableFacts> queryTables_;
+};
+
 }  // namespace
 
 Ref<qbIntelliList> qbIntelliList::Create(const Ref<QueryContext>& context, EditedText kind) {
@@ -53,7 +70,9 @@ SuggestionList qbIntelliList::Ask(std::string_view text, std::size_t caret) {
   AddMarkers(words, ParameterMarkers(text.substr(0, caret)), inUse);
   AddMarkers(words, ParameterMarkers(text.substr(caret)), inUse);
   const NameRules names = CurrentNameRules(*context);
-  return Suggest({text, caret, kind_, *facts, words, names});
+  if (!tables_) return Suggest({text, caret, kind_, *facts, words, names});
+  SomeTables some(*facts, *tables_);
+  return Suggest({text, caret, kind_, some, words, names});
 }
 
 void qbIntelliList::OnTyped(std::string_view text, std::size_t caret, bool inserted) {

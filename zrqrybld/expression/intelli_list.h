@@ -6,8 +6,10 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "zrqrybld/base/event.h"
@@ -42,6 +44,8 @@ class ZRQRYBLD_API qbIntelliList final : public Object {
 
   /// The editor has got the keyboard: whatever must be read from the source is read now, not while one types.
   void Prepare();
+  /// Only these of the query's tables are offered, by their captions; without a call all are.
+  void SetTables(std::vector<std::string> captions) { tables_ = std::move(captions); }
   /// The user has changed the text; `inserted` says whether characters were typed. Caret and ranges are in bytes.
   void OnTyped(std::string_view text, std::size_t caret, bool inserted);
   /// The user asks for the list. It stays closed when nothing fits.
@@ -73,6 +77,7 @@ class ZRQRYBLD_API qbIntelliList final : public Object {
   WeakRef<QueryContext> context_;
   EditedText kind_;
   std::vector<std::string> markers_;  // of the parameters that the query has
+  std::optional<std::vector<std::string>> tables_;
   SuggestionList list_;
   std::ptrdiff_t selected_ = -1;
 };

@@ -107,7 +107,7 @@ void CellRules::TakeAlias(zrGridRow& row) const {
   const std::optional<AliasedText> split = SplitAlias(typed.column);
   const Ref<qbEntities> entities = rows_.Entities();
   const auto isColumn = [&](const Ref<qbEntity>& entity) { return FindItemExactly(*entity, typed.column) != nullptr; };
-  if (!split || std::ranges::any_of(entities->begin(), entities->end(), isColumn)) return;
+  if (!split || (entities && std::ranges::any_of(entities->begin(), entities->end(), isColumn))) return;
   const RowWriter writer(row);
   writer.SetText(kColumnAlias, split->alias);
   writer.SetText(kColumnColumn, split->expression);
@@ -118,7 +118,8 @@ void CellRules::TakeAlias(zrGridRow& row) const {
 void CellRules::CheckExpression(zrGridRow& row) const {
   const Ref<QueryContext> context = rows_.Context();
   const FieldName typed = FieldOf(row);
-  if (row.Index() == 0 || rows_.Entities()->FindExactly(typed.table) || TrimWhite(typed.column) == "*") return;
+  const Ref<qbEntities> entities = rows_.Entities();  // none once a listener has taken the diagram away
+  if (row.Index() == 0 || !entities || entities->FindExactly(typed.table) || TrimWhite(typed.column) == "*") return;
   const RowWriter writer(row);
   const Ref<qbDBFunctions> functions = context->source.DBFunctions();
   if (RowReader(row).Grouping(functions.get()).kind == GroupingKind::GroupBy &&

@@ -154,7 +154,7 @@ class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
   /// The query as the text of such a file, without a line end at its end.
   std::string SaveQueryToText();
 
-  /// Lets the user edit the kind of a join. Returns whether it was accepted; `ItemData` holds the kind then.
+  /// Lets the user edit the whole join of a relationship; whether it was accepted: `ItemData` holds the kind then.
   bool ShowJoinProperties(const Ref<qbRelationship>& relationship);
 
   /// Draws the joins that the source's foreign keys name between the tables of the diagram.

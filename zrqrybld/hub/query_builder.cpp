@@ -2,13 +2,16 @@
 #include <functional>
 
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/base/texts_diagram.h"
 #include "zrqrybld/base/texts_hub.h"
 #include "zrqrybld/diagram/auto_joins.h"
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
-#include "zrqrybld/diagram/join_properties.h"
+#include "zrqrybld/diagram/join_editing.h"
 #include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/diagram/table_picker.h"
+#include "zrqrybld/diagram/whole_joins.h"
+#include "zrqrybld/expression/expression_zoom.h"
 #include "zrqrybld/expression/schema_cache.h"
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/host/connection_info.h"
@@ -26,6 +29,8 @@
 #include "zrqrybld/platform/toolkit.h"
 #include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/dialect_functions.h"
+#include "zrqrybld/sql/join_condition.h"
+#include "zrqrybld/sql/join_list.h"
 #include "zrqrybld/sql/names.h"
 #include "zrqrybld/sql/query_snapshot.h"
 #include "zrqrybld/sql/rename.h"
@@ -178,10 +183,59 @@ void qbQueryBuilder::ShowTables() {
   if (sqlPane_) sqlPane_->ShowChange();
 }
 
+namespace {
+
+void ListTables(const std::vector<FromEntry>& from, std::vector<std::size_t>& tables) {
+  for (const FromEntry& entry : from) {
+    if (entry.group.empty()) tables.push_back(entry.table);
+    ListTables(entry.group, tables);
+  }
+}
+
+// The two tables of a join and all that stand before them in FROM, by their positions: what its condition can name.
+std::vector<std::size_t> TablesForCondition(const QuerySnapshot& query, const qbRelationship& join) {
+  std::vector<std::size_t> tables;
+  ListTables(PlaceTables(query), tables);
+  const Ref<qbEntity> source = join.Source();
+  const Ref<qbEntity> target = join.Target();
+  const auto isEnd = [&](std::size_t table) {
+    const std::string& caption = query.tables[table].caption.Name();
+    return (source && source->Caption() == caption) || (target && target->Caption() == caption);
+  };
+  tables.erase(std::ranges::find_if(tables.rbegin(), tables.rend(), isEnd).base(), tables.end());
+  return tables;
+}
+
+// Helps to type the condition of a join, which names no table that is joined later.
+Ref<frmExpressionZoom> FormForCondition(const Ref<QueryContext>& context, const qbRelationship& join) {
+  const QuerySnapshot query = context->design.Snapshot();
+  const std::vector<std::size_t> known = TablesForCondition(query, join);
+  std::vector<std::string> captions;
+  for (const std::size_t table : known) captions.push_back(query.tables[table].caption.Name());
+  const Ref<frmExpressionZoom> form = frmExpressionZoom::Create(context, EditedText::Expression);
+  form->Suggestions()->SetTables(captions);
+  form->SetReader([known, tables = query.tables](std::string_view text) {
+    const std::string condition = JoinConditionText(text);
+    for (const std::size_t table : TablesNamed(condition, tables).tables) {
+      if (std::ranges::find(known, table) != known.end()) continue;
+      throw Error(ErrorInvalidCall, {text::ConditionNamesOther, tables[table].caption.Name()});
+    }
+  });
+  return form;
+}
+
+}  // namespace
+
 bool qbQueryBuilder::ShowJoinProperties(const Ref<qbRelationship>& relationship) {
   if (!relationship) return false;
   const StepScope step(RefTo(*this), kStepEditJoin);
-  if (!EditJoin(*this, *relationship)) return false;
+  const Ref<qbEntity> from = relationship->Source();
+  const Ref<qbEntity> to = relationship->Target();
+  const bool selected = diagramPane_ && DiagramPane()->SelectedObject() == relationship;
+  if (!EditJoin(*this, *relationship, FormForCondition(RefTo(*this), *relationship))) return false;
+  // Its own pair may be the one that was taken out: the join stays selected.
+  const Ref<qbWholeJoin> whole = selected ? DiagramPane()->WholeJoins()->Between(from, to) : nullptr;
+  if (whole && !DiagramPane()->SelectedObject()) DiagramPane()->SelectObject(whole->First());
   QueryChanged();
   return true;
 }

@@ -37,6 +37,16 @@ struct TablesDialog {
 
 /// The properties of a join. An ampersand in a caption marks the access key, but not one in a table's name.
 struct JoinDialog {
+  /// Two columns that a join compares.
+  struct Pair {
+    std::size_t column1 = 0;     ///< among `columns1`, from 0
+    std::size_t comparison = 0;  ///< among `comparisons`, from 0
+    std::size_t column2 = 0;     ///< among `columns2`, from 0
+    bool turned = false;         ///< whether the second table's column stands before the comparison
+    std::size_t origin = 0;      ///< which of the pairs it was when the window opened, from 1; 0 for a new one
+    friend bool operator==(const Pair&, const Pair&) = default;
+  };
+
   std::string caption;
   std::string frame;
   std::string allOfTable1;  ///< the text of the first check box
@@ -53,6 +63,22 @@ struct JoinDialog {
   std::function<std::string(bool all1, bool all2)> describe = {};
   /// Why a choice cannot be had, "" when it can. Without it every choice can be had.
   std::function<std::string(bool all1, bool all2)> warning = {};
+
+  // What else the join says. A window that shows only the two choices leaves it as it is.
+
+  std::vector<std::string> columns1 = {};     ///< of the first table
+  std::vector<std::string> columns2 = {};     ///< of the second one
+  std::vector<std::string> comparisons = {};  ///< that can be had, as they are written; equality first
+  /// The columns that are compared; set before the dialog opens, and by the user.
+  std::vector<Pair> pairs = {};
+  /// What is asked besides, as SQL; set before the dialog opens, and by the user.
+  std::string condition = {};
+  /// What helps to type the condition and checks it. Without it the window shows neither pairs nor condition.
+  std::shared_ptr<frmExpressionZoom> conditionForm = {};
+  /// Why pairs and condition cannot be taken together, "" when they can; a condition may be half written.
+  std::function<std::string(const std::vector<Pair>& pairs, const std::string& condition)> problem = {};
+  /// Says in words what a condition does with the rows of a choice.
+  std::function<std::string(bool all1, bool all2)> describeCondition = {};
 };
 
 /// The prompt that builds a connection string.

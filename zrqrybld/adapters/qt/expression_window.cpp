@@ -98,12 +98,7 @@ QWidget* ExpressionWindow::MakeEditor(const ExpressionDialog& dialog) {
   editor_->moveCursor(QTextCursor::End);
   // What cannot be read is marked on top of the words' colours.
   editor_->SetHighlighter([this](std::string_view text) {
-    std::vector<TextSpan> spans = HighlightSql(text);
-    if (fault_ && fault_->offset < text.size()) {
-      const std::size_t end = std::min(text.find_first_of(" \t\r\n", fault_->offset + 1), text.size());
-      spans.push_back({fault_->offset, end - fault_->offset, ColorRole::Error});
-    }
-    return spans;
+    return HighlightWithFault(text, fault_ ? std::optional(fault_->offset) : std::nullopt);
   });
   predictive_ = new PredictiveText(*editor_, form_->Suggestions());  // keys reach it before this window's filter
   links_.push_back(editor_->Edited.Connect([this] { Check(); }));

@@ -4,6 +4,7 @@
 #include <QCloseEvent>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
 #include <QPainterPath>
@@ -12,11 +13,18 @@
 #include <QVBoxLayout>
 #include <algorithm>
 #include <array>
+#include <initializer_list>
 
+#include "zrqrybld/adapters/qt/join_pairs.h"
 #include "zrqrybld/adapters/qt/mark.h"
 #include "zrqrybld/adapters/qt/plain_tip.h"
+#include "zrqrybld/adapters/qt/predictive_text.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
+#include "zrqrybld/adapters/qt/qt_text_area.h"
+#include "zrqrybld/adapters/qt/say.h"
+#include "zrqrybld/adapters/qt/sql_highlighter.h"
 #include "zrqrybld/adapters/qt/theme.h"
+#include "zrqrybld/base/texts_diagram.h"
 
 namespace zrqrybld {
 namespace {
@@ -139,8 +147,8 @@ void JoinPicture::paintEvent(QPaintEvent*) {
 
 // --- The window ---
 
-JoinWindow::JoinWindow(const JoinDialog& dialog, QWidget* parent)
-    : QDialog(parent, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint), dialog_(dialog) {
+JoinWindow::JoinWindow(const JoinDialog& dialog, QWidget* parent, const TextSource& texts)
+    : QDialog(parent, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint), dialog_(dialog), texts_(texts) {
   setWindowTitle(ToQString(dialog_.caption));
 
   auto* group = new QGroupBox(ToQString(dialog_.frame));
@@ -158,12 +166,12 @@ JoinWindow::JoinWindow(const JoinDialog& dialog, QWidget* parent)
   sentence_->setAlignment(Qt::AlignLeading | Qt::AlignTop);
   picture_ = new JoinPicture(dialog_.table1, dialog_.table2);
 
-  auto* acceptButton = new QPushButton(ToQString(dialog_.acceptButton));
-  acceptButton->setDefault(true);
+  accept_ = new QPushButton(ToQString(dialog_.acceptButton));
+  accept_->setDefault(true);
   auto* cancelButton = new QPushButton(ToQString(dialog_.cancelButton));
   auto* buttons = new QHBoxLayout;
   buttons->addStretch();
-  buttons->addWidget(acceptButton);
+  buttons->addWidget(accept_);
   buttons->addWidget(cancelButton);
 
   auto* layout = new QVBoxLayout(this);
@@ -172,6 +180,11 @@ JoinWindow::JoinWindow(const JoinDialog& dialog, QWidget* parent)
   layout->addWidget(group);
   layout->addWidget(sentence_);
   layout->addWidget(picture_);
+  if (dialog_.conditionForm) {
+    pairs_ = new JoinPairs(dialog_, texts_);
+    layout->addWidget(pairs_);
+  }
+  const int belowPairs = layout->count();
   if (AnyAnswer(dialog_.warning)) layout->addWidget(MakeWarning());
   layout->addSpacing(4);
   layout->addLayout(buttons);
@@ -180,7 +193,8 @@ JoinWindow::JoinWindow(const JoinDialog& dialog, QWidget* parent)
   const int most = fontMetrics().averageCharWidth() * kMostTextWidth;
   const int groupFrame = group->sizeHint().width() - std::max(all1_->sizeHint().width(), all2_->sizeHint().width());
   for (QCheckBox* box : {all1_, all2_}) FitCheckBox(*box, most - groupFrame);
-  const int width = std::max({picture_->sizeHint().width(), group->sizeHint().width(), buttons->sizeHint().width()});
+  const int width = std::max({picture_->sizeHint().width(), group->sizeHint().width(), buttons->sizeHint().width(),
+                              pairs_ ? pairs_->sizeHint().width() : 0});
   picture_->setFixedWidth(width);
   sentence_->setFixedWidth(width);
   sentence_->setFixedHeight(TallestAnswer(*sentence_, dialog_.describe, width));
@@ -188,7 +202,7 @@ JoinWindow::JoinWindow(const JoinDialog& dialog, QWidget* parent)
 
   connect(all1_, &QCheckBox::toggled, this, &JoinWindow::ShowChoice);
   connect(all2_, &QCheckBox::toggled, this, &JoinWindow::ShowChoice);
-  connect(acceptButton, &QPushButton::clicked, this, &QDialog::accept);
+  connect(accept_, &QPushButton::clicked, this, &QDialog::accept);
   connect(cancelButton, &QPushButton::clicked, this, &QDialog::reject);
   if (warning_) {
     const int textWidth = width - warningMark_->sizeHint().width() - 8;
@@ -196,9 +210,88 @@ JoinWindow::JoinWindow(const JoinDialog& dialog, QWidget* parent)
     warning_->setFixedHeight(
         std::max(TallestAnswer(*warning_, dialog_.warning, textWidth), warningMark_->sizeHint().height()));
   }
+  if (pairs_) {
+    layout->insertWidget(belowPairs, MakeCondition(width));
+    connect(pairs_, &JoinPairs::Changed, this, &JoinWindow::Check);
+    setTabOrder(condition_, accept_);
+    setTabOrder(accept_, cancelButton);
+  }
   all1_->setFocus();
   ApplyColors();
   ShowChoice();
+  Check();
+}
+
+QWidget* JoinWindow::MakeCondition(int width) {
+  auto* panel = new QWidget;
+  auto* label = new QLabel(Say(texts_, text::JoinConditionLabel));
+  condition_ = new QtTextArea;
+  condition_->setFrameShape(QFrame::StyledPanel);
+  condition_->SetLineNumbers(false);
+  condition_->setLineWrapMode(QPlainTextEdit::WidgetWidth);
+  condition_->setTabChangesFocus(true);
+  condition_->setFixedHeight(condition_->fontMetrics().lineSpacing() * 2 + condition_->fontMetrics().height());
+  condition_->SetText(dialog_.condition);
+  condition_->installEventFilter(this);
+  condition_->SetHighlighter([this](std::string_view text) { return HighlightWithFault(text, faultAt_); });
+  new PredictiveText(*condition_, dialog_.conditionForm->Suggestions());
+  label->setBuddy(condition_);
+  condition_->setAccessibleName(label->text().remove(QLatin1Char('&')));
+  message_ = new QLabel;
+  meaning_ = new QLabel;
+  for (QLabel* line : {message_, meaning_}) {
+    line->setTextFormat(Qt::PlainText);
+    line->setWordWrap(true);
+    line->setAlignment(Qt::AlignLeading | Qt::AlignTop);
+    line->setFixedWidth(width);
+  }
+  message_->setObjectName(QStringLiteral("message"));
+  message_->setFixedHeight(message_->fontMetrics().height());
+  meaning_->setFixedHeight(TallestAnswer(*meaning_, dialog_.describeCondition, width));
+  links_.push_back(condition_->Edited.Connect([this] { Check(); }));
+  auto* layout = new QVBoxLayout(panel);
+  layout->setContentsMargins({});
+  layout->setSpacing(4);
+  for (QWidget* part : std::initializer_list<QWidget*>{label, condition_, message_, meaning_}) layout->addWidget(part);
+  return panel;
+}
+
+std::vector<JoinDialog::Pair> JoinWindow::Pairs() const { return pairs_ ? pairs_->Pairs() : dialog_.pairs; }
+
+std::string JoinWindow::Condition() const {
+  return condition_ ? frmExpressionZoom::OnOneLine(condition_->Text()) : dialog_.condition;
+}
+
+void JoinWindow::Check() {
+  if (!pairs_) return;
+  const std::string condition = condition_->Text();
+  std::optional<ExpressionFault> fault;
+  QString problem;
+  boundary_.Run([&] {
+    fault = dialog_.conditionForm->Check(condition);
+    problem = ToQString(fault ? fault->message : dialog_.problem ? dialog_.problem(Pairs(), Condition()) : "");
+  });
+  faultAt_ = fault ? std::optional(fault->offset) : std::nullopt;
+  condition_->Rehighlight();
+  message_->setText(message_->fontMetrics().elidedText(problem, Qt::ElideRight, message_->width()));
+  message_->setToolTip(PlainTip(problem));
+  message_->setAccessibleName(problem);
+  condition_->setAccessibleDescription(problem);
+  accept_->setEnabled(problem.isEmpty());
+  ShowChoice();
+}
+
+// Ctrl+Enter accepts, as Enter writes a line end.
+bool JoinWindow::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::KeyPress && watched == condition_) {
+    const auto& key = static_cast<const QKeyEvent&>(*event);
+    const bool isEnter = key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
+    if (isEnter && key.modifiers().testFlag(Qt::ControlModifier) && accept_->isEnabled()) {
+      accept();
+      return true;
+    }
+  }
+  return QDialog::eventFilter(watched, event);
 }
 
 QWidget* JoinWindow::MakeWarning() {
@@ -248,6 +341,11 @@ void JoinWindow::ShowChoice() {
   sentence_->setAccessibleName(sentence);
   picture_->Show(Table1Checked(), Table2Checked());
   picture_->setAccessibleName(sentence);
+  if (meaning_) {
+    const QString meaning =
+        Condition().empty() ? QString() : Ask(dialog_.describeCondition, Table1Checked(), Table2Checked());
+    meaning_->setText(Breakable(meaning, meaning_->fontMetrics(), meaning_->width()));
+  }
   if (!warning_) return;
   const QString warning = Ask(dialog_.warning, Table1Checked(), Table2Checked());
   warning_->setText(Breakable(warning, warning_->fontMetrics(), warning_->width()));
@@ -261,6 +359,10 @@ void JoinWindow::ApplyColors() {
   QPalette boxes;
   boxes.setColor(QPalette::Window, Theme::ForWindow(palette()).Of(ColorRole::QuietText).lighter(kOutlineFactor));
   for (QCheckBox* box : {all1_, all2_}) box->setPalette(boxes);
+  if (!message_) return;
+  QPalette errors = palette();
+  errors.setColor(QPalette::WindowText, Theme::ForWindow(palette()).Of(ColorRole::Error));
+  message_->setPalette(errors);
 }
 
 void JoinWindow::changeEvent(QEvent* event) {

@@ -76,8 +76,10 @@ void QtDialogs::ShowTables(const TablesDialog& dialog) {
 }
 
 bool QtDialogs::ShowJoinProperties(JoinDialog& dialog) {
-  JoinWindow window(dialog, ParentForDialog());
+  JoinWindow window(dialog, ParentForDialog(), toolkit_.Texts());
   if (window.exec() != QDialog::Accepted) return false;
+  dialog.pairs = window.Pairs();
+  dialog.condition = window.Condition();
   dialog.table1Checked = window.Table1Checked();
   dialog.table2Checked = window.Table2Checked();
   return true;

@@ -1,5 +1,6 @@
 #include "zrqrybld/adapters/qt/sql_highlighter.h"
 
+#include <algorithm>
 #include <optional>
 
 #include "zrqrybld/sql/lexer.h"
@@ -38,6 +39,14 @@ std::vector<TextSpan> HighlightSql(std::string_view text) {
       spans.push_back({token.offset, token.length, *role, *role == ColorRole::Keyword});
     }
   }
+  return spans;
+}
+
+std::vector<TextSpan> HighlightWithFault(std::string_view text, std::optional<std::size_t> faultAt) {
+  std::vector<TextSpan> spans = HighlightSql(text);
+  if (!faultAt || *faultAt >= text.size()) return spans;
+  const std::size_t end = std::min(text.find_first_of(" \t\r\n", *faultAt + 1), text.size());
+  spans.push_back({*faultAt, end - *faultAt, ColorRole::Error});
   return spans;
 }
 

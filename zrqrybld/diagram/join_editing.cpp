@@ -1,0 +1,252 @@
+#include "zrqrybld/diagram/join_editing.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/base/texts_diagram.h"
+#include "zrqrybld/diagram/entity.h"
+#include "zrqrybld/diagram/join_line.h"
+#include "zrqrybld/diagram/join_properties.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/host/context_link.h"
+#include "zrqrybld/host/design_queries.h"
+#include "zrqrybld/host/language_ids.h"
+#include "zrqrybld/host/source_context.h"
+#include "zrqrybld/host/step_context.h"
+#include "zrqrybld/platform/dialogs.h"
+#include "zrqrybld/platform/toolkit.h"
+#include "zrqrybld/sql/join_comparison.h"
+#include "zrqrybld/sql/join_condition.h"
+
+namespace zrqrybld {
+namespace {
+
+// The text with the tables' captions in the places of their markers; a marker in a caption is a part of its name.
+std::string NameTables(std::string_view text, const std::string& table1, const std::string& table2) {
+  constexpr std::string_view kTable1 = "%TABLE1%";
+  constexpr std::string_view kTable2 = "%TABLE2%";
+  std::string named;
+  while (true) {
+    const std::size_t first = FindNoCase(text, kTable1);
+    const std::size_t second = FindNoCase(text, kTable2);
+    const std::size_t at = std::min(first, second);
+    if (at == std::string_view::npos) return named.append(text);
+    named.append(text.substr(0, at)).append(first < second ? table1 : table2);
+    text.remove_prefix(at + kTable1.size());
+  }
+}
+
+struct Columns {
+  std::vector<std::string> names;
+  std::vector<std::int32_t> items;  // their positions in the entity
+};
+
+// All but "*", which no join compares.
+Columns ColumnsOf(const qbEntity& entity) {
+  Columns columns;
+  for (const Ref<qbEntityItem>& item : *entity.Items()) {
+    if (item->Text() == "*") continue;
+    columns.names.push_back(item->Text());
+    columns.items.push_back(item->Index());
+  }
+  return columns;
+}
+
+// What a join is while its window is open: its first table is the one where the relationship that was chosen ends.
+class JoinEditor {
+ public:
+  JoinEditor(QueryContext& context, const qbRelationship& chosen, Ref<qbWholeJoin> whole)
+      : context_(context),
+        table1_(chosen.Target()),
+        table2_(chosen.Source()),
+        whole_(std::move(whole)),
+        members_(whole_->Relationships()),
+        columns1_(ColumnsOf(*table1_)),
+        columns2_(ColumnsOf(*table2_)) {
+    ListComparisons();
+  }
+
+  void Fill(JoinDialog& dialog) const;
+  /// Error 40002 for a condition that cannot be read: nothing was changed then.
+  void Apply(const JoinDialog& dialog);
+
+ private:
+  void ListComparisons();
+  std::optional<JoinDialog::Pair> PairOf(std::size_t member) const;
+  void ApplyPair(const JoinDialog::Pair& pair);
+  void ApplyCondition(const std::string& condition);
+  void Remove(const qbRelationship& join) const;
+
+  QueryContext& context_;
+  const Ref<qbEntity> table1_;
+  const Ref<qbEntity> table2_;
+  const Ref<qbWholeJoin> whole_;
+  const std::vector<Ref<qbRelationship>> members_;
+  const Columns columns1_;
+  const Columns columns2_;
+  std::vector<JoinComparisonEnum> comparisons_;
+};
+
+// Those of the dialect, and those that the join has.
+void JoinEditor::ListComparisons() {
+  for (std::int32_t i = JoinEqual; i <= JoinSame; ++i) {
+    const JoinComparisonEnum comparison = JoinComparisonAt(i);
+    const bool used = std::ranges::any_of(members_, [&](const Ref<qbRelationship>& join) {
+      return join->Comparison() == comparison || Mirrored(join->Comparison()) == comparison;
+    });
+    if (used || !SignOf(comparison, context_.design.CurrentDialect()).empty()) comparisons_.push_back(comparison);
+  }
+}
+
+// None for a relationship that lacks a column.
+std::optional<JoinDialog::Pair> JoinEditor::PairOf(std::size_t member) const {
+  const qbRelationship& join = *members_[member];
+  const bool from1 = join.Source() == table1_;
+  const Ref<qbEntityItem> item1 = from1 ? join.SourceItem() : join.TargetItem();
+  const Ref<qbEntityItem> item2 = from1 ? join.TargetItem() : join.SourceItem();
+  if (!item1 || !item2) return std::nullopt;
+  const auto place = [](const auto& list, auto value) {
+    return static_cast<std::size_t>(std::ranges::find(list, value) - list.begin());
+  };
+  const std::optional<JoinComparisonEnum> seen = from1 ? std::optional(join.Comparison()) : Mirrored(join.Comparison());
+  JoinDialog::Pair pair{place(columns1_.items, item1->Index()), place(comparisons_, seen.value_or(join.Comparison())),
+                        place(columns2_.items, item2->Index()), !seen, member + 1};
+  if (pair.column1 == columns1_.items.size() || pair.column2 == columns2_.items.size()) return std::nullopt;
+  return pair;
+}
+
+void JoinEditor::Fill(JoinDialog& dialog) const {
+  dialog.columns1 = columns1_.names;
+  dialog.columns2 = columns2_.names;
+  for (const JoinComparisonEnum comparison : comparisons_) {
+    const std::string_view sign = SignOf(comparison, context_.design.CurrentDialect());
+    dialog.comparisons.emplace_back(sign.empty() ? SignOf(comparison) : sign);
+  }
+  for (std::size_t i = 0; i < members_.size(); ++i) {
+    if (const std::optional<JoinDialog::Pair> pair = PairOf(i)) dialog.pairs.push_back(*pair);
+  }
+  dialog.condition = ConditionOf(members_);
+  dialog.problem = [this](const std::vector<JoinDialog::Pair>& pairs, const std::string& condition) {
+    const bool empty = pairs.empty() && TrimWhite(condition).empty();
+    return empty ? context_.source.Say(text::JoinAsksNothing) : std::string();
+  };
+  dialog.describeCondition = [this](bool all1, bool all2) {
+    if (all1 && all2) return context_.source.Say(text::ConditionOfFull);
+    if (!all1 && !all2) return context_.source.Say(text::ConditionOfInner);
+    return context_.source.Say(
+        {text::ConditionOfOuter, (all1 ? table1_ : table2_)->Caption(), (all1 ? table2_ : table1_)->Caption()});
+  };
+}
+
+void JoinEditor::Apply(const JoinDialog& dialog) {
+  const std::string condition = JoinConditionText(dialog.condition);
+  std::vector<bool> stays(members_.size());
+  for (const JoinDialog::Pair& pair : dialog.pairs) {
+    if (pair.origin >= 1 && pair.origin <= members_.size()) stays[pair.origin - 1] = true;
+    ApplyPair(pair);
+  }
+  for (std::size_t i = 0; i < members_.size(); ++i) {
+    if (!stays[i] && PairOf(i)) Remove(*members_[i]);
+  }
+  ApplyCondition(condition);
+  whole_->SetKindFrom(table2_, {.allOfTarget = dialog.table1Checked, .allOfSource = dialog.table2Checked});
+}
+
+// A relationship that runs the other way says the same the other way round, where it can.
+void JoinEditor::ApplyPair(const JoinDialog::Pair& pair) {
+  if (pair.column1 >= columns1_.items.size() || pair.column2 >= columns2_.items.size() ||
+      pair.comparison >= comparisons_.size()) {
+    return;
+  }
+  const bool known = pair.origin >= 1 && pair.origin <= members_.size();
+  if (known && PairOf(pair.origin - 1) == pair) return;
+  const JoinComparisonEnum wanted = comparisons_[pair.comparison];
+  const Ref<qbEntity>& first = pair.turned ? table2_ : table1_;
+  Ref<qbRelationship> join = known ? members_[pair.origin - 1] : nullptr;
+  if (join && !join->Line()) return;  // a listener has removed it
+  const Ref<qbRelationship> gone = join && join->Source() != first && !Mirrored(wanted) ? join : nullptr;
+  if (gone) join = nullptr;
+  const bool isNew = !join;
+  if (!join) {
+    const bool from2 = pair.turned || Mirrored(wanted);
+    join = (from2 ? table2_ : table1_)->Relationships()->Add(from2 ? table1_ : table2_);
+    join->SetCondition(gone ? gone->Condition() : std::string());
+    join->SetGroupLevel(members_.front()->GroupLevel());
+  }
+  const bool from1 = join->Source() == table1_;
+  join->SetComparison(join->Source() == first ? wanted : *Mirrored(wanted));
+  const std::int32_t item1 = columns1_.items[pair.column1];
+  const std::int32_t item2 = columns2_.items[pair.column2];
+  join->SetSourceItemIndex(from1 ? item1 : item2);
+  join->SetTargetItemIndex(from1 ? item2 : item1);
+  if (gone) Remove(*gone);
+  if (isNew) context_.steps.RaiseInfo(InfoRelationshipAdded, Ref<Object>(join));
+}
+
+// The first pair asks it; one that is there only for a condition goes when there are pairs.
+void JoinEditor::ApplyCondition(const std::string& condition) {
+  const std::vector<Ref<qbRelationship>> now = whole_->Relationships();
+  const auto pair = std::ranges::find_if(now, [](const auto& join) { return !IsConditionAlone(*join); });
+  const bool anyAlone = std::ranges::any_of(now, [](const auto& join) { return IsConditionAlone(*join); });
+  if (condition == ConditionOf(now) && (!anyAlone || pair == now.end())) return;
+  const Ref<qbRelationship> asks = pair != now.end() ? *pair : now.empty() ? nullptr : now.front();
+  for (const Ref<qbRelationship>& join : now) {
+    if (join != asks && IsConditionAlone(*join)) {
+      Remove(*join);
+    } else {
+      join->SetCondition(join == asks ? condition : std::string());
+    }
+  }
+}
+
+void JoinEditor::Remove(const qbRelationship& join) const {
+  if (const Ref<qbEntity> source = join.Source()) source->Relationships()->Remove(join.Index());
+}
+
+}  // namespace
+
+bool EditJoin(QueryContext& context, qbRelationship& relationship,
+              const std::shared_ptr<frmExpressionZoom>& conditionForm) {
+  const Ref<qbEntity> source = relationship.Source();
+  const Ref<qbEntity> target = relationship.Target();
+  const Ref<qbWholeJoin> whole = WholeOf(relationship);
+  if (!source || !target || !whole) return false;
+  const auto text = [&](LanguageIDEnum id) {
+    return NameTables(context.source.GetLanguageString(id), target->Caption(), source->Caption());
+  };
+  JoinDialog dialog;
+  dialog.caption = text(LanguageJoinCaption);
+  dialog.frame = text(LanguageJoinFrameCaption);
+  dialog.allOfTable1 = text(LanguageJoinTable1);
+  dialog.allOfTable2 = text(LanguageJoinTable2);
+  dialog.acceptButton = text(LanguageJoinAcceptButton);
+  dialog.cancelButton = text(LanguageJoinCancelButton);
+  const JoinKind kind = whole->KindFor(relationship);
+  dialog.table1Checked = kind.allOfTarget;
+  dialog.table2Checked = kind.allOfSource;
+  dialog.table1 = target->Caption();
+  dialog.table2 = source->Caption();
+  dialog.describe = [&](bool all1, bool all2) {
+    return context.source.Say(
+        DescribeJoin(source->Caption(), target->Caption(), {.allOfTarget = all1, .allOfSource = all2}));
+  };
+  dialog.warning = [&](bool all1, bool all2) {
+    return all1 && all2 && !context.design.HasFullJoin() ? context.source.Say(text::NoFullJoin) : std::string();
+  };
+  JoinEditor editor(context, relationship, whole);
+  editor.Fill(dialog);
+  dialog.conditionForm = conditionForm;
+  if (!context.source.GetToolkit().GetDialogs().ShowJoinProperties(dialog)) return false;
+  if (whole->Count() == 0) return false;  // it has gone while the window was open
+  editor.Apply(dialog);
+  return true;
+}
+
+}  // namespace zrqrybld
