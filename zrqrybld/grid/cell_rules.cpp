@@ -119,7 +119,8 @@ void CellRules::CheckExpression(zrGridRow& row) const {
   const Ref<QueryContext> context = rows_.Context();
   const FieldName typed = FieldOf(row);
   const Ref<qbEntities> entities = rows_.Entities();  // none once a listener has taken the diagram away
-  if (row.Index() == 0 || !entities || entities->FindExactly(typed.table) || TrimWhite(typed.column) == "*") return;
+  if (!context || row.Index() == 0 || !entities || entities->FindExactly(typed.table) || TrimWhite(typed.column) == "*")
+    return;
   const RowWriter writer(row);
   const Ref<qbDBFunctions> functions = context->source.DBFunctions();
   if (RowReader(row).Grouping(functions.get()).kind == GroupingKind::GroupBy &&
@@ -315,7 +316,7 @@ void CellRules::CheckCriterion(const Edit& edit) const {
   const Ref<QueryContext> context = rows_.Context();
   const auto cell = static_cast<std::size_t>(edit.column);
   const std::string text = RowReader(edit.row).Text(cell);
-  if (edit.row.Index() == 0 || TrimWhite(text).empty()) return;
+  if (!context || edit.row.Index() == 0 || TrimWhite(text).empty()) return;  // a listener may have taken it away
   const RowWriter writer(edit.row);
   if (RowReader(edit.row).IsBlank(kColumnColumn)) {
     return writer.SetHint(cell, context->source.Say(text::CriterionOfNothing));
