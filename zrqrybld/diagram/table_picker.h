@@ -65,8 +65,8 @@ class ZRQRYBLD_API TablePicker {
   bool HasTableSpelled(const std::string& tableName, const std::string& ownName);
 
   /// The columns of a table in their order, without one called "*", which no grid row could tell from all columns; none
-  /// when the source has no such table. `ownName` receives the table's name without its schema, as the source spells it.
-  /// Errors are the source's own.
+  /// when the source has no such table. `ownName` receives the table's name without its schema, as the source spells
+  /// it. Errors are the source's own.
   std::optional<std::vector<SourceColumn>> ReadColumns(const std::string& tableName, std::string* ownName = nullptr);
 
   /// The same with the columns of the primary key marked, which is one question more.
