@@ -64,7 +64,7 @@ class EveryMember(unittest.TestCase):
     # What a member takes; one that is not here is called without arguments.
     ARGUMENTS = {
         "AddTable": ("Products",), "Connect": (f"Data Source={STORE}",), "Exists": ("x",), "Find": ("Average",),
-        "FindByIndicator": (3,), "FindByIndicatorLong": (3, False), "FindByText": ("orderid",), "Fields": (0,),
+        "CureRemark": (1,), "FindByIndicator": (3,), "FindByIndicatorLong": (3, False), "FindByText": ("orderid",), "Fields": (0,),
         "GetLanguageString": (1,), "BeginStep": ("A step",), "HasTable": ("Order",), "HideColumn": (1,), "ShowColumn": (1,), "Item": (1,),
         "LoadLanguageFile": (str(DATA.parent.parent / "samples/languages/german.txt"),), "OpenSchema": (20,),
         "ParseSQLStatement": ("SELECT City FROM Customers",), "LoadQuery": ("Version=1", True), "MaxLen": (1,),
@@ -185,6 +185,8 @@ class EveryMember(unittest.TestCase):
             obj.Close()
         if member.name == "EndStep":
             obj.BeginStep("A step")
+        if member.name == "CureRemark":
+            objects["qbQueryBuilder"].AddTable("Products")  # a table that is joined to none
         arguments = self.arguments(type_name, member, objects)
         if member.kind == "event":
             obj.on(member.name, lambda *_: None).off()

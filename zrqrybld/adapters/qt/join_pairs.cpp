@@ -1,6 +1,5 @@
 #include "zrqrybld/adapters/qt/join_pairs.h"
 
-#include <QComboBox>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -12,6 +11,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "zrqrybld/adapters/qt/named_combo.h"
 #include "zrqrybld/adapters/qt/plain_tip.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
 #include "zrqrybld/adapters/qt/say.h"
@@ -86,7 +86,7 @@ JoinPairs::JoinPairs(const JoinDialog& dialog, const TextSource& texts)
 }
 
 QComboBox* JoinPairs::MakeColumn(QStringListModel& columns, std::size_t chosen) {
-  auto* box = new QComboBox;
+  auto* box = new NamedCombo({});
   box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   box->setMinimumContentsLength(kColumnCharacters);
   box->setMaxVisibleItems(16);
@@ -101,7 +101,7 @@ void JoinPairs::Append(const JoinDialog::Pair& pair) {
     qualified1_.setStringList(Qualified(columns1_.stringList(), table1_));
     qualified2_.setStringList(Qualified(columns2_.stringList(), table2_));
   }
-  Row row{MakeColumn(pair.turned ? qualified1_ : columns1_, pair.column1), new QComboBox,
+  Row row{MakeColumn(pair.turned ? qualified1_ : columns1_, pair.column1), new NamedCombo({}),
           MakeColumn(pair.turned ? qualified2_ : columns2_, pair.column2), new QToolButton, pair};
   row.comparison->addItems(comparisons_);
   row.comparison->setCurrentIndex(static_cast<int>(pair.comparison));

@@ -23,6 +23,7 @@
 #include "zrqrybld/adapters/qt/qt_text_area.h"
 #include "zrqrybld/adapters/qt/say.h"
 #include "zrqrybld/adapters/qt/sql_highlighter.h"
+#include "zrqrybld/adapters/qt/telling_order.h"
 #include "zrqrybld/adapters/qt/theme.h"
 #include "zrqrybld/base/texts_diagram.h"
 
@@ -212,6 +213,7 @@ JoinWindow::JoinWindow(const JoinDialog& dialog, QWidget* parent, const TextSour
   }
   if (pairs_) {
     layout->insertWidget(belowPairs, MakeCondition(width));
+    TellInOrder({warning_ ? warning_->parentWidget() : nullptr, accept_, cancelButton});
     connect(pairs_, &JoinPairs::Changed, this, &JoinWindow::Check);
     setTabOrder(condition_, accept_);
     setTabOrder(accept_, cancelButton);
