@@ -211,6 +211,7 @@ Ref<frmExpressionZoom> FormForCondition(const Ref<QueryContext>& context, const 
   const QuerySnapshot query = context->design.Snapshot();
   const std::vector<std::size_t> known = TablesForCondition(query, join);
   std::vector<std::string> captions;
+  captions.reserve(known.size());
   for (const std::size_t table : known) captions.push_back(query.tables[table].caption.Name());
   const Ref<frmExpressionZoom> form = frmExpressionZoom::Create(context, EditedText::Expression);
   form->Suggestions()->SetTables(captions);

@@ -5,6 +5,7 @@
 #include <QMouseEvent>
 #include <QWheelEvent>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/input.h"
 #include "zrqrybld/platform/surface.h"
 
@@ -20,7 +21,7 @@ std::int32_t ToShift(Qt::KeyboardModifiers modifiers);
 std::int32_t ToButtons(Qt::MouseButtons buttons);
 
 /// What a key event means: its code, its modifiers and the text it types.
-KeyEvent ToKeyEvent(const QKeyEvent& event);
+ZRQRYBLD_API KeyEvent ToKeyEvent(const QKeyEvent& event);
 
 /// Ctrl+Z; Ctrl+Y or Ctrl+Shift+Z, on every platform.
 bool IsUndoKey(const QKeyEvent& event);
