@@ -349,8 +349,9 @@ void FromBinder::BindOuter(Terms& terms, const std::vector<std::size_t>& joins, 
   for (const Expression* other : terms.others) RequireJoined(*other, left, right);
   const std::size_t join =
       joins.empty() ? AddBareJoin(TableFor(left, terms.others), TableFor(right, terms.others), kind) : joins.front();
-  AskOfJoin(join, TextOf(terms.others));
-  AddConditionTerms(terms.pairs, TextOf(terms.others), scope_.Tables());
+  const std::string condition = TextOf(terms.others);
+  AskOfJoin(join, condition);
+  AddConditionTerms(terms.pairs, condition, scope_.Tables());
 }
 
 void FromBinder::RequireJoined(const Expression& expression, const Side& left, const Side& right) const {
