@@ -270,7 +270,7 @@ bool ExpressionParser::IsChainSign() const {
 bool ExpressionParser::NextAdjoins(char sign) const {
   const Token next = reader_.Peek();
   const std::string_view text = reader_.CurrentText();
-  return next.kind == TokenKind::Operator && next.offset == reader_.Offset() + text.size() &&
+  return next.kind == TokenKind::Operator && next.length != 0 && next.offset == reader_.Offset() + text.size() &&
          text.data()[text.size()] == sign;
 }
 
