@@ -112,7 +112,8 @@ void qbEntities::Remove(const Variant& index) {
   const Ref<qbEntity> entity = Item(index);
   if (!entity) return;
   bool cancel = false;
-  BeforeRemove.Raise(entity->Caption(), cancel);
+  const std::string caption = entity->Caption();  // the box may go while it is told of
+  BeforeRemove.Raise(caption, cancel);
   if (!cancel) Drop(entity);
 }
 
