@@ -39,6 +39,7 @@ class Printer {
 
  private:
   void Print(const FromItem& item) {
+    if (!item.query.empty()) text_ += "(" + OnOneLine(item.query) + (item.table.empty() ? ")" : ") AS ");
     AppendOnOneLine(text_, item.table);
     if (!item.alias.empty()) {
       text_ += " AS ";

@@ -10,6 +10,7 @@
 #include "zrqrybld/host/language_ids.h"
 #include "zrqrybld/platform/database.h"
 #include "zrqrybld/sql/join_kind.h"
+#include "zrqrybld/sql/query_kind.h"
 #include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
@@ -78,6 +79,11 @@ constexpr EnumerationMember kInfo[] = {MEMBER(InfoDone),
                                        MEMBER(InfoAddTables),
                                        MEMBER(InfoParsingSQL),
                                        MEMBER(InfoSavingDetail)};
+constexpr EnumerationMember kQueryKind[] = {MEMBER(QueryMain), MEMBER(QueryDerivedTable), MEMBER(QueryCommonTable),
+                                            MEMBER(QueryMember)};
+constexpr EnumerationMember kQueryOperator[] = {MEMBER(QueryUnion),     MEMBER(QueryUnionAll),
+                                                MEMBER(QueryIntersect), MEMBER(QueryIntersectAll),
+                                                MEMBER(QueryExcept),    MEMBER(QueryExceptAll)};
 constexpr EnumerationMember kIndicatorStyle[] = {MEMBER(IndicatorNone), MEMBER(IndicatorImage)};
 constexpr EnumerationMember kOperator[] = {MEMBER(SQLOperatorComparison), MEMBER(SQLOperatorLogical),
                                            MEMBER(SQLOperatorArithmetic), MEMBER(SQLOperatorBitwise)};
@@ -98,6 +104,8 @@ constexpr Enumeration kEnumerations[] = {
     {kPublicName<OLEDropModeEnum>, kOLEDropMode},
     {kPublicName<QueryBuilderErrorEnum>, kError},
     {kPublicName<QueryBuilderInfoEnum>, kInfo},
+    {kPublicName<QueryKindEnum>, kQueryKind},
+    {kPublicName<QueryOperatorEnum>, kQueryOperator},
     {kPublicName<RelationshipIndicatorStyle>, kIndicatorStyle},
     {kPublicName<SQLOperatorEnum>, kOperator},
     {kPublicName<SQLSyntaxEnum>, kSyntax},

@@ -11,6 +11,7 @@
 #include "zrqrybld/host/data_types.h"
 #include "zrqrybld/host/properties.h"
 #include "zrqrybld/hub/hub.h"
+#include "zrqrybld/hub/queries.h"
 #include "zrqrybld/hub/utility.h"
 #include "zrqrybld/platform/database.h"
 #include "zrqrybld/sql/sql_pane.h"
@@ -121,10 +122,30 @@ constexpr Member kQueryBuilder[] = {
     Method<Hub, &BeginNamedStep>("BeginStep", "Name"),
     Method<Hub, &Hub::EndStep>("EndStep"),
     Raised<Hub, &Hub::HistoryChanged>("HistoryChanged"),
+    ReadOnly<Hub, &Hub::Queries>("Queries"),
+    Raised<Hub, &Hub::QueriesChanged>("QueriesChanged"),
     Raised<Hub, &Hub::PropertyChanged>("PropertyChanged", "PropertyName"),
     Method<Hub, &Hub::InitProperties>("InitProperties"),
     Method<Hub, &ReadFrom<Hub>>("ReadProperties", "Bag"),
     Method<Hub, &WriteTo<Hub>>("WriteProperties", "Bag"),
+};
+
+constexpr Member kQueries[] = {
+    ReadOnly<qbQueries, &qbQueries::Count>("Count"),
+    ReadOnly<qbQueries, &qbQueries::Item>("Item", "Index"),
+    Method<qbQueries, &qbQueries::Add>("Add", "Kind, [Name]"),
+    ReadWrite<qbQueries, &qbQueries::Current, &qbQueries::SetCurrent>("Current"),
+};
+
+constexpr Member kQuery[] = {
+    ReadOnly<qbQuery, &qbQuery::Id>("Id"),
+    ReadWrite<qbQuery, &qbQuery::Kind, &qbQuery::SetKind>("Kind"),
+    ReadWrite<qbQuery, &qbQuery::Name, &qbQuery::SetName>("Name"),
+    ReadWrite<qbQuery, &qbQuery::Operator, &qbQuery::SetOperator>("Operator"),
+    ReadOnly<qbQuery, &qbQuery::Parent>("Parent"),
+    ReadOnly<qbQuery, &qbQuery::SQLStatement>("SQLStatement"),
+    Method<qbQuery, &qbQuery::Open>("Open"),
+    Method<qbQuery, &qbQuery::Remove>("Remove"),
 };
 
 constexpr Member kProperties[] = {
@@ -155,6 +176,8 @@ constexpr Member kPropertyBag[] = {
 const ClassInfo kClasses[] = {
     {"qbQueryBuilder", kQueryBuilder, "",
      [] { return Ref<Object>(Hub::Create(ToolkitObject::Instance()->Services())); }},
+    {"qbQueries", kQueries, "Item"},
+    {"qbQuery", kQuery, "Name"},
     {"qbProperties", kProperties, "Item", [] { return Ref<Object>(std::make_shared<qbProperties>()); }},
     {"qbProperty", kProperty, "Value"},
     {"qbUtility", kUtility, "", [] { return Ref<Object>(qbUtility::Create(ToolkitObject::Instance()->Services())); }},

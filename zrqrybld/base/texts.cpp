@@ -17,6 +17,7 @@ constexpr TextRow kTexts[] = {
 #include "zrqrybld/base/texts_grid.inc"
 #include "zrqrybld/base/texts_hub.inc"
 #include "zrqrybld/base/texts_platform.inc"
+#include "zrqrybld/base/texts_queries.inc"
 #include "zrqrybld/base/texts_qt.inc"
 #include "zrqrybld/base/texts_run.inc"
 #include "zrqrybld/base/texts_sql.inc"

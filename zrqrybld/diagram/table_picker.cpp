@@ -7,6 +7,7 @@
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_diagram.h"
 #include "zrqrybld/diagram/auto_joins.h"
+#include "zrqrybld/diagram/query_boxes.h"
 #include "zrqrybld/diagram/source_names.h"
 #include "zrqrybld/host/connection_info.h"
 #include "zrqrybld/host/language_ids.h"
@@ -90,7 +91,8 @@ Ref<qbEntity> TablePicker::AddTable(const std::string& tableName) {
 Ref<qbEntity> TablePicker::MakeEntity(const std::string& tableName) {
   const Ref<qbEntities> entities = context_->design.Entities();
   const Ref<qbEntity> entity = entities->Add(FreshKey(tableName));
-  if (!entity || !context_->source.IsConnected()) return entity;
+  const std::optional<std::vector<QueryColumn>> query = context_->design.ColumnsOfQuery(tableName);
+  if (!entity || (!context_->source.IsConnected() && !query)) return entity;
   entity->SetTagVariant(tableName);
   entity->Items()->Add("*", "*");
   try {
@@ -99,7 +101,11 @@ Ref<qbEntity> TablePicker::MakeEntity(const std::string& tableName) {
     entities->TakeBack(entity);
     throw;
   }
-  FillFromSource(*entity, tableName);
+  if (query) {
+    ShowColumns(*entities, *entity, *query, *context_->source.DataTypes());
+  } else {
+    FillFromSource(*entity, tableName);
+  }
   if (!entity->EntityBox()) ThrowObjectRemoved();  // a listener has removed it
   entity->EntityBox()->SetIsView(
       EqualsNoCase(entity->Properties()->FindText(std::string(kSchemaFactPrefix) + "TABLE_TYPE").value_or(""), "VIEW"));

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
@@ -17,6 +18,8 @@ class qbEntities;
 class qbQueryBuilder;
 struct CriteriaContext;
 struct Dialect;
+struct ExtraConditions;
+struct GeneratedQuery;
 struct QuerySnapshot;
 
 class ZRQRYBLD_API DesignQueries {
@@ -47,8 +50,13 @@ class ZRQRYBLD_API DesignQueries {
   /// How criteria are read and values written; what depends on a column is left open.
   virtual CriteriaContext CriteriaRules() const = 0;
 
-  /// The designed query as it is now.
+  /// The query that the panes show, as it is now.
   virtual QuerySnapshot Snapshot() const = 0;
+  /// The whole statement, where it is made of several queries; none for a single one. `extra` is added to the query
+  /// that the panes show.
+  virtual std::optional<GeneratedQuery> WholeStatement(const ExtraConditions& extra) const = 0;
+  /// The columns of a query that the one shown can name like a table; none when there is none with this name.
+  virtual std::optional<std::vector<QueryColumn>> ColumnsOfQuery(const std::string& name) const = 0;
 
   /// What the grid says about a column; empty texts when it has no row there, nothing when no grid is linked.
   virtual std::optional<ColumnUse> UseOfColumn(const std::string& entityCaption, const std::string& column) const = 0;

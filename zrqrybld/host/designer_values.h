@@ -40,4 +40,12 @@ struct SourceTable {
   std::vector<std::string> columns;
 };
 
+/// A column that a query outputs, for whoever names the query like a table.
+struct QueryColumn {
+  std::string name;
+  std::int32_t type = 0;  ///< a `DataTypeCode`; 0 where nobody knows
+  bool isLong = false;
+  friend bool operator==(const QueryColumn&, const QueryColumn&) = default;
+};
+
 }  // namespace zrqrybld

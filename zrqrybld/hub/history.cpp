@@ -133,11 +133,24 @@ std::size_t SizeOfTables(const DiagramState& states, const DiagramState& others)
   return bytes;
 }
 
+// What is shared with other moments is counted, too: such steps are few.
+std::size_t SizeOfQueries(const QuerySet& set) {
+  std::size_t bytes = 0;
+  for (const StoredQuery& query : set.queries) {
+    bytes += sizeof(query) + query.name.size();
+    if (!query.design) continue;
+    bytes += SizeOfTables(query.design->entities, {});
+    for (const SharedRowContent& row : query.design->rows) bytes += SizeOf(row);
+  }
+  return bytes;
+}
+
 std::size_t SizeOfStep(const History::Step& step) {
   std::size_t bytes = sizeof(step) + (step.typed ? step.typed->size() : 0);
   for (const auto* rows : {&step.rows.before, &step.rows.after}) {
     for (const SharedRowContent& row : *rows) bytes += SizeOf(row);
   }
+  if (step.queries) bytes += SizeOfQueries(step.queries->first) + SizeOfQueries(step.queries->second);
   return bytes + SizeOfTables(step.entities.before, step.entities.after) +
          SizeOfTables(step.entities.after, step.entities.before);
 }
@@ -146,9 +159,28 @@ std::size_t SizeOfStep(const History::Step& step) {
 
 // --- Recording ---
 
-bool History::Record(const StepLabel& label, DesignChange change, std::optional<std::string> typed) {
+void History::Show(Design now) {
+  known_ = std::move(now);
+  mayMerge_ = false;
+}
+
+void History::RecordQueries(const StepLabel& label, QuerySet before, QuerySet after, Design now,
+                            std::optional<std::string> typed) {
   Step step;
   step.label = label;
+  step.query = after.shown;
+  step.queries.emplace(std::move(before), std::move(after));
+  step.typed = std::move(typed);
+  for (const Step& undone : std::exchange(redo_, {})) bytes_ -= undone.bytes;
+  Push(std::move(step));
+  Show(std::move(now));
+}
+
+bool History::Record(const StepLabel& label, DesignChange change, std::optional<std::string> typed,
+                     std::int32_t query) {
+  Step step;
+  step.label = label;
+  step.query = query;
   step.entities = Between(known_.entities, change.untouchedEntities, std::move(change.entities));
   Trim(step.entities, IsSamePiece);
   step.rows = Between(known_.rows, change.untouchedRows, std::move(change.rows));
@@ -202,7 +234,7 @@ bool History::Merge(Step& step) {
   if (!mayMerge_ || undo_.empty() || step.at - undo_.back().at > kTypingPause) return false;
   Step& last = undo_.back();
   const bool isNamed = step.label.id == 0 || last.label.id == 0;
-  if (isNamed) return false;
+  if (isNamed || last.queries || step.query != last.query) return false;
   const bool sameCell = step.cell && step.cell == last.cell;
   const bool sameKey = step.label.repeats && last.label.repeats && step.label.id == last.label.id &&
                        step.label.about == last.label.about && !step.options && !last.options && step.rows.Empty() &&

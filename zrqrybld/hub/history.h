@@ -20,6 +20,7 @@
 #include "zrqrybld/host/date_format.h"
 #include "zrqrybld/host/step_names.h"
 #include "zrqrybld/hub/hub_options.h"
+#include "zrqrybld/hub/query_set.h"
 #include "zrqrybld/sql/sql_pane_options.h"
 #include "zrqrybld/sql/sql_syntax.h"
 
@@ -77,6 +78,8 @@ class History {
     Splice<std::shared_ptr<const EntityState>> entities;
     Splice<SharedRowContent> rows;
     std::optional<std::pair<DesignOptions, DesignOptions>> options;
+    std::int32_t query = 0;                                     ///< the query that it was made in
+    std::optional<std::pair<QuerySet, QuerySet>> queries = {};  ///< all of them, where it has changed more than that
     std::optional<std::string> typed;  ///< a statement that was typed, not applied, and written over
     std::optional<std::pair<std::size_t, std::size_t>>
         cell;  ///< row and column, when all it changed is one cell's text
@@ -90,7 +93,13 @@ class History {
   /// Notes a step. False when nothing has changed, or nothing but the options of a design that is empty: that is no
   /// work of the user's. What is typed into one cell within a second is one step; what the application has named
   /// itself is a step of its own.
-  bool Record(const StepLabel& label, DesignChange change, std::optional<std::string> typed = std::nullopt);
+  bool Record(const StepLabel& label, DesignChange change, std::optional<std::string> typed = std::nullopt,
+              std::int32_t query = 0);
+  /// Notes a step that has changed more than the query that is shown, which is `now`.
+  void RecordQueries(const StepLabel& label, QuerySet before, QuerySet after, Design now,
+                     std::optional<std::string> typed = std::nullopt);
+  /// Another query is shown: the design is this, and no step is noted.
+  void Show(Design now);
   /// The tables and options have changed outside of any step: they are known as they are now, and no step is noted.
   /// The tables are those behind the first `untouched` ones; what came or went is left to the next step.
   void Adopt(std::size_t untouched, const DiagramState& entities, DesignOptions options);

@@ -24,6 +24,7 @@
 #include "zrqrybld/host/designer_values.h"
 #include "zrqrybld/host/step_names.h"
 #include "zrqrybld/hub/hub_options.h"
+#include "zrqrybld/sql/query_kind.h"
 
 // Who uses a pane includes its header; hub/query_builder.h brings an application all of them.
 namespace zrqrybld {
@@ -46,6 +47,7 @@ class qbEntities;
 class qbEntity;
 class qbGridPane;
 class qbProperties;
+class qbQueries;
 class qbRelationship;
 class qbSQLPane;
 enum class ConnectionOrigin : std::uint8_t;
@@ -55,8 +57,14 @@ struct Design;
 struct DesignChange;
 struct DesignOptions;
 struct Dialect;
+struct ExtraConditions;
+struct GeneratedQuery;
+struct QueryColumn;
+struct QuerySet;
 struct QuerySnapshot;
+struct ReadQuery;
 struct StepLabel;
+struct StoredQuery;
 
 class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
  public:
@@ -306,6 +314,14 @@ class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
   /// The steps themselves: how many, how large, and by which clock.
   History& Steps();
 
+  // --- The queries of the statement ---
+
+  /// The queries that the statement is made of: the main one, those in WITH and in FROM, and the members of UNION and
+  /// its like. Members of the query act on the one that the panes show.
+  Ref<qbQueries> Queries();
+  /// The queries, their names or kinds are others now, or the panes show another.
+  Event<> QueriesChanged;
+
   // --- For host applications ---
 
   /// Whether the source has a table or view with this name, quotes taken off. Error 3704 when the connection is
@@ -357,8 +373,24 @@ class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
   /// The grid's date format, and how criteria are read and values written.
   std::string DateFormat() const;
   CriteriaContext CriteriaRules() const;
-  /// The designed query as it is now.
+  /// The query that the panes show, as it is now.
   QuerySnapshot Snapshot() const;
+  /// The statement of all queries; none for a single one.
+  std::optional<GeneratedQuery> WholeStatement(const ExtraConditions& extra) const;
+  /// The columns of a query that the one shown can name like a table; none when there is none with this name.
+  std::optional<std::vector<QueryColumn>> ColumnsOfQuery(const std::string& name) const;
+
+  // --- What `Queries` does ---
+
+  const QuerySet& QueriesNow() const;
+  /// Shows the query in the panes; no step. False when there is none with this id; error 5 while a step is going on.
+  bool ShowQuery(std::int32_t id);
+  /// Adds a query to the one that is shown: its id. It gets a name that is free.
+  std::int32_t AddQuery(QueryKindEnum kind, const std::string& name);
+  void RemoveQuery(std::int32_t id);
+  void RenameQuery(std::int32_t id, const std::string& name);
+  void SetQueryKind(std::int32_t id, QueryKindEnum kind);
+  void SetQueryOperator(std::int32_t id, QueryOperatorEnum combined);
   /// Makes the query what the statement says.
   void LoadStatement(const std::string& sql);
   void CureRemark(const SQLDiagnostic& remark);
@@ -398,6 +430,16 @@ class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
   DesignChange CurrentChange() const;
   template <class Pane>
   void Link(Ref<Pane>& place, const Ref<Pane>& pane, void (qbQueryBuilder::*set)(const Ref<Pane>&));
+  Design TakeDesign() const;
+  void StoreShown();
+  void PutIntoPanes(const StoredQuery& query);
+  void TouchQueries();
+  void SwitchTo(std::int32_t id);
+  void FollowQueries();
+  void DropUnnamedQueries();
+  void LoadQueries(ReadQuery& main);
+  void LoadOneQuery(ReadQuery& read);
+  void RestoreQueries(const QuerySet& now, const QuerySet& then);
   void OutputTicked();
   void RememberAll();
   bool Travel(bool back);
@@ -420,6 +462,9 @@ class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
   bool historyLost_ = false;          // memory ran out while a step was noted: what is known is not what is there
   bool takesBack_ = false;            // the design is not what is known, and is to be made that
   bool historyChanged_ = false;       // and nobody was told yet
+  bool queriesChanged_ = false;       // and nobody was told yet
+  bool loadsQueries_ = false;         // a statement is read into them
+  Ref<qbQueries> queries_;            // made when somebody asks
   bool travelling_ = false;           // a step is being undone or redone
   std::optional<std::string> typed_;  // what was typed and not applied when the step began
   std::unordered_map<std::string, std::string> rememberedValues_;

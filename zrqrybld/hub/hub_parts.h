@@ -10,7 +10,9 @@
 #include "zrqrybld/host/query_context.h"
 #include "zrqrybld/hub/history.h"
 #include "zrqrybld/hub/hub.h"
+#include "zrqrybld/hub/query_set.h"
 #include "zrqrybld/sql/query_snapshot.h"
+#include "zrqrybld/sql/query_text.h"
 
 namespace zrqrybld {
 
@@ -45,6 +47,12 @@ struct qbQueryBuilder::Parts {
     std::string DateFormat() const override { return parts_.hub->DateFormat(); }
     CriteriaContext CriteriaRules() const override { return parts_.hub->CriteriaRules(); }
     QuerySnapshot Snapshot() const override { return parts_.hub->Snapshot(); }
+    std::optional<GeneratedQuery> WholeStatement(const ExtraConditions& extra) const override {
+      return parts_.hub->WholeStatement(extra);
+    }
+    std::optional<std::vector<QueryColumn>> ColumnsOfQuery(const std::string& name) const override {
+      return parts_.hub->ColumnsOfQuery(name);
+    }
     std::optional<ColumnUse> UseOfColumn(const std::string& entityCaption, const std::string& column) const override {
       return parts_.hub->UseOfColumn(entityCaption, column);
     }
@@ -100,6 +108,8 @@ struct qbQueryBuilder::Parts {
   Queries queries{*this};
   Reports reports{*this};
   History history;
+  QuerySet querySet;
+  std::optional<QuerySet> querySetBefore;  // as they were when a step began that changes more than the one shown
 };
 
 }  // namespace zrqrybld

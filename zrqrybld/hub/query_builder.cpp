@@ -391,6 +391,7 @@ QuerySnapshot qbQueryBuilder::Snapshot() const {
   snapshot.top = options_.selectTopRecords;
   snapshot.skip = options_.skipRecords;
   snapshot.criteria = CriteriaRules();
+  snapshot.beginsCompound = parts_->querySet.BeginsCompound(parts_->querySet.shown);
   return snapshot;
 }
 
@@ -417,6 +418,7 @@ void qbQueryBuilder::ItemRenamed(const std::string& entityCaption, const std::st
 
 void qbQueryBuilder::EntityRemoved(const std::string& caption) {
   if (gridPane_) GridPane()->RemoveRowsOf(caption);
+  DropUnnamedQueries();
   RaiseInfo(InfoTableRemoved, caption);
 }
 

@@ -86,6 +86,10 @@ void qbQueryBuilder::StepFailed() {
 
 // All of the design is compared with what is known: what a failed step has touched, nobody can say.
 void qbQueryBuilder::TakeBack() {
+  if (std::optional<QuerySet> before = std::exchange(parts_->querySetBefore, std::nullopt)) {
+    const ScopedValue travelling(travelling_, true);
+    RestoreQueries(parts_->querySet, *before);
+  }
   Design now;
   if (gridPane_) {
     const zrGridRows& rows = *gridPane_->Grid()->Rows();
@@ -101,7 +105,14 @@ void qbQueryBuilder::StepMade(const StepLabel& step, bool writes) {
   if (!writes || (sqlPane_ && sqlPane_->KeepsTyped())) typed.reset();
   try {
     if (diagramPane_) diagramPane_->PlaceAdded();
-    historyChanged_ |= parts_->history.Record(step, CurrentChange(), std::move(typed));
+    if (std::optional<QuerySet> before = std::exchange(parts_->querySetBefore, std::nullopt)) {
+      StoreShown();
+      parts_->history.RecordQueries(step, std::move(*before), parts_->querySet, *parts_->querySet.Shown().design,
+                                    std::move(typed));
+      historyChanged_ = true;
+    } else {
+      historyChanged_ |= parts_->history.Record(step, CurrentChange(), std::move(typed), parts_->querySet.shown);
+    }
     if (const Ref<qbEntities> entities = Entities()) entities->Remembered();
     if (gridPane_) gridPane_->Grid()->Rows()->Remembered();
   } catch (...) {
@@ -111,7 +122,9 @@ void qbQueryBuilder::StepMade(const StepLabel& step, bool writes) {
 }
 
 void qbQueryBuilder::StepEnded() {
+  const bool tellsQueries = std::exchange(queriesChanged_, false);
   if (std::exchange(historyChanged_, false)) HistoryChanged.Raise();
+  if (tellsQueries) QueriesChanged.Raise();
 }
 
 // --- Undo and redo ---
@@ -134,6 +147,14 @@ bool qbQueryBuilder::Travel(bool back) {
   {
     const StepScope scope(RefTo(*this), kStepChange);
     WholeOrNothing(RefTo(*this), [&] {
+      if (step->queries) {
+        const auto [before, after] = *step->queries;
+        parts_->history.Travel(back);
+        historyChanged_ = true;
+        RestoreQueries(back ? after : before, back ? before : after);
+        return;
+      }
+      SwitchTo(step->query);
       const Design now = parts_->history.Known();
       const Design then = parts_->history.Travel(back);
       historyChanged_ = true;

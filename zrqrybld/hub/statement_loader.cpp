@@ -1,15 +1,18 @@
-// The loader: a typed statement becomes the query of the designer.
+// The loader: a typed statement becomes the queries of the designer.
 //
 // The whole text is read and every name resolved before anything is changed; then the diagram, the grid and the options
-// are made to say what the statement says.
+// are made to say what the statement says, for each query in its turn.
 #include "zrqrybld/hub/statement_loader.h"
 
 #include <algorithm>
+#include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/base/scoped_value.h"
+#include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_hub.h"
-#include "zrqrybld/base/texts_sql.h"
-#include "zrqrybld/base/texts_values.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/join_properties.h"
 #include "zrqrybld/diagram/relationships.h"
@@ -17,15 +20,12 @@
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/host/query_context.h"
 #include "zrqrybld/hub/hub.h"
-#include "zrqrybld/hub/table_plan.h"
-#include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/hub/hub_parts.h"
+#include "zrqrybld/hub/read_queries.h"
+#include "zrqrybld/hub/read_statement.h"
 #include "zrqrybld/sql/generator.h"
-#include "zrqrybld/sql/source_lexer.h"
-#include "zrqrybld/sql/source_rules.h"
+#include "zrqrybld/sql/query_text.h"
 #include "zrqrybld/sql/sql_pane.h"
-#include "zrqrybld/sql/statement_binder.h"
-#include "zrqrybld/sql/statement_parser.h"
-#include "zrqrybld/sql/syntax_error.h"
 
 namespace zrqrybld {
 namespace {
@@ -171,81 +171,118 @@ class DesignWriter {
   std::vector<Ref<qbRelationship>> kept_;  // for each join; nothing for one that is to be drawn
 };
 
-BindOptions OptionsOf(const qbQueryBuilder& hub) {
-  BindOptions options;
-  options.dialect = &hub.CurrentDialect();
-  options.functions = hub.DBFunctions().get();
-  options.names = CurrentNameRules(hub);
-  options.criteria = hub.CriteriaRules();
-  return options;
+QueryLookup QueriesOf(const qbQueryBuilder& hub) {
+  return [&hub](const std::string& name) { return hub.ColumnsOfQuery(name); };
 }
 
-// The text with what only its source reads written for everybody, every character where it stood.
-std::string Readable(std::string_view typed, const CriteriaContext& criteria) {
-  if (!criteria.reading) return std::string(typed);
-  std::string sql = WithDoubledQuotes(WithoutHashComments(typed, *criteria.reading), *criteria.reading);
-  if (const std::optional<std::size_t> otherwise = FirstReadOtherwise(sql, *criteria.reading)) {
-    throw SyntaxError(sql, *otherwise, text::ReadsOtherwise);
-  }
-  if (const std::optional<std::size_t> comment = FirstCommentReadOtherwise(sql, *criteria.reading)) {
-    throw SyntaxError(sql, *comment, text::CommentReadsOtherwise);
-  }
-  return sql;
+void Write(qbQueryBuilder& hub, ReadStatement& statement) {
+  DesignWriter(hub, statement.Tables(), statement.Bound(), statement.DrawnJoins()).Write();
 }
 
-// A typed statement with every name resolved; nothing is changed yet.
-class ReadStatement {
+QueryTree TreeOf(const ReadQuery& read) {
+  QueryTree tree;
+  tree.kind = read.facts.kind;
+  tree.combined = read.facts.combined;
+  tree.name = read.facts.name;
+  tree.columnNames = read.facts.columnNames;
+  tree.query = read.statement->Design();
+  for (const ReadQuery& inner : read.inner) tree.inner.push_back(TreeOf(inner));
+  return tree;
+}
+
+// Which query of the designer each query of the statement becomes: one that bears its name in the same place, or stands
+// there by its number, so that it keeps its boxes where they are.
+class QueryMatcher {
  public:
-  ReadStatement(qbQueryBuilder& hub, std::string_view typed)
-      : options_(OptionsOf(hub)),
-        sql_(Readable(typed, options_.criteria)),
-        statement_(ParseSelect(sql_, {.openParenthesesInFrom = options_.dialect->leavesParenthesesOpen,
-                                      .pipesMayBeOr = options_.dialect->pipesMayBeOr})),
-        plan_(hub, statement_, options_.names) {
-    options_.drawn = plan_.Drawn(drawnJoins_);
-    bound_ = BindStatement(statement_, plan_, options_);
-  }
+  explicit QueryMatcher(const QuerySet& drawn) : drawn_(drawn) { result_.lastId = drawn.lastId; }
 
-  void Load(qbQueryBuilder& hub) { DesignWriter(hub, plan_.Tables(), bound_, drawnJoins_).Write(); }
-
-  // The query as the diagram and the grid would hold it.
-  QuerySnapshot Design() const {
-    const JoinArrangement& arrangement = bound_.arrangement;
-    QuerySnapshot query = bound_.query;
-    std::vector<std::size_t> places(query.tables.size());
-    for (std::size_t place = 0; place < places.size(); ++place) {
-      places[arrangement.order[place]] = place;
-      query.tables[place] = bound_.query.tables[arrangement.order[place]];
-    }
-    query.joins = arrangement.joins;
-    for (SnapshotJoin& join : query.joins) {
-      join.source = places[join.source];
-      join.target = places[join.target];
-    }
-    std::ranges::stable_sort(query.joins, {}, &SnapshotJoin::source);
-    for (SnapshotRow& row : query.rows) {
-      if (row.table) row.table = places[*row.table];
-    }
-    return query;
+  QuerySet Match(ReadQuery& main) {
+    result_.queries.clear();
+    StoredQuery facts = drawn_.queries.front();
+    Take(main, std::move(facts));
+    return std::move(result_);
   }
 
  private:
-  BindOptions options_;
-  std::string sql_;
-  SelectStatement statement_;
-  TablePlan plan_;
-  std::vector<Ref<qbRelationship>> drawnJoins_;
-  BoundStatement bound_;
+  void Take(ReadQuery& read, StoredQuery facts) {
+    const std::int32_t id = read.facts.id = facts.id;
+    result_.queries.push_back(std::move(facts));
+    std::vector<const StoredQuery*> free = drawn_.Find(id) ? drawn_.InnerOf(id) : std::vector<const StoredQuery*>();
+    for (ReadQuery& inner : read.inner) {
+      const auto found = std::ranges::find_if(free, [&](const StoredQuery* drawn) {
+        const bool isMember = inner.facts.kind == QueryMember;
+        return isMember == (drawn->kind == QueryMember) && (isMember || EqualsNoCase(drawn->name, inner.facts.name));
+      });
+      StoredQuery next = inner.facts;
+      next.parent = id;
+      if (found == free.end()) {
+        next.id = ++result_.lastId;
+      } else {
+        next.id = (*found)->id;
+        next.design = (*found)->design;
+        free.erase(found);
+      }
+      Take(inner, std::move(next));
+    }
+  }
+
+  const QuerySet& drawn_;
+  QuerySet result_;
 };
 
 }  // namespace
 
 std::string MeaningOf(qbQueryBuilder& hub, std::string_view sql) {
-  return GenerateSelect(ReadStatement(hub, sql).Design(), hub.CurrentDialect()).text;
+  ReadQueries read(hub, sql);
+  if (read.Main().inner.empty()) return GenerateSelect(read.Main().statement->Design(), hub.CurrentDialect()).text;
+  return GenerateQuery(TreeOf(read.Main()), hub.CurrentDialect()).text;
 }
 
 void qbQueryBuilder::LoadStatement(const std::string& sql) {
-  WholeOrNothing(RefTo(*this), [&] { ReadStatement(*this, sql).Load(*this); });
+  WholeOrNothing(RefTo(*this), [&] {
+    ReadQueries read(*this, sql);
+    if (read.Main().inner.empty() && parts_->querySet.IsSingle()) return Write(*this, *read.Main().statement);
+    LoadQueries(read.Main());
+  });
+}
+
+// What stands in the panes is kept first, and comes back when a query cannot be loaded after all.
+void qbQueryBuilder::LoadQueries(ReadQuery& main) {
+  const StepScope step(RefTo(*this), kStepApplyStatement);
+  const bool isFirst = !parts_->querySetBefore;
+  TouchQueries();
+  const QuerySet before = *parts_->querySetBefore;
+  const ScopedValue loading(loadsQueries_, true);
+  try {
+    StoreShown();
+    QuerySet& set = parts_->querySet;
+    const std::int32_t shown = set.shown;
+    set = QueryMatcher(set).Match(main);
+    set.shown = set.Find(shown) ? shown : 0;
+    if (set.shown != shown) PutIntoPanes(set.Shown());
+    LoadOneQuery(main);
+    SwitchTo(set.Find(shown) ? shown : 0);
+    queriesChanged_ = true;
+  } catch (...) {
+    const ScopedValue travelling(travelling_, true);
+    RestoreQueries(parts_->querySet, before);
+    if (isFirst) parts_->querySetBefore.reset();
+    throw;
+  }
+}
+
+// First the queries that it can name, last those that can name it.
+void qbQueryBuilder::LoadOneQuery(ReadQuery& read) {
+  for (ReadQuery& inner : read.inner) {
+    if (inner.facts.kind != QueryMember) LoadOneQuery(inner);
+  }
+  SwitchTo(read.facts.id);
+  ReadStatement statement(*this, read.text);
+  statement.Bind(*this, QueriesOf(*this), true);
+  Write(*this, statement);
+  for (ReadQuery& inner : read.inner) {
+    if (inner.facts.kind == QueryMember) LoadOneQuery(inner);
+  }
 }
 
 }  // namespace zrqrybld

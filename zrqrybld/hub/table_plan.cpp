@@ -48,18 +48,40 @@ bool IsSameTable(const std::vector<Identifier>& a, const std::vector<Identifier>
 
 }  // namespace
 
-TablePlan::TablePlan(qbQueryBuilder& hub, const SelectStatement& statement, const NameRules& rules)
-    : hub_(hub), rules_(rules) {
+TablePlan::TablePlan(qbQueryBuilder& hub, const SelectStatement& statement, const NameRules& rules, QueryLookup queries,
+                     bool takesDrawn)
+    : hub_(hub), rules_(rules), queries_(std::move(queries)) {
   for (const FromItem* item : TablesOf(statement)) {
     PlannedTable table;
     const Dialect::PlainNames plain = hub_.CurrentDialect().plainNames;
-    table.written = {NameParts(item->table), AliasOf(*item, rules_, plain)};
-    table.plainName = NameParts(item->table, plain);
+    table.written = WrittenTableOf(*item, tables_.size());
+    table.written.alias = AliasOf(*item, rules_, plain);
+    table.plainName = table.written.isQuery ? table.written.parts : NameParts(item->table, plain);
     table.name = JoinedName(table.written.parts, rules_);
+    TakeQuery(table);
     table.caption = table.written.alias.Empty() ? table.name : table.written.alias.Name();
     tables_.push_back(std::move(table));
   }
-  if (const Ref<qbEntities> entities = hub_.Entities()) Claim(*entities);
+  const Ref<qbEntities> entities = hub_.Entities();
+  if (takesDrawn && entities) Claim(*entities);
+}
+
+// A query that bears the name comes before any table of the source.
+void TablePlan::TakeQuery(PlannedTable& table) const {
+  if (table.written.parts.size() != 1) return;
+  const std::optional<std::vector<QueryColumn>> query = queries_(table.name);
+  if (!query) return;
+  table.isQuery = true;
+  std::vector<SourceColumn> columns;
+  for (const QueryColumn& column : *query) columns.push_back({column.name, column.type, column.isLong});
+  TakeColumns(table, std::move(columns));
+}
+
+void TablePlan::TakeColumns(PlannedTable& table, std::vector<SourceColumn> columns) {
+  table.columns = std::move(columns);
+  for (std::size_t i = 0; i < table.columns.size(); ++i) {
+    table.byFoldedName.emplace(FoldCase(table.columns[i].name), i);
+  }
 }
 
 // A table keeps the entity that is called as it is in the statement, otherwise it takes one of the same table that no
@@ -71,6 +93,7 @@ void TablePlan::Claim(const qbEntities& entities) {
     std::vector<Identifier> writtenName;
     std::vector<Identifier> name;   // with its schema, where the source told it
     std::size_t nextAlike = kNone;  // the next whose name has the same last part
+    bool isQuery = false;
     bool claimed = false;
   };
   std::vector<Drawn> drawn(static_cast<std::size_t>(entities.Count()));
@@ -79,6 +102,7 @@ void TablePlan::Claim(const qbEntities& entities) {
     drawn[i].entity = entities.Item(static_cast<std::int32_t>(i + 1));
     drawn[i].writtenName = WrittenName(*drawn[i].entity, rules_);
     drawn[i].name = SourceName(*drawn[i].entity, drawn[i].writtenName);
+    drawn[i].isQuery = queries_(drawn[i].entity->TagVariant().Text()).has_value();
     const auto [first, added] = firstOf.emplace(drawn[i].name.back().Name(), i);
     if (!added) drawn[i].nextAlike = std::exchange(first->second, i);
   }
@@ -88,7 +112,7 @@ void TablePlan::Claim(const qbEntities& entities) {
     const auto found = firstOf.find(table.written.parts.back().Name());
     for (std::size_t i = found == firstOf.end() ? kNone : found->second; i != kNone; i = drawn[i].nextAlike) {
       const Ref<qbEntity>& entity = drawn[i].entity;
-      if (drawn[i].claimed) continue;
+      if (drawn[i].claimed || drawn[i].isQuery != table.isQuery) continue;
       if (called == Called::Exactly && entity->Caption() != table.caption) continue;
       if (called == Called::Alike && !IsCalled(*entity, table)) continue;
       if (!IsSameTable(drawn[i].name, table.written.parts)) continue;
@@ -174,29 +198,27 @@ std::optional<SnapshotTable> TablePlan::AddTable(const WrittenTable&) {
     result.aliased = table.caption != table.entity->TagVariant().Text();
     return result;
   }
-  std::optional<std::vector<SourceColumn>> columns = FindInSource(table);
+  std::optional<std::vector<SourceColumn>> columns;
+  if (!table.isQuery) columns = FindInSource(table);
   result.caption = Identifier(table.caption);
   result.name = table.written.parts;
   result.aliased = table.caption != table.name;
-  if (!hub_.IsConnected()) return result;
+  if (!hub_.IsConnected() || table.isQuery) return result;
   if (!columns) return std::nullopt;
-  table.columns = std::move(*columns);
-  for (std::size_t i = 0; i < table.columns.size(); ++i) {
-    table.byFoldedName.emplace(FoldCase(table.columns[i].name), i);
-  }
+  TakeColumns(table, std::move(*columns));
   return result;
 }
 
 bool TablePlan::KnowsColumns(std::size_t table) const {
   const Ref<qbEntity>& entity = tables_[table].entity;
-  if (!entity) return !tables_[table].columns.empty();
+  if (!entity || tables_[table].isQuery) return !tables_[table].columns.empty();
   // Without a source the boxes show no more columns than statements have named.
   return hub_.IsConnected() && HasKnownColumns(*entity);
 }
 
 std::optional<std::string> TablePlan::FindColumn(std::size_t table, const std::string& name) const {
   const PlannedTable& planned = tables_[table];
-  if (planned.entity) {
+  if (planned.entity && !planned.isQuery) {
     const Ref<qbEntityItem> item = planned.entity->Items()->Item(name);
     if (!item || name == "*") return std::nullopt;
     return item->Text();
@@ -214,7 +236,7 @@ std::vector<std::string> TablePlan::Columns(std::size_t table) const {
   std::vector<std::string> names;
   const PlannedTable& planned = tables_[table];
   for (const SourceColumn& column : planned.columns) names.push_back(column.name);
-  if (!planned.entity) return names;
+  if (!planned.entity || planned.isQuery) return names;
   const qbEntityItems& items = *planned.entity->Items();
   for (std::int32_t i = 1; i <= items.Count(); ++i) {
     if (items.Item(i)->Text() != "*") names.push_back(items.Item(i)->Text());
@@ -224,7 +246,7 @@ std::vector<std::string> TablePlan::Columns(std::size_t table) const {
 
 SnapshotType TablePlan::TypeOf(std::size_t table, const std::string& column) const {
   const PlannedTable& planned = tables_[table];
-  if (planned.entity) return TypeOfColumn(*planned.entity, column, *hub_.DataTypes());
+  if (planned.entity && !planned.isQuery) return TypeOfColumn(*planned.entity, column, *hub_.DataTypes());
   const auto found = planned.byFoldedName.find(FoldCase(column));
   if (found == planned.byFoldedName.end()) return {};
   const SourceColumn& facts = planned.columns[found->second];
@@ -234,6 +256,13 @@ SnapshotType TablePlan::TypeOf(std::size_t table, const std::string& column) con
 // "dual" is there without being listed; what the source fails to tell is no fault of the name.
 std::optional<std::vector<std::string>> TablePlan::ColumnsOf(const WrittenTable& table) const {
   const std::string name = JoinedName(table.parts, rules_);
+  const std::optional<std::vector<QueryColumn>> query =
+      table.parts.size() == 1 ? queries_(table.parts.front().Name()) : std::nullopt;
+  if (query) {
+    std::vector<std::string> columns;
+    for (const QueryColumn& column : *query) columns.push_back(column.name);
+    return columns;
+  }
   const auto [known, added] = innerColumns_.try_emplace(name, std::vector<std::string>());
   if (!added || !hub_.IsConnected() || EqualsNoCase(name, "dual")) return known->second;
   try {

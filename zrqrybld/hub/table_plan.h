@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <optional>
 #include <string>
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include "zrqrybld/diagram/table_picker.h"
+#include "zrqrybld/host/designer_values.h"
 #include "zrqrybld/sql/join_orders.h"
 #include "zrqrybld/sql/name_scope.h"
 #include "zrqrybld/sql/select_statement.h"
@@ -19,6 +21,9 @@ class qbEntities;
 class qbQueryBuilder;
 class qbRelationship;
 
+/// The columns of a query that can be named like a table; none where the name means a table of the source.
+using QueryLookup = std::function<std::optional<std::vector<QueryColumn>>(const std::string& name)>;
+
 // A table of the statement and what it becomes.
 struct PlannedTable {
   WrittenTable written;
@@ -28,14 +33,17 @@ struct PlannedTable {
   Ref<qbEntity> entity;               // of the diagram; nothing when it is still to be added
   std::vector<Identifier> drawnName;  // the entity's
   std::int32_t position = std::numeric_limits<std::int32_t>::max();  // of the entity in the diagram
-  std::vector<SourceColumn> columns;                                 // of one that is to be added
+  bool isQuery = false;                                              // one of the statement's queries
+  std::vector<SourceColumn> columns;                                 // of a query, and of one that is to be added
   std::unordered_map<std::string, std::size_t> byFoldedName;         // of its columns, the first of each
 };
 
 class TablePlan final : public QuerySource {
  public:
-  /// Nothing is changed yet. The hub and the statement must outlive the plan.
-  TablePlan(qbQueryBuilder& hub, const SelectStatement& statement, const NameRules& rules);
+  /// Nothing is changed yet. The hub, the statement and the rules must outlive the plan. Without `takesDrawn` no table
+  /// becomes one that the diagram has.
+  TablePlan(qbQueryBuilder& hub, const SelectStatement& statement, const NameRules& rules, QueryLookup queries,
+            bool takesDrawn);
 
   std::vector<PlannedTable>& Tables() { return tables_; }
   const std::vector<PlannedTable>& Tables() const { return tables_; }
@@ -56,10 +64,13 @@ class TablePlan final : public QuerySource {
  private:
   void Claim(const qbEntities& entities);
   std::optional<std::vector<SourceColumn>> FindInSource(PlannedTable& table) const;
+  void TakeQuery(PlannedTable& table) const;
+  static void TakeColumns(PlannedTable& table, std::vector<SourceColumn> columns);
   bool IsCalled(const qbEntity& entity, const PlannedTable& table) const;
 
   qbQueryBuilder& hub_;
   const NameRules& rules_;
+  const QueryLookup queries_;
   std::vector<PlannedTable> tables_;
   std::size_t added_ = 0;
   // Of tables in queries within the query, by name.

@@ -41,6 +41,7 @@ enum SQLDiagnosticEnum : std::int32_t {
   DiagnosticUnknownName = 21,       ///< an expression or column: it or its criterion names a column that is not there
   DiagnosticLackingCondition = 22,  ///< a column: an alternative lacks the condition on it that the first one has
   DiagnosticJoinNotWritten = 23,    ///< a join: the dialect cannot say what it asks, or not where it stands
+  DiagnosticQueryNotWritten = 24,   ///< a query: the dialect cannot say it where it stands, or servers refuse it
 };
 
 /// What a remark offers to do about it.

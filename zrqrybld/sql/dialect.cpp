@@ -70,6 +70,9 @@ constexpr Dialect MsSql() {
   d.concatenation = "+";
   d.values.yes = "1";
   d.values.no = "0";
+  d.queries.nestsWith = false;
+  d.queries.recursive = {};
+  d.queries.countsRows = false;
   return d;
 }
 
@@ -97,6 +100,7 @@ constexpr Dialect Oracle() {
   d.caseBlindLike = "";
   d.concatenation = "||";
   d.words = kOracleWords;
+  d.queries = {.recursive = {}, .exceptWord = "MINUS", .countsRows = false, .intersectFirst = false};
   return d;
 }
 
@@ -112,6 +116,7 @@ constexpr Dialect Access() {
   d.values.dateQuote = "#";
   d.doubleQuotesAreTexts = true;
   d.unknownNamesAsk = true;
+  d.queries = {.hasWith = false, .intersectWord = {}, .exceptWord = {}, .membersInParentheses = false};
   return d;
 }
 
@@ -133,6 +138,7 @@ constexpr Dialect OpenSql() {
   d.caseBlindLike = "";
   d.words = kOpenSqlWords;
   d.canBeParsed = false;
+  d.queries = {.hasWith = false, .intersectWord = {}, .exceptWord = {}, .membersInParentheses = false};
   return d;
 }
 
@@ -195,6 +201,9 @@ constexpr Dialect Sqlite() {
   d.concatenation = "||";
   d.words = dialect_words::Sqlite();
   d.offersWords = true;
+  d.queries.countsRows = false;
+  d.queries.intersectFirst = false;
+  d.queries.membersInParentheses = false;
   return d;
 }
 
@@ -221,6 +230,9 @@ constexpr Dialect SqlServer() {
   d.concatenation = "+";
   d.words = dialect_words::SqlServer();
   d.offersWords = true;
+  d.queries.nestsWith = false;
+  d.queries.recursive = {};
+  d.queries.countsRows = false;
   return d;
 }
 
@@ -257,6 +269,7 @@ constexpr Dialect Oracle12() {
   d.readsAs = "Oracle";
   d.sameValue = {};
   d.words = dialect_words::Oracle();
+  d.queries = {.recursive = {}, .exceptWord = "MINUS", .countsRows = false, .intersectFirst = false};
   return d;
 }
 

@@ -47,6 +47,23 @@ struct ValueForms {
   std::string_view dateQuote = "'";
 };
 
+/// Which queries within queries a dialect's statements can hold, and its words for them. What it cannot say is "".
+struct QueryForms {
+  bool hasWith = true;
+  /// Whether a query in parentheses can begin with WITH, too.
+  bool nestsWith = true;
+  /// Behind WITH where a query of it names itself.
+  std::string_view recursive = "RECURSIVE ";
+  std::string_view intersectWord = "INTERSECT";
+  std::string_view exceptWord = "EXCEPT";
+  /// Whether INTERSECT ALL and EXCEPT ALL count equal rows.
+  bool countsRows = true;
+  /// Whether INTERSECT binds closer than UNION and EXCEPT; otherwise all are put together from the left.
+  bool intersectFirst = true;
+  /// Whether a member can stand in parentheses, so that it is sorted, limited or a compound by itself.
+  bool membersInParentheses = true;
+};
+
 struct Dialect {
   /// Where joins stand: as JOIN clauses in FROM, or as conditions in WHERE beside a list of tables.
   enum class Joins : std::uint8_t { Clauses, Conditions };
@@ -110,6 +127,7 @@ struct Dialect {
   bool marksColumns = false;
   /// What compares two columns as equal when both are missing; "" where nothing does.
   std::string_view sameValue = {};
+  QueryForms queries = {};
   /// Whether its statements can hold comments.
   bool hasComments = true;
   /// What its own parameters begin with: see sql/host_parameters.h.

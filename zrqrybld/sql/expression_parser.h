@@ -31,6 +31,8 @@ class ExpressionParser {
   std::string_view ParseName(TextId what);
   /// Where the queries begin that were met inside of expressions.
   const std::vector<std::size_t>& Queries() const { return queries_; }
+  /// A query begins here, of which only the end was looked for.
+  void NoteQuery(std::size_t offset) { queries_.push_back(offset); }
   /// Whether the current token can be a name by itself.
   bool IsNamePart() const;
 

@@ -42,6 +42,26 @@ std::string WithoutBlankLines(std::string text) {
   return result + ReplaceAll(whole.substr(done), kBlankLine, kLineEnd);
 }
 
+}  // namespace
+
+std::string Indented(std::string_view text, std::string_view indent) {
+  std::string result;
+  std::size_t done = 0;
+  const auto append = [&](std::string_view between) {
+    result += ReplaceAll(between, "\n", "\n" + std::string(indent));
+  };
+  Lexer lexer(text);
+  for (Token token; lexer.Next(token);) {
+    append(text.substr(done, token.offset - done));
+    result += text.substr(token.offset, token.length);
+    done = token.offset + token.length;
+  }
+  append(text.substr(done));
+  return result;
+}
+
+namespace {
+
 class Generator {
  public:
   Generator(const QuerySnapshot& query, const Dialect& dialect)
@@ -77,6 +97,7 @@ class Generator {
     WriteExtraCondition(" AND ", extra.andExpression);
     WriteExtraCondition(" OR ", extra.orExpression);
     if (!CannotSay()) result_.text = Assemble();
+    if (query_.beginsCompound) result_.tail = WithoutBlankLines(order_);
     return std::move(result_);
   }
 
@@ -86,6 +107,10 @@ class Generator {
   // What stands in FROM.
   std::string FromTerm(std::size_t index) const {
     const SnapshotTable& table = query_.tables[index];
+    if (!table.query.empty()) {
+      return "(" + Indented("\r\n" + table.query, "\t\t") + "\r\n\t)" + std::string(dialect_.tableAlias) +
+             tableTerms_[index];
+    }
     if (!table.aliased) return tableTerms_[index];
     return RenderQualified(table.name, query_.names).Text() + std::string(dialect_.tableAlias) + tableTerms_[index];
   }
@@ -277,12 +302,41 @@ class Generator {
 
   void WriteOrderBy() {
     for (const SnapshotRow* row : SortedRows(query_)) {
+      const std::string term = query_.beginsCompound                      ? OutputTerm(*row)
+                               : row->grouping.kind == GroupingKind::None ? FieldTerm(*row)
+                                                                          : SelectTerm(*row);
+      if (term.empty()) {
+        result_.unsorted.push_back(static_cast<std::size_t>(row - query_.rows.data()));
+        continue;
+      }
       order_ += order_.empty() ? "\r\nORDER BY " : ", ";
       order_ += kItem;
-      order_ += row->grouping.kind == GroupingKind::None ? FieldTerm(*row) : SelectTerm(*row);
+      order_ += term;
       if (row->sort.direction == SortDirection::Descending) order_ += " DESC";
       if (dialect_.hasNullsPlace) order_ += WordsOf(row->sort.nulls);
     }
+  }
+
+  // A compound is sorted by what it outputs: by the name of the column where only one bears it, otherwise by its place;
+  // "" where it is not output, or nobody knows how many columns stand before it.
+  std::string OutputTerm(const SnapshotRow& sorted) const {
+    const auto nameOf = [](const SnapshotRow& row) {
+      const bool isColumn = row.table && !row.grouping.HasSyntax() && row.column != "*";
+      return !row.alias.Empty() ? row.alias : Identifier(isColumn ? row.column : std::string());
+    };
+    const Identifier name = nameOf(sorted);
+    std::size_t place = 0, count = 0, alike = 0;
+    bool hasStar = false;
+    for (const SnapshotRow& row : query_.rows) {
+      if (row.column.empty() || !row.output) continue;
+      ++count;
+      hasStar |= IsAllColumns(row);
+      alike += EqualsNoCase(nameOf(row).Name(), name.Name()) ? 1 : 0;
+      if (&row == &sorted) place = hasStar ? 0 : count;
+    }
+    if (!sorted.output || IsAllColumns(sorted)) return {};
+    if (!name.Empty() && alike == 1) return QuoteWhenNeeded(name, query_.names).Text();
+    return place == 0 ? std::string() : std::to_string(place);
   }
 
   void WriteGroupBy() {
@@ -376,6 +430,7 @@ class Generator {
   // A join that the dialect cannot say makes no text: another one in its place would return other rows. Full joins in a
   // list of tables are written all the same, as they always were.
   bool CannotSay() const {
+    if (cannotLimit_) return true;
     const bool hasOuter = HasOuterJoins(query_);
     const auto isLimited = [&](const SnapshotJoin& join) {
       return LimitOf(join, dialect_, hasOuter) != JoinLimit::None;
@@ -396,11 +451,17 @@ class Generator {
     const bool offset = query_.skip > 0 && !limit.offset.empty();
     std::string_view form = query_.top.empty() ? std::string_view() : percent ? limit.percent : limit.rows;
     if (offset) form = form.empty() || percent ? limit.offset : limit.rowsAndOffset;
+    const bool behindMembers = query_.beginsCompound && !form.empty() && !offset && limit.place != RowLimit::Place::End;
+    if (behindMembers) {
+      // What limits one SELECT would limit the first member alone.
+      form = percent ? std::string_view() : limit.rowsAndOffset;
+      cannotLimit_ = form.empty();
+    }
     if (form.empty()) return;
     std::string text = ReplaceAll(form, "@n", Trim(query_.top.substr(0, query_.top.size() - (percent ? 1 : 0))));
     text = ReplaceAll(text, "@m", std::to_string(query_.skip));
-    if (offset && limit.offsetNeedsOrder && order_.empty()) order_ = AnyOrder();
-    switch (offset ? RowLimit::Place::End : limit.place) {
+    if ((offset || behindMembers) && limit.offsetNeedsOrder && order_.empty()) order_ = AnyOrder();
+    switch (offset || behindMembers ? RowLimit::Place::End : limit.place) {
       case RowLimit::Place::Head:
         head_ += text;
         break;
@@ -421,7 +482,7 @@ class Generator {
 
   // An ORDER BY that asks for no order. Beside DISTINCT only what is selected can be ordered by.
   std::string AnyOrder() const {
-    return "\r\nORDER BY " + std::string(kItem) + (query_.distinct ? "1" : "(SELECT NULL)");
+    return "\r\nORDER BY " + std::string(kItem) + (query_.distinct || query_.beginsCompound ? "1" : "(SELECT NULL)");
   }
 
   // The word stands even where no condition comes before it in a list of tables: the text is completed by whoever
@@ -440,7 +501,8 @@ class Generator {
       text += "\r\n";
       if (!joinConditions_.empty()) text += "WHERE" + joinConditions_;
     }
-    text += where_ + group_ + having_ + order_;
+    text += where_ + group_ + having_;
+    if (!query_.beginsCompound) text += order_;
     return WithoutBlankLines(std::move(text));
   }
 
@@ -452,6 +514,7 @@ class Generator {
   std::string head_;
   std::string select_;
   std::string from_;
+  bool cannotLimit_ = false;
   std::size_t depth_ = 0;  // of the group in FROM that is being written
   std::string joinConditions_;
   std::string where_;

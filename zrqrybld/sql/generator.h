@@ -5,6 +5,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "zrqrybld/base/phrase.h"
@@ -31,12 +32,16 @@ struct MisreadCriterion {
 struct GeneratedSql {
   /// "" where the dialect cannot say what the query asks for; the remarks tell what that is.
   std::string text;
+  /// What stands behind the last member of the compound that the query begins: ORDER BY and the limit.
+  std::string tail;
   /// Whether some table other than the first is joined to none before it.
   bool cartesian = false;
   /// The tables as they stand in FROM; valid as long as the query is.
   std::vector<FromEntry> from;
   std::vector<UnreadableCriterion> unreadable;
   std::vector<MisreadCriterion> misread;
+  /// Rows that a compound cannot be sorted by, for they are not output: positions in `QuerySnapshot::rows`, from 0.
+  std::vector<std::size_t> unsorted;
 };
 
 /// Conditions that are added to the statement as they stand, without parentheses.
@@ -44,6 +49,9 @@ struct ExtraConditions {
   std::string orExpression;
   std::string andExpression;
 };
+
+/// The text with `indent` behind each line end that stands in no literal, name or comment.
+std::string Indented(std::string_view text, std::string_view indent);
 
 /// Writes the statement. Takes time in the number of tables, joins and rows and the length of the text.
 GeneratedSql GenerateSelect(const QuerySnapshot& query, const Dialect& dialect, const ExtraConditions& extra = {});

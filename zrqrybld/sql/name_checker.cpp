@@ -78,7 +78,9 @@ class InnerSource final : public QuerySource {
   explicit InnerSource(const QuerySource& source) : source_(source) {}
 
   std::optional<SnapshotTable> AddTable(const WrittenTable& written) override {
-    std::optional<std::vector<std::string>> columns = source_.ColumnsOf(written);
+    // What a query in FROM gives is not looked at here: any name may be a column of it.
+    std::optional<std::vector<std::string>> columns =
+        written.isQuery ? std::vector<std::string>() : source_.ColumnsOf(written);
     if (!columns) return std::nullopt;
     tables_.push_back({std::move(*columns), {}});
     Table& table = tables_.back();

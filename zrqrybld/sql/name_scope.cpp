@@ -80,6 +80,12 @@ std::vector<Identifier> NameParts(std::string_view written, Dialect::PlainNames 
   return parts;
 }
 
+WrittenTable WrittenTableOf(const FromItem& item, std::size_t place) {
+  if (item.query.empty()) return {NameParts(item.table), Identifier(PlainName(item.alias))};
+  std::string name = item.table.empty() ? "Query" + std::to_string(place + 1) : PlainName(item.table);
+  return {.parts = {Identifier(std::move(name))}, .alias = {}, .isQuery = true};
+}
+
 bool NameScope::IsPseudoColumn(std::string_view name) { return IsOneOf(name, kPseudoColumns); }
 
 bool NameScope::IsServerValue(std::string_view name) {
@@ -93,17 +99,18 @@ void NameScope::Refuse(std::string_view part, Phrase message) const {
 // --- Tables ---
 
 std::size_t NameScope::AddTable(const FromItem& item) {
-  const WrittenTable written{NameParts(item.table), Identifier(PlainName(item.alias))};
+  const WrittenTable written = WrittenTableOf(item, tables_.size());
+  const std::string_view place = item.query.empty() ? item.table : item.query;
   std::optional<SnapshotTable> table = source_.AddTable(written);
   if (!table) {
     NearestName nearest(written.parts.back().Name());
     source_.OfferTables(nearest);
-    Refuse(item.table, nearest.With({text::NoTableNamed, WholeName(written.parts)}));
+    Refuse(place, nearest.With({text::NoTableNamed, WholeName(written.parts)}));
   }
   const std::size_t index = tables_.size();
   const std::string& caption = table->caption.Name();
   if (!byCaption_.emplace(caption, index).second) {
-    Refuse(item.alias.empty() ? item.table : item.alias, {text::TableNameTwice, caption});
+    Refuse(item.alias.empty() ? place : item.alias, {text::TableNameTwice, caption});
   }
   if (written.alias.Empty()) {
     const auto [known, added] = byLastPart_.emplace(written.parts.back().Name(), index);

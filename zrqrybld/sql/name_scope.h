@@ -24,7 +24,11 @@ class NearestName;
 struct WrittenTable {
   std::vector<Identifier> parts;  ///< its name, schema first, without quotes
   Identifier alias;               ///< empty when it has none
+  bool isQuery = false;           ///< a query stands in FROM, and bears the name
 };
+
+/// An item of FROM by its place, from 0: a query without a name gets one.
+WrittenTable WrittenTableOf(const FromItem& item, std::size_t place);
 
 /// Where the tables of a statement come from.
 class QuerySource : public KnownColumns {

@@ -27,6 +27,8 @@ struct SnapshotTable {
   std::vector<Identifier> name;
   /// Whether the caption is another than the name, so that the statement needs an alias.
   bool aliased = false;
+  /// The text of the query that stands in FROM instead of the name; "" for a table.
+  std::string query = {};
   friend bool operator==(const SnapshotTable&, const SnapshotTable&) = default;
 };
 
@@ -100,6 +102,8 @@ struct QuerySnapshot {
   std::string top;
   /// How many rows are passed over before the first that is wanted.
   std::int32_t skip = 0;
+  /// Whether it is put together with others by UNION and its like: what it sorts and limits by stands behind the last.
+  bool beginsCompound = false;
   NameRules names;
   /// How criteria are read and values written; what depends on the column comes from its row.
   CriteriaContext criteria;

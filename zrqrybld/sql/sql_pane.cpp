@@ -13,6 +13,7 @@
 #include "zrqrybld/sql/generator.h"
 #include "zrqrybld/sql/lexer.h"
 #include "zrqrybld/sql/query_snapshot.h"
+#include "zrqrybld/sql/query_text.h"
 #include "zrqrybld/sql/typed_statement.h"
 
 namespace zrqrybld {
@@ -273,14 +274,29 @@ std::string qbSQLPane::Generate(const std::string& orExpression, const std::stri
   if (context->steps.state() != InfoDone) return {};
   QuerySnapshot query = context->design.Snapshot();
   const Dialect& dialect = DialectFor(options_.syntax);
-  GeneratedSql generated = GenerateSelect(query, dialect, {orExpression, andExpression});
+  const ExtraConditions extra{orExpression, andExpression};
+  GeneratedSql generated = GenerateSelect(query, dialect, extra);
   diagnostics_ = Diagnose(query, dialect, generated);
+  if (std::optional<GeneratedQuery> whole = context->design.WholeStatement(extra))
+    TakeWhole(*std::move(whole), generated);
   TranslateDiagnostics();
   cartesian_ = generated.cartesian;
   generatedFrom_.tables = std::move(query.tables);
   generatedFrom_.joins = std::move(query.joins);
   joins_.reset();
   return std::move(generated.text);
+}
+
+// The statement is that of all queries; what there is to say about the others stands behind the remarks of the one
+// shown.
+void qbSQLPane::TakeWhole(GeneratedQuery whole, GeneratedSql& shown) {
+  shown.text = std::move(whole.text);
+  for (QueryFault& fault : whole.faults) {
+    if (fault.what.Empty()) continue;
+    SQLDiagnostic& remark = diagnostics_.emplace_back();
+    remark.kind = DiagnosticQueryNotWritten;
+    remark.what = std::move(fault.what);
+  }
 }
 
 void qbSQLPane::TranslateDiagnostics() {
@@ -296,6 +312,11 @@ void qbSQLPane::ApplyTexts() {
 const Ref<qbJoins>& qbSQLPane::Joins() const {
   if (!joins_) joins_ = BuildJoinList(generatedFrom_);
   return joins_;
+}
+
+std::string qbSQLPane::Written(const QueryContext& context) const {
+  if (std::optional<GeneratedQuery> whole = context.design.WholeStatement({})) return std::move(whole->text);
+  return GenerateSelect(context.design.Snapshot(), DialectFor(options_.syntax)).text;
 }
 
 // The text that stands for a generated one.
@@ -364,7 +385,7 @@ void qbSQLPane::ParseSQLStatement(const std::string& sql) {
       const ScopedValue busy(busy_, true);
       context->steps.RaiseInfo(InfoParsingSQL, sql);
       context->reports.LoadStatement(sql);
-      if (keepTypedText_) Keep(sql, GenerateSelect(context->design.Snapshot(), DialectFor(options_.syntax)).text);
+      if (keepTypedText_) Keep(sql, Written(*context));
     } catch (const std::exception& cause) {
       context->steps.LeaveState();
       throw WrapError(ErrorParsingText, text::ParsingFailed, cause);

@@ -26,6 +26,7 @@
 namespace zrqrybld {
 
 class qbQueryBuilder;
+struct GeneratedQuery;
 struct QueryContext;
 struct TypedStatement;
 
@@ -180,6 +181,8 @@ class ZRQRYBLD_API qbSQLPane final : public Object {
  private:
   qbSQLPane();
   std::string Generate(const std::string& orExpression, const std::string& andExpression);
+  std::string Written(const QueryContext& context) const;
+  void TakeWhole(GeneratedQuery whole, GeneratedSql& shown);
   std::string Present(std::string generated);
   void ListenToTextArea();
   void ShowRemarks();

@@ -226,7 +226,7 @@ class Parser {
   }
 
   FromItem* ParseTable() {
-    if (reader_.IsSign('(')) return ParseTablesInParentheses();
+    if (reader_.IsSign('(')) return BeginsQuery() ? ParseQueryInFrom() : ParseTablesInParentheses();
     if (reader_.IsSign('{')) return ParseJoinEscape();
     auto* item = Make<FromItem>();
     const std::size_t start = reader_.Offset();
@@ -242,6 +242,34 @@ class Parser {
     return item;
   }
 
+  bool BeginsQuery() const {
+    const Keyword next = reader_.Peek().keyword;
+    return next == Keyword::Select || next == Keyword::With;
+  }
+
+  // A query in the place of a table; its name stands where a table's alias does.
+  FromItem* ParseQueryInFrom() {
+    auto* item = Make<FromItem>();
+    const std::size_t open = reader_.Offset();
+    reader_.Advance();
+    const std::size_t start = reader_.Offset();
+    expressions_.NoteQuery(start);
+    while (!reader_.AtEnd() && !reader_.IsSign(')')) SkipOne();
+    if (reader_.AtEnd()) reader_.FailOpen(open, "\")\"");
+    item->query = statement_.text.substr(start, reader_.Offset() - start);
+    reader_.Advance();
+    item->table = ParseAlias(false);
+    if (!item->table.empty() && reader_.IsSign('(')) reader_.Refuse(reader_.Offset(), text::NoColumnNames);
+    return item;
+  }
+
+  // A token, or what stands in parentheses.
+  void SkipOne() {
+    const bool opens = reader_.TakeSign('(');
+    if (opens) reader_.SkipTo(')');
+    reader_.Advance();
+  }
+
   void RequireDepth(int depth, int deepest) const {
     if (depth <= deepest) return;
     reader_.Refuse(reader_.Offset(), {text::TablesTooDeep, deepest});
@@ -251,13 +279,7 @@ class Parser {
   FromItem* ParseTablesInParentheses() {
     RequireDepth(++calls_, kDeepestCalls);
     int open = 0;
-    for (; reader_.IsSign('('); reader_.Advance()) {
-      const Keyword next = reader_.Peek().keyword;
-      if (next == Keyword::Select || next == Keyword::With) {
-        reader_.Refuse(reader_.Offset(), text::NoQueryInFrom);
-      }
-      RequireDepth(++open, kDeepestTables);
-    }
+    for (; reader_.IsSign('(') && !BeginsQuery(); reader_.Advance()) RequireDepth(++open, kDeepestTables);
     FromItem* item = ParseTable();
     for (; open > 0; --open) ParseRestInParentheses(item);
     --calls_;

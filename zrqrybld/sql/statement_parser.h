@@ -1,7 +1,7 @@
 // The parser: a SELECT statement as somebody typed it, or as the generator wrote it, as a syntax tree.
 //
-// Pure. It reads the statements of all five dialects; what it reads and the designer cannot show is refused here
-// (UNION, WITH, derived tables) or by whoever takes the tree over.
+// Pure. It reads one SELECT of any dialect; what it reads and the designer cannot show is refused here or by whoever
+// takes the tree over. Queries in FROM stay texts, and so do UNION and WITH: see sql/query_outline.h.
 #pragma once
 
 #include <optional>

@@ -1,0 +1,18 @@
+// The box of a query: what it shows follows what the query outputs.
+#pragma once
+
+#include <vector>
+
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/host/data_types.h"
+#include "zrqrybld/host/designer_values.h"
+
+namespace zrqrybld {
+
+/// Makes the items of the entity "*" and these columns. Ticks and the ends of joins stay with the columns of their
+/// names; a join whose column has gone is left without it. Nobody is told, and nothing happens where the columns are
+/// these already.
+void ShowColumns(const qbEntities& entities, qbEntity& entity, const std::vector<QueryColumn>& columns,
+                 const qbDataTypes& types);
+
+}  // namespace zrqrybld

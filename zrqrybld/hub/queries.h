@@ -1,0 +1,94 @@
+// qbQueries: the queries that a statement is made of, and qbQuery: one of them.
+//
+// Both are thin faces of the hub, which keeps the queries. The panes show one at a time.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "zrqrybld/base/collection.h"
+#include "zrqrybld/base/export.h"
+#include "zrqrybld/base/object.h"
+#include "zrqrybld/base/variant.h"
+#include "zrqrybld/sql/query_kind.h"
+
+namespace zrqrybld {
+
+class qbQueryBuilder;
+struct StoredQuery;
+
+/// A query of the statement. Once it is removed its members raise error 91; undo brings it back.
+class ZRQRYBLD_API qbQuery final : public Object {
+ public:
+  qbQuery(WeakRef<qbQueryBuilder> hub, std::int32_t id) : hub_(std::move(hub)), id_(id) {}
+  std::string_view TypeName() const override { return "qbQuery"; }
+
+  /// What stands for the query as long as the design is open; 0 is the main query.
+  std::int32_t Id() const { return id_; }
+
+  /// What it is to the one that it belongs to. A query in FROM can move to WITH, and back; anything else is error
+  /// 40005.
+  QueryKindEnum Kind() const;
+  void SetKind(QueryKindEnum kind);
+
+  /// The name that other queries name it by; "" of the main query and of members. Setting it renames it wherever it is
+  /// named. Error 40005 for a blank name, one that is taken, and a query without a name.
+  std::string Name() const;
+  void SetName(const std::string& name);
+
+  /// How a member is put together with all before it; `QueryUnion` for other queries, whose operator cannot be set:
+  /// error 40005.
+  QueryOperatorEnum Operator() const;
+  void SetOperator(QueryOperatorEnum combined);
+
+  /// The query that it belongs to; nothing for the main query.
+  Ref<qbQuery> Parent() const;
+
+  /// Its own part of the statement; "" where the dialect cannot say it.
+  std::string SQLStatement() const;
+
+  /// Shows it in the panes: no step. Error 5 while a step is going on.
+  void Open();
+
+  /// Removes it with all that belongs to it and its boxes; a step. The main query stays: error 40005.
+  void Remove();
+
+ private:
+  Ref<qbQueryBuilder> Hub() const;
+  const StoredQuery& Facts() const;
+
+  WeakRef<qbQueryBuilder> hub_;
+  std::int32_t id_;
+};
+
+/// The queries by position from 1, each behind the one that it belongs to; the main one is the first.
+class ZRQRYBLD_API qbQueries final : public Object {
+ public:
+  explicit qbQueries(WeakRef<qbQueryBuilder> hub) : hub_(std::move(hub)) {}
+  std::string_view TypeName() const override { return "qbQueries"; }
+
+  /// How many there are; none once the designer is gone.
+  std::int32_t Count() const;
+  /// The query at a position from 1, or the first with the name. Error 9 when there is none.
+  Ref<qbQuery> Item(const Variant& index) const;
+  /// Walks them in that order, for a range-based loop.
+  CollectionIterator<qbQueries> begin() const { return CollectionIterator(*this); }
+  std::default_sentinel_t end() const { return {}; }
+
+  /// Adds a query to the one that is shown, with a box for one that is named like a table; a step. A name that is taken
+  /// gets a number, "" a name of its own. A member is put together by UNION ALL at first.
+  Ref<qbQuery> Add(QueryKindEnum kind, const std::string& name = {});
+
+  /// The query that the panes show.
+  Ref<qbQuery> Current() const;
+  void SetCurrent(const Ref<qbQuery>& query);
+
+ private:
+  Ref<qbQueryBuilder> Hub() const;
+
+  WeakRef<qbQueryBuilder> hub_;
+};
+
+}  // namespace zrqrybld

@@ -1,0 +1,310 @@
+// The queries of the statement: which of them the panes show, how they change places, and the statement of all.
+#include <algorithm>
+#include <unordered_set>
+#include <utility>
+
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/base/scoped_value.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/base/texts_queries.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/query_boxes.h"
+#include "zrqrybld/diagram/table_picker.h"
+#include "zrqrybld/grid/field_names.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/hub/hub_parts.h"
+#include "zrqrybld/hub/snapshot_builder.h"
+#include "zrqrybld/sql/query_outline.h"
+#include "zrqrybld/sql/query_outputs.h"
+#include "zrqrybld/sql/query_text.h"
+
+namespace zrqrybld {
+
+const QuerySet& qbQueryBuilder::QueriesNow() const { return parts_->querySet; }
+
+// --- What they are to each other ---
+
+std::optional<std::vector<QueryColumn>> qbQueryBuilder::ColumnsOfQuery(const std::string& name) const {
+  const QuerySet& set = parts_->querySet;
+  if (set.IsSingle()) return std::nullopt;
+  const StoredQuery* named = set.FindNamed(set.shown, name);
+  if (!named) return std::nullopt;
+  return named->columns ? *named->columns : std::vector<QueryColumn>();
+}
+
+// --- The statement of all ---
+
+namespace {
+
+QueryTree TreeOf(const QuerySet& set, const StoredQuery& stored, const QuerySnapshot& shown) {
+  QueryTree tree;
+  tree.id = stored.id;
+  tree.kind = stored.kind;
+  tree.combined = stored.combined;
+  tree.name = stored.name;
+  tree.columnNames = stored.columnNames;
+  tree.query = stored.id == set.shown || !stored.snapshot ? shown : *stored.snapshot;
+  if (stored.id != set.shown && !stored.snapshot) {
+    tree.query.tables.clear();
+    tree.query.joins.clear();
+    tree.query.rows.clear();
+    tree.query.columns.reset();
+  }
+  tree.query.names = shown.names;
+  tree.query.criteria = shown.criteria;
+  for (const StoredQuery* inner : set.InnerOf(stored.id)) tree.inner.push_back(TreeOf(set, *inner, shown));
+  return tree;
+}
+
+}  // namespace
+
+std::optional<GeneratedQuery> qbQueryBuilder::WholeStatement(const ExtraConditions& extra) const {
+  const QuerySet& set = parts_->querySet;
+  if (set.IsSingle()) return std::nullopt;
+  return GenerateQuery(TreeOf(set, set.queries.front(), Snapshot()), CurrentDialect(), set.shown, extra);
+}
+
+// --- Which one the panes show ---
+
+Design qbQueryBuilder::TakeDesign() const {
+  Design taken;
+  if (const Ref<qbEntities> entities = Entities()) {
+    taken.entities = entities->State(parts_->history.Known().entities, {}, true);
+  }
+  if (gridPane_) {
+    zrGridRows& rows = *gridPane_->Grid()->Rows();
+    for (std::size_t i = 1; i <= static_cast<std::size_t>(rows.Count()); ++i) {
+      taken.rows.push_back(rows.At(i).Content());
+    }
+  }
+  taken.options = CurrentOptions();
+  return taken;
+}
+
+// What the panes show is kept, so that others can stand in its place.
+void qbQueryBuilder::StoreShown() {
+  StoredQuery& shown = *parts_->querySet.Find(parts_->querySet.shown);
+  shown.design = std::make_shared<const Design>(TakeDesign());
+  QuerySnapshot snapshot = Snapshot();
+  shown.columns = std::make_shared<const std::vector<QueryColumn>>(
+      WithNames(OutputsOf(snapshot,
+                          [this](std::size_t table, const std::string& column) {
+                            const Ref<qbEntity> entity = Entities()->Item(static_cast<std::int32_t>(table) + 1);
+                            return TypeOfColumn(*entity, column, *DataTypes());
+                          }),
+                shown.columnNames));
+  if (snapshot.columns) snapshot.columns = CapturedColumns(*snapshot.columns, snapshot.tables.size());
+  shown.snapshot = std::make_shared<const QuerySnapshot>(std::move(snapshot));
+}
+
+// The options that are not the query's own stay as they are.
+void qbQueryBuilder::PutIntoPanes(const StoredQuery& query) {
+  Design then;
+  if (query.design) then = *query.design;
+  DesignOptions options = CurrentOptions();
+  options.query = then.options.query;
+  options.showGroupBy = then.options.showGroupBy;
+  then.options = std::move(options);
+  Restore(TakeDesign(), then);
+  if (!query.design && gridPane_) {
+    GridPane()->ResetRows();
+    then = TakeDesign();
+  }
+  parts_->history.Show(std::move(then));
+  if (const Ref<qbEntities> entities = Entities()) entities->Remembered();
+  if (gridPane_) gridPane_->Grid()->Rows()->Remembered();
+}
+
+void qbQueryBuilder::TouchQueries() {
+  if (parts_->querySetBefore || travelling_) return;
+  QuerySet before = parts_->querySet;
+  StoredQuery& shown = *before.Find(before.shown);
+  shown.design = std::make_shared<const Design>(parts_->history.Known());
+  parts_->querySetBefore = std::move(before);
+}
+
+void qbQueryBuilder::SwitchTo(std::int32_t id) {
+  QuerySet& set = parts_->querySet;
+  if (id == set.shown || !set.Find(id)) return;
+  if (steps.InStep()) TouchQueries();
+  const StepScope step(RefTo(*this), kStepShowQuery);
+  StoreShown();
+  set.shown = id;
+  PutIntoPanes(*set.Find(id));
+  FollowQueries();
+  queriesChanged_ = true;
+}
+
+// The boxes of queries show what those output now.
+void qbQueryBuilder::FollowQueries() {
+  const Ref<qbEntities> entities = Entities();
+  if (!entities) return;
+  for (const Ref<qbEntity>& entity : *entities) {
+    const std::optional<std::vector<QueryColumn>> columns = ColumnsOfQuery(entity->TagVariant().Text());
+    if (columns) ShowColumns(*entities, *entity, *columns, *DataTypes());
+  }
+}
+
+bool qbQueryBuilder::ShowQuery(std::int32_t id) {
+  if (!parts_->querySet.Find(id)) return false;
+  if (steps.InStep() || travelling_ || (state() != InfoDone && state() != InfoParsingSQL)) {
+    throw Error(ErrorInvalidCall, text::QueryInUse);
+  }
+  const Ref<Object> alive = shared_from_this();  // a listener may let go of it
+  SetState(InfoDone);
+  if (gridPane_) gridPane_->Grid()->CommitEdit();
+  EndStepless();
+  SwitchTo(id);
+  return true;
+}
+
+// --- What changes them, each a step ---
+
+std::int32_t qbQueryBuilder::AddQuery(QueryKindEnum kind, const std::string& name) {
+  QuerySet& set = parts_->querySet;
+  if (set.queries.size() >= static_cast<std::size_t>(kMostQueries)) {
+    throw Error(ErrorInvalidCall, {text::TooManyQueries, kMostQueries});
+  }
+  const StepScope step(RefTo(*this), kStepAddQuery, name);
+  TouchQueries();
+  StoredQuery query;
+  query.kind = kind == QueryMain ? QueryDerivedTable : kind;
+  // What stands beside a member belongs to the same compound.
+  query.parent = kind == QueryMember && set.Shown().kind == QueryMember ? set.Shown().parent : set.shown;
+  if (query.kind != QueryMember) query.name = set.FreeName(set.shown, name.empty() ? Say(text::NewQueryName) : name);
+  query.combined = QueryUnionAll;
+  const std::string freeName = query.name;
+  const std::int32_t id = set.Add(std::move(query));
+  queriesChanged_ = true;
+  if (!freeName.empty()) TablePicker(RefTo(*this)).AddTable(freeName);
+  QueryChanged();
+  return id;
+}
+
+void qbQueryBuilder::RemoveQuery(std::int32_t id) {
+  QuerySet& set = parts_->querySet;
+  const StoredQuery* query = set.Find(id);
+  if (!query || query->kind == QueryMain) return;
+  const std::string name = query->name;
+  const std::int32_t parent = query->parent;
+  const StepScope step(RefTo(*this), kStepRemoveQuery, name);
+  TouchQueries();
+  const bool isNamed = query->kind != QueryMember;
+  const std::int32_t shown = set.IsWithin(set.shown, id) ? parent : set.shown;
+  SwitchTo(parent);
+  if (isNamed && Entities()) {
+    std::vector<Ref<qbEntity>> leaving;
+    for (const Ref<qbEntity>& entity : *Entities()) {
+      if (set.FindNamed(parent, entity->TagVariant().Text()) == set.Find(id)) leaving.push_back(entity);
+    }
+    for (const Ref<qbEntity>& entity : leaving) Entities()->Drop(entity);
+  }
+  set.Remove(id);
+  SwitchTo(shown);
+  queriesChanged_ = true;
+  QueryChanged();
+}
+
+// The boxes of the query bear the new name; those that are called by the old one are called by the new one.
+void qbQueryBuilder::RenameQuery(std::int32_t id, const std::string& name) {
+  QuerySet& set = parts_->querySet;
+  const StoredQuery* query = set.Find(id);
+  if (!query || query->kind == QueryMain || query->kind == QueryMember) {
+    throw Error(ErrorInvalidPropertyValue, text::QueryKeepsKind);
+  }
+  if (query->name == name) return;
+  if (Trim(name).empty()) throw Error(ErrorInvalidPropertyValue, text::QueryNeedsName);
+  const StoredQuery* other = set.FindNamed(query->parent, name);
+  if (other && other->id != id) throw Error(ErrorInvalidPropertyValue, {text::QueryNameTaken, name});
+  const std::string before = query->name;
+  const StepScope step(RefTo(*this), kStepRenameQuery, before);
+  TouchQueries();
+  const std::int32_t shown = set.shown;
+  std::vector<std::int32_t> naming;
+  for (const StoredQuery& each : set.queries) {
+    if (set.FindNamed(each.id, before) == query) naming.push_back(each.id);
+  }
+  for (const std::int32_t each : naming) {
+    SwitchTo(each);
+    if (!Entities()) break;
+    for (const Ref<qbEntity>& entity : *Entities()) {
+      if (!EqualsNoCase(entity->TagVariant().Text(), before)) continue;
+      const bool isCaption = entity->Caption() == entity->TagVariant().Text();
+      entity->SetTagVariant(name);
+      if (isCaption && !Entities()->FindExactly(name)) entity->SetCaption(name);
+    }
+  }
+  set.Find(id)->name = name;
+  SwitchTo(shown);
+  queriesChanged_ = true;
+  QueryChanged();
+}
+
+void qbQueryBuilder::SetQueryKind(std::int32_t id, QueryKindEnum kind) {
+  StoredQuery* query = parts_->querySet.Find(id);
+  const bool isTable = kind == QueryDerivedTable || kind == QueryCommonTable;
+  if (!query || query->kind == QueryMain || query->kind == QueryMember || !isTable) {
+    throw Error(ErrorInvalidPropertyValue, text::QueryKeepsKind);
+  }
+  if (query->kind == kind) return;
+  const StepScope step(RefTo(*this), kStepQueryKind, query->name);
+  TouchQueries();
+  query->kind = kind;
+  queriesChanged_ = true;
+  QueryChanged();
+}
+
+void qbQueryBuilder::SetQueryOperator(std::int32_t id, QueryOperatorEnum combined) {
+  StoredQuery* query = parts_->querySet.Find(id);
+  if (!query || query->kind != QueryMember) throw Error(ErrorInvalidPropertyValue, text::QueryKeepsKind);
+  if (query->combined == combined) return;
+  const StepScope step(RefTo(*this), kStepQueryOperator);
+  TouchQueries();
+  query->combined = combined;
+  queriesChanged_ = true;
+  QueryChanged();
+}
+
+// A query in FROM lives as long as its boxes do.
+void qbQueryBuilder::DropUnnamedQueries() {
+  QuerySet& set = parts_->querySet;
+  if (set.IsSingle() || travelling_ || loadsQueries_ || !Entities()) return;
+  std::vector<std::int32_t> unnamed;
+  for (const StoredQuery* inner : set.InnerOf(set.shown)) {
+    if (inner->kind != QueryDerivedTable) continue;
+    const bool stands = std::ranges::any_of(*Entities(), [&](const Ref<qbEntity>& entity) {
+      return EqualsNoCase(entity->TagVariant().Text(), inner->name);
+    });
+    if (!stands) unnamed.push_back(inner->id);
+  }
+  if (unnamed.empty()) return;
+  TouchQueries();
+  for (const std::int32_t id : unnamed) set.Remove(id);
+  queriesChanged_ = true;
+}
+
+// --- Undo ---
+
+// Each query takes the design that it has in `then`, where the step has changed it; what was done since to one that the
+// step has left alone stays.
+void qbQueryBuilder::RestoreQueries(const QuerySet& now, const QuerySet& then) {
+  StoreShown();
+  QuerySet restored = then;
+  for (StoredQuery& query : restored.queries) {
+    const StoredQuery* was = now.Find(query.id);
+    const StoredQuery* is = parts_->querySet.Find(query.id);
+    if (!was || !is || was->design != query.design) continue;
+    query.design = is->design;
+    query.snapshot = is->snapshot;
+    query.columns = is->columns;
+  }
+  restored.lastId = std::max(restored.lastId, parts_->querySet.lastId);
+  parts_->querySet = std::move(restored);
+  PutIntoPanes(parts_->querySet.Shown());
+  FollowQueries();
+  queriesChanged_ = true;
+}
+
+}  // namespace zrqrybld

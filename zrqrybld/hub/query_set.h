@@ -1,0 +1,66 @@
+// QuerySet: the queries of a statement, of which the panes show one.
+//
+// Plain values. What the panes do not show is kept as undo keeps it: pieces that moments share. The hub puts them into
+// the panes and takes them back.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "zrqrybld/host/designer_values.h"
+#include "zrqrybld/sql/query_kind.h"
+#include "zrqrybld/sql/query_snapshot.h"
+
+namespace zrqrybld {
+
+struct Design;
+
+/// One query. What stands in its last three is of the moment when the panes left it.
+struct StoredQuery {
+  std::int32_t id = 0;      ///< stays as it is; 0 is the main query
+  std::int32_t parent = 0;  ///< of the query that it belongs to
+  QueryKindEnum kind = QueryMain;
+  QueryOperatorEnum combined = QueryUnion;
+  std::string name;
+  std::vector<std::string> columnNames;  ///< of a common table; empty where they are those of its query
+  std::shared_ptr<const Design> design;
+  std::shared_ptr<const QuerySnapshot> snapshot;
+  std::shared_ptr<const std::vector<QueryColumn>> columns;
+};
+
+/// The queries, each behind the one that it belongs to and behind those before it there.
+struct QuerySet {
+  std::vector<StoredQuery> queries = {StoredQuery{}};
+  std::int32_t shown = 0;
+  std::int32_t lastId = 0;
+
+  bool IsSingle() const { return queries.size() == 1; }
+  /// By its id; nullptr when there is none.
+  const StoredQuery* Find(std::int32_t id) const;
+  StoredQuery* Find(std::int32_t id);
+  const StoredQuery& Shown() const { return *Find(shown); }
+  /// What belongs to the query, in order.
+  std::vector<const StoredQuery*> InnerOf(std::int32_t id) const;
+  /// Whether members belong to the query.
+  bool BeginsCompound(std::int32_t id) const;
+  /// The queries that the query can name like a table, those that count first before others: its own, and what stands
+  /// in WITH around it.
+  std::vector<const StoredQuery*> Nameable(std::int32_t id) const;
+  /// That of them which the name means, exactly before without regard to case; nullptr when there is none.
+  const StoredQuery* FindNamed(std::int32_t id, std::string_view name) const;
+  /// A name that none of them has: the wanted one, or with a number behind it.
+  std::string FreeName(std::int32_t id, const std::string& wanted) const;
+  /// Adds a query behind the others of its parent; its id.
+  std::int32_t Add(StoredQuery query);
+  /// Removes the query with all that belongs to it.
+  void Remove(std::int32_t id);
+  /// Whether the query is the other, or belongs to it at any depth.
+  bool IsWithin(std::int32_t id, std::int32_t other) const;
+};
+
+}  // namespace zrqrybld

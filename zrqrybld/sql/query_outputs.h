@@ -1,0 +1,28 @@
+// The columns that a designed query outputs, for whoever names it like a table. Pure.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "zrqrybld/host/designer_values.h"
+#include "zrqrybld/sql/query_snapshot.h"
+
+namespace zrqrybld {
+
+/// What the source says of a column's type, by the table's place from 0.
+using ColumnTypes = std::function<SnapshotType(std::size_t table, const std::string& column)>;
+
+/// The columns in their order: an expression without an alias has a name that only the server knows, and is left out,
+/// and so is a name that an earlier column bears. "*" stands for the known columns of its table.
+std::vector<QueryColumn> OutputsOf(const QuerySnapshot& query, const ColumnTypes& typeOf);
+
+/// The same with other names, as WITH gives them; columns beyond the last name keep theirs.
+std::vector<QueryColumn> WithNames(std::vector<QueryColumn> columns, const std::vector<std::string>& names);
+
+/// What is known of the columns now, for as long as anybody asks.
+std::shared_ptr<const KnownColumns> CapturedColumns(const KnownColumns& columns, std::size_t tables);
+
+}  // namespace zrqrybld

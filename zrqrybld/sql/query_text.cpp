@@ -1,0 +1,209 @@
+#include "zrqrybld/sql/query_text.h"
+
+#include <algorithm>
+#include <optional>
+#include <unordered_map>
+#include <utility>
+
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/base/texts_queries.h"
+#include "zrqrybld/sql/dialect.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr std::string_view kLine = "\r\n";
+
+// A sign that no text holds that people write: it marks where a query begins and ends, until all is put together.
+constexpr std::string_view kMark = "\xEF\xB7\x90";
+
+constexpr std::size_t kLongestQuery = 64u << 20;
+
+bool IsMember(const QueryTree& query) { return query.kind == QueryMember; }
+bool IsCommon(const QueryTree& query) { return query.kind == QueryCommonTable; }
+
+bool NamesTable(const QuerySnapshot& query, std::string_view name) {
+  return std::ranges::any_of(query.tables, [name](const SnapshotTable& table) {
+    return table.name.size() == 1 && EqualsNoCase(table.name.front().Name(), name);
+  });
+}
+
+// Whether the query, or one that belongs to it, names the table.
+bool Names(const QueryTree& query, std::string_view name) {
+  return NamesTable(query.query, name) ||
+         std::ranges::any_of(query.inner, [name](const QueryTree& inner) { return Names(inner, name); });
+}
+
+// How many columns the query outputs; none where "*" stands for columns that nobody counts.
+std::optional<std::size_t> CountColumns(const QuerySnapshot& query) {
+  std::size_t count = 0;
+  for (const SnapshotRow& row : query.rows) {
+    if (row.column.empty() || !row.output) continue;
+    if (!IsAllColumns(row)) {
+      ++count;
+    } else if (row.table && query.columns && query.columns->KnowsColumns(*row.table)) {
+      count += query.columns->Columns(*row.table).size();
+    } else {
+      return std::nullopt;
+    }
+  }
+  return count;
+}
+
+class Writer {
+ public:
+  Writer(const Dialect& dialect, std::int32_t extended, const ExtraConditions& extra, bool marks)
+      : dialect_(dialect), forms_(dialect.queries), extended_(extended), extra_(extra), marks_(marks) {}
+
+  // "" when something cannot be said.
+  std::string Write(QueryTree& query, bool nested) {
+    std::string text = WithClause(query, nested);
+    text += Compound(query);
+    if (marks_) text = Mark(query.id) + text + std::string(kMark);
+    return text;
+  }
+
+  bool HoldsMark() const { return holdsMark_; }
+  std::vector<QueryFault>& Faults() { return faults_; }
+
+  // Takes the marks out and notes where they stood.
+  static GeneratedQuery WithoutMarks(std::string_view text) {
+    GeneratedQuery result;
+    std::vector<std::size_t> open;
+    while (!text.empty()) {
+      const std::size_t at = text.find(kMark);
+      result.text += text.substr(0, at);
+      if (at == std::string_view::npos) break;
+      text.remove_prefix(at + kMark.size());
+      if (text.starts_with('<')) {
+        const std::size_t end = text.find('>');
+        open.push_back(result.parts.size());
+        const auto id = ParseNumber(text.substr(1, end - 1)).value_or(0);
+        result.parts.push_back({static_cast<std::int32_t>(id), result.text.size(), 0});
+        text.remove_prefix(end + 1);
+      } else if (!open.empty()) {
+        result.parts[open.back()].end = result.text.size();
+        open.pop_back();
+      }
+    }
+    return result;
+  }
+
+ private:
+  static std::string Mark(std::int32_t id) { return std::string(kMark) + "<" + std::to_string(id) + ">"; }
+
+  void Fault(const QueryTree& query, Phrase what, bool stops = true) {
+    faults_.push_back({query.id, std::move(what), stops});
+  }
+
+  std::string WithClause(QueryTree& query, bool nested) {
+    std::string text;
+    bool namesItself = false;
+    for (QueryTree& inner : query.inner) {
+      if (!IsCommon(inner)) continue;
+      namesItself |= std::ranges::any_of(
+          inner.inner, [&](const QueryTree& member) { return IsMember(member) && Names(member, inner.name); });
+      text += text.empty() ? kLine : ",\r\n";
+      text += "\t" + QuoteWhenNeeded(Identifier(inner.name), query.query.names).Text();
+      if (!inner.columnNames.empty()) text += " (" + NameList(inner.columnNames, query.query.names) + ")";
+      text += " AS (" + Indented(std::string(kLine) + Write(inner, true), "\t\t") + "\r\n\t)";
+    }
+    if (text.empty()) return {};
+    if (!forms_.hasWith || (nested && !forms_.nestsWith)) Fault(query, {text::DialectCannotSay, "WITH"});
+    return "WITH " + std::string(namesItself ? forms_.recursive : "") + text + std::string(kLine);
+  }
+
+  static std::string NameList(const std::vector<std::string>& names, const NameRules& rules) {
+    std::string list;
+    for (const std::string& name : names) {
+      list += (list.empty() ? "" : ", ") + QuoteWhenNeeded(Identifier(name), rules).Text();
+    }
+    return list;
+  }
+
+  std::string Compound(QueryTree& query) {
+    query.query.beginsCompound = std::ranges::any_of(query.inner, IsMember);
+    const std::optional<std::size_t> columns = CountColumns(query.query);
+    const GeneratedSql head = Select(query);
+    std::string text = head.text;
+    bool mayIntersect = true;  // all so far is one SELECT, or put together by INTERSECT
+    for (QueryTree& member : query.inner) {
+      if (!IsMember(member)) continue;
+      const std::string word = WordOf(member.combined, forms_);
+      if (word.empty()) Fault(member, {text::DialectCannotSay, NameOf(member.combined)});
+      if (forms_.intersectFirst && Intersects(member.combined) && !mayIntersect) text = "(" + text + ")";
+      mayIntersect = Intersects(member.combined);
+      text += std::string(kLine) + word + std::string(kLine) + MemberText(member);
+      CompareColumns(columns, member);
+    }
+    return text + head.tail;
+  }
+
+  std::string MemberText(QueryTree& member) {
+    const QuerySnapshot& query = member.query;
+    const bool stands =
+        SortedRows(query).empty() && query.top.empty() && query.skip == 0 &&
+        std::ranges::none_of(member.inner, [](const QueryTree& q) { return IsMember(q) || IsCommon(q); });
+    if (stands) return Write(member, true);
+    if (!forms_.membersInParentheses) Fault(member, text::MemberNeedsParentheses);
+    return "(" + Write(member, true) + ")";
+  }
+
+  void CompareColumns(const std::optional<std::size_t>& columns, const QueryTree& member) {
+    const std::optional<std::size_t> own = CountColumns(member.query);
+    if (!columns || !own || *columns == *own) return;
+    Fault(member, {text::MemberColumnsDiffer, *own, *columns}, false);
+  }
+
+  GeneratedSql Select(QueryTree& query) {
+    std::unordered_map<std::string_view, std::string, HashNoCase, EqualNoCase> derived;  // a text for each, by name
+    for (QueryTree& inner : query.inner) {
+      const bool stands = inner.kind == QueryDerivedTable && NamesTable(query.query, inner.name);
+      if (stands) derived.emplace(inner.name, Write(inner, true));
+    }
+    std::size_t size = 0;
+    for (SnapshotTable& table : query.query.tables) {
+      const auto found = table.name.size() == 1 ? derived.find(table.name.front().Name()) : derived.end();
+      if (found == derived.end()) continue;
+      // One that stands in several places doubles at each level.
+      size += found->second.size();
+      if (size > kLongestQuery) throw Error(ErrorParsingText, text::StatementGrows);
+      table.query = found->second;
+    }
+    GeneratedSql generated = GenerateSelect(query.query, dialect_, query.id == extended_ ? extra_ : ExtraConditions());
+    holdsMark_ |= generated.text.find(kMark) != std::string::npos && !marks_;
+    if (generated.text.empty()) Fault(query, {});
+    return generated;
+  }
+
+  const Dialect& dialect_;
+  const QueryForms& forms_;
+  const std::int32_t extended_;
+  const ExtraConditions& extra_;
+  const bool marks_;
+  bool holdsMark_ = false;
+  std::vector<QueryFault> faults_;
+};
+
+}  // namespace
+
+// First without marks, for a text that holds the sign itself is not to be marked.
+GeneratedQuery GenerateQuery(QueryTree tree, const Dialect& dialect, std::int32_t extended,
+                             const ExtraConditions& extra) {
+  Writer plain(dialect, extended, extra, false);
+  QueryTree copy = tree;
+  std::string text = plain.Write(copy, false);
+  GeneratedQuery result;
+  if (!plain.HoldsMark()) result = Writer::WithoutMarks(Writer(dialect, extended, extra, true).Write(tree, false));
+  result.text = std::move(text);
+  result.faults = std::move(plain.Faults());
+  const bool stops = std::ranges::any_of(result.faults, [](const QueryFault& fault) { return fault.stops; });
+  if (stops) {
+    result.text.clear();
+    result.parts.clear();
+  }
+  return result;
+}
+
+}  // namespace zrqrybld
