@@ -197,6 +197,7 @@ GeneratedQuery GenerateQuery(QueryTree tree, const Dialect& dialect, std::int32_
   GeneratedQuery result;
   if (!plain.HoldsMark()) result = Writer::WithoutMarks(Writer(dialect, extended, extra, true).Write(tree, false));
   result.text = std::move(text);
+  result.extended = extended;
   result.faults = std::move(plain.Faults());
   const bool stops = std::ranges::any_of(result.faults, [](const QueryFault& fault) { return fault.stops; });
   if (stops) {
