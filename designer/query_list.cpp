@@ -72,7 +72,6 @@ QTreeWidgetItem* QueryList::ItemOf(const StoredQuery& query, QTreeWidgetItem* pa
   auto* item = new QTreeWidgetItem({title, PlaceOf(query)});
   item->setData(0, kIdRole, query.id);
   item->setToolTip(0, title.toHtmlEscaped());
-  item->setForeground(1, palette().brush(QPalette::Disabled, QPalette::Text));
   item->setIcon(0, IconOf(Glyph::Query));
   if (query.kind != QueryCommonTable) item->setFlags(item->flags() & ~Qt::ItemIsDragEnabled);
   if (parent) parent->addChild(item);

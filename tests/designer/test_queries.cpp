@@ -1,0 +1,174 @@
+// Queries within queries in the designer's window, by real mouse and keys: made, opened by boxes, bar and tree, and
+// taken back.
+#include <QAction>
+#include <QMenu>
+#include <QTreeWidget>
+
+#include "designer/query_list.h"
+#include "tests/designer/designer_window_test.h"
+#include "tests/qt/pictures.h"
+#include "zrqrybld/adapters/qt/query_bar.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/hub/query_set.h"
+#include "zrqrybld/hub/query_titles.h"
+#include "zrqrybld/sql/sql_pane.h"
+
+namespace zrqrybld {
+namespace {
+
+using test::Utf8;
+
+class QueryWindow : public test::DesignerWindow {
+ protected:
+  QueryBar& Bar() { return *window.Tab().findChild<QueryBar*>(); }
+  QueryList& Tree() { return *window.findChild<QueryList*>(); }
+  std::string Shown() { return TitleOf(Hub().QueriesNow(), Hub().QueriesNow().shown).English(); }
+  std::string Flat() { return ReplaceAll(ReplaceAll(ReplaceAll(Statement(), "\n", " "), "\t", ""), "  ", " "); }
+
+  // What the bar says: the path, then the tabs with the shown one in brackets.
+  std::string Said() {
+    if (Bar().isHidden()) return {};
+    std::string said;
+    for (const QToolButton* button : Bar().findChildren<QToolButton*>()) {
+      if (button->isHidden() || !button->property("query").isValid()) continue;
+      said += Utf8(button->text()) + " ";
+    }
+    for (int i = 0; i < Bar().Members().count(); ++i) {
+      const std::string tab = Utf8(Bar().Members().tabText(i));
+      said += i == Bar().Members().currentIndex() ? "[" + tab + "]" : "|" + tab + "|";
+    }
+    return said;
+  }
+  // What the tree says, the shown query with a star.
+  std::string TreeSaid() {
+    std::string said;
+    for (QTreeWidgetItemIterator at(&Tree()); *at; ++at) {
+      said += (said.empty() ? "" : ", ") + Utf8((*at)->text(0)) + ((*at)->font(0).bold() ? "*" : "");
+    }
+    return said;
+  }
+  // The part of the statement that is set off, with its white space made one blank.
+  std::string SetOff() {
+    const QColor ground = Designer().SqlView().GetTheme().Of(ColorRole::RowHover);
+    for (const QTextEdit::ExtraSelection& mark : Designer().SqlView().extraSelections()) {
+      if (mark.format.background().color() == ground) return Utf8(mark.cursor.selectedText().simplified());
+    }
+    return {};
+  }
+  // Opens the context menu at a place and goes through it by keys.
+  void Choose(QPoint place, const char* entry) {
+    bool chosen = false;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+      auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+      if (!menu || chosen) return;
+      chosen = true;
+      for (QAction* action : menu->actions()) {
+        if (!action->text().remove('&').startsWith(entry)) continue;
+        menu->setActiveAction(action);
+        return QTest::keyClick(menu, Qt::Key_Return);
+      }
+      ADD_FAILURE() << "the menu has no " << entry;
+      menu->close();
+    });
+    timer.start(20);
+    QTest::mouseClick(Diagram(), Qt::RightButton, {}, place);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return chosen && !QApplication::activePopupWidget(); }));
+  }
+  PixelPoint Tip(const char* caption) {
+    const QPoint place = Caption(caption);
+    return {Pixels(place.x()), Pixels(place.y())};
+  }
+  QPoint Empty() { return Diagram()->rect().bottomRight() - QPoint(8, 8); }
+  void Key(Qt::Key key, Qt::KeyboardModifiers held = {}) { QTest::keyClick(&Designer().DiagramView(), key, held); }
+  void DoubleClick(QPoint place) {
+    QTest::mouseClick(Diagram(), Qt::LeftButton, {}, place);
+    QTest::mouseDClick(Diagram(), Qt::LeftButton, {}, place);
+  }
+  void KeepPictures(const std::string& name) {
+    for (const auto& [scheme, palette] : TestPalettes()) {
+      if (scheme != "light" && scheme != "dark") continue;
+      const ScopedPalette scoped(palette);
+      for (const int scale : {1, 2}) {
+        KeepPicture(Paint(window, scale), "queries-" + name + "-" + scheme + "-" + std::to_string(scale));
+      }
+    }
+  }
+};
+
+TEST_F(QueryWindow, AQueryInFromAndAUnionAreBuiltAndTakenBack) {
+  window.BeginSession();
+  OpenSampleWith({"Customers"});
+  window.TickColumn("Customers.CompanyName");
+  EXPECT_EQ(Said(), "") << "nothing tells of queries where there is one";
+  EXPECT_TRUE(Tree().isHidden());
+
+  Choose(Empty(), "New Subquery");
+  EXPECT_EQ(Said(), "Main Query ");
+  Key(Qt::Key_Return);
+  ASSERT_EQ(Shown(), "Query") << "its box is selected, and Enter opens it";
+  EXPECT_EQ(Said(), "Main Query ▸ Query ");
+  EXPECT_EQ(TreeSaid(), "Main Query, Query*");
+  ASSERT_TRUE(window.AddTables({"Order"}).isEmpty());
+  window.TickColumn("Order.CustomerID");
+  window.TickColumn("Order.Freight");
+  KeepPictures("inner");
+  Key(Qt::Key_Escape);
+  Key(Qt::Key_Left, Qt::AltModifier);
+  ASSERT_EQ(Shown(), "Main Query");
+  Item("Query", "Freight")->SetChecked(true);
+  EXPECT_EQ(Hub().DiagramPane()->ToolTipAt(Tip("Query")), "Query\nquery");
+  KeepPictures("outer");
+
+  Choose(Empty(), "Add UNION Member");
+  ASSERT_EQ(Shown(), "Query 2");
+  EXPECT_EQ(Said(), "Main Query |Query 1|[UNION ALL Query 2]");
+  ASSERT_TRUE(window.AddTables({"Employees"}).isEmpty());
+  window.TickColumn("Employees.LastName");
+  window.TickColumn("Employees.EmployeeID");
+  KeepPictures("member");
+  EXPECT_EQ(Flat(),
+            "SELECT Customers.CompanyName, \"Query\".Freight FROM Customers, ( SELECT \"Order\".CustomerID, "
+            "\"Order\".Freight FROM \"Order\" ) AS \"Query\" UNION ALL SELECT Employees.LastName, Employees.EmployeeID "
+            "FROM Employees");
+
+  EXPECT_EQ(SetOff(), "SELECT Employees.LastName, Employees.EmployeeID FROM Employees");
+
+  // From the text by a key, and back by the bar.
+  QtTextArea& text = Designer().SqlView();
+  text.setFocus();
+  text.setTextCursor(text.document()->find("Order"));
+  QTest::keyClick(&text, Qt::Key_F12);
+  EXPECT_EQ(Shown(), "Query");
+  EXPECT_EQ(SetOff(), "SELECT \"Order\".CustomerID, \"Order\".Freight FROM \"Order\"");
+  QTest::keyClick(&text, Qt::Key_Left, Qt::AltModifier);
+  EXPECT_EQ(Shown(), "Main Query");
+  EXPECT_EQ(SetOff(), "") << "the main query is all of it";
+  QTest::mouseClick(&Bar().Members(), Qt::LeftButton, {}, Bar().Members().tabRect(1).center());
+  EXPECT_EQ(Shown(), "Query 2");
+
+  // The bar by keys: the tab before, and the operator of the member.
+  Bar().setFocus();
+  QTest::keyClick(&Bar().Members(), Qt::Key_Left);
+  EXPECT_EQ(Shown(), "Main Query");
+  DoubleClick(Caption("Query"));
+  EXPECT_EQ(Shown(), "Query");
+  QTest::mouseClick(Bar().findChildren<QToolButton*>().front(), Qt::LeftButton);
+  EXPECT_EQ(Shown(), "Main Query");
+
+  int steps = 0;
+  for (; Hub().CanUndo() && steps < 40; ++steps) Hub().Undo();
+  EXPECT_TRUE(Hub().QueriesNow().IsSingle());
+  EXPECT_EQ(Said(), "");
+  EXPECT_EQ(Hub().Entities()->Count(), 0);
+  for (; Hub().CanRedo() && steps > 0; --steps) Hub().Redo();
+  EXPECT_EQ(Hub().QueriesNow().queries.size(), 3U);
+  window.Document().Reset();
+  EXPECT_EQ(Said() + TreeSaid(), "") << "an empty query is one";
+}
+
+}  // namespace
+}  // namespace zrqrybld
