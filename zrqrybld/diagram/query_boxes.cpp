@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "zrqrybld/diagram/relationships.h"
-#include "zrqrybld/diagram/table_picker.h"
+#include "zrqrybld/diagram/type_kind.h"
 
 namespace zrqrybld {
 namespace {
@@ -63,11 +63,11 @@ std::vector<JoinEnd> EndsAt(const qbEntities& entities, const qbEntity& entity) 
 
 }  // namespace
 
-void ShowColumns(const qbEntities& entities, qbEntity& entity, const std::vector<QueryColumn>& columns,
+bool ShowColumns(const qbEntities& entities, qbEntity& entity, const std::vector<QueryColumn>& columns,
                  const qbDataTypes& types) {
   const std::vector<ItemState> items = ItemsFor(columns, types);
   qbEntityItems& shown = *entity.Items();
-  if (!entity.EntityBox() || ShowsAlready(shown, items)) return;
+  if (!entity.EntityBox() || ShowsAlready(shown, items)) return false;
   const std::vector<JoinEnd> ends = EndsAt(entities, entity);
   std::unordered_set<std::string> ticked;
   for (const Ref<qbEntityItem>& item : shown) {
@@ -86,6 +86,7 @@ void ShowColumns(const qbEntities& entities, qbEntity& entity, const std::vector
       end.join->SetTargetItemIndex(index);
     }
   }
+  return true;
 }
 
 }  // namespace zrqrybld

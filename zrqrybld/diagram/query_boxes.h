@@ -10,9 +10,8 @@
 namespace zrqrybld {
 
 /// Makes the items of the entity "*" and these columns. Ticks and the ends of joins stay with the columns of their
-/// names; a join whose column has gone is left without it. Nobody is told, and nothing happens where the columns are
-/// these already.
-void ShowColumns(const qbEntities& entities, qbEntity& entity, const std::vector<QueryColumn>& columns,
+/// names; a join whose column has gone is left without it. Nobody is told. False where the columns are these already.
+bool ShowColumns(const qbEntities& entities, qbEntity& entity, const std::vector<QueryColumn>& columns,
                  const qbDataTypes& types);
 
 }  // namespace zrqrybld

@@ -33,6 +33,7 @@ class BoxRow;
 class Connection;
 class History;
 class PropertyStore;
+class QueryFileReader;
 class SchemaCache;
 class StringCollection;
 class Toolkit;
@@ -59,6 +60,7 @@ struct DesignOptions;
 struct Dialect;
 struct ExtraConditions;
 struct GeneratedQuery;
+struct InnerQueryInFile;
 struct QueryColumn;
 struct QuerySet;
 struct QuerySnapshot;
@@ -382,7 +384,12 @@ class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
 
   // --- What `Queries` does ---
 
+  /// All of them, with the one that is shown.
   const QuerySet& QueriesNow() const;
+  /// The text of one, with those that belong to it; "" where the dialect cannot say it.
+  std::string StatementOf(std::int32_t id) const;
+  /// Calls back with a designer whose panes show the query: this one, or one without a window that holds a copy.
+  void VisitQuery(std::int32_t id, const std::function<void(qbQueryBuilder&)>& visit);
   /// Shows the query in the panes; no step. False when there is none with this id; error 5 while a step is going on.
   bool ShowQuery(std::int32_t id);
   /// Adds a query to the one that is shown: its id. It gets a name that is free.
@@ -436,8 +443,10 @@ class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
   void TouchQueries();
   void SwitchTo(std::int32_t id);
   void FollowQueries();
+  void KnowShown(Design design);
   void DropUnnamedQueries();
   void LoadQueries(ReadQuery& main);
+  bool ReadWithInner(QueryFileReader& reader, std::string_view text, const std::vector<InnerQueryInFile>& inner);
   void LoadOneQuery(ReadQuery& read);
   void RestoreQueries(const QuerySet& now, const QuerySet& then);
   void OutputTicked();

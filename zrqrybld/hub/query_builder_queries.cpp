@@ -19,6 +19,7 @@
 #include "zrqrybld/sql/query_outline.h"
 #include "zrqrybld/sql/query_outputs.h"
 #include "zrqrybld/sql/query_text.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 
@@ -59,6 +60,12 @@ QueryTree TreeOf(const QuerySet& set, const StoredQuery& stored, const QuerySnap
 }
 
 }  // namespace
+
+std::string qbQueryBuilder::StatementOf(std::int32_t id) const {
+  const QuerySet& set = parts_->querySet;
+  const StoredQuery* query = set.Find(id);
+  return query ? GenerateQuery(TreeOf(set, *query, Snapshot()), CurrentDialect(), set.shown).text : std::string();
+}
 
 std::optional<GeneratedQuery> qbQueryBuilder::WholeStatement(const ExtraConditions& extra) const {
   const QuerySet& set = parts_->querySet;
@@ -105,16 +112,14 @@ void qbQueryBuilder::PutIntoPanes(const StoredQuery& query) {
   if (query.design) then = *query.design;
   DesignOptions options = CurrentOptions();
   options.query = then.options.query;
-  options.showGroupBy = then.options.showGroupBy;
+  if (query.design) options.showGroupBy = then.options.showGroupBy;
   then.options = std::move(options);
   Restore(TakeDesign(), then);
   if (!query.design && gridPane_) {
     GridPane()->ResetRows();
     then = TakeDesign();
   }
-  parts_->history.Show(std::move(then));
-  if (const Ref<qbEntities> entities = Entities()) entities->Remembered();
-  if (gridPane_) gridPane_->Grid()->Rows()->Remembered();
+  KnowShown(std::move(then));
 }
 
 void qbQueryBuilder::TouchQueries() {
@@ -137,14 +142,23 @@ void qbQueryBuilder::SwitchTo(std::int32_t id) {
   queriesChanged_ = true;
 }
 
-// The boxes of queries show what those output now.
+// The boxes of queries show what those output now. That is no step.
 void qbQueryBuilder::FollowQueries() {
   const Ref<qbEntities> entities = Entities();
   if (!entities) return;
+  bool changed = false;
   for (const Ref<qbEntity>& entity : *entities) {
     const std::optional<std::vector<QueryColumn>> columns = ColumnsOfQuery(entity->TagVariant().Text());
-    if (columns) ShowColumns(*entities, *entity, *columns, *DataTypes());
+    changed |= columns && ShowColumns(*entities, *entity, *columns, *DataTypes());
   }
+  if (changed) KnowShown(TakeDesign());
+}
+
+// The panes hold this, and no step has made it.
+void qbQueryBuilder::KnowShown(Design taken) {
+  parts_->history.Show(std::move(taken));
+  if (const Ref<qbEntities> entities = Entities()) entities->Remembered();
+  if (gridPane_) gridPane_->Grid()->Rows()->Remembered();
 }
 
 bool qbQueryBuilder::ShowQuery(std::int32_t id) {
@@ -158,6 +172,26 @@ bool qbQueryBuilder::ShowQuery(std::int32_t id) {
   EndStepless();
   SwitchTo(id);
   return true;
+}
+
+void qbQueryBuilder::VisitQuery(std::int32_t id, const std::function<void(qbQueryBuilder&)>& visit) {
+  const StoredQuery* query = parts_->querySet.Find(id);
+  if (!query || id == parts_->querySet.shown) return visit(*this);
+  const Ref<qbQueryBuilder> copy = Create();
+  copy->SetDiagramPane(qbDiagramPane::Create());
+  copy->SetGridPane(qbGridPane::Create());
+  copy->SetSQLPane(qbSQLPane::Create());
+  copy->options_ = options_;
+  Design stored;
+  if (query->design) stored = *query->design;
+  DesignOptions options = CurrentOptions();
+  options.query = stored.options.query;
+  options.showGroupBy = stored.options.showGroupBy;
+  options.typed = nullptr;
+  copy->RestoreOptions(options);
+  stored.options = std::move(options);
+  copy->Restore(copy->TakeDesign(), stored);
+  visit(*copy);
 }
 
 // --- What changes them, each a step ---
