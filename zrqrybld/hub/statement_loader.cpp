@@ -278,7 +278,7 @@ void qbQueryBuilder::LoadOneQuery(ReadQuery& read) {
   }
   SwitchTo(read.facts.id);
   ReadStatement statement(*this, read.text);
-  statement.Bind(*this, QueriesOf(*this), true);
+  statement.Bind(*this, QueriesOf(*this), true, parts_->querySet.BeginsCompound(read.facts.id));
   Write(*this, statement);
   for (ReadQuery& inner : read.inner) {
     if (inner.facts.kind == QueryMember) LoadOneQuery(inner);

@@ -382,9 +382,11 @@ class Binder {
         continue;
       }
       const std::size_t row = RowToSort(*item->expression);
-      if (IsSorted(rows_[row])) continue;  // sorting by the same once more changes nothing
+      // Sorting by the same once more changes nothing; in a compound two alike columns are the same in the first member
+      // alone.
+      if (options_.beginsCompound ? rows_[row].sort.place.has_value() : IsSorted(rows_[row])) continue;
       // Nor does sorting by a number of the select list, which would be written as if it were a position.
-      if (rows_[row].output && IsFigures(rows_[row])) continue;
+      if (!options_.beginsCompound && rows_[row].output && IsFigures(rows_[row])) continue;
       const SortDirection direction = item->descending ? SortDirection::Descending : SortDirection::Ascending;
       rows_[row].sort = {direction, ++order, item->nulls};
     }

@@ -26,6 +26,8 @@ struct BindOptions {
   CriteriaContext criteria;
   /// How many criteria columns the grid has.
   std::size_t criteriaColumns = 4;
+  /// Whether members of UNION and its like follow: what it sorts by are columns of them all.
+  bool beginsCompound = false;
   /// What the diagram holds already, and is to keep where it can.
   DrawnDiagram drawn;
 };
