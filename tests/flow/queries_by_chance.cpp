@@ -42,12 +42,14 @@ class QueryByChance {
     std::string text;
     if (depth > 0 && chance_.OneIn(3)) text = With(depth);
     const std::size_t members = depth > 0 && chance_.OneIn(3) ? 1 + chance_.Below(3) : 0;
-    text += Select(depth, columns);
+    std::string compound = Select(depth, columns);
     for (std::size_t i = 0; i < members; ++i) {
-      text += One({" UNION ALL ", " UNION ", " INTERSECT ", " EXCEPT "});
+      if (target_.hasParentheses && i > 0 && chance_.OneIn(3)) compound = "(" + compound + ")";
+      compound += One({" UNION ALL ", " UNION ", " INTERSECT ", " EXCEPT "});
       const bool nests = target_.hasParentheses && depth > 1 && chance_.OneIn(3);
-      text += nests ? "(" + Query(depth - 1, columns, false) + ")" : Select(depth, columns);
+      compound += nests ? "(" + Query(depth - 1, columns, false) + ")" : Select(depth, columns);
     }
+    text += compound;
     const bool sorts = chance_.OneIn(3) && (isWhole || target_.hasParentheses);
     if (sorts) text += Sorting(columns);
     common_.resize(known);

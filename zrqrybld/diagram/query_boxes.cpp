@@ -89,4 +89,24 @@ bool ShowColumns(const qbEntities& entities, qbEntity& entity, const std::vector
   return true;
 }
 
+std::vector<std::string> TextsOf(const qbEntity& entity) {
+  std::vector<std::string> texts;
+  for (const Ref<qbEntityItem>& item : *entity.Items()) {
+    if (item->Text() != "*") texts.push_back(item->Text());
+  }
+  return texts;
+}
+
+void RenameItem(qbEntity& entity, const std::string& before, const std::string& after) {
+  std::vector<ItemState> items;
+  std::vector<bool> ticks;
+  for (const Ref<qbEntityItem>& item : *entity.Items()) {
+    items.push_back(item->State());
+    ticks.push_back(item->Checked());
+    if (items.back().text == before) items.back().text = items.back().key = after;
+  }
+  entity.Items()->Restore(items);
+  entity.EntityBox()->Rows().SetTicks(ticks);
+}
+
 }  // namespace zrqrybld

@@ -64,6 +64,7 @@ struct InnerQueryInFile;
 struct QueryColumn;
 struct QuerySet;
 struct QuerySnapshot;
+struct QueryTree;
 struct ReadQuery;
 struct StepLabel;
 struct StoredQuery;
@@ -437,6 +438,8 @@ class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
   DesignChange CurrentChange() const;
   template <class Pane>
   void Link(Ref<Pane>& place, const Ref<Pane>& pane, void (qbQueryBuilder::*set)(const Ref<Pane>&));
+  QueryTree TreeOf(std::int32_t id) const;
+  std::vector<QueryColumn> OutputsOfShown(const QuerySnapshot& snapshot) const;
   Design TakeDesign() const;
   void StoreShown();
   void PutIntoPanes(const StoredQuery& query);
@@ -445,6 +448,8 @@ class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
   void FollowQueries();
   void KnowShown(Design design);
   void DropUnnamedQueries();
+  void DropInnerQueries();
+  void ForEachOther(const std::function<void()>& work);
   void LoadQueries(ReadQuery& main);
   bool ReadWithInner(QueryFileReader& reader, std::string_view text, const std::vector<InnerQueryInFile>& inner);
   void LoadOneQuery(ReadQuery& read);

@@ -366,6 +366,7 @@ void qbQueryBuilder::LikeOperatorChanged(const std::string& before) {
   if (!gridPane_ || steps.InStep()) return;
   const StepScope step(RefTo(*this), kStepEditCells);
   gridPane_->RewriteLike(before);
+  ForEachOther([&] { gridPane_->RewriteLike(before); });
 }
 
 std::string qbQueryBuilder::DateFormat() const { return gridPane_ ? gridPane_->DateFormat() : "dd-mmm-yyyy"; }
@@ -449,6 +450,7 @@ void qbQueryBuilder::RefreshTableList(std::int32_t from) {
 }
 
 void qbQueryBuilder::DiagramCleared() {
+  DropInnerQueries();
   if (gridPane_) GridPane()->ResetRows();
   if (sqlPane_) {
     sqlPane_->QueryReplaced();
