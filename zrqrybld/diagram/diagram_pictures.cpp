@@ -66,11 +66,11 @@ void DiagramPictures::AskToSave() const {
 }
 
 void DiagramPictures::SaveOrTell(const std::string& path) const {
+  const Ref<QueryContext> context = site_.Context();
+  if (!context) return;  // unlinked while the window was open
   try {
     Save(path);
   } catch (const Error& error) {
-    const Ref<QueryContext> context = site_.Context();
-    if (!context) throw;
     context->source.GetToolkit().GetDialogs().ShowMessage(context->source.Say(error), MessageIcon::Critical);
   }
 }
