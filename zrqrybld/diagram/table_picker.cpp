@@ -258,15 +258,19 @@ void TablePicker::ShowTables() {
   dialog.closeButton = context_->source.GetLanguageString(LanguageTableCloseButton);
   dialog.tables = std::move(lists.tables);
   dialog.views = std::move(lists.views);
-  dialog.add = [this](const std::vector<std::string>& names, const TablesDialog::Progress& progress) {
+  // A window that nobody waits for may outlive this picker, and the designer.
+  dialog.add = [link = WeakRef<QueryContext>(context_)](const std::vector<std::string>& names,
+                                                        const TablesDialog::Progress& progress) {
     std::size_t added = 0;
+    const Ref<QueryContext> context = link.lock();
+    if (!context) return added;
     try {
-      AddTables(names, [&](std::size_t count) {
+      TablePicker(context).AddTables(names, [&](std::size_t count) {
         added = count;
         if (progress) progress(count);
       });
     } catch (const Error& error) {
-      context_->source.GetToolkit().GetDialogs().ShowMessage(context_->source.Say(error), MessageIcon::Critical);
+      context->source.GetToolkit().GetDialogs().ShowMessage(context->source.Say(error), MessageIcon::Critical);
     }
     return added;
   };

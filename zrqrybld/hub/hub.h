@@ -334,6 +334,8 @@ class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
   /// Lets the user build a connection string, with the data sources of all providers to choose from. "" when cancelled.
   /// Nothing is connected.
   std::string PromptForConnection();
+  /// The same for toolkits whose windows do not wait: `accepted` is called when the user has accepted one.
+  void AskForConnection(std::function<void(const std::string& connectionString)> accepted);
 
   /// A question about the data source and its answer, Empty when it has none.
   struct DataSourceQuestion {
