@@ -12,6 +12,7 @@
 #include "zrqrybld/base/texts_designer.h"
 #include "zrqrybld/base/texts_diagram.h"
 #include "zrqrybld/base/texts_grid.h"
+#include "zrqrybld/base/texts_queries.h"
 #include "zrqrybld/platform/commands.h"
 
 namespace zrqrybld {
@@ -51,6 +52,8 @@ std::vector<KeyRow> KeyRows() {
       {kSame, {}, text::KeysGoToColumn, text::DoesGoToColumn},
       {kSame, {TickColumn}, {}, text::DoesTick},
       {kSame, {OpenSelected}, {}, text::DoesEnter},
+      {kSame, {OpenInnerQuery}, {}, text::DoesOpenQuery},
+      {kSame, {LeaveQuery}, {}, text::DoesLeaveQuery},
       {kSame, {JoinFromHere}, {}, text::DoesJoin},
       {kSame, {}, ReplaceAll(TextOf(RowOf(AddTables).other), "Ins", "Insert"), text::DoesAddTables},
       {kSame, {RenameTable}, {}, text::DoesAlias},
@@ -71,6 +74,7 @@ std::vector<KeyRow> KeyRows() {
       {kSame, {CopyCells, PasteCells}, {}, text::DoesCopyCells},
       {text::KeysSql, {ApplyText}, {}, text::DoesApply},
       {kSame, {Suggest}, {}, text::DoesSuggest},
+      {kSame, {GoToQueryAtCaret}, {}, text::DoesGoToQuery},
       {kSame, {}, KeyTextOf(FindText) + " · F3 · Shift+F3", text::DoesFindText},
       {text::KeysPreview, {}, "Ctrl+C · " + KeyTextOf(CopyValuesWithNames), text::DoesCopyValues},
       {kSame, {}, "Ctrl+A", text::DoesSelectRows},

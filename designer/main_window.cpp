@@ -26,6 +26,7 @@
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/query_set.h"
 #include "zrqrybld/platform/connection_string.h"
 #include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/sql_pane.h"
@@ -222,6 +223,7 @@ void MainWindow::UpdateState() {
                        hub.Entities()->Count() == 0 && !hub.SQLPane()->IsEdited() && tab.Document().Name().isEmpty();
   pages_->setCurrentWidget(atStart ? static_cast<QWidget*>(start_) : tabs_);
   tree_->setVisible(!atStart && commands_.Of(Command::ShowSchemaTree)->isChecked());
+  commands_.Of(Command::LeaveQuery)->setEnabled(hub.QueriesNow().shown != 0);
   commands_.Of(Command::GroupRows)->setChecked(hub.GridPane()->ShowGroupBy());
   commands_.Of(Command::EachRowOnce)->setChecked(hub.DistinctRecords());
   commands_.Of(Command::ShowMinimap)->setChecked(hub.DiagramPane()->ShowMinimap());

@@ -121,6 +121,7 @@ class MainWindow : public QMainWindow {
 
   // The query that is shown
   void PickTables();
+  void OnQueries(const std::function<void(qbQueryBuilder&)>& work);
   void AskForParameters();
   void AskForLimit();
   void Print(PrintWindow::Target target);

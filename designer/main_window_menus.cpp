@@ -22,6 +22,7 @@
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/hub/parameter_form.h"
+#include "zrqrybld/hub/query_menus.h"
 #include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/host_parameters.h"
 #include "zrqrybld/sql/sql_pane.h"
@@ -115,6 +116,15 @@ void MainWindow::ShowStep() {
 
 void MainWindow::MakeQueryMenu(QMenu& query) {
   AddTo(query, Command::AddTables, [this] { PickTables(); });
+  for (const auto& [command, kind] : {std::pair(Command::NewSubquery, QueryDerivedTable),
+                                      {Command::NewCommonTable, QueryCommonTable},
+                                      {Command::AddUnionMember, QueryMember}}) {
+    AddTo(query, command,
+          [this, kind = kind] { OnQueries([kind](qbQueryBuilder& hub) { AddInnerQuery(hub, kind); }); });
+  }
+  AddTo(query, Command::LeaveQuery, [this] { OnQueries([](qbQueryBuilder& hub) { LeaveQuery(hub); }); });
+  commands_.Of(Command::LeaveQuery)->setShortcut({});  // the key is the pane's that has the focus
+  query.addSeparator();
   AddTo(query, Command::GiveParameters, [this] { AskForParameters(); });
   query.addSeparator();
   AddSwitch(query, Command::GroupRows, [this] {
@@ -137,6 +147,11 @@ void MainWindow::MakeQueryMenu(QMenu& query) {
   });
 }
 
+void MainWindow::OnQueries(const std::function<void(qbQueryBuilder&)>& work) {
+  const QString error = FailureOf(*texts_, [&] { work(Tab().Hub()); });
+  if (!error.isEmpty()) ShowError(error);
+}
+
 void MainWindow::MakeSqlMenu(QMenu& sql) {
   const auto pane = [this] { return Tab().Hub().SQLPane(); };
   AddTo(sql, Command::ApplyText, [pane] { pane()->ApplyEditedText(); });
@@ -144,7 +159,11 @@ void MainWindow::MakeSqlMenu(QMenu& sql) {
   AddTo(sql, Command::UseTextAsTyped, [pane] { pane()->UseAsTyped(); });
   sql.addSeparator();
   AddTo(sql, Command::WriteTextAnew, [pane] { pane()->WriteAnew(); });
-  commands_.Of(Command::ApplyText)->setShortcut({});  // the key is the text's
+  AddTo(sql, Command::GoToQueryAtCaret,
+        [this, pane] { OnQueries([pane](qbQueryBuilder&) { pane()->OpenQueryAtCaret(); }); });
+  for (const Command ofText : {Command::ApplyText, Command::GoToQueryAtCaret}) {
+    commands_.Of(ofText)->setShortcut({});  // the key is the text's
+  }
   const auto update = [this, pane] {
     commands_.Of(Command::ApplyText)->setEnabled(pane()->IsEdited());
     commands_.Of(Command::RevertText)->setEnabled(pane()->IsEdited());

@@ -9,6 +9,7 @@
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/host/step_context.h"
 #include "zrqrybld/hub/hub.h"
+#include "zrqrybld/hub/query_set.h"
 #include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
@@ -60,6 +61,13 @@ QString ParseFile(qbQueryBuilder& hub, const QString& file) {
       throw;
     }
   });
+}
+
+void LeaveMainQueryOnly(qbQueryBuilder& hub) {
+  hub.ShowQuery(0);
+  std::vector<std::int32_t> inner;
+  for (const StoredQuery* query : hub.QueriesNow().InnerOf(0)) inner.push_back(query->id);
+  for (const std::int32_t id : inner) hub.RemoveQuery(id);
 }
 
 QString StatementOf(const qbQueryBuilder& hub) {

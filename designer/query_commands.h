@@ -17,6 +17,9 @@ QString TickColumn(const qbQueryBuilder& hub, const QString& name);
 /// Makes the query that of the statement in a file. Returns an error message, empty on success.
 QString ParseFile(qbQueryBuilder& hub, const QString& file);
 
+/// Shows the main query, and removes all others.
+void LeaveMainQueryOnly(qbQueryBuilder& hub);
+
 /// The statement, with line feeds.
 QString StatementOf(const qbQueryBuilder& hub);
 

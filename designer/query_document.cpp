@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "designer/plain_box.h"
+#include "designer/query_commands.h"
 #include "designer/recent_connections.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
 #include "zrqrybld/adapters/qt/say.h"
@@ -53,6 +54,7 @@ QString QueryDocument::Name() const { return QFileInfo(file_).fileName(); }
 std::string QueryDocument::Text() const { return hub_.SaveQueryToText(); }
 
 void QueryDocument::Clear() {
+  LeaveMainQueryOnly(hub_);
   const StepScope step(hub_.Hub(), kStepClear);
   hub_.DiagramPane()->Clear();
   hub_.GridPane()->ResetRows();

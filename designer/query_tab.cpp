@@ -6,7 +6,10 @@
 
 #include "designer/guarded.h"
 #include "designer/plain_box.h"
+#include "designer/query_commands.h"
 #include "designer/recent_connections.h"
+#include "zrqrybld/adapters/qt/query_bar.h"
+#include "zrqrybld/adapters/qt/telling_order.h"
 #include "zrqrybld/adapters/qt/waiting_provider.h"
 #include "zrqrybld/adapters/sqlite/sqlite_provider.h"
 #include "zrqrybld/base/texts_designer.h"
@@ -33,11 +36,18 @@ QueryTab::QueryTab(const QString& languageFile, QWidget* parent)
     const QString error = FailureOf(*texts_, [&] { Hub().LoadLanguageFile(ToUtf8(languageFile)); });
     if (!error.isEmpty()) languageFailure_ = error + "\n" + languageFile;
   }
+  bar_ = new QueryBar(Hub(), this);
   rows_ = new PreviewPane(texts_);
   panes_ = std::make_unique<PaneLayout>(*designer_, *rows_, *texts_);
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
-  layout->addWidget(designer_);
+  layout->setSpacing(0);
+  layout->addWidget(bar_);
+  layout->addWidget(designer_, 1);
+  designer_->AddPane(bar_);
+  TellInOrder({bar_, designer_});
+  bar_->SetErrorHandler(
+      [this](const std::exception& error) { ShowPlain(this, QMessageBox::Critical, Say(*texts_, error)); });
   setFocusProxy(&designer_->DiagramView());
   MakeHub();
   flow_ = std::make_unique<ConnectionFlow>(this, Hub());
@@ -54,6 +64,7 @@ QueryTab::QueryTab(const QString& languageFile, QWidget* parent)
     if (recovery_) recovery_->Changed();
     Q_EMIT Changed();
   }));
+  links_.push_back(Hub().QueriesChanged.Connect([this] { Q_EMIT Changed(); }));
   links_.push_back(Hub().HistoryChanged.Connect([this] {
     if (recovery_) recovery_->Changed();
     Q_EMIT HistoryChanged();
@@ -132,6 +143,7 @@ QString QueryTab::ConnectTo(const std::shared_ptr<ProviderConnection>& connectio
 
 void QueryTab::UseConnection(const std::shared_ptr<ProviderConnection>& connection) {
   qbQueryBuilder& hub = Hub();
+  LeaveMainQueryOnly(hub);
   hub.DiagramPane()->Clear();
   hub.SetConnection(connection);
   const Dialect* chosen = recovery_ ? FindDialect(RememberedDialect(connection->ConnectionString())) : nullptr;

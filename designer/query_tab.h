@@ -19,6 +19,8 @@
 
 namespace zrqrybld {
 
+class QueryBar;
+
 class QueryTab : public QWidget {
   Q_OBJECT
 
@@ -79,6 +81,7 @@ class QueryTab : public QWidget {
   void UseConnection(const std::shared_ptr<ProviderConnection>& connection);
 
   QueryDesignerWidget* designer_;
+  QueryBar* bar_;
   std::shared_ptr<const TextSource> texts_;
   QString languageFailure_;
   PreviewPane* rows_;

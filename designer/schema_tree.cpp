@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 #include <map>
 
+#include "designer/query_list.h"
 #include "designer/tool_icons.h"
 #include "zrqrybld/adapters/qt/say.h"
 #include "zrqrybld/adapters/qt/shortcuts.h"
@@ -54,6 +55,7 @@ SchemaTree::SchemaTree(QueryDesignerWidget& designer, QWidget* parent)
       designer_(&designer),
       texts_(designer.QueryBuilder().Texts()),
       filter_(new QLineEdit),
+      queries_(new QueryList(kDragFormat)),
       tree_(new Tree) {
   setObjectName(QStringLiteral("schemaTree"));
   setWindowTitle(Say(*texts_, text::SchemaTreeName));
@@ -79,6 +81,7 @@ SchemaTree::SchemaTree(QueryDesignerWidget& designer, QWidget* parent)
   layout->setSpacing(4);
   layout->addWidget(filter_);
   layout->addWidget(tree_, 1);
+  layout->addWidget(queries_);
   setWidget(inside);
   TellInOrder({findChild<QWidget*>(QStringLiteral("qt_dockwidget_floatbutton")),
                findChild<QWidget*>(QStringLiteral("qt_dockwidget_closebutton")), inside});
@@ -93,12 +96,15 @@ SchemaTree::SchemaTree(QueryDesignerWidget& designer, QWidget* parent)
   connect(tree_, &QTreeWidget::itemExpanded, this, [this](QTreeWidgetItem* item) { FillColumns(*item); });
   connect(tree_, &QTreeWidget::itemActivated, this, [this](const QTreeWidgetItem* item) { Add(*item); });
   designer_->DiagramView().viewport()->installEventFilter(this);
+  queries_->SetErrorHandler([this](const std::exception& error) { Q_EMIT Failed(Say(*texts_, error)); });
+  queries_->Follow(designer_->QueryBuilder());
 }
 
 void SchemaTree::Follow(QueryDesignerWidget& designer) {
   if (designer_) designer_->DiagramView().viewport()->removeEventFilter(this);
   designer_ = &designer;
   designer_->DiagramView().viewport()->installEventFilter(this);
+  queries_->Follow(designer_->QueryBuilder());
   SourceChanged();
 }
 
@@ -293,13 +299,17 @@ bool SchemaTree::eventFilter(QObject* watched, QEvent* event) {
   const auto type = event->type();
   if (type != QEvent::DragEnter && type != QEvent::DragMove && type != QEvent::Drop) return false;
   auto* drop = static_cast<QDropEvent*>(event);
-  if (!drop->mimeData()->hasFormat(kDragFormat) || drop->source() != tree_) return false;
+  const bool isQuery = drop->source() == queries_;
+  if (!drop->mimeData()->hasFormat(kDragFormat) || (drop->source() != tree_ && !isQuery)) return false;
   drop->setDropAction(Qt::CopyAction);
   drop->accept();
   // Behind the drop: the question which way to take must not hold up whoever drags.
   if (type == QEvent::Drop) {
-    QTimer::singleShot(0, tree_, [this] {
-      if (tree_->currentItem()) Add(*tree_->currentItem());
+    QTimer::singleShot(0, tree_, [this, isQuery] {
+      if (isQuery) {
+        queries_->AddCurrent();
+      } else if (tree_->currentItem())
+        Add(*tree_->currentItem());
     });
   }
   return true;

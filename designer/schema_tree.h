@@ -1,5 +1,7 @@
 // SchemaTree: the pane at the left with what the source holds: schemas, tables, views and their columns.
 //
+// Below them stand the queries of the statement, where it is made of several.
+//
 // The source is asked for its tables once, when the pane is first seen, and for a table's columns when it is opened.
 #pragma once
 
@@ -13,6 +15,8 @@
 #include "zrqrybld/diagram/table_picker.h"
 
 namespace zrqrybld {
+
+class QueryList;
 
 class SchemaTree : public QDockWidget {
   Q_OBJECT
@@ -58,6 +62,7 @@ class SchemaTree : public QDockWidget {
   QPointer<QueryDesignerWidget> designer_;
   std::shared_ptr<const TextSource> texts_;
   QLineEdit* filter_;
+  QueryList* queries_;
   QTreeWidget* tree_;
   std::vector<ListedTable> tables_;
   bool filled_ = false;

@@ -51,6 +51,7 @@ constexpr Drawing kGlyphs[] = {
     {"M 3 5 L 21 5 L 21 19 L 3 19 Z M 3 10 L 21 10 M 9 10 L 9 19", "M 3 5 L 21 5 L 21 9 L 3 9 Z"},
     {"M 3 5 L 21 5 L 21 19 L 3 19 Z M 3 9 L 21 9 M 7 13 L 17 13 M 7 16 L 13 16", ""},
     {"M 4 12 C 4 8 10 8 10 12 C 10 16 4 16 4 12 M 10 12 L 21 12 L 21 16 M 16 12 L 16 15", ""},
+    {"M 3 3 L 21 3 L 21 21 L 3 21 Z M 7 8 L 17 8 L 17 16 L 7 16 Z", "M 7 8 L 17 8 L 17 11 L 7 11 Z"},
 };
 
 QPainterPath PathOf(std::string_view drawing) {

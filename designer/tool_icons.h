@@ -11,7 +11,7 @@ namespace zrqrybld {
 QIcon IconOf(Command command);
 
 /// What a source holds.
-enum class Glyph { Table, View, Key };
+enum class Glyph { Table, View, Key, Query };
 /// The icon of it, as above.
 QIcon IconOf(Glyph glyph);
 

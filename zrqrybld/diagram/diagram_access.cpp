@@ -1,6 +1,7 @@
 #include "zrqrybld/diagram/diagram_access.h"
 
 #include "zrqrybld/base/texts_diagram.h"
+#include "zrqrybld/base/texts_queries.h"
 #include "zrqrybld/diagram/diagram_camera.h"
 #include "zrqrybld/diagram/diagram_minimap.h"
 #include "zrqrybld/diagram/diagram_selection.h"
@@ -146,8 +147,14 @@ AccessibleInfo DiagramAccess::DescribeMinimap() const {
 
 AccessibleInfo DiagramAccess::DescribeBox(const Ref<qbEntity>& entity) const {
   const qbEntityList& box = *entity->EntityBox();
-  AccessibleInfo info{
-      AccessibleRole::List, box.Caption(), Say(box.IsView() ? text::IsView : text::IsTable), {}, {}, {}};
+  AccessibleInfo info{AccessibleRole::List,
+                      box.Caption(),
+                      Say(box.IsQuery()  ? text::IsQuery
+                          : box.IsView() ? text::IsView
+                                         : text::IsTable),
+                      {},
+                      {},
+                      {}};
   if (const std::string table = AliasedTable(*entity); !table.empty()) info.description += " " + table;
   info.state.selectable = true;
   info.state.selected = selection_.Contains(entity);
@@ -240,6 +247,8 @@ bool DiagramAccess::Perform(const AccessibleId& id, AccessibleAction action) {
   } else if (action == AccessibleAction::ShowMenu) {
     const std::size_t row = id.part ? RowIn(id)->Index() : 0;
     ShowContextMenu(targets_, object, row, MenuPlaceOfSelection(targets_));
+  } else if (entity && !id.part && entity->EntityBox()->IsQuery()) {
+    return walk_.Enter();
   } else if (entity) {
     entity->EntityBox()->SetMinimized(!entity->EntityBox()->Minimized());
   } else {

@@ -17,6 +17,8 @@
 #include "zrqrybld/diagram/diagram_walk.h"
 #include "zrqrybld/diagram/entity.h"
 #include "zrqrybld/diagram/key_join.h"
+#include "zrqrybld/host/context_link.h"
+#include "zrqrybld/host/design_reports.h"
 #include "zrqrybld/platform/commands.h"
 #include "zrqrybld/platform/input.h"
 
@@ -47,7 +49,10 @@ bool DiagramKeys::Down(const KeyEvent& event) {
   site_.KeyDown.Raise(keyCode, event.shift);
   const Key key{keyCode, event.shift};
   if (Asks(key, Command::ScrollDiagram)) return Scroll(keyCode);
-  if (Asks(key, Command::MoveBox)) return NudgeSelected(keyCode);
+  // Where nothing can be moved, one of the keys leaves the query.
+  if (Asks(key, Command::MoveBox) && NudgeSelected(keyCode)) return true;
+  if (Asks(key, Command::LeaveQuery)) return LeaveQuery();
+  if (Asks(key, Command::MoveBox)) return false;
   if (Asks(key, Command::ResizeBox)) return StretchSelected(keyCode);
   if (Asks(key, Command::MinimizeTable)) return ToggleMinimized();
   if (Asks(key, Command::NextStop)) return walk_.SelectNext(1);
@@ -185,6 +190,11 @@ bool DiagramKeys::StretchSelected(std::int32_t keyCode) {
   const auto by = Pixels(SignOf(keyCode) * stretchStep_);
   return edits_.Stretch(IsVertical(keyCode) ? PixelPoint{{}, by} : PixelPoint{by, {}},
                         targets_.properties.SmallestBoxOn(site_.GetSurface()));
+}
+
+bool DiagramKeys::LeaveQuery() {
+  const Ref<QueryContext> context = site_.Context();
+  return context && context->reports.LeaveQuery();
 }
 
 bool DiagramKeys::ToggleMinimized() {

@@ -42,6 +42,7 @@ class DiagramKeys {
   bool Scroll(std::int32_t keyCode);
   bool NudgeSelected(std::int32_t keyCode);
   bool StretchSelected(std::int32_t keyCode);
+  bool LeaveQuery();
   bool ToggleMinimized();
   bool Escape();
   bool Zoom(double factor);

@@ -1,6 +1,7 @@
 #include "zrqrybld/diagram/diagram_menus.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string>
 #include <unordered_set>
 #include <utility>
@@ -45,8 +46,9 @@ Menu MenuForSurface(const Targets& targets) {
   };
   MenuEntry minimap = entry(Command::ShowMinimap, [&map = targets.minimap] { map.Show(!map.Shown()); });
   minimap.checked = targets.minimap.Shown();
-  return {
-      entry(Command::AddTables, [&edits = targets.edits] { edits.RequestTables(); }),
+  Menu menu{entry(Command::AddTables, [&edits = targets.edits] { edits.RequestTables(); })};
+  if (context) std::ranges::move(context->design.MenuOfNewQueries(), std::back_inserter(menu));
+  Menu view{
       MenuEntry::Separator(),
       entry(Command::Arrange, [&layout = targets.layout] { layout.Arrange(); }),
       entry(Command::FitToWindow, [&camera = targets.camera] { camera.ZoomToFit(); }),
@@ -60,6 +62,8 @@ Menu MenuForSurface(const Targets& targets) {
       entry(
           Command::SavePicture, [&pictures = targets.pictures] { pictures.AskToSave(); }, context != nullptr),
   };
+  std::ranges::move(view, std::back_inserter(menu));
+  return menu;
 }
 
 // The tables that the source's foreign keys link to this one, each with its joins.
@@ -122,7 +126,12 @@ Menu MenuForBox(const Targets& targets, const Ref<qbEntity>& entity) {
   const Ref<qbEntityList> box = entity->EntityBox();
   const bool minimized = box->Minimized();
   const bool several = !targets.selection.Others().empty();
-  return {
+  Menu menu;
+  if (const Ref<QueryContext> context = targets.site.Context()) {
+    menu = context->design.MenuOfQuery(entity->TagVariant().Text());
+    if (!menu.empty()) menu.push_back(MenuEntry::Separator());
+  }
+  Menu ofTable{
       EntryFor(
           targets.site.Context(), Command::RenameTable, [&edits, entity] { edits.AskForAlias(entity); },
           targets.site.Context() != nullptr),
@@ -144,6 +153,8 @@ Menu MenuForBox(const Targets& targets, const Ref<qbEntity>& entity) {
       {Say(targets.site.Context(), several ? text::MenuRemoveSelected : text::MenuRemove),
        KeyTextOf(Command::DeleteSelected), [&edits] { edits.DeleteSelected(); }},
   };
+  std::ranges::move(ofTable, std::back_inserter(menu));
+  return menu;
 }
 
 // What the grid can be told of a column; the box's own menu stands below. No entry holds the context: whoever keeps a

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "zrqrybld/base/texts_diagram.h"
+#include "zrqrybld/base/texts_queries.h"
 #include "zrqrybld/diagram/diagram_camera.h"
 #include "zrqrybld/diagram/diagram_edits.h"
 #include "zrqrybld/diagram/diagram_gestures.h"
@@ -227,6 +228,9 @@ void DiagramMouse::DoubleClickBox(const DiagramHit& hit, const MouseEvent& event
   if (camera_.NamesOnly()) {
     gestures_.End();
     camera_.ZoomInto(*hit.box);
+  } else if (hit.part.part == BoxPart::Caption && hit.box->IsQuery()) {
+    gestures_.End();
+    if (const Ref<QueryContext> context = site_.Context()) context->reports.OpenQuery(entity->TagVariant().Text());
   } else if (hit.part.part == BoxPart::Caption || hit.part.part == BoxPart::Edge) {
     gestures_.End();
     edits_.FitToRows(hit.box);
@@ -299,7 +303,10 @@ std::string DiagramMouse::ToolTipAt(PixelPoint point) const {
            (hit.line->JoinsDifferentTypes() ? "\n" + Say(site_.Context(), text::DifferentTypes) : "");
   }
   if (!hit.box) return {};
-  if (hit.part.part == BoxPart::Caption) return TextOfCaption(*hit.box);
+  if (hit.part.part == BoxPart::Caption) {
+    const std::string kind = hit.box->IsQuery() ? "\n" + Say(site_.Context(), text::IsQuery) : std::string();
+    return TextOfCaption(*hit.box) + kind;
+  }
   const Ref<BoxRow> row = hit.box->Rows().At(hit.part.row);
   if (!row) return {};
   return row->ToolTipText().empty() ? row->Text() : row->ToolTipText();

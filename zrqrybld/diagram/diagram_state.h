@@ -54,6 +54,7 @@ struct EntityFacts {
   Variant tag;
   BoxShape shape;
   bool isView = false;
+  bool isQuery = false;
   Ref<Image> captionIcon;
   Color iconMaskColor;
   bool useIconMaskColor = false;

@@ -84,6 +84,10 @@ bool DiagramWalk::Enter() {
     camera_.ZoomInto(*entity->EntityBox());
     return true;
   }
+  if (entity && entity->EntityBox()->IsQuery()) {
+    const Ref<QueryContext> context = site_.Context();
+    return context && context->reports.OpenQuery(entity->TagVariant().Text());
+  }
   return entity && entity->EntityBox()->SelectedRow() == 0 && GoToRow(1);
 }
 

@@ -28,6 +28,7 @@ EntityFacts qbEntity::Facts() const {
           tagVariant_,
           box.Shape(),
           box.IsView(),
+          box.IsQuery(),
           box.CaptionIcon(),
           box.CaptionIconMaskColor(),
           box.UseCaptionIconMaskColor(),
@@ -50,6 +51,7 @@ void qbEntity::Restore(const EntityFacts& facts) {
   SetTagVariant(facts.tag);
   properties_ = facts.properties;
   box.SetIsView(facts.isView);
+  box.SetIsQuery(facts.isQuery);
   box.SetCaptionIcon(facts.captionIcon);
   box.SetCaptionIconMaskColor(facts.iconMaskColor);
   box.SetUseCaptionIconMaskColor(facts.useIconMaskColor);

@@ -122,6 +122,12 @@ void qbEntityList::SetIsView(bool isView) {
   Changed.Raise();
 }
 
+void qbEntityList::SetIsQuery(bool isQuery) {
+  isQuery_ = isQuery;
+  Touch();
+  Changed.Raise();
+}
+
 void qbEntityList::SetMetrics(const BoxMetrics& metrics) {
   metrics_ = metrics;
   ScrollTo(firstRow_);
@@ -317,7 +323,7 @@ void qbEntityList::PaintCaption(Canvas& canvas, const PixelRect& place, const Bo
   if (captionIcon_) {
     canvas.DrawImage(icon, *captionIcon_);
   } else {
-    DrawIcon(canvas, isView_ ? Icon::View : Icon::Table, icon, ink);
+    DrawIcon(canvas, isQuery_ ? Icon::Query : isView_ ? Icon::View : Icon::Table, icon, ink);
   }
   const PixelRect button = MinimizeRect(place);
   if (!button.Empty()) {

@@ -124,6 +124,9 @@ class ZRQRYBLD_API qbEntityList final : public Object {
   /// Whether the box shows a view: another icon in its caption bar.
   bool IsView() const { return isView_; }
   void SetIsView(bool isView);
+  /// Whether it shows what a query of the statement outputs: another icon, too.
+  bool IsQuery() const { return isQuery_; }
+  void SetIsQuery(bool isQuery);
 
   // --- Minimising ---
 
@@ -215,6 +218,7 @@ class ZRQRYBLD_API qbEntityList final : public Object {
   bool showMinimizeButton_ = true;
   TwipsRect bounds_;
   bool isView_ = false;
+  bool isQuery_ = false;
   bool minimized_ = false;
   Twips restoredHeight_;  // while minimised
   BoxRows rows_;

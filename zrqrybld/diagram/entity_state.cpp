@@ -60,7 +60,8 @@ bool IsAsBefore(qbEntity& entity, const EntityState& before, bool withTicks) {
   const EntityFacts& facts = before.facts;
   const bool same = entity.Identity()->rowsSeen == box.Rows().Revision() && box.Caption() == facts.caption &&
                     box.Shape() == facts.shape && entity.TagVariant() == facts.tag && box.IsView() == facts.isView &&
-                    box.CaptionIcon() == facts.captionIcon && box.CaptionIconMaskColor() == facts.iconMaskColor &&
+                    box.IsQuery() == facts.isQuery && box.CaptionIcon() == facts.captionIcon &&
+                    box.CaptionIconMaskColor() == facts.iconMaskColor &&
                     box.UseCaptionIconMaskColor() == facts.useIconMaskColor && box.BackColor() == facts.backColor &&
                     box.ShowMinimizeButton() == facts.showMinimizeButton && entity.Properties() == facts.properties;
   const qbRelationships& joins = *entity.Relationships();

@@ -56,6 +56,11 @@ void DrawIcon(Canvas& canvas, Icon icon, const PixelRect& rect, const Ink& ink) 
       pen.Line(5, 9, 11, 9);
       pen.Line(5, 11, 9, 11);
       break;
+    case Icon::Query:  // a table within a frame of its own
+      pen.Frame(1.5, 1.5, 13, 13, 3);
+      pen.Frame(4.5, 5, 7, 6, 0.5);
+      pen.Fill(4.5, 5, 7, 2);
+      break;
     case Icon::Joined:
       pen.Line(2, 8, 14, 8);
       pen.Fill(1, 5.5, 5, 5);

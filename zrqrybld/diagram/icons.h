@@ -9,6 +9,7 @@ namespace zrqrybld {
 enum class Icon : std::uint8_t {
   Table,
   View,
+  Query,
   Key,
   Joined,
   Ascending,

@@ -67,7 +67,9 @@ bool ShowColumns(const qbEntities& entities, qbEntity& entity, const std::vector
                  const qbDataTypes& types) {
   const std::vector<ItemState> items = ItemsFor(columns, types);
   qbEntityItems& shown = *entity.Items();
-  if (!entity.EntityBox() || ShowsAlready(shown, items)) return false;
+  if (!entity.EntityBox()) return false;
+  if (!entity.EntityBox()->IsQuery()) entity.EntityBox()->SetIsQuery(true);
+  if (ShowsAlready(shown, items)) return false;
   const std::vector<JoinEnd> ends = EndsAt(entities, entity);
   std::unordered_set<std::string> ticked;
   for (const Ref<qbEntityItem>& item : shown) {

@@ -10,6 +10,7 @@
 #include "zrqrybld/base/export.h"
 #include "zrqrybld/base/object.h"
 #include "zrqrybld/host/designer_values.h"
+#include "zrqrybld/platform/menu.h"
 
 namespace zrqrybld {
 
@@ -57,6 +58,11 @@ class ZRQRYBLD_API DesignQueries {
   virtual std::optional<GeneratedQuery> WholeStatement(const ExtraConditions& extra) const = 0;
   /// The columns of a query that the one shown can name like a table; none when there is none with this name.
   virtual std::optional<std::vector<QueryColumn>> ColumnsOfQuery(const std::string& name) const = 0;
+
+  /// What can be done with such a query; empty when there is none with this name. The entries outlive the designer.
+  virtual Menu MenuOfQuery(const std::string& name) = 0;
+  /// What makes new queries of the statement, and leaves the one shown.
+  virtual Menu MenuOfNewQueries() = 0;
 
   /// What the grid says about a column; empty texts when it has no row there, nothing when no grid is linked.
   virtual std::optional<ColumnUse> UseOfColumn(const std::string& entityCaption, const std::string& column) const = 0;

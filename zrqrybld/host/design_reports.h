@@ -1,6 +1,7 @@
 // DesignReports: what a pane tells the others, and asks of them, through the hub.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "zrqrybld/base/export.h"
@@ -49,6 +50,12 @@ class ZRQRYBLD_API DesignReports {
   virtual void GroupColumn(const std::string& entityCaption, const std::string& column, const std::string& choice) = 0;
   /// Takes the user to the cell where the column's criterion is typed.
   virtual void GoToCriterion(const std::string& entityCaption, const std::string& column) = 0;
+  /// Shows a query that the shown one can name like a table. False when there is none with this name.
+  virtual bool OpenQuery(const std::string& name) = 0;
+  /// Shows the query with the id. False when there is none.
+  virtual bool ShowQuery(std::int32_t id) = 0;
+  /// Shows the query that the shown one belongs to. False for the main query.
+  virtual bool LeaveQuery() = 0;
   /// Does what a remark of the statement generated last offers.
   virtual void CureRemark(const SQLDiagnostic& remark) = 0;
   /// Makes the query what the statement says. SyntaxError for a text that cannot be read or shown: nothing has changed

@@ -10,6 +10,7 @@
 #include "zrqrybld/host/query_context.h"
 #include "zrqrybld/hub/history.h"
 #include "zrqrybld/hub/hub.h"
+#include "zrqrybld/hub/query_menus.h"
 #include "zrqrybld/hub/query_set.h"
 #include "zrqrybld/sql/query_snapshot.h"
 #include "zrqrybld/sql/query_text.h"
@@ -53,6 +54,8 @@ struct qbQueryBuilder::Parts {
     std::optional<std::vector<QueryColumn>> ColumnsOfQuery(const std::string& name) const override {
       return parts_.hub->ColumnsOfQuery(name);
     }
+    Menu MenuOfQuery(const std::string& name) override { return MenuOfQueryNamed(*parts_.hub, name); }
+    Menu MenuOfNewQueries() override { return zrqrybld::MenuOfNewQueries(*parts_.hub); }
     std::optional<ColumnUse> UseOfColumn(const std::string& entityCaption, const std::string& column) const override {
       return parts_.hub->UseOfColumn(entityCaption, column);
     }
@@ -93,6 +96,9 @@ struct qbQueryBuilder::Parts {
     void GoToCriterion(const std::string& entityCaption, const std::string& column) override {
       parts_.hub->GoToCriterion(entityCaption, column);
     }
+    bool OpenQuery(const std::string& name) override { return OpenQueryNamed(*parts_.hub, name); }
+    bool ShowQuery(std::int32_t id) override { return parts_.hub->ShowQuery(id); }
+    bool LeaveQuery() override { return zrqrybld::LeaveQuery(*parts_.hub); }
     void CureRemark(const SQLDiagnostic& remark) override { parts_.hub->CureRemark(remark); }
     void LoadStatement(const std::string& sql) override { parts_.hub->LoadStatement(sql); }
 

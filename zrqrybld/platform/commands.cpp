@@ -8,6 +8,7 @@
 #include "zrqrybld/base/texts_diagram.h"
 #include "zrqrybld/base/texts_grid.h"
 #include "zrqrybld/base/texts_qt.h"
+#include "zrqrybld/base/texts_queries.h"
 #include "zrqrybld/base/texts_sql.h"
 #include "zrqrybld/platform/input.h"
 
@@ -94,6 +95,12 @@ constexpr CommandRow kCommands[] = {
     {Command::MoveBox, {kAnyArrow, ShiftAlt}, {}, text::NoText, Needs::Nothing},
     {Command::ResizeBox, {kAnyArrow, kCtrlShift}, {}, text::NoText, Needs::Nothing},
     {Command::ScrollDiagram, {kAnyArrow, ShiftShift | ShiftAlt}, {}, text::NoText, Needs::Nothing},
+    {Command::OpenInnerQuery, {KeyCodeEnter}, {}, text::MenuOpenQuery, Needs::Nothing},
+    {Command::LeaveQuery, {KeyCodeLeft, ShiftAlt}, {}, text::LeaveQueryItem, Needs::Nothing},
+    {Command::NewSubquery, {}, {}, text::NewSubqueryItem, Needs::Nothing},
+    {Command::NewCommonTable, {}, {}, text::NewCommonTableItem, Needs::Nothing},
+    {Command::AddUnionMember, {}, {}, text::AddUnionMemberItem, Needs::Nothing},
+    {Command::GoToQueryAtCaret, {F(12)}, {}, text::GoToQueryItem, Needs::Nothing},
 };
 
 constexpr bool InOrder() {

@@ -91,6 +91,12 @@ enum class Command : std::uint8_t {
   MoveBox,
   ResizeBox,
   ScrollDiagram,
+  OpenInnerQuery,
+  LeaveQuery,
+  NewSubquery,
+  NewCommonTable,
+  AddUnionMember,
+  GoToQueryAtCaret,
 };
 
 /// What has to be there before a command can be given, beside what it is given for.

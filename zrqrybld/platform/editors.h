@@ -45,6 +45,11 @@ class ZRQRYBLD_API TextArea {
   /// Underlines a piece of the text as faulty, in bytes of `Text()`, and brings it into view; a length of 0 takes the
   /// mark away. So does every change of the text.
   virtual void SetFault(std::size_t offset, std::size_t length) = 0;
+  /// Sets a piece of the text off quietly, in bytes of `Text()`; a length of 0 takes that away. So does every change
+  /// of the text. A text area that cannot show it leaves it out.
+  virtual void SetPart([[maybe_unused]] std::size_t offset, [[maybe_unused]] std::size_t length) {}
+  /// Where the caret stands, in bytes of `Text()`.
+  virtual std::size_t Caret() const { return 0; }
   /// The buttons beside the text, in place of those before; an empty list takes them away.
   virtual void SetCommands(std::vector<TextCommand> commands) = 0;
 

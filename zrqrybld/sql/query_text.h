@@ -58,6 +58,7 @@ struct GeneratedQuery {
   /// "" where the dialect cannot say what one of the queries asks for.
   std::string text;
   std::vector<QueryPart> parts;
+  std::int32_t extended = 0;  ///< the query that `extra` was for: the one that the panes show
   std::vector<QueryFault> faults;
   std::vector<QueryRemark> remarks;
 };

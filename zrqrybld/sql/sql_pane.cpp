@@ -86,9 +86,14 @@ void qbSQLPane::ListenToTextArea() {
     // The second key runs the statement where there is nothing to apply.
     const bool waits = edited_ && !sqlOnly_;
     const bool applies = key == RowOf(Command::ApplyText).key || (waits && Asks(key, Command::ApplyText));
-    if (!applies) return;
+    const bool goes = Asks(key, Command::GoToQueryAtCaret);
+    if (!applies && !goes) return;
     keyCode = 0;
-    ApplyEditedText();
+    if (applies) {
+      ApplyEditedText();
+    } else {
+      OpenQueryAtCaret();
+    }
   }));
   links_.push_back(
       textArea_->KeyUp.Connect([this](std::int32_t& keyCode, std::int32_t shift) { KeyUp.Raise(keyCode, shift); }));
@@ -278,6 +283,7 @@ std::string qbSQLPane::Generate(const std::string& orExpression, const std::stri
   const ExtraConditions extra{orExpression, andExpression};
   GeneratedSql generated = GenerateSelect(query, dialect, extra);
   diagnostics_ = Diagnose(query, dialect, generated);
+  whole_.reset();
   if (std::optional<GeneratedQuery> whole = context->design.WholeStatement(extra))
     TakeWhole(*std::move(whole), generated);
   TranslateDiagnostics();
@@ -291,11 +297,11 @@ std::string qbSQLPane::Generate(const std::string& orExpression, const std::stri
 // The statement is that of all queries; what there is to say about the others stands behind the remarks of the one
 // shown.
 void qbSQLPane::TakeWhole(GeneratedQuery whole, GeneratedSql& shown) {
-  shown.text = std::move(whole.text);
+  shown.text = whole.text;
   for (QueryRemark& remark : whole.remarks) {
     const Phrase who = !remark.name.empty() ? Phrase(remark.name)
-                       : remark.member > 0  ? Phrase(text::MemberNumbered, remark.member)
-                                            : Phrase(text::MainQueryName);
+                       : remark.member > 0  ? Phrase(text::MemberTitle, remark.member)
+                                            : Phrase(text::MainQueryTitle);
     SQLDiagnostic& diagnostic = diagnostics_.emplace_back(std::move(remark.diagnostic));
     diagnostic.what = Phrase(text::RemarkOfQuery, who, diagnostic.what);
   }
@@ -305,6 +311,67 @@ void qbSQLPane::TakeWhole(GeneratedQuery whole, GeneratedSql& shown) {
     remark.kind = DiagnosticQueryNotWritten;
     remark.what = std::move(fault.what);
   }
+  whole_ = std::make_shared<const GeneratedQuery>(std::move(whole));
+}
+
+namespace {
+
+std::vector<Token> TokensOf(std::string_view text) {
+  std::vector<Token> tokens;
+  Lexer lexer(text);
+  for (Token token; lexer.Next(token);) {
+    if (token.kind != TokenKind::Comment) tokens.push_back(token);
+  }
+  if (!tokens.empty() && text[tokens.back().offset] == ';') tokens.pop_back();
+  return tokens;
+}
+
+// Where the queries stand in a text that says in the same words what was generated, whatever its layout and comments;
+// none in another text.
+std::vector<QueryPart> PartsIn(std::string_view text, const GeneratedQuery& whole) {
+  if (text == whole.text) return whole.parts;
+  const std::vector<Token> tokens = TokensOf(text);
+  const std::vector<Token> written = TokensOf(whole.text);
+  const auto same = [&](const Token& one, const Token& other) {
+    return EqualsNoCase(text.substr(one.offset, one.length),
+                        std::string_view(whole.text).substr(other.offset, other.length));
+  };
+  if (tokens.empty() || !std::ranges::equal(tokens, written, same)) return {};
+  std::vector<QueryPart> parts = whole.parts;
+  for (QueryPart& part : parts) {
+    const auto first = std::ranges::lower_bound(written, part.begin, {}, &Token::offset) - written.begin();
+    const auto last = std::ranges::lower_bound(written, part.end, {}, &Token::offset) - written.begin() - 1;
+    if (last < first) return {};
+    part.begin = tokens[static_cast<std::size_t>(first)].offset;
+    const Token& end = tokens[static_cast<std::size_t>(last)];
+    part.end = end.offset + end.length;
+  }
+  return parts;
+}
+
+}  // namespace
+
+// The main query is all of the text: nothing of it is set off.
+void qbSQLPane::ShowPart() {
+  if (!whole_ || edited_) return textArea_->SetPart(0, 0);
+  const std::vector<QueryPart> parts = PartsIn(textArea_->Text(), *whole_);
+  const auto shown = std::ranges::find(parts, whole_->extended, &QueryPart::id);
+  if (shown == parts.end() || shown->id == 0) return textArea_->SetPart(0, 0);
+  textArea_->SetPart(shown->begin, shown->end - shown->begin);
+}
+
+bool qbSQLPane::OpenQueryAtCaret() {
+  const Ref<QueryContext> context = context_.lock();
+  if (!context || !whole_ || edited_) return false;
+  const std::size_t caret = textArea_->Caret();
+  const QueryPart* innermost = nullptr;
+  const std::vector<QueryPart> parts = PartsIn(textArea_->Text(), *whole_);
+  for (const QueryPart& part : parts) {
+    const bool holds = part.begin <= caret && caret <= part.end;
+    if (holds && (!innermost || part.end - part.begin < innermost->end - innermost->begin)) innermost = &part;
+  }
+  if (!innermost || innermost->id == whole_->extended) return false;
+  return context->reports.ShowQuery(innermost->id);
 }
 
 void qbSQLPane::TranslateDiagnostics() {
@@ -363,6 +430,7 @@ void qbSQLPane::Refresh() {
   SetEdited(false);
   written_ = text;
   SetSQLStatement(text);
+  ShowPart();
 }
 
 void qbSQLPane::ShowChange() {

@@ -90,6 +90,10 @@ class ZRQRYBLD_API qbSQLPane final : public Object {
   /// nothing is changed then.
   bool UseAsTyped();
 
+  /// Shows the query of the statement that the caret stands in, the innermost one. False where the text is not the
+  /// designer's own, is one query, or shows that one already.
+  bool OpenQueryAtCaret();
+
   /// Whether the statement generated last holds a table that is joined to none before it.
   bool Cartesian() const { return cartesian_; }
 
@@ -189,6 +193,7 @@ class ZRQRYBLD_API qbSQLPane final : public Object {
   std::vector<TextCommand> CureCommands();
   void TextEdited();
   void SetEdited(bool edited);
+  void ShowPart();
   void ShowFailure(const Error& failure);
   void TranslateDiagnostics();
 
@@ -210,8 +215,9 @@ class ZRQRYBLD_API qbSQLPane final : public Object {
   std::string written_;      // the text as it is shown when the user has typed no other
   Phrase failure_;           // why it could not be applied
   bool cartesian_ = false;
-  QuerySnapshot generatedFrom_;  // the tables and joins of what was generated last
-  mutable Ref<qbJoins> joins_;   // of it; made when somebody asks
+  std::shared_ptr<const GeneratedQuery> whole_;  // what was generated last, where it is made of several queries
+  QuerySnapshot generatedFrom_;                  // the tables and joins of what was generated last
+  mutable Ref<qbJoins> joins_;                   // of it; made when somebody asks
   std::vector<SQLDiagnostic> diagnostics_;
 };
 

@@ -28,6 +28,7 @@ class ChangeAnnouncer final : public Announcer, private QAccessible::ActivationO
 
   qbQueryBuilder& hub_;
   QuerySnapshot before_;
+  std::int32_t shown_ = 0;  // the query that it is of
   bool waiting_ = false;
   std::vector<EventConnection> links_;
 };

@@ -154,6 +154,12 @@ void QtTextArea::SetFault(std::size_t offset, std::size_t length) {
   if (caret.hasSelection()) setTextCursor(caret);
 }
 
+void QtTextArea::SetPart(std::size_t offset, std::size_t length) {
+  if (part_.start == offset && part_.length == length) return;
+  part_ = {offset, length, ColorRole::RowHover, false};
+  MarkText();
+}
+
 void QtTextArea::SetCommands(std::vector<TextCommand> commands) {
   remarks_->SetCommands(std::move(commands));
   PlaceMargins();
@@ -161,6 +167,7 @@ void QtTextArea::SetCommands(std::vector<TextCommand> commands) {
 
 void QtTextArea::OnContentsChanged() {
   fault_ = {};
+  part_ = {};
   Highlight();
   find_->Refresh();
   if (!settingText_) boundary_.Run([this] { Edited.Raise(); });
@@ -195,6 +202,14 @@ void QtTextArea::MarkText() {
     line.cursor = textCursor();
     line.cursor.clearSelection();
     marks.push_back(line);
+  }
+  if (part_.length != 0) {
+    QTextEdit::ExtraSelection part;
+    part.format.setBackground(theme_.Of(part_.role));
+    part.cursor = QTextCursor(document());
+    part.cursor.setPosition(PositionOf(part_.start));
+    part.cursor.setPosition(PositionOf(part_.start + part_.length), QTextCursor::KeepAnchor);
+    marks.push_back(part);
   }
   marks += find_->Marks(theme_);
   if (bracketFinder_ && hasFocus()) boundary_.Run([&] { MarkBrackets(marks); });

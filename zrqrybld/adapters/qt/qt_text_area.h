@@ -45,6 +45,8 @@ class ZRQRYBLD_API QtTextArea : public QPlainTextEdit, public TextArea {
   void SetRemarks(const std::vector<std::string>& remarks) override;
 
   void SetFault(std::size_t offset, std::size_t length) override;
+  void SetPart(std::size_t offset, std::size_t length) override;
+  std::size_t Caret() const override { return OffsetOf(textCursor().position()); }
   /// The buttons stand at the right end of the line with the remarks.
   void SetCommands(std::vector<TextCommand> commands) override;
 
@@ -109,6 +111,7 @@ class ZRQRYBLD_API QtTextArea : public QPlainTextEdit, public TextArea {
   Highlighter highlighter_;
   BracketFinder bracketFinder_;
   TextSpan fault_;  // of length 0 for none
+  TextSpan part_;   // as above
   EventBoundary boundary_;
   Announcer* announcer_ = nullptr;
   Margin* margin_ = nullptr;

@@ -14,6 +14,7 @@
 #include "zrqrybld/base/texts_qt.h"
 #include "zrqrybld/grid/grid_layout.h"
 #include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/query_menus.h"
 #include "zrqrybld/sql/brackets.h"
 #include "zrqrybld/sql/highlighting.h"
 
@@ -71,6 +72,12 @@ QueryDesignerWidget::QueryDesignerWidget(QWidget* parent)
   };
   onKey(ShortcutOf(Command::NextPane), 1);
   onKey(ShortcutOf(Command::PreviousPane), -1);
+
+  for (QWidget* pane : {static_cast<QWidget*>(grid_), static_cast<QWidget*>(sql_)}) {  // the diagram has it itself
+    auto* leave = new QShortcut(ShortcutOf(Command::LeaveQuery), pane);
+    leave->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(leave, &QShortcut::activated, this, [this] { sql_->Boundary().Run([this] { LeaveQuery(*hub_); }); });
+  }
 
   new SqlOnlyCover(*diagram_, *hub_, true);  // the panes own them
   new SqlOnlyCover(*grid_, *hub_, false);
