@@ -89,6 +89,7 @@ void QueryTab::MakeHub() {
   hub.SQLPane()->SetKeepTypedText(true);
   hub.DiagramPane()->SetPlacesByJoins(true);
   hub.DiagramPane()->SetShowMinimap(true);
+  hub.GridPane()->SetGrowOrColumns(true);
   zrGrid& grid = *hub.GridPane()->Grid();
   grid.SetFillsWidth(true);
   grid.SetRowKeysTakeCurrent(true);

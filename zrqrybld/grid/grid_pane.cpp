@@ -23,6 +23,8 @@ struct GridPaneOptions : DateOptions {
   bool showGroupBy = true;
   bool customContextMenu = false;
   Font font;
+  std::int32_t orColumns = kFirstOrColumns;
+  bool growOrColumns = false;
 };
 
 using F = GridPaneOptions;
@@ -32,6 +34,8 @@ constexpr StoredTable kStored = {
     Stored<F, &F::showGroupBy>("ShowGroupBy"),  // this and those below are kept in the grid
     Stored<F, &F::customContextMenu>("CustomContextMenu"),
     Stored<F, &F::font>("Font", kStoredAlways),
+    Stored<F, &F::orColumns>("OrColumns"),
+    Stored<F, &F::growOrColumns>("GrowOrColumns"),
 };
 
 // Files and forms always hold a format: the first one is nobody's choice.
@@ -178,6 +182,24 @@ void qbGridPane::SetCustomContextMenu(bool custom) {
   PropertyChanged.Raise(StoredKey<&F::customContextMenu>(kStored));
 }
 
+void qbGridPane::SetOrColumns(std::int32_t count) {
+  alternatives_.Set(count);
+  PropertyChanged.Raise(StoredKey<&F::orColumns>(kStored));
+}
+
+void qbGridPane::SetGrowOrColumns(bool grow) {
+  alternatives_.SetGrows(grow);
+  PropertyChanged.Raise(StoredKey<&F::growOrColumns>(kStored));
+}
+
+bool qbGridPane::AddOrColumn() {
+  const std::int32_t before = OrColumns();
+  SetOrColumns(before + 1);
+  if (OrColumns() == before) return false;
+  if (Row() > 0) grdPane_->GotoRowCol(Row(), kColumnCriteria + OrColumns());
+  return true;
+}
+
 void qbGridPane::ReadProperties(const PropertyStore& store) {
   GridPaneOptions stored;
   ReadStored(kStored, store, stored);
@@ -186,11 +208,14 @@ void qbGridPane::ReadProperties(const PropertyStore& store) {
   grdPane_->SetCustomContextMenu(stored.customContextMenu);
   grdPane_->SetFont(stored.font);
   grouping_.Apply(stored.showGroupBy);
+  alternatives_.SetGrows(stored.growOrColumns);
+  alternatives_.Set(stored.orColumns);
   rows_.ReportChange();
 }
 
 void qbGridPane::WriteProperties(PropertyStore& store) const {
-  WriteStored(kStored, store, {dates_, ShowGroupBy(), CustomContextMenu(), Font()});
+  WriteStored(kStored, store,
+              {dates_, ShowGroupBy(), CustomContextMenu(), Font(), alternatives_.Least(), GrowOrColumns()});
 }
 
 // --- Captions and lengths ---
@@ -202,6 +227,7 @@ void qbGridPane::ApplyGridCaptions() {
   for (const GridColumnRow& row : kGridColumns) {
     grdPane_->Columns()->Item(std::string(row.key))->SetCaption(Say(context, TextId{row.caption}));
   }
+  alternatives_.ApplyCaption(Say(context, TextId{LanguageGridOr}));
 }
 
 void qbGridPane::ApplyAliasMaxLen() {
@@ -240,6 +266,7 @@ void qbGridPane::ResetRows() {
   grdPane_->Rows()->Clear();
   fields_.Clear();
   sorting_.Clear();
+  alternatives_.Fit();
   for (int i = 0; i < kInitialRows; ++i) rows_.AddEmpty();
 }
 
@@ -301,7 +328,11 @@ void qbGridPane::AddRows(const std::vector<QueryRow>& rows) {
   const StepScope step(rows_.Context(), kStepAddColumns);
   {
     const auto busy = rows_.Busy();
+    std::size_t widest = 0;
+    for (const QueryRow& row : rows) widest = std::max(widest, row.criteria.size());
+    alternatives_.Ensure(static_cast<std::int32_t>(widest) - 1);
     output_.AddRows(rows);
+    alternatives_.Fit();
   }
   rows_.ReportChange();
 }

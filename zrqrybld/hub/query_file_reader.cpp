@@ -471,7 +471,7 @@ qbGridPane::LoadedCell QueryFileReader::CellOf(std::string_view key, std::string
   if (!row || !(*row >= 1 && *row <= kMostRows) || std::nearbyint(*row) != *row) {
     ThrowUnreadable(key, value, text::NamesNoRow);
   }
-  const std::size_t column = hub_.GridPane()->Grid()->Columns()->PositionOf(key.substr(0, comma));
+  const std::size_t column = hub_.GridPane()->ColumnOfKey(key.substr(0, comma));
   return {static_cast<std::int32_t>(*row), column, std::string(value)};
 }
 
