@@ -301,13 +301,36 @@ class Outliner {
 
 }  // namespace
 
+namespace {
+
+// Most statements hold none of the words, and are not looked at twice.
+bool MayHoldQueries(std::string_view sql) {
+  Lexer lexer(sql);
+  for (Token token; lexer.Next(token);) {
+    switch (token.keyword) {
+      case Keyword::With:
+      case Keyword::Union:
+      case Keyword::Intersect:
+      case Keyword::Except:
+      case Keyword::Minus:
+        return true;
+      default:
+        break;
+    }
+  }
+  return false;
+}
+
+}  // namespace
+
 QueryOutline OutlineQuery(std::string_view sql, const Dialect& dialect) {
-  const Tokens tokens(sql);
   QueryOutline plain;
   plain.select = sql;
-  bool mayHold = tokens.KeywordAt(0) == Keyword::With;
-  for (std::size_t at = 0; at < tokens.list.size() && !mayHold; ++at) mayHold = IsSetWord(tokens, at);
-  if (!mayHold || !tokens.finished) return plain;
+  if (!MayHoldQueries(sql)) return plain;
+  const Tokens tokens(sql);
+  bool holds = tokens.KeywordAt(0) == Keyword::With;
+  for (std::size_t at = 0; at < tokens.list.size() && !holds; ++at) holds = IsSetWord(tokens, at);
+  if (!holds || !tokens.finished) return plain;
   QueryOutline outline = Outliner(tokens, dialect).Run();
   return outline.IsPlain() ? std::move(plain) : std::move(outline);
 }

@@ -212,7 +212,7 @@ GeneratedQuery GenerateQuery(QueryTree tree, const Dialect& dialect, std::int32_
   GeneratedQuery result;
   if (!plain.HoldsMark()) result = Writer::WithoutMarks(Writer(dialect, shown, extra, true).Write(tree, false));
   result.text = std::move(text);
-  result.extended = extended;
+  result.extended = shown;
   result.faults = std::move(plain.Faults());
   result.remarks = std::move(plain.Remarks());
   const bool stops = std::ranges::any_of(result.faults, [](const QueryFault& fault) { return fault.stops; });
