@@ -8,6 +8,7 @@
 #include "zrqrybld/base/texts_grid.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/expression/intelli_list.h"
+#include "zrqrybld/grid/cell_values.h"
 #include "zrqrybld/host/query_context.h"
 #include "zrqrybld/platform/dialogs.h"
 #include "zrqrybld/platform/stored_values.h"
@@ -44,13 +45,6 @@ bool IsChosen(const std::string& format) { return format != DateOptions().format
 // Whether a text that is dropped may name a field.
 bool IsFieldText(const std::string& text) {
   return text.find_first_of("\r\n") == std::string::npos && !TrimWhite(text).empty() && !text.ends_with('.');
-}
-
-// Nothing for cells that hold names and choices.
-Ref<qbIntelliList> SuggestionsFor(const WeakRef<QueryContext>& link, std::int32_t column) {
-  const Ref<QueryContext> context = link.lock();
-  if (!context || (column != kColumnColumn && column < kColumnCriteria)) return nullptr;
-  return qbIntelliList::Create(context, column == kColumnColumn ? EditedText::Expression : EditedText::Criterion);
 }
 
 }  // namespace
@@ -127,12 +121,28 @@ void qbGridPane::ConnectGrid() {
 
 void qbGridPane::SetContext(const Ref<QueryContext>& context) {
   rows_.SetContext(context);
-  // The grid may live longer than the pane: it knows the context only.
-  grdPane_->SetSuggestionSource([link = rows_.Link()](std::int32_t column) { return SuggestionsFor(link, column); });
+  // The grid may live longer than the pane.
+  grdPane_->SetSuggestionSource([weak = weak_from_this()](std::int32_t column) {
+    const auto pane = std::static_pointer_cast<qbGridPane>(weak.lock());
+    return pane ? pane->SuggestionsFor(column) : nullptr;
+  });
   if (!context) return;
   ApplyGridCaptions();
   ApplyAliasMaxLen();
   RefreshTableList();
+}
+
+// Nothing for cells that hold names and choices.
+Ref<qbIntelliList> qbGridPane::SuggestionsFor(std::int32_t column) {
+  const Ref<QueryContext> context = rows_.Context();
+  if (!context || (column != kColumnColumn && column < kColumnCriteria)) return nullptr;
+  const bool isCriterion = column != kColumnColumn;
+  const Ref<qbIntelliList> list =
+      qbIntelliList::Create(context, isCriterion ? EditedText::Criterion : EditedText::Expression);
+  if (!isCriterion || Row() == 0) return list;
+  const zrGridRow& row = rows_.At(Row());
+  list->SetValues(ValuesFor(context, FieldOf(row), rules_.CriteriaOf(*context, row), values_));
+  return list;
 }
 
 Ref<qbQueryBuilder> qbGridPane::QueryBuilder() const {

@@ -6,9 +6,11 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "zrqrybld/base/event.h"
@@ -24,7 +26,9 @@
 
 namespace zrqrybld {
 
+class qbIntelliList;
 class qbQueryBuilder;
+class ValueSource;
 struct QueryContext;
 
 class ZRQRYBLD_API qbGridPane final : public Object {
@@ -128,6 +132,10 @@ class ZRQRYBLD_API qbGridPane final : public Object {
   /// One OR column more, which becomes the current one in the current row; False when there are 100.
   bool AddOrColumn();
 
+  /// Who is asked for the values of a column when somebody wants them in a criterion (Ctrl+Space); nothing at first:
+  /// then no data is read.
+  void SetValueSource(std::shared_ptr<ValueSource> source) { values_ = std::move(source); }
+
   // --- Stored properties ---
 
   /// A property was set: its key. The container marks it as changed.
@@ -222,6 +230,7 @@ class ZRQRYBLD_API qbGridPane final : public Object {
   qbGridPane() = default;
   void CreateColumns();
   void ConnectGrid();
+  Ref<qbIntelliList> SuggestionsFor(std::int32_t column);
   bool IsLocked(GridColumnIndex column) const;
   void SetLock(GridColumnIndex column, bool lock);
   std::string CaptionOf(std::int32_t column) const;
@@ -250,6 +259,7 @@ class ZRQRYBLD_API qbGridPane final : public Object {
   AlternativeColumns alternatives_{rows_};
   FieldOutput output_{rows_, fields_, grouping_};
   CellRules rules_{rows_, sorting_, grouping_, AfterEditExpressionFormat};
+  std::shared_ptr<ValueSource> values_;
   std::vector<EventConnection> links_;
   DateOptions dates_;
   FieldName before_;  // what the row named before the change that is going on
