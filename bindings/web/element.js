@@ -14,6 +14,7 @@ import {withAccessKey} from './menus.js';
 
 const [STATEMENT, HISTORY, TEXTS, SQL_ONLY] = [1, 2, 3, 4];
 const [ADD, UNDO, REDO, GROUP, ARRANGE] = [0, 1, 2, 3, 4];
+const COMMANDS = 7;  // that the page has words for
 const FEWEST = 48;  // pixels of a pane
 
 let page;  // one for all elements: they share the library and its memory
@@ -213,11 +214,13 @@ export class ZrQueryDesigner extends HTMLElement {
 
   #texts() {
     const words = unpack(page.api.words(this.#designer.number));
-    this.words = words.slice(0, -1).map(packed => {
+    const [sqlName, addPair, removePair, pairs, condition, filter, source] = words.slice(COMMANDS);
+    Object.assign(this.#designer.texts, {addPair, removePair, pairs, condition, filter, source});
+    this.words = words.slice(0, COMMANDS).map(packed => {
       const [text, key] = unpack(packed);
       return [withAccessKey(text)[0].replace(/(…|\.\.\.)$/, ''), key];
     });
-    this.#designer.area.text.setAttribute('aria-label', words.at(-1));
+    this.#designer.area.text.setAttribute('aria-label', sqlName);
     const actions = [
       [ADD, () => this.#query.ShowTables()],
       [UNDO, () => this.#query.Undo()],

@@ -77,6 +77,7 @@ dialog .quiet { color: var(--role-quiet-text); margin: 0; }
 dialog .said { white-space: pre-wrap; margin: 0; max-width: 60ch; }
 dialog .pair, dialog .heads { display: grid; grid-template-columns: 1fr auto 1fr auto; gap: 6px; margin: 3px 0; }
 dialog .heads { grid-template-columns: 1fr 1fr; }
+dialog .more { align-self: start; border-color: var(--role-box-frame); }
 dialog .tabs { display: flex; gap: 4px; }
 @media (prefers-reduced-motion: no-preference) { button { transition: background 80ms; } }
 @media (forced-colors: active) { .view, .colors, textarea.sql, button[aria-pressed="true"] { forced-color-adjust: none; } .list li.on, .menu [role^=menuitem]:focus { forced-color-adjust: none; } }

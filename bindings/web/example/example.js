@@ -93,12 +93,16 @@ const SQL = await initSqlJs({locateFile: name => name});
 database = new SQL.Database();
 database.exec(await (await fetch('store.sql')).text());
 await designer.ready;
+const {query} = designer;
+query.GridPane.ShowGroupBy = false;
+query.SQLPane.SQLSyntax = 7;  // SQLite
 designer.connection = sqliteSource(database);
 await designer.connected;
 const design = await shared().catch(() => null);
 if (design) {
   designer.design = design;
 } else {
-  for (const table of ['Customers', 'Order', 'Order Lines', 'Products']) designer.query.AddTable(table);
+  for (const table of ['Customers', 'Order', 'Order Lines', 'Products']) query.AddTable(table);
+  query.RefreshAutoJoins();
 }
 document.documentElement.dataset.ready = 'yes';

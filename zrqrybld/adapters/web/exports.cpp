@@ -9,6 +9,7 @@
 #include "zrqrybld/adapters/web/fields.h"
 #include "zrqrybld/adapters/web/web_designer.h"
 #include "zrqrybld/automation/c_boundary.h"
+#include "zrqrybld/base/texts_diagram.h"
 #include "zrqrybld/base/texts_qt.h"
 #include "zrqrybld/platform/accessible.h"
 #include "zrqrybld/platform/commands.h"
@@ -107,7 +108,7 @@ ZRW char* zrw_caption(int number, int id) {
   OnDesigner(number, [&](WebDesigner& designer) { text = designer.Hub().GetLanguageString(id); });
   return Given(text);
 }
-// What stands on the page around the panes: for each command its text and its key, then the name of the SQL text.
+// What stands on the page around the panes: for each command its text and its key, then plain texts.
 ZRW char* zrw_words(int number) {
   Fields words;
   OnDesigner(number, [&](WebDesigner& designer) {
@@ -115,7 +116,10 @@ ZRW char* zrw_words(int number) {
                                   Command::Arrange, Command::ApplyText, Command::ClearQuery}) {
       words.push_back(Packed({designer.Hub().Say(RowOf(command).text), KeyTextOf(command)}));
     }
-    words.push_back(designer.Hub().Say(text::SqlName));
+    for (const TextId id : {text::SqlName, text::AddPair, text::MenuRemovePair, text::JoinPairsLabel,
+                            text::JoinConditionLabel, text::FilterByName, text::StringLabel}) {
+      words.push_back(designer.Hub().Say(id));
+    }
   });
   return Given(Packed(words));
 }

@@ -12,7 +12,7 @@ const CURRENT = 1 << 16;
 const ACCESS_DELAY = 150;
 
 // Captions of the language table that windows without their own use.
-const CAPTIONS = {accept: 204, cancel: 205};
+const CAPTIONS = {close: 104, accept: 204, cancel: 205};
 
 const encoder = new TextEncoder();
 const gone = new Proxy({}, {get: () => () => 0});  // somebody whom the page has removed
@@ -176,6 +176,7 @@ export class Designer {
     this.root = root;
     this.told = told;
     this.windows = [];
+    this.texts = {};  // what the windows say beside what they are given
     this.number = this.api.new();
     if (!this.number) throw new RangeError('Out of memory.');
     const [first, second, third] = [0, 1, 2].map(which => this.api.part(this.number, which));
@@ -218,6 +219,7 @@ export class Designer {
   }
 
   get accept() { return this.api.caption(this.number, CAPTIONS.accept); }
+  get close() { return this.api.caption(this.number, CAPTIONS.close); }
   get cancel() { return this.api.caption(this.number, CAPTIONS.cancel); }
   get dialogOpen() { return this.windows.length > 0; }
 

@@ -99,7 +99,7 @@ export class Window {
   message([text, icon]) {
     this.box.setAttribute('role', 'alertdialog');
     this.form.append(element('p', {className: `said icon${icon}`, textContent: text.replaceAll('\r', '')}));
-    this.buttons('OK');
+    this.buttons(this.designer.close);
   }
 
   text([caption, label, text]) {
@@ -129,8 +129,7 @@ export class Window {
   connection([sources]) {
     const names = unpack(sources), input = element('input', {spellcheck: false, autocomplete: 'off'});
     input.setAttribute('list', `sources${this.number}`);
-    input.setAttribute('aria-label', 'Provider=');
-    this.form.append(input, element('datalist', {id: `sources${this.number}`}, ...names.map(value => element('option', {value}))));
+    this.form.append(labelled(input, this.designer.texts.source ?? ''), element('datalist', {id: `sources${this.number}`}, ...names.map(value => element('option', {value}))));
     this.check = () => (input.value ? this.ask('test', [input.value]) : ' ');
     this.fields = () => [input.value];
     this.buttons(this.designer.accept, this.designer.cancel);
@@ -140,7 +139,8 @@ export class Window {
     this.title(caption);
     const list = element('select', {multiple: true, size: 12}), find = element('input', {type: 'search', spellcheck: false});
     list.setAttribute('aria-label', caption);
-    find.setAttribute('aria-label', caption);
+    find.setAttribute('aria-label', this.designer.texts.filter ?? '');
+    find.placeholder = this.designer.texts.filter ?? '';
     const lists = [unpack(tables), unpack(views)], tabs = element('div', {className: 'tabs'});
     tabs.setAttribute('role', 'tablist');
     let current = 0;
@@ -181,14 +181,15 @@ export class Window {
   join([caption, frame, all1, all2, accept, cancel, checked1, checked2, table1, table2, columns1, columns2, comparisons, pairs, condition]) {
     this.title(caption);
     this.stays = true;  // it is closed by its two buttons alone
-    const names1 = unpack(columns1), names2 = unpack(columns2), signs = unpack(comparisons);
+    const {texts} = this.designer, names1 = unpack(columns1), names2 = unpack(columns2), signs = unpack(comparisons);
     const rows = element('div', {className: 'pairs'}), list = [];
     const addPair = ([a, sign, b, turned, origin]) => {
       const first = select(names1, +a), comparison = select(signs, +sign), second = select(names2, +b), away = button('✕');
       first.setAttribute('aria-label', table1);
       comparison.setAttribute('aria-label', caption);
       second.setAttribute('aria-label', table2);
-      away.setAttribute('aria-label', '✕');
+      away.setAttribute('aria-label', withAccessKey(texts.removePair ?? '')[0]);
+      away.title = away.getAttribute('aria-label');
       const row = element('div', {className: 'pair'}, first, comparison, second, away);
       const entry = () => pack([first.value, comparison.value, second.value, turned, origin].map(String));
       list.push(entry);
@@ -197,8 +198,7 @@ export class Window {
       rows.append(row);
     };
     const one = element('input', {type: 'checkbox', checked: !!checked1}), two = element('input', {type: 'checkbox', checked: !!checked2});
-    const asks = element('input', {value: condition, spellcheck: false, autocomplete: 'off', placeholder: 'AND …'});
-    asks.setAttribute('aria-label', 'AND');
+    const asks = element('input', {value: condition, spellcheck: false, autocomplete: 'off'});
     const said = element('p', {className: 'quiet'});
     said.setAttribute('role', 'status');
     const choice = () => [one.checked ? '1' : '', two.checked ? '1' : ''];
@@ -209,13 +209,12 @@ export class Window {
       said.classList.toggle('warning', !!warning);
     };
     unpack(pairs).forEach(pair => addPair(unpack(pair)));
-    const more = button('+');
-    more.setAttribute('aria-label', '+');
+    const more = button(texts.addPair ?? '+', {className: 'more'});
     more.addEventListener('click', () => addPair([0, 0, 0, '', 0]));
     one.addEventListener('change', say);
     two.addEventListener('change', say);
     this.form.append(element('div', {className: 'heads'}, element('b', {textContent: table1}), element('b', {textContent: table2})),
-      rows, more, asks,
+      rows, more, labelled(asks, texts.condition ?? ''),
       element('fieldset', {}, element('legend', {textContent: frame}), plainLabel(one, all1, table1, table2), plainLabel(two, all2, table1, table2)), said);
     this.check = () => this.ask('warning', choice()) || this.ask('problem', all());
     this.fields = all;
