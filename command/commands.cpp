@@ -14,6 +14,7 @@
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/hub/hub.h"
+#include "zrqrybld/hub/queries.h"
 #include "zrqrybld/platform/provider.h"
 #include "zrqrybld/platform/toolkit.h"
 #include "zrqrybld/sql/parameters.h"
@@ -207,6 +208,29 @@ Ref<qbQueryBuilder> LoadFile(const CommandOptions& options, std::string* stateme
   return hub;
 }
 
+// The tree of the queries; nothing of a single one.
+void TellQueries(qbQueryBuilder& hub, std::string& text, JsonWriter& json) {
+  constexpr std::string_view kKinds[] = {"", "FROM", "WITH"};
+  if (hub.Queries()->Count() < 2) return;
+  text += "Queries:\n";
+  json.BeginArray("queries");
+  for (const Ref<qbQuery>& query : *hub.Queries()) {
+    const bool isMember = query->Kind() == QueryMember;
+    const std::string kind(isMember ? NameOf(query->Operator()) : kKinds[query->Kind()]);
+    std::string indent;
+    for (Ref<qbQuery> parent = query; parent; parent = parent->Parent()) indent += "  ";
+    json.BeginObject();
+    json.Number("id", query->Id());
+    if (const Ref<qbQuery> parent = query->Parent()) json.Number("parent", parent->Id());
+    json.Text("kind", kind);
+    json.Text("name", query->Name());
+    json.EndObject();
+    const std::string name = query->Kind() == QueryMain ? "SELECT" : query->Name();
+    text += indent + kind + (kind.empty() || name.empty() ? "" : " ") + name + '\n';
+  }
+  json.EndArray();
+}
+
 Outcome ShowQuery(const CommandOptions& options, std::ostream& errors) {
   std::string saved;
   const Ref<qbQueryBuilder> hub = LoadFile(options, &saved);
@@ -227,6 +251,7 @@ Outcome ShowQuery(const CommandOptions& options, std::ostream& errors) {
     outcome.text += "  " + entity->Caption() + (named ? "  (" + entity->TagVariant().Text() + ")" : "") + '\n';
   }
   json.EndArray();
+  TellQueries(*hub, outcome.text, json);
   json.BeginArray("parameters");
   outcome.text += "Parameters:\n";
   const Ref<qbParameters> parameters = ScanParameters(saved, hub).parameters;

@@ -15,10 +15,12 @@
 #include "designer/key_list.h"
 #include "designer/main_window.h"
 #include "designer/plain_box.h"
+#include "zrqrybld/adapters/qt/conditions_view.h"
 #include "zrqrybld/adapters/qt/shortcuts.h"
 #include "zrqrybld/adapters/qt/telling_order.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_designer.h"
+#include "zrqrybld/base/texts_grid.h"
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/hub/parameter_form.h"
@@ -223,6 +225,11 @@ void MainWindow::MakePaneMenu(QMenu& view) {
   showRows_ = view.addAction(Say(*texts_, text::ResultPreviewItem));
   showRows_->setCheckable(true);
   connect(showRows_, &QAction::triggered, this, [this](bool shown) { Tab().Panes().ShowRows(shown); });
+  QAction* conditions = view.addAction(Say(*texts_, text::ConditionsItem));
+  conditions->setCheckable(true);
+  connect(conditions, &QAction::triggered, this, [this](bool shown) { Tab().ShowConditions(shown); });
+  connect(&view, &QMenu::aboutToShow, this,
+          [this, conditions] { conditions->setChecked(Tab().Conditions().isVisibleTo(&Tab())); });
   AddSwitch(view, Command::RowsInTab, [this] { Tab().Panes().SetRowsInTab(!Tab().Panes().RowsInTab()); });
   AddSwitch(view, Command::MaximizePane, [this] { Tab().Panes().ToggleMaximized(); });
   AddTo(view, Command::CollapsePane, [this] { Tab().Panes().CollapseFocused(); });

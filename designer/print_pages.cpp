@@ -14,11 +14,11 @@
 #include "zrqrybld/adapters/qt/qt_canvas.h"
 #include "zrqrybld/adapters/qt/query_designer_widget.h"
 #include "zrqrybld/adapters/qt/say.h"
-#include "zrqrybld/adapters/qt/sql_highlighter.h"
 #include "zrqrybld/base/texts_designer.h"
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/hub/hub.h"
+#include "zrqrybld/sql/highlighting.h"
 #include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {

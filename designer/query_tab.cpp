@@ -4,10 +4,12 @@
 #include <QMessageBox>
 #include <QVBoxLayout>
 
+#include "designer/data_values.h"
 #include "designer/guarded.h"
 #include "designer/plain_box.h"
 #include "designer/query_commands.h"
 #include "designer/recent_connections.h"
+#include "zrqrybld/adapters/qt/conditions_view.h"
 #include "zrqrybld/adapters/qt/query_bar.h"
 #include "zrqrybld/adapters/qt/telling_order.h"
 #include "zrqrybld/adapters/qt/waiting_provider.h"
@@ -27,6 +29,9 @@ namespace zrqrybld {
 namespace {
 
 constexpr float kCriteriaWidth = 2400;  // twips
+// How the grid and the conditions beside it share the width.
+constexpr int kGridShare = 3;
+constexpr int kConditionsShare = 2;
 
 }  // namespace
 
@@ -37,6 +42,7 @@ QueryTab::QueryTab(const QString& languageFile, QWidget* parent)
     if (!error.isEmpty()) languageFailure_ = error + "\n" + languageFile;
   }
   bar_ = new QueryBar(Hub(), this);
+  MakeConditions();
   rows_ = new PreviewPane(texts_);
   panes_ = std::make_unique<PaneLayout>(*designer_, *rows_, *texts_);
   auto* layout = new QVBoxLayout(this);
@@ -73,7 +79,34 @@ QueryTab::QueryTab(const QString& languageFile, QWidget* parent)
   document_->MarkUnmodified();
 }
 
-QueryTab::~QueryTab() = default;
+QueryTab::~QueryTab() {
+  if (const Ref<qbGridPane> grid = Hub().GridPane()) grid->SetValueSource(nullptr);
+}
+
+// They share the grid's place.
+void QueryTab::MakeConditions() {
+  values_ = std::make_shared<DataValues>(Hub(), *designer_);
+  QWidget& grid = designer_->GridView();
+  const int place = designer_->indexOf(&grid);
+  const int share = grid.sizePolicy().verticalStretch();
+  auto* beside = new QSplitter(Qt::Horizontal);
+  conditions_ = new ConditionsView(RefTo(Hub()), values_);
+  conditions_->hide();
+  beside->addWidget(&grid);
+  beside->addWidget(conditions_);
+  beside->setStretchFactor(0, kGridShare);
+  beside->setStretchFactor(1, kConditionsShare);
+  beside->setChildrenCollapsible(false);
+  TellInOrder(*beside);
+  designer_->insertWidget(place, beside);
+  designer_->setStretchFactor(place, share);
+  designer_->AddPane(conditions_);
+}
+
+void QueryTab::ShowConditions(bool shown) {
+  conditions_->setVisible(shown);
+  (shown ? static_cast<QWidget*>(conditions_) : &designer_->GridView())->setFocus(Qt::OtherFocusReason);
+}
 
 void QueryTab::MakeHub() {
   qbQueryBuilder& hub = Hub();
@@ -89,6 +122,8 @@ void QueryTab::MakeHub() {
   hub.SQLPane()->SetKeepTypedText(true);
   hub.DiagramPane()->SetPlacesByJoins(true);
   hub.DiagramPane()->SetShowMinimap(true);
+  hub.GridPane()->SetGrowOrColumns(true);
+  hub.GridPane()->SetValueSource(values_);
   zrGrid& grid = *hub.GridPane()->Grid();
   grid.SetFillsWidth(true);
   grid.SetRowKeysTakeCurrent(true);
@@ -149,6 +184,7 @@ void QueryTab::UseConnection(const std::shared_ptr<ProviderConnection>& connecti
   const Dialect* chosen = recovery_ ? FindDialect(RememberedDialect(connection->ConnectionString())) : nullptr;
   if (chosen) hub.SQLPane()->SetSQLSyntax(chosen->syntax);
   query_->SourceChanged();
+  values_->SourceChanged();
   sourceName_ = zrqrybld::SourceName(connection->ConnectionString(), *texts_);
   NoteUsed(connection->ConnectionString());
   if (recovery_) RememberConnection(connection->ConnectionString());

@@ -20,6 +20,8 @@
 namespace zrqrybld {
 
 class QueryBar;
+class ConditionsView;
+class DataValues;
 
 class QueryTab : public QWidget {
   Q_OBJECT
@@ -37,6 +39,10 @@ class QueryTab : public QWidget {
   PreviewPane& Rows() const { return *rows_; }
   QueryDocument& Document() const { return *document_; }
   PaneLayout& Panes() const { return *panes_; }
+  /// The conditions as a tree, beside the grid; hidden at first.
+  ConditionsView& Conditions() const { return *conditions_; }
+  /// Shows the conditions, with the keyboard, or hides them.
+  void ShowConditions(bool shown);
   ConnectionFlow& Flow() const { return *flow_; }
   /// What its source is called; empty without one.
   const QString& SourceName() const { return sourceName_; }
@@ -76,12 +82,14 @@ class QueryTab : public QWidget {
 
  private:
   void MakeHub();
+  void MakeConditions();
   void MakeDocument();
   QString ConnectTo(const std::shared_ptr<ProviderConnection>& connection, bool mayAsk);
   void UseConnection(const std::shared_ptr<ProviderConnection>& connection);
 
   QueryDesignerWidget* designer_;
   QueryBar* bar_;
+  ConditionsView* conditions_ = nullptr;
   std::shared_ptr<const TextSource> texts_;
   QString languageFailure_;
   PreviewPane* rows_;
@@ -89,6 +97,7 @@ class QueryTab : public QWidget {
   std::unique_ptr<ConnectionFlow> flow_;
   std::unique_ptr<QueryDocument> document_;
   std::unique_ptr<QueryPreview> query_;
+  std::shared_ptr<DataValues> values_;
   std::unique_ptr<Recovery> recovery_;  // while the designer works for a user
   QString sourceName_;
   std::vector<EventConnection> links_;

@@ -66,7 +66,7 @@ void CopyLayout(QueryDesignerWidget& from, PaneLayout& fromPanes, QueryDesignerW
   ForEachColumn(from, [&](const zrGridColumn& column) { widths.push_back(column.Width()); });
   std::size_t at = 0;
   ForEachColumn(to, [&](zrGridColumn& column) {
-    const float width = widths[at++];
+    const float width = at < widths.size() ? widths[at++] : 0;  // each query has its own OR columns
     if (!column.Hidden() && width > 0) column.SetWidth(width);
   });
 }

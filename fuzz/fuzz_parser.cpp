@@ -2,6 +2,8 @@
 #include <cstdlib>
 
 #include "tests/print_statement.h"
+#include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/query_outline.h"
 #include "zrqrybld/sql/statement_parser.h"
 #include "zrqrybld/sql/syntax_error.h"
 
@@ -10,6 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string_view text(reinterpret_cast<const char*>(data), size);
   std::string printed;
   try {
+    OutlineQuery(text, AllDialects()[size % AllDialects().size()]);
     printed = test::PrintStatement(ParseSelect(text, {.openParenthesesInFrom = size % 2 == 0}));
   } catch (const SyntaxError& error) {
     if (!error.Offset() || *error.Offset() > size || error.Message().empty()) std::abort();

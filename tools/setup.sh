@@ -50,6 +50,18 @@ packages_windows="
   wine64           -
   wine             wine
 "
+packages_wasm="
+  emscripten       em++
+  cmake            cmake
+  ninja-build      ninja
+  ccache           ccache
+  nodejs           node
+  npm              npm
+"
+packages_web="$packages_wasm
+  chromium         chromium
+  fonts-dejavu-core -
+"
 packages_core="
   g++              g++
   cmake            cmake
@@ -118,6 +130,10 @@ packages_elsewhere="
   python3-markdown   python3-markdown        python-markdown         -
   doxygen            doxygen                 doxygen                 doxygen
   mypy               python3-mypy            mypy                    mypy
+  emscripten         emscripten              emscripten              emscripten
+  nodejs             nodejs                  nodejs                  node
+  npm                nodejs-npm              npm                     node
+  chromium           chromium                chromium                chromium
   g++-mingw-w64-x86-64-posix  mingw64-gcc-c++  mingw-w64-gcc         mingw-w64
   googletest         gtest-devel             gtest                   googletest
   wine64             wine                    wine                    -
@@ -237,6 +253,18 @@ build() {
   [ -f "build/$preset/.ninja_log" ] || say "Building ($preset); the first time takes some minutes ..."
   quietly "build/$preset/build.log" cmake --build "build/$preset" --parallel "$jobs" \
     "${arguments[@]}" -- --quiet
+}
+
+# Usage: need_modules. What tests and the sample page use of the npm registry, in build/node; no browser is downloaded.
+need_modules() {
+  local folder=build/node
+  if ! cmp -s tests/web/package.json $folder/package.json || [ ! -d $folder/node_modules ]; then
+    mkdir -p $folder
+    say "Installing: $(awk -F'"' '/^    "/ { print $2 }' tests/web/package.json | tr '\n' ' ')"
+    rm -rf $folder/node_modules
+    cp tests/web/package.json $folder/package.json
+    quietly $folder/install.log npm install --prefix $folder --no-audit --no-fund --ignore-scripts
+  fi
 }
 
 # A private folder for toolkits that want one, removed when the script ends.

@@ -10,6 +10,7 @@
 #include "zrqrybld/grid/grid_columns.h"
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/hub/hub.h"
+#include "zrqrybld/hub/queries.h"
 #include "zrqrybld/platform/headless.h"
 #include "zrqrybld/platform/input.h"
 #include "zrqrybld/sql/sql_pane.h"
@@ -126,6 +127,7 @@ constexpr Named<Hear> kEvents[] = {
     ON("Info", s.hub->Info),
     ON("PropertyChanged", s.hub->PropertyChanged),
     ON("HistoryChanged", s.hub->HistoryChanged),
+    ON("QueriesChanged", s.hub->QueriesChanged),
 };
 
 constexpr Named<Act> kTriggers[] = {
@@ -143,6 +145,11 @@ constexpr Named<Act> kTriggers[] = {
     DO("remove joins", s.Table(1)->Relationships()->Clear()),
     DO("draw joins", s.Table(1)->Relationships()->Clear(); s.hub->RefreshAutoJoins()),
     DO("parse", s.Sql()->ParseSQLStatement("SELECT s.Boss, Count(o.Total) FROM Staff s, Orders o GROUP BY s.Boss")),
+    DO("parse several", s.Sql()->ParseSQLStatement("WITH w AS (SELECT Boss FROM Staff) SELECT w.Boss, d.Total FROM w, "
+                                                   "(SELECT Total FROM Orders) d UNION SELECT Boss, 1 FROM Staff")),
+    DO("query in FROM", s.hub->Queries()->Add(QueryDerivedTable)->Open(); s.hub->AddTable("Staff");
+       s.Item(1, 2)->SetChecked(true); s.hub->Queries()->Item(1)->Open(); s.hub->Queries()->Item(2)->SetName("other");
+       s.hub->Queries()->Item(2)->Remove()),
     DO("load", s.hub->LoadQuery(s.saved, true)),
     DO("save", s.hub->SaveQueryToText()),
     DO("undo and redo", s.hub->Undo(); s.hub->Redo()),
@@ -182,6 +189,9 @@ constexpr Named<Act> kActions[] = {
     DO("rename a column", s.Item(1, "Total")->SetText("Sum")),
     DO("join", s.Table(1)->Relationships()->Add(s.Last())->SetSourceItemIndex(2)),
     DO("remove joins", s.Table(1)->Relationships()->Clear()),
+    DO("add a query", s.hub->Queries()->Add(QueryCommonTable)),
+    DO("show a query", s.hub->Queries()->Item(s.hub->Queries()->Count())->Open()),
+    DO("remove a query", s.hub->Queries()->Item(s.hub->Queries()->Count())->Remove()),
     DO("clear rows", s.Rows()->Clear()),
     DO("remove a row", s.Rows()->Remove(1)),
     DO("remove rows", while (s.Rows()->Count() > 1) s.Rows()->Remove(1)),

@@ -342,6 +342,9 @@ class Script : public test::Player, public test::Designer {
       };
     };
     actions["handler"] = [this](const Words& w) { Handle(w[1]); };
+    actions["ors"] = [this](const Words& w) {
+      w[1] == "grow" ? grid->SetGrowOrColumns(true) : grid->SetOrColumns(std::stoi(w[1]));
+    };
     actions["group"] = [this](const Words& w) { grid->SetShowGroupBy(w[1] == "on"); };
     actions["width"] = [this](const Words& w) { grid->Grid()->Columns()->Item(w[1])->SetWidth(std::stof(w[2])); };
     actions["function"] = [this](const Words& w) {
@@ -378,6 +381,7 @@ class Script : public test::Player, public test::Designer {
     answers["rows"] = [this](auto&) { return Rows() + (LastRowIsEmpty() ? "" : " and no empty row"); };
     answers["row"] = [this](auto&) { return std::to_string(row_); };
     answers["count"] = [this](auto&) { return std::to_string(grid->RowCount()); };
+    answers["ors"] = [this](auto&) { return std::to_string(grid->OrColumns()); };
     answers["cell"] = [this](const std::string& of) { return Cell(std::stoi(of), of.substr(of.find(' ') + 1)); };
     answers["next"] = [this](const std::string& of) {
       return std::to_string(grid->NextSortOrder(of.empty() ? 0 : std::stoi(of)));

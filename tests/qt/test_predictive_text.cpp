@@ -10,8 +10,8 @@
 #include "tests/qt/pictures.h"
 #include "zrqrybld/adapters/qt/predictive_text.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
-#include "zrqrybld/adapters/qt/sql_highlighter.h"
 #include "zrqrybld/hub/hub.h"
+#include "zrqrybld/sql/highlighting.h"
 
 namespace zrqrybld {
 namespace {

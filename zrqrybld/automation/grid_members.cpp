@@ -47,6 +47,9 @@ constexpr Member kPane[] = {
     // Beyond the members above: the grid under the pane, and what a host without a form needs.
     ReadOnly<Pane, &Pane::Grid>("Grid"),
     Method<Pane, &Pane::OpenMenu>("OpenMenu"),
+    ReadWrite<Pane, &Pane::OrColumns, &Pane::SetOrColumns>("OrColumns"),
+    ReadWrite<Pane, &Pane::GrowOrColumns, &Pane::SetGrowOrColumns>("GrowOrColumns"),
+    Method<Pane, &Pane::AddOrColumn>("AddOrColumn"),
     Raised<Pane, &Pane::BeforeContextMenu>("BeforeContextMenu", "Row, Column, Menu"),
     Raised<Pane, &Pane::PropertyChanged>("PropertyChanged", "PropertyName"),
     Method<Pane, &ReadFrom<Pane>>("ReadProperties", "Bag"),

@@ -94,7 +94,7 @@ std::string Variant::Text() const {
       // The shortest text of the single, not of the double that holds it: 0.1, not 0.10000000149.
       char buffer[64];
       const auto result = std::to_chars(std::begin(buffer), std::end(buffer), std::get<float>(value_));
-      const std::string_view shortest(buffer, result.ptr);
+      const std::string_view shortest(buffer, static_cast<std::size_t>(result.ptr - buffer));
       const std::optional<double> number = ParseNumber(shortest);
       return number ? NumberText(*number) : std::string(shortest);
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 #include "zrqrybld/base/texts_diagram.h"
 #include "zrqrybld/diagram/diagram_scene.h"
@@ -15,6 +16,7 @@
 #include "zrqrybld/host/query_context.h"
 #include "zrqrybld/platform/dialogs.h"
 #include "zrqrybld/platform/toolkit.h"
+#include "zrqrybld/platform/while_alive.h"
 #include "zrqrybld/sql/rename.h"
 #include "zrqrybld/sql/source_rules.h"
 
@@ -78,13 +80,15 @@ void DiagramEdits::AskForAlias(const Ref<qbEntity>& entity) {
   const Ref<QueryContext> context = site_.Context();
   if (!context || !entity->EntityBox()) return;
   TextDialog dialog{context->source.Say(text::AliasCaption), context->source.Say(text::AliasLabel), entity->Caption()};
-  dialog.problem = [this, entity](const std::string& text) -> std::string {
+  dialog.problem = WhileAlive(site_.weak_from_this(), [this, entity](const std::string& text) -> std::string {
     if (text.find_first_not_of(' ') == std::string::npos) return Say(site_.Context(), text::AliasNeeded);
     const Ref<qbEntity> other = entities_.Item(text);
     return other && other != entity ? Say(site_.Context(), text::AliasTaken) : "";
+  });
+  const auto rename = [entity, problem = dialog.problem](const std::string& name) {
+    if (entity->EntityBox() && problem(name).empty()) entity->SetCaption(name);
   };
-  const std::optional<std::string> name = context->source.GetToolkit().GetDialogs().ShowTextPrompt(dialog);
-  if (name && entity->EntityBox() && dialog.problem(*name).empty()) entity->SetCaption(*name);
+  context->source.GetToolkit().GetDialogs().AskText(std::move(dialog), WhileAlive(site_.weak_from_this(), rename));
 }
 
 void DiagramEdits::TickColumns(const Ref<qbEntity>& entity, bool tick, bool onlyKeys) {

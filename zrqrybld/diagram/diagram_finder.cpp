@@ -13,6 +13,7 @@
 #include "zrqrybld/host/source_context.h"
 #include "zrqrybld/platform/dialogs.h"
 #include "zrqrybld/platform/toolkit.h"
+#include "zrqrybld/platform/while_alive.h"
 
 namespace zrqrybld {
 namespace {
@@ -114,14 +115,16 @@ void DiagramFinder::AskAndFind() {
   site_.FindWanted.Raise(isShown);
   if (isShown) return;
   TextDialog dialog{context->source.Say(text::FindCaption), context->source.Say(text::FindLabel), sought_};
-  dialog.problem = [this, context](const std::string& text) -> std::string {
+  dialog.problem = WhileAlive(site_.weak_from_this(), [this](const std::string& text) -> std::string {
     if (text.empty()) return " ";
-    return Names(text).empty() ? Say(context, text::FindNothing) : "";
-  };
-  const std::optional<std::string> part = context->source.GetToolkit().GetDialogs().ShowTextPrompt(dialog);
-  if (!part || part->empty()) return;
-  sought_ = *part;
-  Find(sought_, FindFrom::Next);
+    return Names(text).empty() ? Say(site_.Context(), text::FindNothing) : "";
+  });
+  context->source.GetToolkit().GetDialogs().AskText(std::move(dialog),
+                                                    WhileAlive(site_.weak_from_this(), [this](const std::string& part) {
+                                                      if (part.empty()) return;
+                                                      sought_ = part;
+                                                      Find(sought_, FindFrom::Next);
+                                                    }));
 }
 
 }  // namespace zrqrybld

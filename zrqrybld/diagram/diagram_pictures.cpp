@@ -15,6 +15,7 @@
 #include "zrqrybld/platform/dialogs.h"
 #include "zrqrybld/platform/svg_canvas.h"
 #include "zrqrybld/platform/toolkit.h"
+#include "zrqrybld/platform/while_alive.h"
 
 namespace zrqrybld {
 
@@ -57,16 +58,20 @@ void DiagramPictures::Save(const std::string& path) const {
 void DiagramPictures::AskToSave() const {
   const Ref<QueryContext> context = site_.Context();
   if (!context) return;
-  Dialogs& dialogs = context->source.GetToolkit().GetDialogs();
-  const std::string path = dialogs.ShowSaveFile(
+  context->source.GetToolkit().GetDialogs().AskSaveFile(
       {context->source.Say(text::SavePictureCaption),
        context->source.Say(text::PictureFileName),
-       {{context->source.Say(text::PngPictures), "png"}, {context->source.Say(text::SvgPictures), "svg"}}});
-  if (path.empty()) return;
+       {{context->source.Say(text::PngPictures), "png"}, {context->source.Say(text::SvgPictures), "svg"}}},
+      WhileAlive(site_.weak_from_this(), [this](const std::string& path) { SaveOrTell(path); }));
+}
+
+void DiagramPictures::SaveOrTell(const std::string& path) const {
+  const Ref<QueryContext> context = site_.Context();
+  if (!context) return;  // unlinked while the window was open
   try {
     Save(path);
   } catch (const Error& error) {
-    dialogs.ShowMessage(context->source.Say(error), MessageIcon::Critical);
+    context->source.GetToolkit().GetDialogs().ShowMessage(context->source.Say(error), MessageIcon::Critical);
   }
 }
 

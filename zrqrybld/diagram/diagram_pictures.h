@@ -32,6 +32,7 @@ class DiagramPictures {
   bool Copy() const;
 
  private:
+  void SaveOrTell(const std::string& path) const;
   Picture ToDraw() const;
 
   const DiagramSite& site_;

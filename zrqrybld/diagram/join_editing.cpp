@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,6 +24,7 @@
 #include "zrqrybld/host/step_context.h"
 #include "zrqrybld/platform/dialogs.h"
 #include "zrqrybld/platform/toolkit.h"
+#include "zrqrybld/platform/while_alive.h"
 #include "zrqrybld/sql/join_comparison.h"
 #include "zrqrybld/sql/join_condition.h"
 
@@ -212,14 +215,14 @@ void JoinEditor::Remove(const qbRelationship& join) const {
 
 }  // namespace
 
-bool EditJoin(QueryContext& context, qbRelationship& relationship,
-              const std::shared_ptr<frmExpressionZoom>& conditionForm) {
+void EditJoin(const Ref<QueryContext>& context, qbRelationship& relationship,
+              const std::shared_ptr<frmExpressionZoom>& conditionForm, std::function<void()> accepted) {
   const Ref<qbEntity> source = relationship.Source();
   const Ref<qbEntity> target = relationship.Target();
   const Ref<qbWholeJoin> whole = WholeOf(relationship);
-  if (!source || !target || !whole) return false;
+  if (!source || !target || !whole) return;
   const auto text = [&](LanguageIDEnum id) {
-    return NameTables(context.source.GetLanguageString(id), target->Caption(), source->Caption());
+    return NameTables(context->source.GetLanguageString(id), target->Caption(), source->Caption());
   };
   JoinDialog dialog;
   dialog.caption = text(LanguageJoinCaption);
@@ -233,20 +236,31 @@ bool EditJoin(QueryContext& context, qbRelationship& relationship,
   dialog.table2Checked = kind.allOfSource;
   dialog.table1 = target->Caption();
   dialog.table2 = source->Caption();
-  dialog.describe = [&](bool all1, bool all2) {
-    return context.source.Say(
+  const WeakRef<QueryContext> link(context);
+  dialog.describe = WhileAlive(link, [&shared = *context, source, target](bool all1, bool all2) {
+    return shared.source.Say(
         DescribeJoin(source->Caption(), target->Caption(), {.allOfTarget = all1, .allOfSource = all2}));
-  };
-  dialog.warning = [&](bool all1, bool all2) {
-    return all1 && all2 && !context.design.HasFullJoin() ? context.source.Say(text::NoFullJoin) : std::string();
-  };
-  JoinEditor editor(context, relationship, whole);
-  editor.Fill(dialog);
+  });
+  dialog.warning = WhileAlive(link, [&shared = *context](bool all1, bool all2) {
+    return all1 && all2 && !shared.design.HasFullJoin() ? shared.source.Say(text::NoFullJoin) : std::string();
+  });
+  // The window's functions hold the editor, and nothing of them runs without the designer.
+  const auto editor = std::make_shared<JoinEditor>(*context, relationship, whole);
+  editor->Fill(dialog);
+  dialog.problem =
+      WhileAlive(link, [editor, problem = std::move(dialog.problem)](const auto& pairs, const auto& condition) {
+        return problem(pairs, condition);
+      });
+  dialog.describeCondition = WhileAlive(link, [editor, describe = std::move(dialog.describeCondition)](
+                                                  bool all1, bool all2) { return describe(all1, all2); });
   dialog.conditionForm = conditionForm;
-  if (!context.source.GetToolkit().GetDialogs().ShowJoinProperties(dialog)) return false;
-  if (whole->Count() == 0) return false;  // it has gone while the window was open
-  editor.Apply(dialog);
-  return true;
+  const auto apply = [link, editor, whole, accepted = std::move(accepted)](const JoinDialog& answer) {
+    if (whole->Count() == 0) return;  // it has gone while the window was open
+    const StepScope step(link.lock(), kStepEditJoin);
+    editor->Apply(answer);
+    accepted();
+  };
+  context->source.GetToolkit().GetDialogs().AskJoinProperties(std::move(dialog), WhileAlive(link, apply));
 }
 
 }  // namespace zrqrybld

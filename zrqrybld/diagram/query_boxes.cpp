@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "zrqrybld/diagram/relationships.h"
-#include "zrqrybld/diagram/table_picker.h"
+#include "zrqrybld/diagram/type_kind.h"
 
 namespace zrqrybld {
 namespace {
@@ -63,13 +63,13 @@ std::vector<JoinEnd> EndsAt(const qbEntities& entities, const qbEntity& entity) 
 
 }  // namespace
 
-void ShowColumns(const qbEntities& entities, qbEntity& entity, const std::vector<QueryColumn>& columns,
+bool ShowColumns(const qbEntities& entities, qbEntity& entity, const std::vector<QueryColumn>& columns,
                  const qbDataTypes& types) {
   const std::vector<ItemState> items = ItemsFor(columns, types);
   qbEntityItems& shown = *entity.Items();
-  if (!entity.EntityBox()) return;
+  if (!entity.EntityBox()) return false;
   if (!entity.EntityBox()->IsQuery()) entity.EntityBox()->SetIsQuery(true);
-  if (ShowsAlready(shown, items)) return;
+  if (ShowsAlready(shown, items)) return false;
   const std::vector<JoinEnd> ends = EndsAt(entities, entity);
   std::unordered_set<std::string> ticked;
   for (const Ref<qbEntityItem>& item : shown) {
@@ -88,6 +88,27 @@ void ShowColumns(const qbEntities& entities, qbEntity& entity, const std::vector
       end.join->SetTargetItemIndex(index);
     }
   }
+  return true;
+}
+
+std::vector<std::string> TextsOf(const qbEntity& entity) {
+  std::vector<std::string> texts;
+  for (const Ref<qbEntityItem>& item : *entity.Items()) {
+    if (item->Text() != "*") texts.push_back(item->Text());
+  }
+  return texts;
+}
+
+void RenameItem(qbEntity& entity, const std::string& before, const std::string& after) {
+  std::vector<ItemState> items;
+  std::vector<bool> ticks;
+  for (const Ref<qbEntityItem>& item : *entity.Items()) {
+    items.push_back(item->State());
+    ticks.push_back(item->Checked());
+    if (items.back().text == before) items.back().text = items.back().key = after;
+  }
+  entity.Items()->Restore(items);
+  entity.EntityBox()->Rows().SetTicks(ticks);
 }
 
 }  // namespace zrqrybld

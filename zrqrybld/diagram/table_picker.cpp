@@ -9,6 +9,7 @@
 #include "zrqrybld/diagram/auto_joins.h"
 #include "zrqrybld/diagram/query_boxes.h"
 #include "zrqrybld/diagram/source_names.h"
+#include "zrqrybld/diagram/type_kind.h"
 #include "zrqrybld/host/connection_info.h"
 #include "zrqrybld/host/language_ids.h"
 #include "zrqrybld/host/query_context.h"
@@ -38,25 +39,6 @@ SchemaRestrictions RestrictionsFor(const std::vector<Identifier>& parts) {
 }
 
 }  // namespace
-
-TypeKind KindOfType(std::int32_t code) {
-  switch (ValueKindOf(code)) {
-    case ValueKind::Number:
-      return TypeKind::Number;
-    case ValueKind::Text:
-      return TypeKind::Text;
-    case ValueKind::Date:
-      return TypeKind::Date;
-    case ValueKind::Boolean:
-      return TypeKind::YesNo;
-    case ValueKind::Binary:
-      return TypeKind::Binary;
-    case ValueKind::Guid:
-    case ValueKind::Unknown:
-      break;
-  }
-  return TypeKind::Other;
-}
 
 // The first copy keeps its separators; later copies lose them, so that a number can follow.
 std::string TablePicker::FreshKey(const std::string& tableName) const {
@@ -276,15 +258,19 @@ void TablePicker::ShowTables() {
   dialog.closeButton = context_->source.GetLanguageString(LanguageTableCloseButton);
   dialog.tables = std::move(lists.tables);
   dialog.views = std::move(lists.views);
-  dialog.add = [this](const std::vector<std::string>& names, const TablesDialog::Progress& progress) {
+  // A window that nobody waits for may outlive this picker, and the designer.
+  dialog.add = [link = WeakRef<QueryContext>(context_)](const std::vector<std::string>& names,
+                                                        const TablesDialog::Progress& progress) {
     std::size_t added = 0;
+    const Ref<QueryContext> context = link.lock();
+    if (!context) return added;
     try {
-      AddTables(names, [&](std::size_t count) {
+      TablePicker(context).AddTables(names, [&](std::size_t count) {
         added = count;
         if (progress) progress(count);
       });
     } catch (const Error& error) {
-      context_->source.GetToolkit().GetDialogs().ShowMessage(context_->source.Say(error), MessageIcon::Critical);
+      context->source.GetToolkit().GetDialogs().ShowMessage(context->source.Say(error), MessageIcon::Critical);
     }
     return added;
   };

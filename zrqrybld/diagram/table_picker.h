@@ -42,9 +42,6 @@ struct SourceColumn {
   bool isKey = false;  ///< part of the primary key, as far as the source tells; filled by `ReadColumnsAndKeys` alone
 };
 
-/// What a column of this type shows in its box; `code` is a `DataTypeCode`.
-TypeKind KindOfType(std::int32_t code);
-
 class ZRQRYBLD_API TablePicker {
  public:
   explicit TablePicker(Ref<QueryContext> context) : context_(std::move(context)) {}

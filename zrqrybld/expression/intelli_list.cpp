@@ -5,6 +5,7 @@
 
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_expression.h"
+#include "zrqrybld/expression/column_values.h"
 #include "zrqrybld/expression/schema_cache.h"
 #include "zrqrybld/host/context_link.h"
 #include "zrqrybld/host/design_queries.h"
@@ -58,7 +59,52 @@ void qbIntelliList::Prepare() {
   markers_ = QueryMarkers(context->design.Snapshot());
 }
 
+void qbIntelliList::SetValues(std::shared_ptr<ColumnValues> values) {
+  values_ = std::move(values);
+  arrived_ = values_ ? EventConnection(values_->Arrived.Connect([this] { ValuesArrived(); })) : EventConnection();
+}
+
 SuggestionList qbIntelliList::Ask(std::string_view text, std::size_t caret) {
+  SuggestionList list = AskWords(text, caret);
+  showsValues_ = false;
+  if (wanted_) {
+    wanted_ = Wanted{std::string(text), caret};
+    AddValues(list, text, caret);
+  }
+  return list;
+}
+
+// Values come before words, and alone where the two would replace other parts of the text.
+void qbIntelliList::AddValues(SuggestionList& list, std::string_view text, std::size_t caret) {
+  const Ref<QueryContext> context = context_.lock();
+  const std::optional<ValuePlace> place = FindValuePlace(text, caret);
+  if (!context || !place) return;
+  std::vector<Suggestion> values = values_->Fitting(*place);
+  if (values.empty()) return;
+  for (Suggestion& value : values) {
+    if (value.asksDate) value.label = context->source.Say(text::ChooseDate);
+  }
+  if (list.from == place->from && list.to == place->to) std::ranges::move(list.items, std::back_inserter(values));
+  if (values.size() > kMostSuggestions) values.resize(kMostSuggestions);
+  showsValues_ = true;
+  list.from = place->from;
+  list.to = place->to;
+  list.typed = place->typed;
+  list.items = std::move(values);
+}
+
+// The entry that somebody has gone to stays the one that stands out.
+void qbIntelliList::ValuesArrived() {
+  if (!wanted_) return;
+  const Wanted wanted = *wanted_;
+  const std::string chosen = selected_ < 0 ? "" : list_.items[static_cast<std::size_t>(selected_)].insert;
+  SuggestionList list = Ask(wanted.text, wanted.caret);
+  const auto place = std::ranges::find(list.items, chosen, &Suggestion::insert);
+  const bool stays = selected_ >= 0 && place != list.items.end();
+  Show(std::move(list), stays ? place - list.items.begin() : 0);
+}
+
+SuggestionList qbIntelliList::AskWords(std::string_view text, std::size_t caret) {
   const Ref<QueryContext> context = context_.lock();
   if (!context) return {};
   const std::shared_ptr<SchemaCache> facts = context->design.Schema();
@@ -83,15 +129,25 @@ void qbIntelliList::OnTyped(std::string_view text, std::size_t caret, bool inser
     Close();
     return;
   }
-  // A condition may hold a value as it is typed, without quotes: nothing is taken there without being chosen.
-  const bool mayBeValue = kind_ == EditedText::Criterion && !list.member;
+  // A condition may hold a value as it is typed, without quotes: nothing is taken there without being chosen, or asked
+  // for.
+  const bool mayBeValue = kind_ == EditedText::Criterion && !list.member && !showsValues_;
   const bool select = !mayBeValue && (!list.mayBeName || list.typed.size() >= kSureOfAWord);
   Show(std::move(list), select ? 0 : -1);
 }
 
-void qbIntelliList::Open(std::string_view text, std::size_t caret) { Show(Ask(text, caret), 0); }
+// While values are on their way nothing stands out: they would come in under the hand that takes the first entry.
+void qbIntelliList::Open(std::string_view text, std::size_t caret) {
+  wanted_.reset();
+  if (values_) {
+    values_->Want();
+    wanted_.emplace();
+  }
+  Show(Ask(text, caret), values_ && values_->IsWaiting() ? -1 : 0);
+}
 
 void qbIntelliList::Close() {
+  wanted_.reset();
   if (IsOpen()) Show({}, -1);
 }
 
@@ -143,9 +199,22 @@ std::vector<ListEntry> qbIntelliList::Entries() const {
 
 void qbIntelliList::Accept(std::ptrdiff_t index) {
   if (index < 0 || index >= std::ssize(list_.items)) return;
-  const TextReplacement taken{list_.from, list_.to, ReadTemplate(list_.items[static_cast<std::size_t>(index)].insert)};
+  const Suggestion& item = list_.items[static_cast<std::size_t>(index)];
+  if (item.asksDate) return ChooseDate(item.insert);
+  const TextReplacement taken{list_.from, list_.to, ReadTemplate(item.insert)};
   Close();
   Accepted.Raise(taken);
+}
+
+void qbIntelliList::ChooseDate(const std::string& now) {
+  const std::size_t from = list_.from;
+  const std::size_t to = list_.to;
+  const std::string typed = now;  // the entry goes with the list
+  Close();
+  values_->ChooseDate(typed, [weak = weak_from_this(), from, to](const std::string& literal) {
+    const auto self = std::static_pointer_cast<qbIntelliList>(weak.lock());
+    if (self) self->Accepted.Raise({from, to, {literal, {}}});
+  });
 }
 
 }  // namespace zrqrybld

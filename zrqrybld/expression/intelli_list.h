@@ -20,6 +20,7 @@
 
 namespace zrqrybld {
 
+class ColumnValues;
 struct KeyEvent;
 struct QueryContext;
 
@@ -46,6 +47,8 @@ class ZRQRYBLD_API qbIntelliList final : public Object {
   void Prepare();
   /// Only these of the query's tables are offered, by their captions; without a call all are.
   void SetTables(std::vector<std::string> captions) { tables_ = std::move(captions); }
+  /// What the criterion's column is compared with; offered when the user asks for the list, as soon as it is known.
+  void SetValues(std::shared_ptr<ColumnValues> values);
   /// The user has changed the text; `inserted` says whether characters were typed. Caret and ranges are in bytes.
   void OnTyped(std::string_view text, std::size_t caret, bool inserted);
   /// The user asks for the list. It stays closed when nothing fits.
@@ -71,6 +74,10 @@ class ZRQRYBLD_API qbIntelliList final : public Object {
  private:
   qbIntelliList(const Ref<QueryContext>& context, EditedText kind) : context_(context), kind_(kind) {}
   SuggestionList Ask(std::string_view text, std::size_t caret);
+  SuggestionList AskWords(std::string_view text, std::size_t caret);
+  void AddValues(SuggestionList& list, std::string_view text, std::size_t caret);
+  void ValuesArrived();
+  void ChooseDate(const std::string& now);
   void Show(SuggestionList list, std::ptrdiff_t selected);
   bool MoveTo(std::ptrdiff_t index);
 
@@ -78,6 +85,15 @@ class ZRQRYBLD_API qbIntelliList final : public Object {
   EditedText kind_;
   std::vector<std::string> markers_;  // of the parameters that the query has
   std::optional<std::vector<std::string>> tables_;
+  std::shared_ptr<ColumnValues> values_;
+  EventConnection arrived_;
+  // What the values are offered for, from when the list is asked for until it closes.
+  struct Wanted {
+    std::string text;
+    std::size_t caret;
+  };
+  std::optional<Wanted> wanted_;
+  bool showsValues_ = false;
   SuggestionList list_;
   std::ptrdiff_t selected_ = -1;
 };

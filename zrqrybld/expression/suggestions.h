@@ -21,9 +21,10 @@ using SuggestionKind = EntryKind;
 
 struct Suggestion {
   SuggestionKind kind = SuggestionKind::Keyword;
-  std::string label;   ///< what the list shows
-  std::string insert;  ///< what is written, with "@" placeholders; names in quotes where they need them
-  std::string detail;  ///< shown beside the label: a column's table, a function's syntax; may be empty
+  std::string label;      ///< what the list shows
+  std::string insert;     ///< what is written, with "@" placeholders; names in quotes where they need them
+  std::string detail;     ///< shown beside the label: a column's table, a function's syntax; may be empty
+  bool asksDate = false;  ///< a date is chosen first, beginning at `insert`
 };
 
 struct SuggestionList {

@@ -13,6 +13,7 @@ bool NamesField(std::int32_t column) { return column == kColumnColumn || column 
 void qbGridPane::CellChanged(std::int32_t row, std::int32_t column) {
   if (NamesField(column)) fields_.Note(rows_.At(row));
   if (column == kColumnSortType || column == kColumnSortOrder) sorting_.Note(rows_.At(row));
+  alternatives_.CellChanged(rows_.At(row), column);
   if (rows_.IsBusy()) return;
   const Ref<QueryContext> context = rows_.Context();
   const StepScope step(context, kStepEditCell, CaptionOf(column));

@@ -1,4 +1,6 @@
 // What the grid pane does after a cell was edited, in place or in a window.
+#include <utility>
+
 #include "zrqrybld/expression/expression_builder.h"
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/host/context_link.h"
@@ -6,6 +8,7 @@
 #include "zrqrybld/host/step_context.h"
 #include "zrqrybld/platform/dialogs.h"
 #include "zrqrybld/platform/toolkit.h"
+#include "zrqrybld/platform/while_alive.h"
 #include "zrqrybld/sql/criteria_context.h"
 #include "zrqrybld/sql/criteria_formatter.h"
 
@@ -84,8 +87,10 @@ void qbGridPane::EditInWindow(bool builder) {
     form->SetReader([](std::string_view) {});  // a name, or a choice
   }
   ExpressionDialog dialog{form->Caption(), RowReader(*cells).Text(static_cast<std::size_t>(column)), form};
-  if (!context->source.GetToolkit().GetDialogs().ShowExpression(dialog) || cells->Index() == 0) return;
-  SetCellAsEdit(cells->Index(), column, dialog.text);
+  context->source.GetToolkit().GetDialogs().AskExpression(
+      std::move(dialog), WhileAlive(weak_from_this(), [this, cells, column](const ExpressionDialog& answer) {
+        if (cells->Index() != 0) SetCellAsEdit(cells->Index(), column, answer.text);
+      }));
 }
 
 void qbGridPane::SetCellAsEdit(std::int32_t row, std::int32_t column, const std::string& text) {

@@ -1,5 +1,7 @@
 #include "zrqrybld/grid/cell_rules.h"
 
+#include "zrqrybld/grid/cell_values.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -265,26 +267,7 @@ void CellRules::GroupByEdited(const Edit& edit) {
 // --- Criteria ---
 
 CriteriaContext CellRules::CriteriaOf(const QueryContext& context, const zrGridRow& row) const {
-  const FieldName field = FieldOf(row);
-  const Ref<qbEntities> entities = rows_.Entities();
-  const Ref<qbEntity> entity = entities ? entities->FindExactly(field.table) : nullptr;
-  const SnapshotType type = entity ? TypeOfColumn(*entity, field.column, *context.source.DataTypes()) : SnapshotType{};
-  const NameRules names = CurrentNameRules(context);
-  CriteriaContext rules = context.design.CriteriaRules();
-  rules.dataType = type.code;
-  rules.isLong = type.isLong;
-  rules.prefix = type.prefix;
-  rules.suffix = type.suffix;
-  rules.aggregate = grouping_.AggregateOf(row);
-  rules.quotePrefix = names.quotePrefix;
-  if (entities) {
-    rules.isColumn = [entities, names](const std::vector<std::string>& parts) {
-      std::string text;
-      for (const std::string& part : parts) text += (text.empty() ? "" : ".") + part;
-      return FindQualifiedField(*entities, text, names) || FindOnlyField(*entities, text, names);
-    };
-  }
-  return rules;
+  return CriteriaRulesOf(context, FieldOf(row), grouping_.AggregateOf(row));
 }
 
 void CellRules::CriterionEdited(const Edit& edit) {

@@ -114,6 +114,8 @@ Menu GridPaneMenu::ColumnEntries(std::size_t column) const {
                       if (isShown(each)) grid_.FitColumn(each->Index(), kNarrowest);
                     }
                   }});
+  menu.push_back({Say(pane_.rows_.Context(), text::MenuAddOrColumn), "", [*this] { pane_.AddOrColumn(); },
+                  pane_.OrColumns() < kMostOrColumns});
   menu.push_back(MenuEntry::Separator());
   for (const Ref<zrGridColumn>& each : columns) {
     const bool is = isShown(each);

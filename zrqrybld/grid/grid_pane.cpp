@@ -8,6 +8,7 @@
 #include "zrqrybld/base/texts_grid.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/expression/intelli_list.h"
+#include "zrqrybld/grid/cell_values.h"
 #include "zrqrybld/host/query_context.h"
 #include "zrqrybld/platform/dialogs.h"
 #include "zrqrybld/platform/stored_values.h"
@@ -23,6 +24,8 @@ struct GridPaneOptions : DateOptions {
   bool showGroupBy = true;
   bool customContextMenu = false;
   Font font;
+  std::int32_t orColumns = kFirstOrColumns;
+  bool growOrColumns = false;
 };
 
 using F = GridPaneOptions;
@@ -32,6 +35,8 @@ constexpr StoredTable kStored = {
     Stored<F, &F::showGroupBy>("ShowGroupBy"),  // this and those below are kept in the grid
     Stored<F, &F::customContextMenu>("CustomContextMenu"),
     Stored<F, &F::font>("Font", kStoredAlways),
+    Stored<F, &F::orColumns>("OrColumns"),
+    Stored<F, &F::growOrColumns>("GrowOrColumns"),
 };
 
 // Files and forms always hold a format: the first one is nobody's choice.
@@ -40,13 +45,6 @@ bool IsChosen(const std::string& format) { return format != DateOptions().format
 // Whether a text that is dropped may name a field.
 bool IsFieldText(const std::string& text) {
   return text.find_first_of("\r\n") == std::string::npos && !TrimWhite(text).empty() && !text.ends_with('.');
-}
-
-// Nothing for cells that hold names and choices.
-Ref<qbIntelliList> SuggestionsFor(const WeakRef<QueryContext>& link, std::int32_t column) {
-  const Ref<QueryContext> context = link.lock();
-  if (!context || (column != kColumnColumn && column < kColumnCriteria)) return nullptr;
-  return qbIntelliList::Create(context, column == kColumnColumn ? EditedText::Expression : EditedText::Criterion);
 }
 
 }  // namespace
@@ -123,12 +121,28 @@ void qbGridPane::ConnectGrid() {
 
 void qbGridPane::SetContext(const Ref<QueryContext>& context) {
   rows_.SetContext(context);
-  // The grid may live longer than the pane: it knows the context only.
-  grdPane_->SetSuggestionSource([link = rows_.Link()](std::int32_t column) { return SuggestionsFor(link, column); });
+  // The grid may live longer than the pane.
+  grdPane_->SetSuggestionSource([weak = weak_from_this()](std::int32_t column) {
+    const auto pane = std::static_pointer_cast<qbGridPane>(weak.lock());
+    return pane ? pane->SuggestionsFor(column) : nullptr;
+  });
   if (!context) return;
   ApplyGridCaptions();
   ApplyAliasMaxLen();
   RefreshTableList();
+}
+
+// Nothing for cells that hold names and choices.
+Ref<qbIntelliList> qbGridPane::SuggestionsFor(std::int32_t column) {
+  const Ref<QueryContext> context = rows_.Context();
+  if (!context || (column != kColumnColumn && column < kColumnCriteria)) return nullptr;
+  const bool isCriterion = column != kColumnColumn;
+  const Ref<qbIntelliList> list =
+      qbIntelliList::Create(context, isCriterion ? EditedText::Criterion : EditedText::Expression);
+  if (!isCriterion || Row() == 0) return list;
+  const zrGridRow& row = rows_.At(Row());
+  list->SetValues(ValuesFor(context, FieldOf(row), rules_.CriteriaOf(*context, row), values_));
+  return list;
 }
 
 Ref<qbQueryBuilder> qbGridPane::QueryBuilder() const {
@@ -178,6 +192,24 @@ void qbGridPane::SetCustomContextMenu(bool custom) {
   PropertyChanged.Raise(StoredKey<&F::customContextMenu>(kStored));
 }
 
+void qbGridPane::SetOrColumns(std::int32_t count) {
+  alternatives_.Set(count);
+  PropertyChanged.Raise(StoredKey<&F::orColumns>(kStored));
+}
+
+void qbGridPane::SetGrowOrColumns(bool grow) {
+  alternatives_.SetGrows(grow);
+  PropertyChanged.Raise(StoredKey<&F::growOrColumns>(kStored));
+}
+
+bool qbGridPane::AddOrColumn() {
+  const std::int32_t before = OrColumns();
+  SetOrColumns(before + 1);
+  if (OrColumns() == before) return false;
+  if (Row() > 0) grdPane_->GotoRowCol(Row(), kColumnCriteria + OrColumns());
+  return true;
+}
+
 void qbGridPane::ReadProperties(const PropertyStore& store) {
   GridPaneOptions stored;
   ReadStored(kStored, store, stored);
@@ -186,11 +218,14 @@ void qbGridPane::ReadProperties(const PropertyStore& store) {
   grdPane_->SetCustomContextMenu(stored.customContextMenu);
   grdPane_->SetFont(stored.font);
   grouping_.Apply(stored.showGroupBy);
+  alternatives_.SetGrows(stored.growOrColumns);
+  alternatives_.Set(stored.orColumns);
   rows_.ReportChange();
 }
 
 void qbGridPane::WriteProperties(PropertyStore& store) const {
-  WriteStored(kStored, store, {dates_, ShowGroupBy(), CustomContextMenu(), Font()});
+  WriteStored(kStored, store,
+              {dates_, ShowGroupBy(), CustomContextMenu(), Font(), alternatives_.Least(), GrowOrColumns()});
 }
 
 // --- Captions and lengths ---
@@ -202,6 +237,7 @@ void qbGridPane::ApplyGridCaptions() {
   for (const GridColumnRow& row : kGridColumns) {
     grdPane_->Columns()->Item(std::string(row.key))->SetCaption(Say(context, TextId{row.caption}));
   }
+  alternatives_.ApplyCaption(Say(context, TextId{LanguageGridOr}));
 }
 
 void qbGridPane::ApplyAliasMaxLen() {
@@ -240,6 +276,7 @@ void qbGridPane::ResetRows() {
   grdPane_->Rows()->Clear();
   fields_.Clear();
   sorting_.Clear();
+  alternatives_.Fit();
   for (int i = 0; i < kInitialRows; ++i) rows_.AddEmpty();
 }
 
@@ -301,7 +338,11 @@ void qbGridPane::AddRows(const std::vector<QueryRow>& rows) {
   const StepScope step(rows_.Context(), kStepAddColumns);
   {
     const auto busy = rows_.Busy();
+    std::size_t widest = 0;
+    for (const QueryRow& row : rows) widest = std::max(widest, row.criteria.size());
+    alternatives_.Ensure(static_cast<std::int32_t>(widest) - 1);
     output_.AddRows(rows);
+    alternatives_.Fit();
   }
   rows_.ReportChange();
 }

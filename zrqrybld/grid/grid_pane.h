@@ -6,9 +6,11 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "zrqrybld/base/event.h"
@@ -17,13 +19,16 @@
 #include "zrqrybld/grid/cell_rules.h"
 #include "zrqrybld/grid/field_output.h"
 #include "zrqrybld/grid/grid.h"
+#include "zrqrybld/grid/or_columns.h"
 #include "zrqrybld/host/date_format.h"
 #include "zrqrybld/platform/menu.h"
 #include "zrqrybld/platform/property_store.h"
 
 namespace zrqrybld {
 
+class qbIntelliList;
 class qbQueryBuilder;
+class ValueSource;
 struct QueryContext;
 
 class ZRQRYBLD_API qbGridPane final : public Object {
@@ -116,6 +121,21 @@ class ZRQRYBLD_API qbGridPane final : public Object {
   bool CustomContextMenu() const { return grdPane_->CustomContextMenu(); }
   void SetCustomContextMenu(bool custom);
 
+  /// How many alternatives there are columns for behind "criteria"; 3 at first, and at least. What is typed, applied or
+  /// loaded brings as many as it needs, up to 100.
+  std::int32_t OrColumns() const { return alternatives_.Count(); }
+  /// Values below 3 or above 100 count as these; a column that holds something stays.
+  void SetOrColumns(std::int32_t count);
+  /// Whether an empty OR column always follows the last one that holds something; False at first.
+  bool GrowOrColumns() const { return alternatives_.Grows(); }
+  void SetGrowOrColumns(bool grow);
+  /// One OR column more, which becomes the current one in the current row; False when there are 100.
+  bool AddOrColumn();
+
+  /// Who is asked for the values of a column when somebody wants them in a criterion (Ctrl+Space); nothing at first:
+  /// then no data is read.
+  void SetValueSource(std::shared_ptr<ValueSource> source) { values_ = std::move(source); }
+
   // --- Stored properties ---
 
   /// A property was set: its key. The container marks it as changed.
@@ -182,6 +202,8 @@ class ZRQRYBLD_API qbGridPane final : public Object {
   /// Replaces all rows by those of a saved query, without the rules of editing. One empty row follows them, and the
   /// boxes are ticked as the rows output. Error 40005 for an "output" that is no truth.
   void LoadRows(const std::vector<LoadedCell>& cells);
+  /// The position of the column that a saved query calls so; an OR column is made. Error 9 when there is none.
+  std::size_t ColumnOfKey(std::string_view key) { return alternatives_.PositionOf(key); }
   /// A sorted row of a saved query, which exists, says where its Nulls come.
   void LoadNullsPlace(std::int32_t row, NullsPlace nulls);
   /// How dates are written, and whether somebody chose it; the way back makes them so again.
@@ -208,6 +230,7 @@ class ZRQRYBLD_API qbGridPane final : public Object {
   qbGridPane() = default;
   void CreateColumns();
   void ConnectGrid();
+  Ref<qbIntelliList> SuggestionsFor(std::int32_t column);
   bool IsLocked(GridColumnIndex column) const;
   void SetLock(GridColumnIndex column, bool lock);
   std::string CaptionOf(std::int32_t column) const;
@@ -233,8 +256,10 @@ class ZRQRYBLD_API qbGridPane final : public Object {
   FieldRows fields_{rows_};
   SortPlaces sorting_{rows_};
   GroupByColumn grouping_{rows_};
+  AlternativeColumns alternatives_{rows_};
   FieldOutput output_{rows_, fields_, grouping_};
   CellRules rules_{rows_, sorting_, grouping_, AfterEditExpressionFormat};
+  std::shared_ptr<ValueSource> values_;
   std::vector<EventConnection> links_;
   DateOptions dates_;
   FieldName before_;  // what the row named before the change that is going on

@@ -18,6 +18,7 @@ void qbGridPane::LoadRows(const std::vector<LoadedCell>& cells) {
       LoadCell(cell);
     }
     rows_.EnsureEmptyLast();
+    alternatives_.Fit();
     output_.FollowAll();
   }
   rows_.ReportChange();
@@ -55,6 +56,7 @@ void qbGridPane::Restore(const std::vector<SharedRowContent>& then) {
   const auto end = then.end() - static_cast<std::ptrdiff_t>(behind);
   if (begin == end && count == then.size()) return;
   const auto busy = rows_.Busy();
+  alternatives_.Ensure(AlternativeColumns::NeededBy({begin, end}));
   fields_.Shifted(static_cast<std::int32_t>(same) + 1);
   rows.Restore(same + 1, count - same - behind, {begin, end});
   // Listeners have been told of the current cell by now, and may have changed rows.
@@ -63,6 +65,7 @@ void qbGridPane::Restore(const std::vector<SharedRowContent>& then) {
     fields_.Note(row);
     if (RowReader(row).HasSort()) sorting_.Note(row);
   }
+  alternatives_.Fit();
   currentText_ = grdPane_->Row() == 0
                      ? std::string()
                      : RowReader(rows_.At(grdPane_->Row())).Text(static_cast<std::size_t>(grdPane_->Column()));

@@ -81,12 +81,13 @@ void qbQueryBuilder::GoToCriterion(const std::string& entityCaption, const std::
 namespace {
 
 // Most rows say nothing while the query does not group.
-bool SaysSomething(const RowReader& row, bool grouped) {
-  return grouped || !row.IsBlank(kColumnSortType) || row.HasCriteria(kColumnOr3);
+bool SaysSomething(const RowReader& row, bool grouped, std::size_t lastColumn) {
+  return grouped || !row.IsBlank(kColumnSortType) || row.HasCriteria(lastColumn);
 }
 
 // What a row of the grid says about its column, besides what its other rows have said.
-void AddTo(ColumnNote& note, const RowReader& row, bool grouped, const qbDBFunctions& functions) {
+void AddTo(ColumnNote& note, const RowReader& row, bool grouped, std::size_t lastColumn,
+           const qbDBFunctions& functions) {
   const SortDirection sort = row.Direction();
   if (sort != SortDirection::None) {
     note.sort = sort == SortDirection::Ascending ? 1 : -1;
@@ -94,7 +95,7 @@ void AddTo(ColumnNote& note, const RowReader& row, bool grouped, const qbDBFunct
   }
   // A condition on rows is seen by its sign.
   if (grouped && row.Grouping(&functions).kind != GroupingKind::Where) note.aggregate = row.Text(kColumnGroupBy);
-  note.filtered = note.filtered || row.HasCriteria(kColumnOr3);
+  note.filtered = note.filtered || row.HasCriteria(lastColumn);
 }
 
 }  // namespace
@@ -105,16 +106,17 @@ void qbQueryBuilder::NoteColumns() {
   const Ref<qbEntities> entities = Entities();
   const std::int32_t count = entities && gridPane_ ? gridPane_->RowCount() : 0;
   const bool grouped = gridPane_ && gridPane_->ShowGroupBy();
+  const auto lastColumn = static_cast<std::size_t>(gridPane_ ? gridPane_->ColumnCount() : 0);
   for (std::int32_t i = 1; i <= count; ++i) {
     const zrGridRow& row = gridPane_->Grid()->Rows()->At(static_cast<std::size_t>(i));
     const RowReader reader(row);
-    if (!SaysSomething(reader, grouped)) continue;
+    if (!SaysSomething(reader, grouped, lastColumn)) continue;
     const std::string* table = row.ValueAt(kColumnTable).StringIf();
     const std::string* column = row.ValueAt(kColumnColumn).StringIf();
     const Ref<qbEntity> entity = table && column && !table->empty() ? entities->FindExactly(*table) : nullptr;
     const Ref<qbEntityItem> item = entity ? entity->Items()->Item(*column) : nullptr;
     const Ref<BoxRow> shown = item ? entity->EntityBox()->Rows().At(static_cast<std::size_t>(item->Index())) : nullptr;
-    if (shown) AddTo(notes[shown], reader, grouped, *DBFunctions());
+    if (shown) AddTo(notes[shown], reader, grouped, lastColumn, *DBFunctions());
   }
   for (const WeakRef<BoxRow>& before : std::exchange(noted_, {})) {
     const Ref<BoxRow> row = before.lock();

@@ -33,6 +33,7 @@ class BoxRow;
 class Connection;
 class History;
 class PropertyStore;
+class QueryFileReader;
 class SchemaCache;
 class StringCollection;
 class Toolkit;
@@ -59,9 +60,11 @@ struct DesignOptions;
 struct Dialect;
 struct ExtraConditions;
 struct GeneratedQuery;
+struct InnerQueryInFile;
 struct QueryColumn;
 struct QuerySet;
 struct QuerySnapshot;
+struct QueryTree;
 struct ReadQuery;
 struct StepLabel;
 struct StoredQuery;
@@ -331,6 +334,8 @@ class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
   /// Lets the user build a connection string, with the data sources of all providers to choose from. "" when cancelled.
   /// Nothing is connected.
   std::string PromptForConnection();
+  /// The same for toolkits whose windows do not wait: `accepted` is called when the user has accepted one.
+  void AskForConnection(std::function<void(const std::string& connectionString)> accepted);
 
   /// A question about the data source and its answer, Empty when it has none.
   struct DataSourceQuestion {
@@ -382,7 +387,12 @@ class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
 
   // --- What `Queries` does ---
 
+  /// All of them, with the one that is shown.
   const QuerySet& QueriesNow() const;
+  /// The text of one, with those that belong to it; "" where the dialect cannot say it.
+  std::string StatementOf(std::int32_t id) const;
+  /// Calls back with a designer whose panes show the query: this one, or one without a window that holds a copy.
+  void VisitQuery(std::int32_t id, const std::function<void(qbQueryBuilder&)>& visit);
   /// Shows the query in the panes; no step. False when there is none with this id; error 5 while a step is going on.
   bool ShowQuery(std::int32_t id);
   /// Adds a query to the one that is shown: its id. It gets a name that is free.
@@ -430,14 +440,20 @@ class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
   DesignChange CurrentChange() const;
   template <class Pane>
   void Link(Ref<Pane>& place, const Ref<Pane>& pane, void (qbQueryBuilder::*set)(const Ref<Pane>&));
+  QueryTree TreeOf(std::int32_t id) const;
+  std::vector<QueryColumn> OutputsOfShown(const QuerySnapshot& snapshot) const;
   Design TakeDesign() const;
   void StoreShown();
   void PutIntoPanes(const StoredQuery& query);
   void TouchQueries();
   void SwitchTo(std::int32_t id);
   void FollowQueries();
+  void KnowShown(Design design);
   void DropUnnamedQueries();
+  void DropInnerQueries();
+  void ForEachOther(const std::function<void()>& work);
   void LoadQueries(ReadQuery& main);
+  bool ReadWithInner(QueryFileReader& reader, std::string_view text, const std::vector<InnerQueryInFile>& inner);
   void LoadOneQuery(ReadQuery& read);
   void RestoreQueries(const QuerySet& now, const QuerySet& then);
   void OutputTicked();

@@ -1,8 +1,10 @@
 #include "zrqrybld/hub/parameter_form.h"
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <unordered_map>
+#include <utility>
 
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/text.h"
@@ -14,6 +16,7 @@
 #include "zrqrybld/hub/hub.h"
 #include "zrqrybld/platform/dialogs.h"
 #include "zrqrybld/platform/toolkit.h"
+#include "zrqrybld/platform/while_alive.h"
 #include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
@@ -29,9 +32,12 @@ class ParameterForm {
  public:
   ParameterForm(qbQueryBuilder& hub, std::string_view sql);
 
-  std::optional<std::vector<ParameterValue>> Ask();
+  using Accepted = std::function<void(std::vector<ParameterValue>)>;
+  /// The window's functions hold the form, and nothing of them runs without the hub.
+  static void Ask(const std::shared_ptr<ParameterForm>& form, Accepted accepted);
 
  private:
+  void Answer(const ParametersDialog& answer, const Accepted& accepted);
   void AddMarker(const qbParameter& parameter);
   ParameterValue ValueOf(std::size_t question, const std::string& typed) const;
   std::vector<ParameterValue> Values(const std::vector<std::string>& typed) const;
@@ -39,9 +45,9 @@ class ParameterForm {
   std::string Statement(const std::vector<std::string>& typed) const;
 
   qbQueryBuilder& hub_;
-  std::string_view sql_;
+  const std::string sql_;
   LiteralRules rules_;
-  ParametersDialog dialog_;
+  std::vector<ParameterField> fields_;
   std::vector<Question> questions_;                          // one a field
   std::vector<std::size_t> ofMarker_;                        // the question of each marker
   std::unordered_map<std::string, std::size_t> questionOf_;  // by key
@@ -73,13 +79,13 @@ void ParameterForm::AddMarker(const qbParameter& parameter) {
   field.fallback = TypedDefault(parameter.Default.Text());
   const auto remembered = hub_.RememberedValues().find(key);
   field.value = remembered != hub_.RememberedValues().end() ? remembered->second : field.fallback;
-  dialog_.fields.push_back(std::move(field));
+  fields_.push_back(std::move(field));
 }
 
 // A value that is left blank is the default, as far as there is one.
 ParameterValue ParameterForm::ValueOf(std::size_t question, const std::string& typed) const {
-  const bool blank = TrimWhite(typed).empty() && !dialog_.fields[question].fallback.empty();
-  return {.text = blank ? dialog_.fields[question].fallback : typed, .type = questions_[question].type};
+  const bool blank = TrimWhite(typed).empty() && !fields_[question].fallback.empty();
+  return {.text = blank ? fields_[question].fallback : typed, .type = questions_[question].type};
 }
 
 std::vector<ParameterValue> ParameterForm::Values(const std::vector<std::string>& typed) const {
@@ -109,33 +115,51 @@ std::string ParameterForm::Statement(const std::vector<std::string>& typed) cons
   return PutInLiterals(sql_, values, rules_);
 }
 
-std::optional<std::vector<ParameterValue>> ParameterForm::Ask() {
-  if (questions_.empty()) return std::vector<ParameterValue>();
-  dialog_.caption = hub_.GetLanguageString(LanguageParametersCaption);
-  dialog_.statementLabel = hub_.GetLanguageString(LanguageParametersStatement);
-  dialog_.acceptButton = hub_.GetLanguageString(LanguageParametersAcceptButton);
-  dialog_.cancelButton = hub_.GetLanguageString(LanguageParametersCancelButton);
-  dialog_.problem = [this](std::size_t field, const std::string& value) { return Problem(field, value); };
-  dialog_.statement = [this](const std::vector<std::string>& values) { return Statement(values); };
-  if (!hub_.GetToolkit().GetDialogs().ShowParameters(dialog_)) return std::nullopt;
+void ParameterForm::Ask(const std::shared_ptr<ParameterForm>& form, Accepted accepted) {
+  if (form->questions_.empty()) return accepted({});
+  const qbQueryBuilder& hub = form->hub_;
+  const std::weak_ptr<Object> link = form->hub_.weak_from_this();
+  ParametersDialog dialog;
+  dialog.fields = form->fields_;
+  dialog.caption = hub.GetLanguageString(LanguageParametersCaption);
+  dialog.statementLabel = hub.GetLanguageString(LanguageParametersStatement);
+  dialog.acceptButton = hub.GetLanguageString(LanguageParametersAcceptButton);
+  dialog.cancelButton = hub.GetLanguageString(LanguageParametersCancelButton);
+  dialog.problem =
+      WhileAlive(link, [form](std::size_t field, const std::string& value) { return form->Problem(field, value); });
+  dialog.statement =
+      WhileAlive(link, [form](const std::vector<std::string>& values) { return form->Statement(values); });
+  form->hub_.GetToolkit().GetDialogs().AskParameters(
+      std::move(dialog), WhileAlive(link, [form, accepted = std::move(accepted)](const ParametersDialog& answer) {
+        form->Answer(answer, accepted);
+      }));
+}
 
+void ParameterForm::Answer(const ParametersDialog& answer, const Accepted& accepted) {
   std::vector<std::string> typed;
-  for (const ParameterField& field : dialog_.fields) typed.push_back(field.value);
+  for (const ParameterField& field : answer.fields) typed.push_back(field.value);
   const std::vector<Phrase> problems = ProblemsOf(sql_, Values(typed), rules_);
   for (std::size_t i = 0; i < problems.size(); ++i) {
-    const std::string& prompt = dialog_.fields[ofMarker_[i]].prompt;
+    const std::string& prompt = fields_[ofMarker_[i]].prompt;
     if (!problems[i].Empty()) throw Error(ErrorInvalidPropertyValue, Phrase(text::AboutValue, prompt, problems[i]));
   }
   for (std::size_t i = 0; i < questions_.size(); ++i) {
     if (!questions_[i].key.empty()) hub_.RememberedValues().insert_or_assign(questions_[i].key, typed[i]);
   }
-  return Values(typed);
+  accepted(Values(typed));
 }
 
 }  // namespace
 
+void AskParameters(qbQueryBuilder& hub, std::string_view sql,
+                   std::function<void(std::vector<ParameterValue>)> accepted) {
+  ParameterForm::Ask(std::make_shared<ParameterForm>(hub, sql), std::move(accepted));
+}
+
 std::optional<std::vector<ParameterValue>> AskParameters(qbQueryBuilder& hub, std::string_view sql) {
-  return ParameterForm(hub, sql).Ask();
+  const auto given = std::make_shared<std::optional<std::vector<ParameterValue>>>();
+  AskParameters(hub, sql, [given](std::vector<ParameterValue> values) { *given = std::move(values); });
+  return std::move(*given);
 }
 
 std::string qbQueryBuilder::AskParameters(const std::string& sql) {

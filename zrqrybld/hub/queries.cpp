@@ -7,8 +7,6 @@
 #include "zrqrybld/base/texts_queries.h"
 #include "zrqrybld/hub/hub.h"
 #include "zrqrybld/hub/query_set.h"
-#include "zrqrybld/sql/generator.h"
-#include "zrqrybld/sql/query_text.h"
 
 namespace zrqrybld {
 
@@ -57,11 +55,7 @@ Ref<qbQuery> qbQuery::Parent() const {
 
 std::string qbQuery::SQLStatement() const {
   Facts();
-  const Ref<qbQueryBuilder> hub = Hub();
-  const std::optional<GeneratedQuery> whole = hub->WholeStatement({});
-  if (!whole) return GenerateSelect(hub->Snapshot(), hub->CurrentDialect()).text;
-  const auto part = std::ranges::find(whole->parts, id_, &QueryPart::id);
-  return part == whole->parts.end() ? std::string() : whole->text.substr(part->begin, part->end - part->begin);
+  return Hub()->StatementOf(id_);
 }
 
 void qbQuery::Open() {

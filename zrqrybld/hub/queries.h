@@ -46,7 +46,7 @@ class ZRQRYBLD_API qbQuery final : public Object {
   /// The query that it belongs to; nothing for the main query.
   Ref<qbQuery> Parent() const;
 
-  /// Its own part of the statement; "" where the dialect cannot say it.
+  /// Its own text, with those that belong to it; "" where the dialect cannot say it.
   std::string SQLStatement() const;
 
   /// Shows it in the panes: no step. Error 5 while a step is going on.

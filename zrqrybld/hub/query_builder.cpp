@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <functional>
+#include <memory>
+#include <utility>
 
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_diagram.h"
@@ -27,6 +29,7 @@
 #include "zrqrybld/platform/provider.h"
 #include "zrqrybld/platform/text_reading.h"
 #include "zrqrybld/platform/toolkit.h"
+#include "zrqrybld/platform/while_alive.h"
 #include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/dialect_functions.h"
 #include "zrqrybld/sql/join_condition.h"
@@ -59,9 +62,12 @@ void qbQueryBuilder::AboutBox() {
 // --- Connection ---
 
 std::string qbQueryBuilder::Connect() {
-  const std::string connectionString = PromptForConnection();
-  if (!connectionString.empty()) Connect(connectionString, ConnectionOrigin::Person);
-  return connectionString;
+  const auto chosen = std::make_shared<std::string>();
+  AskForConnection([this, chosen](const std::string& connectionString) {
+    *chosen = connectionString;
+    Connect(connectionString, ConnectionOrigin::Person);
+  });
+  return *chosen;
 }
 
 std::optional<Error> qbQueryBuilder::RefusalOf(const std::string& connectionString, ConnectionOrigin origin) {
@@ -97,12 +103,19 @@ std::string qbQueryBuilder::TryConnection(const std::string& connectionString) {
 }
 
 std::string qbQueryBuilder::PromptForConnection() {
+  const auto chosen = std::make_shared<std::string>();
+  AskForConnection([chosen](const std::string& connectionString) { *chosen = connectionString; });
+  return *chosen;
+}
+
+void qbQueryBuilder::AskForConnection(std::function<void(const std::string&)> accepted) {
   ConnectionDialog dialog;
   for (DataSourceName& configured : GetToolkit().Providers()->DataSources()) {
     dialog.dataSources.push_back(std::move(configured.name));
   }
-  dialog.test = [this](const std::string& connectionString) { return TryConnection(connectionString); };
-  return GetToolkit().GetDialogs().ShowConnectionPrompt(dialog);
+  dialog.test = WhileAlive(weak_from_this(),
+                           [this](const std::string& connectionString) { return TryConnection(connectionString); });
+  GetToolkit().GetDialogs().AskConnection(std::move(dialog), WhileAlive(weak_from_this(), std::move(accepted)));
 }
 
 namespace {
@@ -233,12 +246,18 @@ bool qbQueryBuilder::ShowJoinProperties(const Ref<qbRelationship>& relationship)
   const Ref<qbEntity> from = relationship->Source();
   const Ref<qbEntity> to = relationship->Target();
   const bool selected = diagramPane_ && DiagramPane()->SelectedObject() == relationship;
-  if (!EditJoin(*this, *relationship, FormForCondition(RefTo(*this), *relationship))) return false;
-  // Its own pair may be the one that was taken out: the join stays selected.
-  const Ref<qbWholeJoin> whole = selected ? DiagramPane()->WholeJoins()->Between(from, to) : nullptr;
-  if (whole && !DiagramPane()->SelectedObject()) DiagramPane()->SelectObject(whole->First());
-  QueryChanged();
-  return true;
+  const auto accepted = std::make_shared<bool>(false);
+  const auto goOn = [this, from, to, selected, accepted] {
+    *accepted = true;
+    // Its own pair may be the one that was taken out: the join stays selected.
+    const Ref<qbDiagramPane> pane = selected ? DiagramPane() : nullptr;
+    const Ref<qbWholeJoin> whole = pane ? pane->WholeJoins()->Between(from, to) : nullptr;
+    if (whole && !pane->SelectedObject()) pane->SelectObject(whole->First());
+    QueryChanged();
+  };
+  const Ref<qbQueryBuilder> self = RefTo(*this);
+  EditJoin(self, *relationship, FormForCondition(self, *relationship), goOn);
+  return *accepted;
 }
 
 void qbQueryBuilder::RefreshAutoJoins() { RefreshRelationships(RefTo(*this)); }
@@ -366,6 +385,7 @@ void qbQueryBuilder::LikeOperatorChanged(const std::string& before) {
   if (!gridPane_ || steps.InStep()) return;
   const StepScope step(RefTo(*this), kStepEditCells);
   gridPane_->RewriteLike(before);
+  ForEachOther([&] { gridPane_->RewriteLike(before); });
 }
 
 std::string qbQueryBuilder::DateFormat() const { return gridPane_ ? gridPane_->DateFormat() : "dd-mmm-yyyy"; }
@@ -449,6 +469,7 @@ void qbQueryBuilder::RefreshTableList(std::int32_t from) {
 }
 
 void qbQueryBuilder::DiagramCleared() {
+  DropInnerQueries();
   if (gridPane_) GridPane()->ResetRows();
   if (sqlPane_) {
     sqlPane_->QueryReplaced();

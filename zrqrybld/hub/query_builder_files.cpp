@@ -1,10 +1,15 @@
 // The query's way into a file and back.
+#include <functional>
+#include <unordered_map>
+
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/file.h"
+#include "zrqrybld/base/scoped_value.h"
 #include "zrqrybld/base/texts_hub.h"
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/host/step_context.h"
 #include "zrqrybld/hub/hub.h"
+#include "zrqrybld/hub/hub_parts.h"
 #include "zrqrybld/hub/query_file_reader.h"
 #include "zrqrybld/hub/query_file_writer.h"
 #include "zrqrybld/platform/toolkit.h"
@@ -30,6 +35,49 @@ std::string qbQueryBuilder::SaveQueryToText() {
   return written;
 }
 
+// What the file's query can name is there before its boxes are, and what names it comes last.
+bool qbQueryBuilder::ReadWithInner(QueryFileReader& reader, std::string_view text,
+                                   const std::vector<InnerQueryInFile>& inner) {
+  TouchQueries();
+  const ScopedValue loading(loadsQueries_, true);
+  QuerySet& set = parts_->querySet;
+  const std::int32_t root = set.shown;
+  std::unordered_map<std::int32_t, std::int32_t> ids{{0, root}};  // by those in the file
+  const auto read = [&](const InnerQueryInFile& query) {
+    SwitchTo(ids.at(query.id));
+    QueryFileReader own(*this, {}, loadRemarks_);
+    own.BehindLine(query.line);
+    own.Read(query.text);
+  };
+  // Those that belong to a query stand behind it.
+  const std::function<void(std::int32_t, bool)> readInner = [&](std::int32_t of, bool members) {
+    for (const InnerQueryInFile& query : inner) {
+      if (query.parent != of || (query.kind == QueryMember) != members) continue;
+      readInner(query.id, false);
+      read(query);
+      readInner(query.id, true);
+    }
+  };
+  reader.BeforeSections([&] {
+    for (const InnerQueryInFile& query : inner) {
+      StoredQuery stored;
+      stored.parent = ids.at(query.parent);
+      stored.kind = query.kind;
+      stored.combined = query.combined;
+      stored.name = query.name;
+      stored.columnNames = query.columnNames;
+      ids[query.id] = set.Add(std::move(stored));
+    }
+    queriesChanged_ = true;
+    readInner(0, false);
+    SwitchTo(root);
+  });
+  if (!reader.Read(text)) return false;
+  readInner(0, true);
+  SwitchTo(root);
+  return true;
+}
+
 bool qbQueryBuilder::LoadQuery(const std::string& filename, bool fileIsData, bool returnParametersOnly,
                                std::string* sqlStatement, std::string* connectionString) {
   bool complete = false;
@@ -40,7 +88,11 @@ bool qbQueryBuilder::LoadQuery(const std::string& filename, bool fileIsData, boo
     try {
       RaiseInfo(InfoLoadingQuery, fileIsData ? std::string() : filename);
       const std::string text = fileIsData ? filename : ReadWholeFile(filename, kLargestQueryFile);
-      complete = WholeOrNothing(RefTo(*this), [&] { return reader.Read(text); });
+      complete = WholeOrNothing(RefTo(*this), [&] {
+        const std::vector<InnerQueryInFile> inner =
+            returnParametersOnly ? std::vector<InnerQueryInFile>() : QueryFileReader::FindInner(text);
+        return inner.empty() ? reader.Read(text) : ReadWithInner(reader, text, inner);
+      });
     } catch (const std::exception& cause) {
       throw WrapError(ErrorLoadingQuery, text::LoadingFailed, cause);
     }

@@ -55,6 +55,7 @@ void qbQueryBuilder::RememberAll() {
   all.options = CurrentOptions();
   const bool hadSteps = CanUndo() || CanRedo();
   parts_->history.Forget(std::move(all));
+  parts_->querySetBefore.reset();
   historyLost_ = false;
   if (hadSteps) HistoryChanged.Raise();
 }

@@ -19,6 +19,7 @@
 #include "zrqrybld/sql/query_outline.h"
 #include "zrqrybld/sql/query_outputs.h"
 #include "zrqrybld/sql/query_text.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 
@@ -38,32 +39,76 @@ std::optional<std::vector<QueryColumn>> qbQueryBuilder::ColumnsOfQuery(const std
 
 namespace {
 
-QueryTree TreeOf(const QuerySet& set, const StoredQuery& stored, const QuerySnapshot& shown) {
-  QueryTree tree;
-  tree.id = stored.id;
-  tree.kind = stored.kind;
-  tree.combined = stored.combined;
-  tree.name = stored.name;
-  tree.columnNames = stored.columnNames;
-  tree.query = stored.id == set.shown || !stored.snapshot ? shown : *stored.snapshot;
-  if (stored.id != set.shown && !stored.snapshot) {
-    tree.query.tables.clear();
-    tree.query.joins.clear();
-    tree.query.rows.clear();
-    tree.query.columns.reset();
+// The set of queries as a tree, with what the panes show in its place.
+class TreeMaker {
+ public:
+  TreeMaker(const QuerySet& set, const QuerySnapshot& shown, std::vector<QueryColumn> outputs)
+      : set_(set), shown_(shown), outputs_(std::move(outputs)) {}
+
+  QueryTree Make(const StoredQuery& stored) const {
+    QueryTree tree;
+    tree.id = stored.id;
+    tree.kind = stored.kind;
+    tree.combined = stored.combined;
+    tree.name = stored.name;
+    tree.columnNames = stored.columnNames;
+    if (stored.id == set_.shown) {
+      tree.query = shown_;
+    } else {
+      if (stored.snapshot) tree.query = *stored.snapshot;
+      FollowRenames(tree.query, stored.id);
+    }
+    tree.query.names = shown_.names;
+    tree.query.criteria = shown_.criteria;
+    for (const StoredQuery* inner : set_.InnerOf(stored.id)) tree.inner.push_back(Make(*inner));
+    return tree;
   }
-  tree.query.names = shown.names;
-  tree.query.criteria = shown.criteria;
-  for (const StoredQuery* inner : set.InnerOf(stored.id)) tree.inner.push_back(TreeOf(set, *inner, shown));
-  return tree;
-}
+
+ private:
+  // A column that was renamed in its query is named so at once; the boxes follow when they are shown.
+  void FollowRenames(QuerySnapshot& query, std::int32_t id) const {
+    for (std::size_t i = 0; i < query.tables.size() && query.columns; ++i) {
+      if (query.tables[i].name.size() != 1) continue;
+      const StoredQuery* named = set_.FindNamed(id, query.tables[i].name.front().Name());
+      if (!named) continue;
+      const bool isShown = named->id == set_.shown;
+      if (!isShown && !named->columns) continue;
+      const auto renamed = RenamedColumn(query.columns->Columns(i), isShown ? outputs_ : *named->columns);
+      if (renamed) RenameColumn(query, i, renamed->first, renamed->second);
+    }
+  }
+
+  const QuerySet& set_;
+  const QuerySnapshot& shown_;
+  const std::vector<QueryColumn> outputs_;
+};
 
 }  // namespace
+
+std::vector<QueryColumn> qbQueryBuilder::OutputsOfShown(const QuerySnapshot& snapshot) const {
+  return WithNames(OutputsOf(snapshot,
+                             [this](std::size_t table, const std::string& column) {
+                               const Ref<qbEntity> entity = Entities()->Item(static_cast<std::int32_t>(table) + 1);
+                               return TypeOfColumn(*entity, column, *DataTypes());
+                             }),
+                   parts_->querySet.Shown().columnNames);
+}
+
+QueryTree qbQueryBuilder::TreeOf(std::int32_t id) const {
+  const QuerySet& set = parts_->querySet;
+  const QuerySnapshot shown = Snapshot();
+  return TreeMaker(set, shown, OutputsOfShown(shown)).Make(*set.Find(id));
+}
+
+std::string qbQueryBuilder::StatementOf(std::int32_t id) const {
+  if (!parts_->querySet.Find(id)) return {};
+  return GenerateQuery(TreeOf(id), CurrentDialect(), parts_->querySet.shown).text;
+}
 
 std::optional<GeneratedQuery> qbQueryBuilder::WholeStatement(const ExtraConditions& extra) const {
   const QuerySet& set = parts_->querySet;
   if (set.IsSingle()) return std::nullopt;
-  return GenerateQuery(TreeOf(set, set.queries.front(), Snapshot()), CurrentDialect(), set.shown, extra);
+  return GenerateQuery(TreeOf(set.queries.front().id), CurrentDialect(), set.shown, extra);
 }
 
 // --- Which one the panes show ---
@@ -88,13 +133,7 @@ void qbQueryBuilder::StoreShown() {
   StoredQuery& shown = *parts_->querySet.Find(parts_->querySet.shown);
   shown.design = std::make_shared<const Design>(TakeDesign());
   QuerySnapshot snapshot = Snapshot();
-  shown.columns = std::make_shared<const std::vector<QueryColumn>>(
-      WithNames(OutputsOf(snapshot,
-                          [this](std::size_t table, const std::string& column) {
-                            const Ref<qbEntity> entity = Entities()->Item(static_cast<std::int32_t>(table) + 1);
-                            return TypeOfColumn(*entity, column, *DataTypes());
-                          }),
-                shown.columnNames));
+  shown.columns = std::make_shared<const std::vector<QueryColumn>>(OutputsOfShown(snapshot));
   if (snapshot.columns) snapshot.columns = CapturedColumns(*snapshot.columns, snapshot.tables.size());
   shown.snapshot = std::make_shared<const QuerySnapshot>(std::move(snapshot));
 }
@@ -105,16 +144,14 @@ void qbQueryBuilder::PutIntoPanes(const StoredQuery& query) {
   if (query.design) then = *query.design;
   DesignOptions options = CurrentOptions();
   options.query = then.options.query;
-  options.showGroupBy = then.options.showGroupBy;
+  if (query.design) options.showGroupBy = then.options.showGroupBy;
   then.options = std::move(options);
   Restore(TakeDesign(), then);
   if (!query.design && gridPane_) {
     GridPane()->ResetRows();
     then = TakeDesign();
   }
-  parts_->history.Show(std::move(then));
-  if (const Ref<qbEntities> entities = Entities()) entities->Remembered();
-  if (gridPane_) gridPane_->Grid()->Rows()->Remembered();
+  KnowShown(std::move(then));
 }
 
 void qbQueryBuilder::TouchQueries() {
@@ -137,14 +174,27 @@ void qbQueryBuilder::SwitchTo(std::int32_t id) {
   queriesChanged_ = true;
 }
 
-// The boxes of queries show what those output now.
+// The boxes of queries show what those output now. That is no step.
 void qbQueryBuilder::FollowQueries() {
   const Ref<qbEntities> entities = Entities();
   if (!entities) return;
+  bool changed = false;
   for (const Ref<qbEntity>& entity : *entities) {
     const std::optional<std::vector<QueryColumn>> columns = ColumnsOfQuery(entity->TagVariant().Text());
-    if (columns) ShowColumns(*entities, *entity, *columns, *DataTypes());
+    if (!columns) continue;
+    const auto renamed = RenamedColumn(TextsOf(*entity), *columns);
+    if (renamed) RenameItem(*entity, renamed->first, renamed->second);
+    if (renamed && gridPane_) GridPane()->RenameColumn(entity->Caption(), renamed->first, renamed->second);
+    changed |= ShowColumns(*entities, *entity, *columns, *DataTypes()) || renamed;
   }
+  if (changed) KnowShown(TakeDesign());
+}
+
+// The panes hold this, and no step has made it.
+void qbQueryBuilder::KnowShown(Design taken) {
+  parts_->history.Show(std::move(taken));
+  if (const Ref<qbEntities> entities = Entities()) entities->Remembered();
+  if (gridPane_) gridPane_->Grid()->Rows()->Remembered();
 }
 
 bool qbQueryBuilder::ShowQuery(std::int32_t id) {
@@ -158,6 +208,26 @@ bool qbQueryBuilder::ShowQuery(std::int32_t id) {
   EndStepless();
   SwitchTo(id);
   return true;
+}
+
+void qbQueryBuilder::VisitQuery(std::int32_t id, const std::function<void(qbQueryBuilder&)>& visit) {
+  const StoredQuery* query = parts_->querySet.Find(id);
+  if (!query || id == parts_->querySet.shown) return visit(*this);
+  const Ref<qbQueryBuilder> copy = Create();
+  copy->SetDiagramPane(qbDiagramPane::Create());
+  copy->SetGridPane(qbGridPane::Create());
+  copy->SetSQLPane(qbSQLPane::Create());
+  copy->options_ = options_;
+  Design stored;
+  if (query->design) stored = *query->design;
+  DesignOptions options = CurrentOptions();
+  options.query = stored.options.query;
+  options.showGroupBy = stored.options.showGroupBy;
+  options.typed = nullptr;
+  copy->RestoreOptions(options);
+  stored.options = std::move(options);
+  copy->Restore(copy->TakeDesign(), stored);
+  visit(*copy);
 }
 
 // --- What changes them, each a step ---
@@ -283,6 +353,32 @@ void qbQueryBuilder::DropUnnamedQueries() {
   TouchQueries();
   for (const std::int32_t id : unnamed) set.Remove(id);
   queriesChanged_ = true;
+}
+
+// What is empty holds no queries.
+void qbQueryBuilder::DropInnerQueries() {
+  QuerySet& set = parts_->querySet;
+  const std::vector<const StoredQuery*> inner = set.InnerOf(set.shown);
+  if (inner.empty() || travelling_ || loadsQueries_) return;
+  TouchQueries();
+  std::vector<std::int32_t> ids;
+  for (const StoredQuery* query : inner) ids.push_back(query->id);
+  for (const std::int32_t id : ids) set.Remove(id);
+  queriesChanged_ = true;
+}
+
+// Each is shown in its turn, as a part of a step.
+void qbQueryBuilder::ForEachOther(const std::function<void()>& work) {
+  const std::int32_t shown = parts_->querySet.shown;
+  std::vector<std::int32_t> ids;
+  for (const StoredQuery& query : parts_->querySet.queries) {
+    if (query.id != shown) ids.push_back(query.id);
+  }
+  for (const std::int32_t id : ids) {
+    SwitchTo(id);
+    work();
+  }
+  SwitchTo(shown);
 }
 
 // --- Undo ---

@@ -8,15 +8,18 @@
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_hub.h"
+#include "zrqrybld/base/texts_queries.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/diagram/source_names.h"
 #include "zrqrybld/diagram/table_picker.h"
+#include "zrqrybld/diagram/type_kind.h"
 #include "zrqrybld/host/query_context.h"
 #include "zrqrybld/hub/statement_loader.h"
 #include "zrqrybld/platform/connection_policy.h"
 #include "zrqrybld/platform/schema_fields.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/query_outline.h"
 #include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
@@ -106,10 +109,85 @@ const QueryFileReader::SectionKind* QueryFileReader::KindOf(std::string_view nam
        "SKIPRECORDS SORTNULLS ",
        &QueryFileReader::TakeSQL, true},
       {"TYPEDSTATEMENT", "", &QueryFileReader::TakeTyped, false},
+      {"INNERQUERY", "", &QueryFileReader::PassOver, false},  // read before the others
   };
   const auto found =
       std::ranges::find_if(kKinds, [name](const SectionKind& kind) { return EqualsNoCase(name, kind.name); });
   return found == std::end(kKinds) ? nullptr : found;
+}
+
+namespace {
+
+constexpr double kLargestId = 1'000'000;
+
+// The values of a section's keys, by the key in capitals.
+using Values = std::unordered_map<std::string, std::string_view>;
+
+double NumberIn(const Values& values, const std::string& key, double smallest, double largest, double missing) {
+  const auto found = values.find(key);
+  if (found == values.end()) return missing;
+  const std::optional<double> number = ParseNumber(found->second);
+  if (!number || std::nearbyint(*number) != *number) ThrowUnreadable(key, found->second, text::NoNumber);
+  if (!(*number >= smallest && *number <= largest)) ThrowUnreadable(key, found->second, text::OutOfRange);
+  return *number;
+}
+
+InnerQueryInFile InnerFrom(const Values& values) {
+  const auto textOf = [&](const std::string& key) {
+    const auto found = values.find(key);
+    return found == values.end() ? std::string() : std::string(found->second);
+  };
+  const auto most = static_cast<double>(values.size());
+  InnerQueryInFile inner;
+  inner.id = static_cast<std::int32_t>(NumberIn(values, "ID", 1, kLargestId, 0));
+  inner.parent = static_cast<std::int32_t>(NumberIn(values, "PARENT", 0, kLargestId, 0));
+  inner.kind = static_cast<QueryKindEnum>(
+      static_cast<int>(NumberIn(values, "KIND", QueryDerivedTable, QueryMember, QueryDerivedTable)));
+  inner.combined = static_cast<QueryOperatorEnum>(
+      static_cast<int>(NumberIn(values, "OPERATOR", QueryUnion, QueryExceptAll, QueryUnion)));
+  inner.name = textOf("NAME");
+  const auto columns = static_cast<int>(NumberIn(values, "COLUMNCOUNT", 0, most, 0));
+  for (int i = 1; i <= columns; ++i) inner.columnNames.push_back(textOf("COLUMN" + std::to_string(i)));
+  const auto lines = static_cast<int>(NumberIn(values, "LINECOUNT", 0, most, 0));
+  for (int i = 1; i <= lines; ++i) inner.text += textOf("LINE" + std::to_string(i)) + "\r\n";
+  return inner;
+}
+
+}  // namespace
+
+std::vector<InnerQueryInFile> QueryFileReader::FindInner(std::string_view text) {
+  std::vector<InnerQueryInFile> found;
+  std::unordered_set<std::int32_t> known{0};
+  std::optional<Values> open;
+  std::size_t begin = 0;
+  for (std::size_t number = 1; !text.empty(); ++number) {
+    const std::string_view line = Trim(TakeLine(text));
+    if (EqualsNoCase(line, "BEGIN INNERQUERY")) {
+      open.emplace();
+      begin = number;
+    } else if (!open) {
+      continue;
+    } else if (!EqualsNoCase(line, "END INNERQUERY")) {
+      const std::size_t equals = line.find('=');
+      const std::string key = UpperAscii(line.substr(0, equals));
+      if (key == "LINE1") begin = number - 1;
+      if (equals != std::string_view::npos) open->emplace(key, line.substr(equals + 1));
+    } else {
+      try {
+        InnerQueryInFile inner = InnerFrom(*open);
+        inner.line = begin;
+        const bool belongs = known.contains(inner.parent) && known.insert(inner.id).second;
+        if (!belongs || found.size() + 1 >= static_cast<std::size_t>(kMostQueries)) {
+          throw Error(ErrorLoadingQuery, text::QueryOutOfPlace);
+        }
+        found.push_back(std::move(inner));
+      } catch (const Error& error) {
+        throw Error(error.Number(), Phrase(text::InLine, error.What(), number));
+      }
+      open.reset();
+    }
+  }
+  return found;
 }
 
 bool QueryFileReader::Read(std::string_view text) {
@@ -169,6 +247,7 @@ void QueryFileReader::Begin(std::string_view name) {
   }
   RemarkOpenSection();
   anySection_ = true;
+  if (std::function<void()> work = std::exchange(beforeSections_, nullptr); work && !parameters_.only) work();
   section_.Clear();
   section_.line = line_;
   open_ = kind;
@@ -392,7 +471,7 @@ qbGridPane::LoadedCell QueryFileReader::CellOf(std::string_view key, std::string
   if (!row || !(*row >= 1 && *row <= kMostRows) || std::nearbyint(*row) != *row) {
     ThrowUnreadable(key, value, text::NamesNoRow);
   }
-  const std::size_t column = hub_.GridPane()->Grid()->Columns()->PositionOf(key.substr(0, comma));
+  const std::size_t column = hub_.GridPane()->ColumnOfKey(key.substr(0, comma));
   return {static_cast<std::int32_t>(*row), column, std::string(value)};
 }
 

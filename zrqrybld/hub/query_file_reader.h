@@ -6,6 +6,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,6 +24,18 @@ namespace zrqrybld {
 /// The largest file that is read, in bytes.
 inline constexpr std::size_t kLargestQueryFile = 64u << 20;
 
+/// A query within the query, as a file has it.
+struct InnerQueryInFile {
+  std::int32_t id = 0;
+  std::int32_t parent = 0;
+  QueryKindEnum kind = QueryDerivedTable;
+  QueryOperatorEnum combined = QueryUnion;
+  std::string name;
+  std::vector<std::string> columnNames;
+  std::string text;      ///< its own sections
+  std::size_t line = 0;  ///< the line of the file before the first of them
+};
+
 class QueryFileReader {
  public:
   /// What a file tells beside the design itself.
@@ -34,6 +48,14 @@ class QueryFileReader {
   /// Reads into `hub`; what is passed over is said in `remarks`.
   QueryFileReader(qbQueryBuilder& hub, const Parameters& parameters, std::vector<std::string>& remarks)
       : hub_(hub), parameters_(parameters), remarks_(remarks) {}
+
+  /// The queries within the query, each behind the one that it belongs to. The description of an error names the line.
+  static std::vector<InnerQueryInFile> FindInner(std::string_view text);
+
+  /// What is done before the first section is read, when the connection is open.
+  void BeforeSections(std::function<void()> work) { beforeSections_ = std::move(work); }
+  /// The lines of the text are those of a file from this one on.
+  void BehindLine(std::size_t line) { line_ = line; }
 
   /// Reads the whole text. False when the connection it names cannot be opened: nothing behind it is read then. The
   /// description of an error names the line.
@@ -84,6 +106,7 @@ class QueryFileReader {
   void TakeSortNulls(const std::string& value);
   void TakeSQL();
   void TakeTyped();
+  void PassOver() {}
   void ApplyPendingTicks();
   void KeepTyped() const;
 
@@ -110,6 +133,7 @@ class QueryFileReader {
   std::vector<Ref<qbEntityItem>> pendingTicks_;
   std::string typed_;  // the statement as the user has written it
   bool applied_ = true;
+  std::function<void()> beforeSections_;
 };
 
 }  // namespace zrqrybld

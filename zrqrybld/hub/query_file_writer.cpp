@@ -8,6 +8,7 @@
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/query_set.h"
 #include "zrqrybld/platform/connection_string.h"
 #include "zrqrybld/platform/database.h"
 #include "zrqrybld/sql/sql_pane.h"
@@ -38,7 +39,6 @@ void ForEachEntity(qbQueryBuilder& hub, const std::function<void(const Ref<qbEnt
 
 std::string QueryFileWriter::Write() {
   text_.clear();
-  FindCaptions();
   Marker("Version=" + std::string(kQueryFileVersion));
   if (hub_.SaveConnectionString()) {
     const std::string connection = hub_.Connection()->ConnectionString();
@@ -47,6 +47,16 @@ std::string QueryFileWriter::Write() {
     AppendOnOneLine(text_, hub_.SavePassword() ? connection : ConnectionString(connection).WithoutPassword());
     text_ += "\r\n";
   }
+  const std::vector<StoredQuery>& queries = hub_.QueriesNow().queries;
+  hub_.VisitQuery(queries.front().id, [this](qbQueryBuilder& main) { text_ += QueryFileWriter(main).Sections(&hub_); });
+  for (std::size_t i = 1; i < queries.size(); ++i) WriteInner(queries[i]);
+  text_.resize(text_.size() - 2);
+  return std::move(text_);
+}
+
+// The statement is that of `whole`; what belongs to another has none of its own.
+std::string QueryFileWriter::Sections(qbQueryBuilder* whole) {
+  FindCaptions();
   ForEachEntity(hub_, [this](const Ref<qbEntity>& entity) { WriteEntity(entity); });
   if (hub_.SaveLoadEntityItems()) {
     ForEachEntity(hub_, [this](const Ref<qbEntity>& entity) {
@@ -59,9 +69,28 @@ std::string QueryFileWriter::Write() {
   });
   WriteGridOptions();
   WriteGrid();
-  WriteSQL();
-  text_.resize(text_.size() - 2);
+  const Ref<qbSQLPane> pane = whole ? whole->SQLPane() : hub_.SQLPane();
+  WriteSQL(pane ? *pane : *qbSQLPane::Create(), whole != nullptr);
   return std::move(text_);
+}
+
+// Its own sections stand in it line by line, so that who does not know queries in queries passes over them as one.
+void QueryFileWriter::WriteInner(const StoredQuery& query) {
+  Marker("Begin InnerQuery");
+  Number("Id", query.id);
+  Number("Parent", query.parent);
+  Number("Kind", query.kind);
+  if (query.kind == QueryMember) Number("Operator", query.combined);
+  Line("Name", query.name);
+  int number = 0;
+  for (const std::string& column : query.columnNames) Line("Column" + std::to_string(++number), column);
+  if (number > 0) Number("ColumnCount", number);
+  std::string sections;
+  hub_.VisitQuery(query.id, [&](qbQueryBuilder& inner) { sections = QueryFileWriter(inner).Sections(nullptr); });
+  number = 0;
+  for (const std::string_view line : Split(sections, "\r\n")) Line("Line" + std::to_string(++number), line);
+  Number("LineCount", number);
+  Marker("End InnerQuery");
 }
 
 // On one line two captions may be the same: the later one gets a number there, for a file names tables by them.
@@ -221,23 +250,23 @@ void QueryFileWriter::WriteGrid() {
   Marker("End GridData");
 }
 
-void QueryFileWriter::WriteSQL() {
-  const Ref<qbSQLPane> pane = hub_.SQLPane() ? hub_.SQLPane() : qbSQLPane::Create();
-  Announce(pane);
+void QueryFileWriter::WriteSQL(qbSQLPane& pane, bool withStatement) {
+  Announce(RefTo(pane));
   Marker("Begin SQLData");
   Line("SelectTopRecords", hub_.SelectTopRecords());
   if (hub_.SkipRecords() > 0) Number("SkipRecords", hub_.SkipRecords());
   if (const std::string nulls = SortNulls(); !nulls.empty()) Line("SortNulls", nulls);
   Line("DistinctRecords", BooleanText(hub_.DistinctRecords()));
-  Line("LikeOperator", pane->LikeOperator());
-  Line("Locked", BooleanText(pane->Locked()));
-  Number("SQLSyntax", pane->SQLSyntax());
-  Line("SQLStatement", pane->PlainStatement());
+  Line("LikeOperator", pane.LikeOperator());
+  Line("Locked", BooleanText(pane.Locked()));
+  Number("SQLSyntax", pane.SQLSyntax());
+  if (withStatement) Line("SQLStatement", pane.PlainStatement());
   Marker("End SQLData");
-  if (pane->KeepTypedText() && pane->IsEdited()) {
-    WriteTyped(pane->SQLStatement(), false);
-  } else if (pane->Typed()) {
-    WriteTyped(pane->Typed()->text, true);
+  if (!withStatement) return;
+  if (pane.KeepTypedText() && pane.IsEdited()) {
+    WriteTyped(pane.SQLStatement(), false);
+  } else if (pane.Typed()) {
+    WriteTyped(pane.Typed()->text, true);
   }
 }
 

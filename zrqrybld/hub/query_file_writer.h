@@ -14,6 +14,8 @@ class qbEntity;
 class qbEntityItem;
 class qbProperties;
 class qbRelationship;
+class qbSQLPane;
+struct StoredQuery;
 
 /// The release that wrote a file, as it says in its first line.
 inline constexpr std::string_view kQueryFileVersion = "2.1.220";
@@ -27,6 +29,8 @@ class QueryFileWriter {
   std::string Write();
 
  private:
+  std::string Sections(qbQueryBuilder* whole);
+  void WriteInner(const StoredQuery& query);
   void FindCaptions();
   const std::string& InFile(const std::string& caption) const;
   std::string InFile(std::size_t column, const std::string& cell) const;
@@ -37,7 +41,7 @@ class QueryFileWriter {
   void WriteProperties(const qbProperties& properties);
   void WriteGridOptions();
   void WriteGrid();
-  void WriteSQL();
+  void WriteSQL(qbSQLPane& pane, bool withStatement);
   void WriteTyped(const std::string& typed, bool applied);
 
   void Marker(std::string_view text);

@@ -86,7 +86,8 @@ class Reader {
     query.text = TextOfSelect(outline);
     query.statement = InWhole(place, [&] { return std::make_unique<ReadStatement>(hub_, query.text); });
     ReadDerived(*query.statement, place, common, own, inner);
-    InWhole(place, [&] { query.statement->Bind(hub_, LookupIn(own), IsPlain(outline, inner)); });
+    InWhole(place,
+            [&] { query.statement->Bind(hub_, LookupIn(own), IsPlain(outline, inner), !outline.members.empty()); });
     const bool isCommon = query.facts.kind == QueryCommonTable;
     if (isCommon || query.facts.kind == QueryDerivedTable) {
       query.columns = OutputsOfStatement(*query.statement, query.facts.columnNames);

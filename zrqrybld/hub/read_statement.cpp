@@ -46,7 +46,8 @@ ReadStatement::ReadStatement(qbQueryBuilder& hub, std::string text)
       tree_(ParseSelect(text_, {.openParenthesesInFrom = options_.dialect->leavesParenthesesOpen,
                                 .pipesMayBeOr = options_.dialect->pipesMayBeOr})) {}
 
-void ReadStatement::Bind(qbQueryBuilder& hub, QueryLookup queries, bool takesDrawn) {
+void ReadStatement::Bind(qbQueryBuilder& hub, QueryLookup queries, bool takesDrawn, bool beginsCompound) {
+  options_.beginsCompound = beginsCompound;
   plan_.emplace(hub, tree_, options_.names, std::move(queries), takesDrawn);
   options_.drawn = plan_->Drawn(drawnJoins_);
   bound_ = BindStatement(tree_, *plan_, options_);

@@ -26,8 +26,9 @@ class ReadStatement {
   const std::string& Text() const { return text_; }
   const SelectStatement& Tree() const { return tree_; }
 
-  /// Resolves every name. SyntaxError for what is not there or cannot be shown.
-  void Bind(qbQueryBuilder& hub, QueryLookup queries, bool takesDrawn);
+  /// Resolves every name; `beginsCompound` says that members of UNION and its like follow. SyntaxError for what is not
+  /// there or cannot be shown.
+  void Bind(qbQueryBuilder& hub, QueryLookup queries, bool takesDrawn, bool beginsCompound);
 
   // --- When that is done ---
 

@@ -277,8 +277,9 @@ void qbQueryBuilder::LoadOneQuery(ReadQuery& read) {
     if (inner.facts.kind != QueryMember) LoadOneQuery(inner);
   }
   SwitchTo(read.facts.id);
+  if (parts_->querySet.shown != read.facts.id) return;  // a listener has removed it
   ReadStatement statement(*this, read.text);
-  statement.Bind(*this, QueriesOf(*this), true);
+  statement.Bind(*this, QueriesOf(*this), true, parts_->querySet.BeginsCompound(read.facts.id));
   Write(*this, statement);
   for (ReadQuery& inner : read.inner) {
     if (inner.facts.kind == QueryMember) LoadOneQuery(inner);

@@ -142,7 +142,8 @@ struct ParametersDialog {
   std::function<std::string(const std::vector<std::string>& values)> statement;
 };
 
-/// The windows that stop the user until they are answered.
+/// The windows that stop the user until they are answered. The library asks by `Ask...`; a toolkit whose windows wait
+/// for their answer implements `Show...` and leaves those as they are.
 class ZRQRYBLD_API Dialogs {
  public:
   Dialogs() = default;
@@ -161,7 +162,7 @@ class ZRQRYBLD_API Dialogs {
   /// cannot ask says no.
   virtual bool Confirm([[maybe_unused]] std::string_view question) { return false; }
 
-  /// Lets the user pick tables until the dialog is closed.
+  /// Lets the user pick tables until the dialog is closed. A toolkit that cannot wait copies the dialog.
   virtual void ShowTables(const TablesDialog& dialog) = 0;
 
   /// Lets the user edit a join. Returns whether it was accepted; the window cannot be closed otherwise than by its
@@ -183,6 +184,16 @@ class ZRQRYBLD_API Dialogs {
 
   /// Lets the user give values that have no problem. Returns whether they were accepted.
   virtual bool ShowParameters(ParametersDialog& dialog) = 0;
+
+  /// The same for whoever goes on when the user has accepted; nothing is called when the user cancels. They wait for
+  /// the answer of the function above. A toolkit that cannot wait, such as a page in a browser, overrides them and
+  /// returns at once: who has asked may be gone when the answer comes.
+  virtual void AskJoinProperties(JoinDialog dialog, std::function<void(JoinDialog&)> accepted);
+  virtual void AskExpression(ExpressionDialog dialog, std::function<void(ExpressionDialog&)> accepted);
+  virtual void AskConnection(ConnectionDialog dialog, std::function<void(const std::string&)> accepted);
+  virtual void AskSaveFile(SaveFileDialog dialog, std::function<void(const std::string& path)> accepted);
+  virtual void AskText(TextDialog dialog, std::function<void(const std::string&)> accepted);
+  virtual void AskParameters(ParametersDialog dialog, std::function<void(ParametersDialog&)> accepted);
 };
 
 }  // namespace zrqrybld

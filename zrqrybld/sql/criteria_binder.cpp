@@ -1,5 +1,7 @@
 #include "zrqrybld/sql/criteria_binder.h"
 
+#include <algorithm>
+
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/sql/criteria_formatter.h"
 #include "zrqrybld/sql/from_binder.h"
@@ -59,6 +61,27 @@ std::vector<CriteriaTerms> CriteriaBinder::AlternativesOf(const Expression& cond
   return alternatives;
 }
 
+std::vector<CriteriaTerms> CriteriaBinder::Fitting(std::vector<CriteriaTerms> alternatives, const Expression& whole,
+                                                   bool groups) const {
+  if (alternatives.size() <= options_.usualColumns) return alternatives;
+  const auto stands = [&](const CriteriaTerms& terms) {
+    return std::ranges::all_of(terms, [&](const Expression* term) { return StandsInCells(*term, groups); });
+  };
+  const bool spreads = alternatives.size() <= options_.columns && !CellFor(*StripParentheses(&whole), groups) &&
+                       std::ranges::all_of(alternatives, stands);
+  if (spreads) return alternatives;
+  return {{&whole}};
+}
+
+bool CriteriaBinder::StandsInCells(const Expression& term, bool groups) const {
+  const Expression& condition = *StripParentheses(&term);
+  const bool isOpen = &condition == &term && condition.kind == ExpressionKind::And;
+  if (!isOpen && CellFor(condition, groups)) return true;
+  if (condition.kind != ExpressionKind::And) return false;
+  return std::ranges::all_of(ChildrenOf(condition),
+                             [&](const Expression* part) { return StandsInCells(*part, groups); });
+}
+
 void CriteriaBinder::Place(const std::vector<CriteriaTerms>& alternatives, bool groups) {
   for (std::size_t column = 0; column < alternatives.size(); ++column) {
     for (const Expression* term : alternatives[column]) PlaceTerm(*term, column, groups);
@@ -79,6 +102,16 @@ void CriteriaBinder::PlaceTerm(const Expression& term, std::size_t column, bool 
 }
 
 bool CriteriaBinder::PlaceCell(const Expression& condition, std::size_t column, bool groups) {
+  std::optional<Cell> cell = CellFor(condition, groups);
+  if (!cell) return false;
+  std::vector<std::string>& criteria = rows_[RowFor(cell->field, column, groups)].criteria;
+  if (criteria.size() <= column) criteria.resize(column + 1);
+  criteria[column] = std::move(cell->text);
+  return true;
+}
+
+// The row's field, and the cell that says the condition there.
+std::optional<CriteriaBinder::Cell> CriteriaBinder::CellFor(const Expression& condition, bool groups) const {
   const Expression* read = &condition;
   Expression mirrored, left, right;
   std::optional<RowField> field = FieldOf(condition, groups);
@@ -93,13 +126,10 @@ bool CriteriaBinder::PlaceCell(const Expression& condition, std::size_t column, 
     mirrored.first = &left;
     read = &mirrored;
   }
-  if (!field) return false;
+  if (!field) return std::nullopt;
   std::optional<std::string> cell = CellOf(*read, *field);
-  if (!cell) return false;
-  std::vector<std::string>& criteria = rows_[RowFor(*field, column, groups)].criteria;
-  if (criteria.size() <= column) criteria.resize(column + 1);
-  criteria[column] = std::move(*cell);
-  return true;
+  if (!cell) return std::nullopt;
+  return Cell{std::move(*field), std::move(*cell)};
 }
 
 // Whether a comparison is about what stands on its right side: a column there, or an expression beside a constant.

@@ -23,8 +23,9 @@ class CriteriaBinder {
  public:
   struct Options {
     bool groupByMode = false;
-    /// How many alternatives the grid can hold.
+    /// How many alternatives the grid can hold, and how many it has columns for at first.
     std::size_t columns = 4;
+    std::size_t usualColumns = 4;
     /// How values are written.
     CriteriaContext context;
   };
@@ -36,6 +37,12 @@ class CriteriaBinder {
   /// pair of its own.
   static std::vector<CriteriaTerms> AlternativesOf(const Expression& condition, bool inParentheses = false);
 
+  /// The alternatives as the grid holds them: the whole condition is one where a cell says it, and where there are
+  /// more than there are columns at first and one of them does not stand in cells, which no further column makes
+  /// clearer.
+  std::vector<CriteriaTerms> Fitting(std::vector<CriteriaTerms> alternatives, const Expression& whole,
+                                     bool groups) const;
+
   /// Places conditions that choose rows (WHERE), or groups (HAVING). SyntaxError for a name that cannot be told.
   /// `alias` answers whether a name without a qualifier is an alias of the select list.
   void Place(const std::vector<CriteriaTerms>& alternatives, bool groups);
@@ -46,6 +53,12 @@ class CriteriaBinder {
  private:
   void PlaceTerm(const Expression& term, std::size_t column, bool groups);
   bool PlaceCell(const Expression& condition, std::size_t column, bool groups);
+  struct Cell {
+    RowField field;
+    std::string text;
+  };
+  std::optional<Cell> CellFor(const Expression& condition, bool groups) const;
+  bool StandsInCells(const Expression& term, bool groups) const;
   void PlaceExpression(const std::string& text, std::size_t column, bool groups);
   bool StandsRight(const Expression& condition, const std::optional<RowField>& left, bool groups) const;
   std::optional<RowField> FieldOf(const Expression& condition, bool groups) const;

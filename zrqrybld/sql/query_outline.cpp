@@ -23,7 +23,7 @@ struct Tokens {
     std::vector<std::size_t> open;
     Lexer lexer(sql);
     for (Token token; lexer.Next(token);) {
-      closes &= !token.unfinished;
+      finished &= !token.unfinished;
       if (token.kind == TokenKind::Comment) continue;
       const std::size_t at = list.size();
       list.push_back(token);
@@ -31,13 +31,13 @@ struct Tokens {
       if (IsSign(at, '(')) open.push_back(at);
       if (!IsSign(at, ')')) continue;
       if (open.empty()) {
-        closes = false;
+        if (extra == kNone) extra = at;
         continue;
       }
       partner[open.back()] = at;
       open.pop_back();
     }
-    closes &= open.empty();
+    if (!open.empty()) unclosed = open.back();
   }
 
   std::string_view WordAt(std::size_t at) const { return text.substr(list[at].offset, list[at].length); }
@@ -60,7 +60,9 @@ struct Tokens {
   std::string_view text;
   std::vector<Token> list;
   std::vector<std::size_t> partner;  // of each "(": its ")"
-  bool closes = true;
+  bool finished = true;              // every literal, quoted name and comment ends
+  std::size_t unclosed = kNone;      // the last "(" that nothing closes
+  std::size_t extra = kNone;         // the first ")" that closes nothing
 };
 
 // MINUS is a name, too: what follows tells.
@@ -77,6 +79,8 @@ class Outliner {
   Outliner(const Tokens& tokens, const Dialect& dialect) : tokens_(tokens), dialect_(dialect) {}
 
   QueryOutline Run() {
+    if (tokens_.extra != kNone) FailExpected(tokens_.extra, text::StatementEnd);
+    if (tokens_.unclosed != kNone) FailOpen(tokens_.unclosed);
     std::size_t end = tokens_.list.size();
     while (end > 0 && tokens_.IsSign(end - 1, ';')) --end;
     return Query(0, end);
@@ -91,6 +95,14 @@ class Outliner {
     throw SyntaxError(tokens_.text, tokens_.OffsetOf(at),
                       ends ? Phrase(text::ExpectedAtEnd, expected)
                            : Phrase(text::ExpectedInstead, expected, '"' + std::string(tokens_.WordAt(at)) + '"'),
+                      expected);
+  }
+
+  [[noreturn]] void FailOpen(std::size_t open) const {
+    const TextPlace place = PlaceIn(tokens_.text, tokens_.OffsetOf(open));
+    const Phrase expected("\")\"");
+    throw SyntaxError(tokens_.text, tokens_.text.size(),
+                      {text::ParenthesisOpen, Phrase(text::ExpectedAtEnd, expected), place.line, place.column},
                       expected);
   }
 
@@ -156,6 +168,7 @@ class Outliner {
   void Compound(QueryOutline& query, std::size_t begin, std::size_t end) {
     const std::size_t first = EndOfMember(begin, end);
     TakeHead(query, begin, first);
+    const std::size_t inHead = query.members.size();  // these stand in parentheses
     for (std::size_t at = first; at < end && IsSetWord(tokens_, at);) {
       QueryOutline::Member member;
       member.word = tokens_.WordAt(at);
@@ -164,7 +177,7 @@ class Outliner {
       const std::size_t next = EndOfMember(at, end);
       member.query = std::make_unique<QueryOutline>(MemberAt(at, next, next >= end ? &query : nullptr));
       RequireOperator(member.combined, word);
-      Add(query, std::move(member));
+      Add(query, std::move(member), inHead);
       at = next;
       if (at < end && IsTail(at)) {
         query.tail = tokens_.Between(at, end);
@@ -219,12 +232,14 @@ class Outliner {
   // What is combined from the left needs no parentheses around what comes first; only what they sort or limit would be
   // that of the whole.
   void TakeHead(QueryOutline& query, std::size_t begin, std::size_t end) {
+    const bool isWhole = end >= tokens_.list.size() || !IsSetWord(tokens_, end);
     if (!IsInParentheses(begin, end)) {
+      const std::size_t tail = TailOf(begin, end);
+      if (!isWhole && tail < end) Refuse(tail, text::MemberSorted);
       query.select = tokens_.Between(begin, end);
       return;
     }
     QueryOutline inner = Query(begin + 1, end - 1);
-    const bool isWhole = end >= tokens_.list.size() || !IsSetWord(tokens_, end);
     if (inner.IsPlain() && isWhole) {
       query.select = tokens_.Between(begin, end);
       return;
@@ -268,9 +283,9 @@ class Outliner {
   }
 
   // INTERSECT binds closer than the others where the dialect has it so.
-  void Add(QueryOutline& query, QueryOutline::Member member) const {
-    const bool joinsLast = dialect_.queries.intersectFirst && Intersects(member.combined) && !query.members.empty() &&
-                           !Intersects(query.members.back().combined);
+  void Add(QueryOutline& query, QueryOutline::Member member, std::size_t inHead) const {
+    const bool joinsLast = dialect_.queries.intersectFirst && Intersects(member.combined) &&
+                           query.members.size() > inHead && !Intersects(query.members.back().combined);
     if (!joinsLast) {
       query.members.push_back(std::move(member));
       return;
@@ -286,13 +301,36 @@ class Outliner {
 
 }  // namespace
 
+namespace {
+
+// Most statements hold none of the words, and are not looked at twice.
+bool MayHoldQueries(std::string_view sql) {
+  Lexer lexer(sql);
+  for (Token token; lexer.Next(token);) {
+    switch (token.keyword) {
+      case Keyword::With:
+      case Keyword::Union:
+      case Keyword::Intersect:
+      case Keyword::Except:
+      case Keyword::Minus:
+        return true;
+      default:
+        break;
+    }
+  }
+  return false;
+}
+
+}  // namespace
+
 QueryOutline OutlineQuery(std::string_view sql, const Dialect& dialect) {
-  const Tokens tokens(sql);
   QueryOutline plain;
   plain.select = sql;
-  bool mayHold = tokens.KeywordAt(0) == Keyword::With;
-  for (std::size_t at = 0; at < tokens.list.size() && !mayHold; ++at) mayHold = IsSetWord(tokens, at);
-  if (!mayHold || !tokens.closes) return plain;
+  if (!MayHoldQueries(sql)) return plain;
+  const Tokens tokens(sql);
+  bool holds = tokens.KeywordAt(0) == Keyword::With;
+  for (std::size_t at = 0; at < tokens.list.size() && !holds; ++at) holds = IsSetWord(tokens, at);
+  if (!holds || !tokens.finished) return plain;
   QueryOutline outline = Outliner(tokens, dialect).Run();
   return outline.IsPlain() ? std::move(plain) : std::move(outline);
 }

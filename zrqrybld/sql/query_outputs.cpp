@@ -91,6 +91,28 @@ std::vector<QueryColumn> WithNames(std::vector<QueryColumn> columns, const std::
   return columns;
 }
 
+std::optional<std::pair<std::string, std::string>> RenamedColumn(const std::vector<std::string>& before,
+                                                                 const std::vector<QueryColumn>& now) {
+  if (before.size() != now.size()) return std::nullopt;
+  std::optional<std::pair<std::string, std::string>> renamed;
+  for (std::size_t i = 0; i < now.size(); ++i) {
+    if (before[i] == now[i].name) continue;
+    if (renamed) return std::nullopt;
+    renamed.emplace(before[i], now[i].name);
+  }
+  return renamed;
+}
+
+void RenameColumn(QuerySnapshot& query, std::size_t table, const std::string& before, const std::string& after) {
+  for (SnapshotRow& row : query.rows) {
+    if (row.table == table && row.column == before) row.column = after;
+  }
+  for (SnapshotJoin& join : query.joins) {
+    if (join.source == table && join.sourceColumn == Identifier(before)) join.sourceColumn = Identifier(after);
+    if (join.target == table && join.targetColumn == Identifier(before)) join.targetColumn = Identifier(after);
+  }
+}
+
 std::shared_ptr<const KnownColumns> CapturedColumns(const KnownColumns& columns, std::size_t tables) {
   return std::make_shared<Captured>(columns, tables);
 }

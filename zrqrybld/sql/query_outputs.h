@@ -4,7 +4,9 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "zrqrybld/host/designer_values.h"
@@ -21,6 +23,13 @@ std::vector<QueryColumn> OutputsOf(const QuerySnapshot& query, const ColumnTypes
 
 /// The same with other names, as WITH gives them; columns beyond the last name keep theirs.
 std::vector<QueryColumn> WithNames(std::vector<QueryColumn> columns, const std::vector<std::string>& names);
+
+/// The one column that is called otherwise now, as before and as now; none where the columns are others in another way.
+std::optional<std::pair<std::string, std::string>> RenamedColumn(const std::vector<std::string>& before,
+                                                                 const std::vector<QueryColumn>& now);
+
+/// Makes the query name a column of a table, by its place from 0, by another name: in its rows and joins.
+void RenameColumn(QuerySnapshot& query, std::size_t table, const std::string& before, const std::string& after);
 
 /// What is known of the columns now, for as long as anybody asks.
 std::shared_ptr<const KnownColumns> CapturedColumns(const KnownColumns& columns, std::size_t tables);

@@ -53,8 +53,8 @@ std::optional<std::size_t> CountColumns(const QuerySnapshot& query) {
 
 class Writer {
  public:
-  Writer(const Dialect& dialect, std::int32_t extended, const ExtraConditions& extra, bool marks)
-      : dialect_(dialect), forms_(dialect.queries), extended_(extended), extra_(extra), marks_(marks) {}
+  Writer(const Dialect& dialect, std::int32_t shown, const ExtraConditions& extra, bool marks)
+      : dialect_(dialect), forms_(dialect.queries), shown_(shown), extra_(extra), marks_(marks) {}
 
   // "" when something cannot be said.
   std::string Write(QueryTree& query, bool nested) {
@@ -66,6 +66,7 @@ class Writer {
 
   bool HoldsMark() const { return holdsMark_; }
   std::vector<QueryFault>& Faults() { return faults_; }
+  std::vector<QueryRemark>& Remarks() { return remarks_; }
 
   // Takes the marks out and notes where they stood.
   static GeneratedQuery WithoutMarks(std::string_view text) {
@@ -114,6 +115,14 @@ class Writer {
     return "WITH " + std::string(namesItself ? forms_.recursive : "") + text + std::string(kLine);
   }
 
+  void Remark(const QueryTree& query, const GeneratedSql& generated) {
+    for (SQLDiagnostic& diagnostic : Diagnose(query.query, dialect_, generated)) {
+      diagnostic.cure = CureNone;
+      diagnostic.cureName = {};
+      remarks_.push_back({query.name, member_, std::move(diagnostic)});
+    }
+  }
+
   static std::string NameList(const std::vector<std::string>& names, const NameRules& rules) {
     std::string list;
     for (const std::string& name : names) {
@@ -125,8 +134,10 @@ class Writer {
   std::string Compound(QueryTree& query) {
     query.query.beginsCompound = std::ranges::any_of(query.inner, IsMember);
     const std::optional<std::size_t> columns = CountColumns(query.query);
+    const std::size_t around = std::exchange(member_, query.kind == QueryMember ? member_ : 0);
     const GeneratedSql head = Select(query);
     std::string text = head.text;
+    std::size_t number = 1;
     bool mayIntersect = true;  // all so far is one SELECT, or put together by INTERSECT
     for (QueryTree& member : query.inner) {
       if (!IsMember(member)) continue;
@@ -134,9 +145,11 @@ class Writer {
       if (word.empty()) Fault(member, {text::DialectCannotSay, NameOf(member.combined)});
       if (forms_.intersectFirst && Intersects(member.combined) && !mayIntersect) text = "(" + text + ")";
       mayIntersect = Intersects(member.combined);
+      member_ = ++number;
       text += std::string(kLine) + word + std::string(kLine) + MemberText(member);
       CompareColumns(columns, member);
     }
+    member_ = around;
     return text + head.tail;
   }
 
@@ -171,34 +184,37 @@ class Writer {
       if (size > kLongestQuery) throw Error(ErrorParsingText, text::StatementGrows);
       table.query = found->second;
     }
-    GeneratedSql generated = GenerateSelect(query.query, dialect_, query.id == extended_ ? extra_ : ExtraConditions());
+    GeneratedSql generated = GenerateSelect(query.query, dialect_, query.id == shown_ ? extra_ : ExtraConditions());
     holdsMark_ |= generated.text.find(kMark) != std::string::npos && !marks_;
     if (generated.text.empty()) Fault(query, {});
+    if (query.id != shown_ && !marks_) Remark(query, generated);
     return generated;
   }
 
   const Dialect& dialect_;
   const QueryForms& forms_;
-  const std::int32_t extended_;
+  const std::int32_t shown_;
   const ExtraConditions& extra_;
   const bool marks_;
   bool holdsMark_ = false;
+  std::size_t member_ = 0;  // that is written, of its compound
   std::vector<QueryFault> faults_;
+  std::vector<QueryRemark> remarks_;
 };
 
 }  // namespace
 
 // First without marks, for a text that holds the sign itself is not to be marked.
-GeneratedQuery GenerateQuery(QueryTree tree, const Dialect& dialect, std::int32_t extended,
-                             const ExtraConditions& extra) {
-  Writer plain(dialect, extended, extra, false);
+GeneratedQuery GenerateQuery(QueryTree tree, const Dialect& dialect, std::int32_t shown, const ExtraConditions& extra) {
+  Writer plain(dialect, shown, extra, false);
   QueryTree copy = tree;
   std::string text = plain.Write(copy, false);
   GeneratedQuery result;
-  if (!plain.HoldsMark()) result = Writer::WithoutMarks(Writer(dialect, extended, extra, true).Write(tree, false));
+  if (!plain.HoldsMark()) result = Writer::WithoutMarks(Writer(dialect, shown, extra, true).Write(tree, false));
   result.text = std::move(text);
-  result.extended = extended;
+  result.extended = shown;
   result.faults = std::move(plain.Faults());
+  result.remarks = std::move(plain.Remarks());
   const bool stops = std::ranges::any_of(result.faults, [](const QueryFault& fault) { return fault.stops; });
   if (stops) {
     result.text.clear();

@@ -12,6 +12,7 @@
 
 #include "zrqrybld/base/export.h"
 #include "zrqrybld/base/phrase.h"
+#include "zrqrybld/sql/diagnostics.h"
 #include "zrqrybld/sql/generator.h"
 #include "zrqrybld/sql/query_kind.h"
 #include "zrqrybld/sql/query_snapshot.h"
@@ -46,17 +47,25 @@ struct QueryFault {
   bool stops = true;  ///< whether there is no text because of it
 };
 
+/// What there is to say about a query that is not the one shown.
+struct QueryRemark {
+  std::string name;          ///< of the query; "" of the main one and of members
+  std::size_t member = 0;    ///< which member of its compound it is, from 2; 0 for no member
+  SQLDiagnostic diagnostic;  ///< nothing can be done about it from elsewhere
+};
+
 struct GeneratedQuery {
   /// "" where the dialect cannot say what one of the queries asks for.
   std::string text;
   std::vector<QueryPart> parts;
   std::int32_t extended = 0;  ///< the query that `extra` was for: the one that the panes show
   std::vector<QueryFault> faults;
+  std::vector<QueryRemark> remarks;
 };
 
-/// Writes the statement; `extra` is added to the query with the id `extended`. Takes time in the number of tables,
-/// joins and rows and the length of the text, times the depth of the tree.
-ZRQRYBLD_API GeneratedQuery GenerateQuery(QueryTree tree, const Dialect& dialect, std::int32_t extended = 0,
+/// Writes the statement; `extra` is added to the query with the id `shown`, of which nothing is remarked. Takes time in
+/// the number of tables, joins and rows and the length of the text, times the depth of the tree.
+ZRQRYBLD_API GeneratedQuery GenerateQuery(QueryTree tree, const Dialect& dialect, std::int32_t shown = 0,
                                           const ExtraConditions& extra = {});
 
 }  // namespace zrqrybld

@@ -3,6 +3,7 @@
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/scoped_value.h"
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/base/texts_queries.h"
 #include "zrqrybld/base/texts_sql.h"
 #include "zrqrybld/host/query_context.h"
 #include "zrqrybld/platform/commands.h"
@@ -297,6 +298,13 @@ std::string qbSQLPane::Generate(const std::string& orExpression, const std::stri
 // shown.
 void qbSQLPane::TakeWhole(GeneratedQuery whole, GeneratedSql& shown) {
   shown.text = whole.text;
+  for (QueryRemark& remark : whole.remarks) {
+    const Phrase who = !remark.name.empty() ? Phrase(remark.name)
+                       : remark.member > 0  ? Phrase(text::MemberTitle, remark.member)
+                                            : Phrase(text::MainQueryTitle);
+    SQLDiagnostic& diagnostic = diagnostics_.emplace_back(std::move(remark.diagnostic));
+    diagnostic.what = Phrase(text::RemarkOfQuery, who, diagnostic.what);
+  }
   for (QueryFault& fault : whole.faults) {
     if (fault.what.Empty()) continue;
     SQLDiagnostic& remark = diagnostics_.emplace_back();
@@ -414,8 +422,8 @@ void qbSQLPane::Keep(const std::string& sql, std::string meaning) {
 
 void qbSQLPane::Refresh() {
   const Ref<Object> alive = shared_from_this();  // a listener may let go of it
+  diagnostics_.clear();  // where nothing is generated there is nothing to say
   const std::string text = Present(Generate({}, {}));
-  if (text.empty()) diagnostics_.clear();  // nothing was generated
   failure_ = {};
   replaced_ = false;
   textArea_->SetFault(0, 0);

@@ -317,20 +317,17 @@ class Binder {
   void BindConditions() {
     CriteriaContext context = options_.criteria;
     context.quotePrefix = options_.names.quotePrefix;
-    CriteriaBinder criteria(scope_, fields_, rows_, {query_.groupByMode, options_.criteriaColumns, std::move(context)});
+    CriteriaBinder criteria(
+        scope_, fields_, rows_,
+        {query_.groupByMode, options_.criteriaColumns, options_.usualCriteriaColumns, std::move(context)});
     criteria.isAlias = [this](std::string_view name) { return aliases_.contains(FoldCase(name)); };
-    criteria.Place(WhereAlternatives(), false);
+    criteria.Place(WhereAlternatives(criteria), false);
     if (!statement_.having) return;
-    criteria.Place(Fitting(CriteriaBinder::AlternativesOf(*statement_.having), *statement_.having), true);
+    const Expression& having = *statement_.having;
+    criteria.Place(criteria.Fitting(CriteriaBinder::AlternativesOf(having), having, true), true);
   }
 
-  // One alternative when there are more than the grid has columns.
-  std::vector<CriteriaTerms> Fitting(std::vector<CriteriaTerms> alternatives, const Expression& whole) const {
-    if (alternatives.size() <= options_.criteriaColumns) return alternatives;
-    return {{&whole}};
-  }
-
-  std::vector<CriteriaTerms> WhereAlternatives() {
+  std::vector<CriteriaTerms> WhereAlternatives(const CriteriaBinder& criteria) {
     std::vector<const Expression*> terms = std::move(from_.where);
     std::erase_if(terms, [this](const Expression* term) {
       const std::optional<std::string> limit = AnyRowLimitOf(*term);
@@ -344,7 +341,7 @@ class Binder {
       // A limit would be written behind the last alternative and count for that one alone.
       const bool limitsLastOnly = options_.dialect->limit.place == RowLimit::Place::Condition && !query_.top.empty();
       if (limitsLastOnly && query_.joins.empty() && alternatives.size() > 1) return {{terms[0]}};
-      return Fitting(std::move(alternatives), *terms[0]);
+      return criteria.Fitting(std::move(alternatives), *terms[0], false);
     }
     terms.insert(terms.begin(), from_.conditions.begin(), from_.conditions.end());
     if (terms.empty()) return {};
@@ -382,9 +379,11 @@ class Binder {
         continue;
       }
       const std::size_t row = RowToSort(*item->expression);
-      if (IsSorted(rows_[row])) continue;  // sorting by the same once more changes nothing
+      // Sorting by the same once more changes nothing; in a compound two alike columns are the same in the first member
+      // alone.
+      if (options_.beginsCompound ? rows_[row].sort.place.has_value() : IsSorted(rows_[row])) continue;
       // Nor does sorting by a number of the select list, which would be written as if it were a position.
-      if (rows_[row].output && IsFigures(rows_[row])) continue;
+      if (!options_.beginsCompound && rows_[row].output && IsFigures(rows_[row])) continue;
       const SortDirection direction = item->descending ? SortDirection::Descending : SortDirection::Ascending;
       rows_[row].sort = {direction, ++order, item->nulls};
     }

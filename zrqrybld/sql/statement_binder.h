@@ -24,8 +24,11 @@ struct BindOptions {
   const qbDBFunctions* functions = nullptr;
   NameRules names;
   CriteriaContext criteria;
-  /// How many criteria columns the grid has.
-  std::size_t criteriaColumns = 4;
+  /// Whether members of UNION and its like follow: what it sorts by are columns of them all.
+  bool beginsCompound = false;
+  /// How many criteria columns the grid may have, and how many it has at first.
+  std::size_t criteriaColumns = 101;
+  std::size_t usualCriteriaColumns = 4;
   /// What the diagram holds already, and is to keep where it can.
   DrawnDiagram drawn;
 };

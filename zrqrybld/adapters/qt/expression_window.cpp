@@ -20,9 +20,9 @@
 #include "zrqrybld/adapters/qt/qt_text.h"
 #include "zrqrybld/adapters/qt/qt_text_area.h"
 #include "zrqrybld/adapters/qt/say.h"
-#include "zrqrybld/adapters/qt/sql_highlighter.h"
 #include "zrqrybld/adapters/qt/telling_order.h"
 #include "zrqrybld/base/texts_qt.h"
+#include "zrqrybld/sql/highlighting.h"
 #include "zrqrybld/sql/syntax_error.h"
 
 namespace zrqrybld {

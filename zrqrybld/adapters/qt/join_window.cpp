@@ -22,10 +22,10 @@
 #include "zrqrybld/adapters/qt/qt_text.h"
 #include "zrqrybld/adapters/qt/qt_text_area.h"
 #include "zrqrybld/adapters/qt/say.h"
-#include "zrqrybld/adapters/qt/sql_highlighter.h"
 #include "zrqrybld/adapters/qt/telling_order.h"
 #include "zrqrybld/adapters/qt/theme.h"
 #include "zrqrybld/base/texts_diagram.h"
+#include "zrqrybld/sql/highlighting.h"
 
 namespace zrqrybld {
 namespace {

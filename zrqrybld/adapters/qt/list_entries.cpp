@@ -14,6 +14,7 @@ constexpr int kPadding = 4;
 constexpr int kGap = 24;  // between an entry and what is said about it
 constexpr int kDetailRole = Qt::UserRole + 1;
 constexpr int kKindRole = Qt::UserRole + 2;
+constexpr int kSignsRole = Qt::UserRole + 3;  // whether any entry has a sign: all texts begin behind it then
 
 ColorRole RoleOf(EntryKind kind) {
   switch (kind) {
@@ -71,7 +72,7 @@ EntryKind KindOf(const QModelIndex& index) { return static_cast<EntryKind>(index
 int SignSize(const QFontMetrics& metrics) { return std::max(9, metrics.ascent() - 2); }
 
 int SignSpace(const QFontMetrics& metrics, const QModelIndex& index) {
-  return KindOf(index) == EntryKind::Text ? 0 : SignSize(metrics) + 2 * kPadding;
+  return index.data(kSignsRole).toBool() ? SignSize(metrics) + 2 * kPadding : 0;
 }
 
 }  // namespace
@@ -81,6 +82,7 @@ int SignSpace(const QFontMetrics& metrics, const QModelIndex& index) {
 void EntryModel::SetEntries(std::vector<ListEntry> entries) {
   beginResetModel();
   entries_ = std::move(entries);
+  hasSigns_ = std::ranges::any_of(entries_, [](const ListEntry& entry) { return entry.kind != EntryKind::Text; });
   endResetModel();
 }
 
@@ -98,6 +100,8 @@ QVariant EntryModel::data(const QModelIndex& index, int role) const {
       return ToQString(entry.detail.empty() ? entry.text : entry.text + ", " + entry.detail);
     case kDetailRole:
       return ToQString(entry.detail);
+    case kSignsRole:
+      return hasSigns_;
     case kKindRole:
       return static_cast<int>(entry.kind);
     default:

@@ -22,6 +22,7 @@ class EntryModel : public QAbstractListModel {
 
  private:
   std::vector<ListEntry> entries_;
+  bool hasSigns_ = false;
 };
 
 /// Paints an entry. The sign is told apart without colour, too; a list of plain texts has none.

@@ -2,7 +2,6 @@
 #include "zrqrybld/adapters/qt/named_combo.h"
 
 #include <QAction>
-#include <QCalendarWidget>
 #include <QComboBox>
 #include <QDate>
 #include <QEvent>
@@ -11,21 +10,20 @@
 #include <QIconEngine>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMenu>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QVBoxLayout>
-#include <QWidgetAction>
 #include <algorithm>
 
+#include "zrqrybld/adapters/qt/date_popup.h"
 #include "zrqrybld/adapters/qt/mark.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
 #include "zrqrybld/adapters/qt/qt_text_area.h"
 #include "zrqrybld/adapters/qt/say.h"
-#include "zrqrybld/adapters/qt/sql_highlighter.h"
 #include "zrqrybld/adapters/qt/theme.h"
 #include "zrqrybld/base/texts_qt.h"
 #include "zrqrybld/platform/schema_fields.h"
+#include "zrqrybld/sql/highlighting.h"
 
 namespace zrqrybld {
 namespace {
@@ -221,21 +219,8 @@ void ParametersWindow::AddCalendar(QLineEdit& line) {
   open->setShortcut(Qt::ALT | Qt::Key_Down);
   open->setShortcutContext(Qt::WidgetShortcut);
   connect(open, &QAction::triggered, &line, [&line] {
-    QMenu popup(&line);
-    auto* calendar = new QCalendarWidget;
     const QDate typed = QDate::fromString(line.text().trimmed().left(10), Qt::ISODate);
-    if (typed.isValid()) calendar->setSelectedDate(typed);
-    auto* holder = new QWidgetAction(&popup);
-    holder->setDefaultWidget(calendar);
-    popup.addAction(holder);
-    const auto take = [&](QDate date) {
-      line.setText(date.toString(Qt::ISODate));
-      popup.close();
-    };
-    connect(calendar, &QCalendarWidget::clicked, &popup, take);
-    connect(calendar, &QCalendarWidget::activated, &popup, take);
-    calendar->setFocus();
-    popup.exec(line.mapToGlobal(QPoint(0, line.height())));
+    ChooseDay(line, typed, [&line](QDate date) { line.setText(date.toString(Qt::ISODate)); });
   });
 }
 

@@ -9,7 +9,6 @@
 #include "zrqrybld/adapters/qt/predictive_text.h"
 #include "zrqrybld/adapters/qt/say.h"
 #include "zrqrybld/adapters/qt/shortcuts.h"
-#include "zrqrybld/adapters/qt/sql_highlighter.h"
 #include "zrqrybld/adapters/qt/sql_only_cover.h"
 #include "zrqrybld/adapters/qt/telling_order.h"
 #include "zrqrybld/base/texts_qt.h"
@@ -17,6 +16,7 @@
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/hub/query_menus.h"
 #include "zrqrybld/sql/brackets.h"
+#include "zrqrybld/sql/highlighting.h"
 
 namespace zrqrybld {
 namespace {

@@ -11,19 +11,9 @@
 #include <vector>
 
 #include "zrqrybld/base/export.h"
-#include "zrqrybld/platform/canvas.h"
+#include "zrqrybld/sql/highlighting.h"
 
 namespace zrqrybld {
-
-/// A piece of a text and how it looks. `start` and `length` count bytes of the UTF-8 text. A piece in
-/// the `Error` role is underlined as well, so that it is seen without colour.
-struct TextSpan {
-  std::size_t start = 0;
-  std::size_t length = 0;
-  ColorRole role = ColorRole::Text;
-  bool bold = false;
-  friend bool operator==(const TextSpan&, const TextSpan&) = default;
-};
 
 /// What is known of a line.
 struct LineFacts final : QTextBlockUserData {

@@ -1,4 +1,4 @@
-#include "zrqrybld/adapters/qt/sql_highlighter.h"
+#include "zrqrybld/sql/highlighting.h"
 
 #include <algorithm>
 #include <optional>

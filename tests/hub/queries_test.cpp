@@ -1,0 +1,225 @@
+// Queries within queries: what a typed statement makes of them, and how they are shown, changed, undone, saved.
+#include "zrqrybld/hub/queries.h"
+
+#include "tests/data_table.h"
+#include "tests/error_of.h"
+#include "tests/hub_fixture.h"
+#include "tests/link_panes.h"
+#include "zrqrybld/diagram/diagram_pane.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/hub/statement_loader.h"
+#include "zrqrybld/platform/headless.h"
+#include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/sql_pane.h"
+
+namespace zrqrybld {
+namespace {
+
+class QueriesTest : public test::HubTest {
+ protected:
+  QueriesTest() { Use(); }
+
+  // What each query is, and to whom it belongs: "main, r:with main".
+  static std::string Tree(qbQueryBuilder& hub) {
+    const auto nameOf = [](const qbQuery& query) {
+      return !query.Name().empty() ? query.Name() : query.Kind() == QueryMain ? "main" : "member";
+    };
+    std::string text;
+    for (const Ref<qbQuery>& query : *hub.Queries()) {
+      text += (text.empty() ? "" : ", ") + nameOf(*query);
+      if (query->Kind() == QueryMain) continue;
+      const char* const kinds[] = {"", ":from ", ":with ", ":member "};
+      text += kinds[query->Kind()] + nameOf(*query->Parent());
+    }
+    return text;
+  }
+  std::string Tree() const { return Tree(*hub); }
+
+  // On one line, with one blank for all white space.
+  std::string Written() const {
+    std::string line;
+    for (const char c : sql->SQLStatement()) {
+      const bool blank = c == ' ' || c == '\t' || c == '\r' || c == '\n';
+      if (!blank) line += c;
+      if (blank && !line.ends_with(' ')) line += ' ';
+    }
+    return line.substr(0, line.find_last_not_of(' ') + 1);
+  }
+
+  std::string Shown() const { return hub->Queries()->Current()->Name() + ": " + Captions(); }
+};
+
+TEST_F(QueriesTest, AStatementBecomesItsQueriesAndIsWrittenAnew) {
+  for (const test::Row& row : test::ReadRows("queries.txt")) {
+    SCOPED_TRACE(row.place);
+    sql->SetSQLSyntax(FindDialect(row[0])->syntax);
+    hub->Queries()->Item(1)->Open();
+    sql->ParseSQLStatement("SELECT Name FROM Customers");
+    try {
+      const std::string meaning = MeaningOf(*hub, row[1]);
+      sql->ParseSQLStatement(row[1]);
+      EXPECT_EQ(meaning, sql->SQLStatement());
+    } catch (const Error& error) {
+      hub->SetState(InfoDone);
+      EXPECT_EQ(Tree(), row[2]) << "something was changed";
+      EXPECT_EQ("! " + error.Cause().English(), row[3]);
+      continue;
+    }
+    EXPECT_EQ(Tree(), row[2]);
+    EXPECT_EQ(Written(), row[3]);
+    const std::string written = sql->SQLStatement();
+    sql->ParseSQLStatement(written);
+    EXPECT_EQ(sql->SQLStatement(), written);
+  }
+}
+
+constexpr const char* kThree =
+    "WITH r AS (SELECT CustomerID, COUNT(*) AS n FROM Orders GROUP BY CustomerID) SELECT Name, r.n, d.Total FROM "
+    "Customers JOIN r ON r.CustomerID = Customers.CustomerID JOIN (SELECT CustomerID, Total FROM Orders) d ON "
+    "d.CustomerID = r.CustomerID WHERE r.n > 3";
+
+class ThreeQueries : public QueriesTest {
+ protected:
+  ThreeQueries() {
+    sql->SetSQLSyntax(SQLSyntaxPostgreSQL);
+    sql->ParseSQLStatement(kThree);
+    statement = sql->SQLStatement();
+  }
+  Ref<qbQuery> Query(const std::string& name) const { return hub->Queries()->Item(name); }
+  bool Holds(const std::string& part) const { return Written().find(part) != std::string::npos; }
+  void ExpectAsBefore() const { EXPECT_EQ(sql->SQLStatement(), statement); }
+
+  std::string statement;
+};
+
+TEST_F(ThreeQueries, OneIsShownAndChangedAndUndoneWhereItWasMade) {
+  int told = 0;
+  const EventConnection link = hub->QueriesChanged.Connect([&] { ++told; });
+  Query("r")->Open();
+  EXPECT_EQ(told, 1);
+  EXPECT_EQ(Shown(), "r: Orders");
+  ExpectAsBefore();
+  Set(2, "alias", "number");
+  EXPECT_TRUE(Holds("COUNT(*) AS number FROM")) << Written();
+  EXPECT_TRUE(Holds("r.number, d.Total")) << "who names the column follows";
+  EXPECT_TRUE(Holds("((r.number > 3))"));
+  hub->Queries()->Item(1)->Open();
+  EXPECT_EQ(Items(*diagram->Entities()->Item("r")), "* CustomerID number");
+  EXPECT_EQ(Cell(2, "column"), "number");
+  const std::string renamed = sql->SQLStatement();
+  EXPECT_TRUE(hub->Undo());
+  EXPECT_EQ(Shown(), "r: Orders") << "a step is undone where it was made";
+  ExpectAsBefore();
+  EXPECT_TRUE(hub->Redo());
+  hub->Queries()->Item(1)->Open();
+  EXPECT_EQ(sql->SQLStatement(), renamed);
+  while (hub->Undo()) {
+  }
+  EXPECT_EQ(Tree(), "main");
+  while (hub->Redo()) {
+  }
+  EXPECT_EQ(sql->SQLStatement(), renamed);
+}
+
+TEST_F(ThreeQueries, AColumnThatGoesLeavesItsRowsAndIsTold) {
+  Query("d")->Open();
+  Tick("Orders", "Total", false);
+  hub->Queries()->Item(1)->Open();
+  EXPECT_EQ(Items(*diagram->Entities()->Item("d")), "* CustomerID");
+  EXPECT_TRUE(Holds("d.Total"));
+  hub->Undo();
+  hub->Queries()->Item(1)->Open();
+  EXPECT_EQ(Items(*diagram->Entities()->Item("d")), "* CustomerID Total");
+  ExpectAsBefore();
+}
+
+TEST_F(ThreeQueries, MoveToWithAndBackAreRenamedAndRemoved) {
+  Query("d")->SetKind(QueryCommonTable);
+  EXPECT_TRUE(Holds("), d AS (")) << Written();
+  EXPECT_TRUE(Holds("INNER JOIN d ON"));
+  hub->Undo();
+  ExpectAsBefore();
+  Query("r")->SetName("recent");
+  EXPECT_TRUE(Holds("WITH recent AS (")) << Written();
+  EXPECT_TRUE(Holds("((recent.n > 3))"));
+  hub->Undo();
+  ExpectAsBefore();
+  const Ref<qbQuery> r = Query("r");
+  r->Remove();
+  EXPECT_EQ(Tree(), "main, d:from main");
+  EXPECT_FALSE(Holds("r."));
+  EXPECT_EQ(test::ErrorOf([&] { r->Open(); }), ErrorObjectRemoved);
+  hub->Undo();
+  ExpectAsBefore();
+  EXPECT_EQ(r->Name(), "r") << "undo brings it back";
+  diagram->Entities()->Remove("d");
+  EXPECT_EQ(Tree(), "main, r:with main") << "a query in FROM goes with its box";
+  hub->Undo();
+  ExpectAsBefore();
+  for (const char* name : {"", "d"}) {
+    EXPECT_EQ(test::ErrorOf([&] { Query("r")->SetName(name); }), ErrorInvalidPropertyValue);
+  }
+  EXPECT_EQ(test::ErrorOf([&] { hub->Queries()->Item(1)->Remove(); }), ErrorInvalidPropertyValue);
+  EXPECT_EQ(test::ErrorOf([&] { Query("r")->SetOperator(QueryUnion); }), ErrorInvalidPropertyValue);
+  EXPECT_EQ(test::ErrorOf([&] { Query("nosuch"); }), ErrorNoSuchItem);
+  hub->BeginStep("mine");
+  EXPECT_EQ(test::ErrorOf([&] { Query("r")->Open(); }), ErrorInvalidCall);
+  hub->EndStep();
+  ExpectAsBefore();
+}
+
+TEST_F(ThreeQueries, AreSavedWhicheverIsShownAndLoaded) {
+  const std::string file = hub->SaveQueryToText();
+  Query("r")->Open();
+  EXPECT_EQ(hub->SaveQueryToText(), file);
+  EXPECT_EQ(Shown(), "r: Orders");
+  const Ref<qbQueryBuilder> loaded = qbQueryBuilder::Create(toolkit);
+  test::LinkPanes(*loaded);
+  loaded->SetConnection(source);
+  EXPECT_TRUE(loaded->LoadQuery(file, true));
+  EXPECT_EQ(loaded->LoadRemarks(), std::vector<std::string>());
+  EXPECT_EQ(loaded->SQLPane()->SQLStatement(), statement);
+  EXPECT_EQ(Tree(*loaded), "main, r:with main, d:from main");
+  EXPECT_EQ(loaded->SaveQueryToText(), file);
+  // A parent that is not there, and one query twice.
+  const auto damaged = [&](const std::string& before, const std::string& after) {
+    std::string text = file;
+    return text.replace(text.find(before), before.size(), after);
+  };
+  for (const std::string& text : {damaged("Parent=0", "Parent=7"), damaged("Id=2", "Id=1"), damaged("Kind=2", "Kind=9"),
+                                  damaged("LineCount=", "LineCount=9")}) {
+    EXPECT_EQ(test::ErrorOf([&] { loaded->LoadQuery(text, true); }), ErrorLoadingQuery);
+  }
+}
+
+TEST_F(ThreeQueries, AreDesignedFromNothing) {
+  diagram->Clear();
+  EXPECT_EQ(Tree(), "main") << "an empty design holds no queries";
+  const Ref<qbQuery> inner = hub->Queries()->Add(QueryDerivedTable);
+  EXPECT_EQ(inner->Name(), "Query");
+  EXPECT_EQ(Captions(), "Query");
+  inner->Open();
+  hub->AddTable("Customers");
+  Tick("Customers", "Name");
+  hub->Queries()->Item(1)->Open();
+  Tick("Query", "Name");
+  const Ref<qbQuery> member = hub->Queries()->Add(QueryMember);
+  member->Open();
+  hub->AddTable("Orders");
+  Tick("Orders", "Total");
+  member->SetOperator(QueryExcept);
+  EXPECT_TRUE(Holds("EXCEPT SELECT Orders.Total FROM Orders")) << Written();
+  EXPECT_TRUE(Holds("SELECT Query.Name FROM ( SELECT Customers.Name FROM Customers ) AS Query")) << Written();
+  Tick("Orders", "OrderID");
+  ASSERT_FALSE(sql->Remarks().empty());
+  EXPECT_EQ(sql->Remarks().back(), "The query outputs 2 columns, the first one 1: servers want the same number.");
+  sql->SetSQLSyntax(SQLSyntaxAccess);
+  sql->Refresh();
+  EXPECT_EQ(sql->SQLStatement(), "") << "Access has no EXCEPT";
+  EXPECT_EQ(sql->Diagnostics().back().kind, DiagnosticQueryNotWritten);
+}
+
+}  // namespace
+}  // namespace zrqrybld

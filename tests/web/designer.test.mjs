@@ -1,0 +1,356 @@
+// The designer in a real browser: what a person does with mouse, keys and fingers, and what a page does to the element.
+//
+//   node --test tests/web    PACKAGE: the package for npm, MODULES: a folder with playwright-core; PICTURES: where to keep some
+import assert from 'node:assert/strict';
+import {createServer} from 'node:http';
+import {readFile} from 'node:fs/promises';
+import {createRequire} from 'node:module';
+import {extname, join, normalize} from 'node:path';
+import {after, before, describe, test} from 'node:test';
+import {pathToFileURL} from 'node:url';
+
+const root = new URL('../../', import.meta.url).pathname;
+const folder = process.env.PACKAGE ?? join(root, 'build/wasm/npm');
+const {chromium} = createRequire(pathToFileURL(process.env.MODULES ?? join(root, 'build/node/')))('playwright-core');
+const types = {'.html': 'text/html', '.js': 'text/javascript', '.mjs': 'text/javascript', '.css': 'text/css', '.wasm': 'application/wasm'};
+// As strict as the package promises to live with.
+const policy = "default-src 'self'; script-src 'self' 'wasm-unsafe-eval'; style-src 'self'; img-src 'self'";
+
+const server = createServer(async (request, answer) => {
+  const path = normalize(new URL(request.url, 'http://x').pathname);
+  const file = path.startsWith('/zrqrybld/') ? join(folder, path.slice(10)) : join(root, 'tests/web', path);
+  try {
+    const bytes = await readFile(file);
+    answer.writeHead(200, {'Content-Type': types[extname(file)] ?? 'text/plain', 'Content-Security-Policy': policy}).end(bytes);
+  } catch {
+    answer.writeHead(404).end();
+  }
+});
+
+let browser, page;
+
+async function openPage(options = {}) {
+  const context = await browser.newContext({viewport: {width: 1000, height: 700}, permissions: ['clipboard-read', 'clipboard-write'], ...options});
+  const opened = await context.newPage();
+  await opened.goto(`http://127.0.0.1:${server.address().port}/page.html`);
+  await opened.waitForSelector('html[data-ready]');
+  return opened;
+}
+
+const sql = () => page.evaluate(() => designer.sql.replace(/\s+/g, ' ').trim());
+const inPage = work => page.evaluate(work);
+const picture = async name => { if (process.env.PICTURES) await page.screenshot({path: join(process.env.PICTURES, `${name}.png`)}); };
+
+// Where an object stands, by its role and name as assistive technology hears them.
+async function place(role, name, at = 0.5) {
+  await page.waitForTimeout(200);  // the tree follows what is painted
+  const found = await page.evaluate(([role, name]) => {
+    for (const node of designer.shadowRoot.querySelectorAll(`.access [role=${role}]`)) {
+      if (!node.getAttribute('aria-label').startsWith(name)) continue;
+      const canvas = node.closest('.pane').querySelector('canvas').getBoundingClientRect();
+      const [left, top, width, height] = node.dataset.bounds.split(' ').map(Number);
+      return {x: canvas.left + left, y: canvas.top + top, width, height};
+    }
+    return null;
+  }, [role, name]);
+  assert.ok(found, `no ${role} "${name}"`);
+  return {x: found.x + found.width * at, y: found.y + found.height / 2, ...{width: found.width}};
+}
+
+async function drag(from, to) {
+  await page.mouse.move(from.x, from.y);
+  await page.mouse.down();
+  for (let i = 1; i <= 8; ++i) await page.mouse.move(from.x + (to.x - from.x) * i / 8, from.y + (to.y - from.y) * i / 8);
+  await page.mouse.up();
+}
+
+async function twoTables() {
+  await inPage(() => { query().AddTable('Customers'); query().AddTable('Orders'); });
+}
+
+before(async () => {
+  await new Promise(done => server.listen(0, '127.0.0.1', done));
+  browser = await chromium.launch({ignoreDefaultArgs: ['--hide-scrollbars'], executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium', args: ['--no-sandbox', '--disable-gpu',
+    '--disable-quic', '--no-first-run', '--disable-background-networking', '--disable-component-update', '--disable-sync']});
+});
+after(async () => {
+  await browser?.close();
+  server.close();
+});
+
+// Each test begins with a page of its own and ends without a fault that the page has seen.
+function inBrowser(name, work, options) {
+  test(name, async () => {
+    page = await openPage(options);
+    try {
+      await work();
+      assert.deepEqual(await inPage(() => faults), []);
+    } finally {
+      await page.context().close();
+    }
+  });
+}
+
+describe('a person', () => {
+  inBrowser('ticks, joins and drags with the mouse, and takes it back', async () => {
+    await twoTables();
+    const name = await place('option', 'Name', 0.05);
+    await page.mouse.click(name.x, name.y);
+    assert.equal(await sql(), 'SELECT Customers.Name FROM Customers, Orders');
+    await drag(await place('option', 'CustomerID'), await place('option', 'Buyer'));
+    assert.match(await sql(), /JOIN Orders ON Orders.Buyer = Customers.CustomerID/);
+    const total = await place('option', 'Total');
+    const canvas = await page.locator('#grid canvas').boundingBox();
+    await drag(total, {x: canvas.x + 150, y: canvas.y + 60});
+    assert.match(await sql(), /^SELECT Customers.Name, Orders.Total FROM/);
+    await picture('designed');
+    await page.keyboard.press('Control+z');
+    assert.match(await sql(), /^SELECT Customers.Name FROM .*JOIN/);
+    await page.locator('.tools button', {hasText: 'Undo'}).click();
+    assert.doesNotMatch(await sql(), /JOIN/);
+    await page.locator('.tools button', {hasText: 'Redo'}).click();
+    assert.match(await sql(), /JOIN/);
+  });
+
+  inBrowser('ticks by keys, edits a cell, and takes from its list', async () => {
+    await twoTables();
+    await page.locator('#diagram canvas').focus();
+    await page.keyboard.press('Tab');
+    await page.keyboard.press('Enter');
+    for (const key of ['ArrowDown', 'ArrowDown', 'Space']) await page.keyboard.press(key);
+    assert.match(await sql(), /^SELECT \w+\.\w+ FROM/);
+    const canvas = await page.locator('#grid canvas').boundingBox();
+    const criteria = await page.evaluate(() => { query().GridPane.Grid.GotoRowCol(1, 'criteria'); return true; });
+    assert.ok(criteria && canvas);
+    await page.locator('#grid canvas').focus();
+    await page.keyboard.type('> 5');
+    assert.equal(await page.locator('#grid .editor:not([hidden])').inputValue(), '> 5');
+    await page.keyboard.press('Enter');
+    assert.match(await sql(), /WHERE .* > '?5'?/);
+    await page.keyboard.press('F6');
+    assert.equal(await inPage(() => designer.shadowRoot.activeElement.className), 'sql');
+  });
+
+  inBrowser('types a statement, which is read; a fault is marked where it stands', async () => {
+    const text = page.locator('textarea.sql');
+    await text.fill('SELECT Name FROM Customers WHERE CustomerID > 3');
+    await page.keyboard.press('Control+Enter');
+    assert.match(await sql(), /^SELECT Customers.Name FROM Customers WHERE/);
+    assert.equal(await inPage(() => query().DiagramPane.Entities.Count), 1);
+    assert.ok(await page.locator('.colors .role-keyword').count() >= 3);
+    await text.fill('SELECT Name FRM Customers');
+    await page.keyboard.press('Control+Enter');
+    assert.ok(await page.locator('.colors .fault').count() === 1);
+    assert.ok((await page.locator('.remarks').innerText()).length > 10);
+    await picture('fault');
+  });
+
+  inBrowser('is offered what fits while typing a statement', async () => {
+    await twoTables();
+    await page.locator('textarea.sql').fill('SELECT Orders.');
+    await page.keyboard.press('Control+Space');
+    await page.locator('.list li', {hasText: 'Total'}).click();
+    assert.match(await page.locator('textarea.sql').inputValue(), /Orders\.Total$/);
+  });
+
+  inBrowser('walks menus and windows by keys alone', async () => {
+    await twoTables();
+    const box = await place('listbox', 'Orders');
+    await page.mouse.click(box.x, box.y);
+    await page.keyboard.press('Shift+F10');
+    await page.waitForSelector('.menu [role=menuitem]');
+    await picture('menu');
+    await page.keyboard.press('Escape');
+    assert.equal(await page.locator('.menu').count(), 0);
+    await page.keyboard.press('F2');
+    await page.waitForSelector('dialog[open] input');
+    await page.keyboard.type('Customers');  // taken
+    await page.keyboard.press('Enter');
+    assert.equal(await page.locator('dialog .problem:not([hidden])').count(), 1);
+    await page.keyboard.press('Control+a');
+    await page.keyboard.type('o & p');
+    await page.keyboard.press('Enter');
+    assert.deepEqual(await page.locator('dialog').allInnerTexts(), []);
+    assert.equal(await inPage(() => query().DiagramPane.Entities.Item(2).Caption), 'o & p');
+  });
+
+  inBrowser('adds tables from a window, and sees names as they are', async () => {
+    await page.locator('.tools button').first().click();
+    await page.locator('dialog option', {hasText: '<img'}).click();
+    await picture('tables');
+    await page.keyboard.press('Enter');
+    await page.keyboard.press('Escape');
+    assert.equal(await inPage(() => query().DiagramPane.Entities.Count), 1);
+    const row = await place('option', '<b>a</b>', 0.05);
+    await page.mouse.click(row.x, row.y);
+    assert.match(await sql(), /"<b>a<\/b>"/);
+    assert.equal(await inPage(() => window.hacked ?? designer.shadowRoot.querySelectorAll('img, b').length), 0);
+  });
+
+  inBrowser('edits a join in its window', async () => {
+    await inPage(() => {
+      query().AllowJoinProperties = true;
+      designer.sql = 'SELECT Customers.Name FROM Customers INNER JOIN Orders ON Customers.CustomerID = Orders.Buyer';
+      query().ShowJoinProperties(query().DiagramPane.Entities.Item('Customers').Relationships.Item(1));
+    });
+    await page.waitForSelector('dialog.join');
+    await picture('join');
+    await page.locator('dialog.join input[type=checkbox]').first().check();
+    await page.locator('dialog.join button.main').click();
+    assert.match(await sql(), /(LEFT|RIGHT) (OUTER )?JOIN/);
+    assert.equal(await inPage(() => query().UndoText), 'Edit join');
+  });
+
+  inBrowser('copies and pastes rows of the grid', async () => {
+    await twoTables();
+    await inPage(() => { designer.sql = 'SELECT Orders.Total FROM Orders'; });
+    await page.evaluate(() => navigator.clipboard.writeText('Buyer\tOrders'));
+    await inPage(() => query().GridPane.Grid.GotoRowCol(2, 'column'));
+    await page.locator('#grid canvas').focus();
+    await page.keyboard.press('Escape');
+    await page.keyboard.press('Control+v');
+    await page.waitForTimeout(100);
+    assert.match(await sql(), /Orders.Buyer/);
+  });
+});
+
+describe('fingers', () => {
+  inBrowser('tap a column, and hold it for its menu', async () => {
+    await twoTables();
+    const name = await place('option', 'Name', 0.05);
+    await page.touchscreen.tap(name.x, name.y);
+    assert.match(await sql(), /^SELECT Customers.Name/);
+    const client = await page.context().newCDPSession(page), at = await place('option', 'CustomerID');
+    await client.send('Input.dispatchTouchEvent', {type: 'touchStart', touchPoints: [{x: at.x, y: at.y}]});
+    await page.waitForTimeout(800);
+    await client.send('Input.dispatchTouchEvent', {type: 'touchEnd', touchPoints: []});
+    await page.waitForSelector('.menu [role^=menuitem]');
+  }, {hasTouch: true});
+});
+
+describe('the screen', () => {
+  for (const [name, options] of [['dark', {colorScheme: 'dark'}], ['forced', {forcedColors: 'active'}], ['twice', {deviceScaleFactor: 2}]]) {
+    inBrowser(`is painted for ${name}`, async () => {
+      await twoTables();
+      await page.waitForTimeout(200);
+      const seen = await inPage(() => {
+        const canvas = designer.shadowRoot.querySelector('#diagram canvas'), box = canvas.getBoundingClientRect();
+        const [r, g, b] = canvas.getContext('2d').getImageData(4, 4, 1, 1).data;
+        return {scale: canvas.width / box.width, light: (r + g + b) / 3};
+      });
+      assert.equal(Math.round(seen.scale), options.deviceScaleFactor ?? 1);
+      assert.equal(seen.light < 80, name === 'dark', JSON.stringify(seen));
+      await picture(name);
+    }, options);
+  }
+
+  inBrowser('is a mirror from right to left', async () => {
+    await twoTables();
+    const before = await place('listbox', 'Customers');
+    await inPage(() => { designer.dir = 'rtl'; });
+    const {x} = await place('listbox', 'Customers');
+    assert.ok(x > 500 && before.x < 500, `${before.x} ${x}`);
+    const name = await place('option', 'Name', 0.95);
+    await page.mouse.click(name.x, name.y);
+    assert.match(await sql(), /^SELECT Customers.Name/);
+    await picture('mirror');
+  });
+
+  inBrowser('is told to a screen reader', async () => {
+    await twoTables();
+    await inPage(() => { designer.sql = 'SELECT Customers.Name FROM Customers'; });
+    await page.waitForTimeout(300);
+    const tree = await inPage(() => [...designer.shadowRoot.querySelectorAll('#diagram .access [role=option]')]
+      .map(node => `${node.getAttribute('aria-label').split(',')[0]} ${node.getAttribute('aria-checked')}`));
+    assert.deepEqual(tree, ['all columns false', 'CustomerID false', 'Name true']);
+    const cells = await page.locator('#grid .access [role=gridcell]').count();
+    assert.ok(cells > 10, String(cells));
+  });
+});
+
+describe('a page', () => {
+  inBrowser('removes the element while a window is open, moves it, and puts it back', async () => {
+    await twoTables();
+    await inPage(() => query().DiagramPane.AskForAlias(query().DiagramPane.Entities.Item(1)));
+    await page.waitForSelector('dialog[open]');
+    await inPage(() => designer.remove());
+    await page.waitForTimeout(100);
+    assert.equal(await inPage(() => designer.query), null);
+    await inPage(() => document.body.append(designer));
+    await page.waitForFunction(() => designer.query);
+    assert.equal(await inPage(() => designer.query.DiagramPane.Entities.Count), 2);
+    await inPage(() => { const box = document.createElement('div'); document.body.append(box); box.append(designer); });
+    await page.waitForTimeout(100);
+    assert.equal(await inPage(() => designer.query.DiagramPane.Entities.Count), 2);
+  });
+
+  inBrowser('is told of changes once an action, and may remove the element then', async () => {
+    await inPage(() => {
+      window.told = [];
+      designer.addEventListener('change', event => { told.push(event.detail.sql); if (told.length === 2) designer.remove(); });
+    });
+    await inPage(() => { designer.sql = 'SELECT Name FROM Customers'; });
+    await inPage(() => { query().AddTable('Orders'); });
+    await page.waitForTimeout(100);
+    assert.equal(await inPage(() => told.length), 2);
+  });
+
+  inBrowser('hears of sources that fail, are late, or come out of order', async () => {
+    const seen = await inPage(async () => {
+      const errors = [];
+      designer.addEventListener('error', event => { errors.push(event.detail.message); event.preventDefault(); });
+      designer.connection = {schema: () => Promise.reject(new Error('no network'))};
+      await designer.connected;
+      designer.connection = {tables: [{name: ''}]};
+      await designer.connected;
+      const late = ms => ({schema: () => new Promise(done => setTimeout(() => done({tables: [{name: `T${ms}`}]}), ms))});
+      designer.connection = late(150);
+      const first = designer.connected;
+      designer.connection = late(10);
+      return {errors, which: [await designer.connected, await first], table: query().HasTable('T10')};
+    });
+    assert.deepEqual(seen, {errors: ['no network', 'tables[0] has no name.'], which: [true, false], table: true});
+  });
+
+  inBrowser('gives the memory of a hundred elements back', async () => {
+    const grown = await inPage(async () => {
+      const module = (await load()).module, round = async count => {
+        for (let i = 0; i < count; ++i) {
+          const made = document.createElement('zr-query-designer');
+          document.body.append(made);
+          await made.ready;
+          made.connection = schema;
+          await made.connected;
+          made.sql = 'SELECT Name FROM Customers';
+          made.remove();
+          await new Promise(done => setTimeout(done));
+        }
+      };
+      await round(20);
+      const before = module.HEAPU8.length;
+      await round(80);
+      return {by: module.HEAPU8.length - before, views: module.page.objects.size};
+    });
+    assert.ok(grown.by <= 4 << 20, `${grown.by} bytes`);
+    assert.ok(grown.views <= 10, `${grown.views} objects`);
+  });
+});
+
+test('the same package works in Node, without a page', async () => {
+  const {load} = await import(pathToFileURL(join(folder, 'library.js')));
+  const {connectionTo} = await import(pathToFileURL(join(folder, 'connection.js')));
+  const library = await load(), query = library.create('qbQueryBuilder');
+  for (const pane of ['Diagram', 'Grid', 'SQL']) query[`${pane}Pane`] = library.create(`qb${pane}Pane`);
+  query.Connection = await connectionTo(library, {tables: [{name: 'Ärzte', columns: ['Name', 'seit']}]});
+  let told = 0;
+  const off = query.SQLPane.on('SQLChanged', () => ++told);
+  query.SQLPane.ParseSQLStatement('select Name from "Ärzte" where seit > 2000');
+  assert.match(query.SQLPane.SQLStatement, /SELECT\s+"?Ärzte"?\.Name\s+FROM/);
+  assert.ok(told > 0);
+  off();
+  assert.deepEqual([...query.DiagramPane.Entities].map(entity => entity.Caption), ['Ärzte']);
+  query.SQLPane.SQLSyntax = library.constants.SQLSyntaxEnum.SQLSyntaxOracle ?? 2;
+  query.SQLPane.Refresh();
+  assert.throws(() => query.SQLPane.ParseSQLStatement('select x frm y'), error => error.number === 40002);
+  assert.throws(() => query.NoSuchMember, error => error.number === 438);
+});
