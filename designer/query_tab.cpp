@@ -7,6 +7,8 @@
 #include "designer/guarded.h"
 #include "designer/plain_box.h"
 #include "designer/recent_connections.h"
+#include "designer/row_count.h"
+#include "zrqrybld/adapters/qt/qt_dialogs.h"
 #include "zrqrybld/adapters/qt/waiting_provider.h"
 #include "zrqrybld/adapters/sqlite/sqlite_provider.h"
 #include "zrqrybld/base/texts_designer.h"
@@ -70,6 +72,9 @@ void QueryTab::MakeHub() {
 #if ZRQRYBLD_HAS_ODBC
   hub.GetToolkit().Providers()->Register(MakeWaitingProvider(std::make_shared<OdbcProvider>(), texts_));
 #endif
+  if (auto* dialogs = dynamic_cast<QtDialogs*>(&hub.GetToolkit().GetDialogs())) {
+    dialogs->SetRowCounter(CounterFor(hub));
+  }
   hub.SetAllowJoinProperties(true);
   hub.SetAutoSyntax(true);
   // A plain tick means a plain column; grouping is a choice.

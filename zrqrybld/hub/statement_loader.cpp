@@ -5,6 +5,7 @@
 #include "zrqrybld/hub/statement_loader.h"
 
 #include <algorithm>
+#include <optional>
 #include <unordered_set>
 
 #include "zrqrybld/base/texts_hub.h"
@@ -19,7 +20,9 @@
 #include "zrqrybld/hub/hub.h"
 #include "zrqrybld/hub/table_plan.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/from_binder.h"
 #include "zrqrybld/sql/generator.h"
+#include "zrqrybld/sql/question_reader.h"
 #include "zrqrybld/sql/source_lexer.h"
 #include "zrqrybld/sql/source_rules.h"
 #include "zrqrybld/sql/sql_pane.h"
@@ -193,20 +196,35 @@ std::string Readable(std::string_view typed, const CriteriaContext& criteria) {
   return sql;
 }
 
+// What the diagram holds of the first tables; their joins are brought to the front.
+DrawnDiagram OnlyTables(DrawnDiagram& drawn, std::vector<Ref<qbRelationship>>& joins, std::size_t tables) {
+  DrawnDiagram own;
+  std::vector<DrawnJoin> others;
+  std::vector<Ref<qbRelationship>> ownJoins, otherJoins;
+  for (const std::size_t table : drawn.order) {
+    if (table < tables) own.order.push_back(table);
+  }
+  for (std::size_t i = 0; i < joins.size(); ++i) {
+    const bool isOwn = std::max(drawn.joins[i].source, drawn.joins[i].target) < tables;
+    (isOwn ? own.joins : others).push_back(drawn.joins[i]);
+    (isOwn ? ownJoins : otherJoins).push_back(joins[i]);
+  }
+  drawn.joins = own.joins;
+  drawn.joins.insert(drawn.joins.end(), others.begin(), others.end());
+  joins = std::move(ownJoins);
+  joins.insert(joins.end(), otherJoins.begin(), otherJoins.end());
+  return own;
+}
+
 // A typed statement with every name resolved; nothing is changed yet.
 class ReadStatement {
  public:
   ReadStatement(qbQueryBuilder& hub, std::string_view typed)
-      : options_(OptionsOf(hub)),
-        sql_(Readable(typed, options_.criteria)),
-        statement_(ParseSelect(sql_, {.openParenthesesInFrom = options_.dialect->leavesParenthesesOpen,
-                                      .pipesMayBeOr = options_.dialect->pipesMayBeOr})),
-        plan_(hub, statement_, options_.names) {
-    options_.drawn = plan_.Drawn(drawnJoins_);
-    bound_ = BindStatement(statement_, plan_, options_);
+      : hub_(hub), options_(OptionsOf(hub)), sql_(Readable(typed, options_.criteria)) {
+    if (!ReadWithQuestions()) Read();
   }
 
-  void Load(qbQueryBuilder& hub) { DesignWriter(hub, plan_.Tables(), bound_, drawnJoins_).Write(); }
+  void Load() { DesignWriter(hub_, plan_->Tables(), bound_, drawnJoins_).Write(); }
 
   // The query as the diagram and the grid would hold it.
   QuerySnapshot Design() const {
@@ -230,10 +248,50 @@ class ReadStatement {
   }
 
  private:
+  SelectStatement Parse() const {
+    return ParseSelect(sql_, {.openParenthesesInFrom = options_.dialect->leavesParenthesesOpen,
+                              .pipesMayBeOr = options_.dialect->pipesMayBeOr});
+  }
+
+  // The diagram's joins of all planned tables, and in the options those of the statement's own, which come first.
+  DrawnDiagram TakeDrawn(std::size_t tables) {
+    drawnJoins_.clear();
+    DrawnDiagram drawn = plan_->Drawn(drawnJoins_);
+    options_.drawn = OnlyTables(drawn, drawnJoins_, tables);
+    return drawn;
+  }
+
+  void Read() {
+    const SelectStatement statement = Parse();
+    const std::vector<const FromItem*> tables = TablesOf(statement);
+    plan_.emplace(hub_, tables, options_.names);
+    TakeDrawn(tables.size());
+    bound_ = BindStatement(statement, *plan_, options_);
+  }
+
+  // With EXISTS (...) as joins that ask; false when there is none, or what it asks is not for joins.
+  bool ReadWithQuestions() {
+    SelectStatement statement = Parse();
+    const std::vector<ReadQuestion> questions = TakeQuestions(statement);
+    if (questions.empty()) return false;
+    std::vector<const FromItem*> tables = TablesOf(statement);
+    const std::size_t own = tables.size();
+    const std::vector<const FromItem*> asked = TablesOf(questions);
+    tables.insert(tables.end(), asked.begin(), asked.end());
+    try {
+      plan_.emplace(hub_, tables, options_.names);
+      const DrawnDiagram drawn = TakeDrawn(own);
+      bound_ = BindStatement(statement, *plan_, options_);
+      return BindQuestions(bound_, questions, *plan_, options_, drawn);
+    } catch (const SyntaxError&) {
+      return false;  // told where the whole is read
+    }
+  }
+
+  qbQueryBuilder& hub_;
   BindOptions options_;
   std::string sql_;
-  SelectStatement statement_;
-  TablePlan plan_;
+  std::optional<TablePlan> plan_;
   std::vector<Ref<qbRelationship>> drawnJoins_;
   BoundStatement bound_;
 };
@@ -245,7 +303,7 @@ std::string MeaningOf(qbQueryBuilder& hub, std::string_view sql) {
 }
 
 void qbQueryBuilder::LoadStatement(const std::string& sql) {
-  WholeOrNothing(RefTo(*this), [&] { ReadStatement(*this, sql).Load(*this); });
+  WholeOrNothing(RefTo(*this), [&] { ReadStatement(*this, sql).Load(); });
 }
 
 }  // namespace zrqrybld

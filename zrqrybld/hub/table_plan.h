@@ -34,8 +34,9 @@ struct PlannedTable {
 
 class TablePlan final : public QuerySource {
  public:
-  /// Nothing is changed yet. The hub and the statement must outlive the plan.
-  TablePlan(qbQueryBuilder& hub, const SelectStatement& statement, const NameRules& rules);
+  /// Of tables as they are written, in the order in which the binder asks for them. Nothing is changed yet. The hub and
+  /// the statement must outlive the plan.
+  TablePlan(qbQueryBuilder& hub, const std::vector<const FromItem*>& tables, const NameRules& rules);
 
   std::vector<PlannedTable>& Tables() { return tables_; }
   const std::vector<PlannedTable>& Tables() const { return tables_; }
