@@ -74,5 +74,34 @@ void Paint(benchmark::State& state) {
 }
 BENCHMARK(Paint)->Arg(5)->Arg(50)->Arg(500);
 
+// So many tables, each joined to the one before it by its foreign key and by a second pair of columns.
+Ref<qbQueryBuilder> MakePairs(int tables) {
+  Ref<qbQueryBuilder> hub = MakeDesigner(12);
+  AddTables(*hub, tables);
+  const StepScope step(hub, "Join");
+  for (int i = 2; i <= tables; ++i) {
+    const Ref<qbRelationship> join = hub->Entities()->Item(i)->Relationships()->Add(hub->Entities()->Item(i - 1));
+    join->SetSourceItemIndex(5);
+    join->SetTargetItemIndex(5);
+  }
+  return hub;
+}
+
+// From a tick to the text, among twice as many joins as tables.
+void TickAmongPairs(benchmark::State& state) {
+  const Ref<qbQueryBuilder> hub = MakePairs(static_cast<int>(state.range(0)));
+  const Ref<qbEntityItem> item = hub->Entities()->Item(1)->Items()->Item(ColumnName(7));
+  for (auto _ : state) item->SetChecked(!item->Checked());
+}
+BENCHMARK(TickAmongPairs)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);
+
+void PaintPairs(benchmark::State& state) {
+  const Ref<qbQueryBuilder> hub = MakePairs(static_cast<int>(state.range(0)));
+  CountingCanvas canvas;
+  const PixelSize size = hub->DiagramPane()->GetSurface().ViewSize();
+  for (auto _ : state) hub->DiagramPane()->Paint(canvas, {{}, {}, size.width, size.height});
+}
+BENCHMARK(PaintPairs)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);
+
 }  // namespace
 }  // namespace zrqrybld::bench

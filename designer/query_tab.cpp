@@ -12,6 +12,8 @@
 #include "zrqrybld/adapters/qt/conditions_view.h"
 #include "zrqrybld/adapters/qt/query_bar.h"
 #include "zrqrybld/adapters/qt/telling_order.h"
+#include "designer/row_count.h"
+#include "zrqrybld/adapters/qt/qt_dialogs.h"
 #include "zrqrybld/adapters/qt/waiting_provider.h"
 #include "zrqrybld/adapters/sqlite/sqlite_provider.h"
 #include "zrqrybld/base/texts_designer.h"
@@ -114,6 +116,9 @@ void QueryTab::MakeHub() {
 #if ZRQRYBLD_HAS_ODBC
   hub.GetToolkit().Providers()->Register(MakeWaitingProvider(std::make_shared<OdbcProvider>(), texts_));
 #endif
+  if (auto* dialogs = dynamic_cast<QtDialogs*>(&hub.GetToolkit().GetDialogs())) {
+    dialogs->SetRowCounter(CounterFor(hub));
+  }
   hub.SetAllowJoinProperties(true);
   hub.SetAutoSyntax(true);
   // A plain tick means a plain column; grouping is a choice.

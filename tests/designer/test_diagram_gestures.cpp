@@ -19,6 +19,7 @@
 #include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/hub/hub.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 namespace {
@@ -255,7 +256,8 @@ class DiagramGestures : public test::DesignerWindow {
   QPoint pointer_;
 };
 
-// From the first drag to the last undo: two pairs drawn, the kind by menu, comparison and condition by keys.
+// From the first drag to the last undo: two pairs drawn, the kind by menu, comparison and condition by keys, and at last
+// a question.
 TEST_F(DiagramGestures, AJoinOfTwoColumnsIsOneInEveryHand) {
   OpenSample();
   Begin();
@@ -297,9 +299,13 @@ TEST_F(DiagramGestures, AJoinOfTwoColumnsIsOneInEveryHand) {
   EXPECT_EQ(
       Joins(),
       "Order.CustomerID>Customers.CustomerID?Customers.City = 'x':1 Order.EmployeeID>Customers.City<=:1" + others);
-  play("move empty; picture asked; key Del");
+  play("move empty; picture asked; move line 1; choose Kind > Customers without; move empty; picture missing");
+  const std::string statement = Hub().SQLPane()->SQLStatement();
+  EXPECT_NE(statement.find("NOT EXISTS (SELECT *"), std::string::npos) << statement;
+  EXPECT_EQ(statement.find("JOIN"), std::string::npos) << statement;
+  play("key Del");
   EXPECT_EQ(Joins(), "Order Lines.OrderID>Order.OrderID");
-  for (int i = 0; i < 5; ++i) Hub().Undo();
+  for (int i = 0; i < 6; ++i) Hub().Undo();
   EXPECT_EQ(Joins(), start);
 }
 

@@ -97,7 +97,7 @@ TEST(Routing, EndsAtTheBoxesAndRunsAroundThem) {
     const auto height = [&](const PixelRect& rect) { return rect.top + 1_px + upTo(38); };
     const LineEnd from{a, height(a)};
     const LineEnd to{b, height(b)};
-    const std::vector<PixelPoint> line = RouteLine(from, to, {14_px});
+    const std::vector<PixelPoint> line = RouteLine(from, to, 14_px);
     ASSERT_GE(line.size(), 2u);
     const auto atEdge = [](PixelPoint p, const LineEnd& end) {
       return p.y == end.y && (p.x == end.box.left || p.x == end.box.Right());

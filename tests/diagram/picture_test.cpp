@@ -88,7 +88,7 @@ TEST(Arrange, BoxesDoNotTouchAndJoinedOnesStandInNeighbouringColumns) {
 bool RunsUnderABox(const JoinPlace& join, const std::vector<PixelRect>& boxes) {
   const PixelRect& from = boxes[join.from];
   const PixelRect& to = boxes[join.to];
-  const auto line = RouteLine({from, from.top + join.fromY}, {to, to.top + join.toY}, {14_px});
+  const auto line = RouteLine({from, from.top + join.fromY}, {to, to.top + join.toY}, 14_px);
   return std::ranges::any_of(boxes, [&](const PixelRect& box) {
     if (&box == &from || &box == &to) return false;
     for (std::size_t i = 1; i < line.size(); ++i) {

@@ -27,10 +27,12 @@ struct Step {
 // table that is met stands right behind the one it was met from.
 class Order {
  public:
-  explicit Order(const Design& design) : design_(design) {
-    for (std::size_t j = 0; j < design.joins.size(); ++j) joins_.push_back(j);
+  Order(const Design& design, const std::set<std::size_t>& tables) : design_(design) {
+    for (std::size_t j = 0; j < design.joins.size(); ++j) {
+      if (design.joins[j].question == 0 && tables.contains(design.joins[j].left)) joins_.push_back(j);
+    }
     std::ranges::stable_sort(joins_, {}, [&](std::size_t j) { return design.joins[j].left; });
-    for (std::size_t table = 0; table < design.tables.size(); ++table) {
+    for (const std::size_t table : tables) {
       if (!Has(table)) Visit(table, order_.size());
     }
   }
@@ -87,10 +89,19 @@ class Evaluation {
   }
 
   std::optional<std::vector<Row>> Run() {
-    if (!Join()) return std::nullopt;
-    std::erase_if(rows_, [this](const Combination& row) {
-      return !Chosen(false, [&](const Design::Field& field) { return At(row, field); });
-    });
+    for (std::size_t table = 0; table < tables_.size(); ++table) {
+      if (!FindQuestion(table)) return std::nullopt;
+    }
+    std::set<std::size_t> own;
+    for (std::size_t table = 0; table < tables_.size(); ++table) {
+      if (!IsAsked(table)) own.insert(table);
+    }
+    if (!Join(own)) return std::nullopt;
+    std::size_t steps = rows_.size();
+    for (const Question& question : questions_) steps *= std::max<std::size_t>(question.rows.size(), 1);
+    constexpr std::size_t kMostSteps = 1'000'000;
+    if (!questions_.empty() && steps > kMostSteps) return std::nullopt;
+    std::erase_if(rows_, [this](const Combination& row) { return !IsChosen(row); });
     return Finish(IsGrouped() ? Groups() : Single());
   }
 
@@ -100,9 +111,83 @@ class Evaluation {
   }
   Cell At(const Combination& row, const Design::Field& field) const { return At(row, field.table, field.column); }
 
-  bool Join() {
+  // --- What joins only ask ---
+
+  struct Question {
+    std::set<std::size_t> tables;
+    std::vector<const Design::Join*> links;
+    std::vector<Combination> rows;
+    bool forNone = false;
+  };
+
+  bool IsAsked(std::size_t table) const {
+    return std::ranges::any_of(questions_, [&](const Question& one) { return one.tables.contains(table); });
+  }
+
+  // The question about the table, with all rows of the tables that hang together with it; false for too many.
+  bool FindQuestion(std::size_t table) {
+    for (const Design::Join& join : design_.joins) {
+      if (join.question == 0 || join.Asked() != table) continue;
+      const auto known =
+          std::ranges::find_if(questions_, [&](const Question& one) { return one.tables.contains(table); });
+      if (known != questions_.end()) {
+        known->links.push_back(&join);
+        continue;
+      }
+      const std::set<std::size_t> tables = TogetherWith(design_, table);
+      if (!Join(tables)) return false;
+      questions_.push_back({tables, {&join}, std::move(rows_), join.question % 2 == 0});
+    }
+    return true;
+  }
+
+  // Whether the questions that these tables ask have their answers for the row, with the criteria of the column.
+  bool Answers(const std::set<std::size_t>& asking, const Combination& row, std::size_t column) const {
+    return std::ranges::all_of(questions_, [&](const Question& question) {
+      const Design::Join& link = *question.links.front();
+      if (!asking.contains(link.Asked() == link.right ? link.left : link.right)) return true;
+      const bool found = std::ranges::any_of(question.rows, [&](const Combination& inner) {
+        Combination both = row;
+        for (const std::size_t table : question.tables) both[table] = inner[table];
+        const auto holds = [&](const Design::Join* one) { return Holds(*one, both); };
+        const auto value = [&](const Design::Field& field) { return At(both, field); };
+        return std::ranges::all_of(question.links, holds) && Meets(question.tables, column, value) &&
+               Answers(question.tables, both, column);
+      });
+      return found != question.forNone;
+    });
+  }
+
+  bool IsChosen(const Combination& row) const {
+    std::set<std::size_t> own;
+    for (std::size_t table = 0; table < tables_.size(); ++table) {
+      if (!IsAsked(table)) own.insert(table);
+    }
+    const auto value = [&](const Design::Field& field) { return At(row, field); };
+    bool any = false;
+    for (std::size_t column = 0; column < 4; ++column) {
+      const bool says = std::ranges::any_of(design_.fields, [&](const Design::Field& field) {
+        return field.criteria.contains(column) && !IsAggregate(field);
+      });
+      any = any || says;
+      if (says && Meets(own, column, value) && Answers(own, row, column)) return true;
+    }
+    return !any && Answers(own, row, 0);
+  }
+
+  // Whether the criteria that the tables' fields have in the column hold.
+  template <class Value>
+  bool Meets(const std::set<std::size_t>& tables, std::size_t column, Value&& value) const {
+    return std::ranges::all_of(design_.fields, [&](const Design::Field& field) {
+      const auto criterion = field.criteria.find(column);
+      if (criterion == field.criteria.end() || IsAggregate(field) || !tables.contains(field.table)) return true;
+      return criterion->second.holds(value(field)).value_or(false);
+    });
+  }
+
+  bool Join(const std::set<std::size_t>& tables) {
     rows_ = {Combination(tables_.size())};
-    for (const Step& step : Order(design_).Steps()) {
+    for (const Step& step : Order(design_, tables).Steps()) {
       if (!Add(step)) return false;
     }
     return true;
@@ -145,17 +230,19 @@ class Evaluation {
 
   // Whether the row fulfils what the joins of the step ask besides equality.
   bool Holds(const Step& step, const Combination& row) const {
-    return std::ranges::all_of(step.conditions, [&](const Step::Condition& condition) {
-      const Design::Join& join = *condition.join;
-      const Cell left = At(row, join.left, join.leftColumn);
-      const Cell right = At(row, join.right, join.rightColumn);
-      if (IsNull(left) || IsNull(right)) return false;
-      const int order = Compare(left, right);
-      const bool compares[] = {order == 0, order != 0, order<0, order <= 0, order> 0, order >= 0};
-      if (!compares[join.comparison] || !join.condition) return compares[join.comparison];
-      const Cell asked = At(row, join.condition->table, join.condition->column);
-      return !IsNull(asked) && Compare(asked, Cell(join.condition->over)) > 0;
-    });
+    return std::ranges::all_of(step.conditions,
+                               [&](const Step::Condition& condition) { return Holds(*condition.join, row); });
+  }
+
+  bool Holds(const Design::Join& join, const Combination& row) const {
+    const Cell left = At(row, join.left, join.leftColumn);
+    const Cell right = At(row, join.right, join.rightColumn);
+    if (IsNull(left) || IsNull(right)) return false;
+    const int order = Compare(left, right);
+    const bool compares[] = {order == 0, order != 0, order<0, order <= 0, order> 0, order >= 0};
+    if (!compares[join.comparison] || !join.condition) return compares[join.comparison];
+    const Cell asked = At(row, join.condition->table, join.condition->column);
+    return !IsNull(asked) && Compare(asked, Cell(join.condition->over)) > 0;
   }
 
   // --- Criteria ---
@@ -166,14 +253,14 @@ class Evaluation {
 
   // Whether the criteria let it through: all of one column, of any column that says something.
   template <class Value>
-  bool Chosen(bool groups, Value&& value) const {
+  bool ChoosesGroup(Value&& value) const {
     bool any = false;
     for (std::size_t column = 0; column < 4; ++column) {
       bool says = false;
       bool all = true;
       for (const Design::Field& field : design_.fields) {
         const auto criterion = field.criteria.find(column);
-        if (criterion == field.criteria.end() || IsAggregate(field) != groups) continue;
+        if (criterion == field.criteria.end() || !IsAggregate(field)) continue;
         says = any = true;
         all = all && criterion->second.holds(value(field)).value_or(false);
       }
@@ -215,7 +302,7 @@ class Evaluation {
     std::vector<Row> all;
     for (const auto& [key, members] : groups) {
       const auto value = [&members = members, this](const Design::Field& field) { return Aggregate(field, members); };
-      if (!Chosen(true, value)) continue;
+      if (!ChoosesGroup(value)) continue;
       Row& values = all.emplace_back();
       for (const Design::Field& field : design_.fields) values.push_back(value(field));
     }
@@ -284,6 +371,7 @@ class Evaluation {
   const std::size_t most_;
   std::vector<const StoredTable*> tables_;
   std::vector<Combination> rows_;
+  std::vector<Question> questions_;
 };
 
 }  // namespace
@@ -300,8 +388,22 @@ int Compare(const Cell& a, const Cell& b) {
   return std::get<std::string>(a).compare(std::get<std::string>(b));
 }
 
+std::set<std::size_t> TogetherWith(const Design& design, std::size_t table) {
+  std::set<std::size_t> together = {table};
+  for (std::size_t before = 0; before != together.size();) {
+    before = together.size();
+    for (const Design::Join& join : design.joins) {
+      if (join.question != 0 || together.contains(join.left) == together.contains(join.right)) continue;
+      together.insert({join.left, join.right});
+    }
+  }
+  return together;
+}
+
 bool HasOneKindATable(const Design& design) {
-  for (const Step& step : Order(design).Steps()) {
+  std::set<std::size_t> all;
+  for (std::size_t table = 0; table < design.tables.size(); ++table) all.insert(table);
+  for (const Step& step : Order(design, all).Steps()) {
     for (const Step::Condition& condition : step.conditions) {
       const Step::Condition& first = step.conditions.front();
       if (condition.keepsOwn != first.keepsOwn || condition.keepsEarlier != first.keepsEarlier) return false;

@@ -242,6 +242,49 @@ std::string CellText(const Cell& cell) {
   return "NULL";
 }
 
+namespace {
+
+// The tables that hang together with one, whatever the joins ask.
+std::set<std::size_t> ReachedFrom(Design design, std::size_t table) {
+  for (Design::Join& join : design.joins) join.question = 0;
+  return TogetherWith(design, table);
+}
+
+// Some joins only ask: what hangs together with the first table returns rows, the tables behind such a join do not.
+void AskByChance(Chance& chance, Design& design) {
+  for (std::size_t tries = chance.Below(3); tries > 0; --tries) {
+    const Design::Join& chosen = design.joins[chance.Below(design.joins.size())];
+    const std::pair ends(chosen.left, chosen.right);
+    Design cut = design;
+    std::erase_if(cut.joins, [&](const Design::Join& join) { return std::pair(join.left, join.right) == ends; });
+    if (chosen.question != 0 || TogetherWith(cut, ends.first).contains(ends.second)) continue;
+    const bool asksRight = !ReachedFrom(cut, ends.second).contains(0);
+    const int question = (asksRight ? 1 : 3) + static_cast<int>(chance.Below(2));
+    for (Design::Join& join : design.joins) {
+      if (std::pair(join.left, join.right) != ends) continue;
+      join.question = question;
+      join.kind = 0;
+    }
+  }
+}
+
+// Fields of tables that are only asked about choose rows and nothing else.
+void OnlyChooseRows(Design& design, bool grouped) {
+  std::set<std::size_t> asked;
+  for (const Design::Join& join : design.joins) {
+    if (join.question != 0) asked.merge(TogetherWith(design, join.Asked()));
+  }
+  std::erase_if(design.fields, [&](Design::Field& field) {
+    if (!asked.contains(field.table)) return false;
+    field.output = false;
+    if (grouped && field.group != "Where" && field.group != "Group By") field.criteria.clear();
+    field.group = grouped ? "Where" : "";
+    return field.criteria.empty();
+  });
+}
+
+}  // namespace
+
 Design DesignByChance(Store& store, Chance& chance, bool withFullJoins) {
   const std::vector<std::string> all = {"Customers", "Order",     "Order Lines", "Products", "Categories",
                                         "Suppliers", "Employees", "Shipments",   "carriers", "Währungen"};
@@ -264,12 +307,16 @@ Design DesignByChance(Store& store, Chance& chance, bool withFullJoins) {
       AskMore(store, chance, design, join);
     }
   } while (!IsConnected(design) || !HasOneKindATable(design));
+  if (!design.joins.empty()) AskByChance(chance, design);
 
   const bool grouped = chance.OneIn(3);
   for (std::size_t tries = 3 + chance.Below(60); tries > 0; --tries) AddField(store, chance, design, grouped);
   if (design.fields.size() > 6) design.fields.resize(6);
+  OnlyChooseRows(design, grouped);
   // Something must come out.
-  if (design.fields.empty()) {
+  const auto isShown = [&](const Design::Field& field) { return field.output; };
+  const bool hasQuestions = std::ranges::any_of(design.joins, [](const Design::Join& j) { return j.question != 0; });
+  if (design.fields.empty() || (hasQuestions && std::ranges::none_of(design.fields, isShown))) {
     design.fields.push_back({0, store.Table(design.tables[0].name).columns[0], true, grouped ? "Group By" : ""});
   } else if (!std::ranges::any_of(design.fields, &Design::Field::output)) {
     design.fields[0].output = true;
@@ -293,12 +340,14 @@ void Build(qbQueryBuilder& hub, const Design& design, const std::string& prefix)
     entities.push_back(hub.AddTable(prefix + table.name));
     if (table.caption != table.name) entities.back()->SetCaption(table.caption);
   }
+  std::vector<std::pair<Ref<qbRelationship>, JoinExistenceEnum>> questions;
   for (const Design::Join& join : design.joins) {
     const Ref<qbRelationship> line = entities[join.left]->Relationships()->Add(entities[join.right]);
     line->SetSourceItemIndex(entities[join.left]->Items()->Item(join.leftColumn)->Index());
     line->SetTargetItemIndex(entities[join.right]->Items()->Item(join.rightColumn)->Index());
     line->SetItemData(join.kind);
     line->SetComparison(JoinComparisonAt(join.comparison));
+    questions.emplace_back(line, JoinExistenceAt(join.question));
     if (!join.condition) continue;
     const NameRules rules = CurrentNameRules(hub);
     const auto quoted = [&](const std::string& name) { return QuoteWhenNeeded(Identifier(name), rules).Text(); };
@@ -323,6 +372,7 @@ void Build(qbQueryBuilder& hub, const Design& design, const std::string& prefix)
     grid.SetValue(row, "sort_type", descends ? "Descending" : "Ascending");
     grid.SetValue(row, "sort_order", std::to_string(place));
   }
+  for (const auto& [join, question] : questions) join->SetExistence(question);  // nothing is ticked behind it
 }
 
 namespace {
@@ -386,8 +436,18 @@ class Trial {
       limit_ = expected_.size();
       same = same && Check(own);
       hub_.SetSkipRecords(0);
+      skip_ = 0;
     }
-    return same;
+    return same && CheckReadBack(own);
+  }
+
+  // What joins ask is read from the text as joins or as conditions: the rows are the same.
+  bool CheckReadBack(const Dialect& own) {
+    const bool asks = std::ranges::any_of(design_.joins, [](const Design::Join& join) { return join.question != 0; });
+    if (!asks) return true;
+    hub_.SQLPane()->Refresh();
+    hub_.SQLPane()->ParseSQLStatement(std::string(hub_.SQLPane()->SQLStatement()));
+    return Check(own);
   }
 
   bool Check(const Dialect& dialect) {
@@ -432,7 +492,7 @@ class Trial {
 
 std::string TryDesigns(qbQueryBuilder& hub, Store& store, const Target& target, int count, unsigned seed) {
   Chance chance(seed);
-  std::size_t rows = 0, outer = 0, full = 0, grouped = 0, empty = 0, limited = 0, marks = 0, asked = 0;
+  std::size_t rows = 0, outer = 0, full = 0, grouped = 0, empty = 0, limited = 0, marks = 0, asked = 0, questions = 0;
   for (int made = 0; made < count;) {
     const Design design = DesignByChance(store, chance, target.hasFullJoin);
     const auto expected = Evaluate(store, design, target.mostRows);
@@ -445,7 +505,9 @@ std::string TryDesigns(qbQueryBuilder& hub, Store& store, const Target& target, 
     const auto asksMore = [](const Design::Join& join) { return join.comparison != 0 || join.condition.has_value(); };
     const bool isAsked = std::ranges::any_of(design.joins, asksMore);
     asked += isAsked ? 1 : 0;
-    const bool marksCanSay = !kindHas(3) && !(isOuter && isAsked);
+    const bool hasQuestions = std::ranges::any_of(design.joins, [](const Design::Join& j) { return j.question != 0; });
+    questions += hasQuestions ? 1 : 0;
+    const bool marksCanSay = !kindHas(3) && !(isOuter && (isAsked || hasQuestions));
     rows += expected->size();
     outer += isOuter ? 1 : 0;
     full += kindHas(3) ? 1 : 0;
@@ -460,8 +522,9 @@ std::string TryDesigns(qbQueryBuilder& hub, Store& store, const Target& target, 
   }
   return std::to_string(rows) + " rows; designs with outer joins " + std::to_string(outer) + ", with full ones " +
          std::to_string(full) + ", with marks " + std::to_string(marks) + ", with other conditions " +
-         std::to_string(asked) + ", grouped " + std::to_string(grouped) + ", without rows " + std::to_string(empty) +
-         ", with a limit " + std::to_string(limited);
+         std::to_string(asked) + ", with questions " + std::to_string(questions) + ", grouped " +
+         std::to_string(grouped) + ", without rows " + std::to_string(empty) + ", with a limit " +
+         std::to_string(limited);
 }
 
 }  // namespace zrqrybld::test

@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <variant>
@@ -103,6 +104,9 @@ struct Design {
       std::int64_t over;
     };
     std::optional<Condition> condition = {};
+    /// Whether the join only asks: for a row of `right` (1) or none (2), for a row of `left` (3) or none (4).
+    int question = 0;
+    std::size_t Asked() const { return question <= 2 ? right : left; }
   };
   struct Field {
     std::size_t table;
@@ -128,6 +132,9 @@ std::vector<Design::Join> JoinsByForeignKeys(const std::vector<Design::Table>& t
 
 /// Whether every table hangs together with the first.
 bool IsConnected(const Design& design);
+
+/// The tables that hang together with one by joins that do not ask.
+std::set<std::size_t> TogetherWith(const Design& design, std::size_t table);
 
 /// Whether every table is joined to those before it by joins of one kind, so that one statement can say it.
 bool HasOneKindATable(const Design& design);

@@ -54,6 +54,7 @@ class ParseTest : public test::HubTest {
                  : right       ? " right"
                                : "");
         if (join.Comparison() != JoinEqual) text += " " + std::string(SignOf(join.Comparison()));
+        if (join.Existence() != JoinReturnsRows) text += " E" + std::to_string(join.Existence());
         if (!join.Condition().empty()) text += " {" + join.Condition() + "}";
         if (join.GroupLevel() != 0) text += " (" + std::to_string(join.GroupLevel()) + ")";
       }

@@ -2,7 +2,10 @@
 #include "zrqrybld/sql/sql_pane.h"
 #include "tests/hub_fixture.h"
 #include "tests/stored_properties.h"
+#include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/whole_join.h"
+#include "zrqrybld/diagram/whole_joins.h"
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/host/data_types.h"
 #include "zrqrybld/host/properties.h"
@@ -43,6 +46,48 @@ TEST_F(SqlPane, CriteriaAreWrittenByTheColumnsTypeAndTheOptions) {
   // A condition in one statement is not one in the pane's.
   EXPECT_NE(sql->AddWhereClause("x = 1").find(" OR \r\n\tx = 1"), std::string::npos);
   EXPECT_EQ(Sql().find("x = 1"), std::string::npos);
+}
+
+TEST_F(SqlPane, ACriterionMovesIntoTheJoinWhoseRowsItDrops) {
+  sql->ParseSQLStatement(
+      "SELECT Name FROM Customers c LEFT JOIN Orders o ON o.CustomerID = c.CustomerID AND o.OrderID > c.CustomerID + 1 "
+      "WHERE o.Total > 5");
+  const std::string before = Sql();
+  EXPECT_EQ(sql->Cures(), std::vector<std::string>{"Move to the Join"});
+  EXPECT_TRUE(sql->CureRemark(1));
+  EXPECT_EQ(Sql(),
+            "SELECT c.NameFROM Customers AS cLEFT JOIN Orders AS o ON o.CustomerID = c.CustomerID AND "
+            "o.OrderID > c.CustomerID + 1 AND o.Total > 5");
+  EXPECT_TRUE(sql->Diagnostics().empty());
+  EXPECT_TRUE(hub->Undo());
+  EXPECT_EQ(Sql(), before);
+}
+
+TEST_F(SqlPane, ColumnsOfATableThatIsOnlyAskedAboutAreNotShownAndNotLost) {
+  sql->ParseSQLStatement("SELECT Name, o.Total FROM Customers c INNER JOIN Orders o ON o.CustomerID = c.CustomerID");
+  const Ref<qbWholeJoin> join = diagram->WholeJoins()->Item(1);
+  const std::string shown = Sql();
+  join->SetExistence(JoinTargetMissing);
+  const std::string asked =
+      "SELECT c.NameFROM Customers AS cWHERE(NOT EXISTS (SELECT *FROM Orders AS oWHERE o.CustomerID = c.CustomerID))";
+  EXPECT_EQ(Sql(), asked);
+  ASSERT_EQ(sql->Diagnostics().size(), 1u);
+  EXPECT_EQ(sql->Diagnostics()[0].kind, DiagnosticColumnAsked);
+  EXPECT_EQ(test::ErrorOf([&] { Item("o", "OrderID")->SetChecked(true); }), ErrorInvalidCall);
+  EXPECT_EQ(Rows(), "c.Name o.Total");
+  EXPECT_EQ(Ticked(), "c.Name o.Total");
+  // A file holds it; whoever does not know the key reads a join of matching rows.
+  const std::string file = hub->SaveQueryToText();
+  EXPECT_NE(file.find("ItemData=0\r\n"), std::string::npos);
+  Designer other;
+  other.Use();
+  other.hub->LoadQuery(file, true);
+  EXPECT_EQ(other.Sql(), asked);
+  EXPECT_EQ(other.Ticked(), "c.Name o.Total");
+  join->SetItemData(0);
+  EXPECT_EQ(Sql(), shown);
+  EXPECT_TRUE(hub->Undo());
+  EXPECT_EQ(Sql(), asked);
 }
 
 TEST_F(SqlPane, DatesFollowTheSourceUntilSomebodyChoosesAFormat) {

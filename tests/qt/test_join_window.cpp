@@ -3,6 +3,7 @@
 #include <QtTest/qtestspontaneevent.h>
 #include <QCheckBox>
 #include <QCloseEvent>
+#include <QComboBox>
 #include <QLabel>
 #include <QPushButton>
 #include <QWindow>
@@ -174,6 +175,61 @@ TEST_F(JoinWindowTest, PairsAndConditionComeBackAsTheyWereEdited) {
     if (name != "light" && name != "dark") continue;
     Open(dialog);
     for (const int scale : {1, 2}) KeepPicture(Paint(*window, scale), "join-pairs-" + name + std::to_string(scale));
+  }
+}
+
+// The second table asks about the first in questions 1 and 2, the other way round in 3 and 4.
+TEST_F(JoinWindowTest, AQuestionReturnsRowsOfWhoAsksAndEachChoiceIsCountedOnce) {
+  JoinDialog dialog = TestJoin();
+  dialog.questions = {"Rows of both tables", "Only Customers with a row in Orders",
+                      "Only Customers without a row in Orders", "Only Orders with a row in Customers",
+                      "Only Orders without a row in Customers"};
+  dialog.describeQuestion = [](std::size_t question) { return "Question " + std::to_string(question); };
+  dialog.warnOfQuestion = [](std::size_t question) { return std::string(question == 2 ? "left out" : ""); };
+  dialog.groupText = "&Join these two first, in parentheses";
+  dialog.countStatement = [](bool all1, bool all2, std::size_t question) {
+    return std::to_string(all1) + std::to_string(all2) + std::to_string(question);
+  };
+  std::string counted;
+  const RowCounter counter = [&](const std::string& statement, const auto& tell) {
+    counted += statement + " ";
+    tell(statement == "002" ? std::nullopt : std::optional<std::int64_t>(7000));
+    return nullptr;
+  };
+  for (const auto& [name, palette] : TestPalettes()) {
+    const ScopedPalette scoped(palette);
+    const Theme theme(palette);
+    counted.clear();
+    window = std::make_unique<JoinWindow>(dialog, nullptr, EnglishTexts(), counter);
+    window->show();
+    auto* questions = window->findChild<QComboBox*>();
+    const QList<QCheckBox*> checks = window->findChildren<QCheckBox*>();
+    auto* picture = window->findChild<QWidget*>(QStringLiteral("picture"));
+    ASSERT_EQ(checks.size(), 3);
+    for (const int question : {2, 1, 0, 3, 4, 2}) {
+      SCOPED_TRACE(name + std::to_string(question));
+      questions->setCurrentIndex(question);
+      EXPECT_EQ(window->Question(), static_cast<std::size_t>(question));
+      EXPECT_EQ(checks[0]->isEnabled(), question == 0);
+      EXPECT_TRUE(Says(question == 0 ? "Only rows that match" : ("Question " + std::to_string(question)).c_str()));
+      EXPECT_EQ(Says("left out"), question == 2);
+      EXPECT_TRUE(Says(question == 2 ? "takes too long" : "7,000 rows"));
+      const QImage image = Paint(*picture);
+      const int line = picture->fontMetrics().height();
+      const QPoint middle(picture->width() / 2, picture->height() - 12 - 9 * line / 4);
+      const auto filled = [&](int offset) {
+        return image.pixelColor(middle + QPoint(offset, 0)) == theme.Of(ColorRole::JoinSelected);
+      };
+      EXPECT_EQ(filled(0), question % 2 == 1 || question == 0);
+      EXPECT_EQ(filled(2 * line), question == 2);
+      EXPECT_EQ(filled(-2 * line), question == 4);
+    }
+    EXPECT_EQ(counted, "000 002 001 003 004 ");
+    checks[2]->click();
+    EXPECT_TRUE(window->GroupChecked());
+    EXPECT_FALSE(Says("too long"));  // it is another query now
+    if (name != "light" && name != "dark") continue;
+    for (const int scale : {1, 2}) KeepPicture(Paint(*window, scale), "join-asks-" + name + std::to_string(scale));
   }
 }
 

@@ -41,10 +41,10 @@ std::string Cut(std::string& text, std::string_view separator) {
   return std::string(Trim(piece));
 }
 
-// tables: "caption" or "caption=name", several by ", ".   joins: "A.x=B.y:kind:comparison:level", several by ", "; what
-// they ask besides stands in asks, several by " / ", "-" for nothing.
-// rows: one a line, cells between ";": table (none for an expression; "-" in front: no output), column,
-// alias, sort type, sort number, group-by choice, and the criteria cells; "¶" is a blank line.
+// tables: "caption" or "caption=name", several by ", ".   joins: "A.x=B.y:kind:comparison:level", several by ", ", "E1"
+// to "E4" for a kind that only asks; what they ask besides stands in asks, several by " / ", "-" for nothing. rows: one
+// a line, cells between ";": table (none for an expression; "-" in front: no output), column, alias, sort type, sort
+// number, group-by choice, and the criteria cells; "¶" is a blank line.
 QuerySnapshot DesignOf(const test::Record& record) {
   const auto text = [&](std::string_view name) { return record.Has(name) ? record[name] : std::string(); };
   QuerySnapshot query;
@@ -77,7 +77,11 @@ QuerySnapshot DesignOf(const test::Record& record) {
     SnapshotJoin join;
     split(source, join.source, join.sourceColumn);
     split(target, join.target, join.targetColumn);
-    if (!kind.empty()) join.kind = JoinKind::FromBits(std::stoi(kind));
+    if (kind.starts_with('E')) {
+      join.kind = JoinKind::Asking(JoinExistenceAt(kind[1] - '0'));
+    } else if (!kind.empty()) {
+      join.kind = JoinKind::FromBits(std::stoi(kind));
+    }
     if (!comparison.empty()) join.comparison = JoinComparisonAt(std::stoi(comparison));
     if (!level.empty()) join.groupLevel = std::stoi(level);
     if (std::string asked = Cut(conditions, " / "); asked != "-") join.condition = std::move(asked);
@@ -139,11 +143,13 @@ TEST(Diagnostics, SayWhatTheStatementCannotSay) {
     SCOPED_TRACE(record.place);
     const QuerySnapshot query = DesignOf(record);
     const Dialect& dialect = *FindDialect(record.Has("dialect") ? record["dialect"] : "MSSQL");
-    std::string said;
+    std::string said, cures;
     for (const SQLDiagnostic& diagnostic : Diagnose(query, dialect, GenerateSelect(query, dialect))) {
       said += (said.empty() ? "" : "\r\n") + std::to_string(diagnostic.kind) + " " + diagnostic.object;
       EXPECT_TRUE(diagnostic.text.starts_with(diagnostic.object)) << diagnostic.text;
+      if (diagnostic.cure != CureNone) cures += std::to_string(diagnostic.cure) + diagnostic.object + " ";
     }
+    EXPECT_EQ(Trim(cures), record.Has("cures") ? record["cures"] : Trim(cures));
     EXPECT_EQ(said.empty() ? "Nothing" : said, record["says"]);
   }
 }

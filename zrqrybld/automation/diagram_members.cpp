@@ -153,6 +153,7 @@ constexpr Member kRelationship[] = {
     ReadWrite<qbRelationship, &qbRelationship::Comparison, &qbRelationship::SetComparison>("Comparison"),
     ReadWrite<qbRelationship, &qbRelationship::Condition, &qbRelationship::SetCondition>("Condition"),
     ReadWrite<qbRelationship, &qbRelationship::GroupLevel, &qbRelationship::SetGroupLevel>("GroupLevel"),
+    ReadWrite<qbRelationship, &qbRelationship::Existence, &qbRelationship::SetExistence>("Existence"),
 };
 
 constexpr Member kWholeJoins[] = {
@@ -169,6 +170,7 @@ constexpr Member kWholeJoin[] = {
     ReadOnly<qbWholeJoin, &qbWholeJoin::Item>("Item", "Index"),
     ReadOnly<qbWholeJoin, &qbWholeJoin::Text>("Text"),
     Method<qbWholeJoin, &qbWholeJoin::Remove>("Remove"),
+    ReadWrite<qbWholeJoin, &qbWholeJoin::Existence, &qbWholeJoin::SetExistence>("Existence"),
 };
 
 const ClassInfo kClasses[] = {

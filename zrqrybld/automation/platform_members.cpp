@@ -182,6 +182,9 @@ constexpr Member kJoinDialog[] = {
     ReadOnly<Join, &Join::Description>("Description"),
     ReadOnly<Join, &Join::Warning>("Warning"),
     ReadWrite<Join, &Join::Accepted, &Join::SetAccepted>("Accepted"),
+    ReadOnly<Join, &Join::Questions>("Questions"),
+    ReadWrite<Join, &Join::Question, &Join::SetQuestion>("Question"),
+    ReadWrite<Join, &Join::GroupChecked, &Join::SetGroupChecked>("GroupChecked"),
 };
 
 using ExpressionWindow = ExpressionDialogObject;

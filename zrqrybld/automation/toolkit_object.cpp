@@ -119,13 +119,20 @@ Ref<ToolkitMessage> ToolkitMessages::Item(std::int32_t position) const {
   return items_[static_cast<std::size_t>(position - 1)];
 }
 
+void JoinDialogObject::SetQuestion(std::int32_t question) {
+  const bool isOne = question >= 0 && static_cast<std::size_t>(question) < Shown().questions.size();
+  Shown().question = isOne ? static_cast<std::size_t>(question) : 0;
+}
+
 std::string JoinDialogObject::Description() const {
   const JoinDialog& dialog = Shown();
+  if (dialog.question != 0) return dialog.describeQuestion(dialog.question);
   return dialog.describe ? dialog.describe(dialog.table1Checked, dialog.table2Checked) : std::string();
 }
 
 std::string JoinDialogObject::Warning() const {
   const JoinDialog& dialog = Shown();
+  if (dialog.question != 0) return dialog.warnOfQuestion(dialog.question);
   return dialog.warning ? dialog.warning(dialog.table1Checked, dialog.table2Checked) : std::string();
 }
 

@@ -120,6 +120,14 @@ class JoinDialogObject final : public DialogObject<JoinDialog> {
   /// The answer; False cancels.
   bool Accepted() const { return accepted_; }
   void SetAccepted(bool accepted) { accepted_ = accepted; }
+  /// What can be asked instead of returning rows of both tables; the first is nothing.
+  const std::vector<std::string>& Questions() const { return Shown().questions; }
+  /// Which of them is chosen, from 0; a number that is none counts as 0.
+  std::int32_t Question() const { return static_cast<std::int32_t>(Shown().question); }
+  void SetQuestion(std::int32_t question);
+  /// Whether the two tables are joined before all others, in parentheses. A dialect that cannot say it ignores it.
+  bool GroupChecked() const { return Shown().groupChecked; }
+  void SetGroupChecked(bool checked) { Shown().groupChecked = checked; }
 
  private:
   bool accepted_ = false;

@@ -132,7 +132,7 @@ class Placer {
   using Line = std::vector<PixelPoint>;
 
   Line LineOf(const JoinPlace& join, const PixelRect& from, const PixelRect& to) const {
-    return RouteLine({from, from.top + join.fromY}, {to, to.top + join.toY}, {kStub});
+    return RouteLine({from, from.top + join.fromY}, {to, to.top + join.toY}, kStub);
   }
 
   void FindLines() {

@@ -223,6 +223,17 @@ MenuEntry KindsOf(const Targets& targets, const qbWholeJoin& whole, const Ref<qb
       kind({.allOfTarget = true, .allOfSource = true}, Say(targets.site.Context(), text::MenuAllRowsFromBoth));
   full.enabled = hasFull;
   if (hasFull || full.checked) kinds.entries.push_back(std::move(full));
+  kinds.entries.push_back(MenuEntry::Separator());
+  const std::string source = InMenu(join->Source()->Caption());
+  const std::string target = InMenu(join->Target()->Caption());
+  const auto question = [&](JoinExistenceEnum existence, TextId name, const std::string& asks,
+                            const std::string& asked) {
+    kinds.entries.push_back(kind(JoinKind::Asking(existence), Say(context, {name, asks, asked})));
+  };
+  question(JoinTargetExists, text::MenuWithTarget, source, target);
+  question(JoinTargetMissing, text::MenuWithoutTarget, source, target);
+  question(JoinSourceExists, text::MenuWithSource, target, source);
+  question(JoinSourceMissing, text::MenuWithoutSource, target, source);
   return kinds;
 }
 

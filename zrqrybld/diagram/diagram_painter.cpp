@@ -30,6 +30,7 @@ BoxLook LookOf(const Ref<qbEntityList>& box, const DiagramSite& site, const Diag
                const DiagramMarks* marks) {
   BoxLook look;
   look.joined = &scene.JoinedRows();
+  look.asked = scene.IsAsked(*box);
   look.text = &site.GetSurface().Metrics();
   if (const Ref<qbEntity> entity = EntityOf(*box)) {
     look.schemaBytes = SchemaBytesOf(*entity);

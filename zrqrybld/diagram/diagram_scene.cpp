@@ -212,9 +212,40 @@ const DiagramScene::RowSet& DiagramScene::MarkedRows() const {
   return markedRows_;
 }
 
+bool DiagramScene::IsAsked(const qbEntityList& box) const {
+  UpdateRowMarks();
+  return askedBoxes_.contains(&box);
+}
+
+// From each box that a join asks about along the joins that do not ask.
+void DiagramScene::UpdateAskedBoxes() const {
+  askedBoxes_.clear();
+  std::vector<const qbEntityList*> next;
+  const auto add = [&](const Ref<qbEntityList>& box) {
+    if (box && askedBoxes_.insert(box.get()).second) next.push_back(box.get());
+  };
+  for (const Ref<qbLine>& line : lines_) {
+    const Ref<qbRelationship> join = line->Relationship();
+    if (!join || !join->Kind().Asks()) continue;
+    add(join->Kind().AsksTarget() ? line->TargetBox() : line->SourceBox());
+  }
+  while (!next.empty()) {
+    const auto loaded = boxes_.find(next.back());
+    next.pop_back();
+    if (loaded == boxes_.end()) continue;
+    for (const Ref<qbLine>& line : loaded->second.lines) {
+      const Ref<qbRelationship> join = line->Relationship();
+      if (!join || join->Kind().Asks()) continue;
+      add(line->SourceBox());
+      add(line->TargetBox());
+    }
+  }
+}
+
 void DiagramScene::UpdateRowMarks() const {
   if (!rowMarksStale_) return;
   rowMarksStale_ = false;
+  UpdateAskedBoxes();
   joinedRows_.clear();
   markedRows_.clear();
   const Ref<qbWholeJoin> selected = SelectedWhole();

@@ -105,7 +105,9 @@ class DiagramScene {
   /// Rows with a join, and those of the selected one.
   const RowSet& JoinedRows() const;
   const RowSet& MarkedRows() const;
-  /// These rows may be others now.
+  /// Whether the box's table is only asked about, by a join or behind one that is.
+  bool IsAsked(const qbEntityList& box) const;
+  /// These rows and boxes may be others now.
   void JoinsChanged() { rowMarksStale_ = true; }
 
  private:
@@ -133,6 +135,7 @@ class DiagramScene {
   Ref<qbWholeJoin> TakeWhole(const BoxPair& boxes);
   void LeaveWhole(const Ref<qbWholeJoin>& whole, qbWholeJoin::Members::Mark mark);
   void UpdateRowMarks() const;
+  void UpdateAskedBoxes() const;
 
   DiagramSite& site_;
   std::unordered_map<const qbEntityList*, LoadedBox> boxes_;
@@ -148,6 +151,7 @@ class DiagramScene {
   // Made anew when the joins have changed.
   mutable RowSet joinedRows_;
   mutable RowSet markedRows_;
+  mutable std::unordered_set<const qbEntityList*> askedBoxes_;
   mutable bool rowMarksStale_ = true;
 };
 

@@ -417,8 +417,11 @@ void qbEntityList::PaintRow(Canvas& canvas, const PixelRect& rect, const BoxRow&
   }
   if (row.Index() == look.dropRow) canvas.StrokeRect(rect, ColorRole::JoinSelected, 2_px);
   const Color custom = row.ForeColor() == Color::System(8) ? colors_.text : row.ForeColor();
-  const Ink ink = selected ? Ink(ColorRole::RowSelectedText) : Ink(custom);
-  canvas.DrawPart(ThemedPart::CheckBox, CheckBoxRect(rect), {.checked = row.Checked(), .hover = hover});
+  const Ink ink = selected ? Ink(ColorRole::RowSelectedText) : look.asked ? Ink(ColorRole::QuietText) : Ink(custom);
+  if (!look.asked || row.Checked()) {
+    canvas.DrawPart(ThemedPart::CheckBox, CheckBoxRect(rect),
+                    {.checked = row.Checked(), .hover = hover && !look.asked, .disabled = look.asked});
+  }
   Pixels left = rect.left + kPadding + kCheckBox + kIconGap;
   if (rows_.HaveIcons()) {
     const PixelRect icon{left, rect.CenterY() - kIcon / 2, kIcon, kIcon};

@@ -57,6 +57,7 @@ struct BoxLook {
   std::size_t dropRow = 0;                               ///< a row where a join may end now, from 1
   const std::unordered_set<const BoxRow*>* joined = {};  ///< rows that take part in a join
   const std::unordered_set<const BoxRow*>* marked = {};  ///< rows of the selected join
+  bool asked = false;                                    ///< the table is only asked about: nothing can be ticked
   bool nameOnly = false;                                 ///< the box alone: its name stands on it, larger
   std::string table;                                     ///< what the caption is an alias of; "" for none
   std::size_t schemaBytes = 0;                           ///< so much of the caption is the table's schema

@@ -25,6 +25,8 @@
 #include "zrqrybld/platform/dialogs.h"
 #include "zrqrybld/platform/toolkit.h"
 #include "zrqrybld/platform/while_alive.h"
+#include "zrqrybld/sql/count_statement.h"
+#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/join_comparison.h"
 #include "zrqrybld/sql/join_condition.h"
 
@@ -62,6 +64,11 @@ Columns ColumnsOf(const qbEntity& entity) {
   return columns;
 }
 
+// The questions stand in the window in the order of their numbers.
+JoinKind QuestionAt(std::size_t question) {
+  return JoinKind::Asking(JoinExistenceAt(static_cast<std::int32_t>(std::min<std::size_t>(question, 5))));
+}
+
 // What a join is while its window is open: its first table is the one where the relationship that was chosen ends.
 class JoinEditor {
  public:
@@ -77,11 +84,17 @@ class JoinEditor {
   }
 
   void Fill(JoinDialog& dialog) const;
+  /// What can be asked, and how the two stand among others. `now` is the kind of a join from the second table to the
+  /// first.
+  void FillKinds(JoinDialog& dialog, JoinKind now) const;
   /// Error 40002 for a condition that cannot be read: nothing was changed then.
   void Apply(const JoinDialog& dialog);
 
  private:
   void ListComparisons();
+  bool IsGroup() const;
+  bool ShowsColumnsOf(const std::string& caption) const;
+  std::string CountWith(JoinKind kind) const;
   std::optional<JoinDialog::Pair> PairOf(std::size_t member) const;
   void ApplyPair(const JoinDialog::Pair& pair);
   void ApplyCondition(const std::string& condition);
@@ -148,6 +161,52 @@ void JoinEditor::Fill(JoinDialog& dialog) const {
   };
 }
 
+void JoinEditor::FillKinds(JoinDialog& dialog, JoinKind now) const {
+  const std::string& name1 = table1_->Caption();
+  const std::string& name2 = table2_->Caption();
+  const auto say = [this](const Phrase& phrase) { return context_.source.Say(phrase); };
+  dialog.questions = {say(text::ReturnsBoth), say({text::ReturnsWith, name2, name1}),
+                      say({text::ReturnsWithout, name2, name1}), say({text::ReturnsWith, name1, name2}),
+                      say({text::ReturnsWithout, name1, name2})};
+  dialog.question = static_cast<std::size_t>(now.existence);
+  dialog.describeQuestion = [=, this](std::size_t question) {
+    return context_.source.Say(DescribeJoin(name2, name1, QuestionAt(question)));
+  };
+  dialog.warnOfQuestion = [=, this](std::size_t question) {
+    const std::string& asked = QuestionAt(question).AsksTarget() ? name1 : name2;
+    return ShowsColumnsOf(asked) ? context_.source.Say({text::QuestionLeavesOut, asked}) : std::string();
+  };
+  dialog.groupText = say(text::JoinFirst);
+  dialog.groupChecked = IsGroup();
+  if (!context_.design.CurrentDialect().hasJoinGroups) dialog.groupProblem = say(text::JoinFirstMissing);
+  dialog.countStatement = [this](bool all1, bool all2, std::size_t question) {
+    const JoinKind kinds{.allOfTarget = all1, .allOfSource = all2};
+    return CountWith(question == 0 ? kinds : QuestionAt(question));
+  };
+}
+
+bool JoinEditor::IsGroup() const { return !members_.empty() && members_.front()->GroupLevel() > 0; }
+
+bool JoinEditor::ShowsColumnsOf(const std::string& caption) const {
+  const QuerySnapshot query = context_.design.Snapshot();
+  return std::ranges::any_of(query.rows, [&](const SnapshotRow& row) {
+    return row.table && row.output && query.tables[*row.table].caption.Name() == caption;
+  });
+}
+
+// The kind is that of a join from the second table to the first.
+std::string JoinEditor::CountWith(JoinKind kind) const {
+  QuerySnapshot query = context_.design.Snapshot();
+  const auto isTable = [&](std::size_t table, const Ref<qbEntity>& entity) {
+    return query.tables[table].caption.Name() == entity->Caption();
+  };
+  for (SnapshotJoin& join : query.joins) {
+    if (isTable(join.source, table2_) && isTable(join.target, table1_)) join.kind = kind;
+    if (isTable(join.source, table1_) && isTable(join.target, table2_)) join.kind = kind.Reversed();
+  }
+  return CountStatement(std::move(query), context_.design.CurrentDialect());
+}
+
 void JoinEditor::Apply(const JoinDialog& dialog) {
   const std::string condition = JoinConditionText(dialog.condition);
   std::vector<bool> stays(members_.size());
@@ -159,7 +218,10 @@ void JoinEditor::Apply(const JoinDialog& dialog) {
     if (!stays[i] && PairOf(i)) Remove(*members_[i]);
   }
   ApplyCondition(condition);
-  whole_->SetKindFrom(table2_, {.allOfTarget = dialog.table1Checked, .allOfSource = dialog.table2Checked});
+  const JoinKind kinds{.allOfTarget = dialog.table1Checked, .allOfSource = dialog.table2Checked};
+  whole_->SetKindFrom(table2_, dialog.question == 0 ? kinds : QuestionAt(dialog.question));
+  if (dialog.groupChecked == IsGroup() || !dialog.groupProblem.empty()) return;
+  for (const Ref<qbRelationship>& join : whole_->Relationships()) join->SetGroupLevel(dialog.groupChecked ? 1 : 0);
 }
 
 // A relationship that runs the other way says the same the other way round, where it can.
@@ -247,12 +309,21 @@ void EditJoin(const Ref<QueryContext>& context, qbRelationship& relationship,
   // The window's functions hold the editor, and nothing of them runs without the designer.
   const auto editor = std::make_shared<JoinEditor>(*context, relationship, whole);
   editor->Fill(dialog);
+  editor->FillKinds(dialog, kind);
   dialog.problem =
       WhileAlive(link, [editor, problem = std::move(dialog.problem)](const auto& pairs, const auto& condition) {
         return problem(pairs, condition);
       });
   dialog.describeCondition = WhileAlive(link, [editor, describe = std::move(dialog.describeCondition)](
                                                   bool all1, bool all2) { return describe(all1, all2); });
+  dialog.describeQuestion = WhileAlive(link, [editor, describe = std::move(dialog.describeQuestion)](
+                                                 std::size_t question) { return describe(question); });
+  dialog.warnOfQuestion = WhileAlive(
+      link, [editor, warn = std::move(dialog.warnOfQuestion)](std::size_t question) { return warn(question); });
+  dialog.countStatement =
+      WhileAlive(link, [editor, count = std::move(dialog.countStatement)](bool all1, bool all2, std::size_t question) {
+        return count(all1, all2, question);
+      });
   dialog.conditionForm = conditionForm;
   const auto apply = [link, editor, whole, accepted = std::move(accepted)](const JoinDialog& answer) {
     if (whole->Count() == 0) return;  // it has gone while the window was open

@@ -9,6 +9,7 @@
 #include "zrqrybld/base/variant.h"
 #include "zrqrybld/platform/image.h"
 #include "zrqrybld/sql/join_comparison.h"
+#include "zrqrybld/sql/join_kind.h"
 
 namespace zrqrybld {
 
@@ -29,6 +30,7 @@ struct JoinFacts {
   JoinComparisonEnum comparison = JoinEqual;
   std::string condition;        ///< what else the join asks, as SQL on one line
   std::int32_t groupLevel = 0;  ///< in how many groups of tables that are joined first it stands
+  JoinExistenceEnum existence = JoinReturnsRows;
   friend bool operator==(const JoinFacts&, const JoinFacts&) = default;
 };
 

@@ -75,6 +75,25 @@ void DrawKind(Canvas& canvas, PixelPoint middle, bool allOfLeft, bool allOfRight
   StrokeCircle(canvas, right, kCircle, ink);
 }
 
+// The sign of a join that only asks: "there is", and with a stroke through it "there is none".
+void DrawQuestion(Canvas& canvas, PixelPoint middle, bool forNone, const Ink& ink) {
+  const auto stroke = [&](double x1, double y1, double x2, double y2) {
+    const std::array<PixelPoint, 2> ends{PixelPoint{middle.x + Pixels(x1), middle.y + Pixels(y1)},
+                                         PixelPoint{middle.x + Pixels(x2), middle.y + Pixels(y2)}};
+    canvas.DrawPolyline(ends, ink, 1.25_px);
+  };
+  stroke(3, -5.5, 3, 5.5);
+  for (const double y : {-5.0, 0.0, 5.0}) stroke(-3.5, y, 3, y);
+  if (forNone) stroke(6, -7, -6, 7);
+}
+
+// The table at this end is only asked about: a hollow circle.
+void DrawAskedEnd(Canvas& canvas, PixelPoint end, bool boxIsRight, const Ink& ink) {
+  const PixelPoint middle{boxIsRight ? end.x - kEndMark : end.x + kEndMark, end.y};
+  FillCircle(canvas, middle, kEndMark, ColorRole::Surface);
+  StrokeCircle(canvas, middle, kEndMark, ink);
+}
+
 void DrawInequality(Canvas& canvas, PixelPoint middle) {
   for (const auto& [x1, y1, x2, y2] :
        {std::array{-4.0, -2.0, 4.0, -2.0}, {-4.0, 2.0, 4.0, 2.0}, {3.0, -5.0, -3.0, 5.0}}) {
@@ -145,7 +164,7 @@ const std::vector<PixelPoint>& qbLine::Points(const ScreenScale& scale) const {
   const Pixels apart = Pixels(kTwinOffsets[static_cast<std::size_t>(twin_) % kTwinOffsets.size()]);
   points_ =
       RouteLine({scale.ToPixels(source->Bounds()), source->LineY(sourceRow) + (sourceAtRow_ ? apart : 0_px)},
-                {scale.ToPixels(target->Bounds()), target->LineY(targetRow) + (targetAtRow_ ? apart : 0_px)}, {kStub});
+                {scale.ToPixels(target->Bounds()), target->LineY(targetRow) + (targetAtRow_ ? apart : 0_px)}, kStub);
   area_ = {points_.front().x, points_.front().y, 1_px, 1_px};
   for (const PixelPoint& point : points_) area_ = area_.Union({point.x, point.y, 1_px, 1_px});
   return points_;
@@ -211,9 +230,12 @@ void qbLine::Paint(Canvas& canvas, const ScreenScale& scale, const TextMetrics& 
   const PixelPoint last = points.back();
   const bool sourceIsRight = points[1].x < first.x;
   const bool targetIsRight = points[points.size() - 2].x < last.x;
-  const auto paintEnd = [&](PixelPoint end, bool boxIsRight, bool all, bool atRow, const Ref<Image>& picture) {
+  const auto paintEnd = [&](PixelPoint end, bool boxIsRight, bool all, bool asked, bool atRow,
+                            const Ref<Image>& picture) {
     if (picture) {
       DrawEndPicture(canvas, end, boxIsRight, *picture);
+    } else if (asked) {
+      DrawAskedEnd(canvas, end, boxIsRight, ink);
     } else if (all) {
       DrawArrow(canvas, end, boxIsRight, ink);
     } else {
@@ -223,9 +245,9 @@ void qbLine::Paint(Canvas& canvas, const ScreenScale& scale, const TextMetrics& 
   const auto pictureAt = [](RelationshipIndicatorStyle style, const Ref<Image>& picture) {
     return style == IndicatorImage ? picture : nullptr;
   };
-  paintEnd(first, sourceIsRight, kind.allOfSource, sourceAtRow_,
+  paintEnd(first, sourceIsRight, kind.allOfSource, kind.Asks() && !kind.AsksTarget(), sourceAtRow_,
            join ? pictureAt(join->LeftIndicator(), join->LeftPicture()) : nullptr);
-  paintEnd(last, targetIsRight, kind.allOfTarget, targetAtRow_,
+  paintEnd(last, targetIsRight, kind.allOfTarget, kind.AsksTarget(), targetAtRow_,
            join ? pictureAt(join->RightIndicator(), join->RightPicture()) : nullptr);
   PaintComparison(canvas, metrics);
   if (!DrawsTrunk(scale)) return;
@@ -265,7 +287,8 @@ void qbLine::PaintComparison(Canvas& canvas, const TextMetrics& metrics) const {
   canvas.DrawText(ground, sign, {ColorRole::SurfaceText, font, TextAlignment::Center});
 }
 
-// In the middle of the trunk, on a ground of its own: the circle of the table that stands further left is the left one.
+// In the middle of the trunk, on a ground of its own: the circle of the table that stands further left is the left one;
+// of a join that only asks, its own sign.
 // Columns of different types have a sign of inequality behind it, and a condition a funnel. In a narrow gap there is no
 // room for circles: there the ends alone tell the kind.
 void qbLine::PaintSign(Canvas& canvas, const Trunk& trunk, const Ink& ink) const {
@@ -292,7 +315,11 @@ void qbLine::PaintSign(Canvas& canvas, const Trunk& trunk, const Ink& ink) const
   const bool allOfLeft = sourceIsLeft ? kind.allOfSource : kind.allOfTarget;
   const bool allOfRight = sourceIsLeft ? kind.allOfTarget : kind.allOfSource;
   const Pixels middle = ground.left + kSignAir + kCircle + kOverlap;
-  if (roomy) DrawKind(canvas, {middle, ground.CenterY()}, allOfLeft, allOfRight, ink);
+  if (roomy && kind.Asks()) {
+    DrawQuestion(canvas, {middle, ground.CenterY()}, kind.AsksForNone(), ink);
+  } else if (roomy) {
+    DrawKind(canvas, {middle, ground.CenterY()}, allOfLeft, allOfRight, ink);
+  }
   Pixels at = ground.Right() - kSignAir - kCircle;
   if (asks) {
     DrawFunnel(canvas, {at, ground.CenterY()}, ink);

@@ -7,6 +7,11 @@
 
 namespace zrqrybld {
 Phrase DescribeJoin(const std::string& source, const std::string& target, JoinKind kind) {
+  if (kind.Asks()) {
+    const bool asksTarget = kind.AsksTarget();
+    return {kind.AsksForNone() ? text::JoinMissing : text::JoinExists, asksTarget ? source : target,
+            asksTarget ? target : source};
+  }
   if (kind.IsFull()) {
     return {text::JoinFull, source, target};
   }
@@ -53,6 +58,7 @@ Phrase DescribePairs(const std::vector<Ref<qbRelationship>>& pairs) {
 
 void SetJoinKind(qbRelationship& relationship, JoinKind kind) {
   relationship.SetItemData(kind.Bits());
+  relationship.SetExistence(kind.existence);
   relationship.SetRightIndicator(kind.allOfTarget ? IndicatorImage : IndicatorNone);
   relationship.SetLeftIndicator(kind.allOfSource ? IndicatorImage : IndicatorNone);
 }

@@ -97,7 +97,15 @@ Ref<qbEntityItem> qbRelationship::TargetItem() const {
   return target ? target->Items()->Item(facts_.targetItemIndex) : nullptr;
 }
 
+void qbRelationship::SetExistence(JoinExistenceEnum existence) {
+  existence = JoinExistenceAt(existence);
+  if (existence == facts_.existence) return;
+  Changing().existence = existence;
+  NotifyWhenComplete();
+}
+
 JoinKind qbRelationship::Kind() const {
+  if (facts_.existence != JoinReturnsRows) return JoinKind::Asking(facts_.existence);
   const std::optional<double> number = facts_.itemData.Number();
   if (!number || !(*number >= 0 && *number < 65536)) return {};
   return JoinKind::FromBits(static_cast<std::int32_t>(*number));

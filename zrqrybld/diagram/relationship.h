@@ -94,13 +94,19 @@ class ZRQRYBLD_API qbRelationship final : public Object {
   std::int32_t GroupLevel() const { return facts_.groupLevel; }
   void SetGroupLevel(std::int32_t level);
 
+  /// Whether one of the two tables is only asked about: it returns no rows and no columns, but decides which rows of
+  /// the other come back, those for which it has a row that fits or those for which it has none. Then `ItemData` says
+  /// nothing. Both return rows at first, and for a number that names nothing.
+  JoinExistenceEnum Existence() const { return facts_.existence; }
+  void SetExistence(JoinExistenceEnum existence);
+
   // --- For the model and the pane ---
 
   /// The joined columns; nothing when the index is not set or names none.
   Ref<qbEntityItem> SourceItem() const;
   Ref<qbEntityItem> TargetItem() const;
 
-  /// What `ItemData` says; matching rows only when it holds no number.
+  /// What `Existence` says, otherwise `ItemData`; matching rows only when that holds no number.
   JoinKind Kind() const;
 
   /// What the join says, besides its ends.

@@ -23,7 +23,7 @@ Pixels DistanceToSegment(PixelPoint p, PixelPoint a, PixelPoint b) {
 
 }  // namespace
 
-std::vector<PixelPoint> RouteLine(const LineEnd& from, const LineEnd& to, const LineSpace& space) {
+std::vector<PixelPoint> RouteLine(const LineEnd& from, const LineEnd& to, Pixels stub) {
   const auto path = [&](Pixels start, Pixels middle, Pixels end) {
     return std::vector<PixelPoint>{{start, from.y}, {middle, from.y}, {middle, to.y}, {end, to.y}};
   };
@@ -34,14 +34,8 @@ std::vector<PixelPoint> RouteLine(const LineEnd& from, const LineEnd& to, const 
     const Pixels gap = right.left - left.Right();
     return gap >= kLeastGap || (level && gap >= 0_px);
   };
-  // Lanes stay inside the gap. In a wide one the bend is near the right box: boxes in a column begin side by side,
-  // but end where they will.
-  const auto across = [&](Pixels left, Pixels right) {
-    const Pixels bend = std::max((left + right) / 2, right - kBendReach);
-    const Pixels room = std::max(right - bend - kLeastGap / 2, 0_px);
-    const double turns = room > 0_px ? std::fmod(space.lane / room, 2.0) : 0;
-    return bend + room * (turns > 1 ? turns - 2 : turns);
-  };
+  // In a wide gap the bend is near the right box: boxes in a column begin side by side, but end where they will.
+  const auto across = [](Pixels left, Pixels right) { return std::max((left + right) / 2, right - kBendReach); };
   if (standBeside(from.box, to.box)) {
     return path(from.box.Right(), across(from.box.Right(), to.box.left), to.box.left);
   }
@@ -49,9 +43,8 @@ std::vector<PixelPoint> RouteLine(const LineEnd& from, const LineEnd& to, const 
     return path(from.box.left, across(to.box.Right(), from.box.left), to.box.Right());
   }
   // Boxes above one another, or one box: both ends on the side that makes the shorter way.
-  const Pixels away = space.stub + space.lane;
-  const Pixels right = std::max(from.box.Right(), to.box.Right()) + away;
-  const Pixels left = std::min(from.box.left, to.box.left) - away;
+  const Pixels right = std::max(from.box.Right(), to.box.Right()) + stub;
+  const Pixels left = std::min(from.box.left, to.box.left) - stub;
   const Pixels byRight = Distance(right, from.box.Right()) + Distance(right, to.box.Right());
   const Pixels byLeft = Distance(left, from.box.left) + Distance(left, to.box.left);
   if (from.box != to.box && byLeft <= byRight && left >= 0_px) return path(from.box.left, left, to.box.left);

@@ -79,12 +79,18 @@ void qbWholeJoin::SetKindFrom(const Ref<qbEntity>& source, JoinKind kind) {
   }
 }
 
-void qbWholeJoin::SetItemData(std::int32_t kind) {
+void qbWholeJoin::ChangeKind(JoinKind kind) {
   const Ref<DiagramSite> site = site_.lock();
   const Ref<QueryContext> context = site ? site->Context() : nullptr;
   const StepScope step(context, kStepEditJoin);
-  SetKindFrom(Source(), JoinKind::FromBits(kind));
+  SetKindFrom(Source(), kind);
   if (context) context->steps.QueryChanged();
+}
+
+void qbWholeJoin::SetItemData(std::int32_t kind) { ChangeKind(JoinKind::FromBits(kind)); }
+
+void qbWholeJoin::SetExistence(JoinExistenceEnum existence) {
+  ChangeKind(JoinKind::Asking(JoinExistenceAt(existence)));
 }
 
 std::string qbWholeJoin::Text() const {

@@ -37,6 +37,10 @@ class ZRQRYBLD_API qbWholeJoin final : public Object {
   std::int32_t ItemData() const { return Kind().Bits(); }
   void SetItemData(std::int32_t kind);
 
+  /// Which table is only asked about, in the direction of the first relationship. Setting it is one step, as above.
+  JoinExistenceEnum Existence() const { return Kind().existence; }
+  void SetExistence(JoinExistenceEnum existence);
+
   /// How many relationships there are.
   std::int32_t Count() const { return static_cast<std::int32_t>(drawn_.Count()); }
   /// The relationship at a position from 1: those that start at the entity that stands later in the diagram come first,
@@ -66,6 +70,8 @@ class ZRQRYBLD_API qbWholeJoin final : public Object {
   /// step and writes nothing.
   JoinKind KindFor(const qbRelationship& join) const;
   void SetKindFrom(const Ref<qbEntity>& source, JoinKind kind);
+  /// The same in the direction of the first relationship, as a step that writes the statement.
+  void ChangeKind(JoinKind kind);
 
   /// Whether it can be said from the other end: LIKE has a side for the pattern.
   bool CanReverse() const;

@@ -30,6 +30,7 @@
 #include "zrqrybld/platform/text_reading.h"
 #include "zrqrybld/platform/toolkit.h"
 #include "zrqrybld/platform/while_alive.h"
+#include "zrqrybld/sql/asked_tables.h"
 #include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/dialect_functions.h"
 #include "zrqrybld/sql/join_condition.h"
@@ -205,10 +206,26 @@ void ListTables(const std::vector<FromEntry>& from, std::vector<std::size_t>& ta
   }
 }
 
+// Those of the query within the query, and those around it.
+std::vector<std::size_t> TablesForQuestion(const QuerySnapshot& query, const qbRelationship& join) {
+  const QueryParts parts = PartsOf(query);
+  const Ref<qbEntity> asked = join.Kind().AsksTarget() ? join.Target() : join.Source();
+  std::size_t part = QueryParts::kRows;
+  for (std::size_t table = 0; asked && table < query.tables.size(); ++table) {
+    if (query.tables[table].caption.Name() == asked->Caption()) part = parts.partOf[table];
+  }
+  std::vector<std::size_t> tables;
+  for (std::size_t table = 0; table < query.tables.size(); ++table) {
+    if (parts.Sees(part, table)) tables.push_back(table);
+  }
+  return tables;
+}
+
 // The two tables of a join and all that stand before them in FROM, by their positions: what its condition can name.
 std::vector<std::size_t> TablesForCondition(const QuerySnapshot& query, const qbRelationship& join) {
+  if (join.Kind().Asks()) return TablesForQuestion(query, join);
   std::vector<std::size_t> tables;
-  ListTables(PlaceTables(query), tables);
+  ListTables(PlaceTables(query, PartsOf(query).rows), tables);
   const Ref<qbEntity> source = join.Source();
   const Ref<qbEntity> target = join.Target();
   const auto isEnd = [&](std::size_t table) {
@@ -427,7 +444,29 @@ void qbQueryBuilder::RefreshStatement() {
 
 // --- What the panes tell ---
 
+namespace {
+
+// Whether the columns of the table cannot be shown because it is only asked about.
+bool IsOnlyAsked(const qbQueryBuilder& hub, const std::string& caption) {
+  const auto asks = [](const Ref<qbEntity>& entity) {
+    return std::ranges::any_of(*entity->Relationships(), [](const auto& join) { return join->Kind().Asks(); });
+  };
+  if (!std::ranges::any_of(*hub.Entities(), asks)) return false;
+  const QuerySnapshot query = hub.Snapshot();
+  const auto table =
+      std::ranges::find_if(query.tables, [&](const SnapshotTable& one) { return one.caption.Name() == caption; });
+  return table != query.tables.end() && PartsOf(query).IsAsked(static_cast<std::size_t>(table - query.tables.begin()));
+}
+
+}  // namespace
+
 void qbQueryBuilder::ItemChecked(const std::string& entityCaption, const std::string& itemText, bool checked) {
+  if (checked && state() == InfoDone && IsOnlyAsked(*this, entityCaption)) {
+    const Ref<qbEntity> entity = Entities()->FindExactly(entityCaption);
+    const Ref<qbEntityItem> item = entity ? entity->Items()->FindByText(itemText, true) : nullptr;
+    if (item) item->SetChecked(false);
+    throw Error(ErrorInvalidCall, {text::TickOfAsked, entityCaption});
+  }
   if (gridPane_) GridPane()->SetFieldOutput(itemText, checked, entityCaption);
 }
 

@@ -446,6 +446,10 @@ void QueryFileReader::TakeRelationship() {
   if (section_.Find("GroupLevel")) {
     join->SetGroupLevel(static_cast<std::int32_t>(RequireNumber("GroupLevel", 0, qbRelationship::kDeepestGroup)));
   }
+  if (section_.Find("Existence")) {
+    const double existence = RequireNumber("Existence", JoinReturnsRows, JoinSourceMissing);
+    join->SetExistence(JoinExistenceAt(static_cast<std::int32_t>(existence)));
+  }
   join->SetSourceItemIndex(sourceIndex);
   join->SetTargetItemIndex(targetIndex);
   join->SetLeftIndicator(indicator("LeftIndicator"));

@@ -214,6 +214,7 @@ void QueryFileWriter::WriteRelationship(const Ref<qbRelationship>& relationship)
   if (relationship->Comparison() != JoinEqual) Number("Comparison", relationship->Comparison());
   if (!relationship->Condition().empty()) Line("Condition", relationship->Condition());
   if (relationship->GroupLevel() != 0) Number("GroupLevel", relationship->GroupLevel());
+  if (relationship->Existence() != JoinReturnsRows) Number("Existence", relationship->Existence());
   Marker("End Relationship");
 }
 

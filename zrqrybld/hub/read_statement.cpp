@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_sql.h"
 #include "zrqrybld/base/texts_values.h"
 #include "zrqrybld/hub/hub.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/from_binder.h"
+#include "zrqrybld/sql/question_reader.h"
 #include "zrqrybld/sql/source_lexer.h"
 #include "zrqrybld/sql/source_rules.h"
 #include "zrqrybld/sql/statement_parser.h"
@@ -22,6 +25,26 @@ BindOptions OptionsOf(const qbQueryBuilder& hub) {
   options.names = CurrentNameRules(hub);
   options.criteria = hub.CriteriaRules();
   return options;
+}
+
+// What the diagram holds of the first tables; their joins are brought to the front.
+DrawnDiagram OnlyTables(DrawnDiagram& drawn, std::vector<Ref<qbRelationship>>& joins, std::size_t tables) {
+  DrawnDiagram own;
+  std::vector<DrawnJoin> others;
+  std::vector<Ref<qbRelationship>> ownJoins, otherJoins;
+  for (const std::size_t table : drawn.order) {
+    if (table < tables) own.order.push_back(table);
+  }
+  for (std::size_t i = 0; i < joins.size(); ++i) {
+    const bool isOwn = std::max(drawn.joins[i].source, drawn.joins[i].target) < tables;
+    (isOwn ? own.joins : others).push_back(drawn.joins[i]);
+    (isOwn ? ownJoins : otherJoins).push_back(joins[i]);
+  }
+  drawn.joins = own.joins;
+  drawn.joins.insert(drawn.joins.end(), others.begin(), others.end());
+  joins = std::move(ownJoins);
+  joins.insert(joins.end(), otherJoins.begin(), otherJoins.end());
+  return own;
 }
 
 }  // namespace
@@ -41,16 +64,51 @@ std::string ReadableStatement(const qbQueryBuilder& hub, std::string_view typed)
 }
 
 ReadStatement::ReadStatement(qbQueryBuilder& hub, std::string text)
-    : options_(OptionsOf(hub)),
-      text_(std::move(text)),
-      tree_(ParseSelect(text_, {.openParenthesesInFrom = options_.dialect->leavesParenthesesOpen,
-                                .pipesMayBeOr = options_.dialect->pipesMayBeOr})) {}
+    : options_(OptionsOf(hub)), text_(std::move(text)), tree_(Parse()) {}
+
+SelectStatement ReadStatement::Parse() const {
+  return ParseSelect(text_, {.openParenthesesInFrom = options_.dialect->leavesParenthesesOpen,
+                             .pipesMayBeOr = options_.dialect->pipesMayBeOr});
+}
 
 void ReadStatement::Bind(qbQueryBuilder& hub, QueryLookup queries, bool takesDrawn, bool beginsCompound) {
   options_.beginsCompound = beginsCompound;
-  plan_.emplace(hub, tree_, options_.names, std::move(queries), takesDrawn);
-  options_.drawn = plan_->Drawn(drawnJoins_);
+  if (!BindWithQuestions(hub, queries, takesDrawn)) BindPlain(hub, queries, takesDrawn);
+}
+
+// The diagram's joins of all planned tables, and in the options those of the statement's own, which come first.
+DrawnDiagram ReadStatement::TakeDrawn(std::size_t tables) {
+  drawnJoins_.clear();
+  DrawnDiagram drawn = plan_->Drawn(drawnJoins_);
+  options_.drawn = OnlyTables(drawn, drawnJoins_, tables);
+  return drawn;
+}
+
+void ReadStatement::BindPlain(qbQueryBuilder& hub, const QueryLookup& queries, bool takesDrawn) {
+  const std::vector<const FromItem*> tables = TablesOf(tree_);
+  plan_.emplace(hub, tables, options_.names, queries, takesDrawn);
+  TakeDrawn(tables.size());
   bound_ = BindStatement(tree_, *plan_, options_);
+}
+
+// With EXISTS (...) as joins that ask; false when there is none, or what it asks is not for joins.
+bool ReadStatement::BindWithQuestions(qbQueryBuilder& hub, const QueryLookup& queries, bool takesDrawn) {
+  if (FindNoCase(text_, "EXISTS") == std::string::npos) return false;
+  SelectStatement statement = Parse();  // the questions are taken out of it
+  const std::vector<ReadQuestion> questions = TakeQuestions(statement);
+  if (questions.empty()) return false;
+  std::vector<const FromItem*> tables = TablesOf(statement);
+  const std::size_t own = tables.size();
+  const std::vector<const FromItem*> asked = TablesOf(questions);
+  tables.insert(tables.end(), asked.begin(), asked.end());
+  try {
+    plan_.emplace(hub, tables, options_.names, queries, takesDrawn);
+    const DrawnDiagram drawn = TakeDrawn(own);
+    bound_ = BindStatement(statement, *plan_, options_);
+    return BindQuestions(bound_, questions, *plan_, options_, drawn);
+  } catch (const SyntaxError&) {
+    return false;  // told where the whole is read
+  }
 }
 
 QuerySnapshot ReadStatement::Design() const {

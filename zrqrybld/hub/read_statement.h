@@ -1,6 +1,7 @@
 // ReadStatement: one typed SELECT with every name resolved; nothing is changed by it.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -40,6 +41,11 @@ class ReadStatement {
   QuerySnapshot Design() const;
 
  private:
+  SelectStatement Parse() const;
+  DrawnDiagram TakeDrawn(std::size_t tables);
+  void BindPlain(qbQueryBuilder& hub, const QueryLookup& queries, bool takesDrawn);
+  bool BindWithQuestions(qbQueryBuilder& hub, const QueryLookup& queries, bool takesDrawn);
+
   BindOptions options_;
   const std::string text_;
   SelectStatement tree_;

@@ -3,11 +3,16 @@
 #include <unordered_set>
 
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/diagram/relationship.h"
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/grid/row_cells.h"
+#include "zrqrybld/host/query_context.h"
+#include "zrqrybld/host/step_names.h"
 #include "zrqrybld/hub/hub.h"
+#include "zrqrybld/hub/snapshot_builder.h"
 #include "zrqrybld/sql/diagnostics.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/join_move.h"
 #include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
@@ -32,6 +37,27 @@ std::string FreeName(const QuerySnapshot& query, const std::string& name) {
   }
 }
 
+// The first criteria column in which the row says something.
+std::int32_t CriteriaColumnOf(const qbGridPane& grid, std::int32_t row) {
+  const RowReader reader(grid.Grid()->Rows()->At(static_cast<std::size_t>(row)));
+  std::int32_t column = kColumnCriteria;
+  while (column < grid.ColumnCount() && reader.IsBlank(static_cast<std::size_t>(column))) ++column;
+  return column;
+}
+
+// The join asks it from now on, beside what it asked before.
+void MoveToJoin(qbQueryBuilder& hub, const SQLDiagnostic& remark, std::int32_t row) {
+  const QuerySnapshot query = hub.Snapshot();
+  const Ref<qbRelationship> join = RelationshipAt(*hub.Entities(), remark.join);
+  const std::optional<std::string> condition = ConditionToMove(query, query.rows[remark.row]);
+  if (!join || !condition) return;
+  const StepScope step(RefTo(hub), kStepMoveCriterion);
+  join->SetCondition(BothConditions(join->Condition(), *condition));
+  const Ref<qbGridPane> grid = hub.GridPane();
+  grid->SetValue(row, CriteriaColumnOf(*grid, row), "");
+  hub.QueryChanged();
+}
+
 }  // namespace
 
 void qbQueryBuilder::CureRemark(const SQLDiagnostic& remark) {
@@ -51,6 +77,9 @@ void qbQueryBuilder::CureRemark(const SQLDiagnostic& remark) {
       return;
     case CureAlias:
       if (row != 0) grid->SetValue(row, std::string(KeyOf(kColumnAlias)), FreeName(Snapshot(), remark.object));
+      return;
+    case CureMoveToJoin:
+      if (row != 0) MoveToJoin(*this, remark, row);
       return;
   }
 }

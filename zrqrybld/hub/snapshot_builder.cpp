@@ -58,13 +58,18 @@ std::optional<Identifier> ColumnOf(const Ref<qbEntityItem>& item) {
   return Identifier(item->Text());
 }
 
+// A join stands in the query when its target does.
+bool HasTarget(const qbRelationship& join) {
+  const Ref<qbEntity> target = join.Target();
+  return target && target->EntityBox();
+}
+
 void TakeJoins(QuerySnapshot& snapshot, const TablePositions& positions, const qbEntities& entities) {
   std::size_t source = 0;
   for (const Ref<qbEntity>& entity : entities) {
     for (const Ref<qbRelationship>& join : *entity->Relationships()) {
-      const Ref<qbEntity> target = join->Target();
-      if (!target || !target->EntityBox()) continue;
-      snapshot.joins.push_back({source, positions.at(target->Caption()), ColumnOf(join->SourceItem()),
+      if (!HasTarget(*join)) continue;
+      snapshot.joins.push_back({source, positions.at(join->Target()->Caption()), ColumnOf(join->SourceItem()),
                                 ColumnOf(join->TargetItem()), join->Kind(), join->Comparison(), join->Condition(),
                                 join->GroupLevel()});
     }
@@ -106,6 +111,15 @@ void TakeRows(QuerySnapshot& snapshot, const TablePositions& positions, const qb
 bool HasKnownColumns(const qbEntity& entity) {
   const qbEntityItems& items = *entity.Items();
   return items.Count() > 1 || (items.Count() == 1 && items.Item(1)->Text() != "*");
+}
+
+Ref<qbRelationship> RelationshipAt(const qbEntities& entities, std::size_t join) {
+  for (const Ref<qbEntity>& entity : entities) {
+    for (const Ref<qbRelationship>& one : *entity->Relationships()) {
+      if (HasTarget(*one) && join-- == 0) return one;
+    }
+  }
+  return nullptr;
 }
 
 QuerySnapshot TakeSnapshot(const QueryContext& context, const qbEntities* entities, const qbGridPane* grid) {

@@ -15,7 +15,6 @@
 #include "zrqrybld/hub/hub.h"
 #include "zrqrybld/hub/snapshot_builder.h"
 #include "zrqrybld/sql/dialect.h"
-#include "zrqrybld/sql/from_binder.h"
 
 namespace zrqrybld {
 namespace {
@@ -48,10 +47,10 @@ bool IsSameTable(const std::vector<Identifier>& a, const std::vector<Identifier>
 
 }  // namespace
 
-TablePlan::TablePlan(qbQueryBuilder& hub, const SelectStatement& statement, const NameRules& rules, QueryLookup queries,
-                     bool takesDrawn)
+TablePlan::TablePlan(qbQueryBuilder& hub, const std::vector<const FromItem*>& tables, const NameRules& rules,
+                     QueryLookup queries, bool takesDrawn)
     : hub_(hub), rules_(rules), queries_(std::move(queries)) {
-  for (const FromItem* item : TablesOf(statement)) {
+  for (const FromItem* item : tables) {
     PlannedTable table;
     const Dialect::PlainNames plain = hub_.CurrentDialect().plainNames;
     table.written = WrittenTableOf(*item, tables_.size());

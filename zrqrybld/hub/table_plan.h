@@ -40,10 +40,10 @@ struct PlannedTable {
 
 class TablePlan final : public QuerySource {
  public:
-  /// Nothing is changed yet. The hub, the statement and the rules must outlive the plan. Without `takesDrawn` no table
-  /// becomes one that the diagram has.
-  TablePlan(qbQueryBuilder& hub, const SelectStatement& statement, const NameRules& rules, QueryLookup queries,
-            bool takesDrawn);
+  /// Of tables as they are written, in the order in which the binder asks for them. Nothing is changed yet. The hub,
+  /// the statement and the rules must outlive the plan. Without `takesDrawn` no table becomes one that the diagram has.
+  TablePlan(qbQueryBuilder& hub, const std::vector<const FromItem*>& tables, const NameRules& rules,
+            QueryLookup queries, bool takesDrawn);
 
   std::vector<PlannedTable>& Tables() { return tables_; }
   const std::vector<PlannedTable>& Tables() const { return tables_; }

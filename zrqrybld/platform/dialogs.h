@@ -79,6 +79,24 @@ struct JoinDialog {
   std::function<std::string(const std::vector<Pair>& pairs, const std::string& condition)> problem = {};
   /// Says in words what a condition does with the rows of a choice.
   std::function<std::string(bool all1, bool all2)> describeCondition = {};
+
+  /// What can be asked instead of returning rows of both tables, as texts: the first is nothing. Without them the
+  /// window offers none.
+  std::vector<std::string> questions = {};
+  /// Which is chosen, from 0; then the two check boxes say nothing.
+  std::size_t question = 0;
+  /// Says in words which rows a question returns, and what of the query it leaves without effect, "" for nothing.
+  std::function<std::string(std::size_t question)> describeQuestion = {};
+  std::function<std::string(std::size_t question)> warnOfQuestion = {};
+
+  /// The text of a check box that joins the two tables before all others; "" for none.
+  std::string groupText = {};
+  /// Why that cannot be had; "" when it can.
+  std::string groupProblem = {};
+  bool groupChecked = false;
+
+  /// The statement that counts the rows of the query with a choice, as the window opened; "" when there is none.
+  std::function<std::string(bool all1, bool all2, std::size_t question)> countStatement = {};
 };
 
 /// The prompt that builds a connection string.

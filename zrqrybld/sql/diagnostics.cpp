@@ -6,13 +6,17 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "zrqrybld/base/error.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_sql.h"
+#include "zrqrybld/sql/asked_tables.h"
+#include "zrqrybld/sql/criteria_formatter.h"
 #include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/join_condition.h"
 #include "zrqrybld/sql/join_form.h"
 #include "zrqrybld/sql/join_limits.h"
 #include "zrqrybld/sql/join_list.h"
+#include "zrqrybld/sql/join_move.h"
 #include "zrqrybld/sql/lexer.h"
 #include "zrqrybld/sql/name_checker.h"
 
@@ -34,11 +38,12 @@ bool AcceptsNull(std::string_view criterion) {
 class Diagnosis {
  public:
   Diagnosis(const QuerySnapshot& query, const Dialect& dialect, const GeneratedSql& generated)
-      : query_(query), dialect_(dialect), generated_(generated), sorted_(SortedRows(query)) {}
+      : query_(query), dialect_(dialect), generated_(generated), parts_(PartsOf(query)), sorted_(SortedRows(query)) {}
 
   std::vector<SQLDiagnostic> Run() {
     Tables();
     Joins();
+    Questions();
     Rows();
     Names();
     Alternatives();
@@ -73,7 +78,7 @@ class Diagnosis {
     return !row.column.empty() &&
            std::ranges::any_of(row.criteria, [](const std::string& cell) { return !Trim(cell).empty(); });
   }
-  static bool IsOutput(const SnapshotRow& row) { return row.output && !row.column.empty(); }
+  bool IsOutput(const SnapshotRow& row) const { return row.output && !row.column.empty() && !parts_.IsAsked(row); }
   bool IsSorted(const SnapshotRow& row) const { return std::ranges::binary_search(sortedPlaces_, &row); }
 
   // --- Tables and joins ---
@@ -89,6 +94,9 @@ class Diagnosis {
         if (nested) Say(DiagnosticParentheses, text::ParenthesesOpen, caption);
       }
       MixedKinds(entry);
+    }
+    for (const std::vector<FromEntry>& asked : generated_.asked) {
+      for (const FromEntry& entry : asked) MixedKinds(entry);
     }
   }
 
@@ -178,7 +186,7 @@ class Diagnosis {
 
   // Marks in WHERE can say what no order of joins can.
   void WaitingJoins() {
-    const auto isOuter = [](const SnapshotJoin& join) { return join.kind != JoinKind(); };
+    const auto isOuter = [](const SnapshotJoin& join) { return join.kind.IsOuter(); };
     const auto outer = std::ranges::find_if(query_.joins, isOuter);
     if (dialect_.joins == Dialect::Joins::Clauses || outer == query_.joins.end()) return;
     std::vector<std::size_t> order(query_.tables.size());
@@ -207,6 +215,71 @@ class Diagnosis {
       }
     }
     return stand;
+  }
+
+  // --- Tables that are only asked about ---
+
+  void Questions() {
+    for (const AskingFault& fault : parts_.faults) {
+      Say(DiagnosticJoinNotWritten, fault.why, EndsOf(*fault.join), CaptionOf(AskedEnd(*fault.join)),
+          CaptionOf(AskingEnd(*fault.join)));
+    }
+    if (parts_.parts.empty()) return;
+    for (const AskedPart& part : parts_.parts) {
+      for (const SnapshotJoin* link : part.links) {
+        if (const std::optional<std::size_t> hidden = HiddenIn(link->condition, parts_.partOf[AskedEnd(*link)])) {
+          Say(DiagnosticJoinNotWritten, text::ConditionNamesLater, EndsOf(*link), CaptionOf(*hidden));
+        }
+      }
+    }
+    for (const SnapshotRow& row : query_.rows) {
+      if (!row.column.empty()) ColumnsAsked(row);
+    }
+  }
+
+  // A table that the text names and that is not there where the part's are.
+  std::optional<std::size_t> HiddenIn(std::string_view text, std::size_t part) const {
+    if (text.find('.') == std::string_view::npos) return std::nullopt;
+    for (const std::size_t table : TablesNamed(text, query_.tables).tables) {
+      if (!parts_.Sees(part, table)) return table;
+    }
+    return std::nullopt;
+  }
+
+  // What asks about a table can filter its rows, not show them.
+  void ColumnsAsked(const SnapshotRow& row) {
+    if (parts_.IsAsked(row)) {
+      const bool groups = query_.groupByMode && row.grouping.kind == GroupingKind::GroupBy;
+      const bool choosesGroups = row.grouping.ChoosesGroups() && HasCriteria(row);
+      if (row.output || IsAmongSorted(row) || groups || choosesGroups) {
+        Say(DiagnosticColumnAsked, text::ColumnOfAsked, NameOf(row), CaptionOf(*row.table));
+      }
+    } else if (const std::optional<std::size_t> hidden =
+                   row.table ? std::nullopt : HiddenIn(row.column, QueryParts::kRows)) {
+      Say(DiagnosticColumnAsked, text::NamesAsked, NameOf(row), CaptionOf(*hidden));
+    }
+    const std::size_t part = row.table ? parts_.partOf[*row.table] : QueryParts::kRows;
+    for (const std::string& cell : row.criteria) {
+      const std::optional<std::size_t> hidden = HiddenIn(ConditionText(row, cell), part);
+      if (hidden) Say(DiagnosticColumnAsked, text::NamesAsked, NameOf(row), CaptionOf(*hidden));
+    }
+  }
+
+  // The cell as a condition; "" for one that cannot name a table.
+  std::string ConditionText(const SnapshotRow& row, const std::string& cell) const {
+    if (cell.find('.') == std::string::npos) return {};
+    CriteriaContext context = query_.criteria;
+    context.quotePrefix = query_.names.quotePrefix;
+    DescribeColumn(context, row);
+    try {
+      return FormatCondition("0", cell, context);
+    } catch (const Error&) {
+      return {};  // another remark says that it cannot be read
+    }
+  }
+
+  bool IsAmongSorted(const SnapshotRow& row) const {
+    return row.sort.place && std::ranges::find(sorted_, &row) != sorted_.end();
   }
 
   // --- Rows ---
@@ -353,7 +426,7 @@ class Diagnosis {
   // --- Criteria on what an outer join may leave empty ---
 
   void OuterJoins() {
-    const std::vector<bool> optional = OptionalTables();
+    const std::vector<Missing> missing = MissingTables();
     std::size_t columns = 0;                                  // criteria columns with a condition for rows
     std::vector<std::size_t> refusing(query_.tables.size());  // how many of them refuse the table's missing rows
     std::vector<std::size_t> counted(query_.tables.size());   // the last of them, from 1
@@ -366,7 +439,7 @@ class Diagnosis {
         if (row.column.empty() || row.grouping.ChoosesGroups() || column >= row.criteria.size()) continue;
         if (Trim(row.criteria[column]).empty()) continue;
         any = true;
-        if (!row.table || !optional[*row.table] || AcceptsNull(row.criteria[column])) continue;
+        if (!row.table || !missing[*row.table].may || AcceptsNull(row.criteria[column])) continue;
         if (std::exchange(counted[*row.table], column + 1) == column + 1) continue;
         ++refusing[*row.table];
         if (!rowOf[*row.table]) rowOf[*row.table] = &row;
@@ -375,30 +448,47 @@ class Diagnosis {
     }
     for (std::size_t table = 0; table < refusing.size(); ++table) {
       if (!rowOf[table] || refusing[table] < columns) continue;
-      Say(DiagnosticOuterJoinUndone, text::OuterJoinUndone, NameOf(*rowOf[table]));
+      SayUndone(*rowOf[table], columns == 1 ? missing[table].join : nullptr);
     }
   }
 
-  // The tables whose columns are empty in rows that only an outer join returns.
-  std::vector<bool> OptionalTables() const {
-    std::vector<bool> optional(query_.tables.size());
-    MarkOptional(generated_.from, optional);
-    return optional;
+  // The condition means in the join what whoever chose the join wants, as far as it is about its table alone. Behind an
+  // alternative there is a choice that no join makes.
+  void SayUndone(const SnapshotRow& row, const SnapshotJoin* join) {
+    const bool moves = join && dialect_.joins == Dialect::Joins::Clauses && ConditionToMove(query_, row);
+    Say(DiagnosticOuterJoinUndone, moves ? text::OuterJoinUndoneHere : text::OuterJoinUndone, NameOf(row));
+    if (!moves) return;
+    Offer(CureMoveToJoin, {text::CureMoveIntoJoin}, &row);
+    found_.back().join = static_cast<std::size_t>(join - query_.joins.data());
+  }
+
+  // Whether a table's columns are empty in rows that only an outer join returns, and the first join that makes it so;
+  // none where that keeps all rows of both tables.
+  struct Missing {
+    bool may = false;
+    const SnapshotJoin* join = nullptr;
+  };
+
+  std::vector<Missing> MissingTables() const {
+    std::vector<Missing> missing(query_.tables.size());
+    MarkMissing(generated_.from, missing);
+    return missing;
   }
 
   // Answers which of the tables are always there as far as these entries tell.
-  std::vector<std::size_t> MarkOptional(const std::vector<FromEntry>& entries, std::vector<bool>& optional) const {
-    std::vector<std::size_t> earlier;  // not optional yet
+  std::vector<std::size_t> MarkMissing(const std::vector<FromEntry>& entries, std::vector<Missing>& missing) const {
+    std::vector<std::size_t> earlier;  // always there yet
     for (const FromEntry& entry : entries) {
       const std::vector<std::size_t> present =
-          entry.group.empty() ? std::vector{entry.table} : MarkOptional(entry.group, optional);
+          entry.group.empty() ? std::vector{entry.table} : MarkMissing(entry.group, missing);
       const JoinTypeEnum type = entry.conditions.empty() ? JoinInner : entry.conditions.front().type;
+      const Missing mark{true, type == JoinInner || type == JoinAllOfBoth ? nullptr : entry.conditions.front().join};
       if (type == JoinAllOfThis || (type == JoinAllOfBoth && dialect_.hasFullJoin)) {
-        for (const std::size_t before : earlier) optional[before] = true;
+        for (const std::size_t before : earlier) missing[before] = mark;
         earlier.clear();
       }
       if (type == JoinAllOfEarlier || (type == JoinAllOfBoth && dialect_.hasFullJoin)) {
-        for (const std::size_t table : present) optional[table] = true;
+        for (const std::size_t table : present) missing[table] = mark;
       } else {
         earlier.insert(earlier.end(), present.begin(), present.end());
       }
@@ -439,6 +529,7 @@ class Diagnosis {
   const QuerySnapshot& query_;
   const Dialect& dialect_;
   const GeneratedSql& generated_;
+  const QueryParts parts_;
   const std::vector<const SnapshotRow*> sorted_;
   std::vector<const SnapshotRow*> sortedPlaces_;  // the same, by address
   std::vector<SQLDiagnostic> found_;

@@ -41,15 +41,17 @@ enum SQLDiagnosticEnum : std::int32_t {
   DiagnosticUnknownName = 21,       ///< an expression or column: it or its criterion names a column that is not there
   DiagnosticLackingCondition = 22,  ///< a column: an alternative lacks the condition on it that the first one has
   DiagnosticJoinNotWritten = 23,    ///< a join: the dialect cannot say what it asks, or not where it stands
-  DiagnosticQueryNotWritten = 24,   ///< a query: the dialect cannot say it where it stands, or servers refuse it
+  DiagnosticColumnAsked = 24,       ///< a column or expression: its table is only asked about and has no columns here
+  DiagnosticQueryNotWritten = 25,   ///< a query: the dialect cannot say it where it stands, or servers refuse it
 };
 
 /// What a remark offers to do about it.
 enum SQLCureEnum : std::int32_t {
   CureNone = 0,
-  CureGroupBy = 1,  ///< groups by the column
-  CureAlias = 2,    ///< gives the column an alias of its own
-  CureDialect = 3,  ///< takes the dialect of the same servers today
+  CureGroupBy = 1,     ///< groups by the column
+  CureAlias = 2,       ///< gives the column an alias of its own
+  CureDialect = 3,     ///< takes the dialect of the same servers today
+  CureMoveToJoin = 4,  ///< makes the criterion a condition of the join whose rows it drops
 };
 
 /// One remark.
@@ -65,6 +67,8 @@ struct SQLDiagnostic {
   SQLCureEnum cure = CureNone;
   Phrase cureName = {};
   std::size_t row = 0;
+  /// The join that takes what is moved, by its position in the query.
+  std::size_t join = 0;
   friend bool operator==(const SQLDiagnostic&, const SQLDiagnostic&) = default;
 };
 

@@ -7,6 +7,7 @@
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_sql.h"
+#include "zrqrybld/sql/asked_tables.h"
 #include "zrqrybld/sql/criteria_formatter.h"
 #include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/join_condition.h"
@@ -65,7 +66,7 @@ namespace {
 class Generator {
  public:
   Generator(const QuerySnapshot& query, const Dialect& dialect)
-      : query_(query), dialect_(dialect), context_(query.criteria) {
+      : query_(query), dialect_(dialect), parts_(PartsOf(query)), context_(query.criteria) {
     context_.quotePrefix = query.names.quotePrefix;
     tableTerms_.reserve(query.tables.size());
     for (const SnapshotTable& table : query.tables) {
@@ -78,19 +79,16 @@ class Generator {
   }
 
   GeneratedSql Run(const ExtraConditions& extra) {
-    result_.from = PlaceTables(query_);
+    if (!parts_.faults.empty()) return std::move(result_);
+    result_.from = PlaceTables(query_, parts_.rows);
     for (const FromEntry& entry : result_.from) {
       result_.cartesian |= entry.conditions.empty() && &entry != &result_.from.front();
     }
-    if (dialect_.joins == Dialect::Joins::Clauses) {
-      WriteJoinClauses(result_.from);
-      if (dialect_.fromParentheses == Dialect::FromParentheses::Whole && !from_.empty()) from_ += dialect_.close;
-    } else {
-      WriteTableList();
-      WriteJoinConditions();
-    }
+    WriteFrom(result_.from, parts_.rows);
     WriteSelectList();
     WriteOrderBy();
+    FindAlternatives();
+    WriteQuestions();
     WriteCriteria();
     WriteGroupBy();
     WriteLimit();
@@ -140,16 +138,30 @@ class Generator {
 
   // --- FROM and joins ---
 
-  void WriteTableList() {
-    for (std::size_t table = 0; table < query_.tables.size(); ++table) {
+  void WriteFrom(const std::vector<FromEntry>& entries, const std::vector<std::size_t>& tables) {
+    if (dialect_.joins == Dialect::Joins::Clauses) {
+      WriteJoinClauses(entries);
+      if (dialect_.fromParentheses == Dialect::FromParentheses::Whole && !from_.empty()) from_ += dialect_.close;
+    } else {
+      WriteTableList(tables);
+      WriteJoinConditions(entries);
+    }
+  }
+
+  void WriteTableList(const std::vector<std::size_t>& tables) {
+    for (const std::size_t table : tables) {
       if (!from_.empty()) from_ += dialect_.fromSeparator;
-      from_ += "\r\n";
+      if (depth_ == 0) {
+        from_ += "\r\n";
+      } else {
+        BeginLine();
+      }
       from_ += FromTerm(table);
     }
   }
 
-  void WriteJoinConditions() {
-    for (const FromEntry& entry : WithoutGroups(result_.from)) {
+  void WriteJoinConditions(const std::vector<FromEntry>& entries) {
+    for (const FromEntry& entry : WithoutGroups(entries)) {
       if (entry.conditions.empty()) continue;
       joinConditions_ += joinConditions_.empty() ? "" : " AND ";
       joinConditions_ += kItem;
@@ -270,7 +282,7 @@ class Generator {
     std::string pending;
     bool first = true;
     for (const SnapshotRow& row : query_.rows) {
-      if (row.column.empty() || !row.output) continue;
+      if (row.column.empty() || !row.output || parts_.IsAsked(row)) continue;
       if (!first) pending += dialect_.selectSeparator;
       first = false;
       pending += kItem;
@@ -302,6 +314,7 @@ class Generator {
 
   void WriteOrderBy() {
     for (const SnapshotRow* row : SortedRows(query_)) {
+      if (parts_.IsAsked(*row)) continue;
       const std::string term = query_.beginsCompound                      ? OutputTerm(*row)
                                : row->grouping.kind == GroupingKind::None ? FieldTerm(*row)
                                                                           : SelectTerm(*row);
@@ -342,11 +355,116 @@ class Generator {
   void WriteGroupBy() {
     if (!query_.groupByMode) return;
     for (const SnapshotRow& row : query_.rows) {
-      if (row.column.empty() || row.grouping.kind != GroupingKind::GroupBy) continue;
+      if (row.column.empty() || row.grouping.kind != GroupingKind::GroupBy || parts_.IsAsked(row)) continue;
       group_ += group_.empty() ? "\r\nGROUP BY " : ", ";
       group_ += kItem;
       group_ += FieldTerm(row);
     }
+  }
+
+  // --- What joins only ask: EXISTS (...) ---
+
+  // Where several criteria columns choose rows, a question with criteria of its own has another answer in each.
+  void FindAlternatives() {
+    if (parts_.parts.empty()) return;
+    hasCriteria_.resize(parts_.parts.size());
+    rowsOf_.resize(parts_.parts.size());
+    std::vector<bool> says;
+    for (const SnapshotRow& row : query_.rows) {
+      bool any = false;
+      for (std::size_t column = 0; column < row.criteria.size(); ++column) {
+        if (!ChoosesRows(row, column)) continue;
+        says.resize(std::max(says.size(), column + 1));
+        says[column] = any = true;
+      }
+      if (!any || !parts_.IsAsked(row)) continue;
+      std::size_t part = parts_.partOf[*row.table];
+      rowsOf_[part].push_back(&row);
+      for (; part != QueryParts::kRows; part = parts_.parts[part].parent) hasCriteria_[part] = true;
+    }
+    for (std::size_t column = 0; column < says.size(); ++column) {
+      if (says[column]) alternatives_.push_back(column);
+    }
+  }
+
+  static bool ChoosesRows(const SnapshotRow& row, std::size_t column) {
+    return !row.column.empty() && column < row.criteria.size() && !row.grouping.ChoosesGroups() &&
+           !Trim(row.criteria[column]).empty();
+  }
+
+  bool HasAlternatives(std::size_t part) const { return alternatives_.size() > 1 && hasCriteria_[part]; }
+
+  // They stand among the conditions of joins, before the criteria, as far as they are the same for all of them.
+  void WriteQuestions() {
+    const std::size_t column = alternatives_.empty() ? 0 : alternatives_.front();
+    std::string questions;
+    for (std::size_t part = 0; part < parts_.parts.size(); ++part) {
+      if (parts_.parts[part].parent != QueryParts::kRows || HasAlternatives(part)) continue;
+      if (!questions.empty()) questions += " AND ";
+      questions.append(kItem).append(Question(part, column));
+    }
+    if (questions.empty()) return;
+    if (joinConditions_.empty()) {
+      joinConditions_ = std::string(kItem) + "(" + questions.substr(kItem.size()) + ")";
+    } else {
+      joinConditions_.insert(joinConditions_.size() - 1, " AND " + questions);
+    }
+  }
+
+  // The others, as conditions of the column.
+  std::string QuestionsOf(std::size_t column) {
+    std::string questions;
+    if (std::ranges::find(alternatives_, column) == alternatives_.end()) return questions;
+    for (std::size_t part = 0; part < parts_.parts.size(); ++part) {
+      if (parts_.parts[part].parent != QueryParts::kRows || !HasAlternatives(part)) continue;
+      if (!questions.empty()) questions += kAnd;
+      questions.append(dialect_.open).append(Question(part, column)).append(dialect_.close);
+    }
+    return questions;
+  }
+
+  // A query within the query over the tables of the part, with their criteria in the column.
+  std::string Question(std::size_t part, std::size_t column) {
+    const AskedPart& asked = parts_.parts[part];
+    ++depth_;
+    const std::string line = std::string(kItem) + std::string(depth_, '\t');
+    std::string from = std::exchange(from_, {});
+    std::string joinConditions = std::exchange(joinConditions_, {});
+    const std::vector<FromEntry>& entries = result_.asked.emplace_back(PlaceTables(query_, asked.tables));
+    WriteFrom(entries, asked.tables);
+    std::swap(from, from_);
+    std::swap(joinConditions, joinConditions_);
+    std::string conditions = LinksOf(asked, line);
+    const auto add = [&](std::string_view condition) {
+      conditions.append(conditions.empty() ? "" : " AND " + line).append(condition);
+    };
+    if (!joinConditions.empty()) add(TrimWhite(joinConditions));
+    for (const SnapshotRow* row : rowsOf_[part]) {
+      if (!ChoosesRows(*row, column)) continue;
+      const std::string condition = ConditionOf(*row, row->criteria[column]);
+      if (!condition.empty()) add(std::string(dialect_.open) + condition + std::string(dialect_.close));
+    }
+    for (const std::size_t inner : asked.inside) add(Question(inner, column));
+    --depth_;
+    return (asked.forNone ? "NOT EXISTS (SELECT *" : "EXISTS (SELECT *") + line + "FROM " +
+           std::string(TrimWhite(from)) + line + "WHERE " + conditions + ")";
+  }
+
+  // What compares the tables that are asked about with those that ask.
+  std::string LinksOf(const AskedPart& asked, const std::string& line) const {
+    FromEntry entry{asked.tables.front(), {}};
+    for (const SnapshotJoin* link : asked.links) {
+      const bool target = link->kind.AsksTarget();
+      const auto name = [](const std::optional<Identifier>& column) {
+        return column ? std::string_view(column->Name()) : std::string_view();
+      };
+      entry.conditions.push_back({AskedEnd(*link), name(target ? link->targetColumn : link->sourceColumn),
+                                  AskingEnd(*link), name(target ? link->sourceColumn : link->targetColumn), JoinInner,
+                                  link});
+    }
+    std::string conditions;
+    AppendConditions(conditions, entry, " AND " + line);
+    return conditions;
   }
 
   // --- WHERE and HAVING ---
@@ -356,10 +474,10 @@ class Generator {
     std::size_t columns = 0;
     for (const SnapshotRow& row : query_.rows) columns = std::max(columns, row.criteria.size());
     for (std::size_t column = 0; column < columns; ++column) {
-      std::string where;
+      std::string where = QuestionsOf(column);
       std::string having;
       for (const SnapshotRow& row : query_.rows) {
-        if (row.column.empty() || column >= row.criteria.size()) continue;
+        if (row.column.empty() || column >= row.criteria.size() || parts_.IsAsked(row)) continue;
         const std::string condition = ConditionOf(row, row.criteria[column]);
         if (condition.empty()) continue;  // a blank cell, or one with nothing but a comment
         std::string& group = row.grouping.ChoosesGroups() ? having : where;
@@ -382,8 +500,8 @@ class Generator {
 
   // Beside join conditions the criteria stand in parentheses of their own.
   std::string_view WordBeforeCriteria() const {
-    if (dialect_.joins == Dialect::Joins::Clauses) return "\r\nWHERE ";
-    return joinConditions_.empty() ? "WHERE " : " AND (";
+    if (!joinConditions_.empty()) return " AND (";
+    return dialect_.joins == Dialect::Joins::Clauses ? "\r\nWHERE " : "WHERE ";
   }
 
   void AppendGroup(std::string& text, const std::string& group) const {
@@ -401,8 +519,9 @@ class Generator {
     }
     const std::string field = row.grouping.HasSyntax() ? SelectTerm(row) : FieldTerm(row);
     const auto position = static_cast<std::size_t>(&row - query_.rows.data());
+    DescribeColumn(context_, row);
     try {
-      std::string condition = FormatCondition(field, cell, ContextOf(row));
+      std::string condition = FormatCondition(field, cell, context_);
       if (std::string date = MisreadDate(condition, context_); !date.empty()) {
         result_.misread.push_back({position, std::move(date)});
       }
@@ -412,15 +531,6 @@ class Generator {
       result_.unreadable.push_back({position, cell, error.What()});
       return field + " " + cell;
     }
-  }
-
-  const CriteriaContext& ContextOf(const SnapshotRow& row) {
-    context_.dataType = row.type.code;
-    context_.isLong = row.type.isLong;
-    context_.prefix = row.type.prefix;
-    context_.suffix = row.type.suffix;
-    context_.aggregate = row.grouping.syntax;
-    return context_;
   }
 
   static bool EndsWithNoCase(std::string_view text, std::string_view end) {
@@ -437,9 +547,12 @@ class Generator {
     };
     if (std::ranges::any_of(query_.joins, isLimited)) return true;
     if (dialect_.hasFullJoin || dialect_.joins != Dialect::Joins::Clauses) return false;
-    return std::ranges::any_of(WithoutGroups(result_.from), [](const FromEntry& entry) {
-      return !entry.conditions.empty() && entry.conditions.front().type == JoinAllOfBoth;
-    });
+    const auto hasFull = [](const std::vector<FromEntry>& from) {
+      return std::ranges::any_of(WithoutGroups(from), [](const FromEntry& entry) {
+        return !entry.conditions.empty() && entry.conditions.front().type == JoinAllOfBoth;
+      });
+    };
+    return hasFull(result_.from) || std::ranges::any_of(result_.asked, hasFull);
   }
 
   // --- Head and assembly ---
@@ -489,7 +602,7 @@ class Generator {
   // asked for the condition.
   void WriteExtraCondition(std::string_view word, const std::string& expression) {
     if (expression.empty()) return;
-    const bool begins = where_.empty() && dialect_.joins == Dialect::Joins::Clauses;
+    const bool begins = where_.empty() && joinConditions_.empty() && dialect_.joins == Dialect::Joins::Clauses;
     where_ += begins ? "\r\nWHERE " : word;
     where_ += kItem;
     where_ += expression;
@@ -497,7 +610,7 @@ class Generator {
 
   std::string Assemble() const {
     std::string text = "SELECT " + head_ + select_ + "\r\nFROM " + from_;
-    if (dialect_.joins == Dialect::Joins::Conditions) {
+    if (dialect_.joins == Dialect::Joins::Conditions || !joinConditions_.empty()) {
       text += "\r\n";
       if (!joinConditions_.empty()) text += "WHERE" + joinConditions_;
     }
@@ -508,6 +621,10 @@ class Generator {
 
   const QuerySnapshot& query_;
   const Dialect& dialect_;
+  const QueryParts parts_;
+  std::vector<std::size_t> alternatives_;                // the criteria columns that choose rows, where a join asks
+  std::vector<std::vector<const SnapshotRow*>> rowsOf_;  // by part: its rows with criteria
+  std::vector<bool> hasCriteria_;                        // by part: whether it or one inside it has criteria
   std::vector<std::string> tableTerms_;
   CriteriaContext context_;  // of the criterion that is being written
   GeneratedSql result_;

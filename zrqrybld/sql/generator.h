@@ -38,6 +38,8 @@ struct GeneratedSql {
   bool cartesian = false;
   /// The tables as they stand in FROM; valid as long as the query is.
   std::vector<FromEntry> from;
+  /// The same of each query within the query that a join asks.
+  std::vector<std::vector<FromEntry>> asked;
   std::vector<UnreadableCriterion> unreadable;
   std::vector<MisreadCriterion> misread;
   /// Rows that a compound cannot be sorted by, for they are not output: positions in `QuerySnapshot::rows`, from 0.

@@ -8,6 +8,8 @@
 #include <unordered_set>
 #include <utility>
 
+#include "zrqrybld/sql/asked_tables.h"
+
 namespace zrqrybld {
 namespace {
 
@@ -231,20 +233,24 @@ int ComparisonSeen(bool fromTarget, JoinComparisonEnum comparison) {
   return mirrored ? *mirrored : kPatternFirst;
 }
 
+ColumnPair KeyOf(std::size_t source, std::string_view sourceColumn, std::size_t target, std::string_view targetColumn,
+                 JoinComparisonEnum comparison) {
+  if (target < source) return {target, targetColumn, source, sourceColumn, ComparisonSeen(true, comparison)};
+  return {source, sourceColumn, target, targetColumn, ComparisonSeen(false, comparison)};
+}
+
 std::size_t HashColumnPair::operator()(const ColumnPair& pair) const {
   constexpr std::hash<std::string_view> kHash;
   return ((pair.left * 31 + pair.right) * 31 + kHash(pair.leftColumn)) * 31 + kHash(pair.rightColumn);
 }
 
-bool IsUsable(const SnapshotJoin& join) {
-  return join.source != join.target && (join.HasPair() || !join.condition.empty());
-}
-
 std::vector<FromEntry> PlaceTables(const QuerySnapshot& query, std::span<const std::size_t> order) {
+  std::vector<bool> isPlaced(query.tables.size());
+  for (const std::size_t table : order) isPlaced[table] = true;
   std::vector<const SnapshotJoin*> joins;
   joins.reserve(query.joins.size());
   for (const SnapshotJoin& join : query.joins) {
-    if (IsUsable(join)) joins.push_back(&join);
+    if (IsUsable(join) && !join.kind.Asks() && isPlaced[join.source] && isPlaced[join.target]) joins.push_back(&join);
   }
   return Placer::Unwrapped(Placer(query.tables.size()).Place({order.begin(), order.end()}, joins, 0));
 }
@@ -265,16 +271,10 @@ std::vector<FromEntry> WithoutGroups(std::vector<FromEntry> entries) {
   return flat;
 }
 
-std::vector<FromEntry> PlaceTables(const QuerySnapshot& query) {
-  std::vector<std::size_t> order(query.tables.size());
-  std::iota(order.begin(), order.end(), 0);
-  return PlaceTables(query, order);
-}
-
 Ref<qbJoins> BuildJoinList(const QuerySnapshot& query) {
   const Ref<qbJoins> joins = std::make_shared<qbJoins>();
   const auto captionOf = [&](std::size_t table) { return query.tables[table].caption.Name(); };
-  for (const FromEntry& entry : WithoutGroups(PlaceTables(query))) {
+  for (const FromEntry& entry : WithoutGroups(PlaceTables(query, PartsOf(query).rows))) {
     qbJoinTables& conditions = *joins->Add(captionOf(entry.table))->JoinTables();
     for (const FromCondition& condition : entry.conditions) {
       if (condition.leftColumn.empty()) continue;

@@ -12,10 +12,6 @@
 
 namespace zrqrybld {
 
-/// Whether the join joins two boxes and says which two columns are compared, or a condition; one that does not stands
-/// in no statement.
-bool IsUsable(const SnapshotJoin& join);
-
 /// The comparison of a join as a number that is the same from both of its ends.
 int ComparisonSeen(bool fromTarget, JoinComparisonEnum comparison);
 
@@ -28,6 +24,9 @@ struct ColumnPair {
   int comparison = JoinEqual;  ///< as `ComparisonSeen` from the left column
   friend bool operator==(const ColumnPair&, const ColumnPair&) = default;
 };
+/// The columns of a join, the same whichever end comes first.
+ColumnPair KeyOf(std::size_t source, std::string_view sourceColumn, std::size_t target, std::string_view targetColumn,
+                 JoinComparisonEnum comparison);
 struct HashColumnPair {
   std::size_t operator()(const ColumnPair& pair) const;
 };
@@ -52,13 +51,12 @@ struct FromEntry {
   std::vector<FromEntry> group = {};      ///< the tables of a group, in their order; empty for a table alone
 };
 
-/// Orders all tables. Each table's joins are followed depth first, its own before those that end at
-/// it, and a table that is met is placed immediately behind the one it was met from. Incomplete
-/// joins and joins from a table to itself connect nothing. Tables that joins with a group level hold together stand as
-/// one entry; inside it they are ordered in the same way. Takes time in the number of tables and joins, and of levels.
-std::vector<FromEntry> PlaceTables(const QuerySnapshot& query);
-
-/// The same when the diagram holds the tables in `order`: their positions in the query, each once.
+/// Orders the tables of a query, which the diagram holds in `order`: their positions in the query, each once. Those
+/// that are not named there, and the joins to them, are left out, as joins that only ask are. Each table's joins are
+/// followed depth first, its own before those that end at it, and a table that is met is placed immediately behind the
+/// one it was met from. Incomplete joins and joins from a table to itself connect nothing. Tables that joins with a
+/// group level hold together stand as one entry; inside it they are ordered in the same way. Takes time in the number
+/// of tables and joins, and of levels.
 std::vector<FromEntry> PlaceTables(const QuerySnapshot& query, std::span<const std::size_t> order);
 
 /// The entries without groups: each table by itself, in the order in which they are written.

@@ -16,13 +16,6 @@ constexpr std::size_t kMostBeginnings = 16;
 
 using JoinsByColumns = std::unordered_map<ColumnPair, std::size_t, HashColumnPair>;
 
-// The same whichever end comes first.
-ColumnPair KeyOf(std::size_t source, std::string_view sourceColumn, std::size_t target, std::string_view targetColumn,
-                 JoinComparisonEnum comparison) {
-  if (target < source) return {target, targetColumn, source, sourceColumn, ComparisonSeen(true, comparison)};
-  return {source, sourceColumn, target, targetColumn, ComparisonSeen(false, comparison)};
-}
-
 std::string_view NameOf(const std::optional<Identifier>& column) {
   return column ? std::string_view(column->Name()) : std::string_view();
 }

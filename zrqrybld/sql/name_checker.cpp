@@ -308,10 +308,7 @@ bool MayHoldName(std::string_view cell) {
 Phrase DesignNames::FaultInCriterion(std::string_view cell, const SnapshotRow& row) const {
   if (!source_ || !MayHoldName(cell)) return {};
   CriteriaContext context = query_.criteria;
-  context.dataType = row.type.code;
-  context.isLong = row.type.isLong;
-  context.prefix = row.type.prefix;
-  context.suffix = row.type.suffix;
+  DescribeColumn(context, row);
   context.quotePrefix = query_.names.quotePrefix;
   try {
     return FaultIn(FormatCondition("0", cell, context));

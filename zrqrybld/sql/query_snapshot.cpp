@@ -8,6 +8,18 @@
 
 namespace zrqrybld {
 
+bool IsUsable(const SnapshotJoin& join) {
+  return join.source != join.target && (join.HasPair() || !join.condition.empty());
+}
+
+void DescribeColumn(CriteriaContext& context, const SnapshotRow& row) {
+  context.dataType = row.type.code;
+  context.isLong = row.type.isLong;
+  context.prefix = row.type.prefix;
+  context.suffix = row.type.suffix;
+  context.aggregate = row.grouping.syntax;
+}
+
 SqlText TableTerm(const SnapshotTable& table, const NameRules& rules) {
   return table.aliased ? QuoteWhenNeeded(table.caption, rules) : RenderQualified(table.name, rules);
 }

@@ -51,6 +51,10 @@ struct SnapshotJoin {
   friend bool operator==(const SnapshotJoin&, const SnapshotJoin&) = default;
 };
 
+/// Whether the join joins two boxes and says which two columns are compared, or a condition; one that does not stands
+/// in no statement.
+bool IsUsable(const SnapshotJoin& join);
+
 /// What the data source says of a column's type.
 struct SnapshotType {
   /// The access layer's code; 0 when it is not known, as for expressions.
@@ -110,6 +114,9 @@ struct QuerySnapshot {
   /// The columns of the tables while the design is as it was; nothing where nobody knows them.
   std::shared_ptr<const KnownColumns> columns;
 };
+
+/// Sets what the context says of the column whose criterion is read.
+void DescribeColumn(CriteriaContext& context, const SnapshotRow& row);
 
 /// What stands before "." and a column of the table: its caption when it has one of its own, otherwise its name.
 SqlText TableTerm(const SnapshotTable& table, const NameRules& rules);

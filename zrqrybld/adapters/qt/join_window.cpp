@@ -2,6 +2,7 @@
 
 #include <QCheckBox>
 #include <QCloseEvent>
+#include <QComboBox>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -17,6 +18,7 @@
 
 #include "zrqrybld/adapters/qt/join_pairs.h"
 #include "zrqrybld/adapters/qt/mark.h"
+#include "zrqrybld/adapters/qt/named_combo.h"
 #include "zrqrybld/adapters/qt/plain_tip.h"
 #include "zrqrybld/adapters/qt/predictive_text.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
@@ -81,9 +83,15 @@ class JoinPicture final : public QWidget {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
   }
 
-  void Show(bool all1, bool all2) {
+  /// Of a join that asks: the table it asks for, and whether those rows come back that have a partner or the others.
+  struct Question {
+    std::size_t table;
+    bool forNone;
+  };
+  void Show(bool all1, bool all2, std::optional<Question> question) {
     all_[0] = all1;
     all_[1] = all2;
+    question_ = question;
     update();
   }
 
@@ -100,9 +108,21 @@ class JoinPicture final : public QWidget {
 
   int Radius() const { return fontMetrics().height() * 9 / 4; }
 
+  QPainterPath Returned(const std::array<QPainterPath, 2>& circles) const;
+
   std::array<QString, 2> names_;
   std::array<bool, 2> all_{};
+  std::optional<Question> question_;
 };
+
+QPainterPath JoinPicture::Returned(const std::array<QPainterPath, 2>& circles) const {
+  if (question_ && question_->forNone) return circles[question_->table].subtracted(circles[1 - question_->table]);
+  QPainterPath returned = circles[0].intersected(circles[1]);
+  for (std::size_t i = 0; i < 2; ++i) {
+    if (all_[i] && !question_) returned = returned.united(circles[i]);
+  }
+  return returned;
+}
 
 void JoinPicture::paintEvent(QPaintEvent*) {
   const Theme theme(palette());
@@ -122,14 +142,13 @@ void JoinPicture::paintEvent(QPaintEvent*) {
   std::array<QPainterPath, 2> circles;
   for (std::size_t i = 0; i < 2; ++i) circles[i].addEllipse(centers[i], radius, radius);
 
-  QPainterPath returned = circles[0].intersected(circles[1]);
-  for (std::size_t i = 0; i < 2; ++i) {
-    if (all_[i]) returned = returned.united(circles[i]);
-  }
-  painter.fillPath(returned, theme.Of(ColorRole::JoinSelected));
+  painter.fillPath(Returned(circles), theme.Of(ColorRole::JoinSelected));
   painter.setBrush(Qt::NoBrush);
-  painter.setPen(QPen(theme.Of(ColorRole::Text), 1.5));
-  for (const QPainterPath& circle : circles) painter.drawPath(circle);
+  for (std::size_t i = 0; i < 2; ++i) {
+    const bool asked = question_ && question_->table != i;  // it returns nothing itself
+    painter.setPen(QPen(theme.Of(ColorRole::Text), 1.5, asked ? Qt::DashLine : Qt::SolidLine));
+    painter.drawPath(circles[i]);
+  }
 
   // Each name begins or ends at the picture's middle, over its circle.
   painter.setPen(theme.Of(ColorRole::Text));
@@ -148,8 +167,11 @@ void JoinPicture::paintEvent(QPaintEvent*) {
 
 // --- The window ---
 
-JoinWindow::JoinWindow(const JoinDialog& dialog, QWidget* parent, const TextSource& texts)
-    : QDialog(parent, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint), dialog_(dialog), texts_(texts) {
+JoinWindow::JoinWindow(const JoinDialog& dialog, QWidget* parent, const TextSource& texts, RowCounter counter)
+    : QDialog(parent, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint),
+      dialog_(dialog),
+      texts_(texts),
+      counter_(dialog.countStatement ? std::move(counter) : RowCounter()) {
   setWindowTitle(ToQString(dialog_.caption));
 
   auto* group = new QGroupBox(ToQString(dialog_.frame));
@@ -178,15 +200,31 @@ JoinWindow::JoinWindow(const JoinDialog& dialog, QWidget* parent, const TextSour
   auto* layout = new QVBoxLayout(this);
   layout->setSizeConstraint(QLayout::SetFixedSize);
   layout->setSpacing(8);
+  QWidget* questions = dialog_.questions.empty() ? nullptr : MakeQuestions();
+  if (questions) layout->addWidget(questions);
   layout->addWidget(group);
   layout->addWidget(sentence_);
   layout->addWidget(picture_);
+  if (counter_) {
+    count_ = new QLabel;
+    count_->setTextFormat(Qt::PlainText);
+    count_->setMinimumHeight(count_->fontMetrics().height());
+    layout->addWidget(count_);
+  }
+  if (!dialog_.groupText.empty()) {
+    group_ = new QCheckBox(ToQString(dialog_.groupText));
+    group_->setChecked(dialog_.groupChecked);
+    group_->setEnabled(dialog_.groupProblem.empty());
+    group_->setToolTip(PlainTip(ToQString(dialog_.groupProblem)));
+    group_->setAccessibleDescription(ToQString(dialog_.groupProblem));
+    layout->addWidget(group_);
+  }
   if (dialog_.conditionForm) {
     pairs_ = new JoinPairs(dialog_, texts_);
     layout->addWidget(pairs_);
   }
   const int belowPairs = layout->count();
-  if (AnyAnswer(dialog_.warning)) layout->addWidget(MakeWarning());
+  if (AnyAnswer(dialog_.warning, dialog_.warnOfQuestion)) layout->addWidget(MakeWarning());
   layout->addSpacing(4);
   layout->addLayout(buttons);
 
@@ -194,11 +232,12 @@ JoinWindow::JoinWindow(const JoinDialog& dialog, QWidget* parent, const TextSour
   const int most = fontMetrics().averageCharWidth() * kMostTextWidth;
   const int groupFrame = group->sizeHint().width() - std::max(all1_->sizeHint().width(), all2_->sizeHint().width());
   for (QCheckBox* box : {all1_, all2_}) FitCheckBox(*box, most - groupFrame);
+  if (questions) questions->setMaximumWidth(most);
   const int width = std::max({picture_->sizeHint().width(), group->sizeHint().width(), buttons->sizeHint().width(),
                               pairs_ ? pairs_->sizeHint().width() : 0});
   picture_->setFixedWidth(width);
   sentence_->setFixedWidth(width);
-  sentence_->setFixedHeight(TallestAnswer(*sentence_, dialog_.describe, width));
+  sentence_->setFixedHeight(TallestAnswer(*sentence_, width, dialog_.describe, dialog_.describeQuestion));
   sentence_->setVisible(static_cast<bool>(dialog_.describe));
 
   connect(all1_, &QCheckBox::toggled, this, &JoinWindow::ShowChoice);
@@ -208,8 +247,8 @@ JoinWindow::JoinWindow(const JoinDialog& dialog, QWidget* parent, const TextSour
   if (warning_) {
     const int textWidth = width - warningMark_->sizeHint().width() - 8;
     warning_->setFixedWidth(textWidth);
-    warning_->setFixedHeight(
-        std::max(TallestAnswer(*warning_, dialog_.warning, textWidth), warningMark_->sizeHint().height()));
+    warning_->setFixedHeight(std::max(TallestAnswer(*warning_, textWidth, dialog_.warning, dialog_.warnOfQuestion),
+                                      warningMark_->sizeHint().height()));
   }
   if (pairs_) {
     layout->insertWidget(belowPairs, MakeCondition(width));
@@ -219,9 +258,29 @@ JoinWindow::JoinWindow(const JoinDialog& dialog, QWidget* parent, const TextSour
     setTabOrder(accept_, cancelButton);
   }
   all1_->setFocus();
+  if (Question() != 0) questions_->setFocus();
   ApplyColors();
   ShowChoice();
   Check();
+}
+
+JoinWindow::~JoinWindow() = default;
+
+QWidget* JoinWindow::MakeQuestions() {
+  auto* line = new QWidget;
+  const QString name = Say(texts_, text::ReturnLabel);
+  auto* label = new QLabel(name);
+  questions_ = new NamedCombo(name);
+  questions_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  for (const std::string& question : dialog_.questions) questions_->addItem(ToQString(question));
+  questions_->setCurrentIndex(static_cast<int>(dialog_.question));
+  label->setBuddy(questions_);
+  auto* layout = new QHBoxLayout(line);
+  layout->setContentsMargins({});
+  layout->addWidget(label);
+  layout->addWidget(questions_, 1);
+  connect(questions_, &QComboBox::currentIndexChanged, this, &JoinWindow::ShowChoice);
+  return line;
 }
 
 QWidget* JoinWindow::MakeCondition(int width) {
@@ -249,7 +308,7 @@ QWidget* JoinWindow::MakeCondition(int width) {
   }
   message_->setObjectName(QStringLiteral("message"));
   message_->setFixedHeight(message_->fontMetrics().height());
-  meaning_->setFixedHeight(TallestAnswer(*meaning_, dialog_.describeCondition, width));
+  meaning_->setFixedHeight(TallestAnswer(*meaning_, width, dialog_.describeCondition));
   links_.push_back(condition_->Edited.Connect([this] { Check(); }));
   auto* layout = new QVBoxLayout(panel);
   layout->setContentsMargins({});
@@ -314,45 +373,98 @@ QWidget* JoinWindow::MakeWarning() {
 bool JoinWindow::Table1Checked() const { return all1_->isChecked(); }
 bool JoinWindow::Table2Checked() const { return all2_->isChecked(); }
 
-QString JoinWindow::Ask(const std::function<std::string(bool, bool)>& question, bool all1, bool all2) const {
+std::size_t JoinWindow::Question() const {
+  return questions_ ? static_cast<std::size_t>(std::max(questions_->currentIndex(), 0)) : dialog_.question;
+}
+
+bool JoinWindow::GroupChecked() const { return group_ ? group_->isChecked() : dialog_.groupChecked; }
+
+std::size_t JoinWindow::Choices() const { return 4 + (dialog_.questions.empty() ? 0 : dialog_.questions.size() - 1); }
+
+std::size_t JoinWindow::Choice() const {
+  if (const std::size_t question = Question()) return 3 + question;
+  return (Table1Checked() ? 1u : 0u) + (Table2Checked() ? 2u : 0u);
+}
+
+QString JoinWindow::Ask(std::size_t choice, const OfKinds& ofKinds, const OfQuestion& ofQuestion) const {
   QString answer;
-  if (question) boundary_.Run([&] { answer = ToQString(question(all1, all2)); });
+  boundary_.Run([&] {
+    if (choice > 3) {
+      if (ofQuestion) answer = ToQString(ofQuestion(choice - 3));
+    } else if (ofKinds) {
+      answer = ToQString(ofKinds((choice & 1) != 0, (choice & 2) != 0));
+    }
+  });
   return answer;
 }
 
-bool JoinWindow::AnyAnswer(const std::function<std::string(bool, bool)>& question) const {
-  return !(Ask(question, false, false) + Ask(question, false, true) + Ask(question, true, false) +
-           Ask(question, true, true))
-              .isEmpty();
+bool JoinWindow::AnyAnswer(const OfKinds& ofKinds, const OfQuestion& ofQuestion) const {
+  for (std::size_t choice = 0; choice < Choices(); ++choice) {
+    if (!Ask(choice, ofKinds, ofQuestion).isEmpty()) return true;
+  }
+  return false;
 }
 
-int JoinWindow::TallestAnswer(QLabel& label, const std::function<std::string(bool, bool)>& question, int width) const {
+int JoinWindow::TallestAnswer(QLabel& label, int width, const OfKinds& ofKinds, const OfQuestion& ofQuestion) const {
   int height = 0;
-  for (const bool all1 : {false, true}) {
-    for (const bool all2 : {false, true}) {
-      label.setText(Breakable(Ask(question, all1, all2), label.fontMetrics(), width));
-      height = std::max(height, label.heightForWidth(width));
-    }
+  for (std::size_t choice = 0; choice < Choices(); ++choice) {
+    label.setText(Breakable(Ask(choice, ofKinds, ofQuestion), label.fontMetrics(), width));
+    height = std::max(height, label.heightForWidth(width));
   }
   return height;
 }
 
 void JoinWindow::ShowChoice() {
-  const QString sentence = Ask(dialog_.describe, Table1Checked(), Table2Checked());
+  const QString sentence = Ask(Choice(), dialog_.describe, dialog_.describeQuestion);
   sentence_->setText(Breakable(sentence, sentence_->fontMetrics(), sentence_->width()));
   sentence_->setAccessibleName(sentence);
-  picture_->Show(Table1Checked(), Table2Checked());
+  // The second table asks about the first in questions 1 and 2, the first about the second in 3 and 4.
+  const std::size_t question = Question();
+  for (QCheckBox* box : {all1_, all2_}) box->setEnabled(question == 0);
+  picture_->Show(
+      Table1Checked(), Table2Checked(),
+      question == 0 ? std::nullopt : std::optional(JoinPicture::Question{question <= 2 ? 1u : 0u, question % 2 == 0}));
   picture_->setAccessibleName(sentence);
   if (meaning_) {
-    const QString meaning =
-        Condition().empty() ? QString() : Ask(dialog_.describeCondition, Table1Checked(), Table2Checked());
+    const QString meaning = Condition().empty() ? QString() : Ask(Choice(), dialog_.describeCondition);
     meaning_->setText(Breakable(meaning, meaning_->fontMetrics(), meaning_->width()));
   }
+  ShowCount();
   if (!warning_) return;
-  const QString warning = Ask(dialog_.warning, Table1Checked(), Table2Checked());
+  const QString warning = Ask(Choice(), dialog_.warning, dialog_.warnOfQuestion);
   warning_->setText(Breakable(warning, warning_->fontMetrics(), warning_->width()));
   warning_->setAccessibleName(warning);
   warningMark_->Show(warning.isEmpty() ? Mark::Kind::None : Mark::Kind::Warning);
+}
+
+// Only of the join as it is but for its kind; each choice is counted once.
+void JoinWindow::ShowCount() {
+  if (!count_) return;
+  const bool isAsItWas =
+      Pairs() == dialog_.pairs && Condition() == dialog_.condition && GroupChecked() == dialog_.groupChecked;
+  counting_.reset();
+  if (isAsItWas && !counted_.contains(Choice())) Count(Choice());
+  count_->setText(isAsItWas ? counted_[Choice()] : QString());
+}
+
+void JoinWindow::Count(std::size_t choice) {
+  std::string statement;
+  boundary_.Run([&] {
+    const std::size_t question = choice > 3 ? choice - 3 : 0;
+    const bool kinds = question == 0;
+    statement = dialog_.countStatement(kinds && (choice & 1) != 0, kinds && (choice & 2) != 0, question);
+  });
+  if (statement.empty()) {
+    counted_[choice].clear();
+    return;
+  }
+  count_->setText(Say(texts_, text::CountingRows));
+  counting_ = counter_(statement, [this, choice](std::optional<std::int64_t> rows) {
+    counted_[choice] = rows ? Say(texts_, text::CountedRows, locale().toString(static_cast<qlonglong>(*rows)))
+                            : Say(texts_, text::CountGivenUp);
+    count_->setText(counted_[choice]);
+  });
+  if (counting_) counted_[choice] = Say(texts_, text::CountingRows);
 }
 
 // The style derives the outline of a check box by darkening the window's colour: on a dark ground it would be lost.
@@ -360,7 +472,9 @@ void JoinWindow::ApplyColors() {
   constexpr int kOutlineFactor = 140;
   QPalette boxes;
   boxes.setColor(QPalette::Window, Theme::ForWindow(palette()).Of(ColorRole::QuietText).lighter(kOutlineFactor));
-  for (QCheckBox* box : {all1_, all2_}) box->setPalette(boxes);
+  for (QCheckBox* box : {all1_, all2_, group_}) {
+    if (box) box->setPalette(boxes);
+  }
   if (!message_) return;
   QPalette errors = palette();
   errors.setColor(QPalette::WindowText, Theme::ForWindow(palette()).Of(ColorRole::Error));

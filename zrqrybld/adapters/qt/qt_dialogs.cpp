@@ -76,12 +76,14 @@ void QtDialogs::ShowTables(const TablesDialog& dialog) {
 }
 
 bool QtDialogs::ShowJoinProperties(JoinDialog& dialog) {
-  JoinWindow window(dialog, ParentForDialog(), toolkit_.Texts());
+  JoinWindow window(dialog, ParentForDialog(), toolkit_.Texts(), rowCounter_);
   if (window.exec() != QDialog::Accepted) return false;
   dialog.pairs = window.Pairs();
   dialog.condition = window.Condition();
   dialog.table1Checked = window.Table1Checked();
   dialog.table2Checked = window.Table2Checked();
+  dialog.question = window.Question();
+  dialog.groupChecked = window.GroupChecked();
   return true;
 }
 

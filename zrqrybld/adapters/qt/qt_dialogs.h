@@ -6,6 +6,7 @@
 #include <QWidget>
 
 #include "zrqrybld/adapters/qt/event_boundary.h"
+#include "zrqrybld/adapters/qt/row_counter.h"
 #include "zrqrybld/base/export.h"
 #include "zrqrybld/platform/toolkit.h"
 
@@ -19,6 +20,9 @@ class ZRQRYBLD_API QtDialogs final : public Dialogs {
 
   /// Failures while tables are added go here instead of into a message.
   void SetErrorHandler(ErrorHandler handler) { errorHandler_ = std::move(handler); }
+
+  /// Who counts the rows that the choices of a join return; without one nothing is said of them.
+  void SetRowCounter(RowCounter counter) { rowCounter_ = std::move(counter); }
 
   void ShowMessage(std::string_view text, MessageIcon icon) override;
   void ShowMessageSoon(std::string_view text, MessageIcon icon) override;
@@ -40,6 +44,7 @@ class ZRQRYBLD_API QtDialogs final : public Dialogs {
   QPointer<QWidget> parent_;
   QObject soon_;  // messages to be shown soon go with this object
   ErrorHandler errorHandler_;
+  RowCounter rowCounter_;
 };
 
 }  // namespace zrqrybld

@@ -1,0 +1,36 @@
+// Queries within a typed statement that joins can ask: EXISTS (SELECT ... FROM t WHERE ...), or NOT. Pure.
+//
+// They are taken out of WHERE before the statement is bound; then their tables come behind its own, with joins that
+// only ask. What no join can say stays in WHERE, where it is a condition as any other.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "zrqrybld/sql/select_statement.h"
+#include "zrqrybld/sql/statement_binder.h"
+
+namespace zrqrybld {
+
+/// A query about one table.
+struct ReadQuestion {
+  std::unique_ptr<SelectStatement> query;  ///< its texts are the statement's
+  bool forNone = false;                    ///< NOT stands before it
+  std::optional<std::size_t> around =
+      {};  ///< the question that it is a part of, by its position; none for the statement
+};
+
+/// Takes the questions out of the conditions that WHERE joins by AND, at most 50; inner ones follow those around them.
+std::vector<ReadQuestion> TakeQuestions(SelectStatement& statement);
+
+/// The tables that the questions are about, in their order.
+std::vector<const FromItem*> TablesOf(const std::vector<ReadQuestion>& questions);
+
+/// Adds tables and joins of the questions to a statement that was bound without them; `drawn` is what the diagram holds
+/// of all its tables. False where no joins say the same; SyntaxError for names that mean nothing.
+bool BindQuestions(BoundStatement& bound, const std::vector<ReadQuestion>& questions, QuerySource& source,
+                   const BindOptions& options, const DrawnDiagram& drawn);
+
+}  // namespace zrqrybld
