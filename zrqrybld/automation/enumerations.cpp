@@ -26,6 +26,9 @@ constexpr EnumerationMember kFieldOrder[] = {MEMBER(FieldOrderDefault), MEMBER(F
 constexpr EnumerationMember kJoinComparison[] = {
     MEMBER(JoinEqual),   MEMBER(JoinNotEqual),       MEMBER(JoinLess), MEMBER(JoinLessOrEqual),
     MEMBER(JoinGreater), MEMBER(JoinGreaterOrEqual), MEMBER(JoinLike), MEMBER(JoinSame)};
+constexpr EnumerationMember kJoinExistence[] = {MEMBER(JoinReturnsRows), MEMBER(JoinTargetExists),
+                                                MEMBER(JoinTargetMissing), MEMBER(JoinSourceExists),
+                                                MEMBER(JoinSourceMissing)};
 constexpr EnumerationMember kJoinType[] = {MEMBER(JoinInner), MEMBER(JoinAllOfThis), MEMBER(JoinAllOfEarlier),
                                            MEMBER(JoinAllOfBoth)};
 constexpr EnumerationMember kLanguageID[] = {
@@ -99,6 +102,7 @@ constexpr Enumeration kEnumerations[] = {
     {kPublicName<DateFormatEnum>, kDateFormat},
     {kPublicName<FieldOrderEnum>, kFieldOrder},
     {kPublicName<JoinComparisonEnum>, kJoinComparison},
+    {kPublicName<JoinExistenceEnum>, kJoinExistence},
     {kPublicName<JoinTypeEnum>, kJoinType},
     {kPublicName<LanguageIDEnum>, kLanguageID},
     {kPublicName<OLEDropModeEnum>, kOLEDropMode},

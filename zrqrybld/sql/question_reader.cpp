@@ -23,16 +23,18 @@ constexpr std::size_t kMostQuestions = 50;
 
 // --- Taking them out ---
 
-// The query of EXISTS, and whether NOT stands before it; nothing for every other condition.
-const Expression* ExistsIn(const Expression& term, bool& forNone) {
-  const Expression* inside = StripParentheses(&term);
-  if (inside->kind == ExpressionKind::Not) {
+// The query of EXISTS, and whether NOT stands before it; nothing for every other condition. Like joins in WHERE it
+// stands bare or in one pair of parentheses, alone or with others; in two pairs it is a criterion.
+const Expression* ExistsIn(const Expression& term, bool& forNone, bool mayHaveParentheses) {
+  const bool inside = mayHaveParentheses && term.kind == ExpressionKind::Parentheses;
+  const Expression* bare = inside ? term.first : &term;
+  if (bare->kind == ExpressionKind::Not) {
     forNone = !forNone;
-    return ExistsIn(*inside->first, forNone);
+    return ExistsIn(*bare->first, forNone, true);
   }
-  if (inside->kind != ExpressionKind::Exists) return nullptr;
-  forNone = forNone != inside->negated;
-  return StripParentheses(inside->first);
+  if (bare->kind != ExpressionKind::Exists) return nullptr;
+  forNone = forNone != bare->negated;
+  return StripParentheses(bare->first);
 }
 
 // What a query is called by that names no other table than this.
@@ -72,15 +74,15 @@ class Taking {
     if (!statement.where) return;
     std::vector<Expression*> rest;
     const std::size_t before = questions.size();
-    const auto take = [&](Expression* term, bool keepsParentheses) {
-      if (Take(*term, around)) return;
-      rest.push_back(keepsParentheses ? InParentheses(statement.arena, term) : term);
+    const auto take = [&](Expression* term, bool isInside) {
+      if (Take(*term, around, !isInside)) return;
+      rest.push_back(isInside ? InParentheses(statement.arena, term) : term);
     };
     for (Expression* term : TermsOf(statement.where)) {
       const bool holds = term->kind == ExpressionKind::Parentheses && term->first->kind == ExpressionKind::And &&
                          std::ranges::any_of(TermsOf(term->first), [](const Expression* inner) {
                            bool forNone = false;
-                           return ExistsIn(*inner, forNone);
+                           return ExistsIn(*inner, forNone, false);
                          });
       if (!holds) {
         take(term, false);
@@ -120,9 +122,9 @@ class Taking {
     return all;
   }
 
-  bool Take(const Expression& term, std::optional<std::size_t> around) {
+  bool Take(const Expression& term, std::optional<std::size_t> around, bool mayHaveParentheses) {
     bool forNone = false;
-    const Expression* query = questions.size() < kMostQuestions ? ExistsIn(term, forNone) : nullptr;
+    const Expression* query = questions.size() < kMostQuestions ? ExistsIn(term, forNone, mayHaveParentheses) : nullptr;
     if (!query || query->kind != ExpressionKind::Subquery) return false;
     const std::size_t open = query->text.find('(');
     if (open == std::string_view::npos) return false;
