@@ -426,7 +426,9 @@ void ConditionsView::ShowMenu(QPoint at) {
   menu.exec(tree_->viewport()->mapToGlobal(at));
 }
 
+// What an open editor leaves to the tree is not meant for it.
 bool ConditionsView::Press(const QKeyEvent& key) {
+  if (static_cast<Items*>(tree_)->IsEditing()) return false;
   const KeyEvent event = ToKeyEvent(key);
   if (Asks(event, Command::InsertRows)) return Add(), true;
   if (Asks(event, Command::DeleteRows)) return Remove(), true;
