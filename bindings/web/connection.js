@@ -43,11 +43,21 @@ export function schemaRows(document) {
     });
     return {...given, columns};
   });
-  const named = new Map(tables.map(table => [table.name.toLowerCase(), table]));
+  const named = new Map();  // by name in lower case: one table is asked for as often as there are tables
+  for (const table of tables) named.set(table.name.toLowerCase(), [...named.get(table.name.toLowerCase()) ?? [], table]);
+  const tableOf = name => {
+    const alike = named.get(name.toLowerCase()) ?? [];
+    return alike.find(table => table.name === name) ?? alike[0];
+  };
   const place = (table, name) => [text(table?.catalog), text(table?.schema), table?.name ?? name];
-  const wantedOf = wanted => (wanted.table === null ? tables : tables.filter(table => table.name === wanted.table).length
-    ? tables.filter(table => table.name === wanted.table) : [named.get(wanted.table.toLowerCase())].filter(Boolean))
-    .filter(table => wanted.schema === null || !table.schema || table.schema.toLowerCase() === wanted.schema.toLowerCase());
+  // Equal in every letter, where there is such a one.
+  const wantedOf = wanted => {
+    if (wanted.table === null) return tables;
+    const alike = (named.get(wanted.table.toLowerCase()) ?? [])
+      .filter(table => wanted.schema === null || !table.schema || table.schema.toLowerCase() === wanted.schema.toLowerCase());
+    const equal = alike.filter(table => table.name === wanted.table);
+    return equal.length ? equal : alike;
+  };
   return {
     * columnsOf(wanted) {
       for (const table of wantedOf(wanted)) {
@@ -67,7 +77,7 @@ export function schemaRows(document) {
     },
     * foreignKeys() {
       for (const key of document.foreignKeys ?? []) {
-        const from = named.get(String(key.table).toLowerCase()), to = named.get(String(key.references).toLowerCase());
+        const from = tableOf(String(key.table)), to = tableOf(String(key.references));
         const columns = [key.columns].flat(), referenced = [key.to ?? key.columns].flat();
         for (const [i, column] of columns.entries()) {
           yield [...place(to, String(key.references)), referenced[i] ?? column, ...place(from, String(key.table)), column, i + 1, text(key.name)];
@@ -76,7 +86,7 @@ export function schemaRows(document) {
     },
     rows(kind, wanted) {
       switch (kind) {
-        case TABLES: return tables.map(table => [...place(table), table.type ?? 'TABLE', text(table.description)]);
+        case TABLES: return wantedOf(wanted).map(table => [...place(table), table.type ?? 'TABLE', text(table.description)]);
         case COLUMNS: return this.columnsOf(wanted);
         case PRIMARY_KEYS: return this.primaryKeysOf(wanted);
         case FOREIGN_KEYS: return this.foreignKeys();

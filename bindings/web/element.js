@@ -31,7 +31,6 @@ export class ZrQueryDesigner extends HTMLElement {
   #kept = '';      // the design while the element is out of the page
   #told = false;
   #history = false;
-  #offs = [];
 
   constructor() {
     super();
@@ -64,19 +63,23 @@ export class ZrQueryDesigner extends HTMLElement {
   /** The statement. Setting it makes the design what it says; what cannot be read throws, and nothing is changed. */
   get sql() { return this.#query?.SQLPane.SQLStatement ?? ''; }
   set sql(text) {
+    this.#kept = '';
     this.#soon(() => { if (text) this.#query.SQLPane.ParseSQLStatement(String(text)); else this.#query.DiagramPane.Clear(); });
   }
 
   /** The whole design as text, as query files hold it: with places, joins and options. */
   get design() {
-    if (!this.#query) return this.#kept;
+    if (!this.#query || this.#kept) return this.#kept;
     const {FS} = page.module, path = '/design';
     this.#query.SaveQuery(path);
     const text = FS.readFile(path, {encoding: 'utf8'});
     FS.unlink(path);
     return text;
   }
-  set design(text) { this.#soon(() => this.#query.LoadQuery(String(text), true)); }
+  set design(text) {
+    this.#kept = '';
+    this.#soon(() => this.#query.LoadQuery(String(text), true));
+  }
 
   /**
    * Where tables and columns come from: a schema document, an object with `schema()` (a promise is waited for), or
@@ -98,7 +101,7 @@ export class ZrQueryDesigner extends HTMLElement {
     });
   }
 
-  /** Asks for the values of the statement's parameters in place; "" where there are none or the user cancels. */
+  /** Gives the keyboard to the diagram. */
   focus() { this.#designer?.diagram.focus(); }
 
   // --- Beginning and ending ---
@@ -127,22 +130,29 @@ export class ZrQueryDesigner extends HTMLElement {
     this.shadowRoot.addEventListener('keydown', this.#onKey = event => this.#key(event));
     this.#texts();
     this.#buttons();
-    if (this.#kept) this.#query.LoadQuery(this.#kept, true);
-    this.#kept = '';
     for (const work of this.#waiting.splice(0)) this.#try(work);
-    if (this.#given && !this.connected) this.connection = this.#given;
     this.#started(this);
+    if (this.#given && !this.connected) this.connection = this.#given;
+    if (this.#kept) this.#bringBack();
+  }
+
+  // The design that the element had when it was taken out: its columns are the source's, so that comes first.
+  async #bringBack() {
+    await this.connected;
+    const design = this.#kept;
+    if (!design || !this.#query) return;
+    this.#kept = '';
+    this.#try(() => this.#query.LoadQuery(design, true));
   }
   #onKey;
 
   #end() {
     if (this.isConnected || !this.#designer) return;
     try {
-      this.#kept = this.design;
+      this.#kept ||= this.design;
     } catch {
       this.#kept = '';
     }
-    this.#offs.splice(0).forEach(off => off());
     this.shadowRoot.removeEventListener('keydown', this.#onKey);
     this.#query = null;
     this.connected = undefined;
@@ -285,9 +295,10 @@ export class ZrQueryDesigner extends HTMLElement {
     });
   }
 
-  // Returns false where the page has taken the message upon itself.
+  // A window says it, unless the page has taken the message upon itself.
   #failed(message) {
-    return this.dispatchEvent(new CustomEvent('error', {detail: {message}, cancelable: true}));
+    const shows = this.dispatchEvent(new CustomEvent('error', {detail: {message}, cancelable: true}));
+    if (shows) this.#designer?.say(message);
   }
 }
 

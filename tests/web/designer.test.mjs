@@ -277,8 +277,8 @@ describe('a page', () => {
     await page.waitForTimeout(100);
     assert.equal(await inPage(() => designer.query), null);
     await inPage(() => document.body.append(designer));
-    await page.waitForFunction(() => designer.query);
-    assert.equal(await inPage(() => designer.query.DiagramPane.Entities.Count), 2);
+    await page.waitForFunction(() => designer.query?.DiagramPane.Entities.Count === 2);
+    assert.equal(await inPage(() => designer.query.DiagramPane.Entities.Item(2).Items.Count), 4);
     await inPage(() => { const box = document.createElement('div'); document.body.append(box); box.append(designer); });
     await page.waitForTimeout(100);
     assert.equal(await inPage(() => designer.query.DiagramPane.Entities.Count), 2);

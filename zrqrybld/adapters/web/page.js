@@ -235,10 +235,9 @@ export class Designer {
   windowClosed(window) { this.windows = this.windows.filter(other => other !== window); }
   confirm(text) { return globalThis.confirm(text); }
   busy(on) { this.root.host?.toggleAttribute('busy', on); }
-  failed(text) {
-    if (this.told.failed?.(text) === false) return;
-    this.dialog(0, 'message', pack([text, '2']));
-  }
+  failed(text) { this.told.failed(text); }
+  /** Shows a message about what has failed. */
+  say(text) { this.dialog(0, 'message', pack([text, '2'])); }
   saved(path) {
     const {FS} = this.page.module;
     if (!FS.analyzePath(path).exists) return;  // a picture went its own way
