@@ -256,8 +256,8 @@ class DiagramGestures : public test::DesignerWindow {
   QPoint pointer_;
 };
 
-// From the first drag to the last undo: two pairs drawn, the kind by menu, comparison and condition by keys, and at last
-// a question.
+// From the first drag to the last undo: two pairs drawn, the kind by menu, comparison and condition by keys, and at
+// last a question.
 TEST_F(DiagramGestures, AJoinOfTwoColumnsIsOneInEveryHand) {
   OpenSample();
   Begin();
