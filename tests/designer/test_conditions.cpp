@@ -1,0 +1,79 @@
+// The conditions beside the grid: a tree that shows what the criteria say and writes what is changed there.
+
+#include "tests/designer/designer_window_test.h"
+#include "tests/qt/pictures.h"
+#include "zrqrybld/adapters/qt/conditions_view.h"
+#include "zrqrybld/adapters/qt/query_designer_widget.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/sql/sql_pane.h"
+
+namespace zrqrybld {
+namespace {
+
+using test::Utf8;
+
+class ConditionsTest : public test::DesignerWindow {
+ protected:
+  ConditionsTest() {
+    OpenSample();
+    window.Tab().ShowConditions(true);
+  }
+  ConditionsView& View() { return window.Tab().Conditions(); }
+  QTreeWidget& Tree() { return View().Tree(); }
+  void Apply(const char* where) {
+    Hub().SQLPane()->ParseSQLStatement(std::string("SELECT c.CompanyName FROM Customers c WHERE ") + where);
+    View().Refresh();
+  }
+  static std::string Say(const QTreeWidgetItem& item) {
+    std::string text = Utf8(item.text(0));
+    if (!item.text(1).isEmpty()) text += " " + Utf8(item.text(1));
+    for (int i = 0; i < item.childCount(); ++i) text += (i == 0 ? " (" : "; ") + Say(*item.child(i));
+    return item.childCount() > 0 ? text + ")" : text;
+  }
+  std::string Shown() { return Say(*Tree().topLevelItem(0)); }
+  QTreeWidgetItem& Item(std::initializer_list<int> path) {
+    QTreeWidgetItem* item = Tree().topLevelItem(0);
+    for (const int place : path) item = item->child(place);
+    return *item;
+  }
+  void Go(std::initializer_list<int> path) { Tree().setCurrentItem(&Item(path)); }
+  void Press(Qt::Key key, Qt::KeyboardModifiers held = {}) { QTest::keyClick(&Tree(), key, held); }
+};
+
+TEST_F(ConditionsTest, ShowWhatTheCriteriaSayAndFollowThem) {
+  Apply("c.Country = 'UK' AND (c.City = 'London' OR c.City LIKE 'B%' AND NOT c.Phone IS NULL) AND UPPER(c.City) > 'A'");
+  EXPECT_EQ(Shown(),
+            "Rows: all of these (c.Country = 'UK'; any of these (c.City = 'London'; all of these (c.City LIKE 'B%'; "
+            "c.Phone IS NOT NULL)); UPPER(c.City) > 'A')");
+  KeepPicture(Paint(View()), "conditions");
+  KeepPicture(Paint(window), "conditions-window");
+  Grid().SetValue(2, "criteria", "= 'France'");
+  EXPECT_EQ(Utf8(Item({0}).text(1)), "= 'France'");
+  Hub().Undo();
+  EXPECT_EQ(Utf8(Item({0}).text(1)), "= 'UK'");
+  for (const NamedPalette& named : TestPalettes()) {
+    const ScopedPalette scoped(named.palette);
+    KeepPicture(Paint(View()), "conditions-" + named.name);
+  }
+}
+
+TEST_F(ConditionsTest, AreNegatedTurnedMovedAndTakenOut) {
+  Apply("c.Country = 'UK' AND (c.City = 'London' OR c.City = 'Bath' OR c.Phone IS NULL)");
+  Go({1, 0});
+  View().Negate();
+  EXPECT_NE(Shown().find("any of these (not c.City"), std::string::npos) << Shown();
+  View().Negate();
+  View().MoveTo({0, 1, 2}, {0}, 1);
+  EXPECT_EQ(
+      Shown(),
+      "Rows: all of these (c.Country = 'UK'; any of these (c.City = 'London'; c.City = 'Bath'); c.Phone IS NULL)");
+  Go({2});
+  Press(Qt::Key_Delete);
+  EXPECT_EQ(Statement().find("Phone"), std::string::npos);
+  Hub().Undo();
+  EXPECT_NE(Shown().find("c.Phone IS NULL"), std::string::npos) << Shown();
+}
+
+}  // namespace
+}  // namespace zrqrybld
