@@ -87,12 +87,16 @@ void qbSQLPane::ListenToTextArea() {
     const bool waits = edited_ && !sqlOnly_;
     const bool applies = key == RowOf(Command::ApplyText).key || (waits && Asks(key, Command::ApplyText));
     const bool goes = Asks(key, Command::GoToQueryAtCaret);
-    if (!applies && !goes) return;
+    const bool leaves = Asks(key, Command::LeaveQuery);
+    if (!applies && !goes && !leaves) return;
     keyCode = 0;
+    const Ref<QueryContext> context = context_.lock();
     if (applies) {
       ApplyEditedText();
-    } else {
+    } else if (goes) {
       OpenQueryAtCaret();
+    } else if (context) {
+      context->reports.LeaveQuery();
     }
   }));
   links_.push_back(

@@ -42,7 +42,8 @@ void ChangeAnnouncer::Compare() {
   const QuerySnapshot before = std::exchange(before_, hub_.Snapshot());
   const QuerySet& queries = hub_.QueriesNow();
   if (std::exchange(shown_, queries.shown) != queries.shown) {
-    const Phrase title = TitleOf(queries, queries.shown);
+    Phrase title = TitleOf(queries, queries.shown);
+    if (!queries.Shown().name.empty()) title = {text::MemberTitle, queries.Shown().name};
     return Say(ToQString(Phrase(text::QueryShownNow, title, before_.tables.size()).In(*hub_.Texts())));
   }
   Say(ToQString(DescribeChanges(before, before_, *hub_.Texts())));

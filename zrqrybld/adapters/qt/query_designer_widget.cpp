@@ -73,11 +73,9 @@ QueryDesignerWidget::QueryDesignerWidget(QWidget* parent)
   onKey(ShortcutOf(Command::NextPane), 1);
   onKey(ShortcutOf(Command::PreviousPane), -1);
 
-  for (QWidget* pane : {static_cast<QWidget*>(grid_), static_cast<QWidget*>(sql_)}) {  // the diagram has it itself
-    auto* leave = new QShortcut(ShortcutOf(Command::LeaveQuery), pane);
-    leave->setContext(Qt::WidgetWithChildrenShortcut);
-    connect(leave, &QShortcut::activated, this, [this] { sql_->Boundary().Run([this] { LeaveQuery(*hub_); }); });
-  }
+  auto* leave = new QShortcut(ShortcutOf(Command::LeaveQuery), grid_);  // diagram and text have the key themselves
+  leave->setContext(Qt::WidgetWithChildrenShortcut);
+  connect(leave, &QShortcut::activated, this, [this] { sql_->Boundary().Run([this] { LeaveQuery(*hub_); }); });
 
   new SqlOnlyCover(*diagram_, *hub_, true);  // the panes own them
   new SqlOnlyCover(*grid_, *hub_, false);
