@@ -302,7 +302,7 @@ TEST_F(DiagramGestures, AJoinOfTwoColumnsIsOneInEveryHand) {
   play("move empty; picture asked; move line 1; choose Kind > Customers without; move empty; picture missing");
   const std::string statement = Hub().SQLPane()->SQLStatement();
   EXPECT_NE(statement.find("NOT EXISTS (SELECT *"), std::string::npos) << statement;
-  EXPECT_EQ(statement.find("JOIN"), std::string::npos) << statement;
+  EXPECT_GT(statement.find("JOIN"), statement.find("EXISTS")) << "what hangs behind the order is asked about with it";
   play("key Del");
   EXPECT_EQ(Joins(), "Order Lines.OrderID>Order.OrderID");
   for (int i = 0; i < 6; ++i) Hub().Undo();

@@ -162,7 +162,7 @@ TEST_F(ThreeQueries, MoveToWithAndBackAreRenamedAndRemoved) {
     EXPECT_EQ(test::ErrorOf([&] { Query("r")->SetName(name); }), ErrorInvalidPropertyValue);
   }
   EXPECT_EQ(test::ErrorOf([&] { hub->Queries()->Item(1)->Remove(); }), ErrorInvalidPropertyValue);
-  EXPECT_EQ(test::ErrorOf([&] { Query("r")->SetOperator(QueryUnion); }), ErrorInvalidPropertyValue);
+  EXPECT_EQ(test::ErrorOf([&] { Query("r")->SetOperator(QueryExcept); }), ErrorInvalidPropertyValue);
   EXPECT_EQ(test::ErrorOf([&] { Query("nosuch"); }), ErrorNoSuchItem);
   hub->BeginStep("mine");
   EXPECT_EQ(test::ErrorOf([&] { Query("r")->Open(); }), ErrorInvalidCall);

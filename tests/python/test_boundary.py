@@ -74,7 +74,7 @@ class EveryMember(unittest.TestCase):
         "GetRowColumnIndex": (50.0, 50.0, 0, 0), "GetRowColumnXY": (1, 1, 0.0, 0.0), "GotoRowCol": (1, 2),
         "qbGridPane.Value": (1, 1), "ParametersDialog.Value": (1,), "AskParameters": ("SELECT 1",),
         "zrGridRow.Value": (1,), "qbEntity.TagVariant": (), "zrGridColumns.Remove": (11,),
-        "TablesDialog.Add": (["Products"],), "qbJoinTables.Add": ("a", "x", "b", "y"), "PasteText": ("x",),
+        "TablesDialog.Add": (["Products"],), "qbJoinTables.Add": ("a", "x", "b", "y"), "qbQueries.Add": (2, "q"), "PasteText": ("x",),
     }
     # What raises the event that brings a dialog.
     DIALOGS = {
@@ -139,7 +139,7 @@ class EveryMember(unittest.TestCase):
                  qb.DiagramPane.Entities, entity, entity.Items, entity.Items[2], entity.Relationships,
                  entity.Relationships[1], qb.DiagramPane.WholeJoins, qb.DiagramPane.WholeJoins[1],
                  qb.GridPane, grid, grid.Rows, grid.Rows[1], grid.Columns, grid.Columns[1],
-                 grid.Columns["sort_type"].ComboItems, grid.Columns["sort_type"].ComboItems[1], qb.SQLPane, combo,
+                 grid.Columns["sort_type"].ComboItems, grid.Columns["sort_type"].ComboItems[1], qb.SQLPane, combo, qb.Queries, qb.Queries.Add(3),
                  create("qbUtility"), create("PropertyBag"), qb.Connection, rows, rows.Fields(0), image, images, joins,
                  joins[1], joins[1].JoinTables, joins[1].JoinTables[1], create("qbParameters"), parameters[0],
                  qb.DiagramPane.EntityFont, toolkit._object, toolkit.Messages, toolkit.Messages[1]]

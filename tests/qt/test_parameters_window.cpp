@@ -62,14 +62,13 @@ TEST_F(ParametersWindowTest, ValuesAreTypedWithTheStatementInView) {
     EXPECT_TRUE(accept->isEnabled());
     EXPECT_NE(statement->Text().find("> 1.5 AND"), std::string::npos) << statement->Text();
 
-    QTimer::singleShot(0, [] {
-      auto* calendar = QApplication::activePopupWidget()->findChild<QCalendarWidget*>();
-      ASSERT_NE(calendar, nullptr);
-      EXPECT_EQ(calendar->selectedDate(), QDate(2020, 1, 1));
-      calendar->setSelectedDate(QDate(2021, 3, 4));
-      QTest::keyClick(calendar->findChild<QTableView*>(), Qt::Key_Return);
-    });
     QTest::keyClick(lines[0], Qt::Key_Down, Qt::AltModifier);
+    ASSERT_NE(QApplication::activePopupWidget(), nullptr);
+    auto* calendar = QApplication::activePopupWidget()->findChild<QCalendarWidget*>();
+    ASSERT_NE(calendar, nullptr);
+    EXPECT_EQ(calendar->selectedDate(), QDate(2020, 1, 1));
+    calendar->setSelectedDate(QDate(2021, 3, 4));
+    QTest::keyClick(calendar->findChild<QTableView*>(), Qt::Key_Return);
     QTest::keyClick(lines[0], Qt::Key_Return);
   });
   const auto values = AskParameters(*hub, kSql);

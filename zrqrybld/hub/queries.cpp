@@ -50,7 +50,7 @@ void qbQuery::SetOperator(QueryOperatorEnum combined) {
 
 Ref<qbQuery> qbQuery::Parent() const {
   const StoredQuery& facts = Facts();
-  return facts.kind == QueryMain ? nullptr : std::make_shared<qbQuery>(hub_, facts.parent);
+  return facts.kind == QueryMain ? nullptr : Hub()->Queries()->Of(facts.parent);
 }
 
 std::string qbQuery::SQLStatement() const {
@@ -96,18 +96,26 @@ Ref<qbQuery> qbQueries::Item(const Variant& index) const {
     if (name.empty()) found = queries.end();
   }
   if (found == queries.end()) ThrowNoSuchItem();
-  return std::make_shared<qbQuery>(hub_, found->id);
+  return Of(found->id);
 }
 
 Ref<qbQuery> qbQueries::Add(QueryKindEnum kind, const std::string& name) {
   if (!(kind > QueryMain && kind <= QueryMember)) throw Error(ErrorInvalidPropertyValue, text::QueryKeepsKind);
-  return std::make_shared<qbQuery>(hub_, Hub()->AddQuery(kind, name));
+  return Of(Hub()->AddQuery(kind, name));
 }
 
-Ref<qbQuery> qbQueries::Current() const { return std::make_shared<qbQuery>(hub_, Hub()->QueriesNow().shown); }
+Ref<qbQuery> qbQueries::Current() const { return Of(Hub()->QueriesNow().shown); }
 
 void qbQueries::SetCurrent(const Ref<qbQuery>& query) {
   if (query) query->Open();
+}
+
+Ref<qbQuery> qbQueries::Of(std::int32_t id) const {
+  if (Ref<qbQuery> known = known_[id].lock()) return known;
+  std::erase_if(known_, [](const auto& one) { return one.second.expired(); });
+  const Ref<qbQuery> query = std::make_shared<qbQuery>(hub_, id);
+  known_[id] = query;
+  return query;
 }
 
 Ref<qbQueries> qbQueryBuilder::Queries() {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include "zrqrybld/base/collection.h"
@@ -85,10 +86,16 @@ class ZRQRYBLD_API qbQueries final : public Object {
   Ref<qbQuery> Current() const;
   void SetCurrent(const Ref<qbQuery>& query);
 
+  // --- For the model ---
+
+  /// What stands for the query with this id; the same object as long as somebody holds it.
+  Ref<qbQuery> Of(std::int32_t id) const;
+
  private:
   Ref<qbQueryBuilder> Hub() const;
 
   WeakRef<qbQueryBuilder> hub_;
+  mutable std::unordered_map<std::int32_t, WeakRef<qbQuery>> known_;
 };
 
 }  // namespace zrqrybld

@@ -185,7 +185,12 @@ void qbQueryBuilder::FollowQueries() {
     const auto renamed = RenamedColumn(TextsOf(*entity), *columns);
     if (renamed) RenameItem(*entity, renamed->first, renamed->second);
     if (renamed && gridPane_) GridPane()->RenameColumn(entity->Caption(), renamed->first, renamed->second);
-    changed |= ShowColumns(*entities, *entity, *columns, *DataTypes()) || renamed;
+    // A box that showed all it has goes on to do so.
+    const auto showsAll = [&] { return entity->EntityBox() && entity->EntityBox()->LastFirstRow() <= 1; };
+    const bool showedAll = showsAll();
+    const bool isOther = ShowColumns(*entities, *entity, *columns, *DataTypes());
+    if (showedAll && !showsAll()) entities->Fit(*entity);
+    changed |= isOther || renamed;
   }
   if (changed) KnowShown(TakeDesign());
 }
@@ -281,10 +286,10 @@ void qbQueryBuilder::RemoveQuery(std::int32_t id) {
 void qbQueryBuilder::RenameQuery(std::int32_t id, const std::string& name) {
   QuerySet& set = parts_->querySet;
   const StoredQuery* query = set.Find(id);
+  if (query && query->name == name) return;
   if (!query || query->kind == QueryMain || query->kind == QueryMember) {
     throw Error(ErrorInvalidPropertyValue, text::QueryKeepsKind);
   }
-  if (query->name == name) return;
   if (Trim(name).empty()) throw Error(ErrorInvalidPropertyValue, text::QueryNeedsName);
   const StoredQuery* other = set.FindNamed(query->parent, name);
   if (other && other->id != id) throw Error(ErrorInvalidPropertyValue, {text::QueryNameTaken, name});
@@ -315,10 +320,10 @@ void qbQueryBuilder::RenameQuery(std::int32_t id, const std::string& name) {
 void qbQueryBuilder::SetQueryKind(std::int32_t id, QueryKindEnum kind) {
   StoredQuery* query = parts_->querySet.Find(id);
   const bool isTable = kind == QueryDerivedTable || kind == QueryCommonTable;
+  if (query && query->kind == kind) return;
   if (!query || query->kind == QueryMain || query->kind == QueryMember || !isTable) {
     throw Error(ErrorInvalidPropertyValue, text::QueryKeepsKind);
   }
-  if (query->kind == kind) return;
   const StepScope step(RefTo(*this), kStepQueryKind, query->name);
   TouchQueries();
   query->kind = kind;
@@ -328,8 +333,8 @@ void qbQueryBuilder::SetQueryKind(std::int32_t id, QueryKindEnum kind) {
 
 void qbQueryBuilder::SetQueryOperator(std::int32_t id, QueryOperatorEnum combined) {
   StoredQuery* query = parts_->querySet.Find(id);
+  if (query && query->combined == combined) return;
   if (!query || query->kind != QueryMember) throw Error(ErrorInvalidPropertyValue, text::QueryKeepsKind);
-  if (query->combined == combined) return;
   const StepScope step(RefTo(*this), kStepQueryOperator);
   TouchQueries();
   query->combined = combined;

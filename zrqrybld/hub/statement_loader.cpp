@@ -13,6 +13,7 @@
 #include "zrqrybld/base/scoped_value.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_hub.h"
+#include "zrqrybld/base/texts_queries.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/join_properties.h"
 #include "zrqrybld/diagram/relationships.h"
@@ -230,18 +231,29 @@ class QueryMatcher {
   QuerySet result_;
 };
 
+// The statement of queries that were read. Error 40002 where the dialect could not write it.
+std::string WrittenAnew(const qbQueryBuilder& hub, const ReadQuery& main) {
+  GeneratedQuery written = GenerateQuery(TreeOf(main), hub.CurrentDialect());
+  for (const QueryFault& fault : written.faults) {
+    if (fault.stops && !fault.what.Empty()) throw Error(ErrorParsingText, fault.what);
+  }
+  if (written.text.empty()) throw Error(ErrorParsingText, {text::DialectCannotSay, "SELECT"});
+  return std::move(written.text);
+}
+
 }  // namespace
 
 std::string MeaningOf(qbQueryBuilder& hub, std::string_view sql) {
   ReadQueries read(hub, sql);
   if (read.Main().inner.empty()) return GenerateSelect(read.Main().statement->Design(), hub.CurrentDialect()).text;
-  return GenerateQuery(TreeOf(read.Main()), hub.CurrentDialect()).text;
+  return WrittenAnew(hub, read.Main());
 }
 
 void qbQueryBuilder::LoadStatement(const std::string& sql) {
   WholeOrNothing(RefTo(*this), [&] {
     ReadQueries read(*this, sql);
     if (read.Main().inner.empty() && parts_->querySet.IsSingle()) return Write(*this, *read.Main().statement);
+    if (!read.Main().inner.empty()) WrittenAnew(*this, read.Main());
     LoadQueries(read.Main());
   });
 }

@@ -186,9 +186,16 @@ class Writer {
     }
     GeneratedSql generated = GenerateSelect(query.query, dialect_, query.id == shown_ ? extra_ : ExtraConditions());
     holdsMark_ |= generated.text.find(kMark) != std::string::npos && !marks_;
-    if (generated.text.empty()) Fault(query, {});
+    if (generated.text.empty()) Fault(query, CannotLimit(query.query) ? Phrase(text::NoLimitOfCompound) : Phrase());
     if (query.id != shown_ && !marks_) Remark(query, generated);
     return generated;
+  }
+
+  // What limits one SELECT cannot limit all members.
+  bool CannotLimit(const QuerySnapshot& query) const {
+    const RowLimit& limit = dialect_.limit;
+    const bool limits = query.beginsCompound && !query.top.empty();
+    return limits && limit.place != RowLimit::Place::End && (limit.rowsAndOffset.empty() || query.top.ends_with('%'));
   }
 
   const Dialect& dialect_;

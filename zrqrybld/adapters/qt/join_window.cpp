@@ -218,6 +218,7 @@ JoinWindow::JoinWindow(const JoinDialog& dialog, QWidget* parent, const TextSour
     group_->setToolTip(PlainTip(ToQString(dialog_.groupProblem)));
     group_->setAccessibleDescription(ToQString(dialog_.groupProblem));
     layout->addWidget(group_);
+    connect(group_, &QCheckBox::toggled, this, [this] { ShowCount(); });
   }
   if (dialog_.conditionForm) {
     pairs_ = new JoinPairs(dialog_, texts_);

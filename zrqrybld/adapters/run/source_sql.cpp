@@ -1,6 +1,7 @@
 #include "zrqrybld/adapters/run/source_sql.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <iterator>
 #include <optional>
 #include <span>
@@ -23,21 +24,106 @@ bool IsMember(const Piece& name, const Piece& point, const Piece& piece) {
          name.offset + name.text.size() == point.offset && point.offset + 1 == piece.offset;
 }
 
+bool IsOneOf(std::string_view word, std::initializer_list<std::string_view> words) {
+  return std::ranges::any_of(words, [word](std::string_view one) { return EqualsNoCase(one, word); });
+}
+
+// Requires that a query begins where one has to: at the beginning, in each parenthesis of WITH and behind these. Some
+// servers would change tables there.
+class QueryHeads {
+ public:
+  void Add(const Piece& piece) {
+    if (state_ == State::BehindBody) state_ = piece.text == "," ? State::BeforeName : State::Query;
+    if (state_ == State::BeforeName && piece.text == ",") return;
+    switch (state_) {
+      case State::Query:
+        return AddHead(piece);
+      case State::BeforeName:
+        state_ = EqualsNoCase(piece.text, "RECURSIVE") ? State::Recursive : State::BehindName;
+        return;
+      case State::Recursive:  // or that is the name
+        state_ = State::BehindName;
+        if (piece.text != "(" && !EqualsNoCase(piece.text, "AS")) return;
+        [[fallthrough]];
+      case State::BehindName:
+        if (piece.text != "(") return AddAs(piece);
+        state_ = State::Columns;
+        return;
+      case State::Columns:
+        if (piece.text == ")") state_ = State::BehindColumns;
+        return;
+      case State::BehindColumns:
+        return AddAs(piece);
+      case State::BehindAs:
+        if (IsOneOf(piece.text, {"NOT", "MATERIALIZED"})) return;
+        if (piece.text != "(") Refuse(piece);
+        bodies_.push_back(depth_++);
+        state_ = State::Query;
+        return;
+      default:
+        return AddInside(piece);
+    }
+  }
+
+ private:
+  enum class State { Query, BeforeName, Recursive, BehindName, Columns, BehindColumns, BehindAs, Inside, BehindBody };
+
+  [[noreturn]] static void Refuse(const Piece& piece) { RefuseStatement(text::OnlySelectStatement, piece.offset); }
+
+  void AddHead(const Piece& piece) {
+    if (piece.text == "(") {
+      ++depth_;
+    } else if (EqualsNoCase(piece.text, "WITH")) {
+      hasWith_ = true;
+      state_ = State::BeforeName;
+    } else if (EqualsNoCase(piece.text, "SELECT") || (!bodies_.empty() && EqualsNoCase(piece.text, "VALUES"))) {
+      state_ = State::Inside;
+    } else {
+      Refuse(piece);
+    }
+  }
+
+  void AddAs(const Piece& piece) {
+    if (!EqualsNoCase(piece.text, "AS")) Refuse(piece);
+    state_ = State::BehindAs;
+  }
+
+  void AddInside(const Piece& piece) {
+    const bool changes = hasWith_ && opened_ && IsOneOf(piece.text, {"INSERT", "UPDATE", "DELETE", "MERGE"});
+    if (changes) Refuse(piece);
+    opened_ = piece.text == "(";
+    if (opened_) ++depth_;
+    if (piece.text != ")") return;
+    --depth_;
+    if (bodies_.empty() || depth_ != bodies_.back()) return;
+    bodies_.pop_back();
+    state_ = State::BehindBody;
+  }
+
+  State state_ = State::Query;
+  int depth_ = 0;
+  std::vector<int> bodies_;  // of WITH that are open: the depth around each
+  bool hasWith_ = false;
+  bool opened_ = false;  // the piece before opens a parenthesis
+};
+
 void RequireOneSelectAs(std::string_view sql, const KnownReading& reading) {
   CodeReader reader(sql, reading);
   EffectFinder effects(reading.family);
+  QueryHeads heads;
   Piece piece;
   bool any = reader.Next(piece);
-  while (any && piece.text == "(") any = reader.Next(piece);
+  for (; any && piece.text == "("; any = reader.Next(piece)) heads.Add(piece);
   if (!any) RefuseStatement(text::NothingToRun, 0);
-  if (!EqualsNoCase(piece.text, "SELECT")) RefuseStatement(text::OnlySelectStatement, piece.offset);
-  bool atStart = true;  // of the select list
+  heads.Add(piece);
+  bool atStart = EqualsNoCase(piece.text, "SELECT");  // of the select list
   bool ended = false;
   Piece before = piece;
   Piece beforeThat;
   while (reader.Next(piece)) {
     if (ended) RefuseStatement(text::OnlyOneStatement, piece.offset);
     ended = piece.text == ";";
+    if (!ended) heads.Add(piece);
     if (EqualsNoCase(piece.text, "INTO") && !IsMember(beforeThat, before, piece)) {
       RefuseStatement(text::SelectInto, piece.offset);
     }

@@ -12,10 +12,10 @@ namespace zrqrybld {
 
 struct Dialect;
 
-/// Error 40002, with the place, when the text is anything but one SELECT that only reads: another statement, a second
-/// one, SELECT INTO, a lock, a function or clause with effects (source_effects.h), or a SELECT without columns.
-/// Literals, quoted names and comments are told apart as the source does it; in every way in which it may, when its
-/// mode or the source itself is not known, and one objection is enough.
+/// Error 40002, with the place, when the text is anything but one SELECT that only reads, WITH before it or not:
+/// another statement, a second one, SELECT INTO, a lock, a function or clause with effects (source_effects.h), or a
+/// SELECT without columns. Literals, quoted names and comments are told apart as the source does it; in every way in
+/// which it may, when its mode or the source itself is not known, and one objection is enough.
 void RequireOneSelect(std::string_view sql, const SourceMode& mode);
 
 /// What is sent for a statement that `RequireOneSelect` lets through: nothing stands in another place, but comments
