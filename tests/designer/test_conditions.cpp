@@ -1,5 +1,10 @@
 // The conditions beside the grid: a tree that shows what the criteria say and writes what is changed there.
 
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QCompleter>
+#include <QLineEdit>
+
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/pictures.h"
 #include "zrqrybld/adapters/qt/conditions_view.h"
@@ -38,6 +43,23 @@ class ConditionsTest : public test::DesignerWindow {
     return *item;
   }
   void Go(std::initializer_list<int> path) { Tree().setCurrentItem(&Item(path)); }
+  // Types into the editor that is open, and takes it.
+  template <class Editor>
+  void Type(const QString& text) {
+    QApplication::processEvents();
+    auto* editor = Tree().findChild<Editor*>();
+    ASSERT_TRUE(editor);
+    QWidget* line = editor->focusProxy() ? editor->focusProxy() : editor;
+    QTest::keyClick(line, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(line, text);
+    if (auto* combo = qobject_cast<QComboBox*>(static_cast<QWidget*>(editor))) combo->completer()->popup()->hide();
+    for (QWidget* each : QApplication::topLevelWidgets()) {
+      if (each->isVisible() && each->inherits("QListView")) QTest::keyClick(line, Qt::Key_Escape);
+    }
+    QTest::keyClick(line, Qt::Key_Return);
+    // The editor lets the key act first, then the tree is told, then it is filled anew.
+    for (int hop = 0; hop < 4; ++hop) QApplication::processEvents();
+  }
   void Press(Qt::Key key, Qt::KeyboardModifiers held = {}) { QTest::keyClick(&Tree(), key, held); }
 };
 
@@ -56,6 +78,31 @@ TEST_F(ConditionsTest, ShowWhatTheCriteriaSayAndFollowThem) {
     const ScopedPalette scoped(named.palette);
     KeepPicture(Paint(View()), "conditions-" + named.name);
   }
+}
+
+TEST_F(ConditionsTest, AreEditedInPlace) {
+  Apply("c.Country = 'UK'");
+  Go({0});
+  Press(Qt::Key_Return);
+  Type<QLineEdit>("France");
+  EXPECT_EQ(Grid().Value(2, "criteria").Text(), "= 'France'");
+  EXPECT_EQ(Shown(), "Rows: all of these (c.Country = 'France')");
+  const std::size_t steps = Hub().CanUndo();
+  Press(Qt::Key_Return);
+  Type<QLineEdit>("between 1");
+  EXPECT_EQ(Grid().Value(2, "criteria").Text(), "= 'France'") << "what cannot be read is told and changes nothing";
+  EXPECT_EQ(Hub().CanUndo(), steps != 0);
+  // A new one: its field, then what is asked of it.
+  Press(Qt::Key_Insert);
+  Type<QComboBox>("c.City");
+  Type<QLineEdit>("like P%");
+  EXPECT_EQ(Shown(), "Rows: all of these (c.Country = 'France'; c.City LIKE 'P%')");
+  EXPECT_NE(Statement().find("LIKE 'P%'"), std::string::npos);
+  Press(Qt::Key_Delete);
+  EXPECT_EQ(Shown(), "Rows: all of these (c.Country = 'France')");
+  Hub().Undo();
+  View().Refresh();
+  EXPECT_NE(Shown().find("c.City"), std::string::npos);
 }
 
 TEST_F(ConditionsTest, AreNegatedTurnedMovedAndTakenOut) {

@@ -4,6 +4,23 @@
 
 namespace zrqrybld::test {
 
+namespace {
+
+// Servers take parentheses in FROM around joined tables, not around one.
+std::string WithoutParenthesesAroundOne(std::string sql) {
+  for (std::size_t from = sql.find("FROM"); from != std::string::npos; from = sql.find("FROM", from + 4)) {
+    const std::size_t open = sql.find_first_not_of(" \r\n\t", from + 4);
+    if (open == std::string::npos || sql.compare(open, 2, "( ") != 0) continue;
+    const std::size_t close = sql.find(" )", open);
+    if (close == std::string::npos || sql.substr(open, close - open).find("JOIN") != std::string::npos) continue;
+    sql.replace(close, 2, "  ");
+    sql.replace(open, 2, "  ");
+  }
+  return sql;
+}
+
+}  // namespace
+
 std::string ForSqlite(const std::string& statement, SQLSyntaxEnum syntax) {
   std::string sql = statement;
   std::string limit;
@@ -25,7 +42,7 @@ std::string ForSqlite(const std::string& statement, SQLSyntaxEnum syntax) {
          at = columns.find(" \n\t", at + 3)) {
       columns.insert(at, ",");
     }
-    sql = columns + sql.substr(from);
+    sql = columns + WithoutParenthesesAroundOne(sql.substr(from));
   } else {
     takeLimit("TOP ", " ");
   }

@@ -3,6 +3,7 @@
 
 #include <iostream>
 #include <sstream>
+#include <stdexcept>
 
 #include "tests/flow/random_designs.h"
 #include "tests/link_panes.h"
@@ -82,7 +83,13 @@ class ProviderDesigns : public test::ProviderTest {
 
   std::vector<std::vector<std::string>> Run(const std::string& sql) const {
     std::vector<std::vector<std::string>> lines;
-    std::istringstream stream(source_->run(sql));
+    std::string answer;
+    try {
+      answer = source_->run(sql);
+    } catch (const std::exception& error) {
+      throw std::runtime_error(error.what() + ("\n" + sql));
+    }
+    std::istringstream stream(answer);
     for (std::string line; std::getline(stream, line);) {
       if (line.empty()) continue;
       lines.emplace_back();

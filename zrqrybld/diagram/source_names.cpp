@@ -67,6 +67,7 @@ std::string AliasedTable(const qbEntity& entity) {
   const std::string* tag = entity.TagVariant().StringIf();
   const std::string& caption = entity.Caption();
   if (!tag || tag->empty() || *tag == caption) return {};
+  if (entity.EntityBox() && entity.EntityBox()->IsQuery()) return *tag;
   const std::string& table = Fact(entity, kTableName);
   return table == caption ? std::string() : table;
 }

@@ -31,8 +31,8 @@ std::vector<Identifier> SourceName(const qbEntity& entity, std::vector<Identifie
 /// the source told counts, as long as the entity's `TagVariant` still means that table.
 ZRQRYBLD_API SourceTableName TableInSource(const qbEntity& entity, const NameRules& rules);
 
-/// The table that an entity shows under another name: what its caption is an alias of; "" for a caption that is the
-/// table's name, and for tables that no source has told about.
+/// The table, or query, that an entity shows under another name: what its caption is an alias of; "" for a caption that
+/// is the table's name, and for tables that no source has told about.
 std::string AliasedTable(const qbEntity& entity);
 
 /// How many bytes at the beginning of the caption say the table's schema, its separator included; 0 where the caption

@@ -146,6 +146,7 @@ void qbQueryBuilder::PutIntoPanes(const StoredQuery& query) {
   options.query = then.options.query;
   if (query.design) options.showGroupBy = then.options.showGroupBy;
   then.options = std::move(options);
+  const ScopedValue travelling(travelling_, true);  // the panes stay those that they are
   Restore(TakeDesign(), then);
   if (!query.design && gridPane_) {
     GridPane()->ResetRows();

@@ -242,9 +242,50 @@ class Parser {
     return item;
   }
 
+  // Whether what stands in the parenthesis here is a query, not tables. One that begins with another parenthesis is a
+  // query only where what stands in that is one, and more of it follows: "((SELECT ...) UNION ...)".
   bool BeginsQuery() const {
-    const Keyword next = reader_.Peek().keyword;
-    return next == Keyword::Select || next == Keyword::With;
+    Lexer ahead(statement_.text);
+    ahead.SetPosition(reader_.Offset());
+    Token token;
+    const auto next = [&] {
+      do {
+        if (!ahead.Next(token)) return false;
+      } while (token.kind == TokenKind::Comment);
+      return true;
+    };
+    const auto isSign = [&](char sign) {
+      return token.kind == TokenKind::Operator && token.length == 1 && statement_.text[token.offset] == sign;
+    };
+    int level = 0;
+    while (next() && isSign('(') && level <= kDeepestCalls) ++level;
+    if (token.keyword != Keyword::Select && token.keyword != Keyword::With) return false;
+    for (int depth = level; level > 1;) {
+      if (!next()) return false;
+      if (isSign('(')) ++depth;
+      if (!isSign(')') || --depth >= level) continue;
+      const std::size_t behind = ahead.Position();
+      if (!next() || !GoesOnAsQuery(token, isSign(')'))) return false;
+      ahead.SetPosition(behind);
+      --level;
+    }
+    return true;
+  }
+
+  static bool GoesOnAsQuery(const Token& token, bool closes) {
+    switch (token.keyword) {
+      case Keyword::Union:
+      case Keyword::Intersect:
+      case Keyword::Except:
+      case Keyword::Minus:
+      case Keyword::Order:
+      case Keyword::Limit:
+      case Keyword::Offset:
+      case Keyword::Fetch:
+        return true;
+      default:
+        return closes;
+    }
   }
 
   // A query in the place of a table; its name stands where a table's alias does.
