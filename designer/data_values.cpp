@@ -54,11 +54,11 @@ void DataValues::End(std::vector<ColumnValue> values) {
   if (const Answer answer = std::exchange(answer_, nullptr)) answer(std::move(values));
 }
 
-void DataValues::ChooseDate(const std::string& now, DateAnswer answer) {
+void DataValues::ChooseDate(const std::string& now, const DateAnswer& answer) {
   QWidget* field = QApplication::focusWidget();
   ChooseDay(field && above_.isAncestorOf(field) ? *field : above_,
             QDate::fromString(ToQString(now).left(10), Qt::ISODate),
-            [answer = std::move(answer)](QDate day) { answer(ToUtf8(day.toString(Qt::ISODate))); });
+            [answer](QDate day) { answer(ToUtf8(day.toString(Qt::ISODate))); });
 }
 
 }  // namespace zrqrybld

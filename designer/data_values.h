@@ -25,7 +25,7 @@ class DataValues final : public ValueSource {
   /// A question that is not answered yet is given up.
   void Ask(const ValueQuestion& question, Answer answer) override;
   bool CanChooseDates() const override { return true; }
-  void ChooseDate(const std::string& now, DateAnswer answer) override;
+  void ChooseDate(const std::string& now, const DateAnswer& answer) override;
 
   /// Another source is in use, or none.
   void SourceChanged() { GiveUp(); }

@@ -220,7 +220,8 @@ bool HoldsNumbers(Store& store, const std::string& table, const std::string& col
 // Other comparisons, and conditions on tables with captions of their own.
 void AskMore(Store& store, Chance& chance, const Design& design, Design::Join& join) {
   if (!HoldsNumbers(store, design.tables[join.left].name, join.leftColumn)) return;
-  if (chance.OneIn(6)) join.comparison = 1 + static_cast<int>(chance.Below(5));
+  // PostgreSQL joins all rows of both only by equality.
+  if (chance.OneIn(6) && join.kind != JoinAllOfBoth) join.comparison = 1 + static_cast<int>(chance.Below(5));
   const bool isLeft = chance.OneIn(2);
   const Design::Table& table = design.tables[isLeft ? join.left : join.right];
   if (!table.caption.starts_with("t") || !chance.OneIn(3)) return;

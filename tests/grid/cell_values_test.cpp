@@ -41,7 +41,7 @@ class SlowSource final : public ValueSource {
     answers.push_back(std::move(answer));
   }
   bool CanChooseDates() const override { return true; }
-  void ChooseDate(const std::string& now, DateAnswer answer) override {
+  void ChooseDate(const std::string& now, const DateAnswer& answer) override {
     begun = now;
     answer("2024-02-29");
   }

@@ -77,6 +77,7 @@ bool ShowColumns(const qbEntities& entities, qbEntity& entity, const std::vector
   }
   shown.Restore(items);
   std::vector<bool> ticks;
+  ticks.reserve(items.size());
   for (const ItemState& item : items) ticks.push_back(ticked.contains(item.text));
   entity.EntityBox()->Rows().SetTicks(ticks);
   for (const JoinEnd& end : ends) {

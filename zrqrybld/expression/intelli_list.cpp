@@ -101,7 +101,8 @@ void qbIntelliList::ValuesArrived() {
   SuggestionList list = Ask(wanted.text, wanted.caret);
   const auto place = std::ranges::find(list.items, chosen, &Suggestion::insert);
   const bool stays = selected_ >= 0 && place != list.items.end();
-  Show(std::move(list), stays ? place - list.items.begin() : 0);
+  const auto selected = stays ? place - list.items.begin() : 0;
+  Show(std::move(list), selected);
 }
 
 SuggestionList qbIntelliList::AskWords(std::string_view text, std::size_t caret) {
@@ -206,12 +207,11 @@ void qbIntelliList::Accept(std::ptrdiff_t index) {
   Accepted.Raise(taken);
 }
 
-void qbIntelliList::ChooseDate(const std::string& now) {
+void qbIntelliList::ChooseDate(std::string now) {
   const std::size_t from = list_.from;
   const std::size_t to = list_.to;
-  const std::string typed = now;  // the entry goes with the list
-  Close();
-  values_->ChooseDate(typed, [weak = weak_from_this(), from, to](const std::string& literal) {
+  Close();  // the entry goes with the list
+  values_->ChooseDate(now, [weak = weak_from_this(), from, to](const std::string& literal) {
     const auto self = std::static_pointer_cast<qbIntelliList>(weak.lock());
     if (self) self->Accepted.Raise({from, to, {literal, {}}});
   });

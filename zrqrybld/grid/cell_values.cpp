@@ -61,6 +61,7 @@ std::string NameColumnOf(const TableFacts& table, std::string_view key) {
 std::optional<Place> ReferredBy(SchemaCache& schema, const std::vector<Identifier>& table, const std::string& column) {
   const auto partsOf = [](const std::vector<Identifier>& name) {
     std::vector<std::string> parts;
+    parts.reserve(name.size());
     for (const Identifier& part : name) parts.push_back(part.Name());
     return parts;
   };

@@ -50,7 +50,7 @@ class ZRQRYBLD_API ValueSource {
   /// Lets a person choose a date, beginning at the one that is written already (ISO 8601, or ""). False where it
   /// cannot: none is offered then.
   virtual bool CanChooseDates() const { return false; }
-  virtual void ChooseDate(const std::string& /*now*/, DateAnswer /*answer*/) {}
+  virtual void ChooseDate(const std::string& /*now*/, const DateAnswer& /*answer*/) {}
 };
 
 }  // namespace zrqrybld

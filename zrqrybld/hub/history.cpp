@@ -1,6 +1,7 @@
 #include "zrqrybld/hub/history.h"
 
 #include <algorithm>
+#include <span>
 #include <unordered_map>
 
 #include "zrqrybld/grid/grid_columns.h"
@@ -191,7 +192,7 @@ bool History::Record(const StepLabel& label, DesignChange change, std::optional<
   const bool wasEmpty = known_.entities.empty() && std::ranges::all_of(known_.rows, IsBlank);
   known_.options = std::move(change.options);
   if (wasEmpty && step.entities.Empty() && std::ranges::all_of(step.rows.after, IsBlank)) {
-    Absorb(step.rows);
+    Absorb(step.rows, query);
     return false;
   }
   Apply(known_.entities, step.entities, false);
@@ -208,13 +209,22 @@ bool History::Record(const StepLabel& label, DesignChange change, std::optional<
 
 // Blank rows that come or go are no step, so the steps before and behind end and begin with the rows as they are now:
 // what they replace is found by its place.
-void History::Absorb(const Splice<SharedRowContent>& change) {
+void History::Absorb(const Splice<SharedRowContent>& change, std::int32_t query) {
   mayMerge_ = false;
   if (change.Empty()) return;
+  // The nearest step of the same query; behind one that has changed several, the rows are those that it holds.
+  const auto nearest = [query](auto begin, auto end) -> Step* {
+    for (; begin != end && !begin->queries; ++begin) {
+      if (begin->query == query) return &*begin;
+    }
+    return nullptr;
+  };
+  Step* const last = nearest(undo_.rbegin(), undo_.rend());
+  Step* const next = nearest(redo_.rbegin(), redo_.rend());
   std::vector<SharedRowContent> before = known_.rows;
   std::vector<SharedRowContent> after = known_.rows;
-  if (!undo_.empty()) Apply(before, undo_.back().rows, true);
-  if (!redo_.empty()) Apply(after, redo_.back().rows, false);
+  if (last) Apply(before, last->rows, true);
+  if (next) Apply(after, next->rows, false);
   Apply(known_.rows, change, false);
   const auto rewrite = [this](Step& step, const std::vector<SharedRowContent>& was,
                               const std::vector<SharedRowContent>& is) {
@@ -225,8 +235,8 @@ void History::Absorb(const Splice<SharedRowContent>& change) {
     step.bytes = SizeOfStep(step);
     bytes_ += step.bytes;
   };
-  if (!undo_.empty()) rewrite(undo_.back(), before, known_.rows);
-  if (!redo_.empty()) rewrite(redo_.back(), known_.rows, after);
+  if (last) rewrite(*last, before, known_.rows);
+  if (next) rewrite(*next, known_.rows, after);
 }
 
 // Makes one step of it and the one before, when it goes on with what that has begun.
@@ -292,6 +302,18 @@ void History::Forget(Design now) {
 }
 
 // --- Travelling ---
+
+bool History::Fits(bool back) const {
+  const Step& step = back ? undo_.back() : redo_.back();
+  const auto fits = [back](const auto& splice, std::size_t size) {
+    return splice.first + (back ? splice.after : splice.before).size() <= size;
+  };
+  if (!fits(step.entities, known_.entities.size()) || !fits(step.rows, known_.rows.size())) return false;
+  const DiagramState& gone = back ? step.entities.after : step.entities.before;
+  return std::ranges::equal(
+      gone, std::span(known_.entities).subspan(step.entities.first, gone.size()), {},
+      [](const auto& state) { return state->identity; }, [](const auto& state) { return state->identity; });
+}
 
 const Design& History::Travel(bool back) {
   // What needs memory comes first: the step is undone whole or not at all.

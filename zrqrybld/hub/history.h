@@ -109,7 +109,10 @@ class History {
   /// The step that is undone next, or redone; nothing when there is none.
   const Step* Last() const { return undo_.empty() ? nullptr : &undo_.back(); }
   const Step* Next() const { return redo_.empty() ? nullptr : &redo_.back(); }
-  /// Undoes a step, which must be there, or redoes one: the design that is known from now on.
+  /// Whether what the step that is undone next, or redone, has replaced is still there: a listener may have changed more
+  /// than any step knows of.
+  bool Fits(bool back) const;
+  /// Undoes a step, which must be there and fit, or redoes one: the design that is known from now on.
   const Design& Travel(bool back);
 
   /// How many steps can be undone, and what the memory for all steps comes to, roughly.
@@ -121,7 +124,7 @@ class History {
 
  private:
   bool Merge(Step& step);
-  void Absorb(const Splice<SharedRowContent>& change);
+  void Absorb(const Splice<SharedRowContent>& change, std::int32_t query);
   void Push(Step step);
 
   Design known_;

@@ -444,11 +444,13 @@ class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
   std::vector<QueryColumn> OutputsOfShown(const QuerySnapshot& snapshot) const;
   Design TakeDesign() const;
   void StoreShown();
+  void RequireStill() const;
   void PutIntoPanes(const StoredQuery& query);
   void TouchQueries();
   void SwitchTo(std::int32_t id);
   void FollowQueries();
   void KnowShown(Design design);
+  bool ShowsKnown() const;
   void DropUnnamedQueries();
   void DropInnerQueries();
   void ForEachOther(const std::function<void()>& work);

@@ -451,7 +451,8 @@ bool IsOnlyAsked(const qbQueryBuilder& hub, const std::string& caption) {
   const auto asks = [](const Ref<qbEntity>& entity) {
     return std::ranges::any_of(*entity->Relationships(), [](const auto& join) { return join->Kind().Asks(); });
   };
-  if (!std::ranges::any_of(*hub.Entities(), asks)) return false;
+  const Ref<qbEntities> entities = hub.Entities();
+  if (!entities || !std::ranges::any_of(*entities, asks)) return false;
   const QuerySnapshot query = hub.Snapshot();
   const auto table =
       std::ranges::find_if(query.tables, [&](const SnapshotTable& one) { return one.caption.Name() == caption; });

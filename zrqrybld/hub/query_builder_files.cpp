@@ -38,6 +38,7 @@ std::string qbQueryBuilder::SaveQueryToText() {
 // What the file's query can name is there before its boxes are, and what names it comes last.
 bool qbQueryBuilder::ReadWithInner(QueryFileReader& reader, std::string_view text,
                                    const std::vector<InnerQueryInFile>& inner) {
+  RequireStill();
   TouchQueries();
   const ScopedValue loading(loadsQueries_, true);
   QuerySet& set = parts_->querySet;

@@ -156,6 +156,10 @@ bool qbQueryBuilder::Travel(bool back) {
         return;
       }
       SwitchTo(step->query);
+      // What a listener has changed while a query was put into the panes may be known to no step: then all are
+      // forgotten.
+      const bool hadQueries = parts_->querySet.lastId > 0;
+      if (hadQueries && !(ShowsKnown() && parts_->history.Fits(back))) return RememberAll();
       const Design now = parts_->history.Known();
       const Design then = parts_->history.Travel(back);
       historyChanged_ = true;

@@ -148,11 +148,12 @@ void qbQueryBuilder::PutIntoPanes(const StoredQuery& query) {
   then.options = std::move(options);
   const ScopedValue travelling(travelling_, true);  // the panes stay those that they are
   Restore(TakeDesign(), then);
-  if (!query.design && gridPane_) {
-    GridPane()->ResetRows();
-    then = TakeDesign();
+  if (query.design) {
+    parts_->history.Show(std::move(then));  // what a listener has changed besides is a step
+    return;
   }
-  KnowShown(std::move(then));
+  if (gridPane_) GridPane()->ResetRows();
+  KnowShown(TakeDesign());
 }
 
 void qbQueryBuilder::TouchQueries() {
@@ -179,6 +180,7 @@ void qbQueryBuilder::SwitchTo(std::int32_t id) {
 void qbQueryBuilder::FollowQueries() {
   const Ref<qbEntities> entities = Entities();
   if (!entities) return;
+  const bool isKnown = ShowsKnown();
   bool changed = false;
   for (const Ref<qbEntity>& entity : *entities) {
     const std::optional<std::vector<QueryColumn>> columns = ColumnsOfQuery(entity->TagVariant().Text());
@@ -193,7 +195,16 @@ void qbQueryBuilder::FollowQueries() {
     if (showedAll && !showsAll()) entities->Fit(*entity);
     changed |= isOther || renamed;
   }
-  if (changed) KnowShown(TakeDesign());
+  if (!changed) return;
+  if (isKnown) return KnowShown(TakeDesign());
+  parts_->history.Adopt(0, entities->State(parts_->history.Known().entities, {}, true), CurrentOptions());
+}
+
+// Whether the panes hold what is known, and no listener has changed more.
+bool qbQueryBuilder::ShowsKnown() const {
+  const Design taken = TakeDesign();
+  const Design& known = parts_->history.Known();
+  return taken.entities == known.entities && std::ranges::equal(taken.rows, known.rows, SaysTheSame);
 }
 
 // The panes hold this, and no step has made it.
@@ -238,7 +249,13 @@ void qbQueryBuilder::VisitQuery(std::int32_t id, const std::function<void(qbQuer
 
 // --- What changes them, each a step ---
 
+// While the panes are filled, a listener finds the queries between two states.
+void qbQueryBuilder::RequireStill() const {
+  if (travelling_) throw Error(ErrorInvalidCall, text::QueryInUse);
+}
+
 std::int32_t qbQueryBuilder::AddQuery(QueryKindEnum kind, const std::string& name) {
+  RequireStill();
   QuerySet& set = parts_->querySet;
   if (set.queries.size() >= static_cast<std::size_t>(kMostQueries)) {
     throw Error(ErrorInvalidCall, {text::TooManyQueries, kMostQueries});
@@ -260,6 +277,7 @@ std::int32_t qbQueryBuilder::AddQuery(QueryKindEnum kind, const std::string& nam
 }
 
 void qbQueryBuilder::RemoveQuery(std::int32_t id) {
+  RequireStill();
   QuerySet& set = parts_->querySet;
   const StoredQuery* query = set.Find(id);
   if (!query || query->kind == QueryMain) return;
@@ -285,6 +303,7 @@ void qbQueryBuilder::RemoveQuery(std::int32_t id) {
 
 // The boxes of the query bear the new name; those that are called by the old one are called by the new one.
 void qbQueryBuilder::RenameQuery(std::int32_t id, const std::string& name) {
+  RequireStill();
   QuerySet& set = parts_->querySet;
   const StoredQuery* query = set.Find(id);
   if (query && query->name == name) return;
@@ -319,6 +338,7 @@ void qbQueryBuilder::RenameQuery(std::int32_t id, const std::string& name) {
 }
 
 void qbQueryBuilder::SetQueryKind(std::int32_t id, QueryKindEnum kind) {
+  RequireStill();
   StoredQuery* query = parts_->querySet.Find(id);
   const bool isTable = kind == QueryDerivedTable || kind == QueryCommonTable;
   if (query && query->kind == kind) return;
@@ -333,6 +353,7 @@ void qbQueryBuilder::SetQueryKind(std::int32_t id, QueryKindEnum kind) {
 }
 
 void qbQueryBuilder::SetQueryOperator(std::int32_t id, QueryOperatorEnum combined) {
+  RequireStill();
   StoredQuery* query = parts_->querySet.Find(id);
   if (query && query->combined == combined) return;
   if (!query || query->kind != QueryMember) throw Error(ErrorInvalidPropertyValue, text::QueryKeepsKind);
@@ -368,6 +389,7 @@ void qbQueryBuilder::DropInnerQueries() {
   if (inner.empty() || travelling_ || loadsQueries_) return;
   TouchQueries();
   std::vector<std::int32_t> ids;
+  ids.reserve(inner.size());
   for (const StoredQuery* query : inner) ids.push_back(query->id);
   for (const std::int32_t id : ids) set.Remove(id);
   queriesChanged_ = true;

@@ -71,7 +71,7 @@ SelectStatement ReadStatement::Parse() const {
                              .pipesMayBeOr = options_.dialect->pipesMayBeOr});
 }
 
-void ReadStatement::Bind(qbQueryBuilder& hub, QueryLookup queries, bool takesDrawn, bool beginsCompound) {
+void ReadStatement::Bind(qbQueryBuilder& hub, const QueryLookup& queries, bool takesDrawn, bool beginsCompound) {
   options_.beginsCompound = beginsCompound;
   if (!BindWithQuestions(hub, queries, takesDrawn)) BindPlain(hub, queries, takesDrawn);
 }

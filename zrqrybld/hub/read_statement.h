@@ -29,7 +29,7 @@ class ReadStatement {
 
   /// Resolves every name; `beginsCompound` says that members of UNION and its like follow. SyntaxError for what is not
   /// there or cannot be shown.
-  void Bind(qbQueryBuilder& hub, QueryLookup queries, bool takesDrawn, bool beginsCompound);
+  void Bind(qbQueryBuilder& hub, const QueryLookup& queries, bool takesDrawn, bool beginsCompound);
 
   // --- When that is done ---
 

@@ -260,6 +260,7 @@ void qbQueryBuilder::LoadStatement(const std::string& sql) {
 
 // What stands in the panes is kept first, and comes back when a query cannot be loaded after all.
 void qbQueryBuilder::LoadQueries(ReadQuery& main) {
+  RequireStill();
   const StepScope step(RefTo(*this), kStepApplyStatement);
   const bool isFirst = !parts_->querySetBefore;
   TouchQueries();

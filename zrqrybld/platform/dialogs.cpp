@@ -2,6 +2,7 @@
 
 namespace zrqrybld {
 
+// NOLINTBEGIN(performance-unnecessary-value-param): toolkits whose windows answer later keep them
 void Dialogs::AskJoinProperties(JoinDialog dialog, std::function<void(JoinDialog&)> accepted) {
   if (ShowJoinProperties(dialog)) accepted(dialog);
 }
@@ -27,5 +28,6 @@ void Dialogs::AskText(TextDialog dialog, std::function<void(const std::string&)>
 void Dialogs::AskParameters(ParametersDialog dialog, std::function<void(ParametersDialog&)> accepted) {
   if (ShowParameters(dialog)) accepted(dialog);
 }
+// NOLINTEND(performance-unnecessary-value-param)
 
 }  // namespace zrqrybld
