@@ -1,6 +1,8 @@
 // Queries within queries: what a typed statement makes of them, and how they are shown, changed, undone, saved.
 #include "zrqrybld/hub/queries.h"
 
+#include <algorithm>
+
 #include "tests/data_table.h"
 #include "tests/error_of.h"
 #include "tests/hub_fixture.h"
@@ -215,6 +217,14 @@ TEST_F(ThreeQueries, AreDesignedFromNothing) {
   Tick("Orders", "OrderID");
   ASSERT_FALSE(sql->Remarks().empty());
   EXPECT_EQ(sql->Remarks().back(), "The query outputs 2 columns, the first one 1: servers want the same number.");
+  hub->Queries()->Item(1)->Open();
+  Tick("Query", "Name", false);
+  hub->SortByColumn("Query", "Name", "Ascending");
+  Tick("Query", "Name", false);
+  EXPECT_FALSE(Holds("ORDER BY"));
+  EXPECT_TRUE(std::ranges::any_of(sql->Diagnostics(), [](const SQLDiagnostic& remark) {
+    return remark.kind == DiagnosticSortNotSelected;
+  })) << Written();
   sql->SetSQLSyntax(SQLSyntaxAccess);
   sql->Refresh();
   EXPECT_EQ(sql->SQLStatement(), "") << "Access has no EXCEPT";

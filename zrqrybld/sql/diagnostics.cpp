@@ -410,6 +410,9 @@ class Diagnosis {
     for (const SnapshotRow& row : query_.rows) {
       if (asked && IsOutput(row)) selected.insert(key(row));
     }
+    for (const std::size_t row : generated_.unsorted) {
+      Say(DiagnosticSortNotSelected, text::SortNotInUnion, NameOf(query_.rows[row]));
+    }
     for (const SnapshotRow& row : query_.rows) {
       if (row.sort.place && *row.sort.place >= 0.5 && !IsSorted(row)) {
         Say(DiagnosticSameSortOrder, text::SameSortPlace, NameOf(row));

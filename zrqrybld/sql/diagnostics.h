@@ -25,7 +25,7 @@ enum SQLDiagnosticEnum : std::int32_t {
   DiagnosticJoinToItself = 5,          ///< a table: it is joined to itself; a second copy of the table is needed
   DiagnosticNotGrouped = 6,            ///< a column: output, but neither grouped nor aggregated
   DiagnosticUnknownFunction = 7,       ///< a column: its group-by choice is none that the designer knows
-  DiagnosticSortNotSelected = 8,       ///< a column: sorted by, but missing from SELECT DISTINCT
+  DiagnosticSortNotSelected = 8,       ///< a column: sorted by, but missing from SELECT DISTINCT or a UNION
   DiagnosticSameSortOrder = 9,         ///< a column: a later row has the same sort number and takes its place
   DiagnosticDuplicateName = 10,        ///< a name: two columns of the result bear it
   DiagnosticOuterJoinUndone = 11,      ///< a column: its criterion drops the rows that an outer join adds
