@@ -109,8 +109,8 @@ class History {
   /// The step that is undone next, or redone; nothing when there is none.
   const Step* Last() const { return undo_.empty() ? nullptr : &undo_.back(); }
   const Step* Next() const { return redo_.empty() ? nullptr : &redo_.back(); }
-  /// Whether what the step that is undone next, or redone, has replaced is still there: a listener may have changed more
-  /// than any step knows of.
+  /// Whether what the step that is undone next, or redone, has replaced is still there: a listener may have changed
+  /// more than any step knows of.
   bool Fits(bool back) const;
   /// Undoes a step, which must be there and fit, or redoes one: the design that is known from now on.
   const Design& Travel(bool back);
