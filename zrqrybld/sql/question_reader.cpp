@@ -136,7 +136,8 @@ class Taking {
       return false;
     }
     const FromItem* table = read->from;
-    if (!table || table->table.empty() || !table->query.empty() || table->next || table->joins || !read->where || !ChoosesNoRows(*read))
+    if (!table || table->table.empty() || !table->query.empty() || table->next || table->joins || !read->where ||
+        !ChoosesNoRows(*read))
       return false;
     if (!names_.insert(ExposedName(*table)).second) return false;  // the diagram has one table of a name
     const std::size_t place = questions.size();

@@ -426,7 +426,7 @@ void qbSQLPane::Keep(const std::string& sql, std::string meaning) {
 
 void qbSQLPane::Refresh() {
   const Ref<Object> alive = shared_from_this();  // a listener may let go of it
-  diagnostics_.clear();  // where nothing is generated there is nothing to say
+  diagnostics_.clear();                          // where nothing is generated there is nothing to say
   const std::string text = Present(Generate({}, {}));
   failure_ = {};
   replaced_ = false;
