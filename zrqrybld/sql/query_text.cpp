@@ -143,7 +143,10 @@ class Writer {
       if (!IsMember(member)) continue;
       const std::string word = WordOf(member.combined, forms_);
       if (word.empty()) Fault(member, {text::DialectCannotSay, NameOf(member.combined)});
-      if (forms_.intersectFirst && Intersects(member.combined) && !mayIntersect) text = "(" + text + ")";
+      if (forms_.intersectFirst && Intersects(member.combined) && !mayIntersect) {
+        text.insert(0, "(");
+        text += ')';
+      }
       mayIntersect = Intersects(member.combined);
       member_ = ++number;
       text += std::string(kLine) + word + std::string(kLine) + MemberText(member);
