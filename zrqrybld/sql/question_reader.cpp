@@ -155,6 +155,7 @@ std::vector<ReadQuestion> TakeQuestions(SelectStatement& statement) { return std
 
 std::vector<const FromItem*> TablesOf(const std::vector<ReadQuestion>& questions) {
   std::vector<const FromItem*> tables;
+  tables.reserve(questions.size());
   for (const ReadQuestion& question : questions) tables.push_back(question.query->from);
   return tables;
 }
@@ -221,7 +222,7 @@ class QuestionBinder {
     }
     if (AddPair(inside, scope)) return true;
     const std::string condition = JoinConditionText(fields.Normalized(term));
-    std::vector<SnapshotTable> tables = scope.Tables();
+    const std::vector<SnapshotTable>& tables = scope.Tables();
     const NamedTables named = TablesNamed(condition, tables);
     if (std::ranges::find(named.tables, asked_) == named.tables.end()) return false;
     condition_ += (condition_.empty() ? "" : " AND ") + condition;
