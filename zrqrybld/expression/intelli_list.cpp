@@ -207,7 +207,7 @@ void qbIntelliList::Accept(std::ptrdiff_t index) {
   Accepted.Raise(taken);
 }
 
-void qbIntelliList::ChooseDate(std::string now) {
+void qbIntelliList::ChooseDate(const std::string& now) {
   const std::size_t from = list_.from;
   const std::size_t to = list_.to;
   Close();  // the entry goes with the list
