@@ -77,7 +77,7 @@ class ZRQRYBLD_API qbIntelliList final : public Object {
   SuggestionList AskWords(std::string_view text, std::size_t caret);
   void AddValues(SuggestionList& list, std::string_view text, std::size_t caret);
   void ValuesArrived();
-  void ChooseDate(std::string now);
+  void ChooseDate(const std::string& now);
   void Show(SuggestionList list, std::ptrdiff_t selected);
   bool MoveTo(std::ptrdiff_t index);
 
