@@ -5,7 +5,9 @@
 namespace zrqrybld {
 
 void BoxRow::Changed() const {
-  if (list_) list_->Changed();
+  if (!list_) return;
+  list_->Note(*this);
+  list_->Changed();
 }
 
 void BoxRow::SetText(std::string text) {
@@ -28,7 +30,9 @@ void BoxRow::Rename(std::string text) {
 void BoxRow::SetKey(std::string key) {
   if (list_) list_->rows_.Rekey(Index(), key);
   key_ = std::move(key);
-  if (list_) list_->Revised();
+  if (!list_) return;
+  list_->Note(*this);
+  list_->Revised();
 }
 
 void BoxRow::SetChecked(bool checked) {
@@ -112,6 +116,7 @@ Ref<BoxRow> BoxRows::Add(std::string text, std::string key) {
   rows_.Insert(row, row->key_);
   row->mark_ = rows_.MarkAt(rows_.Count());
   row->list_ = this;
+  Note(*row);
   Changed();
   return row;
 }

@@ -119,6 +119,8 @@ class BoxRows {
   void SetImages(Ref<ImageList> images) { images_ = std::move(images); }
   /// Whether some row has shown an icon: all rows keep room for one then.
   bool HaveIcons() const { return haveIcons_; }
+  /// Whether some row may have said something else than its key: otherwise a text is found by key.
+  bool TextsDiffer() const { return textsDiffer_; }
 
   /// The rows say something else now, or their ticks do; this comes first.
   std::function<void()> onTouched;
@@ -139,6 +141,7 @@ class BoxRows {
   void Detach();
   void Change(bool ticked, const std::function<void()>& work);
   void TellLost(const std::vector<std::string>& texts);
+  void Note(const BoxRow& row) { textsDiffer_ = textsDiffer_ || row.text_ != row.key_; }
   void Revised();
   void Changed();
   void TicksChanged();
@@ -147,6 +150,7 @@ class BoxRows {
   KeyedList<Ref<BoxRow>> rows_;
   Ref<ImageList> images_;
   bool haveIcons_ = false;
+  bool textsDiffer_ = false;
 };
 
 }  // namespace zrqrybld

@@ -1,5 +1,6 @@
 #include "zrqrybld/diagram/column_balance.h"
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -74,16 +75,20 @@ class Balance {
       if (!MayShift(order_[place], first, count, step)) return false;
     }
     double gain = 0;
+    std::size_t begin = load_.size(), end = 0;  // of the columns that change
     for (std::size_t place = first; place < first + count; ++place) {
       const std::size_t column = columnOf_[order_[place]];
+      const std::size_t next = column + static_cast<std::size_t>(step);
       change_[column] -= Height(order_[place]);
-      change_[column + static_cast<std::size_t>(step)] += Height(order_[place]);
+      change_[next] += Height(order_[place]);
+      begin = std::min({begin, column, next});
+      end = std::max({end, column + 1, next + 1});
     }
-    for (std::size_t column = 0; column < load_.size(); ++column) {
+    for (std::size_t column = begin; column < end; ++column) {
       gain -= change_[column] * (2 * load_[column] + change_[column]);
     }
     const bool better = gain > 1;
-    for (std::size_t column = 0; column < load_.size(); ++column) {
+    for (std::size_t column = begin; column < end; ++column) {
       load_[column] += better ? change_[column] : 0;
       change_[column] = 0;
     }

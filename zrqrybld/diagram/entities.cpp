@@ -311,9 +311,10 @@ void qbEntities::Rename(qbEntity& entity, const std::string& caption) {
 
 std::vector<Ref<qbRelationship>> qbEntities::AskingJoins() {
   std::vector<Ref<qbRelationship>> joins;
+  std::unordered_set<const qbRelationship*> found;  // one may have begun to ask several times
   for (const WeakRef<qbRelationship>& one : std::exchange(asking_, {})) {
     const Ref<qbRelationship> join = one.lock();
-    if (join && join->Line() && !join->Condition().empty()) joins.push_back(join);
+    if (join && join->Line() && join->Facts().AsksMore() && found.insert(join.get()).second) joins.push_back(join);
   }
   asking_.assign(joins.begin(), joins.end());
   return joins;

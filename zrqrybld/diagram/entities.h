@@ -53,7 +53,7 @@ class ZRQRYBLD_API qbEntities final : public Object, private EntityOwner {
 
   // --- For the model, the pane and the hub ---
 
-  /// The joins that ask conditions, in no order.
+  /// The joins that ask more than how two columns compare, in no order.
   std::vector<Ref<qbRelationship>> AskingJoins();
 
   /// The entity with exactly this caption, or nothing.
@@ -92,7 +92,7 @@ class ZRQRYBLD_API qbEntities final : public Object, private EntityOwner {
  private:
   std::size_t PositionOf(const qbEntity& entity) const override;
   void Rename(qbEntity& entity, const std::string& caption) override;
-  void NoteCondition(const Ref<qbRelationship>& join) override { asking_.emplace_back(join); }
+  void NoteAsking(const Ref<qbRelationship>& join) override { asking_.emplace_back(join); }
   void RequireFree(const std::string& caption, const qbEntity* owner) const;
   void RemoveJoinsOf(const Ref<qbEntity>& entity);
   Ref<qbEntity> Make(const std::string& key);

@@ -65,8 +65,8 @@ void qbEntity::SetTagVariant(Variant value) {
   if (box_) box_->Touch();
 }
 
-void qbEntity::NoteCondition(const Ref<qbRelationship>& join) const {
-  if (const auto owner = owner_.lock()) owner->NoteCondition(join);
+void qbEntity::NoteAsking(const Ref<qbRelationship>& join) const {
+  if (const auto owner = owner_.lock()) owner->NoteAsking(join);
 }
 
 void qbEntity::SetCaption(const std::string& caption) {

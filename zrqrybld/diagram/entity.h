@@ -33,7 +33,7 @@ class EntityOwner {
   /// Gives the entity another key and caption, in place. Error 457 when another entity has it, 5 for an empty one.
   virtual void Rename(qbEntity& entity, const std::string& caption) = 0;
   /// A join of one of its entities begins to ask a condition.
-  virtual void NoteCondition(const Ref<qbRelationship>& join) = 0;
+  virtual void NoteAsking(const Ref<qbRelationship>& join) = 0;
 };
 
 /// Once the entity was removed, `TagVariant` and `Properties` stay readable, `Items` and
@@ -101,7 +101,7 @@ class ZRQRYBLD_API qbEntity final : public Object {
   // --- For the model and the pane ---
 
   /// A join that starts here begins to ask a condition.
-  void NoteCondition(const Ref<qbRelationship>& join) const;
+  void NoteAsking(const Ref<qbRelationship>& join) const;
 
   /// How it looks and what it is, besides its columns and joins.
   EntityFacts Facts() const;

@@ -31,6 +31,9 @@ struct JoinFacts {
   std::string condition;        ///< what else the join asks, as SQL on one line
   std::int32_t groupLevel = 0;  ///< in how many groups of tables that are joined first it stands
   JoinExistenceEnum existence = JoinReturnsRows;
+
+  /// Whether it asks more than how two columns compare.
+  bool AsksMore() const { return !condition.empty() || existence != JoinReturnsRows; }
   friend bool operator==(const JoinFacts&, const JoinFacts&) = default;
 };
 

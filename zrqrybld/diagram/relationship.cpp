@@ -55,14 +55,15 @@ void qbRelationship::SetComparison(JoinComparisonEnum comparison) {
 void qbRelationship::SetCondition(std::string_view typed) {
   std::string condition = JoinConditionText(typed);
   if (condition == facts_.condition) return;
-  NoteCondition(facts_.condition.empty() && !condition.empty());
+  NoteAsking(!condition.empty());
   Changing().condition = std::move(condition);
   NotifyWhenComplete();
 }
 
-void qbRelationship::NoteCondition(bool begins) {
-  const Ref<qbEntity> source = begins ? Source() : nullptr;
-  if (source) source->NoteCondition(RefTo(*this));
+// A join that asks more than its columns is found without a search of all joins.
+void qbRelationship::NoteAsking(bool will) {
+  const Ref<qbEntity> source = will && !facts_.AsksMore() ? Source() : nullptr;
+  if (source) source->NoteAsking(RefTo(*this));
 }
 
 void qbRelationship::SetGroupLevel(std::int32_t level) {
@@ -100,6 +101,7 @@ Ref<qbEntityItem> qbRelationship::TargetItem() const {
 void qbRelationship::SetExistence(JoinExistenceEnum existence) {
   existence = JoinExistenceAt(existence);
   if (existence == facts_.existence) return;
+  NoteAsking(existence != JoinReturnsRows);
   Changing().existence = existence;
   NotifyWhenComplete();
 }
@@ -118,7 +120,7 @@ const std::shared_ptr<JoinIdentity>& qbRelationship::Identity() {
 
 void qbRelationship::Restore(const JoinFacts& facts) {
   if (facts == Facts()) return;
-  NoteCondition(facts_.condition.empty() && !facts.condition.empty());
+  NoteAsking(facts.AsksMore());
   Changing() = facts;
   NotifyEnd(Source());
 }

@@ -124,7 +124,7 @@ class ZRQRYBLD_API qbRelationship final : public Object {
   void Detach();
   JoinFacts& Changing();
   void NotifyWhenComplete();
-  void NoteCondition(bool begins);
+  void NoteAsking(bool will);
   void Restore(const JoinFacts& facts);
   void NotifyEnd(const Ref<qbEntity>& end);
   void RedrawEnds();

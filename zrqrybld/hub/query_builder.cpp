@@ -448,11 +448,9 @@ namespace {
 
 // Whether the columns of the table cannot be shown because it is only asked about.
 bool IsOnlyAsked(const qbQueryBuilder& hub, const std::string& caption) {
-  const auto asks = [](const Ref<qbEntity>& entity) {
-    return std::ranges::any_of(*entity->Relationships(), [](const auto& join) { return join->Kind().Asks(); });
-  };
+  const auto asks = [](const Ref<qbRelationship>& join) { return join->Kind().Asks(); };
   const Ref<qbEntities> entities = hub.Entities();
-  if (!entities || !std::ranges::any_of(*entities, asks)) return false;
+  if (!entities || std::ranges::none_of(entities->AskingJoins(), asks)) return false;
   const QuerySnapshot query = hub.Snapshot();
   const auto table =
       std::ranges::find_if(query.tables, [&](const SnapshotTable& one) { return one.caption.Name() == caption; });
@@ -486,7 +484,9 @@ namespace {
 
 // Joins whose conditions name the table follow it.
 void RenameInConditions(qbEntities& entities, const std::function<std::string(std::string_view)>& renamed) {
-  for (const Ref<qbRelationship>& join : entities.AskingJoins()) join->SetCondition(renamed(join->Condition()));
+  for (const Ref<qbRelationship>& join : entities.AskingJoins()) {
+    if (!join->Condition().empty()) join->SetCondition(renamed(join->Condition()));
+  }
 }
 
 }  // namespace

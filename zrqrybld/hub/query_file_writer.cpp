@@ -48,7 +48,11 @@ std::string QueryFileWriter::Write() {
     text_ += "\r\n";
   }
   const std::vector<StoredQuery>& queries = hub_.QueriesNow().queries;
-  hub_.VisitQuery(queries.front().id, [this](qbQueryBuilder& main) { text_ += QueryFileWriter(main).Sections(&hub_); });
+  hub_.VisitQuery(queries.front().id, [this](qbQueryBuilder& main) {
+    QueryFileWriter writer(main);
+    writer.text_ = std::move(text_);
+    text_ = writer.Sections(&hub_);
+  });
   for (std::size_t i = 1; i < queries.size(); ++i) WriteInner(queries[i]);
   text_.resize(text_.size() - 2);
   return std::move(text_);

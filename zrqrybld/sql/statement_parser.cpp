@@ -243,8 +243,10 @@ class Parser {
   }
 
   // Whether what stands in the parenthesis here is a query, not tables. One that begins with another parenthesis is a
-  // query only where what stands in that is one, and more of it follows: "((SELECT ...) UNION ...)".
-  bool BeginsQuery() const {
+  // query only where what stands in that is one, and more of it follows: "((SELECT ...) UNION ...)". Parentheses that
+  // follow one another are looked through once.
+  bool BeginsQuery() {
+    if (reader_.Offset() < tablesUntil_) return false;
     Lexer ahead(statement_.text);
     ahead.SetPosition(reader_.Offset());
     Token token;
@@ -258,8 +260,11 @@ class Parser {
       return token.kind == TokenKind::Operator && token.length == 1 && statement_.text[token.offset] == sign;
     };
     int level = 0;
-    while (next() && isSign('(') && level <= kDeepestCalls) ++level;
-    if (token.keyword != Keyword::Select && token.keyword != Keyword::With) return false;
+    while (next() && isSign('(')) ++level;
+    if (level > kDeepestCalls || (token.keyword != Keyword::Select && token.keyword != Keyword::With)) {
+      tablesUntil_ = token.offset;
+      return false;
+    }
     for (int depth = level; level > 1;) {
       if (!next()) return false;
       if (isSign('(')) ++depth;
@@ -574,7 +579,8 @@ class Parser {
   TokenReader reader_;
   ExpressionParser expressions_;
   int calls_ = 0;
-  int depthOfWhole_ = 0;  // parentheses around the statement that are open
+  int depthOfWhole_ = 0;         // parentheses around the statement that are open
+  std::size_t tablesUntil_ = 0;  // parentheses in front of this hold tables
 };
 
 }  // namespace
