@@ -60,6 +60,7 @@ packages_wasm="
 "
 packages_web="$packages_wasm
   chromium         chromium
+  postgresql       -
   fonts-dejavu-core -
 "
 packages_core="
@@ -265,6 +266,13 @@ need_modules() {
     cp tests/web/package.json $folder/package.json
     quietly $folder/install.log npm install --prefix $folder --no-audit --no-fund --ignore-scripts
   fi
+}
+
+# Usage: make_page FOLDER. Lays out the sample page over what was built by the preset wasm.
+make_page() {
+  mkdir -p "$1/zrqrybld"
+  cp build/wasm/npm/* "$1/zrqrybld/"
+  cp bindings/web/example/* samples/store.sql build/node/node_modules/sql.js/dist/sql-wasm.{js,wasm} "$1/"
 }
 
 # A private folder for toolkits that want one, removed when the script ends.

@@ -5,8 +5,10 @@
 //   {tables: [{name: 'Orders', schema: 'dbo', type: 'TABLE', description: '',
 //              columns: [{name: 'OrderID', type: 'integer', primaryKey: true, nullable: false}, 'Remark']}],
 //    foreignKeys: [{table: 'Orders', columns: ['CustomerID'], references: 'Customers', to: ['CustomerID']}],
-//    quotes: ['"', '"'], keywords: ['ORDER']}
+//    quotes: ['"', '"'], keywords: ['ORDER'], folds: 'lower', dialect: 'PostgreSQL'}
 //
+// A source that folds names to lower (or upper) letters finds a name with others only in quotes; `dialect` is what it
+// speaks, a name of SQLSyntaxEnum without its beginning or of a database.
 // Types are names of SQL ("varchar(20)", "integer") or numbers of docs/automation.md. What the document leaves out is not
 // known, which is no error.
 
@@ -20,6 +22,8 @@ const TYPES = [
   [/^date/, 133], [/^time/, 134], [/^(uuid|guid|uniqueidentifier)/, 72], [/^(blob|image|bytea|binary|varbinary)/, 205],
   [/^(text|clob|ntext|memo|longtext|json)/, 203], [/char|^string/, 202],
 ];
+// What does not survive in a name without quotes.
+const LETTERS = 'abcdefghijklmnopqrstuvwxyz', LOST = {lower: LETTERS.toUpperCase(), upper: LETTERS};
 const LONG_TYPES = [201, 203, 205];
 
 function typeCode(type) {
@@ -93,8 +97,10 @@ export function schemaRows(document) {
         case KEYWORDS: return (document.keywords ?? []).map(word => [word]);
         case LITERALS: {
           const [open, close] = document.quotes ?? ['"', '"'];
+          const known = [['SOURCE_NAME', text(document.dialect), null, null], ['TABLE_NAME', null, LOST[document.folds], '']];
           return [['QUOTE_PREFIX', open, null, null], ['QUOTE_SUFFIX', close ?? open, null, null],
-            ['SCHEMA_SEPARATOR', '.', null, null], ['LIKE_PERCENT', '%', null, null], ['LIKE_UNDERSCORE', '_', null, null]];
+            ['SCHEMA_SEPARATOR', '.', null, null], ['LIKE_PERCENT', '%', null, null], ['LIKE_UNDERSCORE', '_', null, null],
+            ...known.filter(([, value, letters]) => value ?? letters)];
         }
         default: return null;
       }
@@ -125,3 +131,20 @@ export const fetched = (address, options) => ({
     return answer.json();
   },
 });
+
+/**
+ * A server that answers as docs/web.md describes: a source for `connection` of the element, and with `run(sql, limit)` a
+ * promise of rows: `{columns, rows, more}`. What the server refuses is an Error with its words.
+ */
+export function remoteSource(address, {token} = {}) {
+  const ask = async (what, question) => {
+    const answer = await fetch(new URL(what, address), {
+      headers: {...token && {Authorization: `Bearer ${token}`}, ...question && {'Content-Type': 'application/json'}},
+      ...question && {method: 'POST', body: JSON.stringify(question)},
+    });
+    const said = await answer.json().catch(() => ({}));
+    if (!answer.ok) throw new Error(said.error ?? `${answer.url}: ${answer.status} ${answer.statusText}`);
+    return said;
+  };
+  return {schema: () => ask('schema'), run: (sql, limit = 1000) => ask('rows', {sql, limit})};
+}

@@ -4,14 +4,12 @@
 import assert from 'node:assert/strict';
 import {createServer} from 'node:http';
 import {readFile} from 'node:fs/promises';
-import {createRequire} from 'node:module';
 import {extname, join, normalize} from 'node:path';
 import {after, before, describe, test} from 'node:test';
 import {pathToFileURL} from 'node:url';
+import {launchBrowser, root} from './browser.mjs';
 
-const root = new URL('../../', import.meta.url).pathname;
 const folder = process.env.PACKAGE ?? join(root, 'build/wasm/npm');
-const {chromium} = createRequire(pathToFileURL(process.env.MODULES ?? join(root, 'build/node/')))('playwright-core');
 const types = {'.html': 'text/html', '.js': 'text/javascript', '.mjs': 'text/javascript', '.css': 'text/css', '.wasm': 'application/wasm'};
 // As strict as the package promises to live with.
 const policy = "default-src 'self'; script-src 'self' 'wasm-unsafe-eval'; style-src 'self'; img-src 'self'";
@@ -70,8 +68,7 @@ async function twoTables() {
 
 before(async () => {
   await new Promise(done => server.listen(0, '127.0.0.1', done));
-  browser = await chromium.launch({ignoreDefaultArgs: ['--hide-scrollbars'], executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium', args: ['--no-sandbox', '--disable-gpu',
-    '--disable-quic', '--no-first-run', '--disable-background-networking', '--disable-component-update', '--disable-sync']});
+  browser = await launchBrowser();
 });
 after(async () => {
   await browser?.close();

@@ -1,10 +1,13 @@
-// A page with the designer over a database that lives in the page: the sample one, or a file that is dropped on it.
+// A page with the designer over a database that lives in the page: the sample one, or a file that is dropped on it. Opened
+// with a token it asks the server that it came from.
 import './zrqrybld/element.js';
+import {remoteSource} from './zrqrybld/connection.js';
 import {sqliteRows, sqliteSource} from './zrqrybld/sqlite.js';
 
+const SQLITE = 7, POSTGRESQL = 5;  // of SQLSyntaxEnum
 const of = id => document.getElementById(id);
 const designer = of('designer'), said = of('said');
-let database;
+let database, remote;
 
 const tell = text => { said.textContent = text; };
 
@@ -23,13 +26,13 @@ function show({columns, rows}) {
   of('rows').replaceChildren(table);
 }
 
-function run() {
+async function run() {
   const {sql} = designer;
   if (!sql) return tell('There is nothing to run yet.');
   try {
-    const started = performance.now(), result = sqliteRows(database, sql);
+    const started = performance.now(), result = remote ? await remote.run(sql) : sqliteRows(database, sql);
     show(result);
-    tell(`${result.rows.length} rows, ${Math.round(performance.now() - started)} ms`);
+    tell(`${result.more ? 'The first ' : ''}${result.rows.length} rows, ${Math.round(performance.now() - started)} ms`);
   } catch (error) {
     tell(error.message);
   }
@@ -50,12 +53,24 @@ async function open(file) {
     }
     const opened = new SQL.Database(new Uint8Array(await file.arrayBuffer()));
     opened.exec('SELECT count(*) FROM sqlite_schema');  // what is no database fails here
+    remote = undefined;
     designer.query.DiagramPane.Clear();
+    designer.query.SQLPane.SQLSyntax = SQLITE;
     designer.connection = sqliteSource(database = opened);
     tell(file.name);
   } catch (error) {
     tell(`${file.name}: ${error.message}`);
   }
+}
+
+// The token is in the fragment, too, until it has been read; a page that is loaded again still knows it.
+function takeToken() {
+  const given = location.hash.match(/^#token=([\w-]+)$/)?.[1];
+  if (given) {
+    sessionStorage.setItem('token', given);
+    history.replaceState(null, '', location.pathname);
+  }
+  return sessionStorage.getItem('token');
 }
 
 // The design itself is the link's fragment, which no browser sends to a server.
@@ -89,20 +104,31 @@ addEventListener('keydown', event => {
   run();
 });
 
-const SQL = await initSqlJs({locateFile: name => name});
-database = new SQL.Database();
-database.exec(await (await fetch('store.sql')).text());
-await designer.ready;
-const {query} = designer;
-query.GridPane.ShowGroupBy = false;
-query.SQLPane.SQLSyntax = 7;  // SQLite
-designer.connection = sqliteSource(database);
-await designer.connected;
-const design = await shared().catch(() => null);
-if (design) {
-  designer.design = design;
-} else {
-  for (const table of ['Customers', 'Order', 'Order Lines', 'Products']) query.AddTable(table);
-  query.RefreshAutoJoins();
+async function begin() {
+  const {query} = designer, token = takeToken();
+  query.GridPane.ShowGroupBy = false;
+  if (token) {
+    remote = remoteSource(location.href, {token});
+    query.SQLPane.SQLSyntax = POSTGRESQL;
+    designer.connection = remote;
+    tell('Tables and rows come from the server.');
+  } else {
+    database = new SQL.Database();
+    database.exec(await (await fetch('store.sql')).text());
+    query.SQLPane.SQLSyntax = SQLITE;
+    designer.connection = sqliteSource(database);
+  }
+  if (!await designer.connected && remote) return sessionStorage.removeItem('token');  // of a server that is gone
+  const design = await shared().catch(() => null);
+  if (design) {
+    designer.design = design;
+  } else if (!remote) {
+    for (const table of ['Customers', 'Order', 'Order Lines', 'Products']) query.AddTable(table);
+    query.RefreshAutoJoins();
+  }
 }
+
+const SQL = await initSqlJs({locateFile: name => name});
+await designer.ready;
+await begin();
 document.documentElement.dataset.ready = 'yes';
