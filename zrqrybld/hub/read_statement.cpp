@@ -66,10 +66,7 @@ std::string ReadableStatement(const qbQueryBuilder& hub, std::string_view typed)
 ReadStatement::ReadStatement(qbQueryBuilder& hub, std::string text)
     : options_(OptionsOf(hub)), text_(std::move(text)), tree_(Parse()) {}
 
-SelectStatement ReadStatement::Parse() const {
-  return ParseSelect(text_, {.openParenthesesInFrom = options_.dialect->leavesParenthesesOpen,
-                             .pipesMayBeOr = options_.dialect->pipesMayBeOr});
-}
+SelectStatement ReadStatement::Parse() const { return ParseSelect(text_, OptionsFor(*options_.dialect)); }
 
 void ReadStatement::Bind(qbQueryBuilder& hub, const QueryLookup& queries, bool takesDrawn, bool beginsCompound) {
   options_.beginsCompound = beginsCompound;

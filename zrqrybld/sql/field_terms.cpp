@@ -37,6 +37,7 @@ bool IsPlainLiteral(const Expression& e) {
 
 // What stands on the right side of comparisons, and in their lists.
 void FindComparedLiterals(const Expression& e, std::unordered_set<const Expression*>& found) {
+  if (e.kind == ExpressionKind::Opaque) return;
   const bool compares =
       e.kind == ExpressionKind::Comparison || e.kind == ExpressionKind::Between || e.kind == ExpressionKind::In;
   for (const Expression* child = e.first; child; child = child->next) {
