@@ -459,6 +459,8 @@ Expression* ExpressionParser::ParseOperand() {
     default:
       break;
   }
+  const bool isText = rules_.doubleQuotesAreTexts && reader_.CurrentText().starts_with('"');
+  if (isText && !reader_.NextIsSign('.') && !reader_.NextIsSign('!')) return ParseLiteral();
   if (rules_.hasSubscripts && reader_.IsWord("ARRAY")) {
     const std::size_t start = reader_.Offset();
     const TokenReader before = reader_;

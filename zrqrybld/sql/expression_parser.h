@@ -20,6 +20,8 @@ struct ExpressionRules {
   bool pipesMayBeOr = false;
   /// Whether "[...]" close behind a value is a part of it, not a name.
   bool hasSubscripts = false;
+  /// Whether what stands in double quotes where a value can stand is a text.
+  bool doubleQuotesAreTexts = false;
 };
 
 class ExpressionParser {

@@ -49,7 +49,9 @@ class Parser {
         options_(options),
         reader_(statement.text),
         expressions_(reader_, statement.arena,
-                     {.pipesMayBeOr = options.pipesMayBeOr, .hasSubscripts = options.hasSubscripts}) {}
+                     {.pipesMayBeOr = options.pipesMayBeOr,
+                      .hasSubscripts = options.hasSubscripts,
+                      .doubleQuotesAreTexts = options.doubleQuotesAreTexts}) {}
 
   void Run() {
     for (; reader_.IsSign('(') && depthOfWhole_ < kDeepestCalls; reader_.Advance()) ++depthOfWhole_;

@@ -26,6 +26,8 @@ struct ParseOptions {
   std::string_view emptyTable = {};
   /// Whether "[...]" close behind a value is a part of it.
   bool hasSubscripts = false;
+  /// Whether what stands in double quotes where a value can stand is a text.
+  bool doubleQuotesAreTexts = false;
 };
 
 /// What the statements of the dialect are read by.
