@@ -17,6 +17,7 @@
 #include "zrqrybld/hub/queries.h"
 #include "zrqrybld/platform/provider.h"
 #include "zrqrybld/platform/toolkit.h"
+#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/parameters.h"
 #include "zrqrybld/sql/readable_criteria.h"
 #include "zrqrybld/sql/sql_pane.h"
@@ -292,7 +293,7 @@ std::vector<Problem> CheckFile(const CommandOptions& options, const std::string&
       RefuseIncomplete(*hub);
       RequireReadableCriteria(*hub->SQLPane());
     } else if (options.connectionString.empty()) {
-      ParseSelect(text);
+      ParseSelect(text, OptionsFor(DialectFor(options.from)));
     } else {
       hub->SQLPane()->SetSQLSyntax(options.from);
       hub->SQLPane()->ParseSQLStatement(text);

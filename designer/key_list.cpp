@@ -70,6 +70,7 @@ std::vector<KeyRow> KeyRows() {
       {kSame, {}, "Enter · " + KeyTextOf(NextStop) + " · Esc", text::DoesCommit},
       {kSame, {MoveRowsUp, MoveRowsDown}, {}, text::DoesMoveColumn},
       {kSame, {}, {text::KeysRows, LongKeyTextOf(InsertRows), LongKeyTextOf(DeleteRows)}, text::DoesRows},
+      {kSame, {ShowConditions}, {}, text::DoesConditions},
       {kSame, {OpenBuilder}, {}, text::DoesBuilder},
       {kSame, {CopyCells, PasteCells}, {}, text::DoesCopyCells},
       {text::KeysSql, {ApplyText}, {}, text::DoesApply},

@@ -20,6 +20,7 @@
 #include "designer/result_model.h"
 #include "designer/tool_icons.h"
 #include "designer/window_memory.h"
+#include "zrqrybld/adapters/qt/conditions_view.h"
 #include "zrqrybld/adapters/qt/connection_choice.h"
 #include "zrqrybld/adapters/qt/telling_order.h"
 #include "zrqrybld/base/texts_designer.h"
@@ -35,6 +36,7 @@ namespace zrqrybld {
 namespace {
 
 constexpr auto kSchemaTreeKey = "window/schemaTree";
+constexpr auto kConditionsKey = "window/conditions";
 constexpr auto kNumberProperty = "number";  // of a query without a file
 constexpr int kModifiedDelay = 250;         // milliseconds: asking writes the whole query
 
@@ -120,6 +122,7 @@ QueryTab& MainWindow::OpenTab() {
   QueryTab& tab = AddTab();
   tab.Designer().AddPane(tree_);
   CopyLayout(before.Designer(), before.Panes(), tab.Designer(), tab.Panes());
+  tab.Conditions().setVisible(before.ConditionsShown());
   tab.Flow().SetConnectSaved(connectSaved_);
   if (inSession_) tab.BeginSession();
   tabs_->setCurrentWidget(&tab);
@@ -227,6 +230,7 @@ void MainWindow::UpdateState() {
   commands_.Of(Command::GroupRows)->setChecked(hub.GridPane()->ShowGroupBy());
   commands_.Of(Command::EachRowOnce)->setChecked(hub.DistinctRecords());
   commands_.Of(Command::ShowMinimap)->setChecked(hub.DiagramPane()->ShowMinimap());
+  commands_.Of(Command::ShowConditions)->setChecked(tab.ConditionsShown());
   commands_.Of(Command::MaximizePane)->setChecked(tab.Panes().IsMaximized());
   commands_.Of(Command::RowsInTab)->setChecked(tab.Panes().RowsInTab());
   commands_.Of(Command::StopPreview)->setEnabled(tab.Rows().IsRunning());
@@ -300,6 +304,7 @@ void MainWindow::BeginSession() {
   RestoreLayout({*this, Tab().Designer(), Tab().Panes()});
   Tab().BeginSession();
   commands_.Of(Command::ShowSchemaTree)->setChecked(QSettings().value(kSchemaTreeKey, true).toBool());
+  Tab().Conditions().setVisible(QSettings().value(kConditionsKey, false).toBool());
   UpdateState();
 }
 
@@ -330,6 +335,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
   for (int i = 0; i < tabs_->count(); ++i) TabAt(i).EndSession();
   if (!std::exchange(inSession_, false)) return;
   QSettings().setValue(kSchemaTreeKey, commands_.Of(Command::ShowSchemaTree)->isChecked());
+  QSettings().setValue(kConditionsKey, Tab().ConditionsShown());
   StoreLayout({*this, Tab().Designer(), Tab().Panes()});
 }
 

@@ -225,11 +225,7 @@ void MainWindow::MakePaneMenu(QMenu& view) {
   showRows_ = view.addAction(Say(*texts_, text::ResultPreviewItem));
   showRows_->setCheckable(true);
   connect(showRows_, &QAction::triggered, this, [this](bool shown) { Tab().Panes().ShowRows(shown); });
-  QAction* conditions = view.addAction(Say(*texts_, text::ConditionsItem));
-  conditions->setCheckable(true);
-  connect(conditions, &QAction::triggered, this, [this](bool shown) { Tab().ShowConditions(shown); });
-  connect(&view, &QMenu::aboutToShow, this,
-          [this, conditions] { conditions->setChecked(Tab().Conditions().isVisibleTo(&Tab())); });
+  AddSwitch(view, Command::ShowConditions, [this] { Tab().ShowConditions(!Tab().ConditionsShown()); });
   AddSwitch(view, Command::RowsInTab, [this] { Tab().Panes().SetRowsInTab(!Tab().Panes().RowsInTab()); });
   AddSwitch(view, Command::MaximizePane, [this] { Tab().Panes().ToggleMaximized(); });
   AddTo(view, Command::CollapsePane, [this] { Tab().Panes().CollapseFocused(); });

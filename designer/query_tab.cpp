@@ -110,6 +110,8 @@ void QueryTab::ShowConditions(bool shown) {
   (shown ? static_cast<QWidget*>(conditions_) : &designer_->GridView())->setFocus(Qt::OtherFocusReason);
 }
 
+bool QueryTab::ConditionsShown() const { return conditions_->isVisibleTo(this); }
+
 void QueryTab::MakeHub() {
   qbQueryBuilder& hub = Hub();
   hub.GetToolkit().Providers()->Register(std::make_shared<SqliteProvider>());

@@ -43,6 +43,7 @@ class QueryTab : public QWidget {
   ConditionsView& Conditions() const { return *conditions_; }
   /// Shows the conditions, with the keyboard, or hides them.
   void ShowConditions(bool shown);
+  bool ConditionsShown() const;
   ConnectionFlow& Flow() const { return *flow_; }
   /// What its source is called; empty without one.
   const QString& SourceName() const { return sourceName_; }

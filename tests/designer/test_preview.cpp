@@ -325,6 +325,17 @@ TEST_F(Preview, TheFirstStepsNeedNoDialect) {
   EXPECT_EQ(Hub().SQLPane()->SQLSyntax(), SQLSyntaxGeneric);
 }
 
+TEST_F(Preview, RunsStatementsWithoutTables) {
+  OpenSample();
+  Type("SELECT 6 * 7 AS answer, EXISTS (SELECT 1 WHERE 1 > 2)");
+  PressF5();
+  ASSERT_TRUE(Ends());
+  EXPECT_EQ(Utf8(Pane().Failure()), "");
+  EXPECT_EQ(Cell(0, 0) + Cell(0, 1), "420");
+  EXPECT_EQ(GridRows(), ".6 * 7 .EXISTS (SELECT 1 WHERE 1 > 2)");
+  KeepPicture(Paint(window), "preview-without-tables");
+}
+
 // --- Against servers, which tests/providers/servers.sh has started for this test alone ---
 
 struct Server {

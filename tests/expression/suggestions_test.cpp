@@ -15,6 +15,7 @@
 #include "zrqrybld/hub/hub.h"
 #include "zrqrybld/platform/input.h"
 #include "zrqrybld/sql/source_rules.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld::test {
 namespace {
@@ -82,6 +83,26 @@ TEST_F(SuggestionsTest, AskTheSourceOnce) {
   hub->SetConnection(nullptr);
   type("SELECT * FROM Orders WHERE T");  // what another source has told is forgotten
   EXPECT_EQ(std::ranges::count(list->Items(), SuggestionKind::Column, &Suggestion::kind), 0);
+}
+
+// Of what fits alike the latest comes first; a dialect whose functions look at other rows offers how.
+TEST_F(SuggestionsTest, RememberWhatWasTaken) {
+  const Ref<qbIntelliList> list = qbIntelliList::Create(hub, EditedText::Statement);
+  list->Prepare();
+  const auto first = [&](const std::string& begin, const std::string& end) {
+    list->OnTyped(begin + end, begin.size(), true);
+    return list->IsOpen() ? list->Items().front().insert : "nothing";
+  };
+  EXPECT_EQ(first("SELECT m", " FROM Orders"), "MIN(@field)");
+  EXPECT_EQ(list->Items()[1].label, "MAX");
+  list->Accept(1);
+  EXPECT_EQ(first("SELECT m", " FROM Orders"), "MAX(@field)");
+  EXPECT_EQ(first("SELECT o", " FROM Orders"), "OrderID");
+  list->Accept(1);
+  EXPECT_EQ(first("SELECT o", " FROM Orders"), "OrderID") << "columns keep their order";
+  hub->SetSQLPane(qbSQLPane::Create());
+  hub->SQLPane()->SetSQLSyntax(SQLSyntaxPostgreSQL);
+  EXPECT_EQ(first("SELECT SUM(Total) ov", " FROM Orders"), "OVER (PARTITION BY @Partition ORDER BY @Order)");
 }
 
 // The parameters of the designed query are offered, and those of the text itself; a half-written one is none.

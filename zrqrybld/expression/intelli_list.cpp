@@ -111,6 +111,7 @@ SuggestionList qbIntelliList::AskWords(std::string_view text, std::size_t caret)
   const std::shared_ptr<SchemaCache> facts = context->design.Schema();
   facts->Refresh();
   Vocabulary words = ReadVocabulary(*context);
+  words.recent = facts->Recent();
   const std::string inUse = context->source.Say(text::InUse);
   AddMarkers(words, markers_, inUse);
   // A marker that the caret stands in is not complete.
@@ -203,6 +204,10 @@ void qbIntelliList::Accept(std::ptrdiff_t index) {
   const Suggestion& item = list_.items[static_cast<std::size_t>(index)];
   if (item.asksDate) return ChooseDate(item.insert);
   const TextReplacement taken{list_.from, list_.to, ReadTemplate(item.insert)};
+  // Columns keep their order: who has just taken one wants another.
+  const bool returns = item.kind != SuggestionKind::Text && item.kind != SuggestionKind::Column;
+  const Ref<QueryContext> context = context_.lock();
+  if (context && returns) context->design.Schema()->NoteTaken(item.label);
   Close();
   Accepted.Raise(taken);
 }

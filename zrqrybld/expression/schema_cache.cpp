@@ -39,6 +39,8 @@ ColumnFacts MakeColumn(std::string name, std::string type) {
 
 constexpr std::int32_t kGroupingChoice = 2;  // of a function's flags: only the grid's group-by column knows it
 
+constexpr std::size_t kMostRecent = 24;
+
 }  // namespace
 
 // --- Words ---
@@ -65,6 +67,11 @@ Vocabulary ReadVocabulary(const QueryContext& context) {
     words.keywords.push_back({entry->Name(), entry->Name(), entry->Description(), false, false});
   }
   words.fullJoin = context.design.HasFullJoin();
+  words.pieces.push_back({"CASE WHEN", "CASE WHEN @Condition THEN @Value ELSE @Otherwise END", {}});
+  const auto hasWindow = [](const VocabularyWord& word) { return word.syntax.find(" OVER (") != std::string::npos; };
+  if (std::ranges::any_of(words.functions, hasWindow)) {
+    words.endings.push_back({"OVER", "OVER (PARTITION BY @Partition ORDER BY @Order)", {}});
+  }
   return words;
 }
 
@@ -90,6 +97,12 @@ void AddMarkers(Vocabulary& words, const std::vector<std::string>& markers, cons
 }
 
 // --- The source's tables ---
+
+void SchemaCache::NoteTaken(const std::string& name) {
+  std::erase(recent_, name);
+  recent_.insert(recent_.begin(), name);
+  if (recent_.size() > kMostRecent) recent_.pop_back();
+}
 
 void SchemaCache::Clear() {
   listed_.clear();

@@ -46,6 +46,11 @@ class SchemaCache final : public SourceFacts {
   const std::vector<QueryTableFacts>& QueryTables() const override { return queryTables_; }
   const TableFacts* Find(const std::vector<std::string>& parts) override;
 
+  /// Somebody has taken the suggestion with this name.
+  void NoteTaken(const std::string& name);
+  /// The names of those that were taken last, the latest first.
+  const std::vector<std::string>& Recent() const { return recent_; }
+
  private:
   struct Known : TableFacts {
     bool read = false;  // the source was asked for its columns and foreign keys
@@ -74,6 +79,7 @@ class SchemaCache final : public SourceFacts {
   std::vector<const TableFacts*> listed_;
   std::unordered_map<const qbEntity*, TakenEntity> entities_;
   std::vector<QueryTableFacts> queryTables_;
+  std::vector<std::string> recent_;
 };
 
 }  // namespace zrqrybld

@@ -93,11 +93,18 @@ class Collector {
     found_.push_back(candidate);
   }
 
-  std::span<const Candidate> Best() {
+  // Of those that fit alike, what was taken lately comes first.
+  std::span<const Candidate> Best(const std::vector<std::string>& recent) {
     const std::size_t count = std::min(found_.size(), kMostSuggestions);
     std::ranges::partial_sort(found_, found_.begin() + static_cast<std::ptrdiff_t>(count), {},
                               [](const Candidate& c) { return std::pair(c.score, c.order); });
-    return std::span(found_).first(count);
+    const std::span<Candidate> best = std::span(found_).first(count);
+    if (!recent.empty()) {
+      std::ranges::stable_sort(best, {}, [&recent](const Candidate& c) {
+        return std::pair(c.score, std::ranges::find(recent, c.name) - recent.begin());
+      });
+    }
+    return best;
   }
 
  private:
@@ -115,7 +122,7 @@ class Suggester {
     if (scope_.place == CaretPlace::Nothing) return list;
     FindTables();
     Collect();
-    for (const Candidate& candidate : found_.Best()) list.items.push_back(Written(candidate));
+    for (const Candidate& candidate : found_.Best(request_.words.recent)) list.items.push_back(Written(candidate));
     DropEqual(list.items);
     return list;
   }
@@ -172,6 +179,9 @@ class Suggester {
         OfferOperators(EndsTerms() ? kGood : kBest, true);
         OfferPhrases(PhrasesAfterOperand(scope_.clause), EndsTerms() ? kBest : kGood);
         OfferPhrases(kCaseWords, kLess);
+        if (scope_.clause == SqlClause::Select || scope_.clause == SqlClause::OrderBy) {
+          OfferWords(request_.words.endings, SuggestionKind::Keyword, kLess, [](const auto&) { return true; });
+        }
         break;
       case CaretPlace::Condition:
         OfferOperators(kBest, false);
@@ -203,6 +213,7 @@ class Suggester {
     if (scope_.word == Keyword::Select) OfferPhrases(std::to_array<std::string_view>({"DISTINCT", "TOP"}), kLittle);
     if (scope_.word == Keyword::Not) OfferOperators(kLess, false);
     OfferPhrases(kOperandWords, kLittle);
+    OfferWords(request_.words.pieces, SuggestionKind::Keyword, kLittle, [](const auto&) { return true; });
     OfferWords(request_.words.parameters, SuggestionKind::Parameter, kLittle, [](const auto&) { return true; });
     OfferPhrases(std::to_array<std::string_view>({"SELECT"}), kLeast);
     OfferWords(request_.words.keywords, SuggestionKind::Keyword, kLeast,

@@ -20,6 +20,9 @@ struct Vocabulary {
   std::vector<VocabularyWord> operators;
   std::vector<VocabularyWord> keywords;
   std::vector<VocabularyWord> parameters;  ///< the parameter marker
+  std::vector<VocabularyWord> pieces;      ///< expressions of several words, to be filled in
+  std::vector<VocabularyWord> endings;     ///< such pieces that go on behind a function
+  std::vector<std::string> recent;         ///< the names of what was taken lately, the latest first
   bool fullJoin = true;                    ///< the dialect has FULL JOIN
 };
 

@@ -66,10 +66,16 @@ std::string ReadableStatement(const qbQueryBuilder& hub, std::string_view typed)
 ReadStatement::ReadStatement(qbQueryBuilder& hub, std::string text)
     : options_(OptionsOf(hub)), text_(std::move(text)), tree_(Parse()) {}
 
-SelectStatement ReadStatement::Parse() const {
-  return ParseSelect(text_, {.openParenthesesInFrom = options_.dialect->leavesParenthesesOpen,
-                             .pipesMayBeOr = options_.dialect->pipesMayBeOr});
+// Names in double quotes are written where the source has them; elsewhere such words are what they are to the source.
+ParseOptions ReadStatement::ReadBy() const {
+  ParseOptions options = OptionsFor(*options_.dialect);
+  const std::optional<TextReading>& reading = options_.criteria.reading;
+  options.doubleQuotesAreTexts = options_.dialect->doubleQuotesAreTexts && options_.names.quotePrefix != "\"" &&
+                                 (!reading || reading->doubleQuotesAreTexts);
+  return options;
 }
+
+SelectStatement ReadStatement::Parse() const { return ParseSelect(text_, ReadBy()); }
 
 void ReadStatement::Bind(qbQueryBuilder& hub, const QueryLookup& queries, bool takesDrawn, bool beginsCompound) {
   options_.beginsCompound = beginsCompound;
@@ -95,7 +101,7 @@ void ReadStatement::BindPlain(qbQueryBuilder& hub, const QueryLookup& queries, b
 bool ReadStatement::BindWithQuestions(qbQueryBuilder& hub, const QueryLookup& queries, bool takesDrawn) {
   if (FindNoCase(text_, "EXISTS") == std::string::npos) return false;
   SelectStatement statement = Parse();  // the questions are taken out of it
-  const std::vector<ReadQuestion> questions = TakeQuestions(statement);
+  const std::vector<ReadQuestion> questions = TakeQuestions(statement, ReadBy());
   if (questions.empty()) return false;
   std::vector<const FromItem*> tables = TablesOf(statement);
   const std::size_t own = tables.size();

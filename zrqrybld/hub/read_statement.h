@@ -11,6 +11,7 @@
 #include "zrqrybld/sql/query_snapshot.h"
 #include "zrqrybld/sql/select_statement.h"
 #include "zrqrybld/sql/statement_binder.h"
+#include "zrqrybld/sql/statement_parser.h"
 
 namespace zrqrybld {
 
@@ -41,6 +42,7 @@ class ReadStatement {
   QuerySnapshot Design() const;
 
  private:
+  ParseOptions ReadBy() const;
   SelectStatement Parse() const;
   DrawnDiagram TakeDrawn(std::size_t tables);
   void BindPlain(qbQueryBuilder& hub, const QueryLookup& queries, bool takesDrawn);

@@ -147,6 +147,9 @@ constexpr Dialect PostgreSql() {
   d.syntax = SQLSyntaxPostgreSQL;
   d.name = "PostgreSQL";
   d.parameterSigns = ":$";
+  d.needsTables = false;
+  d.ownSigns = " #> #>> #- @> <@ && ? ?| ?& @@ @? ~* !~ !~* ";
+  d.hasSubscripts = true;
   d.hasNullsPlace = true;
   d.limit = Limit("OFFSET @m");
   d.values = {.date = "DATE '@'", .time = "TIME '@'", .timestamp = "TIMESTAMP '@'", .yes = "TRUE", .no = "FALSE"};
@@ -167,6 +170,7 @@ constexpr Dialect MySql() {
   d.syntax = SQLSyntaxMySQL;
   d.name = "MySQL";
   d.parameterSigns = "?";
+  d.needsTables = false;
   d.hasFullJoin = false;
   // It has no offset without a limit; this is the largest one.
   d.limit = Limit("LIMIT 18446744073709551615 OFFSET @m");
@@ -189,6 +193,7 @@ constexpr Dialect Sqlite() {
   d.syntax = SQLSyntaxSQLite;
   d.name = "SQLite";
   d.parameterSigns = "?:@$";
+  d.needsTables = false;
   d.hasNullsPlace = true;
   d.limit = Limit("LIMIT -1 OFFSET @m");
   d.values = {.date = "'@'", .time = "'@'", .timestamp = "'@'", .yes = "1", .no = "0"};
@@ -212,6 +217,7 @@ constexpr Dialect SqlServer() {
   d.syntax = SQLSyntaxSQLServer;
   d.name = "SQLServer";
   d.parameterSigns = "@";
+  d.needsTables = false;
   d.limit = {.place = RowLimit::Place::Head,
              .rows = "TOP (@n) ",
              .percent = "TOP (@n) PERCENT ",
@@ -259,6 +265,8 @@ constexpr Dialect Oracle12() {
   d.syntax = SQLSyntaxOracle12;
   d.name = "Oracle12";
   d.parameterSigns = ":";
+  d.needsTables = false;
+  d.emptyTable = "DUAL";
   d.tableAlias = " ";
   d.aliasStandsBare = true;
   // It has no times of day alone.

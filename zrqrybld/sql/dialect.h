@@ -97,6 +97,14 @@ struct Dialect {
   std::string_view tableAlias;
   /// Whether a keyword would be read as one where an alias stands: there is no word before it.
   bool aliasStandsBare = false;
+  /// Whether its statements have FROM even where there are no tables. Otherwise `emptyTable` stands there, the table of
+  /// one row that its servers know, or no FROM at all.
+  bool needsTables = true;
+  std::string_view emptyTable = {};
+  /// Operators between two operands that only some dialects have, with a blank before and behind each.
+  std::string_view ownSigns = " ";
+  /// Whether "[...]" close behind a value is a part of it, and never a name.
+  bool hasSubscripts = false;
   /// Whether its own statements leave parentheses in FROM open, where tables are not joined.
   bool leavesParenthesesOpen = false;
   ValueForms values = {};

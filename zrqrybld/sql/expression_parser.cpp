@@ -6,6 +6,7 @@
 
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_sql.h"
+#include "zrqrybld/sql/syntax_error.h"
 
 namespace zrqrybld {
 namespace {
@@ -25,6 +26,9 @@ class List {
 
 // Operators that are words but no keywords.
 constexpr std::array<std::string_view, 6> kWordOperators = {"GLOB", "ILIKE", "MATCH", "REGEXP", "RLIKE", "ALIKE"};
+// Operators that the lexer takes for more than one token, or that only some dialects have; the longest first.
+constexpr std::array<std::string_view, 17> kFurtherSigns = {"->>", "#>>", "!~*", "->", "#>", "#-", "@>", "<@", "&&",
+                                                            "?|",  "?&",  "@@",  "@?", "!~", "~*", "~",  "?"};
 // Words that make the text behind them a literal.
 constexpr std::array<std::string_view, 4> kLiteralTypes = {"DATE", "TIME", "TIMESTAMP", "DATETIME"};
 // Functions whose first argument is a part of a date, which is no name; and those that take a type there, or a value.
@@ -43,6 +47,11 @@ constexpr std::array<std::string_view, 6> kTakesFrom = {"EXTRACT", "OVERLAY",   
 constexpr std::array<std::string_view, 3> kTrimWords = {"BOTH", "LEADING", "TRAILING"};
 
 }  // namespace
+
+bool IsRareSign(std::string_view sign) {
+  const bool isUsual = sign == "~" || sign.starts_with("->");  // every operand may have the one before it
+  return !isUsual && std::ranges::find(kFurtherSigns, sign) != kFurtherSigns.end();
+}
 
 // One level of nesting for the length of a scope.
 class ExpressionParser::Level {
@@ -260,29 +269,36 @@ Expression* ExpressionParser::ParseWordOperator(Expression* left, std::size_t st
 // --- Operands ---
 
 bool ExpressionParser::IsChainSign() const {
-  if (!reader_.Is(TokenKind::Operator)) return false;
+  if (!reader_.Is(TokenKind::Operator)) return !FurtherSign().empty();
   const std::string_view sign = reader_.CurrentText();
+  if (!FurtherSign().empty()) return true;
   if (sign.size() == 2) return sign == "||" || sign == "<<" || sign == ">>";
   return std::string_view("+-*/%&|^").find(sign[0]) != std::string_view::npos;
 }
 
-// Whether the next token is an operator that begins with the sign, close behind this one.
-bool ExpressionParser::NextAdjoins(char sign) const {
-  const Token next = reader_.Peek();
-  const std::string_view text = reader_.CurrentText();
-  return next.kind == TokenKind::Operator && next.length != 0 && next.offset == reader_.Offset() + text.size() &&
-         text.data()[text.size()] == sign;
+// The one of those operators that stands here; "" for none. What begins a name, "@p" behind "<", is none.
+std::string_view ExpressionParser::FurtherSign() const {
+  const std::string_view token = reader_.CurrentText();
+  const bool mayBegin = reader_.Is(TokenKind::Operator) || (reader_.Is(TokenKind::Word) && token.size() <= 2);
+  if (!mayBegin || std::string_view("-#!@<&?~").find(token[0]) == std::string_view::npos) return {};
+  const std::string_view rest = reader_.Rest();
+  for (const std::string_view sign : kFurtherSigns) {
+    if (!rest.starts_with(sign) || token.size() > sign.size()) continue;
+    const bool isName = sign.back() == '@' && rest.size() > sign.size() && IsWordByte(rest[sign.size()]);
+    return isName || (sign == "&&" && rules_.pipesMayBeOr) ? std::string_view() : sign;
+  }
+  return {};
 }
 
 Expression* ExpressionParser::ParseChain() {
   const std::size_t start = Start();
   const auto isPrefix = [&] { return !begun_ && (reader_.IsSign('-') || reader_.IsSign('+') || reader_.IsSign('~')); };
-  // "->" and "->>", which reach into JSON, are read by the lexer as several signs.
   const auto takeSign = [&] {
     const std::size_t sign = reader_.Offset();
-    const bool isArrow = reader_.IsSign('-') && NextAdjoins('>');
-    reader_.Advance();
-    if (isArrow) reader_.Advance();
+    const std::size_t end = sign + FurtherSign().size();
+    do {
+      reader_.Advance();
+    } while (!reader_.AtEnd() && reader_.Offset() < end);
     return Make(ExpressionKind::Sign, sign);
   };
   Expression* first = isPrefix() ? takeSign() : ParseOperand();
@@ -299,7 +315,7 @@ Expression* ExpressionParser::ParseChain() {
       needsOperand = false;
     } else if (!postfix) {
       if (!IsChainSign()) return Close(chain, start);
-      if (pipesMayBeOr_ && reader_.CurrentText() == "||") pipe_ = reader_.Offset();
+      if (rules_.pipesMayBeOr && reader_.CurrentText() == "||") pipe_ = reader_.Offset();
       pieces.Append(takeSign());
       needsOperand = true;
       postfix = nullptr;
@@ -309,20 +325,20 @@ Expression* ExpressionParser::ParseChain() {
   }
 }
 
-// What may follow an operand and is passed on as it stands; nothing when nothing does.
+// What may follow an operand; nothing when nothing does.
 Expression* ExpressionParser::ParsePostfix() {
   const std::size_t start = reader_.Offset();
-  const auto skipParentheses = [&] {
-    reader_.ExpectSign('(');
-    reader_.SkipTo(')');
-    reader_.Advance();
-  };
+  if (IsSubscript()) return ParseSubscript(start);
   if (reader_.Is(TokenKind::Operator)) {
     if (!reader_.IsSign(':') || !reader_.NextIsSign(':')) return nullptr;  // a::type
     reader_.Advance();
     reader_.Advance();
     ParseName(text::AType);
-    if (reader_.IsSign('(')) skipParentheses();
+    if (reader_.TakeSign('(')) {
+      reader_.SkipTo(')');
+      reader_.Advance();
+    }
+    while (reader_.Adjoins() && reader_.CurrentText().starts_with('[')) reader_.Advance();  // an array of it
   } else if (!reader_.Is(TokenKind::Word)) {
     return nullptr;
   } else if (reader_.Take(Keyword::Collate)) {
@@ -330,16 +346,78 @@ Expression* ExpressionParser::ParsePostfix() {
   } else if (reader_.Is(Keyword::Over) || (reader_.Current().keyword == Keyword::None && reader_.IsWord("FILTER"))) {
     if (!reader_.NextIsSign('(')) return nullptr;
     reader_.Advance();
-    skipParentheses();
+    return ParseRowsOf(start);
   } else if (reader_.Current().keyword == Keyword::None && reader_.IsWord("WITHIN") &&
              reader_.Peek().keyword == Keyword::Group) {
     reader_.Advance();
     reader_.Advance();
-    skipParentheses();
+    return ParseRowsOf(start);
   } else {
     return nullptr;
   }
   return Make(ExpressionKind::Opaque, start);
+}
+
+// Which rows are meant, in the parentheses of OVER, FILTER and WITHIN GROUP. The expressions in there are those of the
+// query; what else stands there is passed on as it is.
+Expression* ExpressionParser::ParseRowsOf(std::size_t start) {
+  Expression* result = Make(ExpressionKind::Opaque, start);
+  Expression** end = &result->first;
+  reader_.ExpectSign('(');
+  const auto isFrame = [this] {
+    return reader_.Is(Keyword::Rows) || reader_.IsWord("RANGE") || reader_.IsWord("GROUPS");
+  };
+  const bool isName = reader_.Is(TokenKind::QuotedIdentifier) ||
+                      (reader_.Is(TokenKind::Word) && reader_.Current().keyword == Keyword::None);
+  if (isName && !reader_.IsWord("PARTITION") && !isFrame()) reader_.Advance();  // a window that is called so
+  if (reader_.Take(Keyword::Where)) {
+    *end = ParseExpression();
+    end = &(*end)->next;
+  } else if (reader_.IsWord("PARTITION")) {
+    reader_.Advance();
+    ParseOrder(end);
+  }
+  if (reader_.Take(Keyword::Order)) ParseOrder(end);
+  reader_.SkipTo(')');
+  reader_.Advance();
+  return Close(result, start);
+}
+
+// Behind PARTITION and ORDER.
+void ExpressionParser::ParseOrder(Expression**& end) {
+  reader_.Expect(Keyword::By);
+  do {
+    *end = ParseExpression();
+    end = &(*end)->next;
+    if (!reader_.Take(Keyword::Asc)) reader_.Take(Keyword::Desc);
+    if (!reader_.IsWord("NULLS")) continue;
+    reader_.Advance();
+    if (reader_.IsWord("FIRST") || reader_.IsWord("LAST")) reader_.Advance();
+  } while (reader_.TakeSign(','));
+}
+
+bool ExpressionParser::IsSubscript() const {
+  return rules_.hasSubscripts && reader_.Is(TokenKind::QuotedIdentifier) && reader_.CurrentText()[0] == '[' &&
+         reader_.Adjoins();
+}
+
+// On "[...]", which the lexer reads up to the first "]".
+Expression* ExpressionParser::ParseSubscript(std::size_t start) {
+  const std::size_t open = reader_.Offset();
+  const std::string_view text = reader_.CurrentText();
+  reader_.Advance();
+  Expression* result = Make(ExpressionKind::Opaque, start);
+  List parts(result->first);
+  try {
+    TokenReader inside(text.substr(1, text.size() - 2));
+    ExpressionParser expressions(inside, arena_, rules_);
+    while (!inside.AtEnd()) {
+      if (!inside.TakeSign(',') && !inside.TakeSign(':')) parts.Append(expressions.ParseExpression());
+    }
+  } catch (const SyntaxError& error) {
+    reader_.Refuse(open, error.Sentence());
+  }
+  return result;
 }
 
 Expression* ExpressionParser::ParseOperand() {
@@ -380,6 +458,15 @@ Expression* ExpressionParser::ParseOperand() {
       break;
     default:
       break;
+  }
+  const bool isText = rules_.doubleQuotesAreTexts && reader_.CurrentText().starts_with('"');
+  if (isText && !reader_.NextIsSign('.') && !reader_.NextIsSign('!')) return ParseLiteral();
+  if (rules_.hasSubscripts && reader_.IsWord("ARRAY")) {
+    const std::size_t start = reader_.Offset();
+    const TokenReader before = reader_;
+    reader_.Advance();
+    if (IsSubscript()) return ParseSubscript(start);
+    reader_ = before;
   }
   return IsTypedLiteral() ? ParseLiteral() : ParseNamed();
 }
@@ -516,11 +603,13 @@ void ExpressionParser::RequireNameBehindPoint(std::size_t start, TextId what) co
   if (!adjoins && reader_.Is(TokenKind::Word) && IsReserved(reader_.Current().keyword)) reader_.FailExpected(what);
 }
 
+bool ExpressionParser::IsPoint() const { return reader_.IsSign('.') || (reader_.IsSign('!') && FurtherSign().empty()); }
+
 std::string_view ExpressionParser::ParseName(TextId what) {
   const std::size_t start = reader_.Offset();
   if (!IsNamePart()) reader_.FailExpected(what);
   reader_.Advance();
-  while (reader_.IsSign('.') || reader_.IsSign('!')) {
+  while (IsPoint()) {
     reader_.Advance();
     if (reader_.IsSign('.')) continue;  // a part may be left out: database..table
     RequireNameBehindPoint(start, what);
@@ -540,7 +629,7 @@ Expression* ExpressionParser::ParseNamed() {
   const bool groups = reader_.IsWord("GROUPING");
   reader_.Advance();
   if (groups && reader_.IsWord("SETS") && reader_.NextIsSign('(')) reader_.Advance();
-  while (reader_.IsSign('.') || reader_.IsSign('!')) {
+  while (IsPoint()) {
     reader_.Advance();
     part = reader_.Offset();
     if (reader_.IsSign('.')) continue;

@@ -12,6 +12,18 @@
 
 namespace zrqrybld {
 
+/// Whether the text is one of the operators that only some dialects have.
+bool IsRareSign(std::string_view sign);
+
+struct ExpressionRules {
+  /// Whether "||" may mean OR: it is refused beside AND and NOT, which would take its operands from it.
+  bool pipesMayBeOr = false;
+  /// Whether "[...]" close behind a value is a part of it, not a name.
+  bool hasSubscripts = false;
+  /// Whether what stands in double quotes where a value can stand is a text.
+  bool doubleQuotesAreTexts = false;
+};
+
 class ExpressionParser {
  public:
   /// How deep expressions may be nested. Parentheses that begin together cost no stack; of everything else so many
@@ -19,9 +31,8 @@ class ExpressionParser {
   static constexpr int kDeepest = 1000;
   static constexpr int kDeepestCalls = 250;
 
-  /// Where "||" may mean OR it is refused beside AND and NOT, which would take its operands from it.
-  ExpressionParser(TokenReader& reader, SyntaxArena& arena, bool pipesMayBeOr = false)
-      : reader_(reader), arena_(arena), pipesMayBeOr_(pipesMayBeOr) {}
+  ExpressionParser(TokenReader& reader, SyntaxArena& arena, ExpressionRules rules = {})
+      : reader_(reader), arena_(arena), rules_(rules) {}
 
   /// A whole expression: conditions joined by OR. SyntaxError with the place otherwise; so do the others.
   Expression* ParseExpression();
@@ -55,6 +66,10 @@ class ExpressionParser {
   Expression* ParseLimitNumber();
   Expression* ParseChain();
   Expression* ParsePostfix();
+  Expression* ParseRowsOf(std::size_t start);
+  void ParseOrder(Expression**& end);
+  bool IsSubscript() const;
+  Expression* ParseSubscript(std::size_t start);
   Expression* ParseOperand();
   Expression* ParseParentheses();
   Expression* ParseInParentheses(std::size_t start, Expression* begun);
@@ -72,13 +87,14 @@ class ExpressionParser {
   static bool TakesNot(const Expression& test);
   bool IsComparisonSign() const;
   bool IsChainSign() const;
-  bool NextAdjoins(char sign) const;
+  bool IsPoint() const;  // between the parts of a name
+  std::string_view FurtherSign() const;
   bool IsWordOperator() const;
   bool IsTypedLiteral() const;
 
   TokenReader& reader_;
   SyntaxArena& arena_;
-  bool pipesMayBeOr_;
+  ExpressionRules rules_;
   std::optional<std::size_t> pipe_;  // where "||" stands that may be OR, in what AND or NOT takes for one operand
   int depth_ = 0;
   int calls_ = 0;

@@ -37,6 +37,7 @@ bool IsPlainLiteral(const Expression& e) {
 
 // What stands on the right side of comparisons, and in their lists.
 void FindComparedLiterals(const Expression& e, std::unordered_set<const Expression*>& found) {
+  if (e.kind == ExpressionKind::Opaque) return;
   const bool compares =
       e.kind == ExpressionKind::Comparison || e.kind == ExpressionKind::Between || e.kind == ExpressionKind::In;
   for (const Expression* child = e.first; child; child = child->next) {
@@ -44,6 +45,15 @@ void FindComparedLiterals(const Expression& e, std::unordered_set<const Expressi
     if (isValue && IsPlainLiteral(*child)) found.insert(child);
     FindComparedLiterals(*child, found);
   }
+}
+
+// A text in double quotes, as texts are usually written; false for one that may hold escapes, and for all else.
+bool AppendDoubleQuoted(const Expression& e, std::string& text) {
+  const bool isText = e.kind == ExpressionKind::Literal && e.text.front() == '"';
+  if (!isText || e.text.find('\\') != std::string_view::npos) return false;
+  const std::string inside = ReplaceAll(e.text.substr(1, e.text.size() - 2), "\"\"", "\"");
+  text += "'" + ReplaceAll(inside, "'", "''") + "'";
+  return true;
 }
 
 // An aggregate's text with "@field" for its operand, alike for all ways to write it.
@@ -76,6 +86,7 @@ bool CallsAggregate(std::string_view expression, const qbDBFunctions& functions)
 FieldTerms::FieldTerms(const NameScope& scope, const NameRules& rules, const qbDBFunctions& functions)
     : scope_(scope), rules_(rules), functions_(functions) {
   columns_ = [this](const Expression& e, std::string& text) {
+    if (AppendDoubleQuoted(e, text)) return true;
     const Expression* column = StripParentheses(&e);
     if (column->kind != ExpressionKind::Column) return false;
     const std::optional<BoundColumn> found = scope_.TryFind(*column);

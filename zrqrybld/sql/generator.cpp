@@ -608,8 +608,14 @@ class Generator {
     where_ += expression;
   }
 
+  std::string FromClause() const {
+    const bool lacksTables = !dialect_.needsTables && query_.tables.empty() && !select_.empty();
+    if (!lacksTables) return "\r\nFROM " + from_;
+    return dialect_.emptyTable.empty() ? std::string() : "\r\nFROM " + std::string(dialect_.emptyTable);
+  }
+
   std::string Assemble() const {
-    std::string text = "SELECT " + head_ + select_ + "\r\nFROM " + from_;
+    std::string text = "SELECT " + head_ + select_ + FromClause();
     if (dialect_.joins == Dialect::Joins::Conditions || !joinConditions_.empty()) {
       text += "\r\n";
       if (!joinConditions_.empty()) text += "WHERE" + joinConditions_;

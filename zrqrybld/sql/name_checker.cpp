@@ -8,10 +8,12 @@
 
 #include "zrqrybld/base/near_names.h"
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/base/texts_queries.h"
 #include "zrqrybld/base/texts_sql.h"
 #include "zrqrybld/host/catalogs.h"
 #include "zrqrybld/sql/criteria_formatter.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/expression_parser.h"
 #include "zrqrybld/sql/from_binder.h"
 #include "zrqrybld/sql/lexer.h"
 #include "zrqrybld/sql/statement_parser.h"
@@ -151,6 +153,7 @@ class Checker {
       pending.pop_back();
       if (e->kind == ExpressionKind::Column) CheckColumn(*e, isArgument);
       if (e->kind == ExpressionKind::Subquery) CheckQuery(e->text);
+      if (e->kind == ExpressionKind::Sign) CheckSign(e->text);
       const auto first = static_cast<std::ptrdiff_t>(pending.size());
       for (const Expression* child = e->first; child; child = child->next) {
         pending.push_back({child, e->kind == ExpressionKind::Call});
@@ -165,6 +168,11 @@ class Checker {
       CheckJoins(*step->right);
       if (step->on) Check(*step->on);
     }
+  }
+
+  void CheckSign(std::string_view sign) const {
+    const bool isOwn = rules_.dialect.ownSigns.find(" " + std::string(sign) + " ") != std::string_view::npos;
+    if (IsRareSign(sign) && !isOwn) scope_.Refuse(sign, {text::DialectCannotSay, sign});
   }
 
   void CheckColumn(const Expression& column, bool isArgument) const {
@@ -210,8 +218,10 @@ class Checker {
     if (depth_ >= kDeepestQuery || open == std::string_view::npos) return;
     const std::string_view inside = text.substr(open + 1, text.size() - open - 2);
     std::optional<SelectStatement> query;
+    ParseOptions options = OptionsFor(rules_.dialect);
+    options.openParenthesesInFrom = options.pipesMayBeOr = false;
     try {
-      query.emplace(ParseSelect(inside, {.openParenthesesInFrom = false, .pipesMayBeOr = false}));
+      query.emplace(ParseSelect(inside, options));
     } catch (const SyntaxError&) {
       return;
     }

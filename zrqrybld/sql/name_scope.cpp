@@ -245,7 +245,8 @@ bool NameScope::KnowsAny() const {
 
 void NameScope::Check(const Expression& column) const {
   if (!MeansHere(column) && outer_ && outer_->Means(column)) return outer_->Check(column);
-  if (!column.Qualifier().empty() && !Means(column) && !KnowsAny()) return;
+  const bool hasTables = !tables_.empty() || outer_;
+  if (hasTables && !column.Qualifier().empty() && !Means(column) && !KnowsAny()) return;
   if (column.Qualifier().empty() && MeansHere(column)) {
     const std::vector<std::size_t> tables = TablesWith(PlainName(column.name));
     if (tables.empty() || !source_.FindColumn(tables[0], PlainName(column.name))) return;

@@ -61,7 +61,7 @@ bool ChoosesNoRows(const SelectStatement& query) {
 
 class Taking {
  public:
-  explicit Taking(SelectStatement& statement) {
+  Taking(SelectStatement& statement, const ParseOptions& options) : options_(options) {
     for (const FromItem* item = statement.from; item; item = item->next) AddExposedNames(*item, names_);
     TakeFrom(statement, std::nullopt);
   }
@@ -131,7 +131,7 @@ class Taking {
     std::unique_ptr<SelectStatement> read;
     try {
       read = std::make_unique<SelectStatement>(
-          ParseSelect(query->text.substr(open + 1, query->text.size() - open - 2), {}));
+          ParseSelect(query->text.substr(open + 1, query->text.size() - open - 2), options_));
     } catch (const SyntaxError&) {
       return false;
     }
@@ -146,12 +146,15 @@ class Taking {
     return true;
   }
 
+  ParseOptions options_;
   WordSet names_;
 };
 
 }  // namespace
 
-std::vector<ReadQuestion> TakeQuestions(SelectStatement& statement) { return std::move(Taking(statement).questions); }
+std::vector<ReadQuestion> TakeQuestions(SelectStatement& statement, const ParseOptions& options) {
+  return std::move(Taking(statement, options).questions);
+}
 
 std::vector<const FromItem*> TablesOf(const std::vector<ReadQuestion>& questions) {
   std::vector<const FromItem*> tables;

@@ -15,6 +15,8 @@
 namespace zrqrybld {
 
 /// A query about one table.
+struct ParseOptions;
+
 struct ReadQuestion {
   std::unique_ptr<SelectStatement> query;  ///< its texts are the statement's
   bool forNone = false;                    ///< NOT stands before it
@@ -23,7 +25,7 @@ struct ReadQuestion {
 };
 
 /// Takes the questions out of the conditions that WHERE joins by AND, at most 50; inner ones follow those around them.
-std::vector<ReadQuestion> TakeQuestions(SelectStatement& statement);
+std::vector<ReadQuestion> TakeQuestions(SelectStatement& statement, const ParseOptions& options);
 
 /// The tables that the questions are about, in their order.
 std::vector<const FromItem*> TablesOf(const std::vector<ReadQuestion>& questions);

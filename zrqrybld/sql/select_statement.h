@@ -22,7 +22,7 @@ enum class ExpressionKind : std::uint8_t {
   Star,         ///< "*" or "t.*"
   Literal,      ///< a number, a text, a date, NULL, TRUE, a parameter
   Sign,         ///< an operator inside a chain, or a word inside CASE
-  Opaque,       ///< text that is passed on as it stands: OVER (...), AS type
+  Opaque,       ///< text that is passed on as it stands: OVER (...), AS type; the children are expressions in it
   Chain,        ///< operands, signs and opaque texts, as written: precedence among them means nothing to us
   Call,         ///< `name` ( the children )
   Case,         ///< words and expressions in turn, without CASE and END

@@ -5,6 +5,7 @@
 
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_sql.h"
+#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/expression_parser.h"
 #include "zrqrybld/sql/keywords.h"
 #include "zrqrybld/sql/lexer.h"
@@ -47,7 +48,10 @@ class Parser {
       : statement_(statement),
         options_(options),
         reader_(statement.text),
-        expressions_(reader_, statement.arena, options.pipesMayBeOr) {}
+        expressions_(reader_, statement.arena,
+                     {.pipesMayBeOr = options.pipesMayBeOr,
+                      .hasSubscripts = options.hasSubscripts,
+                      .doubleQuotesAreTexts = options.doubleQuotesAreTexts}) {}
 
   void Run() {
     for (; reader_.IsSign('(') && depthOfWhole_ < kDeepestCalls; reader_.Advance()) ++depthOfWhole_;
@@ -56,12 +60,7 @@ class Parser {
     ParseHead();
     if (!reader_.Is(Keyword::From)) ParseSelectList();
     RefuseWhatCannotBeShown();
-    reader_.Expect(Keyword::From);
-    if (!AtClauseEnd() || IsTableCalledAsLimit()) {
-      statement_.from = ParseTables();
-    } else if (NamesColumn()) {
-      reader_.FailExpected(text::ATable);
-    }
+    if (!AtClauseEnd() || !MayLackTables()) ParseFrom();
     TextId behind = text::StatementEnd;
     if (reader_.Take(Keyword::Where)) {
       statement_.where = expressions_.ParseExpression();
@@ -153,7 +152,8 @@ class Parser {
       *end = item;
       end = &item->next;
     } while (reader_.TakeSign(','));
-    if (!reader_.Is(Keyword::From) && !IsBeyondDesigner(reader_.Current().keyword)) {
+    const bool ends = AtClauseEnd() && MayLackTables();
+    if (!reader_.Is(Keyword::From) && !ends && !IsBeyondDesigner(reader_.Current().keyword)) {
       reader_.FailExpected(text::OperatorAliasOrFrom);
     }
   }
@@ -180,9 +180,33 @@ class Parser {
 
   // --- FROM ---
 
-  bool AtClauseEnd() const {
-    const Keyword keyword = reader_.Current().keyword;
-    return reader_.AtEnd() || reader_.IsSign(';') || (depthOfWhole_ > 0 && reader_.IsSign(')')) ||
+  void ParseFrom() {
+    reader_.Expect(Keyword::From);
+    if (IsEmptyTable()) {
+      reader_.Advance();
+    } else if (!AtClauseEnd() || IsTableCalledAsLimit()) {
+      statement_.from = ParseTables();
+    } else if (NamesColumn()) {
+      reader_.FailExpected(text::ATable);
+    }
+  }
+
+  // Whether the statement is one without tables, and not one whose FROM was forgotten.
+  bool MayLackTables() const { return !options_.needsTables && statement_.items && !NamesColumn() && !HasStar(); }
+
+  bool IsEmptyTable() const {
+    const bool isNamed = !options_.emptyTable.empty() && EqualsNoCase(reader_.CurrentText(), options_.emptyTable);
+    if (!isNamed || !MayLackTables()) return false;
+    TokenReader behind = reader_;
+    behind.Advance();
+    return AtClauseEnd(behind);
+  }
+
+  bool AtClauseEnd() const { return AtClauseEnd(reader_); }
+
+  bool AtClauseEnd(const TokenReader& reader) const {
+    const Keyword keyword = reader.Current().keyword;
+    return reader.AtEnd() || reader.IsSign(';') || (depthOfWhole_ > 0 && reader.IsSign(')')) ||
            keyword == Keyword::Where || keyword == Keyword::Group || keyword == Keyword::Having ||
            keyword == Keyword::Order || keyword == Keyword::Limit || keyword == Keyword::Fetch ||
            keyword == Keyword::Offset;
@@ -416,6 +440,13 @@ class Parser {
     return false;
   }
 
+  bool HasStar() const {
+    for (const SelectItem* item = statement_.items; item; item = item->next) {
+      if (item->expression->kind == ExpressionKind::Star) return true;
+    }
+    return false;
+  }
+
   // The words may come in any order: LEFT OUTER JOIN, OUTER LEFT JOIN.
   void ParseJoinWords(JoinStep& step) {
     Keyword kind = Keyword::None;
@@ -640,13 +671,22 @@ SelectStatement ParseWithin(std::string_view text, const ParseOptions& options, 
 
 }  // namespace
 
+ParseOptions OptionsFor(const Dialect& dialect) {
+  return {.openParenthesesInFrom = dialect.leavesParenthesesOpen,
+          .pipesMayBeOr = dialect.pipesMayBeOr,
+          .needsTables = dialect.needsTables,
+          .emptyTable = dialect.emptyTable,
+          .hasSubscripts = dialect.hasSubscripts};
+}
+
 SelectStatement ParseSelect(std::string_view text, const ParseOptions& options) {
   return ParseWithin(text, options, 0);
 }
 
 Expression* ParseExpressionText(std::string_view text, SyntaxArena& arena) {
   TokenReader reader(text);
-  Expression* expression = ExpressionParser(reader, arena).ParseExpression();
+  // No alias can stand here, in brackets or not.
+  Expression* expression = ExpressionParser(reader, arena, {.hasSubscripts = true}).ParseExpression();
   if (!reader.AtEnd()) reader.FailExpected(text::OperatorOrTextEnd);
   return expression;
 }

@@ -13,13 +13,25 @@
 
 namespace zrqrybld {
 
+struct Dialect;
+
 struct ParseOptions {
   /// Whether parentheses that are opened in FROM may stay open up to its end: the generator leaves them so where tables
   /// are not joined, in the dialect that nests joins.
   bool openParenthesesInFrom = false;
   /// Whether "||" is refused beside AND and NOT, for it may mean OR, which they would take the operands from.
   bool pipesMayBeOr = false;
+  /// Whether every statement has FROM; otherwise one that names no column may lack it, or have this table there.
+  bool needsTables = true;
+  std::string_view emptyTable = {};
+  /// Whether "[...]" close behind a value is a part of it.
+  bool hasSubscripts = false;
+  /// Whether what stands in double quotes where a value can stand is a text.
+  bool doubleQuotesAreTexts = false;
 };
+
+/// What the statements of the dialect are read by.
+ZRQRYBLD_API ParseOptions OptionsFor(const Dialect& dialect);
 
 /// Reads the statement. Takes time in the length of the text. The text must outlive the tree. SyntaxError, with place
 /// and with what was expected, when it is no SELECT statement or one that cannot be shown.

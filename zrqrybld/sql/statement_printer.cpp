@@ -34,9 +34,10 @@ class Printer {
       case ExpressionKind::Star:
       case ExpressionKind::Literal:
       case ExpressionKind::Sign:
-      case ExpressionKind::Opaque:
       case ExpressionKind::Subquery:
         return AppendOnOneLine(text_, e.text);
+      case ExpressionKind::Opaque:
+        return PrintOpaque(e);
       case ExpressionKind::Chain:
         return PrintChain(e);
       case ExpressionKind::Call:
@@ -72,6 +73,20 @@ class Printer {
   }
 
  private:
+  // As it stands, but for the expressions in it.
+  void PrintOpaque(const Expression& e) {
+    if (!substitution_ || !e.first) return AppendOnOneLine(text_, e.text);
+    std::string text;
+    const char* done = e.text.data();
+    for (const Expression* part = e.first; part; part = part->next) {
+      text.append(done, part->text.data());
+      Printer(text, substitution_).Print(*part);
+      done = part->text.data() + part->text.size();
+    }
+    text.append(done, e.text.data() + e.text.size());
+    AppendOnOneLine(text_, text);
+  }
+
   void PrintList(const Expression* first, std::string_view separator) {
     for (const Expression* e = first; e; e = e->next) {
       if (e != first) text_ += separator;

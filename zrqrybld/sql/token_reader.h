@@ -21,6 +21,10 @@ class TokenReader {
   bool AtEnd() const { return token_.length == 0; }
   std::size_t Offset() const { return token_.offset; }
   std::string_view CurrentText() const { return text_.substr(token_.offset, token_.length); }
+  /// Everything from the current token on.
+  std::string_view Rest() const { return text_.substr(token_.offset); }
+  /// Whether nothing stands between the current token and the one before.
+  bool Adjoins() const { return previousEnd_ == token_.offset; }
   /// The text from `start` to the end of the token before the current one.
   std::string_view TextFrom(std::size_t start) const { return text_.substr(start, previousEnd_ - start); }
 

@@ -22,7 +22,7 @@ void ChooseDay(QWidget& field, QDate day, std::function<void(QDate)> taken) {
   QObject::connect(calendar, &QCalendarWidget::clicked, popup, take);
   QObject::connect(calendar, &QCalendarWidget::activated, popup, take);
   popup->popup(field.mapToGlobal(QPoint(0, field.height())));
-  calendar->setFocus();
+  calendar->setFocus(Qt::PopupFocusReason);  // for any other the field would end its edit
 }
 
 }  // namespace zrqrybld
