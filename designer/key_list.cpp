@@ -71,6 +71,7 @@ std::vector<KeyRow> KeyRows() {
       {kSame, {MoveRowsUp, MoveRowsDown}, {}, text::DoesMoveColumn},
       {kSame, {}, {text::KeysRows, LongKeyTextOf(InsertRows), LongKeyTextOf(DeleteRows)}, text::DoesRows},
       {kSame, {OpenBuilder}, {}, text::DoesBuilder},
+      {kSame, {GoToQueryAtCaret}, {}, text::DoesOpenCellQuery},
       {kSame, {CopyCells, PasteCells}, {}, text::DoesCopyCells},
       {text::KeysSql, {ApplyText}, {}, text::DoesApply},
       {kSame, {Suggest}, {}, text::DoesSuggest},

@@ -60,6 +60,7 @@ class SchemaCache final : public SourceFacts {
   void ReadTables();
   void TakeKnownColumns();
   void TakeQueryTables();
+  void TakeOuterTables();
   TakenEntity& Taken(const Ref<qbEntity>& entity);
   void Read(Known& table);
   void ReadColumns(Known& table);
@@ -74,6 +75,7 @@ class SchemaCache final : public SourceFacts {
   std::vector<const TableFacts*> listed_;
   std::unordered_map<const qbEntity*, TakenEntity> entities_;
   std::vector<QueryTableFacts> queryTables_;
+  std::vector<std::unique_ptr<TableFacts>> outer_;  // of queries around
 };
 
 }  // namespace zrqrybld

@@ -49,7 +49,9 @@ std::string QueryFileWriter::Write() {
   }
   const std::vector<StoredQuery>& queries = hub_.QueriesNow().queries;
   hub_.VisitQuery(queries.front().id, [this](qbQueryBuilder& main) { text_ += QueryFileWriter(main).Sections(&hub_); });
-  for (std::size_t i = 1; i < queries.size(); ++i) WriteInner(queries[i]);
+  for (std::size_t i = 1; i < queries.size(); ++i) {
+    if (!hub_.QueriesNow().StandsInCell(queries[i].id)) WriteInner(queries[i]);  // the cell says it
+  }
   text_.resize(text_.size() - 2);
   return std::move(text_);
 }
