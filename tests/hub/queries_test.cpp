@@ -11,6 +11,7 @@
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/expression/schema_cache.h"
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/hub/hub.h"
 #include "zrqrybld/hub/statement_loader.h"
@@ -356,6 +357,28 @@ TEST_F(CellQueries, FollowARenamedQueryAndALostCell) {
   hub->Undo();
   hub->Queries()->Item(1)->Open();
   EXPECT_EQ(Cell(2, "criteria"), "IN (SELECT c FROM r)");
+}
+
+TEST_F(CellQueries, KnowTheNamesOfTheQueriesAround) {
+  Parse("SELECT Name FROM Customers WHERE CustomerID IN (SELECT OrderID FROM Orders)");
+  hub->Queries()->OpenInCell(2, "criteria");
+  std::string tables;
+  hub->Schema()->Refresh();
+  for (const QueryTableFacts& table : hub->Schema()->QueryTables()) {
+    tables += table.qualifier + (table.outer ? " outer " : " ") + std::to_string(table.facts->columns.size()) + ", ";
+  }
+  EXPECT_EQ(tables, "Orders 3, Customers outer 2, ");
+  const auto type = [&](const std::string& text) {
+    const Ref<zrGrid> cells = grid->Grid();
+    cells->GotoRowCol(1, "criteria");
+    cells->EditCell();
+    static_cast<HeadlessSurface&>(cells->GetSurface()).FocusedEditor()->Type(text);
+    cells->CommitEdit();
+    return Cell(1, "criteria") + " " + grid->Grid()->Rows()->Item(1)->Hint("criteria");
+  };
+  EXPECT_EQ(type("= Customers.Name"), "= Customers.Name ");
+  EXPECT_EQ(type("> Name"), "> Name ");
+  EXPECT_EQ(type("= Customers.Nme"), "= Customers.Nme This is no number, nor a column of the query. (character 3)");
 }
 
 }  // namespace
