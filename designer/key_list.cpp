@@ -72,6 +72,7 @@ std::vector<KeyRow> KeyRows() {
       {kSame, {}, {text::KeysRows, LongKeyTextOf(InsertRows), LongKeyTextOf(DeleteRows)}, text::DoesRows},
       {kSame, {ShowConditions}, {}, text::DoesConditions},
       {kSame, {OpenBuilder}, {}, text::DoesBuilder},
+      {kSame, {GoToQueryAtCaret}, {}, text::DoesOpenCellQuery},
       {kSame, {CopyCells, PasteCells}, {}, text::DoesCopyCells},
       {text::KeysSql, {ApplyText}, {}, text::DoesApply},
       {kSame, {Suggest}, {}, text::DoesSuggest},

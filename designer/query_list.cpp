@@ -32,6 +32,8 @@ QString PlaceOf(const StoredQuery& query) {
       return QStringLiteral("FROM");
     case QueryCommonTable:
       return QStringLiteral("WITH");
+    case QueryInCell:
+      return QStringLiteral("(…)");
     case QueryMember:
       return ToQString(std::string(NameOf(query.combined)));
   }

@@ -11,6 +11,8 @@
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/grid/grid_columns.h"
+#include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/hub/hub.h"
 #include "zrqrybld/hub/query_set.h"
 #include "zrqrybld/hub/query_titles.h"
@@ -165,6 +167,39 @@ TEST_F(QueryWindow, AQueryInFromAndAUnionAreBuiltAndTakenBack) {
   EXPECT_EQ(Hub().QueriesNow().queries.size(), 3U);
   window.Document().Reset();
   EXPECT_EQ(Said() + TreeSaid(), "") << "an empty query is one";
+}
+
+TEST_F(QueryWindow, AQueryInACriterionIsOpenedChangedAndLeft) {
+  window.BeginSession();
+  OpenSampleWith({"Customers"});
+  window.TickColumn("Customers.CompanyName");
+  window.TickColumn("Customers.CustomerID");
+  const Ref<zrGrid> grid = Hub().GridPane()->Grid();
+  QAbstractScrollArea& view = Designer().GridView();
+  grid->Rows()->Item(2)->SetValue(
+      static_cast<std::int32_t>(kColumnCriteria),
+      std::string("IN (SELECT CustomerID FROM \"Order\" WHERE Freight > 5 AND CustomerID = Customers.CustomerID)"));
+  grid->GotoRowCol(2, kColumnCriteria);
+  QApplication::processEvents();
+  KeepPictures("cell");
+  view.setFocus();
+  QTest::keyClick(&view, Qt::Key_F12);
+  ASSERT_EQ(Shown(), "Subquery of CustomerID");
+  EXPECT_EQ(Said(), "Main Query ▸ Subquery of CustomerID ");
+  EXPECT_EQ(Bar().findChild<QLabel*>()->text(), "uses Customers of the outer query");
+  window.TickColumn("Order.Freight");
+  EXPECT_NE(Flat().find("IN (SELECT \"Order\".CustomerID, \"Order\".Freight FROM"), std::string::npos) << Flat();
+  KeepPictures("in-cell");
+  QTest::keyClick(&view, Qt::Key_Left, Qt::AltModifier);
+  EXPECT_EQ(Shown(), "Main Query");
+  EXPECT_EQ(Grid().Row(), 2);
+  EXPECT_EQ(Grid().Column(), kColumnCriteria);
+  // The button at the end of the cell, also of one that is not current.
+  grid->GotoRowCol(1, kColumnColumn);
+  const PixelRect cell = grid->GetRowColumnXY(2, kColumnCriteria);
+  QTest::mouseClick(view.viewport(), Qt::LeftButton, {},
+                    QPoint(int(cell.Right().Value()) - 10, int(cell.CenterY().Value())));
+  EXPECT_EQ(Shown(), "Subquery of CustomerID");
 }
 
 }  // namespace

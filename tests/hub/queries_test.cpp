@@ -2,19 +2,24 @@
 #include "zrqrybld/hub/queries.h"
 
 #include <algorithm>
+#include <sstream>
 
 #include "tests/data_table.h"
 #include "tests/error_of.h"
 #include "tests/hub_fixture.h"
 #include "tests/link_panes.h"
+#include "zrqrybld/base/text.h"
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/expression/schema_cache.h"
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/hub/hub.h"
 #include "zrqrybld/hub/statement_loader.h"
 #include "zrqrybld/platform/headless.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/outer_queries.h"
 #include "zrqrybld/sql/sql_pane.h"
+#include "zrqrybld/sql/statement_printer.h"
 
 namespace zrqrybld {
 namespace {
@@ -32,7 +37,7 @@ class QueriesTest : public test::HubTest {
     for (const Ref<qbQuery>& query : *hub.Queries()) {
       text += (text.empty() ? "" : ", ") + nameOf(*query);
       if (query->Kind() == QueryMain) continue;
-      const char* const kinds[] = {"", ":from ", ":with ", ":member "};
+      const char* const kinds[] = {"", ":from ", ":with ", ":member ", ":cell "};
       text += kinds[query->Kind()] + nameOf(*query->Parent());
     }
     return text;
@@ -229,6 +234,151 @@ TEST_F(ThreeQueries, AreDesignedFromNothing) {
   sql->Refresh();
   EXPECT_EQ(sql->SQLStatement(), "") << "Access has no EXCEPT";
   EXPECT_EQ(sql->Diagnostics().back().kind, DiagnosticQueryNotWritten);
+}
+
+// --- Queries in cells ---
+
+class CellQueries : public QueriesTest {
+ protected:
+  void Parse(const std::string& statement, const std::string& dialect = "PostgreSQL") {
+    sql->SetSQLSyntax(FindDialect(dialect)->syntax);
+    hub->Queries()->Item(1)->Open();
+    sql->ParseSQLStatement(statement);
+  }
+  std::string OnLine(const std::string& text) const { return std::string(TrimWhite(OnOneLine(text))); }
+};
+
+TEST_F(CellQueries, AreShownAsDesigns) {
+  for (const test::Row& row : test::ReadRows("cell_queries.txt")) {
+    SCOPED_TRACE(row.place);
+    const bool isCell = !StartsWithNoCase(row[1], "SELECT") && !StartsWithNoCase(row[1], "WITH");
+    Parse(isCell ? "SELECT a.CustomerID FROM Customers a, Customers b" : row[1], row[0]);
+    if (isCell) Set(1, "criteria", row[1]);
+    const std::string statement = sql->SQLStatement();
+    const std::string file = hub->SaveQueryToText();
+    std::istringstream cell(row[2]);
+    std::int32_t at = 0, number = 0;
+    std::string column;
+    cell >> at >> column >> number;
+    try {
+      const Ref<qbQuery> query = hub->Queries()->OpenInCell(at, column, number);
+      EXPECT_EQ(query->Kind(), QueryInCell);
+      EXPECT_EQ(Captions(), row[3]);
+      std::string named;
+      for (const std::string& table : OuterTablesNamed(hub->Snapshot())) named += (named.empty() ? "" : " ") + table;
+      EXPECT_EQ(named, row[4]);
+      EXPECT_EQ(OnLine(query->SQLStatement()), row[5]);
+      EXPECT_EQ(hub->SaveQueryToText(), file);
+    } catch (const Error& error) {
+      EXPECT_EQ("! " + error.Cause().English(), row[3]);
+    }
+    EXPECT_EQ(sql->SQLStatement(), statement) << "showing changes nothing";
+    EXPECT_FALSE(hub->CanRedo());
+    for (int i = 0; i < 4 && hub->Queries()->Current()->Kind() != QueryMain; ++i)
+      hub->Queries()->Current()->Parent()->Open();
+    EXPECT_EQ(sql->SQLStatement(), statement);
+    EXPECT_EQ(Tree().find(":cell"), std::string::npos) << "who leaves it leaves the text";
+  }
+}
+
+TEST_F(CellQueries, WhatIsChangedIsWrittenIntoTheCellAndUndone) {
+  const std::string typed = "SELECT Name FROM Customers WHERE CustomerID IN (select CustomerID from Orders)";
+  Parse(typed);
+  const std::string cell = Cell(2, "criteria");
+  const std::string before = sql->SQLStatement();
+  const std::string undoes = hub->UndoText();
+  hub->Queries()->OpenInCell(2, "criteria");
+  EXPECT_EQ(hub->UndoText(), undoes) << "showing is no step";
+  Set(2, "column", "Orders.Total");
+  Set(2, "criteria", "> 5");
+  hub->Queries()->Item(1)->Open();
+  EXPECT_EQ(Cell(2, "criteria"), "IN (SELECT Orders.CustomerID FROM Orders WHERE ((Orders.Total > 5)))");
+  const std::string after = sql->SQLStatement();
+  EXPECT_TRUE(hub->Undo());
+  EXPECT_EQ(hub->Queries()->Current()->Kind(), QueryInCell) << "a step is undone where it was made";
+  while (hub->UndoText() != undoes && hub->Undo()) {
+  }
+  hub->Queries()->Item(1)->Open();
+  EXPECT_EQ(sql->SQLStatement(), before);
+  EXPECT_EQ(Cell(2, "criteria"), cell) << "every character as it was typed";
+  while (hub->Redo()) {
+  }
+  hub->Queries()->Item(1)->Open();
+  EXPECT_EQ(sql->SQLStatement(), after);
+}
+
+TEST_F(CellQueries, AreMadeNestedAndShownAgainWhereTheyStood) {
+  Parse("SELECT Name, CustomerID FROM Customers");
+  const std::string before = sql->SQLStatement();
+  EXPECT_EQ(test::ErrorOf([&] { hub->Queries()->AddInCell(3, "criteria"); }), ErrorNoSuchItem);
+  EXPECT_EQ(test::ErrorOf([&] { hub->Queries()->AddInCell(1, "alias"); }), ErrorNoSuchItem);
+  const Ref<qbQuery> query = hub->Queries()->AddInCell(2, "criteria");
+  EXPECT_EQ(sql->SQLStatement(), before) << "it says nothing yet";
+  hub->AddTable("Orders");
+  EXPECT_EQ(sql->SQLStatement(), before) << "and nothing that a server would take";
+  Tick("Orders", "CustomerID");
+  Set(2, "column", "Orders.Total");
+  Set(2, "criteria",
+      "= (SELECT MAX(Total) FROM Orders o WHERE o.CustomerID = Customers.CustomerID AND o.OrderID < Orders.OrderID)");
+  diagram->Entities()->Item("Orders")->SetLeft(4000);
+  hub->Queries()->OpenInCell(2, "criteria");
+  EXPECT_EQ(Tree(), "main, member:cell main, member:cell member");
+  EXPECT_EQ(OuterTablesNamed(hub->Snapshot()), (std::vector<std::string>{"Customers", "Orders"}));
+  Set(2, "output", true);
+  const std::string whole = "IN (SELECT Orders.CustomerID FROM Orders WHERE ((Orders.Total = (";
+  EXPECT_EQ(test::ErrorOf([&] { query->Remove(); }), ErrorInvalidPropertyValue);
+  EXPECT_EQ(test::ErrorOf([&] { query->SetKind(QueryCommonTable); }), ErrorInvalidPropertyValue);
+  EXPECT_EQ(test::ErrorOf([&] { query->SetName("q"); }), ErrorInvalidPropertyValue);
+  hub->Queries()->Item(1)->Open();
+  EXPECT_EQ(test::ErrorOf([&] { query->Open(); }), ErrorObjectRemoved) << "the cell's text is left of it";
+  EXPECT_EQ(Cell(2, "criteria").substr(0, whole.size()), whole);
+  hub->Queries()->OpenInCell(2, "criteria");
+  EXPECT_EQ(diagram->Entities()->Item("Orders")->Left(), 4000) << "its boxes stand where they stood";
+  diagram->Clear();
+  EXPECT_EQ(sql->Remarks(), std::vector<std::string>{"This query cannot be written now: the cell keeps what it had."});
+  sql->ParseSQLStatement("SELECT Total FROM Orders");
+  EXPECT_EQ(Tree(), "main") << "a typed statement is that of all queries";
+  int steps = 0;
+  for (; hub->CanUndo() && sql->SQLStatement() != before; ++steps) hub->Undo();
+  EXPECT_EQ(sql->SQLStatement(), before);
+  for (; steps > 0; --steps) hub->Redo();
+  EXPECT_EQ(Written(), "SELECT Orders.Total FROM Orders");
+}
+
+TEST_F(CellQueries, FollowARenamedQueryAndALostCell) {
+  Parse(
+      "WITH r AS (SELECT CustomerID c FROM Orders) SELECT Name FROM Customers WHERE CustomerID IN (SELECT c FROM r) OR "
+      "CustomerID IN (SELECT r.c FROM r)");
+  hub->Queries()->OpenInCell(2, "criteria");
+  hub->Queries()->Item("r")->SetName("s");
+  EXPECT_EQ(Tree(), "main, s:with main, member:cell main");
+  hub->Queries()->Item(1)->Open();
+  EXPECT_EQ(Cell(2, "criteria"), "IN (SELECT s.c FROM s)");
+  hub->Undo();
+  hub->Queries()->Item(1)->Open();
+  EXPECT_EQ(Cell(2, "criteria"), "IN (SELECT c FROM r)");
+}
+
+TEST_F(CellQueries, KnowTheNamesOfTheQueriesAround) {
+  Parse("SELECT Name FROM Customers WHERE CustomerID IN (SELECT OrderID FROM Orders)");
+  hub->Queries()->OpenInCell(2, "criteria");
+  std::string tables;
+  hub->Schema()->Refresh();
+  for (const QueryTableFacts& table : hub->Schema()->QueryTables()) {
+    tables += table.qualifier + (table.outer ? " outer " : " ") + std::to_string(table.facts->columns.size()) + ", ";
+  }
+  EXPECT_EQ(tables, "Orders 3, Customers outer 2, ");
+  const auto type = [&](const std::string& text) {
+    const Ref<zrGrid> cells = grid->Grid();
+    cells->GotoRowCol(1, "criteria");
+    cells->EditCell();
+    static_cast<HeadlessSurface&>(cells->GetSurface()).FocusedEditor()->Type(text);
+    cells->CommitEdit();
+    return Cell(1, "criteria") + " " + grid->Grid()->Rows()->Item(1)->Hint("criteria");
+  };
+  EXPECT_EQ(type("= Customers.Name"), "= Customers.Name ");
+  EXPECT_EQ(type("> Name"), "> Name ");
+  EXPECT_EQ(type("= Customers.Nme"), "= Customers.Nme This is no number, nor a column of the query. (character 3)");
 }
 
 }  // namespace

@@ -150,6 +150,9 @@ constexpr Named<Act> kTriggers[] = {
     DO("query in FROM", s.hub->Queries()->Add(QueryDerivedTable)->Open(); s.hub->AddTable("Staff");
        s.Item(1, 2)->SetChecked(true); s.hub->Queries()->Item(1)->Open(); s.hub->Queries()->Item(2)->SetName("other");
        s.hub->Queries()->Item(2)->Remove()),
+    DO("query in a cell", s.Rows()->Item(1)->SetValue("criteria", "IN (SELECT StaffID FROM Staff, Orders o)");
+       s.hub->Queries()->OpenInCell(1, "criteria"); s.Item(1, 2)->SetChecked(true); s.Table(1)->SetCaption("t");
+       s.hub->Undo(); s.hub->Queries()->Item(1)->Open(); s.hub->Queries()->AddInCell(2, "criteria")),
     DO("load", s.hub->LoadQuery(s.saved, true)),
     DO("save", s.hub->SaveQueryToText()),
     DO("undo and redo", s.hub->Undo(); s.hub->Redo()),
@@ -190,6 +193,8 @@ constexpr Named<Act> kActions[] = {
     DO("join", s.Table(1)->Relationships()->Add(s.Last())->SetSourceItemIndex(2)),
     DO("remove joins", s.Table(1)->Relationships()->Clear()),
     DO("add a query", s.hub->Queries()->Add(QueryCommonTable)),
+    DO("show a query in a cell", s.Rows()->Item(1)->SetValue("criteria", "IN (SELECT Boss FROM Staff)");
+       s.hub->Queries()->OpenInCell(1, "criteria")),
     DO("show a query", s.hub->Queries()->Item(s.hub->Queries()->Count())->Open()),
     DO("remove a query", s.hub->Queries()->Item(s.hub->Queries()->Count())->Remove()),
     DO("clear rows", s.Rows()->Clear()),

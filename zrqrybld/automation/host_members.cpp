@@ -135,6 +135,8 @@ constexpr Member kQueries[] = {
     ReadOnly<qbQueries, &qbQueries::Item>("Item", "Index"),
     Method<qbQueries, &qbQueries::Add>("Add", "Kind, [Name]"),
     ReadWrite<qbQueries, &qbQueries::Current, &qbQueries::SetCurrent>("Current"),
+    Method<qbQueries, &qbQueries::OpenInCell>("OpenInCell", "Row, Column, [Number]"),
+    Method<qbQueries, &qbQueries::AddInCell>("AddInCell", "Row, Column"),
 };
 
 constexpr Member kQuery[] = {

@@ -15,6 +15,7 @@
 #include "zrqrybld/platform/database.h"
 #include "zrqrybld/platform/schema_fields.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/outer_queries.h"
 #include "zrqrybld/sql/parameters.h"
 #include "zrqrybld/sql/query_snapshot.h"
 #include "zrqrybld/sql/source_rules.h"
@@ -226,6 +227,27 @@ void SchemaCache::TakeQueryTables() {
     const SqlText qualifier = ownName ? RenderQualified(WrittenName(*entity, rules), rules)
                                       : QuoteWhenNeeded(Identifier(entity->Caption()), rules);
     queryTables_.push_back({entity->Caption(), qualifier.Text(), &Taken(entity).facts});
+  }
+  TakeOuterTables();
+}
+
+// A table that is called as one nearer is cannot be named.
+void SchemaCache::TakeOuterTables() {
+  outer_.clear();
+  const std::shared_ptr<const OuterQueries> nearest = context_.design.Outer();
+  const NameRules rules = CurrentNameRules(context_);
+  for (const OuterQueries* query = nearest.get(); query; query = query->Around()) {
+    for (std::size_t i = 0; i < query->Tables().size(); ++i) {
+      const SnapshotTable& table = query->Tables()[i];
+      const std::string& caption = table.caption.Name();
+      const auto isCalledSo = [&](const QueryTableFacts& known) { return EqualsNoCase(known.caption, caption); };
+      if (std::ranges::any_of(queryTables_, isCalledSo)) continue;
+      TableFacts& facts = *outer_.emplace_back(std::make_unique<TableFacts>());
+      facts.name = table.name.empty() ? caption : table.name.back().Name();
+      facts.folded = FoldCase(facts.name);
+      for (const std::string& column : query->ColumnsOf(i)) facts.columns.push_back(MakeColumn(column, {}));
+      queryTables_.push_back({caption, TableTerm(table, rules).Text(), &facts, true});
+    }
   }
 }
 

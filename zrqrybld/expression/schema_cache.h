@@ -65,6 +65,7 @@ class SchemaCache final : public SourceFacts {
   void ReadTables();
   void TakeKnownColumns();
   void TakeQueryTables();
+  void TakeOuterTables();
   TakenEntity& Taken(const Ref<qbEntity>& entity);
   void Read(Known& table);
   void ReadColumns(Known& table);
@@ -80,6 +81,7 @@ class SchemaCache final : public SourceFacts {
   std::unordered_map<const qbEntity*, TakenEntity> entities_;
   std::vector<QueryTableFacts> queryTables_;
   std::vector<std::string> recent_;
+  std::vector<std::unique_ptr<TableFacts>> outer_;  // of queries around
 };
 
 }  // namespace zrqrybld

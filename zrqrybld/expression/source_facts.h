@@ -41,6 +41,7 @@ struct QueryTableFacts {
   std::string caption;
   std::string qualifier;  ///< as SQL text: what its columns are qualified with
   const TableFacts* facts = nullptr;
+  bool outer = false;  ///< of a query around the designed one
 };
 
 /// What is known. The tables that it returns stay where they are; their columns until `Find` is asked for that table.
@@ -54,7 +55,7 @@ class SourceFacts {
   /// All tables and views of the source; of those that were never used the columns are not known.
   virtual const std::vector<const TableFacts*>& Tables() const = 0;
 
-  /// The tables of the designed query, with their columns.
+  /// The tables of the designed query, with their columns; behind them those of the queries around it.
   virtual const std::vector<QueryTableFacts>& QueryTables() const = 0;
 
   /// A table with its columns by the parts of its name, found without regard to case; nothing when there is none. Of

@@ -138,7 +138,7 @@ class Suggester {
     fromText_ = !tables_.empty();
     if (fromText_ && request_.kind == EditedText::Statement) return;
     for (const QueryTableFacts& table : request_.facts.QueryTables()) {
-      tables_.push_back({table.caption, table.qualifier, table.facts, fromText_});
+      tables_.push_back({table.caption, table.qualifier, table.facts, fromText_ || table.outer});
     }
   }
 

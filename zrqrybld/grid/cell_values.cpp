@@ -18,6 +18,7 @@
 #include "zrqrybld/platform/schema_fields.h"
 #include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/generator.h"
+#include "zrqrybld/sql/outer_queries.h"
 #include "zrqrybld/sql/source_rules.h"
 
 namespace zrqrybld {
@@ -127,7 +128,8 @@ CriteriaContext CriteriaRulesOf(const QueryContext& context, const FieldName& fi
   rules.aggregate = std::move(aggregate);
   rules.quotePrefix = names.quotePrefix;
   if (entities) {
-    rules.isColumn = [entities, names](const std::vector<std::string>& parts) {
+    rules.isColumn = [entities, names, outer = context.design.Outer()](const std::vector<std::string>& parts) {
+      if (outer && outer->HasColumn(parts)) return true;
       std::string text;
       for (const std::string& part : parts) text += (text.empty() ? "" : ".") + part;
       return FindQualifiedField(*entities, text, names) || FindOnlyField(*entities, text, names);

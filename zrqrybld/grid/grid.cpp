@@ -56,10 +56,21 @@ void zrGrid::SetHasCellButtons(bool has) {
   Redraw();
 }
 
-// At the right end of the current cell; nothing where there is none.
+void zrGrid::SetShortener(std::function<std::string(const std::string&)> shorten) {
+  shorten_ = std::move(shorten);
+  Redraw();
+}
+
+std::string zrGrid::ShortText(std::size_t row, std::size_t column) const {
+  return shorten_ && columns_->At(column).HasButton() ? shorten_(CellText(row, column)) : std::string();
+}
+
+// At the right end of the current cell, and of each that can be opened; nothing where there is none.
 PixelRect zrGrid::CellButton(std::size_t row, std::size_t column) const {
   constexpr Pixels kWidth = 22_px;
-  if (!options_.hasCellButtons || row == 0 || row != currentRow_ || column != currentColumn_) return {};
+  if (!options_.hasCellButtons || row == 0 || column == 0) return {};
+  const bool isCurrent = row == currentRow_ && column == currentColumn_;
+  if (!isCurrent && ShortText(row, column).empty()) return {};
   if (!columns_->At(column).HasButton() || rows_->At(row).Locked()) return {};
   const PixelRect cell = Layout().CellRect(row, column);
   return {cell.Right() - kWidth, cell.top, kWidth - 1_px, cell.height - 1_px};

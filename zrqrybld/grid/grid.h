@@ -88,6 +88,8 @@ class ZRQRYBLD_API zrGrid final : public Control, private ColumnOwner, private R
   Event<> ZoomWanted;
   /// The expression builder is asked for, by a cell's button or Ctrl+F2.
   Event<> BuilderWanted;
+  /// The user wants to see what stands in the current cell, where it has a short text.
+  Event<> OpenWanted;
   /// A context menu is asked for: what lies under the place, and the place in pixels.
   Event<const GridHit&, PixelPoint> MenuWanted;
 
@@ -111,6 +113,9 @@ class ZRQRYBLD_API zrGrid final : public Control, private ColumnOwner, private R
   bool RowKeysTakeCurrent() const { return options_.rowKeysTakeCurrent; }
   void SetRowKeysTakeCurrent(bool take) { options_.rowKeysTakeCurrent = take; }
   /// Whether the current cell of a column that `HasButton` shows it; False at first, not stored.
+  /// How a text that a cell has no room for is shown shorter, in columns with buttons; "" for one that is not. Cells
+  /// with such a text have a button that asks to open them.
+  void SetShortener(std::function<std::string(const std::string&)> shorten);
   bool HasCellButtons() const { return options_.hasCellButtons; }
   void SetHasCellButtons(bool has);
 
@@ -265,6 +270,9 @@ class ZRQRYBLD_API zrGrid final : public Control, private ColumnOwner, private R
   GridLayout Layout() const;
   std::vector<Pixels> ColumnWidths() const;
   PixelRect CellButton(std::size_t row, std::size_t column) const;
+  bool PressButton(const MouseEvent& event);
+  // "" for a text that is shown as it is.
+  std::string ShortText(std::size_t row, std::size_t column) const;
   void UpdateScrollBars();
   void Redraw();
   void MakeCurrent(std::size_t row, std::size_t column);
@@ -303,6 +311,7 @@ class ZRQRYBLD_API zrGrid final : public Control, private ColumnOwner, private R
   bool hasMoved_ = false;    // the current cell, and nobody was told yet
   bool customContextMenu_ = false;
   std::string emptyText_;
+  std::function<std::string(const std::string&)> shorten_;
   std::shared_ptr<const TextSource> texts_;
   std::size_t currentRow_ = 0;
   std::size_t currentColumn_ = 0;

@@ -97,6 +97,13 @@ bool zrGrid::EditKey(const KeyEvent& event) {
     (zooms ? ZoomWanted : BuilderWanted).Raise();
     return true;
   }
+  if (Asks(event, Command::GoToQueryAtCaret)) {
+    const Ref<Object> alive = shared_from_this();
+    CommitEdit();
+    const bool opens = currentRow_ != 0 && !ShortText(currentRow_, currentColumn_).empty();
+    if (opens) OpenWanted.Raise();
+    return opens;
+  }
   if (const bool next = Asks(event, Command::NextStop); next || Asks(event, Command::PreviousStop)) {
     CommitEdit();
     return MoveToNextCell(next ? 1 : -1);

@@ -40,6 +40,11 @@ bool GridKeys::CommandKey(const KeyEvent& event) const {
     grid_.BuilderWanted.Raise();
     return true;
   }
+  if (Asks(event, Command::GoToQueryAtCaret) && grid_.currentRow_ != 0 &&
+      !grid_.ShortText(grid_.currentRow_, grid_.currentColumn_).empty()) {
+    grid_.OpenWanted.Raise();
+    return true;
+  }
   if (Asks(event, Command::NextStop)) return grid_.MoveToNextCell(1);
   if (Asks(event, Command::PreviousStop)) return grid_.MoveToNextCell(-1);
   if (Asks(event, Command::CopyCells)) {

@@ -4,6 +4,7 @@
 #include "zrqrybld/base/texts_grid.h"
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/host/command_entry.h"
+#include "zrqrybld/host/query_context.h"
 #include "zrqrybld/host/source_context.h"
 #include "zrqrybld/platform/commands.h"
 #include "zrqrybld/platform/input.h"
@@ -84,6 +85,9 @@ void GridPaneMenu::AddCellEntries(Menu& menu) const {
   menu.push_back({Say(pane_.rows_.Context(), text::MenuClear), "", [*this] { ClearCell(); }, holdsText});
   if (column != kColumnColumn && column < kColumnCriteria) return;
   menu.push_back(MenuEntry::Separator());
+  if (linked) {
+    for (MenuEntry& entry : pane_.rows_.Context()->design.MenuOfCell(row, column)) menu.push_back(std::move(entry));
+  }
   menu.push_back(EntryFor(
       pane_.rows_.Context(), Command::OpenBuilder, [*this] { pane_.ShowExpressionBuilder(); }, linked));
   menu.push_back(EntryFor(

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "zrqrybld/base/texts_grid.h"
+#include "zrqrybld/base/texts_queries.h"
 #include "zrqrybld/grid/grid.h"
 #include "zrqrybld/platform/commands.h"
 #include "zrqrybld/platform/input.h"
@@ -23,11 +24,7 @@ std::size_t DropRowAt(const GridLayout& layout, PixelPoint point, std::size_t co
 }  // namespace
 
 void zrGrid::OnMouseDown(const MouseEvent& event) {
-  if (event.button == ButtonLeft && CellButton(currentRow_, currentColumn_).Contains(event.position)) {
-    CommitEdit();
-    BuilderWanted.Raise();
-    return;
-  }
+  if (PressButton(event)) return;
   if (editing_.OnMouseDown(event)) return;
   CommitEdit();  // a click elsewhere; what is under the pointer is looked up after it
   const GridHit hit = Layout().HitTest(event.position);
@@ -49,6 +46,25 @@ void zrGrid::OnMouseDown(const MouseEvent& event) {
       SelectRows(0, 0);
       return;
   }
+}
+
+// A button that opens the cell, or one of the current cell for the builder.
+bool zrGrid::PressButton(const MouseEvent& event) {
+  const auto isOn = [&](std::size_t row, std::size_t column) {
+    return event.button == ButtonLeft && CellButton(row, column).Contains(event.position);
+  };
+  const GridHit hit = Layout().HitTest(event.position);
+  const bool isOther = hit.part == GridPart::Cell && isOn(hit.row, hit.column);
+  if (!isOther && !isOn(currentRow_, currentColumn_)) return false;
+  const Ref<Object> alive = Alive();
+  CommitEdit();
+  if (isOther) {
+    MakeCurrent(hit.row, hit.column);
+    GetSurface().SetFocus();
+  }
+  if (currentRow_ == 0 || currentRow_ > static_cast<std::size_t>(rows_->Count())) return true;
+  (ShortText(currentRow_, currentColumn_).empty() ? BuilderWanted : OpenWanted).Raise();
+  return true;
 }
 
 void zrGrid::PressHeader(const GridHit& hit, const MouseEvent& event) {
@@ -234,11 +250,13 @@ void zrGrid::OnDrop(const std::string& text, const MouseEvent& event) {
 
 // Text that does not fit its cell is shown whole; what is wrong with it comes first.
 std::string zrGrid::ToolTipAt(PixelPoint point) const {
-  if (CellButton(currentRow_, currentColumn_).Contains(point)) {
-    return Say(text::DoesBuilder) + " (" + KeyTextOf(Command::OpenBuilder) + ")";
-  }
   const GridLayout layout = Layout();
   const GridHit hit = layout.HitTest(point);
+  if (hit.part == GridPart::Cell && CellButton(hit.row, hit.column).Contains(point)) {
+    const bool opens = !ShortText(hit.row, hit.column).empty();
+    const TextId does = opens ? text::OpensCellQuery : text::DoesBuilder;
+    return Say(does) + " (" + KeyTextOf(opens ? Command::GoToQueryAtCaret : Command::OpenBuilder) + ")";
+  }
   const auto unlessItFits = [&](const std::string& text, Pixels width) {
     return GetSurface().Metrics().TextWidth(text, options_.font) > width - kGridTextPadding * 2 ? text : std::string();
   };

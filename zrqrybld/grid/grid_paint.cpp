@@ -31,6 +31,8 @@ class GridPainter {
   void PaintColumnHeader(const PixelRect& rect, std::size_t column) const;
   void PaintCell(const PixelRect& rect, std::size_t row, std::size_t column) const;
   void PaintHint() const;
+  void PaintDots(const PixelRect& button, const Ink& ink) const;
+  void PaintOpenSign(const PixelRect& button, const Ink& ink) const;
 
   const zrGrid& grid_;
   Canvas& canvas_;
@@ -140,6 +142,8 @@ void GridPainter::PaintCell(const PixelRect& rect, std::size_t row, std::size_t 
   canvas_.FillRect({rect.Right() - 1_px, rect.top, 1_px, rect.height}, ColorRole::GridLine);
   canvas_.FillRect({rect.left, rect.Bottom() - 1_px, rect.width, 1_px}, ColorRole::GridLine);
   const PixelRect button = grid_.CellButton(row, column);
+  const std::string brief = button.Empty() ? std::string() : grid_.ShortText(row, column);
+  const bool opens = !brief.empty();
   if (grid_.columns_->At(column).Style() == GridColumnCheckBox) {
     const Variant& value = grid_.rows_->At(row).ValueAt(column);
     // Below the box of the header, where there is one.
@@ -150,8 +154,9 @@ void GridPainter::PaintCell(const PixelRect& rect, std::size_t row, std::size_t 
   } else {
     PixelRect text = rect.Inset(kGridTextPadding, {});
     if (!button.Empty()) text.width = std::max(button.left - text.left, 0_px);
-    canvas_.DrawText(text, grid_.CellText(row, column),
-                     {ink, grid_.options_.font, AlignmentOf(grid_.columns_->At(column))});
+    std::string shown = grid_.CellText(row, column);
+    if (opens && grid_.GetSurface().Metrics().TextWidth(shown, grid_.options_.font) > text.width) shown = brief;
+    canvas_.DrawText(text, shown, {ink, grid_.options_.font, AlignmentOf(grid_.columns_->At(column))});
   }
   if (!grid_.rows_->At(row).HintAt(column).empty()) {
     const PixelPoint corner{rect.Right() - 1_px, rect.top};
@@ -161,12 +166,23 @@ void GridPainter::PaintCell(const PixelRect& rect, std::size_t row, std::size_t 
   if (!button.Empty()) {
     canvas_.FillRect(button, fill);
     canvas_.StrokeRect(button.Inset(2_px, 3_px), ColorRole::GridLine, 1_px, 3_px);
-    for (const double dot : {-4.0, 0.0, 4.0}) {
-      canvas_.FillRect({button.CenterX() + Pixels(dot) - 1_px, button.CenterY() - 1_px, 2_px, 2_px}, ink);
-    }
+    opens ? PaintOpenSign(button, ink) : PaintDots(button, ink);
   }
   const bool active = grid_.focused_ || grid_.IsEditing();
   if (current) canvas_.StrokeRect(rect, active ? ColorRole::Focus : ColorRole::GridLine, active ? 2_px : 1_px);
+}
+
+void GridPainter::PaintDots(const PixelRect& button, const Ink& ink) const {
+  for (const double dot : {-4.0, 0.0, 4.0}) {
+    canvas_.FillRect({button.CenterX() + Pixels(dot) - 1_px, button.CenterY() - 1_px, 2_px, 2_px}, ink);
+  }
+}
+
+// A sheet within a sheet.
+void GridPainter::PaintOpenSign(const PixelRect& button, const Ink& ink) const {
+  const PixelRect outer{button.CenterX() - 6_px, button.CenterY() - 5_px, 11_px, 10_px};
+  canvas_.StrokeRect(outer, ink, 1_px);
+  canvas_.FillRect({outer.left + 4_px, outer.top + 4_px, 5_px, 4_px}, ink);
 }
 
 // --- The grid ---

@@ -13,6 +13,7 @@
 #include "zrqrybld/platform/dialogs.h"
 #include "zrqrybld/platform/stored_values.h"
 #include "zrqrybld/platform/toolkit.h"
+#include "zrqrybld/sql/inner_queries.h"
 
 namespace zrqrybld {
 namespace {
@@ -70,6 +71,7 @@ void qbGridPane::CreateColumns() {
   }
   grdPane_->Columns()->Item(kColumnOutput)->SetDisplayAttribute(kCheckedHeader);
   grdPane_->SetEmptyText(Phrase(text::GridEmpty).English());
+  grdPane_->SetShortener([](const std::string& text) { return ShortWithQueries(text); });
   grouping_.Show(true);
   ConnectGrid();
 }
@@ -114,6 +116,9 @@ void qbGridPane::ConnectGrid() {
   listen(grid.MenuWanted, [this](const GridHit& hit, PixelPoint at) { ShowMenu(hit, at); });
   listen(grid.ZoomWanted, [this] { ShowExpressionZoom(); });
   listen(grid.BuilderWanted, [this] { ShowExpressionBuilder(); });
+  listen(grid.OpenWanted, [this] {
+    if (const Ref<QueryContext> context = rows_.Context()) context->reports.OpenQueryInCell(Row(), Column());
+  });
   listen(grid.RowColChange, [this](std::int32_t row, std::int32_t column) { CurrentCellChanged(row, column); });
 }
 

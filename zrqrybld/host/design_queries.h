@@ -14,6 +14,7 @@
 
 namespace zrqrybld {
 
+class OuterQueries;
 class SchemaCache;
 class qbEntities;
 class qbQueryBuilder;
@@ -61,6 +62,10 @@ class ZRQRYBLD_API DesignQueries {
 
   /// What can be done with such a query; empty when there is none with this name. The entries outlive the designer.
   virtual Menu MenuOfQuery(const std::string& name) = 0;
+  /// What can be done with the queries in a cell of the grid; empty where there are none and none can be.
+  virtual Menu MenuOfCell(std::int32_t row, std::int32_t column) = 0;
+  /// What the shown query may name of those around it; nothing for one that stands alone.
+  virtual std::shared_ptr<const OuterQueries> Outer() const = 0;
   /// What makes new queries of the statement, and leaves the one shown.
   virtual Menu MenuOfNewQueries() = 0;
 

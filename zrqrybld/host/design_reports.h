@@ -52,6 +52,8 @@ class ZRQRYBLD_API DesignReports {
   virtual void GoToCriterion(const std::string& entityCaption, const std::string& column) = 0;
   /// Shows a query that the shown one can name like a table. False when there is none with this name.
   virtual bool OpenQuery(const std::string& name) = 0;
+  /// Shows the first query that stands in a cell of the grid. False when the cell holds none.
+  virtual bool OpenQueryInCell(std::int32_t row, std::int32_t column) = 0;
   /// Shows the query with the id. False when there is none.
   virtual bool ShowQuery(std::int32_t id) = 0;
   /// Shows the query that the shown one belongs to. False for the main query.

@@ -177,6 +177,18 @@ void History::RecordQueries(const StepLabel& label, QuerySet before, QuerySet af
   Show(std::move(now));
 }
 
+void History::Widen(QuerySet before, QuerySet after) {
+  Step& step = undo_.back();
+  step.entities = {};
+  step.rows = {};
+  step.options.reset();
+  step.cell.reset();
+  step.queries.emplace(std::move(before), std::move(after));
+  bytes_ -= step.bytes;
+  step.bytes = SizeOfStep(step);
+  bytes_ += step.bytes;
+}
+
 bool History::Record(const StepLabel& label, DesignChange change, std::optional<std::string> typed,
                      std::int32_t query) {
   Step step;

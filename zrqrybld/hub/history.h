@@ -98,6 +98,8 @@ class History {
   /// Notes a step that has changed more than the query that is shown, which is `now`.
   void RecordQueries(const StepLabel& label, QuerySet before, QuerySet after, Design now,
                      std::optional<std::string> typed = std::nullopt);
+  /// The step that was noted last has changed more than the query that is shown.
+  void Widen(QuerySet before, QuerySet after);
   /// Another query is shown: the design is this, and no step is noted.
   void Show(Design now);
   /// The tables and options have changed outside of any step: they are known as they are now, and no step is noted.

@@ -32,6 +32,7 @@ namespace zrqrybld {
 class BoxRow;
 class Connection;
 class History;
+class OuterQueries;
 class PropertyStore;
 class QueryFileReader;
 class SchemaCache;
@@ -61,6 +62,7 @@ struct Dialect;
 struct ExtraConditions;
 struct GeneratedQuery;
 struct InnerQueryInFile;
+struct QueryCell;
 struct QueryColumn;
 struct QuerySet;
 struct QuerySnapshot;
@@ -395,6 +397,12 @@ class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
   void VisitQuery(std::int32_t id, const std::function<void(qbQueryBuilder&)>& visit);
   /// Shows the query in the panes; no step. False when there is none with this id; error 5 while a step is going on.
   bool ShowQuery(std::int32_t id);
+  /// The same for a query in a cell of the grid, by row, column and number from 1: its id. See `qbQueries::OpenInCell`.
+  std::int32_t ShowQueryInCell(std::int32_t row, std::int32_t column, std::int32_t number);
+  /// Shows an empty one: its id. See `qbQueries::AddInCell`.
+  std::int32_t AddQueryInCell(std::int32_t row, std::int32_t column);
+  /// What the shown query may name of those around it; nothing for one that stands alone.
+  std::shared_ptr<const OuterQueries> Outer() const;
   /// Adds a query to the one that is shown: its id. It gets a name that is free.
   std::int32_t AddQuery(QueryKindEnum kind, const std::string& name);
   void RemoveQuery(std::int32_t id);
@@ -448,6 +456,19 @@ class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
   void PutIntoPanes(const StoredQuery& query);
   void TouchQueries();
   void SwitchTo(std::int32_t id);
+  std::shared_ptr<const OuterQueries> OuterOf(std::int32_t id) const;
+  std::string OnLine(std::int32_t id) const;
+  QuerySet QueriesKnown() const;
+  void AddRead(ReadQuery& read);
+  void RequireIdle() const;
+  void MakeIdle();
+  void LoadCell(std::int32_t id, ReadQuery& read);
+  std::int32_t ShowLeft(const QueryCell& cell);
+  std::int32_t Standing(std::int32_t id) const;
+  void WriteIntoCell(std::int32_t id);
+  void WriteIntoCells();
+  void LeaveCells();
+  void AddCells(GeneratedQuery& whole) const;
   void FollowQueries();
   void KnowShown(Design design);
   bool ShowsKnown() const;

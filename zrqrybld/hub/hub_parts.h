@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "zrqrybld/host/query_context.h"
 #include "zrqrybld/hub/history.h"
@@ -55,6 +56,10 @@ struct qbQueryBuilder::Parts {
       return parts_.hub->ColumnsOfQuery(name);
     }
     Menu MenuOfQuery(const std::string& name) override { return MenuOfQueryNamed(*parts_.hub, name); }
+    Menu MenuOfCell(std::int32_t row, std::int32_t column) override {
+      return MenuOfQueriesInCell(*parts_.hub, row, column);
+    }
+    std::shared_ptr<const OuterQueries> Outer() const override { return parts_.hub->Outer(); }
     Menu MenuOfNewQueries() override { return zrqrybld::MenuOfNewQueries(*parts_.hub); }
     std::optional<ColumnUse> UseOfColumn(const std::string& entityCaption, const std::string& column) const override {
       return parts_.hub->UseOfColumn(entityCaption, column);
@@ -97,6 +102,9 @@ struct qbQueryBuilder::Parts {
       parts_.hub->GoToCriterion(entityCaption, column);
     }
     bool OpenQuery(const std::string& name) override { return OpenQueryNamed(*parts_.hub, name); }
+    bool OpenQueryInCell(std::int32_t row, std::int32_t column) override {
+      return zrqrybld::OpenQueryInCell(*parts_.hub, row, column);
+    }
     bool ShowQuery(std::int32_t id) override { return parts_.hub->ShowQuery(id); }
     bool LeaveQuery() override { return zrqrybld::LeaveQuery(*parts_.hub); }
     void CureRemark(const SQLDiagnostic& remark) override { parts_.hub->CureRemark(remark); }
@@ -104,6 +112,12 @@ struct qbQueryBuilder::Parts {
 
    private:
     const Parts& parts_;
+  };
+
+  // A query that stood in a cell, and what belongs to it behind it, as the panes left it.
+  struct LeftQuery {
+    const Dialect* dialect = nullptr;  // in which its text was read
+    std::vector<StoredQuery> queries;
   };
 
   explicit Parts(std::shared_ptr<Toolkit> toolkit) : source(std::move(toolkit)) {}
@@ -115,6 +129,7 @@ struct qbQueryBuilder::Parts {
   Reports reports{*this};
   History history;
   QuerySet querySet;
+  std::vector<LeftQuery> left;             // the last ones, the latest at the end
   std::optional<QuerySet> querySetBefore;  // as they were when a step began that changes more than the one shown
 };
 

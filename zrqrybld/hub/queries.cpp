@@ -5,6 +5,7 @@
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_queries.h"
+#include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/hub/hub.h"
 #include "zrqrybld/hub/query_set.h"
 
@@ -102,6 +103,20 @@ Ref<qbQuery> qbQueries::Item(const Variant& index) const {
 Ref<qbQuery> qbQueries::Add(QueryKindEnum kind, const std::string& name) {
   if (!(kind > QueryMain && kind <= QueryMember)) throw Error(ErrorInvalidPropertyValue, text::QueryKeepsKind);
   return Of(Hub()->AddQuery(kind, name));
+}
+
+std::int32_t qbQueries::ColumnOf(const Variant& column) const {
+  const Ref<qbGridPane> grid = Hub()->GridPane();
+  if (!grid) ThrowNoSuchItem();
+  return grid->Grid()->Columns()->Item(column)->Index();
+}
+
+Ref<qbQuery> qbQueries::OpenInCell(std::int32_t row, const Variant& column, std::int32_t number) {
+  return Of(Hub()->ShowQueryInCell(row, ColumnOf(column), number));
+}
+
+Ref<qbQuery> qbQueries::AddInCell(std::int32_t row, const Variant& column) {
+  return Of(Hub()->AddQueryInCell(row, ColumnOf(column)));
 }
 
 Ref<qbQuery> qbQueries::Current() const { return Of(Hub()->QueriesNow().shown); }

@@ -30,7 +30,7 @@ class ZRQRYBLD_API qbQuery final : public Object {
   std::int32_t Id() const { return id_; }
 
   /// What it is to the one that it belongs to. A query in FROM can move to WITH, and back; anything else is error
-  /// 40005.
+  /// 40005. A query in a cell is one of the queries only while it is shown.
   QueryKindEnum Kind() const;
   void SetKind(QueryKindEnum kind);
 
@@ -53,7 +53,8 @@ class ZRQRYBLD_API qbQuery final : public Object {
   /// Shows it in the panes: no step. Error 5 while a step is going on.
   void Open();
 
-  /// Removes it with all that belongs to it and its boxes; a step. The main query stays: error 40005.
+  /// Removes it with all that belongs to it and its boxes; a step. The main query stays, and a query in a cell goes
+  /// with the cell's text: error 40005.
   void Remove();
 
  private:
@@ -86,6 +87,16 @@ class ZRQRYBLD_API qbQueries final : public Object {
   Ref<qbQuery> Current() const;
   void SetCurrent(const Ref<qbQuery>& query);
 
+  /// Shows a query that stands in a cell of the shown one's grid, as a criterion or an expression has it, by the row
+  /// and the column of the grid and its number in the cell, each from 1. It is one of the queries as long as it, or
+  /// what belongs to it, is shown; what is changed there is written into the cell at once. No step. Error 9 when the
+  /// cell holds no such query, 40002 for one that cannot be shown, 5 while a step is going on.
+  Ref<qbQuery> OpenInCell(std::int32_t row, const Variant& column, std::int32_t number = 1);
+  /// Shows an empty query for a criterion of the grid. It is written behind what the cell holds, in an empty one behind
+  /// IN, as soon as it says something. Errors as above; error 9 for a cell that is none of a criterion, or whose row
+  /// names no column.
+  Ref<qbQuery> AddInCell(std::int32_t row, const Variant& column);
+
   // --- For the model ---
 
   /// What stands for the query with this id; the same object as long as somebody holds it.
@@ -93,6 +104,7 @@ class ZRQRYBLD_API qbQueries final : public Object {
 
  private:
   Ref<qbQueryBuilder> Hub() const;
+  std::int32_t ColumnOf(const Variant& column) const;
 
   WeakRef<qbQueryBuilder> hub_;
   mutable std::unordered_map<std::int32_t, WeakRef<qbQuery>> known_;

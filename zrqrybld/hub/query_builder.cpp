@@ -429,6 +429,7 @@ QuerySnapshot qbQueryBuilder::Snapshot() const {
   snapshot.skip = options_.skipRecords;
   snapshot.criteria = CriteriaRules();
   snapshot.beginsCompound = parts_->querySet.BeginsCompound(parts_->querySet.shown);
+  snapshot.outer = Outer();
   return snapshot;
 }
 

@@ -106,13 +106,25 @@ void qbQueryBuilder::StepMade(const StepLabel& step, bool writes) {
   if (!writes || (sqlPane_ && sqlPane_->KeepsTyped())) typed.reset();
   try {
     if (diagramPane_) diagramPane_->PlaceAdded();
+    LeaveCells();
+    const QuerySet& set = parts_->querySet;
+    const bool isInCell = set.StandsInCell(set.shown);
+    std::optional<QuerySet> known;
+    if (isInCell && !parts_->querySetBefore) known = QueriesKnown();
     if (std::optional<QuerySet> before = std::exchange(parts_->querySetBefore, std::nullopt)) {
       StoreShown();
+      WriteIntoCells();
       parts_->history.RecordQueries(step, std::move(*before), parts_->querySet, *parts_->querySet.Shown().design,
                                     std::move(typed));
       historyChanged_ = true;
     } else {
-      historyChanged_ |= parts_->history.Record(step, CurrentChange(), std::move(typed), parts_->querySet.shown);
+      const bool isStep = parts_->history.Record(step, CurrentChange(), std::move(typed), set.shown);
+      historyChanged_ |= isStep;
+      if (known && isStep) {
+        StoreShown();
+        WriteIntoCells();
+        parts_->history.Widen(std::move(*known), set);
+      }
     }
     if (const Ref<qbEntities> entities = Entities()) entities->Remembered();
     if (gridPane_) gridPane_->Grid()->Rows()->Remembered();

@@ -60,7 +60,9 @@ class TreeMaker {
     }
     tree.query.names = shown_.names;
     tree.query.criteria = shown_.criteria;
-    for (const StoredQuery* inner : set_.InnerOf(stored.id)) tree.inner.push_back(Make(*inner));
+    for (const StoredQuery* inner : set_.InnerOf(stored.id)) {
+      if (inner->kind != QueryInCell) tree.inner.push_back(Make(*inner));  // the cell says it
+    }
     return tree;
   }
 
@@ -108,7 +110,38 @@ std::string qbQueryBuilder::StatementOf(std::int32_t id) const {
 std::optional<GeneratedQuery> qbQueryBuilder::WholeStatement(const ExtraConditions& extra) const {
   const QuerySet& set = parts_->querySet;
   if (set.IsSingle()) return std::nullopt;
-  return GenerateQuery(TreeOf(set.queries.front().id), CurrentDialect(), set.shown, extra);
+  GeneratedQuery whole = GenerateQuery(TreeOf(set.queries.front().id), CurrentDialect(), set.shown, extra);
+  if (set.StandsInCell(set.shown)) AddCells(whole);
+  return whole;
+}
+
+namespace {
+
+// The first place of the text in that of the query around it.
+std::optional<QueryPart> PartOf(const StoredQuery& query, const GeneratedQuery& whole) {
+  const auto outer = std::ranges::find(whole.parts, query.parent, &QueryPart::id);
+  if (outer == whole.parts.end() || query.cell.text.empty()) return std::nullopt;
+  const std::size_t at = std::string_view(whole.text).substr(0, outer->end).find(query.cell.text, outer->begin);
+  if (at == std::string::npos) return std::nullopt;
+  return QueryPart{query.id, at, at + query.cell.text.size()};
+}
+
+}  // namespace
+
+// The queries in cells from the outermost to the one that is shown, or that it belongs to: where they stand, and why
+// the last one cannot be written.
+void qbQueryBuilder::AddCells(GeneratedQuery& whole) const {
+  const QuerySet& set = parts_->querySet;
+  for (const StoredQuery& query : set.queries) {
+    if (query.kind != QueryInCell) continue;
+    if (const std::optional<QueryPart> part = PartOf(query, whole)) whole.parts.push_back(*part);
+    GeneratedQuery own = GenerateQuery(TreeOf(query.id), CurrentDialect(), set.shown);
+    for (QueryFault& fault : own.faults) {
+      fault.stops = false;
+      whole.faults.push_back(std::move(fault));
+    }
+    if (OnLine(query.id).empty()) whole.faults.push_back({query.id, text::CellKeepsText, false});
+  }
 }
 
 // --- Which one the panes show ---
@@ -158,10 +191,7 @@ void qbQueryBuilder::PutIntoPanes(const StoredQuery& query) {
 
 void qbQueryBuilder::TouchQueries() {
   if (parts_->querySetBefore || travelling_) return;
-  QuerySet before = parts_->querySet;
-  StoredQuery& shown = *before.Find(before.shown);
-  shown.design = std::make_shared<const Design>(parts_->history.Known());
-  parts_->querySetBefore = std::move(before);
+  parts_->querySetBefore = QueriesKnown();
 }
 
 void qbQueryBuilder::SwitchTo(std::int32_t id) {
@@ -170,6 +200,8 @@ void qbQueryBuilder::SwitchTo(std::int32_t id) {
   if (steps.InStep()) TouchQueries();
   const StepScope step(RefTo(*this), kStepShowQuery);
   StoreShown();
+  if (!travelling_) WriteIntoCells();  // otherwise what stands there is not complete
+  id = Standing(id);
   set.shown = id;
   PutIntoPanes(*set.Find(id));
   FollowQueries();
@@ -214,15 +246,24 @@ void qbQueryBuilder::KnowShown(Design taken) {
   if (gridPane_) gridPane_->Grid()->Rows()->Remembered();
 }
 
-bool qbQueryBuilder::ShowQuery(std::int32_t id) {
-  if (!parts_->querySet.Find(id)) return false;
+void qbQueryBuilder::RequireIdle() const {
   if (steps.InStep() || travelling_ || (state() != InfoDone && state() != InfoParsingSQL)) {
     throw Error(ErrorInvalidCall, text::QueryInUse);
   }
-  const Ref<Object> alive = shared_from_this();  // a listener may let go of it
+}
+
+// What was begun ends before the panes show another query.
+void qbQueryBuilder::MakeIdle() {
   SetState(InfoDone);
   if (gridPane_) gridPane_->Grid()->CommitEdit();
   EndStepless();
+}
+
+bool qbQueryBuilder::ShowQuery(std::int32_t id) {
+  if (!parts_->querySet.Find(id)) return false;
+  RequireIdle();
+  const Ref<Object> alive = shared_from_this();  // a listener may let go of it
+  MakeIdle();
   SwitchTo(id);
   return true;
 }
@@ -281,6 +322,7 @@ void qbQueryBuilder::RemoveQuery(std::int32_t id) {
   QuerySet& set = parts_->querySet;
   const StoredQuery* query = set.Find(id);
   if (!query || query->kind == QueryMain) return;
+  if (query->kind == QueryInCell) throw Error(ErrorInvalidPropertyValue, text::CellQueryStays);
   const std::string name = query->name;
   const std::int32_t parent = query->parent;
   const StepScope step(RefTo(*this), kStepRemoveQuery, name);
@@ -307,9 +349,7 @@ void qbQueryBuilder::RenameQuery(std::int32_t id, const std::string& name) {
   QuerySet& set = parts_->querySet;
   const StoredQuery* query = set.Find(id);
   if (query && query->name == name) return;
-  if (!query || query->kind == QueryMain || query->kind == QueryMember) {
-    throw Error(ErrorInvalidPropertyValue, text::QueryKeepsKind);
-  }
+  if (!query || !HasName(query->kind)) throw Error(ErrorInvalidPropertyValue, text::QueryKeepsKind);
   if (Trim(name).empty()) throw Error(ErrorInvalidPropertyValue, text::QueryNeedsName);
   const StoredQuery* other = set.FindNamed(query->parent, name);
   if (other && other->id != id) throw Error(ErrorInvalidPropertyValue, {text::QueryNameTaken, name});
@@ -321,6 +361,7 @@ void qbQueryBuilder::RenameQuery(std::int32_t id, const std::string& name) {
   for (const StoredQuery& each : set.queries) {
     if (set.FindNamed(each.id, before) == query) naming.push_back(each.id);
   }
+  std::ranges::reverse(naming);  // what stands in a cell is written there before the cell is looked at
   for (const std::int32_t each : naming) {
     SwitchTo(each);
     if (!Entities()) break;
@@ -340,9 +381,8 @@ void qbQueryBuilder::RenameQuery(std::int32_t id, const std::string& name) {
 void qbQueryBuilder::SetQueryKind(std::int32_t id, QueryKindEnum kind) {
   RequireStill();
   StoredQuery* query = parts_->querySet.Find(id);
-  const bool isTable = kind == QueryDerivedTable || kind == QueryCommonTable;
   if (query && query->kind == kind) return;
-  if (!query || query->kind == QueryMain || query->kind == QueryMember || !isTable) {
+  if (!query || !HasName(query->kind) || !HasName(kind)) {
     throw Error(ErrorInvalidPropertyValue, text::QueryKeepsKind);
   }
   const StepScope step(RefTo(*this), kStepQueryKind, query->name);

@@ -53,7 +53,9 @@ std::string QueryFileWriter::Write() {
     writer.text_ = std::move(text_);
     text_ = writer.Sections(&hub_);
   });
-  for (std::size_t i = 1; i < queries.size(); ++i) WriteInner(queries[i]);
+  for (std::size_t i = 1; i < queries.size(); ++i) {
+    if (!hub_.QueriesNow().StandsInCell(queries[i].id)) WriteInner(queries[i]);  // the cell says it
+  }
   text_.resize(text_.size() - 2);
   return std::move(text_);
 }

@@ -8,11 +8,14 @@
 #include "zrqrybld/base/texts_queries.h"
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/grid/row_cells.h"
 #include "zrqrybld/host/command_entry.h"
 #include "zrqrybld/hub/hub.h"
 #include "zrqrybld/hub/query_set.h"
 #include "zrqrybld/platform/dialogs.h"
 #include "zrqrybld/platform/toolkit.h"
+#include "zrqrybld/sql/inner_queries.h"
 
 namespace zrqrybld {
 namespace {
@@ -59,7 +62,7 @@ Menu MenuOfQuery(qbQueryBuilder& hub, std::int32_t id) {
   if (!query) return {};
   Menu menu{EntryFor(hub.Hub(), Command::OpenInnerQuery,
                      OnQuery(hub, id, [id](qbQueryBuilder& now) { now.ShowQuery(id); }), hub.QueriesNow().shown != id)};
-  if (query->kind == QueryMain) return menu;
+  if (query->kind == QueryMain || query->kind == QueryInCell) return menu;
   if (query->kind != QueryMember) {
     menu.push_back(
         {hub.Say(text::MenuRenameQuery), "", OnQuery(hub, id, [id](qbQueryBuilder& now) { AskForName(now, id); })});
@@ -88,6 +91,46 @@ Menu MenuOfNewQueries(qbQueryBuilder& hub) {
   return menu;
 }
 
+namespace {
+
+// The cell's text; "" where there is no such cell, and where it holds no expression.
+std::string TextOfCell(const qbQueryBuilder& hub, std::int32_t row, std::int32_t column) {
+  const Ref<qbGridPane> grid = hub.GridPane();
+  const bool isThere = grid && row >= 1 && row <= grid->RowCount() && column <= grid->ColumnCount() &&
+                       (column == kColumnColumn || column >= kColumnCriteria);
+  return isThere
+             ? RowReader(grid->Grid()->Rows()->At(static_cast<std::size_t>(row))).Text(static_cast<std::size_t>(column))
+             : std::string();
+}
+
+}  // namespace
+
+Menu MenuOfQueriesInCell(qbQueryBuilder& hub, std::int32_t row, std::int32_t column) {
+  Menu menu;
+  const std::string cell = TextOfCell(hub, row, column);
+  const std::vector<InnerQueryPlace> places = InnerQueriesIn(cell);
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    const auto number = static_cast<std::int32_t>(i) + 1;
+    const std::string query = cell.substr(places[i].begin - 1, places[i].end - places[i].begin + 2);
+    const auto open = OnHub(hub, [=](qbQueryBuilder& now) { now.ShowQueryInCell(row, column, number); });
+    const Phrase name =
+        places.size() == 1 ? Phrase(text::MenuOpenQuery) : Phrase(text::OpenThisQuery, ShortWithQueries(query));
+    menu.push_back({hub.Say(name), i == 0 ? KeyTextOf(Command::GoToQueryAtCaret) : std::string(), open});
+  }
+  const bool isCriterion = column >= kColumnCriteria && !TextOfCell(hub, row, kColumnColumn).empty();
+  if (menu.empty() && isCriterion) {
+    menu.push_back({hub.Say(text::NewSubqueryItem), "",
+                    OnHub(hub, [=](qbQueryBuilder& now) { now.AddQueryInCell(row, column); })});
+  }
+  return menu;
+}
+
+bool OpenQueryInCell(qbQueryBuilder& hub, std::int32_t row, std::int32_t column) {
+  if (InnerQueriesIn(TextOfCell(hub, row, column)).empty()) return false;
+  hub.ShowQueryInCell(row, column, 1);
+  return true;
+}
+
 bool OpenQueryNamed(qbQueryBuilder& hub, const std::string& name) {
   const QuerySet& set = hub.QueriesNow();
   const StoredQuery* named = set.IsSingle() ? nullptr : set.FindNamed(set.shown, name);
@@ -95,8 +138,15 @@ bool OpenQueryNamed(qbQueryBuilder& hub, const std::string& name) {
 }
 
 bool LeaveQuery(qbQueryBuilder& hub) {
-  const StoredQuery& shown = hub.QueriesNow().Shown();
-  return shown.kind != QueryMain && hub.ShowQuery(shown.parent);
+  const StoredQuery shown = hub.QueriesNow().Shown();
+  const Ref<qbQueryBuilder> alive = hub.Hub();  // a listener may let go of it
+  if (shown.kind == QueryMain || !hub.ShowQuery(shown.parent)) return false;
+  const Ref<qbGridPane> grid = hub.GridPane();
+  const auto row = static_cast<std::int32_t>(shown.cell.row) + 1;
+  const auto column = static_cast<std::int32_t>(shown.cell.column);
+  const bool isThere = grid && column >= 1 && column <= grid->ColumnCount() && row <= grid->RowCount();
+  if (shown.kind == QueryInCell && isThere) grid->Grid()->GotoRowCol(row, column);
+  return true;
 }
 
 void AddInnerQuery(qbQueryBuilder& hub, QueryKindEnum kind) {

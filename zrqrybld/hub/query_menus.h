@@ -20,9 +20,14 @@ Menu MenuOfQueryNamed(qbQueryBuilder& hub, const std::string& name);
 /// What makes new queries, and leaves the one shown where it belongs to another.
 Menu MenuOfNewQueries(qbQueryBuilder& hub);
 
+/// What opens the queries in a cell of the shown query's grid, or puts the first one into it.
+Menu MenuOfQueriesInCell(qbQueryBuilder& hub, std::int32_t row, std::int32_t column);
+
+/// Shows the first query in the cell, by row and column from 1. False when there is none.
+bool OpenQueryInCell(qbQueryBuilder& hub, std::int32_t row, std::int32_t column);
 /// Shows the query that the shown one means by the name. False when there is none.
 bool OpenQueryNamed(qbQueryBuilder& hub, const std::string& name);
-/// Shows the query that the shown one belongs to. False for the main query.
+/// Shows the query that the shown one belongs to, and the cell that it stands in. False for the main query.
 ZRQRYBLD_API bool LeaveQuery(qbQueryBuilder& hub);
 /// Adds a query to the one shown, a step. A member is shown, the box of another one is selected.
 ZRQRYBLD_API void AddInnerQuery(qbQueryBuilder& hub, QueryKindEnum kind);

@@ -64,13 +64,17 @@ std::string QuerySet::FreeName(std::int32_t id, const std::string& wanted) const
 
 std::int32_t QuerySet::Add(StoredQuery query) {
   query.id = ++lastId;
+  Insert(std::move(query));
+  return lastId;
+}
+
+void QuerySet::Insert(StoredQuery query) {
   // Behind the last of the parent's, and what belongs to that.
   auto place = queries.end();
   for (auto it = queries.begin(); it != queries.end(); ++it) {
     if (IsWithin(it->id, query.parent)) place = it + 1;
   }
   queries.insert(place, std::move(query));
-  return lastId;
 }
 
 void QuerySet::Remove(std::int32_t id) {
@@ -86,6 +90,12 @@ bool QuerySet::IsWithin(std::int32_t id, std::int32_t other) const {
     if (query->id == other) return true;
   }
   return false;
+}
+
+bool QuerySet::StandsInCell(std::int32_t id) const {
+  const StoredQuery* query = Find(id);
+  while (query && query->kind != QueryMain && query->kind != QueryInCell) query = Find(query->parent);
+  return query && query->kind == QueryInCell;
 }
 
 }  // namespace zrqrybld

@@ -20,6 +20,17 @@ namespace zrqrybld {
 
 struct Design;
 
+/// Where a query stands in the grid of the one that it belongs to. The cell's text says what the query is; what is
+/// changed in its design is written there at once.
+struct QueryCell {
+  std::size_t row = 0;     ///< from 0
+  std::size_t column = 0;  ///< the grid's, from 1
+  std::size_t number = 0;  ///< of the queries in the cell, from 0
+  std::string text;        ///< the query as the cell has it; "" for one that the cell does not hold yet
+  std::string written;     ///< how its design was written when it said the same as the cell
+  std::string about;       ///< what the cell's row is about
+};
+
 /// One query. What stands in its last three is of the moment when the panes left it.
 struct StoredQuery {
   std::int32_t id = 0;      ///< stays as it is; 0 is the main query
@@ -28,6 +39,7 @@ struct StoredQuery {
   QueryOperatorEnum combined = QueryUnion;
   std::string name;
   std::vector<std::string> columnNames;  ///< of a common table; empty where they are those of its query
+  QueryCell cell;                        ///< of a query in a cell
   std::shared_ptr<const Design> design;
   std::shared_ptr<const QuerySnapshot> snapshot;
   std::shared_ptr<const std::vector<QueryColumn>> columns;
@@ -57,10 +69,14 @@ struct QuerySet {
   std::string FreeName(std::int32_t id, const std::string& wanted) const;
   /// Adds a query behind the others of its parent; its id.
   std::int32_t Add(StoredQuery query);
+  /// Adds one that has its id already.
+  void Insert(StoredQuery query);
   /// Removes the query with all that belongs to it.
   void Remove(std::int32_t id);
   /// Whether the query is the other, or belongs to it at any depth.
   bool IsWithin(std::int32_t id, std::int32_t other) const;
+  /// Whether the query stands in a cell, or belongs to one that does at any depth.
+  bool StandsInCell(std::int32_t id) const;
 };
 
 }  // namespace zrqrybld

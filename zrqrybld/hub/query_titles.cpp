@@ -13,6 +13,7 @@ Phrase TitleOf(const QuerySet& set, std::int32_t id) {
   const StoredQuery* query = set.Find(id);
   if (!query) return {};
   if (query->kind == QueryMain) return text::MainQueryTitle;
+  if (query->kind == QueryInCell) return {text::CellQueryTitle, query->cell.about};
   if (query->kind != QueryMember) return query->name;
   std::int32_t number = 1;
   for (const StoredQuery* inner : set.InnerOf(query->parent)) {

@@ -47,11 +47,17 @@ struct Part {
 
 class Reader {
  public:
-  Reader(qbQueryBuilder& hub, std::string_view whole) : hub_(hub), whole_(whole) {}
+  // Without surroundings the text is a statement.
+  Reader(qbQueryBuilder& hub, std::string_view whole, const QuerySurroundings* around)
+      : hub_(hub), whole_(whole), around_(around) {}
 
   ReadQuery Run() {
     const Part part{whole_, 0};
-    return Read(OutlineQuery(whole_, hub_.CurrentDialect()), part, {}, nullptr, false);
+    Scope around(nullptr);
+    if (around_) {
+      for (const auto& [name, columns] : around_->named) around.Add(name, columns);
+    }
+    return Read(OutlineQuery(whole_, hub_.CurrentDialect()), part, {}, &around, false);
   }
 
  private:
@@ -84,7 +90,8 @@ class Reader {
       inner.push_back(ReadNamed(named, part, common, outline.recursive));
     Scope own(&common);
     query.text = TextOfSelect(outline);
-    query.statement = InWhole(place, [&] { return std::make_unique<ReadStatement>(hub_, query.text); });
+    query.statement = InWhole(
+        place, [&] { return std::make_unique<ReadStatement>(hub_, query.text, around_ ? around_->outer : nullptr); });
     ReadDerived(*query.statement, place, common, own, inner);
     InWhole(place,
             [&] { query.statement->Bind(hub_, LookupIn(own), IsPlain(outline, inner), !outline.members.empty()); });
@@ -109,7 +116,7 @@ class Reader {
 
   // Only a statement of one SELECT takes over what the diagram shows: others do so when they are written.
   bool IsPlain(const QueryOutline& outline, const std::vector<std::unique_ptr<ReadQuery>>& inner) const {
-    return depth_ == 1 && outline.IsPlain() && inner.empty() && hub_.QueriesNow().IsSingle();
+    return !around_ && depth_ == 1 && outline.IsPlain() && inner.empty() && hub_.QueriesNow().IsSingle();
   }
 
   static QueryLookup LookupIn(const Scope& scope) {
@@ -168,6 +175,7 @@ class Reader {
 
   qbQueryBuilder& hub_;
   const std::string_view whole_;
+  const QuerySurroundings* const around_;
   int depth_ = 0;
   int count_ = 0;
 };
@@ -176,7 +184,12 @@ class Reader {
 
 ReadQueries::ReadQueries(qbQueryBuilder& hub, std::string_view typed) {
   const std::string whole = ReadableStatement(hub, typed);
-  main_ = Reader(hub, whole).Run();
+  main_ = Reader(hub, whole, nullptr).Run();
+}
+
+ReadQueries::ReadQueries(qbQueryBuilder& hub, std::string_view typed, const QuerySurroundings& around) {
+  const std::string whole = ReadableStatement(hub, typed);
+  main_ = Reader(hub, whole, &around).Run();
 }
 
 }  // namespace zrqrybld

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "zrqrybld/hub/query_set.h"
@@ -23,10 +24,20 @@ struct ReadQuery {
   std::vector<ReadQuery> inner;
 };
 
+/// What stands around a query that is read.
+struct QuerySurroundings {
+  /// The queries that it can name like tables.
+  std::vector<std::pair<std::string, std::vector<QueryColumn>>> named;
+  /// The queries whose columns it can name; nothing for a statement.
+  std::shared_ptr<const OuterQueries> outer;
+};
+
 class ReadQueries {
  public:
-  /// SyntaxError, with the place in the whole text, for what cannot be read.
+  /// Reads a statement. SyntaxError, with the place in the whole text, for what cannot be read.
   ReadQueries(qbQueryBuilder& hub, std::string_view typed);
+  /// Reads a query that stands within another one; errors as above.
+  ReadQueries(qbQueryBuilder& hub, std::string_view typed, const QuerySurroundings& around);
 
   ReadQuery& Main() { return main_; }
 

@@ -63,8 +63,10 @@ std::string ReadableStatement(const qbQueryBuilder& hub, std::string_view typed)
   return sql;
 }
 
-ReadStatement::ReadStatement(qbQueryBuilder& hub, std::string text)
-    : options_(OptionsOf(hub)), text_(std::move(text)), tree_(Parse()) {}
+ReadStatement::ReadStatement(qbQueryBuilder& hub, std::string text, std::shared_ptr<const OuterQueries> outer)
+    : options_(OptionsOf(hub)), text_(std::move(text)), tree_(Parse()) {
+  options_.outer = std::move(outer);
+}
 
 // Names in double quotes are written where the source has them; elsewhere such words are what they are to the source.
 ParseOptions ReadStatement::ReadBy() const {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -15,12 +16,13 @@
 
 namespace zrqrybld {
 
+class OuterQueries;
 class qbQueryBuilder;
 
 class ReadStatement {
  public:
-  /// Parses the text. SyntaxError when it cannot be read.
-  ReadStatement(qbQueryBuilder& hub, std::string text);
+  /// Parses the text, which may name columns of the queries around, too. SyntaxError when it cannot be read.
+  ReadStatement(qbQueryBuilder& hub, std::string text, std::shared_ptr<const OuterQueries> outer);
   ReadStatement(const ReadStatement&) = delete;
   ReadStatement& operator=(const ReadStatement&) = delete;
 

@@ -243,6 +243,10 @@ std::string WrittenAnew(const qbQueryBuilder& hub, const ReadQuery& main) {
 
 }  // namespace
 
+void RequireWritable(const qbQueryBuilder& hub, const ReadQuery& main) {
+  if (!main.inner.empty()) WrittenAnew(hub, main);
+}
+
 std::string MeaningOf(qbQueryBuilder& hub, std::string_view sql) {
   ReadQueries read(hub, sql);
   if (read.Main().inner.empty()) return GenerateSelect(read.Main().statement->Design(), hub.CurrentDialect()).text;
@@ -253,7 +257,7 @@ void qbQueryBuilder::LoadStatement(const std::string& sql) {
   WholeOrNothing(RefTo(*this), [&] {
     ReadQueries read(*this, sql);
     if (read.Main().inner.empty() && parts_->querySet.IsSingle()) return Write(*this, *read.Main().statement);
-    if (!read.Main().inner.empty()) WrittenAnew(*this, read.Main());
+    RequireWritable(*this, read.Main());
     LoadQueries(read.Main());
   });
 }
@@ -291,7 +295,7 @@ void qbQueryBuilder::LoadOneQuery(ReadQuery& read) {
   }
   SwitchTo(read.facts.id);
   if (parts_->querySet.shown != read.facts.id) return;  // a listener has removed it
-  ReadStatement statement(*this, read.text);
+  ReadStatement statement(*this, read.text, OuterOf(read.facts.id));
   statement.Bind(*this, QueriesOf(*this), true, parts_->querySet.BeginsCompound(read.facts.id));
   Write(*this, statement);
   for (ReadQuery& inner : read.inner) {

@@ -166,7 +166,8 @@ RowField CriteriaBinder::OperandField(const Expression& operand, bool groups) co
   if (e.kind == ExpressionKind::Column) {
     if (std::optional<RowField> column = fields_.ColumnOf(e)) return *column;
     const bool isText = e.text.starts_with('"');
-    if (!isText && !NameScope::IsPseudoColumn(e.name) && !isAlias(PlainName(e.text))) scope_.Require(e);
+    const bool isName = !isText && !NameScope::IsPseudoColumn(e.name) && !isAlias(PlainName(e.text));
+    if (isName && !scope_.MeansOuter(e)) scope_.Require(e);
   }
   return {std::nullopt, fields_.Written(operand), {}};
 }

@@ -16,6 +16,7 @@
 #include "zrqrybld/sql/expression_parser.h"
 #include "zrqrybld/sql/from_binder.h"
 #include "zrqrybld/sql/lexer.h"
+#include "zrqrybld/sql/outer_queries.h"
 #include "zrqrybld/sql/statement_parser.h"
 #include "zrqrybld/sql/syntax_error.h"
 
@@ -247,25 +248,9 @@ void RequireKnownNames(const SelectStatement& statement, const NameScope& scope,
 
 // --- A designed query ---
 
-class DesignNames::Source final : public QuerySource {
- public:
-  explicit Source(const KnownColumns& columns) : columns_(columns) {}
-  std::optional<SnapshotTable> AddTable(const WrittenTable&) override { return std::nullopt; }
-  bool KnowsColumns(std::size_t table) const override { return columns_.KnowsColumns(table); }
-  std::optional<std::string> FindColumn(std::size_t table, const std::string& name) const override {
-    return columns_.FindColumn(table, name);
-  }
-  std::vector<std::string> Columns(std::size_t table) const override { return columns_.Columns(table); }
-  SnapshotType TypeOf(std::size_t, const std::string&) const override { return {}; }
-  void OfferTables(NearestName&) const override {}
-
- private:
-  const KnownColumns& columns_;
-};
-
 DesignNames::DesignNames(const QuerySnapshot& query, const Dialect& dialect, const qbDBFunctions* functions)
     : query_(query), dialect_(dialect), functions_(functions) {
-  if (query.columns) source_ = std::make_unique<Source>(*query.columns);
+  if (query.columns) source_ = std::make_unique<DesignSource>(query.columns);
   for (const SnapshotRow& row : query.rows) {
     if (!row.alias.Empty()) aliases_.insert(row.alias.Name());
   }
@@ -275,7 +260,8 @@ DesignNames::~DesignNames() = default;
 
 NameScope& DesignNames::Scope() const {
   if (!scope_) {
-    scope_ = std::make_unique<NameScope>(std::string_view(), *source_);
+    const NameScope* outer = query_.outer ? &query_.outer->Scope() : nullptr;
+    scope_ = std::make_unique<NameScope>(std::string_view(), *source_, outer);
     for (const SnapshotTable& table : query_.tables) scope_->AddKnown(table);
   }
   return *scope_;

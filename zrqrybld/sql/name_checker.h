@@ -11,6 +11,7 @@
 namespace zrqrybld {
 
 struct Dialect;
+class DesignSource;
 class qbDBFunctions;
 
 /// Looks at every name in the select list, in ON, WHERE, GROUP BY, HAVING and ORDER BY, and in the queries within them.
@@ -35,13 +36,12 @@ class DesignNames {
   Phrase FaultInCriterion(std::string_view cell, const SnapshotRow& row) const;
 
  private:
-  class Source;
   NameScope& Scope() const;
 
   const QuerySnapshot& query_;
   const Dialect& dialect_;
   const qbDBFunctions* functions_;
-  std::unique_ptr<Source> source_;
+  std::unique_ptr<DesignSource> source_;
   mutable std::unique_ptr<NameScope> scope_;  // of the tables; made when the first name is looked up
   WordSet aliases_;
 };

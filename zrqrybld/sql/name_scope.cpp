@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <span>
 
 #include "zrqrybld/base/near_names.h"
@@ -174,6 +175,10 @@ std::vector<std::size_t> NameScope::TablesWith(const std::string& name) const {
 }
 
 std::optional<BoundColumn> NameScope::Find(const Expression& column) const {
+  if (MeansOuter(column)) {
+    CheckOuter(column);
+    return std::nullopt;
+  }
   const std::string name = PlainName(column.name);
   const std::string_view qualifier = column.Qualifier();
   if (!qualifier.empty()) {
@@ -235,6 +240,16 @@ bool NameScope::MeansHere(const Expression& column) const {
 
 bool NameScope::Means(const Expression& column) const { return MeansHere(column) || (outer_ && outer_->Means(column)); }
 
+std::string NameScope::OuterTableOf(const Expression& column) const {
+  if (MeansHere(column)) return {};
+  for (const NameScope* scope = outer_; scope; scope = scope->outer_) {
+    if (!scope->MeansHere(column)) continue;
+    const std::optional<BoundColumn> found = scope->TryFind(column);
+    return found ? scope->tables_[found->table].caption.Name() : std::string();
+  }
+  return {};
+}
+
 // Whether the columns of any table are known, here or around.
 bool NameScope::KnowsAny() const {
   for (std::size_t table = 0; table < tables_.size(); ++table) {
@@ -243,8 +258,23 @@ bool NameScope::KnowsAny() const {
   return outer_ && outer_->KnowsAny();
 }
 
+// A fault is told at its place in the text that is looked at here: the scope around may be that of another one.
+void NameScope::CheckOuter(const Expression& column) const {
+  try {
+    outer_->Check(column);
+  } catch (const SyntaxError& error) {
+    Refuse(column.text, error.Sentence());
+  }
+}
+
+std::size_t NameScope::OffsetOf(std::string_view part) const {
+  const std::less<const char*> before;
+  const bool isWithin = !before(part.data(), text_.data()) && !before(text_.data() + text_.size(), part.data());
+  return isWithin ? static_cast<std::size_t>(part.data() - text_.data()) : 0;
+}
+
 void NameScope::Check(const Expression& column) const {
-  if (!MeansHere(column) && outer_ && outer_->Means(column)) return outer_->Check(column);
+  if (!MeansHere(column) && outer_ && outer_->Means(column)) return CheckOuter(column);
   const bool hasTables = !tables_.empty() || outer_;
   if (hasTables && !column.Qualifier().empty() && !Means(column) && !KnowsAny()) return;
   if (column.Qualifier().empty() && MeansHere(column)) {

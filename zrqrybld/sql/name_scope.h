@@ -83,8 +83,8 @@ class NameScope {
   /// The table that a qualifier names. SyntaxError at `place` when there is none or more than one.
   std::size_t RequireTable(std::string_view qualifier, std::string_view place) const;
 
-  /// The column of a table that a name means. None when the name is not qualified and no table has it; SyntaxError when
-  /// its table is unknown or has no such column, and when several tables have it.
+  /// The column of a table that a name means. None when the name is not qualified and no table has it, and for one of a
+  /// query around; SyntaxError when its table is unknown or has no such column, and when several tables have it.
   std::optional<BoundColumn> Find(const Expression& column) const;
 
   /// As `Find`; none instead of an error.
@@ -96,6 +96,10 @@ class NameScope {
   /// Whether the name may mean something, here or around: a column or one of several, a column of a table whose columns
   /// nobody knows, a whole row.
   bool Means(const Expression& column) const;
+  /// Whether it means nothing here, but something around.
+  bool MeansOuter(const Expression& column) const { return outer_ && !MeansHere(column) && outer_->Means(column); }
+  /// The caption of the table around that a column belongs to; "" for a name that means something here, or nothing.
+  std::string OuterTableOf(const Expression& column) const;
 
   /// SyntaxError when a name inside an expression means nothing, or one of several columns. What only tables have whose
   /// columns nobody knows is passed.
@@ -116,8 +120,8 @@ class NameScope {
   /// Whether it does so wherever it stands, so that no column is called so without quotes.
   static bool IsServerValue(std::string_view name);
 
-  /// The offset of a part of the statement's text.
-  std::size_t OffsetOf(std::string_view part) const { return static_cast<std::size_t>(part.data() - text_.data()); }
+  /// The offset of a part of the statement's text; 0 for a part of another one.
+  std::size_t OffsetOf(std::string_view part) const;
   [[noreturn]] void Refuse(std::string_view part, Phrase message) const;
 
  private:
@@ -130,6 +134,7 @@ class NameScope {
   // Of a column that no source knows: as it is spelled where it is named first.
   const std::string& FirstSpelling(std::size_t table, const std::string& name) const;
 
+  void CheckOuter(const Expression& column) const;
   bool MeansHere(const Expression& column) const;
   bool KnowsAny() const;
 

@@ -15,7 +15,11 @@ enum QueryKindEnum : std::int32_t {
   QueryDerivedTable = 1,  ///< stands in FROM, in parentheses
   QueryCommonTable = 2,   ///< stands in WITH, and is named like a table
   QueryMember = 3,        ///< stands behind UNION and its like
+  QueryInCell = 4,        ///< stands in a cell of the grid, and is one of the queries only while it is shown
 };
+
+/// Whether such a query is named like a table.
+constexpr bool HasName(QueryKindEnum kind) { return kind == QueryDerivedTable || kind == QueryCommonTable; }
 
 /// How a member's rows are put together with those of all before it.
 enum QueryOperatorEnum : std::int32_t {

@@ -95,6 +95,8 @@ class KnownColumns {
   virtual std::vector<std::string> Columns(std::size_t table) const = 0;
 };
 
+class OuterQueries;
+
 struct QuerySnapshot {
   std::vector<SnapshotTable> tables;
   /// In the order of their source tables.
@@ -113,6 +115,8 @@ struct QuerySnapshot {
   CriteriaContext criteria;
   /// The columns of the tables while the design is as it was; nothing where nobody knows them.
   std::shared_ptr<const KnownColumns> columns;
+  /// The queries around, whose columns may be named as well; nothing for a query that stands alone.
+  std::shared_ptr<const OuterQueries> outer;
 };
 
 /// Sets what the context says of the column whose criterion is read.

@@ -15,6 +15,7 @@
 #include "zrqrybld/sql/keywords.h"
 #include "zrqrybld/sql/lexer.h"
 #include "zrqrybld/sql/name_checker.h"
+#include "zrqrybld/sql/outer_queries.h"
 
 namespace zrqrybld {
 namespace {
@@ -142,8 +143,8 @@ class Binder {
     if (std::optional<RowField> column = fields_.ColumnOf(expression)) return *column;
     const Expression& inner = *StripParentheses(&expression);
     const bool isText = options_.dialect->doubleQuotesAreTexts && inner.text.starts_with('"');
-    if (inner.kind == ExpressionKind::Column && !isText && !NameScope::IsPseudoColumn(inner.name))
-      scope_.Require(inner);
+    const bool isName = inner.kind == ExpressionKind::Column && !isText && !NameScope::IsPseudoColumn(inner.name);
+    if (isName && !scope_.MeansOuter(inner)) scope_.Require(inner);
     return {std::nullopt, ExpressionText(expression), {}};
   }
 
@@ -497,7 +498,7 @@ class Binder {
 }  // namespace
 
 BoundStatement BindStatement(const SelectStatement& statement, QuerySource& source, const BindOptions& options) {
-  NameScope scope(statement.text, source);
+  NameScope scope(statement.text, source, options.outer ? &options.outer->Scope() : nullptr);
   AddTables(statement, scope);
   BoundStatement bound = Binder(statement, scope, options).Run();
   RequireKnownNames(statement, scope, *options.dialect, *options.functions);

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <vector>
 
 #include "zrqrybld/host/catalogs.h"
@@ -15,6 +16,7 @@
 
 namespace zrqrybld {
 
+class OuterQueries;
 struct Dialect;
 
 struct BindOptions {
@@ -26,6 +28,8 @@ struct BindOptions {
   CriteriaContext criteria;
   /// Whether members of UNION and its like follow: what it sorts by are columns of them all.
   bool beginsCompound = false;
+  /// The queries around, whose columns may be named as well.
+  std::shared_ptr<const OuterQueries> outer;
   /// How many criteria columns the grid may have, and how many it has at first.
   std::size_t criteriaColumns = 101;
   std::size_t usualCriteriaColumns = 4;

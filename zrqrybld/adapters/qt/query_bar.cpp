@@ -15,6 +15,7 @@
 #include "zrqrybld/hub/query_titles.h"
 #include "zrqrybld/platform/commands.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/outer_queries.h"
 
 namespace zrqrybld {
 namespace {
@@ -37,6 +38,14 @@ const StoredQuery& FirstOf(const QuerySet& set, const StoredQuery& query) {
   return isMember ? *set.Find(query.parent) : query;
 }
 
+// "uses Customers of the outer query"; "" for a query that could stand alone.
+QString UsedOf(const qbQueryBuilder& hub) {
+  if (!hub.Outer()) return {};
+  QStringList tables;
+  for (const std::string& table : OuterTablesNamed(hub.Snapshot())) tables += ToQString(table);
+  return tables.isEmpty() ? QString() : Say(*hub.Texts(), text::UsesOuterTables, tables.join(QLatin1String(", ")));
+}
+
 }  // namespace
 
 QueryBar::QueryBar(qbQueryBuilder& hub, QWidget* parent)
@@ -45,7 +54,8 @@ QueryBar::QueryBar(qbQueryBuilder& hub, QWidget* parent)
       path_(new QWidget(this)),
       members_(new QTabBar(this)),
       operator_(new QToolButton(this)),
-      add_(new QToolButton(this)) {
+      add_(new QToolButton(this)),
+      uses_(new QLabel(this)) {
   auto* path = new QHBoxLayout(path_);
   path->setContentsMargins(0, 0, 0, 0);
   path->setSpacing(0);
@@ -58,6 +68,7 @@ QueryBar::QueryBar(qbQueryBuilder& hub, QWidget* parent)
   operator_->setMenu(new QMenu(operator_));
   add_->setText(QStringLiteral("+"));
   add_->setAutoRaise(true);
+  uses_->setTextFormat(Qt::PlainText);
   auto* layout = new QHBoxLayout(this);
   layout->setContentsMargins(8, 4, 8, 4);
   layout->setSpacing(8);
@@ -65,6 +76,7 @@ QueryBar::QueryBar(qbQueryBuilder& hub, QWidget* parent)
   layout->addWidget(members_);
   layout->addWidget(operator_);
   layout->addWidget(add_);
+  layout->addWidget(uses_);
   layout->addStretch(1);
   TellInOrder(*layout);
   connect(members_, &QTabBar::currentChanged, this, [this](int at) { Open(members_->tabData(at).toInt()); });
@@ -92,6 +104,7 @@ QueryBar::Content QueryBar::ContentNow() const {
     if (at->kind == QueryMain) break;
   }
   std::ranges::reverse(content.path);
+  content.uses = UsedOf(hub_);
   if (!set.BeginsCompound(first.id)) return content;
   content.members.push_back({first.id, Say(texts, text::MemberTitle, 1)});
   for (const StoredQuery* member : set.InnerOf(first.id)) {
@@ -116,6 +129,8 @@ void QueryBar::Follow() {
     content_ = std::move(now);
     ShowPath();
     ShowMembers();
+    uses_->setText(content_.uses);
+    uses_->setVisible(!content_.uses.isEmpty());
   }
   setVisible(!isSingle);
 }

@@ -1,9 +1,10 @@
 // QueryBar: which of the statement's queries the panes show, and the way to the others: the path from the main query as
-// buttons, and the members of a UNION as tabs.
+// buttons, the members of a UNION as tabs, and what the query names of those around it.
 //
 // It stands above the diagram, and is hidden while there is only one query.
 #pragma once
 
+#include <QLabel>
 #include <QTabBar>
 #include <QToolButton>
 #include <QWidget>
@@ -45,6 +46,7 @@ class ZRQRYBLD_API QueryBar final : public QWidget {
     std::int32_t shown = 0;
     int combined = -1;           // how the shown member is put together with those before it; -1 for the first
     std::vector<int> operators;  // that can be chosen for it
+    QString uses;                // what the shown query names of those around it
     friend bool operator==(const Content&, const Content&) = default;
   };
 
@@ -67,6 +69,7 @@ class ZRQRYBLD_API QueryBar final : public QWidget {
   QTabBar* members_;
   QToolButton* operator_;
   QToolButton* add_;
+  QLabel* uses_;
   std::vector<EventConnection> links_;
 };
 

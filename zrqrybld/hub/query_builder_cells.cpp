@@ -1,0 +1,332 @@
+// Queries that stand in cells of the grid: how they are shown as designs, and how what is changed there is written
+// back.
+//
+// The text of the cell says what such a query is. It is one of the queries only while it, or one that belongs to it, is
+// shown: what it says is then written into the cell at the end of each step. Whoever leaves it leaves the text; only
+// where its boxes stood is remembered for the next time.
+#include <algorithm>
+#include <utility>
+
+#include "zrqrybld/base/error.h"
+#include "zrqrybld/base/scoped_value.h"
+#include "zrqrybld/base/text.h"
+#include "zrqrybld/base/texts_queries.h"
+#include "zrqrybld/grid/grid_pane.h"
+#include "zrqrybld/grid/row_cells.h"
+#include "zrqrybld/host/step_context.h"
+#include "zrqrybld/hub/hub.h"
+#include "zrqrybld/hub/hub_parts.h"
+#include "zrqrybld/hub/read_queries.h"
+#include "zrqrybld/hub/statement_loader.h"
+#include "zrqrybld/sql/inner_queries.h"
+#include "zrqrybld/sql/outer_queries.h"
+#include "zrqrybld/sql/query_outline.h"
+#include "zrqrybld/sql/query_text.h"
+#include "zrqrybld/sql/statement_printer.h"
+#include "zrqrybld/sql/syntax_error.h"
+
+namespace zrqrybld {
+namespace {
+
+constexpr std::size_t kMostLeft = 50;
+
+const GridCell* CellOf(const SharedRowContent& row, std::size_t column) {
+  return row && column >= 1 && column <= row->cells.size() ? &row->cells[column - 1] : nullptr;
+}
+
+std::string TextOfCell(const Design& design, const QueryCell& cell) {
+  const GridCell* found = cell.row < design.rows.size() ? CellOf(design.rows[cell.row], cell.column) : nullptr;
+  return found ? found->value.Text() : std::string();
+}
+
+// Where the query stands in the cell's text; none when that has become another.
+std::optional<InnerQueryPlace> PlaceIn(const std::string& text, const QueryCell& cell) {
+  const std::vector<InnerQueryPlace> places = InnerQueriesIn(text);
+  if (cell.number >= places.size()) return std::nullopt;
+  const InnerQueryPlace place = places[cell.number];
+  if (std::string_view(text).substr(place.begin, place.end - place.begin) != cell.text) return std::nullopt;
+  return place;
+}
+
+bool Stands(const Design& design, const QueryCell& cell) {
+  if (cell.row >= design.rows.size()) return false;
+  const std::string text = TextOfCell(design, cell);
+  if (cell.text.empty()) return InnerQueriesIn(text).size() == cell.number;
+  return PlaceIn(text, cell).has_value();
+}
+
+// The cell's text with the query in it.
+std::optional<std::string> WithQuery(const std::string& text, const QueryCell& cell, const std::string& query) {
+  if (cell.text.empty()) {
+    const std::string before(TrimWhite(text));
+    return (before.empty() ? "IN " : before + " ") + "(" + query + ")";
+  }
+  const std::optional<InnerQueryPlace> place = PlaceIn(text, cell);
+  if (!place) return std::nullopt;
+  return text.substr(0, place->begin) + query + text.substr(place->end);
+}
+
+void SetCell(Design& design, const QueryCell& cell, const std::string& text) {
+  SharedRowContent& row = design.rows[cell.row];
+  RowContent content = row ? *row : RowContent();
+  if (content.cells.size() < cell.column) content.cells.resize(cell.column);
+  content.cells[cell.column - 1].value = text;
+  content.cells[cell.column - 1].hint = nullptr;
+  row = std::make_shared<const RowContent>(std::move(content));
+}
+
+// The rows of the snapshot are those of the design that name a column.
+void SetCell(QuerySnapshot& snapshot, const Design& design, const QueryCell& cell, const std::string& text) {
+  const auto names = [](const SharedRowContent& row) {
+    const GridCell* column = CellOf(row, kColumnColumn);
+    return column && !column->value.IsBlank();
+  };
+  const auto end = design.rows.begin() + static_cast<std::ptrdiff_t>(cell.row);
+  const auto at = static_cast<std::size_t>(std::count_if(design.rows.begin(), end, names));
+  if (!names(*end) || at >= snapshot.rows.size()) return;
+  if (cell.column == kColumnColumn) {
+    snapshot.rows[at].column = text;
+    return;
+  }
+  std::vector<std::string>& criteria = snapshot.rows[at].criteria;
+  const std::size_t criterion = cell.column - kColumnCriteria;
+  if (criteria.size() <= criterion) criteria.resize(criterion + 1);
+  criteria[criterion] = text;
+}
+
+// What the row is about, for a title.
+std::string AboutRow(const RowReader& row) {
+  constexpr std::size_t kLongest = 40;
+  if (!row.IsBlank(kColumnTable) || row.IsBlank(kColumnAlias)) {
+    const std::string column = row.Text(kColumnColumn);
+    const std::string shortened = ShortWithQueries(column);
+    return std::string(FirstCharacters(shortened.empty() ? column : shortened, kLongest));
+  }
+  return row.Text(kColumnAlias);
+}
+
+bool HoldsQueries(std::int32_t column) { return column == kColumnColumn || column >= kColumnCriteria; }
+
+// The cell as it is now. Error 9 for one that there is not, or that holds no queries.
+QueryCell CellNow(const qbQueryBuilder& hub, std::int32_t row, std::int32_t column, std::string& text) {
+  const Ref<qbGridPane> grid = hub.GridPane();
+  if (!grid || row < 1 || row > grid->RowCount() || !HoldsQueries(column) || column > grid->ColumnCount()) {
+    ThrowNoSuchItem();
+  }
+  const RowReader reader(grid->Grid()->Rows()->At(static_cast<std::size_t>(row)));
+  text = reader.Text(static_cast<std::size_t>(column));
+  QueryCell cell;
+  cell.row = static_cast<std::size_t>(row) - 1;
+  cell.column = static_cast<std::size_t>(column);
+  cell.about = AboutRow(reader);
+  return cell;
+}
+
+// What the queries of WITH are for a query in a cell; nearer ones come first.
+QuerySurroundings SurroundingsOf(const qbQueryBuilder& hub) {
+  QuerySurroundings around;
+  const QuerySet& set = hub.QueriesNow();
+  for (const StoredQuery* query : set.Nameable(set.shown)) {
+    if (query->kind != QueryCommonTable) continue;
+    around.named.emplace_back(query->name, query->columns ? *query->columns : std::vector<QueryColumn>());
+  }
+  around.outer = std::make_shared<OuterQueries>(hub.Snapshot());
+  return around;
+}
+
+ReadQueries ReadCell(qbQueryBuilder& hub, const QueryCell& cell) {
+  try {
+    ReadQueries read(hub, cell.text, SurroundingsOf(hub));
+    RequireWritable(hub, read.Main());
+    return read;
+  } catch (const SyntaxError& error) {
+    throw Error(ErrorParsingText, {text::CellQueryNotShown, error.Cause()});
+  }
+}
+
+}  // namespace
+
+// --- What stands around ---
+
+std::shared_ptr<const OuterQueries> qbQueryBuilder::Outer() const { return OuterOf(parts_->querySet.shown); }
+
+// A query in FROM, in WITH or behind UNION sees what the one sees that it belongs to, but not that itself.
+std::shared_ptr<const OuterQueries> qbQueryBuilder::OuterOf(std::int32_t id) const {
+  const QuerySet& set = parts_->querySet;
+  const StoredQuery* query = set.Find(id);
+  while (query && query->kind != QueryMain && query->kind != QueryInCell) query = set.Find(query->parent);
+  if (!query || query->kind == QueryMain) return nullptr;
+  if (query->parent == set.shown) return std::make_shared<OuterQueries>(Snapshot());
+  const StoredQuery* parent = set.Find(query->parent);
+  return parent && parent->snapshot ? std::make_shared<OuterQueries>(*parent->snapshot) : nullptr;
+}
+
+// --- Showing one ---
+
+std::int32_t qbQueryBuilder::ShowQueryInCell(std::int32_t row, std::int32_t column, std::int32_t number) {
+  RequireIdle();
+  const Ref<Object> alive = shared_from_this();  // a listener may let go of it
+  MakeIdle();
+  std::string text;
+  QueryCell cell = CellNow(*this, row, column, text);
+  const std::vector<InnerQueryPlace> places = InnerQueriesIn(text);
+  if (number < 1 || static_cast<std::size_t>(number) > places.size()) ThrowNoSuchItem();
+  cell.number = static_cast<std::size_t>(number) - 1;
+  cell.text = text.substr(places[cell.number].begin, places[cell.number].end - places[cell.number].begin);
+  if (const std::int32_t left = ShowLeft(cell)) return left;
+  ReadQueries read = ReadCell(*this, cell);
+  StoredQuery& facts = read.Main().facts;
+  facts.kind = QueryInCell;
+  facts.parent = parts_->querySet.shown;
+  facts.cell = std::move(cell);
+  const StepScope step(RefTo(*this), kStepShowQuery);
+  AddRead(read.Main());
+  const std::int32_t id = read.Main().facts.id;
+  LoadCell(id, read.Main());
+  return id;
+}
+
+// The queries that were read stand among the others, still without a design.
+void qbQueryBuilder::AddRead(ReadQuery& read) {
+  read.facts.id = parts_->querySet.Add(read.facts);
+  for (ReadQuery& inner : read.inner) {
+    inner.facts.parent = read.facts.id;
+    AddRead(inner);
+  }
+}
+
+// The panes are filled as by a typed statement, but nothing of the design has changed by it. Where it fails the query
+// goes again, and what it stands in is shown.
+void qbQueryBuilder::LoadCell(std::int32_t id, ReadQuery& read) {
+  const std::int32_t parent = parts_->querySet.shown;
+  const ScopedValue travelling(travelling_, true);
+  try {
+    const StateScope loading(*this, InfoParsingSQL);
+    WholeOrNothing(RefTo(*this), [&] { LoadOneQuery(read); });
+    SwitchTo(id);
+    KnowShown(TakeDesign());
+    if (StoredQuery* shown = parts_->querySet.Find(id)) shown->cell.written = OnLine(id);
+  } catch (...) {
+    SwitchTo(parent);
+    throw;
+  }
+}
+
+std::int32_t qbQueryBuilder::AddQueryInCell(std::int32_t row, std::int32_t column) {
+  RequireIdle();
+  const Ref<Object> alive = shared_from_this();
+  MakeIdle();
+  std::string text;
+  StoredQuery query;
+  query.cell = CellNow(*this, row, column, text);
+  if (column < kColumnCriteria || query.cell.about.empty()) ThrowNoSuchItem();
+  query.cell.number = InnerQueriesIn(text).size();
+  query.kind = QueryInCell;
+  query.parent = parts_->querySet.shown;
+  if (parts_->querySet.queries.size() >= static_cast<std::size_t>(kMostQueries)) {
+    throw Error(ErrorInvalidCall, {text::TooManyQueries, kMostQueries});
+  }
+  const std::int32_t id = parts_->querySet.Add(std::move(query));
+  SwitchTo(id);
+  return id;
+}
+
+// --- Writing it back ---
+
+// "" for a query that the dialect cannot write, and for one that outputs nothing: no server would take it.
+std::string qbQueryBuilder::OnLine(std::int32_t id) const {
+  const QueryTree tree = TreeOf(id);
+  if (std::ranges::none_of(tree.query.rows, &SnapshotRow::output)) return {};
+  return std::string(TrimWhite(OnOneLine(GenerateQuery(tree, CurrentDialect(), parts_->querySet.shown).text)));
+}
+
+// The queries as they were before the step that ends.
+QuerySet qbQueryBuilder::QueriesKnown() const {
+  QuerySet before = parts_->querySet;
+  before.Find(before.shown)->design = std::make_shared<const Design>(parts_->history.Known());
+  return before;
+}
+
+// What cannot be written leaves the cell as it is.
+void qbQueryBuilder::WriteIntoCell(std::int32_t id) {
+  QuerySet& set = parts_->querySet;
+  StoredQuery& query = *set.Find(id);
+  StoredQuery* outer = set.Find(query.parent);
+  if (!outer || !outer->design || !Stands(*outer->design, query.cell)) return;
+  std::string written = OnLine(id);
+  if (written.empty() || written == query.cell.written) return;
+  const std::optional<std::string> text = WithQuery(TextOfCell(*outer->design, query.cell), query.cell, written);
+  if (!text) return;
+  Design changed = *outer->design;
+  SetCell(changed, query.cell, *text);
+  if (outer->snapshot) {
+    QuerySnapshot snapshot = *outer->snapshot;
+    SetCell(snapshot, changed, query.cell, *text);
+    outer->snapshot = std::make_shared<const QuerySnapshot>(std::move(snapshot));
+  }
+  outer->design = std::make_shared<const Design>(std::move(changed));
+  query.cell.text = query.cell.written = std::move(written);
+}
+
+// From the shown query outwards: what is written into one cell changes what is written into the next.
+void qbQueryBuilder::WriteIntoCells() {
+  const QuerySet& set = parts_->querySet;
+  for (const StoredQuery* query = &set.Shown(); query && query->kind != QueryMain; query = set.Find(query->parent)) {
+    if (query->kind == QueryInCell) WriteIntoCell(query->id);
+  }
+}
+
+// --- Leaving it ---
+
+// The query itself, or where a listener has taken the cell away that it stands in, what still stands around it.
+std::int32_t qbQueryBuilder::Standing(std::int32_t id) const {
+  const QuerySet& set = parts_->querySet;
+  std::int32_t standing = id;
+  for (const StoredQuery* query = set.Find(id); query && query->kind != QueryMain; query = set.Find(query->parent)) {
+    const StoredQuery* outer = set.Find(query->parent);
+    const bool isLost = query->kind == QueryInCell && outer && outer->design && !Stands(*outer->design, query->cell);
+    if (isLost) standing = query->parent;
+  }
+  return standing;
+}
+
+void qbQueryBuilder::LeaveCells() {
+  QuerySet& set = parts_->querySet;
+  std::vector<std::int32_t> left;
+  for (const StoredQuery& query : set.queries) {
+    if (query.kind == QueryInCell && !set.IsWithin(set.shown, query.id)) left.push_back(query.id);
+  }
+  for (const std::int32_t id : left) {
+    if (!set.Find(id)) continue;  // it belonged to another one
+    Parts::LeftQuery kept{&CurrentDialect(), {}};
+    for (const StoredQuery& query : set.queries) {
+      if (set.IsWithin(query.id, id)) kept.queries.push_back(query);
+    }
+    if (parts_->left.size() == kMostLeft) parts_->left.erase(parts_->left.begin());
+    if (!kept.queries.front().cell.text.empty()) parts_->left.push_back(std::move(kept));
+    set.Remove(id);
+    queriesChanged_ = true;
+  }
+}
+
+// A query that was shown before and whose text is the same stands as it stood: its id, or 0 when there is none.
+std::int32_t qbQueryBuilder::ShowLeft(const QueryCell& cell) {
+  QuerySet& set = parts_->querySet;
+  const auto found = std::ranges::find_if(parts_->left, [&](const Parts::LeftQuery& left) {
+    const StoredQuery& query = left.queries.front();
+    return left.dialect == &CurrentDialect() && query.parent == set.shown && query.cell.text == cell.text;
+  });
+  if (found == parts_->left.end()) return 0;
+  Parts::LeftQuery left = std::move(*found);
+  parts_->left.erase(found);
+  StoredQuery& query = left.queries.front();
+  if (set.Find(query.id)) return 0;
+  const std::string written = std::move(query.cell.written);
+  query.cell = cell;
+  query.cell.written = written;
+  for (StoredQuery& each : left.queries) set.Insert(std::move(each));
+  SwitchTo(query.id);
+  return set.shown;
+}
+
+}  // namespace zrqrybld
