@@ -74,7 +74,7 @@ class EveryMember(unittest.TestCase):
         "GetRowColumnIndex": (50.0, 50.0, 0, 0), "GetRowColumnXY": (1, 1, 0.0, 0.0), "GotoRowCol": (1, 2),
         "qbGridPane.Value": (1, 1), "ParametersDialog.Value": (1,), "AskParameters": ("SELECT 1",),
         "zrGridRow.Value": (1,), "qbEntity.TagVariant": (), "zrGridColumns.Remove": (11,),
-        "TablesDialog.Add": (["Products"],), "qbJoinTables.Add": ("a", "x", "b", "y"), "qbQueries.Add": (2, "q"), "PasteText": ("x",),
+        "TablesDialog.Add": (["Products"],), "qbJoinTables.Add": ("a", "x", "b", "y"), "qbQueries.Add": (2, "q"), "OpenInCell": (1, "criteria"), "AddInCell": (1, "criteria"), "PasteText": ("x",),
     }
     # What raises the event that brings a dialog.
     DIALOGS = {
@@ -187,6 +187,8 @@ class EveryMember(unittest.TestCase):
             obj.BeginStep("A step")
         if member.name == "CureRemark":
             objects["qbQueryBuilder"].AddTable("Products")  # a table that is joined to none
+        if member.name == "OpenInCell":
+            objects["qbQueryBuilder"].SQLPane.ParseSQLStatement("SELECT City FROM Customers WHERE City IN (SELECT City FROM Customers)")
         arguments = self.arguments(type_name, member, objects)
         if member.kind == "event":
             obj.on(member.name, lambda *_: None).off()

@@ -112,7 +112,8 @@ std::int32_t qbQueries::ColumnOf(const Variant& column) const {
 }
 
 Ref<qbQuery> qbQueries::OpenInCell(std::int32_t row, const Variant& column, std::int32_t number) {
-  return Of(Hub()->ShowQueryInCell(row, ColumnOf(column), number));
+  const std::int32_t wanted = number == 0 ? 1 : number;  // late-bound, one that is left out is 0
+  return Of(Hub()->ShowQueryInCell(row, ColumnOf(column), wanted));
 }
 
 Ref<qbQuery> qbQueries::AddInCell(std::int32_t row, const Variant& column) {
