@@ -79,6 +79,7 @@ ParseOptions ReadStatement::ReadBy() const {
 void ReadStatement::RequireFrom() const {
   ParseOptions options = ReadBy();
   options.needsTables = true;
+  options.mayEndAtFrom = false;
   ParseSelect(text_, options);
 }
 

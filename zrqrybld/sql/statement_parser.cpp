@@ -186,7 +186,7 @@ class Parser {
       reader_.Advance();
     } else if (!AtClauseEnd() || IsTableCalledAsLimit()) {
       statement_.from = ParseTables();
-    } else if (NamesColumn()) {
+    } else if (NamesColumn() || !options_.mayEndAtFrom) {
       reader_.FailExpected(text::ATable);
     }
   }
