@@ -122,5 +122,25 @@ TEST_F(ConditionsTest, AreNegatedTurnedMovedAndTakenOut) {
   EXPECT_NE(Shown().find("c.Phone IS NULL"), std::string::npos) << Shown();
 }
 
+TEST_F(ConditionsTest, ChooseGroupsApartFromRows) {
+  Hub().SQLPane()->ParseSQLStatement(
+      "SELECT c.Country, COUNT(*) FROM Customers c WHERE UPPER(c.City) = 'BATH' GROUP BY c.Country "
+      "HAVING COUNT(*) > 1 AND (MAX(c.City) > 'M' OR c.Country IS NULL)");
+  View().Refresh();
+  EXPECT_EQ(Shown(), "Rows: all of these (UPPER(c.City) = 'BATH')");
+  QTreeWidgetItem* groups = Tree().topLevelItem(1);
+  ASSERT_TRUE(groups);
+  EXPECT_EQ(Say(*groups),
+            "Groups: all of these (Count(c.*) > 1; any of these (MAX(c.City) > 'M'; c.Country IS NULL))");
+  Tree().setCurrentItem(groups->child(1)->child(0));
+  View().Negate();
+  Tree().setCurrentItem(Tree().topLevelItem(1)->child(0));
+  Press(Qt::Key_Return);
+  Type<QLineEdit>("> 5");
+  EXPECT_NE(Statement().find("COUNT(*) > 5"), std::string::npos) << Statement();
+  EXPECT_NE(Statement().find("GROUP BY \n\tc.Country\nHAVING"), std::string::npos) << Statement();
+  KeepPicture(Paint(window), "conditions-groups");
+}
+
 }  // namespace
 }  // namespace zrqrybld

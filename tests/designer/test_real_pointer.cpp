@@ -8,10 +8,12 @@
 
 #include "tests/designer/designer_window_test.h"
 #include "tests/sqlite/database_file.h"
+#include "zrqrybld/adapters/qt/conditions_view.h"
 #include "zrqrybld/adapters/qt/query_designer_widget.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/hub/hub.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 namespace {
@@ -97,6 +99,30 @@ TEST_F(RealPointer, ATableIsDraggedFromTheTreeOntoTheDiagram) {
   Do(way + QStringList{"sleep", "0.1", "mouseup", "1"});
   EXPECT_TRUE(QTest::qWaitFor([&] { return Hub().Entities()->Count() == 4; }));
   EXPECT_TRUE(Hub().Entities()->Item("Products"));
+}
+
+TEST_F(RealPointer, AConditionIsDraggedOutOfItsGroup) {
+  window.Tab().ShowConditions(true);
+  Hub().SQLPane()->ParseSQLStatement(
+      "SELECT City FROM Customers WHERE Country = 'UK' AND (City = 'Bath' OR City = 'York' OR Phone IS NULL)");
+  window.Tab().Conditions().Refresh();
+  QTest::qWait(50);
+  QTreeWidget& tree = window.Tab().Conditions().Tree();
+  QTreeWidgetItem* root = tree.topLevelItem(0);
+  const QRect moved = tree.visualItemRect(root->child(1)->child(2));
+  const QRect first = tree.visualItemRect(root->child(0));
+  const QPoint from(moved.left() + 20, moved.center().y());
+  QStringList way = MoveTo(tree.viewport(), from) + QStringList{"mousedown", "1"};
+  for (const int step : {6, 14, 24})
+    way += QStringList{"sleep", "0.1"} + MoveTo(tree.viewport(), from + QPoint(step, 0));
+  for (const int step : {2, 1})
+    way += QStringList{"sleep", "0.1"} + MoveTo(tree.viewport(), {from.x(), first.center().y() - 2 - step});
+  Do(way + QStringList{"sleep", "0.1", "mouseup", "1"});
+  EXPECT_TRUE(QTest::qWaitFor([&] { return tree.topLevelItem(0)->childCount() == 3; }));
+  // Where it stands among the others is where its row stands in the grid.
+  EXPECT_EQ(Utf8(tree.topLevelItem(0)->child(2)->text(0)), "Customers.Phone");
+  EXPECT_EQ(tree.topLevelItem(0)->child(1)->childCount(), 2);
+  EXPECT_NE(Statement().find("(Customers.Phone IS NULL)"), std::string::npos) << Statement();
 }
 
 }  // namespace

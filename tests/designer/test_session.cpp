@@ -442,6 +442,8 @@ TEST_F(Session, PanesAreMaximisedHiddenAndRemembered) {
     panes.SetRowsInTab(false);
     panes.ShowRows(true);
     EXPECT_TRUE(window.Preview().isVisible() && designer.SqlView().isVisible());
+    Give(window, "Shift+F9");
+    EXPECT_TRUE(window.Tab().ConditionsShown());
     window.close();
   }
   MainWindow window;
@@ -449,6 +451,10 @@ TEST_F(Session, PanesAreMaximisedHiddenAndRemembered) {
   EXPECT_FALSE(window.Tab().Panes().RowsInTab());
   window.Tab().Panes().SetRowsInTab(true);
   EXPECT_TRUE(window.Tab().Panes().RowsInTab());
+  EXPECT_TRUE(window.Tab().ConditionsShown());
+  EXPECT_TRUE(window.OpenTab().ConditionsShown());
+  Give(window, "Shift+F9");
+  EXPECT_FALSE(window.Tab().ConditionsShown());
 }
 
 }  // namespace

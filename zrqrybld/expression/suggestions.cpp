@@ -101,7 +101,8 @@ class Collector {
     const std::span<Candidate> best = std::span(found_).first(count);
     if (!recent.empty()) {
       std::ranges::stable_sort(best, {}, [&recent](const Candidate& c) {
-        return std::pair(c.score, std::ranges::find(recent, c.name) - recent.begin());
+        const auto last = c.column ? recent.end() : std::ranges::find(recent, c.name);
+        return std::pair(c.score, last - recent.begin());
       });
     }
     return best;

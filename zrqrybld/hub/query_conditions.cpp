@@ -60,7 +60,9 @@ ConditionWords WordsOf(const Ref<qbQueryBuilder>& hub) {
     const auto table = std::ranges::find_if(
         query->tables, [&field](const SnapshotTable& each) { return each.caption.Name() == field.table; });
     std::string term = table == query->tables.end() ? field.column : FieldTerm(*table, field.column, query->names);
-    if (const std::string syntax = SyntaxOf(*hub, field); !syntax.empty()) term = ReplaceNoCase(syntax, "@field", term);
+    const std::string syntax = SyntaxOf(*hub, field);
+    if (field.column == kAllColumns && !syntax.empty()) term = field.column;
+    if (!syntax.empty()) term = ReplaceNoCase(syntax, "@field", term);
     try {
       return FormatCondition(term, criterion, RulesOf(*hub, field));
     } catch (const Error&) {
@@ -75,7 +77,9 @@ void WriteRow(const qbGridPane& grid, const Ref<zrGridRow>& row, const QueryRow&
   const auto write = [&row](std::size_t column, const std::string& text) {
     if (row->Index() != 0 && RowReader(*row).Text(column) != text) RowWriter(*row).SetText(column, text);
   };
+  const std::string grouping = RowReader(*row).Text(kColumnGroupBy);
   if (!then.column.empty()) write(kColumnColumn, then.column);
+  write(kColumnGroupBy, grouping);  // another expression would be grouped by
   for (std::size_t column = kColumnCriteria; column <= static_cast<std::size_t>(grid.ColumnCount()); ++column) {
     const std::size_t cell = column - kColumnCriteria;
     write(column, cell < then.criteria.size() ? then.criteria[cell] : std::string());
@@ -115,7 +119,7 @@ bool QueryConditions::Groups() const {
 void QueryConditions::Set(const ConditionTree& tree) const {
   const Ref<qbQueryBuilder> hub = hub_.lock();
   const Ref<qbGridPane> grid = hub ? hub->GridPane() : nullptr;
-  if (!grid) return;
+  if (!grid || tree == Tree()) return;
   const std::vector<ConditionedRow> then = WithConditions(RowsOf(*hub), tree, WordsOf(hub), Groups());
   const StepScope step(hub, kStepEditCell, grid->Grid()->Columns()->Item(kColumnCriteria)->Caption());
   WholeOrNothing(hub, [&] { WriteRows(*grid, then); });

@@ -77,11 +77,24 @@ ParseOptions ReadStatement::ReadBy() const {
   return options;
 }
 
+// Of a statement without tables that names a column, FROM was forgotten: that is what is said of it.
+void ReadStatement::RequireFrom() const {
+  ParseOptions options = ReadBy();
+  options.needsTables = true;
+  options.mayEndAtFrom = false;
+  ParseSelect(text_, options);
+}
+
 SelectStatement ReadStatement::Parse() const { return ParseSelect(text_, ReadBy()); }
 
 void ReadStatement::Bind(qbQueryBuilder& hub, const QueryLookup& queries, bool takesDrawn, bool beginsCompound) {
   options_.beginsCompound = beginsCompound;
-  if (!BindWithQuestions(hub, queries, takesDrawn)) BindPlain(hub, queries, takesDrawn);
+  try {
+    if (!BindWithQuestions(hub, queries, takesDrawn)) BindPlain(hub, queries, takesDrawn);
+  } catch (const SyntaxError&) {
+    if (!tree_.from) RequireFrom();
+    throw;
+  }
 }
 
 // The diagram's joins of all planned tables, and in the options those of the statement's own, which come first.

@@ -45,6 +45,7 @@ class ReadStatement {
 
  private:
   ParseOptions ReadBy() const;
+  void RequireFrom() const;
   SelectStatement Parse() const;
   DrawnDiagram TakeDrawn(std::size_t tables);
   void BindPlain(qbQueryBuilder& hub, const QueryLookup& queries, bool takesDrawn);

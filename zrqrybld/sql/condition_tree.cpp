@@ -160,6 +160,7 @@ class RowsOfTree {
   RowsOfTree(const std::vector<QueryRow>& rows, const ConditionWords& words, bool grouped)
       : words_(words), grouped_(grouped) {
     for (const QueryRow& row : rows) {
+      KeepExpressions(row);
       ConditionedRow& place = rows_.emplace_back(ConditionedRow{row, false});
       place.unused = !row.column.empty() && !place.row.criteria.empty() && IsOnlyCondition(row);
       if (!row.column.empty()) place.row.criteria.clear();
@@ -170,19 +171,55 @@ class RowsOfTree {
     const ConditionNode plain = Plain(part);
     const bool isAny = plain.kind == Kind::Any && !plain.negated;
     if (isAny && plain.parts.size() > kMostAlternatives) return PlaceTerm(plain, 0, groups);
+    std::vector<std::pair<ConditionNode, std::size_t>> terms;
     std::size_t column = 0;
     for (const ConditionNode& alternative : isAny ? plain.parts : std::vector{plain}) {
       const bool isAll = alternative.kind == Kind::All && !alternative.negated;
       for (const ConditionNode& term : isAll ? alternative.parts : std::vector{alternative}) {
-        PlaceTerm(term, column, groups);
+        terms.emplace_back(term, column);
       }
       ++column;
     }
+    std::erase_if(terms, [&](const auto& term) { return PlaceAsItWas(term.first, term.second, groups); });
+    for (const auto& [term, place] : terms) PlaceTerm(term, place, groups);
   }
 
   std::vector<ConditionedRow> Take() { return std::move(rows_); }
 
  private:
+  // A condition that stands in a row as an expression, and its cell.
+  struct Kept {
+    std::size_t row = 0;
+    std::string cell;
+    ConditionNode node;
+  };
+
+  void KeepExpressions(const QueryRow& row) {
+    if (!row.table.empty() || row.grouping.kind == GroupingKind::Aggregate) return;
+    for (const std::string& cell : row.criteria) {
+      if (!SaysTruth(cell, "TRUE") && !SaysTruth(cell, "FALSE")) continue;
+      kept_.push_back({rows_.size(), cell, Plain(NodeOf(row, cell, words_))});
+    }
+  }
+
+  // What is asked as before keeps its row and its text.
+  bool PlaceAsItWas(const ConditionNode& term, std::size_t column, bool groups) {
+    const auto isSame = [&](const Kept& kept) {
+      return rows_[kept.row].row.grouping.ChoosesGroups() == groups && kept.node == term;
+    };
+    const auto kept = std::ranges::find_if(kept_, isSame);
+    if (kept == kept_.end()) return false;
+    PutInto(rows_[kept->row], kept->cell, column);
+    kept_.erase(kept);
+    return true;
+  }
+
+  static void PutInto(ConditionedRow& place, const std::string& criterion, std::size_t column) {
+    place.unused = false;
+    if (place.row.criteria.size() <= column) place.row.criteria.resize(column + 1);
+    place.row.criteria[column] = criterion;
+  }
+
   // Whether the row says nothing but its conditions.
   bool IsOnlyCondition(const QueryRow& row) const {
     const bool groups = row.grouping.kind == GroupingKind::GroupBy;
@@ -206,9 +243,7 @@ class RowsOfTree {
     };
     auto place = std::ranges::find_if(rows_, suits);
     if (place == rows_.end()) place = RowInPlace(field, groups);
-    place->unused = false;
-    if (place->row.criteria.size() <= column) place->row.criteria.resize(column + 1);
-    place->row.criteria[column] = criterion;
+    PutInto(*place, criterion, column);
   }
 
   // An expression takes the row of one that is gone, so that a group which is edited stays where it is.
@@ -238,6 +273,7 @@ class RowsOfTree {
   const ConditionWords& words_;
   bool grouped_;
   std::vector<ConditionedRow> rows_;
+  std::vector<Kept> kept_;
 };
 
 }  // namespace

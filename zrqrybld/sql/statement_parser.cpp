@@ -186,17 +186,17 @@ class Parser {
       reader_.Advance();
     } else if (!AtClauseEnd() || IsTableCalledAsLimit()) {
       statement_.from = ParseTables();
-    } else if (NamesColumn()) {
+    } else if (NamesColumn() || !options_.mayEndAtFrom) {
       reader_.FailExpected(text::ATable);
     }
   }
 
-  // Whether the statement is one without tables, and not one whose FROM was forgotten.
-  bool MayLackTables() const { return !options_.needsTables && statement_.items && !NamesColumn() && !HasStar(); }
+  // Whether the statement may be one without tables; one that names a column is found out when names are resolved.
+  bool MayLackTables() const { return !options_.needsTables && statement_.items && !HasStar(); }
 
   bool IsEmptyTable() const {
     const bool isNamed = !options_.emptyTable.empty() && EqualsNoCase(reader_.CurrentText(), options_.emptyTable);
-    if (!isNamed || !MayLackTables()) return false;
+    if (!isNamed || !MayLackTables() || NamesColumn()) return false;
     TokenReader behind = reader_;
     behind.Advance();
     return AtClauseEnd(behind);

@@ -24,6 +24,8 @@ struct ParseOptions {
   /// Whether every statement has FROM; otherwise one that names no column may lack it, or have this table there.
   bool needsTables = true;
   std::string_view emptyTable = {};
+  /// Whether nothing need stand behind FROM where no item of the select list is a column.
+  bool mayEndAtFrom = true;
   /// Whether "[...]" close behind a value is a part of it.
   bool hasSubscripts = false;
   /// Whether what stands in double quotes where a value can stand is a text.
