@@ -101,6 +101,7 @@ constexpr CommandRow kCommands[] = {
     {Command::NewCommonTable, {}, {}, text::NewCommonTableItem, Needs::Nothing},
     {Command::AddUnionMember, {}, {}, text::AddUnionMemberItem, Needs::Nothing},
     {Command::GoToQueryAtCaret, {F(12)}, {}, text::GoToQueryItem, Needs::Nothing},
+    {Command::AddSavedQuery, {}, {}, text::AddSavedQueryItem, Needs::Nothing},
 };
 
 constexpr bool InOrder() {

@@ -97,6 +97,7 @@ enum class Command : std::uint8_t {
   NewCommonTable,
   AddUnionMember,
   GoToQueryAtCaret,
+  AddSavedQuery,
 };
 
 /// What has to be there before a command can be given, beside what it is given for.
