@@ -110,6 +110,7 @@ QueryTab& MainWindow::AddTab() {
   connect(&tab->Panes(), &PaneLayout::Changed, this, current(&MainWindow::UpdateState));
   connect(&tab->Rows(), &PreviewPane::RunningChanged, this, current(&MainWindow::UpdateState));
   connect(tab, &QueryTab::Happened, this, &MainWindow::ShowHappened);
+  tab->Designer().DiagramView().viewport()->installEventFilter(this);
   // The next step of whoever has chosen a source: its tables.
   connect(tab, &QueryTab::Connected, this, [this] {
     if (inSession_) QTimer::singleShot(0, this, &MainWindow::PickTables);
@@ -282,6 +283,23 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
   if (event->mimeData()->urls().size() == 1 && event->mimeData()->urls().first().isLocalFile()) {
     event->acceptProposedAction();
   }
+}
+
+// A file that is dropped on a diagram that is designed already becomes a part of it.
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+  const bool drags = event->type() == QEvent::DragEnter || event->type() == QEvent::DragMove;
+  if (!drags && event->type() != QEvent::Drop) return QMainWindow::eventFilter(watched, event);
+  auto& drop = static_cast<QDropEvent&>(*event);
+  const QList<QUrl> files = drop.mimeData()->urls();
+  if (files.size() != 1 || !files.first().isLocalFile()) return QMainWindow::eventFilter(watched, event);
+  drop.acceptProposedAction();
+  if (!drags) DropOnDiagram(files.first().toLocalFile());
+  return true;
+}
+
+void MainWindow::DropOnDiagram(const QString& file) {
+  const bool becomesPart = QueryDocument::IsQueryFile(file) && Tab().Hub().Entities()->Count() > 0;
+  becomesPart ? AddSavedQuery(file) : OpenDropped(file);
 }
 
 void MainWindow::dropEvent(QDropEvent* event) {

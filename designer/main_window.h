@@ -84,6 +84,7 @@ class MainWindow : public QMainWindow {
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   // Open queries
@@ -118,6 +119,8 @@ class MainWindow : public QMainWindow {
   void AskForConnection();
   void OpenRecent(const RecentConnection& recent);
   void OpenDropped(const QString& file);
+  void DropOnDiagram(const QString& file);
+  void AddSavedQuery(const QString& file);
 
   // The query that is shown
   void PickTables();

@@ -124,6 +124,9 @@ void MainWindow::MakeQueryMenu(QMenu& query) {
     AddTo(query, command,
           [this, kind = kind] { OnQueries([kind](qbQueryBuilder& hub) { AddInnerQuery(hub, kind); }); });
   }
+  AddTo(query, Command::AddSavedQuery, [this] {
+    if (const QString file = Document().AskForFile(); !file.isEmpty()) AddSavedQuery(file);
+  });
   AddTo(query, Command::LeaveQuery, [this] { OnQueries([](qbQueryBuilder& hub) { LeaveQuery(hub); }); });
   commands_.Of(Command::LeaveQuery)->setShortcut({});  // the key is the pane's that has the focus
   query.addSeparator();
@@ -147,6 +150,10 @@ void MainWindow::MakeQueryMenu(QMenu& query) {
     Tab().Panes().ShowRows(true);
     Preview().TakeFocus();
   });
+}
+
+void MainWindow::AddSavedQuery(const QString& file) {
+  OnQueries([&](qbQueryBuilder& hub) { hub.AddSavedQuery(ToUtf8(file), false); });
 }
 
 void MainWindow::OnQueries(const std::function<void(qbQueryBuilder&)>& work) {

@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 #include <map>
 
+#include "designer/member_table.h"
 #include "designer/query_list.h"
 #include "designer/tool_icons.h"
 #include "zrqrybld/adapters/qt/say.h"
@@ -56,6 +57,7 @@ SchemaTree::SchemaTree(QueryDesignerWidget& designer, QWidget* parent)
       texts_(designer.QueryBuilder().Texts()),
       filter_(new QLineEdit),
       queries_(new QueryList(kDragFormat)),
+      members_(new MemberTable),
       tree_(new Tree) {
   setObjectName(QStringLiteral("schemaTree"));
   setWindowTitle(Say(*texts_, text::SchemaTreeName));
@@ -82,6 +84,7 @@ SchemaTree::SchemaTree(QueryDesignerWidget& designer, QWidget* parent)
   layout->addWidget(filter_);
   layout->addWidget(tree_, 1);
   layout->addWidget(queries_);
+  layout->addWidget(members_);
   setWidget(inside);
   TellInOrder({findChild<QWidget*>(QStringLiteral("qt_dockwidget_floatbutton")),
                findChild<QWidget*>(QStringLiteral("qt_dockwidget_closebutton")), inside});
@@ -97,7 +100,9 @@ SchemaTree::SchemaTree(QueryDesignerWidget& designer, QWidget* parent)
   connect(tree_, &QTreeWidget::itemActivated, this, [this](const QTreeWidgetItem* item) { Add(*item); });
   designer_->DiagramView().viewport()->installEventFilter(this);
   queries_->SetErrorHandler([this](const std::exception& error) { Q_EMIT Failed(Say(*texts_, error)); });
+  members_->SetErrorHandler([this](const std::exception& error) { Q_EMIT Failed(Say(*texts_, error)); });
   queries_->Follow(designer_->QueryBuilder());
+  members_->Follow(designer_->QueryBuilder());
 }
 
 void SchemaTree::Follow(QueryDesignerWidget& designer) {
@@ -105,6 +110,7 @@ void SchemaTree::Follow(QueryDesignerWidget& designer) {
   designer_ = &designer;
   designer_->DiagramView().viewport()->installEventFilter(this);
   queries_->Follow(designer_->QueryBuilder());
+  members_->Follow(designer_->QueryBuilder());
   SourceChanged();
 }
 

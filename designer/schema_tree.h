@@ -16,6 +16,7 @@
 
 namespace zrqrybld {
 
+class MemberTable;
 class QueryList;
 
 class SchemaTree : public QDockWidget {
@@ -63,6 +64,7 @@ class SchemaTree : public QDockWidget {
   std::shared_ptr<const TextSource> texts_;
   QLineEdit* filter_;
   QueryList* queries_;
+  MemberTable* members_;
   QTreeWidget* tree_;
   std::vector<ListedTable> tables_;
   bool filled_ = false;

@@ -1,9 +1,13 @@
 // Queries within queries in the designer's window, by real mouse and keys: made, opened by boxes, bar and tree, and
 // taken back.
 #include <QAction>
+#include <QDropEvent>
 #include <QMenu>
+#include <QMimeData>
+#include <QTemporaryDir>
 #include <QTreeWidget>
 
+#include "designer/member_table.h"
 #include "designer/query_list.h"
 #include "tests/designer/designer_window_test.h"
 #include "tests/qt/pictures.h"
@@ -49,6 +53,20 @@ class QueryWindow : public test::DesignerWindow {
     std::string said;
     for (QTreeWidgetItemIterator at(&Tree()); *at; ++at) {
       said += (said.empty() ? "" : ", ") + Utf8((*at)->text(0)) + ((*at)->font(0).bold() ? "*" : "");
+    }
+    return said;
+  }
+  // The columns of the members side by side, what does not fit with a sign.
+  std::string Columns() {
+    const MemberTable& table = *window.findChild<MemberTable*>();
+    if (table.isHidden()) return {};
+    std::string said;
+    for (int row = 0; row < table.rowCount(); ++row) {
+      for (int column = 0; column < table.columnCount(); ++column) {
+        const QTableWidgetItem& cell = *table.item(row, column);
+        said += (column > 0 ? "|" : "") + Utf8(cell.text()) + (cell.icon().isNull() ? "" : "!");
+      }
+      said += ", ";
     }
     return said;
   }
@@ -131,7 +149,11 @@ TEST_F(QueryWindow, AQueryInFromAndAUnionAreBuiltAndTakenBack) {
   ASSERT_TRUE(window.AddTables({"Employees"}).isEmpty());
   window.TickColumn("Employees.LastName");
   window.TickColumn("Employees.EmployeeID");
+  EXPECT_EQ(Columns(), "CompanyName|LastName, Freight|EmployeeID, ");
+  Item("Employees", "FirstName")->SetChecked(true);
+  EXPECT_EQ(Columns(), "CompanyName|LastName, Freight|EmployeeID, —|FirstName!, ");
   KeepPictures("member");
+  Hub().Undo();
   EXPECT_EQ(Flat(),
             "SELECT Customers.CompanyName, \"Query\".Freight FROM Customers, ( SELECT \"Order\".CustomerID, "
             "\"Order\".Freight FROM \"Order\" ) AS \"Query\" UNION ALL SELECT Employees.LastName, Employees.EmployeeID "
@@ -166,7 +188,7 @@ TEST_F(QueryWindow, AQueryInFromAndAUnionAreBuiltAndTakenBack) {
   for (; Hub().CanRedo() && steps > 0; --steps) Hub().Redo();
   EXPECT_EQ(Hub().QueriesNow().queries.size(), 3U);
   window.Document().Reset();
-  EXPECT_EQ(Said() + TreeSaid(), "") << "an empty query is one";
+  EXPECT_EQ(Said() + TreeSaid() + Columns(), "") << "an empty query is one";
 }
 
 TEST_F(QueryWindow, AQueryInACriterionIsOpenedChangedAndLeft) {
@@ -200,6 +222,33 @@ TEST_F(QueryWindow, AQueryInACriterionIsOpenedChangedAndLeft) {
   QTest::mouseClick(view.viewport(), Qt::LeftButton, {},
                     QPoint(int(cell.Right().Value()) - 10, int(cell.CenterY().Value())));
   EXPECT_EQ(Shown(), "Subquery of CustomerID");
+}
+
+TEST_F(QueryWindow, AFileThatIsDroppedOnTheDiagramBecomesAQueryInFrom) {
+  window.BeginSession();
+  OpenSampleWith({"Customers"});
+  window.TickColumn("Customers.CompanyName");
+  QTemporaryDir folder;
+  const QString file = folder.filePath("late orders.zrq");
+  Hub().SaveQuery(Utf8(file));
+  const auto drop = [&](const QString& path) {
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(path)});
+    QDropEvent event(QPointF(300, 100), Qt::CopyAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(Diagram(), &event);
+  };
+  drop(file);
+  EXPECT_EQ(TreeSaid(), "Main Query*, late orders");
+  Item("late orders", "CompanyName")->SetChecked(true);
+  EXPECT_EQ(
+      Flat(),
+      "SELECT Customers.CompanyName, \"late orders\".CompanyName FROM Customers, ( SELECT Customers.CompanyName FROM "
+      "Customers ) AS \"late orders\"");
+  KeepPictures("saved");
+  QFile(file).resize(40);
+  const std::string message = MessageOf([&] { drop(file); });
+  EXPECT_NE(message.find("The file holds no statement."), std::string::npos) << message;
+  EXPECT_EQ(TreeSaid(), "Main Query*, late orders");
 }
 
 }  // namespace

@@ -153,6 +153,15 @@ TEST_F(ThreeQueries, MoveToWithAndBackAreRenamedAndRemoved) {
   EXPECT_TRUE(Holds("((recent.n > 3))"));
   hub->Undo();
   ExpectAsBefore();
+  Query("r")->SetName("my.r");
+  const std::string dotted = sql->SQLStatement();
+  EXPECT_TRUE(Holds("WITH \"my.r\" AS (")) << Written();
+  EXPECT_TRUE(Holds("((\"my.r\".n > 3))"));
+  sql->ParseSQLStatement(dotted);
+  EXPECT_EQ(sql->SQLStatement(), dotted);
+  EXPECT_EQ(Items(*diagram->Entities()->Item("my.r")), "* CustomerID n");
+  while (sql->SQLStatement() != statement && hub->Undo()) {
+  }
   const Ref<qbQuery> r = Query("r");
   r->Remove();
   EXPECT_EQ(Tree(), "main, d:from main");
@@ -379,6 +388,30 @@ TEST_F(CellQueries, KnowTheNamesOfTheQueriesAround) {
   EXPECT_EQ(type("= Customers.Name"), "= Customers.Name ");
   EXPECT_EQ(type("> Name"), "> Name ");
   EXPECT_EQ(type("= Customers.Nme"), "= Customers.Nme This is no number, nor a column of the query. (character 3)");
+}
+
+TEST_F(ThreeQueries, ASavedQueryBecomesOneInFrom) {
+  const std::string saved = hub->SaveQueryToText();
+  const std::string design = "SELECT Name FROM Customers";
+  const auto damaged = [&](const std::string& before, const std::string& after) {
+    std::string text = saved;
+    return text.replace(text.find(before), before.size(), after);
+  };
+  hub->Queries()->Item(1)->Open();
+  sql->ParseSQLStatement(design);
+  const std::string before = hub->SaveQueryToText();
+  for (const std::string& file : {std::string(), std::string("nonsense\0\1", 10), damaged("SQLSyntax=5", "SQLSyntax=1"),
+                                  damaged("SQLSyntax=5", "SQLSyntax=x"), damaged("FROM  \t\t\tOrders", "FROM  Nosuch"),
+                                  damaged("End SQLData", "SQLStatement=SELECT 1")}) {
+    EXPECT_EQ(test::ErrorOf([&] { hub->Queries()->AddSaved(file, true); }), ErrorLoadingQuery);
+    EXPECT_EQ(hub->SaveQueryToText(), before);
+  }
+  const Ref<qbQuery> added = hub->Queries()->AddSaved(saved, true);
+  EXPECT_EQ(Tree(), "main, Query:from main, r:with Query, d:from Query");
+  EXPECT_EQ(Items(*diagram->Entities()->Item("Query")), "* Name n Total");
+  EXPECT_EQ(added->SQLStatement(), statement);
+  EXPECT_TRUE(hub->Undo());
+  EXPECT_EQ(hub->SaveQueryToText(), before);
 }
 
 }  // namespace

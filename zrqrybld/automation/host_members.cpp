@@ -134,6 +134,7 @@ constexpr Member kQueries[] = {
     ReadOnly<qbQueries, &qbQueries::Count>("Count"),
     ReadOnly<qbQueries, &qbQueries::Item>("Item", "Index"),
     Method<qbQueries, &qbQueries::Add>("Add", "Kind, [Name]"),
+    Method<qbQueries, &qbQueries::AddSaved>("AddSaved", "Filename, [FileIsData]"),
     ReadWrite<qbQueries, &qbQueries::Current, &qbQueries::SetCurrent>("Current"),
     Method<qbQueries, &qbQueries::OpenInCell>("OpenInCell", "Row, Column, [Number]"),
     Method<qbQueries, &qbQueries::AddInCell>("AddInCell", "Row, Column"),

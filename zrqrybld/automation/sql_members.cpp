@@ -43,6 +43,7 @@ constexpr Member kPane[] = {
     ReadOnly<Pane, &Pane::Joins>("Joins"),
     ReadOnly<Pane, &Pane::Cures>("Cures"),
     Method<Pane, &Pane::CureRemark>("CureRemark", "Index"),
+    Method<Pane, &Pane::OpenQueryAtCaret>("OpenQueryAtCaret"),
     Method<Pane, &ReadFrom<Pane>>("ReadProperties", "Bag"),
     Method<Pane, &WriteTo<Pane>>("WriteProperties", "Bag"),
 };

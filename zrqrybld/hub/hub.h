@@ -405,6 +405,8 @@ class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
   std::shared_ptr<const OuterQueries> Outer() const;
   /// Adds a query to the one that is shown: its id. It gets a name that is free.
   std::int32_t AddQuery(QueryKindEnum kind, const std::string& name);
+  /// Adds what a query file holds as a query in FROM: its id. See `qbQueries::AddSaved`.
+  std::int32_t AddSavedQuery(const std::string& filename, bool fileIsData);
   void RemoveQuery(std::int32_t id);
   void RenameQuery(std::int32_t id, const std::string& name);
   void SetQueryKind(std::int32_t id, QueryKindEnum kind);
@@ -460,6 +462,8 @@ class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
   std::string OnLine(std::int32_t id) const;
   QuerySet QueriesKnown() const;
   void AddRead(ReadQuery& read);
+  std::int32_t AddDerived(ReadQuery& read);
+  std::vector<std::pair<std::string, std::vector<QueryColumn>>> CommonTables() const;
   void RequireIdle() const;
   void MakeIdle();
   void LoadCell(std::int32_t id, ReadQuery& read);

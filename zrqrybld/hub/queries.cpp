@@ -105,6 +105,10 @@ Ref<qbQuery> qbQueries::Add(QueryKindEnum kind, const std::string& name) {
   return Of(Hub()->AddQuery(kind, name));
 }
 
+Ref<qbQuery> qbQueries::AddSaved(const std::string& filename, bool fileIsData) {
+  return Of(Hub()->AddSavedQuery(filename, fileIsData));
+}
+
 std::int32_t qbQueries::ColumnOf(const Variant& column) const {
   const Ref<qbGridPane> grid = Hub()->GridPane();
   if (!grid) ThrowNoSuchItem();

@@ -83,6 +83,12 @@ class ZRQRYBLD_API qbQueries final : public Object {
   /// gets a number, "" a name of its own. A member is put together by UNION ALL at first.
   Ref<qbQuery> Add(QueryKindEnum kind, const std::string& name = {});
 
+  /// Adds what a query file holds to the one that is shown, as a query in FROM with a box; a step. It bears the name of
+  /// the file, with a number where that is taken. With `fileIsData` the text is given instead of its path. Error 40003
+  /// with its cause, and nothing is changed, for a file that cannot be read, that was saved in another dialect, or
+  /// whose statement cannot be read here.
+  Ref<qbQuery> AddSaved(const std::string& filename, bool fileIsData = false);
+
   /// The query that the panes show.
   Ref<qbQuery> Current() const;
   void SetCurrent(const Ref<qbQuery>& query);

@@ -496,7 +496,7 @@ void qbQueryBuilder::EntityRenamed(const std::string& oldCaption, const std::str
   const NameRules rules = CurrentNameRules(*this);
   // As the statement names it: a table under its own name by its schema and name, otherwise by its caption.
   const Ref<qbEntity> entity = Entities() ? Entities()->Item(newCaption) : nullptr;
-  const bool ownName = entity && entity->TagVariant().Text() == newCaption;
+  const bool ownName = entity && entity->TagVariant().Text() == newCaption && !ColumnsOfQuery(newCaption);
   const SqlText after =
       ownName ? RenderQualified(SplitName(newCaption, rules), rules) : QuoteWhenNeeded(Identifier(newCaption), rules);
   const auto renamed = [&](std::string_view text) { return RenameQualifier(text, oldCaption, after, rules); };

@@ -122,21 +122,9 @@ QueryCell CellNow(const qbQueryBuilder& hub, std::int32_t row, std::int32_t colu
   return cell;
 }
 
-// What the queries of WITH are for a query in a cell; nearer ones come first.
-QuerySurroundings SurroundingsOf(const qbQueryBuilder& hub) {
-  QuerySurroundings around;
-  const QuerySet& set = hub.QueriesNow();
-  for (const StoredQuery* query : set.Nameable(set.shown)) {
-    if (query->kind != QueryCommonTable) continue;
-    around.named.emplace_back(query->name, query->columns ? *query->columns : std::vector<QueryColumn>());
-  }
-  around.outer = std::make_shared<OuterQueries>(hub.Snapshot());
-  return around;
-}
-
-ReadQueries ReadCell(qbQueryBuilder& hub, const QueryCell& cell) {
+ReadQueries ReadCell(qbQueryBuilder& hub, const QueryCell& cell, const QuerySurroundings& around) {
   try {
-    ReadQueries read(hub, cell.text, SurroundingsOf(hub));
+    ReadQueries read(hub, cell.text, around);
     RequireWritable(hub, read.Main());
     return read;
   } catch (const SyntaxError& error) {
@@ -161,6 +149,16 @@ std::shared_ptr<const OuterQueries> qbQueryBuilder::OuterOf(std::int32_t id) con
   return parent && parent->snapshot ? std::make_shared<OuterQueries>(*parent->snapshot) : nullptr;
 }
 
+// The queries of WITH that one within the shown query can name; nearer ones come first.
+std::vector<std::pair<std::string, std::vector<QueryColumn>>> qbQueryBuilder::CommonTables() const {
+  std::vector<std::pair<std::string, std::vector<QueryColumn>>> tables;
+  for (const StoredQuery* query : parts_->querySet.Nameable(parts_->querySet.shown)) {
+    if (query->kind != QueryCommonTable) continue;
+    tables.emplace_back(query->name, query->columns ? *query->columns : std::vector<QueryColumn>());
+  }
+  return tables;
+}
+
 // --- Showing one ---
 
 std::int32_t qbQueryBuilder::ShowQueryInCell(std::int32_t row, std::int32_t column, std::int32_t number) {
@@ -174,7 +172,7 @@ std::int32_t qbQueryBuilder::ShowQueryInCell(std::int32_t row, std::int32_t colu
   cell.number = static_cast<std::size_t>(number) - 1;
   cell.text = text.substr(places[cell.number].begin, places[cell.number].end - places[cell.number].begin);
   if (const std::int32_t left = ShowLeft(cell)) return left;
-  ReadQueries read = ReadCell(*this, cell);
+  ReadQueries read = ReadCell(*this, cell, {CommonTables(), std::make_shared<OuterQueries>(Snapshot())});
   StoredQuery& facts = read.Main().facts;
   facts.kind = QueryInCell;
   facts.parent = parts_->querySet.shown;

@@ -510,6 +510,10 @@ void QueryFileReader::TakeSortNulls(const std::string& value) {
 void QueryFileReader::TakeSQL() {
   if (parameters_.sqlStatement && section_.Find("SQLStatement"))
     *parameters_.sqlStatement = section_.Text("SQLStatement");
+  const auto syntax = [this] {
+    return static_cast<SQLSyntaxEnum>(static_cast<int>(RequireNumber("SQLSyntax", 0, AllDialects().back().syntax)));
+  };
+  if (parameters_.syntax && section_.Find("SQLSyntax")) *parameters_.syntax = syntax();
   if (parameters_.only) return;
   if (section_.Find("SelectTopRecords")) hub_.SetSelectTopRecords(section_.Text("SelectTopRecords"));
   if (section_.Find("SkipRecords")) {
@@ -522,10 +526,7 @@ void QueryFileReader::TakeSQL() {
   if (!pane) return;
   if (section_.Find("LikeOperator")) pane->SetLikeOperator(section_.Text("LikeOperator"));
   if (section_.Find("Locked")) pane->SetLocked(RequireBoolean("Locked"));
-  if (section_.Find("SQLSyntax")) {
-    const double syntax = RequireNumber("SQLSyntax", 0, AllDialects().back().syntax);
-    pane->SetSQLSyntax(static_cast<SQLSyntaxEnum>(static_cast<int>(syntax)));
-  }
+  if (section_.Find("SQLSyntax")) pane->SetSQLSyntax(syntax());
 }
 
 void QueryFileReader::TakeTyped() {

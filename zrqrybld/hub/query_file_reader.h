@@ -18,6 +18,7 @@
 
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/hub/hub.h"
+#include "zrqrybld/sql/sql_syntax.h"
 
 namespace zrqrybld {
 
@@ -43,6 +44,7 @@ class QueryFileReader {
     bool only = false;                    ///< nothing else is read
     std::string* sqlStatement = nullptr;  ///< both are set as soon as they are met, where they are asked for
     std::string* connectionString = nullptr;
+    SQLSyntaxEnum* syntax = nullptr;  ///< the dialect that the statement is written in
   };
 
   /// Reads into `hub`; what is passed over is said in `remarks`.

@@ -41,12 +41,21 @@ class EntityColumns final : public KnownColumns {
   std::vector<Ref<qbEntity>> entities_;
 };
 
-void TakeTables(QuerySnapshot& snapshot, TablePositions& positions, const qbEntities& entities) {
+// A query may have the sign in its name that parts schemas from tables.
+std::vector<Identifier> NameOf(const qbEntity& entity, const NameRules& rules, const QueryContext& context) {
+  std::vector<Identifier> name = WrittenName(entity, rules);
+  const std::string tag = entity.TagVariant().Text();
+  if (name.size() > 1 && context.design.ColumnsOfQuery(tag)) name.assign(1, Identifier(tag));
+  return name;
+}
+
+void TakeTables(QuerySnapshot& snapshot, TablePositions& positions, const qbEntities& entities,
+                const QueryContext& context) {
   snapshot.tables.reserve(static_cast<std::size_t>(entities.Count()));
   for (const Ref<qbEntity>& entity : entities) {
     SnapshotTable table;
     table.caption = Identifier(entity->Caption());
-    table.name = WrittenName(*entity, snapshot.names);
+    table.name = NameOf(*entity, snapshot.names, context);
     table.aliased = entity->Caption() != entity->TagVariant().Text();
     positions.emplace(entity->Caption(), snapshot.tables.size());
     snapshot.tables.push_back(std::move(table));
@@ -127,7 +136,7 @@ QuerySnapshot TakeSnapshot(const QueryContext& context, const qbEntities* entiti
   snapshot.names = CurrentNameRules(context);
   TablePositions positions;
   if (entities) {
-    TakeTables(snapshot, positions, *entities);
+    TakeTables(snapshot, positions, *entities, context);
     TakeJoins(snapshot, positions, *entities);
     if (context.source.IsConnected()) {
       snapshot.columns = std::make_shared<EntityColumns>(*entities);

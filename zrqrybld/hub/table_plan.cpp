@@ -99,9 +99,11 @@ void TablePlan::Claim(const qbEntities& entities) {
   std::unordered_map<std::string_view, std::size_t, HashNoCase, EqualNoCase> firstOf;  // by the last part of the name
   for (std::size_t i = drawn.size(); i-- > 0;) {
     drawn[i].entity = entities.Item(static_cast<std::int32_t>(i + 1));
+    const std::string tag = drawn[i].entity->TagVariant().Text();
+    drawn[i].isQuery = queries_(tag).has_value();
     drawn[i].writtenName = WrittenName(*drawn[i].entity, rules_);
+    if (drawn[i].isQuery) drawn[i].writtenName.assign(1, Identifier(tag));
     drawn[i].name = SourceName(*drawn[i].entity, drawn[i].writtenName);
-    drawn[i].isQuery = queries_(drawn[i].entity->TagVariant().Text()).has_value();
     const auto [first, added] = firstOf.emplace(drawn[i].name.back().Name(), i);
     if (!added) drawn[i].nextAlike = std::exchange(first->second, i);
   }

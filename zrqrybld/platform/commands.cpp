@@ -102,6 +102,7 @@ constexpr CommandRow kCommands[] = {
     {Command::AddUnionMember, {}, {}, text::AddUnionMemberItem, Needs::Nothing},
     {Command::GoToQueryAtCaret, {F(12)}, {}, text::GoToQueryItem, Needs::Nothing},
     {Command::ShowConditions, {F(9), ShiftShift}, {}, text::ConditionsItem, Needs::Nothing},
+    {Command::AddSavedQuery, {}, {}, text::AddSavedQueryItem, Needs::Nothing},
 };
 
 constexpr bool InOrder() {

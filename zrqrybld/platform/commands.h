@@ -98,6 +98,7 @@ enum class Command : std::uint8_t {
   AddUnionMember,
   GoToQueryAtCaret,
   ShowConditions,
+  AddSavedQuery,
 };
 
 /// What has to be there before a command can be given, beside what it is given for.

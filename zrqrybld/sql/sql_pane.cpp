@@ -366,7 +366,7 @@ void qbSQLPane::ShowPart() {
 
 bool qbSQLPane::OpenQueryAtCaret() {
   const Ref<QueryContext> context = context_.lock();
-  if (!context || !whole_ || edited_) return false;
+  if (!context || !whole_) return false;
   const std::size_t caret = textArea_->Caret();
   const QueryPart* innermost = nullptr;
   const std::vector<QueryPart> parts = PartsIn(textArea_->Text(), *whole_);

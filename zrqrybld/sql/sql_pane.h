@@ -90,8 +90,8 @@ class ZRQRYBLD_API qbSQLPane final : public Object {
   /// nothing is changed then.
   bool UseAsTyped();
 
-  /// Shows the query of the statement that the caret stands in, the innermost one. False where the text is not the
-  /// designer's own, is one query, or shows that one already.
+  /// Shows the query of the statement that the caret stands in, the innermost one. False where the text says another
+  /// thing than was generated, is one query, or shows that one already.
   bool OpenQueryAtCaret();
 
   /// Whether the statement generated last holds a table that is joined to none before it.
