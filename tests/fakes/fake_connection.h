@@ -38,7 +38,8 @@ class FakeConnection final : public Connection {
     for (const std::string& column : columns) Column(name, column, ++position, schema);
   }
   void Column(const std::string& table, const std::string& name, const Variant& position,
-              const std::string& schema = {}, DataTypeCode type = DataTypeCode::Integer, std::int32_t flags = 0) {
+              const std::string& schema = {}, DataTypeCode type = DataTypeCode::Integer, std::int32_t flags = 0,
+              const Variant& nullable = Variant::Null()) {
     Cells cells(std::size(kColumnFields), Variant::Null());
     Put(cells, kColumnFields, "TABLE_SCHEMA", OrNull(schema));
     Put(cells, kColumnFields, "TABLE_NAME", table);
@@ -46,6 +47,7 @@ class FakeConnection final : public Connection {
     Put(cells, kColumnFields, "ORDINAL_POSITION", position);
     Put(cells, kColumnFields, "DATA_TYPE", static_cast<std::int32_t>(type));
     Put(cells, kColumnFields, "COLUMN_FLAGS", flags);
+    Put(cells, kColumnFields, "IS_NULLABLE", nullable);
     rows_[SchemaKind::Columns].push_back(std::move(cells));
   }
   void PrimaryKey(const std::string& table, const std::string& column, const std::string& schema = {}) {

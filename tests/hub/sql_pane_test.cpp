@@ -63,6 +63,60 @@ TEST_F(SqlPane, ACriterionMovesIntoTheJoinWhoseRowsItDrops) {
   EXPECT_EQ(Sql(), before);
 }
 
+TEST_F(SqlPane, ACriterionThatAsksATableBecomesAJoinWhereThatMeansTheSame) {
+  source->Forget(SchemaKind::Columns);
+  source->Column("Customers", "CustomerID", 1, {}, DataTypeCode::Integer, 0, false);
+  source->Column("Customers", "Name", 2);
+  source->Column("Orders", "CustomerID", 1, {}, DataTypeCode::Integer, 0, false);
+  source->Column("Orders", "Total", 2);
+  Use();
+  constexpr const char* kMayBeNull = "may be Null";
+  constexpr const char* kOtherwise = "No joined table asks the same";
+  const struct {
+    const char* from;
+    const char* where;
+    const char* asked;    // "" when it is refused
+    const char* refused;  // a part of the reason
+  } cases[] = {
+      {"", "c.CustomerID IN (SELECT CustomerID FROM Orders)",
+       "EXISTS (SELECT *FROM OrdersWHERE Orders.CustomerID = c.CustomerID)", ""},
+      {"", "c.Name IN (SELECT o.Total FROM Orders o WHERE o.Total > 1 OR o.CustomerID = 2)",
+       "EXISTS (SELECT *FROM Orders AS oWHERE o.Total = c.Name AND (o.Total > 1 OR o.CustomerID = 2))", ""},
+      {"", "c.CustomerID NOT IN (SELECT o.CustomerID FROM Orders o WHERE o.Total > 1)",
+       "NOT EXISTS (SELECT *FROM Orders AS oWHERE o.CustomerID = c.CustomerID AND o.Total > 1)", ""},
+      {"", "c.CustomerID NOT IN (SELECT Total FROM Orders)", "", kMayBeNull},
+      {"", "c.Name NOT IN (SELECT CustomerID FROM Orders)", "", kMayBeNull},
+      {"RIGHT JOIN Orders p ON p.CustomerID = c.CustomerID", "c.CustomerID NOT IN (SELECT CustomerID FROM Orders)", "",
+       kMayBeNull},
+      {"", "c.CustomerID IN (SELECT CustomerID FROM Orders) OR c.Name = 'x'", "", kOtherwise},
+      {"", "c.CustomerID IN (SELECT Name FROM Orders)", "", kOtherwise},
+      {"", "c.CustomerID IN (SELECT CustomerID FROM Orders c)", "", "a table c already"},
+      {"", "c.CustomerID IN (SELECT MAX(CustomerID) FROM Orders)", "", "Only a criterion IN"},
+      {"", "c.CustomerID IN (SELECT CustomerID FROM Orders LIMIT 1)", "", "Only a criterion IN"},
+      {"", "c.CustomerID IN (1, 2)", "", "Only a criterion IN"},
+  };
+  for (const auto& one : cases) {
+    SCOPED_TRACE(one.where);
+    diagram->Clear();
+    sql->ParseSQLStatement(std::string("SELECT Name FROM Customers c ") + one.from + " WHERE " + one.where);
+    const std::string before = Sql();
+    std::int32_t row = 1;
+    while (Cell(row, "criteria").find("IN") == std::string::npos) ++row;
+    std::string refusal;
+    try {
+      hub->AskAsJoin(row, "criteria");
+    } catch (const Error& error) {
+      refusal = error.what();
+    }
+    EXPECT_NE(refusal.find(one.refused), std::string::npos) << refusal;
+    EXPECT_EQ(refusal.empty(), *one.refused == 0) << refusal;
+    EXPECT_EQ(Sql(), *one.refused ? before : std::string("SELECT c.NameFROM Customers AS cWHERE(") + one.asked + ")");
+    if (*one.refused) continue;
+    EXPECT_TRUE(hub->Undo());
+    EXPECT_EQ(Sql(), before);
+  }
+}
+
 TEST_F(SqlPane, ColumnsOfATableThatIsOnlyAskedAboutAreNotShownAndNotLost) {
   sql->ParseSQLStatement("SELECT Name, o.Total FROM Customers c INNER JOIN Orders o ON o.CustomerID = c.CustomerID");
   const Ref<qbWholeJoin> join = diagram->WholeJoins()->Item(1);

@@ -112,6 +112,7 @@ constexpr Member kQueryBuilder[] = {
     ReadWrite<Hub, &Hub::AutoSyntax, &Hub::SetAutoSyntax>("AutoSyntax"),
     Method<Hub, &Hub::AskParameters>("AskParameters", "SQL"),
     Method<Hub, &Hub::QuoteIdentifier>("QuoteIdentifier", "Name"),
+    Method<Hub, &Hub::AskAsJoin>("AskAsJoin", "Row, Column"),
     Method<Hub, &Hub::Undo>("Undo"),
     Method<Hub, &Hub::Redo>("Redo"),
     ReadOnly<Hub, &Hub::CanUndo>("CanUndo"),

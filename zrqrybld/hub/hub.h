@@ -293,6 +293,11 @@ class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
   /// The set of entities, their order or their captions have changed, from this position on.
   void EntitiesChanged(std::int32_t from);
 
+  /// Makes the table that a criterion asks by IN (SELECT ...) or NOT IN one of the diagram, with a join that only asks
+  /// whether it has a row: a step. `row` and `column` name the criterion's cell, the column by position or key. Error 5
+  /// with the reason where the statement would not mean the same: NOT IN needs columns that cannot be Null.
+  void AskAsJoin(std::int32_t row, const Variant& column);
+
   // --- Undo ---
 
   /// Takes the last step back: what the user, or the application between `BeginStep` and `EndStep`, has changed in the
@@ -497,6 +502,7 @@ class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
   std::unique_ptr<Parts> parts_;
   Ref<qbDiagramPane> diagramPane_;
   Ref<qbGridPane> gridPane_;
+  EventConnection gridMenu_;  // what the hub puts into it
   Ref<qbSQLPane> sqlPane_;
   std::shared_ptr<SchemaCache> schema_;
   std::optional<Error> lastError_;

@@ -18,6 +18,7 @@
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/host/connection_info.h"
 #include "zrqrybld/host/language.h"
+#include "zrqrybld/hub/ask_as_join.h"
 #include "zrqrybld/hub/hub.h"
 #include "zrqrybld/hub/hub_parts.h"
 #include "zrqrybld/hub/snapshot_builder.h"
@@ -326,6 +327,7 @@ void qbQueryBuilder::SetDiagramPane(const Ref<qbDiagramPane>& pane) {
 
 void qbQueryBuilder::SetGridPane(const Ref<qbGridPane>& pane) {
   Link(gridPane_, pane, &qbQueryBuilder::SetGridPane);
+  gridMenu_ = OfferAskAsJoin(*this);
   RememberAll();
   OutputTicked();
 }

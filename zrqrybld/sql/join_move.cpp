@@ -9,17 +9,19 @@
 
 namespace zrqrybld {
 
+std::string ConditionOf(const QuerySnapshot& query, const SnapshotRow& row, const std::string& criterion) {
+  CriteriaContext context = query.criteria;
+  context.quotePrefix = query.names.quotePrefix;
+  DescribeColumn(context, row);
+  return FormatCondition(FieldTerm(query.tables[*row.table], row.column, query.names), criterion, context);
+}
+
 std::optional<std::string> ConditionToMove(const QuerySnapshot& query, const SnapshotRow& row) {
   const auto says = [](const std::string& cell) { return !Trim(cell).empty(); };
   if (!row.table || row.column == "*" || row.grouping.ChoosesGroups()) return std::nullopt;
   if (std::ranges::count_if(row.criteria, says) != 1) return std::nullopt;
-  CriteriaContext context = query.criteria;
-  context.quotePrefix = query.names.quotePrefix;
-  DescribeColumn(context, row);
   try {
-    const std::string field = FieldTerm(query.tables[*row.table], row.column, query.names);
-    std::string condition =
-        JoinConditionText(FormatCondition(field, *std::ranges::find_if(row.criteria, says), context));
+    std::string condition = JoinConditionText(ConditionOf(query, row, *std::ranges::find_if(row.criteria, says)));
     const NamedTables named = TablesNamed(condition, query.tables);
     if (condition.empty() || !named.areAll || named.tables != std::vector{*row.table}) return std::nullopt;
     return condition;

@@ -13,6 +13,9 @@ namespace zrqrybld {
 /// than that column's, so that it means the same in a join of the table. None for every other row.
 std::optional<std::string> ConditionToMove(const QuerySnapshot& query, const SnapshotRow& row);
 
+/// A criterion of a column's row as a condition; "" for none. Error for one that cannot be read.
+std::string ConditionOf(const QuerySnapshot& query, const SnapshotRow& row, const std::string& criterion);
+
 /// What a join asks that asked `first` and is to ask `second` as well.
 std::string BothConditions(std::string_view first, std::string_view second);
 

@@ -59,6 +59,24 @@ bool ChoosesNoRows(const SelectStatement& query) {
   return query.top.empty() && query.skip.empty() && !query.groupBy && !query.having;
 }
 
+// The query in parentheses; none when it cannot be read.
+std::unique_ptr<SelectStatement> ReadInner(const Expression& query, const ParseOptions& options) {
+  const std::size_t open = query.text.find('(');
+  if (query.kind != ExpressionKind::Subquery || open == std::string_view::npos) return nullptr;
+  try {
+    return std::make_unique<SelectStatement>(
+        ParseSelect(query.text.substr(open + 1, query.text.size() - open - 2), options));
+  } catch (const SyntaxError&) {
+    return nullptr;
+  }
+}
+
+bool IsAboutOneTable(const SelectStatement& query) {
+  const FromItem* table = query.from;
+  return table && !table->table.empty() && table->query.empty() && !table->next && !table->joins &&
+         ChoosesNoRows(query);
+}
+
 class Taking {
  public:
   Taking(SelectStatement& statement, const ParseOptions& options) : options_(options) {
@@ -125,21 +143,9 @@ class Taking {
   bool Take(const Expression& term, std::optional<std::size_t> around, bool mayHaveParentheses) {
     bool forNone = false;
     const Expression* query = questions.size() < kMostQuestions ? ExistsIn(term, forNone, mayHaveParentheses) : nullptr;
-    if (!query || query->kind != ExpressionKind::Subquery) return false;
-    const std::size_t open = query->text.find('(');
-    if (open == std::string_view::npos) return false;
-    std::unique_ptr<SelectStatement> read;
-    try {
-      read = std::make_unique<SelectStatement>(
-          ParseSelect(query->text.substr(open + 1, query->text.size() - open - 2), options_));
-    } catch (const SyntaxError&) {
-      return false;
-    }
-    const FromItem* table = read->from;
-    if (!table || table->table.empty() || !table->query.empty() || table->next || table->joins || !read->where ||
-        !ChoosesNoRows(*read))
-      return false;
-    if (!names_.insert(ExposedName(*table)).second) return false;  // the diagram has one table of a name
+    std::unique_ptr<SelectStatement> read = query ? ReadInner(*query, options_) : nullptr;
+    if (!read || !read->where || !IsAboutOneTable(*read)) return false;
+    if (!names_.insert(ExposedName(*read->from)).second) return false;  // the diagram has one table of a name
     const std::size_t place = questions.size();
     questions.push_back({std::move(read), forNone, around});
     TakeFrom(*questions[place].query, place);
@@ -154,6 +160,32 @@ class Taking {
 
 std::vector<ReadQuestion> TakeQuestions(SelectStatement& statement, const ParseOptions& options) {
   return std::move(Taking(statement, options).questions);
+}
+
+std::optional<ListQuestion> ReadListQuestion(const std::string& condition) {
+  const std::string statement = "SELECT * FROM t WHERE " + condition;  // a condition alone is no statement
+  std::unique_ptr<SelectStatement> read;
+  std::unique_ptr<SelectStatement> query;
+  try {
+    read = std::make_unique<SelectStatement>(ParseSelect(statement, {}));
+  } catch (const SyntaxError&) {
+    return std::nullopt;
+  }
+  const Expression* in = read->where ? StripParentheses(read->where) : nullptr;
+  if (!in || in->kind != ExpressionKind::In || in->first->kind != ExpressionKind::Column) return std::nullopt;
+  query = ReadInner(*in->first->next, {});
+  if (!query || !IsAboutOneTable(*query)) return std::nullopt;
+  const SelectItem* item = query->items;
+  if (!item || item->next || item->expression->kind != ExpressionKind::Column) return std::nullopt;
+  const std::string_view column = item->expression->text;
+  std::string exists(in->negated ? "NOT EXISTS (SELECT * FROM " : "EXISTS (SELECT * FROM ");
+  exists += std::string(query->from->table) + ' ' + std::string(query->from->alias) + " WHERE " + std::string(column) +
+            " = " + std::string(in->first->text);
+  if (query->where) {
+    const bool isChoice = query->where->kind == ExpressionKind::Or;
+    exists += (isChoice ? " AND (" : " AND ") + std::string(query->where->text) + (isChoice ? ")" : "");
+  }
+  return ListQuestion{exists + ")", ExposedName(*query->from), PlainName(item->expression->name), in->negated};
 }
 
 std::vector<const FromItem*> TablesOf(const std::vector<ReadQuestion>& questions) {

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "zrqrybld/sql/select_statement.h"
@@ -26,6 +27,18 @@ struct ReadQuestion {
 
 /// Takes the questions out of the conditions that WHERE joins by AND, at most 50; inner ones follow those around them.
 std::vector<ReadQuestion> TakeQuestions(SelectStatement& statement, const ParseOptions& options);
+
+/// What a condition asks that compares with the rows of a query: "x IN (SELECT y FROM t ...)", or NOT IN.
+struct ListQuestion {
+  std::string exists;  ///< the same as "EXISTS (SELECT ...)", or NOT
+  std::string table;   ///< what the query calls its table
+  std::string column;  ///< y
+  bool forNone = false;
+};
+
+/// None for every condition that is not of this form, with one table and a plain column, or has a LIMIT, GROUP BY or
+/// the like. `condition` begins with a column.
+std::optional<ListQuestion> ReadListQuestion(const std::string& condition);
 
 /// The tables that the questions are about, in their order.
 std::vector<const FromItem*> TablesOf(const std::vector<ReadQuestion>& questions);
