@@ -73,8 +73,8 @@ class Printer {
   }
 
  private:
-  // As it stands, but for the expressions in it.
-  void PrintOpaque(const Expression& e) {
+  // As it stands, but for the expressions in it. Apart, because what it needs would deepen each call of `Print`.
+  [[gnu::noinline]] void PrintOpaque(const Expression& e) {
     if (!substitution_ || !e.first) return AppendOnOneLine(text_, e.text);
     std::string text;
     const char* done = e.text.data();
