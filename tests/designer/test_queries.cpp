@@ -234,6 +234,8 @@ TEST_F(QueryWindow, AFileThatIsDroppedOnTheDiagramBecomesAQueryInFrom) {
   const auto drop = [&](const QString& path) {
     QMimeData data;
     data.setUrls({QUrl::fromLocalFile(path)});
+    QDragEnterEvent enter(QPoint(300, 100), Qt::CopyAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(Diagram(), &enter);  // without it nothing is dropped
     QDropEvent event(QPointF(300, 100), Qt::CopyAction, &data, Qt::LeftButton, {});
     QApplication::sendEvent(Diagram(), &event);
   };
