@@ -79,17 +79,31 @@ bool HasOtherAlternatives(const QuerySnapshot& query, std::size_t cell) {
   });
 }
 
+// The statement with one condition more. Where none comes before it a list of tables gets no WHERE for a condition from
+// outside: it goes the way of those of the grid, and the parentheses around it are taken away.
+std::string WithCondition(QuerySnapshot query, const Dialect& dialect, const std::string& condition) {
+  const bool isAlone = query.joins.empty() && std::ranges::all_of(query.rows, [](const SnapshotRow& row) {
+                         return std::ranges::all_of(row.criteria, [](const auto& cell) { return Trim(cell).empty(); });
+                       });
+  if (!isAlone) return GenerateSelect(query, dialect, {.orExpression = {}, .andExpression = condition}).text;
+  SnapshotRow row;
+  row.column = condition;
+  if (query.groupByMode) row.grouping = GroupingKind::Where;
+  row.criteria = {"= True"};
+  query.rows.push_back(std::move(row));
+  return ReplaceAll(GenerateSelect(query, dialect, {}).text, "((" + condition + "))", condition);
+}
+
 // The statement with EXISTS instead of IN, when that reads as a join and means the same.
 std::string Asking(qbQueryBuilder& hub, QuerySnapshot query, std::size_t place, std::size_t cell) {
-  SnapshotRow& row = query.rows[place];
+  const SnapshotRow row = query.rows[place];
   if (!row.table || row.column == "*" || cell >= row.criteria.size()) Refuse(text::NoListQuestion);
   const std::optional<ListQuestion> question = ReadListQuestion(ConditionOf(query, row, row.criteria[cell]));
   if (!question) Refuse(text::NoListQuestion);
   if (FindTable(query, question->table)) Refuse({text::AskedNameTaken, question->table});
   if (row.grouping.ChoosesGroups() || HasOtherAlternatives(query, cell)) Refuse(text::AskedOtherwise);
-  row.criteria[cell].clear();
-  std::string statement =
-      GenerateSelect(query, hub.CurrentDialect(), {.orExpression = {}, .andExpression = question->exists}).text;
+  query.rows[place].criteria[cell].clear();
+  std::string statement = WithCondition(query, hub.CurrentDialect(), question->exists);
   ReadQueries read(hub, statement);
   const QuerySnapshot asked = read.Main().statement->Design();
   const std::optional<std::size_t> table = FindTable(asked, question->table);
