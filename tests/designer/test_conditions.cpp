@@ -130,8 +130,7 @@ TEST_F(ConditionsTest, ChooseGroupsApartFromRows) {
   EXPECT_EQ(Shown(), "Rows: all of these (UPPER(c.City) = 'BATH')");
   QTreeWidgetItem* groups = Tree().topLevelItem(1);
   ASSERT_TRUE(groups);
-  EXPECT_EQ(Say(*groups),
-            "Groups: all of these (Count(c.*) > 1; any of these (MAX(c.City) > 'M'; c.Country IS NULL))");
+  EXPECT_EQ(Say(*groups), "Groups: all of these (Count(c.*) > 1; any of these (MAX(c.City) > 'M'; c.Country IS NULL))");
   Tree().setCurrentItem(groups->child(1)->child(0));
   View().Negate();
   Tree().setCurrentItem(Tree().topLevelItem(1)->child(0));

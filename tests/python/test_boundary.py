@@ -18,6 +18,13 @@ DATA = Path(__file__).resolve().parent.parent / "data"
 STORE = os.environ["STORE_DB"]
 
 
+def saved(qb):
+    """A file with the query of the designer."""
+    name = os.path.join(tempfile.mkdtemp(), "query.zrq")
+    qb.SaveQuery(name)
+    return name
+
+
 def designer():
     """A linked designer on the sample database with two joined tables and a query column."""
     qb = create("qbQueryBuilder")
@@ -74,7 +81,7 @@ class EveryMember(unittest.TestCase):
         "GetRowColumnIndex": (50.0, 50.0, 0, 0), "GetRowColumnXY": (1, 1, 0.0, 0.0), "GotoRowCol": (1, 2),
         "qbGridPane.Value": (1, 1), "ParametersDialog.Value": (1,), "AskParameters": ("SELECT 1",),
         "zrGridRow.Value": (1,), "qbEntity.TagVariant": (), "zrGridColumns.Remove": (11,),
-        "TablesDialog.Add": (["Products"],), "qbJoinTables.Add": ("a", "x", "b", "y"), "qbQueries.Add": (2, "q"), "OpenInCell": (1, "criteria"), "AddInCell": (1, "criteria"), "PasteText": ("x",),
+        "TablesDialog.Add": (["Products"],), "qbJoinTables.Add": ("a", "x", "b", "y"), "qbQueries.Add": (2, "q"), "OpenInCell": (1, "criteria"), "AddInCell": (1, "criteria"), "AskAsJoin": (2, "criteria"), "PasteText": ("x",),
     }
     # What raises the event that brings a dialog.
     DIALOGS = {
@@ -94,6 +101,7 @@ class EveryMember(unittest.TestCase):
     def arguments(self, type_name, member, objects):
         special = {
             "qbQueryBuilder.ShowJoinProperties": lambda: (objects["qbRelationship"],),
+            "qbQueries.AddSaved": lambda: (saved(objects["qbQueryBuilder"]),),
             "qbUtility.RemoveQuotedIdentifiers": lambda: (objects["qbQueryBuilder"], '"a"'),
             "qbGridPane.SetGroupByFunction": lambda: (1, objects["qbQueryBuilder"].DBFunctions["SUM"]),
             "qbRelationships.Add": lambda: (objects["qbEntity"],),
@@ -189,6 +197,9 @@ class EveryMember(unittest.TestCase):
             objects["qbQueryBuilder"].AddTable("Products")  # a table that is joined to none
         if member.name == "OpenInCell":
             objects["qbQueryBuilder"].SQLPane.ParseSQLStatement("SELECT City FROM Customers WHERE City IN (SELECT City FROM Customers)")
+        if member.name == "AskAsJoin":
+            objects["qbQueryBuilder"].SQLPane.ParseSQLStatement(
+                'SELECT City FROM Customers WHERE CustomerID IN (SELECT CustomerID FROM "Order")')
         arguments = self.arguments(type_name, member, objects)
         if member.kind == "event":
             obj.on(member.name, lambda *_: None).off()
