@@ -202,7 +202,7 @@ std::vector<ListEntry> qbIntelliList::Entries() const {
 void qbIntelliList::Accept(std::ptrdiff_t index) {
   if (index < 0 || index >= std::ssize(list_.items)) return;
   const Suggestion& item = list_.items[static_cast<std::size_t>(index)];
-  if (item.asksDate) return ChooseDate(item.insert);
+  if (item.asksDate) return ChooseDate(std::string(item.insert));  // the entry goes with the list
   const TextReplacement taken{list_.from, list_.to, ReadTemplate(item.insert)};
   // Columns keep their order: who has just taken one wants another.
   const bool returns = item.kind != SuggestionKind::Text && item.kind != SuggestionKind::Column;
@@ -215,7 +215,7 @@ void qbIntelliList::Accept(std::ptrdiff_t index) {
 void qbIntelliList::ChooseDate(const std::string& now) {
   const std::size_t from = list_.from;
   const std::size_t to = list_.to;
-  Close();  // the entry goes with the list
+  Close();
   values_->ChooseDate(now, [weak = weak_from_this(), from, to](const std::string& literal) {
     const auto self = std::static_pointer_cast<qbIntelliList>(weak.lock());
     if (self) self->Accepted.Raise({from, to, {literal, {}}});

@@ -268,7 +268,7 @@ void NameScope::CheckOuter(const Expression& column) const {
 }
 
 std::size_t NameScope::OffsetOf(std::string_view part) const {
-  const std::less<const char*> before;
+  const std::less<> before;
   const bool isWithin = !before(part.data(), text_.data()) && !before(text_.data() + text_.size(), part.data());
   return isWithin ? static_cast<std::size_t>(part.data() - text_.data()) : 0;
 }
