@@ -103,6 +103,17 @@ TEST_F(Undoing, WhatTheApplicationSetsOutsideOfStepsStays) {
   EXPECT_EQ(row->Value("column").Text(), "Total");
 }
 
+// A join without columns is no step yet: it is not taken back before its table is, and must not keep that from going.
+TEST_F(Undoing, AJoinThatIsNotCompleteGoesWithItsTable) {
+  const Ref<qbEntity> orders = hub->AddTable("Orders");
+  orders->Relationships()->Add(hub->AddTable("Customers"));
+  EXPECT_TRUE(hub->Undo());
+  EXPECT_EQ(orders->Relationships()->Count(), 0);
+  diagram->Entities()->Remove("Orders");
+  for (int steps = 0; steps < 2; ++steps) EXPECT_TRUE(hub->Undo());
+  EXPECT_FALSE(hub->Undo());
+}
+
 // The memory follows what was changed, not how large the design is; and there is an end to it.
 TEST_F(Undoing, TheMemoryFollowsTheChanges) {
   hub->SetConnection(std::make_shared<test::FakeConnection>());

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <span>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "zrqrybld/grid/grid_columns.h"
 
@@ -327,11 +328,29 @@ bool History::Fits(bool back) const {
       [](const auto& state) { return state->identity; }, [](const auto& state) { return state->identity; });
 }
 
+namespace {
+
+// A join that was made outside of steps may lead to a table that goes with the step in which it came: it goes, too.
+void LeaveOutLostJoins(DiagramState& entities) {
+  std::unordered_set<const EntityIdentity*> there;
+  for (const auto& entity : entities) there.insert(entity->identity.get());
+  const auto isLost = [&](const JoinState& join) { return !there.contains(join.target.get()); };
+  for (auto& entity : entities) {
+    if (std::ranges::none_of(entity->joins, isLost)) continue;
+    EntityState kept = *entity;
+    std::erase_if(kept.joins, isLost);
+    entity = std::make_shared<const EntityState>(std::move(kept));
+  }
+}
+
+}  // namespace
+
 const Design& History::Travel(bool back) {
   // What needs memory comes first: the step is undone whole or not at all.
   const Step& step = back ? undo_.back() : redo_.back();
   Design then = known_;
   Apply(then.entities, step.entities, back);
+  if (!step.entities.Empty()) LeaveOutLostJoins(then.entities);
   Apply(then.rows, step.rows, back);
   if (step.options) then.options = back ? step.options->first : step.options->second;
   if (back) {
