@@ -19,7 +19,7 @@ ItemState qbEntityItem::State() const {
 void qbEntityItem::Restore(const ItemState& state) {
   if (state.bold) SetBold(true);
   if (state.color != Row().ForeColor()) SetColor(state.color);
-  if (!state.smallIcon.IsBlank()) SetSmallIcon(state.smallIcon);
+  if (!state.smallIcon.IsEmpty()) SetSmallIcon(state.smallIcon);
   if (state.kind != TypeKind::None) SetKind(state.kind);
   SetToolTipText(state.toolTip);
   properties_ = state.properties;
