@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "zrqrybld/base/export.h"
+
 namespace zrqrybld {
 
 struct QueryForms;
@@ -37,8 +39,8 @@ constexpr bool Intersects(QueryOperatorEnum combined) { return combined / 2 == 1
 constexpr bool Excepts(QueryOperatorEnum combined) { return combined / 2 == 2; }
 
 /// The operator in words of everybody: "UNION ALL".
-std::string_view NameOf(QueryOperatorEnum combined);
+ZRQRYBLD_API std::string_view NameOf(QueryOperatorEnum combined);
 /// As a dialect writes it; "" where it cannot.
-std::string WordOf(QueryOperatorEnum combined, const QueryForms& forms);
+ZRQRYBLD_API std::string WordOf(QueryOperatorEnum combined, const QueryForms& forms);
 
 }  // namespace zrqrybld
