@@ -8,6 +8,7 @@
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/host/step_context.h"
 #include "zrqrybld/hub/hub.h"
+#include "zrqrybld/platform/image.h"
 #include "zrqrybld/sql/sql_pane.h"
 #include "zrqrybld/sql/sql_syntax.h"
 
@@ -112,6 +113,18 @@ TEST_F(Undoing, AJoinThatIsNotCompleteGoesWithItsTable) {
   diagram->Entities()->Remove("Orders");
   for (int steps = 0; steps < 2; ++steps) EXPECT_TRUE(hub->Undo());
   EXPECT_FALSE(hub->Undo());
+}
+
+// What cannot come back as it was is no step that would be undone next.
+TEST_F(Undoing, AnIconThatIsGoneIsNoStep) {
+  const auto images = std::make_shared<ImageList>();
+  images->Add(std::make_shared<Image>(1, 1, std::vector<std::uint32_t>{1}), "Note");
+  diagram->SetItemsImageList(images);
+  hub->AddTable("Orders")->Items()->Item("Total")->SetSmallIcon("Note");
+  diagram->Entities()->Remove("Orders");
+  diagram->SetItemsImageList(std::make_shared<ImageList>());
+  for (int steps = 0; steps < 3; ++steps) EXPECT_EQ(hub->Undo(), steps < 2) << steps;
+  for (int steps = 0; steps < 3; ++steps) EXPECT_EQ(hub->Redo(), steps < 2) << steps;
 }
 
 // The memory follows what was changed, not how large the design is; and there is an end to it.

@@ -298,8 +298,10 @@ void History::Push(Step step) {
   }
 }
 
-void History::Adopt(std::size_t untouched, const DiagramState& entities, DesignOptions options) {
-  known_.options = std::move(options);
+void History::Adopt(DesignChange change) {
+  known_.options = std::move(change.options);
+  const std::size_t untouched = change.untouchedEntities.before;
+  const DiagramState& entities = change.entities;
   for (std::size_t i = 0; i < entities.size() && untouched + i < known_.entities.size(); ++i) {
     auto& known = known_.entities[untouched + i];
     if (known->identity == entities[i]->identity) known = entities[i];

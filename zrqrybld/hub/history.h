@@ -103,8 +103,8 @@ class History {
   /// Another query is shown: the design is this, and no step is noted.
   void Show(Design now);
   /// The tables and options have changed outside of any step: they are known as they are now, and no step is noted.
-  /// The tables are those behind the first `untouched` ones; what came or went is left to the next step.
-  void Adopt(std::size_t untouched, const DiagramState& entities, DesignOptions options);
+  /// Tables that came or went, and the rows, are left to the next step.
+  void Adopt(DesignChange change);
   /// Forgets all steps; the design is this.
   void Forget(Design now);
 

@@ -76,7 +76,8 @@ void qbQueryBuilder::StepBegins(const StepLabel& step) {
   if (sqlPane_ && sqlPane_->IsEdited() && step.id != kStepApplyStatement.id) typed_ = sqlPane_->SQLStatement();
   DesignChange change;
   TakeTables(change, false);
-  parts_->history.Adopt(change.untouchedEntities.before, change.entities, CurrentOptions());
+  change.options = CurrentOptions();
+  parts_->history.Adopt(std::move(change));
 }
 
 void qbQueryBuilder::StepFailed() {
@@ -176,6 +177,8 @@ bool qbQueryBuilder::Travel(bool back) {
       const Design then = parts_->history.Travel(back);
       historyChanged_ = true;
       Restore(now, then);
+      // What cannot come back as it was, such as an icon that is gone, is no step: undoing comes to its end.
+      parts_->history.Adopt(CurrentChange());
     });
   }
   if (typed && sqlPane_ && !sqlPane_->IsEdited()) SQLPane()->ShowTyped(*typed);

@@ -229,7 +229,10 @@ void qbQueryBuilder::FollowQueries() {
   }
   if (!changed) return;
   if (isKnown) return KnowShown(TakeDesign());
-  parts_->history.Adopt(0, entities->State(parts_->history.Known().entities, {}, true), CurrentOptions());
+  DesignChange change;
+  change.entities = entities->State(parts_->history.Known().entities, {}, true);
+  change.options = CurrentOptions();
+  parts_->history.Adopt(std::move(change));
 }
 
 // Whether the panes hold what is known, and no listener has changed more.

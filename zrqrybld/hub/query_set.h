@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "zrqrybld/base/export.h"
 #include "zrqrybld/host/designer_values.h"
 #include "zrqrybld/sql/query_kind.h"
 #include "zrqrybld/sql/query_snapshot.h"
@@ -46,7 +47,7 @@ struct StoredQuery {
 };
 
 /// The queries, each behind the one that it belongs to and behind those before it there.
-struct QuerySet {
+struct ZRQRYBLD_API QuerySet {
   std::vector<StoredQuery> queries = {StoredQuery{}};
   std::int32_t shown = 0;
   std::int32_t lastId = 0;
