@@ -56,6 +56,7 @@ TEST(FuzzTargets, TakeWhatWasKeptAndEveryLineOfTheTables) {
     }
     std::ifstream seeds(folder / ("seeds_" + target.name + ".txt"));
     for (std::string line; std::getline(seeds, line);) inputs += RunOn(target, Unescaped(line));
+    if (target.name == "calls") continue;  // to it a text is any bytes
     for (const auto& file : std::filesystem::directory_iterator(ZRQRYBLD_TEST_DATA)) {
       std::ifstream lines(file.path());
       for (std::string line; std::getline(lines, line);) inputs += RunOn(target, line);
