@@ -1,5 +1,5 @@
-// The first byte as a kind of source and its mode, the others as a statement for it: what is let through is let through
-// again as it is sent, nothing in it stands elsewhere, and what must hold no ";" holds none.
+// Any bytes as a statement for each kind of source in each of its modes: what is let through is let through again as it
+// is sent, nothing in it stands elsewhere, and what must hold no ";" holds none.
 #include <cstdint>
 #include <cstdlib>
 #include <optional>
@@ -37,15 +37,10 @@ bool Passes(Action action) {
   }
 }
 
-}  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  if (size == 0) return 0;
-  const Source& source = kSources[data[0] % std::size(kSources)];
-  const std::string_view sql(reinterpret_cast<const char*>(data + 1), size - 1);
+void Send(std::string_view sql, const Source& source) {
   const SourceMode mode = ModeOf(source.name, source.told);
   Passes([&] { RequireSpoken(sql, DialectFor(SQLSyntaxMSSQL), source.name); });
-  if (!Passes([&] { RequireOneSelect(sql, mode); })) return 0;
+  if (!Passes([&] { RequireOneSelect(sql, mode); })) return;
 
   const std::string sent = StatementToSend(sql, mode);
   if (sent.size() != sql.size()) std::abort();
@@ -57,5 +52,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (mode.family == SourceFamily::PostgreSql && Passes([&] { whole = WithoutSemicolons(sent, mode); })) {
     if (whole.find(';') != std::string::npos || !Passes([&] { RequireOneSelect(whole, mode); })) std::abort();
   }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  for (const Source& source : kSources) Send({reinterpret_cast<const char*>(data), size}, source);
   return 0;
 }

@@ -25,7 +25,7 @@ class Walks : public testing::TestWithParam<unsigned> {};
 
 TEST_P(Walks, ByNameEndInTheChangeOrANumberedError) {
   constexpr unsigned kParts = 4;
-  const std::size_t count = Setting("ZRQRYBLD_WALKS", 3000);
+  const std::size_t count = Setting("ZRQRYBLD_WALKS", ZRQRYBLD_USUAL_WALKS);
   const auto first = static_cast<unsigned>(Setting("ZRQRYBLD_WALK_FIRST", 1));
   const auto end = steady_clock::now() + std::chrono::seconds(Setting("ZRQRYBLD_WALK_SECONDS", 1'000'000));
   const bool traces = Setting("ZRQRYBLD_WALK_TRACE", 0) != 0;
