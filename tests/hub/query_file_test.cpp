@@ -43,7 +43,10 @@ class QueryFiles : public testing::Test {
     std::filesystem::create_directory(folder_);
   }
   ~QueryFiles() override { std::filesystem::remove_all(folder_); }
-  std::string Path(const char* name) const { return (folder_ / name).string(); }
+  std::string Path(const char* name) const {
+    const std::u8string path = (folder_ / PathOf(name)).u8string();
+    return {path.begin(), path.end()};
+  }
 
   std::filesystem::path folder_;
 };
@@ -427,7 +430,7 @@ TEST_F(QueryFiles, LongNamesStayAndLeftoversGo) {
     WriteWholeFile(Path(name.c_str()), "old");
     WriteWholeFile(Path(name.c_str()), "new");
     EXPECT_EQ(ReadWholeFile(Path(name.c_str()), 100), "new");
-    std::filesystem::remove(Path(name.c_str()));
+    std::filesystem::remove(PathOf(Path(name.c_str())));
   }
   const std::string path = Path("query");
   WriteWholeFile(path, "old");
