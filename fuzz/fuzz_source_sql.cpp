@@ -50,7 +50,7 @@ void Send(std::string_view sql, const Source& source) {
   if (!Passes([&] { RequireOneSelect(sent, mode); }) || StatementToSend(sent, mode) != sent) std::abort();
   std::string whole;
   if (mode.family == SourceFamily::PostgreSql && Passes([&] { whole = WithoutSemicolons(sent, mode); })) {
-    if (whole.find(';') != std::string::npos || !Passes([&] { RequireOneSelect(whole, mode); })) std::abort();
+    if (whole.find(';') != std::string::npos) std::abort();
   }
 }
 
