@@ -50,6 +50,19 @@ class ExpressionParser {
  private:
   class Level;
 
+  // Links nodes in the order they come.
+  class List {
+   public:
+    explicit List(Expression*& first) : end_(&first) {}
+    void Append(Expression* expression) {
+      *end_ = expression;
+      end_ = &expression->next;
+    }
+
+   private:
+    Expression** end_;
+  };
+
   Expression* Make(ExpressionKind kind, std::size_t start, Expression* first = nullptr);
   void RequireDepth(bool tooDeep, int levels) const;
   // Where the expression begins that is read next.
