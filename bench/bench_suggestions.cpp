@@ -40,16 +40,17 @@ void Suggestions(benchmark::State& state, const std::vector<std::string>& texts)
   state.counters["max_ms"] = milliseconds.back();
 }
 
-// A statement over twenty tables, and its end as somebody types it.
-std::vector<std::string> JoinedTables() {
+// A statement over so many tables, and its end as somebody types it.
+std::vector<std::string> JoinedTables(int count) {
   std::string text = "SELECT * FROM T0";
-  for (int t = 1; t < 20; ++t) text += " JOIN T" + std::to_string(t) + " ON ";
+  for (int t = 1; t < count; ++t) text += " JOIN T" + std::to_string(t) + " ON ";
   return {text, text + "c", text + "T19.C1 = T18.C0 WHERE T", text + "T19.C1 = T18.C0 JOIN "};
 }
 
 BENCHMARK_CAPTURE(Suggestions, NoTableYet, {"SELECT c", "SELECT t", "SELECT c1", "SELECT T5.", "SELECT "});
 BENCHMARK_CAPTURE(Suggestions, Tables, {"SELECT * FROM ", "SELECT * FROM t", "SELECT * FROM T0 JOIN "});
-BENCHMARK_CAPTURE(Suggestions, Joins, JoinedTables());
+BENCHMARK_CAPTURE(Suggestions, Joins, JoinedTables(20));
+BENCHMARK_CAPTURE(Suggestions, AllJoined, JoinedTables(kTables));
 
 }  // namespace
 }  // namespace zrqrybld::bench

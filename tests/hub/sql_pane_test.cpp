@@ -117,6 +117,46 @@ TEST_F(SqlPane, ACriterionThatAsksATableBecomesAJoinWhereThatMeansTheSame) {
   }
 }
 
+TEST_F(SqlPane, ANullBehindNotInIsToldAndLeftOut) {
+  source->Forget(SchemaKind::Columns);
+  source->Column("Customers", "CustomerID", 1, {}, DataTypeCode::Integer, 0, false);
+  source->Column("Customers", "Name", 2);
+  source->Column("Orders", "CustomerID", 1, {}, DataTypeCode::Integer, 0, false);
+  source->Column("Orders", "Total", 2, {}, DataTypeCode::Integer, 0, true);
+  Use();
+  const struct {
+    const char* where;
+    const char* cured;  // what stands in the place of the list then; "" where nothing is told, "-" where it stays
+  } cases[] = {
+      {"Name NOT IN (SELECT Total FROM Orders)", "(SELECT Total FROM Orders WHERE Total IS NOT NULL)"},
+      {"Name <> 'a' AND NOT (Name IN (SELECT o.Total FROM Orders o WHERE o.CustomerID = 1 OR o.CustomerID = 2))",
+       "(SELECT o.Total FROM Orders o WHERE (o.CustomerID = 1 OR o.CustomerID = 2) AND o.Total IS NOT NULL)"},
+      {"Name NOT IN (SELECT Total FROM Orders WHERE CustomerID > 1 ORDER BY Total)",
+       "(SELECT Total FROM Orders WHERE CustomerID > 1 AND Total IS NOT NULL ORDER BY Total)"},
+      {"LEN(Name) NOT IN (SELECT Total FROM Orders)", "(SELECT Total FROM Orders WHERE Total IS NOT NULL)"},
+      {"Name NOT IN (SELECT Total FROM Orders GROUP BY Total)", "-"},
+      {"Name NOT IN (SELECT CustomerID FROM Orders)", ""},
+      {"Name NOT IN (SELECT Total FROM Orders WHERE Total > 5)", ""},
+      {"Name IN (SELECT Total FROM Orders)", ""},
+      {"NOT Name NOT IN (SELECT Total FROM Orders)", ""},
+  };
+  for (const auto& one : cases) {
+    SCOPED_TRACE(one.where);
+    diagram->Clear();
+    sql->ParseSQLStatement(std::string("SELECT CustomerID FROM Customers WHERE ") + one.where);
+    const std::string before = Sql();
+    ASSERT_EQ(sql->Diagnostics().size(), *one.cured ? 1u : 0u) << before;
+    if (!*one.cured) continue;
+    EXPECT_EQ(sql->Diagnostics()[0].kind, DiagnosticNullInList);
+    EXPECT_EQ(sql->CureRemark(1), *one.cured != '-');
+    if (*one.cured == '-') continue;
+    EXPECT_NE(Sql().find(one.cured), std::string::npos) << Sql();
+    EXPECT_TRUE(sql->Diagnostics().empty());
+    EXPECT_TRUE(hub->Undo());
+    EXPECT_EQ(Sql(), before);
+  }
+}
+
 TEST_F(SqlPane, ColumnsOfATableThatIsOnlyAskedAboutAreNotShownAndNotLost) {
   sql->ParseSQLStatement("SELECT Name, o.Total FROM Customers c INNER JOIN Orders o ON o.CustomerID = c.CustomerID");
   const Ref<qbWholeJoin> join = diagram->WholeJoins()->Item(1);

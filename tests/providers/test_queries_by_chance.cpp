@@ -1,9 +1,12 @@
-// Statements of several queries made by chance: they run on every server as they were typed, and as they are written.
+// Statements of several queries, and conditions, made by chance: they run on every server as they were typed, and as
+// they are written.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <iostream>
 #include <sstream>
 
+#include "tests/flow/conditions_by_chance.h"
 #include "tests/flow/queries_by_chance.h"
 #include "tests/link_panes.h"
 #include "tests/providers/provider_test.h"
@@ -18,30 +21,45 @@ using test::Difference;
 
 class ProviderQueries : public test::ProviderTest {
  protected:
+  // A designer over the tables of the script, which go with the test.
+  test::QueryTarget Open(const std::vector<std::string>& script) {
+    for (const std::string& line : script) source_->query(line);
+    test::LinkPanes(*hub_);
+    test::RegisterProviders(*hub_->GetToolkit().Providers());
+    hub_->Connect(source_->connectionString);
+    EXPECT_FALSE(hub_->LastError());
+    return {hub_->SourceDialect()->syntax, true, "chance_", [this](const std::string& sql) {
+              std::vector<std::string> lines;
+              std::istringstream stream(source_->run(sql));
+              for (std::string line; std::getline(stream, line);) lines.push_back(line);
+              return lines;
+            }};
+  }
+
   void TearDown() override {
     if (IsSkipped() || HasFatalFailure()) return;
-    for (const char* table : {"chance_qt", "chance_qu", "chance_qv"})
-      source_->query("DROP TABLE " + std::string(table));
+    hub_->Disconnect();
+    for (const char* table : {"qt", "qu", "qv", "t", "u", "v"}) {
+      source_->query("DROP TABLE IF EXISTS chance_" + std::string(table));
+    }
   }
+
+  Ref<qbQueryBuilder> hub_ = qbQueryBuilder::Create();
 };
 
 INSTANTIATE_TEST_SUITE_P(Servers, ProviderQueries, testing::Values("PostgreSql", "MariaDb"),
                          [](const auto& test) { return test.param; });
 
 TEST_P(ProviderQueries, AreWrittenAnewWithTheRowsOfTheOriginal) {
-  for (const std::string& line : test::QueryTables("chance_")) source_->query(line);
-  const Ref<qbQueryBuilder> hub = qbQueryBuilder::Create();
-  test::LinkPanes(*hub);
-  test::RegisterProviders(*hub->GetToolkit().Providers());
-  hub->Connect(source_->connectionString);
-  ASSERT_FALSE(hub->LastError());
-  const test::QueryTarget target{hub->SourceDialect()->syntax, true, "chance_", [this](const std::string& sql) {
-                                   std::vector<std::string> lines;
-                                   std::istringstream stream(source_->run(sql));
-                                   for (std::string line; std::getline(stream, line);) lines.push_back(line);
-                                   return lines;
-                                 }};
-  std::cout << test::TryQueries(*hub, target, 60, 1) << "\n";
+  const test::QueryTarget target = Open(test::QueryTables("chance_"));
+  std::cout << test::TryQueries(*hub_, target, 60, 1) << "\n";
+}
+
+// ZRQRYBLD_CONDITIONS=3000 goes on.
+TEST_P(ProviderQueries, MeanTheSameInGridAndTree) {
+  const char* const wished = std::getenv("ZRQRYBLD_CONDITIONS");
+  const test::QueryTarget target = Open(test::ConditionTables("chance_"));
+  std::cout << test::TryConditions(*hub_, target, wished ? static_cast<unsigned>(std::atoi(wished)) : 60) << "\n";
 }
 
 }  // namespace

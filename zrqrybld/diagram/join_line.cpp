@@ -167,6 +167,9 @@ const std::vector<PixelPoint>& qbLine::Points(const ScreenScale& scale) const {
                 {scale.ToPixels(target->Bounds()), target->LineY(targetRow) + (targetAtRow_ ? apart : 0_px)}, kStub);
   area_ = {points_.front().x, points_.front().y, 1_px, 1_px};
   for (const PixelPoint& point : points_) area_ = area_.Union({point.x, point.y, 1_px, 1_px});
+  // Wherever the whole has its trunk, that begins and ends beside the two boxes.
+  const PixelRect boxes = scale.ToPixels(source->Bounds()).Union(scale.ToPixels(target->Bounds()));
+  area_ = area_.Union({points_[points_.size() / 2].x, boxes.top, 1_px, boxes.height});
   return points_;
 }
 
@@ -205,9 +208,7 @@ qbLine::Trunk qbLine::FindTrunk(const ScreenScale& scale) const {
 
 PixelRect qbLine::Area(const ScreenScale& scale) const {
   if (Points(scale).empty()) return {Pixels(-1e12), Pixels(-1e12), 0_px, 0_px};
-  if (whole_->Count() == 1 || !DrawsTrunk(scale)) return area_;
-  const Trunk trunk = FindTrunk(scale);
-  return area_.Union({trunk.top.x, trunk.top.y, 1_px, trunk.bottom.y - trunk.top.y + 1_px});
+  return area_;
 }
 
 Pixels qbLine::DistanceTo(PixelPoint point, const ScreenScale& scale) const {

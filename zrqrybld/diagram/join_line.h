@@ -50,7 +50,8 @@ class qbLine final : public Object {
   /// columns runs between the captions, where it is the only one of its whole.
   const std::vector<PixelPoint>& Points(const ScreenScale& scale) const;
 
-  /// The smallest rectangle that holds all that it draws; empty and far away while the join is not complete.
+  /// A rectangle that holds all that it draws, hardly larger than that; empty and far away while the join is not
+  /// complete.
   PixelRect Area(const ScreenScale& scale) const;
 
   /// How far the point lies from what it draws; infinitely far while the join is not complete.

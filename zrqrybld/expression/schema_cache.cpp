@@ -113,6 +113,11 @@ void SchemaCache::Clear() {
 }
 
 void SchemaCache::Refresh() {
+  FollowSource();
+  TakeQueryTables();
+}
+
+void SchemaCache::FollowSource() {
   const Ref<Connection> source = context_.source.IsConnected() ? context_.source.Connection() : nullptr;
   if (!source) {
     Clear();
@@ -122,7 +127,6 @@ void SchemaCache::Refresh() {
     sourceText_ = source->ConnectionString();
     Trapped([this] { ReadTables(); });
   }
-  TakeQueryTables();
 }
 
 void SchemaCache::ReadTables() {
@@ -155,21 +159,30 @@ void SchemaCache::TakeKnownColumns() {
 }
 
 const TableFacts* SchemaCache::Find(const std::vector<std::string>& parts) {
-  const std::string name = FoldCase(parts.back());
-  const std::string schema = parts.size() > 1 ? FoldCase(parts[parts.size() - 2]) : std::string();
-  if (const auto found = byName_.find(name); found != byName_.end()) {
-    const auto fits = [&](const Known* table) {
-      return schema.empty() || table->schema.empty() || FoldCase(table->schema) == schema;
-    };
-    const auto table = std::ranges::find_if(found->second, fits);
-    if (table != found->second.end()) {
-      if (!std::exchange((*table)->read, true)) Read(**table);
-      return *table;
-    }
-  }
-  const auto inQuery =
-      std::ranges::find(queryTables_, name, [](const QueryTableFacts& table) { return table.facts->folded; });
+  if (const Known* table = FindInSource(parts)) return table;
+  const auto inQuery = std::ranges::find(queryTables_, FoldCase(parts.back()),
+                                         [](const QueryTableFacts& table) { return table.facts->folded; });
   return inQuery == queryTables_.end() ? nullptr : inQuery->facts;
+}
+
+SchemaCache::Known* SchemaCache::FindInSource(const std::vector<std::string>& parts) {
+  const std::string schema = parts.size() > 1 ? FoldCase(parts[parts.size() - 2]) : std::string();
+  const auto found = byName_.find(FoldCase(parts.back()));
+  if (found == byName_.end()) return nullptr;
+  const auto table = std::ranges::find_if(found->second, [&](const Known* one) {
+    return schema.empty() || one->schema.empty() || FoldCase(one->schema) == schema;
+  });
+  if (table == found->second.end()) return nullptr;
+  if (!std::exchange((*table)->read, true)) Read(**table);
+  return *table;
+}
+
+bool SchemaCache::MayBeNull(const std::vector<std::string>& table, const std::string& column) {
+  FollowSource();
+  const Known* known = FindInSource(table);
+  if (!known) return false;
+  const auto found = std::ranges::find(known->columns, FoldCase(column), &ColumnFacts::folded);
+  return found != known->columns.end() && found->mayBeNull;
 }
 
 void SchemaCache::Read(Known& table) {
@@ -184,6 +197,8 @@ void SchemaCache::ReadColumns(Known& table) {
     const Variant flags = rows->Value("COLUMN_FLAGS");
     const bool isLong = !flags.IsBlank() && (flags.ToInt32() & ColumnLong) != 0;
     columns.push_back(MakeColumn(rows->Text("COLUMN_NAME"), TypeName(rows->Value("DATA_TYPE"), isLong)));
+    const Variant nullable = rows->Value("IS_NULLABLE");
+    columns.back().mayBeNull = !nullable.IsBlank() && nullable.ToBoolean();
   }
   table.columns = std::move(columns);
 }

@@ -46,6 +46,9 @@ class SchemaCache final : public SourceFacts {
   const std::vector<QueryTableFacts>& QueryTables() const override { return queryTables_; }
   const TableFacts* Find(const std::vector<std::string>& parts) override;
 
+  /// Whether the source says that a column of one of its tables may be Null. Of each table it is asked once.
+  bool MayBeNull(const std::vector<std::string>& table, const std::string& column);
+
   /// Somebody has taken the suggestion with this name.
   void NoteTaken(const std::string& name);
   /// The names of those that were taken last, the latest first.
@@ -62,6 +65,8 @@ class SchemaCache final : public SourceFacts {
     TableFacts facts;
   };
 
+  void FollowSource();
+  Known* FindInSource(const std::vector<std::string>& parts);
   void ReadTables();
   void TakeKnownColumns();
   void TakeQueryTables();

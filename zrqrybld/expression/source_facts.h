@@ -12,8 +12,9 @@ namespace zrqrybld {
 
 struct ColumnFacts {
   std::string name;
-  std::string folded;  ///< case-folded: what typed text is compared with
-  std::string type;    ///< for a person; "" when it is not known
+  std::string folded;      ///< case-folded: what typed text is compared with
+  std::string type;        ///< for a person; "" when it is not known
+  bool mayBeNull = false;  ///< as the source says; not where it was not asked
 };
 
 /// A foreign key of a table: the table that it refers to, and the pairs of columns.

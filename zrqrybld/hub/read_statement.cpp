@@ -112,24 +112,38 @@ void ReadStatement::BindPlain(qbQueryBuilder& hub, const QueryLookup& queries, b
   bound_ = BindStatement(tree_, *plan_, options_);
 }
 
-// With EXISTS (...) as joins that ask; false when there is none, or what it asks is not for joins.
+// With EXISTS (...) as joins that ask, as far as joins can; false when none can.
 bool ReadStatement::BindWithQuestions(qbQueryBuilder& hub, const QueryLookup& queries, bool takesDrawn) {
   if (FindNoCase(text_, "EXISTS") == std::string::npos) return false;
-  SelectStatement statement = Parse();  // the questions are taken out of it
-  const std::vector<ReadQuestion> questions = TakeQuestions(statement, ReadBy());
-  if (questions.empty()) return false;
+  constexpr int kMostTries = 8;
+  std::vector<std::string_view> left;  // what stays a condition
+  for (int i = 0; i < kMostTries; ++i) {
+    SelectStatement statement = Parse();  // the questions are taken out of it
+    const std::vector<ReadQuestion> questions = TakeQuestions(statement, ReadBy(), left);
+    if (questions.empty()) return false;
+    try {
+      const ReadQuestion* unsaid = BindQuestioning(hub, queries, takesDrawn, statement, questions);
+      if (!unsaid) return true;
+      left.push_back(unsaid->place);
+    } catch (const SyntaxError&) {
+      return false;  // told where the whole is read
+    }
+  }
+  return false;
+}
+
+// A question that no joins ask; nothing when all is bound.
+const ReadQuestion* ReadStatement::BindQuestioning(qbQueryBuilder& hub, const QueryLookup& queries, bool takesDrawn,
+                                                   const SelectStatement& statement,
+                                                   const std::vector<ReadQuestion>& questions) {
   std::vector<const FromItem*> tables = TablesOf(statement);
   const std::size_t own = tables.size();
   const std::vector<const FromItem*> asked = TablesOf(questions);
   tables.insert(tables.end(), asked.begin(), asked.end());
-  try {
-    plan_.emplace(hub, tables, options_.names, queries, takesDrawn);
-    const DrawnDiagram drawn = TakeDrawn(own);
-    bound_ = BindStatement(statement, *plan_, options_);
-    return BindQuestions(bound_, questions, *plan_, options_, drawn);
-  } catch (const SyntaxError&) {
-    return false;  // told where the whole is read
-  }
+  plan_.emplace(hub, tables, options_.names, queries, takesDrawn);
+  const DrawnDiagram drawn = TakeDrawn(own);
+  bound_ = BindStatement(statement, *plan_, options_);
+  return BindQuestions(bound_, questions, *plan_, options_, drawn);
 }
 
 QuerySnapshot ReadStatement::Design() const {

@@ -18,6 +18,7 @@ namespace zrqrybld {
 
 class OuterQueries;
 class qbQueryBuilder;
+struct ReadQuestion;
 
 class ReadStatement {
  public:
@@ -50,6 +51,8 @@ class ReadStatement {
   DrawnDiagram TakeDrawn(std::size_t tables);
   void BindPlain(qbQueryBuilder& hub, const QueryLookup& queries, bool takesDrawn);
   bool BindWithQuestions(qbQueryBuilder& hub, const QueryLookup& queries, bool takesDrawn);
+  const ReadQuestion* BindQuestioning(qbQueryBuilder& hub, const QueryLookup& queries, bool takesDrawn,
+                                      const SelectStatement& statement, const std::vector<ReadQuestion>& questions);
 
   BindOptions options_;
   const std::string text_;

@@ -13,6 +13,7 @@
 #include "zrqrybld/sql/diagnostics.h"
 #include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/join_move.h"
+#include "zrqrybld/sql/null_list.h"
 #include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
@@ -58,6 +59,22 @@ void MoveToJoin(qbQueryBuilder& hub, const SQLDiagnostic& remark, std::int32_t r
   hub.QueryChanged();
 }
 
+// The first query of the row that may return a Null leaves them out.
+void LeaveNullsOut(qbQueryBuilder& hub, const QuerySnapshot& query, std::size_t place, std::int32_t row) {
+  const SnapshotRow& content = query.rows[place];
+  const auto change = [&](const std::string& text, const std::optional<NullList>& list, std::int32_t column) {
+    const std::optional<std::string> changed = list ? WithoutNulls(text, *list) : std::nullopt;
+    if (changed) hub.GridPane()->SetValue(row, column, *changed);
+    return changed.has_value();
+  };
+  if (!query.columns) return;
+  if (!content.table && change(content.column, FindNullList(content.column, *query.columns), kColumnColumn)) return;
+  for (std::size_t i = 0; i < content.criteria.size(); ++i) {
+    const std::string& cell = content.criteria[i];
+    if (change(cell, FindNullListIn(query, content, cell), kColumnCriteria + static_cast<std::int32_t>(i))) return;
+  }
+}
+
 }  // namespace
 
 void qbQueryBuilder::CureRemark(const SQLDiagnostic& remark) {
@@ -80,6 +97,9 @@ void qbQueryBuilder::CureRemark(const SQLDiagnostic& remark) {
       return;
     case CureMoveToJoin:
       if (row != 0) MoveToJoin(*this, remark, row);
+      return;
+    case CureLeaveNulls:
+      if (row != 0) LeaveNullsOut(*this, Snapshot(), remark.row, row);
       return;
   }
 }

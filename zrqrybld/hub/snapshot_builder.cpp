@@ -5,6 +5,7 @@
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/diagram/source_names.h"
+#include "zrqrybld/expression/schema_cache.h"
 #include "zrqrybld/grid/field_names.h"
 #include "zrqrybld/grid/row_cells.h"
 #include "zrqrybld/host/context_link.h"
@@ -20,7 +21,7 @@ using TablePositions = std::unordered_map<std::string_view, std::size_t>;  // by
 // The columns of the boxes, by the tables' places in the diagram.
 class EntityColumns final : public KnownColumns {
  public:
-  explicit EntityColumns(const qbEntities& entities) {
+  EntityColumns(const qbEntities& entities, std::weak_ptr<SchemaCache> schema) : schema_(std::move(schema)) {
     for (const Ref<qbEntity>& entity : entities) entities_.push_back(entity);
   }
   bool KnowsColumns(std::size_t table) const override { return HasKnownColumns(*entities_[table]); }
@@ -37,8 +38,16 @@ class EntityColumns final : public KnownColumns {
     return names;
   }
 
+  bool MayBeNull(const std::vector<Identifier>& table, const std::string& column) const override {
+    const std::shared_ptr<SchemaCache> schema = schema_.lock();
+    std::vector<std::string> parts;
+    for (const Identifier& part : table) parts.push_back(part.Name());
+    return schema && !parts.empty() && schema->MayBeNull(parts, column);
+  }
+
  private:
   std::vector<Ref<qbEntity>> entities_;
+  std::weak_ptr<SchemaCache> schema_;
 };
 
 // A query may have the sign in its name that parts schemas from tables.
@@ -74,6 +83,9 @@ bool HasTarget(const qbRelationship& join) {
 }
 
 void TakeJoins(QuerySnapshot& snapshot, const TablePositions& positions, const qbEntities& entities) {
+  std::size_t count = 0;
+  for (const Ref<qbEntity>& entity : entities) count += static_cast<std::size_t>(entity->Relationships()->Count());
+  snapshot.joins.reserve(count);
   std::size_t source = 0;
   for (const Ref<qbEntity>& entity : entities) {
     for (const Ref<qbRelationship>& join : *entity->Relationships()) {
@@ -139,7 +151,7 @@ QuerySnapshot TakeSnapshot(const QueryContext& context, const qbEntities* entiti
     TakeTables(snapshot, positions, *entities, context);
     TakeJoins(snapshot, positions, *entities);
     if (context.source.IsConnected()) {
-      snapshot.columns = std::make_shared<EntityColumns>(*entities);
+      snapshot.columns = std::make_shared<EntityColumns>(*entities, context.design.Schema());
     }
   }
   if (grid) {

@@ -19,6 +19,7 @@
 #include "zrqrybld/sql/join_move.h"
 #include "zrqrybld/sql/lexer.h"
 #include "zrqrybld/sql/name_checker.h"
+#include "zrqrybld/sql/null_list.h"
 
 namespace zrqrybld {
 namespace {
@@ -46,6 +47,7 @@ class Diagnosis {
     Questions();
     Rows();
     Names();
+    NullLists();
     Alternatives();
     Grouping();
     Sorting();
@@ -330,6 +332,23 @@ class Diagnosis {
 
   void SayFault(const SnapshotRow& row, const Phrase& fault) {
     if (!fault.Empty()) Say(DiagnosticUnknownName, text::NameNotThere, NameOf(row), fault);
+  }
+
+  // --- Queries behind NOT IN ---
+
+  void NullLists() {
+    if (!query_.columns) return;
+    for (const SnapshotRow& row : query_.rows) {
+      if (row.column.empty()) continue;
+      if (!row.table) SayNullList(row, row.column, FindNullList(row.column, *query_.columns));
+      for (const std::string& cell : row.criteria) SayNullList(row, cell, FindNullListIn(query_, row, cell));
+    }
+  }
+
+  void SayNullList(const SnapshotRow& row, const std::string& text, const std::optional<NullList>& list) {
+    if (!list) return;
+    Say(DiagnosticNullInList, text::NullInList, NameOf(row), list->column);
+    if (WithoutNulls(text, *list)) Offer(CureLeaveNulls, {text::CureLeaveNullsOut}, &row);
   }
 
   // --- Alternatives ---

@@ -43,6 +43,7 @@ enum SQLDiagnosticEnum : std::int32_t {
   DiagnosticJoinNotWritten = 23,    ///< a join: the dialect cannot say what it asks, or not where it stands
   DiagnosticColumnAsked = 24,       ///< a column or expression: its table is only asked about and has no columns here
   DiagnosticQueryNotWritten = 25,   ///< a query: the dialect cannot say it where it stands, or servers refuse it
+  DiagnosticNullInList = 26,        ///< a column or expression: NOT IN asks a query that may return a Null
 };
 
 /// What a remark offers to do about it.
@@ -52,6 +53,7 @@ enum SQLCureEnum : std::int32_t {
   CureAlias = 2,       ///< gives the column an alias of its own
   CureDialect = 3,     ///< takes the dialect of the same servers today
   CureMoveToJoin = 4,  ///< makes the criterion a condition of the join whose rows it drops
+  CureLeaveNulls = 5,  ///< lets the query behind NOT IN leave its Nulls out
 };
 
 /// One remark.

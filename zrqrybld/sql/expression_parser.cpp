@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <utility>
+#include <vector>
 
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_sql.h"
+#include "zrqrybld/sql/array_brackets.h"
 #include "zrqrybld/sql/syntax_error.h"
 
 namespace zrqrybld {
@@ -185,18 +187,35 @@ bool ExpressionParser::IsSubscript() const {
          reader_.Adjoins();
 }
 
-// On "[...]", which the lexer reads up to the first "]".
+// On "[...]", which the lexer reads up to the first "]", of an array up to its own. Arrays within an array are written
+// without its word.
 Expression* ExpressionParser::ParseSubscript(std::size_t start) {
   const std::size_t open = reader_.Offset();
   const std::string_view text = reader_.CurrentText();
   reader_.Advance();
   Expression* result = Make(ExpressionKind::Opaque, start);
   List parts(result->first);
+  constexpr std::size_t kMostDimensions = 16;
+  const bool isArray = open != start;
+  std::vector<std::pair<std::string_view, std::size_t>> left{{text.substr(1, text.size() - 2), 1}};
   try {
-    TokenReader inside(text.substr(1, text.size() - 2));
-    ExpressionParser expressions(inside, arena_, rules_);
-    while (!inside.AtEnd()) {
-      if (!inside.TakeSign(',') && !inside.TakeSign(':')) parts.Append(expressions.ParseExpression());
+    while (!left.empty()) {
+      const auto [untrimmed, depth] = left.back();
+      const std::string_view part = TrimWhite(untrimmed);
+      left.pop_back();
+      if (isArray && part.starts_with('[') && depth < kMostDimensions) {
+        const std::size_t end = std::min(EndOfArray(part, 0), part.size());
+        std::string_view rest = TrimWhite(part.substr(end));
+        if (rest.starts_with(',')) rest.remove_prefix(1);
+        left.emplace_back(rest, depth);
+        left.emplace_back(part.substr(1, end - 2), depth + 1);
+        continue;
+      }
+      TokenReader inside(part);
+      ExpressionParser expressions(inside, arena_, rules_);
+      while (!inside.AtEnd()) {
+        if (!inside.TakeSign(',') && !inside.TakeSign(':')) parts.Append(expressions.ParseExpression());
+      }
     }
   } catch (const SyntaxError& error) {
     reader_.Refuse(open, error.Sentence());

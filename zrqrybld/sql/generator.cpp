@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <span>
+#include <unordered_map>
 #include <utility>
 
 #include "zrqrybld/base/error.h"
@@ -113,8 +114,16 @@ class Generator {
     return RenderQualified(table.name, query_.names).Text() + std::string(dialect_.tableAlias) + tableTerms_[index];
   }
 
+  // Many tables have columns of the same name: each name of the query is looked at once.
+  const std::string& ColumnTerm(std::string_view column) const {
+    const auto [term, isNew] = columnTerms_.try_emplace(column);
+    if (isNew) term->second = QuoteWhenNeeded(Identifier(std::string(column)), query_.names).Text();
+    return term->second;
+  }
+
+  // The column's name is one that the query holds.
   std::string FieldTerm(std::size_t table, std::string_view column) const {
-    return tableTerms_[table] + "." + QuoteWhenNeeded(Identifier(std::string(column)), query_.names).Text();
+    return tableTerms_[table] + "." + ColumnTerm(column);
   }
 
   // A row's column by its qualified name; an expression row as it was typed.
@@ -632,7 +641,8 @@ class Generator {
   std::vector<std::vector<const SnapshotRow*>> rowsOf_;  // by part: its rows with criteria
   std::vector<bool> hasCriteria_;                        // by part: whether it or one inside it has criteria
   std::vector<std::string> tableTerms_;
-  CriteriaContext context_;  // of the criterion that is being written
+  mutable std::unordered_map<std::string_view, std::string> columnTerms_;  // as they are written
+  CriteriaContext context_;                                                // of the criterion that is being written
   GeneratedSql result_;
   std::string head_;
   std::string select_;

@@ -13,7 +13,8 @@ std::string ConditionOf(const QuerySnapshot& query, const SnapshotRow& row, cons
   CriteriaContext context = query.criteria;
   context.quotePrefix = query.names.quotePrefix;
   DescribeColumn(context, row);
-  return FormatCondition(FieldTerm(query.tables[*row.table], row.column, query.names), criterion, context);
+  const std::string term = row.table ? FieldTerm(query.tables[*row.table], row.column, query.names) : row.column;
+  return FormatCondition(term, criterion, context);
 }
 
 std::optional<std::string> ConditionToMove(const QuerySnapshot& query, const SnapshotRow& row) {

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/sql/array_brackets.h"
 
 namespace zrqrybld {
 namespace {
@@ -145,6 +146,8 @@ bool Lexer::Next(Token& token) {
     Take(token, TokenKind::Number, EndOfNumber());
   } else if (c == '\'') {
     TakeQuoted(token, TokenKind::String, at_, '\'');
+  } else if (c == '[' && BeginsArray(text_, at_)) {
+    Take(token, TokenKind::QuotedIdentifier, EndOfArray(text_, at_));
   } else if (c == '"' || c == '`' || c == '[') {
     TakeQuoted(token, TokenKind::QuotedIdentifier, at_, c == '[' ? ']' : c);
   } else if (c == '-' && next == '-') {

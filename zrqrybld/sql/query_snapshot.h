@@ -93,6 +93,10 @@ class KnownColumns {
   virtual std::optional<std::string> FindColumn(std::size_t table, const std::string& name) const = 0;
   /// The columns in their order.
   virtual std::vector<std::string> Columns(std::size_t table) const = 0;
+  /// Whether the source says that a column may be Null. The table is any of the source, by its name, schema first.
+  virtual bool MayBeNull(const std::vector<Identifier>& /*table*/, const std::string& /*column*/) const {
+    return false;
+  }
 };
 
 class OuterQueries;

@@ -59,16 +59,31 @@ bool ChoosesNoRows(const SelectStatement& query) {
   return query.top.empty() && query.skip.empty() && !query.groupBy && !query.having;
 }
 
-// The query in parentheses; none when it cannot be read.
-std::unique_ptr<SelectStatement> ReadInner(const Expression& query, const ParseOptions& options) {
-  const std::size_t open = query.text.find('(');
-  if (query.kind != ExpressionKind::Subquery || open == std::string_view::npos) return nullptr;
+std::unique_ptr<SelectStatement> Read(std::string_view statement, const ParseOptions& options) {
   try {
-    return std::make_unique<SelectStatement>(
-        ParseSelect(query.text.substr(open + 1, query.text.size() - open - 2), options));
+    return std::make_unique<SelectStatement>(ParseSelect(statement, options));
   } catch (const SyntaxError&) {
     return nullptr;
   }
+}
+
+// Inner joins alone: their conditions are those of WHERE.
+bool TakeTables(const FromItem& item, ReadQuestion& question) {
+  if (item.table.empty() || !item.query.empty()) return false;
+  question.tables.push_back(&item);
+  for (const JoinStep* step = item.joins; step; step = step->next) {
+    const bool isInner = step->word == JoinWord::Inner || step->word == JoinWord::Cross;
+    if (!isInner || step->natural || step->columns || !TakeTables(*step->right, question)) return false;
+    if (step->on) question.conditions.push_back(step->on);
+  }
+  return true;
+}
+
+bool TakeTables(ReadQuestion& question) {
+  for (const FromItem* item = question.query->from; item; item = item->next) {
+    if (!TakeTables(*item, question)) return false;
+  }
+  return question.query->from && ChoosesNoRows(*question.query);
 }
 
 bool IsAboutOneTable(const SelectStatement& query) {
@@ -79,7 +94,8 @@ bool IsAboutOneTable(const SelectStatement& query) {
 
 class Taking {
  public:
-  Taking(SelectStatement& statement, const ParseOptions& options) : options_(options) {
+  Taking(SelectStatement& statement, const ParseOptions& options, std::span<const std::string_view> left)
+      : options_(options), left_(left) {
     for (const FromItem* item = statement.from; item; item = item->next) AddExposedNames(*item, names_);
     TakeFrom(statement, std::nullopt);
   }
@@ -143,37 +159,62 @@ class Taking {
   bool Take(const Expression& term, std::optional<std::size_t> around, bool mayHaveParentheses) {
     bool forNone = false;
     const Expression* query = questions.size() < kMostQuestions ? ExistsIn(term, forNone, mayHaveParentheses) : nullptr;
-    std::unique_ptr<SelectStatement> read = query ? ReadInner(*query, options_) : nullptr;
-    if (!read || !read->where || !IsAboutOneTable(*read)) return false;
-    if (!names_.insert(ExposedName(*read->from)).second) return false;  // the diagram has one table of a name
+    const auto isThis = [query](std::string_view place) { return place.data() == query->text.data(); };
+    if (!query || std::ranges::any_of(left_, isThis)) return false;
+    ReadQuestion question{ReadInner(*query, options_), forNone, query->text, around};
+    if (!question.query || !TakeTables(question)) return false;
+    if (!question.query->where && question.conditions.empty()) return false;
+    if (!TakeNames(question)) return false;
     const std::size_t place = questions.size();
-    questions.push_back({std::move(read), forNone, around});
-    TakeFrom(*questions[place].query, place);
+    questions.push_back(std::move(question));
+    SelectStatement& inner = *questions[place].query;
+    TakeFrom(inner, place);
+    if (inner.where) questions[place].conditions.push_back(inner.where);
+    return true;
+  }
+
+  // The diagram has one table of a name.
+  bool TakeNames(const ReadQuestion& question) {
+    WordSet names;
+    for (const FromItem* table : question.tables) {
+      const std::string name = ExposedName(*table);
+      if (names_.contains(name) || !names.insert(name).second) return false;
+    }
+    names_.insert(names.begin(), names.end());
     return true;
   }
 
   ParseOptions options_;
+  std::span<const std::string_view> left_;
   WordSet names_;
 };
 
 }  // namespace
 
-std::vector<ReadQuestion> TakeQuestions(SelectStatement& statement, const ParseOptions& options) {
-  return std::move(Taking(statement, options).questions);
+std::unique_ptr<SelectStatement> ReadInner(const Expression& query, const ParseOptions& options) {
+  const std::size_t open = query.text.find('(');
+  if (query.kind != ExpressionKind::Subquery || open == std::string_view::npos) return nullptr;
+  return Read(query.text.substr(open + 1, query.text.size() - open - 2), options);
+}
+
+std::unique_ptr<SelectStatement> ReadAsWhere(std::string_view condition, std::string& statement) {
+  statement = "SELECT * FROM t WHERE ";  // a condition alone is no statement
+  statement += condition;
+  std::unique_ptr<SelectStatement> read = Read(statement, {});
+  return read && read->where ? std::move(read) : nullptr;
+}
+
+std::vector<ReadQuestion> TakeQuestions(SelectStatement& statement, const ParseOptions& options,
+                                        std::span<const std::string_view> left) {
+  return std::move(Taking(statement, options, left).questions);
 }
 
 std::optional<ListQuestion> ReadListQuestion(const std::string& condition) {
-  const std::string statement = "SELECT * FROM t WHERE " + condition;  // a condition alone is no statement
-  std::unique_ptr<SelectStatement> read;
-  std::unique_ptr<SelectStatement> query;
-  try {
-    read = std::make_unique<SelectStatement>(ParseSelect(statement, {}));
-  } catch (const SyntaxError&) {
-    return std::nullopt;
-  }
-  const Expression* in = read->where ? StripParentheses(read->where) : nullptr;
+  std::string statement;
+  const std::unique_ptr<SelectStatement> read = ReadAsWhere(condition, statement);
+  const Expression* in = read ? StripParentheses(read->where) : nullptr;
   if (!in || in->kind != ExpressionKind::In || in->first->kind != ExpressionKind::Column) return std::nullopt;
-  query = ReadInner(*in->first->next, {});
+  const std::unique_ptr<SelectStatement> query = ReadInner(*in->first->next, {});
   if (!query || !IsAboutOneTable(*query)) return std::nullopt;
   const SelectItem* item = query->items;
   if (!item || item->next || item->expression->kind != ExpressionKind::Column) return std::nullopt;
@@ -190,8 +231,9 @@ std::optional<ListQuestion> ReadListQuestion(const std::string& condition) {
 
 std::vector<const FromItem*> TablesOf(const std::vector<ReadQuestion>& questions) {
   std::vector<const FromItem*> tables;
-  tables.reserve(questions.size());
-  for (const ReadQuestion& question : questions) tables.push_back(question.query->from);
+  for (const ReadQuestion& question : questions) {
+    tables.insert(tables.end(), question.tables.begin(), question.tables.end());
+  }
   return tables;
 }
 
@@ -217,32 +259,68 @@ class QuestionBinder {
   bool Bind(const ReadQuestion& question) {
     NameScope scope(question.query->text, source_);
     for (const SnapshotTable& table : bound_.query.tables) scope.AddKnown(table);
-    asked_ = scope.AddTable(*question.query->from);
-    asking_ = question.around ? std::optional(firstAsked_ + *question.around) : std::nullopt;
-    if (question.query->where) UnifyNames(*question.query->where, scope);
+    asked_ = {scope.Tables().size(), scope.Tables().size() + question.tables.size()};
+    for (const FromItem* table : question.tables) scope.AddTable(*table);
+    asking_ = question.around ? placesOf_[*question.around] : Places{0, firstAsked_};
+    placesOf_.push_back(asked_);
+    for (const Expression* condition : question.conditions) UnifyNames(*condition, scope);
     RequireKnownNames(*question.query, scope, *options_.dialect, *options_.functions);
     joins_.clear();
     condition_.clear();
     const FieldTerms fields(scope, options_.names, *options_.functions);
-    if (!question.query->where || !BindTerm(*question.query->where, scope, fields) || joins_.empty()) return false;
-    joins_.front().condition = condition_;
-    bound_.query.tables.push_back(scope.Tables().back());
-    bound_.arrangement.order.push_back(asked_);
+    for (const Expression* condition : question.conditions) {
+      if (!BindTerm(*condition, scope, fields)) return false;
+    }
+    const auto link = std::ranges::find_if(joins_, [this](const SnapshotJoin& join) { return IsLink(join); });
+    if (link == joins_.end() || !StandTogether()) return false;
+    link->condition = condition_;
+    for (std::size_t table = asked_.begin; table < asked_.end; ++table) {
+      bound_.query.tables.push_back(scope.Tables()[table]);
+      bound_.arrangement.order.push_back(table);
+    }
     for (SnapshotJoin& join : joins_) {
-      join.kind = JoinKind::Asking(Existence(join, question.forNone));
+      if (IsLink(join)) join.kind = JoinKind::Asking(Existence(join, question.forNone));
       Keep(std::move(join));
     }
     return true;
   }
 
  private:
-  // A name that the table has is the table's, whatever stands around the query.
-  void UnifyNames(const Expression& expression, NameScope& scope) const {
-    if (expression.kind == ExpressionKind::Column && expression.Qualifier().empty() && source_.KnowsColumns(asked_)) {
-      const std::string name = PlainName(expression.name);
-      if (const std::optional<std::string> column = source_.FindColumn(asked_, name)) {
-        scope.Unify(name, {asked_, *column});
+  // Tables by their positions, without that of `end`.
+  struct Places {
+    std::size_t begin = 0;
+    std::size_t end = 0;
+    bool Hold(std::size_t table) const { return table >= begin && table < end; }
+  };
+
+  // Whether one end is asked about and the other asks.
+  bool IsLink(const SnapshotJoin& join) const { return asked_.Hold(join.source) != asked_.Hold(join.target); }
+
+  // Whether joins lead from the first table to all others.
+  bool StandTogether() const {
+    std::vector<bool> reached(asked_.end);
+    reached[asked_.begin] = true;
+    std::size_t count = 1;
+    for (bool more = true; std::exchange(more, false);) {
+      for (const SnapshotJoin& join : joins_) {
+        if (IsLink(join) || reached[join.source] == reached[join.target]) continue;
+        reached[join.source] = reached[join.target] = more = true;
+        ++count;
       }
+    }
+    return count == asked_.end - asked_.begin;
+  }
+
+  // A name that one of the tables has is that table's, whatever stands around the query.
+  void UnifyNames(const Expression& expression, NameScope& scope) const {
+    if (expression.kind == ExpressionKind::Column && expression.Qualifier().empty()) {
+      const std::string name = PlainName(expression.name);
+      std::vector<BoundColumn> columns;
+      for (std::size_t table = asked_.begin; table < asked_.end; ++table) {
+        if (!source_.KnowsColumns(table)) continue;
+        if (std::optional<std::string> column = source_.FindColumn(table, name)) columns.push_back({table, *column});
+      }
+      if (columns.size() == 1) scope.Unify(name, columns.front());
     }
     for (const Expression* child = expression.first; child; child = child->next) UnifyNames(*child, scope);
   }
@@ -259,12 +337,12 @@ class QuestionBinder {
     const std::string condition = JoinConditionText(fields.Normalized(term));
     const std::vector<SnapshotTable>& tables = scope.Tables();
     const NamedTables named = TablesNamed(condition, tables);
-    if (std::ranges::find(named.tables, asked_) == named.tables.end()) return false;
+    if (std::ranges::none_of(named.tables, [this](std::size_t table) { return asked_.Hold(table); })) return false;
     condition_ += (condition_.empty() ? "" : " AND ") + condition;
     return true;
   }
 
-  // A comparison of a column of the table with one of a table that asks.
+  // A comparison of a column of a table with one of another, or of a table that asks.
   bool AddPair(const Expression& e, const NameScope& scope) {
     if (e.kind != ExpressionKind::Comparison || e.negated || !IsColumn(e.first) || !IsColumn(e.first->next)) {
       return false;
@@ -272,18 +350,17 @@ class QuestionBinder {
     const std::optional<JoinComparisonEnum> comparison = JoinComparisonOf(e.name);
     const std::optional<BoundColumn> a = scope.Find(*StripParentheses(e.first));
     const std::optional<BoundColumn> b = scope.Find(*StripParentheses(e.first->next));
-    if (!comparison || !a || !b || (a->table == asked_) == (b->table == asked_)) return false;
-    if (!Asks(a->table == asked_ ? b->table : a->table)) return false;
+    if (!comparison || !a || !b || a->table == b->table) return false;
+    const auto stands = [this](std::size_t table) { return asked_.Hold(table) || asking_.Hold(table); };
+    if (!stands(a->table) || !stands(b->table) || (asking_.Hold(a->table) && asking_.Hold(b->table))) return false;
     SnapshotJoin join{a->table, b->table, Identifier(a->column), Identifier(b->column), {}, *comparison};
-    if (join.source == asked_) join = Reversed(std::move(join));
+    if (join.source > join.target) join = Reversed(std::move(join));
     if (std::ranges::find(joins_, join) == joins_.end()) joins_.push_back(std::move(join));
     return true;
   }
 
-  bool Asks(std::size_t table) const { return asking_ ? table == *asking_ : table < firstAsked_; }
-
   JoinExistenceEnum Existence(const SnapshotJoin& join, bool forNone) const {
-    if (join.target == asked_) return forNone ? JoinTargetMissing : JoinTargetExists;
+    if (asked_.Hold(join.target)) return forNone ? JoinTargetMissing : JoinTargetExists;
     return forNone ? JoinSourceMissing : JoinSourceExists;
   }
 
@@ -307,21 +384,22 @@ class QuestionBinder {
   const DrawnDiagram& drawn_;
   const std::size_t firstAsked_;
   JoinsByColumns drawnAt_;
-  std::size_t asked_ = 0;
-  std::optional<std::size_t> asking_;  // none for the tables of the statement itself
+  std::vector<Places> placesOf_;  // the tables of each question
+  Places asked_;
+  Places asking_;
   std::vector<SnapshotJoin> joins_;
   std::string condition_;
 };
 
 }  // namespace
 
-bool BindQuestions(BoundStatement& bound, const std::vector<ReadQuestion>& questions, QuerySource& source,
-                   const BindOptions& options, const DrawnDiagram& drawn) {
+const ReadQuestion* BindQuestions(BoundStatement& bound, const std::vector<ReadQuestion>& questions,
+                                  QuerySource& source, const BindOptions& options, const DrawnDiagram& drawn) {
   QuestionBinder binder(bound, source, options, drawn);
   for (const ReadQuestion& question : questions) {
-    if (!binder.Bind(question)) return false;
+    if (!binder.Bind(question)) return &question;
   }
-  return PartsOf(bound.query).faults.empty();
+  return PartsOf(bound.query).faults.empty() ? nullptr : &questions.back();
 }
 
 }  // namespace zrqrybld
