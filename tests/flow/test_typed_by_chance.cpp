@@ -202,7 +202,12 @@ class StatementByChance {
     if (kind == 4) return left + One({" IS NULL", " IS NOT NULL", " LIKE 'x%'", " NOT LIKE '_'"});
     if (kind == 5) return left + One({" BETWEEN 0 AND 1", " NOT BETWEEN 1 AND 2", " IN (1, 2)", " NOT IN (1, NULL)"});
     if (kind == 6) return left + One({" IN (SELECT d FROM v)", " = (SELECT max(d) FROM v)"});
-    if (kind == 7) return One({"", "NOT "}) + "EXISTS (SELECT 1 FROM v WHERE v.d = " + Column() + ")";
+    if (kind == 7) {
+      return One({"", "NOT "}) + "EXISTS (SELECT 1 FROM v q" +
+             One({" WHERE q.d = ", " JOIN u r ON r.d = q.d WHERE r.a >= ",
+                  ", u r WHERE r.d < q.f AND r.a = 1 AND q.d = "}) +
+             Column() + ")";
+    }
     if (kind == 8) return Literal() + One({" = ", " < "}) + left;
     return "NOT " + left + " = " + Literal();
   }

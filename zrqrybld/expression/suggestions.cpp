@@ -4,6 +4,7 @@
 #include <array>
 #include <memory>
 #include <span>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
@@ -111,6 +112,39 @@ class Collector {
  private:
   std::string typed_;
   std::vector<Candidate> found_;
+};
+
+// The foreign keys that connect the named tables with others.
+class Relations {
+ public:
+  explicit Relations(const std::vector<NamedTable>& tables) {
+    for (const NamedTable& table : tables) {
+      if (!table.facts) continue;
+      named_.emplace(table.facts->folded, table.facts);
+      for (const ForeignKeyFacts& key : table.facts->foreignKeys) {
+        keys_.emplace(FoldCase(key.parentTable), std::pair(table.facts, &key));
+      }
+    }
+  }
+
+  // Whether one connects a named table with this other one.
+  bool Lead(const TableFacts& table) const {
+    const auto [key, lastKey] = keys_.equal_range(table.folded);
+    const auto refers = [&](const auto& entry) {
+      return entry.second.first != &table && RefersTo(*entry.second.second, table);
+    };
+    return std::any_of(key, lastKey, refers) || std::ranges::any_of(table.foreignKeys, [&](const ForeignKeyFacts& own) {
+             const auto [parent, lastParent] = named_.equal_range(FoldCase(own.parentTable));
+             return std::any_of(parent, lastParent, [&](const auto& entry) {
+               return entry.second != &table && RefersTo(own, *entry.second);
+             });
+           });
+  }
+
+ private:
+  // By the names of the tables, case-folded: the named ones, and what they refer to.
+  std::unordered_multimap<std::string, const TableFacts*> named_;
+  std::unordered_multimap<std::string, std::pair<const TableFacts*, const ForeignKeyFacts*>> keys_;
 };
 
 class Suggester {
@@ -249,23 +283,13 @@ class Suggester {
 
   void OfferSourceTables() {
     const std::string schema = scope_.qualifier.empty() ? std::string() : FoldCase(scope_.qualifier.back());
+    const Relations relations(tables_);
     for (const TableFacts* table : request_.facts.Tables()) {
       if (!schema.empty() && FoldCase(table->schema) != schema) continue;
       Offer(table->isView ? SuggestionKind::View : SuggestionKind::Table, table->folded, table->name,
-            IsRelated(*table) ? kBest : kGood, {.source = table});
+            relations.Lead(*table) ? kBest : kGood, {.source = table});
     }
     if (schema.empty() && !scope_.quoted) OfferPhrases(std::to_array<std::string_view>({"SELECT"}), kLeast);
-  }
-
-  // Whether a foreign key connects the table with one that the query names already.
-  bool IsRelated(const TableFacts& table) const {
-    return std::ranges::any_of(tables_, [&](const NamedTable& named) {
-      if (!named.facts || named.facts == &table) return false;
-      const auto refersTo = [](const TableFacts& from, const TableFacts& to) {
-        return std::ranges::any_of(from.foreignKeys, [&](const ForeignKeyFacts& key) { return RefersTo(key, to); });
-      };
-      return refersTo(*named.facts, table) || refersTo(table, *named.facts);
-    });
   }
 
   // The columns of the table before the dot: one of the query, by its name there, or one of the source.
