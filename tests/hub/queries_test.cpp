@@ -363,9 +363,12 @@ TEST_F(CellQueries, FollowARenamedQueryAndALostCell) {
   EXPECT_EQ(Tree(), "main, s:with main, member:cell main");
   hub->Queries()->Item(1)->Open();
   EXPECT_EQ(Cell(2, "criteria"), "IN (SELECT s.c FROM s)");
+  EXPECT_EQ(Cell(2, "or1"), "IN (SELECT s.c FROM s)") << "one that is not shown follows, too";
+  EXPECT_EQ(Written().find(" r"), std::string::npos) << Written();
   hub->Undo();
   hub->Queries()->Item(1)->Open();
   EXPECT_EQ(Cell(2, "criteria"), "IN (SELECT c FROM r)");
+  EXPECT_EQ(Cell(2, "or1"), "IN (SELECT r.c FROM r)");
 }
 
 TEST_F(CellQueries, KnowTheNamesOfTheQueriesAround) {
