@@ -91,12 +91,11 @@ class TreeMaker {
 }  // namespace
 
 std::vector<QueryColumn> qbQueryBuilder::OutputsOfShown(const QuerySnapshot& snapshot) const {
-  return WithNames(OutputsOf(snapshot,
-                             [this](std::size_t table, const std::string& column) {
-                               const Ref<qbEntity> entity = Entities()->Item(static_cast<std::int32_t>(table) + 1);
-                               return TypeOfColumn(*entity, column, *DataTypes());
-                             }),
-                   parts_->querySet.Shown().columnNames);
+  const auto typeOf = [this](std::size_t table, const std::string& column) {
+    const Ref<qbEntity> entity = Entities()->Item(static_cast<std::int32_t>(table) + 1);
+    return TypeOfColumn(*entity, column, *DataTypes());
+  };
+  return OutputsOf(snapshot, typeOf, parts_->querySet.Shown().columnNames);
 }
 
 QueryTree qbQueryBuilder::TreeOf(std::int32_t id) const {
