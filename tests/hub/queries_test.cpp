@@ -14,6 +14,7 @@
 #include "zrqrybld/expression/schema_cache.h"
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/hub/hub.h"
+#include "zrqrybld/hub/query_set.h"
 #include "zrqrybld/hub/statement_loader.h"
 #include "zrqrybld/platform/headless.h"
 #include "zrqrybld/sql/dialect.h"
@@ -80,6 +81,20 @@ TEST_F(QueriesTest, AStatementBecomesItsQueriesAndIsWrittenAnew) {
     sql->ParseSQLStatement(written);
     EXPECT_EQ(sql->SQLStatement(), written);
   }
+}
+
+TEST_F(QueriesTest, NamesOfColumnsStandForThoseInTheirPlaces) {
+  sql->SetSQLSyntax(SQLSyntaxPostgreSQL);
+  sql->ParseSQLStatement(
+      "WITH r (n, t, u, v) AS (SELECT Total + 1, Total, Total, OrderID FROM Orders) SELECT n FROM r");
+  const auto columns = [&] { return *hub->QueriesNow().FindNamed(0, "r")->columns; };
+  const std::vector<QueryColumn> read = columns();
+  std::string names;
+  for (const QueryColumn& column : read) names += column.name + (column.type == 0 ? "? " : " ");
+  EXPECT_EQ(names, "n? t u v ");
+  hub->Queries()->Item("r")->Open();
+  hub->Queries()->Item(1)->Open();
+  EXPECT_EQ(columns(), read);
 }
 
 constexpr const char* kThree =
@@ -363,9 +378,12 @@ TEST_F(CellQueries, FollowARenamedQueryAndALostCell) {
   EXPECT_EQ(Tree(), "main, s:with main, member:cell main");
   hub->Queries()->Item(1)->Open();
   EXPECT_EQ(Cell(2, "criteria"), "IN (SELECT s.c FROM s)");
+  EXPECT_EQ(Cell(2, "or1"), "IN (SELECT s.c FROM s)") << "one that is not shown follows, too";
+  EXPECT_EQ(Written().find(" r"), std::string::npos) << Written();
   hub->Undo();
   hub->Queries()->Item(1)->Open();
   EXPECT_EQ(Cell(2, "criteria"), "IN (SELECT c FROM r)");
+  EXPECT_EQ(Cell(2, "or1"), "IN (SELECT r.c FROM r)");
 }
 
 TEST_F(CellQueries, KnowTheNamesOfTheQueriesAround) {

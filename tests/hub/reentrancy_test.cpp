@@ -153,6 +153,7 @@ constexpr Named<Act> kTriggers[] = {
     DO("query in a cell", s.Rows()->Item(1)->SetValue("criteria", "IN (SELECT StaffID FROM Staff, Orders o)");
        s.hub->Queries()->OpenInCell(1, "criteria"); s.Item(1, 2)->SetChecked(true); s.Table(1)->SetCaption("t");
        s.hub->Undo(); s.hub->Queries()->Item(1)->Open(); s.hub->Queries()->AddInCell(2, "criteria")),
+    DO("add a saved query", s.hub->Queries()->AddSaved(s.saved, true)),
     DO("load", s.hub->LoadQuery(s.saved, true)),
     DO("save", s.hub->SaveQueryToText()),
     DO("undo and redo", s.hub->Undo(); s.hub->Redo()),

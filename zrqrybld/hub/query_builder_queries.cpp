@@ -10,6 +10,7 @@
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/query_boxes.h"
+#include "zrqrybld/diagram/relationship.h"
 #include "zrqrybld/diagram/table_picker.h"
 #include "zrqrybld/grid/field_names.h"
 #include "zrqrybld/grid/grid_pane.h"
@@ -19,6 +20,8 @@
 #include "zrqrybld/sql/query_outline.h"
 #include "zrqrybld/sql/query_outputs.h"
 #include "zrqrybld/sql/query_text.h"
+#include "zrqrybld/sql/rename.h"
+#include "zrqrybld/sql/source_rules.h"
 #include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
@@ -88,12 +91,11 @@ class TreeMaker {
 }  // namespace
 
 std::vector<QueryColumn> qbQueryBuilder::OutputsOfShown(const QuerySnapshot& snapshot) const {
-  return WithNames(OutputsOf(snapshot,
-                             [this](std::size_t table, const std::string& column) {
-                               const Ref<qbEntity> entity = Entities()->Item(static_cast<std::int32_t>(table) + 1);
-                               return TypeOfColumn(*entity, column, *DataTypes());
-                             }),
-                   parts_->querySet.Shown().columnNames);
+  const auto typeOf = [this](std::size_t table, const std::string& column) {
+    const Ref<qbEntity> entity = Entities()->Item(static_cast<std::int32_t>(table) + 1);
+    return TypeOfColumn(*entity, column, *DataTypes());
+  };
+  return OutputsOf(snapshot, typeOf, parts_->querySet.Shown().columnNames);
 }
 
 QueryTree qbQueryBuilder::TreeOf(std::int32_t id) const {
@@ -346,6 +348,21 @@ void qbQueryBuilder::RemoveQuery(std::int32_t id) {
   QueryChanged();
 }
 
+namespace {
+
+// The texts of the shown query's cells and joins name another query in FROM by its new name; its boxes are named so.
+void RenameInTexts(qbQueryBuilder& hub, const std::string& before, const std::string& after) {
+  const NameRules rules = CurrentNameRules(hub);
+  const SqlText quoted = QuoteWhenNeeded(Identifier(after), rules);
+  const auto renamed = [&](std::string_view text) { return RenameSource(text, before, quoted, rules); };
+  for (const Ref<qbRelationship>& join : hub.Entities()->AskingJoins()) {
+    if (!join->Condition().empty()) join->SetCondition(renamed(join->Condition()));
+  }
+  if (hub.GridPane()) hub.GridPane()->RenameTable({}, {}, renamed);  // no table of the rows, only what was typed
+}
+
+}  // namespace
+
 // The boxes of the query bear the new name; those that are called by the old one are called by the new one.
 void qbQueryBuilder::RenameQuery(std::int32_t id, const std::string& name) {
   RequireStill();
@@ -374,6 +391,7 @@ void qbQueryBuilder::RenameQuery(std::int32_t id, const std::string& name) {
       entity->SetTagVariant(name);
       if (isCaption && !Entities()->FindExactly(name)) entity->SetCaption(name);
     }
+    RenameInTexts(*this, before, name);
   }
   set.Find(id)->name = name;
   SwitchTo(shown);

@@ -158,10 +158,10 @@ class Reader {
                                               const std::vector<std::string>& names) const {
     QuerySnapshot query = statement.Bound().query;
     query.columns = CapturedColumns(statement.Plan(), query.tables.size());
-    return WithNames(
-        OutputsOf(query,
-                  [&](std::size_t table, const std::string& column) { return statement.Plan().TypeOf(table, column); }),
-        names);
+    const auto typeOf = [&](std::size_t table, const std::string& column) {
+      return statement.Plan().TypeOf(table, column);
+    };
+    return OutputsOf(query, typeOf, names);
   }
 
   // Whether the query, or one that belongs to it, names the table.

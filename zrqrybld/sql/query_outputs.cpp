@@ -55,40 +55,59 @@ class Captured final : public KnownColumns {
 
 }  // namespace
 
-std::vector<QueryColumn> OutputsOf(const QuerySnapshot& query, const ColumnTypes& typeOf) {
-  std::vector<QueryColumn> outputs;
-  std::unordered_set<std::string, HashNoCase, EqualNoCase> taken;
-  const auto add = [&](const std::string& name, const SnapshotType& type) {
-    if (!name.empty() && taken.insert(name).second) outputs.push_back({name, type.code, type.isLong});
-  };
-  const auto addAll = [&](std::size_t table) {
-    if (!query.columns || !query.columns->KnowsColumns(table)) return;
-    for (const std::string& column : query.columns->Columns(table)) add(column, typeOf(table, column));
-  };
-  for (const SnapshotRow& row : query.rows) {
-    if (row.column.empty() || !row.output) continue;
-    if (row.table && row.column == "*" && row.grouping.kind != GroupingKind::Aggregate) {
-      addAll(*row.table);
-    } else if (!row.alias.Empty()) {
-      add(row.alias.Name(), TypeOfRow(row, typeOf));
-    } else if (row.table && !row.grouping.HasSyntax()) {
-      add(row.column, TypeOfRow(row, typeOf));
-    } else if (!row.table && row.column == "*") {
-      for (std::size_t table = 0; table < query.tables.size(); ++table) addAll(table);
-    }
-  }
-  return outputs;
-}
+namespace {
 
-std::vector<QueryColumn> WithNames(std::vector<QueryColumn> columns, const std::vector<std::string>& names) {
-  for (std::size_t i = 0; i < names.size(); ++i) {
-    if (i < columns.size()) {
-      columns[i].name = names[i];
+// Puts the columns one behind the other, under the names that are given for the first ones.
+class Outputs {
+ public:
+  Outputs(const QuerySnapshot& query, const ColumnTypes& typeOf, const std::vector<std::string>& names)
+      : query_(query), typeOf_(typeOf), names_(names) {}
+
+  void Add(const SnapshotRow& row) {
+    if (row.table && row.column == "*" && row.grouping.kind != GroupingKind::Aggregate) {
+      AddAll(*row.table);
+    } else if (!row.table && row.column == "*") {
+      for (std::size_t table = 0; table < query_.tables.size(); ++table) AddAll(table);
+    } else if (!row.alias.Empty()) {
+      Add(row.alias.Name(), TypeOfRow(row, typeOf_));
     } else {
-      columns.push_back({names[i]});  // of an expression without a name of its own
+      const bool isNamed = row.table && !row.grouping.HasSyntax();
+      Add(isNamed ? row.column : std::string(), TypeOfRow(row, typeOf_));
     }
   }
-  return columns;
+  // With the names that stand for columns nobody knows.
+  std::vector<QueryColumn> Take() && {
+    while (named_ < names_.size()) Add({}, {});
+    return std::move(columns_);
+  }
+
+ private:
+  void Add(const std::string& own, const SnapshotType& type) {
+    const std::string& name = named_ < names_.size() ? names_[named_++] : own;
+    if (!name.empty() && taken_.insert(name).second) columns_.push_back({name, type.code, type.isLong});
+  }
+  void AddAll(std::size_t table) {
+    if (!query_.columns || !query_.columns->KnowsColumns(table)) return;
+    for (const std::string& column : query_.columns->Columns(table)) Add(column, typeOf_(table, column));
+  }
+
+  const QuerySnapshot& query_;
+  const ColumnTypes& typeOf_;
+  const std::vector<std::string>& names_;
+  std::size_t named_ = 0;  // names that are given away
+  std::vector<QueryColumn> columns_;
+  std::unordered_set<std::string, HashNoCase, EqualNoCase> taken_;
+};
+
+}  // namespace
+
+std::vector<QueryColumn> OutputsOf(const QuerySnapshot& query, const ColumnTypes& typeOf,
+                                   const std::vector<std::string>& names) {
+  Outputs outputs(query, typeOf, names);
+  for (const SnapshotRow& row : query.rows) {
+    if (!row.column.empty() && row.output) outputs.Add(row);
+  }
+  return std::move(outputs).Take();
 }
 
 std::optional<std::pair<std::string, std::string>> RenamedColumn(const std::vector<std::string>& before,

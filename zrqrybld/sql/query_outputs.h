@@ -18,11 +18,10 @@ namespace zrqrybld {
 using ColumnTypes = std::function<SnapshotType(std::size_t table, const std::string& column)>;
 
 /// The columns in their order: an expression without an alias has a name that only the server knows, and is left out,
-/// and so is a name that an earlier column bears. "*" stands for the known columns of its table.
-std::vector<QueryColumn> OutputsOf(const QuerySnapshot& query, const ColumnTypes& typeOf);
-
-/// The same with other names, as WITH gives them; columns beyond the last name keep theirs.
-std::vector<QueryColumn> WithNames(std::vector<QueryColumn> columns, const std::vector<std::string>& names);
+/// and so is a name that an earlier column bears. "*" stands for the known columns of its table. The first ones are
+/// called by `names`, as WITH gives them, whatever they are called in the query.
+std::vector<QueryColumn> OutputsOf(const QuerySnapshot& query, const ColumnTypes& typeOf,
+                                   const std::vector<std::string>& names = {});
 
 /// The one column that is called otherwise now, as before and as now; none where the columns are others in another way.
 std::optional<std::pair<std::string, std::string>> RenamedColumn(const std::vector<std::string>& before,

@@ -1,12 +1,20 @@
 #include "zrqrybld/sql/rename.h"
 
+#include <utility>
 #include <vector>
 
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/sql/inner_queries.h"
 #include "zrqrybld/sql/lexer.h"
 
 namespace zrqrybld {
 namespace {
+
+std::string NameOf(std::string_view text, const Token& token) {
+  const std::string_view written = text.substr(token.offset, token.length);
+  return token.kind == TokenKind::QuotedIdentifier && !token.unfinished ? RemoveIdentifierQuotes(written, {})
+                                                                        : std::string(written);
+}
 
 class Renamer {
  public:
@@ -32,11 +40,6 @@ class Renamer {
   }
 
  private:
-  std::string NameOf(const Token& token) const {
-    const std::string_view written = text_.substr(token.offset, token.length);
-    return token.kind == TokenKind::QuotedIdentifier && !token.unfinished ? RemoveIdentifierQuotes(written, {})
-                                                                          : std::string(written);
-  }
   bool IsDot(std::size_t i) const {
     return i < tokens_.size() && tokens_[i].length == 1 && text_[tokens_[i].offset] == '.';
   }
@@ -44,7 +47,7 @@ class Renamer {
     if (i >= tokens_.size()) return false;
     const TokenKind kind = tokens_[i].kind;
     return (kind == TokenKind::Word || kind == TokenKind::QuotedIdentifier) &&
-           EqualsNoCase(NameOf(tokens_[i]), name.Name());
+           EqualsNoCase(NameOf(text_, tokens_[i]), name.Name());
   }
 
   // The token behind the table's name when it begins at `i` and a "." follows; `i` otherwise. A name behind a "." is
@@ -67,7 +70,139 @@ class Renamer {
   std::vector<std::vector<Identifier>> before_;  // as one name, and as schema and table
 };
 
+// Finds where a table stands in FROM of queries in parentheses.
+class SourceFinder {
+ public:
+  SourceFinder(std::string_view text, std::string_view name) : text_(text), name_(name), tokens_(Tokenize(text)) {
+    std::erase_if(tokens_, [](const Token& token) { return token.kind == TokenKind::Comment; });
+    for (at_ = 0; at_ < tokens_.size(); ++at_) Take();
+  }
+
+  const std::vector<Token>& Found() const { return found_; }
+  /// Whether "name.column" means it.
+  bool Qualifies() const { return bare_ && !isAlias_; }
+  /// Whether the text has a query of its own that is called so.
+  bool IsOther() const { return isOther_; }
+
+ private:
+  struct Level {
+    bool isQuery = false;
+    bool inFrom = false;
+  };
+
+  void Take() {
+    const bool atSource = std::exchange(atSource_, false);
+    if (IsSign('(')) {
+      const Keyword next = KeywordAt(at_ + 1);
+      const bool isQuery = next == Keyword::Select || next == Keyword::With;
+      levels_.push_back({isQuery, atSource && !isQuery});  // tables that are joined first
+      atSource_ = levels_.back().inFrom;
+    } else if (IsSign(')')) {
+      if (levels_.size() > 1) levels_.pop_back();
+    } else if (IsSign(',')) {
+      atSource_ = levels_.back().inFrom;
+    } else if (tokens_[at_].kind == TokenKind::QuotedIdentifier || KeywordAt(at_) == Keyword::None) {
+      TakeName(atSource);
+    } else {
+      TakeKeyword(KeywordAt(at_));
+    }
+  }
+
+  void TakeKeyword(Keyword keyword) {
+    Level& level = levels_.back();
+    switch (keyword) {
+      case Keyword::From:
+        atSource_ = level.inFrom = level.isQuery;
+        break;
+      case Keyword::Join:
+        atSource_ = level.inFrom;
+        break;
+      case Keyword::Select:
+      case Keyword::Where:
+      case Keyword::Group:
+      case Keyword::Having:
+      case Keyword::Order:
+      case Keyword::Union:
+      case Keyword::Intersect:
+      case Keyword::Except:
+        level.inFrom = false;
+        break;
+      default:
+        break;
+    }
+  }
+
+  void TakeName(bool atSource) {
+    if (!IsName(at_) || !EqualsNoCase(NameAt(at_), name_) || IsSignAt(at_ + 1, '.')) return;
+    const Keyword before = at_ == 0 ? Keyword::None : KeywordAt(at_ - 1);
+    const Keyword behind = KeywordAt(at_ + 1);
+    const bool recursive = at_ > 0 && EqualsNoCase(NameAt(at_ - 1), "RECURSIVE");
+    if (before == Keyword::With || recursive || (behind == Keyword::As && IsSignAt(at_ + 2, '('))) {
+      isOther_ = true;
+    } else if (atSource) {
+      found_.push_back(tokens_[at_]);
+      bare_ |= behind != Keyword::As && !IsName(at_ + 1);
+    } else if (levels_.back().inFrom && at_ > 0) {
+      isAlias_ |= before == Keyword::As || IsName(at_ - 1) || IsSignAt(at_ - 1, ')');
+    }
+  }
+
+  bool IsName(std::size_t at) const {
+    return at < tokens_.size() && (tokens_[at].kind == TokenKind::QuotedIdentifier ||
+                                   (tokens_[at].kind == TokenKind::Word && tokens_[at].keyword == Keyword::None));
+  }
+  std::string NameAt(std::size_t at) const { return NameOf(text_, tokens_[at]); }
+  Keyword KeywordAt(std::size_t at) const { return at < tokens_.size() ? tokens_[at].keyword : Keyword::None; }
+  bool IsSign(char sign) const { return IsSignAt(at_, sign); }
+  bool IsSignAt(std::size_t at, char sign) const {
+    return at < tokens_.size() && tokens_[at].length == 1 && text_[tokens_[at].offset] == sign;
+  }
+
+  const std::string_view text_;
+  const std::string_view name_;
+  std::vector<Token> tokens_;
+  std::vector<Token> found_;
+  std::vector<Level> levels_{Level()};
+  std::size_t at_ = 0;
+  bool atSource_ = false;  // a table stands next
+  bool bare_ = false;      // it stands in FROM without an alias
+  bool isAlias_ = false;
+  bool isOther_ = false;
+};
+
 }  // namespace
+
+namespace {
+
+// The same for one query with its parentheses.
+std::string RenameInQuery(std::string_view query, std::string_view before, const SqlText& after,
+                          const NameRules& rules) {
+  const SourceFinder finder(query, before);
+  if (finder.IsOther() || finder.Found().empty()) return std::string(query);
+  std::string result;
+  std::size_t copied = 0;
+  for (const Token& token : finder.Found()) {
+    result.append(query, copied, token.offset - copied);
+    result += after.Text();
+    copied = token.offset + token.length;
+  }
+  result.append(query, copied);
+  return finder.Qualifies() ? RenameQualifier(result, before, after, rules) : result;
+}
+
+}  // namespace
+
+std::string RenameSource(std::string_view text, std::string_view before, const SqlText& after, const NameRules& rules) {
+  std::string result;
+  std::size_t copied = 0;
+  for (const InnerQueryPlace& place : InnerQueriesIn(text)) {
+    const std::size_t open = place.begin - 1;
+    result.append(text, copied, open - copied);
+    copied = place.end + 1;
+    result += RenameInQuery(text.substr(open, copied - open), before, after, rules);
+  }
+  return result.append(text, copied);
+}
 
 std::string RenameQualifier(std::string_view text, std::string_view before, const SqlText& after,
                             const NameRules& rules) {

@@ -14,4 +14,9 @@ namespace zrqrybld {
 std::string RenameQualifier(std::string_view text, std::string_view before, const SqlText& after,
                             const NameRules& rules);
 
+/// The text with the table `before` replaced by `after` in FROM of each query that stands in it in parentheses, and
+/// where it qualifies a column in there, unless an alias is called so. A query that has one of WITH which is called so
+/// stays as it is: it means that one.
+std::string RenameSource(std::string_view text, std::string_view before, const SqlText& after, const NameRules& rules);
+
 }  // namespace zrqrybld
