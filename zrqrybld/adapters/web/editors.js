@@ -21,6 +21,7 @@ export class Editor {
       if (event.isComposing) return;
       event.stopPropagation();
       if (api.editor_key(number, 1, keyCode(event), shiftBits(event), typedText(event))) event.preventDefault();
+      else this.surface.designer.onKey(event);  // F6 leads out of a cell, too
     });
     input.addEventListener('keyup', event => {
       event.stopPropagation();

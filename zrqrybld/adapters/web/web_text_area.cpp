@@ -41,7 +41,10 @@ void WebTextArea::CheckBy(std::function<std::optional<ExpressionFault>(const std
   links_.push_back(Edited.Connect([this, check = std::move(check)] {
     const std::optional<ExpressionFault> fault = check(text_);
     SetRemarks(fault ? std::vector{fault->message} : std::vector<std::string>());
-    if (fault) SetFault(fault->offset, 1);
+    if (!fault || text_.empty()) return;
+    std::size_t at = std::min(fault->offset, text_.size() - 1);  // behind the end nothing can be marked
+    while (at > 0 && (text_[at] & 0xC0) == 0x80) --at;
+    SetFault(at, 1);
   }));
 }
 
