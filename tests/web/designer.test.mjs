@@ -184,6 +184,8 @@ describe('a person', () => {
     await text.pressSequentially('Orders.');
     await page.locator('dialog .list li', {hasText: 'Total'}).waitFor();
     await picture('expression');
+    const [below, written] = [await page.locator('dialog .list').boundingBox(), await text.boundingBox()];
+    assert.ok(below.x > written.x + 40 && below.y > written.y + 15 && below.y < written.y + 60, JSON.stringify(below));
     await page.locator('dialog .list li', {hasText: 'Total'}).click();
     assert.equal(await page.locator('dialog .fault, dialog .remarks:not([hidden])').count(), 0);
     await page.keyboard.press('Control+Enter');

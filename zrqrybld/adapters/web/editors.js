@@ -292,8 +292,12 @@ export class Area {
   }
   // Where a character stands, for a list below it.
   placeOf(character) {
-    const box = this.host.getBoundingClientRect(), place = this.#rangeOf(Math.max(0, character), 0)?.getBoundingClientRect();
-    return place ? [place.left - box.left, place.top - box.top, 0, place.height] : [0, 0, 0, 20];
+    // Behind the last character of a line there is nothing that has a place: it is the right edge of that one.
+    const box = this.host.getBoundingClientRect(), at = Math.max(0, character);
+    const placeOf = start => this.#rangeOf(start, 1)?.getBoundingClientRect();
+    const here = placeOf(at), place = here?.height || at === 0 ? here : placeOf(at - 1);
+    const x = place === here ? place?.left : place?.right;
+    return place?.height ? [x - box.left, place.top - box.top, 0, place.height] : [0, 0, 0, 20];
   }
   focus() { this.text.focus(); }
   getBoundingClientRect() { return this.host.getBoundingClientRect(); }
