@@ -66,6 +66,10 @@ dialog form { display: flex; flex-direction: column; gap: 10px; min-width: 300px
 dialog h2 { font-size: 15px; margin: 0 0 2px; }
 dialog input:not([type=checkbox]), dialog select, dialog textarea { font: inherit; color: var(--role-text); background: var(--role-box);
   border: 1px solid var(--role-box-frame); border-radius: 4px; padding: 5px 8px; max-width: 100%; }
+dialog div.code { display: flex; flex-direction: column; width: min(560px, 84vw); height: 180px; resize: both; overflow: hidden;
+  border: 1px solid var(--role-box-frame); border-radius: 4px; }
+dialog div.code.one-line { height: auto; min-height: 0; resize: none; width: auto; }
+dialog .one-line .sql-frame { flex: none; height: 32px; } dialog .one-line .sql-frame > * { padding: 6px 8px; overflow: hidden; }
 dialog .code { font-family: ui-monospace, "DejaVu Sans Mono", monospace; direction: ltr; }
 dialog .field { display: flex; flex-direction: column; gap: 4px; }
 dialog .choice { display: flex; gap: 8px; align-items: baseline; padding: 3px 0; }

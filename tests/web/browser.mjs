@@ -1,13 +1,46 @@
-// What the tests of pages share: where things are, and the browser.
+// What the tests of pages share: where things are, the pages, and the browser.
+import {createServer} from 'node:http';
+import {readFile} from 'node:fs/promises';
 import {createRequire} from 'node:module';
-import {join} from 'node:path';
+import {extname, join, normalize} from 'node:path';
 import {pathToFileURL} from 'node:url';
 
 export const root = new URL('../../', import.meta.url).pathname;
 export const modules = process.env.MODULES ?? join(root, 'build/node/');
+export const folder = process.env.PACKAGE ?? join(root, 'build/wasm/npm');
+export const need = createRequire(pathToFileURL(join(modules, '/')));
 
-const {chromium} = createRequire(pathToFileURL(join(modules, '/')))('playwright-core');
+const {chromium} = need('playwright-core');
 
 export const launchBrowser = () => chromium.launch({ignoreDefaultArgs: ['--hide-scrollbars'],
   executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium', args: ['--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run',
     '--disable-background-networking', '--disable-component-update', '--disable-sync']});
+
+const types = {'.html': 'text/html', '.js': 'text/javascript', '.mjs': 'text/javascript', '.css': 'text/css', '.wasm': 'application/wasm'};
+// As strict as the package promises to live with.
+const policy = "default-src 'self'; script-src 'self' 'wasm-unsafe-eval'; style-src 'self'; img-src 'self'";
+
+/** Serves the pages of this folder and the package; its address is that of `page.html`. */
+export async function servePages() {
+  const server = createServer(async (request, answer) => {
+    const path = normalize(new URL(request.url, 'http://x').pathname);
+    const file = path.startsWith('/zrqrybld/') ? join(folder, path.slice(10)) : join(root, 'tests/web', path);
+    try {
+      const bytes = await readFile(file);
+      answer.writeHead(200, {'Content-Type': types[extname(file)] ?? 'text/plain', 'Content-Security-Policy': policy}).end(bytes);
+    } catch {
+      answer.writeHead(404).end();
+    }
+  });
+  await new Promise(done => server.listen(0, '127.0.0.1', done));
+  return Object.assign(server, {page: `http://127.0.0.1:${server.address().port}/page.html`});
+}
+
+/** A page with one designer, ready to be used. */
+export async function openPage(browser, server, options = {}) {
+  const context = await browser.newContext({viewport: {width: 1000, height: 700}, permissions: ['clipboard-read', 'clipboard-write'], ...options});
+  const opened = await context.newPage();
+  await opened.goto(server.page);
+  await opened.waitForSelector('html[data-ready]');
+  return opened;
+}

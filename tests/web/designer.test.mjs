@@ -2,38 +2,12 @@
 //
 //   node --test tests/web    PACKAGE: the package for npm, MODULES: a folder with playwright-core; PICTURES: where to keep some
 import assert from 'node:assert/strict';
-import {createServer} from 'node:http';
-import {readFile} from 'node:fs/promises';
-import {extname, join, normalize} from 'node:path';
+import {join} from 'node:path';
 import {after, before, describe, test} from 'node:test';
 import {pathToFileURL} from 'node:url';
-import {launchBrowser, root} from './browser.mjs';
+import {folder, launchBrowser, openPage, servePages} from './browser.mjs';
 
-const folder = process.env.PACKAGE ?? join(root, 'build/wasm/npm');
-const types = {'.html': 'text/html', '.js': 'text/javascript', '.mjs': 'text/javascript', '.css': 'text/css', '.wasm': 'application/wasm'};
-// As strict as the package promises to live with.
-const policy = "default-src 'self'; script-src 'self' 'wasm-unsafe-eval'; style-src 'self'; img-src 'self'";
-
-const server = createServer(async (request, answer) => {
-  const path = normalize(new URL(request.url, 'http://x').pathname);
-  const file = path.startsWith('/zrqrybld/') ? join(folder, path.slice(10)) : join(root, 'tests/web', path);
-  try {
-    const bytes = await readFile(file);
-    answer.writeHead(200, {'Content-Type': types[extname(file)] ?? 'text/plain', 'Content-Security-Policy': policy}).end(bytes);
-  } catch {
-    answer.writeHead(404).end();
-  }
-});
-
-let browser, page;
-
-async function openPage(options = {}) {
-  const context = await browser.newContext({viewport: {width: 1000, height: 700}, permissions: ['clipboard-read', 'clipboard-write'], ...options});
-  const opened = await context.newPage();
-  await opened.goto(`http://127.0.0.1:${server.address().port}/page.html`);
-  await opened.waitForSelector('html[data-ready]');
-  return opened;
-}
+let browser, page, server;
 
 const sql = () => page.evaluate(() => designer.sql.replace(/\s+/g, ' ').trim());
 const inPage = work => page.evaluate(work);
@@ -67,7 +41,7 @@ async function twoTables() {
 }
 
 before(async () => {
-  await new Promise(done => server.listen(0, '127.0.0.1', done));
+  server = await servePages();
   browser = await launchBrowser();
 });
 after(async () => {
@@ -78,7 +52,7 @@ after(async () => {
 // Each test begins with a page of its own and ends without a fault that the page has seen.
 function inBrowser(name, work, options) {
   test(name, async () => {
-    page = await openPage(options);
+    page = await openPage(browser, server, options);
     try {
       await work();
       assert.deepEqual(await inPage(() => faults), []);
@@ -196,6 +170,37 @@ describe('a person', () => {
     await page.locator('dialog.join button.main').click();
     assert.match(await sql(), /(LEFT|RIGHT) (OUTER )?JOIN/);
     assert.equal(await inPage(() => query().UndoText), 'Edit join');
+  });
+
+  inBrowser('is offered what fits in windows, and shown what does not', async () => {
+    await twoTables();
+    await inPage(() => query().GridPane.Grid.GotoRowCol(1, 'column'));
+    await page.locator('#grid canvas').focus();
+    await page.keyboard.press('Control+F2');
+    const text = page.locator('dialog.expression textarea.sql');
+    await text.pressSequentially('1 + ');
+    assert.equal(await page.locator('dialog .fault').count(), 1);
+    assert.ok((await page.locator('dialog .remarks').innerText()).length > 10);
+    await text.pressSequentially('Orders.');
+    await page.locator('dialog .list li', {hasText: 'Total'}).waitFor();
+    await picture('expression');
+    const [below, written] = [await page.locator('dialog .list').boundingBox(), await text.boundingBox()];
+    assert.ok(below.x > written.x + 40 && below.y > written.y + 15 && below.y < written.y + 60, JSON.stringify(below));
+    await page.locator('dialog .list li', {hasText: 'Total'}).click();
+    assert.equal(await page.locator('dialog .fault, dialog .remarks:not([hidden])').count(), 0);
+    await page.keyboard.press('Control+Enter');
+    assert.match(await sql(), /1 \+ Orders.Total/);
+    await inPage(() => {
+      query().AllowJoinProperties = true;
+      designer.sql = 'SELECT Customers.Name FROM Customers INNER JOIN Orders ON Customers.CustomerID = Orders.Buyer';
+      query().ShowJoinProperties(query().DiagramPane.Entities.Item('Customers').Relationships.Item(1));
+    });
+    await page.locator('dialog.join textarea.sql').pressSequentially('Orders.To');
+    await picture('condition');
+    await page.locator('dialog .list li', {hasText: 'Total'}).click();
+    await page.keyboard.type(' > 5');
+    await page.keyboard.press('Enter');
+    assert.match(await sql(), /AND \(?Orders.Total > 5/);
   });
 
   inBrowser('copies and pastes rows of the grid', async () => {

@@ -1,16 +1,15 @@
 #include "zrqrybld/host/language.h"
 
 #include <cmath>
-#include <fstream>
 #include <optional>
 #include <utility>
-#include <vector>
 
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/file.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts.h"
 #include "zrqrybld/base/texts_hub.h"
+#include "zrqrybld/host/language_file.h"
 #include "zrqrybld/host/language_ids.h"
 
 namespace zrqrybld {
@@ -23,6 +22,7 @@ namespace {
 
 // A caption is a line; a file with longer ones is none of ours.
 constexpr std::size_t kLongestLine = std::size_t{64} * 1024;
+constexpr std::size_t kLargestFile = std::size_t{64} << 20;
 
 [[noreturn]] void ThrowInvalidFile() { throw Error(ErrorInvalidResFile, text::LanguageFileFailed); }
 
@@ -48,22 +48,22 @@ std::string LanguageTable::Get(std::int32_t id) const {
 void LanguageTable::Set(std::int32_t id, std::string text) { texts_.insert_or_assign(id, std::move(text)); }
 
 void LanguageTable::Load(const std::string& path) {
-  std::ifstream file(PathOf(path), std::ios::binary);
-  if (!file) {
-    texts_.clear();
+  texts_.clear();
+  std::string text;
+  try {
+    text = ReadWholeFile(path, kLargestFile);
+  } catch (const Error&) {
     ThrowInvalidFile();
   }
-  Load(file);
+  ReadLanguageFile(text, texts_);
 }
 
-void LanguageTable::Load(std::istream& input) {
-  texts_.clear();
-  std::vector<char> buffer(kLongestLine);
-  for (std::size_t number = 1;
-       input.getline(buffer.data(), static_cast<std::streamsize>(buffer.size())) || input.gcount() > 0; ++number) {
-    if (input.fail() && !input.eof()) ThrowInvalidFile();  // a line beyond the longest
-    const std::size_t lineEnd = input.eof() ? 0 : 1;       // it is counted
-    std::string_view line(buffer.data(), static_cast<std::size_t>(input.gcount()) - lineEnd);
+void ReadLanguageFile(std::string_view text, std::unordered_map<std::int32_t, std::string>& texts) {
+  for (std::size_t number = 1; !text.empty(); ++number) {
+    const std::size_t end = text.find('\n');
+    std::string_view line = text.substr(0, end);
+    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    if (line.size() >= kLongestLine) ThrowInvalidFile();
     if (!IsUtf8(line) || line.find('\0') != std::string_view::npos) ThrowNotUtf8(number);
     if (number == 1 && line.starts_with("\xEF\xBB\xBF")) line.remove_prefix(3);
     if (line.ends_with('\r')) line.remove_suffix(1);
@@ -72,9 +72,8 @@ void LanguageTable::Load(std::istream& input) {
     const std::size_t equals = line.find('=');
     const std::optional<std::int32_t> id =
         equals == std::string_view::npos ? std::nullopt : ReadId(line.substr(0, equals));
-    if (!id || !texts_.try_emplace(*id, line.substr(equals + 1)).second) ThrowInvalidFile();
+    if (!id || !texts.try_emplace(*id, line.substr(equals + 1)).second) ThrowInvalidFile();
   }
-  if (input.bad()) ThrowInvalidFile();
 }
 
 }  // namespace zrqrybld

@@ -21,6 +21,7 @@ export class Editor {
       if (event.isComposing) return;
       event.stopPropagation();
       if (api.editor_key(number, 1, keyCode(event), shiftBits(event), typedText(event))) event.preventDefault();
+      else this.surface.designer.onKey(event);  // F6 leads out of a cell, too
     });
     input.addEventListener('keyup', event => {
       event.stopPropagation();
@@ -93,7 +94,7 @@ export class List {
       item.addEventListener('click', () => designer.api.list_chosen(number, index));
       list.append(item);
     });
-    designer.root.append(list);
+    (host.closest?.('dialog') ?? designer.root).append(list);  // what is outside of an open window is behind it
     list.style.minWidth = Math.max(width, 60) + 'px';
     const {offsetHeight, offsetWidth} = list, below = box.top + y + height;
     const above = box.top + y - offsetHeight;
@@ -112,9 +113,12 @@ export class List {
   close() { this.element.remove(); }
 }
 
-/** The SQL text: a text area, with its own colours seen through it from behind. */
+/**
+ * SQL text: a text area, with its own colours seen through it from behind. In a window `takes` says what accepts it;
+ * there is one line where `single` says so.
+ */
 export class Area {
-  constructor(designer, number, host, label) {
+  constructor(designer, number, host, label, {takes, single} = {}) {
     this.designer = designer;
     this.api = designer.api;
     this.number = number;
@@ -141,6 +145,11 @@ export class Area {
     text.addEventListener('input', event => {
       this.marks = [0, 0];
       const typed = event.inputType === 'insertText' && (event.data?.length ?? 0) === 1;
+      if (single && text.value.includes('\n')) {
+        const {selectionEnd} = text;
+        text.value = text.value.replaceAll('\n', ' ');
+        text.setSelectionRange(selectionEnd, selectionEnd);
+      }
       this.#tell(typed);
     });
     text.addEventListener('keydown', event => {
@@ -148,19 +157,29 @@ export class Area {
       event.stopPropagation();
       this.#selected();
       if (this.api.area_key(number, 1, keyCode(event), shiftBits(event), typedText(event))) event.preventDefault();
-      else this.designer.onKey(event);
+      else if (!takes) this.designer.onKey(event);
+      else if (event.key === 'Enter' && (single || event.ctrlKey || event.metaKey)) {
+        event.preventDefault();
+        takes();
+      }
     });
     text.addEventListener('keyup', event => this.api.area_key(number, 0, keyCode(event), shiftBits(event), ''));
     text.addEventListener('focus', () => this.api.area_focus(number, 1));
     text.addEventListener('blur', event => {
       // A window or a button beside the text is not another part of the page.
-      if (document.hasFocus() && !this.host.contains(event.relatedTarget) && !designer.dialogOpen) this.api.area_focus(number, 0);
+      if (document.hasFocus() && !this.host.contains(event.relatedTarget) && (takes || !designer.dialogOpen)) this.api.area_focus(number, 0);
     });
     text.addEventListener('scroll', () => this.#follow());
     this.onSelection = () => { if (text.getRootNode().activeElement === text) this.#selected(); };
     document.addEventListener('selectionchange', this.onSelection);
   }
   end() { document.removeEventListener('selectionchange', this.onSelection); }
+  closest(selector) { return this.host.closest(selector); }
+  /** What a window begins with. */
+  begin(text) {
+    this.text.value = text.replaceAll('\r', '');
+    this.#tell(false);
+  }
 
   #selected() {
     const {selectionStart, selectionEnd} = this.text;
@@ -273,8 +292,12 @@ export class Area {
   }
   // Where a character stands, for a list below it.
   placeOf(character) {
-    const box = this.host.getBoundingClientRect(), place = this.#rangeOf(Math.max(0, character), 0)?.getBoundingClientRect();
-    return place ? [place.left - box.left, place.top - box.top, 0, place.height] : [0, 0, 0, 20];
+    // Behind the last character of a line there is nothing that has a place: it is the right edge of that one.
+    const box = this.host.getBoundingClientRect(), at = Math.max(0, character);
+    const placeOf = start => this.#rangeOf(start, 1)?.getBoundingClientRect();
+    const here = placeOf(at), place = here?.height || at === 0 ? here : placeOf(at - 1);
+    const x = place === here ? place?.left : place?.right;
+    return place?.height ? [x - box.left, place.top - box.top, 0, place.height] : [0, 0, 0, 20];
   }
   focus() { this.text.focus(); }
   getBoundingClientRect() { return this.host.getBoundingClientRect(); }

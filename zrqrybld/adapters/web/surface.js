@@ -240,9 +240,17 @@ export class Surface {
       this.designer.closeMenu();
       this.pointer = event.pointerId;
       if (event.pointerType === 'touch') return this.#touchDown(event);
-      if (event.button === 1) event.preventDefault();
       canvas.setPointerCapture(event.pointerId);
-      mouse(0, buttonBit(event), event);
+      this.pressed = true;
+    });
+    // The second press of a double click is told as that alone; only this event knows which one it is.
+    on('mousedown', event => {
+      if (!this.pressed) return;  // a finger's
+      this.pressed = false;
+      const again = event.button === 0 && event.detail % 2 === 0;
+      // The middle button scrolls nothing else; what a double click opens keeps the keyboard.
+      if (again || event.button === 1) event.preventDefault();
+      mouse(again ? 3 : 0, buttonBit(event), event);
     });
     on('pointermove', event => {
       if (this.page.dragging) return;
@@ -260,9 +268,6 @@ export class Surface {
       clearTimeout(this.pressing);
       api.key(number, 1, 27, 0, '');  // as Esc: nothing is done half
       mouse(2, 1, event);
-    });
-    on('dblclick', event => {
-      if (event.button === 0 && !this.touched) mouse(3, 1, event);
     });
     on('pointerleave', () => api.mouse(number, 4, 0, 0, 0, 0));
     on('contextmenu', event => event.preventDefault());
@@ -312,7 +317,6 @@ export class Surface {
 
   #touchDown(event) {
     event.preventDefault();
-    this.touched = true;
     this.touches.set(event.pointerId, {x: event.clientX, y: event.clientY});
     clearTimeout(this.pressing);
     if (this.touches.size === 1) {
@@ -374,7 +378,6 @@ export class Surface {
       this.api.mouse(this.number, 3, 1, 0, ...place);
       this.tap = null;
     }
-    setTimeout(() => { this.touched = false; }, DOUBLE_TAP);
   }
 
   #tip(event) {

@@ -48,6 +48,14 @@ std::string FaultIn(const std::shared_ptr<frmExpressionZoom>& form, const std::s
 
 }  // namespace
 
+std::shared_ptr<WebTextArea> WebDialogs::Typed(const std::shared_ptr<frmExpressionZoom>& form) const {
+  auto text = std::make_shared<WebTextArea>(home_);
+  if (!form) return text;
+  text->Suggest(form->Suggestions());
+  text->CheckBy([form](const std::string& written) { return form->Check(written); });
+  return text;
+}
+
 void WebDialogs::Open(const char* kind, const Fields& fields, Window window) {
   const int number = NextPageNumber();
   windows_.emplace(number, std::move(window));
@@ -86,6 +94,7 @@ void WebDialogs::ShowTables(const TablesDialog& dialog) {
 }
 
 void WebDialogs::AskJoinProperties(JoinDialog dialog, std::function<void(JoinDialog&)> accepted) {
+  const std::shared_ptr<WebTextArea> condition = Typed(dialog.conditionForm);
   const Fields fields{dialog.caption,
                       dialog.frame,
                       dialog.allOfTable1,
@@ -100,7 +109,8 @@ void WebDialogs::AskJoinProperties(JoinDialog dialog, std::function<void(JoinDia
                       Packed(dialog.columns2),
                       Packed(dialog.comparisons),
                       PackedPairs(dialog.pairs),
-                      dialog.condition};
+                      dialog.condition,
+                      std::to_string(condition->Number())};
   Open("join", fields,
        {.ask =
             [dialog](const std::string& what, const Fields& f) {
@@ -120,19 +130,22 @@ void WebDialogs::AskJoinProperties(JoinDialog dialog, std::function<void(JoinDia
               answer.pairs = PairsOf(At(f, 2));
               answer.condition = At(f, 3);
               accepted(answer);
-            }});
+            },
+        .text = condition});
 }
 
 void WebDialogs::AskExpression(ExpressionDialog dialog, std::function<void(ExpressionDialog&)> accepted) {
-  const Fields fields{dialog.caption, dialog.text, dialog.form->AcceptButton(), dialog.form->CancelButton()};
+  const std::shared_ptr<WebTextArea> text = Typed(dialog.form);
+  const Fields fields{dialog.caption, dialog.text, dialog.form->AcceptButton(), dialog.form->CancelButton(),
+                      std::to_string(text->Number())};
   Open("expression", fields,
-       {.ask = [form = dialog.form](const std::string&, const Fields& f) { return FaultIn(form, At(f, 0)); },
-        .accepted =
+       {.accepted =
             [dialog, accepted = std::move(accepted)](const Fields& f) {
               ExpressionDialog answer = dialog;
               answer.text = frmExpressionZoom::OnOneLine(At(f, 0));
               accepted(answer);
-            }});
+            },
+        .text = text});
 }
 
 void WebDialogs::AskConnection(ConnectionDialog dialog, std::function<void(const std::string&)> accepted) {

@@ -12,9 +12,12 @@
 
 #include "zrqrybld/adapters/web/fields.h"
 #include "zrqrybld/adapters/web/numbered.h"
+#include "zrqrybld/adapters/web/web_text_area.h"
 #include "zrqrybld/platform/dialogs.h"
 
 namespace zrqrybld {
+
+class frmExpressionZoom;
 
 class WebDialogs final : public Dialogs {
  public:
@@ -49,7 +52,10 @@ class WebDialogs final : public Dialogs {
   struct Window {
     std::function<std::string(const std::string& what, const Fields& arguments)> ask = {};
     std::function<void(const Fields& answer)> accepted = {};
+    std::shared_ptr<WebTextArea> text = {};
   };
+  /// A text of a window: with predictive text, and while it is written the form's fault in it is marked and said.
+  std::shared_ptr<WebTextArea> Typed(const std::shared_ptr<frmExpressionZoom>& form) const;
   void Open(const char* kind, const Fields& fields, Window window);
 
   const std::shared_ptr<const WebHome> home_;

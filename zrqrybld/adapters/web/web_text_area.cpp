@@ -1,6 +1,7 @@
 #include "zrqrybld/adapters/web/web_text_area.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "zrqrybld/adapters/web/fields.h"
 #include "zrqrybld/base/text.h"
@@ -34,6 +35,17 @@ int UnitsOf(char32_t character) { return character == '\r' ? 0 : character > 0xF
 void WebTextArea::Suggest(Ref<qbIntelliList> list) {
   typing_ = std::make_unique<PredictiveTyping>(static_cast<SuggestedText&>(*this), std::move(list));
   links_.push_back(list_->Chosen.Connect([this](std::int32_t index) { typing_->List()->Accept(index); }));
+}
+
+void WebTextArea::CheckBy(std::function<std::optional<ExpressionFault>(const std::string& text)> check) {
+  links_.push_back(Edited.Connect([this, check = std::move(check)] {
+    const std::optional<ExpressionFault> fault = check(text_);
+    SetRemarks(fault ? std::vector{fault->message} : std::vector<std::string>());
+    if (!fault || text_.empty()) return;
+    std::size_t at = std::min(fault->offset, text_.size() - 1);  // behind the end nothing can be marked
+    while (at > 0 && (text_[at] & 0xC0) == 0x80) --at;
+    SetFault(at, 1);
+  }));
 }
 
 std::size_t WebTextArea::ByteOf(int unit) const {

@@ -4,12 +4,15 @@
 // here.
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "zrqrybld/adapters/web/numbered.h"
 #include "zrqrybld/adapters/web/web_editors.h"
+#include "zrqrybld/expression/expression_zoom.h"
 #include "zrqrybld/expression/predictive_typing.h"
 #include "zrqrybld/platform/editors.h"
 
@@ -22,6 +25,8 @@ class WebTextArea final : public TextArea, public Numbered<WebTextArea>, private
 
   /// What is offered at the caret.
   void Suggest(Ref<qbIntelliList> list);
+  /// Asks for the fault in what is written, at each edit: it is marked and said.
+  void CheckBy(std::function<std::optional<ExpressionFault>(const std::string& text)> check);
 
   // --- What the page tells ---
 

@@ -1,5 +1,6 @@
 // The windows that the library asks for, as dialog elements: each gets its texts, asks the library while it is open, and
 // tells what was chosen. Names are always text, never markup.
+import {Area} from './editors.js';
 import {pack, unpack} from './fields.js';
 import {withAccessKey} from './menus.js';
 
@@ -40,6 +41,7 @@ export class Window {
     this.problem = element('p', {className: 'problem', hidden: true});
     this.problem.setAttribute('role', 'alert');
     this.box.append(this.form);
+    this.areas = [];
     this.fields = () => [];
     this.check = () => '';
     const build = this[kind];
@@ -57,6 +59,7 @@ export class Window {
     designer.root.append(this.box);
     this.box.showModal();
     (this.first ?? this.box.querySelector('input, select, textarea, button'))?.focus();
+    this.begins?.();
     this.opened?.();
   }
 
@@ -75,6 +78,10 @@ export class Window {
     this.designer.api.answer(this.designer.number, this.number, accepted ? 1 : 0, pack(fields));
   }
   remove() {
+    for (const area of this.areas) {
+      area.end();
+      this.designer.page.objects.delete(area.number);
+    }
     this.box.close();
     this.box.remove();
   }
@@ -92,6 +99,17 @@ export class Window {
       row.append(no);
     }
     this.form.append(this.problem, row);
+  }
+
+  // A text with predictive text, and with its fault marked.
+  typed(number, text, caption, single) {
+    const host = element('div', {className: single ? 'code one-line' : 'code'}), [shown, key] = withAccessKey(caption);
+    const area = new Area(this.designer, +number, host, shown, {takes: () => this.form.requestSubmit(), single});
+    area.text.accessKey = key;
+    this.areas.push(area);
+    this.designer.page.objects.set(area.number, area);
+    this.begins = () => area.begin(text);
+    return area;
   }
 
   // --- The kinds ---
@@ -178,7 +196,7 @@ export class Window {
     this.first = list.options.length ? list : find;
   }
 
-  join([caption, frame, all1, all2, accept, cancel, checked1, checked2, table1, table2, columns1, columns2, comparisons, pairs, condition]) {
+  join([caption, frame, all1, all2, accept, cancel, checked1, checked2, table1, table2, columns1, columns2, comparisons, pairs, condition, text]) {
     this.title(caption);
     this.stays = true;  // it is closed by its two buttons alone
     const {texts} = this.designer, names1 = unpack(columns1), names2 = unpack(columns2), signs = unpack(comparisons);
@@ -198,11 +216,11 @@ export class Window {
       rows.append(row);
     };
     const one = element('input', {type: 'checkbox', checked: !!checked1}), two = element('input', {type: 'checkbox', checked: !!checked2});
-    const asks = element('input', {value: condition, spellcheck: false, autocomplete: 'off'});
+    const asks = this.typed(text, condition, texts.condition ?? '', true);
     const said = element('p', {className: 'quiet'});
     said.setAttribute('role', 'status');
     const choice = () => [one.checked ? '1' : '', two.checked ? '1' : ''];
-    const all = () => [...choice(), pack(list.map(entry => entry())), asks.value];
+    const all = () => [...choice(), pack(list.map(entry => entry())), asks.text.value];
     const say = () => {
       const warning = this.ask('warning', choice());
       said.textContent = warning || this.ask('describe', choice());
@@ -214,7 +232,7 @@ export class Window {
     one.addEventListener('change', say);
     two.addEventListener('change', say);
     this.form.append(element('div', {className: 'heads'}, element('b', {textContent: table1}), element('b', {textContent: table2})),
-      rows, more, labelled(asks, texts.condition ?? ''),
+      rows, more, element('div', {className: 'field'}, withAccessKey(texts.condition ?? '')[0], asks.host),
       element('fieldset', {}, element('legend', {textContent: frame}), plainLabel(one, all1, table1, table2), plainLabel(two, all2, table1, table2)), said);
     this.check = () => this.ask('warning', choice()) || this.ask('problem', all());
     this.fields = all;
@@ -223,21 +241,13 @@ export class Window {
     say();
   }
 
-  expression([caption, text, accept, cancel]) {
+  expression([caption, text, accept, cancel, number]) {
     this.title(caption);
-    const area = element('textarea', {value: text, rows: 8, cols: 60, spellcheck: false, className: 'code'});
-    area.setAttribute('aria-label', caption);
-    const say = () => {
-      const problem = this.ask('check', [area.value]);
-      this.problem.hidden = !problem;
-      this.problem.textContent = problem;
-    };
-    area.addEventListener('input', say);
-    area.addEventListener('keydown', event => { if (event.key === 'Enter' && (event.ctrlKey || event.metaKey)) this.form.requestSubmit(); });
-    this.form.append(area);
-    this.fields = () => [area.value];
+    const area = this.typed(number, text, caption, false);
+    this.form.append(area.host);
+    this.fields = () => [area.text.value];
     this.buttons(accept, cancel);
-    this.opened = say;
+    this.first = area.text;
   }
 
   parameters([caption, statementLabel, accept, cancel, fields]) {
