@@ -321,7 +321,10 @@ export class Surface {
     clearTimeout(this.pressing);
     if (this.touches.size === 1) {
       this.canvas.setPointerCapture(event.pointerId);
-      this.api.mouse(this.number, 0, 1, 0, ...this.place(event));
+      const place = this.place(event), {tap} = this;
+      const again = tap && event.timeStamp - tap.time < DOUBLE_TAP && Math.hypot(place[0] - tap.place[0], place[1] - tap.place[1]) < STILL;
+      this.tap = again ? null : {place};
+      this.api.mouse(this.number, again ? 3 : 0, 1, 0, ...place);  // as of a mouse: the second press is that alone
       this.start = event;
       this.pressing = setTimeout(() => this.#longPress(), LONG_PRESS);
     } else if (this.touches.size === 2) {
@@ -372,12 +375,7 @@ export class Surface {
     if (!this.touches.delete(event.pointerId) || !single) return;
     const place = this.place(event);
     this.api.mouse(this.number, 2, 1, 0, ...place);
-    const {tap} = this;
-    this.tap = {time: event.timeStamp, place};
-    if (tap && event.timeStamp - tap.time < DOUBLE_TAP && Math.hypot(place[0] - tap.place[0], place[1] - tap.place[1]) < STILL) {
-      this.api.mouse(this.number, 3, 1, 0, ...place);
-      this.tap = null;
-    }
+    if (this.tap) this.tap = {time: event.timeStamp, place};
   }
 
   #tip(event) {
