@@ -170,10 +170,6 @@ class SourceFinder {
   bool isOther_ = false;
 };
 
-}  // namespace
-
-namespace {
-
 // The same for one query with its parentheses.
 std::string RenameInQuery(std::string_view query, std::string_view before, const SqlText& after,
                           const NameRules& rules) {
