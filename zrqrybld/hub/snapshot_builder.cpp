@@ -41,6 +41,7 @@ class EntityColumns final : public KnownColumns {
   bool MayBeNull(const std::vector<Identifier>& table, const std::string& column) const override {
     const std::shared_ptr<SchemaCache> schema = schema_.lock();
     std::vector<std::string> parts;
+    parts.reserve(table.size());
     for (const Identifier& part : table) parts.push_back(part.Name());
     return schema && !parts.empty() && schema->MayBeNull(parts, column);
   }
