@@ -73,7 +73,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (PrefixesText(sql, marker)) return 0;
   }
   const SnapshotType kText{.code = 200, .isLong = false, .prefix = {}, .suffix = {}};
-  const std::string result = PutInLiterals(sql, std::vector<ParameterValue>(count, {.text = value, .type = kText}), {});
+  const bool isRefused = count > 0 && value.find('\0') != std::string::npos;
+  std::string result;
+  try {
+    result = PutInLiterals(sql, std::vector<ParameterValue>(count, {.text = value, .type = kText}), {});
+    if (isRefused) std::abort();
+  } catch (const Error& error) {
+    if (!isRefused || error.Number() != ErrorInvalidPropertyValue) std::abort();
+    return 0;
+  }
   std::vector<TokenKind> kinds;
   for (const Token& token : Tokenize(result)) kinds.push_back(token.kind);
   if (kinds != WantedKinds(blank, scanned.markers)) std::abort();
