@@ -218,7 +218,8 @@ class Walk {
     while (hub_->Redo()) continue;
     for (int round = 0; round < 2; ++round) {
       std::size_t undone = 0;
-      while (hub_->Undo()) Expect(++undone <= 2 * History::kMostSteps, "undoing has no end");
+      while (undone <= History::kMostSteps && hub_->Undo()) ++undone;
+      Expect(undone <= History::kMostSteps, "undoing has no end");
       while (hub_->Redo()) --undone;
       Expect(undone == 0, "not as many steps redone as undone");
       if (round == 0) end = Saved();

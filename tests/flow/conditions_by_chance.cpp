@@ -73,14 +73,7 @@ class ConditionsByChance {
   }
 
   std::string Condition(int depth) {
-    const std::size_t kind = chance_.Below(8);
-    if (depth == 0 || kind <= 1) return Comparison();
-    if (kind == 6) return "(" + Condition(depth - 1) + ")";
-    if (kind == 7) return "NOT (" + Condition(depth - 1) + ")";
-    std::string text = Condition(depth - 1);
-    const char* const word = kind <= 3 ? " AND " : " OR ";
-    for (std::size_t i = 0; i <= chance_.Below(2); ++i) text += word + Condition(depth - 1);
-    return text;
+    return ConditionByChance(chance_, depth, [this] { return Comparison(); });
   }
 
   std::string OnGroups(int depth) {
@@ -98,6 +91,18 @@ class ConditionsByChance {
 };
 
 }  // namespace
+
+std::string ConditionByChance(Chance& chance, int depth, const std::function<std::string()>& comparison) {
+  const auto part = [&] { return ConditionByChance(chance, depth - 1, comparison); };
+  const std::size_t kind = chance.Below(8);
+  if (depth == 0 || kind <= 1) return comparison();
+  if (kind == 6) return "(" + part() + ")";
+  if (kind == 7) return "NOT (" + part() + ")";
+  std::string text = part();
+  const char* const word = kind <= 3 ? " AND " : " OR ";
+  for (std::size_t i = 0; i <= chance.Below(2); ++i) text += word + part();
+  return text;
+}
 
 // Seven rows each: small numbers, short texts, and Null for every fourth.
 std::vector<std::string> ConditionTables(const std::string& prefix) {

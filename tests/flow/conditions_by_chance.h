@@ -2,12 +2,18 @@
 // back, turned round on the way, they choose the rows of the original.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "tests/flow/queries_by_chance.h"
 
 namespace zrqrybld::test {
+
+class Chance;
+
+/// A condition of AND, OR, NOT and parentheses, so deep at most, over the given comparisons.
+std::string ConditionByChance(Chance& chance, int depth, const std::function<std::string()>& comparison);
 
 /// The tables that the conditions name, as a script for any server.
 std::vector<std::string> ConditionTables(const std::string& prefix);

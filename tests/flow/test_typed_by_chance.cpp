@@ -213,14 +213,7 @@ class StatementByChance {
   }
 
   std::string Condition(int depth) {
-    const std::size_t kind = chance_.Below(8);
-    if (depth == 0 || kind <= 1) return Comparison();
-    if (kind == 6) return "(" + Condition(depth - 1) + ")";
-    if (kind == 7) return "NOT (" + Condition(depth - 1) + ")";
-    std::string text = Condition(depth - 1);
-    const char* const word = kind <= 3 ? " AND " : " OR ";
-    for (std::size_t i = 0; i <= chance_.Below(2); ++i) text += word + Condition(depth - 1);
-    return text;
+    return test::ConditionByChance(chance_, depth, [this] { return Comparison(); });
   }
 
   std::string Aggregate() {
