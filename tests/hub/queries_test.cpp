@@ -260,6 +260,52 @@ TEST_F(ThreeQueries, AreDesignedFromNothing) {
   EXPECT_EQ(sql->Diagnostics().back().kind, DiagnosticQueryNotWritten);
 }
 
+// What stands behind a query's name is said in the query where the dialect has no place for it, or not at all.
+TEST_F(QueriesTest, NameTheirColumnsInEveryDialect) {
+  const auto writtenIn = [&](SQLSyntaxEnum dialect) {
+    sql->SetSQLSyntax(dialect);
+    sql->Refresh();
+    return Written();
+  };
+  sql->SetSQLSyntax(SQLSyntaxPostgreSQL);
+  sql->ParseSQLStatement("WITH d (a, b) AS (SELECT Name, CustomerID FROM Customers) SELECT a FROM d");
+  hub->Queries()->Item("d")->SetKind(QueryDerivedTable);
+  EXPECT_EQ(Written(), "SELECT d.a FROM ( SELECT Customers.Name, Customers.CustomerID FROM Customers ) AS d (a, b)");
+  const std::string file = hub->SaveQueryToText();
+  EXPECT_EQ(writtenIn(SQLSyntaxSQLite),
+            "SELECT d.a FROM ( SELECT Customers.Name AS a, Customers.CustomerID AS b FROM Customers ) AS d");
+  diagram->Clear();
+  EXPECT_TRUE(hub->LoadQuery(file, true));
+  EXPECT_EQ(Written(), "SELECT d.a FROM ( SELECT Customers.Name, Customers.CustomerID FROM Customers ) AS d (a, b)");
+  sql->ParseSQLStatement("SELECT d.a FROM (SELECT * FROM Customers) d (a)");
+  EXPECT_EQ(writtenIn(SQLSyntaxMySQL), "");
+  EXPECT_EQ(sql->Remarks().back(), "The dialect has no d (a) here.");
+}
+
+TEST_F(QueriesTest, OfAUnionAreComparedByTheKindsOfTheirValues) {
+  source->Table("People", {});
+  source->Column("People", "PersonID", 1);
+  source->Column("People", "Label", 2, {}, DataTypeCode::VarWChar);
+  Use();
+  sql->SetSQLSyntax(SQLSyntaxPostgreSQL);
+  sql->ParseSQLStatement(
+      "SELECT Label, PersonID n, 1 FROM People UNION SELECT PersonID, PersonID p, Label FROM People "
+      "UNION SELECT Label, Label x, 'x' FROM People");
+  const auto remarks = sql->Remarks();
+  ASSERT_EQ(remarks.size(), 2u) << remarks.back();
+  EXPECT_EQ(remarks[0],
+            "Column 1, \"PersonID\", holds values of another kind than \"Label\" of the first query: "
+            "servers may refuse that.");
+  EXPECT_EQ(remarks[1],
+            "Column 2, \"x\", holds values of another kind than \"n\" of the first query: servers may "
+            "refuse that.");
+  hub->Queries()->Item(3)->Open();
+  EXPECT_EQ(sql->Remarks().size(), 2u) << "whichever is shown";
+  sql->SetSQLSyntax(SQLSyntaxSQLite);
+  sql->Refresh();
+  EXPECT_EQ(sql->Remarks().size(), 0u) << "its columns have no types";
+}
+
 // --- Queries in cells ---
 
 class CellQueries : public QueriesTest {

@@ -64,6 +64,10 @@ TEST(StatementParser, LongChainsAndDeepNestingEndWell) {
         "SELECT a FROM " + Repeated("(", 100'000), "SELECT a FROM t" + Repeated(" LEFT JOIN t", 100'000)}) {
     EXPECT_EQ(Printed(deep).front(), '!');
   }
+  for (const char* deep : {"a[", "ARRAY["}) {
+    const std::string sql = head + Repeated(deep, 2'000) + "1" + Repeated("]", 2'000);
+    EXPECT_EQ(Printed(sql, {.hasSubscripts = true}).front(), '!') << deep;
+  }
 }
 
 // What a call takes there is several times as much.
@@ -87,6 +91,9 @@ TEST(StatementParser, AThreadWithLittleStackReadsWhatIsDeep) {
         const char* const closing = deep[0] == 'C' ? " THEN 1 END" : deep[0] == 'N' ? "" : ")";
         Printed(head + Repeated(deep, levels) + "a" + Repeated(closing, levels));
       }
+    }
+    for (const std::size_t levels : {100u, 240u}) {
+      Printed(head + Repeated("a[", levels) + "1" + Repeated("]", levels), {.hasSubscripts = true});
     }
     std::string from = "SELECT a FROM " + Repeated("(", 990) + "T";
     for (int i = 0; i < 990; ++i) from += " INNER JOIN U ON x = y)";

@@ -57,8 +57,10 @@ class TreeMaker {
     tree.columnNames = stored.columnNames;
     if (stored.id == set_.shown) {
       tree.query = shown_;
+      tree.columns = outputs_;
     } else {
       if (stored.snapshot) tree.query = *stored.snapshot;
+      if (stored.columns) tree.columns = *stored.columns;
       FollowRenames(tree.query, stored.id);
     }
     tree.query.names = shown_.names;

@@ -39,7 +39,7 @@ struct StoredQuery {
   QueryKindEnum kind = QueryMain;
   QueryOperatorEnum combined = QueryUnion;
   std::string name;
-  std::vector<std::string> columnNames;  ///< of a common table; empty where they are those of its query
+  std::vector<std::string> columnNames;  ///< what its columns are called outside; empty for their own names
   QueryCell cell;                        ///< of a query in a cell
   std::shared_ptr<const Design> design;
   std::shared_ptr<const QuerySnapshot> snapshot;

@@ -148,6 +148,9 @@ class Reader {
       StoredQuery facts;
       facts.kind = QueryDerivedTable;
       facts.name = WrittenTableOf(*item, at).parts.front().Name();
+      for (const NameItem* column = item->columns; column; column = column->next) {
+        facts.columnNames.push_back(PlainName(column->name));
+      }
       if (own.Has(facts.name)) Refuse(part.offset, {text::QueryNameTaken, facts.name});
       inner.push_back(std::make_unique<ReadQuery>(Read(outline, part, std::move(facts), &common, false)));
       own.Add(inner.back()->facts.name, inner.back()->columns);

@@ -18,6 +18,7 @@
 #include "zrqrybld/sql/join_list.h"
 #include "zrqrybld/sql/join_move.h"
 #include "zrqrybld/sql/lexer.h"
+#include "zrqrybld/sql/missing_words.h"
 #include "zrqrybld/sql/name_checker.h"
 #include "zrqrybld/sql/null_list.h"
 
@@ -48,6 +49,7 @@ class Diagnosis {
     Rows();
     Names();
     NullLists();
+    MissingWords();
     Alternatives();
     Grouping();
     Sorting();
@@ -332,6 +334,22 @@ class Diagnosis {
 
   void SayFault(const SnapshotRow& row, const Phrase& fault) {
     if (!fault.Empty()) Say(DiagnosticUnknownName, text::NameNotThere, NameOf(row), fault);
+  }
+
+  // --- Words that the dialect lacks ---
+
+  void MissingWords() {
+    for (const SnapshotRow& row : query_.rows) {
+      if (row.column.empty()) continue;
+      if (!row.table) SayMissing(row, row.column);
+      for (const std::string& cell : row.criteria) SayMissing(row, cell);
+    }
+  }
+
+  void SayMissing(const SnapshotRow& row, std::string_view text) {
+    for (const std::string_view word : MissingWordsIn(text, dialect_)) {
+      Say(DiagnosticWordMissing, text::WordMissing, NameOf(row), word);
+    }
   }
 
   // --- Queries behind NOT IN ---

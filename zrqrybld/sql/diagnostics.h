@@ -44,6 +44,7 @@ enum SQLDiagnosticEnum : std::int32_t {
   DiagnosticColumnAsked = 24,       ///< a column or expression: its table is only asked about and has no columns here
   DiagnosticQueryNotWritten = 25,   ///< a query: the dialect cannot say it where it stands, or servers refuse it
   DiagnosticNullInList = 26,        ///< a column or expression: NOT IN asks a query that may return a Null
+  DiagnosticWordMissing = 27,  ///< a column or expression: it or its criterion holds what the dialect does not know
 };
 
 /// What a remark offers to do about it.

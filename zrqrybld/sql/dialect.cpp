@@ -60,12 +60,15 @@ constexpr Dialect Generic() {
   d.hasFullJoin = false;
   d.hasJoinGroups = false;
   d.fromSeparator = ",";
+  d.queries.namesColumns = true;
   return d;
 }
 
 constexpr Dialect MsSql() {
   Dialect d = kBase;
   d.name = "MSSQL";
+  d.missingWords = " FILTER ";
+  d.queries.namesColumns = true;
   d.parameterSigns = "@";
   d.concatenation = "+";
   d.values.yes = "1";
@@ -81,6 +84,7 @@ constexpr Dialect Oracle() {
   d.syntax = SQLSyntaxOracle;
   d.today = "Oracle12";
   d.name = "Oracle";
+  d.missingWords = " FILTER ";
   d.parameterSigns = ":";
   d.joins = Dialect::Joins::Conditions;
   d.joinWords = kNoWords;
@@ -108,6 +112,7 @@ constexpr Dialect Access() {
   Dialect d = kBase;
   d.syntax = SQLSyntaxAccess;
   d.name = "Access";
+  d.missingWords = " FILTER WITHIN OVER GROUPING ROLLUP CUBE ";
   d.hasComments = false;
   d.concatenation = "&";
   d.fromParentheses = Dialect::FromParentheses::Nested;
@@ -116,7 +121,8 @@ constexpr Dialect Access() {
   d.values.dateQuote = "#";
   d.doubleQuotesAreTexts = true;
   d.unknownNamesAsk = true;
-  d.queries = {.hasWith = false, .intersectWord = {}, .exceptWord = {}, .membersInParentheses = false};
+  d.queries = {
+      .hasWith = false, .intersectWord = {}, .exceptWord = {}, .membersInParentheses = false, .mixesKinds = true};
   return d;
 }
 
@@ -146,6 +152,7 @@ constexpr Dialect PostgreSql() {
   Dialect d = kBase;
   d.syntax = SQLSyntaxPostgreSQL;
   d.name = "PostgreSQL";
+  d.queries.namesColumns = true;
   d.parameterSigns = ":$";
   d.needsTables = false;
   d.ownSigns = " #> #>> #- @> <@ && ? ?| ?& @@ @? ~* !~ !~* ";
@@ -169,6 +176,8 @@ constexpr Dialect MySql() {
   Dialect d = kBase;
   d.syntax = SQLSyntaxMySQL;
   d.name = "MySQL";
+  d.missingWords = " FILTER GROUPING ROLLUP CUBE ";
+  d.queries.mixesKinds = true;
   d.parameterSigns = "?";
   d.needsTables = false;
   d.hasFullJoin = false;
@@ -192,6 +201,8 @@ constexpr Dialect Sqlite() {
   Dialect d = kBase;
   d.syntax = SQLSyntaxSQLite;
   d.name = "SQLite";
+  d.missingWords = " WITHIN GROUPING ROLLUP CUBE ";
+  d.queries.mixesKinds = true;
   d.parameterSigns = "?:@$";
   d.needsTables = false;
   d.hasNullsPlace = true;
@@ -216,6 +227,8 @@ constexpr Dialect SqlServer() {
   Dialect d = kBase;
   d.syntax = SQLSyntaxSQLServer;
   d.name = "SQLServer";
+  d.missingWords = " FILTER ";
+  d.queries.namesColumns = true;
   d.parameterSigns = "@";
   d.needsTables = false;
   d.limit = {.place = RowLimit::Place::Head,
@@ -246,6 +259,7 @@ constexpr Dialect Ansi() {
   Dialect d = kBase;
   d.syntax = SQLSyntaxANSI;
   d.name = "ANSI";
+  d.queries.namesColumns = true;
   d.parameterSigns = "?:";
   d.sameValue = "IS NOT DISTINCT FROM";
   d.hasNullsPlace = true;
@@ -264,6 +278,7 @@ constexpr Dialect Oracle12() {
   Dialect d = Ansi();
   d.syntax = SQLSyntaxOracle12;
   d.name = "Oracle12";
+  d.missingWords = " FILTER ";
   d.parameterSigns = ":";
   d.needsTables = false;
   d.emptyTable = "DUAL";

@@ -62,6 +62,10 @@ struct QueryForms {
   bool intersectFirst = true;
   /// Whether a member can stand in parentheses, so that it is sorted, limited or a compound by itself.
   bool membersInParentheses = true;
+  /// Whether the columns of a query in FROM can be named behind its name: (SELECT ...) AS d (a, b).
+  bool namesColumns = false;
+  /// Whether members may have values of different kinds in one column.
+  bool mixesKinds = false;
 };
 
 struct Dialect {
@@ -97,6 +101,8 @@ struct Dialect {
   std::string_view tableAlias;
   /// Whether a keyword would be read as one where an alias stands: there is no word before it.
   bool aliasStandsBare = false;
+  /// Words of expressions that its servers do not know, with a blank before and behind each: see sql/missing_words.h.
+  std::string_view missingWords = " ";
   /// Whether its statements have FROM even where there are no tables. Otherwise `emptyTable` stands there, the table of
   /// one row that its servers know, or no FROM at all.
   bool needsTables = true;

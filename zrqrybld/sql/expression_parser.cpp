@@ -187,12 +187,14 @@ bool ExpressionParser::IsSubscript() const {
          reader_.Adjoins();
 }
 
-// On "[...]", which the lexer reads up to the first "]", of an array up to its own. Arrays within an array are written
-// without its word.
+// On "[...]", which the lexer reads up to the first "]", for that is where a name in brackets ends: a[b[1]] ends behind
+// it. Arrays within an array are written without its word.
 Expression* ExpressionParser::ParseSubscript(std::size_t start) {
   const std::size_t open = reader_.Offset();
-  const std::string_view text = reader_.CurrentText();
-  reader_.Advance();
+  const std::size_t length = EndOfArray(reader_.Rest(), 0);
+  if (length == std::string_view::npos) reader_.Refuse(open, text::NameOpen);
+  const std::string_view text = reader_.Rest().substr(0, length);
+  reader_.AdvanceTo(open + length);
   Expression* result = Make(ExpressionKind::Opaque, start);
   List parts(result->first);
   constexpr std::size_t kMostDimensions = 16;
@@ -213,6 +215,8 @@ Expression* ExpressionParser::ParseSubscript(std::size_t start) {
       }
       TokenReader inside(part);
       ExpressionParser expressions(inside, arena_, rules_);
+      expressions.depth_ = depth_;
+      expressions.calls_ = calls_;
       while (!inside.AtEnd()) {
         if (!inside.TakeSign(',') && !inside.TakeSign(':')) parts.Append(expressions.ParseExpression());
       }

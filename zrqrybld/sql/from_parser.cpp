@@ -223,7 +223,10 @@ FromItem* FromParser::ParseQueryInFrom() {
   item->query = statement_.text.substr(start, reader_.Offset() - start);
   reader_.Advance();
   item->table = ParseAlias(false);
-  if (!item->table.empty() && reader_.IsSign('(')) reader_.Refuse(reader_.Offset(), text::NoColumnNames);
+  if (!item->table.empty() && reader_.IsSign('(')) {
+    if (!rules_.namesColumns) reader_.Refuse(reader_.Offset(), text::NoNamesOfColumns);
+    item->columns = ParseNames();
+  }
   return item;
 }
 
@@ -353,7 +356,7 @@ void FromParser::ParseJoinCondition(JoinStep& step) {
   if (reader_.Take(Keyword::On)) {
     step.on = expressions_.ParseExpression();
   } else if (reader_.Take(Keyword::Using)) {
-    ParseUsing(step);
+    step.columns = ParseNames();
   } else if (step.word == JoinWord::Inner) {
     step.word = JoinWord::Cross;
   } else {
@@ -362,9 +365,11 @@ void FromParser::ParseJoinCondition(JoinStep& step) {
   }
 }
 
-void FromParser::ParseUsing(JoinStep& step) {
+// Names of columns in parentheses.
+NameItem* FromParser::ParseNames() {
   reader_.ExpectSign('(');
-  NameItem** end = &step.columns;
+  NameItem* names = nullptr;
+  NameItem** end = &names;
   do {
     const std::size_t start = reader_.Offset();
     if (!reader_.Is(TokenKind::Word) && !reader_.Is(TokenKind::QuotedIdentifier)) reader_.FailExpected(text::AColumn);
@@ -374,6 +379,7 @@ void FromParser::ParseUsing(JoinStep& step) {
     end = &(*end)->next;
   } while (reader_.TakeSign(','));
   reader_.ExpectSign(')');
+  return names;
 }
 
 }  // namespace zrqrybld

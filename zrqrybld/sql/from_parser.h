@@ -25,6 +25,8 @@ struct FromRules {
   std::string_view emptyTable = {};
   /// Whether nothing need stand behind FROM where no item of the select list is a column.
   bool mayEndAtFrom = true;
+  /// Whether the columns of a query in FROM can be named behind its name.
+  bool namesColumns = false;
 };
 
 class FromParser {
@@ -65,7 +67,7 @@ class FromParser {
   void ParseJoins(FromItem* item);
   void ParseJoinWords(JoinStep& step);
   void ParseJoinCondition(JoinStep& step);
-  void ParseUsing(JoinStep& step);
+  NameItem* ParseNames();
 
   SelectStatement& statement_;
   TokenReader& reader_;

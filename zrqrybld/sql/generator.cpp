@@ -108,7 +108,7 @@ class Generator {
     const SnapshotTable& table = query_.tables[index];
     if (!table.query.empty()) {
       return "(" + Indented("\r\n" + table.query, "\t\t") + "\r\n\t)" + std::string(dialect_.tableAlias) +
-             tableTerms_[index];
+             tableTerms_[index] + table.columnNames;
     }
     if (!table.aliased) return tableTerms_[index];
     return RenderQualified(table.name, query_.names).Text() + std::string(dialect_.tableAlias) + tableTerms_[index];

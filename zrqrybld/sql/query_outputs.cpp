@@ -110,6 +110,36 @@ std::vector<QueryColumn> OutputsOf(const QuerySnapshot& query, const ColumnTypes
   return std::move(outputs).Take();
 }
 
+OutputPlaces PlacesOf(const QuerySnapshot& query, const std::vector<QueryColumn>& outputs) {
+  OutputPlaces places;
+  std::unordered_map<std::string_view, std::int32_t> types;
+  for (const QueryColumn& column : outputs) types.emplace(column.name, column.type);
+  const auto add = [&](const std::string& name) {
+    const auto type = types.find(name);
+    places.columns.push_back({name, type == types.end() ? 0 : type->second});
+  };
+  for (const SnapshotRow& row : query.rows) {
+    if (row.column.empty() || !row.output) continue;
+    if (!IsAllColumns(row)) {
+      add(row.alias.Empty() ? row.column : row.alias.Name());
+      continue;
+    }
+    for (std::size_t table = 0; table < query.tables.size(); ++table) {
+      if (row.table && *row.table != table) continue;
+      places.isCounted &= query.columns && query.columns->KnowsColumns(table);
+      if (!places.isCounted) continue;
+      for (const std::string& column : query.columns->Columns(table)) add(column);
+    }
+  }
+  return places;
+}
+
+bool HoldsOtherKind(const OutputPlace& one, const OutputPlace& other) {
+  const ValueKind kind = ValueKindOf(one.type);
+  const ValueKind others = ValueKindOf(other.type);
+  return kind != ValueKind::Unknown && others != ValueKind::Unknown && kind != others;
+}
+
 std::optional<std::pair<std::string, std::string>> RenamedColumn(const std::vector<std::string>& before,
                                                                  const std::vector<QueryColumn>& now) {
   if (before.size() != now.size()) return std::nullopt;

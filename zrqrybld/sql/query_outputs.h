@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -22,6 +23,23 @@ using ColumnTypes = std::function<SnapshotType(std::size_t table, const std::str
 /// called by `names`, as WITH gives them, whatever they are called in the query.
 std::vector<QueryColumn> OutputsOf(const QuerySnapshot& query, const ColumnTypes& typeOf,
                                    const std::vector<std::string>& names = {});
+
+/// A column at its place among all that a query outputs.
+struct OutputPlace {
+  std::string name;       ///< its alias, its name, or the expression
+  std::int32_t type = 0;  ///< 0 where it is not known
+};
+
+struct OutputPlaces {
+  std::vector<OutputPlace> columns;
+  bool isCounted = true;  ///< false where "*" stands for columns that nobody knows: some may be missing here
+};
+
+/// All columns in their order, those without a name of their own, too; `outputs` tells their types.
+OutputPlaces PlacesOf(const QuerySnapshot& query, const std::vector<QueryColumn>& outputs);
+
+/// Whether both types are known, and are those of different kinds of values.
+bool HoldsOtherKind(const OutputPlace& one, const OutputPlace& other);
 
 /// The one column that is called otherwise now, as before and as now; none where the columns are others in another way.
 std::optional<std::pair<std::string, std::string>> RenamedColumn(const std::vector<std::string>& before,

@@ -29,6 +29,8 @@ struct SnapshotTable {
   bool aliased = false;
   /// The text of the query that stands in FROM instead of the name; "" for a table.
   std::string query = {};
+  /// What its columns are called here, as they are written behind its name; "" for their own names.
+  std::string columnNames = {};
   friend bool operator==(const SnapshotTable&, const SnapshotTable&) = default;
 };
 

@@ -1,7 +1,6 @@
 #include "zrqrybld/sql/query_text.h"
 
 #include <algorithm>
-#include <optional>
 #include <unordered_map>
 #include <utility>
 
@@ -9,6 +8,7 @@
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_queries.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/query_outputs.h"
 
 namespace zrqrybld {
 namespace {
@@ -35,20 +35,16 @@ bool Names(const QueryTree& query, std::string_view name) {
          std::ranges::any_of(query.inner, [name](const QueryTree& inner) { return Names(inner, name); });
 }
 
-// How many columns the query outputs; none where "*" stands for columns that nobody counts.
-std::optional<std::size_t> CountColumns(const QuerySnapshot& query) {
-  std::size_t count = 0;
-  for (const SnapshotRow& row : query.rows) {
+// Gives the first columns of the query these names; false where "*" stands among them, or there are too few.
+bool NameColumns(QuerySnapshot& query, const std::vector<std::string>& names) {
+  auto name = names.begin();
+  for (SnapshotRow& row : query.rows) {
     if (row.column.empty() || !row.output) continue;
-    if (!IsAllColumns(row)) {
-      ++count;
-    } else if (row.table && query.columns && query.columns->KnowsColumns(*row.table)) {
-      count += query.columns->Columns(*row.table).size();
-    } else {
-      return std::nullopt;
-    }
+    if (name == names.end()) return true;
+    if (IsAllColumns(row)) return false;
+    row.alias = Identifier(*name++);
   }
-  return count;
+  return name == names.end();
 }
 
 class Writer {
@@ -107,7 +103,7 @@ class Writer {
           inner.inner, [&](const QueryTree& member) { return IsMember(member) && Names(member, inner.name); });
       text += text.empty() ? kLine : ",\r\n";
       text += "\t" + QuoteWhenNeeded(Identifier(inner.name), query.query.names).Text();
-      if (!inner.columnNames.empty()) text += " (" + NameList(inner.columnNames, query.query.names) + ")";
+      text += NameList(inner, query.query.names);
       text += " AS (" + Indented(std::string(kLine) + Write(inner, true), "\t\t") + "\r\n\t)";
     }
     if (text.empty()) return {};
@@ -123,17 +119,18 @@ class Writer {
     }
   }
 
-  static std::string NameList(const std::vector<std::string>& names, const NameRules& rules) {
+  // What stands behind the query's name where its columns are called otherwise than in it.
+  static std::string NameList(const QueryTree& query, const NameRules& rules) {
     std::string list;
-    for (const std::string& name : names) {
-      list += (list.empty() ? "" : ", ") + QuoteWhenNeeded(Identifier(name), rules).Text();
+    for (const std::string& name : query.columnNames) {
+      list += (list.empty() ? " (" : ", ") + QuoteWhenNeeded(Identifier(name), rules).Text();
     }
-    return list;
+    return list.empty() ? list : list + ")";
   }
 
   std::string Compound(QueryTree& query) {
     query.query.beginsCompound = std::ranges::any_of(query.inner, IsMember);
-    const std::optional<std::size_t> columns = CountColumns(query.query);
+    const OutputPlaces columns = query.query.beginsCompound ? PlacesOf(query.query, query.columns) : OutputPlaces();
     const std::size_t around = std::exchange(member_, query.kind == QueryMember ? member_ : 0);
     const GeneratedSql head = Select(query);
     std::string text = head.text;
@@ -166,26 +163,47 @@ class Writer {
     return "(" + Write(member, true) + ")";
   }
 
-  void CompareColumns(const std::optional<std::size_t>& columns, const QueryTree& member) {
-    const std::optional<std::size_t> own = CountColumns(member.query);
-    if (!columns || !own || *columns == *own) return;
-    Fault(member, {text::MemberColumnsDiffer, *own, *columns}, false);
+  void CompareColumns(const OutputPlaces& first, const QueryTree& member) {
+    const OutputPlaces own = PlacesOf(member.query, member.columns);
+    if (!first.isCounted || !own.isCounted) return;
+    if (own.columns.size() != first.columns.size()) {
+      return Fault(member, {text::MemberColumnsDiffer, own.columns.size(), first.columns.size()}, false);
+    }
+    for (std::size_t i = 0; i < own.columns.size() && !forms_.mixesKinds; ++i) {
+      if (!HoldsOtherKind(own.columns[i], first.columns[i])) continue;
+      Fault(member, {text::MemberKindsDiffer, i + 1, own.columns[i].name, first.columns[i].name}, false);
+    }
+  }
+
+  // Where the dialect has no names for the columns behind the query's, they stand in it.
+  std::string WriteDerived(QueryTree& query) {
+    if (!query.columnNames.empty() && !forms_.namesColumns) {
+      if (!NameColumns(query.query, query.columnNames)) {
+        Fault(query, {text::DialectCannotSay, query.name + NameList(query, query.query.names)});
+      }
+      query.columnNames.clear();
+    }
+    return Write(query, true);
   }
 
   GeneratedSql Select(QueryTree& query) {
-    std::unordered_map<std::string_view, std::string, HashNoCase, EqualNoCase> derived;  // a text for each, by name
+    struct Derived {
+      std::string text, columnNames;
+    };
+    std::unordered_map<std::string_view, Derived, HashNoCase, EqualNoCase> derived;  // by name
     for (QueryTree& inner : query.inner) {
-      const bool stands = inner.kind == QueryDerivedTable && NamesTable(query.query, inner.name);
-      if (stands) derived.emplace(inner.name, Write(inner, true));
+      if (inner.kind != QueryDerivedTable || !NamesTable(query.query, inner.name)) continue;
+      derived.emplace(inner.name, Derived{WriteDerived(inner), NameList(inner, query.query.names)});
     }
     std::size_t size = 0;
     for (SnapshotTable& table : query.query.tables) {
       const auto found = table.name.size() == 1 ? derived.find(table.name.front().Name()) : derived.end();
       if (found == derived.end()) continue;
       // One that stands in several places doubles at each level.
-      size += found->second.size();
+      size += found->second.text.size();
       if (size > kLongestQuery) throw Error(ErrorParsingText, text::StatementGrows);
-      table.query = found->second;
+      table.query = found->second.text;
+      table.columnNames = found->second.columnNames;
     }
     GeneratedSql generated = GenerateSelect(query.query, dialect_, query.id == shown_ ? extra_ : ExtraConditions());
     holdsMark_ |= generated.text.find(kMark) != std::string::npos && !marks_;

@@ -12,6 +12,7 @@
 
 #include "zrqrybld/base/export.h"
 #include "zrqrybld/base/phrase.h"
+#include "zrqrybld/host/designer_values.h"
 #include "zrqrybld/sql/diagnostics.h"
 #include "zrqrybld/sql/generator.h"
 #include "zrqrybld/sql/query_kind.h"
@@ -27,9 +28,11 @@ struct QueryTree {
   QueryKindEnum kind = QueryMain;
   QueryOperatorEnum combined = QueryUnion;
   std::string name;
-  /// The names of a common table's columns; empty where they are those of its query.
+  /// What its columns are called outside, behind its name; empty where they bear their own names.
   std::vector<std::string> columnNames;
   QuerySnapshot query;
+  /// What it outputs, as far as the types are known.
+  std::vector<QueryColumn> columns;
   std::vector<QueryTree> inner;
 };
 

@@ -82,9 +82,10 @@ struct JoinStep;
 /// A table and what is joined to it, in this order; parentheses that change nothing are gone. Siblings are the items of
 /// the list in FROM.
 struct FromItem {
-  std::string_view table;  ///< as written, with its schema; of a query in FROM its name, "" for none
-  std::string_view alias;  ///< as written; "" for none
-  std::string_view query;  ///< the query in FROM, without the parentheses around it; "" for a table
+  std::string_view table;       ///< as written, with its schema; of a query in FROM its name, "" for none
+  std::string_view alias;       ///< as written; "" for none
+  std::string_view query;       ///< the query in FROM, without the parentheses around it; "" for a table
+  NameItem* columns = nullptr;  ///< what its columns are called from outside
   JoinStep* joins = nullptr;
   JoinStep* lastJoin = nullptr;
   FromItem* next = nullptr;

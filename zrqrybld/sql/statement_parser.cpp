@@ -34,7 +34,8 @@ class Parser {
               {.openParentheses = options.openParenthesesInFrom,
                .needsTables = options.needsTables,
                .emptyTable = options.emptyTable,
-               .mayEndAtFrom = options.mayEndAtFrom}) {}
+               .mayEndAtFrom = options.mayEndAtFrom,
+               .namesColumns = options.namesColumns}) {}
 
   void Run() {
     for (; reader_.IsSign('(') && depthOfWhole_ < kDeepestWhole; reader_.Advance()) ++depthOfWhole_;
@@ -310,7 +311,8 @@ ParseOptions OptionsFor(const Dialect& dialect) {
           .pipesMayBeOr = dialect.pipesMayBeOr,
           .needsTables = dialect.needsTables,
           .emptyTable = dialect.emptyTable,
-          .hasSubscripts = dialect.hasSubscripts};
+          .hasSubscripts = dialect.hasSubscripts,
+          .namesColumns = dialect.queries.namesColumns};
 }
 
 SelectStatement ParseSelect(std::string_view text, const ParseOptions& options) {

@@ -30,6 +30,8 @@ struct ParseOptions {
   bool hasSubscripts = false;
   /// Whether what stands in double quotes where a value can stand is a text.
   bool doubleQuotesAreTexts = false;
+  /// Whether the columns of a query in FROM can be named behind its name.
+  bool namesColumns = false;
 };
 
 /// What the statements of the dialect are read by.

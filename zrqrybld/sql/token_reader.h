@@ -37,6 +37,13 @@ class TokenReader {
     if (token_.kind == TokenKind::Word && BeginsAsDate(CurrentText())) FailAsDate();
   }
 
+  /// The current token ends there, whatever it is; it is then passed.
+  void AdvanceTo(std::size_t end) {
+    lexer_.SetPosition(end);
+    token_.length = end - token_.offset;
+    Advance();
+  }
+
   bool Is(TokenKind kind) const { return token_.kind == kind && token_.length != 0; }
   bool Is(Keyword keyword) const { return token_.keyword == keyword; }
   bool IsSign(char sign) const {

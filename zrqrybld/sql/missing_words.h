@@ -1,0 +1,15 @@
+// What an expression says that only some dialects can: FILTER, WITHIN GROUP, OVER, GROUPING SETS, ROLLUP and CUBE.
+// Pure.
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+namespace zrqrybld {
+
+struct Dialect;
+
+/// Which of these the text says although the dialect does not know it, each once, in their order there.
+std::vector<std::string_view> MissingWordsIn(std::string_view text, const Dialect& dialect);
+
+}  // namespace zrqrybld
