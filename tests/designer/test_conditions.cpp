@@ -122,6 +122,27 @@ TEST_F(ConditionsTest, AreNegatedTurnedMovedAndTakenOut) {
   EXPECT_NE(Shown().find("c.Phone IS NULL"), std::string::npos) << Shown();
 }
 
+TEST_F(ConditionsTest, MoveAmongTheirSiblings) {
+  Apply("c.Country = 'UK' AND (c.City = 'London' OR c.Phone IS NULL) AND c.City < 'M'");
+  const std::string before = Statement();
+  Go({0});
+  Press(Qt::Key_Down, Qt::AltModifier);
+  const char* const moved =
+      "Rows: all of these (any of these (c.City = 'London'; c.Phone IS NULL); c.Country = 'UK'; c.City < 'M')";
+  EXPECT_EQ(Shown(), moved);
+  EXPECT_EQ(Tree().currentItem(), &Item({1}));
+  EXPECT_LT(Statement().find("c.Phone IS NULL"), Statement().find("'UK'"));
+  View().Refresh();
+  EXPECT_EQ(Shown(), moved);
+  Hub().Undo();
+  EXPECT_EQ(Statement(), before);
+  // What a shown column is asked stands where the column does.
+  Apply("c.CompanyName > 'A' AND c.City < 'M'");
+  Go({1});
+  Press(Qt::Key_Up, Qt::AltModifier);
+  EXPECT_EQ(Shown(), "Rows: all of these (c.CompanyName > 'A'; c.City < 'M')");
+}
+
 TEST_F(ConditionsTest, ChooseGroupsApartFromRows) {
   Hub().SQLPane()->ParseSQLStatement(
       "SELECT c.Country, COUNT(*) FROM Customers c WHERE UPPER(c.City) = 'BATH' GROUP BY c.Country "

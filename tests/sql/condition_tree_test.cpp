@@ -118,6 +118,59 @@ TEST(ConditionTree, IsEdited) {
   expect(WithoutGroup(tree, {0, 1}), "-");
 }
 
+TEST(ConditionTree, ConditionsStandAsTheTreeHasThemWhereTheirRowsSayNothingElse) {
+  struct Case {
+    const char* rows;
+    ConditionPath from;
+    std::size_t before;
+    const char* then;
+    const char* where;
+  };
+  const Case cases[] = {
+      {"T.a [] 1; T.b [] 2; T.c [] 3", {0, 2}, 1, "T.a [] 1; -T.b []; T.c [] 3; T.b [] 2", "all(T.a 1; T.c 3; T.b 2)"},
+      {"T.a [] 1; T.b [] 2; T.c [] 3", {0, 0}, 3, "-T.a []; T.b [] 2; T.c [] 3; T.a [] 1", "all(T.b 2; T.c 3; T.a 1)"},
+      // What shows a column keeps its place.
+      {"T.x []; +T.a [] 1; T.b [] 2; T.c [] 3",
+       {0, 2},
+       0,
+       "T.x []; +T.a [] 1; -T.b []; T.c [] 3; T.b [] 2",
+       "all(T.a 1; T.c 3; T.b 2)"},
+      // Both on one field: their cells change places.
+      {"T.a [] > 1; T.a [] < 9", {0, 1}, 0, "T.a [] < 9; T.a [] > 1", "all(T.a < 9; T.a > 1)"},
+      // A group that is moved keeps its text.
+      {"T.a [] 1; (f OR NOT(g)) [] = True",
+       {0, 1},
+       0,
+       "-T.a []; (f OR NOT(g)) [] = True; T.a [] 1",
+       "all(any(f; !g); T.a 1)"},
+      // A row of several alternatives moves with all of them, and not where they want it in two places.
+      {"T.a [] 1 | 1; T.b [] 2 | 2",
+       {0, 0, 1},
+       0,
+       "T.a [] 1 | 1; T.b [] 2 | 2",
+       "any(all(T.a 1; T.b 2); all(T.a 1; T.b 2))"},
+      {"T.a [] 1 | ; T.b [] 2 | 2; T.c [] | 3",
+       {0, 0, 1},
+       0,
+       "-T.a []; T.b [] 2 | 2; -T.c []; T.a [] 1; T.c [] | 3",
+       "any(all(T.b 2; T.a 1); all(T.b 2; T.c 3))"},
+  };
+  for (const Case& each : cases) {
+    SCOPED_TRACE(each.rows);
+    const std::vector<QueryRow> rows = RowsIn(each.rows);
+    const ConditionPath group(each.from.begin(), each.from.end() - 1);
+    const auto moved = WithMoved(Rooted(TreeOf(rows, Words())), each.from, group, each.before);
+    ASSERT_TRUE(moved);
+    const std::vector<ConditionedRow> then = WithConditions(rows, *moved, Words(), false);
+    EXPECT_EQ(Say(then), each.then);
+    std::vector<QueryRow> left;
+    for (const ConditionedRow& row : then) {
+      if (!row.unused) left.push_back(row.row);
+    }
+    EXPECT_EQ(Say(TreeOf(left, Words()).where), each.where);
+  }
+}
+
 // Rows that are there keep their places, so the order among conditions may be another.
 ConditionNode Sorted(ConditionNode node) {
   for (ConditionNode& part : node.parts) part = Sorted(std::move(part));

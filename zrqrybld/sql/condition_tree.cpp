@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <unordered_map>
 #include <utility>
 
 #include "zrqrybld/base/error.h"
@@ -165,28 +166,88 @@ class RowsOfTree {
       place.unused = !row.column.empty() && !place.row.criteria.empty() && IsOnlyCondition(row);
       if (!row.column.empty()) place.row.criteria.clear();
     }
+    given_ = rows_.size();
   }
 
   void Place(const ConditionNode& part, bool groups) {
     const ConditionNode plain = Plain(part);
     const bool isAny = plain.kind == Kind::Any && !plain.negated;
-    if (isAny && plain.parts.size() > kMostAlternatives) return PlaceTerm(plain, 0, groups);
-    std::vector<std::pair<ConditionNode, std::size_t>> terms;
+    if (isAny && plain.parts.size() > kMostAlternatives) {
+      PlaceTerm(plain, 0, groups);
+      return;
+    }
+    std::vector<Term> terms;
     std::size_t column = 0;
     for (const ConditionNode& alternative : isAny ? plain.parts : std::vector{plain}) {
       const bool isAll = alternative.kind == Kind::All && !alternative.negated;
       for (const ConditionNode& term : isAll ? alternative.parts : std::vector{alternative}) {
-        terms.emplace_back(term, column);
+        terms.push_back({term, column, std::nullopt});
       }
       ++column;
     }
-    std::erase_if(terms, [&](const auto& term) { return PlaceAsItWas(term.first, term.second, groups); });
-    for (const auto& [term, place] : terms) PlaceTerm(term, place, groups);
+    for (Term& term : terms) term.row = PlaceAsItWas(term.node, term.column, groups);
+    for (Term& term : terms) {
+      if (!term.row) term.row = PlaceTerm(term.node, term.column, groups);
+    }
+    for (const Term& term : terms) {
+      if (!MayMove(*term.row)) continue;
+      if (order_.empty() || order_.back().column != term.column || order_.back().groups != groups) {
+        order_.push_back({groups, term.column, {}});
+      }
+      order_.back().rows.push_back(*term.row);
+    }
   }
 
-  std::vector<ConditionedRow> Take() { return std::move(rows_); }
+  std::vector<ConditionedRow> Take() {
+    Reorder();
+    return std::move(rows_);
+  }
 
  private:
+  // What all of an alternative must hold, and the row that says it.
+  struct Term {
+    ConditionNode node;
+    std::size_t column = 0;
+    std::optional<std::size_t> row;
+  };
+
+  // The rows of an alternative's conditions in the order of the tree, those left out that stand where a column does.
+  struct Order {
+    bool groups = false;
+    std::size_t column = 0;
+    std::vector<std::size_t> rows;
+  };
+
+  bool MayMove(std::size_t row) const { return IsOnlyCondition(rows_[row].row); }
+
+  // The conditions of an alternative stand in the order of their rows: where the tree has another, rows that say
+  // nothing else go behind all others. Alternatives that want them in several orders leave them as they are.
+  void Reorder() {
+    const auto isSorted = [](const Order& order) { return std::ranges::is_sorted(order.rows); };
+    if (std::ranges::all_of(order_, isSorted)) return;
+    std::vector<std::size_t> wanted;
+    std::unordered_map<std::size_t, std::size_t> places;
+    for (const Order& order : order_) {
+      for (const std::size_t row : order.rows) {
+        if (places.emplace(row, wanted.size()).second) wanted.push_back(row);
+      }
+    }
+    const auto isWanted = [&](const Order& order) {
+      return std::ranges::is_sorted(order.rows, {}, [&](std::size_t row) { return places.at(row); });
+    };
+    if (!std::ranges::all_of(order_, isWanted)) return;
+    const auto moved = std::ranges::is_sorted_until(wanted);
+    std::vector<ConditionedRow> tail;
+    for (auto row = moved; row != wanted.end(); ++row) {
+      tail.push_back(rows_[*row]);
+      rows_[*row].row.criteria.clear();
+      rows_[*row].unused = true;
+    }
+    std::size_t place = 0;
+    std::erase_if(rows_, [&](const ConditionedRow& row) { return place++ >= given_ && row.unused; });
+    std::ranges::move(tail, std::back_inserter(rows_));
+  }
+
   // A condition that stands in a row as an expression, and its cell.
   struct Kept {
     std::size_t row = 0;
@@ -203,15 +264,16 @@ class RowsOfTree {
   }
 
   // What is asked as before keeps its row and its text.
-  bool PlaceAsItWas(const ConditionNode& term, std::size_t column, bool groups) {
+  std::optional<std::size_t> PlaceAsItWas(const ConditionNode& term, std::size_t column, bool groups) {
     const auto isSame = [&](const Kept& kept) {
       return rows_[kept.row].row.grouping.ChoosesGroups() == groups && kept.node == term;
     };
     const auto kept = std::ranges::find_if(kept_, isSame);
-    if (kept == kept_.end()) return false;
-    PutInto(rows_[kept->row], kept->cell, column);
+    if (kept == kept_.end()) return std::nullopt;
+    const std::size_t row = kept->row;
+    PutInto(rows_[row], kept->cell, column);
     kept_.erase(kept);
-    return true;
+    return row;
   }
 
   static void PutInto(ConditionedRow& place, const std::string& criterion, std::size_t column) {
@@ -226,16 +288,17 @@ class RowsOfTree {
     return !row.output && row.alias.empty() && row.sort == RowSort() && (!grouped_ || !groups);
   }
 
-  void PlaceTerm(const ConditionNode& term, std::size_t column, bool groups) {
+  // Answers the row.
+  std::size_t PlaceTerm(const ConditionNode& term, std::size_t column, bool groups) {
     if (term.kind == Kind::Single && !term.negated && !term.criterion.empty()) {
       return PlaceCell(term.field, term.criterion, column, groups);
     }
     std::string text = TextOf(term, words_);
     if (term.kind == Kind::Any && !term.negated) text = "(" + text + ")";
-    PlaceCell({{}, std::move(text)}, std::string(kTrue), column, groups);
+    return PlaceCell({{}, std::move(text)}, std::string(kTrue), column, groups);
   }
 
-  void PlaceCell(const ConditionField& field, const std::string& criterion, std::size_t column, bool groups) {
+  std::size_t PlaceCell(const ConditionField& field, const std::string& criterion, std::size_t column, bool groups) {
     const auto suits = [&](const ConditionedRow& each) {
       const bool fits = FieldOf(each.row) == field && each.row.grouping.ChoosesGroups() == groups;
       const bool counts = grouped_ || !groups;
@@ -244,6 +307,7 @@ class RowsOfTree {
     auto place = std::ranges::find_if(rows_, suits);
     if (place == rows_.end()) place = RowInPlace(field, groups);
     PutInto(*place, criterion, column);
+    return static_cast<std::size_t>(place - rows_.begin());
   }
 
   // An expression takes the row of one that is gone, so that a group which is edited stays where it is.
@@ -273,7 +337,9 @@ class RowsOfTree {
   const ConditionWords& words_;
   bool grouped_;
   std::vector<ConditionedRow> rows_;
+  std::size_t given_ = 0;  // so many of the rows were there
   std::vector<Kept> kept_;
+  std::vector<Order> order_;
 };
 
 }  // namespace

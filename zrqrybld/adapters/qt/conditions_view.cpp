@@ -289,7 +289,10 @@ void ConditionsView::Apply(std::optional<ConditionTree> next, const ConditionPat
   shown_ = Rooted(std::move(*next));
   const ConditionTree plain{Plain(shown_.where), Plain(shown_.having)};
   Fill();
-  if (plain != before) conditions_.Set(plain);
+  if (plain != before) {
+    conditions_.Set(plain);
+    Refresh();  // a column that is shown keeps its place, and so does what is asked of it
+  }
   Select(current);
 }
 
