@@ -8,6 +8,7 @@
 #include "tests/flow/random_designs.h"
 #include "tests/link_panes.h"
 #include "zrqrybld/base/error.h"
+#include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/hub/queries.h"
 #include "zrqrybld/hub/query_builder.h"
 
@@ -30,8 +31,11 @@ class QueryByChance {
  public:
   QueryByChance(const QueryTarget& target, unsigned seed) : target_(target), chance_(seed) {}
 
-  // Every kind of query inside of every other, three deep and rarely more.
-  std::string Make() { return Query(static_cast<int>(1 + chance_.Below(3)), 1 + chance_.Below(3), true); }
+  // Every kind of query inside of every other, three deep, and rarely four: those take a server seconds.
+  std::string Make() {
+    const std::size_t depth = chance_.OneIn(20) ? 4 : 1 + chance_.Below(3);
+    return Query(static_cast<int>(depth), 1 + chance_.Below(3), true);
+  }
 
  private:
   std::string One(std::vector<std::string> choices) { return choices[chance_.Below(choices.size())]; }
@@ -97,11 +101,16 @@ class QueryByChance {
     std::string from;
     for (std::size_t i = 0; i <= chance_.Below(3); ++i) {
       Named source{"s" + std::to_string(++number_), {}};
-      std::string item;
+      std::string item, names;
       if (depth > 0 && chance_.OneIn(3)) {
         const std::size_t inner = 1 + chance_.Below(3);
         item = "(" + Query(depth - 1, inner, false) + ")";
-        for (std::size_t column = 1; column <= inner; ++column) source.columns.push_back("c" + std::to_string(column));
+        const bool renames = target_.namesColumns && chance_.OneIn(3);
+        for (std::size_t column = 1; column <= inner; ++column) {
+          source.columns.push_back((renames ? "n" : "c") + std::to_string(column));
+          if (renames) names += (names.empty() ? " (" : ", ") + source.columns.back();
+        }
+        if (renames) names += ")";
       } else if (!common_.empty() && chance_.OneIn(2)) {
         const Named& common = common_[chance_.Below(common_.size())];
         item = common.name;
@@ -111,7 +120,7 @@ class QueryByChance {
         item = target_.prefix + table.name;
         source.columns = table.columns;
       }
-      item += " AS " + source.name;
+      item += " AS " + source.name + names;
       sources.push_back(std::move(source));
       if (from.empty()) {
         from = item;
@@ -119,39 +128,69 @@ class QueryByChance {
       }
       from += One({" JOIN ", " LEFT JOIN "}) + item + " ON " + ColumnOf(sources.back()) + " = " +
               ColumnOf(sources[chance_.Below(sources.size() - 1)]);
+      if (chance_.OneIn(8)) from += " AND " + ColumnOf(sources.back()) + " IN (" + List(depth) + ")";
     }
     const auto column = [&] { return ColumnOf(sources[chance_.Below(sources.size())]); };
     std::string text = chance_.OneIn(5) ? "SELECT DISTINCT " : "SELECT ";
     const bool groups = chance_.OneIn(4);
     const std::string key = column();
     for (std::size_t i = 1; i <= columns; ++i) {
-      const std::string value =
-          groups ? One({"count(*)", "max(" + column() + ")", key}) : One({column(), column(), column() + " + 1", "7"});
+      const std::string value = groups             ? One({"count(*)", "max(" + column() + ")", key})
+                                : chance_.OneIn(8) ? "(" + Single(column()) + ")"
+                                                   : One({column(), column(), column() + " + 1", "7"});
       text += (i == 1 ? "" : ", ") + value + " AS c" + std::to_string(i);
     }
     text += " FROM " + from;
-    if (chance_.OneIn(2)) text += " WHERE " + Condition(column(), column());
-    return text + (groups ? " GROUP BY " + key : "");
+    if (chance_.OneIn(2)) text += " WHERE " + Condition(depth, column(), column());
+    if (!groups) return text;
+    text += " GROUP BY " + key;
+    if (chance_.OneIn(3)) text += " HAVING " + One({"count(*)", "max(" + column() + ")"}) + " >= (" + Single() + ")";
+    return text;
   }
 
   std::string ColumnOf(const Named& source) {
     return source.name + "." + source.columns[chance_.Below(source.columns.size())];
   }
 
-  std::string Condition(const std::string& left, const std::string& right) {
-    std::string inner = target_.prefix + "qv";
-    std::string column = "d";
-    if (!common_.empty() && chance_.OneIn(2)) {
-      inner = common_.back().name;
-      column = common_.back().columns.front();
-    }
-    switch (chance_.Below(5)) {
+  // A table, or a query of WITH, and a column of it.
+  std::pair<std::string, std::string> Inner() {
+    if (common_.empty() || chance_.OneIn(2)) return {target_.prefix + "qv", "d"};
+    return {common_.back().name, common_.back().columns.front()};
+  }
+
+  // One value, by chance one of those that belong to a column of the query around.
+  std::string Single(const std::string& outer = {}) {
+    const auto [inner, column] = Inner();
+    std::string text = "SELECT " + One({"count(*)", "max(i." + column + ")"}) + " FROM " + inner + " AS i";
+    if (!outer.empty() && chance_.OneIn(2)) text += " WHERE i." + column + " = " + outer;
+    return text;
+  }
+
+  // Values of one column.
+  std::string List(int depth) {
+    if (depth > 1 && chance_.OneIn(3) && target_.hasParentheses) return Query(depth - 1, 1, false);
+    const auto [inner, column] = Inner();
+    return "SELECT " + column + " FROM " + inner + One({"", " WHERE " + column + " IS NOT NULL"});
+  }
+
+  std::string Condition(int depth, const std::string& left, const std::string& right) {
+    const auto [inner, column] = Inner();
+    switch (chance_.Below(8)) {
       case 0:
-        return left + " IN (SELECT " + column + " FROM " + inner + ")";
+        return left + One({" IN (", " NOT IN ("}) + List(depth) + ")";
       case 1:
-        return "EXISTS (SELECT 1 FROM " + inner + " AS i WHERE i." + column + " = " + left + ")";
+        return One({"", "NOT "}) + "EXISTS (SELECT 1 FROM " + inner + " AS i WHERE i." + column + " = " + left + ")";
       case 2:
         return left + " IS NOT NULL OR " + right + " = 2";
+      case 3:
+        return left + One({" < (", " >= ("}) + Single(right) + ")";
+      case 4:
+        // Asked in what is asked: the innermost names a column of the outermost.
+        return left + " IN (SELECT i." + column + " FROM " + inner + " AS i WHERE EXISTS (SELECT 1 FROM " +
+               target_.prefix + "qu AS j WHERE j.d = i." + column + " AND j.a <= " + right + "))";
+      case 5:
+        if (target_.hasAnyAndAll) return left + One({" = ANY (", " <> ALL (", " <= ALL ("}) + List(depth) + ")";
+        [[fallthrough]];
       default:
         return left + One({" > 0", " <> 1", " BETWEEN 0 AND 2"});
     }
@@ -171,6 +210,27 @@ std::string Refusal(qbSQLPane& pane, const std::string& sql) {
     return error.Description();
   }
   return {};
+}
+
+// Shows the queries in the cells of the grid one after the other, as people do who look at them. How many there are.
+unsigned LookIntoCells(qbQueryBuilder& hub) {
+  unsigned seen = 0;
+  const Ref<qbQuery> main = hub.Queries()->Item(1);
+  for (std::int32_t row = 1; row <= hub.GridPane()->RowCount(); ++row) {
+    for (std::int32_t column = 1; column <= hub.GridPane()->ColumnCount(); ++column) {
+      for (std::int32_t number = 1;; ++number) {
+        try {
+          hub.Queries()->OpenInCell(row, column, number);
+        } catch (const Error& error) {
+          if (error.Number() == ErrorNoSuchItem) break;
+          throw;
+        }
+        ++seen;
+        main->Open();
+      }
+    }
+  }
+  return seen;
 }
 
 std::vector<std::string> Sorted(std::vector<std::string> lines) {
@@ -234,6 +294,8 @@ std::string TryQueries(qbQueryBuilder& hub, const QueryTarget& target, unsigned 
     EXPECT_EQ(loaded->SQLPane()->SQLStatement(), written) << "loaded, it is another";
     // Each query can be shown, and nothing changes by that.
     for (const Ref<qbQuery>& query : *hub.Queries()) query->Open();
+    hub.Queries()->Item(1)->Open();
+    figures["in cells"] += LookIntoCells(hub);
     EXPECT_EQ(pane.SQLStatement(), written) << "looked at, it is another";
     if (i % 8 == 0) {
       hub.Undo();

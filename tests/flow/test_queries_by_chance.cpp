@@ -19,7 +19,7 @@ TEST(QueriesByChance, AreWrittenAnewWithTheRowsOfTheOriginal) {
   const test::Connection source(file.Path());
   test::HeadlessDesigner designer;
   designer.Hub().Connect("Provider=SQLite;Data Source=" + file.Path());
-  const test::QueryTarget target{SQLSyntaxSQLite, false, "", [&](const std::string& sql) {
+  const test::QueryTarget target{.syntax = SQLSyntaxSQLite, .run = [&](const std::string& sql) {
                                    std::vector<std::string> lines;
                                    const std::string rows = source.Query(sql);
                                    for (std::size_t at = 0; at < rows.size();) {

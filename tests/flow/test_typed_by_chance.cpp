@@ -333,8 +333,8 @@ TEST(TypedByChance, ConditionsMeanTheSameInGridAndTree) {
   const test::Connection source(file.Path());
   test::HeadlessDesigner designer;
   designer.Hub().Connect("Provider=SQLite;Data Source=" + file.Path());
-  const test::QueryTarget target{SQLSyntaxSQLite, false, "",
-                                 [&](const std::string& sql) { return Lines(source.Query(sql), false); }};
+  const test::QueryTarget target{.syntax = SQLSyntaxSQLite,
+                                 .run = [&](const std::string& sql) { return Lines(source.Query(sql), false); }};
   std::cout << test::TryConditions(designer.Hub(), target, wished ? static_cast<unsigned>(std::atoi(wished)) : 150)
             << "\n";
 }
