@@ -282,6 +282,18 @@ TEST_F(QueriesTest, NameTheirColumnsInEveryDialect) {
   EXPECT_EQ(sql->Remarks().back(), "The dialect has no d (a) here.");
 }
 
+TEST_F(QueriesTest, HaveNoMoreNamesThanColumns) {
+  sql->SetSQLSyntax(SQLSyntaxPostgreSQL);
+  for (const char* statement : {"WITH d (a, b) AS (SELECT Name FROM Customers) SELECT a FROM d",
+                                "SELECT a FROM (SELECT Name FROM Customers) AS d (a, b)"}) {
+    sql->ParseSQLStatement(statement);
+    ASSERT_EQ(sql->Remarks().size(), 1u) << statement;
+    EXPECT_EQ(sql->Remarks().front(), "d names more columns (2) than its query outputs (1): servers refuse that.");
+  }
+  sql->ParseSQLStatement("WITH d (a, b) AS (SELECT * FROM Customers) SELECT a FROM d");
+  EXPECT_EQ(sql->Remarks().size(), 0u);
+}
+
 TEST_F(QueriesTest, OfAUnionAreComparedByTheKindsOfTheirValues) {
   source->Table("People", {});
   source->Column("People", "PersonID", 1);

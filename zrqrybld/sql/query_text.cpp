@@ -103,12 +103,20 @@ class Writer {
           inner.inner, [&](const QueryTree& member) { return IsMember(member) && Names(member, inner.name); });
       text += text.empty() ? kLine : ",\r\n";
       text += "\t" + QuoteWhenNeeded(Identifier(inner.name), query.query.names).Text();
+      CheckNames(inner);
       text += NameList(inner, query.query.names);
       text += " AS (" + Indented(std::string(kLine) + Write(inner, true), "\t\t") + "\r\n\t)";
     }
     if (text.empty()) return {};
     if (!forms_.hasWith || (nested && !forms_.nestsWith)) Fault(query, {text::DialectCannotSay, "WITH"});
     return "WITH " + std::string(namesItself ? forms_.recursive : "") + text + std::string(kLine);
+  }
+
+  void CheckNames(const QueryTree& query) {
+    if (query.columnNames.empty()) return;
+    const OutputPlaces own = PlacesOf(query.query, query.columns);
+    if (!own.isCounted || own.columns.size() >= query.columnNames.size()) return;
+    Fault(query, {text::MoreNamesThanColumns, query.name, query.columnNames.size(), own.columns.size()}, false);
   }
 
   void Remark(const QueryTree& query, const GeneratedSql& generated) {
@@ -177,6 +185,7 @@ class Writer {
 
   // Where the dialect has no names for the columns behind the query's, they stand in it.
   std::string WriteDerived(QueryTree& query) {
+    CheckNames(query);
     if (!query.columnNames.empty() && !forms_.namesColumns) {
       if (!NameColumns(query.query, query.columnNames)) {
         Fault(query, {text::DialectCannotSay, query.name + NameList(query, query.query.names)});
