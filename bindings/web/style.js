@@ -56,6 +56,8 @@ canvas.view { display: block; position: absolute; top: 0; touch-action: none; ou
 textarea.sql { background: transparent; color: transparent; caret-color: var(--role-text); resize: none; outline: none; width: 100%; height: 100%; }
 textarea.sql::selection { background: color-mix(in srgb, var(--role-focus) 35%, transparent); }
 .fault { text-decoration: underline wavy var(--role-error); text-underline-offset: 3px; }
+.bracket, .bracket span { background: var(--role-row-selected); color: var(--role-row-selected-text); }
+.bracket.alone, .bracket.alone span { background: none; color: var(--role-error); text-decoration: underline; }
 .remarks { flex: none; display: flex; align-items: center; gap: 8px; padding: 2px 12px; max-height: 40%; overflow: auto;
   border-top: 1px solid var(--role-grid-line); background: var(--role-caption-inactive); color: var(--role-caption-inactive-text); flex-wrap: wrap; }
 .remarks p { margin: 2px 0; }

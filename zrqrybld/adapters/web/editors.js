@@ -124,6 +124,7 @@ export class Area {
     this.number = number;
     this.host = host;
     this.marks = [0, 0];
+    this.brackets = '';
     const make = (name, className) => {
       const element = document.createElement(name);
       element.className = className;
@@ -166,11 +167,12 @@ export class Area {
     text.addEventListener('keyup', event => this.api.area_key(number, 0, keyCode(event), shiftBits(event), ''));
     text.addEventListener('focus', () => this.api.area_focus(number, 1));
     text.addEventListener('blur', event => {
+      this.#pair('');
       // A window or a button beside the text is not another part of the page.
       if (document.hasFocus() && !this.host.contains(event.relatedTarget) && (takes || !designer.dialogOpen)) this.api.area_focus(number, 0);
     });
     text.addEventListener('scroll', () => this.#follow());
-    this.onSelection = () => { if (text.getRootNode().activeElement === text) this.#selected(); };
+    this.onSelection = () => { if (this.#focused()) this.#selected(); };
     document.addEventListener('selectionchange', this.onSelection);
   }
   end() { document.removeEventListener('selectionchange', this.onSelection); }
@@ -181,13 +183,22 @@ export class Area {
     this.#tell(false);
   }
 
+  #focused() { return this.text.getRootNode().activeElement === this.text; }
   #selected() {
     const {selectionStart, selectionEnd} = this.text;
     this.api.area_selected(this.number, selectionStart, selectionEnd - selectionStart);
+    this.#pair(this.api.area_brackets(this.number));
   }
   #tell(typed) {
     const {value, selectionStart, selectionEnd} = this.text;
     this.api.area_input(this.number, value, selectionStart, selectionEnd - selectionStart, typed ? 1 : 0);
+    this.brackets = this.#focused() ? this.api.area_brackets(this.number) : '';
+    this.#color();
+  }
+  // The bracket beside the caret and its partner, or that it has none, while the text has the keyboard.
+  #pair(places) {
+    if (this.brackets === places) return;
+    this.brackets = places;
     this.#color();
   }
   #follow() {
@@ -213,7 +224,9 @@ export class Area {
     plain(value.length);
     nodes.push(document.createTextNode('\n'));
     this.behind.replaceChildren(...nodes);
-    if (length > 0) this.#underline(fault, length);
+    if (length > 0) this.#mark(fault, length, 'fault');
+    const places = this.brackets ? this.brackets.split(' ') : [];
+    for (const place of places) this.#mark(+place, 1, places.length > 1 ? 'bracket' : 'bracket alone');
     this.#follow();
   }
   #rangeOf(start, length) {
@@ -227,11 +240,11 @@ export class Area {
     }
     return begun ? range : null;
   }
-  #underline(start, length) {
+  #mark(start, length, className) {
     const range = this.#rangeOf(start, length);
     if (!range) return;
     const mark = document.createElement('span');
-    mark.className = 'fault';
+    mark.className = className;
     mark.append(range.extractContents());
     range.insertNode(mark);
   }
@@ -242,6 +255,7 @@ export class Area {
     const {value, selectionStart, scrollTop, scrollLeft} = this.text;
     if (value === text) return this.#color();
     this.marks = [0, 0];
+    this.brackets = '';
     this.text.value = text;
     const at = Math.min(selectionStart, text.length);
     this.text.setSelectionRange(at, at);

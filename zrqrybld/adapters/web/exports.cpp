@@ -308,3 +308,8 @@ ZRW char* zrw_area_colors(int area) {
   WebTextArea::With(area, [&](WebTextArea& a) { pieces = a.Highlighting(); });
   return Given(pieces);
 }
+ZRW char* zrw_area_brackets(int area) {
+  std::string places;
+  WebTextArea::With(area, [&](WebTextArea& a) { places = a.Brackets(); });
+  return Given(places);
+}

@@ -145,7 +145,7 @@ function callsOf(module) {
   for (const name of Object.keys(module)) {
     if (!name.startsWith('_zrw_')) continue;
     const call = module[name], short = name.slice(5);
-    const gives = ['ask', 'caption', 'words', 'tip', 'accessible', 'area_colors'].includes(short);
+    const gives = ['ask', 'caption', 'words', 'tip', 'accessible', 'area_colors', 'area_brackets'].includes(short);
     calls[short] = (...values) => {
       const texts = [];
       const passed = values.map(value => {

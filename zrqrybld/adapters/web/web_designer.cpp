@@ -56,6 +56,7 @@ void WebDesigner::Start() {
   hub_->SetSQLPane(sql);
   diagram_->SetControl(diagram);
   grid_->SetControl(grid->Grid());
+  grid->Grid()->SetRowKeysTakeCurrent(true);
   sql->AttachTextArea(area_.get());
   area_->Suggest(qbIntelliList::Create(hub_, EditedText::Statement));
   const auto tell = [number = Number()](int what) { return [number, what] { zrp_changed(number, what); }; };

@@ -6,6 +6,7 @@
 #include "zrqrybld/adapters/web/fields.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/platform/input.h"
+#include "zrqrybld/sql/brackets.h"
 #include "zrqrybld/sql/highlighting.h"
 
 namespace zrqrybld {
@@ -124,6 +125,22 @@ std::string WebTextArea::Highlighting() const {
               std::to_string(static_cast<int>(span.role)) + ' ';
   }
   return pieces;
+}
+
+std::string WebTextArea::Brackets() const {
+  if (length_ != 0) return {};
+  const std::size_t caret = ByteOf(start_);
+  std::string alone;
+  for (const std::size_t at : {caret, caret - 1}) {
+    if (at >= text_.size() || std::string_view("(){}").find(text_[at]) == std::string_view::npos) continue;
+    const std::string place = std::to_string(UnitOf(at));
+    if (const auto pair = MatchingBrackets(text_, at)) return place + ' ' + std::to_string(UnitOf(pair->second));
+    const std::vector<TextSpan> spans = HighlightSql(text_);
+    const bool isText = std::ranges::any_of(
+        spans, [&](const TextSpan& span) { return span.start <= at && at < span.start + span.length; });
+    if (alone.empty() && !isText) alone = place;
+  }
+  return alone;
 }
 
 // --- TextArea ---

@@ -41,6 +41,9 @@ class WebTextArea final : public TextArea, public Numbered<WebTextArea>, private
   void RunCommand(std::size_t command);
   /// The pieces with a colour, as "start length role" with blanks between all.
   std::string Highlighting() const;
+  /// The places of the bracket beside the caret and of its partner, with a blank between; the first alone when it has
+  /// none; "" where there is no bracket, or only one within a text, a quoted name or a comment.
+  std::string Brackets() const;
 
   // --- TextArea ---
 
