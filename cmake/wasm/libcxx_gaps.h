@@ -116,6 +116,10 @@ template <gap_range R, class C = less, class J = identity>
 constexpr bool is_sorted(R&& r, C c = {}, J j = {}) {
   return std::is_sorted(std::begin(r), std::end(r), gap_by(c, j));
 }
+template <gap_range R, class C = less, class J = identity>
+constexpr auto is_sorted_until(R&& r, C c = {}, J j = {}) {
+  return std::is_sorted_until(std::begin(r), std::end(r), gap_by(c, j));
+}
 template <gap_range R, class T, class C = less, class J = identity>
 constexpr auto lower_bound(R&& r, const T& value, C c = {}, J j = {}) {
   return std::lower_bound(std::begin(r), std::end(r), value,
