@@ -14,7 +14,7 @@ const {chromium} = need('playwright-core');
 
 export const launchBrowser = () => chromium.launch({ignoreDefaultArgs: ['--hide-scrollbars'],
   executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium', args: ['--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run',
-    '--disable-background-networking', '--disable-component-update', '--disable-sync']});
+    '--disable-background-networking', '--js-flags=--expose-gc', '--enable-precise-memory-info', '--disable-component-update', '--disable-sync']});
 
 const types = {'.html': 'text/html', '.js': 'text/javascript', '.mjs': 'text/javascript', '.css': 'text/css', '.wasm': 'application/wasm'};
 // As strict as the package promises to live with.

@@ -124,6 +124,35 @@ describe('a person', () => {
     assert.match(await page.locator('textarea.sql').inputValue(), /Orders\.Total$/);
   });
 
+  inBrowser('sees which brackets belong together beside the caret', async () => {
+    const text = page.locator('textarea.sql');
+    const rows = [  // | is the caret, no part of the text
+      ['SELECT |(1 + (2))', '7 15'], ['SELECT (1 + (2))|', '15 7'], ['SELECT (1 + (2|))', '14 12'], ['SELECT |(1', '7 alone'],
+      ["SELECT '|('", ''], ['SELECT 1 /* |( */', ''], ['SELECT "a|(" + (1)', ''], ['SELECT (1\n + 2|)', '13 7'], ['SELECT ("ä😀"|)', '13 7'], ['SELECT |1', ''],
+    ];
+    for (const [row, wanted] of rows) {
+      await text.fill(row.replace('|', ''));
+      const seen = await page.evaluate(async at => {
+        const root = designer.shadowRoot, area = root.querySelector('textarea.sql');
+        area.setSelectionRange(at, at);
+        await new Promise(done => setTimeout(done, 60));
+        const marks = [...root.querySelectorAll('.colors .bracket')].map(mark => {
+          const before = document.createRange();
+          before.selectNodeContents(root.querySelector('.colors'));
+          before.setEndBefore(mark);
+          return `${before.toString().length}${mark.classList.contains('alone') ? ' alone' : ''}`;
+        });
+        return {marks, text: root.querySelector('.colors').textContent === area.value + '\n'};
+      }, row.indexOf('|'));
+      assert.deepEqual(seen, {marks: wanted === '' ? [] : wanted.includes('alone') ? [wanted] : wanted.split(' ').sort((a, b) => a - b), text: true}, row);
+    }
+    await picture('brackets');
+    await text.fill('SELECT (1)');
+    assert.equal(await page.locator('.colors .bracket').count(), 2);
+    await page.locator('#grid canvas').focus();
+    assert.equal(await page.locator('.colors .bracket').count(), 0);
+  });
+
   inBrowser('walks menus and windows by keys alone', async () => {
     await twoTables();
     const box = await place('listbox', 'Orders');
@@ -235,6 +264,38 @@ describe('fingers', () => {
   }, {hasTouch: true});
 });
 
+describe('fingers that move', () => {
+  const touch = async (...moments) => {
+    const client = await page.context().newCDPSession(page);
+    const send = (type, points) => client.send('Input.dispatchTouchEvent', {type, touchPoints: points.map(({x, y}, id) => ({x, y, id}))});
+    await send('touchStart', moments[0]);
+    for (const points of moments.slice(1)) await send('touchMove', points);
+    await send('touchEnd', []);
+  };
+  const between = (from, to) => Array.from({length: 9}, (_, i) => [{x: from.x + (to.x - from.x) * i / 8, y: from.y + (to.y - from.y) * i / 8}]);
+
+  inBrowser('move a box, draw a join, and zoom by two', async () => {
+    await twoTables();
+    const title = async () => { const {x, y} = await place('listbox', 'Orders'); return {x, y: y - 40}; };
+    const left = () => inPage(() => [query().DiagramPane.Entities.Item('Orders').Left, query().DiagramPane.Entities.Item('Orders').Top]);
+    const [before, from] = [await left(), await title()];
+    await touch(...between(from, {x: from.x + 60, y: from.y + 30}));
+    const after = await left();
+    assert.deepEqual(after.map((v, i) => Math.round((v - before[i]) / 15)), [60, 30]);
+    await touch(...between(await place('option', 'CustomerID'), await place('option', 'Buyer')));
+    assert.match(await sql(), /JOIN Orders ON Orders.Buyer = Customers.CustomerID/);
+    const zoom = () => inPage(() => query().DiagramPane.Zoom), first = await zoom();
+    const canvas = await page.locator('#diagram canvas').boundingBox(), at = {x: canvas.x + 500, y: canvas.y + 120};
+    const pinch = (a, b) => touch(...Array.from({length: 9}, (_, i) => a + (b - a) * i / 8).map(by => [{x: at.x - by, y: at.y}, {x: at.x + by, y: at.y}]));
+    await pinch(30, 120);
+    const large = await zoom();
+    assert.ok(large > first * 1.2, `${first} ${large}`);
+    await pinch(120, 30);
+    assert.ok(await zoom() < large / 1.2, String(await zoom()));
+    assert.deepEqual((await left()).map(Math.round), after.map(Math.round), 'two fingers move no box');
+  }, {hasTouch: true});
+});
+
 describe('the screen', () => {
   for (const [name, options] of [['dark', {colorScheme: 'dark'}], ['forced', {forcedColors: 'active'}], ['twice', {deviceScaleFactor: 2}]]) {
     inBrowser(`is painted for ${name}`, async () => {
@@ -319,7 +380,60 @@ describe('a page', () => {
     assert.deepEqual(seen, {errors: ['no network', 'tables[0] has no name.'], which: [true, false], table: true});
   });
 
-  inBrowser('gives the memory of a hundred elements back', async () => {
+  inBrowser('is not disturbed by a source that answers when nobody waits, twice, or not at all', async () => {
+    const seen = await inPage(async () => {
+      const errors = [], answers = [], made = document.createElement('zr-query-designer'), table = name => ({tables: [{name}]});
+      made.addEventListener('error', event => { errors.push(event.detail.message); event.preventDefault(); });
+      document.body.append(made);
+      await made.ready;
+      const tick = () => new Promise(done => setTimeout(done));
+      const ask = async () => {
+        const count = answers.length;
+        made.connection = {schema: () => new Promise((done, fail) => answers.push({done, fail}))};
+        const {connected} = made;
+        while (answers.length === count) await tick();
+        return {connected, ...answers[count]};
+      };
+      const which = [];
+      // Twice: the first counts; what comes behind it is nothing.
+      const twice = await ask();
+      twice.done(table('First'));
+      twice.done(table('Again'));
+      twice.fail(new Error('again'));
+      which.push(await twice.connected, made.query.HasTable('First'));
+      // A late refusal of a source that another has replaced is nobody's.
+      const late = await ask();
+      made.connection = table('Newer');
+      await made.connected;
+      late.fail(new Error('late'));
+      which.push(await late.connected, made.query.HasTable('Newer'));
+      // The element has gone before the answer; put in again, it takes another source.
+      for (const answer of ['done', 'fail']) {
+        const gone = await ask();
+        made.remove();
+        await tick();
+        await tick();
+        gone[answer](answer === 'done' ? table('Late') : new Error('late'));
+        which.push(await gone.connected);
+        made.connection = table('Back');
+        document.body.append(made);
+        while (!made.query) await tick();
+        await made.connected;
+        which.push(made.query.HasTable('Back'));
+      }
+      // Rows that throw, and rows of nothing.
+      made.connection = {rows() { throw new Error('no rows'); }};
+      await made.connected;
+      made.connection = {rows: () => null};
+      which.push(await made.connected);
+      made.remove();
+      return {errors, which};
+    });
+    assert.deepEqual(seen.which, [true, true, false, true, false, true, false, true, true]);
+    assert.deepEqual(seen.errors.filter(text => /again|late/.test(text)), []);
+  });
+
+  inBrowser('gives the memory of two hundred elements back', async () => {
     const grown = await inPage(async () => {
       const module = (await load()).module, round = async count => {
         for (let i = 0; i < count; ++i) {
@@ -333,12 +447,14 @@ describe('a page', () => {
           await new Promise(done => setTimeout(done));
         }
       };
-      await round(20);
-      const before = module.HEAPU8.length;
-      await round(80);
-      return {by: module.HEAPU8.length - before, views: module.page.objects.size};
+      const used = () => { gc(); return performance.memory.usedJSHeapSize; };
+      await round(40);
+      const before = module.HEAPU8.length, script = used();
+      await round(160);
+      return {by: module.HEAPU8.length - before, views: module.page.objects.size, script: used() - script};
     });
-    assert.ok(grown.by <= 4 << 20, `${grown.by} bytes`);
+    assert.equal(grown.by, 0, 'bytes of the library');
+    assert.ok(grown.script <= 4 << 20, `${grown.script} bytes of JavaScript`);
     assert.ok(grown.views <= 10, `${grown.views} objects`);
   });
 });

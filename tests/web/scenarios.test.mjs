@@ -17,7 +17,6 @@ const differences = [
   [/over hello|drop hello|a row out of the pane|lose/, 'a browser lets no program drag from outside; dragging from within has its own test'],
   [/cursor=/, 'a cursor is a style here; its own test looks at it'],
   [/joins=[^;|]*:\d/, 'the kind of a join is no member by name; the tasks look at it in the statement'],
-  [/^grid \| Right Delete/, 'that these keys take the current row is a choice of the application'],
   [/copied=/, 'the browser keeps pictures from the clipboard of a test'],
   [/A typo by its message/, 'which words the arrow keys leap over is the browser\'s own'],
   [/notes=/, 'what boxes note of the grid is no member by name'],
