@@ -96,7 +96,7 @@ export class ZrQueryDesigner extends HTMLElement {
       this.#query.Connection = made;
       return true;
     })().catch(error => {
-      if (asked === this.#asked) this.#failed(error.message);
+      if (asked === this.#asked && this.#query) this.#failed(error.message);  // put in again, the element asks again
       return false;
     });
   }
