@@ -20,12 +20,15 @@ bool BeginsArray(std::string_view text, std::size_t open) {
   return open == kWord.size() || !IsOfName(text[open - kWord.size() - 1]);
 }
 
+// Each is looked through anew: a bound keeps brackets that nobody closes from taking the time of all squared.
+constexpr std::size_t kLongestSubscript = 1000;
+
 bool HoldsSubscript(std::string_view text, std::size_t open) {
   const char before = open == 0 ? ' ' : text[open - 1];
   if (before == '.' || !(IsOfName(before) || before == ')')) return false;
   const std::size_t next = text.find_first_of("[]", open + 1);
   return next != std::string_view::npos && text[next] == '[' && next > open + 1 && IsOfName(text[next - 1]) &&
-         EndOfArray(text, open) != std::string_view::npos;
+         EndOfArray(text.substr(0, open + kLongestSubscript), open) != std::string_view::npos;
 }
 
 }  // namespace

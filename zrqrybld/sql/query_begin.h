@@ -11,8 +11,8 @@ struct QueryBegin {
   std::size_t first = std::string_view::npos;   ///< of what stands behind all of them
   std::size_t select = std::string_view::npos;  ///< the innermost one, where SELECT or WITH stands behind it
   std::size_t query = std::string_view::npos;   ///< the outermost one that holds a query and nothing else
-  std::size_t compound =
-      std::string_view::npos;  ///< the outermost one that holds a query whose first member has its own
+  /// The outermost one that holds a query whose first member has parentheses of its own.
+  std::size_t compound = std::string_view::npos;
 };
 
 /// Looks at the parentheses from `open` on; of more than 250 none holds a query. Takes time in the length of what they
