@@ -29,7 +29,7 @@ QuerySnapshot MakeSnapshot(int tables, int rows) {
     query.tables.push_back({Identifier(TableName(t)), {Identifier(TableName(t))}, false});
     if (t == 0) continue;
     const auto index = static_cast<std::size_t>(t);
-    query.joins.push_back({index, index - 1, Identifier(ColumnName(1)), Identifier(ColumnName(0)), 0});
+    query.joins.push_back({index, index - 1, Identifier(ColumnName(1)), Identifier(ColumnName(0)), {}});
   }
   for (int r = 0; r < rows; ++r) {
     SnapshotRow row;

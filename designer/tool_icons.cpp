@@ -38,13 +38,14 @@ constexpr Shape kShapes[] = {
     {Command::StopPreview, {"", "M 6 6 L 18 6 L 18 18 L 6 18 Z"}},
     {Command::GroupRows, {"M 17 5 L 6 5 L 12 12 L 6 19 L 17 19", ""}},
     {Command::FitToWindow,
-     "M 4 9 L 4 4 L 9 4 M 15 4 L 20 4 L 20 9 M 20 15 L 20 20 L 15 20 M 9 20 L 4 20 L 4 15 M 9 9 L 15 9 L 15 15 L 9 15 "
-     "Z",
-     ""},
+     {"M 4 9 L 4 4 L 9 4 M 15 4 L 20 4 L 20 9 M 20 15 L 20 20 L 15 20 M 9 20 L 4 20 L 4 15 M 9 9 L 15 9 L 15 15 L 9 15 "
+      "Z",
+      ""}},
     {Command::Arrange,
-     "M 3 4 L 10 4 L 10 9 L 3 9 Z M 14 4 L 21 4 L 21 9 L 14 9 Z M 8 15 L 16 15 L 16 20 L 8 20 Z M 6 9 L 6 12 L 18 12 L "
-     "18 9 M 12 12 L 12 15",
-     ""},
+     {"M 3 4 L 10 4 L 10 9 L 3 9 Z M 14 4 L 21 4 L 21 9 L 14 9 Z M 8 15 L 16 15 L 16 20 L 8 20 Z M 6 9 L 6 12 L 18 12 "
+      "L "
+      "18 9 M 12 12 L 12 15",
+      ""}},
 };
 
 constexpr Drawing kGlyphs[] = {

@@ -120,7 +120,7 @@ TEST(CProvider, WhatItAnswersIsChecked) {
   Source source;
   const zrq_handle connection = Opened(source);
   for (const auto& [kind, rows, told] : cases) {
-    source.rows = [&rows](int32_t) {
+    source.rows = [&rows = rows](int32_t) {
       for (const Row& row : rows) {
         if (const int32_t error = zrq_row(row.data(), row.size())) {
           const char* description = nullptr;

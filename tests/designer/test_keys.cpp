@@ -363,6 +363,29 @@ TEST_P(TaskTable, EndsInWhatWasWanted) {
 
 INSTANTIATE_TEST_SUITE_P(Line, TaskTable, testing::Range(std::size_t{0}, Tasks().size()));
 
+// The last task, a UNION with a query in WITH and two in cells: its rows come, the file gives it back, and keys take it
+// back to nothing.
+TEST_F(Keys, AQueryOfQueriesIsRunSavedOpenedAndUndone) {
+  const QTemporaryDir folder;
+  test::KeepIn(folder.path());
+  ASSERT_EQ(window.OpenDatabase(ZRQRYBLD_SAMPLE_DB), QString());
+  const std::string empty = Hub().SaveQueryToText();
+  Focus("diagram");
+  const std::string acts = Tasks().back()[1];
+  Press(acts.substr(acts.find(' ')));
+  const std::string statement = Statement();
+  const std::string rows = test::Connection(ZRQRYBLD_SAMPLE_DB).Query(statement);
+  EXPECT_EQ(std::ranges::count(rows, '\n') + 1, 10 + 12) << "all suppliers, and some customers";
+
+  const QString file = folder.filePath("queries.zrq");
+  Hub().SaveQuery(test::Utf8(file));
+  int steps = 0;
+  for (Focus("diagram"); Hub().CanUndo() && steps < 100; ++steps) Press("Ctrl+Z");
+  EXPECT_EQ(Hub().SaveQueryToText(), empty) << steps << " steps";
+  window.OpenQuery(file);
+  EXPECT_EQ(Statement(), statement);
+}
+
 // Each pane looks different when it has the keyboard, with and without something that is current in it.
 TEST_F(Keys, FocusIsAlwaysVisible) {
   Prepare();

@@ -213,7 +213,7 @@ class GridWindow : public test::Player, public test::Designer {
       for (int i = std::stoi(w[1]); i > 0; --i) control.Rows()->Add();
     };
     actions["tick"] = [this](const Words& w) { Tick(w[1].substr(0, w[1].find('.')), w[1].substr(w[1].find('.') + 1)); };
-    actions["clipboard"] = [this](const Words& w) { QApplication::clipboard()->setText(ToQString(w[1])); };
+    actions["clipboard"] = [](const Words& w) { QApplication::clipboard()->setText(ToQString(w[1])); };
     actions["lock"] = [this](auto&) { grid->SetLockTables(true); };
     actions["norows"] = [this](auto&) { control.SetAllowRowInsert(false); };
     actions["nosize"] = [this](auto&) { control.SetAllowColumnResize(false); };

@@ -68,6 +68,7 @@ TEST(StatementParser, LongChainsAndDeepNestingEndWell) {
     const std::string sql = head + Repeated(deep, 2'000) + "1" + Repeated("]", 2'000);
     EXPECT_EQ(Printed(sql, {.hasSubscripts = true}).front(), '!') << deep;
   }
+  EXPECT_EQ(Printed(head + Repeated("a[b[] ", 100'000), {.hasSubscripts = true}).front(), '!');
 }
 
 // What a call takes there is several times as much.

@@ -9,6 +9,7 @@
 #include "zrqrybld/sql/criteria_tokens.h"
 #include "zrqrybld/sql/criteria_values.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/query_begin.h"
 
 namespace zrqrybld {
 namespace {
@@ -111,8 +112,7 @@ class CriterionReader {
   }
 
   bool IsQuery(std::size_t parenthesis) const {
-    return tokens_.Is(parenthesis, '(') &&
-           (tokens_.IsWord(parenthesis + 1, "SELECT") || tokens_.IsWord(parenthesis + 1, "WITH"));
+    return tokens_.Is(parenthesis, '(') && HoldsQuery(tokens_.All(), tokens_.Offset(parenthesis));
   }
 
   // The end of the value that begins here: AND, OR, a comma of the list, ESCAPE of a pattern, or `end`.

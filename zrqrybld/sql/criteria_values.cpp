@@ -12,6 +12,7 @@
 #include "zrqrybld/sql/date_literal.h"
 #include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/literals.h"
+#include "zrqrybld/sql/query_begin.h"
 
 namespace zrqrybld {
 namespace {
@@ -71,7 +72,7 @@ std::string CriterionValues::LiteralWord(const CriteriaContext& context) {
 // --- Expressions ---
 
 bool CriterionValues::IsQuery(std::size_t parenthesis) const {
-  return tokens_.IsWord(parenthesis + 1, "SELECT") || tokens_.IsWord(parenthesis + 1, "WITH");
+  return tokens_.Is(parenthesis, '(') && HoldsQuery(tokens_.All(), tokens_.Offset(parenthesis));
 }
 
 // What a host puts a value in for: ?, :name. (@name is a word.)

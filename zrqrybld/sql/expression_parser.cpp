@@ -8,6 +8,7 @@
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_sql.h"
 #include "zrqrybld/sql/array_brackets.h"
+#include "zrqrybld/sql/query_begin.h"
 #include "zrqrybld/sql/syntax_error.h"
 
 namespace zrqrybld {
@@ -187,14 +188,11 @@ bool ExpressionParser::IsSubscript() const {
          reader_.Adjoins();
 }
 
-// On "[...]", which the lexer reads up to the first "]", for that is where a name in brackets ends: a[b[1]] ends behind
-// it. Arrays within an array are written without its word.
+// On "[...]". Arrays within an array are written without its word.
 Expression* ExpressionParser::ParseSubscript(std::size_t start) {
   const std::size_t open = reader_.Offset();
-  const std::size_t length = EndOfArray(reader_.Rest(), 0);
-  if (length == std::string_view::npos) reader_.Refuse(open, text::NameOpen);
-  const std::string_view text = reader_.Rest().substr(0, length);
-  reader_.AdvanceTo(open + length);
+  const std::string_view text = reader_.CurrentText();
+  reader_.Advance();
   Expression* result = Make(ExpressionKind::Opaque, start);
   List parts(result->first);
   constexpr std::size_t kMostDimensions = 16;
@@ -327,10 +325,8 @@ Expression* ExpressionParser::ParseInterval() {
 // ( expression ), ( a, b ) or ( SELECT ... ). Parentheses that begin together are read in a loop, from the inside: each
 // is the first operand of what the next one holds.
 Expression* ExpressionParser::ParseParentheses() {
-  const auto isQuery = [this] {
-    const Keyword next = reader_.Peek().keyword;
-    return next == Keyword::Select || next == Keyword::With;
-  };
+  const QueryBegin begin = LookForQuery(reader_.All(), reader_.Offset());
+  const auto isQuery = [&] { return reader_.Offset() == begin.select || reader_.Offset() == begin.compound; };
   if (isQuery()) return ParseSubquery(reader_.Offset());
   const std::size_t outside = open_.size();
   for (; reader_.IsSign('(') && !isQuery(); reader_.Advance()) {
@@ -363,8 +359,9 @@ Expression* ExpressionParser::ParseInParentheses(std::size_t start, Expression* 
 
 // On the "(" before SELECT.
 Expression* ExpressionParser::ParseSubquery(std::size_t start) {
+  const bool isQuery = reader_.IsSign('(') && LookForQuery(reader_.All(), reader_.Offset()).query == reader_.Offset();
   reader_.ExpectSign('(');
-  if (!reader_.Is(Keyword::Select) && !reader_.Is(Keyword::With)) reader_.FailExpected("SELECT");
+  if (!isQuery && !reader_.Is(Keyword::Select) && !reader_.Is(Keyword::With)) reader_.FailExpected("SELECT");
   queries_.push_back(reader_.Offset());
   reader_.SkipTo(')');
   reader_.Advance();

@@ -5,6 +5,7 @@
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_sql.h"
 #include "zrqrybld/sql/expression_parser.h"
+#include "zrqrybld/sql/query_begin.h"
 
 namespace zrqrybld {
 namespace {
@@ -102,9 +103,8 @@ Expression* ExpressionParser::ParseNamed() {
 
 // On the "(" behind the name.
 Expression* ExpressionParser::ParseCall(std::size_t start, std::string_view name) {
-  const Keyword inside = reader_.Peek().keyword;
-  if (inside == Keyword::Select || inside == Keyword::With) return ParseSubquery(start);
   const std::size_t open = reader_.Offset();
+  if (HoldsQuery(reader_.All(), open)) return ParseSubquery(start);
   reader_.Advance();
   Expression* call = Make(ExpressionKind::Call, start);
   call->name = name;

@@ -6,6 +6,7 @@
 #include "zrqrybld/sql/keywords.h"
 #include "zrqrybld/sql/lexer.h"
 #include "zrqrybld/sql/name_scope.h"
+#include "zrqrybld/sql/query_begin.h"
 #include "zrqrybld/sql/token_reader.h"
 
 namespace zrqrybld {
@@ -32,22 +33,6 @@ bool IsJoinWord(Keyword keyword) {
 }
 
 bool TakesCondition(const JoinStep& step) { return step.word != JoinWord::Cross && !step.natural; }
-
-bool GoesOnAsQuery(const Token& token, bool closes) {
-  switch (token.keyword) {
-    case Keyword::Union:
-    case Keyword::Intersect:
-    case Keyword::Except:
-    case Keyword::Minus:
-    case Keyword::Order:
-    case Keyword::Limit:
-    case Keyword::Offset:
-    case Keyword::Fetch:
-      return true;
-    default:
-      return closes;
-  }
-}
 
 }  // namespace
 
@@ -176,39 +161,13 @@ FromItem* FromParser::ParseTable() {
   return item;
 }
 
-// Whether what stands in the parenthesis here is a query, not tables. One that begins with another parenthesis is a
-// query only where what stands in that is one, and more of it follows: "((SELECT ...) UNION ...)". Parentheses that
-// follow one another are looked through once.
+// Whether what stands in the parenthesis here is a query, not tables. Parentheses that follow one another are looked
+// through once where they hold tables.
 bool FromParser::BeginsQuery() {
   if (reader_.Offset() < tablesUntil_) return false;
-  Lexer ahead(statement_.text);
-  ahead.SetPosition(reader_.Offset());
-  Token token;
-  const auto next = [&] {
-    do {
-      if (!ahead.Next(token)) return false;
-    } while (token.kind == TokenKind::Comment);
-    return true;
-  };
-  const auto isSign = [&](char sign) {
-    return token.kind == TokenKind::Operator && token.length == 1 && statement_.text[token.offset] == sign;
-  };
-  int level = 0;
-  while (next() && isSign('(')) ++level;
-  if (level > kDeepestCalls || (token.keyword != Keyword::Select && token.keyword != Keyword::With)) {
-    tablesUntil_ = token.offset;
-    return false;
-  }
-  for (int depth = level; level > 1;) {
-    if (!next()) return false;
-    if (isSign('(')) ++depth;
-    if (!isSign(')') || --depth >= level) continue;
-    const std::size_t behind = ahead.Position();
-    if (!next() || !GoesOnAsQuery(token, isSign(')'))) return false;
-    ahead.SetPosition(behind);
-    --level;
-  }
-  return true;
+  const QueryBegin begin = LookForQuery(statement_.text, reader_.Offset());
+  if (begin.query == std::string_view::npos) tablesUntil_ = begin.first;
+  return begin.query == reader_.Offset();
 }
 
 // A query in the place of a table; its name stands where a table's alias does.

@@ -2,6 +2,7 @@
 
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/sql/lexer.h"
+#include "zrqrybld/sql/query_begin.h"
 
 namespace zrqrybld {
 namespace {
@@ -28,9 +29,14 @@ class Reader {
   void ForEach(Found found) const {
     std::size_t open = tokens_.size();  // of the query that is read
     std::size_t depth = 0;
+    QueryBegin begin;  // of the parentheses that follow one another here
     for (std::size_t at = 0; at < tokens_.size(); ++at) {
       if (IsSign(at, '(')) {
-        if (open == tokens_.size() && BeginsQuery(at + 1)) {
+        const std::size_t place = tokens_[at].offset;
+        if (open == tokens_.size() && (begin.first == std::string_view::npos || begin.first <= place)) {
+          begin = LookForQuery(text_, place);
+        }
+        if (open == tokens_.size() && (place == begin.select || place == begin.compound)) {
           open = at;
           depth = 0;
         }
@@ -48,8 +54,10 @@ class Reader {
 
   // "SELECT Orders…"
   std::string Shortened(std::size_t open, std::size_t close) const {
-    const std::size_t from = FirstFrom(open + 1, close);
-    std::string text = std::string(WordAt(open + 1)) + " ";
+    std::size_t first = open + 1;
+    while (IsSign(first, '(')) ++first;
+    const std::size_t from = FirstFrom(first, close);
+    std::string text = std::string(WordAt(first)) + " ";
     if (from == close || IsSign(from + 1, '(')) return text + std::string(kLeftOut);
     std::size_t at = from + 1;
     while (at + 2 < close && IsSign(at + 1, '.')) at += 2;
@@ -61,11 +69,6 @@ class Reader {
   std::string_view WordAt(std::size_t at) const { return text_.substr(tokens_[at].offset, tokens_[at].length); }
   bool IsSign(std::size_t at, char sign) const {
     return at < tokens_.size() && tokens_[at].kind == TokenKind::Operator && WordAt(at) == std::string_view(&sign, 1);
-  }
-  // "(((SELECT" begins one query, not three.
-  bool BeginsQuery(std::size_t at) const {
-    const Keyword word = at < tokens_.size() ? tokens_[at].keyword : Keyword::None;
-    return word == Keyword::Select || word == Keyword::With;
   }
   // Of the query's own FROM; `close` when it has none.
   std::size_t FirstFrom(std::size_t at, std::size_t close) const {

@@ -118,6 +118,8 @@ class SourceFinder {
         atSource_ = level.inFrom;
         break;
       case Keyword::Select:
+        level.isQuery = true;  // also behind a member of UNION that has parentheses of its own
+        [[fallthrough]];
       case Keyword::Where:
       case Keyword::Group:
       case Keyword::Having:

@@ -21,6 +21,8 @@ class TokenReader {
   bool AtEnd() const { return token_.length == 0; }
   std::size_t Offset() const { return token_.offset; }
   std::string_view CurrentText() const { return text_.substr(token_.offset, token_.length); }
+  /// The text, of which offsets are places.
+  std::string_view All() const { return text_; }
   /// Everything from the current token on.
   std::string_view Rest() const { return text_.substr(token_.offset); }
   /// Whether nothing stands between the current token and the one before.
@@ -35,13 +37,6 @@ class TokenReader {
     } while (token_.kind == TokenKind::Comment && !token_.unfinished);
     if (token_.unfinished || IsOpenMarker()) FailUnfinished();
     if (token_.kind == TokenKind::Word && BeginsAsDate(CurrentText())) FailAsDate();
-  }
-
-  /// The current token ends there, whatever it is; it is then passed.
-  void AdvanceTo(std::size_t end) {
-    lexer_.SetPosition(end);
-    token_.length = end - token_.offset;
-    Advance();
   }
 
   bool Is(TokenKind kind) const { return token_.kind == kind && token_.length != 0; }

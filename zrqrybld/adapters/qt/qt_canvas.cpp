@@ -181,7 +181,8 @@ void QtCanvas::DrawText(const PixelRect& rect, std::string_view text, const Text
   painter_.setPen(theme_.Of(style.ink));
   // By what it says, not by the window: "> 5" stays that in a layout from right to left.
   painter_.setLayoutDirection(fitting.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
-  painter_.drawText(ToQRectF(rect), side | Qt::AlignAbsolute | Qt::AlignVCenter | Qt::TextSingleLine, fitting);
+  painter_.drawText(ToQRectF(rect), static_cast<int>(side | Qt::AlignAbsolute | Qt::AlignVCenter) | Qt::TextSingleLine,
+                    fitting);
 }
 
 void QtCanvas::DrawImage(const PixelRect& rect, const Image& image) {
