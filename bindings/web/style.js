@@ -60,7 +60,7 @@ textarea.sql::selection { background: color-mix(in srgb, var(--role-focus) 35%, 
 .bracket.alone, .bracket.alone span { background: none; color: var(--role-error); text-decoration: underline; }
 .remarks { flex: none; display: flex; align-items: center; gap: 8px; padding: 2px 12px; max-height: 40%; overflow: auto;
   border-top: 1px solid var(--role-grid-line); background: var(--role-caption-inactive); color: var(--role-caption-inactive-text); flex-wrap: wrap; }
-.remarks p { margin: 2px 0; }
+.remarks p { margin: 2px 0; unicode-bidi: plaintext; }
 dialog { border: 1px solid var(--role-box-frame); border-radius: 8px; padding: 16px 20px; background: var(--role-box); color: var(--role-text);
   font: 13px system-ui, sans-serif; max-width: min(720px, 94vw); max-height: 92vh; overflow: auto; }
 dialog::backdrop { background: #0006; }
