@@ -454,7 +454,7 @@ describe('a page', () => {
       return {by: module.HEAPU8.length - before, views: module.page.objects.size, script: used() - script};
     });
     assert.equal(grown.by, 0, 'bytes of the library');
-    assert.ok(grown.script <= 4 << 20, `${grown.script} bytes of JavaScript`);
+    assert.ok(grown.script <= 1 << 20, `${grown.script} bytes of JavaScript`);
     assert.ok(grown.views <= 10, `${grown.views} objects`);
   });
 });
