@@ -12,7 +12,7 @@ import {folder, launchBrowser, need, openPage, root, servePages} from './browser
 const rows = 'running and printing a query, its rows, files and menus above are the page\'s own';
 const differences = [
   [/pane=rows|F5|sql \| F6 F6|diagram \| Shift\+F6/, rows],
-  [/find=|names=|Ctrl\+F|kill:|Alt\+V/, `${rows}, and so is finding`],
+  [/find=|names=|Ctrl\+F|kill:|Alt\+[QV]/, `${rows}, and so is finding`],
   [/^sql \| (Ctrl\+Z|Ctrl\+End type:x|Shift\+F10)/, 'undo and the menu of the text are the browser\'s own'],
   [/over hello|drop hello|a row out of the pane|lose/, 'a browser lets no program drag from outside; dragging from within has its own test'],
   [/cursor=/, 'a cursor is a style here; its own test looks at it'],
