@@ -73,7 +73,8 @@ TEST_F(Model, AndPictureNeverDisagree) {
     switch (below(12)) {
       case 0:
       case 1:
-        if (entities->Count() < 12) Add("t" + std::to_string(++next), std::vector<std::string>(static_cast<std::size_t>(below(30))));
+        if (entities->Count() < 12)
+          Add("t" + std::to_string(++next), std::vector<std::string>(static_cast<std::size_t>(below(30))));
         break;
       case 2:
       case 3:
