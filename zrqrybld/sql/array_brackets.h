@@ -6,9 +6,8 @@
 
 namespace zrqrybld {
 
-/// Whether the bracket at the place is no quote of a name, and ends where its own closes: the word ARRAY stands close
-/// before it, or it is a subscript of at most 1,000 bytes, close behind a value, that holds another: a[b[1]].
-bool HasOwnBrackets(std::string_view text, std::size_t open);
+/// Whether the bracket at the place begins an array: the word ARRAY stands close before it.
+bool BeginsArray(std::string_view text, std::size_t open);
 
 /// The place behind the bracket that closes the one at `open`, brackets in quotes left out; npos when none does. Takes
 /// time in the length of what is between.

@@ -188,7 +188,8 @@ bool ExpressionParser::IsSubscript() const {
          reader_.Adjoins();
 }
 
-// On "[...]". Arrays within an array are written without its word.
+// On "[...]", which the lexer reads up to the first "]", of an array up to its own. Arrays within an array are written
+// without its word.
 Expression* ExpressionParser::ParseSubscript(std::size_t start) {
   const std::size_t open = reader_.Offset();
   const std::string_view text = reader_.CurrentText();

@@ -146,7 +146,7 @@ bool Lexer::Next(Token& token) {
     Take(token, TokenKind::Number, EndOfNumber());
   } else if (c == '\'') {
     TakeQuoted(token, TokenKind::String, at_, '\'');
-  } else if (c == '[' && HasOwnBrackets(text_, at_)) {
+  } else if (c == '[' && BeginsArray(text_, at_)) {
     Take(token, TokenKind::QuotedIdentifier, EndOfArray(text_, at_));
   } else if (c == '"' || c == '`' || c == '[') {
     TakeQuoted(token, TokenKind::QuotedIdentifier, at_, c == '[' ? ']' : c);
