@@ -64,11 +64,8 @@ TEST(StatementParser, LongChainsAndDeepNestingEndWell) {
         "SELECT a FROM " + Repeated("(", 100'000), "SELECT a FROM t" + Repeated(" LEFT JOIN t", 100'000)}) {
     EXPECT_EQ(Printed(deep).front(), '!');
   }
-  for (const char* deep : {"a[", "ARRAY["}) {
-    const std::string sql = head + Repeated(deep, 2'000) + "1" + Repeated("]", 2'000);
-    EXPECT_EQ(Printed(sql, {.hasSubscripts = true}).front(), '!') << deep;
-  }
-  EXPECT_EQ(Printed(head + Repeated("a[b[] ", 100'000), {.hasSubscripts = true}).front(), '!');
+  const std::string arrays = head + Repeated("ARRAY[", 2'000) + "1" + Repeated("]", 2'000);
+  EXPECT_EQ(Printed(arrays, {.hasSubscripts = true}).front(), '!');
 }
 
 // What a call takes there is several times as much.
@@ -94,7 +91,7 @@ TEST(StatementParser, AThreadWithLittleStackReadsWhatIsDeep) {
       }
     }
     for (const std::size_t levels : {100u, 240u}) {
-      Printed(head + Repeated("a[", levels) + "1" + Repeated("]", levels), {.hasSubscripts = true});
+      Printed(head + Repeated("ARRAY[", levels) + "1" + Repeated("]", levels), {.hasSubscripts = true});
     }
     std::string from = "SELECT a FROM " + Repeated("(", 990) + "T";
     for (int i = 0; i < 990; ++i) from += " INNER JOIN U ON x = y)";
