@@ -7,6 +7,7 @@
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/hub/hub.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld::test {
 namespace {
@@ -47,6 +48,38 @@ TEST_F(ExpressionToolsTest, InsertsWhatIsChosen) {
     }
     EXPECT_EQ(text.replace(taken.from, taken.to - taken.from, written), row[3]);
   }
+}
+
+// What an expression becomes when a function over rows is chosen for it, and then another one.
+TEST_F(ExpressionToolsTest, TakesAFunctionOverRows) {
+  hub->AddTable("Orders");
+  const Ref<qbSQLPane> sql = qbSQLPane::Create();
+  hub->SetSQLPane(sql);
+  const Ref<frmExpressionBuilder> builder = frmExpressionBuilder::Create(hub, EditedText::Expression);
+  const struct {
+    std::string text, function, made, next, then;
+  } kCases[] = {
+      {"Total", "SUM", "SUM(Total) OVER ()", "LAG", "LAG(Total, 1) OVER ()"},
+      {"Total", "LAG", "LAG(Total, 1) OVER ()", "nth_value", "NTH_VALUE(Total, 2) OVER ()"},
+      {"Total", "RANK", "RANK() OVER (ORDER BY Total)", "NTILE", "NTILE(4) OVER (ORDER BY Total)"},
+      {"a\n+ b", "AVG", "AVG(a + b) OVER ()", "ROW_NUMBER", "ROW_NUMBER() OVER ()"},
+      {"1 +", "MAX", "MAX() OVER ()", "MIN", "MIN() OVER ()"},
+      {"", "NTILE", "NTILE(4) OVER ()", "No such", "NTILE(4) OVER ()"},
+  };
+  for (const auto& c : kCases) {
+    WindowCall call = builder->NewWindowCall(builder->WindowFunctionAt(c.function), c.text);
+    EXPECT_EQ(WriteWindowCall(call), c.made);
+    call = builder->WithFunction(call, builder->WindowFunctionAt(c.next));
+    EXPECT_EQ(WriteWindowCall(call), c.then);
+  }
+  EXPECT_EQ(builder->WhyNoWindows(), "");
+  EXPECT_EQ(builder->Columns()[2], "Orders.[Order]");
+  EXPECT_FALSE(frmExpressionBuilder::Create(hub, EditedText::Criterion)->OffersWindows());
+
+  sql->SetSQLSyntax(SQLSyntaxAccess);
+  const Ref<frmExpressionBuilder> without = frmExpressionBuilder::Create(hub, EditedText::Expression);
+  EXPECT_TRUE(without->WindowFunctions().empty());
+  EXPECT_EQ(without->WhyNoWindows(), "The servers of this dialect have no functions over rows (OVER).");
 }
 
 TEST_F(ExpressionToolsTest, SayWhereATextCannotBeRead) {

@@ -1,9 +1,13 @@
 // The expression builder's and the zoom's window, by real events.
 #include <gtest/gtest.h>
 
+#include <QAbstractItemView>
+#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTabBar>
+#include <QTabWidget>
 #include <QTableWidget>
 #include <QTest>
 #include <QToolButton>
@@ -15,9 +19,11 @@
 #include "zrqrybld/adapters/qt/expression_window.h"
 #include "zrqrybld/adapters/qt/qt_text.h"
 #include "zrqrybld/adapters/qt/qt_text_area.h"
+#include "zrqrybld/adapters/qt/window_page.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/host/language_ids.h"
 #include "zrqrybld/hub/hub.h"
+#include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld {
 namespace {
@@ -72,6 +78,84 @@ TEST_F(ExpressionWindowTest, BuildsAnExpression) {
   EXPECT_EQ(window->Text(), "Orders.Total");
   QTest::keyClick(&window->Editor(), Qt::Key_Return, Qt::ControlModifier);
   EXPECT_EQ(window->result(), QDialog::Accepted);
+}
+
+// The page of functions over rows, by keyboard and mouse: what it says is written in the text, as steps that can be
+// undone, and the caret leads it from one function to the next.
+TEST_F(ExpressionWindowTest, BuildsAFunctionOverRows) {
+  const auto window = Open(true, "Orders.Total");
+  auto* pages = window->findChild<QTabWidget*>();
+  QTest::keyClick(pages->tabBar(), Qt::Key_Right);
+  auto* page = window->findChild<WindowPage*>();
+  ASSERT_TRUE(page->isVisible());
+  auto* arguments = page->findChild<QComboBox*>("windowArguments");
+  EXPECT_FALSE(arguments->isEnabled());
+  const auto choose = [&](const char* name, const QString& text) {
+    auto* box = page->findChild<QComboBox*>(name);
+    ASSERT_NE(box->findText(text), -1) << name << " " << text.toStdString();
+    box->setFocus();
+    box->showPopup();
+    box->view()->setCurrentIndex(box->model()->index(box->findText(text), 0));
+    QTest::keyClick(box->view(), Qt::Key_Return);
+  };
+  const auto type = [&](const char* list, int row, const char* text) {
+    const auto lines = page->findChild<QWidget*>(list)->findChildren<QLineEdit*>();
+    lines[row]->setFocus();
+    QTest::keyClicks(lines[row], text);
+    QTest::keyClick(lines[row], Qt::Key_Tab);
+  };
+  choose("windowFunction", "RANK");
+  EXPECT_EQ(window->Text(), "RANK() OVER (ORDER BY Orders.Total)");
+  choose("windowFunction", "SUM");
+  EXPECT_TRUE(arguments->isEnabled());
+  arguments->setFocus();
+  QTest::keyClicks(arguments->lineEdit(), "Orders.Total");
+  type("windowPartitions", 0, "Orders.CustomerID");
+  type("windowPartitions", 1, "City");
+  type("windowOrders", 1, "OrderID");
+  auto* orders = page->findChild<QWidget*>("windowOrders");
+  orders->findChildren<QToolButton*>()[0]->click();
+  choose("windowUnit", "By rows (ROWS)");
+  EXPECT_EQ(window->Text(),
+            "SUM(Orders.Total) OVER (PARTITION BY Orders.CustomerID, City ORDER BY OrderID "
+            "ROWS BETWEEN UNBOUNDED PRECEDING AND CURRENT ROW)");
+  EXPECT_TRUE(window->findChild<QLabel*>("message")->text().isEmpty());
+  EXPECT_FALSE(Tool(*window, "Insert Keyword/Function/Operator")->isEnabled());
+  KeepPicture(Paint(*window), "window-page");
+
+  // Typed, it is read back; the one that the caret stands in is shown.
+  window->Editor().moveCursor(QTextCursor::End);
+  QTest::keyClicks(&window->Editor(), " + LAG(City, 2) OVER (ORDER BY City DESC GROUPS 1 PRECEDING)");
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);  // rows that were removed
+  EXPECT_EQ(page->Call().function, "LAG");
+  EXPECT_EQ(arguments->currentText(), "City, 2");
+  EXPECT_EQ(orders->findChildren<QComboBox*>("direction")[0]->currentText(), "Descending");
+  window->Editor().moveCursor(QTextCursor::Start);
+  EXPECT_EQ(page->Call().function, "SUM");
+  window->Editor().SetText("Total + 1");
+  EXPECT_FALSE(arguments->isEnabled());
+  EXPECT_EQ(window->Text(), "Total + 1");
+}
+
+// A window opens on the page when the expression has such a function; in a dialect without OVER, and in a criterion,
+// there is none.
+TEST_F(ExpressionWindowTest, OffersFunctionsOverRowsWhereTheyCanStand) {
+  const auto window = Open(true, "1 + AVG(Total) OVER (ORDER BY Total)");
+  EXPECT_EQ(window->findChild<QTabWidget*>()->currentIndex(), 1);
+  EXPECT_EQ(window->Text(), "1 + AVG(Total) OVER (ORDER BY Total)");
+  const Ref<qbSQLPane> sql = qbSQLPane::Create();
+  hub->SetSQLPane(sql);
+  sql->SetSQLSyntax(SQLSyntaxAccess);
+  const auto without = Open(true, "AVG(Total) OVER ()");
+  EXPECT_FALSE(without->findChild<QTabWidget*>()->isTabEnabled(1));
+  EXPECT_EQ(without->findChild<QTabWidget*>()->currentIndex(), 0);
+  sql->SetSQLSyntax(SQLSyntaxMSSQL);
+  const auto some = Open(true, "RANK() OVER (ORDER BY Total)");
+  const auto* units = some->findChild<QComboBox*>("windowUnit");
+  EXPECT_FALSE(units->model()->flags(units->model()->index(3, 0)).testFlag(Qt::ItemIsEnabled));
+  EXPECT_TRUE(units->model()->flags(units->model()->index(2, 0)).testFlag(Qt::ItemIsEnabled));
+  const Ref<frmExpressionZoom> criterion = frmExpressionBuilder::Create(hub, EditedText::Criterion);
+  EXPECT_EQ(ExpressionWindow({criterion->Caption(), "> 1", criterion}).findChild<WindowPage*>(), nullptr);
 }
 
 // A piece that is dragged from the tree goes where it is dropped, as the button inserts it; elsewhere it is plain text.

@@ -1,6 +1,7 @@
 #include "zrqrybld/expression/expression_builder.h"
 
 #include <algorithm>
+#include <span>
 #include <utility>
 
 #include "zrqrybld/base/error.h"
@@ -10,6 +11,7 @@
 #include "zrqrybld/host/context_link.h"
 #include "zrqrybld/host/design_queries.h"
 #include "zrqrybld/host/source_context.h"
+#include "zrqrybld/sql/missing_words.h"
 #include "zrqrybld/sql/query_snapshot.h"
 #include "zrqrybld/sql/source_rules.h"
 
@@ -20,8 +22,9 @@ Ref<frmExpressionBuilder> frmExpressionBuilder::Create(const Ref<QueryContext>& 
 }
 
 frmExpressionBuilder::frmExpressionBuilder(const Ref<QueryContext>& context, EditedText kind)
-    : frmExpressionZoom(context, kind) {
+    : frmExpressionZoom(context, kind), kind_(kind) {
   AddTables();
+  tables_ = groups_.size();
   AddWords();
 }
 
@@ -48,6 +51,7 @@ void frmExpressionBuilder::AddTables() {
 
 void frmExpressionBuilder::AddWords() {
   Vocabulary words = ReadVocabulary(*Context());
+  AddWindowFunctions(words);
   AddMarkers(words, QueryMarkers(Context()->design.Snapshot()), Context()->source.Say(text::InUse));
   const auto add = [this](TextId name, const std::vector<VocabularyWord>& entries, const auto& fits) {
     Group group{Context()->source.Say(name), {}};
@@ -68,11 +72,80 @@ void frmExpressionBuilder::AddWords() {
   add(text::GroupParameters, words.parameters, any);
 }
 
+// Of an aggregate the form with one operand, without DISTINCT, which servers refuse before OVER.
+void frmExpressionBuilder::AddWindowFunctions(const Vocabulary& words) {
+  const std::vector<WindowFunction> made = WindowFunctionsOf(Context()->design.CurrentDialect());
+  if (made.empty()) return;
+  for (const VocabularyWord& word : words.functions) {
+    const bool takesOne = word.syntax.starts_with(word.name + "(@") && word.syntax.find(',') == std::string::npos;
+    if (word.aggregate && takesOne) aggregates_.push_back(word.name);
+  }
+  for (const std::string& name : aggregates_) windowFunctions_.push_back({name});
+  windowFunctions_.insert(windowFunctions_.end(), made.begin(), made.end());
+}
+
 bool frmExpressionBuilder::Finds(std::string_view wanted, const Group& group, const Part& part) {
   const std::string name = FoldCase(group.name) + " " + FoldCase(part.text);
   const std::string folded = FoldCase(wanted);
   return std::ranges::all_of(Split(folded, " "),
                              [&](std::string_view word) { return name.find(word) != std::string::npos; });
+}
+
+// --- Functions over rows ---
+
+std::string frmExpressionBuilder::WhyNoWindows() const {
+  return windowFunctions_.empty() ? Context()->source.Say(text::WindowUnknown) : std::string();
+}
+
+bool frmExpressionBuilder::MissesWindowWord(std::string_view word) const {
+  return Misses(Context()->design.CurrentDialect(), word);
+}
+
+std::string frmExpressionBuilder::ProblemOf(const WindowCall& call) const {
+  switch (FaultOf(call)) {
+    case WindowCallFault::None:
+      return {};
+    case WindowCallFault::GroupsWithoutOrder:
+      return Context()->source.Say(text::WindowGroupsWithoutOrder);
+    case WindowCallFault::DistanceWithoutOrder:
+      return Context()->source.Say(text::WindowDistanceWithoutOrder);
+    case WindowCallFault::EndsBeforeItBegins:
+      return Context()->source.Say(text::WindowEndsFirst);
+  }
+  return {};
+}
+
+WindowCall frmExpressionBuilder::NewWindowCall(std::size_t function, std::string_view text) const {
+  WindowCall call;
+  const std::string operand = Check(text) ? std::string() : OnOneLine(text);
+  if (function >= windowFunctions_.size()) return call;
+  const WindowFunction& chosen = windowFunctions_[function];
+  call.arguments = operand;
+  SetFunction(call, {}, chosen);
+  if (!chosen.takesOperand && !operand.empty()) call.orders.push_back({operand});
+  return call;
+}
+
+WindowCall frmExpressionBuilder::WithFunction(WindowCall call, std::size_t function) const {
+  if (function >= windowFunctions_.size()) return call;
+  const std::size_t before = WindowFunctionAt(call.function);
+  SetFunction(call, before < windowFunctions_.size() ? windowFunctions_[before] : WindowFunction(),
+              windowFunctions_[function]);
+  return call;
+}
+
+std::size_t frmExpressionBuilder::WindowFunctionAt(std::string_view name) const {
+  const auto found = std::ranges::find_if(
+      windowFunctions_, [name](const WindowFunction& function) { return EqualsNoCase(function.name, name); });
+  return static_cast<std::size_t>(found - windowFunctions_.begin());
+}
+
+std::vector<std::string> frmExpressionBuilder::Columns() const {
+  std::vector<std::string> columns;
+  for (const Group& group : std::span(groups_).first(tables_)) {
+    for (const Part& part : group.parts) columns.push_back(part.insert);
+  }
+  return columns;
 }
 
 // --- The chosen piece ---

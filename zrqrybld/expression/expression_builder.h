@@ -11,7 +11,9 @@
 
 #include "zrqrybld/base/export.h"
 #include "zrqrybld/expression/expression_zoom.h"
+#include "zrqrybld/expression/vocabulary.h"
 #include "zrqrybld/host/language_ids.h"
+#include "zrqrybld/sql/window_call.h"
 
 namespace zrqrybld {
 
@@ -65,13 +67,40 @@ class ZRQRYBLD_API frmExpressionBuilder final : public frmExpressionZoom {
   /// without a value are its fields. Nothing is replaced while no piece is chosen.
   TextReplacement Insertion(std::string_view text, std::size_t from, std::size_t to) const;
 
+  // Functions over the rows around each row.
+
+  /// Whether such a function may stand in the text that is built: in a column of the query, but not in a condition.
+  bool OffersWindows() const { return kind_ == EditedText::Expression; }
+  /// The functions: the aggregates, then those that are made for it. None where the dialect's servers have no OVER.
+  const std::vector<WindowFunction>& WindowFunctions() const { return windowFunctions_; }
+  /// Why there are none, as a sentence; "" when there are some.
+  std::string WhyNoWindows() const;
+  /// Whether the dialect's servers do not know a word of it, in capital letters: GROUPS, NULLS.
+  bool MissesWindowWord(std::string_view word) const;
+  /// What keeps servers from taking a call, as a sentence; "" for nothing.
+  std::string ProblemOf(const WindowCall& call) const;
+  /// A call of one of the functions, by its place there, that is made of a text: its operand, or what its rows are
+  /// ordered by; a text that cannot be read is left out.
+  WindowCall NewWindowCall(std::size_t function, std::string_view text) const;
+  /// The call with another of the functions. Of an index that does not exist, the call as it is.
+  WindowCall WithFunction(WindowCall call, std::size_t function) const;
+  /// The place of a function's name among them, in any letter case; their number when it is none of them.
+  std::size_t WindowFunctionAt(std::string_view name) const;
+  /// The columns of the query's tables, as they stand in an expression.
+  std::vector<std::string> Columns() const;
+
  private:
   frmExpressionBuilder(const Ref<QueryContext>& context, EditedText kind);
   void AddTables();
   void AddWords();
+  void AddWindowFunctions(const Vocabulary& words);
   void AddGroup(Group group);
 
+  EditedText kind_;
   std::vector<Group> groups_;
+  std::size_t tables_ = 0;  // the first so many groups are tables
+  std::vector<std::string> aggregates_;
+  std::vector<WindowFunction> windowFunctions_;  // their names may stand in `aggregates_`
   const Part* chosen_ = nullptr;
   TextTemplate pattern_;  // the chosen piece as it is inserted
   std::vector<Parameter> parameters_;

@@ -67,7 +67,7 @@ constexpr Dialect Generic() {
 constexpr Dialect MsSql() {
   Dialect d = kBase;
   d.name = "MSSQL";
-  d.missingWords = " FILTER ";
+  d.missingWords = " FILTER NULLS GROUPS NTH_VALUE ";
   d.queries.namesColumns = true;
   d.parameterSigns = "@";
   d.concatenation = "+";
@@ -84,7 +84,7 @@ constexpr Dialect Oracle() {
   d.syntax = SQLSyntaxOracle;
   d.today = "Oracle12";
   d.name = "Oracle";
-  d.missingWords = " FILTER ";
+  d.missingWords = " FILTER GROUPS ";
   d.parameterSigns = ":";
   d.joins = Dialect::Joins::Conditions;
   d.joinWords = kNoWords;
@@ -112,7 +112,7 @@ constexpr Dialect Access() {
   Dialect d = kBase;
   d.syntax = SQLSyntaxAccess;
   d.name = "Access";
-  d.missingWords = " FILTER WITHIN OVER GROUPING ROLLUP CUBE ";
+  d.missingWords = " FILTER WITHIN OVER GROUPING ROLLUP CUBE NULLS GROUPS NTH_VALUE ";
   d.hasComments = false;
   d.concatenation = "&";
   d.fromParentheses = Dialect::FromParentheses::Nested;
@@ -176,7 +176,7 @@ constexpr Dialect MySql() {
   Dialect d = kBase;
   d.syntax = SQLSyntaxMySQL;
   d.name = "MySQL";
-  d.missingWords = " FILTER GROUPING ROLLUP CUBE ";
+  d.missingWords = " FILTER GROUPING ROLLUP CUBE NULLS GROUPS ";
   d.queries.mixesKinds = true;
   d.parameterSigns = "?";
   d.needsTables = false;
@@ -227,7 +227,7 @@ constexpr Dialect SqlServer() {
   Dialect d = kBase;
   d.syntax = SQLSyntaxSQLServer;
   d.name = "SQLServer";
-  d.missingWords = " FILTER ";
+  d.missingWords = " FILTER NULLS GROUPS NTH_VALUE ";
   d.queries.namesColumns = true;
   d.parameterSigns = "@";
   d.needsTables = false;
@@ -278,7 +278,7 @@ constexpr Dialect Oracle12() {
   Dialect d = Ansi();
   d.syntax = SQLSyntaxOracle12;
   d.name = "Oracle12";
-  d.missingWords = " FILTER ";
+  d.missingWords = " FILTER GROUPS ";
   d.parameterSigns = ":";
   d.needsTables = false;
   d.emptyTable = "DUAL";

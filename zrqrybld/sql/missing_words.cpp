@@ -29,6 +29,10 @@ constexpr Word kWords[] = {
 
 }  // namespace
 
+bool Misses(const Dialect& dialect, std::string_view word) {
+  return dialect.missingWords.find(" " + std::string(word) + " ") != std::string_view::npos;
+}
+
 std::vector<std::string_view> MissingWordsIn(std::string_view text, const Dialect& dialect) {
   std::vector<std::string_view> found;
   if (dialect.missingWords.size() < 2 || text.find('(') == std::string_view::npos) return found;
@@ -40,8 +44,7 @@ std::vector<std::string_view> MissingWordsIn(std::string_view text, const Dialec
     for (const Word& word : kWords) {
       if (!EqualsNoCase(last, word.word) || !EqualsNoCase(now, word.next) || (word.behindCall && before != ")"))
         continue;
-      const bool isMissing = dialect.missingWords.find(" " + std::string(word.word) + " ") != std::string_view::npos;
-      if (isMissing && std::ranges::find(found, word.said) == found.end()) found.push_back(word.said);
+      if (Misses(dialect, word.word) && std::ranges::find(found, word.said) == found.end()) found.push_back(word.said);
     }
     before = std::exchange(last, now);
   }

@@ -9,6 +9,9 @@ namespace zrqrybld {
 
 struct Dialect;
 
+/// Whether the dialect's servers do not know the word, in capital letters.
+bool Misses(const Dialect& dialect, std::string_view word);
+
 /// Which of these the text says although the dialect does not know it, each once, in their order there.
 std::vector<std::string_view> MissingWordsIn(std::string_view text, const Dialect& dialect);
 

@@ -10,6 +10,7 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QSplitter>
+#include <QTabWidget>
 #include <QTableWidget>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -21,6 +22,8 @@
 #include "zrqrybld/adapters/qt/qt_text_area.h"
 #include "zrqrybld/adapters/qt/say.h"
 #include "zrqrybld/adapters/qt/telling_order.h"
+#include "zrqrybld/adapters/qt/window_page.h"
+#include "zrqrybld/base/texts_expression.h"
 #include "zrqrybld/base/texts_qt.h"
 #include "zrqrybld/sql/highlighting.h"
 #include "zrqrybld/sql/syntax_error.h"
@@ -66,7 +69,7 @@ ExpressionWindow::ExpressionWindow(const ExpressionDialog& dialog, QWidget* pare
   if (builder_) {
     auto* splitter = new QSplitter(Qt::Vertical);
     splitter->addWidget(MakeEditor(dialog));
-    splitter->addWidget(MakeParts());
+    splitter->addWidget(MakePages());
     TellInOrder(*splitter);
     splitter->setStretchFactor(0, 2);
     splitter->setStretchFactor(1, 3);
@@ -120,17 +123,17 @@ QWidget* ExpressionWindow::MakeEditor(const ExpressionDialog& dialog) {
 
 QWidget* ExpressionWindow::MakeTools() {
   auto* panel = new QWidget;
-  auto* insert = new QToolButton;
-  insert->setText(Say(texts_, text::InsertButton));
-  insert->setIcon(style()->standardIcon(QStyle::SP_ArrowUp));
-  insert->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-  insert->setToolTip(PlainTip(ToQString(builder_->InsertToolTip())));
+  insert_ = new QToolButton;
+  insert_->setText(Say(texts_, text::InsertButton));
+  insert_->setIcon(style()->standardIcon(QStyle::SP_ArrowUp));
+  insert_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+  insert_->setToolTip(PlainTip(ToQString(builder_->InsertToolTip())));
   auto* clear = new QToolButton;
   clear->setText(Say(texts_, text::ClearButton));
   clear->setIcon(style()->standardIcon(QStyle::SP_LineEditClearButton));
   clear->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
   clear->setToolTip(PlainTip(ToQString(builder_->ClearToolTip())));
-  connect(insert, &QToolButton::clicked, this, &ExpressionWindow::Insert);
+  connect(insert_, &QToolButton::clicked, this, &ExpressionWindow::Insert);
   connect(clear, &QToolButton::clicked, this, [this] {
     QTextCursor all(editor_->document());  // one step that can be undone
     all.select(QTextCursor::Document);
@@ -139,7 +142,7 @@ QWidget* ExpressionWindow::MakeTools() {
   });
   auto* layout = new QHBoxLayout(panel);
   layout->setContentsMargins({});
-  layout->addWidget(insert);
+  layout->addWidget(insert_);
   layout->addWidget(clear);
   return panel;
 }
@@ -207,6 +210,69 @@ bool ExpressionWindow::eventFilter(QObject* watched, QEvent* event) {
     }
   }
   return QDialog::eventFilter(watched, event);
+}
+
+// --- The pages ---
+
+QWidget* ExpressionWindow::MakePages() {
+  QWidget* parts = MakeParts();
+  if (!builder_->OffersWindows()) return parts;
+  pages_ = new QTabWidget;
+  const int margin = style()->pixelMetric(QStyle::PM_LayoutLeftMargin);
+  parts->setContentsMargins(margin, margin, margin, margin);
+  pages_->addTab(parts, Say(texts_, text::PiecesPage));
+  window_ = new WindowPage(builder_, texts_);
+  const int page = pages_->addTab(window_, Say(texts_, text::WindowPage));
+  const std::string problem = builder_->WhyNoWindows();
+  pages_->setTabEnabled(page, problem.empty());
+  if (!problem.empty()) pages_->setTabToolTip(page, PlainTip(ToQString(problem)));
+  TellInOrder(*pages_);
+  connect(pages_, &QTabWidget::currentChanged, this,
+          [this] { insert_->setEnabled(pages_->currentWidget() != window_); });  // the other page writes by itself
+  connect(window_, &WindowPage::Wanted, this, &ExpressionWindow::StartWindowCall);
+  connect(window_, &WindowPage::Changed, this, [this] {
+    if (windowCall_) WriteWindowCall(*windowCall_, window_->Call());
+  });
+  connect(editor_, &QPlainTextEdit::cursorPositionChanged, this, &ExpressionWindow::FollowCaret);
+  connect(editor_, &QPlainTextEdit::textChanged, this, &ExpressionWindow::FollowCaret);
+  // An expression that has such a function is opened on it.
+  const std::optional<WindowCallPlace> first = problem.empty() ? FirstWindowCall(editor_->Text()) : std::nullopt;
+  if (first) {
+    pages_->setCurrentWidget(window_);
+    predictive_->Write({first->offset + first->length, first->offset + first->length, {}});
+  }
+  FollowCaret();
+  return pages_;
+}
+
+// The page shows the function that the caret stands in.
+void ExpressionWindow::FollowCaret() {
+  if (writing_) return;
+  const std::optional<WindowCallPlace> found = FindWindowCall(editor_->Text(), predictive_->Selection().start);
+  windowCall_ = found ? std::optional(TextRange{found->offset, found->length}) : std::nullopt;
+  window_->Show(found ? std::optional(found->call) : std::nullopt);
+}
+
+// Of what is selected, otherwise of the whole expression; of neither when it cannot be read, so that nothing is lost.
+void ExpressionWindow::StartWindowCall() {
+  const std::string text = editor_->Text();
+  TextRange place = predictive_->Selection();
+  if (place.length == 0) {
+    if (!builder_->Check(text)) place = {0, text.size()};
+  } else if (builder_->Check(text.substr(place.start, place.length))) {
+    place = {place.start + place.length, 0};
+  }
+  const WindowCall call = builder_->NewWindowCall(window_->Function(), text.substr(place.start, place.length));
+  window_->Show(call);
+  WriteWindowCall(place, call);
+}
+
+void ExpressionWindow::WriteWindowCall(TextRange place, const WindowCall& call) {
+  writing_ = true;
+  const std::string written = zrqrybld::WriteWindowCall(call);
+  predictive_->Write({place.start, place.start + place.length, {written, {}}});
+  windowCall_ = TextRange{place.start, written.size()};
+  writing_ = false;
 }
 
 // --- The pieces ---

@@ -1,5 +1,5 @@
 // ExpressionWindow: a larger editor for one expression and, when it is to be put together, a tree of pieces with their
-// parameters.
+// parameters, and a page for functions over rows.
 #pragma once
 
 #include <QDialog>
@@ -14,11 +14,14 @@
 class QLabel;
 class QLineEdit;
 class QTableWidget;
+class QTabWidget;
+class QToolButton;
 
 namespace zrqrybld {
 
 class PredictiveText;
 class QtTextArea;
+class WindowPage;
 
 /// The pieces; one that is dragged out is a text.
 class PartsTree : public QTreeWidget {
@@ -53,12 +56,16 @@ class ExpressionWindow : public QDialog {
   QWidget* MakeTools();
   QWidget* MakeParts();
   QWidget* MakeParameters();
+  QWidget* MakePages();
   void FillTree();
   void Search(const QString& wanted);
   void ShowChosen();
   void Insert();
   bool DropPiece(const QDropEvent& drop);
   void Check();
+  void FollowCaret();
+  void StartWindowCall();
+  void WriteWindowCall(TextRange place, const WindowCall& call);
   void ApplyColors();
 
   const TextSource& texts_;
@@ -73,6 +80,11 @@ class ExpressionWindow : public QDialog {
   PartsTree* parts_ = nullptr;
   QLabel* hint_ = nullptr;
   QTableWidget* parameters_ = nullptr;
+  QToolButton* insert_ = nullptr;
+  QTabWidget* pages_ = nullptr;
+  WindowPage* window_ = nullptr;         // nothing where there can be no function over rows
+  std::optional<TextRange> windowCall_;  // the one that the page shows, in the editor's text
+  bool writing_ = false;                 // what the page says is being written
   std::vector<EventConnection> links_;
 };
 
