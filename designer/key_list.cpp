@@ -55,6 +55,7 @@ std::vector<KeyRow> KeyRows() {
       {kSame, {OpenInnerQuery}, {}, text::DoesOpenQuery},
       {kSame, {LeaveQuery}, {}, text::DoesLeaveQuery},
       {kSame, {JoinFromHere}, {}, text::DoesJoin},
+      {kSame, {GoToQueryAtCaret}, {}, text::DoesOpenDiagramQuery},
       {kSame, {}, ReplaceAll(TextOf(RowOf(AddTables).other), "Ins", "Insert"), text::DoesAddTables},
       {kSame, {RenameTable}, {}, text::DoesAlias},
       {kSame, {DeleteSelected}, {}, text::DoesRemove},

@@ -15,9 +15,11 @@
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/relationship.h"
 #include "zrqrybld/grid/grid_columns.h"
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/hub/hub.h"
+#include "zrqrybld/hub/queries.h"
 #include "zrqrybld/hub/query_set.h"
 #include "zrqrybld/hub/query_titles.h"
 #include "zrqrybld/sql/sql_pane.h"
@@ -222,6 +224,41 @@ TEST_F(QueryWindow, AQueryInACriterionIsOpenedChangedAndLeft) {
   QTest::mouseClick(view.viewport(), Qt::LeftButton, {},
                     QPoint(int(cell.Right().Value()) - 10, int(cell.CenterY().Value())));
   EXPECT_EQ(Shown(), "Subquery of CustomerID");
+}
+
+// A query in ON and one in WHERE, by keys: from the join, from its menu, and from the place in the text.
+TEST_F(QueryWindow, AQueryInAJoinIsOpenedFromTheDiagramAndFromTheText) {
+  window.BeginSession();
+  OpenSampleWith({"Customers"});
+  Hub().SQLPane()->ParseSQLStatement(
+      "SELECT Customers.CompanyName FROM Customers LEFT JOIN \"Order\" ON \"Order\".CustomerID = Customers.CustomerID "
+      "AND \"Order\".Freight > (SELECT AVG(o.Freight) FROM \"Order\" o WHERE o.CustomerID = Customers.CustomerID) "
+      "WHERE ((Customers.CustomerID IN (SELECT z.CustomerID FROM \"Order\" z)))");
+  const std::string before = Flat();
+  const auto isJoin = [&] {
+    return std::dynamic_pointer_cast<qbRelationship>(Hub().DiagramPane()->SelectedObject()) != nullptr;
+  };
+  QWidget* diagram = &Designer().DiagramView();
+  diagram->setFocus();
+  for (int i = 0; i < 9 && !isJoin(); ++i) QTest::keyClick(diagram, Qt::Key_Tab);
+  ASSERT_TRUE(isJoin());
+  QTest::keyClick(diagram, Qt::Key_F12);
+  EXPECT_EQ(Shown(), "Subquery of Customers – Order");
+  EXPECT_EQ(SetOff(), "SELECT AVG(o.Freight) FROM \"Order\" o WHERE o.CustomerID = Customers.CustomerID");
+  KeepPictures("in-join");
+  QTest::keyClick(diagram, Qt::Key_Escape);
+  QTest::keyClick(diagram, Qt::Key_Left, Qt::AltModifier);
+  EXPECT_EQ(Shown(), "Main Query");
+  EXPECT_TRUE(isJoin()) << "back where one came from";
+  EXPECT_EQ(Flat(), before);
+  QtTextArea& text = Designer().SqlView();
+  for (const char* place : {"AVG", "z.Cust"}) {
+    text.setTextCursor(text.document()->find(place));
+    QTest::keyClick(&text, Qt::Key_F12);
+    EXPECT_EQ(SetOff().substr(0, 13), std::string(place) == "AVG" ? "SELECT AVG(o." : "SELECT z.Cust");
+    Hub().Queries()->Item(1)->Open();
+  }
+  EXPECT_EQ(Flat(), before);
 }
 
 TEST_F(QueryWindow, AFileThatIsDroppedOnTheDiagramBecomesAQueryInFrom) {

@@ -3,11 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <map>
 
 #include "tests/flow/random_designs.h"
 #include "tests/link_panes.h"
 #include "zrqrybld/base/error.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/hub/queries.h"
 #include "zrqrybld/hub/query_builder.h"
@@ -212,22 +215,33 @@ std::string Refusal(qbSQLPane& pane, const std::string& sql) {
   return {};
 }
 
-// Shows the queries in the cells of the grid one after the other, as people do who look at them. How many there are.
+// Shows the queries of one place, which `open` opens by their numbers, one after the other. How many there are.
+unsigned LookInto(qbQuery& main, const std::function<void(std::int32_t number)>& open) {
+  for (std::int32_t number = 1;; ++number) {
+    try {
+      open(number);
+    } catch (const Error& error) {
+      if (error.Number() == ErrorNoSuchItem) return static_cast<unsigned>(number) - 1;
+      throw;
+    }
+    main.Open();
+  }
+}
+
+// The queries in the cells of the grid and in the conditions of joins, as people look at them.
 unsigned LookIntoCells(qbQueryBuilder& hub) {
   unsigned seen = 0;
   const Ref<qbQuery> main = hub.Queries()->Item(1);
   for (std::int32_t row = 1; row <= hub.GridPane()->RowCount(); ++row) {
     for (std::int32_t column = 1; column <= hub.GridPane()->ColumnCount(); ++column) {
-      for (std::int32_t number = 1;; ++number) {
-        try {
-          hub.Queries()->OpenInCell(row, column, number);
-        } catch (const Error& error) {
-          if (error.Number() == ErrorNoSuchItem) break;
-          throw;
-        }
-        ++seen;
-        main->Open();
-      }
+      seen += LookInto(*main, [&](std::int32_t number) { hub.Queries()->OpenInCell(row, column, number); });
+    }
+  }
+  const auto tables = hub.Entities()->Count();
+  for (std::int32_t table = 1; table <= tables; ++table) {
+    const auto joins = [&] { return hub.Entities()->Item(table)->Relationships(); };
+    for (std::int32_t join = 1; join <= joins()->Count(); ++join) {
+      seen += LookInto(*main, [&](std::int32_t number) { hub.Queries()->OpenInJoin(joins()->Item(join), number); });
     }
   }
   return seen;

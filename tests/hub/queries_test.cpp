@@ -11,6 +11,8 @@
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/relationship.h"
+#include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/expression/schema_cache.h"
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/hub/hub.h"
@@ -442,6 +444,104 @@ TEST_F(CellQueries, FollowARenamedQueryAndALostCell) {
   hub->Queries()->Item(1)->Open();
   EXPECT_EQ(Cell(2, "criteria"), "IN (SELECT c FROM r)");
   EXPECT_EQ(Cell(2, "or1"), "IN (SELECT r.c FROM r)");
+}
+
+// A query in ON is shown from its join, and what is changed there is written into the condition.
+TEST_F(CellQueries, StandInConditionsOfJoins) {
+  Parse(
+      "SELECT Name FROM Customers LEFT JOIN Orders ON Customers.CustomerID = Orders.CustomerID AND "
+      "Orders.Total > (SELECT AVG(o.Total) FROM Orders o WHERE o.CustomerID = Customers.CustomerID)");
+  const std::string before = sql->SQLStatement();
+  const std::string file = hub->SaveQueryToText();
+  const auto join = [&] {
+    for (const Ref<qbEntity>& table : *diagram->Entities()) {
+      if (table->Relationships()->Count() > 0) return table->Relationships()->Item(1);
+    }
+    return Ref<qbRelationship>();
+  };
+  const std::string condition = join()->Condition();
+  EXPECT_EQ(test::ErrorOf([&] { hub->Queries()->OpenInJoin(nullptr); }), ErrorNoSuchItem);
+  EXPECT_EQ(test::ErrorOf([&] { hub->Queries()->OpenInJoin(join(), 2); }), ErrorNoSuchItem);
+  const Ref<qbQuery> query = hub->Queries()->OpenInJoin(join());
+  EXPECT_EQ(Captions(), "o");
+  EXPECT_EQ(query->Kind(), QueryInCell);
+  EXPECT_EQ(OuterTablesNamed(hub->Snapshot()), std::vector<std::string>{"Customers"});
+  EXPECT_EQ(hub->SaveQueryToText(), file);
+  EXPECT_EQ(sql->SQLStatement(), before) << "showing changes nothing";
+  const std::string undoes = hub->UndoText();
+  Set(2, "criteria", "= Customers.CustomerID AND o.OrderID > 7");
+  const std::string after = sql->SQLStatement();
+  EXPECT_NE(OnLine(after).find("o.OrderID > 7"), std::string::npos) << after;
+  EXPECT_NE(hub->SaveQueryToText().find("OrderID > 7"), std::string::npos);
+  hub->Queries()->Item(1)->Open();
+  EXPECT_NE(join()->Condition().find("o.OrderID > 7"), std::string::npos) << join()->Condition();
+  EXPECT_EQ(sql->SQLStatement(), after);
+  while (hub->UndoText() != undoes && hub->Undo()) {
+  }
+  hub->Queries()->Item(1)->Open();
+  EXPECT_EQ(join()->Condition(), condition);
+  EXPECT_EQ(sql->SQLStatement(), before);
+  hub->Redo();
+  EXPECT_EQ(sql->SQLStatement(), after);
+  // The join goes while its query is shown.
+  hub->Queries()->Item(1)->Open();
+  hub->Queries()->OpenInJoin(join());
+  hub->Queries()->Item(1)->Open();
+  join()->SetCondition("");
+  EXPECT_EQ(test::ErrorOf([&] { hub->Queries()->OpenInJoin(join()); }), ErrorNoSuchItem);
+}
+
+// A text whose caret a test puts somewhere.
+struct AreaWithCaret : TextArea {
+  std::string Text() const override { return text; }
+  void SetText(std::string_view shown) override { text = shown; }
+  std::size_t Caret() const override { return caret; }
+  void SetReadOnly(bool) override {}
+  void SetRemarks(const std::vector<std::string>&) override {}
+  void SetFault(std::size_t, std::size_t) override {}
+  void SetCommands(std::vector<TextCommand>) override {}
+  std::string text;
+  std::size_t caret = 0;
+};
+
+// From a place in the statement to the query that stands there, through all that it stands in.
+TEST_F(CellQueries, AreFoundAtAPlaceOfTheStatement) {
+  const struct {
+    std::string statement, at, captions;
+    int depth;
+  } kCases[] = {
+      {"SELECT Name FROM Customers WHERE CustomerID IN (SELECT CustomerID FROM Orders)", "FROM Orders", "Orders", 1},
+      {"SELECT Name FROM Customers WHERE CustomerID IN (SELECT CustomerID FROM Orders)", "Name", "", 0},
+      {"SELECT Name, (SELECT MAX(Total) FROM Orders o WHERE o.CustomerID = Customers.CustomerID) m FROM Customers",
+       "MAX", "o", 1},
+      {"SELECT Name FROM Customers WHERE CustomerID IN (SELECT o.CustomerID FROM Orders o WHERE o.Total > "
+       "(SELECT AVG(p.Total) FROM Orders p))",
+       "p.Total", "p", 2},
+      {"SELECT c.Name FROM Customers c JOIN Orders o ON c.CustomerID = o.CustomerID AND o.Total > (SELECT "
+       "AVG(q.Total) FROM Orders q)",
+       "q.Total", "q", 1},
+      {"SELECT d.Name FROM (SELECT Name FROM Customers WHERE CustomerID IN (SELECT z.CustomerID FROM Orders z)) d",
+       "z.CustomerID", "z", 2},
+      {"SELECT Name FROM Customers WHERE CustomerID = 1 UNION SELECT OrderID FROM Orders WHERE CustomerID IN "
+       "(SELECT y.CustomerID FROM Customers y)",
+       "y.CustomerID", "y", 2},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.statement);
+    Parse(c.statement);
+    const std::string written = sql->SQLStatement();
+    AreaWithCaret area;
+    sql->AttachTextArea(&area);
+    area.caret = written.find(c.at);
+    EXPECT_EQ(sql->OpenQueryAtCaret(), c.depth > 0);
+    EXPECT_TRUE(c.depth == 0 || Captions() == c.captions) << Captions();
+    EXPECT_EQ(sql->SQLStatement(), written);
+    EXPECT_FALSE(sql->OpenQueryAtCaret()) << "it is shown already";
+    int depth = 0;
+    for (; hub->Queries()->Current()->Kind() != QueryMain; ++depth) hub->Queries()->Current()->Parent()->Open();
+    EXPECT_EQ(depth, c.depth);
+    sql->AttachTextArea(nullptr);
+  }
 }
 
 TEST_F(CellQueries, KnowTheNamesOfTheQueriesAround) {

@@ -138,6 +138,7 @@ constexpr Member kQueries[] = {
     Method<qbQueries, &qbQueries::AddSaved>("AddSaved", "Filename, [FileIsData]"),
     ReadWrite<qbQueries, &qbQueries::Current, &qbQueries::SetCurrent>("Current"),
     Method<qbQueries, &qbQueries::OpenInCell>("OpenInCell", "Row, Column, [Number]"),
+    Method<qbQueries, &qbQueries::OpenInJoin>("OpenInJoin", "Relationship, [Number]"),
     Method<qbQueries, &qbQueries::AddInCell>("AddInCell", "Row, Column"),
 };
 

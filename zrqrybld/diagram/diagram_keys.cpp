@@ -57,6 +57,7 @@ bool DiagramKeys::Down(const KeyEvent& event) {
   if (Asks(key, Command::MinimizeTable)) return ToggleMinimized();
   if (Asks(key, Command::NextStop)) return walk_.SelectNext(1);
   if (Asks(key, Command::PreviousStop)) return walk_.SelectNext(-1);
+  if (Asks(key, Command::GoToQueryAtCaret)) return OpenQuery();
   if (Asks(key, Command::ContextMenu)) return ShowMenu();
   if (keyCode == 0 && event.keyCode != 0) return false;  // a handler has taken it away
   if (Types(event)) return OnCharacters(keyCode, event);
@@ -195,6 +196,15 @@ bool DiagramKeys::StretchSelected(std::int32_t keyCode) {
 bool DiagramKeys::LeaveQuery() {
   const Ref<QueryContext> context = site_.Context();
   return context && context->reports.LeaveQuery();
+}
+
+// Of the join that is selected, or the one that the box stands for.
+bool DiagramKeys::OpenQuery() {
+  const Ref<QueryContext> context = site_.Context();
+  if (!context) return false;
+  if (const Ref<qbRelationship> join = selection_.Join()) return context->reports.OpenQueryInJoin(join);
+  const Ref<qbEntity> entity = selection_.Entity();
+  return entity && entity->EntityBox()->IsQuery() && context->reports.OpenQuery(entity->TagVariant().Text());
 }
 
 bool DiagramKeys::ToggleMinimized() {

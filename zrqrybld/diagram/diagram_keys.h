@@ -43,6 +43,7 @@ class DiagramKeys {
   bool NudgeSelected(std::int32_t keyCode);
   bool StretchSelected(std::int32_t keyCode);
   bool LeaveQuery();
+  bool OpenQuery();
   bool ToggleMinimized();
   bool Escape();
   bool Zoom(double factor);

@@ -268,6 +268,10 @@ Menu MenuForJoin(const Targets& targets, const Ref<qbRelationship>& join) {
       EntryFor(context, Command::DeleteSelected, [&edits] { edits.DeleteSelected(); }),
   };
   if (whole->Count() > 1) menu.insert(menu.end() - 1, PairsOf(targets, *whole));
+  Menu ofQueries = context ? context->design.MenuOfJoin(join) : Menu();
+  if (ofQueries.empty()) return menu;
+  ofQueries.push_back(MenuEntry::Separator());
+  menu.insert(menu.begin(), ofQueries.begin(), ofQueries.end());
   return menu;
 }
 

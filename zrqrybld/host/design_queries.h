@@ -18,6 +18,7 @@ class OuterQueries;
 class SchemaCache;
 class qbEntities;
 class qbQueryBuilder;
+class qbRelationship;
 struct CriteriaContext;
 struct Dialect;
 struct ExtraConditions;
@@ -64,6 +65,8 @@ class ZRQRYBLD_API DesignQueries {
   virtual Menu MenuOfQuery(const std::string& name) = 0;
   /// What can be done with the queries in a cell of the grid; empty where there are none and none can be.
   virtual Menu MenuOfCell(std::int32_t row, std::int32_t column) = 0;
+  /// The same for the condition of a join.
+  virtual Menu MenuOfJoin(const Ref<qbRelationship>& join) = 0;
   /// What the shown query may name of those around it; nothing for one that stands alone.
   virtual std::shared_ptr<const OuterQueries> Outer() const = 0;
   /// What makes new queries of the statement, and leaves the one shown.

@@ -1,6 +1,7 @@
 // DesignReports: what a pane tells the others, and asks of them, through the hub.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -54,8 +55,11 @@ class ZRQRYBLD_API DesignReports {
   virtual bool OpenQuery(const std::string& name) = 0;
   /// Shows the first query that stands in a cell of the grid. False when the cell holds none.
   virtual bool OpenQueryInCell(std::int32_t row, std::int32_t column) = 0;
-  /// Shows the query with the id. False when there is none.
-  virtual bool ShowQuery(std::int32_t id) = 0;
+  /// The same for the condition of a join.
+  virtual bool OpenQueryInJoin(const Ref<qbRelationship>& join) = 0;
+  /// Shows the query with the id or, where its text has a query of its own at the caret, in bytes, that one. False when
+  /// there is none, and when it is shown already.
+  virtual bool ShowQueryAt(std::int32_t id, const std::string& text, std::size_t caret) = 0;
   /// Shows the query that the shown one belongs to. False for the main query.
   virtual bool LeaveQuery() = 0;
   /// Does what a remark of the statement generated last offers.

@@ -404,6 +404,11 @@ class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
   bool ShowQuery(std::int32_t id);
   /// The same for a query in a cell of the grid, by row, column and number from 1: its id. See `qbQueries::OpenInCell`.
   std::int32_t ShowQueryInCell(std::int32_t row, std::int32_t column, std::int32_t number);
+  /// The same for a query in the condition of a join. See `qbQueries::OpenInJoin`.
+  std::int32_t ShowQueryInJoin(const Ref<qbRelationship>& join, std::int32_t number);
+  /// Shows the query with the id or, where its text has a query of its own at the caret, in bytes, that one. False when
+  /// there is none, and when it is shown already.
+  bool ShowQueryAt(std::int32_t id, const std::string& text, std::size_t caret);
   /// Shows an empty one: its id. See `qbQueries::AddInCell`.
   std::int32_t AddQueryInCell(std::int32_t row, std::int32_t column);
   /// What the shown query may name of those around it; nothing for one that stands alone.
@@ -472,6 +477,8 @@ class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
   void RequireIdle() const;
   void MakeIdle();
   void LoadCell(std::int32_t id, ReadQuery& read);
+  std::int32_t ShowInner(QueryCell cell, const std::string& text, std::int32_t number);
+  bool ShowInnerLike(const std::string& query);
   std::int32_t ShowLeft(const QueryCell& cell);
   std::int32_t Standing(std::int32_t id) const;
   void WriteIntoCell(std::int32_t id);

@@ -59,6 +59,7 @@ struct qbQueryBuilder::Parts {
     Menu MenuOfCell(std::int32_t row, std::int32_t column) override {
       return MenuOfQueriesInCell(*parts_.hub, row, column);
     }
+    Menu MenuOfJoin(const Ref<qbRelationship>& join) override { return MenuOfQueriesInJoin(*parts_.hub, join); }
     std::shared_ptr<const OuterQueries> Outer() const override { return parts_.hub->Outer(); }
     Menu MenuOfNewQueries() override { return zrqrybld::MenuOfNewQueries(*parts_.hub); }
     std::optional<ColumnUse> UseOfColumn(const std::string& entityCaption, const std::string& column) const override {
@@ -105,7 +106,12 @@ struct qbQueryBuilder::Parts {
     bool OpenQueryInCell(std::int32_t row, std::int32_t column) override {
       return zrqrybld::OpenQueryInCell(*parts_.hub, row, column);
     }
-    bool ShowQuery(std::int32_t id) override { return parts_.hub->ShowQuery(id); }
+    bool OpenQueryInJoin(const Ref<qbRelationship>& join) override {
+      return zrqrybld::OpenQueryInJoin(*parts_.hub, join);
+    }
+    bool ShowQueryAt(std::int32_t id, const std::string& text, std::size_t caret) override {
+      return parts_.hub->ShowQueryAt(id, text, caret);
+    }
     bool LeaveQuery() override { return zrqrybld::LeaveQuery(*parts_.hub); }
     void CureRemark(const SQLDiagnostic& remark) override { parts_.hub->CureRemark(remark); }
     void LoadStatement(const std::string& sql) override { parts_.hub->LoadStatement(sql); }

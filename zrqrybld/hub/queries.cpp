@@ -120,6 +120,10 @@ Ref<qbQuery> qbQueries::OpenInCell(std::int32_t row, const Variant& column, std:
   return Of(Hub()->ShowQueryInCell(row, ColumnOf(column), wanted));
 }
 
+Ref<qbQuery> qbQueries::OpenInJoin(const Ref<qbRelationship>& join, std::int32_t number) {
+  return Of(Hub()->ShowQueryInJoin(join, number == 0 ? 1 : number));
+}
+
 Ref<qbQuery> qbQueries::AddInCell(std::int32_t row, const Variant& column) {
   return Of(Hub()->AddQueryInCell(row, ColumnOf(column)));
 }

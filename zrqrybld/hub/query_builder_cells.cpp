@@ -1,5 +1,5 @@
-// Queries that stand in cells of the grid: how they are shown as designs, and how what is changed there is written
-// back.
+// Queries that stand in cells of the grid and in the conditions of joins: how they are shown as designs, and how what
+// is changed there is written back.
 //
 // The text of the cell says what such a query is. It is one of the queries only while it, or one that belongs to it, is
 // shown: what it says is then written into the cell at the end of each step. Whoever leaves it leaves the text; only
@@ -11,6 +11,10 @@
 #include "zrqrybld/base/scoped_value.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_queries.h"
+#include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/entity.h"
+#include "zrqrybld/diagram/relationship.h"
+#include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/grid/row_cells.h"
 #include "zrqrybld/host/step_context.h"
@@ -22,6 +26,7 @@
 #include "zrqrybld/sql/outer_queries.h"
 #include "zrqrybld/sql/query_outline.h"
 #include "zrqrybld/sql/query_text.h"
+#include "zrqrybld/sql/same_words.h"
 #include "zrqrybld/sql/statement_printer.h"
 #include "zrqrybld/sql/syntax_error.h"
 
@@ -34,8 +39,20 @@ const GridCell* CellOf(const SharedRowContent& row, std::size_t column) {
   return row && column >= 1 && column <= row->cells.size() ? &row->cells[column - 1] : nullptr;
 }
 
-std::string TextOfCell(const Design& design, const QueryCell& cell) {
-  const GridCell* found = cell.row < design.rows.size() ? CellOf(design.rows[cell.row], cell.column) : nullptr;
+const JoinState* JoinOf(const Design& design, const JoinPlace& place) {
+  if (place.table >= design.entities.size()) return nullptr;
+  const std::vector<JoinState>& joins = design.entities[place.table]->joins;
+  return place.join < joins.size() ? &joins[place.join] : nullptr;
+}
+
+// What the cell, or the condition, says; none when there is no such place.
+std::optional<std::string> TextAt(const Design& design, const QueryCell& cell) {
+  if (cell.join) {
+    const JoinState* join = JoinOf(design, *cell.join);
+    return join ? std::optional(join->facts.condition) : std::nullopt;
+  }
+  if (cell.row >= design.rows.size()) return std::nullopt;
+  const GridCell* found = CellOf(design.rows[cell.row], cell.column);
   return found ? found->value.Text() : std::string();
 }
 
@@ -49,10 +66,10 @@ std::optional<InnerQueryPlace> PlaceIn(const std::string& text, const QueryCell&
 }
 
 bool Stands(const Design& design, const QueryCell& cell) {
-  if (cell.row >= design.rows.size()) return false;
-  const std::string text = TextOfCell(design, cell);
-  if (cell.text.empty()) return InnerQueriesIn(text).size() == cell.number;
-  return PlaceIn(text, cell).has_value();
+  const std::optional<std::string> text = TextAt(design, cell);
+  if (!text) return false;
+  if (cell.text.empty()) return InnerQueriesIn(*text).size() == cell.number;
+  return PlaceIn(*text, cell).has_value();
 }
 
 // The cell's text with the query in it.
@@ -66,7 +83,14 @@ std::optional<std::string> WithQuery(const std::string& text, const QueryCell& c
   return text.substr(0, place->begin) + query + text.substr(place->end);
 }
 
-void SetCell(Design& design, const QueryCell& cell, const std::string& text) {
+void SetText(Design& design, const QueryCell& cell, const std::string& text) {
+  if (cell.join) {
+    std::shared_ptr<const EntityState>& table = design.entities[cell.join->table];
+    EntityState changed = *table;
+    changed.joins[cell.join->join].facts.condition = text;
+    table = std::make_shared<const EntityState>(std::move(changed));
+    return;
+  }
   SharedRowContent& row = design.rows[cell.row];
   RowContent content = row ? *row : RowContent();
   if (content.cells.size() < cell.column) content.cells.resize(cell.column);
@@ -75,8 +99,15 @@ void SetCell(Design& design, const QueryCell& cell, const std::string& text) {
   row = std::make_shared<const RowContent>(std::move(content));
 }
 
-// The rows of the snapshot are those of the design that name a column.
-void SetCell(QuerySnapshot& snapshot, const Design& design, const QueryCell& cell, const std::string& text) {
+// The joins of the snapshot are those of the design, one table's after another's; its rows are those that name a
+// column.
+void SetText(QuerySnapshot& snapshot, const Design& design, const QueryCell& cell, const std::string& text) {
+  if (cell.join) {
+    std::size_t at = cell.join->join;
+    for (std::size_t table = 0; table < cell.join->table; ++table) at += design.entities[table]->joins.size();
+    if (at < snapshot.joins.size()) snapshot.joins[at].condition = text;
+    return;
+  }
   const auto names = [](const SharedRowContent& row) {
     const GridCell* column = CellOf(row, kColumnColumn);
     return column && !column->value.IsBlank();
@@ -119,6 +150,30 @@ QueryCell CellNow(const qbQueryBuilder& hub, std::int32_t row, std::int32_t colu
   cell.row = static_cast<std::size_t>(row) - 1;
   cell.column = static_cast<std::size_t>(column);
   cell.about = AboutRow(reader);
+  return cell;
+}
+
+std::optional<JoinPlace> PlaceOf(const qbQueryBuilder& hub, const Ref<qbRelationship>& join) {
+  JoinPlace place;
+  const Ref<qbEntities> tables = hub.Entities();
+  if (!tables) return std::nullopt;
+  for (const Ref<qbEntity>& table : *tables) {
+    place.join = 0;
+    for (const Ref<qbRelationship>& one : *table->Relationships()) {
+      if (one == join) return place;
+      ++place.join;
+    }
+    ++place.table;
+  }
+  return std::nullopt;
+}
+
+// The place of the join, as it is now. Error 9 for one that is none of the diagram's.
+QueryCell CellOfJoin(const qbQueryBuilder& hub, const Ref<qbRelationship>& join) {
+  QueryCell cell;
+  cell.join = PlaceOf(hub, join);
+  if (!cell.join) ThrowNoSuchItem();
+  cell.about = join->Source()->Caption() + " – " + join->Target()->Caption();
   return cell;
 }
 
@@ -166,7 +221,20 @@ std::int32_t qbQueryBuilder::ShowQueryInCell(std::int32_t row, std::int32_t colu
   const Ref<Object> alive = shared_from_this();  // a listener may let go of it
   MakeIdle();
   std::string text;
-  QueryCell cell = CellNow(*this, row, column, text);
+  const QueryCell cell = CellNow(*this, row, column, text);
+  return ShowInner(cell, text, number);
+}
+
+std::int32_t qbQueryBuilder::ShowQueryInJoin(const Ref<qbRelationship>& join, std::int32_t number) {
+  RequireIdle();
+  const Ref<Object> alive = shared_from_this();
+  MakeIdle();
+  const QueryCell cell = CellOfJoin(*this, join);
+  return ShowInner(cell, join->Condition(), number);
+}
+
+// The query of that number in the text, which stands in the cell.
+std::int32_t qbQueryBuilder::ShowInner(QueryCell cell, const std::string& text, std::int32_t number) {
   const std::vector<InnerQueryPlace> places = InnerQueriesIn(text);
   if (number < 1 || static_cast<std::size_t>(number) > places.size()) ThrowNoSuchItem();
   cell.number = static_cast<std::size_t>(number) - 1;
@@ -182,6 +250,58 @@ std::int32_t qbQueryBuilder::ShowQueryInCell(std::int32_t row, std::int32_t colu
   const std::int32_t id = read.Main().facts.id;
   LoadCell(id, read.Main());
   return id;
+}
+
+// The first query of the shown one's cells and joins that says the same; false when none does.
+bool qbQueryBuilder::ShowInnerLike(const std::string& query) {
+  const std::vector<Token> words = WordsOf(query);
+  const auto numberIn = [&](const std::string& text) {
+    std::int32_t number = 0;
+    for (const InnerQueryPlace& place : InnerQueriesIn(text)) {
+      ++number;
+      const std::string inner = text.substr(place.begin, place.end - place.begin);
+      if (SameWords(query, words, inner, WordsOf(inner))) return number;
+    }
+    return 0;
+  };
+  const Ref<qbGridPane> grid = GridPane();
+  for (std::int32_t row = 1; grid && row <= grid->RowCount(); ++row) {
+    const RowReader reader(grid->Grid()->Rows()->At(static_cast<std::size_t>(row)));
+    for (std::int32_t column = 1; column <= grid->ColumnCount(); ++column) {
+      if (!HoldsQueries(column)) continue;
+      const std::int32_t number = numberIn(reader.Text(static_cast<std::size_t>(column)));
+      if (number == 0) continue;
+      ShowQueryInCell(row, column, number);
+      return true;
+    }
+  }
+  const Ref<qbEntities> tables = Entities();
+  if (!tables) return false;
+  for (const Ref<qbEntity>& table : *tables) {
+    for (const Ref<qbRelationship>& join : *table->Relationships()) {
+      const std::int32_t number = numberIn(join->Condition());
+      if (number == 0) continue;
+      ShowQueryInJoin(join, number);
+      return true;
+    }
+  }
+  return false;
+}
+
+bool qbQueryBuilder::ShowQueryAt(std::int32_t id, const std::string& text, std::size_t caret) {
+  const Ref<Object> alive = shared_from_this();
+  bool found = id != parts_->querySet.shown && ShowQuery(id);
+  std::string query = text;
+  while (true) {
+    const std::vector<InnerQueryPlace> places = InnerQueriesIn(query);
+    const auto place = std::ranges::find_if(
+        places, [&](const InnerQueryPlace& each) { return each.begin <= caret && caret <= each.end; });
+    if (place == places.end()) return found;
+    caret -= place->begin;
+    query = query.substr(place->begin, place->end - place->begin);
+    if (!ShowInnerLike(query)) return found;
+    found = true;
+  }
 }
 
 // The queries that were read stand among the others, still without a design.
@@ -253,13 +373,13 @@ void qbQueryBuilder::WriteIntoCell(std::int32_t id) {
   if (!outer || !outer->design || !Stands(*outer->design, query.cell)) return;
   std::string written = OnLine(id);
   if (written.empty() || written == query.cell.written) return;
-  const std::optional<std::string> text = WithQuery(TextOfCell(*outer->design, query.cell), query.cell, written);
+  const std::optional<std::string> text = WithQuery(*TextAt(*outer->design, query.cell), query.cell, written);
   if (!text) return;
   Design changed = *outer->design;
-  SetCell(changed, query.cell, *text);
+  SetText(changed, query.cell, *text);
   if (outer->snapshot) {
     QuerySnapshot snapshot = *outer->snapshot;
-    SetCell(snapshot, changed, query.cell, *text);
+    SetText(snapshot, changed, query.cell, *text);
     outer->snapshot = std::make_shared<const QuerySnapshot>(std::move(snapshot));
   }
   outer->design = std::make_shared<const Design>(std::move(changed));

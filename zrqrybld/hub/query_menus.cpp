@@ -8,6 +8,10 @@
 #include "zrqrybld/base/texts_queries.h"
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/entity.h"
+#include "zrqrybld/diagram/join_line.h"
+#include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/diagram/whole_join.h"
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/grid/row_cells.h"
 #include "zrqrybld/host/command_entry.h"
@@ -103,20 +107,50 @@ std::string TextOfCell(const qbQueryBuilder& hub, std::int32_t row, std::int32_t
              : std::string();
 }
 
-}  // namespace
-
-Menu MenuOfQueriesInCell(qbQueryBuilder& hub, std::int32_t row, std::int32_t column) {
+// An entry for each query of a text, which `open` opens by its number from 1.
+template <typename Open>
+Menu OpenEntries(qbQueryBuilder& hub, const std::string& text, const Open& open) {
   Menu menu;
-  const std::string cell = TextOfCell(hub, row, column);
-  const std::vector<InnerQueryPlace> places = InnerQueriesIn(cell);
+  const std::vector<InnerQueryPlace> places = InnerQueriesIn(text);
   for (std::size_t i = 0; i < places.size(); ++i) {
     const auto number = static_cast<std::int32_t>(i) + 1;
-    const std::string query = cell.substr(places[i].begin - 1, places[i].end - places[i].begin + 2);
-    const auto open = OnHub(hub, [=](qbQueryBuilder& now) { now.ShowQueryInCell(row, column, number); });
+    const std::string query = text.substr(places[i].begin - 1, places[i].end - places[i].begin + 2);
     const Phrase name =
         places.size() == 1 ? Phrase(text::MenuOpenQuery) : Phrase(text::OpenThisQuery, ShortWithQueries(query));
-    menu.push_back({hub.Say(name), i == 0 ? KeyTextOf(Command::GoToQueryAtCaret) : std::string(), open});
+    menu.push_back({hub.Say(name), i == 0 ? KeyTextOf(Command::GoToQueryAtCaret) : std::string(),
+                    OnHub(hub, [=](qbQueryBuilder& now) { open(now, number); })});
   }
+  return menu;
+}
+
+// The one of a join's relationships whose condition has queries; nothing when none has.
+Ref<qbRelationship> WithQueries(const Ref<qbRelationship>& join) {
+  for (const Ref<qbRelationship>& one : *WholeOf(*join)) {
+    if (!InnerQueriesIn(one->Condition()).empty()) return one;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+Menu MenuOfQueriesInJoin(qbQueryBuilder& hub, const Ref<qbRelationship>& join) {
+  const Ref<qbRelationship> one = WithQueries(join);
+  if (!one) return {};
+  const WeakRef<qbRelationship> known = one;
+  return OpenEntries(hub, one->Condition(), [known](qbQueryBuilder& now, std::int32_t number) {
+    if (const Ref<qbRelationship> still = known.lock()) now.ShowQueryInJoin(still, number);
+  });
+}
+
+bool OpenQueryInJoin(qbQueryBuilder& hub, const Ref<qbRelationship>& join) {
+  const Ref<qbRelationship> one = WithQueries(join);
+  if (one) hub.ShowQueryInJoin(one, 1);
+  return one != nullptr;
+}
+
+Menu MenuOfQueriesInCell(qbQueryBuilder& hub, std::int32_t row, std::int32_t column) {
+  Menu menu = OpenEntries(hub, TextOfCell(hub, row, column),
+                          [=](qbQueryBuilder& now, std::int32_t number) { now.ShowQueryInCell(row, column, number); });
   const bool isCriterion = column >= kColumnCriteria && !TextOfCell(hub, row, kColumnColumn).empty();
   if (menu.empty() && isCriterion) {
     menu.push_back({hub.Say(text::NewSubqueryItem), "",
@@ -137,15 +171,33 @@ bool OpenQueryNamed(qbQueryBuilder& hub, const std::string& name) {
   return named && hub.ShowQuery(named->id);
 }
 
+namespace {
+
+// Nothing where a listener has taken the join away.
+void SelectJoin(const qbQueryBuilder& hub, const JoinPlace& place) {
+  const Ref<qbEntities> tables = hub.Entities();
+  const Ref<qbEntity> table = tables ? tables->Item(static_cast<std::int32_t>(place.table) + 1) : nullptr;
+  const auto number = static_cast<std::int32_t>(place.join) + 1;
+  if (!table || number > table->Relationships()->Count()) return;
+  hub.DiagramPane()->SelectObject(table->Relationships()->Item(number));
+}
+
+}  // namespace
+
 bool LeaveQuery(qbQueryBuilder& hub) {
   const StoredQuery shown = hub.QueriesNow().Shown();
   const Ref<qbQueryBuilder> alive = hub.Hub();  // a listener may let go of it
   if (shown.kind == QueryMain || !hub.ShowQuery(shown.parent)) return false;
+  if (shown.kind != QueryInCell) return true;
+  if (shown.cell.join) {
+    SelectJoin(hub, *shown.cell.join);
+    return true;
+  }
   const Ref<qbGridPane> grid = hub.GridPane();
   const auto row = static_cast<std::int32_t>(shown.cell.row) + 1;
   const auto column = static_cast<std::int32_t>(shown.cell.column);
   const bool isThere = grid && column >= 1 && column <= grid->ColumnCount() && row <= grid->RowCount();
-  if (shown.kind == QueryInCell && isThere) grid->Grid()->GotoRowCol(row, column);
+  if (isThere) grid->Grid()->GotoRowCol(row, column);
   return true;
 }
 

@@ -6,12 +6,14 @@
 #include <string>
 
 #include "zrqrybld/base/export.h"
+#include "zrqrybld/base/object.h"
 #include "zrqrybld/platform/menu.h"
 #include "zrqrybld/sql/query_kind.h"
 
 namespace zrqrybld {
 
 class qbQueryBuilder;
+class qbRelationship;
 
 /// What can be done with the query; empty when there is none with this id. The entries outlive the hub.
 ZRQRYBLD_API Menu MenuOfQuery(qbQueryBuilder& hub, std::int32_t id);
@@ -25,6 +27,10 @@ Menu MenuOfQueriesInCell(qbQueryBuilder& hub, std::int32_t row, std::int32_t col
 
 /// Shows the first query in the cell, by row and column from 1. False when there is none.
 bool OpenQueryInCell(qbQueryBuilder& hub, std::int32_t row, std::int32_t column);
+
+/// The same for the condition of a join.
+Menu MenuOfQueriesInJoin(qbQueryBuilder& hub, const Ref<qbRelationship>& join);
+bool OpenQueryInJoin(qbQueryBuilder& hub, const Ref<qbRelationship>& join);
 /// Shows the query that the shown one means by the name. False when there is none.
 bool OpenQueryNamed(qbQueryBuilder& hub, const std::string& name);
 /// Shows the query that the shown one belongs to, and the cell that it stands in. False for the main query.

@@ -21,15 +21,22 @@ namespace zrqrybld {
 
 struct Design;
 
-/// Where a query stands in the grid of the one that it belongs to. The cell's text says what the query is; what is
-/// changed in its design is written there at once.
+/// A join of a diagram: the table that it begins at and its place among the joins there, each from 0.
+struct JoinPlace {
+  std::size_t table = 0;
+  std::size_t join = 0;
+};
+
+/// Where a query stands in the grid of the one that it belongs to, or in the condition of a join there. The text of the
+/// cell, or of the condition, says what the query is; what is changed in its design is written there at once.
 struct QueryCell {
-  std::size_t row = 0;     ///< from 0
-  std::size_t column = 0;  ///< the grid's, from 1
-  std::size_t number = 0;  ///< of the queries in the cell, from 0
-  std::string text;        ///< the query as the cell has it; "" for one that the cell does not hold yet
-  std::string written;     ///< how its design was written when it said the same as the cell
-  std::string about;       ///< what the cell's row is about
+  std::size_t row = 0;                 ///< from 0
+  std::size_t column = 0;              ///< the grid's, from 1
+  std::optional<JoinPlace> join = {};  ///< in whose condition it stands; then it stands in no cell
+  std::size_t number = 0;              ///< of the queries in the cell, from 0
+  std::string text;                    ///< the query as the cell has it; "" for one that the cell does not hold yet
+  std::string written;                 ///< how its design was written when it said the same as the cell
+  std::string about;                   ///< what the cell's row is about
 };
 
 /// One query. What stands in its last three is of the moment when the panes left it.

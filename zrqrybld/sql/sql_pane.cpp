@@ -12,9 +12,9 @@
 #include "zrqrybld/platform/stored_values.h"
 #include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/generator.h"
-#include "zrqrybld/sql/lexer.h"
 #include "zrqrybld/sql/query_snapshot.h"
 #include "zrqrybld/sql/query_text.h"
+#include "zrqrybld/sql/same_words.h"
 #include "zrqrybld/sql/typed_statement.h"
 
 namespace zrqrybld {
@@ -320,27 +320,13 @@ void qbSQLPane::TakeWhole(GeneratedQuery whole, GeneratedSql& shown) {
 
 namespace {
 
-std::vector<Token> TokensOf(std::string_view text) {
-  std::vector<Token> tokens;
-  Lexer lexer(text);
-  for (Token token; lexer.Next(token);) {
-    if (token.kind != TokenKind::Comment) tokens.push_back(token);
-  }
-  if (!tokens.empty() && text[tokens.back().offset] == ';') tokens.pop_back();
-  return tokens;
-}
-
 // Where the queries stand in a text that says in the same words what was generated, whatever its layout and comments;
 // none in another text.
 std::vector<QueryPart> PartsIn(std::string_view text, const GeneratedQuery& whole) {
   if (text == whole.text) return whole.parts;
-  const std::vector<Token> tokens = TokensOf(text);
-  const std::vector<Token> written = TokensOf(whole.text);
-  const auto same = [&](const Token& one, const Token& other) {
-    return EqualsNoCase(text.substr(one.offset, one.length),
-                        std::string_view(whole.text).substr(other.offset, other.length));
-  };
-  if (tokens.empty() || !std::ranges::equal(tokens, written, same)) return {};
+  const std::vector<Token> tokens = WordsOf(text);
+  const std::vector<Token> written = WordsOf(whole.text);
+  if (tokens.empty() || !SameWords(text, tokens, whole.text, written)) return {};
   std::vector<QueryPart> parts = whole.parts;
   for (QueryPart& part : parts) {
     const auto first = std::ranges::lower_bound(written, part.begin, {}, &Token::offset) - written.begin();
@@ -366,16 +352,21 @@ void qbSQLPane::ShowPart() {
 
 bool qbSQLPane::OpenQueryAtCaret() {
   const Ref<QueryContext> context = context_.lock();
-  if (!context || !whole_) return false;
+  if (!context) return false;
+  const std::string text = textArea_->Text();
   const std::size_t caret = textArea_->Caret();
+  const bool saysDesign = !edited_ && !sqlOnly_;
+  if (!whole_) return saysDesign && context->reports.ShowQueryAt(0, text, caret);
   const QueryPart* innermost = nullptr;
-  const std::vector<QueryPart> parts = PartsIn(textArea_->Text(), *whole_);
+  const std::vector<QueryPart> parts = PartsIn(text, *whole_);
+  if (parts.empty()) return saysDesign && context->reports.ShowQueryAt(whole_->extended, text, caret);
   for (const QueryPart& part : parts) {
     const bool holds = part.begin <= caret && caret <= part.end;
     if (holds && (!innermost || part.end - part.begin < innermost->end - innermost->begin)) innermost = &part;
   }
-  if (!innermost || innermost->id == whole_->extended) return false;
-  return context->reports.ShowQuery(innermost->id);
+  if (!innermost) return false;
+  return context->reports.ShowQueryAt(innermost->id, text.substr(innermost->begin, innermost->end - innermost->begin),
+                                      caret - innermost->begin);
 }
 
 void qbSQLPane::TranslateDiagnostics() {

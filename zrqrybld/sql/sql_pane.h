@@ -90,8 +90,8 @@ class ZRQRYBLD_API qbSQLPane final : public Object {
   /// nothing is changed then.
   bool UseAsTyped();
 
-  /// Shows the query of the statement that the caret stands in, the innermost one. False where the text says another
-  /// thing than was generated, is one query, or shows that one already.
+  /// Shows the query of the statement that the caret stands in, the innermost one, also one in a condition. False where
+  /// there is none but the one that is shown, and where the text is not applied yet.
   bool OpenQueryAtCaret();
 
   /// Whether the statement generated last holds a table that is joined to none before it.
