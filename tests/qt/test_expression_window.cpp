@@ -199,6 +199,8 @@ TEST_F(ExpressionWindowTest, LooksRightAndClosesInOrder) {
     EXPECT_FALSE(window->isVisible());
     const auto zoom = Open(false, "Orders.Total * 2");
     KeepPicture(Paint(*zoom), "expression-zoom-" + named.name);
+    const auto page = Open(true, "AVG(Total) OVER (PARTITION BY City ORDER BY a, b DESC RANGE 3 PRECEDING) / 2");
+    KeepPicture(Paint(*page), "window-page-" + named.name);
   }
 }
 
