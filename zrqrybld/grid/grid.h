@@ -112,10 +112,10 @@ class ZRQRYBLD_API zrGrid final : public Control, private ColumnOwner, private R
   /// Whether the keys Insert and Delete act on the current row while none is selected; False at first, not stored.
   bool RowKeysTakeCurrent() const { return options_.rowKeysTakeCurrent; }
   void SetRowKeysTakeCurrent(bool take) { options_.rowKeysTakeCurrent = take; }
-  /// Whether the current cell of a column that `HasButton` shows it; False at first, not stored.
   /// How a text that a cell has no room for is shown shorter, in columns with buttons; "" for one that is not. Cells
   /// with such a text have a button that asks to open them.
   void SetShortener(std::function<std::string(const std::string&)> shorten);
+  /// Whether the current cell of a column that `HasButton` shows it; False at first, not stored.
   bool HasCellButtons() const { return options_.hasCellButtons; }
   void SetHasCellButtons(bool has);
 

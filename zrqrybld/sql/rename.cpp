@@ -1,5 +1,6 @@
 #include "zrqrybld/sql/rename.h"
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -18,8 +19,12 @@ std::string NameOf(std::string_view text, const Token& token) {
 
 class Renamer {
  public:
-  Renamer(std::string_view text, std::string_view before, const NameRules& rules)
-      : text_(text), tokens_(Tokenize(text)), before_{{Identifier(std::string(before))}, SplitName(before, rules)} {
+  // `schemas` are places of names in FROM that are schemas, in their order.
+  Renamer(std::string_view text, std::string_view before, const NameRules& rules, std::vector<std::size_t> schemas)
+      : text_(text),
+        tokens_(Tokenize(text)),
+        before_{{Identifier(std::string(before))}, SplitName(before, rules)},
+        schemas_(std::move(schemas)) {
     std::erase_if(tokens_, [](const Token& token) { return token.kind == TokenKind::Comment; });
   }
 
@@ -54,13 +59,15 @@ class Renamer {
   // not the table's: it is a column, or a table of another schema.
   std::size_t EndOfQualifier(std::size_t i) const {
     if (i > 0 && IsDot(i - 1)) return i;
+    if (std::ranges::binary_search(schemas_, tokens_[i].offset)) return i;
     for (const std::vector<Identifier>& parts : before_) {
       const std::size_t end = i + parts.size() * 2 - 1;
       bool isTable = IsDot(end);
       for (std::size_t part = 0; isTable && part < parts.size(); ++part) {
         isTable = IsName(i + part * 2, parts[part]) && IsDot(i + part * 2 + 1);
       }
-      if (isTable) return end;
+      const bool isSchema = parts.size() == 1 && IsDot(end + 2);  // of "schema.table.column"
+      if (isTable && !isSchema) return end;
     }
     return i;
   }
@@ -68,6 +75,7 @@ class Renamer {
   std::string_view text_;
   std::vector<Token> tokens_;
   std::vector<std::vector<Identifier>> before_;  // as one name, and as schema and table
+  std::vector<std::size_t> schemas_;
 };
 
 // Finds where a table stands in FROM of queries in parentheses.
@@ -79,6 +87,8 @@ class SourceFinder {
   }
 
   const std::vector<Token>& Found() const { return found_; }
+  /// Where the name is that of a schema, before a table in FROM.
+  const std::vector<std::size_t>& Schemas() const { return schemas_; }
   /// Whether "name.column" means it.
   bool Qualifies() const { return bare_ && !isAlias_; }
   /// Whether the text has a query of its own that is called so.
@@ -135,7 +145,11 @@ class SourceFinder {
   }
 
   void TakeName(bool atSource) {
-    if (!IsName(at_) || !EqualsNoCase(NameAt(at_), name_) || IsSignAt(at_ + 1, '.')) return;
+    if (!IsName(at_) || !EqualsNoCase(NameAt(at_), name_)) return;
+    if (IsSignAt(at_ + 1, '.')) {
+      if (atSource) schemas_.push_back(tokens_[at_].offset);
+      return;
+    }
     const Keyword before = at_ == 0 ? Keyword::None : KeywordAt(at_ - 1);
     const Keyword behind = KeywordAt(at_ + 1);
     const bool recursive = at_ > 0 && EqualsNoCase(NameAt(at_ - 1), "RECURSIVE");
@@ -164,6 +178,7 @@ class SourceFinder {
   const std::string_view name_;
   std::vector<Token> tokens_;
   std::vector<Token> found_;
+  std::vector<std::size_t> schemas_;
   std::vector<Level> levels_{Level()};
   std::size_t at_ = 0;
   bool atSource_ = false;  // a table stands next
@@ -204,7 +219,7 @@ std::string RenameSource(std::string_view text, std::string_view before, const S
 
 std::string RenameQualifier(std::string_view text, std::string_view before, const SqlText& after,
                             const NameRules& rules) {
-  return Renamer(text, before, rules).Run(after.Text());
+  return Renamer(text, before, rules, SourceFinder(text, before).Schemas()).Run(after.Text());
 }
 
 }  // namespace zrqrybld
