@@ -33,6 +33,14 @@ void Trapped(Read read) {
   }
 }
 
+// All columns of the table are there: a source may have millions.
+void Close(TableFacts& table) {
+  table.columns.shrink_to_fit();
+  table.foldedColumns.clear();
+  for (const ColumnFacts& column : table.columns) table.foldedColumns += column.folded + "\n";
+  table.foldedColumns.shrink_to_fit();
+}
+
 ColumnFacts MakeColumn(std::string name, std::string type) {
   std::string folded = FoldCase(name);
   return {std::move(name), std::move(folded), std::move(type)};
@@ -155,6 +163,7 @@ void SchemaCache::TakeKnownColumns() {
     std::vector<ColumnFacts>& columns = found->second.front()->columns;
     columns.clear();
     for (const std::string& column : known.columns) columns.push_back(MakeColumn(column, {}));
+    Close(*found->second.front());
   }
 }
 
@@ -201,6 +210,7 @@ void SchemaCache::ReadColumns(Known& table) {
     columns.back().mayBeNull = !nullable.IsBlank() && nullable.ToBoolean();
   }
   table.columns = std::move(columns);
+  Close(table);
 }
 
 // The rows of one key belong together by its name; a column that begins a key anew (its ordinal is 1) begins another

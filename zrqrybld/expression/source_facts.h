@@ -34,6 +34,7 @@ struct TableFacts {
   std::string folded;  ///< the name, case-folded
   bool isView = false;
   std::vector<ColumnFacts> columns;  ///< empty until they were read
+  std::string foldedColumns;  ///< of a table of the source: their folded names, so that one look tells what none holds
   std::vector<ForeignKeyFacts> foreignKeys;
 };
 

@@ -76,29 +76,37 @@ struct NamedTable {
   bool outer = false;
 };
 
+// Keeps little more than the best: of a source of millions of columns most may hold what is typed.
 class Collector {
  public:
   explicit Collector(std::string_view typed) : typed_(FoldCase(typed)) {}
 
   bool Typed() const { return !typed_.empty(); }
+  // Whether there may be room among the best for another candidate of this rank.
+  bool Wants(Rank rank) const { return rank < worst_; }
+
+  // Whether one of the folded names, one behind the other, may hold what is typed.
+  bool MayFindIn(std::string_view names) const { return names.find(typed_) != std::string_view::npos; }
 
   // Takes the candidate when its name holds what is typed.
   void Offer(std::string_view folded, Rank rank, Candidate candidate) {
+    if (!Wants(rank)) return;
     std::uint32_t match = 0;
     if (!folded.starts_with(typed_)) {
       if (folded.find(typed_) == std::string_view::npos) return;
       match = 1;
     }
     candidate.score = match * 256 + rank;
-    candidate.order = static_cast<std::uint32_t>(found_.size());
+    if (candidate.score >= worst_) return;
+    candidate.order = order_++;
     found_.push_back(candidate);
+    if (found_.size() == 4 * kMostSuggestions) Trim();
   }
 
   // Of those that fit alike, what was taken lately comes first.
   std::span<const Candidate> Best(const std::vector<std::string>& recent) {
     const std::size_t count = std::min(found_.size(), kMostSuggestions);
-    std::ranges::partial_sort(found_, found_.begin() + static_cast<std::ptrdiff_t>(count), {},
-                              [](const Candidate& c) { return std::pair(c.score, c.order); });
+    std::ranges::partial_sort(found_, found_.begin() + static_cast<std::ptrdiff_t>(count), {}, Place);
     const std::span<Candidate> best = std::span(found_).first(count);
     if (!recent.empty()) {
       std::ranges::stable_sort(best, {}, [&recent](const Candidate& c) {
@@ -110,8 +118,20 @@ class Collector {
   }
 
  private:
+  static std::pair<std::uint32_t, std::uint32_t> Place(const Candidate& c) { return {c.score, c.order}; }
+
+  // Whoever comes later must be better than the last of the best.
+  void Trim() {
+    const auto last = found_.begin() + static_cast<std::ptrdiff_t>(kMostSuggestions) - 1;
+    std::ranges::nth_element(found_, last, {}, Place);
+    worst_ = last->score;
+    found_.resize(kMostSuggestions);
+  }
+
   std::string typed_;
   std::vector<Candidate> found_;
+  std::uint32_t order_ = 0;
+  std::uint32_t worst_ = UINT32_MAX;
 };
 
 // The foreign keys that connect the named tables with others.
@@ -272,8 +292,10 @@ class Suggester {
   // No table is written yet: every column that is known may be meant.
   void OfferWholeSource() {
     for (const TableFacts* table : request_.facts.Tables()) {
+      if (!found_.Wants(kLeast)) return;
       const SuggestionKind kind = table->isView ? SuggestionKind::View : SuggestionKind::Table;
       Offer(kind, table->folded, table->name, kLeast, {.source = table});
+      if (!found_.MayFindIn(table->foldedColumns)) continue;
       for (const ColumnFacts& column : table->columns) {
         Offer(SuggestionKind::Column, column.folded, column.name, kLeast,
               {.source = table, .column = &column, .qualified = true});

@@ -244,6 +244,24 @@ constexpr KnownFunction kFunctions[] = {
 
 }  // namespace
 
+namespace {
+
+// Words in wrong places may read otherwise once they are written: such a call is none.
+std::optional<WindowCallPlace> ReadCall(const Tokens& tokens, std::size_t over) {
+  std::optional<WindowCallPlace> found = Reader(tokens, over).Read();
+  if (!found) return std::nullopt;
+  const std::string written = WriteWindowCall(found->call);
+  const Tokens again(written);
+  for (std::size_t i = again.Count(); i-- > 0;) {
+    if (!IsOver(again, i) || again.Partner(i + 1) != again.Count() - 1) continue;
+    const std::optional<WindowCallPlace> same = Reader(again, i).Read();
+    return same && same->offset == 0 && same->call == found->call ? found : std::nullopt;
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
 // Calls within one another end the other way round than they begin, so the first one that ends behind the place and
 // holds it is the innermost.
 std::optional<WindowCallPlace> FindWindowCall(std::string_view text, std::size_t place) {
@@ -256,7 +274,7 @@ std::optional<WindowCallPlace> FindWindowCall(std::string_view text, std::size_t
   std::ranges::stable_sort(holding, {}, [&](std::size_t over) { return tokens.Partner(over + 1); });
   if (holding.size() > kMostTried) holding.resize(kMostTried);
   for (const std::size_t over : holding) {
-    std::optional<WindowCallPlace> found = Reader(tokens, over).Read();
+    std::optional<WindowCallPlace> found = ReadCall(tokens, over);
     if (found && found->offset <= place) return found;
   }
   return std::nullopt;
@@ -268,7 +286,7 @@ std::optional<WindowCallPlace> FirstWindowCall(std::string_view text) {
   for (std::size_t i = 0; i < tokens.Count() && tried < kMostTried; ++i) {
     if (!IsOver(tokens, i)) continue;
     ++tried;
-    if (std::optional<WindowCallPlace> found = Reader(tokens, i).Read()) return found;
+    if (std::optional<WindowCallPlace> found = ReadCall(tokens, i)) return found;
   }
   return std::nullopt;
 }
