@@ -10,11 +10,17 @@ export const modules = process.env.MODULES ?? join(root, 'build/node/');
 export const folder = process.env.PACKAGE ?? join(root, 'build/wasm/npm');
 export const need = createRequire(pathToFileURL(join(modules, '/')));
 
-const {chromium} = need('playwright-core');
+const {chromium, firefox} = need('playwright-core');
 
-export const launchBrowser = () => chromium.launch({ignoreDefaultArgs: ['--hide-scrollbars'],
+/** What the tests run in: BROWSER=firefox takes Firefox as it is installed, by WebDriver BiDi. */
+export const isFirefox = process.env.BROWSER === 'firefox';
+
+const launchFirefox = preferences => firefox.launch({channel: 'moz-firefox', executablePath: process.env.FIREFOX ?? '/usr/bin/firefox-esr',
+  firefoxUserPrefs: preferences});
+const launchChromium = () => chromium.launch({ignoreDefaultArgs: ['--hide-scrollbars'],
   executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium', args: ['--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run',
     '--disable-background-networking', '--js-flags=--expose-gc', '--enable-precise-memory-info', '--disable-component-update', '--disable-sync']});
+export const launchBrowser = () => (isFirefox ? launchFirefox({}) : launchChromium());
 
 const types = {'.html': 'text/html', '.js': 'text/javascript', '.mjs': 'text/javascript', '.css': 'text/css', '.wasm': 'application/wasm'};
 // As strict as the package promises to live with.
@@ -36,9 +42,20 @@ export async function servePages() {
   return Object.assign(server, {page: `http://127.0.0.1:${server.address().port}/page.html`});
 }
 
+// Its driver cannot say what the system prefers: such pages have a Firefox of their own, which is told when it begins.
+async function firefoxContext(browser, {colorScheme, forcedColors, ...options}) {
+  if (!colorScheme && !forcedColors) return browser.newContext(options);
+  const own = await launchFirefox({'ui.systemUsesDarkTheme': colorScheme === 'dark' ? 1 : 0, 'layout.css.prefers-color-scheme.content-override': colorScheme === 'dark' ? 0 : 1,
+    ...forcedColors && {'browser.display.document_color_use': 2}});
+  const context = await own.newContext(options);
+  context.on('close', () => own.close());
+  return context;
+}
+
 /** A page with one designer, ready to be used. */
 export async function openPage(browser, server, options = {}) {
-  const context = await browser.newContext({viewport: {width: 1000, height: 700}, permissions: ['clipboard-read', 'clipboard-write'], ...options});
+  const wanted = {viewport: {width: 1000, height: 700}, ...options};
+  const context = isFirefox ? await firefoxContext(browser, wanted) : await browser.newContext({permissions: ['clipboard-read', 'clipboard-write'], ...wanted});
   const opened = await context.newPage();
   await opened.goto(server.page);
   await opened.waitForSelector('html[data-ready]');

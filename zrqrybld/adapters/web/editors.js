@@ -173,6 +173,8 @@ export class Area {
     });
     text.addEventListener('scroll', () => this.#follow());
     this.onSelection = () => { if (this.#focused()) this.#selected(); };
+    // Some browsers tell the text, which is in a shadow tree and so is not heard outside of it; others the document alone.
+    text.addEventListener('selectionchange', this.onSelection);
     document.addEventListener('selectionchange', this.onSelection);
   }
   end() { document.removeEventListener('selectionchange', this.onSelection); }

@@ -32,6 +32,7 @@ export class Surface {
     this.canvas.setAttribute('role', 'application');
     this.canvas.setAttribute('aria-label', label);
     this.context = this.canvas.getContext('2d', {alpha: false});
+    this.measuring = document.createElement('canvas').getContext('2d');
     this.bars = [make('div', 'bar horizontal'), make('div', 'bar vertical')];
     this.bars.forEach((bar, vertical) => {
       bar.append(document.createElement('div'));
@@ -39,7 +40,7 @@ export class Surface {
       bar.tabIndex = -1;
       bar.addEventListener('scroll', () => {
         const value = Math.round(vertical ? bar.scrollTop : Math.abs(bar.scrollLeft));
-        if (value !== bar.value) this.api.scroll(number, vertical, bar.value = value);
+        if (!bar.waits && value !== bar.value) this.api.scroll(number, vertical, bar.value = value);
       });
     });
     this.access = make('div', 'access');
@@ -54,6 +55,7 @@ export class Surface {
     clearInterval(this.timer);
     clearTimeout(this.pressing);
     cancelAnimationFrame(this.frame);
+    cancelAnimationFrame(this.arranging);
     this.ended = true;
     // A canvas keeps its pixels until it is collected, however small its element has become.
     this.canvas.width = this.canvas.height = 0;
@@ -97,17 +99,22 @@ export class Surface {
       const text = css.replace(/ ?inherit$/, ` ${this.fontFamily}`).replace(/^((?:italic |bold )*)inherit /, `$1${this.fontSize} `);
       this.context.font = text;
       const m = this.context.measureText('Hg');
-      font = {text, ascent: m.fontBoundingBoxAscent, descent: m.fontBoundingBoxDescent};
+      font = {text, ascent: m.fontBoundingBoxAscent, descent: m.fontBoundingBoxDescent, widths: new Map()};
       this.fonts.set(css, font);
     }
     return font;
   }
 
   textWidth(text, css) {
-    this.context.save();
-    this.context.font = this.font(css).text;
-    const {width} = this.context.measureText(text);
-    this.context.restore();
+    const font = this.font(css);
+    let width = font.widths.get(text);
+    if (width === undefined) {
+      // A context of its own, whose font is the last one that was asked for: to change it costs more than to measure.
+      if (this.measuring.wanted !== font.text) this.measuring.font = this.measuring.wanted = font.text;
+      ({width} = this.measuring.measureText(text));
+      if (font.widths.size > MOST_MEASURED) font.widths.clear();
+      font.widths.set(text, width);
+    }
     return width;
   }
 
@@ -184,21 +191,27 @@ export class Surface {
 
   // --- What the library asks ---
 
+  // Told for each of many boxes that are added at once, and shown once: each look at a bar's place lays out the page anew.
   scrollBar(vertical, value, maximum, page, step) {
-    const bar = this.bars[vertical], was = bar.hidden;
-    bar.hidden = maximum <= 0;
-    const inner = bar.firstChild.style, whole = page + maximum;
-    // As long in relation to the bar's own length as the picture is to the view.
-    if (vertical) inner.height = `calc(100% + ${maximum}px)`; else inner.width = `calc(100% + ${maximum}px)`;
-    bar.value = value;
-    bar.step = step;
-    bar.whole = whole;
-    if (vertical) bar.scrollTop = value; else bar.scrollLeft = this.rightToLeft ? -value : value;
-    if (was !== bar.hidden) {
-      const both = this.bars.every(b => !b.hidden);
-      this.host.classList.toggle('both-bars', both);
-      requestAnimationFrame(() => this.measure());
+    Object.assign(this.bars[vertical], {value, step, maximum, whole: page + maximum, waits: true});
+    this.arranging ??= requestAnimationFrame(() => this.#arrangeBars());
+  }
+
+  #arrangeBars() {
+    this.arranging = undefined;
+    let appears = false;
+    for (const bar of this.bars.filter(({waits}) => waits)) {
+      const vertical = bar === this.bars[1], inner = bar.firstChild.style, {maximum, value} = bar;
+      appears ||= bar.hidden !== maximum <= 0;
+      bar.hidden = maximum <= 0;
+      // As long in relation to the bar's own length as the picture is to the view.
+      if (vertical) inner.height = `calc(100% + ${maximum}px)`; else inner.width = `calc(100% + ${maximum}px)`;
+      if (vertical) bar.scrollTop = value; else bar.scrollLeft = this.rightToLeft ? -value : value;
+      bar.waits = false;
     }
+    if (!appears) return;
+    this.host.classList.toggle('both-bars', this.bars.every(bar => !bar.hidden));
+    this.measure();
   }
 
   cursor(cursor) { this.canvas.style.cursor = CURSORS[cursor] ?? 'default'; }
