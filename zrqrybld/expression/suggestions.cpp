@@ -123,7 +123,8 @@ class Collector {
   // Whoever comes later must be better than the last of the best.
   void Trim() {
     const auto last = found_.begin() + static_cast<std::ptrdiff_t>(kMostSuggestions) - 1;
-    std::ranges::nth_element(found_, last, {}, Place);
+    std::nth_element(found_.begin(), last, found_.end(),
+                     [](const Candidate& a, const Candidate& b) { return Place(a) < Place(b); });
     worst_ = last->score;
     found_.resize(kMostSuggestions);
   }
