@@ -83,5 +83,21 @@ TEST_F(NewTables, AColumnIsPutOutOnceMoreByADoubleClick) {
   EXPECT_TRUE(box->Rows().At(2)->Checked());
 }
 
+// Also of the first row of the grid, and until it says so no more.
+TEST_F(NewTables, BoxesTellWhatTheGridSaysOfTheirColumns) {
+  hub->AddTable("Customers");
+  const Ref<qbEntityList> box = diagram->Entities()->Item(1)->EntityBox();
+  diagram->Entities()->Item(1)->Items()->Item(2)->SetChecked(true);
+  const auto note = [&] { return box->Rows().At(2)->Note(); };
+  EXPECT_EQ(note(), ColumnNote{});
+  Set(1, "sort_type", "Descending");
+  EXPECT_EQ(note(), (ColumnNote{-1, Cell(1, "sort_order"), "", false}));
+  Set(1, "criteria", "= 'x'");
+  EXPECT_TRUE(note().filtered);
+  Set(1, "sort_type", "");
+  Set(1, "criteria", "");
+  EXPECT_EQ(note(), ColumnNote{});
+}
+
 }  // namespace
 }  // namespace zrqrybld

@@ -101,6 +101,7 @@ class EveryMember(unittest.TestCase):
     def arguments(self, type_name, member, objects):
         special = {
             "qbQueryBuilder.ShowJoinProperties": lambda: (objects["qbRelationship"],),
+            "qbQueries.OpenInJoin": lambda: (join_with_query(objects["qbQueryBuilder"]),),
             "qbQueries.AddSaved": lambda: (saved(objects["qbQueryBuilder"]),),
             "qbUtility.RemoveQuotedIdentifiers": lambda: (objects["qbQueryBuilder"], '"a"'),
             "qbGridPane.SetGroupByFunction": lambda: (1, objects["qbQueryBuilder"].DBFunctions["SUM"]),
