@@ -92,7 +92,7 @@ function App() {
   const [{nodes, edges}, setAll] = useState({nodes: [], edges: []});
   show = setAll;
   const onNodesChange = useCallback(changes => setAll(all => ({...all, nodes: applyNodeChanges(changes, all.nodes)})), []);
-  return h(ReactFlow, {nodes, edges, nodeTypes, onNodesChange, onlyRenderVisibleElements: true, defaultViewport: {x: 0, y: 0, zoom: 1}});
+  return h(ReactFlow, {nodes, edges, nodeTypes, onNodesChange, onlyRenderVisibleElements: true, autoPanOnNodeDrag: false, defaultViewport: {x: 0, y: 0, zoom: 1}});
 }
 createRoot(document.querySelector('#host')).render(h(App));
 window.add = async count => {
