@@ -460,7 +460,7 @@ TEST_F(CellQueries, StandInConditionsOfJoins) {
     return Ref<qbRelationship>();
   };
   const std::string condition = join()->Condition();
-  EXPECT_EQ(test::ErrorOf([&] { hub->Queries()->OpenInJoin(nullptr); }), ErrorNoSuchItem);
+  EXPECT_EQ(test::ErrorOf([&] { hub->Queries()->OpenInJoin(nullptr); }), ErrorObjectRemoved);
   EXPECT_EQ(test::ErrorOf([&] { hub->Queries()->OpenInJoin(join(), 2); }), ErrorNoSuchItem);
   const Ref<qbQuery> query = hub->Queries()->OpenInJoin(join());
   EXPECT_EQ(Captions(), "o");

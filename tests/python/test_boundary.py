@@ -25,6 +25,15 @@ def saved(qb):
     return name
 
 
+def join_with_query(qb):
+    """A join whose condition holds a query."""
+    qb.SQLPane.SQLSyntax = zrqrybld.SQLSyntaxSQLite
+    qb.SQLPane.ParseSQLStatement(
+        'SELECT City FROM Customers LEFT JOIN "Order" ON Customers.CustomerID = "Order".CustomerID '
+        'AND "Order".Freight > (SELECT AVG(o.Freight) FROM "Order" o)')
+    return next(join for table in qb.DiagramPane.Entities for join in table.Relationships)
+
+
 def designer():
     """A linked designer on the sample database with two joined tables and a query column."""
     qb = create("qbQueryBuilder")

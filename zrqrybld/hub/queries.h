@@ -99,7 +99,8 @@ class ZRQRYBLD_API qbQueries final : public Object {
   /// what belongs to it, is shown; what is changed there is written into the cell at once. No step. Error 9 when the
   /// cell holds no such query, 40002 for one that cannot be shown, 5 while a step is going on.
   Ref<qbQuery> OpenInCell(std::int32_t row, const Variant& column, std::int32_t number = 1);
-  /// Shows a query that stands in the condition of a join of the shown one's diagram, in the same way.
+  /// Shows a query that stands in the condition of a join of the shown one's diagram, in the same way. Error 91
+  /// without a join, 9 for one of another diagram.
   Ref<qbQuery> OpenInJoin(const Ref<qbRelationship>& join, std::int32_t number = 1);
   /// Shows an empty query for a criterion of the grid. It is written behind what the cell holds, in an empty one behind
   /// IN, as soon as it says something. Errors as above; error 9 for a cell that is none of a criterion, or whose row

@@ -226,6 +226,7 @@ std::int32_t qbQueryBuilder::ShowQueryInCell(std::int32_t row, std::int32_t colu
 }
 
 std::int32_t qbQueryBuilder::ShowQueryInJoin(const Ref<qbRelationship>& join, std::int32_t number) {
+  if (!join) ThrowObjectRemoved();
   RequireIdle();
   const Ref<Object> alive = shared_from_this();
   MakeIdle();
