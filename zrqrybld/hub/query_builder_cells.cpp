@@ -231,7 +231,8 @@ std::int32_t qbQueryBuilder::ShowQueryInJoin(const Ref<qbRelationship>& join, st
   const Ref<Object> alive = shared_from_this();
   MakeIdle();
   const QueryCell cell = CellOfJoin(*this, join);
-  return ShowInner(cell, join->Condition(), number);
+  const std::string condition = join->Condition();  // the join goes when another query is shown
+  return ShowInner(cell, condition, number);
 }
 
 // The query of that number in the text, which stands in the cell.
@@ -282,7 +283,8 @@ bool qbQueryBuilder::ShowInnerLike(const std::string& query) {
     for (const Ref<qbRelationship>& join : *table->Relationships()) {
       const std::int32_t number = numberIn(join->Condition());
       if (number == 0) continue;
-      ShowQueryInJoin(join, number);
+      const Ref<qbRelationship> found = join;  // the list of joins goes when another query is shown
+      ShowQueryInJoin(found, number);
       return true;
     }
   }

@@ -123,9 +123,11 @@ Menu OpenEntries(qbQueryBuilder& hub, const std::string& text, const Open& open)
   return menu;
 }
 
-// The one of a join's relationships whose condition has queries; nothing when none has.
+// The one of a join's relationships whose condition has queries; nothing when none has, and for one that is not drawn.
 Ref<qbRelationship> WithQueries(const Ref<qbRelationship>& join) {
-  for (const Ref<qbRelationship>& one : *WholeOf(*join)) {
+  const Ref<qbWholeJoin> whole = WholeOf(*join);
+  if (!whole) return nullptr;
+  for (const Ref<qbRelationship>& one : *whole) {
     if (!InnerQueriesIn(one->Condition()).empty()) return one;
   }
   return nullptr;
