@@ -1,7 +1,5 @@
 #include "designer/preview_job.h"
 
-#include <QCoreApplication>
-#include <QMetaObject>
 #include <condition_variable>
 #include <mutex>
 #include <thread>
@@ -42,6 +40,7 @@ struct PreviewJob::Shared : std::enable_shared_from_this<Shared> {
   std::string sql;
   const Dialect& dialect;
   Receiver receiver;  // the window's thread only
+  Post post;
 
   std::mutex mutex;
   std::condition_variable changed;
@@ -50,20 +49,17 @@ struct PreviewJob::Shared : std::enable_shared_from_this<Shared> {
   bool givenUp = false;
   bool ended = false;
 
-  Shared(Open o, std::string s, const Dialect& d, Receiver r)
-      : open(std::move(o)), sql(std::move(s)), dialect(d), receiver(std::move(r)) {}
+  Shared(Open o, std::string s, const Dialect& d, Receiver r, Post p)
+      : open(std::move(o)), sql(std::move(s)), dialect(d), receiver(std::move(r)), post(std::move(p)) {}
 
   void Tell(PreviewNews news) {
     {
       const std::lock_guard lock(mutex);
       if (givenUp) return;
     }
-    QMetaObject::invokeMethod(
-        QCoreApplication::instance(),
-        [self = shared_from_this(), told = std::move(news)]() mutable {
-          if (const Receiver receive = self->receiver) receive(std::move(told));
-        },
-        Qt::QueuedConnection);
+    post([self = shared_from_this(), told = std::move(news)]() mutable {
+      if (const Receiver receive = self->receiver) receive(std::move(told));
+    });
   }
 
   void TellFailure(Phrase message, std::optional<std::size_t> offset = std::nullopt) {
@@ -72,8 +68,9 @@ struct PreviewJob::Shared : std::enable_shared_from_this<Shared> {
   }
 };
 
-PreviewJob::PreviewJob(Open open, std::string sql, const Dialect& dialect, Receiver receiver)
-    : shared_(std::make_shared<Shared>(std::move(open), std::move(sql), dialect, std::move(receiver))) {
+PreviewJob::PreviewJob(Open open, std::string sql, const Dialect& dialect, Receiver receiver, Post post)
+    : shared_(
+          std::make_shared<Shared>(std::move(open), std::move(sql), dialect, std::move(receiver), std::move(post))) {
   try {
     Start(&PreviewJob::Work, shared_);
   } catch (const std::exception& error) {

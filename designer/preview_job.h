@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "designer/window_thread.h"
 #include "zrqrybld/adapters/run/query_runner.h"
 #include "zrqrybld/base/phrase.h"
 
@@ -42,9 +43,11 @@ class PreviewJob {
   using Open = std::function<std::unique_ptr<QueryRunner>()>;
   /// Called in the window's thread; not after the job is gone.
   using Receiver = std::function<void(PreviewNews)>;
+  /// Has work done in the window's thread, in the order in which it comes; called in any thread.
+  using Post = std::function<void(std::function<void()> work)>;
 
   /// Starts at once. A failure to start is news like any other.
-  PreviewJob(Open open, std::string sql, const Dialect& dialect, Receiver receiver);
+  PreviewJob(Open open, std::string sql, const Dialect& dialect, Receiver receiver, Post post = InWindowThread);
   PreviewJob(const PreviewJob&) = delete;
   PreviewJob& operator=(const PreviewJob&) = delete;
   /// Gives up: no news comes any more, and the source is told to stop.

@@ -69,6 +69,9 @@ packages_core="
   ninja-build      ninja
   libgtest-dev     -
 "
+packages_threads="$packages_core
+  libsqlite3-dev   -
+"
 packages_fuzz="
   clang            clang++
   libclang-rt-dev  -
