@@ -4,6 +4,7 @@
 #include "bench/counting_canvas.h"
 #include "bench/designer.h"
 #include "bench/made_up_source.h"
+#include "bench/memory_in_use.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/host/step_context.h"
@@ -130,6 +131,32 @@ void ScrollAndPaint(benchmark::State& state) {
   state.counters["calls"] = benchmark::Counter(static_cast<double>(canvas.Calls()), benchmark::Counter::kAvgIterations);
 }
 BENCHMARK(ScrollAndPaint)->Arg(100)->Arg(1000)->Arg(10000);
+
+// A row in the middle of a million cells comes, is filled and goes, then all of it is painted; "mb" is the memory that
+// the cells take.
+void MillionCells(benchmark::State& state) {
+  constexpr std::int32_t kGridColumns = 10;
+  constexpr std::int32_t kGridRows = 100'000;
+  const double before = MemoryInUse();
+  const Ref<zrGrid> grid = zrGrid::Create();
+  grid->SetAutoRedraw(false);
+  for (std::int32_t i = 0; i < kGridColumns; ++i) grid->Columns()->Add()->SetWidth(1200);
+  const auto fill = [](zrGridRow& row) {
+    for (std::int32_t column = 1; column <= kGridColumns; ++column) row.SetValue(column, "text");
+  };
+  for (std::int32_t row = 1; row <= kGridRows; ++row) fill(*grid->Rows()->Add());
+  grid->SetAutoRedraw(true);
+  state.counters["mb"] = MemoryInUse() - before;
+  CountingCanvas canvas;
+  const PixelSize size = grid->GetSurface().ViewSize();
+  for (auto _ : state) {
+    fill(*grid->Rows()->Add({}, kGridRows / 2));
+    grid->GotoRowCol(kGridRows / 2, 1);
+    grid->Paint(canvas, {{}, {}, size.width, size.height});
+    grid->Rows()->Remove(kGridRows / 2);
+  }
+}
+BENCHMARK(MillionCells)->Unit(benchmark::kMillisecond);
 
 // Criteria of one condition, and of so many joined by OR.
 void FormatCriteria(benchmark::State& state) {

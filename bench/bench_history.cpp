@@ -5,6 +5,7 @@
 
 #include "bench/designer.h"
 #include "bench/made_up_source.h"
+#include "bench/memory_in_use.h"
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/grid/grid_pane.h"
@@ -62,6 +63,29 @@ void RecordTick(benchmark::State& state) {
   for (auto _ : state) item->SetChecked(!item->Checked());
 }
 BENCHMARK(RecordTick)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);
+
+// So many steps, one after the other: ticks, or all grouped and not, which are large. "steps" of them and "mb" of
+// memory are kept; "grown_mb" is by how much the process has grown meanwhile.
+void ManySteps(benchmark::State& state) {
+  constexpr int kSteps = 10'000;
+  const bool large = state.range(0) != 0;
+  const Ref<qbQueryBuilder> hub = LargeDesign(large ? 100 : 10);
+  const Ref<qbEntityItem> item = hub->Entities()->Item(2)->Items()->Item(ColumnName(9));
+  const double before = MemoryInUse();
+  for (auto _ : state) {
+    for (int i = 0; i < kSteps; ++i) {
+      if (large) {
+        hub->GridPane()->SetShowGroupBy(!hub->GridPane()->ShowGroupBy());
+      } else {
+        item->SetChecked(!item->Checked());
+      }
+    }
+  }
+  state.counters["steps"] = static_cast<double>(hub->Steps().Count());
+  state.counters["mb"] = static_cast<double>(hub->Steps().Bytes()) / 1e6;
+  state.counters["grown_mb"] = MemoryInUse() - before;
+}
+BENCHMARK(ManySteps)->Arg(0)->Arg(1)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace zrqrybld::bench

@@ -1,14 +1,13 @@
 // A source of very many tables: what it costs to list them, and what a key costs while all of them, or all of their
 // columns, are known. "mb" is the memory that they take.
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <ctime>
-#include <fstream>
 
 #include "bench/designer.h"
 #include "bench/made_up_source.h"
+#include "bench/memory_in_use.h"
 #include "zrqrybld/diagram/table_picker.h"
 #include "zrqrybld/expression/schema_cache.h"
 #include "zrqrybld/expression/suggestions.h"
@@ -19,13 +18,6 @@ namespace zrqrybld::bench {
 namespace {
 
 constexpr int kColumns = 20;
-
-double MemoryInUse() {
-  std::ifstream file("/proc/self/statm");
-  double pages = 0;
-  file >> pages >> pages;
-  return pages * static_cast<double>(sysconf(_SC_PAGESIZE)) / 1e6;
-}
 
 // What the window "Add Tables" shows.
 void ListTables(benchmark::State& state) {

@@ -49,11 +49,17 @@ class KeyedList {
   T* Find(std::string_view key) { return ValueOf(order_.Find(key)); }
   const T* Find(std::string_view key) const { return ValueOf(order_.Find(key)); }
 
+  /// The first item whose key is this one without regard to case, or nullptr.
+  const T* FirstAlike(std::string_view key) const { return ValueOf(order_.FirstAlike(key)); }
+
   /// The position of `key`, `kNone` when there is none.
   std::size_t PositionOf(std::string_view key) const {
     const KeyedOrder::Node* node = order_.Find(key);
     return node ? node->Position() : kNone;
   }
+
+  /// The item with exactly this key, or nullptr.
+  const T* FindExactly(std::string_view key) const { return ValueOf(order_.FindExactly(key)); }
 
   /// Whether exactly this key is in use.
   bool HasExactly(std::string_view key) const { return order_.FindExactly(key) != nullptr; }

@@ -46,6 +46,16 @@ KeyedOrder::Node* KeyedOrder::FindExactly(std::string_view key) const {
   return node && node->key_ == key ? node : nullptr;
 }
 
+KeyedOrder::Node* KeyedOrder::FirstAlike(std::string_view key) const {
+  if (key.empty() || !index_) return nullptr;
+  Node* found = nullptr;
+  for (auto [alike, end] = index_->map.equal_range(key); alike != end; ++alike) {
+    Node* const node = alike->second;
+    if (!found || node->Position() < found->Position()) found = node;
+  }
+  return found;
+}
+
 KeyedOrder::Node* KeyedOrder::Insert(std::unique_ptr<Node> node, std::string_view key, std::size_t position) {
   if (FindExactly(key)) ThrowDuplicateKey(key);
   if (position == 0 || position > Count()) position = Count() + 1;

@@ -34,6 +34,8 @@ class ZRQRYBLD_API KeyedOrder {
   /// The one with exactly this key, otherwise the first of those that differ in case; nullptr when there is none.
   Node* Find(std::string_view key) const;
   Node* FindExactly(std::string_view key) const;
+  /// The first of those that have this key without regard to case; nullptr when there is none.
+  Node* FirstAlike(std::string_view key) const;
 
   /// At a position from 1; any other, and 0, is the end. Error 457 when the key is in use; nothing is added then.
   Node* Insert(std::unique_ptr<Node> node, std::string_view key, std::size_t position);

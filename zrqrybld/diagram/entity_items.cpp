@@ -25,8 +25,8 @@ void qbEntityItems::Clear() {
 
 Ref<qbEntityItem> qbEntityItems::FindByText(std::string_view text, bool caseSensitive) const {
   if (rows_ && !rows_->TextsDiffer()) {
-    const Ref<qbEntityItem> item = Item(std::string(text));
-    if (!item || caseSensitive) return item && item->Text() == text ? item : nullptr;
+    const Ref<qbEntityItem>* item = caseSensitive ? items_.FindExactly(text) : items_.FirstAlike(text);
+    return item ? *item : nullptr;
   }
   for (std::size_t i = 1; i <= items_.Count(); ++i) {
     const Ref<qbEntityItem>& item = *items_.At(i);

@@ -12,6 +12,7 @@ bool NamesField(std::int32_t column) { return column == kColumnColumn || column 
 
 void qbGridPane::CellChanged(std::int32_t row, std::int32_t column) {
   if (NamesField(column)) fields_.Note(rows_.At(row));
+  if (column >= kColumnCriteria) fields_.NoteTyped(rows_.At(row));
   if (column == kColumnSortType || column == kColumnSortOrder) sorting_.Note(rows_.At(row));
   alternatives_.CellChanged(rows_.At(row), column);
   if (rows_.IsBusy()) return;

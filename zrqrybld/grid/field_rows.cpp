@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "zrqrybld/diagram/entities.h"
+
 namespace zrqrybld {
 namespace {
 
@@ -33,8 +35,10 @@ void FieldRows::Note(const zrGridRow& row) {
   const std::string* table = row.ValueAt(kColumnTable).StringIf();
   const std::string* column = row.ValueAt(kColumnColumn).StringIf();
   if (table && !table->empty()) NoteTable(row, *table);
+  const Ref<qbEntities> entities = rows_.Entities();
+  if (column && !column->empty() && !(table && entities && entities->FindExactly(*table))) NoteTyped(row);
   if (!table || !column || column->empty()) return;
-  if (byField_.size() > 2 * static_cast<std::size_t>(rows_.Count()) + kSlack) {
+  if (byField_.size() > Many()) {
     std::erase_if(byField_, [](const auto& entry) {
       return std::ranges::all_of(entry.second, [](const WeakRef<Object>& noted) { return noted.expired(); });
     });
@@ -43,23 +47,34 @@ void FieldRows::Note(const zrGridRow& row) {
 }
 
 void FieldRows::NoteTable(const zrGridRow& row, const std::string& table) {
-  const std::size_t many = 2 * static_cast<std::size_t>(rows_.Count()) + kSlack;
-  if (byTable_.size() > many) {
+  if (byTable_.size() > Many()) {
     std::erase_if(byTable_, [this](const auto& entry) { return OfTable(entry.first).empty(); });
   }
   Noted& noted = byTable_[table];
-  if (noted.size() > many) {
+  if (noted.size() > Many()) {
     const std::vector<Ref<zrGridRow>> rows = OfTable(table);
     noted.assign(rows.begin(), rows.end());
   }
   noted.push_back(rows_.At(row.Index()).weak_from_this());
 }
 
+void FieldRows::NoteTyped(const zrGridRow& row) {
+  if (typed_.size() > Many()) {
+    const std::vector<Ref<zrGridRow>> rows = RowsAmong(typed_, [](const zrGridRow&) { return true; });
+    typed_.assign(rows.begin(), rows.end());
+  }
+  typed_.push_back(rows_.At(row.Index()).weak_from_this());
+}
+
+// More entries than these hold some that are out of date.
+std::size_t FieldRows::Many() const { return 2 * static_cast<std::size_t>(rows_.Count()) + kSlack; }
+
 void FieldRows::Shifted(std::int32_t from) { emptyFrom_ = std::min(emptyFrom_, from); }
 
 void FieldRows::Clear() {
   byField_.clear();
   byTable_.clear();
+  typed_.clear();
 }
 
 std::vector<Ref<zrGridRow>> FieldRows::OfTable(const std::string& table) const {
@@ -69,6 +84,12 @@ std::vector<Ref<zrGridRow>> FieldRows::OfTable(const std::string& table) const {
     const std::string* named = row.ValueAt(kColumnTable).StringIf();
     return named && *named == table;
   });
+}
+
+std::vector<Ref<zrGridRow>> FieldRows::MayName(const std::string& table) const {
+  std::vector<WeakRef<Object>> noted = typed_;
+  for (const Ref<zrGridRow>& row : OfTable(table)) noted.push_back(row);
+  return RowsAmong(noted, [](const zrGridRow&) { return true; });
 }
 
 std::vector<Ref<zrGridRow>> FieldRows::Of(const FieldName& field) const {
@@ -85,7 +106,12 @@ std::vector<Ref<zrGridRow>> FieldRows::Of(const FieldName& field) const {
 }
 
 bool FieldRows::IsOutput(const FieldName& field) const {
-  return std::ranges::any_of(Of(field), [](const Ref<zrGridRow>& row) { return RowReader(*row).IsOutput(); });
+  const auto noted = byField_.find(KeyOf(field.table, field.column));
+  return noted != byField_.end() && std::ranges::any_of(noted->second, [&](const WeakRef<Object>& entry) {
+           const auto row = std::static_pointer_cast<zrGridRow>(entry.lock());
+           return row && row->Index() != 0 && RowReader(*row).IsOutput() &&
+                  RowReader(*row).Names(field.table, field.column);
+         });
 }
 
 std::int32_t FieldRows::FirstEmpty() {

@@ -385,7 +385,8 @@ void qbGridPane::RenameTable(const std::string& before, const std::string& after
                              const std::function<std::string(std::string_view)>& rewrite) {
   const auto busy = rows_.Busy();
   const Ref<qbEntities> entities = rows_.Entities();
-  for (const Ref<zrGridRow>& row : *grdPane_->Rows()) {
+  for (const Ref<zrGridRow>& row : fields_.MayName(before)) {
+    if (row->Index() == 0) continue;  // a listener has removed it
     if (RowReader(*row).Text(kColumnTable) == before) RowWriter(*row).SetText(kColumnTable, after);
     const auto rewriteCell = [&](std::size_t column) {
       const std::string* text = row->ValueAt(column).StringIf();

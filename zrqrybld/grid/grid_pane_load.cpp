@@ -63,6 +63,7 @@ void qbGridPane::Restore(const std::vector<SharedRowContent>& then) {
   for (std::size_t i = same + 1; i <= std::min(then.size() - behind, static_cast<std::size_t>(RowCount())); ++i) {
     const zrGridRow& row = rows_.At(static_cast<std::int32_t>(i));
     fields_.Note(row);
+    if (RowReader(row).HasCriteria(rows_.LastColumn())) fields_.NoteTyped(row);
     if (RowReader(row).HasSort()) sorting_.Note(row);
   }
   alternatives_.Fit();

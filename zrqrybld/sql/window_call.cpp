@@ -1,6 +1,7 @@
 #include "zrqrybld/sql/window_call.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 #include "zrqrybld/base/text.h"
@@ -131,8 +132,12 @@ class Reader {
 
   // Whether an expression may end before this token, so that a name there is none of its own.
   bool EndsBefore(std::size_t at) const {
-    const TokenKind kind = tokens_.At(at - 1).kind;
-    return kind != TokenKind::Operator || tokens_.Is(at - 1, ")");
+    constexpr std::array kGoOn{Keyword::And,  Keyword::Or,     Keyword::Not,    Keyword::Like, Keyword::Between,
+                               Keyword::In,   Keyword::Is,     Keyword::Case,   Keyword::When, Keyword::Then,
+                               Keyword::Else, Keyword::Escape, Keyword::Collate};
+    const Token& last = tokens_.At(at - 1);
+    if (last.kind == TokenKind::Operator) return tokens_.Is(at - 1, ")");
+    return std::ranges::find(kGoOn, last.keyword) == kGoOn.end();
   }
 
   // The parts between commas, to where the next part of the window begins. None may be empty.

@@ -56,9 +56,18 @@ void CodeReader::RequireClear(const SourceToken& token) const {
 
 void CodeReader::RequireClearCode(std::size_t begin) const {
   if (IsControl(text_[begin])) RefuseStatement(text::ControlInCode, begin);
+  if (WouldBeginComment(begin)) RefuseStatement(text::BlankBetweenDashes, begin);
   if (family_ == SourceFamily::Sqlite && IsLongVariable(begin)) {
     RefuseStatement(text::VariableWithoutValue, begin);
   }
+}
+
+// Whether this is the second minus sign of two in front of what is sent as blanks: where a blank makes a comment of
+// them, the rest of the line would be lost.
+bool CodeReader::WouldBeginComment(std::size_t begin) const {
+  if (!reading_.blankAfterDashes || begin == 0 || text_.substr(begin - 1, 2) != "--") return false;
+  const std::string_view behind = text_.substr(begin + 1, 2);
+  return behind.starts_with(';') || behind.starts_with('#') || behind == "/*";
 }
 
 // $name(...) is one variable of SQLite, whatever the parentheses hold.
