@@ -145,7 +145,7 @@ function callsOf(module) {
   for (const name of Object.keys(module)) {
     if (!name.startsWith('_zrw_')) continue;
     const call = module[name], short = name.slice(5);
-    const gives = ['ask', 'caption', 'words', 'tip', 'accessible', 'area_colors', 'area_brackets'].includes(short);
+    const gives = ['ask', 'caption', 'words', 'tip', 'accessible', 'area_colors', 'area_brackets', 'take_file'].includes(short);
     calls[short] = (...values) => {
       const texts = [];
       const passed = values.map(value => {
@@ -239,11 +239,8 @@ export class Designer {
   /** Shows a message about what has failed. */
   say(text) { this.dialog(0, 'message', pack([text, '2'])); }
   saved(path) {
-    const {FS} = this.page.module;
-    if (!FS.analyzePath(path).exists) return;  // a picture went its own way
-    const bytes = FS.readFile(path);
-    FS.unlink(path);
-    this.download(path.slice(1), new Blob([bytes]));
+    const text = this.page.api.take_file(path);
+    if (text !== '') this.download(path.slice(1), new Blob([text]));  // a picture went its own way
   }
   download(name, blob) {
     const link = Object.assign(document.createElement('a'), {href: URL.createObjectURL(blob), download: name});
