@@ -261,8 +261,7 @@ export class Surface {
       if (!this.pressed) return;  // a finger's
       this.pressed = false;
       const again = event.button === 0 && event.detail % 2 === 0;
-      // The middle button scrolls nothing else; what a double click opens keeps the keyboard.
-      if (again || event.button === 1) event.preventDefault();
+      event.preventDefault();  // the control asks for the keyboard where it wants it: what the press opens keeps it
       mouse(again ? 3 : 0, buttonBit(event), event);
     });
     on('pointermove', event => {
