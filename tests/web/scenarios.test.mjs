@@ -331,6 +331,8 @@ describe('gestures', () => {
     rowTest(row, name, async () => {
       await begin(['Customers', 'Order', 'Order Lines']);
       await focus('diagram');
+      // While a button is held the tree waits.
+      await page.waitForFunction(() => designer.shadowRoot.querySelectorAll('#diagram .access [role=listbox]').length === designer.query.DiagramPane.Entities.Count);
       const before = (await state()).gestures;
       let pointer = {x: 0, y: 0};
       for (const step of splitState(steps)) pointer = await gesture(step, pointer);

@@ -216,6 +216,9 @@ export class Surface {
 
   cursor(cursor) { this.canvas.style.cursor = CURSORS[cursor] ?? 'default'; }
 
+  /** Whether a button or a finger is down on it. */
+  isHeld() { return this.pointer !== undefined && this.canvas.hasPointerCapture(this.pointer); }
+
   capture(captured) {
     try {
       if (captured && this.pointer !== undefined) this.canvas.setPointerCapture(this.pointer);
