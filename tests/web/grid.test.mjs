@@ -120,7 +120,7 @@ const currentBox = async () => cellBox(...await page.evaluate(() => {
 async function drag(from, to) {
   await page.mouse.move(from.x, from.y);
   await page.mouse.down();
-  await page.mouse.move(to.x, to.y, {steps: 4});
+  await page.mouse.move(Math.max(to.x, 0), to.y, {steps: 4});  // a driver may hold the mouse in the window
   await page.mouse.up();
 }
 const dropped = (kind, row, text) => cellBox(row, 'alias').then(box => page.evaluate(([kind, {x, y}, text]) => {
