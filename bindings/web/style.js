@@ -86,6 +86,6 @@ dialog .heads { grid-template-columns: 1fr 1fr; }
 dialog .more { align-self: start; border-color: var(--role-box-frame); }
 dialog .tabs { display: flex; gap: 4px; }
 @media (prefers-reduced-motion: no-preference) { button { transition: background 80ms; } }
-@media (forced-colors: active) { .view, .colors, textarea.sql, button[aria-pressed="true"], button[aria-selected="true"] { forced-color-adjust: none; } .list li.on, .menu [role^=menuitem]:focus { forced-color-adjust: none; } }
+@media (forced-colors: active) { .view, .colors, textarea.sql, button[aria-pressed="true"], button[aria-selected="true"], button.main { forced-color-adjust: none; } .list li.on, .menu [role^=menuitem]:focus { forced-color-adjust: none; } }
 ${inks}
 `;
