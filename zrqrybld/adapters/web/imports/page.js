@@ -6,7 +6,11 @@ mergeInto(LibraryManager.library, {
   zrp_line_height: function(s, f) { return Module.page.of(s).lineHeight(UTF8ToString(f)); },
   zrp_fill: function(x, y, w, h, ink, r) { return Module.page.fill(x, y, w, h, ink, r); },
   zrp_stroke: function(x, y, w, h, ink, line, r) { return Module.page.stroke(x, y, w, h, ink, line, r); },
-  zrp_lines: function(p, n, ink, w, r) { return Module.page.lines(HEAPF64.subarray(p >> 3, (p >> 3) + 2 * n), ink, w, r); },
+  zrp_lines: function(p, n, ink, w, r) {
+    const at = p >> 3;
+    if (n === 2) Module.page.line(HEAPF64[at], HEAPF64[at + 1], HEAPF64[at + 2], HEAPF64[at + 3], ink, w);
+    else Module.page.lines(HEAPF64.subarray(at, at + 2 * n), ink, w, r);
+  },
   zrp_polygon: function(p, n, ink) { return Module.page.polygon(HEAPF64.subarray(p >> 3, (p >> 3) + 2 * n), ink); },
   zrp_text: function(x, y, w, h, t, n, ink, f, align) { return Module.page.text(x, y, w, h, UTF8ToString(t, n), ink, UTF8ToString(f), align); },
   zrp_image: function(x, y, w, h, p, columns, rows) { return Module.page.image(x, y, w, h, HEAPU8.subarray(p, p + 4 * columns * rows), columns, rows); },
