@@ -52,6 +52,7 @@ packages_windows="
 "
 packages_wasm="
   emscripten       em++
+  esbuild          esbuild
   cmake            cmake
   ninja-build      ninja
   ccache           ccache

@@ -8,11 +8,12 @@
 
 #define ZRW extern "C" EMSCRIPTEN_KEEPALIVE
 
-// clang-format off
-EM_JS(void, zrj_event, (int listener, const zrq_value* values, size_t count), { Module.caller.event(listener, values, count); });
-EM_JS(int, zrj_rows, (int source, int kind, const char* catalog, const char* schema, const char* table), { return Module.caller.rows(source, kind, catalog ? UTF8ToString(catalog) : null, schema ? UTF8ToString(schema) : null, table ? UTF8ToString(table) : null); });
-EM_JS(void, zrj_ended, (int number), { Module.caller.ended(number); });
-// clang-format on
+// In imports/callbacks.js.
+extern "C" {
+void zrj_event(int listener, const zrq_value* values, size_t count);
+int zrj_rows(int source, int kind, const char* catalog, const char* schema, const char* table);
+void zrj_ended(int number);
+}
 
 namespace {
 

@@ -70,11 +70,8 @@ export class ZrQueryDesigner extends HTMLElement {
   /** The whole design as text, as query files hold it: with places, joins and options. */
   get design() {
     if (!this.#query || this.#kept) return this.#kept;
-    const {FS} = page.module, path = '/design';
-    this.#query.SaveQuery(path);
-    const text = FS.readFile(path, {encoding: 'utf8'});
-    FS.unlink(path);
-    return text;
+    this.#query.SaveQuery('/design');
+    return page.api.take_file('/design');
   }
   set design(text) {
     this.#kept = '';

@@ -80,12 +80,13 @@ dialog .buttons { display: flex; justify-content: flex-end; gap: 8px; margin-top
 dialog .buttons button { border-color: var(--role-box-frame); min-width: 84px; }
 dialog .problem, dialog .warning { color: var(--role-error); margin: 0; }
 dialog .quiet { color: var(--role-quiet-text); margin: 0; }
+dialog .problem, dialog .warning, dialog .quiet, dialog .said { unicode-bidi: plaintext; text-align: -webkit-match-parent; text-align: match-parent; }
 dialog .said { white-space: pre-wrap; margin: 0; max-width: 60ch; }
 dialog .pair, dialog .heads { display: grid; grid-template-columns: 1fr auto 1fr auto; gap: 6px; margin: 3px 0; }
 dialog .heads { grid-template-columns: 1fr 1fr; }
 dialog .more { align-self: start; border-color: var(--role-box-frame); }
 dialog .tabs { display: flex; gap: 4px; }
 @media (prefers-reduced-motion: no-preference) { button { transition: background 80ms; } }
-@media (forced-colors: active) { .view, .colors, textarea.sql, button[aria-pressed="true"] { forced-color-adjust: none; } .list li.on, .menu [role^=menuitem]:focus { forced-color-adjust: none; } }
+@media (forced-colors: active) { .view, .colors, textarea.sql, button[aria-pressed="true"], button[aria-selected="true"], button.main { forced-color-adjust: none; } .list li.on, .menu [role^=menuitem]:focus { forced-color-adjust: none; } }
 ${inks}
 `;

@@ -7,12 +7,16 @@
 #include <version>
 
 #if defined(_LIBCPP_VERSION) && _LIBCPP_VERSION < 15000
+// Functions as values come without what tells their types, which nobody asks and which would keep the name of each in
+// the data. Everything else has its types.
+#ifndef _LIBCPP_NO_RTTI
+#define _LIBCPP_NO_RTTI
+#include <functional>
+#undef _LIBCPP_NO_RTTI
+#endif
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <cstddef>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <initializer_list>
@@ -20,6 +24,14 @@
 #include <memory>
 #include <type_traits>
 #include <utility>
+#include <vector>
+
+// Numbers are JavaScript's affair (bindings/web/imports/callbacks.js): those of the C library are a fiftieth of the
+// whole.
+extern "C" {
+int zrj_number_text(double value, int isSingle, int plainOnly, char* text);
+int zrj_number(const char* text, int length, double* value);
+}
 
 namespace std::ranges {
 
@@ -94,23 +106,68 @@ constexpr auto count(R&& r, const T& value, J j = {}) {
   return ranges::count_if(
       r, [&](const auto& x) { return x == value; }, std::ref(j));
 }
+// One sorting for all kinds of elements, stable: it orders their numbers. The library's own are a copy for each kind
+// and each comparison.
+using gap_before = bool (*)(const void* comparison, size_t a, size_t b);
+[[gnu::noinline]] inline void gap_order(size_t* order, size_t count, gap_before before, const void* comparison) {
+  if (count < 2) return;
+  const size_t half = count / 2;
+  gap_order(order, half, before, comparison);
+  gap_order(order + half, count - half, before, comparison);
+  const std::vector<size_t> left(order, order + half);
+  size_t a = 0;
+  for (size_t b = half, to = 0; a < half; ++to) {
+    order[to] = b < count && before(comparison, order[b], left[a]) ? order[b++] : left[a++];
+  }
+}
+template <class I, class S, class B>
+void gap_sort_moving(I first, S last, const B& before) {
+  const auto count = static_cast<size_t>(last - first);
+  if (count < 2) return;
+  std::vector<size_t> order(count);
+  for (size_t i = 0; i < count; ++i) order[i] = i;
+  const auto compare = [&](size_t a, size_t b) -> bool { return before(first[ptrdiff_t(a)], first[ptrdiff_t(b)]); };
+  gap_order(
+      order.data(), count,
+      [](const void* comparison, size_t a, size_t b) {
+        return (*static_cast<const decltype(compare)*>(comparison))(a, b);
+      },
+      &compare);
+  // Each to its place, along the circles in which they change places.
+  for (size_t i = 0; i < count; ++i) {
+    if (order[i] == i) continue;
+    auto kept = std::move(first[ptrdiff_t(i)]);
+    size_t to = i;
+    for (size_t from; (from = order[to]) != i; to = from) {
+      first[ptrdiff_t(to)] = std::move(first[ptrdiff_t(from)]);
+      order[to] = to;
+    }
+    first[ptrdiff_t(to)] = std::move(kept);
+    order[to] = to;
+  }
+}
+template <class I, class S, class B>
+constexpr void gap_sort(I first, S last, const B& before) {
+  if (is_constant_evaluated()) return std::sort(first, last, before);
+  ranges::gap_sort_moving(first, last, before);
+}
 template <gap_range R, class C = less, class J = identity>
 constexpr void sort(R&& r, C c = {}, J j = {}) {
-  std::sort(std::begin(r), std::end(r), gap_by(c, j));
+  ranges::gap_sort(std::begin(r), std::end(r), gap_by(c, j));
 }
 template <class I, class S, class C = less, class J = identity>
 requires gap_ends<I, S>
-constexpr void sort(I first, S last, C c = {}, J j = {}) { std::sort(first, last, gap_by(c, j)); }
+constexpr void sort(I first, S last, C c = {}, J j = {}) { ranges::gap_sort(first, last, gap_by(c, j)); }
 template <gap_range R, class C = less, class J = identity>
 void stable_sort(R&& r, C c = {}, J j = {}) {
-  std::stable_sort(std::begin(r), std::end(r), gap_by(c, j));
+  ranges::gap_sort(std::begin(r), std::end(r), gap_by(c, j));
 }
 template <class I, class S, class C = less, class J = identity>
 requires gap_ends<I, S>
-void stable_sort(I first, S last, C c = {}, J j = {}) { std::stable_sort(first, last, gap_by(c, j)); }
+void stable_sort(I first, S last, C c = {}, J j = {}) { ranges::gap_sort(first, last, gap_by(c, j)); }
 template <gap_range R, class I, class C = less, class J = identity>
-constexpr void partial_sort(R&& r, I middle, C c = {}, J j = {}) {
-  std::partial_sort(std::begin(r), middle, std::end(r), gap_by(c, j));
+constexpr void partial_sort(R&& r, I, C c = {}, J j = {}) {
+  ranges::gap_sort(std::begin(r), std::end(r), gap_by(c, j));
 }
 template <gap_range R, class C = less, class J = identity>
 constexpr bool is_sorted(R&& r, C c = {}, J j = {}) {
@@ -211,50 +268,21 @@ unique_ptr<T> make_unique_for_overwrite(size_t n = 0) {
   }
 }
 
-// The fewest digits that are read as the same number again.
-template <class T>
-int gap_digits(T value) {
-  constexpr int kEnough = is_same_v<T, float> ? 9 : 17;
-  char text[64];
-  for (int digits = 1; digits < kEnough; ++digits) {
-    snprintf(text, sizeof text, "%.*e", digits - 1, static_cast<double>(value));
-    if (static_cast<T>(strtod(text, nullptr)) == value) return digits;
-  }
-  return kEnough;
-}
 template <class T>
 requires is_floating_point_v<T> to_chars_result to_chars(char* first, char* last, T value,
                                                          chars_format format = chars_format::general) {
   char text[400];
-  const int digits = gap_digits(value);
-  int length = 0;
-  if (format == chars_format::fixed) {
-    snprintf(text, sizeof text, "%.*e", digits - 1, static_cast<double>(value));
-    const char* power = strchr(text, 'e');  // none of infinity
-    const int exponent = power ? atoi(power + 1) : 0;
-    length = snprintf(text, sizeof text, "%.*f", std::max(0, digits - 1 - exponent), static_cast<double>(value));
-  } else {
-    length = snprintf(text, sizeof text, "%.*g", digits, static_cast<double>(value));
-  }
+  const int length =
+      zrj_number_text(static_cast<double>(value), is_same_v<T, float>, format == chars_format::fixed, text);
   if (length > last - first) return {last, errc::value_too_large};
   memcpy(first, text, static_cast<size_t>(length));
   return {first + length, errc{}};
 }
 
 inline from_chars_result from_chars(const char* first, const char* last, double& value) {
-  char text[400];
-  const auto length = static_cast<size_t>(std::min<ptrdiff_t>(last - first, sizeof text - 1));
-  // strtod takes spaces, a plus sign and hexadecimals, too; from_chars does not.
-  if (length == 0 || isspace(static_cast<unsigned char>(*first)) || *first == '+')
-    return {first, errc::invalid_argument};
-  memcpy(text, first, length);
-  text[length] = 0;
-  if (char* x = strpbrk(text, "xX")) *x = 0;
-  char* end = nullptr;
-  const double read = strtod(text, &end);
-  if (end == text) return {first, errc::invalid_argument};
-  value = read;
-  return {first + (end - text), errc{}};
+  const int length = zrj_number(first, static_cast<int>(last - first), &value);
+  if (length < 0) return {last, errc::result_out_of_range};
+  return {first + length, length == 0 ? errc::invalid_argument : errc{}};
 }
 
 }  // namespace std

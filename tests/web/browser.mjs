@@ -22,6 +22,11 @@ const launchChromium = () => chromium.launch({ignoreDefaultArgs: ['--hide-scroll
     '--disable-background-networking', '--js-flags=--expose-gc', '--enable-precise-memory-info', '--disable-component-update', '--disable-sync']});
 export const launchBrowser = () => (isFirefox ? launchFirefox({}) : launchChromium());
 
+const names = {Up: 'ArrowUp', Down: 'ArrowDown', Left: 'ArrowLeft', Right: 'ArrowRight', Esc: 'Escape', Return: 'Enter', Del: 'Delete',
+  Menu: 'ContextMenu', Ctrl: 'Control'};
+/** A key of the tables as the browser's driver calls it: "Ctrl+Up". */
+export const keyOf = text => text.replace(/[^+]+/g, name => names[name] ?? (name.length === 1 ? name.toLowerCase() : name));
+
 const types = {'.html': 'text/html', '.js': 'text/javascript', '.mjs': 'text/javascript', '.css': 'text/css', '.wasm': 'application/wasm'};
 // As strict as the package promises to live with.
 const policy = "default-src 'self'; script-src 'self' 'wasm-unsafe-eval'; style-src 'self'; img-src 'self'";

@@ -7,7 +7,7 @@ import {readFileSync} from 'node:fs';
 import {join} from 'node:path';
 import {after, before, describe, test} from 'node:test';
 import {pathToFileURL} from 'node:url';
-import {folder, isFirefox, launchBrowser, need, openPage, root, servePages} from './browser.mjs';
+import {folder, isFirefox, keyOf, launchBrowser, need, openPage, root, servePages} from './browser.mjs';
 
 const rows = 'running and printing a query, its rows, files and menus above are the page\'s own';
 const differences = [
@@ -30,9 +30,6 @@ const read = name => readFileSync(join(root, 'tests/data', name), 'utf8').split(
   .map((text, i) => ({text, place: `${name}:${i + 1}`})).filter(({text}) => text.trim() && !text.startsWith('#'))
   .map(({text, place}) => ({place, text, cells: text.split('|').map(cell => cell.trim())}));
 
-const names = {Up: 'ArrowUp', Down: 'ArrowDown', Left: 'ArrowLeft', Right: 'ArrowRight', Esc: 'Escape', Return: 'Enter', Del: 'Delete',
-  Menu: 'ContextMenu', Ctrl: 'Control'};
-const keyOf = text => text.replace(/[^+]+/g, name => names[name] ?? (name.length === 1 ? name.toLowerCase() : name));
 const splitState = text => (text ?? '').split(';').map(part => part.trim()).filter(Boolean);
 
 let browser, server, page, schema;
@@ -334,6 +331,8 @@ describe('gestures', () => {
     rowTest(row, name, async () => {
       await begin(['Customers', 'Order', 'Order Lines']);
       await focus('diagram');
+      // While a button is held the tree waits.
+      await page.waitForFunction(() => designer.shadowRoot.querySelectorAll('#diagram .access [role=listbox]').length === designer.query.DiagramPane.Entities.Count);
       const before = (await state()).gestures;
       let pointer = {x: 0, y: 0};
       for (const step of splitState(steps)) pointer = await gesture(step, pointer);

@@ -2,7 +2,6 @@
 
 #include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <iterator>
 #include <utility>
 
@@ -12,6 +11,14 @@
 
 namespace zrqrybld {
 namespace {
+
+// At least so many characters, with zeros in front.
+std::string Digits(std::int64_t number, std::size_t fewest) {
+  std::string text = std::to_string(number);
+  const std::size_t sign = number < 0 ? 1 : 0;
+  if (text.size() < fewest) text.insert(sign, fewest - text.size(), '0');
+  return text;
+}
 
 // Days since 1899-12-30 as text, by the proleptic Gregorian calendar.
 std::string DateText(DateValue date) {
@@ -34,11 +41,13 @@ std::string DateText(DateValue date) {
   const auto dayOfMonth = static_cast<int>(dayOfYear - (153 * shifted + 2) / 5 + 1);
   const auto month = static_cast<int>(shifted < 10 ? shifted + 3 : shifted - 9);
   const auto year = static_cast<int>(yearOfEra + era * 400 + (month <= 2 ? 1 : 0));
-  char buffer[64];
-  const int length =
-      std::snprintf(buffer, sizeof buffer, "%04d-%02d-%02d %02d:%02d:%02d", year, month, dayOfMonth,
-                    static_cast<int>(rest / 3600), static_cast<int>(rest / 60 % 60), static_cast<int>(rest % 60));
-  return {buffer, static_cast<std::size_t>(length)};
+  std::string text = Digits(year, 4);
+  const std::int64_t parts[] = {month, dayOfMonth, rest / 3600, rest / 60 % 60, rest % 60};
+  for (std::size_t i = 0; i < std::size(parts); ++i) {
+    text += "-- ::"[i];
+    text += Digits(parts[i], 2);
+  }
+  return text;
 }
 
 [[noreturn]] void ThrowTypeMismatch() { throw Error(ErrorTypeMismatch, text::WrongKindOfValue); }

@@ -2,11 +2,10 @@
 // returned are the caller's to free.
 #include <emscripten.h>
 
-#include <cstdlib>
-#include <cstring>
 #include <string>
 
 #include "zrqrybld/adapters/web/fields.h"
+#include "zrqrybld/adapters/web/page.h"
 #include "zrqrybld/adapters/web/web_designer.h"
 #include "zrqrybld/automation/c_boundary.h"
 #include "zrqrybld/base/texts_diagram.h"
@@ -22,12 +21,6 @@ using namespace zrqrybld;
 namespace {
 
 constexpr std::size_t kMostAccessible = 4000;  // nodes; what does not fit is reached by scrolling
-
-char* Given(const std::string& text) {
-  char* copy = static_cast<char*>(std::malloc(text.size() + 1));
-  if (copy) std::memcpy(copy, text.c_str(), text.size() + 1);
-  return copy;
-}
 
 template <class Call>
 void OnControl(int surface, Call&& call) {

@@ -22,6 +22,7 @@ export class OpenMenu {
     this.closed = closed;
     this.chosen = chosen;
     this.levels = [];
+    this.mirrored = getComputedStyle(root.host).direction === 'rtl';
     const entries = unpack(fields).map((packed, number) => {
       const [depth, text, shortcut, flags] = unpack(packed);
       return {number, depth: +depth, text, shortcut, flags: +flags, entries: []};
@@ -60,13 +61,14 @@ export class OpenMenu {
       item.dataset.key = key;
       const text = document.createElement('span'), shortcut = document.createElement('kbd');
       text.textContent = shown;
-      shortcut.textContent = opens ? '▸' : entry.shortcut;
+      text.dir = 'auto';
+      shortcut.textContent = opens ? (this.mirrored ? '◂' : '▸') : entry.shortcut;
       item.append(text, shortcut);
       const open = () => {
         const box = item.getBoundingClientRect();
         if (this.levels[level + 1]?.owner === item) return;
         this.#closeFrom(level + 1);
-        this.#show(entry.entries, box.right - 2, box.top - 4, item);
+        this.#show(entry.entries, this.mirrored ? box.left + 2 : box.right - 2, box.top - 4, item);
       };
       item.run = () => {
         if (!enabled) return;
@@ -88,8 +90,9 @@ export class OpenMenu {
     this.root.append(menu);
     this.levels.push({menu, owner});
     // Beside its owner on the other side, or moved, where the window ends.
-    const {offsetWidth, offsetHeight} = menu, left = owner ? owner.getBoundingClientRect().left - offsetWidth + 2 : innerWidth - offsetWidth;
-    menu.style.left = Math.max(0, x + offsetWidth > innerWidth ? left : x) + 'px';
+    const {offsetWidth, offsetHeight} = menu, beside = owner?.getBoundingClientRect(), wanted = this.mirrored ? x - offsetWidth : x;
+    const other = this.mirrored ? (beside ? beside.right - 2 : 0) : beside ? beside.left - offsetWidth + 2 : innerWidth - offsetWidth;
+    menu.style.left = Math.max(0, wanted < 0 || wanted + offsetWidth > innerWidth ? other : wanted) + 'px';
     menu.style.top = Math.max(0, Math.min(y, innerHeight - offsetHeight)) + 'px';
     this.#items(level)[0]?.focus();
   }
@@ -104,14 +107,15 @@ export class OpenMenu {
     const items = this.#items(level), at = items.indexOf(this.root.activeElement), {key} = event;
     event.preventDefault();
     event.stopPropagation();
+    const [into, back] = this.mirrored ? ['ArrowLeft', 'ArrowRight'] : ['ArrowRight', 'ArrowLeft'];
     const go = to => items[(to + items.length) % items.length]?.focus();
     if (key === 'ArrowDown') go(at + 1);
     else if (key === 'ArrowUp') go(at < 0 ? items.length - 1 : at - 1);
     else if (key === 'Home') go(0);
     else if (key === 'End') go(items.length - 1);
     else if (key === 'Enter' || key === ' ') items[at]?.run();
-    else if (key === 'ArrowRight' && items[at]?.open) items[at].open();
-    else if (key === 'ArrowLeft' && level > 0 || key === 'Escape') {
+    else if (key === into && items[at]?.open) items[at].open();
+    else if (key === back && level > 0 || key === 'Escape') {
       const {owner} = this.levels[level];
       if (level === 0) return this.close();
       this.#closeFrom(level);

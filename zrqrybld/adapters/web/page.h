@@ -1,10 +1,11 @@
-// What the library asks of the page: functions that are JavaScript, in page.js.
+// What the library asks of the page: functions that are JavaScript, in imports/page.js.
 //
 // Surfaces, editors, lists, text areas and designers are numbers there. Texts go as UTF-8 with their length; those that
 // come back were allocated by the page and are freed by `Taken`. Places are CSS pixels.
 #pragma once
 
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -89,6 +90,16 @@ inline std::string Taken(char* text) {
   std::string result(text ? text : "");
   std::free(text);
   return result;
+}
+
+/// A copy for the page, which frees it; 0 without memory.
+inline char* Given(std::string_view text) {
+  char* copy = static_cast<char*>(std::malloc(text.size() + 1));
+  if (copy) {
+    std::memcpy(copy, text.data(), text.size());
+    copy[text.size()] = 0;
+  }
+  return copy;
 }
 
 }  // namespace zrqrybld

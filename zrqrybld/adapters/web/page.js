@@ -145,7 +145,7 @@ function callsOf(module) {
   for (const name of Object.keys(module)) {
     if (!name.startsWith('_zrw_')) continue;
     const call = module[name], short = name.slice(5);
-    const gives = ['ask', 'caption', 'words', 'tip', 'accessible', 'area_colors', 'area_brackets'].includes(short);
+    const gives = ['ask', 'caption', 'words', 'tip', 'accessible', 'area_colors', 'area_brackets', 'take_file'].includes(short);
     calls[short] = (...values) => {
       const texts = [];
       const passed = values.map(value => {
@@ -239,11 +239,8 @@ export class Designer {
   /** Shows a message about what has failed. */
   say(text) { this.dialog(0, 'message', pack([text, '2'])); }
   saved(path) {
-    const {FS} = this.page.module;
-    if (!FS.analyzePath(path).exists) return;  // a picture went its own way
-    const bytes = FS.readFile(path);
-    FS.unlink(path);
-    this.download(path.slice(1), new Blob([bytes]));
+    const text = this.page.api.take_file(path);
+    if (text !== '') this.download(path.slice(1), new Blob([text]));  // a picture went its own way
   }
   download(name, blob) {
     const link = Object.assign(document.createElement('a'), {href: URL.createObjectURL(blob), download: name});
@@ -274,57 +271,68 @@ export class Designer {
     surface.accessWanted = true;
     this.accessing ??= setTimeout(() => {
       this.accessing = undefined;
-      for (const part of [this.diagram, this.grid]) if (part.accessWanted) this.#updateAccess(part);
+      for (const part of [this.diagram, this.grid]) {
+        if (!part.accessWanted) continue;
+        if (part.isHeld()) this.accessChanged(part);  // who drags sees it; what comes of it is told afterwards
+        else this.#updateAccess(part);
+      }
     }, ACCESS_DELAY);
   }
 
   #updateAccess(surface) {
     surface.accessWanted = false;
-    const nodes = unpack(this.api.accessible(surface.number)).map(packed => unpack(packed));
-    if (nodes[0]) surface.canvas.setAttribute('aria-label', nodes[0][2]);
     const parents = [surface.access], used = [0];
     let active = '';
-    nodes.forEach(([depthText, role, name, description, flagsText, bounds], place) => {
-      const depth = +depthText, flags = +flagsText, parent = parents[depth], index = used[depth]++;
-      let node = parent.children[index];
-      if (!node) {
-        node = document.createElement('div');
-        node.id = `a${surface.number}-${depth}-${Math.random().toString(36).slice(2)}`;
-        parent.append(node);
-        node.addEventListener('click', event => {
-          event.stopPropagation();
-          this.api.perform(surface.number, node.place, +node.dataset.role === 2 ? 2 : 0);
-        });
-      }
-      const set = (attribute, value) => {
-        if (value === null) node.removeAttribute(attribute);
-        else if (node.getAttribute(attribute) !== value) node.setAttribute(attribute, value);
-      };
-      node.place = place;
-      node.dataset.bounds = bounds;
-      node.dataset.role = role;
-      set('role', ROLES[+role]);
-      set('aria-label', name);
-      set('aria-description', description || null);
-      set('aria-checked', flags & CHECKABLE ? (flags & MIXED ? 'mixed' : String((flags & CHECKED) !== 0)) : null);
-      set('aria-selected', flags & SELECTED ? 'true' : null);
-      set('aria-expanded', flags & EXPANDABLE ? String((flags & EXPANDED) !== 0) : null);
-      set('aria-invalid', flags & INVALID ? 'true' : null);
-      if (flags & CURRENT) active = node.id;
-      parents[depth + 1] = node;
-      used[depth + 1] = 0;
-      parents.length = depth + 2;
-      node.keep = place;
-    });
-    // What has gone is taken away: an element whose place was not given in this pass.
-    const clean = (parent, depth) => {
-      for (const node of [...parent.children]) {
-        if (node.keep === undefined) node.remove();
-        else { node.keep = undefined; clean(node, depth + 1); }
+    // Children beyond those that this pass has used have gone.
+    const end = depth => {
+      while (parents.length > depth) {
+        const parent = parents.pop(), count = used.pop();
+        while (parent.childElementCount > count) parent.lastElementChild.remove();
       }
     };
-    clean(surface.access, 0);
+    unpack(this.api.accessible(surface.number)).forEach((packed, place) => {
+      const depth = Number(packed.slice(packed.indexOf(':') + 1, packed.indexOf(':') + 1 + parseInt(packed)));
+      end(depth + 1);
+      const parent = parents[depth], index = used[depth]++;
+      const node = parent.children[index] ?? parent.appendChild(this.#newAccess(surface, depth));
+      node.place = place;
+      if (node.told !== packed) this.#tell(surface, node, packed);
+      if (node.isCurrent) active = node.id;
+      parents.push(node);
+      used.push(0);
+    });
+    end(0);
     if (active) surface.canvas.setAttribute('aria-activedescendant', active);
     else surface.canvas.removeAttribute('aria-activedescendant');
+  }
+
+  #newAccess(surface, depth) {
+    const node = document.createElement('div');
+    node.id = `a${surface.number}-${depth}-${Math.random().toString(36).slice(2)}`;
+    node.addEventListener('click', event => {
+      event.stopPropagation();
+      this.api.perform(surface.number, node.place, +node.dataset.role === 2 ? 2 : 0);
+    });
+    return node;
+  }
+
+  #tell(surface, node, packed) {
+    const [, role, name, description, flagsText, bounds] = unpack(packed), flags = +flagsText;
+    const set = (attribute, value) => {
+      if (value === null) node.removeAttribute(attribute);
+      else if (node.getAttribute(attribute) !== value) node.setAttribute(attribute, value);
+    };
+    node.told = packed;
+    node.isCurrent = (flags & CURRENT) !== 0;
+    node.dataset.bounds = bounds;
+    node.dataset.role = role;
+    set('role', ROLES[+role]);
+    set('aria-label', name);
+    set('aria-description', description || null);
+    set('aria-checked', flags & CHECKABLE ? (flags & MIXED ? 'mixed' : String((flags & CHECKED) !== 0)) : null);
+    set('aria-selected', flags & SELECTED ? 'true' : null);
+    set('aria-expanded', flags & EXPANDABLE ? String((flags & EXPANDED) !== 0) : null);
+    set('aria-invalid', flags & INVALID ? 'true' : null);
+    if (node.place === 0) surface.canvas.setAttribute('aria-label', name);
   }
 }

@@ -216,6 +216,9 @@ export class Surface {
 
   cursor(cursor) { this.canvas.style.cursor = CURSORS[cursor] ?? 'default'; }
 
+  /** Whether a button or a finger is down on it. */
+  isHeld() { return this.pointer !== undefined && this.canvas.hasPointerCapture(this.pointer); }
+
   capture(captured) {
     try {
       if (captured && this.pointer !== undefined) this.canvas.setPointerCapture(this.pointer);
@@ -261,8 +264,7 @@ export class Surface {
       if (!this.pressed) return;  // a finger's
       this.pressed = false;
       const again = event.button === 0 && event.detail % 2 === 0;
-      // The middle button scrolls nothing else; what a double click opens keeps the keyboard.
-      if (again || event.button === 1) event.preventDefault();
+      event.preventDefault();  // the control asks for the keyboard where it wants it: what the press opens keeps it
       mouse(again ? 3 : 0, buttonBit(event), event);
     });
     on('pointermove', event => {
@@ -420,12 +422,18 @@ export function drawingCalls(page) {
     return (odd ? Math.floor(v * ratio) + 0.5 : Math.round(v * ratio)) / ratio;
   };
   const sharp = (points, width) => {
-    const p = Array.from(points);
+    const p = points.slice();
     for (let i = 0; i + 3 < p.length; i += 2) {
       if (points[i] === points[i + 2]) p[i] = p[i + 2] = center(points[i], width);
       if (points[i + 1] === points[i + 3]) p[i + 1] = p[i + 3] = center(points[i + 1], width);
     }
     return p;
+  };
+  const strokeIt = (context, ink, width) => {
+    context.strokeStyle = color(ink);
+    context.lineWidth = width;
+    context.lineJoin = 'round';
+    context.stroke();
   };
   const calls = {
     fill(x, y, w, h, ink, radius) {
@@ -448,10 +456,17 @@ export function drawingCalls(page) {
     lines(points, ink, width, radius) {
       const {context} = page.drawing;
       path(sharp(points, width), radius);
-      context.strokeStyle = color(ink);
-      context.lineWidth = width;
-      context.lineJoin = 'round';
-      context.stroke();
+      strokeIt(context, ink, width);
+    },
+    // Between two points, as most lines are.
+    line(x1, y1, x2, y2, ink, width) {
+      const {context} = page.drawing;
+      if (x1 === x2) x1 = x2 = center(x1, width);
+      if (y1 === y2) y1 = y2 = center(y1, width);
+      context.beginPath();
+      context.moveTo(x1, y1);
+      context.lineTo(x2, y2);
+      strokeIt(context, ink, width);
     },
     polygon(points, ink) {
       const {context} = page.drawing;
@@ -466,8 +481,8 @@ export function drawingCalls(page) {
       context.fillStyle = color(ink);
       context.textBaseline = 'alphabetic';
       context.textAlign = 'left';
-      context.direction = /^[^\p{L}]*[\u0590-\u08ff\ufb1d-\ufefc]/u.test(text) ? 'rtl' : 'ltr';
-      const [shown, width] = fitting(context, surface, text, css, w);
+      const [shown, width, direction] = fitting(context, surface, text, css, w);
+      context.direction = direction;
       const left = alignment === 0 ? x : alignment === 1 ? x + (w - width) / 2 : x + w - width;
       context.fillText(shown, left, round(y + (h + font.ascent - font.descent) / 2));
     },
@@ -538,10 +553,11 @@ export function drawingCalls(page) {
   return calls;
 }
 
-// The text, elided at its end where it does not fit, and its width.
+// The text, elided at its end where it does not fit, its width, and which way it is read.
 function fitting(context, surface, text, css, room) {
   const key = `${css}\n${Math.round(room * 4)}\n${text}`, known = surface.elided.get(key);
   if (known) return known;
+  context.direction = /^[^\p{L}]*[\u0590-\u08ff\ufb1d-\ufefc]/u.test(text) ? 'rtl' : 'ltr';
   let result = [text, context.measureText(text).width];
   if (result[1] > room + 0.5) {
     const characters = [...text];
@@ -554,6 +570,7 @@ function fitting(context, surface, text, css, room) {
     result = [shown, context.measureText(shown).width];
   }
   if (surface.elided.size > MOST_MEASURED) surface.elided.clear();
+  result.push(context.direction);
   surface.elided.set(key, result);
   return result;
 }

@@ -41,7 +41,7 @@ export const themeRules = `
   :host { ${block(1)} color-scheme: light; }
   @media (prefers-color-scheme: dark) { :host(:not([theme="light"])) { ${block(2)} color-scheme: dark; } }
   :host([theme="dark"]) { ${block(2)} color-scheme: dark; }
-  @media (forced-colors: active) { :host, :host([theme]) { ${block(3)} } }
+  @media (forced-colors: active) { :host(:is([theme], :not([theme]))) { ${block(3)} } }  /* as particular as those above */
   :host { ${ROLES.map(([name]) => `--role-${name}: var(--zr-${name}, var(--zr-default-${name}));`).join(' ')} }
 `;
 

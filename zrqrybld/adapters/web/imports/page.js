@@ -1,0 +1,66 @@
+// What page.h declares: the calls of the library go to the objects of page.js as they are. What they do is there, and
+// can be read and replaced without a compiler. Handed to the linker, for functions in the WebAssembly would stand there as text,
+// too; `Module` is the loaded library.
+mergeInto(LibraryManager.library, {
+  zrp_text_width: function(s, t, n, f) { return Module.page.of(s).textWidth(UTF8ToString(t, n), UTF8ToString(f)); },
+  zrp_line_height: function(s, f) { return Module.page.of(s).lineHeight(UTF8ToString(f)); },
+  zrp_fill: function(x, y, w, h, ink, r) { return Module.page.fill(x, y, w, h, ink, r); },
+  zrp_stroke: function(x, y, w, h, ink, line, r) { return Module.page.stroke(x, y, w, h, ink, line, r); },
+  zrp_lines: function(p, n, ink, w, r) {
+    const at = p >> 3;
+    if (n === 2) Module.page.line(HEAPF64[at], HEAPF64[at + 1], HEAPF64[at + 2], HEAPF64[at + 3], ink, w);
+    else Module.page.lines(HEAPF64.subarray(at, at + 2 * n), ink, w, r);
+  },
+  zrp_polygon: function(p, n, ink) { return Module.page.polygon(HEAPF64.subarray(p >> 3, (p >> 3) + 2 * n), ink); },
+  zrp_text: function(x, y, w, h, t, n, ink, f, align) { return Module.page.text(x, y, w, h, UTF8ToString(t, n), ink, UTF8ToString(f), align); },
+  zrp_image: function(x, y, w, h, p, columns, rows) { return Module.page.image(x, y, w, h, HEAPU8.subarray(p, p + 4 * columns * rows), columns, rows); },
+  zrp_part: function(part, x, y, w, h, flags) { return Module.page.part(part, x, y, w, h, flags); },
+  zrp_clip: function(x, y, w, h) { return Module.page.clip(x, y, w, h); },
+  zrp_view: function(x, y, zoom) { return Module.page.view(x, y, zoom); },
+  zrp_back: function() { return Module.page.back(); },
+
+  zrp_invalidate: function(s, x, y, w, h) { return Module.page.of(s).invalidate(x, y, w, h); },
+  zrp_scroll_bar: function(s, vertical, value, maximum, page, step) { return Module.page.of(s).scrollBar(vertical, value, maximum, page, step); },
+  zrp_cursor: function(s, cursor) { return Module.page.of(s).cursor(cursor); },
+  zrp_capture: function(s, captured) { return Module.page.of(s).capture(captured != 0); },
+  zrp_focus: function(s) { return Module.page.of(s).focus(); },
+  zrp_ticking: function(s, on) { return Module.page.of(s).ticking(on != 0); },
+  zrp_menu: function(s, x, y, f, n) { return Module.page.of(s).menu(x, y, UTF8ToString(f, n)); },
+  zrp_drag: function(s, t, n) { return Module.page.of(s).drag(UTF8ToString(t, n)); },
+  zrp_copy: function(t, n) { return Module.page.copy(UTF8ToString(t, n)); },
+  zrp_picture: function(s, w, h, t, n) { return Module.page.of(s).picture(w, h, UTF8ToString(t, n)) ? 1 : 0; },
+
+  zrp_editor_make: function(e, s) { return Module.page.editorMake(e, s); },
+  zrp_editor_end: function(e) { return Module.page.of(e).end(); },
+  zrp_editor_place: function(e, x, y, w, h) { return Module.page.of(e).place(x, y, w, h); },
+  zrp_editor_show: function(e, visible, t, n) { return Module.page.of(e).show(visible != 0, UTF8ToString(t, n)); },
+  zrp_editor_font: function(e, f) { return Module.page.of(e).font(UTF8ToString(f)); },
+  zrp_editor_limit: function(e, n) { return Module.page.of(e).limit(n); },
+  zrp_editor_set: function(e, t, n) { return Module.page.of(e).set(UTF8ToString(t, n)); },
+  zrp_editor_text: function(e) { return Module.page.give(Module.page.of(e).text()); },
+  zrp_editor_start: function(e) { return Module.page.of(e).start(); },
+  zrp_editor_selected: function(e) { return Module.page.of(e).selected(); },
+  zrp_editor_select: function(e, start, n) { return Module.page.of(e).select(start, n); },
+  zrp_editor_replace: function(e, t, n) { return Module.page.of(e).replace(UTF8ToString(t, n)); },
+  zrp_editor_focus: function(e) { return Module.page.of(e).focus(); },
+  zrp_editor_focused: function(e) { return Module.page.of(e).focused() ? 1 : 0; },
+  zrp_list_open: function(l, s, x, y, w, h, f, n, highlighted) { return Module.page.listOpen(l, s, [x, y, w, h], UTF8ToString(f, n), highlighted); },
+  zrp_list_open_at: function(l, a, character, f, n, highlighted) { return Module.page.listOpen(l, a, Module.page.of(a).placeOf(character), UTF8ToString(f, n), highlighted); },
+  zrp_list_close: function(l) { return Module.page.listClose(l); },
+  zrp_list_highlight: function(l, i) { return Module.page.listHighlight(l, i); },
+
+  zrp_area_set: function(a, t, n) { return Module.page.of(a).set(UTF8ToString(t, n)); },
+  zrp_area_read_only: function(a, on) { return Module.page.of(a).readOnly(on != 0); },
+  zrp_area_remarks: function(a, f, n) { return Module.page.of(a).remarks(UTF8ToString(f, n)); },
+  zrp_area_commands: function(a, f, n) { return Module.page.of(a).commands(UTF8ToString(f, n)); },
+  zrp_area_fault: function(a, start, n) { return Module.page.of(a).fault(start, n); },
+  zrp_area_select: function(a, start, n) { return Module.page.of(a).select(start, n); },
+  zrp_area_replace: function(a, start, n, t, length) { return Module.page.of(a).replace(start, n, UTF8ToString(t, length)); },
+
+  zrp_dialog: function(d, dialog, kind, f, n) { return Module.page.of(d).dialog(dialog, UTF8ToString(kind), UTF8ToString(f, n)); },
+  zrp_confirm: function(d, t, n) { return Module.page.of(d).confirm(UTF8ToString(t, n)) ? 1 : 0; },
+  zrp_busy: function(d, busy) { return Module.page.of(d).busy(busy != 0); },
+  zrp_failed: function(d, t, n) { return Module.page.of(d).failed(UTF8ToString(t, n)); },
+  zrp_saved: function(d, t, n) { return Module.page.of(d).saved(UTF8ToString(t, n)); },
+  zrp_changed: function(d, what) { return Module.page.of(d).changed(what); },
+});
