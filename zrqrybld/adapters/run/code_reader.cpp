@@ -26,6 +26,7 @@ bool CodeReader::Next(Piece& piece) {
   do {
     if (!lexer.Next(token)) return false;
     RequireClear(token);
+    if (MakesComment(token)) RefuseStatement(text::BlankBetweenDashes, at_ - 1);
   } while (token.part == SourcePart::Comment);
   at_ = IsDigit(text_[token.begin]) ? EndOfNumber(token.begin) : token.end;
   piece = {token.begin, text_.substr(token.begin, at_ - token.begin)};
@@ -56,18 +57,16 @@ void CodeReader::RequireClear(const SourceToken& token) const {
 
 void CodeReader::RequireClearCode(std::size_t begin) const {
   if (IsControl(text_[begin])) RefuseStatement(text::ControlInCode, begin);
-  if (WouldBeginComment(begin)) RefuseStatement(text::BlankBetweenDashes, begin);
   if (family_ == SourceFamily::Sqlite && IsLongVariable(begin)) {
     RefuseStatement(text::VariableWithoutValue, begin);
   }
 }
 
-// Whether this is the second minus sign of two in front of what is sent as blanks: where a blank makes a comment of
-// them, the rest of the line would be lost.
-bool CodeReader::WouldBeginComment(std::size_t begin) const {
-  if (!reading_.blankAfterDashes || begin == 0 || text_.substr(begin - 1, 2) != "--") return false;
-  const std::string_view behind = text_.substr(begin + 1, 2);
-  return behind.starts_with(';') || behind.starts_with('#') || behind == "/*";
+// Whether this is sent as a blank and stands right behind two minus signs: where a blank makes a comment of them, the
+// rest of the line would be lost.
+bool CodeReader::MakesComment(const SourceToken& token) const {
+  const bool vanishes = token.part == SourcePart::Comment || text_[token.begin] == ';';
+  return vanishes && reading_.blankAfterDashes && token.begin == at_ && text_.substr(0, at_).ends_with("--");
 }
 
 // $name(...) is one variable of SQLite, whatever the parentheses hold.

@@ -32,7 +32,7 @@ class CodeReader {
  private:
   void RequireClear(const SourceToken& token) const;
   void RequireClearCode(std::size_t begin) const;
-  bool WouldBeginComment(std::size_t begin) const;
+  bool MakesComment(const SourceToken& token) const;
   bool IsLongVariable(std::size_t begin) const;
   std::size_t EndOfNumber(std::size_t begin) const;
 
