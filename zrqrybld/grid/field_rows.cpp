@@ -43,7 +43,9 @@ void FieldRows::Note(const zrGridRow& row) {
       return std::ranges::all_of(entry.second, [](const WeakRef<Object>& noted) { return noted.expired(); });
     });
   }
-  byField_[KeyOf(*table, *column)].push_back(rows_.At(row.Index()).weak_from_this());
+  Noted& noted = byField_[KeyOf(*table, *column)];
+  noted.push_back(rows_.At(row.Index()).weak_from_this());
+  if (noted.size() > Many()) Of({*table, *column});
 }
 
 void FieldRows::NoteTable(const zrGridRow& row, const std::string& table) {
