@@ -123,6 +123,15 @@ TEST_F(Accessibility, ActionsDoWhatTheUserWould) {
   EXPECT_EQ(Utf8(Of(*QApplication::focusWidget()).text(QAccessible::Name)), "Criteria, row 1");
   QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
 
+  // The header's box unticks all columns, and ticks them again; no other header has one.
+  const auto toggleHeader = [this](const char* name) {
+    Find(GridAccess(), name)->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+    return Grid().Value(1, "output").Text() + Grid().Value(2, "output").Text();
+  };
+  EXPECT_EQ(toggleHeader("Output"), "FalseFalse");
+  EXPECT_EQ(toggleHeader("Output"), "TrueTrue");
+  EXPECT_EQ(toggleHeader("Criteria"), "TrueTrue");
+
   // Joins go with their table, all in one sentence, and what was asked for before is gone.
   const QAccessible::Id join = QAccessible::uniqueId(DiagramAccess().child(2));
   told.clear();
