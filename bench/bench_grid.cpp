@@ -132,7 +132,7 @@ void ScrollAndPaint(benchmark::State& state) {
 }
 BENCHMARK(ScrollAndPaint)->Arg(100)->Arg(1000)->Arg(10000);
 
-// A row in the middle of a million cells comes, is filled and goes, then all of it is painted; "mb" is the memory that
+// A row in the middle of a million cells comes, is filled, is gone to and painted, and goes; "mb" is the memory that
 // the cells take.
 void MillionCells(benchmark::State& state) {
   constexpr std::int32_t kGridColumns = 10;

@@ -1,5 +1,6 @@
 // Every public operation that grows with the design, at 1,000, 4,000 and 16,000 of what it works on: what all of them
-// cost in one step, and with which power of the number that grows. 1 is linear; more than 1.2 is a fault.
+// cost in one step. `bench/growth` says with which power of the number that grows: 1 is linear, more than 1.2 is a
+// fault.
 #include <benchmark/benchmark.h>
 
 #include <functional>
@@ -19,8 +20,6 @@
 #include "zrqrybld/host/properties.h"
 #include "zrqrybld/host/step_context.h"
 #include "zrqrybld/hub/hub.h"
-#include "zrqrybld/hub/queries.h"
-#include "zrqrybld/sql/joins.h"
 #include "zrqrybld/sql/sql_pane.h"
 
 namespace zrqrybld::bench {

@@ -144,11 +144,14 @@ TEST_F(PreviewJobs, TheSourceMayBeWrittenMeanwhile) {
       std::this_thread::sleep_for(milliseconds(1));
     }
   });
+  int whole = 0;
   for (int round = 0; round < 5; ++round) {
     const auto job = Run(kAll);
     ASSERT_TRUE(window_.WaitUntil([&] { return job->ended; }));
-    EXPECT_EQ(job->rows + (job->failure.empty() ? 0 : kRows), kRows) << job->failure;
+    EXPECT_EQ(job->rows, job->failure.empty() ? kRows : 0) << job->failure;  // who comes while it is locked is told so
+    whole += job->failure.empty() ? 1 : 0;
   }
+  EXPECT_GT(whole, 0);
 }
 
 }  // namespace
