@@ -5,6 +5,7 @@
 #include <string>
 
 #include "zrqrybld/base/error.h"
+#include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/statement_parser.h"
 #include "zrqrybld/sql/window_call.h"
 
@@ -91,7 +92,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!again || again->offset != 0 || again->length != written.size() || !(again->call == found->call)) std::abort();
     const std::string_view typed = std::string_view(text).substr(found->offset, found->length);
     if (IsExpression(typed) && !IsExpression(written)) std::abort();
-    FaultOf(found->call);
+    FaultOf(found->call, *FindDialect(at == place ? "SQLServer" : "PostgreSQL"));
   }
   FirstWindowCall(text);
   return 0;

@@ -429,6 +429,47 @@ TEST_F(CellQueries, AreMadeNestedAndShownAgainWhereTheyStood) {
   EXPECT_EQ(Written(), "SELECT Orders.Total FROM Orders");
 }
 
+// A table that comes into a query takes no name away from the queries around it.
+TEST_F(CellQueries, KeepTheirNamesOfTablesAroundWhenATableComes) {
+  source->Table("Parts", {});
+  source->Column("Parts", "Total", 1);
+  source->Column("Parts", "Weight", 2);
+  Use();
+  const struct {
+    const char* inside;  // of a query over Orders
+    const char* table;
+    const char* after;
+  } kCases[] = {
+      {"SELECT Name FROM Customers c WHERE c.CustomerID = Orders.CustomerID", "Orders",
+       "SELECT c.Name FROM Customers AS c, Orders AS Orders1 WHERE ((c.CustomerID = Orders.CustomerID))"},
+      {"SELECT Name FROM Customers WHERE Customers.CustomerID > Total", "Parts",
+       "SELECT Customers.Name FROM Customers, Parts WHERE ((Customers.CustomerID > Orders.Total))"},
+      {"SELECT Name, Total + 1 AS t FROM Customers WHERE Total * 2 > \"Total\" - 'Total' /* Total */", "Parts",
+       "SELECT Customers.Name, Orders.Total + 1 AS t FROM Customers, Parts WHERE "
+       "((Orders.Total * 2 > Orders.\"Total\" - 'Total'))"},
+      {"SELECT Customers.Name FROM Customers LEFT JOIN Customers d ON Customers.Name = d.Name AND Total > 3", "Parts",
+       "SELECT Customers.Name FROM Customers LEFT JOIN Customers AS d ON d.Name = Customers.Name AND "
+       "Orders.Total > 3, Parts"},
+      // What the new table has not stays as it is.
+      {"SELECT Name FROM Customers WHERE CustomerID > Total AND Name = 'Total'", "Customers",
+       "SELECT Customers.Name FROM Customers, Customers AS Customers1 WHERE ((Customers.Name = 'Total') AND "
+       "(Customers.CustomerID > Total))"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.inside);
+    Parse(std::string("SELECT OrderID FROM Orders WHERE OrderID IN (") + c.inside + ")");
+    const Ref<qbQuery> query = hub->Queries()->OpenInCell(1, "criteria");
+    const std::string before = query->SQLStatement();
+    hub->AddTable(c.table);
+    EXPECT_EQ(OnLine(query->SQLStatement()), c.after);
+    hub->Undo();
+    EXPECT_EQ(query->SQLStatement(), before);
+  }
+  Parse("SELECT Total * 2 AS t FROM Orders");
+  hub->AddTable("Parts");
+  EXPECT_EQ(Written(), "SELECT Total * 2 AS t FROM Orders, Parts") << "nothing is around";
+}
+
 TEST_F(CellQueries, FollowARenamedQueryAndALostCell) {
   Parse(
       "WITH r AS (SELECT CustomerID c FROM Orders) SELECT Name FROM Customers WHERE CustomerID IN (SELECT c FROM r) OR "

@@ -52,7 +52,7 @@ TEST(WindowCalls, AreTakenApartAndPutTogether) {
     EXPECT_EQ(Joined(call.orders, [](const WindowOrder& order) { return Printed(order); }), row[4]);
     EXPECT_EQ(PrintedFrame(call), row[5]);
     EXPECT_EQ(WriteWindowCall(call), row[6]);
-    EXPECT_EQ(kFaults[static_cast<std::size_t>(FaultOf(call))], row[7]);
+    EXPECT_EQ(kFaults[static_cast<std::size_t>(FaultOf(call, *FindDialect("PostgreSQL")))], row[7]);
     const std::optional<WindowCallPlace> again = FindWindowCall(row[6], row[6].size());
     ASSERT_TRUE(again);
     EXPECT_TRUE(again->call == call);
@@ -81,6 +81,29 @@ TEST(WindowCalls, ManyThatCannotBeReadTakeNoLongerThanTheyAreLong) {
   text += std::string(20'000, ')');
   EXPECT_FALSE(FindWindowCall(text, text.size()));
   EXPECT_FALSE(FirstWindowCall(text));
+}
+
+TEST(WindowCalls, CountValuesOnlyWhereServersDo) {
+  const struct {
+    const char* frame;
+    bool takenByAll;
+  } kCases[] = {{"RANGE 1 PRECEDING", false},
+                {"RANGE BETWEEN CURRENT ROW AND 2 FOLLOWING", false},
+                {"RANGE UNBOUNDED PRECEDING", true},
+                {"RANGE BETWEEN CURRENT ROW AND UNBOUNDED FOLLOWING", true},
+                {"ROWS 1 PRECEDING", true}};
+  for (const auto& c : kCases) {
+    const std::optional<WindowCallPlace> found =
+        FirstWindowCall(std::string("SUM(x) OVER (ORDER BY y ") + c.frame + ")");
+    ASSERT_TRUE(found);
+    for (const char* dialect : {"MSSQL", "SQLServer"}) {
+      EXPECT_EQ(FaultOf(found->call, *FindDialect(dialect)),
+                c.takenByAll ? WindowCallFault::None : WindowCallFault::DistanceInValues)
+          << c.frame;
+    }
+    for (const char* dialect : {"PostgreSQL", "MySQL", "SQLite", "Oracle"})
+      EXPECT_EQ(FaultOf(found->call, *FindDialect(dialect)), WindowCallFault::None) << c.frame;
+  }
 }
 
 }  // namespace

@@ -17,6 +17,7 @@
 #include "zrqrybld/platform/dialogs.h"
 #include "zrqrybld/platform/schema_fields.h"
 #include "zrqrybld/platform/toolkit.h"
+#include "zrqrybld/sql/outer_queries.h"
 #include "zrqrybld/sql/source_rules.h"
 
 namespace zrqrybld {
@@ -38,13 +39,22 @@ SchemaRestrictions RestrictionsFor(const std::vector<Identifier>& parts) {
   return restrictions;
 }
 
+// Whether the name is that of a table of a query around, and the design names it.
+bool NamesAround(const QueryContext& context, const std::string& name) {
+  const std::shared_ptr<const OuterQueries> outer = context.design.Outer();
+  return outer && outer->FindTable(name) &&
+         std::ranges::any_of(OuterTablesNamed(context.design.Snapshot()),
+                             [&](const std::string& named) { return EqualsNoCase(named, name); });
+}
+
 }  // namespace
 
-// The first copy keeps its separators; later copies lose them, so that a number can follow.
+// The first copy keeps its separators; later copies lose them, so that a number can follow. A table that would take the
+// name of one of a query around which is named here counts as a copy.
 std::string TablePicker::FreshKey(const std::string& tableName) const {
   const std::string name = IsTextSource(*context_) ? ReplaceAll(tableName, ".", "_") : tableName;
   const Ref<qbEntities> entities = context_->design.Entities();
-  if (!entities->Item(name)) return name;
+  if (!entities->Item(name) && !NamesAround(*context_, name)) return name;
   const std::optional<std::string> separator = context_->source.Properties()->FindText("SCHEMA_SEPARATOR");
   const std::string stem = separator ? ReplaceAll(name, *separator, "_") : name;
   for (int copy = 1;; ++copy) {
@@ -92,6 +102,7 @@ Ref<qbEntity> TablePicker::MakeEntity(const std::string& tableName) {
   entity->EntityBox()->SetIsView(
       EqualsNoCase(entity->Properties()->FindText(std::string(kSchemaFactPrefix) + "TABLE_TYPE").value_or(""), "VIEW"));
   entities->Fit(*entity);
+  context_->reports.TableAdded(entity->Caption());
   return entity;
 }
 

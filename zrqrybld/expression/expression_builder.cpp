@@ -102,7 +102,7 @@ bool frmExpressionBuilder::MissesWindowWord(std::string_view word) const {
 }
 
 std::string frmExpressionBuilder::ProblemOf(const WindowCall& call) const {
-  switch (FaultOf(call)) {
+  switch (FaultOf(call, Context()->design.CurrentDialect())) {
     case WindowCallFault::None:
       return {};
     case WindowCallFault::GroupsWithoutOrder:
@@ -111,6 +111,8 @@ std::string frmExpressionBuilder::ProblemOf(const WindowCall& call) const {
       return Context()->source.Say(text::WindowDistanceWithoutOrder);
     case WindowCallFault::EndsBeforeItBegins:
       return Context()->source.Say(text::WindowEndsFirst);
+    case WindowCallFault::DistanceInValues:
+      return Context()->source.Say(text::WindowDistanceInValues);
   }
   return {};
 }

@@ -26,6 +26,8 @@ class ZRQRYBLD_API DesignReports {
   virtual void ItemChecked(const std::string& entityCaption, const std::string& itemText, bool checked) = 0;
   /// A column that is ticked has got another text.
   virtual void ItemRenamed(const std::string& entityCaption, const std::string& before, const std::string& after) = 0;
+  /// A table of the source has come into the diagram with its columns.
+  virtual void TableAdded(const std::string& caption) = 0;
   /// An entity has left the diagram.
   virtual void EntityRemoved(const std::string& caption) = 0;
   /// An entity has got another caption.

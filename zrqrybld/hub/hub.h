@@ -435,6 +435,7 @@ class ZRQRYBLD_API qbQueryBuilder final : public Object, public QueryContext {
   /// What has happened in the diagram; the grid follows.
   void ItemChecked(const std::string& entityCaption, const std::string& itemText, bool checked);
   void ItemRenamed(const std::string& entityCaption, const std::string& before, const std::string& after);
+  void TableAdded(const std::string& caption);
   void EntityRemoved(const std::string& caption);
   void EntityRenamed(const std::string& oldCaption, const std::string& newCaption);
   void DiagramCleared();

@@ -81,6 +81,7 @@ struct qbQueryBuilder::Parts {
     void ItemRenamed(const std::string& entityCaption, const std::string& before, const std::string& after) override {
       parts_.hub->ItemRenamed(entityCaption, before, after);
     }
+    void TableAdded(const std::string& caption) override { parts_.hub->TableAdded(caption); }
     void EntityRemoved(const std::string& caption) override { parts_.hub->EntityRemoved(caption); }
     void EntityRenamed(const std::string& oldCaption, const std::string& newCaption) override {
       parts_.hub->EntityRenamed(oldCaption, newCaption);

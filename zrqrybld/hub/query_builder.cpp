@@ -37,6 +37,7 @@
 #include "zrqrybld/sql/join_condition.h"
 #include "zrqrybld/sql/join_list.h"
 #include "zrqrybld/sql/names.h"
+#include "zrqrybld/sql/outer_queries.h"
 #include "zrqrybld/sql/query_snapshot.h"
 #include "zrqrybld/sql/rename.h"
 #include "zrqrybld/sql/source_rules.h"
@@ -477,22 +478,31 @@ void qbQueryBuilder::ItemRenamed(const std::string& entityCaption, const std::st
   if (gridPane_) GridPane()->RenameColumn(entityCaption, before, after);
 }
 
+namespace {
+
+void RewriteConditions(qbEntities& entities, const std::function<std::string(std::string_view)>& rewrite) {
+  for (const Ref<qbRelationship>& join : entities.AskingJoins()) {
+    if (!join->Condition().empty()) join->SetCondition(rewrite(join->Condition()));
+  }
+}
+
+}  // namespace
+
+// In a query within another one, names without a table keep meaning what they meant around.
+void qbQueryBuilder::TableAdded(const std::string& caption) {
+  if (travelling_ || !Outer()) return;
+  const auto taken = NamesTakenByLastTable(Snapshot());
+  if (taken.empty()) return;
+  const auto qualified = [&](std::string_view text) { return QualifyColumns(text, taken); };
+  if (const Ref<qbEntities> entities = Entities()) RewriteConditions(*entities, qualified);
+  if (gridPane_) GridPane()->RenameTable(caption, caption, qualified);  // rewrites what was typed
+}
+
 void qbQueryBuilder::EntityRemoved(const std::string& caption) {
   if (gridPane_) GridPane()->RemoveRowsOf(caption);
   DropUnnamedQueries();
   RaiseInfo(InfoTableRemoved, caption);
 }
-
-namespace {
-
-// Joins whose conditions name the table follow it.
-void RenameInConditions(qbEntities& entities, const std::function<std::string(std::string_view)>& renamed) {
-  for (const Ref<qbRelationship>& join : entities.AskingJoins()) {
-    if (!join->Condition().empty()) join->SetCondition(renamed(join->Condition()));
-  }
-}
-
-}  // namespace
 
 void qbQueryBuilder::EntityRenamed(const std::string& oldCaption, const std::string& newCaption) {
   const NameRules rules = CurrentNameRules(*this);
@@ -503,7 +513,7 @@ void qbQueryBuilder::EntityRenamed(const std::string& oldCaption, const std::str
       ownName ? RenderQualified(SplitName(newCaption, rules), rules) : QuoteWhenNeeded(Identifier(newCaption), rules);
   const auto renamed = [&](std::string_view text) { return RenameQualifier(text, oldCaption, after, rules); };
   const Ref<qbEntities> entities = Entities();
-  if (entities) RenameInConditions(*entities, renamed);
+  if (entities) RewriteConditions(*entities, renamed);
   if (gridPane_) GridPane()->RenameTable(oldCaption, newCaption, renamed);
 }
 

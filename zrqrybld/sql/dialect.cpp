@@ -67,7 +67,7 @@ constexpr Dialect Generic() {
 constexpr Dialect MsSql() {
   Dialect d = kBase;
   d.name = "MSSQL";
-  d.missingWords = " FILTER NULLS GROUPS NTH_VALUE ";
+  d.missingWords = " FILTER NULLS GROUPS NTH_VALUE RANGE ";
   d.queries.namesColumns = true;
   d.parameterSigns = "@";
   d.concatenation = "+";
@@ -227,7 +227,7 @@ constexpr Dialect SqlServer() {
   Dialect d = kBase;
   d.syntax = SQLSyntaxSQLServer;
   d.name = "SQLServer";
-  d.missingWords = " FILTER NULLS GROUPS NTH_VALUE ";
+  d.missingWords = " FILTER NULLS GROUPS NTH_VALUE RANGE ";
   d.queries.namesColumns = true;
   d.parameterSigns = "@";
   d.needsTables = false;

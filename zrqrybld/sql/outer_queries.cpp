@@ -1,11 +1,13 @@
 #include "zrqrybld/sql/outer_queries.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 #include "zrqrybld/base/error.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/sql/criteria_formatter.h"
+#include "zrqrybld/sql/names.h"
 #include "zrqrybld/sql/statement_parser.h"
 #include "zrqrybld/sql/syntax_error.h"
 
@@ -28,16 +30,36 @@ bool OuterQueries::HasColumn(const std::vector<std::string>& parts) const {
   return around_ && around_->HasColumn(parts);
 }
 
+const SnapshotTable* OuterQueries::FindTable(std::string_view caption) const {
+  for (const SnapshotTable& table : Tables()) {
+    if (EqualsNoCase(table.caption.Name(), caption)) return &table;
+  }
+  return around_ ? around_->FindTable(caption) : nullptr;
+}
+
 namespace {
 
-// Collects the tables around that expressions name.
+// Reads the expressions of a query and tells of each name of a column around, with the caption of its table there.
 class OuterNames {
  public:
-  explicit OuterNames(const QuerySnapshot& query)
-      : query_(query), source_(query.columns), scope_({}, source_, &query.outer->Scope()) {
-    for (const SnapshotTable& table : query.tables) scope_.AddKnown(table);
+  using Tell = std::function<void(const Expression& column, const std::string& table)>;
+
+  // Of its tables only the first `count` lend their columns to names.
+  OuterNames(const QuerySnapshot& query, std::size_t count, Tell tell)
+      : query_(query), source_(query.columns), scope_({}, source_, &query.outer->Scope()), tell_(std::move(tell)) {
+    for (std::size_t table = 0; table < count; ++table) scope_.AddKnown(query.tables[table]);
+    for (const SnapshotJoin& join : query.joins) {
+      if (!join.condition.empty()) Take(join.condition);
+    }
+    for (const SnapshotRow& row : query.rows) {
+      if (!row.table) Take(row.column);
+      for (const std::string& cell : row.criteria) {
+        if (!cell.empty()) TakeCriterion(cell, row);
+      }
+    }
   }
 
+ private:
   void Take(std::string_view expression) {
     SyntaxArena arena(expression.size() * 8 + 256);
     try {
@@ -58,9 +80,6 @@ class OuterNames {
       // As above.
     }
   }
-  std::vector<std::string> Found() && { return std::move(found_); }
-
- private:
   void Walk(const Expression& root) {
     std::vector<const Expression*> pending{&root};
     while (!pending.empty()) {
@@ -68,7 +87,7 @@ class OuterNames {
       pending.pop_back();
       if (e->kind == ExpressionKind::Column) {
         const std::string table = scope_.OuterTableOf(*e);
-        if (!table.empty() && std::ranges::find(found_, table) == found_.end()) found_.push_back(table);
+        if (!table.empty()) tell_(*e, table);
       }
       for (const Expression* child = e->first; child; child = child->next) pending.push_back(child);
     }
@@ -77,24 +96,34 @@ class OuterNames {
   const QuerySnapshot& query_;
   DesignSource source_;
   NameScope scope_;
-  std::vector<std::string> found_;
+  const Tell tell_;
 };
 
 }  // namespace
 
 std::vector<std::string> OuterTablesNamed(const QuerySnapshot& query) {
-  if (!query.outer) return {};
-  OuterNames names(query);
-  for (const SnapshotJoin& join : query.joins) {
-    if (!join.condition.empty()) names.Take(join.condition);
-  }
-  for (const SnapshotRow& row : query.rows) {
-    if (!row.table) names.Take(row.column);
-    for (const std::string& cell : row.criteria) {
-      if (!cell.empty()) names.TakeCriterion(cell, row);
-    }
-  }
-  return std::move(names).Found();
+  std::vector<std::string> found;
+  if (!query.outer) return found;
+  OuterNames(query, query.tables.size(), [&](const Expression&, const std::string& table) {
+    if (std::ranges::find(found, table) == found.end()) found.push_back(table);
+  });
+  return found;
+}
+
+std::unordered_map<std::string, SqlText, HashNoCase, EqualNoCase> NamesTakenByLastTable(const QuerySnapshot& query) {
+  std::unordered_map<std::string, SqlText, HashNoCase, EqualNoCase> taken;
+  if (!query.outer || !query.columns || query.tables.empty()) return taken;
+  const std::size_t last = query.tables.size() - 1;
+  OuterNames(query, last, [&](const Expression& column, const std::string& table) {
+    const std::string name = PlainName(column.name);
+    if (!column.Qualifier().empty() || !query.columns->FindColumn(last, name)) return;
+    const auto isHere = [&](const SnapshotTable& own) { return EqualsNoCase(own.caption.Name(), table); };
+    if (std::ranges::any_of(query.tables, isHere)) return;
+    const SnapshotTable* around = query.outer->FindTable(table);
+    taken.try_emplace(name, !around || around->aliased ? QuoteWhenNeeded(Identifier(table), query.names)
+                                                       : RenderQualified(around->name, query.names));
+  });
+  return taken;
 }
 
 }  // namespace zrqrybld

@@ -6,11 +6,13 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "zrqrybld/base/export.h"
 #include "zrqrybld/sql/name_scope.h"
 #include "zrqrybld/sql/query_snapshot.h"
+#include "zrqrybld/sql/sql_text.h"
 
 namespace zrqrybld {
 
@@ -50,6 +52,8 @@ class ZRQRYBLD_API OuterQueries {
 
   /// Whether the name, given by its parts, is a column of any of them; of a table whose columns nobody knows, any is.
   bool HasColumn(const std::vector<std::string>& parts) const;
+  /// The table with this caption, the nearest of several; nullptr when there is none.
+  const SnapshotTable* FindTable(std::string_view caption) const;
 
  private:
   const std::shared_ptr<const OuterQueries> around_;
@@ -60,5 +64,10 @@ class ZRQRYBLD_API OuterQueries {
 /// The captions of the tables of queries around that the query names in its rows, each once; empty for a query that
 /// could stand alone.
 ZRQRYBLD_API std::vector<std::string> OuterTablesNamed(const QuerySnapshot& query);
+
+/// The names without a table by which the query means columns of queries around and which would mean columns of its own
+/// last table, which is new: each with its table around, as SQL. Names that no table around lends its name to are left
+/// out, such as one of a table that is called like one here.
+std::unordered_map<std::string, SqlText, HashNoCase, EqualNoCase> NamesTakenByLastTable(const QuerySnapshot& query);
 
 }  // namespace zrqrybld

@@ -222,4 +222,30 @@ std::string RenameQualifier(std::string_view text, std::string_view before, cons
   return Renamer(text, before, rules, SourceFinder(text, before).Schemas()).Run(after.Text());
 }
 
+std::string QualifyColumns(std::string_view text,
+                           const std::unordered_map<std::string, SqlText, HashNoCase, EqualNoCase>& tables) {
+  const std::vector<InnerQueryPlace> queries = InnerQueriesIn(text);
+  std::vector<Token> tokens = Tokenize(text);
+  std::erase_if(tokens, [](const Token& token) { return token.kind == TokenKind::Comment; });
+  const auto isSign = [&](std::size_t at, char sign) {
+    return at < tokens.size() && tokens[at].length == 1 && text[tokens[at].offset] == sign;
+  };
+  std::string result;
+  std::size_t copied = 0;
+  auto query = queries.begin();
+  for (std::size_t at = 0; at < tokens.size(); ++at) {
+    const Token& token = tokens[at];
+    while (query != queries.end() && query->end <= token.offset) ++query;
+    const bool inQuery = query != queries.end() && query->begin <= token.offset;
+    const bool isName = token.kind == TokenKind::QuotedIdentifier || token.kind == TokenKind::Word;
+    if (inQuery || !isName || (at > 0 && isSign(at - 1, '.')) || isSign(at + 1, '.') || isSign(at + 1, '(')) continue;
+    const auto table = tables.find(NameOf(text, token));
+    if (table == tables.end()) continue;
+    result.append(text, copied, token.offset - copied);
+    result += table->second.Text() + ".";
+    copied = token.offset;
+  }
+  return result.append(text, copied);
+}
+
 }  // namespace zrqrybld

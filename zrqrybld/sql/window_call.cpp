@@ -338,16 +338,17 @@ std::string WriteWindowCall(const WindowCall& call) {
   return text + ")";
 }
 
-WindowCallFault FaultOf(const WindowCall& call) {
+WindowCallFault FaultOf(const WindowCall& call, const Dialect& dialect) {
   if (call.unit == FrameUnit::None) return WindowCallFault::None;
   const auto orders = std::ranges::count_if(call.orders, [](const WindowOrder& o) { return !o.expression.empty(); });
   const auto hasDistance = [](const FrameBound& bound) {
     return bound.edge == FrameEdge::Before || bound.edge == FrameEdge::After;
   };
+  const bool inValues = call.unit == FrameUnit::Range && (hasDistance(call.from) || hasDistance(call.to));
+  if (inValues && Misses(dialect, "RANGE")) return WindowCallFault::DistanceInValues;
   // A window that it builds upon may hold the order.
   if (call.window.empty()) {
     if (call.unit == FrameUnit::Groups && orders == 0) return WindowCallFault::GroupsWithoutOrder;
-    const bool inValues = call.unit == FrameUnit::Range && (hasDistance(call.from) || hasDistance(call.to));
     if (inValues && orders != 1) return WindowCallFault::DistanceWithoutOrder;
   }
   const bool turned =

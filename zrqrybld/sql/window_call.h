@@ -86,8 +86,9 @@ enum class WindowCallFault : std::uint8_t {
   GroupsWithoutOrder,    ///< groups of equal rows are counted, but the rows have no order
   DistanceWithoutOrder,  ///< a distance in values, but not exactly one value that the rows are ordered by
   EndsBeforeItBegins,    ///< the frame's end stands before its beginning
+  DistanceInValues,      ///< a distance in values, where the dialect's servers count rows only
 };
-ZRQRYBLD_API WindowCallFault FaultOf(const WindowCall& call);
+ZRQRYBLD_API WindowCallFault FaultOf(const WindowCall& call, const Dialect& dialect);
 
 /// A function that may stand before OVER.
 struct WindowFunction {
