@@ -221,8 +221,8 @@ export class ZrQueryDesigner extends HTMLElement {
 
   #texts() {
     const words = unpack(page.api.words(this.#designer.number));
-    const [sqlName, addPair, removePair, pairs, condition, filter, source] = words.slice(COMMANDS);
-    Object.assign(this.#designer.texts, {addPair, removePair, pairs, condition, filter, source});
+    const [sqlName, addPair, removePair, pairs, condition, filter, source, search, pieces, choose] = words.slice(COMMANDS);
+    Object.assign(this.#designer.texts, {addPair, removePair, pairs, condition, filter, source, search, pieces, choose});
     this.words = words.slice(0, COMMANDS).map(packed => {
       const [text, key] = unpack(packed);
       return [withAccessKey(text)[0].replace(/(…|\.\.\.)$/, ''), key];

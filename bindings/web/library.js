@@ -402,9 +402,11 @@ let loaded;
  * The library, loaded once. `options.wasm`: the bytes or the address of zrqrybld.wasm, where it does not stand beside
  * these modules.
  */
-export function load(options = {}) {
+export const load = ({wasm} = {}) => loadFrom(zrQryBld, wasm ?? new URL('./zrqrybld.wasm', import.meta.url));
+
+/** The same from a build of it and the bytes or the address of its WebAssembly: what is loaded first counts. */
+export function loadFrom(build, place) {
   loaded ??= (async () => {
-    const place = options.wasm ?? new URL('./zrqrybld.wasm', import.meta.url);
     const isAddress = typeof place === 'string' || place instanceof URL;
     const settings = {};
     if (!isAddress) settings.wasmBinary = place;
@@ -412,7 +414,7 @@ export function load(options = {}) {
       const {readFile} = await import('node:fs/promises');
       settings.wasmBinary = await readFile(new URL(place));
     } else settings.locateFile = () => String(place);
-    return new Library(await zrQryBld(settings));
+    return new Library(await build(settings));
   })().catch(error => {
     loaded = undefined;  // a later call tries again
     throw error;

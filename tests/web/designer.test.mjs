@@ -2,9 +2,13 @@
 //
 //   node --test tests/web    PACKAGE: the package for npm, MODULES: a folder with playwright-core; PICTURES: where to keep some
 import assert from 'node:assert/strict';
+import {execFile} from 'node:child_process';
+import {mkdir, mkdtemp, rm, symlink, writeFile} from 'node:fs/promises';
+import {tmpdir} from 'node:os';
 import {join} from 'node:path';
 import {after, before, describe, test} from 'node:test';
 import {pathToFileURL} from 'node:url';
+import {promisify} from 'node:util';
 import {folder, isFirefox, launchBrowser, openPage, servePages} from './browser.mjs';
 
 let browser, page, server;
@@ -230,6 +234,47 @@ describe('a person', () => {
     await page.keyboard.type(' > 5');
     await page.keyboard.press('Enter');
     assert.match(await sql(), /AND \(?Orders.Total > 5/);
+  });
+
+  inBrowser('builds an expression of pieces', async () => {
+    await twoTables();
+    await inPage(() => query().GridPane.Grid.GotoRowCol(1, 'column'));
+    await page.locator('#grid canvas').focus();
+    await page.keyboard.press('Control+F2');
+    const box = page.locator('dialog.expression'), list = box.locator('select'), find = box.locator('input[type=search]');
+    const text = box.locator('textarea.sql'), insert = box.locator('.pieces button'), values = box.locator('.values input');
+    await text.fill('');
+    assert.ok(await list.locator('optgroup').count() > 4);
+    assert.ok(await insert.isDisabled());
+    assert.equal(await list.getAttribute('aria-label'), 'Pieces');
+    await find.fill('no such piece');
+    assert.equal(await list.locator('option').count(), 0);
+    assert.ok(await insert.isDisabled());
+    await find.fill('coalesce');
+    await picture('pieces');
+    const values1 = await values.count();
+    assert.ok(values1 > 0, 'its parameters');
+    await values.first().fill('Orders.Total');
+    await find.focus();
+    await page.keyboard.press('Enter');
+    assert.match(await text.inputValue(), /^COALESCE ?\(Orders\.Total/i);
+    assert.ok(await text.evaluate(area => document.activeElement && area.selectionEnd > area.selectionStart), 'the next parameter');
+    await page.keyboard.type('0');
+    await text.evaluate(area => area.setSelectionRange(area.value.length, area.value.length));
+    await find.fill('orders total');
+    await find.press('ArrowDown');
+    await page.keyboard.press('Enter');
+    assert.match(await text.inputValue(), /\) Orders\.Total$/i);
+    await page.keyboard.press('Control+z');
+    assert.match(await text.inputValue(), /\)$/);
+    await text.focus();
+    await page.keyboard.press('Control+Enter');
+    assert.match(await sql(), /COALESCE ?\(Orders\.Total/i);
+    await inPage(() => query().GridPane.Grid.GotoRowCol(1, 'column'));
+    await page.locator('#grid canvas').focus();
+    await page.keyboard.press('Shift+F2');  // the zoom has no pieces
+    assert.equal(await box.locator('.pieces').count(), 0);
+    await page.keyboard.press('Escape');
   });
 
   inBrowser('copies and pastes rows of the grid', async () => {
@@ -465,7 +510,7 @@ describe('a page', () => {
 });
 
 test('the same package works in Node, without a page', async () => {
-  const {load} = await import(pathToFileURL(join(folder, 'library.js')));
+  const {load} = await import(pathToFileURL(join(folder, 'node.js')));
   const {connectionTo} = await import(pathToFileURL(join(folder, 'connection.js')));
   const library = await load(), query = library.create('qbQueryBuilder');
   for (const pane of ['Diagram', 'Grid', 'SQL']) query[`${pane}Pane`] = library.create(`qb${pane}Pane`);
@@ -481,4 +526,29 @@ test('the same package works in Node, without a page', async () => {
   query.SQLPane.Refresh();
   assert.throws(() => query.SQLPane.ParseSQLStatement('select x frm y'), error => error.number === 40002);
   assert.throws(() => query.NoSuchMember, error => error.number === 438);
+});
+
+// Both of its builds, each in a process of its own, by the names that a program uses.
+test('a program in Node gets the fast one, or by name the one of pages', async () => {
+  const program = await mkdtemp(join(tmpdir(), 'zrqrybld-'));
+  try {
+    await mkdir(join(program, 'node_modules'));
+    await symlink(folder, join(program, 'node_modules/zrqrybld'));
+    const answers = [];
+    for (const name of ['zrqrybld', 'zrqrybld/library.js']) {
+      await writeFile(join(program, 'main.mjs'), `import {load} from '${name}';
+        const library = await load(), query = library.create('qbQueryBuilder');
+        for (const pane of ['DiagramPane', 'GridPane', 'SQLPane']) query[pane] = library.create('qb' + pane);
+        query.SQLPane.ParseSQLStatement('select 1e-7 as a, x.b from x where b in (1.5, -2) order by 2');
+        let number; try { query.SQLPane.ParseSQLStatement('select (') } catch (error) { number = error.number }
+        console.log(JSON.stringify([import.meta.resolve('${name}').split('/').pop(), query.SQLPane.SQLStatement, number]));`);
+      answers.push(JSON.parse((await promisify(execFile)(process.execPath, [join(program, 'main.mjs')])).stdout));
+    }
+    assert.deepEqual(answers.map(([module]) => module), ['node.js', 'library.js']);
+    assert.match(answers[0][1], /1e-7.*ORDER BY/s);
+    assert.equal(answers[0][2], 40002);
+    assert.deepEqual(answers[0].slice(1), answers[1].slice(1));
+  } finally {
+    await rm(program, {recursive: true});
+  }
 });

@@ -109,8 +109,9 @@ ZRW char* zrw_words(int number) {
                                   Command::Arrange, Command::ApplyText, Command::ClearQuery}) {
       words.push_back(Packed({designer.Hub().Say(RowOf(command).text), KeyTextOf(command)}));
     }
-    for (const TextId id : {text::SqlName, text::AddPair, text::MenuRemovePair, text::JoinPairsLabel,
-                            text::JoinConditionLabel, text::FilterByName, text::StringLabel}) {
+    for (const TextId id :
+         {text::SqlName, text::AddPair, text::MenuRemovePair, text::JoinPairsLabel, text::JoinConditionLabel,
+          text::FilterByName, text::StringLabel, text::SearchPieces, text::Pieces, text::ChoosePiece}) {
       words.push_back(designer.Hub().Say(id));
     }
   });

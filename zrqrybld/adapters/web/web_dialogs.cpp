@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "zrqrybld/expression/expression_builder.h"
 #include "zrqrybld/expression/expression_zoom.h"
 #include "zrqrybld/host/language_ids.h"
 
@@ -44,6 +45,42 @@ std::vector<JoinDialog::Pair> PairsOf(std::string_view text) {
 std::string FaultIn(const std::shared_ptr<frmExpressionZoom>& form, const std::string& text) {
   const std::optional<ExpressionFault> fault = form ? form->Check(text) : std::nullopt;
   return fault ? fault->message : std::string();
+}
+
+// Each group with its name before its pieces, and each piece with what is inserted and its hint.
+std::string PackedGroups(const frmExpressionBuilder& builder) {
+  Fields groups;
+  for (const frmExpressionBuilder::Group& group : builder.Groups()) {
+    Fields parts{group.name};
+    for (const frmExpressionBuilder::Part& part : group.parts) {
+      parts.push_back(Packed({part.text, part.insert, part.hint}));
+    }
+    groups.push_back(Packed(parts));
+  }
+  return Packed(groups);
+}
+
+// What the window asks of a builder: "choose" a piece by its group and its place there, which answers its parameters,
+// "set" one of these, "insert" it in place of what is selected, or which pieces a search "finds", by their numbers.
+std::string AskBuilder(frmExpressionBuilder& builder, WebTextArea& text, const std::string& what, const Fields& f) {
+  if (what == "choose") {
+    builder.Choose(NumberOf(At(f, 0)), NumberOf(At(f, 1)));
+    Fields names;
+    for (const frmExpressionBuilder::Parameter& parameter : builder.Parameters()) names.push_back(parameter.name);
+    return Packed(names);
+  }
+  if (what == "set") builder.SetParameter(NumberOf(At(f, 0)), At(f, 1));
+  if (what == "insert" && builder.HasChosen()) text.Insert(builder);
+  if (what != "find") return {};
+  Fields found;
+  std::size_t number = 0;
+  for (const frmExpressionBuilder::Group& group : builder.Groups()) {
+    for (const frmExpressionBuilder::Part& part : group.parts) {
+      if (frmExpressionBuilder::Finds(At(f, 0), group, part)) found.push_back(std::to_string(number));
+      ++number;
+    }
+  }
+  return Packed(found);
 }
 
 }  // namespace
@@ -136,16 +173,22 @@ void WebDialogs::AskJoinProperties(JoinDialog dialog, std::function<void(JoinDia
 
 void WebDialogs::AskExpression(ExpressionDialog dialog, std::function<void(ExpressionDialog&)> accepted) {
   const std::shared_ptr<WebTextArea> text = Typed(dialog.form);
-  const Fields fields{dialog.caption, dialog.text, dialog.form->AcceptButton(), dialog.form->CancelButton(),
-                      std::to_string(text->Number())};
-  Open("expression", fields,
-       {.accepted =
-            [dialog, accepted = std::move(accepted)](const Fields& f) {
-              ExpressionDialog answer = dialog;
-              answer.text = frmExpressionZoom::OnOneLine(At(f, 0));
-              accepted(answer);
-            },
-        .text = text});
+  Fields fields{dialog.caption, dialog.text, dialog.form->AcceptButton(), dialog.form->CancelButton(),
+                std::to_string(text->Number())};
+  Window window{.accepted =
+                    [dialog, accepted = std::move(accepted)](const Fields& f) {
+                      ExpressionDialog answer = dialog;
+                      answer.text = frmExpressionZoom::OnOneLine(At(f, 0));
+                      accepted(answer);
+                    },
+                .text = text};
+  if (const auto builder = std::dynamic_pointer_cast<frmExpressionBuilder>(dialog.form)) {
+    fields.insert(fields.end(), {PackedGroups(*builder), builder->InsertToolTip()});
+    window.ask = [builder, text](const std::string& what, const Fields& f) {
+      return AskBuilder(*builder, *text, what, f);
+    };
+  }
+  Open("expression", fields, std::move(window));
 }
 
 void WebDialogs::AskConnection(ConnectionDialog dialog, std::function<void(const std::string&)> accepted) {

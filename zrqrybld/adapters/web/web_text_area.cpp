@@ -5,6 +5,7 @@
 
 #include "zrqrybld/adapters/web/fields.h"
 #include "zrqrybld/base/text.h"
+#include "zrqrybld/expression/expression_builder.h"
 #include "zrqrybld/platform/input.h"
 #include "zrqrybld/sql/brackets.h"
 #include "zrqrybld/sql/highlighting.h"
@@ -47,6 +48,11 @@ void WebTextArea::CheckBy(std::function<std::optional<ExpressionFault>(const std
     while (at > 0 && (text_[at] & 0xC0) == 0x80) --at;
     SetFault(at, 1);
   }));
+}
+
+void WebTextArea::Insert(const frmExpressionBuilder& builder) {
+  const TextRange selected = Selection();
+  if (typing_) typing_->Write(builder.Insertion(text_, selected.start, selected.start + selected.length));
 }
 
 std::size_t WebTextArea::ByteOf(int unit) const {

@@ -18,6 +18,8 @@
 
 namespace zrqrybld {
 
+class frmExpressionBuilder;
+
 class WebTextArea final : public TextArea, public Numbered<WebTextArea>, private SuggestedText {
  public:
   explicit WebTextArea(std::shared_ptr<const WebHome> home)
@@ -27,6 +29,9 @@ class WebTextArea final : public TextArea, public Numbered<WebTextArea>, private
   void Suggest(Ref<qbIntelliList> list);
   /// Asks for the fault in what is written, at each edit: it is marked and said.
   void CheckBy(std::function<std::optional<ExpressionFault>(const std::string& text)> check);
+  /// Writes the chosen piece of a builder in place of what is selected, and selects its first parameter without a
+  /// value.
+  void Insert(const frmExpressionBuilder& builder);
 
   // --- What the page tells ---
 

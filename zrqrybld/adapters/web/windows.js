@@ -241,13 +241,64 @@ export class Window {
     say();
   }
 
-  expression([caption, text, accept, cancel, number]) {
+  expression([caption, text, accept, cancel, number, groups, insert]) {
     this.title(caption);
     const area = this.typed(number, text, caption, false);
     this.form.append(area.host);
+    if (groups) this.#pieces(unpack(groups), insert);
     this.fields = () => [area.text.value];
     this.buttons(accept, cancel);
     this.first = area.text;
+  }
+
+  // What an expression can be built from, by groups: columns, functions, operators, words. Enter or a double click inserts.
+  #pieces(groups, insert) {
+    const {texts} = this.designer, find = element('input', {type: 'search', spellcheck: false, placeholder: texts.search ?? ''});
+    const list = element('select', {size: 9}), hint = element('p', {className: 'quiet', textContent: texts.choose ?? ''});
+    const values = element('div', {className: 'values'}), add = button(insert), options = [];
+    find.setAttribute('aria-label', find.placeholder);
+    list.setAttribute('aria-label', texts.pieces ?? '');
+    hint.setAttribute('role', 'status');
+    const shown = groups.map((packed, g) => {
+      const [name, ...parts] = unpack(packed), group = element('optgroup', {label: name});
+      parts.forEach((part, p) => {
+        const [text, written, told] = unpack(part), option = element('option', {textContent: text, title: told});
+        options.push({option, group, g, p, written, told});
+      });
+      return group;
+    });
+    const choose = () => {
+      const chosen = options.find(({option}) => option.selected && option.parentElement);
+      add.disabled = !chosen;
+      hint.textContent = chosen ? [chosen.written, chosen.told].filter(Boolean).join(' — ') : texts.choose ?? '';
+      values.replaceChildren(...unpack(this.ask('choose', chosen ? [chosen.g, chosen.p] : [-1, -1])).map((name, i) => {
+        const value = element('input', {spellcheck: false, autocomplete: 'off'});
+        value.addEventListener('input', () => this.ask('set', [i, value.value]));
+        return labelled(value, name.replaceAll('&', '&&'));
+      }));
+    };
+    const search = () => {
+      const found = new Set(unpack(this.ask('find', [find.value.trim()])).map(Number));
+      shown.forEach(group => group.replaceChildren());
+      options.forEach((entry, i) => { if (found.has(i)) entry.group.append(entry.option); });
+      list.replaceChildren(...shown.filter(group => group.children.length));
+      list.selectedIndex = find.value.trim() && found.size ? 0 : -1;
+      choose();
+    };
+    const write = () => { if (!add.disabled) this.ask('insert', []); };
+    const takes = (control, key, act) => control.addEventListener('keydown', event => {
+      if (event.key !== key || event.ctrlKey || event.altKey || event.metaKey) return;
+      event.preventDefault();
+      act();
+    });
+    find.addEventListener('input', search);
+    takes(find, 'ArrowDown', () => { if (list.selectedIndex < 0) list.selectedIndex = 0; choose(); list.focus(); });
+    list.addEventListener('change', choose);
+    list.addEventListener('dblclick', write);
+    for (const control of [find, list, values]) takes(control, 'Enter', write);
+    add.addEventListener('click', write);
+    this.form.append(find, element('div', {className: 'pieces'}, list, element('div', {}, hint, values, add)));
+    search();
   }
 
   parameters([caption, statementLabel, accept, cancel, fields]) {
