@@ -86,7 +86,8 @@ dialog .pair, dialog .heads { display: grid; grid-template-columns: 1fr auto 1fr
 dialog .heads { grid-template-columns: 1fr 1fr; }
 dialog .more { align-self: start; border-color: var(--role-box-frame); }
 dialog .tabs { display: flex; gap: 4px; }
-dialog .pieces { display: grid; grid-template-columns: 3fr 2fr; gap: 12px; } dialog .pieces > div { display: flex; flex-direction: column; gap: 8px; min-width: 0; }
+dialog div.code.beside { width: auto; height: 120px; resize: vertical; }
+dialog .pieces { display: grid; width: min(640px, 84vw); grid-template-columns: 3fr 2fr; gap: 12px; } dialog .pieces > div { display: flex; flex-direction: column; gap: 8px; min-width: 0; }
 dialog .pieces select { min-width: 0; } dialog .pieces p { font-family: ui-monospace, "DejaVu Sans Mono", monospace; overflow-wrap: anywhere; }
 dialog .values { display: flex; flex-direction: column; gap: 6px; max-height: 120px; overflow: auto; flex: 1; } dialog .pieces button { align-self: start; border-color: var(--role-box-frame); }
 @media (prefers-reduced-motion: no-preference) { button { transition: background 80ms; } }

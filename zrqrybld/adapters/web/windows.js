@@ -245,7 +245,10 @@ export class Window {
     this.title(caption);
     const area = this.typed(number, text, caption, false);
     this.form.append(area.host);
-    if (groups) this.#pieces(unpack(groups), insert);
+    if (groups) {
+      area.host.classList.add('beside');
+      this.#pieces(unpack(groups), insert);
+    }
     this.fields = () => [area.text.value];
     this.buttons(accept, cancel);
     this.first = area.text;
