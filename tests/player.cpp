@@ -93,6 +93,25 @@ void Player::Do(const std::string& step) {
   Find(actions, words.at(0))(words);
 }
 
+KeyEvent ReadKey(std::string_view name) {
+  KeyEvent key;
+  for (const auto& [prefix, shift] : {std::pair{"Ctrl+", ShiftCtrl}, {"Shift+", ShiftShift}, {"Alt+", ShiftAlt}}) {
+    if (!name.starts_with(prefix)) continue;
+    key.shift |= shift;
+    name.remove_prefix(std::string_view(prefix).size());
+  }
+  static const std::map<std::string_view, std::int32_t> kKeys = {
+      {"Back", KeyCodeBack},     {"Del", KeyCodeDelete},  {"Delete", KeyCodeDelete},     {"Down", KeyCodeDown},
+      {"End", KeyCodeEnd},       {"Enter", KeyCodeEnter}, {"Esc", KeyCodeEscape},        {"F2", KeyCodeF2},
+      {"F4", KeyCodeF4},         {"F8", KeyCodeF2 + 6},   {"F12", KeyCodeF2 + 10},       {"Home", KeyCodeHome},
+      {"Insert", KeyCodeInsert}, {"Left", KeyCodeLeft},   {"PageDown", KeyCodePageDown}, {"PageUp", KeyCodePageUp},
+      {"Right", KeyCodeRight},   {"Space", KeyCodeSpace}, {"Tab", KeyCodeTab},           {"Up", KeyCodeUp}};
+  const auto known = kKeys.find(name);
+  if (known == kKeys.end()) key.text = name;
+  key.keyCode = known != kKeys.end() ? known->second : UpperAscii(key.text).front();
+  return key;
+}
+
 void Player::Play(const Row& row) {
   std::string failure, description;
   Around([&] {

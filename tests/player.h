@@ -16,8 +16,12 @@
 #include <vector>
 
 #include "tests/data_table.h"
+#include "zrqrybld/platform/input.h"
 
 namespace zrqrybld::test {
+
+/// "Ctrl+Shift+Right", "F2" or a single character, which types itself.
+KeyEvent ReadKey(std::string_view name);
 
 class Player {
  public:

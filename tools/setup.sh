@@ -80,6 +80,11 @@ packages_fuzz="
   ninja-build      ninja
   python3          python3
 "
+packages_coverage="$packages_test
+  clang            clang++
+  libclang-rt-dev  -
+  llvm             llvm-cov
+"
 packages_format="
   clang-format     clang-format
 "
@@ -124,6 +129,7 @@ packages_elsewhere="
   libglib2.0-bin     glib2                   glib2                   -
   clang              clang                   clang                   llvm
   libclang-rt-dev    compiler-rt             compiler-rt             -
+  llvm               llvm                    llvm                    llvm
   clang-format       clang-tools-extra       clang                   clang-format
   clang-tidy         clang-tools-extra       clang                   llvm
   lintian            -                       -                       -

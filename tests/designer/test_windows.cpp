@@ -115,7 +115,8 @@ class Windows : public DesignerWindow {
 
   // Pictures side by side in rows, on grey.
   void KeepSheets() {
-    for (const auto& [suffix, pictures] : sheets_) {
+    for (const auto& sheets : sheets_) {
+      const auto& pictures = sheets.second;
       constexpr int kGap = 16;
       const double scale = pictures.front().devicePixelRatio();
       const int widest = static_cast<int>(1800 * scale);
@@ -137,7 +138,7 @@ class Windows : public DesignerWindow {
         painter.drawImage(x, y, picture);
       });
       painter.end();
-      KeepPicture(sheet, "windows/sheet" + suffix);
+      KeepPicture(sheet, "windows/sheet" + sheets.first);
     }
   }
 

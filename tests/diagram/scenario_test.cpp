@@ -27,24 +27,6 @@ std::string Offered(const Menu& menu) {
 
 std::string YesNo(bool value) { return value ? "yes" : "no"; }
 
-// "Ctrl+Shift+Right" or a single character.
-KeyEvent ReadKey(std::string_view name) {
-  KeyEvent key;
-  for (const auto& [prefix, shift] : {std::pair{"Ctrl+", ShiftCtrl}, {"Shift+", ShiftShift}, {"Alt+", ShiftAlt}}) {
-    if (!name.starts_with(prefix)) continue;
-    key.shift |= shift;
-    name.remove_prefix(std::string_view(prefix).size());
-  }
-  static const std::map<std::string_view, std::int32_t> kKeys = {
-      {"Esc", KeyCodeEscape},  {"Del", KeyCodeDelete},  {"Space", KeyCodeSpace},
-      {"Tab", KeyCodeTab},     {"Enter", KeyCodeEnter}, {"Left", KeyCodeLeft},
-      {"Right", KeyCodeRight}, {"Up", KeyCodeUp},       {"Down", KeyCodeDown}};
-  const auto known = kKeys.find(name);
-  if (known == kKeys.end()) key.text = name;
-  key.keyCode = known != kKeys.end() ? known->second : UpperAscii(key.text).front();
-  return key;
-}
-
 class DiagramScene : public test::Player, private test::DiagramHands {
  public:
   DiagramScene() {
@@ -246,12 +228,12 @@ class DiagramScene : public test::Player, private test::DiagramHands {
       pane->OnWheel({w.size() > 3 ? ShiftShift : ShiftNone, At(w[1]), 0, std::stod(w[2])});
     };
     actions["key"] = [this](const Words& w) {
-      const KeyEvent key = ReadKey(w[1]);
+      const KeyEvent key = test::ReadKey(w[1]);
       used_ = pane->OnKeyDown(key);
       pane->OnKeyUp(key);
     };
-    actions["hold"] = [this](const Words& w) { used_ = pane->OnKeyDown(ReadKey(w[1])); };
-    actions["let"] = [this](const Words& w) { pane->OnKeyUp(ReadKey(w[1])); };
+    actions["hold"] = [this](const Words& w) { used_ = pane->OnKeyDown(test::ReadKey(w[1])); };
+    actions["let"] = [this](const Words& w) { pane->OnKeyUp(test::ReadKey(w[1])); };
     actions["lose"] = [this](const Words&) { pane->OnFocusChanged(false); };
     // From the first row of a box that has just been selected.
     actions["find"] = [this](const Words& w) {

@@ -3,11 +3,13 @@
 #include <random>
 
 #include "tests/diagram/diagram_fixture.h"
+#include "tests/player.h"
 #include "tests/stored_properties.h"
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/diagram/routing.h"
+#include "zrqrybld/platform/accessible.h"
 #include "zrqrybld/platform/input.h"
 
 namespace zrqrybld {
@@ -204,6 +206,71 @@ TEST_F(View, LinesBetweenTheSameBoxesShareATrunkAndHaveEndsOfTheirOwn) {
       }
     }
   }
+}
+
+// --- The minimap ---
+
+TEST_F(View, APressInTheMinimapGoesThereAndADragFollows) {
+  AddMany(60);
+  const auto place = [this]() -> PixelRect {
+    AccessibleTree& tree = *pane->Accessible();
+    for (std::size_t i = 0; i < tree.ChildCount({}); ++i) {
+      const AccessibleInfo info = tree.Describe(tree.ChildAt({}, i));
+      if (info.role == AccessibleRole::Minimap) return info.bounds;
+    }
+    return {};
+  };
+  EXPECT_EQ(place(), PixelRect());
+  EXPECT_TRUE(pane->OnKeyDown(test::ReadKey("F8")));
+  EXPECT_TRUE(pane->ShowMinimap());
+  const PixelRect map = place();
+  ASSERT_GT(map.width, 20_px);
+  EXPECT_GT(map.left, 400_px);
+  const auto at = [&](double x, double y) { return PixelPoint{map.left + map.width * x, map.top + map.height * y}; };
+  Down(at(0.5, 0.5), ButtonRight);
+  Up(at(0.5, 0.5), ButtonRight);
+  EXPECT_EQ(Scrolled(Orientation::Horizontal), 0);
+  Down(at(0.5, 0.5));
+  EXPECT_TRUE(Surface().IsCaptured());
+  const int half = Scrolled(Orientation::Horizontal);
+  const ScrollState bar = Surface().ScrollBar(Orientation::Horizontal);
+  EXPECT_NEAR(half, bar.maximum / 2, bar.maximum / 20 + 2);
+  Move(at(0.95, 0.95));
+  EXPECT_GT(Scrolled(Orientation::Horizontal), half);
+  const int far = Scrolled(Orientation::Vertical);
+  Up(at(0.95, 0.95));
+  EXPECT_FALSE(Surface().IsCaptured());
+  Move(at(0.1, 0.1), ButtonNone);
+  EXPECT_EQ(Scrolled(Orientation::Vertical), far) << "the button is up";
+  EXPECT_EQ(pane->SelectedObject(), nullptr) << "nothing below it was pressed";
+  EXPECT_TRUE(pane->OnKeyDown(test::ReadKey("F8")));
+  EXPECT_EQ(place(), PixelRect());
+}
+
+// --- Keys in a box ---
+
+TEST_F(View, KeysGoThroughTheRowsOfABox) {
+  const Ref<qbEntity> box = Add("a", Columns(40));
+  pane->SelectObject(box);
+  const auto rowAfter = [&](const char* key) {
+    pane->OnKeyDown(test::ReadKey(key));
+    return box->EntityBox()->SelectedRow();
+  };
+  const std::size_t page = box->EntityBox()->VisibleRowCount();
+  EXPECT_EQ(rowAfter("Home"), 1u);
+  EXPECT_EQ(rowAfter("PageDown"), 1 + page);
+  EXPECT_EQ(rowAfter("PageDown"), std::min<std::size_t>(1 + 2 * page, 41));
+  EXPECT_EQ(rowAfter("End"), 41u);
+  EXPECT_EQ(rowAfter("PageDown"), 41u);
+  EXPECT_EQ(rowAfter("PageUp"), 41 - page);
+  EXPECT_EQ(rowAfter("Home"), 1u);
+  // Letters find rows, one after another; the backspace key takes the last one back.
+  EXPECT_EQ(rowAfter("c"), 2u);
+  EXPECT_EQ(rowAfter("1"), 2u);
+  EXPECT_EQ(rowAfter("2"), 13u) << "c12";
+  EXPECT_EQ(rowAfter("Back"), 2u) << "c1";
+  EXPECT_EQ(rowAfter("9"), 20u) << "c19";
+  EXPECT_EQ(rowAfter("Down"), 21u);
 }
 
 // --- Menus ---

@@ -8,6 +8,7 @@
 #include "tests/player.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/grid/tab_text.h"
 #include "zrqrybld/platform/accessible.h"
 #include "zrqrybld/platform/headless.h"
 #include "zrqrybld/platform/input.h"
@@ -82,16 +83,20 @@ class GridScene : public test::Player {
     };
     actions["double"] = [this](const Words& w) { grid_->OnDoubleClick(On(w)); };
     actions["key"] = [this](const Words& w) {
-      static const std::map<std::string_view, std::int32_t> kKeys = {
-          {"Up", KeyCodeUp},       {"Down", KeyCodeDown},   {"Left", KeyCodeLeft},     {"Right", KeyCodeRight},
-          {"Enter", KeyCodeEnter}, {"Space", KeyCodeSpace}, {"Delete", KeyCodeDelete}, {"Insert", KeyCodeInsert}};
       for (auto key = w.begin() + 1; key != w.end(); ++key) {
-        used_ = grid_->OnKeyDown({kKeys.at(*key), ShiftNone});
-        EXPECT_TRUE(used_ || *key == "Delete" || *key == "Insert") << *key;
+        // The text box has the keyboard while it is there.
+        HeadlessTextEditor* editor = static_cast<HeadlessSurface&>(grid_->GetSurface()).FocusedEditor();
+        used_ = false;
+        if (editor) editor->KeyDown.Raise(test::ReadKey(*key), used_);
+        if (!editor) used_ = grid_->OnKeyDown(test::ReadKey(*key));
       }
     };
     actions["focus"] = [this](auto&) { grid_->OnFocusChanged(true); };
     actions["rowkeys"] = [this](auto&) { grid_->SetRowKeysTakeCurrent(true); };
+    actions["high"] = [this](const Words& w) {
+      auto& surface = static_cast<HeadlessSurface&>(grid_->GetSurface());
+      surface.SetViewSize({500_px, Pixels(std::stod(w[1]))});
+    };
     actions["share"] = [this](const Words& w) {
       grid_->SetFillsWidth(true);
       grid_->Columns()->Item(w[1])->SetShare(std::stof(w[2]));
@@ -99,8 +104,9 @@ class GridScene : public test::Player {
     actions["button"] = [this](const Words& w) {
       grid_->SetHasCellButtons(true);
       grid_->Columns()->Item(w[1])->SetHasButton(true);
-      links_.push_back(grid_->BuilderWanted.Connect([this] { Note("builder"); }));
+      KnowWanted();
     };
+    actions["wanted"] = [this](auto&) { KnowWanted(); };
     actions["press"] = [this](const Words& w) {
       const PixelRect cell = grid_->GetRowColumnXY(std::stoi(w[1]), w[2]);
       grid_->OnMouseDown({ButtonLeft, ShiftNone, {cell.Right() - 10_px, cell.CenterY()}});
@@ -110,10 +116,19 @@ class GridScene : public test::Player {
     actions["clearing"] = [this](auto&) { clearing_ = true; };
   }
 
+  void KnowWanted() {
+    links_.push_back(grid_->BuilderWanted.Connect([this] { Note("builder"); }));
+    links_.push_back(grid_->ZoomWanted.Connect([this] { Note("zoom"); }));
+  }
+
   void KnowAnswers() {
     answers["heard"] = [this](auto&) { return std::exchange(heard_, ""); };
     answers["current"] = [this](auto&) { return Current(); };
     answers["used"] = [this](auto&) { return std::string(used_ ? "yes" : "no"); };
+    answers["selected"] = [this](auto&) {
+      const RowRange rows = grid_->Selection();
+      return rows.Empty() ? std::string("-") : std::to_string(rows.first) + "-" + std::to_string(rows.last);
+    };
     answers["editing"] = [this](auto&) { return std::string(grid_->IsEditing() ? "yes" : "no"); };
     answers["told"] = [this](auto&) {
       AccessibleTree& tree = *grid_->Accessible();
@@ -146,6 +161,91 @@ class GridScene : public test::Player {
 };
 
 [[maybe_unused]] const bool kScenarios = test::RegisterScenarios<GridScene>("GridAloneScenario", "grid_alone.txt");
+
+// --- Rows that are dragged ---
+
+TEST(GridRows, FollowThePointerThatDragsThem) {
+  const Ref<zrGrid> grid = zrGrid::Create();
+  grid->Columns()->Add("a", "a")->SetWidth(900);
+  for (int i = 1; i <= 8; ++i) grid->Rows()->Add()->SetValue("a", i);
+  auto& surface = static_cast<HeadlessSurface&>(grid->GetSurface());
+  const auto onRow = [&](std::int32_t row, double part) {
+    const PixelRect cell = grid->GetRowColumnXY(row, 1);
+    return PixelPoint{2_px, cell.top + cell.height * part};
+  };
+  const auto values = [&] {
+    std::string text;
+    for (const Ref<zrGridRow>& row : *grid->Rows()) text += row->Value("a").Text();
+    return text;
+  };
+  const auto press = [&](std::int32_t row, std::int32_t shift = ShiftNone) {
+    grid->OnMouseDown({ButtonLeft, shift, onRow(row, 0.5)});
+  };
+  const auto let = [&](std::int32_t row, double part) {
+    grid->OnMouseMove({ButtonLeft, ShiftNone, onRow(row, part)});
+    const Cursor cursor = surface.CurrentCursor();
+    grid->OnMouseUp({ButtonLeft, ShiftNone, onRow(row, part)});
+    return cursor;
+  };
+  press(2);
+  grid->OnMouseUp({ButtonLeft, ShiftNone, onRow(2, 0.5)});
+  press(3, ShiftShift);
+  grid->OnMouseUp({ButtonLeft, ShiftNone, onRow(3, 0.5)});
+  EXPECT_EQ(grid->Selection().first, 2u);
+  EXPECT_EQ(grid->Selection().last, 3u);
+  // They go before the row under the pointer, below all of them to the end.
+  press(2);
+  EXPECT_EQ(let(6, 0.2), Cursor::Move);
+  EXPECT_EQ(values(), "14523678");
+  EXPECT_EQ(grid->Selection().first, 4u);
+  EXPECT_EQ(grid->Selection().last, 5u);
+  press(5);
+  EXPECT_EQ(let(8, 0.9), Cursor::Move);
+  EXPECT_EQ(values(), "14567238");
+  press(6);
+  EXPECT_EQ(let(8, 1.5), Cursor::Move);
+  EXPECT_EQ(values(), "14567823");
+  press(8);
+  EXPECT_EQ(let(1, 0.1), Cursor::Move);
+  EXPECT_EQ(values(), "23145678");
+  press(1);
+  EXPECT_EQ(let(2, 0.4), Cursor::Move) << "within the rows themselves";
+  EXPECT_EQ(values(), "23145678");
+  EXPECT_EQ(surface.CurrentCursor(), Cursor::Arrow);
+  EXPECT_FALSE(surface.IsCaptured());
+}
+
+// --- Cells as text ---
+
+TEST(TabText, WhatIsWrittenIsReadAgain) {
+  std::mt19937 random(4);
+  constexpr std::string_view kPieces[] = {"", "a", "\t", "\r\n", "\n", "\"", "\"\"", " ", "ä", "\r"};
+  for (int run = 0; run < 3000; ++run) {
+    std::vector<std::vector<std::string>> cells(1 + random() % 3);
+    for (std::vector<std::string>& line : cells) {
+      line.resize(1 + random() % 3);
+      for (std::string& cell : line) {
+        for (auto pieces = random() % 4; pieces > 0; --pieces) cell += kPieces[random() % std::size(kPieces)];
+      }
+    }
+    const std::string text = WriteTabText(cells);
+    EXPECT_EQ(ReadTabText(text), cells) << text;
+  }
+  const auto lines = [](const std::string& text) {
+    std::string read;
+    for (const std::vector<std::string>& line : ReadTabText(text)) {
+      for (const std::string& cell : line) read += "<" + cell + ">";
+      read += "/";
+    }
+    return read;
+  };
+  // What others write: quotes that are none stay.
+  EXPECT_EQ(lines("\"a\"b\tc"), "<\"a\"b><c>/");
+  EXPECT_EQ(lines("\"a\tb"), "<\"a><b>/");
+  EXPECT_EQ(lines("\"a\"\t\"b\nc\"\rd\r\ne"), "<a><b\nc>/<d>/<e>/");
+  EXPECT_EQ(lines("a\"b\n"), "<a\"b>/");
+  EXPECT_EQ(lines(""), "");
+}
 
 // --- Layout ---
 

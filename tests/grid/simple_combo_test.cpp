@@ -5,6 +5,7 @@
 
 #include "tests/fakes/recording_canvas.h"
 #include "tests/player.h"
+#include "zrqrybld/base/text.h"
 #include "zrqrybld/platform/headless.h"
 #include "zrqrybld/platform/input.h"
 
@@ -46,13 +47,9 @@ class Combo : public test::Player {
   void Mouse(Pixels x) { combo_->OnMouseDown({ButtonLeft, ShiftNone, {x, 10_px}}); }
   // A key with the letter that it types.
   void Press(const std::string& name) {
-    const std::map<std::string, std::int32_t> keys = {{"F4", KeyCodeF4},     {"Up", KeyCodeUp},
-                                                      {"Down", KeyCodeDown}, {"Enter", KeyCodeEnter},
-                                                      {"Left", KeyCodeLeft}, {"Esc", KeyCodeEscape}};
-    const auto key = keys.find(name);
-    const bool letter = key == keys.end() && name != "0";
-    const std::string text = letter ? std::string(1, static_cast<char>(name[0] + 'a' - 'A')) : "";
-    kept_ = combo_->OnKeyDown({key == keys.end() ? name[0] : key->second, ShiftNone, text});
+    KeyEvent key = test::ReadKey(name);
+    key.text = name == "0" ? "" : FoldCase(key.text);
+    kept_ = combo_->OnKeyDown(key);
   }
 
   void KnowActions() {
@@ -84,6 +81,7 @@ class Combo : public test::Player {
     answers["kept"] = [this](auto&) { return std::string(kept_ ? "yes" : "no"); };
     answers["highlighted"] = [this](auto&) {
       const HeadlessPopupList& list = *Surface().LastPopupList();
+      if (list.Highlighted() == -1) return std::string();
       return list.Texts().at(static_cast<std::size_t>(list.Highlighted()));
     };
     answers["pressed"] = [this](auto&) {

@@ -16,6 +16,7 @@
 #include "zrqrybld/expression/schema_cache.h"
 #include "zrqrybld/grid/grid_pane.h"
 #include "zrqrybld/hub/hub.h"
+#include "zrqrybld/hub/query_menus.h"
 #include "zrqrybld/hub/query_set.h"
 #include "zrqrybld/hub/statement_loader.h"
 #include "zrqrybld/platform/headless.h"
@@ -318,6 +319,70 @@ TEST_F(QueriesTest, OfAUnionAreComparedByTheKindsOfTheirValues) {
   sql->SetSQLSyntax(SQLSyntaxSQLite);
   sql->Refresh();
   EXPECT_EQ(sql->Remarks().size(), 0u) << "its columns have no types";
+}
+
+// --- Menus ---
+
+// Runs the entry with this text, which is there and enabled.
+void Choose(const Menu& menu, std::string_view text) {
+  const auto entry = std::ranges::find_if(
+      menu, [&](const MenuEntry& one) { return ReplaceAll(one.text, "&", "") == text && one.enabled && one.action; });
+  ASSERT_NE(entry, menu.end()) << text;
+  entry->action();
+}
+std::string Enabled(const Menu& menu) {
+  std::string texts;
+  for (const MenuEntry& entry : menu) {
+    if (entry.enabled) texts += (texts.empty() ? "" : ", ") + ReplaceAll(entry.text, "&", "");
+  }
+  return texts;
+}
+
+TEST_F(QueriesTest, AreOpenedRenamedMovedAndRemovedByTheirMenus) {
+  sql->SetSQLSyntax(SQLSyntaxPostgreSQL);
+  sql->ParseSQLStatement(
+      "WITH r AS (SELECT Name FROM Customers), s AS (SELECT Name FROM Customers) SELECT r.Name FROM r, s "
+      "UNION SELECT Name FROM Customers");
+  const std::int32_t id = hub->Queries()->Item("r")->Id();
+  EXPECT_TRUE(MenuOfQuery(*hub, 99).empty());
+  EXPECT_TRUE(Enabled(MenuOfQuery(*hub, 0)).empty()) << "the one that is shown";
+  EXPECT_EQ(Enabled(MenuOfQuery(*hub, id)), "Open Query, Rename Query..., Move into FROM, Remove Query");
+  Choose(MenuOfQuery(*hub, id), "Open Query");
+  EXPECT_EQ(Shown(), "r: Customers");
+  EXPECT_EQ(Enabled(MenuOfQuery(*hub, 0)), "Open Query");
+
+  // A name is asked for, and which ones are none.
+  HeadlessDialogs& dialogs = toolkit->GetDialogs();
+  const auto answer = [&](std::optional<std::string> name) {
+    dialogs.onShowTextPrompt = [name](const TextDialog& dialog) {
+      EXPECT_EQ(dialog.text, "r");
+      EXPECT_EQ(dialog.problem(" "), "The query needs a name.");
+      EXPECT_EQ(dialog.problem("S"), "Another query is called S.");
+      EXPECT_EQ(dialog.problem("R"), "");
+      return name;
+    };
+    Choose(MenuOfQuery(*hub, id), "Rename Query...");
+  };
+  answer(std::nullopt);
+  EXPECT_EQ(Tree(), "main, r:with main, s:with main, member:member main");
+  answer("t");
+  EXPECT_EQ(Tree(), "main, t:with main, s:with main, member:member main");
+  const Menu before = MenuOfQuery(*hub, id);
+  Choose(before, "Move into FROM");
+  EXPECT_EQ(Tree(), "main, t:from main, s:with main, member:member main");
+  Choose(MenuOfQuery(*hub, id), "Turn into Common Table Expression");
+  EXPECT_EQ(Tree(), "main, t:with main, s:with main, member:member main");
+  EXPECT_EQ(Enabled(MenuOfQuery(*hub, hub->Queries()->Item(4)->Id())), "Open Query, Remove Query");
+  EXPECT_EQ(Enabled(MenuOfNewQueries(*hub)),
+            "New Subquery, New Common Table Expression, Add UNION Member, Go to Outer Query")
+      << "in one that belongs to another";
+  EXPECT_TRUE(LeaveQuery(*hub));
+  Choose(MenuOfQuery(*hub, id), "Remove Query");
+  EXPECT_EQ(Tree(), "main, s:with main, member:member main");
+  Choose(before, "Move into FROM");  // of a menu that was open meanwhile: nothing happens
+  EXPECT_EQ(Tree(), "main, s:with main, member:member main");
+  EXPECT_TRUE(hub->Undo());
+  EXPECT_EQ(Tree(), "main, t:with main, s:with main, member:member main");
 }
 
 // --- Queries in cells ---

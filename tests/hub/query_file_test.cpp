@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <random>
+#include <set>
 #include <span>
 #include <sstream>
 
@@ -325,6 +326,68 @@ TEST(QueryFile, ItsConnectionIsOpenedOnlyWhenNothingSpeaksAgainstIt) {
     EXPECT_EQ(asked, std::string(c.connection) + " by program");
     EXPECT_EQ(designer.hub->LastError().has_value(), c.veto);
   }
+}
+
+// A line may be missing, stand twice, or hold what its key does not take: the file is loaded without it or refused with
+// the line. What is loaded can be saved and loaded again.
+TEST(QueryFile, AnyLineMayBeMissingTwiceOrWrong) {
+  Designer maker;
+  maker.Use();
+  maker.sql->SetSQLSyntax(SQLSyntaxPostgreSQL);
+  maker.sql->ParseSQLStatement(
+      "WITH r AS (SELECT Name, CustomerID FROM Customers) SELECT DISTINCT r.Name, COUNT(Orders.Total) AS n FROM r "
+      "LEFT JOIN (Orders INNER JOIN Customers AS c ON Orders.CustomerID = c.CustomerID AND Orders.Total > 1) "
+      "ON r.CustomerID = Orders.CustomerID WHERE c.Name IN (SELECT Name FROM Customers) GROUP BY r.Name "
+      "UNION SELECT Name, 1 FROM Customers");
+  const Ref<qbEntityItem> item = maker.diagram->Entities()->Item("Orders")->Items()->Item(2);
+  item->SetBold(true);
+  item->SetColor(Color::Rgb(1, 2, 3));
+  item->SetToolTipText("tip");
+  item->SetSmallIcon(2);
+  item->Properties()->Add("mine", "1");
+  maker.hub->SetSaveLoadEntityItems(true);
+  const std::string whole = Saved(maker);
+  std::vector<std::string_view> lines = Split(whole, "\r\n");
+  ASSERT_GT(lines.size(), 100u);
+  int refused = 0;
+  int loaded = 0;
+  std::set<std::string> seen;
+  for (std::size_t at = 0; at < lines.size(); ++at) {
+    const std::size_t equals = lines[at].find('=');
+    std::string kind(lines[at].substr(0, equals));
+    std::erase_if(kind, IsDigit);
+    if (!seen.insert(kind).second) continue;  // lines of one kind are read in one way
+    std::vector<std::string> instead{"", std::string(lines[at]) + "\r\n" + std::string(lines[at])};
+    for (const char* value : {"", "x", "2.5", "1e99"}) {
+      if (equals != std::string_view::npos) instead.push_back(std::string(lines[at].substr(0, equals + 1)) + value);
+    }
+    for (const std::string& other : instead) {
+      SCOPED_TRACE(std::string(lines[at]) + " -> " + other);
+      std::string damaged;
+      for (std::size_t i = 0; i < lines.size(); ++i) damaged += (i == at ? other : std::string(lines[i])) + "\r\n";
+      Designer reader;
+      reader.Use();
+      reader.hub->SetSaveLoadEntityItems(true);
+      try {
+        reader.hub->LoadQuery(damaged, true);
+        ++loaded;
+      } catch (const Error& error) {
+        ++refused;
+        EXPECT_NE(error.Description().find("line"), std::string::npos) << error.Description();
+        EXPECT_EQ(error.Number(), ErrorLoadingQuery);
+        EXPECT_EQ(reader.hub->state(), InfoDone);
+        continue;
+      }
+      const std::string after = Saved(reader);
+      Designer again;
+      again.Use();
+      again.hub->SetSaveLoadEntityItems(true);
+      again.hub->LoadQuery(after, true);
+      EXPECT_TRUE(Saved(again) == after);
+    }
+  }
+  EXPECT_GT(refused, 100);
+  EXPECT_GT(loaded, 100);
 }
 
 TEST_F(QueryFiles, AFailingWriteLeavesTheOldFileAndSaysWhy) {

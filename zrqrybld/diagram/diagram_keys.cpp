@@ -86,6 +86,10 @@ bool DiagramKeys::OnPlainKey(std::int32_t keyCode) {
   const Key key{keyCode};
   if (Asks(key, Command::AddTables)) return edits_.RequestTables();
   if (Asks(key, Command::DeleteSelected)) return edits_.DeleteSelected();
+  if (Asks(key, Command::ShowMinimap)) {
+    targets_.minimap.Show(!targets_.minimap.Shown());
+    return true;
+  }
   if (Asks(key, Command::RenameTable)) {
     if (entity) edits_.AskForAlias(entity);
     return entity != nullptr;
@@ -138,10 +142,6 @@ bool DiagramKeys::OnControlKey(std::int32_t keyCode, const KeyEvent& event) {
   if (Asks(key, Command::ActualSize)) return Zoom(1);
   if (Asks(key, Command::SelectAllTables)) {
     selection_.SelectAll(targets_.entities);
-    return true;
-  }
-  if (Asks(key, Command::ShowMinimap)) {
-    targets_.minimap.Show(!targets_.minimap.Shown());
     return true;
   }
   if (Asks(key, Command::CopyPicture)) return targets_.pictures.Copy();

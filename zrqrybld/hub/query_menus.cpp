@@ -48,8 +48,11 @@ void AskForName(qbQueryBuilder& hub, std::int32_t id) {
     const StoredQuery* other = now->QueriesNow().FindNamed(query->parent, name);
     return other && other != query ? now->Say({text::QueryNameTaken, name}) : "";
   };
-  const std::optional<std::string> name = hub.GetToolkit().GetDialogs().ShowTextPrompt(dialog);
-  if (name && hub.QueriesNow().Find(id)) hub.RenameQuery(id, *name);
+  hub.GetToolkit().GetDialogs().AskText(dialog,
+                                        [weak = WeakRef<qbQueryBuilder>(hub.Hub()), id](const std::string& name) {
+                                          const Ref<qbQueryBuilder> now = weak.lock();
+                                          if (now && now->QueriesNow().Find(id)) now->RenameQuery(id, name);
+                                        });
 }
 
 MenuEntry KindEntry(qbQueryBuilder& hub, const StoredQuery& query) {
