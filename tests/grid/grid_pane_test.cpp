@@ -182,8 +182,10 @@ TEST_F(GridPane, AListenerOfAfterChangeMayChangeCells) {
 }
 
 TEST_F(GridPane, AnEditIsWorkedOutWhateverElseAListenerChanges) {
-  const auto link = grid->AfterChange.Connect([&](std::int32_t row, std::int32_t column) {
-    if (column == grid->Grid()->Columns()->Item("column")->Index()) Set(row, "alias", "a");
+  const auto link = grid->Grid()->AfterChange.Connect([&](std::int32_t row, std::int32_t column) {
+    if (column == grid->Grid()->Columns()->Item("column")->Index()) {
+      grid->Grid()->Rows()->Item(row)->SetValue("alias", "a");
+    }
   });
   grid->Grid()->GotoRowCol(1, "column");
   ASSERT_TRUE(grid->Grid()->EditCell());
