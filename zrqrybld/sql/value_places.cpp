@@ -6,6 +6,7 @@
 
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/base/texts_values.h"
+#include "zrqrybld/sql/array_brackets.h"
 #include "zrqrybld/sql/lexer.h"
 #include "zrqrybld/sql/source_lexer.h"
 
@@ -14,7 +15,7 @@ namespace {
 
 // What a marker stands in.
 struct Enclosure {
-  enum class Kind : std::uint8_t { None, Quotes, Date, Comment, PlainComment, Raw };
+  enum class Kind : std::uint8_t { None, Quotes, Date, Comment, PlainComment, Raw, Unclear };
   Kind kind = Kind::None;
   char closing = '\0';
   bool escapes = false;
@@ -133,14 +134,26 @@ std::string WithoutMarkers(std::string_view sql, const std::vector<MarkerPlace>&
   return text;
 }
 
+// Whether a bracket there is that of a name for some sources and picks an element, or lists some, for others: it stands
+// close behind ARRAY, a name or what a parenthesis or bracket has closed.
+bool IsUnclearBracket(std::string_view text, const Token& token, const Token& before) {
+  if (text[token.offset] != '[' || before.length == 0 || before.offset + before.length != token.offset) return false;
+  const char last = text[token.offset - 1];
+  const bool isName =
+      before.kind == TokenKind::QuotedIdentifier || (before.kind == TokenKind::Word && before.keyword == Keyword::None);
+  return isName || last == ')' || last == ']' || BeginsArray(text, token.offset);
+}
+
 // By the designer's lexer; the markers count as white space.
 std::vector<Enclosure> EnclosuresByLexer(std::string_view sql, const std::vector<MarkerPlace>& markers) {
   const std::string text = WithoutMarkers(sql, markers, ' ');
+  Token before;
   const auto enclosureOf = [&](const Token& token) -> Enclosure {
     switch (token.kind) {
       case TokenKind::String:
         return {Enclosure::Kind::Quotes, '\'', false};
       case TokenKind::QuotedIdentifier:
+        if (IsUnclearBracket(text, token, before)) return {Enclosure::Kind::Unclear, '\0', false};
         return {Enclosure::Kind::Quotes, text[token.offset] == '[' ? ']' : text[token.offset], false};
       case TokenKind::Date:
         return {Enclosure::Kind::Date, '#', false};
@@ -157,6 +170,7 @@ std::vector<Enclosure> EnclosuresByLexer(std::string_view sql, const std::vector
     for (; next < markers.size() && markers[next].offset < token.offset + token.length; ++next) {
       if (markers[next].offset >= token.offset) enclosures[next] = enclosureOf(token);
     }
+    before = token;
   }
   return enclosures;
 }
@@ -270,7 +284,12 @@ class Review {
 PlacedStatement PlaceTexts(std::string_view sql, const std::vector<MarkerPlace>& markers,
                            const std::vector<PlacedText>& texts) {
   const std::vector<Enclosure> enclosures = EnclosuresByLexer(sql, markers);
-  return {Assembler(sql, markers, texts, enclosures).Run(false).text, std::vector<Phrase>(markers.size())};
+  std::vector<Phrase> problems(markers.size());
+  for (std::size_t i = 0; i < enclosures.size(); ++i) {
+    const bool same = texts[i].bare == texts[i].literal;  // such as a number, which is one in both
+    if (enclosures[i].kind == Enclosure::Kind::Unclear && !same) problems[i] = text::ReadInSeveralWays;
+  }
+  return {Assembler(sql, markers, texts, enclosures).Run(false).text, std::move(problems)};
 }
 
 PlacedStatement PlaceTexts(std::string_view sql, const std::vector<MarkerPlace>& markers,
