@@ -3,6 +3,7 @@
 #include <set>
 
 #include "tests/diagram/diagram_fixture.h"
+#include "tests/fakes/paint_watch.h"
 #include "tests/player.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/diagram/diagram_pane.h"
@@ -37,6 +38,8 @@ class DiagramScene : public test::Player, private test::DiagramHands {
   }
 
  private:
+  void CheckAlways() override { watch_.Check(); }
+
   // --- What is heard ---
 
   void Note(const char* kind, const std::string& entry) {
@@ -392,6 +395,7 @@ class DiagramScene : public test::Player, private test::DiagramHands {
            end(*join.Target(), join.TargetItemIndex(), points.back().y);
   }
 
+  test::PaintWatch watch_{*pane};
   std::vector<EventConnection> links_, whens_;
   std::set<std::string, std::less<>> heard_;
   std::string log_;

@@ -181,5 +181,19 @@ TEST_F(GridPane, AListenerOfAfterChangeMayChangeCells) {
   EXPECT_TRUE(Sql().starts_with("SELECT Orders.Total AS a1FROM")) << Sql();
 }
 
+TEST_F(GridPane, AnEditIsWorkedOutWhateverElseAListenerChanges) {
+  const auto link = grid->Grid()->AfterChange.Connect([&](std::int32_t row, std::int32_t column) {
+    if (column == grid->Grid()->Columns()->Item("column")->Index()) {
+      grid->Grid()->Rows()->Item(row)->SetValue("alias", "a");
+    }
+  });
+  grid->Grid()->GotoRowCol(1, "column");
+  ASSERT_TRUE(grid->Grid()->EditCell());
+  static_cast<HeadlessSurface&>(grid->Grid()->GetSurface()).FocusedEditor()->Type("orders.total");
+  grid->Grid()->CommitEdit();
+  EXPECT_EQ(Cell(1, "table"), "Orders");
+  EXPECT_TRUE(Sql().starts_with("SELECT Orders.Total AS aFROM")) << Sql();
+}
+
 }  // namespace
 }  // namespace zrqrybld

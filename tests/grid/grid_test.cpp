@@ -5,6 +5,7 @@
 
 #include <random>
 
+#include "tests/fakes/paint_watch.h"
 #include "tests/player.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/diagram/entities.h"
@@ -42,6 +43,7 @@ class GridScene : public test::Player {
   }
 
  private:
+  void CheckAlways() override { watch_.Check(); }
   void Note(const std::string& entry) { heard_ += (heard_.empty() ? "" : " ") + entry; }
   std::string Current() const { return std::to_string(grid_->Row()) + "," + std::to_string(grid_->Column()); }
   Variant Cell(std::int32_t row, const Variant& column) const { return grid_->Rows()->Item(row)->Value(column); }
@@ -154,6 +156,7 @@ class GridScene : public test::Player {
   }
 
   Ref<zrGrid> grid_ = zrGrid::Create();
+  test::PaintWatch watch_{*grid_};
   std::vector<EventConnection> links_;
   Ref<zrGridRow> kept_;
   std::string heard_;
@@ -281,6 +284,15 @@ TEST(GridLayout, APointIsInTheCellThatIsDrawnThere) {
         ASSERT_GT(widths[hit.column - 1], 0_px);  // a hidden column has no edge to grasp
       }
       ASSERT_TRUE(hit.part != GridPart::ColumnHeader || layout.ColumnHeaderRect(hit.column).Contains(point));
+    }
+    // What is painted are columns that there are, and all that are seen.
+    const GridLayout::Range painted = layout.VisibleColumns(500_px);
+    ASSERT_GE(painted.first, 1U);
+    ASSERT_LE(painted.last, widths.size());
+    for (std::size_t column = 1; column <= widths.size(); ++column) {
+      const PixelRect header = layout.ColumnHeaderRect(column);
+      const bool seen = header.width > 0_px && header.Right() > layout.RowHeaderWidth() && header.left < 500_px;
+      ASSERT_TRUE(!seen || (painted.first <= column && column <= painted.last));
     }
     if (rows == 0 || widths.empty()) continue;
     // Scrolled there, a cell that fits is wholly visible.

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/fakes/paint_watch.h"
 #include "tests/fakes/recording_canvas.h"
 #include "tests/player.h"
 #include "zrqrybld/base/text.h"
@@ -42,6 +43,7 @@ class Combo : public test::Player {
     log_.clear();
     act();
   }
+  void CheckAlways() override { watch_.Check(); }
   void Note(const std::string& entry) { log_ += (log_.empty() ? "" : " ") + entry; }
   HeadlessSurface& Surface() { return static_cast<HeadlessSurface&>(combo_->GetSurface()); }
   void Mouse(Pixels x) { combo_->OnMouseDown({ButtonLeft, ShiftNone, {x, 10_px}}); }
@@ -98,6 +100,7 @@ class Combo : public test::Player {
   }
 
   Ref<zrSimpleCombo> combo_ = zrSimpleCombo::Create();
+  test::PaintWatch watch_{*combo_};
   std::vector<EventConnection> links_;
   std::string log_;
   bool refuse_ = false;

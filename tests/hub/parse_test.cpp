@@ -391,5 +391,37 @@ TEST_F(ParseTest, ATextThatCannotBeDrawnStandsAsItIs) {
   EXPECT_EQ(Rows(), "Customers.Name");
 }
 
+// Nothing a statement holds makes the designer work without end: what goes beyond is refused, and the design stays.
+TEST_F(ParseTest, QueriesBeyondWhatADesignHoldsAreRefused) {
+  Use();
+  sql->SetSQLSyntax(FindDialect("SQLite")->syntax);
+  sql->ParseSQLStatement("SELECT OrderID FROM Orders");
+  const std::string before = sql->SQLStatement();
+  const std::string plain = "SELECT Total FROM Orders";
+  const auto nested = [&](int depth) {
+    std::string text = plain;
+    for (int i = 1; i < depth; ++i) text = "SELECT Total FROM (" + text + ") q";
+    return text;
+  };
+  const auto united = [&](int count) {
+    std::string text = plain;
+    for (int i = 1; i < count; ++i) text += " UNION ALL " + plain;
+    return text;
+  };
+  for (const auto& [text, most] : {std::pair{nested(101), "100"}, {united(1001), "1000"}, {united(1200), "1000"}}) {
+    try {
+      sql->ParseSQLStatement(text);
+      ADD_FAILURE() << "more than " << most << " were read";
+    } catch (const Error& error) {
+      EXPECT_EQ(error.Number(), ErrorParsingText);
+      EXPECT_NE(error.Description().find(most), std::string::npos) << error.Description();
+    }
+    EXPECT_EQ(sql->SQLStatement(), before);
+  }
+  for (const std::string& text : {nested(100), united(1000)}) {
+    EXPECT_EQ(test::ErrorOf([&] { sql->ParseSQLStatement(text); }), 0) << text.size();
+  }
+}
+
 }  // namespace
 }  // namespace zrqrybld

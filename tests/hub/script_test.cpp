@@ -2,6 +2,7 @@
 // designer holds after each step.
 #include <stdexcept>
 
+#include "tests/fakes/paint_watch.h"
 #include "tests/hub_fixture.h"
 #include "tests/player.h"
 #include "zrqrybld/diagram/diagram_pane.h"
@@ -59,7 +60,11 @@ class Script : public test::Player, public test::Designer {
     }
     changes_ = Changes(act);
   }
-  void CheckAlways() override { EXPECT_FALSE(toolkit->IsBusyPointer()); }
+  void CheckAlways() override {
+    EXPECT_FALSE(toolkit->IsBusyPointer());
+    gridWatch_.Check();
+    diagramWatch_.Check();
+  }
 
   static Variant Read(const std::string& word) {
     if (word == "null") return Variant::Null();
@@ -310,6 +315,17 @@ class Script : public test::Player, public test::Designer {
       Surface().FocusedEditor()->Type(OrNone(w[3]));
       grid->Grid()->CommitEdit();
     };
+    // A cell is open with a text and the caret behind so many of its characters; keys go to its editor.
+    actions["open"] = [this](const Words& w) {
+      Open(w[1], w[2]);
+      Surface().FocusedEditor()->SetText(OrNone(w[3]));
+      Surface().FocusedEditor()->Select(std::stoi(w[4]), 0);
+    };
+    actions["cellkey"] = [this](const Words& w) {
+      bool used = false;
+      Surface().FocusedEditor()->KeyDown.Raise(test::ReadKey(w[1]), used);
+      EXPECT_TRUE(used);
+    };
     actions["choices"] = [this](const Words& w) {
       Open(w[1], w[2]);
       grid->Grid()->CancelEdit();
@@ -397,6 +413,10 @@ class Script : public test::Player, public test::Designer {
     answers["ticked"] = [this](auto&) { return Ticked(); };
     answers["groups"] = [this](auto&) { return Groups(); };
     answers["list"] = [this](const std::string& of) { return List(of.empty() ? "table" : of); };
+    answers["offered"] = [this](auto&) {
+      const std::shared_ptr<HeadlessPopupList> list = Surface().LastPopupList();
+      return list && list->IsOpen() ? list->Texts().front() : std::string();
+    };
     answers["taken"] = [this](auto&) { return Variant(taken_).Text(); };
     answers["edits"] = [this](auto&) { return std::to_string(edits_); };
     answers["formatted"] = [this](auto&) { return formatted_; };
@@ -428,6 +448,7 @@ class Script : public test::Player, public test::Designer {
     return text;
   }
 
+  test::PaintWatch gridWatch_{*grid->Grid()}, diagramWatch_{*diagram};
   EventConnection format_;
   std::vector<EventConnection> links_, whens_;
   std::string formatted_;

@@ -73,6 +73,13 @@ void qbRelationship::SetGroupLevel(std::int32_t level) {
   NotifyWhenComplete();
 }
 
+// No listener is told, but the line shows which rows the join keeps.
+void qbRelationship::SetItemData(Variant value) {
+  Changing().itemData = std::move(value);
+  const Ref<qbEntity> source = Source();
+  if (source && source->EntityBox()) source->EntityBox()->Changed.Raise();
+}
+
 void qbRelationship::RedrawEnds() {
   const Ref<qbEntity> source = Source();
   if (source && source->EntityBox()) source->EntityBox()->Notify("move", std::int32_t{1});

@@ -45,7 +45,7 @@ class ZRQRYBLD_API qbRelationship final : public Object {
 
   /// The kind of join: `JoinKindFlag` bits; Empty counts as 0.
   const Variant& ItemData() const { return facts_.itemData; }
-  void SetItemData(Variant value) { Changing().itemData = std::move(value); }
+  void SetItemData(Variant value);
 
   /// A picture for the source's end, shown while `LeftIndicator` is `IndicatorImage`. Without one the line draws its
   /// own marks, from the kind of join.

@@ -318,7 +318,7 @@ bool zrSimpleCombo::AnyBeginsWith(std::string_view text) const {
 }
 
 void zrSimpleCombo::CloseList() {
-  search_.clear();
+  if (!std::exchange(search_, {}).empty()) GetSurface().Invalidate(Bounds());  // the text is shown again
   if (IsListOpen()) cboList_->Close();
 }
 

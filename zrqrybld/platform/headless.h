@@ -32,7 +32,7 @@ class ZRQRYBLD_API HeadlessSurface final : public Surface {
   PixelSize ViewSize() const override { return size_; }
   ScreenScale Scale() const override { return {}; }
   const TextMetrics& Metrics() const override { return metrics_; }
-  void Invalidate(const PixelRect&) override {}
+  void Invalidate(const PixelRect&) override { ++invalidations_; }
   void SetScrollBar(Orientation orientation, const ScrollState& state) override;
   void SetCursor(Cursor cursor) override { cursor_ = cursor; }
   void SetCapture(bool captured) override { captured_ = captured; }
@@ -62,6 +62,8 @@ class ZRQRYBLD_API HeadlessSurface final : public Surface {
   const Menu& LastMenu() const { return menu_; }
   PixelPoint MenuPlace() const { return menuPlace_; }
   bool IsTicking() const { return ticking_; }
+  /// How often something was to be painted anew.
+  std::size_t Invalidations() const { return invalidations_; }
   Cursor CurrentCursor() const { return cursor_; }
   bool IsCaptured() const { return captured_; }
   const std::string& DraggedText() const { return draggedText_; }
@@ -82,6 +84,7 @@ class ZRQRYBLD_API HeadlessSurface final : public Surface {
   Menu menu_;
   PixelPoint menuPlace_{};
   bool ticking_ = false;
+  std::size_t invalidations_ = 0;
   std::string draggedText_;
   Picture copied_;
   std::shared_ptr<HeadlessFocus> focus_ = std::make_shared<HeadlessFocus>();
