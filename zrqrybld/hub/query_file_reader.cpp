@@ -19,6 +19,7 @@
 #include "zrqrybld/platform/connection_policy.h"
 #include "zrqrybld/platform/schema_fields.h"
 #include "zrqrybld/sql/dialect.h"
+#include "zrqrybld/sql/join_condition.h"
 #include "zrqrybld/sql/query_outline.h"
 #include "zrqrybld/sql/sql_pane.h"
 
@@ -431,29 +432,33 @@ void QueryFileReader::TakeRelationship() {
   const Ref<qbEntity> target = RequireEntity("Target");
   const Variant sourceIndex = RequireItemIndex("SourceItemIndex", *source);
   const Variant targetIndex = RequireItemIndex("TargetItemIndex", *target);
-  const Ref<qbRelationship> join = source->Relationships()->Add(target);
-  const auto indicator = [&](std::string_view key) {
+  // All is read before the join is there: what is refused leaves no half of a join.
+  const auto read = [this](std::string_view key, double smallest, double largest) {
+    return section_.Find(key) ? std::optional(static_cast<std::int32_t>(RequireNumber(key, smallest, largest)))
+                              : std::nullopt;
+  };
+  const auto indicator = [this](std::string_view key) {
     const bool shown = section_.Find(key) && RequireNumber(key, IndicatorNone, IndicatorImage) != 0;
     return shown ? IndicatorImage : IndicatorNone;
   };
+  const std::optional<std::int32_t> comparison = read("Comparison", JoinEqual, JoinSame);
+  const std::optional<std::int32_t> groupLevel = read("GroupLevel", 0, qbRelationship::kDeepestGroup);
+  const std::optional<std::int32_t> existence = read("Existence", JoinReturnsRows, JoinSourceMissing);
+  const std::string condition = JoinConditionText(section_.Text("Condition"));
+  const RelationshipIndicatorStyle left = indicator("LeftIndicator");
+  const RelationshipIndicatorStyle right = indicator("RightIndicator");
+  const Ref<qbRelationship> join = source->Relationships()->Add(target);
   // What is no number counts as 0.
   const std::string kind = section_.Text("ItemData");
   join->SetItemData(kind.empty() ? Variant() : NumberOf(ParseNumber(kind).value_or(0)));
-  if (section_.Find("Comparison")) {
-    join->SetComparison(JoinComparisonAt(static_cast<std::int32_t>(RequireNumber("Comparison", JoinEqual, JoinSame))));
-  }
-  if (section_.Find("Condition")) join->SetCondition(section_.Text("Condition"));
-  if (section_.Find("GroupLevel")) {
-    join->SetGroupLevel(static_cast<std::int32_t>(RequireNumber("GroupLevel", 0, qbRelationship::kDeepestGroup)));
-  }
-  if (section_.Find("Existence")) {
-    const double existence = RequireNumber("Existence", JoinReturnsRows, JoinSourceMissing);
-    join->SetExistence(JoinExistenceAt(static_cast<std::int32_t>(existence)));
-  }
+  if (comparison) join->SetComparison(JoinComparisonAt(*comparison));
+  if (!condition.empty()) join->SetCondition(condition);
+  if (groupLevel) join->SetGroupLevel(*groupLevel);
+  if (existence) join->SetExistence(JoinExistenceAt(*existence));
   join->SetSourceItemIndex(sourceIndex);
   join->SetTargetItemIndex(targetIndex);
-  join->SetLeftIndicator(indicator("LeftIndicator"));
-  join->SetRightIndicator(indicator("RightIndicator"));
+  join->SetLeftIndicator(left);
+  join->SetRightIndicator(right);
 }
 
 // --- Grid and statement ---

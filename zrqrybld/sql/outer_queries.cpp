@@ -45,13 +45,17 @@ class OuterNames {
   using Tell = std::function<void(const Expression& column, const std::string& table)>;
 
   // Of its tables only the first `count` lend their columns to names.
-  OuterNames(const QuerySnapshot& query, std::size_t count, Tell tell)
-      : query_(query), source_(query.columns), scope_({}, source_, &query.outer->Scope()), tell_(std::move(tell)) {
+  OuterNames(const QuerySnapshot& query, std::size_t count)
+      : query_(query), source_(query.columns), scope_({}, source_, &query.outer->Scope()) {
     for (std::size_t table = 0; table < count; ++table) scope_.AddKnown(query.tables[table]);
-    for (const SnapshotJoin& join : query.joins) {
+  }
+
+  void Each(Tell tell) {
+    tell_ = std::move(tell);
+    for (const SnapshotJoin& join : query_.joins) {
       if (!join.condition.empty()) Take(join.condition);
     }
-    for (const SnapshotRow& row : query.rows) {
+    for (const SnapshotRow& row : query_.rows) {
       if (!row.table) Take(row.column);
       for (const std::string& cell : row.criteria) {
         if (!cell.empty()) TakeCriterion(cell, row);
@@ -96,7 +100,7 @@ class OuterNames {
   const QuerySnapshot& query_;
   DesignSource source_;
   NameScope scope_;
-  const Tell tell_;
+  Tell tell_;
 };
 
 }  // namespace
@@ -104,7 +108,7 @@ class OuterNames {
 std::vector<std::string> OuterTablesNamed(const QuerySnapshot& query) {
   std::vector<std::string> found;
   if (!query.outer) return found;
-  OuterNames(query, query.tables.size(), [&](const Expression&, const std::string& table) {
+  OuterNames(query, query.tables.size()).Each([&](const Expression&, const std::string& table) {
     if (std::ranges::find(found, table) == found.end()) found.push_back(table);
   });
   return found;
@@ -114,7 +118,7 @@ std::unordered_map<std::string, SqlText, HashNoCase, EqualNoCase> NamesTakenByLa
   std::unordered_map<std::string, SqlText, HashNoCase, EqualNoCase> taken;
   if (!query.outer || !query.columns || query.tables.empty()) return taken;
   const std::size_t last = query.tables.size() - 1;
-  OuterNames(query, last, [&](const Expression& column, const std::string& table) {
+  OuterNames(query, last).Each([&](const Expression& column, const std::string& table) {
     const std::string name = PlainName(column.name);
     if (!column.Qualifier().empty() || !query.columns->FindColumn(last, name)) return;
     const auto isHere = [&](const SnapshotTable& own) { return EqualsNoCase(own.caption.Name(), table); };
