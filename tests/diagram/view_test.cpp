@@ -208,6 +208,43 @@ TEST_F(View, LinesBetweenTheSameBoxesShareATrunkAndHaveEndsOfTheirOwn) {
   }
 }
 
+// --- Names from afar ---
+
+// Where rows can no longer be read the names of the boxes stand over them, in lines that follow each other and lose
+// nothing.
+TEST_F(View, NamesFromAfarAreWhole) {
+  const char* const kNames[] = {"a",
+                                "CustomerOrdersOfTheLastYear",
+                                "a very long name of a table",
+                                "withoutanyplacetobreak",
+                                "Kundenaufträge_der_letzten_Jahre",
+                                "ÄÖÜ"};
+  for (const char* name : kNames) Add(name, Columns(20));
+  pane->Arrange();
+  int broken = 0;
+  for (const double zoom : {0.25, 0.3, 0.4}) {
+    pane->SetZoom(zoom, {0_px, 0_px});
+    std::vector<std::string> pieces;
+    for (const std::string& call : Drawn()) {
+      const std::size_t open = call.find('"');
+      if (call.starts_with("text") && open != std::string::npos)
+        pieces.push_back(call.substr(open + 1, call.rfind('"') - open - 1));
+    }
+    for (const std::string name : kNames) {
+      bool found = false;
+      for (std::size_t first = 0; first < pieces.size() && !found; ++first) {
+        std::string whole;
+        std::size_t at = first;
+        while (at < pieces.size() && whole.size() < name.size()) whole += pieces[at++];
+        found = whole == name;
+        broken += found && at > first + 1;
+      }
+      EXPECT_TRUE(found) << name << " at " << zoom;
+    }
+  }
+  EXPECT_GT(broken, 0);
+}
+
 // --- The minimap ---
 
 TEST_F(View, APressInTheMinimapGoesThereAndADragFollows) {

@@ -97,6 +97,7 @@ class JoinEditor {
   std::string CountWith(JoinKind kind) const;
   std::optional<JoinDialog::Pair> PairOf(std::size_t member) const;
   void ApplyPair(const JoinDialog::Pair& pair);
+  void KeepOneForCondition();
   void ApplyCondition(const std::string& condition);
   void Remove(const qbRelationship& join) const;
 
@@ -214,6 +215,7 @@ void JoinEditor::Apply(const JoinDialog& dialog) {
     if (pair.origin >= 1 && pair.origin <= members_.size()) stays[pair.origin - 1] = true;
     ApplyPair(pair);
   }
+  if (dialog.pairs.empty() && !condition.empty()) KeepOneForCondition();
   for (std::size_t i = 0; i < members_.size(); ++i) {
     if (!stays[i] && PairOf(i)) Remove(*members_[i]);
   }
@@ -222,6 +224,15 @@ void JoinEditor::Apply(const JoinDialog& dialog) {
   whole_->SetKindFrom(table2_, dialog.question == 0 ? kinds : QuestionAt(dialog.question));
   if (dialog.groupChecked == IsGroup() || !dialog.groupProblem.empty()) return;
   for (const Ref<qbRelationship>& join : whole_->Relationships()) join->SetGroupLevel(dialog.groupChecked ? 1 : 0);
+}
+
+// Where no pair is left the join still asks its condition: one of its relationships stays for it, without columns.
+void JoinEditor::KeepOneForCondition() {
+  const auto asks = std::ranges::find_if(members_, [](const auto& join) { return !join->Condition().empty(); });
+  const Ref<qbRelationship>& kept = asks == members_.end() ? members_.front() : *asks;
+  kept->SetComparison(JoinEqual);
+  kept->SetSourceItemIndex({});
+  kept->SetTargetItemIndex({});
 }
 
 // A relationship that runs the other way says the same the other way round, where it can.
