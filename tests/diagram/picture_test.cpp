@@ -2,7 +2,10 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <random>
+#include <set>
+#include <sstream>
 
 #include "tests/diagram/diagram_fixture.h"
 #include "zrqrybld/base/text.h"
@@ -10,6 +13,7 @@
 #include "zrqrybld/diagram/beside.h"
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
+#include "zrqrybld/diagram/icons.h"
 #include "zrqrybld/diagram/relationships.h"
 #include "zrqrybld/diagram/routing.h"
 #include "zrqrybld/host/properties.h"
@@ -202,6 +206,30 @@ TEST(PlaceBeside, WhatIsJoinedToNothingOrComesByTheHundredStandsBehindAll) {
 }
 
 // --- Pictures ---
+
+TEST(Icons, TellEveryKindApartWithinTheirPlace) {
+  std::set<std::string> seen;
+  const auto look = [&](const std::function<void(Canvas&, const PixelRect&)>& draw, const std::string& what) {
+    RecordingCanvas canvas;
+    draw(canvas, {0_px, 0_px, 16_px, 16_px});
+    EXPECT_TRUE(seen.insert(canvas.Text()).second) << what << " looks like another";
+    std::istringstream words(ReplaceAll(ReplaceAll(canvas.Text(), ",", " "), "x", " "));
+    for (std::string word; words >> word;) {
+      if (!IsDigit(word.front()) && word.front() != '-') continue;
+      EXPECT_TRUE(std::stod(word) >= 0 && std::stod(word) <= 16) << what << " leaves its place: " << word;
+    }
+  };
+  for (int icon = 0; icon <= static_cast<int>(Icon::Restore); ++icon) {
+    look(
+        [icon](Canvas& canvas, const PixelRect& at) { DrawIcon(canvas, static_cast<Icon>(icon), at, ColorRole::Text); },
+        "icon " + std::to_string(icon));
+  }
+  for (int kind = 0; kind <= static_cast<int>(TypeKind::Other); ++kind) {
+    look([kind](Canvas& canvas,
+                const PixelRect& at) { DrawTypeIcon(canvas, static_cast<TypeKind>(kind), at, ColorRole::Text); },
+         "type " + std::to_string(kind));
+  }
+}
 
 class Picture : public test::DiagramTest {};
 

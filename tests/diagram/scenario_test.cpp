@@ -248,6 +248,10 @@ class DiagramScene : public test::Player, private test::DiagramHands {
         EXPECT_TRUE(pane->OnKeyDown({first >= 'A' && first <= 'Z' ? first : 0, ShiftNone, *word}));
       }
     };
+    actions["look"] = [this](const Words& w) {
+      const FindFrom from = w[2] == "next" ? FindFrom::Next : w[2] == "here" ? FindFrom::Here : FindFrom::Previous;
+      found_ = pane->FindName(OrNone(w[1]), from);
+    };
     actions["ticks"] = [this](const Words& w) {
       for (int i = std::stoi(w[1]); i > 0; --i) pane->OnTick();
     };
@@ -336,6 +340,11 @@ class DiagramScene : public test::Player, private test::DiagramHands {
       const Ref<qbEntityItem> item = Table(of)->SelectedItem();
       return item ? item->Text() : "-";
     };
+    answers["at"] = [this](auto&) {
+      const auto at = std::dynamic_pointer_cast<qbEntity>(pane->SelectedObject());
+      const std::string row = at && at->SelectedItem() ? "." + at->SelectedItem()->Text() : "";
+      return at->Caption() + row + " " + std::to_string(found_.place) + "/" + std::to_string(found_.count);
+    };
     answers["low"] = [this](const std::string& of) { return YesNo(Table(of)->EntityBox()->Minimized()); };
     answers["ticked"] = [this](const std::string& of) {
       std::string text;
@@ -402,6 +411,7 @@ class DiagramScene : public test::Player, private test::DiagramHands {
   std::string refused_;
   PixelPoint at_;
   bool used_ = false;
+  FoundNames found_;
 };
 
 [[maybe_unused]] const bool kScenarios = test::RegisterScenarios<DiagramScene>("DiagramScenario", "diagram.txt");

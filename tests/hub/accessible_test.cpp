@@ -104,6 +104,54 @@ TEST_F(AccessibleTest, EachObjectIsFoundAgainWhereItWasTold) {
   }
 }
 
+TEST_F(AccessibleTest, EveryKindIsToldForWhatItIs) {
+  source->Table("Recent", {"OrderID", "Total"}, {}, "VIEW");
+  diagram->SetShowMinimap(true);
+  sql->ParseSQLStatement(
+      "SELECT c.Name, SUM(Orders.Total), r.OrderID, q.CustomerID, Things.Label FROM Customers c "
+      "LEFT JOIN Orders ON c.CustomerID = Orders.CustomerID AND c.Name = Orders.OrderID, Recent r "
+      "LEFT JOIN Things ON r.OrderID = Things.Label, (SELECT CustomerID FROM Orders) q "
+      "WHERE Things.Label <> '' AND EXISTS (SELECT * FROM Customers k WHERE k.CustomerID = r.OrderID) "
+      "GROUP BY c.Name, r.OrderID, q.CustomerID, Things.Label ORDER BY c.Name DESC, r.OrderID");
+  std::string told;
+  for (const AccessibleId& id : Everything(Diagram())) {
+    const AccessibleInfo info = Diagram().Describe(id);
+    if (info.role != AccessibleRole::CheckItem || info.description.find(',') != std::string::npos)
+      told += info.name + ": " + info.description + "\n";
+    Diagram().Perform(id, AccessibleAction::Focus);
+    EXPECT_EQ(Diagram().Current() == id, info.role != AccessibleRole::Minimap) << info.name;
+    if (info.role == AccessibleRole::Minimap) {
+      EXPECT_EQ(Diagram().ObjectAt({info.bounds.CenterX(), info.bounds.CenterY()}), id);
+    }
+  }
+  EXPECT_EQ(
+      told,
+      "CustomerID: number, joined\n"
+      "Name: number, joined, Group By, sorted descending 1\n"
+      "c: table Customers\n"
+      "OrderID: primary key, number, joined\n"
+      "CustomerID: number, joined\n"
+      "Total: number, Sum\n"
+      "Orders: table\n"
+      "OrderID: number, joined, Group By, sorted ascending 2\n"
+      "r: view Recent\n"
+      "Label: text, joined, Group By, has criteria\n"
+      "Things: table\n"
+      "CustomerID: number, Group By\n"
+      "q: query\n"
+      "CustomerID: number, joined\n"
+      "k: table Customers\n"
+      "join c.CustomerID = Orders.CustomerID and c.Name = Orders.OrderID: All rows from c, and the matching rows "
+      "from Orders.\n"
+      "join r.OrderID = Things.Label: All rows from r, and the matching rows from Things. The two columns hold "
+      "different types of data.\n"
+      "join r.OrderID = k.CustomerID: Only rows from r that have a row in k. Each comes once, and no columns of k "
+      "come back.\n");
+  const auto& points = OnlyJoin()->Line()->Points(ScreenScale{});
+  const PixelPoint onLine{(points[1].x + points[2].x) / 2 + 12_px, (points[1].y + points[2].y) / 2 + 12_px};
+  EXPECT_EQ(Diagram().Describe(Diagram().ObjectAt(onLine)).role, AccessibleRole::Join);
+}
+
 TEST_F(AccessibleTest, WhatIsGoneIsNothingAnyMore) {
   const std::vector<AccessibleId> boxes = Everything(Diagram());
   const std::vector<AccessibleId> cells = Everything(Grid());

@@ -9,8 +9,10 @@
 #include "zrqrybld/diagram/entities.h"
 #include "zrqrybld/diagram/relationship.h"
 #include "zrqrybld/diagram/relationships.h"
+#include "zrqrybld/expression/expression_zoom.h"
 #include "zrqrybld/hub/hub.h"
 #include "zrqrybld/platform/headless.h"
+#include "zrqrybld/platform/input.h"
 #include "zrqrybld/sql/sql_pane.h"
 #include "zrqrybld/sql/statement_printer.h"
 
@@ -25,22 +27,32 @@ class JoinWindow : public test::HubTest {
     hub->SetAllowJoinProperties(true);
   }
 
-  // Opens the window of the first join of Orders, or of Customers, and accepts what `change` makes of it.
+  Ref<qbRelationship> JoinTo(const std::string& table) const {
+    for (const Ref<qbEntity>& entity : *diagram->Entities()) {
+      for (const Ref<qbRelationship>& join : *entity->Relationships()) {
+        if (table.empty() || join->Source()->Caption() == table || join->Target()->Caption() == table) return join;
+      }
+    }
+    return nullptr;
+  }
+
+  // Opens the window of the first join, or of the first one of the table `asked`, and accepts what `change` makes of
+  // it.
   std::string After(const std::string& from, const std::function<void(JoinDialog&)>& change) {
     hub->DiagramPane()->Clear();
-    sql->ParseSQLStatement("SELECT Orders.OrderID FROM " + from);
+    sql->ParseSQLStatement("SELECT " + shown + " FROM " + from);
+    int opened = 0;
     toolkit->GetDialogs().onShowJoinProperties = [&](JoinDialog& dialog) {
       change(dialog);
-      return true;
+      return ++opened;
     };
-    for (const Ref<qbEntity>& entity : *diagram->Entities()) {
-      if (entity->Relationships()->Count() == 0) continue;
-      hub->ShowJoinProperties(entity->Relationships()->Item(1));
-      break;
-    }
+    hub->ShowJoinProperties(JoinTo(asked));
+    EXPECT_EQ(opened, 1);
     const std::string written(TrimWhite(OnOneLine(sql->SQLStatement())));
     return written.substr(written.find("FROM ") + 5);
   }
+  std::string shown = "Orders.OrderID";
+  std::string asked;
   static std::size_t Place(const std::vector<std::string>& of, std::string_view wanted) {
     return static_cast<std::size_t>(std::ranges::find(of, wanted) - of.begin());
   }
@@ -89,6 +101,119 @@ TEST_F(JoinWindow, TakesPairsConditionAndQuestionsTogether) {
   EXPECT_EQ(After(asking, [](JoinDialog& d) { d.pairs = {Pair(d, "OrderID", "=", "CustomerID")}; }),
             "Customers LEFT JOIN Orders ON Orders.OrderID = Customers.CustomerID AND Orders.Total > 5");
   EXPECT_EQ(After(asking, [](JoinDialog& d) { d.pairs.clear(); }), "Customers LEFT JOIN Orders ON Orders.Total > 5");
+}
+
+// What a program or a window hands back that never was on offer changes nothing.
+TEST_F(JoinWindow, PassesOverWhatItDidNotOffer) {
+  const auto after = [&](const std::function<void(JoinDialog::Pair&, const JoinDialog&)>& change) {
+    return After(kJoined, [&](JoinDialog& d) {
+      JoinDialog::Pair pair = Pair(d, "Total", ">", "Name");
+      change(pair, d);
+      d.pairs.push_back(pair);
+    });
+  };
+  EXPECT_EQ(after([](auto& pair, const JoinDialog& d) { pair.column1 = d.columns1.size(); }), kJoined);
+  EXPECT_EQ(after([](auto& pair, const JoinDialog& d) { pair.column2 = d.columns2.size(); }), kJoined);
+  EXPECT_EQ(after([](auto& pair, const JoinDialog& d) { pair.comparison = d.comparisons.size(); }), kJoined);
+  EXPECT_EQ(after([](auto& pair, const JoinDialog&) { pair.origin = 99; }),
+            std::string(kJoined) + " AND Customers.Name < Orders.Total");
+  EXPECT_EQ(After(kJoined, [](JoinDialog& d) { d.pairs.clear(); }), "Customers, Orders");
+}
+
+TEST_F(JoinWindow, LetsItsTwoTablesBeJoinedBeforeTheOthers) {
+  const std::string grouped =
+      "Customers LEFT JOIN Orders ON Orders.CustomerID = Customers.CustomerID FULL OUTER JOIN (Orders AS o LEFT JOIN "
+      "Customers AS d ON d.CustomerID = o.CustomerID) ON o.OrderID = Orders.OrderID";
+  EXPECT_EQ(After(grouped, [](JoinDialog& d) { EXPECT_FALSE(d.groupChecked); }), grouped);
+  asked = "d";
+  EXPECT_EQ(After(grouped, [](JoinDialog& d) { EXPECT_TRUE(d.groupChecked && d.groupProblem.empty()); }), grouped);
+  const std::string plain =
+      "Customers LEFT JOIN Orders ON Orders.CustomerID = Customers.CustomerID FULL OUTER JOIN Orders AS o ON "
+      "o.OrderID = Orders.OrderID LEFT JOIN Customers AS d ON d.CustomerID = o.CustomerID";
+  EXPECT_EQ(After(grouped, [](JoinDialog& d) { d.groupChecked = false; }), plain);
+  EXPECT_EQ(After(plain, [](JoinDialog& d) { d.groupChecked = true; }), grouped);
+}
+
+TEST_F(JoinWindow, HasAConditionThatNamesWhatItCanSee) {
+  const struct {
+    const char* from;
+    const char* condition;
+    const char* refused;  // the table that it cannot see; "" when it can
+  } kCases[] = {
+      {"Customers LEFT JOIN Orders ON Orders.CustomerID = Customers.CustomerID", "Orders.Total > 1", ""},
+      {"Customers WHERE EXISTS (SELECT * FROM Orders o WHERE o.CustomerID = Customers.CustomerID)", "o.Total > 1", ""},
+      {"Customers WHERE EXISTS (SELECT * FROM Orders o WHERE o.CustomerID = Customers.CustomerID)",
+       "o.Total > Customers.CustomerID", ""},
+      {"Customers, Orders WHERE EXISTS (SELECT * FROM Orders o WHERE o.CustomerID = Customers.CustomerID)",
+       "o.Total > Orders.Total", ""},
+      {"Customers INNER JOIN Orders p ON p.CustomerID = Customers.CustomerID WHERE EXISTS (SELECT * FROM Orders o "
+       "WHERE "
+       "o.CustomerID = Customers.CustomerID) AND NOT EXISTS (SELECT * FROM Orders n WHERE n.CustomerID = p.CustomerID)",
+       "o.Total > n.Total", "not o."},
+      {"Customers LEFT JOIN Orders ON Orders.CustomerID = Customers.CustomerID LEFT JOIN Orders o ON "
+       "o.OrderID = Orders.OrderID",
+       "Orders.Total > o.Total", "not o."},
+  };
+  shown = "Customers.Name";
+  for (const auto& one : kCases) {
+    SCOPED_TRACE(one.from);
+    After(one.from, [&](JoinDialog& d) {
+      const std::optional<ExpressionFault> fault = d.conditionForm->Check(one.condition);
+      const std::string refused = fault ? fault->message : "";
+      EXPECT_NE(refused.find(one.refused), std::string::npos) << refused;
+      EXPECT_EQ(refused.empty(), *one.refused == 0) << refused;
+    });
+  }
+}
+
+// "Entry(entries beside it)", "-" in front of what cannot be chosen, "*" of what is.
+std::string Offered(const Menu& menu) {
+  std::string text;
+  for (const MenuEntry& entry : menu) {
+    if (entry.IsSeparator()) continue;
+    text += (text.empty() ? "" : "; ") + std::string(entry.enabled ? "" : "-") + (entry.checked ? "*" : "") +
+            ReplaceAll(entry.text, "&", "");
+    if (!entry.entries.empty()) text += "(" + Offered(entry.entries) + ")";
+  }
+  return text;
+}
+
+TEST_F(JoinWindow, AndItsMenuOfferWhatTheDialectHas) {
+  const auto menuOf = [&](const Ref<Object>& object) -> const Menu& {
+    diagram->SelectObject(object);
+    diagram->OnKeyDown({KeyCodeF1 + 9, ShiftShift});
+    return static_cast<HeadlessSurface&>(diagram->GetSurface()).LastMenu();
+  };
+  const auto kinds = [&] { return Offered(menuOf(JoinTo(""))[0].entries); };
+  sql->SetSQLSyntax(SQLSyntaxMySQL);
+  After(kJoined, [](JoinDialog&) {});
+  const std::string asking =
+      "; Customers with a Row in Orders; Customers without a Row in Orders; Orders with a Row in Customers; Orders "
+      "without a Row in Customers";
+  EXPECT_EQ(kinds(), "*Matching Rows Only; All Rows from Customers; All Rows from Orders" + asking);
+  JoinTo("")->SetItemData(3);
+  EXPECT_EQ(kinds(),
+            "Matching Rows Only; All Rows from Customers; All Rows from Orders; -*All Rows from Both" + asking);
+  sql->SetSQLSyntax(SQLSyntaxPostgreSQL);
+  After(
+      "Customers LEFT JOIN Orders ON Orders.CustomerID = Customers.CustomerID AND Orders.OrderID = Customers.Name "
+      "AND Orders.Total > (SELECT AVG(Total) FROM Orders i) LEFT JOIN Orders o ON o.OrderID = Orders.OrderID",
+      [](JoinDialog&) {});
+  EXPECT_EQ(Offered(menuOf(JoinTo("Customers"))),
+            "Open Query; Kind(Matching Rows Only; *All Rows from Customers; All Rows from Orders; All Rows from Both" +
+                asking +
+                "); Properties...; Reverse; Join Once More, with Another Alias; Remove Pair(Customers.CustomerID = "
+                "Orders.CustomerID; Customers.Name = Orders.OrderID); Delete");
+  EXPECT_EQ(
+      Offered(menuOf(diagram->Entities()->Item("Orders"))),
+      "Alias...; Join Once More, with Another Alias(Customers; o); Tick All Columns; Tick Key Columns; Untick All "
+      "Columns; -Add Related Tables; Minimise; Fit to Columns; Remove");
+  int opened = 0;
+  toolkit->GetDialogs().onShowJoinProperties = [&](JoinDialog&) { return ++opened == 0; };
+  for (const MenuEntry& entry : Menu(menuOf(JoinTo("Customers")))) {
+    if (entry.text == "&Properties...") entry.action();
+  }
+  EXPECT_EQ(opened, 1);
 }
 
 TEST_F(JoinWindow, SaysWhatCannotBeTaken) {

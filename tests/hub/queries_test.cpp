@@ -20,6 +20,7 @@
 #include "zrqrybld/hub/query_set.h"
 #include "zrqrybld/hub/statement_loader.h"
 #include "zrqrybld/platform/headless.h"
+#include "zrqrybld/platform/input.h"
 #include "zrqrybld/sql/dialect.h"
 #include "zrqrybld/sql/outer_queries.h"
 #include "zrqrybld/sql/sql_pane.h"
@@ -533,6 +534,95 @@ TEST_F(CellQueries, KeepTheirNamesOfTablesAroundWhenATableComes) {
   Parse("SELECT Total * 2 AS t FROM Orders");
   hub->AddTable("Parts");
   EXPECT_EQ(Written(), "SELECT Total * 2 AS t FROM Orders, Parts") << "nothing is around";
+}
+
+// By the menus of cells, joins and boxes, and by their keys.
+TEST_F(CellQueries, AreOpenedWhereTheyStand) {
+  Parse(
+      "SELECT Customers.Name FROM Customers LEFT JOIN Orders ON Orders.CustomerID = Customers.CustomerID AND "
+      "Orders.Total > (SELECT AVG(o.Total) FROM Orders o), (SELECT Name FROM Customers) q "
+      "WHERE Customers.CustomerID = 1");
+  Set(2, "criteria", "> (SELECT MIN(i.Total) FROM Orders i) AND < (SELECT MAX(a.CustomerID) FROM Customers a)");
+  const std::string before = sql->SQLStatement();
+  const auto back = [&] {
+    EXPECT_TRUE(LeaveQuery(*hub));
+    EXPECT_FALSE(LeaveQuery(*hub)) << "nothing is around the outermost one";
+    EXPECT_EQ(sql->SQLStatement(), before);
+  };
+  Menu menu = MenuOfQueriesInCell(*hub, 2, kColumnCriteria);
+  ASSERT_EQ(menu.size(), 2u);
+  EXPECT_EQ(menu[1].text, "Open Query (SELECT Customers\u2026)");
+  menu[1].action();
+  EXPECT_EQ(Captions(), "a");
+  back();
+  EXPECT_EQ(grid->Grid()->Row(), 2);
+  EXPECT_EQ(Enabled(MenuOfQueriesInCell(*hub, 2, kColumnCriteria + 1)), "New Subquery");
+  EXPECT_EQ(Enabled(MenuOfQueriesInCell(*hub, 1, kColumnColumn)), "") << "no criterion";
+  const std::pair<std::int32_t, std::int32_t> kNowhere[] = {
+      {0, kColumnCriteria}, {99, kColumnCriteria}, {1, kColumnAlias}, {4, kColumnCriteria}};
+  for (const auto& [row, column] : kNowhere) {
+    EXPECT_TRUE(MenuOfQueriesInCell(*hub, row, column).empty()) << row << " " << column;
+    EXPECT_FALSE(OpenQueryInCell(*hub, row, column)) << row << " " << column;
+  }
+  EXPECT_FALSE(OpenQueryInCell(*hub, 1, 99));
+  grid->Grid()->GotoRowCol(2, "criteria");
+  grid->Grid()->OnKeyDown({KeyCodeF1 + 11, ShiftNone});
+  EXPECT_EQ(Captions(), "i");
+  back();
+  // Of the join and of the box; what has none goes nowhere.
+  const auto select = [&](const std::function<bool(const qbRelationship&)>& is) {
+    for (const Ref<qbEntity>& table : *diagram->Entities()) {
+      for (const Ref<qbRelationship>& join : *table->Relationships()) {
+        if (is(*join)) diagram->SelectObject(join);
+      }
+    }
+  };
+  const KeyEvent open{KeyCodeF1 + 11, ShiftNone};
+  diagram->SelectObject(nullptr);
+  EXPECT_FALSE(diagram->OnKeyDown(open));
+  diagram->SelectObject(diagram->Entities()->Item("Orders"));
+  EXPECT_FALSE(diagram->OnKeyDown(open));
+  select([](const qbRelationship& join) { return !join.Condition().empty(); });
+  EXPECT_EQ(Enabled(MenuOfQueriesInJoin(*hub, std::dynamic_pointer_cast<qbRelationship>(diagram->SelectedObject()))),
+            "Open Query");
+  EXPECT_TRUE(diagram->OnKeyDown(open));
+  EXPECT_EQ(Captions(), "o");
+  back();
+  EXPECT_NE(std::dynamic_pointer_cast<qbRelationship>(diagram->SelectedObject()), nullptr) << "where one came from";
+  for (const KeyEvent& key : {open, KeyEvent{KeyCodeEnter, ShiftNone}}) {
+    diagram->SelectObject(diagram->Entities()->Item("q"));
+    EXPECT_TRUE(diagram->OnKeyDown(key));
+    EXPECT_EQ(Shown(), "q: Customers");
+    EXPECT_TRUE(diagram->OnKeyDown({KeyCodeLeft, ShiftAlt}));
+    EXPECT_FALSE(diagram->OnKeyDown({KeyCodeLeft, ShiftAlt})) << "a key for the window";
+  }
+  EXPECT_FALSE(OpenQueryNamed(*hub, "nosuch"));
+  Parse("SELECT Name FROM Customers");
+  EXPECT_FALSE(OpenQueryNamed(*hub, "Customers"));
+}
+
+TEST_F(QueriesTest, AreAThousandAtMost) {
+  sql->SetSQLSyntax(SQLSyntaxPostgreSQL);
+  const auto statement = [](const std::string& member, int count) {
+    std::string text = "SELECT Name FROM Customers";
+    for (int i = 0; i < count; ++i) text += member;
+    return text;
+  };
+  const std::string member = " UNION SELECT Name FROM Customers";
+  std::string told;
+  try {
+    sql->ParseSQLStatement(statement(member, 1000));
+  } catch (const Error& error) {
+    EXPECT_EQ(error.Number(), ErrorParsingText);
+    told = error.Description();
+  }
+  EXPECT_NE(told.find("holds more than 1000 queries"), std::string::npos) << told;
+  hub->SetState(InfoDone);
+  EXPECT_EQ(Tree(), "main");
+  sql->ParseSQLStatement(statement(member, 998));
+  hub->Queries()->Add(QueryMember);
+  EXPECT_EQ(test::ErrorOf([&] { hub->Queries()->Add(QueryMember); }), ErrorInvalidCall);
+  EXPECT_EQ(test::ErrorOf([&] { hub->Queries()->AddInCell(1, "criteria"); }), ErrorInvalidCall);
 }
 
 TEST_F(CellQueries, FollowARenamedQueryAndALostCell) {

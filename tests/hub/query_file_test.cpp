@@ -129,6 +129,36 @@ TEST(QueryFile, WhatIsReadIsWhatWasMeant) {
   EXPECT_EQ(connection, "");
 }
 
+TEST(QueryFile, MoreThanIsBoundedIsRefusedWithItsLine) {
+  const auto repeated = [](const std::string& text, int count) {
+    std::string all;
+    for (int i = 1; i <= count; ++i) all += ReplaceAll(text, "#", std::to_string(i));
+    return all;
+  };
+  const std::string tables = repeated("Begin Entity\nTagVariant=T#\nEnd Entity\n", 2);
+  const struct {
+    std::string text;
+    const char* error;
+  } kCases[] = {
+      {repeated("Begin Entity\nTagVariant=T#\nEnd Entity\n", 5001), "tables. (line 15003)"},
+      {repeated("Begin InnerQuery\nId=#\nParent=0\nKind=2\nName=q#\nLineCount=1\nLine1=x\nEnd InnerQuery\n", 1000),
+       "(line 8000)"},
+      {tables + repeated("Begin Relationship\nSource=T1\nTarget=T2\nEnd Relationship\n", 5), ""},
+  };
+  for (const auto& one : kCases) {
+    Designer designer;
+    std::string told;
+    try {
+      designer.hub->LoadQuery(one.text, true);
+    } catch (const Error& error) {
+      EXPECT_EQ(error.Number(), ErrorLoadingQuery);
+      told = error.Description();
+    }
+    EXPECT_TRUE(told.ends_with(one.error)) << told;
+    EXPECT_EQ(told.empty(), *one.error == 0) << told;
+  }
+}
+
 class RandomDesign {
  public:
   RandomDesign(Designer& designer, std::uint32_t seed) : designer_(designer), random_(seed) {}

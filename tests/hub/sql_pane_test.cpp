@@ -94,6 +94,14 @@ TEST_F(SqlPane, ACriterionThatAsksATableBecomesAJoinWhereThatMeansTheSame) {
       {"", "c.CustomerID IN (SELECT MAX(CustomerID) FROM Orders)", "", "Only a criterion IN"},
       {"", "c.CustomerID IN (SELECT CustomerID FROM Orders LIMIT 1)", "", "Only a criterion IN"},
       {"", "c.CustomerID IN (1, 2)", "", "Only a criterion IN"},
+      {"", "c.CustomerID + 1 IN (SELECT CustomerID FROM Orders)", "", "Only a criterion IN"},
+      {"", "(c.CustomerID IN (SELECT CustomerID FROM Orders) OR c.CustomerID = 9)", "", kOtherwise},
+      {"", "c.CustomerID IN (SELECT CustomerID FROM Orders) AND c.CustomerID IN (SELECT Total FROM Orders)",
+       "EXISTS (SELECT *FROM OrdersWHERE Orders.CustomerID = c.CustomerID)) AND (((c.CustomerID IN (SELECT Total FROM "
+       "Orders)))",
+       ""},
+      {"LEFT JOIN Orders p ON p.CustomerID = c.CustomerID", "c.CustomerID NOT IN (SELECT CustomerID FROM Orders)", "",
+       kMayBeNull},
   };
   for (const auto& one : cases) {
     SCOPED_TRACE(one.where);
