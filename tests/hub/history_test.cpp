@@ -149,5 +149,25 @@ TEST_F(Undoing, TheMemoryFollowsTheChanges) {
   EXPECT_FALSE(hub->Undo());
 }
 
+// Steps are remembered while they fit into 64 MB; the last one always.
+TEST_F(Undoing, LargeStepsAreForgottenFirst) {
+  hub->AddTable("Orders");
+  const auto type = [&](char letter, std::size_t megabytes) {
+    now += std::chrono::seconds(5);
+    Set(5, "alias", std::string(megabytes << 20U, letter));
+  };
+  for (const char letter : {'a', 'b', 'c', 'd'}) type(letter, 20);
+  EXPECT_LT(hub->Steps().Count(), 5u);
+  int undone = 0;
+  while (hub->Undo()) ++undone;
+  EXPECT_TRUE(undone >= 1 && undone < 4) << undone;
+  EXPECT_EQ(Cell(5, "alias").substr(0, 1), std::string(1, static_cast<char>('d' - undone)));
+  EXPECT_EQ(Captions(), "Orders") << "the first steps cannot be undone any more";
+  type('e', 70);
+  EXPECT_TRUE(hub->CanUndo());
+  EXPECT_TRUE(hub->Undo());
+  EXPECT_FALSE(hub->CanUndo());
+}
+
 }  // namespace
 }  // namespace zrqrybld

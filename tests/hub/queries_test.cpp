@@ -536,6 +536,22 @@ TEST_F(CellQueries, KeepTheirNamesOfTablesAroundWhenATableComes) {
   EXPECT_EQ(Written(), "SELECT Total * 2 AS t FROM Orders, Parts") << "nothing is around";
 }
 
+TEST_F(CellQueries, FiftyAreShownAgainWhereTheyStood) {
+  Parse("SELECT Name FROM Customers WHERE CustomerID = 1");
+  const auto open = [&](int number) {
+    Set(2, "criteria", "IN (SELECT OrderID FROM Orders WHERE Total > " + std::to_string(number) + ")");
+    hub->Queries()->OpenInCell(2, "criteria");
+    return diagram->Entities()->Item("Orders");
+  };
+  for (int number = 0; number <= 50; ++number) {
+    open(number)->SetLeft(4000);
+    hub->Queries()->Item(1)->Open();
+  }
+  EXPECT_EQ(open(50)->Left(), 4000);
+  hub->Queries()->Item(1)->Open();
+  EXPECT_NE(open(0)->Left(), 4000) << "the one that was left first is forgotten";
+}
+
 // By the menus of cells, joins and boxes, and by their keys.
 TEST_F(CellQueries, AreOpenedWhereTheyStand) {
   Parse(

@@ -142,6 +142,8 @@ TEST_F(SqlPane, ANullBehindNotInIsToldAndLeftOut) {
       {"Name NOT IN (SELECT Total FROM Orders WHERE CustomerID > 1 ORDER BY Total)",
        "(SELECT Total FROM Orders WHERE CustomerID > 1 AND Total IS NOT NULL ORDER BY Total)"},
       {"LEN(Name) NOT IN (SELECT Total FROM Orders)", "(SELECT Total FROM Orders WHERE Total IS NOT NULL)"},
+      {"(CustomerID = 1 OR Name > 'x' AND Name NOT IN (SELECT Total FROM Orders))",
+       "(SELECT Total FROM Orders WHERE Total IS NOT NULL)"},
       {"Name NOT IN (SELECT Total FROM Orders GROUP BY Total)", "-"},
       {"Name NOT IN (SELECT CustomerID FROM Orders)", ""},
       {"Name NOT IN (SELECT Total FROM Orders WHERE Total > 5)", ""},
@@ -160,6 +162,47 @@ TEST_F(SqlPane, ANullBehindNotInIsToldAndLeftOut) {
     if (*one.cured == '-') continue;
     EXPECT_NE(Sql().find(one.cured), std::string::npos) << Sql();
     EXPECT_TRUE(sql->Diagnostics().empty());
+    EXPECT_TRUE(hub->Undo());
+    EXPECT_EQ(Sql(), before);
+  }
+}
+
+// An empty row before it is none of the query's, and nothing else changes.
+TEST_F(SqlPane, WhatARemarkIsAboutIsMendedInItsRow) {
+  const struct {
+    const char* statement;
+    const char* cure;
+    const char* after;
+  } kCases[] = {
+      {"SELECT Customers.CustomerID, Orders.CustomerID FROM Customers, Orders", "Add an Alias for CustomerID",
+       "SELECT Customers.CustomerID, Orders.CustomerID AS CustomerID2FROM Customers, Orders"},
+      {"SELECT Customers.CustomerID, Orders.CustomerID, Orders.Total AS CustomerID2 FROM Customers, Orders",
+       "Add an Alias for CustomerID",
+       "SELECT Customers.CustomerID, Orders.CustomerID AS CustomerID3, Orders.Total AS CustomerID2FROM Customers, "
+       "Orders"},
+      {"SELECT CustomerID, SUM(Total) FROM Orders GROUP BY OrderID", "Group by Orders.CustomerID",
+       "SELECT Orders.CustomerID, SUM(Orders.Total)FROM OrdersGROUP BY Orders.CustomerID, Orders.OrderID"},
+      {"SELECT Name FROM Customers LEFT JOIN Orders ON Orders.CustomerID = Customers.CustomerID WHERE Name = 'x' AND "
+       "Total > 5",
+       "Move to the Join",
+       "SELECT Customers.NameFROM CustomersLEFT JOIN Orders ON Orders.CustomerID = Customers.CustomerID AND "
+       "Orders.Total "
+       "> 5WHERE ((Customers.Name = 'x'))"},
+  };
+  sql->SetSQLSyntax(SQLSyntaxPostgreSQL);
+  for (const auto& one : kCases) {
+    SCOPED_TRACE(one.statement);
+    diagram->Clear();
+    sql->ParseSQLStatement(one.statement);
+    grid->Grid()->Rows()->Add({}, 1);
+    const std::string before = Sql();
+    const std::vector<std::string> cures = sql->Cures();
+    const auto cure = std::ranges::find(cures, one.cure);
+    EXPECT_NE(cure, cures.end()) << (cures.empty() ? "" : cures.back());
+    if (cure == cures.end()) continue;
+    EXPECT_TRUE(sql->CureRemark(static_cast<std::int32_t>(cure - cures.begin()) + 1));
+    EXPECT_EQ(Sql(), one.after);
+    EXPECT_EQ(std::ranges::count(sql->Cures(), one.cure), 0);
     EXPECT_TRUE(hub->Undo());
     EXPECT_EQ(Sql(), before);
   }

@@ -45,7 +45,7 @@ void BoxRow::SetChecked(bool checked) {
     TakeTickBack();
     throw;
   }
-  if (list_ && list_->onChecked) list_->onChecked(RefTo(*this));
+  if (list_) list_->onChecked(RefTo(*this));
 }
 
 void BoxRow::SetBold(bool bold) {
@@ -78,7 +78,7 @@ void BoxRow::SetKind(TypeKind kind) {
 void BoxRow::SetNote(ColumnNote note) {
   if (note == note_) return;
   note_ = std::move(note);
-  if (list_ && list_->onChanged) list_->onChanged();
+  if (list_) list_->onChanged();
 }
 
 void BoxRow::SetToolTipText(std::string text) {
@@ -88,17 +88,17 @@ void BoxRow::SetToolTipText(std::string text) {
 
 void BoxRows::Revised() {
   ++revision_;
-  if (onTouched) onTouched();
+  onTouched();
 }
 
 void BoxRows::Changed() {
   Revised();
-  if (onChanged) onChanged();
+  onChanged();
 }
 
 void BoxRows::TicksChanged() {
-  if (onTouched) onTouched();
-  if (onChanged) onChanged();
+  onTouched();
+  onChanged();
 }
 
 void BoxRows::SetTicks(const std::vector<bool>& ticks) {
@@ -148,7 +148,7 @@ void BoxRows::Clear() {
     Detach();
     rows_.Clear();
     Changed();
-    if (onRemoved) onRemoved();
+    onRemoved();
     TellLost(ticked);
   });
 }
@@ -159,7 +159,7 @@ void BoxRows::RemoveAt(std::size_t position) {
   Change(!ticked.empty(), [&] {
     rows_.RemoveAt(position)->list_ = nullptr;
     Changed();
-    if (onRemoved) onRemoved();
+    onRemoved();
     TellLost(ticked);
   });
 }

@@ -122,6 +122,8 @@ class BoxRows {
   /// Whether some row may have said something else than its key: otherwise a text is found by key.
   bool TextsDiffer() const { return textsDiffer_; }
 
+  // The box that holds the rows sets the first four; the others may be nothing.
+
   /// The rows say something else now, or their ticks do; this comes first.
   std::function<void()> onTouched;
   /// The rows look different now.
