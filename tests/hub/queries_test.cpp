@@ -536,6 +536,90 @@ TEST_F(CellQueries, KeepTheirNamesOfTablesAroundWhenATableComes) {
   EXPECT_EQ(Written(), "SELECT Total * 2 AS t FROM Orders, Parts") << "nothing is around";
 }
 
+// Wherever it is named: in FROM, in conditions of joins, in cells, in queries within; a name that a table has already
+// stays with that table.
+TEST_F(CellQueries, ARenamedQueryIsNamedSoEverywhere) {
+  const struct {
+    const char* statement;
+    const char* after;  // r is called s
+  } kCases[] = {
+      {"WITH r AS (SELECT CustomerID AS c FROM Orders) SELECT Customers.Name FROM Customers LEFT JOIN Orders ON "
+       "Orders.CustomerID = Customers.CustomerID AND Orders.Total > (SELECT MAX(r.c) FROM r)",
+       "WITH s AS ( SELECT Orders.CustomerID AS c FROM Orders ) SELECT Customers.Name FROM Customers LEFT JOIN Orders "
+       "ON Orders.CustomerID = Customers.CustomerID AND Orders.Total > (SELECT MAX(s.c) FROM s)"},
+      {"WITH r AS (SELECT CustomerID AS c FROM Orders) SELECT r.c FROM r, Customers s WHERE s.CustomerID > r.c + 1",
+       "WITH s AS ( SELECT Orders.CustomerID AS c FROM Orders ) SELECT r.c FROM s AS r, Customers AS s WHERE "
+       "((s.CustomerID > r.c + 1))"},
+      {"WITH r AS (SELECT CustomerID AS c FROM Orders) SELECT x.c FROM r x INNER JOIN r ON r.c = x.c AND r.c > x.c + 1",
+       "WITH s AS ( SELECT Orders.CustomerID AS c FROM Orders ) SELECT x.c FROM s AS x INNER JOIN s ON s.c = x.c WHERE "
+       "((s.c > x.c + 1))"},
+      {"SELECT d.c FROM (SELECT CustomerID AS c FROM Orders) d, (SELECT CustomerID AS c FROM Customers) r WHERE r.c > "
+       "d.c",
+       "SELECT d.c FROM ( SELECT Orders.CustomerID AS c FROM Orders ) AS d, ( SELECT Customers.CustomerID AS c FROM "
+       "Customers ) AS s WHERE ((s.c > d.c))"},
+      {"WITH r AS (SELECT CustomerID AS c FROM Orders) SELECT d.c FROM (SELECT r.c FROM r) d UNION SELECT c FROM r",
+       "WITH s AS ( SELECT Orders.CustomerID AS c FROM Orders ) SELECT d.c FROM ( SELECT s.c FROM s ) AS d UNION "
+       "SELECT "
+       "s.c FROM s"},
+  };
+  for (const auto& one : kCases) {
+    SCOPED_TRACE(one.statement);
+    Parse("SELECT Name FROM Customers");
+    Parse(one.statement);
+    const std::string before = sql->SQLStatement();
+    hub->Queries()->Item("r")->SetName("s");
+    EXPECT_EQ(Written(), one.after);
+    hub->Undo();
+    EXPECT_EQ(sql->SQLStatement(), before);
+  }
+}
+
+// A statement takes over the boxes of what it names, and no others.
+TEST_F(QueriesTest, ATypedStatementTakesTheBoxesThatMeanTheSame) {
+  source->Table("Parts", {"Number"}, "shop");
+  source->Literal("SCHEMA_SEPARATOR", ".");
+  Use();
+  sql->SetSQLSyntax(SQLSyntaxPostgreSQL);
+  const struct {
+    const char* first;
+    const char* then;
+    const char* kept;  // the boxes that stay where they stand, with their columns
+  } kCases[] = {
+      {"SELECT Total FROM Orders o", "SELECT Total FROM Orders", "Orders(* OrderID! CustomerID Total)"},
+      {"SELECT o.Total FROM Orders o, Orders", "SELECT Orders.Total FROM Orders, Orders O",
+       "Orders(* OrderID! CustomerID Total) O(* OrderID! CustomerID Total)"},
+      {"SELECT o.Name FROM (SELECT Name FROM Customers) o", "SELECT p.Name FROM (SELECT Name FROM Customers) p", ""},
+      {"SELECT o.Name FROM (SELECT Name FROM Customers) o", "SELECT o.CustomerID FROM (SELECT * FROM Customers) o",
+       "o(* CustomerID Name)"},
+      // What a query was called is a table now, and the other way round.
+      {"SELECT Orders.CustomerID FROM (SELECT CustomerID FROM Customers) Orders", "SELECT CustomerID FROM Orders", ""},
+      {"WITH Orders AS (SELECT Name FROM Customers) SELECT Name FROM Orders", "SELECT CustomerID FROM Orders", ""},
+      {"WITH Orders AS (SELECT Name FROM Customers), d AS (SELECT Name FROM Customers) SELECT d.Name FROM Orders, d",
+       "WITH d AS (SELECT Name FROM Customers) SELECT Orders.CustomerID FROM Orders, d", "d(* Name)"},
+      {"SELECT CustomerID FROM Orders", "SELECT Orders.CustomerID FROM (SELECT CustomerID FROM Customers) Orders",
+       "Orders(* CustomerID)"},
+      {"SELECT CustomerID FROM Orders", "WITH Orders AS (SELECT Name FROM Customers) SELECT Name FROM Orders",
+       "Orders(* Name)"},
+      {"SELECT Number FROM shop.Parts", "SELECT Parts.Name FROM (SELECT Name FROM Customers) Parts", ""},
+  };
+  for (const auto& one : kCases) {
+    SCOPED_TRACE(std::string(one.first) + " -> " + one.then);
+    diagram->Clear();
+    sql->ParseSQLStatement(one.first);
+    for (const Ref<qbEntity>& table : *diagram->Entities()) table->SetTop(4321);
+    sql->ParseSQLStatement(one.then);
+    std::string kept;
+    for (const Ref<qbEntity>& table : *diagram->Entities()) {
+      if (table->Top() == 4321) kept += (kept.empty() ? "" : " ") + table->Caption() + "(" + Items(*table) + ")";
+    }
+    EXPECT_EQ(kept, one.kept) << Written();
+    const std::string written = sql->SQLStatement();
+    diagram->Clear();
+    sql->ParseSQLStatement(one.then);
+    EXPECT_EQ(sql->SQLStatement(), written) << "whatever was there before";
+  }
+}
+
 TEST_F(CellQueries, FiftyAreShownAgainWhereTheyStood) {
   Parse("SELECT Name FROM Customers WHERE CustomerID = 1");
   const auto open = [&](int number) {
@@ -574,6 +658,14 @@ TEST_F(CellQueries, AreOpenedWhereTheyStand) {
   EXPECT_EQ(grid->Grid()->Row(), 2);
   EXPECT_EQ(Enabled(MenuOfQueriesInCell(*hub, 2, kColumnCriteria + 1)), "New Subquery");
   EXPECT_EQ(Enabled(MenuOfQueriesInCell(*hub, 1, kColumnColumn)), "") << "no criterion";
+  // Over one table they are told by their beginnings.
+  Set(2, "or1",
+      "> (SELECT MIN(i.Total & 7) FROM Orders i) OR < (SELECT MAX(a.Total) FROM Orders a WHERE a.Total < 999)");
+  menu = MenuOfQueriesInCell(*hub, 2, kColumnCriteria + 1);
+  ASSERT_EQ(menu.size(), 2u);
+  EXPECT_EQ(menu[0].text, "Open Query (SELECT MIN(i.Total && 7) FROM Orders i)");
+  EXPECT_EQ(menu[1].text, "Open Query (SELECT MAX(a.Total) FROM Orders a WHERE\u2026)");
+  Set(2, "or1", "");
   const std::pair<std::int32_t, std::int32_t> kNowhere[] = {
       {0, kColumnCriteria}, {99, kColumnCriteria}, {1, kColumnAlias}, {4, kColumnCriteria}};
   for (const auto& [row, column] : kNowhere) {

@@ -34,9 +34,6 @@ namespace {
 
 using Targets = DiagramMenuTargets;
 
-// A name inside a menu's text: its ampersands mark no access key.
-std::string InMenu(const std::string& name) { return ReplaceAll(name, "&", "&&"); }
-
 Menu MenuForSurface(const Targets& targets) {
   const Ref<QueryContext> context = targets.site.Context();
   const CommandGround ground{.connection = context && context->source.IsConnected(),

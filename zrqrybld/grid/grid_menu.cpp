@@ -124,7 +124,8 @@ Menu GridPaneMenu::ColumnEntries(std::size_t column) const {
   for (const Ref<zrGridColumn>& each : columns) {
     const bool is = isShown(each);
     const bool groups = each->Index() == kColumnGroupBy;
-    menu.push_back({groups ? Say(pane_.rows_.Context(), {text::MenuGroupRows, each->Caption()}) : each->Caption(), "",
+    const std::string caption = InMenu(each->Caption());
+    menu.push_back({groups ? Say(pane_.rows_.Context(), {text::MenuGroupRows, caption}) : caption, "",
                     [*this, index = each->Index(), is] { SetColumnShown(index, !is); }, !is || shown > 1, is});
   }
   return menu;

@@ -1,5 +1,6 @@
 #include "zrqrybld/hub/query_menus.h"
 
+#include <algorithm>
 #include <functional>
 #include <optional>
 #include <utility>
@@ -20,6 +21,7 @@
 #include "zrqrybld/platform/dialogs.h"
 #include "zrqrybld/platform/toolkit.h"
 #include "zrqrybld/sql/inner_queries.h"
+#include "zrqrybld/sql/statement_printer.h"
 
 namespace zrqrybld {
 namespace {
@@ -110,16 +112,32 @@ std::string TextOfCell(const qbQueryBuilder& hub, std::int32_t row, std::int32_t
              : std::string();
 }
 
+// What tells the queries of a text apart, each in its parentheses: their tables, or how each begins where that says the
+// same of several.
+std::vector<std::string> NamesOf(const std::string& text, const std::vector<InnerQueryPlace>& places) {
+  constexpr std::size_t kLongest = 40;
+  std::vector<std::string> names;
+  for (const InnerQueryPlace& place : places) {
+    names.push_back(ShortWithQueries(text.substr(place.begin - 1, place.end - place.begin + 2)));
+  }
+  const std::vector<std::string> byTables = names;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    if (std::ranges::count(byTables, byTables[i]) == 1) continue;
+    const std::string query = OnOneLine(text.substr(places[i].begin, places[i].end - places[i].begin));
+    const std::string_view begin = Trim(FirstCharacters(query, kLongest));
+    names[i] = "(" + std::string(begin) + (begin.size() < query.size() ? "\u2026)" : ")");
+  }
+  return names;
+}
+
 // An entry for each query of a text, which `open` opens by its number from 1.
 template <typename Open>
 Menu OpenEntries(qbQueryBuilder& hub, const std::string& text, const Open& open) {
   Menu menu;
-  const std::vector<InnerQueryPlace> places = InnerQueriesIn(text);
-  for (std::size_t i = 0; i < places.size(); ++i) {
+  const std::vector<std::string> names = NamesOf(text, InnerQueriesIn(text));
+  for (std::size_t i = 0; i < names.size(); ++i) {
     const auto number = static_cast<std::int32_t>(i) + 1;
-    const std::string query = text.substr(places[i].begin - 1, places[i].end - places[i].begin + 2);
-    const Phrase name =
-        places.size() == 1 ? Phrase(text::MenuOpenQuery) : Phrase(text::OpenThisQuery, ShortWithQueries(query));
+    const Phrase name = names.size() == 1 ? Phrase(text::MenuOpenQuery) : Phrase(text::OpenThisQuery, InMenu(names[i]));
     menu.push_back({hub.Say(name), i == 0 ? KeyTextOf(Command::GoToQueryAtCaret) : std::string(),
                     OnHub(hub, [=](qbQueryBuilder& now) { open(now, number); })});
   }

@@ -100,7 +100,7 @@ void TablePlan::Claim(const qbEntities& entities) {
   for (std::size_t i = drawn.size(); i-- > 0;) {
     drawn[i].entity = entities.Item(static_cast<std::int32_t>(i + 1));
     const std::string tag = drawn[i].entity->TagVariant().Text();
-    drawn[i].isQuery = queries_(tag).has_value();
+    drawn[i].isQuery = drawn[i].entity->EntityBox()->IsQuery();
     drawn[i].writtenName = WrittenName(*drawn[i].entity, rules_);
     if (drawn[i].isQuery) drawn[i].writtenName.assign(1, Identifier(tag));
     drawn[i].name = SourceName(*drawn[i].entity, drawn[i].writtenName);

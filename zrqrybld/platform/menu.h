@@ -3,7 +3,10 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
+
+#include "zrqrybld/base/text.h"
 
 namespace zrqrybld {
 
@@ -23,5 +26,8 @@ struct MenuEntry {
 };
 
 using Menu = std::vector<MenuEntry>;
+
+/// A name as it stands in the text of an entry: its ampersands are shown, and mark no access key.
+inline std::string InMenu(std::string_view name) { return ReplaceAll(name, "&", "&&"); }
 
 }  // namespace zrqrybld
