@@ -156,6 +156,28 @@ TEST_F(DiagramCommands, ATableThatIsOnlyAskedAboutIsDrawnSo) {
   EXPECT_EQ(boxes(""), tickable + 1);
 }
 
+// A few characters for each grouping, whatever its name is in the cell.
+TEST_F(DiagramCommands, GroupingsAreMarkedInTheRows) {
+  const struct {
+    const char* select;
+    const char* mark;
+  } kCases[] = {
+      {"Total", "\u2261"},   {"SUM(Total)", "\u03A3"}, {"AVG(Total)", "\u2300"},       {"MIN(Total)", "min"},
+      {"MAX(Total)", "max"}, {"COUNT(Total)", "n"},    {"COUNT(DISTINCT Total)", "n"}, {"STDDEV(Total)", "STDD"}};
+  for (const auto& one : kCases) {
+    sql->ParseSQLStatement(std::string("SELECT OrderID, ") + one.select + " FROM Orders GROUP BY OrderID" +
+                           (*one.select == 'T' ? ", Total" : ""));
+    std::string marks;
+    const std::vector<std::string> lines = Drawn();
+    const auto row = std::ranges::find_if(lines, [](const auto& line) { return line.ends_with(" \"Total\""); });
+    ASSERT_NE(row, lines.end());
+    for (auto line = lines.begin(); line != lines.end(); ++line) {
+      if (line->starts_with("text ") && line->ends_with(std::string(" \"") + one.mark + "\"")) marks += "x";
+    }
+    EXPECT_EQ(marks, *one.select == 'T' ? "xx" : "x") << one.select << " " << Cell(2, "group_by");
+  }
+}
+
 // What is typed as the field of a condition.
 TEST_F(DiagramCommands, AConditionIsAboutAColumnAnAggregateOrAnExpression) {
   Parse("Customers, Orders");

@@ -26,10 +26,11 @@ enum class TypeKind : std::uint8_t { None, Number, Text, Date, YesNo, Binary, Ot
 
 /// What the query does with a column, as its row shows it.
 struct ColumnNote {
-  int sort = 0;           ///< 1 ascending, -1 descending, 0 not sorted
-  std::string order;      ///< the column's place among the sorted ones
-  std::string aggregate;  ///< how it is grouped; "" when the query does not group
-  bool filtered = false;  ///< it has criteria
+  int sort = 0;               ///< 1 ascending, -1 descending, 0 not sorted
+  std::string order;          ///< the column's place among the sorted ones
+  std::string aggregate;      ///< how it is grouped, as people read it; "" when the query does not group
+  bool filtered = false;      ///< it has criteria
+  std::string function = {};  ///< the aggregate's name in SQL, or "GROUP BY"; "" for what has none
   friend bool operator==(const ColumnNote&, const ColumnNote&) = default;
 };
 

@@ -360,19 +360,18 @@ constexpr AggregateMark kAggregateMarks[] = {
     {"GROUP BY", "≡"}, {"SUM", "Σ"}, {"COUNT", "n"}, {"AVG", "⌀"}, {"MIN", "min"}, {"MAX", "max"},
 };
 
-std::string MarkOf(const std::string& aggregate) {
-  const std::string upper = UpperAscii(aggregate);
-  const auto* known = std::ranges::find(kAggregateMarks, upper, &AggregateMark::name);
+std::string MarkOf(const ColumnNote& note) {
+  const auto* known = std::ranges::find(kAggregateMarks, UpperAscii(note.function), &AggregateMark::name);
   if (known != std::end(kAggregateMarks)) return std::string(known->mark);
   constexpr std::size_t kLetters = 4;
-  return std::string(FirstCharacters(aggregate.substr(0, aggregate.find_first_of(" (")), kLetters));
+  return std::string(FirstCharacters(note.aggregate.substr(0, note.aggregate.find_first_of(" (")), kLetters));
 }
 
 }  // namespace
 
 Pixels qbEntityList::WidthOfNote(const ColumnNote& note, const TextMetrics& text) const {
   const Pixels signs = (note.filtered ? kIcon + kIconGap / 2 : 0_px) + (note.sort != 0 ? kIcon + kIconGap / 2 : 0_px);
-  return note.aggregate.empty() ? signs : signs + text.TextWidth(MarkOf(note.aggregate), metrics_.font) + kIconGap;
+  return note.aggregate.empty() ? signs : signs + text.TextWidth(MarkOf(note), metrics_.font) + kIconGap;
 }
 
 // What the query does with the column, at the right end of `rect`. Signs are always seen, the place in the sort order
@@ -380,7 +379,7 @@ Pixels qbEntityList::WidthOfNote(const ColumnNote& note, const TextMetrics& text
 Pixels qbEntityList::PaintNote(Canvas& canvas, const PixelRect& rect, const ColumnNote& note, Pixels nameWidth,
                                const TextMetrics& text, const Ink& ink) const {
   constexpr Pixels kOrder = 16_px;
-  const std::string mark = note.aggregate.empty() ? std::string() : MarkOf(note.aggregate);
+  const std::string mark = note.aggregate.empty() ? std::string() : MarkOf(note);
   const Pixels markWidth = text.TextWidth(mark, metrics_.font);
   const Pixels words = rect.width - nameWidth - WidthOfNote(note, text);
   const bool showsOrder = note.sort != 0 && !note.order.empty() && words >= kOrder;

@@ -94,7 +94,12 @@ void AddTo(ColumnNote& note, const RowReader& row, bool grouped, std::size_t las
     note.order = row.Text(kColumnSortOrder);
   }
   // A condition on rows is seen by its sign.
-  if (grouped && row.Grouping(&functions).kind != GroupingKind::Where) note.aggregate = row.Text(kColumnGroupBy);
+  const RowGrouping grouping = grouped ? row.Grouping(&functions) : RowGrouping();
+  if (grouped && grouping.kind != GroupingKind::Where) {
+    note.aggregate = row.Text(kColumnGroupBy);
+    note.function =
+        grouping.kind == GroupingKind::GroupBy ? "GROUP BY" : grouping.syntax.substr(0, grouping.syntax.find('('));
+  }
   note.filtered = note.filtered || row.HasCriteria(lastColumn);
 }
 
