@@ -117,6 +117,7 @@ std::string TextOfCell(const qbQueryBuilder& hub, std::int32_t row, std::int32_t
 std::vector<std::string> NamesOf(const std::string& text, const std::vector<InnerQueryPlace>& places) {
   constexpr std::size_t kLongest = 40;
   std::vector<std::string> names;
+  names.reserve(places.size());
   for (const InnerQueryPlace& place : places) {
     names.push_back(ShortWithQueries(text.substr(place.begin - 1, place.end - place.begin + 2)));
   }
