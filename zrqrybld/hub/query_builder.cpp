@@ -431,7 +431,9 @@ QuerySnapshot qbQueryBuilder::Snapshot() const {
   snapshot.top = options_.selectTopRecords;
   snapshot.skip = options_.skipRecords;
   snapshot.criteria = CriteriaRules();
-  snapshot.beginsCompound = parts_->querySet.BeginsCompound(parts_->querySet.shown);
+  const QuerySet& set = parts_->querySet;
+  snapshot.beginsCompound = set.BeginsCompound(set.shown);
+  snapshot.isAmongOthers = set.Shown().kind != QueryMain || !set.InnerOf(set.shown).empty();
   snapshot.outer = Outer();
   return snapshot;
 }

@@ -88,7 +88,8 @@ class Diagnosis {
   // --- Tables and joins ---
 
   void Tables() {
-    const bool nested = dialect_.fromParentheses == Dialect::FromParentheses::Nested && generated_.from.size() > 2;
+    const bool nested = dialect_.fromParentheses == Dialect::FromParentheses::Nested && !query_.isAmongOthers &&
+                        generated_.from.size() > 2;
     std::vector<bool> joinedByCriteria;  // looked for when a table is joined to none
     for (const FromEntry& entry : generated_.from) {
       const std::string& caption = CaptionOf(entry.table);

@@ -197,7 +197,10 @@ class Generator {
       from_ += " ON ";
       AppendConditions(from_, entry, std::string(kAnd) + std::string(depth_, '\t'));
       const bool last = &entry == &entries.back();
-      if (dialect_.fromParentheses == Dialect::FromParentheses::Nested && !last) from_ += ')';
+      const bool endsItem = last || (&entry + 1)->conditions.empty();
+      if (dialect_.fromParentheses == Dialect::FromParentheses::Nested && !(query_.isAmongOthers ? endsItem : last)) {
+        from_ += ')';
+      }
     }
     from_ += end;
   }
@@ -228,7 +231,19 @@ class Generator {
 
   void BeginLine() { from_.append(kItem).append(depth_, '\t'); }
 
-  // Every table without a condition opens the parentheses anew, not only the first.
+  // A parenthesis for each join of the item but the last one, which closes none. Where the query stands alone there is
+  // one for each table but two, and every table without a condition opens them anew, not only the first.
+  std::size_t OpenedBefore(const FromEntry& entry, const std::vector<FromEntry>& entries) const {
+    if (dialect_.fromParentheses != Dialect::FromParentheses::Nested) return 0;
+    std::size_t tables = entries.size();
+    if (query_.isAmongOthers) {
+      const FromEntry* next = &entry + 1;
+      while (next <= &entries.back() && !next->conditions.empty()) ++next;
+      tables = static_cast<std::size_t>(next - &entry);
+    }
+    return tables > 2 ? tables - 2 : 0;
+  }
+
   void WriteUnjoinedTable(const FromEntry& entry, const std::vector<FromEntry>& entries, std::string_view open) {
     const bool first = from_.empty();
     const bool beginsGroup = depth_ > 0 && &entry == &entries.front();
@@ -236,9 +251,7 @@ class Generator {
     if (!beginsGroup) BeginLine();
     from_ += open;
     if (first && dialect_.fromParentheses == Dialect::FromParentheses::Whole) from_ += dialect_.open;
-    if (dialect_.fromParentheses == Dialect::FromParentheses::Nested && entries.size() > 2) {
-      from_.append(entries.size() - 2, '(');
-    }
+    from_.append(OpenedBefore(entry, entries), '(');
     WriteTable(entry);
   }
 

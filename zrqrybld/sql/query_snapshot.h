@@ -116,6 +116,8 @@ struct QuerySnapshot {
   std::int32_t skip = 0;
   /// Whether it is put together with others by UNION and its like: what it sorts and limits by stands behind the last.
   bool beginsCompound = false;
+  /// Whether its text stands among those of other queries: every parenthesis is closed then.
+  bool isAmongOthers = false;
   NameRules names;
   /// How criteria are read and values written; what depends on the column comes from its row.
   CriteriaContext criteria;

@@ -52,6 +52,11 @@ class Writer {
   Writer(const Dialect& dialect, std::int32_t shown, const ExtraConditions& extra, bool marks)
       : dialect_(dialect), forms_(dialect.queries), shown_(shown), extra_(extra), marks_(marks) {}
 
+  std::string WriteAll(QueryTree& query) {
+    isAmongOthers_ = query.kind != QueryMain || !query.inner.empty();
+    return Write(query, false);
+  }
+
   // "" when something cannot be said.
   std::string Write(QueryTree& query, bool nested) {
     std::string text = WithClause(query, nested);
@@ -138,6 +143,7 @@ class Writer {
 
   std::string Compound(QueryTree& query) {
     query.query.beginsCompound = std::ranges::any_of(query.inner, IsMember);
+    query.query.isAmongOthers = isAmongOthers_;
     const OutputPlaces columns = query.query.beginsCompound ? PlacesOf(query.query, query.columns) : OutputPlaces();
     const std::size_t around = std::exchange(member_, query.kind == QueryMember ? member_ : 0);
     const GeneratedSql head = Select(query);
@@ -233,6 +239,7 @@ class Writer {
   const std::int32_t shown_;
   const ExtraConditions& extra_;
   const bool marks_;
+  bool isAmongOthers_ = false;
   bool holdsMark_ = false;
   std::size_t member_ = 0;  // that is written, of its compound
   std::vector<QueryFault> faults_;
@@ -245,9 +252,9 @@ class Writer {
 GeneratedQuery GenerateQuery(QueryTree tree, const Dialect& dialect, std::int32_t shown, const ExtraConditions& extra) {
   Writer plain(dialect, shown, extra, false);
   QueryTree copy = tree;
-  std::string text = plain.Write(copy, false);
+  std::string text = plain.WriteAll(copy);
   GeneratedQuery result;
-  if (!plain.HoldsMark()) result = Writer::WithoutMarks(Writer(dialect, shown, extra, true).Write(tree, false));
+  if (!plain.HoldsMark()) result = Writer::WithoutMarks(Writer(dialect, shown, extra, true).WriteAll(tree));
   result.text = std::move(text);
   result.extended = shown;
   result.faults = std::move(plain.Faults());
