@@ -6,6 +6,7 @@
 
 #include "tests/fakes/recording_canvas.h"
 #include "tests/hub_fixture.h"
+#include "tests/menus.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
@@ -34,18 +35,7 @@ class DiagramCommands : public test::HubTest {
     return written.substr(written.find("FROM ") + 5);
   }
   Ref<qbEntity> Table(const std::string& caption) const { return diagram->Entities()->Item(caption); }
-  void Choose(const Ref<Object>& object, std::string_view path) {
-    diagram->SelectObject(object);
-    diagram->OnKeyDown({KeyCodeF1 + 9, ShiftShift});
-    Menu menu = static_cast<HeadlessSurface&>(diagram->GetSurface()).LastMenu();
-    for (const std::string_view step : Split(path, "/")) {
-      const auto entry =
-          std::ranges::find_if(menu, [&](const auto& one) { return ReplaceAll(one.text, "&", "").starts_with(step); });
-      ASSERT_TRUE(entry != menu.end() && entry->enabled) << path;
-      if (entry->action) entry->action();
-      menu = Menu(entry->entries);
-    }
-  }
+  void Choose(const Ref<Object>& object, std::string_view path) { test::Choose(test::MenuOf(*diagram, object), path); }
   std::vector<std::string> Drawn() const {
     RecordingCanvas canvas;
     diagram->Paint(canvas, {-10'000_px, -10'000_px, 20'000_px, 20'000_px});

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "tests/hub_fixture.h"
+#include "tests/menus.h"
 #include "zrqrybld/base/text.h"
 #include "zrqrybld/diagram/diagram_pane.h"
 #include "zrqrybld/diagram/entities.h"
@@ -12,7 +13,6 @@
 #include "zrqrybld/expression/expression_zoom.h"
 #include "zrqrybld/hub/hub.h"
 #include "zrqrybld/platform/headless.h"
-#include "zrqrybld/platform/input.h"
 #include "zrqrybld/sql/sql_pane.h"
 #include "zrqrybld/sql/statement_printer.h"
 
@@ -166,25 +166,8 @@ TEST_F(JoinWindow, HasAConditionThatNamesWhatItCanSee) {
   }
 }
 
-// "Entry(entries beside it)", "-" in front of what cannot be chosen, "*" of what is.
-std::string Offered(const Menu& menu) {
-  std::string text;
-  for (const MenuEntry& entry : menu) {
-    if (entry.IsSeparator()) continue;
-    text += (text.empty() ? "" : "; ") + std::string(entry.enabled ? "" : "-") + (entry.checked ? "*" : "") +
-            ReplaceAll(entry.text, "&", "");
-    if (!entry.entries.empty()) text += "(" + Offered(entry.entries) + ")";
-  }
-  return text;
-}
-
 TEST_F(JoinWindow, AndItsMenuOfferWhatTheDialectHas) {
-  const auto menuOf = [&](const Ref<Object>& object) -> const Menu& {
-    diagram->SelectObject(object);
-    diagram->OnKeyDown({KeyCodeF1 + 9, ShiftShift});
-    return static_cast<HeadlessSurface&>(diagram->GetSurface()).LastMenu();
-  };
-  const auto kinds = [&] { return Offered(menuOf(JoinTo(""))[0].entries); };
+  const auto kinds = [&] { return test::Offered(test::MenuOf(*diagram, JoinTo(""))[0].entries); };
   sql->SetSQLSyntax(SQLSyntaxMySQL);
   After(kJoined, [](JoinDialog&) {});
   const std::string asking =
@@ -199,20 +182,18 @@ TEST_F(JoinWindow, AndItsMenuOfferWhatTheDialectHas) {
       "Customers LEFT JOIN Orders ON Orders.CustomerID = Customers.CustomerID AND Orders.OrderID = Customers.Name "
       "AND Orders.Total > (SELECT AVG(Total) FROM Orders i) LEFT JOIN Orders o ON o.OrderID = Orders.OrderID",
       [](JoinDialog&) {});
-  EXPECT_EQ(Offered(menuOf(JoinTo("Customers"))),
+  EXPECT_EQ(test::Offered(test::MenuOf(*diagram, JoinTo("Customers"))),
             "Open Query; Kind(Matching Rows Only; *All Rows from Customers; All Rows from Orders; All Rows from Both" +
                 asking +
                 "); Properties...; Reverse; Join Once More, with Another Alias; Remove Pair(Customers.CustomerID = "
                 "Orders.CustomerID; Customers.Name = Orders.OrderID); Delete");
   EXPECT_EQ(
-      Offered(menuOf(diagram->Entities()->Item("Orders"))),
+      test::Offered(test::MenuOf(*diagram, diagram->Entities()->Item("Orders"))),
       "Alias...; Join Once More, with Another Alias(Customers; o); Tick All Columns; Tick Key Columns; Untick All "
       "Columns; -Add Related Tables; Minimise; Fit to Columns; Remove");
   int opened = 0;
   toolkit->GetDialogs().onShowJoinProperties = [&](JoinDialog&) { return ++opened == 0; };
-  for (const MenuEntry& entry : Menu(menuOf(JoinTo("Customers")))) {
-    if (entry.text == "&Properties...") entry.action();
-  }
+  test::Choose(test::MenuOf(*diagram, JoinTo("Customers")), "Properties");
   EXPECT_EQ(opened, 1);
 }
 
