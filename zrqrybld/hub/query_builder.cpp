@@ -433,7 +433,7 @@ QuerySnapshot qbQueryBuilder::Snapshot() const {
   snapshot.criteria = CriteriaRules();
   const QuerySet& set = parts_->querySet;
   snapshot.beginsCompound = set.BeginsCompound(set.shown);
-  snapshot.isAmongOthers = set.Shown().kind != QueryMain || !set.InnerOf(set.shown).empty();
+  snapshot.isAmongOthers = !set.IsSingle();
   snapshot.outer = Outer();
   return snapshot;
 }
